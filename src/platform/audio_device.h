@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace orven {
+
+/// Every audio device moves 8000 samples a second, mono, 16-bit signed: the telephone's own rate
+/// (ITU-T G.711).
+inline constexpr int kSampleRate = 8000;
+
+/// Samples in one block of 20 ms, the usual RTP packet (RFC 3551, section 4.2).
+inline constexpr int kBlockSamples = 160;
+
+/// Where a playing device takes its samples from.
+class AudioSource {
+ public:
+  virtual ~AudioSource() = default;
+
+  /// Fills `block` (kBlockSamples samples), with silence where samples are missing for now, and
+  /// returns true; or returns false, leaving the block alone, when everything has been read. Called
+  /// on the device's own thread every 20 ms: must not wait, touch a disk or call the device.
+  virtual bool Read(std::span<std::int16_t> block) = 0;
+};
+
+/// Where a recording device puts its samples.
+class AudioSink {
+ public:
+  virtual ~AudioSink() = default;
+
+  /// Takes one block (kBlockSamples samples). Same thread rules as AudioSource::Read.
+  virtual void Write(std::span<const std::int16_t> block) = 0;
+};
+
+/// One numbered wave device, a telephone line's or a sound card's. It plays from one source and
+/// records into one sink at a time. User-interface thread; all operations return at once.
+class AudioDevice {
+ public:
+  virtual ~AudioDevice() = default;
+
+  /// Starts pulling blocks from `source` until it returns false or StopPlay. Returns kWaveOk, or
+  /// kWaveBusy while another source plays, or kWaveNoDevice when the device cannot play now.
+  virtual std::int32_t StartPlay(AudioSource& source) = 0;
+
+  /// Ends playing. After it returns, `Read` is not running and will not be called. Idempotent.
+  virtual void StopPlay() = 0;
+
+  /// Starts handing captured blocks to `sink` until StopRecord; same results as StartPlay.
+  virtual std::int32_t StartRecord(AudioSink& sink) = 0;
+
+  /// Ends recording; the same guarantee for `Write`. Idempotent.
+  virtual void StopRecord() = 0;
+};
+
+/// All wave devices by number. Sound cards have the numbers 0 to 999 (the setting `Sound`), lines
+/// the numbers from kFirstLineWaveDevice on, so the two never meet.
+class AudioDevices {
+ public:
+  virtual ~AudioDevices() = default;
+
+  /// The device, or nullptr when there is none with that number (now). The device lives as long as
+  /// this directory.
+  virtual AudioDevice* Find(std::int32_t number) = 0;
+};
+
+/// Wave device number of the line with index 0; line i has this number plus i.
+inline constexpr std::int32_t kFirstLineWaveDevice = 1000;
+
+}  // namespace orven

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace orven {
+
+/// Message boxes and file dialogs, shown to the person at the desk. Without a display a text goes to
+/// standard error and the answer is the safe one (no, cancelled). User-interface thread.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  /// A plain message box.
+  virtual void Message(const std::string& text) = 0;
+
+  /// A message box in the information style.
+  virtual void Information(const std::string& text) = 0;
+
+  /// A question with Yes and No; true is Yes.
+  virtual bool Confirm(const std::string& text) = 0;
+
+  /// Save As: `filter` is "description NUL pattern NUL". The chosen path, or nothing when cancelled.
+  virtual std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
+                                            const std::string& suggested_name) = 0;
+};
+
+}  // namespace orven

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orven {
+
+/// The few file operations the engine needs. Paths are UTF-8 with the platform's own separators.
+/// Failures throw RuntimeError with the classic number (53 not found, 61 disk full, 70 permission
+/// denied, 75/76 path) and the path in the text. Any thread.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  virtual bool Exists(const std::string& path) const = 0;
+
+  /// Opens (creating it if absent), appends, closes: the text is with the system on return.
+  virtual void Append(const std::string& path, std::string_view text) = 0;
+
+  /// The whole content.
+  virtual std::string Read(const std::string& path) const = 0;
+
+  /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in the order
+  /// the directory search returns them. In the pattern "*" stands for any run of characters, "?" for
+  /// one, letters match in either case, and "*.*" matches every name.
+  virtual std::vector<std::string> List(const std::string& folder, std::string_view pattern) const = 0;
+
+  virtual std::chrono::system_clock::time_point LastModified(const std::string& path) const = 0;
+
+  virtual void Delete(const std::string& path) = 0;
+
+  /// Copies the content of `from` to `to`, replacing an existing file whole or not at all.
+  virtual void Copy(const std::string& from, const std::string& to) = 0;
+
+  /// Moves `from` to `to`, across file systems too; throws 58 when `to` exists.
+  virtual void Rename(const std::string& from, const std::string& to) = 0;
+
+  /// Creates the folder and its parents; an existing folder is success.
+  virtual void MakeFolder(const std::string& path) = 0;
+};
+
+}  // namespace orven

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/audio_device.h"
+#include "platform/telephony.h"
+
+namespace orven {
+
+/// Counts the calls that one driver offers, from 1. Requests carry it, so that a request which
+/// crosses the end of its call never touches the next one.
+using CallNumber = std::uint32_t;
+
+/// What a driver tells the line service. A driver may call these on any one thread at a time, in the
+/// order in which things happen; an implementation only queues them and never blocks.
+class LineDriverEvents {
+ public:
+  virtual ~LineDriverEvents() = default;
+
+  virtual void Offered(CallNumber call) = 0;
+  /// `count` is 1 for the first ring of each call.
+  virtual void Ring(CallNumber call, std::int32_t count) = 0;
+  /// As the network sent them (decoded to UTF-8; the service cleans them). Empty: not told.
+  virtual void CallerId(CallNumber call, const std::string& name, const std::string& number) = 0;
+  /// Answers exactly one Answer or Drop: kTelephonyOk or a negative TelephonyResult.
+  virtual void RequestDone(std::int32_t request, std::int32_t result) = 0;
+  virtual void Connected(CallNumber call) = 0;
+  /// One key press: '0'-'9', '*', '#', 'A'-'D'. Only while monitoring is on.
+  virtual void Digit(CallNumber call, char digit) = 0;
+  /// The remote party (or the network) ended an answered call. Not raised after our own Drop, nor for
+  /// a call that was never answered.
+  virtual void Disconnected(CallNumber call) = 0;
+  /// The call is gone. Exactly once for each Offered, as its last event; the driver then accepts the
+  /// next call.
+  virtual void Idle(CallNumber call) = 0;
+};
+
+/// One telephone device. Operations are called on the user-interface thread and return at once; what
+/// they lead to arrives as events.
+class LineDriver {
+ public:
+  virtual ~LineDriver() = default;
+
+  virtual const DeviceCapabilities& Capabilities() const = 0;
+
+  /// Takes the device; calls are offered from now on and told to `events`, which outlives Close.
+  /// kTelephonyOk or a negative TelephonyResult; LastError then says more.
+  virtual std::int32_t Open(LineDriverEvents& events) = 0;
+
+  /// Hangs up a call that is up, releases the device and returns when the driver's last event has
+  /// been raised (that call's Idle included). Idempotent. Returns within 2 seconds whatever the
+  /// device or the network does.
+  virtual void Close() = 0;
+
+  /// Answers `call`; RequestDone(request, …) and, on success, Connected follow.
+  virtual void Answer(CallNumber call, std::int32_t request) = 0;
+
+  /// Ends `call`: hangs up when answered, rejects when not. RequestDone then Idle follow. Dropping a
+  /// call that is already gone succeeds.
+  virtual void Drop(CallNumber call, std::int32_t request) = 0;
+
+  virtual void MonitorDigits(CallNumber call, bool on) = 0;
+
+  virtual void SetGreetingPhase(CallNumber call, bool on) = 0;
+
+  /// The line's sound: plays to and records from the answered call. Without one, playing consumes
+  /// nothing and recording delivers nothing. Lives as long as the driver.
+  virtual AudioDevice& Audio() = 0;
+
+  /// One sentence on why the last Open failed, for the log; empty when it did not.
+  virtual std::string LastError() const = 0;
+};
+
+}  // namespace orven

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace orven {
+
+/// The registry's roots that the program knows.
+enum class RegistryRoot { LocalMachine, CurrentUser };
+
+/// The registry's value types that the program knows, with the numbers that Windows gives them.
+enum class RegistryType : std::uint32_t { String = 1, Binary = 3, Dword = 4 };
+
+/// One stored value as the registry holds it: the type's number and the raw bytes. A String's bytes
+/// are its UTF-8 text followed, in a well-formed value, by one terminating zero byte; a Dword's are
+/// four, least significant first.
+struct RegistryValue {
+  std::uint32_t type = static_cast<std::uint32_t>(RegistryType::String);
+  std::string data;
+  bool operator==(const RegistryValue&) const = default;
+};
+
+struct NamedRegistryValue {
+  std::string name;
+  RegistryValue value;
+};
+
+/// Named values under keys. Key paths are backslash-separated without the root ("SOFTWARE\ORVEN");
+/// keys and value names compare without regard to the case of ASCII letters. User-interface thread.
+class Registry {
+ public:
+  virtual ~Registry() = default;
+
+  virtual bool KeyExists(RegistryRoot root, const std::string& key) = 0;
+
+  /// The value, or nothing when the key or the value is not there or cannot be read.
+  virtual std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key,
+                                             const std::string& name) = 0;
+
+  /// Creates the key if it is absent and writes all `values`, all of them or none, durable on
+  /// return. False when they could not be written; then the stored values are the old ones.
+  virtual bool Write(RegistryRoot root, const std::string& key,
+                     std::span<const NamedRegistryValue> values) = 0;
+
+  /// Removes one value. False when it was not there or could not be removed.
+  virtual bool Delete(RegistryRoot root, const std::string& key, const std::string& name) = 0;
+};
+
+}  // namespace orven

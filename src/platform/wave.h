@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace orven {
+
+/// Results of the wave control and of audio devices. 0 is success; the control turns each into text.
+enum WaveResult : std::int32_t {
+  kWaveOk = 0,
+  kWaveNoDevice = 1,       ///< no wave device has that number, or it cannot play or record now
+  kWaveBusy = 2,           ///< the device or the control is already playing or recording
+  kWaveBadFormat = 3,      ///< the format is not one that can be recorded or played
+  kWaveFileNotFound = 4,
+  kWaveFileUnreadable = 5,  ///< not a sound file, damaged, empty, or no permission
+  kWaveNotRecording = 6,
+  kWavePathNotFound = 7,    ///< the folder to write into is not there or is no folder
+  kWaveWriteDenied = 8,
+  kWaveDiskFull = 9,
+  kWaveWriteFailed = 10,
+};
+
+/// Wave format tags as RIFF files carry them.
+inline constexpr std::int32_t kWaveFormatPcm = 1;
+inline constexpr std::int32_t kWaveFormatMuLaw = 7;
+
+struct WaveFormat {
+  std::int32_t tag = kWaveFormatPcm;
+  std::int32_t channels = 1;
+  std::int32_t bits_per_sample = 16;
+  std::int32_t samples_per_second = 8000;
+  bool operator==(const WaveFormat&) const = default;
+};
+
+/// What a wave control tells its owner.
+class WaveEvents {
+ public:
+  virtual ~WaveEvents() = default;
+
+  /// The file given to the latest PlayFile has been played to its end (or broke off because the rest
+  /// of it cannot be read). Never raised after StopPlay or for an earlier PlayFile.
+  virtual void PlayFinished() = 0;
+};
+
+/// The wave control (`Wave1` for the line, `WavePlay` for the sound card): plays and records WAV
+/// files over numbered wave devices, one play and one record at a time. All operations are called on
+/// the user-interface thread and return at once; events arrive there, never inside an operation.
+class WaveControl {
+ public:
+  virtual ~WaveControl() = default;
+
+  /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
+  virtual void SetEvents(WaveEvents* events) = 0;
+
+  /// True: a recording is written to the disk while it is made, into `RecordFolder`, so that a crash
+  /// loses at most the last second. False (the initial state): it is kept in memory until it ends.
+  virtual void SetRecordToDisk(bool on) = 0;
+
+  /// Folder in which a recording grows while it is made; normally the messages folder, so that
+  /// finishing it is a rename. Takes effect with the next StartRecord.
+  virtual void SetRecordFolder(const std::string& folder) = 0;
+
+  /// Whether `device` can record `format`, without recording. `mode` is 1: ask for recording.
+  virtual std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode,
+                                         const WaveFormat& format) = 0;
+
+  /// Starts capturing from `device` in `format` (16-bit PCM or 8-bit mu-law, one channel, 8000).
+  virtual std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) = 0;
+
+  /// Stops capturing and leaves everything captured as a WAV file at `path`, replacing an older file.
+  /// When that fails, what was captured stays on disk where it can; RecordErrorText of this result
+  /// then names that file until the next StartRecord.
+  virtual std::int32_t StopRecordToFile(const std::string& path) = 0;
+
+  virtual bool IsRecording() const = 0;
+
+  /// Peak of the last 20 ms captured, in thousandths of full scale (0..1000); 0 when not recording.
+  virtual std::int32_t InputLevel() const = 0;
+
+  /// Plays what is being captured live on wave device `device`, from now on.
+  virtual std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) = 0;
+
+  /// Ends the live play; success also when there was none.
+  virtual std::int32_t StopMonitor() = 0;
+
+  virtual std::string RecordErrorText(std::int32_t code) const = 0;
+
+  /// Starts playing the sound file at `path` on `device`, from its beginning; kWaveBusy while another
+  /// file plays.
+  virtual std::int32_t PlayFile(const std::string& path, std::int32_t device) = 0;
+
+  virtual std::string PlayErrorText(std::int32_t code) const = 0;
+
+  virtual bool IsPlaying() const = 0;
+
+  /// Ends playing; nothing is told about it. Idempotent.
+  virtual void StopPlay() = 0;
+
+  /// How much of the playing file has been played; 0 when nothing plays.
+  virtual std::chrono::milliseconds Position() const = 0;
+
+  /// Length of the sound file at `path` in seconds, or a negative number when it cannot be read.
+  virtual double FileLength(const std::string& path) const = 0;
+};
+
+}  // namespace orven
