@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace orven {
+
+/// Text to number. Accepts blanks around, a sign, a decimal fraction and an exponent; a fraction is
+/// rounded to the nearest whole number, halves to even. Throws RuntimeError 13 ("Type mismatch") for
+/// anything else and 6 ("Overflow") for a number that does not fit.
+std::int16_t ToInt16(std::string_view text);
+std::int32_t ToInt32(std::string_view text);
+
+/// `value` as a 16-bit number; throws RuntimeError 6 when it does not fit.
+std::int16_t NarrowToInt16(std::int64_t value);
+
+/// Shortest decimal text that reads back as `value`, with "." whatever the locale: 3.02 gives "3.02".
+std::string ToText(double value);
+
+/// A count that comes from a container, for operations that use 32-bit numbers.
+std::int32_t ToCount(std::size_t size);
+
+}  // namespace orven

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "core/native_path.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace orven {
+
+std::string NativePath(std::string_view text) {
+  constexpr auto kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+  std::string path(text);
+  std::replace(path.begin(), path.end(), '\\', kSeparator);
+  return path;
+}
+
+std::string FileNamePart(std::string_view path) {
+  const auto separator = path.find_last_of(NativePath("\\"));
+  return std::string(separator == std::string_view::npos ? path : path.substr(separator + 1));
+}
+
+}  // namespace orven

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/registry.h"
+
+namespace orven {
+
+/// Position and size of the main window in twips, with its state.
+struct WindowGeometry {
+  std::int32_t top = 0, left = 0, width = 0, height = 0;
+  std::int16_t state = 0;  ///< 0 normal, 1 minimised, 2 maximised
+};
+
+/// The main window as the placement routines see it.
+class PlacedWindow {
+ public:
+  virtual ~PlacedWindow() = default;
+  virtual WindowGeometry Geometry() const = 0;
+  virtual void Place(const WindowGeometry& geometry) = 0;
+};
+
+/// Copies the stored settings into the program's fields and writes single ones back. A value that
+/// cannot be converted is logged and its field keeps what it held. User-interface thread.
+class SettingsStore {
+ public:
+  SettingsStore(Registry& registry, SystemLog& log, Settings& settings, SharedOptions& shared)
+      : registry_(registry), log_(log), settings_(settings), shared_(shared) {}
+
+  void GetMainOptions();
+  void GetMainAction();
+  void GetMainEvents();
+
+  /// Reads the window placement; places the window only when its present state is normal. A stored
+  /// value that is no number leaves that edge of the window as it is.
+  void GetView(PlacedWindow& window);
+
+  /// Saves the window placement, unless the window is hidden, minimised or maximised.
+  void SetView(const PlacedWindow& window, bool hidden);
+
+  /// Reads what every part shares; runs after GetMainOptions. `show_ring_count` shows the ring count
+  /// in the main window's ring box.
+  void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
+
+  /// Writes one setting as text.
+  void Set(const std::string& name, const std::string& text);
+
+ private:
+  void Read(unsigned reader, const std::string& label);
+  std::string Value(std::string_view name);
+
+  Registry& registry_;
+  SystemLog& log_;
+  Settings& settings_;
+  SharedOptions& shared_;
+};
+
+}  // namespace orven

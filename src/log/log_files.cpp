@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "log/log_files.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "core/error_trap.h"
+#include "core/file_stamp.h"
+
+namespace orven {
+namespace {
+
+/// The months that a log is kept, by the text of `LogFor`.
+std::optional<int> MonthsKept(const std::string& log_for) {
+  if (log_for == "1 Last Month") return 1;
+  if (log_for == "2 Last Month") return 2;
+  if (log_for == "3 Last Month") return 3;
+  return std::nullopt;
+}
+
+std::string PatternOf(const std::string& filter) {
+  constexpr std::array<std::pair<const char*, const char*>, 3> kPatterns{
+      {{"All", "*.txt"}, {"System", "*_Sys.txt"}, {"Calls", "*_Calls.txt"}}};
+  for (const auto& [name, pattern] : kPatterns) {
+    if (filter == name) return pattern;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::chrono::year_month_day MonthsBefore(std::chrono::year_month_day day, int months) {
+  const auto moved = day - std::chrono::months(months);
+  return moved.ok() ? moved : moved.year() / moved.month() / std::chrono::last;
+}
+
+void LogFiles::WriteSystem(const std::string& text) {
+  if (settings_.cLogSys != 0) Append("_Sys.txt", text);
+}
+
+void LogFiles::WriteCalls(const std::string& text) {
+  if (settings_.cLogCalls != 0) Append("_Calls.txt", text);
+}
+
+void LogFiles::Append(const std::string& suffix, const std::string& text) {
+  const auto trap = ErrorTrap::Silent();
+  const auto now = clock_.Now();
+  const auto path = Folder() + FileStamp(clock_.DateText(now), "") + suffix;
+  const auto line = clock_.TimeText(now) + " : " + text + "\r\n";
+  if (trap([&] { files_.Append(path, line); })) return;
+  // The folder may have been removed while the program runs; a line is worth a second try.
+  trap([&] {
+    files_.MakeFolder(Folder());
+    files_.Append(path, line);
+  });
+}
+
+std::vector<std::string> LogFiles::List(const std::string& filter) const {
+  std::vector<std::string> names;
+  const auto pattern = PatternOf(filter);
+  if (!pattern.empty()) ErrorTrap::Silent()([&] { names = files_.List(Folder(), pattern); });
+  return names;
+}
+
+std::vector<std::string> LogFiles::Load(const std::string& file_name) const {
+  std::vector<std::string> lines;
+  ErrorTrap::Silent()([&] {
+    const auto content = files_.Read(Folder() + file_name);
+    for (std::size_t begin = 0; begin < content.size();) {
+      const auto end = std::min(content.find('\n', begin), content.size());
+      lines.push_back(content.substr(begin, end - begin));
+      if (lines.back().ends_with('\r')) lines.back().pop_back();
+      begin = end + 1;
+    }
+  });
+  return lines;
+}
+
+void LogFiles::Delete(const std::string& file_name) {
+  ErrorTrap::Silent()([&] { files_.Delete(Folder() + file_name); });
+}
+
+void LogFiles::PurgeOldLogs(std::function<void()> done) {
+  const auto months = MonthsKept(settings_.LogFor);
+  auto names = std::make_shared<std::vector<std::string>>();
+  if (months) ErrorTrap::Silent()([&] { *names = files_.List(Folder(), "*.*"); });
+  const auto limit_day = MonthsBefore(clock_.LocalDay(clock_.Now()), months.value_or(0));
+  PurgeNext(std::move(names), clock_.Midnight(limit_day), std::move(done));
+}
+
+void LogFiles::PurgeNext(std::shared_ptr<std::vector<std::string>> names, Clock::WallTime limit,
+                         std::function<void()> done) {
+  if (names->empty()) {
+    if (done) done();
+    return;
+  }
+  loop_.Post(lifeline_.Bind([this, names = std::move(names), limit, done = std::move(done)]() mutable {
+    const auto path = Folder() + names->back();
+    names->pop_back();
+    ErrorTrap::Silent()([&] {
+      if (limit >= files_.LastModified(path)) files_.Delete(path);
+    });
+    PurgeNext(std::move(names), limit, std::move(done));
+  }));
+}
+
+}  // namespace orven

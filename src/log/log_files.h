@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+#include "platform/files.h"
+
+namespace orven {
+
+/// The two activity logs: one text file a day and kind in the folder "\Log\". Every operation ignores
+/// errors: a log never stops what it reports on. User-interface thread.
+class LogFiles : public SystemLog, public CallsLog {
+ public:
+  LogFiles(Clock& clock, Files& files, EventLoop& loop, const Settings& settings, const SharedOptions& shared)
+      : clock_(clock), files_(files), loop_(loop), settings_(settings), shared_(shared) {}
+
+  /// Appends "time : text" to today's file, when the settings want that log.
+  void WriteSystem(const std::string& text) override;
+  void WriteCalls(const std::string& text) override;
+
+  /// Names (no folder) of the log files that `filter` ("All", "System" or "Calls") selects, in the
+  /// order of the directory search; none for any other filter.
+  std::vector<std::string> List(const std::string& filter) const;
+
+  /// The lines of one log file, without line ends.
+  std::vector<std::string> Load(const std::string& file_name) const;
+
+  void Delete(const std::string& file_name);
+
+  /// Deletes every file of the log folder that was last modified before the limit which the setting
+  /// `LogFor` gives; for any text but its three choices none. Files are looked at one a task, so that
+  /// other events run in between; `done` runs after the last.
+  void PurgeOldLogs(std::function<void()> done);
+
+ private:
+  void Append(const std::string& suffix, const std::string& text);
+  void PurgeNext(std::shared_ptr<std::vector<std::string>> names, Clock::WallTime limit,
+                 std::function<void()> done);
+  std::string Folder() const { return shared_.InApplicationFolder("\\Log\\"); }
+
+  Clock& clock_;
+  Files& files_;
+  EventLoop& loop_;
+  const Settings& settings_;
+  const SharedOptions& shared_;
+  Lifeline lifeline_;
+};
+
+/// `months` calendar months before `day`: the day of the month is kept, or clamped to the last day
+/// of a month that has no such day.
+std::chrono::year_month_day MonthsBefore(std::chrono::year_month_day day, int months);
+
+}  // namespace orven
