@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/application_folder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <array>
+
+namespace orven {
+namespace {
+
+constexpr std::array<const char*, 4> kFolders = {"Greets", "Sound", "Log", "Messages"};
+constexpr std::array<const char*, 2> kSoundFolders = {"Greets", "Sound"};
+
+QString Absolute(const QString& path) {
+  return QDir::cleanPath(QDir::current().absoluteFilePath(path));
+}
+
+QStringList WavNames(const QString& folder) {
+  return QDir(folder).entryList({QStringLiteral("*.wav")}, QDir::Files | QDir::Hidden, QDir::Name);
+}
+
+/// One filling of one application folder.
+class Seeding {
+ public:
+  Seeding(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
+
+  SeedReport Run() {
+    MakeFolders();
+    if (assets_.isEmpty()) {
+      Problem(folder_, QStringLiteral("nothing to fill it from, the installed assets were not found"));
+      return report_;
+    }
+    CopyMissing(QStringLiteral("beep.wav"));
+    const bool first_start = !QFile::exists(folder_ + QStringLiteral("/registry.reg"));
+    for (const char* name : kSoundFolders) {
+      const QString sounds = QString::fromLatin1(name);
+      if (first_start || WavNames(folder_ + u'/' + sounds).isEmpty()) CopySounds(sounds);
+    }
+    return report_;
+  }
+
+ private:
+  void MakeFolders() {
+    const bool is_new = !QFile::exists(folder_);
+    for (const char* name : kFolders) {
+      const QString path = folder_ + u'/' + QString::fromLatin1(name);
+      if (!QDir().mkpath(path)) Problem(path, QStringLiteral("cannot make this folder"));
+    }
+    // It will hold recorded messages and passwords.
+    if (is_new) QFile::setPermissions(folder_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  }
+
+  void CopySounds(const QString& sounds) {
+    for (const QString& name : WavNames(assets_ + u'/' + sounds)) CopyMissing(sounds + u'/' + name);
+  }
+
+  void CopyMissing(const QString& name) {
+    const QString target = folder_ + u'/' + name;
+    if (QFile::exists(target)) return;
+    QFile source(assets_ + u'/' + name);
+    if (!source.open(QIODevice::ReadOnly)) return Problem(source.fileName(), source.errorString());
+    const QByteArray content = source.readAll();
+    if (source.error() != QFile::NoError) return Problem(source.fileName(), source.errorString());
+    QSaveFile copy(target);  // a temporary file beside it, then fsync and rename
+    if (!copy.open(QIODevice::WriteOnly)) return Problem(target, copy.errorString());
+    copy.write(content);  // commit reports what fails here
+    if (!copy.commit()) return Problem(target, copy.errorString());
+    report_.copied.push_back(name.toStdString());
+  }
+
+  void Problem(const QString& path, const QString& reason) {
+    report_.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
+  }
+
+  QString folder_;
+  QString assets_;
+  SeedReport report_;
+};
+
+}  // namespace
+
+FolderHints ProcessFolderHints() {
+  return FolderHints{qEnvironmentVariable("ORVEN_HOME").toStdString(),
+                     QCoreApplication::applicationDirPath().toStdString(),
+                     qEnvironmentVariable("XDG_DATA_HOME").toStdString(), QDir::homePath().toStdString()};
+}
+
+std::string FindApplicationFolder(const FolderHints& hints) {
+  if (!hints.orven_home.empty()) return Absolute(QString::fromStdString(hints.orven_home)).toStdString();
+  const QString beside = QString::fromStdString(hints.executable_folder);
+  if (!beside.isEmpty() && QFile::exists(beside + QStringLiteral("/beep.wav"))) {
+    return Absolute(beside).toStdString();
+  }
+  const QString data = QString::fromStdString(hints.data_home);
+  const QString base = QDir::isAbsolutePath(data)
+                           ? data
+                           : QString::fromStdString(hints.home) + QStringLiteral("/.local/share");
+  return Absolute(base + QStringLiteral("/orven")).toStdString();
+}
+
+std::string FindAssets(const std::string& executable_folder) {
+  for (const char* place : {"/../share/orven", "/../../../assets"}) {
+    const QString folder = Absolute(QString::fromStdString(executable_folder) + QString::fromLatin1(place));
+    if (QFile::exists(folder + QStringLiteral("/beep.wav"))) return folder.toStdString();
+  }
+  return {};
+}
+
+SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets) {
+  return Seeding(QString::fromStdString(folder), QString::fromStdString(assets)).Run();
+}
+
+}  // namespace orven

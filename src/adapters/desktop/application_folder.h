@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orven {
+
+/// Folder texts here are absolute, UTF-8, without a trailing separator.
+
+/// What decides where the application folder is; empty texts count as not given.
+struct FolderHints {
+  std::string orven_home;         ///< $ORVEN_HOME; a relative one counts from the current folder
+  std::string executable_folder;  ///< absolute
+  std::string data_home;          ///< $XDG_DATA_HOME; ignored unless absolute (XDG base directories)
+  std::string home;               ///< the user's home folder
+};
+
+/// The hints of this process: its environment and its executable. Needs a QCoreApplication.
+FolderHints ProcessFolderHints();
+
+/// `orven_home` when given; else the executable's folder when it holds beep.wav; else the folder
+/// "orven" in the user's data folder (by default ~/.local/share). It need not exist yet.
+std::string FindApplicationFolder(const FolderHints& hints);
+
+/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg): ../share/orven seen
+/// from the executable, or the source tree's assets seen from build/<preset>/bin. Empty when there is
+/// none.
+std::string FindAssets(const std::string& executable_folder);
+
+/// What SeedApplicationFolder did. A problem names the file or folder and the reason.
+struct SeedReport {
+  std::vector<std::string> copied;
+  std::vector<std::string> problems;
+};
+
+/// Makes `folder` (readable by its user only, when new) and its Greets, Sound, Log and Messages
+/// folders, and copies what is missing from `assets`: beep.wav always; greetings and sounds on the
+/// first start (no registry.reg yet) or when their folder holds no WAV file, so that one which the
+/// user deleted does not come back. Never replaces a file; a copy appears whole or not at all.
+SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets);
+
+}  // namespace orven

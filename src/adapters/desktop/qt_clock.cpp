@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/qt_clock.h"
+
+#include <QDateTime>
+#include <utility>
+
+#include "adapters/desktop/time_format.h"
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+
+QDateTime Local(Clock::WallTime at) {
+  return QDateTime::fromMSecsSinceEpoch(std::chrono::floor<milliseconds>(at.time_since_epoch()).count());
+}
+
+/// The texts name files and fill log lines: a control character in a locale's data would break both.
+std::string Text(QString text) {
+  text.removeIf([](QChar letter) { return letter.category() == QChar::Other_Control; });
+  return text.trimmed().toStdString();
+}
+
+}  // namespace
+
+QtClock::QtClock(QLocale locale)
+    : locale_(std::move(locale)),
+      time_pattern_(
+          TimePattern(locale_.timeFormat(QLocale::ShortFormat), locale_.timeFormat(QLocale::LongFormat))) {}
+
+milliseconds QtClock::Uptime() const {
+  return std::chrono::floor<milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+Clock::WallTime QtClock::Now() const {
+  return std::chrono::system_clock::now();
+}
+
+std::string QtClock::DateText(WallTime at) const {
+  return Text(locale_.toString(Local(at).date(), QLocale::ShortFormat));
+}
+
+std::string QtClock::TimeText(WallTime at) const {
+  return Text(locale_.toString(Local(at).time(), time_pattern_));
+}
+
+std::chrono::year_month_day QtClock::LocalDay(WallTime at) const {
+  const QDate day = Local(at).date();
+  return std::chrono::year_month_day{std::chrono::year(day.year()),
+                                     std::chrono::month(static_cast<unsigned>(day.month())),
+                                     std::chrono::day(static_cast<unsigned>(day.day()))};
+}
+
+Clock::WallTime QtClock::Midnight(std::chrono::year_month_day day) const {
+  // Through sys_days, so that 31 June counts as 1 July rather than as no day at all.
+  const std::chrono::year_month_day real{std::chrono::sys_days(day)};
+  const QDate date(static_cast<int>(real.year()), static_cast<int>(static_cast<unsigned>(real.month())),
+                   static_cast<int>(static_cast<unsigned>(real.day())));
+  return WallTime(milliseconds(date.startOfDay().toMSecsSinceEpoch()));
+}
+
+}  // namespace orven

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/qt_dialogs.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QStringList>
+#include <iostream>
+
+namespace orven {
+namespace {
+
+constexpr const char* kTitle = "ORVEN";
+
+/// Shows a box over the active window and returns the button that closed it.
+int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
+        QMessageBox::StandardButton safe) {
+  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons,
+                  QApplication::activeWindow());
+  box.setTextFormat(Qt::PlainText);  // a greeting's or caller's name is never markup
+  box.setDefaultButton(safe);
+  box.setEscapeButton(safe);
+  return box.exec();
+}
+
+}  // namespace
+
+bool HasDisplay() {
+  const QString platform = QGuiApplication::platformName();
+  return !platform.isEmpty() && platform != QLatin1String("offscreen") &&
+         platform != QLatin1String("minimal");
+}
+
+QString QtFileFilter(const std::string& filter) {
+  const QStringList parts =
+      QString::fromStdString(filter).split(QChar(u'\0'), Qt::SkipEmptyParts, Qt::CaseSensitive);
+  QStringList result;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    const QString pattern = QStringLiteral("(%1)").arg(QString(parts[i + 1]).replace(u';', u' '));
+    // Qt takes the pattern from the brackets; a description that already shows it keeps its text.
+    result << (parts[i].endsWith(pattern) ? parts[i] : parts[i] + u' ' + pattern);
+  }
+  return result.join(QLatin1String(";;"));
+}
+
+QtDialogs::QtDialogs(bool has_display) : QtDialogs(has_display, std::cerr) {}
+
+QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
+    : has_display_(has_display), text_output_(text_output) {}
+
+void QtDialogs::Message(const std::string& text) {
+  if (!has_display_) return Tell(text);
+  Ask(QMessageBox::NoIcon, text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void QtDialogs::Information(const std::string& text) {
+  if (!has_display_) return Tell(text);
+  Ask(QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+bool QtDialogs::Confirm(const std::string& text) {
+  if (!has_display_) {
+    Tell(text + " (no display to ask on: No)");
+    return false;
+  }
+  return Ask(QMessageBox::Question, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
+         QMessageBox::Yes;
+}
+
+std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std::string& filter,
+                                             const std::string& suggested_name) {
+  if (!has_display_) {
+    Tell(title + ": " + suggested_name + " (no display to ask on: cancelled)");
+    return std::nullopt;
+  }
+  const QString path =
+      QFileDialog::getSaveFileName(QApplication::activeWindow(), QString::fromStdString(title),
+                                   QString::fromStdString(suggested_name), QtFileFilter(filter));
+  if (path.isEmpty()) return std::nullopt;
+  return path.toStdString();
+}
+
+void QtDialogs::Tell(const std::string& text) {
+  text_output_ << kTitle << ": " << text << std::endl;
+}
+
+}  // namespace orven

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <iosfwd>
+
+#include "platform/dialogs.h"
+
+namespace orven {
+
+/// Whether a person can see this application's windows: false on the offscreen and minimal platforms.
+bool HasDisplay();
+
+/// A "description NUL pattern NUL …" filter in Qt's form: "wav (*.wav);;All (*.*)".
+QString QtFileFilter(const std::string& filter);
+
+/// The dialogs port on Qt's boxes, modal and centred on the active window; without a display on a
+/// text stream, with the safe answer. While a box is open, other tasks and timers keep running.
+class QtDialogs final : public Dialogs {
+ public:
+  explicit QtDialogs(bool has_display = HasDisplay());
+  QtDialogs(bool has_display, std::ostream& text_output);
+
+  void Message(const std::string& text) override;
+  void Information(const std::string& text) override;
+  bool Confirm(const std::string& text) override;
+  std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
+                                    const std::string& suggested_name) override;
+
+ private:
+  void Tell(const std::string& text);
+
+  bool has_display_;
+  std::ostream& text_output_;
+};
+
+}  // namespace orven
