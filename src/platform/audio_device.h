@@ -67,4 +67,7 @@ class AudioDevices {
 /// Wave device number of the line with index 0; line i has this number plus i.
 inline constexpr std::int32_t kFirstLineWaveDevice = 1000;
 
+/// A number that no wave device has.
+inline constexpr std::int32_t kNoWaveDevice = -1;
+
 }  // namespace orven

@@ -53,8 +53,8 @@ class TelephonyEvents {
   virtual void Connected(std::int32_t line) = 0;
   /// `count` starts at 1 with every call.
   virtual void Ring(std::int32_t line, std::int32_t count) = 0;
-  /// Texts are valid UTF-8 without control characters and without double quotes; an empty one means
-  /// that the network did not tell.
+  /// Texts are valid UTF-8 without control characters and without double quotes. What the network did
+  /// not tell is "UNKNOWN"; a caller of whom it tells nothing raises no event.
   virtual void CallerID(std::int32_t line, const std::string& name, const std::string& number) = 0;
 };
 

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/service/serviced_line.h"
+
+#include <utility>
+
+#include "adapters/line/service/caller_text.h"
+
+namespace orven {
+namespace {
+
+/// What the network did not tell of a caller.
+constexpr const char* kUnknown = "UNKNOWN";
+
+std::string OrUnknown(std::string text) { return text.empty() ? kUnknown : std::move(text); }
+
+}  // namespace
+
+ServicedLine::ServicedLine(std::int32_t index, EventLoop& loop, std::unique_ptr<LineDriver> driver,
+                           std::function<TelephonyEvents*()> events)
+    : index_(index),
+      loop_(loop),
+      driver_(std::move(driver)),
+      events_(std::move(events)),
+      queue_(loop, lifeline_.Bind([this] { Pump(); })) {}
+
+ServicedLine::~ServicedLine() { driver_->Close(); }
+
+template <class Event, class... Arguments>
+void ServicedLine::Raise(Event event, Arguments&&... arguments) {
+  if (auto* receiver = events_()) (receiver->*event)(index_, std::forward<Arguments>(arguments)...);
+}
+
+std::int32_t ServicedLine::Open() {
+  const auto result = driver_->Open(queue_);
+  open_ = result == kTelephonyOk;
+  return result;
+}
+
+void ServicedLine::Close() {
+  driver_->Close();
+  Pump();
+  open_ = false;
+}
+
+std::int32_t ServicedLine::Answer(std::int32_t request) {
+  if (call_.number == 0 || call_.dropped || call_.remote_gone) return kTelephonyNoCall;
+  if (call_.answer_request != 0) return kTelephonyAlreadyAnswered;
+  call_.answer_request = request;
+  driver_->Answer(call_.number, request);
+  return request;
+}
+
+std::int32_t ServicedLine::Drop(std::int32_t request) {
+  if (call_.number == 0 || call_.dropped) return kTelephonyNoCall;
+  call_.dropped = true;
+  call_.connected = false;
+  if (!call_.remote_gone) {
+    driver_->Drop(call_.number, request);
+    return request;
+  }
+  // The other side was faster: there is nothing left to hang up, but the request is told as done.
+  call_.finished_requests.push_back(request);
+  loop_.Post(lifeline_.Bind([this] { TellFinishedRequests(); }));
+  return request;
+}
+
+void ServicedLine::MonitorDigits(bool on) {
+  if (call_.number != 0) driver_->MonitorDigits(call_.number, on);
+}
+
+void ServicedLine::SetGreetingPhase(bool on) {
+  if (call_.number != 0) driver_->SetGreetingPhase(call_.number, on);
+}
+
+void ServicedLine::Pump() {
+  while (queue_.DeliverNext(*this)) {
+  }
+}
+
+void ServicedLine::TellFinishedRequests() {
+  for (const auto request : std::exchange(call_.finished_requests, {})) {
+    Raise(&TelephonyEvents::Proc, request, request);
+  }
+}
+
+void ServicedLine::Offered(CallNumber call) {
+  call_ = Mirror{.number = call};
+  Raise(&TelephonyEvents::InCommingCall, CallInformation{call});
+}
+
+void ServicedLine::Ring(CallNumber call, std::int32_t count) {
+  if (!IsCurrent(call) || call_.connected || call_.dropped) return;
+  Raise(&TelephonyEvents::Ring, count);
+}
+
+void ServicedLine::CallerId(CallNumber call, const std::string& name, const std::string& number) {
+  if (!IsCurrent(call)) return;
+  auto clean_name = CleanCallerText(name);
+  auto clean_number = CleanCallerText(number);
+  if (clean_name.empty() && clean_number.empty()) return;
+  Raise(&TelephonyEvents::CallerID, OrUnknown(std::move(clean_name)), OrUnknown(std::move(clean_number)));
+}
+
+void ServicedLine::RequestDone(std::int32_t request, std::int32_t result) {
+  if (result != kTelephonyOk && request == call_.answer_request) call_.answer_request = 0;
+  Raise(&TelephonyEvents::Proc, request, result == kTelephonyOk ? request : result);
+}
+
+void ServicedLine::Connected(CallNumber call) {
+  // A call that we have hung up meanwhile is no longer connected for the program.
+  if (!IsCurrent(call) || call_.dropped) return;
+  call_.connected = true;
+  Raise(&TelephonyEvents::Connected);
+}
+
+void ServicedLine::Digit(CallNumber call, char digit) {
+  if (IsCurrent(call) && call_.connected) Raise(&TelephonyEvents::MonitorDigit, digit);
+}
+
+void ServicedLine::Disconnected(CallNumber call) {
+  if (!IsCurrent(call)) return;
+  call_.remote_gone = true;
+  if (!call_.dropped) Raise(&TelephonyEvents::Disconnected);
+  call_.connected = false;
+}
+
+void ServicedLine::Idle(CallNumber call) {
+  if (!IsCurrent(call)) return;
+  TellFinishedRequests();
+  call_ = Mirror{};
+  Raise(&TelephonyEvents::Idle);
+}
+
+}  // namespace orven

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "records/call_store.h"
+
+#include "core/conversions.h"
+#include "core/error_trap.h"
+#include "core/native_path.h"
+#include "platform/runtime_error.h"
+#include "records/call_fields.h"
+
+namespace orven {
+
+void CallStore::PutCallDetailsInDB(Call& call) {
+  auto& database = ports_.DataBase1;
+  const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
+  trap([&] { call.type_text = TypeText(call); });
+  trap([&] {
+    database.AddNew();
+    database.SetField(kCallName, call.caller_name);
+    database.SetField(kCallNumber, call.caller_number);
+    database.SetField(kCallTime, call.time);
+    database.SetField(kCallDate, call.date);
+    database.SetField(kCallMassageName, call.message_file_name);
+    database.SetField(kType, call.type_text);
+    database.SetField(kRead, 0);
+    database.Update();
+  });
+  ports_.calls_log.WriteCalls("Ring:" + call.ring_count_text + " [" + call.caller_name + ":" +
+                              call.caller_number + "]");
+}
+
+std::string CallStore::TypeText(const Call& call) const {
+  if (!call.message_left) return kNoMessageType;
+  const double length = ports_.Wave1.FileLength(shared_.messages_path + call.message_file_name);
+  // A recording that could not be written has no file to be listened to.
+  return length < 0 ? kNoMessageType : ToText(length);
+}
+
+void CallStore::MarkAsReadUnRead(std::int32_t index, bool read) {
+  const ErrorTrap trap(ports_.system_log, "ErrMarkAsReadUnRead ");
+  bool unread_now = false;
+  if (!trap([&] {
+        const auto icon = list_.Row(index).icon;
+        unread_now = icon == kUnreadMessage || icon == kUnreadNoMessage;
+      })) {
+    return;
+  }
+  if (read != unread_now) return;
+  bool has_message = false;
+  if (!trap([&] { WriteReadFlag(index, read, has_message); })) return;
+  trap([&] {
+    if (read) {
+      list_.Mark(index, has_message ? kReadMessage : kReadNoMessage, -1);
+    } else {
+      // A call without a message looks like an unread message until the next rebuild: it is meant to
+      // catch the eye.
+      list_.Mark(index, kUnreadMessage, +1);
+    }
+  });
+}
+
+void CallStore::WriteReadFlag(std::int32_t index, bool read, bool& has_message) {
+  auto& database = ports_.DataBase1;
+  database.MoveTo(database.RecordCount() - index + 1);
+  database.Edit();
+  for (const char* field : {kCallName, kCallNumber, kCallTime, kCallDate, kCallMassageName, kType}) {
+    database.SetField(field, database.GetField(field));
+  }
+  has_message = database.GetField(kType) != kNoMessageType;
+  database.SetField(kRead, read ? "1" : "0");
+  database.Update();
+}
+
+void CallStore::DeleteItemIndex(std::int32_t index) {
+  const ErrorTrap trap(ports_.system_log, "ErrDeleteItemIndex ");
+  std::string key;
+  if (!trap([&] { key = list_.Row(index).key; })) return;
+  const bool deleted = trap([&] {
+    ports_.DataBase1.MoveTo(list_.RecordNumber(index));
+    ports_.DataBase1.Delete();
+  });
+  // A record that is still there keeps its message.
+  if (!deleted || key.empty()) return;
+  trap([&] { StopPlayerOn(key); });
+  trap([&] { ports_.files.Delete(shared_.messages_path + key); });
+}
+
+void CallStore::StopPlayerOn(const std::string& key) {
+  if (FileNamePart(ports_.player.HeldFile()) == key) ports_.player.Stop();
+}
+
+void CallStore::ClearAll() {
+  const auto trap = ErrorTrap(ports_.system_log, "ErrClear ");
+  trap([&] {
+    if (ports_.player.IsPlaying()) ports_.player.Stop();
+  });
+  trap([&] { ports_.DataBase1.DeleteAll(); });
+  list_.makeList();
+}
+
+void CallStore::SaveFile(const std::string& path) {
+  const ErrorTrap trap(ports_.system_log, "ErrSaveFile ");
+  trap([&] { StopPlayerOn(FileNamePart(path)); });
+  trap([&] {
+    const auto extension = path.size() < 3 ? path : path.substr(path.size() - 3);
+    const auto filter =
+        extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
+    const auto target = ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
+    if (target) ports_.files.Copy(path, *target);
+  });
+}
+
+void CallStore::RelocateMessages(const std::string& new_folder) {
+  auto& database = ports_.DataBase1;
+  const ErrorTrap trap(ports_.system_log, "ErrRelocateMessages ");
+  std::int32_t count = 0;
+  trap([&] { count = database.RecordCount(); });
+  for (std::int32_t number = 1; number <= count; ++number) {
+    const bool moved = trap([&] { number == 1 ? database.MoveFirst() : database.MoveNext(); });
+    if (!moved) break;
+    // One missing file must not keep the others behind.
+    trap([&] {
+      if (database.GetField(kType) == kNoMessageType) return;
+      const auto name = database.GetField(kCallMassageName);
+      ports_.files.Rename(shared_.messages_path + name, new_folder + name);
+    });
+  }
+  settings_.MassagesPath = new_folder;
+  shared_.messages_path = new_folder;
+}
+
+}  // namespace orven

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/database.h"
+#include "platform/dialogs.h"
+#include "platform/files.h"
+#include "platform/wave.h"
+#include "records/call.h"
+#include "records/call_list.h"
+
+namespace orven {
+
+/// The player of messages at the desk, as the records see it.
+class MessagePlayer {
+ public:
+  virtual ~MessagePlayer() = default;
+  virtual bool IsPlaying() const = 0;
+  virtual void Stop() = 0;
+  /// Full path of the file that the player holds, playing or not; empty for none.
+  virtual std::string HeldFile() const = 0;
+};
+
+/// The call records and what happens to their message files. Row indexes are the call list's,
+/// 1-based, newest first. A failing step is logged and the operation goes on; nothing is rolled back.
+/// User-interface thread.
+class CallStore {
+ public:
+  struct Ports {
+    DatabaseControl& DataBase1;
+    Files& files;
+    const WaveControl& Wave1;  ///< measures message files
+    Dialogs& dialogs;
+    MessagePlayer& player;
+    SystemLog& system_log;
+    CallsLog& calls_log;
+  };
+
+  CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)
+      : ports_(ports), list_(list), settings_(settings), shared_(shared) {}
+
+  /// Files the current call as the newest record and writes its line to the calls log. Sets the
+  /// call's type text. The caller rebuilds the list.
+  void PutCallDetailsInDB(Call& call);
+
+  /// Marks the call behind a row read or unread, unless it is so already.
+  void MarkAsReadUnRead(std::int32_t index, bool read);
+
+  /// Deletes the record behind a row and, when the row has a message, the message file. The caller
+  /// rebuilds the list.
+  void DeleteItemIndex(std::int32_t index);
+
+  /// Deletes all records and rebuilds the list. Message files stay where they are.
+  void ClearAll();
+
+  /// Copies the message file at `path` to where the person at the desk wants it.
+  void SaveFile(const std::string& path);
+
+  /// Moves every message file to `new_folder` (ending in a separator) and makes that the messages
+  /// path in the program; the caller stores the setting.
+  void RelocateMessages(const std::string& new_folder);
+
+ private:
+  std::string TypeText(const Call& call) const;
+  void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
+  void StopPlayerOn(const std::string& key);
+
+  Ports ports_;
+  CallList& list_;
+  Settings& settings_;
+  SharedOptions& shared_;
+};
+
+}  // namespace orven

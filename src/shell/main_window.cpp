@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/main_window.h"
+
+#include "core/error_trap.h"
+#include "core/windows_version.h"
+
+namespace orven {
+namespace {
+
+constexpr int kMostRings = 20;
+
+// Extended styles of a list view: LVS_EX_FULLROWSELECT and LVS_EX_GRIDLINES.
+constexpr std::uint32_t kRowSelectAndGrid = 0x21;
+
+// Toolbar style TBSTYLE_FLAT.
+constexpr std::uint32_t kFlat = 0x800;
+
+}  // namespace
+
+MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& shared,
+                       const OperatingSystem& system, std::function<void()> end_process)
+    : ports_(ports),
+      views_(views),
+      system_(system),
+      end_process_(std::move(end_process)),
+      machine_(ports, views, shared) {}
+
+void MainWindow::LoadHidden() {
+  machine_.window_hidden = true;
+  Load();
+  StartUp();
+}
+
+void MainWindow::Show() {
+  Load();
+  StartUp();
+  views_.frame.Show();
+}
+
+void MainWindow::Load() {
+  const ErrorTrap trap(machine_.log, "ErrorLoadFormMain->");
+  trap([&] {
+    std::vector<std::string> rings;
+    for (int count = 1; count <= kMostRings; ++count) rings.push_back(std::to_string(count));
+    views_.boxes.FillRings(rings);
+  });
+  ReadSettings();
+  trap([&] {
+    views_.frame.SetListStyle(kRowSelectAndGrid, views_.frame.GridLines() ? kRowSelectAndGrid : 0);
+  });
+  machine_.ListView1.RangeListTitle();
+  trap([&] { views_.boxes.ShowRings(machine_.settings.NumOfRing); });
+  trap([&] { FillGreetings(); });
+  trap([&] { views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0); });
+  trap([&] { ports_.Wave1.SetRecordToDisk(true); });
+  trap([&] { views_.frame.SetSliderRange(0, 100); });
+  machine_.log.WriteSystem("Load ORVEN");
+  machine_.log.WriteCalls("Load ORVEN");
+  trap([&] {
+    machine_.log.WriteSystem("LineInitialize->" + ports_.Tapi1.ErrorText(ports_.Tapi1.LineInitialize()));
+  });
+}
+
+void MainWindow::ReadSettings() {
+  auto& store = machine_.store;
+  store.GetMainOptions();
+  store.GetMainAction();
+  store.GetMainEvents();
+  store.GetView(views_.frame);
+  store.GetAppOptions([this](std::int16_t count) { views_.boxes.ShowRings(count); });
+}
+
+void MainWindow::FillGreetings() {
+  constexpr std::size_t kExtension = 4;  // ".wav"
+  auto names = ports_.files.List(machine_.shared.InApplicationFolder("\\Greets\\"), "*.wav");
+  for (auto& name : names) name.resize(name.size() - kExtension);
+  views_.boxes.FillGreetings(names, machine_.settings.Greeting);
+}
+
+void MainWindow::StartUp() {
+  const ErrorTrap trap(machine_.log, "ErrorInitializeFormMain->");
+  trap([&] { SetToolbarStyles(); });
+  trap([&] { machine_.ListView1.Clear(); });
+  trap([&] {
+    const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
+    if (!note.empty()) machine_.log.WriteSystem(note);
+  });
+  machine_.ListView1.makeList();
+  trap([&] {
+    if (!machine_.line.SelectModemDevice()) return;
+    machine_.line.OpenLine(machine_.settings.Modem);
+    views_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
+  });
+  trap([&] { views_.frame.EnableSlider(false); });
+}
+
+void MainWindow::SetToolbarStyles() {
+  using enum WindowFrame::Toolbar;
+  auto& frame = views_.frame;
+  if (!IsOldWindows(GetWindowsVersionName(system_.Version()))) {
+    const auto style = frame.ToolbarStyle(Toolbar1);
+    if ((style & kFlat) == 0) frame.SetToolbarStyle(Toolbar1, style | kFlat);
+  }
+  for (const auto toolbar : {ToolBarPlayer, TBQuickOption}) {
+    frame.SetToolbarStyle(toolbar, frame.ToolbarStyle(toolbar) & ~kFlat);
+  }
+}
+
+bool MainWindow::Unload() {
+  const ErrorTrap trap(machine_.log, "ErrForm_Unload ");
+  if (!exiting_) {
+    machine_.window_hidden = true;
+    machine_.store.SetView(views_.frame, machine_.window_hidden);
+    trap([&] { views_.frame.Hide(); });
+    return false;
+  }
+  trap([&] { views_.frame.CloseOtherWindows(); });
+  trap([&] { StopSounds(); });
+  machine_.line.CloseLine(machine_.settings.Modem);
+  machine_.log.WriteSystem("Unload ORVEN");
+  machine_.log.WriteCalls("Unload ORVEN");
+  machine_.store.SetView(views_.frame, machine_.window_hidden);
+  trap([&] { views_.tray.ShowNothing(); });
+  return true;
+}
+
+void MainWindow::StopSounds() {
+  // A message that is being recorded at exit is a message all the same.
+  if (ports_.Wave1.IsRecording()) machine_.recorder.StopRecMessage();
+  if (ports_.Wave1.IsPlaying()) ports_.Wave1.StopPlay();
+  if (ports_.WavePlay.IsPlaying()) ports_.WavePlay.StopPlay();
+}
+
+void MainWindow::Exit() {
+  if (ended_) return;
+  exiting_ = true;
+  if (!Unload()) return;
+  ended_ = true;
+  end_process_();
+}
+
+void MainWindow::TurnOn() { machine_.line.OpenLine(machine_.settings.Modem); }
+
+void MainWindow::TurnOff() { machine_.line.CloseLine(machine_.settings.Modem); }
+
+}  // namespace orven

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/after_call.h"
+
+#include "core/error_trap.h"
+
+namespace orven {
+
+void AfterCall::Announce(const Call& call) {
+  const ErrorTrap trap(log_, "ErrTapiInComeCall ");
+  trap([&] {
+    if (settings_.cPlayInRing != 0) PlaySound(settings_.PlayInRing);
+  });
+  trap([&] {
+    if (settings_.ViewDetails == 0 || call.admin_mode) return;
+    OpenCallerView();
+    effects_.caller_view.ShowMessage("New Call");
+    effects_.caller_view.ShowCall(call);
+  });
+}
+
+void AfterCall::Finish(Call& call) {
+  const ErrorTrap trap(log_, "ErrTapiIdle ");
+  trap([&] {
+    if (window_hidden_()) effects_.tray.StartBlinking();
+  });
+  trap([&] { File(call); });
+  trap([&] {
+    const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
+    if (settings_.cPlayInIdle != 0 && wanted) PlaySound(settings_.PlayInIdle);
+  });
+  trap([&] { ShowFinished(call); });
+  trap([&] { RunActions(call); });
+}
+
+void AfterCall::File(Call& call) {
+  if (settings_.ListMessageOnly != 0 && !call.message_left) return;
+  store_.PutCallDetailsInDB(call);
+  list_.makeList();
+}
+
+void AfterCall::PlaySound(const std::string& name) {
+  effects_.sounds.PlayWave(shared_.InApplicationFolder("\\Sound\\") + name);
+}
+
+void AfterCall::ShowFinished(const Call& call) {
+  if (settings_.ViewDetails == 0 || call.admin_mode) return;
+  OpenCallerView();
+  effects_.caller_view.HideControl();
+  effects_.caller_view.ShowCall(call);
+  if (call.message_left) effects_.caller_view.ShowMessage("New Message");
+}
+
+void AfterCall::RunActions(Call& call) {
+  // The mail setting opens the gate for both actions.
+  if (!call.message_left && settings_.ActionsMailAllCalls == 0) return;
+  if (settings_.pMailTo != 0) effects_.actions.DoActions("Mail", call);
+  if (settings_.pAppTo != 0) effects_.actions.DoActions("App", call);
+}
+
+void AfterCall::OpenCallerView() {
+  effects_.caller_view.ViewCallViewer(settings_.cAnimation != 0, settings_.AnimationFast,
+                                      settings_.cCloseCallerView != 0, settings_.CloseCallerView);
+}
+
+}  // namespace orven

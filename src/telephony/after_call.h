@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+
+#include "records/call_list.h"
+#include "records/call_store.h"
+#include "telephony/call_effects.h"
+
+namespace orven {
+
+/// Everything that is not the telephone and that a call sets off.
+struct CallEffects {
+  CallerView& caller_view;
+  EventSounds& sounds;
+  TrayBlinker& tray;
+  CallActions& actions;
+};
+
+/// Announces a call when it comes in, and files and announces it when it is over. User-interface thread.
+class AfterCall {
+ public:
+  AfterCall(CallEffects effects, CallStore& store, CallList& list, SystemLog& log, const Settings& settings,
+            const SharedOptions& shared, std::function<bool()> window_hidden)
+      : effects_(effects), store_(store), list_(list), log_(log), settings_(settings), shared_(shared),
+        window_hidden_(std::move(window_hidden)) {}
+
+  /// A call is offered: ring sound and caller view.
+  void Announce(const Call& call);
+
+  /// A call is over and was not the owner's: tray, record, sound, caller view, actions.
+  void Finish(Call& call);
+
+ private:
+  void File(Call& call);
+  void PlaySound(const std::string& name);
+  void ShowFinished(const Call& call);
+  void RunActions(Call& call);
+  void OpenCallerView();
+
+  CallEffects effects_;
+  CallStore& store_;
+  CallList& list_;
+  SystemLog& log_;
+  const Settings& settings_;
+  const SharedOptions& shared_;
+  std::function<bool()> window_hidden_;
+};
+
+}  // namespace orven

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/call_control.h"
+
+#include "core/error_trap.h"
+
+namespace orven {
+
+void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force) {
+  const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) return;
+    const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
+    if (!force && !due) return;
+    context_.call.ring_count_text = std::to_string(ring_count);
+    const auto request = RequestAnswer();
+    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) + "->Proc Num: " + std::to_string(request));
+  });
+}
+
+std::int32_t CallControl::RequestAnswer() {
+  const auto request = context_.Tapi1.LineAnswer(context_.Line());
+  if (request > 0) {
+    answer_request_ = request;
+    context_.call.answering = true;
+    if (context_.progress.State() == CallState::Offered) context_.progress.Enter(CallState::Answering);
+  }
+  return request;
+}
+
+void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
+  const auto step = "Proc" + LineTag(line) + "->" + std::to_string(request) + " ";
+  context_.log.WriteSystem(step + std::to_string(result));
+  if (request == result) {
+    context_.log.WriteSystem(step + "Success.");
+    return;
+  }
+  context_.log.WriteSystem(step + context_.Tapi1.ErrorText(result));
+  // Only the answer that failed makes way for another try; a failure that comes late belongs to a
+  // call that is gone.
+  if (request != answer_request_) return;
+  context_.call.answering = false;
+  if (context_.progress.State() == CallState::Answering) context_.progress.Enter(CallState::Offered);
+}
+
+void CallControl::DropCall() {
+  const ErrorTrap trap(context_.log, "ErrDropCall ");
+  trap([&] { context_.Wave1.StopPlay(); });
+  trap([&] {
+    const auto result = context_.Tapi1.LineDrop(context_.Line());
+    context_.log.WriteSystem("LineDrop" + LineTag(context_.Line()) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
+  });
+  trap([&] { line_.ShowMonitoring(); });
+}
+
+void CallControl::DropInComeCall() {
+  const ErrorTrap trap(context_.log, "ErrDropInComeCall ");
+  const auto line = context_.Line();
+  context_.log.WriteSystem("DropChice" + LineTag(line));
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) return;
+    const auto result = RequestAnswer();
+    context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
+  });
+  trap([&] {
+    const auto result = context_.Tapi1.LineDrop(line);
+    context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
+  });
+}
+
+}  // namespace orven

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+#include "telephony/call_context.h"
+#include "telephony/line_manager.h"
+
+namespace orven {
+
+/// Answers the call and hangs it up. User-interface thread.
+class CallControl {
+ public:
+  CallControl(CallContext& context, LineManager& line) : context_(context), line_(line) {}
+
+  /// Answers when due: `force`, or the ring count has reached the setting and no answer is under way.
+  /// Nothing while a call is connected.
+  void AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force);
+
+  /// An answer or a hang-up completed; `result` equals `request` on success.
+  void Proc(std::int32_t line, std::int32_t request, std::int32_t result);
+
+  /// Hangs up the current call and ends what plays on the line.
+  void DropCall();
+
+  /// Rejects the offered call, by answering it and hanging up at once; a connected one is only hung
+  /// up. The main window's drop command.
+  void DropInComeCall();
+
+ private:
+  /// Asks for the answer and keeps in mind that it is under way.
+  std::int32_t RequestAnswer();
+
+  CallContext& context_;
+  LineManager& line_;
+  std::int32_t answer_request_ = 0;
+};
+
+}  // namespace orven

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "records/call.h"
+
+namespace orven {
+
+/// What the telephone line shows on the main window.
+class LineView {
+ public:
+  virtual ~LineView() = default;
+  /// First panel of the status bar.
+  virtual void ShowStatus(const std::string& text) = 0;
+  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen.
+  virtual void ShowLine(bool on) = 0;
+};
+
+/// The caller view window that announces a call at the top of the screen.
+class CallerView {
+ public:
+  virtual ~CallerView() = default;
+  virtual bool IsOpen() const = 0;
+  /// Opens it; nothing when it is open. `speed` in twips a tick, `seconds` until it closes by itself.
+  virtual void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) = 0;
+  /// Hides the commands that only a ringing call has.
+  virtual void HideControl() = 0;
+  /// The call's state in a few words: "New Call", "Ring : 3".
+  virtual void ShowMessage(const std::string& text) = 0;
+  /// Name, number, date, time and message of the call.
+  virtual void ShowCall(const Call& call) = 0;
+};
+
+/// Plays sounds at the desk.
+class EventSounds {
+ public:
+  virtual ~EventSounds() = default;
+  /// Plays the file at `path` on the sound card, stopping what plays there.
+  virtual void PlayWave(const std::string& path) = 0;
+};
+
+/// The icon in the notification area, as a finished call sees it.
+class TrayBlinker {
+ public:
+  virtual ~TrayBlinker() = default;
+  virtual void StartBlinking() = 0;
+};
+
+/// What the program does with a call that is over.
+class CallActions {
+ public:
+  virtual ~CallActions() = default;
+  /// `kind` is "Mail" or "App". Sets the call's sent-to-application flag when it starts one.
+  virtual void DoActions(const std::string& kind, Call& call) = 0;
+};
+
+}  // namespace orven

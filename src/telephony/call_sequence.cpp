@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/call_sequence.h"
+
+#include "core/error_trap.h"
+
+namespace orven {
+
+void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*call*/) {
+  const ErrorTrap trap(context_.log, "ErrTapiInComeCall ");
+  context_.log.WriteSystem("InCommingCall" + LineTag(line));
+  trap([&] { parts_.view.ShowStatus("InComing Call"); });
+  trap([&] {
+    const auto now = parts_.clock.Now();
+    const auto date = parts_.clock.DateText(now);
+    const auto time = parts_.clock.TimeText(now);
+    context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
+  });
+  trap([&] { context_.progress.Enter(CallState::Offered); });
+  parts_.after_call.Announce(context_.call);
+}
+
+void CallSequence::Ring(std::int32_t line, std::int32_t count) {
+  const ErrorTrap trap(context_.log, "ErrTapiRing ");
+  context_.log.WriteSystem("Ring" + LineTag(line) + "->" + std::to_string(count));
+  trap([&] { parts_.view.ShowStatus("Ring :" + std::to_string(count)); });
+  parts_.control.AnswerToCall(line, count, false);
+  trap([&] { UpdateCallerView("Ring : " + std::to_string(count)); });
+}
+
+void CallSequence::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
+  const ErrorTrap trap(context_.log, "ErrTapiCallerID ");
+  context_.log.WriteSystem("CallerID" + LineTag(line) + "->" + name + "-" + number);
+  trap([&] { parts_.view.ShowStatus("Caller ID Information"); });
+  context_.call.caller_name = name;
+  context_.call.caller_number = number;
+  trap([&] {
+    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
+  });
+}
+
+void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
+  const ErrorTrap trap(context_.log, "ErrTapiProc ");
+  trap([&] { parts_.control.Proc(line, request, result); });
+}
+
+void CallSequence::Connected(std::int32_t line) {
+  if (!context_.call.in_progress) return;
+  const ErrorTrap trap(context_.log, "ErrTapiConnected ");
+  trap([&] { parts_.view.ShowStatus("Line Connected"); });
+  trap([&] {
+    if (!context_.Tapi1.IsCallConnected(line)) return;
+    context_.Tapi1.MonitorDigits(line, true);
+    context_.log.WriteSystem("Connected" + LineTag(line));
+    parts_.greeter.PlayGreeting();
+  });
+  trap([&] { UpdateCallerView("Line Connected"); });
+}
+
+void CallSequence::MonitorDigit(std::int32_t line, char digit) { parts_.remote.MonitorDigit(line, digit); }
+
+void CallSequence::Disconnected(std::int32_t line) {
+  if (!context_.call.in_progress) return;
+  const ErrorTrap trap(context_.log, "ErrTapiDisConnected ");
+  trap([&] { parts_.view.ShowStatus("Line Disconnected"); });
+  context_.log.WriteSystem("Disconnected" + LineTag(line));
+  trap([&] { context_.progress.Enter(CallState::Disconnected); });
+  trap([&] {
+    if (context_.Wave1.IsRecording()) parts_.recorder.StopRecMessage();
+  });
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();
+  });
+  trap([&] { UpdateCallerView("Line Disconnected"); });
+}
+
+void CallSequence::Idle(std::int32_t line) {
+  auto& call = context_.call;
+  if (!call.in_progress) return;
+  call.in_progress = false;
+  const ErrorTrap trap(context_.log, "ErrTapiIdle ");
+  context_.log.WriteSystem("Idle" + LineTag(line));
+  trap([&] { context_.Wave1.StopPlay(); });
+  trap([&] { parts_.recorder.EndOfCall(); });
+  call.answering = false;
+  trap([&] { context_.progress.Enter(CallState::Idle); });
+  call.sent_to_application = false;
+  if (!call.admin_mode) parts_.after_call.Finish(call);
+  trap([&] { parts_.line.ShowMonitoring(); });
+}
+
+void CallSequence::UpdateCallerView(const std::string& status) {
+  if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowMessage(status);
+}
+
+}  // namespace orven

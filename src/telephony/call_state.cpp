@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/call_state.h"
+
+#include "platform/runtime_error.h"
+
+namespace orven {
+
+const char* NameOf(CallState state) {
+  switch (state) {
+    case CallState::Idle: return "idle";
+    case CallState::Offered: return "offered";
+    case CallState::Answering: return "answering";
+    case CallState::Greeting: return "greeting";
+    case CallState::Beep: return "beep";
+    case CallState::Recording: return "recording";
+    case CallState::Recorded: return "recorded";
+    case CallState::Administrator: return "administrator";
+    case CallState::Disconnected: return "disconnected";
+  }
+  return "?";
+}
+
+bool IsLegal(CallState from, CallState to) {
+  if (to == CallState::Idle) return true;
+  switch (from) {
+    case CallState::Idle: return to == CallState::Offered;
+    // The desk may drop a call that is offered; a line may connect one that nobody here answered.
+    case CallState::Offered: return to == CallState::Answering || to == CallState::Greeting;
+    // A request that failed leaves the call ringing.
+    case CallState::Answering: return to == CallState::Offered || to == CallState::Greeting;
+    case CallState::Greeting:
+      return to == CallState::Beep || to == CallState::Administrator || to == CallState::Disconnected;
+    case CallState::Beep:
+      return to == CallState::Recording || to == CallState::Administrator || to == CallState::Disconnected;
+    case CallState::Recording: return to == CallState::Recorded || to == CallState::Disconnected ||
+                                      to == CallState::Administrator;
+    case CallState::Recorded: return to == CallState::Administrator || to == CallState::Disconnected;
+    case CallState::Administrator: return to == CallState::Administrator || to == CallState::Disconnected;
+    case CallState::Disconnected: return false;
+  }
+  return false;
+}
+
+void CallProgress::Enter(CallState next) {
+  const auto from = state_;
+  state_ = next;
+  if (!IsLegal(from, next)) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                       std::string("a call went from ") + NameOf(from) + " to " + NameOf(next));
+  }
+}
+
+}  // namespace orven

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/line_manager.h"
+
+#include "core/error_trap.h"
+
+namespace orven {
+namespace {
+
+constexpr std::int32_t kNoneSelected = -1;
+constexpr std::int32_t kNoneUsable = -2;
+
+constexpr std::int32_t kOwnerPrivilege = 4;
+constexpr std::int32_t kAutomatedVoice = 8;
+
+std::string Device(std::int32_t index, const std::string& name) {
+  return "[LineIndex:" + std::to_string(index) + " Device Name:" + name + "]";
+}
+
+}  // namespace
+
+bool LineManager::SelectModemDevice() {
+  const ErrorTrap trap(ports_.log, "ErrSelectModemDevice ");
+  if (settings_.Modem == kNoneSelected) {
+    trap([&] { ChooseFirstUsable(); });
+    if (settings_.Modem == kNoneUsable) return false;
+  }
+  std::int32_t index = kNoneSelected;
+  trap([&] { index = FindByName(settings_.ModemName); });
+  settings_.Modem = index;
+  if (index != kNoneSelected) return true;
+  trap([&] { store_.Set("Modem", std::to_string(kNoneSelected)); });
+  trap([&] { ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]"); });
+  return false;
+}
+
+void LineManager::ChooseFirstUsable() {
+  settings_.ModemName.clear();
+  settings_.Modem = FindUsable(settings_.ModemName);
+  store_.Set("Modem", std::to_string(settings_.Modem));
+  store_.Set("ModemName", settings_.ModemName);
+  ports_.log.WriteSystem("SelectDevice->LineIndex: " + std::to_string(settings_.Modem) +
+                         "  Device Name: " + settings_.ModemName);
+}
+
+std::int32_t LineManager::FindByName(const std::string& name) const {
+  for (std::int32_t index = 0; index < ports_.Tapi1.GetNumDevs(); ++index) {
+    if (DeviceName(index) == name) return index;
+  }
+  return kNoneSelected;
+}
+
+std::int32_t LineManager::FindUsable(std::string& name) const {
+  for (std::int32_t index = 0; index < ports_.Tapi1.GetNumDevs(); ++index) {
+    DeviceCapabilities capabilities;
+    ports_.Tapi1.GetDevCaps(index, capabilities);
+    // An answering machine has to play and record by itself and to hear the owner's password.
+    if (capabilities.automated_voice && capabilities.monitor_digits) {
+      name = capabilities.device_name;
+      return index;
+    }
+  }
+  return kNoneUsable;
+}
+
+std::string LineManager::DeviceName(std::int32_t index) const {
+  DeviceCapabilities capabilities;
+  ports_.Tapi1.GetDevCaps(index, capabilities);
+  return capabilities.device_name;
+}
+
+void LineManager::OpenLine(std::int32_t index) {
+  const ErrorTrap trap(ports_.log, "ErrOpenLine ");
+  trap([&] {
+    if (index < 0 || ports_.Tapi1.IsLineOpen(index)) return;
+    const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
+    const auto name = DeviceName(index);
+    const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);
+    if (result != kTelephonyOk) {
+      ports_.log.WriteSystem("Error " + line);
+      ports_.view.ShowLine(false);
+      return;
+    }
+    open_index_ = index;
+    line_on_ = true;
+    ports_.view.ShowStatus("Monitoring " + name);
+    ports_.log.WriteSystem(line);
+    ports_.view.ShowLine(true);
+  });
+}
+
+void LineManager::CloseLine(std::int32_t index) {
+  const ErrorTrap trap(ports_.log, "ErrCloseLine ");
+  if (open_index_ >= 0) index = open_index_;
+  trap([&] {
+    if (!ports_.Tapi1.IsLineOpen(index)) return;
+    const auto result = ports_.Tapi1.LineClose(index);
+    ports_.log.WriteSystem("LineClose[LineIndex=" + std::to_string(index) + "]->" +
+                           ports_.Tapi1.ErrorText(result));
+  });
+  open_index_ = -1;
+  line_on_ = false;
+  trap([&] { ports_.view.ShowLine(false); });
+  trap([&] { ports_.view.ShowStatus("Off Mode"); });
+}
+
+void LineManager::ShowMonitoring() {
+  ports_.view.ShowStatus(line_on_ ? "Monitoring " + DeviceName(open_index_) : "Off Mode");
+}
+
+}  // namespace orven

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "core/settings_store.h"
+#include "platform/dialogs.h"
+#include "platform/telephony.h"
+#include "telephony/call_effects.h"
+
+namespace orven {
+
+/// Chooses the telephone device, takes and releases its line, and shows the line's state.
+class LineManager {
+ public:
+  struct Ports {
+    TelephonyControl& Tapi1;
+    Dialogs& dialogs;
+    SystemLog& log;
+    LineView& view;
+  };
+
+  LineManager(Ports ports, SettingsStore& store, Settings& settings)
+      : ports_(ports), store_(store), settings_(settings) {}
+
+  /// Finds the stored device again by its name, or chooses the first usable one when none was chosen
+  /// yet. False when there is none; then the line stays off.
+  bool SelectModemDevice();
+
+  /// Takes the line of a device; nothing for a negative index or an open line.
+  void OpenLine(std::int32_t index);
+
+  /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.
+  void CloseLine(std::int32_t index);
+
+  bool LineOn() const { return line_on_; }
+
+  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off.
+  void ShowMonitoring();
+
+ private:
+  std::int32_t FindByName(const std::string& name) const;
+  std::int32_t FindUsable(std::string& name) const;
+  void ChooseFirstUsable();
+  std::string DeviceName(std::int32_t index) const;
+
+  Ports ports_;
+  SettingsStore& store_;
+  Settings& settings_;
+  bool line_on_ = false;
+  std::int32_t open_index_ = -1;
+};
+
+}  // namespace orven

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "telephony/recorder.h"
+
+#include <chrono>
+
+#include "core/error_trap.h"
+#include "core/file_stamp.h"
+#include "core/native_path.h"
+#include "core/tenths_wait.h"
+
+namespace orven {
+namespace {
+
+using std::chrono_literals::operator""ms;
+
+constexpr auto kSilenceInterval = 10ms;
+constexpr auto kRecordInterval = 1000ms;
+
+/// Pause between the beep and the recording, so that the beep's own echo is not recorded.
+constexpr int kPauseTenths = 3;
+
+constexpr std::int32_t kQueryForRecording = 1;
+constexpr std::int32_t kWaveInDirection = 1;
+
+constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000};
+constexpr WaveFormat kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
+
+}  // namespace
+
+Recorder::Recorder(Ports ports, CallContext& context, CallControl& control)
+    : ports_(ports),
+      context_(context),
+      control_(control),
+      tmrSilence(ports.loop.MakeTimer([this] { SilenceTick(); })),
+      TimerRecord(ports.loop.MakeTimer([this] { RecordTick(); })) {}
+
+std::int32_t Recorder::WaveIn() const {
+  return context_.Tapi1.GetWaveDeviceId(context_.Line(), kWaveInDirection);
+}
+
+void Recorder::RecMessage() {
+  const ErrorTrap trap(context_.log, "ErrRecMessage ");
+  trap([&] {
+    if (!context_.shared.record_messages || context_.call.admin_mode) {
+      control_.DropCall();
+      return;
+    }
+    ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
+                      lifeline_.Bind([this, serial = context_.call.serial] {
+                        // The caller may have hung up, keyed the password, or called again meanwhile.
+                        const auto& call = context_.call;
+                        if (call.serial != serial || !call.in_progress || call.admin_mode) return;
+                        if (context_.Connected()) StartAfterWait();
+                      }));
+  });
+}
+
+void Recorder::StartAfterWait() {
+  const ErrorTrap trap(context_.log, "ErrRecMessage ");
+  bool can_record = true;
+  trap([&] { context_.Wave1.SetRecordFolder(context_.shared.messages_path); });
+  trap([&] {
+    if (context_.settings.CompressMessages == 0) {
+      can_record = StartPcm();
+    } else {
+      StartMuLaw();
+    }
+  });
+  if (!can_record) return;
+  trap([&] { TimerRecord->Start(kRecordInterval); });
+  trap([&] {
+    if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
+  });
+  trap([&] { context_.progress.Enter(CallState::Recording); });
+}
+
+bool Recorder::StartPcm() {
+  auto& wave = context_.Wave1;
+  auto result = wave.QueryRecordFormat(WaveIn(), kQueryForRecording, kPcm);
+  if (result != kWaveOk) {
+    context_.log.WriteSystem(FormatLine("Cap Error Rec Message", kPcm, result));
+    control_.DropCall();
+    return false;
+  }
+  result = wave.StartRecord(WaveIn(), kPcm);
+  const auto line = FormatLine("Start Record Message", kPcm, result);
+  if (result != kWaveOk) context_.log.WriteSystem(line);  // a failed start stands in the log twice
+  context_.log.WriteSystem(line);
+  StartPreScreen(kPcm);
+  return true;
+}
+
+void Recorder::StartMuLaw() {
+  const auto result = context_.Wave1.StartRecord(WaveIn(), kMuLaw);
+  context_.log.WriteSystem(FormatLine("Start Record Message", kMuLaw, result));
+  StartPreScreen(kMuLaw);
+}
+
+void Recorder::StartPreScreen(const WaveFormat& format) {
+  if (context_.settings.PreScreen == 0) return;
+  const auto result = context_.Wave1.StartMonitor(context_.settings.Sound, format);
+  context_.log.WriteSystem("PreScreen->" + context_.Wave1.RecordErrorText(result));
+}
+
+std::string Recorder::FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const {
+  // The tag says line index, but it has always carried the wave device's number.
+  return step + LineTag(WaveIn()) + " Format:, " + std::to_string(format.tag) + ", " +
+         std::to_string(format.channels) + ", " + std::to_string(format.bits_per_sample) + ", " +
+         std::to_string(format.samples_per_second) + "->" + context_.Wave1.RecordErrorText(result);
+}
+
+void Recorder::StopRecMessage() {
+  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
+  auto& call = context_.call;
+  auto& wave = context_.Wave1;
+  call.message_file_name = MessageFileName(call.date, call.time);
+  const auto path = context_.shared.messages_path + call.message_file_name;
+  trap([&] { KeepOlderFile(path); });
+  trap([&] { context_.log.WriteSystem("Record Message " + wave.RecordErrorText(wave.StopRecordToFile(path))); });
+  trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
+  TimerRecord->Stop();
+  call.message_left = true;
+  tmrSilence->Stop();
+  call.silence_milliseconds = 0;
+  trap([&] {
+    if (context_.progress.State() == CallState::Recording) context_.progress.Enter(CallState::Recorded);
+  });
+}
+
+void Recorder::KeepOlderFile(const std::string& path) {
+  if (!ports_.files.Exists(path)) return;
+  const auto now = ports_.clock.Now();
+  const auto stamp = FileStamp(ports_.clock.DateText(now), ports_.clock.TimeText(now));
+  const auto stem = path.substr(0, path.rfind('.')) + ".older_" + stamp;
+  auto kept = stem + ".wav";
+  for (int number = 2; ports_.files.Exists(kept); ++number) kept = stem + "_" + std::to_string(number) + ".wav";
+  ports_.files.Rename(path, kept);
+  context_.log.WriteSystem("Record Message: two calls share the name " + FileNamePart(path) + ", the older message is kept as " + FileNamePart(kept));
+}
+
+void Recorder::EndOfCall() {
+  if (context_.Wave1.IsRecording()) StopRecMessage();
+  TimerRecord->Stop();
+  tmrSilence->Stop();
+}
+
+void Recorder::SilenceTick() {
+  const auto trap = ErrorTrap::Silent();
+  auto& call = context_.call;
+  const auto level = context_.Wave1.InputLevel();
+  if (level > context_.settings.ValSilence) {
+    call.silence_milliseconds = 0;
+    return;
+  }
+  // Counted by ticks, whatever time really passed between them.
+  call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
+  if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
+  call.silence_milliseconds = 0;
+  trap([&] {
+    if (context_.Wave1.IsRecording()) StopRecMessage();
+  });
+  trap([&] {
+    if (context_.Connected()) control_.DropCall();
+  });
+  tmrSilence->Stop();
+}
+
+void Recorder::RecordTick() {
+  const auto trap = ErrorTrap::Silent();
+  auto& call = context_.call;
+  call.record_seconds += 1;
+  if (call.record_seconds < context_.shared.max_record_seconds) return;
+  trap([&] {
+    if (context_.Wave1.IsRecording() && context_.Connected()) StopRecMessage();
+  });
+  TimerRecord->Stop();
+  call.record_seconds = 0;
+}
+
+}  // namespace orven

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+#include "platform/files.h"
+#include "telephony/call_control.h"
+
+namespace orven {
+
+/// Records the caller's message: waits a moment after the beep, records, and ends on silence, on the
+/// longest length, or when the call ends. User-interface thread.
+class Recorder {
+ public:
+  struct Ports {
+    Clock& clock;
+    EventLoop& loop;
+    Files& files;
+  };
+
+  Recorder(Ports ports, CallContext& context, CallControl& control);
+
+  /// Starts recording the message of the current call; hangs up instead when recording is off or the
+  /// caller is the owner. Returns at once: the recording starts after the wait, if the same call is
+  /// still connected then.
+  void RecMessage();
+
+  /// Ends the recording and leaves it in the messages folder under the call's message file name.
+  void StopRecMessage();
+
+  /// The call is over: ends a recording that still runs and both timers.
+  void EndOfCall();
+
+  bool TimersRunning() const { return tmrSilence->Enabled() || TimerRecord->Enabled(); }
+
+ private:
+  void StartAfterWait();
+  bool StartPcm();
+  void StartMuLaw();
+  void StartPreScreen(const WaveFormat& format);
+  std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
+  void KeepOlderFile(const std::string& path);
+  void SilenceTick();
+  void RecordTick();
+  std::int32_t WaveIn() const;
+
+  Ports ports_;
+  CallContext& context_;
+  CallControl& control_;
+  std::unique_ptr<Timer> tmrSilence;
+  std::unique_ptr<Timer> TimerRecord;
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

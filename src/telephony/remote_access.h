@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "records/call_list.h"
+#include "telephony/call_control.h"
+#include "telephony/call_effects.h"
+
+namespace orven {
+
+/// Lets the owner hear the messages over the telephone: password and "*", then every message of the
+/// call list from its first row to its last. User-interface thread.
+class RemoteAccess {
+ public:
+  RemoteAccess(CallContext& context, CallControl& control, CallList& list, LineView& view)
+      : context_(context), control_(control), ListView1(list), view_(view) {}
+
+  /// A key was pressed on the telephone. Ignored while a message is recorded.
+  void MonitorDigit(std::int32_t line, char digit);
+
+  /// A message has been played to its end: plays the next one, or hangs up after the last.
+  void MessagePlayed();
+
+ private:
+  void EnterAdministratorMode(std::int32_t line);
+  void PlayForAdmin();
+  bool SkipRowsWithoutMessage();  ///< false when the line was dropped
+  bool LastSelected() const { return ListView1.Selected() >= ListView1.Count(); }
+
+  CallContext& context_;
+  CallControl& control_;
+  CallList& ListView1;
+  LineView& view_;
+};
+
+}  // namespace orven
