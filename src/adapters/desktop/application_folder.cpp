@@ -28,21 +28,29 @@ class Seeding {
   Seeding(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
 
   SeedReport Run() {
+    const QStringList wanted = WantedFiles();
     MakeFolders();
+    for (const QString& name : wanted) CopyMissing(name);
     if (assets_.isEmpty()) {
       Problem(folder_, QStringLiteral("nothing to fill it from, the installed assets were not found"));
-      return report_;
-    }
-    CopyMissing(QStringLiteral("beep.wav"));
-    const bool first_start = !QFile::exists(folder_ + QStringLiteral("/registry.reg"));
-    for (const char* name : kSoundFolders) {
-      const QString sounds = QString::fromLatin1(name);
-      if (first_start || WavNames(folder_ + u'/' + sounds).isEmpty()) CopySounds(sounds);
     }
     return report_;
   }
 
  private:
+  /// The files that belong here now, present or not; decided before the folders are made.
+  QStringList WantedFiles() const {
+    if (assets_.isEmpty()) return {};
+    QStringList names = {QStringLiteral("beep.wav")};
+    const bool first_start = !QFile::exists(folder_ + QStringLiteral("/registry.reg"));
+    for (const char* name : kSoundFolders) {
+      const QString sounds = u'/' + QString::fromLatin1(name);
+      if (!first_start && QFile::exists(folder_ + sounds)) continue;
+      for (const QString& wav : WavNames(assets_ + sounds)) names << QString::fromLatin1(name) + u'/' + wav;
+    }
+    return names;
+  }
+
   void MakeFolders() {
     const bool is_new = !QFile::exists(folder_);
     for (const char* name : kFolders) {
@@ -51,10 +59,6 @@ class Seeding {
     }
     // It will hold recorded messages and passwords.
     if (is_new) QFile::setPermissions(folder_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  }
-
-  void CopySounds(const QString& sounds) {
-    for (const QString& name : WavNames(assets_ + u'/' + sounds)) CopyMissing(sounds + u'/' + name);
   }
 
   void CopyMissing(const QString& name) {

@@ -36,7 +36,7 @@ struct SeedReport {
 
 /// Makes `folder` (readable by its user only, when new) and its Greets, Sound, Log and Messages
 /// folders, and copies what is missing from `assets`: beep.wav always; greetings and sounds on the
-/// first start (no registry.reg yet) or when their folder holds no WAV file, so that one which the
+/// first start (no registry.reg yet) or when their whole folder is gone, so that a sound which the
 /// user deleted does not come back. Never replaces a file; a copy appears whole or not at all.
 SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets);
 

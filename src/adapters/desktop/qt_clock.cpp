@@ -2,7 +2,6 @@
 #include "adapters/desktop/qt_clock.h"
 
 #include <QDateTime>
-#include <utility>
 
 #include "adapters/desktop/time_format.h"
 
@@ -23,8 +22,8 @@ std::string Text(QString text) {
 
 }  // namespace
 
-QtClock::QtClock(QLocale locale)
-    : locale_(std::move(locale)),
+QtClock::QtClock(const QLocale& locale)
+    : locale_(locale),
       time_pattern_(
           TimePattern(locale_.timeFormat(QLocale::ShortFormat), locale_.timeFormat(QLocale::LongFormat))) {}
 

@@ -12,7 +12,7 @@ namespace orven {
 class QtClock final : public Clock {
  public:
   /// `locale` writes the texts.
-  explicit QtClock(QLocale locale = QLocale::system());
+  explicit QtClock(const QLocale& locale = QLocale::system());
 
   std::chrono::milliseconds Uptime() const override;
   WallTime Now() const override;

@@ -89,7 +89,7 @@ TEST_F(ApplicationFolderTest, KeepsWhatTheUserHasAndDoesNotBringBackWhatHeDelete
   WriteAssets();
   Write("app/beep.wav", "my own beep");
   Write("app/Greets/Mine.wav", "it is me");
-  Write("app/registry.reg", "");
+  Write("app/registry.reg", "");  // not the first start; Sound is gone as a whole
   const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"));
   EXPECT_EQ(AppContent(),
             "Greets/ Greets/Mine.wav Log/ Messages/ Sound/ Sound/Ring.wav beep.wav registry.reg");

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Makes the sounds that an installation starts with, into this folder. Needs espeak-ng and sox; run
+# it after changing it, and commit what it made.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+mkdir -p Greets Sound
+
+# sox without dither (-D): the same input gives the same file.
+line_wav=(-r 8000 -c 1 -b 16 -e signed-integer)   # what a telephone line carries
+desk_wav=(-r 22050 -c 1 -b 16 -e signed-integer)  # what the sound card plays
+
+# The beep: 0.4 s of 1 kHz, with 20 ms ramps so that it does not click, at -10 dB full scale.
+sox -D -n "${line_wav[@]}" beep.wav synth 0.4 sine 1000 fade q 0.02 0.4 0.02 gain -10
+
+# The greeting, within the telephone's band, with a short pause before it: the first instant of an
+# answered call is often lost.
+speech=$(mktemp --suffix=.wav)
+trap 'rm -f "$speech"' EXIT
+espeak-ng -v en-us+f3 -s 170 -w "$speech" \
+  "Hello. Nobody can take your call right now. Please leave a message after the tone."
+sox -D "$speech" "${line_wav[@]}" Greets/Default.wav highpass 200 lowpass 3400 gain -n -4 \
+  silence 1 0.01 0.2% reverse silence 1 0.01 0.2% reverse pad 0.3 0.2
+
+# A call rings: two soft notes, twice. A message was left: three rising notes.
+note() { # note FREQUENCY SECONDS: a plucked-bell tone as a sox pipe
+  echo "|sox -D -n -r 22050 -c 1 -p synth $2 sine $1 sine $(($1 * 2)) remix - fade h 0.005 $2 $2 gain -12"
+}
+sox -D "$(note 880 0.35)" "$(note 698 0.45)" "$(note 880 0.35)" "$(note 698 0.6)" "${desk_wav[@]}" Sound/Ring.wav
+sox -D "$(note 523 0.2)" "$(note 659 0.2)" "$(note 784 0.6)" "${desk_wav[@]}" Sound/Message.wav
+
+for file in beep.wav Greets/*.wav Sound/*.wav; do
+  printf '%-20s %5.2f s  %5d Hz\n' "$file" "$(soxi -D "$file")" "$(soxi -r "$file")"
+done
