@@ -25,7 +25,8 @@ QStringList WavNames(const QString& folder) {
 /// One filling of one application folder.
 class Seeding {
  public:
-  Seeding(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
+  Seeding(const QString& folder, const QString& assets, bool first_start)
+      : folder_(folder), assets_(assets), first_start_(first_start) {}
 
   SeedReport Run() {
     const QStringList wanted = WantedFiles();
@@ -42,23 +43,19 @@ class Seeding {
   QStringList WantedFiles() const {
     if (assets_.isEmpty()) return {};
     QStringList names = {QStringLiteral("beep.wav")};
-    const bool first_start = !QFile::exists(folder_ + QStringLiteral("/registry.reg"));
     for (const char* name : kSoundFolders) {
       const QString sounds = u'/' + QString::fromLatin1(name);
-      if (!first_start && QFile::exists(folder_ + sounds)) continue;
+      if (!first_start_ && QFile::exists(folder_ + sounds)) continue;
       for (const QString& wav : WavNames(assets_ + sounds)) names << QString::fromLatin1(name) + u'/' + wav;
     }
     return names;
   }
 
   void MakeFolders() {
-    const bool is_new = !QFile::exists(folder_);
     for (const char* name : kFolders) {
       const QString path = folder_ + u'/' + QString::fromLatin1(name);
       if (!QDir().mkpath(path)) Problem(path, QStringLiteral("cannot make this folder"));
     }
-    // It will hold recorded messages and passwords.
-    if (is_new) QFile::setPermissions(folder_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   }
 
   void CopyMissing(const QString& name) {
@@ -81,6 +78,7 @@ class Seeding {
 
   QString folder_;
   QString assets_;
+  bool first_start_;
   SeedReport report_;
 };
 
@@ -113,8 +111,16 @@ std::string FindAssets(const std::string& executable_folder) {
   return {};
 }
 
-SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets) {
-  return Seeding(QString::fromStdString(folder), QString::fromStdString(assets)).Run();
+std::string MakeApplicationFolder(const std::string& folder) {
+  const QString path = QString::fromStdString(folder);
+  if (QDir(path).exists()) return {};
+  if (!QDir().mkpath(path)) return "\"" + folder + "\": cannot make this folder";
+  QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  return {};
+}
+
+SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start) {
+  return Seeding(QString::fromStdString(folder), QString::fromStdString(assets), first_start).Run();
 }
 
 }  // namespace orven

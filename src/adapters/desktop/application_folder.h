@@ -34,10 +34,15 @@ struct SeedReport {
   std::vector<std::string> problems;
 };
 
-/// Makes `folder` (readable by its user only, when new) and its Greets, Sound, Log and Messages
-/// folders, and copies what is missing from `assets`: beep.wav always; greetings and sounds on the
-/// first start (no registry.reg yet) or when their whole folder is gone, so that a sound which the
-/// user deleted does not come back. Never replaces a file; a copy appears whole or not at all.
-SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets);
+/// Makes `folder`, readable by its user only when it is new: it will hold recorded messages and
+/// passwords. Returns one sentence on what failed, or an empty text. Needed before the folder can be
+/// claimed.
+std::string MakeApplicationFolder(const std::string& folder);
+
+/// Makes the Greets, Sound, Log and Messages folders and copies what is missing from `assets`:
+/// beep.wav always; greetings and sounds on the `first_start` or when their whole folder is gone, so
+/// that a sound which the user deleted does not come back. Never replaces a file; a copy appears
+/// whole or not at all.
+SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start);
 
 }  // namespace orven

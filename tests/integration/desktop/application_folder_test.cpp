@@ -76,7 +76,8 @@ TEST_F(ApplicationFolderTest, AssetsAreFoundFromAnInstalledAndFromABuiltProgram)
 
 TEST_F(ApplicationFolderTest, AFirstStartMakesTheFoldersAndCopiesTheAssets) {
   WriteAssets();
-  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"));
+  EXPECT_EQ(MakeApplicationFolder(Path("app")), "");
+  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"), true);
   EXPECT_EQ(AppContent(), "Greets/ Greets/Default.wav Log/ Messages/ Sound/ Sound/Ring.wav beep.wav");
   EXPECT_EQ(Read("app/Greets/Default.wav"), "hello");
   EXPECT_EQ(report.copied, (std::vector<std::string>{"beep.wav", "Greets/Default.wav", "Sound/Ring.wav"}));
@@ -89,10 +90,8 @@ TEST_F(ApplicationFolderTest, KeepsWhatTheUserHasAndDoesNotBringBackWhatHeDelete
   WriteAssets();
   Write("app/beep.wav", "my own beep");
   Write("app/Greets/Mine.wav", "it is me");
-  Write("app/registry.reg", "");  // not the first start; Sound is gone as a whole
-  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"));
-  EXPECT_EQ(AppContent(),
-            "Greets/ Greets/Mine.wav Log/ Messages/ Sound/ Sound/Ring.wav beep.wav registry.reg");
+  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"), false);
+  EXPECT_EQ(AppContent(), "Greets/ Greets/Mine.wav Log/ Messages/ Sound/ Sound/Ring.wav beep.wav");
   EXPECT_EQ(Read("app/beep.wav"), "my own beep");
   EXPECT_EQ(report.copied, std::vector<std::string>{"Sound/Ring.wav"});
 }
@@ -101,14 +100,14 @@ TEST_F(ApplicationFolderTest, AnUnfinishedFirstStartIsFinishedByTheNext) {
   WriteAssets();
   Write("assets/Sound/Message.wav", "message");
   Write("app/Sound/Message.wav", "message");
-  SeedApplicationFolder(Path("app"), Path("assets"));
+  SeedApplicationFolder(Path("app"), Path("assets"), true);
   EXPECT_EQ(Read("app/Sound/Ring.wav"), "ring");
 }
 
 TEST_F(ApplicationFolderTest, AFailureNamesTheFileAndTheRestIsStillDone) {
   WriteAssets();
   Write("app/Greets", "a file where a folder belongs");
-  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"));
+  const SeedReport report = SeedApplicationFolder(Path("app"), Path("assets"), true);
   ASSERT_EQ(report.problems.size(), 2U);
   EXPECT_EQ(report.problems[0].find("\"" + Path("app/Greets") + "\": "), 0U) << report.problems[0];
   EXPECT_EQ(report.problems[1].find("\"" + Path("app/Greets/Default.wav") + "\": "), 0U)
@@ -116,9 +115,11 @@ TEST_F(ApplicationFolderTest, AFailureNamesTheFileAndTheRestIsStillDone) {
   EXPECT_EQ(Read("app/Sound/Ring.wav"), "ring");
   EXPECT_EQ(Read("app/beep.wav"), "beep");
 
-  const SeedReport without = SeedApplicationFolder(Path("bare"), "");
+  const SeedReport without = SeedApplicationFolder(Path("bare"), "", true);
   EXPECT_EQ(without.problems.size(), 1U);
   EXPECT_TRUE(QDir(root_.filePath("bare/Messages")).exists());
+  EXPECT_EQ(MakeApplicationFolder(Path("app/beep.wav/x")),
+            "\"" + Path("app/beep.wav/x") + "\": cannot make this folder");
 }
 
 }  // namespace
