@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <thread>
+
+#include "adapters/audio/sample_ring.h"
+#include "adapters/audio/telephone_decoder.h"
+#include "platform/audio_device.h"
+
+namespace orven {
+
+/// Plays one sound file into a device: its own thread decodes half a second to a second ahead, so that
+/// neither the device's thread nor the user interface ever waits for the disk, and a file of any length
+/// takes the same memory.
+class FileSource : public AudioSource {
+ public:
+  /// Starts decoding. `on_ended` is called once, on the device's thread, when everything has been read.
+  FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::function<void()> on_ended);
+
+  /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
+  ~FileSource() override;
+
+  /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
+  /// the last block of the file is filled up with silence.
+  bool Read(std::span<std::int16_t> block) override;
+
+  /// Tells the decoding thread to end; returns at once. The device must have let go of the source.
+  void Cancel();
+
+  /// The decoding thread has done its last step. Any thread.
+  bool Finished() const { return finished_.load(std::memory_order_acquire); }
+
+  /// How much sound the device has taken. Any thread.
+  std::chrono::milliseconds Position() const;
+
+ private:
+  void Decode();
+  bool WaitForRoom();
+
+  std::unique_ptr<TelephoneDecoder> decoder_;
+  std::function<void()> on_ended_;
+  bool told_ = false;  ///< device's thread
+  SampleRing ring_;
+  std::atomic<std::int64_t> samples_played_{0};
+  std::atomic<bool> decoded_all_{false};
+  std::atomic<bool> cancelled_{false};
+  std::atomic<bool> finished_{false};
+  std::mutex mutex_;  ///< for the wait only; the device's thread never takes it
+  std::condition_variable wake_;
+  std::thread thread_;  ///< last: it uses all of the above
+};
+
+}  // namespace orven

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/audio/file_wave_control.h"
+
+#include <utility>
+
+#include "adapters/audio/telephone_decoder.h"
+#include "adapters/audio/wave_result_text.h"
+
+namespace orven {
+
+FileWaveControl::FileWaveControl(EventLoop& loop, AudioDevices& devices, std::string rescue_folder)
+    : loop_(loop), devices_(devices), rescue_folder_(std::move(rescue_folder)) {}
+
+FileWaveControl::~FileWaveControl() {
+  ReleaseSource();
+  StopMonitor();
+  if (recording_) record_device_->StopRecord();
+}
+
+std::int32_t FileWaveControl::QueryRecordFormat(std::int32_t device, std::int32_t /*mode*/,
+                                                const WaveFormat& format) {
+  if (!IsRecordable(format)) return kWaveBadFormat;
+  return devices_.Find(device) == nullptr ? kWaveNoDevice : kWaveOk;
+}
+
+std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat& format) {
+  if (recording_) return kWaveBusy;
+  if (!IsRecordable(format)) return kWaveBadFormat;
+  AudioDevice* const from = devices_.Find(device);
+  if (from == nullptr) return kWaveNoDevice;
+  auto recording = std::make_unique<Recording>(RecordSettings(format), monitor_);
+  if (const auto result = from->StartRecord(*recording); result != kWaveOk) return result;
+  recording_ = std::move(recording);
+  record_device_ = from;
+  last_saved_ = {};
+  return kWaveOk;
+}
+
+std::int32_t FileWaveControl::StopRecordToFile(const std::string& path) {
+  if (!recording_) return kWaveNotRecording;
+  record_device_->StopRecord();
+  last_saved_ = recording_->SaveAs(path);
+  old_recordings_.Add(std::move(recording_));
+  return last_saved_.result;
+}
+
+Recording::Settings FileWaveControl::RecordSettings(const WaveFormat& format) const {
+  Recording::Settings settings{format, record_to_disk_, {}};
+  for (const std::string& folder : {record_folder_, rescue_folder_})
+    if (!folder.empty()) settings.folders.push_back(folder);
+  return settings;
+}
+
+std::int32_t FileWaveControl::StartMonitor(std::int32_t device, const WaveFormat& format) {
+  if (!IsRecordable(format)) return kWaveBadFormat;
+  if (!recording_) return kWaveNotRecording;
+  if (monitor_device_ != nullptr) return kWaveBusy;
+  AudioDevice* const to = devices_.Find(device);
+  if (to == nullptr) return kWaveNoDevice;
+  monitor_.Restart();
+  const std::int32_t result = to->StartPlay(monitor_);
+  if (result == kWaveOk) monitor_device_ = to;
+  return result;
+}
+
+std::int32_t FileWaveControl::StopMonitor() {
+  if (monitor_device_ != nullptr) std::exchange(monitor_device_, nullptr)->StopPlay();
+  return kWaveOk;
+}
+
+std::string FileWaveControl::RecordErrorText(std::int32_t code) const {
+  std::string text = RecordResultText(code);
+  if (code == kWaveOk || code != last_saved_.result) return text;
+  if (last_saved_.kept.empty()) return text + " The recording waits in memory for a place on a disk.";
+  return text + " The recording was kept as \"" + last_saved_.kept + "\".";
+}
+
+std::int32_t FileWaveControl::PlayFile(const std::string& path, std::int32_t device) {
+  if (playing_) return kWaveBusy;
+  AudioDevice* const to = devices_.Find(device);
+  if (to == nullptr) return kWaveNoDevice;
+  std::unique_ptr<TelephoneDecoder> decoder;
+  if (const auto result = TelephoneDecoder::Open(path, decoder); result != kWaveOk) return result;
+  ReleaseSource();
+  const std::uint64_t play = ++play_;
+  auto tell = lifeline_.Bind([this, play] { Finished(play); });
+  auto source = std::make_unique<FileSource>(
+      std::move(decoder), [&loop = loop_, tell = std::move(tell)]() mutable { loop.Post(std::move(tell)); });
+  const std::int32_t result = to->StartPlay(*source);
+  if (result != kWaveOk) {
+    source->Cancel();
+    old_sources_.Add(std::move(source));
+    return result;
+  }
+  source_ = std::move(source);
+  play_device_ = to;
+  playing_ = true;
+  return kWaveOk;
+}
+
+std::string FileWaveControl::PlayErrorText(std::int32_t code) const {
+  return PlayResultText(code);
+}
+
+void FileWaveControl::StopPlay() {
+  playing_ = false;
+  ReleaseSource();
+}
+
+/// Takes the source from its device without waiting for a disk that its thread may be reading.
+void FileWaveControl::ReleaseSource() {
+  if (!source_) return;
+  play_device_->StopPlay();
+  source_->Cancel();
+  old_sources_.Add(std::move(source_));
+}
+
+void FileWaveControl::Finished(std::uint64_t play) {
+  if (!playing_ || play != play_) return;
+  playing_ = false;
+  if (events_ != nullptr) events_->PlayFinished();
+}
+
+std::chrono::milliseconds FileWaveControl::Position() const {
+  return playing_ ? source_->Position() : std::chrono::milliseconds(0);
+}
+
+double FileWaveControl::FileLength(const std::string& path) const {
+  SoundFile file;
+  SF_INFO info;
+  if (OpenSoundFile(path, file, info) != kWaveOk) return -1;
+  return static_cast<double>(info.frames) / info.samplerate;
+}
+
+}  // namespace orven

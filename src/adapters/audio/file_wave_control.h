@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "adapters/audio/file_source.h"
+#include "adapters/audio/live_monitor.h"
+#include "adapters/audio/recording.h"
+#include "adapters/audio/retired.h"
+#include "platform/audio_device.h"
+#include "platform/event_loop.h"
+#include "platform/wave.h"
+
+namespace orven {
+
+/// The wave control over sound files: plays every WAV file that libsndfile reads (any rate is
+/// resampled, channels are mixed) and records PCM or mu-law WAV files.
+///
+/// Files and the user-interface thread: PlayFile and FileLength open the file and read its header,
+/// nothing more. StopRecordToFile renames a file that grew on the destination's file system; only where
+/// that cannot be, or when the recording was kept in memory, does it write the file there and wait for
+/// the disk. Everything else about files happens on threads of the control's own.
+class FileWaveControl : public WaveControl {
+ public:
+  /// `loop` and `devices` outlive the control. `rescue_folder` takes recordings for which the record
+  /// folder has no place; it is created when it is needed and not there.
+  FileWaveControl(EventLoop& loop, AudioDevices& devices, std::string rescue_folder);
+
+  /// Stops everything without an event. A recording that runs to disk is completed and stays there
+  /// under its working name (DiskFile::Create); one that runs in memory is given up.
+  ~FileWaveControl() override;
+
+  void SetEvents(WaveEvents* events) override { events_ = events; }
+  void SetRecordToDisk(bool on) override { record_to_disk_ = on; }
+  void SetRecordFolder(const std::string& folder) override { record_folder_ = folder; }
+  std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
+
+  /// Whether the folders can be written to shows only when the recording is saved: until then, and
+  /// however long it takes, what was captured waits in memory.
+  std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
+  std::int32_t StopRecordToFile(const std::string& path) override;
+  bool IsRecording() const override { return recording_ != nullptr; }
+  std::int32_t InputLevel() const override { return recording_ ? recording_->Level() : 0; }
+
+  /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. Goes on,
+  /// silent, when the recording ends, until StopMonitor.
+  std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
+  std::int32_t StopMonitor() override;
+  std::string RecordErrorText(std::int32_t code) const override;
+
+  /// The finished event comes when the device has taken the last block, which is before it is heard:
+  /// a device with a buffer of its own must not cut that short when it is stopped afterwards.
+  std::int32_t PlayFile(const std::string& path, std::int32_t device) override;
+  std::string PlayErrorText(std::int32_t code) const override;
+  bool IsPlaying() const override { return playing_; }
+  void StopPlay() override;
+  std::chrono::milliseconds Position() const override;
+  double FileLength(const std::string& path) const override;
+
+ private:
+  void ReleaseSource();
+  void Finished(std::uint64_t play);
+  Recording::Settings RecordSettings(const WaveFormat& format) const;
+
+  EventLoop& loop_;
+  AudioDevices& devices_;
+  const std::string rescue_folder_;
+  WaveEvents* events_ = nullptr;
+
+  bool record_to_disk_ = false;
+  std::string record_folder_;
+  AudioDevice* record_device_ = nullptr;
+  std::unique_ptr<Recording> recording_;
+  Retired<Recording> old_recordings_;
+  Recording::Saved last_saved_;
+
+  LiveMonitor monitor_;
+  AudioDevice* monitor_device_ = nullptr;
+
+  bool playing_ = false;
+  std::uint64_t play_ = 0;  ///< counts the plays, so that an old one's event is told from the present one's
+  AudioDevice* play_device_ = nullptr;
+  std::unique_ptr<FileSource>
+      source_;  ///< stays with its device after the end, until something else is to be played
+  Retired<FileSource> old_sources_;
+
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

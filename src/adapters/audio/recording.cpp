@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/audio/recording.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+namespace orven {
+namespace {
+
+using namespace std::chrono_literals;
+using SteadyClock = std::chrono::steady_clock;
+
+/// A killed program loses at most this much.
+constexpr auto kWriteEvery = 250ms;
+
+/// A loss of power loses at most this, the interval above and the time that the sync takes: together
+/// below a second on a healthy disk.
+constexpr auto kSyncEvery = 600ms;
+
+constexpr auto kTryAgain = 1s;
+
+/// Blocks come every 20 ms; a second without one is no jitter.
+constexpr auto kLevelHolds = 1s;
+
+constexpr std::int32_t kFullScale = 32768;
+
+/// Samples that the queue takes without allocating: what comes while a sync holds the writer up.
+constexpr std::size_t kQueueReserve = 10 * kSampleRate;
+
+std::int32_t PeakOf(std::span<const std::int16_t> block) {
+  std::int32_t peak = 0;
+  for (const std::int16_t sample : block) peak = std::max(peak, std::abs(std::int32_t{sample}));
+  return peak;
+}
+
+/// A name in `folder` that no file has yet.
+std::string UnusedName(const std::string& folder, const std::string& stem) {
+  std::error_code unknown;
+  for (int n = 1;; ++n) {
+    std::string path = folder + "/" + stem + ".unsaved-" + std::to_string(n) + ".wav";
+    if (!std::filesystem::exists(path, unknown)) return path;
+  }
+}
+
+}  // namespace
+
+Recording::Recording(Settings settings, LiveMonitor& monitor)
+    : settings_(std::move(settings)),
+      monitor_(monitor),
+      image_(std::in_place, settings_.format),
+      growing_(settings_.folders) {
+  queue_.reserve(kQueueReserve);
+  thread_ = std::thread([this] { Run(); });
+}
+
+Recording::~Recording() {
+  {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+    abandoned_ = true;
+  }
+  wake_.notify_one();
+  thread_.join();
+}
+
+void Recording::Write(std::span<const std::int16_t> block) {
+  level_ = PeakOf(block) * 1000 / kFullScale;
+  level_at_ = SteadyClock::now().time_since_epoch().count();
+  monitor_.Push(block);
+  const std::lock_guard lock(queue_mutex_);
+  queue_.insert(queue_.end(), block.begin(), block.end());
+}
+
+std::int32_t Recording::Level() const {
+  const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
+  return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
+}
+
+Recording::Saved Recording::SaveAs(const std::string& path) {
+  Saved saved;
+  {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+    stem_ = std::filesystem::path(path).stem().string();
+    Absorb();
+    saved.result = Store(path);
+    if (saved.result != kWaveOk) unsaved_ = !Keep();
+    if (saved.result != kWaveOk && stored_) saved.kept = stored_->Path();
+  }
+  wake_.notify_one();
+  return saved;
+}
+
+/// A file that grew near its destination only changes its name. Whatever stands in the way of that, a
+/// missing folder for instance, also decides the result of writing it there anew.
+std::int32_t Recording::Store(const std::string& path) {
+  if (settings_.to_disk && growing_.Update(*image_) == kWaveOk &&
+      growing_.File()->RenameTo(path) == kWaveOk) {
+    stored_ = growing_.File();
+    return kWaveOk;
+  }
+  std::shared_ptr<DiskFile> fresh;
+  std::int32_t result = WriteWhole(FolderOf(path), image_->Bytes(), fresh);
+  if (result != kWaveOk) return result;
+  result = fresh->Sync();  // before it replaces anything
+  if (result == kWaveOk) result = fresh->RenameTo(path);
+  if (result != kWaveOk) {
+    fresh->Remove();
+    return result;
+  }
+  growing_.Discard();
+  stored_ = std::move(fresh);
+  return kWaveOk;
+}
+
+/// Leaves the recording as a playable file in one of the folders; false when none takes it.
+bool Recording::Keep() {
+  if (growing_.Update(*image_) != kWaveOk) return false;
+  stored_ = growing_.File();
+  stored_->RenameTo(UnusedName(FolderOf(stored_->Path()), stem_));  // its old name will do, too
+  return true;
+}
+
+void Recording::Run() {
+  Lock lock(mutex_);
+  if (settings_.to_disk) Grow(lock);
+  wake_.wait(lock, [this] { return ended_; });
+  Settle(lock);
+  image_.reset();
+  finished_.store(true, std::memory_order_release);
+}
+
+void Recording::Absorb() {
+  std::vector<std::int16_t> news;
+  news.reserve(kQueueReserve);
+  {
+    const std::lock_guard lock(queue_mutex_);
+    news.swap(queue_);
+  }
+  image_->Append(news);
+}
+
+/// Until the recording ends, its file follows it.
+void Recording::Grow(Lock& lock) {
+  auto synced_at = SteadyClock::now() - kSyncEvery;  // so that the file's name is durable at once
+  while (!ended_) {
+    Absorb();
+    if (image_->HasSound()) growing_.Update(*image_);
+    if (SteadyClock::now() - synced_at >= kSyncEvery) {
+      synced_at = SteadyClock::now();
+      Sync(lock, growing_.File());
+      if (sync_failed_ && !ended_) {
+        growing_.Distrust();
+        sync_failed_ = false;
+      }
+    }
+    wake_.wait_for(lock, kWriteEvery, [this] { return ended_; });
+  }
+}
+
+/// What SaveAs left to be done without haste, or the destructor's last word.
+void Recording::Settle(Lock& lock) {
+  while (unsaved_ && !abandoned_) {
+    wake_.wait_for(lock, kTryAgain, [this] { return abandoned_; });
+    unsaved_ = !Keep();
+  }
+  if (!stored_ && settings_.to_disk) {  // nobody saved it
+    Absorb();
+    if (image_->HasSound()) growing_.Update(*image_);
+    stored_ = growing_.File();
+  }
+  Sync(lock, stored_);
+  if (!sync_failed_ || settings_.folders.empty()) return;
+  growing_ = GrowingFile({settings_.folders.back()});  // a second copy: the first may be sound all the same
+  Keep();
+  Sync(lock, stored_);
+}
+
+/// Opens the lock meanwhile: SaveAs must not wait for the disk.
+void Recording::Sync(Lock& lock, const std::shared_ptr<DiskFile>& file) {
+  if (!file) return;
+  const std::shared_ptr<DiskFile> held = file;
+  const std::string folder = FolderOf(held->Path());
+  lock.unlock();
+  const bool safe = held->Sync() == kWaveOk;
+  SyncFolder(folder);  // file systems that cannot do this have no need of it
+  lock.lock();
+  if (!safe) sync_failed_ = true;
+}
+
+}  // namespace orven
