@@ -84,7 +84,8 @@ void ServicedLine::TellFinishedRequests() {
 }
 
 void ServicedLine::Offered(CallNumber call) {
-  call_ = Mirror{.number = call};
+  call_ = Mirror{};
+  call_.number = call;
   Raise(&TelephonyEvents::InCommingCall, CallInformation{call});
 }
 

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sim/sim_line.h"
+
+#include <utility>
+
+namespace orven {
+
+SimLine::SimLine(std::string device_name, EventLoop& loop, SimScript script)
+    : loop_(loop), script_(std::move(script)), audio_(loop) {
+  capabilities_.device_name = std::move(device_name);
+  capabilities_.max_rate = 64000;
+  capabilities_.caller_id = true;
+  capabilities_.monitor_digits = true;
+  capabilities_.interactive_voice = true;
+  capabilities_.automated_voice = true;
+}
+
+void SimLine::FailOpen(std::int32_t result, std::string reason) {
+  open_result_ = result;
+  last_error_ = std::move(reason);
+}
+
+std::int32_t SimLine::Open(LineDriverEvents& events) {
+  if (open_result_ != kTelephonyOk) return open_result_;
+  events_ = &events;
+  for (const auto& step : script_) loop_.After(step.at, lifeline_.Bind([this, step] { Do(step); }));
+  return kTelephonyOk;
+}
+
+void SimLine::Close() {
+  EndCall();
+  events_ = nullptr;
+}
+
+void SimLine::Do(const SimStep& step) {
+  switch (step.kind) {
+    case SimStep::Kind::Offer: Offer(); break;
+    case SimStep::Kind::Ring: Ring(); break;
+    case SimStep::Kind::CallerId: CallerId(step.name, step.number); break;
+    case SimStep::Kind::Press:
+      for (const char digit : step.number) Press(digit);
+      break;
+    case SimStep::Kind::HangUp: HangUp(); break;
+  }
+}
+
+void SimLine::Offer() {
+  if (events_ == nullptr || call_ != 0) return;
+  call_ = ++calls_;
+  rings_ = 0;
+  events_->Offered(call_);
+}
+
+void SimLine::Ring() {
+  if (call_ != 0 && !connected_) events_->Ring(call_, ++rings_);
+}
+
+void SimLine::CallerId(const std::string& name, const std::string& number) {
+  if (call_ != 0) events_->CallerId(call_, name, number);
+}
+
+void SimLine::Press(char digit) {
+  if (connected_ && monitor_digits_) events_->Digit(call_, digit);
+}
+
+void SimLine::HangUp() {
+  if (call_ == 0) return;
+  if (connected_) events_->Disconnected(call_);
+  EndCall();
+}
+
+void SimLine::EndCall() {
+  if (call_ == 0) return;
+  audio_.SetCall(false);
+  connected_ = false;
+  monitor_digits_ = false;
+  const auto call = std::exchange(call_, 0);
+  events_->Idle(call);
+}
+
+void SimLine::Answer(CallNumber call, std::int32_t request) {
+  loop_.After(answer_delay_, lifeline_.Bind([this, call, request] { CompleteAnswer(call, request); }));
+}
+
+void SimLine::CompleteAnswer(CallNumber call, std::int32_t request) {
+  if (events_ == nullptr) return;
+  if (!IsCurrent(call)) {
+    events_->RequestDone(request, kTelephonyNoCall);
+    return;
+  }
+  if (failing_answers_ > 0) {
+    --failing_answers_;
+    events_->RequestDone(request, kTelephonyDeviceFailed);
+    return;
+  }
+  connected_ = true;
+  audio_.SetCall(true);
+  events_->RequestDone(request, kTelephonyOk);
+  events_->Connected(call);
+}
+
+void SimLine::Drop(CallNumber call, std::int32_t request) {
+  loop_.After(answer_delay_, lifeline_.Bind([this, call, request] { CompleteDrop(call, request); }));
+}
+
+void SimLine::CompleteDrop(CallNumber call, std::int32_t request) {
+  if (events_ == nullptr) return;
+  events_->RequestDone(request, kTelephonyOk);
+  if (IsCurrent(call)) EndCall();
+}
+
+void SimLine::MonitorDigits(CallNumber call, bool on) {
+  if (IsCurrent(call)) monitor_digits_ = on;
+}
+
+void SimLine::SetGreetingPhase(CallNumber /*call*/, bool /*on*/) {
+  // A simulated line hears its digits as well under the greeting as without it.
+}
+
+}  // namespace orven

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/line/sim/sim_audio.h"
+#include "adapters/line/sim/sim_script.h"
+#include "platform/event_loop.h"
+#include "platform/line_driver.h"
+
+namespace orven {
+
+/// A telephone line that exists only in the program: somebody "calls" by calling its methods, or by a
+/// script that begins when the line is opened. It runs on whatever time its event loop has.
+/// User-interface thread.
+class SimLine : public LineDriver {
+ public:
+  SimLine(std::string device_name, EventLoop& loop, SimScript script = {});
+
+  /// The caller's side. A step that makes no sense now (hanging up without a call, a second call
+  /// while one is up) does nothing, as on a real line.
+  void Offer();
+  void Ring();
+  void CallerId(const std::string& name, const std::string& number);
+  void Press(char digit);
+  void HangUp();
+  void Do(const SimStep& step);
+
+  /// The network's side: how long it takes to answer or to hang up, and whether the next answers fail.
+  void SetAnswerDelay(std::chrono::milliseconds delay) { answer_delay_ = delay; }
+  void FailAnswers(int count) { failing_answers_ = count; }
+  void FailOpen(std::int32_t result, std::string reason);
+
+  bool HasCall() const { return call_ != 0; }
+  bool IsAnswered() const { return connected_; }
+  bool IsOpen() const { return events_ != nullptr; }
+  std::uint32_t CallsOffered() const { return calls_; }
+  bool MonitorsDigits() const { return monitor_digits_; }
+  SimAudio& Sound() { return audio_; }
+
+  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
+  /// Capabilities can be changed before the line is initialised.
+  DeviceCapabilities& MutableCapabilities() { return capabilities_; }
+  std::int32_t Open(LineDriverEvents& events) override;
+  void Close() override;
+  void Answer(CallNumber call, std::int32_t request) override;
+  void Drop(CallNumber call, std::int32_t request) override;
+  void MonitorDigits(CallNumber call, bool on) override;
+  void SetGreetingPhase(CallNumber call, bool on) override;
+  AudioDevice& Audio() override { return audio_; }
+  std::string LastError() const override { return last_error_; }
+
+ private:
+  void CompleteAnswer(CallNumber call, std::int32_t request);
+  void CompleteDrop(CallNumber call, std::int32_t request);
+  void EndCall();
+  bool IsCurrent(CallNumber call) const { return call_ != 0 && call_ == call; }
+
+  EventLoop& loop_;
+  DeviceCapabilities capabilities_;
+  SimScript script_;
+  SimAudio audio_;
+  LineDriverEvents* events_ = nullptr;
+  CallNumber call_ = 0;  ///< 0: no call
+  std::uint32_t calls_ = 0;
+  std::int32_t rings_ = 0;
+  bool connected_ = false;
+  bool monitor_digits_ = false;
+  std::chrono::milliseconds answer_delay_{20};
+  int failing_answers_ = 0;
+  std::int32_t open_result_ = kTelephonyOk;
+  std::string last_error_;
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

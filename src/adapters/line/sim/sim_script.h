@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace orven {
+
+/// One thing that happens on a simulated line.
+struct SimStep {
+  enum class Kind { Offer, Ring, CallerId, Press, HangUp };
+  std::chrono::milliseconds at{0};  ///< after the line was opened
+  Kind kind = Kind::Offer;
+  std::string name;    ///< CallerId
+  std::string number;  ///< CallerId; the keys of Press
+};
+
+using SimScript = std::vector<SimStep>;
+
+/// Reads a script: one step a line, a time in seconds and what happens then. Empty lines and lines
+/// that begin with ";" or "#" count for nothing.
+///
+///     0    offer
+///     0.1  callerid 5551234 Anna Smith
+///     0.1  ring
+///     9.5  press 123456*
+///     20   hangup
+///
+/// A line that is none of these is left out and told to `complaints` as "script.sim:3: …".
+SimScript ReadSimScript(const std::string& path, std::vector<std::string>& complaints);
+
+/// The script as text that ReadSimScript reads.
+std::string WriteSimScript(const SimScript& script);
+
+}  // namespace orven

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <queue>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+
+namespace orven {
+
+/// Clock and event loop in one whose time passes only when it is told to: a simulated hour takes as
+/// long as its events do. The wall clock begins at `start`; the user's time zone is UTC, dates are
+/// month/day/year, times have 24 hours and seconds. Single-threaded: posting from other threads is
+/// not supported.
+class VirtualTime : public EventLoop, public Clock {
+ public:
+  explicit VirtualTime(WallTime start) : start_(start) {}
+
+  /// Lets `duration` pass, running all that falls due on the way, in the order of its time.
+  void RunFor(std::chrono::milliseconds duration);
+
+  /// Runs until `done` or until `limit` has passed. True when `done`.
+  bool RunUntil(const std::function<bool()>& done, std::chrono::milliseconds limit);
+
+  void Post(Task task) override { After(std::chrono::milliseconds(0), std::move(task)); }
+  void After(std::chrono::milliseconds delay, Task task) override;
+  std::unique_ptr<Timer> MakeTimer(Task tick) override;
+
+  std::chrono::milliseconds Uptime() const override { return now_; }
+  WallTime Now() const override { return start_ + now_; }
+  std::string DateText(WallTime at) const override;
+  std::string TimeText(WallTime at) const override;
+  std::chrono::year_month_day LocalDay(WallTime at) const override;
+  WallTime Midnight(std::chrono::year_month_day day) const override;
+
+ private:
+  struct Due {
+    std::chrono::milliseconds at;
+    std::uint64_t order;  ///< of two tasks due at one time the one asked for first runs first
+    Task task;
+    bool operator<(const Due& other) const {
+      return at != other.at ? at > other.at : order > other.order;
+    }
+  };
+
+  void RunNext();
+
+  WallTime start_;
+  std::chrono::milliseconds now_{0};
+  std::uint64_t order_ = 0;
+  std::priority_queue<Due> due_;
+};
+
+}  // namespace orven

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/memory_database.h"
+
+#include <algorithm>
+
+#include "platform/runtime_error.h"
+#include "records/call_fields.h"
+
+namespace orven::test {
+
+std::int32_t MemoryDatabase::FieldIndex(std::string_view field) const {
+  const auto* found = std::find(kCallFields.begin(), kCallFields.end(), field);
+  if (found == kCallFields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+  return static_cast<std::int32_t>(found - kCallFields.begin());
+}
+
+std::string MemoryDatabase::Field(std::size_t record, std::string_view field) const {
+  return records_.at(record).at(static_cast<std::size_t>(FieldIndex(field)));
+}
+
+void MemoryDatabase::Add(const std::map<std::string, std::string>& fields) {
+  Record record(kCallFields.size());
+  for (const auto& [field, value] : fields) record.at(static_cast<std::size_t>(FieldIndex(field))) = value;
+  records_.push_back(std::move(record));
+}
+
+std::string MemoryDatabase::Open(const std::string& path) {
+  opened_path = path;
+  return open_note;
+}
+
+RecordTable MemoryDatabase::Query(std::string_view query) {
+  if (query != kGetAll) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  return {records_};
+}
+
+void MemoryDatabase::MoveTo(std::int32_t number) {
+  if (number < 1 || number > RecordCount()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+  current_ = number;
+  edited_.reset();
+}
+
+void MemoryDatabase::AddNew() {
+  edited_ = Record(kCallFields.size());
+  adding_ = true;
+}
+
+void MemoryDatabase::Edit() {
+  if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  edited_ = records_.at(static_cast<std::size_t>(current_) - 1);
+  adding_ = false;
+}
+
+void MemoryDatabase::SetField(std::string_view field, std::string_view value) {
+  if (!edited_) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  edited_->at(static_cast<std::size_t>(FieldIndex(field))) = value;
+}
+
+std::string MemoryDatabase::GetField(std::string_view field) {
+  const auto column = static_cast<std::size_t>(FieldIndex(field));
+  if (edited_) return edited_->at(column);
+  if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  return records_.at(static_cast<std::size_t>(current_) - 1).at(column);
+}
+
+void MemoryDatabase::Update() {
+  if (!edited_) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  before_write();
+  ++writes;
+  if (adding_) {
+    records_.push_back(*edited_);
+    current_ = RecordCount();
+  } else {
+    records_.at(static_cast<std::size_t>(current_) - 1) = *edited_;
+  }
+  edited_.reset();
+}
+
+void MemoryDatabase::Delete() {
+  if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  before_write();
+  records_.erase(records_.begin() + current_ - 1);
+  current_ = 0;
+}
+
+void MemoryDatabase::DeleteAll() {
+  before_write();
+  records_.clear();
+  current_ = 0;
+}
+
+}  // namespace orven::test

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/database.h"
+
+namespace orven::test {
+
+/// Call records in memory.
+class MemoryDatabase : public DatabaseControl {
+ public:
+  using Record = std::vector<std::string>;
+
+  /// Called before each operation that changes records; throws what the operation shall throw.
+  std::function<void()> before_write = [] {};
+  std::string open_note;
+  std::string opened_path;
+  int writes = 0;
+
+  std::vector<Record>& Records() { return records_; }
+  /// A field of a record, both as the program names them.
+  std::string Field(std::size_t record, std::string_view field) const;
+  /// Adds a record; fields that are not given are empty.
+  void Add(const std::map<std::string, std::string>& fields);
+
+  std::string Open(const std::string& path) override;
+  RecordTable Query(std::string_view query) override;
+  std::int32_t RecordCount() override { return static_cast<std::int32_t>(records_.size()); }
+  std::int32_t FieldIndex(std::string_view field) const override;
+  void MoveTo(std::int32_t number) override;
+  void MoveFirst() override { MoveTo(1); }
+  void MoveNext() override { MoveTo(current_ + 1); }
+  void AddNew() override;
+  void Edit() override;
+  void SetField(std::string_view field, std::string_view value) override;
+  void SetField(std::string_view field, std::int32_t value) override { SetField(field, std::to_string(value)); }
+  std::string GetField(std::string_view field) override;
+  void Update() override;
+  void Delete() override;
+  void DeleteAll() override;
+
+ private:
+  std::vector<Record> records_;
+  std::int32_t current_ = 0;
+  std::optional<Record> edited_;
+  bool adding_ = false;
+};
+
+}  // namespace orven::test

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+
+namespace orven::test {
+
+/// A disk in memory. Folders exist unless they are named in `missing_folders`.
+class MemoryFiles : public Files {
+ public:
+  explicit MemoryFiles(const Clock& clock) : clock_(clock) {}
+
+  struct File {
+    std::string content;
+    Clock::WallTime modified;
+  };
+
+  /// Called before each operation that changes something; throws what the operation shall throw.
+  std::function<void(const std::string& path)> before_write = [](const std::string&) {};
+
+  void Put(const std::string& path, std::string content) { files_[path] = {std::move(content), clock_.Now()}; }
+  void PutAt(const std::string& path, Clock::WallTime modified) { files_[path] = {"", modified}; }
+  std::string Content(const std::string& path) const;
+  std::vector<std::string> Names(const std::string& folder) const { return List(folder, "*"); }
+
+  bool Exists(const std::string& path) const override { return files_.contains(path); }
+  void Append(const std::string& path, std::string_view text) override;
+  std::string Read(const std::string& path) const override { return At(path).content; }
+  std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override;
+  std::chrono::system_clock::time_point LastModified(const std::string& path) const override {
+    return At(path).modified;
+  }
+  void Delete(const std::string& path) override;
+  void Copy(const std::string& from, const std::string& to) override;
+  void Rename(const std::string& from, const std::string& to) override;
+  void MakeFolder(const std::string& /*path*/) override {}
+
+ private:
+  const File& At(const std::string& path) const;
+
+  const Clock& clock_;
+  std::map<std::string, File> files_;
+};
+
+}  // namespace orven::test

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/timed_wave.h"
+
+#include "platform/runtime_error.h"
+
+namespace orven::test {
+namespace {
+
+constexpr std::string_view kMark = "sound ";
+
+}  // namespace
+
+std::string TimedWave::Sound(std::chrono::milliseconds length) {
+  return std::string(kMark) + std::to_string(length.count());
+}
+
+std::optional<std::chrono::milliseconds> TimedWave::LengthOf(const std::string& path) const {
+  const auto content = files_.Content(path);
+  if (!content.starts_with(kMark)) return std::nullopt;
+  return std::chrono::milliseconds(std::stoll(content.substr(kMark.size())));
+}
+
+double TimedWave::FileLength(const std::string& path) const {
+  const auto length = LengthOf(path);
+  return length ? static_cast<double>(length->count()) / 1000 : -1;
+}
+
+std::int32_t TimedWave::QueryRecordFormat(std::int32_t /*device*/, std::int32_t /*mode*/,
+                                          const WaveFormat& /*format*/) {
+  return query_result;
+}
+
+std::int32_t TimedWave::StartRecord(std::int32_t /*device*/, const WaveFormat& format) {
+  if (IsRecording()) return kWaveBusy;
+  if (start_result != kWaveOk) return start_result;
+  recorded.push_back(format);
+  recording_since_ = time_.Uptime();
+  return kWaveOk;
+}
+
+std::int32_t TimedWave::StopRecordToFile(const std::string& path) {
+  if (!IsRecording()) return kWaveNotRecording;
+  last_recorded_path = path;
+  last_recorded_length = time_.Uptime() - *recording_since_;
+  recording_since_.reset();
+  if (stop_result != kWaveOk) return stop_result;
+  try {
+    files_.before_write(path);
+  } catch (const RuntimeError&) {
+    return kWaveDiskFull;
+  }
+  files_.Put(path, Sound(last_recorded_length));
+  return kWaveOk;
+}
+
+std::int32_t TimedWave::StartMonitor(std::int32_t device, const WaveFormat& /*format*/) {
+  monitored.push_back(device);
+  return monitor_result;
+}
+
+std::int32_t TimedWave::PlayFile(const std::string& path, std::int32_t device) {
+  if (playing_) return kWaveBusy;
+  if (play_result != kWaveOk) return play_result;
+  const auto length = LengthOf(path);
+  if (!length) return kWaveFileNotFound;
+  played.push_back({path, device});
+  playing_ = true;
+  time_.After(*length, [this, play = ++play_] {
+    if (play != play_ || !playing_) return;
+    playing_ = false;
+    if (events_ != nullptr) events_->PlayFinished();
+  });
+  return kWaveOk;
+}
+
+void TimedWave::StopPlay() {
+  playing_ = false;
+  ++play_;
+}
+
+}  // namespace orven::test

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/line/sim/virtual_time.h"
+#include "platform/wave.h"
+#include "support/memory_files.h"
+
+namespace orven::test {
+
+/// A wave control without samples: a sound file is a length, playing takes that long on virtual time,
+/// and a recording is as long as it ran. It records what it was asked to do.
+class TimedWave : public WaveControl {
+ public:
+  TimedWave(VirtualTime& time, MemoryFiles& files) : time_(time), files_(files) {}
+
+  /// Content of a sound file of this length.
+  static std::string Sound(std::chrono::milliseconds length);
+
+  // What goes wrong from now on: results that the operations give.
+  std::int32_t play_result = kWaveOk;
+  std::int32_t query_result = kWaveOk;
+  std::int32_t start_result = kWaveOk;
+  std::int32_t stop_result = kWaveOk;
+  std::int32_t monitor_result = kWaveOk;
+
+  /// How loud the line is now, in thousandths.
+  std::function<std::int32_t()> level = [] { return 0; };
+
+  struct Played {
+    std::string path;
+    std::int32_t device;
+    bool operator==(const Played&) const = default;
+  };
+  std::vector<Played> played;           ///< every file that was started
+  std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
+  std::vector<std::int32_t> monitored;  ///< the device of every live play
+  std::string last_recorded_path;
+  std::chrono::milliseconds last_recorded_length{0};
+  bool to_disk = false;
+  std::string record_folder;
+
+  void SetEvents(WaveEvents* events) override { events_ = events; }
+  void SetRecordToDisk(bool on) override { to_disk = on; }
+  void SetRecordFolder(const std::string& folder) override { record_folder = folder; }
+  std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
+  std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
+  std::int32_t StopRecordToFile(const std::string& path) override;
+  bool IsRecording() const override { return recording_since_.has_value(); }
+  std::int32_t InputLevel() const override { return IsRecording() ? level() : 0; }
+  std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
+  std::int32_t StopMonitor() override { return kWaveOk; }
+  std::string RecordErrorText(std::int32_t code) const override { return Text(code); }
+  std::int32_t PlayFile(const std::string& path, std::int32_t device) override;
+  std::string PlayErrorText(std::int32_t code) const override { return Text(code); }
+  bool IsPlaying() const override { return playing_; }
+  void StopPlay() override;
+  std::chrono::milliseconds Position() const override { return {}; }
+  double FileLength(const std::string& path) const override;
+
+ private:
+  static std::string Text(std::int32_t code) { return code == kWaveOk ? "OK" : "wave error " + std::to_string(code); }
+  std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
+
+  VirtualTime& time_;
+  MemoryFiles& files_;
+  WaveEvents* events_ = nullptr;
+  std::optional<std::chrono::milliseconds> recording_since_;
+  bool playing_ = false;
+  std::uint64_t play_ = 0;  ///< tells a finished play from a later one
+};
+
+}  // namespace orven::test

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/world.h"
+
+#include <algorithm>
+
+#include "records/call_fields.h"
+
+namespace orven::test {
+namespace {
+
+using std::chrono_literals::operator""h;
+using std::chrono_literals::operator""min;
+
+constexpr Clock::WallTime kBegin =
+    std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
+
+constexpr std::pair<const char*, const char*> kWorkingSettings[] = {
+    {"MeTop", "100"}, {"MeLeft", "200"}, {"MeWinState", "0"}, {"MeWidth", "9000"}, {"MeHeight", "6000"},
+    {"Modem", "-1"}, {"ModemName", ""}, {"MassagesPath", "/home/orven/Messages/"}, {"SecSilence", "3"},
+    {"cDropSilence", "1"}, {"ValSilence", "20"}, {"RecordMessage", "1"}, {"NumOfRing", "2"}, {"MaxRec", "1"},
+    {"Pass", "4711"}, {"WornDelete", "1"}, {"WornClear", "1"}, {"ListMessageOnly", "0"}, {"Sound", "0"},
+    {"Greeting", "Hello"}, {"AllowRemoteAccess", "1"}, {"CompressMessages", "0"}, {"pQuickToolbar", "1"},
+    {"PreScreen", "0"}, {"pMailTo", "0"}, {"MailTo", ""}, {"SMTPServer", ""}, {"MailFrom", ""},
+    {"ActionsMailAllCalls", "0"}, {"pAppTo", "0"}, {"AppTo", ""}, {"pAppToBG", "0"},
+    {"ActionsAppAllCalls", "0"}, {"PlayInRing", "ring.wav"}, {"cPlayInRing", "0"}, {"cOnlyIfGotMessage", "0"},
+    {"PlayInIdle", "idle.wav"}, {"cPlayInIdle", "0"}, {"WhenMsgViewMsg", "0"}, {"ViewDetails", "0"},
+    {"cAnimation", "0"}, {"AnimationFast", "0"}, {"cCloseCallerView", "0"}, {"CloseCallerView", "10"},
+    {"cLogCalls", "1"}, {"cLogSys", "1"}, {"LogFor", ""}, {"cWornBeforeDelete", "1"}};
+
+}  // namespace
+
+World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, files) {
+  shared.application_folder = kHome;
+  for (const auto& [name, text] : kWorkingSettings) registry.Set(name, text);
+  files.Put(std::string(kHome) + "/Greets/Hello.wav", TimedWave::Sound(2s));
+  files.Put(std::string(kHome) + "/beep.wav", TimedWave::Sound(400ms));
+  Wave1.level = [this] { return loud; };
+  auto driver = std::make_unique<SimLine>("Sim", time);
+  line = driver.get();
+  std::vector<std::unique_ptr<LineDriver>> drivers;
+  drivers.push_back(std::move(driver));
+  Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
+  window = std::make_unique<MainWindow>(
+      EnginePorts{time, time, files, registry, dialogs, database, *Tapi1, Wave1, WavePlay}, views.All(), shared,
+      system, [this] { ended = true; });
+}
+
+World& World::Start() {
+  window->Show();
+  return *this;
+}
+
+std::vector<std::string> World::LogLines(const std::string& suffix) const {
+  constexpr std::size_t kTime = 11;  // "14:05:07 : "
+  std::vector<std::string> lines;
+  const auto folder = std::string(kHome) + "/Log/";
+  for (const auto& name : files.List(folder, "*" + suffix)) {
+    const auto content = files.Content(folder + name);
+    for (std::size_t begin = 0; begin < content.size();) {
+      const auto end = content.find("\r\n", begin);
+      lines.push_back(content.substr(begin + kTime, end - begin - kTime));
+      begin = end + 2;
+    }
+  }
+  return lines;
+}
+
+bool World::Logged(const std::string& text) const {
+  const auto lines = SystemLog();
+  return std::find(lines.begin(), lines.end(), text) != lines.end();
+}
+
+void World::CallAndWaitForAnswer() {
+  line->Offer();
+  while (!line->IsAnswered() && line->HasCall()) {
+    line->Ring();
+    time.RunFor(1s);
+  }
+}
+
+void World::CallAndWaitForRecording() {
+  CallAndWaitForAnswer();
+  time.RunUntil([this] { return Wave1.IsRecording(); }, 60s);
+}
+
+void World::Press(const std::string& digits) {
+  for (const char digit : digits) {
+    line->Press(digit);
+    time.RunFor(1ms);
+  }
+}
+
+void World::HangUp() {
+  line->HangUp();
+  time.RunFor(100ms);
+}
+
+void World::AddMessage(const std::string& name, std::chrono::milliseconds length) {
+  files.Put(messages + name, TimedWave::Sound(length));
+  database.Add({{kCallMassageName, name}, {kType, "1"}, {kRead, "0"}, {kCallName, "Anna"}});
+}
+
+void World::AddCallWithoutMessage() {
+  database.Add({{kCallMassageName, "none.wav"}, {kType, "-1"}, {kRead, "0"}, {kCallName, "Ben"}});
+}
+
+}  // namespace orven::test

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/line/service/line_service.h"
+#include "adapters/line/sim/sim_line.h"
+#include "adapters/line/sim/virtual_time.h"
+#include "shell/main_window.h"
+#include "support/memory_database.h"
+#include "support/memory_files.h"
+#include "support/memory_registry.h"
+#include "support/recording_views.h"
+#include "support/timed_wave.h"
+
+namespace orven::test {
+
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+
+/// A whole answering machine on virtual time with one simulated line, "Sim", whose settings are those
+/// of a working installation: 2 rings, recording on, silence detection on, password 4711. It begins
+/// on 31 December 2003 at 14:05:07.
+class World {
+ public:
+  World();
+
+  /// Starts the program; settings are changed before.
+  World& Start();
+
+  /// The log without its times.
+  std::vector<std::string> SystemLog() const { return LogLines("_Sys.txt"); }
+  std::vector<std::string> CallsLog() const { return LogLines("_Calls.txt"); }
+  bool Logged(const std::string& text) const;
+  /// Log lines that were written by `action`.
+  template <class Action>
+  std::vector<std::string> LoggedBy(Action action) {
+    const auto before = SystemLog().size();
+    action();
+    auto lines = SystemLog();
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
+    return lines;
+  }
+
+  /// A call is offered and rings until the machine has answered it.
+  void CallAndWaitForAnswer();
+  /// The same, until the machine records.
+  void CallAndWaitForRecording();
+  void Press(const std::string& digits);
+  void Talk() { loud = 1000; }
+  void FallSilent() { loud = 0; }
+  void HangUp();
+  void RunFor(std::chrono::milliseconds duration) { time.RunFor(duration); }
+  void AddMessage(const std::string& name, std::chrono::milliseconds length);
+  void AddCallWithoutMessage();
+
+  AnsweringMachine& Machine() { return window->Machine(); }
+  const Call& CurrentCall() { return Machine().call; }
+
+  static constexpr const char* kHome = "/home/orven";
+  const std::string messages = std::string(kHome) + "/Messages/";
+
+  VirtualTime time;
+  MemoryFiles files;
+  MemoryRegistry registry;
+  MemoryDatabase database;
+  ScriptedDialogs dialogs;
+  ScriptedSystem system;
+  RecordingViews views;
+  TimedWave Wave1, WavePlay;
+  SimLine* line = nullptr;
+  std::unique_ptr<LineService> Tapi1;
+  SharedOptions shared;
+  std::int32_t loud = 0;
+  bool ended = false;
+  std::unique_ptr<MainWindow> window;
+
+ private:
+  std::vector<std::string> LogLines(const std::string& suffix) const;
+};
+
+}  // namespace orven::test

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gmock/gmock.h>
+
+#include "platform/runtime_error.h"
+#include "records/call_fields.h"
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class CallStoreTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    world.AddMessage("old.wav", 1s);
+    world.AddCallWithoutMessage();
+    world.AddMessage("new.wav", 1s);
+    world.Start();
+  }
+  CallStore& Store() { return world.Machine().calls; }
+  std::vector<CallIcon> Icons() {
+    std::vector<CallIcon> icons;
+    for (const auto& row : world.views.rows) icons.push_back(row.icon);
+    return icons;
+  }
+
+  World world;
+};
+
+TEST_F(CallStoreTest, ShowsTheNewestCallFirst) {
+  ASSERT_EQ(world.views.rows.size(), 3U);
+  EXPECT_EQ(world.views.rows[0].key, "new.wav");
+  EXPECT_EQ(world.views.rows[0].length, "1");
+  EXPECT_EQ(world.views.rows[1].key, "") << "a prepared name is no key";
+  EXPECT_EQ(world.views.rows[1].length, "");
+  EXPECT_EQ(world.views.rows[2].name, "Anna");
+  EXPECT_THAT(Icons(), ElementsAre(kUnreadMessage, kUnreadNoMessage, kUnreadMessage));
+  EXPECT_EQ(world.views.total, 3);
+  EXPECT_EQ(world.views.new_calls, 3);
+  EXPECT_EQ(world.database.opened_path, "/home/orven/Calls");
+}
+
+TEST_F(CallStoreTest, MarksReadAndUnreadOnce) {
+  Store().MarkAsReadUnRead(1, true);
+  Store().MarkAsReadUnRead(2, true);
+  EXPECT_THAT(Icons(), ElementsAre(kReadMessage, kReadNoMessage, kUnreadMessage));
+  EXPECT_EQ(world.database.Field(2, kRead), "1");
+  EXPECT_EQ(world.database.Field(2, kCallMassageName), "new.wav");
+  EXPECT_EQ(world.views.new_calls, 1);
+  const int writes = world.database.writes;
+  Store().MarkAsReadUnRead(1, true);
+  EXPECT_EQ(world.database.writes, writes) << "already read";
+  Store().MarkAsReadUnRead(2, false);
+  EXPECT_EQ(Icons()[1], kUnreadMessage) << "until the next rebuild";
+  EXPECT_EQ(world.views.new_calls, 2);
+  world.Machine().ListView1.makeList();
+  EXPECT_EQ(Icons()[1], kUnreadNoMessage);
+}
+
+TEST_F(CallStoreTest, DeletingTakesTheMessageFileAlong) {
+  world.views.held_file = world.messages + "new.wav";
+  Store().DeleteItemIndex(1);
+  EXPECT_EQ(world.views.stops, 1) << "the player held it";
+  EXPECT_THAT(world.files.Names(world.messages), ElementsAre("old.wav"));
+  EXPECT_EQ(world.database.Records().size(), 2U);
+  world.Machine().ListView1.makeList();
+  Store().DeleteItemIndex(1);  // without a message
+  EXPECT_THAT(world.files.Names(world.messages), ElementsAre("old.wav"));
+
+  world.Machine().ListView1.makeList();
+  world.files.Delete(world.messages + "old.wav");
+  Store().DeleteItemIndex(1);
+  EXPECT_THAT(world.database.Records(), IsEmpty()) << "the record goes although the file is missing";
+  EXPECT_THAT(world.SystemLog(), Contains("ErrDeleteItemIndex 53 File not found"));
+}
+
+TEST_F(CallStoreTest, ARecordThatCannotBeDeletedKeepsItsMessage) {
+  world.database.before_write = [] { throw RuntimeError(ErrorNumber::DiskFull); };
+  Store().DeleteItemIndex(1);
+  EXPECT_TRUE(world.files.Exists(world.messages + "new.wav"));
+  EXPECT_TRUE(world.Logged("ErrDeleteItemIndex 61 Disk full"));
+}
+
+TEST_F(CallStoreTest, ClearKeepsTheFiles) {
+  world.views.playing = true;
+  Store().ClearAll();
+  EXPECT_FALSE(world.views.playing);
+  EXPECT_THAT(world.views.rows, IsEmpty());
+  EXPECT_EQ(world.views.total, 0);
+  EXPECT_EQ(world.views.new_calls, 0);
+  EXPECT_EQ(world.files.Names(world.messages).size(), 2U);
+}
+
+TEST_F(CallStoreTest, SavesACopyWhereTheUserWantsIt) {
+  world.dialogs.save_as = "/home/me/copy.wav";
+  Store().SaveFile(world.messages + "new.wav");
+  EXPECT_EQ(world.dialogs.save_title, "Save");
+  EXPECT_EQ(world.dialogs.save_name, "new.wav");
+  EXPECT_EQ(world.dialogs.save_filter, std::string("wav (*.wav)\0*.wav\0", 18));
+  EXPECT_EQ(world.files.Content("/home/me/copy.wav"), TimedWave::Sound(1s));
+  EXPECT_TRUE(world.files.Exists(world.messages + "new.wav"));
+  world.dialogs.save_as.reset();
+  EXPECT_THAT(world.LoggedBy([&] { Store().SaveFile(world.messages + "old.wav"); }), IsEmpty());
+}
+
+TEST_F(CallStoreTest, RelocatesMessagesOneMissingFileAside) {
+  world.files.Delete(world.messages + "old.wav");
+  Store().RelocateMessages("/mnt/new/");
+  EXPECT_THAT(world.files.Names("/mnt/new/"), ElementsAre("new.wav"));
+  EXPECT_EQ(world.shared.messages_path, "/mnt/new/");
+}
+
+TEST_F(CallStoreTest, AFullDiskIsSaidAndTheCallsLogStillHasTheCall) {
+  world.database.before_write = [] { throw RuntimeError(ErrorNumber::DiskFull); };
+  world.line->Offer();
+  world.line->CallerId("Anna", "1");
+  world.RunFor(10ms);
+  world.HangUp();
+  EXPECT_THAT(world.SystemLog(), Contains(HasSubstr("ErrPutCallDetailsInDB 61 Disk full")));
+  EXPECT_EQ(world.CallsLog().back(), "Ring: [Anna:1]");
+}
+
+}  // namespace
+}  // namespace orven::test

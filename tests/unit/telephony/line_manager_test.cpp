@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gmock/gmock.h>
+
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kSelectDevice = "Select Modem Device From Options/Devices [Modem Device]";
+
+TEST(LineManager, TakesTheFirstUsableDeviceWhenNoneWasChosen) {
+  World world;
+  world.Start();
+  EXPECT_TRUE(world.Logged("SelectDevice->LineIndex: 0  Device Name: Sim"));
+  EXPECT_TRUE(world.Logged("LineOpen[LineIndex:0 Device Name:Sim]->Success"));
+  EXPECT_EQ(world.registry.Text("Modem"), "0");
+  EXPECT_EQ(world.registry.Text("ModemName"), "Sim");
+  EXPECT_TRUE(world.views.line_on);
+  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
+  EXPECT_TRUE(world.views.Had("sound:/home/orven/beep.wav"));
+  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOn(); }), IsEmpty()) << "the line is open already";
+}
+
+TEST(LineManager, ADeviceThatCannotHearDigitsIsNotUsable) {
+  World world;
+  world.line->MutableCapabilities().monitor_digits = false;
+  world.Start();
+  EXPECT_EQ(world.registry.Text("Modem"), "-2");
+  EXPECT_EQ(world.registry.Text("ModemName"), "");
+  EXPECT_TRUE(world.Logged("SelectDevice->LineIndex: -2  Device Name: "));
+  EXPECT_THAT(world.dialogs.informations, IsEmpty());
+  EXPECT_FALSE(world.views.line_on);
+  EXPECT_FALSE(world.views.Had("sound:/home/orven/beep.wav"));
+}
+
+TEST(LineManager, AStoredNameThatNoDeviceHasAnymore) {
+  World world;
+  world.registry.Set("Modem", "3");
+  world.registry.Set("ModemName", "Gone");
+  world.Start();
+  EXPECT_THAT(world.dialogs.informations, ElementsAre(kSelectDevice));
+  EXPECT_EQ(world.registry.Text("Modem"), "-1");
+  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
+}
+
+TEST(LineManager, AFailedOpenIsLoggedWithItsReason) {
+  World world;
+  world.line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
+  world.Start();
+  EXPECT_TRUE(world.Logged(
+      "Error LineOpen[LineIndex:0 Device Name:Sim]->The line is in use by another program. Port 5060 is taken."));
+  EXPECT_FALSE(world.views.line_on);
+  EXPECT_FALSE(world.Machine().line.LineOn());
+}
+
+TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {
+  World world;
+  world.Start();
+  world.Machine().settings.Modem = 7;
+  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
+  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
+  EXPECT_EQ(world.views.Status(), "Off Mode");
+  EXPECT_FALSE(world.views.line_on);
+}
+
+}  // namespace
+}  // namespace orven::test
