@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Shows the answering machine at work, and ends with 0 only when all of it worked.
+
+    demo.py PROGRAM
+
+An independent telephone calls ORVEN, waits for the beep, speaks and hangs up; then the owner calls,
+keys the password and "*" and hears that message. Everything runs on 127.0.0.1 in a folder of its
+own, which is kept when something fails.
+"""
+
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+import machine
+import snr
+import sound
+import telephone
+from processes import Failed, wait_for
+
+CALLER_NAME, CALLER_NUMBER = "Anna Garden", "5557777"
+MESSAGE = "Hello, this is Anna. The garden gate is open again. Please call me back when you are home."
+REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
+LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
+ANSWER_LIMIT = 30.0  # seconds: four rings, two seconds apart, and a slow machine
+STEPS_OF_A_CALL = (
+    ["InCommingCall[LineIndex:0]"]
+    + [f"Ring[LineIndex:0]->{count}" for count in (1, 2, 3, 4)]
+    + ["LineAnswer[LineIndex:0]->Proc Num: ", "Connected[LineIndex:0]", "Play Beep ", "Start Record Message["]
+    + ["Disconnected[LineIndex:0]", "Record Message ", "Idle[LineIndex:0]"]
+)
+
+_began = time.monotonic()
+
+
+def step(text):
+    print(f"[{time.monotonic() - _began:5.1f} s] {text}", flush=True)
+
+
+def show_log_line(log, line):
+    print(f"            {log:>5} | {line}", flush=True)
+
+
+def check(holds, text):
+    if not holds:
+        raise Failed(text)
+
+
+def check_order(lines, steps):
+    """Every step is in the log, each after the one before it."""
+    remaining = iter(lines)
+    for text in steps:
+        check(any(text in line for line in remaining), f'The system log lacks "{text}" at its place in the call')
+
+
+def call(phone, answering_machine):
+    phone.dial(f"sip:machine@127.0.0.1:{answering_machine.port}")
+    phone.wait_event("CALL_ESTABLISHED", ANSWER_LIMIT)
+
+
+def leave_message(answering_machine, folder, spoken):
+    """The first call. Returns what the call has added to the system log."""
+    first_line = len(answering_machine.system_log)
+    with telephone.Telephone(
+        os.path.join(folder, "caller"), CALLER_NAME, CALLER_NUMBER, meanwhile=answering_machine.look
+    ) as caller:
+        step(f"{CALLER_NAME} calls sip:machine@127.0.0.1:{answering_machine.port}")
+        call(caller, answering_machine)
+        step("The machine has answered; she hears the greeting and waits for the beep")
+        caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()) is not None, 30)
+        step(f'She heard the beep and says: "{MESSAGE}"')
+        caller.say(sound.silence(REACTION_SECONDS) + spoken, 60)
+        caller.hang_up()
+        step("She has hung up")
+        answering_machine.wait_for_line("Idle[LineIndex:0]", 10, first_line)
+    return answering_machine.system_log[first_line:]
+
+
+def check_record(answering_machine):
+    """The filed call. Returns the path of its message."""
+    records = wait_for("The call record", answering_machine.records, 10, answering_machine.look)
+    step("The call record, as sqlite3 reads it:")
+    for field, value in records[-1].items():
+        print(f"            {field:>17} = {value}", flush=True)
+    check(len(records) == 1, f"There are {len(records)} call records after one call")
+    record = records[0]
+    caller = (record["Call_Name"], record["Call_Number"])
+    check(caller == (CALLER_NAME, CALLER_NUMBER), f"The record names another caller: {caller}")
+    check(record["Type"] != "-1", "The record says that no message was recorded")
+    check(record["Read"] == "0", f'The new record\'s "Read" is {record["Read"]!r}')
+    path = os.path.join(answering_machine.home, "Messages", record["Call_Massage_Name"])
+    check(os.path.isfile(path), f"The message file is not there: {path}")
+    return path
+
+
+def check_message(path, spoken):
+    length = float(subprocess.run(["soxi", "-D", path], check=True, stdout=subprocess.PIPE, text=True).stdout)
+    step(f"The message file Messages/{os.path.basename(path)} holds {length:.2f} s")
+    check(length >= len(spoken) / sound.RATE, f"The message is shorter than the {len(spoken) / sound.RATE:.2f} s spoken")
+    recorded = sound.read(path)
+    check_quality("spoken, recorded", spoken, recorded)
+    return recorded
+
+
+def check_quality(what, reference, recording):
+    ratio, _ = snr.snr(reference, recording)
+    text = "identical" if ratio == snr.IDENTICAL else f"{ratio:.1f} dB"
+    step(f"Signal to noise between {what}: {text}")
+    check(ratio >= LOWEST_SNR, f"The ratio between {what} is {ratio:.1f} dB; at least {LOWEST_SNR:g} dB is due")
+
+
+def listen_remotely(answering_machine, folder, password, message_seconds):
+    """The owner's call. Returns what he heard."""
+    first_line = len(answering_machine.system_log)
+    with telephone.Telephone(
+        os.path.join(folder, "owner"), "Owner", "5551111", meanwhile=answering_machine.look
+    ) as owner:
+        step("The owner calls his machine")
+        call(owner, answering_machine)
+        owner.wait_until("The greeting", lambda: sound.peak(owner.heard()) > 0.05, 10)
+        step(f"He hears the greeting and keys {password} and *")
+        for digit in password + "*":
+            before = len(answering_machine.system_log)
+            owner.press(digit)
+            answering_machine.wait_for_line(f"MonitorDigit[LineIndex:0]->{digit}", 5, before)
+        answering_machine.wait_for_line("Remote Control [LineIndex:0]", 5, first_line)
+        step("The machine plays the message to him and hangs up after it")
+        owner.wait_event("CALL_CLOSED", message_seconds + 20)
+        answering_machine.wait_for_line("Idle[LineIndex:0]", 10, first_line)
+        return owner.heard()
+
+
+def demonstrate(answering_machine, folder):
+    step(f"ORVEN starts in the empty folder {answering_machine.home}")
+    password = answering_machine.password()
+    step(f"Its first start has made the password {password}")
+    answering_machine.wait_for_line("LineOpen[", 20)
+    check("[LineIndex:0 Device Name:Demo]->" in "".join(answering_machine.system_log), "The line is not \"Demo\"")
+
+    spoken = sound.speech(MESSAGE, "en-gb+f2")
+    check_order(leave_message(answering_machine, folder, spoken), STEPS_OF_A_CALL)
+    message = check_record(answering_machine)
+    recorded = check_message(message, spoken)
+
+    heard = listen_remotely(answering_machine, folder, password, len(recorded) / sound.RATE)
+    check_quality("recorded, heard by the owner", recorded, heard)
+    check_quality("spoken, heard by the owner", spoken, heard)
+    check(len(answering_machine.records()) == 1, "The owner's own call was filed as a call")
+
+    step("The program is asked to end (SIGTERM)")
+    answering_machine.exit()
+    for name, lines in (("system", answering_machine.system_log), ("calls", answering_machine.calls_log)):
+        check(any("Unload ORVEN" in line for line in lines), f'The {name} log lacks "Unload ORVEN"')
+    expected = f"Ring:4 [{CALLER_NAME}:{CALLER_NUMBER}]"
+    check(any(expected in line for line in answering_machine.calls_log), f'The calls log lacks "{expected}"')
+    step("All of it worked")
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    # An ordinary exit, so that everything started here is stopped.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    folder = tempfile.mkdtemp(prefix="orven-demo-")
+    log = []
+    try:
+        with machine.Machine(sys.argv[1], folder, show_log_line) as answering_machine:
+            log = answering_machine.system_log
+            demonstrate(answering_machine, folder)
+    except (Failed, OSError, subprocess.CalledProcessError) as failure:
+        print(f"\nFAILED: {failure}.", file=sys.stderr)
+        if log:
+            print("The last lines of the system log:", *log[-15:], sep="\n    ", file=sys.stderr)
+        print(f"Everything is kept in {folder}", file=sys.stderr)
+        return 1
+    except BaseException:
+        print(f"Everything is kept in {folder}", file=sys.stderr)
+        raise
+    shutil.rmtree(folder)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,98 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The answering machine under demonstration: its process, its folder, its logs and its records."""
+
+import glob
+import json
+import os
+import re
+import subprocess
+
+import processes
+
+
+class Machine:
+    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1 and no
+    display. Use it in a with statement. Every new log line is given to `show` as it appears."""
+
+    def __init__(self, program, folder, show):
+        self.home = os.path.join(folder, "home")
+        self.port = processes.free_port()
+        self.system_log, self.calls_log = [], []
+        self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
+        os.makedirs(self.home)
+        with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
+            file.write(f"[Demo]\ntype = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 2\n")
+        environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        environment["ORVEN_HOME"] = self.home
+        self._process = processes.start([os.path.abspath(program)], self._output, env=environment, cwd=folder)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        processes.stop(self._process, 5)
+
+    def look(self):
+        """Takes in what the logs have gained; raises when the program has ended."""
+        self._read_logs()
+        if self._process.poll() is not None:
+            self._read_logs()
+            raise processes.Failed(
+                f"The program ended by itself with code {self._process.returncode}; it printed: {self.output().strip()}"
+            )
+
+    def output(self):
+        with open(self._output, encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+    def password(self):
+        """The six-digit password that the first start prints."""
+        found = processes.wait_for(
+            "The password on standard output", lambda: re.search(r"\b\d{6}\b", self.output()), 20, self.look
+        )
+        return found[0]
+
+    def wait_for_line(self, text, limit, since=0):
+        """Waits until a line of the system log, from number `since` on, contains `text`."""
+
+        def find():
+            return any(text in line for line in self.system_log[since:])
+
+        self._read_logs()
+        processes.wait_for(f'The line "{text}" in the system log', find, limit, self.look)
+
+    def records(self):
+        """The call records, by the independent tool."""
+        path = os.path.join(self.home, "Calls")
+        if not os.path.exists(path):
+            return []
+        command = ["sqlite3", "-cmd", ".timeout 5000", "-json", path, "select * from Calls order by rowid"]
+        result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
+        if result.returncode:
+            raise processes.Failed(f"sqlite3 cannot read the call records: {result.stderr.strip()}")
+        return json.loads(result.stdout or "[]")
+
+    def exit(self):
+        """Ends the program by SIGTERM and takes in its last log lines."""
+        code = processes.stop(self._process, 10)
+        self._read_logs()
+        if code is None:
+            raise processes.Failed("The program did not end within 10 seconds of SIGTERM")
+        if code != 0:
+            raise processes.Failed(f"The program ended with code {code} after SIGTERM")
+
+    def _read_logs(self):
+        for suffix, lines in (("_Sys.txt", self.system_log), ("_Calls.txt", self.calls_log)):
+            for path in sorted(glob.glob(os.path.join(self.home, "Log", "*" + suffix)), key=os.path.getmtime):
+                for line in self._new_lines(path):
+                    lines.append(line)
+                    self._show(suffix[1:-4], line)
+
+    def _new_lines(self, path):
+        start = self._read_so_far.get(path, 0)
+        with open(path, "rb") as file:
+            file.seek(start)
+            data = file.read()
+        whole = data.rfind(b"\n") + 1
+        self._read_so_far[path] = start + whole
+        return data[:whole].decode("utf-8", "replace").splitlines()

@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Child processes that never outlive the script, and waiting with a limit."""
+
+import ctypes
+import signal
+import socket
+import subprocess
+import time
+
+_PR_SET_PDEATHSIG = 1  # prctl(2)
+_libc = ctypes.CDLL(None)
+
+
+class Failed(Exception):
+    """A step that did not happen; the text is a sentence for the person who watches."""
+
+
+def start(command, log, **options):
+    """Starts `command` with its output in the file `log`; it is killed should this script die."""
+    with open(log, "ab") as output:
+        return subprocess.Popen(
+            command,
+            stdin=subprocess.DEVNULL,
+            stdout=output,
+            stderr=subprocess.STDOUT,
+            preexec_fn=lambda: _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL),
+            **options,
+        )
+
+
+def stop(process, limit):
+    """Asks the process to end (SIGTERM) and returns its exit code; None when it had to be killed."""
+    if process.poll() is None:
+        process.terminate()
+    try:
+        return process.wait(limit)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
+        return None
+
+
+def wait_for(what, condition, limit, alive=lambda: None):
+    """Polls until `condition` gives something true, and returns that. Raises Failed after `limit`
+    seconds, saying what did not come; `alive` is called meanwhile and may raise earlier."""
+    end = time.monotonic() + limit
+    while True:
+        result = condition()
+        if result:
+            return result
+        alive()
+        if time.monotonic() > end:
+            raise Failed(f"{what} did not come within {limit:g} seconds")
+        time.sleep(0.02)
+
+
+def free_port():
+    """A port of 127.0.0.1 that is free now for UDP and TCP both."""
+    for _ in range(100):
+        with socket.socket(socket.AF_INET, socket.SOCK_STREAM) as tcp:
+            tcp.bind(("127.0.0.1", 0))
+            port = tcp.getsockname()[1]
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as udp:
+                try:
+                    udp.bind(("127.0.0.1", port))
+                except OSError:
+                    continue
+                return port
+    raise Failed("No free port was found on 127.0.0.1")
