@@ -13,13 +13,14 @@ using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
 
 /// A killed program loses at most this much.
-constexpr auto kWriteEvery = 250ms;
+constexpr std::chrono::milliseconds kWriteEvery = 250ms;
 
 /// A loss of power loses at most this, the interval above and the time that the sync takes: together
 /// below a second on a healthy disk.
 constexpr auto kSyncEvery = 600ms;
 
-constexpr auto kTryAgain = 1s;
+/// Where nothing can be written; each attempt writes everything.
+constexpr std::chrono::milliseconds kTryAgain = 2s;
 
 /// Blocks come every 20 ms; a second without one is no jitter.
 constexpr auto kLevelHolds = 1s;
@@ -144,19 +145,18 @@ void Recording::Absorb() {
 
 /// Until the recording ends, its file follows it.
 void Recording::Grow(Lock& lock) {
-  auto synced_at = SteadyClock::now() - kSyncEvery;  // so that the file's name is durable at once
+  auto synced_at = SteadyClock::now() - kSyncEvery;  // so that the file is durable at once
+  std::shared_ptr<DiskFile> named;                   // the file whose name is durable
   while (!ended_) {
     Absorb();
-    if (image_->HasSound()) growing_.Update(*image_);
+    const bool written = !image_->HasSound() || growing_.Update(*image_) == kWaveOk;
     if (SteadyClock::now() - synced_at >= kSyncEvery) {
       synced_at = SteadyClock::now();
-      Sync(lock, growing_.File());
-      if (sync_failed_ && !ended_) {
-        growing_.Distrust();
-        sync_failed_ = false;
-      }
+      Sync(lock, growing_.File(), growing_.File() != named);
+      named = growing_.File();
+      if (!ended_ && std::exchange(sync_failed_, false)) growing_.Distrust();
     }
-    wake_.wait_for(lock, kWriteEvery, [this] { return ended_; });
+    wake_.wait_for(lock, written ? kWriteEvery : kTryAgain, [this] { return ended_; });
   }
 }
 
@@ -171,21 +171,20 @@ void Recording::Settle(Lock& lock) {
     if (image_->HasSound()) growing_.Update(*image_);
     stored_ = growing_.File();
   }
-  Sync(lock, stored_);
+  Sync(lock, stored_, true);
   if (!sync_failed_ || settings_.folders.empty()) return;
   growing_ = GrowingFile({settings_.folders.back()});  // a second copy: the first may be sound all the same
   Keep();
-  Sync(lock, stored_);
+  Sync(lock, stored_, true);
 }
 
 /// Opens the lock meanwhile: SaveAs must not wait for the disk.
-void Recording::Sync(Lock& lock, const std::shared_ptr<DiskFile>& file) {
+void Recording::Sync(Lock& lock, std::shared_ptr<DiskFile> file, bool name_too) {
   if (!file) return;
-  const std::shared_ptr<DiskFile> held = file;
-  const std::string folder = FolderOf(held->Path());
+  const std::string folder = FolderOf(file->Path());
   lock.unlock();
-  const bool safe = held->Sync() == kWaveOk;
-  SyncFolder(folder);  // file systems that cannot do this have no need of it
+  const bool safe = file->Sync() == kWaveOk;
+  if (name_too) SyncFolder(folder);  // file systems that cannot do this have no need of it
   lock.lock();
   if (!safe) sync_failed_ = true;
 }

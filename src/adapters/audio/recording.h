@@ -55,7 +55,7 @@ class Recording : public AudioSink {
   /// Ends the recording and puts it at `path`, replacing an older file whole. The file is complete on
   /// return; where it grew on the same file system it is synced afterwards, on the recording's thread.
   /// When that fails, the recording is kept under a name of its own in the first folder that takes it;
-  /// while none does, it is tried again every second. Once, after the device has let go of the sink.
+  /// while none does, it is tried again and again. Once, after the device has let go of the sink.
   Saved SaveAs(const std::string& path);
 
   /// Saved or kept, and synced: nothing is left to do. Any thread.
@@ -68,7 +68,7 @@ class Recording : public AudioSink {
   void Absorb();
   void Grow(Lock& lock);
   void Settle(Lock& lock);
-  void Sync(Lock& lock, const std::shared_ptr<DiskFile>& file);
+  void Sync(Lock& lock, std::shared_ptr<DiskFile> file, bool name_too);
   std::int32_t Store(const std::string& path);
   bool Keep();
 

@@ -52,7 +52,8 @@ TempFolder::~TempFolder() {
 
 std::vector<std::string> TempFolder::Names(const std::string& suffix) const {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path_))
+  std::error_code gone;  // a folder that is not there has no names
+  for (const auto& entry : std::filesystem::directory_iterator(path_, gone))
     if (entry.path().filename().string().ends_with(suffix)) names.push_back(entry.path().filename().string());
   return names;
 }
