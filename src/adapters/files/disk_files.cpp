@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/files/disk_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "adapters/files/descriptor.h"
+#include "adapters/files/durable.h"
+
+namespace orven {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A failure at a folder's path: what is missing there is a path, not a file.
+RuntimeError FolderFailure(const std::error_code& error, const std::string& path) {
+  if (error.value() == ENOENT) return {ErrorNumber::PathNotFound, path};
+  return FileFailure(error.value(), path);
+}
+
+}  // namespace
+
+bool DiskFiles::Exists(const std::string& path) const {
+  std::error_code error;
+  return fs::exists(path, error);
+}
+
+void DiskFiles::Append(const std::string& path, std::string_view text) {
+  const int number = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  if (number < 0) throw FolderFailure({errno, std::generic_category()}, path);
+  Descriptor file(number, path);
+  const off_t before = ::lseek(number, 0, SEEK_END);
+  try {
+    file.Write(text);
+  } catch (const RuntimeError&) {
+    // Half a line is worse than none; where this fails too, the half stays.
+    if (before >= 0 && ::ftruncate(number, before) != 0) errno = 0;
+    throw;
+  }
+  file.Close();
+}
+
+std::string DiskFiles::Read(const std::string& path) const {
+  Descriptor file(path, O_RDONLY);
+  std::string content;
+  for (std::string block = file.Read(); !block.empty(); block = file.Read()) content += block;
+  return content;
+}
+
+std::vector<std::string> DiskFiles::List(const std::string& folder, std::string_view pattern) const {
+  std::vector<std::string> names;
+  std::error_code error;
+  fs::directory_iterator entry(folder, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    std::string name = entry->path().filename().string();
+    std::error_code gone;  // A file that vanishes meanwhile is simply not listed.
+    if (MatchesPattern(name, pattern) && entry->is_regular_file(gone)) names.push_back(std::move(name));
+  }
+  if (error) throw FolderFailure(error, folder);
+  return names;
+}
+
+std::chrono::system_clock::time_point DiskFiles::LastModified(const std::string& path) const {
+  std::error_code error;
+  const fs::file_time_type time = fs::last_write_time(path, error);
+  if (error) throw FileFailure(error.value(), path);
+  return std::chrono::time_point_cast<std::chrono::system_clock::duration>(
+      std::chrono::file_clock::to_sys(time));
+}
+
+void DiskFiles::Delete(const std::string& path) {
+  if (::unlink(path.c_str()) != 0) throw FileFailure(errno, path);
+}
+
+void DiskFiles::Copy(const std::string& from, const std::string& to) {
+  std::error_code error;
+  if (fs::equivalent(from, to, error)) return;
+  CopyFile(from, to, true);
+}
+
+void DiskFiles::Rename(const std::string& from, const std::string& to) {
+  if (RenameKeeping(from, to)) return;
+  CopyFile(from, to, false);
+  Delete(from);
+}
+
+void DiskFiles::MakeFolder(const std::string& path) {
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) throw FolderFailure(error, path);
+  if (!fs::is_directory(path, error))
+    throw RuntimeError(ErrorNumber::PathAccessError, path + " (not a folder)");
+}
+
+}  // namespace orven

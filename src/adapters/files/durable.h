@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "platform/runtime_error.h"
+
+namespace orven {
+
+/// What the adapters that keep files share: replacing a file whole, renaming without loss, and names
+/// for files set aside. Failures throw RuntimeError with the path in the text. Any thread.
+
+/// The classic error of the system error `error` (an errno value) at `path`.
+RuntimeError FileFailure(int error, const std::string& path);
+
+/// Gives the file at `path` the content `content` and the permission bits `mode`, whole or not at
+/// all, durable on return: a temporary file in the same folder is written, synchronised and renamed.
+/// Where `path` is a symbolic link to a file, that file is replaced and the link stays.
+void ReplaceFile(const std::string& path, std::string_view content, unsigned mode);
+
+/// Writes a file that must not exist yet (58 when it does), durable on return.
+void CreateFile(const std::string& path, std::string_view content, unsigned mode);
+
+/// Gives `to` a copy of the file `from` and its permission bits, whole or not at all, durable on
+/// return. With `replace`, an existing `to` is replaced; otherwise 58 is thrown.
+void CopyFile(const std::string& from, const std::string& to, bool replace);
+
+/// Renames within one file system; throws 58 instead of replacing an existing `to`. False, nothing
+/// done, when the two are on different file systems.
+bool RenameKeeping(const std::string& from, const std::string& to);
+
+/// `path` + "." + `label` + "-" + local time, as in "Calls.damaged-20261121T041530"; when a file
+/// (or one of the same name with "-wal" behind it and so on) has that name already, "-2", "-3" …
+/// follow.
+std::string NameToSetAside(const std::string& path, std::string_view label,
+                           std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
+}  // namespace orven

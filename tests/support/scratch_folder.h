@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+
+namespace orven::test {
+
+/// A folder of its own for one test, removed with everything in it afterwards.
+class ScratchFolder {
+ public:
+  explicit ScratchFolder(const std::string& parent = std::filesystem::temp_directory_path().string())
+      : path_(parent + "/orven-test-XXXXXX") {
+    if (::mkdtemp(path_.data()) == nullptr) std::abort();
+  }
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+  ~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+  /// The files whose names begin with `prefix`.
+  std::size_t Count(const std::string& prefix) const {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+      count += entry.path().filename().string().starts_with(prefix) ? 1U : 0U;
+    }
+    return count;
+  }
+
+ private:
+  std::string path_;
+};
+
+inline std::string ContentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline void PutFile(const std::string& path, const std::string& content) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
+}
+
+}  // namespace orven::test
