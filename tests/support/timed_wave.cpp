@@ -50,6 +50,7 @@ std::int32_t TimedWave::StopRecordToFile(const std::string& path) {
     return kWaveDiskFull;
   }
   files_.Put(path, Sound(last_recorded_length));
+  ++written;
   return kWaveOk;
 }
 

@@ -39,6 +39,7 @@ class TimedWave : public WaveControl {
   std::vector<Played> played;           ///< every file that was started
   std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
   std::vector<std::int32_t> monitored;  ///< the device of every live play
+  int written = 0;                      ///< recordings that became files
   std::string last_recorded_path;
   std::chrono::milliseconds last_recorded_length{0};
   bool to_disk = false;

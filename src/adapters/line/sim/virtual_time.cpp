@@ -78,7 +78,7 @@ void VirtualTime::RunFor(std::chrono::milliseconds duration) {
 }
 
 bool VirtualTime::RunUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
-  const auto end = now_ + limit;
+  const auto end = now_ + std::max(limit, std::chrono::milliseconds(0));
   while (!done()) {
     if (due_.empty() || due_.top().at > end) {
       now_ = end;

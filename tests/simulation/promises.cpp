@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulation/promises.h"
+
+#include "core/conversions.h"
+#include "records/call_fields.h"
+#include "simulation/log_order.h"
+
+namespace orven::test {
+
+Promises::Promises(World& world) : world_(world), program_(world.Machine().sequence) {
+  world_.Tapi1->SetEvents(this);
+}
+
+void Promises::Expect(bool kept, const std::string& promise) {
+  if (!kept) broken_.push_back(std::to_string(world_.time.Uptime().count()) + " ms: " + promise);
+}
+
+void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
+  ++offered_;
+  written_before_ = world_.Wave1.written;
+  program_.InCommingCall(line, call);
+}
+
+void Promises::Idle(std::int32_t line) {
+  ++idle_;
+  const auto records = world_.database.Records().size();
+  const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
+  program_.Idle(line);
+  CheckQuiet();
+  CheckFiling(world_.database.Records().size() - records, message_only);
+}
+
+void Promises::CheckQuiet() {
+  Expect(!world_.Machine().recorder.TimersRunning(), "both recording timers are off after a call");
+  Expect(!world_.Wave1.IsRecording(), "nothing records after a call");
+  Expect(!world_.Wave1.IsPlaying(), "nothing plays on the line after a call");
+  Expect(!world_.Tapi1->IsCallConnected(0), "no call is connected after a call");
+  Expect(!world_.CurrentCall().in_progress && !world_.CurrentCall().answering, "the call's flags are clear");
+  Expect(world_.Machine().progress.State() == CallState::Idle, "the call's state is idle");
+}
+
+void Promises::CheckFiling(std::size_t filed, bool message_only) {
+  const auto& call = world_.CurrentCall();
+  if (call.admin_mode) {
+    Expect(filed == 0, "no administrator call is filed");
+    return;
+  }
+  if (message_only && !call.message_left) {
+    Expect(filed == 0, "a call without a message is not filed when only messages are wanted");
+    return;
+  }
+  Expect(filed == 1, "every call is filed exactly once");
+  if (filed == 1) CheckMessage();
+}
+
+void Promises::CheckMessage() {
+  const auto newest = world_.database.Records().size() - 1;
+  const auto type = world_.database.Field(newest, kType);
+  const int written = world_.Wave1.written - written_before_;
+  Expect(written <= 1, "a call has one message at most");
+  Expect((type == kNoMessageType) == (written == 0), "the record says -1 exactly when no message was recorded");
+  if (written == 0) return;
+  const auto path = world_.messages + world_.database.Field(newest, kCallMassageName);
+  Expect(path == world_.Wave1.last_recorded_path, "the record names the message that was recorded");
+  Expect(world_.files.Content(path) == TimedWave::Sound(world_.Wave1.last_recorded_length),
+         "the message is there, at the recorded length");
+  Expect(type == ToText(static_cast<double>(world_.Wave1.last_recorded_length.count()) / 1000),
+         "the record has the message's length");
+}
+
+void Promises::CheckEnd() {
+  Expect(offered_ == idle_, "every call that was offered became idle");
+  Expect(!world_.line->HasCall(), "the line has no call left");
+  CheckQuiet();
+  Expect(world_.views.Status() == "Monitoring Sim", "the line is monitored again, not: " + world_.views.Status());
+  for (const auto& fault : FaultsInLog(world_.SystemLog())) Expect(false, fault);
+}
+
+void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
+  program_.Proc(line, request, result);
+}
+void Promises::MonitorDigit(std::int32_t line, char digit) { program_.MonitorDigit(line, digit); }
+void Promises::Disconnected(std::int32_t line) { program_.Disconnected(line); }
+void Promises::Connected(std::int32_t line) { program_.Connected(line); }
+void Promises::Ring(std::int32_t line, std::int32_t count) { program_.Ring(line, count); }
+void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
+  program_.CallerID(line, name, number);
+}
+
+}  // namespace orven::test
