@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QApplication>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "adapters/desktop/application.h"
+#include "adapters/desktop/application_folder.h"
+#include "adapters/desktop/exit_signals.h"
+#include "programs/orven/program.h"
+
+namespace {
+
+/// Everything after the program's name, as one text.
+std::string CommandLine(int count, char** arguments) {
+  std::string line;
+  for (int i = 1; i < count; ++i) line += (i > 1 ? " " : "") + std::string(arguments[i]);
+  return line;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const auto command_line = CommandLine(count, arguments);
+  const auto application = orven::MakeApplication(count, arguments);
+  const auto hints = orven::ProcessFolderHints();
+  const auto folder = orven::FindApplicationFolder(hints);
+  if (const auto problem = orven::MakeApplicationFolder(folder); !problem.empty()) {
+    std::cerr << "ORVEN: " << problem << std::endl;
+    return EXIT_FAILURE;
+  }
+  orven::Program program(folder, orven::FindAssets(hints.executable_folder));
+  const orven::ExitSignals signals([&] { program.Exit(); });
+  if (!program.Start(command_line)) return EXIT_SUCCESS;
+  return QApplication::exec();
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/orven/program.h"
+
+#include <QCoreApplication>
+#include <iostream>
+#include <random>
+
+#include "adapters/desktop/application_folder.h"
+#include "programs/orven/telephone_lines.h"
+#include "records/call_fields.h"
+
+namespace orven {
+namespace {
+
+/// Where a recording goes for which the messages folder has no place.
+constexpr const char* kRescueFolder = "\\Rescued";
+
+SharedOptions InFolder(const std::string& folder) {
+  SharedOptions shared;
+  shared.application_folder = folder;
+  return shared;
+}
+
+}  // namespace
+
+Program::Program(const std::string& folder, std::string assets)
+    : shared_(InFolder(folder)),
+      assets_(std::move(assets)),
+      system_(folder),
+      loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
+      registry_(shared_.InApplicationFolder("\\registry.reg"), [this](const std::string& text) { Report(text); }),
+      database_("Calls", {kCallFields.begin(), kCallFields.end()}),
+      lines_(loop_, MakeLines()),
+      line_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
+      desk_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
+      window_({clock_, loop_, files_, registry_, dialogs_, database_, lines_, line_wave_, desk_wave_}, view_.All(),
+              shared_, system_, [] { QCoreApplication::quit(); }) {
+  view_.SetLog(&window_.Machine().log);
+}
+
+Program::~Program() = default;
+
+std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
+  return MakeTelephoneLines(shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_);
+}
+
+bool Program::Start(const std::string& command_line) {
+  FirstStart first_start(registry_, system_, shared_, FirstStartSources());
+  EntryRoutine entry(system_, dialogs_, first_start, shared_, [this](bool first) { PrepareFolder(first); });
+  return entry.Run(command_line, window_);
+}
+
+void Program::PrepareFolder(bool first_start) {
+  prepared_ = true;
+  const auto seeded = SeedApplicationFolder(shared_.application_folder, assets_, first_start);
+  for (const auto& problem : early_problems_) Report(problem);
+  for (const auto& problem : seeded.problems) Report(problem);
+  if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
+}
+
+FirstStart::Sources Program::FirstStartSources() {
+  FirstStart::Sources sources;
+  sources.defaults = ReadRegistryExport(assets_ + "/defaults.reg", RegistryRoot::LocalMachine, kSettingsKey,
+                                        [this](const std::string& text) { Report(text); });
+  sources.random = [](std::uint32_t bound) {
+    std::random_device device;
+    return std::uniform_int_distribution<std::uint32_t>(0, bound - 1)(device);
+  };
+  sources.announce_password = [](const std::string& password) {
+    std::cout << "ORVEN: the password for listening to the messages by telephone is " << password << std::endl;
+  };
+  return sources;
+}
+
+void Program::Report(const std::string& problem) {
+  // Until the folder is known to be ours nothing is written into it.
+  if (!prepared_) {
+    early_problems_.push_back(problem);
+    return;
+  }
+  std::cerr << "ORVEN: " << problem << std::endl;
+  window_.Machine().log.WriteSystem(problem);
+}
+
+}  // namespace orven
