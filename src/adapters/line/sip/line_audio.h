@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <span>
+
+#include "platform/audio_device.h"
+
+namespace orven {
+
+/// The line's wave device: what the program plays and records, and where the call's sound thread
+/// fetches and leaves it. The lock is held while a source or sink runs, which is what makes the
+/// guarantee of StopPlay and StopRecord.
+class LineAudio : public AudioDevice {
+ public:
+  std::int32_t StartPlay(AudioSource& source) override;
+  void StopPlay() override;
+  std::int32_t StartRecord(AudioSink& sink) override;
+  void StopRecord() override;
+
+  /// Fills `block` with what is to be sent now, silence when nothing plays. Call's thread.
+  void Fetch(std::span<std::int16_t> block);
+
+  /// Hands over a received block. Call's thread.
+  void Deliver(std::span<const std::int16_t> block);
+
+ private:
+  std::mutex play_mutex_;
+  AudioSource* source_ = nullptr;  ///< guarded by play_mutex_
+  std::mutex record_mutex_;
+  AudioSink* sink_ = nullptr;  ///< guarded by record_mutex_
+};
+
+}  // namespace orven

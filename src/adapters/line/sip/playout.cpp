@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/playout.h"
+
+#include <spandsp.h>
+
+#include <algorithm>
+
+#include "platform/audio_device.h"
+
+namespace orven {
+namespace {
+
+constexpr std::size_t kBlock = kBlockSamples;
+
+/// Sound waits so long before it is played, so that packets can overtake each other. 60 ms covers
+/// what home networks and busy machines do.
+constexpr std::size_t kDelay = 3 * kBlock;
+constexpr int kDelayBlocks = 3;
+
+/// After so much silence the stream is taken as paused, and the next sound is waited for anew.
+constexpr std::int64_t kPause = 10 * kBlockSamples;
+
+/// A longer hole in the timestamps is a pause that the sender made, not loss.
+constexpr std::int64_t kLongestLoss = 50 * kBlockSamples;
+
+/// The delay is observed over 2 s; when it never fell to less than this, one block is left out.
+constexpr int kObservationBlocks = 100;
+constexpr std::size_t kTooMuchWaiting = 6 * kBlock;
+
+}  // namespace
+
+struct Playout::Concealer {
+  plc_state_t state{};
+};
+
+Playout::Playout() : concealer_(std::make_unique<Concealer>()) {
+  plc_init(&concealer_->state);
+}
+
+Playout::~Playout() {
+  plc_release(&concealer_->state);
+}
+
+void Playout::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
+  reorder_.Push(ssrc, timestamp, std::move(samples));
+}
+
+void Playout::Pull(std::span<std::int16_t> block) {
+  LimitDelay();
+  while (ready_.size() < kBlock) {
+    if (filling_ && StillFilling()) {
+      ready_.resize(kBlock, 0);
+    } else if (reorder_.Front() != nullptr) {
+      PlayFront();
+    } else {
+      Conceal(kBlock - ready_.size());
+    }
+  }
+  std::copy_n(ready_.begin(), kBlock, block.begin());
+  ready_.erase(ready_.begin(), ready_.begin() + kBlock);
+}
+
+bool Playout::StillFilling() {
+  if (reorder_.Front() == nullptr) return true;
+  // A sender that stops after a word must be heard too, so the wait is bounded.
+  if (reorder_.BufferedSamples() < kDelay && filling_blocks_++ < kDelayBlocks) return true;
+  filling_ = false;
+  filling_blocks_ = 0;
+  position_ = reorder_.Front()->start;
+  concealed_ = 0;
+  plc_init(&concealer_->state);  // nothing before the pause may colour what follows
+  return false;
+}
+
+void Playout::PlayFront() {
+  const std::int64_t hole = reorder_.Front()->start - position_;
+  if (hole > concealed_ && hole <= kLongestLoss) {
+    Conceal(static_cast<std::size_t>(std::min<std::int64_t>(hole - concealed_, kBlockSamples)));
+    return;
+  }
+  SoundFrame frame = reorder_.Pop();
+  plc_rx(&concealer_->state, frame.samples.data(), static_cast<int>(frame.samples.size()));
+  ready_.insert(ready_.end(), frame.samples.begin(), frame.samples.end());
+  position_ = frame.start + static_cast<std::int64_t>(frame.samples.size());
+  concealed_ = 0;
+}
+
+void Playout::Conceal(std::size_t samples) {
+  const std::size_t before = ready_.size();
+  ready_.resize(before + samples);
+  plc_fillin(&concealer_->state, ready_.data() + before, static_cast<int>(samples));
+  concealed_ += static_cast<std::int64_t>(samples);
+  if (concealed_ >= kPause && reorder_.Front() == nullptr) filling_ = true;
+}
+
+void Playout::LimitDelay() {
+  const std::size_t waiting = reorder_.BufferedSamples() + ready_.size();
+  least_waiting_ = observed_blocks_ == 0 ? waiting : std::min(least_waiting_, waiting);
+  if (++observed_blocks_ < kObservationBlocks) return;
+  observed_blocks_ = 0;
+  if (least_waiting_ <= kTooMuchWaiting || filling_) return;
+  while (ready_.size() < kBlock && reorder_.Front() != nullptr) PlayFront();
+  ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(std::min(ready_.size(), kBlock)));
+}
+
+}  // namespace orven

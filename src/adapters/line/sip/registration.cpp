@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/registration.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/// A server may refuse one old answer and ask again; more is a wrong password.
+constexpr int kMostChallenges = 3;
+
+/// The part of a registration's life after which it is refreshed: early enough for one failed try.
+constexpr int kRefreshPercent = 80;
+
+/// The connection to the server is watched, not probed: servers need not answer probes.
+constexpr std::uint32_t kWatchOnly = 24 * 3600;
+
+bool DecodeAccount(const std::string& account, uri& parsed) {
+  pl text{};
+  pl_set_str(&text, account.c_str());
+  return uri_decode(&parsed, &text) == 0 && pl_strcasecmp(&parsed.scheme, "sip") == 0 && parsed.user.l > 0 &&
+         parsed.host.l > 0;
+}
+
+std::string ServerUri(const uri& account, const std::string& transport) {
+  const std::string port = account.port != 0 ? ":" + std::to_string(account.port) : "";
+  return "sip:" + std::string(View(account.host)) + port + ";transport=" + transport;
+}
+
+std::string PublicUri(const uri& account) {
+  return "sip:" + std::string(View(account.user)) + "@" + std::string(View(account.host));
+}
+
+/// The life that the server granted: of our binding, else of all (RFC 3261, section 10.2.4).
+seconds GrantedLife(const sip_msg& response, const std::string& user, seconds asked) {
+  struct Search {
+    const std::string& user;
+    std::uint32_t life = 0;
+  } search{user};
+  sip_msg_hdr_apply(
+      &response, true, SIP_HDR_CONTACT,
+      [](const sip_hdr* header, const sip_msg*, void* arg) {
+        auto& wanted = *static_cast<Search*>(arg);
+        sip_addr contact{};
+        pl life{};
+        if (sip_addr_decode(&contact, &header->val) != 0 || View(contact.uri.user) != wanted.user)
+          return false;
+        if (msg_param_decode(&contact.params, "expires", &life) == 0) wanted.life = pl_u32(&life);
+        return wanted.life != 0;
+      },
+      &search);
+  if (search.life == 0 && pl_isset(&response.expires)) search.life = pl_u32(&response.expires);
+  return search.life != 0 ? seconds(search.life) : asked;
+}
+
+}  // namespace
+
+std::string AccountProblem(const SipLineSettings& settings) {
+  if (settings.account.empty()) return {};
+  uri account{};
+  if (!DecodeAccount(settings.account, account)) {
+    return "account \"" + settings.account + "\" is no SIP address like sip:100@example.org";
+  }
+  if (settings.transport != "udp" && settings.transport != "tcp" && settings.transport != "tls") {
+    return "transport \"" + settings.transport + "\" is none of udp, tcp and tls";
+  }
+  return {};
+}
+
+std::string ContactUser(const SipLineSettings& settings) {
+  uri account{};
+  return DecodeAccount(settings.account, account) ? std::string(View(account.user)) : "orven";
+}
+
+Registration::Registration(sip& stack, const SipLineSettings& settings)
+    : stack_(stack),
+      settings_(settings),
+      timer_([this] { (void)(Send(life_) || (RetryLater(), true)); }),
+      life_(settings.timers.registration_life),
+      retry_(settings.timers.registration_retry_first) {
+  sip_auth* auth = nullptr;
+  const auto credentials = [](char** user, char** password, const char*, void* self) {
+    const SipLineSettings& line = static_cast<Registration*>(self)->settings_;
+    const std::string name = line.auth_user.empty() ? ContactUser(line) : line.auth_user;
+    return str_dup(user, name.c_str()) | str_dup(password, line.password.c_str());
+  };
+  if (sip_auth_alloc(&auth, credentials, this, false) != 0) throw std::bad_alloc();
+  auth_.reset(auth);
+  uri account{};
+  (void)DecodeAccount(settings.account, account);
+  const std::string own = PublicUri(account);
+  sip_dialog* dialog = nullptr;
+  if (sip_dialog_alloc(&dialog, ServerUri(account, settings.transport).c_str(), own.c_str(), nullptr,
+                       own.c_str(), nullptr, 0) != 0) {
+    throw std::bad_alloc();
+  }
+  dialog_.reset(dialog);
+}
+
+Registration::~Registration() {
+  mem_deref(request_);
+  mem_deref(connection_);
+}
+
+void Registration::Start() {
+  if (!Send(life_)) RetryLater();
+}
+
+void Registration::End() {
+  timer_.Stop();
+  connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
+  request_ = static_cast<struct sip_request*>(mem_deref(request_));
+  if (registered_) (void)Send(seconds(0));
+  registered_ = false;
+}
+
+bool Registration::Send(seconds life) {
+  asked_ = life;
+  const auto contact = [](sip_transp transport, const sa* source, const sa* server, mbuf* request,
+                          void* self) {
+    return static_cast<Registration*>(self)->WriteContact(transport, *source, *server, *request);
+  };
+  const auto response = [](int error, const sip_msg* message, void* self) {
+    static_cast<Registration*>(self)->TakeResponse(error, message);
+  };
+  return sip_drequestf(&request_, &stack_, true, "REGISTER", dialog_.get(), 0, auth_.get(), contact, response,
+                       this, "Content-Length: 0\r\n\r\n") == 0;
+}
+
+int Registration::WriteContact(sip_transp transport, const sa& source, const sa& server,
+                               mbuf& request) const {
+  sa address = source;
+  if (sa_is_any(&source)) {
+    address = LocalAddressTowards(server);
+    sa_set_port(&address, sa_port(&source));
+  }
+  return mbuf_printf(&request, "Contact: <sip:%s@%J%s>;expires=%u\r\n", ContactUser(settings_).c_str(),
+                     &address, sip_transp_param(transport), static_cast<unsigned>(asked_.count()));
+}
+
+void Registration::TakeResponse(int error, const sip_msg* response) {
+  if (error == 0 && response->scode < 200) return;
+  if (error == 0 && response->scode < 300) return Registered(*response);
+  if (error == 0 && (response->scode == 401 || response->scode == 407) && ++challenges_ <= kMostChallenges) {
+    if (sip_auth_authenticate(auth_.get(), response) != 0) {
+      // The server does not know its own question any more, or the answer was wrong: once more anew.
+      sip_auth_reset(auth_.get());
+      if (sip_auth_authenticate(auth_.get(), response) != 0) return RetryLater();
+    }
+    if (Send(asked_)) return;
+  }
+  if (error == 0 && response->scode == 423) {
+    const sip_hdr* least = sip_msg_hdr(response, SIP_HDR_MIN_EXPIRES);
+    const seconds wanted(least != nullptr ? pl_u32(&least->val) : 0);
+    if (wanted > life_) {
+      life_ = wanted;
+      if (Send(life_)) return;
+    }
+  }
+  RetryLater();
+}
+
+void Registration::Registered(const sip_msg& response) {
+  registered_ = true;
+  challenges_ = 0;
+  retry_ = settings_.timers.registration_retry_first;
+  const milliseconds granted = GrantedLife(response, ContactUser(settings_), asked_);
+  timer_.StartOnce(granted * kRefreshPercent / 100);
+  if (connection_ != nullptr || response.tp == SIP_TRANSP_UDP) return;
+  // Calls come in over this very connection: when it goes, the registration is worth nothing.
+  (void)sip_keepalive_start(
+      &connection_, &stack_, &response, kWatchOnly,
+      [](int, void* self) { static_cast<Registration*>(self)->RetryLater(); }, this);
+}
+
+void Registration::RetryLater() {
+  registered_ = false;
+  challenges_ = 0;
+  sip_auth_reset(auth_.get());
+  // Not all clients of a server that comes back may ask in the same moment.
+  const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(retry_.count() / 4 + 1));
+  timer_.StartOnce(retry_ + spread);
+  retry_ = std::min(retry_ * 2, settings_.timers.registration_retry_longest);
+}
+
+}  // namespace orven

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/steady_timer.h"
+
+namespace orven {
+
+/// Keeps an account registered (RFC 3261, section 10), so that its calls come here: asks again well
+/// before a registration ends, and after a failure with growing waits. SIP thread.
+class Registration {
+ public:
+  /// `settings.account` must be a usable SIP address; see AccountProblem.
+  Registration(sip& stack, const SipLineSettings& settings);
+  Registration(const Registration&) = delete;
+  Registration& operator=(const Registration&) = delete;
+  ~Registration();
+
+  void Start();
+
+  /// Takes the registration back; the server's answer is not waited for. Nothing is sent afterwards.
+  void End();
+
+ private:
+  bool Send(std::chrono::seconds life);
+  void TakeResponse(int error, const sip_msg* response);
+  void Registered(const sip_msg& response);
+  void RetryLater();
+  int WriteContact(sip_transp transport, const sa& source, const sa& server, mbuf& request) const;
+
+  sip& stack_;
+  const SipLineSettings& settings_;
+  LibrePtr<sip_auth> auth_;
+  LibrePtr<sip_dialog> dialog_;
+  sip_keepalive* connection_ = nullptr;  ///< watched; the library clears it when it is gone
+  struct sip_request* request_ = nullptr;       ///< under way; the library clears it when answered
+  SteadyTimer timer_;
+  std::chrono::seconds life_;      ///< that we ask for
+  std::chrono::seconds asked_{0};  ///< in the latest request
+  std::chrono::milliseconds retry_;
+  int challenges_ = 0;  ///< answered in a row without success: the password is wrong
+  bool registered_ = false;
+};
+
+/// What is wrong with the account of `settings`, for the log; empty when nothing is.
+std::string AccountProblem(const SipLineSettings& settings);
+
+/// The user part of the account, or "orven" without one.
+std::string ContactUser(const SipLineSettings& settings);
+
+}  // namespace orven

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/rtp_stream.h"
+
+#include <algorithm>
+#include <array>
+
+#include "adapters/line/sip/rtp_packet.h"
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr milliseconds kBlockTime{20};
+
+/// After a longer stall (a machine that slept) the sound goes on from now instead of being made up for.
+constexpr std::int64_t kMostLateBlocks = 100;
+
+/// More than any delay that Playout builds up.
+constexpr int kMostTailBlocks = 150;
+
+}  // namespace
+
+std::unique_ptr<RtpStream> RtpStream::Bind(const sa& address, LineAudio& audio, const SipLineTimers& timers,
+                                           RtpStreamEvents& events) {
+  std::unique_ptr<RtpStream> stream(new RtpStream(audio, timers, events));
+  RtpStream* self = stream.get();
+  auto ports = BindRtpPorts(
+      address,
+      {.received = [self](const sa& source, auto datagram) { self->TakePacket(source, datagram); },
+       .refused = [self](const sa& destination) { self->TakeRefusal(destination); }},
+      {.received = [self](const sa& source, auto datagram) { self->TakeControl(source, datagram); },
+       .refused = [](const sa&) {}});
+  if (!ports) return nullptr;
+  stream->ports_ = std::move(*ports);
+  return stream;
+}
+
+RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEvents& events)
+    : audio_(audio),
+      timers_(timers),
+      events_(events),
+      ticker_([this] { Tick(); }),
+      inband_([this](char digit) { events_.DigitHeard(DigitSource::kInBand, digit); }),
+      ssrc_(rand_u32()),
+      timestamp_(rand_u32()),
+      sequence_(rand_u16()) {}
+
+void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
+  agreement_ = agreement;
+  started_ = true;
+  start_ = alive_ = Clock::now();
+  blocks_ = 0;
+  ticker_.StartPeriodic(kBlockTime);
+}
+
+void RtpStream::Update(const MediaAgreement& agreement) {
+  agreement_ = agreement;
+  source_.reset();
+  refused_since_.reset();
+  alive_ = Clock::now();
+}
+
+void RtpStream::Stop() {
+  if (!started_) return;
+  ports_.sound->Drain();
+  started_ = false;
+  ticker_.Stop();
+  for (int i = 0; i < kMostTailBlocks && !playout_.Empty(); ++i) {
+    std::array<std::int16_t, kBlockSamples> block;
+    playout_.Pull(block);
+    audio_.Deliver(block);
+  }
+}
+
+void RtpStream::Tick() {
+  ports_.sound->Drain();
+  const Time now = Clock::now();
+  std::int64_t due = (now - start_) / kBlockTime;
+  if (due - blocks_ > kMostLateBlocks) {
+    start_ += (due - blocks_ - 1) * kBlockTime;
+    due = blocks_ + 1;
+  }
+  for (; started_ && blocks_ < due; ++blocks_) {
+    SendBlock();
+    DeliverBlock();
+  }
+  if (started_) CheckPeer(now);
+}
+
+void RtpStream::SendBlock() {
+  std::array<std::int16_t, kBlockSamples> block;
+  audio_.Fetch(block);
+  timestamp_ += kBlockSamples;
+  const bool send = agreement_ && agreement_->send;
+  if (send) {
+    const RtpHeader header{.payload_type = agreement_->send_payload_type,
+                           .marker = !talking_,
+                           .sequence = ++sequence_,
+                           .timestamp = timestamp_,
+                           .ssrc = ssrc_};
+    std::array<std::uint8_t, kRtpHeaderBytes + kBlockSamples> packet;
+    WriteRtpHeader(header, packet.data());
+    Encode(agreement_->send_codec, block, packet.data() + kRtpHeaderBytes);
+    ports_.sound->Send(source_ ? *source_ : agreement_->peer, packet);
+  }
+  talking_ = send;
+}
+
+void RtpStream::DeliverBlock() {
+  std::array<std::int16_t, kBlockSamples> block;
+  playout_.Pull(block);
+  audio_.Deliver(block);
+  inband_.Listen(block);
+}
+
+void RtpStream::CheckPeer(Time now) {
+  if (!agreement_) return;
+  if (!agreement_->receive) alive_ = now;
+  const bool silent = now - alive_ >= timers_.lost_media;
+  const bool refused = refused_since_ && now - *refused_since_ >= timers_.unreachable;
+  if (silent || refused) events_.PeerLost();
+}
+
+/// The negotiated address always may send; another only as the first one (a router gave the peer
+/// another address), and only until the negotiated one speaks up itself.
+bool RtpStream::IsPeer(const sa& source) {
+  if (sa_cmp(&source, &agreement_->peer, SA_ALL)) {
+    source_ = source;
+    return true;
+  }
+  if (!source_) source_ = source;
+  return sa_cmp(&source, &*source_, SA_ALL);
+}
+
+void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datagram) {
+  if (!started_ || !agreement_) return;
+  const auto packet = ReadRtpPacket(datagram);
+  if (!packet) return;
+  const auto codec = agreement_->codecs[packet->header.payload_type];
+  const bool is_event = agreement_->event_payload_type == packet->header.payload_type;
+  const bool is_noise = packet->header.payload_type == kComfortNoiseType;
+  if ((!codec && !is_event && !is_noise) || !IsPeer(source)) return;
+  alive_ = Clock::now();
+  refused_since_.reset();
+  if (codec) playout_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
+  if (!heard_) {
+    heard_ = true;
+    events_.PeerHeard();
+  }
+  if (is_event) TakeEvent(packet->header.timestamp, packet->header.marker, packet->payload);
+}
+
+void RtpStream::TakeEvent(std::uint32_t timestamp, bool marker, std::span<const std::uint8_t> payload) {
+  const auto event = telephone_events_.Take(timestamp, marker, payload, alive_);
+  if (event.kind == TelephoneEvents::Kind::kPressed) {
+    events_.DigitHeard(DigitSource::kTelephoneEvent, event.digit);
+  } else if (event.kind == TelephoneEvents::Kind::kHeld) {
+    events_.DigitHeld(DigitSource::kTelephoneEvent);
+  }
+}
+
+/// A peer that sends no sound in silence still reports on ours: it is not lost.
+void RtpStream::TakeControl(const sa& source, std::span<const std::uint8_t> datagram) {
+  if (!started_ || !agreement_ || !LooksLikeRtcp(datagram)) return;
+  if (sa_cmp(&source, source_ ? &*source_ : &agreement_->peer, SA_ADDR)) alive_ = Clock::now();
+}
+
+void RtpStream::TakeRefusal(const sa& destination) {
+  if (!started_ || !agreement_ || refused_since_) return;
+  if (sa_cmp(&destination, source_ ? &*source_ : &agreement_->peer, SA_ALL)) refused_since_ = Clock::now();
+}
+
+}  // namespace orven

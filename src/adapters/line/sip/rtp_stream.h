@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "adapters/line/sip/digit_merger.h"
+#include "adapters/line/sip/inband_digits.h"
+#include "adapters/line/sip/line_audio.h"
+#include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/playout.h"
+#include "adapters/line/sip/rtp_socket.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/steady_timer.h"
+#include "adapters/line/sip/telephone_events.h"
+
+namespace orven {
+
+/// What a call's sound tells the call. SIP thread, never inside RtpStream's operations.
+class RtpStreamEvents {
+ public:
+  virtual ~RtpStreamEvents() = default;
+
+  /// The first sound of the peer has come.
+  virtual void PeerHeard() = 0;
+  virtual void DigitHeard(DigitSource source, char digit) = 0;
+  virtual void DigitHeld(DigitSource source) = 0;
+  /// Nothing has come for too long, or the peer's machine refuses our packets.
+  virtual void PeerLost() = 0;
+};
+
+/// One call's sound: every 20 ms it sends a block of what plays on the line and hands a received block
+/// to what records. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
+class RtpStream {
+ public:
+  /// Binds a port pair at `address`; nullptr when there is none.
+  static std::unique_ptr<RtpStream> Bind(const sa& address, LineAudio& audio, const SipLineTimers& timers,
+                                         RtpStreamEvents& events);
+
+  std::uint16_t Port() const { return ports_.port; }
+
+  /// Begins; until the peer's address is known (`agreement` absent) it only receives time: silence.
+  void Start(const std::optional<MediaAgreement>& agreement);
+
+  /// From now on as agreed anew (re-INVITE): the peer may also send from elsewhere.
+  void Update(const MediaAgreement& agreement);
+
+  /// Ends; what has arrived and was not played yet is handed to what records first. Idempotent.
+  void Stop();
+
+ private:
+  using Time = std::chrono::steady_clock::time_point;
+
+  RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEvents& events);
+
+  void Tick();
+  void SendBlock();
+  void DeliverBlock();
+  void CheckPeer(Time now);
+
+  void TakePacket(const sa& source, std::span<const std::uint8_t> datagram);
+  void TakeControl(const sa& source, std::span<const std::uint8_t> datagram);
+  void TakeRefusal(const sa& destination);
+  bool IsPeer(const sa& source);
+  void TakeEvent(std::uint32_t timestamp, bool marker, std::span<const std::uint8_t> payload);
+
+  LineAudio& audio_;
+  const SipLineTimers& timers_;
+  RtpStreamEvents& events_;
+  RtpPorts ports_;
+  SteadyTimer ticker_;
+  std::optional<MediaAgreement> agreement_;
+  std::optional<sa> source_;  ///< where the peer's packets really come from
+
+  Playout playout_;
+  InbandDigits inband_;
+  TelephoneEvents telephone_events_;
+
+  bool started_ = false;
+  bool heard_ = false;
+  Time start_;
+  std::int64_t blocks_ = 0;  ///< blocks handled since start_
+  Time alive_;               ///< the latest sign of the peer
+  std::optional<Time> refused_since_;
+
+  std::uint32_t ssrc_;
+  std::uint32_t timestamp_;
+  std::uint16_t sequence_;
+  bool talking_ = false;  ///< the previous block was sent
+};
+
+}  // namespace orven

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/sip_agent.h"
+
+#include <array>
+#include <cerrno>
+#include <exception>
+#include <utility>
+
+#include "adapters/line/sip/sip_requests.h"
+
+namespace orven {
+namespace {
+
+constexpr const char* kSoftware = "ORVEN";
+constexpr std::uint32_t kBuckets = 32;
+
+/// A line must be closed within 2 s whatever the network does.
+constexpr std::chrono::milliseconds kLongestFarewell{1'500};
+
+constexpr const char* kCertificateAuthorities = "/etc/ssl/certs/ca-certificates.crt";
+
+SipAgent& Self(void* agent) {
+  return *static_cast<SipAgent*>(agent);
+}
+
+/// Resolves the names of account servers; without name servers only addresses work.
+LibrePtr<dnsc> NameResolver() {
+  std::array<sa, 4> servers{};
+  auto count = static_cast<std::uint32_t>(servers.size());
+  if (dns_srv_get(nullptr, 0, servers.data(), &count) != 0) count = 0;
+  dnsc* client = nullptr;
+  (void)dnsc_alloc(&client, nullptr, servers.data(), count);
+  return LibrePtr<dnsc>(client);
+}
+
+}  // namespace
+
+SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events)
+    : settings_(settings), audio_(audio), events_(events), close_timer_([this] { Finish(); }) {}
+
+SipAgent::~SipAgent() {
+  call_.reset();
+  registration_.reset();
+  sipsess_close_all(sessions_.get());
+  sip_close(stack_.get(), true);
+  sessions_.reset();
+}
+
+std::optional<OpenFailure> SipAgent::Start() {
+  if (const std::string problem = AccountProblem(settings_); !problem.empty()) {
+    return OpenFailure{kTelephonyDeviceFailed, problem};
+  }
+  if (auto failure = Listen()) return failure;
+  surroundings_.emplace(
+      CallSurroundings{stack_.get(), sessions_.get(), settings_, audio_, events_, ContactUser(settings_)});
+  if (!settings_.account.empty()) {
+    registration_ = std::make_unique<Registration>(*stack_, settings_);
+    registration_->Start();
+  }
+  return std::nullopt;
+}
+
+std::optional<OpenFailure> SipAgent::Listen() {
+  if (sa_decode(&listen_, settings_.listen.data(), settings_.listen.size()) != 0) {
+    return OpenFailure{kTelephonyDeviceFailed, "listen address \"" + settings_.listen +
+                                                   "\" is no address and port like 127.0.0.1:5060"};
+  }
+  sip* stack = nullptr;
+  int error = sip_alloc(
+      &stack, NameResolver().get(), kBuckets, kBuckets, kBuckets, kSoftware,
+      [](void* self) { Self(self).Finish(); }, this);
+  stack_.reset(stack);
+  if (error == 0) error = AddTransports(listen_);
+  // The order matters: what is unsound is out before the sessions see it, what they leave comes last.
+  if (error == 0) {
+    error = sip_listen(
+        nullptr, stack, true, [](const sip_msg* request, void* self) { return Self(self).Screen(*request); },
+        this);
+  }
+  sipsess_sock* sessions = nullptr;
+  if (error == 0) {
+    error = sipsess_listen(
+        &sessions, stack, kBuckets, [](const sip_msg* invite, void* self) { Self(self).TakeInvite(*invite); },
+        this);
+  }
+  sessions_.reset(sessions);
+  if (error == 0) {
+    error = sip_listen(
+        nullptr, stack, true,
+        [](const sip_msg* request, void* self) {
+          AnswerOtherRequest(*Self(self).stack_, *request);
+          return true;
+        },
+        this);
+  }
+  if (error == 0)
+    error = sip_listen(
+        nullptr, stack, false, [](const sip_msg*, void*) { return true; }, this);
+  if (error == 0) return std::nullopt;
+  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
+                     "cannot listen on " + settings_.listen + ": " + ErrorWords(error)};
+}
+
+int SipAgent::AddTransports(const sa& address) {
+  int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
+  if (error == 0) error = sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
+  if (error == 0 && !settings_.account.empty() && settings_.transport == "tls") error = AddTls(address);
+  return error;
+}
+
+/// Only to reach the account's server: the port is any free one, and nobody is told of it.
+int SipAgent::AddTls(const sa& address) {
+  sa local = address;
+  sa_set_port(&local, 0);
+  tls* raw = nullptr;
+  if (const int error = tls_alloc(&raw, TLS_METHOD_SSLV23, nullptr, nullptr)) return error;
+  const LibrePtr<tls> context(raw);
+  (void)tls_add_ca(raw, kCertificateAuthorities);
+  return sip_transp_add(stack_.get(), SIP_TRANSP_TLS, &local, raw);
+}
+
+/// True: the request has been dealt with.
+bool SipAgent::Screen(const sip_msg& request) {
+  if (sa_is_any(&request.dst)) {
+    // A line on every address: from here on the one that the peer sees, for Contact and sound.
+    auto& message = const_cast<sip_msg&>(request);
+    const std::uint16_t port = sa_port(&message.dst);
+    message.dst = LocalAddressTowards(request.src);
+    sa_set_port(&message.dst, port);
+  }
+  return !IsSoundRequest(*stack_, request);
+}
+
+void SipAgent::TakeInvite(const sip_msg& invite) {
+  if (closing_ || (call_ != nullptr && !call_->Gone())) {
+    (void)sip_treply(nullptr, stack_.get(), &invite, 486, "Busy Here");
+    return;
+  }
+  // No exception may reach the library, which is C. Without memory or handles there is no call.
+  try {
+    auto call = SipCall::Accept(*surroundings_, calls_ + 1, invite);
+    if (call == nullptr) return;
+    ++calls_;
+    call_ = std::move(call);
+  } catch (const std::exception&) {
+    (void)sip_treply(nullptr, stack_.get(), &invite, 500, "Server Internal Error");
+  }
+}
+
+SipCall* SipAgent::Find(CallNumber number) const {
+  return call_ != nullptr && call_->Number() == number && !call_->Gone() ? call_.get() : nullptr;
+}
+
+void SipAgent::Answer(CallNumber call, std::int32_t request) {
+  if (SipCall* found = Find(call)) return found->Answer(request);
+  events_.RequestDone(request, kTelephonyNoCall);
+}
+
+void SipAgent::Drop(CallNumber call, std::int32_t request) {
+  if (SipCall* found = Find(call)) return found->Drop(request);
+  events_.RequestDone(request, kTelephonyOk);
+}
+
+void SipAgent::MonitorDigits(CallNumber call, bool on) {
+  if (SipCall* found = Find(call)) found->MonitorDigits(on);
+}
+
+void SipAgent::Shutdown(std::function<void()> done) {
+  closing_ = true;
+  done_ = std::move(done);
+  if (call_ != nullptr) call_->HangUp();
+  if (registration_ != nullptr) registration_->End();
+  close_timer_.StartOnce(kLongestFarewell);
+  // Calls Finish when the last session has ended, which may be at once.
+  sip_close(stack_.get(), false);
+}
+
+void SipAgent::Finish() {
+  close_timer_.Stop();
+  if (done_) std::exchange(done_, nullptr)();
+}
+
+}  // namespace orven

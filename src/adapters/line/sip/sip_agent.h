@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/registration.h"
+#include "adapters/line/sip/sip_call.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/steady_timer.h"
+
+namespace orven {
+
+/// Why a line could not be opened.
+struct OpenFailure {
+  std::int32_t result;  ///< a negative TelephonyResult
+  std::string reason;
+};
+
+/// An open line's SIP side: listens, answers what is no call, and has at most one call. SIP thread.
+class SipAgent {
+ public:
+  SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events);
+  SipAgent(const SipAgent&) = delete;
+  SipAgent& operator=(const SipAgent&) = delete;
+  ~SipAgent();
+
+  /// Listens and begins to register. Nothing on success.
+  std::optional<OpenFailure> Start();
+
+  void Answer(CallNumber call, std::int32_t request);
+  void Drop(CallNumber call, std::int32_t request);
+  void MonitorDigits(CallNumber call, bool on);
+
+  /// Hangs up, takes the registration back and calls `done` when the peer knows, or after a while
+  /// without its answer. The agent is to be destroyed then, not from within `done`.
+  void Shutdown(std::function<void()> done);
+
+ private:
+  std::optional<OpenFailure> Listen();
+  int AddTransports(const sa& address);
+  int AddTls(const sa& address);
+
+  bool Screen(const sip_msg& request);
+  void TakeInvite(const sip_msg& invite);
+  SipCall* Find(CallNumber number) const;
+  void Finish();
+
+  const SipLineSettings& settings_;
+  LineAudio& audio_;
+  LineDriverEvents& events_;
+  LibrePtr<sip> stack_;
+  LibrePtr<sipsess_sock> sessions_;
+  sa listen_{};
+  std::optional<CallSurroundings> surroundings_;
+  std::unique_ptr<Registration> registration_;
+  std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one
+  CallNumber calls_ = 0;
+  bool closing_ = false;
+  SteadyTimer close_timer_;
+  std::function<void()> done_;
+};
+
+}  // namespace orven

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/sip_call.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include "adapters/line/sip/caller_identity.h"
+#include "adapters/line/sip/info_digit.h"
+#include "adapters/line/sip/sip_requests.h"
+
+namespace orven {
+namespace {
+
+constexpr const char* kSessionType = "application/sdp";
+
+SipCall& Self(void* call) {
+  return *static_cast<SipCall*>(call);
+}
+
+/// Where the call's sound arrives: the address at which the caller reached us. A line that listens on
+/// every address also takes sound at every address, and tells the one on the way to the caller's.
+sa SoundAddress(const sip_msg& invite, const SipLineSettings& settings) {
+  sa listen{};
+  if (sa_decode(&listen, settings.listen.data(), settings.listen.size()) != 0) return invite.dst;
+  return sa_is_any(&listen) ? listen : invite.dst;
+}
+
+}  // namespace
+
+std::unique_ptr<SipCall> SipCall::Accept(const CallSurroundings& surroundings, CallNumber number,
+                                         const sip_msg& invite) {
+  std::unique_ptr<SipCall> call(new SipCall(surroundings, number, invite));
+  if (!call->Prepare(invite) || !call->Begin(invite)) return nullptr;
+  call->Announce(invite);
+  return call;
+}
+
+SipCall::SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite)
+    : around_(surroundings),
+      number_(number),
+      stream_(RtpStream::Bind(SoundAddress(invite, surroundings.settings), surroundings.audio,
+                              surroundings.settings.timers, *this)),
+      ring_timer_([this] { Ring(); }),
+      ack_timer_([this] { LosePeer(); }) {}
+
+SipCall::~SipCall() = default;
+
+bool SipCall::Prepare(const sip_msg& invite) {
+  if (stream_ == nullptr) {
+    (void)sip_treply(nullptr, around_.stack, &invite, 500, "No Port For Sound");
+    return false;
+  }
+  sa local = invite.dst;
+  sa_set_port(&local, stream_->Port());
+  negotiation_.emplace(local);
+  if (mbuf_get_left(invite.mb) == 0) return true;
+  if (!msg_ctype_cmp(&invite.ctyp, "application", "sdp")) {
+    (void)sip_treplyf(nullptr, nullptr, around_.stack, &invite, false, 415, "Unsupported Media Type",
+                      "Accept: application/sdp\r\nContent-Length: 0\r\n\r\n");
+    return false;
+  }
+  agreement_ = negotiation_->Read(invite.mb, true);
+  if (!agreement_) (void)sip_treply(nullptr, around_.stack, &invite, 488, "Not Acceptable Here");
+  return agreement_.has_value();
+}
+
+bool SipCall::Begin(const sip_msg& invite) {
+  sipsess* session = nullptr;
+  const int error = sipsess_accept(
+      &session, around_.sessions, &invite, 180, "Ringing", around_.contact_user.c_str(), kSessionType,
+      nullptr, nullptr, nullptr, false,
+      [](mbuf** answer, const sip_msg* request, void* self) {
+        return Self(self).TakeOffer(answer, *request);
+      },
+      [](const sip_msg* ack, void* self) { return Self(self).TakeAnswer(*ack); },
+      [](const sip_msg*, void* self) { Self(self).Connect(); },
+      [](struct sip*, const sip_msg* request, void* self) { Self(self).TakeInfo(*request); }, nullptr,
+      [](int, const sip_msg*, void* self) { Self(self).End(true); }, this, "%s", kAllowHeader);
+  session_.reset(error == 0 ? session : nullptr);
+  if (error != 0) {
+    // The library has answered nothing then; what it minds is a Contact that leads nowhere.
+    const bool malformed = error == EBADMSG || error == EINVAL;
+    (void)sip_treply(nullptr, around_.stack, &invite, malformed ? 400 : 500,
+                     malformed ? "Bad Contact" : "Server Internal Error");
+  }
+  return error == 0;
+}
+
+void SipCall::Announce(const sip_msg& invite) {
+  const CallerIdentity caller = CallerOf(invite);
+  around_.events.Offered(number_);
+  around_.events.CallerId(number_, caller.name, caller.number);
+  Ring();
+  ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, around_.settings.ring_seconds)));
+}
+
+void SipCall::Ring() {
+  around_.events.Ring(number_, ++rings_);
+}
+
+/// The only place where the state changes; calls never go back.
+void SipCall::Enter(State next) {
+  if (next <= state_) return;
+  state_ = next;
+  if (next != State::kRinging) ring_timer_.Stop();
+  if (next != State::kAnswered) ack_timer_.Stop();
+}
+
+void SipCall::Answer(std::int32_t request) {
+  if (state_ == State::kGone) return around_.events.RequestDone(request, kTelephonyNoCall);
+  if (state_ != State::kRinging) return around_.events.RequestDone(request, kTelephonyAlreadyAnswered);
+  if (!SendAnswer()) {
+    around_.events.RequestDone(request, kTelephonyDeviceFailed);
+    return End(false);
+  }
+  Enter(State::kAnswered);
+  around_.events.RequestDone(request, kTelephonyOk);
+  ack_timer_.StartOnce(around_.settings.timers.no_ack);
+  stream_->Start(agreement_);
+}
+
+bool SipCall::SendAnswer() {
+  const LibrePtr<mbuf> body = negotiation_->Write(!agreement_.has_value());
+  return body != nullptr && sipsess_answer(session_.get(), 200, "OK", body.get(), "%s", kAllowHeader) == 0;
+}
+
+void SipCall::Connect() {
+  if (state_ != State::kAnswered) return;
+  Enter(State::kConnected);
+  around_.events.Connected(number_);
+}
+
+/// Sound from the caller proves as well as the acknowledgement that our answer has arrived.
+void SipCall::PeerHeard() {
+  Connect();
+}
+
+void SipCall::Drop(std::int32_t request) {
+  around_.events.RequestDone(request, kTelephonyOk);
+  End(false);
+}
+
+void SipCall::HangUp() {
+  End(false);
+}
+
+void SipCall::LosePeer() {
+  End(true);
+}
+
+void SipCall::End(bool by_peer) {
+  if (state_ == State::kGone) return;
+  const bool was_answered = state_ != State::kRinging;
+  EndSession();
+  Enter(State::kGone);
+  if (by_peer && was_answered) around_.events.Disconnected(number_);
+  around_.events.Idle(number_);
+}
+
+/// 486 refuses this telephone only; 603 would end the search for the person's other ones. An answered
+/// session says BYE by itself when released, after the acknowledgement if that is still to come.
+void SipCall::EndSession() {
+  stream_->Stop();
+  if (state_ == State::kRinging && session_ != nullptr) {
+    (void)sipsess_reject(session_.get(), 486, "Busy Here", nullptr);
+  }
+  session_.reset();
+}
+
+/// A re-INVITE. What cannot be agreed is refused (488) and the call goes on as it was.
+int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) {
+  const bool has_offer = mbuf_get_left(request.mb) > 0;
+  if (has_offer) {
+    const auto agreement = negotiation_->Read(request.mb, true);
+    if (!agreement) return ENOTSUP;
+    agreement_ = agreement;
+    stream_->Update(*agreement);
+  }
+  *answer = negotiation_->Write(!has_offer).release();
+  return *answer != nullptr ? 0 : ENOMEM;
+}
+
+/// The answer to an offer of ours comes with the acknowledgement.
+int SipCall::TakeAnswer(const sip_msg& ack) {
+  const auto agreement = negotiation_->Read(ack.mb, false);
+  if (!agreement) return EPROTO;
+  agreement_ = agreement;
+  stream_->Update(*agreement);
+  return 0;
+}
+
+void SipCall::TakeInfo(const sip_msg& request) {
+  const std::string_view body(reinterpret_cast<const char*>(mbuf_buf(request.mb)), mbuf_get_left(request.mb));
+  const bool is_digit = msg_ctype_cmp(&request.ctyp, "application", "dtmf-relay") ||
+                        msg_ctype_cmp(&request.ctyp, "application", "dtmf");
+  const auto digit = is_digit ? DigitOfInfo(body) : std::nullopt;
+  if (is_digit && !digit) {
+    (void)sip_treply(nullptr, around_.stack, &request, 400, "No Key In Body");
+  } else if (!is_digit && !body.empty()) {
+    (void)sip_treplyf(nullptr, nullptr, around_.stack, &request, false, 415, "Unsupported Media Type",
+                      "Accept: application/dtmf-relay, application/dtmf\r\nContent-Length: 0\r\n\r\n");
+  } else {
+    (void)sip_treply(nullptr, around_.stack, &request, 200, "OK");
+    if (digit) DigitHeard(DigitSource::kInfo, *digit);
+  }
+}
+
+void SipCall::DigitHeard(DigitSource source, char digit) {
+  const bool is_new = digits_.Report(source, digit, std::chrono::steady_clock::now());
+  if (is_new && monitoring_ && state_ == State::kConnected) around_.events.Digit(number_, digit);
+}
+
+void SipCall::DigitHeld(DigitSource source) {
+  digits_.Held(source, std::chrono::steady_clock::now());
+}
+
+}  // namespace orven

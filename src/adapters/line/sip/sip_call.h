@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/line/sip/digit_merger.h"
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/rtp_stream.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/steady_timer.h"
+#include "platform/line_driver.h"
+
+namespace orven {
+
+/// What a call needs of the line it came in on; all of it outlives the call.
+struct CallSurroundings {
+  sip* stack;
+  sipsess_sock* sessions;
+  const SipLineSettings& settings;
+  LineAudio& audio;
+  LineDriverEvents& events;
+  std::string contact_user;
+};
+
+/// One incoming call from its first message to its end: the SIP session, its sound and its digits. It
+/// raises the call's events; Idle is the last, after which the call is only a shell to be deleted (not
+/// from within its own operations). SIP thread.
+///
+///     Ringing ──Answer──► Answered ──ACK or sound──► Connected
+///        │                   │                           │
+///        └───────────────────┴── CANCEL, BYE, Drop, ─────┴──► Gone
+///                                peer lost
+class SipCall : private RtpStreamEvents {
+ public:
+  enum class State : std::uint8_t { kRinging, kAnswered, kConnected, kGone };
+
+  /// Takes the call of a well-formed INVITE: it rings, and its first events are raised. A call that
+  /// cannot be taken is refused with the fitting answer, and nullptr returned.
+  static std::unique_ptr<SipCall> Accept(const CallSurroundings& surroundings, CallNumber number,
+                                         const sip_msg& invite);
+
+  SipCall(const SipCall&) = delete;
+  SipCall& operator=(const SipCall&) = delete;
+  ~SipCall() override;
+
+  CallNumber Number() const { return number_; }
+  bool Gone() const { return state_ == State::kGone; }
+
+  void Answer(std::int32_t request);
+  void Drop(std::int32_t request);
+  /// Ends the call without being asked by a request (the line closes).
+  void HangUp();
+  void MonitorDigits(bool on) { monitoring_ = on; }
+
+ private:
+  SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite);
+
+  bool Prepare(const sip_msg& invite);
+  bool Begin(const sip_msg& invite);
+  void Announce(const sip_msg& invite);
+  void Enter(State next);
+  void Ring();
+  bool SendAnswer();
+  void Connect();
+  void LosePeer();
+  void End(bool by_peer);
+  void EndSession();
+
+  int TakeOffer(mbuf** answer, const sip_msg& request);
+  int TakeAnswer(const sip_msg& ack);
+  void TakeInfo(const sip_msg& request);
+
+  void PeerHeard() override;
+  void DigitHeard(DigitSource source, char digit) override;
+  void DigitHeld(DigitSource source) override;
+  void PeerLost() override { LosePeer(); }
+
+  const CallSurroundings& around_;
+  const CallNumber number_;
+  State state_ = State::kRinging;
+  LibrePtr<sipsess> session_;
+  std::unique_ptr<RtpStream> stream_;
+  std::optional<MediaNegotiation> negotiation_;
+  std::optional<MediaAgreement> agreement_;  ///< absent until the peer has offered or answered
+  DigitMerger digits_;
+  SteadyTimer ring_timer_;
+  SteadyTimer ack_timer_;
+  std::int32_t rings_ = 0;
+  bool monitoring_ = false;
+};
+
+}  // namespace orven

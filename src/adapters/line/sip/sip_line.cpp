@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/sip_line.h"
+
+#include <exception>
+#include <future>
+
+#include "adapters/line/sip/line_audio.h"
+#include "adapters/line/sip/sip_agent.h"
+#include "adapters/line/sip/sip_thread.h"
+
+namespace orven {
+namespace {
+
+/// Sound quality of the line in bits a second (G.711).
+constexpr std::int32_t kMaxRate = 64'000;
+
+/// The line as its owner sees it: hands everything over to the SIP thread.
+class SipLine : public LineDriver {
+ public:
+  explicit SipLine(const SipLineSettings& settings) : settings_(settings) {
+    capabilities_.device_name = settings.name;
+    capabilities_.max_rate = kMaxRate;
+    capabilities_.caller_id = true;
+    capabilities_.monitor_digits = true;
+    capabilities_.interactive_voice = true;
+    capabilities_.automated_voice = true;
+  }
+  ~SipLine() override { Close(); }
+
+  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
+  std::int32_t Open(LineDriverEvents& events) override;
+  void Close() override;
+  void Answer(CallNumber call, std::int32_t request) override {
+    thread_.Post([this, call, request] { agent_->Answer(call, request); });
+  }
+  void Drop(CallNumber call, std::int32_t request) override {
+    thread_.Post([this, call, request] { agent_->Drop(call, request); });
+  }
+  void MonitorDigits(CallNumber call, bool on) override {
+    thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
+  }
+  /// Nothing to do: our own sound does not come back on a digital line.
+  void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
+  AudioDevice& Audio() override { return audio_; }
+  std::string LastError() const override { return error_; }
+
+ private:
+  std::optional<OpenFailure> StartAgent(LineDriverEvents& events);
+
+  const SipLineSettings settings_;
+  DeviceCapabilities capabilities_;
+  LineAudio audio_;
+  std::unique_ptr<SipAgent> agent_;  ///< SIP thread only
+  std::string error_;
+  bool open_ = false;
+  SipThread thread_;
+};
+
+std::int32_t SipLine::Open(LineDriverEvents& events) {
+  if (open_) return kTelephonyLineInUse;
+  error_ = thread_.Start();
+  if (!error_.empty()) return kTelephonyDeviceFailed;
+  std::promise<std::optional<OpenFailure>> started;
+  auto outcome = started.get_future();
+  thread_.Post([this, &events, &started] { started.set_value(StartAgent(events)); });
+  const auto failure = outcome.get();
+  open_ = !failure;
+  if (open_) return kTelephonyOk;
+  error_ = failure->reason;
+  thread_.Stop();
+  return failure->result;
+}
+
+std::optional<OpenFailure> SipLine::StartAgent(LineDriverEvents& events) {
+  std::optional<OpenFailure> failure;
+  try {
+    agent_ = std::make_unique<SipAgent>(settings_, audio_, events);
+    failure = agent_->Start();
+  } catch (const std::exception& error) {
+    failure = OpenFailure{kTelephonyDeviceFailed, error.what()};
+  }
+  if (failure) agent_.reset();
+  return failure;
+}
+
+void SipLine::Close() {
+  if (!open_) return;
+  open_ = false;
+  std::promise<void> finished;
+  thread_.Post([this, &finished] { agent_->Shutdown([&finished] { finished.set_value(); }); });
+  finished.get_future().wait();
+  thread_.Post([this] { agent_.reset(); });
+  thread_.Stop();
+}
+
+}  // namespace
+
+std::unique_ptr<LineDriver> MakeSipLine(const SipLineSettings& settings) {
+  return std::make_unique<SipLine>(settings);
+}
+
+}  // namespace orven

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace orven {
+
+/// How long a SIP line waits for things that should have happened. Not a person's business: only
+/// tests shorten them.
+struct SipLineTimers {
+  /// An answered call that is not on hold and brings no sound for so long has lost its peer.
+  std::chrono::milliseconds lost_media{30'000};
+  /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has
+  /// no effect: the SIP library gives up by itself then.
+  std::chrono::milliseconds no_ack{32'000};
+  /// Our sound is refused by the peer's machine (ICMP port unreachable) for so long, and none comes
+  /// from there. One refusal says little: a peer may open its port a moment late.
+  std::chrono::milliseconds unreachable{2'000};
+  /// The first wait after a failed registration; it doubles with each failure up to the second value.
+  std::chrono::milliseconds registration_retry_first{5'000};
+  std::chrono::milliseconds registration_retry_longest{300'000};
+  /// The registration's life that we ask for; it is refreshed well before it ends.
+  std::chrono::seconds registration_life{300};
+};
+
+/// One SIP telephone line.
+struct SipLineSettings {
+  std::string name = "SIP";               ///< device name
+  std::string listen = "127.0.0.1:5060";  ///< address and port for UDP and TCP; 0.0.0.0 is every address
+  std::string account;                    ///< "sip:user@domain" to register, or empty
+  std::string auth_user;                  ///< empty: the account's user
+  std::string password;
+  std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
+  int ring_seconds = 6;           ///< 1 or more; seconds between Ring events
+  SipLineTimers timers;
+};
+
+}  // namespace orven
