@@ -29,7 +29,7 @@ bool FirstStart::IsDue() const { return !registry_.KeyExists(RegistryRoot::Local
 void FirstStart::Run() {
   SetRegValue(registry_, RegistryRoot::LocalMachine, kAutostartKey, "ORVEN", kRegString,
               shared_.InApplicationFolder("\\ORVEN.exe -st"));
-  auto values = sources_.defaults;
+  auto values = sources_.defaults();
   Put(values, RegString("MassagesPath", shared_.InApplicationFolder("\\Messages\\")));
   if (GetWindowsVersionName(system_.Version()) == "Windows XP") Put(values, RegString("cAnimation", "1"));
   std::string password;

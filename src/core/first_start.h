@@ -16,8 +16,8 @@ namespace orven {
 class FirstStart {
  public:
   struct Sources {
-    /// The installation's default settings.
-    std::vector<NamedRegistryValue> defaults;
+    /// Reads the installation's default settings.
+    std::function<std::vector<NamedRegistryValue>()> defaults;
     /// A uniformly random number from 0 to one less than its argument, fit for making passwords.
     std::function<std::uint32_t(std::uint32_t)> random;
     /// Tells the new password to the person who installs; it is written nowhere else but into the

@@ -63,7 +63,7 @@ TEST(MainWindow, ClosingOnlyHidesAndExitEnds) {
 class EntryRoutineTest : public testing::Test {
  protected:
   EntryRoutineTest() {
-    sources.defaults = {RegString("NumOfRing", "4"), RegString("Pass", "default")};
+    sources.defaults = [] { return std::vector{RegString("NumOfRing", "4"), RegString("Pass", "default")}; };
     sources.random = [](std::uint32_t bound) { return 7 % bound; };
     sources.announce_password = [this](const std::string& text) { announced.push_back(text); };
   }
