@@ -34,7 +34,8 @@ bool IsLegal(CallState from, CallState to) {
       return to == CallState::Recording || to == CallState::Administrator || to == CallState::Disconnected;
     case CallState::Recording: return to == CallState::Recorded || to == CallState::Disconnected ||
                                       to == CallState::Administrator;
-    case CallState::Recorded: return to == CallState::Administrator || to == CallState::Disconnected;
+    case CallState::Recorded:
+    // A password keyed again starts the messages again.
     case CallState::Administrator: return to == CallState::Administrator || to == CallState::Disconnected;
     case CallState::Disconnected: return false;
   }

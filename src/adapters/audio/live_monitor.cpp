@@ -8,8 +8,8 @@ namespace {
 
 /// Two blocks in stock ride out the usual jitter of a block; beyond four (80 ms, and up to 20 more in
 /// the block being captured) a listener begins to notice the delay.
-constexpr std::uint64_t kWantedStock = 2 * kBlockSamples;
-constexpr std::uint64_t kMostStock = 4 * kBlockSamples;
+constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
+constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 
 }  // namespace
 

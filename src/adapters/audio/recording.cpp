@@ -28,7 +28,7 @@ constexpr auto kLevelHolds = 1s;
 constexpr std::int32_t kFullScale = 32768;
 
 /// Samples that the queue takes without allocating: what comes while a sync holds the writer up.
-constexpr std::size_t kQueueReserve = 10 * kSampleRate;
+constexpr std::size_t kQueueReserve = std::size_t{10} * kSampleRate;
 
 std::int32_t PeakOf(std::span<const std::int16_t> block) {
   std::int32_t peak = 0;
@@ -38,9 +38,10 @@ std::int32_t PeakOf(std::span<const std::int16_t> block) {
 
 /// A name in `folder` that no file has yet.
 std::string UnusedName(const std::string& folder, const std::string& stem) {
+  const std::string start = folder + "/" + stem + ".unsaved-";
   std::error_code unknown;
   for (int n = 1;; ++n) {
-    std::string path = folder + "/" + stem + ".unsaved-" + std::to_string(n) + ".wav";
+    std::string path = start + std::to_string(n) + ".wav";
     if (!std::filesystem::exists(path, unknown)) return path;
   }
 }
@@ -162,9 +163,10 @@ void Recording::Grow(Lock& lock) {
 
 /// What SaveAs left to be done without haste, or the destructor's last word.
 void Recording::Settle(Lock& lock) {
-  while (unsaved_ && !abandoned_) {
+  while (unsaved_) {
     wake_.wait_for(lock, kTryAgain, [this] { return abandoned_; });
     unsaved_ = !Keep();
+    if (abandoned_) break;  // that was the last attempt
   }
   if (!stored_ && settings_.to_disk) {  // nobody saved it
     Absorb();
@@ -179,7 +181,7 @@ void Recording::Settle(Lock& lock) {
 }
 
 /// Opens the lock meanwhile: SaveAs must not wait for the disk.
-void Recording::Sync(Lock& lock, std::shared_ptr<DiskFile> file, bool name_too) {
+void Recording::Sync(Lock& lock, const std::shared_ptr<DiskFile>& file, bool name_too) {
   if (!file) return;
   const std::string folder = FolderOf(file->Path());
   lock.unlock();

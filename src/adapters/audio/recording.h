@@ -68,7 +68,7 @@ class Recording : public AudioSink {
   void Absorb();
   void Grow(Lock& lock);
   void Settle(Lock& lock);
-  void Sync(Lock& lock, std::shared_ptr<DiskFile> file, bool name_too);
+  void Sync(Lock& lock, const std::shared_ptr<DiskFile>& file, bool name_too);
   std::int32_t Store(const std::string& path);
   bool Keep();
 

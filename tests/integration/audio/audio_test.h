@@ -16,6 +16,8 @@ namespace orven::testing {
 
 inline constexpr std::int32_t kLine = kFirstLineWaveDevice;
 inline constexpr std::int32_t kCard = 0;
+inline constexpr std::size_t kSecond = kSampleRate;  ///< in samples
+inline constexpr std::size_t kBlock = kBlockSamples;
 inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000};
 inline constexpr WaveFormat kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
 

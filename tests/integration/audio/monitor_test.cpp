@@ -65,8 +65,8 @@ TEST_F(Monitor, ItNeedsARecordingAndADevice) {
 }
 
 TEST_F(Monitor, PlayingRecordingAndListeningGoOnSideBySide) {
-  const Samples spoken = Noise(30 * kSampleRate, 1);
-  const Samples greeting = Noise(30 * kSampleRate, 2);
+  const Samples spoken = Noise(30 * kSecond, 1);
+  const Samples greeting = Noise(30 * kSecond, 2);
   WriteSound(folder / "greeting.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, greeting);
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
   ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));

@@ -46,7 +46,7 @@ class PlayFormats : public AudioTest {
     const std::string path = folder / "sine.wav";
     WriteSound(path, SF_FORMAT_WAV | kind.encoding, rate, channels, Sine(rate, kTone, 0.5, kSeconds));
     const Samples played = Play(path);
-    ASSERT_EQ(kBlocks * kBlockSamples, played.size());
+    ASSERT_EQ(kBlocks * kBlock, played.size());
     const SineFit fit = FitSine(Samples(played.begin() + 80, played.begin() + 80 + 8000), kTone);
     EXPECT_NEAR(0.5, fit.amplitude, 0.005);
     EXPECT_GT(fit.snr, kind.snr);
@@ -69,9 +69,9 @@ TEST_F(PlayFormats, EveryRateKeepsLevelAndSound) {
 TEST_F(PlayFormats, WhatNeedsNoConversionIsPlayedBitByBit) {
   for (const int encoding : {SF_FORMAT_PCM_16, SF_FORMAT_ULAW, SF_FORMAT_ALAW}) {
     const std::string path = folder / "exact.wav";
-    WriteSound(path, SF_FORMAT_WAV | encoding, Noise(5 * kSampleRate + 7));
+    WriteSound(path, SF_FORMAT_WAV | encoding, Noise(5 * kSecond + 7));
     Samples expected = *ReadWithSndfile(path);
-    expected.resize(251 * kBlockSamples);  // the last block ends in silence
+    expected.resize(251 * kBlock);  // the last block ends in silence
     EXPECT_EQ(expected, Play(path));
   }
 }
@@ -114,7 +114,7 @@ TEST_F(PlayFormats, SoundAboveTheTelephoneBandDoesNotFoldBack) {
   for (std::size_t i = 0; i < both.size(); ++i) both[i] += high[i];
   WriteSound(folder / "high.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1, both);
   const Samples played = Play(folder / "high.wav");
-  ASSERT_EQ(60U * kBlockSamples, played.size());
+  ASSERT_EQ(60U * kBlock, played.size());
   EXPECT_GT(FitSine(Samples(played.begin() + 800, played.begin() + 8800), kTone).snr, 75);
 }
 
@@ -122,12 +122,12 @@ TEST_F(PlayFormats, FilesOfOtherMakersPlay) {
   const std::string path = folder / "sox.wav";
   for (const std::string options :
        {"-e mu-law", "-e a-law", "-b 8", "-b 24", "-e ms-adpcm", "-e ima-adpcm"}) {
-    const std::string make =
-        "sox -D -n -r 16000 -c 2 " + options + " '" + path + "' synth 1.037 sine 997 vol 0.5";
+    std::string make = "sox -D -n -r 16000 -c 2 ";
+    make.append(options).append(" ").append(path).append(" synth 1.037 sine 997 vol 0.5");
     ASSERT_EQ(0, std::system(make.c_str())) << make;
     const Samples played = Play(path);
-    ASSERT_GE(played.size(), kBlocks * kBlockSamples) << options;
-    ASSERT_LE(played.size(), (kBlocks + 3) * kBlockSamples) << options;  // ADPCM fills up its own blocks
+    ASSERT_GE(played.size(), kBlocks * kBlock) << options;
+    ASSERT_LE(played.size(), (kBlocks + 3) * kBlock) << options;  // ADPCM fills up its own blocks
     const SineFit fit = FitSine(Samples(played.begin() + 80, played.begin() + 8080), kTone);
     EXPECT_NEAR(0.5, fit.amplitude, 0.01) << options;
     EXPECT_GT(fit.snr, 20) << options;

@@ -15,8 +15,8 @@ using namespace std::chrono_literals;
 class Play : public AudioTest {
  protected:
   Play() {
-    WriteSound(greeting, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(3 * kSampleRate));
-    WriteSound(beep, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(kSampleRate / 5, 2));
+    WriteSound(greeting, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(3 * kSecond));
+    WriteSound(beep, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(kSecond / 5, 2));
   }
 
   const std::string greeting = folder / "greeting.wav";
@@ -25,7 +25,7 @@ class Play : public AudioTest {
 
 TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  EXPECT_EQ(3U * kSampleRate, line.PlayToEnd().size());
+  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
   EXPECT_TRUE(control->IsPlaying());
   EXPECT_EQ(3000ms, control->Position());
   EXPECT_EQ(0, finished);
@@ -46,7 +46,7 @@ TEST_F(Play, OnePlayLeadsToTheNext) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   line.PlayToEnd();
   loop.Run();
-  EXPECT_EQ(Noise(kSampleRate / 5, 2), beeped);
+  EXPECT_EQ(Noise(kSecond / 5, 2), beeped);
   EXPECT_EQ(2, finished);
 }
 
@@ -67,7 +67,7 @@ TEST_F(Play, AnEarlierPlayDoesNotEndTheNextOne) {
   loop.Run();
   EXPECT_EQ(0, finished);
   EXPECT_TRUE(control->IsPlaying());
-  EXPECT_EQ(3U * kSampleRate, line.PlayToEnd().size());
+  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
   loop.Run();
   EXPECT_EQ(1, finished);
 }
@@ -99,7 +99,7 @@ TEST_F(Play, OneFileAtATimeOnADeviceThatIsThere) {
   line.refuse = kWaveOk;
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   EXPECT_EQ(kWaveBusy, control->PlayFile(beep, kCard));
-  EXPECT_EQ(3U * kSampleRate, line.PlayToEnd().size());
+  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
 }
 
 TEST_F(Play, PositionFollowsTheDevice) {
@@ -124,7 +124,7 @@ TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
   folder_disk.Release();
   const Samples rest = line.PlayToEnd();
   played.insert(played.end(), rest.begin(), rest.end());
-  EXPECT_EQ(Noise(3 * kSampleRate), played);
+  EXPECT_EQ(Noise(3 * kSecond), played);
 }
 
 TEST_F(Play, StoppingDoesNotWaitForTheDisk) {
@@ -138,18 +138,18 @@ TEST_F(Play, StoppingDoesNotWaitForTheDisk) {
 
 TEST_F(Play, AFileThatShrinksOrGoesEndsWhereItEnds) {
   const std::string path = folder / "long.wav";
-  WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(60 * kSampleRate));
+  WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(60 * kSecond));
   ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine));
   ASSERT_TRUE(Eventually([&] { return line.Pull()->front() != 0; }));
-  std::filesystem::resize_file(path, 30U * kSampleRate * 2);
+  std::filesystem::resize_file(path, 30 * kSecond * 2);
   const std::size_t played = line.PlayToEnd().size();
-  EXPECT_NEAR(30 * kSampleRate, static_cast<double>(played), kSampleRate);
+  EXPECT_NEAR(30 * kSecond, static_cast<double>(played), kSampleRate);
   loop.Run();
   EXPECT_EQ(1, finished);
 
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   std::filesystem::remove(greeting);
-  EXPECT_EQ(Noise(3 * kSampleRate), line.PlayToEnd());
+  EXPECT_EQ(Noise(3 * kSecond), line.PlayToEnd());
   loop.Run();
   EXPECT_EQ(2, finished);
 }

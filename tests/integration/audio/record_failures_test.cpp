@@ -13,7 +13,7 @@ namespace {
 
 class RecordFailures : public AudioTest {
  protected:
-  const Samples spoken = Noise(5 * kSampleRate);
+  const Samples spoken = Noise(5 * kSecond);
   const std::string message = messages / "m.wav";
 
   void Capture() {

@@ -23,7 +23,7 @@ class Record : public AudioTest {
 };
 
 TEST_F(Record, TheFileHoldsExactlyWhatWasCaptured) {
-  const Samples spoken = Noise(7 * kSampleRate);
+  const Samples spoken = Noise(7 * kSecond);
   const Samples spoken_mu_law = ThroughMuLaw(spoken);
   for (const bool to_disk : {true, false}) {
     for (const WaveFormat& format : {kPcm, kMuLaw}) {
@@ -48,7 +48,7 @@ TEST_F(Record, TheFileHoldsExactlyWhatWasCaptured) {
 }
 
 TEST_F(Record, LinearSoundBecomesTheNearestMuLaw) {
-  const Samples spoken = Noise(kSampleRate);
+  const Samples spoken = Noise(kSecond);
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kMuLaw));
   line.Capture(spoken);
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(folder / "m.wav"));
@@ -67,9 +67,9 @@ TEST_F(Record, AnOlderFileIsReplaced) {
     control->SetRecordToDisk(to_disk);
     WriteText(messages / "m.wav", std::string(1'000'000, 'x'));
     ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-    line.Capture(Noise(kSampleRate));
+    line.Capture(Noise(kSecond));
     ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "m.wav"));
-    EXPECT_EQ(Noise(kSampleRate), ReadWithSox(messages / "m.wav"));
+    EXPECT_EQ(Noise(kSecond), ReadWithSox(messages / "m.wav"));
     EXPECT_EQ(1U, messages.Names().size());
   }
 }
@@ -120,12 +120,12 @@ TEST_F(Record, LevelIsThePeakOfTheLastBlockInThousandths) {
 }
 
 TEST_F(Record, TheGrowingFileCanBeReadAtAnyTime) {
-  const Samples spoken = Noise(5 * kSampleRate);
+  const Samples spoken = Noise(5 * kSecond);
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kMuLaw));
   Samples so_far;
   for (std::size_t second = 0; second < 5; ++second) {
-    const auto from = spoken.begin() + static_cast<std::ptrdiff_t>(second * kSampleRate);
-    const Samples news(from, from + kSampleRate);
+    const auto from = spoken.begin() + static_cast<std::ptrdiff_t>(second * kSecond);
+    const Samples news(from, from + kSecond);
     line.Capture(news);
     so_far.insert(so_far.end(), news.begin(), news.end());
     const std::string growing = GrowingWith(so_far.size());
@@ -139,7 +139,7 @@ TEST_F(Record, TheGrowingFileCanBeReadAtAnyTime) {
 TEST_F(Record, InMemoryNothingIsOnDiskBeforeTheEnd) {
   control->SetRecordToDisk(false);
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  line.Capture(Noise(kSampleRate));
+  line.Capture(Noise(kSecond));
   control.reset();
   EXPECT_TRUE(messages.Names().empty());
   EXPECT_TRUE(rescue.Names().empty());
@@ -148,13 +148,13 @@ TEST_F(Record, InMemoryNothingIsOnDiskBeforeTheEnd) {
 TEST_F(Record, DestructionInMidRecordingLeavesItOnDisk) {
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
   ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));
-  line.Capture(Noise(3 * kSampleRate));
+  line.Capture(Noise(3 * kSecond));
   control.reset();
   EXPECT_FALSE(line.Records());
   EXPECT_FALSE(card.Plays());
   const auto left = messages.Names(".wav.part");
   ASSERT_EQ(1U, left.size());
-  EXPECT_EQ(Noise(3 * kSampleRate), ReadWithSox(messages / left[0]));
+  EXPECT_EQ(Noise(3 * kSecond), ReadWithSox(messages / left[0]));
 }
 
 TEST_F(Record, TwoControlsRecordIntoOneFolder) {
@@ -163,15 +163,15 @@ TEST_F(Record, TwoControlsRecordIntoOneFolder) {
   other.SetRecordToDisk(true);
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
   ASSERT_EQ(kWaveOk, other.StartRecord(kCard, kPcm));
-  std::thread first([&] { line.Capture(Noise(20 * kSampleRate, 1)); });
-  std::thread second([&] { card.Capture(Noise(20 * kSampleRate, 2)); });
+  std::thread first([&] { line.Capture(Noise(20 * kSecond, 1)); });
+  std::thread second([&] { card.Capture(Noise(20 * kSecond, 2)); });
   EXPECT_TRUE(Eventually([&] { return messages.Names(".wav.part").size() == 2; }));
   first.join();
   second.join();
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "1.wav"));
   ASSERT_EQ(kWaveOk, other.StopRecordToFile(messages / "2.wav"));
-  EXPECT_EQ(Noise(20 * kSampleRate, 1), ReadWithSox(messages / "1.wav"));
-  EXPECT_EQ(Noise(20 * kSampleRate, 2), ReadWithSox(messages / "2.wav"));
+  EXPECT_EQ(Noise(20 * kSecond, 1), ReadWithSox(messages / "1.wav"));
+  EXPECT_EQ(Noise(20 * kSecond, 2), ReadWithSox(messages / "2.wav"));
 }
 
 }  // namespace

@@ -58,8 +58,10 @@ SimScript ReadSimScript(const std::string& path, std::vector<std::string>& compl
     if (auto step = ReadStep(line)) {
       script.push_back(std::move(*step));
     } else {
-      complaints.push_back(file_name + ":" + std::to_string(number) + ": \"" + line +
-                           "\": expected seconds and offer, ring, callerid NUMBER NAME, press KEYS or hangup");
+      std::ostringstream complaint;
+      complaint << file_name << ':' << number << ": \"" << line
+                << "\": expected seconds and offer, ring, callerid NUMBER NAME, press KEYS or hangup";
+      complaints.push_back(complaint.str());
     }
   }
   return script;
