@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/registry/registry_document.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "adapters/registry/utf16.h"
+
+namespace orven {
+
+namespace {
+
+using Kind = RegistryLine::Kind;
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+
+std::string Folded(std::string_view text) {
+  std::string folded(text);
+  for (char& letter : folded) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return folded;
+}
+
+bool IsBelow(std::string_view key, std::string_view parent) {
+  return key.size() > parent.size() && key.starts_with(parent) && key[parent.size()] == '\\';
+}
+
+}  // namespace
+
+RegistryDocument::RegistryDocument(std::string_view content) {
+  std::string converted;
+  bool cut = false;
+  if (content.starts_with(kUtf8Mark)) {
+    byte_order_mark_ = true;
+    content.remove_prefix(kUtf8Mark.size());
+  } else if (content.starts_with(kUtf16Mark)) {
+    content.remove_prefix(kUtf16Mark.size());
+    cut = content.size() % 2 != 0;
+    converted = Utf8FromUtf16(content.substr(0, content.size() - (cut ? 1 : 0))).value_or("");
+    content = converted;
+  }
+  const std::size_t first_end = content.find('\n');
+  if (first_end != content.npos && first_end > 0 && content[first_end - 1] == '\r') line_end_ = "\r\n";
+  ReadLines(content);
+  CheckHeader();
+  DropStrayValues();
+  for (const RegistryLine& line : lines_) {
+    if (!line.fault.empty()) faults_.push_back({line.fault_number, line.fault});
+  }
+  if (cut) faults_.push_back({lines_.empty() ? 1 : lines_.back().number, "the file ends within a character"});
+  Interpret();
+}
+
+void RegistryDocument::ReadLines(std::string_view text) {
+  int number = 1;
+  while (!text.empty()) {
+    lines_.push_back(ParseRegistryLine(text, number));
+    const std::string& raw = lines_.back().raw;
+    number += static_cast<int>(std::count(raw.begin(), raw.end(), '\n'));
+    text.remove_prefix(raw.size());
+  }
+}
+
+void RegistryDocument::CheckHeader() {
+  const auto first = std::find_if(lines_.begin(), lines_.end(),
+                                  [](const RegistryLine& line) { return line.kind != Kind::Plain; });
+  const std::string expected = "expected \"" + std::string(kRegistryHeader) + "\" as the first line";
+  if (first == lines_.end()) {
+    faults_.push_back({1, expected});
+  } else if (first->kind != Kind::Header) {
+    first->fault = expected;
+    first->fault_number = first->number;
+  }
+}
+
+// A damaged key line leaves the values below it without a key. Kept, they would fall to the key above.
+void RegistryDocument::DropStrayValues() {
+  enum class Where { BeforeKeys, InKey, BelowDamagedKey } where = Where::BeforeKeys;
+  for (RegistryLine& line : lines_) {
+    const bool is_value = line.kind == Kind::Value || line.kind == Kind::DeletedValue;
+    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) {
+      where = Where::InKey;
+    } else if (line.kind == Kind::Damaged &&
+               line.raw.find_first_of('[') == line.raw.find_first_not_of(" \t")) {
+      where = Where::BelowDamagedKey;
+    } else if (is_value && where != Where::InKey) {
+      line.kind = Kind::Damaged;
+      if (where == Where::BelowDamagedKey || !line.fault.empty()) continue;
+      line.fault = "a value before the first [key]";
+      line.fault_number = line.number;
+    }
+  }
+}
+
+void RegistryDocument::Interpret() {
+  keys_.clear();
+  Key* current = nullptr;
+  for (std::size_t at = 0; at < lines_.size(); ++at) {
+    const RegistryLine& line = lines_[at];
+    const std::string name = Folded(line.name);
+    if (line.kind == Kind::Key) {
+      current = &keys_[name];
+    } else if (line.kind == Kind::DeletedKey) {
+      std::erase_if(keys_, [&](const auto& key) { return key.first == name || IsBelow(key.first, name); });
+      current = nullptr;
+    } else if (line.kind == Kind::Value && current != nullptr) {
+      current->values[name] = at;
+    } else if (line.kind == Kind::DeletedValue && current != nullptr) {
+      current->values.erase(name);
+    } else {
+      continue;
+    }
+    if (current != nullptr) current->last_line = at;
+  }
+}
+
+bool RegistryDocument::HasKey(const std::string& key) const {
+  const std::string folded = Folded(key);
+  return std::any_of(keys_.begin(), keys_.end(), [&](const auto& entry) {
+    return entry.first == folded || IsBelow(entry.first, folded);
+  });
+}
+
+const RegistryValue* RegistryDocument::Find(const std::string& key, const std::string& name) const {
+  const auto found = keys_.find(Folded(key));
+  if (found == keys_.end()) return nullptr;
+  const auto value = found->second.values.find(Folded(name));
+  return value == found->second.values.end() ? nullptr : &lines_[value->second].value;
+}
+
+std::vector<NamedRegistryValue> RegistryDocument::Values(const std::string& key) const {
+  const auto found = keys_.find(Folded(key));
+  if (found == keys_.end()) return {};
+  std::vector<std::size_t> order;
+  order.reserve(found->second.values.size());
+  for (const auto& [name, line] : found->second.values) order.push_back(line);
+  std::sort(order.begin(), order.end());
+  std::vector<NamedRegistryValue> values;
+  values.reserve(order.size());
+  for (const std::size_t line : order) values.push_back({lines_[line].name, lines_[line].value});
+  return values;
+}
+
+bool RegistryDocument::Set(const std::string& key, std::span<const NamedRegistryValue> values) {
+  const auto can_be_written = [](const NamedRegistryValue& value) { return IsRegistryName(value.name); };
+  if (!IsRegistryName(key) || !std::all_of(values.begin(), values.end(), can_be_written)) return false;
+  if (!keys_.contains(Folded(key))) AddKey(key);
+  for (const NamedRegistryValue& value : values) SetValue(key, value);
+  return true;
+}
+
+void RegistryDocument::SetValue(const std::string& key, const NamedRegistryValue& value) {
+  const Key& section = keys_.at(Folded(key));
+  const auto existing = section.values.find(Folded(value.name));
+  if (existing == section.values.end()) {
+    const std::string start = NotationOfName(value.name) + "=";
+    Insert(section.last_line + 1, start + NotationOfValue(value.value, start.size(), line_end_) + line_end_);
+    return;
+  }
+  RegistryLine& line = lines_[existing->second];
+  const std::string after = line.raw.substr(line.value_end);
+  line.raw.resize(line.value_begin);
+  line.raw += NotationOfValue(value.value, line.value_begin, line_end_) + after;
+  line = ParseRegistryLine(line.raw, line.number);
+}
+
+void RegistryDocument::AddKey(const std::string& key) {
+  if (!lines_.empty()) Insert(lines_.size(), line_end_);
+  Insert(lines_.size(), "[" + key + "]" + line_end_);
+}
+
+void RegistryDocument::Insert(std::size_t at, const std::string& raw) {
+  if (at > 0 && !lines_[at - 1].raw.ends_with('\n')) lines_[at - 1].raw += line_end_;
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), ParseRegistryLine(raw, 0));
+  Interpret();
+}
+
+bool RegistryDocument::Remove(const std::string& key, const std::string& name) {
+  if (Find(key, name) == nullptr) return false;
+  // Every line that sets it goes, or an earlier one would come back.
+  std::string current;
+  std::erase_if(lines_, [&, folded = Folded(key), value = Folded(name)](const RegistryLine& line) {
+    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) current = Folded(line.name);
+    return line.kind == Kind::Value && current == folded && Folded(line.name) == value;
+  });
+  Interpret();
+  return true;
+}
+
+std::string RegistryDocument::Text() const {
+  std::string text(byte_order_mark_ ? kUtf8Mark : "");
+  const auto is_header = [](const RegistryLine& line) { return line.kind == Kind::Header; };
+  if (std::none_of(lines_.begin(), lines_.end(), is_header)) {
+    text.append(kRegistryHeader).append(line_end_).append(line_end_);
+  }
+  for (const RegistryLine& line : lines_) {
+    if (line.kind != Kind::Damaged) text += line.raw;
+  }
+  return text;
+}
+
+}  // namespace orven

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/registry/registry_line.h"
+#include "platform/registry.h"
+
+namespace orven {
+
+/// What is wrong in which line of a registry text.
+struct RegistryFault {
+  int number = 0;
+  std::string text;
+};
+
+/// A registry text in memory: its lines as they are, and the values that importing it from top to
+/// bottom would give. Keys are whole paths with their root ("HKEY_LOCAL_MACHINE\SOFTWARE\ORVEN");
+/// they and value names compare without regard to the case of ASCII letters. A change touches only
+/// the lines it is about.
+class RegistryDocument {
+ public:
+  /// An empty text, which gets its header when it is written.
+  RegistryDocument() = default;
+
+  /// Understands the content of a file: UTF-8 with or without a byte order mark, or UTF-16LE with one.
+  explicit RegistryDocument(std::string_view content);
+
+  /// Damaged lines in their order; what stands in them is no part of the values.
+  const std::vector<RegistryFault>& Faults() const { return faults_; }
+
+  /// Whether the key, or one below it, is there.
+  bool HasKey(const std::string& key) const;
+
+  /// The value, or nullptr; valid until the next change.
+  const RegistryValue* Find(const std::string& key, const std::string& name) const;
+
+  /// All values of one key in the order of their lines.
+  std::vector<NamedRegistryValue> Values(const std::string& key) const;
+
+  /// Creates the key if it is absent and sets its values, in place where there are any. False,
+  /// nothing changed, when the format cannot hold one of the names.
+  bool Set(const std::string& key, std::span<const NamedRegistryValue> values);
+
+  /// Removes a value; false when it was not there.
+  bool Remove(const std::string& key, const std::string& name);
+
+  /// The text in UTF-8, without damaged lines and with a header.
+  std::string Text() const;
+
+ private:
+  struct Key {
+    std::size_t last_line = 0;                  ///< of its latest section
+    std::map<std::string, std::size_t> values;  ///< lines by folded name
+  };
+
+  void ReadLines(std::string_view text);
+  void CheckHeader();
+  void DropStrayValues();
+  void Interpret();
+  void SetValue(const std::string& key, const NamedRegistryValue& value);
+  void AddKey(const std::string& key);
+  void Insert(std::size_t at, const std::string& raw);
+
+  bool byte_order_mark_ = false;
+  std::string line_end_ = "\n";
+  std::vector<RegistryLine> lines_;
+  std::vector<RegistryFault> faults_;
+  std::map<std::string, Key> keys_;  ///< by folded path
+};
+
+}  // namespace orven
