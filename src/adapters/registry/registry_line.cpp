@@ -52,14 +52,15 @@ class LineReader {
   void SkipDamaged(int lines_down) {
     at_ = 0;
     bool continues = true;
+    bool in_bytes = false;
     for (int line_number = 0; continues || line_number <= lines_down; ++line_number) {
       const std::size_t end = EndOfPhysicalLine();
       std::string_view line = text_.substr(at_, end - at_);
       line = line.substr(0, line.find_last_not_of(" \t\r\n") + 1);
       at_ = end;
       const std::string_view next = text_.substr(at_, EndOfPhysicalLine() - at_);
-      const bool has_bytes = line.find("=hex") != line.npos || LooksLikeBytes(line);
-      continues = line.ends_with('\\') && has_bytes && LooksLikeBytes(next);
+      in_bytes = in_bytes || line.find("=hex") != line.npos || LooksLikeBytes(line);
+      continues = in_bytes && line.ends_with('\\') && LooksLikeBytes(next);
     }
   }
 
