@@ -214,9 +214,11 @@ class LineReader {
         NextPhysicalLine();
         continue;
       }
-      if (!bytes.empty() && !more) throw Fault{"expected a comma between two bytes", lines_down_};
+      if (!bytes.empty() && !more)
+        throw Fault{"expected bytes of two hexadecimal digits with commas between them", lines_down_};
       const auto byte = ReadNumber(2);
-      if (!byte) throw Fault{"expected a byte of two hexadecimal digits", lines_down_};
+      if (!byte)
+        throw Fault{"expected bytes of two hexadecimal digits with commas between them", lines_down_};
       bytes += static_cast<char>(*byte);
       SkipBlanks();
       more = Peek() == ',';
