@@ -38,7 +38,7 @@ std::int32_t DiskFile::Create(const std::string& folder, std::shared_ptr<DiskFil
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0 && errno == EEXIST) continue;
     if (descriptor < 0) return ResultOf(errno);
-    file.reset(new DiskFile(std::move(path), descriptor));
+    file = std::shared_ptr<DiskFile>(new DiskFile(std::move(path), descriptor));
     return kWaveOk;
   }
 }
