@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <new>
 
+#include "adapters/line/sip/listen_addresses.h"
+
 namespace orven {
 namespace {
 
@@ -135,7 +137,7 @@ bool Registration::Send(seconds life) {
 int Registration::WriteContact(sip_transp transport, const sa& source, const sa& server,
                                mbuf& request) const {
   sa address = source;
-  if (sa_is_any(&source)) {
+  if (const auto listen = ParseListenAddress(settings_.listen); listen && sa_is_any(&*listen)) {
     address = LocalAddressTowards(server);
     sa_set_port(&address, sa_port(&source));
   }

@@ -36,8 +36,8 @@ class Registration {
   const SipLineSettings& settings_;
   LibrePtr<sip_auth> auth_;
   LibrePtr<sip_dialog> dialog_;
-  sip_keepalive* connection_ = nullptr;  ///< watched; the library clears it when it is gone
-  struct sip_request* request_ = nullptr;       ///< under way; the library clears it when answered
+  sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
+  struct sip_request* request_ = nullptr;  ///< under way; the library clears it when answered
   SteadyTimer timer_;
   std::chrono::seconds life_;      ///< that we ask for
   std::chrono::seconds asked_{0};  ///< in the latest request

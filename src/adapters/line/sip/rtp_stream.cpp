@@ -117,7 +117,8 @@ void RtpStream::DeliverBlock() {
 
 void RtpStream::CheckPeer(Time now) {
   if (!agreement_) return;
-  if (!agreement_->receive) alive_ = now;
+  // On hold many telephones send nothing, whatever they announced.
+  if (!agreement_->receive || !agreement_->send) alive_ = now;
   const bool silent = now - alive_ >= timers_.lost_media;
   const bool refused = refused_since_ && now - *refused_since_ >= timers_.unreachable;
   if (silent || refused) events_.PeerLost();

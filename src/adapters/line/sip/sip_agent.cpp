@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_agent.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <exception>
 #include <utility>
 
+#include "adapters/line/sip/listen_addresses.h"
 #include "adapters/line/sip/sip_requests.h"
 
 namespace orven {
@@ -16,6 +18,9 @@ constexpr std::uint32_t kBuckets = 32;
 
 /// A line must be closed within 2 s whatever the network does.
 constexpr std::chrono::milliseconds kLongestFarewell{1'500};
+
+/// A line on every address looks for new ones so often: a network that comes up, an address that changes.
+constexpr std::chrono::seconds kAddressWatch{10};
 
 constexpr const char* kCertificateAuthorities = "/etc/ssl/certs/ca-certificates.crt";
 
@@ -36,7 +41,11 @@ LibrePtr<dnsc> NameResolver() {
 }  // namespace
 
 SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events)
-    : settings_(settings), audio_(audio), events_(events), close_timer_([this] { Finish(); }) {}
+    : settings_(settings),
+      audio_(audio),
+      events_(events),
+      close_timer_([this] { Finish(); }),
+      address_timer_([this] { (void)AddNewAddresses(); }) {}
 
 SipAgent::~SipAgent() {
   call_.reset();
@@ -61,7 +70,8 @@ std::optional<OpenFailure> SipAgent::Start() {
 }
 
 std::optional<OpenFailure> SipAgent::Listen() {
-  if (sa_decode(&listen_, settings_.listen.data(), settings_.listen.size()) != 0) {
+  listen_ = ParseListenAddress(settings_.listen);
+  if (!listen_) {
     return OpenFailure{kTelephonyDeviceFailed, "listen address \"" + settings_.listen +
                                                    "\" is no address and port like 127.0.0.1:5060"};
   }
@@ -70,11 +80,12 @@ std::optional<OpenFailure> SipAgent::Listen() {
       &stack, NameResolver().get(), kBuckets, kBuckets, kBuckets, kSoftware,
       [](void* self) { Self(self).Finish(); }, this);
   stack_.reset(stack);
-  if (error == 0) error = AddTransports(listen_);
+  if (error == 0) error = AddTransports();
   // The order matters: what is unsound is out before the sessions see it, what they leave comes last.
   if (error == 0) {
     error = sip_listen(
-        nullptr, stack, true, [](const sip_msg* request, void* self) { return Self(self).Screen(*request); },
+        nullptr, stack, true,
+        [](const sip_msg* request, void* self) { return !IsSoundRequest(*Self(self).stack_, *request); },
         this);
   }
   sipsess_sock* sessions = nullptr;
@@ -101,11 +112,26 @@ std::optional<OpenFailure> SipAgent::Listen() {
                      "cannot listen on " + settings_.listen + ": " + ErrorWords(error)};
 }
 
-int SipAgent::AddTransports(const sa& address) {
-  int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
-  if (error == 0) error = sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
-  if (error == 0 && !settings_.account.empty() && settings_.transport == "tls") error = AddTls(address);
+int SipAgent::AddTransports() {
+  int error = AddNewAddresses();
+  if (error == 0 && listening_.empty()) error = EADDRNOTAVAIL;
+  if (error == 0 && !settings_.account.empty() && settings_.transport == "tls")
+    error = AddTls(listening_.front());
+  if (error == 0 && sa_is_any(&*listen_)) address_timer_.StartPeriodic(kAddressWatch);
   return error;
+}
+
+int SipAgent::AddNewAddresses() {
+  for (const sa& address : ExpandListenAddress(*listen_)) {
+    const bool known = std::any_of(listening_.begin(), listening_.end(),
+                                   [&address](const sa& one) { return sa_cmp(&one, &address, SA_ALL); });
+    if (known) continue;
+    int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
+    if (error == 0) error = sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
+    if (error != 0) return error;
+    listening_.push_back(address);
+  }
+  return 0;
 }
 
 /// Only to reach the account's server: the port is any free one, and nobody is told of it.
@@ -117,18 +143,6 @@ int SipAgent::AddTls(const sa& address) {
   const LibrePtr<tls> context(raw);
   (void)tls_add_ca(raw, kCertificateAuthorities);
   return sip_transp_add(stack_.get(), SIP_TRANSP_TLS, &local, raw);
-}
-
-/// True: the request has been dealt with.
-bool SipAgent::Screen(const sip_msg& request) {
-  if (sa_is_any(&request.dst)) {
-    // A line on every address: from here on the one that the peer sees, for Contact and sound.
-    auto& message = const_cast<sip_msg&>(request);
-    const std::uint16_t port = sa_port(&message.dst);
-    message.dst = LocalAddressTowards(request.src);
-    sa_set_port(&message.dst, port);
-  }
-  return !IsSoundRequest(*stack_, request);
 }
 
 void SipAgent::TakeInvite(const sip_msg& invite) {

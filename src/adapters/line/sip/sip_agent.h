@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/registration.h"
@@ -42,10 +43,10 @@ class SipAgent {
 
  private:
   std::optional<OpenFailure> Listen();
-  int AddTransports(const sa& address);
+  int AddTransports();
+  int AddNewAddresses();
   int AddTls(const sa& address);
 
-  bool Screen(const sip_msg& request);
   void TakeInvite(const sip_msg& invite);
   SipCall* Find(CallNumber number) const;
   void Finish();
@@ -55,13 +56,15 @@ class SipAgent {
   LineDriverEvents& events_;
   LibrePtr<sip> stack_;
   LibrePtr<sipsess_sock> sessions_;
-  sa listen_{};
+  std::optional<sa> listen_;   ///< as configured
+  std::vector<sa> listening_;  ///< what that means
   std::optional<CallSurroundings> surroundings_;
   std::unique_ptr<Registration> registration_;
   std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one
   CallNumber calls_ = 0;
   bool closing_ = false;
   SteadyTimer close_timer_;
+  SteadyTimer address_timer_;
   std::function<void()> done_;
 };
 

@@ -17,14 +17,6 @@ SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
 }
 
-/// Where the call's sound arrives: the address at which the caller reached us. A line that listens on
-/// every address also takes sound at every address, and tells the one on the way to the caller's.
-sa SoundAddress(const sip_msg& invite, const SipLineSettings& settings) {
-  sa listen{};
-  if (sa_decode(&listen, settings.listen.data(), settings.listen.size()) != 0) return invite.dst;
-  return sa_is_any(&listen) ? listen : invite.dst;
-}
-
 }  // namespace
 
 std::unique_ptr<SipCall> SipCall::Accept(const CallSurroundings& surroundings, CallNumber number,
@@ -38,8 +30,7 @@ std::unique_ptr<SipCall> SipCall::Accept(const CallSurroundings& surroundings, C
 SipCall::SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite)
     : around_(surroundings),
       number_(number),
-      stream_(RtpStream::Bind(SoundAddress(invite, surroundings.settings), surroundings.audio,
-                              surroundings.settings.timers, *this)),
+      stream_(RtpStream::Bind(invite.dst, surroundings.audio, surroundings.settings.timers, *this)),
       ring_timer_([this] { Ring(); }),
       ack_timer_([this] { LosePeer(); }) {}
 
