@@ -76,7 +76,6 @@ bool IsSoundRequest(sip& stack, const sip_msg& request) {
     return Refuse(stack, request, 400, "Missing From Or To");
   }
   if (!pl_isset(&request.from.tag)) return Refuse(stack, request, 400, "Missing From Tag");
-  if (!pl_isset(&request.via.branch)) return Refuse(stack, request, 400, "Missing Via Branch");
   if (!FitToContentLength(request)) return Refuse(stack, request, 400, "Bad Content-Length");
   const bool is_invite = pl_strcmp(&request.met, "INVITE") == 0;
   if (is_invite && sip_msg_hdr(&request, SIP_HDR_CONTACT) == nullptr) {
