@@ -30,7 +30,7 @@ int main(int count, char** arguments) {
     return EXIT_FAILURE;
   }
   orven::Program program(folder, orven::FindAssets(hints.executable_folder));
-  const orven::ExitSignals signals([&] { program.Exit(); });
+  const orven::ExitSignals exit_signals([&] { program.Exit(); });
   if (!program.Start(command_line)) return EXIT_SUCCESS;
   return QApplication::exec();
 }

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "adapters/desktop/application_folder.h"
+#include "core/registry_values.h"
 #include "programs/orven/telephone_lines.h"
 #include "records/call_fields.h"
 
@@ -29,7 +30,7 @@ Program::Program(const std::string& folder, std::string assets)
       system_(folder),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
       registry_(shared_.InApplicationFolder("\\registry.reg"), [this](const std::string& text) { Report(text); }),
-      database_("Calls", {kCallFields.begin(), kCallFields.end()}),
+      database_({"Calls", {kCallFields.begin(), kCallFields.end()}}, [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
       line_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
       desk_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
