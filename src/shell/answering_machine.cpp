@@ -12,14 +12,14 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       calls({ports.DataBase1, ports.files, ports.Wave1, ports.dialogs, views.player, log, log}, ListView1,
             settings, shared),
       line({ports.Tapi1, ports.dialogs, log, views.line}, store, settings),
-      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress},
-      control(context, line),
+      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line},
+      control(context),
       recorder({ports.clock, ports.loop, ports.files}, context, control),
       remote(context, control, ListView1, views.line),
       greeter(context, control, recorder, remote),
       after_call({views.caller_view, views.sounds, views.tray, views.actions}, calls, ListView1, log, settings,
                  shared, [this] { return window_hidden; }),
-      sequence(context, {control, greeter, recorder, remote, after_call, line, views.line, views.caller_view,
+      sequence(context, {control, greeter, recorder, remote, after_call, views.line, views.caller_view,
                          ports.clock}),
       ports_(ports) {
   ports_.Tapi1.SetEvents(&sequence);

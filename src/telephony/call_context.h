@@ -7,11 +7,12 @@
 #include "platform/wave.h"
 #include "records/call.h"
 #include "telephony/call_state.h"
+#include "telephony/line_manager.h"
 
 namespace orven {
 
-/// What the classes that carry one call share: the call itself, where it stands, the settings, and
-/// the line's two controls. Owned by the main window; none of them outlives it.
+/// What the classes that carry one call share: the call itself, where it stands, the settings, the
+/// line and its two controls. Owned by the main window; none of them outlives it.
 struct CallContext {
   TelephonyControl& Tapi1;
   WaveControl& Wave1;
@@ -20,9 +21,10 @@ struct CallContext {
   const SharedOptions& shared;
   Call& call;
   CallProgress& progress;
+  LineManager& line;
 
   /// Index of the line that carries calls.
-  std::int32_t Line() const { return settings.Modem; }
+  std::int32_t Line() const { return line.CurrentIndex(); }
 
   /// The call is answered and our side has not hung up yet.
   bool Connected() const { return Tapi1.IsCallConnected(Line()); }

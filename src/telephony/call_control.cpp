@@ -49,7 +49,7 @@ void CallControl::DropCall() {
     const auto result = context_.Tapi1.LineDrop(context_.Line());
     context_.log.WriteSystem("LineDrop" + LineTag(context_.Line()) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
   });
-  trap([&] { line_.ShowMonitoring(); });
+  trap([&] { context_.line.ShowMonitoring(); });
 }
 
 void CallControl::DropInComeCall() {

@@ -4,14 +4,13 @@
 #include <cstdint>
 
 #include "telephony/call_context.h"
-#include "telephony/line_manager.h"
 
 namespace orven {
 
 /// Answers the call and hangs it up. User-interface thread.
 class CallControl {
  public:
-  CallControl(CallContext& context, LineManager& line) : context_(context), line_(line) {}
+  explicit CallControl(CallContext& context) : context_(context) {}
 
   /// Answers when due: `force`, or the ring count has reached the setting and no answer is under way.
   /// Nothing while a call is connected.
@@ -32,7 +31,6 @@ class CallControl {
   std::int32_t RequestAnswer();
 
   CallContext& context_;
-  LineManager& line_;
   std::int32_t answer_request_ = 0;
 };
 

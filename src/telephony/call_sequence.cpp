@@ -85,7 +85,7 @@ void CallSequence::Idle(std::int32_t line) {
   trap([&] { context_.progress.Enter(CallState::Idle); });
   call.sent_to_application = false;
   if (!call.admin_mode) parts_.after_call.Finish(call);
-  trap([&] { parts_.line.ShowMonitoring(); });
+  trap([&] { context_.line.ShowMonitoring(); });
 }
 
 void CallSequence::UpdateCallerView(const std::string& status) {

@@ -22,7 +22,6 @@ class CallSequence : public TelephonyEvents {
     Recorder& recorder;
     RemoteAccess& remote;
     AfterCall& after_call;
-    LineManager& line;
     LineView& view;
     CallerView& caller_view;
     Clock& clock;

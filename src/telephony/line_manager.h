@@ -38,6 +38,10 @@ class LineManager {
 
   bool LineOn() const { return line_on_; }
 
+  /// Index of the open line; of the chosen device while none is open. Choosing another device in the
+  /// options must not turn a call that is up away from its own line.
+  std::int32_t CurrentIndex() const { return open_index_ >= 0 ? open_index_ : settings_.Modem; }
+
   /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off.
   void ShowMonitoring();
 

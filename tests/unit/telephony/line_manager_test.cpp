@@ -56,6 +56,16 @@ TEST(LineManager, AFailedOpenIsLoggedWithItsReason) {
   EXPECT_FALSE(world.Machine().line.LineOn());
 }
 
+TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
+  World world;
+  world.Start();
+  world.CallAndWaitForRecording();
+  world.Machine().settings.Modem = 7;
+  world.RunFor(4s);
+  EXPECT_FALSE(world.line->HasCall()) << "silence hangs up the line that has the call";
+  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
+}
+
 TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {
   World world;
   world.Start();
