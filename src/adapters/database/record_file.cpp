@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/database/record_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "adapters/files/durable.h"
+
+namespace orven {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Throws when SQLite finds pages that contradict each other. It reads the whole file.
+void CheckSound(SqliteConnection& connection, const std::string& path) {
+  const std::string verdict = connection.Ask("PRAGMA quick_check(1)");
+  if (verdict != "ok") throw SqliteError(SQLITE_CORRUPT, path, verdict);
+}
+
+std::vector<std::string> ColumnsOf(SqliteConnection& connection, const std::string& table) {
+  SqliteStatement statement(connection, "SELECT lower(name) FROM pragma_table_info(?)");
+  statement.Bind(1, table);
+  std::vector<std::string> columns;
+  while (statement.Step()) columns.push_back(statement.Text(0));
+  return columns;
+}
+
+std::string Lower(std::string text) {
+  for (char& letter : text) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return text;
+}
+
+void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
+  const std::vector<std::string> columns = ColumnsOf(connection, schema.table);
+  const std::string table = QuotedIdentifier(schema.table);
+  if (columns.empty()) {
+    std::string fields;
+    for (const std::string& field : schema.fields) {
+      fields += (fields.empty() ? "" : ", ") + QuotedIdentifier(field) + " TEXT";
+    }
+    connection.Execute("CREATE TABLE " + table + " (" + fields + ")");
+    return;
+  }
+  for (const std::string& field : schema.fields) {
+    if (std::find(columns.begin(), columns.end(), Lower(field)) != columns.end()) continue;
+    connection.Execute("ALTER TABLE " + table + " ADD COLUMN " + QuotedIdentifier(field) + " TEXT");
+  }
+}
+
+void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
+  connection.Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
+  CheckSound(connection, path);
+  connection.Execute("BEGIN IMMEDIATE");
+  MakeTable(connection, schema);
+  // A view, or a table without row numbers, cannot keep the order of insertion: this fails then.
+  const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
+  connection.Execute("COMMIT");
+  connection.MergeLog();
+}
+
+std::unique_ptr<SqliteConnection> OpenSound(const std::string& path, const RecordSchema& schema) {
+  auto connection = std::make_unique<SqliteConnection>(path);
+  try {
+    Prepare(*connection, path, schema);
+  } catch (const SqliteError& error) {
+    if (error.FileIsUseless()) connection->KeepLogOnClose();
+    throw;
+  }
+  return connection;
+}
+
+/// Moves what SQLite keeps beside the file at `path`; gives the name that the file itself would get.
+std::string SetAsideLogs(const std::string& path) {
+  std::string aside = NameToSetAside(path, "damaged");
+  for (const char* companion : {"-wal", "-shm", "-journal"}) {
+    std::error_code error;
+    if (fs::exists(path + companion, error)) RenameKeeping(path + companion, aside + companion);
+  }
+  return fs::path(aside).filename().string();
+}
+
+/// Moves the file at `path` and what belongs to it. The logs go first: beside a new empty file SQLite
+/// would delete them.
+std::string SetAside(const std::string& path) {
+  std::string name = SetAsideLogs(path);
+  RenameKeeping(path, fs::path(path).replace_filename(name).string());
+  return name;
+}
+
+std::uintmax_t SizeOf(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(path, error);
+  return error ? 0 : size;
+}
+
+}  // namespace
+
+std::string KeepStrayLog(const std::string& path) {
+  return SizeOf(path + "-wal") > 0 ? SetAsideLogs(path) : "";
+}
+
+std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
+                                                 std::string& note) {
+  std::error_code error;
+  if (fs::is_directory(path, error))
+    throw RuntimeError(ErrorNumber::PathAccessError, path + " (is a folder)");
+  if (SizeOf(path) == 0) {
+    const std::string aside = KeepStrayLog(path);
+    if (!aside.empty()) note = path + " is gone; the log file that was left is kept as " + aside + "-wal";
+  }
+  try {
+    return OpenSound(path, schema);
+  } catch (const SqliteError& damage) {
+    if (!damage.FileIsUseless()) throw;
+    note =
+        std::string(damage.what()) + ": the file is kept as " + SetAside(path) + ", and a fresh one is open";
+  }
+  return OpenSound(path, schema);
+}
+
+}  // namespace orven

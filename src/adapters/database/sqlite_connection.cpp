@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/database/sqlite_connection.h"
+
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+
+namespace orven {
+
+namespace {
+
+/// Long enough for another program's single statement, short enough for a person not to notice.
+constexpr std::chrono::duration<int, std::milli> kLockPatience{200};
+
+ErrorNumber NumberOf(int code, int system_error) {
+  const bool no_space = system_error == ENOSPC || system_error == EDQUOT || system_error == EFBIG;
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+    case SQLITE_READONLY: return ErrorNumber::PermissionDenied;
+    case SQLITE_CANTOPEN: return ErrorNumber::PathAccessError;
+    case SQLITE_FULL: return ErrorNumber::DiskFull;
+    case SQLITE_IOERR: return no_space ? ErrorNumber::DiskFull : ErrorNumber::DeviceIoError;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB: return ErrorNumber::DeviceIoError;
+    case SQLITE_NOMEM: return ErrorNumber::OutOfMemory;
+    default: return ErrorNumber::InternalError;
+  }
+}
+
+std::string DetailOf(const std::string& path, const std::string& message, int system_error) {
+  std::string text = path + " (" + message;
+  if (system_error != 0) text += ", " + std::generic_category().message(system_error);
+  return text + ")";
+}
+
+}  // namespace
+
+SqliteError::SqliteError(int code, const std::string& path, const std::string& message, int system_error)
+    : RuntimeError(NumberOf(code, system_error), DetailOf(path, message, system_error)), code_(code) {}
+
+bool SqliteError::FileIsUseless() const {
+  const int kind = code_ & 0xFF;
+  return kind == SQLITE_NOTADB || kind == SQLITE_CORRUPT || kind == SQLITE_ERROR;
+}
+
+SqliteConnection::SqliteConnection(const std::string& path) : path_(path) {
+  sqlite3* handle = nullptr;
+  const int code = sqlite3_open_v2(
+      path.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXRESCODE, nullptr);
+  handle_.reset(handle);
+  if (handle == nullptr) throw SqliteError(SQLITE_NOMEM, path, "out of memory");
+  if (code != SQLITE_OK) throw Failure(code);
+  // SQLite opens what it may not write for reading only, without saying so.
+  if (sqlite3_db_readonly(handle, "main") == 1)
+    throw SqliteError(SQLITE_READONLY, path, "the file is read-only");
+  sqlite3_busy_timeout(handle, kLockPatience.count());
+}
+
+SqliteError SqliteConnection::Failure(int code) {
+  const int kind = code & 0xFF;
+  const bool of_system = kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN || kind == SQLITE_FULL;
+  return {code, path_, sqlite3_errmsg(Handle()), of_system ? sqlite3_system_errno(Handle()) : 0};
+}
+
+void SqliteConnection::Execute(const std::string& sql) {
+  const int code = sqlite3_exec(Handle(), sql.c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) throw Failure(code);
+}
+
+std::string SqliteConnection::Ask(const std::string& sql) {
+  SqliteStatement statement(*this, sql);
+  return statement.Step() ? statement.Text(0) : std::string();
+}
+
+bool SqliteConnection::HasMoved() {
+  int moved = 0;
+  const int code = sqlite3_file_control(Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return code == SQLITE_OK && moved != 0;
+}
+
+void SqliteConnection::MergeLog() {
+  sqlite3_busy_timeout(Handle(), 0);
+  sqlite3_wal_checkpoint_v2(Handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  sqlite3_busy_timeout(Handle(), kLockPatience.count());
+}
+
+void SqliteConnection::KeepLogOnClose() {
+  sqlite3_db_config(Handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+SqliteStatement::SqliteStatement(SqliteConnection& connection, const std::string& sql)
+    : connection_(connection) {
+  sqlite3_stmt* statement = nullptr;
+  const int code =
+      sqlite3_prepare_v2(connection.Handle(), sql.data(), static_cast<int>(sql.size()), &statement, nullptr);
+  statement_.reset(statement);
+  if (code != SQLITE_OK) throw connection_.Failure(code);
+}
+
+void SqliteStatement::Bind(int parameter, std::string_view text) {
+  const int code = sqlite3_bind_text64(statement_.get(), parameter, text.empty() ? "" : text.data(),
+                                       text.size(), SQLITE_STATIC, SQLITE_UTF8);
+  if (code != SQLITE_OK) throw connection_.Failure(code);
+}
+
+void SqliteStatement::Bind(int parameter, std::int64_t number) {
+  const int code = sqlite3_bind_int64(statement_.get(), parameter, number);
+  if (code != SQLITE_OK) throw connection_.Failure(code);
+}
+
+bool SqliteStatement::Step() {
+  const int code = sqlite3_step(statement_.get());
+  if (code != SQLITE_ROW && code != SQLITE_DONE) throw connection_.Failure(code);
+  return code == SQLITE_ROW;
+}
+
+std::string SqliteStatement::Text(int column) {
+  const void* text = sqlite3_column_blob(statement_.get(), column);
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column));
+  return text == nullptr ? std::string() : std::string(static_cast<const char*>(text), size);
+}
+
+std::int64_t SqliteStatement::Integer(int column) {
+  return sqlite3_column_int64(statement_.get(), column);
+}
+
+std::string QuotedIdentifier(std::string_view name) {
+  std::string quoted = "\"";
+  for (const char letter : name) {
+    if (letter == '"') quoted += '"';
+    quoted += letter;
+  }
+  return quoted + '"';
+}
+
+}  // namespace orven

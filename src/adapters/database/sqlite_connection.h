@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/runtime_error.h"
+
+namespace orven {
+
+/// A failure that SQLite reported: the classic number nearest to it, the file's path, SQLite's text.
+class SqliteError : public RuntimeError {
+ public:
+  /// `code` is SQLite's result, `system_error` the errno behind it or 0.
+  SqliteError(int code, const std::string& path, const std::string& message, int system_error = 0);
+
+  /// The file is no database, is damaged, or its table is not one that can be used: trying again
+  /// does not help, a fresh file does.
+  bool FileIsUseless() const;
+
+ private:
+  int code_;
+};
+
+/// One open SQLite file. Failures throw SqliteError.
+class SqliteConnection {
+ public:
+  /// Opens the file for writing, creating it if absent; a lock of another program is waited for
+  /// kLockPatience at most.
+  explicit SqliteConnection(const std::string& path);
+
+  void Execute(const std::string& sql);
+
+  /// The first column of the first row that `sql` gives, or an empty text.
+  std::string Ask(const std::string& sql);
+
+  /// Whether the file that is open is no longer the one at its path.
+  bool HasMoved();
+
+  /// Merges the write-ahead log into the main file and empties it, unless another program reads or
+  /// writes just now; the next time does it then.
+  void MergeLog();
+
+  /// Leaves the write-ahead log as it is when the connection closes, instead of merging it.
+  void KeepLogOnClose();
+
+  /// Rows that the latest statement changed.
+  int Changes() { return sqlite3_changes(handle_.get()); }
+  std::int64_t LastRowId() { return sqlite3_last_insert_rowid(handle_.get()); }
+
+  sqlite3* Handle() { return handle_.get(); }
+  SqliteError Failure(int code);
+
+ private:
+  struct Closer {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+  };
+  std::string path_;
+  std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+/// One prepared statement; must not outlive its connection.
+class SqliteStatement {
+ public:
+  SqliteStatement(SqliteConnection& connection, const std::string& sql);
+
+  /// Parameters are numbered from 1. The text must live until the last Step.
+  void Bind(int parameter, std::string_view text);
+  void Bind(int parameter, std::int64_t number);
+
+  /// Runs to the next row; false when there is none.
+  bool Step();
+
+  /// Columns are numbered from 0. An absent value is an empty text.
+  std::string Text(int column);
+  std::int64_t Integer(int column);
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+  SqliteConnection& connection_;
+  std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+};
+
+/// `name` as an identifier in SQL.
+std::string QuotedIdentifier(std::string_view name);
+
+}  // namespace orven

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/database/sqlite_database.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orven {
+
+SqliteDatabase::SqliteDatabase(RecordSchema schema, Report report)
+    : schema_(std::move(schema)), report_(std::move(report)), table_(QuotedIdentifier(schema_.table)) {
+  for (const std::string& field : schema_.fields) {
+    fields_ += (fields_.empty() ? "" : ", ") + QuotedIdentifier(field);
+  }
+}
+
+std::string SqliteDatabase::Open(const std::string& path) {
+  path_ = path;
+  return OpenFile();
+}
+
+std::string SqliteDatabase::OpenFile() {
+  connection_.reset();
+  rows_.clear();
+  current_.reset();
+  std::string note;
+  try {
+    auto connection = OpenRecordFile(path_, schema_, note);
+    std::swap(connection_, connection);
+    ReadRows();
+  } catch (const RuntimeError& error) {
+    connection_.reset();
+    failure_ = error.what();
+    if (!note.empty()) report_(note);
+    throw;
+  }
+  return note;
+}
+
+void SqliteDatabase::OpenAgain() {
+  if (connection_ || path_.empty()) return;
+  try {
+    const std::string note = OpenFile();
+    report_(note.empty() ? path_ + " is open again" : note);
+  } catch (const RuntimeError&) {
+    return;  // Refresh says it.
+  }
+}
+
+// Everything that other programs may have done to the file since the last operation.
+void SqliteDatabase::Refresh() {
+  if (!connection_) {
+    const std::string reason = failure_.empty() ? "" : " (" + failure_ + ")";
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the database is not open" + reason);
+  }
+  if (connection_->HasMoved()) {
+    FollowMove();
+  } else if (connection_->Ask("PRAGMA data_version") != version_) {
+    ReadRows();
+  }
+}
+
+void SqliteDatabase::FollowMove() {
+  connection_->KeepLogOnClose();
+  connection_.reset();
+  if (draft_ && draft_->row) draft_.reset();  // Its row number means nothing in another file.
+  const std::string aside = KeepStrayLog(path_);
+  report_(path_ + " was moved or replaced" +
+          (aside.empty() ? "" : "; its log file is kept as " + aside + "-wal"));
+  const std::string note = OpenFile();
+  if (!note.empty()) report_(note);
+}
+
+void SqliteDatabase::ReadRows() {
+  // The mark first: a change between the two is then seen next time.
+  std::string version = connection_->Ask("PRAGMA data_version");
+  std::vector<std::int64_t> rows;
+  SqliteStatement statement(*connection_, "SELECT rowid FROM " + table_ + " ORDER BY rowid");
+  while (statement.Step()) rows.push_back(statement.Integer(0));
+  rows_ = std::move(rows);
+  version_ = std::move(version);
+}
+
+RecordTable SqliteDatabase::Query(std::string_view query) {
+  if (query != "Get *") throw RuntimeError(ErrorNumber::InvalidProcedureCall, std::string(query));
+  OpenAgain();
+  Refresh();
+  RecordTable table;
+  table.records.reserve(rows_.size());
+  SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " ORDER BY rowid");
+  while (statement.Step()) {
+    Record& record = table.records.emplace_back(schema_.fields.size());
+    for (std::size_t column = 0; column < record.size(); ++column) {
+      record[column] = statement.Text(static_cast<int>(column));
+    }
+  }
+  return table;
+}
+
+std::int32_t SqliteDatabase::RecordCount() {
+  Refresh();
+  return static_cast<std::int32_t>(rows_.size());
+}
+
+std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
+  const auto found = std::find(schema_.fields.begin(), schema_.fields.end(), field);
+  if (found == schema_.fields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, std::string(field));
+  return static_cast<std::int32_t>(found - schema_.fields.begin());
+}
+
+void SqliteDatabase::MoveTo(std::int32_t number) {
+  Refresh();
+  if (number < 1 || static_cast<std::size_t>(number) > rows_.size()) {
+    throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "record " + std::to_string(number));
+  }
+  draft_.reset();
+  current_ = rows_[static_cast<std::size_t>(number) - 1];
+}
+
+void SqliteDatabase::MoveFirst() {
+  MoveTo(1);
+}
+
+void SqliteDatabase::MoveNext() {
+  Refresh();
+  const auto after = std::upper_bound(rows_.begin(), rows_.end(), Current());
+  MoveTo(static_cast<std::int32_t>(after - rows_.begin()) + 1);
+}
+
+void SqliteDatabase::AddNew() {
+  draft_.reset();
+  OpenAgain();
+  Refresh();
+  draft_ = Draft{Record(schema_.fields.size()), std::nullopt};
+}
+
+void SqliteDatabase::Edit() {
+  draft_.reset();
+  Refresh();
+  draft_ = Draft{ReadRecord(Current()), Current()};
+}
+
+void SqliteDatabase::SetField(std::string_view field, std::string_view value) {
+  const auto column = static_cast<std::size_t>(FieldIndex(field));
+  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
+  draft_->fields[column] = value;
+}
+
+void SqliteDatabase::SetField(std::string_view field, std::int32_t value) {
+  SetField(field, std::to_string(value));
+}
+
+std::string SqliteDatabase::GetField(std::string_view field) {
+  const auto column = static_cast<std::size_t>(FieldIndex(field));
+  if (draft_) return draft_->fields[column];
+  Refresh();
+  return ReadRecord(Current())[column];
+}
+
+void SqliteDatabase::Update() {
+  Refresh();
+  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
+  if (draft_->row) {
+    Replace(*draft_->row, draft_->fields);
+  } else {
+    Insert(draft_->fields);
+  }
+  connection_->MergeLog();
+  draft_.reset();
+}
+
+void SqliteDatabase::Delete() {
+  Refresh();
+  const std::int64_t row = Current();
+  SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid = ?");
+  statement.Bind(1, row);
+  statement.Step();
+  connection_->MergeLog();
+  rows_.erase(std::remove(rows_.begin(), rows_.end(), row), rows_.end());
+  current_.reset();
+  draft_.reset();
+}
+
+void SqliteDatabase::DeleteAll() {
+  Refresh();
+  connection_->Execute("DELETE FROM " + table_);
+  connection_->MergeLog();
+  rows_.clear();
+  current_.reset();
+  draft_.reset();
+}
+
+std::int64_t SqliteDatabase::Current() const {
+  if (!current_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "there is no current record");
+  return *current_;
+}
+
+SqliteDatabase::Record SqliteDatabase::ReadRecord(std::int64_t row) {
+  SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " WHERE rowid = ?");
+  statement.Bind(1, row);
+  if (!statement.Step()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the record is gone");
+  Record record(schema_.fields.size());
+  for (std::size_t column = 0; column < record.size(); ++column) {
+    record[column] = statement.Text(static_cast<int>(column));
+  }
+  return record;
+}
+
+// The row number is given here, not left to SQLite, so that the new record is the last whatever was
+// stored before.
+void SqliteDatabase::Insert(const Record& fields) {
+  std::string marks;
+  for (std::size_t count = 0; count < fields.size(); ++count) marks += ", ?";
+  SqliteStatement statement(*connection_, "INSERT INTO " + table_ + " (rowid, " + fields_ +
+                                              ") SELECT coalesce(max(rowid), 0) + 1" + marks + " FROM " +
+                                              table_);
+  for (std::size_t column = 0; column < fields.size(); ++column) {
+    statement.Bind(static_cast<int>(column) + 1, fields[column]);
+  }
+  statement.Step();
+  current_ = connection_->LastRowId();
+  rows_.push_back(*current_);
+}
+
+void SqliteDatabase::Replace(std::int64_t row, const Record& fields) {
+  std::string assignments;
+  for (const std::string& field : schema_.fields) {
+    assignments += (assignments.empty() ? "" : ", ") + QuotedIdentifier(field) + " = ?";
+  }
+  SqliteStatement statement(*connection_, "UPDATE " + table_ + " SET " + assignments + " WHERE rowid = ?");
+  for (std::size_t column = 0; column < fields.size(); ++column) {
+    statement.Bind(static_cast<int>(column) + 1, fields[column]);
+  }
+  statement.Bind(static_cast<int>(fields.size()) + 1, row);
+  statement.Step();
+  if (connection_->Changes() == 0) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the record is gone");
+}
+
+}  // namespace orven

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/database/record_file.h"
+#include "platform/database.h"
+
+namespace orven {
+
+/// Records in one table of an SQLite file, which any SQLite tool can read while it is in use. Row
+/// numbers (rowid) keep the order of insertion.
+///
+/// A copy of the row numbers in memory finds a position at once; it is read again when another
+/// program changed the file. A file that is moved or deleted while it is open is noticed, and the
+/// path is opened anew. When Open failed, AddNew and Query try again (the disk may be back), and all
+/// other operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and
+/// MoveNext throw 9 where there is no such record; so does Update when the edited record is gone.
+class SqliteDatabase final : public DatabaseControl {
+ public:
+  /// Takes one line for the log about what happened to the file after Open.
+  using Report = std::function<void(const std::string&)>;
+
+  explicit SqliteDatabase(
+      RecordSchema schema, Report report = [](const std::string&) {});
+
+  std::string Open(const std::string& path) override;
+  RecordTable Query(std::string_view query) override;
+  std::int32_t RecordCount() override;
+  std::int32_t FieldIndex(std::string_view field) const override;
+  void MoveTo(std::int32_t number) override;
+  void MoveFirst() override;
+  void MoveNext() override;
+  void AddNew() override;
+  void Edit() override;
+  void SetField(std::string_view field, std::string_view value) override;
+  void SetField(std::string_view field, std::int32_t value) override;
+  std::string GetField(std::string_view field) override;
+  void Update() override;
+  void Delete() override;
+  void DeleteAll() override;
+
+ private:
+  using Record = std::vector<std::string>;
+
+  /// A record begun by AddNew, or by Edit of row `row`.
+  struct Draft {
+    Record fields;
+    std::optional<std::int64_t> row;
+  };
+
+  std::string OpenFile();
+  void OpenAgain();
+  void Refresh();
+  void FollowMove();
+  void ReadRows();
+  std::int64_t Current() const;
+  Record ReadRecord(std::int64_t row);
+  void Insert(const Record& fields);
+  void Replace(std::int64_t row, const Record& fields);
+
+  RecordSchema schema_;
+  Report report_;
+  std::string table_;   ///< quoted
+  std::string fields_;  ///< quoted, with commas between
+  std::string path_;
+  std::string failure_;  ///< why the file is not open
+  std::unique_ptr<SqliteConnection> connection_;
+  std::string version_;             ///< SQLite's mark that `rows_` belongs to
+  std::vector<std::int64_t> rows_;  ///< row numbers by position, ascending
+  std::optional<std::int64_t> current_;
+  std::optional<Draft> draft_;
+};
+
+}  // namespace orven
