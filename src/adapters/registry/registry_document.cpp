@@ -173,7 +173,9 @@ void RegistryDocument::AddKey(const std::string& key) {
 }
 
 void RegistryDocument::Insert(std::size_t at, const std::string& raw) {
-  if (at > 0 && !lines_[at - 1].raw.ends_with('\n')) lines_[at - 1].raw += line_end_;
+  if (at > 0 && !lines_[at - 1].raw.ends_with('\n')) {
+    lines_[at - 1].raw += lines_[at - 1].raw.ends_with('\r') ? "\n" : line_end_;
+  }
   lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), ParseRegistryLine(raw, 0));
   Interpret();
 }
