@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/service/line_keys.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+
+namespace orven {
+
+namespace {
+
+/// Seconds between two Ring events.
+constexpr double kShortestRing = 1;
+constexpr double kLongestRing = 60;
+
+bool IsDigit(char letter) {
+  return letter >= '0' && letter <= '9';
+}
+
+/// A whole number of at most five digits and nothing else.
+std::optional<int> Number(std::string_view text) {
+  if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), IsDigit)) return std::nullopt;
+  int number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+bool IsPort(std::string_view text) {
+  const auto number = Number(text);
+  return number && *number >= 1 && *number <= 65535;
+}
+
+/// Four decimal numbers of 0 to 255. A leading zero is refused: some read it as octal.
+bool IsIpv4(std::string_view text) {
+  for (int part = 0; part < 4; ++part) {
+    const std::size_t dot = part < 3 ? text.find('.') : text.size();
+    if (dot == text.npos) return false;
+    const std::string_view digits = text.substr(0, dot);
+    const auto number = Number(digits);
+    if (!number || *number > 255 || (digits.size() > 1 && digits[0] == '0')) return false;
+    text.remove_prefix(std::min(dot + 1, text.size()));
+  }
+  return true;
+}
+
+bool IsListen(std::string_view value) {
+  const std::size_t colon = value.rfind(':');
+  return colon != value.npos && IsIpv4(value.substr(0, colon)) && IsPort(value.substr(colon + 1));
+}
+
+bool IsHost(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char letter) {
+    const bool is_letter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+    return is_letter || IsDigit(letter) || letter == '.' || letter == '-';
+  });
+}
+
+bool IsAccount(std::string_view value) {
+  if (!value.starts_with("sip:") && !value.starts_with("sips:")) return false;
+  value.remove_prefix(value.find(':') + 1);
+  const std::size_t at = value.find('@');
+  if (at == value.npos || at == 0 || value.find_first_of(" \t<>\"") < at) return false;
+  const std::string_view host = value.substr(at + 1);
+  const std::size_t colon = host.find(':');
+  return IsHost(host.substr(0, colon)) && (colon == host.npos || IsPort(host.substr(colon + 1)));
+}
+
+bool IsTransport(std::string_view value) {
+  return value == "udp" || value == "tcp" || value == "tls";
+}
+
+bool IsRingTime(std::string_view value) {
+  double seconds = 0;
+  const char* end = value.data() + value.size();
+  const auto [stop, error] = std::from_chars(value.data(), end, seconds, std::chars_format::fixed);
+  return error == std::errc() && stop == end && seconds >= kShortestRing && seconds <= kLongestRing;
+}
+
+bool IsText(std::string_view value) {
+  return !value.empty();
+}
+
+constexpr std::array kSipKeys{
+    LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", true},
+    LineKey{"account", IsAccount, "an address like sip:100@example.org"},
+    LineKey{"auth_user", IsText, "a user name"},
+    LineKey{"password", IsText, "a password", false, true},
+    LineKey{"transport", IsTransport, "udp, tcp or tls"},
+    LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
+};
+constexpr std::array kModemKeys{
+    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0", true},
+};
+constexpr std::array kSimKeys{
+    LineKey{"script", IsText, "the path of a script"},
+};
+constexpr std::array kTypes{
+    LineType{"sip", kSipKeys},
+    LineType{"modem", kModemKeys},
+    LineType{"sim", kSimKeys},
+};
+
+}  // namespace
+
+std::span<const LineType> LineTypes() {
+  return kTypes;
+}
+
+}  // namespace orven

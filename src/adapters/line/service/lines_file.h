@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orven {
+
+/// One section of `lines.ini`: one telephone line. Its place among the sections is its device index.
+///
+/// `values` holds, as it stands in the file, every key that was given and understood:
+///
+///   type = sip     listen        IPv4 address, ":", port 1 to 65535; always there
+///                  account       "sip:" or "sips:", user, "@", host, perhaps ":" and a port
+///                  auth_user     the name for the registrar
+///                  password
+///                  transport     udp, tcp or tls
+///                  ring_seconds  seconds between Ring events, 1 to 60, decimals allowed
+///   type = modem   port          the serial device; always there
+///   type = sim     script        path of a script
+///
+/// A key that is not there has its driver's default.
+struct LineSection {
+  std::string name;     ///< the device name
+  int line_number = 0;  ///< of the section's head, from 1; 0 for the line that no file names
+  std::string type;     ///< sip, modem or sim
+  std::map<std::string, std::string> values;
+};
+
+/// What a `lines.ini` says, and what is wrong with it: one text a fault with file name, line number
+/// and what is expected, for example `lines.ini:12: ring_seconds is "abc": expected …`. No text
+/// quotes a password.
+struct LinesFile {
+  std::vector<LineSection> sections;
+  std::vector<std::string> complaints;
+};
+
+/// Understands the text of a `lines.ini` (UTF-8, a byte order mark and CR LF allowed). Never fails: a
+/// key that is wrong or unknown is left out, of a key given twice the last one counts, and a section
+/// without a usable type, listen (sip) or port (modem) is left out; each is a complaint. Section
+/// names may repeat: two devices of one name. `file_name` begins the complaints.
+LinesFile ParseLines(std::string_view text, const std::string& file_name);
+
+/// Reads the file at `path`. Without a file there is one line, "SIP 127.0.0.1:5060", for direct calls
+/// from this machine; a file that cannot be read gives no lines and a complaint. Any thread.
+LinesFile ReadLines(const std::string& path);
+
+}  // namespace orven
