@@ -120,7 +120,9 @@ TEST(LinesFileTest, ALineThatCannotWorkIsLeftOutAndTheOthersStay) {
                               "127.0.0.1:+5060", "[::1]:5060", ":5060", "127.0.0.:5060"}) {
     const LinesFile file = Parse(std::string("[Bad]\ntype = sip\nlisten = ") + address);
     EXPECT_TRUE(file.sections.empty()) << address;
-    EXPECT_EQ(file.complaints, Texts{"lines.ini:3: " + left_out + "listen is \"" + address + "\"" + listen});
+    std::string expected = left_out;
+    expected.append("listen is \"").append(address).append("\"").append(listen);
+    EXPECT_EQ(file.complaints, Texts{"lines.ini:3: " + expected});
   }
 }
 
