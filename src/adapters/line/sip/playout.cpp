@@ -4,6 +4,7 @@
 #include <spandsp.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/audio_device.h"
 
@@ -18,10 +19,10 @@ constexpr std::size_t kDelay = 3 * kBlock;
 constexpr int kDelayBlocks = 3;
 
 /// After so much silence the stream is taken as paused, and the next sound is waited for anew.
-constexpr std::int64_t kPause = 10 * kBlockSamples;
+constexpr std::int64_t kPause = 10 * std::int64_t{kBlockSamples};
 
 /// A longer hole in the timestamps is a pause that the sender made, not loss.
-constexpr std::int64_t kLongestLoss = 50 * kBlockSamples;
+constexpr std::int64_t kLongestLoss = 50 * std::int64_t{kBlockSamples};
 
 /// The delay is observed over 2 s; when it never fell to less than this, one block is left out.
 constexpr int kObservationBlocks = 100;
@@ -88,7 +89,11 @@ void Playout::PlayFront() {
 void Playout::Conceal(std::size_t samples) {
   const std::size_t before = ready_.size();
   ready_.resize(before + samples);
-  plc_fillin(&concealer_->state, ready_.data() + before, static_cast<int>(samples));
+  // The library would turn its history itself, with a memcpy between ranges that may overlap.
+  plc_state_t& state = concealer_->state;
+  std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
+  state.buf_ptr = 0;
+  plc_fillin(&state, ready_.data() + before, static_cast<int>(samples));
   concealed_ += static_cast<std::int64_t>(samples);
   if (concealed_ >= kPause && reorder_.Front() == nullptr) filling_ = true;
 }

@@ -36,7 +36,7 @@ std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
   std::size_t begin = kRtpHeaderBytes + 4U * (datagram[0] & 0x0FU);
   if (extended) {
     if (datagram.size() < begin + 4) return std::nullopt;
-    begin += 4 + 4U * Read16(datagram.data() + begin + 2);
+    begin += 4 + std::size_t{4} * Read16(datagram.data() + begin + 2);
   }
   const std::size_t padding = padded ? datagram.back() : 0;
   if (datagram.size() < begin + padding || (padded && padding == 0)) return std::nullopt;

@@ -150,11 +150,11 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
     heard_ = true;
     events_.PeerHeard();
   }
-  if (is_event) TakeEvent(packet->header.timestamp, packet->header.marker, packet->payload);
+  if (is_event) TakeEvent(*packet);
 }
 
-void RtpStream::TakeEvent(std::uint32_t timestamp, bool marker, std::span<const std::uint8_t> payload) {
-  const auto event = telephone_events_.Take(timestamp, marker, payload, alive_);
+void RtpStream::TakeEvent(const RtpPacket& packet) {
+  const auto event = telephone_events_.Take(packet, alive_);
   if (event.kind == TelephoneEvents::Kind::kPressed) {
     events_.DigitHeard(DigitSource::kTelephoneEvent, event.digit);
   } else if (event.kind == TelephoneEvents::Kind::kHeld) {

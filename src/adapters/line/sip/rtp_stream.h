@@ -12,6 +12,7 @@
 #include "adapters/line/sip/line_audio.h"
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/playout.h"
+#include "adapters/line/sip/rtp_packet.h"
 #include "adapters/line/sip/rtp_socket.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/steady_timer.h"
@@ -65,7 +66,7 @@ class RtpStream {
   void TakeControl(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeRefusal(const sa& destination);
   bool IsPeer(const sa& source);
-  void TakeEvent(std::uint32_t timestamp, bool marker, std::span<const std::uint8_t> payload);
+  void TakeEvent(const RtpPacket& packet);
 
   LineAudio& audio_;
   const SipLineTimers& timers_;

@@ -48,6 +48,8 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriver
       address_timer_([this] { (void)AddNewAddresses(); }) {}
 
 SipAgent::~SipAgent() {
+  done_ = nullptr;
+  if (call_ != nullptr) call_->HangUp();
   call_.reset();
   registration_.reset();
   sipsess_close_all(sessions_.get());

@@ -14,8 +14,13 @@ namespace {
 /// Sound quality of the line in bits a second (G.711).
 constexpr std::int32_t kMaxRate = 64'000;
 
+constexpr std::chrono::seconds kLongestOpen{5};
+
+/// The agent's own limit is shorter; this one counts only when the SIP thread is in trouble.
+constexpr std::chrono::milliseconds kLongestClose{1'800};
+
 /// The line as its owner sees it: hands everything over to the SIP thread.
-class SipLine : public LineDriver {
+class SipLine final : public LineDriver {
  public:
   explicit SipLine(const SipLineSettings& settings) : settings_(settings) {
     capabilities_.device_name = settings.name;
@@ -25,7 +30,7 @@ class SipLine : public LineDriver {
     capabilities_.interactive_voice = true;
     capabilities_.automated_voice = true;
   }
-  ~SipLine() override { Close(); }
+  ~SipLine() override { SipLine::Close(); }
 
   const DeviceCapabilities& Capabilities() const override { return capabilities_; }
   std::int32_t Open(LineDriverEvents& events) override;
@@ -58,12 +63,14 @@ class SipLine : public LineDriver {
 
 std::int32_t SipLine::Open(LineDriverEvents& events) {
   if (open_) return kTelephonyLineInUse;
-  error_ = thread_.Start();
+  error_ = thread_.Start([this] { agent_.reset(); });
   if (!error_.empty()) return kTelephonyDeviceFailed;
-  std::promise<std::optional<OpenFailure>> started;
-  auto outcome = started.get_future();
-  thread_.Post([this, &events, &started] { started.set_value(StartAgent(events)); });
-  const auto failure = outcome.get();
+  const auto started = std::make_shared<std::promise<std::optional<OpenFailure>>>();
+  thread_.Post([this, &events, started] { started->set_value(StartAgent(events)); });
+  auto outcome = started->get_future();
+  const auto failure = outcome.wait_for(kLongestOpen) == std::future_status::ready
+                           ? outcome.get()
+                           : OpenFailure{kTelephonyDeviceFailed, "the SIP thread does not answer"};
   open_ = !failure;
   if (open_) return kTelephonyOk;
   error_ = failure->reason;
@@ -86,10 +93,9 @@ std::optional<OpenFailure> SipLine::StartAgent(LineDriverEvents& events) {
 void SipLine::Close() {
   if (!open_) return;
   open_ = false;
-  std::promise<void> finished;
-  thread_.Post([this, &finished] { agent_->Shutdown([&finished] { finished.set_value(); }); });
-  finished.get_future().wait();
-  thread_.Post([this] { agent_.reset(); });
+  const auto finished = std::make_shared<std::promise<void>>();
+  thread_.Post([this, finished] { agent_->Shutdown([finished] { finished->set_value(); }); });
+  (void)finished->get_future().wait_for(kLongestClose);
   thread_.Stop();
 }
 

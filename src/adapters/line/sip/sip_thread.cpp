@@ -5,6 +5,7 @@
 #include <sched.h>
 
 #include <future>
+#include <utility>
 
 #include "adapters/line/sip/libre.h"
 
@@ -26,13 +27,13 @@ int InitialiseLibraryOnce() {
 
 }  // namespace
 
-std::string SipThread::Start() {
+std::string SipThread::Start(Task at_end) {
   std::promise<std::string> prepared;
   std::future<std::string> outcome = prepared.get_future();
-  thread_ = std::thread([this, &prepared] {
+  thread_ = std::thread([this, &prepared, at_end = std::move(at_end)] {
     const std::string reason = Prepare();
     prepared.set_value(reason);
-    if (reason.empty()) Loop();
+    if (reason.empty()) Loop(at_end);
     re_thread_close();
   });
   std::string reason = outcome.get();
@@ -51,7 +52,7 @@ std::string SipThread::Prepare() {
   return error == 0 ? std::string() : "the SIP thread cannot start: " + ErrorWords(error);
 }
 
-void SipThread::Loop() {
+void SipThread::Loop(const Task& at_end) {
   (void)re_main(nullptr);
   mqueue* queue = nullptr;
   {
@@ -60,6 +61,7 @@ void SipThread::Loop() {
     woken_ = false;
     tasks_.clear();
   }
+  at_end();
   mem_deref(queue);
 }
 

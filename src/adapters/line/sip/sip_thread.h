@@ -22,7 +22,8 @@ class SipThread {
   ~SipThread() { Stop(); }
 
   /// Starts the thread and waits until its loop can be posted to. Empty on success, else the reason.
-  std::string Start();
+  /// `at_end` is the last that runs on the thread, however its loop ended.
+  std::string Start(Task at_end);
 
   /// Runs `task` on the thread, after all tasks posted before it, never inside the call. Any thread
   /// may post; dropped when the thread does not run.
@@ -34,7 +35,7 @@ class SipThread {
 
  private:
   std::string Prepare();
-  void Loop();
+  void Loop(const Task& at_end);
   void RunTasks();
   static void Wake(int id, void* data, void* self);
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <system_error>
 
@@ -23,10 +24,10 @@ timespec Spec(std::chrono::milliseconds time) {
 
 SteadyTimer::SteadyTimer(std::function<void()> callback)
     : callback_(std::move(callback)), fd_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  if (fd_ < 0 || fd_listen(fd_, FD_READ, &SteadyTimer::Fired, this) != 0) {
-    if (fd_ >= 0) ::close(fd_);
-    throw std::system_error(errno, std::generic_category(), "no timer for the telephone line");
-  }
+  const int error = fd_ < 0 ? errno : fd_listen(fd_, FD_READ, &SteadyTimer::Fired, this);
+  if (error == 0) return;
+  if (fd_ >= 0) ::close(fd_);
+  throw std::system_error(error, std::generic_category(), "no timer for the telephone line");
 }
 
 SteadyTimer::~SteadyTimer() {

@@ -22,6 +22,7 @@ constexpr std::int32_t kLatest = 5 * 8000;
 }  // namespace
 
 bool TelephoneEvents::Continues(const Event& next, bool marker) const {
+  if (next.ssrc != current_->ssrc) return false;
   const auto step = static_cast<std::int32_t>(next.timestamp - current_->timestamp);
   if (step <= 0 && step > -kLatest) return true;
   if (marker || current_->ended || next.code != current_->code) return false;
@@ -29,17 +30,21 @@ bool TelephoneEvents::Continues(const Event& next, bool marker) const {
   return step == current_->duration || next.last - current_->last <= kSamePress;
 }
 
-TelephoneEvents::Result TelephoneEvents::Take(std::uint32_t timestamp, bool marker,
-                                              std::span<const std::uint8_t> payload, Time now) {
+TelephoneEvents::Result TelephoneEvents::Take(const RtpPacket& packet, Time now) {
+  const auto& payload = packet.payload;
   if (payload.size() < kPayloadBytes || payload[0] >= kKeys.size()) return {};
-  const auto duration = static_cast<std::uint16_t>(payload[2] << 8 | payload[3]);
-  const Event next{payload[0], timestamp, duration, (payload[1] & kEndBit) != 0, now};
+  const Event next{.ssrc = packet.header.ssrc,
+                   .code = payload[0],
+                   .timestamp = packet.header.timestamp,
+                   .duration = static_cast<std::uint16_t>(payload[2] << 8 | payload[3]),
+                   .ended = (payload[1] & kEndBit) != 0,
+                   .last = now};
   const char digit = kKeys[next.code];
-  if (!current_ || !Continues(next, marker)) {
+  if (!current_ || !Continues(next, packet.header.marker)) {
     current_ = next;
     return {Kind::kPressed, digit};
   }
-  if (static_cast<std::int32_t>(timestamp - current_->timestamp) < 0) return {};
+  if (static_cast<std::int32_t>(next.timestamp - current_->timestamp) < 0) return {};
   const bool was_ended = current_->ended;
   current_ = next;
   current_->ended = was_ended || next.ended;

@@ -4,7 +4,8 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
-#include <span>
+
+#include "adapters/line/sip/rtp_packet.h"
 
 namespace orven {
 
@@ -20,12 +21,12 @@ class TelephoneEvents {
     char digit = 0;  ///< of kPressed: '0'-'9', '*', '#', 'A'-'D'
   };
 
-  /// One packet's payload with its RTP timestamp and marker bit. What is no key, or no event at all,
-  /// gives kNothing.
-  Result Take(std::uint32_t timestamp, bool marker, std::span<const std::uint8_t> payload, Time now);
+  /// One packet. What is no key, or no event at all, gives kNothing.
+  Result Take(const RtpPacket& packet, Time now);
 
  private:
   struct Event {
+    std::uint32_t ssrc;
     std::uint8_t code;
     std::uint32_t timestamp;
     std::uint16_t duration;

@@ -171,6 +171,7 @@ TEST_F(SipHostileTest, BrokenCallsFloodTheLineAndItIsFreeAgainAfterEach) {
 
 TEST_F(SipHostileTest, BrokenTcpStreamsAreClosedAndOthersServed) {
   std::vector<Socket> idle;
+  idle.reserve(50);
   for (int i = 0; i < 50; ++i) idle.push_back(Socket::TcpTo(port));
   Socket noise = Socket::TcpTo(port);
   noise.Send(std::string(200'000, 'x'));

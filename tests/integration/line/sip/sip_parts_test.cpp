@@ -193,12 +193,18 @@ TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
 /// Feeds event packets and gives the keys pressed.
 class EventReader {
  public:
-  void Take(std::uint32_t timestamp, bool marker, std::uint8_t code, bool end, std::uint16_t duration) {
+  void Take(std::uint32_t timestamp, bool marker, std::uint8_t code, bool end, std::uint16_t duration,
+            std::uint32_t ssrc = 1) {
     now_ += milliseconds(20);
     const std::vector<std::uint8_t> payload{code, static_cast<std::uint8_t>(end ? 0x8A : 0x0A),
                                             static_cast<std::uint8_t>(duration >> 8),
                                             static_cast<std::uint8_t>(duration)};
-    const auto result = events_.Take(timestamp, marker, payload, now_);
+    RtpPacket packet;
+    packet.header.marker = marker;
+    packet.header.timestamp = timestamp;
+    packet.header.ssrc = ssrc;
+    packet.payload = payload;
+    const auto result = events_.Take(packet, now_);
     if (result.kind == TelephoneEvents::Kind::kPressed) keys += result.digit;
   }
   void Pause() { now_ += milliseconds(200); }
@@ -219,8 +225,9 @@ TEST(TelephoneEventsTest, ReadsPressesThroughLossRepetitionAndReordering) {
   for (int i = 0; i < 2; ++i) reader.Take(3000, false, 1, true, 480);  // everything but the end was lost
   reader.Take(1000, false, 1, true, 480);                              // a straggler
   reader.Take(5000, true, 11, false, 160);
-  reader.Take(7000, true, 16, false, 160);  // no key
-  EXPECT_EQ(reader.keys, "11#");
+  reader.Take(7000, true, 16, false, 160);     // no key
+  reader.Take(4000, true, 11, false, 160, 2);  // another sender
+  EXPECT_EQ(reader.keys, "11##");
 }
 
 TEST(TelephoneEventsTest, LongPressesAndSendersThatMoveTheTimestampAreOnePress) {

@@ -177,7 +177,7 @@ TEST_F(SipPeersTest, BaresipCallsSpeaksPressesKeysAndHangsUp) {
   const auto spoken = Decode(Codec::kMuLaw, NoiseBytes(75, 6));
   // Silence follows: when its file ends, baresip sends nothing any more, not even keys.
   auto file = spoken;
-  file.resize(file.size() + 30 * kSampleRate);
+  file.resize(file.size() + std::size_t{30} * kSampleRate);
   Baresip baresip(folder, folder.Write("spoken.wav", Wave(file)));
   baresip.Command("dial", "sip:line@127.0.0.1:" + std::to_string(port));
   ASSERT_TRUE(events.Wait("Ring 1 1")) << std::ifstream(folder.Path("baresip.out")).rdbuf();
