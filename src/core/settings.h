@@ -94,7 +94,6 @@ struct SharedOptions {
   std::string greeting_file;       ///< file name in the greetings folder
   std::int16_t num_of_ring = 0;
   std::int16_t max_record_seconds = 0;
-  bool playing = false;            ///< a message is being played on the sound card
 
   /// `text` ("\Greets\") below the application folder, in native separators.
   std::string InApplicationFolder(std::string_view text) const;

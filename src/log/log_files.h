@@ -35,7 +35,7 @@ class LogFiles : public SystemLog, public CallsLog {
 
   void Delete(const std::string& file_name);
 
-  /// Deletes every file of the log folder that was last modified before the limit which the setting
+  /// Deletes every file of the log folder that was last modified at or before the limit which the setting
   /// `LogFor` gives; for any text but its three choices none. Files are looked at one a task, so that
   /// other events run in between; `done` runs after the last.
   void PurgeOldLogs(std::function<void()> done);

@@ -38,7 +38,7 @@ enum TelephonyResult : std::int32_t {
 /// What the telephony control tells the program; `line` is the device index. Events arrive on the
 /// user-interface thread one at a time, for each call in this order: InCommingCall first; Ring and
 /// CallerID in any number until the call is answered or gone (a late CallerID may follow); Proc for
-/// each request; Connected once when answered; MonitorDigit while connected and monitored;
+/// each request (that of an answer which came too late may follow its call's end); Connected once when answered; MonitorDigit while connected and monitored;
 /// Disconnected when the remote party hung up an answered call; Idle exactly once, last.
 class TelephonyEvents {
  public:

@@ -22,7 +22,7 @@ struct Call {
   bool in_progress = false;       ///< offered and not idle yet
   bool answering = false;         ///< a request to answer was accepted
   bool admin_mode = false;        ///< the caller keyed the password
-  bool message_left = false;      ///< a recording was ended and filed under message_file_name
+  bool message_left = false;      ///< a recording was made, even if it could not be stored
   bool do_nothing = false;        ///< the person at the desk chose to let it ring
   bool greeting_playing = false;
   bool beep_playing = false;
@@ -35,6 +35,7 @@ struct Call {
   std::string time;
   std::string ring_count_text;    ///< ring at which the call was answered
   std::string message_file_name;  ///< without folder; prepared even when no message is left
+  std::string message_path;       ///< where the message was stored; empty when none was
   std::string type_text = kNoMessageType;
   std::string digit_buffer;
 

@@ -10,29 +10,48 @@
 namespace orven {
 
 void CallStore::PutCallDetailsInDB(Call& call) {
-  auto& database = ports_.DataBase1;
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
   trap([&] { call.type_text = TypeText(call); });
-  trap([&] {
-    database.AddNew();
-    database.SetField(kCallName, call.caller_name);
-    database.SetField(kCallNumber, call.caller_number);
-    database.SetField(kCallTime, call.time);
-    database.SetField(kCallDate, call.date);
-    database.SetField(kCallMassageName, call.message_file_name);
-    database.SetField(kType, call.type_text);
-    database.SetField(kRead, 0);
-    database.Update();
-  });
+  trap([&] { BringMessageAlong(call); });
+  waiting_.push_back(call);
+  FileWaitingCalls();
   ports_.calls_log.WriteCalls("Ring:" + call.ring_count_text + " [" + call.caller_name + ":" +
                               call.caller_number + "]");
 }
 
+void CallStore::FileWaitingCalls() {
+  const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
+  while (!waiting_.empty()) {
+    if (!trap([&] { AddRecord(waiting_.front()); })) break;
+    waiting_.pop_front();
+  }
+}
+
+void CallStore::AddRecord(const Call& call) {
+  auto& database = ports_.DataBase1;
+  database.AddNew();
+  database.SetField(kCallName, call.caller_name);
+  database.SetField(kCallNumber, call.caller_number);
+  database.SetField(kCallTime, call.time);
+  database.SetField(kCallDate, call.date);
+  database.SetField(kCallMassageName, call.message_file_name);
+  database.SetField(kType, call.type_text);
+  database.SetField(kRead, 0);
+  database.Update();
+}
+
 std::string CallStore::TypeText(const Call& call) const {
-  if (!call.message_left) return kNoMessageType;
-  const double length = ports_.Wave1.FileLength(shared_.messages_path + call.message_file_name);
-  // A recording that could not be written has no file to be listened to.
+  // A recording that could not be stored has no file to be listened to.
+  if (!call.message_left || call.message_path.empty()) return kNoMessageType;
+  const double length = ports_.Wave1.FileLength(call.message_path);
   return length < 0 ? kNoMessageType : ToText(length);
+}
+
+void CallStore::BringMessageAlong(Call& call) {
+  const auto path = shared_.messages_path + call.message_file_name;
+  if (call.message_path.empty() || call.message_path == path) return;
+  ports_.files.Rename(call.message_path, path);
+  call.message_path = path;
 }
 
 void CallStore::MarkAsReadUnRead(std::int32_t index, bool read) {

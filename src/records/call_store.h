@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <deque>
 #include <string>
 
 #include "core/activity_log.h"
@@ -43,8 +44,13 @@ class CallStore {
       : ports_(ports), list_(list), settings_(settings), shared_(shared) {}
 
   /// Files the current call as the newest record and writes its line to the calls log. Sets the
-  /// call's type text. The caller rebuilds the list.
+  /// call's type text; its message is moved when the messages folder was changed since it was
+  /// recorded. A call that cannot be filed now is kept and filed before the next one. The caller
+  /// rebuilds the list.
   void PutCallDetailsInDB(Call& call);
+
+  /// Files the calls that could not be filed before, the oldest first.
+  void FileWaitingCalls();
 
   /// Marks the call behind a row read or unread, unless it is so already.
   void MarkAsReadUnRead(std::int32_t index, bool read);
@@ -65,6 +71,8 @@ class CallStore {
 
  private:
   std::string TypeText(const Call& call) const;
+  void BringMessageAlong(Call& call);
+  void AddRecord(const Call& call);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
   void StopPlayerOn(const std::string& key);
 
@@ -72,6 +80,7 @@ class CallStore {
   CallList& list_;
   Settings& settings_;
   SharedOptions& shared_;
+  std::deque<Call> waiting_;  ///< not filed yet, in the order in which they came
 };
 
 }  // namespace orven

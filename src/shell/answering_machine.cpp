@@ -15,7 +15,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line},
       control(context),
       recorder({ports.clock, ports.loop, ports.files}, context, control),
-      remote(context, control, ListView1, views.line),
+      remote(context, control, recorder, ListView1, views.line),
       greeter(context, control, recorder, remote),
       after_call({views.caller_view, views.sounds, views.tray, views.actions}, calls, ListView1, log, settings,
                  shared, [this] { return window_hidden; }),

@@ -34,7 +34,8 @@ void MainWindow::LoadHidden() {
 void MainWindow::Show() {
   Load();
   StartUp();
-  views_.frame.Show();
+  // A message box of the start-up lets events in, an exit command among them.
+  if (!ended_) views_.frame.Show();
 }
 
 void MainWindow::Load() {
@@ -117,6 +118,10 @@ bool MainWindow::Unload() {
   trap([&] { views_.frame.CloseOtherWindows(); });
   trap([&] { StopSounds(); });
   machine_.line.CloseLine(machine_.settings.Modem);
+  // A call that ended with the line has announced itself once more.
+  trap([&] { views_.frame.CloseOtherWindows(); });
+  trap([&] { StopSounds(); });
+  machine_.calls.FileWaitingCalls();
   machine_.log.WriteSystem("Unload ORVEN");
   machine_.log.WriteCalls("Unload ORVEN");
   machine_.store.SetView(views_.frame, machine_.window_hidden);

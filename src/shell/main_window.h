@@ -31,6 +31,9 @@ class MainWindow : public MainWindowStart {
   void TurnOn();
   void TurnOff();
 
+  /// An exit command has been carried out; nothing is left to wait for.
+  bool Ended() const { return ended_; }
+
   AnsweringMachine& Machine() { return machine_; }
 
  private:

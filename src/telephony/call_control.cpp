@@ -11,8 +11,8 @@ void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool 
     if (context_.Tapi1.IsCallConnected(line)) return;
     const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
     if (!force && !due) return;
-    context_.call.ring_count_text = std::to_string(ring_count);
     const auto request = RequestAnswer();
+    if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
     context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) + "->Proc Num: " + std::to_string(request));
   });
 }
@@ -42,13 +42,19 @@ void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t res
   if (context_.progress.State() == CallState::Answering) context_.progress.Enter(CallState::Offered);
 }
 
-void CallControl::DropCall() {
+void CallControl::HangUp() const {
   const ErrorTrap trap(context_.log, "ErrDropCall ");
   trap([&] { context_.Wave1.StopPlay(); });
   trap([&] {
-    const auto result = context_.Tapi1.LineDrop(context_.Line());
-    context_.log.WriteSystem("LineDrop" + LineTag(context_.Line()) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
+    const auto line = context_.Line();
+    const auto result = context_.Tapi1.LineDrop(line);
+    context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
   });
+}
+
+void CallControl::DropCall() {
+  HangUp();
+  const auto trap = ErrorTrap::Silent();
   trap([&] { context_.line.ShowMonitoring(); });
 }
 
@@ -61,10 +67,7 @@ void CallControl::DropInComeCall() {
     const auto result = RequestAnswer();
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
   });
-  trap([&] {
-    const auto result = context_.Tapi1.LineDrop(line);
-    context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
-  });
+  HangUp();
 }
 
 }  // namespace orven

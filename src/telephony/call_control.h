@@ -23,12 +23,14 @@ class CallControl {
   void DropCall();
 
   /// Rejects the offered call, by answering it and hanging up at once; a connected one is only hung
-  /// up. The main window's drop command.
+  /// up. What plays on the line ends. The main window's drop command.
   void DropInComeCall();
 
  private:
   /// Asks for the answer and keeps in mind that it is under way.
   std::int32_t RequestAnswer();
+  /// Ends what plays on the line, and the call.
+  void HangUp() const;
 
   CallContext& context_;
   std::int32_t answer_request_ = 0;

@@ -71,7 +71,7 @@ std::string LineManager::DeviceName(std::int32_t index) const {
 void LineManager::OpenLine(std::int32_t index) {
   const ErrorTrap trap(ports_.log, "ErrOpenLine ");
   trap([&] {
-    if (index < 0 || ports_.Tapi1.IsLineOpen(index)) return;
+    if (index < 0 || ports_.Tapi1.IsLineOpen(CurrentIndex()) || ports_.Tapi1.IsLineOpen(index)) return;
     const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
     const auto name = DeviceName(index);
     const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);

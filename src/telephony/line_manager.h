@@ -30,7 +30,7 @@ class LineManager {
   /// yet. False when there is none; then the line stays off.
   bool SelectModemDevice();
 
-  /// Takes the line of a device; nothing for a negative index or an open line.
+  /// Takes the line of a device; nothing for a negative index or while a line is open.
   void OpenLine(std::int32_t index);
 
   /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.

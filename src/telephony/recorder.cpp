@@ -114,9 +114,13 @@ void Recorder::StopRecMessage() {
   auto& call = context_.call;
   auto& wave = context_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
-  const auto path = context_.shared.messages_path + call.message_file_name;
-  trap([&] { KeepOlderFile(path); });
-  trap([&] { context_.log.WriteSystem("Record Message " + wave.RecordErrorText(wave.StopRecordToFile(path))); });
+  trap([&] {
+    auto path = context_.shared.messages_path + call.message_file_name;
+    const auto result = Store(path);
+    context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
+    call.message_file_name = FileNamePart(path);
+    if (result == kWaveOk) call.message_path = path;
+  });
   trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
   TimerRecord->Stop();
   call.message_left = true;
@@ -127,19 +131,45 @@ void Recorder::StopRecMessage() {
   });
 }
 
-void Recorder::KeepOlderFile(const std::string& path) {
-  if (!ports_.files.Exists(path)) return;
+std::int32_t Recorder::Store(std::string& path) {
+  const auto kept = MakeRoom(path);
+  const auto result = context_.Wave1.StopRecordToFile(path);
+  // The older message gets its name back when nothing has taken it.
+  if (result != kWaveOk && !kept.empty()) ports_.files.Rename(kept, path);
+  return result;
+}
+
+/// Two calls within one second have one name. The older message is renamed, and its new path returned;
+/// where that cannot be, `path` becomes a free one for the new message.
+std::string Recorder::MakeRoom(std::string& path) {
+  if (!ports_.files.Exists(path)) return {};
+  const auto free = FreeNameBeside(path);
+  const auto note = "Record Message: two calls share the name " + FileNamePart(path);
+  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
+  if (trap([&] { ports_.files.Rename(path, free); })) {
+    context_.log.WriteSystem(note + ", the older message is kept as " + FileNamePart(free));
+    return free;
+  }
+  context_.log.WriteSystem(note + ", the newer message becomes " + FileNamePart(free));
+  path = free;
+  return {};
+}
+
+std::string Recorder::FreeNameBeside(const std::string& path) const {
   const auto now = ports_.clock.Now();
-  const auto stamp = FileStamp(ports_.clock.DateText(now), ports_.clock.TimeText(now));
-  const auto stem = path.substr(0, path.rfind('.')) + ".older_" + stamp;
-  auto kept = stem + ".wav";
-  for (int number = 2; ports_.files.Exists(kept); ++number) kept = stem + "_" + std::to_string(number) + ".wav";
-  ports_.files.Rename(path, kept);
-  context_.log.WriteSystem("Record Message: two calls share the name " + FileNamePart(path) + ", the older message is kept as " + FileNamePart(kept));
+  const auto stem = path.substr(0, path.rfind('.')) + ".kept_" +
+                    FileStamp(ports_.clock.DateText(now), ports_.clock.TimeText(now));
+  auto name = stem + ".wav";
+  for (int number = 2; ports_.files.Exists(name); ++number) name = stem + "_" + std::to_string(number) + ".wav";
+  return name;
 }
 
 void Recorder::EndOfCall() {
   if (context_.Wave1.IsRecording()) StopRecMessage();
+  StopTimers();
+}
+
+void Recorder::StopTimers() {
   TimerRecord->Stop();
   tmrSilence->Stop();
 }
@@ -147,7 +177,8 @@ void Recorder::EndOfCall() {
 void Recorder::SilenceTick() {
   const auto trap = ErrorTrap::Silent();
   auto& call = context_.call;
-  const auto level = context_.Wave1.InputLevel();
+  std::int32_t level = 0;
+  trap([&] { level = context_.Wave1.InputLevel(); });
   if (level > context_.settings.ValSilence) {
     call.silence_milliseconds = 0;
     return;

@@ -28,8 +28,12 @@ class Recorder {
   /// still connected then.
   void RecMessage();
 
-  /// Ends the recording and leaves it in the messages folder under the call's message file name.
+  /// Ends the recording and leaves it in the messages folder under the call's message file name. An
+  /// older file of that name is kept beside it.
   void StopRecMessage();
+
+  /// Ends both timers: the caller does not record, whatever was begun.
+  void StopTimers();
 
   /// The call is over: ends a recording that still runs and both timers.
   void EndOfCall();
@@ -42,7 +46,9 @@ class Recorder {
   void StartMuLaw();
   void StartPreScreen(const WaveFormat& format);
   std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
-  void KeepOlderFile(const std::string& path);
+  std::string FreeNameBeside(const std::string& path) const;
+  std::string MakeRoom(std::string& path);
+  std::int32_t Store(std::string& path);
   void SilenceTick();
   void RecordTick();
   std::int32_t WaveIn() const;

@@ -9,7 +9,9 @@ void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
   const ErrorTrap trap(context_.log, "ErrTapiMonitorDigit ");
   auto& call = context_.call;
   context_.log.WriteSystem("MonitorDigit" + LineTag(line) + "->" + digit);
-  if (context_.Wave1.IsRecording()) return;
+  bool recording = false;
+  trap([&] { recording = context_.Wave1.IsRecording(); });
+  if (recording) return;
   if (digit == '*') {
     if (call.digit_buffer == context_.settings.Pass) {
       trap([&] { EnterAdministratorMode(line); });
@@ -30,6 +32,8 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   call.beep_playing = false;
   call.greeting_playing = false;
   call.admin_mode = true;
+  // A recording that failed to start has left its timers; the owner must not be timed by them.
+  recorder_.StopTimers();
   context_.log.WriteSystem("Remote Control " + LineTag(line));
   trap([&] { view_.ShowStatus("Administrator Mode"); });
   trap([&] { context_.progress.Enter(CallState::Administrator); });

@@ -4,6 +4,7 @@
 #include "records/call_list.h"
 #include "telephony/call_control.h"
 #include "telephony/call_effects.h"
+#include "telephony/recorder.h"
 
 namespace orven {
 
@@ -11,8 +12,8 @@ namespace orven {
 /// call list from its first row to its last. User-interface thread.
 class RemoteAccess {
  public:
-  RemoteAccess(CallContext& context, CallControl& control, CallList& list, LineView& view)
-      : context_(context), control_(control), ListView1(list), view_(view) {}
+  RemoteAccess(CallContext& context, CallControl& control, Recorder& recorder, CallList& list, LineView& view)
+      : context_(context), control_(control), recorder_(recorder), ListView1(list), view_(view) {}
 
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
@@ -28,6 +29,7 @@ class RemoteAccess {
 
   CallContext& context_;
   CallControl& control_;
+  Recorder& recorder_;
   CallList& ListView1;
   LineView& view_;
 };

@@ -15,6 +15,7 @@ struct Step {
 
 constexpr std::string_view kOffer = "InCommingCall[";
 constexpr std::string_view kAnswer = "LineAnswer[";
+constexpr std::string_view kAnswerAccepted = "LineAnswer[LineIndex:0]->Proc Num: ";
 constexpr std::string_view kConnected = "Connected[";
 constexpr std::string_view kBeep = "Play Beep ";
 constexpr std::string_view kStart = "Start Record Message[";
@@ -35,23 +36,55 @@ constexpr std::array kSteps{Step{"Ring[", kOffer, false},
 /// Fault lines are found by their labels; only these have a cause in the simulation.
 bool IsUnexplainedFault(const std::string& line) {
   return line.starts_with("Err") && !line.starts_with("Error Playing Remote Control") &&
-         !line.starts_with("ErrPlayForAdmin 9 ");
+         !line.starts_with("ErrPlayForAdmin 9 ") && !line.starts_with("ErrPutCallDetailsInDB 61 ");
+}
+
+/// What has been logged of the present call.
+struct CallSoFar {
+  std::set<std::string_view> steps;
+  std::string answer;  ///< number of the accepted request to answer
+  bool recording = false;
+  bool owner = false;
+  bool hung_up = false;
+};
+
+/// A step that the present call must not take any more.
+std::string Misstep(const std::string& line, const CallSoFar& call) {
+  if (line.starts_with(kStart) && (call.owner || call.hung_up)) return "the owner, or nobody, is recorded";
+  if (line.starts_with("Remote Control ") && call.recording) return "digits are heard while recording";
+  if (line.starts_with(kAnswerAccepted) && line[kAnswerAccepted.size()] != '-' && !call.answer.empty()) {
+    return "a call is answered twice";
+  }
+  return {};
+}
+
+void Remember(const std::string& line, CallSoFar& call) {
+  if (line.starts_with(kOffer)) call = {{kOffer}, "", false, false, false};
+  if (line.starts_with(kAnswer)) call.steps.insert(kAnswer);
+  if (line.starts_with(kAnswerAccepted) && line[kAnswerAccepted.size()] != '-') {
+    call.answer = line.substr(kAnswerAccepted.size());
+  }
+  if (line.starts_with("Proc[LineIndex:0]->" + call.answer + " -")) call.answer.clear();
+  if (line.starts_with(kStart)) call.recording = line.ends_with("->OK");
+  if (line.starts_with("Record Message ")) call.recording = false;
+  if (line.starts_with("Remote Control ")) call.owner = true;
+  if (line == "LineDrop[LineIndex:0]->Proc Num: Success") call.hung_up = true;
 }
 
 }  // namespace
 
 std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines) {
   std::vector<std::string> faults;
-  std::set<std::string_view> seen;  // steps of the present call
+  CallSoFar call;
   for (const auto& line : lines) {
     if (IsUnexplainedFault(line)) faults.push_back("log: " + line);
-    if (line.starts_with(kOffer)) seen = {kOffer};
-    if (line.starts_with(kAnswer)) seen.insert(kAnswer);
+    if (const auto misstep = Misstep(line, call); !misstep.empty()) faults.push_back("log: " + misstep + ": " + line);
+    Remember(line, call);
     for (const auto& step : kSteps) {
       if (!line.starts_with(step.begins)) continue;
-      if (!seen.contains(step.needs)) faults.push_back("log: " + line + " without " + std::string(step.needs));
-      if (step.once && seen.contains(step.begins)) faults.push_back("log: a second " + line);
-      seen.insert(step.begins);
+      if (!call.steps.contains(step.needs)) faults.push_back("log: " + line + " without " + std::string(step.needs));
+      if (step.once && call.steps.contains(step.begins)) faults.push_back("log: a second " + line);
+      call.steps.insert(step.begins);
     }
   }
   return faults;

@@ -49,8 +49,12 @@ void Promises::CheckFiling(std::size_t filed, bool message_only) {
     Expect(filed == 0, "a call without a message is not filed when only messages are wanted");
     return;
   }
-  Expect(filed == 1, "every call is filed exactly once");
-  if (filed == 1) CheckMessage();
+  ++waiting_;
+  if (world_.database_full) return;
+  Expect(filed == waiting_, "every call is filed exactly once, as soon as that can be");
+  waiting_ = 0;
+  Expect(world_.views.rows.size() == world_.database.Records().size(), "the list shows every record");
+  if (filed > 0) CheckMessage();
 }
 
 void Promises::CheckMessage() {
@@ -72,12 +76,15 @@ void Promises::CheckEnd() {
   Expect(offered_ == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");
   CheckQuiet();
-  Expect(world_.views.Status() == "Monitoring Sim", "the line is monitored again, not: " + world_.views.Status());
+  const std::string expected = world_.ended ? "Off Mode" : "Monitoring Sim";
+  Expect(world_.views.Status() == expected, "the status is " + expected + ", not " + world_.views.Status());
   for (const auto& fault : FaultsInLog(world_.SystemLog())) Expect(false, fault);
 }
 
 void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
   program_.Proc(line, request, result);
+  const bool hung_up = request == result && !world_.Tapi1->IsCallConnected(line);
+  if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
 }
 void Promises::MonitorDigit(std::int32_t line, char digit) { program_.MonitorDigit(line, digit); }
 void Promises::Disconnected(std::int32_t line) { program_.Disconnected(line); }

@@ -72,7 +72,8 @@ class Author {
   /// Any moment of the call, often one at which the machine is just doing something.
   milliseconds Moment(milliseconds begin) {
     if (dice_.OneIn(2)) return begin + milliseconds(dice_.Below(9000));
-    return begin + milliseconds(dice_.Below(90) * 100 + dice_.Below(3) - 1);
+    const int tenths = dice_.Below(90);
+    return begin + milliseconds(tenths * 100 + dice_.Below(3) - 1);
   }
 
   /// One call; gives the moment by which it has been hung up.
@@ -134,12 +135,13 @@ class Author {
     }
     if (dice_.OneIn(10)) {
       Add(Moment(begin), "line off and on", [](World& world) {
+        if (world.ended) return;
         world.window->TurnOff();
         world.window->TurnOn();
       });
     }
     if (dice_.OneIn(10)) {
-      Add(Moment(begin), "second call", [](World& world) { world.line->Offer(); });
+      Add(Moment(begin), "another call", [](World& world) { world.line->Offer(); });
     }
     if (dice_.OneIn(10)) {
       Add(Moment(begin), "list cleared", [](World& world) {
@@ -155,6 +157,12 @@ class Author {
     if (dice_.OneIn(10)) Break(begin, "start of recording fails", &TimedWave::start_result);
     if (dice_.OneIn(12)) Break(begin, "record format missing", &TimedWave::query_result);
     if (dice_.OneIn(10)) Break(begin, "message cannot be written", &TimedWave::stop_result);
+    if (dice_.OneIn(10)) Break(begin, "no sound card", &TimedWave::monitor_result);
+    if (dice_.OneIn(12)) {
+      Add(Moment(begin), "records cannot be written", [](World& world) { world.database_full = true; });
+      Add(Moment(begin), "records can be written", [](World& world) { world.database_full = false; });
+    }
+    if (dice_.OneIn(20)) Add(Moment(begin), "exit", [](World& world) { world.window->Exit(); });
     const auto delay = milliseconds(dice_.OneIn(3) ? dice_.Below(1500) : 20);
     Add(begin, "answers after " + std::to_string(delay.count()) + " ms",
         [delay](World& world) { world.line->SetAnswerDelay(delay); });

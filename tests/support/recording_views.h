@@ -64,7 +64,10 @@ class RecordingViews : public LineView,
   void EnableSlider(bool on) override { slider_enabled = on; }
   void Show() override { shown = true; }
   void Hide() override { shown = false; }
-  void CloseOtherWindows() override { others_closed = true; }
+  void CloseOtherWindows() override {
+    others_closed = true;
+    view_open = false;
+  }
 
   // The list.
   std::vector<CallColumn> columns;
@@ -132,7 +135,11 @@ class ScriptedDialogs : public Dialogs {
   std::optional<std::string> save_as;
   std::string save_title, save_filter, save_name;
   void Message(const std::string& text) override { messages.push_back(text); }
-  void Information(const std::string& text) override { informations.push_back(text); }
+  std::function<void()> while_open = [] {};
+  void Information(const std::string& text) override {
+    informations.push_back(text);
+    while_open();
+  }
   bool Confirm(const std::string& /*text*/) override { return false; }
   std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                     const std::string& name) override {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/runtime_error.h"
 #include "records/call_fields.h"
 
 namespace orven::test {
@@ -35,6 +36,9 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   files.Put(std::string(kHome) + "/Greets/Hello.wav", TimedWave::Sound(2s));
   files.Put(std::string(kHome) + "/beep.wav", TimedWave::Sound(400ms));
   Wave1.level = [this] { return loud; };
+  database.before_write = [this] {
+    if (database_full) throw RuntimeError(ErrorNumber::DiskFull);
+  };
   auto driver = std::make_unique<SimLine>("Sim", time);
   line = driver.get();
   std::vector<std::unique_ptr<LineDriver>> drivers;
@@ -71,8 +75,9 @@ bool World::Logged(const std::string& text) const {
 }
 
 void World::CallAndWaitForAnswer() {
+  constexpr int kMostRings = 20;
   line->Offer();
-  while (!line->IsAnswered() && line->HasCall()) {
+  for (int ring = 0; ring < kMostRings && !line->IsAnswered() && line->HasCall(); ++ring) {
     line->Ring();
     time.RunFor(1s);
   }

@@ -75,6 +75,7 @@ class World {
   std::unique_ptr<LineService> Tapi1;
   SharedOptions shared;
   std::int32_t loud = 0;
+  bool database_full = false;  ///< no record can be changed
   bool ended = false;
   std::unique_ptr<MainWindow> window;
 

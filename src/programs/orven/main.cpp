@@ -31,6 +31,6 @@ int main(int count, char** arguments) {
   }
   orven::Program program(folder, orven::FindAssets(hints.executable_folder));
   const orven::ExitSignals exit_signals([&] { program.Exit(); });
-  if (!program.Start(command_line)) return EXIT_SUCCESS;
+  if (!program.Start(command_line) || program.Ended()) return EXIT_SUCCESS;
   return QApplication::exec();
 }

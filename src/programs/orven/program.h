@@ -34,6 +34,9 @@ class Program {
   /// Ends it as the exit commands do; the event loop then ends.
   void Exit() { window_.Exit(); }
 
+  /// Whether it has ended already, perhaps while it was still starting.
+  bool Ended() const { return window_.Ended(); }
+
  private:
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();

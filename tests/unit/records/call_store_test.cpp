@@ -114,14 +114,27 @@ TEST_F(CallStoreTest, RelocatesMessagesOneMissingFileAside) {
   EXPECT_EQ(world.shared.messages_path, "/mnt/new/");
 }
 
-TEST_F(CallStoreTest, AFullDiskIsSaidAndTheCallsLogStillHasTheCall) {
-  world.database.before_write = [] { throw RuntimeError(ErrorNumber::DiskFull); };
-  world.line->Offer();
-  world.line->CallerId("Anna", "1");
-  world.RunFor(10ms);
-  world.HangUp();
+TEST_F(CallStoreTest, ACallThatCannotBeFiledIsFiledBeforeTheNext) {
+  const auto call_from = [&](const std::string& name) {
+    world.line->Offer();
+    world.line->CallerId(name, "1");
+    world.RunFor(10ms);
+    world.HangUp();
+  };
+  world.database_full = true;
+  call_from("Anna");
   EXPECT_THAT(world.SystemLog(), Contains(HasSubstr("ErrPutCallDetailsInDB 61 Disk full")));
   EXPECT_EQ(world.CallsLog().back(), "Ring: [Anna:1]");
+  world.database_full = false;
+  call_from("Ben");
+  ASSERT_EQ(world.database.Records().size(), 5U);
+  EXPECT_EQ(world.database.Field(3, kCallName), "Anna");
+  EXPECT_EQ(world.database.Field(4, kCallName), "Ben");
+  world.database_full = true;
+  call_from("Carl");
+  world.database_full = false;
+  world.window->Exit();
+  EXPECT_EQ(world.database.Records().size(), 6U) << "at the latest when the program ends";
 }
 
 }  // namespace

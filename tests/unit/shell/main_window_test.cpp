@@ -60,6 +60,15 @@ TEST(MainWindow, ClosingOnlyHidesAndExitEnds) {
   EXPECT_TRUE(world.views.nothing_shown);
 }
 
+TEST(MainWindow, AnExitDuringTheStartUpsMessageBoxEndsTheStart) {
+  World world;
+  world.registry.Set("Modem", "3");
+  world.dialogs.while_open = [&] { world.window->Exit(); };
+  world.Start();
+  EXPECT_TRUE(world.window->Ended());
+  EXPECT_FALSE(world.views.shown);
+}
+
 class EntryRoutineTest : public testing::Test {
  protected:
   EntryRoutineTest() {

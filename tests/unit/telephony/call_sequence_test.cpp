@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "records/call_fields.h"
 #include "support/world.h"
 
@@ -52,7 +54,7 @@ TEST(CallSequence, AnswersAtTheConfiguredRingAndOnlyOnce) {
   world.line->Ring();  // rings again before the answer took effect
   world.RunFor(1s);
   EXPECT_TRUE(world.line->IsAnswered());
-  EXPECT_FALSE(world.Logged("LineAnswer[LineIndex:0]->Proc Num: 2"));
+  EXPECT_EQ(std::ranges::count_if(world.SystemLog(), [](const auto& line) { return line.starts_with("LineAnswer["); }), 1);
 }
 
 TEST(CallSequence, AnswersAgainAfterAFailedAnswer) {
@@ -174,6 +176,7 @@ TEST(CallSequence, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
   world.CallAndWaitForAnswer();
   EXPECT_THAT(world.LoggedBy([&] { control.DropInComeCall(); }),
               ElementsAre("DropChice[LineIndex:0]", "LineDrop[LineIndex:0]->Proc Num: Success"));
+  EXPECT_FALSE(world.Wave1.IsPlaying()) << "hanging up ends the greeting";
   world.RunFor(1s);
   EXPECT_EQ(world.database.Records().size(), 2U);
 }
@@ -192,6 +195,7 @@ TEST(CallSequence, HangingUpEndsTheGreetingAndItsEndIsNotTakenForTheNextCalls) {
 
 TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
   World world;
+  world.registry.Set("ViewDetails", "1");
   world.Start();
   world.CallAndWaitForRecording();
   world.RunFor(3s - 500ms);
@@ -200,6 +204,7 @@ TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
   EXPECT_EQ(world.database.Field(0, kType), "2.5");
   const auto log = world.SystemLog();
   EXPECT_EQ(log.back(), "Unload ORVEN");
+  EXPECT_FALSE(world.views.view_open) << "what the call's end opened is closed again";
   EXPECT_THAT(log, Contains("LineClose[LineIndex=0]->Success"));
   EXPECT_EQ(world.views.Status(), "Off Mode");
 }

@@ -66,6 +66,14 @@ TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
   EXPECT_EQ(world.views.Status(), "Monitoring Sim");
 }
 
+TEST(LineManager, OpensNoSecondLineBesideAnOpenOne) {
+  World world;
+  world.Start();
+  EXPECT_THAT(world.LoggedBy([&] { world.Machine().line.OpenLine(1); }), IsEmpty());
+  world.window->TurnOff();
+  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
+}
+
 TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {
   World world;
   world.Start();

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
@@ -137,20 +138,76 @@ TEST(Recorder, AFailedWriteFilesACallWithoutAMessage) {
   EXPECT_EQ(world.database.Field(0, kCallMassageName), "12-31-2003_14-05-07.wav");
 }
 
-TEST(Recorder, TwoCallsInOneSecondKeepBothMessages) {
+class SameSecond : public testing::Test {
+ protected:
+  SameSecond() { world.files.Put(path, TimedWave::Sound(7s)); }
+  void LeaveAMessage() {
+    world.Start();
+    world.CallAndWaitForRecording();
+    world.RunFor(1s);
+    world.HangUp();
+  }
+
   World world;
-  const auto name = world.messages + "12-31-2003_14-05-07.wav";
-  world.files.Put(name, TimedWave::Sound(7s));
-  world.Start();
-  world.CallAndWaitForRecording();
-  world.RunFor(1s);
-  world.HangUp();
-  EXPECT_EQ(world.files.Content(name), TimedWave::Sound(1s));
+  const std::string name = "12-31-2003_14-05-07.wav";
+  const std::string path = world.messages + name;
+};
+
+TEST_F(SameSecond, KeepsBothMessages) {
+  LeaveAMessage();
+  EXPECT_EQ(world.files.Content(path), TimedWave::Sound(1s));
   const auto names = world.files.Names(world.messages);
   ASSERT_EQ(names.size(), 2U);
   EXPECT_EQ(world.files.Content(world.messages + names.front()), TimedWave::Sound(7s));
-  EXPECT_TRUE(world.Logged("Record Message: two calls share the name 12-31-2003_14-05-07.wav, the older message is "
-                           "kept as " + names.front()));
+  EXPECT_TRUE(world.Logged("Record Message: two calls share the name " + name + ", the older message is kept as " +
+                           names.front()));
+}
+
+TEST_F(SameSecond, AFailedWriteLeavesTheOlderMessageToItsCall) {
+  world.Wave1.stop_result = kWaveDiskFull;
+  LeaveAMessage();
+  EXPECT_THAT(world.files.Names(world.messages), ElementsAre(name));
+  EXPECT_EQ(world.database.Field(0, kType), "-1") << "the older message is not this call's";
+}
+
+TEST_F(SameSecond, AnOlderFileThatCannotBeRenamedIsNotReplaced) {
+  bool first = true;
+  world.files.before_write = [&](const std::string& written) {
+    if (written.find("kept_") != std::string::npos && std::exchange(first, false)) {
+      throw RuntimeError(ErrorNumber::PermissionDenied);
+    }
+  };
+  LeaveAMessage();
+  EXPECT_EQ(world.files.Content(path), TimedWave::Sound(7s));
+  const auto own_name = world.database.Field(0, kCallMassageName);
+  EXPECT_NE(own_name, name);
+  EXPECT_EQ(world.files.Content(world.messages + own_name), TimedWave::Sound(1s));
+  EXPECT_EQ(world.database.Field(0, kType), "1");
+}
+
+TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
+  World world;
+  world.registry.Set("MaxRec", "0");
+  world.Start();
+  world.CallAndWaitForRecording();
+  world.RunFor(2s);
+  ASSERT_FALSE(world.Wave1.IsRecording());
+  world.Machine().calls.RelocateMessages("/mnt/new/");
+  world.HangUp();
+  EXPECT_EQ(world.database.Field(0, kType), "1");
+  EXPECT_EQ(world.files.Content("/mnt/new/" + world.database.Field(0, kCallMassageName)), TimedWave::Sound(1s));
+}
+
+TEST(Recorder, OurOwnHangUpInTheWaitRecordsNothing) {
+  World world;
+  world.line->SetAnswerDelay(2s);
+  world.Start();
+  world.CallAndWaitForAnswer();
+  world.time.RunUntil([&] { return world.Logged("Play Beep OK") && !world.Wave1.IsPlaying(); }, 10s);
+  world.Machine().control.DropCall();
+  world.RunFor(1s);
+  EXPECT_TRUE(world.line->HasCall()) << "the network is still hanging up";
+  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
 }
 
 }  // namespace

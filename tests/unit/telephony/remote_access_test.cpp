@@ -67,6 +67,17 @@ TEST_F(RemoteAccessTest, DigitsAreIgnoredWhileAMessageIsRecorded) {
   EXPECT_TRUE(world.Logged("MonitorDigit[LineIndex:0]->4")) << "but they are logged";
 }
 
+TEST_F(RemoteAccessTest, ARecordingThatFailedToStartDoesNotCutTheOwnerOff) {
+  world.AddMessage("long.wav", 30s);
+  world.Wave1.start_result = kWaveNoDevice;
+  world.Start();
+  world.CallAndWaitForAnswer();
+  world.RunFor(3s);
+  world.Press("4711*");
+  world.RunFor(20s);
+  EXPECT_TRUE(world.Wave1.IsPlaying());
+}
+
 TEST_F(RemoteAccessTest, AListWithNothingToHearDropsTheLine) {
   CallAndKey("4711*");
   world.RunFor(100ms);

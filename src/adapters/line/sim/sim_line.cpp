@@ -23,13 +23,18 @@ void SimLine::FailOpen(std::int32_t result, std::string reason) {
 std::int32_t SimLine::Open(LineDriverEvents& events) {
   if (open_result_ != kTelephonyOk) return open_result_;
   events_ = &events;
-  for (const auto& step : script_) loop_.After(step.at, lifeline_.Bind([this, step] { Do(step); }));
+  for (const auto& step : script_) {
+    loop_.After(step.at, lifeline_.Bind([this, step, opening = openings_] {
+      if (opening == openings_) Do(step);
+    }));
+  }
   return kTelephonyOk;
 }
 
 void SimLine::Close() {
   EndCall();
   events_ = nullptr;
+  ++openings_;
 }
 
 void SimLine::Do(const SimStep& step) {
@@ -65,7 +70,7 @@ void SimLine::Press(char digit) {
 
 void SimLine::HangUp() {
   if (call_ == 0) return;
-  if (connected_) events_->Disconnected(call_);
+  if (connected_ && !dropping_) events_->Disconnected(call_);
   EndCall();
 }
 
@@ -73,6 +78,7 @@ void SimLine::EndCall() {
   if (call_ == 0) return;
   audio_.SetCall(false);
   connected_ = false;
+  dropping_ = false;
   monitor_digits_ = false;
   const auto call = std::exchange(call_, 0);
   events_->Idle(call);
@@ -100,6 +106,7 @@ void SimLine::CompleteAnswer(CallNumber call, std::int32_t request) {
 }
 
 void SimLine::Drop(CallNumber call, std::int32_t request) {
+  if (IsCurrent(call)) dropping_ = true;
   loop_.After(answer_delay_, lifeline_.Bind([this, call, request] { CompleteDrop(call, request); }));
 }
 

@@ -35,9 +35,6 @@ class SimLine : public LineDriver {
 
   bool HasCall() const { return call_ != 0; }
   bool IsAnswered() const { return connected_; }
-  bool IsOpen() const { return events_ != nullptr; }
-  std::uint32_t CallsOffered() const { return calls_; }
-  bool MonitorsDigits() const { return monitor_digits_; }
   SimAudio& Sound() { return audio_; }
 
   const DeviceCapabilities& Capabilities() const override { return capabilities_; }
@@ -67,6 +64,8 @@ class SimLine : public LineDriver {
   std::uint32_t calls_ = 0;
   std::int32_t rings_ = 0;
   bool connected_ = false;
+  bool dropping_ = false;  ///< our side has asked to hang up
+  int openings_ = 0;       ///< tells the script of an earlier opening from this one's
   bool monitor_digits_ = false;
   std::chrono::milliseconds answer_delay_{20};
   int failing_answers_ = 0;

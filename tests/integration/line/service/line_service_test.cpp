@@ -187,6 +187,24 @@ TEST(DriverEventQueue, CarriesEventsOfAnotherThreadInOrder) {
   EXPECT_TRUE(std::ranges::is_sorted(target.rings));
 }
 
+TEST(SimLine, AScriptBeginsAnewWithEachOpening) {
+  VirtualTime time{std::chrono::sys_days{}};
+  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
+  std::vector<std::unique_ptr<LineDriver>> drivers;
+  drivers.push_back(std::make_unique<SimLine>("Sim", time, script));
+  LineService service(time, std::move(drivers));
+  EventList list;
+  service.SetEvents(&list);
+  service.LineOpen(0, 4, 8);
+  time.RunFor(6s);
+  service.LineClose(0);
+  service.LineOpen(0, 4, 8);
+  time.RunFor(19s);
+  EXPECT_THAT(list.events, ElementsAre("0 call 1", "0 idle", "0 call 2"));
+  time.RunFor(2s);
+  EXPECT_EQ(list.events.back(), "0 idle");
+}
+
 TEST(SimScript, ReadsWhatItWritesAndNamesTheWrongLine) {
   const auto path = testing::TempDir() + "/orven_script.sim";
   {
