@@ -42,9 +42,13 @@ Integer ToInteger(std::string_view text) {
 
 }  // namespace
 
-std::int16_t ToInt16(std::string_view text) { return ToInteger<std::int16_t>(text); }
+std::int16_t ToInt16(std::string_view text) {
+  return ToInteger<std::int16_t>(text);
+}
 
-std::int32_t ToInt32(std::string_view text) { return ToInteger<std::int32_t>(text); }
+std::int32_t ToInt32(std::string_view text) {
+  return ToInteger<std::int32_t>(text);
+}
 
 std::int16_t NarrowToInt16(std::int64_t value) {
   if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max()) {

@@ -28,7 +28,10 @@ class EntryRoutine {
   /// is the one instance, before any setting is read; its argument tells a first start.
   EntryRoutine(OperatingSystem& system, Dialogs& dialogs, FirstStart& first_start, SharedOptions& shared,
                std::function<void(bool first_start)> prepare)
-      : system_(system), dialogs_(dialogs), first_start_(first_start), shared_(shared),
+      : system_(system),
+        dialogs_(dialogs),
+        first_start_(first_start),
+        shared_(shared),
         prepare_(std::move(prepare)) {}
 
   /// `command_line` is everything after the program's name, as one text. True when the program runs

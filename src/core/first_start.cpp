@@ -24,7 +24,9 @@ void Put(std::vector<NamedRegistryValue>& values, NamedRegistryValue value) {
 
 }  // namespace
 
-bool FirstStart::IsDue() const { return !registry_.KeyExists(RegistryRoot::LocalMachine, kSettingsKey); }
+bool FirstStart::IsDue() const {
+  return !registry_.KeyExists(RegistryRoot::LocalMachine, kSettingsKey);
+}
 
 void FirstStart::Run() {
   SetRegValue(registry_, RegistryRoot::LocalMachine, kAutostartKey, "ORVEN", kRegString,
@@ -33,7 +35,8 @@ void FirstStart::Run() {
   Put(values, RegString("MassagesPath", shared_.InApplicationFolder("\\Messages\\")));
   if (GetWindowsVersionName(system_.Version()) == "Windows XP") Put(values, RegString("cAnimation", "1"));
   std::string password;
-  for (int digit = 0; digit < kPasswordDigits; ++digit) password += static_cast<char>('0' + sources_.random(10));
+  for (int digit = 0; digit < kPasswordDigits; ++digit)
+    password += static_cast<char>('0' + sources_.random(10));
   Put(values, RegString("Pass", password));
   if (registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values)) sources_.announce_password(password);
 }

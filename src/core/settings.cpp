@@ -66,7 +66,9 @@ const auto kSchema = std::to_array<SettingDefinition>({
 
 }  // namespace
 
-std::span<const SettingDefinition> SettingsSchema() { return kSchema; }
+std::span<const SettingDefinition> SettingsSchema() {
+  return kSchema;
+}
 
 std::string SharedOptions::InApplicationFolder(std::string_view text) const {
   return application_folder + NativePath(text);

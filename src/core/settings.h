@@ -19,18 +19,18 @@ struct Settings {
   std::int32_t MeHeight = 0;
   std::int32_t Modem = 0;  ///< current line index; -1 none selected, -2 none usable
   std::string ModemName;
-  std::string MassagesPath;      ///< ends in a separator
-  std::int32_t SecSilence = 0;   ///< seconds of silence that end a recording
+  std::string MassagesPath;     ///< ends in a separator
+  std::int32_t SecSilence = 0;  ///< seconds of silence that end a recording
   std::int16_t cDropSilence = 0;
-  std::int16_t ValSilence = 0;   ///< thousandths of full scale
+  std::int16_t ValSilence = 0;  ///< thousandths of full scale
   std::int16_t RecordMessage = 0;
   std::int16_t NumOfRing = 0;
-  std::int32_t MaxRec = 0;       ///< minutes
+  std::int32_t MaxRec = 0;  ///< minutes
   std::string Pass;
   std::int16_t WornDelete = 0;
   std::int16_t WornClear = 0;
   std::int16_t ListMessageOnly = 0;
-  std::int32_t Sound = 0;        ///< wave device number of the sound card
+  std::int32_t Sound = 0;  ///< wave device number of the sound card
   std::string Greeting;
   std::int16_t AllowRemoteAccess = 0;
   std::int16_t CompressMessages = 0;
@@ -56,8 +56,8 @@ struct Settings {
   std::int16_t AnimationFast = 0;
   std::int16_t cCloseCallerView = 0;
   std::int16_t CloseCallerView = 0;  ///< seconds
-  std::int16_t cLogCalls = -1;  ///< both logs count as on until they have been read, so that the
-  std::int16_t cLogSys = -1;    ///< errors of a fresh installation are not lost
+  std::int16_t cLogCalls = -1;       ///< both logs count as on until they have been read, so that the
+  std::int16_t cLogSys = -1;         ///< errors of a fresh installation are not lost
   std::string LogFor;
   std::int16_t cWornBeforeDelete = 0;
 };
@@ -91,7 +91,7 @@ struct SharedOptions {
   std::string application_folder;  ///< without trailing separator
   std::string messages_path;       ///< ends in a separator
   bool record_messages = false;
-  std::string greeting_file;       ///< file name in the greetings folder
+  std::string greeting_file;  ///< file name in the greetings folder
   std::int16_t num_of_ring = 0;
   std::int16_t max_record_seconds = 0;
 

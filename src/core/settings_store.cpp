@@ -37,9 +37,15 @@ void SettingsStore::Read(unsigned reader, const std::string& label) {
   }
 }
 
-void SettingsStore::GetMainOptions() { Read(kMainOptionsReader, "ErrGetMainOptions "); }
-void SettingsStore::GetMainAction() { Read(kMainActionReader, "ErrGetMainAction "); }
-void SettingsStore::GetMainEvents() { Read(kMainEventsReader, "ErrGetMainEvents "); }
+void SettingsStore::GetMainOptions() {
+  Read(kMainOptionsReader, "ErrGetMainOptions ");
+}
+void SettingsStore::GetMainAction() {
+  Read(kMainActionReader, "ErrGetMainAction ");
+}
+void SettingsStore::GetMainEvents() {
+  Read(kMainEventsReader, "ErrGetMainEvents ");
+}
 
 void SettingsStore::GetView(PlacedWindow& window) {
   const WindowGeometry present = window.Geometry();

@@ -50,8 +50,7 @@ constexpr const char* DescriptionOf(ErrorNumber number) {
 /// contract says so; the error trap of the running routine turns it into one log line.
 class RuntimeError : public std::runtime_error {
  public:
-  explicit RuntimeError(ErrorNumber number)
-      : std::runtime_error(DescriptionOf(number)), number_(number) {}
+  explicit RuntimeError(ErrorNumber number) : std::runtime_error(DescriptionOf(number)), number_(number) {}
 
   /// `detail` names what is wrong and where; it follows the description after ": ".
   RuntimeError(ErrorNumber number, const std::string& detail)

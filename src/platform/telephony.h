@@ -26,20 +26,21 @@ struct CallInformation {
 /// Results of the telephony control. Requests give positive request numbers, errors are negative.
 enum TelephonyResult : std::int32_t {
   kTelephonyOk = 0,
-  kTelephonyBadDevice = -1,      ///< no device has that index
+  kTelephonyBadDevice = -1,  ///< no device has that index
   kTelephonyLineNotOpen = -2,
-  kTelephonyLineInUse = -3,      ///< the device, its port or its address is taken
-  kTelephonyNoCall = -4,         ///< there is no call to answer or to drop
+  kTelephonyLineInUse = -3,  ///< the device, its port or its address is taken
+  kTelephonyNoCall = -4,     ///< there is no call to answer or to drop
   kTelephonyAlreadyAnswered = -5,
-  kTelephonyDeviceFailed = -6,   ///< the device or the network refused
-  kTelephonyNoDevices = -7,      ///< no line is configured
+  kTelephonyDeviceFailed = -6,  ///< the device or the network refused
+  kTelephonyNoDevices = -7,     ///< no line is configured
 };
 
 /// What the telephony control tells the program; `line` is the device index. Events arrive on the
 /// user-interface thread one at a time, for each call in this order: InCommingCall first; Ring and
 /// CallerID in any number until the call is answered or gone (a late CallerID may follow); Proc for
-/// each request (that of an answer which came too late may follow its call's end); Connected once when answered; MonitorDigit while connected and monitored;
-/// Disconnected when the remote party hung up an answered call; Idle exactly once, last.
+/// each request (that of an answer which came too late may follow its call's end); Connected once when
+/// answered; MonitorDigit while connected and monitored; Disconnected when the remote party hung up an
+/// answered call; Idle exactly once, last.
 class TelephonyEvents {
  public:
   virtual ~TelephonyEvents() = default;

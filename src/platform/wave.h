@@ -10,13 +10,13 @@ namespace orven {
 /// Results of the wave control and of audio devices. 0 is success; the control turns each into text.
 enum WaveResult : std::int32_t {
   kWaveOk = 0,
-  kWaveNoDevice = 1,       ///< no wave device has that number, or it cannot play or record now
-  kWaveBusy = 2,           ///< the device or the control is already playing or recording
-  kWaveBadFormat = 3,      ///< the format is not one that can be recorded or played
+  kWaveNoDevice = 1,   ///< no wave device has that number, or it cannot play or record now
+  kWaveBusy = 2,       ///< the device or the control is already playing or recording
+  kWaveBadFormat = 3,  ///< the format is not one that can be recorded or played
   kWaveFileNotFound = 4,
   kWaveFileUnreadable = 5,  ///< not a sound file, damaged, empty, or no permission
   kWaveNotRecording = 6,
-  kWavePathNotFound = 7,    ///< the folder to write into is not there or is no folder
+  kWavePathNotFound = 7,  ///< the folder to write into is not there or is no folder
   kWaveWriteDenied = 8,
   kWaveDiskFull = 9,
   kWaveWriteFailed = 10,

@@ -15,23 +15,24 @@ inline constexpr const char* kUnknownCaller = "UNKNOWN";
 /// Everything known of the current call. One call at a time; a new one replaces it whole.
 struct Call {
   /// A call that was just offered. `serial` is different for every call of this process.
-  static Call Offered(std::uint32_t serial, std::string date, std::string time, std::string message_file_name);
+  static Call Offered(std::uint32_t serial, std::string date, std::string time,
+                      std::string message_file_name);
 
   std::uint32_t serial = 0;
 
-  bool in_progress = false;       ///< offered and not idle yet
-  bool answering = false;         ///< a request to answer was accepted
-  bool admin_mode = false;        ///< the caller keyed the password
-  bool message_left = false;      ///< a recording was made, even if it could not be stored
-  bool do_nothing = false;        ///< the person at the desk chose to let it ring
+  bool in_progress = false;   ///< offered and not idle yet
+  bool answering = false;     ///< a request to answer was accepted
+  bool admin_mode = false;    ///< the caller keyed the password
+  bool message_left = false;  ///< a recording was made, even if it could not be stored
+  bool do_nothing = false;    ///< the person at the desk chose to let it ring
   bool greeting_playing = false;
   bool beep_playing = false;
-  bool remote_playback = false;   ///< messages are being played to the caller
+  bool remote_playback = false;  ///< messages are being played to the caller
   bool sent_to_application = false;
 
   std::string caller_name = kUnknownCaller;
   std::string caller_number = kUnknownCaller;
-  std::string date;               ///< as shown and filed, taken once when the call was offered
+  std::string date;  ///< as shown and filed, taken once when the call was offered
   std::string time;
   std::string ring_count_text;    ///< ring at which the call was answered
   std::string message_file_name;  ///< without folder; prepared even when no message is left

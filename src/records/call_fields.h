@@ -15,8 +15,8 @@ inline constexpr const char* kType = "Type";
 inline constexpr const char* kRead = "Read";
 
 /// All of them, in stored order.
-inline constexpr std::array kCallFields{kCallName, kCallNumber, kCallTime, kCallDate,
-                                        kCallMassageName, kType, kRead};
+inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime, kCallDate,
+                                        kCallMassageName, kType,       kRead};
 
 /// Query for all records with all fields.
 inline constexpr const char* kGetAll = "Get *";

@@ -50,15 +50,17 @@ CallRow RowOf(const std::vector<std::string>& record, const Columns& columns) {
   return row;
 }
 
-bool IsUnread(const CallRow& row) { return row.icon == kUnreadMessage || row.icon == kUnreadNoMessage; }
+bool IsUnread(const CallRow& row) {
+  return row.icon == kUnreadMessage || row.icon == kUnreadNoMessage;
+}
 
 }  // namespace
 
 void CallList::RangeListTitle() {
   const ErrorTrap trap(log_, "ErrRangeListTitle ");
   trap([&] {
-    view_.ShowColumns({{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800},
-                       {"Name", 1600}});
+    view_.ShowColumns(
+        {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
   });
 }
 

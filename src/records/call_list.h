@@ -26,7 +26,7 @@ struct CallRow {
   std::string time;
   std::string number;
   std::string name;
-  std::string key;     ///< file name of the message; empty without one
+  std::string key;  ///< file name of the message; empty without one
 };
 
 /// A column of the list, width in twips (1/1440 inch).

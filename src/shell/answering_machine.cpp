@@ -17,10 +17,10 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       recorder({ports.clock, ports.loop, ports.files}, context, control),
       remote(context, control, recorder, ListView1, views.line),
       greeter(context, control, recorder, remote),
-      after_call({views.caller_view, views.sounds, views.tray, views.actions}, calls, ListView1, log, settings,
-                 shared, [this] { return window_hidden; }),
-      sequence(context, {control, greeter, recorder, remote, after_call, views.line, views.caller_view,
-                         ports.clock}),
+      after_call({views.caller_view, views.sounds, views.tray, views.actions}, calls, ListView1, log,
+                 settings, shared, [this] { return window_hidden; }),
+      sequence(context,
+               {control, greeter, recorder, remote, after_call, views.line, views.caller_view, ports.clock}),
       ports_(ports) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&greeter);

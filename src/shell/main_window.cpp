@@ -144,8 +144,12 @@ void MainWindow::Exit() {
   end_process_();
 }
 
-void MainWindow::TurnOn() { machine_.line.OpenLine(machine_.settings.Modem); }
+void MainWindow::TurnOn() {
+  machine_.line.OpenLine(machine_.settings.Modem);
+}
 
-void MainWindow::TurnOff() { machine_.line.CloseLine(machine_.settings.Modem); }
+void MainWindow::TurnOff() {
+  machine_.line.CloseLine(machine_.settings.Modem);
+}
 
 }  // namespace orven

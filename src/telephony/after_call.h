@@ -22,7 +22,12 @@ class AfterCall {
  public:
   AfterCall(CallEffects effects, CallStore& store, CallList& list, SystemLog& log, const Settings& settings,
             const SharedOptions& shared, std::function<bool()> window_hidden)
-      : effects_(effects), store_(store), list_(list), log_(log), settings_(settings), shared_(shared),
+      : effects_(effects),
+        store_(store),
+        list_(list),
+        log_(log),
+        settings_(settings),
+        shared_(shared),
         window_hidden_(std::move(window_hidden)) {}
 
   /// A call is offered: ring sound and caller view.

@@ -31,6 +31,8 @@ struct CallContext {
 };
 
 /// "[LineIndex:" + line + "]", as the step lines of the log have it.
-inline std::string LineTag(std::int32_t line) { return "[LineIndex:" + std::to_string(line) + "]"; }
+inline std::string LineTag(std::int32_t line) {
+  return "[LineIndex:" + std::to_string(line) + "]";
+}
 
 }  // namespace orven

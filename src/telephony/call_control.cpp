@@ -13,7 +13,8 @@ void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool 
     if (!force && !due) return;
     const auto request = RequestAnswer();
     if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
-    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) + "->Proc Num: " + std::to_string(request));
+    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
+                             "->Proc Num: " + std::to_string(request));
   });
 }
 

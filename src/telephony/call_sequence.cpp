@@ -56,7 +56,9 @@ void CallSequence::Connected(std::int32_t line) {
   trap([&] { UpdateCallerView("Line Connected"); });
 }
 
-void CallSequence::MonitorDigit(std::int32_t line, char digit) { parts_.remote.MonitorDigit(line, digit); }
+void CallSequence::MonitorDigit(std::int32_t line, char digit) {
+  parts_.remote.MonitorDigit(line, digit);
+}
 
 void CallSequence::Disconnected(std::int32_t line) {
   if (!context_.call.in_progress) return;

@@ -32,8 +32,8 @@ bool IsLegal(CallState from, CallState to) {
       return to == CallState::Beep || to == CallState::Administrator || to == CallState::Disconnected;
     case CallState::Beep:
       return to == CallState::Recording || to == CallState::Administrator || to == CallState::Disconnected;
-    case CallState::Recording: return to == CallState::Recorded || to == CallState::Disconnected ||
-                                      to == CallState::Administrator;
+    case CallState::Recording:
+      return to == CallState::Recorded || to == CallState::Disconnected || to == CallState::Administrator;
     case CallState::Recorded:
     // A password keyed again starts the messages again.
     case CallState::Administrator: return to == CallState::Administrator || to == CallState::Disconnected;

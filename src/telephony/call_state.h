@@ -7,9 +7,9 @@ namespace orven {
 
 /// Where the line's one call stands.
 enum class CallState {
-  Idle,           ///< monitoring, no call
-  Offered,        ///< ringing
-  Answering,      ///< a request to answer was accepted
+  Idle,       ///< monitoring, no call
+  Offered,    ///< ringing
+  Answering,  ///< a request to answer was accepted
   Greeting,
   Beep,
   Recording,

@@ -15,7 +15,9 @@ void Greeter::PlayGreeting() {
   trap([&] { context_.progress.Enter(CallState::Greeting); });
   trap([&] { context_.Tapi1.SetGreetingPhase(context_.Line(), true); });
   std::int32_t result = kWaveNoDevice;
-  trap([&] { result = PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file); });
+  trap([&] {
+    result = PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
+  });
   if (result == kWaveOk) return;
   context_.log.WriteSystem("Play Greeting " + context_.Wave1.PlayErrorText(result));
   PlayFinished();

@@ -102,7 +102,8 @@ void Recorder::StartPreScreen(const WaveFormat& format) {
   context_.log.WriteSystem("PreScreen->" + context_.Wave1.RecordErrorText(result));
 }
 
-std::string Recorder::FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const {
+std::string Recorder::FormatLine(const std::string& step, const WaveFormat& format,
+                                 std::int32_t result) const {
   // The tag says line index, but it has always carried the wave device's number.
   return step + LineTag(WaveIn()) + " Format:, " + std::to_string(format.tag) + ", " +
          std::to_string(format.channels) + ", " + std::to_string(format.bits_per_sample) + ", " +
@@ -160,7 +161,8 @@ std::string Recorder::FreeNameBeside(const std::string& path) const {
   const auto stem = path.substr(0, path.rfind('.')) + ".kept_" +
                     FileStamp(ports_.clock.DateText(now), ports_.clock.TimeText(now));
   auto name = stem + ".wav";
-  for (int number = 2; ports_.files.Exists(name); ++number) name = stem + "_" + std::to_string(number) + ".wav";
+  for (int number = 2; ports_.files.Exists(name); ++number)
+    name = stem + "_" + std::to_string(number) + ".wav";
   return name;
 }
 

@@ -78,11 +78,13 @@ std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines) {
   CallSoFar call;
   for (const auto& line : lines) {
     if (IsUnexplainedFault(line)) faults.push_back("log: " + line);
-    if (const auto misstep = Misstep(line, call); !misstep.empty()) faults.push_back("log: " + misstep + ": " + line);
+    if (const auto misstep = Misstep(line, call); !misstep.empty())
+      faults.push_back("log: " + misstep + ": " + line);
     Remember(line, call);
     for (const auto& step : kSteps) {
       if (!line.starts_with(step.begins)) continue;
-      if (!call.steps.contains(step.needs)) faults.push_back("log: " + line + " without " + std::string(step.needs));
+      if (!call.steps.contains(step.needs))
+        faults.push_back("log: " + line + " without " + std::string(step.needs));
       if (step.once && call.steps.contains(step.begins)) faults.push_back("log: a second " + line);
       call.steps.insert(step.begins);
     }

@@ -61,7 +61,8 @@ int Run(std::uint64_t calls, std::uint64_t first_seed, const char* program) {
     std::cout << "replay: " << program << " 1 " << seed << "\n\n";
     ++failed;
   }
-  std::cout << played << " worlds simulated from seed " << first_seed << ", " << failed << " with broken promises\n";
+  std::cout << played << " worlds simulated from seed " << first_seed << ", " << failed
+            << " with broken promises\n";
   return failed == 0 && played > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

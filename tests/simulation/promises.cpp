@@ -62,7 +62,8 @@ void Promises::CheckMessage() {
   const auto type = world_.database.Field(newest, kType);
   const int written = world_.Wave1.written - written_before_;
   Expect(written <= 1, "a call has one message at most");
-  Expect((type == kNoMessageType) == (written == 0), "the record says -1 exactly when no message was recorded");
+  Expect((type == kNoMessageType) == (written == 0),
+         "the record says -1 exactly when no message was recorded");
   if (written == 0) return;
   const auto path = world_.messages + world_.database.Field(newest, kCallMassageName);
   Expect(path == world_.Wave1.last_recorded_path, "the record names the message that was recorded");
@@ -86,10 +87,18 @@ void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result
   const bool hung_up = request == result && !world_.Tapi1->IsCallConnected(line);
   if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
 }
-void Promises::MonitorDigit(std::int32_t line, char digit) { program_.MonitorDigit(line, digit); }
-void Promises::Disconnected(std::int32_t line) { program_.Disconnected(line); }
-void Promises::Connected(std::int32_t line) { program_.Connected(line); }
-void Promises::Ring(std::int32_t line, std::int32_t count) { program_.Ring(line, count); }
+void Promises::MonitorDigit(std::int32_t line, char digit) {
+  program_.MonitorDigit(line, digit);
+}
+void Promises::Disconnected(std::int32_t line) {
+  program_.Disconnected(line);
+}
+void Promises::Connected(std::int32_t line) {
+  program_.Connected(line);
+}
+void Promises::Ring(std::int32_t line, std::int32_t count) {
+  program_.Ring(line, count);
+}
 void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
   program_.CallerID(line, name, number);
 }

@@ -38,7 +38,7 @@ class Promises : public TelephonyEvents {
   CallSequence& program_;
   int offered_ = 0, idle_ = 0;
   std::size_t waiting_ = 0;  ///< calls that could not be filed yet
-  int written_before_ = 0;  ///< recordings that were files when the call came in
+  int written_before_ = 0;   ///< recordings that were files when the call came in
   std::vector<std::string> broken_;
 };
 

@@ -120,13 +120,16 @@ class Author {
 
   /// What the person at the desk does meanwhile.
   void WriteDesk(milliseconds begin) {
-    if (dice_.OneIn(6)) Add(Moment(begin), "drop", [](World& world) { world.Machine().control.DropInComeCall(); });
+    if (dice_.OneIn(6))
+      Add(Moment(begin), "drop", [](World& world) { world.Machine().control.DropInComeCall(); });
     if (dice_.OneIn(6)) {
-      Add(Moment(begin), "answer now", [](World& world) { world.Machine().control.AnswerToCall(0, 0, true); });
+      Add(Moment(begin), "answer now",
+          [](World& world) { world.Machine().control.AnswerToCall(0, 0, true); });
     }
     if (dice_.OneIn(8)) {
       const auto rings = std::to_string(1 + dice_.Below(4));
-      Add(Moment(begin), "rings " + rings, [rings](World& world) { world.Machine().quick_options.SetRings(rings); });
+      Add(Moment(begin), "rings " + rings,
+          [rings](World& world) { world.Machine().quick_options.SetRings(rings); });
     }
     if (dice_.OneIn(8)) {
       const bool on = dice_.OneIn(2);
@@ -191,7 +194,8 @@ std::string RandomCall::Script() const {
   for (const auto& [name, value] : settings) text << "  set " << name << " = \"" << value << "\"\n";
   text << "  " << older_messages << " older calls" << (greeting_missing ? ", no greeting file" : "")
        << (beep_missing ? ", no beep file" : "") << '\n';
-  for (const auto& happening : happenings) text << "  " << happening.at.count() << " ms: " << happening.what << '\n';
+  for (const auto& happening : happenings)
+    text << "  " << happening.at.count() << " ms: " << happening.what << '\n';
   return text.str();
 }
 

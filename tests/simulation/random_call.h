@@ -26,7 +26,7 @@ struct RandomCall {
   explicit RandomCall(std::uint64_t seed);
 
   std::map<std::string, std::string> settings;
-  int older_messages = 0;        ///< calls that are filed before
+  int older_messages = 0;  ///< calls that are filed before
   bool greeting_missing = false;
   bool beep_missing = false;
   std::vector<Happening> happenings;  ///< by time

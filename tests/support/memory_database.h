@@ -37,7 +37,9 @@ class MemoryDatabase : public DatabaseControl {
   void AddNew() override;
   void Edit() override;
   void SetField(std::string_view field, std::string_view value) override;
-  void SetField(std::string_view field, std::int32_t value) override { SetField(field, std::to_string(value)); }
+  void SetField(std::string_view field, std::int32_t value) override {
+    SetField(field, std::to_string(value));
+  }
   std::string GetField(std::string_view field) override;
   void Update() override;
   void Delete() override;

@@ -36,7 +36,8 @@ void MemoryFiles::Append(const std::string& path, std::string_view text) {
 
 std::vector<std::string> MemoryFiles::List(const std::string& folder, std::string_view pattern) const {
   std::vector<std::string> names;
-  for (auto file = files_.lower_bound(folder); file != files_.end() && file->first.starts_with(folder); ++file) {
+  for (auto file = files_.lower_bound(folder); file != files_.end() && file->first.starts_with(folder);
+       ++file) {
     auto name = file->first.substr(folder.size());
     if (name.find('/') == std::string::npos && Matches(name, pattern)) names.push_back(std::move(name));
   }

@@ -23,7 +23,9 @@ class MemoryFiles : public Files {
   /// Called before each operation that changes something; throws what the operation shall throw.
   std::function<void(const std::string& path)> before_write = [](const std::string&) {};
 
-  void Put(const std::string& path, std::string content) { files_[path] = {std::move(content), clock_.Now()}; }
+  void Put(const std::string& path, std::string content) {
+    files_[path] = {std::move(content), clock_.Now()};
+  }
   void PutAt(const std::string& path, Clock::WallTime modified) { files_[path] = {"", modified}; }
   std::string Content(const std::string& path) const;
   std::vector<std::string> Names(const std::string& folder) const { return List(folder, "*"); }

@@ -24,7 +24,8 @@ class MemoryRegistry : public Registry {
   void MakeKey(const std::string& key) { keys_[{RegistryRoot::LocalMachine, key}]; }
 
   bool KeyExists(RegistryRoot root, const std::string& key) override { return keys_.contains({root, key}); }
-  std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key, const std::string& name) override {
+  std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key,
+                                     const std::string& name) override {
     const auto values = keys_.find({root, key});
     if (values == keys_.end() || !values->second.contains(name)) return std::nullopt;
     return values->second.at(name);

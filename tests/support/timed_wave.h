@@ -64,7 +64,9 @@ class TimedWave : public WaveControl {
   double FileLength(const std::string& path) const override;
 
  private:
-  static std::string Text(std::int32_t code) { return code == kWaveOk ? "OK" : "wave error " + std::to_string(code); }
+  static std::string Text(std::int32_t code) {
+    return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
+  }
   std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
 
   VirtualTime& time_;

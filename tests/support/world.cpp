@@ -12,21 +12,56 @@ namespace {
 using std::chrono_literals::operator""h;
 using std::chrono_literals::operator""min;
 
-constexpr Clock::WallTime kBegin =
-    std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
+constexpr Clock::WallTime kBegin = std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
 
-constexpr std::pair<const char*, const char*> kWorkingSettings[] = {
-    {"MeTop", "100"}, {"MeLeft", "200"}, {"MeWinState", "0"}, {"MeWidth", "9000"}, {"MeHeight", "6000"},
-    {"Modem", "-1"}, {"ModemName", ""}, {"MassagesPath", "/home/orven/Messages/"}, {"SecSilence", "3"},
-    {"cDropSilence", "1"}, {"ValSilence", "20"}, {"RecordMessage", "1"}, {"NumOfRing", "2"}, {"MaxRec", "1"},
-    {"Pass", "4711"}, {"WornDelete", "1"}, {"WornClear", "1"}, {"ListMessageOnly", "0"}, {"Sound", "0"},
-    {"Greeting", "Hello"}, {"AllowRemoteAccess", "1"}, {"CompressMessages", "0"}, {"pQuickToolbar", "1"},
-    {"PreScreen", "0"}, {"pMailTo", "0"}, {"MailTo", ""}, {"SMTPServer", ""}, {"MailFrom", ""},
-    {"ActionsMailAllCalls", "0"}, {"pAppTo", "0"}, {"AppTo", ""}, {"pAppToBG", "0"},
-    {"ActionsAppAllCalls", "0"}, {"PlayInRing", "ring.wav"}, {"cPlayInRing", "0"}, {"cOnlyIfGotMessage", "0"},
-    {"PlayInIdle", "idle.wav"}, {"cPlayInIdle", "0"}, {"WhenMsgViewMsg", "0"}, {"ViewDetails", "0"},
-    {"cAnimation", "0"}, {"AnimationFast", "0"}, {"cCloseCallerView", "0"}, {"CloseCallerView", "10"},
-    {"cLogCalls", "1"}, {"cLogSys", "1"}, {"LogFor", ""}, {"cWornBeforeDelete", "1"}};
+constexpr std::pair<const char*, const char*> kWorkingSettings[] = {{"MeTop", "100"},
+                                                                    {"MeLeft", "200"},
+                                                                    {"MeWinState", "0"},
+                                                                    {"MeWidth", "9000"},
+                                                                    {"MeHeight", "6000"},
+                                                                    {"Modem", "-1"},
+                                                                    {"ModemName", ""},
+                                                                    {"MassagesPath", "/home/orven/Messages/"},
+                                                                    {"SecSilence", "3"},
+                                                                    {"cDropSilence", "1"},
+                                                                    {"ValSilence", "20"},
+                                                                    {"RecordMessage", "1"},
+                                                                    {"NumOfRing", "2"},
+                                                                    {"MaxRec", "1"},
+                                                                    {"Pass", "4711"},
+                                                                    {"WornDelete", "1"},
+                                                                    {"WornClear", "1"},
+                                                                    {"ListMessageOnly", "0"},
+                                                                    {"Sound", "0"},
+                                                                    {"Greeting", "Hello"},
+                                                                    {"AllowRemoteAccess", "1"},
+                                                                    {"CompressMessages", "0"},
+                                                                    {"pQuickToolbar", "1"},
+                                                                    {"PreScreen", "0"},
+                                                                    {"pMailTo", "0"},
+                                                                    {"MailTo", ""},
+                                                                    {"SMTPServer", ""},
+                                                                    {"MailFrom", ""},
+                                                                    {"ActionsMailAllCalls", "0"},
+                                                                    {"pAppTo", "0"},
+                                                                    {"AppTo", ""},
+                                                                    {"pAppToBG", "0"},
+                                                                    {"ActionsAppAllCalls", "0"},
+                                                                    {"PlayInRing", "ring.wav"},
+                                                                    {"cPlayInRing", "0"},
+                                                                    {"cOnlyIfGotMessage", "0"},
+                                                                    {"PlayInIdle", "idle.wav"},
+                                                                    {"cPlayInIdle", "0"},
+                                                                    {"WhenMsgViewMsg", "0"},
+                                                                    {"ViewDetails", "0"},
+                                                                    {"cAnimation", "0"},
+                                                                    {"AnimationFast", "0"},
+                                                                    {"cCloseCallerView", "0"},
+                                                                    {"CloseCallerView", "10"},
+                                                                    {"cLogCalls", "1"},
+                                                                    {"cLogSys", "1"},
+                                                                    {"LogFor", ""},
+                                                                    {"cWornBeforeDelete", "1"}};
 
 }  // namespace
 
@@ -45,8 +80,8 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
   window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, files, registry, dialogs, database, *Tapi1, Wave1, WavePlay}, views.All(), shared,
-      system, [this] { ended = true; });
+      EnginePorts{time, time, files, registry, dialogs, database, *Tapi1, Wave1, WavePlay}, views.All(),
+      shared, system, [this] { ended = true; });
 }
 
 World& World::Start() {

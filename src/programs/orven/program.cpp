@@ -29,13 +29,15 @@ Program::Program(const std::string& folder, std::string assets)
       assets_(std::move(assets)),
       system_(folder),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
-      registry_(shared_.InApplicationFolder("\\registry.reg"), [this](const std::string& text) { Report(text); }),
-      database_({"Calls", {kCallFields.begin(), kCallFields.end()}}, [this](const std::string& text) { Report(text); }),
+      registry_(shared_.InApplicationFolder("\\registry.reg"),
+                [this](const std::string& text) { Report(text); }),
+      database_({"Calls", {kCallFields.begin(), kCallFields.end()}},
+                [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
       line_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
       desk_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
-      window_({clock_, loop_, files_, registry_, dialogs_, database_, lines_, line_wave_, desk_wave_}, view_.All(),
-              shared_, system_, [] { QCoreApplication::quit(); }) {
+      window_({clock_, loop_, files_, registry_, dialogs_, database_, lines_, line_wave_, desk_wave_},
+              view_.All(), shared_, system_, [] { QCoreApplication::quit(); }) {
   view_.SetLog(&window_.Machine().log);
 }
 
@@ -70,7 +72,8 @@ FirstStart::Sources Program::FirstStartSources() {
     return std::uniform_int_distribution<std::uint32_t>(0, bound - 1)(device);
   };
   sources.announce_password = [](const std::string& password) {
-    std::cout << "ORVEN: the password for listening to the messages by telephone is " << password << std::endl;
+    std::cout << "ORVEN: the password for listening to the messages by telephone is " << password
+              << std::endl;
   };
   return sources;
 }

@@ -37,9 +37,11 @@ std::unique_ptr<LineDriver> MakeSip(const LineSection& section) {
   return MakeSipLine(settings);
 }
 
-std::unique_ptr<LineDriver> MakeSim(const LineSection& section, EventLoop& loop, std::vector<std::string>& problems) {
+std::unique_ptr<LineDriver> MakeSim(const LineSection& section, EventLoop& loop,
+                                    std::vector<std::string>& problems) {
   const auto script = Value(section, "script", "");
-  return std::make_unique<SimLine>(section.name, loop, script.empty() ? SimScript{} : ReadSimScript(script, problems));
+  return std::make_unique<SimLine>(section.name, loop,
+                                   script.empty() ? SimScript{} : ReadSimScript(script, problems));
 }
 
 }  // namespace
@@ -55,8 +57,9 @@ std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(const std::string& p
     } else if (section.type == "sim") {
       lines.push_back(MakeSim(section, loop, problems));
     } else {
-      problems.push_back("lines.ini:" + std::to_string(section.line_number) + ": [" + section.name + "] is a " +
-                         section.type + " line, which this version of ORVEN cannot use; the other lines work");
+      problems.push_back("lines.ini:" + std::to_string(section.line_number) + ": [" + section.name +
+                         "] is a " + section.type +
+                         " line, which this version of ORVEN cannot use; the other lines work");
     }
   }
   return lines;

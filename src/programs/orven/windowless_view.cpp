@@ -18,7 +18,9 @@ void WindowlessView::Write(const std::string& text) {
   if (log_ != nullptr) log_->WriteSystem(text);
 }
 
-void WindowlessView::StartBlinking() { Write("No window: tray icon would blink"); }
+void WindowlessView::StartBlinking() {
+  Write("No window: tray icon would blink");
+}
 
 void WindowlessView::ViewCallViewer(bool /*animate*/, std::int16_t /*speed*/, bool /*auto_close*/,
                                     std::int16_t /*seconds*/) {
@@ -27,9 +29,13 @@ void WindowlessView::ViewCallViewer(bool /*animate*/, std::int16_t /*speed*/, bo
   caller_view_open_ = true;
 }
 
-void WindowlessView::ShowMessage(const std::string& text) { Write("No window: caller view would show " + text); }
+void WindowlessView::ShowMessage(const std::string& text) {
+  Write("No window: caller view would show " + text);
+}
 
-void WindowlessView::PlayWave(const std::string& path) { Write("No window: sound would play " + path); }
+void WindowlessView::PlayWave(const std::string& path) {
+  Write("No window: sound would play " + path);
+}
 
 void WindowlessView::DoActions(const std::string& kind, Call& /*call*/) {
   Write("No window: action would run " + kind);

@@ -12,8 +12,8 @@
 namespace orven::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::Each;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -72,8 +72,11 @@ TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBack) {
 }
 
 TEST_F(SettingsTest, PublishesWhatAllPartsShare) {
-  for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{
-           {"RecordMessage", "-1"}, {"Greeting", "Hello"}, {"NumOfRing", "3"}, {"MaxRec", "546"}, {"cLogSys", "0"}}) {
+  for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{{"RecordMessage", "-1"},
+                                                                                   {"Greeting", "Hello"},
+                                                                                   {"NumOfRing", "3"},
+                                                                                   {"MaxRec", "546"},
+                                                                                   {"cLogSys", "0"}}) {
     registry.Set(name, text);
   }
   store.GetMainOptions();

@@ -8,9 +8,9 @@
 namespace orven::test {
 namespace {
 
+using std::chrono::sys_days;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using std::chrono::sys_days;
 using namespace std::chrono_literals;
 
 constexpr const char* kFolder = "/app/Log/";

@@ -21,10 +21,9 @@ TEST(MainWindow, LoadsThenStarts) {
   world.views.toolbar_styles = {{ToolBarPlayer, 0x801}, {TBQuickOption, 0x800}};
   world.views.grid_lines = true;
   world.Start();
-  EXPECT_THAT(world.SystemLog(),
-              ElementsAre("Load ORVEN", "LineInitialize->Success", "Calls was damaged",
-                          "SelectDevice->LineIndex: 0  Device Name: Sim",
-                          "LineOpen[LineIndex:0 Device Name:Sim]->Success"));
+  EXPECT_THAT(world.SystemLog(), ElementsAre("Load ORVEN", "LineInitialize->Success", "Calls was damaged",
+                                             "SelectDevice->LineIndex: 0  Device Name: Sim",
+                                             "LineOpen[LineIndex:0 Device Name:Sim]->Success"));
   EXPECT_THAT(world.CallsLog(), ElementsAre("Load ORVEN"));
   EXPECT_EQ(world.views.rings.size(), 20U);
   EXPECT_EQ(world.views.rings.back(), "20");
@@ -86,8 +85,8 @@ class EntryRoutineTest : public testing::Test {
 
   World world;
   MemoryRegistry registry;
-  SharedOptions shared{.application_version = "", .application_folder = "/app", .messages_path = "",
-                       .greeting_file = ""};
+  SharedOptions shared{
+      .application_version = "", .application_folder = "/app", .messages_path = "", .greeting_file = ""};
   FirstStart::Sources sources;
   std::vector<std::string> announced;
   std::vector<bool> prepared;
@@ -146,13 +145,17 @@ TEST_F(EntryRoutineTest, APasswordThatCouldNotBeStoredIsNotAnnounced) {
 
 TEST(WindowsVersion, NamesTheVersionsItKnows) {
   using P = SystemVersion::Platform;
-  const std::pair<SystemVersion, const char*> cases[] = {
-      {{P::Windows9x, 4, 0}, "Windows 95"},    {{P::Windows9x, 4, 10}, "Windows 98"},
-      {{P::Windows9x, 4, 90}, "Windows Mellinnium"}, {{P::Windows9x, 4, 5}, ""},
-      {{P::WindowsNt, 3, 51}, "Windows NT 3.51"}, {{P::WindowsNt, 4, 0}, "Windows NT 4.0"},
-      {{P::WindowsNt, 5, 0}, "Windows 2000"},  {{P::WindowsNt, 5, 1}, "Windows XP"},
-      {{P::WindowsNt, 5, 2}, "Windows XP"},    {{P::WindowsNt, 6, 1}, ""},
-      {{P::Other, 5, 1}, "Failed"}};
+  const std::pair<SystemVersion, const char*> cases[] = {{{P::Windows9x, 4, 0}, "Windows 95"},
+                                                         {{P::Windows9x, 4, 10}, "Windows 98"},
+                                                         {{P::Windows9x, 4, 90}, "Windows Mellinnium"},
+                                                         {{P::Windows9x, 4, 5}, ""},
+                                                         {{P::WindowsNt, 3, 51}, "Windows NT 3.51"},
+                                                         {{P::WindowsNt, 4, 0}, "Windows NT 4.0"},
+                                                         {{P::WindowsNt, 5, 0}, "Windows 2000"},
+                                                         {{P::WindowsNt, 5, 1}, "Windows XP"},
+                                                         {{P::WindowsNt, 5, 2}, "Windows XP"},
+                                                         {{P::WindowsNt, 6, 1}, ""},
+                                                         {{P::Other, 5, 1}, "Failed"}};
   for (const auto& [version, name] : cases) EXPECT_EQ(GetWindowsVersionName(version), name);
   EXPECT_TRUE(IsOldWindows("Windows 98"));
   EXPECT_FALSE(IsOldWindows("Windows 2000"));

@@ -37,8 +37,8 @@ TEST(CallSequence, LogsEveryStepOfACallWithAMessage) {
                                  "Disconnected[LineIndex:0]", "Record Message OK", "Close PreScreenOK",
                                  "LineDrop[LineIndex:0]->Proc Num: Success", "Proc[LineIndex:0]->2 2",
                                  "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
-  EXPECT_THAT(world.database.Records(),
-              ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003", "12-31-2003_14-05-07.wav", "5", "0")));
+  EXPECT_THAT(world.database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
+                                                                "12-31-2003_14-05-07.wav", "5", "0")));
   EXPECT_EQ(world.CallsLog().back(), "Ring:2 [Anna:5551234]");
   EXPECT_EQ(world.files.Content(world.messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
   EXPECT_EQ(world.views.Status(), "Monitoring Sim");
@@ -54,7 +54,9 @@ TEST(CallSequence, AnswersAtTheConfiguredRingAndOnlyOnce) {
   world.line->Ring();  // rings again before the answer took effect
   world.RunFor(1s);
   EXPECT_TRUE(world.line->IsAnswered());
-  EXPECT_EQ(std::ranges::count_if(world.SystemLog(), [](const auto& line) { return line.starts_with("LineAnswer["); }), 1);
+  EXPECT_EQ(std::ranges::count_if(world.SystemLog(),
+                                  [](const auto& line) { return line.starts_with("LineAnswer["); }),
+            1);
 }
 
 TEST(CallSequence, AnswersAgainAfterAFailedAnswer) {
@@ -101,7 +103,8 @@ TEST(CallSequence, ListMessageOnlyFilesOnlyCallsWithAMessage) {
   world.HangUp();
   EXPECT_EQ(world.database.Records().size(), 1U);
   EXPECT_THAT(world.views.effects,
-              ElementsAre("sound:/home/orven/beep.wav", "sound:/home/orven/Sound/idle.wav", "action:Mail", "action:App"));
+              ElementsAre("sound:/home/orven/beep.wav", "sound:/home/orven/Sound/idle.wav", "action:Mail",
+                          "action:App"));
 }
 
 TEST(CallSequence, AnnouncesTheCallInOrder) {

@@ -50,8 +50,9 @@ TEST(LineManager, AFailedOpenIsLoggedWithItsReason) {
   World world;
   world.line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
   world.Start();
-  EXPECT_TRUE(world.Logged(
-      "Error LineOpen[LineIndex:0 Device Name:Sim]->The line is in use by another program. Port 5060 is taken."));
+  EXPECT_TRUE(
+      world.Logged("Error LineOpen[LineIndex:0 Device Name:Sim]->The line is in use by another program. Port "
+                   "5060 is taken."));
   EXPECT_FALSE(world.views.line_on);
   EXPECT_FALSE(world.Machine().line.LineOn());
 }
@@ -78,7 +79,8 @@ TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {
   World world;
   world.Start();
   world.Machine().settings.Modem = 7;
-  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
+  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOff(); }),
+              ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
   EXPECT_EQ(world.views.Status(), "Off Mode");
   EXPECT_FALSE(world.views.line_on);

@@ -159,8 +159,8 @@ TEST_F(SameSecond, KeepsBothMessages) {
   const auto names = world.files.Names(world.messages);
   ASSERT_EQ(names.size(), 2U);
   EXPECT_EQ(world.files.Content(world.messages + names.front()), TimedWave::Sound(7s));
-  EXPECT_TRUE(world.Logged("Record Message: two calls share the name " + name + ", the older message is kept as " +
-                           names.front()));
+  EXPECT_TRUE(world.Logged("Record Message: two calls share the name " + name +
+                           ", the older message is kept as " + names.front()));
 }
 
 TEST_F(SameSecond, AFailedWriteLeavesTheOlderMessageToItsCall) {
@@ -195,7 +195,19 @@ TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
   world.Machine().calls.RelocateMessages("/mnt/new/");
   world.HangUp();
   EXPECT_EQ(world.database.Field(0, kType), "1");
-  EXPECT_EQ(world.files.Content("/mnt/new/" + world.database.Field(0, kCallMassageName)), TimedWave::Sound(1s));
+  EXPECT_EQ(world.files.Content("/mnt/new/" + world.database.Field(0, kCallMassageName)),
+            TimedWave::Sound(1s));
+}
+
+TEST(Recorder, TheOwnerIsHungUpInsteadOfRecorded) {
+  World world;
+  world.Start();
+  world.CallAndWaitForAnswer();
+  world.Machine().call.admin_mode = true;
+  world.Machine().recorder.RecMessage();
+  world.RunFor(1s);
+  EXPECT_FALSE(world.line->HasCall());
+  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
 }
 
 TEST(Recorder, OurOwnHangUpInTheWaitRecordsNothing) {

@@ -36,8 +36,8 @@ TEST_F(RemoteAccessTest, PlaysAllMessagesNewestFirstAndHangsUp) {
   world.RunFor(4s);
   EXPECT_TRUE(world.line->IsAnswered());
   world.RunFor(1500ms);
-  EXPECT_THAT(world.Wave1.played,
-              ElementsAre(Played{world.messages + "new.wav", 1000}, Played{world.messages + "old.wav", 1000}));
+  EXPECT_THAT(world.Wave1.played, ElementsAre(Played{world.messages + "new.wav", 1000},
+                                              Played{world.messages + "old.wav", 1000}));
   EXPECT_FALSE(world.line->HasCall());
   EXPECT_EQ(world.database.Records().size(), 4U) << "the owner's call is not filed";
   EXPECT_THAT(world.views.effects, ElementsAre("sound:/home/orven/beep.wav")) << "and announces nothing";

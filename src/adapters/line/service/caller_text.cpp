@@ -40,8 +40,9 @@ Character Next(std::string_view text) {
 
 /// Characters that a reader would not see but a terminal, a mail program or a log viewer would obey.
 bool IsControl(char32_t code) {
-  return code < 0x20 || (code >= 0x7F && code <= 0x9F) || code == 0x061C || (code >= 0x200B && code <= 0x200F) ||
-         (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
+  return code < 0x20 || (code >= 0x7F && code <= 0x9F) || code == 0x061C ||
+         (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+         (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
 }
 
 void AppendBlank(std::string& text) {

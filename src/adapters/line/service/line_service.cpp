@@ -37,7 +37,9 @@ ServicedLine* LineService::OpenLineAt(std::int32_t index) const {
   return line != nullptr && line->IsOpen() ? line : nullptr;
 }
 
-std::int32_t LineService::LineInitialize() { return lines_.empty() ? kTelephonyNoDevices : kTelephonyOk; }
+std::int32_t LineService::LineInitialize() {
+  return lines_.empty() ? kTelephonyNoDevices : kTelephonyOk;
+}
 
 std::string LineService::ErrorText(std::int32_t result) const {
   const char* text = TextOf(result);
@@ -51,9 +53,12 @@ void LineService::GetDevCaps(std::int32_t index, DeviceCapabilities& capabilitie
   capabilities = line != nullptr ? line->Capabilities() : DeviceCapabilities{};
 }
 
-bool LineService::IsLineOpen(std::int32_t index) const { return OpenLineAt(index) != nullptr; }
+bool LineService::IsLineOpen(std::int32_t index) const {
+  return OpenLineAt(index) != nullptr;
+}
 
-std::int32_t LineService::LineOpen(std::int32_t index, std::int32_t /*privileges*/, std::int32_t /*media_modes*/) {
+std::int32_t LineService::LineOpen(std::int32_t index, std::int32_t /*privileges*/,
+                                   std::int32_t /*media_modes*/) {
   auto* line = At(index);
   if (line == nullptr) return kTelephonyBadDevice;
   if (line->IsOpen()) return kTelephonyOk;

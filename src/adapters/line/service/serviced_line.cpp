@@ -11,7 +11,9 @@ namespace {
 /// What the network did not tell of a caller.
 constexpr const char* kUnknown = "UNKNOWN";
 
-std::string OrUnknown(std::string text) { return text.empty() ? kUnknown : std::move(text); }
+std::string OrUnknown(std::string text) {
+  return text.empty() ? kUnknown : std::move(text);
+}
 
 }  // namespace
 
@@ -23,7 +25,9 @@ ServicedLine::ServicedLine(std::int32_t index, EventLoop& loop, std::unique_ptr<
       events_(std::move(events)),
       queue_(loop, lifeline_.Bind([this] { Pump(); })) {}
 
-ServicedLine::~ServicedLine() { driver_->Close(); }
+ServicedLine::~ServicedLine() {
+  driver_->Close();
+}
 
 template <class Event, class... Arguments>
 void ServicedLine::Raise(Event event, Arguments&&... arguments) {

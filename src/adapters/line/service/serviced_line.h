@@ -41,8 +41,8 @@ class ServicedLine : private LineDriverEvents {
     CallNumber number = 0;  ///< 0: there is no call
     std::int32_t answer_request = 0;
     bool connected = false;
-    bool dropped = false;      ///< our side has asked to hang up
-    bool remote_gone = false;  ///< the remote side has hung up
+    bool dropped = false;                         ///< our side has asked to hang up
+    bool remote_gone = false;                     ///< the remote side has hung up
     std::vector<std::int32_t> finished_requests;  ///< done without the driver, not yet told
   };
 

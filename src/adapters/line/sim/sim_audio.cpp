@@ -30,7 +30,9 @@ std::int32_t SimAudio::StartPlay(AudioSource& source) {
   return kWaveOk;
 }
 
-void SimAudio::StopPlay() { source_ = nullptr; }
+void SimAudio::StopPlay() {
+  source_ = nullptr;
+}
 
 std::int32_t SimAudio::StartRecord(AudioSink& sink) {
   if (sink_ != nullptr) return kWaveBusy;
@@ -39,7 +41,9 @@ std::int32_t SimAudio::StartRecord(AudioSink& sink) {
   return kWaveOk;
 }
 
-void SimAudio::StopRecord() { sink_ = nullptr; }
+void SimAudio::StopRecord() {
+  sink_ = nullptr;
+}
 
 void SimAudio::Move() {
   if (source_ == nullptr && sink_ == nullptr) {
@@ -49,7 +53,8 @@ void SimAudio::Move() {
   if (!up_) return;
   std::array<std::int16_t, kBlockSamples> block{};
   if (source_ != nullptr && !source_->Read(block)) source_ = nullptr;
-  if (source_ != nullptr && heard_.size() < kMostHeard) heard_.insert(heard_.end(), block.begin(), block.end());
+  if (source_ != nullptr && heard_.size() < kMostHeard)
+    heard_.insert(heard_.end(), block.begin(), block.end());
   if (sink_ == nullptr) return;
   block.fill(0);
   const auto count = std::min(said_.size(), block.size());

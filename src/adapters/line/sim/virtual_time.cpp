@@ -42,8 +42,8 @@ class VirtualTimer : public Timer {
     bool enabled = false;
   };
 
-  static void Schedule(EventLoop& loop, const std::shared_ptr<State>& state, std::chrono::milliseconds interval,
-                       std::uint64_t generation) {
+  static void Schedule(EventLoop& loop, const std::shared_ptr<State>& state,
+                       std::chrono::milliseconds interval, std::uint64_t generation) {
     loop.After(interval, [&loop, state, interval, generation] {
       if (state->generation != generation) return;
       Schedule(loop, state, interval, generation);
@@ -106,8 +106,8 @@ std::string VirtualTime::DateText(WallTime at) const {
 std::string VirtualTime::TimeText(WallTime at) const {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(at - Midnight(LocalDay(at)));
   const std::chrono::hh_mm_ss time(seconds);
-  return Print("%02d:%02d:%02d", static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-               static_cast<int>(time.seconds().count()));
+  return Print("%02d:%02d:%02d", static_cast<int>(time.hours().count()),
+               static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
 }
 
 }  // namespace orven

@@ -43,9 +43,7 @@ class VirtualTime : public EventLoop, public Clock {
     std::chrono::milliseconds at;
     std::uint64_t order;  ///< of two tasks due at one time the one asked for first runs first
     Task task;
-    bool operator<(const Due& other) const {
-      return at != other.at ? at > other.at : order > other.order;
-    }
+    bool operator<(const Due& other) const { return at != other.at ? at > other.at : order > other.order; }
   };
 
   void RunNext();

@@ -149,9 +149,17 @@ TEST_F(LineServiceTest, CallerTextsAreCleanedAndUnknownOnesNamed) {
 
 TEST(CallerText, LetsNothingHarmfulThrough) {
   EXPECT_EQ(CleanCallerText("  Zoë \t Müller  "), "Zoë Müller");
-  EXPECT_EQ(CleanCallerText("a\"b\x7F" "c\xC2\x85" "d"), "a'b c d");
-  EXPECT_EQ(CleanCallerText("gpj.\xE2\x80\xAE" "exe"), "gpj. exe") << "right-to-left override";
-  EXPECT_EQ(CleanCallerText("\xFF\xC0\xAF\xED\xA0\x80\xF5x\xE2\x82"), "???????x" "??");
+  EXPECT_EQ(CleanCallerText("a\"b\x7F"
+                            "c\xC2\x85"
+                            "d"),
+            "a'b c d");
+  EXPECT_EQ(CleanCallerText("gpj.\xE2\x80\xAE"
+                            "exe"),
+            "gpj. exe")
+      << "right-to-left override";
+  EXPECT_EQ(CleanCallerText("\xFF\xC0\xAF\xED\xA0\x80\xF5x\xE2\x82"),
+            "???????x"
+            "??");
   EXPECT_EQ(CleanCallerText(std::string("a\0b", 3)), "a b");
   EXPECT_EQ(CleanCallerText(std::string(5000, 'x')).size(), kMaxCallerText);
 }
@@ -208,7 +216,8 @@ TEST(SimLine, AScriptBeginsAnewWithEachOpening) {
 TEST(SimScript, ReadsWhatItWritesAndNamesTheWrongLine) {
   const auto path = testing::TempDir() + "/orven_script.sim";
   {
-    std::ofstream(path) << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12*\n2 dance\n3 press\n-1 ring\n9 hangup\n";
+    std::ofstream(path) << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12*\n2 dance\n3 "
+                           "press\n-1 ring\n9 hangup\n";
   }
   std::vector<std::string> complaints;
   const auto script = ReadSimScript(path, complaints);
