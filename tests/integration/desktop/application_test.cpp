@@ -9,14 +9,12 @@ namespace {
 /// Every test of this program runs inside the application that the program itself would make where
 /// there is no display.
 class ApplicationEnvironment : public ::testing::Environment {
- public:
   void SetUp() override {
     for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) qunsetenv(variable);
     application_ = MakeApplication(argc_, argv_.data());
   }
   void TearDown() override { application_.reset(); }
 
- private:
   std::string name_ = "orven_desktop_tests";
   int argc_ = 1;
   std::array<char*, 2> argv_ = {name_.data(), nullptr};
@@ -26,17 +24,8 @@ class ApplicationEnvironment : public ::testing::Environment {
 const auto* const g_environment =
     ::testing::AddGlobalTestEnvironment(std::make_unique<ApplicationEnvironment>().release());
 
-TEST(Application, PrefersXThenWaylandAndFallsBackToOffscreen) {
-  EXPECT_EQ(ChoosePlatform({.platform = true, .x11 = true, .wayland = true}), "");
-  EXPECT_EQ(ChoosePlatform({.x11 = true}), "xcb;offscreen");
-  EXPECT_EQ(ChoosePlatform({.x11 = true, .wayland = true}), "xcb;wayland;offscreen");
-  EXPECT_EQ(ChoosePlatform({.wayland = true}), "wayland;offscreen");
-  EXPECT_EQ(ChoosePlatform({}), "offscreen");
-}
-
-TEST(Application, StartsWithoutADisplayAndKeepsTheChoiceFromItsChildren) {
+TEST(Application, StartsWithoutADisplay) {
   EXPECT_EQ(QGuiApplication::platformName(), "offscreen");
-  EXPECT_FALSE(qEnvironmentVariableIsSet("QT_QPA_PLATFORM"));
   EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
 }
 
