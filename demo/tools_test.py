@@ -11,7 +11,7 @@ import unittest
 import snr
 import sound
 
-ASSETS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "assets")
+ASSETS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "assets")
 
 
 def noise(count, level, seed):
