@@ -1,52 +1,116 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace orven::test {
 
 using std::chrono::milliseconds;
+using Bytes = std::vector<std::uint8_t>;
 
-/// A UDP or TCP socket on 127.0.0.1, as plain as they come.
+/// A UDP or TCP socket on 127.0.0.1, as plain as they come. Throws when it cannot be made.
 class Socket {
  public:
-  struct Datagram {
-    std::vector<std::uint8_t> bytes;
-    std::uint16_t port = 0;  ///< the sender's
-    std::string Text() const { return {bytes.begin(), bytes.end()}; }
-  };
-
-  static Socket Udp(std::uint16_t port = 0);
-  static Socket TcpTo(std::uint16_t port);
-  static Socket TcpListening(std::uint16_t port = 0);
+  static Socket Udp(std::uint16_t port = 0) {
+    Socket made(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    made.Apply(::bind, port);
+    return made;
+  }
+  static Socket TcpTo(std::uint16_t port) {
+    Socket made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    made.Apply(::connect, port);
+    return made;
+  }
+  static Socket TcpListening(std::uint16_t port = 0) {
+    Socket made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    made.Apply(::bind, port);
+    Check(::listen(made.fd_, 4));
+    return made;
+  }
   Socket(Socket&& other) noexcept : fd_(other.fd_) { other.fd_ = -1; }
-  Socket& operator=(Socket&& other) noexcept;
-  ~Socket();
+  ~Socket() { Close(); }
 
-  std::uint16_t Port() const;
-  void SendTo(std::uint16_t port, std::span<const std::uint8_t> bytes) const;
-  void SendTo(std::uint16_t port, const std::string& text) const;
-  /// Whole text on a TCP connection.
-  void Send(const std::string& text) const;
-  /// The next datagram (or what TCP brings), nothing when none comes within `limit`. An empty datagram
-  /// from TCP means that the connection has ended.
-  std::optional<Datagram> Receive(milliseconds limit) const;
-  std::optional<Socket> Accept(milliseconds limit) const;
-  void Close();
+  std::uint16_t Port() const {
+    sockaddr_in address{};
+    socklen_t size = sizeof(address);
+    Check(::getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &size));
+    return ntohs(address.sin_port);
+  }
+  /// A datagram.
+  void SendTo(std::uint16_t port, const Bytes& bytes) const {
+    const sockaddr_in to = Loopback(port);
+    (void)::sendto(fd_, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof(to));
+  }
+  void SendTo(std::uint16_t port, const std::string& text) const {
+    SendTo(port, Bytes(text.begin(), text.end()));
+  }
+  /// On a TCP connection.
+  void Send(const std::string& text) const { (void)::send(fd_, text.data(), text.size(), MSG_NOSIGNAL); }
+  /// The next datagram, or what TCP brings; nothing when none comes within `limit`.
+  std::optional<Bytes> Receive(milliseconds limit) const {
+    if (!Ready(limit)) return std::nullopt;
+    Bytes bytes(65'536);
+    const ssize_t count = ::recv(fd_, bytes.data(), bytes.size(), 0);
+    if (count <= 0) return std::nullopt;
+    bytes.resize(static_cast<std::size_t>(count));
+    return bytes;
+  }
+  std::string ReceiveText(milliseconds limit) const {
+    const Bytes bytes = Receive(limit).value_or(Bytes{});
+    return {bytes.begin(), bytes.end()};
+  }
+  Socket Accept() const {
+    return Socket(Ready(std::chrono::seconds(10)) ? ::accept(fd_, nullptr, nullptr) : -1);
+  }
+  void Close() {
+    if (fd_ >= 0) ::close(fd_);
+    fd_ = -1;
+  }
 
  private:
-  explicit Socket(int fd) : fd_(fd) {}
-  bool Readable(milliseconds limit) const;
+  explicit Socket(int fd) : fd_(fd) { Check(fd); }
+  static void Check(int result) {
+    if (result < 0) throw std::system_error(errno, std::generic_category(), "socket");
+  }
+  static sockaddr_in Loopback(std::uint16_t port) {
+    return {
+        .sin_family = AF_INET, .sin_port = htons(port), .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  }
+  /// ::bind or ::connect.
+  void Apply(int (*function)(int, const sockaddr*, socklen_t), std::uint16_t port) const {
+    const sockaddr_in address = Loopback(port);
+    Check(function(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
+  }
+  bool Ready(milliseconds limit) const {
+    pollfd wait{fd_, POLLIN, 0};
+    return ::poll(&wait, 1, static_cast<int>(limit.count())) > 0;
+  }
 
   int fd_;
 };
 
 /// A port that is free for UDP and TCP at this moment.
-std::uint16_t FreePort();
+inline std::uint16_t FreePort() {
+  for (;;) {
+    const Socket udp = Socket::Udp();
+    try {
+      return Socket::TcpListening(udp.Port()).Port();
+    } catch (const std::system_error&) {
+      continue;  // somebody's TCP port; try another
+    }
+  }
+}
 
 }  // namespace orven::test

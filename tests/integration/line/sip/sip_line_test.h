@@ -7,19 +7,16 @@
 #include <string>
 
 #include "adapters/line/sip/sip_line.h"
-#include "integration/line/sip/network.h"
 #include "integration/line/sip/recorded_events.h"
 #include "integration/line/sip/sip_caller.h"
 
 namespace orven::test {
 
-/// An open SIP line on a port of its own, with what it told so far.
+/// A SIP line on a port of its own, with what it told so far.
 class SipLineTest : public ::testing::Test {
  protected:
   SipLineTest() {
-    settings.name = "Desk";
     settings.ring_seconds = 1;
-    port = FreePort();
     settings.listen = "127.0.0.1:" + std::to_string(port);
   }
   ~SipLineTest() override {
@@ -31,19 +28,32 @@ class SipLineTest : public ::testing::Test {
     ASSERT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
   }
 
-  /// Has `caller` call, answers as request 1 and acknowledges: the call is up as call 1.
-  void Connect(SipCaller& caller, const Offer& offer = {}) {
-    caller.Invite(offer);
-    ASSERT_TRUE(events.Wait("Ring 1 1"));
-    line->Answer(1, 1);
-    ASSERT_TRUE(caller.TakeAnswer());
-    caller.Ack();
-    ASSERT_TRUE(events.Wait("Connected 1"));
+  /// Has `caller` call: it rings as the next call.
+  void Ring(SipCaller& caller, const std::string& formats = "0 8 101") {
+    caller.Invite(formats);
+    ASSERT_TRUE(events.Wait("Ring " + std::to_string(++call) + " 1"));
   }
 
+  /// Has `caller` call, answers as request 1 and acknowledges: the call is up.
+  void Connect(SipCaller& caller, const std::string& formats = "0 8 101") {
+    Ring(caller, formats);
+    line->Answer(call, 1);
+    ASSERT_TRUE(caller.TakeAnswer());
+    caller.Request("ACK");
+    ASSERT_TRUE(events.Wait("Connected " + std::to_string(call)));
+  }
+
+  /// The caller ends the call.
+  void HangUp(SipCaller& caller) {
+    caller.Request("BYE");
+    EXPECT_TRUE(caller.Wait("200"));
+    ASSERT_TRUE(events.Wait("Idle " + std::to_string(call)));
+  }
+
+  const std::uint16_t port = FreePort();
   SipLineSettings settings;
-  std::uint16_t port;
   RecordedEvents events;
+  CallNumber call = 0;  ///< the number of the latest call
   std::unique_ptr<LineDriver> line;
 };
 

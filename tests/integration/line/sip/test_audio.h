@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -12,6 +13,8 @@
 
 namespace orven::test {
 
+using Samples = std::vector<std::int16_t>;
+
 /// Keeps what is recorded and lets a test wait for an amount of it.
 class KeptSound : public AudioSink {
  public:
@@ -21,26 +24,35 @@ class KeptSound : public AudioSink {
     grown_.notify_all();
   }
 
-  std::vector<std::int16_t> Samples() {
-    const std::lock_guard lock(mutex_);
-    return samples_;
-  }
-
   bool WaitFor(std::size_t samples) {
     std::unique_lock lock(mutex_);
     return grown_.wait_for(lock, std::chrono::seconds(20), [&] { return samples_.size() >= samples; });
   }
 
+  /// How many whole blocks of `sent` have come, in their order.
+  std::size_t BlocksOf(const Samples& sent) {
+    const std::lock_guard lock(mutex_);
+    std::size_t found = 0;
+    auto from = samples_.begin();
+    for (auto begin = sent.begin(); sent.end() - begin >= kBlockSamples; begin += kBlockSamples) {
+      const auto at = std::search(from, samples_.end(), begin, begin + kBlockSamples);
+      if (at == samples_.end()) continue;
+      ++found;
+      from = at + kBlockSamples;
+    }
+    return found;
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable grown_;
-  std::vector<std::int16_t> samples_;
+  Samples samples_;
 };
 
 /// Plays given samples once.
 class GivenSound : public AudioSource {
  public:
-  explicit GivenSound(std::vector<std::int16_t> samples) : samples_(std::move(samples)) {}
+  explicit GivenSound(Samples samples) : samples_(std::move(samples)) {}
 
   bool Read(std::span<std::int16_t> block) override {
     if (next_ + block.size() > samples_.size()) return false;
@@ -50,23 +62,8 @@ class GivenSound : public AudioSource {
   }
 
  private:
-  std::vector<std::int16_t> samples_;
+  Samples samples_;
   std::size_t next_ = 0;
 };
-
-/// How many whole blocks of `sent` occur in `received`, in their order.
-inline std::size_t BlocksFound(const std::vector<std::int16_t>& sent,
-                               const std::vector<std::int16_t>& received) {
-  std::size_t found = 0;
-  auto from = received.begin();
-  for (std::size_t i = 0; i + kBlockSamples <= sent.size(); i += kBlockSamples) {
-    const auto begin = sent.begin() + static_cast<std::ptrdiff_t>(i);
-    const auto at = std::search(from, received.end(), begin, begin + kBlockSamples);
-    if (at == received.end()) continue;
-    ++found;
-    from = at + kBlockSamples;
-  }
-  return found;
-}
 
 }  // namespace orven::test
