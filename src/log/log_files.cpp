@@ -20,6 +20,15 @@ std::optional<int> MonthsKept(const std::string& log_for) {
   return std::nullopt;
 }
 
+/// A line feed or another control character inside a text must not look like a line of its own.
+std::string OneLine(std::string text) {
+  for (char& character : text) {
+    const auto code = static_cast<unsigned char>(character);
+    if (code < 0x20 || code == 0x7F) character = ' ';
+  }
+  return text;
+}
+
 std::string PatternOf(const std::string& filter) {
   constexpr std::array<std::pair<const char*, const char*>, 3> kPatterns{
       {{"All", "*.txt"}, {"System", "*_Sys.txt"}, {"Calls", "*_Calls.txt"}}};
@@ -48,7 +57,7 @@ void LogFiles::Append(const std::string& suffix, const std::string& text) {
   const auto trap = ErrorTrap::Silent();
   const auto now = clock_.Now();
   const auto path = Folder() + FileStamp(clock_.DateText(now), "") + suffix;
-  const auto line = clock_.TimeText(now) + " : " + text + "\r\n";
+  const auto line = clock_.TimeText(now) + " : " + OneLine(text) + "\r\n";
   if (trap([&] { files_.Append(path, line); })) return;
   // The folder may have been removed while the program runs; a line is worth a second try.
   trap([&] {

@@ -27,7 +27,9 @@ bool IsLegal(CallState from, CallState to) {
     // The desk may drop a call that is offered; a line may connect one that nobody here answered.
     case CallState::Offered: return to == CallState::Answering || to == CallState::Greeting;
     // A request that failed leaves the call ringing.
-    case CallState::Answering: return to == CallState::Offered || to == CallState::Greeting;
+    case CallState::Answering:
+      // The caller may hang up before the connection stands.
+      return to == CallState::Offered || to == CallState::Greeting || to == CallState::Disconnected;
     case CallState::Greeting:
       return to == CallState::Beep || to == CallState::Administrator || to == CallState::Disconnected;
     case CallState::Beep:

@@ -144,7 +144,7 @@ std::int32_t Recorder::Store(std::string& path) {
 /// where that cannot be, `path` becomes a free one for the new message.
 std::string Recorder::MakeRoom(std::string& path) {
   if (!ports_.files.Exists(path)) return {};
-  const auto free = FreeNameBeside(path);
+  auto free = FreeNameBeside(path);
   const auto note = "Record Message: two calls share the name " + FileNamePart(path);
   const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
   if (trap([&] { ports_.files.Rename(path, free); })) {

@@ -24,7 +24,7 @@ constexpr std::string_view kIdle = "Idle[";
 constexpr std::array kSteps{Step{"Ring[", kOffer, false},
                             Step{"CallerID[", kOffer, false},
                             Step{kConnected, kAnswer, true},
-                            Step{"Disconnected[", kConnected, true},
+                            Step{"Disconnected[", kAnswer, true},
                             Step{kBeep, kConnected, true},
                             Step{"MonitorDigit[", kConnected, false},
                             Step{"Remote Control ", "MonitorDigit[", false},

@@ -79,6 +79,7 @@ class Author {
   /// One call; gives the moment by which it has been hung up.
   milliseconds WriteCall(milliseconds begin) {
     WriteBreakage(begin);
+    WriteSlowConnection(begin);
     Add(begin, "offer", [](World& world) { world.line->Offer(); });
     WriteRings(begin);
     for (int ids = dice_.Below(3); ids > 0; --ids) {
@@ -169,6 +170,12 @@ class Author {
     const auto delay = milliseconds(dice_.OneIn(3) ? dice_.Below(1500) : 20);
     Add(begin, "answers after " + std::to_string(delay.count()) + " ms",
         [delay](World& world) { world.line->SetAnswerDelay(delay); });
+  }
+
+  void WriteSlowConnection(milliseconds begin) {
+    const auto delay = milliseconds(dice_.OneIn(4) ? dice_.Below(2000) : 0);
+    Add(begin, "connects after " + std::to_string(delay.count()) + " ms",
+        [delay](World& world) { world.line->SetConnectDelay(delay); });
   }
 
   void Break(milliseconds begin, const std::string& what, std::int32_t TimedWave::*result) {

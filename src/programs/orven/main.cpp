@@ -7,6 +7,7 @@
 #include "adapters/desktop/application.h"
 #include "adapters/desktop/application_folder.h"
 #include "adapters/desktop/exit_signals.h"
+#include "adapters/desktop/file_limit.h"
 #include "programs/orven/program.h"
 
 namespace {
@@ -22,6 +23,7 @@ std::string CommandLine(int count, char** arguments) {
 
 int main(int count, char** arguments) {
   const auto command_line = CommandLine(count, arguments);
+  orven::RaiseFileLimit();
   const auto application = orven::MakeApplication(count, arguments);
   const auto hints = orven::ProcessFolderHints();
   const auto folder = orven::FindApplicationFolder(hints);

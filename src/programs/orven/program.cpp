@@ -44,7 +44,9 @@ Program::Program(const std::string& folder, std::string assets)
 Program::~Program() = default;
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
-  return MakeTelephoneLines(shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_);
+  return MakeTelephoneLines(
+      shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_,
+      [this](const std::string& text) { loop_.Post(lifeline_.Bind([this, text] { Report(text); })); });
 }
 
 bool Program::Start(const std::string& command_line) {

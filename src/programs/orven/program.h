@@ -47,6 +47,7 @@ class Program {
   std::string assets_;
   std::vector<std::string> early_problems_;  ///< found before this process knew that it is the one
   bool prepared_ = false;
+  Lifeline lifeline_;
 
   DesktopSystem system_;
   QtEventLoop loop_;

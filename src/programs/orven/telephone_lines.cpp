@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 #include "adapters/line/service/lines_file.h"
 #include "adapters/line/sim/sim_line.h"
@@ -25,7 +26,8 @@ int RingSeconds(const std::string& text, int otherwise) {
   return std::max(1, static_cast<int>(std::lround(seconds)));
 }
 
-std::unique_ptr<LineDriver> MakeSip(const LineSection& section) {
+std::unique_ptr<LineDriver> MakeSip(const LineSection& section,
+                                    std::function<void(const std::string&)> report) {
   SipLineSettings settings;
   settings.name = section.name;
   settings.listen = Value(section, "listen", settings.listen);
@@ -34,6 +36,7 @@ std::unique_ptr<LineDriver> MakeSip(const LineSection& section) {
   settings.password = Value(section, "password", "");
   settings.transport = Value(section, "transport", settings.transport);
   settings.ring_seconds = RingSeconds(Value(section, "ring_seconds", ""), settings.ring_seconds);
+  settings.report = std::move(report);
   return MakeSipLine(settings);
 }
 
@@ -47,13 +50,14 @@ std::unique_ptr<LineDriver> MakeSim(const LineSection& section, EventLoop& loop,
 }  // namespace
 
 std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(const std::string& path, EventLoop& loop,
-                                                            std::vector<std::string>& problems) {
+                                                            std::vector<std::string>& problems,
+                                                            std::function<void(const std::string&)> report) {
   auto file = ReadLines(path);
   problems.insert(problems.end(), file.complaints.begin(), file.complaints.end());
   std::vector<std::unique_ptr<LineDriver>> lines;
   for (const auto& section : file.sections) {
     if (section.type == "sip") {
-      lines.push_back(MakeSip(section));
+      lines.push_back(MakeSip(section, report));
     } else if (section.type == "sim") {
       lines.push_back(MakeSim(section, loop, problems));
     } else {

@@ -28,11 +28,11 @@ class LogFilesTest : public testing::Test {
 
 TEST_F(LogFilesTest, OneFileADayAndKind) {
   log.WriteSystem("one");
-  log.WriteCalls("two");
+  log.WriteCalls("t\r\nwo");
   time.RunFor(1s);
   log.WriteSystem("three");
   EXPECT_EQ(files.Content("/app/Log/3-31-2003_Sys.txt"), "23:59:59 : one\r\n");
-  EXPECT_EQ(files.Content("/app/Log/3-31-2003_Calls.txt"), "23:59:59 : two\r\n");
+  EXPECT_EQ(files.Content("/app/Log/3-31-2003_Calls.txt"), "23:59:59 : t  wo\r\n");
   EXPECT_EQ(files.Content("/app/Log/4-1-2003_Sys.txt"), "00:00:00 : three\r\n");
   EXPECT_THAT(log.List("System"), ElementsAre("3-31-2003_Sys.txt", "4-1-2003_Sys.txt"));
   EXPECT_THAT(log.List("Calls"), ElementsAre("3-31-2003_Calls.txt"));

@@ -57,7 +57,7 @@ bool IsHost(std::string_view text) {
 }
 
 bool IsAccount(std::string_view value) {
-  if (!value.starts_with("sip:") && !value.starts_with("sips:")) return false;
+  if (!value.starts_with("sip:")) return false;
   value.remove_prefix(value.find(':') + 1);
   const std::size_t at = value.find('@');
   if (at == value.npos || at == 0 || value.find_first_of(" \t<>\"") < at) return false;

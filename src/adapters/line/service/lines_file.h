@@ -13,7 +13,7 @@ namespace orven {
 /// `values` holds, as it stands in the file, every key that was given and understood:
 ///
 ///   type = sip     listen        IPv4 address, ":", port 1 to 65535; always there
-///                  account       "sip:" or "sips:", user, "@", host, perhaps ":" and a port
+///                  account       "sip:", user, "@", host, perhaps ":" and a port
 ///                  auth_user     the name for the registrar
 ///                  password
 ///                  transport     udp, tcp or tls

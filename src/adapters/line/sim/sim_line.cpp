@@ -57,7 +57,7 @@ void SimLine::Offer() {
 }
 
 void SimLine::Ring() {
-  if (call_ != 0 && !connected_) events_->Ring(call_, ++rings_);
+  if (call_ != 0 && !answered_) events_->Ring(call_, ++rings_);
 }
 
 void SimLine::CallerId(const std::string& name, const std::string& number) {
@@ -70,13 +70,14 @@ void SimLine::Press(char digit) {
 
 void SimLine::HangUp() {
   if (call_ == 0) return;
-  if (connected_ && !dropping_) events_->Disconnected(call_);
+  if (answered_ && !dropping_) events_->Disconnected(call_);
   EndCall();
 }
 
 void SimLine::EndCall() {
   if (call_ == 0) return;
   audio_.SetCall(false);
+  answered_ = false;
   connected_ = false;
   dropping_ = false;
   monitor_digits_ = false;
@@ -99,9 +100,16 @@ void SimLine::CompleteAnswer(CallNumber call, std::int32_t request) {
     events_->RequestDone(request, kTelephonyDeviceFailed);
     return;
   }
+  answered_ = true;
+  events_->RequestDone(request, kTelephonyOk);
+  if (connect_delay_.count() == 0) return Connect(call);
+  loop_.After(connect_delay_, lifeline_.Bind([this, call] { Connect(call); }));
+}
+
+void SimLine::Connect(CallNumber call) {
+  if (!IsCurrent(call)) return;
   connected_ = true;
   audio_.SetCall(true);
-  events_->RequestDone(request, kTelephonyOk);
   events_->Connected(call);
 }
 

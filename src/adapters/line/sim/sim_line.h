@@ -30,6 +30,8 @@ class SimLine : public LineDriver {
 
   /// The network's side: how long it takes to answer or to hang up, and whether the next answers fail.
   void SetAnswerDelay(std::chrono::milliseconds delay) { answer_delay_ = delay; }
+  /// How long after the answer the connection stands; the caller may hang up in between.
+  void SetConnectDelay(std::chrono::milliseconds delay) { connect_delay_ = delay; }
   void FailAnswers(int count) { failing_answers_ = count; }
   void FailOpen(std::int32_t result, std::string reason);
 
@@ -51,6 +53,7 @@ class SimLine : public LineDriver {
 
  private:
   void CompleteAnswer(CallNumber call, std::int32_t request);
+  void Connect(CallNumber call);
   void CompleteDrop(CallNumber call, std::int32_t request);
   void EndCall();
   bool IsCurrent(CallNumber call) const { return call_ != 0 && call_ == call; }
@@ -63,11 +66,13 @@ class SimLine : public LineDriver {
   CallNumber call_ = 0;  ///< 0: no call
   std::uint32_t calls_ = 0;
   std::int32_t rings_ = 0;
+  bool answered_ = false;
   bool connected_ = false;
   bool dropping_ = false;  ///< our side has asked to hang up
   int openings_ = 0;       ///< tells the script of an earlier opening from this one's
   bool monitor_digits_ = false;
   std::chrono::milliseconds answer_delay_{20};
+  std::chrono::milliseconds connect_delay_{0};
   int failing_answers_ = 0;
   std::int32_t open_result_ = kTelephonyOk;
   std::string last_error_;

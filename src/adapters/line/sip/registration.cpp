@@ -22,6 +22,8 @@ constexpr int kRefreshPercent = 80;
 /// The connection to the server is watched, not probed: servers need not answer probes.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
 
+constexpr const char* kNotSent = "the request cannot be sent";
+
 bool DecodeAccount(const std::string& account, uri& parsed) {
   pl text{};
   pl_set_str(&text, account.c_str());
@@ -82,7 +84,7 @@ std::string ContactUser(const SipLineSettings& settings) {
 Registration::Registration(sip& stack, const SipLineSettings& settings)
     : stack_(stack),
       settings_(settings),
-      timer_([this] { (void)(Send(life_) || (RetryLater(), true)); }),
+      timer_([this] { Start(); }),
       life_(settings.timers.registration_life),
       retry_(settings.timers.registration_retry_first) {
   sip_auth* auth = nullptr;
@@ -110,7 +112,7 @@ Registration::~Registration() {
 }
 
 void Registration::Start() {
-  if (!Send(life_)) RetryLater();
+  if (!Send(life_)) RetryLater(kNotSent);
 }
 
 void Registration::End() {
@@ -152,7 +154,8 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
     if (sip_auth_authenticate(auth_.get(), response) != 0) {
       // The server does not know its own question any more, or the answer was wrong: once more anew.
       sip_auth_reset(auth_.get());
-      if (sip_auth_authenticate(auth_.get(), response) != 0) return RetryLater();
+      if (sip_auth_authenticate(auth_.get(), response) != 0)
+        return RetryLater("the server's question cannot be answered");
     }
     if (Send(asked_)) return;
   }
@@ -164,10 +167,13 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
       if (Send(life_)) return;
     }
   }
-  RetryLater();
+  RetryLater(error != 0 ? ErrorWords(error)
+                        : std::to_string(response->scode) + " " + std::string(View(response->reason)));
 }
 
 void Registration::Registered(const sip_msg& response) {
+  if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
+  failing_ = false;
   registered_ = true;
   challenges_ = 0;
   retry_ = settings_.timers.registration_retry_first;
@@ -177,10 +183,15 @@ void Registration::Registered(const sip_msg& response) {
   // Calls come in over this very connection: when it goes, the registration is worth nothing.
   (void)sip_keepalive_start(
       &connection_, &stack_, &response, kWatchOnly,
-      [](int, void* self) { static_cast<Registration*>(self)->RetryLater(); }, this);
+      [](int, void* self) { static_cast<Registration*>(self)->RetryLater("the connection broke"); }, this);
 }
 
-void Registration::RetryLater() {
+void Registration::RetryLater(const std::string& reason) {
+  if (!failing_) {
+    settings_.report("The registration of " + settings_.account + " failed (" + reason +
+                     "); no call can come in by it. ORVEN goes on trying.");
+  }
+  failing_ = true;
   registered_ = false;
   challenges_ = 0;
   sip_auth_reset(auth_.get());

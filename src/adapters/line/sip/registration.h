@@ -29,7 +29,7 @@ class Registration {
   bool Send(std::chrono::seconds life);
   void TakeResponse(int error, const sip_msg* response);
   void Registered(const sip_msg& response);
-  void RetryLater();
+  void RetryLater(const std::string& reason);
   int WriteContact(sip_transp transport, const sa& source, const sa& server, mbuf& request) const;
 
   sip& stack_;
@@ -44,6 +44,7 @@ class Registration {
   std::chrono::milliseconds retry_;
   int challenges_ = 0;  ///< answered in a row without success: the password is wrong
   bool registered_ = false;
+  bool failing_ = false;  ///< has been told
 };
 
 /// What is wrong with the account of `settings`, for the log; empty when nothing is.

@@ -117,10 +117,10 @@ void RtpStream::DeliverBlock() {
 
 void RtpStream::CheckPeer(Time now) {
   if (!agreement_) return;
-  // On hold many telephones send nothing, whatever they announced.
-  if (!agreement_->receive || !agreement_->send) alive_ = now;
-  const bool silent = now - alive_ >= timers_.lost_media;
-  const bool refused = refused_since_ && now - *refused_since_ >= timers_.unreachable;
+  // On hold many telephones send nothing, whatever they announced, and take nothing.
+  const bool held = !agreement_->receive || !agreement_->send;
+  const bool silent = now - alive_ >= (held ? timers_.lost_held : timers_.lost_media);
+  const bool refused = !held && refused_since_ && now - *refused_since_ >= timers_.unreachable;
   if (silent || refused) events_.PeerLost();
 }
 

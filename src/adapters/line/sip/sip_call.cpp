@@ -197,8 +197,9 @@ void SipCall::TakeInfo(const sip_msg& request) {
 }
 
 void SipCall::DigitHeard(DigitSource source, char digit) {
-  const bool is_new = digits_.Report(source, digit, std::chrono::steady_clock::now());
-  if (is_new && monitoring_ && state_ == State::kConnected) around_.events.Digit(number_, digit);
+  const auto now = std::chrono::steady_clock::now();
+  if (!digits_.Report(source, digit, now) || !key_pace_.Allows(now)) return;
+  if (monitoring_ && state_ == State::kConnected) around_.events.Digit(number_, digit);
 }
 
 void SipCall::DigitHeld(DigitSource source) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "adapters/line/sip/digit_merger.h"
+#include "adapters/line/sip/key_pace.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/rtp_stream.h"
@@ -88,6 +89,7 @@ class SipCall : private RtpStreamEvents {
   std::optional<MediaNegotiation> negotiation_;
   std::optional<MediaAgreement> agreement_;  ///< absent until the peer has offered or answered
   DigitMerger digits_;
+  KeyPace key_pace_;
   SteadyTimer ring_timer_;
   SteadyTimer ack_timer_;
   std::int32_t rings_ = 0;

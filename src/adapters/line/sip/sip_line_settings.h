@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 namespace orven {
@@ -11,6 +12,8 @@ namespace orven {
 struct SipLineTimers {
   /// An answered call that is not on hold and brings no sound for so long has lost its peer.
   std::chrono::milliseconds lost_media{30'000};
+  /// The same for a call on hold, where silence is the rule.
+  std::chrono::milliseconds lost_held{300'000};
   /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has
   /// no effect: the SIP library gives up by itself then.
   std::chrono::milliseconds no_ack{32'000};
@@ -33,6 +36,9 @@ struct SipLineSettings {
   std::string password;
   std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
   int ring_seconds = 6;           ///< 1 or more; seconds between Ring events
+  /// Takes one sentence for the log when the registration fails and when it works again. SIP thread;
+  /// must not block.
+  std::function<void(const std::string&)> report = [](const std::string&) {};
   SipLineTimers timers;
 };
 

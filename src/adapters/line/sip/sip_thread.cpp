@@ -9,6 +9,12 @@
 
 #include "adapters/line/sip/libre.h"
 
+// Not among the headers that the library's main one brings; it wants a name and a level for the
+// messages of whoever includes it, of which there are none here.
+#define DEBUG_MODULE "orven"
+#define DEBUG_LEVEL 0
+#include <re/re_dbg.h>
+
 namespace orven {
 namespace {
 
@@ -20,8 +26,13 @@ void RaisePriority() {
   (void)pthread_setschedparam(pthread_self(), SCHED_RR, &parameters);
 }
 
+/// Descriptors that the SIP thread uses at most. Strangers who open connections without end must leave
+/// the rest of the program its files.
+constexpr int kMostDescriptors = 512;
+
 int InitialiseLibraryOnce() {
-  static const int error = libre_init();
+  // The library would print a line for every broken message that a stranger sends.
+  static const int error = (dbg_init(DBG_EMERG, DBG_NONE), libre_init());
   return error;
 }
 
@@ -45,6 +56,7 @@ std::string SipThread::Prepare() {
   RaisePriority();
   int error = InitialiseLibraryOnce();
   if (error == 0) error = re_thread_init();
+  if (error == 0) error = fd_setsize(kMostDescriptors);
   mqueue* queue = nullptr;
   if (error == 0) error = mqueue_alloc(&queue, &SipThread::Wake, this);
   const std::lock_guard lock(mutex_);

@@ -127,6 +127,18 @@ TEST_F(SipLineTest, ReInvitesHoldAndResumeAndOnlyASilentPeerIsLost) {
   EXPECT_TRUE(caller.TakeBye());
 }
 
+TEST_F(SipLineTest, ACallForgottenOnHoldEnds) {
+  settings.timers.lost_held = milliseconds(400);
+  OpenLine();
+  SipCaller caller(port);
+  Connect(caller);
+  caller.Invite("0", "sendonly");
+  ASSERT_TRUE(caller.Wait("200"));
+  caller.Request("ACK");
+  EXPECT_TRUE(events.Wait("Disconnected 1"));
+  EXPECT_TRUE(events.Wait("Idle 1"));
+}
+
 TEST_F(SipLineTest, ACallerWhosePortIsGoneOrWhoNeverAcknowledgesIsLost) {
   settings.timers.unreachable = milliseconds(300);
   settings.timers.no_ack = milliseconds(1500);

@@ -6,6 +6,7 @@
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digit_merger.h"
+#include "adapters/line/sip/key_pace.h"
 #include "adapters/line/sip/playout.h"
 #include "integration/line/sip/test_audio.h"
 
@@ -112,6 +113,17 @@ TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
   }
   EXPECT_FALSE(merger.Report(DigitSource::kInfo, '5', start + milliseconds(3400)));
   EXPECT_TRUE(merger.Report(DigitSource::kTelephoneEvent, '5', start + milliseconds(3600)));
+}
+
+TEST(KeyPaceTest, LetsAPersonThroughAndSlowsAMachine) {
+  KeyPace pace;
+  auto now = KeyPace::Time() + std::chrono::hours(1);
+  for (int key = 0; key < 20; ++key, now += milliseconds(80)) EXPECT_TRUE(pace.Allows(now));
+  for (int key = 0; key < 8; ++key)
+    EXPECT_TRUE(pace.Allows(now)) << "a stalled network brings several at once";
+  int allowed = 0;
+  for (int key = 0; key < 6000; ++key, now += milliseconds(1)) allowed += pace.Allows(now) ? 1 : 0;
+  EXPECT_LE(allowed, 110) << "of 6000 in six seconds";
 }
 
 TEST(CallerIdentityTest, ReadsWhatNetworksSend) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A line with an account: it keeps itself registered, whatever becomes of the server.
 #include <array>
+#include <condition_variable>
+#include <mutex>
 
 #include "adapters/line/sip/libre.h"
 #include "integration/line/sip/sip_line_test.h"
@@ -73,7 +75,33 @@ class Registrar {
   std::optional<Socket> connection_;
 };
 
-class SipRegistrationTest : public SipLineTest, public ::testing::WithParamInterface<std::string> {};
+/// What the line reported, from its own thread.
+class Reports {
+ public:
+  void Add(const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    texts_.push_back(text);
+    changed_.notify_all();
+  }
+  bool Wait(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(5), [&] { return texts_.size() >= count; });
+  }
+  std::vector<std::string> All() {
+    const std::lock_guard lock(mutex_);
+    return texts_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<std::string> texts_;
+};
+
+class SipRegistrationTest : public SipLineTest, public ::testing::WithParamInterface<std::string> {
+ protected:
+  Reports reports;
+};
 
 TEST_P(SipRegistrationTest, StaysRegisteredThroughLossAndLeavesWhenClosed) {
   Registrar registrar(GetParam() == "tcp", port);
@@ -81,6 +109,7 @@ TEST_P(SipRegistrationTest, StaysRegisteredThroughLossAndLeavesWhenClosed) {
   settings.transport = GetParam();
   settings.password = "secret";
   settings.timers.registration_retry_first = settings.timers.registration_retry_longest = milliseconds(200);
+  settings.report = [this](const std::string& text) { reports.Add(text); };
   OpenLine();
   const std::string contact = registrar.Register(1);
   EXPECT_NE(contact.find("<sip:100@127.0.0.1:"), std::string::npos) << contact;
@@ -92,6 +121,9 @@ TEST_P(SipRegistrationTest, StaysRegisteredThroughLossAndLeavesWhenClosed) {
     registrar.Reply(ReplyTo(request, "503 Service Unavailable"));
   }
   EXPECT_NE(registrar.Register(300), "");
+  ASSERT_TRUE(reports.Wait(2)) << "an owner who cannot be reached must learn it";
+  EXPECT_NE(reports.All()[0].find(settings.account + " failed (503 Service Unavailable)"), std::string::npos);
+  EXPECT_NE(reports.All()[1].find("works again"), std::string::npos);
   if (GetParam() == "tcp") {
     registrar.Disconnect();
     EXPECT_NE(registrar.Register(300), "") << "calls would be lost until the next refresh";
