@@ -12,6 +12,7 @@ using namespace std::chrono_literals;
 constexpr std::size_t kAhead = kSampleRate;            ///< decoded ahead at most: one second
 constexpr std::size_t kRefillBelow = kSampleRate / 2;  ///< decode again below half a second
 constexpr std::size_t kDecodeChunk = kSampleRate / 10;
+static_assert(kDecodeChunk % kBlockSamples == 0, "so that only the end of a file gives a partial block");
 
 /// The device's thread wakes the decoder without taking its lock, so a wake-up can fall between the
 /// decoder's look and its sleep; it then looks again this much later, with half a second in stock.
@@ -42,11 +43,10 @@ bool FileSource::Read(std::span<std::int16_t> block) {
   const bool all = decoded_all_.load(std::memory_order_acquire);  // before Size: then Size is final
   const std::size_t stock = ring_.Size();
   if (stock == 0 && all) {
-    if (!told_) on_ended_();
-    told_ = true;
+    on_ended_();
     return false;
   }
-  const std::size_t count = stock >= block.size() ? block.size() : (all ? stock : 0);
+  const std::size_t count = std::min(stock, block.size());
   ring_.Pop(block.first(count));
   std::fill(block.begin() + static_cast<std::ptrdiff_t>(count), block.end(), std::int16_t{0});
   samples_played_ += static_cast<std::int64_t>(count);

@@ -21,7 +21,7 @@ namespace orven {
 /// takes the same memory.
 class FileSource : public AudioSource {
  public:
-  /// Starts decoding. `on_ended` is called once, on the device's thread, when everything has been read.
+  /// Starts decoding. `on_ended` is called on the device's thread when everything has been read.
   FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::function<void()> on_ended);
 
   /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
@@ -46,7 +46,6 @@ class FileSource : public AudioSource {
 
   std::unique_ptr<TelephoneDecoder> decoder_;
   std::function<void()> on_ended_;
-  bool told_ = false;  ///< device's thread
   SampleRing ring_;
   std::atomic<std::int64_t> samples_played_{0};
   std::atomic<bool> decoded_all_{false};

@@ -84,8 +84,8 @@ std::int32_t FileWaveControl::PlayFile(const std::string& path, std::int32_t dev
   ReleaseSource();
   const std::uint64_t play = ++play_;
   auto tell = lifeline_.Bind([this, play] { Finished(play); });
-  auto source = std::make_unique<FileSource>(
-      std::move(decoder), [&loop = loop_, tell = std::move(tell)]() mutable { loop.Post(std::move(tell)); });
+  auto source = std::make_unique<FileSource>(std::move(decoder),
+                                             [&loop = loop_, tell = std::move(tell)] { loop.Post(tell); });
   const std::int32_t result = to->StartPlay(*source);
   if (result != kWaveOk) {
     source->Cancel();
