@@ -21,12 +21,8 @@ class DiskFaults {
   /// No file can grow beyond `bytes`; what fits of a write is written, as on a full disk.
   void LimitSize(std::optional<std::size_t> bytes);
 
-  /// Syncing fails with this error number (0: works).
-  void FailSync(int error);
-
-  /// Reads from `offset` on, or syncs, do not return before Release.
+  /// Reads from `offset` on do not return before Release.
   void HoldReads(std::size_t offset);
-  void HoldSyncs();
   void Release();
 
   /// Something is being held now.
@@ -35,7 +31,6 @@ class DiskFaults {
   // What the functions of the C library ask.
   void BeforeRead(std::size_t offset);
   std::size_t Writable(std::size_t offset, std::size_t count);
-  int BeforeSync();
 
   static DiskFaults* Of(int descriptor);
 
@@ -47,9 +42,7 @@ class DiskFaults {
   std::condition_variable released_;
   std::optional<std::size_t> limit_;
   std::size_t reads_from_ = 0;
-  int sync_error_ = 0;
   bool hold_reads_ = false;
-  bool hold_syncs_ = false;
   int holding_ = 0;
 };
 

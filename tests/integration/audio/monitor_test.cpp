@@ -30,22 +30,6 @@ TEST_F(Monitor, TheCallerIsHeardSoonAndInOrder) {
   for (std::int16_t i = 1; i < 100; ++i) EXPECT_EQ(i, heard[static_cast<std::size_t>(i)]);
 }
 
-TEST_F(Monitor, ALateListenerSkipsAheadAndADryOneHearsSilence) {
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));
-  for (std::int16_t i = 1; i <= 200; ++i) line.Capture(Block(i));
-  EXPECT_EQ(Block(199), card.Pull());
-  EXPECT_EQ(Block(200), card.Pull());
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(Block(0), card.Pull());
-  // A listener that is a little slower than the caller never falls behind more than 100 ms.
-  for (std::int16_t i = 1; i <= 200; ++i) {
-    line.Capture(Block(i));
-    if (i % 10 == 0) continue;
-    const std::int16_t heard = card.Pull()->front();
-    EXPECT_TRUE(i < 3 || i - heard <= 4) << i - heard << " blocks late";
-  }
-}
-
 TEST_F(Monitor, ItNeedsARecordingAndADevice) {
   EXPECT_EQ(kWaveNotRecording, control->StartMonitor(kCard, kPcm));
   EXPECT_EQ(kWaveOk, control->StopMonitor());
@@ -62,36 +46,6 @@ TEST_F(Monitor, ItNeedsARecordingAndADevice) {
   EXPECT_EQ(Block(0), card.Pull()) << "goes on, silent";
   EXPECT_EQ(kWaveOk, control->StopMonitor());
   EXPECT_FALSE(card.Plays());
-}
-
-TEST_F(Monitor, PlayingRecordingAndListeningGoOnSideBySide) {
-  const Samples spoken = Noise(30 * kSecond, 1);
-  const Samples greeting = Noise(30 * kSecond, 2);
-  WriteSound(folder / "greeting.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, greeting);
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));
-  ASSERT_EQ(kWaveOk, control->PlayFile(folder / "greeting.wav", kLine));
-  std::atomic<bool> listening{true};
-  std::thread listener([&] {
-    while (listening) card.Pull();
-  });
-  std::thread caller([&] { line.Capture(spoken); });
-  Samples played;
-  std::thread hearer([&] { played = line.PlayToEnd(); });
-  ASSERT_TRUE(Eventually([&] {
-    loop.Run();
-    EXPECT_GE(1000, control->InputLevel());
-    EXPECT_GE(std::chrono::seconds(30), control->Position());
-    return finished == 1;
-  }));
-  hearer.join();
-  caller.join();
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "m.wav"));
-  EXPECT_EQ(kWaveOk, control->StopMonitor());
-  listening = false;
-  listener.join();
-  EXPECT_EQ(greeting, played);
-  EXPECT_EQ(spoken, ReadWithSox(messages / "m.wav"));
 }
 
 }  // namespace

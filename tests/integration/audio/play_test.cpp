@@ -35,30 +35,6 @@ TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   EXPECT_EQ(0ms, control->Position());
 }
 
-TEST_F(Play, OnePlayLeadsToTheNext) {
-  Samples beeped;
-  on_finished = [&] {
-    if (finished > 1) return;
-    EXPECT_FALSE(control->IsPlaying());
-    EXPECT_EQ(kWaveOk, control->PlayFile(beep, kLine));
-    beeped = line.PlayToEnd();
-  };
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  line.PlayToEnd();
-  loop.Run();
-  EXPECT_EQ(Noise(kSecond / 5, 2), beeped);
-  EXPECT_EQ(2, finished);
-}
-
-TEST_F(Play, NothingIsToldAfterStop) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  line.PlayToEnd();  // the event is on its way
-  control->StopPlay();
-  EXPECT_FALSE(control->IsPlaying());
-  loop.Run();
-  EXPECT_EQ(0, finished);
-}
-
 TEST_F(Play, AnEarlierPlayDoesNotEndTheNextOne) {
   ASSERT_EQ(kWaveOk, control->PlayFile(beep, kLine));
   line.PlayToEnd();
@@ -80,17 +56,6 @@ TEST_F(Play, NothingIsToldAfterDestruction) {
   EXPECT_EQ(0, finished);
 }
 
-TEST_F(Play, StopAndDestructionInMidPlayReleaseTheDevice) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  ASSERT_TRUE(line.Pull());
-  control->StopPlay();
-  EXPECT_FALSE(line.Plays());
-  control->StopPlay();
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  control.reset();
-  EXPECT_FALSE(line.Plays());
-}
-
 TEST_F(Play, OneFileAtATimeOnADeviceThatIsThere) {
   EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine + 7));
   line.refuse = kWaveNoDevice;
@@ -100,14 +65,6 @@ TEST_F(Play, OneFileAtATimeOnADeviceThatIsThere) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   EXPECT_EQ(kWaveBusy, control->PlayFile(beep, kCard));
   EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
-}
-
-TEST_F(Play, PositionFollowsTheDevice) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  ASSERT_TRUE(Eventually([&] { return line.Pull()->front() != 0; }));
-  EXPECT_EQ(20ms, control->Position());
-  while (control->Position() < 1s) ASSERT_TRUE(line.Pull());
-  EXPECT_EQ(1s, control->Position());
 }
 
 TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
@@ -127,15 +84,6 @@ TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
   EXPECT_EQ(Noise(3 * kSecond), played);
 }
 
-TEST_F(Play, StoppingDoesNotWaitForTheDisk) {
-  folder_disk.HoldReads(1000);
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  ASSERT_TRUE(Eventually([&] { return folder_disk.Holds(); }));
-  control->StopPlay();  // would never return
-  EXPECT_FALSE(control->IsPlaying());
-  folder_disk.Release();
-}
-
 TEST_F(Play, AFileThatShrinksOrGoesEndsWhereItEnds) {
   const std::string path = folder / "long.wav";
   WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(60 * kSecond));
@@ -152,20 +100,6 @@ TEST_F(Play, AFileThatShrinksOrGoesEndsWhereItEnds) {
   EXPECT_EQ(Noise(3 * kSecond), line.PlayToEnd());
   loop.Run();
   EXPECT_EQ(2, finished);
-}
-
-TEST_F(Play, EveryResultHasItsText) {
-  std::set<std::string> play_texts;
-  std::set<std::string> record_texts;
-  for (std::int32_t code = kWaveOk; code <= kWaveWriteFailed; ++code) {
-    play_texts.insert(control->PlayErrorText(code));
-    record_texts.insert(control->RecordErrorText(code));
-  }
-  EXPECT_EQ(11U, play_texts.size());
-  EXPECT_EQ(11U, record_texts.size());
-  EXPECT_EQ("The operation completed successfully.", control->RecordErrorText(kWaveOk));
-  EXPECT_EQ("Unknown wave error -5.", control->PlayErrorText(-5));
-  EXPECT_EQ("Unknown wave error 11.", control->RecordErrorText(11));
 }
 
 }  // namespace

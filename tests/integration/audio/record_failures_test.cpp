@@ -92,23 +92,6 @@ TEST_F(RecordFailures, AFullDiskMovesTheRecordingToTheRescueFolder) {
   EXPECT_EQ(spoken, ReadWithSox(folder / "m.wav"));
 }
 
-TEST_F(RecordFailures, SpaceThatComesBackDuringTheRecordingIsEnough) {
-  messages_disk.LimitSize(30'001);
-  rescue_disk.LimitSize(0);
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  line.Capture(Noise(1600));
-  EXPECT_TRUE(Eventually([&] { return messages.Names(".part").size() == 1; }));
-  line.Capture(spoken);
-  EXPECT_TRUE(Eventually([&] {  // it is stuck, and still a sound file
-    return std::filesystem::file_size(messages / messages.Names()[0]) == 30'001;
-  }));
-  EXPECT_EQ(Noise(1600), ReadWithSox(messages / messages.Names()[0]));
-  messages_disk.LimitSize({});
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
-  EXPECT_EQ(1600 + spoken.size(), ReadWithSox(message)->size());
-  EXPECT_EQ(1U, messages.Names().size());
-}
-
 TEST_F(RecordFailures, WithoutSpaceAnywhereTheRecordingWaitsForIt) {
   for (const bool dying : {false, true}) {
     messages_disk.LimitSize(30'001);
@@ -130,37 +113,6 @@ TEST_F(RecordFailures, AnOldMessageSurvivesTheFailureOfTheNewOne) {
   Capture();
   EXPECT_EQ(kWaveDiskFull, control->StopRecordToFile(message));
   EXPECT_EQ(3U, std::filesystem::file_size(message));
-}
-
-TEST_F(RecordFailures, WhatSomebodyDeletesIsWrittenAgain) {
-  Capture();
-  ExpectOnlyFile(messages, ".wav.part");
-  std::filesystem::remove(messages / messages.Names()[0]);
-  ExpectOnlyFile(messages, ".wav.part");
-  std::filesystem::remove_all(messages.Path());
-  ExpectOnlyFile(rescue, ".wav.part");
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(folder / "m.wav"));
-  EXPECT_EQ(spoken, ReadWithSox(folder / "m.wav"));
-}
-
-TEST_F(RecordFailures, StoppingDoesNotWaitForASlowDisk) {
-  messages_disk.HoldSyncs();
-  for (const std::string name : {"1.wav", "2.wav"}) {
-    Capture();
-    ASSERT_TRUE(Eventually([&] { return messages_disk.Holds() && messages.Names(".part").size() == 1; }));
-    ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / name));  // would never return
-    EXPECT_EQ(spoken, ReadWithSox(messages / name));
-  }
-}
-
-TEST_F(RecordFailures, WhatADiskDoesNotKeepIsWrittenElsewhereToo) {
-  messages_disk.FailSync(EIO);
-  Capture();
-  ExpectOnlyFile(rescue, ".wav.part");
-  EXPECT_TRUE(Eventually([&] { return messages.Names().empty(); }));
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
-  EXPECT_EQ(spoken, ReadWithSox(message));
-  ExpectOnlyFile(rescue, "m.unsaved-1.wav");
 }
 
 TEST_F(RecordFailures, AnotherFileSystemIsReachedByCopying) {

@@ -55,13 +55,6 @@ TEST_F(Record, LinearSoundBecomesTheNearestMuLaw) {
   EXPECT_EQ(ThroughMuLaw(spoken), ReadWithSox(folder / "m.wav"));
 }
 
-TEST_F(Record, ADeviceThatDeliversNothingGivesAnEmptyRecording) {
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "m.wav"));
-  EXPECT_EQ(Samples(), ReadWithSox(messages / "m.wav"));
-  EXPECT_EQ(0, control->FileLength(messages / "m.wav"));
-}
-
 TEST_F(Record, AnOlderFileIsReplaced) {
   for (const bool to_disk : {true, false}) {
     control->SetRecordToDisk(to_disk);
@@ -136,15 +129,6 @@ TEST_F(Record, TheGrowingFileCanBeReadAtAnyTime) {
   EXPECT_EQ(std::vector<std::string>{"m.wav"}, messages.Names());
 }
 
-TEST_F(Record, InMemoryNothingIsOnDiskBeforeTheEnd) {
-  control->SetRecordToDisk(false);
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  line.Capture(Noise(kSecond));
-  control.reset();
-  EXPECT_TRUE(messages.Names().empty());
-  EXPECT_TRUE(rescue.Names().empty());
-}
-
 TEST_F(Record, DestructionInMidRecordingLeavesItOnDisk) {
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
   ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));
@@ -155,23 +139,6 @@ TEST_F(Record, DestructionInMidRecordingLeavesItOnDisk) {
   const auto left = messages.Names(".wav.part");
   ASSERT_EQ(1U, left.size());
   EXPECT_EQ(Noise(3 * kSecond), ReadWithSox(messages / left[0]));
-}
-
-TEST_F(Record, TwoControlsRecordIntoOneFolder) {
-  FileWaveControl other(loop, devices, rescue.Path());
-  other.SetRecordFolder(messages.Path());
-  other.SetRecordToDisk(true);
-  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
-  ASSERT_EQ(kWaveOk, other.StartRecord(kCard, kPcm));
-  std::thread first([&] { line.Capture(Noise(20 * kSecond, 1)); });
-  std::thread second([&] { card.Capture(Noise(20 * kSecond, 2)); });
-  EXPECT_TRUE(Eventually([&] { return messages.Names(".wav.part").size() == 2; }));
-  first.join();
-  second.join();
-  ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "1.wav"));
-  ASSERT_EQ(kWaveOk, other.StopRecordToFile(messages / "2.wav"));
-  EXPECT_EQ(Noise(20 * kSecond, 1), ReadWithSox(messages / "1.wav"));
-  EXPECT_EQ(Noise(20 * kSecond, 2), ReadWithSox(messages / "2.wav"));
 }
 
 }  // namespace
