@@ -10,7 +10,7 @@
 namespace orven::testing {
 
 /// A disk that misbehaves for the files below one folder. While such an object lives, this program's
-/// own read, pwrite and fdatasync ask it first; the code under test knows nothing of it.
+/// own read and pwrite ask it first; the code under test knows nothing of it.
 class DiskFaults {
  public:
   explicit DiskFaults(const std::string& folder);
