@@ -53,15 +53,26 @@ void DiskFaults::LimitSize(std::optional<std::size_t> bytes) {
   limit_ = bytes;
 }
 
+void DiskFaults::FailSync(int error) {
+  const std::lock_guard lock(mutex_);
+  sync_error_ = error;
+}
+
 void DiskFaults::HoldReads(std::size_t offset) {
   const std::lock_guard lock(mutex_);
   hold_reads_ = true;
   reads_from_ = offset;
 }
 
+void DiskFaults::HoldSyncs() {
+  const std::lock_guard lock(mutex_);
+  hold_syncs_ = true;
+}
+
 void DiskFaults::Release() {
   std::unique_lock lock(mutex_);
   hold_reads_ = false;
+  hold_syncs_ = false;
   released_.notify_all();
   released_.wait(lock, [this] { return holding_ == 0; });
 }
@@ -90,6 +101,12 @@ std::size_t DiskFaults::Writable(std::size_t offset, std::size_t count) {
   return std::min(count, *limit_ - std::min(offset, *limit_));
 }
 
+int DiskFaults::BeforeSync() {
+  std::unique_lock lock(mutex_);
+  Wait(lock, hold_syncs_);
+  return sync_error_;
+}
+
 }  // namespace orven::testing
 
 // The program's own definitions come before the C library's, in its libraries, too.
@@ -114,5 +131,16 @@ ssize_t pwrite(int descriptor, const void* data, size_t count, off_t offset) {
     }
   }
   return real(descriptor, data, count, offset);
+}
+
+int fdatasync(int descriptor) {
+  using orven::testing::DiskFaults;
+  static const auto real = orven::testing::Real<int(int)>("fdatasync");
+  DiskFaults* const faults = DiskFaults::Of(descriptor);
+  if (const int error = faults ? faults->BeforeSync() : 0; error != 0) {
+    errno = error;
+    return -1;
+  }
+  return real(descriptor);
 }
 }

@@ -48,5 +48,35 @@ TEST_F(Monitor, ItNeedsARecordingAndADevice) {
   EXPECT_FALSE(card.Plays());
 }
 
+TEST_F(Monitor, PlayingRecordingAndListeningGoOnSideBySide) {
+  const Samples spoken = Noise(30 * kSecond, 1);
+  const Samples greeting = Noise(30 * kSecond, 2);
+  WriteSound(folder / "greeting.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, greeting);
+  ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kPcm));
+  ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kPcm));
+  ASSERT_EQ(kWaveOk, control->PlayFile(folder / "greeting.wav", kLine));
+  std::atomic<bool> listening{true};
+  std::thread listener([&] {
+    while (listening) card.Pull();
+  });
+  std::thread caller([&] { line.Capture(spoken); });
+  Samples played;
+  std::thread hearer([&] { played = line.PlayToEnd(); });
+  ASSERT_TRUE(Eventually([&] {
+    loop.Run();
+    EXPECT_GE(1000, control->InputLevel());
+    EXPECT_GE(std::chrono::seconds(30), control->Position());
+    return finished == 1;
+  }));
+  hearer.join();
+  caller.join();
+  ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "m.wav"));
+  EXPECT_EQ(kWaveOk, control->StopMonitor());
+  listening = false;
+  listener.join();
+  EXPECT_EQ(greeting, played);
+  EXPECT_EQ(spoken, ReadWithSox(messages / "m.wav"));
+}
+
 }  // namespace
 }  // namespace orven::testing

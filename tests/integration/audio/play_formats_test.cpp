@@ -104,6 +104,20 @@ TEST_F(PlayFormats, TooLoudIsClipped) {
   }
 }
 
+TEST_F(PlayFormats, WhatIsNoNumberIsSilence) {
+  for (const int rate : {8000, 44100}) {
+    std::vector<float> damaged = Sine(rate, kTone, 0.5, 1);
+    damaged[damaged.size() / 2] = std::numeric_limits<float>::quiet_NaN();
+    damaged[damaged.size() / 3] = std::numeric_limits<float>::infinity();
+    WriteSound(folder / "damaged.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, rate, 1, damaged);
+    const Samples played = Play(folder / "damaged.wav");
+    ASSERT_EQ(kSecond, played.size());
+    EXPECT_GT(18000, *std::max_element(played.begin(), played.end()));
+    EXPECT_LT(-18000, *std::min_element(played.begin(), played.end()));
+    EXPECT_GT(FitSine(played, kTone).snr, 30);
+  }
+}
+
 TEST_F(PlayFormats, WhatIsNoSoundIsRefusedAtOnce) {
   WriteText(folder / "empty.wav", "");
   WriteText(folder / "text.wav", std::string(10000, 'x'));

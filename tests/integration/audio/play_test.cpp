@@ -35,6 +35,15 @@ TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   EXPECT_EQ(0ms, control->Position());
 }
 
+TEST_F(Play, NothingIsToldAfterStop) {
+  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
+  line.PlayToEnd();  // the event is on its way
+  control->StopPlay();
+  EXPECT_FALSE(control->IsPlaying());
+  loop.Run();
+  EXPECT_EQ(0, finished);
+}
+
 TEST_F(Play, AnEarlierPlayDoesNotEndTheNextOne) {
   ASSERT_EQ(kWaveOk, control->PlayFile(beep, kLine));
   line.PlayToEnd();

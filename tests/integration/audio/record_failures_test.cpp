@@ -115,6 +115,26 @@ TEST_F(RecordFailures, AnOldMessageSurvivesTheFailureOfTheNewOne) {
   EXPECT_EQ(3U, std::filesystem::file_size(message));
 }
 
+TEST_F(RecordFailures, StoppingDoesNotWaitForASlowDisk) {
+  messages_disk.HoldSyncs();
+  for (const std::string name : {"1.wav", "2.wav"}) {
+    Capture();
+    ASSERT_TRUE(Eventually([&] { return messages_disk.Holds() && messages.Names(".part").size() == 1; }));
+    ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / name));  // would never return
+    EXPECT_EQ(spoken, ReadWithSox(messages / name));
+  }
+}
+
+TEST_F(RecordFailures, WhatADiskDoesNotKeepIsWrittenElsewhereToo) {
+  messages_disk.FailSync(EIO);
+  Capture();
+  ExpectOnlyFile(rescue, ".wav.part");
+  EXPECT_TRUE(Eventually([&] { return messages.Names().empty(); }));
+  ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
+  EXPECT_EQ(spoken, ReadWithSox(message));
+  ExpectOnlyFile(rescue, "m.unsaved-1.wav");
+}
+
 TEST_F(RecordFailures, AnotherFileSystemIsReachedByCopying) {
   const std::filesystem::path memory = "/dev/shm";
   struct stat here {};
