@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <utility>
 
 #include "adapters/line/service/lines_file.h"
 #include "adapters/line/sim/sim_line.h"
@@ -27,7 +26,7 @@ int RingSeconds(const std::string& text, int otherwise) {
 }
 
 std::unique_ptr<LineDriver> MakeSip(const LineSection& section,
-                                    std::function<void(const std::string&)> report) {
+                                    const std::function<void(const std::string&)>& report) {
   SipLineSettings settings;
   settings.name = section.name;
   settings.listen = Value(section, "listen", settings.listen);
@@ -36,7 +35,7 @@ std::unique_ptr<LineDriver> MakeSip(const LineSection& section,
   settings.password = Value(section, "password", "");
   settings.transport = Value(section, "transport", settings.transport);
   settings.ring_seconds = RingSeconds(Value(section, "ring_seconds", ""), settings.ring_seconds);
-  settings.report = std::move(report);
+  settings.report = report;
   return MakeSipLine(settings);
 }
 
@@ -49,9 +48,9 @@ std::unique_ptr<LineDriver> MakeSim(const LineSection& section, EventLoop& loop,
 
 }  // namespace
 
-std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(const std::string& path, EventLoop& loop,
-                                                            std::vector<std::string>& problems,
-                                                            std::function<void(const std::string&)> report) {
+std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
+    const std::string& path, EventLoop& loop, std::vector<std::string>& problems,
+    const std::function<void(const std::string&)>& report) {
   auto file = ReadLines(path);
   problems.insert(problems.end(), file.complaints.begin(), file.complaints.end());
   std::vector<std::unique_ptr<LineDriver>> lines;

@@ -14,8 +14,8 @@ namespace orven {
 /// The telephone lines that the file at `path` (lines.ini) describes, in device-index order. What is
 /// wrong in it is added to `problems`; the other lines still work. `report` takes what a line finds
 /// wrong while it is open; it is called on the lines' threads and must not block.
-std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(const std::string& path, EventLoop& loop,
-                                                            std::vector<std::string>& problems,
-                                                            std::function<void(const std::string&)> report);
+std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
+    const std::string& path, EventLoop& loop, std::vector<std::string>& problems,
+    const std::function<void(const std::string&)>& report);
 
 }  // namespace orven

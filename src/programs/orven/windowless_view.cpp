@@ -24,8 +24,7 @@ void WindowlessView::StartBlinking() {
 
 void WindowlessView::ViewCallViewer(bool /*animate*/, std::int16_t /*speed*/, bool /*auto_close*/,
                                     std::int16_t /*seconds*/) {
-  // One call's view would still be open, or closed by itself, when the next call comes: here it is
-  // told once for each text.
+  // What the log tells is the texts that the view would show from now on.
   caller_view_open_ = true;
 }
 

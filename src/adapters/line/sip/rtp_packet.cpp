@@ -33,7 +33,7 @@ std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
   if (datagram.size() < kRtpHeaderBytes || datagram[0] >> 6 != kVersion) return std::nullopt;
   const bool padded = (datagram[0] & 0x20) != 0;
   const bool extended = (datagram[0] & 0x10) != 0;
-  std::size_t begin = kRtpHeaderBytes + 4U * (datagram[0] & 0x0FU);
+  std::size_t begin = kRtpHeaderBytes + std::size_t{4} * (datagram[0] & 0x0FU);
   if (extended) {
     if (datagram.size() < begin + 4) return std::nullopt;
     begin += 4 + std::size_t{4} * Read16(datagram.data() + begin + 2);
