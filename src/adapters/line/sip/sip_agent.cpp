@@ -154,13 +154,14 @@ void SipAgent::TakeInvite(const sip_msg& invite) {
   }
   // No exception may reach the library, which is C. Without memory or handles there is no call.
   try {
-    auto call = SipCall::Accept(*surroundings_, calls_ + 1, invite);
-    if (call == nullptr) return;
-    ++calls_;
-    call_ = std::move(call);
+    call_.reset();
+    reserve_.Release();
+    call_ = SipCall::Accept(*surroundings_, calls_ + 1, invite);
+    if (call_ != nullptr) ++calls_;
   } catch (const std::exception&) {
     (void)sip_treply(nullptr, stack_.get(), &invite, 500, "Server Internal Error");
   }
+  if (call_ == nullptr) reserve_.Fill();
 }
 
 SipCall* SipAgent::Find(CallNumber number) const {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/sip/descriptor_reserve.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/registration.h"
 #include "adapters/line/sip/sip_call.h"
@@ -60,7 +61,8 @@ class SipAgent {
   std::vector<sa> listening_;  ///< what that means
   std::optional<CallSurroundings> surroundings_;
   std::unique_ptr<Registration> registration_;
-  std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one
+  std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one, its descriptors still held
+  DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;
   bool closing_ = false;
   SteadyTimer close_timer_;

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What no caller should send. Whatever comes, the line lives and takes the next call.
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <random>
 
 #include "integration/line/sip/sip_line_test.h"
@@ -120,6 +123,18 @@ TEST_F(SipHostileTest, BrokenTcpStreamsAreClosedAndOthersServed) {
   caller.Send(Invite("Type: application/sdp", "Length: 0"));
   EXPECT_NE(caller.ReceiveText(milliseconds(8000)), "");
   ASSERT_TRUE(events.Wait("Offered 1"));
+}
+
+TEST_F(SipHostileTest, IdleConnectionsLeaveRoomForACall) {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 4096);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  constexpr std::size_t kConnections = 700;  // more than the line may have descriptors
+  std::vector<Socket> idle;
+  idle.reserve(kConnections);
+  while (idle.size() < kConnections) idle.push_back(Socket::TcpTo(port));
+  ExpectACallWorks();
 }
 
 TEST_F(SipHostileTest, BrokenSoundDoesNotEndACall) {
