@@ -70,4 +70,18 @@ struct MainWindowViews {
   MessagePlayer& player;
 };
 
+/// A main window that is all of its views in one object.
+class WholeMainWindow : public LineView,
+                        public QuickOptionBoxes,
+                        public WindowFrame,
+                        public CallListView,
+                        public TrayIcon,
+                        public CallerView,
+                        public EventSounds,
+                        public CallActions,
+                        public MessagePlayer {
+ public:
+  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
+};
+
 }  // namespace orven

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/call_control.h"
 
-#include "core/error_trap.h"
-
 namespace orven {
 
 void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force) {
@@ -43,8 +41,7 @@ void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t res
   if (context_.progress.State() == CallState::Answering) context_.progress.Enter(CallState::Offered);
 }
 
-void CallControl::HangUp() const {
-  const ErrorTrap trap(context_.log, "ErrDropCall ");
+void CallControl::HangUp(const ErrorTrap& trap) const {
   trap([&] { context_.Wave1.StopPlay(); });
   trap([&] {
     const auto line = context_.Line();
@@ -54,8 +51,8 @@ void CallControl::HangUp() const {
 }
 
 void CallControl::DropCall() {
-  HangUp();
-  const auto trap = ErrorTrap::Silent();
+  const ErrorTrap trap(context_.log, "ErrDropCall ");
+  HangUp(trap);
   trap([&] { context_.line.ShowMonitoring(); });
 }
 
@@ -68,7 +65,7 @@ void CallControl::DropInComeCall() {
     const auto result = RequestAnswer();
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
   });
-  HangUp();
+  HangUp(trap);
 }
 
 }  // namespace orven

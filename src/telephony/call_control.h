@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "core/error_trap.h"
 #include "telephony/call_context.h"
 
 namespace orven {
@@ -30,7 +31,7 @@ class CallControl {
   /// Asks for the answer and keeps in mind that it is under way.
   std::int32_t RequestAnswer();
   /// Ends what plays on the line, and the call.
-  void HangUp() const;
+  void HangUp(const ErrorTrap& trap) const;
 
   CallContext& context_;
   std::int32_t answer_request_ = 0;

@@ -13,18 +13,8 @@
 namespace orven::test {
 
 /// Every view of the main window at once. It shows nothing and remembers everything.
-class RecordingViews : public LineView,
-                       public QuickOptionBoxes,
-                       public WindowFrame,
-                       public CallListView,
-                       public TrayIcon,
-                       public CallerView,
-                       public EventSounds,
-                       public CallActions,
-                       public MessagePlayer {
+class RecordingViews : public WholeMainWindow {
  public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
-
   // The line.
   std::vector<std::string> statuses;
   bool line_on = false;

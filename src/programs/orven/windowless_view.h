@@ -12,18 +12,8 @@ namespace orven {
 
 /// The main window of a program that runs without windows: it shows nothing. What a window would do
 /// to draw attention to a call (sounds, caller view, tray, actions) is written to the system log.
-class WindowlessView : public LineView,
-                       public QuickOptionBoxes,
-                       public WindowFrame,
-                       public CallListView,
-                       public TrayIcon,
-                       public CallerView,
-                       public EventSounds,
-                       public CallActions,
-                       public MessagePlayer {
+class WindowlessView : public WholeMainWindow {
  public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
-
   /// Where to write; nothing is written before. The log outlives the view's use.
   void SetLog(SystemLog* log) { log_ = log; }
 
