@@ -98,8 +98,14 @@ class WaveControl {
   /// Ends playing; nothing is told about it. Idempotent.
   virtual void StopPlay() = 0;
 
-  /// How much of the playing file has been played; 0 when nothing plays.
+  /// Which place of the playing file has been reached; 0 when nothing plays.
   virtual std::chrono::milliseconds Position() const = 0;
+
+  /// Goes on playing at `position` of the playing file: before its beginning means the beginning,
+  /// beyond its end the end, so that PlayFinished follows; it comes once for each PlayFile, however
+  /// often its position changes. Nothing happens when nothing plays, and where the file cannot be
+  /// opened again or cannot be entered in the middle.
+  virtual void Seek(std::chrono::milliseconds position) = 0;
 
   /// Length of the sound file at `path` in seconds, or a negative number when it cannot be read.
   virtual double FileLength(const std::string& path) const = 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/timed_wave.h"
 
+#include <algorithm>
+
 #include "platform/runtime_error.h"
 
 namespace orven::test {
@@ -66,12 +68,26 @@ std::int32_t TimedWave::PlayFile(const std::string& path, std::int32_t device) {
   if (!length) return kWaveFileNotFound;
   played.push_back({path, device});
   playing_ = true;
-  time_.After(*length, [this, play = ++play_] {
+  play_length_ = *length;
+  PlayFrom(std::chrono::milliseconds(0));
+  return kWaveOk;
+}
+
+void TimedWave::PlayFrom(std::chrono::milliseconds position) {
+  beginning_ = time_.Uptime() - position;
+  time_.After(play_length_ - position, [this, play = ++play_] {
     if (play != play_ || !playing_) return;
     playing_ = false;
     if (events_ != nullptr) events_->PlayFinished();
   });
-  return kWaveOk;
+}
+
+void TimedWave::Seek(std::chrono::milliseconds position) {
+  if (playing_) PlayFrom(std::clamp(position, std::chrono::milliseconds(0), play_length_));
+}
+
+std::chrono::milliseconds TimedWave::Position() const {
+  return playing_ ? time_.Uptime() - beginning_ : std::chrono::milliseconds(0);
 }
 
 void TimedWave::StopPlay() {

@@ -60,7 +60,8 @@ class TimedWave : public WaveControl {
   std::string PlayErrorText(std::int32_t code) const override { return Text(code); }
   bool IsPlaying() const override { return playing_; }
   void StopPlay() override;
-  std::chrono::milliseconds Position() const override { return {}; }
+  std::chrono::milliseconds Position() const override;
+  void Seek(std::chrono::milliseconds position) override;
   double FileLength(const std::string& path) const override;
 
  private:
@@ -68,13 +69,16 @@ class TimedWave : public WaveControl {
     return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
   }
   std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
+  void PlayFrom(std::chrono::milliseconds position);
 
   VirtualTime& time_;
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
   std::optional<std::chrono::milliseconds> recording_since_;
   bool playing_ = false;
-  std::uint64_t play_ = 0;  ///< tells a finished play from a later one
+  std::chrono::milliseconds play_length_{0};
+  std::chrono::milliseconds beginning_{0};  ///< the uptime at which position 0 was, or would have been
+  std::uint64_t play_ = 0;                  ///< tells a finished play from a later one
 };
 
 }  // namespace orven::test

@@ -20,8 +20,10 @@ constexpr auto kLookAgain = 50ms;
 
 }  // namespace
 
-FileSource::FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::function<void()> on_ended)
+FileSource::FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
+                       std::function<void()> on_ended)
     : decoder_(std::move(decoder)),
+      start_(start),
       on_ended_(std::move(on_ended)),
       ring_(kAhead),
       thread_([this] { Decode(); }) {}
@@ -55,12 +57,13 @@ bool FileSource::Read(std::span<std::int16_t> block) {
 }
 
 std::chrono::milliseconds FileSource::Position() const {
-  return std::chrono::milliseconds(samples_played_ * 1000 / kSampleRate);
+  return start_ + std::chrono::milliseconds(samples_played_ * 1000 / kSampleRate);
 }
 
 void FileSource::Decode() {
   std::array<std::int16_t, kDecodeChunk> chunk;
-  while (WaitForRoom()) {
+  const bool there = start_.count() == 0 || decoder_->SkipTo(start_);
+  while (there && WaitForRoom()) {
     const std::size_t count = decoder_->Read(chunk);
     ring_.Push(std::span(chunk).first(count));
     if (count < chunk.size()) break;

@@ -21,8 +21,10 @@ namespace orven {
 /// takes the same memory.
 class FileSource : public AudioSource {
  public:
-  /// Starts decoding. `on_ended` is called on the device's thread when everything has been read.
-  FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::function<void()> on_ended);
+  /// Starts decoding at `start`, which is within the file, 0 being its beginning. `on_ended` is called
+  /// on the device's thread when everything has been read.
+  FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
+             std::function<void()> on_ended);
 
   /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
   ~FileSource() override;
@@ -37,7 +39,7 @@ class FileSource : public AudioSource {
   /// The decoding thread has done its last step. Any thread.
   bool Finished() const { return finished_.load(std::memory_order_acquire); }
 
-  /// How much sound the device has taken. Any thread.
+  /// Up to which place of the file the device has taken the sound. Any thread.
   std::chrono::milliseconds Position() const;
 
  private:
@@ -45,6 +47,7 @@ class FileSource : public AudioSource {
   bool WaitForRoom();
 
   std::unique_ptr<TelephoneDecoder> decoder_;
+  const std::chrono::milliseconds start_;
   std::function<void()> on_ended_;
   SampleRing ring_;
   std::atomic<std::int64_t> samples_played_{0};

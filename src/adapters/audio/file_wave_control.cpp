@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/audio/file_wave_control.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "adapters/audio/telephone_decoder.h"
@@ -82,20 +83,27 @@ std::int32_t FileWaveControl::PlayFile(const std::string& path, std::int32_t dev
   std::unique_ptr<TelephoneDecoder> decoder;
   if (const auto result = TelephoneDecoder::Open(path, decoder); result != kWaveOk) return result;
   ReleaseSource();
+  play_device_ = to;
+  play_path_ = path;
+  const std::int32_t result = StartSource(std::move(decoder), {});
+  playing_ = result == kWaveOk;
+  return result;
+}
+
+std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> decoder,
+                                          std::chrono::milliseconds start) {
   const std::uint64_t play = ++play_;
   auto tell = lifeline_.Bind([this, play] { Finished(play); });
-  auto source = std::make_unique<FileSource>(std::move(decoder),
+  auto source = std::make_unique<FileSource>(std::move(decoder), start,
                                              [&loop = loop_, tell = std::move(tell)] { loop.Post(tell); });
-  const std::int32_t result = to->StartPlay(*source);
-  if (result != kWaveOk) {
+  const std::int32_t result = play_device_->StartPlay(*source);
+  if (result == kWaveOk) {
+    source_ = std::move(source);
+  } else {
     source->Cancel();
     old_sources_.Add(std::move(source));
-    return result;
   }
-  source_ = std::move(source);
-  play_device_ = to;
-  playing_ = true;
-  return kWaveOk;
+  return result;
 }
 
 std::string FileWaveControl::PlayErrorText(std::int32_t code) const {
@@ -122,7 +130,17 @@ void FileWaveControl::Finished(std::uint64_t play) {
 }
 
 std::chrono::milliseconds FileWaveControl::Position() const {
-  return playing_ ? source_->Position() : std::chrono::milliseconds(0);
+  return playing_ && source_ ? source_->Position() : std::chrono::milliseconds(0);
+}
+
+void FileWaveControl::Seek(std::chrono::milliseconds position) {
+  std::unique_ptr<TelephoneDecoder> decoder;
+  if (!playing_ || TelephoneDecoder::Open(play_path_, decoder) != kWaveOk || !decoder->CanSkip()) return;
+  ReleaseSource();
+  const auto start = std::clamp(position, std::chrono::milliseconds(0), decoder->Length());
+  if (StartSource(std::move(decoder), start) == kWaveOk) return;
+  // The device has gone since the play started.
+  loop_.Post(lifeline_.Bind([this, play = play_] { Finished(play); }));
 }
 
 double FileWaveControl::FileLength(const std::string& path) const {

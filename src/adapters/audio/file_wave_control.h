@@ -18,7 +18,7 @@ namespace orven {
 /// The wave control over sound files: plays every WAV file that libsndfile reads (any rate is
 /// resampled, channels are mixed) and records PCM or mu-law WAV files.
 ///
-/// Files and the user-interface thread: PlayFile and FileLength open the file and read its header,
+/// Files and the user-interface thread: PlayFile, Seek and FileLength open the file and read its header,
 /// nothing more. StopRecordToFile renames a file that grew on the destination's file system; only where
 /// that cannot be, or when the recording was kept in memory, does it write the file there and wait for
 /// the disk. Everything else about files happens on threads of the control's own.
@@ -57,9 +57,11 @@ class FileWaveControl : public WaveControl {
   bool IsPlaying() const override { return playing_; }
   void StopPlay() override;
   std::chrono::milliseconds Position() const override;
+  void Seek(std::chrono::milliseconds position) override;
   double FileLength(const std::string& path) const override;
 
  private:
+  std::int32_t StartSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start);
   void ReleaseSource();
   void Finished(std::uint64_t play);
   Recording::Settings RecordSettings(const WaveFormat& format) const;
@@ -80,7 +82,8 @@ class FileWaveControl : public WaveControl {
   AudioDevice* monitor_device_ = nullptr;
 
   bool playing_ = false;
-  std::uint64_t play_ = 0;  ///< counts the plays, so that an old one's event is told from the present one's
+  std::string play_path_;
+  std::uint64_t play_ = 0;  ///< counts the sources, so that an old one's event is told from the present one's
   AudioDevice* play_device_ = nullptr;
   std::unique_ptr<FileSource>
       source_;  ///< stays with its device after the end, until something else is to be played

@@ -69,11 +69,22 @@ std::int32_t TelephoneDecoder::Open(const std::string& path, std::unique_ptr<Tel
 TelephoneDecoder::TelephoneDecoder(SoundFile file, const SF_INFO& info)
     : file_(std::move(file)),
       channels_(static_cast<std::size_t>(info.channels)),
+      frames_in_file_(info.frames),
+      rate_(info.samplerate),
+      seekable_(info.seekable != 0),
       ratio_(static_cast<double>(kSampleRate) / info.samplerate) {
   if (info.samplerate == kSampleRate || src_is_valid_ratio(ratio_) == 0) return;
   int error = 0;
   resampler_.reset(src_new(kConverter, 1, &error));
   input_.resize(kChunkFrames);
+}
+
+std::chrono::milliseconds TelephoneDecoder::Length() const {
+  return std::chrono::milliseconds(frames_in_file_ * 1000 / rate_);
+}
+
+bool TelephoneDecoder::SkipTo(std::chrono::milliseconds position) {
+  return sf_seek(file_.get(), position.count() * rate_ / 1000, SEEK_SET) >= 0;
 }
 
 std::size_t TelephoneDecoder::Read(std::span<std::int16_t> out) {

@@ -4,6 +4,7 @@
 #include <samplerate.h>
 #include <sndfile.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -33,6 +34,16 @@ class TelephoneDecoder {
   /// than the telephone's. `decoder` is set on kWaveOk.
   static std::int32_t Open(const std::string& path, std::unique_ptr<TelephoneDecoder>& decoder);
 
+  /// Whether SkipTo can be used.
+  bool CanSkip() const { return seekable_; }
+
+  /// Length of the file as its header tells it.
+  std::chrono::milliseconds Length() const;
+
+  /// Makes the next Read begin at `position`, which is within the file. False when that part of the
+  /// file cannot be read. Before the first Read only.
+  bool SkipTo(std::chrono::milliseconds position);
+
   /// Fills `out` from its beginning and returns how many samples it got: fewer than asked for at the
   /// end of the file, or where the rest of it cannot be read.
   std::size_t Read(std::span<std::int16_t> out);
@@ -49,6 +60,9 @@ class TelephoneDecoder {
 
   SoundFile file_;
   std::size_t channels_;
+  sf_count_t frames_in_file_;
+  int rate_;  ///< the file's, samples a second
+  bool seekable_;
   double ratio_;                                           ///< output rate / input rate
   std::unique_ptr<SRC_STATE, DeleteResampler> resampler_;  ///< none at the telephone's own rate
   std::vector<float> frames_;                              ///< interleaved, as read

@@ -111,5 +111,60 @@ TEST_F(Play, AFileThatShrinksOrGoesEndsWhereItEnds) {
   EXPECT_EQ(2, finished);
 }
 
+TEST_F(Play, SeekGoesOnThereAndFinishesOnce) {
+  const Samples whole = Noise(3 * kSecond);
+  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
+  control->Seek(2500ms);
+  EXPECT_EQ(2500ms, control->Position());
+  EXPECT_EQ(Samples(whole.begin() + 2500 * 8, whole.end()), line.PlayToEnd());
+  EXPECT_EQ(3000ms, control->Position());
+
+  control->Seek(-1s);  // the end's event is on its way; it is no longer true
+  loop.Run();
+  EXPECT_EQ(0, finished);
+  EXPECT_EQ(whole, line.PlayToEnd());
+  loop.Run();
+  EXPECT_EQ(1, finished);
+
+  control->Seek(1s);  // nothing plays
+  EXPECT_FALSE(line.Plays());
+  EXPECT_EQ(0ms, control->Position());
+}
+
+TEST_F(Play, SeekBeyondTheEndOrOnADeviceThatWentEndsThePlay) {
+  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
+  control->Seek(1h);
+  EXPECT_EQ(3000ms, control->Position());
+  EXPECT_EQ(Samples(), line.PlayToEnd());
+  loop.Run();
+  EXPECT_EQ(1, finished);
+
+  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
+  line.refuse = kWaveNoDevice;
+  control->Seek(1s);
+  loop.Run();
+  EXPECT_EQ(2, finished);
+  EXPECT_FALSE(control->IsPlaying());
+}
+
+TEST_F(Play, SeekInAFileThatIsGonePlaysOnAsItDid) {
+  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
+  std::filesystem::remove(greeting);
+  control->Seek(1s);
+  EXPECT_EQ(Noise(3 * kSecond), line.PlayToEnd());
+}
+
+TEST_F(Play, SeekFindsThePlaceAtAnyRate) {
+  const std::string path = folder / "music.wav";
+  auto sound = Sine(44100, 1000, 0.5, 2);
+  std::fill(sound.begin(), sound.begin() + 44100, 0.0F);
+  WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, sound);
+  ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine));
+  control->Seek(1s);
+  const Samples played = line.PlayToEnd();
+  EXPECT_NEAR(kSecond, static_cast<double>(played.size()), kBlock);
+  EXPECT_GT(FitSine(Samples(played.begin() + 800, played.end() - 800), 1000).snr, 60);
+}
+
 }  // namespace
 }  // namespace orven::testing
