@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/audio/waveform_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "adapters/audio/telephone_decoder.h"
+#include "platform/wave.h"
+
+namespace orven {
+namespace {
+
+/// Frames read at once: a few milliseconds' work, after which a newer request is looked for.
+constexpr std::size_t kChunkFrames = 16384;
+
+/// The loudest channel of one frame; what is no number in a damaged file counts as silence.
+float PeakOf(std::span<const float> frame) {
+  float peak = 0;
+  for (const float sample : frame)
+    if (std::isfinite(sample)) peak = std::max(peak, std::abs(sample));
+  return std::min(peak, 1.0F);
+}
+
+}  // namespace
+
+FileWaveformReader::~FileWaveformReader() {
+  {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+    ++newest_;
+  }
+  wake_.notify_one();
+  if (thread_.joinable()) thread_.join();
+}
+
+void FileWaveformReader::Request(const std::string& path, Done done) {
+  done_ = std::move(done);
+  {
+    const std::lock_guard lock(mutex_);
+    ++newest_;
+    next_ = path;
+  }
+  wake_.notify_one();
+  if (!thread_.joinable()) thread_ = std::thread([this] { Run(); });
+}
+
+void FileWaveformReader::Cancel() {
+  const std::lock_guard lock(mutex_);
+  ++newest_;
+  next_.reset();
+  done_ = nullptr;
+}
+
+void FileWaveformReader::Run() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [this] { return ending_ || next_; });
+    if (ending_) return;
+    const std::string path = *std::exchange(next_, std::nullopt);
+    const std::uint64_t request = newest_;
+    lock.unlock();
+    if (auto waveform = Read(path, request)) {
+      loop_.Post(lifeline_.Bind([this, request, waveform = *std::move(waveform)] {
+        if (request == newest_) std::exchange(done_, nullptr)(waveform);
+      }));
+    }
+    lock.lock();
+  }
+}
+
+/// Nothing when the request is no longer wanted.
+std::optional<Waveform> FileWaveformReader::Read(const std::string& path, std::uint64_t request) const {
+  Waveform waveform;
+  SoundFile file;
+  SF_INFO info;
+  if (OpenSoundFile(path, file, info) != kWaveOk || info.frames == 0) return waveform;
+  waveform.length = std::chrono::milliseconds(info.frames * 1000 / info.samplerate);
+  const auto count = std::min<std::int64_t>(info.frames, kPeaks);
+  waveform.peaks.resize(static_cast<std::size_t>(count));
+  const auto channels = static_cast<std::size_t>(info.channels);
+  std::vector<float> chunk(kChunkFrames * channels);
+  sf_count_t at = 0;
+  while (request == newest_) {
+    const sf_count_t got = sf_readf_float(file.get(), chunk.data(), kChunkFrames);
+    if (got <= 0) return waveform;
+    for (sf_count_t i = 0; i < got && at < info.frames; ++i, ++at) {
+      float& peak = waveform.peaks[static_cast<std::size_t>(at * count / info.frames)];
+      peak =
+          std::max(peak, PeakOf(std::span(chunk).subspan(static_cast<std::size_t>(i) * channels, channels)));
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace orven
