@@ -8,6 +8,8 @@
 namespace orven {
 namespace {
 
+constexpr const char* kGridLines = "GridLines";
+
 void Assign(Settings& settings, const SettingDefinition& definition, const std::string& text) {
   struct Converter {
     Settings& settings;
@@ -73,6 +75,14 @@ void SettingsStore::SetView(const PlacedWindow& window, bool hidden) {
                                          RegString("MeHeight", std::to_string(geometry.height))};
     registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
   });
+}
+
+bool SettingsStore::GetGridLines() {
+  return Value(kGridLines) != "0";
+}
+
+void SettingsStore::SetGridLines(bool on) {
+  Set(kGridLines, on ? "1" : "0");
 }
 
 void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count) {

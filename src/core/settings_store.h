@@ -46,6 +46,10 @@ class SettingsStore {
   /// in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
+  /// Whether the call list shows grid lines; it does until a person switches them off.
+  bool GetGridLines();
+  void SetGridLines(bool on);
+
   /// Writes one setting as text.
   void Set(const std::string& name, const std::string& text);
 

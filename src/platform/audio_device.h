@@ -22,6 +22,11 @@ class AudioSource {
   /// returns true; or returns false, leaving the block alone, when everything has been read. Called
   /// on the device's own thread every 20 ms: must not wait, touch a disk or call the device.
   virtual bool Read(std::span<std::int16_t> block) = 0;
+
+  /// The device has ended playing by itself (it was unplugged, its server died): Read will not be called
+  /// again. Called once at most, never after StopPlay or after Read returned false, on a thread of the
+  /// device's or the user-interface thread, with the same rules as Read.
+  virtual void Gone() {}
 };
 
 /// Where a recording device puts its samples.

@@ -31,6 +31,20 @@ class DatabaseControl {
 
   virtual std::int32_t RecordCount() = 0;
 
+  /// How many records hold `value` in `field`; throws 9 for an unknown field.
+  virtual std::int32_t CountRecords(std::string_view field, std::string_view value) = 0;
+
+  /// All fields of record `number` (1-based), as Query gives them; throws 9 when there is no such
+  /// record. The current record stays the same one.
+  virtual std::vector<std::string> Record(std::int32_t number) = 0;
+
+  /// What identifies record `number` as long as it exists, whatever its position becomes. Never 0; a
+  /// record added later has a greater one. Throws 9 when there is no such record.
+  virtual std::int64_t Identity(std::int32_t number) = 0;
+
+  /// Position of the record with that identity, 0 when there is none.
+  virtual std::int32_t Locate(std::int64_t identity) = 0;
+
   /// Column of a field in the query's records (0-based); throws 9 for an unknown field.
   virtual std::int32_t FieldIndex(std::string_view field) const = 0;
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "core/conversions.h"
 #include "core/error_trap.h"
 #include "platform/runtime_error.h"
 #include "records/call.h"
@@ -11,6 +10,9 @@
 
 namespace orven {
 namespace {
+
+/// "Read" of a call that has been seen or heard.
+constexpr const char* kIsRead = "1";
 
 CallIcon IconOf(bool message, bool read) {
   if (message) return read ? kReadMessage : kUnreadMessage;
@@ -35,10 +37,10 @@ struct Columns {
   std::size_t name, number, time, date, message, type, read;
 };
 
-CallRow RowOf(const std::vector<std::string>& record, const Columns& columns) {
+CallRow RowFrom(const std::vector<std::string>& record, const Columns& columns) {
   const bool message = record.at(columns.type) != kNoMessageType;
   CallRow row;
-  row.icon = IconOf(message, record.at(columns.read) == "1");
+  row.icon = IconOf(message, record.at(columns.read) == kIsRead);
   row.date = record.at(columns.date);
   row.time = record.at(columns.time);
   row.number = record.at(columns.number);
@@ -48,10 +50,6 @@ CallRow RowOf(const std::vector<std::string>& record, const Columns& columns) {
     row.key = record.at(columns.message);
   }
   return row;
-}
-
-bool IsUnread(const CallRow& row) {
-  return row.icon == kUnreadMessage || row.icon == kUnreadNoMessage;
 }
 
 }  // namespace
@@ -65,52 +63,107 @@ void CallList::RangeListTitle() {
 }
 
 void CallList::Clear() {
-  rows_.clear();
+  total_ = 0;
+  newest_ = 0;
   selected_ = 0;
-  view_.ShowRows(rows_);
+  marked_.clear();
+  view_.ShowRowCount(0);
+  selection_changed_();
 }
 
 void CallList::makeList() {
   const ErrorTrap trap(log_, "ErrmakeList ");
+  const auto shown = total_;
   new_calls_ = 0;
   total_ = 0;
-  RecordTable table;
-  trap([&] { table = DataBase1.Query(kGetAll); });
   trap([&] { total_ = DataBase1.RecordCount(); });
-  const auto selected = selected_;
-  rows_.clear();
-  trap([&] { Fill(table); });
-  new_calls_ = ToCount(static_cast<std::size_t>(std::count_if(rows_.begin(), rows_.end(), IsUnread)));
-  selected_ = std::min(selected, Count());
-  trap([&] { view_.ShowRows(rows_); });
+  trap([&] { new_calls_ = total_ - DataBase1.CountRecords(kRead, kIsRead); });
+  marked_.clear();
+  trap([&] { ShowRows(shown); });
+  trap([&] { KeepSelection(); });
   trap([&] { counts_.MakeSysTryBaloon(total_, new_calls_); });
 }
 
-void CallList::Fill(const RecordTable& table) {
-  const Columns columns(DataBase1);
-  rows_.reserve(table.records.size());
-  for (auto record = table.records.rbegin(); record != table.records.rend(); ++record) {
-    rows_.push_back(RowOf(*record, columns));
+/// Tells the view what became of the `shown` rows that it shows.
+void CallList::ShowRows(std::int32_t shown) {
+  if (total_ == 0) {
+    newest_ = 0;
+    return view_.ShowRowCount(0);
   }
+  const auto known = newest_ == 0 ? 0 : DataBase1.Locate(newest_);
+  newest_ = DataBase1.Identity(total_);
+  // Where the record that was the newest has not changed its number, all rows of before are there.
+  if (shown == 0 || known != shown) return view_.ShowRowCount(total_);
+  if (total_ > shown) view_.ShowRowsInserted(total_ - shown);
+  view_.ShowRowsChanged();
 }
 
-const CallRow& CallList::Row(std::int32_t index) const {
+void CallList::KeepSelection() {
+  if (selected_ == 0) return;
+  const auto row = RowOf(selected_call_);
+  const bool same_call = row > 0;
+  Remember(same_call ? row : std::min(selected_, total_));
+  view_.ShowSelection(selected_);
+  if (!same_call) selection_changed_();
+}
+
+void CallList::Remember(std::int32_t index) {
+  selected_ = index;
+  selected_call_ = index == 0 ? 0 : Identity(index);
+}
+
+void CallList::CheckIndex(std::int32_t index) const {
   if (index < 1 || index > Count()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
-  return rows_[static_cast<std::size_t>(index) - 1];
+}
+
+CallRow CallList::Row(std::int32_t index) const {
+  CheckIndex(index);
+  auto row = RowFrom(DataBase1.Record(RecordNumber(index)), Columns(DataBase1));
+  if (const auto mark = marked_.find(index); mark != marked_.end()) row.icon = mark->second;
+  return row;
+}
+
+std::int64_t CallList::Identity(std::int32_t index) const {
+  CheckIndex(index);
+  return DataBase1.Identity(RecordNumber(index));
+}
+
+std::int32_t CallList::RowOf(std::int64_t identity) const {
+  const auto record = DataBase1.Locate(identity);
+  return record == 0 || record > total_ ? 0 : total_ - record + 1;
 }
 
 void CallList::Select(std::int32_t index) {
-  Row(index);
-  selected_ = index;
+  FollowSelection(index);
   view_.ShowSelection(index);
+  view_.EnsureVisible(index);
+}
+
+void CallList::FollowSelection(std::int32_t index) {
+  const auto before = selected_call_;
+  Remember(index);
+  if (selected_call_ != before) selection_changed_();
 }
 
 void CallList::Mark(std::int32_t index, CallIcon icon, std::int32_t new_calls) {
-  Row(index);
-  rows_[static_cast<std::size_t>(index) - 1].icon = icon;
+  CheckIndex(index);
+  marked_[index] = icon;
   new_calls_ = std::max(0, new_calls_ + new_calls);
   view_.ShowIcon(index, icon);
   counts_.MakeSysTryBaloon(total_, new_calls_);
+}
+
+void CallList::Remove(std::int32_t index) {
+  CheckIndex(index);
+  const bool selected = index == selected_;
+  --total_;
+  marked_.clear();
+  newest_ = total_ == 0 ? 0 : DataBase1.Identity(total_);
+  view_.ShowRowRemoved(index);
+  if (index < selected_) --selected_;
+  Remember(std::min(selected_, total_));
+  view_.ShowSelection(selected_);
+  if (selected) selection_changed_();
 }
 
 }  // namespace orven

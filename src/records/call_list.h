@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -35,14 +37,28 @@ struct CallColumn {
   std::int32_t width;
 };
 
-/// Shows the list `ListView1`. Indexes are 1-based.
+/// Shows the list `ListView1`. Row indexes are 1-based. The view keeps no rows: it asks the list for
+/// those that can be seen, whenever it needs them.
 class CallListView {
  public:
   virtual ~CallListView() = default;
   virtual void ShowColumns(const std::vector<CallColumn>& columns) = 0;
-  virtual void ShowRows(const std::vector<CallRow>& rows) = 0;
+
+  /// The list has `count` rows and none of them is known to be one of before.
+  virtual void ShowRowCount(std::int32_t count) = 0;
+  /// `count` rows came in above all others; what a person looks at stays in sight.
+  virtual void ShowRowsInserted(std::int32_t count) = 0;
+  virtual void ShowRowRemoved(std::int32_t index) = 0;
+  /// What the rows show may have changed.
+  virtual void ShowRowsChanged() = 0;
   virtual void ShowIcon(std::int32_t index, CallIcon icon) = 0;
+
+  /// Selects a row, 0 for none, and does not scroll. This is no person's choice and calls nothing back.
   virtual void ShowSelection(std::int32_t index) = 0;
+  virtual void EnsureVisible(std::int32_t index) = 0;
+
+  /// Pops up `mnuRightClick`, or `mnuNoMessageRightClick` for a row without a message, where the mouse is.
+  virtual void PopUpMenu(bool message) = 0;
 };
 
 /// Shows how many calls there are, as the tray icon's tip.
@@ -52,12 +68,16 @@ class CallCountsView {
   virtual void MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) = 0;
 };
 
-/// The call list: one row per record, newest first, with a selection and the two counts. Row indexes
-/// are 1-based; row i of n shows record n - i + 1. User-interface thread.
+/// The call list: one row per record, newest first, with a selection and the two counts. Rows are read
+/// from the records when they are asked for, so that no operation takes longer for a long list. Row
+/// indexes are 1-based; row i of n shows record n - i + 1. User-interface thread.
 class CallList {
  public:
   CallList(DatabaseControl& database, SystemLog& log, CallListView& view, CallCountsView& counts)
       : DataBase1(database), log_(log), view_(view), counts_(counts) {}
+
+  /// Called whenever another row, or none, has become the selected one.
+  void SetSelectionListener(std::function<void()> listener) { selection_changed_ = std::move(listener); }
 
   /// Builds the six columns.
   void RangeListTitle();
@@ -65,40 +85,58 @@ class CallList {
   /// Empties the list without touching the records.
   void Clear();
 
-  /// Rebuilds all rows and both counts from the records. The selection stays on the row number it
-  /// had, or on the last row when there are fewer.
+  /// Brings rows and counts in line with the records. The selection stays on its call; when that is
+  /// gone, on the row number it had, or on the last row when there are fewer.
   void makeList();
 
-  std::int32_t Count() const { return static_cast<std::int32_t>(rows_.size()); }
+  std::int32_t Count() const { return total_; }
   std::int32_t Total() const { return total_; }
   std::int32_t NewCalls() const { return new_calls_; }
 
   /// The record behind a row.
   std::int32_t RecordNumber(std::int32_t index) const { return Count() - index + 1; }
 
-  /// Throws RuntimeError 9 when there is no such row.
-  const CallRow& Row(std::int32_t index) const;
+  /// Throws RuntimeError 9 when there is no such row; what the records throw.
+  CallRow Row(std::int32_t index) const;
+
+  /// What identifies the call behind a row as long as it exists; throws as Row.
+  std::int64_t Identity(std::int32_t index) const;
+  /// The row of that call, 0 when it is gone.
+  std::int32_t RowOf(std::int64_t identity) const;
 
   /// The selected row, 0 for none.
   std::int32_t Selected() const { return selected_; }
 
-  /// Selects a row; throws RuntimeError 9, leaving the selection, when there is no such row.
+  /// Selects a row and brings it into view; throws RuntimeError 9, leaving the selection, when there
+  /// is no such row.
   void Select(std::int32_t index);
+
+  /// A person has selected the row in the view, which shows it already.
+  void FollowSelection(std::int32_t index);
 
   /// Gives a row another icon and moves the new-call count by `new_calls` (never below 0).
   void Mark(std::int32_t index, CallIcon icon, std::int32_t new_calls);
 
+  /// The record behind the row has been deleted: the row goes. makeList follows.
+  void Remove(std::int32_t index);
+
  private:
-  void Fill(const RecordTable& table);
+  void ShowRows(std::int32_t shown);
+  void KeepSelection();
+  void Remember(std::int32_t index);
+  void CheckIndex(std::int32_t index) const;
 
   DatabaseControl& DataBase1;
   SystemLog& log_;
   CallListView& view_;
   CallCountsView& counts_;
-  std::vector<CallRow> rows_;
+  std::function<void()> selection_changed_ = [] {};
   std::int32_t total_ = 0;
   std::int32_t new_calls_ = 0;
   std::int32_t selected_ = 0;
+  std::int64_t newest_ = 0;                  ///< identity of row 1
+  std::int64_t selected_call_ = 0;           ///< identity of the selected row
+  std::map<std::int32_t, CallIcon> marked_;  ///< rows whose icon is not what their record says
 };
 
 }  // namespace orven

@@ -98,7 +98,9 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
     ports_.DataBase1.Delete();
   });
   // A record that is still there keeps its message.
-  if (!deleted || key.empty()) return;
+  if (!deleted) return;
+  trap([&] { list_.Remove(index); });
+  if (key.empty()) return;
   trap([&] { StopPlayerOn(key); });
   trap([&] { ports_.files.Delete(shared_.messages_path + key); });
 }

@@ -8,22 +8,30 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       log(ports.clock, ports.files, ports.loop, settings, shared),
       store(ports.registry, log, settings, shared),
       quick_options(store, log, settings, shared),
-      ListView1(ports.DataBase1, log, views.list, views.tray),
-      calls({ports.DataBase1, ports.files, ports.Wave1, ports.dialogs, views.player, log, log}, ListView1,
-            settings, shared),
+      tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
+      ListView1(ports.DataBase1, log, views.list, tray),
+      player({ports.loop, ports.WavePlay, ports.waveforms, views.player, log}, ListView1, settings, shared,
+             [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
+      calls({ports.DataBase1, ports.files, ports.Wave1, ports.dialogs, player, log, log}, ListView1, settings,
+            shared),
+      sounds(ports.WavePlay, player, settings, log),
+      greetings(ports.files, player, sounds, views.boxes, shared),
+      list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings, shared,
+                     [this] { return call.in_progress && call.remote_playback; }}),
       line({ports.Tapi1, ports.dialogs, log, views.line}, store, settings),
       context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line},
       control(context),
       recorder({ports.clock, ports.loop, ports.files}, context, control),
       remote(context, control, recorder, ListView1, views.line),
       greeter(context, control, recorder, remote),
-      after_call({views.caller_view, views.sounds, views.tray, views.actions}, calls, ListView1, log,
-                 settings, shared, [this] { return window_hidden; }),
+      after_call({views.caller_view, sounds, tray, views.actions}, calls, ListView1, log, settings, shared,
+                 [this] { return window_hidden; }),
       sequence(context,
                {control, greeter, recorder, remote, after_call, views.line, views.caller_view, ports.clock}),
       ports_(ports) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&greeter);
+  ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
 
 AnsweringMachine::~AnsweringMachine() {

@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <functional>
-
 #include "core/settings_store.h"
 #include "log/log_files.h"
+#include "notify/desk_sounds.h"
+#include "notify/tray_icon.h"
 #include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "platform/mouse.h"
 #include "platform/registry.h"
+#include "platform/shell.h"
 #include "platform/telephony.h"
 #include "platform/wave.h"
+#include "platform/waveform.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
+#include "records/list_commands.h"
+#include "records/local_player.h"
+#include "shell/greeting_commands.h"
 #include "shell/main_window_view.h"
 #include "shell/quick_options.h"
 #include "telephony/call_sequence.h"
@@ -28,10 +34,13 @@ struct EnginePorts {
   Files& files;
   Registry& registry;
   Dialogs& dialogs;
+  Shell& shell;
+  Mouse& mouse;
   DatabaseControl& DataBase1;
   TelephonyControl& Tapi1;
   WaveControl& Wave1;     ///< the line
   WaveControl& WavePlay;  ///< the sound card
+  WaveformReader& waveforms;
 };
 
 /// The engine, composed: all run-time state of the main window and the classes that work on it, in
@@ -53,8 +62,13 @@ class AnsweringMachine {
   LogFiles log;
   SettingsStore store;
   QuickOptions quick_options;
+  TrayIcon tray;
   CallList ListView1;
+  LocalPlayer player;
   CallStore calls;
+  DeskSounds sounds;
+  GreetingCommands greetings;
+  ListCommands list_commands;
   LineManager line;
   CallContext context;
   CallControl control;

@@ -7,6 +7,8 @@
 namespace orven {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr int kMostRings = 20;
 
 // Extended styles of a list view: LVS_EX_FULLROWSELECT and LVS_EX_GRIDLINES.
@@ -15,20 +17,32 @@ constexpr std::uint32_t kRowSelectAndGrid = 0x21;
 // Toolbar style TBSTYLE_FLAT.
 constexpr std::uint32_t kFlat = 0x800;
 
+constexpr auto kClockInterval = 1s;
+
+/// A desktop that is just starting shows its notification area within this time.
+constexpr auto kTrayPatience = 15s;
+
 }  // namespace
 
 MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& shared,
-                       const OperatingSystem& system, std::function<void()> end_process)
+                       const OperatingSystem& system, DialogFactory& dialogs,
+                       std::function<void()> end_process)
     : ports_(ports),
       views_(views),
       system_(system),
       end_process_(std::move(end_process)),
-      machine_(ports, views, shared) {}
+      machine_(ports, views, shared),
+      commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.shell, shared,
+                 [this](bool on) { on ? TurnOn() : TurnOff(); }}),
+      TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })) {}
 
 void MainWindow::LoadHidden() {
   machine_.window_hidden = true;
   Load();
   StartUp();
+  ports_.loop.After(kTrayPatience, lifeline_.Bind([this] {
+    if (machine_.window_hidden && !ended_ && !ports_.shell.HasNotificationArea()) PutAway();
+  }));
 }
 
 void MainWindow::Show() {
@@ -45,16 +59,19 @@ void MainWindow::Load() {
     for (int count = 1; count <= kMostRings; ++count) rings.push_back(std::to_string(count));
     views_.boxes.FillRings(rings);
   });
+  machine_.line.ShowMonitoring();
   ReadSettings();
-  trap([&] {
-    views_.frame.SetListStyle(kRowSelectAndGrid, views_.frame.GridLines() ? kRowSelectAndGrid : 0);
-  });
+  trap([&] { views_.frame.ShowQuickToolbar(machine_.settings.pQuickToolbar != 0); });
+  trap([&] { views_.frame.SetGridLines(machine_.store.GetGridLines()); });
+  trap([&] { ShowListStyle(); });
   machine_.ListView1.RangeListTitle();
   trap([&] { views_.boxes.ShowRings(machine_.settings.NumOfRing); });
-  trap([&] { FillGreetings(); });
+  trap([&] { machine_.greetings.Fill(machine_.settings.Greeting); });
   trap([&] { views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0); });
   trap([&] { ports_.Wave1.SetRecordToDisk(true); });
-  trap([&] { views_.frame.SetSliderRange(0, 100); });
+  trap([&] { views_.player.SetSliderRange(0, LocalPlayer::kSliderLast); });
+  trap([&] { ShowClock(); });
+  TimerPannel_->Start(kClockInterval);
   machine_.log.WriteSystem("Load ORVEN");
   machine_.log.WriteCalls("Load ORVEN");
   trap([&] {
@@ -71,11 +88,19 @@ void MainWindow::ReadSettings() {
   store.GetAppOptions([this](std::int16_t count) { views_.boxes.ShowRings(count); });
 }
 
-void MainWindow::FillGreetings() {
-  constexpr std::size_t kExtension = 4;  // ".wav"
-  auto names = ports_.files.List(machine_.shared.InApplicationFolder("\\Greets\\"), "*.wav");
-  for (auto& name : names) name.resize(name.size() - kExtension);
-  views_.boxes.FillGreetings(names, machine_.settings.Greeting);
+void MainWindow::ShowListStyle() {
+  views_.frame.SetListStyle(kRowSelectAndGrid, views_.frame.GridLines() ? kRowSelectAndGrid : 0);
+}
+
+void MainWindow::ChangeGridLines() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { ShowListStyle(); });
+  trap([&] { machine_.store.SetGridLines(views_.frame.GridLines()); });
+}
+
+void MainWindow::ShowClock() {
+  const auto now = ports_.clock.Now();
+  views_.clock.ShowClock(ports_.clock.TimeText(now), ports_.clock.DateText(now));
 }
 
 void MainWindow::StartUp() {
@@ -90,9 +115,9 @@ void MainWindow::StartUp() {
   trap([&] {
     if (!machine_.line.SelectModemDevice()) return;
     machine_.line.OpenLine(machine_.settings.Modem);
-    views_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
+    machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
   });
-  trap([&] { views_.frame.EnableSlider(false); });
+  trap([&] { views_.player.EnableSlider(false); });
 }
 
 void MainWindow::SetToolbarStyles() {
@@ -112,7 +137,7 @@ bool MainWindow::Unload() {
   if (!exiting_) {
     machine_.window_hidden = true;
     machine_.store.SetView(views_.frame, machine_.window_hidden);
-    trap([&] { views_.frame.Hide(); });
+    trap([&] { PutAway(); });
     return false;
   }
   trap([&] { views_.frame.CloseOtherWindows(); });
@@ -125,7 +150,7 @@ bool MainWindow::Unload() {
   machine_.log.WriteSystem("Unload ORVEN");
   machine_.log.WriteCalls("Unload ORVEN");
   machine_.store.SetView(views_.frame, machine_.window_hidden);
-  trap([&] { views_.tray.ShowNothing(); });
+  machine_.tray.ShowNothing();
   return true;
 }
 
@@ -146,10 +171,53 @@ void MainWindow::Exit() {
 
 void MainWindow::TurnOn() {
   machine_.line.OpenLine(machine_.settings.Modem);
+  // The button shows what is, also where there was no line to open.
+  views_.line.ShowLine(machine_.line.LineOn());
 }
 
 void MainWindow::TurnOff() {
   machine_.line.CloseLine(machine_.settings.Modem);
+}
+
+void MainWindow::Hide() {
+  const auto trap = ErrorTrap::Silent();
+  machine_.window_hidden = true;
+  trap([&] { views_.frame.Minimise(); });
+  trap([&] { PutAway(); });
+}
+
+/// Hides the window where an icon can bring it back, else only minimises it.
+void MainWindow::PutAway() {
+  if (ports_.shell.HasNotificationArea()) return views_.frame.Hide();
+  views_.frame.Minimise();
+  machine_.log.WriteSystem("No notification area: the window is minimised, not hidden");
+}
+
+void MainWindow::Open() {
+  const auto trap = ErrorTrap::Silent();
+  machine_.window_hidden = false;
+  trap([&] { views_.frame.Restore(); });
+}
+
+void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
+  machine_.tray.MouseMove(x, twips_per_pixel, *this);
+}
+
+void MainWindow::RestoreFromTray() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { views_.frame.Restore(); });
+  CameBack();
+}
+
+void MainWindow::CameBack() {
+  machine_.window_hidden = false;
+  machine_.tray.StopBlinking();
+  machine_.tray.MakeSysTryBaloon(machine_.ListView1.Total(), machine_.ListView1.NewCalls());
+}
+
+void MainWindow::PopUpTrayMenu() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { views_.frame.PopUpTrayMenu(); });
 }
 
 }  // namespace orven

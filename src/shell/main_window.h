@@ -2,20 +2,22 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "core/entry_routine.h"
 #include "platform/operating_system.h"
 #include "shell/answering_machine.h"
+#include "shell/main_commands.h"
 
 namespace orven {
 
-/// The engine half of the main window `frmMain`: its Load handler, start-up step, Unload handler and
-/// exit commands. User-interface thread.
-class MainWindow : public MainWindowStart {
+/// The engine half of the main window `frmMain`: its Load handler, start-up step, Unload handler, exit
+/// commands, and what the tray does to it. User-interface thread.
+class MainWindow : public MainWindowStart, private TrayOwner {
  public:
   /// `end_process` ends the program; it is called once, after everything has been closed.
   MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& shared, const OperatingSystem& system,
-             std::function<void()> end_process);
+             DialogFactory& dialogs, std::function<void()> end_process);
 
   void LoadHidden() override;
   void Show() override;
@@ -31,26 +33,50 @@ class MainWindow : public MainWindowStart {
   void TurnOn();
   void TurnOff();
 
+  /// `mnuHide`: minimises the window and hides it.
+  void Hide();
+
+  /// `mnuOpen`: shows the window again; the icon goes on blinking if it does.
+  void Open();
+
+  /// The shell's mouse message (514 the left button was released, 517 the right one) as the X
+  /// coordinate of a mouse move in twips.
+  void TrayMouseMove(double x, double twips_per_pixel);
+
+  /// A person has brought the window back without the tray (where it could only be minimised).
+  void CameBack();
+
+  /// `Check1` was clicked.
+  void ChangeGridLines();
+
   /// An exit command has been carried out; nothing is left to wait for.
   bool Ended() const { return ended_; }
 
   AnsweringMachine& Machine() { return machine_; }
+  MainCommands& Commands() { return commands_; }
 
  private:
   void Load();
   void StartUp();
   void ReadSettings();
-  void FillGreetings();
+  void ShowListStyle();
+  void ShowClock();
   void SetToolbarStyles();
   void StopSounds();
+  void PutAway();
+  void RestoreFromTray() override;
+  void PopUpTrayMenu() override;
 
   EnginePorts ports_;
   MainWindowViews views_;
   const OperatingSystem& system_;
   std::function<void()> end_process_;
   AnsweringMachine machine_;
+  MainCommands commands_;
+  std::unique_ptr<Timer> TimerPannel_;
   bool exiting_ = false;
   bool ended_ = false;
+  Lifeline lifeline_;
 };
 
 }  // namespace orven

@@ -7,7 +7,7 @@
 
 #include "core/settings_store.h"
 #include "records/call_list.h"
-#include "records/call_store.h"
+#include "records/local_player.h"
 #include "telephony/call_effects.h"
 
 namespace orven {
@@ -20,41 +20,54 @@ class QuickOptionBoxes {
   /// Fills `cmbRings`.
   virtual void FillRings(const std::vector<std::string>& texts) = 0;
   virtual void ShowRings(std::int16_t count) = 0;
-  /// Fills `cmbDefGreet` with greeting names and selects `selected` when it is among them.
+  /// Fills `cmbDefGreet` and selects `selected` when it is among the names, else the first one.
   virtual void FillGreetings(const std::vector<std::string>& names, const std::string& selected) = 0;
+  /// The text in `cmbDefGreet`; empty when it is empty.
+  virtual std::string SelectedGreeting() const = 0;
   /// Checks or clears `chkRecMessage`.
   virtual void ShowRecordMessage(bool on) = 0;
 };
 
-/// The window itself: what start-up and exit do to it.
+/// The window itself: what start-up, the tray and exit do to it.
 class WindowFrame : public PlacedWindow {
  public:
   enum class Toolbar { Toolbar1, ToolBarPlayer, TBQuickOption };
 
-  /// Style bits of a toolbar's child window.
+  /// Style bits of a toolbar's child window; TBSTYLE_FLAT (0x800) is the one that can be seen.
   virtual std::uint32_t ToolbarStyle(Toolbar toolbar) const = 0;
   virtual void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) = 0;
 
-  /// `Check1`: the list shows grid lines.
+  /// Shows or hides the whole toolbar `TBQuickOption`.
+  virtual void ShowQuickToolbar(bool on) = 0;
+
+  /// `Check1`: the list shows grid lines. Setting it calls nothing back.
   virtual bool GridLines() const = 0;
-  /// Sets those extended style bits of the call list that are in `mask` to the ones in `style`.
+  virtual void SetGridLines(bool on) = 0;
+  /// Sets those extended style bits of the call list that are in `mask` to the ones in `style`:
+  /// 0x1 grid lines, 0x20 full-row select.
   virtual void SetListStyle(std::uint32_t mask, std::uint32_t style) = 0;
 
-  virtual void SetSliderRange(std::int32_t first, std::int32_t last) = 0;
-  virtual void EnableSlider(bool on) = 0;
+  virtual std::uintptr_t Handle() const = 0;
 
   virtual void Show() = 0;
   virtual void Hide() = 0;
+  virtual void Minimise() = 0;
+  /// Window state normal, shown, in front of the others.
+  virtual void Restore() = 0;
+
+  /// Pops up `mnuSystry` where the mouse is.
+  virtual void PopUpTrayMenu() = 0;
 
   /// Closes the caller view and the log viewer if they are loaded.
   virtual void CloseOtherWindows() = 0;
 };
 
-/// The tray icon as the main window knows it.
-class TrayIcon : public CallCountsView, public TrayBlinker {
+/// The clock in the status bar.
+class ClockPanels {
  public:
-  /// Shows the empty picture: the program is ending.
-  virtual void ShowNothing() = 0;
+  virtual ~ClockPanels() = default;
+  /// Second and third panel of `StatusBar1`.
+  virtual void ShowClock(const std::string& time, const std::string& date) = 0;
 };
 
 /// All of the main window that the engine talks to.
@@ -63,25 +76,18 @@ struct MainWindowViews {
   QuickOptionBoxes& boxes;
   WindowFrame& frame;
   CallListView& list;
-  TrayIcon& tray;
+  PlayerView& player;
+  ClockPanels& clock;
   CallerView& caller_view;
-  EventSounds& sounds;
   CallActions& actions;
-  MessagePlayer& player;
 };
 
-/// A main window that is all of its views in one object.
+/// A main window in one object.
 class WholeMainWindow : public LineView,
                         public QuickOptionBoxes,
                         public WindowFrame,
                         public CallListView,
-                        public TrayIcon,
-                        public CallerView,
-                        public EventSounds,
-                        public CallActions,
-                        public MessagePlayer {
- public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
-};
+                        public PlayerView,
+                        public ClockPanels {};
 
 }  // namespace orven

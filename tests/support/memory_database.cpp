@@ -19,7 +19,7 @@ std::string MemoryDatabase::Field(std::size_t record, std::string_view field) co
 }
 
 void MemoryDatabase::Add(const std::map<std::string, std::string>& fields) {
-  Record record(kCallFields.size());
+  Fields record(kCallFields.size());
   for (const auto& [field, value] : fields) record.at(static_cast<std::size_t>(FieldIndex(field))) = value;
   records_.push_back(std::move(record));
 }
@@ -34,14 +34,39 @@ RecordTable MemoryDatabase::Query(std::string_view query) {
   return {records_};
 }
 
+std::size_t MemoryDatabase::At(std::int32_t number) const {
+  if (number < 1 || static_cast<std::size_t>(number) > records_.size()) {
+    throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+  }
+  return static_cast<std::size_t>(number) - 1;
+}
+
+const std::vector<std::int64_t>& MemoryDatabase::Identities() {
+  identities_.resize(std::min(identities_.size(), records_.size()));
+  while (identities_.size() < records_.size()) identities_.push_back(++last_identity_);
+  return identities_;
+}
+
+std::int32_t MemoryDatabase::CountRecords(std::string_view field, std::string_view value) {
+  const auto column = static_cast<std::size_t>(FieldIndex(field));
+  return static_cast<std::int32_t>(
+      std::ranges::count_if(records_, [&](const Fields& record) { return record.at(column) == value; }));
+}
+
+std::int32_t MemoryDatabase::Locate(std::int64_t identity) {
+  const auto& all = Identities();
+  const auto found = std::ranges::find(all, identity);
+  return found == all.end() ? 0 : static_cast<std::int32_t>(found - all.begin()) + 1;
+}
+
 void MemoryDatabase::MoveTo(std::int32_t number) {
-  if (number < 1 || number > RecordCount()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+  At(number);
   current_ = number;
   edited_.reset();
 }
 
 void MemoryDatabase::AddNew() {
-  edited_ = Record(kCallFields.size());
+  edited_ = Fields(kCallFields.size());
   adding_ = true;
 }
 
@@ -79,12 +104,15 @@ void MemoryDatabase::Update() {
 void MemoryDatabase::Delete() {
   if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
   before_write();
+  Identities();
+  identities_.erase(identities_.begin() + current_ - 1);
   records_.erase(records_.begin() + current_ - 1);
   current_ = 0;
 }
 
 void MemoryDatabase::DeleteAll() {
   before_write();
+  identities_.clear();
   records_.clear();
   current_ = 0;
 }

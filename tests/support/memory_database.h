@@ -13,7 +13,7 @@ namespace orven::test {
 /// Call records in memory.
 class MemoryDatabase : public DatabaseControl {
  public:
-  using Record = std::vector<std::string>;
+  using Fields = std::vector<std::string>;
 
   /// Called before each operation that changes records; throws what the operation shall throw.
   std::function<void()> before_write = [] {};
@@ -21,7 +21,7 @@ class MemoryDatabase : public DatabaseControl {
   std::string opened_path;
   int writes = 0;
 
-  std::vector<Record>& Records() { return records_; }
+  std::vector<Fields>& Records() { return records_; }
   /// A field of a record, both as the program names them.
   std::string Field(std::size_t record, std::string_view field) const;
   /// Adds a record; fields that are not given are empty.
@@ -30,6 +30,10 @@ class MemoryDatabase : public DatabaseControl {
   std::string Open(const std::string& path) override;
   RecordTable Query(std::string_view query) override;
   std::int32_t RecordCount() override { return static_cast<std::int32_t>(records_.size()); }
+  std::int32_t CountRecords(std::string_view field, std::string_view value) override;
+  std::vector<std::string> Record(std::int32_t number) override { return records_.at(At(number)); }
+  std::int64_t Identity(std::int32_t number) override { return Identities().at(At(number)); }
+  std::int32_t Locate(std::int64_t identity) override;
   std::int32_t FieldIndex(std::string_view field) const override;
   void MoveTo(std::int32_t number) override;
   void MoveFirst() override { MoveTo(1); }
@@ -46,9 +50,14 @@ class MemoryDatabase : public DatabaseControl {
   void DeleteAll() override;
 
  private:
-  std::vector<Record> records_;
+  std::size_t At(std::int32_t number) const;
+  const std::vector<std::int64_t>& Identities();
+
+  std::vector<Fields> records_;
+  std::vector<std::int64_t> identities_;  ///< follows records_ when it is looked at
+  std::int64_t last_identity_ = 0;
   std::int32_t current_ = 0;
-  std::optional<Record> edited_;
+  std::optional<Fields> edited_;
   bool adding_ = false;
 };
 

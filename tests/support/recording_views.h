@@ -7,14 +7,20 @@
 #include <vector>
 
 #include "platform/dialogs.h"
+#include "platform/mouse.h"
 #include "platform/operating_system.h"
+#include "platform/shell.h"
+#include "platform/waveform.h"
+#include "shell/dialog_factory.h"
 #include "shell/main_window_view.h"
 
 namespace orven::test {
 
 /// Every view of the main window at once. It shows nothing and remembers everything.
-class RecordingViews : public WholeMainWindow {
+class RecordingViews : public WholeMainWindow, public CallerView, public CallActions {
  public:
+  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this}; }
+
   // The line.
   std::vector<std::string> statuses;
   bool line_on = false;
@@ -33,11 +39,14 @@ class RecordingViews : public WholeMainWindow {
     greetings = names;
     selected_greeting = selected;
   }
+  std::string SelectedGreeting() const override { return selected_greeting; }
   void ShowRecordMessage(bool on) override { shown_record = on; }
 
   // The window.
   WindowGeometry geometry{100, 200, 9000, 6000, 0};
-  bool grid_lines = false, slider_enabled = true, shown = false, others_closed = false;
+  bool grid_lines = false, shown = false, minimised = false, others_closed = false;
+  bool quick_toolbar = false;
+  int tray_menus = 0;
   std::uint32_t list_style = 0;
   std::map<Toolbar, std::uint32_t> toolbar_styles;
   WindowGeometry Geometry() const override { return geometry; }
@@ -46,39 +55,65 @@ class RecordingViews : public WholeMainWindow {
     return toolbar_styles.contains(toolbar) ? toolbar_styles.at(toolbar) : 0;
   }
   void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) override { toolbar_styles[toolbar] = style; }
+  void ShowQuickToolbar(bool on) override { quick_toolbar = on; }
   bool GridLines() const override { return grid_lines; }
+  void SetGridLines(bool on) override { grid_lines = on; }
   void SetListStyle(std::uint32_t mask, std::uint32_t style) override {
     list_style = (list_style & ~mask) | (style & mask);
   }
-  void SetSliderRange(std::int32_t /*first*/, std::int32_t /*last*/) override {}
-  void EnableSlider(bool on) override { slider_enabled = on; }
+  std::uintptr_t Handle() const override { return 4711; }
   void Show() override { shown = true; }
   void Hide() override { shown = false; }
+  void Minimise() override { minimised = true; }
+  void Restore() override {
+    shown = true;
+    minimised = false;
+  }
+  void PopUpTrayMenu() override { ++tray_menus; }
   void CloseOtherWindows() override {
     others_closed = true;
     view_open = false;
   }
 
-  // The list.
+  // The list, kept up to date from what the view is told alone.
+  const CallList* list = nullptr;
   std::vector<CallColumn> columns;
   std::vector<CallRow> rows;
-  std::vector<std::int32_t> selections;
+  std::int32_t selection = 0;
+  int rebuilds = 0;
+  std::vector<bool> menus;  ///< each with or without a message
   void ShowColumns(const std::vector<CallColumn>& shown_columns) override { columns = shown_columns; }
-  void ShowRows(const std::vector<CallRow>& shown_rows_now) override { rows = shown_rows_now; }
-  void ShowIcon(std::int32_t index, CallIcon icon) override {
-    rows.at(static_cast<std::size_t>(index) - 1).icon = icon;
+  void ShowRowCount(std::int32_t count) override {
+    ++rebuilds;
+    rows.clear();
+    ShowRowsInserted(count);
   }
-  void ShowSelection(std::int32_t index) override { selections.push_back(index); }
+  void ShowRowsInserted(std::int32_t count) override {
+    for (std::int32_t row = count; row > 0; --row) rows.insert(rows.begin(), list->Row(row));
+  }
+  void ShowRowRemoved(std::int32_t index) override { rows.erase(rows.begin() + index - 1); }
+  void ShowRowsChanged() override {
+    for (std::int32_t row = 1; row <= list->Count(); ++row) rows.at(At(row)).icon = list->Row(row).icon;
+  }
+  void ShowIcon(std::int32_t index, CallIcon icon) override { rows.at(At(index)).icon = icon; }
+  void ShowSelection(std::int32_t index) override { selection = index; }
+  void EnsureVisible(std::int32_t /*index*/) override {}
+  void PopUpMenu(bool message) override { menus.push_back(message); }
 
-  // The tray.
-  bool blinking = false, nothing_shown = false;
-  std::int32_t total = -1, new_calls = -1;
-  void MakeSysTryBaloon(std::int32_t all, std::int32_t unread) override {
-    total = all;
-    new_calls = unread;
+  // The player and the clock.
+  bool slider_enabled = true;
+  std::int32_t slider = -1;
+  Waveform waveform;
+  std::string clock_time, clock_date;
+  void SetSliderRange(std::int32_t /*first*/, std::int32_t /*last*/) override {}
+  void EnableSlider(bool on) override { slider_enabled = on; }
+  void ShowSlider(std::int32_t value) override { slider = value; }
+  void ShowWaveform(const Waveform& picture) override { waveform = picture; }
+  void ShowProgress(std::chrono::milliseconds /*position*/, std::chrono::milliseconds /*length*/) override {}
+  void ShowClock(const std::string& time, const std::string& date) override {
+    clock_time = time;
+    clock_date = date;
   }
-  void StartBlinking() override { blinking = true; }
-  void ShowNothing() override { nothing_shown = true; }
 
   // What a call sets off, in order: "view", "view:New Call", "sound:/…", "action:Mail".
   std::vector<std::string> effects;
@@ -97,25 +132,63 @@ class RecordingViews : public WholeMainWindow {
   void HideControl() override { Effect("view:no commands"); }
   void ShowMessage(const std::string& text) override { Effect("view:" + text); }
   void ShowCall(const Call& call) override { view_call = call; }
-  void PlayWave(const std::string& path) override { Effect("sound:" + path); }
   void DoActions(const std::string& kind, Call& /*call*/) override { Effect("action:" + kind); }
-
-  // The player.
-  std::string held_file;
-  bool playing = false;
-  int stops = 0;
-  bool IsPlaying() const override { return playing; }
-  void Stop() override {
-    playing = false;
-    ++stops;
-  }
-  std::string HeldFile() const override { return held_file; }
-
- private:
   void Effect(const std::string& effect) {
     effects.push_back(effect);
     on_effect(effect);
   }
+
+ private:
+  static std::size_t At(std::int32_t index) { return static_cast<std::size_t>(index) - 1; }
+};
+
+/// A desktop with a notification area that has room for one icon.
+class ScriptedShell : public Shell {
+ public:
+  bool notification_area = true;
+  bool icon_there = false;
+  NotifyIconData icon;
+  std::vector<NotifyRequest> requests;
+  std::vector<std::string> opened;
+  bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) override {
+    requests.push_back(request);
+    const bool done = (request == NotifyRequest::Add) != icon_there;
+    icon_there = true;
+    if (done) icon = data;
+    return done;
+  }
+  bool HasNotificationArea() const override { return notification_area; }
+  bool Open(const std::string& target) override {
+    opened.push_back(target);
+    return true;
+  }
+};
+
+class ScriptedMouse : public Mouse {
+ public:
+  bool swapped = false;
+  std::vector<MouseKey> down;
+  bool ButtonsSwapped() const override { return swapped; }
+  bool IsDown(MouseKey button) const override { return std::ranges::count(down, button) > 0; }
+};
+
+/// Draws nothing: a test says when a picture is ready.
+class ScriptedWaveforms : public WaveformReader {
+ public:
+  std::string path;
+  Done done;
+  void Request(const std::string& file, Done when_done) override {
+    path = file;
+    done = std::move(when_done);
+  }
+  void Cancel() override { path.clear(); }
+};
+
+class RecordingDialogFactory : public DialogFactory {
+ public:
+  std::vector<std::pair<Dialog, int>> opened;
+  bool Offers(Dialog dialog) const override { return dialog != Dialog::frmAbout; }
+  void Open(Dialog dialog, int tab) override { opened.emplace_back(dialog, tab); }
 };
 
 /// Answers every dialog from what a test has set, and remembers the texts.
@@ -130,7 +203,13 @@ class ScriptedDialogs : public Dialogs {
     informations.push_back(text);
     while_open();
   }
-  bool Confirm(const std::string& /*text*/) override { return false; }
+  bool yes = false;
+  std::vector<std::string> questions;
+  bool Confirm(const std::string& text) override {
+    questions.push_back(text);
+    while_open();
+    return yes;
+  }
   std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                     const std::string& name) override {
     save_title = title;

@@ -63,6 +63,7 @@ std::int32_t TimedWave::StartMonitor(std::int32_t device, const WaveFormat& /*fo
 
 std::int32_t TimedWave::PlayFile(const std::string& path, std::int32_t device) {
   if (playing_) return kWaveBusy;
+  on_play(path);
   if (play_result != kWaveOk) return play_result;
   const auto length = LengthOf(path);
   if (!length) return kWaveFileNotFound;

@@ -28,6 +28,9 @@ class TimedWave : public WaveControl {
   std::int32_t stop_result = kWaveOk;
   std::int32_t monitor_result = kWaveOk;
 
+  /// Called for every file that is to be played.
+  std::function<void(const std::string&)> on_play = [](const std::string&) {};
+
   /// How loud the line is now, in thousandths.
   std::function<std::int32_t()> level = [] { return 0; };
 

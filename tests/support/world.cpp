@@ -69,7 +69,10 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   shared.application_folder = kHome;
   for (const auto& [name, text] : kWorkingSettings) registry.Set(name, text);
   files.Put(std::string(kHome) + "/Greets/Hello.wav", TimedWave::Sound(2s));
-  files.Put(std::string(kHome) + "/beep.wav", TimedWave::Sound(400ms));
+  for (const char* sound : {"/beep.wav", "/Sound/ring.wav", "/Sound/idle.wav"}) {
+    files.Put(kHome + std::string(sound), TimedWave::Sound(400ms));
+  }
+  WavePlay.on_play = [this](const std::string& path) { views.Effect("sound:" + path); };
   Wave1.level = [this] { return loud; };
   database.before_write = [this] {
     if (database_full) throw RuntimeError(ErrorNumber::DiskFull);
@@ -79,9 +82,11 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   std::vector<std::unique_ptr<LineDriver>> drivers;
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
-  window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, files, registry, dialogs, database, *Tapi1, Wave1, WavePlay}, views.All(),
-      shared, system, [this] { ended = true; });
+  window =
+      std::make_unique<MainWindow>(EnginePorts{time, time, files, registry, dialogs, shell, mouse, database,
+                                               *Tapi1, Wave1, WavePlay, waveforms},
+                                   views.All(), shared, system, dialog_factory, [this] { ended = true; });
+  views.list = &Machine().ListView1;
 }
 
 World& World::Start() {

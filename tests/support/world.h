@@ -69,6 +69,10 @@ class World {
   MemoryDatabase database;
   ScriptedDialogs dialogs;
   ScriptedSystem system;
+  ScriptedShell shell;
+  ScriptedMouse mouse;
+  ScriptedWaveforms waveforms;
+  RecordingDialogFactory dialog_factory;
   RecordingViews views;
   TimedWave Wave1, WavePlay;
   SimLine* line = nullptr;

@@ -77,6 +77,7 @@ void SqliteDatabase::ReadRows() {
   SqliteStatement statement(*connection_, "SELECT rowid FROM " + table_ + " ORDER BY rowid");
   while (statement.Step()) rows.push_back(statement.Integer(0));
   rows_ = std::move(rows);
+  if (!rows_.empty()) highest_ = std::max(highest_, rows_.back());
   version_ = std::move(version);
 }
 
@@ -88,7 +89,7 @@ RecordTable SqliteDatabase::Query(std::string_view query) {
   table.records.reserve(rows_.size());
   SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " ORDER BY rowid");
   while (statement.Step()) {
-    Record& record = table.records.emplace_back(schema_.fields.size());
+    Fields& record = table.records.emplace_back(schema_.fields.size());
     for (std::size_t column = 0; column < record.size(); ++column) {
       record[column] = statement.Text(static_cast<int>(column));
     }
@@ -97,8 +98,43 @@ RecordTable SqliteDatabase::Query(std::string_view query) {
 }
 
 std::int32_t SqliteDatabase::RecordCount() {
+  OpenAgain();
   Refresh();
   return static_cast<std::int32_t>(rows_.size());
+}
+
+std::int32_t SqliteDatabase::CountRecords(std::string_view field, std::string_view value) {
+  FieldIndex(field);
+  Refresh();
+  SqliteStatement statement(*connection_, "SELECT count(*) FROM " + table_ + " WHERE " +
+                                              QuotedIdentifier(std::string(field)) + " = ?");
+  statement.Bind(1, value);
+  statement.Step();
+  return static_cast<std::int32_t>(statement.Integer(0));
+}
+
+std::vector<std::string> SqliteDatabase::Record(std::int32_t number) {
+  Refresh();
+  return ReadRecord(RowAt(number));
+}
+
+std::int64_t SqliteDatabase::Identity(std::int32_t number) {
+  Refresh();
+  return RowAt(number);
+}
+
+std::int32_t SqliteDatabase::Locate(std::int64_t identity) {
+  Refresh();
+  const auto found = std::lower_bound(rows_.begin(), rows_.end(), identity);
+  if (found == rows_.end() || *found != identity) return 0;
+  return static_cast<std::int32_t>(found - rows_.begin()) + 1;
+}
+
+std::int64_t SqliteDatabase::RowAt(std::int32_t number) const {
+  if (number < 1 || static_cast<std::size_t>(number) > rows_.size()) {
+    throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "record " + std::to_string(number));
+  }
+  return rows_[static_cast<std::size_t>(number) - 1];
 }
 
 std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
@@ -109,11 +145,9 @@ std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
 
 void SqliteDatabase::MoveTo(std::int32_t number) {
   Refresh();
-  if (number < 1 || static_cast<std::size_t>(number) > rows_.size()) {
-    throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "record " + std::to_string(number));
-  }
+  const auto row = RowAt(number);
   draft_.reset();
-  current_ = rows_[static_cast<std::size_t>(number) - 1];
+  current_ = row;
 }
 
 void SqliteDatabase::MoveFirst() {
@@ -130,7 +164,7 @@ void SqliteDatabase::AddNew() {
   draft_.reset();
   OpenAgain();
   Refresh();
-  draft_ = Draft{Record(schema_.fields.size()), std::nullopt};
+  draft_ = Draft{Fields(schema_.fields.size()), std::nullopt};
 }
 
 void SqliteDatabase::Edit() {
@@ -194,11 +228,11 @@ std::int64_t SqliteDatabase::Current() const {
   return *current_;
 }
 
-SqliteDatabase::Record SqliteDatabase::ReadRecord(std::int64_t row) {
+SqliteDatabase::Fields SqliteDatabase::ReadRecord(std::int64_t row) {
   SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " WHERE rowid = ?");
   statement.Bind(1, row);
   if (!statement.Step()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the record is gone");
-  Record record(schema_.fields.size());
+  Fields record(schema_.fields.size());
   for (std::size_t column = 0; column < record.size(); ++column) {
     record[column] = statement.Text(static_cast<int>(column));
   }
@@ -206,22 +240,24 @@ SqliteDatabase::Record SqliteDatabase::ReadRecord(std::int64_t row) {
 }
 
 // The row number is given here, not left to SQLite, so that the new record is the last whatever was
-// stored before.
-void SqliteDatabase::Insert(const Record& fields) {
+// stored before, and so that it is not taken for one that was deleted.
+void SqliteDatabase::Insert(const Fields& fields) {
   std::string marks;
   for (std::size_t count = 0; count < fields.size(); ++count) marks += ", ?";
   SqliteStatement statement(*connection_, "INSERT INTO " + table_ + " (rowid, " + fields_ +
-                                              ") SELECT coalesce(max(rowid), 0) + 1" + marks + " FROM " +
-                                              table_);
+                                              ") SELECT max(coalesce(max(rowid), 0), ?) + 1" + marks +
+                                              " FROM " + table_);
+  statement.Bind(1, highest_);
   for (std::size_t column = 0; column < fields.size(); ++column) {
-    statement.Bind(static_cast<int>(column) + 1, fields[column]);
+    statement.Bind(static_cast<int>(column) + 2, fields[column]);
   }
   statement.Step();
   current_ = connection_->LastRowId();
+  highest_ = *current_;
   rows_.push_back(*current_);
 }
 
-void SqliteDatabase::Replace(std::int64_t row, const Record& fields) {
+void SqliteDatabase::Replace(std::int64_t row, const Fields& fields) {
   std::string assignments;
   for (const std::string& field : schema_.fields) {
     assignments += (assignments.empty() ? "" : ", ") + QuotedIdentifier(field) + " = ?";

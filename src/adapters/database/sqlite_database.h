@@ -18,9 +18,9 @@ namespace orven {
 ///
 /// A copy of the row numbers in memory finds a position at once; it is read again when another
 /// program changed the file. A file that is moved or deleted while it is open is noticed, and the
-/// path is opened anew. When Open failed, AddNew and Query try again (the disk may be back), and all
-/// other operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and
-/// MoveNext throw 9 where there is no such record; so does Update when the edited record is gone.
+/// path is opened anew. When Open failed, AddNew, Query and RecordCount try again (the disk may be back), and
+/// all other operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and MoveNext
+/// throw 9 where there is no such record; so does Update when the edited record is gone.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.
@@ -32,6 +32,10 @@ class SqliteDatabase final : public DatabaseControl {
   std::string Open(const std::string& path) override;
   RecordTable Query(std::string_view query) override;
   std::int32_t RecordCount() override;
+  std::int32_t CountRecords(std::string_view field, std::string_view value) override;
+  std::vector<std::string> Record(std::int32_t number) override;
+  std::int64_t Identity(std::int32_t number) override;
+  std::int32_t Locate(std::int64_t identity) override;
   std::int32_t FieldIndex(std::string_view field) const override;
   void MoveTo(std::int32_t number) override;
   void MoveFirst() override;
@@ -46,11 +50,11 @@ class SqliteDatabase final : public DatabaseControl {
   void DeleteAll() override;
 
  private:
-  using Record = std::vector<std::string>;
+  using Fields = std::vector<std::string>;
 
   /// A record begun by AddNew, or by Edit of row `row`.
   struct Draft {
-    Record fields;
+    Fields fields;
     std::optional<std::int64_t> row;
   };
 
@@ -60,9 +64,10 @@ class SqliteDatabase final : public DatabaseControl {
   void FollowMove();
   void ReadRows();
   std::int64_t Current() const;
-  Record ReadRecord(std::int64_t row);
-  void Insert(const Record& fields);
-  void Replace(std::int64_t row, const Record& fields);
+  std::int64_t RowAt(std::int32_t number) const;
+  Fields ReadRecord(std::int64_t row);
+  void Insert(const Fields& fields);
+  void Replace(std::int64_t row, const Fields& fields);
 
   RecordSchema schema_;
   Report report_;
@@ -73,6 +78,7 @@ class SqliteDatabase final : public DatabaseControl {
   std::unique_ptr<SqliteConnection> connection_;
   std::string version_;             ///< SQLite's mark that `rows_` belongs to
   std::vector<std::int64_t> rows_;  ///< row numbers by position, ascending
+  std::int64_t highest_ = 0;        ///< row number ever seen: none is used again while this object lives
   std::optional<std::int64_t> current_;
   std::optional<Draft> draft_;
 };

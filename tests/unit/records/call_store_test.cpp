@@ -39,8 +39,8 @@ TEST_F(CallStoreTest, ShowsTheNewestCallFirst) {
   EXPECT_EQ(world.views.rows[1].length, "");
   EXPECT_EQ(world.views.rows[2].name, "Anna");
   EXPECT_THAT(Icons(), ElementsAre(kUnreadMessage, kUnreadNoMessage, kUnreadMessage));
-  EXPECT_EQ(world.views.total, 3);
-  EXPECT_EQ(world.views.new_calls, 3);
+  EXPECT_EQ(world.Machine().ListView1.Total(), 3);
+  EXPECT_EQ(world.Machine().ListView1.NewCalls(), 3);
   EXPECT_EQ(world.database.opened_path, "/home/orven/Calls");
 }
 
@@ -50,21 +50,22 @@ TEST_F(CallStoreTest, MarksReadAndUnreadOnce) {
   EXPECT_THAT(Icons(), ElementsAre(kReadMessage, kReadNoMessage, kUnreadMessage));
   EXPECT_EQ(world.database.Field(2, kRead), "1");
   EXPECT_EQ(world.database.Field(2, kCallMassageName), "new.wav");
-  EXPECT_EQ(world.views.new_calls, 1);
+  EXPECT_EQ(world.Machine().ListView1.NewCalls(), 1);
   const int writes = world.database.writes;
   Store().MarkAsReadUnRead(1, true);
   EXPECT_EQ(world.database.writes, writes) << "already read";
   Store().MarkAsReadUnRead(2, false);
   EXPECT_EQ(Icons()[1], kUnreadMessage) << "until the next rebuild";
-  EXPECT_EQ(world.views.new_calls, 2);
+  EXPECT_EQ(world.Machine().ListView1.NewCalls(), 2);
   world.Machine().ListView1.makeList();
   EXPECT_EQ(Icons()[1], kUnreadNoMessage);
 }
 
 TEST_F(CallStoreTest, DeletingTakesTheMessageFileAlong) {
-  world.views.held_file = world.messages + "new.wav";
+  world.Machine().ListView1.Select(1);
+  world.Machine().player.Play();
   Store().DeleteItemIndex(1);
-  EXPECT_EQ(world.views.stops, 1) << "the player held it";
+  EXPECT_FALSE(world.Machine().player.IsPlaying()) << "the player held it";
   EXPECT_THAT(world.files.Names(world.messages), ElementsAre("old.wav"));
   EXPECT_EQ(world.database.Records().size(), 2U);
   world.Machine().ListView1.makeList();
@@ -86,12 +87,13 @@ TEST_F(CallStoreTest, ARecordThatCannotBeDeletedKeepsItsMessage) {
 }
 
 TEST_F(CallStoreTest, ClearKeepsTheFiles) {
-  world.views.playing = true;
+  world.Machine().ListView1.Select(1);
+  world.Machine().player.Play();
   Store().ClearAll();
-  EXPECT_FALSE(world.views.playing);
+  EXPECT_FALSE(world.Machine().player.IsPlaying());
   EXPECT_THAT(world.views.rows, IsEmpty());
-  EXPECT_EQ(world.views.total, 0);
-  EXPECT_EQ(world.views.new_calls, 0);
+  EXPECT_EQ(world.Machine().ListView1.Total(), 0);
+  EXPECT_EQ(world.Machine().ListView1.NewCalls(), 0);
   EXPECT_EQ(world.files.Names(world.messages).size(), 2U);
 }
 

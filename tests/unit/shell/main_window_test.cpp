@@ -19,7 +19,6 @@ TEST(MainWindow, LoadsThenStarts) {
   world.files.Put("/home/orven/Greets/notes.txt", "");
   world.database.open_note = "Calls was damaged";
   world.views.toolbar_styles = {{ToolBarPlayer, 0x801}, {TBQuickOption, 0x800}};
-  world.views.grid_lines = true;
   world.Start();
   EXPECT_THAT(world.SystemLog(), ElementsAre("Load ORVEN", "LineInitialize->Success", "Calls was damaged",
                                              "SelectDevice->LineIndex: 0  Device Name: Sim",
@@ -56,7 +55,7 @@ TEST(MainWindow, ClosingOnlyHidesAndExitEnds) {
   EXPECT_EQ(std::ranges::count(world.SystemLog(), "Unload ORVEN"), 1);
   EXPECT_EQ(world.CallsLog().back(), "Unload ORVEN");
   EXPECT_TRUE(world.views.others_closed);
-  EXPECT_TRUE(world.views.nothing_shown);
+  EXPECT_EQ(world.shell.icon.icon, NotifyIconPicture::PicSysTryNothing);
 }
 
 TEST(MainWindow, AnExitDuringTheStartUpsMessageBoxEndsTheStart) {

@@ -129,7 +129,7 @@ TEST(CallSequence, AnnouncesTheCallInOrder) {
   EXPECT_THAT(world.views.effects,
               ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call", "view:Ring : 1",
                           "sound:/home/orven/Sound/idle.wav", "view", "view:no commands", "action:App"));
-  EXPECT_TRUE(world.views.blinking);
+  EXPECT_TRUE(world.Machine().tray.Blinking());
 }
 
 TEST(CallSequence, EventsWithoutACallDoNothing) {

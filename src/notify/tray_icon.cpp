@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "notify/tray_icon.h"
+
+#include <cmath>
+
+#include "platform/runtime_error.h"
+
+namespace orven {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Slow enough not to annoy, fast enough to be seen out of the corner of an eye.
+constexpr auto kBlinkInterval = 500ms;
+
+// Mouse messages of the shell.
+constexpr long kLeftButtonUp = 514;   // WM_LBUTTONUP
+constexpr long kRightButtonUp = 517;  // WM_RBUTTONUP
+
+/// The tip's field: always of the same size, and always with an end.
+std::string TipField(std::string text) {
+  text.resize(NotifyIconData::kTipCharacters - 1);
+  text.resize(NotifyIconData::kTipCharacters);
+  return text;
+}
+
+}  // namespace
+
+TrayIcon::TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<std::uintptr_t()> window)
+    : shell_(shell),
+      log_(log),
+      window_(std::move(window)),
+      tmrSysTryBlink_(loop.MakeTimer([this] { Blink(); })) {
+  record_.tip = TipField("ORVEN");
+}
+
+void TrayIcon::MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) {
+  record_.tip = TipField("ORVEN - Calls:" + std::to_string(total) + "  New:" + std::to_string(new_calls));
+  Send(NotifyIconPicture::MainWindow);
+}
+
+void TrayIcon::StartBlinking() {
+  if (!Blinking()) tmrSysTryBlink_->Start(kBlinkInterval);
+}
+
+void TrayIcon::StopBlinking() {
+  tmrSysTryBlink_->Stop();
+}
+
+bool TrayIcon::Blinking() const {
+  return tmrSysTryBlink_->Enabled();
+}
+
+void TrayIcon::Blink() {
+  Send(blink_phase_ ? NotifyIconPicture::MainWindow : NotifyIconPicture::PicSysTryNothing);
+  blink_phase_ = !blink_phase_;
+}
+
+void TrayIcon::ShowNothing() {
+  StopBlinking();
+  Send(NotifyIconPicture::PicSysTryNothing);
+}
+
+void TrayIcon::Send(NotifyIconPicture picture) {
+  try {
+    record_.window = window_();
+    record_.icon = picture;
+    shell_.NotifyIcon(NotifyRequest::Add, record_);
+    shell_.NotifyIcon(NotifyRequest::Modify, record_);
+  } catch (const std::exception& error) {
+    log_.WriteSystem(std::string("ErrMakeSysTryBaloon ") + error.what());
+  }
+}
+
+void TrayIcon::MouseMove(double x, double twips_per_pixel, TrayOwner& owner) const {
+  const auto message = std::lround(x / twips_per_pixel);
+  if (message == kLeftButtonUp) owner.RestoreFromTray();
+  if (message == kRightButtonUp) owner.PopUpTrayMenu();
+}
+
+}  // namespace orven

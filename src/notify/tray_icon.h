@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/activity_log.h"
+#include "platform/event_loop.h"
+#include "platform/shell.h"
+#include "records/call_list.h"
+#include "telephony/call_effects.h"
+
+namespace orven {
+
+/// What the person at the desk does to the tray icon.
+class TrayOwner {
+ public:
+  virtual ~TrayOwner() = default;
+  /// The left button: the main window comes back.
+  virtual void RestoreFromTray() = 0;
+  /// The right button: the menu `mnuSystry` is wanted.
+  virtual void PopUpTrayMenu() = 0;
+};
+
+/// The program's icon in the notification area: its tip shows the counts, and it blinks after a call
+/// that nobody saw. Every change is an add request followed by a modify request, so that the icon
+/// comes back by itself after the shell was restarted. User-interface thread.
+class TrayIcon : public CallCountsView, public TrayBlinker {
+ public:
+  /// `window` gives the handle of the main window.
+  TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<std::uintptr_t()> window);
+
+  void MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) override;
+
+  /// Enables `tmrSysTryBlink`.
+  void StartBlinking() override;
+  /// Disables it; the picture stays as it is.
+  void StopBlinking();
+  bool Blinking() const;
+
+  /// Shows the empty picture: the program is ending.
+  void ShowNothing();
+
+  /// The shell's mouse message, which comes as the X coordinate (twips) of a mouse move.
+  void MouseMove(double x, double twips_per_pixel, TrayOwner& owner) const;
+
+ private:
+  void Blink();
+  void Send(NotifyIconPicture picture);
+
+  Shell& shell_;
+  SystemLog& log_;
+  std::function<std::uintptr_t()> window_;
+  NotifyIconData record_;
+  bool blink_phase_ = false;
+  std::unique_ptr<Timer> tmrSysTryBlink_;
+};
+
+}  // namespace orven

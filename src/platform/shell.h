@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orven {
+
+/// The pictures that the notification area can show for the program.
+enum class NotifyIconPicture {
+  MainWindow,       ///< the main window's icon
+  PicSysTryNothing  ///< nothing: the place stays blank
+};
+
+/// The notification-icon record NOTIFYICONDATA in its first, 88-byte form.
+struct NotifyIconData {
+  static constexpr std::size_t kTipCharacters = 64;
+
+  std::uint32_t size = 88;
+  std::uintptr_t window = 0;  ///< handle of the window that gets the mouse messages
+  std::uint32_t id = 1;
+  std::uint32_t flags = 7;               ///< NIF_MESSAGE, NIF_ICON and NIF_TIP
+  std::uint32_t callback_message = 512;  ///< WM_MOUSEMOVE
+  NotifyIconPicture icon = NotifyIconPicture::MainWindow;
+  std::string tip;  ///< kTipCharacters bytes, filled up with NUL
+};
+
+/// Requests of Shell_NotifyIcon.
+enum class NotifyRequest : std::uint32_t { Add = 0, Modify = 1 };  // NIM_ADD, NIM_MODIFY
+
+/// The desktop's shell. User-interface thread; nothing waits.
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  /// Adds the program's icon to the notification area or changes it. False when it could not be done:
+  /// an icon that is there already cannot be added, one that is not there cannot be changed.
+  virtual bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) = 0;
+
+  /// Whether this desktop shows icons of programs now. It may begin to, or cease, at any time.
+  virtual bool HasNotificationArea() const = 0;
+
+  /// Opens a document (native path) or a web address with the program that the desktop has for it, as
+  /// its "Open" verb does. False when there is no such document or program.
+  virtual bool Open(const std::string& target) = 0;
+};
+
+}  // namespace orven

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "records/list_commands.h"
+
+#include <string>
+
+#include "core/error_trap.h"
+
+namespace orven {
+
+void ListCommands::Delete() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    auto& list = parts_.ListView1;
+    if (!HasSelection()) return;
+    const auto call = list.Identity(list.Selected());
+    if (parts_.settings.WornDelete != 0) {
+      const auto question = "Delete Call " + std::to_string(list.Selected()) + " Information ?";
+      if (!parts_.dialogs.Confirm(question)) return;
+    }
+    // While the question was open a new call may have moved the others down.
+    const auto row = list.RowOf(call);
+    if (row == 0) return;
+    parts_.calls.DeleteItemIndex(row);
+    list.makeList();
+  });
+}
+
+void ListCommands::Clear() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    auto& list = parts_.ListView1;
+    if (list.Count() == 0) return;
+    if (parts_.settings.WornClear != 0) {
+      // A call that came in while the question was open was not meant: ask again.
+      std::int64_t newest = 0;
+      while (list.Count() > 0 && newest != list.Identity(1)) {
+        newest = list.Identity(1);
+        if (!parts_.dialogs.Confirm("Clear Calls List ?")) return;
+      }
+    }
+    parts_.calls.ClearAll();
+  });
+}
+
+void ListCommands::Save() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (!HasSelection()) return;
+    const auto key = parts_.ListView1.Row(parts_.ListView1.Selected()).key;
+    if (!key.empty()) parts_.calls.SaveFile(parts_.shared.messages_path + key);
+  });
+}
+
+void ListCommands::MarkAsRead() {
+  Mark(true);
+}
+
+void ListCommands::MarkAsUnread() {
+  Mark(false);
+}
+
+void ListCommands::Mark(bool read) {
+  if (HasSelection()) parts_.calls.MarkAsReadUnRead(parts_.ListView1.Selected(), read);
+}
+
+void ListCommands::First() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { SelectRow(1); });
+}
+
+void ListCommands::Last() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { SelectRow(parts_.ListView1.Count()); });
+}
+
+void ListCommands::SelectRow(std::int32_t row) {
+  if (parts_.ListView1.Count() == 0) return;
+  if (row != parts_.ListView1.Selected()) parts_.player.Stop();
+  parts_.ListView1.Select(row);
+}
+
+void ListCommands::Back() {
+  GoTo(parts_.ListView1.Selected() - 1);
+}
+
+void ListCommands::Next() {
+  GoTo(parts_.ListView1.Selected() + 1);
+}
+
+void ListCommands::GoTo(std::int32_t row) {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    parts_.player.Stop();
+    if (row < 1 || row > parts_.ListView1.Count()) return;
+    parts_.ListView1.Select(row);
+    Mark(true);
+  });
+}
+
+void ListCommands::ListView1_Click(std::int32_t row) {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (!Follow(row)) return;
+    parts_.player.Stop();
+    if (parts_.ListView1.Row(row).key.empty()) Mark(true);
+  });
+}
+
+void ListCommands::ListView1_Selected(std::int32_t row) {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (row == parts_.ListView1.Selected()) return;
+    if (Follow(row)) parts_.player.Stop();
+  });
+}
+
+bool ListCommands::Follow(std::int32_t row) {
+  if (parts_.blocked()) {
+    parts_.view.ShowSelection(parts_.ListView1.Selected());
+    return false;
+  }
+  parts_.ListView1.FollowSelection(row);
+  return true;
+}
+
+void ListCommands::ListView1_MouseDown() {
+  const auto button = parts_.mouse.ButtonsSwapped() ? kLeftButton : kRightButton;
+  if (parts_.mouse.IsDown(button)) PopUpMenu();
+}
+
+void ListCommands::PopUpMenu() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (!HasSelection()) return;
+    parts_.view.PopUpMenu(!parts_.ListView1.Row(parts_.ListView1.Selected()).key.empty());
+  });
+}
+
+void ListCommands::ListView1_DblClick() {
+  if (HasSelection()) parts_.player.Play();
+}
+
+}  // namespace orven

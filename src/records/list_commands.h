@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "core/settings.h"
+#include "platform/dialogs.h"
+#include "platform/mouse.h"
+#include "records/call_list.h"
+#include "records/call_store.h"
+#include "records/local_player.h"
+
+namespace orven {
+
+/// What a person does to the calls in the list; every command but Clear acts on the selected row and
+/// does nothing without one. A step that fails leaves no trace here: the records log their own.
+/// User-interface thread.
+class ListCommands {
+ public:
+  struct Parts {
+    CallList& ListView1;
+    CallStore& calls;
+    LocalPlayer& player;
+    Dialogs& dialogs;
+    const Mouse& mouse;
+    CallListView& view;
+    const Settings& settings;
+    const SharedOptions& shared;
+    /// The list must not be interfered with: its owner is listening to it by telephone.
+    std::function<bool()> blocked;
+  };
+
+  explicit ListCommands(Parts parts) : parts_(std::move(parts)) {}
+
+  /// Asks first when the setting `WornDelete` says so. A call that comes in while the question is
+  /// open changes nothing about which call is deleted.
+  void Delete();
+
+  /// Deletes all records; asks first when the setting `WornClear` says so.
+  void Clear();
+
+  /// Saves a copy of the selected message.
+  void Save();
+
+  void MarkAsRead();
+  void MarkAsUnread();
+
+  void First();
+  void Last();
+
+  /// Stops a playing message and goes one row up or down, marking it read. At the end of the list it
+  /// stops only.
+  void Back();
+  void Next();
+
+  /// A row was clicked. One without a message is thereby read.
+  void ListView1_Click(std::int32_t row);
+
+  /// The selection was moved by the keyboard: nothing is marked.
+  void ListView1_Selected(std::int32_t row);
+
+  /// A mouse button went down over the list, after the row below it was selected.
+  void ListView1_MouseDown();
+
+  /// The list's menu is wanted otherwise (the keyboard's menu key).
+  void PopUpMenu();
+
+  void ListView1_DblClick();
+
+  bool HasSelection() const { return parts_.ListView1.Selected() > 0; }
+
+ private:
+  void GoTo(std::int32_t row);
+  void SelectRow(std::int32_t row);
+  void Mark(bool read);
+  bool Follow(std::int32_t row);
+
+  Parts parts_;
+};
+
+}  // namespace orven

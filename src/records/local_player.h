@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/event_loop.h"
+#include "platform/wave.h"
+#include "platform/waveform.h"
+#include "records/call_list.h"
+#include "records/call_store.h"
+
+namespace orven {
+
+/// What the player of messages shows on the main window.
+class PlayerView {
+ public:
+  virtual ~PlayerView() = default;
+
+  /// The slider `Slider1`. Setting it calls nothing back, and a slider that a person holds stays where
+  /// it is held.
+  virtual void SetSliderRange(std::int32_t first, std::int32_t last) = 0;
+  virtual void EnableSlider(bool on) = 0;
+  virtual void ShowSlider(std::int32_t value) = 0;
+
+  /// The picture of the selected message, without peaks for none.
+  virtual void ShowWaveform(const Waveform& waveform) = 0;
+
+  /// How far the message has been played, for the picture and the clock beside it. Both 0 when
+  /// nothing plays.
+  virtual void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) = 0;
+};
+
+/// Plays the selected message on the sound card (the program's `WavePlay`), with the slider following.
+/// User-interface thread.
+class LocalPlayer : public MessagePlayer, public WaveEvents {
+ public:
+  /// The slider's range: percent of the message.
+  static constexpr std::int32_t kSliderLast = 100;
+
+  struct Ports {
+    EventLoop& loop;
+    WaveControl& WavePlay;
+    WaveformReader& waveforms;
+    PlayerView& view;
+    SystemLog& log;
+  };
+
+  /// `mark_read` marks a row of the list read.
+  LocalPlayer(Ports ports, CallList& list, const Settings& settings, const SharedOptions& shared,
+              std::function<void(std::int32_t row)> mark_read);
+  ~LocalPlayer() override;
+  LocalPlayer(const LocalPlayer&) = delete;
+  LocalPlayer& operator=(const LocalPlayer&) = delete;
+
+  /// Plays the selected row's message, or the next one below: rows without a message on the way are
+  /// marked read and skipped. Many of them are skipped bit by bit, other events running between.
+  void Play();
+
+  /// The button "Stop": stops a message; slider, timer and playing flag are reset in any case.
+  void PressStop();
+
+  /// Resets slider, timer and playing flag, as at a new selection. What plays goes on.
+  void Reset();
+
+  /// A person moved the slider: the message goes on from there.
+  void SeekTo(std::int32_t slider_value);
+
+  /// A person pointed at this part (0 to 1) of the picture.
+  void SeekToPart(double part);
+
+  /// Another row is selected, or its message has changed: shows its picture.
+  void ShowSelected();
+
+  /// The playing flag: a message was started, and neither ended nor stopped.
+  bool Playing() const { return playing_; }
+
+  bool IsPlaying() const override { return ports_.WavePlay.IsPlaying(); }
+  /// Stops whatever the sound card plays.
+  void Stop() override;
+  std::string HeldFile() const override { return held_file_; }
+
+  void PlayFinished() override;
+
+ private:
+  void PlayFrom(std::int32_t row);
+  void SearchOnLater(std::int32_t row);
+  void FindNothing();
+  void PlayRow(std::int32_t row, const std::string& key);
+  void Start(const std::string& path);
+  void ShowPosition();
+
+  Ports ports_;
+  CallList& list_;
+  const Settings& settings_;
+  const SharedOptions& shared_;
+  std::function<void(std::int32_t)> mark_read_;
+  std::unique_ptr<Timer> Timer1_;
+  bool playing_ = false;
+  std::string held_file_;
+  std::chrono::milliseconds length_{0};  ///< of the held file
+  std::string pictured_file_;            ///< whose picture is shown or being made
+  std::uint32_t search_ = 0;             ///< counts the plays, so that a search that was overtaken ends
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

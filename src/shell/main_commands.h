@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/mouse.h"
+#include "platform/shell.h"
+#include "records/list_commands.h"
+#include "records/local_player.h"
+#include "shell/dialog_factory.h"
+#include "shell/greeting_commands.h"
+
+namespace orven {
+
+/// The pages of the product that menus lead to.
+inline constexpr const char* kGreetingsPage = "https://orven.example/greetings";
+inline constexpr const char* kSoundsPage = "https://orven.example/sounds";
+inline constexpr const char* kHomePage = "https://orven.example/";
+
+/// What the main window's toolbars, menus and list do. The window calls these; each acts on the
+/// selected row where it needs one. A handler that fails leaves no trace and ends nothing.
+/// User-interface thread.
+class MainCommands {
+ public:
+  struct Parts {
+    ListCommands& list;
+    LocalPlayer& player;
+    GreetingCommands& greetings;
+    DialogFactory& dialogs;
+    Shell& shell;
+    const SharedOptions& shared;
+    std::function<void(bool on)> switch_line;
+  };
+
+  explicit MainCommands(Parts parts) : parts_(std::move(parts)) {}
+
+  /// `Toolbar1`: the button with this key was pressed; `down` is the state of the two-state button
+  /// "OnOff" after it. An unknown key does nothing.
+  void Toolbar1_ButtonClick(const std::string& key, bool down = false);
+
+  /// `ToolBarPlayer`: "Play", "Stop".
+  void ToolBarPlayer_ButtonClick(const std::string& key);
+
+  /// `TBQuickOption`: "Play", "Stop", "Add", "Delete".
+  void TBQuickOption_ButtonClick(const std::string& key);
+
+  /// `mnuGreetingCreator`.
+  void DisplayGreetingCreator();
+
+  /// Opens a dialog on one of its tabs.
+  void OpenDialog(Dialog dialog, int tab = 0);
+  bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
+
+  /// `mnuContents`: the help's first page.
+  void ShowHelp();
+  /// Opens one of the product's pages.
+  void ShowPage(const std::string& address);
+
+ private:
+  Parts parts_;
+};
+
+}  // namespace orven
