@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QIcon>
+#include <QSystemTrayIcon>
+#include <functional>
+#include <string>
+
+#include "platform/shell.h"
+
+class QMenu;
+
+namespace orven {
+
+/// The shell port on the desktop's tray (StatusNotifierItem over D-Bus where the desktop has a host for
+/// it, else the XEmbed tray of X11) and on its table of programs for documents. Needs a QApplication;
+/// user-interface thread.
+///
+/// The icon waits for its place: added while there is no tray, or while the tray's host restarts, it
+/// appears with the host. Which of the two kinds of tray is used, Qt decides once a process, when it
+/// first looks for one.
+class QtShell final : public Shell {
+ public:
+  /// Gets the shell's mouse message, as the X coordinate of a mouse move in twips: 514 or 517 times
+  /// `twips_per_pixel`.
+  using MouseHandler = std::function<void(double x, double twips_per_pixel)>;
+
+  /// `main_window` is the picture of that name.
+  explicit QtShell(QIcon main_window);
+
+  /// Who hears of the icon's clicks: WM_LBUTTONUP (514) for the one that activates it, WM_RBUTTONUP (517)
+  /// for the one that asks for its menu. Every other use of the icon is silent.
+  void SetMouseHandler(MouseHandler on_mouse) { on_mouse_ = std::move(on_mouse); }
+
+  /// The icon's menu; nullptr for none. The caller keeps it alive, or takes it away before it goes. A
+  /// desktop that shows the menu itself does so without a mouse message; an XEmbed tray's click has
+  /// already opened it when the message 517 comes.
+  void SetMenu(QMenu* menu) { icon_.setContextMenu(menu); }
+
+  /// Without a display the record is kept, and nothing is shown.
+  bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) override;
+
+  /// False on the platforms without a display (offscreen, minimal), whose trays nobody sees.
+  bool HasNotificationArea() const override;
+
+  /// Opens an existing file given by its absolute path, or an http or https address with a host;
+  /// anything else is refused. The program is started beside this one, never through a command shell,
+  /// and true says that it was started, not that it showed something.
+  bool Open(const std::string& target) override;
+
+  /// The desktop's side of the icon.
+  QSystemTrayIcon& Icon() { return icon_; }
+
+ private:
+  void Activated(QSystemTrayIcon::ActivationReason reason) const;
+  void Show(const NotifyIconData& data);
+
+  QIcon main_window_;
+  QIcon nothing_;
+  MouseHandler on_mouse_;
+  bool added_ = false;
+  NotifyIconPicture picture_ = NotifyIconPicture::MainWindow;
+  QSystemTrayIcon icon_;
+};
+
+}  // namespace orven

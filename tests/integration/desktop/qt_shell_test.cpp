@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/qt_shell.h"
+
+#include <gtest/gtest.h>
+
+#include <QDesktopServices>
+#include <QTest>
+#include <QUrl>
+#include <QWidget>
+#include <QWindow>
+#include <array>
+#include <tuple>
+#include <vector>
+
+#include "adapters/desktop/qt_mouse.h"
+#include "support/scratch_folder.h"
+
+namespace orven {
+namespace {
+
+constexpr int kTraySize = 22;  // pixels
+
+NotifyIconData Record(std::string tip, NotifyIconPicture picture = NotifyIconPicture::MainWindow) {
+  NotifyIconData data;
+  data.icon = picture;
+  data.tip = std::move(tip);
+  data.tip.resize(NotifyIconData::kTipCharacters);
+  return data;
+}
+
+/// Opens nothing, and remembers what was to be opened.
+class OpenedAddresses : public QObject {
+  Q_OBJECT
+ public:
+  OpenedAddresses() {
+    for (const char* scheme : kSchemes) QDesktopServices::setUrlHandler(scheme, this, "Take");
+  }
+  ~OpenedAddresses() override {
+    for (const char* scheme : kSchemes) QDesktopServices::unsetUrlHandler(scheme);
+  }
+  Q_DISABLE_COPY_MOVE(OpenedAddresses)
+
+  Q_INVOKABLE void Take(const QUrl& address) { addresses.push_back(address.toString().toStdString()); }
+
+  std::vector<std::string> addresses;
+
+ private:
+  static constexpr std::array<const char*, 5> kSchemes = {"file", "http", "https", "ftp", "mailto"};
+};
+
+class QtShellTest : public ::testing::Test {
+ protected:
+  static QIcon RedIcon() {
+    QPixmap pixmap(kTraySize, kTraySize);
+    pixmap.fill(Qt::red);
+    return pixmap;
+  }
+  /// The middle of the tray's picture.
+  QColor Shown() {
+    return shell_.Icon().icon().pixmap(kTraySize).toImage().pixelColor(kTraySize / 2, kTraySize / 2);
+  }
+
+  QtShell shell_{RedIcon()};
+};
+
+TEST_F(QtShellTest, TheIconIsAddedOnceAndThenChanged) {
+  EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Modify, Record("early"))) << "there is nothing to change";
+  EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Add, Record("ORVEN - Calls:3  New:1")));
+  EXPECT_EQ(shell_.Icon().toolTip(), "ORVEN - Calls:3  New:1") << "up to the first NUL";
+  EXPECT_EQ(Shown(), Qt::red);
+
+  const auto blank = Record("ORVEN - Calls:4  New:2", NotifyIconPicture::PicSysTryNothing);
+  EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Add, blank)) << "it is there already";
+  EXPECT_EQ(Shown(), Qt::red);
+  EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Modify, blank));
+  EXPECT_EQ(shell_.Icon().toolTip(), "ORVEN - Calls:4  New:2");
+  EXPECT_EQ(shell_.Icon().icon().actualSize({kTraySize, kTraySize}), QSize(kTraySize, kTraySize));
+  EXPECT_EQ(Shown().alpha(), 0);
+  EXPECT_FALSE(shell_.HasNotificationArea()) << "nobody sees a tray here";
+}
+
+TEST_F(QtShellTest, ClicksBecomeMouseMessages) {
+  emit shell_.Icon().activated(QSystemTrayIcon::Trigger);  // nobody listens yet
+  std::vector<double> messages;
+  shell_.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
+  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::DoubleClick,
+                            QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Unknown, QSystemTrayIcon::Context})
+    emit shell_.Icon().activated(reason);
+  EXPECT_EQ(messages, (std::vector<double>{514, 517}));
+}
+
+TEST_F(QtShellTest, OpensExistingFilesAndWebAddressesOnly) {
+  const test::ScratchFolder folder;
+  const std::string page = folder / "index #1.htm";
+  test::PutFile(page, "");
+  OpenedAddresses opened;
+  for (const std::string& target : {page, std::string("https://example.org/greetings?a=1")})
+    EXPECT_TRUE(shell_.Open(target)) << target;
+  EXPECT_EQ(opened.addresses, (std::vector<std::string>{
+                                  QUrl::fromLocalFile(QString::fromStdString(page)).toString().toStdString(),
+                                  "https://example.org/greetings?a=1"}));
+  opened.addresses.clear();
+  for (const std::string& target :
+       {folder / "missing.htm", folder / "", std::string("index.htm"), "file://" + page,
+        std::string("ftp://example.org/"), std::string("mailto:a@example.org"), std::string("https://"),
+        std::string("http:example"), std::string("https://exa mple.org/"), std::string(""),
+        std::string("javascript:1")})
+    EXPECT_FALSE(shell_.Open(target)) << target;
+  EXPECT_TRUE(opened.addresses.empty());
+}
+
+TEST(QtMouse, KnowsWhichButtonIsDown) {
+  const QtMouse mouse;
+  QWidget window;
+  window.show();
+  for (const auto& [button, left, right] :
+       {std::tuple(Qt::LeftButton, true, false), {Qt::RightButton, false, true}}) {
+    QTest::mousePress(window.windowHandle(), button);
+    EXPECT_EQ(mouse.IsDown(kLeftButton), left);
+    EXPECT_EQ(mouse.IsDown(kRightButton), right);
+    QTest::mouseRelease(window.windowHandle(), button);
+    EXPECT_FALSE(mouse.IsDown(kLeftButton) || mouse.IsDown(kRightButton));
+  }
+  EXPECT_FALSE(mouse.ButtonsSwapped());
+}
+
+}  // namespace
+}  // namespace orven
+
+#include "qt_shell_test.moc"
