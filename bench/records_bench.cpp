@@ -7,6 +7,7 @@
 #include "adapters/database/sqlite_connection.h"
 #include "adapters/database/sqlite_database.h"
 #include "records/call_fields.h"
+#include "records/call_list.h"
 
 namespace orven {
 namespace {
@@ -34,7 +35,7 @@ class Records {
 
  private:
   std::filesystem::path folder_;
-  SqliteDatabase database_{{"Calls", {kCallFields.begin(), kCallFields.end()}}};
+  SqliteDatabase database_{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
 };
 
 SqliteDatabase& Database() {
@@ -75,16 +76,85 @@ void FileACall(benchmark::State& state) {
 }
 BENCHMARK(FileACall)->Unit(benchmark::kMillisecond);
 
-void ReadAllRecords(benchmark::State& state) {
+/// A window that asks for the forty rows that fit into it, whenever they may have changed.
+class FortyRows : public CallListView, public CallCountsView {
+ public:
+  const CallList* list = nullptr;
+  std::int32_t first = 1;
+  void Look() const {
+    for (auto row = first; row < first + 40 && row <= list->Count(); ++row)
+      benchmark::DoNotOptimize(list->Row(row));
+  }
+  void ShowColumns(const std::vector<CallColumn>& /*columns*/) override {}
+  void ShowRowCount(std::int32_t /*count*/) override { Look(); }
+  void ShowRowsInserted(std::int32_t /*count*/) override {}
+  void ShowRowRemoved(std::int32_t /*index*/) override { Look(); }
+  void ShowRowsChanged() override { Look(); }
+  void ShowIcon(std::int32_t index, CallIcon /*icon*/) override { benchmark::DoNotOptimize(list->Row(index)); }
+  void ShowSelection(std::int32_t /*index*/) override {}
+  void EnsureVisible(std::int32_t /*index*/) override {}
+  void PopUpMenu(bool /*message*/) override {}
+  void MakeSysTryBaloon(std::int32_t /*total*/, std::int32_t /*new_calls*/) override {}
+};
+
+class NoLog : public SystemLog {
+  void WriteSystem(const std::string& /*text*/) override {}
+};
+
+/// The call list over `database`, filled.
+struct FilledList {
+  explicit FilledList(SqliteDatabase& database) : list(database, log, view, view) {
+    view.list = &list;
+    list.makeList();
+  }
+  NoLog log;
+  FortyRows view;
+  CallList list;
+};
+
+void FillTheList(benchmark::State& state) {
   auto& database = Database();
-  for (auto _ : state) benchmark::DoNotOptimize(database.Query(kGetAll));
+  for (auto _ : state) FilledList filled(database);
 }
-BENCHMARK(ReadAllRecords)->Unit(benchmark::kMillisecond);
+BENCHMARK(FillTheList)->Unit(benchmark::kMillisecond);
+
+void ScrollTheListByAPage(benchmark::State& state) {
+  FilledList filled(Database());
+  for (auto _ : state) {
+    filled.view.first = filled.view.first * 7 % (kRecords - 40) + 1;
+    filled.view.Look();
+  }
+}
+BENCHMARK(ScrollTheListByAPage)->Unit(benchmark::kMillisecond);
+
+void ListANewCall(benchmark::State& state) {
+  auto& database = Database();
+  FilledList filled(database);
+  for (auto _ : state) {
+    database.AddNew();
+    for (const char* field : kCallFields) database.SetField(field, "value");
+    database.Update();
+    filled.list.makeList();
+  }
+}
+BENCHMARK(ListANewCall)->Unit(benchmark::kMillisecond);
+
+void DeleteACallFromTheList(benchmark::State& state) {
+  auto& database = Database();
+  FilledList filled(database);
+  for (auto _ : state) {
+    database.MoveTo(filled.list.RecordNumber(500));
+    database.Delete();
+    filled.list.Remove(500);
+    filled.list.makeList();
+  }
+}
+BENCHMARK(DeleteACallFromTheList)->Unit(benchmark::kMillisecond);
 
 void OpenTheDatabase(benchmark::State& state) {
   static Records records("orven-bench-open");
   for (auto _ : state) {
-    SqliteDatabase database{{"Calls", {kCallFields.begin(), kCallFields.end()}}};
+    SqliteDatabase database{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
     database.Open(records.Path());
   }
 }

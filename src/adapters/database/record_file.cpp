@@ -51,11 +51,18 @@ void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
   }
 }
 
+void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
+  if (schema.counted.empty()) return;
+  connection.Execute("CREATE INDEX IF NOT EXISTS " + QuotedIdentifier(schema.table + "_" + schema.counted) +
+                     " ON " + QuotedIdentifier(schema.table) + " (" + QuotedIdentifier(schema.counted) + ")");
+}
+
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
   connection.Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
   CheckSound(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
   MakeTable(connection, schema);
+  MakeIndex(connection, schema);
   // A view, or a table without row numbers, cannot keep the order of insertion: this fails then.
   const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
   connection.Execute("COMMIT");

@@ -9,10 +9,12 @@
 
 namespace orven {
 
-/// The table that holds the records, and its text columns in their order.
+/// The table that holds the records, and its text columns in their order. Records are counted by their
+/// value in the field `counted` without reading them all.
 struct RecordSchema {
   std::string table;
   std::vector<std::string> fields;
+  std::string counted = {};
 };
 
 /// Opens the database at `path` and makes it ready: created when absent, checked for damage, with

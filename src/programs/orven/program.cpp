@@ -31,22 +31,38 @@ Program::Program(const std::string& folder, std::string assets)
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
       registry_(shared_.InApplicationFolder("\\registry.reg"),
                 [this](const std::string& text) { Report(text); }),
-      database_({"Calls", {kCallFields.begin(), kCallFields.end()}},
+      database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
                 [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
-      line_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
-      desk_wave_(loop_, lines_, shared_.InApplicationFolder(kRescueFolder)),
-      window_({clock_, loop_, files_, registry_, dialogs_, database_, lines_, line_wave_, desk_wave_},
-              view_.All(), shared_, system_, [] { QCoreApplication::quit(); }) {
-  view_.SetLog(&window_.Machine().log);
+      cards_(loop_, ReportFromAnyThread()),
+      devices_(lines_, cards_),
+      line_wave_(loop_, devices_, shared_.InApplicationFolder(kRescueFolder)),
+      desk_wave_(loop_, devices_, shared_.InApplicationFolder(kRescueFolder)),
+      waveforms_(loop_),
+      shell_(frame_.windowIcon()),
+      window_({clock_, loop_, files_, registry_, dialogs_, shell_, mouse_, database_, lines_, line_wave_,
+               desk_wave_, waveforms_},
+              Views(), shared_, system_, program_dialogs_, [] { QCoreApplication::quit(); }) {
+  effects_.SetLog(&window_.Machine().log);
+  frame_.Attach(window_);
+  shell_.SetMenu(&frame_.TrayMenu());
+  shell_.SetMouseHandler(
+      [this](double x, double twips_per_pixel) { window_.TrayMouseMove(x, twips_per_pixel); });
+}
+
+MainWindowViews Program::Views() {
+  return {frame_, frame_, frame_, frame_, frame_, frame_, effects_, effects_};
 }
 
 Program::~Program() = default;
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
-  return MakeTelephoneLines(
-      shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_,
-      [this](const std::string& text) { loop_.Post(lifeline_.Bind([this, text] { Report(text); })); });
+  return MakeTelephoneLines(shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_,
+                            ReportFromAnyThread());
+}
+
+std::function<void(const std::string&)> Program::ReportFromAnyThread() {
+  return [this](const std::string& text) { loop_.Post(lifeline_.Bind([this, text] { Report(text); })); };
 }
 
 bool Program::Start(const std::string& command_line) {

@@ -6,16 +6,23 @@
 #include <vector>
 
 #include "adapters/audio/file_wave_control.h"
+#include "adapters/audio/waveform_reader.h"
 #include "adapters/database/sqlite_database.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_dialogs.h"
 #include "adapters/desktop/qt_event_loop.h"
+#include "adapters/desktop/qt_mouse.h"
+#include "adapters/desktop/qt_shell.h"
 #include "adapters/files/disk_files.h"
 #include "adapters/line/service/line_service.h"
 #include "adapters/registry/registry_file.h"
+#include "adapters/sound/all_audio_devices.h"
+#include "adapters/sound/sound_cards.h"
 #include "core/entry_routine.h"
-#include "programs/orven/windowless_view.h"
+#include "programs/orven/logged_effects.h"
+#include "programs/orven/program_dialogs.h"
+#include "shell/frmMain.h"
 #include "shell/main_window.h"
 
 namespace orven {
@@ -40,7 +47,9 @@ class Program {
  private:
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
+  MainWindowViews Views();
   void Report(const std::string& problem);
+  std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<std::unique_ptr<LineDriver>> MakeLines();
 
   SharedOptions shared_;
@@ -57,9 +66,16 @@ class Program {
   RegistryFile registry_;
   SqliteDatabase database_;
   LineService lines_;
+  SoundCards cards_;
+  AllAudioDevices devices_;
   FileWaveControl line_wave_;
   FileWaveControl desk_wave_;
-  WindowlessView view_;
+  FileWaveformReader waveforms_;
+  frmMain frame_;
+  QtShell shell_;
+  QtMouse mouse_;
+  ProgramDialogs program_dialogs_;
+  LoggedEffects effects_;
   MainWindow window_;
 };
 

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gmock/gmock.h>
+
+#include "records/call_fields.h"
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// From the top: new.wav, a call without a message, old.wav; nothing is asked before deleting.
+class ListCommandsTest : public testing::Test {
+ protected:
+  ListCommandsTest() {
+    world.AddMessage("old.wav", 4s);
+    world.AddCallWithoutMessage();
+    world.AddMessage("new.wav", 2s);
+    world.registry.Set("WornDelete", "0");
+    world.registry.Set("WornClear", "0");
+    world.Start();
+    world.RunFor(1s);  // the beep
+  }
+  void AskFirst() {
+    world.Machine().settings.WornDelete = 1;
+    world.Machine().settings.WornClear = 1;
+  }
+  void ACallComesIn() {
+    world.line->Offer();
+    world.RunFor(10ms);
+    world.HangUp();
+  }
+  std::vector<CallIcon> Icons() {
+    std::vector<CallIcon> icons;
+    for (const auto& row : world.views.rows) icons.push_back(row.icon);
+    return icons;
+  }
+
+  World world;
+  ListCommands& commands = world.Machine().list_commands;
+  CallList& list = world.Machine().ListView1;
+  LocalPlayer& player = world.Machine().player;
+};
+
+TEST_F(ListCommandsTest, AClickReadsACallWithoutAMessageOnly) {
+  commands.ListView1_Click(1);
+  commands.ListView1_Click(2);
+  EXPECT_THAT(Icons(), ElementsAre(kUnreadMessage, kReadNoMessage, kUnreadMessage));
+  EXPECT_EQ(list.Selected(), 2);
+  commands.ListView1_Click(1);
+  commands.ListView1_DblClick();
+  EXPECT_TRUE(player.Playing());
+  EXPECT_EQ(Icons()[0], kReadMessage);
+  world.RunFor(1s);
+  EXPECT_EQ(world.views.slider, 50);
+  commands.ListView1_Click(3);
+  EXPECT_FALSE(player.Playing());
+  EXPECT_FALSE(player.IsPlaying());
+  EXPECT_EQ(world.views.slider, 0);
+  EXPECT_EQ(Icons()[2], kUnreadMessage);
+}
+
+TEST_F(ListCommandsTest, DeletesTheCallThatWasMeant) {
+  commands.Delete();
+  EXPECT_EQ(list.Count(), 3) << "nothing was selected";
+  AskFirst();
+  list.Select(2);
+  commands.Delete();
+  EXPECT_THAT(world.dialogs.questions, ElementsAre("Delete Call 2 Information ?"));
+  EXPECT_EQ(list.Count(), 3) << "the answer was No";
+
+  world.dialogs.yes = true;
+  world.dialogs.while_open = [&] { ACallComesIn(); };
+  commands.Delete();
+  EXPECT_EQ(list.Count(), 3);
+  EXPECT_EQ(world.database.Field(2, kCallName), "UNKNOWN") << "the new call is there";
+  EXPECT_EQ(world.database.Field(1, kCallMassageName), "new.wav");
+  EXPECT_EQ(world.views.rows.size(), 3U);
+  EXPECT_EQ(world.views.rows[2].key, "old.wav");
+  EXPECT_EQ(list.Selected(), 3) << "what took its place";
+}
+
+TEST_F(ListCommandsTest, ClearAsksAgainForACallThatCameMeanwhile) {
+  AskFirst();
+  world.dialogs.yes = true;
+  world.dialogs.while_open = [&] {
+    if (world.dialogs.questions.size() == 1) ACallComesIn();
+  };
+  commands.Clear();
+  EXPECT_THAT(world.dialogs.questions, ElementsAre("Clear Calls List ?", "Clear Calls List ?"));
+  EXPECT_THAT(world.database.Records(), IsEmpty());
+  EXPECT_EQ(world.files.Names(world.messages).size(), 2U);
+  commands.Clear();
+  commands.Delete();
+  EXPECT_EQ(world.dialogs.questions.size(), 2U) << "an empty list asks nothing";
+}
+
+TEST_F(ListCommandsTest, TheSelectionStaysOnItsCall) {
+  list.Select(1);
+  ACallComesIn();
+  EXPECT_EQ(list.Selected(), 2);
+  EXPECT_EQ(world.views.selection, 2);
+  EXPECT_EQ(world.views.rebuilds, 2) << "cleared and filled at the start, not again";
+  world.database.Records().clear();  // another program
+  list.makeList();
+  EXPECT_EQ(list.Selected(), 0);
+  EXPECT_THAT(world.views.rows, IsEmpty());
+}
+
+TEST_F(ListCommandsTest, BackAndNextStopAndMark) {
+  commands.Next();
+  EXPECT_EQ(list.Selected(), 1);
+  player.Play();
+  commands.Next();
+  EXPECT_FALSE(player.IsPlaying());
+  EXPECT_THAT(Icons(), ElementsAre(kReadMessage, kReadNoMessage, kUnreadMessage));
+  commands.Last();
+  EXPECT_EQ(Icons()[2], kUnreadMessage) << "First and Last only select";
+  commands.Next();
+  EXPECT_EQ(list.Selected(), 3);
+  commands.Back();
+  EXPECT_EQ(list.Selected(), 2);
+  commands.First();
+  EXPECT_EQ(list.Selected(), 1);
+}
+
+TEST_F(ListCommandsTest, SavesOnlyMessages) {
+  world.dialogs.save_as = "/home/me/copy.wav";
+  list.Select(2);
+  commands.Save();
+  EXPECT_FALSE(world.files.Exists("/home/me/copy.wav"));
+  list.Select(1);
+  commands.Save();
+  EXPECT_TRUE(world.files.Exists("/home/me/copy.wav"));
+}
+
+TEST_F(ListCommandsTest, TheMenuIsForThePhysicalRightButton) {
+  list.Select(1);
+  commands.ListView1_MouseDown();
+  EXPECT_THAT(world.views.menus, IsEmpty());
+  world.mouse.down = {kRightButton};
+  commands.ListView1_MouseDown();
+  list.Select(2);
+  commands.ListView1_MouseDown();
+  EXPECT_THAT(world.views.menus, ElementsAre(true, false));
+  world.mouse.swapped = true;
+  commands.ListView1_MouseDown();
+  EXPECT_EQ(world.views.menus.size(), 2U);
+  world.mouse.down = {kLeftButton};
+  commands.ListView1_MouseDown();
+  EXPECT_EQ(world.views.menus.size(), 3U);
+}
+
+TEST_F(ListCommandsTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
+  world.CallAndWaitForAnswer();
+  world.RunFor(100ms);
+  world.Press("4711*");
+  ASSERT_TRUE(world.CurrentCall().remote_playback);
+  commands.ListView1_Click(3);
+  EXPECT_EQ(list.Selected(), 1);
+  EXPECT_EQ(world.views.selection, 1);
+}
+
+TEST_F(ListCommandsTest, PlayGoesOnToTheNextMessage) {
+  list.Select(2);
+  player.Play();
+  EXPECT_EQ(list.Selected(), 3);
+  EXPECT_EQ(world.WavePlay.played.back(), (TimedWave::Played{world.messages + "old.wav", 0}));
+  EXPECT_THAT(Icons(), ElementsAre(kUnreadMessage, kReadNoMessage, kReadMessage));
+  EXPECT_TRUE(world.views.slider_enabled);
+  player.SeekTo(75);
+  EXPECT_EQ(world.views.slider, 75);
+  world.RunFor(1100ms);
+  EXPECT_FALSE(player.Playing());
+  EXPECT_EQ(world.views.slider, 0);
+  EXPECT_FALSE(world.views.slider_enabled);
+}
+
+TEST_F(ListCommandsTest, ALongSearchForAMessageIsDoneBitByBit) {
+  for (int call = 0; call < 35; ++call) world.AddCallWithoutMessage();
+  list.makeList();
+  list.Select(1);
+  player.Play();
+  EXPECT_FALSE(player.Playing()) << "other events first";
+  world.RunFor(10ms);
+  EXPECT_EQ(list.Selected(), 36);
+  EXPECT_TRUE(player.Playing());
+  EXPECT_EQ(list.NewCalls(), 2) << "the calls on the way are read, the rest is not";
+
+  list.Select(1);
+  world.Machine().calls.MarkAsReadUnRead(36, false);
+  player.Play();
+  player.PressStop();
+  world.RunFor(10ms);
+  EXPECT_EQ(list.Selected(), 1) << "a search that was stopped ends";
+}
+
+TEST_F(ListCommandsTest, NothingToPlayStopsWhatPlays) {
+  world.AddCallWithoutMessage();
+  std::ranges::rotate(world.database.Records(), world.database.Records().end() - 1);
+  list.makeList();
+  list.Select(4);
+  player.Play();
+  EXPECT_FALSE(player.Playing());
+  EXPECT_EQ(world.views.rows[3].icon, kReadNoMessage);
+  list.Select(1);
+  world.files.Delete(world.messages + "new.wav");
+  EXPECT_THAT(world.LoggedBy([&] { player.Play(); }), ElementsAre("wave error 4"));
+  EXPECT_FALSE(player.Playing());
+}
+
+TEST_F(ListCommandsTest, AListThatAnotherProgramEmptiedIsNoFault) {
+  list.Select(1);
+  player.Play();
+  world.database.Records().clear();
+  commands.Next();
+  commands.Delete();
+  player.Play();
+  commands.MarkAsUnread();
+  EXPECT_TRUE(world.Logged("ErrMarkAsReadUnRead 9 Subscript out of range"));
+  list.makeList();
+  EXPECT_EQ(list.Count(), 0);
+  EXPECT_EQ(world.shell.icon.tip.substr(0, 24), std::string("ORVEN - Calls:0  New:0\0\0", 24));
+}
+
+TEST_F(ListCommandsTest, ThePictureIsTheSelectedMessages) {
+  list.Select(3);
+  EXPECT_EQ(world.waveforms.path, world.messages + "old.wav");
+  world.waveforms.done({{0.5F}, 4s});
+  EXPECT_EQ(world.views.waveform.peaks.size(), 1U);
+  list.Select(2);
+  EXPECT_EQ(world.waveforms.path, "");
+  EXPECT_THAT(world.views.waveform.peaks, IsEmpty());
+}
+
+}  // namespace
+}  // namespace orven::test
