@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMainPlacement.h"
+
+namespace orven {
+namespace {
+
+constexpr QSize kLeastSize{560, 360};
+constexpr QSize kFirstSize{900, 560};
+constexpr int kToolbarIcon = 24;
+
+}  // namespace
+
+frmMain::frmMain()
+    : Toolbar1_(new ButtonBar(QStringLiteral("Toolbar1"), tr("Calls and settings"), this)),
+      TBQuickOption_(new QuickOptionBar(this)),
+      ListView1_(new CallListWidget(this)),
+      player_(new PlayerPanel(this)),
+      StatusBar1_(new MainStatusBar(this)) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(tr("ORVEN"));
+  setWindowIcon(ProgramIcon());
+  UseIconTheme(palette());
+  AddToolbar1();
+  LayOut();
+  menus_ = new MainMenus(*this, *ListView1_);
+  SetTabOrder();
+  ShowLine(false);
+}
+
+void frmMain::AddToolbar1() {
+  auto& bar = *Toolbar1_;
+  bar.setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  bar.setIconSize({kToolbarIcon, kToolbarIcon});
+  bar.AddButton({"OnOff", tr("Off"), tr("Modem Status"), "call-stop"})->defaultAction()->setCheckable(true);
+  bar.addSeparator();
+  bar.AddButton({"Back", tr("Back"), tr("Back  Message"), "go-previous"});
+  bar.AddButton({"Next", tr("Next"), tr("Next Message"), "go-next"});
+  bar.addSeparator();
+  bar.AddButton({"Save", tr("Save"), tr("Save Message As"), "document-save-as"});
+  bar.AddButton({"Delete", tr("Delete"), tr("Delete Message"), "edit-delete"});
+  bar.AddButton({"Clear", tr("   Clear   "), tr("Clear Calls List"), "edit-clear-all"});
+  bar.addSeparator();
+  bar.AddButton({"Log", tr("Log"), tr("Log"), "view-list-text"});
+  bar.AddButton({"Events", tr("Events"), tr("Set Events"), "notifications"});
+  bar.AddButton({"Actions", tr("Actions"), tr("Set Actions"), "system-run"});
+  bar.AddButton({"Options", tr("Options"), tr("Options"), "configure"});
+}
+
+void frmMain::LayOut() {
+  addToolBar(Toolbar1_);
+  addToolBarBreak();
+  addToolBar(TBQuickOption_);
+  auto* middle = new QWidget(this);
+  auto* column = new QVBoxLayout(middle);
+  column->addWidget(ListView1_, 1);
+  column->addWidget(player_);
+  setCentralWidget(middle);
+  setStatusBar(StatusBar1_);
+
+  setMinimumSize(kLeastSize);
+  resize(kFirstSize);
+  if (const auto* screen = QGuiApplication::primaryScreen()) {
+    const auto usable = screen->availableGeometry();
+    move(usable.center() - QPoint(kFirstSize.width() / 2, kFirstSize.height() / 2));
+  }
+  ListView1_->setFocus();
+}
+
+void frmMain::SetTabOrder() {
+  QList<QWidget*> order{ListView1_, player_->ToolBarPlayer().Find("Play"),
+                        player_->ToolBarPlayer().Find("Stop"), &player_->Slider1()};
+  for (const char* name : {"cmbDefGreet", "TBQuickOption.Play", "TBQuickOption.Stop", "TBQuickOption.Add",
+                           "TBQuickOption.Delete", "cmbRings", "chkRecMessage"}) {
+    order << TBQuickOption_->findChild<QWidget*>(QString::fromLatin1(name));
+  }
+  order << &StatusBar1_->Check1();
+  for (auto* action : Toolbar1_->actions()) {
+    if (!action->isSeparator()) order << Toolbar1_->widgetForAction(action);
+  }
+  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+void frmMain::Attach(MainWindow& engine) {
+  engine_ = &engine;
+  AttachToolbars();
+  AttachList();
+  AttachPlayer();
+  AttachQuickOptions();
+  menus_->Attach(engine, *Toolbar1_, player_->ToolBarPlayer());
+  connect(&StatusBar1_->Check1(), &QCheckBox::clicked, this, [this] { engine_->ChangeGridLines(); });
+}
+
+void frmMain::AttachToolbars() {
+  connect(Toolbar1_, &ButtonBar::ButtonClick, this, [this](const QString& key, bool down) {
+    engine_->Commands().Toolbar1_ButtonClick(key.toStdString(), down);
+    ShowLine(line_on_);  // the button shows what the line is, whatever the click asked for
+  });
+  const std::pair<const char*, Dialog> dialogs[] = {{"Log", Dialog::frmLog},
+                                                    {"Events", Dialog::frmEvents},
+                                                    {"Actions", Dialog::frmActions},
+                                                    {"Options", Dialog::frmOptions}};
+  for (const auto& [key, dialog] : dialogs) {
+    Toolbar1_->Find(key)->defaultAction()->setEnabled(engine_->Commands().Offers(dialog));
+  }
+}
+
+void frmMain::AttachList() {
+  auto& commands = engine_->Machine().list_commands;
+  ListView1_->SetSource([this](std::int32_t index) { return engine_->Machine().ListView1.Row(index); });
+  connect(ListView1_, &CallListWidget::Selected, this,
+          [&commands](int row) { commands.ListView1_Selected(row); });
+  connect(ListView1_, &CallListWidget::MouseDown, this, [&commands] { commands.ListView1_MouseDown(); });
+  connect(ListView1_, &CallListWidget::clicked, this,
+          [&commands](const QModelIndex& index) { commands.ListView1_Click(index.row() + 1); });
+  connect(ListView1_, &CallListWidget::DoubleClicked, this, [&commands] { commands.ListView1_DblClick(); });
+  connect(ListView1_, &CallListWidget::MenuWanted, this, [&commands] { commands.PopUpMenu(); });
+}
+
+void frmMain::AttachPlayer() {
+  connect(&player_->ToolBarPlayer(), &ButtonBar::ButtonClick, this,
+          [this](const QString& key) { engine_->Commands().ToolBarPlayer_ButtonClick(key.toStdString()); });
+  auto& player = engine_->Machine().player;
+  connect(&player_->Slider1(), &SeekSlider::Sought, this, [&player](int value) { player.SeekTo(value); });
+  connect(&player_->Picture(), &WaveformWidget::Sought, this,
+          [&player](double part) { player.SeekToPart(part); });
+}
+
+void frmMain::AttachQuickOptions() {
+  connect(TBQuickOption_, &ButtonBar::ButtonClick, this,
+          [this](const QString& key) { engine_->Commands().TBQuickOption_ButtonClick(key.toStdString()); });
+  TBQuickOption_->Find("Add")->defaultAction()->setEnabled(engine_->Commands().Offers(Dialog::frmGreetC));
+  auto& options = engine_->Machine().quick_options;
+  connect(TBQuickOption_, &QuickOptionBar::GreetingChosen, this,
+          [&options](const QString& name) { options.SetGreeting(name.toStdString()); });
+  connect(TBQuickOption_, &QuickOptionBar::RingsChosen, this,
+          [&options](const QString& text) { options.SetRings(text.toStdString()); });
+  connect(TBQuickOption_, &QuickOptionBar::RecordMessageChosen, this,
+          [&options](bool on) { options.SetRecordMessage(on); });
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  event->setAccepted(engine_ == nullptr || engine_->Ended() || engine_->Unload());
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) UseIconTheme(palette());
+  if (event->type() != QEvent::WindowStateChange) return;
+  const bool came_back = minimised_ && !isMinimized();
+  minimised_ = isMinimized();
+  if (came_back && engine_ != nullptr) engine_->CameBack();
+}
+
+}  // namespace orven

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMainWindow>
+
+#include "shell/frmMainBar.h"
+#include "shell/frmMainCallList.h"
+#include "shell/frmMainMenus.h"
+#include "shell/frmMainPlayer.h"
+#include "shell/frmMainQuickOptions.h"
+#include "shell/frmMainStatusBar.h"
+#include "shell/main_window.h"
+#include "shell/main_window_view.h"
+
+namespace orven {
+
+/// The main window. It shows what the engine tells it and hands over what a person does; it decides
+/// nothing. Every control's object name is its name in this program ("Toolbar1", "ListView1"); a
+/// toolbar's button is named "<toolbar>.<key>". User-interface thread.
+class frmMain : public QMainWindow, public WholeMainWindow {
+  Q_OBJECT
+
+ public:
+  frmMain();
+
+  /// Connects the controls with the engine, once. The engine is made after the window, which is its
+  /// view, and lives until the window is no longer used.
+  void Attach(MainWindow& engine);
+
+  /// The menu `mnuSystry`.
+  QMenu& TrayMenu() { return menus_->Systry(); }
+
+  /// This window as every view but the caller view and the actions.
+  MainWindowViews Views(CallerView& caller_view, CallActions& actions);
+
+  // LineView
+  void ShowStatus(const std::string& text) override;
+  void ShowLine(bool on) override;
+
+  // QuickOptionBoxes
+  void FillRings(const std::vector<std::string>& texts) override;
+  void ShowRings(std::int16_t count) override;
+  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) override;
+  std::string SelectedGreeting() const override;
+  void ShowRecordMessage(bool on) override;
+
+  // WindowFrame
+  WindowGeometry Geometry() const override;
+  void Place(const WindowGeometry& geometry) override;
+  std::uint32_t ToolbarStyle(Toolbar toolbar) const override;
+  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) override;
+  void ShowQuickToolbar(bool on) override;
+  bool GridLines() const override;
+  void SetGridLines(bool on) override;
+  void SetListStyle(std::uint32_t mask, std::uint32_t style) override;
+  std::uintptr_t Handle() const override;
+  void Show() override;
+  void Hide() override;
+  void Minimise() override;
+  void Restore() override;
+  void PopUpTrayMenu() override;
+  void CloseOtherWindows() override;
+
+  // CallListView
+  void ShowColumns(const std::vector<CallColumn>& columns) override;
+  void ShowRowCount(std::int32_t count) override;
+  void ShowRowsInserted(std::int32_t count) override;
+  void ShowRowRemoved(std::int32_t index) override;
+  void ShowRowsChanged() override;
+  void ShowIcon(std::int32_t index, CallIcon icon) override;
+  void ShowSelection(std::int32_t index) override;
+  void EnsureVisible(std::int32_t index) override;
+  void PopUpMenu(bool message) override;
+
+  // PlayerView
+  void SetSliderRange(std::int32_t first, std::int32_t last) override;
+  void EnableSlider(bool on) override;
+  void ShowSlider(std::int32_t value) override;
+  void ShowWaveform(const Waveform& waveform) override;
+  void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
+
+  // ClockPanels
+  void ShowClock(const std::string& time, const std::string& date) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  QMenu* createPopupMenu() override { return nullptr; }
+
+ private:
+  void AddToolbar1();
+  void LayOut();
+  void SetTabOrder();
+  void AttachToolbars();
+  void AttachList();
+  void AttachPlayer();
+  void AttachQuickOptions();
+  ButtonBar& Bar(Toolbar toolbar) const;
+
+  ButtonBar* Toolbar1_;
+  QuickOptionBar* TBQuickOption_;
+  CallListWidget* ListView1_;
+  PlayerPanel* player_;
+  MainStatusBar* StatusBar1_;
+  MainMenus* menus_;
+  MainWindow* engine_ = nullptr;
+  bool line_on_ = false;
+  bool minimised_ = false;  ///< and nobody but a person brings it back
+};
+
+}  // namespace orven

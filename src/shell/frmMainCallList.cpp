@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/frmMainCallList.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+#include "shell/frmMainPlacement.h"
+
+namespace orven {
+namespace {
+
+constexpr std::uint32_t kGridLines = 0x1;       // LVS_EX_GRIDLINES
+constexpr std::uint32_t kFullRowSelect = 0x20;  // LVS_EX_FULLROWSELECT
+
+/// The stored widths are meant for a font whose average character is this wide.
+constexpr int kStoredCharacterWidth = 5;
+
+constexpr int kRowPadding = 10;
+constexpr int kPictureSize = 16;
+
+/// Paints a cell: the picture in the middle of its column, the selection as far as the style says.
+class CallDelegate : public QStyledItemDelegate {
+ public:
+  CallDelegate(CallListWidget* list, const std::uint32_t& style) : QStyledItemDelegate(list), style_(style) {}
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->state &= ~QStyle::State_HasFocus;
+    option->decorationAlignment = Qt::AlignCenter;
+    if (index.column() > 0 && (style_ & kFullRowSelect) == 0) option->state &= ~QStyle::State_Selected;
+  }
+
+ private:
+  const std::uint32_t& style_;
+};
+
+}  // namespace
+
+CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(new CallModel(this)) {
+  setObjectName(QStringLiteral("ListView1"));
+  setAccessibleName(tr("Calls"));
+  setItemDelegate(new CallDelegate(this, style_));
+  setModel(model_);
+  setSelectionMode(SingleSelection);
+  setSelectionBehavior(SelectRows);
+  setEditTriggers(NoEditTriggers);
+  setAutoScroll(false);  // the program selects without scrolling
+  setTabKeyNavigation(false);
+  setCornerButtonEnabled(false);
+  setWordWrap(false);
+  setShowGrid(false);
+  setIconSize({kPictureSize, kPictureSize});
+  setVerticalScrollMode(ScrollPerPixel);
+  setHorizontalScrollMode(ScrollPerPixel);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  horizontalHeader()->setSectionsClickable(false);
+  horizontalHeader()->setHighlightSections(false);
+  horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  SetMetrics();
+}
+
+void CallListWidget::SetMetrics() {
+  const int height = std::max(fontMetrics().height(), kPictureSize) + kRowPadding;
+  verticalHeader()->setMinimumSectionSize(height);
+  verticalHeader()->setDefaultSectionSize(height);
+  const int character = std::max(fontMetrics().averageCharWidth(), kStoredCharacterWidth);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    const int stored = columns_[i].width / kTwipsPerPixel * character / kStoredCharacterWidth;
+    const auto column = static_cast<int>(i);
+    setColumnWidth(column, std::max(stored, horizontalHeader()->sectionSizeHint(column)));
+  }
+}
+
+void CallListWidget::ShowColumns(const std::vector<CallColumn>& columns) {
+  columns_ = columns;
+  model_->SetColumns(columns);
+  SetMetrics();
+}
+
+void CallListWidget::ShowRowCount(std::int32_t count) {
+  const QScopedValueRollback program(by_program_, true);
+  model_->SetCount(count);
+}
+
+void CallListWidget::ShowRowsInserted(std::int32_t count) {
+  const QScopedValueRollback program(by_program_, true);
+  const bool at_top = verticalScrollBar()->value() == 0;
+  model_->InsertAtTop(count);
+  if (!at_top) ScrollBy(count);
+}
+
+void CallListWidget::ShowRowRemoved(std::int32_t index) {
+  const QScopedValueRollback program(by_program_, true);
+  const bool above = rowViewportPosition(index - 1) < 0;
+  model_->Remove(index);
+  if (above) ScrollBy(-1);
+}
+
+void CallListWidget::ScrollBy(int rows) {
+  executeDelayedItemsLayout();
+  updateGeometries();
+  verticalScrollBar()->setValue(verticalScrollBar()->value() + rows * verticalHeader()->defaultSectionSize());
+}
+
+void CallListWidget::ShowSelection(std::int32_t index) {
+  const QScopedValueRollback program(by_program_, true);
+  selectionModel()->setCurrentIndex(model_->index(index - 1, 0),
+                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void CallListWidget::EnsureVisible(std::int32_t index) {
+  const int across = horizontalScrollBar()->value();
+  scrollTo(model_->index(index - 1, 0), QAbstractItemView::EnsureVisible);
+  horizontalScrollBar()->setValue(across);
+}
+
+void CallListWidget::SetStyleBits(std::uint32_t mask, std::uint32_t style) {
+  style_ = (style_ & ~mask) | (style & mask);
+  setShowGrid((style_ & kGridLines) != 0);
+  viewport()->update();
+}
+
+int CallListWidget::SelectedRow() const {
+  const auto rows = selectionModel()->selectedRows();
+  return rows.isEmpty() ? 0 : rows.first().row() + 1;
+}
+
+QPoint CallListWidget::MenuPosition() const {
+  if (!by_keyboard_) return QCursor::pos();
+  const auto row = visualRect(model_->index(SelectedRow() - 1, 0));
+  return viewport()->mapToGlobal(row.isValid() ? row.bottomRight() : QPoint());
+}
+
+void CallListWidget::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+  QTableView::selectionChanged(selected, deselected);
+  const int row = SelectedRow();
+  if (by_program_ || row == 0) return;
+  EnsureVisible(row);
+  emit Selected(row);
+}
+
+QItemSelectionModel::SelectionFlags CallListWidget::selectionCommand(const QModelIndex& index,
+                                                                     const QEvent* event) const {
+  // A row stays selected until another is; dragging the mouse across the rows selects none.
+  if (!index.isValid() || (event != nullptr && event->type() == QEvent::MouseMove)) {
+    return QItemSelectionModel::NoUpdate;
+  }
+  return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
+QModelIndex CallListWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  // A list with the focus but without a selection has a current row, which nobody sees.
+  if (SelectedRow() == 0 && model_->rowCount() > 0) return model_->index(0, 0);
+  return QTableView::moveCursor(action, modifiers);
+}
+
+void CallListWidget::keyPressEvent(QKeyEvent* event) {
+  if (event == QKeySequence::Copy) {
+    if (SelectedRow() > 0) QApplication::clipboard()->setText(model_->RowText(SelectedRow() - 1));
+    return;
+  }
+  // Searching for what is typed would read every row there is.
+  if (!event->text().isEmpty() && event->text().front().isPrint()) return event->ignore();
+  QTableView::keyPressEvent(event);
+}
+
+void CallListWidget::mousePressEvent(QMouseEvent* event) {
+  QTableView::mousePressEvent(event);
+  emit MouseDown();
+}
+
+void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  QTableView::mouseDoubleClickEvent(event);
+  if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid()) {
+    emit DoubleClicked();
+  }
+}
+
+void CallListWidget::contextMenuEvent(QContextMenuEvent* event) {
+  event->accept();
+  if (event->reason() != QContextMenuEvent::Keyboard) return;  // pressing the button has opened it
+  const QScopedValueRollback keyboard(by_keyboard_, true);
+  emit MenuWanted();
+}
+
+void CallListWidget::changeEvent(QEvent* event) {
+  QTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetMetrics();
+}
+
+void CallListWidget::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (model_->rowCount() > 0) return;
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::PlaceholderText));
+  painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, tr("No calls yet."));
+}
+
+}  // namespace orven

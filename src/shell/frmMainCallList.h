@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QTableView>
+#include <cstdint>
+
+#include "records/call_list.h"
+#include "shell/frmMainCallModel.h"
+
+namespace orven {
+
+/// The call list `ListView1`. Its signals are a person's doing only: what the program shows through
+/// the methods below raises none. Row indexes are 1-based.
+class CallListWidget : public QTableView {
+  Q_OBJECT
+
+ public:
+  explicit CallListWidget(QWidget* parent);
+
+  void SetSource(CallModel::RowSource source) { model_->SetSource(std::move(source)); }
+
+  void ShowColumns(const std::vector<CallColumn>& columns);
+  void ShowRowCount(std::int32_t count);
+  void ShowRowsInserted(std::int32_t count);
+  void ShowRowRemoved(std::int32_t index);
+  void ShowRowsChanged() { model_->Refresh(); }
+  void ShowIcon(std::int32_t index, CallIcon icon) { model_->SetIcon(index, icon); }
+  void ShowSelection(std::int32_t index);
+  void EnsureVisible(std::int32_t index);
+
+  /// Extended list style bits: 0x1 grid lines, 0x20 full-row select.
+  void SetStyleBits(std::uint32_t mask, std::uint32_t style);
+  std::uint32_t StyleBits() const { return style_; }
+
+  /// Where a menu for the selected call belongs, on the screen: at the mouse, or at the row when the
+  /// menu was asked for by the keyboard.
+  QPoint MenuPosition() const;
+
+ signals:
+  void Selected(int row);
+  /// A mouse button went down, after the row below it was selected.
+  void MouseDown();
+  void Clicked(int row);
+  void DoubleClicked();
+  void MenuWanted();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                       const QEvent* event) const override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+
+ private:
+  int SelectedRow() const;
+  void SetMetrics();
+  void ScrollBy(int rows);
+
+  CallModel* model_;
+  std::vector<CallColumn> columns_;
+  std::uint32_t style_ = 0;
+  bool by_program_ = false;   ///< the selection is being changed by the program
+  bool by_keyboard_ = false;  ///< the menu was asked for by the keyboard
+};
+
+}  // namespace orven

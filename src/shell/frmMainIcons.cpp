@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/frmMainIcons.h"
+
+#include <QFile>
+#include <QStandardPaths>
+#include <array>
+
+/// The pictures are linked in with a library, whose resources nobody would register otherwise.
+static void RegisterPictures() {
+  Q_INIT_RESOURCE(orven_icons);
+}
+
+namespace orven {
+namespace {
+
+constexpr int kDarkBelow = 128;  // HSL lightness, 0 to 255
+
+bool IsInstalled(const QString& theme) {
+  const auto folders = QIcon::themeSearchPaths();
+  return std::any_of(folders.begin(), folders.end(), [&](const QString& folder) {
+    return QFile::exists(folder + u'/' + theme + QStringLiteral("/index.theme"));
+  });
+}
+
+/// Not every platform of Qt knows where a desktop keeps its icons.
+void AddSearchPaths() {
+  auto paths = QIcon::themeSearchPaths();
+  const auto shared = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
+                                                QStandardPaths::LocateDirectory);
+  for (const auto& path : shared) {
+    if (!paths.contains(path)) paths.append(path);
+  }
+  QIcon::setThemeSearchPaths(paths);
+}
+
+QIcon Picture(const QString& name) {
+  RegisterPictures();
+  return QIcon(QStringLiteral(":/icons/") + name + QStringLiteral(".svg"));
+}
+
+}  // namespace
+
+void UseIconTheme(const QPalette& palette) {
+  AddSearchPaths();
+  const bool dark = palette.color(QPalette::Window).lightness() < kDarkBelow;
+  const QString theme = dark ? QStringLiteral("breeze-dark") : QStringLiteral("breeze");
+  if (QIcon::themeName() != theme && IsInstalled(theme)) QIcon::setThemeName(theme);
+}
+
+QIcon ThemeIcon(const char* name) {
+  return QIcon::fromTheme(QString::fromLatin1(name));
+}
+
+QIcon ProgramIcon() {
+  return Picture(QStringLiteral("orven"));
+}
+
+const QIcon& CallPicture(CallIcon icon) {
+  static const std::array pictures{Picture(QStringLiteral("call-1")), Picture(QStringLiteral("call-2")),
+                                   Picture(QStringLiteral("call-3")), Picture(QStringLiteral("call-4"))};
+  static const QIcon none;
+  const auto place = static_cast<std::size_t>(icon) - 1;
+  return place < pictures.size() ? pictures.at(place) : none;
+}
+
+}  // namespace orven

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/frmMainPlayer.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace orven {
+namespace {
+
+/// "1:05"; a message that has begun its last second is shown at its full length.
+QString Minutes(std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::round<std::chrono::seconds>(time).count();
+  return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
+}
+
+}  // namespace
+
+PlayerPanel::PlayerPanel(QWidget* parent)
+    : QWidget(parent),
+      bar_(new ButtonBar(QStringLiteral("ToolBarPlayer"), tr("Player"), this)),
+      picture_(new WaveformWidget(this)),
+      slider_(new SeekSlider(this)),
+      times_(new QLabel(this)) {
+  bar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  bar_->AddButton({"Play", tr("Play"), tr("Play the selected message"), "media-playback-start"});
+  bar_->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
+
+  slider_->setObjectName(QStringLiteral("Slider1"));
+  slider_->setAccessibleName(tr("Position in the message"));
+  slider_->setEnabled(false);
+  times_->setObjectName(QStringLiteral("lblTimes"));
+  times_->setAccessibleName(tr("Time played and length of the message"));
+  times_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+
+  auto* message = new QVBoxLayout;
+  message->setSpacing(0);
+  message->addWidget(picture_);
+  message->addWidget(slider_);
+  auto* row = new QHBoxLayout(this);
+  row->addWidget(bar_);
+  row->addLayout(message, 1);
+  row->addWidget(times_);
+  AlignPicture();
+  ShowTimes();
+}
+
+void PlayerPanel::AlignPicture() {
+  bar_->setIconSize({16, 16});
+  picture_->SetInset(style()->pixelMetric(QStyle::PM_SliderLength, nullptr, slider_) / 2);
+  times_->setMinimumWidth(times_->fontMetrics().horizontalAdvance(QStringLiteral("00:00 / 00:00")));
+}
+
+void PlayerPanel::ShowWaveform(const Waveform& waveform) {
+  picture_->ShowWaveform(waveform);
+  selected_length_ = waveform.length;
+  ShowTimes();
+}
+
+void PlayerPanel::ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
+  picture_->ShowProgress(position, length);
+  position_ = position;
+  playing_length_ = length;
+  ShowTimes();
+}
+
+void PlayerPanel::ShowTimes() {
+  const auto length = playing_length_.count() > 0 ? playing_length_ : selected_length_;
+  times_->setText(length.count() > 0 ? Minutes(position_) + QStringLiteral(" / ") + Minutes(length)
+                                     : QStringLiteral("–:––"));
+}
+
+void PlayerPanel::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange) AlignPicture();
+}
+
+}  // namespace orven

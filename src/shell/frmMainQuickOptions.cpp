@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/frmMainQuickOptions.h"
+
+#include <QLabel>
+#include <algorithm>
+
+namespace orven {
+namespace {
+
+/// A greeting's name may be long; the box does not grow with it.
+constexpr int kGreetingCharacters = 12;
+constexpr int kButtonIcon = 16;
+
+QLabel* Label(const QString& text, QWidget* parent) {
+  auto* label = new QLabel(text, parent);
+  constexpr int kGap = 4;
+  label->setContentsMargins(kGap, 0, kGap, 0);
+  return label;
+}
+
+void Fill(QComboBox& box, const std::vector<std::string>& texts) {
+  box.clear();
+  for (const auto& text : texts) box.addItem(QString::fromStdString(text));
+}
+
+}  // namespace
+
+QuickOptionBar::QuickOptionBar(QWidget* parent)
+    : ButtonBar(QStringLiteral("TBQuickOption"), tr("Quick options"), parent) {
+  setIconSize({kButtonIcon, kButtonIcon});
+  AddGreetings();
+  addSeparator();
+  AddRings();
+  addSeparator();
+  record_ = new QCheckBox(tr("Record messages"), this);
+  record_->setObjectName(QStringLiteral("chkRecMessage"));
+  record_->setToolTip(tr("Record a message after the greeting"));
+  connect(record_, &QCheckBox::clicked, this, &QuickOptionBar::RecordMessageChosen);
+  addWidget(record_);
+}
+
+QComboBox* QuickOptionBar::AddBox(const char* name, const QString& label, const QString& purpose) {
+  auto* text = Label(label, this);
+  auto* box = new QComboBox(this);
+  box->setObjectName(QString::fromLatin1(name));
+  box->setAccessibleName(purpose);
+  box->setToolTip(purpose);
+  text->setBuddy(box);
+  addWidget(text);
+  addWidget(box);
+  return box;
+}
+
+void QuickOptionBar::AddGreetings() {
+  greetings_ = AddBox("cmbDefGreet", tr("Greeting:"), tr("The greeting that callers hear"));
+  greetings_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  greetings_->setMinimumContentsLength(kGreetingCharacters);
+  connect(greetings_, &QComboBox::activated, this,
+          [this] { emit GreetingChosen(greetings_->currentText()); });
+  AddButton({"Play", tr("Play"), tr("Play the greeting"), "media-playback-start"});
+  AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
+  AddButton({"Add", tr("Add"), tr("Make a new greeting"), "list-add"});
+  AddButton({"Delete", tr("Delete"), tr("Delete the greeting"), "edit-delete"});
+}
+
+void QuickOptionBar::AddRings() {
+  rings_ = AddBox("cmbRings", tr("Answer after"), tr("Number of rings before a call is answered"));
+  connect(rings_, &QComboBox::activated, this, [this] { emit RingsChosen(rings_->currentText()); });
+  addWidget(Label(tr("rings"), this));
+}
+
+void QuickOptionBar::FillRings(const std::vector<std::string>& texts) {
+  Fill(*rings_, texts);
+}
+
+void QuickOptionBar::ShowRings(std::int16_t count) {
+  rings_->setCurrentIndex(rings_->findText(QString::number(count)));
+}
+
+void QuickOptionBar::FillGreetings(const std::vector<std::string>& names, const std::string& selected) {
+  Fill(*greetings_, names);
+  if (names.empty()) return;
+  const auto place = std::find(names.begin(), names.end(), selected);
+  greetings_->setCurrentIndex(place == names.end() ? 0 : static_cast<int>(place - names.begin()));
+}
+
+}  // namespace orven

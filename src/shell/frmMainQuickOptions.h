@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "shell/frmMainBar.h"
+
+namespace orven {
+
+/// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings,
+/// whether messages are recorded. Its signals are a person's choices only.
+class QuickOptionBar : public ButtonBar {
+  Q_OBJECT
+
+ public:
+  explicit QuickOptionBar(QWidget* parent);
+
+  void FillRings(const std::vector<std::string>& texts);
+  void ShowRings(std::int16_t count);
+  void FillGreetings(const std::vector<std::string>& names, const std::string& selected);
+  QString SelectedGreeting() const { return greetings_->currentText(); }
+  void ShowRecordMessage(bool on) { record_->setChecked(on); }
+
+ signals:
+  void GreetingChosen(const QString& name);
+  void RingsChosen(const QString& text);
+  void RecordMessageChosen(bool on);
+
+ private:
+  void AddGreetings();
+  void AddRings();
+  QComboBox* AddBox(const char* name, const QString& label, const QString& purpose);
+
+  QComboBox* greetings_ = nullptr;
+  QComboBox* rings_ = nullptr;
+  QCheckBox* record_ = nullptr;
+};
+
+}  // namespace orven

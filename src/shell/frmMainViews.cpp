@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the engine shows on the main window.
+#include <QApplication>
+#include <QScreen>
+
+#include "shell/frmMain.h"
+#include "shell/frmMainIcons.h"
+#include "shell/frmMainPlacement.h"
+
+namespace orven {
+
+MainWindowViews frmMain::Views(CallerView& caller_view, CallActions& actions) {
+  return {*this, *this, *this, *this, *this, *this, caller_view, actions};
+}
+
+void frmMain::ShowStatus(const std::string& text) {
+  StatusBar1_->ShowStatus(QString::fromStdString(text));
+}
+
+void frmMain::ShowLine(bool on) {
+  line_on_ = on;
+  auto& action = *Toolbar1_->Find("OnOff")->defaultAction();
+  action.setChecked(on);
+  action.setText(on ? tr("On") : tr("Off"));
+  action.setIcon(ThemeIcon(on ? "call-start" : "call-stop"));
+  menus_->ShowLine(on);
+}
+
+void frmMain::FillRings(const std::vector<std::string>& texts) {
+  TBQuickOption_->FillRings(texts);
+}
+
+void frmMain::ShowRings(std::int16_t count) {
+  TBQuickOption_->ShowRings(count);
+}
+
+void frmMain::FillGreetings(const std::vector<std::string>& names, const std::string& selected) {
+  TBQuickOption_->FillGreetings(names, selected);
+}
+
+std::string frmMain::SelectedGreeting() const {
+  return TBQuickOption_->SelectedGreeting().toStdString();
+}
+
+void frmMain::ShowRecordMessage(bool on) {
+  TBQuickOption_->ShowRecordMessage(on);
+}
+
+WindowGeometry frmMain::Geometry() const {
+  // The frame's place and the size inside it: exactly what move() and resize() take.
+  WindowGeometry geometry;
+  geometry.left = x() * kTwipsPerPixel;
+  geometry.top = y() * kTwipsPerPixel;
+  geometry.width = width() * kTwipsPerPixel;
+  geometry.height = height() * kTwipsPerPixel;
+  if (isMinimized())
+    geometry.state = 1;
+  else if (isMaximized())
+    geometry.state = 2;
+  return geometry;
+}
+
+void frmMain::Place(const WindowGeometry& geometry) {
+  QList<QRect> screens;
+  for (const auto* screen : QGuiApplication::screens()) screens << screen->availableGeometry();
+  const auto place = FitOnScreens(geometry, minimumSize(), screens);
+  move(place.topLeft());
+  resize(place.size());
+  if (geometry.state == 1) setWindowState(Qt::WindowMinimized);
+  if (geometry.state == 2) setWindowState(Qt::WindowMaximized);
+}
+
+ButtonBar& frmMain::Bar(Toolbar toolbar) const {
+  switch (toolbar) {
+    case Toolbar::Toolbar1: return *Toolbar1_;
+    case Toolbar::ToolBarPlayer: return player_->ToolBarPlayer();
+    case Toolbar::TBQuickOption: break;
+  }
+  return *TBQuickOption_;
+}
+
+std::uint32_t frmMain::ToolbarStyle(Toolbar toolbar) const {
+  return Bar(toolbar).Style();
+}
+
+void frmMain::SetToolbarStyle(Toolbar toolbar, std::uint32_t style) {
+  Bar(toolbar).SetStyle(style);
+}
+
+void frmMain::ShowQuickToolbar(bool on) {
+  TBQuickOption_->setVisible(on);
+}
+
+bool frmMain::GridLines() const {
+  return StatusBar1_->Check1().isChecked();
+}
+
+void frmMain::SetGridLines(bool on) {
+  StatusBar1_->Check1().setChecked(on);
+}
+
+void frmMain::SetListStyle(std::uint32_t mask, std::uint32_t style) {
+  ListView1_->SetStyleBits(mask, style);
+}
+
+std::uintptr_t frmMain::Handle() const {
+  return winId();
+}
+
+void frmMain::Show() {
+  show();
+}
+
+void frmMain::Hide() {
+  hide();
+}
+
+void frmMain::Minimise() {
+  showMinimized();
+}
+
+void frmMain::Restore() {
+  minimised_ = false;  // the program brings it back, no person
+  showNormal();
+  raise();
+  activateWindow();
+}
+
+void frmMain::PopUpTrayMenu() {
+  menus_->Systry().popup(QCursor::pos());
+}
+
+void frmMain::CloseOtherWindows() {
+  const auto windows = QApplication::topLevelWidgets();
+  for (auto* window : windows) {
+    if (window->objectName() == u"frmMSG" || window->objectName() == u"frmLog") window->close();
+  }
+}
+
+void frmMain::ShowColumns(const std::vector<CallColumn>& columns) {
+  ListView1_->ShowColumns(columns);
+}
+
+void frmMain::ShowRowCount(std::int32_t count) {
+  ListView1_->ShowRowCount(count);
+}
+
+void frmMain::ShowRowsInserted(std::int32_t count) {
+  ListView1_->ShowRowsInserted(count);
+}
+
+void frmMain::ShowRowRemoved(std::int32_t index) {
+  ListView1_->ShowRowRemoved(index);
+}
+
+void frmMain::ShowRowsChanged() {
+  ListView1_->ShowRowsChanged();
+}
+
+void frmMain::ShowIcon(std::int32_t index, CallIcon icon) {
+  ListView1_->ShowIcon(index, icon);
+}
+
+void frmMain::ShowSelection(std::int32_t index) {
+  ListView1_->ShowSelection(index);
+}
+
+void frmMain::EnsureVisible(std::int32_t index) {
+  ListView1_->EnsureVisible(index);
+}
+
+void frmMain::PopUpMenu(bool message) {
+  menus_->RightClick(message).popup(ListView1_->MenuPosition());
+}
+
+void frmMain::SetSliderRange(std::int32_t first, std::int32_t last) {
+  player_->Slider1().setRange(first, last);
+}
+
+void frmMain::EnableSlider(bool on) {
+  player_->Slider1().Enable(on);
+}
+
+void frmMain::ShowSlider(std::int32_t value) {
+  player_->Slider1().ShowValue(value);
+}
+
+void frmMain::ShowWaveform(const Waveform& waveform) {
+  player_->ShowWaveform(waveform);
+}
+
+void frmMain::ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
+  player_->ShowProgress(position, length);
+}
+
+void frmMain::ShowClock(const std::string& time, const std::string& date) {
+  StatusBar1_->ShowClock(QString::fromStdString(time), QString::fromStdString(date));
+}
+
+}  // namespace orven
