@@ -126,8 +126,18 @@ void CallStore::SaveFile(const std::string& path) {
     const auto filter =
         extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
     const auto target = ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
-    if (target) ports_.files.Copy(path, *target);
+    if (target) CopyInBackground(path, *target);
   });
+}
+
+void CallStore::CopyInBackground(const std::string& path, const std::string& target) {
+  ports_.background.Run([&files = ports_.files, path, target] { files.Copy(path, target); },
+                        [this](const std::exception_ptr& failure) {
+                          const ErrorTrap trap(ports_.system_log, "ErrSaveFile ");
+                          trap([&] {
+                            if (failure) std::rethrow_exception(failure);
+                          });
+                        });
 }
 
 void CallStore::RelocateMessages(const std::string& new_folder) {

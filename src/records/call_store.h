@@ -6,6 +6,7 @@
 
 #include "core/activity_log.h"
 #include "core/settings.h"
+#include "platform/background.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
@@ -33,6 +34,7 @@ class CallStore {
   struct Ports {
     DatabaseControl& DataBase1;
     Files& files;
+    Background& background;
     const WaveControl& Wave1;  ///< measures message files
     Dialogs& dialogs;
     MessagePlayer& player;
@@ -62,7 +64,7 @@ class CallStore {
   /// Deletes all records and rebuilds the list. Message files stay where they are.
   void ClearAll();
 
-  /// Copies the message file at `path` to where the person at the desk wants it.
+  /// Copies the message file at `path` to where the person at the desk wants it, in the background.
   void SaveFile(const std::string& path);
 
   /// Moves every message file to `new_folder` (ending in a separator) and makes that the messages
@@ -74,6 +76,7 @@ class CallStore {
   void BringMessageAlong(Call& call);
   void AddRecord(const Call& call);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
+  void CopyInBackground(const std::string& path, const std::string& target);
   void StopPlayerOn(const std::string& key);
 
   Ports ports_;

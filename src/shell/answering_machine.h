@@ -5,6 +5,7 @@
 #include "log/log_files.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
+#include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
@@ -32,6 +33,7 @@ struct EnginePorts {
   Clock& clock;
   EventLoop& loop;
   Files& files;
+  Background& background;
   Registry& registry;
   Dialogs& dialogs;
   Shell& shell;

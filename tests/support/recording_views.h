@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/background.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "platform/mouse.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
@@ -182,6 +184,24 @@ class ScriptedWaveforms : public WaveformReader {
     done = std::move(when_done);
   }
   void Cancel() override { path.clear(); }
+};
+
+/// Works at once and tells of it later.
+class PostedBackground : public Background {
+ public:
+  explicit PostedBackground(EventLoop& loop) : loop_(loop) {}
+  void Run(Work work, Done done) override {
+    std::exception_ptr failure;
+    try {
+      work();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    loop_.Post([done = std::move(done), failure] { done(failure); });
+  }
+
+ private:
+  EventLoop& loop_;
 };
 
 class RecordingDialogFactory : public DialogFactory {

@@ -73,6 +73,7 @@ class World {
   ScriptedMouse mouse;
   ScriptedWaveforms waveforms;
   RecordingDialogFactory dialog_factory;
+  PostedBackground background{time};
   RecordingViews views;
   TimedWave Wave1, WavePlay;
   SimLine* line = nullptr;

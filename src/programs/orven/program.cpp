@@ -29,6 +29,7 @@ Program::Program(const std::string& folder, std::string assets)
       assets_(std::move(assets)),
       system_(folder),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
+      background_(loop_),
       registry_(shared_.InApplicationFolder("\\registry.reg"),
                 [this](const std::string& text) { Report(text); }),
       database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
@@ -40,7 +41,7 @@ Program::Program(const std::string& folder, std::string assets)
       desk_wave_(loop_, devices_, shared_.InApplicationFolder(kRescueFolder)),
       waveforms_(loop_),
       shell_(frame_.windowIcon()),
-      window_({clock_, loop_, files_, registry_, dialogs_, shell_, mouse_, database_, lines_, line_wave_,
+      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, database_, lines_, line_wave_,
                desk_wave_, waveforms_},
               Views(), shared_, system_, program_dialogs_, [] { QCoreApplication::quit(); }) {
   effects_.SetLog(&window_.Machine().log);

@@ -14,6 +14,7 @@
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/desktop/qt_mouse.h"
 #include "adapters/desktop/qt_shell.h"
+#include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
 #include "adapters/line/service/line_service.h"
 #include "adapters/registry/registry_file.h"
@@ -63,6 +64,7 @@ class Program {
   QtClock clock_;
   QtDialogs dialogs_;
   DiskFiles files_;
+  BackgroundThread background_;
   RegistryFile registry_;
   SqliteDatabase database_;
   LineService lines_;
