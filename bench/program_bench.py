@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""How fast the program starts, and what it takes of the machine while it waits.
+
+    program_bench.py PROGRAM
+
+On a private display with a window manager; each start is in a folder that has been used before.
+"""
+
+import glob
+import os
+import sqlite3
+import statistics
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "demo"))
+
+import display  # noqa: E402
+import processes  # noqa: E402
+
+STARTS = 7
+RECORDS = 100_000
+IDLE_SECONDS = 20.0
+START_LIMIT, END_LIMIT = 20.0, 10.0
+
+
+class WindowWatch:
+    """Notes when the window manager takes the next window."""
+
+    def __init__(self, screen):
+        self.shown = None
+        self._xprop = subprocess.Popen(
+            ["xprop", "-spy", "-root", "_NET_CLIENT_LIST"], env=screen.environment(), stdout=subprocess.PIPE, text=True
+        )
+        self._xprop.stdout.readline()  # what is there already
+        self._thread = threading.Thread(target=self._watch)
+
+    def __enter__(self):
+        self._thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self._xprop.terminate()
+        self._thread.join()
+        self._xprop.wait()
+
+    def _watch(self):
+        for line in self._xprop.stdout:
+            if "0x" in line and self.shown is None:
+                self.shown = time.monotonic()
+
+
+class Machine:
+    """One installation of the program, with a SIP line."""
+
+    def __init__(self, program, folder, screen):
+        self.program, self.folder, self.screen = program, folder, screen
+        os.makedirs(folder)
+        with open(os.path.join(folder, "lines.ini"), "w", encoding="utf-8") as lines:
+            lines.write(f"[SIP]\ntype = sip\nlisten = 127.0.0.1:{processes.free_port()}\n")
+
+    def start(self, *arguments):
+        environment = dict(self.screen.environment(), ORVEN_HOME=self.folder)
+        return processes.start([self.program, *arguments], os.path.join(self.folder, "output"), env=environment)
+
+    def line_openings(self):
+        """How often the log says that the line was opened."""
+        count = 0
+        for path in glob.glob(os.path.join(self.folder, "Log", "*_Sys.txt")):
+            with open(path, "rb") as log:
+                count += log.read().count(b": LineOpen[")
+        return count
+
+    def timed_start(self, *arguments, window=True):
+        """The process, and the seconds until its line was open and, if one is expected, its window shown."""
+        openings = self.line_openings()
+        with WindowWatch(self.screen) as watch:
+            began = time.monotonic()
+            process = self.start(*arguments)
+            opened = None
+            while opened is None or (window and watch.shown is None):
+                if time.monotonic() - began > START_LIMIT or process.poll() is not None:
+                    raise processes.Failed("The program did not start")
+                if opened is None and self.line_openings() > openings:
+                    opened = time.monotonic()
+                time.sleep(0.002)
+        return process, opened - began, watch.shown - began if window else None
+
+    def fill(self, count):
+        with sqlite3.connect(os.path.join(self.folder, "Calls")) as calls:
+            calls.execute(
+                "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) INSERT INTO Calls "
+                "SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', 'm.wav', '5.2', '0' FROM n", [count])
+
+
+def end(process):
+    if processes.stop(process, END_LIMIT) != 0:
+        raise processes.Failed("The program did not end by itself")
+
+
+def resident_megabytes(process):
+    with open(f"/proc/{process.pid}/status", encoding="ascii") as status:
+        return next(int(line.split()[1]) for line in status if line.startswith("VmRSS")) / 1024
+
+
+def cpu_seconds(process):
+    with open(f"/proc/{process.pid}/stat", encoding="ascii") as stat:
+        fields = stat.read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def report_starts(machine, what):
+    shown, opened = [], []
+    for _ in range(STARTS):
+        process, line_open, window_shown = machine.timed_start()
+        shown.append(window_shown)
+        opened.append(line_open)
+        end(process)
+    print(f"{what:45} window {statistics.median(shown) * 1000:5.0f} ms (most {max(shown) * 1000:.0f})"
+          f"   line open {statistics.median(opened) * 1000:5.0f} ms", flush=True)
+
+
+def report_waiting(machine, what, *arguments):
+    process, *_ = machine.timed_start(*arguments, window=not arguments)
+    time.sleep(3)  # what a start leaves to be done
+    before = cpu_seconds(process)
+    time.sleep(IDLE_SECONDS)
+    share = (cpu_seconds(process) - before) / IDLE_SECONDS
+    print(f"{what:45} resident {resident_megabytes(process):5.1f} MB   CPU {share * 100:.2f} % of a core", flush=True)
+    end(process)
+
+
+def main(program):
+    with tempfile.TemporaryDirectory() as folder, display.Display(folder) as screen:
+        machine = Machine(program, os.path.join(folder, "home"), screen)
+        end(machine.timed_start()[0])  # the first start fills the folder
+        report_starts(machine, "start")
+        report_waiting(machine, "waiting with the window open")
+        report_waiting(machine, "waiting hidden", "-st")
+        machine.fill(RECORDS)
+        end(machine.timed_start()[0])
+        report_starts(machine, f"start with {RECORDS:,} records")
+        report_waiting(machine, f"waiting with {RECORDS:,} records, window open")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    main(os.path.abspath(sys.argv[1]))
