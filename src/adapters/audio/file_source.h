@@ -22,7 +22,7 @@ namespace orven {
 class FileSource : public AudioSource {
  public:
   /// Starts decoding at `start`, which is within the file, 0 being its beginning. `on_ended` is called
-  /// on the device's thread when everything has been read.
+  /// on the device's thread when everything has been read or the device has gone.
   FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
              std::function<void()> on_ended);
 
@@ -32,6 +32,7 @@ class FileSource : public AudioSource {
   /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
   /// the last block of the file is filled up with silence.
   bool Read(std::span<std::int16_t> block) override;
+  void Gone() override { on_ended_(); }
 
   /// Tells the decoding thread to end; returns at once. The device must have let go of the source.
   void Cancel();

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/sound/card_list.h"
+#include "adapters/sound/card_play.h"
+#include "adapters/sound/sound_thread.h"
+#include "platform/audio_device.h"
+#include "platform/event_loop.h"
+
+namespace orven {
+
+class SoundOutputs;
+
+/// The sound cards as numbered audio devices, over Qt Multimedia. Number 0 is the desktop's default
+/// output at the moment a play starts; the others are numbered as CardList says. They play only:
+/// StartRecord gives kWaveNoDevice (microphones come with the greeting creator).
+///
+/// All of Qt Multimedia happens in one thread, which starts with Prepare or the first play; no
+/// operation waits for it, whatever the sound server does. A play that the server does not take, or no
+/// longer takes, ends by itself (AudioSource::Gone), and one sentence about it is reported. One object
+/// a process. User-interface thread.
+class SoundCards : public AudioDevices {
+ public:
+  using Report = std::function<void(const std::string&)>;
+
+  /// `loop` outlives the cards. `report` is called on any thread, and not after the destructor.
+  SoundCards(EventLoop& loop, Report report);
+
+  /// Ends all plays. Waits at most a second for the sound thread; when the sound server hangs, the
+  /// thread is left behind and ends with the process.
+  ~SoundCards() override;
+
+  /// Begins to look which cards there are, unless that has begun.
+  void Prepare();
+
+  /// The cards that are there; only number 0 until the first look is done. Calls Prepare.
+  std::vector<SoundCard> Present();
+
+  /// nullptr for a card that is not there now. Until the first look is done every card may be: a play
+  /// then starts when the card is found, or fails.
+  AudioDevice* Find(std::int32_t number) override;
+
+ private:
+  class Card;
+  struct Shared;
+
+  void Start(std::int32_t number, const std::shared_ptr<CardPlay>& play);
+  void Watch();
+
+  EventLoop& loop_;
+  std::shared_ptr<Shared> shared_;  ///< with the sound thread, which may outlive this object
+  std::unique_ptr<SoundThread> thread_;
+  std::map<std::int32_t, std::unique_ptr<Card>> cards_;
+  std::unique_ptr<Timer> watch_;  ///< runs while something plays
+};
+
+}  // namespace orven
