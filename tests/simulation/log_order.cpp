@@ -35,8 +35,11 @@ constexpr std::array kSteps{Step{"Ring[", kOffer, false},
 
 /// Fault lines are found by their labels; only these have a cause in the simulation.
 bool IsUnexplainedFault(const std::string& line) {
+  const bool of_full_disk = line.starts_with("ErrPutCallDetailsInDB 61 ") ||
+                            line.starts_with("ErrMarkAsReadUnRead 61 ") ||
+                            line.starts_with("ErrDeleteItemIndex 61 ");
   return line.starts_with("Err") && !line.starts_with("Error Playing Remote Control") &&
-         !line.starts_with("ErrPlayForAdmin 9 ") && !line.starts_with("ErrPutCallDetailsInDB 61 ");
+         !line.starts_with("ErrPlayForAdmin 9 ") && !of_full_disk;
 }
 
 /// What has been logged of the present call.

@@ -37,6 +37,7 @@ std::vector<std::string> Play(std::uint64_t seed, bool talkative) {
   for (const auto& happening : story.happenings) {
     world.RunFor(begin + happening.at - world.time.Uptime());
     happening.act(world);
+    if (!world.ended) promises.CheckWindow();
   }
   world.RunFor(begin + story.end - world.time.Uptime());
   world.line->HangUp();

@@ -73,6 +73,28 @@ void Promises::CheckMessage() {
          "the record has the message's length");
 }
 
+void Promises::CheckWindow() {
+  const auto& list = world_.Machine().ListView1;
+  const auto& shown = world_.views.rows;
+  Expect(static_cast<std::int32_t>(shown.size()) == list.Count(),
+         "the window shows as many rows as the list has");
+  Expect(shown.size() == world_.database.Records().size(), "the list has a row for every record");
+  std::int32_t unread = 0;
+  for (std::int32_t row = 1; row <= std::min(list.Count(), static_cast<std::int32_t>(shown.size())); ++row) {
+    const auto& seen = shown[static_cast<std::size_t>(row) - 1];
+    const auto is = list.Row(row);
+    Expect(seen.key == is.key && seen.icon == is.icon, "row " + std::to_string(row) + " shows its call");
+    if (is.icon == kUnreadMessage || is.icon == kUnreadNoMessage) ++unread;
+  }
+  Expect(list.NewCalls() == unread, "the new calls are counted");
+  Expect(world_.views.selection == list.Selected() && list.Selected() <= list.Count(),
+         "the selection is shown");
+  const auto tip = "ORVEN - Calls:" + std::to_string(list.Count()) + "  New:" + std::to_string(unread);
+  Expect(world_.shell.icon.tip.c_str() == tip, "the tip of the tray icon is " + tip);
+  const auto& player = world_.Machine().player;
+  Expect(player.Playing() == world_.views.slider_enabled, "the slider can be moved while a message plays");
+}
+
 void Promises::CheckEnd() {
   Expect(offered_ == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");

@@ -14,6 +14,9 @@ class Promises : public TelephonyEvents {
  public:
   explicit Promises(World& world);
 
+  /// Looks at what the main window shows, at any moment.
+  void CheckWindow();
+
   /// Everything is over: looks at the line, the timers and the log.
   void CheckEnd();
 

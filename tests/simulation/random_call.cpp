@@ -62,6 +62,7 @@ class Author {
     settings["cPlayInIdle"] = dice_.OneOf("0", "1");
     settings["ActionsMailAllCalls"] = dice_.OneOf("0", "1");
     settings["pMailTo"] = dice_.OneOf("0", "1");
+    settings["WornDelete"] = dice_.OneOf("0", "1");
     settings["pAppTo"] = dice_.OneOf("0", "1");
   }
 
@@ -88,6 +89,7 @@ class Author {
     WriteDigits(begin);
     WriteVoice(begin);
     WriteDesk(begin);
+    WriteList(begin);
     auto end = Moment(begin);
     if (dice_.OneIn(5)) end += milliseconds(70000);  // beyond the longest message
     Add(end, "hangup", [](World& world) { world.line->HangUp(); });
@@ -153,6 +155,40 @@ class Author {
         world.Machine().ListView1.makeList();
       });
     }
+  }
+
+  /// What the person does with the list and the window meanwhile.
+  void WriteList(milliseconds begin) {
+    for (int acts = dice_.OneIn(2) ? dice_.Below(8) : 0; acts > 0; --acts) {
+      const auto what = dice_.OneOf("click", "select", "play", "stop", "next", "back", "first", "last",
+                                    "delete", "mark read", "mark unread", "hide", "open", "tray");
+      const int row = 1 + dice_.Below(5);
+      Add(Moment(begin), what + " " + std::to_string(row),
+          [what, row](World& world) { UseList(world, what, row); });
+    }
+  }
+
+  static void UseList(World& world, const std::string& what, int row) {
+    if (world.ended) return;
+    auto& machine = world.Machine();
+    auto& commands = machine.list_commands;
+    if (what == "click" || what == "select") {
+      if (row > machine.ListView1.Count()) return;
+      world.views.selection = row;  // what a person does in the list shows there first
+      what == "click" ? commands.ListView1_Click(row) : commands.ListView1_Selected(row);
+    }
+    if (what == "play") machine.player.Play();
+    if (what == "stop") machine.player.PressStop();
+    if (what == "next") commands.Next();
+    if (what == "back") commands.Back();
+    if (what == "first") commands.First();
+    if (what == "last") commands.Last();
+    if (what == "delete") commands.Delete();
+    if (what == "mark read") commands.MarkAsRead();
+    if (what == "mark unread") commands.MarkAsUnread();
+    if (what == "hide") world.window->Hide();
+    if (what == "open") world.window->Open();
+    if (what == "tray") world.window->TrayMouseMove(514 * 15, 15);
   }
 
   void WriteBreakage(milliseconds begin) {
