@@ -6,7 +6,8 @@
 
 An independent telephone calls ORVEN, waits for the beep, speaks and hangs up; then the owner calls,
 keys the password and "*" and hears that message. Everything runs on 127.0.0.1 in a folder of its
-own, which is kept when something fails.
+own, which is kept when something fails. The program's window is on a display that nobody sees; its
+picture is saved at the end.
 """
 
 import os
@@ -17,6 +18,7 @@ import sys
 import tempfile
 import time
 
+import display
 import machine
 import snr
 import sound
@@ -28,6 +30,8 @@ MESSAGE = "Hello, this is Anna. The garden gate is open again. Please call me ba
 REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
 LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
 ANSWER_LIMIT = 30.0  # seconds: four rings, two seconds apart, and a slow machine
+SCREENSHOT = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "build", "demo", "main_window.png")
+FEWEST_COLOURS = 32  # in a picture that shows a window; an unpainted one has one or two
 STEPS_OF_A_CALL = (
     ["InCommingCall[LineIndex:0]"]
     + [f"Ring[LineIndex:0]->{count}" for count in (1, 2, 3, 4)]
@@ -135,7 +139,25 @@ def listen_remotely(answering_machine, folder, password, message_seconds):
         return owner.heard()
 
 
-def demonstrate(answering_machine, folder):
+def save_screenshot(answering_machine, screen):
+    """A picture of the main window with the calls in it."""
+    if screen is None:
+        step("No screenshot: that takes xdotool, xprop, ImageMagick, and Xvfb with openbox or a display")
+        return
+    window = wait_for(
+        "The main window", lambda: screen.main_window(answering_machine.process), 10, answering_machine.look
+    )
+    os.makedirs(os.path.dirname(SCREENSHOT), exist_ok=True)
+    wait_for(
+        "A picture of the main window",
+        lambda: window.picture(SCREENSHOT) and screen.colours(SCREENSHOT) >= FEWEST_COLOURS,
+        10,
+        answering_machine.look,
+    )
+    step(f"Screenshot: {SCREENSHOT}")
+
+
+def demonstrate(answering_machine, folder, screen):
     step(f"ORVEN starts in the empty folder {answering_machine.home}")
     password = answering_machine.password()
     step(f"Its first start has made the password {password}")
@@ -152,6 +174,7 @@ def demonstrate(answering_machine, folder):
     check_quality("spoken, heard by the owner", spoken, heard)
     check(len(answering_machine.records()) == 1, "The owner's own call was filed as a call")
 
+    save_screenshot(answering_machine, screen)
     step("The program is asked to end (SIGTERM)")
     answering_machine.exit()
     for name, lines in (("system", answering_machine.system_log), ("calls", answering_machine.calls_log)):
@@ -169,9 +192,10 @@ def main():
     folder = tempfile.mkdtemp(prefix="orven-demo-")
     log = []
     try:
-        with machine.Machine(sys.argv[1], folder, show_log_line) as answering_machine:
-            log = answering_machine.system_log
-            demonstrate(answering_machine, folder)
+        with display.find_display(folder) as screen:
+            with machine.Machine(sys.argv[1], folder, show_log_line, screen) as answering_machine:
+                log = answering_machine.system_log
+                demonstrate(answering_machine, folder, screen)
     except (Failed, OSError, subprocess.CalledProcessError) as failure:
         print(f"\nFAILED: {failure}.", file=sys.stderr)
         if log:

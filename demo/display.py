@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """An X display that only this script sees, what is on it, and pictures of it."""
 
+import contextlib
 import os
 import re
 import shutil
@@ -9,12 +10,22 @@ import subprocess
 import processes
 
 SCREEN = "1280x800x24"
-TOOLS = ("Xvfb", "openbox", "xdotool", "xprop", "import")
+TOOLS_TO_LOOK = ("xdotool", "xprop", "import", "identify")
+TOOLS_TO_OPEN = ("Xvfb", "openbox")
 
 
-def missing_tools():
-    """The programs of TOOLS that are not installed."""
-    return [tool for tool in TOOLS if not shutil.which(tool)]
+def find_display(folder):
+    """A context of a private display; where there are not the programs for one, of the user's own, and
+    of None where a window could not be seen or shown."""
+
+    def all_there(tools):
+        return all(shutil.which(tool) for tool in tools)
+
+    if not all_there(TOOLS_TO_LOOK):
+        return contextlib.nullcontext()
+    if all_there(TOOLS_TO_OPEN):
+        return Display(folder)
+    return contextlib.nullcontext(Display(folder) if os.environ.get("DISPLAY") else None)
 
 
 class Window:
@@ -105,6 +116,10 @@ class Display:
     def ask(self, *command):
         """What a command prints; a window that is gone meanwhile gives an empty answer."""
         return self.run(*command).stdout
+
+    def colours(self, path):
+        """How many colours a picture has."""
+        return int(self.ask("identify", "-format", "%k", path) or 0)
 
     def windows(self, process):
         """The windows of a process that can be seen or are minimised, tips and menus included."""

@@ -11,10 +11,11 @@ import processes
 
 
 class Machine:
-    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1 and no
-    display. Use it in a with statement. Every new log line is given to `show` as it appears."""
+    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1, on the
+    Display `display` or on none. Use it in a with statement. Every new log line is given to `show` as it
+    appears."""
 
-    def __init__(self, program, folder, show):
+    def __init__(self, program, folder, show, display=None):
         self.home = os.path.join(folder, "home")
         self.port = processes.free_port()
         self.system_log, self.calls_log = [], []
@@ -22,23 +23,24 @@ class Machine:
         os.makedirs(self.home)
         with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
             file.write(f"[Demo]\ntype = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 2\n")
-        environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        environment = display.environment() if display else windowless
         environment["ORVEN_HOME"] = self.home
-        self._process = processes.start([os.path.abspath(program)], self._output, env=environment, cwd=folder)
+        self.process = processes.start([os.path.abspath(program)], self._output, env=environment, cwd=folder)
 
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
-        processes.stop(self._process, 5)
+        processes.stop(self.process, 5)
 
     def look(self):
         """Takes in what the logs have gained; raises when the program has ended."""
         self._read_logs()
-        if self._process.poll() is not None:
+        if self.process.poll() is not None:
             self._read_logs()
             raise processes.Failed(
-                f"The program ended by itself with code {self._process.returncode}; it printed: {self.output().strip()}"
+                f"The program ended by itself with code {self.process.returncode}; it printed: {self.output().strip()}"
             )
 
     def output(self):
@@ -74,7 +76,7 @@ class Machine:
 
     def exit(self):
         """Ends the program by SIGTERM and takes in its last log lines."""
-        code = processes.stop(self._process, 10)
+        code = processes.stop(self.process, 10)
         self._read_logs()
         if code is None:
             raise processes.Failed("The program did not end within 10 seconds of SIGTERM")
