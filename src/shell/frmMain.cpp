@@ -50,7 +50,7 @@ void frmMain::AddToolbar1() {
   bar.addSeparator();
   bar.AddButton({"Log", tr("Log"), tr("Log"), "view-list-text"});
   bar.AddButton({"Events", tr("Events"), tr("Set Events"), "notifications"});
-  bar.AddButton({"Actions", tr("Actions"), tr("Set Actions"), "system-run"});
+  bar.AddButton({"Actions", tr("Actions"), tr("Set Actions"), "run-build"});
   bar.AddButton({"Options", tr("Options"), tr("Options"), "configure"});
 }
 

@@ -23,21 +23,48 @@ constexpr int kStoredCharacterWidth = 5;
 
 constexpr int kRowPadding = 10;
 constexpr int kPictureSize = 16;
+constexpr int kNumberPadding = 8;  // right of what stands at its column's right edge
 
 /// Paints a cell: the picture in the middle of its column, the selection as far as the style says.
 class CallDelegate : public QStyledItemDelegate {
  public:
-  CallDelegate(CallListWidget* list, const std::uint32_t& style) : QStyledItemDelegate(list), style_(style) {}
+  CallDelegate(CallListWidget* list, const std::uint32_t& style)
+      : QStyledItemDelegate(list), list_(*list), style_(style) {}
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    auto cell = option;
+    initStyleOption(&cell, index);
+    auto& style = *list_.style();
+    const bool picture = index.column() == 0;
+    const bool at_right = cell.displayAlignment.testFlag(Qt::AlignRight);
+    if (picture || at_right) style.drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, &list_);
+    if (picture) return PaintPicture(*painter, cell);
+    if (at_right) cell.rect.adjust(0, 0, -kNumberPadding, 0);
+    style.drawControl(QStyle::CE_ItemViewItem, &cell, painter, &list_);
+  }
 
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
     option->state &= ~QStyle::State_HasFocus;
-    option->decorationAlignment = Qt::AlignCenter;
     if (index.column() > 0 && (style_ & kFullRowSelect) == 0) option->state &= ~QStyle::State_Selected;
   }
 
  private:
+  void PaintPicture(QPainter& painter, const QStyleOptionViewItem& cell) const {
+    const QSize size(kPictureSize, kPictureSize);
+    auto picture = cell.icon.pixmap(size, list_.devicePixelRatioF());
+    if (cell.state.testFlag(QStyle::State_Selected)) {
+      // The picture's own colours would be lost on the highlight; its shape tells enough.
+      const auto group = cell.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
+      QPainter tint(&picture);
+      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+      tint.fillRect(picture.rect(), cell.palette.color(group, QPalette::HighlightedText));
+    }
+    painter.drawPixmap(QStyle::alignedRect(cell.direction, Qt::AlignCenter, size, cell.rect), picture);
+  }
+
+  const CallListWidget& list_;
   const std::uint32_t& style_;
 };
 
@@ -72,8 +99,11 @@ void CallListWidget::SetMetrics() {
   const int height = std::max(fontMetrics().height(), kPictureSize) + kRowPadding;
   verticalHeader()->setMinimumSectionSize(height);
   verticalHeader()->setDefaultSectionSize(height);
-  const int character = std::max(fontMetrics().averageCharWidth(), kStoredCharacterWidth);
-  for (std::size_t i = 0; i < columns_.size(); ++i) {
+  auto bold = font();  // as new calls are written
+  bold.setBold(true);
+  const int character = std::max(QFontMetrics(bold).averageCharWidth(), kStoredCharacterWidth);
+  // The last column takes what is left.
+  for (std::size_t i = 0; i + 1 < columns_.size(); ++i) {
     const int stored = columns_[i].width / kTwipsPerPixel * character / kStoredCharacterWidth;
     const auto column = static_cast<int>(i);
     setColumnWidth(column, std::max(stored, horizontalHeader()->sectionSizeHint(column)));
@@ -157,12 +187,6 @@ QItemSelectionModel::SelectionFlags CallListWidget::selectionCommand(const QMode
   return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
 }
 
-QModelIndex CallListWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-  // A list with the focus but without a selection has a current row, which nobody sees.
-  if (SelectedRow() == 0 && model_->rowCount() > 0) return model_->index(0, 0);
-  return QTableView::moveCursor(action, modifiers);
-}
-
 void CallListWidget::keyPressEvent(QKeyEvent* event) {
   if (event == QKeySequence::Copy) {
     if (SelectedRow() > 0) QApplication::clipboard()->setText(model_->RowText(SelectedRow() - 1));
@@ -170,6 +194,9 @@ void CallListWidget::keyPressEvent(QKeyEvent* event) {
   }
   // Searching for what is typed would read every row there is.
   if (!event->text().isEmpty() && event->text().front().isPrint()) return event->ignore();
+  // A list that has the focus and no selection has a current row all the same, which nobody sees: the
+  // arrows begin at the top.
+  if (SelectedRow() == 0) selectionModel()->clearCurrentIndex();
   QTableView::keyPressEvent(event);
 }
 

@@ -138,9 +138,6 @@ QVariant CallModel::data(const QModelIndex& index, int role) const {
 QVariant CallModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
   if (role == Qt::DisplayRole) return headers_[static_cast<std::size_t>(section)];
-  if (role == Qt::TextAlignmentRole && section == kLengthColumn) {
-    return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-  }
   return {};
 }
 

@@ -39,6 +39,7 @@ PlayerPanel::PlayerPanel(QWidget* parent)
   message->addWidget(picture_);
   message->addWidget(slider_);
   auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(bar_);
   row->addLayout(message, 1);
   row->addWidget(times_);
@@ -67,8 +68,7 @@ void PlayerPanel::ShowProgress(std::chrono::milliseconds position, std::chrono::
 
 void PlayerPanel::ShowTimes() {
   const auto length = playing_length_.count() > 0 ? playing_length_ : selected_length_;
-  times_->setText(length.count() > 0 ? Minutes(position_) + QStringLiteral(" / ") + Minutes(length)
-                                     : QStringLiteral("–:––"));
+  times_->setText(Minutes(position_) + QStringLiteral(" / ") + Minutes(length));
 }
 
 void PlayerPanel::changeEvent(QEvent* event) {

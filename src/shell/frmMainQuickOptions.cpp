@@ -9,6 +9,7 @@ namespace {
 
 /// A greeting's name may be long; the box does not grow with it.
 constexpr int kGreetingCharacters = 12;
+constexpr int kLeastGreetingWidth = 70;  // pixels; the rest of the toolbar needs its room first
 constexpr int kButtonIcon = 16;
 
 QLabel* Label(const QString& text, QWidget* parent) {
@@ -55,6 +56,7 @@ void QuickOptionBar::AddGreetings() {
   greetings_ = AddBox("cmbDefGreet", tr("Greeting:"), tr("The greeting that callers hear"));
   greetings_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   greetings_->setMinimumContentsLength(kGreetingCharacters);
+  greetings_->setMinimumWidth(kLeastGreetingWidth);
   connect(greetings_, &QComboBox::activated, this,
           [this] { emit GreetingChosen(greetings_->currentText()); });
   AddButton({"Play", tr("Play"), tr("Play the greeting"), "media-playback-start"});

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+#include <QAbstractItemView>
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "adapters/audio/file_wave_control.h"
+#include "adapters/audio/waveform_reader.h"
+#include "adapters/database/sqlite_database.h"
+#include "adapters/desktop/qt_clock.h"
+#include "adapters/desktop/qt_event_loop.h"
+#include "adapters/files/disk_files.h"
+#include "adapters/line/service/line_service.h"
+#include "adapters/line/sim/sim_line.h"
+#include "adapters/registry/registry_file.h"
+#include "gui/shell/sound_files.h"
+#include "shell/frmMain.h"
+#include "shell/main_window.h"
+#include "support/recording_views.h"
+#include "support/scratch_folder.h"
+
+namespace orven::test {
+
+/// A call as a test wants it in the list. `message` is its sample (ToneOf), 0 for no message.
+struct FiledCall {
+  std::string name;
+  std::int16_t message = 0;
+  bool read = false;
+};
+
+/// The main window on its engine as in the running program: settings, records and sounds are files in
+/// a folder of its own; line and sound card are played by the test, and so are the desktop's boxes,
+/// tray and mouse.
+class Desk {
+ public:
+  explicit Desk(const std::string& settings = "");
+  ~Desk();
+  Desk(const Desk&) = delete;
+  Desk& operator=(const Desk&) = delete;
+
+  /// Files calls, the last one being the newest; before Start, or followed by makeList.
+  void File(const std::vector<FiledCall>& calls);
+  /// Starts the program and shows the window.
+  Desk& Start();
+
+  /// The control of this name; there must be one.
+  template <class Control>
+  Control& Get(const char* name) {
+    auto* control = window.findChild<Control*>(QString::fromLatin1(name));
+    EXPECT_NE(control, nullptr) << name;
+    if (control == nullptr) std::abort();
+    return *control;
+  }
+  /// Chooses a menu item, by its name; one that is disabled does nothing.
+  void Choose(const char* action) { Get<QAction>(action).trigger(); }
+  /// Presses a toolbar's button.
+  void Press(const char* button) { Get<QToolButton>(button).click(); }
+
+  /// Clicks on a row, 1-based, like a person: the mouse port agrees.
+  void ClickRow(int row, Qt::MouseButton button = Qt::LeftButton);
+  void DoubleClickRow(int row);
+  QPoint PointIn(int row);
+  /// A cell's text, 1-based.
+  QString Cell(int row, int column);
+  /// The row that the list shows as selected, 0 for none.
+  int SelectedRow();
+  bool IsRead(int row);
+
+  std::string Setting(const std::string& name);
+  bool Logged(const std::string& text) const;
+  std::string MessagePath(const std::string& name) const { return home / ("Messages/" + name + ".wav"); }
+
+  AnsweringMachine& Machine() { return engine->Machine(); }
+
+  ScratchFolder home;
+  SharedOptions shared;
+  QtEventLoop loop;
+  QtClock clock;
+  DiskFiles files;
+  PostedBackground background{loop};
+  RegistryFile registry;
+  SqliteDatabase database;
+  SimLine* line = nullptr;
+  std::unique_ptr<LineService> Tapi1;
+  SilentCard card;
+  FileWaveControl WavePlay;
+  std::unique_ptr<FileWaveControl> Wave1;
+  FileWaveformReader waveforms{loop};
+  ScriptedDialogs dialogs;
+  ScriptedShell shell;
+  ScriptedMouse mouse;
+  ScriptedSystem system;
+  RecordingDialogFactory dialog_factory;
+  RecordingViews other_views;
+  frmMain window;
+  int ends = 0;  ///< how often the program was ended
+  std::unique_ptr<MainWindow> engine;
+};
+
+}  // namespace orven::test
