@@ -8,6 +8,7 @@
 
 #include "shell/frmMainIcons.h"
 #include "shell/frmMainPlacement.h"
+#include "shell/frmMakeChild.h"
 
 namespace orven {
 namespace {
@@ -19,18 +20,18 @@ constexpr int kToolbarIcon = 24;
 }  // namespace
 
 frmMain::frmMain()
-    : Toolbar1_(new ButtonBar(QStringLiteral("Toolbar1"), tr("Calls and settings"), this)),
-      TBQuickOption_(new QuickOptionBar(this)),
-      ListView1_(new CallListWidget(this)),
-      player_(new PlayerPanel(this)),
-      StatusBar1_(new MainStatusBar(this)) {
+    : Toolbar1_(MakeChild<ButtonBar>(QStringLiteral("Toolbar1"), tr("Calls and settings"), this)),
+      TBQuickOption_(MakeChild<QuickOptionBar>(this)),
+      ListView1_(MakeChild<CallListWidget>(this)),
+      player_(MakeChild<PlayerPanel>(this)),
+      StatusBar1_(MakeChild<MainStatusBar>(this)) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(tr("ORVEN"));
   setWindowIcon(ProgramIcon());
   UseIconTheme(palette());
   AddToolbar1();
   LayOut();
-  menus_ = new MainMenus(*this, *ListView1_);
+  menus_ = MakeChild<MainMenus>(*this, *ListView1_);
   SetTabOrder();
   ShowLine(false);
 }
@@ -58,8 +59,8 @@ void frmMain::LayOut() {
   addToolBar(Toolbar1_);
   addToolBarBreak();
   addToolBar(TBQuickOption_);
-  auto* middle = new QWidget(this);
-  auto* column = new QVBoxLayout(middle);
+  auto* middle = MakeChild<QWidget>(this);
+  auto* column = MakeChild<QVBoxLayout>(middle);
   column->addWidget(ListView1_, 1);
   column->addWidget(player_);
   setCentralWidget(middle);

@@ -11,6 +11,7 @@
 #include <QStyledItemDelegate>
 
 #include "shell/frmMainPlacement.h"
+#include "shell/frmMakeChild.h"
 
 namespace orven {
 namespace {
@@ -21,6 +22,7 @@ constexpr std::uint32_t kFullRowSelect = 0x20;  // LVS_EX_FULLROWSELECT
 /// The stored widths are meant for a font whose average character is this wide.
 constexpr int kStoredCharacterWidth = 5;
 
+constexpr int kLeastColumn = 60;  // pixels, for the column that takes what is left
 constexpr int kRowPadding = 10;
 constexpr int kPictureSize = 16;
 constexpr int kNumberPadding = 8;  // right of what stands at its column's right edge
@@ -70,10 +72,10 @@ class CallDelegate : public QStyledItemDelegate {
 
 }  // namespace
 
-CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(new CallModel(this)) {
+CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(MakeChild<CallModel>(this)) {
   setObjectName(QStringLiteral("ListView1"));
   setAccessibleName(tr("Calls"));
-  setItemDelegate(new CallDelegate(this, style_));
+  setItemDelegate(MakeChild<CallDelegate>(this, style_));
   setModel(model_);
   setSelectionMode(SingleSelection);
   setSelectionBehavior(SelectRows);
@@ -91,6 +93,7 @@ CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(new
   horizontalHeader()->setSectionsClickable(false);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setDefaultSectionSize(kLeastColumn);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   SetMetrics();
 }

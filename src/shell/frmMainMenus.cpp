@@ -7,6 +7,7 @@
 
 #include "shell/frmMainIcons.h"
 #include "shell/frmMainMnemonics.h"
+#include "shell/frmMakeChild.h"
 
 namespace orven {
 
@@ -94,14 +95,14 @@ void MainMenus::AddContextMenus() {
 }
 
 QMenu* MainMenus::AddMenu(const char* name, const char* caption, std::initializer_list<Item> items) {
-  auto* menu = new QMenu(tr(caption), &window_);
+  auto* menu = MakeChild<QMenu>(tr(caption), &window_);
   menu->setObjectName(QString::fromLatin1(name));
   for (const auto& item : items) {
     if (item.name == nullptr) {
       menu->addSeparator();
       continue;
     }
-    auto* action = new QAction(tr(item.caption), &window_);
+    auto* action = MakeChild<QAction>(tr(item.caption), &window_);
     action->setObjectName(QString::fromLatin1(item.name));
     if (item.icon != nullptr) action->setIcon(ThemeIcon(item.icon));
     menu->addAction(action);

@@ -6,6 +6,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "shell/frmMakeChild.h"
+
 namespace orven {
 namespace {
 
@@ -19,10 +21,10 @@ QString Minutes(std::chrono::milliseconds time) {
 
 PlayerPanel::PlayerPanel(QWidget* parent)
     : QWidget(parent),
-      bar_(new ButtonBar(QStringLiteral("ToolBarPlayer"), tr("Player"), this)),
-      picture_(new WaveformWidget(this)),
-      slider_(new SeekSlider(this)),
-      times_(new QLabel(this)) {
+      bar_(MakeChild<ButtonBar>(QStringLiteral("ToolBarPlayer"), tr("Player"), this)),
+      picture_(MakeChild<WaveformWidget>(this)),
+      slider_(MakeChild<SeekSlider>(this)),
+      times_(MakeChild<QLabel>(this)) {
   bar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   bar_->AddButton({"Play", tr("Play"), tr("Play the selected message"), "media-playback-start"});
   bar_->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
@@ -34,11 +36,11 @@ PlayerPanel::PlayerPanel(QWidget* parent)
   times_->setAccessibleName(tr("Time played and length of the message"));
   times_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
-  auto* message = new QVBoxLayout;
+  auto* message = MakeChild<QVBoxLayout>();
   message->setSpacing(0);
   message->addWidget(picture_);
   message->addWidget(slider_);
-  auto* row = new QHBoxLayout(this);
+  auto* row = MakeChild<QHBoxLayout>(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(bar_);
   row->addLayout(message, 1);

@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <algorithm>
 
+#include "shell/frmMakeChild.h"
+
 namespace orven {
 namespace {
 
@@ -13,7 +15,7 @@ constexpr int kLeastGreetingWidth = 70;  // pixels; the rest of the toolbar need
 constexpr int kButtonIcon = 16;
 
 QLabel* Label(const QString& text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
+  auto* label = MakeChild<QLabel>(text, parent);
   constexpr int kGap = 4;
   label->setContentsMargins(kGap, 0, kGap, 0);
   return label;
@@ -33,7 +35,7 @@ QuickOptionBar::QuickOptionBar(QWidget* parent)
   addSeparator();
   AddRings();
   addSeparator();
-  record_ = new QCheckBox(tr("Record messages"), this);
+  record_ = MakeChild<QCheckBox>(tr("Record messages"), this);
   record_->setObjectName(QStringLiteral("chkRecMessage"));
   record_->setToolTip(tr("Record a message after the greeting"));
   connect(record_, &QCheckBox::clicked, this, &QuickOptionBar::RecordMessageChosen);
@@ -42,7 +44,7 @@ QuickOptionBar::QuickOptionBar(QWidget* parent)
 
 QComboBox* QuickOptionBar::AddBox(const char* name, const QString& label, const QString& purpose) {
   auto* text = Label(label, this);
-  auto* box = new QComboBox(this);
+  auto* box = MakeChild<QComboBox>(this);
   box->setObjectName(QString::fromLatin1(name));
   box->setAccessibleName(purpose);
   box->setToolTip(purpose);

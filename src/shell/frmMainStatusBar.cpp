@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/frmMainStatusBar.h"
 
+#include "shell/frmMakeChild.h"
+
 namespace orven {
 namespace {
 
@@ -21,7 +23,7 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   status_->setAccessibleName(tr("Line status"));
   addWidget(status_, 1);
 
-  check_ = new QCheckBox(tr("Grid lines"), this);
+  check_ = MakeChild<QCheckBox>(tr("Grid lines"), this);
   check_->setObjectName(QStringLiteral("Check1"));
   check_->setToolTip(tr("Grid lines and whole-row selection in the calls list"));
   check_->setChecked(true);
@@ -36,7 +38,7 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
 }
 
 QLabel* MainStatusBar::AddPanel(int number) {
-  auto* panel = new QLabel(this);
+  auto* panel = MakeChild<QLabel>(this);
   panel->setObjectName(QStringLiteral("StatusBar1.Panel%1").arg(number));
   panel->setTextFormat(Qt::PlainText);  // a device's name is never markup
   constexpr int kMargin = 4;

@@ -192,6 +192,7 @@ TEST_F(List, IsEmptyAfterAnotherProgramHasEmptiedItWhileAMessagePlays) {
 TEST(LongList, KeepsWhatAPersonLooksAtInSightWhenCallsComeAndGo) {
   Desk desk;
   std::vector<FiledCall> calls;
+  calls.reserve(100);
   for (int i = 0; i < 100; ++i) calls.push_back({"Caller " + std::to_string(i)});
   desk.File(calls);
   desk.Start();

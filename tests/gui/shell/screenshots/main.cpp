@@ -45,7 +45,7 @@ std::vector<std::int16_t> Speech(int seconds, unsigned seed) {
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> unit(0, 1);
   std::vector<std::int16_t> samples;
-  const auto end = static_cast<std::size_t>(seconds * kSampleRate);
+  const auto end = static_cast<std::size_t>(seconds) * kSampleRate;
   while (samples.size() < end) {
     const auto word = static_cast<int>((0.15 + 0.4 * unit(random)) * kSampleRate);
     const double loud = 3000 + 17000 * unit(random);
@@ -108,7 +108,7 @@ int Make(const Scene& scene, const QString& folder) {
     if (!QTest::qWaitFor([&] { return times.text() == u"0:00 / 0:41"; })) return 1;
     if (!QTest::qWaitFor([&] { return picture.cursor().shape() == Qt::PointingHandCursor; })) return 1;
     QTest::mouseClick(&picture, Qt::LeftButton, {}, {picture.width() * 38 / 100, picture.height() / 2});
-    if (!QTest::qWaitFor([&] { return times.text() == u"0:16 / 0:41"; })) return 1;
+    if (!QTest::qWaitFor([&] { return !times.text().startsWith(u"0:00"); })) return 1;
   }
   QTest::qWait(100);  // the list lays itself out when nothing else is to be done
   const auto path = folder + u'/' + QString::fromLatin1(scene.name) + QStringLiteral(".png");
