@@ -107,7 +107,10 @@ class DesktopTest(unittest.TestCase):
 
     def start(self, *arguments):
         orven = self.enterContext(Orven(self.home, arguments, self.display.variables))
-        orven.wait_for("LineOpen[LineIndex:0")
+        try:
+            orven.wait_for("LineOpen[LineIndex:0")
+        except processes.Failed as failure:
+            self.fail(f"{failure}; it printed:\n{orven.output()}\nand logged:\n{orven.log()}")
         return orven
 
     def icon(self, orven):
@@ -132,7 +135,7 @@ class DesktopTest(unittest.TestCase):
         return processes.wait_for(f'The main window\'s state "{state}"', find, LIMIT)
 
     def close(self, window):
-        self.display.run("xdotool", "windowfocus", "--sync", window.number, "key", "alt+F4")
+        self.display.run("wmctrl", "-i", "-c", hex(window.number))  # as its close button does
 
     def assert_line_is_open(self):
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other, self.assertRaises(OSError):
