@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How long the main window keeps its thread busy with a list of many years of calls. Each operation
+// includes painting what has changed.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QScrollBar>
+
+#include "adapters/database/sqlite_connection.h"
+#include "gui/shell/desk.h"
+
+namespace orven::test {
+namespace {
+
+constexpr int kRecords = 100'000;
+
+class LongList : public Desk {
+ public:
+  LongList() : Desk("\"WornDelete\"=\"0\"\n") {
+    File({{"Anna", 500, false}});
+    SqliteConnection(home / "Calls")
+        .Execute(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) INSERT INTO "
+            "Calls SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', CASE i % 3 WHEN 0 THEN 'm.wav' "
+            "END, CASE i % 3 WHEN 0 THEN '5.2' ELSE '-1' END, i % 2 FROM n");
+  }
+  void Paint() {
+    QApplication::processEvents();
+    window.repaint();
+  }
+  void FileACall() {
+    database.AddNew();
+    database.SetField("Call_Name", "Ben");
+    database.SetField("Type", "-1");
+    database.SetField("Read", 0);
+    database.Update();
+    Machine().ListView1.makeList();
+  }
+};
+
+LongList& Calls() {
+  static LongList calls;
+  static const bool started = [] {
+    calls.Start();
+    return true;
+  }();
+  (void)started;
+  return calls;
+}
+
+void OpenTheRecords(benchmark::State& state) {
+  LongList calls;
+  for (auto _ : state) calls.database.Open(calls.home / "Calls");
+}
+BENCHMARK(OpenTheRecords)->Unit(benchmark::kMillisecond);
+
+void FillTheWindow(benchmark::State& state) {
+  auto& calls = Calls();
+  for (auto _ : state) {
+    calls.Machine().ListView1.Clear();
+    calls.Machine().ListView1.makeList();
+    calls.Paint();
+  }
+}
+BENCHMARK(FillTheWindow)->Unit(benchmark::kMillisecond);
+
+void ANewCall(benchmark::State& state) {
+  auto& calls = Calls();
+  calls.Machine().ListView1.Select(kRecords / 2);
+  for (auto _ : state) {
+    calls.FileACall();
+    calls.Paint();
+  }
+}
+BENCHMARK(ANewCall)->Unit(benchmark::kMillisecond);
+
+void MarkACall(benchmark::State& state) {
+  auto& calls = Calls();
+  calls.Machine().ListView1.Select(1);
+  bool read = true;
+  for (auto _ : state) {
+    calls.Machine().calls.MarkAsReadUnRead(1, read);
+    read = !read;
+    calls.Paint();
+  }
+}
+BENCHMARK(MarkACall)->Unit(benchmark::kMillisecond);
+
+void DeleteACall(benchmark::State& state) {
+  auto& calls = Calls();
+  calls.Machine().ListView1.Select(kRecords / 3);
+  for (auto _ : state) {
+    calls.Press("Toolbar1.Delete");
+    calls.Paint();
+  }
+}
+BENCHMARK(DeleteACall)->Unit(benchmark::kMillisecond);
+
+void ScrollThrough(benchmark::State& state) {
+  auto& calls = Calls();
+  auto& bar = *calls.Get<QAbstractItemView>("ListView1").verticalScrollBar();
+  const int page = bar.pageStep();
+  for (auto _ : state) {
+    bar.setValue(bar.value() + page < bar.maximum() ? bar.value() + page : 0);
+    calls.Paint();
+  }
+}
+BENCHMARK(ScrollThrough)->Unit(benchmark::kMillisecond);
+
+void JumpToTheEnds(benchmark::State& state) {
+  auto& calls = Calls();
+  bool first = false;
+  for (auto _ : state) {
+    calls.Choose(first ? "mnuFirst" : "mnuLast");
+    first = !first;
+    calls.Paint();
+  }
+}
+BENCHMARK(JumpToTheEnds)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace orven::test
+
+int main(int count, char** arguments) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(count, arguments);
+  benchmark::Initialize(&count, arguments);
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
