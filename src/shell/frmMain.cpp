@@ -40,7 +40,9 @@ void frmMain::AddToolbar1() {
   auto& bar = *Toolbar1_;
   bar.setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
   bar.setIconSize({kToolbarIcon, kToolbarIcon});
-  bar.AddButton({"OnOff", tr("Off"), tr("Modem Status"), "call-stop"})->defaultAction()->setCheckable(true);
+  auto* on_off = bar.AddButton({"OnOff", tr("Off"), tr("Modem Status"), "call-stop"});
+  on_off->defaultAction()->setCheckable(true);
+  on_off->setAccessibleName(tr("Answering"));  // and whether it is checked
   bar.addSeparator();
   bar.AddButton({"Back", tr("Back"), tr("Back  Message"), "go-previous"});
   bar.AddButton({"Next", tr("Next"), tr("Next Message"), "go-next"});

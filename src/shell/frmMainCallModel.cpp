@@ -44,18 +44,18 @@ void CallModel::SetCount(std::int32_t count) {
 
 void CallModel::InsertAtTop(std::int32_t count) {
   if (count <= 0) return;
-  beginInsertRows({}, 0, count - 1);
-  shown_.clear();
+  beginInsertRows({}, count_, count_ + count - 1);
   count_ += count;
   endInsertRows();
+  Refresh();
 }
 
 void CallModel::Remove(std::int32_t index) {
   if (index < 1 || index > count_) return;
-  beginRemoveRows({}, index - 1, index - 1);
-  shown_.clear();
+  beginRemoveRows({}, count_ - 1, count_ - 1);
   --count_;
   endRemoveRows();
+  Refresh();
 }
 
 void CallModel::Refresh() {

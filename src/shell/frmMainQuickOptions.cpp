@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/frmMainQuickOptions.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <algorithm>
 
@@ -48,6 +49,8 @@ QComboBox* QuickOptionBar::AddBox(const char* name, const QString& label, const 
   box->setObjectName(QString::fromLatin1(name));
   box->setAccessibleName(purpose);
   box->setToolTip(purpose);
+  box->setFocusPolicy(Qt::StrongFocus);
+  box->installEventFilter(this);
   text->setBuddy(box);
   addWidget(text);
   addWidget(box);
@@ -71,6 +74,14 @@ void QuickOptionBar::AddRings() {
   rings_ = AddBox("cmbRings", tr("Answer after"), tr("Number of rings before a call is answered"));
   connect(rings_, &QComboBox::activated, this, [this] { emit RingsChosen(rings_->currentText()); });
   addWidget(Label(tr("rings"), this));
+}
+
+bool QuickOptionBar::eventFilter(QObject* box, QEvent* event) {
+  // The wheel over a box that nobody has chosen must not change what callers hear.
+  const auto* widget = qobject_cast<QWidget*>(box);
+  const bool stray = event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus();
+  if (stray) event->ignore();
+  return stray || ButtonBar::eventFilter(box, event);
 }
 
 void QuickOptionBar::FillRings(const std::vector<std::string>& texts) {

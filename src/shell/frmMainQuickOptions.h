@@ -30,6 +30,9 @@ class QuickOptionBar : public ButtonBar {
   void RingsChosen(const QString& text);
   void RecordMessageChosen(bool on);
 
+ protected:
+  bool eventFilter(QObject* box, QEvent* event) override;
+
  private:
   void AddGreetings();
   void AddRings();

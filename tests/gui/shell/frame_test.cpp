@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QTableView>
+#include <QWheelEvent>
 #include <limits>
 
 #include "gui/shell/desk.h"
@@ -40,6 +41,10 @@ TEST(QuickOptions, APersonsChoiceIsStoredAndTheProgramsFillingIsNot) {
   desk.window.ShowRings(99);
   EXPECT_EQ(rings.currentIndex(), -1);
   EXPECT_EQ(ContentOf(desk.home / "registry.reg"), stored);
+
+  QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&greetings, &wheel);
+  EXPECT_EQ(desk.Setting("Greeting"), "Holiday");
 
   ChooseIn(greetings, "Office");
   ChooseIn(rings, "7");
@@ -94,6 +99,26 @@ TEST(Frame, ToolbarsAreFlatAsTheirStyleSays) {
   desk.window.SetToolbarStyle(WindowFrame::Toolbar::TBQuickOption, 0x1800);
   EXPECT_TRUE(desk.Get<QToolButton>("TBQuickOption.Delete").autoRaise());
   EXPECT_EQ(desk.window.ToolbarStyle(WindowFrame::Toolbar::TBQuickOption), 0x1800U);
+}
+
+TEST(Frame, IconsFollowADarkOrLightDesktopWhileItRuns) {
+  Desk desk;
+  desk.Start();
+  const auto lightness = [&] {
+    const auto image = desk.Get<QToolButton>("Toolbar1.Back").icon().pixmap(22).toImage();
+    int brightest = 0;
+    for (int i = 0; i < image.width() * image.height(); ++i) {
+      const auto colour = image.pixelColor(i % image.width(), i / image.width());
+      if (colour.alpha() > 200) brightest = std::max(brightest, colour.lightness());
+    }
+    return brightest;
+  };
+  const auto palette = QApplication::palette();
+  EXPECT_LT(lightness(), 100);
+  QApplication::setPalette(QPalette(Qt::black));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return lightness() > 150; }));
+  QApplication::setPalette(palette);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return lightness() < 100; }));
 }
 
 TEST(Frame, GoesWhereItWasAndDoesNotDrift) {
