@@ -44,7 +44,7 @@ SharedOptions InFolder(const ScratchFolder& folder) {
 Desk::Desk(const std::string& settings)
     : shared(InFolder(home)),
       registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
-      database({"Calls", {kCallFields.begin(), kCallFields.end()}}),
+      database({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}),
       WavePlay(loop, card, home / "Rescued") {
   PutFile(home / "registry.reg", kSettings + ("\"MassagesPath\"=\"" + home / "Messages/\"\n") + settings);
   for (const char* name : {"Default", "Holiday", "Office"}) {
@@ -66,7 +66,7 @@ Desk::Desk(const std::string& settings)
 Desk::~Desk() = default;
 
 void Desk::File(const std::vector<FiledCall>& calls) {
-  SqliteDatabase records({"Calls", {kCallFields.begin(), kCallFields.end()}});
+  SqliteDatabase records({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead});
   records.Open(home / "Calls");
   int minute = records.RecordCount();
   for (const auto& call : calls) {
