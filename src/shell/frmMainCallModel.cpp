@@ -44,18 +44,18 @@ void CallModel::SetCount(std::int32_t count) {
 
 void CallModel::InsertAtTop(std::int32_t count) {
   if (count <= 0) return;
-  beginInsertRows({}, count_, count_ + count - 1);
+  beginInsertRows({}, 0, count - 1);
+  shown_.clear();
   count_ += count;
   endInsertRows();
-  Refresh();
 }
 
 void CallModel::Remove(std::int32_t index) {
   if (index < 1 || index > count_) return;
-  beginRemoveRows({}, count_ - 1, count_ - 1);
+  beginRemoveRows({}, index - 1, index - 1);
+  shown_.clear();
   --count_;
   endRemoveRows();
-  Refresh();
 }
 
 void CallModel::Refresh() {
