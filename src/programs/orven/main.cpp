@@ -8,6 +8,7 @@
 #include "adapters/desktop/application_folder.h"
 #include "adapters/desktop/exit_signals.h"
 #include "adapters/desktop/file_limit.h"
+#include "adapters/desktop/quit_requests.h"
 #include "programs/orven/program.h"
 
 namespace {
@@ -33,6 +34,11 @@ int main(int count, char** arguments) {
   }
   orven::Program program(folder, orven::FindAssets(hints.executable_folder));
   const orven::ExitSignals exit_signals([&] { program.Exit(); });
+  const orven::QuitRequests quit_requests([&] {
+    const bool ending = program.Ended();
+    if (!ending) program.Exit();
+    return !ending;
+  });
   if (!program.Start(command_line) || program.Ended()) return EXIT_SUCCESS;
   return QApplication::exec();
 }

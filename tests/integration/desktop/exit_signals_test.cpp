@@ -5,8 +5,11 @@
 #include <qtestsupport_core.h>
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <csignal>
 #include <thread>
+
+#include "adapters/desktop/quit_requests.h"
 
 namespace orven {
 namespace {
@@ -44,6 +47,25 @@ TEST_F(ExitSignalsTest, AHangUpIgnoredByTheStarterStaysIgnored) {
   std::raise(SIGHUP);
   QCoreApplication::processEvents();
   EXPECT_FALSE(exit);
+}
+
+TEST(QuitRequests, TheEndOfTheSessionIsKeptFromQtUntilTheProgramHasEnded) {
+  int asked = 0;
+  bool ended = false;
+  const QuitRequests requests([&] {
+    ++asked;
+    return !ended;
+  });
+  QEvent quit(QEvent::Quit);
+  QEvent other(QEvent::LocaleChange);
+  auto* application = QCoreApplication::instance();
+  EXPECT_TRUE(QCoreApplication::sendEvent(application, &quit));
+  QCoreApplication::sendEvent(application, &other);
+  EXPECT_EQ(asked, 1);
+  QObject receiver;
+  ended = true;
+  QCoreApplication::sendEvent(&receiver, &quit);
+  EXPECT_EQ(asked, 1) << "other objects' events are their own";
 }
 
 }  // namespace
