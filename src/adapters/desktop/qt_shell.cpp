@@ -46,28 +46,55 @@ QUrl Openable(const QString& target) {
 }  // namespace
 
 QtShell::QtShell(QIcon main_window) : main_window_(std::move(main_window)), nothing_(BlankPicture()) {
-  QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
+  if (!HasDisplay()) {
+    MakeIcon();
+    return;
+  }
+  host_ = std::make_unique<TrayHost>([this] { HearOfHost(); });
+  HearOfHost();
+}
+
+void QtShell::HearOfHost() {
+  if (icon_ || host_->Current() == TrayHost::Answer::Pending) return;
+  on_bus_ = host_->Current() == TrayHost::Answer::Present;
+  MakeIcon();
+}
+
+void QtShell::MakeIcon() {
+  icon_ = std::make_unique<QSystemTrayIcon>();
+  QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                    [this](QSystemTrayIcon::ActivationReason reason) { Activated(reason); });
+  icon_->setContextMenu(menu_);
+  if (!added_) return;
+  ShowPicture();
+  icon_->setToolTip(tip_);
+}
+
+void QtShell::SetMenu(QMenu* menu) {
+  menu_ = menu;
+  if (icon_) icon_->setContextMenu(menu);
 }
 
 bool QtShell::NotifyIcon(NotifyRequest request, const NotifyIconData& data) {
   if ((request == NotifyRequest::Modify) != added_) return false;
-  Show(data);
-  added_ = true;
+  // A desktop hears of every change by a message of its own: only of those that are one.
+  const bool new_picture = !std::exchange(added_, true) || data.icon != picture_;
+  picture_ = data.icon;
+  const QString tip = TipText(data.tip);
+  const bool new_tip = tip != std::exchange(tip_, tip);
+  if (icon_ && new_picture) ShowPicture();
+  if (icon_ && new_tip) icon_->setToolTip(tip_);
   return true;
 }
 
-void QtShell::Show(const NotifyIconData& data) {
-  // A desktop hears of every change by a message of its own: only of those that are one.
-  if (!added_ || data.icon != picture_)
-    icon_.setIcon(data.icon == NotifyIconPicture::MainWindow ? main_window_ : nothing_);
-  picture_ = data.icon;
-  if (const QString tip = TipText(data.tip); tip != icon_.toolTip()) icon_.setToolTip(tip);
-  if (HasDisplay()) icon_.show();  // Qt complains of trays that the others lack
+void QtShell::ShowPicture() {
+  icon_->setIcon(picture_ == NotifyIconPicture::MainWindow ? main_window_ : nothing_);
+  if (HasDisplay()) icon_->show();  // Qt complains of trays that the others lack
 }
 
 bool QtShell::HasNotificationArea() const {
-  return HasDisplay() && QSystemTrayIcon::isSystemTrayAvailable();
+  if (!icon_ || !host_) return false;
+  return on_bus_ ? host_->Current() == TrayHost::Answer::Present : QSystemTrayIcon::isSystemTrayAvailable();
 }
 
 bool QtShell::Open(const std::string& target) {

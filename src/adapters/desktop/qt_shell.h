@@ -2,13 +2,15 @@
 #pragma once
 
 #include <QIcon>
+#include <QMenu>
+#include <QPointer>
 #include <QSystemTrayIcon>
 #include <functional>
+#include <memory>
 #include <string>
 
+#include "adapters/desktop/tray_host.h"
 #include "platform/shell.h"
-
-class QMenu;
 
 namespace orven {
 
@@ -16,9 +18,9 @@ namespace orven {
 /// it, else the XEmbed tray of X11) and on its table of programs for documents. Needs a QApplication;
 /// user-interface thread.
 ///
-/// The icon waits for its place: added while there is no tray, or while the tray's host restarts, it
-/// appears with the host. Which of the two kinds of tray is used, Qt decides once a process, when it
-/// first looks for one.
+/// The icon waits for its place: added while there is no tray, or while the tray's host hangs or
+/// restarts, it appears with the host. Which of the two kinds of tray is used is decided once, by the
+/// first answer about a host on the bus; Qt knows no change of mind.
 class QtShell final : public Shell {
  public:
   /// Gets the shell's mouse message, as the X coordinate of a mouse move in twips: 514 or 517 times
@@ -35,12 +37,13 @@ class QtShell final : public Shell {
   /// The icon's menu; nullptr for none. The caller keeps it alive, or takes it away before it goes. A
   /// desktop that shows the menu itself does so without a mouse message; an XEmbed tray's click has
   /// already opened it when the message 517 comes.
-  void SetMenu(QMenu* menu) { icon_.setContextMenu(menu); }
+  void SetMenu(QMenu* menu);
 
   /// Without a display the record is kept, and nothing is shown.
   bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) override;
 
-  /// False on the platforms without a display (offscreen, minimal), whose trays nobody sees.
+  /// False while a host on the bus has not answered, and on the platforms without a display (offscreen,
+  /// minimal), whose trays nobody sees.
   bool HasNotificationArea() const override;
 
   /// Opens an existing file given by its absolute path, or an http or https address with a host;
@@ -48,19 +51,25 @@ class QtShell final : public Shell {
   /// and true says that it was started, not that it showed something.
   bool Open(const std::string& target) override;
 
-  /// The desktop's side of the icon.
-  QSystemTrayIcon& Icon() { return icon_; }
+  /// The desktop's side of the icon; nullptr until the kind of tray is decided.
+  QSystemTrayIcon* Icon() { return icon_.get(); }
 
  private:
+  void HearOfHost();
+  void MakeIcon();
+  void ShowPicture();
   void Activated(QSystemTrayIcon::ActivationReason reason) const;
-  void Show(const NotifyIconData& data);
 
   QIcon main_window_;
   QIcon nothing_;
   MouseHandler on_mouse_;
+  QPointer<QMenu> menu_;
   bool added_ = false;
   NotifyIconPicture picture_ = NotifyIconPicture::MainWindow;
-  QSystemTrayIcon icon_;
+  QString tip_;
+  bool on_bus_ = false;                    ///< the kind of tray; means something once there is an icon
+  std::unique_ptr<QSystemTrayIcon> icon_;  ///< Qt waits for a host on the bus to make one
+  std::unique_ptr<TrayHost> host_;         ///< only with a display
 };
 
 }  // namespace orven

@@ -57,7 +57,7 @@ class QtShellTest : public ::testing::Test {
   }
   /// The middle of the tray's picture.
   QColor Shown() {
-    return shell_.Icon().icon().pixmap(kTraySize).toImage().pixelColor(kTraySize / 2, kTraySize / 2);
+    return shell_.Icon()->icon().pixmap(kTraySize).toImage().pixelColor(kTraySize / 2, kTraySize / 2);
   }
 
   QtShell shell_{RedIcon()};
@@ -66,26 +66,26 @@ class QtShellTest : public ::testing::Test {
 TEST_F(QtShellTest, TheIconIsAddedOnceAndThenChanged) {
   EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Modify, Record("early"))) << "there is nothing to change";
   EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Add, Record("ORVEN - Calls:3  New:1")));
-  EXPECT_EQ(shell_.Icon().toolTip(), "ORVEN - Calls:3  New:1") << "up to the first NUL";
+  EXPECT_EQ(shell_.Icon()->toolTip(), "ORVEN - Calls:3  New:1") << "up to the first NUL";
   EXPECT_EQ(Shown(), Qt::red);
 
   const auto blank = Record("ORVEN - Calls:4  New:2", NotifyIconPicture::PicSysTryNothing);
   EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Add, blank)) << "it is there already";
   EXPECT_EQ(Shown(), Qt::red);
   EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Modify, blank));
-  EXPECT_EQ(shell_.Icon().toolTip(), "ORVEN - Calls:4  New:2");
-  EXPECT_EQ(shell_.Icon().icon().actualSize({kTraySize, kTraySize}), QSize(kTraySize, kTraySize));
+  EXPECT_EQ(shell_.Icon()->toolTip(), "ORVEN - Calls:4  New:2");
+  EXPECT_EQ(shell_.Icon()->icon().actualSize({kTraySize, kTraySize}), QSize(kTraySize, kTraySize));
   EXPECT_EQ(Shown().alpha(), 0);
   EXPECT_FALSE(shell_.HasNotificationArea()) << "nobody sees a tray here";
 }
 
 TEST_F(QtShellTest, ClicksBecomeMouseMessages) {
-  emit shell_.Icon().activated(QSystemTrayIcon::Trigger);  // nobody listens yet
+  emit shell_.Icon()->activated(QSystemTrayIcon::Trigger);  // nobody listens yet
   std::vector<double> messages;
   shell_.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
   for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::DoubleClick,
                             QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Unknown, QSystemTrayIcon::Context})
-    emit shell_.Icon().activated(reason);
+    emit shell_.Icon()->activated(reason);
   EXPECT_EQ(messages, (std::vector<double>{514, 517}));
 }
 

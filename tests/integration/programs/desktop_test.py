@@ -7,6 +7,7 @@
 
 import os
 import shutil
+import signal
 import socket
 import sys
 import tempfile
@@ -100,10 +101,13 @@ class DesktopTest(unittest.TestCase):
 
     def bus_tray(self):
         address = self.bus()
-        self.display.start([sys.executable, "-B", TRAY_HOST], "tray_host")
+        return address, self.tray_host(address)
+
+    def tray_host(self, address):
+        host = self.display.start([sys.executable, "-B", TRAY_HOST], "tray_host")
         connection = dbus.bus.BusConnection(address)
         processes.wait_for("The tray", lambda: connection.name_has_owner("org.kde.StatusNotifierWatcher"), LIMIT)
-        return address
+        return host
 
     def start(self, *arguments):
         orven = self.enterContext(Orven(self.home, arguments, self.display.variables))
@@ -172,7 +176,7 @@ class DesktopTest(unittest.TestCase):
         self.assert_ended_by_exit(orven)
 
     def test_the_icon_in_a_tray_on_the_bus_keeps_watch(self):
-        address = self.bus_tray()
+        address, _ = self.bus_tray()
         orven = self.start("-st")
         icon = BusIcon(address)
         self.assertEqual(icon.tip(), NO_CALLS)
@@ -188,12 +192,23 @@ class DesktopTest(unittest.TestCase):
         icon.press("Exit")
         self.assert_ended_by_exit(orven)
 
+    def test_a_tray_that_hangs_does_not_keep_the_program_from_its_line(self):
+        address, host = self.bus_tray()
+        host.send_signal(signal.SIGSTOP)
+        orven = self.start()
+        self.close(self.main_window(orven, "Normal"))
+        self.main_window(orven, "Iconic")  # the icon could not bring it back
+        host.kill()  # whoever looks after the desktop starts it again
+        host.wait(LIMIT)
+        self.tray_host(address)
+        self.assertEqual(BusIcon(address).tip(), NO_CALLS)
+
     def test_a_call_makes_the_icon_blink_until_the_window_is_back(self):
         script = os.path.join(self.folder, "call.sim")
         with open(script, "w", encoding="utf-8") as file:
             file.write("0.5 offer\n0.6 callerid 5551234 Anna\n0.7 ring\n1.2 hangup\n")
         self.lines(f"[Test]\ntype = sim\nscript = {script}\n")
-        address = self.bus_tray()
+        address, _ = self.bus_tray()
         orven = self.start("-st")
         icon = BusIcon(address)
         for blank in (True, False, True):
