@@ -22,10 +22,10 @@ void CardList::Update(const std::vector<Output>& outputs) {
   }
 }
 
-bool CardList::MayPlay(std::int32_t number) const {
+bool CardList::MayBe(std::int32_t number) const {
   const std::lock_guard lock(mutex_);
   if (number < 0 || number >= kFirstLineWaveDevice) return false;
-  return number == 0 || !looked_ || Find(number) != nullptr;
+  return !looked_ || static_cast<std::size_t>(number) <= known_.size();
 }
 
 std::optional<std::string> CardList::IdOf(std::int32_t number) const {

@@ -31,8 +31,8 @@ class CardList {
   /// have are left out.
   void Update(const std::vector<Output>& outputs);
 
-  /// Whether card `number` is there. Before the first Update every card may be.
-  bool MayPlay(std::int32_t number) const;
+  /// Whether there is or was a card `number`. Before the first Update every number may be one.
+  bool MayBe(std::int32_t number) const;
 
   /// The id of card `number`, which is 1 or more and there.
   std::optional<std::string> IdOf(std::int32_t number) const;

@@ -28,10 +28,6 @@ CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> pla
     problem_ = "The sound output \"" + device_.description().toStdString() + "\" could not be opened.";
 }
 
-CardPlayer::~CardPlayer() {
-  sink_.reset();
-}
-
 bool CardPlayer::Tick() {
   if (problem_.empty() && sink_.state() == QAudio::StoppedState)
     problem_ = "The sound output \"" + device_.description().toStdString() +

@@ -15,21 +15,24 @@
 
 namespace orven {
 
-/// Plays one CardPlay on one output. The stream is open while the object lives. Sound thread; every
+/// Plays one CardPlay on one output. The stream is open from the beginning until Close. Sound thread; every
 /// call may wait for the sound server.
 class CardPlayer {
  public:
   /// Opens the stream; when that fails, Problem says so.
   CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play);
 
-  /// Cuts off what has not been heard yet.
-  ~CardPlayer();
+  /// Lets the thread's events run.
+  ~CardPlayer() = default;
   CardPlayer(const CardPlayer&) = delete;
   CardPlayer& operator=(const CardPlayer&) = delete;
 
   /// Gives the output what it has room for; to be called every 20 ms. False when there is nothing left
   /// to do: the play was stopped, or it ended and all of it has been heard, or there is a Problem.
   bool Tick();
+
+  /// Closes the stream; what has not been heard yet is cut off.
+  void Close() { sink_.reset(); }
 
   /// Why the stream cannot play (on), as a sentence; empty while it can.
   const std::string& Problem() const { return problem_; }

@@ -27,8 +27,7 @@ struct SoundCards::Shared {
   }
 
   const std::shared_ptr<CardList> cards = std::make_shared<CardList>();
-  std::shared_ptr<SoundOutputs> outputs;  ///< sound thread only
-  std::atomic<bool> answers{true};        ///< false from when the sound thread hung until it goes on
+  std::unique_ptr<SoundOutputs> outputs;  ///< sound thread only
   std::mutex mutex;
   Report report;
 };
@@ -39,7 +38,6 @@ class SoundCards::Card : public AudioDevice {
 
   std::int32_t StartPlay(AudioSource& source) override {
     if (play_ && play_->Active()) return kWaveBusy;
-    if (!owner_.shared_->answers || !owner_.shared_->cards->MayPlay(number_)) return kWaveNoDevice;
     play_ = std::make_shared<CardPlay>(source);
     owner_.Start(number_, play_);
     return kWaveOk;
@@ -69,25 +67,26 @@ SoundCards::~SoundCards() {
     const std::lock_guard lock(shared_->mutex);
     shared_->report = nullptr;
   }
-  if (thread_) thread_->Post([shared = shared_] { shared->outputs.reset(); });
 }
 
 void SoundCards::Prepare() {
   if (thread_) return;
-  thread_ = std::make_unique<SoundThread>();
+  thread_ = std::make_unique<SoundThread>([shared = shared_] { shared->outputs.reset(); });
   thread_->Post([shared = shared_] {
-    shared->outputs = std::make_shared<SoundOutputs>(
+    shared->outputs = std::make_unique<SoundOutputs>(
         shared->cards, [to = shared.get()](const std::string& text) { to->Tell(text); });
+    shared->outputs->Look();
   });
 }
 
 std::vector<SoundCard> SoundCards::Present() {
+  if (thread_) thread_->Post([shared = shared_] { shared->outputs->Look(); });
   Prepare();
   return shared_->cards->Present();
 }
 
 AudioDevice* SoundCards::Find(std::int32_t number) {
-  if (!shared_->cards->MayPlay(number)) return nullptr;
+  if (!shared_->cards->MayBe(number)) return nullptr;
   auto& card = cards_[number];
   if (!card) card = std::make_unique<Card>(*this, number);
   return card.get();
@@ -108,8 +107,6 @@ void SoundCards::Watch() {
     if (play == nullptr || !play->Active()) continue;
     active = true;
     if (play->SinceLastRead() < kPatience || !play->Fail()) continue;
-    shared_->answers = false;
-    thread_->Post([shared = shared_] { shared->answers = true; });
     shared_->Tell("The sound server does not answer; what was playing on sound card " +
                   std::to_string(number) + " was given up.");
   }

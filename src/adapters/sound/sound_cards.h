@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -41,11 +40,13 @@ class SoundCards : public AudioDevices {
   /// Begins to look which cards there are, unless that has begun.
   void Prepare();
 
-  /// The cards that are there; only number 0 until the first look is done. Calls Prepare.
+  /// The cards that were there at the latest look, only number 0 before the first one; begins a new
+  /// look, because not every sound system tells of what comes and goes.
   std::vector<SoundCard> Present();
 
-  /// nullptr for a card that is not there now. Until the first look is done every card may be: a play
-  /// then starts when the card is found, or fails.
+  /// nullptr for a number that no card has had. Whether the card is there now shows when a play has
+  /// started: it then ends by itself, as it does when a card goes away. Until the first look is done every
+  /// number may have a card.
   AudioDevice* Find(std::int32_t number) override;
 
  private:

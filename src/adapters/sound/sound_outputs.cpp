@@ -1,19 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/sound/sound_outputs.h"
 
-#include <QAudioDevice>
 #include <algorithm>
 #include <chrono>
+#include <iterator>
+#include <utility>
 
 namespace orven {
 namespace {
 
 using namespace std::chrono_literals;
 
-bool IsThere(const QAudioDevice& device) {
-  const auto outputs = QMediaDevices::audioOutputs();
-  return std::any_of(outputs.begin(), outputs.end(),
-                     [&](const QAudioDevice& output) { return output.id() == device.id(); });
+/// How long a server may take to answer; where the first call starts it, that takes about a second.
+constexpr auto kAnswerLimit = 3s;
+
+/// The output with this id, or a null one when it is not there.
+QAudioDevice OutputOf(const std::string& id) {
+  for (const QAudioDevice& output : QMediaDevices::audioOutputs())
+    if (output.id().toStdString() == id) return output;
+  return {};
+}
+
+std::string Quoted(const QAudioDevice& device) {
+  return "\"" + device.description().toStdString() + "\"";
 }
 
 }  // namespace
@@ -23,62 +32,66 @@ SoundOutputs::SoundOutputs(std::shared_ptr<CardList> cards, std::function<void(c
   tick_.setTimerType(Qt::PreciseTimer);
   tick_.setInterval(20ms);
   QObject::connect(&tick_, &QTimer::timeout, [this] { Tick(); });
-  QObject::connect(&devices_, &QMediaDevices::audioOutputsChanged, [this] { Look(); });
-  Look();
+  bury_.setSingleShot(true);
+  QObject::connect(&bury_, &QTimer::timeout, [this] { std::exchange(dismissed_, {}).clear(); });
 }
 
-void SoundOutputs::Look() {
+SoundOutputs::~SoundOutputs() {
+  tick_.stop();
+  bury_.stop();
+}
+
+SoundServer SoundOutputs::Look() {
+  const SoundServer server = AskSoundServer(kAnswerLimit);
+  if (server.state != SoundServer::State::Ready) return server;
+  if (!devices_) devices_.emplace();
   std::vector<CardList::Output> outputs;
   for (const QAudioDevice& device : QMediaDevices::audioOutputs())
     outputs.push_back({device.id().toStdString(), device.description().toStdString()});
   cards_->Update(outputs);
-  // The server may go on elsewhere with a stream whose output was unplugged; a message is not to be
-  // heard from where nobody chose to hear it.
-  std::erase_if(players_, [this](const auto& player) {
-    if (IsThere(player->Device())) return false;
-    Fail(player->Play(), "The sound output \"" + player->Device().description().toStdString() +
-                             "\" went away while it was playing.");
-    return true;
-  });
+  return server;
 }
 
 void SoundOutputs::Begin(std::int32_t number, const std::shared_ptr<CardPlay>& play) {
   if (!play->Active()) return;
-  const QAudioDevice device = Device(number);
-  if (device.isNull()) {
-    Fail(*play, number == 0 ? "There is no sound output to play on; perhaps no sound server runs."
-                            : "There is no sound output number " + std::to_string(number) + " to play on.");
-    return;
-  }
-  auto player = std::make_unique<CardPlayer>(device, play);
-  if (!player->Problem().empty()) return Fail(*play, player->Problem());
-  players_.push_back(std::move(player));
+  const SoundServer server = Look();
+  if (server.state == SoundServer::State::None) return Fail(*play, "There is no sound server to play on.");
+  if (server.state == SoundServer::State::Silent) return Fail(*play, "The sound server does not answer.");
+  const QAudioDevice device =
+      OutputOf(number == 0 ? server.default_output : cards_->IdOf(number).value_or(""));
+  if (device.isNull())
+    return Fail(*play, number == 0 ? "There is no sound output to play on."
+                                   : "There is no sound output number " + std::to_string(number) + " now.");
+  players_.push_back(std::make_unique<CardPlayer>(device, play));
   tick_.start();
   Tick();
 }
 
 void SoundOutputs::Tick() {
-  std::erase_if(players_, [this](const auto& player) {
-    if (player->Tick()) return false;
-    if (!player->Problem().empty()) Fail(player->Play(), player->Problem());
-    return true;
-  });
+  const auto goes = [this](const auto& player) { return Goes(*player); };
+  const auto done = std::stable_partition(players_.begin(), players_.end(), goes);
+  std::for_each(done, players_.end(), [](const auto& player) { player->Close(); });
+  std::move(done, players_.end(), std::back_inserter(dismissed_));
+  players_.erase(done, players_.end());
+  if (!dismissed_.empty()) bury_.start(0ms);
   if (players_.empty()) tick_.stop();
+}
+
+/// False when nothing is left to do for the player.
+bool SoundOutputs::Goes(CardPlayer& player) const {
+  // The server may go on elsewhere with a stream whose output was unplugged; a message is not to be
+  // heard from where nobody chose to hear it.
+  if (OutputOf(player.Device().id().toStdString()).isNull()) {
+    Fail(player.Play(), "The sound output " + Quoted(player.Device()) + " went away while it was playing.");
+    return false;
+  }
+  if (player.Tick()) return true;
+  if (!player.Problem().empty()) Fail(player.Play(), player.Problem());
+  return false;
 }
 
 void SoundOutputs::Fail(CardPlay& play, const std::string& problem) const {
   if (play.Fail()) report_(problem);
-}
-
-/// A null device when there is none now.
-QAudioDevice SoundOutputs::Device(std::int32_t number) const {
-  if (number == 0) return QMediaDevices::defaultAudioOutput();
-  const auto id = cards_->IdOf(number);
-  const auto outputs = QMediaDevices::audioOutputs();
-  const auto found = std::find_if(outputs.begin(), outputs.end(), [&](const QAudioDevice& output) {
-    return id == output.id().toStdString();
-  });
-  return found == outputs.end() ? QAudioDevice() : *found;
 }
 
 }  // namespace orven

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <QThread>
 #include <functional>
 #include <memory>
 
@@ -13,19 +12,23 @@ namespace orven {
 /// any.
 class SoundThread {
  public:
-  SoundThread();
+  /// `at_end` runs in the thread after its last task, when no event is being handled.
+  explicit SoundThread(std::function<void()> at_end);
 
   /// Ends the thread after what has been posted. A thread that does not end within a second hangs in
   /// the sound server: it is left behind until the process ends, with everything that its tasks own.
+  /// When the process ends, the destructors of globals are not run from now on.
   ~SoundThread();
   SoundThread(const SoundThread&) = delete;
   SoundThread& operator=(const SoundThread&) = delete;
 
-  /// Runs `task` in the thread, after those posted before. It must own what it uses.
+  /// Runs `task` in the thread, after those posted before. It must own what it uses, as
+  /// must `at_end`.
   void Post(std::function<void()> task);
 
  private:
-  std::unique_ptr<QThread> thread_;
+  class Thread;
+  std::unique_ptr<Thread> thread_;
   std::unique_ptr<QObject> context_;  ///< lives in the thread and receives the tasks
 };
 
