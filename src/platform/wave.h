@@ -91,6 +91,7 @@ class WaveControl {
   /// file plays.
   virtual std::int32_t PlayFile(const std::string& path, std::int32_t device) = 0;
 
+  /// A text for a result of PlayFile; where the file is to blame it names the latest one.
   virtual std::string PlayErrorText(std::int32_t code) const = 0;
 
   virtual bool IsPlaying() const = 0;

@@ -78,13 +78,13 @@ std::string FileWaveControl::RecordErrorText(std::int32_t code) const {
 
 std::int32_t FileWaveControl::PlayFile(const std::string& path, std::int32_t device) {
   if (playing_) return kWaveBusy;
+  play_path_ = path;
   AudioDevice* const to = devices_.Find(device);
   if (to == nullptr) return kWaveNoDevice;
   std::unique_ptr<TelephoneDecoder> decoder;
   if (const auto result = TelephoneDecoder::Open(path, decoder); result != kWaveOk) return result;
   ReleaseSource();
   play_device_ = to;
-  play_path_ = path;
   const std::int32_t result = StartSource(std::move(decoder), {});
   playing_ = result == kWaveOk;
   return result;
@@ -107,7 +107,8 @@ std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> deco
 }
 
 std::string FileWaveControl::PlayErrorText(std::int32_t code) const {
-  return PlayResultText(code);
+  const bool of_file = code == kWaveFileNotFound || code == kWaveFileUnreadable || code == kWaveBadFormat;
+  return PlayResultText(code) + (of_file && !play_path_.empty() ? " (\"" + play_path_ + "\")" : "");
 }
 
 void FileWaveControl::StopPlay() {

@@ -3,7 +3,9 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
+#include <QStandardPaths>
 #include <QStringList>
 #include <iostream>
 
@@ -46,7 +48,9 @@ QString QtFileFilter(const std::string& filter) {
 QtDialogs::QtDialogs(bool has_display) : QtDialogs(has_display, std::cerr) {}
 
 QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
-    : has_display_(has_display), text_output_(text_output) {}
+    : has_display_(has_display),
+      text_output_(text_output),
+      save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {}
 
 void QtDialogs::Message(const std::string& text) {
   if (!has_display_) return Tell(text);
@@ -73,10 +77,15 @@ std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std
     Tell(title + ": " + suggested_name + " (no display to ask on: cancelled)");
     return std::nullopt;
   }
-  const QString path =
-      QFileDialog::getSaveFileName(QApplication::activeWindow(), QString::fromStdString(title),
-                                   QString::fromStdString(suggested_name), QtFileFilter(filter));
-  if (path.isEmpty()) return std::nullopt;
+  const QString name = QString::fromStdString(suggested_name);
+  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), save_folder_,
+                     QtFileFilter(filter));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(QFileInfo(name).suffix());
+  dialog.selectFile(name);
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  const QString path = dialog.selectedFiles().constFirst();
+  save_folder_ = QFileInfo(path).absolutePath();
   return path.toStdString();
 }
 

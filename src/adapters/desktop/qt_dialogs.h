@@ -32,6 +32,7 @@ class QtDialogs final : public Dialogs {
 
   bool has_display_;
   std::ostream& text_output_;
+  QString save_folder_;  ///< where the last file was saved
 };
 
 }  // namespace orven

@@ -25,7 +25,8 @@ CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> pla
       block_bytes_(sink_.format().bytesForDuration(kBlockMicroseconds)) {
   if (converter_.Valid()) stream_ = sink_.start();
   if (stream_ == nullptr || sink_.error() != QAudio::NoError)
-    problem_ = "The sound output \"" + device_.description().toStdString() + "\" could not be opened.";
+    problem_ = "The sound output \"" + device_.description().toStdString() +
+               "\" could not be opened. If the sound server was restarted, ORVEN has to be, too.";
 }
 
 bool CardPlayer::Tick() {

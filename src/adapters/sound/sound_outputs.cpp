@@ -42,7 +42,7 @@ SoundOutputs::~SoundOutputs() {
 }
 
 SoundServer SoundOutputs::Look() {
-  const SoundServer server = AskSoundServer(kAnswerLimit);
+  SoundServer server = AskSoundServer(kAnswerLimit);
   if (server.state != SoundServer::State::Ready) return server;
   if (!devices_) devices_.emplace();
   std::vector<CardList::Output> outputs;
