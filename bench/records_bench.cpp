@@ -90,7 +90,9 @@ class FortyRows : public CallListView, public CallCountsView {
   void ShowRowsInserted(std::int32_t /*count*/) override {}
   void ShowRowRemoved(std::int32_t /*index*/) override { Look(); }
   void ShowRowsChanged() override { Look(); }
-  void ShowIcon(std::int32_t index, CallIcon /*icon*/) override { benchmark::DoNotOptimize(list->Row(index)); }
+  void ShowIcon(std::int32_t index, CallIcon /*icon*/) override {
+    benchmark::DoNotOptimize(list->Row(index));
+  }
   void ShowSelection(std::int32_t /*index*/) override {}
   void EnsureVisible(std::int32_t /*index*/) override {}
   void PopUpMenu(bool /*message*/) override {}

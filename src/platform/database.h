@@ -72,6 +72,9 @@ class DatabaseControl {
   /// Removes the current record; there is no current record afterwards.
   virtual void Delete() = 0;
 
+  /// Removes the records 1 to `number`, all or none.
+  virtual void DeleteFirst(std::int32_t number) = 0;
+
   /// Removes every record.
   virtual void DeleteAll() = 0;
 };

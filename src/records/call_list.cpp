@@ -84,6 +84,17 @@ void CallList::makeList() {
   trap([&] { counts_.MakeSysTryBaloon(total_, new_calls_); });
 }
 
+void CallList::FollowRecords() {
+  const ErrorTrap trap(log_, "ErrmakeList ");
+  bool changed = false;
+  trap([&] {
+    changed = DataBase1.RecordCount() != total_ || (total_ > 0 && DataBase1.Identity(total_) != newest_);
+  });
+  if (!changed) return;
+  log_.WriteSystem("The call records were changed by another program");
+  makeList();
+}
+
 /// Tells the view what became of the `shown` rows that it shows.
 void CallList::ShowRows(std::int32_t shown) {
   if (total_ == 0) {
@@ -99,10 +110,10 @@ void CallList::ShowRows(std::int32_t shown) {
 }
 
 void CallList::KeepSelection() {
-  if (selected_ == 0) return;
-  const auto row = RowOf(selected_call_);
+  if (total_ == 0 && selected_ == 0) return;
+  const auto row = selected_ == 0 ? 0 : RowOf(selected_call_);
   const bool same_call = row > 0;
-  Remember(same_call ? row : std::min(selected_, total_));
+  Remember(same_call ? row : std::min(std::max(selected_, 1), total_));
   view_.ShowSelection(selected_);
   if (!same_call) selection_changed_();
 }

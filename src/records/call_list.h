@@ -86,8 +86,13 @@ class CallList {
   void Clear();
 
   /// Brings rows and counts in line with the records. The selection stays on its call; when that is
-  /// gone, on the row number it had, or on the last row when there are fewer.
+  /// gone, on the row number it had, or on the last row when there are fewer. Without a selection the
+  /// newest call is selected.
   void makeList();
+
+  /// The same when another program has added or removed records, so that no command acts on another
+  /// call than the one that is shown. Before a command on a row.
+  void FollowRecords();
 
   std::int32_t Count() const { return total_; }
   std::int32_t Total() const { return total_; }

@@ -109,12 +109,16 @@ void CallStore::StopPlayerOn(const std::string& key) {
   if (FileNamePart(ports_.player.HeldFile()) == key) ports_.player.Stop();
 }
 
-void CallStore::ClearAll() {
+void CallStore::ClearUpTo(std::int64_t newest) {
   const auto trap = ErrorTrap(ports_.system_log, "ErrClear ");
   trap([&] {
     if (ports_.player.IsPlaying()) ports_.player.Stop();
   });
-  trap([&] { ports_.DataBase1.DeleteAll(); });
+  trap([&] {
+    auto& database = ports_.DataBase1;
+    const auto number = database.Locate(newest);
+    number == database.RecordCount() ? database.DeleteAll() : database.DeleteFirst(number);
+  });
   list_.makeList();
 }
 

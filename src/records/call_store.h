@@ -61,8 +61,9 @@ class CallStore {
   /// rebuilds the list.
   void DeleteItemIndex(std::int32_t index);
 
-  /// Deletes all records and rebuilds the list. Message files stay where they are.
-  void ClearAll();
+  /// Deletes the record with this identity and all older ones, and rebuilds the list. Message files
+  /// stay where they are.
+  void ClearUpTo(std::int64_t newest);
 
   /// Copies the message file at `path` to where the person at the desk wants it, in the background.
   void SaveFile(const std::string& path);

@@ -11,6 +11,7 @@ void ListCommands::Delete() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     auto& list = parts_.ListView1;
+    list.FollowRecords();
     if (!HasSelection()) return;
     const auto call = list.Identity(list.Selected());
     if (parts_.settings.WornDelete != 0) {
@@ -29,22 +30,19 @@ void ListCommands::Clear() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     auto& list = parts_.ListView1;
+    list.FollowRecords();
     if (list.Count() == 0) return;
-    if (parts_.settings.WornClear != 0) {
-      // A call that came in while the question was open was not meant: ask again.
-      std::int64_t newest = 0;
-      while (list.Count() > 0 && newest != list.Identity(1)) {
-        newest = list.Identity(1);
-        if (!parts_.dialogs.Confirm("Clear Calls List ?")) return;
-      }
-    }
-    parts_.calls.ClearAll();
+    // A call that comes in while the question is open was not meant.
+    const auto newest = list.Identity(1);
+    if (parts_.settings.WornClear != 0 && !parts_.dialogs.Confirm("Clear Calls List ?")) return;
+    parts_.calls.ClearUpTo(newest);
   });
 }
 
 void ListCommands::Save() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
+    parts_.ListView1.FollowRecords();
     if (!HasSelection()) return;
     const auto key = parts_.ListView1.Row(parts_.ListView1.Selected()).key;
     if (!key.empty()) parts_.calls.SaveFile(parts_.shared.messages_path + key);
@@ -60,6 +58,7 @@ void ListCommands::MarkAsUnread() {
 }
 
 void ListCommands::Mark(bool read) {
+  parts_.ListView1.FollowRecords();
   if (HasSelection()) parts_.calls.MarkAsReadUnRead(parts_.ListView1.Selected(), read);
 }
 
@@ -80,17 +79,19 @@ void ListCommands::SelectRow(std::int32_t row) {
 }
 
 void ListCommands::Back() {
-  GoTo(parts_.ListView1.Selected() - 1);
+  Step(-1);
 }
 
 void ListCommands::Next() {
-  GoTo(parts_.ListView1.Selected() + 1);
+  Step(+1);
 }
 
-void ListCommands::GoTo(std::int32_t row) {
+void ListCommands::Step(std::int32_t rows) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
+    parts_.ListView1.FollowRecords();
     parts_.player.Stop();
+    const auto row = parts_.ListView1.Selected() + rows;
     if (row < 1 || row > parts_.ListView1.Count()) return;
     parts_.ListView1.Select(row);
     Mark(true);
@@ -115,6 +116,7 @@ void ListCommands::ListView1_Selected(std::int32_t row) {
 }
 
 bool ListCommands::Follow(std::int32_t row) {
+  parts_.ListView1.FollowRecords();
   if (parts_.blocked()) {
     parts_.view.ShowSelection(parts_.ListView1.Selected());
     return false;
@@ -131,8 +133,8 @@ void ListCommands::ListView1_MouseDown() {
 void ListCommands::PopUpMenu() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    if (!HasSelection()) return;
-    parts_.view.PopUpMenu(!parts_.ListView1.Row(parts_.ListView1.Selected()).key.empty());
+    const auto selected = parts_.ListView1.Selected();
+    parts_.view.PopUpMenu(selected > 0 && !parts_.ListView1.Row(selected).key.empty());
   });
 }
 

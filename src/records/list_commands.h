@@ -37,7 +37,8 @@ class ListCommands {
   /// open changes nothing about which call is deleted.
   void Delete();
 
-  /// Deletes all records; asks first when the setting `WornClear` says so.
+  /// Deletes all records; asks first when the setting `WornClear` says so. A call that comes in while
+  /// the question is open stays.
   void Clear();
 
   /// Saves a copy of the selected message.
@@ -71,7 +72,7 @@ class ListCommands {
   bool HasSelection() const { return parts_.ListView1.Selected() > 0; }
 
  private:
-  void GoTo(std::int32_t row);
+  void Step(std::int32_t rows);
   void SelectRow(std::int32_t row);
   void Mark(bool read);
   bool Follow(std::int32_t row);

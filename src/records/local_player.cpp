@@ -37,6 +37,7 @@ LocalPlayer::~LocalPlayer() {
 
 void LocalPlayer::Play() {
   ++search_;
+  list_.FollowRecords();
   PlayFrom(list_.Selected());
 }
 
@@ -91,6 +92,7 @@ void LocalPlayer::PressStop() {
 }
 
 void LocalPlayer::Stop() {
+  ++search_;
   if (IsPlaying()) ports_.WavePlay.StopPlay();
   Reset();
 }

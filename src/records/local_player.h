@@ -81,7 +81,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   bool Playing() const { return playing_; }
 
   bool IsPlaying() const override { return ports_.WavePlay.IsPlaying(); }
-  /// Stops whatever the sound card plays.
+  /// Stops whatever the sound card plays, and the search for something to play.
   void Stop() override;
   std::string HeldFile() const override { return held_file_; }
 

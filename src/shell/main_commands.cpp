@@ -45,13 +45,18 @@ void MainCommands::OpenDialog(Dialog dialog, int tab) {
 }
 
 void MainCommands::ShowHelp() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { parts_.shell.Open(parts_.shared.InApplicationFolder("\\Help\\index.htm")); });
+  Open(parts_.shared.InApplicationFolder("\\Help\\index.htm"));
 }
 
 void MainCommands::ShowPage(const std::string& address) {
+  Open(address);
+}
+
+void MainCommands::Open(const std::string& target) {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { parts_.shell.Open(address); });
+  trap([&] {
+    if (!parts_.shell.Open(target)) parts_.log.WriteSystem("Cannot open " + target);
+  });
 }
 
 }  // namespace orven

@@ -30,6 +30,7 @@ class MainCommands {
     DialogFactory& dialogs;
     Shell& shell;
     const SharedOptions& shared;
+    SystemLog& log;
     std::function<void(bool on)> switch_line;
   };
 
@@ -58,6 +59,8 @@ class MainCommands {
   void ShowPage(const std::string& address);
 
  private:
+  void Open(const std::string& target);
+
   Parts parts_;
 };
 

@@ -19,8 +19,9 @@ constexpr std::uint32_t kFlat = 0x800;
 
 constexpr auto kClockInterval = 1s;
 
-/// A desktop that is just starting shows its notification area within this time.
-constexpr auto kTrayPatience = 15s;
+/// A desktop that is just starting, or its panel that is starting anew, shows its notification area
+/// within twice this time.
+constexpr auto kTrayPatience = 10s;
 
 }  // namespace
 
@@ -33,19 +34,20 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& 
       end_process_(std::move(end_process)),
       machine_(ports, views, shared),
       commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.shell, shared,
-                 [this](bool on) { on ? TurnOn() : TurnOff(); }}),
-      TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })) {}
+                 machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
+      TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })),
+      TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}
 
 void MainWindow::LoadHidden() {
+  if (ended_) return;
   machine_.window_hidden = true;
   Load();
   StartUp();
-  ports_.loop.After(kTrayPatience, lifeline_.Bind([this] {
-    if (machine_.window_hidden && !ended_ && !ports_.shell.HasNotificationArea()) PutAway();
-  }));
+  TrayWatch_->Start(kTrayPatience);
 }
 
 void MainWindow::Show() {
+  if (ended_) return;
   Load();
   StartUp();
   // A message box of the start-up lets events in, an exit command among them.
@@ -53,6 +55,7 @@ void MainWindow::Show() {
 }
 
 void MainWindow::Load() {
+  loaded_ = true;
   const ErrorTrap trap(machine_.log, "ErrorLoadFormMain->");
   trap([&] {
     std::vector<std::string> rings;
@@ -164,7 +167,8 @@ void MainWindow::StopSounds() {
 void MainWindow::Exit() {
   if (ended_) return;
   exiting_ = true;
-  if (!Unload()) return;
+  // A second instance has loaded nothing, and what is there belongs to the first.
+  if (loaded_ && !Unload()) return;
   ended_ = true;
   end_process_();
 }
@@ -188,9 +192,27 @@ void MainWindow::Hide() {
 
 /// Hides the window where an icon can bring it back, else only minimises it.
 void MainWindow::PutAway() {
-  if (ports_.shell.HasNotificationArea()) return views_.frame.Hide();
+  tray_missed_ = false;
+  if (ports_.shell.HasNotificationArea()) {
+    views_.frame.Hide();
+    TrayWatch_->Start(kTrayPatience);
+    return;
+  }
+  TrayWatch_->Stop();
   views_.frame.Minimise();
   machine_.log.WriteSystem("No notification area: the window is minimised, not hidden");
+}
+
+/// A hidden window whose icon is gone would be out of reach.
+void MainWindow::WatchTray() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (!machine_.window_hidden || ended_) return TrayWatch_->Stop();
+    const bool there = ports_.shell.HasNotificationArea();
+    // The panel that has it may just be starting anew.
+    if (!there && tray_missed_) PutAway();
+    tray_missed_ = !there;
+  });
 }
 
 void MainWindow::Open() {

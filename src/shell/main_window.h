@@ -64,6 +64,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   void SetToolbarStyles();
   void StopSounds();
   void PutAway();
+  void WatchTray();
   void RestoreFromTray() override;
   void PopUpTrayMenu() override;
 
@@ -74,9 +75,11 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   AnsweringMachine machine_;
   MainCommands commands_;
   std::unique_ptr<Timer> TimerPannel_;
+  std::unique_ptr<Timer> TrayWatch_;  ///< runs while the window is hidden
+  bool tray_missed_ = false;          ///< there was no notification area at the latest look
+  bool loaded_ = false;
   bool exiting_ = false;
   bool ended_ = false;
-  Lifeline lifeline_;
 };
 
 }  // namespace orven

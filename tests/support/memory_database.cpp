@@ -110,6 +110,15 @@ void MemoryDatabase::Delete() {
   current_ = 0;
 }
 
+void MemoryDatabase::DeleteFirst(std::int32_t number) {
+  At(number);
+  before_write();
+  Identities();
+  identities_.erase(identities_.begin(), identities_.begin() + number);
+  records_.erase(records_.begin(), records_.begin() + number);
+  current_ = 0;
+}
+
 void MemoryDatabase::DeleteAll() {
   before_write();
   identities_.clear();

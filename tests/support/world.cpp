@@ -83,8 +83,8 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
   window =
-      std::make_unique<MainWindow>(EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, database,
-                                               *Tapi1, Wave1, WavePlay, waveforms},
+      std::make_unique<MainWindow>(EnginePorts{time, time, files, background, registry, dialogs, shell, mouse,
+                                               database, *Tapi1, Wave1, WavePlay, waveforms},
                                    views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

@@ -214,6 +214,18 @@ void SqliteDatabase::Delete() {
   draft_.reset();
 }
 
+void SqliteDatabase::DeleteFirst(std::int32_t number) {
+  Refresh();
+  const std::int64_t row = RowAt(number);
+  SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid <= ?");
+  statement.Bind(1, row);
+  statement.Step();
+  connection_->MergeLog();
+  rows_.erase(rows_.begin(), rows_.begin() + number);
+  current_.reset();
+  draft_.reset();
+}
+
 void SqliteDatabase::DeleteAll() {
   Refresh();
   connection_->Execute("DELETE FROM " + table_);

@@ -47,6 +47,7 @@ class SqliteDatabase final : public DatabaseControl {
   std::string GetField(std::string_view field) override;
   void Update() override;
   void Delete() override;
+  void DeleteFirst(std::int32_t number) override;
   void DeleteAll() override;
 
  private:

@@ -62,7 +62,9 @@ SoundCards::SoundCards(EventLoop& loop, Report report)
     : loop_(loop), shared_(std::make_shared<Shared>(std::move(report))) {}
 
 SoundCards::~SoundCards() {
-  for (const auto& [number, card] : cards_) card->StopPlay();
+  for (const Cards* cards : {&cards_, &more_cards_}) {
+    for (const auto& [number, card] : *cards) card->StopPlay();
+  }
   {
     const std::lock_guard lock(shared_->mutex);
     shared_->report = nullptr;
@@ -85,9 +87,9 @@ std::vector<SoundCard> SoundCards::Present() {
   return shared_->cards->Present();
 }
 
-AudioDevice* SoundCards::Find(std::int32_t number) {
+AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
   if (!shared_->cards->MayBe(number)) return nullptr;
-  auto& card = cards_[number];
+  auto& card = cards[number];
   if (!card) card = std::make_unique<Card>(*this, number);
   return card.get();
 }
@@ -101,8 +103,15 @@ void SoundCards::Start(std::int32_t number, const std::shared_ptr<CardPlay>& pla
 
 /// Ends the plays that a hanging server holds up; the sound thread itself may hang with it.
 void SoundCards::Watch() {
+  const bool first = Watch(cards_);
+  const bool second = Watch(more_cards_);
+  if (!first && !second) watch_->Stop();
+}
+
+/// True when one of the cards still plays.
+bool SoundCards::Watch(const Cards& cards) {
   bool active = false;
-  for (const auto& [number, card] : cards_) {
+  for (const auto& [number, card] : cards) {
     CardPlay* const play = card->Play();
     if (play == nullptr || !play->Active()) continue;
     active = true;
@@ -110,7 +119,7 @@ void SoundCards::Watch() {
     shared_->Tell("The sound server does not answer; what was playing on sound card " +
                   std::to_string(number) + " was given up.");
   }
-  if (!active) watch_->Stop();
+  return active;
 }
 
 }  // namespace orven

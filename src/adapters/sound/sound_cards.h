@@ -47,11 +47,27 @@ class SoundCards : public AudioDevices {
   /// nullptr for a number that no card has had. Whether the card is there now shows when a play has
   /// started: it then ends by itself, as it does when a card goes away. Until the first look is done every
   /// number may have a card.
-  AudioDevice* Find(std::int32_t number) override;
+  AudioDevice* Find(std::int32_t number) override { return FindIn(cards_, number); }
+
+  /// The same cards once more: what plays on these is heard together with what plays on those.
+  AudioDevices& Beside() { return beside_; }
 
  private:
   class Card;
   struct Shared;
+  using Cards = std::map<std::int32_t, std::unique_ptr<Card>>;
+
+  class BesideCards : public AudioDevices {
+   public:
+    explicit BesideCards(SoundCards& owner) : owner_(owner) {}
+    AudioDevice* Find(std::int32_t number) override { return owner_.FindIn(owner_.more_cards_, number); }
+
+   private:
+    SoundCards& owner_;
+  };
+
+  AudioDevice* FindIn(Cards& cards, std::int32_t number);
+  bool Watch(const Cards& cards);
 
   void Start(std::int32_t number, const std::shared_ptr<CardPlay>& play);
   void Watch();
@@ -59,7 +75,9 @@ class SoundCards : public AudioDevices {
   EventLoop& loop_;
   std::shared_ptr<Shared> shared_;  ///< with the sound thread, which may outlive this object
   std::unique_ptr<SoundThread> thread_;
-  std::map<std::int32_t, std::unique_ptr<Card>> cards_;
+  Cards cards_;
+  Cards more_cards_;  ///< those of Beside
+  BesideCards beside_{*this};
   std::unique_ptr<Timer> watch_;  ///< runs while something plays
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/orven/program.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <iostream>
 #include <random>
 
@@ -15,6 +15,11 @@ namespace {
 
 /// Where a recording goes for which the messages folder has no place.
 constexpr const char* kRescueFolder = "\\Rescued";
+
+/// Ends the application's event loop and those of open boxes, also while it has not begun yet.
+void EndEventLoops() {
+  QCoreApplication::exit();
+}
 
 SharedOptions InFolder(const std::string& folder) {
   SharedOptions shared;
@@ -36,23 +41,21 @@ Program::Program(const std::string& folder, std::string assets)
                 [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
       cards_(loop_, ReportFromAnyThread()),
-      devices_(lines_, cards_),
-      line_wave_(loop_, devices_, shared_.InApplicationFolder(kRescueFolder)),
-      desk_wave_(loop_, devices_, shared_.InApplicationFolder(kRescueFolder)),
+      line_devices_(lines_, cards_.Beside()),
+      desk_devices_(lines_, cards_),
+      line_wave_(loop_, line_devices_, shared_.InApplicationFolder(kRescueFolder)),
+      desk_wave_(loop_, desk_devices_, shared_.InApplicationFolder(kRescueFolder)),
       waveforms_(loop_),
       shell_(frame_.windowIcon()),
-      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, database_, lines_, line_wave_,
-               desk_wave_, waveforms_},
-              Views(), shared_, system_, program_dialogs_, [] { QCoreApplication::quit(); }) {
+      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, database_, lines_,
+               line_wave_, desk_wave_, waveforms_},
+              frame_.Views(effects_, effects_), shared_, system_, program_dialogs_, EndEventLoops) {
+  QApplication::setWindowIcon(frame_.windowIcon());
   effects_.SetLog(&window_.Machine().log);
   frame_.Attach(window_);
   shell_.SetMenu(&frame_.TrayMenu());
   shell_.SetMouseHandler(
       [this](double x, double twips_per_pixel) { window_.TrayMouseMove(x, twips_per_pixel); });
-}
-
-MainWindowViews Program::Views() {
-  return {frame_, frame_, frame_, frame_, frame_, frame_, effects_, effects_};
 }
 
 Program::~Program() = default;

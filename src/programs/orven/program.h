@@ -48,7 +48,6 @@ class Program {
  private:
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
-  MainWindowViews Views();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<std::unique_ptr<LineDriver>> MakeLines();
@@ -69,7 +68,8 @@ class Program {
   SqliteDatabase database_;
   LineService lines_;
   SoundCards cards_;
-  AllAudioDevices devices_;
+  AllAudioDevices line_devices_;  ///< pre-screening is heard beside a message that plays
+  AllAudioDevices desk_devices_;
   FileWaveControl line_wave_;
   FileWaveControl desk_wave_;
   FileWaveformReader waveforms_;

@@ -89,7 +89,7 @@ TEST_F(CallStoreTest, ARecordThatCannotBeDeletedKeepsItsMessage) {
 TEST_F(CallStoreTest, ClearKeepsTheFiles) {
   world.Machine().ListView1.Select(1);
   world.Machine().player.Play();
-  Store().ClearAll();
+  Store().ClearUpTo(world.Machine().ListView1.Identity(1));
   EXPECT_FALSE(world.Machine().player.IsPlaying());
   EXPECT_THAT(world.views.rows, IsEmpty());
   EXPECT_EQ(world.Machine().ListView1.Total(), 0);

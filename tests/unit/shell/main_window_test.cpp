@@ -131,6 +131,8 @@ TEST_F(EntryRoutineTest, ASecondInstanceTouchesNothing) {
   world.system.instance_free = false;
   EXPECT_FALSE(Run(""));
   EXPECT_THAT(world.dialogs.messages, ElementsAre("ORVEN is still running"));
+  world.window->Exit();  // a signal while the box is open
+  EXPECT_TRUE(world.ended);
   EXPECT_FALSE(registry.KeyExists(RegistryRoot::LocalMachine, kSettingsKey));
   EXPECT_THAT(prepared, IsEmpty());
   EXPECT_THAT(world.SystemLog(), IsEmpty());

@@ -76,11 +76,23 @@ TEST(Tray, AHiddenStartWaitsForTheDesktopToShowItsNotificationArea) {
     World world;
     world.shell.notification_area = false;
     world.window->LoadHidden();
-    world.RunFor(5s);
+    world.RunFor(15s);
     world.shell.notification_area = comes;
     world.RunFor(30s);
     EXPECT_EQ(world.views.minimised, !comes);
   }
+}
+
+TEST(Tray, AWindowWhoseIconIsGoneComesBackMinimised) {
+  World world;
+  world.Start();
+  world.window->Unload();
+  world.shell.notification_area = false;
+  world.RunFor(15s);
+  EXPECT_FALSE(world.views.minimised) << "the panel may be starting anew";
+  world.RunFor(10s);
+  EXPECT_TRUE(world.views.minimised);
+  EXPECT_TRUE(world.Logged("No notification area: the window is minimised, not hidden"));
 }
 
 TEST(MainCommands, EachKeyDoesItsOwn) {
