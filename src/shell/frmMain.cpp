@@ -72,7 +72,8 @@ void frmMain::LayOut() {
   resize(kFirstSize);
   if (const auto* screen = QGuiApplication::primaryScreen()) {
     const auto usable = screen->availableGeometry();
-    move(usable.center() - QPoint(kFirstSize.width() / 2, kFirstSize.height() / 2));
+    resize(kFirstSize.boundedTo(usable.size() - kWindowFrame));
+    move(usable.center() - rect().center());
   }
   ListView1_->setFocus();
 }

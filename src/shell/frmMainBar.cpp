@@ -30,6 +30,7 @@ QToolButton* ButtonBar::AddButton(const Button& button) {
   widget->setObjectName(objectName() + u'.' + key);
   widget->setAccessibleName(button.caption.trimmed());
   widget->setAccessibleDescription(button.tip);
+  widget->setFocusPolicy(Qt::TabFocus);  // a toolbar leaves its buttons to the mouse
   widget->setAutoRaise((style_ & kFlat) != 0);
   return widget;
 }

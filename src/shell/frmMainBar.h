@@ -28,7 +28,6 @@ class ButtonBar : public QToolBar {
 
   /// The button with this key; there must be one.
   QToolButton* Find(const char* key) const;
-  void Press(const char* key) const { Find(key)->click(); }
 
   /// Window style bits of the toolbar. Of these TBSTYLE_FLAT (0x800) is seen: flat buttons have no
   /// frame until the mouse is over them.

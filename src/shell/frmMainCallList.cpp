@@ -24,6 +24,11 @@ constexpr int kStoredCharacterWidth = 5;
 
 constexpr int kLeastColumn = 60;  // pixels, for the column that takes what is left
 constexpr int kRowPadding = 10;
+
+/// A quarter of an hour, as a recording is measured.
+constexpr const char* kLongLength = "900.00";
+constexpr const char* kLengthHeader = "Length";
+
 constexpr int kPictureSize = 16;
 constexpr int kNumberPadding = 8;  // right of what stands at its column's right edge
 
@@ -50,9 +55,20 @@ class CallDelegate : public QStyledItemDelegate {
     QStyledItemDelegate::initStyleOption(option, index);
     option->state &= ~QStyle::State_HasFocus;
     if (index.column() > 0 && (style_ & kFullRowSelect) == 0) option->state &= ~QStyle::State_Selected;
+    if (!list_.hasFocus()) PaleHighlight(option->palette);
   }
 
  private:
+  /// The keyboard works elsewhere.
+  static void PaleHighlight(QPalette& palette) {
+    const auto strong = palette.color(QPalette::Highlight);
+    const auto base = palette.color(QPalette::Base);
+    const QColor pale((strong.red() + base.red()) / 2, (strong.green() + base.green()) / 2,
+                      (strong.blue() + base.blue()) / 2);
+    palette.setColor(QPalette::Highlight, pale);
+    palette.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
+  }
+
   void PaintPicture(QPainter& painter, const QStyleOptionViewItem& cell) const {
     const QSize size(kPictureSize, kPictureSize);
     auto picture = cell.icon.pixmap(size, list_.devicePixelRatioF());
@@ -105,11 +121,13 @@ void CallListWidget::SetMetrics() {
   auto bold = font();  // as new calls are written
   bold.setBold(true);
   const int character = std::max(QFontMetrics(bold).averageCharWidth(), kStoredCharacterWidth);
+  const int length = QFontMetrics(bold).horizontalAdvance(kLongLength) + 2 * kNumberPadding;
   // The last column takes what is left.
   for (std::size_t i = 0; i + 1 < columns_.size(); ++i) {
     const int stored = columns_[i].width / kTwipsPerPixel * character / kStoredCharacterWidth;
     const auto column = static_cast<int>(i);
     setColumnWidth(column, std::max(stored, horizontalHeader()->sectionSizeHint(column)));
+    if (columns_[i].header == kLengthHeader) setColumnWidth(column, std::max(columnWidth(column), length));
   }
 }
 
@@ -206,6 +224,11 @@ void CallListWidget::keyPressEvent(QKeyEvent* event) {
 void CallListWidget::mousePressEvent(QMouseEvent* event) {
   QTableView::mousePressEvent(event);
   emit MouseDown();
+}
+
+void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
+  // Dragging selects nothing, so it must not take the keyboard's place along either.
+  if (event->buttons() == Qt::NoButton) QTableView::mouseMoveEvent(event);
 }
 
 void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -40,7 +40,6 @@ class CallListWidget : public QTableView {
   void Selected(int row);
   /// A mouse button went down, after the row below it was selected.
   void MouseDown();
-  void Clicked(int row);
   void DoubleClicked();
   void MenuWanted();
 
@@ -49,6 +48,7 @@ class CallListWidget : public QTableView {
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;

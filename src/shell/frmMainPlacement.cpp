@@ -9,17 +9,12 @@ namespace {
 /// Larger than any desktop, and small enough that sums of coordinates never overflow.
 constexpr int kFarthest = 1'000'000;
 
-/// How much of the title must be seen to take hold of the window.
-constexpr QSize kHandle{100, 24};
-
 int Pixels(std::int32_t twips) {
   return std::clamp(twips / kTwipsPerPixel, -kFarthest, kFarthest);
 }
 
-bool TitleIsReachable(const QRect& window, const QRect& screen) {
-  const QRect title(window.topLeft(), QSize(window.width(), kHandle.height()));
-  const auto seen = title.intersected(screen);
-  return seen.height() >= kHandle.height() && seen.width() >= std::min(kHandle.width(), window.width());
+std::int64_t Area(const QRect& area) {
+  return area.isEmpty() ? 0 : std::int64_t{area.width()} * area.height();
 }
 
 /// Distance of the window's centre from the screen's, squared.
@@ -51,13 +46,17 @@ QRect FitOnScreens(const WindowGeometry& stored, QSize least, const QList<QRect>
   const QRect window(Pixels(stored.left), Pixels(stored.top), std::max(Pixels(stored.width), least.width()),
                      std::max(Pixels(stored.height), least.height()));
   if (screens.isEmpty()) return window;
-  const QRect* nearest = &screens.first();
+  const QRect* best = &screens.first();
+  std::int64_t seen = 0;
   for (const auto& screen : screens) {
-    const auto limited = Limited(window, least, screen);
-    if (TitleIsReachable(limited, screen)) return limited;
-    if (Distance(limited, screen) < Distance(limited, *nearest)) nearest = &screen;
+    const auto here = Area(window.intersected(screen));
+    const auto there = Area(window.intersected(*best));
+    if (here > there || (there == 0 && Distance(window, screen) < Distance(window, *best))) best = &screen;
+    seen += here;
   }
-  return MovedInto(Limited(window, least, *nearest), *nearest);
+  // A window may lie across two screens.
+  if (seen == Area(window)) return window;
+  return MovedInto(Limited(window, least, *best), *best);
 }
 
 }  // namespace orven

@@ -21,6 +21,8 @@ void SetFixedText(QLabel& label, const QString& text) {
 MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddPanel(1)) {
   setObjectName(QStringLiteral("StatusBar1"));
   status_->setAccessibleName(tr("Line status"));
+  // However long a device's name is, the clock stays in sight.
+  status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
 
   check_ = MakeChild<QCheckBox>(tr("Grid lines"), this);
@@ -48,6 +50,7 @@ QLabel* MainStatusBar::AddPanel(int number) {
 
 void MainStatusBar::ShowStatus(const QString& text) {
   status_->setText(text);
+  status_->setToolTip(text.toHtmlEscaped());
 }
 
 void MainStatusBar::ShowClock(const QString& time, const QString& date) {

@@ -8,13 +8,6 @@
 #include "shell/frmMainPlacement.h"
 
 namespace orven {
-namespace {
-
-/// Room for the frame that the desktop puts around a window, which is not known before it is shown.
-constexpr QSize kFrame{8, 32};
-
-}  // namespace
-
 MainWindowViews frmMain::Views(CallerView& caller_view, CallActions& actions) {
   return {*this, *this, *this, *this, *this, *this, caller_view, actions};
 }
@@ -69,7 +62,7 @@ WindowGeometry frmMain::Geometry() const {
 void frmMain::Place(const WindowGeometry& geometry) {
   QList<QRect> screens;
   for (const auto* screen : QGuiApplication::screens()) {
-    screens << screen->availableGeometry().adjusted(0, 0, -kFrame.width(), -kFrame.height());
+    screens << screen->availableGeometry().adjusted(0, 0, -kWindowFrame.width(), -kWindowFrame.height());
   }
   const auto place = FitOnScreens(geometry, minimumSize(), screens);
   move(place.topLeft());

@@ -141,7 +141,9 @@ TEST(Frame, WhateverIsStoredLeavesTheWindowOnAScreen) {
   const auto fit = [&](WindowGeometry stored) { return FitOnScreens(stored, least, screens); };
   EXPECT_EQ(fit({600, 450, 10500, 7500, 0}), QRect(30, 40, 700, 500));
   EXPECT_EQ(fit({3000, -15000, 10500, 7500, 0}), QRect(-1000, 200, 700, 500)) << "the other screen";
-  EXPECT_EQ(fit({600, 27000, 10500, 7500, 0}), QRect(1800, 40, 700, 500)) << "half out, its title in reach";
+  EXPECT_EQ(fit({600, 27000, 10500, 7500, 0}), QRect(1220, 40, 700, 500)) << "half out";
+  EXPECT_EQ(fit({3000, -4500, 10500, 7500, 0}), QRect(-300, 200, 700, 500)) << "across both";
+  EXPECT_EQ(fit({3000, 22500, 10500, 22500, 0}), QRect(1220, 0, 700, 1080)) << "larger than the screen";
   EXPECT_EQ(fit({600, 100'000, 10500, 7500, 0}), QRect(1220, 40, 700, 500));
   EXPECT_EQ(fit({-10'000, 0, 10500, 7500, 0}), QRect(0, 0, 700, 500));
   for (const auto far : {kMost, kLeast, 1'000'000'000, -1'000'000'000}) {
@@ -210,7 +212,7 @@ TEST(Frame, ExitCommandsEndTheProgramOnce) {
   }
 }
 
-TEST(Frame, TheClockTicksInItsPanelsAndEveryControlHasAName) {
+TEST(Frame, TheClockTicksInItsPanelsAndControlsHaveNames) {
   Desk desk;
   desk.Start();
   desk.window.ShowClock("23:59:59", "12/31/2026");

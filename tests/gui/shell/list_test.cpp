@@ -90,7 +90,6 @@ TEST_F(List, TheRightButtonSelectsTheRowAndOpensItsMenu) {
 }
 
 TEST_F(List, CanBeUsedByTheKeyboardAlone) {
-  Key(Qt::Key_Down);
   EXPECT_EQ(desk.SelectedRow(), 1);
   Key(Qt::Key_Space);
   EXPECT_EQ(desk.card.Hear(), 100);
@@ -110,6 +109,15 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
   desk.dialogs.yes = true;
   Key(Qt::Key_Delete);
   EXPECT_EQ(desk.Cell(1, 6), "Ben");
+  QStringList reached;
+  for (int i = 0; i < 30; ++i) {
+    QTest::keyClick(desk.window.focusWidget(), Qt::Key_Tab);
+    reached << desk.window.focusWidget()->objectName();
+  }
+  EXPECT_TRUE(reached.contains("Toolbar1.OnOff"));
+  EXPECT_TRUE(reached.contains("ToolBarPlayer.Play"));
+  EXPECT_TRUE(reached.contains("TBQuickOption.Delete"));
+  EXPECT_TRUE(reached.contains("ListView1")) << "and the list again";
   QTest::keyClick(&desk.window, Qt::Key_Q, Qt::ControlModifier);
   EXPECT_EQ(desk.ends, 1);
 }

@@ -221,6 +221,26 @@ class DesktopTest(unittest.TestCase):
         while time.monotonic() < end:
             self.assertFalse(icon.is_blank(), "it goes on blinking")
 
+    def test_an_exit_while_a_box_is_open_ends_the_program(self):
+        def start_with_a_box():
+            orven = self.enterContext(Orven(self.home, (), self.display.variables))
+            processes.wait_for("The message box", lambda: self.display.windows(orven.process), LIMIT)
+            return orven
+
+        first = self.start()
+        before = first.log("Calls")
+        self.assertEqual(start_with_a_box().end(), 0)  # "ORVEN is still running"
+        self.assertEqual(first.log("Calls"), before)
+        self.assertEqual(first.end(), 0)
+        settings = os.path.join(self.home, "registry.reg")
+        with open(settings, encoding="utf-8", newline="") as file:
+            text = file.read()
+        with open(settings, "w", encoding="utf-8", newline="") as file:
+            file.write(text.replace('"ModemName"="Test"', '"ModemName"="Gone"'))
+        third = start_with_a_box()  # "Select Modem Device …"
+        self.assertEqual(third.end(), 0)
+        self.assertEqual(third.log("Calls").count("Unload ORVEN"), 2)
+
     def test_without_a_tray_closing_minimises_the_window(self):
         orven = self.start()
         window = self.main_window(orven, "Normal")

@@ -33,7 +33,7 @@ class Orven:
         self.output_path = tempfile.mkstemp(prefix="orven-out-")[1]
         clean = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
         silence = "unix:/nonexistent"  # no test beeps on the desk of whoever runs it
-        clean.update(ORVEN_HOME=home, LC_ALL="en_US.UTF-8", PULSE_SERVER=silence, **(environment or {}))
+        clean.update({"ORVEN_HOME": home, "LC_ALL": "en_US.UTF-8", "PULSE_SERVER": silence, **(environment or {})})
         self.process = processes.start([PROGRAM, *arguments], self.output_path, env=clean)
 
     def __enter__(self):
