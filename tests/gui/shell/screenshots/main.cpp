@@ -87,7 +87,7 @@ void FileCalls(Desk& desk, int count) {
     records.SetField(kCallTime, std::to_string(17 - i % 8) + ":" + std::to_string(10 + i * 7 % 50) + ":0" +
                                     std::to_string(i % 10));
     records.SetField(kCallMassageName, file);
-    records.SetField(kType, call.seconds > 0 ? std::to_string(call.seconds) : "-1");
+    records.SetField(kType, call.seconds > 0 ? std::to_string(call.seconds) + ".42" : "-1");
     records.SetField(kRead, call.read || i >= 7 ? 1 : 0);
     records.Update();
   }
