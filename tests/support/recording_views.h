@@ -164,6 +164,13 @@ class ScriptedShell : public Shell {
     opened.push_back(target);
     return true;
   }
+  /// Commands with their window styles.
+  std::vector<std::pair<std::string, std::int32_t>> started;
+  std::function<void()> before_start = [] {};
+  void Run(const std::string& command, std::int32_t window_style) override {
+    before_start();
+    started.emplace_back(command, window_style);
+  }
 };
 
 class ScriptedMouse : public Mouse {

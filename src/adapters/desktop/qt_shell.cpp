@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <utility>
 
+#include "adapters/desktop/command_line.h"
 #include "adapters/desktop/qt_dialogs.h"
 
 namespace orven {
@@ -106,6 +107,10 @@ void QtShell::Activated(QSystemTrayIcon::ActivationReason reason) const {
   if (!on_mouse_) return;
   if (reason == QSystemTrayIcon::Trigger) on_mouse_(kLeftButtonUp * kTwipsPerPixel, kTwipsPerPixel);
   if (reason == QSystemTrayIcon::Context) on_mouse_(kRightButtonUp * kTwipsPerPixel, kTwipsPerPixel);
+}
+
+void QtShell::Run(const std::string& command, std::int32_t /*window_style*/) {
+  StartCommandLine(command);
 }
 
 }  // namespace orven

@@ -51,6 +51,8 @@ class QtShell final : public Shell {
   /// and true says that it was started, not that it showed something.
   bool Open(const std::string& target) override;
 
+  void Run(const std::string& command, std::int32_t window_style) override;
+
   /// The desktop's side of the icon; nullptr until the kind of tray is decided.
   QSystemTrayIcon* Icon() { return icon_.get(); }
 

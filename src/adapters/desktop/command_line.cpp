@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/command_line.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include "platform/runtime_error.h"
+
+namespace orven {
+namespace {
+
+/// The file that a program's name stands for: a path as it is, else what is found in PATH.
+QString FileOf(const QString& program) {
+  if (program.contains(u'/')) return program;
+  const QString found = QStandardPaths::findExecutable(program);
+  return found.isEmpty() ? program : found;
+}
+
+}  // namespace
+
+std::vector<std::string> SplitCommandLine(std::string_view line) {
+  std::vector<std::string> parts;
+  bool inside = false;  // an argument, perhaps still an empty one
+  bool quoted = false;
+  for (const char letter : line) {
+    const bool blank = letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
+    if (blank && !quoted) {
+      inside = false;
+      continue;
+    }
+    if (!inside) parts.emplace_back();
+    inside = true;
+    if (letter == '"') {
+      quoted = !quoted;
+    } else {
+      parts.back() += letter;
+    }
+  }
+  return parts;
+}
+
+void StartCommandLine(const std::string& line) {
+  const auto parts = SplitCommandLine(line);
+  if (parts.empty() || parts.front().empty()) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the command is empty");
+  }
+  const QFileInfo file(FileOf(QString::fromStdString(parts.front())));
+  if (!file.exists()) throw RuntimeError(ErrorNumber::FileNotFound, parts.front());
+  if (file.isDir() || !file.isExecutable()) {
+    throw RuntimeError(ErrorNumber::PermissionDenied, parts.front() + " (not a program)");
+  }
+  QProcess process;
+  process.setProgram(file.filePath());
+  QStringList arguments;
+  for (std::size_t i = 1; i < parts.size(); ++i) arguments << QString::fromStdString(parts[i]);
+  process.setArguments(arguments);
+  process.setStandardInputFile(QProcess::nullDevice());
+  if (!process.startDetached()) {
+    throw RuntimeError(ErrorNumber::PermissionDenied,
+                       parts.front() + " (" + process.errorString().toStdString() + ")");
+  }
+}
+
+}  // namespace orven

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orven {
+
+/// The program and the arguments in one line of text. Blanks separate them; double quotes keep one
+/// together and are taken away, so that "" is an empty argument; a quote that is not closed reaches to
+/// the end. No other character means anything.
+std::vector<std::string> SplitCommandLine(std::string_view line);
+
+/// Starts the program in `line` as a process of its own, through no command interpreter, in the folder
+/// of this process and with its environment. Throws as Shell::Run. There is no window style here:
+/// programs decide about their windows themselves on this platform.
+void StartCommandLine(const std::string& line);
+
+}  // namespace orven

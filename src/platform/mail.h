@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orven {
+
+/// What the mail control tells its owner, one mail after the other.
+class MailEvents {
+ public:
+  virtual ~MailEvents() = default;
+
+  /// `sent` of `total` bytes of the mail under way have gone; `total` may be 0 while it is not known.
+  virtual void Progress(std::int32_t total, std::int32_t sent) = 0;
+
+  /// The server has accepted the mail to `recipient`.
+  virtual void Done(const std::string& recipient) = 0;
+
+  /// The mail to `recipient` could not be sent, for the reason in `description`; it is given up.
+  virtual void Error(const std::string& recipient, const std::string& description) = 0;
+};
+
+/// The mail control (`Mail1`). User-interface thread; Send returns at once, events arrive later, never
+/// inside it.
+class MailControl {
+ public:
+  virtual ~MailControl() = default;
+
+  /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
+  virtual void SetEvents(MailEvents* events) = 0;
+
+  /// Sends one mail with the file at `attachment` attached through the SMTP server `server` ("name",
+  /// "name:port", "smtp://…" or "smtps://…"), after those asked for before. A file that is not there
+  /// now (a call without a message) is left out. What cannot be sent raises Error. A mail that has been
+  /// taken is kept on disk until it was sent or given up: a later run of the program sends it, at least
+  /// once, always under the same Message-ID.
+  virtual void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
+                    const std::string& recipient, const std::string& subject,
+                    const std::string& attachment) = 0;
+};
+
+}  // namespace orven
