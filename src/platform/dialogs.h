@@ -24,6 +24,10 @@ class Dialogs {
   /// Save As: `filter` is "description NUL pattern NUL". The chosen path, or nothing when cancelled.
   virtual std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                             const std::string& suggested_name) = 0;
+
+  /// Open: one existing file of those that `filter` (as above) lets through. Its path, or nothing when
+  /// cancelled.
+  virtual std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) = 0;
 };
 
 }  // namespace orven

@@ -244,6 +244,13 @@ class ScriptedDialogs : public Dialogs {
     save_name = name;
     return save_as;
   }
+  std::optional<std::string> open_file;
+  std::string open_title, open_filter;
+  std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override {
+    open_title = title;
+    open_filter = filter;
+    return open_file;
+  }
 };
 
 class ScriptedSystem : public OperatingSystem {

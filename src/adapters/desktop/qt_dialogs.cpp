@@ -25,6 +25,14 @@ int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardBu
   return box.exec();
 }
 
+/// Shows a file dialog; the folder of what is chosen is kept in `folder`.
+std::optional<std::string> Chosen(QFileDialog& dialog, QString& folder) {
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  const QString path = dialog.selectedFiles().constFirst();
+  folder = QFileInfo(path).absolutePath();
+  return path.toStdString();
+}
+
 }  // namespace
 
 bool HasDisplay() {
@@ -50,7 +58,8 @@ QtDialogs::QtDialogs(bool has_display) : QtDialogs(has_display, std::cerr) {}
 QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
     : has_display_(has_display),
       text_output_(text_output),
-      save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {}
+      save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
+      open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)) {}
 
 void QtDialogs::Message(const std::string& text) {
   if (!has_display_) return Tell(text);
@@ -83,10 +92,18 @@ std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QFileInfo(name).suffix());
   dialog.selectFile(name);
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  const QString path = dialog.selectedFiles().constFirst();
-  save_folder_ = QFileInfo(path).absolutePath();
-  return path.toStdString();
+  return Chosen(dialog, save_folder_);
+}
+
+std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const std::string& filter) {
+  if (!has_display_) {
+    Tell(title + " (no display to ask on: cancelled)");
+    return std::nullopt;
+  }
+  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), open_folder_,
+                     QtFileFilter(filter));
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  return Chosen(dialog, open_folder_);
 }
 
 void QtDialogs::Tell(const std::string& text) {

@@ -18,9 +18,11 @@ TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   QtDialogs dialogs(HasDisplay(), output);
   EXPECT_FALSE(dialogs.Confirm("Delete Call ?"));
   EXPECT_EQ(dialogs.SaveAs("Save", "", "a.wav"), std::nullopt);
+  EXPECT_EQ(dialogs.OpenFile("Add Sound", ""), std::nullopt);
   EXPECT_EQ(output.str(),
             "ORVEN: Delete Call ? (no display to ask on: No)\n"
-            "ORVEN: Save: a.wav (no display to ask on: cancelled)\n");
+            "ORVEN: Save: a.wav (no display to ask on: cancelled)\n"
+            "ORVEN: Add Sound (no display to ask on: cancelled)\n");
 }
 
 TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {
