@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "actions/actions_dialog.h"
+
+#include <utility>
+
+#include "actions/call_parameters.h"
+#include "actions/mail_address.h"
+#include "core/conversions.h"
+#include "core/error_trap.h"
+#include "core/registry_values.h"
+
+namespace orven {
+namespace {
+
+constexpr const char* kParameters =
+    "Parameters:\r\n"
+    "Caller Name=<NAME>\r\n"
+    "Caller Number=<NUMBER>\r\n"
+    "Date=<DATE>\r\n"
+    "Time=<TIME>\r\n"
+    "Message Path=<MESSAGE_PATH>\r\n"
+    "\r\n"
+    "For more information look at the help";
+
+constexpr std::int32_t kNormalWindow = 1;  // shown, with the focus
+
+struct Fault {
+  ActionField field;
+  const char* text;
+};
+
+/// The first field that is wrong, in the order in which a person meets them.
+std::optional<Fault> FindFault(const ActionChoices& choices) {
+  if (choices.chkSendToMail) {
+    if (!IsMailAddress(choices.txtSendToMail))
+      return Fault{ActionField::txtSendToMail, "'E-Mail To' Is Invalid"};
+    if (choices.txtSMTP.empty()) return Fault{ActionField::txtSMTP, "'SMTP' Is Invalid"};
+    if (!IsMailAddress(choices.txtFromMail))
+      return Fault{ActionField::txtFromMail, "'From(Replay To)' Is Invalid"};
+  }
+  if (choices.chkApp && choices.txtAppTo.empty())
+    return Fault{ActionField::txtAppTo, "'Application Path' Field Is Empty"};
+  return std::nullopt;
+}
+
+ActWith ListEntry(const std::string& text) {
+  return ToInt16(text) != 0 ? ActWith::MessagesOnly : ActWith::AllCalls;
+}
+
+std::string Stored(ActWith entry) {
+  return entry == ActWith::MessagesOnly ? "1" : "0";
+}
+
+std::string Stored(bool checked) {
+  return checked ? "1" : "0";
+}
+
+}  // namespace
+
+std::string ActionsDialog::Value(const char* name) {
+  return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, name);
+}
+
+void ActionsDialog::Load(const std::function<void(const ActionChoices&)>& show) {
+  const ErrorTrap trap(parts_.log, "ErrLoadActions->");
+  ActionChoices choices;
+  trap([&] { choices = GetOptions(); });
+  trap([&] { show(choices); });
+}
+
+ActionChoices ActionsDialog::GetOptions() {
+  const ErrorTrap trap(parts_.log, "ErrActionGetOptions->");
+  // The login is newer than installations are: one that was never given is none.
+  const auto optional_value = [this](const char* name) {
+    const auto text = Value(name);
+    return text == kNotFound ? std::string() : text;
+  };
+  ActionChoices choices;
+  trap([&] { choices.chkSendToMail = ToInt16(Value("pMailTo")) != 0; });
+  trap([&] { choices.txtSendToMail = Value("MailTo"); });
+  trap([&] { choices.txtSMTP = Value("SMTPServer"); });
+  trap([&] { choices.txtFromMail = Value("MailFrom"); });
+  trap([&] { choices.cmbActMail = ListEntry(Value("ActionsMailAllCalls")); });
+  trap([&] { choices.chkApp = ToInt16(Value("pAppTo")) != 0; });
+  trap([&] { choices.txtAppTo = Value("AppTo"); });
+  trap([&] { choices.chkBGAPP = ToInt16(Value("pAppToBG")) != 0; });
+  trap([&] { choices.cmbActApp = ListEntry(Value("ActionsAppAllCalls")); });
+  trap([&] { choices.txtSMTPUser = optional_value("SMTPUser"); });
+  trap([&] { choices.txtSMTPPass = optional_value("SMTPPass"); });
+  return choices;
+}
+
+void ActionsDialog::ShowParameters() {
+  parts_.dialogs.Message(kParameters);
+}
+
+std::string ActionsDialog::Test(std::string command) {
+  std::string problem;
+  const ErrorTrap trap(parts_.log, "Error Send To APP ->");
+  trap([&] {
+    const auto now = parts_.clock.Now();
+    SubstituteParameters(command, {.name = "Name Test",
+                                   .number = "Number Test",
+                                   .time = parts_.clock.TimeText(now),
+                                   .date = parts_.clock.DateText(now),
+                                   .message_path = Value("MassagesPath") + "Test.wav"});
+    try {
+      parts_.shell.Run(command, kNormalWindow);
+    } catch (const std::exception& error) {
+      problem = error.what();
+      throw;
+    }
+  });
+  return problem;
+}
+
+std::optional<ActionField> ActionsDialog::Ok(const ActionChoices& choices) {
+  if (const auto fault = FindFault(choices)) {
+    parts_.dialogs.Information(fault->text);
+    return fault->field;
+  }
+  PutReg(choices);
+  if (parts_.saved) parts_.saved();
+  return std::nullopt;
+}
+
+void ActionsDialog::PutReg(const ActionChoices& choices) {
+  const std::pair<const char*, std::string> values[] = {
+      {"pMailTo", Stored(choices.chkSendToMail)},
+      {"MailTo", choices.txtSendToMail},
+      {"SMTPServer", choices.txtSMTP},
+      {"MailFrom", choices.txtFromMail},
+      {"ActionsMailAllCalls", Stored(choices.cmbActMail)},
+      {"pAppTo", Stored(choices.chkApp)},
+      {"AppTo", choices.txtAppTo},
+      {"pAppToBG", Stored(choices.chkBGAPP)},
+      {"ActionsAppAllCalls", Stored(choices.cmbActApp)},
+      {"SMTPUser", choices.txtSMTPUser},
+      {"SMTPPass", choices.txtSMTPPass},
+  };
+  const ErrorTrap trap(parts_.log, "ErrActionPutReg->");
+  for (const auto& [name, text] : values) {
+    trap([&, &stored_name = name, &stored_text = text] {
+      SetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, stored_name, kRegString,
+                  stored_text);
+    });
+  }
+}
+
+}  // namespace orven

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/settings.h"
+#include "core/settings_store.h"
+#include "platform/dialogs.h"
+#include "platform/files.h"
+#include "records/call_store.h"
+#include "telephony/call_effects.h"
+
+namespace orven {
+
+/// A list of the sound library: file names without folder, in the order of the folder's listing, and
+/// the one that is selected; empty for none.
+struct SoundList {
+  std::vector<std::string> names;
+  std::string selected;
+};
+
+/// The state of every control of the events dialog, under the controls' names.
+struct EventChoices {
+  bool chkPlayInCall = false;
+  SoundList CmbPlayWhenCall;
+  bool chkViewDet = false;
+  bool chkPlayInMessage = false;
+  SoundList CmbPlayWhenMessage;
+  bool chkOnlyIfGotMessage = false;
+  bool chkMsgInMsg = false;
+  bool chkAnimation = false;
+  std::int32_t sldAnimationFast = 0;  ///< 0 to kFastestAnimation
+  bool chkCloseCVAfter = false;
+  std::int32_t cmbCloseCVAfter = 0;  ///< seconds; one of kCloseSeconds, or what was stored instead
+};
+
+inline constexpr std::int32_t kFastestAnimation = 100;
+inline constexpr std::int32_t kCloseSeconds[] = {10, 20, 30, 60};
+
+/// What the events dialog does: which sounds are played and whether the caller view is shown when a
+/// call comes in and when it is over, and the library of sounds. A statement that fails leaves no
+/// trace; the lists show what is in the library in any case. User-interface thread.
+class EventsDialog {
+ public:
+  enum class Sounds { WhenCall, WhenMessage };
+
+  struct Parts {
+    Settings& settings;  ///< the main window's, which the next call uses
+    SettingsStore& store;
+    const SharedOptions& shared;
+    Files& files;
+    EventSounds& sounds;
+    MessagePlayer& player;
+    Dialogs& dialogs;
+    CallerView& caller_view;
+  };
+
+  explicit EventsDialog(Parts parts) : parts_(parts) {}
+
+  /// What the controls show when the dialog opens.
+  EventChoices Load() const;
+
+  /// A button of a list's toolbar: "Play", "Stop", "Add", "Delete". Changes both lists where the
+  /// library changes.
+  void ButtonClick(Sounds list, const std::string& key, EventChoices& choices);
+
+  /// `cmdTestViewer`: opens the caller view as it is chosen now.
+  void TestViewer(const EventChoices& choices);
+
+  /// `cmbCloseCVAfter` was changed: stored at once.
+  void ChangeCloseSeconds(std::int32_t seconds);
+
+  /// `cmdOK`: stores everything, and the next call uses it.
+  void Save(const EventChoices& choices);
+
+ private:
+  void Play(const std::string& name);
+  void Add(SoundList& list, SoundList& other);
+  void Delete(SoundList& list, SoundList& other);
+  std::optional<std::string> AddSound();
+  void Fill(SoundList& list, const std::string& selected) const;
+  std::string SoundFolder() const;
+  void Put(const char* name, std::int16_t Settings::*field, std::int32_t value);
+  void Put(const char* name, std::string Settings::*field, const std::string& value);
+
+  Parts parts_;
+};
+
+}  // namespace orven
