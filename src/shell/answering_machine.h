@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "actions/actions_engine.h"
 #include "core/settings_store.h"
 #include "log/log_files.h"
+#include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
 #include "platform/background.h"
@@ -38,6 +40,7 @@ struct EnginePorts {
   Dialogs& dialogs;
   Shell& shell;
   Mouse& mouse;
+  MailControl& Mail1;
   DatabaseControl& DataBase1;
   TelephonyControl& Tapi1;
   WaveControl& Wave1;     ///< the line
@@ -71,9 +74,12 @@ class AnsweringMachine {
   DeskSounds sounds;
   GreetingCommands greetings;
   ListCommands list_commands;
+  StatusPanel status;
   LineManager line;
   CallContext context;
   CallControl control;
+  SlidingCallerView caller_view;
+  ActionsEngine actions;
   Recorder recorder;
   RemoteAccess remote;
   Greeter greeter;

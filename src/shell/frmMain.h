@@ -30,8 +30,8 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   /// The menu `mnuSystry`.
   QMenu& TrayMenu() { return menus_->Systry(); }
 
-  /// This window as every view but the caller view and the actions.
-  MainWindowViews Views(CallerView& caller_view, CallActions& actions);
+  /// This window as every view but the caller view.
+  MainWindowViews Views(CallerViewWindow& caller_view);
 
   // LineView
   void ShowStatus(const std::string& text) override;

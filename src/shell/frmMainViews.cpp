@@ -8,8 +8,8 @@
 #include "shell/frmMainPlacement.h"
 
 namespace orven {
-MainWindowViews frmMain::Views(CallerView& caller_view, CallActions& actions) {
-  return {*this, *this, *this, *this, *this, *this, caller_view, actions};
+MainWindowViews frmMain::Views(CallerViewWindow& caller_view) {
+  return {*this, *this, *this, *this, *this, *this, caller_view};
 }
 
 void frmMain::ShowStatus(const std::string& text) {

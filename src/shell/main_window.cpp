@@ -143,11 +143,11 @@ bool MainWindow::Unload() {
     trap([&] { PutAway(); });
     return false;
   }
-  trap([&] { views_.frame.CloseOtherWindows(); });
+  trap([&] { CloseOtherWindows(); });
   trap([&] { StopSounds(); });
   machine_.line.CloseLine(machine_.settings.Modem);
   // A call that ended with the line has announced itself once more.
-  trap([&] { views_.frame.CloseOtherWindows(); });
+  trap([&] { CloseOtherWindows(); });
   trap([&] { StopSounds(); });
   machine_.calls.FileWaitingCalls();
   machine_.log.WriteSystem("Unload ORVEN");
@@ -155,6 +155,11 @@ bool MainWindow::Unload() {
   machine_.store.SetView(views_.frame, machine_.window_hidden);
   machine_.tray.ShowNothing();
   return true;
+}
+
+void MainWindow::CloseOtherWindows() {
+  machine_.caller_view.Unload();
+  views_.frame.CloseOtherWindows();
 }
 
 void MainWindow::StopSounds() {

@@ -62,6 +62,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   void ShowListStyle();
   void ShowClock();
   void SetToolbarStyles();
+  void CloseOtherWindows();
   void StopSounds();
   void PutAway();
   void WatchTray();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/settings_store.h"
+#include "notify/caller_view_window.h"
 #include "records/call_list.h"
 #include "records/local_player.h"
 #include "telephony/call_effects.h"
@@ -78,8 +79,7 @@ struct MainWindowViews {
   CallListView& list;
   PlayerView& player;
   ClockPanels& clock;
-  CallerView& caller_view;
-  CallActions& actions;
+  CallerViewWindow& caller_view;
 };
 
 /// A main window in one object.

@@ -13,6 +13,8 @@ void AfterCall::Announce(const Call& call) {
   trap([&] {
     if (settings_.ViewDetails == 0 || call.admin_mode) return;
     OpenCallerView();
+    // One that is still open from the call before gets its commands back.
+    effects_.caller_view.ShowControl();
     effects_.caller_view.ShowMessage("New Call");
     effects_.caller_view.ShowCall(call);
   });
@@ -43,8 +45,8 @@ void AfterCall::PlaySound(const std::string& name) {
 }
 
 void AfterCall::ShowFinished(const Call& call) {
-  if (settings_.ViewDetails == 0 || call.admin_mode) return;
-  OpenCallerView();
+  if (settings_.WhenMsgViewMsg != 0) OpenCallerView();
+  if (!effects_.caller_view.IsOpen()) return;
   effects_.caller_view.HideControl();
   effects_.caller_view.ShowCall(call);
   if (call.message_left) effects_.caller_view.ShowMessage("New Message");

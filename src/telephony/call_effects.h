@@ -25,10 +25,13 @@ class CallerView {
   virtual bool IsOpen() const = 0;
   /// Opens it; nothing when it is open. `speed` in twips a tick, `seconds` until it closes by itself.
   virtual void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) = 0;
-  /// Hides the commands that only a ringing call has.
+  /// Shows the commands that only a ringing call has, or hides them.
+  virtual void ShowControl() = 0;
   virtual void HideControl() = 0;
-  /// The call's state in a few words: "New Call", "Ring : 3".
+  /// The call's state in a few words: "New Call".
   virtual void ShowMessage(const std::string& text) = 0;
+  /// How often it has rung: "Ring : 3".
+  virtual void ShowRing(const std::string& text) = 0;
   /// Name, number, date, time and message of the call.
   virtual void ShowCall(const Call& call) = 0;
 };

@@ -24,7 +24,9 @@ void CallSequence::Ring(std::int32_t line, std::int32_t count) {
   context_.log.WriteSystem("Ring" + LineTag(line) + "->" + std::to_string(count));
   trap([&] { parts_.view.ShowStatus("Ring :" + std::to_string(count)); });
   parts_.control.AnswerToCall(line, count, false);
-  trap([&] { UpdateCallerView("Ring : " + std::to_string(count)); });
+  trap([&] {
+    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
+  });
 }
 
 void CallSequence::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
@@ -86,7 +88,11 @@ void CallSequence::Idle(std::int32_t line) {
   call.answering = false;
   trap([&] { context_.progress.Enter(CallState::Idle); });
   call.sent_to_application = false;
-  if (!call.admin_mode) parts_.after_call.Finish(call);
+  if (!call.admin_mode) {
+    parts_.after_call.Finish(call);
+  } else if (parts_.caller_view.IsOpen()) {
+    parts_.caller_view.HideControl();
+  }
   trap([&] { context_.line.ShowMonitoring(); });
 }
 

@@ -9,6 +9,7 @@
 #include "platform/background.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
+#include "platform/mail.h"
 #include "platform/mouse.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
@@ -18,10 +19,69 @@
 
 namespace orven::test {
 
-/// Every view of the main window at once. It shows nothing and remembers everything.
-class RecordingViews : public WholeMainWindow, public CallerView, public CallActions {
+/// The caller view's window, by what it was told.
+class RecordingCallerView : public CallerViewWindow {
  public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, *this, *this}; }
+  static constexpr std::int32_t kHeight = 2850;
+
+  /// `effect` hears "view", "view:New Call" ….
+  explicit RecordingCallerView(std::function<void(const std::string&)> effect) : effect_(std::move(effect)) {}
+
+  bool open = false, commands = false;
+  std::int32_t top = 0;
+  std::vector<std::int32_t> tops;
+  std::string name, number, path;
+
+  std::int32_t Height() const override { return kHeight; }
+  void MoveTo(std::int32_t where) override {
+    top = where;
+    tops.push_back(where);
+  }
+  void Load() override {
+    open = commands = true;
+    effect_("view");
+  }
+  void Unload() override { open = false; }
+  void ShowCommands(bool on) override {
+    if (commands && !on) effect_("view:no commands");
+    commands = on;
+  }
+  void ShowStatus(const std::string& text) override { effect_("view:" + text); }
+  void ShowRing(const std::string& text) override { effect_("view:" + text); }
+  void ShowCaller(const std::string& caller_name, const std::string& caller_number) override {
+    name = caller_name;
+    number = caller_number;
+  }
+  void ShowTime(const std::string& /*date*/, const std::string& /*time*/) override {}
+  void ShowMessagePath(const std::string& message) override { path = message; }
+
+ private:
+  std::function<void(const std::string&)> effect_;
+};
+
+/// Takes mails and does with them what the test says.
+class ScriptedMail : public MailControl {
+ public:
+  struct Mail {
+    std::string server, sender, sender_name, recipient, subject, attachment;
+    bool operator==(const Mail&) const = default;
+  };
+  std::vector<Mail> mails;
+  MailEvents* events = nullptr;
+  std::function<void(const Mail&)> on_send = [](const Mail&) {};
+  void SetEvents(MailEvents* owner) override { events = owner; }
+  void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
+            const std::string& recipient, const std::string& subject,
+            const std::string& attachment) override {
+    mails.push_back({server, sender, sender_name, recipient, subject, attachment});
+    on_send(mails.back());
+  }
+};
+
+/// Every view of the main window at once. It shows nothing and remembers everything.
+class RecordingViews : public WholeMainWindow {
+ public:
+  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, caller_view}; }
 
   // The line.
   std::vector<std::string> statuses;
@@ -72,10 +132,7 @@ class RecordingViews : public WholeMainWindow, public CallerView, public CallAct
     minimised = false;
   }
   void PopUpTrayMenu() override { ++tray_menus; }
-  void CloseOtherWindows() override {
-    others_closed = true;
-    view_open = false;
-  }
+  void CloseOtherWindows() override { others_closed = true; }
 
   // The list, kept up to date from what the view is told alone.
   const CallList* list = nullptr;
@@ -119,22 +176,11 @@ class RecordingViews : public WholeMainWindow, public CallerView, public CallAct
 
   // What a call sets off, in order: "view", "view:New Call", "sound:/…", "action:Mail".
   std::vector<std::string> effects;
-  bool view_open = false;
-  Call view_call;
   std::function<void(const std::string&)> on_effect = [](const std::string&) {};
   bool Had(const std::string& effect) const {
     return std::find(effects.begin(), effects.end(), effect) != effects.end();
   }
-  bool IsOpen() const override { return view_open; }
-  void ViewCallViewer(bool /*animate*/, std::int16_t /*speed*/, bool /*auto_close*/,
-                      std::int16_t /*seconds*/) override {
-    view_open = true;
-    Effect("view");
-  }
-  void HideControl() override { Effect("view:no commands"); }
-  void ShowMessage(const std::string& text) override { Effect("view:" + text); }
-  void ShowCall(const Call& call) override { view_call = call; }
-  void DoActions(const std::string& kind, Call& /*call*/) override { Effect("action:" + kind); }
+  RecordingCallerView caller_view{[this](const std::string& effect) { Effect(effect); }};
   void Effect(const std::string& effect) {
     effects.push_back(effect);
     on_effect(effect);

@@ -72,6 +72,8 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   for (const char* sound : {"/beep.wav", "/Sound/ring.wav", "/Sound/idle.wav"}) {
     files.Put(kHome + std::string(sound), TimedWave::Sound(400ms));
   }
+  Mail1.on_send = [this](const ScriptedMail::Mail&) { views.Effect("action:Mail"); };
+  shell.before_start = [this] { views.Effect("action:App"); };
   WavePlay.on_play = [this](const std::string& path) { views.Effect("sound:" + path); };
   Wave1.level = [this] { return loud; };
   database.before_write = [this] {
@@ -84,7 +86,7 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
   window =
       std::make_unique<MainWindow>(EnginePorts{time, time, files, background, registry, dialogs, shell, mouse,
-                                               database, *Tapi1, Wave1, WavePlay, waveforms},
+                                               Mail1, database, *Tapi1, Wave1, WavePlay, waveforms},
                                    views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

@@ -71,6 +71,7 @@ class World {
   ScriptedSystem system;
   ScriptedShell shell;
   ScriptedMouse mouse;
+  ScriptedMail Mail1;
   ScriptedWaveforms waveforms;
   RecordingDialogFactory dialog_factory;
   PostedBackground background{time};

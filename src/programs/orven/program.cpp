@@ -47,9 +47,9 @@ Program::Program(const std::string& folder, std::string assets)
       desk_wave_(loop_, desk_devices_, shared_.InApplicationFolder(kRescueFolder)),
       waveforms_(loop_),
       shell_(frame_.windowIcon()),
-      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, database_, lines_,
-               line_wave_, desk_wave_, waveforms_},
-              frame_.Views(effects_, effects_), shared_, system_, program_dialogs_, EndEventLoops) {
+      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, effects_, database_,
+               lines_, line_wave_, desk_wave_, waveforms_},
+              frame_.Views(effects_), shared_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   effects_.SetLog(&window_.Machine().log);
   frame_.Attach(window_);

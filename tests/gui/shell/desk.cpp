@@ -56,10 +56,10 @@ Desk::Desk(const std::string& settings)
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(loop, std::move(drivers));
   Wave1 = std::make_unique<FileWaveControl>(loop, *Tapi1, home / "Rescued");
-  engine = std::make_unique<MainWindow>(EnginePorts{clock, loop, files, background, registry, dialogs, shell,
-                                                    mouse, database, *Tapi1, *Wave1, WavePlay, waveforms},
-                                        window.Views(other_views, other_views), shared, system,
-                                        dialog_factory, [this] { ++ends; });
+  engine = std::make_unique<MainWindow>(
+      EnginePorts{clock, loop, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
+                  *Wave1, WavePlay, waveforms},
+      window.Views(other_views.caller_view), shared, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }
 

@@ -97,6 +97,7 @@ class Desk {
   ScriptedDialogs dialogs;
   ScriptedShell shell;
   ScriptedMouse mouse;
+  ScriptedMail Mail1;
   ScriptedSystem system;
   RecordingDialogFactory dialog_factory;
   RecordingViews other_views;

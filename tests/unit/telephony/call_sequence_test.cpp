@@ -120,7 +120,7 @@ TEST(CallSequence, AnnouncesTheCallInOrder) {
   world.RunFor(1s);
   world.line->CallerId("Anna", "1");
   world.RunFor(1s);
-  EXPECT_EQ(world.views.view_call.caller_name, "Anna");
+  EXPECT_EQ(world.views.caller_view.name, "Anna");
   world.views.on_effect = [&](const std::string& effect) {
     if (effect != "action:App") return;
     EXPECT_EQ(world.database.Records().size(), 1U) << "filed before the actions";
@@ -128,7 +128,7 @@ TEST(CallSequence, AnnouncesTheCallInOrder) {
   world.HangUp();
   EXPECT_THAT(world.views.effects,
               ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call", "view:Ring : 1",
-                          "sound:/home/orven/Sound/idle.wav", "view", "view:no commands", "action:App"));
+                          "sound:/home/orven/Sound/idle.wav", "view:no commands", "action:App"));
   EXPECT_TRUE(world.Machine().tray.Blinking());
 }
 
@@ -207,7 +207,7 @@ TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
   EXPECT_EQ(world.database.Field(0, kType), "2.5");
   const auto log = world.SystemLog();
   EXPECT_EQ(log.back(), "Unload ORVEN");
-  EXPECT_FALSE(world.views.view_open) << "what the call's end opened is closed again";
+  EXPECT_FALSE(world.views.caller_view.open) << "what the call's end opened is closed again";
   EXPECT_THAT(log, Contains("LineClose[LineIndex=0]->Success"));
   EXPECT_EQ(world.views.Status(), "Off Mode");
 }

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/event_loop.h"
+#include "platform/mail.h"
+#include "platform/shell.h"
+#include "records/call.h"
+#include "telephony/call_effects.h"
+#include "telephony/status_panel.h"
+
+namespace orven {
+
+/// What the program does with a call that is over: mails it and starts the user's program. It says how
+/// that goes in the status bar and in the system log. User-interface thread.
+class ActionsEngine : public CallActions, public MailEvents {
+ public:
+  struct Ports {
+    EventLoop& loop;
+    MailControl& Mail1;
+    Shell& shell;
+    SystemLog& log;
+    StatusPanel& status;
+  };
+
+  /// `show_line_state` shows the line's state in the status bar again. The settings' command template
+  /// is filled by the first call and stays so until the settings are read again.
+  ActionsEngine(Ports ports, Settings& settings, std::function<void()> show_line_state);
+  ~ActionsEngine() override;
+  ActionsEngine(const ActionsEngine&) = delete;
+  ActionsEngine& operator=(const ActionsEngine&) = delete;
+
+  /// `kind` is "Mail" or "App"; anything else does nothing.
+  void DoActions(const std::string& kind, Call& call) override;
+
+  void Progress(std::int32_t total, std::int32_t sent) override;
+  void Done(const std::string& recipient) override;
+  void Error(const std::string& recipient, const std::string& description) override;
+
+ private:
+  void SendMail(const Call& call);
+  void SendToApp(const Call& call);
+
+  Ports ports_;
+  Settings& settings_;
+  std::function<void()> show_line_state_;
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

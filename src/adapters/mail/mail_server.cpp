@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/mail/mail_server.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "adapters/files/utf8.h"
+
+namespace orven {
+namespace {
+
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+/// Whether `text` begins with `start`, a text in small letters, in either case.
+bool BeginsWith(std::string_view text, std::string_view start) {
+  return text.size() >= start.size() && std::equal(start.begin(), start.end(), text.begin(), [](char a, char b) {
+           return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
+         });
+}
+
+bool IsHost(std::string_view host) {
+  if (host.starts_with('[')) {
+    return host.size() > 3 && host.find_first_not_of("0123456789abcdefABCDEF:.[") == host.size() - 1 &&
+           host.ends_with(']');
+  }
+  // Letters beyond ASCII are for names in other scripts (RFC 5891).
+  return !host.empty() && IsUtf8(host) && std::all_of(host.begin(), host.end(), [](char c) {
+    return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
+           (c >= 'a' && c <= 'z') || c == '-' || c == '.' || c == '_';
+  });
+}
+
+std::optional<int> PortOf(std::string_view digits) {
+  int port = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
+  if (error != std::errc() || end != digits.data() + digits.size() || port < 1 || port > 65535) return {};
+  return port;
+}
+
+}  // namespace
+
+std::optional<MailServer> ParseMailServer(std::string_view text) {
+  std::string_view rest = Trimmed(text);
+  const bool secure = BeginsWith(rest, "smtps://");
+  const bool scheme = secure || BeginsWith(rest, "smtp://");
+  if (scheme) {
+    rest.remove_prefix(rest.find("//") + 2);
+    if (rest.ends_with('/')) rest.remove_suffix(1);
+  }
+  const int usual = secure ? 465 : 25;
+  std::optional<int> port = usual;
+  const std::size_t bracket = rest.rfind(']');
+  const std::size_t colon = rest.find(':', bracket == rest.npos ? 0 : bracket);
+  if (colon != rest.npos) port = PortOf(rest.substr(colon + 1));
+  const std::string host(rest.substr(0, colon));
+  if (!IsHost(host) || !port) return {};
+  const std::string number = ":" + std::to_string(*port);
+  return MailServer{(secure ? "smtps://" : "smtp://") + host + number, *port == usual ? host : host + number};
+}
+
+}  // namespace orven

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/mail/outbox.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <filesystem>
+
+#include "adapters/files/descriptor.h"
+#include "adapters/files/durable.h"
+
+namespace orven {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kEnding = ".mail";
+constexpr std::size_t kDigits = 9;
+/// An envelope is far smaller; what is larger is none.
+constexpr std::size_t kLargest = 1 << 20;
+
+/// The number in a mail file's name, for example 7 in "000000007.mail"; 0 for other files.
+unsigned NumberOf(const std::string& name) {
+  if (name.size() != kDigits + kEnding.size() || !name.ends_with(kEnding)) return 0;
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + kDigits, number);
+  return error == std::errc() && end == name.data() + kDigits ? number : 0;
+}
+
+std::string NameOf(unsigned number) {
+  std::array<char, 32> name{};
+  std::snprintf(name.data(), name.size(), "%09u%s", number, kEnding.data());
+  return name.data();
+}
+
+}  // namespace
+
+std::string Outbox::Keep(const Envelope& envelope) {
+  if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST) throw FileFailure(errno, folder_);
+  const auto waiting = Waiting();
+  const unsigned newest = waiting.empty() ? 0 : NumberOf(fs::path(waiting.back()).filename().string());
+  last_ = std::max(last_, newest) + 1;
+  std::string path = (fs::path(folder_) / NameOf(last_)).string();
+  CreateFile(path, EnvelopeText(envelope), 0600);
+  return path;
+}
+
+std::vector<std::string> Outbox::Waiting() const {
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder_, error), end; !error && entry != end; entry.increment(error)) {
+    if (NumberOf(entry->path().filename().string()) != 0) paths.push_back(entry->path().string());
+  }
+  if (error && error != std::errc::no_such_file_or_directory) throw FileFailure(error.value(), folder_);
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+std::optional<Envelope> Outbox::Read(const std::string& path) {
+  Descriptor file(path, O_RDONLY);
+  std::string text;
+  for (std::string block = file.Read(); !block.empty() && text.size() <= kLargest; block = file.Read()) {
+    text += block;
+  }
+  return ParseEnvelope(text);
+}
+
+std::string Outbox::SetAside(const std::string& path) {
+  std::string aside = NameToSetAside(path, "damaged");
+  if (!RenameKeeping(path, aside)) throw FileFailure(EXDEV, path);
+  return aside;
+}
+
+void Outbox::Remove(const std::string& path) {
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileFailure(errno, path);
+  Descriptor(fs::path(path).parent_path().string(), O_RDONLY | O_DIRECTORY).Sync();
+}
+
+}  // namespace orven

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/mail/envelope.h"
+
+namespace orven {
+
+/// The folder with one small file for each mail that has been taken and is neither sent nor given up.
+/// The files' names sort as the mails were taken. Failures throw RuntimeError naming the path. Taking
+/// and listing belong to one thread, the rest to any.
+class Outbox {
+ public:
+  /// The folder is made with the first mail.
+  explicit Outbox(std::string folder) : folder_(std::move(folder)) {}
+
+  /// Keeps a mail, durable on return, readable by this user alone; returns the file's path.
+  std::string Keep(const Envelope& envelope);
+
+  /// The files of all mails, the oldest first. None when there is no folder.
+  std::vector<std::string> Waiting() const;
+
+  /// The mail in a file; nothing when the file is damaged.
+  static std::optional<Envelope> Read(const std::string& path);
+
+  /// Sets a damaged file aside; returns its new path.
+  static std::string SetAside(const std::string& path);
+
+  /// Forgets a mail, durable on return.
+  static void Remove(const std::string& path);
+
+ private:
+  std::string folder_;
+  unsigned last_ = 0;  ///< the number in the newest file's name
+};
+
+}  // namespace orven

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "notify/frmMSG.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <cmath>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMainPlacement.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr QSize kDesignSize{420, 190};  // pixels
+
+// Heights of letters in pixels: the window's size is fixed, and so is what fits into it.
+constexpr int kSmall = 12;
+constexpr int kPlain = 14;
+constexpr int kCaller = 24;
+constexpr int kNumber = 20;
+
+QFont Letters(int pixels, bool bold = false) {
+  QFont font(QStringLiteral("Arial"));
+  font.setStyleHint(QFont::SansSerif);
+  font.setPixelSize(pixels);
+  font.setBold(bold);
+  return font;
+}
+
+QLabel* Label(const char* name, const QString& text, const QFont& font, QWidget& parent) {
+  auto* label = MakeChild<QLabel>(text, &parent);
+  label->setObjectName(QString::fromLatin1(name));
+  label->setTextFormat(Qt::PlainText);
+  label->setFont(font);
+  return label;
+}
+
+/// A caption, with room to its right for what it is the caption of.
+QLabel* Caption(const char* name, const QString& text, QWidget& parent) {
+  return Label(name, text, Letters(kSmall), parent);
+}
+
+/// The nearest whole number, halves to even.
+int Pixels(std::int32_t twips) {
+  return static_cast<int>(std::nearbyint(static_cast<double>(twips) / kTwipsPerPixel));
+}
+
+}  // namespace
+
+frmMSG::frmMSG(const QWidget& main_window)
+    : QWidget(nullptr,
+              Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
+      main_window_(main_window) {
+  setObjectName(QStringLiteral("frmMSG"));
+  setWindowTitle(tr("ORVEN"));
+  setWindowIcon(ProgramIcon());
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
+  setAttribute(Qt::WA_AlwaysShowToolTips);
+  setAttribute(Qt::WA_QuitOnClose, false);
+  setFont(Letters(kPlain));
+  setFixedSize(kDesignSize);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  constexpr int kMargin = 10;
+  column->setContentsMargins(kMargin, kMargin / 2, kMargin, kMargin);
+  column->setSpacing(kMargin / 2);
+  column->addWidget(MakeHeading());
+  column->addWidget(MakeDetails(), 1);
+  column->addWidget(MakeCommands());
+  // Whoever came to the front last must not cover it.
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, [this] { KeepOnTop(); });
+}
+
+QWidget* frmMSG::MakeHeading() {
+  auto* heading = MakeChild<QWidget>(this);
+  auto* row = MakeChild<QHBoxLayout>(heading);
+  row->setContentsMargins(0, 0, 0, 0);
+  auto* from =
+      MakeChild<CommandTile>(CommandTile::Look{"lblMsgFrom", tr("ORVEN"), nullptr, nullptr}, heading);
+  from->setFont(Letters(kPlain, true));
+  from->setAccessibleDescription(tr("Close"));
+  status_ = Label("lblStatus", {}, Letters(kPlain), *heading);
+  ring_ = Label("lblMsgRingNum", {}, Letters(kPlain), *heading);
+  auto* close =
+      MakeChild<CommandTile>(CommandTile::Look{nullptr, tr("Close"), "Image2", "window-close"}, heading);
+  row->addWidget(from);
+  row->addStretch();
+  row->addWidget(status_);
+  row->addWidget(ring_);
+  row->addStretch();
+  row->addWidget(close);
+  for (auto* tile : {from, close}) {
+    connect(tile, &CommandTile::Clicked, this, [this] { Tell(&CallerViewClicks::Close); });
+  }
+  return heading;
+}
+
+QWidget* frmMSG::MakeDetails() {
+  auto* details = MakeChild<QWidget>(this);
+  auto* grid = MakeChild<QGridLayout>(details);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setVerticalSpacing(2);
+  grid->setColumnStretch(1, 1);
+  caller_ = AddDetail(*details, "lblCallerName", Letters(kCaller, true));
+  number_ = AddDetail(*details, "lblCallerNumber", Letters(kNumber));
+  message_ = AddDetail(*details, "lblMessagePath", Letters(kSmall));
+  date_ = Label("lblCallDate", {}, Letters(kSmall), *details);
+  time_ = Label("lblTime", {}, Letters(kSmall), *details);
+  grid->addWidget(Caption("Label5", tr("Cllaer Name : "), *details), 0, 0);
+  grid->addWidget(caller_, 0, 1);
+  grid->addWidget(Caption("Label4", tr("Cllaer Number :"), *details), 1, 0);
+  grid->addWidget(number_, 1, 1);
+  auto* when = MakeChild<QHBoxLayout>();
+  when->addWidget(date_);
+  when->addSpacing(kPlain);
+  when->addWidget(Caption("Label2", tr("Time : "), *details));
+  when->addWidget(time_);
+  when->addStretch();
+  grid->addWidget(Caption("Label3", tr("Date : "), *details), 2, 0);
+  grid->addLayout(when, 2, 1);
+  grid->addWidget(message_, 3, 0, 1, 2);
+  return details;
+}
+
+ElidedLabel* frmMSG::AddDetail(QWidget& parent, const char* name, QFont font) {
+  // Of a path the end says more than the middle.
+  auto* label = MakeChild<ElidedLabel>(
+      qstrcmp(name, "lblMessagePath") == 0 ? Qt::ElideMiddle : Qt::ElideRight, &parent);
+  label->setObjectName(QString::fromLatin1(name));
+  label->setFont(font);
+  return label;
+}
+
+QWidget* frmMSG::MakeCommands() {
+  auto* commands = MakeChild<QWidget>(this);
+  auto* row = MakeChild<QHBoxLayout>(commands);
+  row->setContentsMargins(0, 0, 0, 0);
+  AddCommand(*row, {"lblAmswerMode", tr("Answer Now"), "Picture3", "call-start"},
+             &CallerViewClicks::AnswerNow);
+  AddCommand(*row, {"lblDrop", tr("Drop Call"), "Picture4", "call-stop"}, &CallerViewClicks::Drop);
+  AddCommand(*row, {"lblDoNothing", tr("Do Nothing"), "Picture2", "notifications-disabled"},
+             &CallerViewClicks::DoNothing);
+  return commands;
+}
+
+void frmMSG::AddCommand(QLayout& row, const CommandTile::Look& look, void (CallerViewClicks::*click)()) {
+  auto* tile = MakeChild<CommandTile>(look, row.parentWidget());
+  tile->setFrameShape(QFrame::StyledPanel);
+  tile->setFont(Letters(kPlain, true));
+  auto keep = tile->sizePolicy();
+  keep.setRetainSizeWhenHidden(true);  // the caller's name stays where it is
+  keep.setHorizontalPolicy(QSizePolicy::Expanding);
+  tile->setSizePolicy(keep);
+  row.addWidget(tile);
+  commands_ << tile;
+  connect(tile, &CommandTile::Clicked, this, [this, click] { Tell(click); });
+}
+
+void frmMSG::Tell(void (CallerViewClicks::*click)()) {
+  if (clicks_ != nullptr) (clicks_->*click)();
+}
+
+std::int32_t frmMSG::Height() const {
+  return kDesignSize.height() * kTwipsPerPixel;
+}
+
+void frmMSG::MoveTo(std::int32_t top) {
+  top_ = top;
+  Place();
+}
+
+/// The screen stays the same while the window is shown, wherever the main window is dragged.
+void frmMSG::Place() {
+  if (!isVisible() || screen_.isNull()) screen_ = main_window_.screen();
+  if (screen_.isNull()) screen_ = QGuiApplication::primaryScreen();
+  if (screen_.isNull()) return;
+  const auto area = screen_->geometry();
+  move(area.left() + (area.width() - kDesignSize.width()) / 2, area.top() + Pixels(top_));
+}
+
+void frmMSG::KeepOnTop() {
+  if (!isVisible()) return;
+  Place();
+  raise();
+}
+
+void frmMSG::Load() {
+  for (auto* label : {status_, ring_, date_, time_}) label->clear();
+  for (auto* label : {caller_, number_, message_}) label->clear();
+  ShowCommands(true);
+  Place();
+  show();
+  raise();
+}
+
+void frmMSG::Unload() {
+  hide();
+}
+
+void frmMSG::ShowCommands(bool on) {
+  for (auto* tile : commands_) tile->setVisible(on);
+}
+
+void frmMSG::ShowStatus(const std::string& text) {
+  status_->setText(QString::fromStdString(text));
+}
+
+void frmMSG::ShowRing(const std::string& text) {
+  ring_->setText(QString::fromStdString(text));
+}
+
+void frmMSG::ShowCaller(const std::string& name, const std::string& number) {
+  caller_->setText(QString::fromStdString(name));
+  number_->setText(QString::fromStdString(number));
+}
+
+void frmMSG::ShowTime(const std::string& date, const std::string& time) {
+  date_->setText(QString::fromStdString(date));
+  time_->setText(QString::fromStdString(time));
+}
+
+void frmMSG::ShowMessagePath(const std::string& path) {
+  message_->setText(QString::fromStdString(path));
+}
+
+/// The desktop may ask a window to close in ways of its own; the view leaves as by a click.
+void frmMSG::closeEvent(QCloseEvent* event) {
+  if (!event->spontaneous() || clicks_ == nullptr) return QWidget::closeEvent(event);
+  event->ignore();
+  Tell(&CallerViewClicks::Close);
+}
+
+bool frmMSG::event(QEvent* event) {
+  if (event->type() == QEvent::WindowActivate) KeepOnTop();
+  return QWidget::event(event);
+}
+
+void frmMSG::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setPen(palette().color(QPalette::Shadow));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  // A bar at the lower edge, which is the first thing to be seen of it.
+  constexpr int kBar = 4;
+  painter.fillRect(1, height() - 1 - kBar, width() - 2, kBar, palette().brush(QPalette::Highlight));
+}
+
+}  // namespace orven

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QScreen>
+#include <QWidget>
+
+#include "notify/caller_view_window.h"
+#include "notify/frmMSGParts.h"
+
+namespace orven {
+
+/// The caller view on the desktop: above all windows, at the middle of the upper edge of the screen that
+/// has the main window, and never with the focus. It decides nothing; every control's object name is its
+/// name in this program. User-interface thread.
+class frmMSG : public QWidget, public CallerViewWindow {
+  Q_OBJECT
+
+ public:
+  /// `main_window` says on which screen; it lives longer. It is not the parent, with which this window
+  /// would be hidden.
+  explicit frmMSG(const QWidget& main_window);
+
+  /// Who is told of clicks; nobody when null.
+  void SetClicks(CallerViewClicks* clicks) { clicks_ = clicks; }
+
+  // CallerViewWindow
+  std::int32_t Height() const override;
+  void MoveTo(std::int32_t top) override;
+  void Load() override;
+  void Unload() override;
+  void ShowCommands(bool on) override;
+  void ShowStatus(const std::string& text) override;
+  void ShowRing(const std::string& text) override;
+  void ShowCaller(const std::string& name, const std::string& number) override;
+  void ShowTime(const std::string& date, const std::string& time) override;
+  void ShowMessagePath(const std::string& path) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QWidget* MakeHeading();
+  QWidget* MakeDetails();
+  QWidget* MakeCommands();
+  void AddCommand(QLayout& row, const CommandTile::Look& look, void (CallerViewClicks::*click)());
+  ElidedLabel* AddDetail(QWidget& parent, const char* name, QFont font);
+  void Tell(void (CallerViewClicks::*click)());
+  void Place();
+  void KeepOnTop();
+
+  const QWidget& main_window_;
+  CallerViewClicks* clicks_ = nullptr;
+  QPointer<QScreen> screen_;
+  std::int32_t top_ = 0;  ///< twips
+  QLabel* status_ = nullptr;
+  QLabel* ring_ = nullptr;
+  ElidedLabel* caller_ = nullptr;
+  ElidedLabel* number_ = nullptr;
+  QLabel* date_ = nullptr;
+  QLabel* time_ = nullptr;
+  ElidedLabel* message_ = nullptr;
+  QList<CommandTile*> commands_;
+};
+
+}  // namespace orven

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "notify/frmMSGParts.h"
+
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QHoverEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr int kIcon = 22;
+constexpr int kMargin = 6;
+constexpr double kRadius = 5;
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(parent), mode_(mode) {
+  setTextFormat(Qt::PlainText);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+  return {0, QLabel::minimumSizeHint().height()};
+}
+
+bool ElidedLabel::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+  const bool whole = fontMetrics().horizontalAdvance(text()) <= contentsRect().width();
+  const auto position = static_cast<QHelpEvent*>(event)->globalPos();
+  QToolTip::showText(position, whole ? QString() : text().toHtmlEscaped(), this);
+  return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setPen(palette().color(foregroundRole()));
+  painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine),
+                   fontMetrics().elidedText(text(), mode_, contentsRect().width()));
+}
+
+CommandTile::CommandTile(const Look& look, QWidget* parent) : QFrame(parent) {
+  setAttribute(Qt::WA_Hover);
+  setCursor(Qt::PointingHandCursor);
+  setAccessibleName(look.caption);
+  setToolTip(look.label == nullptr ? look.caption : QString());
+  auto* row = MakeChild<QHBoxLayout>(this);
+  row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  row->setSpacing(kMargin);
+  row->addStretch();
+  if (look.picture != nullptr) {
+    auto* picture = MakeChild<QLabel>(this);
+    picture->setObjectName(QString::fromLatin1(look.picture));
+    picture->setPixmap(ThemeIcon(look.icon).pixmap(kIcon));
+    row->addWidget(picture);
+  }
+  if (look.label != nullptr) {
+    auto* label = MakeChild<QLabel>(look.caption, this);
+    label->setObjectName(QString::fromLatin1(look.label));
+    label->setTextFormat(Qt::PlainText);
+    row->addWidget(label);
+  }
+  row->addStretch();
+}
+
+bool CommandTile::event(QEvent* event) {
+  if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave) update();
+  return QFrame::event(event);
+}
+
+void CommandTile::mousePressEvent(QMouseEvent* event) {
+  pressed_ = event->button() == Qt::LeftButton;
+  update();
+}
+
+void CommandTile::mouseReleaseEvent(QMouseEvent* event) {
+  const bool clicked = pressed_ && event->button() == Qt::LeftButton && rect().contains(event->pos());
+  pressed_ = false;
+  update();
+  if (clicked) emit Clicked();
+}
+
+void CommandTile::paintEvent(QPaintEvent* event) {
+  QFrame::paintEvent(event);
+  if (frameShape() == QFrame::NoFrame && !underMouse()) return;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(palette().color(underMouse() ? QPalette::Highlight : QPalette::Mid));
+  painter.setBrush(palette().brush(pressed_ ? QPalette::Mid : QPalette::Button));
+  constexpr double kHalfPixel = 0.5;
+  painter.drawRoundedRect(QRectF(rect()).adjusted(kHalfPixel, kHalfPixel, -kHalfPixel, -kHalfPixel), kRadius,
+                          kRadius);
+}
+
+}  // namespace orven
