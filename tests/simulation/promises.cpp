@@ -25,7 +25,10 @@ void Promises::Idle(std::int32_t line) {
   ++idle_;
   const auto records = world_.database.Records().size();
   const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
+  const auto mails = world_.Mail1.mails.size();
+  const auto programs = world_.shell.started.size();
   program_.Idle(line);
+  CheckActions(world_.Mail1.mails.size() - mails, world_.shell.started.size() - programs);
   CheckQuiet();
   CheckFiling(world_.database.Records().size() - records, message_only);
 }
@@ -55,6 +58,23 @@ void Promises::CheckFiling(std::size_t filed, bool message_only) {
   waiting_ = 0;
   Expect(world_.views.rows.size() == world_.database.Records().size(), "the list shows every record");
   if (filed > 0) CheckMessage();
+}
+
+void Promises::CheckActions(std::size_t mails, std::size_t programs) {
+  const auto& call = world_.CurrentCall();
+  const auto& settings = world_.Machine().settings;
+  const bool wanted = !call.admin_mode && (call.message_left || settings.ActionsMailAllCalls != 0);
+  Expect(mails == (wanted && settings.pMailTo != 0 ? 1U : 0U),
+         "a mail is sent once for each call that asks for it");
+  Expect(programs == (wanted && settings.pAppTo != 0 ? 1U : 0U),
+         "the program is started once for each such call");
+  if (mails > 0) {
+    const auto attachment = settings.MassagesPath + call.message_file_name;
+    Expect(world_.Mail1.mails.back().attachment == attachment, "the mail carries the call's own message");
+  }
+  const auto& window = world_.views.caller_view;
+  Expect(window.open == world_.Machine().caller_view.IsOpen(), "the caller view is where it says it is");
+  Expect(!window.open || !window.commands, "no command is offered for a call that is over");
 }
 
 void Promises::CheckMessage() {

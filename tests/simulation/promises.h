@@ -36,6 +36,7 @@ class Promises : public TelephonyEvents {
   void CheckQuiet();
   void CheckFiling(std::size_t filed, bool message_only);
   void CheckMessage();
+  void CheckActions(std::size_t mails, std::size_t programs);
 
   World& world_;
   CallSequence& program_;

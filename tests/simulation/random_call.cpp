@@ -59,6 +59,9 @@ class Author {
     settings["PreScreen"] = dice_.OneIn(3) ? "1" : "0";
     settings["Pass"] = dice_.OneOf("12", "", "4711", "0");
     settings["ViewDetails"] = dice_.OneOf("0", "1");
+    settings["WhenMsgViewMsg"] = dice_.OneOf("0", "1");
+    settings["cAnimation"] = dice_.OneOf("0", "1");
+    settings["cCloseCallerView"] = dice_.OneOf("0", "1");
     settings["cPlayInIdle"] = dice_.OneOf("0", "1");
     settings["ActionsMailAllCalls"] = dice_.OneOf("0", "1");
     settings["pMailTo"] = dice_.OneOf("0", "1");
@@ -161,7 +164,8 @@ class Author {
   void WriteList(milliseconds begin) {
     for (int acts = dice_.OneIn(2) ? dice_.Below(8) : 0; acts > 0; --acts) {
       const auto what = dice_.OneOf("click", "select", "play", "stop", "next", "back", "first", "last",
-                                    "delete", "mark read", "mark unread", "hide", "open", "tray");
+                                    "delete", "mark read", "mark unread", "hide", "open", "tray",
+                                    "view: answer", "view: drop", "view: ignore", "view: close");
       const int row = 1 + dice_.Below(5);
       Add(Moment(begin), what + " " + std::to_string(row),
           [what, row](World& world) { UseList(world, what, row); });
@@ -186,6 +190,11 @@ class Author {
     if (what == "delete") commands.Delete();
     if (what == "mark read") commands.MarkAsRead();
     if (what == "mark unread") commands.MarkAsUnread();
+    auto& view = machine.caller_view;
+    if (what == "view: answer" && view.IsOpen()) view.AnswerNow();
+    if (what == "view: drop" && view.IsOpen()) view.Drop();
+    if (what == "view: ignore" && view.IsOpen()) view.DoNothing();
+    if (what == "view: close" && view.IsOpen()) view.Close();
     if (what == "hide") world.window->Hide();
     if (what == "open") world.window->Open();
     if (what == "tray") world.window->TrayMouseMove(514 * 15, 15);

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gmock/gmock.h>
+
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class CallerViewTest : public testing::Test {
+ protected:
+  void Show(std::int16_t speed, bool animate = true, bool auto_close = false, std::int16_t seconds = 10) {
+    view.ViewCallViewer(animate, speed, auto_close, seconds);
+  }
+  void Ring() {
+    world.line->Offer();
+    world.line->Ring();
+    world.RunFor(10ms);
+  }
+
+  World world;
+  RecordingCallerView& window = world.views.caller_view;
+  SlidingCallerView& view = world.Machine().caller_view;
+};
+
+TEST_F(CallerViewTest, SlidesDownAndSnapsTheLastStretch) {
+  Show(950);  // 1000 twips a tick, of a height of 2850
+  EXPECT_TRUE(window.open);
+  world.RunFor(200ms);
+  EXPECT_THAT(window.tops, ElementsAre(-2850, -1850, -850, 0));
+  window.tops.clear();
+  view.Close();
+  world.RunFor(200ms);
+  EXPECT_THAT(window.tops, ElementsAre(-1000, -2000, -3000));
+  EXPECT_FALSE(window.open);
+
+  window.tops.clear();
+  Show(0);
+  world.RunFor(1s);
+  // 50 twips a tick; at 2750 slid only 100 are left of the height.
+  ASSERT_EQ(window.tops.size(), 56U);
+  EXPECT_EQ(window.tops[54], -150);
+  EXPECT_EQ(window.tops[55], 0);
+}
+
+TEST_F(CallerViewTest, TurnsRoundWhereItIs) {
+  Show(450);
+  world.RunFor(25ms);
+  EXPECT_EQ(window.top, -1850);
+  view.Close();
+  Show(450);
+  EXPECT_EQ(window.tops.size(), 3U) << "one that is there is not shown again";
+  world.RunFor(100ms);
+  EXPECT_EQ(window.top, -2850);
+  EXPECT_FALSE(view.IsOpen());
+}
+
+TEST_F(CallerViewTest, WithoutAnimationItIsThereAndGoneAtOnce) {
+  Show(50, false);
+  EXPECT_THAT(window.tops, ElementsAre(-2850, 0));
+  world.RunFor(3600s);
+  EXPECT_TRUE(window.open) << "it stays until it is clicked";
+  view.DoNothing();
+  EXPECT_FALSE(window.open);
+}
+
+TEST_F(CallerViewTest, ClosesByItselfATickAfterTheLimit) {
+  Show(50, false, true, 10);
+  world.RunFor(10500ms);
+  EXPECT_TRUE(window.open);
+  world.RunFor(1s);
+  EXPECT_FALSE(window.open);
+}
+
+TEST_F(CallerViewTest, TheClicksActOnTheRingingCall) {
+  world.registry.Set("ViewDetails", "1");
+  world.registry.Set("NumOfRing", "4");
+  world.registry.Set("WhenMsgViewMsg", "0");
+  world.Start();
+  Ring();
+  ASSERT_TRUE(view.IsOpen());
+  EXPECT_TRUE(window.commands);
+  view.AnswerNow();
+  EXPECT_FALSE(view.IsOpen());
+  world.RunFor(100ms);
+  EXPECT_TRUE(world.line->IsAnswered());
+  world.HangUp();
+
+  Ring();
+  view.Drop();
+  world.RunFor(1s);
+  EXPECT_FALSE(world.line->HasCall());
+
+  Ring();
+  view.DoNothing();
+  for (int ring = 0; ring < 8; ++ring) world.line->Ring();
+  world.RunFor(100ms);
+  EXPECT_FALSE(world.line->IsAnswered()) << "it rings on untouched";
+  world.HangUp();
+  EXPECT_FALSE(view.IsOpen());
+}
+
+TEST_F(CallerViewTest, AViewThatIsStillOpenLosesItsCommandsAndGetsThemBackWithTheNextCall) {
+  world.registry.Set("ViewDetails", "1");
+  world.Start();
+  Ring();
+  world.HangUp();
+  EXPECT_TRUE(view.IsOpen());
+  EXPECT_FALSE(window.commands);
+  Ring();
+  EXPECT_TRUE(window.commands);
+  world.CallAndWaitForAnswer();
+  world.Press("4711*");
+  world.HangUp();
+  EXPECT_FALSE(window.commands) << "the owner's own call, too";
+  world.window->Exit();
+  EXPECT_FALSE(window.open);
+}
+
+TEST_F(CallerViewTest, AfterACallItComesOnlyWhenThatIsWanted) {
+  for (const char* wanted : {"0", "1"}) {
+    World other;
+    other.registry.Set("WhenMsgViewMsg", wanted);
+    other.Start();
+    other.CallAndWaitForRecording();
+    other.Talk();
+    other.RunFor(2s);
+    EXPECT_FALSE(other.views.caller_view.open);
+    other.HangUp();
+    EXPECT_EQ(other.views.caller_view.open, wanted[0] == '1');
+    EXPECT_EQ(other.views.Had("view:New Message"), wanted[0] == '1');
+    if (wanted[0] == '1') {
+      EXPECT_EQ(other.views.caller_view.path, other.CurrentCall().message_path);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orven::test
