@@ -23,8 +23,14 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line},
       control(context),
       caller_view(ports.loop, views.caller_view,
-                  {.answer = [this] { control.AnswerToCall(context.Line(), 0, true); },
-                   .drop = [this] { control.DropInComeCall(); },
+                  {.answer =
+                       [this] {
+                         if (call.in_progress) control.AnswerToCall(context.Line(), 0, true);
+                       },
+                   .drop =
+                       [this] {
+                         if (call.in_progress) control.DropInComeCall();
+                       },
                    .do_nothing = [this] { call.do_nothing = true; }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status}, settings,
               [this] { line.ShowMonitoring(); }),

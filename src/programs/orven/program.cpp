@@ -46,13 +46,15 @@ Program::Program(const std::string& folder, std::string assets)
       line_wave_(loop_, line_devices_, shared_.InApplicationFolder(kRescueFolder)),
       desk_wave_(loop_, desk_devices_, shared_.InApplicationFolder(kRescueFolder)),
       waveforms_(loop_),
+      caller_view_(frame_),
       shell_(frame_.windowIcon()),
       window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, effects_, database_,
                lines_, line_wave_, desk_wave_, waveforms_},
-              frame_.Views(effects_), shared_, system_, program_dialogs_, EndEventLoops) {
+              frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   effects_.SetLog(&window_.Machine().log);
   frame_.Attach(window_);
+  caller_view_.SetClicks(&window_.Machine().caller_view);
   shell_.SetMenu(&frame_.TrayMenu());
   shell_.SetMouseHandler(
       [this](double x, double twips_per_pixel) { window_.TrayMouseMove(x, twips_per_pixel); });

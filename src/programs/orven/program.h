@@ -21,6 +21,7 @@
 #include "adapters/sound/all_audio_devices.h"
 #include "adapters/sound/sound_cards.h"
 #include "core/entry_routine.h"
+#include "notify/frmMSG.h"
 #include "programs/orven/logged_effects.h"
 #include "programs/orven/program_dialogs.h"
 #include "shell/frmMain.h"
@@ -74,6 +75,7 @@ class Program {
   FileWaveControl desk_wave_;
   FileWaveformReader waveforms_;
   frmMain frame_;
+  frmMSG caller_view_;
   QtShell shell_;
   QtMouse mouse_;
   ProgramDialogs program_dialogs_;
