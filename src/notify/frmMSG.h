@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 #include "notify/caller_view_window.h"
 #include "notify/frmMSGParts.h"

@@ -58,6 +58,8 @@ def include_fault(source, bracket, header):
             return f'"{header}" is not a port; adapters know only the ports'
     elif is_engine(source) and is_window(header):
         return f'"{header}" is a window; the engine knows no windows'
+    elif is_window(source) and is_window(header):
+        return None  # the windows are one library on top of the engine: they share what they are made of
     elif FLOOR_OF[other] > FLOOR_OF[own]:
         return f'"{header}" is on floor {FLOOR_OF[other]}, above {own}/ on floor {FLOOR_OF[own]}'
     return None

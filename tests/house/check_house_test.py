@@ -13,6 +13,7 @@ ORDERLY = {
     "src/platform/clock.h": "#include <chrono>",
     "src/core/settings.h": '#include <cstdint>\n#include "platform/clock.h"',
     "src/shell/frmMain.h": '#include <QMainWindow>\n#include "core/settings.h"',
+    "src/notify/frmEvents.h": '#include <QDialog>\n#include "shell/frmMain.h"',
     "src/adapters/desktop/qt_clock.h": '#include <QLocale>\n#include "platform/clock.h"',
     "src/programs/orven/main.cpp": '#include "adapters/desktop/qt_clock.h"\n#include "shell/frmMain.h"',
 }
@@ -23,6 +24,7 @@ PLANTED = [  # where, what, the line and a word of the complaint
     ("src/core/settings.h", '#include "../platform/clock.h"', "2: ", "no header"),
     ("src/platform/clock.h", '#include "core/settings.h"', "2: ", "floor 2"),
     ("src/shell/main_window.cpp", '#include "shell/frmMain.h"', "2: ", "window"),
+    ("src/notify/frmEvents.h", '#include "shell/main_window.h"', "2: ", "floor 6"),
     ("src/adapters/desktop/qt_clock.h", '#include "core/settings.h"', "2: ", "ports"),
     ("src/attic/box.h", "", "1: ", "floor"),
 ]

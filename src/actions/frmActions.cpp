@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "actions/frmActions.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr int kFieldWidth = 300;  // pixels; an address or a command can be read at a glance
+
+QString Name(const char* name) {
+  return QString::fromLatin1(name);
+}
+
+QPushButton* Button(const char* name, const QString& caption, QWidget* parent) {
+  auto* button = MakeChild<QPushButton>(caption, parent);
+  button->setObjectName(Name(name));
+  button->setAutoDefault(false);
+  return button;
+}
+
+ActWith Entry(const QComboBox& box) {
+  return box.currentIndex() == 1 ? ActWith::MessagesOnly : ActWith::AllCalls;
+}
+
+}  // namespace
+
+frmActions::frmActions(ActionsDialog& engine, int tab, QWidget* parent)
+    : QDialog(parent), engine_(engine), TabStrip1_(MakeChild<QTabWidget>(this)) {
+  setObjectName(Name("frmActions"));
+  setWindowTitle(tr("Actions"));
+  setWindowIcon(ProgramIcon());
+  setWindowModality(Qt::WindowModal);
+  TabStrip1_->setObjectName(Name("TabStrip1"));
+  TabStrip1_->addTab(MakeMail(), tr("E-Mail"));
+  TabStrip1_->addTab(MakeApplication(), tr("Application"));
+  TabStrip1_->setCurrentIndex(tab);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  column->addWidget(TabStrip1_);
+  column->addWidget(MakeButtons());
+  engine_.Load([this](const ActionChoices& choices) { Show(choices); });
+}
+
+QWidget* frmActions::MakeMail() {
+  auto* page = MakeChild<QWidget>(TabStrip1_);
+  auto* form = MakeChild<QFormLayout>(page);
+  chkSendToMail_ = MakeCheck("chkSendToMail", tr("Send Calls To E- Mail"));
+  form->addRow(chkSendToMail_);
+  txtSendToMail_ = AddText(*form, "txtSendToMail", tr("E-Mail To:"));
+  txtSMTP_ = AddText(*form, "txtSMTP", tr("SMTP :"));
+  txtSMTP_->setToolTip(tr("The mail server: its name, name:port, smtp://… or smtps://…"));
+  txtFromMail_ = AddText(*form, "txtFromMail", tr("From(Replay To):"));
+  txtSMTPUser_ = AddText(*form, "txtSMTPUser", tr("User:"));
+  txtSMTPUser_->setToolTip(tr("Empty for a mail server that asks for no login"));
+  txtSMTPPass_ = AddText(*form, "txtSMTPPass", tr("Password:"));
+  txtSMTPPass_->setEchoMode(QLineEdit::Password);
+  cmbActMail_ = AddList(*form, "cmbActMail");
+  return page;
+}
+
+QWidget* frmActions::MakeApplication() {
+  auto* page = MakeChild<QWidget>(TabStrip1_);
+  auto* form = MakeChild<QFormLayout>(page);
+  chkApp_ = MakeCheck("chkApp", tr("Send Calls To Application"));
+  form->addRow(chkApp_);
+  txtAppTo_ = AddText(*form, "txtAppTo", tr("Application Path:"));
+  txtAppTo_->setToolTip(tr("The program and its arguments; those with blanks in double quotes"));
+  chkBGAPP_ = MakeCheck("chkBGAPP", tr("Background"));
+  form->addRow(QString(), chkBGAPP_);
+  cmbActApp_ = AddList(*form, "cmbActApp");
+  auto* parameters = Button("cmdParm", tr("Parameters"), page);
+  parameters->setToolTip(tr("What the program can be told of a call"));
+  auto* test = Button("frmTest", tr("Test"), page);
+  test->setToolTip(tr("Start the program now, with the details of a call that never was"));
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addWidget(parameters);
+  row->addWidget(test);
+  row->addStretch();
+  form->addRow(QString(), row);
+  test_result_ = MakeChild<QLabel>(page);
+  test_result_->setObjectName(Name("lblTestResult"));
+  test_result_->setTextFormat(Qt::PlainText);
+  test_result_->setWordWrap(true);
+  form->addRow(test_result_);
+  connect(parameters, &QPushButton::clicked, this, [this] { engine_.ShowParameters(); });
+  connect(test, &QPushButton::clicked, this, &frmActions::Test);
+  connect(txtAppTo_, &QLineEdit::textEdited, test_result_, &QLabel::clear);
+  return page;
+}
+
+QWidget* frmActions::MakeButtons() {
+  auto* row = MakeChild<QWidget>(this);
+  auto* layout = MakeChild<QHBoxLayout>(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* ok = Button("cmdOK", tr("OK"), row);
+  ok->setDefault(true);
+  auto* cancel = Button("cmdCancel", tr("Cancel"), row);
+  layout->addStretch();
+  layout->addWidget(ok);
+  layout->addWidget(cancel);
+  connect(ok, &QPushButton::clicked, this, &frmActions::Ok);
+  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+  return row;
+}
+
+QLineEdit* frmActions::AddText(QFormLayout& form, const char* name, const QString& label) {
+  auto* field = MakeChild<QLineEdit>(this);
+  field->setObjectName(Name(name));
+  field->setMinimumWidth(kFieldWidth);
+  form.addRow(label, field);
+  return field;
+}
+
+QComboBox* frmActions::AddList(QFormLayout& form, const char* name) {
+  auto* list = MakeChild<QComboBox>(this);
+  list->setObjectName(Name(name));
+  list->setAccessibleName(tr("Calls that this is done for"));
+  list->addItem(tr("Act with all calls"));
+  list->addItem(tr("Act with messages only!"));
+  form.addRow(QString(), list);
+  return list;
+}
+
+QCheckBox* frmActions::MakeCheck(const char* name, const QString& caption) {
+  auto* check = MakeChild<QCheckBox>(caption, this);
+  check->setObjectName(Name(name));
+  return check;
+}
+
+void frmActions::Test() {
+  const auto problem = engine_.Test(txtAppTo_->text().toStdString());
+  test_result_->setText(problem.empty() ? tr("Started.") : QString::fromStdString(problem));
+}
+
+void frmActions::Ok() {
+  if (const auto wrong = engine_.Ok(Choices())) {
+    GoTo(*wrong);
+  } else {
+    accept();
+  }
+}
+
+void frmActions::GoTo(ActionField field) {
+  QLineEdit* const fields[] = {txtSendToMail_, txtSMTP_, txtFromMail_, txtAppTo_};
+  TabStrip1_->setCurrentIndex(field == ActionField::txtAppTo ? 1 : 0);
+  fields[static_cast<std::size_t>(field)]->setFocus();
+}
+
+void frmActions::Show(const ActionChoices& choices) {
+  chkSendToMail_->setChecked(choices.chkSendToMail);
+  txtSendToMail_->setText(QString::fromStdString(choices.txtSendToMail));
+  txtSMTP_->setText(QString::fromStdString(choices.txtSMTP));
+  txtFromMail_->setText(QString::fromStdString(choices.txtFromMail));
+  cmbActMail_->setCurrentIndex(static_cast<int>(choices.cmbActMail));
+  txtSMTPUser_->setText(QString::fromStdString(choices.txtSMTPUser));
+  txtSMTPPass_->setText(QString::fromStdString(choices.txtSMTPPass));
+  chkApp_->setChecked(choices.chkApp);
+  txtAppTo_->setText(QString::fromStdString(choices.txtAppTo));
+  chkBGAPP_->setChecked(choices.chkBGAPP);
+  cmbActApp_->setCurrentIndex(static_cast<int>(choices.cmbActApp));
+}
+
+ActionChoices frmActions::Choices() const {
+  ActionChoices choices;
+  choices.chkSendToMail = chkSendToMail_->isChecked();
+  choices.txtSendToMail = txtSendToMail_->text().toStdString();
+  choices.txtSMTP = txtSMTP_->text().toStdString();
+  choices.txtFromMail = txtFromMail_->text().toStdString();
+  choices.cmbActMail = Entry(*cmbActMail_);
+  choices.txtSMTPUser = txtSMTPUser_->text().toStdString();
+  choices.txtSMTPPass = txtSMTPPass_->text().toStdString();
+  choices.chkApp = chkApp_->isChecked();
+  choices.txtAppTo = txtAppTo_->text().toStdString();
+  choices.chkBGAPP = chkBGAPP_->isChecked();
+  choices.cmbActApp = Entry(*cmbActApp_);
+  return choices;
+}
+
+}  // namespace orven

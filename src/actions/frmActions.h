@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTabWidget>
+
+#include "actions/actions_dialog.h"
+
+namespace orven {
+
+/// The actions dialog: the mail and the program that follow a call. It shows what the engine loads and
+/// hands over what a person does; every control's object name is its name in this program. Modal to
+/// the main window only, so that a call that comes in meanwhile can be answered in the caller view.
+/// User-interface thread.
+class frmActions : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// Opens on the tab with this 0-based index: E-Mail, Application.
+  frmActions(ActionsDialog& engine, int tab, QWidget* parent);
+
+ private:
+  QWidget* MakeMail();
+  QWidget* MakeApplication();
+  QWidget* MakeButtons();
+  QLineEdit* AddText(QFormLayout& form, const char* name, const QString& label);
+  QComboBox* AddList(QFormLayout& form, const char* name);
+  QCheckBox* MakeCheck(const char* name, const QString& caption);
+  void Test();
+  void Ok();
+  void Show(const ActionChoices& choices);
+  ActionChoices Choices() const;
+  void GoTo(ActionField field);
+
+  ActionsDialog& engine_;
+  QTabWidget* TabStrip1_;
+  QCheckBox* chkSendToMail_ = nullptr;
+  QLineEdit* txtSendToMail_ = nullptr;
+  QLineEdit* txtSMTP_ = nullptr;
+  QLineEdit* txtFromMail_ = nullptr;
+  QLineEdit* txtSMTPUser_ = nullptr;
+  QLineEdit* txtSMTPPass_ = nullptr;
+  QComboBox* cmbActMail_ = nullptr;
+  QCheckBox* chkApp_ = nullptr;
+  QLineEdit* txtAppTo_ = nullptr;
+  QCheckBox* chkBGAPP_ = nullptr;
+  QComboBox* cmbActApp_ = nullptr;
+  QLabel* test_result_ = nullptr;
+};
+
+}  // namespace orven

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QSlider>
+#include <QTabWidget>
+
+#include "notify/events_dialog.h"
+#include "shell/frmMainBar.h"
+
+namespace orven {
+
+/// The events dialog: sounds, and when the caller view is shown. It shows what the engine loads and
+/// hands over what a person does; every control's object name is its name in this program. Modal to
+/// the main window only, so that a call that comes in meanwhile can be answered in the caller view.
+/// User-interface thread.
+class frmEvents : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// Opens on the tab with this 0-based index: General, In Coming Call, Disconnect Call.
+  frmEvents(EventsDialog& engine, int tab, QWidget* parent);
+
+ protected:
+  bool eventFilter(QObject* box, QEvent* event) override;
+
+ private:
+  /// The check box, list and toolbar of one sound.
+  struct SoundControls {
+    QCheckBox* play;
+    QComboBox* list;
+    ButtonBar* bar;
+  };
+
+  QWidget* MakeGeneral();
+  QWidget* MakeInComingCall();
+  QWidget* MakeDisconnectCall();
+  SoundControls MakeSound(QLayout& column, const char* check, const char* list, const char* bar);
+  QCheckBox* MakeCheck(const char* name, const QString& caption);
+  QWidget* MakeSpeed();
+  QWidget* MakeClosing();
+  QWidget* MakeButtons();
+  void Connect();
+  void ConnectSound(const SoundControls& controls, EventsDialog::Sounds sounds);
+  void Show(const EventChoices& choices);
+  static void ShowSounds(QComboBox& box, const SoundList& sounds);
+  EventChoices Choices() const;
+  static SoundList Sounds(const QComboBox& box);
+
+  EventsDialog& engine_;
+  QTabWidget* tabs_;
+  SoundControls when_call_{};
+  SoundControls when_message_{};
+  QCheckBox* chkViewDet_ = nullptr;
+  QCheckBox* chkOnlyIfGotMessage_ = nullptr;
+  QCheckBox* chkMsgInMsg_ = nullptr;
+  QCheckBox* chkAnimation_ = nullptr;
+  QSlider* sldAnimationFast_ = nullptr;
+  QCheckBox* chkCloseCVAfter_ = nullptr;
+  QComboBox* cmbCloseCVAfter_ = nullptr;
+  std::int32_t stored_seconds_ = 0;  ///< while the list has no such entry
+};
+
+}  // namespace orven
