@@ -4,8 +4,9 @@
 
     demo.py PROGRAM
 
-An independent telephone calls ORVEN, waits for the beep, speaks and hangs up; then the owner calls,
-keys the password and "*" and hears that message. Everything runs on 127.0.0.1 in a folder of its
+An independent telephone calls ORVEN, waits for the beep, speaks and hangs up; the message comes by
+mail, and a program is started with the call's details. Then the owner calls, keys the password and "*"
+and hears that message. Everything runs on 127.0.0.1 in a folder of its
 own, which is kept when something fails. The program's window is on a display that nobody sees; its
 picture is saved at the end.
 """
@@ -20,6 +21,7 @@ import time
 
 import display
 import machine
+import mailbox
 import snr
 import sound
 import telephone
@@ -29,6 +31,7 @@ CALLER_NAME, CALLER_NUMBER = "Anna Garden", "5557777"
 MESSAGE = "Hello, this is Anna. The garden gate is open again. Please call me back when you are home."
 REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
 LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
+MAIL_TO = "owner@example.org"
 ANSWER_LIMIT = 30.0  # seconds: four rings, two seconds apart, and a slow machine
 SCREENSHOT = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "build", "demo", "main_window.png")
 FEWEST_COLOURS = 32  # in a picture that shows a window; an unpainted one has one or two
@@ -118,6 +121,27 @@ def check_quality(what, reference, recording):
     check(ratio >= LOWEST_SNR, f"The ratio between {what} is {ratio:.1f} dB; at least {LOWEST_SNR:g} dB is due")
 
 
+def check_mail(answering_machine, inbox, message):
+    wait_for("The mail", lambda: inbox.mails, 20, answering_machine.look)
+    answering_machine.wait_for_line("Mail was sent to " + MAIL_TO, 10)
+    (recipients, mail), = inbox.mails
+    step(f'The mail server took a mail to {recipients[0]}: "{mail["Subject"]}"')
+    check(recipients == [MAIL_TO], f"The mail went to {recipients}")
+    check(mail["Subject"] == f"New Call From {CALLER_NAME} - {CALLER_NUMBER}", f"Its subject is {mail['Subject']!r}")
+    attachments = list(mail.iter_attachments())
+    check(len(attachments) == 1, f"It carries {len(attachments)} files")
+    check(attachments[0].get_content_type() == "audio/x-wav", f"Its file is {attachments[0].get_content_type()}")
+    with open(message, "rb") as file:
+        check(attachments[0].get_payload(decode=True) == file.read(), "Its file is not the message")
+    step(f"It carries {attachments[0].get_filename()}, bit by bit the message")
+
+
+def check_program(answering_machine, notebook, record):
+    lines = wait_for("The program's file", notebook.lines, 10, answering_machine.look)
+    step(f"The program was started with {lines}")
+    check(lines == [CALLER_NAME, CALLER_NUMBER, record["Call_Massage_Name"]], "These are not the call's details")
+
+
 def listen_remotely(answering_machine, folder, password, message_seconds):
     """The owner's call. Returns what he heard."""
     first_line = len(answering_machine.system_log)
@@ -157,17 +181,26 @@ def save_screenshot(answering_machine, screen):
     step(f"Screenshot: {SCREENSHOT}")
 
 
-def demonstrate(answering_machine, folder, screen):
+def demonstrate(answering_machine, folder, screen, inbox):
     step(f"ORVEN starts in the empty folder {answering_machine.home}")
     password = answering_machine.password()
     step(f"Its first start has made the password {password}")
     answering_machine.wait_for_line("LineOpen[", 20)
+    notebook = mailbox.Notebook(folder)
+    command = f'"{notebook.program}" "<NAME>" <NUMBER> "<MESSAGE_PATH>"'
+    step(f"It is told to mail each message to {MAIL_TO}, and to start {command}")
+    answering_machine.restart_with({
+        "pMailTo": "1", "MailTo": MAIL_TO, "SMTPServer": f"127.0.0.1:{inbox.port}", "MailFrom": "orven@example.org",
+        "pAppTo": "1", "AppTo": command,
+    })
     check("[LineIndex:0 Device Name:Demo]->" in "".join(answering_machine.system_log), "The line is not \"Demo\"")
 
     spoken = sound.speech(MESSAGE, "en-gb+f2")
     check_order(leave_message(answering_machine, folder, spoken), STEPS_OF_A_CALL)
     message = check_record(answering_machine)
     recorded = check_message(message, spoken)
+    check_mail(answering_machine, inbox, message)
+    check_program(answering_machine, notebook, answering_machine.records()[0])
 
     heard = listen_remotely(answering_machine, folder, password, len(recorded) / sound.RATE)
     check_quality("recorded, heard by the owner", recorded, heard)
@@ -193,9 +226,12 @@ def main():
     log = []
     try:
         with display.find_display(folder) as screen:
-            with machine.Machine(sys.argv[1], folder, show_log_line, screen) as answering_machine:
+            with (
+                mailbox.Mailbox() as inbox,
+                machine.Machine(sys.argv[1], folder, show_log_line, screen) as answering_machine,
+            ):
                 log = answering_machine.system_log
-                demonstrate(answering_machine, folder, screen)
+                demonstrate(answering_machine, folder, screen, inbox)
     except (Failed, OSError, subprocess.CalledProcessError) as failure:
         print(f"\nFAILED: {failure}.", file=sys.stderr)
         if log:

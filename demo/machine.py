@@ -24,9 +24,33 @@ class Machine:
         with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
             file.write(f"[Demo]\ntype = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 2\n")
         windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        environment = display.environment() if display else windowless
-        environment["ORVEN_HOME"] = self.home
-        self.process = processes.start([os.path.abspath(program)], self._output, env=environment, cwd=folder)
+        self._environment = display.environment() if display else windowless
+        self._environment["ORVEN_HOME"] = self.home
+        self._program, self._folder = os.path.abspath(program), folder
+        self._start()
+
+    def _start(self):
+        self.process = processes.start([self._program], self._output, env=self._environment, cwd=self._folder)
+
+    def restart_with(self, settings):
+        """Ends the program and starts it again with these settings changed."""
+        self.exit()
+        path = os.path.join(self.home, "registry.reg")
+        with open(path, encoding="utf-8", newline="") as file:
+            text = file.read()
+        for name, value in settings.items():
+            escaped = value.replace("\\", "\\\\").replace('"', '\\"')
+            line = f'"{name}"="{escaped}"'
+            text, count = re.subn(rf'^"{name}"=.*$', lambda _: line, text, flags=re.MULTILINE)  # noqa: B023
+            if count != 1:
+                raise processes.Failed(f'The settings hold "{name}" {count} times')
+        with open(path, "w", encoding="utf-8", newline="") as file:
+            file.write(text)
+        openings = sum("LineOpen[" in line for line in self.system_log)
+        self._start()
+        processes.wait_for(
+            "The line", lambda: sum("LineOpen[" in line for line in self.system_log) > openings, 20, self.look
+        )
 
     def __enter__(self):
         return self

@@ -16,6 +16,9 @@ namespace {
 /// Where a recording goes for which the messages folder has no place.
 constexpr const char* kRescueFolder = "\\Rescued";
 
+/// Where mails wait that are not sent yet.
+constexpr const char* kOutbox = "\\Outbox";
+
 /// Ends the application's event loop and those of open boxes, also while it has not begun yet.
 void EndEventLoops() {
   QCoreApplication::exit();
@@ -48,11 +51,13 @@ Program::Program(const std::string& folder, std::string assets)
       waveforms_(loop_),
       caller_view_(frame_),
       shell_(frame_.windowIcon()),
-      window_({clock_, loop_, files_, background_, registry_, dialogs_, shell_, mouse_, effects_, database_,
-               lines_, line_wave_, desk_wave_, waveforms_},
-              frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
+      mail_(
+          loop_, shared_.InApplicationFolder(kOutbox), [this] { return Account(); },
+          [this](const std::string& text) { Report(text); }),
+      program_dialogs_(Ports()),
+      window_(Ports(), frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
-  effects_.SetLog(&window_.Machine().log);
+  program_dialogs_.Attach(window_.Machine(), frame_);
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
   shell_.SetMenu(&frame_.TrayMenu());
@@ -61,6 +66,19 @@ Program::Program(const std::string& folder, std::string assets)
 }
 
 Program::~Program() = default;
+
+EnginePorts Program::Ports() {
+  return {clock_, loop_, files_,    background_, registry_,  dialogs_,   shell_,
+          mouse_, mail_, database_, lines_,      line_wave_, desk_wave_, waveforms_};
+}
+
+MailAccount Program::Account() {
+  const auto stored = [this](const char* name) {
+    auto text = GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, name);
+    return text == kNotFound ? std::string() : text;
+  };
+  return {stored("SMTPUser"), stored("SMTPPass")};
+}
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
   return MakeTelephoneLines(shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_,
@@ -74,7 +92,9 @@ std::function<void(const std::string&)> Program::ReportFromAnyThread() {
 bool Program::Start(const std::string& command_line) {
   FirstStart first_start(registry_, system_, shared_, FirstStartSources());
   EntryRoutine entry(system_, dialogs_, first_start, shared_, [this](bool first) { PrepareFolder(first); });
-  return entry.Run(command_line, window_);
+  if (!entry.Run(command_line, window_)) return false;
+  if (!Ended()) mail_.Resume();
+  return true;
 }
 
 void Program::PrepareFolder(bool first_start) {

@@ -17,12 +17,12 @@
 #include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
 #include "adapters/line/service/line_service.h"
+#include "adapters/mail/smtp_mail.h"
 #include "adapters/registry/registry_file.h"
 #include "adapters/sound/all_audio_devices.h"
 #include "adapters/sound/sound_cards.h"
 #include "core/entry_routine.h"
 #include "notify/frmMSG.h"
-#include "programs/orven/logged_effects.h"
 #include "programs/orven/program_dialogs.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
@@ -49,6 +49,8 @@ class Program {
  private:
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
+  EnginePorts Ports();
+  MailAccount Account();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<std::unique_ptr<LineDriver>> MakeLines();
@@ -78,8 +80,8 @@ class Program {
   frmMSG caller_view_;
   QtShell shell_;
   QtMouse mouse_;
+  SmtpMail mail_;
   ProgramDialogs program_dialogs_;
-  LoggedEffects effects_;
   MainWindow window_;
 };
 

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/orven/program_dialogs.h"
+
+#include "actions/actions_dialog.h"
+#include "actions/frmActions.h"
+#include "notify/events_dialog.h"
+#include "notify/frmEvents.h"
+
+namespace orven {
+
+void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
+  machine_ = &machine;
+  window_ = &window;
+}
+
+bool ProgramDialogs::Offers(Dialog dialog) const {
+  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions;
+}
+
+void ProgramDialogs::Open(Dialog dialog, int tab) {
+  if (dialog == Dialog::frmEvents) OpenEvents(tab);
+  if (dialog == Dialog::frmActions) OpenActions(tab);
+}
+
+void ProgramDialogs::OpenEvents(int tab) {
+  auto& machine = *machine_;
+  EventsDialog engine({machine.settings, machine.store, machine.shared, ports_.files, machine.sounds,
+                       machine.player, ports_.dialogs, machine.caller_view});
+  frmEvents(engine, tab, window_).exec();
+}
+
+void ProgramDialogs::OpenActions(int tab) {
+  auto& machine = *machine_;
+  ActionsDialog engine({ports_.registry, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
+                        [&machine] { machine.store.GetMainAction(); }});
+  frmActions(engine, tab, window_).exec();
+}
+
+}  // namespace orven
