@@ -22,12 +22,16 @@ espeak-ng -v en-us+f3 -s 170 -w "$speech" \
 sox -D "$speech" "${line_wav[@]}" Greets/Default.wav highpass 200 lowpass 3400 gain -n -4 \
   silence 1 0.01 0.2% reverse silence 1 0.01 0.2% reverse pad 0.3 0.2
 
-# A call rings: two soft notes, twice. A message was left: three rising notes.
+# A call rings: two soft notes, twice. A message was left: three rising notes. To choose from besides:
+# a doorbell's two notes, a clock's four, and one short note for those who like it quiet.
 note() { # note FREQUENCY SECONDS: a plucked-bell tone as a sox pipe
   echo "|sox -D -n -r 22050 -c 1 -p synth $2 sine $1 sine $(($1 * 2)) remix - fade h 0.005 $2 $2 gain -12"
 }
 sox -D "$(note 880 0.35)" "$(note 698 0.45)" "$(note 880 0.35)" "$(note 698 0.6)" "${desk_wav[@]}" Sound/Ring.wav
 sox -D "$(note 523 0.2)" "$(note 659 0.2)" "$(note 784 0.6)" "${desk_wav[@]}" Sound/Message.wav
+sox -D "$(note 659 0.5)" "$(note 523 0.9)" "${desk_wav[@]}" Sound/Doorbell.wav
+sox -D "$(note 659 0.4)" "$(note 523 0.4)" "$(note 587 0.4)" "$(note 392 0.9)" "${desk_wav[@]}" Sound/Clock.wav
+sox -D "$(note 988 0.3)" "${desk_wav[@]}" Sound/Note.wav
 
 for file in beep.wav Greets/*.wav Sound/*.wav; do
   printf '%-20s %5.2f s  %5d Hz\n' "$file" "$(soxi -D "$file")" "$(soxi -r "$file")"
