@@ -17,7 +17,7 @@ constexpr std::string_view kLastLine = "end\n";
 
 struct Line {
   std::string_view label;
-  std::string Envelope::* value;
+  std::string Envelope::*value;
 };
 
 constexpr std::array<Line, 8> kLines{{
@@ -79,7 +79,8 @@ std::string NewMessageId(std::string_view sender) {
     std::snprintf(digits.data() + at, 9, "%08x", static_cast<std::uint32_t>(random()));
   }
   const std::string_view domain = sender.substr(std::min(sender.size(), sender.rfind('@') + 1));
-  return std::string("<") + digits.data() + "@" + (IsDomain(domain) ? std::string(domain) : "orven.invalid") + ">";
+  return std::string("<") + digits.data() + "@" + (IsDomain(domain) ? std::string(domain) : "orven.invalid") +
+         ">";
 }
 
 std::string EnvelopeText(const Envelope& envelope) {

@@ -17,7 +17,8 @@ std::string_view Trimmed(std::string_view text) {
 
 /// Whether `text` begins with `start`, a text in small letters, in either case.
 bool BeginsWith(std::string_view text, std::string_view start) {
-  return text.size() >= start.size() && std::equal(start.begin(), start.end(), text.begin(), [](char a, char b) {
+  return text.size() >= start.size() &&
+         std::equal(start.begin(), start.end(), text.begin(), [](char a, char b) {
            return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
          });
 }

@@ -12,15 +12,17 @@ namespace orven {
 namespace {
 
 constexpr std::size_t kLine = 78;
-/// RFC 2047, 2: an encoded word has at most 75 characters, "=?UTF-8?B?" and "?=" among them; so many
-/// bytes fit in base64.
-constexpr std::size_t kBytesInWord = (75 - 12) / 4 * 3;
+/// RFC 2047, 2: a line with encoded words has at most 76 characters, and a word "=?UTF-8?B?" and "?=".
+constexpr std::size_t kWordLine = 76;
+constexpr std::size_t kWordFrame = 12;
 /// Of a file name's encoding on one line, beside " filename*NN*=UTF-8''" and ";".
 constexpr std::size_t kNameOnLine = 50;
 /// RFC 5321, 4.5.3.1.3 allows a path of 256 characters with its brackets.
 constexpr std::size_t kLongestAddress = 254;
 
-bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
+bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
 
 bool IsPlain(std::string_view text) {
   const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
@@ -28,21 +30,28 @@ bool IsPlain(std::string_view text) {
   return printable && text.find("=?") == text.npos && !text.starts_with(' ') && !text.ends_with(' ');
 }
 
-/// Encoded words, each on a line of its own; no character is torn in two.
-std::string EncodedWords(std::string_view utf8) {
-  std::string words;
-  while (!utf8.empty()) {
-    std::size_t length = 0;
-    while (length < utf8.size()) {
-      const std::size_t next = Utf8Length(utf8.substr(length));
-      if (length + next > kBytesInWord) break;
-      length += next;
-    }
-    if (!words.empty()) words += "\r\n ";
-    words += "=?UTF-8?B?" + Base64(utf8.substr(0, length)) + "?=";
-    utf8.remove_prefix(length);
+/// The bytes of whole characters that `utf8` begins with, `most` at most.
+std::size_t WholeCharacters(std::string_view utf8, std::size_t most) {
+  std::size_t length = 0;
+  while (length < utf8.size()) {
+    const std::size_t next = Utf8Length(utf8.substr(length));
+    if (length + next > most) break;
+    length += next;
   }
-  return words;
+  return length;
+}
+
+/// `start` and behind it encoded words, each on a line of its own.
+std::string WithEncodedWords(std::string start, std::string_view utf8) {
+  std::size_t column = start.size();
+  while (!utf8.empty()) {
+    const std::size_t length = WholeCharacters(utf8, (kWordLine - kWordFrame - column) / 4 * 3);
+    start += "=?UTF-8?B?" + Base64(utf8.substr(0, length)) + "?=";
+    utf8.remove_prefix(length);
+    if (!utf8.empty()) start += "\r\n ";
+    column = 1;
+  }
+  return start;
 }
 
 std::string Quoted(std::string_view text) {
@@ -109,7 +118,7 @@ std::string TextField(std::string_view name, std::string_view value) {
   const std::string line = OneLine(value);
   const std::string start = std::string(name) + ": ";
   if (IsPlain(line) && start.size() + line.size() <= kLine) return start + line;
-  return start + "\r\n " + EncodedWords(line);
+  return WithEncodedWords(start, line);
 }
 
 std::string MailboxField(std::string_view name, std::string_view display, std::string_view address) {
@@ -119,7 +128,7 @@ std::string MailboxField(std::string_view name, std::string_view display, std::s
   if (line.empty()) return start + " " + bracketed;
   const std::string field = start + " " + Quoted(line) + " " + bracketed;
   if (IsPlain(line) && field.size() <= kLine) return field;
-  return start + "\r\n " + EncodedWords(line) + "\r\n " + bracketed;
+  return WithEncodedWords(start + " ", line) + "\r\n " + bracketed;
 }
 
 std::string AttachmentField(std::string_view file_name) {

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace orven {
+
+/// The login at the mail server.
+struct MailAccount {
+  std::string user;  ///< empty: no login
+  std::string password;
+  /// Whether a mail is given up rather than sent without encryption. Otherwise STARTTLS is used where
+  /// the server offers it (a stranger on the way can hide that offer).
+  bool require_encryption = false;
+};
+
+struct MailLimits {
+  std::chrono::milliseconds connect{std::chrono::seconds(10)};     ///< resolving, connecting, TLS of smtps://
+  std::chrono::milliseconds inactivity{std::chrono::seconds(60)};  ///< without a reply or a byte taken
+  std::string ca_file;  ///< PEM file of trusted certificates; empty: the system's
+};
+
+}  // namespace orven

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/mail/message.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <new>
+#include <stdexcept>
+
+#include "adapters/mail/mail_text.h"
+
+namespace orven {
+namespace {
+
+/// RFC 5322, 2.1.1: longer lines need an encoding.
+constexpr std::size_t kLongestLine = 998;
+
+void Check(CURLcode code) {
+  if (code != CURLE_OK) throw std::runtime_error(curl_easy_strerror(code));
+}
+
+template <class List>
+void Append(List& list, const std::string& line) {
+  curl_slist* longer = curl_slist_append(list.get(), line.c_str());
+  if (longer == nullptr) throw std::bad_alloc();
+  list.release();
+  list.reset(longer);
+}
+
+std::size_t ReadAttachment(char* buffer, std::size_t size, std::size_t count, void* attachment) {
+  return static_cast<Attachment*>(attachment)->Read({buffer, size * count}).value_or(CURL_READFUNC_ABORT);
+}
+
+int SeekAttachment(void* attachment, curl_off_t offset, int origin) {
+  const bool done = origin == SEEK_SET && static_cast<Attachment*>(attachment)->Seek(offset);
+  return done ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_CANTSEEK;
+}
+
+}  // namespace
+
+Message::Message(CURL* curl, const Envelope& envelope, Attachment* attachment)
+    : curl_(curl), mime_(curl_mime_init(curl), &curl_mime_free) {
+  if (!mime_) throw std::bad_alloc();
+  Append(recipients_, "<" + envelope.recipient + ">");
+  Append(fields_, MailboxField("From", envelope.sender_name, envelope.sender));
+  Append(fields_, MailboxField("To", "", envelope.recipient));
+  Append(fields_, TextField("Subject", envelope.subject));
+  Append(fields_, "Date: " + OneLine(envelope.date));
+  Append(fields_, "Message-ID: " + OneLine(envelope.message_id));
+  Append(fields_, "MIME-Version: 1.0");
+  AddText(OneLine(envelope.subject) + "\r\n");
+  if (attachment != nullptr) AddAttachment(envelope.attachment, attachment);
+}
+
+void Message::AddText(const std::string& text) {
+  curl_mimepart* part = curl_mime_addpart(mime_.get());
+  if (part == nullptr) throw std::bad_alloc();
+  const bool plain = text.size() <= kLongestLine && std::all_of(text.begin(), text.end(), [](char c) {
+                       return static_cast<unsigned char>(c) < 0x80;
+                     });
+  Check(curl_mime_data(part, text.data(), text.size()));
+  Check(curl_mime_type(part, "text/plain; charset=utf-8"));
+  // Both keep the size of the whole known before it is sent, which quoted-printable does not.
+  Check(curl_mime_encoder(part, plain ? "7bit" : "base64"));
+}
+
+void Message::AddAttachment(const std::string& path, Attachment* attachment) {
+  curl_mimepart* part = curl_mime_addpart(mime_.get());
+  if (part == nullptr) throw std::bad_alloc();
+  Check(curl_mime_data_cb(part, attachment->Size(), &ReadAttachment, &SeekAttachment, nullptr, attachment));
+  Check(curl_mime_type(part, "audio/x-wav"));
+  Check(curl_mime_encoder(part, "base64"));
+  // Written here, because libcurl puts a name into its own field as it stands, whatever its characters.
+  List own(nullptr, &curl_slist_free_all);
+  Append(own, AttachmentField(std::filesystem::path(path).filename().string()));
+  Check(curl_mime_headers(part, own.release(), 1));
+}
+
+void Message::Use(const Envelope& envelope) const {
+  Check(curl_easy_setopt(curl_, CURLOPT_MAIL_FROM, ("<" + envelope.sender + ">").c_str()));
+  Check(curl_easy_setopt(curl_, CURLOPT_MAIL_RCPT, recipients_.get()));
+  Check(curl_easy_setopt(curl_, CURLOPT_HTTPHEADER, fields_.get()));
+  Check(curl_easy_setopt(curl_, CURLOPT_MIMEPOST, mime_.get()));
+}
+
+}  // namespace orven

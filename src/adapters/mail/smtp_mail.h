@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "adapters/mail/mail_queue.h"
+#include "adapters/mail/mail_settings.h"
+#include "adapters/mail/outbox.h"
+#include "platform/event_loop.h"
+#include "platform/mail.h"
+
+namespace orven {
+
+/// The mail control over SMTP (RFC 5321): on its own thread, one mail at a time, first in first out.
+/// STARTTLS is used when the server offers it; certificates are verified. A mail that fails is given up,
+/// for whatever reason.
+class SmtpMail final : public MailControl {
+ public:
+  /// Asked on the user-interface thread when a mail is taken, and by Resume.
+  using Account = std::function<MailAccount()>;
+  /// Told on the user-interface thread what went wrong with the outbox, though a mail is not lost by it.
+  using Warning = std::function<void(const std::string& text)>;
+
+  /// `outbox_folder` is made when it is needed; `loop` outlives this object.
+  SmtpMail(EventLoop& loop, std::string outbox_folder, Account account, Warning warning = {},
+           MailLimits limits = {});
+
+  /// Returns within a second, whatever the server does. What is not sent yet stays in the outbox.
+  ~SmtpMail() override;
+  SmtpMail(const SmtpMail&) = delete;
+  SmtpMail& operator=(const SmtpMail&) = delete;
+
+  void SetEvents(MailEvents* events) override { events_ = events; }
+
+  /// Writes the mail's details (not the attachment) to the outbox before it returns. When that fails
+  /// (a full disk), the mail is sent all the same, and `warning` is told.
+  void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
+            const std::string& recipient, const std::string& subject, const std::string& attachment) override;
+
+  /// Sends what earlier runs left in the outbox: once, after start, before the first Send. A damaged
+  /// file is set aside and raises Error without a recipient.
+  void Resume();
+
+ private:
+  std::string Keep(const Envelope& envelope);
+
+  Account account_;
+  Warning warning_;
+  Outbox outbox_;
+  MailEvents* events_ = nullptr;
+  std::shared_ptr<MailQueue> queue_;  ///< with the thread
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/mail/smtp_transfer.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+#include "adapters/mail/attachment.h"
+#include "adapters/mail/mail_server.h"
+#include "adapters/mail/mail_text.h"
+#include "adapters/mail/message.h"
+#include "adapters/mail/smtp_dialogue.h"
+#include "adapters/mail/smtp_failure.h"
+
+namespace orven {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kProgressPause = 100ms;
+
+/// One libcurl transfer. Its callbacks are C functions that get this object.
+class Transfer {
+ public:
+  Transfer(const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress)
+      : limits_(limits), cancellation_(cancellation), progress_(progress), dialogue_(limits) {
+    if (!curl_) throw std::bad_alloc();
+  }
+
+  MailOutcome Send(const Envelope& envelope, const MailAccount& account, const MailServer& server) {
+    if (!envelope.attachment.empty()) attachment_.emplace(envelope.attachment);
+    const Message message(curl_.get(), envelope, attachment_ ? &*attachment_ : nullptr);
+    message.Use(envelope);
+    UseServer(server, account);
+    UseCallbacks();
+    const CURLcode code = curl_easy_perform(curl_.get());
+    long os_error = 0;
+    curl_easy_getinfo(curl_.get(), CURLINFO_OS_ERRNO, &os_error);
+    if (dialogue_.Accepted()) return {};
+    if (cancellation_.Cancelled()) return {MailOutcome::State::Cancelled, {}};
+    if (attachment_ && !attachment_->Failure().empty()) {
+      return {MailOutcome::State::Failed, attachment_->Failure()};
+    }
+    return {MailOutcome::State::Failed,
+            DescribeFailure({code, static_cast<int>(os_error), error_.data(), stalled_}, server.name, account,
+                            dialogue_)};
+  }
+
+ private:
+  template <class Value>
+  void Set(CURLoption option, Value value) {
+    if (const CURLcode code = curl_easy_setopt(curl_.get(), option, value); code != CURLE_OK) {
+      throw std::runtime_error(curl_easy_strerror(code));
+    }
+  }
+
+  void UseServer(const MailServer& server, const MailAccount& account) {
+    Set(CURLOPT_URL, server.url.c_str());
+    Set(CURLOPT_PROTOCOLS_STR, "smtp,smtps");
+    Set(CURLOPT_PROXY, "");
+    Set(CURLOPT_USE_SSL, static_cast<long>(account.require_encryption ? CURLUSESSL_ALL : CURLUSESSL_TRY));
+    if (!limits_.ca_file.empty()) Set(CURLOPT_CAINFO, limits_.ca_file.c_str());
+    if (!account.user.empty()) {
+      Set(CURLOPT_USERNAME, account.user.c_str());
+      Set(CURLOPT_PASSWORD, account.password.c_str());
+      // Without the ways of logging in that need more than a password (Kerberos).
+      Set(CURLOPT_LOGIN_OPTIONS, "AUTH=CRAM-MD5;AUTH=PLAIN;AUTH=LOGIN");
+    }
+    Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
+    Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(limits_.inactivity / 1s + 5));
+    Set(CURLOPT_NOSIGNAL, 1L);
+    // A name server that does not answer is not waited for once the transfer is over.
+    Set(CURLOPT_QUICK_EXIT, 1L);
+    // The farewell belongs to the transfer, under its time limits, not to the clearing away.
+    Set(CURLOPT_FORBID_REUSE, 1L);
+    Set(CURLOPT_ERRORBUFFER, error_.data());
+  }
+
+  void UseCallbacks() {
+    Set(CURLOPT_HEADERFUNCTION, &Transfer::OnLine);
+    Set(CURLOPT_HEADERDATA, this);
+    Set(CURLOPT_WRITEFUNCTION, &Transfer::OnBody);
+    Set(CURLOPT_NOPROGRESS, 0L);
+    Set(CURLOPT_XFERINFOFUNCTION, &Transfer::OnProgress);
+    Set(CURLOPT_XFERINFODATA, this);
+    Set(CURLOPT_OPENSOCKETFUNCTION, &Transfer::OnOpen);
+    Set(CURLOPT_OPENSOCKETDATA, &cancellation_);
+    Set(CURLOPT_CLOSESOCKETFUNCTION, &Transfer::OnClose);
+    Set(CURLOPT_CLOSESOCKETDATA, &cancellation_);
+  }
+
+  static std::size_t OnBody(char* /*data*/, std::size_t size, std::size_t count, void* /*transfer*/) {
+    return size * count;
+  }
+
+  static std::size_t OnLine(char* data, std::size_t size, std::size_t count, void* transfer) {
+    return static_cast<Transfer*>(transfer)->dialogue_.Heard({data, size * count}) ? size * count : 0;
+  }
+
+  static int OnProgress(void* transfer, curl_off_t, curl_off_t, curl_off_t total, curl_off_t sent) {
+    return static_cast<Transfer*>(transfer)->GoOn(total, sent) ? 0 : 1;
+  }
+
+  static curl_socket_t OnOpen(void* cancellation, curlsocktype, curl_sockaddr* address) {
+    const int socket =
+        static_cast<Cancellation*>(cancellation)->Open(address->family, address->socktype, address->protocol);
+    return socket < 0 ? CURL_SOCKET_BAD : socket;
+  }
+
+  static int OnClose(void* cancellation, curl_socket_t socket) {
+    static_cast<Cancellation*>(cancellation)->Close(socket);
+    return 0;
+  }
+
+  bool GoOn(std::int64_t total, std::int64_t sent) {
+    curl_off_t connected = 0;
+    curl_easy_getinfo(curl_.get(), CURLINFO_CONNECT_TIME_T, &connected);
+    if (connected > 0 && !connected_) {
+      connected_ = true;
+      dialogue_.Connected();
+      // libcurl counts the greeting and the login as connecting; here they have the other limit.
+      curl_easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
+    }
+    dialogue_.Sent(sent);
+    Tell(total, sent);
+    stalled_ = dialogue_.Stalled();
+    return !stalled_ && !cancellation_.Cancelled();
+  }
+
+  void Tell(std::int64_t total, std::int64_t sent) {
+    const auto now = SmtpDialogue::Clock::now();
+    if (sent == told_ || (sent != total && now - told_at_ < kProgressPause)) return;
+    told_ = sent;
+    told_at_ = now;
+    progress_(total, sent);
+  }
+
+  const MailLimits& limits_;
+  Cancellation& cancellation_;
+  const MailProgress& progress_;
+  SmtpDialogue dialogue_;
+  std::optional<Attachment> attachment_;
+  std::array<char, CURL_ERROR_SIZE> error_{};
+  bool connected_ = false;
+  bool stalled_ = false;
+  std::int64_t told_ = 0;
+  SmtpDialogue::Clock::time_point told_at_{};
+  // The last member: closing it calls back.
+  std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{curl_easy_init(), &curl_easy_cleanup};
+};
+
+/// What is wrong with a mail before any server has seen it; empty when nothing is.
+std::string Refusal(const Envelope& envelope) {
+  const auto address = [](const char* whose, const std::string& text) {
+    if (text.empty()) return std::string("there is no ") + whose + " address";
+    return std::string("the ") + whose + " address \"" + OneLine(text) + "\" is not one mail address";
+  };
+  if (!IsMailAddress(envelope.recipient)) return address("recipient", envelope.recipient);
+  if (!IsMailAddress(envelope.sender)) return address("sender", envelope.sender);
+  return {};
+}
+
+}  // namespace
+
+MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const MailLimits& limits,
+                     Cancellation& cancellation, const MailProgress& progress) {
+  const auto failed = [](std::string why) { return MailOutcome{MailOutcome::State::Failed, std::move(why)}; };
+  const auto server = ParseMailServer(envelope.server);
+  if (!server) {
+    return failed("\"" + OneLine(envelope.server) +
+                  "\" is no mail server: name, name:port, smtp://name or smtps://name is expected");
+  }
+  if (std::string refusal = Refusal(envelope); !refusal.empty()) return failed(std::move(refusal));
+  try {
+    return Transfer(limits, cancellation, progress).Send(envelope, account, *server);
+  } catch (const std::exception& failure) {
+    return failed(failure.what());
+  }
+}
+
+void SetUpMailLibrary() {
+  static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
+  if (code != CURLE_OK) throw std::runtime_error(curl_easy_strerror(code));
+}
+
+}  // namespace orven

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <vector>
+
+#include "adapters/mail/smtp_mail.h"
+#include "integration/audio/test_loop.h"
+#include "support/scratch_folder.h"
+
+namespace orven::testing {
+
+/// A server of mail_server.py, which ends with this object.
+class TestServer {
+ public:
+  explicit TestServer(const std::string& arguments) {
+    const std::string command = "exec /usr/bin/python3 -B " ORVEN_SOURCE_DIR
+                                "/tests/integration/mail/mail_server.py " +
+                                folder_ / "" + " " + arguments;
+    input_.reset(::popen(command.c_str(), "w"));
+    EXPECT_TRUE(Eventually([this] { return std::filesystem::exists(folder_ / "port"); }));
+    port_ = test::ContentOf(folder_ / "port");
+  }
+
+  std::string Address() const { return "127.0.0.1:" + port_; }
+  std::string Certificate() const { return folder_ / "cert.pem"; }
+  bool Stalls() const { return std::filesystem::exists(folder_ / "stalled"); }
+
+  /// The `number`-th mail, waited for: its fields, and the attached file's content as "Content".
+  std::map<std::string, std::string> Mail(int number) const {
+    const std::string name = folder_ / std::to_string(number);
+    EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(name + ".fields"); }));
+    std::map<std::string, std::string> mail;
+    std::istringstream fields(test::ContentOf(name + ".fields"));
+    for (std::string line; std::getline(fields, line);) {
+      const std::size_t sign = line.find('=');
+      mail[line.substr(0, sign)] = line.substr(sign + 1);
+    }
+    mail["Content"] = test::ContentOf(name + ".wav");
+    return mail;
+  }
+  bool Received(int number) const {
+    return std::filesystem::exists(folder_ / (std::to_string(number) + ".fields"));
+  }
+
+ private:
+  struct Closed {
+    void operator()(FILE* pipe) const { ::pclose(pipe); }
+  };
+  test::ScratchFolder folder_;
+  std::unique_ptr<FILE, Closed> input_;
+  std::string port_;
+};
+
+/// The mail control with a person who writes down what it tells.
+class MailTest : public ::testing::Test, public MailEvents {
+ protected:
+  static constexpr const char* kPassword = "s3cret+\u00FC";
+
+  MailTest() {
+    limits_.connect = std::chrono::milliseconds(700);
+    limits_.inactivity = std::chrono::seconds(20);
+    Start();
+  }
+
+  void Progress(std::int32_t total, std::int32_t sent) override {
+    EXPECT_LE(sent, total);
+    progress_ = {total, sent};
+  }
+  void Done(const std::string& recipient) override { told_.push_back("done " + recipient); }
+  void Error(const std::string& recipient, const std::string& description) override {
+    told_.push_back("error " + recipient + ": " + description);
+  }
+
+  void Start() {
+    mail_.reset();
+    mail_ = std::make_unique<SmtpMail>(
+        loop_, Outbox(), [this] { return account_; },
+        [this](const std::string& text) { told_.push_back("warning: " + text); }, limits_);
+    mail_->SetEvents(this);
+  }
+
+  /// One more mail with the attachment `file`, to `recipient`.
+  void Send(const std::string& server, const std::string& subject = "New Call",
+            const std::string& recipient = "me@example.org", const std::string& file = "") {
+    mail_->Send(server, "desk@example.org", "ORVEN", recipient, subject, file);
+  }
+
+  /// What is told next; nothing within the limit fails the test.
+  std::string Told() {
+    EXPECT_TRUE(Eventually([this] {
+      loop_.Run();
+      return told_.size() > heard_;
+    }));
+    return heard_ < told_.size() ? told_[heard_++] : "nothing";
+  }
+
+  std::string Outbox() const { return folder_ / "Outbox"; }
+  std::vector<std::string> Waiting() const {
+    std::vector<std::string> names;
+    if (!std::filesystem::exists(Outbox())) return names;
+    for (const auto& entry : std::filesystem::directory_iterator(Outbox()))
+      names.push_back(entry.path().string());
+    return names;
+  }
+
+  test::ScratchFolder folder_;
+  TestLoop loop_;
+  MailAccount account_;
+  MailLimits limits_;
+  std::pair<int, int> progress_;
+  std::vector<std::string> told_;
+  std::size_t heard_ = 0;
+  std::unique_ptr<SmtpMail> mail_;
+};
+
+}  // namespace orven::testing
