@@ -2,6 +2,7 @@
 #include "notify/events_dialog.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/conversions.h"
 #include "core/error_trap.h"
@@ -74,12 +75,12 @@ void EventsDialog::Delete(SoundList& list, SoundList& other) {
   Fill(other, other.selected == name ? "" : other.selected);
 }
 
-/// A folder that cannot be read is an empty library.
-void EventsDialog::Fill(SoundList& list, const std::string& selected) const {
+/// A folder that cannot be read is an empty library. `selected` may be the list's own.
+void EventsDialog::Fill(SoundList& list, std::string selected) const {
   list = {};
   const auto trap = ErrorTrap::Silent();
   trap([&] { list.names = parts_.files.List(SoundFolder(), "*.wav"); });
-  if (std::ranges::count(list.names, selected) > 0) list.selected = selected;
+  if (std::ranges::count(list.names, selected) > 0) list.selected = std::move(selected);
 }
 
 std::string EventsDialog::SoundFolder() const {

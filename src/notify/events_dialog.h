@@ -81,7 +81,7 @@ class EventsDialog {
   void Add(SoundList& list, SoundList& other);
   void Delete(SoundList& list, SoundList& other);
   std::optional<std::string> AddSound();
-  void Fill(SoundList& list, const std::string& selected) const;
+  void Fill(SoundList& list, std::string selected) const;
   std::string SoundFolder() const;
   void Put(const char* name, std::int16_t Settings::*field, std::int32_t value);
   void Put(const char* name, std::string Settings::*field, const std::string& value);

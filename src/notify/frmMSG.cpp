@@ -65,6 +65,8 @@ frmMSG::frmMSG(const QWidget& main_window)
   setAttribute(Qt::WA_QuitOnClose, false);
   setFont(Letters(kPlain));
   setFixedSize(kDesignSize);
+  create();
+  windowHandle()->installEventFilter(this);
   auto* column = MakeChild<QVBoxLayout>(this);
   constexpr int kMargin = 10;
   column->setContentsMargins(kMargin, kMargin / 2, kMargin, kMargin);
@@ -238,6 +240,15 @@ void frmMSG::closeEvent(QCloseEvent* event) {
 bool frmMSG::event(QEvent* event) {
   if (event->type() == QEvent::WindowActivate) KeepOnTop();
   return QWidget::event(event);
+}
+
+/// A dialog or box that is open elsewhere must not keep anybody from answering: a window that belongs to
+/// it is not blocked by it.
+bool frmMSG::eventFilter(QObject* window, QEvent* event) {
+  if (window == windowHandle() && event->type() == QEvent::WindowBlocked) {
+    windowHandle()->setTransientParent(QGuiApplication::modalWindow());
+  }
+  return QWidget::eventFilter(window, event);
 }
 
 void frmMSG::paintEvent(QPaintEvent* /*event*/) {

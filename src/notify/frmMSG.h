@@ -41,6 +41,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* window, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
