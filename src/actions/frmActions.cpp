@@ -11,7 +11,7 @@
 namespace orven {
 namespace {
 
-constexpr int kFieldWidth = 300;  // pixels; an address or a command can be read at a glance
+constexpr int kFieldWidth = 380;  // pixels; an address or a command can be read at a glance
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);
@@ -161,6 +161,7 @@ void frmActions::Show(const ActionChoices& choices) {
   txtSMTPPass_->setText(QString::fromStdString(choices.txtSMTPPass));
   chkApp_->setChecked(choices.chkApp);
   txtAppTo_->setText(QString::fromStdString(choices.txtAppTo));
+  txtAppTo_->setCursorPosition(0);  // the program's name can be seen, whatever follows
   chkBGAPP_->setChecked(choices.chkBGAPP);
   cmbActApp_->setCurrentIndex(static_cast<int>(choices.cmbActApp));
 }

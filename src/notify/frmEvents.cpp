@@ -3,10 +3,8 @@
 
 #include <QEvent>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include "shell/frmMainIcons.h"
 #include "shell/frmMakeChild.h"
@@ -123,7 +121,7 @@ QWidget* frmEvents::MakeDisconnectCall() {
   return page;
 }
 
-frmEvents::SoundControls frmEvents::MakeSound(QLayout& column, const char* check, const char* list,
+frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* check, const char* list,
                                               const char* bar) {
   SoundControls controls{MakeCheck(check, tr("Play Sound:")), MakeChild<QComboBox>(this),
                          MakeChild<ButtonBar>(Name(bar), tr("Sounds"), this)};
@@ -142,7 +140,7 @@ frmEvents::SoundControls frmEvents::MakeSound(QLayout& column, const char* check
   row->addWidget(controls.list, 1);
   row->addWidget(controls.bar);
   column.addWidget(controls.play);
-  column.addItem(row);
+  column.addLayout(row);
   return controls;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -37,7 +38,7 @@ class frmEvents : public QDialog {
   QWidget* MakeGeneral();
   QWidget* MakeInComingCall();
   QWidget* MakeDisconnectCall();
-  SoundControls MakeSound(QLayout& column, const char* check, const char* list, const char* bar);
+  SoundControls MakeSound(QBoxLayout& column, const char* check, const char* list, const char* bar);
   QCheckBox* MakeCheck(const char* name, const QString& caption);
   QWidget* MakeSpeed();
   QWidget* MakeClosing();

@@ -21,6 +21,7 @@ constexpr QSize kDesignSize{420, 190};  // pixels
 // Heights of letters in pixels: the window's size is fixed, and so is what fits into it.
 constexpr int kSmall = 12;
 constexpr int kPlain = 14;
+constexpr int kStatus = 16;
 constexpr int kCaller = 24;
 constexpr int kNumber = 20;
 
@@ -86,8 +87,8 @@ QWidget* frmMSG::MakeHeading() {
       MakeChild<CommandTile>(CommandTile::Look{"lblMsgFrom", tr("ORVEN"), nullptr, nullptr}, heading);
   from->setFont(Letters(kPlain, true));
   from->setAccessibleDescription(tr("Close"));
-  status_ = Label("lblStatus", {}, Letters(kPlain), *heading);
-  ring_ = Label("lblMsgRingNum", {}, Letters(kPlain), *heading);
+  status_ = Label("lblStatus", {}, Letters(kStatus, true), *heading);
+  ring_ = Label("lblMsgRingNum", {}, Letters(kStatus), *heading);
   auto* close =
       MakeChild<CommandTile>(CommandTile::Look{nullptr, tr("Close"), "Image2", "window-close"}, heading);
   row->addWidget(from);
@@ -129,7 +130,7 @@ QWidget* frmMSG::MakeDetails() {
   return details;
 }
 
-ElidedLabel* frmMSG::AddDetail(QWidget& parent, const char* name, QFont font) {
+ElidedLabel* frmMSG::AddDetail(QWidget& parent, const char* name, const QFont& font) {
   // Of a path the end says more than the middle.
   auto* label = MakeChild<ElidedLabel>(
       qstrcmp(name, "lblMessagePath") == 0 ? Qt::ElideMiddle : Qt::ElideRight, &parent);
@@ -152,7 +153,6 @@ QWidget* frmMSG::MakeCommands() {
 
 void frmMSG::AddCommand(QLayout& row, const CommandTile::Look& look, void (CallerViewClicks::*click)()) {
   auto* tile = MakeChild<CommandTile>(look, row.parentWidget());
-  tile->setFrameShape(QFrame::StyledPanel);
   tile->setFont(Letters(kPlain, true));
   auto keep = tile->sizePolicy();
   keep.setRetainSizeWhenHidden(true);  // the caller's name stays where it is

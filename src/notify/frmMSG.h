@@ -49,7 +49,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
   QWidget* MakeDetails();
   QWidget* MakeCommands();
   void AddCommand(QLayout& row, const CommandTile::Look& look, void (CallerViewClicks::*click)());
-  ElidedLabel* AddDetail(QWidget& parent, const char* name, QFont font);
+  ElidedLabel* AddDetail(QWidget& parent, const char* name, const QFont& font);
   void Tell(void (CallerViewClicks::*click)());
   void Place();
   void KeepOnTop();

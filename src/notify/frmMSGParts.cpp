@@ -29,9 +29,19 @@ QSize ElidedLabel::minimumSizeHint() const {
   return {0, QLabel::minimumSizeHint().height()};
 }
 
+QFont ElidedLabel::FittingFont() const {
+  QFont fitting = font();
+  const int least = fitting.pixelSize() * 2 / 3;
+  while (fitting.pixelSize() > least &&
+         QFontMetrics(fitting).horizontalAdvance(text()) > contentsRect().width()) {
+    fitting.setPixelSize(fitting.pixelSize() - 1);
+  }
+  return fitting;
+}
+
 bool ElidedLabel::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QLabel::event(event);
-  const bool whole = fontMetrics().horizontalAdvance(text()) <= contentsRect().width();
+  const bool whole = QFontMetrics(FittingFont()).horizontalAdvance(text()) <= contentsRect().width();
   const auto position = static_cast<QHelpEvent*>(event)->globalPos();
   QToolTip::showText(position, whole ? QString() : text().toHtmlEscaped(), this);
   return true;
@@ -39,20 +49,23 @@ bool ElidedLabel::event(QEvent* event) {
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
+  painter.setFont(FittingFont());
   painter.setPen(palette().color(foregroundRole()));
   painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine),
-                   fontMetrics().elidedText(text(), mode_, contentsRect().width()));
+                   painter.fontMetrics().elidedText(text(), mode_, contentsRect().width()));
 }
 
-CommandTile::CommandTile(const Look& look, QWidget* parent) : QFrame(parent) {
+CommandTile::CommandTile(const Look& look, QWidget* parent)
+    : QFrame(parent), framed_(look.label != nullptr && look.picture != nullptr) {
   setAttribute(Qt::WA_Hover);
   setCursor(Qt::PointingHandCursor);
   setAccessibleName(look.caption);
   setToolTip(look.label == nullptr ? look.caption : QString());
   auto* row = MakeChild<QHBoxLayout>(this);
-  row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  const int margin = framed_ ? kMargin : 0;
+  row->setContentsMargins(margin, margin, margin, margin);
   row->setSpacing(kMargin);
-  row->addStretch();
+  if (framed_) row->addStretch();
   if (look.picture != nullptr) {
     auto* picture = MakeChild<QLabel>(this);
     picture->setObjectName(QString::fromLatin1(look.picture));
@@ -65,7 +78,7 @@ CommandTile::CommandTile(const Look& look, QWidget* parent) : QFrame(parent) {
     label->setTextFormat(Qt::PlainText);
     row->addWidget(label);
   }
-  row->addStretch();
+  if (framed_) row->addStretch();
 }
 
 bool CommandTile::event(QEvent* event) {
@@ -87,7 +100,7 @@ void CommandTile::mouseReleaseEvent(QMouseEvent* event) {
 
 void CommandTile::paintEvent(QPaintEvent* event) {
   QFrame::paintEvent(event);
-  if (frameShape() == QFrame::NoFrame && !underMouse()) return;
+  if (!framed_) return;
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(palette().color(underMouse() ? QPalette::Highlight : QPalette::Mid));

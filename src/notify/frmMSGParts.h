@@ -6,8 +6,8 @@
 
 namespace orven {
 
-/// A line of text from outside, which may be of any length: what does not fit is left out, and shown
-/// while the mouse is over it. text() is always the whole.
+/// A line of text from outside, which may be of any length: one that does not fit is written smaller; what
+/// does not fit then either is left out, and shown while the mouse is over it. text() is always the whole.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 
@@ -21,10 +21,12 @@ class ElidedLabel : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  QFont FittingFont() const;
+
   Qt::TextElideMode mode_;
 };
 
-/// Something to click on without the focus: a picture, a text, or both.
+/// Something to click on without the focus: a picture, a text, or, framed as a button is, both.
 class CommandTile : public QFrame {
   Q_OBJECT
 
@@ -50,6 +52,7 @@ class CommandTile : public QFrame {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  bool framed_;
   bool pressed_ = false;
 };
 

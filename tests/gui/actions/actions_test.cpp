@@ -48,6 +48,13 @@ TEST_F(ActionsWindow, ShowsTheSettingsOnTheTabThatWasAskedFor) {
   EXPECT_EQ(Get<QLineEdit>("txtAppTo").text(), u"say <NAME>");
   EXPECT_EQ(Get<QComboBox>("cmbActMail").currentText(), u"Act with messages only!");
   EXPECT_EQ(Get<QComboBox>("cmbActApp").currentText(), u"Act with all calls");
+  for (const char* name :
+       {"chkSendToMail", "txtSendToMail", "txtSMTP", "txtFromMail", "txtSMTPUser", "cmbActMail"}) {
+    EXPECT_TRUE(tabs.widget(0)->isAncestorOf(&Get<QWidget>(name))) << name;
+  }
+  for (const char* name : {"chkApp", "txtAppTo", "chkBGAPP", "cmbActApp", "cmdParm", "frmTest"}) {
+    EXPECT_TRUE(tabs.widget(1)->isAncestorOf(&Get<QWidget>(name))) << name;
+  }
   EXPECT_EQ(Get<QLineEdit>("txtSMTPPass").echoMode(), QLineEdit::Password);
   std::vector<std::string> captions;
   for (const auto* label : window->findChildren<QLabel*>()) {

@@ -47,6 +47,13 @@ TEST_F(EventsWindow, ShowsTheSettingsOnTheTabThatWasAskedFor) {
   EXPECT_EQ(Get<QComboBox>("CmbPlayWhenMessage").currentText(), u"idle.wav");
   EXPECT_EQ(Get<QSlider>("sldAnimationFast").value(), 50);
   EXPECT_EQ(Get<QComboBox>("cmbCloseCVAfter").currentText(), u"30");
+  const std::pair<const char*, int> places[] = {
+      {"chkAnimation", 0},       {"sldAnimationFast", 0},    {"cmbCloseCVAfter", 0},
+      {"CmbPlayWhenCall", 1},    {"tlbrPlayWhenCall", 1},    {"chkViewDet", 1},
+      {"CmbPlayWhenMessage", 2}, {"tlbrPlayWhenMessage", 2}, {"chkMsgInMsg", 2}};
+  for (const auto& [name, tab] : places) {
+    EXPECT_TRUE(tabs.widget(tab)->isAncestorOf(&Get<QWidget>(name))) << name;
+  }
   const std::pair<const char*, const char*> captions[] = {{"chkPlayInCall", "Play Sound:"},
                                                           {"chkViewDet", "Display Caller View"},
                                                           {"chkPlayInMessage", "Play Sound:"},

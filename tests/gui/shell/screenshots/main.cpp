@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// orven_screenshots FOLDER: writes pictures of the main window as PNG files, each made by a process of
+// orven_screenshots FOLDER: writes pictures of the windows as PNG files, each made by a process of
 // its own, because scaling is decided at a program's start.
 #include <QApplication>
 #include <QDir>
@@ -11,6 +11,7 @@
 #include <random>
 
 #include "gui/shell/desk.h"
+#include "gui/shell/screenshots/dialogs.h"
 #include "records/call_fields.h"
 
 namespace orven::test {
@@ -124,6 +125,10 @@ int main(int argc, char** argv) {
   using orven::test::kScenes;
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
+  if (argc > 2 && QByteArray(argv[2]) == "dialogs") {
+    const QApplication application(argc, argv);
+    return orven::test::MakeDialogs(folder) ? 0 : 1;
+  }
   if (argc > 2) {
     const auto& scene = kScenes[static_cast<std::size_t>(std::atoi(argv[2]))];
     qputenv("QT_SCALE_FACTOR", scene.scale);
@@ -131,9 +136,10 @@ int main(int argc, char** argv) {
     return orven::test::Make(scene, folder);
   }
   if (!QDir().mkpath(folder)) return 1;
-  for (std::size_t i = 0; i < std::size(kScenes); ++i) {
-    const auto program = QString::fromLocal8Bit(argv[0]);
-    if (QProcess::execute(program, {folder, QString::number(i)}) != 0) return 1;
+  QStringList pictures{QStringLiteral("dialogs")};
+  for (std::size_t i = 0; i < std::size(kScenes); ++i) pictures << QString::number(i);
+  for (const auto& picture : pictures) {
+    if (QProcess::execute(QString::fromLocal8Bit(argv[0]), {folder, picture}) != 0) return 1;
   }
   return 0;
 }

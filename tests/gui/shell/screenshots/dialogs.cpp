@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/shell/screenshots/dialogs.h"
+
+#include <QPainter>
+#include <QStyleFactory>
+#include <cstdio>
+
+#include "actions/frmActions.h"
+#include "gui/shell/desk.h"
+#include "notify/frmEvents.h"
+#include "notify/frmMSG.h"
+
+namespace orven::test {
+namespace {
+
+const char* const kSettings = R"("cPlayInRing"="1"
+"PlayInRing"="Ring.wav"
+"PlayInIdle"="Message.wav"
+"ViewDetails"="1"
+"cAnimation"="1"
+"AnimationFast"="50"
+"cCloseCallerView"="1"
+"CloseCallerView"="30"
+"pMailTo"="1"
+"MailTo"="anna.lindqvist@example.org"
+"SMTPServer"="smtps://mail.example.org"
+"MailFrom"="answering.machine@example.org"
+"ActionsMailAllCalls"="1"
+"pAppTo"="1"
+"AppTo"="notify-send \"Call from <NAME>\" \"<NUMBER> at <TIME>\""
+"pAppToBG"="0"
+"ActionsAppAllCalls"="0"
+"SMTPUser"="anna"
+"SMTPPass"="only a picture"
+)";
+
+/// Several tabs or states of one window, beside each other.
+bool Save(const QList<QPixmap>& pictures, const QString& path) {
+  constexpr int kGap = 12;
+  QSize size(-kGap, 0);
+  for (const auto& picture : pictures) {
+    size = {size.width() + kGap + picture.width(), std::max(size.height(), picture.height())};
+  }
+  QPixmap whole(size);
+  whole.fill(Qt::transparent);
+  QPainter painter(&whole);
+  int x = 0;
+  for (const auto& picture : pictures) {
+    painter.drawPixmap(x, 0, picture);
+    x += picture.width() + kGap;
+  }
+  painter.end();
+  std::puts(qPrintable(path));
+  return whole.save(path);
+}
+
+QPixmap Shown(QWidget& window) {
+  window.show();
+  QTest::qWait(100);  // it lays itself out when nothing else is to be done
+  return window.grab();
+}
+
+QList<QPixmap> CallerViews(Desk& desk) {
+  frmMSG view(desk.window);
+  view.MoveTo(0);
+  view.Load();
+  view.ShowStatus("New Call");
+  view.ShowRing("Ring : 3");
+  view.ShowCaller("Anna Lindqvist", "+46 8 555 0134");
+  view.ShowTime("11/21/2026", "09:10:11");
+  QList<QPixmap> pictures{Shown(view)};
+  view.ShowCommands(false);
+  view.ShowStatus("Call ended");
+  view.ShowRing("");
+  view.ShowCaller("The association of the owners of houses at the harbour", "UNKNOWN");
+  view.ShowMessagePath("/home/anna/.local/share/orven/Messages/11-21-2026_09-10-11.wav");
+  return pictures << Shown(view);
+}
+
+QList<QPixmap> Events(Desk& desk) {
+  auto& machine = desk.Machine();
+  EventsDialog dialog({machine.settings, machine.store, machine.shared, desk.files, machine.sounds,
+                       machine.player, desk.dialogs, machine.caller_view});
+  QList<QPixmap> pictures;
+  for (int tab = 0; tab < 3; ++tab) {
+    frmEvents window(dialog, tab, nullptr);
+    pictures << Shown(window);
+  }
+  return pictures;
+}
+
+QList<QPixmap> Actions(Desk& desk) {
+  ActionsDialog dialog({desk.registry, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
+  QList<QPixmap> pictures;
+  for (int tab = 0; tab < 2; ++tab) {
+    frmActions window(dialog, tab, nullptr);
+    if (tab == 1) window.findChild<QAbstractButton*>(QStringLiteral("frmTest"))->click();
+    pictures << Shown(window);
+  }
+  return pictures;
+}
+
+}  // namespace
+
+bool MakeDialogs(const QString& folder) {
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  Desk desk(kSettings);
+  for (const char* name : {"Message.wav", "Ring.wav"}) {
+    PutFile(desk.home / ("Sound/" + std::string(name)), ToneOf(77, 500));
+  }
+  desk.Start();
+  return Save(CallerViews(desk), folder + QStringLiteral("/caller_view.png")) &&
+         Save(Events(desk), folder + QStringLiteral("/events.png")) &&
+         Save(Actions(desk), folder + QStringLiteral("/actions.png"));
+}
+
+}  // namespace orven::test
