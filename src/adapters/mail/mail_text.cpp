@@ -126,7 +126,7 @@ std::string MailboxField(std::string_view name, std::string_view display, std::s
   const std::string start = std::string(name) + ":";
   const std::string bracketed = "<" + std::string(address) + ">";
   if (line.empty()) return start + " " + bracketed;
-  const std::string field = start + " " + Quoted(line) + " " + bracketed;
+  std::string field = start + " " + Quoted(line) + " " + bracketed;
   if (IsPlain(line) && field.size() <= kLine) return field;
   return WithEncodedWords(start + " ", line) + "\r\n " + bracketed;
 }
@@ -155,6 +155,8 @@ std::string MailDate(std::time_t time) {
   static constexpr std::array kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
   static constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  // The zone may have changed since the program began.
+  ::tzset();
   std::tm local{};
   ::localtime_r(&time, &local);
   const long minutes = std::labs(local.tm_gmtoff) / 60;

@@ -22,7 +22,7 @@ template <class List>
 void Append(List& list, const std::string& line) {
   curl_slist* longer = curl_slist_append(list.get(), line.c_str());
   if (longer == nullptr) throw std::bad_alloc();
-  list.release();
+  static_cast<void>(list.release());
   list.reset(longer);
 }
 

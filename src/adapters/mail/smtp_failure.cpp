@@ -44,13 +44,14 @@ std::string Described(const CurlFailure& failure, const std::string& server, con
     case CURLE_SSL_CACERT_BADFILE: return "the certificate of " + server + " is not to be trusted: " + words;
     case CURLE_SSL_CONNECT_ERROR: return "no encrypted connection to " + server + ": " + words;
     case CURLE_USE_SSL_FAILED: return server + " offers no encryption" + said;
-    case CURLE_LOGIN_DENIED: return server + " refused the login" + said;
+    case CURLE_LOGIN_DENIED:
+      if (dialogue.ReplyCode() < 400) return server + " offers no login with a password";
+      return server + " refused the login" + said;
     default: break;
   }
   if (dialogue.ReplyCode() >= 400) return server + " refused the mail" + said + " (" + words + ")";
-  if (failure.code == CURLE_WEIRD_SERVER_REPLY || failure.code == CURLE_WRITE_ERROR) {
-    return server + " does not answer as a mail server" + said;
-  }
+  if (failure.code == CURLE_WEIRD_SERVER_REPLY) return server + " does not answer as a mail server" + said;
+  if (failure.code == CURLE_WRITE_ERROR) return server + " does not answer as a mail server";
   return "the connection to " + server + " broke off: " + words;
 }
 

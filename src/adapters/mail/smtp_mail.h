@@ -20,7 +20,8 @@ class SmtpMail final : public MailControl {
  public:
   /// Asked on the user-interface thread when a mail is taken, and by Resume.
   using Account = std::function<MailAccount()>;
-  /// Told on the user-interface thread what went wrong with the outbox, though a mail is not lost by it.
+  /// Told on the user-interface thread, also inside Send and Resume, what went wrong with the outbox; the
+  /// mail itself goes its way.
   using Warning = std::function<void(const std::string& text)>;
 
   /// `outbox_folder` is made when it is needed; `loop` outlives this object.

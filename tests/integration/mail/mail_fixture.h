@@ -31,6 +31,7 @@ class TestServer {
 
   std::string Address() const { return "127.0.0.1:" + port_; }
   std::string Certificate() const { return folder_ / "cert.pem"; }
+  /// The server has come to its fault.
   bool Stalls() const { return std::filesystem::exists(folder_ / "stalled"); }
 
   /// The `number`-th mail, waited for: its fields, and the attached file's content as "Content".
@@ -100,6 +101,13 @@ class MailTest : public ::testing::Test, public MailEvents {
       return told_.size() > heard_;
     }));
     return heard_ < told_.size() ? told_[heard_++] : "nothing";
+  }
+
+  /// Ends the mail control; whether that took less than a second.
+  bool ExitsInTime() {
+    const auto start = std::chrono::steady_clock::now();
+    mail_.reset();
+    return std::chrono::steady_clock::now() - start < std::chrono::seconds(1);
   }
 
   std::string Outbox() const { return folder_ / "Outbox"; }

@@ -92,13 +92,13 @@ class Fault:
         if step != self.step or (self.once and self.broken > 1):
             writer.write(usual)
             return True
+        put("stalled", b"")
         if self.action == "pause":
             await asyncio.sleep(1.5)
             writer.write(usual)
         elif self.action == "close":
             return False
         elif self.action == "stall":
-            put("stalled", b"")
             while await reader.read(4096):
                 pass
             return False
