@@ -60,6 +60,7 @@ frmMSG::frmMSG(const QWidget& main_window)
   setObjectName(QStringLiteral("frmMSG"));
   setWindowTitle(tr("ORVEN"));
   setWindowIcon(ProgramIcon());
+  UseIconTheme(palette());
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
   setAttribute(Qt::WA_AlwaysShowToolTips);

@@ -67,10 +67,11 @@ CommandTile::CommandTile(const Look& look, QWidget* parent)
   row->setSpacing(kMargin);
   if (framed_) row->addStretch();
   if (look.picture != nullptr) {
-    auto* picture = MakeChild<QLabel>(this);
-    picture->setObjectName(QString::fromLatin1(look.picture));
-    picture->setPixmap(ThemeIcon(look.icon).pixmap(kIcon));
-    row->addWidget(picture);
+    icon_ = ThemeIcon(look.icon);
+    picture_ = MakeChild<QLabel>(this);
+    picture_->setObjectName(QString::fromLatin1(look.picture));
+    ShowPicture();
+    row->addWidget(picture_);
   }
   if (look.label != nullptr) {
     auto* label = MakeChild<QLabel>(look.caption, this);
@@ -79,6 +80,16 @@ CommandTile::CommandTile(const Look& look, QWidget* parent)
     row->addWidget(label);
   }
   if (framed_) row->addStretch();
+}
+
+/// A label keeps the pixels of its picture, not the picture.
+void CommandTile::ShowPicture() {
+  if (picture_ != nullptr) picture_->setPixmap(icon_.pixmap(kIcon));
+}
+
+void CommandTile::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) ShowPicture();
+  QFrame::changeEvent(event);
 }
 
 bool CommandTile::event(QEvent* event) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QIcon>
 #include <QLabel>
 
 namespace orven {
@@ -47,11 +48,16 @@ class CommandTile : public QFrame {
 
  protected:
   bool event(QEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void ShowPicture();
+
+  QIcon icon_;
+  QLabel* picture_ = nullptr;
   bool framed_;
   bool pressed_ = false;
 };

@@ -82,6 +82,9 @@ TEST_F(CallerViewWindowTest, ShowsTheCallAndIsEmptyAgainForTheNext) {
   EXPECT_EQ(Text("lblAmswerMode"), "Answer Now");
   EXPECT_EQ(Text("lblDrop"), "Drop Call");
   EXPECT_EQ(Text("lblDoNothing"), "Do Nothing");
+  for (const char* name : {"Picture2", "Picture3", "Picture4", "Image2"}) {
+    EXPECT_FALSE(Get(name).pixmap(Qt::ReturnByValue).isNull()) << name;
+  }
   EXPECT_EQ(Get("lblCallerName").font().family(), u"Arial");
   EXPECT_EQ(Get("lblDrop").font().family(), u"Arial");
   Load();
