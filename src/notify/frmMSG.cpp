@@ -41,7 +41,6 @@ QLabel* Label(const char* name, const QString& text, const QFont& font, QWidget&
   return label;
 }
 
-/// A caption, with room to its right for what it is the caption of.
 QLabel* Caption(const char* name, const QString& text, QWidget& parent) {
   return Label(name, text, Letters(kSmall), parent);
 }
@@ -110,9 +109,9 @@ QWidget* frmMSG::MakeDetails() {
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setVerticalSpacing(2);
   grid->setColumnStretch(1, 1);
-  caller_ = AddDetail(*details, "lblCallerName", Letters(kCaller, true));
-  number_ = AddDetail(*details, "lblCallerNumber", Letters(kNumber));
-  message_ = AddDetail(*details, "lblMessagePath", Letters(kSmall));
+  caller_ = MakeDetail("lblCallerName", Letters(kCaller, true), Qt::ElideRight, *details);
+  number_ = MakeDetail("lblCallerNumber", Letters(kNumber), Qt::ElideRight, *details);
+  message_ = MakeDetail("lblMessagePath", Letters(kSmall), Qt::ElideMiddle, *details);
   date_ = Label("lblCallDate", {}, Letters(kSmall), *details);
   time_ = Label("lblTime", {}, Letters(kSmall), *details);
   grid->addWidget(Caption("Label5", tr("Cllaer Name : "), *details), 0, 0);
@@ -131,10 +130,9 @@ QWidget* frmMSG::MakeDetails() {
   return details;
 }
 
-ElidedLabel* frmMSG::AddDetail(QWidget& parent, const char* name, const QFont& font) {
-  // Of a path the end says more than the middle.
-  auto* label = MakeChild<ElidedLabel>(
-      qstrcmp(name, "lblMessagePath") == 0 ? Qt::ElideMiddle : Qt::ElideRight, &parent);
+ElidedLabel* frmMSG::MakeDetail(const char* name, const QFont& font, Qt::TextElideMode mode,
+                                QWidget& parent) {
+  auto* label = MakeChild<ElidedLabel>(mode, &parent);
   label->setObjectName(QString::fromLatin1(name));
   label->setFont(font);
   return label;

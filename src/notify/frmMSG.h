@@ -49,7 +49,8 @@ class frmMSG : public QWidget, public CallerViewWindow {
   QWidget* MakeDetails();
   QWidget* MakeCommands();
   void AddCommand(QLayout& row, const CommandTile::Look& look, void (CallerViewClicks::*click)());
-  ElidedLabel* AddDetail(QWidget& parent, const char* name, const QFont& font);
+  static ElidedLabel* MakeDetail(const char* name, const QFont& font, Qt::TextElideMode mode,
+                                 QWidget& parent);
   void Tell(void (CallerViewClicks::*click)());
   void Place();
   void KeepOnTop();
