@@ -87,6 +87,7 @@ ActionChoices ActionsDialog::GetOptions() {
   trap([&] { choices.cmbActApp = ListEntry(Value("ActionsAppAllCalls")); });
   trap([&] { choices.txtSMTPUser = optional_value("SMTPUser"); });
   trap([&] { choices.txtSMTPPass = optional_value("SMTPPass"); });
+  trap([&] { choices.chkSMTPSecure = Value("SMTPSecure") != "0"; });
   return choices;
 }
 
@@ -137,6 +138,7 @@ void ActionsDialog::PutReg(const ActionChoices& choices) {
       {"ActionsAppAllCalls", Stored(choices.cmbActApp)},
       {"SMTPUser", choices.txtSMTPUser},
       {"SMTPPass", choices.txtSMTPPass},
+      {"SMTPSecure", Stored(choices.chkSMTPSecure)},
   };
   const ErrorTrap trap(parts_.log, "ErrActionPutReg->");
   for (const auto& [name, text] : values) {

@@ -24,7 +24,8 @@ struct ActionChoices {
   std::string txtFromMail;
   ActWith cmbActMail = ActWith::AllCalls;
   std::string txtSMTPUser;
-  std::string txtSMTPPass;  ///< never in any log
+  std::string txtSMTPPass;    ///< never in any log
+  bool chkSMTPSecure = true;  ///< the login is given to an encrypted server only
   bool chkApp = false;
   std::string txtAppTo;
   bool chkBGAPP = false;

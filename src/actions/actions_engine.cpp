@@ -68,6 +68,7 @@ void ActionsEngine::Progress(std::int32_t total, std::int32_t sent) {
   // Rounded to the nearest whole number, halves to even.
   const auto percent = std::lrint(static_cast<double>(sent) / total * 100);
   ports_.status.ShowStatus("Send Mail : " + std::to_string(percent) + " %");
+  shown_ = ports_.status.Writings();
 }
 
 void ActionsEngine::Done(const std::string& recipient) {
@@ -79,6 +80,8 @@ void ActionsEngine::Done(const std::string& recipient) {
 }
 
 void ActionsEngine::Error(const std::string& recipient, const std::string& description) {
+  // A mail that failed is not on its way any more.
+  if (shown_ != 0 && ports_.status.Writings() == shown_) show_line_state_();
   ports_.log.WriteSystem("Error Sending To Mail To : " + recipient + " Becouse:" + description);
 }
 

@@ -49,6 +49,7 @@ class ActionsEngine : public CallActions, public MailEvents {
   Ports ports_;
   Settings& settings_;
   std::function<void()> show_line_state_;
+  std::uint64_t shown_ = 0;  ///< the status panel's count after the latest progress
   Lifeline lifeline_;
 };
 

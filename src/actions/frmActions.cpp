@@ -59,6 +59,8 @@ QWidget* frmActions::MakeMail() {
   txtSMTPUser_->setToolTip(tr("Empty for a mail server that asks for no login"));
   txtSMTPPass_ = AddText(*form, "txtSMTPPass", tr("Password:"));
   txtSMTPPass_->setEchoMode(QLineEdit::Password);
+  chkSMTPSecure_ = MakeCheck("chkSMTPSecure", tr("Log in over an encrypted connection only"));
+  form->addRow(QString(), chkSMTPSecure_);
   cmbActMail_ = AddList(*form, "cmbActMail");
   return page;
 }
@@ -159,6 +161,7 @@ void frmActions::Show(const ActionChoices& choices) {
   cmbActMail_->setCurrentIndex(static_cast<int>(choices.cmbActMail));
   txtSMTPUser_->setText(QString::fromStdString(choices.txtSMTPUser));
   txtSMTPPass_->setText(QString::fromStdString(choices.txtSMTPPass));
+  chkSMTPSecure_->setChecked(choices.chkSMTPSecure);
   chkApp_->setChecked(choices.chkApp);
   txtAppTo_->setText(QString::fromStdString(choices.txtAppTo));
   txtAppTo_->setCursorPosition(0);  // the program's name can be seen, whatever follows
@@ -175,6 +178,7 @@ ActionChoices frmActions::Choices() const {
   choices.cmbActMail = Entry(*cmbActMail_);
   choices.txtSMTPUser = txtSMTPUser_->text().toStdString();
   choices.txtSMTPPass = txtSMTPPass_->text().toStdString();
+  choices.chkSMTPSecure = chkSMTPSecure_->isChecked();
   choices.chkApp = chkApp_->isChecked();
   choices.txtAppTo = txtAppTo_->text().toStdString();
   choices.chkBGAPP = chkBGAPP_->isChecked();

@@ -45,6 +45,7 @@ class frmActions : public QDialog {
   QLineEdit* txtFromMail_ = nullptr;
   QLineEdit* txtSMTPUser_ = nullptr;
   QLineEdit* txtSMTPPass_ = nullptr;
+  QCheckBox* chkSMTPSecure_ = nullptr;
   QComboBox* cmbActMail_ = nullptr;
   QCheckBox* chkApp_ = nullptr;
   QLineEdit* txtAppTo_ = nullptr;

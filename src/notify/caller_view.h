@@ -27,6 +27,8 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
   SlidingCallerView(EventLoop& loop, CallerViewWindow& window, Commands commands);
 
   bool IsOpen() const override { return loaded_; }
+  bool IsClosing() const override { return loaded_ && mode_ == Mode::Close; }
+  void Unload() override;
   void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) override;
   void ShowControl() override;
   void HideControl() override;
@@ -39,9 +41,6 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
   void Drop() override;
   void DoNothing() override;
   void Close() override;
-
-  /// Takes it away at once: the program ends.
-  void Unload();
 
  private:
   enum class Mode { Still, Open, Close };

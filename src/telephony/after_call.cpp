@@ -16,6 +16,7 @@ void AfterCall::Announce(const Call& call) {
     // One that is still open from the call before gets its commands back.
     effects_.caller_view.ShowControl();
     effects_.caller_view.ShowMessage("New Call");
+    effects_.caller_view.ShowRing("");
     effects_.caller_view.ShowCall(call);
   });
 }
@@ -41,6 +42,7 @@ void AfterCall::File(Call& call) {
 }
 
 void AfterCall::PlaySound(const std::string& name) {
+  if (name.empty()) return;
   effects_.sounds.PlayWave(shared_.InApplicationFolder("\\Sound\\") + name);
 }
 
@@ -49,7 +51,7 @@ void AfterCall::ShowFinished(const Call& call) {
   if (!effects_.caller_view.IsOpen()) return;
   effects_.caller_view.HideControl();
   effects_.caller_view.ShowCall(call);
-  if (call.message_left) effects_.caller_view.ShowMessage("New Message");
+  effects_.caller_view.ShowMessage(call.message_left ? "New Message" : "Call ended");
 }
 
 void AfterCall::RunActions(Call& call) {
@@ -60,6 +62,8 @@ void AfterCall::RunActions(Call& call) {
 }
 
 void AfterCall::OpenCallerView() {
+  // One that a click has just sent away must not cost the next announcement.
+  if (effects_.caller_view.IsClosing()) effects_.caller_view.Unload();
   effects_.caller_view.ViewCallViewer(settings_.cAnimation != 0, settings_.AnimationFast,
                                       settings_.cCloseCallerView != 0, settings_.CloseCallerView);
 }

@@ -23,6 +23,10 @@ class CallerView {
  public:
   virtual ~CallerView() = default;
   virtual bool IsOpen() const = 0;
+  /// Open, but on its way out.
+  virtual bool IsClosing() const = 0;
+  /// Takes it away at once.
+  virtual void Unload() = 0;
   /// Opens it; nothing when it is open. `speed` in twips a tick, `seconds` until it closes by itself.
   virtual void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) = 0;
   /// Shows the commands that only a ringing call has, or hides them.

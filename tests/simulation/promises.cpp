@@ -68,6 +68,8 @@ void Promises::CheckActions(std::size_t mails, std::size_t programs) {
          "a mail is sent once for each call that asks for it");
   Expect(programs == (wanted && settings.pAppTo != 0 ? 1U : 0U),
          "the program is started once for each such call");
+  mails_ += mails;
+  programs_ += programs;
   if (mails > 0) {
     const auto attachment = settings.MassagesPath + call.message_file_name;
     Expect(world_.Mail1.mails.back().attachment == attachment, "the mail carries the call's own message");
@@ -116,6 +118,8 @@ void Promises::CheckWindow() {
 }
 
 void Promises::CheckEnd() {
+  Expect(world_.Mail1.mails.size() == mails_, "no mail is sent but for a call that is over");
+  Expect(world_.shell.started.size() == programs_, "no program is started but for a call that is over");
   Expect(offered_ == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");
   CheckQuiet();

@@ -41,6 +41,7 @@ class Promises : public TelephonyEvents {
   World& world_;
   CallSequence& program_;
   int offered_ = 0, idle_ = 0;
+  std::size_t mails_ = 0, programs_ = 0;  ///< that calls have asked for
   std::size_t waiting_ = 0;  ///< calls that could not be filed yet
   int written_before_ = 0;   ///< recordings that were files when the call came in
   std::vector<std::string> broken_;

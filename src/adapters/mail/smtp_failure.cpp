@@ -2,6 +2,7 @@
 #include "adapters/mail/smtp_failure.h"
 
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include "adapters/mail/mail_text.h"
@@ -11,8 +12,10 @@ namespace {
 
 void Hide(std::string& text, const std::string& secret) {
   if (secret.empty()) return;
-  for (std::size_t at = text.find(secret); at != text.npos; at = text.find(secret, at)) {
-    text.replace(at, secret.size(), "***");
+  constexpr std::string_view kMask = "***";
+  // On behind the mask: it may look like the secret.
+  for (std::size_t at = text.find(secret); at != text.npos; at = text.find(secret, at + kMask.size())) {
+    text.replace(at, secret.size(), kMask);
   }
 }
 

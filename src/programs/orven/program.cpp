@@ -77,7 +77,9 @@ MailAccount Program::Account() {
     auto text = GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, name);
     return text == kNotFound ? std::string() : text;
   };
-  return {stored("SMTPUser"), stored("SMTPPass")};
+  MailAccount account{.user = stored("SMTPUser"), .password = stored("SMTPPass")};
+  account.require_encryption = !account.user.empty() && stored("SMTPSecure") != "0";
+  return account;
 }
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {

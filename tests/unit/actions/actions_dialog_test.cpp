@@ -56,7 +56,7 @@ TEST_F(ActionsDialogTest, OkStoresEverythingInOrderAndTheDialogShowsItAgain) {
   EXPECT_THAT(world.dialogs.informations, IsEmpty());
   EXPECT_THAT(registry.written,
               ElementsAre("pMailTo", "MailTo", "SMTPServer", "MailFrom", "ActionsMailAllCalls", "pAppTo",
-                          "AppTo", "pAppToBG", "ActionsAppAllCalls", "SMTPUser", "SMTPPass"));
+                          "AppTo", "pAppToBG", "ActionsAppAllCalls", "SMTPUser", "SMTPPass", "SMTPSecure"));
   EXPECT_EQ(registry.Text("ActionsMailAllCalls"), "1") << "messages only";
   EXPECT_EQ(registry.Text("ActionsAppAllCalls"), "0");
   const auto shown = Loaded();
@@ -113,6 +113,7 @@ TEST_F(ActionsDialogTest, ValuesThatAreMissingAreLoggedAndTheOthersRead) {
   EXPECT_EQ(shown.txtSendToMail, "anna@example.org");
   EXPECT_EQ(shown.txtSMTPUser, "") << "a login that was never given";
   EXPECT_EQ(shown.txtSMTPPass, "");
+  EXPECT_TRUE(shown.chkSMTPSecure);
 }
 
 TEST_F(ActionsDialogTest, TheTestRunsTheProgramWithMadeUpDetails) {

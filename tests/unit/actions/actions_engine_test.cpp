@@ -127,7 +127,9 @@ TEST_F(ActionsTest, ShowsHowTheMailGoes) {
   world.line->CallerId("Anna", "1");
   world.RunFor(4s);
   EXPECT_EQ(world.views.Status(), "Caller ID Information") << "the panel is somebody else's by now";
+  mail.Progress(200, 200);
   mail.Error("me@example.org", "the server said no");
+  EXPECT_NE(world.views.Status(), "Send Mail : 100 %") << "it is not on its way any more";
   EXPECT_TRUE(world.Logged("Error Sending To Mail To : me@example.org Becouse:the server said no"));
 }
 

@@ -119,6 +119,26 @@ TEST_F(CallerViewTest, AViewThatIsStillOpenLosesItsCommandsAndGetsThemBackWithTh
   EXPECT_FALSE(window.open);
 }
 
+TEST_F(CallerViewTest, AViewOnItsWayOutDoesNotCostTheNextAnnouncement) {
+  world.registry.Set("ViewDetails", "1");
+  world.registry.Set("WhenMsgViewMsg", "1");
+  world.registry.Set("cAnimation", "1");
+  world.Start();
+  Ring();
+  world.RunFor(2s);
+  view.Drop();
+  EXPECT_TRUE(view.IsClosing());
+  world.RunFor(1s);
+  EXPECT_TRUE(view.IsOpen()) << "the call's end";
+  EXPECT_EQ(window.top, 0);
+  EXPECT_TRUE(world.views.Had("view:Call ended"));
+  view.Close();
+  Ring();
+  EXPECT_TRUE(view.IsOpen());
+  EXPECT_FALSE(view.IsClosing());
+  EXPECT_TRUE(window.commands);
+}
+
 TEST_F(CallerViewTest, AfterACallItComesOnlyWhenThatIsWanted) {
   for (const char* wanted : {"0", "1"}) {
     World other;

@@ -126,9 +126,9 @@ TEST(CallSequence, AnnouncesTheCallInOrder) {
     EXPECT_EQ(world.database.Records().size(), 1U) << "filed before the actions";
   };
   world.HangUp();
-  EXPECT_THAT(world.views.effects,
-              ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call", "view:Ring : 1",
-                          "sound:/home/orven/Sound/idle.wav", "view:no commands", "action:App"));
+  EXPECT_THAT(world.views.effects, ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call",
+                                               "view:", "view:Ring : 1", "sound:/home/orven/Sound/idle.wav",
+                                               "view:no commands", "view:Call ended", "action:App"));
   EXPECT_TRUE(world.Machine().tray.Blinking());
 }
 
