@@ -289,5 +289,12 @@ TEST_F(MailTest, PasswordThatTheServerRepeatsIsHidden) {
   EXPECT_THAT(Told(), HasSubstr("550 you are desk with ***"));
 }
 
+TEST_F(MailTest, APasswordLikeTheMaskIsMaskedOnceAndForAll) {
+  const TestServer server(std::string("fault RCPT '550 no ** for you'"));
+  account_ = {"desk", "*"};
+  Send(server.Address());
+  EXPECT_THAT(Told(), HasSubstr("550 no ****** for you"));
+}
+
 }  // namespace
 }  // namespace orven::testing
