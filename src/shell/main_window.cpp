@@ -166,7 +166,7 @@ void MainWindow::StopSounds() {
   // A message that is being recorded at exit is a message all the same.
   if (ports_.Wave1.IsRecording()) machine_.recorder.StopRecMessage();
   if (ports_.Wave1.IsPlaying()) ports_.Wave1.StopPlay();
-  if (ports_.WavePlay.IsPlaying()) ports_.WavePlay.StopPlay();
+  machine_.player.Stop();
 }
 
 void MainWindow::Exit() {

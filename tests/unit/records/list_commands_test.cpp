@@ -213,6 +213,15 @@ TEST_F(ListCommandsTest, ALongSearchForAMessageIsDoneBitByBit) {
   commands.ListView1_Click(2);
   world.RunFor(10ms);
   EXPECT_EQ(list.Selected(), 2) << "and so does one that the person has left";
+  list.Select(1);
+  for (auto& record : world.database.Records())
+    record.at(std::size_t(world.database.FieldIndex(kRead))) = "0";
+  list.makeList();
+  player.Play();
+  const auto read_so_far = list.NewCalls();
+  world.window->Exit();
+  world.RunFor(10ms);
+  EXPECT_EQ(list.NewCalls(), read_so_far) << "nothing goes on after an exit";
 }
 
 TEST_F(ListCommandsTest, NothingToPlayStopsWhatPlays) {
