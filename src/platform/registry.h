@@ -9,7 +9,7 @@
 namespace orven {
 
 /// The registry's roots that the program knows.
-enum class RegistryRoot { LocalMachine, CurrentUser };
+enum class RegistryRoot { LocalMachine, CurrentUser, ClassesRoot };
 
 /// The registry's value types that the program knows, with the numbers that Windows gives them.
 enum class RegistryType : std::uint32_t { String = 1, Binary = 3, Dword = 4 };
@@ -29,7 +29,8 @@ struct NamedRegistryValue {
 };
 
 /// Named values under keys. Key paths are backslash-separated without the root ("SOFTWARE\ORVEN");
-/// keys and value names compare without regard to the case of ASCII letters. User-interface thread.
+/// keys and value names compare without regard to the case of ASCII letters; a key's default value has the
+/// empty name. User-interface thread.
 class Registry {
  public:
   virtual ~Registry() = default;

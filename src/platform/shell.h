@@ -46,8 +46,8 @@ class Shell {
 
   /// Starts `command` (a program and its arguments in one line; double quotes keep an argument
   /// together, also an empty one) as a process of its own, not waiting for it and through no command
-  /// interpreter. `window_style` is 0 for a hidden window, 1 for a normal one with the focus, where the
-  /// platform has such a choice. Throws RuntimeError when it cannot be started: 5 for an empty command,
+  /// interpreter. `window_style` is 0 for a hidden window, 1 for a normal one and 2 for a minimised one, both
+  /// with the focus, where the platform has such a choice. Throws RuntimeError when it cannot be started: 5 for an empty command,
   /// 53 for a program that is not there, 70 for one that may not be executed; the text names it.
   virtual void Run(const std::string& command, std::int32_t window_style) = 0;
 };

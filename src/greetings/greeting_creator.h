@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "greetings/greeting_creator_view.h"
+#include "greetings/greeting_library.h"
+#include "greetings/microphone_take.h"
+#include "greetings/speech_link.h"
+#include "platform/background.h"
+#include "platform/clock.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "platform/files.h"
+#include "platform/wave.h"
+#include "platform/waveform.h"
+#include "records/call_store.h"
+
+namespace orven {
+
+/// What the greeting creator `frmGreetC` does: makes a take from the microphone or from a text, plays it,
+/// and saves it as the default greeting. One object an opening of the window. Handlers whose statements
+/// fail go on; a greeting is saved whole or not at all. User-interface thread.
+class GreetingCreator : private SpeechLinkListener {
+ public:
+  struct Parts {
+    EventLoop& loop;
+    const Clock& clock;
+    Files& files;
+    Background& background;
+    Dialogs& dialogs;
+    WaveControl& WavePlay;
+    MessagePlayer& player;  ///< owns what `WavePlay` may be playing
+    WaveformReader& waveforms;
+    SystemLog& log;
+    MicrophoneTake& microphone;
+    SpeechLink::Ports speech;
+    const GreetingLibrary& library;
+    const Settings& settings;
+    const SharedOptions& shared;
+    std::function<void(const std::string& name)> saved;  ///< a greeting `name` is there: the default now
+  };
+
+  GreetingCreator(Parts parts, GreetingCreatorView& view);
+  ~GreetingCreator() override;
+  GreetingCreator(const GreetingCreator&) = delete;
+  GreetingCreator& operator=(const GreetingCreator&) = delete;
+
+  /// The window has been built and is shown: reads the sound device and starts the speech helper. Waits
+  /// for the helper and runs the event loop meanwhile; the object must live until it returns.
+  void Load();
+
+  /// A person chose a tab.
+  void TabClick(CreatorTab tab);
+
+  void Record();          ///< `cmdRec`
+  void StopRecord();      ///< `cmdStopRec`
+  void Play();            ///< `cmdPlay`
+  void StopPlay();        ///< `cmdStopPlay`
+  void Speak();           ///< `SpeakBtn`
+  void StopSpeaking();    ///< `StopBtn`
+  void CreateGreeting();  ///< `cmdCreateGreeting`
+  void Save();            ///< `cmdOK`; the view is closed once the greeting is saved, which may be later
+
+  /// The window closes, whatever closed it: ends what the creator plays and records, and the helper.
+  /// Everything after the first call does nothing.
+  void Unload();
+};
+
+}  // namespace orven
