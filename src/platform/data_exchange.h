@@ -40,6 +40,10 @@ class DataExchange {
   /// Sends one message. Nothing happens while the link is down. False when it is down, or when `text` is
   /// too long or no UTF-8: then nothing of it is sent.
   virtual bool Send(const std::string& text) = 0;
+
+  /// Ends the link, and the wait for a helper, which returns false: no event comes any more. What has been
+  /// sent still reaches the helper. Nothing happens without a link.
+  virtual void Close() = 0;
 };
 
 }  // namespace orven
