@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "greetings/frmGreetC.h"
+
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QTimer>
+#include <utility>
+
+#include "greetings/frmGreetCParts.h"
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr QSize kFirstSize{480, 0};  // as high as it needs to be
+constexpr int kTabIcon = 16;
+
+/// A name is one line: what was pasted with its line breaks and tabs has blanks there.
+QString OneLine(QString text) {
+  for (auto& letter : text) {
+    const bool breaks = letter == QChar::LineSeparator || letter == QChar::ParagraphSeparator;
+    if (breaks || letter.category() == QChar::Other_Control) letter = u' ';
+  }
+  return text;
+}
+
+}  // namespace
+
+frmGreetC::frmGreetC(QWidget* parent)
+    : QDialog(parent),
+      TabStrip1_(MakeChild<QTabWidget>(this)),
+      Frame1_(MakeChild<SpeakerFrame>(TabStrip1_)),
+      Frame2_(MakeChild<SpeechFrame>(TabStrip1_)),
+      picture_(MakeChild<WaveformWidget>(this)),
+      lblState_(MakeChild<ElidedLabel>(Qt::ElideRight, this)),
+      txtGreetingName_(MakeChild<QLineEdit>(this)),
+      cmdOK_(MakeButton("cmdOK", tr("OK"), nullptr, this)),
+      cmdCancel_(MakeButton("cmdCancel", tr("Cancel"), nullptr, this)) {
+  setObjectName(QStringLiteral("frmGreetC"));
+  setWindowTitle(tr("Greeting Creator"));
+  setWindowIcon(ProgramIcon());
+  setWindowModality(Qt::WindowModal);
+  SetUpTabs();
+  SetUpTake();
+  auto* column = MakeChild<QVBoxLayout>(this);
+  column->addWidget(TabStrip1_, 1);
+  column->addWidget(picture_);
+  column->addWidget(lblState_);
+  column->addLayout(MakeName());
+  column->addLayout(MakeClosing());
+  SetTabOrder();
+  ShowButtons({});
+  resize(kFirstSize.expandedTo(sizeHint()));
+}
+
+void frmGreetC::SetUpTabs() {
+  TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
+  TabStrip1_->setIconSize({kTabIcon, kTabIcon});
+  TabStrip1_->addTab(Frame1_, ThemeIcon("audio-input-microphone"), tr("&Speaker"));
+  TabStrip1_->addTab(Frame2_, ThemeIcon("text-speak"), tr("&Text To Speech"));
+}
+
+void frmGreetC::SetUpTake() {
+  picture_->setAccessibleName(tr("Picture of the recording"));
+  picture_->setAttribute(Qt::WA_TransparentForMouseEvents);  // there is no going on from somewhere else
+  lblState_->setObjectName(QStringLiteral("lblState"));
+}
+
+QLayout* frmGreetC::MakeName() {
+  txtGreetingName_->setObjectName(QStringLiteral("txtGreetingName"));
+  auto* label = MakeChild<QLabel>(tr("Greeting &Name"), this);
+  label->setBuddy(txtGreetingName_);
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addWidget(label);
+  row->addWidget(txtGreetingName_, 1);
+  return row;
+}
+
+QLayout* frmGreetC::MakeClosing() {
+  cmdOK_->setDefault(true);
+  cmdOK_->setToolTip(tr("Save the greeting; callers hear it from now on"));
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addStretch();
+  row->addWidget(cmdOK_);
+  row->addWidget(cmdCancel_);
+  return row;
+}
+
+void frmGreetC::SetTabOrder() {
+  QList<QWidget*> order{TabStrip1_};
+  for (const char* name : {"cmdRec", "cmdStopRec", "cmdPlay", "cmdStopPlay", "txtTTS", "VoiceCB", "RateSldr",
+                           "SpeakBtn", "StopBtn", "cmdCreateGreeting"}) {
+    order << findChild<QWidget*>(QString::fromLatin1(name));
+  }
+  order << txtGreetingName_ << cmdOK_ << cmdCancel_;
+  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  order[1]->setFocus();
+}
+
+void frmGreetC::Attach(GreetingCreator& engine) {
+  engine_ = &engine;
+  connect(TabStrip1_, &QTabWidget::currentChanged, this, &frmGreetC::TabChosen);
+  connect(Frame1_, &SpeakerFrame::Record, this, [this] { engine_->Record(); });
+  connect(Frame1_, &SpeakerFrame::StopRecord, this, [this] { engine_->StopRecord(); });
+  connect(Frame1_, &SpeakerFrame::Play, this, [this] { engine_->Play(); });
+  connect(Frame1_, &SpeakerFrame::StopPlay, this, [this] { engine_->StopPlay(); });
+  connect(Frame2_, &SpeechFrame::Speak, this, [this] { engine_->Speak(); });
+  connect(Frame2_, &SpeechFrame::StopSpeaking, this, [this] { engine_->StopSpeaking(); });
+  connect(Frame2_, &SpeechFrame::CreateGreeting, this, [this] { engine_->CreateGreeting(); });
+  connect(cmdOK_, &QPushButton::clicked, this, [this] { engine_->Save(); });
+  connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void frmGreetC::TabChosen(int index) {
+  // The engine may refuse a tab: until it has answered the old one stays.
+  SelectTab(static_cast<CreatorTab>(shown_tab_ + 1));
+  engine_->TabClick(static_cast<CreatorTab>(index + 1));
+}
+
+int frmGreetC::exec() {
+  const int result = QDialog::exec();
+  Unload();  // the end of the program ends this without closing the window
+  return result;
+}
+
+void frmGreetC::done(int result) {
+  Unload();
+  QDialog::done(result);
+}
+
+void frmGreetC::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (engine_ == nullptr || std::exchange(loaded_, true)) return;
+  QTimer::singleShot(0, this, [this] {
+    if (!unloaded_) engine_->Load();
+  });
+}
+
+void frmGreetC::hideEvent(QHideEvent* event) {
+  QDialog::hideEvent(event);
+  if (!event->spontaneous()) Unload();  // a window that is made small is hidden, too, and not closed
+}
+
+void frmGreetC::Unload() {
+  if (engine_ == nullptr || !loaded_ || std::exchange(unloaded_, true)) return;
+  engine_->Unload();
+}
+
+void frmGreetC::SelectTab(CreatorTab tab) {
+  const QSignalBlocker quiet(TabStrip1_);
+  shown_tab_ = static_cast<int>(tab) - 1;
+  TabStrip1_->setCurrentIndex(shown_tab_);
+}
+
+void frmGreetC::ShowButtons(const CreatorButtons& buttons) {
+  Frame1_->ShowButtons(buttons);
+  Frame2_->ShowButtons(buttons);
+  cmdOK_->setEnabled(buttons.cmdOK);
+}
+
+void frmGreetC::ShowRecLabel(bool on) {
+  Frame1_->ShowRecLabel(on);
+}
+
+void frmGreetC::ShowRecProgress(std::int32_t seconds) {
+  Frame1_->ShowRecProgress(seconds);
+}
+
+void frmGreetC::ShowLevel(std::int32_t level) {
+  Frame1_->ShowLevel(level);
+}
+
+void frmGreetC::ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
+  Frame1_->ShowPlayProgress(position, length);
+  picture_->ShowProgress(position, length);
+}
+
+void frmGreetC::ShowWaveform(const Waveform& waveform) {
+  picture_->ShowWaveform(waveform);
+  Frame1_->ShowLength(waveform.length);
+}
+
+void frmGreetC::ShowState(const std::string& text) {
+  lblState_->setText(QString::fromStdString(text));
+}
+
+void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) {
+  Frame2_->AddVoices(descriptions);
+}
+
+std::int32_t frmGreetC::SelectedVoice() const {
+  return Frame2_->SelectedVoice();
+}
+
+std::int32_t frmGreetC::Rate() const {
+  return Frame2_->Rate();
+}
+
+std::string frmGreetC::Text() const {
+  return Frame2_->Text().toStdString();
+}
+
+void frmGreetC::ClearText() {
+  Frame2_->ClearText();
+}
+
+std::string frmGreetC::GreetingName() const {
+  return OneLine(txtGreetingName_->text()).toStdString();
+}
+
+void frmGreetC::Close() {
+  accept();
+}
+
+}  // namespace orven

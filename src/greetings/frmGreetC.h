@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QBoxLayout>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include "greetings/frmGreetCSpeaker.h"
+#include "greetings/frmGreetCSpeech.h"
+#include "greetings/greeting_creator.h"
+#include "greetings/greeting_creator_view.h"
+#include "notify/frmMSGParts.h"
+#include "shell/frmMainWaveform.h"
+
+namespace orven {
+
+/// The greeting creator: a greeting is spoken or typed, listened to, named and saved. It shows what the
+/// engine says and hands over what a person does; every control's object name is its name in this program.
+/// Modal to the main window only, so that a call that comes in meanwhile can be answered in the caller
+/// view. User-interface thread.
+class frmGreetC : public QDialog, public GreetingCreatorView {
+  Q_OBJECT
+
+ public:
+  explicit frmGreetC(QWidget* parent);
+
+  /// Once, before the window is shown: what it is the window of. It outlives the time in which the window
+  /// can be seen. It is told of the first showing (Load), and once of the end of it (Unload).
+  void Attach(GreetingCreator& engine);
+
+  /// Shows the window until it is closed. The engine has been unloaded when this returns, whatever ended
+  /// it, and a Load that was still waiting has returned.
+  int exec() override;
+  void done(int result) override;
+
+  void SelectTab(CreatorTab tab) override;
+  void ShowButtons(const CreatorButtons& buttons) override;
+  void ShowRecLabel(bool on) override;
+  void ShowRecProgress(std::int32_t seconds) override;
+  void ShowLevel(std::int32_t level) override;
+  void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
+  void ShowWaveform(const Waveform& waveform) override;
+  void ShowState(const std::string& text) override;
+  void AddVoices(const std::vector<std::string>& descriptions) override;
+  std::int32_t SelectedVoice() const override;
+  std::int32_t Rate() const override;
+  std::string Text() const override;
+  void ClearText() override;
+  std::string GreetingName() const override;
+  void Close() override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  void SetUpTabs();
+  void SetUpTake();
+  QLayout* MakeName();
+  QLayout* MakeClosing();
+  void SetTabOrder();
+  void TabChosen(int index);
+  void Unload();
+
+  GreetingCreator* engine_ = nullptr;
+  QTabWidget* TabStrip1_;
+  SpeakerFrame* Frame1_;
+  SpeechFrame* Frame2_;
+  WaveformWidget* picture_;
+  ElidedLabel* lblState_;
+  QLineEdit* txtGreetingName_;
+  QPushButton* cmdOK_;
+  QPushButton* cmdCancel_;
+  int shown_tab_ = 0;  ///< index of the tab that the engine selected
+  bool loaded_ = false;
+  bool unloaded_ = false;
+};
+
+}  // namespace orven

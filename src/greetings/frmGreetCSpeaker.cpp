@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "greetings/frmGreetCSpeaker.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "greetings/frmGreetCParts.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr int kMinute = 60;
+constexpr int kColumns = 3;  // two buttons, and what stands beside them
+
+/// "1:05"
+QString Minutes(std::int64_t seconds) {
+  return QStringLiteral("%1:%2").arg(seconds / kMinute).arg(seconds % kMinute, 2, 10, QChar(u'0'));
+}
+
+QString Minutes(std::chrono::milliseconds time) {
+  return Minutes(std::chrono::round<std::chrono::seconds>(time).count());
+}
+
+/// The seconds that a bar stands for which can show that many.
+int RangeFor(std::int32_t seconds) {
+  std::int64_t range = kMinute;
+  while (range < seconds) range *= 2;
+  return int(std::min<std::int64_t>(range, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
+SpeakerFrame::SpeakerFrame(QWidget* parent)
+    : QWidget(parent),
+      cmdRec_(MakeButton("cmdRec", tr("&Record"), "media-record", this)),
+      cmdStopRec_(MakeButton("cmdStopRec", tr("St&op"), "media-playback-stop", this)),
+      lblRec_(MakeChild<QLabel>(this)),
+      ProgressBarRec_(MakeChild<QProgressBar>(this)),
+      prgLevel_(MakeChild<LevelMeter>(this)),
+      cmdPlay_(MakeButton("cmdPlay", tr("Start &Play"), "media-playback-start", this)),
+      cmdStopPlay_(MakeButton("cmdStopPlay", tr("Stop Pla&y"), "media-playback-stop", this)),
+      lblPlay_(MakeChild<QLabel>(this)),
+      ProgressBar1_(MakeChild<QProgressBar>(this)) {
+  setObjectName(QStringLiteral("Frame1"));
+  auto* grid = MakeChild<QGridLayout>(this);
+  grid->setColumnStretch(kColumns - 1, 1);
+  AddRecording(*grid);
+  AddPlaying(*grid);
+  ShowRecProgress(0);
+  ShowPlayProgress({}, {});
+  ShowRecLabel(false);
+  connect(cmdRec_, &QPushButton::clicked, this, &SpeakerFrame::Record);
+  connect(cmdStopRec_, &QPushButton::clicked, this, &SpeakerFrame::StopRecord);
+  connect(cmdPlay_, &QPushButton::clicked, this, &SpeakerFrame::Play);
+  connect(cmdStopPlay_, &QPushButton::clicked, this, &SpeakerFrame::StopPlay);
+}
+
+void SpeakerFrame::AddRecording(QGridLayout& grid) {
+  cmdRec_->setToolTip(tr("Record a greeting with the microphone"));
+  cmdStopRec_->setToolTip(tr("End the recording"));
+  lblRec_->setObjectName(QStringLiteral("lblRec"));
+  lblRec_->setTextFormat(Qt::RichText);
+  lblRec_->setText(QStringLiteral("<span style='color:#d64541'>●</span> ") + tr("Recording"));
+  lblRec_->setAccessibleName(tr("Recording"));
+  lblRec_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  auto policy = lblRec_->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);  // it blinks
+  lblRec_->setSizePolicy(policy);
+  ProgressBarRec_->setObjectName(QStringLiteral("ProgressBarRec"));
+  ProgressBarRec_->setAccessibleName(tr("Time recorded"));
+  prgLevel_->setObjectName(QStringLiteral("prgLevel"));
+  prgLevel_->setAccessibleName(tr("Level of the microphone"));
+  prgLevel_->setToolTip(tr("Level of the microphone: speak so that it hardly ever turns red"));
+  grid.addWidget(cmdRec_, 0, 0);
+  grid.addWidget(cmdStopRec_, 0, 1);
+  grid.addWidget(lblRec_, 0, 2);
+  grid.addWidget(ProgressBarRec_, 1, 0, 1, kColumns);
+  grid.addWidget(prgLevel_, 2, 0, 1, kColumns);
+  grid.setRowStretch(3, 1);
+}
+
+void SpeakerFrame::AddPlaying(QGridLayout& grid) {
+  cmdPlay_->setToolTip(tr("Listen to the recording"));
+  cmdStopPlay_->setToolTip(tr("Stop listening"));
+  lblPlay_->setObjectName(QStringLiteral("lblPlay"));
+  lblPlay_->setAccessibleName(tr("Time played and length of the recording"));
+  lblPlay_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
+  ProgressBar1_->setAccessibleName(tr("Position in the recording"));
+  ProgressBar1_->setTextVisible(false);
+  grid.addWidget(cmdPlay_, 4, 0);
+  grid.addWidget(cmdStopPlay_, 4, 1);
+  grid.addWidget(lblPlay_, 4, 2);
+  grid.addWidget(ProgressBar1_, 5, 0, 1, kColumns);
+}
+
+void SpeakerFrame::ShowButtons(const CreatorButtons& buttons) {
+  EnableButtons({{cmdRec_, buttons.cmdRec},
+                 {cmdStopRec_, buttons.cmdStopRec},
+                 {cmdPlay_, buttons.cmdPlay},
+                 {cmdStopPlay_, buttons.cmdStopPlay}});
+}
+
+void SpeakerFrame::ShowRecProgress(std::int32_t seconds) {
+  const int shown = std::max(seconds, 0);
+  ProgressBarRec_->setFormat(Minutes(std::int64_t{shown}));
+  ProgressBarRec_->setRange(0, RangeFor(shown));
+  ProgressBarRec_->setValue(shown);
+}
+
+void SpeakerFrame::ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
+  constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
+  const auto end = int(std::clamp<std::int64_t>(length.count(), 0, kLongest));
+  ProgressBar1_->setRange(0, std::max(end, 1));  // a bar of 0 stands for work of unknown length
+  ProgressBar1_->setValue(int(std::clamp<std::int64_t>(position.count(), 0, end)));
+  position_ = position;
+  playing_ = length;
+  ShowTimes();
+}
+
+void SpeakerFrame::ShowLength(std::chrono::milliseconds length) {
+  take_ = length;
+  ShowTimes();
+}
+
+void SpeakerFrame::ShowTimes() {
+  const auto length = playing_.count() > 0 ? playing_ : take_;
+  lblPlay_->setText(Minutes(position_) + QStringLiteral(" / ") + Minutes(length));
+}
+
+}  // namespace orven

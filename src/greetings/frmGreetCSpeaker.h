@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <chrono>
+#include <cstdint>
+
+#include "greetings/frmGreetCLevel.h"
+#include "greetings/greeting_creator_view.h"
+
+namespace orven {
+
+/// `Frame1` of the greeting creator: a take from the microphone, and listening to a take.
+class SpeakerFrame : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit SpeakerFrame(QWidget* parent);
+
+  void ShowButtons(const CreatorButtons& buttons);
+  void ShowRecLabel(bool on) { lblRec_->setVisible(on); }
+  /// The bar begins as a minute; a take that is longer doubles what it stands for.
+  void ShowRecProgress(std::int32_t seconds);
+  void ShowLevel(std::int32_t level) { prgLevel_->setValue(level); }
+  void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length);
+  /// The length of the take, shown while it is not played.
+  void ShowLength(std::chrono::milliseconds length);
+
+ signals:
+  void Record();
+  void StopRecord();
+  void Play();
+  void StopPlay();
+
+ private:
+  void AddRecording(QGridLayout& grid);
+  void AddPlaying(QGridLayout& grid);
+  void ShowTimes();
+
+  QPushButton* cmdRec_;
+  QPushButton* cmdStopRec_;
+  QLabel* lblRec_;
+  QProgressBar* ProgressBarRec_;
+  LevelMeter* prgLevel_;
+  QPushButton* cmdPlay_;
+  QPushButton* cmdStopPlay_;
+  QLabel* lblPlay_;
+  QProgressBar* ProgressBar1_;
+  std::chrono::milliseconds take_{0};
+  std::chrono::milliseconds position_{0};
+  std::chrono::milliseconds playing_{0};  ///< length of what is playing
+};
+
+}  // namespace orven

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "greetings/frmGreetCSpeech.h"
+
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QLabel>
+
+#include "greetings/frmGreetCParts.h"
+#include "shell/frmMakeChild.h"
+#include "shell/frmStrayWheel.h"
+
+namespace orven {
+namespace {
+
+constexpr int kFastest = 10;
+constexpr int kTickEvery = 5;
+constexpr int kLines = 4;  // of the text that can be seen at least
+
+}  // namespace
+
+SpeechFrame::SpeechFrame(QWidget* parent)
+    : QWidget(parent),
+      txtTTS_(MakeChild<QPlainTextEdit>(this)),
+      VoiceCB_(MakeChild<VoiceBox>(this)),
+      RateSldr_(MakeChild<QSlider>(Qt::Horizontal, this)),
+      SpeakBtn_(MakeButton("SpeakBtn", tr("Spea&k"), "media-playback-start", this)),
+      StopBtn_(MakeButton("StopBtn", tr("Stop Speakin&g"), "media-playback-stop", this)),
+      cmdCreateGreeting_(MakeButton("cmdCreateGreeting", tr("&Create Greeting"), "document-new", this)) {
+  setObjectName(QStringLiteral("Frame2"));
+  SetUpText();
+  auto* form = MakeChild<QFormLayout>();
+  auto* voice = MakeChild<QLabel>(tr("&Voice:"), this);
+  voice->setBuddy(VoiceCB_);
+  form->addRow(voice, MakeVoice());
+  auto* rate = MakeChild<QLabel>(tr("Rat&e:"), this);
+  rate->setBuddy(RateSldr_);
+  form->addRow(rate, MakeRate());
+  auto* column = MakeChild<QVBoxLayout>(this);
+  auto* text = MakeChild<QLabel>(tr("Te&xt:"), this);
+  text->setBuddy(txtTTS_);
+  column->addWidget(text);
+  column->addWidget(txtTTS_, 1);
+  column->addLayout(form);
+  column->addLayout(MakeButtons());
+  Connect();
+}
+
+void SpeechFrame::SetUpText() {
+  txtTTS_->setObjectName(QStringLiteral("txtTTS"));
+  txtTTS_->setAccessibleName(tr("Text of the greeting"));
+  txtTTS_->setPlaceholderText(tr("What callers are to hear"));
+  txtTTS_->setTabChangesFocus(true);
+  txtTTS_->setMinimumHeight(kLines * txtTTS_->fontMetrics().lineSpacing() + 2 * txtTTS_->frameWidth() +
+                            int(2 * txtTTS_->document()->documentMargin()));
+}
+
+QLayout* SpeechFrame::MakeVoice() {
+  VoiceCB_->setObjectName(QStringLiteral("VoiceCB"));
+  VoiceCB_->setAccessibleName(tr("Voice"));
+  VoiceCB_->setToolTip(tr("Type a part of a voice's name to find it"));
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addWidget(VoiceCB_, 1);
+  return row;
+}
+
+QLayout* SpeechFrame::MakeRate() {
+  RateSldr_->setObjectName(QStringLiteral("RateSldr"));
+  RateSldr_->setAccessibleName(tr("Rate"));
+  RateSldr_->setToolTip(tr("How fast the text is spoken"));
+  RateSldr_->setRange(-kFastest, kFastest);
+  RateSldr_->setPageStep(kTickEvery);
+  RateSldr_->setTickInterval(kTickEvery);
+  RateSldr_->setTickPosition(QSlider::TicksBelow);
+  IgnoreStrayWheel(*RateSldr_);
+  auto* grid = MakeChild<QGridLayout>();
+  grid->setVerticalSpacing(0);
+  grid->setColumnStretch(1, 1);
+  grid->addWidget(MakeChild<QLabel>(tr("Slow"), this), 0, 0);
+  grid->addWidget(RateSldr_, 0, 1);
+  grid->addWidget(MakeChild<QLabel>(tr("Fast"), this), 0, 2);
+  grid->addWidget(MakeChild<QLabel>(QString::number(0), this), 1, 1, Qt::AlignHCenter);
+  return grid;
+}
+
+QLayout* SpeechFrame::MakeButtons() {
+  SpeakBtn_->setToolTip(tr("Listen to the text"));
+  StopBtn_->setToolTip(tr("Stop speaking at once"));
+  cmdCreateGreeting_->setToolTip(tr("Make a greeting of the text"));
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addWidget(SpeakBtn_);
+  row->addWidget(StopBtn_);
+  row->addStretch();
+  row->addWidget(cmdCreateGreeting_);
+  return row;
+}
+
+void SpeechFrame::Connect() {
+  connect(SpeakBtn_, &QPushButton::clicked, this, [this] {
+    VoiceCB_->Settle();  // the keyboard presses a button without taking the focus from the list
+    emit Speak();
+  });
+  connect(StopBtn_, &QPushButton::clicked, this, &SpeechFrame::StopSpeaking);
+  connect(cmdCreateGreeting_, &QPushButton::clicked, this, [this] {
+    VoiceCB_->Settle();
+    emit CreateGreeting();
+  });
+}
+
+void SpeechFrame::ShowButtons(const CreatorButtons& buttons) {
+  cmdCreateGreeting_->setEnabled(buttons.cmdCreateGreeting);
+}
+
+}  // namespace orven

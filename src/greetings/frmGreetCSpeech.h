@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <string>
+#include <vector>
+
+#include "greetings/frmGreetCVoices.h"
+#include "greetings/greeting_creator_view.h"
+
+namespace orven {
+
+/// `Frame2` of the greeting creator: a text, and how it is spoken.
+class SpeechFrame : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit SpeechFrame(QWidget* parent);
+
+  void ShowButtons(const CreatorButtons& buttons);
+  void AddVoices(const std::vector<std::string>& descriptions) { VoiceCB_->AddVoices(descriptions); }
+  int SelectedVoice() const { return VoiceCB_->currentIndex(); }
+  int Rate() const { return RateSldr_->value(); }
+  QString Text() const { return txtTTS_->toPlainText(); }
+  void ClearText() { txtTTS_->clear(); }
+
+ signals:
+  void Speak();
+  void StopSpeaking();
+  void CreateGreeting();
+
+ private:
+  void SetUpText();
+  QLayout* MakeVoice();
+  QLayout* MakeRate();
+  QLayout* MakeButtons();
+  void Connect();
+
+  QPlainTextEdit* txtTTS_;
+  VoiceBox* VoiceCB_;
+  QSlider* RateSldr_;
+  QPushButton* SpeakBtn_;
+  QPushButton* StopBtn_;
+  QPushButton* cmdCreateGreeting_;
+};
+
+}  // namespace orven

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options/frmOptionsGreetings.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include "shell/frmMakeChild.h"
+#include "shell/frmStrayWheel.h"
+
+namespace orven {
+namespace {
+
+constexpr int kButtonIcon = 16;
+constexpr int kCharacters = 24;  // a greeting's name may be long; the list does not grow with it
+
+}  // namespace
+
+frmOptionsGreetings::frmOptionsGreetings(GreetingPlayer& engine, QWidget* parent)
+    : QWidget(parent),
+      engine_(engine),
+      CmbGreetsMessages_(MakeChild<QComboBox>(this)),
+      tlbrGreetingPlayer_(MakeChild<ButtonBar>(QStringLiteral("tlbrGreetingPlayer"), tr("Greetings"), this)) {
+  setObjectName(QStringLiteral("frmOptionsGreetings"));
+  CmbGreetsMessages_->setObjectName(QStringLiteral("CmbGreetsMessages"));
+  CmbGreetsMessages_->setAccessibleName(tr("Greeting"));
+  CmbGreetsMessages_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  CmbGreetsMessages_->setMinimumContentsLength(kCharacters);
+  IgnoreStrayWheel(*CmbGreetsMessages_);
+  auto& bar = *tlbrGreetingPlayer_;
+  bar.setIconSize({kButtonIcon, kButtonIcon});
+  bar.AddButton({"Play", tr("Play"), tr("Play the greeting"), "media-playback-start"});
+  bar.AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
+  bar.AddButton({"Add", tr("Add"), tr("Make a greeting"), "list-add"});
+  bar.AddButton({"Delete", tr("Delete"), tr("Delete the greeting"), "edit-delete"});
+  auto* label = MakeChild<QLabel>(tr("&Greeting:"), this);
+  label->setBuddy(CmbGreetsMessages_);
+  auto* row = MakeChild<QHBoxLayout>(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(label);
+  row->addWidget(CmbGreetsMessages_, 1);
+  row->addWidget(tlbrGreetingPlayer_);
+  connect(tlbrGreetingPlayer_, &ButtonBar::ButtonClick, this, &frmOptionsGreetings::Press);
+}
+
+void frmOptionsGreetings::Fill(const std::string& selected) {
+  Show(engine_.Fill(selected));
+}
+
+std::string frmOptionsGreetings::Selected() const {
+  return CmbGreetsMessages_->currentText().toStdString();
+}
+
+void frmOptionsGreetings::Press(const QString& key) {
+  auto list = List();
+  engine_.ButtonClick(key.toStdString(), list);
+  Show(list);
+}
+
+void frmOptionsGreetings::Show(const GreetingList& list) {
+  CmbGreetsMessages_->clear();
+  for (const auto& name : list.names) CmbGreetsMessages_->addItem(QString::fromStdString(name));
+  // The list's own search ignores the case of letters, and names may differ in nothing else.
+  const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
+  CmbGreetsMessages_->setCurrentIndex(
+      list.names.empty() ? -1 : CmbGreetsMessages_->findText(QString::fromStdString(list.selected), flags));
+}
+
+GreetingList frmOptionsGreetings::List() const {
+  GreetingList list;
+  for (int i = 0; i < CmbGreetsMessages_->count(); ++i) {
+    list.names.push_back(CmbGreetsMessages_->itemText(i).toStdString());
+  }
+  list.selected = Selected();
+  return list;
+}
+
+}  // namespace orven
