@@ -12,6 +12,7 @@
 #include "greetings/greeting_library.h"
 #include "greetings/microphone_take.h"
 #include "greetings/speech_link.h"
+#include "greetings/speech_take.h"
 #include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
@@ -70,6 +71,47 @@ class GreetingCreator : private SpeechLinkListener {
   /// The window closes, whatever closed it: ends what the creator plays and records, and the helper.
   /// Everything after the first call does nothing.
   void Unload();
+
+ private:
+  void VoicesArrived(const std::vector<std::string>& descriptions) override;
+  void HelperLost() override;
+
+  void ShowButtons();
+  void ShowTake(const std::string& path, const char* kind);
+  bool MayReplace(bool other_take, const char* question);
+  void EndRecording();
+  void RecordingEnded(bool kept);
+  void LineTookOver(bool kept);
+  void EndPlaying();
+  void FollowRecording();
+  void FollowPlaying();
+  void SpeechDone(bool there);
+  void Copy();
+  void Copied(const std::exception_ptr& failure);
+  std::string TakePath() const;
+
+  Parts parts_;
+  GreetingCreatorView& view_;
+  SpeechLink link_;
+  SpeechTake speech_;
+  std::unique_ptr<Timer> TimerRec;
+  std::unique_ptr<Timer> TimerLevel;
+  std::unique_ptr<Timer> TimerPlay;
+
+  std::int32_t sound_device_ = 0;
+  bool loading_ = true;
+  bool recorded_ = false;      ///< a take exists that can be saved
+  bool speaker_take_ = false;  ///< the take is a microphone recording
+  bool speech_take_ = false;   ///< the take was made from a text
+  bool playing_ = false;
+  std::chrono::milliseconds take_length_{0};
+  bool rec_label_ = false;
+  std::int32_t seconds_ = 0;  ///< of the take that is being recorded
+
+  bool saving_ = false;  ///< the greeting is on its way; nothing else happens meanwhile
+  std::string name_;     ///< the greeting that is being saved
+  bool unloaded_ = false;
+  Lifeline lifeline_;
 };
 
 }  // namespace orven

@@ -15,7 +15,8 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       calls({ports.DataBase1, ports.files, ports.background, ports.Wave1, ports.dialogs, player, log, log},
             ListView1, settings, shared),
       sounds(ports.WavePlay, player, settings, log),
-      greetings(ports.files, player, sounds, views.boxes, shared),
+      library(ports.files, shared),
+      greetings(library, player, sounds, views.boxes, ports.files),
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings, shared,
                      [this] { return call.in_progress && call.remote_playback; }}),
       status(views.line),
@@ -34,7 +35,8 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                    .do_nothing = [this] { call.do_nothing = true; }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status}, settings,
               [this] { line.ShowMonitoring(); }),
-      recorder({ports.clock, ports.loop, ports.files}, context, control),
+      microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
+      recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
       remote(context, control, recorder, ListView1, status),
       greeter(context, control, recorder, remote),
       after_call({caller_view, sounds, tray, actions}, calls, ListView1, log, settings, shared,
@@ -44,6 +46,38 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&greeter);
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
+}
+
+GreetingCreator::Parts AnsweringMachine::ForGreetingCreator(std::function<void(const std::string&)> saved) {
+  return {ports_.loop,
+          ports_.clock,
+          ports_.files,
+          ports_.background,
+          ports_.dialogs,
+          ports_.WavePlay,
+          player,
+          ports_.take_waveforms,
+          log,
+          microphone,
+          {ports_.loop, ports_.registry, ports_.shell, ports_.uDat},
+          library,
+          settings,
+          shared,
+          [this, saved = std::move(saved)](const std::string& name) {
+            quick_options.SetGreeting(name);
+            greetings.Fill(name);
+            if (saved) saved(name);
+          }};
+}
+
+GreetingPlayer::Parts AnsweringMachine::ForGreetingPlayer(std::function<std::optional<std::string>()> add) {
+  return {library,
+          sounds,
+          player,
+          ports_.dialogs,
+          std::move(add),
+          [this] { greetings.Fill({}); },
+          [this](const std::string& name) { quick_options.SetGreeting(name); }};
 }
 
 AnsweringMachine::~AnsweringMachine() {

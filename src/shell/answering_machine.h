@@ -3,12 +3,17 @@
 
 #include "actions/actions_engine.h"
 #include "core/settings_store.h"
+#include "greetings/greeting_creator.h"
+#include "greetings/greeting_library.h"
+#include "greetings/microphone_take.h"
 #include "log/log_files.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
+#include "options/greeting_player.h"
 #include "platform/background.h"
 #include "platform/clock.h"
+#include "platform/data_exchange.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -46,6 +51,8 @@ struct EnginePorts {
   WaveControl& Wave1;     ///< the line
   WaveControl& WavePlay;  ///< the sound card
   WaveformReader& waveforms;
+  WaveformReader& take_waveforms;  ///< the greeting creator's
+  DataExchange& uDat;              ///< the speech helper
 };
 
 /// The engine, composed: all run-time state of the main window and the classes that work on it, in
@@ -72,6 +79,7 @@ class AnsweringMachine {
   LocalPlayer player;
   CallStore calls;
   DeskSounds sounds;
+  GreetingLibrary library;
   GreetingCommands greetings;
   ListCommands list_commands;
   StatusPanel status;
@@ -80,11 +88,19 @@ class AnsweringMachine {
   CallControl control;
   SlidingCallerView caller_view;
   ActionsEngine actions;
+  MicrophoneTake microphone;
   Recorder recorder;
   RemoteAccess remote;
   Greeter greeter;
   AfterCall after_call;
   CallSequence sequence;
+
+  /// What a greeting creator works with; `saved` hears of the greeting that it saved, when the program
+  /// knows of it.
+  GreetingCreator::Parts ForGreetingCreator(std::function<void(const std::string& name)> saved);
+
+  /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.
+  GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
 
  private:
   EnginePorts ports_;

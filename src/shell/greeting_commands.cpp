@@ -6,14 +6,11 @@
 namespace orven {
 
 void GreetingCommands::Fill(const std::string& selected) {
-  constexpr std::size_t kExtension = 4;  // ".wav"
-  auto names = FileNames();
-  for (auto& name : names) name.resize(name.size() - kExtension);
-  boxes_.FillGreetings(names, selected);
+  boxes_.FillGreetings(library_.Names(), selected);
 }
 
 void GreetingCommands::Play() {
-  sounds_.PlayWave(Folder() + boxes_.SelectedGreeting());
+  sounds_.PlayWave(library_.Folder() + boxes_.SelectedGreeting());
 }
 
 void GreetingCommands::Stop() {
@@ -24,16 +21,8 @@ void GreetingCommands::Delete() {
   const auto trap = ErrorTrap::Silent();
   const auto name = boxes_.SelectedGreeting();
   if (name.empty()) return;
-  trap([&] { files_.Delete(Folder() + name); });
-  trap([&] { boxes_.FillGreetings(FileNames(), {}); });
-}
-
-std::vector<std::string> GreetingCommands::FileNames() const {
-  return files_.List(Folder(), "*.wav");
-}
-
-std::string GreetingCommands::Folder() const {
-  return shared_.InApplicationFolder("\\Greets\\");
+  trap([&] { files_.Delete(library_.Folder() + name); });
+  trap([&] { boxes_.FillGreetings(library_.FileNames(), {}); });
 }
 
 }  // namespace orven

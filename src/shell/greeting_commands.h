@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <functional>
 #include <string>
 
-#include "core/settings.h"
+#include "greetings/greeting_library.h"
 #include "platform/files.h"
 #include "records/call_store.h"
 #include "shell/main_window_view.h"
@@ -14,9 +13,9 @@ namespace orven {
 /// The greetings as the quick-option toolbar handles them. User-interface thread.
 class GreetingCommands {
  public:
-  GreetingCommands(Files& files, MessagePlayer& player, EventSounds& sounds, QuickOptionBoxes& boxes,
-                   const SharedOptions& shared)
-      : files_(files), player_(player), sounds_(sounds), boxes_(boxes), shared_(shared) {}
+  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
+                   QuickOptionBoxes& boxes, Files& files)
+      : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files) {}
 
   /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
   void Fill(const std::string& selected);
@@ -32,14 +31,11 @@ class GreetingCommands {
   void Delete();
 
  private:
-  std::vector<std::string> FileNames() const;
-  std::string Folder() const;
-
-  Files& files_;
+  const GreetingLibrary& library_;
   MessagePlayer& player_;
   EventSounds& sounds_;
   QuickOptionBoxes& boxes_;
-  const SharedOptions& shared_;
+  Files& files_;
 };
 
 }  // namespace orven

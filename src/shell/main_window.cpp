@@ -164,7 +164,8 @@ void MainWindow::CloseOtherWindows() {
 
 void MainWindow::StopSounds() {
   // A message that is being recorded at exit is a message all the same.
-  if (ports_.Wave1.IsRecording()) machine_.recorder.StopRecMessage();
+  if (machine_.recorder.Recording()) machine_.recorder.StopRecMessage();
+  if (machine_.microphone.Recording()) machine_.microphone.Stop();
   if (ports_.Wave1.IsPlaying()) ports_.Wave1.StopPlay();
   machine_.player.Stop();
 }

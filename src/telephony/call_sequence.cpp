@@ -53,6 +53,7 @@ void CallSequence::Connected(std::int32_t line) {
     if (!context_.Tapi1.IsCallConnected(line)) return;
     context_.Tapi1.MonitorDigits(line, true);
     context_.log.WriteSystem("Connected" + LineTag(line));
+    parts_.recorder.MakeReady();
     parts_.greeter.PlayGreeting();
   });
   trap([&] { UpdateCallerView("Line Connected"); });
@@ -69,7 +70,7 @@ void CallSequence::Disconnected(std::int32_t line) {
   context_.log.WriteSystem("Disconnected" + LineTag(line));
   trap([&] { context_.progress.Enter(CallState::Disconnected); });
   trap([&] {
-    if (context_.Wave1.IsRecording()) parts_.recorder.StopRecMessage();
+    if (parts_.recorder.Recording()) parts_.recorder.StopRecMessage();
   });
   trap([&] {
     if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();

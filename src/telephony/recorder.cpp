@@ -58,6 +58,7 @@ void Recorder::RecMessage() {
 void Recorder::StartAfterWait() {
   const ErrorTrap trap(context_.log, "ErrRecMessage ");
   bool can_record = true;
+  MakeReady();
   trap([&] { context_.Wave1.SetRecordFolder(context_.shared.messages_path); });
   trap([&] {
     if (context_.settings.CompressMessages == 0) {
@@ -167,7 +168,7 @@ std::string Recorder::FreeNameBeside(const std::string& path) const {
 }
 
 void Recorder::EndOfCall() {
-  if (context_.Wave1.IsRecording()) StopRecMessage();
+  if (Recording()) StopRecMessage();
   StopTimers();
 }
 
@@ -190,7 +191,7 @@ void Recorder::SilenceTick() {
   if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
   call.silence_milliseconds = 0;
   trap([&] {
-    if (context_.Wave1.IsRecording()) StopRecMessage();
+    if (Recording()) StopRecMessage();
   });
   trap([&] {
     if (context_.Connected()) control_.DropCall();
@@ -204,7 +205,7 @@ void Recorder::RecordTick() {
   call.record_seconds += 1;
   if (call.record_seconds < context_.shared.max_record_seconds) return;
   trap([&] {
-    if (context_.Wave1.IsRecording() && context_.Connected()) StopRecMessage();
+    if (Recording() && context_.Connected()) StopRecMessage();
   });
   TimerRecord->Stop();
   call.record_seconds = 0;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "greetings/microphone_take.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -19,9 +20,16 @@ class Recorder {
     Clock& clock;
     EventLoop& loop;
     Files& files;
+    MicrophoneTake& microphone;  ///< uses the same recorder while no call needs it
   };
 
   Recorder(Ports ports, CallContext& context, CallControl& control);
+
+  /// A message is being recorded.
+  bool Recording() const { return context_.Wave1.IsRecording() && !ports_.microphone.Recording(); }
+
+  /// A call was answered: the recorder is the line's from now on.
+  void MakeReady() { ports_.microphone.MakeWay(); }
 
   /// Starts recording the message of the current call; hangs up instead when recording is off or the
   /// caller is the owner. Returns at once: the recording starts after the wait, if the same call is

@@ -10,7 +10,7 @@ void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
   auto& call = context_.call;
   context_.log.WriteSystem("MonitorDigit" + LineTag(line) + "->" + digit);
   bool recording = false;
-  trap([&] { recording = context_.Wave1.IsRecording(); });
+  trap([&] { recording = recorder_.Recording(); });
   if (recording) return;
   if (digit == '*') {
     if (call.digit_buffer == context_.settings.Pass) {

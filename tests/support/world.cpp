@@ -86,7 +86,7 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
   window =
       std::make_unique<MainWindow>(EnginePorts{time, time, files, background, registry, dialogs, shell, mouse,
-                                               Mail1, database, *Tapi1, Wave1, WavePlay, waveforms},
+                                               Mail1, database, *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat},
                                    views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

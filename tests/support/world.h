@@ -14,6 +14,7 @@
 #include "support/memory_files.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"
+#include "support/scripted_exchange.h"
 #include "support/timed_wave.h"
 
 namespace orven::test {
@@ -72,7 +73,8 @@ class World {
   ScriptedShell shell;
   ScriptedMouse mouse;
   ScriptedMail Mail1;
-  ScriptedWaveforms waveforms;
+  ScriptedWaveforms waveforms, take_waveforms;
+  ScriptedExchange uDat;
   RecordingDialogFactory dialog_factory;
   PostedBackground background{time};
   RecordingViews views;

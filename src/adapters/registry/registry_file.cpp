@@ -23,7 +23,12 @@ constexpr unsigned kOwnerOnly = 0600;
 constexpr std::chrono::seconds kStampGrain{2};
 
 std::string WholeKey(RegistryRoot root, const std::string& key) {
-  return (root == RegistryRoot::LocalMachine ? "HKEY_LOCAL_MACHINE\\" : "HKEY_CURRENT_USER\\") + key;
+  switch (root) {
+    case RegistryRoot::LocalMachine: return "HKEY_LOCAL_MACHINE\\" + key;
+    case RegistryRoot::CurrentUser: return "HKEY_CURRENT_USER\\" + key;
+    case RegistryRoot::ClassesRoot: return "HKEY_CLASSES_ROOT\\" + key;
+  }
+  return key;
 }
 
 std::chrono::nanoseconds TimeOf(const timespec& time) {

@@ -55,10 +55,11 @@ Desk::Desk(const std::string& settings)
   std::vector<std::unique_ptr<LineDriver>> drivers;
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(loop, std::move(drivers));
-  Wave1 = std::make_unique<FileWaveControl>(loop, *Tapi1, home / "Rescued");
+  line_devices = std::make_unique<AllAudioDevices>(*Tapi1, card);
+  Wave1 = std::make_unique<FileWaveControl>(loop, *line_devices, home / "Rescued");
   engine = std::make_unique<MainWindow>(
       EnginePorts{clock, loop, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
-                  *Wave1, WavePlay, waveforms},
+                  *Wave1, WavePlay, waveforms, take_waveforms, uDat},
       window.Views(other_views.caller_view), shared, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }

@@ -21,11 +21,13 @@
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/registry/registry_file.h"
+#include "adapters/sound/all_audio_devices.h"
 #include "gui/shell/sound_files.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
 #include "support/recording_views.h"
 #include "support/scratch_folder.h"
+#include "support/scripted_exchange.h"
 
 namespace orven::test {
 
@@ -91,9 +93,11 @@ class Desk {
   SimLine* line = nullptr;
   std::unique_ptr<LineService> Tapi1;
   SilentCard card;
+  std::unique_ptr<AllAudioDevices> line_devices;
   FileWaveControl WavePlay;
   std::unique_ptr<FileWaveControl> Wave1;
-  FileWaveformReader waveforms{loop};
+  FileWaveformReader waveforms{loop}, take_waveforms{loop};
+  ScriptedExchange uDat;
   ScriptedDialogs dialogs;
   ScriptedShell shell;
   ScriptedMouse mouse;

@@ -4,10 +4,10 @@
 #include <array>
 #include <thread>
 
-#include "platform/wave.h"
-
 namespace orven::test {
 namespace {
+
+constexpr std::chrono::milliseconds kBlock{20};
 
 void Append(std::string& to, std::uint32_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) to.push_back(static_cast<char>(value >> (8 * i)));
@@ -41,6 +41,12 @@ std::string ToneOf(std::int16_t sample, int milliseconds) {
 std::int32_t SilentCard::StartPlay(AudioSource& source) {
   source_ = &source;
   return kWaveOk;
+}
+
+void SilentCard::Speak(std::int16_t sample, std::chrono::milliseconds length) {
+  const std::vector<std::int16_t> block(kBlockSamples, sample);
+  for (auto said = std::chrono::milliseconds(0); said < length && sink_ != nullptr; said += kBlock)
+    sink_->Write(block);
 }
 
 std::int16_t SilentCard::Hear() {

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "greetings/greeting_creator.h"
+
+#include <cmath>
+#include <utility>
+
+#include "core/error_trap.h"
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono_literals::operator""ms;
+
+constexpr auto kTimerRecInterval = 1000ms;
+constexpr auto kTimerPlayInterval = 100ms;
+constexpr auto kLevelInterval = 50ms;  // smooth to the eye
+
+constexpr const char* kNoEngine = "Please Install SAPI 5.1 From Microsoft";
+constexpr const char* kDeleteSpeech = "This Will Delete 'Text To Speech' Recorded. \r\n Continue ?";
+constexpr const char* kDeleteSpeaker = "This Will Delete Speaker Recorded. \r\n Continue ?";
+
+/// The path that this line names has always been the greetings folder's, though the take is not there.
+constexpr const char* kPlayedFile = "\\Greets\\spktmp.wav";
+
+std::string MinutesAndSeconds(milliseconds length) {
+  const auto seconds = std::chrono::round<std::chrono::seconds>(length).count();
+  const auto rest = std::to_string(seconds % 60);
+  return std::to_string(seconds / 60) + ":" + (rest.size() < 2 ? "0" : "") + rest;
+}
+
+}  // namespace
+
+GreetingCreator::GreetingCreator(Parts parts, GreetingCreatorView& view)
+    : parts_(std::move(parts)),
+      view_(view),
+      link_(parts_.speech, parts_.log, parts_.shared, *this),
+      speech_({parts_.loop, parts_.clock, parts_.files, parts_.log, parts_.shared, link_}),
+      TimerRec(parts_.loop.MakeTimer([this] { FollowRecording(); })),
+      TimerLevel(parts_.loop.MakeTimer([this] { view_.ShowLevel(parts_.microphone.Level()); })),
+      TimerPlay(parts_.loop.MakeTimer([this] { FollowPlaying(); })) {
+  parts_.microphone.SetInterrupted([this](bool kept) { LineTookOver(kept); });
+}
+
+GreetingCreator::~GreetingCreator() {
+  Unload();
+  parts_.microphone.SetInterrupted(nullptr);
+}
+
+void GreetingCreator::Load() {
+  if (unloaded_) return;
+  view_.SelectTab(CreatorTab::Speaker);
+  ShowButtons();
+  loading_ = false;
+  sound_device_ = parts_.settings.Sound;
+  link_.Load();
+}
+
+void GreetingCreator::TabClick(CreatorTab tab) {
+  if (loading_) return;
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (tab == CreatorTab::TextToSpeech && !link_.Available()) {
+      parts_.dialogs.Information(kNoEngine);
+      tab = CreatorTab::Speaker;
+    }
+    view_.SelectTab(tab);
+  });
+}
+
+void GreetingCreator::VoicesArrived(const std::vector<std::string>& descriptions) {
+  view_.AddVoices(descriptions);
+}
+
+void GreetingCreator::HelperLost() {
+  speech_.GiveUp();
+}
+
+void GreetingCreator::ShowButtons() {
+  const bool recording = parts_.microphone.Recording();
+  const bool idle = !recording && !saving_;
+  view_.ShowButtons({.cmdRec = idle && !playing_,
+                     .cmdStopRec = recording && !saving_,
+                     .cmdPlay = idle && speaker_take_ && !playing_,
+                     .cmdStopPlay = playing_,
+                     .cmdCreateGreeting = !saving_,
+                     .cmdOK = !saving_});
+}
+
+/// True when there is no such take, or a person wants to give it up.
+bool GreetingCreator::MayReplace(bool other_take, const char* question) {
+  return !other_take || parts_.dialogs.Confirm(question);
+}
+
+void GreetingCreator::Record() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (saving_ || unloaded_ || playing_ || parts_.microphone.Busy()) return;
+    if (!MayReplace(speech_take_, kDeleteSpeech)) return;
+    // A call may have been answered while the question was open, and the window may have been closed.
+    if (unloaded_ || parts_.microphone.Busy()) return;
+    view_.ClearText();
+    if (parts_.microphone.Start(sound_device_) != kWaveOk) return;
+    speech_.Forget();
+    speech_take_ = false;
+    speaker_take_ = recorded_ = true;
+    seconds_ = 0;
+    view_.ShowRecProgress(0);
+    TimerRec->Start(kTimerRecInterval);
+    TimerLevel->Start(kLevelInterval);
+    view_.ShowRecLabel(rec_label_ = true);
+    parts_.waveforms.Cancel();
+    view_.ShowWaveform({});
+    view_.ShowState("Recording from the microphone");
+    ShowButtons();
+  });
+}
+
+void GreetingCreator::FollowRecording() {
+  view_.ShowRecProgress(++seconds_);
+  view_.ShowRecLabel(rec_label_ = !rec_label_);
+}
+
+void GreetingCreator::StopRecord() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (parts_.microphone.Recording()) RecordingEnded(parts_.microphone.Stop() == kWaveOk);
+  });
+}
+
+void GreetingCreator::RecordingEnded(bool kept) {
+  TimerRec->Stop();
+  TimerLevel->Stop();
+  view_.ShowLevel(0);
+  view_.ShowRecLabel(rec_label_ = false);
+  speaker_take_ = recorded_ = kept;
+  if (kept) {
+    ShowTake(parts_.microphone.Path(), "From the microphone");
+  } else {
+    view_.ShowState("The recording could not be stored; the system log says why");
+  }
+  ShowButtons();
+}
+
+void GreetingCreator::LineTookOver(bool kept) {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { RecordingEnded(kept); });
+  if (kept)
+    trap([&] { view_.ShowState("A call was answered, which ended the recording. It is kept up to there."); });
+}
+
+void GreetingCreator::ShowTake(const std::string& path, const char* kind) {
+  take_length_ = milliseconds(std::llround(std::max(0.0, parts_.WavePlay.FileLength(path)) * 1000));
+  view_.ShowState(std::string(kind) + ", " + MinutesAndSeconds(take_length_));
+  parts_.waveforms.Request(path, [this](const Waveform& waveform) { view_.ShowWaveform(waveform); });
+}
+
+void GreetingCreator::Play() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (saving_ || parts_.player.IsPlaying()) return;
+    auto& wave = parts_.WavePlay;
+    const auto result = wave.PlayFile(parts_.microphone.Path(), sound_device_);
+    if (result != kWaveOk) {
+      parts_.log.WriteSystem("Error Start Play[Device:" + std::to_string(sound_device_) + "]->" +
+                             parts_.shared.InApplicationFolder(kPlayedFile) + " " +
+                             wave.PlayErrorText(result));
+      return;
+    }
+    parts_.log.WriteSystem("Start Play:" + wave.PlayErrorText(result));
+    playing_ = true;
+    view_.ShowPlayProgress(0ms, take_length_);
+    TimerPlay->Start(kTimerPlayInterval);
+    ShowButtons();
+  });
+}
+
+void GreetingCreator::FollowPlaying() {
+  if (!parts_.player.IsPlaying()) return EndPlaying();
+  view_.ShowPlayProgress(parts_.WavePlay.Position(), take_length_);
+}
+
+void GreetingCreator::StopPlay() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (parts_.player.IsPlaying()) parts_.player.Stop();
+  });
+  trap([&] { EndPlaying(); });
+}
+
+void GreetingCreator::EndPlaying() {
+  TimerPlay->Stop();
+  playing_ = false;
+  view_.ShowPlayProgress(0ms, 0ms);
+  ShowButtons();
+}
+
+void GreetingCreator::Speak() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { link_.Speak(view_.Text(), view_.SelectedVoice(), view_.Rate()); });
+}
+
+void GreetingCreator::StopSpeaking() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { link_.Stop(); });
+}
+
+void GreetingCreator::CreateGreeting() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    const auto text = view_.Text();
+    if (saving_ || text.empty() || !link_.Up()) return;
+    if (!MayReplace(speaker_take_, kDeleteSpeaker)) return;
+    if (unloaded_) return;
+    StopPlay();
+    StopRecord();
+    view_.ShowRecProgress(0);
+    view_.ShowPlayProgress(0ms, 0ms);
+    parts_.waveforms.Cancel();
+    view_.ShowWaveform({});
+    speaker_take_ = false;
+    speech_take_ = recorded_ = speech_.Make(text, [this](bool there) { SpeechDone(there); });
+    view_.ShowState(speech_take_ ? "The greeting is being made of the text" : "");
+    ShowButtons();
+  });
+}
+
+void GreetingCreator::SpeechDone(bool there) {
+  const auto trap = ErrorTrap::Silent();
+  speech_take_ = recorded_ = there;
+  trap([&] {
+    if (there) return ShowTake(speech_.Path(), "From the text");
+    view_.ShowState("No greeting could be made of the text; the system log says why");
+  });
+  if (!saving_) return;
+  if (there) return Copy();
+  saving_ = false;
+  trap([&] { ShowButtons(); });
+}
+
+}  // namespace orven

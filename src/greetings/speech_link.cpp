@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "greetings/speech_link.h"
+
+#include <chrono>
+
+#include "core/error_trap.h"
+#include "core/registry_values.h"
+
+namespace orven {
+namespace {
+
+using std::chrono_literals::operator""s;
+
+/// Seconds that a helper may take to come.
+constexpr std::int32_t kWaitForHelper = 7;
+
+/// Listing the voices takes a helper far less than this, also on a busy machine.
+constexpr auto kVoicesLimit = 10s;
+
+constexpr std::int32_t kMinimizedWithFocus = 2;
+
+constexpr std::string_view kVoices = "GVCS:";
+constexpr std::string_view kLineEnd = "\r\n";
+
+std::vector<std::string> Split(std::string_view text) {
+  std::vector<std::string> pieces;
+  while (!text.empty()) {
+    const auto end = text.find(kLineEnd);
+    pieces.emplace_back(text.substr(0, end));
+    if (end == std::string_view::npos) break;
+    text.remove_prefix(end + kLineEnd.size());
+  }
+  return pieces;
+}
+
+}  // namespace
+
+SpeechLink::SpeechLink(Ports ports, SystemLog& log, const SharedOptions& shared, SpeechLinkListener& listener)
+    : ports_(ports), log_(log), shared_(shared), listener_(listener) {
+  ports_.uDat.SetEvents(this);
+}
+
+SpeechLink::~SpeechLink() {
+  Unload();
+  ports_.uDat.SetEvents(nullptr);
+}
+
+void SpeechLink::Load() {
+  if (!Installed() || !StartHelper()) return;
+  available_ = true;
+  if (!Up()) Up();
+  // The window may have been closed during the wait.
+  if (unloaded_) return;
+  if (!Up()) return log_.WriteSystem("TTS: the speech helper does not answer");
+  ports_.uDat.Send("GVC:");
+  ExpectVoices();
+}
+
+bool SpeechLink::Installed() {
+  bool installed = false;
+  const ErrorTrap trap(log_, "ErrLoadTTS ");
+  trap([&] {
+    installed = GetRegValue(ports_.registry, RegistryRoot::ClassesRoot, "SAPI.SpVoice", "") != kNotFound;
+  });
+  return installed;
+}
+
+bool SpeechLink::StartHelper() {
+  const ErrorTrap trap(log_, "ErrLoadTTS ");
+  // Quoted, because a folder's name may hold blanks.
+  return trap(
+      [&] { ports_.shell.Run("\"" + shared_.application_folder + "/TTS.exe\" -gc", kMinimizedWithFocus); });
+}
+
+void SpeechLink::ExpectVoices() {
+  ports_.loop.After(kVoicesLimit, lifeline_.Bind([this] {
+    if (!voices_arrived_ && !unloaded_) log_.WriteSystem("TTS: the speech helper does not tell its voices");
+  }));
+}
+
+bool SpeechLink::Up() {
+  return !unloaded_ && ports_.uDat.OpenCheck(kWaitForHelper);
+}
+
+void SpeechLink::Speak(const std::string& text, std::int32_t voice, std::int32_t rate) {
+  if (text.empty() || !Up()) return;
+  ports_.uDat.Send("SVC:" + std::to_string(voice));
+  ports_.uDat.Send("SRT:" + std::to_string(rate));
+  if (!ports_.uDat.Send("Say:" + text)) log_.WriteSystem("TTS: the text was not taken, it may be too long");
+}
+
+void SpeechLink::Stop() {
+  if (Up()) ports_.uDat.Send("Stp:");
+}
+
+bool SpeechLink::MakeFile(const std::string& path, const std::string& text) {
+  ports_.uDat.Send("SFS:" + path);
+  const bool sent = ports_.uDat.Send("STW:" + text);
+  if (!sent) log_.WriteSystem("TTS: the text was not taken, it may be too long");
+  return sent;
+}
+
+void SpeechLink::Unload() {
+  if (unloaded_) return;
+  if (Up()) ports_.uDat.Send("ULD:");
+  unloaded_ = true;
+  ports_.uDat.Close();
+}
+
+void SpeechLink::DataArrival(const std::string& text) {
+  if (!text.starts_with(kVoices)) return;
+  voices_arrived_ = true;
+  listener_.VoicesArrived(Split(std::string_view(text).substr(kVoices.size())));
+}
+
+void SpeechLink::LinkLost() {
+  log_.WriteSystem("TTS: the speech helper is gone");
+  listener_.HelperLost();
+}
+
+}  // namespace orven

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/data_exchange.h"
+#include "platform/event_loop.h"
+#include "platform/registry.h"
+#include "platform/shell.h"
+
+namespace orven {
+
+/// Who makes use of the speech helper.
+class SpeechLinkListener {
+ public:
+  virtual ~SpeechLinkListener() = default;
+
+  /// The helper's voices, in its order; there may be none.
+  virtual void VoicesArrived(const std::vector<std::string>& descriptions) = 0;
+
+  /// The helper is gone.
+  virtual void HelperLost() = 0;
+};
+
+/// The speech helper, a program of its own that owns the speech engine, and the messages to it. Each
+/// starts with a command of three letters and a colon; the rest is its argument. What cannot be sent is
+/// skipped; why the helper cannot be used is logged. User-interface thread.
+class SpeechLink : private DataExchangeEvents {
+ public:
+  struct Ports {
+    EventLoop& loop;
+    Registry& registry;
+    Shell& shell;
+    DataExchange& uDat;
+  };
+
+  SpeechLink(Ports ports, SystemLog& log, const SharedOptions& shared, SpeechLinkListener& listener);
+  ~SpeechLink() override;
+  SpeechLink(const SpeechLink&) = delete;
+  SpeechLink& operator=(const SpeechLink&) = delete;
+
+  /// Starts a helper where a speech engine is installed, and asks for its voices. Waits for the helper and
+  /// runs the event loop meanwhile.
+  void Load();
+
+  /// A speech engine is installed and a helper was started.
+  bool Available() const { return available_; }
+
+  /// The link is up; waits while a helper that was just started has not come yet.
+  bool Up();
+
+  /// Speaks `text` with the voice of this index at this rate (-10 to 10). Nothing for no text.
+  void Speak(const std::string& text, std::int32_t voice, std::int32_t rate);
+
+  /// Ends what is being spoken.
+  void Stop();
+
+  /// Has `text` spoken into the file at `path`, which appears, whole, when it is done. False when nothing
+  /// was asked for.
+  bool MakeFile(const std::string& path, const std::string& text);
+
+  /// Ends the helper; a file that it is making is finished first.
+  void Unload();
+
+ private:
+  void DataArrival(const std::string& text) override;
+  void LinkLost() override;
+  bool Installed();
+  bool StartHelper();
+  void ExpectVoices();
+
+  Ports ports_;
+  SystemLog& log_;
+  const SharedOptions& shared_;
+  SpeechLinkListener& listener_;
+  bool available_ = false;
+  bool unloaded_ = false;
+  bool voices_arrived_ = false;
+  Lifeline lifeline_;
+};
+
+}  // namespace orven
