@@ -11,21 +11,7 @@
 namespace orven {
 namespace {
 
-/// Keeps the telephone's band whole (90 % of 4 kHz) without audible images, for a few per mille of a core.
-constexpr int kConverter = SRC_SINC_MEDIUM_QUALITY;
-
 constexpr float kFullScale = 32768.0F;
-
-/// Frames the resampler may give beyond the exact proportion: what it held back before.
-constexpr std::size_t kSlack = 4096;
-
-QAudioFormat TelephoneFormat() {
-  QAudioFormat format;
-  format.setSampleRate(kSampleRate);
-  format.setChannelCount(1);
-  format.setSampleFormat(QAudioFormat::Int16);
-  return format;
-}
 
 template <class Number>
 void AppendRaw(QByteArray& bytes, Number number) {
@@ -43,47 +29,34 @@ Number Quantised(float value) {
 
 }  // namespace
 
+QAudioFormat TelephoneFormat() {
+  QAudioFormat format;
+  format.setSampleRate(kSampleRate);
+  format.setChannelCount(1);
+  format.setSampleFormat(QAudioFormat::Int16);
+  return format;
+}
+
 QAudioFormat CardFormatOf(const QAudioDevice& device) {
   const QAudioFormat telephone = TelephoneFormat();
   return device.isFormatSupported(telephone) ? telephone : device.preferredFormat();
 }
 
 CardConverter::CardConverter(const QAudioFormat& format)
-    : format_(format),
-      ratio_(static_cast<double>(format.sampleRate()) / kSampleRate),
-      valid_(format.isValid() && src_is_valid_ratio(ratio_) != 0) {
-  if (!valid_ || format.sampleRate() == kSampleRate) return;
-  int error = 0;
-  resampler_.reset(src_new(kConverter, 1, &error));
-  valid_ = resampler_ != nullptr;
-}
+    : format_(format), resampler_(kSampleRate, format.sampleRate()) {}
 
 QByteArray CardConverter::Process(std::span<const std::int16_t> samples, bool last) {
   if (format_ == TelephoneFormat())
     return {reinterpret_cast<const char*>(samples.data()), static_cast<qsizetype>(samples.size_bytes())};
-  const auto mono = Resample(samples, last);
+  input_.resize(samples.size());
+  std::transform(samples.begin(), samples.end(), input_.begin(),
+                 [](std::int16_t sample) { return static_cast<float>(sample) / kFullScale; });
+  const auto mono = resampler_.Process(input_, last);
   QByteArray bytes;
   bytes.reserve(format_.bytesForFrames(static_cast<qint32>(mono.size())));
   for (const float value : mono)
     for (int channel = 0; channel < format_.channelCount(); ++channel) Append(bytes, value);
   return bytes;
-}
-
-std::span<const float> CardConverter::Resample(std::span<const std::int16_t> samples, bool last) {
-  input_.resize(samples.size());
-  std::transform(samples.begin(), samples.end(), input_.begin(),
-                 [](std::int16_t sample) { return static_cast<float>(sample) / kFullScale; });
-  if (!resampler_) return input_;
-  output_.resize(static_cast<std::size_t>(static_cast<double>(samples.size()) * ratio_) + kSlack);
-  SRC_DATA step{};
-  step.data_in = input_.data();
-  step.input_frames = static_cast<long>(input_.size());
-  step.data_out = output_.data();
-  step.output_frames = static_cast<long>(output_.size());
-  step.src_ratio = ratio_;
-  step.end_of_input = last ? 1 : 0;
-  if (src_process(resampler_.get(), &step) != 0) return {};
-  return std::span(output_).first(static_cast<std::size_t>(step.output_frames_gen));
 }
 
 void CardConverter::Append(QByteArray& bytes, float value) const {

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <samplerate.h>
-
 #include <QAudioDevice>
 #include <QAudioFormat>
 #include <QByteArray>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
+#include "adapters/sound/resampler.h"
+
 namespace orven {
+
+/// 8000 samples a second, mono, 16-bit.
+QAudioFormat TelephoneFormat();
 
 /// The telephone's own format where `device` takes it, else the format that it prefers.
 QAudioFormat CardFormatOf(const QAudioDevice& device);
@@ -24,7 +26,7 @@ class CardConverter {
 
   /// False for a format that cannot be made (unknown kind of sample, or a rate that is more than 256
   /// times the telephone's or less than a 256th).
-  bool Valid() const { return valid_; }
+  bool Valid() const { return format_.isValid() && resampler_.Valid(); }
 
   /// The next samples in the card's format. The resampler holds some back until later calls.
   QByteArray Convert(std::span<const std::int16_t> samples) { return Process(samples, false); }
@@ -33,20 +35,12 @@ class CardConverter {
   QByteArray Flush() { return Process({}, true); }
 
  private:
-  struct DeleteResampler {
-    void operator()(SRC_STATE* state) const { src_delete(state); }
-  };
-
   QByteArray Process(std::span<const std::int16_t> samples, bool last);
-  std::span<const float> Resample(std::span<const std::int16_t> samples, bool last);
   void Append(QByteArray& bytes, float value) const;
 
   QAudioFormat format_;
-  double ratio_;                                           ///< card's rate / telephone's rate
-  std::unique_ptr<SRC_STATE, DeleteResampler> resampler_;  ///< none at the telephone's own rate
-  bool valid_;
+  Resampler resampler_;
   std::vector<float> input_;
-  std::vector<float> output_;
 };
 
 }  // namespace orven

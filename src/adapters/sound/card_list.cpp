@@ -22,6 +22,16 @@ void CardList::Update(const std::vector<Output>& outputs) {
   }
 }
 
+void CardList::SetRecords(bool records) {
+  const std::lock_guard lock(mutex_);
+  may_record_ = records;
+}
+
+bool CardList::MayRecord() const {
+  const std::lock_guard lock(mutex_);
+  return may_record_;
+}
+
 bool CardList::MayBe(std::int32_t number) const {
   const std::lock_guard lock(mutex_);
   if (number < 0 || number >= kFirstLineWaveDevice) return false;

@@ -31,8 +31,14 @@ class CardList {
   /// have are left out.
   void Update(const std::vector<Output>& outputs);
 
+  /// Whether there is an input now.
+  void SetRecords(bool records);
+
   /// Whether there is or was a card `number`. Before the first Update every number may be one.
   bool MayBe(std::int32_t number) const;
+
+  /// False while it is known that there is no input.
+  bool MayRecord() const;
 
   /// The id of card `number`, which is 1 or more and there.
   std::optional<std::string> IdOf(std::int32_t number) const;
@@ -49,6 +55,7 @@ class CardList {
 
   mutable std::mutex mutex_;
   bool looked_ = false;
+  bool may_record_ = true;
   std::vector<Known> known_;  ///< card n at n - 1
 };
 

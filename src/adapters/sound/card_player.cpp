@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/sound/card_player.h"
 
+#include "adapters/sound/sound_device.h"
+
 namespace orven {
 namespace {
 
@@ -15,6 +17,8 @@ constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 /// An output that has not played out its buffer after this long never will.
 constexpr auto kDrainLimit = 2s;
 
+constexpr const char* kKind = "sound output";
+
 }  // namespace
 
 CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play)
@@ -24,17 +28,23 @@ CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> pla
       sink_(device, CardFormatOf(device)),
       block_bytes_(sink_.format().bytesForDuration(kBlockMicroseconds)) {
   if (converter_.Valid()) stream_ = sink_.start();
-  if (stream_ == nullptr || sink_.error() != QAudio::NoError)
-    problem_ = "The sound output \"" + device_.description().toStdString() +
-               "\" could not be opened. If the sound server was restarted, ORVEN has to be, too.";
+  if (stream_ == nullptr || sink_.error() != QAudio::NoError) problem_ = Told(kKind, device_, kNotOpened);
 }
 
 bool CardPlayer::Tick() {
-  if (problem_.empty() && sink_.state() == QAudio::StoppedState)
-    problem_ = "The sound output \"" + device_.description().toStdString() +
-               "\" stopped while it was playing; perhaps the sound server ended.";
+  if (problem_.empty()) Check();
   if (!problem_.empty()) return false;
   return ended_ ? Draining() : Feed();
+}
+
+void CardPlayer::Check() {
+  // The server may go on elsewhere with a stream whose output was unplugged; a message is not to be
+  // heard from where nobody chose to hear it.
+  if (OutputOf(device_.id().toStdString()).isNull()) {
+    problem_ = Told(kKind, device_, "went away while it was playing.");
+  } else if (sink_.state() == QAudio::StoppedState) {
+    problem_ = Told(kKind, device_, "stopped while it was playing; perhaps the sound server ended.");
+  }
 }
 
 bool CardPlayer::Feed() {

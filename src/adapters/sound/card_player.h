@@ -11,36 +11,32 @@
 
 #include "adapters/sound/card_format.h"
 #include "adapters/sound/card_play.h"
+#include "adapters/sound/card_stream.h"
 #include "platform/audio_device.h"
 
 namespace orven {
 
-/// Plays one CardPlay on one output. The stream is open from the beginning until Close. Sound thread; every
-/// call may wait for the sound server.
-class CardPlayer {
+/// Plays one CardPlay on one output.
+class CardPlayer : public CardStream {
  public:
   /// Opens the stream; when that fails, Problem says so.
   CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play);
 
-  /// Lets the thread's events run.
-  ~CardPlayer() = default;
   CardPlayer(const CardPlayer&) = delete;
   CardPlayer& operator=(const CardPlayer&) = delete;
 
-  /// Gives the output what it has room for; to be called every 20 ms. False when there is nothing left
-  /// to do: the play was stopped, or it ended and all of it has been heard, or there is a Problem.
-  bool Tick();
+  /// Gives the output what it has room for. Nothing is left to do when the play was stopped, or when it
+  /// ended and all of it has been heard.
+  bool Tick() override;
 
-  /// Closes the stream; what has not been heard yet is cut off.
-  void Close() { sink_.reset(); }
+  /// What has not been heard yet is cut off.
+  void Close() override { sink_.reset(); }
 
-  /// Why the stream cannot play (on), as a sentence; empty while it can.
-  const std::string& Problem() const { return problem_; }
-
-  const QAudioDevice& Device() const { return device_; }
-  CardPlay& Play() { return *play_; }
+  const std::string& Problem() const override { return problem_; }
+  bool Fail() override { return play_->Fail(); }
 
  private:
+  void Check();
   bool Feed();
   bool HasRoom();
   void Write();

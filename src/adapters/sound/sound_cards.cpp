@@ -4,7 +4,7 @@
 #include <chrono>
 #include <mutex>
 
-#include "adapters/sound/sound_outputs.h"
+#include "adapters/sound/sound_streams.h"
 #include "platform/wave.h"
 
 namespace orven {
@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A server that takes no sound for this long hangs. Waking a wireless headset takes up to three.
+/// A server that moves no sound for this long hangs. Waking a wireless headset takes up to three.
 constexpr auto kPatience = 5s;
 constexpr auto kWatchInterval = 500ms;
 
@@ -27,7 +27,7 @@ struct SoundCards::Shared {
   }
 
   const std::shared_ptr<CardList> cards = std::make_shared<CardList>();
-  std::unique_ptr<SoundOutputs> outputs;  ///< sound thread only
+  std::unique_ptr<SoundStreams> streams;  ///< sound thread only
   std::mutex mutex;
   Report report;
 };
@@ -47,15 +47,44 @@ class SoundCards::Card : public AudioDevice {
     if (play_) play_->Stop();
   }
 
-  std::int32_t StartRecord(AudioSink& /*sink*/) override { return kWaveNoDevice; }
-  void StopRecord() override {}
+  std::int32_t StartRecord(AudioSink& sink) override {
+    if (take_ && take_->Active()) return kWaveBusy;
+    if (!owner_.shared_->cards->MayRecord()) {
+      owner_.Look();
+      return kWaveNoDevice;
+    }
+    take_ = std::make_shared<CardTake>(sink);
+    owner_.Start(number_, take_);
+    return kWaveOk;
+  }
 
-  CardPlay* Play() const { return play_.get(); }
+  void StopRecord() override {
+    if (take_) take_->Stop();
+  }
+
+  /// Gives up what the server has not moved for too long. True when something still plays or records.
+  bool Watch() const {
+    const std::string card = "sound card " + std::to_string(number_);
+    const bool plays =
+        Goes(play_.get(), "The sound server does not answer; what was playing on " + card + " was given up.");
+    const bool records = Goes(take_.get(), "No sound comes from the microphone of " + card +
+                                               ", perhaps the sound server does not answer; the recording "
+                                               "was given up.");
+    return plays || records;
+  }
 
  private:
+  template <class Use>
+  bool Goes(Use* use, const std::string& problem) const {
+    if (use == nullptr || !use->Active()) return false;
+    if (use->SinceLastBlock() > kPatience && use->Fail()) owner_.shared_->Tell(problem);
+    return true;
+  }
+
   SoundCards& owner_;
   const std::int32_t number_;
   std::shared_ptr<CardPlay> play_;  ///< the latest
+  std::shared_ptr<CardTake> take_;  ///< the latest
 };
 
 SoundCards::SoundCards(EventLoop& loop, Report report)
@@ -63,7 +92,10 @@ SoundCards::SoundCards(EventLoop& loop, Report report)
 
 SoundCards::~SoundCards() {
   for (const Cards* cards : {&cards_, &more_cards_}) {
-    for (const auto& [number, card] : *cards) card->StopPlay();
+    for (const auto& [number, card] : *cards) {
+      card->StopPlay();
+      card->StopRecord();
+    }
   }
   {
     const std::lock_guard lock(shared_->mutex);
@@ -73,18 +105,22 @@ SoundCards::~SoundCards() {
 
 void SoundCards::Prepare() {
   if (thread_) return;
-  thread_ = std::make_unique<SoundThread>([shared = shared_] { shared->outputs.reset(); });
+  thread_ = std::make_unique<SoundThread>([shared = shared_] { shared->streams.reset(); });
   thread_->Post([shared = shared_] {
-    shared->outputs = std::make_unique<SoundOutputs>(
+    shared->streams = std::make_unique<SoundStreams>(
         shared->cards, [to = shared.get()](const std::string& text) { to->Tell(text); });
-    shared->outputs->Look();
+    shared->streams->Look();
   });
 }
 
 std::vector<SoundCard> SoundCards::Present() {
-  if (thread_) thread_->Post([shared = shared_] { shared->outputs->Look(); });
-  Prepare();
+  Look();
   return shared_->cards->Present();
+}
+
+void SoundCards::Look() {
+  if (thread_) thread_->Post([shared = shared_] { shared->streams->Look(); });
+  Prepare();
 }
 
 AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
@@ -94,32 +130,20 @@ AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
   return card.get();
 }
 
-void SoundCards::Start(std::int32_t number, const std::shared_ptr<CardPlay>& play) {
+template <class Use>
+void SoundCards::Start(std::int32_t number, const std::shared_ptr<Use>& use) {
   Prepare();
-  thread_->Post([shared = shared_, number, play] { shared->outputs->Begin(number, play); });
+  thread_->Post([shared = shared_, number, use] { shared->streams->Begin(number, use); });
   if (!watch_) watch_ = loop_.MakeTimer([this] { Watch(); });
   if (!watch_->Enabled()) watch_->Start(kWatchInterval);
 }
 
-/// Ends the plays that a hanging server holds up; the sound thread itself may hang with it.
+/// Ends the plays and takes that a hanging server holds up; the sound thread itself may hang with it.
 void SoundCards::Watch() {
-  const bool first = Watch(cards_);
-  const bool second = Watch(more_cards_);
-  if (!first && !second) watch_->Stop();
-}
-
-/// True when one of the cards still plays.
-bool SoundCards::Watch(const Cards& cards) {
   bool active = false;
-  for (const auto& [number, card] : cards) {
-    CardPlay* const play = card->Play();
-    if (play == nullptr || !play->Active()) continue;
-    active = true;
-    if (play->SinceLastRead() < kPatience || !play->Fail()) continue;
-    shared_->Tell("The sound server does not answer; what was playing on sound card " +
-                  std::to_string(number) + " was given up.");
-  }
-  return active;
+  for (const Cards* cards : {&cards_, &more_cards_})
+    for (const auto& [number, card] : *cards) active |= card->Watch();
+  if (!active) watch_->Stop();
 }
 
 }  // namespace orven

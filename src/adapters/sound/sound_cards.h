@@ -10,22 +10,24 @@
 
 #include "adapters/sound/card_list.h"
 #include "adapters/sound/card_play.h"
+#include "adapters/sound/card_take.h"
 #include "adapters/sound/sound_thread.h"
 #include "platform/audio_device.h"
 #include "platform/event_loop.h"
 
 namespace orven {
 
-class SoundOutputs;
+class SoundStreams;
 
 /// The sound cards as numbered audio devices, over Qt Multimedia. Number 0 is the desktop's default
-/// output at the moment a play starts; the others are numbered as CardList says. They play only:
-/// StartRecord gives kWaveNoDevice (microphones come with the greeting creator).
+/// output and input at the moment a play or take starts; the others are numbered as CardList says and
+/// record from the input that MicrophoneOf gives.
 ///
-/// All of Qt Multimedia happens in one thread, which starts with Prepare or the first play; no
+/// All of Qt Multimedia happens in one thread, which starts with Prepare or the first play or take; no
 /// operation waits for it, whatever the sound server does. A play that the server does not take, or no
-/// longer takes, ends by itself (AudioSource::Gone), and one sentence about it is reported. One object
-/// a process. User-interface thread.
+/// longer takes, ends by itself (AudioSource::Gone), a take then gets no more blocks; one sentence about it
+/// is reported. StartRecord gives kWaveNoDevice when the latest look found no input, and looks anew.
+/// One object a process. User-interface thread.
 class SoundCards : public AudioDevices {
  public:
   using Report = std::function<void(const std::string&)>;
@@ -33,7 +35,7 @@ class SoundCards : public AudioDevices {
   /// `loop` outlives the cards. `report` is called on any thread, and not after the destructor.
   SoundCards(EventLoop& loop, Report report);
 
-  /// Ends all plays. Waits at most a second for the sound thread; when the sound server hangs, the
+  /// Ends all plays and takes. Waits at most a second for the sound thread; when the sound server hangs, the
   /// thread is left behind and ends with the process.
   ~SoundCards() override;
 
@@ -49,7 +51,8 @@ class SoundCards : public AudioDevices {
   /// number may have a card.
   AudioDevice* Find(std::int32_t number) override { return FindIn(cards_, number); }
 
-  /// The same cards once more: what plays on these is heard together with what plays on those.
+  /// The same cards once more: what plays on these is heard together with what plays on those, and both
+  /// may record at once.
   AudioDevices& Beside() { return beside_; }
 
  private:
@@ -67,9 +70,9 @@ class SoundCards : public AudioDevices {
   };
 
   AudioDevice* FindIn(Cards& cards, std::int32_t number);
-  bool Watch(const Cards& cards);
-
-  void Start(std::int32_t number, const std::shared_ptr<CardPlay>& play);
+  void Look();
+  template <class Use>
+  void Start(std::int32_t number, const std::shared_ptr<Use>& use);
   void Watch();
 
   EventLoop& loop_;
@@ -78,7 +81,7 @@ class SoundCards : public AudioDevices {
   Cards cards_;
   Cards more_cards_;  ///< those of Beside
   BesideCards beside_{*this};
-  std::unique_ptr<Timer> watch_;  ///< runs while something plays
+  std::unique_ptr<Timer> watch_;  ///< runs while something plays or records
 };
 
 }  // namespace orven

@@ -4,8 +4,9 @@
 #include <pulse/context.h>
 #include <pulse/introspect.h>
 #include <pulse/mainloop.h>
+#include <pulse/proplist.h>
 
-#include <algorithm>
+#include <cstdint>
 #include <memory>
 
 namespace orven {
@@ -24,6 +25,17 @@ struct FreeContext {
   }
 };
 
+/// Drivers that make no card out of their devices still tell on which bus they found them.
+std::string CardName(std::uint32_t card, const pa_proplist* properties) {
+  if (card != PA_INVALID_INDEX) return "card " + std::to_string(card);
+  const char* const bus = pa_proplist_gets(properties, PA_PROP_DEVICE_BUS_PATH);
+  return bus == nullptr ? std::string() : std::string("bus ") + bus;
+}
+
+std::string Text(const char* text) {
+  return text == nullptr ? std::string() : std::string(text);
+}
+
 /// One short connection to the server.
 class Conversation {
  public:
@@ -38,24 +50,58 @@ class Conversation {
       if (!PA_CONTEXT_IS_GOOD(State())) return {};
       if (!Step()) return Silent();
     }
-    pa_operation* const question = pa_context_get_server_info(context_.get(), &Conversation::Take, this);
-    if (question == nullptr) return {};
-    pa_operation_unref(question);
-    while (answer_.state != SoundServer::State::Ready) {
+    Put(pa_context_get_server_info(context_.get(), &Conversation::TakeDefaults, this));
+    Put(pa_context_get_sink_info_list(context_.get(), &Conversation::TakeOutput, this));
+    Put(pa_context_get_source_info_list(context_.get(), &Conversation::TakeInput, this));
+    while (unanswered_ > 0) {
       if (!PA_CONTEXT_IS_GOOD(State())) return {};
       if (!Step()) return Silent();
     }
+    answer_.state = SoundServer::State::Ready;
     return answer_;
   }
 
  private:
-  static SoundServer Silent() { return {SoundServer::State::Silent, {}}; }
+  static SoundServer Silent() {
+    SoundServer server;
+    server.state = SoundServer::State::Silent;
+    return server;
+  }
 
-  static void Take(pa_context* /*context*/, const pa_server_info* info, void* self) {
-    SoundServer& answer = static_cast<Conversation*>(self)->answer_;
-    answer.state = SoundServer::State::Ready;
-    if (info != nullptr && info->default_sink_name != nullptr)
-      answer.default_output = info->default_sink_name;
+  /// A question that could not be put is never answered: the connection is not good any more.
+  void Put(pa_operation* question) {
+    ++unanswered_;
+    if (question != nullptr) pa_operation_unref(question);
+  }
+
+  static void TakeDefaults(pa_context* /*context*/, const pa_server_info* info, void* self) {
+    auto& conversation = *static_cast<Conversation*>(self);
+    --conversation.unanswered_;
+    if (info == nullptr) return;
+    conversation.answer_.default_output = Text(info->default_sink_name);
+    conversation.answer_.default_input = Text(info->default_source_name);
+  }
+
+  static void TakeOutput(pa_context* /*context*/, const pa_sink_info* info, int end, void* self) {
+    auto& conversation = *static_cast<Conversation*>(self);
+    if (end != 0) {
+      --conversation.unanswered_;
+    } else {
+      conversation.answer_.outputs.push_back({Text(info->name), CardName(info->card, info->proplist)});
+    }
+  }
+
+  static void TakeInput(pa_context* /*context*/, const pa_source_info* info, int end, void* self) {
+    auto& conversation = *static_cast<Conversation*>(self);
+    if (end != 0) {
+      --conversation.unanswered_;
+      return;
+    }
+    if (info->monitor_of_sink != PA_INVALID_INDEX) return;
+    const pa_source_port_info* const port = info->active_port;
+    const bool connected = port == nullptr || port->available != PA_PORT_AVAILABLE_NO;
+    conversation.answer_.inputs.push_back(
+        {Text(info->name), CardName(info->card, info->proplist), connected});
   }
 
   pa_context_state_t State() const { return pa_context_get_state(context_.get()); }
@@ -72,6 +118,7 @@ class Conversation {
   std::unique_ptr<pa_mainloop, FreeLoop> loop_;
   std::unique_ptr<pa_context, FreeContext> context_;
   SoundServer answer_;
+  int unanswered_ = 0;
 };
 
 }  // namespace

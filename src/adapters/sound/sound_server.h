@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace orven {
 
@@ -13,15 +14,34 @@ struct SoundServer {
     Silent,  ///< it does not answer in time
     Ready,
   };
+
+  struct Output {
+    std::string id;
+    std::string card;  ///< the physical card it belongs to, in a form to compare; empty: none
+  };
+
+  /// Something that records sound of its own. What is played on an output (its monitor) is no input, also
+  /// where the server makes it the default for want of another: Qt does not record it, and nobody speaks
+  /// there.
+  struct Input {
+    std::string id;
+    std::string card;
+    bool connected = true;  ///< false when its socket is known to be empty
+  };
+
   State state = State::None;
-  std::string default_output;  ///< the id of the desktop's default output; only when Ready
+  std::string default_output;  ///< id of the desktop's default output; this and the rest only when Ready
+  std::string default_input;
+  std::vector<Output> outputs;
+  std::vector<Input> inputs;
 };
 
 /// Asks the sound server (PulseAudio's protocol, which PipeWire speaks too), starting it where the desktop
 /// is set up so. Returns within `limit`; usually after 1 to 3 ms. Any thread.
 ///
 /// Needed beside Qt Multimedia, because Qt 6.4 waits for a hanging server without limit, never asks
-/// again once it found none, and does not notice when the desktop's default output changes.
+/// again once it found none, does not notice when the desktop's default output or input changes, and
+/// does not tell which of them belong to one card.
 SoundServer AskSoundServer(std::chrono::milliseconds limit);
 
 }  // namespace orven

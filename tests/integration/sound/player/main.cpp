@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Plays sound files as the program does, at the command of standard input, a line each:
+// Plays and records sound files as the program does, at the command of standard input, a line each:
 //
-//     play DEVICE PATH   seek MS   stop   position   cards   quit
+//     play DEVICE PATH   seek MS   stop   position   record DEVICE   stoprecord PATH   level   cards   quit
 //
 // Every answer and event is a line on standard output. An operation that keeps the user-interface
 // thread for longer than kAtOnce is an event, too.
@@ -47,6 +47,9 @@ class Player : public orven::WaveEvents {
     if (command == "seek") Seek(words);
     if (command == "stop") control_.StopPlay();
     if (command == "position") Say("position " + std::to_string(control_.Position().count()));
+    if (command == "record") Record(words);
+    if (command == "stoprecord") StopRecord(words);
+    if (command == "level") Say("level " + std::to_string(control_.InputLevel()));
     if (command == "cards") ShowCards();
     if (command == "quit") QCoreApplication::quit();
     if (Clock::now() - begin > kAtOnce) Say("blocked " + command);
@@ -65,6 +68,18 @@ class Player : public orven::WaveEvents {
     int position = 0;
     words >> position;
     control_.Seek(std::chrono::milliseconds(position));
+  }
+
+  void Record(std::istream& words) {
+    int device = 0;
+    words >> device;
+    Say("record " + std::to_string(control_.StartRecord(device, {})));
+  }
+
+  void StopRecord(std::istream& words) {
+    std::string path;
+    words >> path;
+    Say("stoprecord " + std::to_string(control_.StopRecordToFile(path)));
   }
 
   void ShowCards() {

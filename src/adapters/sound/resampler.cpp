@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/sound/resampler.h"
+
+namespace orven {
+namespace {
+
+/// Frames that may come beyond the exact proportion: what was held back before.
+constexpr std::size_t kSlack = 4096;
+
+}  // namespace
+
+Resampler::Resampler(int from, int to)
+    : ratio_(from > 0 ? static_cast<double>(to) / from : 0), valid_(src_is_valid_ratio(ratio_) != 0) {
+  if (!valid_ || from == to) return;
+  int error = 0;
+  state_.reset(src_new(SRC_SINC_MEDIUM_QUALITY, 1, &error));
+  valid_ = state_ != nullptr;
+}
+
+std::span<const float> Resampler::Process(std::span<const float> input, bool last) {
+  if (!state_) return input;
+  output_.resize(static_cast<std::size_t>(static_cast<double>(input.size()) * ratio_) + kSlack);
+  SRC_DATA step{};
+  step.data_in = input.data();
+  step.input_frames = static_cast<long>(input.size());
+  step.data_out = output_.data();
+  step.output_frames = static_cast<long>(output_.size());
+  step.src_ratio = ratio_;
+  step.end_of_input = last ? 1 : 0;
+  if (src_process(state_.get(), &step) != 0) return {};
+  return std::span(output_).first(static_cast<std::size_t>(step.output_frames_gen));
+}
+
+}  // namespace orven

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <samplerate.h>
+
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace orven {
+
+/// Brings a stream of mono samples from one rate to another. It keeps the telephone's band whole (90 % of
+/// 4 kHz) without audible images, for a few per mille of a core.
+class Resampler {
+ public:
+  /// Both rates in samples a second.
+  Resampler(int from, int to);
+
+  /// False for rates that are not positive, or more than 256 times apart.
+  bool Valid() const { return valid_; }
+
+  /// The next samples at the new rate. Some are held back until later calls; `last` gives these, too.
+  /// Good until the next call or until `input` changes.
+  std::span<const float> Process(std::span<const float> input, bool last);
+
+ private:
+  struct DeleteState {
+    void operator()(SRC_STATE* state) const { src_delete(state); }
+  };
+
+  double ratio_;                                   ///< new rate / old rate
+  std::unique_ptr<SRC_STATE, DeleteState> state_;  ///< none when both are the same
+  bool valid_;
+  std::vector<float> output_;
+};
+
+}  // namespace orven
