@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "adapters/channel/message_link.h"
+
+namespace orven {
+
+/// The helper's end of the link `uDat`. Needs a QCoreApplication; one thread.
+class ExchangeClient {
+ public:
+  /// Called by the event loop; see there.
+  explicit ExchangeClient(MessageLink::Handlers handlers) : handlers_(std::move(handlers)) {}
+
+  /// Connects to the socket at `path`, and tries again until `limit` has passed; waits meanwhile. Gives
+  /// the reason when that fails; a socket of another user is refused. To be called once.
+  std::optional<std::string> Connect(const std::string& path, std::chrono::milliseconds limit);
+
+  /// As MessageLink::Send.
+  bool Send(std::string_view text) { return link_ && link_->Send(text); }
+
+ private:
+  MessageLink::Handlers handlers_;
+  std::unique_ptr<MessageLink> link_;
+};
+
+}  // namespace orven

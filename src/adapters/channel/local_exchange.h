@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QEventLoop>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/channel/message_link.h"
+#include "adapters/channel/private_socket.h"
+#include "platform/data_exchange.h"
+#include "platform/event_loop.h"
+
+namespace orven {
+
+/// The program's end of the link `uDat`, over a local socket that only this user's processes reach. Needs a
+/// QCoreApplication; user-interface thread. Beyond the port: a helper that does not read for so long that
+/// MessageLink::kMostUnsent waits for it counts as lost.
+class LocalExchange final : public DataExchange {
+ public:
+  /// `loop` outlives this object; events are raised by it.
+  explicit LocalExchange(EventLoop& loop);
+
+  /// Ends the link as Close does; waits at most a second for what has been sent to go out.
+  ~LocalExchange() override;
+  LocalExchange(const LocalExchange&) = delete;
+  LocalExchange& operator=(const LocalExchange&) = delete;
+
+  /// To be called just before a helper is started: ends what there was as Close does and waits for one
+  /// new helper, whose time counts from now. Returns the path of the socket, another one each time, to
+  /// which that helper has to connect (ExchangeClient). Throws RuntimeError 75 when there can be none.
+  std::string Listen();
+
+  void SetEvents(DataExchangeEvents* events) override { events_ = events; }
+  bool OpenCheck(std::int32_t seconds) override;
+  bool Send(const std::string& text) override;
+  void Close() override;
+
+ private:
+  using Time = std::chrono::steady_clock;
+
+  void Accept(std::unique_ptr<QLocalSocket> socket);
+  void Tell(std::function<void(DataExchangeEvents&)> event);
+  void WaitUntil(Time::time_point limit);
+  void EndWait();
+
+  EventLoop& loop_;
+  DataExchangeEvents* events_ = nullptr;
+  std::unique_ptr<PrivateSocket> socket_;  ///< for a helper that has been started
+  Time::time_point started_;
+  std::unique_ptr<MessageLink> link_;
+  std::vector<std::unique_ptr<MessageLink>> ending_;  ///< earlier links
+  QEventLoop* waiting_ = nullptr;                     ///< that of the OpenCheck that waits
+  /// Of the present opening: what is posted for an earlier one is never run, a wait for it is over.
+  std::unique_ptr<Lifeline> lifeline_;
+  std::shared_ptr<int> opening_;
+};
+
+}  // namespace orven

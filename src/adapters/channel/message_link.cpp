@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/channel/message_link.h"
+
+#include <sys/socket.h>
+
+#include <QDeadlineTimer>
+#include <utility>
+
+namespace orven {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How long an ended link waits for the other end to read what was sent.
+constexpr auto kEndsWithin = 10s;
+
+}  // namespace
+
+MessageLink::MessageLink(std::unique_ptr<QLocalSocket> socket, Handlers handlers)
+    : socket_(std::move(socket)), handlers_(std::move(handlers)) {
+  patience_.setSingleShot(true);
+  QObject::connect(&patience_, &QTimer::timeout, &patience_, [this] { socket_->abort(); });
+  QObject::connect(socket_.get(), &QLocalSocket::readyRead, &patience_, [this] { Read(); });
+  QObject::connect(socket_.get(), &QLocalSocket::bytesWritten, &patience_, [this] { FinishSending(); });
+  QObject::connect(socket_.get(), &QLocalSocket::disconnected, &patience_, [this] {
+    Read();
+    Lost();
+  });
+  // What came before the signals were connected.
+  QTimer::singleShot(0, &patience_, [this] {
+    Read();
+    if (Gone()) Lost();
+  });
+}
+
+MessageLink::~MessageLink() {
+  socket_->disconnect();
+}
+
+bool MessageLink::Send(std::string_view text) {
+  if (!up_ || !IsMessage(text)) return false;
+  const std::string bytes = Framed(text);
+  const auto size = static_cast<qint64>(bytes.size());
+  if (socket_->bytesToWrite() + size > kMostUnsent || socket_->write(bytes.data(), size) != size) {
+    Break();
+    return false;
+  }
+  socket_->flush();
+  return up_;
+}
+
+void MessageLink::End() {
+  if (std::exchange(ending_, true)) return;
+  up_ = false;
+  handlers_ = {};
+  patience_.start(kEndsWithin);
+  FinishSending();
+}
+
+void MessageLink::Flush(std::chrono::milliseconds limit) {
+  const QDeadlineTimer deadline(limit);
+  while (!Gone() && socket_->bytesToWrite() > 0 && !deadline.hasExpired()) {
+    if (!socket_->waitForBytesWritten(static_cast<int>(deadline.remainingTime()))) break;
+  }
+}
+
+void MessageLink::Read() {
+  // Qt warns of reading from a closed socket.
+  const QByteArray bytes = socket_->bytesAvailable() > 0 ? socket_->readAll() : QByteArray();
+  if (!up_) return;
+  reader_.Add({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+  while (up_) {
+    auto message = reader_.Next();
+    if (!message) break;
+    handlers_.message(std::move(*message));
+  }
+  if (reader_.Broken()) Break();
+}
+
+void MessageLink::Break() {
+  if (!up_) return;
+  socket_->abort();
+  Lost();
+}
+
+void MessageLink::Lost() {
+  if (std::exchange(up_, false)) handlers_.lost();
+}
+
+/// Only the sending half is shut: a close with something unread would cost the other end what it has not
+/// read yet as soon as it writes.
+void MessageLink::FinishSending() {
+  if (!ending_ || Gone() || socket_->bytesToWrite() > 0) return;
+  ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
+}
+
+}  // namespace orven

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/audio_device.h"
+#include "programs/TTS/speech_jobs.h"
+#include "programs/TTS/spoken_sound.h"
+#include "programs/TTS/voice.h"
+
+namespace orven {
+
+/// Does what the messages over the link say: four letters of command, then its argument. Qt's main thread;
+/// nothing here waits.
+class CommandInterpreter {
+ public:
+  struct Parts {
+    SpeechJobs& jobs;
+    SpokenSound& sound;
+    AudioDevice& card;  ///< where `sound` is played
+  };
+  struct Answers {
+    std::function<void(const std::string& message)> reply;
+    std::function<void()> unloaded;  ///< once, from any thread: the helper may end
+  };
+
+  /// `voices` in the order in which they are offered, at least one.
+  CommandInterpreter(Parts parts, std::vector<Voice> voices, Answers answers);
+
+  /// A message that is none of the commands, or has no good argument, changes nothing.
+  void Obey(std::string_view message);
+
+  /// The end has been asked for: the link is not needed any more.
+  bool Unloading() const { return unloading_; }
+
+ private:
+  void TellVoices(std::string_view);
+  void SetVoice(std::string_view index);
+  void SetRate(std::string_view rate);
+  void Say(std::string_view text);
+  void Stop(std::string_view);
+  void SetFile(std::string_view path);
+  void Write(std::string_view text);
+  void Unload(std::string_view);
+  Utterance MakeUtterance(std::string_view text) const;
+
+  Parts parts_;
+  std::vector<Voice> voices_;
+  Answers answers_;
+  std::size_t voice_ = 0;
+  int rate_ = 0;
+  std::string path_;  ///< where to write; empty before the first "SFS:"
+  bool unloading_ = false;
+};
+
+}  // namespace orven

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/TTS/speech_engine.h"
+
+#include <espeak-ng/espeak_ng.h>
+#include <espeak-ng/speak_lib.h>
+
+#include <array>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+namespace orven {
+namespace {
+
+/// Where the speech of the present call goes; the library's callback carries nothing of ours when it
+/// has no event to tell of.
+struct Receiver {
+  const SpeechEngine::Sink& sink;
+  std::exception_ptr failure;
+};
+Receiver* g_receiver = nullptr;
+
+constexpr int kGoOn = 0;
+constexpr int kAbort = 1;
+
+int Receive(short* samples, int count, espeak_EVENT* /*events*/) {
+  if (samples == nullptr || count <= 0) return kGoOn;
+  // The library is C: no exception may pass through it.
+  try {
+    return g_receiver->sink({samples, static_cast<std::size_t>(count)}) ? kGoOn : kAbort;
+  } catch (...) {
+    g_receiver->failure = std::current_exception();
+    return kAbort;
+  }
+}
+
+void Check(espeak_ng_STATUS status, const std::string& what) {
+  if (status == ENS_OK) return;
+  std::array<char, 512> text{};
+  espeak_ng_GetStatusCodeMessage(status, text.data(), text.size());
+  throw std::runtime_error(what + ": " + text.data());
+}
+
+/// Control characters would be commands of the engine, or the text's end; they become blanks.
+std::string WithoutCommands(std::string text) {
+  for (char& letter : text) {
+    const auto code = static_cast<unsigned char>(letter);
+    const bool line_or_tab = letter == '\t' || letter == '\n' || letter == '\r';
+    if ((code < 0x20 && !line_or_tab) || code == 0x7F) letter = ' ';
+  }
+  return text;
+}
+
+/// The library's list: a byte of priority and a name, each ended by a zero, up to an empty entry.
+std::vector<std::string> Languages(const char* list) {
+  std::vector<std::string> languages;
+  while (list != nullptr && *list != '\0') {
+    languages.emplace_back(list + 1);
+    list += 1 + languages.back().size() + 1;
+  }
+  return languages;
+}
+
+}  // namespace
+
+SpeechEngine::SpeechEngine() {
+  espeak_ng_InitializePath(nullptr);
+  espeak_ng_ERROR_CONTEXT context = nullptr;
+  const espeak_ng_STATUS status = espeak_ng_Initialize(&context);
+  espeak_ng_ClearErrorContext(&context);
+  Check(status, "the speech engine cannot be used");
+  Check(espeak_ng_InitializeOutput(ENOUTPUT_MODE_SYNCHRONOUS, 0, nullptr),
+        "the speech engine cannot be used");
+  sample_rate_ = espeak_ng_GetSampleRate();
+  espeak_SetSynthCallback(Receive);
+}
+
+SpeechEngine::~SpeechEngine() {
+  espeak_ng_Terminate();
+}
+
+std::vector<Voice> SpeechEngine::Voices() const {
+  std::vector<Voice> voices;
+  // Without a criterion the list has no voices of other synthesizers, which may not be installed.
+  for (const espeak_VOICE** voice = espeak_ListVoices(nullptr); *voice != nullptr; ++voice) {
+    voices.push_back({(*voice)->name, (*voice)->identifier, Languages((*voice)->languages)});
+  }
+  return voices;
+}
+
+void SpeechEngine::Speak(const Utterance& utterance, const Sink& sink) {
+  Check(espeak_ng_SetVoiceByName(utterance.voice.c_str()),
+        "the voice " + utterance.voice + " cannot be used");
+  Check(espeak_ng_SetParameter(espeakRATE, utterance.words_per_minute, 0), "the rate cannot be set");
+  const std::string text = WithoutCommands(utterance.text);
+  Receiver receiver{sink, nullptr};
+  g_receiver = &receiver;
+  const espeak_ng_STATUS status = espeak_ng_Synthesize(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
+                                                       espeakCHARS_UTF8 | espeakENDPAUSE, nullptr, nullptr);
+  g_receiver = nullptr;
+  if (receiver.failure) std::rethrow_exception(receiver.failure);
+  if (status != ENS_SPEECH_STOPPED) Check(status, "the text cannot be spoken");
+}
+
+}  // namespace orven

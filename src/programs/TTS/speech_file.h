@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "adapters/files/descriptor.h"
+
+namespace orven {
+
+/// A sound file that appears under its name whole or not at all: WAV, PCM 16-bit, mono. It grows under a
+/// hidden name beside its own (".ttstmp.wav.tts-x1Y2z3"). All failures throw std::runtime_error, and the
+/// hidden file goes. One thread at a time.
+class SpeechFile {
+ public:
+  SpeechFile(std::string path, int sample_rate);
+
+  /// Removes what has not appeared.
+  ~SpeechFile();
+  SpeechFile(const SpeechFile&) = delete;
+  SpeechFile& operator=(const SpeechFile&) = delete;
+
+  void Write(std::span<const std::int16_t> samples);
+
+  /// Ends the file and waits until it has reached the disk. Throws also when all of it is silence.
+  void Finish();
+
+  /// Gives the finished file its name, in place of an older file.
+  void Appear();
+
+ private:
+  struct CloseSound {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+  };
+  [[noreturn]] void Fail(const std::string& reason) const;
+
+  std::string path_;
+  std::string hidden_path_;
+  std::optional<Descriptor> file_;
+  std::unique_ptr<SNDFILE, CloseSound> sound_;
+  std::uint64_t samples_ = 0;
+  bool heard_ = false;
+};
+
+/// Removes the hidden files that helpers which were killed have left of the file at `path`.
+void RemoveLeftovers(const std::string& path);
+
+/// Removes the file at `path` and the leftovers of it. Throws std::runtime_error when the file stays.
+void RemoveSpeechFile(const std::string& path);
+
+}  // namespace orven

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/TTS/speech_jobs.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "programs/TTS/report.h"
+#include "programs/TTS/speech_file.h"
+
+namespace orven {
+
+SpeechJobs::SpeechJobs(SpeechEngine& engine, SpokenSound& sound)
+    : engine_(engine), sound_(sound), thread_([this] { Run(); }) {}
+
+SpeechJobs::~SpeechJobs() {
+  sound_.CutOff();
+  AbandonFiles([](const File&) { return true; });
+  {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+  }
+  wake_.notify_one();
+  thread_.join();
+}
+
+void SpeechJobs::Say(Utterance utterance, SpokenSound::Ticket ticket) {
+  Add(Speech{std::move(utterance), ticket});
+}
+
+void SpeechJobs::Write(Utterance utterance, std::string path) {
+  auto file = std::make_shared<File>();
+  file->utterance = std::move(utterance);
+  file->path = std::move(path);
+  Add(std::move(file));
+}
+
+void SpeechJobs::Add(Job job) {
+  {
+    const std::lock_guard lock(mutex_);
+    jobs_.push_back(std::move(job));
+  }
+  wake_.notify_one();
+}
+
+void SpeechJobs::ForgetSpeech() {
+  const std::lock_guard lock(mutex_);
+  if (jobs_.empty()) return;
+  jobs_.erase(std::remove_if(jobs_.begin() + 1, jobs_.end(),
+                             [](const Job& job) { return std::holds_alternative<Speech>(job); }),
+              jobs_.end());
+}
+
+void SpeechJobs::AbandonFile(const std::string& path) {
+  AbandonFiles([&path](const File& file) { return file.path == path; });
+}
+
+/// Queued ones stay in their places and are passed over.
+void SpeechJobs::AbandonFiles(const std::function<bool(const File&)>& which) {
+  std::vector<std::shared_ptr<File>> files;
+  {
+    const std::lock_guard lock(mutex_);
+    for (const Job& job : jobs_) {
+      if (const auto* file = std::get_if<std::shared_ptr<File>>(&job)) files.push_back(*file);
+    }
+  }
+  for (const auto& file : files) {
+    if (which(*file)) file->Abandon();
+  }
+}
+
+void SpeechJobs::WhenFilesAreMade(std::function<void()> done) {
+  {
+    const std::lock_guard lock(mutex_);
+    when_made_ = std::move(done);
+  }
+  wake_.notify_one();
+}
+
+void SpeechJobs::Run() {
+  std::unique_lock lock(mutex_);
+  while (!ending_) {
+    if (jobs_.empty() && when_made_) std::exchange(when_made_, nullptr)();
+    wake_.wait(lock, [this] { return ending_ || when_made_ || !jobs_.empty(); });
+    if (ending_ || jobs_.empty()) continue;
+    // Shared or moved out of nothing: a job stays first, and in its place, while it is being done.
+    const Job& job = jobs_.front();
+    lock.unlock();
+    Do(job);
+    lock.lock();
+    jobs_.pop_front();
+  }
+}
+
+void SpeechJobs::Do(const Job& job) {
+  try {
+    if (const auto* speech = std::get_if<Speech>(&job)) {
+      Make(*speech);
+    } else {
+      Make(*std::get<std::shared_ptr<File>>(job));
+    }
+  } catch (const std::exception& failure) {
+    Report(failure.what());
+  }
+}
+
+void SpeechJobs::Make(const Speech& speech) {
+  try {
+    engine_.Speak(speech.utterance, [&](std::span<const std::int16_t> samples) {
+      return sound_.Write(speech.ticket, samples);
+    });
+  } catch (...) {
+    sound_.Finish(speech.ticket);
+    throw;
+  }
+  sound_.Finish(speech.ticket);
+}
+
+void SpeechJobs::Make(File& file) {
+  if (file.Abandoned()) return;
+  SpeechFile sound(file.path, engine_.SampleRate());
+  engine_.Speak(file.utterance, [&](std::span<const std::int16_t> samples) {
+    if (file.Abandoned()) return false;
+    sound.Write(samples);
+    return true;
+  });
+  if (file.Abandoned()) return;
+  sound.Finish();
+  const std::lock_guard lock(file.mutex);
+  if (!file.abandoned) sound.Appear();
+}
+
+}  // namespace orven
