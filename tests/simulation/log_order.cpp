@@ -38,8 +38,9 @@ bool IsUnexplainedFault(const std::string& line) {
   const bool of_full_disk = line.starts_with("ErrPutCallDetailsInDB 61 ") ||
                             line.starts_with("ErrMarkAsReadUnRead 61 ") ||
                             line.starts_with("ErrDeleteItemIndex 61 ");
+  const bool of_take = line.starts_with("Error Start RecMessage[") || line.starts_with("ErrStopRecGreet ");
   return line.starts_with("Err") && !line.starts_with("Error Playing Remote Control") &&
-         !line.starts_with("ErrPlayForAdmin 9 ") && !of_full_disk;
+         !line.starts_with("ErrPlayForAdmin 9 ") && !of_full_disk && !of_take;
 }
 
 /// What has been logged of the present call.

@@ -93,6 +93,7 @@ class Author {
     WriteVoice(begin);
     WriteDesk(begin);
     WriteList(begin);
+    WriteTakes(begin);
     auto end = Moment(begin);
     if (dice_.OneIn(5)) end += milliseconds(70000);  // beyond the longest message
     Add(end, "hangup", [](World& world) { world.line->HangUp(); });
@@ -169,6 +170,20 @@ class Author {
       const int row = 1 + dice_.Below(5);
       Add(Moment(begin), what + " " + std::to_string(row),
           [what, row](World& world) { UseList(world, what, row); });
+    }
+  }
+
+  /// Takes from the microphone, on the recorder that the calls need.
+  void WriteTakes(milliseconds begin) {
+    for (int takes = dice_.OneIn(4) ? 1 + dice_.Below(3) : 0; takes > 0; --takes) {
+      Add(Moment(begin), "take begins", [](World& world) {
+        auto& microphone = world.Machine().microphone;
+        if (!world.ended && !microphone.Busy()) microphone.Start(0);
+      });
+      Add(Moment(begin), "take ends", [](World& world) {
+        auto& microphone = world.Machine().microphone;
+        if (microphone.Recording()) microphone.Stop();
+      });
     }
   }
 

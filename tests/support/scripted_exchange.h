@@ -18,7 +18,7 @@ class ScriptedExchange : public DataExchange {
   bool up = true;
   bool takes = true;  ///< messages can be sent
   bool closed = false;
-  std::function<void()> while_waiting = [] {};  ///< what else happens inside OpenCheck
+  std::function<void()> while_waiting = [] {};  ///< what else happens inside the next OpenCheck
   std::function<void(const std::string&)> on_message = [](const std::string&) {};
 
   void Say(const std::string& text) {
@@ -33,7 +33,7 @@ class ScriptedExchange : public DataExchange {
   void SetEvents(DataExchangeEvents* events) override { events_ = events; }
   bool OpenCheck(std::int32_t seconds) override {
     checked.push_back(seconds);
-    while_waiting();
+    std::exchange(while_waiting, [] {})();
     return up;
   }
   bool Send(const std::string& text) override {

@@ -32,27 +32,31 @@ std::int32_t TimedWave::QueryRecordFormat(std::int32_t /*device*/, std::int32_t 
   return query_result;
 }
 
-std::int32_t TimedWave::StartRecord(std::int32_t /*device*/, const WaveFormat& format) {
+std::int32_t TimedWave::StartRecord(std::int32_t device, const WaveFormat& format) {
   if (IsRecording()) return kWaveBusy;
   if (start_result != kWaveOk) return start_result;
   recorded.push_back(format);
+  from_line_ = device >= kFirstLineWaveDevice;
   recording_since_ = time_.Uptime();
   return kWaveOk;
 }
 
 std::int32_t TimedWave::StopRecordToFile(const std::string& path) {
   if (!IsRecording()) return kWaveNotRecording;
-  last_recorded_path = path;
-  last_recorded_length = time_.Uptime() - *recording_since_;
+  const auto length = time_.Uptime() - *recording_since_;
   recording_since_.reset();
+  if (from_line_) {
+    last_recorded_path = path;
+    last_recorded_length = length;
+  }
   if (stop_result != kWaveOk) return stop_result;
   try {
     files_.before_write(path);
   } catch (const RuntimeError&) {
     return kWaveDiskFull;
   }
-  files_.Put(path, Sound(last_recorded_length));
-  ++written;
+  files_.Put(path, Sound(length));
+  from_line_ ? ++written : ++takes;
   return kWaveOk;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adapters/line/sim/virtual_time.h"
+#include "platform/audio_device.h"
 #include "platform/wave.h"
 #include "support/memory_files.h"
 
@@ -42,7 +43,8 @@ class TimedWave : public WaveControl {
   std::vector<Played> played;           ///< every file that was started
   std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
   std::vector<std::int32_t> monitored;  ///< the device of every live play
-  int written = 0;                      ///< recordings that became files
+  int written = 0;                      ///< messages that became files
+  int takes = 0;                        ///< recordings from a sound card that became files
   std::string last_recorded_path;
   std::chrono::milliseconds last_recorded_length{0};
   bool to_disk = false;
@@ -78,6 +80,7 @@ class TimedWave : public WaveControl {
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
   std::optional<std::chrono::milliseconds> recording_since_;
+  bool from_line_ = false;  ///< the recording
   bool playing_ = false;
   std::chrono::milliseconds play_length_{0};
   std::chrono::milliseconds beginning_{0};  ///< the uptime at which position 0 was, or would have been
