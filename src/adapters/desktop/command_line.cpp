@@ -3,6 +3,7 @@
 
 #include <QFileInfo>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 
 #include "platform/runtime_error.h"
@@ -41,7 +42,10 @@ std::vector<std::string> SplitCommandLine(std::string_view line) {
 }
 
 void StartCommandLine(const std::string& line) {
-  const auto parts = SplitCommandLine(line);
+  StartProgram(SplitCommandLine(line), {});
+}
+
+void StartProgram(const std::vector<std::string>& parts, const Environment& added) {
   if (parts.empty() || parts.front().empty()) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the command is empty");
   }
@@ -55,6 +59,11 @@ void StartCommandLine(const std::string& line) {
   QStringList arguments;
   for (std::size_t i = 1; i < parts.size(); ++i) arguments << QString::fromStdString(parts[i]);
   process.setArguments(arguments);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const auto& [name, value] : added) {
+    environment.insert(QString::fromStdString(name), QString::fromStdString(value));
+  }
+  if (!added.empty()) process.setProcessEnvironment(environment);
   process.setStandardInputFile(QProcess::nullDevice());
   if (!process.startDetached()) {
     throw RuntimeError(ErrorNumber::PermissionDenied,

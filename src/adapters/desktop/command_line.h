@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orven {
@@ -12,9 +13,15 @@ namespace orven {
 /// the end. No other character means anything.
 std::vector<std::string> SplitCommandLine(std::string_view line);
 
+/// Names and values of environment variables.
+using Environment = std::vector<std::pair<std::string, std::string>>;
+
 /// Starts the program in `line` as a process of its own, through no command interpreter, in the folder
 /// of this process and with its environment. Throws as Shell::Run. There is no window style here:
 /// programs decide about their windows themselves on this platform.
 void StartCommandLine(const std::string& line);
+
+/// The same for a line that has been split; the program gets the variables in `added` besides ours.
+void StartProgram(const std::vector<std::string>& parts, const Environment& added);
 
 }  // namespace orven

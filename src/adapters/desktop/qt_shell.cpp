@@ -8,7 +8,6 @@
 #include <QUrl>
 #include <utility>
 
-#include "adapters/desktop/command_line.h"
 #include "adapters/desktop/qt_dialogs.h"
 
 namespace orven {
@@ -110,7 +109,21 @@ void QtShell::Activated(QSystemTrayIcon::ActivationReason reason) const {
 }
 
 void QtShell::Run(const std::string& command, std::int32_t /*window_style*/) {
-  StartCommandLine(command);
+  auto parts = SplitCommandLine(command);
+  if (parts.empty() || !IsHelper(parts.front())) return StartProgram(parts, {});
+  const HelperStart start = start_helper_();
+  parts.front() = start.path;
+  StartProgram(parts, start.environment);
+}
+
+void QtShell::SetHelper(std::string file_name, std::function<HelperStart()> start) {
+  helper_name_ = std::move(file_name);
+  start_helper_ = std::move(start);
+}
+
+bool QtShell::IsHelper(const std::string& program) const {
+  const QFileInfo file(QString::fromStdString(program));
+  return start_helper_ && file.fileName().toStdString() == helper_name_ && !file.exists();
 }
 
 }  // namespace orven

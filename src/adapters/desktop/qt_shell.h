@@ -9,10 +9,17 @@
 #include <memory>
 #include <string>
 
+#include "adapters/desktop/command_line.h"
 #include "adapters/desktop/tray_host.h"
 #include "platform/shell.h"
 
 namespace orven {
+
+/// How a helper of the program is started.
+struct HelperStart {
+  std::string path;         ///< the executable file
+  Environment environment;  ///< variables that it gets besides ours
+};
 
 /// The shell port on the desktop's tray (StatusNotifierItem over D-Bus where the desktop has a host for
 /// it, else the XEmbed tray of X11) and on its table of programs for documents. Needs a QApplication;
@@ -51,6 +58,11 @@ class QtShell final : public Shell {
   /// and true says that it was started, not that it showed something.
   bool Open(const std::string& target) override;
 
+  /// A helper that is called `file_name` in commands, in whatever folder, and is another file here: where
+  /// Run is given a program of that name that does not exist, it starts what `start` says, which is asked
+  /// each time and may throw as Run does. An error names the file that `start` gave.
+  void SetHelper(std::string file_name, std::function<HelperStart()> start);
+
   void Run(const std::string& command, std::int32_t window_style) override;
 
   /// The desktop's side of the icon; nullptr until the kind of tray is decided.
@@ -62,6 +74,10 @@ class QtShell final : public Shell {
   void ShowPicture();
   void Activated(QSystemTrayIcon::ActivationReason reason) const;
 
+  bool IsHelper(const std::string& program) const;
+
+  std::string helper_name_;
+  std::function<HelperStart()> start_helper_;
   QIcon main_window_;
   QIcon nothing_;
   MouseHandler on_mouse_;
