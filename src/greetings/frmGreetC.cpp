@@ -156,6 +156,8 @@ void frmGreetC::SelectTab(CreatorTab tab) {
 void frmGreetC::ShowButtons(const CreatorButtons& buttons) {
   Frame1_->ShowButtons(buttons);
   Frame2_->ShowButtons(buttons);
+  // Not to Cancel, where Return would give up what could not be saved.
+  if (!buttons.cmdOK && focusWidget() == cmdOK_) txtGreetingName_->setFocus();
   cmdOK_->setEnabled(buttons.cmdOK);
 }
 

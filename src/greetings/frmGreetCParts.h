@@ -2,16 +2,16 @@
 #pragma once
 
 #include <QPushButton>
-#include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace orven {
 
 /// A push button of the greeting creator; `icon` is a Freedesktop icon name, null for none.
 QPushButton* MakeButton(const char* name, const QString& caption, const char* icon, QWidget* parent);
 
-/// Enables and disables buttons together. The focus of one that is disabled goes on to one that can be
-/// pressed next.
-void EnableButtons(std::initializer_list<std::pair<QPushButton*, bool>> buttons);
+/// Enables and disables buttons, given in the order in which they are used. The focus of one that is
+/// disabled goes on to the next one that can be pressed, else back to one before it.
+void EnableButtons(const std::vector<std::pair<QPushButton*, bool>>& buttons);
 
 }  // namespace orven

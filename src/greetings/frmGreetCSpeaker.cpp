@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "greetings/frmGreetCSpeaker.h"
 
+#include <QBoxLayout>
+#include <QGroupBox>
 #include <algorithm>
 #include <limits>
 
@@ -43,10 +45,10 @@ SpeakerFrame::SpeakerFrame(QWidget* parent)
       lblPlay_(MakeChild<QLabel>(this)),
       ProgressBar1_(MakeChild<QProgressBar>(this)) {
   setObjectName(QStringLiteral("Frame1"));
-  auto* grid = MakeChild<QGridLayout>(this);
-  grid->setColumnStretch(kColumns - 1, 1);
-  AddRecording(*grid);
-  AddPlaying(*grid);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  AddRecording(*MakeGroup(tr("Record with the microphone"), *column));
+  column->addStretch(1);
+  AddPlaying(*MakeGroup(tr("Listen"), *column));
   ShowRecProgress(0);
   ShowPlayProgress({}, {});
   ShowRecLabel(false);
@@ -54,6 +56,14 @@ SpeakerFrame::SpeakerFrame(QWidget* parent)
   connect(cmdStopRec_, &QPushButton::clicked, this, &SpeakerFrame::StopRecord);
   connect(cmdPlay_, &QPushButton::clicked, this, &SpeakerFrame::Play);
   connect(cmdStopPlay_, &QPushButton::clicked, this, &SpeakerFrame::StopPlay);
+}
+
+QGridLayout* SpeakerFrame::MakeGroup(const QString& title, QBoxLayout& column) {
+  auto* group = MakeChild<QGroupBox>(title, this);
+  column.addWidget(group);
+  auto* grid = MakeChild<QGridLayout>(group);
+  grid->setColumnStretch(kColumns - 1, 1);
+  return grid;
 }
 
 void SpeakerFrame::AddRecording(QGridLayout& grid) {
@@ -77,7 +87,6 @@ void SpeakerFrame::AddRecording(QGridLayout& grid) {
   grid.addWidget(lblRec_, 0, 2);
   grid.addWidget(ProgressBarRec_, 1, 0, 1, kColumns);
   grid.addWidget(prgLevel_, 2, 0, 1, kColumns);
-  grid.setRowStretch(3, 1);
 }
 
 void SpeakerFrame::AddPlaying(QGridLayout& grid) {
@@ -89,10 +98,11 @@ void SpeakerFrame::AddPlaying(QGridLayout& grid) {
   ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
   ProgressBar1_->setAccessibleName(tr("Position in the recording"));
   ProgressBar1_->setTextVisible(false);
-  grid.addWidget(cmdPlay_, 4, 0);
-  grid.addWidget(cmdStopPlay_, 4, 1);
-  grid.addWidget(lblPlay_, 4, 2);
-  grid.addWidget(ProgressBar1_, 5, 0, 1, kColumns);
+  ProgressBar1_->setFixedHeight(prgLevel_->sizeHint().height());  // it has no text to hold
+  grid.addWidget(cmdPlay_, 0, 0);
+  grid.addWidget(cmdStopPlay_, 0, 1);
+  grid.addWidget(lblPlay_, 0, 2);
+  grid.addWidget(ProgressBar1_, 1, 0, 1, kColumns);
 }
 
 void SpeakerFrame::ShowButtons(const CreatorButtons& buttons) {

@@ -36,6 +36,7 @@ class SpeakerFrame : public QWidget {
   void StopPlay();
 
  private:
+  QGridLayout* MakeGroup(const QString& title, QBoxLayout& column);
   void AddRecording(QGridLayout& grid);
   void AddPlaying(QGridLayout& grid);
   void ShowTimes();

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "greetings/frmGreetCSpeech.h"
 
-#include <QFormLayout>
 #include <QGridLayout>
 #include <QLabel>
+#include <QStyle>
 
 #include "greetings/frmGreetCParts.h"
 #include "shell/frmMakeChild.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kFastest = 10;
 constexpr int kTickEvery = 5;
-constexpr int kLines = 4;  // of the text that can be seen at least
+constexpr int kLines = 5;  // of the text that can be seen at least
 
 }  // namespace
 
@@ -28,19 +28,12 @@ SpeechFrame::SpeechFrame(QWidget* parent)
       cmdCreateGreeting_(MakeButton("cmdCreateGreeting", tr("&Create Greeting"), "document-new", this)) {
   setObjectName(QStringLiteral("Frame2"));
   SetUpText();
-  auto* form = MakeChild<QFormLayout>();
-  auto* voice = MakeChild<QLabel>(tr("&Voice:"), this);
-  voice->setBuddy(VoiceCB_);
-  form->addRow(voice, MakeVoice());
-  auto* rate = MakeChild<QLabel>(tr("Rat&e:"), this);
-  rate->setBuddy(RateSldr_);
-  form->addRow(rate, MakeRate());
   auto* column = MakeChild<QVBoxLayout>(this);
   auto* text = MakeChild<QLabel>(tr("Te&xt:"), this);
   text->setBuddy(txtTTS_);
   column->addWidget(text);
   column->addWidget(txtTTS_, 1);
-  column->addLayout(form);
+  column->addLayout(MakeVoice());
   column->addLayout(MakeButtons());
   Connect();
 }
@@ -50,20 +43,35 @@ void SpeechFrame::SetUpText() {
   txtTTS_->setAccessibleName(tr("Text of the greeting"));
   txtTTS_->setPlaceholderText(tr("What callers are to hear"));
   txtTTS_->setTabChangesFocus(true);
+  txtTTS_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
   txtTTS_->setMinimumHeight(kLines * txtTTS_->fontMetrics().lineSpacing() + 2 * txtTTS_->frameWidth() +
                             int(2 * txtTTS_->document()->documentMargin()));
 }
 
 QLayout* SpeechFrame::MakeVoice() {
+  SetUpVoice();
+  auto* voice = MakeChild<QLabel>(tr("&Voice:"), this);
+  voice->setBuddy(VoiceCB_);
+  auto* rate = MakeChild<QLabel>(tr("Rat&e:"), this);
+  rate->setBuddy(RateSldr_);
+  auto* grid = MakeChild<QGridLayout>();
+  grid->setColumnStretch(2, 1);
+  grid->setVerticalSpacing(0);  // the number stands close to its tick
+  grid->setRowMinimumHeight(1, style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+  grid->addWidget(voice, 0, 0);
+  grid->addWidget(VoiceCB_, 0, 1, 1, 3);
+  grid->addWidget(rate, 2, 0);
+  grid->addWidget(MakeChild<QLabel>(tr("Slow"), this), 2, 1);
+  grid->addWidget(RateSldr_, 2, 2);
+  grid->addWidget(MakeChild<QLabel>(QString::number(0), this), 3, 2, Qt::AlignHCenter);
+  grid->addWidget(MakeChild<QLabel>(tr("Fast"), this), 2, 3);
+  return grid;
+}
+
+void SpeechFrame::SetUpVoice() {
   VoiceCB_->setObjectName(QStringLiteral("VoiceCB"));
   VoiceCB_->setAccessibleName(tr("Voice"));
   VoiceCB_->setToolTip(tr("Type a part of a voice's name to find it"));
-  auto* row = MakeChild<QHBoxLayout>();
-  row->addWidget(VoiceCB_, 1);
-  return row;
-}
-
-QLayout* SpeechFrame::MakeRate() {
   RateSldr_->setObjectName(QStringLiteral("RateSldr"));
   RateSldr_->setAccessibleName(tr("Rate"));
   RateSldr_->setToolTip(tr("How fast the text is spoken"));
@@ -72,20 +80,13 @@ QLayout* SpeechFrame::MakeRate() {
   RateSldr_->setTickInterval(kTickEvery);
   RateSldr_->setTickPosition(QSlider::TicksBelow);
   IgnoreStrayWheel(*RateSldr_);
-  auto* grid = MakeChild<QGridLayout>();
-  grid->setVerticalSpacing(0);
-  grid->setColumnStretch(1, 1);
-  grid->addWidget(MakeChild<QLabel>(tr("Slow"), this), 0, 0);
-  grid->addWidget(RateSldr_, 0, 1);
-  grid->addWidget(MakeChild<QLabel>(tr("Fast"), this), 0, 2);
-  grid->addWidget(MakeChild<QLabel>(QString::number(0), this), 1, 1, Qt::AlignHCenter);
-  return grid;
 }
 
 QLayout* SpeechFrame::MakeButtons() {
   SpeakBtn_->setToolTip(tr("Listen to the text"));
   StopBtn_->setToolTip(tr("Stop speaking at once"));
-  cmdCreateGreeting_->setToolTip(tr("Make a greeting of the text"));
+  cmdCreateGreeting_->setToolTip(
+      tr("Make a greeting of the text, with the voice and the rate that it was spoken with last"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(SpeakBtn_);
   row->addWidget(StopBtn_);
@@ -100,10 +101,7 @@ void SpeechFrame::Connect() {
     emit Speak();
   });
   connect(StopBtn_, &QPushButton::clicked, this, &SpeechFrame::StopSpeaking);
-  connect(cmdCreateGreeting_, &QPushButton::clicked, this, [this] {
-    VoiceCB_->Settle();
-    emit CreateGreeting();
-  });
+  connect(cmdCreateGreeting_, &QPushButton::clicked, this, &SpeechFrame::CreateGreeting);
 }
 
 void SpeechFrame::ShowButtons(const CreatorButtons& buttons) {

@@ -33,8 +33,8 @@ class SpeechFrame : public QWidget {
 
  private:
   void SetUpText();
+  void SetUpVoice();
   QLayout* MakeVoice();
-  QLayout* MakeRate();
   QLayout* MakeButtons();
   void Connect();
 

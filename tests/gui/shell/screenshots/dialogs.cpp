@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/screenshots/dialogs.h"
 
-#include <QPainter>
 #include <QStyleFactory>
-#include <cstdio>
 
 #include "actions/frmActions.h"
 #include "gui/shell/desk.h"
+#include "gui/shell/screenshots/pictures.h"
 #include "notify/frmEvents.h"
 #include "notify/frmMSG.h"
 
@@ -33,32 +32,6 @@ const char* const kSettings = R"("cPlayInRing"="1"
 "SMTPUser"="anna"
 "SMTPPass"="only a picture"
 )";
-
-/// Several tabs or states of one window, beside each other.
-bool Save(const QList<QPixmap>& pictures, const QString& path) {
-  constexpr int kGap = 12;
-  QSize size(-kGap, 0);
-  for (const auto& picture : pictures) {
-    size = {size.width() + kGap + picture.width(), std::max(size.height(), picture.height())};
-  }
-  QPixmap whole(size);
-  whole.fill(Qt::transparent);
-  QPainter painter(&whole);
-  int x = 0;
-  for (const auto& picture : pictures) {
-    painter.drawPixmap(x, 0, picture);
-    x += picture.width() + kGap;
-  }
-  painter.end();
-  std::puts(qPrintable(path));
-  return whole.save(path);
-}
-
-QPixmap Shown(QWidget& window) {
-  window.show();
-  QTest::qWait(100);  // it lays itself out when nothing else is to be done
-  return window.grab();
-}
 
 QList<QPixmap> CallerViews(Desk& desk) {
   frmMSG view(desk.window);

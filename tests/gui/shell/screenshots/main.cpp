@@ -11,7 +11,9 @@
 #include <random>
 
 #include "gui/shell/desk.h"
+#include "gui/shell/screenshots/creator.h"
 #include "gui/shell/screenshots/dialogs.h"
+#include "gui/shell/screenshots/pictures.h"
 #include "records/call_fields.h"
 
 namespace orven::test {
@@ -31,15 +33,6 @@ constexpr Scene kScenes[] = {
     {"scaled", false, "2", {900, 560}, 14, true}, {"small", false, "1", {560, 360}, 14, false},
     {"empty", false, "1", {900, 560}, 0, false},  {"many", true, "1.5", {760, 480}, 200, false},
 };
-
-QPalette DarkPalette() {
-  QPalette palette(QColor(53, 55, 58), QColor(42, 44, 47));
-  palette.setColor(QPalette::Base, QColor(30, 32, 34));
-  palette.setColor(QPalette::AlternateBase, QColor(38, 40, 43));
-  palette.setColor(QPalette::Highlight, QColor(61, 174, 233));
-  palette.setColor(QPalette::HighlightedText, Qt::black);
-  return palette;
-}
 
 /// What speech looks like: words with pauses between, louder and softer.
 std::vector<std::int16_t> Speech(int seconds, unsigned seed) {
@@ -129,6 +122,12 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     return orven::test::MakeDialogs(folder) ? 0 : 1;
   }
+  if (argc > 2 && QByteArray(argv[2]).startsWith("creator")) {
+    const auto picture = QByteArray(argv[2]);
+    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
+    const QApplication application(argc, argv);
+    return orven::test::MakeCreator(folder, picture) ? 0 : 1;
+  }
   if (argc > 2) {
     const auto& scene = kScenes[static_cast<std::size_t>(std::atoi(argv[2]))];
     qputenv("QT_SCALE_FACTOR", scene.scale);
@@ -136,7 +135,8 @@ int main(int argc, char** argv) {
     return orven::test::Make(scene, folder);
   }
   if (!QDir().mkpath(folder)) return 1;
-  QStringList pictures{QStringLiteral("dialogs")};
+  QStringList pictures{QStringLiteral("dialogs"), QStringLiteral("creator"), QStringLiteral("creator_dark"),
+                       QStringLiteral("creator_scaled")};
   for (std::size_t i = 0; i < std::size(kScenes); ++i) pictures << QString::number(i);
   for (const auto& picture : pictures) {
     if (QProcess::execute(QString::fromLocal8Bit(argv[0]), {folder, picture}) != 0) return 1;
