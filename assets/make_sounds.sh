@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Makes the sounds that an installation starts with, into this folder. Needs espeak-ng and sox; run
-# it after changing it, and commit what it made.
+# Makes the sounds that an installation starts with, into this folder. Needs sox; run it after
+# changing it, and commit what it made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
-mkdir -p Greets Sound
+mkdir -p Sound
 
 # sox without dither (-D): the same input gives the same file.
 line_wav=(-r 8000 -c 1 -b 16 -e signed-integer)   # what a telephone line carries
@@ -12,15 +12,6 @@ desk_wav=(-r 22050 -c 1 -b 16 -e signed-integer)  # what the sound card plays
 
 # The beep: 0.4 s of 1 kHz, with 20 ms ramps so that it does not click, at -10 dB full scale.
 sox -D -n "${line_wav[@]}" beep.wav synth 0.4 sine 1000 fade q 0.02 0.4 0.02 gain -10
-
-# The greeting, within the telephone's band, with a short pause before it: the first instant of an
-# answered call is often lost.
-speech=$(mktemp --suffix=.wav)
-trap 'rm -f "$speech"' EXIT
-espeak-ng -v en-us+f3 -s 170 -w "$speech" \
-  "Hello. Nobody can take your call right now. Please leave a message after the tone."
-sox -D "$speech" "${line_wav[@]}" Greets/Default.wav highpass 200 lowpass 3400 gain -n -4 \
-  silence 1 0.01 0.2% reverse silence 1 0.01 0.2% reverse pad 0.3 0.2
 
 # A call rings: two soft notes, twice. A message was left: three rising notes. To choose from besides:
 # a doorbell's two notes, a clock's four, and one short note for those who like it quiet.
@@ -33,6 +24,6 @@ sox -D "$(note 659 0.5)" "$(note 523 0.9)" "${desk_wav[@]}" Sound/Doorbell.wav
 sox -D "$(note 659 0.4)" "$(note 523 0.4)" "$(note 587 0.4)" "$(note 392 0.9)" "${desk_wav[@]}" Sound/Clock.wav
 sox -D "$(note 988 0.3)" "${desk_wav[@]}" Sound/Note.wav
 
-for file in beep.wav Greets/*.wav Sound/*.wav; do
+for file in beep.wav Sound/*.wav; do
   printf '%-20s %5.2f s  %5d Hz\n' "$file" "$(soxi -D "$file")" "$(soxi -r "$file")"
 done

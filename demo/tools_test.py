@@ -47,7 +47,7 @@ class Snr(unittest.TestCase):
 
 class Beep(unittest.TestCase):
     def test_is_found_after_the_greeting_once_it_is_over(self):
-        greeting = sound.read(os.path.join(ASSETS, "Greets", "Default.wav"))
+        greeting = sound.speech("Nobody can take your call right now.", "en-us")
         beep = sound.read(os.path.join(ASSETS, "beep.wav"))
         self.assertIsNone(sound.end_of_beep(greeting + sound.silence(1)))
         self.assertIsNone(sound.end_of_beep(greeting + beep[: len(beep) - 2 * sound.BLOCK]))

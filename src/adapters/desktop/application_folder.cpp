@@ -104,11 +104,8 @@ std::string FindApplicationFolder(const FolderHints& hints) {
 }
 
 std::string FindAssets(const std::string& executable_folder) {
-  for (const char* place : {"/../share/orven", "/../../../assets"}) {
-    const QString folder = Absolute(QString::fromStdString(executable_folder) + QString::fromLatin1(place));
-    if (QFile::exists(folder + QStringLiteral("/beep.wav"))) return folder.toStdString();
-  }
-  return {};
+  const QString folder = Absolute(QString::fromStdString(executable_folder + "/../share/orven"));
+  return QFile::exists(folder + QStringLiteral("/beep.wav")) ? folder.toStdString() : std::string();
 }
 
 std::string MakeApplicationFolder(const std::string& folder) {

@@ -24,8 +24,7 @@ FolderHints ProcessFolderHints();
 std::string FindApplicationFolder(const FolderHints& hints);
 
 /// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg): ../share/orven seen
-/// from the executable, or the source tree's assets seen from build/<preset>/bin. Empty when there is
-/// none.
+/// from the executable, in the build folder as in an installation. Empty when there is none.
 std::string FindAssets(const std::string& executable_folder);
 
 /// What SeedApplicationFolder did. A problem names the file or folder and the reason.

@@ -32,7 +32,7 @@ int main(int count, char** arguments) {
     std::cerr << "ORVEN: " << problem << std::endl;
     return EXIT_FAILURE;
   }
-  orven::Program program(folder, orven::FindAssets(hints.executable_folder));
+  orven::Program program({folder, hints.executable_folder, orven::FindAssets(hints.executable_folder)});
   const orven::ExitSignals exit_signals([&] { program.Exit(); });
   const orven::QuitRequests quit_requests([&] {
     const bool ending = program.Ended();

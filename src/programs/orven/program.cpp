@@ -6,6 +6,7 @@
 #include <random>
 
 #include "adapters/desktop/application_folder.h"
+#include "adapters/desktop/speech_presence.h"
 #include "core/registry_values.h"
 #include "programs/orven/telephone_lines.h"
 #include "records/call_fields.h"
@@ -15,6 +16,12 @@ namespace {
 
 /// Where a recording goes for which the messages folder has no place.
 constexpr const char* kRescueFolder = "\\Rescued";
+
+/// The speech engine's name among the installed classes, the program that drives it, and how that program
+/// learns where we wait for it.
+constexpr const char* kSpeechEngine = "SAPI.SpVoice";
+constexpr const char* kSpeechHelper = "TTS.exe";
+constexpr const char* kChannelVariable = "ORVEN_CHANNEL";
 
 /// Where mails wait that are not sent yet.
 constexpr const char* kOutbox = "\\Outbox";
@@ -32,14 +39,15 @@ SharedOptions InFolder(const std::string& folder) {
 
 }  // namespace
 
-Program::Program(const std::string& folder, std::string assets)
-    : shared_(InFolder(folder)),
-      assets_(std::move(assets)),
-      system_(folder),
+Program::Program(Folders folders)
+    : shared_(InFolder(folders.application)),
+      folders_(std::move(folders)),
+      system_(folders_.application),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
       background_(loop_),
-      registry_(shared_.InApplicationFolder("\\registry.reg"),
-                [this](const std::string& text) { Report(text); }),
+      registry_file_(shared_.InApplicationFolder("\\registry.reg"),
+                     [this](const std::string& text) { Report(text); }),
+      registry_(registry_file_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
       database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
                 [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
@@ -49,6 +57,8 @@ Program::Program(const std::string& folder, std::string assets)
       line_wave_(loop_, line_devices_, shared_.InApplicationFolder(kRescueFolder)),
       desk_wave_(loop_, desk_devices_, shared_.InApplicationFolder(kRescueFolder)),
       waveforms_(loop_),
+      take_waveforms_(loop_),
+      uDat_(loop_),
       caller_view_(frame_),
       shell_(frame_.windowIcon()),
       mail_(
@@ -61,6 +71,9 @@ Program::Program(const std::string& folder, std::string assets)
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
   shell_.SetMenu(&frame_.TrayMenu());
+  shell_.SetHelper(kSpeechHelper, [this] {
+    return HelperStart{HelperPath(), {{kChannelVariable, uDat_.Listen()}}};
+  });
   shell_.SetMouseHandler(
       [this](double x, double twips_per_pixel) { window_.TrayMouseMove(x, twips_per_pixel); });
 }
@@ -68,8 +81,12 @@ Program::Program(const std::string& folder, std::string assets)
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_, loop_, files_,    background_, registry_,  dialogs_,   shell_,
-          mouse_, mail_, database_, lines_,      line_wave_, desk_wave_, waveforms_};
+  return {clock_, loop_,     files_, background_, registry_,  dialogs_,   shell_,          mouse_,
+          mail_,  database_, lines_, line_wave_,  desk_wave_, waveforms_, take_waveforms_, uDat_};
+}
+
+std::string Program::HelperPath() const {
+  return folders_.executable + "/TTS";
 }
 
 MailAccount Program::Account() {
@@ -101,7 +118,7 @@ bool Program::Start(const std::string& command_line) {
 
 void Program::PrepareFolder(bool first_start) {
   prepared_ = true;
-  const auto seeded = SeedApplicationFolder(shared_.application_folder, assets_, first_start);
+  const auto seeded = SeedApplicationFolder(shared_.application_folder, folders_.assets, first_start);
   for (const auto& problem : early_problems_) Report(problem);
   for (const auto& problem : seeded.problems) Report(problem);
   if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
@@ -110,7 +127,7 @@ void Program::PrepareFolder(bool first_start) {
 FirstStart::Sources Program::FirstStartSources() {
   FirstStart::Sources sources;
   sources.defaults = [this] {
-    return ReadRegistryExport(assets_ + "/defaults.reg", RegistryRoot::LocalMachine, kSettingsKey,
+    return ReadRegistryExport(folders_.assets + "/defaults.reg", RegistryRoot::LocalMachine, kSettingsKey,
                               [this](const std::string& text) { Report(text); });
   };
   sources.random = [](std::uint32_t bound) {

@@ -7,6 +7,7 @@
 
 #include "adapters/audio/file_wave_control.h"
 #include "adapters/audio/waveform_reader.h"
+#include "adapters/channel/local_exchange.h"
 #include "adapters/database/sqlite_database.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/qt_clock.h"
@@ -18,6 +19,7 @@
 #include "adapters/files/disk_files.h"
 #include "adapters/line/service/line_service.h"
 #include "adapters/mail/smtp_mail.h"
+#include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
 #include "adapters/sound/all_audio_devices.h"
 #include "adapters/sound/sound_cards.h"
@@ -33,8 +35,15 @@ namespace orven {
 /// each other. Needs a QApplication; user-interface thread.
 class Program {
  public:
-  /// `folder` is the application folder, made already; `assets` the installed assets, empty if none.
-  Program(const std::string& folder, std::string assets);
+  /// Folders are absolute: the application folder, made already; the executable's; and the installed
+  /// assets', empty if there are none.
+  struct Folders {
+    std::string application;
+    std::string executable;
+    std::string assets;
+  };
+
+  explicit Program(Folders folders);
   ~Program();
 
   /// Starts the answering machine. False when another instance runs in this folder.
@@ -50,13 +59,14 @@ class Program {
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
   EnginePorts Ports();
+  std::string HelperPath() const;
   MailAccount Account();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<std::unique_ptr<LineDriver>> MakeLines();
 
   SharedOptions shared_;
-  std::string assets_;
+  Folders folders_;
   std::vector<std::string> early_problems_;  ///< found before this process knew that it is the one
   bool prepared_ = false;
   Lifeline lifeline_;
@@ -67,7 +77,8 @@ class Program {
   QtDialogs dialogs_;
   DiskFiles files_;
   BackgroundThread background_;
-  RegistryFile registry_;
+  RegistryFile registry_file_;
+  InstalledClasses registry_;
   SqliteDatabase database_;
   LineService lines_;
   SoundCards cards_;
@@ -76,6 +87,8 @@ class Program {
   FileWaveControl line_wave_;
   FileWaveControl desk_wave_;
   FileWaveformReader waveforms_;
+  FileWaveformReader take_waveforms_;
+  LocalExchange uDat_;
   frmMain frame_;
   frmMSG caller_view_;
   QtShell shell_;

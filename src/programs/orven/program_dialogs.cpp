@@ -3,6 +3,7 @@
 
 #include "actions/actions_dialog.h"
 #include "actions/frmActions.h"
+#include "greetings/frmGreetC.h"
 #include "notify/events_dialog.h"
 #include "notify/frmEvents.h"
 
@@ -14,12 +15,13 @@ void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
 }
 
 bool ProgramDialogs::Offers(Dialog dialog) const {
-  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions;
+  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions || dialog == Dialog::frmGreetC;
 }
 
 void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmEvents) OpenEvents(tab);
   if (dialog == Dialog::frmActions) OpenActions(tab);
+  if (dialog == Dialog::frmGreetC) OpenGreetingCreator();
 }
 
 void ProgramDialogs::OpenEvents(int tab) {
@@ -27,6 +29,13 @@ void ProgramDialogs::OpenEvents(int tab) {
   EventsDialog engine({machine.settings, machine.store, machine.shared, ports_.files, machine.sounds,
                        machine.player, ports_.dialogs, machine.caller_view});
   frmEvents(engine, tab, window_).exec();
+}
+
+void ProgramDialogs::OpenGreetingCreator() {
+  frmGreetC window(window_);
+  GreetingCreator engine(machine_->ForGreetingCreator(nullptr), window);
+  window.Attach(engine);
+  window.exec();
 }
 
 void ProgramDialogs::OpenActions(int tab) {

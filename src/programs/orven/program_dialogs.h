@@ -23,6 +23,7 @@ class ProgramDialogs : public DialogFactory {
  private:
   void OpenEvents(int tab);
   void OpenActions(int tab);
+  void OpenGreetingCreator();
 
   EnginePorts ports_;
   AnsweringMachine* machine_ = nullptr;
