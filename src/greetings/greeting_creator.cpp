@@ -197,7 +197,7 @@ void GreetingCreator::EndPlaying() {
 
 void GreetingCreator::Speak() {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { link_.Speak(view_.Text(), view_.SelectedVoice(), view_.Rate()); });
+  trap([&] { link_.Speak(view_.Text(), Manner()); });
 }
 
 void GreetingCreator::StopSpeaking() {
@@ -219,7 +219,7 @@ void GreetingCreator::CreateGreeting() {
     parts_.waveforms.Cancel();
     view_.ShowWaveform({});
     speaker_take_ = false;
-    speech_take_ = recorded_ = speech_.Make(text, [this](bool there) { SpeechDone(there); });
+    speech_take_ = recorded_ = speech_.Make(text, Manner(), [this](bool there) { SpeechDone(there); });
     view_.ShowState(speech_take_ ? "The greeting is being made of the text" : "");
     ShowButtons();
   });

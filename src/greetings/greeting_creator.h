@@ -76,6 +76,7 @@ class GreetingCreator : private SpeechLinkListener {
   void VoicesArrived(const std::vector<std::string>& descriptions) override;
   void HelperLost() override;
 
+  SpeechLink::Manner Manner() const { return {view_.SelectedVoice(), view_.Rate()}; }
   void ShowButtons();
   void ShowTake(const std::string& path, const char* kind);
   bool MayReplace(bool other_take, const char* question);

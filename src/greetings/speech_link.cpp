@@ -82,10 +82,15 @@ bool SpeechLink::Up() {
   return !unloaded_ && ports_.uDat.OpenCheck(kWaitForHelper);
 }
 
-void SpeechLink::Speak(const std::string& text, std::int32_t voice, std::int32_t rate) {
+void SpeechLink::Tell(Manner manner) {
+  ports_.uDat.Send("SVC:" + std::to_string(manner.voice));
+  ports_.uDat.Send("SRT:" + std::to_string(manner.rate));
+  manner_ = manner;
+}
+
+void SpeechLink::Speak(const std::string& text, Manner manner) {
   if (text.empty() || !Up()) return;
-  ports_.uDat.Send("SVC:" + std::to_string(voice));
-  ports_.uDat.Send("SRT:" + std::to_string(rate));
+  Tell(manner);
   if (!ports_.uDat.Send("Say:" + text)) log_.WriteSystem("TTS: the text was not taken, it may be too long");
 }
 
@@ -93,7 +98,9 @@ void SpeechLink::Stop() {
   if (Up()) ports_.uDat.Send("Stp:");
 }
 
-bool SpeechLink::MakeFile(const std::string& path, const std::string& text) {
+bool SpeechLink::MakeFile(const std::string& path, const std::string& text, Manner manner) {
+  // Who has chosen another voice and listened to nothing means that voice, too.
+  if (manner.voice >= 0 && manner != manner_) Tell(manner);
   ports_.uDat.Send("SFS:" + path);
   const bool sent = ports_.uDat.Send("STW:" + text);
   if (!sent) log_.WriteSystem("TTS: the text was not taken, it may be too long");

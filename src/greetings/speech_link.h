@@ -53,15 +53,22 @@ class SpeechLink : private DataExchangeEvents {
   /// The link is up; waits while a helper that was just started has not come yet.
   bool Up();
 
-  /// Speaks `text` with the voice of this index at this rate (-10 to 10). Nothing for no text.
-  void Speak(const std::string& text, std::int32_t voice, std::int32_t rate);
+  /// How to speak.
+  struct Manner {
+    std::int32_t voice = 0;  ///< index in the helper's list; -1 for none
+    std::int32_t rate = 0;   ///< -10 to 10
+    bool operator==(const Manner&) const = default;
+  };
+
+  /// Speaks `text`. Nothing for no text.
+  void Speak(const std::string& text, Manner manner);
 
   /// Ends what is being spoken.
   void Stop();
 
   /// Has `text` spoken into the file at `path`, which appears, whole, when it is done. False when nothing
   /// was asked for.
-  bool MakeFile(const std::string& path, const std::string& text);
+  bool MakeFile(const std::string& path, const std::string& text, Manner manner);
 
   /// Ends the helper; a file that it is making is finished first.
   void Unload();
@@ -72,6 +79,7 @@ class SpeechLink : private DataExchangeEvents {
   bool Installed();
   bool StartHelper();
   void ExpectVoices();
+  void Tell(Manner manner);
 
   Ports ports_;
   SystemLog& log_;
@@ -80,6 +88,7 @@ class SpeechLink : private DataExchangeEvents {
   bool available_ = false;
   bool unloaded_ = false;
   bool voices_arrived_ = false;
+  Manner manner_;  ///< that the helper was told, or begins with
   Lifeline lifeline_;
 };
 

@@ -21,12 +21,12 @@ constexpr std::chrono::milliseconds kLimitPerKilobyte = 1s;
 
 SpeechTake::SpeechTake(Parts parts) : parts_(parts), TimerSpeech(parts.loop.MakeTimer([this] { Look(); })) {}
 
-bool SpeechTake::Make(const std::string& text, Done done) {
+bool SpeechTake::Make(const std::string& text, SpeechLink::Manner manner, Done done) {
   Forget();
   // An older take must not pass for this one; the helper removes what comes in between.
   const auto trap = ErrorTrap::Silent();
   trap([&] { parts_.files.Delete(Path()); });
-  if (!parts_.link.MakeFile(Path(), text)) return false;
+  if (!parts_.link.MakeFile(Path(), text, manner)) return false;
   done_ = std::move(done);
   constexpr std::size_t kKilobyte = 1024;
   deadline_ = parts_.clock.Uptime() + kLimit + kLimitPerKilobyte * (text.size() / kKilobyte);

@@ -35,7 +35,7 @@ class SpeechTake {
 
   /// Begins to make the take. `done` is called later, once, unless another Make or Forget comes before
   /// that. False when it could not be begun. The link must be up.
-  bool Make(const std::string& text, Done done);
+  bool Make(const std::string& text, SpeechLink::Manner manner, Done done);
 
   /// A take was begun, and is neither there nor given up.
   bool Pending() const { return TimerSpeech->Enabled(); }

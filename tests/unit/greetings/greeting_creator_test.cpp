@@ -276,6 +276,17 @@ TEST_F(Creator, GreetingIsMadeOfATextAndSavedWhenTheHelperIsDone) {
   EXPECT_TRUE(view.closed);
 }
 
+TEST_F(Creator, GreetingIsMadeInTheVoiceThatIsChosen) {
+  Load();
+  world.uDat.Say("GVCS:Anna\r\nBen");
+  view.text = "Hello";
+  view.voice = 1;
+  creator->CreateGreeting();
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:1", "SRT:0", "SFS:" + speech_file, "STW:Hello"));
+  creator->CreateGreeting();
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SFS:" + speech_file, "STW:Hello"));
+}
+
 TEST_F(Creator, FileThatNeverComesIsGivenUp) {
   Load();
   view.text = std::string(5000, 'x');
