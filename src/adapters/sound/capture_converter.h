@@ -20,7 +20,7 @@ class CaptureConverter {
   /// False for a format that cannot be converted; see CardConverter.
   bool Valid() const { return format_.isValid() && resampler_.Valid(); }
 
-  /// The next samples; `bytes` may end within a frame. The resampler holds the last 1 to 2 ms back
+  /// The next samples; `bytes` may end within a frame. The resampler holds up to 6 ms back
   /// until the next call. Good until then.
   std::span<const std::int16_t> Convert(const QByteArray& bytes);
 

@@ -17,7 +17,7 @@ namespace orven {
 /// Records one CardTake from one input.
 ///
 /// A stop does not wait for what the input has captured but not handed over: at most the input's period
-/// and one tick (20 ms each), less than one block, and what the converter holds back (1 to 2 ms).
+/// and one tick (20 ms each), less than one block, and what the converter holds back (up to 6 ms).
 class CardRecorder : public CardStream {
  public:
   /// Opens the stream; when that fails, Problem says so.

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <mutex>
+#include <utility>
 
 #include "adapters/sound/sound_streams.h"
 #include "platform/wave.h"
@@ -19,14 +20,20 @@ constexpr auto kWatchInterval = 500ms;
 }  // namespace
 
 struct SoundCards::Shared {
-  explicit Shared(Report to) : report(std::move(to)) {}
+  Shared(std::shared_ptr<CardList> list, Report to) : cards(std::move(list)), report(std::move(to)) {}
 
   void Tell(const std::string& text) {
     const std::lock_guard lock(mutex);
     if (report) report(text);
   }
 
-  const std::shared_ptr<CardList> cards = std::make_shared<CardList>();
+  /// Nothing is reported afterwards.
+  Report TakeReport() {
+    const std::lock_guard lock(mutex);
+    return std::exchange(report, nullptr);
+  }
+
+  const std::shared_ptr<CardList> cards;
   std::unique_ptr<SoundStreams> streams;  ///< sound thread only
   std::mutex mutex;
   Report report;
@@ -77,7 +84,7 @@ class SoundCards::Card : public AudioDevice {
   template <class Use>
   bool Goes(Use* use, const std::string& problem) const {
     if (use == nullptr || !use->Active()) return false;
-    if (use->SinceLastBlock() > kPatience && use->Fail()) owner_.shared_->Tell(problem);
+    if (use->SinceLastBlock() > kPatience && use->Fail()) owner_.GaveUp(problem);
     return true;
   }
 
@@ -88,7 +95,7 @@ class SoundCards::Card : public AudioDevice {
 };
 
 SoundCards::SoundCards(EventLoop& loop, Report report)
-    : loop_(loop), shared_(std::make_shared<Shared>(std::move(report))) {}
+    : loop_(loop), shared_(std::make_shared<Shared>(std::make_shared<CardList>(), std::move(report))) {}
 
 SoundCards::~SoundCards() {
   for (const Cards* cards : {&cards_, &more_cards_}) {
@@ -97,10 +104,7 @@ SoundCards::~SoundCards() {
       card->StopRecord();
     }
   }
-  {
-    const std::lock_guard lock(shared_->mutex);
-    shared_->report = nullptr;
-  }
+  shared_->TakeReport();
 }
 
 void SoundCards::Prepare() {
@@ -119,6 +123,7 @@ std::vector<SoundCard> SoundCards::Present() {
 }
 
 void SoundCards::Look() {
+  LeaveHangingThread();
   if (thread_) thread_->Post([shared = shared_] { shared->streams->Look(); });
   Prepare();
 }
@@ -132,10 +137,25 @@ AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
 
 template <class Use>
 void SoundCards::Start(std::int32_t number, const std::shared_ptr<Use>& use) {
+  LeaveHangingThread();
   Prepare();
   thread_->Post([shared = shared_, number, use] { shared->streams->Begin(number, use); });
   if (!watch_) watch_ = loop_.MakeTimer([this] { Watch(); });
   if (!watch_->Enabled()) watch_->Start(kWatchInterval);
+}
+
+void SoundCards::GaveUp(const std::string& problem) {
+  shared_->Tell(problem);
+  alive_ = std::make_shared<std::atomic<bool>>(false);
+  thread_->Post([alive = alive_] { *alive = true; });
+}
+
+/// Qt 6.4 waits for ever for a stream that the server refuses; what starts later needs another thread.
+void SoundCards::LeaveHangingThread() {
+  const auto alive = std::exchange(alive_, nullptr);
+  if (!alive || *alive) return;
+  SoundThread::Abandon(std::move(thread_));
+  shared_ = std::make_shared<Shared>(shared_->cards, shared_->TakeReport());
 }
 
 /// Ends the plays and takes that a hanging server holds up; the sound thread itself may hang with it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -71,6 +72,8 @@ class SoundCards : public AudioDevices {
 
   AudioDevice* FindIn(Cards& cards, std::int32_t number);
   void Look();
+  void GaveUp(const std::string& problem);
+  void LeaveHangingThread();
   template <class Use>
   void Start(std::int32_t number, const std::shared_ptr<Use>& use);
   void Watch();
@@ -78,6 +81,9 @@ class SoundCards : public AudioDevices {
   EventLoop& loop_;
   std::shared_ptr<Shared> shared_;  ///< with the sound thread, which may outlive this object
   std::unique_ptr<SoundThread> thread_;
+
+  /// Set by the sound thread when it has come to since a play or take was given up; nullptr: none was.
+  std::shared_ptr<std::atomic<bool>> alive_;
   Cards cards_;
   Cards more_cards_;  ///< those of Beside
   BesideCards beside_{*this};

@@ -51,10 +51,19 @@ SoundThread::SoundThread(std::function<void()> at_end)
 }
 
 SoundThread::~SoundThread() {
+  if (!thread_) return;
   on_exit(EndBeforeGlobals, nullptr);
   Post([thread = thread_.get()] { thread->quit(); });
-  if (thread_->wait(QDeadlineTimer(kEndLimit))) return;
-  // Deleted under the running thread, they would bring the program down; so they leak on purpose.
+  if (!thread_->wait(QDeadlineTimer(kEndLimit))) Leave();
+}
+
+void SoundThread::Abandon(std::unique_ptr<SoundThread> thread) {
+  on_exit(EndBeforeGlobals, nullptr);
+  thread->Leave();
+}
+
+/// Deleted under the running thread, these would bring the program down; so they leak on purpose.
+void SoundThread::Leave() {
   static_cast<void>(context_.release());
   static_cast<void>(thread_.release());
 }

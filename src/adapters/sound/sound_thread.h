@@ -19,6 +19,12 @@ class SoundThread {
   /// the sound server: it is left behind until the process ends, with everything that its tasks own.
   /// When the process ends, the destructors of globals are not run from now on.
   ~SoundThread();
+
+  /// Leaves a thread that hangs behind for good, without waiting. Should it come to, it goes on with what
+  /// has been posted and then idles: Qt's sound library has made it the home of objects that all threads
+  /// need.
+  static void Abandon(std::unique_ptr<SoundThread> thread);
+
   SoundThread(const SoundThread&) = delete;
   SoundThread& operator=(const SoundThread&) = delete;
 
@@ -28,6 +34,8 @@ class SoundThread {
 
  private:
   class Thread;
+  void Leave();
+
   std::unique_ptr<Thread> thread_;
   std::unique_ptr<QObject> context_;  ///< lives in the thread and receives the tasks
 };

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How cards are numbered, and how telephone sound is made into theirs.
+// How cards are numbered, which microphone is theirs, and how telephone sound is made into theirs and back.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <numbers>
 
+#include "adapters/sound/capture_converter.h"
 #include "adapters/sound/card_format.h"
 #include "adapters/sound/card_list.h"
+#include "adapters/sound/microphone.h"
 #include "platform/audio_device.h"
 
 namespace orven::testing {
@@ -39,6 +43,26 @@ TEST(CardList, NoCardGetsTheNumberOfALine) {
   for (int i = 0; i < 2000; ++i) many.push_back({std::to_string(i), "card"});
   cards.Update(many);
   EXPECT_EQ(kFirstLineWaveDevice - 1, cards.Present().back().number);
+}
+
+TEST(Microphone, TheCardsOwnConnectedOneElseTheDefaultElseAny) {
+  SoundServer server;
+  server.default_input = "webcam";
+  server.outputs = {{"speakers", "card 0"}, {"headset", "card 1"}, {"television", "card 2"}, {"virtual", ""}};
+  server.inputs = {{"line in", "card 0", false},
+                   {"boom", "card 1", true},
+                   {"webcam", "card 3", true},
+                   {"network", "", true}};
+  EXPECT_EQ("boom", MicrophoneOf(server, "headset"));
+  for (const char* output : {"speakers", "television", "virtual", "gone", ""})
+    EXPECT_EQ("webcam", MicrophoneOf(server, output)) << output;
+
+  server.inputs[2].card = "card 1";
+  EXPECT_EQ("webcam", MicrophoneOf(server, "headset"));
+  server.default_input = "speakers.monitor";
+  EXPECT_EQ("boom", MicrophoneOf(server, "speakers"));
+  server.inputs.resize(1);
+  EXPECT_EQ("", MicrophoneOf(server, "speakers"));
 }
 
 QAudioFormat Format(int rate, int channels, QAudioFormat::SampleFormat kind) {
@@ -107,7 +131,44 @@ TEST(CardFormat, ATelephoneToneIsTheSameToneAtTheCardsRate) {
   }
 }
 
+/// What an input in the card's format captures, handed over in pieces of `piece` bytes.
+std::vector<std::int16_t> Captured(const QAudioFormat& format, const QByteArray& bytes, qsizetype piece) {
+  CaptureConverter converter(format);
+  EXPECT_TRUE(converter.Valid());
+  std::vector<std::int16_t> samples;
+  for (qsizetype at = 0; at < bytes.size(); at += piece) {
+    const auto some = converter.Convert(bytes.mid(at, piece));
+    samples.insert(samples.end(), some.begin(), some.end());
+  }
+  return samples;
+}
+
+TEST(CardFormat, WhatIsCapturedIsTelephoneSoundAgain) {
+  std::vector<std::int16_t> samples(100 * kBlockSamples);
+  for (std::size_t i = 0; i < samples.size(); ++i)
+    samples[i] =
+        static_cast<std::int16_t>(std::lround(-16384 * std::cos(2.2 * static_cast<double>(i) + 0.1)));
+  samples.front() = -32768;
+  samples.back() = 32767;
+  const auto largest_difference = [&](const QAudioFormat& format, std::size_t edge) {
+    const auto captured = Captured(format, Converted(format, samples), 1001);
+    EXPECT_NEAR(static_cast<double>(samples.size()), static_cast<double>(captured.size()), 48);
+    int largest = 0;
+    for (std::size_t i = edge; i < std::min(samples.size(), captured.size()) - edge; ++i)
+      largest = std::max(largest, std::abs(samples[i] - captured[i]));
+    return largest;
+  };
+  EXPECT_EQ(0, largest_difference(Format(kSampleRate, 1, QAudioFormat::Int16), 0));
+  EXPECT_EQ(0, largest_difference(Format(kSampleRate, 2, QAudioFormat::Int16), 0));
+  EXPECT_EQ(0, largest_difference(Format(kSampleRate, 4, QAudioFormat::Int32), 0));
+  EXPECT_EQ(0, largest_difference(Format(kSampleRate, 2, QAudioFormat::Float), 0));
+  EXPECT_GE(256, largest_difference(Format(kSampleRate, 1, QAudioFormat::UInt8), 0));
+  for (const int rate : {44100, 48000, 96000})
+    EXPECT_GE(50, largest_difference(Format(rate, 2, QAudioFormat::Float), 800)) << rate;
+}
+
 TEST(CardFormat, WhatCannotBeMadeIsNotValid) {
+  EXPECT_FALSE(CaptureConverter(QAudioFormat()).Valid());
   EXPECT_FALSE(CardConverter(QAudioFormat()).Valid());
   EXPECT_FALSE(CardConverter(Format(8000 * 257, 1, QAudioFormat::Int16)).Valid());
 }
