@@ -4,8 +4,8 @@
 
     demo.py PROGRAM
 
-An independent telephone calls ORVEN, waits for the beep, speaks and hangs up; the message comes by
-mail, and a program is started with the call's details. Then the owner calls, keys the password and "*"
+A greeting is typed. An independent telephone calls ORVEN, hears it, waits for the beep, speaks and
+hangs up; the message comes by mail, and a program is started with the call's details. Then the owner calls, keys the password and "*"
 and hears that message. Everything runs on 127.0.0.1 in a folder of its
 own, which is kept when something fails. The program's window is on a display that nobody sees; its
 picture is saved at the end.
@@ -19,6 +19,7 @@ import sys
 import tempfile
 import time
 
+import creator
 import display
 import machine
 import mailbox
@@ -28,6 +29,8 @@ import telephone
 from processes import Failed, wait_for
 
 CALLER_NAME, CALLER_NUMBER = "Anna Garden", "5557777"
+GREETING_NAME = "Garden"
+GREETING = "Hello. You have reached the garden family. Please speak after the tone."
 MESSAGE = "Hello, this is Anna. The garden gate is open again. Please call me back when you are home."
 REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
 LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
@@ -70,7 +73,17 @@ def call(phone, answering_machine):
     phone.wait_event("CALL_ESTABLISHED", ANSWER_LIMIT)
 
 
-def leave_message(answering_machine, folder, spoken):
+def make_greeting(answering_machine, screen):
+    """Returns the path of the greeting that callers hear."""
+    if screen is None:
+        step("No greeting is typed: that takes xdotool, xprop, ImageMagick, and Xvfb with openbox or a display")
+        return os.path.join(answering_machine.home, "Greets", "Default.wav")
+    path = creator.type_greeting(answering_machine, screen, GREETING, GREETING_NAME)
+    step(f'A greeting was typed in the greeting creator: "{GREETING}"')
+    return path
+
+
+def leave_message(answering_machine, folder, greeting, spoken):
     """The first call. Returns what the call has added to the system log."""
     first_line = len(answering_machine.system_log)
     with telephone.Telephone(
@@ -80,6 +93,7 @@ def leave_message(answering_machine, folder, spoken):
         call(caller, answering_machine)
         step("The machine has answered; she hears the greeting and waits for the beep")
         caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()) is not None, 30)
+        check_quality("the greeting's file, heard by the caller", sound.read(greeting), caller.heard())
         step(f'She heard the beep and says: "{MESSAGE}"')
         caller.say(sound.silence(REACTION_SECONDS) + spoken, 60)
         caller.hang_up()
@@ -196,7 +210,8 @@ def demonstrate(answering_machine, folder, screen, inbox):
     check("[LineIndex:0 Device Name:Demo]->" in "".join(answering_machine.system_log), "The line is not \"Demo\"")
 
     spoken = sound.speech(MESSAGE, "en-gb+f2")
-    check_order(leave_message(answering_machine, folder, spoken), STEPS_OF_A_CALL)
+    greeting = make_greeting(answering_machine, screen)
+    check_order(leave_message(answering_machine, folder, greeting, spoken), STEPS_OF_A_CALL)
     message = check_record(answering_machine)
     recorded = check_message(message, spoken)
     check_mail(answering_machine, inbox, message)
