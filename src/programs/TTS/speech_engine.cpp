@@ -5,12 +5,37 @@
 #include <espeak-ng/speak_lib.h>
 
 #include <array>
+#include <cstdlib>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
 namespace orven {
 namespace {
+
+/// While it lives, the sound server of this process is one that does not exist. The library asks for it when
+/// it starts, although it is not to play anything, and would wait for ever for a server that hangs.
+class NoSoundServer {
+ public:
+  NoSoundServer() {
+    if (const char* server = std::getenv(kVariable)) before_ = server;
+    ::setenv(kVariable, "unix:/dev/null/none", 1);
+  }
+  NoSoundServer(const NoSoundServer&) = delete;
+  NoSoundServer& operator=(const NoSoundServer&) = delete;
+  ~NoSoundServer() {
+    if (before_) {
+      ::setenv(kVariable, before_->c_str(), 1);
+    } else {
+      ::unsetenv(kVariable);
+    }
+  }
+
+ private:
+  static constexpr const char* kVariable = "PULSE_SERVER";
+  std::optional<std::string> before_;
+};
 
 /// Where the speech of the present call goes; the library's callback carries nothing of ours when it
 /// has no event to tell of.
@@ -64,6 +89,7 @@ std::vector<std::string> Languages(const char* list) {
 }  // namespace
 
 SpeechEngine::SpeechEngine() {
+  const NoSoundServer no_sound_server;
   espeak_ng_InitializePath(nullptr);
   espeak_ng_ERROR_CONTEXT context = nullptr;
   const espeak_ng_STATUS status = espeak_ng_Initialize(&context);

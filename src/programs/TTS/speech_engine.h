@@ -25,7 +25,8 @@ class SpeechEngine {
   /// Takes the next samples (mono, SampleRate a second); false ends the speech.
   using Sink = std::function<bool(std::span<const std::int16_t>)>;
 
-  /// Throws std::runtime_error when the engine's data are missing or damaged.
+  /// Throws std::runtime_error when the engine's data are missing or damaged. To be called before there are
+  /// other threads: it changes the environment for a moment.
   SpeechEngine();
   ~SpeechEngine();
   SpeechEngine(const SpeechEngine&) = delete;

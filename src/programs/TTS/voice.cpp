@@ -19,14 +19,15 @@ std::string LanguageTag(std::string_view locale) {
   return tag;
 }
 
-/// How far a voice is from the language wanted: 0 to 2, 3 for another language.
-int Distance(const Voice& voice, std::string_view tag) {
-  const std::string_view language = tag.substr(0, tag.find('-'));
-  int distance = 3;
-  for (const std::string_view spoken : voice.languages) {
+/// How far a voice is from the language wanted: 0 to 3, 4 for another language.
+int Distance(const Voice& voice, const std::string& tag) {
+  const std::string language = tag.substr(0, tag.find('-'));
+  int distance = 4;
+  for (const std::string& spoken : voice.languages) {
     if (spoken == tag) return 0;
-    if (spoken == language) distance = std::min(distance, 1);
-    if (spoken.substr(0, spoken.find('-')) == language) distance = std::min(distance, 2);
+    if (spoken.starts_with(tag + "-")) distance = std::min(distance, 1);
+    if (spoken == language) distance = std::min(distance, 2);
+    if (spoken.starts_with(language + "-")) distance = std::min(distance, 3);
   }
   return distance;
 }

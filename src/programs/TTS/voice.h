@@ -15,8 +15,9 @@ struct Voice {
 };
 
 /// The voices as they are offered: those for the language of `locale` ("de_AT") first, of these the ones for
-/// its country, then the ones for the language as such; the others follow as they were. Descriptions are
-/// made unique and free of line breaks. The locales "C" and "POSIX" count as American English.
+/// exactly that, then for a part of it, then for the language as such; the others follow as they were.
+/// Descriptions are made unique and free of line breaks. The locales "C" and "POSIX" count as American
+/// English.
 std::vector<Voice> VoicesFor(std::string_view locale, std::vector<Voice> voices);
 
 /// The voices' descriptions, one a line, with "\r\n" between them.
