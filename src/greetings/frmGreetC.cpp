@@ -3,7 +3,6 @@
 
 #include <QLabel>
 #include <QSignalBlocker>
-#include <QTimer>
 #include <utility>
 
 #include "greetings/frmGreetCParts.h"
@@ -100,6 +99,10 @@ void frmGreetC::SetTabOrder() {
 
 void frmGreetC::Attach(GreetingCreator& engine) {
   engine_ = &engine;
+  const auto load = [this] {
+    if (!unloaded_) engine_->Load();
+  };
+  connect(this, &frmGreetC::FirstShown, this, load, Qt::QueuedConnection);
   connect(TabStrip1_, &QTabWidget::currentChanged, this, &frmGreetC::TabChosen);
   connect(Frame1_, &SpeakerFrame::Record, this, [this] { engine_->Record(); });
   connect(Frame1_, &SpeakerFrame::StopRecord, this, [this] { engine_->StopRecord(); });
@@ -131,10 +134,7 @@ void frmGreetC::done(int result) {
 
 void frmGreetC::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  if (engine_ == nullptr || std::exchange(loaded_, true)) return;
-  QTimer::singleShot(0, this, [this] {
-    if (!unloaded_) engine_->Load();
-  });
+  if (engine_ != nullptr && !std::exchange(loaded_, true)) emit FirstShown();
 }
 
 void frmGreetC::hideEvent(QHideEvent* event) {

@@ -51,6 +51,9 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   std::string GreetingName() const override;
   void Close() override;
 
+ signals:
+  void FirstShown();
+
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;

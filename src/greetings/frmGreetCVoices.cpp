@@ -5,7 +5,6 @@
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QTimer>
 
 #include "shell/frmStrayWheel.h"
 
@@ -32,6 +31,8 @@ VoiceBox::VoiceBox(QWidget* parent) : QComboBox(parent) {
   completer()->setCaseSensitivity(Qt::CaseInsensitive);
   completer()->setMaxVisibleItems(kVisible);
   connect(lineEdit(), &QLineEdit::editingFinished, this, &VoiceBox::Settle);
+  // Typing replaces what is shown. The click that brings the focus sets the cursor first.
+  connect(this, &VoiceBox::ClickedInto, lineEdit(), &QLineEdit::selectAll, Qt::QueuedConnection);
   // A description is recognised by its beginning.
   connect(this, &QComboBox::currentIndexChanged, this, [this] { lineEdit()->setCursorPosition(0); });
   IgnoreStrayWheel(*this);
@@ -57,8 +58,7 @@ void VoiceBox::Settle() {
 
 void VoiceBox::focusInEvent(QFocusEvent* event) {
   QComboBox::focusInEvent(event);
-  // Typing replaces what is shown, and the click that brings the focus sets the cursor after this.
-  if (event->reason() == Qt::MouseFocusReason) QTimer::singleShot(0, lineEdit(), &QLineEdit::selectAll);
+  if (event->reason() == Qt::MouseFocusReason) emit ClickedInto();
 }
 
 void VoiceBox::keyPressEvent(QKeyEvent* event) {

@@ -21,6 +21,9 @@ class VoiceBox : public QComboBox {
   /// Selects the first voice that what was typed finds.
   void Settle();
 
+ signals:
+  void ClickedInto();
+
  protected:
   void focusInEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

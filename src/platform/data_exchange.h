@@ -24,7 +24,7 @@ class DataExchangeEvents {
 class DataExchange {
  public:
   /// The longest message, in bytes.
-  static constexpr std::size_t kLongestMessage = 1024 * 1024;
+  static constexpr std::size_t kLongestMessage = std::size_t{1024} * 1024;
 
   virtual ~DataExchange() = default;
 
