@@ -78,7 +78,10 @@ def make_greeting(answering_machine, screen):
     if screen is None:
         step("No greeting is typed: that takes xdotool, xprop, ImageMagick, and Xvfb with openbox or a display")
         return os.path.join(answering_machine.home, "Greets", "Default.wav")
-    path = creator.type_greeting(answering_machine, screen, GREETING, GREETING_NAME)
+    window = creator.Creator(screen, answering_machine.process, answering_machine.look)
+    window.open()
+    window.create(GREETING)
+    path = window.save(answering_machine.home, GREETING_NAME)
     step(f'A greeting was typed in the greeting creator: "{GREETING}"')
     return path
 

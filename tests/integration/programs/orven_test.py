@@ -65,7 +65,9 @@ class Orven:
         return self.process.wait(15)
 
 
-class OrvenTest(unittest.TestCase):
+class OrvenCase(unittest.TestCase):
+    """A folder for the program, and a telephone that calls it."""
+
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="orven-test-")
         self.addCleanup(shutil.rmtree, self.folder, True)
@@ -104,6 +106,8 @@ class OrvenTest(unittest.TestCase):
         caller.wait_event("CALL_ESTABLISHED", 20)
         return caller
 
+
+class OrvenTest(OrvenCase):
     def test_first_start_makes_a_working_machine_and_tells_the_password_once(self):
         with Orven(self.home) as orven:
             orven.wait_for("LineOpen[LineIndex:0 Device Name:Test]->")
