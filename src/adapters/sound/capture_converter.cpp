@@ -30,9 +30,12 @@ CaptureConverter::CaptureConverter(const QAudioFormat& format)
     : format_(format), resampler_(format.sampleRate(), kSampleRate) {}
 
 std::span<const std::int16_t> CaptureConverter::Convert(const QByteArray& bytes) {
+  const auto frame_bytes = static_cast<std::size_t>(format_.bytesPerFrame());
+  if (frame_bytes == 0) return {};
   rest_ += bytes;
-  const auto frames = static_cast<std::size_t>(rest_.size() / format_.bytesPerFrame());
-  const auto whole = frames * static_cast<std::size_t>(format_.bytesPerFrame());
+  const auto frames = static_cast<std::size_t>(rest_.size()) / frame_bytes;
+  const auto whole = frames * frame_bytes;
+  if (frames == 0) return {};
   if (format_ == TelephoneFormat()) {
     samples_.resize(frames);
     std::memcpy(samples_.data(), rest_.constData(), whole);

@@ -17,7 +17,7 @@ class CaptureConverter {
  public:
   explicit CaptureConverter(const QAudioFormat& format);
 
-  /// False for a format that cannot be converted; see CardConverter.
+  /// False for a format that cannot be converted; see CardConverter. Nothing comes of it then.
   bool Valid() const { return format_.isValid() && resampler_.Valid(); }
 
   /// The next samples; `bytes` may end within a frame. The resampler holds up to 6 ms back
