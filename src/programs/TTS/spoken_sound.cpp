@@ -8,11 +8,11 @@
 namespace orven {
 namespace {
 
-constexpr std::size_t kMostKept = 4U * kSampleRate;
+constexpr std::size_t kMostKept = std::size_t{4} * kSampleRate;
 
 /// Silence at the end, longer than what a card keeps in its buffer: a text that comes before the last one
 /// has been heard is played after it and not into it.
-constexpr std::size_t kSilenceAtEnd = 1U * kSampleRate;
+constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 
 }  // namespace
 
