@@ -52,6 +52,16 @@ TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesBeforeTheLoss) {
   EXPECT_EQ(events_.lost, 0);
 }
 
+TEST_F(LinkTest, EndOfTheProgramStillTellsTheHelper) {
+  NearHelper helper(exchange_->Listen());
+  ASSERT_TRUE(exchange_->OpenCheck(7));
+  helper.client->Send("never read");
+  exchange_->Send("ULD:");
+  exchange_.reset();
+  EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
+  EXPECT_EQ(helper.arrived, std::vector<std::string>{"ULD:"});
+}
+
 TEST_F(LinkTest, LaterOpeningIsNotDisturbedByAnEarlierHelper) {
   const auto first_path = exchange_->Listen();
   NearHelper first(first_path);
