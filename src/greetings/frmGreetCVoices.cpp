@@ -62,8 +62,11 @@ void VoiceBox::focusInEvent(QFocusEvent* event) {
 }
 
 void VoiceBox::keyPressEvent(QKeyEvent* event) {
+  const bool listed = completer()->popup()->isVisible();
   QComboBox::keyPressEvent(event);
-  if (IsReturn(*event)) event->accept();  // it has chosen a voice, and is not for the window's own button
+  // Return has chosen a voice, and is not for the window's own button; the list of what was found takes
+  // it by itself when nobody else does.
+  if (IsReturn(*event) && !listed) event->accept();
 }
 
 }  // namespace orven
