@@ -133,19 +133,18 @@ void GreetingCreator::RecordingEnded(bool kept) {
   TimerLevel->Stop();
   view_.ShowLevel(0);
   view_.ShowRecLabel(rec_label_ = false);
-  speaker_take_ = recorded_ = kept;
-  if (kept) {
-    ShowTake(parts_.microphone.Path(), "From the microphone");
-  } else {
-    view_.ShowState("The recording could not be stored; the system log says why");
-  }
+  if (kept) ShowTake(parts_.microphone.Path(), "From the microphone");
+  // A microphone that went away, or hears nothing at all, has left a file without sound.
+  speaker_take_ = recorded_ = kept && take_length_ > 0ms;
+  if (!kept) view_.ShowState("The recording could not be stored; the system log says why");
+  if (kept && !recorded_) view_.ShowState("Nothing came from the microphone; the system log may say why");
   ShowButtons();
 }
 
 void GreetingCreator::LineTookOver(bool kept) {
   const auto trap = ErrorTrap::Silent();
   trap([&] { RecordingEnded(kept); });
-  if (kept)
+  if (recorded_)
     trap([&] { view_.ShowState("A call was answered, which ended the recording. It is kept up to there."); });
 }
 

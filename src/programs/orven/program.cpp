@@ -64,7 +64,7 @@ Program::Program(Folders folders)
       mail_(
           loop_, shared_.InApplicationFolder(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
-      program_dialogs_(Ports()),
+      program_dialogs_(Ports(), [this] { cards_.Present(); }),
       window_(Ports(), frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   program_dialogs_.Attach(window_.Machine(), frame_);

@@ -32,6 +32,7 @@ void ProgramDialogs::OpenEvents(int tab) {
 }
 
 void ProgramDialogs::OpenGreetingCreator() {
+  look_for_cards_();  // a microphone may just have been plugged in
   frmGreetC window(window_);
   GreetingCreator engine(machine_->ForGreetingCreator(nullptr), window);
   window.Attach(engine);

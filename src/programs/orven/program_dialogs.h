@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 
 #include "shell/answering_machine.h"
 #include "shell/dialog_factory.h"
@@ -11,8 +12,9 @@ namespace orven {
 /// Opens the main window's dialogs over the engine. User-interface thread.
 class ProgramDialogs : public DialogFactory {
  public:
-  /// `ports` are the engine's.
-  explicit ProgramDialogs(EnginePorts ports) : ports_(ports) {}
+  /// `ports` are the engine's; `look_for_cards` brings what is known of the sound cards up to date.
+  ProgramDialogs(EnginePorts ports, std::function<void()> look_for_cards)
+      : ports_(ports), look_for_cards_(std::move(look_for_cards)) {}
 
   /// Before the first dialog: the engine and the window that the dialogs belong to.
   void Attach(AnsweringMachine& machine, QWidget& window);
@@ -26,6 +28,7 @@ class ProgramDialogs : public DialogFactory {
   void OpenGreetingCreator();
 
   EnginePorts ports_;
+  std::function<void()> look_for_cards_;
   AnsweringMachine* machine_ = nullptr;
   QWidget* window_ = nullptr;
 };

@@ -248,6 +248,9 @@ TEST_F(Creator, FailuresOfRecorderAndPlayerAreLogged) {
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Empty Message")) << "no older take passes for it";
 
   world.Wave1.stop_result = kWaveOk;
+  RecordFor(0ms);
+  creator->Save();
+  EXPECT_THAT(world.dialogs.informations, SizeIs(2)) << "a file without sound is no greeting";
   RecordFor(1s);
   world.WavePlay.play_result = kWaveFileNotFound;
   EXPECT_THAT(world.LoggedBy([this] { creator->Play(); }),
@@ -314,7 +317,7 @@ TEST_F(Creator, TakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
   Load();
   MakeFiles();
   view.text = "Hello";
-  RecordFor(0ms);
+  RecordFor(1s);
   view.text = "Hello";
   creator->CreateGreeting();
   EXPECT_THAT(world.dialogs.questions, ElementsAre("This Will Delete Speaker Recorded. \r\n Continue ?"));
