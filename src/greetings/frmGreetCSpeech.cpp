@@ -85,8 +85,7 @@ void SpeechFrame::SetUpVoice() {
 QLayout* SpeechFrame::MakeButtons() {
   SpeakBtn_->setToolTip(tr("Listen to the text"));
   StopBtn_->setToolTip(tr("Stop speaking at once"));
-  cmdCreateGreeting_->setToolTip(
-      tr("Make a greeting of the text, with the voice and the rate that it was spoken with last"));
+  cmdCreateGreeting_->setToolTip(tr("Make a greeting of the text, with this voice and rate"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(SpeakBtn_);
   row->addWidget(StopBtn_);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "notify/frmEvents.h"
 
-#include <QEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
 
 #include "shell/frmMainIcons.h"
 #include "shell/frmMakeChild.h"
+#include "shell/frmStrayWheel.h"
 
 namespace orven {
 namespace {
@@ -85,8 +85,7 @@ QWidget* frmEvents::MakeClosing() {
   cmbCloseCVAfter_ = MakeChild<QComboBox>(row);
   cmbCloseCVAfter_->setObjectName(Name("cmbCloseCVAfter"));
   cmbCloseCVAfter_->setAccessibleName(tr("Seconds after which the caller view closes"));
-  cmbCloseCVAfter_->setFocusPolicy(Qt::StrongFocus);
-  cmbCloseCVAfter_->installEventFilter(this);
+  IgnoreStrayWheel(*cmbCloseCVAfter_);
   for (const auto seconds : kCloseSeconds) cmbCloseCVAfter_->addItem(QString::number(seconds));
   layout->addWidget(chkCloseCVAfter_);
   layout->addWidget(cmbCloseCVAfter_);
@@ -129,8 +128,7 @@ frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* ch
   controls.list->setAccessibleName(tr("Sound"));
   controls.list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   controls.list->setMinimumContentsLength(kSoundCharacters);
-  controls.list->setFocusPolicy(Qt::StrongFocus);
-  controls.list->installEventFilter(this);
+  IgnoreStrayWheel(*controls.list);
   controls.bar->setIconSize({kButtonIcon, kButtonIcon});
   controls.bar->AddButton({"Play", tr("Play"), tr("Play the sound"), "media-playback-start"});
   controls.bar->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
@@ -185,14 +183,6 @@ void frmEvents::ConnectSound(const SoundControls& controls, EventsDialog::Sounds
     ShowSounds(*when_call_.list, choices.CmbPlayWhenCall);
     ShowSounds(*when_message_.list, choices.CmbPlayWhenMessage);
   });
-}
-
-bool frmEvents::eventFilter(QObject* box, QEvent* event) {
-  // The wheel over a list that nobody has chosen must not change what is stored.
-  const auto* widget = qobject_cast<QWidget*>(box);
-  const bool stray = event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus();
-  if (stray) event->ignore();
-  return stray || QDialog::eventFilter(box, event);
 }
 
 void frmEvents::Show(const EventChoices& choices) {

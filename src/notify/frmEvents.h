@@ -24,9 +24,6 @@ class frmEvents : public QDialog {
   /// Opens on the tab with this 0-based index: General, In Coming Call, Disconnect Call.
   frmEvents(EventsDialog& engine, int tab, QWidget* parent);
 
- protected:
-  bool eventFilter(QObject* box, QEvent* event) override;
-
  private:
   /// The check box, list and toolbar of one sound.
   struct SoundControls {
