@@ -222,6 +222,7 @@ TEST_F(CreatorWindow, BadNamesAndEmptyTakesLeaveItOpen) {
   Open();
   Click("cmdOK");
   Click("cmdRec");
+  world.RunFor(1s);
   Click("cmdOK");
   Name("a\"b");
   Click("cmdOK");
