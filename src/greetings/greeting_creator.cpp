@@ -89,7 +89,7 @@ void GreetingCreator::ShowButtons() {
 
 /// True when there is no such take, or a person wants to give it up.
 bool GreetingCreator::MayReplace(bool other_take, const char* question) {
-  return !other_take || parts_.dialogs.Confirm(question);
+  return !other_take || parts_.dialogs.Confirm(question, QuestionIcon::Information);
 }
 
 void GreetingCreator::Record() {

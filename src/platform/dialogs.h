@@ -6,6 +6,9 @@
 
 namespace orven {
 
+/// The picture in a box that asks.
+enum class QuestionIcon { Question, Information, None };
+
 /// Message boxes and file dialogs, shown to the person at the desk. Without a display a text goes to
 /// standard error and the answer is the safe one (no, cancelled). User-interface thread.
 class Dialogs {
@@ -19,7 +22,7 @@ class Dialogs {
   virtual void Information(const std::string& text) = 0;
 
   /// A question with Yes and No; true is Yes.
-  virtual bool Confirm(const std::string& text) = 0;
+  virtual bool Confirm(const std::string& text, QuestionIcon icon = QuestionIcon::Question) = 0;
 
   /// Save As: `filter` is "description NUL pattern NUL". The chosen path, or nothing when cancelled.
   virtual std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,

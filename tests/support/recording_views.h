@@ -278,8 +278,10 @@ class ScriptedDialogs : public Dialogs {
   }
   bool yes = false;
   std::vector<std::string> questions;
-  bool Confirm(const std::string& text) override {
+  QuestionIcon question_icon = QuestionIcon::Question;  ///< of the latest question
+  bool Confirm(const std::string& text, QuestionIcon icon) override {
     questions.push_back(text);
+    question_icon = icon;
     while_open();
     return yes;
   }

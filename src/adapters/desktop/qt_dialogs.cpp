@@ -14,6 +14,15 @@ namespace {
 
 constexpr const char* kTitle = "ORVEN";
 
+QMessageBox::Icon IconOf(QuestionIcon icon) {
+  switch (icon) {
+    case QuestionIcon::Question: return QMessageBox::Question;
+    case QuestionIcon::Information: return QMessageBox::Information;
+    case QuestionIcon::None: return QMessageBox::NoIcon;
+  }
+  return QMessageBox::NoIcon;
+}
+
 /// Shows a box over the active window and returns the button that closed it.
 int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
         QMessageBox::StandardButton safe) {
@@ -71,13 +80,12 @@ void QtDialogs::Information(const std::string& text) {
   Ask(QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok);
 }
 
-bool QtDialogs::Confirm(const std::string& text) {
+bool QtDialogs::Confirm(const std::string& text, QuestionIcon icon) {
   if (!has_display_) {
     Tell(text + " (no display to ask on: No)");
     return false;
   }
-  return Ask(QMessageBox::Question, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
-         QMessageBox::Yes;
+  return Ask(IconOf(icon), text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std::string& filter,

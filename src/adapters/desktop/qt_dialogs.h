@@ -23,7 +23,7 @@ class QtDialogs final : public Dialogs {
 
   void Message(const std::string& text) override;
   void Information(const std::string& text) override;
-  bool Confirm(const std::string& text) override;
+  bool Confirm(const std::string& text, QuestionIcon icon) override;
   std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                     const std::string& suggested_name) override;
   std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override;

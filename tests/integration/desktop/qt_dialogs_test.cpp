@@ -16,7 +16,7 @@ namespace {
 TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   std::ostringstream output;
   QtDialogs dialogs(HasDisplay(), output);
-  EXPECT_FALSE(dialogs.Confirm("Delete Call ?"));
+  EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question));
   EXPECT_EQ(dialogs.SaveAs("Save", "", "a.wav"), std::nullopt);
   EXPECT_EQ(dialogs.OpenFile("Add Sound", ""), std::nullopt);
   EXPECT_EQ(output.str(),
@@ -33,7 +33,7 @@ TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {
       EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is no markup";
       box.button(button) == nullptr ? static_cast<void>(box.close()) : box.button(button)->click();
     });
-    return dialogs.Confirm("Delete <b>Call</b> ?");
+    return dialogs.Confirm("Delete <b>Call</b> ?", QuestionIcon::None);
   };
   EXPECT_TRUE(answer(QMessageBox::Yes));
   EXPECT_FALSE(answer(QMessageBox::No));

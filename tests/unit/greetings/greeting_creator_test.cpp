@@ -321,6 +321,7 @@ TEST_F(Creator, TakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
   view.text = "Hello";
   creator->CreateGreeting();
   EXPECT_THAT(world.dialogs.questions, ElementsAre("This Will Delete Speaker Recorded. \r\n Continue ?"));
+  EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::Information);
   EXPECT_THAT(world.uDat.sent, IsEmpty());
   world.dialogs.yes = true;
   creator->Record();
