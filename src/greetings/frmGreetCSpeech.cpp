@@ -95,10 +95,10 @@ QLayout* SpeechFrame::MakeButtons() {
 }
 
 void SpeechFrame::Connect() {
-  connect(SpeakBtn_, &QPushButton::clicked, this, [this] {
-    VoiceCB_->Settle();  // the keyboard presses a button without taking the focus from the list
-    emit Speak();
-  });
+  // The keyboard presses a button without taking the focus from the list.
+  for (auto* button : {SpeakBtn_, cmdCreateGreeting_})
+    connect(button, &QPushButton::clicked, VoiceCB_, &VoiceBox::Settle);
+  connect(SpeakBtn_, &QPushButton::clicked, this, &SpeechFrame::Speak);
   connect(StopBtn_, &QPushButton::clicked, this, &SpeechFrame::StopSpeaking);
   connect(cmdCreateGreeting_, &QPushButton::clicked, this, &SpeechFrame::CreateGreeting);
 }

@@ -100,7 +100,8 @@ void GreetingCreator::Record() {
     // A call may have been answered while the question was open, and the window may have been closed.
     if (unloaded_ || parts_.microphone.Busy()) return;
     view_.ClearText();
-    if (parts_.microphone.Start(sound_device_) != kWaveOk) return;
+    if (parts_.microphone.Start(sound_device_) != kWaveOk)
+      return view_.ShowState("Nothing can be recorded; the system log says why");
     speech_.Forget();
     speech_take_ = false;
     speaker_take_ = recorded_ = true;
@@ -229,7 +230,7 @@ void GreetingCreator::SpeechDone(bool there) {
   speech_take_ = recorded_ = there;
   trap([&] {
     if (there) return ShowTake(speech_.Path(), "From the text");
-    view_.ShowState("No greeting could be made of the text; the system log says why");
+    view_.ShowState("No greeting could be made of the text. Has it words, and the disk room?");
   });
   if (!saving_) return;
   if (there) return Copy();

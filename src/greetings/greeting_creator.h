@@ -44,7 +44,8 @@ class GreetingCreator : private SpeechLinkListener {
     const GreetingLibrary& library;
     const Settings& settings;
     const SharedOptions& shared;
-    std::function<void(const std::string& name)> saved;  ///< a greeting `name` is there: the default now
+    /// A greeting `name` is there: the default now. May be called when the creator is gone.
+    std::function<void(const std::string& name)> saved;
   };
 
   GreetingCreator(Parts parts, GreetingCreatorView& view);
@@ -68,7 +69,8 @@ class GreetingCreator : private SpeechLinkListener {
   void CreateGreeting();  ///< `cmdCreateGreeting`
   void Save();            ///< `cmdOK`; the view is closed once the greeting is saved, which may be later
 
-  /// The window closes, whatever closed it: ends what the creator plays and records, and the helper.
+  /// The window closes, whatever closed it: ends what the creator plays and records, and the helper. A
+  /// greeting that is just being saved is saved all the same.
   /// Everything after the first call does nothing.
   void Unload();
 
@@ -88,7 +90,7 @@ class GreetingCreator : private SpeechLinkListener {
   void FollowPlaying();
   void SpeechDone(bool there);
   void Copy();
-  void Copied(const std::exception_ptr& failure);
+  void Copied(bool done);
   std::string TakePath() const;
 
   Parts parts_;

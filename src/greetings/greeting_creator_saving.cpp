@@ -28,7 +28,11 @@ void GreetingCreator::Save() {
     saving_ = true;
     ShowButtons();
     if (speech_.Pending()) return view_.ShowState("The greeting is saved as soon as it is made of the text");
-    Copy();
+    if (!speech_take_ || speech_.Unchanged()) return Copy();
+    // A helper that hung for long has written what an earlier window asked it for.
+    recorded_ = speech_take_ = saving_ = false;
+    view_.ShowState("The take was replaced meanwhile; please create the greeting again");
+    ShowButtons();
   });
 }
 
@@ -36,28 +40,36 @@ std::string GreetingCreator::TakePath() const {
   return speech_take_ ? speech_.Path() : parts_.microphone.Path();
 }
 
+/// From here on the greeting is saved, whole, also when the window is closed meanwhile.
 void GreetingCreator::Copy() {
-  const auto outcome = std::make_shared<std::exception_ptr>();
+  const auto source = TakePath();
+  const auto done = std::make_shared<bool>();
+  const auto finish = [name = name_, source, done, saved = parts_.saved, &log = parts_.log,
+                       &files = parts_.files](const std::exception_ptr& failure) {
+    const ErrorTrap trap(log, "ErrSaveGreeting ");
+    *done = trap([&] {
+      if (failure) std::rethrow_exception(failure);
+    });
+    if (!*done) return;
+    trap([&] { saved(name); });
+    trap([&] { files.Delete(source); });
+  };
   parts_.background.Run(
-      [library = parts_.library, name = name_, source = TakePath()] { library.Add(name, source); },
-      [outcome, finish = lifeline_.Bind([this, outcome] { Copied(*outcome); })](std::exception_ptr failure) {
-        *outcome = std::move(failure);
-        finish();
+      [library = parts_.library, name = name_, source] { library.Add(name, source); },
+      [finish, show = lifeline_.Bind([this, done] { Copied(*done); })](const std::exception_ptr& failure) {
+        finish(failure);
+        show();
       });
 }
 
-void GreetingCreator::Copied(const std::exception_ptr& failure) {
+void GreetingCreator::Copied(bool done) {
+  const auto trap = ErrorTrap::Silent();
   saving_ = false;
-  const ErrorTrap trap(parts_.log, "ErrSaveGreeting ");
-  if (!trap([&] {
-        if (failure) std::rethrow_exception(failure);
-      })) {
+  trap([&] {
+    if (done) return view_.Close();
     view_.ShowState("The greeting could not be saved; the system log says why");
-    return ShowButtons();
-  }
-  trap([&] { parts_.saved(name_); });
-  trap([&] { parts_.files.Delete(TakePath()); });
-  trap([&] { view_.Close(); });
+    ShowButtons();
+  });
 }
 
 void GreetingCreator::Unload() {

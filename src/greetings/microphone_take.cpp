@@ -4,13 +4,15 @@
 namespace orven {
 namespace {
 
+constexpr std::int32_t kDefaultCard = 0;
 constexpr WaveFormat kFormat{kWaveFormatPcm, 1, 16, 8000};
 
 }  // namespace
 
 std::int32_t MicrophoneTake::Start(std::int32_t device) {
   parts_.Wave1.SetRecordFolder(parts_.shared.application_folder);
-  const auto result = parts_.Wave1.StartRecord(device, kFormat);
+  auto result = parts_.Wave1.StartRecord(device, kFormat);
+  if (result == kWaveNoDevice) result = parts_.Wave1.StartRecord(kDefaultCard, kFormat);
   recording_ = result == kWaveOk;
   parts_.log.WriteSystem((recording_ ? "Start RecMessage[Device:" : "Error Start RecMessage[Device:") +
                          std::to_string(device) + " 1, 1, 16, 8000]->" +

@@ -30,7 +30,8 @@ class MicrophoneTake {
   /// The recorder is at work, for whomever, or a call may need it at any moment.
   bool Busy() const { return parts_.Wave1.IsRecording() || parts_.line_in_use(); }
 
-  /// Starts a take from the input of sound card `device`. A wave result.
+  /// Starts a take from the input of sound card `device`, or of the desktop's default one where that card
+  /// is not there. A wave result.
   std::int32_t Start(std::int32_t device);
 
   /// Ends the take; it is at Path then. A wave result; after a failure no take is there.

@@ -49,9 +49,9 @@ void SpeechLink::Load() {
   if (!Installed() || !StartHelper()) return;
   available_ = true;
   if (!Up()) Up();
-  // The window may have been closed during the wait.
+  // The window may have been closed during the wait, or the program be ending.
   if (unloaded_) return;
-  if (!Up()) return log_.WriteSystem("TTS: the speech helper does not answer");
+  if (!Up()) return ReportNoAnswer();
   ports_.uDat.Send("GVC:");
   ExpectVoices();
 }
@@ -67,9 +67,18 @@ bool SpeechLink::Installed() {
 
 bool SpeechLink::StartHelper() {
   const ErrorTrap trap(log_, "ErrLoadTTS ");
-  // Quoted, because a folder's name may hold blanks.
-  return trap(
-      [&] { ports_.shell.Run("\"" + shared_.application_folder + "/TTS.exe\" -gc", kMinimizedWithFocus); });
+  // In quotes, because a folder's name may hold blanks. A quote in it cannot be quoted: the shell then
+  // finds the helper by its name.
+  const auto& folder = shared_.application_folder;
+  const bool quotable = folder.find('"') == std::string::npos;
+  const auto program = quotable ? "\"" + folder + "/TTS.exe\"" : std::string("TTS.exe");
+  return trap([&] { ports_.shell.Run(program + " -gc", kMinimizedWithFocus); });
+}
+
+void SpeechLink::ReportNoAnswer() {
+  ports_.loop.Post(lifeline_.Bind([this] {
+    if (!unloaded_) log_.WriteSystem("TTS: the speech helper does not answer");
+  }));
 }
 
 void SpeechLink::ExpectVoices() {
@@ -99,8 +108,8 @@ void SpeechLink::Stop() {
 }
 
 bool SpeechLink::MakeFile(const std::string& path, const std::string& text, Manner manner) {
-  // Who has chosen another voice and listened to nothing means that voice, too.
-  if (manner.voice >= 0 && manner != manner_) Tell(manner);
+  // Who has chosen another voice and listened to nothing means that voice, too. No voice is no choice.
+  if (manner != manner_ && manner != Manner{-1, manner_.rate}) Tell(manner);
   ports_.uDat.Send("SFS:" + path);
   const bool sent = ports_.uDat.Send("STW:" + text);
   if (!sent) log_.WriteSystem("TTS: the text was not taken, it may be too long");

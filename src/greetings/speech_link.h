@@ -78,6 +78,7 @@ class SpeechLink : private DataExchangeEvents {
   void LinkLost() override;
   bool Installed();
   bool StartHelper();
+  void ReportNoAnswer();
   void ExpectVoices();
   void Tell(Manner manner);
 

@@ -46,8 +46,19 @@ void SpeechTake::GiveUp() {
   End(false);
 }
 
+bool SpeechTake::Unchanged() const {
+  Clock::WallTime written;
+  const auto trap = ErrorTrap::Silent();
+  // One that is gone is for the copy to find.
+  return !trap([&] { written = parts_.files.LastModified(Path()); }) || written == written_;
+}
+
 void SpeechTake::End(bool there) {
   Forget();
+  const auto trap = ErrorTrap::Silent();
+  trap([&] {
+    if (there) written_ = parts_.files.LastModified(Path());
+  });
   std::exchange(done_, nullptr)(there);
 }
 

@@ -40,6 +40,9 @@ class SpeechTake {
   /// A take was begun, and is neither there nor given up.
   bool Pending() const { return TimerSpeech->Enabled(); }
 
+  /// The take that is there is the one that was there when it was done.
+  bool Unchanged() const;
+
   /// Nobody waits for the take any more.
   void Forget() { TimerSpeech->Stop(); }
 
@@ -56,6 +59,7 @@ class SpeechTake {
   std::unique_ptr<Timer> TimerSpeech;
   Done done_;
   std::chrono::milliseconds deadline_{0};  ///< uptime
+  Clock::WallTime written_;                ///< the take that is there
 };
 
 }  // namespace orven

@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPointer>
 #include <QStandardPaths>
 #include <QStringList>
 #include <iostream>
@@ -26,12 +27,15 @@ QMessageBox::Icon IconOf(QuestionIcon icon) {
 /// Shows a box over the active window and returns the button that closed it.
 int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
         QMessageBox::StandardButton safe) {
-  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons,
-                  QApplication::activeWindow());
+  const QPointer<QWidget> window = QApplication::activeWindow();
+  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, window);
   box.setTextFormat(Qt::PlainText);  // a greeting's or caller's name is never markup
   box.setDefaultButton(safe);
   box.setEscapeButton(safe);
-  return box.exec();
+  const int button = box.exec();
+  // Some window managers give the keyboard to nobody when the caller view is on the screen.
+  if (window) window->activateWindow();
+  return button;
 }
 
 /// Shows a file dialog; the folder of what is chosen is kept in `folder`.

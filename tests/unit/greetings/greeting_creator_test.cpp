@@ -144,6 +144,7 @@ TEST_F(Creator, HelperThatDoesNotStartAnswerOrLiveIsLoggedAndTheRestGoesOn) {
   world.uDat.sent.clear();
   creator->Load();
   EXPECT_THAT(world.uDat.checked, ElementsAre(7, 7, 7));
+  world.RunFor(1ms);
   EXPECT_TRUE(world.Logged("TTS: the speech helper does not answer"));
   creator->TabClick(CreatorTab::TextToSpeech);
   EXPECT_EQ(view.tab, CreatorTab::TextToSpeech);
@@ -279,8 +280,45 @@ TEST_F(Creator, GreetingIsMadeOfATextAndSavedWhenTheHelperIsDone) {
   EXPECT_TRUE(view.closed);
 }
 
+TEST_F(Creator, GreetingWhoseCopyHasBegunIsSavedThoughTheWindowCloses) {
+  Load();
+  RecordFor(1s);
+  view.name = "Closed";
+  creator->Save();
+  creator.reset();
+  world.RunFor(1ms);
+  EXPECT_TRUE(world.files.Exists(InGreets("Closed.wav")));
+  EXPECT_EQ(world.registry.Text("Greeting"), "Closed");
+  EXPECT_EQ(world.views.selected_greeting, "Closed");
+  EXPECT_FALSE(world.files.Exists(speaker_file));
+}
+
+TEST_F(Creator, TakeThatAnEarlierHelperReplacedIsNotSaved) {
+  Load();
+  MakeFiles();
+  view.text = "Hello";
+  view.name = "Hello";
+  creator->CreateGreeting();
+  world.RunFor(1s);
+  world.files.Put(speech_file, TimedWave::Sound(9s));
+  creator->Save();
+  world.RunFor(1s);
+  EXPECT_FALSE(view.closed);
+  EXPECT_THAT(view.state, HasSubstr("create the greeting again"));
+  creator->CreateGreeting();
+  world.RunFor(1s);
+  creator->Save();
+  world.RunFor(1s);
+  EXPECT_EQ(world.files.Content(InGreets("Hello.wav")), TimedWave::Sound(3s));
+}
+
 TEST_F(Creator, GreetingIsMadeInTheVoiceThatIsChosen) {
   Load();
+  view.text = "Hello";
+  view.rate = 5;
+  creator->CreateGreeting();
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:-1", "SRT:5", "SFS:" + speech_file, "STW:Hello"));
+  view.rate = 0;
   world.uDat.Say("GVCS:Anna\r\nBen");
   view.text = "Hello";
   view.voice = 1;
@@ -435,7 +473,7 @@ TEST_F(Creator, CancelAndExitKeepWhatWasRecorded) {
   EXPECT_TRUE(world.ended);
   EXPECT_EQ(world.Wave1.takes, 2);
   EXPECT_EQ(world.Wave1.written, 0);
-  EXPECT_THAT(world.CallsLog(), testing::Not(Contains(HasSubstr("spktmp"))));
+  EXPECT_THAT(world.files.Names(world.messages), IsEmpty());
 }
 
 }  // namespace

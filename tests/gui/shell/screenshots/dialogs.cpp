@@ -8,6 +8,7 @@
 #include "gui/shell/screenshots/pictures.h"
 #include "notify/frmEvents.h"
 #include "notify/frmMSG.h"
+#include "options/frmOptionsGreetings.h"
 
 namespace orven::test {
 namespace {
@@ -73,6 +74,13 @@ QList<QPixmap> Actions(Desk& desk) {
   return pictures;
 }
 
+QList<QPixmap> Greetings(Desk& desk) {
+  GreetingPlayer engine(desk.Machine().ForGreetingPlayer([] { return std::nullopt; }));
+  frmOptionsGreetings panel(engine, nullptr);
+  panel.Fill("Holiday");
+  return {Shown(panel)};
+}
+
 }  // namespace
 
 bool MakeDialogs(const QString& folder) {
@@ -84,7 +92,8 @@ bool MakeDialogs(const QString& folder) {
   desk.Start();
   return Save(CallerViews(desk), folder + QStringLiteral("/caller_view.png")) &&
          Save(Events(desk), folder + QStringLiteral("/events.png")) &&
-         Save(Actions(desk), folder + QStringLiteral("/actions.png"));
+         Save(Actions(desk), folder + QStringLiteral("/actions.png")) &&
+         Save(Greetings(desk), folder + QStringLiteral("/greetings.png"));
 }
 
 }  // namespace orven::test
