@@ -31,6 +31,10 @@ class Dialogs {
   /// Open: one existing file of those that `filter` (as above) lets through. Its path, or nothing when
   /// cancelled.
   virtual std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) = 0;
+
+  /// Browse for folder: an existing one, without a separator at its end unless it is the root. Its path, or
+  /// an empty text when cancelled.
+  virtual std::string BrowseFolder(const std::string& title) = 0;
 };
 
 }  // namespace orven

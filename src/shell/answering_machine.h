@@ -21,6 +21,7 @@
 #include "platform/mouse.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
+#include "platform/sound_card_names.h"
 #include "platform/telephony.h"
 #include "platform/wave.h"
 #include "platform/waveform.h"
@@ -53,6 +54,7 @@ struct EnginePorts {
   WaveformReader& waveforms;
   WaveformReader& take_waveforms;  ///< the greeting creator's
   DataExchange& uDat;              ///< the speech helper
+  SoundCardNames& cards;
 };
 
 /// The engine, composed: all run-time state of the main window and the classes that work on it, in

@@ -13,6 +13,7 @@
 #include "platform/mouse.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
+#include "platform/sound_card_names.h"
 #include "platform/waveform.h"
 #include "shell/dialog_factory.h"
 #include "shell/main_window_view.h"
@@ -219,6 +220,13 @@ class ScriptedShell : public Shell {
   }
 };
 
+/// Sound cards that are called what a test says.
+class ScriptedCards : public SoundCardNames {
+ public:
+  std::vector<std::string> names{"Default output"};
+  std::vector<std::string> Names() override { return names; }
+};
+
 class ScriptedMouse : public Mouse {
  public:
   bool swapped = false;
@@ -291,6 +299,11 @@ class ScriptedDialogs : public Dialogs {
     save_filter = filter;
     save_name = name;
     return save_as;
+  }
+  std::string browsed, browse_title;
+  std::string BrowseFolder(const std::string& title) override {
+    browse_title = title;
+    return browsed;
   }
   std::optional<std::string> open_file;
   std::string open_title, open_filter;

@@ -84,10 +84,10 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   std::vector<std::unique_ptr<LineDriver>> drivers;
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
-  window =
-      std::make_unique<MainWindow>(EnginePorts{time, time, files, background, registry, dialogs, shell, mouse,
-                                               Mail1, database, *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat},
-                                   views.All(), shared, system, dialog_factory, [this] { ended = true; });
+  window = std::make_unique<MainWindow>(
+      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
+                  Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
+      views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }
 

@@ -75,6 +75,7 @@ class World {
   ScriptedMail Mail1;
   ScriptedWaveforms waveforms, take_waveforms;
   ScriptedExchange uDat;
+  ScriptedCards cards;
   RecordingDialogFactory dialog_factory;
   PostedBackground background{time};
   RecordingViews views;

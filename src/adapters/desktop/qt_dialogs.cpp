@@ -72,7 +72,8 @@ QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
     : has_display_(has_display),
       text_output_(text_output),
       save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
-      open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)) {}
+      open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)),
+      browse_folder_(QStandardPaths::writableLocation(QStandardPaths::HomeLocation)) {}
 
 void QtDialogs::Message(const std::string& text) {
   if (!has_display_) return Tell(text);
@@ -116,6 +117,17 @@ std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const s
                      QtFileFilter(filter));
   dialog.setFileMode(QFileDialog::ExistingFile);
   return Chosen(dialog, open_folder_);
+}
+
+std::string QtDialogs::BrowseFolder(const std::string& title) {
+  if (!has_display_) {
+    Tell(title + " (no display to ask on: cancelled)");
+    return {};
+  }
+  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), browse_folder_);
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  return Chosen(dialog, browse_folder_).value_or("");
 }
 
 void QtDialogs::Tell(const std::string& text) {

@@ -128,6 +128,16 @@ void SoundCards::Look() {
   Prepare();
 }
 
+std::vector<std::string> SoundCards::Names() {
+  std::vector<std::string> names;
+  for (const auto& card : Present()) {
+    const auto number = static_cast<std::size_t>(card.number);
+    while (names.size() < number) names.push_back(std::to_string(names.size()) + " (not connected)");
+    names.push_back(card.description);
+  }
+  return names;
+}
+
 AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
   if (!shared_->cards->MayBe(number)) return nullptr;
   auto& card = cards[number];

@@ -15,6 +15,7 @@
 #include "adapters/sound/sound_thread.h"
 #include "platform/audio_device.h"
 #include "platform/event_loop.h"
+#include "platform/sound_card_names.h"
 
 namespace orven {
 
@@ -29,7 +30,7 @@ class SoundStreams;
 /// longer takes, ends by itself (AudioSource::Gone), a take then gets no more blocks; one sentence about it
 /// is reported. StartRecord gives kWaveNoDevice when the latest look found no input, and looks anew.
 /// One object a process. User-interface thread.
-class SoundCards : public AudioDevices {
+class SoundCards : public AudioDevices, public SoundCardNames {
  public:
   using Report = std::function<void(const std::string&)>;
 
@@ -46,6 +47,9 @@ class SoundCards : public AudioDevices {
   /// The cards that were there at the latest look, only number 0 before the first one; begins a new
   /// look, because not every sound system tells of what comes and goes.
   std::vector<SoundCard> Present();
+
+  /// Those of Present, each at its number.
+  std::vector<std::string> Names() override;
 
   /// nullptr for a number that no card has had. Whether the card is there now shows when a play has
   /// started: it then ends by itself, as it does when a card goes away. Until the first look is done every

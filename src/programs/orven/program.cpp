@@ -81,8 +81,8 @@ Program::Program(Folders folders)
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_, loop_,     files_, background_, registry_,  dialogs_,   shell_,          mouse_,
-          mail_,  database_, lines_, line_wave_,  desk_wave_, waveforms_, take_waveforms_, uDat_};
+  return {clock_,    loop_,  files_,     background_, registry_,  dialogs_,        shell_, mouse_, mail_,
+          database_, lines_, line_wave_, desk_wave_,  waveforms_, take_waveforms_, uDat_,  cards_};
 }
 
 std::string Program::HelperPath() const {

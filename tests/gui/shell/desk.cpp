@@ -59,7 +59,7 @@ Desk::Desk(const std::string& settings)
   Wave1 = std::make_unique<FileWaveControl>(loop, *line_devices, home / "Rescued");
   engine = std::make_unique<MainWindow>(
       EnginePorts{clock, loop, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
-                  *Wave1, WavePlay, waveforms, take_waveforms, uDat},
+                  *Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
       window.Views(other_views.caller_view), shared, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }

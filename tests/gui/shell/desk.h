@@ -98,6 +98,7 @@ class Desk {
   std::unique_ptr<FileWaveControl> Wave1;
   FileWaveformReader waveforms{loop}, take_waveforms{loop};
   ScriptedExchange uDat;
+  ScriptedCards cards;
   ScriptedDialogs dialogs;
   ScriptedShell shell;
   ScriptedMouse mouse;
