@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orven {
+
+enum class LineKind { Sip, Modem, Sim };
+
+/// One configured telephone line, as a person knows it. Texts are UTF-8.
+struct TelephoneLine {
+  std::string name;  ///< the device name; two lines may share one
+  LineKind kind = LineKind::Sip;
+
+  // kind Sip
+  std::string listen = "0.0.0.0:5060";  ///< IPv4 address and port for calls
+  std::string server;     ///< registrar: host, perhaps with ":port"; empty with `user`: no account
+  std::string user;       ///< of the account
+  std::string auth_user;  ///< login name, where it is not `user`; else empty
+  std::string password;
+  std::string transport = "udp";  ///< towards the server: udp, tcp or tls
+  std::string srtp;               ///< yes, no, or empty: yes with tls
+  int ring_seconds = 6;           ///< 1 to 60, between Ring events
+
+  std::string port;    ///< kind Modem: the serial device
+  std::string script;  ///< kind Sim: path of a script, or empty
+
+  int origin = 0;  ///< where it stands in what was read, 0 for a new line; carried along, never changed
+
+  bool operator==(const TelephoneLine&) const = default;
+};
+
+/// Where in a line a fault is.
+enum class LineField { Name, Listen, Server, User, AuthUser, Password, Transport, RingSeconds, Port, Script };
+
+struct LineFault {
+  LineField field;
+  std::string text;  ///< one sentence; never quotes a password
+};
+
+/// A serial port of this machine.
+struct SerialPortFound {
+  std::string path;   ///< what a line stores: a name that stays when the device is plugged elsewhere, if any
+  std::string label;  ///< for people
+};
+
+/// Outcome of a test, in one sentence or two.
+struct LineTestResult {
+  bool passed = false;
+  std::string text;
+};
+
+/// The configured telephone lines, and what is known of each. User-interface thread; nothing waits
+/// for a device or for the network.
+class TelephoneLines {
+ public:
+  struct Configured {
+    std::vector<TelephoneLine> lines;     ///< in device-index order
+    std::vector<std::string> complaints;  ///< what is wrong in the stored ones; those lines are missing here
+  };
+  using TestDone = std::function<void(const LineTestResult&)>;
+
+  virtual ~TelephoneLines() = default;
+
+  /// Reads the stored lines.
+  virtual Configured Read() = 0;
+
+  /// Stores `lines` in place of those that the latest Read gave, all or none; passwords are readable by
+  /// the owner only. What Read does not understand stays. Throws RuntimeError: the disk refuses, or the
+  /// stored lines were changed by others since Read.
+  virtual void Store(const std::vector<TelephoneLine>& lines) = 0;
+
+  /// What keeps `line` from being stored or used; nothing when all is well.
+  virtual std::optional<LineFault> Check(const TelephoneLine& line) const = 0;
+
+  /// The serial ports there are now.
+  virtual std::vector<SerialPortFound> SerialPorts() const = 0;
+
+  /// What `line` does at present, in a few words: "Registered", "Registering", "Registration failed: …".
+  virtual std::string State(const TelephoneLine& line) const = 0;
+
+  /// Tries `line` in the background: registers at its server, or asks its modem. `done` is called once,
+  /// later, unless CancelTest comes first. A test under way is given up for it.
+  virtual void Test(const TelephoneLine& line, TestDone done) = 0;
+  virtual void CancelTest() = 0;
+};
+
+}  // namespace orven
