@@ -17,7 +17,7 @@ struct TelephoneLine {
 
   // kind Sip
   std::string listen = "0.0.0.0:5060";  ///< IPv4 address and port for calls
-  std::string server;     ///< registrar: host, perhaps with ":port"; empty with `user`: no account
+  std::string server;     ///< registrar: host, perhaps ":" and port; empty as `user`: no account
   std::string user;       ///< of the account
   std::string auth_user;  ///< login name, where it is not `user`; else empty
   std::string password;

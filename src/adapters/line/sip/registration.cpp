@@ -112,6 +112,7 @@ Registration::~Registration() {
 }
 
 void Registration::Start() {
+  if (!registered_) settings_.registration_news({});
   if (!Send(life_)) RetryLater(kNotSent);
 }
 
@@ -138,6 +139,7 @@ bool Registration::Send(seconds life) {
 
 int Registration::WriteContact(sip_transp transport, const sa& source, const sa& server,
                                mbuf& request) const {
+  if (settings_.register_nothing) return 0;
   sa address = source;
   if (const auto listen = ParseListenAddress(settings_.listen); listen && sa_is_any(&*listen)) {
     address = LocalAddressTowards(server);
@@ -155,7 +157,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
       // The server does not know its own question any more, or the answer was wrong: once more anew.
       sip_auth_reset(auth_.get());
       if (sip_auth_authenticate(auth_.get(), response) != 0)
-        return RetryLater("the server's question cannot be answered");
+        return RetryLater("the server's question cannot be answered", response->scode);
     }
     if (Send(asked_)) return;
   }
@@ -167,13 +169,15 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
       if (Send(life_)) return;
     }
   }
-  RetryLater(error != 0 ? ErrorWords(error)
-                        : std::to_string(response->scode) + " " + std::string(View(response->reason)));
+  if (error != 0) return RetryLater(ErrorWords(error), 0, error);
+  RetryLater(std::to_string(response->scode) + " " + std::string(View(response->reason)), response->scode);
 }
 
 void Registration::Registered(const sip_msg& response) {
   if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
   failing_ = false;
+  // What answers our farewell (RFC 3261, section 10.2.2) says nothing of a registration.
+  if (asked_ != seconds(0)) settings_.registration_news({.state = RegistrationNews::State::Registered});
   registered_ = true;
   challenges_ = 0;
   retry_ = settings_.timers.registration_retry_first;
@@ -186,7 +190,8 @@ void Registration::Registered(const sip_msg& response) {
       [](int, void* self) { static_cast<Registration*>(self)->RetryLater("the connection broke"); }, this);
 }
 
-void Registration::RetryLater(const std::string& reason) {
+void Registration::RetryLater(const std::string& reason, int status, int error) {
+  settings_.registration_news({RegistrationNews::State::Failed, status, error, reason});
   if (!failing_) {
     settings_.report("The registration of " + settings_.account + " failed (" + reason +
                      "); no call can come in by it. ORVEN goes on trying.");

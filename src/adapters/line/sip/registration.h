@@ -29,7 +29,8 @@ class Registration {
   bool Send(std::chrono::seconds life);
   void TakeResponse(int error, const sip_msg* response);
   void Registered(const sip_msg& response);
-  void RetryLater(const std::string& reason);
+  /// `status` and `error` as in RegistrationNews.
+  void RetryLater(const std::string& reason, int status = 0, int error = 0);
   int WriteContact(sip_transp transport, const sa& source, const sa& server, mbuf& request) const;
 
   sip& stack_;

@@ -27,6 +27,15 @@ struct SipLineTimers {
   std::chrono::seconds registration_life{300};
 };
 
+/// How the registration of an account stands.
+struct RegistrationNews {
+  enum class State { Trying, Registered, Failed };
+  State state = State::Trying;
+  int status = 0;      ///< of the server's answer (RFC 3261, section 21); 0 without one
+  int error = 0;       ///< errno value of what went wrong on the way; 0 when nothing did
+  std::string reason;  ///< why it failed, in a few words
+};
+
 /// One SIP telephone line.
 struct SipLineSettings {
   std::string name = "SIP";               ///< device name
@@ -39,6 +48,11 @@ struct SipLineSettings {
   /// Takes one sentence for the log when the registration fails and when it works again. SIP thread;
   /// must not block.
   std::function<void(const std::string&)> report = [](const std::string&) {};
+  /// Takes what becomes of each try to register. SIP thread; must not block.
+  std::function<void(const RegistrationNews&)> registration_news = [](const RegistrationNews&) {};
+  /// Only asks the server what is registered (RFC 3261, section 10.2.3), which needs the same password
+  /// but changes nothing there: for a test beside a line that is registered.
+  bool register_nothing = false;
   SipLineTimers timers;
 };
 
