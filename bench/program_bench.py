@@ -65,7 +65,8 @@ class Machine:
             lines.write(f"[SIP]\ntype = sip\nlisten = 127.0.0.1:{processes.free_port()}\n")
 
     def start(self, *arguments):
-        environment = dict(self.screen.environment(), ORVEN_HOME=self.folder)
+        config = os.path.join(self.folder, "config")  # not the user's, which would start this at login
+        environment = dict(self.screen.environment(), ORVEN_HOME=self.folder, XDG_CONFIG_HOME=config)
         return processes.start([self.program, *arguments], os.path.join(self.folder, "output"), env=environment)
 
     def line_openings(self):

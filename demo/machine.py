@@ -26,6 +26,8 @@ class Machine:
         windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
         self._environment = display.environment() if display else windowless
         self._environment["ORVEN_HOME"] = self.home
+        # The first start enters the program among those that start with the desktop; not with the user's.
+        self._environment["XDG_CONFIG_HOME"] = os.path.join(folder, "config")
         self._program, self._folder = os.path.abspath(program), folder
         self._start()
 

@@ -104,8 +104,12 @@ std::string FindApplicationFolder(const FolderHints& hints) {
 }
 
 std::string FindAssets(const std::string& executable_folder) {
-  const QString folder = Absolute(QString::fromStdString(executable_folder + "/../share/orven"));
-  return QFile::exists(folder + QStringLiteral("/beep.wav")) ? folder.toStdString() : std::string();
+  // Beside bin/ in a build folder; in an installation the programs have lib/orven/ to themselves.
+  for (const char* share : {"/../share/orven", "/../../share/orven"}) {
+    const QString folder = Absolute(QString::fromStdString(executable_folder + share));
+    if (QFile::exists(folder + QStringLiteral("/beep.wav"))) return folder.toStdString();
+  }
+  return {};
 }
 
 std::string MakeApplicationFolder(const std::string& folder) {

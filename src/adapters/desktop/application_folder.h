@@ -23,8 +23,9 @@ FolderHints ProcessFolderHints();
 /// "orven" in the user's data folder (by default ~/.local/share). It need not exist yet.
 std::string FindApplicationFolder(const FolderHints& hints);
 
-/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg): ../share/orven seen
-/// from the executable, in the build folder as in an installation. Empty when there is none.
+/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg): ../share/orven seen from
+/// the executable in a build folder (bin), ../../share/orven in an installation (lib/orven). Empty when
+/// there is none.
 std::string FindAssets(const std::string& executable_folder);
 
 /// What SeedApplicationFolder did. A problem names the file or folder and the reason.

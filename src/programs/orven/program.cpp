@@ -47,7 +47,8 @@ Program::Program(Folders folders)
       background_(loop_),
       registry_file_(shared_.InApplicationFolder("\\registry.reg"),
                      [this](const std::string& text) { Report(text); }),
-      registry_(registry_file_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
+      autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
+      registry_(autostart_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
       database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
                 [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
@@ -87,6 +88,13 @@ EnginePorts Program::Ports() {
 
 std::string Program::HelperPath() const {
   return folders_.executable + "/TTS";
+}
+
+AutostartSource Program::Autostart() const {
+  return {.file = AutostartFile(),
+          .program = QApplication::applicationFilePath().toStdString(),
+          .application_folder = folders_.application,
+          .folder_by_environment = !qEnvironmentVariableIsEmpty("ORVEN_HOME")};
 }
 
 MailAccount Program::Account() {

@@ -9,6 +9,7 @@
 #include "adapters/audio/waveform_reader.h"
 #include "adapters/channel/local_exchange.h"
 #include "adapters/database/sqlite_database.h"
+#include "adapters/desktop/autostart_registry.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_dialogs.h"
@@ -60,6 +61,7 @@ class Program {
   FirstStart::Sources FirstStartSources();
   EnginePorts Ports();
   std::string HelperPath() const;
+  AutostartSource Autostart() const;
   MailAccount Account();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
@@ -78,6 +80,7 @@ class Program {
   DiskFiles files_;
   BackgroundThread background_;
   RegistryFile registry_file_;
+  AutostartRegistry autostart_;
   InstalledClasses registry_;
   SqliteDatabase database_;
   LineService lines_;

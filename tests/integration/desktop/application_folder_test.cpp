@@ -35,6 +35,14 @@ TEST_F(ApplicationFolderTest, IsTheFirstOfOrvenHomeTheProgramsFolderAndTheDataFo
   EXPECT_EQ(FindApplicationFolder({"", "/bin", "relative", "/user"}), "/user/.local/share/orven");
 }
 
+TEST_F(ApplicationFolderTest, TheAssetsAreFoundFromABuildFolderAndFromAnInstallation) {
+  std::filesystem::create_directory(root_ / "share");
+  std::filesystem::rename(root_ / "assets", root_ / "share/orven");
+  EXPECT_EQ(FindAssets(root_ / "bin"), root_ / "share/orven");
+  EXPECT_EQ(FindAssets(root_ / "lib/orven"), root_ / "share/orven");
+  EXPECT_EQ(FindAssets(root_ / "lib/orven/deeper"), "");
+}
+
 TEST_F(ApplicationFolderTest, IsItsUsersAloneAndAnUnfinishedFirstStartIsFinishedByTheNext) {
   std::filesystem::remove(root_ / "app");
   EXPECT_EQ(MakeApplicationFolder(root_ / "app"), "");

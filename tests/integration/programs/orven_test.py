@@ -34,6 +34,8 @@ class Orven:
         clean = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
         silence = "unix:/nonexistent"  # no test beeps on the desk of whoever runs it
         clean.update({"ORVEN_HOME": home, "LC_ALL": "en_US.UTF-8", "PULSE_SERVER": silence, **(environment or {})})
+        self.config = home + ".config"  # no test enters a program among those that the user's desktop starts
+        clean["XDG_CONFIG_HOME"] = self.config
         self.process = processes.start([PROGRAM, *arguments], self.output_path, env=clean)
 
     def __enter__(self):
@@ -127,6 +129,8 @@ class OrvenTest(OrvenCase):
             orven.wait_for("Load ORVEN", count=2)
             orven.end(signal.SIGINT)
             self.assertNotIn(password, orven.output())
+            with open(f"{orven.config}/autostart/orven.desktop", encoding="utf-8") as entry:
+                self.assertIn(f"\nExec=env ORVEN_HOME={self.home} {PROGRAM} -st\n", entry.read())
 
     def test_a_second_instance_touches_nothing(self):
         with Orven(self.home) as first:

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orven {
+
+/// What the autostart entry of one installation is made of. Texts are absolute paths, UTF-8.
+struct AutostartSource {
+  /// The file that the desktop reads: orven.desktop in the folder autostart of $XDG_CONFIG_HOME.
+  std::string file;
+  std::string program;
+  std::string application_folder;
+  /// Whether the program finds that folder only by $ORVEN_HOME.
+  bool folder_by_environment = false;
+};
+
+/// Where the desktop of this process's user looks for the entry (XDG base directories).
+std::string AutostartFile();
+
+/// A command with its arguments as a value of the Exec key: each argument quoted where it needs to be, and
+/// its per cent signs doubled (Desktop Entry Specification 1.5, "The Exec key"). Backslashes and line ends
+/// are not escaped yet as those of every value are.
+std::string ExecCommand(const std::vector<std::string>& arguments);
+
+/// The file by which the desktop starts a program at login (Desktop Application Autostart Specification 0.5).
+///
+/// What a person changed in it stays, his own command as well; while the command is still the one that was
+/// written here, it follows the program to another place. A file that is no desktop entry is set aside.
+/// Failures throw RuntimeError with the path in the text. Any one thread.
+class AutostartEntry {
+ public:
+  enum class State {
+    Absent,    ///< no file, or one that cannot be read
+    Foreign,   ///< it starts the program in another application folder, which is still there
+    Disabled,  ///< a person, or the settings of the desktop, switched it off
+    Enabled,
+  };
+
+  explicit AutostartEntry(AutostartSource source) : source_(std::move(source)) {}
+
+  State Look() const;
+
+  /// Makes the program start at login, whatever the state was.
+  void Enable();
+
+  /// Removes the entry, unless it is Foreign.
+  void Remove();
+
+ private:
+  AutostartSource source_;
+};
+
+}  // namespace orven
