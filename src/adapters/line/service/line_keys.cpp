@@ -70,6 +70,10 @@ bool IsTransport(std::string_view value) {
   return value == "udp" || value == "tcp" || value == "tls";
 }
 
+bool IsYesOrNo(std::string_view value) {
+  return value == "yes" || value == "no";
+}
+
 bool IsRingTime(std::string_view value) {
   double seconds = 0;
   const char* end = value.data() + value.size();
@@ -87,6 +91,7 @@ constexpr std::array kSipKeys{
     LineKey{"auth_user", IsText, "a user name"},
     LineKey{"password", IsText, "a password", false, true},
     LineKey{"transport", IsTransport, "udp, tcp or tls"},
+    LineKey{"srtp", IsYesOrNo, "yes or no"},
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
 };
 constexpr std::array kModemKeys{

@@ -17,6 +17,7 @@ namespace orven {
 ///                  auth_user     the name for the registrar
 ///                  password
 ///                  transport     udp, tcp or tls
+///                  srtp          yes or no
 ///                  ring_seconds  seconds between Ring events, 1 to 60, decimals allowed
 ///   type = modem   port          the serial device; always there
 ///   type = sim     script        path of a script

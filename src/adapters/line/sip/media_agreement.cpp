@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/media_agreement.h"
 
+#include <algorithm>
 #include <new>
 #include <string_view>
+#include <utility>
 
 namespace orven {
 namespace {
@@ -33,18 +35,30 @@ std::optional<Codec> CodecOf(const sdp_format& format) {
   return std::nullopt;
 }
 
+/// "RTP/SAVP" and "RTP/SAVPF" demand encryption, "RTP/AVP" and "RTP/AVPF" do not.
+bool DemandsEncryption(const sdp_media* media) {
+  return std::string_view(sdp_media_proto(media)).starts_with("RTP/SAVP");
+}
+
 }  // namespace
 
-MediaNegotiation::MediaNegotiation(const sa& local) : family_(sa_af(&local)) {
+MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : family_(sa_af(&local)), srtp_(srtp) {
   sdp_session* session = nullptr;
   Check(sdp_session_alloc(&session, &local));
   session_.reset(session);
-  Check(sdp_media_add(&audio_, session, "audio", sa_port(&local), "RTP/AVP"));
-  Check(sdp_media_set_alt_protos(audio_, 1, "RTP/AVPF"));
+  const bool demand = srtp == SrtpUse::kRequired;
+  Check(sdp_media_add(&audio_, session, "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
+  // Who describes the same sound twice, plain and encrypted, gets the first that is listed here.
+  if (srtp == SrtpUse::kNever) {
+    Check(sdp_media_set_alt_protos(audio_, 2, "RTP/AVP", "RTP/AVPF"));
+  } else {
+    Check(sdp_media_set_alt_protos(audio_, 4, "RTP/AVP", "RTP/AVPF", "RTP/SAVP", "RTP/SAVPF"));
+  }
   AddFormat(audio_, kMuLawId, "PCMU", nullptr);
   AddFormat(audio_, kALawId, "PCMA", nullptr);
   AddFormat(audio_, kEventId, "telephone-event", "0-15");
   Check(sdp_media_set_lattr(audio_, true, "ptime", "%u", 20U));
+  if (demand) TellKeys({{1, SrtpSuite::kTag80, NewSrtpKey()}, {2, SrtpSuite::kTag32, NewSrtpKey()}});
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Read(mbuf* body, bool is_offer) {
@@ -53,6 +67,7 @@ std::optional<MediaAgreement> MediaNegotiation::Read(mbuf* body, bool is_offer) 
   body->pos = position;
   if (error != 0) return std::nullopt;
   auto agreement = Agreed();
+  if (agreement && !AgreeOnKeys(is_offer, *agreement)) return std::nullopt;
   if (!agreement || sa_isset(&agreement->peer, SA_ADDR)) return agreement;
   // No address: either one that is no number, or 0.0.0.0, the old way to put a call on hold (RFC 2543,
   // section B.5).
@@ -88,6 +103,53 @@ std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
   agreement.send = (direction & SDP_SENDONLY) != 0;
   agreement.receive = (direction & SDP_RECVONLY) != 0;
   return agreement;
+}
+
+/// False when the peer will not encrypt as it must, or must not encrypt as it wants to.
+bool MediaNegotiation::AgreeOnKeys(bool is_offer, MediaAgreement& agreement) {
+  const auto theirs = srtp_ == SrtpUse::kNever ? std::nullopt : PeersChoice(is_offer);
+  if (!theirs) return srtp_ != SrtpUse::kRequired && !DemandsEncryption(audio_);
+  const auto own = std::find_if(own_.begin(), own_.end(), [&theirs](const CryptoAttribute& attribute) {
+    return attribute.suite == theirs->suite;
+  });
+  const SrtpKey key = own != own_.end() ? own->key : NewSrtpKey();
+  agreement.keys = SoundKeys{theirs->suite, key, theirs->key};
+  TellKeys({{theirs->tag, theirs->suite, key}});
+  srtp_ = SrtpUse::kRequired;
+  return true;
+}
+
+/// The first way that we can go, in the order of an offer; in an answer, the one of ours.
+std::optional<CryptoAttribute> MediaNegotiation::PeersChoice(bool is_offer) const {
+  struct Search {
+    const std::vector<CryptoAttribute>& own;
+    bool is_offer;
+    std::optional<CryptoAttribute> found;
+  } search{own_, is_offer, {}};
+  (void)sdp_media_rattr_apply(
+      audio_, "crypto",
+      [](const char*, const char* value, void* arg) {
+        auto& wanted = *static_cast<Search*>(arg);
+        const auto read = ReadCryptoAttribute(value != nullptr ? value : "");
+        const auto is_ours = [&read](const CryptoAttribute& one) {
+          return one.tag == read->tag && one.suite == read->suite;
+        };
+        if (read && (wanted.is_offer || std::any_of(wanted.own.begin(), wanted.own.end(), is_ours))) {
+          wanted.found = read;
+        }
+        return wanted.found.has_value();
+      },
+      &search);
+  return search.found;
+}
+
+void MediaNegotiation::TellKeys(std::vector<CryptoAttribute> own) {
+  own_ = std::move(own);
+  bool first = true;
+  for (const CryptoAttribute& attribute : own_) {
+    const std::string text = WriteCryptoAttribute(attribute);
+    Check(sdp_media_set_lattr(audio_, std::exchange(first, false), "crypto", "%s", text.c_str()));
+  }
 }
 
 LibrePtr<mbuf> MediaNegotiation::Write(bool as_offer) {

@@ -4,9 +4,13 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
+#include "adapters/line/sip/crypto_attribute.h"
 #include "adapters/line/sip/g711.h"
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/secure_sound.h"
+#include "adapters/line/sip/sip_line_settings.h"
 
 namespace orven {
 
@@ -19,16 +23,23 @@ struct MediaAgreement {
   std::optional<std::uint8_t> event_payload_type;  ///< telephone-event (RFC 4733)
   bool send = true;                                ///< false: on hold, or the peer takes no sound
   bool receive = true;                             ///< false: the peer sends none
+  std::optional<SoundKeys> keys;                   ///< encrypted with these; absent: plain
 };
 
 /// The call's half of the offer/answer exchange (RFC 3264), again for each re-INVITE. SIP thread.
+///
+/// The keys of encrypted sound travel in it (RFC 4568): demanded by RTP/SAVP, or offered beside plain
+/// sound by RTP/AVP with "a=crypto". A call that is encrypted once never becomes plain again. Our key
+/// stays the same as long as the suite does.
 class MediaNegotiation {
  public:
-  /// `local` is the address and port to be told.
-  explicit MediaNegotiation(const sa& local);
+  /// `local` is the address and port to be told. What we offer by ourselves is encrypted when `srtp`
+  /// demands it. Throws std::bad_alloc, and std::runtime_error when no key can be made.
+  MediaNegotiation(const sa& local, SrtpUse srtp);
 
   /// Reads the offer or the answer at the position of `body`, which it leaves there. Nothing when it
-  /// is malformed, has no sound in a codec of ours, or an address of another family.
+  /// is malformed, has no sound in a codec of ours, an address of another family, or is not as
+  /// encrypted as it has to be.
   std::optional<MediaAgreement> Read(mbuf* body, bool is_offer);
 
   /// Our offer, or our answer to the offer read last. nullptr when memory ran out.
@@ -36,10 +47,15 @@ class MediaNegotiation {
 
  private:
   std::optional<MediaAgreement> Agreed() const;
+  bool AgreeOnKeys(bool is_offer, MediaAgreement& agreement);
+  std::optional<CryptoAttribute> PeersChoice(bool is_offer) const;
+  void TellKeys(std::vector<CryptoAttribute> own);
 
   LibrePtr<sdp_session> session_;
   sdp_media* audio_ = nullptr;  ///< belongs to session_
   int family_;
+  SrtpUse srtp_;
+  std::vector<CryptoAttribute> own_;  ///< what our next description offers or answers
 };
 
 }  // namespace orven

@@ -30,7 +30,7 @@ void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes) {
 }
 
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
-  if (datagram.size() < kRtpHeaderBytes || datagram[0] >> 6 != kVersion) return std::nullopt;
+  if (!LooksLikeRtp(datagram)) return std::nullopt;
   const bool padded = (datagram[0] & 0x20) != 0;
   const bool extended = (datagram[0] & 0x10) != 0;
   std::size_t begin = kRtpHeaderBytes + std::size_t{4} * (datagram[0] & 0x0FU);
@@ -48,6 +48,10 @@ std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
   packet.header.ssrc = Read32(datagram.data() + 8);
   packet.payload = datagram.subspan(begin, datagram.size() - begin - padding);
   return packet;
+}
+
+bool LooksLikeRtp(std::span<const std::uint8_t> datagram) {
+  return datagram.size() >= kRtpHeaderBytes && datagram[0] >> 6 == kVersion;
 }
 
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram) {

@@ -34,6 +34,9 @@ void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes);
 /// Nothing when the datagram is no well-formed packet of version 2.
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram);
 
+/// Long enough for an RTP packet's header and of version 2; the rest may be encrypted.
+bool LooksLikeRtp(std::span<const std::uint8_t> datagram);
+
 /// The beginning of an RTCP packet (RFC 3550, section 6): version 2 and a type of that range.
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram);
 

@@ -17,6 +17,10 @@ constexpr milliseconds kBlockTime{20};
 /// After a longer stall (a machine that slept) the sound goes on from now instead of being made up for.
 constexpr std::int64_t kMostLateBlocks = 100;
 
+/// The peer must not miss a wrap of the sequence numbers, which it counts to decrypt (RFC 3711, section
+/// 3.3.1): the first half leaves it 11 minutes to hear the first packet.
+constexpr std::uint16_t kFirstSequenceMask = 0x7FFF;
+
 /// More than any delay that Playout builds up.
 constexpr int kMostTailBlocks = 150;
 
@@ -45,10 +49,10 @@ RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEve
       inband_([this](char digit) { events_.DigitHeard(DigitSource::kInBand, digit); }),
       ssrc_(rand_u32()),
       timestamp_(rand_u32()),
-      sequence_(rand_u16()) {}
+      sequence_(rand_u16() & kFirstSequenceMask) {}
 
 void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
-  agreement_ = agreement;
+  if (agreement) Agree(*agreement);
   started_ = true;
   start_ = alive_ = Clock::now();
   blocks_ = 0;
@@ -56,10 +60,26 @@ void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
 }
 
 void RtpStream::Update(const MediaAgreement& agreement) {
-  agreement_ = agreement;
+  Agree(agreement);
   source_.reset();
   refused_since_.reset();
   alive_ = Clock::now();
+}
+
+/// What is encrypted with a key that stays goes on counting; a key that changed begins anew.
+void RtpStream::Agree(const MediaAgreement& agreement) {
+  agreement_ = agreement;
+  const auto& keys = agreement.keys;
+  if (!keys) {
+    sealer_.reset();
+    sound_opener_.reset();
+    control_opener_.reset();
+    return;
+  }
+  if (!sealer_ || !sealer_->Uses(keys->suite, keys->send)) sealer_.emplace(keys->suite, keys->send);
+  if (sound_opener_ && sound_opener_->Uses(keys->suite, keys->receive)) return;
+  sound_opener_.emplace(SoundOpener::Kind::kSound, keys->suite, keys->receive);
+  control_opener_.emplace(SoundOpener::Kind::kControl, keys->suite, keys->receive);
 }
 
 void RtpStream::Stop() {
@@ -103,9 +123,15 @@ void RtpStream::SendBlock() {
     std::array<std::uint8_t, kRtpHeaderBytes + kBlockSamples> packet;
     WriteRtpHeader(header, packet.data());
     Encode(agreement_->send_codec, block, packet.data() + kRtpHeaderBytes);
-    ports_.sound->Send(source_ ? *source_ : agreement_->peer, packet);
+    Send(packet);
   }
   talking_ = send;
+}
+
+/// A packet that cannot be encrypted is not sent.
+void RtpStream::Send(std::span<const std::uint8_t> packet) {
+  const auto sealed = sealer_ ? sealer_->Seal(packet) : packet;
+  if (!sealed.empty()) ports_.sound->Send(source_ ? *source_ : agreement_->peer, sealed);
 }
 
 void RtpStream::DeliverBlock() {
@@ -135,9 +161,16 @@ bool RtpStream::IsPeer(const sa& source) {
   return sa_cmp(&source, &*source_, SA_ALL);
 }
 
+/// The plain packet, or nothing when it is not the peer's.
+std::optional<std::span<const std::uint8_t>> RtpStream::Opened(std::optional<SoundOpener>& opener,
+                                                               std::span<const std::uint8_t> datagram) {
+  return opener ? opener->Open(datagram) : datagram;
+}
+
 void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datagram) {
   if (!started_ || !agreement_) return;
-  const auto packet = ReadRtpPacket(datagram);
+  const auto opened = Opened(sound_opener_, datagram);
+  const auto packet = opened ? ReadRtpPacket(*opened) : std::nullopt;
   if (!packet) return;
   const auto codec = agreement_->codecs[packet->header.payload_type];
   const bool is_event = agreement_->event_payload_type == packet->header.payload_type;
@@ -165,7 +198,8 @@ void RtpStream::TakeEvent(const RtpPacket& packet) {
 /// A peer that sends no sound in silence still reports on ours: it is not lost.
 void RtpStream::TakeControl(const sa& source, std::span<const std::uint8_t> datagram) {
   if (!started_ || !agreement_ || !LooksLikeRtcp(datagram)) return;
-  if (sa_cmp(&source, source_ ? &*source_ : &agreement_->peer, SA_ADDR)) alive_ = Clock::now();
+  if (!sa_cmp(&source, source_ ? &*source_ : &agreement_->peer, SA_ADDR)) return;
+  if (Opened(control_opener_, datagram)) alive_ = Clock::now();
 }
 
 void RtpStream::TakeRefusal(const sa& destination) {

@@ -14,6 +14,7 @@
 #include "adapters/line/sip/playout.h"
 #include "adapters/line/sip/rtp_packet.h"
 #include "adapters/line/sip/rtp_socket.h"
+#include "adapters/line/sip/secure_sound.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/steady_timer.h"
 #include "adapters/line/sip/telephone_events.h"
@@ -57,11 +58,15 @@ class RtpStream {
 
   RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEvents& events);
 
+  void Agree(const MediaAgreement& agreement);
   void Tick();
   void SendBlock();
+  void Send(std::span<const std::uint8_t> packet);
   void DeliverBlock();
   void CheckPeer(Time now);
 
+  static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SoundOpener>& opener,
+                                                             std::span<const std::uint8_t> datagram);
   void TakePacket(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeControl(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeRefusal(const sa& destination);
@@ -74,6 +79,9 @@ class RtpStream {
   RtpPorts ports_;
   SteadyTimer ticker_;
   std::optional<MediaAgreement> agreement_;
+  std::optional<SoundSealer> sealer_;  ///< absent, like the openers, when the sound is plain
+  std::optional<SoundOpener> sound_opener_;
+  std::optional<SoundOpener> control_opener_;
   std::optional<sa> source_;  ///< where the peer's packets really come from
 
   Playout playout_;

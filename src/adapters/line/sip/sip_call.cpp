@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <exception>
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/info_digit.h"
@@ -15,6 +16,11 @@ constexpr const char* kSessionType = "application/sdp";
 
 SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
+}
+
+/// Keys that travel in plain sight protect nothing: by itself only a line over TLS demands encryption.
+SrtpUse SrtpOf(const SipLineSettings& settings) {
+  return settings.srtp.value_or(settings.transport == "tls" ? SrtpUse::kRequired : SrtpUse::kIfOffered);
 }
 
 }  // namespace
@@ -43,7 +49,7 @@ bool SipCall::Prepare(const sip_msg& invite) {
   }
   sa local = invite.dst;
   sa_set_port(&local, stream_->Port());
-  negotiation_.emplace(local);
+  negotiation_.emplace(local, SrtpOf(around_.settings));
   if (mbuf_get_left(invite.mb) == 0) return true;
   if (!msg_ctype_cmp(&invite.ctyp, "application", "sdp")) {
     (void)sip_treplyf(nullptr, nullptr, around_.stack, &invite, false, 415, "Unsupported Media Type",
@@ -158,8 +164,9 @@ void SipCall::EndSession() {
   session_.reset();
 }
 
-/// A re-INVITE. What cannot be agreed is refused (488) and the call goes on as it was.
-int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) {
+/// A re-INVITE. What cannot be agreed is refused (488) and the call goes on as it was. No exception may
+/// reach the library.
+int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   const bool has_offer = mbuf_get_left(request.mb) > 0;
   if (has_offer) {
     const auto agreement = negotiation_->Read(request.mb, true);
@@ -169,15 +176,19 @@ int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) {
   }
   *answer = negotiation_->Write(!has_offer).release();
   return *answer != nullptr ? 0 : ENOMEM;
+} catch (const std::exception&) {
+  return ENOMEM;
 }
 
 /// The answer to an offer of ours comes with the acknowledgement.
-int SipCall::TakeAnswer(const sip_msg& ack) {
+int SipCall::TakeAnswer(const sip_msg& ack) try {
   const auto agreement = negotiation_->Read(ack.mb, false);
   if (!agreement) return EPROTO;
   agreement_ = agreement;
   stream_->Update(*agreement);
   return 0;
+} catch (const std::exception&) {
+  return ENOMEM;
 }
 
 void SipCall::TakeInfo(const sip_msg& request) {

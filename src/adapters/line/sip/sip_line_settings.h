@@ -2,7 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace orven {
@@ -36,6 +38,13 @@ struct RegistrationNews {
   std::string reason;  ///< why it failed, in a few words
 };
 
+/// Whether a line's sound is encrypted (SRTP, RFC 3711).
+enum class SrtpUse : std::uint8_t {
+  kNever,      ///< plain sound only; who demands encryption is refused
+  kIfOffered,  ///< whatever the other side offers; both: encrypted
+  kRequired    ///< encrypted sound only; who will not is refused
+};
+
 /// One SIP telephone line.
 struct SipLineSettings {
   std::string name = "SIP";               ///< device name
@@ -44,6 +53,7 @@ struct SipLineSettings {
   std::string auth_user;                  ///< empty: the account's user
   std::string password;
   std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
+  std::optional<SrtpUse> srtp;    ///< absent: required where `transport` is tls, else if offered
   int ring_seconds = 6;           ///< 1 or more; seconds between Ring events
   /// Takes one sentence for the log when the registration fails and when it works again. SIP thread;
   /// must not block.

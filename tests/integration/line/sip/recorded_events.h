@@ -39,6 +39,12 @@ class RecordedEvents : public LineDriverEvents {
     return events_;
   }
 
+  /// Forgets what has been told: a new line begins to count anew.
+  void Clear() {
+    const std::lock_guard lock(mutex_);
+    events_.clear();
+  }
+
   /// The keys told so far, in order.
   std::string Digits() {
     std::string digits;

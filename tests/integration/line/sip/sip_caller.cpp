@@ -75,6 +75,7 @@ bool SipCaller::TakeAnswer() {
   const auto answer = Wait("200");
   const auto sound = answer ? answer->find("m=audio ") : std::string::npos;
   if (sound == std::string::npos) return false;
+  answer_ = *answer;
   const std::string to = Header(*answer, "To");
   to_tag_ = to.substr(to.find(";tag=") + 5);
   line_rtp_port_ = static_cast<std::uint16_t>(std::stoi(answer->substr(sound + 8)));

@@ -35,6 +35,8 @@ class SipCaller {
   bool TakeBye();
 
   std::string Sdp(const std::string& formats, const std::string& direction = "sendrecv") const;
+  /// The latest 200 of an INVITE.
+  const std::string& Answer() const { return answer_; }
   std::uint16_t LineRtpPort() const { return line_rtp_port_; }
   Socket& Rtp() { return rtp_; }
   /// Forgets the packets that have come so far and tells whether another one comes.
@@ -44,6 +46,7 @@ class SipCaller {
   const std::uint16_t line_port_;
   const Socket sip_ = Socket::Udp();
   Socket rtp_ = Socket::Udp();
+  std::string answer_;
   std::string to_tag_;
   std::string branch_;
   int cseq_ = 0;

@@ -2,12 +2,8 @@
 // Calls by telephones that nobody here wrote: sipp and baresip.
 #include <unistd.h>
 
-#include <cstdlib>
-
 #include "adapters/line/sip/g711.h"
-#include "integration/line/sip/sip_line_test.h"
-#include "integration/line/sip/test_audio.h"
-#include "support/scratch_folder.h"
+#include "integration/line/sip/sip_peers_test.h"
 
 namespace orven::test {
 namespace {
@@ -63,30 +59,6 @@ Content-Length: 0
 ]]></send><recv response="200"></recv></scenario>
 )";
 
-class SipPeersTest : public SipLineTest {
- protected:
-  /// Answers the call that comes and records it.
-  void Answer() {
-    ASSERT_TRUE(events.Wait("Ring 1 1"));
-    ASSERT_EQ(line->Audio().StartRecord(recorded), 0);
-    line->Answer(1, 1);
-    ASSERT_TRUE(events.Wait("Connected 1"));
-    line->MonitorDigits(1, true);
-  }
-
-  /// Runs another telephone program, which ends well and within 30 s.
-  std::jthread Run(const std::string& command) const {
-    const std::string output = folder / "output";
-    return std::jthread([=] {
-      EXPECT_EQ(std::system(("timeout 30 " + command + " </dev/null >" + output + " 2>&1").c_str()), 0)
-          << ContentOf(output);
-    });
-  }
-
-  ScratchFolder folder;
-  KeptSound recorded;
-};
-
 TEST_F(SipPeersTest, SippHearsSpeaksPressesKeysAndHangsUp) {
   if (!std::filesystem::exists("/usr/bin/sipp") || ::geteuid() != 0) {
     GTEST_SKIP() << "sipp is not installed, or may not send keys (only root may)";
@@ -107,40 +79,12 @@ TEST_F(SipPeersTest, SippHearsSpeaksPressesKeysAndHangsUp) {
   EXPECT_EQ(events.Digits(), "12#");
 }
 
-std::string Wave(const Samples& samples) {
-  const auto little = [](std::size_t value, int bytes) {
-    std::string text;
-    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i));
-    return text;
-  };
-  const std::size_t size = samples.size() * 2;
-  return "RIFF" + little(36 + size, 4) + "WAVEfmt " + little(16, 4) + little(1, 2) + little(1, 2) +
-         little(8000, 4) + little(16000, 4) + little(2, 2) + little(16, 2) + "data" + little(size, 4) +
-         std::string(reinterpret_cast<const char*>(samples.data()), size);
-}
-
 TEST_F(SipPeersTest, BaresipCallsSpeaksAndIsHungUp) {
   if (!std::filesystem::exists("/usr/bin/baresip")) GTEST_SKIP() << "baresip is not installed";
   OpenLine();
   const Samples spoken = Decode(Codec::kMuLaw, NoiseBytes(75, 6));
   PutFile(folder / "spoken.wav", Wave(spoken));
-  const std::string own = "127.0.0.1:" + std::to_string(FreePort());
-  PutFile(folder / "config", "sip_listen " + own + "\nnet_interface 127.0.0.1\naudio_source aufile," +
-                                 (folder / "spoken.wav") + R"(
-audio_player aufile,/dev/null
-audio_alert aufile,/dev/null
-ausrc_srate 8000
-auplay_srate 8000
-module_path /usr/lib/baresip/modules
-module g711.so
-module aufile.so
-module_tmp account.so
-module_app menu.so
-)");
-  PutFile(folder / "accounts", "\"Desk\" <sip:5557777@" + own + ">;regint=0;audio_codecs=PCMU/8000/1\n");
-  PutFile(folder / "contacts", "");
-  const std::jthread baresip =
-      Run("baresip -t 5 -f " + (folder / "") + " -e '/dial sip:line@127.0.0.1:" + std::to_string(port) + "'");
+  const std::jthread baresip = RunBaresip("sip:line@127.0.0.1:" + std::to_string(port));
   Answer();
   EXPECT_EQ(events.All()[1], "CallerId 1 Desk|5557777");
   ASSERT_TRUE(recorded.WaitFor(14'000));

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <optional>
+#include <span>
+
+#include "adapters/line/sip/crypto_attribute.h"
+#include "adapters/line/sip/libre.h"
+
+namespace orven {
+
+/// Both directions' keys of one call, as agreed.
+struct SoundKeys {
+  SrtpSuite suite = SrtpSuite::kTag80;
+  SrtpKey send{};
+  SrtpKey receive{};
+};
+
+/// Encrypts the packets that we send with one key (RFC 3711). It counts their sequence numbers' wraps,
+/// so it has to live as long as its key is used: a second one would repeat the first one's cipher.
+class SoundSealer {
+ public:
+  /// Throws std::bad_alloc when the key cannot be used.
+  SoundSealer(SrtpSuite suite, const SrtpKey& key);
+
+  bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
+
+  /// The packet to be sent for a plain RTP packet, valid until the next call; empty when it cannot be
+  /// encrypted, which must not be sent then.
+  std::span<const std::uint8_t> Seal(std::span<const std::uint8_t> packet);
+
+ private:
+  const SrtpSuite suite_;
+  const SrtpKey key_;
+  LibrePtr<srtp> context_;
+  LibrePtr<mbuf> buffer_;
+};
+
+/// Authenticates and decrypts the peer's packets of one kind: sound, or its control messages. What
+/// fails, or was seen before, leaves no trace: whoever has not the key can neither use up the room for
+/// senders nor spoil the count of the real one's packets.
+class SoundOpener {
+ public:
+  enum class Kind : std::uint8_t { kSound, kControl };
+
+  SoundOpener(Kind kind, SrtpSuite suite, const SrtpKey& key) : kind_(kind), suite_(suite), key_(key) {}
+
+  bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
+
+  /// The plain packet, valid until the next call, or nothing when it is not the peer's.
+  std::optional<std::span<const std::uint8_t>> Open(std::span<const std::uint8_t> packet);
+
+ private:
+  /// A source that has proven that it has the key.
+  struct Sender {
+    std::uint32_t ssrc;
+    LibrePtr<srtp> context;
+  };
+
+  /// A peer begins anew under another number when it transfers or resumes a call, not more often.
+  static constexpr std::size_t kMostSenders = 16;
+
+  bool Decrypt(srtp* context, std::span<const std::uint8_t> packet);
+
+  const Kind kind_;
+  const SrtpSuite suite_;
+  const SrtpKey key_;
+  std::list<Sender> senders_;  ///< the latest first
+  LibrePtr<mbuf> buffer_;
+};
+
+}  // namespace orven
