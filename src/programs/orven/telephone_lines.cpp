@@ -34,6 +34,9 @@ std::unique_ptr<LineDriver> MakeSip(const LineSection& section,
   settings.auth_user = Value(section, "auth_user", "");
   settings.password = Value(section, "password", "");
   settings.transport = Value(section, "transport", settings.transport);
+  if (const auto srtp = Value(section, "srtp", ""); !srtp.empty()) {
+    settings.srtp = srtp == "yes" ? SrtpUse::kRequired : SrtpUse::kNever;
+  }
   settings.ring_seconds = RingSeconds(Value(section, "ring_seconds", ""), settings.ring_seconds);
   settings.report = report;
   return MakeSipLine(settings);
