@@ -32,7 +32,10 @@ void SettingsStore::Set(const std::string& name, const std::string& text) {
 }
 
 void SettingsStore::Read(unsigned reader, const std::string& label) {
-  const ErrorTrap trap(log_, label);
+  Read(reader, ErrorTrap(log_, label));
+}
+
+void SettingsStore::Read(unsigned reader, const ErrorTrap& trap) {
   for (const auto& definition : SettingsSchema()) {
     if ((definition.readers & reader) == 0) continue;
     trap([&] { Assign(settings_, definition, Value(definition.name)); });
@@ -47,6 +50,10 @@ void SettingsStore::GetMainAction() {
 }
 void SettingsStore::GetMainEvents() {
   Read(kMainEventsReader, "ErrGetMainEvents ");
+}
+
+void SettingsStore::GetLogProperties() {
+  Read(kLogPropertiesReader, ErrorTrap::Silent());
 }
 
 void SettingsStore::GetView(PlacedWindow& window) {
@@ -85,6 +92,14 @@ void SettingsStore::SetGridLines(bool on) {
   Set(kGridLines, on ? "1" : "0");
 }
 
+void SettingsStore::ShareOptions(const ErrorTrap& trap) {
+  shared_.record_messages = settings_.RecordMessage != 0;
+  shared_.greeting_file = settings_.Greeting + ".wav";
+  shared_.num_of_ring = settings_.NumOfRing;
+  trap([&] { shared_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
+  shared_.messages_path = settings_.MassagesPath;
+}
+
 void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count) {
   const std::string label = "ErrGetAppOption ";
   const ErrorTrap trap(log_, label);
@@ -93,11 +108,7 @@ void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_
     settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
     trap([&] { Set("MassagesPath", settings_.MassagesPath); });
   }
-  shared_.record_messages = settings_.RecordMessage != 0;
-  shared_.greeting_file = settings_.Greeting + ".wav";
-  shared_.num_of_ring = settings_.NumOfRing;
-  trap([&] { shared_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
-  shared_.messages_path = settings_.MassagesPath;
+  ShareOptions(trap);
   Read(kLogFlagsReader, label);
   trap([&] { show_ring_count(settings_.NumOfRing); });
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/activity_log.h"
+#include "core/error_trap.h"
 #include "core/settings.h"
 #include "platform/registry.h"
 
@@ -35,6 +36,10 @@ class SettingsStore {
   void GetMainAction();
   void GetMainEvents();
 
+  /// Reads what the log viewer and the log properties work with. A value that cannot be converted leaves
+  /// no trace.
+  void GetLogProperties();
+
   /// Reads the window placement; places the window only when its present state is normal. A stored
   /// value that is no number leaves that edge of the window as it is.
   void GetView(PlacedWindow& window);
@@ -46,6 +51,10 @@ class SettingsStore {
   /// in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
+  /// Gives every part what it shares of the settings as they are held now, under the trap of the routine
+  /// that runs. When a message length's seconds do not fit, the former one stays.
+  void ShareOptions(const ErrorTrap& trap);
+
   /// Whether the call list shows grid lines; it does until a person switches them off.
   bool GetGridLines();
   void SetGridLines(bool on);
@@ -55,6 +64,7 @@ class SettingsStore {
 
  private:
   void Read(unsigned reader, const std::string& label);
+  void Read(unsigned reader, const ErrorTrap& trap);
   std::string Value(std::string_view name);
 
   Registry& registry_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/log_files.h"
 
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -73,22 +72,8 @@ std::vector<std::string> LogFiles::List(const std::string& filter) const {
   return names;
 }
 
-std::vector<std::string> LogFiles::Load(const std::string& file_name) const {
-  std::vector<std::string> lines;
-  ErrorTrap::Silent()([&] {
-    const auto content = files_.Read(Folder() + file_name);
-    for (std::size_t begin = 0; begin < content.size();) {
-      const auto end = std::min(content.find('\n', begin), content.size());
-      lines.push_back(content.substr(begin, end - begin));
-      if (lines.back().ends_with('\r')) lines.back().pop_back();
-      begin = end + 1;
-    }
-  });
-  return lines;
-}
-
 void LogFiles::Delete(const std::string& file_name) {
-  ErrorTrap::Silent()([&] { files_.Delete(Folder() + file_name); });
+  ErrorTrap::Silent()([&] { files_.Delete(PathOf(file_name)); });
 }
 
 void LogFiles::PurgeOldLogs(std::function<void()> done) {
@@ -106,7 +91,7 @@ void LogFiles::PurgeNext(std::shared_ptr<std::vector<std::string>> names, Clock:
     return;
   }
   loop_.Post(lifeline_.Bind([this, names = std::move(names), limit, done = std::move(done)]() mutable {
-    const auto path = Folder() + names->back();
+    const auto path = PathOf(names->back());
     names->pop_back();
     ErrorTrap::Silent()([&] {
       if (limit >= files_.LastModified(path)) files_.Delete(path);

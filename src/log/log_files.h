@@ -30,8 +30,8 @@ class LogFiles : public SystemLog, public CallsLog {
   /// order of the directory search; none for any other filter.
   std::vector<std::string> List(const std::string& filter) const;
 
-  /// The lines of one log file, without line ends.
-  std::vector<std::string> Load(const std::string& file_name) const;
+  /// Where the file of this name is.
+  std::string PathOf(const std::string& file_name) const { return Folder() + file_name; }
 
   void Delete(const std::string& file_name);
 

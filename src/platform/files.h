@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +24,9 @@ class Files {
 
   /// The whole content.
   virtual std::string Read(const std::string& path) const = 0;
+
+  /// Up to `size` bytes of the content from the position `offset`, perhaps fewer; none at the end.
+  virtual std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const = 0;
 
   /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in the order
   /// the directory search returns them. In the pattern "*" stands for any run of characters, "?" for

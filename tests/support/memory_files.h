@@ -33,6 +33,10 @@ class MemoryFiles : public Files {
   bool Exists(const std::string& path) const override { return files_.contains(path); }
   void Append(const std::string& path, std::string_view text) override;
   std::string Read(const std::string& path) const override { return At(path).content; }
+  std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const override {
+    const auto& content = At(path).content;
+    return offset < content.size() ? content.substr(offset, size) : "";
+  }
   std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override;
   std::chrono::system_clock::time_point LastModified(const std::string& path) const override {
     return At(path).modified;

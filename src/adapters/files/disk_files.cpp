@@ -53,6 +53,18 @@ std::string DiskFiles::Read(const std::string& path) const {
   return content;
 }
 
+std::string DiskFiles::ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const {
+  const Descriptor file(path, O_RDONLY);
+  std::string part(size, '\0');
+  ssize_t count = -1;
+  do {
+    count = ::pread(file.Number(), part.data(), size, static_cast<off_t>(offset));
+  } while (count < 0 && errno == EINTR);
+  if (count < 0) throw FileFailure(errno, path);
+  part.resize(static_cast<std::size_t>(count));
+  return part;
+}
+
 std::vector<std::string> DiskFiles::List(const std::string& folder, std::string_view pattern) const {
   std::vector<std::string> names;
   std::error_code error;
@@ -87,7 +99,13 @@ void DiskFiles::Copy(const std::string& from, const std::string& to) {
 void DiskFiles::Rename(const std::string& from, const std::string& to) {
   if (RenameKeeping(from, to)) return;
   CopyFile(from, to, false);
-  Delete(from);
+  try {
+    Delete(from);
+  } catch (const RuntimeError&) {
+    // It must not be in both places.
+    if (Exists(from)) ::unlink(to.c_str());
+    throw;
+  }
 }
 
 void DiskFiles::MakeFolder(const std::string& path) {

@@ -13,6 +13,7 @@ class DiskFiles final : public Files {
   bool Exists(const std::string& path) const override;
   void Append(const std::string& path, std::string_view text) override;
   std::string Read(const std::string& path) const override;
+  std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const override;
   std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override;
   std::chrono::system_clock::time_point LastModified(const std::string& path) const override;
 

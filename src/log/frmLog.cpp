@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "log/frmLog.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+#include "shell/frmStrayWheel.h"
+
+namespace orven {
+namespace {
+
+constexpr QSize kSize(860, 520);  // pixels; eighty letters of a line and a month of days can be seen
+
+QString Name(const char* name) {
+  return QString::fromLatin1(name);
+}
+
+QLabel* Caption(const QString& text, QWidget* buddy, QWidget* parent) {
+  auto* label = MakeChild<QLabel>(text, parent);
+  label->setBuddy(buddy);
+  return label;
+}
+
+}  // namespace
+
+frmLog::frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)> open_properties,
+               QWidget* parent)
+    : QDialog(parent),
+      engine_(std::move(parts), *this),
+      widths_(font()),
+      open_properties_(std::move(open_properties)) {
+  setObjectName(Name("frmLog"));
+  setWindowTitle(tr("Log"));
+  setWindowIcon(ProgramIcon());
+  setWindowModality(Qt::WindowModal);
+  auto* splitter = MakeChild<QSplitter>(this);
+  splitter->setChildrenCollapsible(false);
+  splitter->addWidget(MakeFiles());
+  splitter->addWidget(MakeDetails());
+  splitter->setStretchFactor(1, 1);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  column->addWidget(splitter, 1);
+  column->addWidget(MakeButtons());
+  resize(kSize);
+  Connect();
+  EnableButtons();
+  engine_.Open();
+}
+
+QWidget* frmLog::MakeFiles() {
+  auto* page = MakeChild<QWidget>(this);
+  cmbWhatToShow_ = MakeChild<QComboBox>(page);
+  cmbWhatToShow_->setObjectName(Name("cmbWhatToShow"));
+  cmbWhatToShow_->setAccessibleName(tr("Logs to show"));
+  // The engine knows them by these names.
+  cmbWhatToShow_->addItem(tr("All"), Name("All"));
+  cmbWhatToShow_->addItem(tr("Calls"), Name("Calls"));
+  cmbWhatToShow_->addItem(tr("System"), Name("System"));
+  IgnoreStrayWheel(*cmbWhatToShow_);
+  List1_ = MakeChild<QListWidget>(page);
+  List1_->setObjectName(Name("List1"));
+  List1_->setAccessibleName(tr("Log files"));
+  auto* column = MakeChild<QVBoxLayout>(page);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(cmbWhatToShow_);
+  column->addWidget(List1_, 1);
+  return page;
+}
+
+QWidget* frmLog::MakeDetails() {
+  auto* page = MakeChild<QWidget>(this);
+  List2_ = MakeChild<LogLineList>(page);
+  List2_->setObjectName(Name("List2"));
+  List2_->setAccessibleName(tr("Lines of the log"));
+  lines_ = MakeChild<LogLineModel>(engine_.Lines(), List2_);
+  List2_->setModel(lines_);
+  lblState_ = MakeChild<QLabel>(page);
+  lblState_->setObjectName(Name("lblState"));
+  lblState_->setTextFormat(Qt::PlainText);
+  lblState_->setWordWrap(true);
+  auto* column = MakeChild<QVBoxLayout>(page);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(Caption(tr("Details:"), List2_, page));
+  column->addWidget(List2_, 1);
+  column->addWidget(lblState_);
+  return page;
+}
+
+QWidget* frmLog::MakeButtons() {
+  auto* row = MakeChild<QWidget>(this);
+  auto* layout = MakeChild<QHBoxLayout>(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(cmdDelete_ = MakeButton("cmdDelete", tr("Delete")));
+  layout->addWidget(cmdSaveAs_ = MakeButton("cmdSaveAs", tr("Save As")));
+  layout->addStretch();
+  layout->addWidget(cmdProp_ = MakeButton("cmdProp", tr("Properties")));
+  cmdDelete_->setToolTip(tr("Delete the selected log"));
+  cmdSaveAs_->setToolTip(tr("Save a copy of the selected log"));
+  cmdProp_->setToolTip(tr("Which logs are written, and for how long they are kept"));
+  return row;
+}
+
+QPushButton* frmLog::MakeButton(const char* name, const QString& caption) {
+  auto* button = MakeChild<QPushButton>(caption, this);
+  button->setObjectName(Name(name));
+  button->setAutoDefault(false);
+  return button;
+}
+
+void frmLog::Connect() {
+  connect(cmbWhatToShow_, &QComboBox::currentIndexChanged, this, [this] {
+    engine_.ChangeFilter(cmbWhatToShow_->currentData().toString().toStdString());
+    EnableButtons();
+  });
+  connect(List1_, &QListWidget::currentItemChanged, this, &frmLog::SelectCurrent);
+  // A click on the file that is shown shows it as it is now.
+  connect(List1_, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) {
+    if (item->text().toStdString() == engine_.Selected()) SelectCurrent();
+  });
+  connect(cmdDelete_, &QPushButton::clicked, this, [this] { engine_.Delete(); });
+  connect(cmdSaveAs_, &QPushButton::clicked, this, [this] { engine_.SaveAs(); });
+  connect(cmdProp_, &QPushButton::clicked, this, [this] { open_properties_(engine_, *this); });
+}
+
+void frmLog::SelectCurrent() {
+  const auto* item = List1_->currentItem();
+  engine_.Select(item == nullptr ? "" : item->text().toStdString());
+  EnableButtons();
+}
+
+void frmLog::EnableButtons() {
+  cmdDelete_->setEnabled(!engine_.Selected().empty());
+  cmdSaveAs_->setEnabled(!engine_.Selected().empty());
+}
+
+void frmLog::ShowFiles(const std::vector<std::string>& names, const std::string& selected) {
+  const QSignalBlocker silent(List1_);
+  List1_->clear();
+  for (const auto& name : names) {
+    List1_->addItem(QString::fromStdString(name));
+    if (name == selected) List1_->setCurrentRow(List1_->count() - 1);
+  }
+}
+
+void frmLog::ShowLineCount(std::size_t count) {
+  lines_->ShowCount(count);
+  EnableButtons();
+}
+
+std::int32_t frmLog::Widest(std::string_view line, std::int32_t widest) {
+  return widths_.Widest(line, widest);
+}
+
+void frmLog::ShowExtent(std::int32_t pixels) {
+  List2_->ShowExtent(pixels);
+}
+
+void frmLog::ShowState(const std::string& text) {
+  lblState_->setText(QString::fromStdString(text));
+}
+
+}  // namespace orven
