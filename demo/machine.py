@@ -28,11 +28,11 @@ class Machine:
         self._environment["ORVEN_HOME"] = self.home
         # The first start enters the program among those that start with the desktop; not with the user's.
         self._environment["XDG_CONFIG_HOME"] = os.path.join(folder, "config")
-        self._program, self._folder = os.path.abspath(program), folder
+        self._command, self._folder = [os.path.abspath(program)], folder
         self._start()
 
     def _start(self):
-        self.process = processes.start([self._program], self._output, env=self._environment, cwd=self._folder)
+        self.process = processes.start(self._command, self._output, env=self._environment, cwd=self._folder)
 
     def restart_with(self, settings):
         """Ends the program and starts it again with these settings changed."""

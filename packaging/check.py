@@ -1,0 +1,218 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Tries the Debian package as its user would: installs it on a clean system, starts it there, calls it,
+and removes it again.
+
+    check.py PACKAGE
+
+Needs root, because the clean system is a folder of its own (chroot). What runs there has a network of its
+own, in which there are only this machine and its telephone. Ends with 0 only when all of it worked; what
+fails keeps its folder.
+"""
+
+import ctypes
+import hashlib
+import os
+import shutil
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "demo"))
+
+import demo  # noqa: E402
+import machine  # noqa: E402
+import sound  # noqa: E402
+from display import Display  # noqa: E402
+from processes import Failed, wait_for  # noqa: E402
+
+OWNER = "owner"
+HOME = f"/home/{OWNER}"
+APPLICATION_FOLDER = f"{HOME}/.local/share/orven"
+AUTOSTART_ENTRY = f"{HOME}/.config/autostart/orven.desktop"
+DEFAULT_PORT = 5060  # of the telephone line that there is without lines.ini
+PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop")
+SCREENSHOT = os.path.join(HERE, "..", "build", "package", "installed.png")
+
+CLONE_NEWNS, CLONE_NEWNET = 0x00020000, 0x40000000  # unshare(2)
+MS_REC, MS_PRIVATE = 0x4000, 0x40000  # mount(2)
+
+
+def run(*command):
+    """Runs a command and returns what it printed; raises Failed with that when it fails."""
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    if done.returncode:
+        raise Failed(f"{' '.join(command)} ended with {done.returncode}:\n{done.stdout}")
+    return done.stdout
+
+
+class CleanSystem:
+    """A small Debian in a folder. Packages come from where this machine's own come from."""
+
+    def __init__(self, folder):
+        self.root = os.path.join(folder, "root")
+        sources = run("apt-get", "indextargets", "--format", "deb $(REPO_URI) $(CODENAME) $(COMPONENT)",
+                      "Created-By: Packages", "Origin: Debian").splitlines()
+        release = next(line.split("=")[1].strip() for line in open("/etc/os-release", encoding="utf-8")
+                       if line.startswith("VERSION_CODENAME="))
+        if not sources:
+            raise Failed("apt knows no Debian archive; run apt-get update")
+        run("mmdebstrap", "--variant=apt", "--mode=root", release, self.root, *dict.fromkeys(sources))
+        # No service of the clean system is to start on this one.
+        policy = self.path("/usr/sbin/policy-rc.d")
+        with open(policy, "w", encoding="utf-8") as file:
+            file.write("#!/bin/sh\nexit 101\n")
+        os.chmod(policy, 0o755)
+
+    def path(self, inside):
+        return self.root + inside
+
+    def run(self, *command):
+        return run("chroot", self.root, "/usr/bin/env", "DEBIAN_FRONTEND=noninteractive", "LC_ALL=C.UTF-8", *command)
+
+    def install(self, package):
+        name = "/" + os.path.basename(package)
+        shutil.copy(package, self.path(name))
+        shutil.copy("/etc/resolv.conf", self.path("/etc/resolv.conf"))
+        # Without what is only recommended: it has to run with what it depends on.
+        self.run("apt-get", "-q", "install", "-y", "--no-install-recommends", "." + name)
+        os.unlink(self.path(name))
+
+
+class Installed(machine.Machine):
+    """The installed program of the clean system, started by its owner on the Display `display`."""
+
+    def __init__(self, system, folder, show, display):
+        self.home, self.port = system.path(APPLICATION_FOLDER), DEFAULT_PORT
+        self.system_log, self.calls_log = [], []
+        self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
+        variables = {"HOME": HOME, "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8", **display.variables}
+        self._command = ["chroot", f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
+                         *(f"{name}={value}" for name, value in variables.items()), "orven"]
+        self._environment, self._folder = dict(os.environ), folder
+        self._start()
+
+
+def enter_own_network():
+    """Gives this process mounts and a network of its own; they end with it and its children."""
+    libc = ctypes.CDLL(None, use_errno=True)
+    if libc.unshare(CLONE_NEWNS | CLONE_NEWNET) != 0:
+        raise Failed(f"There can be no network of its own: {os.strerror(ctypes.get_errno())}")
+    libc.mount(None, b"/", None, MS_REC | MS_PRIVATE, None)
+    run("ip", "link", "set", "lo", "up")
+
+
+def check_texts(package, folder):
+    files = os.path.join(folder, "files")
+    run("dpkg-deb", "-x", package, files)
+    run("desktop-file-validate", files + "/usr/share/applications/orven.desktop")
+    run("appstreamcli", "validate", "--no-net", "--pedantic", files + "/usr/share/metainfo/org.orven.orven.metainfo.xml")
+    run("appstreamcli", "validate-tree", "--no-net", files)
+    run("man", "--warnings", "--encoding=utf8", "--local-file", files + "/usr/share/man/man1/orven.1.gz")
+    demo.step("Its desktop entry, its AppStream data and its manual page are valid")
+
+
+def check_package(package):
+    # Warnings count: there are none, and a new one is to be seen.
+    run("lintian", "--allow-root", "--no-tag-display-limit", "--fail-on", "error,warning", package)
+    demo.step("lintian has nothing against it")
+
+
+def data_of(system):
+    """Everything that the owner's home holds: kind, mode and content by path."""
+    found = {}
+    for folder, folders, files in os.walk(system.path(HOME)):
+        for name in folders + files:
+            path = os.path.join(folder, name)
+            status = os.lstat(path)
+            content = b""
+            if stat.S_ISREG(status.st_mode):
+                with open(path, "rb") as file:
+                    content = file.read()
+            found[path] = (status.st_mode, status.st_uid, hashlib.sha256(content).hexdigest())
+    return found
+
+
+def check_first_start(installed, system):
+    demo.step(f"Its first start has made the password {installed.password()}")
+    installed.wait_for_line(f"LineOpen[LineIndex:0 Device Name:SIP 127.0.0.1:{DEFAULT_PORT}]", 20)
+    for name in ("beep.wav", "Greets/Default.wav", "Sound/Ring.wav", "registry.reg"):
+        demo.check(os.path.isfile(os.path.join(installed.home, name)), f"The application folder lacks {name}")
+    entry = system.path(AUTOSTART_ENTRY)
+    run("desktop-file-validate", entry)
+    with open(entry, encoding="utf-8") as file:
+        demo.check("\nExec=/usr/lib/orven/orven -st\n" in file.read(), "The autostart entry starts something else")
+    demo.step("It is among the programs that start with the desktop")
+
+
+def check_call(installed, folder):
+    spoken = sound.speech(demo.MESSAGE, "en-gb+f2")
+    greeting = os.path.join(installed.home, "Greets", "Default.wav")
+    demo.check_order(demo.leave_message(installed, folder, greeting, spoken), demo.STEPS_OF_A_CALL)
+    demo.check_message(demo.check_record(installed), spoken)
+
+
+def check_window(installed, screen):
+    window = wait_for("The main window", lambda: screen.main_window(installed.process), 20, installed.look)
+    wait_for("A picture of it", lambda: window.picture(SCREENSHOT) and screen.colours(SCREENSHOT) >= demo.FEWEST_COLOURS,
+             10, installed.look)
+    demo.step(f"Its window is shown: {os.path.realpath(SCREENSHOT)}")
+
+
+def check_removal(system):
+    before = data_of(system)
+    system.run("apt-get", "-q", "purge", "-y", "orven")
+    for place in PLACES:
+        demo.check(not os.path.lexists(system.path(place)), f"The removed package left {place}")
+    demo.check(data_of(system) == before, "Removing the package changed the owner's data")
+    demo.step(f"The package is removed; the owner's {len(before)} files and folders are as they were")
+
+
+def check(package, folder):
+    check_package(package)
+    check_texts(package, folder)
+    system = CleanSystem(folder)
+    demo.step("There is a clean system")
+    system.install(package)
+    system.run("useradd", "--create-home", OWNER)
+    demo.step("The package and what it depends on are installed there")
+    enter_own_network()
+    run("mount", "-t", "proc", "proc", system.path("/proc"))
+    try:
+        with (
+            Display(folder) as screen,
+            Installed(system, folder, demo.show_log_line, screen) as installed,
+        ):
+            check_first_start(installed, system)
+            check_call(installed, folder)
+            check_window(installed, screen)
+            installed.exit()
+        check_removal(system)
+    finally:
+        run("umount", "--lazy", system.path("/proc"))
+    demo.step("All of it worked")
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    folder = tempfile.mkdtemp(prefix="orven-package-")
+    os.chmod(folder, 0o755)  # the owner of the clean system gets to it
+    try:
+        check(os.path.abspath(sys.argv[1]), folder)
+    except (Failed, OSError, subprocess.CalledProcessError) as failure:
+        print(f"\nFAILED: {failure}.\nEverything is kept in {folder}", file=sys.stderr)
+        return 1
+    except BaseException:
+        print(f"Everything is kept in {folder}", file=sys.stderr)
+        raise
+    shutil.rmtree(folder)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
