@@ -103,6 +103,15 @@ void LineManager::CloseLine(std::int32_t index) {
   trap([&] { ports_.view.ShowStatus("Off Mode"); });
 }
 
+void LineManager::ReplaceDevices(const std::function<void()>& replace) {
+  const ErrorTrap trap(ports_.log, "ErrReplaceDevices ");
+  const bool take_again = line_on_ || settings_.Modem < 0;
+  if (line_on_) CloseLine(CurrentIndex());
+  trap(replace);
+  if (FindByName(settings_.ModemName) == kNoneSelected) settings_.Modem = kNoneSelected;
+  if (SelectModemDevice() && take_again) OpenLine(settings_.Modem);
+}
+
 void LineManager::ShowMonitoring() {
   ports_.view.ShowStatus(line_on_ ? "Monitoring " + DeviceName(open_index_) : "Off Mode");
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "core/activity_log.h"
@@ -36,6 +37,11 @@ class LineManager {
   /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.
   void CloseLine(std::int32_t index);
 
+  /// Puts other devices in place of those that there are: `replace` does it, while no line is open. The
+  /// chosen device is found again by its name, where it has gone the first usable one is chosen, and the
+  /// line is taken again if it was on, or if there was no device. Only while there is no call.
+  void ReplaceDevices(const std::function<void()>& replace);
+
   bool LineOn() const { return line_on_; }
 
   /// Index of the open line; of the chosen device while none is open. Choosing another device in the
@@ -45,8 +51,10 @@ class LineManager {
   /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off.
   void ShowMonitoring();
 
- private:
+  /// Index of the first device that is called exactly so; -1 when none is.
   std::int32_t FindByName(const std::string& name) const;
+
+ private:
   std::int32_t FindUsable(std::string& name) const;
   void ChooseFirstUsable();
   std::string DeviceName(std::int32_t index) const;

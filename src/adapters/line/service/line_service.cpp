@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/service/line_service.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace orven {
 namespace {
 
@@ -21,11 +25,27 @@ const char* TextOf(std::int32_t result) {
 
 }  // namespace
 
-LineService::LineService(EventLoop& loop, std::vector<std::unique_ptr<LineDriver>> drivers) {
+LineService::LineService(EventLoop& loop, std::vector<std::unique_ptr<LineDriver>> drivers) : loop_(loop) {
+  Add(std::move(drivers));
+}
+
+void LineService::Add(std::vector<std::unique_ptr<LineDriver>> drivers) {
   for (auto& driver : drivers) {
-    lines_.push_back(std::make_unique<ServicedLine>(static_cast<std::int32_t>(lines_.size()), loop,
+    lines_.push_back(std::make_unique<ServicedLine>(static_cast<std::int32_t>(lines_.size()), loop_,
                                                     std::move(driver), [this] { return events_; }));
   }
+}
+
+bool LineService::HasCall() const {
+  return std::ranges::any_of(lines_, &ServicedLine::HasCall);
+}
+
+bool LineService::Replace(std::vector<std::unique_ptr<LineDriver>> drivers) {
+  if (std::ranges::any_of(lines_, &ServicedLine::IsOpen)) return false;
+  std::ranges::move(lines_, std::back_inserter(replaced_));
+  lines_.clear();
+  Add(std::move(drivers));
+  return true;
 }
 
 ServicedLine* LineService::At(std::int32_t index) const {

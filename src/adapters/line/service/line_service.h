@@ -20,6 +20,14 @@ class LineService : public TelephonyControl, public AudioDevices {
   /// `drivers` in device-index order.
   LineService(EventLoop& loop, std::vector<std::unique_ptr<LineDriver>> drivers);
 
+  /// Whether a call is up on any line, or rings.
+  bool HasCall() const;
+
+  /// Puts other drivers in place of those that there are, which are closed. Only while no line is open:
+  /// else false, and nothing is done. The old ones live on, closed, until this service goes: a wave
+  /// control may still know their audio devices.
+  bool Replace(std::vector<std::unique_ptr<LineDriver>> drivers);
+
   void SetEvents(TelephonyEvents* events) override { events_ = events; }
   std::int32_t LineInitialize() override;
   std::string ErrorText(std::int32_t result) const override;
@@ -38,13 +46,16 @@ class LineService : public TelephonyControl, public AudioDevices {
   AudioDevice* Find(std::int32_t number) override;
 
  private:
+  void Add(std::vector<std::unique_ptr<LineDriver>> drivers);
   ServicedLine* At(std::int32_t index) const;
   ServicedLine* OpenLineAt(std::int32_t index) const;
 
+  EventLoop& loop_;
   TelephonyEvents* events_ = nullptr;
   std::int32_t last_request_ = 0;
   std::string open_failure_;  ///< the driver's own words on the latest LineOpen that failed
   std::vector<std::unique_ptr<ServicedLine>> lines_;
+  std::vector<std::unique_ptr<ServicedLine>> replaced_;
 };
 
 }  // namespace orven

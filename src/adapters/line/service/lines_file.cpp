@@ -12,43 +12,17 @@
 
 #include "adapters/files/utf8.h"
 #include "adapters/line/service/line_keys.h"
+#include "adapters/line/service/lines_notation.h"
 
 namespace orven {
 
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r";
 
 struct Entry {
   std::string key;
   std::string value;
   int line_number = 0;
 };
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == text.npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
-
-/// The line without its comment: a whole line behind ";" or "#", or the rest behind a blank and ";".
-/// A "#" within a line is part of the value: passwords have it.
-std::string_view WithoutComment(std::string_view line) {
-  const std::string_view text = Trimmed(line);
-  if (text.starts_with(';') || text.starts_with('#')) return {};
-  for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
-    if (at > 0 && kBlanks.find(text[at - 1]) != kBlanks.npos) return Trimmed(text.substr(0, at));
-  }
-  return text;
-}
-
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  for (char& letter : lower) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return lower;
-}
 
 template <typename Items>
 std::string NamesOf(const Items& items) {
@@ -84,7 +58,7 @@ class LinesReader {
   }
 
   void ReadLine(std::string_view line, int number) {
-    const std::string_view text = WithoutComment(line);
+    const std::string_view text = WithoutLineComment(line);
     const bool head = text.starts_with('[');
     if (head) {
       FinishSection();
@@ -104,7 +78,7 @@ class LinesReader {
   }
 
   void ReadHead(std::string_view text, int number) {
-    const std::string_view name = text.ends_with(']') ? Trimmed(text.substr(1, text.size() - 2)) : "";
+    const std::string_view name = text.ends_with(']') ? TrimmedLine(text.substr(1, text.size() - 2)) : "";
     if (name.empty()) {
       Complain(number, "the section is left out: expected its name in brackets, like [Home]");
       return;
@@ -115,13 +89,13 @@ class LinesReader {
   void ReadEntry(std::string_view text, int number) {
     if (!section_ && heads_ > 0) return;  // Its section was left out, which has been said.
     const std::size_t equals = text.find('=');
-    const std::string key = Lower(Trimmed(text.substr(0, equals)));
+    const std::string key = LowerAscii(TrimmedLine(text.substr(0, equals)));
     if (equals == text.npos || key.empty()) {
       Complain(number, "expected [section], key = value or ; comment");
     } else if (!section_) {
       Complain(number, "\"" + key + "\" comes before any section: expected a section like [Home] first");
     } else {
-      entries_.push_back({key, std::string(Trimmed(text.substr(equals + 1))), number});
+      entries_.push_back({key, std::string(TrimmedLine(text.substr(equals + 1))), number});
     }
   }
 
@@ -159,7 +133,7 @@ class LinesReader {
       return nullptr;
     }
     if (std::count_if(entries.begin(), entries.end(), is_type) > 1) ComplainTwice(*entry);
-    const std::string name = Lower(entry->value);
+    const std::string name = LowerAscii(entry->value);
     const auto types = LineTypes();
     const auto type =
         std::find_if(types.begin(), types.end(), [&](const LineType& one) { return one.name == name; });
@@ -182,7 +156,7 @@ class LinesReader {
                                       " line: expected " + NamesOf(type.keys));
       return true;
     }
-    const std::string value = key->name == "transport" ? Lower(entry.value) : entry.value;
+    const std::string value = key->name == "transport" ? LowerAscii(entry.value) : entry.value;
     if (!key->valid(value)) {
       const std::string shown = key->secret ? "wrong" : "\"" + entry.value + "\"";
       const std::string left_out = key->required ? "the line \"" + section.name + "\" is left out: " : "";

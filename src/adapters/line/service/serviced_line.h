@@ -29,6 +29,7 @@ class ServicedLine : private LineDriverEvents {
   /// Raises what is left of a call that is up before it returns.
   void Close();
 
+  bool HasCall() const { return call_.number != 0; }
   bool IsCallConnected() const { return call_.connected; }
   std::int32_t Answer(std::int32_t request);
   std::int32_t Drop(std::int32_t request);

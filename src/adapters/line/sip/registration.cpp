@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
 
 #include "adapters/line/sip/listen_addresses.h"
 
@@ -76,14 +77,20 @@ std::string AccountProblem(const SipLineSettings& settings) {
   return {};
 }
 
+std::string ServerHost(const SipLineSettings& settings) {
+  uri account{};
+  return DecodeAccount(settings.account, account) ? std::string(View(account.host)) : "";
+}
+
 std::string ContactUser(const SipLineSettings& settings) {
   uri account{};
   return DecodeAccount(settings.account, account) ? std::string(View(account.user)) : "orven";
 }
 
-Registration::Registration(sip& stack, const SipLineSettings& settings)
+Registration::Registration(sip& stack, const SipLineSettings& settings, std::function<std::string()> refusal)
     : stack_(stack),
       settings_(settings),
+      refusal_(std::move(refusal)),
       timer_([this] { Start(); }),
       life_(settings.timers.registration_life),
       retry_(settings.timers.registration_retry_first) {
@@ -169,7 +176,11 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
       if (Send(life_)) return;
     }
   }
-  if (error != 0) return RetryLater(ErrorWords(error), 0, error);
+  if (error != 0) {
+    const std::string refusal = refusal_();
+    return RetryLater(refusal.empty() ? ErrorWords(error) : "its certificate is not accepted: " + refusal, 0,
+                      error);
+  }
   RetryLater(std::to_string(response->scode) + " " + std::string(View(response->reason)), response->scode);
 }
 
@@ -177,7 +188,7 @@ void Registration::Registered(const sip_msg& response) {
   if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
   failing_ = false;
   // What answers our farewell (RFC 3261, section 10.2.2) says nothing of a registration.
-  if (asked_ != seconds(0)) settings_.registration_news({.state = RegistrationNews::State::Registered});
+  if (asked_ != seconds(0)) settings_.registration_news({RegistrationNews::State::Registered, 0, 0, {}});
   registered_ = true;
   challenges_ = 0;
   retry_ = settings_.timers.registration_retry_first;

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/setup/file_telephone_lines.h"
+
+#include <fcntl.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "adapters/files/descriptor.h"
+#include "adapters/files/durable.h"
+#include "adapters/files/utf8.h"
+#include "adapters/line/service/lines_text.h"
+#include "adapters/line/setup/line_sections.h"
+#include "adapters/line/setup/modem_probe.h"
+#include "adapters/line/setup/serial_ports.h"
+#include "adapters/line/setup/sip_line_test.h"
+#include "platform/runtime_error.h"
+
+namespace orven {
+namespace {
+
+/// The file holds passwords.
+constexpr unsigned kOwnerOnly = 0600;
+
+constexpr const char* kNewFile = "; The telephone lines, one section each, in this order.\n";
+
+bool FileExists(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::status(path, error).type() != std::filesystem::file_type::not_found;
+}
+
+/// The whole file, "" without one.
+std::string ContentOf(const std::string& path) {
+  if (!FileExists(path)) return "";
+  Descriptor file(path, O_RDONLY | O_NONBLOCK);
+  std::string content;
+  for (std::string part = file.Read(); !part.empty(); part = file.Read()) content += part;
+  return content;
+}
+
+std::string RegistrationWords(const RegistrationNews& news) {
+  switch (news.state) {
+    case RegistrationNews::State::Trying: return "Registering";
+    case RegistrationNews::State::Registered: return "Registered";
+    default: return "Registration failed: " + news.reason;
+  }
+}
+
+}  // namespace
+
+TelephoneLines::Configured FileTelephoneLines::Read() {
+  file_ = ReadLines(path_);
+  exists_ = FileExists(path_);
+  text_.clear();
+  try {
+    text_ = ContentOf(path_);
+  } catch (const RuntimeError&) {
+    // ReadLines has complained; nothing can be stored.
+  }
+  Configured configured{{}, file_.complaints};
+  for (const auto& section : file_.sections) configured.lines.push_back(LineOf(section));
+  return configured;
+}
+
+const LineSection* FileTelephoneLines::SectionAt(int head) const {
+  for (const auto& section : file_.sections) {
+    if (head != 0 && section.line_number == head) return &section;
+  }
+  return nullptr;
+}
+
+void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
+  if (FileExists(path_) != exists_ || ContentOf(path_) != text_) {
+    throw RuntimeError(ErrorNumber::PermissionDenied,
+                       path_ + " was changed meanwhile, and nothing was stored; open the window again");
+  }
+  std::vector<LineEdit> edits;
+  const bool is_text = IsUtf8(text_);
+  for (const auto& line : lines) {
+    edits.push_back(EditOf(line, SectionAt(line.origin)));
+    if (!is_text) edits.back().head = 0;
+  }
+  if (!file_.complaints.empty()) SetAside();
+  const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
+  ReplaceFile(path_, EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits),
+              kOwnerOnly);
+}
+
+void FileTelephoneLines::SetAside() const {
+  CreateFile(NameToSetAside(path_, "damaged"), text_, kOwnerOnly);
+}
+
+std::optional<LineFault> FileTelephoneLines::Check(const TelephoneLine& line) const {
+  return FaultOf(line);
+}
+
+std::vector<SerialPortFound> FileTelephoneLines::SerialPorts() const {
+  return FindSerialPorts();
+}
+
+std::int32_t FileTelephoneLines::DeviceOf(const TelephoneLine& line) const {
+  const auto& devices = states_.Devices();
+  for (std::size_t index = 0; index < devices.size(); ++index) {
+    auto device = LineOf(devices[index].section);
+    device.origin = line.origin;  // the file may have got other lines above it
+    if (device == line) return static_cast<std::int32_t>(index);
+  }
+  return -1;
+}
+
+bool FileTelephoneLines::AnyOpen() const {
+  for (std::int32_t index = 0; index < control_.GetNumDevs(); ++index) {
+    if (control_.IsLineOpen(index)) return true;
+  }
+  return false;
+}
+
+std::string FileTelephoneLines::State(const TelephoneLine& line) const {
+  if (line.kind == LineKind::Modem) return "Not usable in this version";
+  const auto device = DeviceOf(line);
+  if (device < 0) return "Not in use yet";
+  if (!control_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
+  if (line.server.empty()) return "Waiting for calls";
+  return RegistrationWords(states_.Devices()[static_cast<std::size_t>(device)].registration->Latest());
+}
+
+/// Whether an open line has this account registered, whatever else is different.
+bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
+  const auto& devices = states_.Devices();
+  for (std::size_t index = 0; index < devices.size(); ++index) {
+    const auto device = LineOf(devices[index].section);
+    if (device.user == line.user && device.server == line.server &&
+        control_.IsLineOpen(static_cast<std::int32_t>(index)) &&
+        devices[index].registration->Latest().state == RegistrationNews::State::Registered) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
+  const auto device = DeviceOf(line);
+  const bool open = device >= 0 && control_.IsLineOpen(device);
+  const SipTestOptions options{.registered_now = IsRegistered(line)};
+  tests_.Start(
+      [line, open, options](const std::atomic<bool>& cancelled) -> LineTestResult {
+        if (line.kind == LineKind::Modem) return ProbeModem(line.port, cancelled);
+        if (line.kind == LineKind::Sim) return {true, "A simulated line needs no test."};
+        if (open && line.server.empty())
+          return {true, "The line is open: calls can come in at " + line.listen + '.'};
+        return TestSipLine(line, options, cancelled);
+      },
+      std::move(done));
+}
+
+}  // namespace orven

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/setup/line_sections.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "adapters/line/service/line_keys.h"
+
+namespace orven {
+namespace {
+
+constexpr std::string_view kScheme = "sip:";
+
+struct Field {
+  const char* key;
+  LineField field;
+  const char* label;
+  std::string TelephoneLine::*value;
+};
+
+/// The keys whose values are kept as they stand.
+constexpr std::array kSipFields{
+    Field{"listen", LineField::Listen, "The address for calls", &TelephoneLine::listen},
+    Field{"auth_user", LineField::AuthUser, "The login name", &TelephoneLine::auth_user},
+    Field{"password", LineField::Password, "The password", &TelephoneLine::password},
+    Field{"transport", LineField::Transport, "The transport", &TelephoneLine::transport},
+    Field{"srtp", LineField::Transport, "The encryption of the sound", &TelephoneLine::srtp},
+};
+constexpr std::array kModemFields{Field{"port", LineField::Port, "The port", &TelephoneLine::port}};
+constexpr std::array kSimFields{Field{"script", LineField::Script, "The script", &TelephoneLine::script}};
+
+std::span<const Field> FieldsOf(LineKind kind) {
+  if (kind == LineKind::Sip) return kSipFields;
+  return kind == LineKind::Modem ? std::span<const Field>(kModemFields) : kSimFields;
+}
+
+const LineType& TypeOf(LineKind kind) {
+  const char* name = kind == LineKind::Sip ? "sip" : kind == LineKind::Modem ? "modem" : "sim";
+  return *std::ranges::find(LineTypes(), std::string_view(name), &LineType::name);
+}
+
+const LineKey* KeyOf(LineKind kind, std::string_view name) {
+  const auto keys = TypeOf(kind).keys;
+  const auto key = std::ranges::find(keys, name, &LineKey::name);
+  return key == keys.end() ? nullptr : &*key;
+}
+
+int RingSeconds(const std::string& text, int otherwise) {
+  double seconds = otherwise;
+  std::from_chars(text.data(), text.data() + text.size(), seconds);
+  return static_cast<int>(std::lround(seconds));
+}
+
+std::string AccountOf(const std::string& user, const std::string& server) {
+  return user.empty() && server.empty() ? "" : std::string(kScheme) + user + '@' + server;
+}
+
+void PutAccount(TelephoneLine& line, const LineSection& section) {
+  const auto account = section.values.find("account");
+  if (account == section.values.end()) return;
+  const auto at = account->second.find('@');
+  line.user = account->second.substr(kScheme.size(), at - kScheme.size());
+  line.server = account->second.substr(at + 1);
+}
+
+bool IsAccount(const std::string& user, const std::string& server) {
+  return KeyOf(LineKind::Sip, "account")->valid(AccountOf(user, server));
+}
+
+std::optional<LineFault> AccountFault(const TelephoneLine& line) {
+  if (line.user.empty() && line.server.empty()) return std::nullopt;
+  if (line.server.empty()) return LineFault{LineField::Server, "The server of the account is missing."};
+  if (line.user.empty()) return LineFault{LineField::User, "The user of the account is missing."};
+  if (!IsAccount("user", line.server)) {
+    return LineFault{LineField::Server,
+                     "The server is wrong: expected its name or address, perhaps with \":\" and a port, for "
+                     "example sip.example.org or 192.168.1.1:5060."};
+  }
+  if (!IsAccount(line.user, line.server)) {
+    return LineFault{LineField::User,
+                     "The user is wrong: expected a name or number without blanks, @ and <>."};
+  }
+  return std::nullopt;
+}
+
+std::optional<LineFault> ValueFault(const TelephoneLine& line) {
+  for (const auto& field : FieldsOf(line.kind)) {
+    const auto& value = line.*field.value;
+    const auto* key = KeyOf(line.kind, field.key);
+    if (value.empty() && (key == nullptr || !key->required)) continue;
+    if (key != nullptr && key->valid(value)) continue;
+    const std::string expected(key != nullptr ? key->expected : "none");
+    return LineFault{field.field, std::string(field.label) + (value.empty() ? " is missing" : " is wrong") +
+                                      ": expected " + expected + '.'};
+  }
+  const auto* ring = KeyOf(LineKind::Sip, "ring_seconds");
+  if (line.kind == LineKind::Sip && !ring->valid(std::to_string(line.ring_seconds))) {
+    return LineFault{LineField::RingSeconds,
+                     "The time between rings is wrong: expected " + std::string(ring->expected) + '.'};
+  }
+  return std::nullopt;
+}
+
+/// The file has no quotes: what it cannot keep must not get there.
+std::optional<LineFault> NotationFault(const TelephoneLine& line) {
+  const auto edit = EditOf(line, nullptr);
+  const auto read = ParseLines(SectionText(edit), "lines.ini").sections;
+  const auto lost = [](LineField field, const char* label) {
+    return LineFault{field,
+                     std::string(label) +
+                         " cannot be stored: expected no blank at its ends, no \";\" at its beginning or "
+                         "behind a blank, and no control characters."};
+  };
+  if (read.size() == 1 && read.front().name == edit.name && read.front().values == edit.values) {
+    return std::nullopt;
+  }
+  for (const auto& field : FieldsOf(line.kind)) {
+    const auto wanted = edit.values.find(field.key);
+    if (wanted == edit.values.end()) continue;
+    const LineEdit alone{0, "x", edit.type, {*wanted}};
+    const auto text = SectionText(alone);
+    // Only this value's line counts here, not what a section must have.
+    const auto again =
+        ParseLines(text + (field.field == LineField::Listen ? "" : "listen = 127.0.0.1:5060\n"), "lines.ini")
+            .sections;
+    const auto found = again.size() == 1 ? again.front().values.find(field.key) : wanted;
+    if (again.size() != 1 || found == again.front().values.end() || found->second != wanted->second) {
+      return lost(field.field, field.label);
+    }
+  }
+  return lost(LineField::Name, "The name");
+}
+
+}  // namespace
+
+TelephoneLine LineOf(const LineSection& section) {
+  TelephoneLine line;
+  line.name = section.name;
+  line.kind = section.type == "sip"     ? LineKind::Sip
+              : section.type == "modem" ? LineKind::Modem
+                                        : LineKind::Sim;
+  line.origin = section.line_number;
+  for (const auto& field : FieldsOf(line.kind)) {
+    const auto value = section.values.find(field.key);
+    if (value != section.values.end()) line.*field.value = value->second;
+  }
+  if (line.kind != LineKind::Sip) return line;
+  PutAccount(line, section);
+  const auto ring = section.values.find("ring_seconds");
+  if (ring != section.values.end()) line.ring_seconds = RingSeconds(ring->second, line.ring_seconds);
+  return line;
+}
+
+LineEdit EditOf(const TelephoneLine& line, const LineSection* before) {
+  LineEdit edit{line.origin, line.name, std::string(TypeOf(line.kind).name), {}};
+  // What this dialog does not show stays.
+  if (before != nullptr) edit.values = before->values;
+  const auto set = [&](const std::string& key, const std::string& value) {
+    edit.values.erase(key);
+    if (!value.empty()) edit.values[key] = value;
+  };
+  const TelephoneLine plain;
+  for (const auto& field : FieldsOf(line.kind)) {
+    const auto& value = line.*field.value;
+    const bool given = before != nullptr && before->values.contains(field.key);
+    const bool required = std::string_view(field.key) == "listen";
+    if (required || given || value != plain.*field.value) set(field.key, value);
+  }
+  if (line.kind != LineKind::Sip) return edit;
+  set("account", AccountOf(line.user, line.server));
+  if (line.ring_seconds != (before != nullptr ? LineOf(*before) : plain).ring_seconds) {
+    set("ring_seconds", std::to_string(line.ring_seconds));
+  }
+  return edit;
+}
+
+std::optional<LineFault> FaultOf(const TelephoneLine& line) {
+  if (line.name.empty()) return LineFault{LineField::Name, "The line's name is missing."};
+  if (auto fault = ValueFault(line)) return fault;
+  if (line.kind == LineKind::Sip) {
+    if (auto fault = AccountFault(line)) return fault;
+  }
+  return NotationFault(line);
+}
+
+}  // namespace orven

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/setup/sip_line_test.h"
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/sip_line.h"
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+using State = RegistrationNews::State;
+
+constexpr milliseconds kLookForCancel{50};
+
+/// A caller who meets the test is not answered; the farewell turns him away.
+class NoEvents final : public LineDriverEvents {
+  void Offered(CallNumber /*call*/) override {}
+  void Ring(CallNumber /*call*/, std::int32_t /*count*/) override {}
+  void CallerId(CallNumber /*call*/, const std::string& /*name*/, const std::string& /*number*/) override {}
+  void RequestDone(std::int32_t /*request*/, std::int32_t /*result*/) override {}
+  void Connected(CallNumber /*call*/) override {}
+  void Digit(CallNumber /*call*/, char /*digit*/) override {}
+  void Disconnected(CallNumber /*call*/) override {}
+  void Idle(CallNumber /*call*/) override {}
+};
+
+/// The first outcome of the registration, from the SIP thread.
+class Outcome {
+ public:
+  void Take(const RegistrationNews& news) {
+    const std::lock_guard lock(mutex_);
+    if (news.state == State::Trying || news_) return;
+    news_ = news;
+    changed_.notify_all();
+  }
+
+  std::optional<RegistrationNews> Wait(milliseconds patience, const std::atomic<bool>& cancelled) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    std::unique_lock lock(mutex_);
+    while (!news_ && !cancelled && std::chrono::steady_clock::now() < end) {
+      changed_.wait_for(lock, kLookForCancel);
+    }
+    return news_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::optional<RegistrationNews> news_;
+};
+
+/// A port of `address` that is free for UDP and TCP at this moment; 0 when there is none.
+std::uint16_t FreePortAt(const std::string& address) {
+  constexpr int kTries = 20;
+  sockaddr_in wanted{};
+  wanted.sin_family = AF_INET;
+  if (::inet_pton(AF_INET, address.c_str(), &wanted.sin_addr) != 1) return 0;
+  const auto bind_to = [&wanted](int type) {
+    const int socket = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
+    const bool bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&wanted), sizeof wanted) == 0;
+    socklen_t size = sizeof wanted;
+    if (bound) (void)::getsockname(socket, reinterpret_cast<sockaddr*>(&wanted), &size);
+    ::close(socket);
+    return bound;
+  };
+  for (int i = 0; i < kTries; ++i) {
+    wanted.sin_port = 0;
+    if (!bind_to(SOCK_DGRAM)) return 0;
+    if (bind_to(SOCK_STREAM)) return ntohs(wanted.sin_port);
+  }
+  return 0;
+}
+
+std::string LoginRefused(const TelephoneLine& line, const std::string& reason) {
+  return "The server " + line.server + " refuses the login (" + reason + "): the user \"" +
+         (line.auth_user.empty() ? line.user : line.auth_user) + "\" or the password is wrong";
+}
+
+std::string AnswerWords(const TelephoneLine& line, const RegistrationNews& news) {
+  switch (news.status) {
+    case 401:
+    case 407: return LoginRefused(line, news.reason) + '.';
+    case 403: return LoginRefused(line, news.reason) + ", or the account may not be used from here.";
+    case 404:
+    case 604:
+      return "The server " + line.server + " knows no user \"" + line.user + "\" (" + news.reason + ").";
+    default: break;
+  }
+  const char* who = news.status >= 500 ? " is there, but cannot do it now (" : " does not accept it (";
+  return "The server " + line.server + who + news.reason + ").";
+}
+
+std::string NetworkWords(const TelephoneLine& line, const RegistrationNews& news) {
+  switch (news.error) {
+    case ENOENT:
+    case EDESTADDRREQ:
+    case EADDRNOTAVAIL: return "There is no server named " + line.server + ": its address cannot be found.";
+    case ETIMEDOUT: return "There is no answer from " + line.server + ".";
+    case ECONNREFUSED:
+      return "The connection to " + line.server + " is refused: nothing listens there for " + line.transport +
+             " at this port.";
+    case ENETUNREACH:
+    case EHOSTUNREACH:
+    case EINVAL:
+    case EACCES:
+      return "There is no way from " + line.listen + " to " + line.server + " (" + news.reason +
+             "): 0.0.0.0 as address for calls uses every network.";
+    default: break;
+  }
+  if (line.transport == "tls") {
+    return "No encrypted connection to " + line.server + " comes about (" + news.reason +
+           "): its port for TLS is often 5061.";
+  }
+  return "The server " + line.server + " cannot be reached (" + news.reason + ").";
+}
+
+LineTestResult ResultOf(const TelephoneLine& line, const std::optional<RegistrationNews>& news,
+                        milliseconds patience) {
+  if (!news) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
+    return {false, "There is no answer from " + line.server + " within " + std::to_string(seconds) +
+                       " s: the server's name, its port, the transport or the network may be wrong."};
+  }
+  if (news->state == State::Registered) {
+    return {true, "The server " + line.server + " accepts the account " + line.user + "."};
+  }
+  return {false, news->status != 0 ? AnswerWords(line, *news) : NetworkWords(line, *news)};
+}
+
+LineTestResult TestListening(const TelephoneLine& line, SipLineSettings settings) {
+  NoEvents events;
+  settings.listen = line.listen;
+  const auto driver = MakeSipLine(settings);
+  if (driver->Open(events) != kTelephonyOk)
+    return {false, "Calls cannot come in: " + driver->LastError() + '.'};
+  driver->Close();
+  return {true, "Calls can come in at " + line.listen + "; there is no account to register."};
+}
+
+}  // namespace
+
+LineTestResult TestSipLine(const TelephoneLine& line, const SipTestOptions& options,
+                           const std::atomic<bool>& cancelled) {
+  SipLineSettings settings;
+  settings.name = line.name;
+  if (line.server.empty()) return TestListening(line, settings);
+  const auto host = line.listen.substr(0, line.listen.rfind(':'));
+  const auto port = FreePortAt(host);
+  if (port == 0) return {false, "The address for calls, " + host + ", is none of this computer's."};
+  Outcome outcome;
+  settings.listen = host + ':' + std::to_string(port);
+  settings.account = "sip:" + line.user + '@' + line.server;
+  settings.auth_user = line.auth_user;
+  settings.password = line.password;
+  settings.transport = line.transport;
+  settings.register_nothing = options.registered_now;
+  settings.registration_news = [&outcome](const RegistrationNews& news) { outcome.Take(news); };
+  settings.timers.registration_life = std::chrono::seconds(60);
+  NoEvents events;
+  const auto driver = MakeSipLine(settings);
+  if (driver->Open(events) != kTelephonyOk)
+    return {false, "The test cannot begin: " + driver->LastError() + '.'};
+  const auto news = outcome.Wait(options.patience, cancelled);
+  driver->Close();
+  return ResultOf(line, news, options.patience);
+}
+
+}  // namespace orven

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+#include <functional>
+#include <optional>
+
+#include "options/lines_dialog.h"
+
+namespace orven {
+
+/// The button that tries a telephone line out, with what came of it beside it. While a test runs, the
+/// button stops it. User-interface thread.
+class frmLineTest : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `line` gives the line to try, or nothing; it may tell the person why there is none.
+  frmLineTest(LinesDialog& engine, std::function<std::optional<TelephoneLine>()> line, QWidget* parent);
+  ~frmLineTest() override;
+
+  /// Stops a test under way and forgets the latest result: the line is another one now.
+  void Clear();
+
+  void SetUsable(bool usable) { cmdTest_->setEnabled(usable || running_); }
+
+ private:
+  void Click();
+  void Show(const QString& text, std::optional<bool> passed);
+  void SetRunning(bool running);
+
+  LinesDialog& engine_;
+  std::function<std::optional<TelephoneLine>()> line_;
+  QPushButton* cmdTest_;
+  QLabel* icon_;
+  QLabel* lblTestResult_;
+  bool running_ = false;
+};
+
+}  // namespace orven

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options/frmLines.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <array>
+#include <chrono>
+
+#include "options/frmLineEdit.h"
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr std::chrono::milliseconds kRefresh{500};
+constexpr QSize kListSize(640, 170);
+constexpr std::array kColumnWidths{130, 120, 190};
+
+QString Name(const char* name) {
+  return QString::fromLatin1(name);
+}
+
+}  // namespace
+
+frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engine_(engine) {
+  setObjectName(Name("frmLines"));
+  setWindowTitle(tr("Telephone Lines"));
+  setWindowIcon(ProgramIcon());
+  setWindowModality(Qt::WindowModal);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  if (!engine_.Complaints().empty()) column->addWidget(MakeComplaints());
+  column->addWidget(MakeListRow(), 1);
+  test_ = MakeChild<frmLineTest>(
+      engine_,
+      [this]() -> std::optional<TelephoneLine> {
+        const auto index = Selected();
+        return index ? std::optional(engine_.At(*index)) : std::nullopt;
+      },
+      this);
+  column->addWidget(test_);
+  column->addWidget(MakeButtons());
+  connect(lvwLines_, &QTreeWidget::itemSelectionChanged, this, &frmLines::SelectionChanged);
+  connect(lvwLines_, &QTreeWidget::itemActivated, this, [this] { Edit(Selected()); });
+  connect(&refresh_, &QTimer::timeout, this, &frmLines::ShowRows);
+  ShowRows();
+  Select(0);
+  SelectionChanged();
+  refresh_.start(kRefresh);
+}
+
+QWidget* frmLines::MakeComplaints() {
+  QStringList texts;
+  for (const auto& complaint : engine_.Complaints()) texts << QString::fromStdString(complaint);
+  auto* label = MakeChild<QLabel>(texts.join(u'\n'), this);
+  label->setObjectName(Name("lblComplaints"));
+  label->setTextFormat(Qt::PlainText);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  label->setWordWrap(true);
+  return label;
+}
+
+QPushButton* frmLines::Button(const char* name, const QString& caption, const QString& tip, QWidget* parent) {
+  auto* button = MakeChild<QPushButton>(caption, parent);
+  button->setObjectName(Name(name));
+  button->setAutoDefault(false);
+  button->setToolTip(tip);
+  return button;
+}
+
+QWidget* frmLines::MakeListRow() {
+  auto* row = MakeChild<QWidget>(this);
+  auto* layout = MakeChild<QHBoxLayout>(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  lvwLines_ = MakeChild<QTreeWidget>(row);
+  lvwLines_->setObjectName(Name("lvwLines"));
+  lvwLines_->setAccessibleName(tr("Telephone lines"));
+  lvwLines_->setRootIsDecorated(false);
+  lvwLines_->setMinimumSize(kListSize);
+  lvwLines_->setHeaderLabels({tr("Name"), tr("Kind"), tr("Account or address"), tr("State")});
+  for (int i = 0; i < static_cast<int>(kColumnWidths.size()); ++i) {
+    lvwLines_->setColumnWidth(i, kColumnWidths.at(static_cast<std::size_t>(i)));
+  }
+  auto* column = MakeChild<QVBoxLayout>();
+  auto* add = Button("cmdAdd", tr("&Add…"), tr("Add a SIP account or a modem"), row);
+  cmdEdit_ = Button("cmdEdit", tr("&Edit…"), tr("Change the selected line"), row);
+  cmdRemove_ = Button("cmdRemove", tr("&Remove"), tr("Remove the selected line"), row);
+  for (auto* button : {add, cmdEdit_, cmdRemove_}) column->addWidget(button);
+  column->addStretch();
+  layout->addWidget(lvwLines_, 1);
+  layout->addLayout(column);
+  connect(add, &QPushButton::clicked, this, [this] { Edit(std::nullopt); });
+  connect(cmdEdit_, &QPushButton::clicked, this, [this] { Edit(Selected()); });
+  connect(cmdRemove_, &QPushButton::clicked, this, &frmLines::Remove);
+  return row;
+}
+
+QWidget* frmLines::MakeButtons() {
+  auto* row = MakeChild<QWidget>(this);
+  auto* layout = MakeChild<QHBoxLayout>(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* ok = Button("cmdOK", tr("OK"), tr("Store the lines and use them"), row);
+  ok->setDefault(true);
+  auto* cancel = Button("cmdCancel", tr("Cancel"), tr("Leave the lines as they were"), row);
+  layout->addStretch();
+  layout->addWidget(ok);
+  layout->addWidget(cancel);
+  connect(ok, &QPushButton::clicked, this, &frmLines::Ok);
+  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+  return row;
+}
+
+void frmLines::ShowRows() {
+  const auto count = static_cast<int>(engine_.Count());
+  while (lvwLines_->topLevelItemCount() > count) delete lvwLines_->takeTopLevelItem(count);
+  for (int i = 0; i < count; ++i) {
+    if (i == lvwLines_->topLevelItemCount()) MakeChild<QTreeWidgetItem>(lvwLines_);
+    auto* item = lvwLines_->topLevelItem(i);
+    const auto row = engine_.RowAt(static_cast<std::size_t>(i));
+    int column = 0;
+    for (const auto& text : {row.name, row.kind, row.address, row.state}) {
+      const auto shown = QString::fromStdString(text);
+      if (item->text(column) != shown) {
+        item->setText(column, shown);
+        item->setToolTip(column, shown);
+      }
+      ++column;
+    }
+  }
+}
+
+void frmLines::Select(std::size_t index) {
+  lvwLines_->setCurrentItem(lvwLines_->topLevelItem(static_cast<int>(index)));
+}
+
+std::optional<std::size_t> frmLines::Selected() const {
+  const auto items = lvwLines_->selectedItems();
+  if (items.isEmpty()) return std::nullopt;
+  return static_cast<std::size_t>(lvwLines_->indexOfTopLevelItem(items.first()));
+}
+
+void frmLines::SelectionChanged() {
+  test_->Clear();
+  const bool any = Selected().has_value();
+  cmdEdit_->setEnabled(any);
+  cmdRemove_->setEnabled(any);
+  test_->SetUsable(any);
+}
+
+void frmLines::Edit(std::optional<std::size_t> index) {
+  test_->Clear();
+  if (frmLineEdit(engine_, index, this).exec() != QDialog::Accepted) return;
+  ShowRows();
+  Select(index.value_or(engine_.Count() - 1));
+}
+
+void frmLines::Remove() {
+  const auto index = Selected();
+  test_->Clear();
+  if (!index || !engine_.Remove(*index)) return;
+  ShowRows();
+  if (engine_.Count() > 0) Select(std::min(*index, engine_.Count() - 1));
+  SelectionChanged();
+}
+
+void frmLines::Ok() {
+  if (engine_.Ok()) accept();
+}
+
+}  // namespace orven
