@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <iostream>
 #include <random>
+#include <utility>
 
 #include "adapters/desktop/application_folder.h"
 #include "adapters/desktop/speech_presence.h"
@@ -25,6 +26,9 @@ constexpr const char* kChannelVariable = "ORVEN_CHANNEL";
 
 /// Where mails wait that are not sent yet.
 constexpr const char* kOutbox = "\\Outbox";
+
+/// How often changed lines look whether the call is over.
+constexpr std::chrono::milliseconds kLookForIdleLine{500};
 
 /// Ends the application's event loop and those of open boxes, also while it has not begun yet.
 void EndEventLoops() {
@@ -52,6 +56,7 @@ Program::Program(Folders folders)
       database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
                 [this](const std::string& text) { Report(text); }),
       lines_(loop_, MakeLines()),
+      configured_lines_(LinesPath(), loop_, lines_, line_states_),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
       desk_devices_(lines_, cards_),
@@ -69,6 +74,7 @@ Program::Program(Folders folders)
       window_(Ports(), frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   program_dialogs_.Attach(window_.Machine(), frame_);
+  program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
   shell_.SetMenu(&frame_.TrayMenu());
@@ -108,12 +114,41 @@ MailAccount Program::Account() {
 }
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
-  return MakeTelephoneLines(shared_.InApplicationFolder("\\lines.ini"), loop_, early_problems_,
-                            ReportFromAnyThread());
+  std::vector<std::string> problems;
+  auto lines = MakeTelephoneLines(LinesPath(), loop_, problems, ReportFromAnyThread(), line_states_);
+  for (const auto& problem : problems) Report(problem);
+  return lines;
+}
+
+std::string Program::LinesPath() const {
+  return shared_.InApplicationFolder("\\lines.ini");
+}
+
+bool Program::LineInUse() const {
+  return lines_.HasCall() || line_wave_.IsRecording() || line_wave_.IsPlaying();
+}
+
+/// Now, or when the call is over: then false.
+bool Program::UseChangedLines() {
+  if (Ended()) return false;
+  if (!LineInUse()) {
+    window_.Machine().line.ReplaceDevices([this] { (void)lines_.Replace(MakeLines()); });
+    return true;
+  }
+  if (!std::exchange(lines_wait_, true)) WaitForLines();
+  return false;
 }
 
 std::function<void(const std::string&)> Program::ReportFromAnyThread() {
   return [this](const std::string& text) { loop_.Post(lifeline_.Bind([this, text] { Report(text); })); };
+}
+
+void Program::WaitForLines() {
+  loop_.After(kLookForIdleLine, lifeline_.Bind([this] {
+    if (LineInUse()) return WaitForLines();
+    lines_wait_ = false;
+    (void)UseChangedLines();
+  }));
 }
 
 bool Program::Start(const std::string& command_line) {

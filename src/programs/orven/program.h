@@ -19,6 +19,7 @@
 #include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
 #include "adapters/line/service/line_service.h"
+#include "adapters/line/setup/file_telephone_lines.h"
 #include "adapters/mail/smtp_mail.h"
 #include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
@@ -66,6 +67,10 @@ class Program {
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<std::unique_ptr<LineDriver>> MakeLines();
+  std::string LinesPath() const;
+  bool LineInUse() const;
+  bool UseChangedLines();
+  void WaitForLines();
 
   SharedOptions shared_;
   Folders folders_;
@@ -83,7 +88,10 @@ class Program {
   AutostartRegistry autostart_;
   InstalledClasses registry_;
   SqliteDatabase database_;
+  LineStates line_states_;
   LineService lines_;
+  FileTelephoneLines configured_lines_;
+  bool lines_wait_ = false;  ///< changed lines wait for the end of a call
   SoundCards cards_;
   AllAudioDevices line_devices_;  ///< pre-screening is heard beside a message that plays
   AllAudioDevices desk_devices_;

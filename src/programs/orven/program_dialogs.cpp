@@ -6,6 +6,8 @@
 #include "greetings/frmGreetC.h"
 #include "notify/events_dialog.h"
 #include "notify/frmEvents.h"
+#include "options/frmLines.h"
+#include "options/lines_dialog.h"
 
 namespace orven {
 
@@ -29,6 +31,18 @@ void ProgramDialogs::OpenEvents(int tab) {
   EventsDialog engine({machine.settings, machine.store, machine.shared, ports_.files, machine.sounds,
                        machine.player, ports_.dialogs, machine.caller_view});
   frmEvents(engine, tab, window_).exec();
+}
+
+void ProgramDialogs::AttachLines(TelephoneLines& lines, std::function<bool()> use_changed) {
+  lines_ = &lines;
+  use_changed_lines_ = std::move(use_changed);
+}
+
+void ProgramDialogs::OpenLines(QWidget* parent) {
+  auto& machine = *machine_;
+  LinesDialog engine(
+      {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_});
+  frmLines(engine, parent).exec();
 }
 
 void ProgramDialogs::OpenGreetingCreator() {

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <functional>
 
+#include "platform/telephone_lines.h"
 #include "shell/answering_machine.h"
 #include "shell/dialog_factory.h"
 
@@ -19,6 +20,13 @@ class ProgramDialogs : public DialogFactory {
   /// Before the first dialog: the engine and the window that the dialogs belong to.
   void Attach(AnsweringMachine& machine, QWidget& window);
 
+  /// The telephone lines to set up; `use_changed` takes stored changes into use and says whether it did
+  /// at once: otherwise it does when the call is over.
+  void AttachLines(TelephoneLines& lines, std::function<bool()> use_changed);
+
+  /// Opens the dialog of the telephone lines, on top of the options dialog `parent`.
+  void OpenLines(QWidget* parent);
+
   bool Offers(Dialog dialog) const override;
   void Open(Dialog dialog, int tab) override;
 
@@ -31,6 +39,8 @@ class ProgramDialogs : public DialogFactory {
   std::function<void()> look_for_cards_;
   AnsweringMachine* machine_ = nullptr;
   QWidget* window_ = nullptr;
+  TelephoneLines* lines_ = nullptr;
+  std::function<bool()> use_changed_lines_;
 };
 
 }  // namespace orven

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/setup/line_states.h"
 #include "platform/event_loop.h"
 #include "platform/line_driver.h"
 
@@ -13,9 +14,10 @@ namespace orven {
 
 /// The telephone lines that the file at `path` (lines.ini) describes, in device-index order. What is
 /// wrong in it is added to `problems`; the other lines still work. `report` takes what a line finds
-/// wrong while it is open; it is called on the lines' threads and must not block.
+/// wrong while it is open; it is called on the lines' threads and must not block. `states` becomes those of
+/// these lines.
 std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
     const std::string& path, EventLoop& loop, std::vector<std::string>& problems,
-    const std::function<void(const std::string&)>& report);
+    const std::function<void(const std::string&)>& report, LineStates& states);
 
 }  // namespace orven
