@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/call_store.h"
 
+#include <algorithm>
+
 #include "core/conversions.h"
 #include "core/error_trap.h"
 #include "core/native_path.h"
@@ -8,6 +10,26 @@
 #include "records/call_fields.h"
 
 namespace orven {
+namespace {
+
+/// So many messages that stayed behind are named in a box; the log names them all.
+constexpr std::size_t kNamedInBox = 10;
+
+std::string RefusalText(const std::string& folder, const std::string& reason) {
+  return "Messages cannot be stored in " + folder + "\n\n" + reason +
+         "\n\nNothing was changed. Choose another folder.";
+}
+
+std::string StayedText(const std::string& folder, const std::vector<std::string>& names) {
+  auto text = "These messages could not be moved. They are still in " + folder + "\n";
+  for (std::size_t i = 0; i < std::min(names.size(), kNamedInBox); ++i) text += "\n" + names[i];
+  if (names.size() > kNamedInBox) {
+    text += "\nand " + std::to_string(names.size() - kNamedInBox) + " more, which the system log names";
+  }
+  return text;
+}
+
+}  // namespace
 
 void CallStore::PutCallDetailsInDB(Call& call) {
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
@@ -144,23 +166,55 @@ void CallStore::CopyInBackground(const std::string& path, const std::string& tar
                         });
 }
 
-void CallStore::RelocateMessages(const std::string& new_folder) {
+std::vector<std::string> CallStore::MessageNames() const {
   auto& database = ports_.DataBase1;
-  const ErrorTrap trap(ports_.system_log, "ErrRelocateMessages ");
-  std::int32_t count = 0;
-  trap([&] { count = database.RecordCount(); });
-  for (std::int32_t number = 1; number <= count; ++number) {
-    const bool moved = trap([&] { number == 1 ? database.MoveFirst() : database.MoveNext(); });
-    if (!moved) break;
-    // One missing file must not keep the others behind.
+  const auto type = static_cast<std::size_t>(database.FieldIndex(kType));
+  const auto name = static_cast<std::size_t>(database.FieldIndex(kCallMassageName));
+  std::vector<std::string> names;
+  for (auto& record : database.Query("Get *").records) {
+    if (record.at(type) != kNoMessageType && !record.at(name).empty()) names.push_back(record.at(name));
+  }
+  for (const auto& call : waiting_) {
+    if (!call.message_path.empty()) names.push_back(call.message_file_name);
+  }
+  return names;
+}
+
+void CallStore::RelocateMessages(const std::string& new_folder,
+                                 std::function<void(const std::string&)> store_path) {
+  if (relocation_) return;
+  relocation_ = std::make_shared<MessageRelocation>(
+      MessageRelocation::Ports{ports_.files, ports_.background, ports_.system_log},
+      MessageRelocation::Folders{shared_.messages_path, new_folder}, [this] { return MessageNames(); },
+      [this, new_folder, store_path = std::move(store_path)](const MessageRelocation::Outcome& outcome) {
+        EndRelocation(new_folder, store_path, outcome);
+      });
+  relocation_->Start();
+}
+
+std::optional<RelocationProgress> CallStore::Relocating() const {
+  if (!relocation_) return std::nullopt;
+  return relocation_->Progress();
+}
+
+void CallStore::EndRelocation(const std::string& new_folder,
+                              const std::function<void(const std::string&)>& store_path,
+                              const MessageRelocation::Outcome& outcome) {
+  const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
+  const auto old_folder = shared_.messages_path;
+  const bool refused = !outcome.refusal.empty();
+  relocation_.reset();
+  if (!refused) {
+    settings_.MassagesPath = new_folder;
+    shared_.messages_path = new_folder;
     trap([&] {
-      if (database.GetField(kType) == kNoMessageType) return;
-      const auto name = database.GetField(kCallMassageName);
-      ports_.files.Rename(shared_.messages_path + name, new_folder + name);
+      if (store_path) store_path(new_folder);
     });
   }
-  settings_.MassagesPath = new_folder;
-  shared_.messages_path = new_folder;
+  trap([&] {
+    if (refused) ports_.dialogs.Information(RefusalText(new_folder, outcome.refusal));
+    if (!outcome.stayed.empty()) ports_.dialogs.Information(StayedText(old_folder, outcome.stayed));
+  });
 }
 
 }  // namespace orven

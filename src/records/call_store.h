@@ -2,6 +2,9 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "core/activity_log.h"
@@ -13,6 +16,7 @@
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/call_list.h"
+#include "records/message_relocation.h"
 
 namespace orven {
 
@@ -68,9 +72,15 @@ class CallStore {
   /// Copies the message file at `path` to where the person at the desk wants it, in the background.
   void SaveFile(const std::string& path);
 
-  /// Moves every message file to `new_folder` (ending in a separator) and makes that the messages
-  /// path in the program; the caller stores the setting.
-  void RelocateMessages(const std::string& new_folder);
+  /// Moves every message file to `new_folder` (ending in a separator), in the background; afterwards that
+  /// is the messages path in the program, even when some could not be moved, and `store_path` stores the
+  /// setting. A box and the log name the messages that stayed behind. A folder that cannot be written is
+  /// refused with a box before anything moves. Nothing while an earlier move is not done.
+  void RelocateMessages(const std::string& new_folder,
+                        std::function<void(const std::string& path)> store_path = {});
+
+  /// How far the move is; nothing when there is none.
+  std::optional<RelocationProgress> Relocating() const;
 
  private:
   std::string TypeText(const Call& call) const;
@@ -79,12 +89,16 @@ class CallStore {
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
   void CopyInBackground(const std::string& path, const std::string& target);
   void StopPlayerOn(const std::string& key);
+  std::vector<std::string> MessageNames() const;
+  void EndRelocation(const std::string& new_folder, const std::function<void(const std::string&)>& store_path,
+                     const MessageRelocation::Outcome& outcome);
 
   Ports ports_;
   CallList& list_;
   Settings& settings_;
   SharedOptions& shared_;
   std::deque<Call> waiting_;  ///< not filed yet, in the order in which they came
+  std::shared_ptr<MessageRelocation> relocation_;
 };
 
 }  // namespace orven

@@ -42,7 +42,8 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       after_call({caller_view, sounds, tray, actions}, calls, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
       sequence(context, {control, greeter, recorder, remote, after_call, status, caller_view, ports.clock}),
-      ports_(ports) {
+      ports_(ports),
+      views_(views) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&greeter);
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
@@ -78,6 +79,34 @@ GreetingPlayer::Parts AnsweringMachine::ForGreetingPlayer(std::function<std::opt
           std::move(add),
           [this] { greetings.Fill({}); },
           [this](const std::string& name) { quick_options.SetGreeting(name); }};
+}
+
+OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
+  return {ports_.loop,
+          ports_.registry,
+          log,
+          ports_.dialogs,
+          ports_.Tapi1,
+          ports_.cards,
+          store,
+          settings,
+          shared,
+          line,
+          calls,
+          [this] { return LineLevel(); },
+          [this](const std::string& greeting) { greetings.Fill(greeting); },
+          [this] { ShowOptions(); }};
+}
+
+std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
+  if (!recorder.Recording()) return std::nullopt;
+  return ports_.Wave1.InputLevel();
+}
+
+void AnsweringMachine::ShowOptions() {
+  views_.boxes.ShowRings(settings.NumOfRing);
+  views_.boxes.ShowRecordMessage(settings.RecordMessage != 0);
+  views_.frame.ShowQuickToolbar(settings.pQuickToolbar != 0);
 }
 
 AnsweringMachine::~AnsweringMachine() {

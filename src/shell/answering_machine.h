@@ -11,6 +11,7 @@
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
 #include "options/greeting_player.h"
+#include "options/options_dialog.h"
 #include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/data_exchange.h"
@@ -104,8 +105,15 @@ class AnsweringMachine {
   /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.
   GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
 
+  /// What the options dialog works with.
+  OptionsDialog::Parts ForOptionsDialog();
+
  private:
+  std::optional<std::int32_t> LineLevel() const;
+  void ShowOptions();
+
   EnginePorts ports_;
+  MainWindowViews views_;
 };
 
 }  // namespace orven

@@ -251,6 +251,7 @@ class ScriptedWaveforms : public WaveformReader {
 class PostedBackground : public Background {
  public:
   explicit PostedBackground(EventLoop& loop) : loop_(loop) {}
+  std::chrono::milliseconds takes{0};  ///< until it tells
   void Run(Work work, Done done) override {
     std::exception_ptr failure;
     try {
@@ -258,7 +259,7 @@ class PostedBackground : public Background {
     } catch (...) {
       failure = std::current_exception();
     }
-    loop_.Post([done = std::move(done), failure] { done(failure); });
+    loop_.After(takes, [done = std::move(done), failure] { done(failure); });
   }
 
  private:

@@ -86,6 +86,13 @@ TEST_F(DiskFilesTest, RenameMovesEvenAcrossFileSystemsAndNeverReplaces) {
   }
 }
 
+TEST_F(DiskFilesTest, AFileThatCannotLeaveIsNotLeftInBothPlaces) {
+  const std::string stays = "/proc/version";
+  if (!files_.Exists(stays)) GTEST_SKIP() << "no file that cannot be removed";
+  EXPECT_EQ(Failure(stays, [&] { files_.Rename(stays, to_); }), 70);
+  EXPECT_FALSE(files_.Exists(to_));
+}
+
 TEST_F(DiskFilesTest, ReplacingALinkReplacesWhatItLeadsTo) {
   PutFile(to_, "old");
   std::filesystem::create_symlink("to", folder_ / "link");

@@ -109,13 +109,6 @@ TEST_F(CallStoreTest, SavesACopyWhereTheUserWantsIt) {
   EXPECT_THAT(world.LoggedBy([&] { Store().SaveFile(world.messages + "old.wav"); }), IsEmpty());
 }
 
-TEST_F(CallStoreTest, RelocatesMessagesOneMissingFileAside) {
-  world.files.Delete(world.messages + "old.wav");
-  Store().RelocateMessages("/mnt/new/");
-  EXPECT_THAT(world.files.Names("/mnt/new/"), ElementsAre("new.wav"));
-  EXPECT_EQ(world.shared.messages_path, "/mnt/new/");
-}
-
 TEST_F(CallStoreTest, ACallThatCannotBeFiledIsFiledBeforeTheNext) {
   const auto call_from = [&](const std::string& name) {
     world.line->Offer();

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options/frmOptions.h"
+
+#include <QAction>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "shell/frmMainIcons.h"
+#include "shell/frmMakeChild.h"
+
+namespace orven {
+namespace {
+
+constexpr std::uint32_t kFlat = 0x800;  // toolbar style TBSTYLE_FLAT
+constexpr int kThousandthsPerPercent = 10;
+
+void FillList(QComboBox& list, const std::vector<std::string>& items) {
+  list.clear();
+  for (const auto& item : items) list.addItem(QString::fromStdString(item));
+}
+
+/// Shows a text in a list that a person can write into, whether it offers it or not.
+void ShowText(QComboBox& list, const std::string& text) {
+  const auto shown = QString::fromStdString(text);
+  list.setCurrentIndex(list.findText(shown, Qt::MatchExactly | Qt::MatchCaseSensitive));
+  list.setEditText(shown);
+  list.lineEdit()->setCursorPosition(0);
+}
+
+bool CanBeKeyed(const QString& password) {
+  return std::ranges::all_of(password, [](QChar key) { return key == u'#' || (key >= u'0' && key <= u'9'); });
+}
+
+}  // namespace
+
+frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
+    : QDialog(parent), parts_(std::move(parts)), TabStrip1_(MakeChild<QTabWidget>(this)) {
+  setObjectName(QStringLiteral("frmOptions"));
+  setWindowTitle(tr("Options"));
+  setWindowIcon(ProgramIcon());
+  setWindowModality(Qt::WindowModal);
+  TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
+  TabStrip1_->addTab(MakeGeneral(), tr("General"));
+  TabStrip1_->addTab(MakeDevices(), tr("Devices"));
+  TabStrip1_->addTab(MakeAnswerMode(), tr("Answer Mode"));
+  TabStrip1_->addTab(MakeAdvanced(), tr("Advanced"));
+  auto* column = MakeChild<QVBoxLayout>(this);
+  column->addWidget(TabStrip1_);
+  column->addWidget(MakeButtons());
+  for (auto* bar : findChildren<ButtonBar*>()) bar->SetStyle(bar->Style() | kFlat);
+  Connect();
+  Fill(parts_.engine.Lists());
+  Show(parts_.engine.Load());
+  TabStrip1_->setCurrentIndex(tab);
+  ShowLevel(std::nullopt);
+  parts_.engine.Watch(this);
+}
+
+frmOptions::~frmOptions() {
+  parts_.engine.Watch(nullptr);
+}
+
+void frmOptions::Connect() {
+  connect(cmdOK_, &QPushButton::clicked, this, &frmOptions::Ok);
+  connect(cmdCancel_, &QPushButton::clicked, this, &frmOptions::reject);
+  connect(cmdBrowsMessagesPath_, &QPushButton::clicked, this, [this] { parts_.engine.BrowsMessagesPath(); });
+  connect(cmbModemDev_, &QComboBox::editTextChanged, this, &frmOptions::ShowCapabilities);
+  connect(sldSilence_, &QSlider::valueChanged, this, [this](int value) {
+    silence_->setText(tr("%1 %").arg(value));
+    ShowLevel(meter_->Level());
+  });
+  connect(show_password_, &QAction::toggled, this, [this](bool on) {
+    txtPass_->setEchoMode(on ? QLineEdit::Normal : QLineEdit::Password);
+    show_password_->setIcon(ThemeIcon(on ? "password-show-off" : "password-show-on"));
+  });
+  connect(txtPass_, &QLineEdit::textChanged, this, &frmOptions::ShowPasswordHint);
+  connect(chkAllowRemoteAccess_, &QCheckBox::toggled, this, &frmOptions::ShowPasswordHint);
+}
+
+void frmOptions::Fill(const OptionLists& lists) {
+  FillList(*txtNumOfRing_, lists.txtNumOfRing);
+  FillList(*txtRecLong_, lists.txtRecLong);
+  FillList(*cmbSilenceSec_, lists.cmbSilenceSec);
+  FillList(*cmbModemDev_, lists.cmbModemDev);
+  FillList(*cmbSoundDev_, lists.cmbSoundDev);
+}
+
+void frmOptions::Show(const OptionChoices& choices) {
+  chkRenOnStart_->setChecked(choices.chkRenOnStart);
+  ShowText(*cmbSilenceSec_, choices.cmbSilenceSec);
+  chkDropIfSilnce_->setChecked(choices.chkDropIfSilnce);
+  silence_->setText(tr("%1 %").arg(choices.sldSilence));
+  sldSilence_->setValue(choices.sldSilence);
+  ShowMessagesPath(choices.txtMassagesPath, std::nullopt);
+  cmdRecordMessage_->setChecked(choices.cmdRecordMessage);
+  ShowText(*txtNumOfRing_, choices.txtNumOfRing);
+  ShowText(*txtRecLong_, choices.txtRecLong);
+  txtPass_->setText(QString::fromStdString(choices.txtPass));
+  chkWornDelete_->setChecked(choices.chkWornDelete);
+  chkWornClear_->setChecked(choices.chkWornClear);
+  chkListMessagesOnly_->setChecked(choices.chkListMessagesOnly);
+  chkPreScreen_->setChecked(choices.chkPreScreen);
+  ShowText(*cmbModemDev_, choices.cmbModemDev);
+  cmbSoundDev_->setCurrentIndex(choices.cmbSoundDev < cmbSoundDev_->count() ? choices.cmbSoundDev : -1);
+  greetings_->Fill(choices.CmbGreetsMessages);
+  chkAllowRemoteAccess_->setChecked(choices.chkAllowRemoteAccess);
+  chkCompress_->setChecked(choices.chkCompress);
+  chkQuickToolBar_->setChecked(choices.chkQuickToolBar);
+  ShowCapabilities();
+  ShowPasswordHint();
+}
+
+OptionChoices frmOptions::Choices() const {
+  OptionChoices choices;
+  choices.cmbSilenceSec = cmbSilenceSec_->currentText().toStdString();
+  choices.chkDropIfSilnce = chkDropIfSilnce_->isChecked();
+  choices.sldSilence = sldSilence_->value();
+  choices.txtMassagesPath = txtMassagesPath_->text().toStdString();
+  choices.cmdRecordMessage = cmdRecordMessage_->isChecked();
+  choices.txtNumOfRing = txtNumOfRing_->currentText().toStdString();
+  choices.txtRecLong = txtRecLong_->currentText().toStdString();
+  choices.txtPass = txtPass_->text().toStdString();
+  choices.chkWornDelete = chkWornDelete_->isChecked();
+  choices.chkWornClear = chkWornClear_->isChecked();
+  choices.chkListMessagesOnly = chkListMessagesOnly_->isChecked();
+  choices.chkPreScreen = chkPreScreen_->isChecked();
+  choices.cmbModemDev = cmbModemDev_->currentText().toStdString();
+  choices.cmbSoundDev = cmbSoundDev_->currentIndex();
+  choices.CmbGreetsMessages = greetings_->Selected();
+  choices.chkAllowRemoteAccess = chkAllowRemoteAccess_->isChecked();
+  choices.chkCompress = chkCompress_->isChecked();
+  choices.chkQuickToolBar = chkQuickToolBar_->isChecked();
+  choices.chkRenOnStart = chkRenOnStart_->isChecked();
+  return choices;
+}
+
+void frmOptions::ShowCapabilities() {
+  const auto values = parts_.engine.Capabilities(cmbModemDev_->currentText().toStdString());
+  bool there = false;
+  for (std::size_t i = 0; i < capabilities_.size(); ++i) {
+    capabilities_[i]->setText(QString::fromStdString(values[i].second));
+    there = there || !values[i].second.empty();
+  }
+  const bool chosen = !cmbModemDev_->currentText().isEmpty();
+  no_device_->setText(there    ? QString()
+                      : chosen ? tr("There is no device of this name now.")
+                               : tr("No device is chosen."));
+}
+
+void frmOptions::ShowPasswordHint() {
+  const auto password = txtPass_->text();
+  if (password.isEmpty() && chkAllowRemoteAccess_->isChecked()) {
+    password_hint_->setText(tr("Without a password anyone who keys * hears the messages."));
+  } else if (!CanBeKeyed(password)) {
+    password_hint_->setText(tr("A telephone can key the digits 0 to 9 and # only."));
+  } else {
+    password_hint_->setText(tr("To be keyed while the greeting plays, followed by *"));
+  }
+}
+
+void frmOptions::OpenLines() {
+  parts_.open_lines();
+  const auto chosen = cmbModemDev_->currentText().toStdString();
+  FillList(*cmbModemDev_, parts_.engine.Devices());
+  ShowText(*cmbModemDev_, chosen);
+  ShowCapabilities();
+}
+
+void frmOptions::ShowLevel(std::optional<std::int32_t> level) {
+  meter_->ShowLevel(level);
+  if (!level) return meter_text_->setText(tr("A message that is being recorded shows its level here."));
+  const auto percent = QString::number(*level / kThousandthsPerPercent);
+  meter_text_->setText(*level > sldSilence_->value() * kThousandthsPerPercent
+                           ? tr("The caller now: %1 %, heard").arg(percent)
+                           : tr("The caller now: %1 %, silent").arg(percent));
+}
+
+void frmOptions::ShowSoundCards(const std::vector<std::string>& names) {
+  for (int i = 0; i < int(names.size()); ++i) {
+    const auto name = QString::fromStdString(names[std::size_t(i)]);
+    if (i == cmbSoundDev_->count()) cmbSoundDev_->addItem(name);
+    if (cmbSoundDev_->itemText(i) != name) cmbSoundDev_->setItemText(i, name);
+  }
+}
+
+void frmOptions::ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) {
+  const auto shown = QString::fromStdString(path);
+  if (txtMassagesPath_->text() != shown) txtMassagesPath_->setText(shown);
+  for (auto* button : {cmdBrowsMessagesPath_, cmdOK_, cmdCancel_}) button->setEnabled(!moving);
+  moving_->setText(moving ? tr("Moving the messages: %1 of %2").arg(moving->done).arg(moving->total)
+                          : QString());
+}
+
+void frmOptions::reject() {
+  if (cmdCancel_->isEnabled()) QDialog::reject();
+}
+
+void frmOptions::Ok() {
+  parts_.engine.Save(Choices());
+  accept();
+}
+
+}  // namespace orven

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QTabWidget>
+#include <functional>
+#include <vector>
+
+#include "options/frmOptionsGreetings.h"
+#include "options/frmOptionsLevel.h"
+#include "options/options_dialog.h"
+
+namespace orven {
+
+/// The options dialog. It shows what the engine loads and hands over what a person does; every control's
+/// object name is its name in this program. Modal to the main window only, so that calls go on. While
+/// messages are being moved it says so and stays. User-interface thread.
+class frmOptions : public QDialog, private OptionsView {
+  Q_OBJECT
+
+ public:
+  struct Parts {
+    OptionsDialog& engine;             ///< outlives the dialog
+    GreetingPlayer& greetings;         ///< outlives the dialog
+    std::function<void()> open_lines;  ///< lets a person change the telephone lines; empty: cannot be done
+  };
+
+  /// Opens on the tab with this 0-based index: General, Devices, Answer Mode, Advanced.
+  frmOptions(Parts parts, int tab, QWidget* parent);
+  ~frmOptions() override;
+  frmOptions(const frmOptions&) = delete;
+  frmOptions& operator=(const frmOptions&) = delete;
+
+  /// Not while messages are being moved.
+  void reject() override;
+
+ private:
+  QWidget* MakeGeneral();
+  QWidget* MakeMessagesFolder();
+  QWidget* MakeDevices();
+  QWidget* MakeCapabilities();
+  QWidget* MakeAnswerMode();
+  QWidget* MakeAdvanced();
+  QWidget* MakeSilence();
+  QWidget* MakeSilenceLevel();
+  QWidget* MakeRemoteAccess();
+  QWidget* MakeButtons();
+  QCheckBox* MakeCheck(const char* name, const QString& caption, const QString& tip);
+  QComboBox* MakeList(const char* name, const QString& purpose);
+  QComboBox* MakeNumber(const char* name, const QString& purpose, int least, int most);
+  QWidget* WithUnit(QWidget* field, const QString& unit);
+
+  void Connect();
+  void Fill(const OptionLists& lists);
+  void Show(const OptionChoices& choices);
+  OptionChoices Choices() const;
+  void ShowCapabilities();
+  void ShowPasswordHint();
+  void OpenLines();
+  void Ok();
+
+  void ShowLevel(std::optional<std::int32_t> level) override;
+  void ShowSoundCards(const std::vector<std::string>& names) override;
+  void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) override;
+
+  Parts parts_;
+  QTabWidget* TabStrip1_;
+
+  QCheckBox* chkRenOnStart_ = nullptr;
+  QCheckBox* chkQuickToolBar_ = nullptr;
+  QCheckBox* chkListMessagesOnly_ = nullptr;
+  QCheckBox* chkWornDelete_ = nullptr;
+  QCheckBox* chkWornClear_ = nullptr;
+  QLineEdit* txtMassagesPath_ = nullptr;
+  QPushButton* cmdBrowsMessagesPath_ = nullptr;
+  QLabel* moving_ = nullptr;
+
+  QComboBox* cmbModemDev_ = nullptr;
+  QComboBox* cmbSoundDev_ = nullptr;
+  QLabel* no_device_ = nullptr;
+  std::vector<QLabel*> capabilities_;  ///< the values, in the engine's order
+
+  QComboBox* txtNumOfRing_ = nullptr;
+  frmOptionsGreetings* greetings_ = nullptr;
+  QCheckBox* cmdRecordMessage_ = nullptr;
+  QComboBox* txtRecLong_ = nullptr;
+  QCheckBox* chkPreScreen_ = nullptr;
+  QCheckBox* chkCompress_ = nullptr;
+
+  QCheckBox* chkDropIfSilnce_ = nullptr;
+  QComboBox* cmbSilenceSec_ = nullptr;
+  QSlider* sldSilence_ = nullptr;
+  QLabel* silence_ = nullptr;
+  SilenceMeter* meter_ = nullptr;
+  QLabel* meter_text_ = nullptr;
+  QCheckBox* chkAllowRemoteAccess_ = nullptr;
+  QLineEdit* txtPass_ = nullptr;
+  QAction* show_password_ = nullptr;
+  QLabel* password_hint_ = nullptr;
+
+  QPushButton* cmdOK_ = nullptr;
+  QPushButton* cmdCancel_ = nullptr;
+};
+
+}  // namespace orven

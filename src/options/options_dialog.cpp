@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options/options_dialog.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/conversions.h"
+#include "core/native_path.h"
+#include "core/registry_values.h"
+
+namespace orven {
+namespace {
+
+using std::chrono_literals::operator""ms;
+
+constexpr int kMostRings = 20;
+
+/// A level that moves smoothly to the eye.
+constexpr auto kLevelInterval = 50ms;
+
+/// Sound cards are looked for anew every two seconds: that often one may be plugged in.
+constexpr int kTicksBetweenLooks = 40;
+
+/// Cards that are shown because one of them was chosen, though none has been seen since.
+constexpr std::int32_t kMostMissingCards = 64;
+
+/// Thousandths of full scale in one step of the slider.
+constexpr int kThousandthsPerStep = 10;
+
+constexpr const char* kAutostartName = "ORVEN";
+
+}  // namespace
+
+OptionsDialog::OptionsDialog(Parts parts)
+    : parts_(std::move(parts)), timer_(parts_.loop.MakeTimer([this] { LookAgain(); })) {}
+
+OptionLists OptionsDialog::Lists() {
+  const ErrorTrap trap(parts_.log, "ErrorLoadOptions->");
+  OptionLists lists;
+  for (int count = 1; count <= kMostRings; ++count) lists.txtNumOfRing.push_back(std::to_string(count));
+  lists.txtRecLong = {"1", "2", "5"};
+  lists.cmbSilenceSec = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
+  trap([&] { lists.cmbModemDev = Devices(); });
+  trap([&] { lists.cmbSoundDev = SoundCards(); });
+  return lists;
+}
+
+std::vector<std::string> OptionsDialog::Devices() const {
+  std::vector<std::string> names;
+  for (std::int32_t index = 0; index < parts_.Tapi1.GetNumDevs(); ++index) {
+    DeviceCapabilities capabilities;
+    parts_.Tapi1.GetDevCaps(index, capabilities);
+    names.push_back(capabilities.device_name);
+  }
+  return names;
+}
+
+/// The place of a card in the list is its number, so one that is not known has to have a place.
+std::vector<std::string> OptionsDialog::SoundCards() {
+  auto names = parts_.cards.Names();
+  const auto chosen = parts_.settings.Sound;
+  while (chosen < kMostMissingCards && ToCount(names.size()) <= chosen) {
+    names.push_back("Sound card " + std::to_string(names.size()) + " (not there now)");
+  }
+  return names;
+}
+
+std::string OptionsDialog::Value(const char* name) {
+  return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, name);
+}
+
+bool OptionsDialog::Flag(const char* name) {
+  return ToInt16(Value(name)) != 0;
+}
+
+std::string OptionsDialog::NumberText(const char* name) {
+  auto text = Value(name);
+  ToInt32(text);  // throws where there is none to show
+  return text;
+}
+
+OptionChoices OptionsDialog::Load() {
+  const ErrorTrap trap(parts_.log, "ErrGetOptions->");
+  OptionChoices choices;
+  trap([&] {
+    choices.chkRenOnStart =
+        GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kAutostartKey, kAutostartName) != kNotFound;
+  });
+  trap([&] { choices.cmbSilenceSec = NumberText("SecSilence"); });
+  trap([&] { choices.chkDropIfSilnce = Flag("cDropSilence"); });
+  trap([&] {
+    const auto steps = std::nearbyint(double(ToInt16(Value("ValSilence"))) / kThousandthsPerStep);
+    choices.sldSilence = std::clamp(static_cast<std::int32_t>(steps), 0, kLoudestSilence);
+  });
+  choices.txtMassagesPath = parts_.shared.messages_path;
+  trap([&] { choices.cmdRecordMessage = Flag("RecordMessage"); });
+  trap([&] { choices.txtNumOfRing = NumberText("NumOfRing"); });
+  trap([&] { choices.txtRecLong = NumberText("MaxRec"); });
+  trap([&] { choices.txtPass = Value("Pass"); });
+  trap([&] { choices.chkWornDelete = Flag("WornDelete"); });
+  trap([&] { choices.chkWornClear = Flag("WornClear"); });
+  trap([&] { choices.chkListMessagesOnly = Flag("ListMessageOnly"); });
+  trap([&] { choices.chkPreScreen = Flag("PreScreen"); });
+  trap([&] { choices.cmbModemDev = Value("ModemName"); });
+  trap([&] { choices.cmbSoundDev = ToInt32(Value("Sound")); });
+  trap([&] { choices.CmbGreetsMessages = Value("Greeting"); });
+  trap([&] { choices.chkAllowRemoteAccess = Flag("AllowRemoteAccess"); });
+  trap([&] { choices.chkCompress = Flag("CompressMessages"); });
+  trap([&] { choices.chkQuickToolBar = Flag("pQuickToolbar"); });
+  return choices;
+}
+
+std::vector<std::pair<std::string, std::string>> OptionsDialog::Capabilities(
+    const std::string& device) const {
+  const auto index = parts_.line.FindByName(device);
+  const bool there = index >= 0;
+  DeviceCapabilities capabilities;
+  if (there) parts_.Tapi1.GetDevCaps(index, capabilities);
+  const auto flag = [there](bool on) { return std::string(!there ? "" : on ? "Yes" : "No"); };
+  return {{"Device Name:", capabilities.device_name},
+          {"Max Rate: ", there ? std::to_string(capabilities.max_rate) + " bit/s" : ""},
+          {"Support CallerID: ", flag(capabilities.caller_id)},
+          {"Support Monitor Digits: ", flag(capabilities.monitor_digits)},
+          {"Support Generate Digits: ", flag(capabilities.generate_digits)},
+          {"Data Mode:", flag(capabilities.data_mode)},
+          {"Interactivevoice:", flag(capabilities.interactive_voice)},
+          {"Auto Voice:", flag(capabilities.automated_voice)}};
+}
+
+void OptionsDialog::Watch(OptionsView* view) {
+  view_ = view;
+  ticks_ = 0;
+  view != nullptr ? timer_->Start(kLevelInterval) : timer_->Stop();
+}
+
+void OptionsDialog::LookAgain() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { view_->ShowLevel(parts_.line_level()); });
+  trap([&] { view_->ShowMessagesPath(parts_.shared.messages_path, parts_.calls.Relocating()); });
+  if (++ticks_ % kTicksBetweenLooks == 0) trap([&] { view_->ShowSoundCards(SoundCards()); });
+}
+
+void OptionsDialog::BrowsMessagesPath() {
+  const ErrorTrap trap(parts_.log, "ErrcmdBrowsMessagesPath ");
+  std::string path;
+  trap([&] { path = parts_.dialogs.BrowseFolder("Save Messages To"); });
+  if (path.empty()) return;
+  const auto separator = NativePath("\\");
+  if (!path.ends_with(separator)) path += separator;
+  const auto store = [this_store = &parts_.store](const std::string& folder) {
+    this_store->Set("MassagesPath", folder);
+  };
+  trap([&] {
+    if (path == parts_.shared.messages_path) return store(path);
+    // The store may have to go on when this dialog is closed.
+    parts_.calls.RelocateMessages(path, store);
+  });
+}
+
+void OptionsDialog::Put(Values& values, const char* name, const std::string& text) {
+  const auto& schema = SettingsSchema();
+  const auto row = std::ranges::find(schema, std::string_view(name), &SettingDefinition::name);
+  struct Assign {
+    Settings& settings;
+    const std::string& text;
+    void operator()(std::int16_t Settings::*field) const { settings.*field = ToInt16(text); }
+    void operator()(std::int32_t Settings::*field) const { settings.*field = ToInt32(text); }
+    void operator()(std::string Settings::*field) const { settings.*field = text; }
+  };
+  const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
+  trap([&] {
+    std::visit(Assign{parts_.settings, text}, row->field);
+    values.push_back(RegString(name, text));
+  });
+}
+
+void OptionsDialog::Collect(const OptionChoices& choices, Values& values) {
+  const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
+  Put(values, "SecSilence", choices.cmbSilenceSec);
+  Put(values, "cDropSilence", choices.chkDropIfSilnce);
+  Put(values, "ValSilence", std::to_string(std::int64_t{choices.sldSilence} * kThousandthsPerStep));
+  Put(values, "WornDelete", choices.chkWornDelete);
+  Put(values, "WornClear", choices.chkWornClear);
+  Put(values, "ListMessageOnly", choices.chkListMessagesOnly);
+  trap([&] { Put(values, "Modem", std::to_string(parts_.line.FindByName(choices.cmbModemDev))); });
+  Put(values, "PreScreen", choices.chkPreScreen);
+  Put(values, "ModemName", choices.cmbModemDev);
+  // Without a choice the card, and the greeting, stay what they are.
+  if (choices.cmbSoundDev >= 0) Put(values, "Sound", std::to_string(choices.cmbSoundDev));
+  Put(values, "RecordMessage", choices.cmdRecordMessage);
+  if (!choices.CmbGreetsMessages.empty()) Put(values, "Greeting", choices.CmbGreetsMessages);
+  Put(values, "NumOfRing", choices.txtNumOfRing);
+  Put(values, "MaxRec", choices.txtRecLong);
+  Put(values, "AllowRemoteAccess", choices.chkAllowRemoteAccess);
+  Put(values, "Pass", choices.txtPass);
+  Put(values, "CompressMessages", choices.chkCompress);
+  Put(values, "pQuickToolbar", choices.chkQuickToolBar);
+}
+
+void OptionsDialog::Save(const OptionChoices& choices) {
+  const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
+  trap([&] { parts_.fill_greetings(choices.CmbGreetsMessages); });
+  Values values;
+  Collect(choices, values);
+  bool stored = false;
+  // All in one go: a crash leaves the old options or the new ones, and a slow disk is waited for once.
+  trap([&] { stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values); });
+  parts_.store.ShareOptions(trap);
+  trap([&] { StoreAutostart(choices.chkRenOnStart); });
+  trap([&] { parts_.show_in_main(); });
+  if (stored) return;
+  trap([&] {
+    parts_.dialogs.Information(
+        "The options could not be stored. They hold until the program ends; the system log tells more.");
+  });
+}
+
+void OptionsDialog::StoreAutostart(bool on) {
+  constexpr auto kRoot = RegistryRoot::LocalMachine;
+  if (on) {
+    SetRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName, kRegString,
+                parts_.shared.InApplicationFolder("\\ORVEN.exe -st"));
+  } else {
+    DeleteRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName);
+  }
+}
+
+}  // namespace orven

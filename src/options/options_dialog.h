@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/error_trap.h"
+#include "core/settings_store.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "platform/registry.h"
+#include "platform/sound_card_names.h"
+#include "platform/telephony.h"
+#include "records/call_store.h"
+#include "telephony/line_manager.h"
+
+namespace orven {
+
+/// The state of every control of the options dialog, under the controls' names. A number's text stays a
+/// text: what is no number is a matter of storing it.
+struct OptionChoices {
+  std::string cmbSilenceSec;  ///< seconds
+  bool chkDropIfSilnce = false;
+  std::int32_t sldSilence = 0;  ///< 0 to kLoudestSilence, in hundredths of full scale
+  std::string txtMassagesPath;  ///< shown only
+  bool cmdRecordMessage = false;
+  std::string txtNumOfRing;
+  std::string txtRecLong;  ///< minutes
+  std::string txtPass;
+  bool chkWornDelete = false;
+  bool chkWornClear = false;
+  bool chkListMessagesOnly = false;
+  bool chkPreScreen = false;
+  std::string cmbModemDev;        ///< a device's name, whether there is such a device or not
+  std::int32_t cmbSoundDev = -1;  ///< a card's number; -1 for none
+  std::string CmbGreetsMessages;  ///< a greeting's name; empty for none
+  bool chkAllowRemoteAccess = false;
+  bool chkCompress = false;
+  bool chkQuickToolBar = false;
+  bool chkRenOnStart = false;
+};
+
+/// What the lists of the dialog offer.
+struct OptionLists {
+  std::vector<std::string> txtNumOfRing;
+  std::vector<std::string> txtRecLong;
+  std::vector<std::string> cmbSilenceSec;
+  std::vector<std::string> cmbModemDev;  ///< in device-index order
+  std::vector<std::string> cmbSoundDev;  ///< in the order of the cards' numbers
+};
+
+inline constexpr std::int32_t kLoudestSilence = 100;
+
+/// Longest message in minutes whose seconds fit into 16 bits.
+inline constexpr std::int32_t kLongestMessage = 546;
+
+/// What changes in the dialog by itself while it is open.
+class OptionsView {
+ public:
+  virtual ~OptionsView() = default;
+  /// How loud the call is whose message is being recorded, in thousandths of full scale; nothing while none
+  /// is recorded.
+  virtual void ShowLevel(std::optional<std::int32_t> level) = 0;
+  /// The list `cmbSoundDev`: cards keep their places, new ones come at the end.
+  virtual void ShowSoundCards(const std::vector<std::string>& names) = 0;
+  /// Where messages are kept, and how far they have been moved; nothing when none are being moved.
+  virtual void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) = 0;
+};
+
+/// What the options dialog does: shows what is stored, stores what was chosen, and moves the messages to
+/// another folder. User-interface thread.
+class OptionsDialog {
+ public:
+  struct Parts {
+    EventLoop& loop;
+    Registry& registry;
+    SystemLog& log;
+    Dialogs& dialogs;
+    TelephonyControl& Tapi1;
+    SoundCardNames& cards;
+    SettingsStore& store;
+    Settings& settings;  ///< the main window's, which the next call uses
+    SharedOptions& shared;
+    const LineManager& line;
+    CallStore& calls;
+    std::function<std::optional<std::int32_t>()> line_level;          ///< as ShowLevel takes it
+    std::function<void(const std::string& greeting)> fill_greetings;  ///< of the main window's box
+    std::function<void()> show_in_main;  ///< brings the main window's boxes and layout up to date
+  };
+
+  explicit OptionsDialog(Parts parts);
+
+  /// What the lists offer when the dialog opens.
+  OptionLists Lists();
+
+  /// What the controls show when the dialog opens. A value that cannot be read or converted is logged, and
+  /// its control stays empty.
+  OptionChoices Load();
+
+  /// The names of the telephony devices as they are now.
+  std::vector<std::string> Devices() const;
+
+  /// What a device can do, as labels with their values; the values are empty when there is no such device.
+  std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
+
+  /// Tells `view` from now on what changes by itself; nullptr when the dialog closes.
+  void Watch(OptionsView* view);
+
+  /// `cmdBrowsMessagesPath`: asks for a folder and begins to move the messages there.
+  void BrowsMessagesPath();
+
+  /// `cmdOK`: stores everything, and the next call uses it. What is no number is logged and keeps its
+  /// former value. An open line stays as it is.
+  void Save(const OptionChoices& choices);
+
+ private:
+  using Values = std::vector<NamedRegistryValue>;
+
+  std::string Value(const char* name);
+  bool Flag(const char* name);
+  std::string NumberText(const char* name);
+  std::vector<std::string> SoundCards();
+  void LookAgain();
+  void Collect(const OptionChoices& choices, Values& values);
+  void Put(Values& values, const char* name, const std::string& text);
+  void Put(Values& values, const char* name, bool on) { Put(values, name, std::string(on ? "1" : "0")); }
+  void StoreAutostart(bool on);
+
+  Parts parts_;
+  std::unique_ptr<Timer> timer_;  ///< runs while somebody watches
+  OptionsView* view_ = nullptr;
+  int ticks_ = 0;
+};
+
+}  // namespace orven
