@@ -23,6 +23,7 @@ struct TelephoneLine {
   std::string password;
   std::string transport = "udp";  ///< towards the server: udp, tcp or tls
   std::string srtp;               ///< yes, no, or empty: yes with tls
+  std::string tls_trust;          ///< PEM file of certificates the server may show; empty: the system's
   int ring_seconds = 6;           ///< 1 to 60, between Ring events
 
   std::string port;    ///< kind Modem: the serial device

@@ -27,6 +27,7 @@ constexpr std::array kSipFields{
     Field{"password", LineField::Password, "The password", &TelephoneLine::password},
     Field{"transport", LineField::Transport, "The transport", &TelephoneLine::transport},
     Field{"srtp", LineField::Transport, "The encryption of the sound", &TelephoneLine::srtp},
+    Field{"tls_trust", LineField::Transport, "The trusted certificates' path", &TelephoneLine::tls_trust},
 };
 constexpr std::array kModemFields{Field{"port", LineField::Port, "The port", &TelephoneLine::port}};
 constexpr std::array kSimFields{Field{"script", LineField::Script, "The script", &TelephoneLine::script}};

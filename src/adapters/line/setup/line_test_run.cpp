@@ -26,13 +26,14 @@ void LineTestRun::Start(Work work, TelephoneLines::TestDone done) {
   Cancel();
   Forget(true);
   const auto run = std::make_shared<Run>();
-  run->thread = std::thread([this, run, work = std::move(work), done = std::move(done)] {
+  run->thread.reset(QThread::create([this, run, work = std::move(work), done = std::move(done)] {
     const auto result = Outcome(work, run->cancelled);
     loop_.Post(lifeline_.Bind([run, done, result] {
       if (!run->cancelled) done(result);
     }));
     run->finished = true;
-  });
+  }));
+  run->thread->start();
   runs_.push_back(run);
 }
 
@@ -43,7 +44,8 @@ void LineTestRun::Cancel() {
 void LineTestRun::Forget(bool finished_only) {
   std::erase_if(runs_, [finished_only](const std::shared_ptr<Run>& run) {
     if (finished_only && !run->finished) return false;
-    run->thread.join();
+    run->thread->wait();
+    run->thread.reset();  // its work holds the run
     return true;
   });
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QThread>
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <thread>
 #include <vector>
 
 #include "platform/event_loop.h"
@@ -37,7 +37,7 @@ class LineTestRun {
   struct Run {
     std::atomic<bool> cancelled = false;
     std::atomic<bool> finished = false;
-    std::thread thread;
+    std::unique_ptr<QThread> thread;  ///< Qt's serial ports want one of Qt's
   };
 
   void Forget(bool finished_only);

@@ -21,6 +21,9 @@ using State = RegistrationNews::State;
 
 constexpr milliseconds kLookForCancel{50};
 
+/// RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
+constexpr const char* kTlsPort = " The port for TLS is often 5061.";
+
 /// A caller who meets the test is not answered; the farewell turns him away.
 class NoEvents final : public LineDriverEvents {
   void Offered(CallNumber /*call*/) override {}
@@ -117,8 +120,9 @@ std::string NetworkWords(const TelephoneLine& line, const RegistrationNews& news
     default: break;
   }
   if (line.transport == "tls") {
-    return "No encrypted connection to " + line.server + " comes about (" + news.reason +
-           "): its port for TLS is often 5061.";
+    const bool certificate = news.reason.find("certificate") != std::string::npos;
+    return "No encrypted connection to " + line.server + " comes about (" + news.reason + ")." +
+           (certificate ? "" : kTlsPort);
   }
   return "The server " + line.server + " cannot be reached (" + news.reason + ").";
 }
@@ -128,7 +132,8 @@ LineTestResult ResultOf(const TelephoneLine& line, const std::optional<Registrat
   if (!news) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
     return {false, "There is no answer from " + line.server + " within " + std::to_string(seconds) +
-                       " s: the server's name, its port, the transport or the network may be wrong."};
+                       " s: the server's name, its port, the transport or the network may be wrong." +
+                       (line.transport == "tls" ? kTlsPort : "")};
   }
   if (news->state == State::Registered) {
     return {true, "The server " + line.server + " accepts the account " + line.user + "."};
@@ -162,6 +167,7 @@ LineTestResult TestSipLine(const TelephoneLine& line, const SipTestOptions& opti
   settings.auth_user = line.auth_user;
   settings.password = line.password;
   settings.transport = line.transport;
+  settings.tls_trust = line.tls_trust;
   settings.register_nothing = options.registered_now;
   settings.registration_news = [&outcome](const RegistrationNews& news) { outcome.Take(news); };
   settings.timers.registration_life = std::chrono::seconds(60);

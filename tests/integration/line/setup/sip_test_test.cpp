@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The test of a SIP line, and what the list says of one, against a real registrar.
+#include <gmock/gmock.h>
+
+#include "adapters/line/service/line_service.h"
+#include "adapters/line/setup/file_telephone_lines.h"
+#include "adapters/line/setup/sip_line_test.h"
+#include "adapters/line/sip/sip_line.h"
+#include "integration/line/setup/registrar.h"
+#include "integration/line/setup/waiting_loop.h"
+#include "integration/line/sip/network.h"
+
+namespace orven::test {
+namespace {
+
+using testing::HasSubstr;
+
+class SipLineTestRun : public testing::Test {
+ protected:
+  static TelephoneLine Account(std::uint16_t server_port) {
+    TelephoneLine line;
+    line.name = "Home";
+    line.listen = "127.0.0.1:" + std::to_string(FreePort());
+    line.server = "127.0.0.1:" + std::to_string(server_port);
+    line.user = "100";
+    line.password = "secret";
+    return line;
+  }
+  LineTestResult Result(const TelephoneLine& line) {
+    std::optional<LineTestResult> result;
+    lines.Test(line, [&](const LineTestResult& told) { result = told; });
+    EXPECT_TRUE(loop.RunUntil([&] { return result.has_value(); }));
+    return result.value_or(LineTestResult{});
+  }
+
+  ScratchFolder folder;
+  WaitingLoop loop;
+  LineStates states;
+  LineService service{loop, {}};
+  FileTelephoneLines lines{folder / "lines.ini", loop, service, states};
+};
+
+TEST_F(SipLineTestRun, TellsRightFromWrongLogins) {
+  const Registrar registrar;
+  auto line = Account(registrar.Port());
+  for (const char* transport : {"udp", "tcp"}) {
+    line.transport = transport;
+    const auto right = Result(line);
+    EXPECT_TRUE(right.passed) << right.text;
+    EXPECT_THAT(right.text, HasSubstr("accepts the account 100"));
+    line.password = "wrong";
+    const auto wrong = Result(line);
+    EXPECT_FALSE(wrong.passed);
+    EXPECT_THAT(wrong.text, HasSubstr("password is wrong"));
+    EXPECT_THAT(wrong.text, testing::Not(HasSubstr("\"wrong\""))) << "no text quotes a password";
+    line.password = "secret";
+  }
+  line.auth_user = "101";
+  EXPECT_THAT(Result(line).text, HasSubstr("the user \"101\""));
+  line.auth_user.clear();
+  line.transport = "tls";
+  const std::atomic<bool> never = false;
+  const auto plain = TestSipLine(line, {.patience = milliseconds(500)}, never);
+  EXPECT_FALSE(plain.passed);
+  EXPECT_THAT(plain.text, HasSubstr("often 5061"));
+}
+
+TEST_F(SipLineTestRun, NamesAServerThatIsNotThere) {
+  auto line = Account(FreePort());
+  line.transport = "tcp";
+  EXPECT_THAT(Result(line).text, HasSubstr("is refused"));
+  line.server = "no-such-host.invalid";
+  EXPECT_THAT(Result(line).text, HasSubstr("no-such-host.invalid"));
+  line.listen = "192.0.2.1:5060";
+  EXPECT_THAT(Result(line).text, HasSubstr("none of this computer's"));
+}
+
+TEST_F(SipLineTestRun, AServerThatIsSilentIsNamedAndTheTestCanBeStopped) {
+  const auto silent = Socket::Udp();
+  const auto line = Account(silent.Port());
+  const std::atomic<bool> never = false;
+  const auto result = TestSipLine(line, {.patience = milliseconds(300)}, never);
+  EXPECT_FALSE(result.passed);
+  EXPECT_THAT(result.text, HasSubstr("no answer"));
+  EXPECT_NE(silent.ReceiveText(milliseconds(5000)), "") << "nobody was asked";
+  bool told = false;
+  lines.Test(line, [&](const LineTestResult&) { told = true; });
+  EXPECT_NE(silent.ReceiveText(milliseconds(5000)), "");
+  lines.CancelTest();
+  std::optional<LineTestResult> next;
+  TelephoneLine sim;
+  sim.kind = LineKind::Sim;
+  lines.Test(sim, [&](const LineTestResult& second) { next = second; });
+  EXPECT_TRUE(loop.RunUntil([&] { return next.has_value(); }));
+  EXPECT_FALSE(told);
+}
+
+TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
+  const Registrar registrar;
+  auto line = Account(registrar.Port());
+  lines.Store({line});
+  const auto section = ReadLines(folder / "lines.ini").sections.at(0);
+  std::vector<std::unique_ptr<LineDriver>> drivers;
+  SipLineSettings settings;
+  settings.listen = line.listen;
+  settings.account = "sip:100@" + line.server;
+  settings.password = "wrong";
+  settings.timers.registration_retry_first = settings.timers.registration_retry_longest = milliseconds(50);
+  settings.registration_news = [state = states.Add(section)](const RegistrationNews& news) {
+    state->Take(news);
+  };
+  drivers.push_back(MakeSipLine(settings));
+  ASSERT_TRUE(service.Replace(std::move(drivers)));
+  EXPECT_EQ(lines.State(line), "Off");
+  ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+  const auto shows = [&](const char* text) {
+    return loop.RunUntil([&] { return lines.State(line).find(text) != std::string::npos; });
+  };
+  EXPECT_TRUE(shows("Registration failed: 401"));
+  service.LineClose(0);
+  settings.password = "secret";
+  drivers.clear();
+  drivers.push_back(MakeSipLine(settings));
+  ASSERT_TRUE(service.Replace(std::move(drivers)));
+  ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+  EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
+  EXPECT_TRUE(shows("Registered"));
+  EXPECT_TRUE(Result(line).passed);
+  line.password = "wrong";
+  EXPECT_FALSE(Result(line).passed) << "the password on test is another one";
+  EXPECT_EQ(lines.State(line), "Not in use yet");
+  service.LineClose(0);
+}
+
+}  // namespace
+}  // namespace orven::test
