@@ -92,6 +92,9 @@ constexpr std::array kSipKeys{
     LineKey{"password", IsText, "a password", false, true},
     LineKey{"transport", IsTransport, "udp, tcp or tls"},
     LineKey{"srtp", IsYesOrNo, "yes or no"},
+    LineKey{"tls_trust", IsText, "the path of a PEM file with certificates"},
+    LineKey{"tls_listen", IsListen, "an IPv4 address and a port, for example 0.0.0.0:5061"},
+    LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
 };
 constexpr std::array kModemKeys{

@@ -18,6 +18,9 @@ namespace orven {
 ///                  password
 ///                  transport     udp, tcp or tls
 ///                  srtp          yes or no
+///                  tls_trust     path of a PEM file
+///                  tls_listen    as listen
+///                  tls_certificate  path of a PEM file
 ///                  ring_seconds  seconds between Ring events, 1 to 60, decimals allowed
 ///   type = modem   port          the serial device; always there
 ///   type = sim     script        path of a script

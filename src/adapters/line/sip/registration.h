@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "adapters/line/sip/libre.h"
@@ -14,8 +15,9 @@ namespace orven {
 /// before a registration ends, and after a failure with growing waits. SIP thread.
 class Registration {
  public:
-  /// `settings.account` must be a usable SIP address; see AccountProblem.
-  Registration(sip& stack, const SipLineSettings& settings);
+  /// `settings.account` must be a usable SIP address; see AccountProblem. `refusal` tells why the latest
+  /// server did not prove who it is; empty when it did, or need not.
+  Registration(sip& stack, const SipLineSettings& settings, std::function<std::string()> refusal);
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
   ~Registration();
@@ -35,6 +37,7 @@ class Registration {
 
   sip& stack_;
   const SipLineSettings& settings_;
+  const std::function<std::string()> refusal_;
   LibrePtr<sip_auth> auth_;
   LibrePtr<sip_dialog> dialog_;
   sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
@@ -50,6 +53,9 @@ class Registration {
 
 /// What is wrong with the account of `settings`, for the log; empty when nothing is.
 std::string AccountProblem(const SipLineSettings& settings);
+
+/// The host part of the account: a name or an address. There must be an account.
+std::string ServerHost(const SipLineSettings& settings);
 
 /// The user part of the account, or "orven" without one.
 std::string ContactUser(const SipLineSettings& settings);

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_agent.h"
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exception>
 #include <utility>
 
-#include "adapters/line/sip/listen_addresses.h"
 #include "adapters/line/sip/sip_requests.h"
 
 namespace orven {
@@ -18,11 +15,6 @@ constexpr std::uint32_t kBuckets = 32;
 
 /// A line must be closed within 2 s whatever the network does.
 constexpr std::chrono::milliseconds kLongestFarewell{1'500};
-
-/// A line on every address looks for new ones so often: a network that comes up, an address that changes.
-constexpr std::chrono::seconds kAddressWatch{10};
-
-constexpr const char* kCertificateAuthorities = "/etc/ssl/certs/ca-certificates.crt";
 
 SipAgent& Self(void* agent) {
   return *static_cast<SipAgent*>(agent);
@@ -41,11 +33,9 @@ LibrePtr<dnsc> NameResolver() {
 }  // namespace
 
 SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events)
-    : settings_(settings),
-      audio_(audio),
-      events_(events),
-      close_timer_([this] { Finish(); }),
-      address_timer_([this] { (void)AddNewAddresses(); }) {}
+    : settings_(settings), audio_(audio), events_(events), transports_(settings), close_timer_([this] {
+        Finish();
+      }) {}
 
 SipAgent::~SipAgent() {
   done_ = nullptr;
@@ -53,6 +43,7 @@ SipAgent::~SipAgent() {
   call_.reset();
   registration_.reset();
   sipsess_close_all(sessions_.get());
+  transports_.Stop();
   sip_close(stack_.get(), true);
   sessions_.reset();
 }
@@ -65,24 +56,22 @@ std::optional<OpenFailure> SipAgent::Start() {
   surroundings_.emplace(
       CallSurroundings{stack_.get(), sessions_.get(), settings_, audio_, events_, ContactUser(settings_)});
   if (!settings_.account.empty()) {
-    registration_ = std::make_unique<Registration>(*stack_, settings_);
+    registration_ =
+        std::make_unique<Registration>(*stack_, settings_, [this] { return transports_.ServerRefusal(); });
     registration_->Start();
   }
   return std::nullopt;
 }
 
 std::optional<OpenFailure> SipAgent::Listen() {
-  listen_ = ParseListenAddress(settings_.listen);
-  if (!listen_) {
-    return OpenFailure{kTelephonyDeviceFailed, "listen address \"" + settings_.listen +
-                                                   "\" is no address and port like 127.0.0.1:5060"};
-  }
   sip* stack = nullptr;
   int error = sip_alloc(
       &stack, NameResolver().get(), kBuckets, kBuckets, kBuckets, kSoftware,
       [](void* self) { Self(self).Finish(); }, this);
   stack_.reset(stack);
-  if (error == 0) error = AddTransports();
+  if (error == 0) {
+    if (auto failure = transports_.Start(*stack)) return failure;
+  }
   // The order matters: what is unsound is out before the sessions see it, what they leave comes last.
   if (error == 0) {
     error = sip_listen(
@@ -110,41 +99,7 @@ std::optional<OpenFailure> SipAgent::Listen() {
     error = sip_listen(
         nullptr, stack, false, [](const sip_msg*, void*) { return true; }, this);
   if (error == 0) return std::nullopt;
-  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                     "cannot listen on " + settings_.listen + ": " + ErrorWords(error)};
-}
-
-int SipAgent::AddTransports() {
-  int error = AddNewAddresses();
-  if (error == 0 && listening_.empty()) error = EADDRNOTAVAIL;
-  if (error == 0 && !settings_.account.empty() && settings_.transport == "tls")
-    error = AddTls(listening_.front());
-  if (error == 0 && sa_is_any(&*listen_)) address_timer_.StartPeriodic(kAddressWatch);
-  return error;
-}
-
-int SipAgent::AddNewAddresses() {
-  for (const sa& address : ExpandListenAddress(*listen_)) {
-    const bool known = std::any_of(listening_.begin(), listening_.end(),
-                                   [&address](const sa& one) { return sa_cmp(&one, &address, SA_ALL); });
-    if (known) continue;
-    int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
-    if (error == 0) error = sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
-    if (error != 0) return error;
-    listening_.push_back(address);
-  }
-  return 0;
-}
-
-/// Only to reach the account's server: the port is any free one, and nobody is told of it.
-int SipAgent::AddTls(const sa& address) {
-  sa local = address;
-  sa_set_port(&local, 0);
-  tls* raw = nullptr;
-  if (const int error = tls_alloc(&raw, TLS_METHOD_SSLV23, nullptr, nullptr)) return error;
-  const LibrePtr<tls> context(raw);
-  (void)tls_add_ca(raw, kCertificateAuthorities);
-  return sip_transp_add(stack_.get(), SIP_TRANSP_TLS, &local, raw);
+  return OpenFailure{kTelephonyDeviceFailed, "SIP cannot begin: " + ErrorWords(error)};
 }
 
 void SipAgent::TakeInvite(const sip_msg& invite) {

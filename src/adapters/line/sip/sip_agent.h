@@ -5,23 +5,16 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "adapters/line/sip/descriptor_reserve.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/registration.h"
 #include "adapters/line/sip/sip_call.h"
 #include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/sip_transports.h"
 #include "adapters/line/sip/steady_timer.h"
 
 namespace orven {
-
-/// Why a line could not be opened.
-struct OpenFailure {
-  std::int32_t result;  ///< a negative TelephonyResult
-  std::string reason;
-};
 
 /// An open line's SIP side: listens, answers what is no call, and has at most one call. SIP thread.
 class SipAgent {
@@ -44,10 +37,6 @@ class SipAgent {
 
  private:
   std::optional<OpenFailure> Listen();
-  int AddTransports();
-  int AddNewAddresses();
-  int AddTls(const sa& address);
-
   void TakeInvite(const sip_msg& invite);
   SipCall* Find(CallNumber number) const;
   void Finish();
@@ -55,10 +44,9 @@ class SipAgent {
   const SipLineSettings& settings_;
   LineAudio& audio_;
   LineDriverEvents& events_;
+  SipTransports transports_;
   LibrePtr<sip> stack_;
   LibrePtr<sipsess_sock> sessions_;
-  std::optional<sa> listen_;   ///< as configured
-  std::vector<sa> listening_;  ///< what that means
   std::optional<CallSurroundings> surroundings_;
   std::unique_ptr<Registration> registration_;
   std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one, its descriptors still held
@@ -66,7 +54,6 @@ class SipAgent {
   CallNumber calls_ = 0;
   bool closing_ = false;
   SteadyTimer close_timer_;
-  SteadyTimer address_timer_;
   std::function<void()> done_;
 };
 

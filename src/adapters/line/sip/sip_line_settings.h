@@ -54,7 +54,11 @@ struct SipLineSettings {
   std::string password;
   std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
   std::optional<SrtpUse> srtp;    ///< absent: required where `transport` is tls, else if offered
-  int ring_seconds = 6;           ///< 1 or more; seconds between Ring events
+  std::string tls_trust;          ///< PEM file of certificates that the server may show; empty: the system's
+  std::string tls_listen;         ///< address and port for calls by TLS, or empty; not with transport tls
+  std::string tls_certificate;    ///< PEM file with certificate and private key for tls_listen, or empty:
+  std::string tls_made_certificate;  ///< another such file, which is made where there is none
+  int ring_seconds = 6;              ///< 1 or more; seconds between Ring events
   /// Takes one sentence for the log when the registration fails and when it works again. SIP thread;
   /// must not block.
   std::function<void(const std::string&)> report = [](const std::string&) {};

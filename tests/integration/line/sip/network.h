@@ -74,6 +74,8 @@ class Socket {
   Socket Accept() const {
     return Socket(Ready(std::chrono::seconds(10)) ? ::accept(fd_, nullptr, nullptr) : -1);
   }
+  /// Stays this socket's.
+  int Fd() const { return fd_; }
   void Close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;

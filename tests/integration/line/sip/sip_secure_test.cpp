@@ -264,13 +264,28 @@ TEST_F(SipSecureTest, OffersEncryptionItselfWhereItMust) {
   HangUp(caller);
 }
 
-/// How baresip encrypts.
-class SipSecurePeerTest : public SipPeersTest, public ::testing::WithParamInterface<const char*> {
+/// How baresip calls.
+struct Way {
+  const char* name;
+  const char* encryption;
+  bool by_tls;
+};
+
+class SipSecurePeerTest : public SipPeersTest, public ::testing::WithParamInterface<Way> {
  protected:
   void SetUp() override {
     if (!std::filesystem::exists("/usr/lib/baresip/modules/srtp.so"))
       GTEST_SKIP() << "baresip is not installed";
     PutFile(folder / "spoken.wav", Wave(spoken));
+    settings.srtp = SrtpUse::kRequired;
+    settings.tls_listen = "127.0.0.1:" + std::to_string(tls_port);
+    settings.tls_made_certificate = folder / "made.pem";
+    OpenLine();
+  }
+
+  std::string Callee() const {
+    return "sip:line@127.0.0.1:" +
+           (GetParam().by_tls ? std::to_string(tls_port) + ";transport=tls" : std::to_string(port));
   }
 
   /// Baresip, told by its control socket, presses a key.
@@ -293,10 +308,11 @@ class SipSecurePeerTest : public SipPeersTest, public ::testing::WithParamInterf
     return heard_;
   }
 
+  const std::uint16_t tls_port = FreePort();
   const std::uint16_t control = FreePort();
   const std::string config =
-      "module srtp.so\nmodule sndfile.so\nsnd_path " + (folder / "") +
-      "\nmodule_app ctrl_tcp.so\nctrl_tcp_listen 127.0.0.1:" + std::to_string(control) + "\n";
+      "sip_certificate " + (folder / "made.pem") + "\nmodule srtp.so\nmodule sndfile.so\nsnd_path " +
+      (folder / "") + "\nmodule_app ctrl_tcp.so\nctrl_tcp_listen 127.0.0.1:" + std::to_string(control) + "\n";
   const Samples spoken = Decode(Codec::kMuLaw, NoiseBytes(150, 6));
   const Samples greeting = Decode(Codec::kMuLaw, NoiseBytes(50, 7));
 
@@ -305,10 +321,10 @@ class SipSecurePeerTest : public SipPeersTest, public ::testing::WithParamInterf
 };
 
 TEST_P(SipSecurePeerTest, BaresipSpeaksPressesAKeyAndHearsEncrypted) {
-  settings.srtp = SrtpUse::kRequired;
-  OpenLine();
-  std::jthread baresip = RunBaresip("sip:line@127.0.0.1:" + std::to_string(port),
-                                    std::string(";dtmfmode=rtpevent;mediaenc=") + GetParam(), config);
+  const Socket stranger = Socket::TcpTo(tls_port);
+  stranger.Send("OPTIONS sip:line@127.0.0.1 SIP/2.0\r\n\r\n");  // does not even speak TLS
+  std::jthread baresip =
+      RunBaresip(Callee(), std::string(";dtmfmode=rtpevent;mediaenc=") + GetParam().encryption, config);
   GivenSound played(greeting);
   Answer();
   ASSERT_EQ(line->Audio().StartPlay(played), 0);
@@ -318,12 +334,17 @@ TEST_P(SipSecurePeerTest, BaresipSpeaksPressesAKeyAndHearsEncrypted) {
   line->Drop(1, 2);
   ASSERT_TRUE(events.Wait("Idle 1"));
   baresip.join();
+  const std::string output = ContentOf(folder / "output");
+  EXPECT_NE(output.find("session closed: Connection reset by peer"), std::string::npos)
+      << "it was not told that the call is over: " << output;
   EXPECT_GE(recorded.BlocksOf(spoken), 90U);
   EXPECT_GE(Heard().BlocksOf(greeting), 45U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, SipSecurePeerTest, ::testing::Values("srtp", "srtp-mand"),
-                         [](const auto& way) { return way.index == 0 ? "Optional" : "Mandatory"; });
+INSTANTIATE_TEST_SUITE_P(Ways, SipSecurePeerTest,
+                         ::testing::Values(Way{"OptionalOverUdp", "srtp", false},
+                                           Way{"MandatoryOverTls", "srtp-mand", true}),
+                         [](const auto& way) { return way.param.name; });
 
 }  // namespace
 }  // namespace orven::test

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The SIP library hands its OpenSSL context out only when asked by this name.
+#define USE_OPENSSL 1
+#include "adapters/line/sip/tls_context.h"
+
+#include <openssl/err.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+
+#include <new>
+#include <stdexcept>
+
+namespace orven {
+
+struct TlsContext::Rules {
+  std::string host;  ///< empty: nothing is checked
+  bool is_address = false;
+  std::string refusal;
+};
+
+namespace {
+
+/// Why OpenSSL's latest operation failed.
+std::string Reason() {
+  const unsigned long error = ERR_peek_last_error();
+  const char* words = ERR_reason_error_string(error);
+  ERR_clear_error();
+  return words != nullptr ? words : "unknown reason";
+}
+
+/// Where our own data hang on OpenSSL's context.
+int RulesIndex() {
+  static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+  return index;
+}
+
+void* RulesOf(const SSL* connection) {
+  return SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), RulesIndex());
+}
+
+/// A locked private key fails, instead of asking at a terminal that nobody looks at.
+int NoPassphrase(char* /*buffer*/, int /*size*/, int /*writing*/, void* /*data*/) {
+  return -1;
+}
+
+bool IsAddress(const std::string& host) {
+  sa address{};
+  return sa_set_str(&address, host.c_str(), 1) == 0;
+}
+
+}  // namespace
+
+TlsContext::TlsContext() : rules_(std::make_unique<Rules>()) {
+  tls* context = nullptr;
+  if (tls_alloc(&context, TLS_METHOD_SSLV23, nullptr, nullptr) != 0) throw std::bad_alloc();
+  context_.reset(context);
+  SSL_CTX_set_ex_data(tls_openssl_context(context), RulesIndex(), rules_.get());
+  ERR_clear_error();
+}
+
+TlsContext::~TlsContext() {
+  // Connections may still hold the context for a moment.
+  SSL_CTX* const context = tls_openssl_context(context_.get());
+  SSL_CTX_set_info_callback(context, nullptr);
+  SSL_CTX_set_ex_data(context, RulesIndex(), nullptr);
+}
+
+std::unique_ptr<TlsContext> TlsContext::Showing(const std::string& path) {
+  std::unique_ptr<TlsContext> made(new TlsContext);
+  SSL_CTX* const context = tls_openssl_context(made->Get());
+  SSL_CTX_set_default_passwd_cb(context, NoPassphrase);
+  const char* what = "certificate";
+  bool good = SSL_CTX_use_certificate_chain_file(context, path.c_str()) == 1;
+  if (good) {
+    what = "private key that belongs to its certificate and is not locked by a passphrase";
+    good = SSL_CTX_use_PrivateKey_file(context, path.c_str(), SSL_FILETYPE_PEM) == 1 &&
+           SSL_CTX_check_private_key(context) == 1;
+  }
+  if (good) return made;
+  throw std::runtime_error("the certificate file " + path + " cannot be used (" + Reason() +
+                           "): expected a PEM file with a " + what);
+}
+
+std::unique_ptr<TlsContext> TlsContext::Checking(const std::string& host, const std::string& trusted) {
+  std::unique_ptr<TlsContext> made(new TlsContext);
+  SSL_CTX* const context = tls_openssl_context(made->Get());
+  made->rules_->host = host;
+  made->rules_->is_address = IsAddress(host);
+  if (trusted.empty()) {
+    SSL_CTX_set_default_verify_paths(context);
+  } else if (SSL_CTX_load_verify_file(context, trusted.c_str()) != 1) {
+    throw std::runtime_error("the file " + trusted + " of trusted certificates cannot be used (" + Reason() +
+                             "): expected a PEM file with certificates");
+  }
+  X509_VERIFY_PARAM* const rules = SSL_CTX_get0_param(context);
+  // Whoever names a certificate trusts it, whoever has signed it.
+  if (!trusted.empty()) X509_VERIFY_PARAM_set_flags(rules, X509_V_FLAG_PARTIAL_CHAIN);
+  X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
+  const int set = made->rules_->is_address ? X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str())
+                                           : X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size());
+  if (set != 1) throw std::bad_alloc();
+  SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int good, X509_STORE_CTX* store) {
+    const auto* connection =
+        static_cast<const SSL*>(X509_STORE_CTX_get_ex_data(store, SSL_get_ex_data_X509_STORE_CTX_idx()));
+    if (auto* seen = static_cast<Rules*>(RulesOf(connection)); seen != nullptr && good == 0) {
+      seen->refusal = X509_verify_cert_error_string(X509_STORE_CTX_get_error(store));
+    }
+    return good;
+  });
+  // Servers that serve several domains need to be told which one is meant (RFC 6066, section 3).
+  SSL_CTX_set_info_callback(context, [](const SSL* connection, int where, int /*result*/) {
+    auto* seen = static_cast<Rules*>(RulesOf(connection));
+    if (seen == nullptr || (where & SSL_CB_HANDSHAKE_START) == 0) return;
+    seen->refusal.clear();
+    if (!seen->is_address) (void)SSL_set_tlsext_host_name(const_cast<SSL*>(connection), seen->host.c_str());
+  });
+  return made;
+}
+
+const std::string& TlsContext::Refusal() const {
+  return rules_->refusal;
+}
+
+}  // namespace orven
