@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/orven/program_dialogs.h"
 
+#include <memory>
+
 #include "actions/actions_dialog.h"
 #include "actions/frmActions.h"
 #include "greetings/frmGreetC.h"
+#include "log/frmLog.h"
+#include "log/frmLogProp.h"
 #include "notify/events_dialog.h"
 #include "notify/frmEvents.h"
 #include "options/frmLines.h"
+#include "options/frmOptions.h"
 #include "options/lines_dialog.h"
+#include "programs/orven/components.h"
 
 namespace orven {
 
@@ -17,13 +23,19 @@ void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
 }
 
 bool ProgramDialogs::Offers(Dialog dialog) const {
-  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions || dialog == Dialog::frmGreetC;
+  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions || dialog == Dialog::frmGreetC ||
+         dialog == Dialog::frmLog || dialog == Dialog::frmOptions || dialog == Dialog::frmAbout;
 }
 
 void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmEvents) OpenEvents(tab);
   if (dialog == Dialog::frmActions) OpenActions(tab);
   if (dialog == Dialog::frmGreetC) OpenGreetingCreator();
+  if (dialog == Dialog::frmLog) OpenLog();
+  if (dialog == Dialog::frmOptions) OpenOptions(tab);
+  if (dialog == Dialog::frmAbout) {
+    frmAbout(machine_->shared.application_version, ProgramComponents(), window_).exec();
+  }
 }
 
 void ProgramDialogs::OpenEvents(int tab) {
@@ -46,11 +58,43 @@ void ProgramDialogs::OpenLines(QWidget* parent) {
 }
 
 void ProgramDialogs::OpenGreetingCreator() {
+  MakeGreeting(window_);
+}
+
+std::optional<std::string> ProgramDialogs::MakeGreeting(QWidget* parent) {
   look_for_cards_();  // a microphone may just have been plugged in
-  frmGreetC window(window_);
-  GreetingCreator engine(machine_->ForGreetingCreator(nullptr), window);
+  // A greeting may be saved a moment after its window was closed.
+  const auto saved = std::make_shared<std::optional<std::string>>();
+  frmGreetC window(parent);
+  GreetingCreator engine(machine_->ForGreetingCreator([saved](const std::string& name) { *saved = name; }),
+                         window);
   window.Attach(engine);
   window.exec();
+  return *saved;
+}
+
+void ProgramDialogs::OpenOptions(int tab) {
+  QWidget* parent = window_;
+  OptionsDialog engine(machine_->ForOptionsDialog());
+  GreetingPlayer greetings(machine_->ForGreetingPlayer([&] { return MakeGreeting(parent); }));
+  std::function<void()> open_lines;
+  if (lines_ != nullptr) open_lines = [&] { OpenLines(parent); };
+  frmOptions window({engine, greetings, open_lines}, tab, window_);
+  parent = &window;
+  window.exec();
+}
+
+void ProgramDialogs::OpenLog() {
+  auto& machine = *machine_;
+  frmLog(
+      {machine.log, ports_.files, ports_.background, machine.store, machine.settings, ports_.dialogs,
+       [&machine](const std::string& path) { machine.calls.SaveFile(path); }},
+      [&machine](LogViewer& viewer, QWidget& parent) {
+        LogProperties engine(machine.settings, machine.store, machine.log, viewer.Refresher());
+        frmLogProp(engine, &parent).exec();
+      },
+      window_)
+      .exec();
 }
 
 void ProgramDialogs::OpenActions(int tab) {
