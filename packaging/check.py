@@ -148,15 +148,17 @@ def check_first_start(installed, system):
     demo.step("It is among the programs that start with the desktop")
 
 
-def check_call(installed, folder):
+def check_call(installed, folder, screen):
     spoken = sound.speech(demo.MESSAGE, "en-gb+f2")
-    greeting = os.path.join(installed.home, "Greets", "Default.wav")
+    greeting = demo.make_greeting(installed, screen)
     demo.check_order(demo.leave_message(installed, folder, greeting, spoken), demo.STEPS_OF_A_CALL)
     demo.check_message(demo.check_record(installed), spoken)
 
 
 def check_window(installed, screen):
     window = wait_for("The main window", lambda: screen.main_window(installed.process), 20, installed.look)
+    # The view that told of the call slides out of the picture.
+    wait_for("The main window alone", lambda: len(screen.windows(installed.process)) == 1, 20, installed.look)
     wait_for("A picture of it", lambda: window.picture(SCREENSHOT) and screen.colours(SCREENSHOT) >= demo.FEWEST_COLOURS,
              10, installed.look)
     demo.step(f"Its window is shown: {os.path.realpath(SCREENSHOT)}")
@@ -187,7 +189,7 @@ def check(package, folder):
             Installed(system, folder, demo.show_log_line, screen) as installed,
         ):
             check_first_start(installed, system)
-            check_call(installed, folder)
+            check_call(installed, folder, screen)
             check_window(installed, screen)
             installed.exit()
         check_removal(system)
