@@ -22,6 +22,24 @@ QStringList WavNames(const QString& folder) {
   return QDir(folder).entryList({QStringLiteral("*.wav")}, QDir::Files | QDir::Hidden, QDir::Name);
 }
 
+void AddProblem(SeedReport& report, const QString& path, const QString& reason) {
+  report.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
+}
+
+/// Copies one file to the same place below `folder`; the copy appears whole or not at all.
+void CopyWhole(const QString& folder, const QString& assets, const QString& name, SeedReport& report) {
+  const QString target = folder + u'/' + name;
+  QFile source(assets + u'/' + name);
+  if (!source.open(QIODevice::ReadOnly)) return AddProblem(report, source.fileName(), source.errorString());
+  const QByteArray content = source.readAll();
+  if (source.error() != QFile::NoError) return AddProblem(report, source.fileName(), source.errorString());
+  QSaveFile copy(target);  // a temporary file beside it, then fsync and rename
+  if (!copy.open(QIODevice::WriteOnly)) return AddProblem(report, target, copy.errorString());
+  copy.write(content);  // commit reports what fails here
+  if (!copy.commit()) return AddProblem(report, target, copy.errorString());
+  report.copied.push_back(name.toStdString());
+}
+
 /// One filling of one application folder.
 class Seeding {
  public:
@@ -59,26 +77,56 @@ class Seeding {
   }
 
   void CopyMissing(const QString& name) {
-    const QString target = folder_ + u'/' + name;
-    if (QFile::exists(target)) return;
-    QFile source(assets_ + u'/' + name);
-    if (!source.open(QIODevice::ReadOnly)) return Problem(source.fileName(), source.errorString());
-    const QByteArray content = source.readAll();
-    if (source.error() != QFile::NoError) return Problem(source.fileName(), source.errorString());
-    QSaveFile copy(target);  // a temporary file beside it, then fsync and rename
-    if (!copy.open(QIODevice::WriteOnly)) return Problem(target, copy.errorString());
-    copy.write(content);  // commit reports what fails here
-    if (!copy.commit()) return Problem(target, copy.errorString());
-    report_.copied.push_back(name.toStdString());
+    if (!QFile::exists(folder_ + u'/' + name)) CopyWhole(folder_, assets_, name, report_);
   }
 
-  void Problem(const QString& path, const QString& reason) {
-    report_.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
-  }
+  void Problem(const QString& path, const QString& reason) { AddProblem(report_, path, reason); }
 
   QString folder_;
   QString assets_;
   bool first_start_;
+  SeedReport report_;
+};
+
+bool SameContent(const QString& one, const QString& other) {
+  QFile first(one);
+  QFile second(other);
+  return first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly) &&
+         first.size() == second.size() && first.readAll() == second.readAll();
+}
+
+/// One bringing up to date of the help, folder by folder.
+class HelpRefresh {
+ public:
+  HelpRefresh(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
+
+  SeedReport Run() {
+    const QString help = QStringLiteral("Help");
+    if (!assets_.isEmpty() && QDir(assets_ + u'/' + help).exists()) Refresh(help);
+    return report_;
+  }
+
+ private:
+  void Refresh(const QString& name) {
+    const QDir there(assets_ + u'/' + name);
+    const QDir here(folder_ + u'/' + name);
+    if (!QDir().mkpath(here.path()))
+      return AddProblem(report_, here.path(), QStringLiteral("cannot make this folder"));
+    const auto wanted = there.entryList(QDir::Files);
+    for (const QString& file : wanted) {
+      const QString path = name + u'/' + file;
+      if (!SameContent(there.filePath(file), here.filePath(file))) CopyWhole(folder_, assets_, path, report_);
+    }
+    const auto present = here.entryList(QDir::Files);
+    for (const QString& file : present) {
+      if (!wanted.contains(file)) QFile::remove(here.filePath(file));
+    }
+    const auto folders = there.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& below : folders) Refresh(name + u'/' + below);
+  }
+
+  QString folder_;
+  QString assets_;
   SeedReport report_;
 };
 
@@ -110,6 +158,10 @@ std::string FindAssets(const std::string& executable_folder) {
     if (QFile::exists(folder + QStringLiteral("/beep.wav"))) return folder.toStdString();
   }
   return {};
+}
+
+SeedReport RefreshHelp(const std::string& folder, const std::string& assets) {
+  return HelpRefresh(QString::fromStdString(folder), QString::fromStdString(assets)).Run();
 }
 
 std::string MakeApplicationFolder(const std::string& folder) {

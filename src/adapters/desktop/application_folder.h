@@ -45,4 +45,8 @@ std::string MakeApplicationFolder(const std::string& folder);
 /// whole or not at all.
 SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start);
 
+/// Brings the Help folder up to what `assets` has: a file that is missing or differs is copied, one that
+/// `assets` has no more is removed. Any thread; on a slow disk it takes its time.
+SeedReport RefreshHelp(const std::string& folder, const std::string& assets);
+
 }  // namespace orven

@@ -165,6 +165,15 @@ void Program::PrepareFolder(bool first_start) {
   for (const auto& problem : early_problems_) Report(problem);
   for (const auto& problem : seeded.problems) Report(problem);
   if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
+  // The help's pictures are large enough to hold up a start from a slow disk.
+  auto help = std::make_shared<SeedReport>();
+  background_.Run(
+      [help, folder = shared_.application_folder, assets = folders_.assets] {
+        *help = RefreshHelp(folder, assets);
+      },
+      [this, help](const std::exception_ptr&) {
+        for (const auto& problem : help->problems) Report(problem);
+      });
 }
 
 FirstStart::Sources Program::FirstStartSources() {

@@ -3,6 +3,8 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "platform/telephone_lines.h"
 #include "shell/answering_machine.h"
@@ -34,6 +36,9 @@ class ProgramDialogs : public DialogFactory {
   void OpenEvents(int tab);
   void OpenActions(int tab);
   void OpenGreetingCreator();
+  void OpenOptions(int tab);
+  std::optional<std::string> MakeGreeting(QWidget* parent);
+  void OpenLog();
 
   EnginePorts ports_;
   std::function<void()> look_for_cards_;

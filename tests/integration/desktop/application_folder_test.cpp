@@ -64,5 +64,25 @@ TEST_F(ApplicationFolderTest, KeepsWhatTheUserHasAndDoesNotBringBackWhatHeDelete
   EXPECT_EQ(ContentOf(root_ / "app/beep.wav"), "my own beep");
 }
 
+TEST_F(ApplicationFolderTest, TheHelpIsThatOfTheInstallationHoweverItWasChanged) {
+  EXPECT_TRUE(RefreshHelp(root_ / "app", root_ / "assets").problems.empty()) << "there is none to copy";
+  for (const char* name : {"assets/Help/pictures", "app/Help"})
+    std::filesystem::create_directories(root_ / name);
+  PutFile(root_ / "assets/Help/index.htm", "new");
+  PutFile(root_ / "assets/Help/pictures/a.png", "picture");
+  PutFile(root_ / "app/Help/index.htm", "old");
+  PutFile(root_ / "app/Help/gone.htm", "of an older version");
+  EXPECT_EQ(RefreshHelp(root_ / "app", root_ / "assets").copied,
+            (std::vector<std::string>{"Help/index.htm", "Help/pictures/a.png"}));
+  EXPECT_EQ(ContentOf(root_ / "app/Help/index.htm"), "new");
+  EXPECT_FALSE(std::filesystem::exists(root_ / "app/Help/gone.htm"));
+  EXPECT_TRUE(RefreshHelp(root_ / "app", root_ / "assets").copied.empty()) << "nothing differs";
+  std::filesystem::remove_all(root_ / "app/Help");
+  PutFile(root_ / "app/Help", "a file where a folder belongs");
+  const auto report = RefreshHelp(root_ / "app", root_ / "assets");
+  ASSERT_EQ(report.problems.size(), 1U);
+  EXPECT_NE(report.problems[0].find(root_ / "app/Help"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace orven
