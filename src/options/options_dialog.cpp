@@ -147,13 +147,9 @@ void OptionsDialog::BrowsMessagesPath() {
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
-  const auto store = [this_store = &parts_.store](const std::string& folder) {
-    this_store->Set("MassagesPath", folder);
-  };
   trap([&] {
-    if (path == parts_.shared.messages_path) return store(path);
-    // The store may have to go on when this dialog is closed.
-    parts_.calls.RelocateMessages(path, store);
+    if (path == parts_.shared.messages_path) return parts_.store.Set("MassagesPath", path);
+    parts_.move_messages(path);
   });
 }
 

@@ -87,9 +87,10 @@ class OptionsDialog {
     Settings& settings;  ///< the main window's, which the next call uses
     SharedOptions& shared;
     const LineManager& line;
-    CallStore& calls;
+    const CallStore& calls;
     std::function<std::optional<std::int32_t>()> line_level;          ///< as ShowLevel takes it
     std::function<void(const std::string& greeting)> fill_greetings;  ///< of the main window's box
+    std::function<void(const std::string& folder)> move_messages;     ///< and stores where they are then
     std::function<void()> show_in_main;  ///< brings the main window's boxes and layout up to date
   };
 

@@ -180,14 +180,13 @@ std::vector<std::string> CallStore::MessageNames() const {
   return names;
 }
 
-void CallStore::RelocateMessages(const std::string& new_folder,
-                                 std::function<void(const std::string&)> store_path) {
+void CallStore::RelocateMessages(const std::string& new_folder, std::function<void(bool)> done) {
   if (relocation_) return;
   relocation_ = std::make_shared<MessageRelocation>(
       MessageRelocation::Ports{ports_.files, ports_.background, ports_.system_log},
       MessageRelocation::Folders{shared_.messages_path, new_folder}, [this] { return MessageNames(); },
-      [this, new_folder, store_path = std::move(store_path)](const MessageRelocation::Outcome& outcome) {
-        EndRelocation(new_folder, store_path, outcome);
+      [this, new_folder, done = std::move(done)](const MessageRelocation::Outcome& outcome) {
+        EndRelocation(new_folder, done, outcome);
       });
   relocation_->Start();
 }
@@ -197,8 +196,7 @@ std::optional<RelocationProgress> CallStore::Relocating() const {
   return relocation_->Progress();
 }
 
-void CallStore::EndRelocation(const std::string& new_folder,
-                              const std::function<void(const std::string&)>& store_path,
+void CallStore::EndRelocation(const std::string& new_folder, const std::function<void(bool)>& done,
                               const MessageRelocation::Outcome& outcome) {
   const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
   const auto old_folder = shared_.messages_path;
@@ -207,10 +205,10 @@ void CallStore::EndRelocation(const std::string& new_folder,
   if (!refused) {
     settings_.MassagesPath = new_folder;
     shared_.messages_path = new_folder;
-    trap([&] {
-      if (store_path) store_path(new_folder);
-    });
   }
+  trap([&] {
+    if (done) done(!refused);
+  });
   trap([&] {
     if (refused) ports_.dialogs.Information(RefusalText(new_folder, outcome.refusal));
     if (!outcome.stayed.empty()) ports_.dialogs.Information(StayedText(old_folder, outcome.stayed));

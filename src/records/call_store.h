@@ -73,11 +73,11 @@ class CallStore {
   void SaveFile(const std::string& path);
 
   /// Moves every message file to `new_folder` (ending in a separator), in the background; afterwards that
-  /// is the messages path in the program, even when some could not be moved, and `store_path` stores the
-  /// setting. A box and the log name the messages that stayed behind. A folder that cannot be written is
-  /// refused with a box before anything moves. Nothing while an earlier move is not done.
-  void RelocateMessages(const std::string& new_folder,
-                        std::function<void(const std::string& path)> store_path = {});
+  /// is the messages path in the program, even when some could not be moved, and `done` hears true: it stores
+  /// the setting. A box and the log name the messages that stayed behind. A folder that cannot be written is
+  /// refused with a box before anything moves, and `done` hears false. Nothing while an earlier move is not
+  /// done.
+  void RelocateMessages(const std::string& new_folder, std::function<void(bool moved)> done = {});
 
   /// How far the move is; nothing when there is none.
   std::optional<RelocationProgress> Relocating() const;
@@ -90,7 +90,7 @@ class CallStore {
   void CopyInBackground(const std::string& path, const std::string& target);
   void StopPlayerOn(const std::string& key);
   std::vector<std::string> MessageNames() const;
-  void EndRelocation(const std::string& new_folder, const std::function<void(const std::string&)>& store_path,
+  void EndRelocation(const std::string& new_folder, const std::function<void(bool)>& done,
                      const MessageRelocation::Outcome& outcome);
 
   Ports ports_;

@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/answering_machine.h"
 
+#include "core/registry_values.h"
+
 namespace orven {
+namespace {
+
+/// Where the messages are being moved, while they are.
+constexpr const char* kMoveUnderWay = "MassagesPathNext";
+
+}  // namespace
 
 AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared_options)
     : shared(shared_options),
@@ -95,7 +103,22 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
           calls,
           [this] { return LineLevel(); },
           [this](const std::string& greeting) { greetings.Fill(greeting); },
+          [this](const std::string& folder) { MoveMessages(folder); },
           [this] { ShowOptions(); }};
+}
+
+void AnsweringMachine::MoveMessages(const std::string& folder) {
+  if (calls.Relocating()) return;
+  store.Set(kMoveUnderWay, folder);
+  calls.RelocateMessages(folder, [this, folder](bool moved) {
+    if (moved) store.Set("MassagesPath", folder);
+    DeleteRegValue(ports_.registry, RegistryRoot::LocalMachine, kSettingsKey, kMoveUnderWay);
+  });
+}
+
+void AnsweringMachine::GoOnMovingMessages() {
+  const auto folder = GetRegValue(ports_.registry, RegistryRoot::LocalMachine, kSettingsKey, kMoveUnderWay);
+  if (folder != kNotFound && !folder.empty()) MoveMessages(folder);
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {

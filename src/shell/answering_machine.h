@@ -105,6 +105,11 @@ class AnsweringMachine {
   /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.
   GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
 
+  /// Moves the messages to another folder and stores that as the messages path. A move that the program's
+  /// end breaks off goes on at the next start.
+  void MoveMessages(const std::string& folder);
+  void GoOnMovingMessages();
+
   /// What the options dialog works with.
   OptionsDialog::Parts ForOptionsDialog();
 

@@ -23,7 +23,7 @@ struct Relocation : testing::Test {
   }
   void TestBody() override {}
   void Relocate() {
-    world.Machine().calls.RelocateMessages(target, [this](const std::string& path) { stored = path; });
+    world.Machine().calls.RelocateMessages(target, [this](bool moved) { stored = moved ? target : ""; });
     world.RunFor(100ms);
   }
   int Copies(const std::string& name) {
@@ -136,6 +136,29 @@ TEST_F(Relocation, ACallThatWaitsToBeFiledIsMovedToo) {
   world.database_full = false;
   world.Machine().calls.FileWaitingCalls();
   EXPECT_TRUE(world.files.Exists(target + world.database.Field(4, kCallMassageName)));
+}
+
+TEST(RelocationSteps, AMoveThatTheEndBreaksOffGoesOnAtTheNextStart) {
+  World world;
+  for (const char* name : {"1.wav", "2.wav"}) world.AddMessage(name, 1s);
+  world.background.takes = 1s;
+  world.Start();
+  world.Machine().MoveMessages("/mnt/new/");
+  world.RunFor(1s + 500ms);
+  EXPECT_EQ(world.registry.Text("MassagesPath"), world.messages);
+  EXPECT_TRUE(world.files.Exists("/mnt/new/1.wav"));
+  World next;  // with what the disk and the registry have now
+  for (const auto& folder : {world.messages, std::string("/mnt/new/")}) {
+    for (const auto& name : world.files.Names(folder)) next.files.Put(folder + name, TimedWave::Sound(1s));
+  }
+  next.registry = world.registry;
+  next.database.Records() = world.database.Records();
+  next.Start();
+  next.RunFor(1s);
+  EXPECT_THAT(next.files.Names("/mnt/new/"), ElementsAre("1.wav", "2.wav"));
+  EXPECT_EQ(next.registry.Text("MassagesPath"), "/mnt/new/");
+  EXPECT_EQ(next.registry.Text("MassagesPathNext"), kNotFound);
+  EXPECT_THAT(next.dialogs.informations, IsEmpty());
 }
 
 }  // namespace

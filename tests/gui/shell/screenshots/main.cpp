@@ -13,6 +13,9 @@
 #include "gui/shell/desk.h"
 #include "gui/shell/screenshots/creator.h"
 #include "gui/shell/screenshots/dialogs.h"
+#include "gui/shell/screenshots/lines.h"
+#include "gui/shell/screenshots/logs.h"
+#include "gui/shell/screenshots/options.h"
 #include "gui/shell/screenshots/pictures.h"
 #include "records/call_fields.h"
 
@@ -128,6 +131,24 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     return orven::test::MakeCreator(folder, picture) ? 0 : 1;
   }
+  if (argc > 2 && QByteArray(argv[2]).startsWith("options")) {
+    const auto picture = QByteArray(argv[2]);
+    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
+    const QApplication application(argc, argv);
+    return orven::test::MakeOptions(folder, picture) ? 0 : 1;
+  }
+  if (argc > 2 && QByteArray(argv[2]).startsWith("logs")) {
+    const auto picture = QByteArray(argv[2]);
+    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
+    const QApplication application(argc, argv);
+    return orven::test::MakeLogs(folder, picture) ? 0 : 1;
+  }
+  if (argc > 2 && QByteArray(argv[2]).startsWith("lines")) {
+    const auto picture = QByteArray(argv[2]);
+    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
+    const QApplication application(argc, argv);
+    return orven::test::MakeLines(folder, picture) ? 0 : 1;
+  }
   if (argc > 2) {
     const auto& scene = kScenes[static_cast<std::size_t>(std::atoi(argv[2]))];
     qputenv("QT_SCALE_FACTOR", scene.scale);
@@ -135,8 +156,12 @@ int main(int argc, char** argv) {
     return orven::test::Make(scene, folder);
   }
   if (!QDir().mkpath(folder)) return 1;
-  QStringList pictures{QStringLiteral("dialogs"), QStringLiteral("creator"), QStringLiteral("creator_dark"),
-                       QStringLiteral("creator_scaled")};
+  QStringList pictures{QStringLiteral("dialogs"),       QStringLiteral("creator"),
+                       QStringLiteral("creator_dark"),  QStringLiteral("creator_scaled"),
+                       QStringLiteral("options"),       QStringLiteral("options_dark"),
+                       QStringLiteral("options_scaled"), QStringLiteral("logs"),
+                       QStringLiteral("logs_dark"),     QStringLiteral("logs_scaled")};
+  pictures << QStringLiteral("lines") << QStringLiteral("lines_dark") << QStringLiteral("lines_scaled");
   for (std::size_t i = 0; i < std::size(kScenes); ++i) pictures << QString::number(i);
   for (const auto& picture : pictures) {
     if (QProcess::execute(QString::fromLocal8Bit(argv[0]), {folder, picture}) != 0) return 1;
