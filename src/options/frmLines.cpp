@@ -16,8 +16,8 @@ namespace orven {
 namespace {
 
 constexpr std::chrono::milliseconds kRefresh{500};
-constexpr QSize kListSize(640, 170);
-constexpr std::array kColumnWidths{130, 120, 190};
+constexpr QSize kListSize(740, 170);
+constexpr std::array kColumnWidths{140, 120, 250};
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/shell/screenshots/lines.h"
+
+#include <QStyleFactory>
+
+#include "gui/shell/desk.h"
+#include "gui/shell/screenshots/pictures.h"
+#include "options/frmLineEdit.h"
+#include "options/frmLines.h"
+#include "support/scripted_lines.h"
+
+namespace orven::test {
+namespace {
+
+TelephoneLine Account(const char* name, const char* user, const char* server, const char* transport) {
+  TelephoneLine line;
+  line.name = name;
+  line.user = user;
+  line.server = server;
+  line.password = "only a picture";
+  line.transport = transport;
+  return line;
+}
+
+ScriptedLines ThreeLines() {
+  ScriptedLines lines;
+  TelephoneLine modem;
+  modem.name = "USB modem";
+  modem.kind = LineKind::Modem;
+  modem.port = "/dev/serial/by-id/usb-Voice_Modem_0001-if00";
+  lines.configured.lines = {Account("Home router", "620", "192.168.178.1", "udp"),
+                            Account("Office", "anna.lindqvist", "sip.example.org", "tls"), modem};
+  lines.states = {{"Home router", "Registered"},
+                  {"Office", "Another line is chosen"},
+                  {"USB modem", "Not usable in this version"}};
+  lines.ports = {{modem.port, modem.port}};
+  return lines;
+}
+
+}  // namespace
+
+bool MakeLines(const QString& folder, const QByteArray& picture) {
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  if (picture.endsWith("dark")) QApplication::setPalette(DarkPalette());
+  Desk desk;
+  desk.Start();
+  auto lines = ThreeLines();
+  auto& machine = desk.Machine();
+  LinesDialog engine({lines, desk.dialogs, machine.log, machine.store, machine.settings, nullptr});
+  frmLines list(engine, nullptr);
+  list.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
+  lines.done({true, "The server 192.168.178.1 accepts the account 620."});
+  QList<QPixmap> pictures{Shown(list)};
+  frmLineEdit account(engine, 1, nullptr);
+  account.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
+  lines.done(
+      {false,
+       "The server sip.example.org refuses the login (401 Unauthorized): the user \"anna.lindqvist\" or the "
+       "password is wrong."});
+  pictures << Shown(account);
+  account.findChild<QLineEdit*>(QStringLiteral("txtServer"))->clear();
+  account.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
+  pictures << Shown(account);
+  return Save(pictures, folder + u'/' + QString::fromLatin1(picture) + QStringLiteral(".png"));
+}
+
+}  // namespace orven::test
