@@ -56,7 +56,10 @@ TEST(LinesFileTest, AWrongKeyIsNamedAndOnlyItIsLeftOut) {
       {"password =", "password is wrong: expected a password"},
       {"port = /dev/x",
        "\"port\" is unknown for a sip line: expected listen, account, auth_user, password, "
-       "transport or ring_seconds"},
+       "transport, srtp, tls_trust, tls_listen, tls_certificate or ring_seconds"},
+      {"srtp = maybe", "srtp is \"maybe\": expected yes or no"},
+      {"tls_listen = 5061",
+       "tls_listen is \"5061\": expected an IPv4 address and a port, for example 0.0.0.0:5061"},
       {"just text", "expected [section], key = value or ; comment"},
       {"account = a\x1B[0m", "the line holds control characters or is not UTF-8: expected plain UTF-8 text"},
   };
