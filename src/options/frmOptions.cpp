@@ -159,8 +159,11 @@ void frmOptions::ShowPasswordHint() {
 }
 
 void frmOptions::OpenLines() {
+  const auto before = parts_.engine.StoredDevice();
   parts_.open_lines();
-  const auto chosen = cmbModemDev_->currentText().toStdString();
+  // A chosen line that was renamed stays chosen, under its new name.
+  auto chosen = cmbModemDev_->currentText().toStdString();
+  if (chosen == before) chosen = parts_.engine.StoredDevice();
   FillList(*cmbModemDev_, parts_.engine.Devices());
   ShowText(*cmbModemDev_, chosen);
   ShowCapabilities();

@@ -106,6 +106,9 @@ class OptionsDialog {
   /// The names of the telephony devices as they are now.
   std::vector<std::string> Devices() const;
 
+  /// The name of the device that is chosen by what is stored now.
+  std::string StoredDevice() const { return parts_.settings.ModemName; }
+
   /// What a device can do, as labels with their values; the values are empty when there is no such device.
   std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
 

@@ -153,7 +153,7 @@ TEST_F(OptionsWindow, NumbersHaveTheirLimits) {
 TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
   world.registry.Set("Sound", "1");
   machine.settings.Sound = 1;
-  open_lines = [this] { machine.settings.ModemName = "changed elsewhere"; };
+  open_lines = [this] { machine.settings.ModemName += "!"; };
   Open(1);
   EXPECT_EQ(Get<QComboBox>("cmbSoundDev").currentText(), u"Sound card 1 (not there now)");
   world.cards.names = {"Default output", "Headset"};
@@ -164,6 +164,9 @@ TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
   Click("cmdLines");
   EXPECT_EQ(Get<QComboBox>("cmbModemDev").currentText(), u"Home");
   EXPECT_EQ(Get<QComboBox>("cmbModemDev").itemText(0), u"Sim");
+  Type("cmbModemDev", machine.settings.ModemName.c_str());
+  Click("cmdLines");
+  EXPECT_EQ(Get<QComboBox>("cmbModemDev").currentText().toStdString(), machine.settings.ModemName);
 }
 
 TEST_F(OptionsWindow, TheLevelOfAMessageIsShownWhileItIsRecorded) {
