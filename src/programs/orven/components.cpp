@@ -28,6 +28,7 @@ std::vector<Component> ProgramComponents() {
   return {
       {"Qt", qVersion(), "LGPL-3.0-only", "windows, sound cards"},
       {"libre", sys_libre_version_get(), "BSD-3-Clause", "the telephone line (SIP)"},
+      {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", "encrypted calls and mail"},
       {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones"},
       {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", "sound files"},
       {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sound files at another rate"},
@@ -35,6 +36,7 @@ std::vector<Component> ProgramComponents() {
       {"libcurl", curl_version_info(CURLVERSION_NOW)->version, "curl", "mail"},
       {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "the default sound card"},
       {"eSpeak NG", ORVEN_ESPEAK_VERSION, "GPL-3.0-or-later", "typed greetings (helper TTS)"},
+      {"GLib", ORVEN_GLIB_VERSION, "LGPL-2.1-or-later", "the start at login"},
       {"Breeze icons", "", "LGPL-3.0-or-later", "pictures of the commands"},
   };
 }
