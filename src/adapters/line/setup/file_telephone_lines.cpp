@@ -139,11 +139,15 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
 }
 
 void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
+  auto tested = line;
+  // A relative path starts at the folder of the file, as it does for the running line.
+  if (!tested.tls_trust.empty())
+    tested.tls_trust = (std::filesystem::path(path_).parent_path() / tested.tls_trust).string();
   const auto device = DeviceOf(line);
   const bool open = device >= 0 && control_.IsLineOpen(device);
   const SipTestOptions options{.registered_now = IsRegistered(line)};
   tests_.Start(
-      [line, open, options](const std::atomic<bool>& cancelled) -> LineTestResult {
+      [line = std::move(tested), open, options](const std::atomic<bool>& cancelled) -> LineTestResult {
         if (line.kind == LineKind::Modem) return ProbeModem(line.port, cancelled);
         if (line.kind == LineKind::Sim) return {true, "A simulated line needs no test."};
         if (open && line.server.empty())
