@@ -54,16 +54,22 @@ def wait_for(what, condition, limit, alive=lambda: None):
         time.sleep(0.02)
 
 
-def free_port():
-    """A port of 127.0.0.1 that is free now for UDP and TCP both."""
+def free_port(count=1):
+    """The first of `count` ports of 127.0.0.1 in a row that are free now for UDP and TCP both."""
     for _ in range(100):
         with socket.socket(socket.AF_INET, socket.SOCK_STREAM) as tcp:
             tcp.bind(("127.0.0.1", 0))
             port = tcp.getsockname()[1]
-            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as udp:
-                try:
-                    udp.bind(("127.0.0.1", port))
-                except OSError:
-                    continue
-                return port
+        if all(_is_free(port + i) for i in range(count)):
+            return port
     raise Failed("No free port was found on 127.0.0.1")
+
+
+def _is_free(port):
+    for kind in (socket.SOCK_STREAM, socket.SOCK_DGRAM):
+        with socket.socket(socket.AF_INET, kind) as probe:
+            try:
+                probe.bind(("127.0.0.1", port))
+            except (OSError, OverflowError):
+                return False
+    return True

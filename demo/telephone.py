@@ -43,7 +43,8 @@ class Telephone:
 
     def __init__(self, folder, name, number, answer="manual", meanwhile=lambda: None):
         self._meanwhile = meanwhile
-        self.folder, self.sip_port, self.control_port = folder, processes.free_port(), processes.free_port()
+        self.folder, self.control_port = folder, processes.free_port()
+        self.sip_port = processes.free_port(2)  # the next one is baresip's for TLS
         os.makedirs(folder)
         facts = dict(vars(self), name=name, number=number, answer=answer)
         self._write("config", CONFIGURATION.format(**facts))
