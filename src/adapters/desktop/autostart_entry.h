@@ -21,11 +21,12 @@ struct AutostartSource {
 std::string AutostartFile();
 
 /// A command with its arguments as a value of the Exec key: each argument quoted where it needs to be, and
-/// its per cent signs doubled (Desktop Entry Specification 1.5, "The Exec key"). Backslashes and line ends
-/// are not escaped yet as those of every value are.
+/// its per cent signs doubled (the freedesktop.org Desktop Entry format 1.5, "The Exec key"). Backslashes and
+/// line ends are not escaped yet as those of every value are.
 std::string ExecCommand(const std::vector<std::string>& arguments);
 
-/// The file by which the desktop starts a program at login (Desktop Application Autostart Specification 0.5).
+/// The file by which the desktop starts a program at login (freedesktop.org, Desktop Application Autostart
+/// 0.5).
 ///
 /// What a person changed in it stays, his own command as well; while the command is still the one that was
 /// written here, it follows the program to another place. A file that is no desktop entry is set aside.

@@ -23,6 +23,11 @@ class Resampler {
   /// Good until the next call or until `input` changes.
   std::span<const float> Process(std::span<const float> input, bool last);
 
+  /// Forgets what it holds: another stream begins.
+  void Reset() {
+    if (state_) src_reset(state_.get());
+  }
+
  private:
   struct DeleteState {
     void operator()(SRC_STATE* state) const { src_delete(state); }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/TTS/spoken_sound.h"
 
+#include <samplerate.h>
+
 #include <algorithm>
-#include <cmath>
 #include <stdexcept>
 
 namespace orven {
@@ -16,10 +17,8 @@ constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 
 }  // namespace
 
-SpokenSound::SpokenSound(int sample_rate) : ratio_(static_cast<double>(kSampleRate) / sample_rate) {
-  int error = 0;
-  resampler_.reset(src_new(SRC_SINC_MEDIUM_QUALITY, 1, &error));
-  if (!resampler_) throw std::runtime_error(src_strerror(error));
+SpokenSound::SpokenSound(int sample_rate) : resampler_(sample_rate, kSampleRate) {
+  if (!resampler_.Valid()) throw std::runtime_error("speech cannot be brought to the telephone's rate");
 }
 
 SpokenSound::Announced SpokenSound::Announce() {
@@ -42,27 +41,14 @@ void SpokenSound::Finish(Ticket ticket) {
 }
 
 bool SpokenSound::Convert(Ticket ticket, std::span<const std::int16_t> samples, bool last) {
-  if (converted_ != ticket) src_reset(resampler_.get());
+  if (converted_ != ticket) resampler_.Reset();
   converted_ = ticket;
   input_.resize(samples.size());
   src_short_to_float_array(samples.data(), input_.data(), static_cast<int>(samples.size()));
-  // What the filter still holds comes with the last piece.
-  constexpr std::size_t kHeldBack = 1024;
-  output_.resize(kHeldBack +
-                 static_cast<std::size_t>(std::ceil(static_cast<double>(samples.size()) * ratio_)));
-  SRC_DATA data{};
-  data.data_in = input_.data();
-  data.input_frames = static_cast<long>(input_.size());
-  data.data_out = output_.data();
-  data.output_frames = static_cast<long>(output_.size());
-  data.src_ratio = ratio_;
-  data.end_of_input = last ? 1 : 0;
-  const int error = src_process(resampler_.get(), &data);
-  if (error != 0) throw std::runtime_error(src_strerror(error));
-  if (last) src_reset(resampler_.get());
-  converted_samples_.resize(static_cast<std::size_t>(data.output_frames_gen));
-  src_float_to_short_array(output_.data(), converted_samples_.data(),
-                           static_cast<int>(data.output_frames_gen));
+  const auto output = resampler_.Process(input_, last);
+  converted_samples_.resize(output.size());
+  src_float_to_short_array(output.data(), converted_samples_.data(), static_cast<int>(output.size()));
+  if (last) resampler_.Reset();
 
   std::unique_lock lock(mutex_);
   room_.wait(lock, [&] { return ticket != ticket_ || samples_.size() < kMostKept; });

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <samplerate.h>
-
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <memory>
 #include <mutex>
 #include <span>
 #include <vector>
 
+#include "adapters/sound/resampler.h"
 #include "platform/audio_device.h"
 
 namespace orven {
@@ -48,18 +46,12 @@ class SpokenSound : public AudioSource {
   void Gone() override { CutOff(); }
 
  private:
-  struct DeleteResampler {
-    void operator()(SRC_STATE* state) const { src_delete(state); }
-  };
-
   bool Convert(Ticket ticket, std::span<const std::int16_t> samples, bool last);
 
   // The thread that makes the speech.
-  std::unique_ptr<SRC_STATE, DeleteResampler> resampler_;
-  const double ratio_;
+  Resampler resampler_;
   Ticket converted_ = 0;  ///< whose samples the resampler holds
   std::vector<float> input_;
-  std::vector<float> output_;
   std::vector<std::int16_t> converted_samples_;
 
   std::mutex mutex_;
