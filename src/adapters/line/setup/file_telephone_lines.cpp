@@ -80,10 +80,11 @@ void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
     edits.push_back(EditOf(line, SectionAt(line.origin)));
     if (!is_text) edits.back().head = 0;
   }
-  if (!file_.complaints.empty()) SetAside();
+  if (!file_.complaints.empty() && (stored_.empty() || text_ != stored_)) SetAside();
   const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
-  ReplaceFile(path_, EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits),
-              kOwnerOnly);
+  const auto text = EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits);
+  ReplaceFile(path_, text, kOwnerOnly);
+  stored_ = text;
 }
 
 void FileTelephoneLines::SetAside() const {

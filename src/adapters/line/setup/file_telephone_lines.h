@@ -14,7 +14,7 @@
 namespace orven {
 
 /// The telephone lines of the file `lines.ini`. A file with faults is copied beside its place before it
-/// is changed; one that is no text at all is replaced. User-interface thread.
+/// is changed for the first time; one that is no text at all is replaced. User-interface thread.
 class FileTelephoneLines final : public TelephoneLines {
  public:
   /// `path` is the file's; `states` are those of the lines that `control` has, device by device.
@@ -42,6 +42,7 @@ class FileTelephoneLines final : public TelephoneLines {
   const LineStates& states_;
   bool exists_ = false;  ///< as Read found it
   std::string text_;     ///< as Read found it
+  std::string stored_;   ///< as Store left it; its faults have been kept already
   LinesFile file_;       ///< as Read found it
   LineTestRun tests_;
 };

@@ -91,6 +91,9 @@ TEST_F(LinesStore, ADamagedFileIsKeptBesideItsPlace) {
   EXPECT_EQ(folder.Count("lines.ini.damaged"), 1U);
   EXPECT_EQ(ContentOf(path),
             "[Odd]\ntype = telegraph\n[Home]\ntype = sip\nlisten = 127.0.0.1:5060\ntransport = tcp\n");
+  given = lines.Read();
+  lines.Store(given.lines);
+  EXPECT_EQ(folder.Count("lines.ini.damaged"), 1U) << "what is wrong in it has been kept";
   given = Given("\xFF\xFE\x01 no text\n[Home]\ntype = sip\nlisten = 127.0.0.1:5060\n");
   lines.Store(given.lines);
   EXPECT_EQ(folder.Count("lines.ini.damaged"), 2U);
