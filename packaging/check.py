@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Tries the Debian package as its user would: installs it on a clean system, starts it there, calls it,
-and removes it again.
+"""Tries the Debian package as its user would: installs it on a clean system, starts it there, opens its
+help, calls it, upgrades it, and removes it again.
 
     check.py PACKAGE
 
@@ -33,8 +33,10 @@ OWNER = "owner"
 HOME = f"/home/{OWNER}"
 APPLICATION_FOLDER = f"{HOME}/.local/share/orven"
 AUTOSTART_ENTRY = f"{HOME}/.config/autostart/orven.desktop"
+OPENED = f"{HOME}/opened"  # by the clean system's opener of documents
 DEFAULT_PORT = 5060  # of the telephone line that there is without lines.ini
 PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop")
+HELP_CHECK = os.path.join(HERE, "..", "tests", "house", "check_help.py")
 SCREENSHOT = os.path.join(HERE, "..", "build", "package", "installed.png")
 
 CLONE_NEWNS, CLONE_NEWNET = 0x00020000, 0x40000000  # unshare(2)
@@ -67,17 +69,26 @@ class CleanSystem:
             file.write("#!/bin/sh\nexit 101\n")
         os.chmod(policy, 0o755)
 
+    def add_opener(self):
+        """Puts an opener of documents there, which only notes what it is to open."""
+        opener = self.path("/usr/local/bin/xdg-open")
+        with open(opener, "w", encoding="utf-8") as file:
+            file.write(f'#!/bin/sh\nprintf %s "$1" >{OPENED}.new && mv {OPENED}.new {OPENED}\n')
+        os.chmod(opener, 0o755)
+
     def path(self, inside):
         return self.root + inside
 
     def run(self, *command):
         return run("chroot", self.root, "/usr/bin/env", "DEBIAN_FRONTEND=noninteractive", "LC_ALL=C.UTF-8", *command)
 
+    def update(self):
+        shutil.copy("/etc/resolv.conf", self.path("/etc/resolv.conf"))
+        self.run("apt-get", "-q", "update")
+
     def install(self, package):
         name = "/" + os.path.basename(package)
         shutil.copy(package, self.path(name))
-        shutil.copy("/etc/resolv.conf", self.path("/etc/resolv.conf"))
-        self.run("apt-get", "-q", "update")
         # Without what is only recommended: it has to run with what it depends on.
         self.run("apt-get", "-q", "install", "-y", "--no-install-recommends", "." + name)
         os.unlink(self.path(name))
@@ -90,11 +101,21 @@ class Installed(machine.Machine):
         self.home, self.port = system.path(APPLICATION_FOLDER), DEFAULT_PORT
         self.system_log, self.calls_log = [], []
         self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
-        variables = {"HOME": HOME, "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8", **display.variables}
+        variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", **display.variables}
         self._command = ["chroot", f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
                          *(f"{name}={value}" for name, value in variables.items()), "orven"]
         self._environment, self._folder = dict(os.environ), folder
         self._start()
+
+    def start_again(self):
+        """Starts the program, which has ended."""
+        since = len(self.system_log)
+        self._start()
+        self.wait_for_line("LineOpen[", 20, since)
+
+    def settings(self):
+        with open(os.path.join(self.home, "registry.reg"), encoding="utf-8") as file:
+            return file.read()
 
 
 def enter_own_network():
@@ -148,6 +169,19 @@ def check_first_start(installed, system):
     demo.step("It is among the programs that start with the desktop")
 
 
+def check_help(installed, system, screen):
+    """F1 hands the first page to whatever opens documents; that page and all it leads to are there."""
+    window = wait_for("The main window", lambda: screen.main_window(installed.process), 20, installed.look)
+    screen.run("xdotool", "windowactivate", "--sync", window.number)
+    screen.run("xdotool", "key", "F1")
+    wait_for("The help", lambda: os.path.exists(system.path(OPENED)), 20, installed.look)
+    with open(system.path(OPENED), encoding="utf-8") as file:
+        address = file.read()
+    demo.check(address == f"file://{APPLICATION_FOLDER}/Help/index.htm", f"The help is to be found at {address!r}")
+    run(sys.executable, "-B", HELP_CHECK, os.path.dirname(system.path(address.removeprefix("file://"))))
+    demo.step("Its help opens, complete with its pictures")
+
+
 def check_call(installed, folder, screen):
     spoken = sound.speech(demo.MESSAGE, "en-gb+f2")
     greeting = demo.make_greeting(installed, screen)
@@ -164,6 +198,36 @@ def check_window(installed, screen):
     demo.step(f"Its window is shown: {os.path.realpath(SCREENSHOT)}")
 
 
+def newer(package, folder):
+    """The same package under a higher version. Returns its path and that version."""
+    content, version = os.path.join(folder, "newer"), run("dpkg-deb", "-f", package, "Version").strip()
+    control, higher = os.path.join(content, "DEBIAN", "control"), version + "+newer"
+    run("dpkg-deb", "-R", package, content)
+    with open(control, encoding="utf-8") as file:
+        text = file.read()
+    with open(control, "w", encoding="utf-8") as file:
+        file.write(text.replace(f"\nVersion: {version}\n", f"\nVersion: {higher}\n"))
+    run("dpkg-deb", "--root-owner-group", "-Znone", "-b", content, content + ".deb")
+    return content + ".deb", higher
+
+
+def check_upgrade(installed, system, package, folder):
+    """Nobody ends a program before upgrading it: it is idle meanwhile, and started again after it."""
+    before, password = data_of(system), installed.password()
+    upgrade, version = newer(package, folder)
+    system.install(upgrade)
+    there = system.run("dpkg-query", "-W", "-f", "${Version}", "orven")
+    demo.check(there == version, f"The clean system has version {there} after the upgrade to {version}")
+    demo.check(data_of(system) == before, "The upgrade changed the owner's data")
+    installed.exit()
+    settings, records, output = installed.settings(), installed.records(), installed.output()
+    installed.start_again()
+    demo.check(f'"{password}"' in settings and installed.settings() == settings, "The upgrade changed the settings")
+    demo.check(installed.records() == records and records, "The upgrade changed the call records")
+    demo.check(password not in installed.output()[len(output):], "The upgraded program takes this for its first start")
+    demo.step(f"The package is upgraded to {version}; settings and call are as they were")
+
+
 def check_removal(system):
     before = data_of(system)
     system.run("apt-get", "-q", "purge", "-y", "orven")
@@ -178,8 +242,10 @@ def check(package, folder):
     check_texts(package, folder)
     system = CleanSystem(folder)
     demo.step("There is a clean system")
+    system.update()
     system.install(package)
     system.run("useradd", "--create-home", OWNER)
+    system.add_opener()
     demo.step("The package and what it depends on are installed there")
     enter_own_network()
     run("mount", "-t", "proc", "proc", system.path("/proc"))
@@ -189,8 +255,10 @@ def check(package, folder):
             Installed(system, folder, demo.show_log_line, screen) as installed,
         ):
             check_first_start(installed, system)
+            check_help(installed, system, screen)
             check_call(installed, folder, screen)
             check_window(installed, screen)
+            check_upgrade(installed, system, package, folder)
             installed.exit()
         check_removal(system)
     finally:
