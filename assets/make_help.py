@@ -37,6 +37,7 @@ PAGE = """<!DOCTYPE html>
 </body>
 </html>
 """
+PICTURE = re.compile(r'<img [^>]*src="([^"]+)"[^>]*>')
 ADDRESS = re.compile(r'(href|src)="([^":]+)"')  # those within the guide: no scheme
 
 
@@ -86,6 +87,7 @@ def main(guide, style, folder):
     for name in order:
         body = markdown.markdown(texts[name], extensions=["tables", "toc", "fenced_code", "sane_lists"])
         body = ADDRESS.sub(lambda match: in_folder(guide, folder, match), body)
+        body = PICTURE.sub(r'<a href="\1">\g<0></a>', body)  # a wide one can be read at its own size
         page = PAGE.format(title=title_of(texts[name]), body=body, turn=turn(order, texts, name),
                            contents="\n".join(contents(order, texts, name)))
         with open(os.path.join(folder, name + ".htm"), "w", encoding="utf-8") as file:
