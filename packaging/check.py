@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Tries the Debian package as its user would: installs it on a clean system, starts it there, opens its
-help, calls it, upgrades it, and removes it again.
+help, calls it, listens to the message, upgrades it, and removes it again.
 
     check.py PACKAGE
 
@@ -10,6 +10,7 @@ own, in which there are only this machine and its telephone. Ends with 0 only wh
 fails keeps its folder.
 """
 
+import contextlib
 import ctypes
 import hashlib
 import os
@@ -21,11 +22,12 @@ import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "demo"))
+sys.path[:0] = [os.path.join(HERE, "..", "demo"), os.path.join(HERE, "..", "tests", "integration", "sound")]
 
 import demo  # noqa: E402
 import machine  # noqa: E402
 import sound  # noqa: E402
+import sound_case  # noqa: E402
 from display import Display  # noqa: E402
 from processes import Failed, wait_for  # noqa: E402
 
@@ -34,6 +36,7 @@ HOME = f"/home/{OWNER}"
 APPLICATION_FOLDER = f"{HOME}/.local/share/orven"
 AUTOSTART_ENTRY = f"{HOME}/.config/autostart/orven.desktop"
 OPENED = f"{HOME}/opened"  # by the clean system's opener of documents
+SOUND_SERVER = "/tmp/sound"
 DEFAULT_PORT = 5060  # of the telephone line that there is without lines.ini
 PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop")
 HELP_CHECK = os.path.join(HERE, "..", "tests", "house", "check_help.py")
@@ -101,7 +104,8 @@ class Installed(machine.Machine):
         self.home, self.port = system.path(APPLICATION_FOLDER), DEFAULT_PORT
         self.system_log, self.calls_log = [], []
         self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
-        variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", **display.variables}
+        variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
+                     "PULSE_SERVER": "unix:" + SOUND_SERVER, **display.variables}
         self._command = ["chroot", f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
                          *(f"{name}={value}" for name, value in variables.items()), "orven"]
         self._environment, self._folder = dict(os.environ), folder
@@ -186,7 +190,20 @@ def check_call(installed, folder, screen):
     spoken = sound.speech(demo.MESSAGE, "en-gb+f2")
     greeting = demo.make_greeting(installed, screen)
     demo.check_order(demo.leave_message(installed, folder, greeting, spoken), demo.STEPS_OF_A_CALL)
-    demo.check_message(demo.check_record(installed), spoken)
+    message = demo.check_record(installed)
+    demo.check_message(message, spoken)
+    return message
+
+
+def check_sound(installed, server, message, screen):
+    """The message, played by the program, is heard."""
+    wait_for("The end of the sound that tells of a message", lambda: not server.streams(), 20, installed.look)
+    heard = sound_case.Recording(server)
+    window = screen.main_window(installed.process)
+    screen.run("xdotool", "windowactivate", "--sync", window.number)
+    screen.run("xdotool", "key", "space")  # Edit, Play
+    wait_for("The sound", server.streams, 20, installed.look)
+    demo.check_quality("recorded, heard at the desk", sound.read(message), heard.finish())
 
 
 def check_window(installed, screen):
@@ -228,6 +245,19 @@ def check_upgrade(installed, system, package, folder):
     demo.step(f"The package is upgraded to {version}; settings and call are as they were")
 
 
+@contextlib.contextmanager
+def sound_server(folder, system):
+    """One with a card that can be listened to, which takes the sound of the clean system."""
+    os.mkdir(os.path.join(folder, "sound"))
+    server = sound_case.Server(os.path.join(folder, "sound"))
+    try:
+        server.start()
+        server.ask("load-module", "module-native-protocol-unix", "auth-anonymous=1", "socket=" + system.path(SOUND_SERVER))
+        yield server
+    finally:
+        server.end()
+
+
 def check_removal(system):
     before = data_of(system)
     system.run("apt-get", "-q", "purge", "-y", "orven")
@@ -252,11 +282,12 @@ def check(package, folder):
     try:
         with (
             Display(folder) as screen,
+            sound_server(folder, system) as server,
             Installed(system, folder, demo.show_log_line, screen) as installed,
         ):
             check_first_start(installed, system)
             check_help(installed, system, screen)
-            check_call(installed, folder, screen)
+            check_sound(installed, server, check_call(installed, folder, screen), screen)
             check_window(installed, screen)
             check_upgrade(installed, system, package, folder)
             installed.exit()
