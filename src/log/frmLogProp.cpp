@@ -44,6 +44,8 @@ frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
   chkLogSys_->setToolTip(tr("Write each step of the line, and what failed"));
   cmbLogFor_->setToolTip(tr("Files in the log folder that are older are deleted"));
   chkWornBeforeDelete_->setToolTip(tr("Ask before the log viewer deletes a log"));
+  // The caption and its window buttons are wider than what is below.
+  setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) * 3);
   auto* form = MakeChild<QFormLayout>();
   form->addRow(chkLogCalls_);
   form->addRow(chkLogSys_);

@@ -24,6 +24,7 @@ void ShowText(QComboBox& list, const std::string& text) {
   const auto shown = QString::fromStdString(text);
   list.setCurrentIndex(list.findText(shown, Qt::MatchExactly | Qt::MatchCaseSensitive));
   list.setEditText(shown);
+  list.setProperty(kShownFirst, shown);
   list.lineEdit()->setCursorPosition(0);
 }
 
@@ -141,10 +142,12 @@ void frmOptions::ShowCapabilities() {
     capabilities_[i]->setText(QString::fromStdString(values[i].second));
     there = there || !values[i].second.empty();
   }
-  const bool chosen = !cmbModemDev_->currentText().isEmpty();
-  no_device_->setText(there    ? QString()
-                      : chosen ? tr("There is no device of this name now.")
-                               : tr("No device is chosen."));
+  const auto device = cmbModemDev_->currentText();
+  const bool waits = there && parts_.engine.AnotherLineIsOpen(device.toStdString());
+  no_device_->setText(waits              ? tr("It is used once the line has been turned off and on again.")
+                      : there            ? QString()
+                      : device.isEmpty() ? tr("No device is chosen.")
+                                         : tr("There is no device of this name now."));
 }
 
 void frmOptions::ShowPasswordHint() {

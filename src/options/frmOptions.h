@@ -18,6 +18,9 @@
 
 namespace orven {
 
+/// Property of a number's list: the text that it showed first.
+inline constexpr const char* kShownFirst = "shownFirst";
+
 /// The options dialog. It shows what the engine loads and hands over what a person does; every control's
 /// object name is its name in this program. Modal to the main window only, so that calls go on. While
 /// messages are being moved it says so and stays. User-interface thread.

@@ -27,14 +27,15 @@ QString Name(const char* name) {
   return QString::fromLatin1(name);
 }
 
-/// Whole numbers; a field that is left without one gets the least.
+/// Whole numbers; a field that is left without one gets back what it showed first.
 class WholeNumber : public QIntValidator {
  public:
   using QIntValidator::QIntValidator;
   State validate(QString& text, int& place) const override {
-    return text.toInt() > top() ? Invalid : QIntValidator::validate(text, place);
+    if (text.toInt() > top() || (text.size() > 1 && text.startsWith(u'0'))) return Invalid;
+    return QIntValidator::validate(text, place);
   }
-  void fixup(QString& text) const override { text = QString::number(bottom()); }
+  void fixup(QString& text) const override { text = parent()->property(kShownFirst).toString(); }
 };
 
 QHBoxLayout* MakeRow(QWidget* page) {

@@ -127,6 +127,10 @@ std::vector<std::pair<std::string, std::string>> OptionsDialog::Capabilities(
           {"Auto Voice:", flag(capabilities.automated_voice)}};
 }
 
+bool OptionsDialog::AnotherLineIsOpen(const std::string& device) const {
+  return parts_.line.LineOn() && parts_.line.FindByName(device) != parts_.line.CurrentIndex();
+}
+
 void OptionsDialog::Watch(OptionsView* view) {
   view_ = view;
   ticks_ = 0;
@@ -143,7 +147,7 @@ void OptionsDialog::LookAgain() {
 void OptionsDialog::BrowsMessagesPath() {
   const ErrorTrap trap(parts_.log, "ErrcmdBrowsMessagesPath ");
   std::string path;
-  trap([&] { path = parts_.dialogs.BrowseFolder("Save Messages To"); });
+  trap([&] { path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.shared.messages_path); });
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;

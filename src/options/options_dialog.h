@@ -112,6 +112,9 @@ class OptionsDialog {
   /// What a device can do, as labels with their values; the values are empty when there is no such device.
   std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
 
+  /// Whether the line is on with another device than this one: it stays so until it is opened anew.
+  bool AnotherLineIsOpen(const std::string& device) const;
+
   /// Tells `view` from now on what changes by itself; nullptr when the dialog closes.
   void Watch(OptionsView* view);
 

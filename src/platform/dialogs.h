@@ -32,9 +32,9 @@ class Dialogs {
   /// cancelled.
   virtual std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) = 0;
 
-  /// Browse for folder: an existing one, without a separator at its end unless it is the root. Its path, or
-  /// an empty text when cancelled.
-  virtual std::string BrowseFolder(const std::string& title) = 0;
+  /// Browse for folder, beginning at `present`: an existing one, without a separator at its end unless it is
+  /// the root. Its path, or an empty text when cancelled.
+  virtual std::string BrowseFolder(const std::string& title, const std::string& present) = 0;
 };
 
 }  // namespace orven

@@ -2,6 +2,7 @@
 #include "records/call_store.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/conversions.h"
 #include "core/error_trap.h"
@@ -16,8 +17,14 @@ namespace {
 constexpr std::size_t kNamedInBox = 10;
 
 std::string RefusalText(const std::string& folder, const std::string& reason) {
-  return "Messages cannot be stored in " + folder + "\n\n" + reason +
-         "\n\nNothing was changed. Choose another folder.";
+  return "The messages cannot be moved to " + folder + "\n\n" + reason + "\n\nNothing was changed.";
+}
+
+std::string BrokenOffText(const std::string& from, const std::string& to, const std::string& reason) {
+  return "The move of the messages to " + to + " was broken off and cannot go on.\n\n" + reason +
+         "\n\nMessages that were moved are in " + to + "\nThe others are in " + from +
+         "\n\nThe move goes on when the program starts and both folders are there, or when you choose " + to +
+         " in the options again.";
 }
 
 std::string StayedText(const std::string& folder, const std::vector<std::string>& names) {
@@ -124,7 +131,14 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
   trap([&] { list_.Remove(index); });
   if (key.empty()) return;
   trap([&] { StopPlayerOn(key); });
-  trap([&] { ports_.files.Delete(shared_.messages_path + key); });
+  trap([&] { DeleteMessage(key); });
+}
+
+void CallStore::DeleteMessage(const std::string& name) {
+  const auto places = ports_.folders.PlacesOf(name);
+  if (!relocation_) return ports_.files.Delete(FirstThere(ports_.files, places));
+  ports_.background.Run([&files = ports_.files, places] { files.Delete(FirstThere(files, places)); },
+                        LogFailure("ErrDeleteItemIndex "));
 }
 
 void CallStore::StopPlayerOn(const std::string& key) {
@@ -145,25 +159,40 @@ void CallStore::ClearUpTo(std::int64_t newest) {
 }
 
 void CallStore::SaveFile(const std::string& path) {
+  if (const auto target = AskForTarget(path)) CopyInBackground({path}, *target);
+}
+
+void CallStore::SaveMessage(const std::string& name) {
+  // The message may move while the person looks for a place.
+  if (const auto target = AskForTarget(name)) CopyInBackground(ports_.folders.PlacesOf(name), *target);
+}
+
+std::optional<std::string> CallStore::AskForTarget(const std::string& path) {
   const ErrorTrap trap(ports_.system_log, "ErrSaveFile ");
   trap([&] { StopPlayerOn(FileNamePart(path)); });
+  std::optional<std::string> target;
   trap([&] {
     const auto extension = path.size() < 3 ? path : path.substr(path.size() - 3);
     const auto filter =
         extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
-    const auto target = ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
-    if (target) CopyInBackground(path, *target);
+    target = ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
   });
+  return target;
 }
 
-void CallStore::CopyInBackground(const std::string& path, const std::string& target) {
-  ports_.background.Run([&files = ports_.files, path, target] { files.Copy(path, target); },
-                        [this](const std::exception_ptr& failure) {
-                          const ErrorTrap trap(ports_.system_log, "ErrSaveFile ");
-                          trap([&] {
-                            if (failure) std::rethrow_exception(failure);
-                          });
-                        });
+void CallStore::CopyInBackground(const std::vector<std::string>& places, const std::string& target) {
+  ports_.background.Run(
+      [&files = ports_.files, places, target] { files.Copy(FirstThere(files, places), target); },
+      LogFailure("ErrSaveFile "));
+}
+
+Background::Done CallStore::LogFailure(const std::string& label) {
+  return [this, label](const std::exception_ptr& failure) {
+    const ErrorTrap trap(ports_.system_log, label);
+    trap([&] {
+      if (failure) std::rethrow_exception(failure);
+    });
+  };
 }
 
 std::vector<std::string> CallStore::MessageNames() const {
@@ -180,13 +209,19 @@ std::vector<std::string> CallStore::MessageNames() const {
   return names;
 }
 
-void CallStore::RelocateMessages(const std::string& new_folder, std::function<void(bool)> done) {
+void CallStore::RelocateMessages(const std::string& new_folder, MoveMemory memory, bool old_needed) {
   if (relocation_) return;
+  const auto begin = [this, new_folder, remember = memory.begin] {
+    if (!remember()) return false;
+    ports_.folders.SetNext(new_folder);
+    return true;
+  };
   relocation_ = std::make_shared<MessageRelocation>(
       MessageRelocation::Ports{ports_.files, ports_.background, ports_.system_log},
-      MessageRelocation::Folders{shared_.messages_path, new_folder}, [this] { return MessageNames(); },
-      [this, new_folder, done = std::move(done)](const MessageRelocation::Outcome& outcome) {
-        EndRelocation(new_folder, done, outcome);
+      MessageRelocation::Folders{shared_.messages_path, new_folder, old_needed},
+      [this] { return MessageNames(); }, begin,
+      [this, new_folder, memory = std::move(memory)](const MessageRelocation::Outcome& outcome) {
+        EndRelocation(new_folder, memory, outcome);
       });
   relocation_->Start();
 }
@@ -196,22 +231,27 @@ std::optional<RelocationProgress> CallStore::Relocating() const {
   return relocation_->Progress();
 }
 
-void CallStore::EndRelocation(const std::string& new_folder, const std::function<void(bool)>& done,
+void CallStore::EndRelocation(const std::string& new_folder, const MoveMemory& memory,
                               const MessageRelocation::Outcome& outcome) {
   const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
-  const auto old_folder = shared_.messages_path;
-  const bool refused = !outcome.refusal.empty();
+  const auto end = memory.end;  // which dies with the relocation
   relocation_.reset();
-  if (!refused) {
-    settings_.MassagesPath = new_folder;
-    shared_.messages_path = new_folder;
-  }
+  if (!outcome.refusal.empty()) return TellOfRefusal(new_folder, outcome.refusal);
+  const auto old_folder = std::exchange(shared_.messages_path, new_folder);
+  settings_.MassagesPath = new_folder;
+  ports_.folders.SetNext({});
+  trap([&] { end(); });
   trap([&] {
-    if (done) done(!refused);
-  });
-  trap([&] {
-    if (refused) ports_.dialogs.Information(RefusalText(new_folder, outcome.refusal));
     if (!outcome.stayed.empty()) ports_.dialogs.Information(StayedText(old_folder, outcome.stayed));
+  });
+}
+
+void CallStore::TellOfRefusal(const std::string& new_folder, const std::string& reason) {
+  const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
+  trap([&] {
+    const bool broken_off = new_folder == ports_.folders.Next();
+    ports_.dialogs.Information(broken_off ? BrokenOffText(shared_.messages_path, new_folder, reason)
+                                          : RefusalText(new_folder, reason));
   });
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/activity_log.h"
 #include "core/settings.h"
@@ -16,6 +17,7 @@
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/call_list.h"
+#include "records/message_folders.h"
 #include "records/message_relocation.h"
 
 namespace orven {
@@ -38,6 +40,7 @@ class CallStore {
   struct Ports {
     DatabaseControl& DataBase1;
     Files& files;
+    MessageFolders& folders;
     Background& background;
     const WaveControl& Wave1;  ///< measures message files
     Dialogs& dialogs;
@@ -61,23 +64,33 @@ class CallStore {
   /// Marks the call behind a row read or unread, unless it is so already.
   void MarkAsReadUnRead(std::int32_t index, bool read);
 
-  /// Deletes the record behind a row and, when the row has a message, the message file. The caller
-  /// rebuilds the list.
+  /// Deletes the record behind a row and, when the row has a message, the message file: while messages
+  /// move, in the background, behind the one that moves at the moment. The caller rebuilds the list.
   void DeleteItemIndex(std::int32_t index);
 
   /// Deletes the record with this identity and all older ones, and rebuilds the list. Message files
   /// stay where they are.
   void ClearUpTo(std::int64_t newest);
 
-  /// Copies the message file at `path` to where the person at the desk wants it, in the background.
+  /// Copies the file at `path` to where the person at the desk wants it, in the background.
   void SaveFile(const std::string& path);
+  /// The same with the message file of this name.
+  void SaveMessage(const std::string& name);
+
+  /// How a move of the messages is remembered when the program ends before it does.
+  struct MoveMemory {
+    /// Before the first message moves; false when it cannot be remembered, and then none moves.
+    std::function<bool()> begin = [] { return true; };
+    /// The new folder is the messages path now, in the program.
+    std::function<void()> end = [] {};
+  };
 
   /// Moves every message file to `new_folder` (ending in a separator), in the background; afterwards that
-  /// is the messages path in the program, even when some could not be moved, and `done` hears true: it stores
-  /// the setting. A box and the log name the messages that stayed behind. A folder that cannot be written is
-  /// refused with a box before anything moves, and `done` hears false. Nothing while an earlier move is not
-  /// done.
-  void RelocateMessages(const std::string& new_folder, std::function<void(bool moved)> done = {});
+  /// is the messages path in the program, even when some could not be moved. A box and the log name the
+  /// messages that stayed behind. A folder that cannot be written is refused with a box before anything
+  /// moves, and so is, with `old_needed`, an old one that is not there. What was Next before stays so then:
+  /// some messages may be there. Nothing while an earlier move is not done.
+  void RelocateMessages(const std::string& new_folder, MoveMemory memory, bool old_needed = false);
 
   /// How far the move is; nothing when there is none.
   std::optional<RelocationProgress> Relocating() const;
@@ -87,11 +100,15 @@ class CallStore {
   void BringMessageAlong(Call& call);
   void AddRecord(const Call& call);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
-  void CopyInBackground(const std::string& path, const std::string& target);
+  void DeleteMessage(const std::string& name);
+  std::optional<std::string> AskForTarget(const std::string& path);
+  void CopyInBackground(const std::vector<std::string>& places, const std::string& target);
+  Background::Done LogFailure(const std::string& label);
   void StopPlayerOn(const std::string& key);
   std::vector<std::string> MessageNames() const;
-  void EndRelocation(const std::string& new_folder, const std::function<void(bool)>& done,
+  void EndRelocation(const std::string& new_folder, const MoveMemory& memory,
                      const MessageRelocation::Outcome& outcome);
+  void TellOfRefusal(const std::string& new_folder, const std::string& reason);
 
   Ports ports_;
   CallList& list_;

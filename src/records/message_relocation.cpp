@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/message_relocation.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "core/error_trap.h"
 
 namespace orven {
@@ -22,6 +25,18 @@ std::string Reason(const std::exception_ptr& failure) {
 void Log(SystemLog& log, const std::exception_ptr& failure) {
   const ErrorTrap trap(log, kLabel);
   trap([&] { std::rethrow_exception(failure); });
+}
+
+bool SameContent(const Files& files, const std::string& one, const std::string& other) {
+  constexpr std::size_t kBlock = 1U << 16U;
+  for (std::uint64_t offset = 0;;) {
+    const auto left = files.ReadPart(one, offset, kBlock);
+    const auto right = files.ReadPart(other, offset, kBlock);
+    const auto size = std::min(left.size(), right.size());
+    if (size == 0) return left.size() == right.size();
+    if (left.compare(0, size, right, 0, size) != 0) return false;
+    offset += size;
+  }
 }
 
 /// A name that no file has in either folder.
@@ -50,6 +65,7 @@ void MessageRelocation::Start() {
         trial->same_folder = files.Exists(folders.from + name);
         const auto trap = ErrorTrap::Silent();  // an empty file too many harms nobody
         trap([&] { files.Delete(folders.to + name); });
+        if (folders.from_needed) files.List(folders.from, name);
       },
       [weak = weak_from_this(), trial](const std::exception_ptr& failure) {
         if (const auto self = weak.lock()) self->Tried(*trial, failure);
@@ -65,6 +81,10 @@ void MessageRelocation::Tried(const Trial& trial, const std::exception_ptr& fail
   if (trial.same_folder) return done_(outcome_);
   if (!CollectNames()) {
     outcome_.refusal = "The calls cannot be read";
+    return done_(outcome_);
+  }
+  if (!begin_()) {
+    outcome_.refusal = "The settings cannot be stored; the system log tells more.";
     return done_(outcome_);
   }
   MoveNext();
@@ -91,8 +111,9 @@ void MessageRelocation::MoveNext() {
           files.Rename(from, to);
         } catch (...) {
           *gone = !files.Exists(from);
-          // An earlier move that broke off may have brought it there.
-          if (!*gone || !files.Exists(to)) throw;
+          // An earlier move may have brought it there, or have broken off between copying and deleting.
+          if (!files.Exists(to) || (!*gone && !SameContent(files, from, to))) throw;
+          if (!*gone) files.Delete(from);
         }
       },
       [weak = weak_from_this(), name, gone](const std::exception_ptr& failure) {

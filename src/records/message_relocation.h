@@ -22,7 +22,8 @@ struct RelocationProgress {
 
 /// Moves message files from one folder to another, one after the other in the background, and overwrites
 /// nothing. Every file is in exactly one of the two folders at any time a person can look, also after a
-/// failure. When its owner lets go of it, it stops after the file that it is at. User-interface thread.
+/// failure; one that a killed program left in both is there once when it is done. When its owner lets go of
+/// it, it stops after the file that it is at. User-interface thread.
 class MessageRelocation : public std::enable_shared_from_this<MessageRelocation> {
  public:
   struct Ports {
@@ -35,6 +36,7 @@ class MessageRelocation : public std::enable_shared_from_this<MessageRelocation>
   struct Folders {
     std::string from;
     std::string to;
+    bool from_needed = false;  ///< without the old folder nothing begins, or it would pass for empty
   };
 
   struct Outcome {
@@ -45,10 +47,16 @@ class MessageRelocation : public std::enable_shared_from_this<MessageRelocation>
   /// The messages' names at this moment; a call that ends meanwhile adds to them. Throws when the records
   /// cannot be read.
   using Names = std::function<std::vector<std::string>()>;
+  /// Comes before the first message moves. False when the move cannot be remembered: then none does.
+  using Begin = std::function<bool()>;
   using Done = std::function<void(const Outcome& outcome)>;
 
-  MessageRelocation(Ports ports, Folders folders, Names names, Done done)
-      : ports_(ports), folders_(std::move(folders)), names_(std::move(names)), done_(std::move(done)) {}
+  MessageRelocation(Ports ports, Folders folders, Names names, Begin begin, Done done)
+      : ports_(ports),
+        folders_(std::move(folders)),
+        names_(std::move(names)),
+        begin_(std::move(begin)),
+        done_(std::move(done)) {}
 
   /// Looks whether the new folder can be written, then moves. `done` comes once, later, in the same task
   /// in which the last name has been looked for: no message can be filed between the two.
@@ -67,6 +75,7 @@ class MessageRelocation : public std::enable_shared_from_this<MessageRelocation>
   Ports ports_;
   Folders folders_;
   Names names_;
+  Begin begin_;
   Done done_;
   std::set<std::string> tried_;      ///< every name that was ever in the line
   std::deque<std::string> waiting_;  ///< the line

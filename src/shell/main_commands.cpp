@@ -55,7 +55,9 @@ void MainCommands::ShowPage(const std::string& address) {
 void MainCommands::Open(const std::string& target) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    if (!parts_.shell.Open(target)) parts_.log.WriteSystem("Cannot open " + target);
+    if (parts_.shell.Open(target)) return;
+    parts_.log.WriteSystem("Cannot open " + target);
+    parts_.messages.Information("Nothing on this computer opens " + target);
   });
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "platform/dialogs.h"
 #include "platform/mouse.h"
 #include "platform/shell.h"
 #include "records/list_commands.h"
@@ -28,6 +29,7 @@ class MainCommands {
     LocalPlayer& player;
     GreetingCommands& greetings;
     DialogFactory& dialogs;
+    Dialogs& messages;
     Shell& shell;
     const SharedOptions& shared;
     SystemLog& log;

@@ -33,7 +33,7 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& 
       system_(system),
       end_process_(std::move(end_process)),
       machine_(ports, views, shared),
-      commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.shell, shared,
+      commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs, ports.shell, shared,
                  machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
       TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })),
       TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}

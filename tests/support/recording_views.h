@@ -207,9 +207,10 @@ class ScriptedShell : public Shell {
     return done;
   }
   bool HasNotificationArea() const override { return notification_area; }
+  bool opens = true;
   bool Open(const std::string& target) override {
     opened.push_back(target);
-    return true;
+    return opens;
   }
   /// Commands with their window styles.
   std::vector<std::pair<std::string, std::int32_t>> started;
@@ -302,7 +303,7 @@ class ScriptedDialogs : public Dialogs {
     return save_as;
   }
   std::string browsed, browse_title;
-  std::string BrowseFolder(const std::string& title) override {
+  std::string BrowseFolder(const std::string& title, const std::string& /*present*/) override {
     browse_title = title;
     return browsed;
   }

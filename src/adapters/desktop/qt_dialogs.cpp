@@ -5,7 +5,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QPointer>
 #include <QStandardPaths>
 #include <QStringList>
 #include <iostream>
@@ -27,15 +26,12 @@ QMessageBox::Icon IconOf(QuestionIcon icon) {
 /// Shows a box over the active window and returns the button that closed it.
 int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
         QMessageBox::StandardButton safe) {
-  const QPointer<QWidget> window = QApplication::activeWindow();
-  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, window);
+  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons,
+                  QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);  // a greeting's or caller's name is never markup
   box.setDefaultButton(safe);
   box.setEscapeButton(safe);
-  const int button = box.exec();
-  // Some window managers give the keyboard to nobody when the caller view is on the screen.
-  if (window) window->activateWindow();
-  return button;
+  return box.exec();
 }
 
 /// Shows a file dialog; the folder of what is chosen is kept in `folder`.
@@ -72,8 +68,7 @@ QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
     : has_display_(has_display),
       text_output_(text_output),
       save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
-      open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)),
-      browse_folder_(QStandardPaths::writableLocation(QStandardPaths::HomeLocation)) {}
+      open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)) {}
 
 void QtDialogs::Message(const std::string& text) {
   if (!has_display_) return Tell(text);
@@ -119,15 +114,16 @@ std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const s
   return Chosen(dialog, open_folder_);
 }
 
-std::string QtDialogs::BrowseFolder(const std::string& title) {
+std::string QtDialogs::BrowseFolder(const std::string& title, const std::string& present) {
   if (!has_display_) {
     Tell(title + " (no display to ask on: cancelled)");
     return {};
   }
-  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), browse_folder_);
+  auto folder = QString::fromStdString(present);
+  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), folder);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
-  return Chosen(dialog, browse_folder_).value_or("");
+  return Chosen(dialog, folder).value_or("");
 }
 
 void QtDialogs::Tell(const std::string& text) {

@@ -27,7 +27,7 @@ class QtDialogs final : public Dialogs {
   std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                     const std::string& suggested_name) override;
   std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override;
-  std::string BrowseFolder(const std::string& title) override;
+  std::string BrowseFolder(const std::string& title, const std::string& present) override;
 
  private:
   void Tell(const std::string& text);
@@ -35,8 +35,7 @@ class QtDialogs final : public Dialogs {
   bool has_display_;
   std::ostream& text_output_;
   QString save_folder_;  ///< where the last file was saved
-  QString open_folder_;
-  QString browse_folder_;  ///< where the last file was opened
+  QString open_folder_;  ///< where the last file was opened
 };
 
 }  // namespace orven

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "adapters/desktop/dialog_focus.h"
 #include "platform/telephone_lines.h"
 #include "shell/answering_machine.h"
 #include "shell/dialog_factory.h"
@@ -40,6 +41,7 @@ class ProgramDialogs : public DialogFactory {
   std::optional<std::string> MakeGreeting(QWidget* parent);
   void OpenLog();
 
+  DialogFocus focus_;
   EnginePorts ports_;
   std::function<void()> look_for_cards_;
   AnsweringMachine* machine_ = nullptr;

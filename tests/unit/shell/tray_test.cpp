@@ -6,6 +6,7 @@
 namespace orven::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using enum NotifyIconPicture;
 
@@ -116,6 +117,10 @@ TEST(MainCommands, EachKeyDoesItsOwn) {
                           std::pair(Dialog::frmGreetC, 0), std::pair(Dialog::frmOptions, 2)));
   commands.ShowHelp();
   EXPECT_THAT(world.shell.opened, ElementsAre("/home/orven/Help/index.htm"));
+  world.shell.opens = false;
+  commands.ShowHelp();
+  EXPECT_THAT(world.dialogs.informations,
+              Contains("Nothing on this computer opens /home/orven/Help/index.htm"));
   world.RunFor(1s);
   world.Machine().ListView1.Select(1);
   commands.ToolBarPlayer_ButtonClick("Play");

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "adapters/line/sip/listen_addresses.h"
+#include "adapters/line/sip/network_words.h"
 
 namespace orven {
 namespace {
@@ -22,8 +23,6 @@ constexpr int kRefreshPercent = 80;
 
 /// The connection to the server is watched, not probed: servers need not answer probes.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
-
-constexpr const char* kNotSent = "the request cannot be sent";
 
 bool DecodeAccount(const std::string& account, uri& parsed) {
   pl text{};
@@ -120,7 +119,11 @@ Registration::~Registration() {
 
 void Registration::Start() {
   if (!registered_) settings_.registration_news({});
-  if (!Send(life_)) RetryLater(kNotSent);
+  Ask(life_);
+}
+
+void Registration::Ask(seconds life) {
+  if (const int error = Send(life); error != 0) RetryLater(NetworkWords(settings_, error, ""), 0, error);
 }
 
 void Registration::End() {
@@ -131,7 +134,7 @@ void Registration::End() {
   registered_ = false;
 }
 
-bool Registration::Send(seconds life) {
+int Registration::Send(seconds life) {
   asked_ = life;
   const auto contact = [](sip_transp transport, const sa* source, const sa* server, mbuf* request,
                           void* self) {
@@ -141,7 +144,7 @@ bool Registration::Send(seconds life) {
     static_cast<Registration*>(self)->TakeResponse(error, message);
   };
   return sip_drequestf(&request_, &stack_, true, "REGISTER", dialog_.get(), 0, auth_.get(), contact, response,
-                       this, "Content-Length: 0\r\n\r\n") == 0;
+                       this, "Content-Length: 0\r\n\r\n");
 }
 
 int Registration::WriteContact(sip_transp transport, const sa& source, const sa& server,
@@ -166,21 +169,17 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
       if (sip_auth_authenticate(auth_.get(), response) != 0)
         return RetryLater("the server's question cannot be answered", response->scode);
     }
-    if (Send(asked_)) return;
+    return Ask(asked_);
   }
   if (error == 0 && response->scode == 423) {
     const sip_hdr* least = sip_msg_hdr(response, SIP_HDR_MIN_EXPIRES);
     const seconds wanted(least != nullptr ? pl_u32(&least->val) : 0);
     if (wanted > life_) {
       life_ = wanted;
-      if (Send(life_)) return;
+      return Ask(life_);
     }
   }
-  if (error != 0) {
-    const std::string refusal = refusal_();
-    return RetryLater(refusal.empty() ? ErrorWords(error) : "its certificate is not accepted: " + refusal, 0,
-                      error);
-  }
+  if (error != 0) return RetryLater(NetworkWords(settings_, error, refusal_()), 0, error);
   RetryLater(std::to_string(response->scode) + " " + std::string(View(response->reason)), response->scode);
 }
 

@@ -28,7 +28,10 @@ class Registration {
   void End();
 
  private:
-  bool Send(std::chrono::seconds life);
+  /// Sends a request, and after a failure tries again later.
+  void Ask(std::chrono::seconds life);
+  /// An errno value, or 0.
+  int Send(std::chrono::seconds life);
   void TakeResponse(int error, const sip_msg* response);
   void Registered(const sip_msg& response);
   /// `status` and `error` as in RegistrationNews.
