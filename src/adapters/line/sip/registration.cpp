@@ -2,7 +2,6 @@
 #include "adapters/line/sip/registration.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <new>
 #include <utility>
 

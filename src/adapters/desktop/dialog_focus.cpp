@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/desktop/dialog_focus.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QEvent>
+#include <QWindow>
+
+namespace orven {
+
+DialogFocus::DialogFocus() {
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool DialogFocus::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::Hide || event->spontaneous()) return false;
+  const auto* dialog = qobject_cast<QDialog*>(watched);
+  if (dialog == nullptr || dialog->parentWidget() == nullptr) return false;
+  QWidget* below = dialog->parentWidget()->window();
+  // Whoever works in another program meanwhile keeps the keyboard there.
+  if (QGuiApplication::focusWindow() == dialog->windowHandle() && below->isVisible()) below->activateWindow();
+  return false;
+}
+
+}  // namespace orven

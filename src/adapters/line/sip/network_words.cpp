@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/network_words.h"
+
+#include <cerrno>
+
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/listen_addresses.h"
+
+namespace orven {
+namespace {
+
+/// As the account has it: perhaps with a port.
+std::string ServerOf(const SipLineSettings& line) {
+  return line.account.substr(line.account.find('@') + 1);
+}
+
+bool IsNamed(const std::string& server) {
+  sa address{};
+  return sa_set_str(&address, server.substr(0, server.rfind(':')).c_str(), 0) != 0;
+}
+
+std::string NoWayWords(const SipLineSettings& line, int error) {
+  const auto listen = ParseListenAddress(line.listen);
+  const bool everywhere = listen && sa_is_any(&*listen);
+  return "there is no way from " + line.listen.substr(0, line.listen.rfind(':')) + " to " + ServerOf(line) +
+         " (" + ErrorWords(error) + ")" +
+         (everywhere ? "" : ": 0.0.0.0 as address for calls uses every network");
+}
+
+std::string TlsWords(const SipLineSettings& line, int error, const std::string& refusal) {
+  const std::string words = "no encrypted connection to " + ServerOf(line) + " comes about (";
+  if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
+  // RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
+  return words + ErrorWords(error) + "): the port for TLS is often 5061";
+}
+
+}  // namespace
+
+std::string NetworkWords(const SipLineSettings& line, int error, const std::string& refusal) {
+  const auto server = ServerOf(line);
+  switch (error) {
+    // What the library and the resolver make of a name that leads nowhere.
+    case ENOENT:
+    case EDESTADDRREQ:
+    case EADDRNOTAVAIL:
+      if (!IsNamed(server)) return NoWayWords(line, error);
+      return "there is no server named " + server + ": its address cannot be found";
+    case ETIMEDOUT: return "there is no answer from " + server;
+    case ECONNREFUSED:
+      return "the connection to " + server + " is refused: nothing listens there for " + line.transport +
+             " at this port";
+    // The last two: what is bound to this computer only, or to one network, is sent elsewhere.
+    case ENETUNREACH:
+    case EHOSTUNREACH:
+    case EINVAL:
+    case EACCES: return NoWayWords(line, error);
+    default: break;
+  }
+  if (line.transport == "tls") return TlsWords(line, error, refusal);
+  return server + " cannot be reached (" + ErrorWords(error) + ")";
+}
+
+}  // namespace orven
