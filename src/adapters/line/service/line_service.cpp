@@ -57,6 +57,11 @@ ServicedLine* LineService::OpenLineAt(std::int32_t index) const {
   return line != nullptr && line->IsOpen() ? line : nullptr;
 }
 
+std::string LineService::OpenFailure(std::int32_t index) const {
+  const auto* line = At(index);
+  return line != nullptr ? line->LastError() : "";
+}
+
 std::int32_t LineService::LineInitialize() {
   return lines_.empty() ? kTelephonyNoDevices : kTelephonyOk;
 }

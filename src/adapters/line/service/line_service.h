@@ -28,6 +28,9 @@ class LineService : public TelephonyControl, public AudioDevices {
   /// control may still know their audio devices.
   bool Replace(std::vector<std::unique_ptr<LineDriver>> drivers);
 
+  /// The driver's own words on why the latest LineOpen of this line failed; empty when it did not.
+  std::string OpenFailure(std::int32_t index) const;
+
   void SetEvents(TelephonyEvents* events) override { events_ = events; }
   std::int32_t LineInitialize() override;
   std::string ErrorText(std::int32_t result) const override;

@@ -11,9 +11,11 @@
 #include "adapters/files/utf8.h"
 #include "adapters/line/service/lines_text.h"
 #include "adapters/line/setup/line_sections.h"
+#include "adapters/line/setup/line_settings.h"
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/serial_ports.h"
 #include "adapters/line/setup/sip_line_test.h"
+#include "adapters/line/sim/sim_script.h"
 #include "platform/runtime_error.h"
 
 namespace orven {
@@ -46,6 +48,16 @@ std::string RegistrationWords(const RegistrationNews& news) {
   }
 }
 
+LineTestResult ReadScript(const std::string& path) {
+  if (path.empty()) return {true, "The simulated line has no script: nobody calls."};
+  std::vector<std::string> complaints;
+  const auto steps = ReadSimScript(path, complaints).size();
+  if (complaints.empty())
+    return {true, "The script can be played; it has " + std::to_string(steps) + " steps."};
+  const auto more = complaints.size() - 1;
+  return {false, complaints.front() + (more > 0 ? " (and " + std::to_string(more) + " more)" : "") + '.'};
+}
+
 }  // namespace
 
 TelephoneLines::Configured FileTelephoneLines::Read() {
@@ -71,7 +83,7 @@ const LineSection* FileTelephoneLines::SectionAt(int head) const {
 
 void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
   if (FileExists(path_) != exists_ || ContentOf(path_) != text_) {
-    throw RuntimeError(ErrorNumber::PermissionDenied,
+    throw RuntimeError(ErrorNumber::PathAccessError,
                        path_ + " was changed meanwhile, and nothing was stored; open the window again");
   }
   std::vector<LineEdit> edits;
@@ -80,11 +92,16 @@ void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
     edits.push_back(EditOf(line, SectionAt(line.origin)));
     if (!is_text) edits.back().head = 0;
   }
-  if (!file_.complaints.empty() && (stored_.empty() || text_ != stored_)) SetAside();
+  if (!is_text) SetAside();  // what is wrong in a text stays there
   const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
   const auto text = EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits);
   ReplaceFile(path_, text, kOwnerOnly);
-  stored_ = text;
+}
+
+/// As the file would have `line`, with what no window shows.
+LineSection FileTelephoneLines::SectionOf(const TelephoneLine& line) const {
+  const auto edit = EditOf(line, SectionAt(line.origin));
+  return {edit.name, edit.head, edit.type, edit.values};
 }
 
 void FileTelephoneLines::SetAside() const {
@@ -100,18 +117,20 @@ std::vector<SerialPortFound> FileTelephoneLines::SerialPorts() const {
 }
 
 std::int32_t FileTelephoneLines::DeviceOf(const TelephoneLine& line) const {
+  const auto section = SectionOf(line);
   const auto& devices = states_.Devices();
   for (std::size_t index = 0; index < devices.size(); ++index) {
-    auto device = LineOf(devices[index].section);
-    device.origin = line.origin;  // the file may have got other lines above it
-    if (device == line) return static_cast<std::int32_t>(index);
+    const auto& device = devices[index].section;  // the file may have got other lines above it
+    if (device.name == section.name && device.type == section.type && device.values == section.values) {
+      return static_cast<std::int32_t>(index);
+    }
   }
   return -1;
 }
 
 bool FileTelephoneLines::AnyOpen() const {
-  for (std::int32_t index = 0; index < control_.GetNumDevs(); ++index) {
-    if (control_.IsLineOpen(index)) return true;
+  for (std::int32_t index = 0; index < service_.GetNumDevs(); ++index) {
+    if (service_.IsLineOpen(index)) return true;
   }
   return false;
 }
@@ -120,7 +139,9 @@ std::string FileTelephoneLines::State(const TelephoneLine& line) const {
   if (line.kind == LineKind::Modem) return "Not usable in this version";
   const auto device = DeviceOf(line);
   if (device < 0) return "Not in use yet";
-  if (!control_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
+  if (const auto failure = service_.OpenFailure(device); !failure.empty())
+    return "Could not be opened: " + failure;
+  if (!service_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
   if (line.server.empty()) return "Waiting for calls";
   return RegistrationWords(states_.Devices()[static_cast<std::size_t>(device)].registration->Latest());
 }
@@ -131,7 +152,7 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   for (std::size_t index = 0; index < devices.size(); ++index) {
     const auto device = LineOf(devices[index].section);
     if (device.user == line.user && device.server == line.server &&
-        control_.IsLineOpen(static_cast<std::int32_t>(index)) &&
+        service_.IsLineOpen(static_cast<std::int32_t>(index)) &&
         devices[index].registration->Latest().state == RegistrationNews::State::Registered) {
       return true;
     }
@@ -139,21 +160,32 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   return false;
 }
 
+/// Where this program waits for calls now, so that no test can.
+std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
+  std::vector<std::string> addresses;
+  const auto& devices = states_.Devices();
+  for (std::size_t index = 0; index < devices.size(); ++index) {
+    if (!service_.IsLineOpen(static_cast<std::int32_t>(index))) continue;
+    for (const char* key : {"listen", "tls_listen"}) {
+      const auto address = devices[index].section.values.find(key);
+      if (address != devices[index].section.values.end()) addresses.push_back(address->second);
+    }
+  }
+  return addresses;
+}
+
 void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
-  auto tested = line;
-  // A relative path starts at the folder of the file, as it does for the running line.
-  if (!tested.tls_trust.empty())
-    tested.tls_trust = (std::filesystem::path(path_).parent_path() / tested.tls_trust).string();
   const auto device = DeviceOf(line);
-  const bool open = device >= 0 && control_.IsLineOpen(device);
-  const SipTestOptions options{.registered_now = IsRegistered(line)};
+  const bool open = device >= 0 && service_.IsLineOpen(device);
+  const SipTestOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
   tests_.Start(
-      [line = std::move(tested), open, options](const std::atomic<bool>& cancelled) -> LineTestResult {
+      [line, open, options, section = SectionOf(line), folder = std::filesystem::path(path_).parent_path()](
+          const std::atomic<bool>& cancelled) -> LineTestResult {
         if (line.kind == LineKind::Modem) return ProbeModem(line.port, cancelled);
-        if (line.kind == LineKind::Sim) return {true, "A simulated line needs no test."};
+        if (line.kind == LineKind::Sim) return ReadScript(ScriptOf(section, folder));
         if (open && line.server.empty())
           return {true, "The line is open: calls can come in at " + line.listen + '.'};
-        return TestSipLine(line, options, cancelled);
+        return TestSipLine(line, SipSettingsOf(section, folder), options, cancelled);
       },
       std::move(done));
 }

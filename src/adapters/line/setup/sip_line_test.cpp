@@ -5,7 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -102,29 +102,10 @@ std::string AnswerWords(const TelephoneLine& line, const RegistrationNews& news)
   return "The server " + line.server + who + news.reason + ").";
 }
 
-std::string NetworkWords(const TelephoneLine& line, const RegistrationNews& news) {
-  switch (news.error) {
-    case ENOENT:
-    case EDESTADDRREQ:
-    case EADDRNOTAVAIL: return "There is no server named " + line.server + ": its address cannot be found.";
-    case ETIMEDOUT: return "There is no answer from " + line.server + ".";
-    case ECONNREFUSED:
-      return "The connection to " + line.server + " is refused: nothing listens there for " + line.transport +
-             " at this port.";
-    case ENETUNREACH:
-    case EHOSTUNREACH:
-    case EINVAL:
-    case EACCES:
-      return "There is no way from " + line.listen + " to " + line.server + " (" + news.reason +
-             "): 0.0.0.0 as address for calls uses every network.";
-    default: break;
-  }
-  if (line.transport == "tls") {
-    const bool certificate = news.reason.find("certificate") != std::string::npos;
-    return "No encrypted connection to " + line.server + " comes about (" + news.reason + ")." +
-           (certificate ? "" : kTlsPort);
-  }
-  return "The server " + line.server + " cannot be reached (" + news.reason + ").";
+std::string Sentence(std::string words) {
+  if (!words.empty() && words[0] >= 'a' && words[0] <= 'z')
+    words[0] = static_cast<char>(words[0] - 'a' + 'A');
+  return words + '.';
 }
 
 LineTestResult ResultOf(const TelephoneLine& line, const std::optional<RegistrationNews>& news,
@@ -138,43 +119,54 @@ LineTestResult ResultOf(const TelephoneLine& line, const std::optional<Registrat
   if (news->state == State::Registered) {
     return {true, "The server " + line.server + " accepts the account " + line.user + "."};
   }
-  return {false, news->status != 0 ? AnswerWords(line, *news) : NetworkWords(line, *news)};
+  return {false, news->status != 0 ? AnswerWords(line, *news) : Sentence(news->reason)};
 }
 
-LineTestResult TestListening(const TelephoneLine& line, SipLineSettings settings) {
+std::string PortOf(const std::string& address) {
+  return address.substr(address.rfind(':'));
+}
+
+/// Puts a free port in the place of `address`'s. False when it is none of this computer's addresses.
+bool TakeFreePort(std::string& address) {
+  const auto host = address.substr(0, address.rfind(':'));
+  const auto port = FreePortAt(host);
+  if (port != 0) address = host + ':' + std::to_string(port);
+  return port != 0;
+}
+
+LineTestResult TestListening(const SipLineSettings& settings, const std::string& where) {
   NoEvents events;
-  settings.listen = line.listen;
   const auto driver = MakeSipLine(settings);
   if (driver->Open(events) != kTelephonyOk)
     return {false, "Calls cannot come in: " + driver->LastError() + '.'};
   driver->Close();
-  return {true, "Calls can come in at " + line.listen + "; there is no account to register."};
+  return {true, "Calls can come in at " + where + "; there is no account to register."};
 }
 
 }  // namespace
 
-LineTestResult TestSipLine(const TelephoneLine& line, const SipTestOptions& options,
+LineTestResult TestSipLine(const TelephoneLine& line, SipLineSettings settings, const SipTestOptions& options,
                            const std::atomic<bool>& cancelled) {
-  SipLineSettings settings;
-  settings.name = line.name;
-  if (line.server.empty()) return TestListening(line, settings);
-  const auto host = line.listen.substr(0, line.listen.rfind(':'));
-  const auto port = FreePortAt(host);
-  if (port == 0) return {false, "The address for calls, " + host + ", is none of this computer's."};
+  const auto where =
+      settings.listen + (settings.tls_listen.empty() ? "" : ", with TLS at " + settings.tls_listen);
+  const auto is_open = [&](const std::string& address) {
+    return std::ranges::any_of(options.open_addresses,
+                               [&](const auto& open) { return PortOf(open) == PortOf(address); });
+  };
+  for (auto* address : {&settings.listen, &settings.tls_listen}) {
+    if (address->empty() || (settings.account.empty() && !is_open(*address))) continue;
+    if (!TakeFreePort(*address))
+      return {false, "The address for calls, " + *address + ", is none of this computer's."};
+  }
+  if (settings.account.empty()) return TestListening(settings, where);
   Outcome outcome;
-  settings.listen = host + ':' + std::to_string(port);
-  settings.account = "sip:" + line.user + '@' + line.server;
-  settings.auth_user = line.auth_user;
-  settings.password = line.password;
-  settings.transport = line.transport;
-  settings.tls_trust = line.tls_trust;
   settings.register_nothing = options.registered_now;
   settings.registration_news = [&outcome](const RegistrationNews& news) { outcome.Take(news); };
   settings.timers.registration_life = std::chrono::seconds(60);
   NoEvents events;
   const auto driver = MakeSipLine(settings);
   if (driver->Open(events) != kTelephonyOk)
-    return {false, "The test cannot begin: " + driver->LastError() + '.'};
+    return {false, "The line cannot be opened: " + driver->LastError() + '.'};
   const auto news = outcome.Wait(options.patience, cancelled);
   driver->Close();
   return ResultOf(line, news, options.patience);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 namespace orven {
@@ -48,8 +49,10 @@ std::optional<SimStep> ReadStep(const std::string& line) {
 SimScript ReadSimScript(const std::string& path, std::vector<std::string>& complaints) {
   const auto file_name = std::filesystem::path(path).filename().string();
   SimScript script;
-  std::ifstream file(path);
-  if (!file) complaints.push_back(path + ": the script of the simulated line cannot be read");
+  std::error_code error;
+  std::ifstream file;
+  if (std::filesystem::is_regular_file(path, error)) file.open(path);  // a pipe would hold us up
+  if (!file.is_open()) complaints.push_back(path + ": the script of the simulated line cannot be read");
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {
     if (line.ends_with('\r')) line.pop_back();

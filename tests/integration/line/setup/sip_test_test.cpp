@@ -4,6 +4,8 @@
 
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
+#include "adapters/line/setup/line_sections.h"
+#include "adapters/line/setup/line_settings.h"
 #include "adapters/line/setup/sip_line_test.h"
 #include "adapters/line/sip/sip_line.h"
 #include "integration/line/setup/registrar.h"
@@ -25,6 +27,26 @@ class SipLineTestRun : public testing::Test {
     line.user = "100";
     line.password = "secret";
     return line;
+  }
+  static SipLineSettings Settings(const TelephoneLine& line) {
+    const auto edit = EditOf(line, nullptr);
+    return SipSettingsOf({edit.name, 0, edit.type, edit.values}, "");
+  }
+  /// Takes what lines.ini has into use, as the program does, and gives its first line.
+  TelephoneLine Use(const std::string& text) {
+    PutFile(folder / "lines.ini", text);
+    std::vector<std::unique_ptr<LineDriver>> drivers;
+    states.Clear();
+    for (const auto& section : ReadLines(folder / "lines.ini").sections) {
+      auto settings = SipSettingsOf(section, folder / "");
+      settings.registration_news = [state = states.Add(section)](const RegistrationNews& news) {
+        state->Take(news);
+      };
+      drivers.push_back(MakeSipLine(settings));
+    }
+    service.LineClose(0);
+    EXPECT_TRUE(service.Replace(std::move(drivers)));
+    return lines.Read().lines.at(0);
   }
   LineTestResult Result(const TelephoneLine& line) {
     std::optional<LineTestResult> result;
@@ -60,7 +82,7 @@ TEST_F(SipLineTestRun, TellsRightFromWrongLogins) {
   line.auth_user.clear();
   line.transport = "tls";
   const std::atomic<bool> never = false;
-  const auto plain = TestSipLine(line, {.patience = milliseconds(500)}, never);
+  const auto plain = TestSipLine(line, Settings(line), {.patience = milliseconds(500)}, never);
   EXPECT_FALSE(plain.passed);
   EXPECT_THAT(plain.text, HasSubstr("often 5061"));
 }
@@ -75,11 +97,56 @@ TEST_F(SipLineTestRun, NamesAServerThatIsNotThere) {
   EXPECT_THAT(Result(line).text, HasSubstr("none of this computer's"));
 }
 
+TEST_F(SipLineTestRun, ALineThatCannotLeaveThisComputerIsToldHowInTheListAsInTheTest) {
+  const auto address = "listen = 127.0.0.1:" + std::to_string(FreePort()) + '\n';
+  for (const auto& [server, words] :
+       {std::pair{"192.0.2.1", "0.0.0.0 as address for calls uses every network"},
+        std::pair{"no-such-host.invalid", "no server named no-such-host"}}) {
+    const auto line = Use("[Far]\ntype = sip\naccount = sip:100@" + std::string(server) + '\n' + address);
+    ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+    EXPECT_TRUE(loop.RunUntil([&] { return lines.State(line).find(words) != std::string::npos; }))
+        << lines.State(line);
+    EXPECT_THAT(Result(line).text, HasSubstr(words));
+  }
+}
+
+TEST_F(SipLineTestRun, ALineIsTestedWithAllThatItIsOpenedWith) {
+  const auto port = [] { return std::to_string(FreePort()); };
+  const auto good = "[Home]\ntype = sip\nlisten = 127.0.0.1:" + port() + "\ntls_trust = trust.pem\n";
+  auto line = Use(good);
+  EXPECT_EQ(lines.State(line), "Off");
+  ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+  EXPECT_EQ(lines.State(line), "Waiting for calls");
+  EXPECT_TRUE(Result(line).passed) << Result(line).text;
+  line.ring_seconds = 9;
+  EXPECT_TRUE(Result(line).passed) << "its own line holds the port: " << Result(line).text;
+
+  line = Use(good + "tls_certificate = gone.pem\ntls_listen = 127.0.0.1:" + port() + '\n');
+  EXPECT_FALSE(Result(line).passed);
+  EXPECT_THAT(Result(line).text, HasSubstr("gone.pem cannot be used"));
+  ASSERT_NE(service.LineOpen(0, 4, 8), kTelephonyOk);
+  EXPECT_THAT(lines.State(line), HasSubstr("gone.pem cannot be used"));
+  line = Use(good + "tls_listen = 127.0.0.1:" + port() + '\n');
+  EXPECT_TRUE(Result(line).passed) << Result(line).text;
+}
+
+TEST_F(SipLineTestRun, AScriptLiesBesideTheFileAndIsRead) {
+  TelephoneLine line;
+  line.kind = LineKind::Sim;
+  line.script = "calls.sim";
+  EXPECT_THAT(Result(line).text, HasSubstr("cannot be read"));
+  PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
+  EXPECT_FALSE(Result(line).passed);
+  EXPECT_THAT(Result(line).text, HasSubstr("calls.sim:2:"));
+  PutFile(folder / "calls.sim", "1 offer\n2 hangup\n");
+  EXPECT_TRUE(Result(line).passed);
+}
+
 TEST_F(SipLineTestRun, AServerThatIsSilentIsNamedAndTheTestCanBeStopped) {
   const auto silent = Socket::Udp();
   const auto line = Account(silent.Port());
   const std::atomic<bool> never = false;
-  const auto result = TestSipLine(line, {.patience = milliseconds(300)}, never);
+  const auto result = TestSipLine(line, Settings(line), {.patience = milliseconds(300)}, never);
   EXPECT_FALSE(result.passed);
   EXPECT_THAT(result.text, HasSubstr("no answer"));
   EXPECT_NE(silent.ReceiveText(milliseconds(5000)), "") << "nobody was asked";
