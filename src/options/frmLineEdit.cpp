@@ -277,6 +277,8 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   form_->getWidgetPosition(row, &at, &role);
   form_->insertRow(at + 1, QString(), lblFault_);
   lblFault_->setText(QString::fromStdString(fault.text));
+  // A form gives wrapped text no room of its own; its fields are never narrower than this.
+  lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();
 }

@@ -15,6 +15,7 @@ class ScriptedLines : public TelephoneLines {
  public:
   Configured configured;
   std::function<void()> before_store = [] {};
+  std::string fault = "The server is missing.";
   std::map<std::string, std::string> states;  ///< by the lines' names
   std::vector<SerialPortFound> ports;
   std::vector<TelephoneLine> tested;
@@ -26,8 +27,7 @@ class ScriptedLines : public TelephoneLines {
     configured.lines = lines;
   }
   std::optional<LineFault> Check(const TelephoneLine& line) const override {
-    if (line.user.empty() != line.server.empty())
-      return LineFault{LineField::Server, "The server is missing."};
+    if (line.user.empty() != line.server.empty()) return LineFault{LineField::Server, fault};
     if (line.password.starts_with(' ')) return LineFault{LineField::Password, "No blank, please."};
     return std::nullopt;
   }

@@ -124,6 +124,13 @@ TEST_F(LinesWindow, ALineIsAddedBadInputIsNamedAtItsField) {
     QTest::qWait(0);
     EXPECT_GT(fault.y(), In<QLineEdit>(editor, "txtServer").y());
     EXPECT_LT(fault.y(), In<QLineEdit>(editor, "txtUser").y());
+    lines.fault =
+        "A sentence so long that it takes several lines, however wide the window is made. It says "
+        "what is wrong, and what would be right instead, and it is read to its end.";
+    Click(editor, "cmdOK");
+    QTest::qWait(0);
+    EXPECT_GT(fault.height(), 2 * fault.fontMetrics().height());
+    EXPECT_GE(fault.height(), fault.heightForWidth(fault.width())) << "the text is cut";
     Type(editor, "txtServer", " pbx.example.org ");
     Type(editor, "txtPassword", " x");
     Click(editor, "cmdOK");
