@@ -221,6 +221,29 @@ class DesktopTest(unittest.TestCase):
         while time.monotonic() < end:
             self.assertFalse(icon.is_blank(), "it goes on blinking")
 
+    def test_a_dialog_that_closes_beside_the_caller_view_gives_the_keyboard_back(self):
+        with open(os.path.join(self.home, "call.sim"), "w", encoding="utf-8") as file:
+            file.write("0.1 offer\n0.2 ring\n60 hangup\n")
+        self.lines("[Test]\ntype = sim\nscript = call.sim\n")
+        orven = self.start()
+        self.main_window(orven, "Normal")
+        # The main window has the keyboard, and the caller view is there, too.
+        processes.wait_for("The caller view", lambda: len(self.display.windows(orven.process)) == 2, LIMIT)
+        self.keyboard_goes_to("ORVEN")
+        self.display.run("xdotool", "key", "alt+o", "Down", "Return")
+        self.keyboard_goes_to("Options")
+        self.display.run("xdotool", "key", "alt+l")
+        self.keyboard_goes_to("Telephone Lines")
+        for below in ("Options", "ORVEN"):
+            self.display.run("xdotool", "key", "Escape")
+            self.keyboard_goes_to(below)
+
+    def keyboard_goes_to(self, title):
+        def is_there():
+            return self.display.ask("xdotool", "getwindowfocus", "getwindowname").strip() == title
+
+        processes.wait_for(f'The keyboard at "{title}"', is_there, LIMIT)
+
     def test_an_exit_while_a_box_is_open_ends_the_program(self):
         def start_with_a_box():
             orven = self.enterContext(Orven(self.home, (), self.display.variables))
