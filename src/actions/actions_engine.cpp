@@ -47,7 +47,7 @@ void ActionsEngine::SendMail(const Call& call) {
   ports_.log.WriteSystem("Start Sending Mail");
   ports_.Mail1.Send(settings_.SMTPServer, settings_.MailFrom, kSenderName, settings_.MailTo,
                     "New Call From " + call.caller_name + " - " + call.caller_number,
-                    settings_.MassagesPath + call.message_file_name);
+                    ports_.folders.PathOf(call.message_file_name));
 }
 
 void ActionsEngine::SendToApp(const Call& call) {

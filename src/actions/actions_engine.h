@@ -11,6 +11,7 @@
 #include "platform/mail.h"
 #include "platform/shell.h"
 #include "records/call.h"
+#include "records/message_folders.h"
 #include "telephony/call_effects.h"
 #include "telephony/status_panel.h"
 
@@ -26,6 +27,7 @@ class ActionsEngine : public CallActions, public MailEvents {
     Shell& shell;
     SystemLog& log;
     StatusPanel& status;
+    const MessageFolders& folders;
   };
 
   /// `show_line_state` shows the line's state in the status bar again. The settings' command template

@@ -82,10 +82,7 @@ std::string OptionsDialog::NumberText(const char* name) {
 OptionChoices OptionsDialog::Load() {
   const ErrorTrap trap(parts_.log, "ErrGetOptions->");
   OptionChoices choices;
-  trap([&] {
-    choices.chkRenOnStart =
-        GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kAutostartKey, kAutostartName) != kNotFound;
-  });
+  trap([&] { choices.chkRenOnStart = Autostarts(); });
   trap([&] { choices.cmbSilenceSec = NumberText("SecSilence"); });
   trap([&] { choices.chkDropIfSilnce = Flag("cDropSilence"); });
   trap([&] {
@@ -151,10 +148,7 @@ void OptionsDialog::BrowsMessagesPath() {
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
-  trap([&] {
-    if (path == parts_.shared.messages_path) return parts_.store.Set("MassagesPath", path);
-    parts_.move_messages(path);
-  });
+  trap([&] { parts_.move_messages(path); });
 }
 
 void OptionsDialog::Put(Values& values, const char* name, const std::string& text) {
@@ -208,11 +202,21 @@ void OptionsDialog::Save(const OptionChoices& choices) {
   parts_.store.ShareOptions(trap);
   trap([&] { StoreAutostart(choices.chkRenOnStart); });
   trap([&] { parts_.show_in_main(); });
-  if (stored) return;
-  trap([&] {
+  trap([&] { TellOfFailures(stored, choices.chkRenOnStart); });
+}
+
+void OptionsDialog::TellOfFailures(bool stored, bool autostart) {
+  if (!stored) {
     parts_.dialogs.Information(
         "The options could not be stored. They hold until the program ends; the system log tells more.");
-  });
+  }
+  if (Autostarts() == autostart) return;
+  parts_.dialogs.Information(std::string("The program ") + (autostart ? "does not start" : "still starts") +
+                             " with the desktop: this could not be changed. The system log tells more.");
+}
+
+bool OptionsDialog::Autostarts() {
+  return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kAutostartKey, kAutostartName) != kNotFound;
 }
 
 void OptionsDialog::StoreAutostart(bool on) {

@@ -136,7 +136,9 @@ class OptionsDialog {
   void Collect(const OptionChoices& choices, Values& values);
   void Put(Values& values, const char* name, const std::string& text);
   void Put(Values& values, const char* name, bool on) { Put(values, name, std::string(on ? "1" : "0")); }
+  bool Autostarts();
   void StoreAutostart(bool on);
+  void TellOfFailures(bool stored, bool autostart);
 
   Parts parts_;
   std::unique_ptr<Timer> timer_;  ///< runs while somebody watches

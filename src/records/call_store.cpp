@@ -136,8 +136,9 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
 
 void CallStore::DeleteMessage(const std::string& name) {
   const auto places = ports_.folders.PlacesOf(name);
-  if (!relocation_) return ports_.files.Delete(FirstThere(ports_.files, places));
-  ports_.background.Run([&files = ports_.files, places] { files.Delete(FirstThere(files, places)); },
+  if (places.size() == 1) return ports_.files.Delete(places.front());
+  // Behind the message that is being moved at the moment, which may be this one.
+  ports_.background.Run([&files = ports_.files, places] { DeleteEverywhere(files, places); },
                         LogFailure("ErrDeleteItemIndex "));
 }
 
@@ -234,13 +235,12 @@ std::optional<RelocationProgress> CallStore::Relocating() const {
 void CallStore::EndRelocation(const std::string& new_folder, const MoveMemory& memory,
                               const MessageRelocation::Outcome& outcome) {
   const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
-  const auto end = memory.end;  // which dies with the relocation
   relocation_.reset();
   if (!outcome.refusal.empty()) return TellOfRefusal(new_folder, outcome.refusal);
   const auto old_folder = std::exchange(shared_.messages_path, new_folder);
   settings_.MassagesPath = new_folder;
   ports_.folders.SetNext({});
-  trap([&] { end(); });
+  trap([&] { memory.end(); });
   trap([&] {
     if (!outcome.stayed.empty()) ports_.dialogs.Information(StayedText(old_folder, outcome.stayed));
   });

@@ -64,8 +64,8 @@ class CallStore {
   /// Marks the call behind a row read or unread, unless it is so already.
   void MarkAsReadUnRead(std::int32_t index, bool read);
 
-  /// Deletes the record behind a row and, when the row has a message, the message file: while messages
-  /// move, in the background, behind the one that moves at the moment. The caller rebuilds the list.
+  /// Deletes the record behind a row and, when the row has a message, the message file (in the
+  /// background while there is a next folder). The caller rebuilds the list.
   void DeleteItemIndex(std::int32_t index);
 
   /// Deletes the record with this identity and all older ones, and rebuilds the list. Message files

@@ -45,7 +45,7 @@ void ListCommands::Save() {
     parts_.ListView1.FollowRecords();
     if (!HasSelection()) return;
     const auto key = parts_.ListView1.Row(parts_.ListView1.Selected()).key;
-    if (!key.empty()) parts_.calls.SaveFile(parts_.shared.messages_path + key);
+    if (!key.empty()) parts_.calls.SaveMessage(key);
   });
 }
 

@@ -26,7 +26,6 @@ class ListCommands {
     const Mouse& mouse;
     CallListView& view;
     const Settings& settings;
-    const SharedOptions& shared;
     /// The list must not be interfered with: its owner is listening to it by telephone.
     std::function<bool()> blocked;
   };

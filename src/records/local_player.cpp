@@ -19,12 +19,11 @@ constexpr std::int32_t kSkippedAtOnce = 10;
 
 }  // namespace
 
-LocalPlayer::LocalPlayer(Ports ports, CallList& list, const Settings& settings, const SharedOptions& shared,
+LocalPlayer::LocalPlayer(Ports ports, CallList& list, const Settings& settings,
                          std::function<void(std::int32_t)> mark_read)
     : ports_(ports),
       list_(list),
       settings_(settings),
-      shared_(shared),
       mark_read_(std::move(mark_read)),
       Timer1_(ports.loop.MakeTimer([this] { ShowPosition(); })) {
   ports_.WavePlay.SetEvents(this);
@@ -69,7 +68,7 @@ void LocalPlayer::FindNothing() {
 void LocalPlayer::PlayRow(std::int32_t row, const std::string& key) {
   if (row != list_.Selected()) list_.Select(row);
   Stop();
-  Start(shared_.messages_path + key);
+  Start(ports_.folders.PathOf(key));
 }
 
 void LocalPlayer::Start(const std::string& path) {
@@ -132,7 +131,7 @@ void LocalPlayer::ShowSelected() {
   trap([&] {
     if (list_.Selected() > 0) key = list_.Row(list_.Selected()).key;
   });
-  const auto path = key.empty() ? key : shared_.messages_path + key;
+  const auto path = key.empty() ? key : ports_.folders.PathOf(key);
   if (path == pictured_file_) return;
   pictured_file_ = path;
   ports_.waveforms.Cancel();

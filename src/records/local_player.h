@@ -14,6 +14,7 @@
 #include "platform/waveform.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
+#include "records/message_folders.h"
 
 namespace orven {
 
@@ -45,6 +46,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
 
   struct Ports {
     EventLoop& loop;
+    const MessageFolders& folders;
     WaveControl& WavePlay;
     WaveformReader& waveforms;
     PlayerView& view;
@@ -52,7 +54,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   };
 
   /// `mark_read` marks a row of the list read.
-  LocalPlayer(Ports ports, CallList& list, const Settings& settings, const SharedOptions& shared,
+  LocalPlayer(Ports ports, CallList& list, const Settings& settings,
               std::function<void(std::int32_t row)> mark_read);
   ~LocalPlayer() override;
   LocalPlayer(const LocalPlayer&) = delete;
@@ -98,7 +100,6 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   Ports ports_;
   CallList& list_;
   const Settings& settings_;
-  const SharedOptions& shared_;
   std::function<void(std::int32_t)> mark_read_;
   std::unique_ptr<Timer> Timer1_;
   bool playing_ = false;

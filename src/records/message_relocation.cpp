@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/message_relocation.h"
 
-#include <algorithm>
-#include <cstdint>
-
 #include "core/error_trap.h"
+#include "records/message_folders.h"
 
 namespace orven {
 namespace {
@@ -25,18 +23,6 @@ std::string Reason(const std::exception_ptr& failure) {
 void Log(SystemLog& log, const std::exception_ptr& failure) {
   const ErrorTrap trap(log, kLabel);
   trap([&] { std::rethrow_exception(failure); });
-}
-
-bool SameContent(const Files& files, const std::string& one, const std::string& other) {
-  constexpr std::size_t kBlock = 1U << 16U;
-  for (std::uint64_t offset = 0;;) {
-    const auto left = files.ReadPart(one, offset, kBlock);
-    const auto right = files.ReadPart(other, offset, kBlock);
-    const auto size = std::min(left.size(), right.size());
-    if (size == 0) return left.size() == right.size();
-    if (left.compare(0, size, right, 0, size) != 0) return false;
-    offset += size;
-  }
 }
 
 /// A name that no file has in either folder.

@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/answering_machine.h"
 
-#include "core/registry_values.h"
-
 namespace orven {
-namespace {
-
-/// Where the messages are being moved, while they are.
-constexpr const char* kMoveUnderWay = "MassagesPathNext";
-
-}  // namespace
-
 AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared_options)
     : shared(shared_options),
       log(ports.clock, ports.files, ports.loop, settings, shared),
@@ -18,14 +9,17 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       quick_options(store, log, settings, shared),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),
-      player({ports.loop, ports.WavePlay, ports.waveforms, views.player, log}, ListView1, settings, shared,
+      folders(ports.files, shared),
+      player({ports.loop, folders, ports.WavePlay, ports.waveforms, views.player, log}, ListView1, settings,
              [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
-      calls({ports.DataBase1, ports.files, ports.background, ports.Wave1, ports.dialogs, player, log, log},
+      calls({ports.DataBase1, ports.files, folders, ports.background, ports.Wave1, ports.dialogs, player, log,
+             log},
             ListView1, settings, shared),
+      move({ports.registry, ports.dialogs, log, calls, folders, shared}),
       sounds(ports.WavePlay, player, settings, log),
       library(ports.files, shared),
       greetings(library, player, sounds, views.boxes, ports.files),
-      list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings, shared,
+      list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return call.in_progress && call.remote_playback; }}),
       status(views.line),
       line({ports.Tapi1, ports.dialogs, log, status}, store, settings),
@@ -41,11 +35,11 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                          if (call.in_progress) control.DropInComeCall();
                        },
                    .do_nothing = [this] { call.do_nothing = true; }}),
-      actions({ports.loop, ports.Mail1, ports.shell, log, status}, settings,
+      actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
       microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
-      remote(context, control, recorder, ListView1, status),
+      remote(context, control, recorder, ListView1, folders, status),
       greeter(context, control, recorder, remote),
       after_call({caller_view, sounds, tray, actions}, calls, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
@@ -103,22 +97,8 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
           calls,
           [this] { return LineLevel(); },
           [this](const std::string& greeting) { greetings.Fill(greeting); },
-          [this](const std::string& folder) { MoveMessages(folder); },
+          [this](const std::string& folder) { move.Begin(folder); },
           [this] { ShowOptions(); }};
-}
-
-void AnsweringMachine::MoveMessages(const std::string& folder) {
-  if (calls.Relocating()) return;
-  store.Set(kMoveUnderWay, folder);
-  calls.RelocateMessages(folder, [this, folder](bool moved) {
-    if (moved) store.Set("MassagesPath", folder);
-    DeleteRegValue(ports_.registry, RegistryRoot::LocalMachine, kSettingsKey, kMoveUnderWay);
-  });
-}
-
-void AnsweringMachine::GoOnMovingMessages() {
-  const auto folder = GetRegValue(ports_.registry, RegistryRoot::LocalMachine, kSettingsKey, kMoveUnderWay);
-  if (folder != kNotFound && !folder.empty()) MoveMessages(folder);
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {

@@ -30,6 +30,8 @@
 #include "records/call_store.h"
 #include "records/list_commands.h"
 #include "records/local_player.h"
+#include "records/message_folders.h"
+#include "records/message_move.h"
 #include "shell/greeting_commands.h"
 #include "shell/main_window_view.h"
 #include "shell/quick_options.h"
@@ -79,8 +81,10 @@ class AnsweringMachine {
   QuickOptions quick_options;
   TrayIcon tray;
   CallList ListView1;
+  MessageFolders folders;
   LocalPlayer player;
   CallStore calls;
+  MessageMove move;
   DeskSounds sounds;
   GreetingLibrary library;
   GreetingCommands greetings;
@@ -104,11 +108,6 @@ class AnsweringMachine {
 
   /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.
   GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
-
-  /// Moves the messages to another folder and stores that as the messages path. A move that the program's
-  /// end breaks off goes on at the next start.
-  void MoveMessages(const std::string& folder);
-  void GoOnMovingMessages();
 
   /// What the options dialog works with.
   OptionsDialog::Parts ForOptionsDialog();

@@ -115,7 +115,7 @@ void MainWindow::StartUp() {
     if (!note.empty()) machine_.log.WriteSystem(note);
   });
   machine_.ListView1.makeList();
-  trap([&] { machine_.GoOnMovingMessages(); });
+  trap([&] { machine_.move.GoOn(); });
   trap([&] {
     if (!machine_.line.SelectModemDevice()) return;
     machine_.line.OpenLine(machine_.settings.Modem);

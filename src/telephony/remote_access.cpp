@@ -56,7 +56,7 @@ void RemoteAccess::PlayForAdmin() {
     if (context_.Wave1.IsPlaying()) context_.Wave1.StopPlay();
   });
   trap([&] {
-    const auto path = context_.settings.MassagesPath + ListView1.Row(ListView1.Selected()).key;
+    const auto path = folders_.PathOf(ListView1.Row(ListView1.Selected()).key);
     const auto result = context_.Wave1.PlayFile(path, context_.Tapi1.GetWaveDeviceId(context_.Line()));
     if (result != kWaveOk) {
       context_.log.WriteSystem("Error Playing Remote Control " + context_.Wave1.PlayErrorText(result));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "records/call_list.h"
+#include "records/message_folders.h"
 #include "telephony/call_control.h"
 #include "telephony/call_effects.h"
 #include "telephony/recorder.h"
@@ -12,8 +13,14 @@ namespace orven {
 /// call list from its first row to its last. User-interface thread.
 class RemoteAccess {
  public:
-  RemoteAccess(CallContext& context, CallControl& control, Recorder& recorder, CallList& list, LineView& view)
-      : context_(context), control_(control), recorder_(recorder), ListView1(list), view_(view) {}
+  RemoteAccess(CallContext& context, CallControl& control, Recorder& recorder, CallList& list,
+               const MessageFolders& folders, LineView& view)
+      : context_(context),
+        control_(control),
+        recorder_(recorder),
+        ListView1(list),
+        folders_(folders),
+        view_(view) {}
 
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
@@ -31,6 +38,7 @@ class RemoteAccess {
   CallControl& control_;
   Recorder& recorder_;
   CallList& ListView1;
+  const MessageFolders& folders_;
   LineView& view_;
 };
 

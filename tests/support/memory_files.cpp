@@ -17,6 +17,11 @@ bool Matches(std::string_view name, std::string_view pattern) {
 
 }  // namespace
 
+void MemoryFiles::CheckFolderOf(const std::string& path) const {
+  const auto folder = path.substr(0, path.rfind('/') + 1);
+  if (missing_folders.contains(folder)) throw RuntimeError(ErrorNumber::PathNotFound, folder);
+}
+
 const MemoryFiles::File& MemoryFiles::At(const std::string& path) const {
   const auto file = files_.find(path);
   if (file == files_.end()) throw RuntimeError(ErrorNumber::FileNotFound);
@@ -29,12 +34,14 @@ std::string MemoryFiles::Content(const std::string& path) const {
 
 void MemoryFiles::Append(const std::string& path, std::string_view text) {
   before_write(path);
+  CheckFolderOf(path);
   auto& file = files_[path];
   file.content += text;
   file.modified = clock_.Now();
 }
 
 std::vector<std::string> MemoryFiles::List(const std::string& folder, std::string_view pattern) const {
+  CheckFolderOf(folder);
   std::vector<std::string> names;
   for (auto file = files_.lower_bound(folder); file != files_.end() && file->first.starts_with(folder);
        ++file) {

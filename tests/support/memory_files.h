@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 
 #include "platform/clock.h"
@@ -22,6 +23,7 @@ class MemoryFiles : public Files {
 
   /// Called before each operation that changes something; throws what the operation shall throw.
   std::function<void(const std::string& path)> before_write = [](const std::string&) {};
+  std::set<std::string> missing_folders;
 
   void Put(const std::string& path, std::string content) {
     files_[path] = {std::move(content), clock_.Now()};
@@ -47,6 +49,7 @@ class MemoryFiles : public Files {
   void MakeFolder(const std::string& /*path*/) override {}
 
  private:
+  void CheckFolderOf(const std::string& path) const;
   const File& At(const std::string& path) const;
 
   const Clock& clock_;

@@ -137,6 +137,10 @@ TEST_F(Options, WhatIsNoNumberIsSkippedAndTheRestIsStored) {
   dialog.Save(choices);
   EXPECT_THAT(world.dialogs.informations, Contains(testing::HasSubstr("could not be stored")));
   EXPECT_EQ(machine.settings.Pass, "4712");
+  world.dialogs.informations.clear();
+  choices.chkRenOnStart = true;
+  dialog.Save(choices);
+  EXPECT_THAT(world.dialogs.informations, Contains(testing::HasSubstr("does not start with the desktop")));
 }
 
 TEST_F(Options, DevicesAreDescribedAndChosenCardsKeepTheirPlaces) {

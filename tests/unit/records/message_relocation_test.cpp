@@ -8,6 +8,7 @@
 namespace orven::test {
 namespace {
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -23,16 +24,39 @@ struct Relocation : testing::Test {
   }
   void TestBody() override {}
   void Relocate() {
-    world.Machine().calls.RelocateMessages(target, [this](bool moved) { stored = moved ? target : ""; });
+    world.Machine().move.Begin(target);
     world.RunFor(100ms);
   }
+  std::string Stored() { return world.registry.Text("MassagesPath"); }
   int Copies(const std::string& name) {
     return int(world.files.Exists(world.messages + name)) + int(world.files.Exists(target + name));
   }
 
   World world;
   const std::string target = "/mnt/new/";
-  std::string stored;
+};
+
+/// Where the program is started again: with what the first one has left on the disk and in the registry.
+void TakeOver(World& next, World& killed) {
+  for (const auto& folder : {killed.messages, std::string("/mnt/new/")}) {
+    for (const auto& name : killed.files.Names(folder)) {
+      next.files.Put(folder + name, killed.files.Content(folder + name));
+    }
+  }
+  next.registry = killed.registry;
+  next.registry.refuse_writes = false;
+  next.database.Records() = killed.database.Records();
+}
+
+/// A program that was killed when it had moved 1.wav, and not 2.wav.
+struct Killed : World {
+  Killed() {
+    for (const char* name : {"1.wav", "2.wav"}) AddMessage(name, 5s);
+    background.takes = 1s;
+    Start();
+    Machine().move.Begin("/mnt/new/");
+    RunFor(1s + 500ms);
+  }
 };
 
 TEST_F(Relocation, MovesTheMessagesAndNothingElse) {
@@ -40,7 +64,7 @@ TEST_F(Relocation, MovesTheMessagesAndNothingElse) {
   Relocate();
   EXPECT_THAT(world.files.Names(target), ElementsAre("1.wav", "3.wav"));
   EXPECT_THAT(world.files.Names(world.messages), ElementsAre("none.wav"));
-  EXPECT_EQ(stored, target);
+  EXPECT_EQ(Stored(), target);
   EXPECT_EQ(world.shared.messages_path, target);
   EXPECT_EQ(world.Machine().settings.MassagesPath, target);
   EXPECT_TRUE(world.Logged("Message is missing: " + world.messages + "2.wav"));
@@ -54,7 +78,7 @@ TEST_F(Relocation, AFolderThatCannotBeWrittenIsRefused) {
   Relocate();
   EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("/mnt/new/")));
   EXPECT_EQ(world.files.Names(world.messages).size(), 4U);
-  EXPECT_EQ(stored, "");
+  EXPECT_EQ(Stored(), world.messages);
   EXPECT_EQ(world.shared.messages_path, world.messages);
   EXPECT_THAT(world.SystemLog(), Contains(HasSubstr("ErrcmdBrowsMessagesPath 70 Permission denied")));
 }
@@ -73,7 +97,7 @@ TEST(RelocationSteps, AFailureAtAnyStepLosesNothing) {
       };
       move.Relocate();
       move.world.files.before_write = [](const std::string&) {};
-      EXPECT_EQ(move.stored, failing == 1 ? "" : move.target);
+      EXPECT_EQ(move.Stored(), failing == 1 ? move.world.messages : move.target);
       const auto& boxes = move.world.dialogs.informations;
       for (const char* name : {"1.wav", "2.wav", "3.wav"}) {
         EXPECT_EQ(move.Copies(name), 1) << name;
@@ -86,7 +110,7 @@ TEST(RelocationSteps, AFailureAtAnyStepLosesNothing) {
       EXPECT_EQ(boxes.size(),
                 failing == 1 || move.world.files.Names(move.world.messages).size() > 1 ? 1U : 0U);
       // Nothing is lost for good: the person comes back when there is room.
-      move.world.Machine().calls.RelocateMessages(move.world.messages);
+      move.world.Machine().move.Begin(move.world.messages);
       move.world.RunFor(100ms);
       for (const char* name : {"1.wav", "2.wav", "3.wav"}) {
         EXPECT_TRUE(move.world.files.Exists(move.world.messages + name)) << name;
@@ -121,7 +145,7 @@ TEST_F(Relocation, ACallMeanwhileKeepsItsMessage) {
 
   world.CallAndWaitForRecording();
   world.RunFor(3s);
-  world.Machine().calls.RelocateMessages("/mnt/other/");
+  world.Machine().move.Begin("/mnt/other/");
   world.RunFor(100ms);
   world.HangUp();
   EXPECT_TRUE(world.files.Exists("/mnt/other/" + world.database.Field(5, kCallMassageName)))
@@ -139,26 +163,116 @@ TEST_F(Relocation, ACallThatWaitsToBeFiledIsMovedToo) {
 }
 
 TEST(RelocationSteps, AMoveThatTheEndBreaksOffGoesOnAtTheNextStart) {
-  World world;
-  for (const char* name : {"1.wav", "2.wav"}) world.AddMessage(name, 1s);
-  world.background.takes = 1s;
-  world.Start();
-  world.Machine().MoveMessages("/mnt/new/");
-  world.RunFor(1s + 500ms);
-  EXPECT_EQ(world.registry.Text("MassagesPath"), world.messages);
-  EXPECT_TRUE(world.files.Exists("/mnt/new/1.wav"));
-  World next;  // with what the disk and the registry have now
-  for (const auto& folder : {world.messages, std::string("/mnt/new/")}) {
-    for (const auto& name : world.files.Names(folder)) next.files.Put(folder + name, TimedWave::Sound(1s));
-  }
-  next.registry = world.registry;
-  next.database.Records() = world.database.Records();
-  next.Start();
-  next.RunFor(1s);
+  Killed killed;
+  EXPECT_EQ(killed.registry.Text("MassagesPath"), killed.messages);
+  World next;
+  TakeOver(next, killed);
+  next.files.Put(next.messages + "1.wav", TimedWave::Sound(5s));  // killed between copying and deleting
+  next.Start().RunFor(1s);
   EXPECT_THAT(next.files.Names("/mnt/new/"), ElementsAre("1.wav", "2.wav"));
+  EXPECT_THAT(next.files.Names(next.messages), IsEmpty());
   EXPECT_EQ(next.registry.Text("MassagesPath"), "/mnt/new/");
   EXPECT_EQ(next.registry.Text("MassagesPathNext"), kNotFound);
   EXPECT_THAT(next.dialogs.informations, IsEmpty());
+}
+
+TEST(RelocationSteps, AMoveWhoseFoldersAreAwayWaitsForThem) {
+  Killed killed;
+  for (const auto& away : {std::string("/mnt/new/"), killed.messages}) {
+    World next;
+    TakeOver(next, killed);
+    next.files.missing_folders = {away};
+    next.Start().RunFor(1s);
+    EXPECT_THAT(next.dialogs.informations, ElementsAre(AllOf(HasSubstr("/mnt/new/"), HasSubstr(next.messages),
+                                                             HasSubstr("Path not found: " + away))));
+    EXPECT_EQ(next.registry.Text("MassagesPath"), next.messages);
+    next.files.missing_folders.clear();
+    World third;
+    TakeOver(third, next);
+    third.Start().RunFor(1s);
+    EXPECT_THAT(third.files.Names("/mnt/new/"), ElementsAre("1.wav", "2.wav"));
+    EXPECT_EQ(third.registry.Text("MassagesPath"), "/mnt/new/");
+  }
+}
+
+TEST(RelocationSteps, AnotherFolderThanThatOfABrokenOffMoveNeedsConsent) {
+  for (const auto& other : {std::string("/mnt/other/"), std::string("/home/orven/Messages/")}) {
+    Killed killed;
+    World next;
+    TakeOver(next, killed);
+    next.files.missing_folders = {"/mnt/new/"};
+    next.Start().RunFor(1s);
+    next.Machine().move.Begin(other);
+    next.RunFor(1s);
+    EXPECT_THAT(next.dialogs.questions, ElementsAre(HasSubstr("/mnt/new/")));
+    EXPECT_EQ(next.registry.Text("MassagesPathNext"), "/mnt/new/");
+    EXPECT_THAT(next.files.Names(next.messages), ElementsAre("2.wav"));
+    next.dialogs.yes = true;
+    next.Machine().move.Begin(other);
+    next.RunFor(1s);
+    EXPECT_EQ(next.registry.Text("MassagesPath"), other);
+    EXPECT_EQ(next.registry.Text("MassagesPathNext"), kNotFound);
+    EXPECT_THAT(next.files.Names(other), ElementsAre("2.wav"));
+  }
+}
+
+TEST_F(Relocation, SettingsThatCannotBeStoredLoseNoMessage) {
+  world.registry.refuse_writes = true;
+  Relocate();
+  EXPECT_EQ(world.files.Names(world.messages).size(), 4U);
+  EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("settings cannot be stored")));
+
+  world.registry.refuse_writes = false;
+  world.files.before_write = [&](const std::string& path) {
+    if (path == target + "3.wav") world.registry.refuse_writes = true;
+  };
+  Relocate();
+  EXPECT_EQ(world.shared.messages_path, target);
+  EXPECT_EQ(world.dialogs.informations.size(), 2U);
+  World next;
+  TakeOver(next, world);
+  EXPECT_EQ(next.registry.Text("MassagesPath"), world.messages);
+  next.Start().RunFor(1s);
+  EXPECT_EQ(next.registry.Text("MassagesPath"), target);
+  EXPECT_THAT(next.dialogs.informations, IsEmpty());
+}
+
+TEST(RelocationSteps, AMessageIsFoundInWhicheverFolderItIs) {
+  Killed world;  // which goes on
+  auto& machine = world.Machine();
+  for (const auto& [row, path] :
+       {std::pair(2, "/mnt/new/1.wav"), std::pair(1, "/home/orven/Messages/2.wav")}) {
+    machine.ListView1.Select(row);
+    machine.player.Play();
+    EXPECT_EQ(world.WavePlay.played.back().path, path);
+    world.dialogs.save_as = "/home/me/" + std::to_string(row);
+    machine.list_commands.Save();
+    EXPECT_EQ(world.files.Content(*world.dialogs.save_as), TimedWave::Sound(5s));
+  }
+  machine.ListView1.Select(2);
+  world.dialogs.yes = true;
+  machine.list_commands.Delete();
+  EXPECT_FALSE(world.files.Exists("/mnt/new/1.wav"));
+  EXPECT_FALSE(world.Logged("ErrDeleteItemIndex "));
+}
+
+TEST(RelocationSteps, AMessageThatMovesIsHeardByTelephoneAndMailed) {
+  Killed killed;
+  World next;
+  TakeOver(next, killed);
+  next.files.missing_folders = {"/mnt/new/"};
+  next.Start().RunFor(1s);
+  next.files.missing_folders.clear();
+  next.CallAndWaitForAnswer();
+  next.Press("4711*");
+  next.RunFor(11s);
+  EXPECT_EQ(next.Wave1.played.back().path, "/mnt/new/1.wav");
+  Call call;
+  call.message_file_name = "1.wav";
+  call.message_left = true;
+  next.Machine().actions.DoActions("Mail", call);
+  ASSERT_EQ(next.Mail1.mails.size(), 1U);
+  EXPECT_EQ(next.Mail1.mails[0].attachment, "/mnt/new/1.wav");
 }
 
 }  // namespace

@@ -192,7 +192,7 @@ TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
   world.CallAndWaitForRecording();
   world.RunFor(2s);
   ASSERT_FALSE(world.Wave1.IsRecording());
-  world.Machine().calls.RelocateMessages("/mnt/new/");
+  world.Machine().move.Begin("/mnt/new/");
   world.HangUp();
   EXPECT_EQ(world.database.Field(0, kType), "1");
   EXPECT_EQ(world.files.Content("/mnt/new/" + world.database.Field(0, kCallMassageName)),

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "records/message_folders.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace orven {
+
+std::string FirstThere(const Files& files, const std::vector<std::string>& paths) {
+  if (paths.size() == 1) return paths.front();
+  const auto there = std::ranges::find_if(paths, [&](const auto& path) { return files.Exists(path); });
+  return there == paths.end() ? paths.front() : *there;
+}
+
+bool SameContent(const Files& files, const std::string& one, const std::string& other) {
+  constexpr std::size_t kBlock = 1U << 16U;
+  for (std::uint64_t offset = 0;;) {
+    const auto left = files.ReadPart(one, offset, kBlock);
+    const auto right = files.ReadPart(other, offset, kBlock);
+    const auto size = std::min(left.size(), right.size());
+    if (size == 0) return left.size() == right.size();
+    if (left.compare(0, size, right, 0, size) != 0) return false;
+    offset += size;
+  }
+}
+
+void DeleteEverywhere(Files& files, const std::vector<std::string>& paths) {
+  const auto path = FirstThere(files, paths);
+  for (const auto& other : paths) {
+    if (other != path && files.Exists(other) && SameContent(files, path, other)) files.Delete(other);
+  }
+  files.Delete(path);
+}
+
+std::vector<std::string> MessageFolders::PlacesOf(const std::string& name) const {
+  std::vector<std::string> places{shared_.messages_path + name};
+  if (!next_.empty()) places.push_back(next_ + name);
+  return places;
+}
+
+}  // namespace orven

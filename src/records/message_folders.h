@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/settings.h"
+#include "platform/files.h"
+
+namespace orven {
+
+/// The first of these paths at which there is a file; the first of all when there is none. Any thread.
+std::string FirstThere(const Files& files, const std::vector<std::string>& paths);
+
+/// Whether two files are the same byte by byte; throws what reading throws. Any thread.
+bool SameContent(const Files& files, const std::string& one, const std::string& other);
+
+/// Deletes the first of these files that is there, and its copies among the others, as a killed program
+/// leaves them; throws 53 when none is there. Any thread.
+void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
+
+/// Where message files are: in the messages folder, and from a move's beginning to its end, which may be
+/// several starts later, in the next one too. User-interface thread.
+class MessageFolders {
+ public:
+  MessageFolders(const Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
+
+  /// The folder that messages move to, ending in a separator; empty while none do.
+  const std::string& Next() const { return next_; }
+  void SetNext(const std::string& folder) { next_ = folder; }
+
+  /// The path of the message file of this name as it is now.
+  std::string PathOf(const std::string& name) const { return FirstThere(files_, PlacesOf(name)); }
+
+  /// Every path that it can have, for work that runs later.
+  std::vector<std::string> PlacesOf(const std::string& name) const;
+
+ private:
+  const Files& files_;
+  const SharedOptions& shared_;
+  std::string next_;
+};
+
+}  // namespace orven
