@@ -44,6 +44,8 @@ class AutostartEntry {
 
   State Look() const;
 
+  const std::string& Program() const { return source_.program; }
+
   /// Makes the program start at login, whatever the state was.
   void Enable();
 

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::string_view kRunKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr std::string_view kValueName = "ORVEN";
+constexpr const char* kSettingsKey = "SOFTWARE\\ORVEN";
 
 /// Keys and names compare without regard to the case of ASCII letters.
 bool SameName(std::string_view left, std::string_view right) {
@@ -32,8 +33,10 @@ bool AutostartRegistry::KeyExists(RegistryRoot root, const std::string& key) {
 
 std::optional<RegistryValue> AutostartRegistry::Query(RegistryRoot root, const std::string& key,
                                                       const std::string& name) {
-  if (IsAutostart(root, key, name) && entry_.Look() != AutostartEntry::State::Enabled) return std::nullopt;
-  return stored_.Query(root, key, name);
+  if (!IsAutostart(root, key, name)) return stored_.Query(root, key, name);
+  if (entry_.Look() != AutostartEntry::State::Enabled) return std::nullopt;
+  if (auto stored = stored_.Query(root, key, name)) return stored;
+  return RegistryValue{.data = entry_.Program() + " -st" + '\0'};
 }
 
 bool AutostartRegistry::Write(RegistryRoot root, const std::string& key,
@@ -41,27 +44,32 @@ bool AutostartRegistry::Write(RegistryRoot root, const std::string& key,
   const auto autostart = std::find_if(values.begin(), values.end(),
                                       [&](const auto& value) { return IsAutostart(root, key, value.name); });
   if (autostart == values.end()) return stored_.Write(root, key, values);
-  const bool stored_before = stored_.Query(root, key, autostart->name).has_value();
+  const bool first_start = !stored_.KeyExists(RegistryRoot::LocalMachine, kSettingsKey);
   if (!stored_.Write(root, key, values)) return false;
   Attempt("written", [&] {
     const auto state = entry_.Look();
     const bool chosen_otherwise =
         state == AutostartEntry::State::Disabled || state == AutostartEntry::State::Foreign;
-    if (stored_before || !chosen_otherwise) entry_.Enable();
+    if (!first_start || !chosen_otherwise) entry_.Enable();
   });
   return true;
 }
 
 bool AutostartRegistry::Delete(RegistryRoot root, const std::string& key, const std::string& name) {
-  if (IsAutostart(root, key, name)) Attempt("removed", [this] { entry_.Remove(); });
-  return stored_.Delete(root, key, name);
+  if (!IsAutostart(root, key, name)) return stored_.Delete(root, key, name);
+  const auto state = entry_.Look();
+  if (state == AutostartEntry::State::Disabled || state == AutostartEntry::State::Foreign) return false;
+  if (!Attempt("removed", [this] { entry_.Remove(); })) return false;
+  return stored_.Delete(root, key, name) || state == AutostartEntry::State::Enabled;
 }
 
-void AutostartRegistry::Attempt(const char* what, const std::function<void()>& change) {
+bool AutostartRegistry::Attempt(const char* what, const std::function<void()>& change) {
   try {
     change();
+    return true;
   } catch (const std::exception& failure) {
     report_(std::string("The autostart entry cannot be ") + what + ": " + failure.what());
+    return false;
   }
 }
 

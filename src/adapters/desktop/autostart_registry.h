@@ -11,14 +11,14 @@ namespace orven {
 
 /// A registry whose value "ORVEN" under the key of the programs that start with the system (LocalMachine,
 /// SOFTWARE\Microsoft\Windows\CurrentVersion\Run) is also the desktop's autostart entry. It is stored below
-/// like every other value, and reads as it is stored as long as the desktop starts the program: where a
-/// person removed the entry or switched it off it is not there, so that a check box that shows it tells the
-/// truth.
+/// like every other value, and is there as long as the desktop starts the program, and only then: a check box
+/// that shows it tells the truth, whoever changed the entry.
 ///
 /// Writing it makes the entry. One that is switched off, or starts the program in another application folder,
-/// is touched only when the value was stored here before: then a person saw the box clear and checked it, and
-/// it is no first start that would undo what he chose. Deleting the value removes the entry, also when no
-/// value was stored. What fails at the entry is reported, and the result is that of the registry below.
+/// stays as it is at a first start (no key SOFTWARE\ORVEN is there yet): only a person who checks the box
+/// may undo what he chose. Deleting the value removes the entry, also when no value was stored; one that does
+/// not start this program is left alone, and when it cannot be removed the value stays. What fails at the
+/// entry is reported; writing succeeds all the same when the registry below could store the value.
 /// User-interface thread.
 class AutostartRegistry final : public Registry {
  public:
@@ -33,7 +33,7 @@ class AutostartRegistry final : public Registry {
   bool Delete(RegistryRoot root, const std::string& key, const std::string& name) override;
 
  private:
-  void Attempt(const char* what, const std::function<void()>& change);
+  bool Attempt(const char* what, const std::function<void()>& change);
 
   Registry& stored_;
   AutostartEntry entry_;

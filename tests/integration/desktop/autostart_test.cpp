@@ -2,9 +2,13 @@
 #include "adapters/desktop/autostart_registry.h"
 
 #include <gtest/gtest.h>
+#include <sys/fsuid.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <regex>
+#include <utility>
 #include <vector>
 
 #include "support/memory_registry.h"
@@ -15,6 +19,26 @@ namespace {
 
 using test::ContentOf;
 using test::PutFile;
+
+/// While it lives this thread can read in `folder`, below `root`, and not write, even when it is root's.
+class ReadOnly {
+ public:
+  ReadOnly(const std::string& root, std::string folder) : folder_(std::move(folder)) {
+    ::chmod(root.c_str(), 0755);
+    ::chmod(folder_.c_str(), 0555);
+    constexpr uid_t kNobody = 65534;
+    ::setfsuid(kNobody);
+  }
+  ReadOnly(const ReadOnly&) = delete;
+  ReadOnly& operator=(const ReadOnly&) = delete;
+  ~ReadOnly() {
+    ::setfsuid(::geteuid());
+    ::chmod(folder_.c_str(), 0755);
+  }
+
+ private:
+  std::string folder_;
+};
 
 class AutostartTest : public ::testing::Test {
  protected:
@@ -111,6 +135,10 @@ TEST_F(AutostartTest, WhatWasSwitchedOffIsSwitchedOnOnlyByThePersonWhoChecksTheB
     stored_ = {};
     Check(registry);  // as a first start in an empty folder does
     EXPECT_FALSE(IsChecked(registry)) << off;
+    stored_.MakeKey(kSettingsKey);
+    const std::string edited = Entry();
+    Clear(registry);
+    EXPECT_EQ(Entry(), edited) << "the box was clear, and is left so";
     Check(registry);
     EXPECT_TRUE(IsChecked(registry)) << off;
     Clear(registry);
@@ -131,6 +159,21 @@ TEST_F(AutostartTest, AnotherInstallationsEntryIsTakenOverOnlyByThePersonOrWhenT
   Check(registry);
   EXPECT_TRUE(IsChecked(registry));
   EXPECT_NE(Entry().find("\nExec=/opt/orven -st\n"), std::string::npos) << Entry();
+}
+
+TEST_F(AutostartTest, AnEntryThatCannotBeRemovedIsStillInForce) {
+  auto registry = Installation("home");
+  Check(registry);
+  {
+    const ReadOnly folder(root_ / "", root_ / "config/autostart");
+    Clear(registry);
+    EXPECT_TRUE(IsChecked(registry));
+  }
+  EXPECT_EQ(problems_.size(), 1U);
+  stored_ = {};
+  EXPECT_TRUE(IsChecked(registry)) << "the desktop starts it, whatever is stored";
+  Clear(registry);
+  EXPECT_FALSE(std::filesystem::exists(file_));
 }
 
 TEST_F(AutostartTest, RubbishIsSetAsideAndAFailureReportedWhileTheValueIsStored) {
