@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
+#include <QTimer>
 #include <QWindow>
 
 namespace orven {
@@ -16,9 +17,14 @@ bool DialogFocus::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::Hide || event->spontaneous()) return false;
   const auto* dialog = qobject_cast<QDialog*>(watched);
   if (dialog == nullptr || dialog->parentWidget() == nullptr) return false;
-  QWidget* below = dialog->parentWidget()->window();
   // Whoever works in another program meanwhile keeps the keyboard there.
-  if (QGuiApplication::focusWindow() == dialog->windowHandle() && below->isVisible()) below->activateWindow();
+  if (QGuiApplication::focusWindow() != dialog->windowHandle()) return false;
+  QWidget* below = dialog->parentWidget()->window();
+  // Not before the dialog is gone: until then Qt takes it for the one with the keyboard, and the request goes
+  // past the window manager, whose own choice comes later and wins.
+  QTimer::singleShot(0, below, [below] {
+    if (below->isVisible()) below->activateWindow();
+  });
   return false;
 }
 

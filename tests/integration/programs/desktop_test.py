@@ -21,6 +21,7 @@ from orven_test import Orven
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "demo"))
 
 import processes  # noqa: E402
+import telephone  # noqa: E402
 from display import Display  # noqa: E402
 
 LIMIT = 20  # seconds for everything that a program does by itself
@@ -221,20 +222,22 @@ class DesktopTest(unittest.TestCase):
         while time.monotonic() < end:
             self.assertFalse(icon.is_blank(), "it goes on blinking")
 
-    def test_a_dialog_that_closes_beside_the_caller_view_gives_the_keyboard_back(self):
-        with open(os.path.join(self.home, "call.sim"), "w", encoding="utf-8") as file:
-            file.write("0.1 offer\n0.2 ring\n60 hangup\n")
-        self.lines("[Test]\ntype = sim\nscript = call.sim\n")
+    def test_dialogs_that_close_beside_the_caller_view_give_the_keyboard_back(self):
         orven = self.start()
         self.main_window(orven, "Normal")
-        # The main window has the keyboard, and the caller view is there, too.
-        processes.wait_for("The caller view", lambda: len(self.display.windows(orven.process)) == 2, LIMIT)
         self.keyboard_goes_to("ORVEN")
         self.display.run("xdotool", "key", "alt+o", "Down", "Return")
         self.keyboard_goes_to("Options")
         self.display.run("xdotool", "key", "alt+l")
         self.keyboard_goes_to("Telephone Lines")
-        for below in ("Options", "ORVEN"):
+        windows = len(self.display.windows(orven.process))
+        caller = telephone.Telephone(os.path.join(self.folder, "caller"), "Anna", "5551234")
+        self.addCleanup(caller.__exit__, None, None, None)
+        caller.dial(f"sip:machine@127.0.0.1:{self.port}")
+        processes.wait_for("The caller view", lambda: len(self.display.windows(orven.process)) > windows, LIMIT)
+        self.display.run("xdotool", "key", "alt+r")  # asks
+        self.keyboard_goes_to("ORVEN")
+        for below in ("Telephone Lines", "Options", "ORVEN"):
             self.display.run("xdotool", "key", "Escape")
             self.keyboard_goes_to(below)
 
