@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace orven {
+
+/// Hears in the received sound that the caller has hung up: many lines signal it by nothing else. The busy
+/// and congestion tones and the dial tone (ITU-T E.180 supplement 2), and a minute of silence. Not for use by
+/// several threads.
+class HangUpSound {
+ public:
+  /// `heard` is called once at most, within Listen, with what was heard, in words for the log.
+  explicit HangUpSound(std::function<void(const char*)> heard);
+  ~HangUpSound();
+
+  /// 8000 samples a second.
+  void Listen(std::span<const std::int16_t> samples);
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace orven
