@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "adapters/sound/resampler.h"
+#include "adapters/audio/resampler.h"
 
 namespace orven {
 

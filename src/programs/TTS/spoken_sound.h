@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "adapters/sound/resampler.h"
+#include "adapters/audio/resampler.h"
 #include "platform/audio_device.h"
 
 namespace orven {

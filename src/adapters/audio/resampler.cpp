@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/sound/resampler.h"
+#include "adapters/audio/resampler.h"
 
 namespace orven {
 namespace {
