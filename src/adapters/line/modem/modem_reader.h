@@ -15,11 +15,13 @@ class ModemSayings {
 
   /// A line of text without its end and without blanks around it; never empty, no control characters.
   virtual void Line(const std::string& text) = 0;
-  /// <DLE>x: something happened on the line, for example 'R' a ring, '5' a key, 'b' the busy tone.
+  /// <DLE>x: something happened on the line, for example 'R' a ring, '5' a key, 'b' the busy tone. Any
+  /// visible ASCII character, also one that means nothing.
   virtual void Sign(char code) = 0;
-  /// <DLE>X … <DLE>.: a packet, for example a caller id.
+  /// <DLE>X … <DLE>.: a packet, for example a caller id. Its lines keep their ends; no other control
+  /// characters.
   virtual void Packet(const std::string& text) = 0;
-  /// Received sound, unshielded, in the modem's sample format.
+  /// Received sound, unshielded, in the modem's sample format. Good during the call only.
   virtual void Sound(std::span<const std::uint8_t> bytes) = 0;
   /// The received sound is over (<DLE><ETX>, <DLE><ESC>); lines follow.
   virtual void SoundEnded() = 0;
@@ -29,7 +31,8 @@ class ModemSayings {
 /// Garbage costs no more than the line or packet that it is in. Not for use by several threads.
 class ModemReader {
  public:
-  /// A longer line (or packet) is no modem's; it is thrown away up to its end.
+  /// A longer line is no modem's; it is thrown away up to its end. A packet that gets longer is thrown away,
+  /// too, and what follows is read as if it had ended.
   static constexpr std::size_t kLongestLine = 1024;
 
   /// `sayings` is called within Read; it may call ExpectSound and ExpectLines there.
@@ -38,13 +41,35 @@ class ModemReader {
   void Read(std::span<const std::uint8_t> bytes);
 
   /// Sound begins right behind the line end of the next "CONNECT", and ends with SoundEnded.
-  void ExpectSound();
+  void ExpectSound() { sound_expected_ = true; }
 
-  /// Whatever comes now are lines, also in the middle of sound: its end was lost.
+  /// Whatever comes now are lines, also in the middle of sound: its end was lost. Nor is sound expected any
+  /// more.
   void ExpectLines();
 
  private:
+  enum class Mode : std::uint8_t {
+    Lines,
+    Connected,  ///< behind the <CR> of "CONNECT": an <LF> still belongs to it
+    Sound,
+  };
+
+  std::size_t ReadSound(std::span<const std::uint8_t> bytes);
+  void ReadByte(std::uint8_t byte);
+  void BehindDle(std::uint8_t byte);
+  void ReadSign(char code);
+  void ReadText(std::uint8_t byte);
+  void EndLine(std::uint8_t end);
+  void EndSound();
+
   ModemSayings& sayings_;
+  Mode mode_ = Mode::Lines;
+  bool sound_expected_ = false;
+  bool dle_ = false;       ///< the byte before was a <DLE> that begins something
+  bool packet_ = false;    ///< within <DLE>X … <DLE>.
+  bool too_long_ = false;  ///< the rest of this line is thrown away
+  std::string line_;
+  std::string packet_text_;
 };
 
 }  // namespace orven

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/modem_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "adapters/line/modem/shielding.h"
+
+namespace orven {
+namespace {
+
+constexpr char kPacketBegins = 'X';
+constexpr char kPacketEnds = '.';
+constexpr std::array<std::uint8_t, 2> kTwoDle{kDle, kDle};
+
+bool IsLineEnd(std::uint8_t byte) {
+  return byte == '\r' || byte == '\n';
+}
+
+bool IsControl(std::uint8_t byte) {
+  return byte < 0x20 || byte == 0x7F;
+}
+
+bool IsVisible(std::uint8_t byte) {
+  return byte > 0x20 && byte < 0x7F;
+}
+
+/// "CONNECT", also with what some modems add to it.
+bool IsConnect(const std::string& line) {
+  return line == "CONNECT" || line.starts_with("CONNECT ");
+}
+
+std::string Trimmed(const std::string& text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+void ModemReader::Read(std::span<const std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    if (mode_ == Mode::Connected) {
+      mode_ = Mode::Sound;
+      if (bytes.front() == '\n') bytes = bytes.subspan(1);
+    } else if (mode_ == Mode::Sound && !packet_ && (!dle_ || bytes.front() == kDle)) {
+      bytes = bytes.subspan(ReadSound(bytes));
+    } else {
+      const auto byte = bytes.front();
+      bytes = bytes.subspan(1);
+      ReadByte(byte);
+    }
+  }
+}
+
+void ModemReader::ExpectLines() {
+  mode_ = Mode::Lines;
+  sound_expected_ = dle_ = packet_ = too_long_ = false;
+  line_.clear();
+}
+
+/// Hands over the samples at the beginning of `bytes` in one run, and returns how many bytes were read.
+/// A <DLE> behind a <DLE> is a sample, which the run begins with.
+std::size_t ModemReader::ReadSound(std::span<const std::uint8_t> bytes) {
+  const auto dle = std::find(bytes.begin() + (dle_ ? 1 : 0), bytes.end(), kDle);
+  const auto run = bytes.first(static_cast<std::size_t>(dle - bytes.begin()));
+  dle_ = dle != bytes.end();
+  const auto read = run.size() + (dle_ ? 1 : 0);
+  if (!run.empty()) sayings_.Sound(run);
+  return read;
+}
+
+void ModemReader::ReadByte(std::uint8_t byte) {
+  if (dle_) {
+    dle_ = false;
+    BehindDle(byte);
+  } else if (byte == kDle) {
+    dle_ = true;
+  } else {
+    ReadText(byte);
+  }
+}
+
+void ModemReader::BehindDle(std::uint8_t byte) {
+  const bool sound = mode_ == Mode::Sound;
+  if (IsVisible(byte)) {
+    ReadSign(static_cast<char>(byte));
+  } else if (sound && (byte == kEtx || byte == kEsc)) {
+    EndSound();
+  } else if (sound && !packet_) {
+    if (byte == kSub) sayings_.Sound(kTwoDle);
+  } else {
+    ReadText(byte);  // the <DLE> was garbage; it must not cost the line its end
+  }
+}
+
+void ModemReader::ReadSign(char code) {
+  if (code == kPacketBegins) {
+    packet_ = true;
+    packet_text_.clear();
+  } else if (packet_ && code == kPacketEnds) {
+    packet_ = false;
+    sayings_.Packet(std::exchange(packet_text_, {}));
+  } else {
+    sayings_.Sign(code);
+  }
+}
+
+void ModemReader::ReadText(std::uint8_t byte) {
+  const bool end = IsLineEnd(byte);
+  if (packet_) {
+    if (end || !IsControl(byte)) packet_text_ += static_cast<char>(byte);
+    packet_ = packet_text_.size() <= kLongestLine;
+  } else if (end) {
+    EndLine(byte);
+  } else if (!IsControl(byte) && !too_long_) {
+    line_ += static_cast<char>(byte);
+    too_long_ = line_.size() > kLongestLine;
+  }
+}
+
+void ModemReader::EndLine(std::uint8_t end) {
+  const auto text = Trimmed(std::exchange(line_, {}));
+  if (std::exchange(too_long_, false) || text.empty()) return;
+  if (sound_expected_ && IsConnect(text)) {
+    sound_expected_ = false;
+    mode_ = end == '\n' ? Mode::Sound : Mode::Connected;
+  }
+  sayings_.Line(text);
+}
+
+void ModemReader::EndSound() {
+  mode_ = Mode::Lines;
+  packet_ = too_long_ = false;
+  line_.clear();
+  sayings_.SoundEnded();
+}
+
+}  // namespace orven
