@@ -10,18 +10,9 @@
 
 #include "platform/clock.h"
 #include "platform/event_loop.h"
+#include "support/modem/modem_profile.h"
 
 namespace orven {
-
-/// What a chip family answers and where it differs.
-struct ModemProfile {
-  std::string name;  ///< v253, conexant, softmodem, lucent, silabs
-  // Further members belong to the emulator.
-};
-
-/// The profiles there are, or nullptr.
-const ModemProfile* FindModemProfile(const std::string& name);
-std::vector<std::string> ModemProfileNames();
 
 /// What goes wrong with this modem.
 struct ModemFaults {
@@ -40,20 +31,29 @@ struct ModemFaults {
 class ModemEmulator {
  public:
   using ToHost = std::function<void(std::span<const std::uint8_t>)>;
+  using Tell = std::function<void(const std::string&)>;
 
   ModemEmulator(const ModemProfile& profile, const ModemFaults& faults, EventLoop& loop, const Clock& clock,
                 ToHost to_host);
   ~ModemEmulator();
 
+  /// `tell` hears at once what happens: "off-hook", "on-hook", "playing", "receiving", "idle" (neither any
+  /// more), "complaint: …".
+  void SetTell(Tell tell);
+
   /// Bytes from the host; the answer comes 20 to 100 ms later, in pieces of any size.
   void FromHost(std::span<const std::uint8_t> bytes);
+
+  /// How many bytes the modem takes now: flow control holds back what is more. What comes all the same is
+  /// lost and complained of.
+  std::size_t Room() const;
 
   // The telephone network's side.
   /// The bell rings for two seconds.
   void Ring();
   /// One line such as "NMBR = 5551234", as the modem would write it (only while caller id is on).
   void CallerIdLine(const std::string& line);
-  /// The caller presses a key for `duration`.
+  /// The caller presses a key for `duration`, after those pressed before.
   void Press(char key, std::chrono::milliseconds duration = std::chrono::milliseconds(120));
   /// The caller says this from now on (8000 a second); silence afterwards.
   void Say(std::vector<std::int16_t> samples);
@@ -71,8 +71,12 @@ class ModemEmulator {
   void PowerCycle();
 
   bool OffHook() const;
-  /// The time at which the latest off-hook command came in, and the latest tone's first report went out.
+  /// Whether the caller has something left to say.
+  bool Speaking() const;
+  /// The time at which the latest off-hook command came in.
   std::chrono::milliseconds OffHookAt() const;
+  /// The time at which the first report of the latest key went out.
+  std::chrono::milliseconds KeyReportedAt() const;
 
   /// What the line has heard since it was answered last, in 8000 samples a second of 16 bits: what was
   /// transmitted, at the time at which it was played, with silence where nothing was.
