@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/tone_cadence.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace orven {
+namespace {
+
+// Frames are 16 ms apart; a frame hears 48 ms, so that a tone's edges fill two frames on either side.
+constexpr int kEdge = 2;
+
+/// Networks' tones are on and off for 100 to 750 ms (ITU-T E.180 supplement 2).
+constexpr int kShortest = 4;
+constexpr int kLongest = 50;
+
+/// A dial tone is taken for one after 3 s.
+constexpr std::size_t kDialTone = 188;
+
+/// Tones are sent at -10 dBm0 or so and lose up to 25 dB on the way (ITU-T E.180, Q.552).
+constexpr float kWeakest = -38;
+
+/// Between two bursts it is so much more quiet, dB, for 2 frames at least and but for the edges of both.
+constexpr float kPause = 8;
+constexpr int kShortestPause = 2;
+constexpr int kPauseEdges = 4 * kEdge;
+
+// How far a machine's tone moves from its middle, in the presence of 8-bit samples and a line's noise; voices
+// move more. At a burst's beginning a modem may still find its gain.
+constexpr float kDialLevel = 1;     // dB
+constexpr float kBurstLevel = 2;    // dB
+constexpr float kSteadyPitch = 5;   // Hz
+constexpr float kSamePitch = 6;     // Hz, of two bursts
+constexpr float kSameLevel = 2.5F;  // dB
+constexpr int kSameLength = 2;      // frames
+
+/// Some congestion tones are groups of two or three bursts of different lengths or levels.
+constexpr std::size_t kLongestGroup = 3;
+
+bool SamePitch(const ToneFrame& a, const ToneFrame& b, float hertz) {
+  return std::abs(a.low - b.low) <= hertz && std::abs(a.high - b.high) <= hertz;
+}
+
+/// 400, 425, 440, 450 Hz, or 350 with one of them (ITU-T E.180 supplement 2).
+bool IsDialPitch(const ToneFrame& tone) {
+  if (tone.high == 0) return tone.low > 385 && tone.low < 465;
+  return tone.low > 325 && tone.low < 365 && tone.high > 385 && tone.high < 465;
+}
+
+}  // namespace
+
+ToneCadence::Heard ToneCadence::Next(const ToneFrame& frame) {
+  if (Continues(frame)) {
+    tone_.push_back(frame);
+    if (tone_.size() > kDialTone) tone_.pop_front();
+    ++length_;
+    return IsDialTone() ? Heard::Dial : Heard::Nothing;
+  }
+  EndBurst();
+  if (frame.tone && frame.level > kWeakest) {
+    tone_.push_back(frame);
+    length_ = 1;
+  } else {
+    ++gap_;
+    if (!bursts_.empty() && frame.level < bursts_.back().tone.level - kPause) ++quiet_;
+    if (gap_ > kLongest || gap_ - quiet_ > kPauseEdges) Forget();
+  }
+  for (std::size_t period = 1; period <= kLongestGroup; ++period) {
+    if (Repeats(period)) return Heard::Busy;
+  }
+  return Heard::Nothing;
+}
+
+bool ToneCadence::Continues(const ToneFrame& frame) const {
+  return frame.tone && frame.level > kWeakest && !tone_.empty() &&
+         SamePitch(frame, tone_.back(), kSteadyPitch);
+}
+
+/// Whether what sounds now has not moved more than that, but for its edges.
+bool ToneCadence::Steady(float decibels, float hertz) const {
+  const auto& middle = tone_[tone_.size() / 2];
+  const auto moved = [&](const ToneFrame& frame) {
+    return std::abs(frame.level - middle.level) > decibels || !SamePitch(frame, middle, hertz);
+  };
+  return std::none_of(tone_.begin() + kEdge, tone_.end() - kEdge, moved);
+}
+
+bool ToneCadence::IsDialTone() const {
+  return tone_.size() == kDialTone && IsDialPitch(tone_.back()) && Steady(kDialLevel, kSteadyPitch);
+}
+
+void ToneCadence::EndBurst() {
+  if (tone_.empty()) return;
+  const auto tone = tone_[tone_.size() / 2];
+  const bool glitch = length_ < kShortest;
+  if (glitch) {
+    gap_ += length_;
+  } else if (length_ > kLongest || !Steady(kBurstLevel, kSteadyPitch)) {
+    Forget();
+  } else {
+    if (quiet_ < kShortestPause) Forget();
+    bursts_.push_back({gap_, length_, tone});
+    if (bursts_.size() > 2 * kLongestGroup + 2) bursts_.pop_front();
+    gap_ = quiet_ = 0;
+  }
+  tone_.clear();
+}
+
+void ToneCadence::Forget() {
+  bursts_.clear();
+  gap_ = quiet_ = 0;
+}
+
+/// Whether the latest bursts are groups of `period` that are all alike: two groups and two bursts more.
+bool ToneCadence::Repeats(std::size_t period) const {
+  const auto needed = 2 * period + 2;
+  if (bursts_.size() < needed) return false;
+  const auto first = bursts_.end() - static_cast<std::ptrdiff_t>(needed);
+  for (auto burst = first; burst + static_cast<std::ptrdiff_t>(period) != bursts_.end(); ++burst) {
+    const auto& other = burst[static_cast<std::ptrdiff_t>(period)];
+    const bool gaps = burst == first || std::abs(burst->gap - other.gap) <= kSameLength;
+    if (!gaps || !Alike(*burst, other) || !SamePitch(burst->tone, first->tone, kSamePitch)) return false;
+  }
+  return true;
+}
+
+bool ToneCadence::Alike(const Burst& a, const Burst& b) {
+  return std::abs(a.length - b.length) <= kSameLength &&
+         std::abs(a.tone.level - b.tone.level) <= kSameLevel && SamePitch(a.tone, b.tone, kSamePitch);
+}
+
+}  // namespace orven
