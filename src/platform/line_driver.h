@@ -35,6 +35,8 @@ class LineDriverEvents {
   /// The call is gone. Exactly once for each Offered, as its last event; the driver then accepts the
   /// next call.
   virtual void Idle(CallNumber call) = 0;
+  /// Something is wrong with the device itself, in one sentence for its owner; empty: it works again.
+  virtual void Trouble(const std::string& /*text*/) {}
 };
 
 /// One telephone device. Operations are called on the user-interface thread and return at once; what

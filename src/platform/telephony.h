@@ -57,6 +57,9 @@ class TelephonyEvents {
   /// Texts are valid UTF-8 without control characters and without double quotes. What the network did
   /// not tell is "UNKNOWN"; a caller of whom it tells nothing raises no event.
   virtual void CallerID(std::int32_t line, const std::string& name, const std::string& number) = 0;
+  /// Something is wrong with an open line's device, in one sentence for its owner; empty: it works again.
+  /// At any time, also without a call.
+  virtual void Trouble(std::int32_t /*line*/, const std::string& /*text*/) {}
 };
 
 /// The telephony control (the program's `Tapi1`). Operations are called on the user-interface thread

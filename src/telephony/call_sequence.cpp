@@ -40,6 +40,10 @@ void CallSequence::CallerID(std::int32_t line, const std::string& name, const st
   });
 }
 
+void CallSequence::Trouble(std::int32_t line, const std::string& text) {
+  context_.line.Trouble(line, text);
+}
+
 void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
   const ErrorTrap trap(context_.log, "ErrTapiProc ");
   trap([&] { parts_.control.Proc(line, request, result); });

@@ -32,6 +32,7 @@ class CallSequence : public TelephonyEvents {
   void InCommingCall(std::int32_t line, const CallInformation& call) override;
   void Ring(std::int32_t line, std::int32_t count) override;
   void CallerID(std::int32_t line, const std::string& name, const std::string& number) override;
+  void Trouble(std::int32_t line, const std::string& text) override;
   void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override;
   void Connected(std::int32_t line) override;
   void MonitorDigit(std::int32_t line, char digit) override;

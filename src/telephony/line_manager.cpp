@@ -82,6 +82,7 @@ void LineManager::OpenLine(std::int32_t index) {
     }
     open_index_ = index;
     line_on_ = true;
+    trouble_.clear();
     ports_.view.ShowStatus("Monitoring " + name);
     ports_.log.WriteSystem(line);
     ports_.view.ShowLine(true);
@@ -113,7 +114,14 @@ void LineManager::ReplaceDevices(const std::function<void()>& replace) {
 }
 
 void LineManager::ShowMonitoring() {
+  if (line_on_ && !trouble_.empty()) return ports_.view.ShowStatus(trouble_);
   ports_.view.ShowStatus(line_on_ ? "Monitoring " + DeviceName(open_index_) : "Off Mode");
+}
+
+void LineManager::Trouble(std::int32_t index, const std::string& text) {
+  if (index != open_index_) return;
+  trouble_ = text;
+  ShowMonitoring();
 }
 
 }  // namespace orven

@@ -48,8 +48,12 @@ class LineManager {
   /// options must not turn a call that is up away from its own line.
   std::int32_t CurrentIndex() const { return open_index_ >= 0 ? open_index_ : settings_.Modem; }
 
-  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off.
+  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; while its device is in
+  /// trouble, that instead.
   void ShowMonitoring();
+
+  /// What is wrong with the device of the line `index`; empty: it works again.
+  void Trouble(std::int32_t index, const std::string& text);
 
   /// Index of the first device that is called exactly so; -1 when none is.
   std::int32_t FindByName(const std::string& name) const;
@@ -64,6 +68,7 @@ class LineManager {
   Settings& settings_;
   bool line_on_ = false;
   std::int32_t open_index_ = -1;
+  std::string trouble_;  ///< of the open line
 };
 
 }  // namespace orven

@@ -115,7 +115,7 @@ MailAccount Program::Account() {
 
 std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
   std::vector<std::string> problems;
-  auto lines = MakeTelephoneLines(LinesPath(), loop_, problems, ReportFromAnyThread(), line_states_);
+  auto lines = MakeTelephoneLines(LinesPath(), loop_, clock_, problems, ReportFromAnyThread(), line_states_);
   for (const auto& problem : problems) Report(problem);
   return lines;
 }

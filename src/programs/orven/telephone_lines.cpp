@@ -3,8 +3,10 @@
 
 #include <filesystem>
 
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/service/lines_file.h"
 #include "adapters/line/setup/line_settings.h"
+#include "adapters/line/setup/serial_ports.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sip/sip_line.h"
 
@@ -20,6 +22,26 @@ std::unique_ptr<LineDriver> MakeSip(const LineSection& section, const std::files
   return MakeSipLine(settings);
 }
 
+std::vector<std::string> PortsFound() {
+  std::vector<std::string> paths;
+  for (const auto& port : FindSerialPorts()) paths.push_back(port.path);
+  return paths;
+}
+
+std::unique_ptr<LineDriver> MakeModem(const LineSection& section, const Clock& clock,
+                                      const std::function<void(const std::string&)>& report,
+                                      const std::shared_ptr<ModemState>& state) {
+  ModemLineSettings settings;
+  settings.name = section.name;
+  settings.port = section.values.at("port");
+  settings.find_ports = PortsFound;
+  settings.report = [report, name = section.name](const std::string& text) {
+    report('[' + name + "] " + text);
+  };
+  settings.state_news = [state](const std::string& words) { state->Take(words); };
+  return MakeModemLine(std::move(settings), clock);
+}
+
 std::unique_ptr<LineDriver> MakeSim(const LineSection& section, const std::filesystem::path& folder,
                                     EventLoop& loop, std::vector<std::string>& problems) {
   const auto script = ScriptOf(section, folder);
@@ -30,7 +52,7 @@ std::unique_ptr<LineDriver> MakeSim(const LineSection& section, const std::files
 }  // namespace
 
 std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
-    const std::string& path, EventLoop& loop, std::vector<std::string>& problems,
+    const std::string& path, EventLoop& loop, const Clock& clock, std::vector<std::string>& problems,
     const std::function<void(const std::string&)>& report, LineStates& states) {
   const auto file = ReadLines(path);
   const auto folder = std::filesystem::path(path).parent_path();
@@ -38,15 +60,13 @@ std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
   std::vector<std::unique_ptr<LineDriver>> lines;
   states.Clear();
   for (const auto& section : file.sections) {
+    const auto& state = states.Add(section);
     if (section.type == "sip") {
-      lines.push_back(MakeSip(section, folder, report, states.Add(section)));
-    } else if (section.type == "sim") {
-      states.Add(section);
-      lines.push_back(MakeSim(section, folder, loop, problems));
+      lines.push_back(MakeSip(section, folder, report, state.registration));
+    } else if (section.type == "modem") {
+      lines.push_back(MakeModem(section, clock, report, state.modem));
     } else {
-      problems.push_back("lines.ini:" + std::to_string(section.line_number) + ": [" + section.name +
-                         "] is a " + section.type +
-                         " line, which this version of ORVEN cannot use; the other lines work");
+      lines.push_back(MakeSim(section, folder, loop, problems));
     }
   }
   return lines;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adapters/line/setup/line_states.h"
+#include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/line_driver.h"
 
@@ -17,7 +18,7 @@ namespace orven {
 /// wrong while it is open; it is called on the lines' threads and must not block. `states` becomes those of
 /// these lines.
 std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
-    const std::string& path, EventLoop& loop, std::vector<std::string>& problems,
+    const std::string& path, EventLoop& loop, const Clock& clock, std::vector<std::string>& problems,
     const std::function<void(const std::string&)>& report, LineStates& states);
 
 }  // namespace orven

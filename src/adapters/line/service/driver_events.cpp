@@ -55,4 +55,8 @@ void DriverEventQueue::Idle(CallNumber call) {
   Push([=](LineDriverEvents& to) { to.Idle(call); });
 }
 
+void DriverEventQueue::Trouble(const std::string& text) {
+  Push([=](LineDriverEvents& to) { to.Trouble(text); });
+}
+
 }  // namespace orven

@@ -26,6 +26,7 @@ class DriverEventQueue : public LineDriverEvents {
   void Digit(CallNumber call, char digit) override;
   void Disconnected(CallNumber call) override;
   void Idle(CallNumber call) override;
+  void Trouble(const std::string& text) override;
 
   /// Delivers the oldest event to `target`. False when none waits. User-interface thread.
   bool DeliverNext(LineDriverEvents& target);

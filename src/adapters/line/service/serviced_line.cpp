@@ -136,4 +136,8 @@ void ServicedLine::Idle(CallNumber call) {
   Raise(&TelephonyEvents::Idle);
 }
 
+void ServicedLine::Trouble(const std::string& text) {
+  Raise(&TelephonyEvents::Trouble, text);
+}
+
 }  // namespace orven

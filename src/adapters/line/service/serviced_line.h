@@ -61,6 +61,7 @@ class ServicedLine : private LineDriverEvents {
   void Digit(CallNumber call, char digit) override;
   void Disconnected(CallNumber call) override;
   void Idle(CallNumber call) override;
+  void Trouble(const std::string& text) override;
 
   std::int32_t index_;
   EventLoop& loop_;

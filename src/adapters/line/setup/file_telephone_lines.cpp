@@ -9,6 +9,7 @@
 #include "adapters/files/descriptor.h"
 #include "adapters/files/durable.h"
 #include "adapters/files/utf8.h"
+#include "adapters/line/modem/modem_line_settings.h"
 #include "adapters/line/service/lines_text.h"
 #include "adapters/line/setup/line_sections.h"
 #include "adapters/line/setup/line_settings.h"
@@ -136,14 +137,15 @@ bool FileTelephoneLines::AnyOpen() const {
 }
 
 std::string FileTelephoneLines::State(const TelephoneLine& line) const {
-  if (line.kind == LineKind::Modem) return "Not usable in this version";
   const auto device = DeviceOf(line);
   if (device < 0) return "Not in use yet";
   if (const auto failure = service_.OpenFailure(device); !failure.empty())
     return "Could not be opened: " + failure;
   if (!service_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
+  const auto& states = states_.Devices()[static_cast<std::size_t>(device)];
+  if (line.kind == LineKind::Modem) return states.modem->Latest();
   if (line.server.empty()) return "Waiting for calls";
-  return RegistrationWords(states_.Devices()[static_cast<std::size_t>(device)].registration->Latest());
+  return RegistrationWords(states.registration->Latest());
 }
 
 /// Whether an open line has this account registered, whatever else is different.
@@ -178,9 +180,13 @@ void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
   const auto device = DeviceOf(line);
   const bool open = device >= 0 && service_.IsLineOpen(device);
   const SipTestOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
+  const auto state = open ? State(line) : "";
   tests_.Start(
-      [line, open, options, section = SectionOf(line), folder = std::filesystem::path(path_).parent_path()](
-          const std::atomic<bool>& cancelled) -> LineTestResult {
+      [line, open, state, options, section = SectionOf(line),
+       folder =
+           std::filesystem::path(path_).parent_path()](const std::atomic<bool>& cancelled) -> LineTestResult {
+        if (line.kind == LineKind::Modem && open)
+          return {state == kModemReady, "The line is open: " + state + '.'};
         if (line.kind == LineKind::Modem) return ProbeModem(line.port, cancelled);
         if (line.kind == LineKind::Sim) return ReadScript(ScriptOf(section, folder));
         if (open && line.server.empty())

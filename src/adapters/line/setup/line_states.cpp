@@ -13,9 +13,19 @@ RegistrationNews RegistrationState::Latest() const {
   return latest_;
 }
 
-std::shared_ptr<RegistrationState> LineStates::Add(const LineSection& section) {
-  devices_.push_back({section, std::make_shared<RegistrationState>()});
-  return devices_.back().registration;
+void ModemState::Take(const std::string& words) {
+  const std::lock_guard lock(mutex_);
+  latest_ = words;
+}
+
+std::string ModemState::Latest() const {
+  const std::lock_guard lock(mutex_);
+  return latest_;
+}
+
+const LineStates::Device& LineStates::Add(const LineSection& section) {
+  devices_.push_back({.section = section});
+  return devices_.back();
 }
 
 }  // namespace orven

@@ -9,7 +9,7 @@
 
 #include "adapters/line/sip/digit_merger.h"
 #include "adapters/line/sip/inband_digits.h"
-#include "adapters/line/sip/line_audio.h"
+#include "adapters/line/service/line_audio.h"
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/playout.h"
 #include "adapters/line/sip/rtp_packet.h"

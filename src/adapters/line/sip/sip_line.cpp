@@ -4,7 +4,7 @@
 #include <exception>
 #include <future>
 
-#include "adapters/line/sip/line_audio.h"
+#include "adapters/line/service/line_audio.h"
 #include "adapters/line/sip/sip_agent.h"
 #include "adapters/line/sip/sip_thread.h"
 

@@ -72,7 +72,7 @@ class Modem {
 
 LineTestResult Probed(const std::string& path) {
   const std::atomic<bool> cancelled = false;
-  return ProbeModem(path, cancelled, std::chrono::milliseconds(400));
+  return ProbeModem(path, cancelled);
 }
 
 LineTestResult Probed(Modem::Answer answer) {
@@ -130,9 +130,7 @@ TEST(ModemProbe, CanBeStopped) {
     cancelled = true;
     return "";
   });
-  const auto begin = std::chrono::steady_clock::now();
-  ProbeModem(modem.Path(), cancelled, std::chrono::seconds(60));
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+  EXPECT_FALSE(ProbeModem(modem.Path(), cancelled).passed) << "and did not wait for a second question";
 }
 
 }  // namespace

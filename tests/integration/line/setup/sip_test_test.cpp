@@ -39,7 +39,7 @@ class SipLineTestRun : public testing::Test {
     states.Clear();
     for (const auto& section : ReadLines(folder / "lines.ini").sections) {
       auto settings = SipSettingsOf(section, folder / "");
-      settings.registration_news = [state = states.Add(section)](const RegistrationNews& news) {
+      settings.registration_news = [state = states.Add(section).registration](const RegistrationNews& news) {
         state->Take(news);
       };
       drivers.push_back(MakeSipLine(settings));
@@ -173,7 +173,7 @@ TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
   settings.account = "sip:100@" + line.server;
   settings.password = "wrong";
   settings.timers.registration_retry_first = settings.timers.registration_retry_longest = milliseconds(50);
-  settings.registration_news = [state = states.Add(section)](const RegistrationNews& news) {
+  settings.registration_news = [state = states.Add(section).registration](const RegistrationNews& news) {
     state->Take(news);
   };
   drivers.push_back(MakeSipLine(settings));

@@ -19,16 +19,25 @@ class LineAudio : public AudioDevice {
   std::int32_t StartRecord(AudioSink& sink) override;
   void StopRecord() override;
 
-  /// Fills `block` with what is to be sent now, silence when nothing plays. Call's thread.
-  void Fetch(std::span<std::int16_t> block);
+  /// Fills `block` with what is to be sent now; silence, and false, when nothing plays. Call's thread.
+  bool Fetch(std::span<std::int16_t> block);
 
   /// Hands over a received block. Call's thread.
   void Deliver(std::span<const std::int16_t> block);
 
+  /// Whether something plays; whether somebody records. Any thread.
+  bool Plays() const;
+  bool Records() const;
+
+  /// Whether playing was stopped before its end since this was asked last: what a device holds of it
+  /// must not be heard any more. Call's thread.
+  bool TakeCut();
+
  private:
-  std::mutex play_mutex_;
+  mutable std::mutex play_mutex_;
   AudioSource* source_ = nullptr;  ///< guarded by play_mutex_
-  std::mutex record_mutex_;
+  bool cut_ = false;               ///< guarded by play_mutex_
+  mutable std::mutex record_mutex_;
   AudioSink* sink_ = nullptr;  ///< guarded by record_mutex_
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/sip/line_audio.h"
+#include "adapters/line/service/line_audio.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/wave.h"
 
@@ -16,6 +17,7 @@ std::int32_t LineAudio::StartPlay(AudioSource& source) {
 
 void LineAudio::StopPlay() {
   const std::lock_guard lock(play_mutex_);
+  cut_ = cut_ || source_ != nullptr;
   source_ = nullptr;
 }
 
@@ -31,16 +33,32 @@ void LineAudio::StopRecord() {
   sink_ = nullptr;
 }
 
-void LineAudio::Fetch(std::span<std::int16_t> block) {
+bool LineAudio::Fetch(std::span<std::int16_t> block) {
   const std::lock_guard lock(play_mutex_);
-  if (source_ != nullptr && source_->Read(block)) return;
+  if (source_ != nullptr && source_->Read(block)) return true;
   source_ = nullptr;
   std::fill(block.begin(), block.end(), std::int16_t{0});
+  return false;
 }
 
 void LineAudio::Deliver(std::span<const std::int16_t> block) {
   const std::lock_guard lock(record_mutex_);
   if (sink_ != nullptr) sink_->Write(block);
+}
+
+bool LineAudio::Plays() const {
+  const std::lock_guard lock(play_mutex_);
+  return source_ != nullptr;
+}
+
+bool LineAudio::Records() const {
+  const std::lock_guard lock(record_mutex_);
+  return sink_ != nullptr;
+}
+
+bool LineAudio::TakeCut() {
+  const std::lock_guard lock(play_mutex_);
+  return std::exchange(cut_, false);
 }
 
 }  // namespace orven

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/line/modem/modem_call.h"
+#include "adapters/line/modem/modem_line_settings.h"
+#include "adapters/line/modem/modem_link.h"
+#include "adapters/line/modem/modem_preparation.h"
+#include "adapters/line/modem/modem_talk.h"
+
+namespace orven {
+
+/// A line at a voice modem: finds the modem, keeps it ready, and has its calls. A modem that is not there,
+/// or goes, or stops answering, is looked for until it works. One thread, that of `loop`.
+class ModemAgent : private ModemLinkEvents, private ModemSayings {
+ public:
+  /// All of these outlive the agent.
+  struct Ports {
+    ModemLink& link;
+    EventLoop& loop;
+    const Clock& clock;
+    LineAudio& audio;
+    LineDriverEvents& events;
+  };
+
+  ModemAgent(ModemLineSettings settings, Ports ports);
+  ~ModemAgent() override;
+
+  /// Begins. The reason when the port can never be used as things are: its owner may not use it.
+  std::optional<std::string> Start();
+
+  /// Hangs up, lets the modem go and calls `done`, within 1.5 seconds. Nothing else afterwards.
+  void Shutdown(std::function<void()> done);
+
+  void Answer(CallNumber call, std::int32_t request);
+  void Drop(CallNumber call, std::int32_t request);
+  void MonitorDigits(CallNumber call, bool on);
+
+ private:
+  enum class State : std::uint8_t { Away, Preparing, Ready, Closed };
+
+  void LookForModem();
+  void OpenNextPort();
+  void Prepare();
+  void Prepared(const PreparedModem& modem);
+  void LetGo(const std::string& trouble, std::chrono::milliseconds retry);
+  void CheckHealth(int tries_left);
+  void ModemFailed();
+  void Trouble(const std::string& text);
+
+  ModemCall& CallInProgress();
+  void CallOver();
+  ModemCall* Find(CallNumber call) const;
+
+  void Received(std::span<const std::uint8_t> bytes) override { talk_.Received(bytes); }
+  void Lost(const std::string& reason) override;
+
+  void Line(const std::string& text) override;
+  void Sign(char code) override;
+  void Packet(const std::string& text) override;
+  void Sound(std::span<const std::uint8_t> bytes) override;
+  void SoundEnded() override;
+
+  const ModemLineSettings settings_;
+  Ports ports_;
+  ModemTalk talk_;
+  State state_ = State::Closed;
+  std::vector<std::string> candidates_;  ///< ports that are still to be tried
+  std::string port_;                     ///< the one that is open or was tried last
+  PreparedModem modem_;
+  std::unique_ptr<ModemPreparation> preparation_;
+  std::unique_ptr<ModemCall> call_;
+  CallNumber calls_ = 0;
+  std::string trouble_;
+  std::function<void()> closed_;
+  std::unique_ptr<Timer> health_;
+  std::uint64_t look_ = 0;  ///< tells the latest plan to look for the modem from earlier ones
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/modem_call.h"
+
+#include <utility>
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// A caller id is complete when nothing comes for so long; its lines follow each other at once.
+constexpr milliseconds kCallerIdQuiet{700};
+
+/// A caller id may come before the first ring; without one it was about something else.
+constexpr milliseconds kFirstRingPatience{10'000};
+
+/// Some modems refuse to go off-hook while the bell rings (2 s): tried again until the pause is over.
+constexpr milliseconds kAnswerPause{500};
+constexpr int kAnswerTries = 12;
+
+/// A ring that is reported so soon after the answer rang before it.
+constexpr milliseconds kLateRing{500};
+
+/// The exchange breaks the loop when it connects the call.
+constexpr milliseconds kBreakOfConnecting{2'000};
+
+/// How long a line is off-hook at least, so that the exchange notices.
+constexpr milliseconds kShortestOffHook{600};
+
+constexpr milliseconds kHangUpPatience{1'000};
+
+/// While we transmit a modem may take our own sound for a tone of the exchange.
+constexpr int kSignsWhileTransmitting = 2;
+
+}  // namespace
+
+ModemCall::ModemCall(CallNumber number, const PreparedModem& modem, ModemCallPorts ports, Listener listener)
+    : number_(number), modem_(modem), ports_(ports), listener_(std::move(listener)) {
+  WaitForNextRing(kFirstRingPatience);
+}
+
+void ModemCall::After(milliseconds delay, EventLoop::Task task) {
+  ports_.loop.After(delay, lifeline_.Bind(std::move(task)));
+}
+
+void ModemCall::Ring() {
+  if (state_ == State::Connected) return RingsOn();
+  if (state_ != State::Ringing && state_ != State::Answering) return;
+  const bool first = !rings_.Ringing();
+  const auto count = rings_.Ring(Now());
+  WaitForNextRing(rings_.Patience());
+  if (!count) return;
+  if (first) ports_.events.Offered(number_);
+  TellCaller();
+  ports_.events.Ring(number_, *count);
+}
+
+void ModemCall::WaitForNextRing(milliseconds patience) {
+  After(patience, [this, wait = ++ring_waits_] {
+    if (state_ == State::Ringing && wait == ring_waits_) Finish();
+  });
+}
+
+void ModemCall::CallerIdLine(const std::string& line) {
+  if (state_ <= State::Answering && caller_.Take(line)) EndCallerIdAfterQuiet();
+}
+
+void ModemCall::CallerIdPacket(const std::string& packet) {
+  if (state_ > State::Answering) return;
+  caller_.TakePacket(packet);
+  EndCallerIdAfterQuiet();
+}
+
+void ModemCall::EndCallerIdAfterQuiet() {
+  After(kCallerIdQuiet, [this, lines = ++caller_lines_] {
+    if (lines == caller_lines_) TellCaller();
+  });
+}
+
+void ModemCall::TellCaller() {
+  if (!Offered() || state_ == State::Over || !caller_.Any()) return;
+  if (const auto caller = caller_.Finish()) ports_.events.CallerId(number_, caller->name, caller->number);
+}
+
+void ModemCall::Answer(std::int32_t request) {
+  if (state_ != State::Ringing) {
+    const auto result = state_ == State::Over ? kTelephonyNoCall : kTelephonyAlreadyAnswered;
+    return ports_.events.RequestDone(request, result);
+  }
+  TellCaller();
+  answer_request_ = request;
+  state_ = State::Answering;
+  TryToAnswer(kAnswerTries);
+}
+
+void ModemCall::TryToAnswer(int tries_left) {
+  ports_.talk.Ask("AT+FCLASS=8");
+  ports_.talk.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+    if (state_ != State::Answering) return;
+    if (reply.Ok()) return Connect();
+    if (reply.kind == ModemReply::Kind::Nothing || tries_left <= 1) return AnswerFailed();
+    After(kAnswerPause, [this, tries_left] {
+      if (state_ == State::Answering) TryToAnswer(tries_left - 1);
+    });
+  });
+}
+
+void ModemCall::AnswerFailed() {
+  Done(answer_request_, kTelephonyDeviceFailed);
+  listener_.report("the modem did not answer the call");
+  if (drop_request_ != 0) return Finish();
+  state_ = State::Ringing;
+  WaitForNextRing(rings_.Patience());
+}
+
+void ModemCall::Connect() {
+  connected_at_ = Now();
+  const bool rejected = drop_request_ != 0;
+  state_ = rejected ? State::HangingUp : State::Connected;
+  Done(answer_request_, kTelephonyOk);
+  if (rejected) return After(kShortestOffHook, [this] { OnHook(); });
+  ports_.events.Connected(number_);
+  voice_ = std::make_unique<VoicePath>(
+      ports_.talk, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
+      VoicePath::Listener{[this](const char*) { After(milliseconds(0), [this] { CallerGone(); }); },
+                          [this] { VoiceFailed(); }});
+  SetUpVoice([this](const ModemReply&) {
+    if (state_ == State::Connected && !answering_again_) voice_->Begin();
+  });
+}
+
+/// Some modems forget these when they leave voice mode.
+void ModemCall::SetUpVoice(ModemTalk::Done done) {
+  if (modem_.detects_silence) ports_.talk.Ask("AT+VSD=128,0");  // our own detection decides
+  if (modem_.has_gains) {
+    for (const char* nominal : {"AT+VGR=128", "AT+VGT=128"}) ports_.talk.Ask(nominal);
+  }
+  ports_.talk.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
+}
+
+/// The answer has not taken: nobody has heard anything yet.
+void ModemCall::RingsOn() {
+  if (answering_again_ || Now() - connected_at_ < kLateRing) return;
+  answering_again_ = true;
+  voice_->End([this] { AnswerAgain(kAnswerTries); });
+}
+
+void ModemCall::AnswerAgain(int tries_left) {
+  if (state_ != State::Connected) return;
+  ports_.talk.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+    if (state_ != State::Connected) return;
+    if (reply.kind == ModemReply::Kind::Nothing) return VoiceFailed();
+    if (!reply.Ok() && tries_left > 1) return After(kAnswerPause, [=, this] { AnswerAgain(tries_left - 1); });
+    if (!reply.Ok()) return CallerGone();
+    connected_at_ = Now();
+    SetUpVoice([this](const ModemReply&) {
+      answering_again_ = false;
+      if (state_ == State::Connected) voice_->StartOver();
+    });
+  });
+}
+
+void ModemCall::Sign(char code) {
+  if (state_ != State::Connected) return;
+  if (code == 'u' && voice_) return voice_->Underrun();
+  if (const auto key = keys_.Sign(code, Now())) {
+    if (monitor_digits_) ports_.events.Digit(number_, *key);
+    return;
+  }
+  HangUpSign(code);
+}
+
+void ModemCall::HangUpSign(char code) {
+  switch (code) {
+    case 'b':
+    case 'K':
+    case 'd':
+      if (!voice_->Receives() && ++hang_up_signs_ < kSignsWhileTransmitting) return;
+      return CallerGone();
+    case 'l':
+      if (Now() - connected_at_ >= kBreakOfConnecting) CallerGone();
+      return;
+    case 'H':
+    case 'P':
+      listener_.report("a telephone beside the modem was lifted: the call is left to it");
+      return CallerGone();
+    default: return;
+  }
+}
+
+void ModemCall::NoCarrier() {
+  if (state_ == State::Connected) CallerGone();
+}
+
+void ModemCall::CallerGone() {
+  if (state_ != State::Connected) return;
+  ports_.events.Disconnected(number_);
+  HangUp();
+}
+
+void ModemCall::Drop(std::int32_t request) {
+  if (state_ == State::HangingUp || state_ == State::Over) {
+    if (request != 0) ports_.events.RequestDone(request, kTelephonyOk);
+    return;
+  }
+  drop_request_ = request;
+  if (state_ == State::Connected) return HangUp();
+  if (state_ == State::Answering) return;
+  // A line has no other way of turning a caller away.
+  state_ = State::Answering;
+  TryToAnswer(kAnswerTries);
+}
+
+void ModemCall::HangUp() {
+  state_ = State::HangingUp;
+  voice_->End([this] { OnHook(); });
+}
+
+void ModemCall::OnHook() {
+  ports_.talk.Ask(
+      "AT+VLS=0", [](const ModemReply&) {}, kHangUpPatience);
+  ports_.talk.Ask(
+      "ATH", [](const ModemReply&) {}, kHangUpPatience);
+  ports_.talk.Ask(
+      "AT+FCLASS=0",
+      [this](const ModemReply& reply) {
+        if (state_ == State::Over) return;
+        Finish();
+        if (reply.kind == ModemReply::Kind::Nothing) listener_.failed();
+      },
+      kHangUpPatience);
+}
+
+void ModemCall::VoiceFailed() {
+  if (state_ == State::Over) return;
+  Lost();
+  listener_.failed();
+}
+
+void ModemCall::Lost() {
+  if (state_ == State::Over) return;
+  if (state_ == State::Connected) ports_.events.Disconnected(number_);
+  Done(answer_request_, kTelephonyDeviceFailed);
+  Finish();
+}
+
+void ModemCall::Finish() {
+  TellCaller();
+  Done(drop_request_, kTelephonyOk);
+  state_ = State::Over;
+  if (Offered()) ports_.events.Idle(number_);
+  listener_.over();
+}
+
+void ModemCall::Done(std::int32_t& request, std::int32_t result) {
+  if (request != 0) ports_.events.RequestDone(std::exchange(request, 0), result);
+}
+
+}  // namespace orven

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "adapters/line/modem/caller_id_lines.h"
+#include "adapters/line/modem/key_presses.h"
+#include "adapters/line/modem/modem_preparation.h"
+#include "adapters/line/modem/modem_talk.h"
+#include "adapters/line/modem/ring_pattern.h"
+#include "adapters/line/modem/voice_path.h"
+#include "adapters/line/service/line_audio.h"
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+#include "platform/line_driver.h"
+
+namespace orven {
+
+/// What a call on a modem needs of its surroundings.
+struct ModemCallPorts {
+  ModemTalk& talk;
+  ModemLink& link;
+  EventLoop& loop;
+  const Clock& clock;
+  LineAudio& audio;
+  LineDriverEvents& events;
+};
+
+/// One call on a modem's line, from its first ring until the line is on-hook again. One thread.
+class ModemCall {
+ public:
+  struct Listener {
+    /// Idle has been raised; told once. The call may be destroyed, but not within.
+    std::function<void()> over;
+    /// The modem has stopped answering; the call ends all the same.
+    std::function<void()> failed;
+    /// A sentence for the log.
+    std::function<void(const std::string&)> report;
+  };
+
+  ModemCall(CallNumber number, const PreparedModem& modem, ModemCallPorts ports, Listener listener);
+
+  /// From the modem.
+  void Ring();
+  void CallerIdLine(const std::string& line);
+  void CallerIdPacket(const std::string& packet);
+  void Sign(char code);
+  void NoCarrier();
+  void Sound(std::span<const std::uint8_t> bytes) {
+    if (voice_) voice_->Sound(bytes);
+  }
+  void SoundEnded() {
+    if (voice_) voice_->SoundEnded();
+  }
+
+  /// From the program; `request` 0: nobody waits for it.
+  void Answer(std::int32_t request);
+  void Drop(std::int32_t request);
+  void MonitorDigits(bool on) { monitor_digits_ = on; }
+
+  /// The modem is gone, or has to be let go: the call ends now, with what was recorded.
+  void Lost();
+
+  CallNumber Number() const { return number_; }
+  /// Whether it has rung: a caller id alone is no call.
+  bool Offered() const { return rings_.Ringing(); }
+  bool Answered() const { return state_ == State::Connected || state_ == State::HangingUp; }
+
+ private:
+  enum class State : std::uint8_t { Ringing, Answering, Connected, HangingUp, Over };
+
+  void EndCallerIdAfterQuiet();
+  void TellCaller();
+  void WaitForNextRing(std::chrono::milliseconds patience);
+  void TryToAnswer(int tries_left);
+  void AnswerFailed();
+  void Connect();
+  void SetUpVoice(ModemTalk::Done done);
+  void RingsOn();
+  void AnswerAgain(int tries_left);
+  void CallerGone();
+  void HangUpSign(char code);
+  void HangUp();
+  void OnHook();
+  void VoiceFailed();
+  void Finish();
+  void Done(std::int32_t& request, std::int32_t result);
+  void After(std::chrono::milliseconds delay, EventLoop::Task task);
+  std::chrono::milliseconds Now() const { return ports_.clock.Uptime(); }
+
+  const CallNumber number_;
+  const PreparedModem modem_;
+  ModemCallPorts ports_;
+  Listener listener_;
+  State state_ = State::Ringing;
+  RingPattern rings_;
+  CallerIdLines caller_;
+  KeyPresses keys_;
+  std::unique_ptr<VoicePath> voice_;
+  std::int32_t answer_request_ = 0;
+  std::int32_t drop_request_ = 0;
+  bool monitor_digits_ = false;
+  bool answering_again_ = false;  ///< it has rung on after the answer
+  int hang_up_signs_ = 0;
+  std::chrono::milliseconds connected_at_{0};
+  std::uint64_t caller_lines_ = 0;  ///< tells the latest line of a caller id from earlier ones
+  std::uint64_t ring_waits_ = 0;    ///< the same for rings
+  Lifeline lifeline_;
+};
+
+}  // namespace orven

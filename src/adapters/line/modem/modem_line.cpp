@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/modem_line.h"
+
+#include <future>
+#include <optional>
+#include <utility>
+
+#include "adapters/line/modem/modem_agent.h"
+#include "adapters/line/modem/modem_thread.h"
+#include "adapters/line/modem/serial_link.h"
+#include "adapters/line/service/line_audio.h"
+
+namespace orven {
+namespace {
+
+/// 8000 samples a second of 16 bits.
+constexpr std::int32_t kMaxRate = 128'000;
+
+/// The agent's own limit is shorter; this one counts only when its thread is in trouble.
+constexpr std::chrono::milliseconds kLongestClose{1'800};
+
+/// The line as its owner sees it: hands everything over to the modem's thread.
+class ModemLine final : public LineDriver {
+ public:
+  ModemLine(ModemLineSettings settings, const Clock& clock) : settings_(std::move(settings)), clock_(clock) {
+    capabilities_.device_name = settings_.name;
+    capabilities_.max_rate = kMaxRate;
+    capabilities_.caller_id = true;
+    capabilities_.monitor_digits = true;
+    capabilities_.data_mode = true;
+    capabilities_.interactive_voice = true;
+    capabilities_.automated_voice = true;
+  }
+  ~ModemLine() override { ModemLine::Close(); }
+
+  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
+  std::int32_t Open(LineDriverEvents& events) override;
+  void Close() override;
+  void Answer(CallNumber call, std::int32_t request) override {
+    thread_.Post([this, call, request] { agent_->Answer(call, request); });
+  }
+  void Drop(CallNumber call, std::int32_t request) override {
+    thread_.Post([this, call, request] { agent_->Drop(call, request); });
+  }
+  void MonitorDigits(CallNumber call, bool on) override {
+    thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
+  }
+  /// Nothing to do: the modem itself takes its own sound out of what it listens to.
+  void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
+  AudioDevice& Audio() override { return audio_; }
+  std::string LastError() const override { return error_; }
+
+ private:
+  const ModemLineSettings settings_;
+  const Clock& clock_;
+  DeviceCapabilities capabilities_;
+  LineAudio audio_;
+  std::unique_ptr<ModemLink> link_;    ///< modem's thread only
+  std::unique_ptr<ModemAgent> agent_;  ///< modem's thread only
+  std::string error_;
+  bool open_ = false;
+  ModemThread thread_;
+};
+
+std::int32_t ModemLine::Open(LineDriverEvents& events) {
+  if (open_) return kTelephonyLineInUse;
+  std::optional<std::string> failure;
+  thread_.Start(
+      [this, &events, &failure](EventLoop& loop) {
+        link_ = MakeSerialLink();
+        agent_ =
+            std::make_unique<ModemAgent>(settings_, ModemAgent::Ports{*link_, loop, clock_, audio_, events});
+        failure = agent_->Start();
+      },
+      [this] {
+        agent_.reset();
+        link_.reset();
+      });
+  open_ = !failure;
+  error_ = failure.value_or("");
+  if (!open_) thread_.Stop();
+  return open_ ? kTelephonyOk : kTelephonyDeviceFailed;
+}
+
+void ModemLine::Close() {
+  if (!open_) return;
+  open_ = false;
+  const auto finished = std::make_shared<std::promise<void>>();
+  thread_.Post([this, finished] { agent_->Shutdown([finished] { finished->set_value(); }); });
+  (void)finished->get_future().wait_for(kLongestClose);
+  thread_.Stop();
+}
+
+}  // namespace
+
+std::unique_ptr<LineDriver> MakeModemLine(ModemLineSettings settings, const Clock& clock) {
+  return std::make_unique<ModemLine>(std::move(settings), clock);
+}
+
+}  // namespace orven

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/modem_preparation.h"
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+#include <utility>
+
+#include "adapters/line/modem/shielding.h"
+
+namespace orven {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Between the bytes that end whatever the modem is doing: they must not run into each other.
+constexpr milliseconds kPause{100};
+/// Until what it still had to say has been said.
+constexpr milliseconds kQuiet{200};
+constexpr milliseconds kWakeUpPatience{1'000};
+constexpr int kWakeUpTries = 3;
+
+constexpr std::array<std::uint8_t, 4> kPurge{kDle, kCan, kDle, kEtx};
+constexpr std::array<std::uint8_t, 2> kAbort{kDle, '!'};
+constexpr std::array<std::uint8_t, 1> kReturn{'\r'};
+
+/// Whether `line` lists the voice class: "0,1,2,8", "(0-2,8)", "+FCLASS: 8".
+bool ListsVoice(std::string line) {
+  const auto colon = line.find(':');
+  if (colon != std::string::npos) line.erase(0, colon + 1);
+  std::erase_if(line,
+                [](char letter) { return std::string_view("()\" ").find(letter) != std::string_view::npos; });
+  std::istringstream classes(line);
+  for (std::string one; std::getline(classes, one, ',');) {
+    if (one == "8") return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void ModemPreparation::Start() {
+  talk_.Forget();
+  talk_.ExpectLines();
+  talk_.Write(kPurge);
+  loop_.After(kPause, lifeline_.Bind([this] { talk_.Write(kAbort); }));
+  loop_.After(kPause * 2, lifeline_.Bind([this] { talk_.Write(kReturn); }));
+  loop_.After(kPause * 2 + kQuiet, lifeline_.Bind([this] { WakeUp(kWakeUpTries); }));
+}
+
+void ModemPreparation::WakeUp(int tries_left) {
+  talk_.Ask(
+      "AT",
+      [this, tries_left](const ModemReply& reply) {
+        if (reply.Ok()) return Reset();
+        if (tries_left > 1) return WakeUp(tries_left - 1);
+        Finish(reply.kind == ModemReply::Kind::Nothing ? PreparedModem::State::Silent
+                                                       : PreparedModem::State::NoModem);
+      },
+      kWakeUpPatience);
+}
+
+void ModemPreparation::Reset() {
+  // Some take a moment after a command that resets them.
+  for (const char* command : {"ATH0", "ATZ", "ATE0V1Q0", "ATS0=0"}) talk_.Ask(command);
+  const auto name = [this](const ModemReply& reply) {
+    for (const auto& line : reply.lines) {
+      if (modem_.identity.find(line) == std::string::npos) {
+        modem_.identity += (modem_.identity.empty() ? "" : ", ") + line;
+      }
+    }
+  };
+  for (const char* command : {"ATI0", "ATI3", "AT+GMI", "AT+FMI?", "AT+FMM?"}) talk_.Ask(command, name);
+  AskClasses();
+}
+
+void ModemPreparation::AskClasses() {
+  talk_.Ask("AT+FCLASS=?", [this](const ModemReply& reply) {
+    if (!std::ranges::any_of(reply.lines, ListsVoice)) return Finish(PreparedModem::State::NoVoice);
+    AskVoice();
+  });
+}
+
+void ModemPreparation::AskVoice() {
+  talk_.Ask("AT+FCLASS=8");
+  talk_.Ask("AT+VSD=?", [this](const ModemReply& reply) { modem_.detects_silence = reply.Ok(); });
+  talk_.Ask("AT+VGR=?", [this](const ModemReply& reply) { modem_.has_gains = reply.Ok(); });
+  talk_.Ask("AT+VSM=?", [this](const ModemReply& reply) {
+    formats_ = OfferedFormats(reply.lines);
+    if (formats_.empty()) formats_ = UsualFormats();
+    TryFormat();
+  });
+}
+
+void ModemPreparation::TryFormat() {
+  if (formats_.empty()) return AskPresentFormat();
+  if (formats_.front().kind == SampleKind::Linear16 && link_.SetRate(kFastRate)) return TryRate();
+  SetFormat();
+}
+
+void ModemPreparation::TryRate() {
+  talk_.Ask(
+      "AT",
+      [this](const ModemReply& reply) {
+        if (reply.Ok()) return SetFormat();
+        link_.SetRate(kUsualRate);
+        talk_.Ask("AT", [this](const ModemReply&) { TryNextFormat(); });
+      },
+      kWakeUpPatience);
+}
+
+void ModemPreparation::SetFormat() {
+  talk_.Ask("AT+VSM=" + formats_.front().setting, [this](const ModemReply& reply) {
+    if (!reply.Ok()) return TryNextFormat();
+    modem_.format = formats_.front();
+    WaitForCalls();
+  });
+}
+
+void ModemPreparation::TryNextFormat() {
+  formats_.erase(formats_.begin());
+  TryFormat();
+}
+
+void ModemPreparation::AskPresentFormat() {
+  if (last_formats_) return Finish(PreparedModem::State::NoFormat);
+  last_formats_ = true;
+  talk_.Ask("AT+VSM?", [this](const ModemReply& reply) {
+    formats_ = PresentFormat(reply.lines);
+    TryFormat();
+  });
+}
+
+void ModemPreparation::WaitForCalls() {
+  // A modem that hangs up by itself when nothing comes for a while would cut greetings short.
+  talk_.Ask("AT+VIT=0");
+  talk_.Ask("AT+FCLASS=0");
+  talk_.Ask("AT+VCID=1", [this](const ModemReply& reply) {
+    const auto ready = [this](const ModemReply& last) {
+      Finish(last.kind == ModemReply::Kind::Nothing ? PreparedModem::State::Silent
+                                                    : PreparedModem::State::Ready);
+    };
+    if (!reply.Ok()) talk_.Ask("AT#CID=1");
+    talk_.Ask("ATM0", ready);
+  });
+}
+
+void ModemPreparation::Finish(PreparedModem::State state) {
+  modem_.state = state;
+  if (state != PreparedModem::State::Ready) talk_.Forget();
+  done_(modem_);
+}
+
+}  // namespace orven

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/modem/modem_talk.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace orven {
+namespace {
+
+/// What a modem says of the line at any time, and never as an answer.
+constexpr std::array<std::string_view, 8> kLineNews{"RING", "DATE", "TIME", "NMBR",
+                                                    "NAME", "MESG", "DRON", "DROF"};
+
+bool IsLineNews(std::string_view line) {
+  return std::ranges::any_of(kLineNews, [&](std::string_view word) {
+    if (!line.starts_with(word)) return false;
+    const auto rest = line.substr(word.size());
+    return rest.empty() || rest.front() == ' ' || rest.front() == '=';
+  });
+}
+
+/// The result that a line is, if it is one (ITU-T V.250, clause 5.7; VCON: V.253).
+std::optional<ModemReply::Kind> ResultOf(std::string_view line) {
+  if (line == "OK" || line == "VCON") return ModemReply::Kind::Ok;
+  if (line.starts_with("CONNECT")) return ModemReply::Kind::Connect;
+  if (line == "ERROR" || line.starts_with("+CME ERROR") || line == "NO CARRIER" || line == "BUSY" ||
+      line == "NO DIALTONE" || line == "NO DIAL TONE" || line == "NO ANSWER") {
+    return ModemReply::Kind::Error;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void ModemTalk::Ask(std::string command, Done done, std::chrono::milliseconds patience) {
+  Add({std::move(command), false, false, patience, std::move(done)});
+}
+
+void ModemTalk::AskForSound(std::string command, Direction direction, Done done) {
+  Add({std::move(command), true, direction == Direction::Receive, kPatience, std::move(done)});
+}
+
+void ModemTalk::AwaitOk(Done done, std::chrono::milliseconds patience) {
+  Add({"", false, false, patience, std::move(done)});
+}
+
+void ModemTalk::Add(Question question) {
+  waiting_.push_back(std::move(question));
+  if (!asking_) Next();
+}
+
+void ModemTalk::Next() {
+  if (waiting_.empty()) return;
+  asking_ = true;
+  asked_ = std::move(waiting_.front());
+  waiting_.pop_front();
+  reply_ = {};
+  if (asked_.sound_follows) reader_.ExpectSound();
+  if (!asked_.command.empty()) {
+    const auto line = asked_.command + '\r';
+    link_.Write(std::span(reinterpret_cast<const std::uint8_t*>(line.data()), line.size()));
+  }
+  loop_.After(asked_.patience, lifeline_.Bind([this, turn = ++turn_] {
+    if (asking_ && turn == turn_) Finish(ModemReply::Kind::Nothing);
+  }));
+}
+
+void ModemTalk::Finish(ModemReply::Kind kind) {
+  reply_.kind = kind;
+  if (asked_.sound_follows && kind != ModemReply::Kind::Connect) reader_.ExpectLines();
+  asking_ = false;
+  const auto reply = std::move(reply_);
+  const auto done = std::move(asked_.done);
+  done(reply);
+  if (!asking_) Next();
+}
+
+void ModemTalk::Forget() {
+  waiting_.clear();
+  asking_ = false;
+  ++turn_;
+}
+
+void ModemTalk::Line(const std::string& text) {
+  if (!asking_ || IsLineNews(text)) return unasked_.Line(text);
+  if (!asked_.command.empty() && text == asked_.command) {
+    reply_.echoed = true;
+    return;
+  }
+  const auto result = ResultOf(text);
+  if (!result) {
+    reply_.lines.push_back(text);
+    return;
+  }
+  // An OK where sound should begin belongs to something earlier.
+  if (asked_.wants_connect && *result == ModemReply::Kind::Ok) return;
+  if (!asked_.wants_connect && *result == ModemReply::Kind::Connect) return;
+  Finish(*result);
+}
+
+}  // namespace orven

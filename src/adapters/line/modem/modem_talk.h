@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "adapters/line/modem/modem_link.h"
+#include "adapters/line/modem/modem_reader.h"
+#include "platform/event_loop.h"
+
+namespace orven {
+
+/// What a modem answers to a command.
+struct ModemReply {
+  enum class Kind : std::uint8_t { Ok, Error, Connect, Nothing };
+  Kind kind = Kind::Nothing;
+  std::vector<std::string> lines;  ///< what came before the result
+  bool echoed = false;             ///< the command itself came back: the modem has its own settings
+
+  bool Ok() const { return kind == Kind::Ok; }
+};
+
+/// Commands and their answers, one after the other; what belongs to no answer goes to `unasked`. A modem
+/// says such things in the middle of an answer, too. One thread; the link is open while anything is asked.
+class ModemTalk : private ModemSayings {
+ public:
+  using Done = std::function<void(const ModemReply&)>;
+
+  /// A modem answers within 100 ms; one that looks at the line first takes longer.
+  static constexpr std::chrono::milliseconds kPatience{3'000};
+
+  ModemTalk(ModemLink& link, EventLoop& loop, ModemSayings& unasked)
+      : link_(link), loop_(loop), unasked_(unasked) {}
+
+  void Received(std::span<const std::uint8_t> bytes) { reader_.Read(bytes); }
+
+  /// Sends `command` when what was asked before has its answer. `done` is told exactly once, with
+  /// Nothing after `patience`; not after Forget.
+  void Ask(
+      std::string command, Done done = [](const ModemReply&) {},
+      std::chrono::milliseconds patience = kPatience);
+
+  /// The same for a command that sound follows: its result is Connect or Error.
+  enum class Direction : std::uint8_t { Transmit, Receive };
+  void AskForSound(std::string command, Direction direction, Done done);
+
+  /// The modem will say OK of itself.
+  void AwaitOk(Done done, std::chrono::milliseconds patience);
+
+  /// Sound that is transmitted, or the end of it.
+  void Write(std::span<const std::uint8_t> bytes) { link_.Write(bytes); }
+
+  /// The end of received sound has been lost: lines follow.
+  void ExpectLines() { reader_.ExpectLines(); }
+
+  /// Nothing is asked any more.
+  void Forget();
+
+ private:
+  struct Question {
+    std::string command;  ///< empty: nothing is sent
+    bool wants_connect = false;
+    bool sound_follows = false;
+    std::chrono::milliseconds patience;
+    Done done;
+  };
+
+  void Add(Question question);
+  void Next();
+  void Finish(ModemReply::Kind kind);
+
+  void Line(const std::string& text) override;
+  void Sign(char code) override { unasked_.Sign(code); }
+  void Packet(const std::string& text) override { unasked_.Packet(text); }
+  void Sound(std::span<const std::uint8_t> bytes) override { unasked_.Sound(bytes); }
+  void SoundEnded() override { unasked_.SoundEnded(); }
+
+  ModemLink& link_;
+  EventLoop& loop_;
+  ModemSayings& unasked_;
+  ModemReader reader_{*this};
+  std::deque<Question> waiting_;
+  Question asked_;
+  bool asking_ = false;
+  ModemReply reply_;
+  std::uint64_t turn_ = 0;  ///< tells the patience of one question from that of the next
+  Lifeline lifeline_;
+};
+
+}  // namespace orven
