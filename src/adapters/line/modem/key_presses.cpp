@@ -25,6 +25,7 @@ std::optional<char> KeyPresses::Sign(char code, Time now) {
   if (code == kBegins || code == kEnds) {
     bracket_ = code == kBegins;
     told_ = false;
+    if (!bracket_) latest_ = now;
     return std::nullopt;
   }
   if (!IsKey(code)) return std::nullopt;
