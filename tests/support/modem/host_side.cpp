@@ -23,6 +23,12 @@ std::size_t ModemEmulator::Impl::Room() const {
   return playback_ && !playback_->Ended() ? playback_->Room() : kCommandRoom;
 }
 
+int ModemEmulator::Impl::NeededPortRate() const {
+  constexpr int kBitsPerByte = 10;  // a start and a stop bit
+  const auto size = static_cast<int>(emulator::BytesPerSample(interpreter_.Format().coding));
+  return interpreter_.Rate() * size * kBitsPerByte;
+}
+
 void ModemEmulator::Impl::FromHost(std::span<const std::uint8_t> bytes) {
   if (wedged_) return;
   active_at_ = clock_.Uptime();
@@ -120,8 +126,7 @@ void ModemEmulator::Impl::TransmitByte(std::uint8_t byte) {
 
 void ModemEmulator::Impl::ReceiveByte(std::uint8_t byte) {
   if (std::exchange(dle_, false)) {
-    const bool stop =
-        (byte == '!' && profile_.abort_ends) || (byte == emulator::kEscByte && profile_.escape_ends);
+    const bool stop = byte == '!' || (byte == emulator::kEscByte && profile_.escape_ends);
     if (stop) StopAsked();
   } else if (byte == emulator::kDleByte) {
     dle_ = true;

@@ -56,6 +56,9 @@ void ModemEmulator::Wake() {
 void ModemEmulator::PowerCycle() {
   impl_->PowerCycle();
 }
+int ModemEmulator::NeededPortRate() const {
+  return impl_->NeededPortRate();
+}
 bool ModemEmulator::OffHook() const {
   return impl_->OffHook();
 }

@@ -70,6 +70,9 @@ class ModemEmulator {
   /// As after power came back: everything as at the beginning, no call.
   void PowerCycle();
 
+  /// Bits a second that the serial port needs for the present sample format.
+  int NeededPortRate() const;
+
   bool OffHook() const;
   /// Whether the caller has something left to say.
   bool Speaking() const;

@@ -24,6 +24,7 @@ class ModemEmulator::Impl final : emulator::Hardware {
 
   void FromHost(std::span<const std::uint8_t> bytes);
   std::size_t Room() const;
+  int NeededPortRate() const;
 
   void Ring();
   void CallerIdLine(const std::string& line);

@@ -41,8 +41,8 @@ ModemProfile Conexant() {
   it.line_states = {"0,\"\",B0000000,00000000,00000000", "1,\"T\",0B8C0500,0B8C0580,0B8C0580",
                     "2,\"L\",00000000,00000000,00000000", "5,\"ST\",0B8C0500,0B8C0580,0B8C0580"};
   it.settings = {{"+VSD", "(0,127-129),(0-255)", "128,50"}, {"+VIT", "(0-255)", "10"}};
-  it.brackets_keys = true;
   it.buffer = 4096;
+  it.escape_ends = false;
   it.any_byte_ends = true;
   return it;
 }
@@ -69,7 +69,6 @@ ModemProfile Softmodem() {
   it.hears_busy = false;
   it.hears_dial = false;
   it.buffer = 16384;
-  it.abort_ends = false;
   return it;
 }
 

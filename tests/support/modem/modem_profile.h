@@ -45,7 +45,6 @@ struct ModemProfile {
   bool hears_busy = true;                ///< tells 'b' after two seconds of the busy tone
   bool hears_dial = true;                ///< tells 'd' after one second of the dial tone
   std::size_t buffer = 8192;             ///< bytes that wait to be played
-  bool abort_ends = true;                ///< <DLE>! ends receiving
   bool escape_ends = true;               ///< <DLE><ESC> ends receiving
   bool any_byte_ends = false;            ///< an unshielded byte ends receiving
   bool shields_pairs = false;            ///< two 0x10 in a row are sent as <DLE><SUB>
