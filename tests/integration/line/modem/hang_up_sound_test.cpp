@@ -129,7 +129,8 @@ Sound Spoken(const char* voice, const char* text) {
   while (pipe && std::fread(&sample, sizeof sample, 1, pipe.get()) == 1)
     samples.push_back(static_cast<float>(sample) / 32768);
   Sound sound;
-  for (const float value : Resampler(22050, 8000).Process(samples, true)) {
+  Resampler resampler(22050, 8000);
+  for (const float value : resampler.Process(samples, true)) {
     sound.push_back(static_cast<std::int16_t>(std::clamp(value, -1.0F, 0.99F) * 32768));
   }
   return sound;
