@@ -123,7 +123,7 @@ void ModemCall::Connect() {
   voice_ = std::make_unique<VoicePath>(
       ports_.talk, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
       VoicePath::Listener{[this](const char*) { After(milliseconds(0), [this] { CallerGone(); }); },
-                          [this] { VoiceFailed(); }});
+                          [this] { RefusesSound(); }, [this] { VoiceFailed(); }});
   SetUpVoice([this](const ModemReply&) {
     if (state_ == State::Connected && !answering_again_) voice_->Begin();
   });
@@ -143,6 +143,14 @@ void ModemCall::RingsOn() {
   if (answering_again_ || Now() - connected_at_ < kLateRing) return;
   answering_again_ = true;
   voice_->End([this] { AnswerAgain(kAnswerTries); });
+}
+
+/// It says so at once when it is still on-hook.
+void ModemCall::RefusesSound() {
+  if (state_ != State::Connected || answering_again_) return;
+  if (--refusals_left_ == 0) return VoiceFailed();
+  answering_again_ = true;
+  AnswerAgain(kAnswerTries);
 }
 
 void ModemCall::AnswerAgain(int tries_left) {

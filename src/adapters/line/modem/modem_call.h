@@ -82,6 +82,7 @@ class ModemCall {
   void Connect();
   void SetUpVoice(ModemTalk::Done done);
   void RingsOn();
+  void RefusesSound();
   void AnswerAgain(int tries_left);
   void CallerGone();
   void HangUpSign(char code);
@@ -106,6 +107,7 @@ class ModemCall {
   std::int32_t drop_request_ = 0;
   bool monitor_digits_ = false;
   bool answering_again_ = false;  ///< it has rung on after the answer
+  int refusals_left_ = 3;
   int hang_up_signs_ = 0;
   std::chrono::milliseconds connected_at_{0};
   std::uint64_t caller_lines_ = 0;  ///< tells the latest line of a caller id from earlier ones

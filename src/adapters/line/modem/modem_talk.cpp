@@ -85,7 +85,10 @@ void ModemTalk::Forget() {
 }
 
 void ModemTalk::Line(const std::string& text) {
-  if (!asking_ || IsLineNews(text)) return unasked_.Line(text);
+  if (!asking_ || IsLineNews(text)) {
+    strays_seen_ = strays_seen_ || text == "OK";
+    return unasked_.Line(text);
+  }
   if (!asked_.command.empty() && text == asked_.command) {
     reply_.echoed = true;
     return;
@@ -96,7 +99,10 @@ void ModemTalk::Line(const std::string& text) {
     return;
   }
   // An OK where sound should begin belongs to something earlier.
-  if (asked_.wants_connect && *result == ModemReply::Kind::Ok) return;
+  if (asked_.wants_connect && *result == ModemReply::Kind::Ok) {
+    strays_seen_ = true;
+    return;
+  }
   if (!asked_.wants_connect && *result == ModemReply::Kind::Connect) return;
   Finish(*result);
 }

@@ -61,6 +61,9 @@ class ModemTalk : private ModemSayings {
   /// Nothing is asked any more.
   void Forget();
 
+  /// Whether this modem has said OK to nothing before: the next one could be taken for an answer.
+  bool StraysSeen() const { return strays_seen_; }
+
  private:
   struct Question {
     std::string command;  ///< empty: nothing is sent
@@ -87,6 +90,7 @@ class ModemTalk : private ModemSayings {
   std::deque<Question> waiting_;
   Question asked_;
   bool asking_ = false;
+  bool strays_seen_ = false;
   ModemReply reply_;
   std::uint64_t turn_ = 0;  ///< tells the patience of one question from that of the next
   Lifeline lifeline_;

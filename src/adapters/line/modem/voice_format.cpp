@@ -92,7 +92,7 @@ int BitsOf(const Fields& fields, std::size_t rates, const std::string& name) {
 std::optional<SampleKind> KindOf(const std::string& name, int bits) {
   const auto says = [&name](const char* word) { return name.find(word) != std::string::npos; };
   if (says("ADPCM")) return std::nullopt;
-  if (says("ULAW")) return bits == 8 || bits == 0 ? std::optional(SampleKind::MuLaw) : std::nullopt;
+  if (says("ULAW") || says("G711U")) return bits == 8 || bits == 0 ? std::optional(SampleKind::MuLaw) : std::nullopt;
   if (says("LAW") || (!says("LINEAR") && !says("PCM"))) return std::nullopt;
   const bool is_unsigned = says("UNSIGNED");
   if (bits == 16 && !is_unsigned) return SampleKind::Linear16;

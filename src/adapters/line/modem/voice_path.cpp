@@ -24,6 +24,9 @@ constexpr milliseconds kDrainPatience{2'000};
 /// Until the next way of stopping is tried: the modem answers after 100 ms, and finishes its block.
 constexpr milliseconds kStopPatience{500};
 
+/// So long after the end of sound some modems say OK once more.
+constexpr milliseconds kStrayTime{120};
+
 constexpr int kTries = 3;
 
 constexpr std::array<std::uint8_t, 2> kEndOfSound{kDle, kEtx};
@@ -65,7 +68,7 @@ void VoicePath::StartOver() {
 void VoicePath::End(std::function<void()> done) {
   ended_ = std::move(done);
   switch (state_) {
-    case State::Off: return Rest();
+    case State::Off: return GoOn();
     case State::Transmitting:
     case State::Draining: return Purge(0);
     case State::Receiving: return StopReceiving(0);
@@ -83,7 +86,8 @@ void VoicePath::Ask(ModemTalk::Direction direction, int tries_left) {
   talk_.AskForSound(transmit ? "AT+VTX" : "AT+VRX", direction,
                     [this, direction, transmit, tries_left](const ModemReply& reply) {
                       if (reply.kind == ModemReply::Kind::Connect) return transmit ? Transmit() : Receive();
-                      if (ended_) return Rest();
+                      if (ended_) return GoOn();
+                      if (reply.kind == ModemReply::Kind::Error) return Refused();
                       if (tries_left > 1) return Ask(direction, tries_left - 1);
                       Fail();
                     });
@@ -176,10 +180,22 @@ void VoicePath::StopReceiving(int tries) {
 }
 
 void VoicePath::Rest() {
+  if (!talk_.StraysSeen()) return GoOn();
+  state_ = State::Settling;
+  loop_.After(kStrayTime, lifeline_.Bind([this] { GoOn(); }));
+}
+
+void VoicePath::GoOn() {
   if (!ended_) return Choose();
   state_ = State::Off;
   tick_->Stop();
   std::exchange(ended_, nullptr)();
+}
+
+void VoicePath::Refused() {
+  state_ = State::Off;
+  tick_->Stop();
+  listener_.refused();
 }
 
 void VoicePath::Fail() {

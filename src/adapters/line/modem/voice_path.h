@@ -24,6 +24,8 @@ class VoicePath {
   struct Listener {
     /// The caller has hung up, by what is heard.
     std::function<void(const char*)> hung_up;
+    /// The modem is not off-hook after all. Nothing is done until Begin or StartOver.
+    std::function<void()> refused;
     /// The modem does not do what it must any more.
     std::function<void()> failed;
   };
@@ -57,6 +59,7 @@ class VoicePath {
     Purging,   ///< playing was stopped
     Receiving,
     EndOfReceive,  ///< it has been asked to end
+    Settling,      ///< it may still say something that belongs to the end
   };
 
   void Choose();
@@ -70,6 +73,8 @@ class VoicePath {
   void Purge(int tries);
   void StopReceiving(int tries);
   void Rest();
+  void GoOn();
+  void Refused();
   void Fail();
   void KeepTimeForRecorder();
 
