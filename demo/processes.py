@@ -20,11 +20,10 @@ def start(command, log, **options):
     with open(log, "ab") as output:
         return subprocess.Popen(
             command,
-            stdin=subprocess.DEVNULL,
             stdout=output,
             stderr=subprocess.STDOUT,
             preexec_fn=lambda: _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL),
-            **options,
+            **{"stdin": subprocess.DEVNULL, **options},
         )
 
 

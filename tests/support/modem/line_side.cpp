@@ -84,6 +84,7 @@ bool ModemEmulator::Impl::GoOffHook() {
   answered_at_ = off_hook_at;
   passed_ = 0;
   heard.clear();
+  spoken.clear();
   played.clear();
   sent.clear();
   tick_->Start(Time(10));

@@ -74,6 +74,9 @@ milliseconds ModemEmulator::KeyReportedAt() const {
 const std::vector<std::int16_t>& ModemEmulator::Heard() const {
   return impl_->heard;
 }
+const std::vector<std::int16_t>& ModemEmulator::Spoken() const {
+  return impl_->spoken;
+}
 const std::vector<std::uint8_t>& ModemEmulator::PlayedBytes() const {
   return impl_->played;
 }

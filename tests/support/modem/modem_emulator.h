@@ -84,6 +84,8 @@ class ModemEmulator {
   /// What the line has heard since it was answered last, in 8000 samples a second of 16 bits: what was
   /// transmitted, at the time at which it was played, with silence where nothing was.
   const std::vector<std::int16_t>& Heard() const;
+  /// What came over the line from the caller in the same time.
+  const std::vector<std::int16_t>& Spoken() const;
   /// The transmitted sample bytes alone, unshielded, in the modem's format: for comparisons bit by bit.
   const std::vector<std::uint8_t>& PlayedBytes() const;
   /// The sample bytes that were sent to the host while it received, since it was answered last.

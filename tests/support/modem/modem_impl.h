@@ -42,6 +42,7 @@ class ModemEmulator::Impl final : emulator::Hardware {
   Time off_hook_at{0};
   Time key_reported_at{0};
   std::vector<std::int16_t> heard;
+  std::vector<std::int16_t> spoken;
   std::vector<std::uint8_t> played;
   std::vector<std::uint8_t> sent;
   std::vector<std::string> commands;

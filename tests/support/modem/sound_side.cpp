@@ -69,6 +69,7 @@ void ModemEmulator::Impl::Pass(std::size_t samples) {
   if (tones_) tones_->Add(out);
   heard.insert(heard.end(), out.begin(), out.end());
   caller.Take(in);
+  spoken.insert(spoken.end(), in.begin(), in.end());
   if (receive_) {
     receive_->Put(in);
     if (const auto report = silence_.Put(in)) Sign(*report);

@@ -25,6 +25,7 @@ ModemProgram::ModemProgram(Options options)
                if (port_->Write(bytes) > 0) Report("complaint: the host does not read, and bytes are lost");
              }),
       captured_(options_.captured),
+      spoken_(options_.spoken),
       sent_(options_.sent),
       tick_(loop_.MakeTimer([this] { Tick(); })) {
   modem_.SetTell([this](const std::string& news) { Heard(news); });
@@ -111,6 +112,7 @@ void ModemProgram::TakeLineStep(const Step& step) {
 void ModemProgram::Heard(const std::string& news) {
   if (news == "off-hook") {
     captured_.Begin();
+    spoken_.Begin();
     sent_.Begin();
   }
   const bool sound = news == "playing" || news == "receiving";
@@ -124,6 +126,7 @@ void ModemProgram::Heard(const std::string& news) {
 void ModemProgram::Tick() {
   if (port_) port_->Read();
   captured_.Append(modem_.Heard());
+  spoken_.Append(modem_.Spoken());
   sent_.Append(modem_.SentBytes());
   if (speaking_ && !modem_.Speaking()) {
     speaking_ = false;

@@ -35,6 +35,7 @@ class ModemProgram {
   QtClock clock_;
   ModemEmulator modem_;
   GrowingWav captured_;
+  GrowingWav spoken_;
   GrowingFile sent_;
   std::optional<PseudoTerminal> port_;
   std::unique_ptr<QSocketNotifier> input_;

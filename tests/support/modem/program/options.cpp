@@ -84,6 +84,7 @@ Options ReadOptions(const QStringList& arguments) {
   add("script", "lines of SECONDS STEP", "FILE");
   add("link", "a symbolic link to the pseudo-terminal", "PATH");
   add("captured", "gets what the caller hears in the latest call", "FILE.wav");
+  add("spoken", "gets what the caller says in the latest call", "FILE.wav");
   add("sent", "gets the bytes of sound that the modem has sent in the latest call", "FILE");
   add("seconds", "the program ends after so many", "N", "300");
   parser.addHelpOption();
@@ -100,6 +101,7 @@ Options ReadOptions(const QStringList& arguments) {
   options.script = Script(parser.value("script"));
   options.link = text("link");
   options.captured = text("captured");
+  options.spoken = text("spoken");
   options.sent = text("sent");
   bool valid = false;
   options.lifetime = std::chrono::seconds(parser.value("seconds").toInt(&valid));

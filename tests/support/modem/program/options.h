@@ -18,6 +18,7 @@ struct Options {
   std::vector<Step> script;
   std::string link;
   std::string captured;
+  std::string spoken;
   std::string sent;
   std::chrono::seconds lifetime{300};
 };
