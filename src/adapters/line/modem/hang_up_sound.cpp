@@ -22,7 +22,7 @@ constexpr int kSilence = 540;
 /// (ITU-T Q.24).
 constexpr int kCrackle = 2;
 
-constexpr int kMinute = static_cast<int>(60 * kSampleRate / kBlock);
+constexpr int kMinute = 60 * kSampleRate / static_cast<int>(kBlock);
 
 /// A minute without a sound.
 class SilentMinute {

@@ -76,15 +76,16 @@ void ModemAgent::LookForModem() {
 }
 
 void ModemAgent::OpenNextPort() {
-  std::string problems;
+  std::string problem_text;
   while (!candidates_.empty()) {
     port_ = candidates_.front();
     candidates_.erase(candidates_.begin());
     const auto problem = ports_.link.Open(port_, kUsualRate, *this);
     if (!problem) return Prepare();
-    problems = problem->text;
+    // Of a modem that is gone has been told already that it is not there.
+    if (problem->kind != LinkProblem::Kind::Absent || trouble_.empty()) problem_text = problem->text;
   }
-  LetGo(problems, kLookForPort);
+  LetGo(problem_text.empty() ? trouble_ : problem_text, kLookForPort);
 }
 
 void ModemAgent::Prepare() {
@@ -107,7 +108,7 @@ void ModemAgent::Prepared(const PreparedModem& modem) {
     state_ = State::Away;
     return OpenNextPort();
   }
-  if (modem.identity != modem_.identity) settings_.report("the modem at " + port_ + " is: " + modem.identity);
+  if (modem.identity != modem_.identity) settings_.report("The modem at " + port_ + " is: " + modem.identity);
   modem_ = modem;
   state_ = State::Ready;
   Trouble("");
@@ -149,7 +150,9 @@ void ModemAgent::Lost(const std::string& reason) {
   if (state_ == State::Closed) return;
   talk_.Forget();
   if (call_) call_->Lost();
-  LetGo("The modem at " + port_ + " is gone: " + reason, kLookForPort);
+  LetGo("The modem at " + port_ + " is gone" + (reason.empty() ? "" : ": " + reason) +
+            "; it is used again as soon as it is back",
+        kLookForPort);
 }
 
 ModemCall& ModemAgent::CallInProgress() {

@@ -107,7 +107,7 @@ void ModemCall::TryToAnswer(int tries_left) {
 
 void ModemCall::AnswerFailed() {
   Done(answer_request_, kTelephonyDeviceFailed);
-  listener_.report("the modem did not answer the call");
+  listener_.report("The modem did not answer the call");
   if (drop_request_ != 0) return Finish();
   state_ = State::Ringing;
   WaitForNextRing(rings_.Patience());
@@ -190,7 +190,7 @@ void ModemCall::HangUpSign(char code) {
       return;
     case 'H':
     case 'P':
-      listener_.report("a telephone beside the modem was lifted: the call is left to it");
+      listener_.report("A telephone beside the modem was lifted: the call is left to it");
       return CallerGone();
     default: return;
   }

@@ -114,13 +114,18 @@ class SerialLink final : public ModemLink {
     if (!gone || events_ == nullptr) return;
     QMetaObject::invokeMethod(
         &port_,
-        [this, events = events_, reason = port_.errorString().toStdString()] {
+        [this, events = events_, reason = Reason(error)] {
           if (events_ != events) return;
           Read();
           Close();
           events->Lost(reason);
         },
         Qt::QueuedConnection);
+  }
+
+  /// Of a device that has gone Qt knows no more than that.
+  std::string Reason(QSerialPort::SerialPortError error) const {
+    return error == QSerialPort::ResourceError ? "" : port_.errorString().toStdString();
   }
 
   QSerialPort port_;

@@ -42,6 +42,11 @@ bool SamePitch(const ToneFrame& a, const ToneFrame& b, float hertz) {
   return std::abs(a.low - b.low) <= hertz && std::abs(a.high - b.high) <= hertz;
 }
 
+/// 400, 425, 440, 450, 480 or 500 Hz, or any two, most often 480 and 620 (ITU-T E.180 supplement 2).
+bool IsBusyPitch(const ToneFrame& tone) {
+  return tone.high > 0 || (tone.low > 380 && tone.low < 515);
+}
+
 /// 400, 425, 440, 450 Hz, or 350 with one of them (ITU-T E.180 supplement 2).
 bool IsDialPitch(const ToneFrame& tone) {
   if (tone.high == 0) return tone.low > 385 && tone.low < 465;
@@ -96,7 +101,7 @@ void ToneCadence::EndBurst() {
   const bool glitch = length_ < kShortest;
   if (glitch) {
     gap_ += length_;
-  } else if (length_ > kLongest || !Steady(kBurstLevel, kSteadyPitch)) {
+  } else if (length_ > kLongest || !IsBusyPitch(tone) || !Steady(kBurstLevel, kSteadyPitch)) {
     Forget();
   } else {
     if (quiet_ < kShortestPause) Forget();
