@@ -2,15 +2,16 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Shows the answering machine at work, and ends with 0 only when all of it worked.
 
-    demo.py PROGRAM
+    demo.py PROGRAM [EMULATOR]
 
 A greeting is typed. An independent telephone calls ORVEN, hears it, waits for the beep, speaks and
 hangs up; the message comes by mail, and a program is started with the call's details. Then the owner calls, keys the password and "*"
 and hears that message. Everything runs on 127.0.0.1 in a folder of its
 own, which is kept when something fails. The program's window is on a display that nobody sees; its
-picture is saved at the end.
+picture is saved at the end. With EMULATOR, orven-modem-emulator, the telephone line is that of a voice modem.
 """
 
+import contextlib
 import os
 import shutil
 import signal
@@ -23,6 +24,7 @@ import creator
 import display
 import machine
 import mailbox
+import modem_telephone
 import snr
 import sound
 import telephone
@@ -36,6 +38,7 @@ REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
 LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
 MAIL_TO = "owner@example.org"
 ANSWER_LIMIT = 30.0  # seconds: four rings, two seconds apart, and a slow machine
+MODEM_FAMILY = "lucent"  # 16 bits a sample
 SCREENSHOT = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "build", "demo", "main_window.png")
 FEWEST_COLOURS = 32  # in a picture that shows a window; an unpainted one has one or two
 STEPS_OF_A_CALL = (
@@ -68,8 +71,15 @@ def check_order(lines, steps):
         check(any(text in line for line in remaining), f'The system log lacks "{text}" at its place in the call')
 
 
+def telephone_of(answering_machine, folder, name, number):
+    """A telephone that can call the machine."""
+    if answering_machine.modem:
+        return modem_telephone.ModemTelephone(answering_machine.modem, name, number, answering_machine.look)
+    return telephone.Telephone(folder, name, number, meanwhile=answering_machine.look)
+
+
 def call(phone, answering_machine):
-    phone.dial(f"sip:machine@127.0.0.1:{answering_machine.port}")
+    phone.dial(answering_machine.address)
     phone.wait_event("CALL_ESTABLISHED", ANSWER_LIMIT)
 
 
@@ -89,10 +99,8 @@ def make_greeting(answering_machine, screen):
 def leave_message(answering_machine, folder, greeting, spoken):
     """The first call. Returns what the call has added to the system log."""
     first_line = len(answering_machine.system_log)
-    with telephone.Telephone(
-        os.path.join(folder, "caller"), CALLER_NAME, CALLER_NUMBER, meanwhile=answering_machine.look
-    ) as caller:
-        step(f"{CALLER_NAME} calls sip:machine@127.0.0.1:{answering_machine.port}")
+    with telephone_of(answering_machine, os.path.join(folder, "caller"), CALLER_NAME, CALLER_NUMBER) as caller:
+        step(f"{CALLER_NAME} calls {answering_machine.address}")
         call(caller, answering_machine)
         step("The machine has answered; she hears the greeting and waits for the beep")
         caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()) is not None, 30)
@@ -162,9 +170,7 @@ def check_program(answering_machine, notebook, record):
 def listen_remotely(answering_machine, folder, password, message_seconds):
     """The owner's call. Returns what he heard."""
     first_line = len(answering_machine.system_log)
-    with telephone.Telephone(
-        os.path.join(folder, "owner"), "Owner", "5551111", meanwhile=answering_machine.look
-    ) as owner:
+    with telephone_of(answering_machine, os.path.join(folder, "owner"), "Owner", "5551111") as owner:
         step("The owner calls his machine")
         call(owner, answering_machine)
         owner.wait_until("The greeting", lambda: sound.peak(owner.heard()) > 0.05, 10)
@@ -236,20 +242,24 @@ def demonstrate(answering_machine, folder, screen, inbox):
 
 
 def main():
-    if len(sys.argv) != 2:
+    if len(sys.argv) not in (2, 3):
         sys.exit(__doc__)
     # An ordinary exit, so that everything started here is stopped.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     folder = tempfile.mkdtemp(prefix="orven-demo-")
     log = []
     try:
-        with display.find_display(folder) as screen:
-            with (
-                mailbox.Mailbox() as inbox,
-                machine.Machine(sys.argv[1], folder, show_log_line, screen) as answering_machine,
-            ):
-                log = answering_machine.system_log
-                demonstrate(answering_machine, folder, screen, inbox)
+        with contextlib.ExitStack() as things:
+            screen = things.enter_context(display.find_display(folder))
+            inbox = things.enter_context(mailbox.Mailbox())
+            modem = None
+            if len(sys.argv) == 3:
+                modem = modem_telephone.Modem(sys.argv[2], os.path.join(folder, "modem"), MODEM_FAMILY)
+                things.enter_context(modem)
+            answering_machine = machine.Machine(sys.argv[1], folder, show_log_line, screen, modem)
+            things.enter_context(answering_machine)
+            log = answering_machine.system_log
+            demonstrate(answering_machine, folder, screen, inbox)
     except (Failed, OSError, subprocess.CalledProcessError) as failure:
         print(f"\nFAILED: {failure}.", file=sys.stderr)
         if log:

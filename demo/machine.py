@@ -11,18 +11,20 @@ import processes
 
 
 class Machine:
-    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1, on the
-    Display `display` or on none. Use it in a with statement. Every new log line is given to `show` as it
-    appears."""
+    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1 or at the
+    modem_telephone.Modem `modem`, on the Display `display` or on none. Use it in a with statement. Every new
+    log line is given to `show` as it appears."""
 
-    def __init__(self, program, folder, show, display=None):
+    def __init__(self, program, folder, show, display=None, modem=None):
         self.home = os.path.join(folder, "home")
-        self.port = processes.free_port()
+        self.port, self.modem = processes.free_port(), modem
+        self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{self.port}"
+        line = f"type = modem\nport = {modem.port}" if modem else f"type = sip\nlisten = 127.0.0.1:{self.port}"
         self.system_log, self.calls_log = [], []
         self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
         os.makedirs(self.home)
         with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
-            file.write(f"[Demo]\ntype = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 2\n")
+            file.write(f"[Demo]\n{line}\n" + ("" if modem else "ring_seconds = 2\n"))
         windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
         self._environment = display.environment() if display else windowless
         self._environment["ORVEN_HOME"] = self.home
