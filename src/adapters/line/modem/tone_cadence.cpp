@@ -27,9 +27,9 @@ constexpr int kShortestPause = 2;
 constexpr int kPauseEdges = 4 * kEdge;
 
 // How far a machine's tone moves from its middle, in the presence of 8-bit samples and a line's noise; voices
-// move more. At a burst's beginning a modem may still find its gain.
+// move more. A modem with automatic gain finds it anew in each burst.
 constexpr float kDialLevel = 1;     // dB
-constexpr float kBurstLevel = 2;    // dB
+constexpr float kBurstLevel = 5;    // dB
 constexpr float kSteadyPitch = 5;   // Hz
 constexpr float kSamePitch = 6;     // Hz, of two bursts
 constexpr float kSameLevel = 2.5F;  // dB
