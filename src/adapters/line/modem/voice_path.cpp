@@ -69,8 +69,9 @@ void VoicePath::End(std::function<void()> done) {
   ended_ = std::move(done);
   switch (state_) {
     case State::Off: return GoOn();
-    case State::Transmitting:
-    case State::Draining: return Purge(0);
+    // What has come to its own end is heard to its end: it was fetched ahead of its time.
+    case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge(0) : Drain();
+    case State::Draining: return audio_.TakeCut() ? Purge(0) : void();
     case State::Receiving: return StopReceiving(0);
     default: return;  // it comes to an end by itself
   }

@@ -146,6 +146,19 @@ TEST_F(ModemLine, StoppingIsHeardAtOnceAndTheNextSoundIsPlayedWhole) {
       << "no more than 100 ms of the first were heard after it was stopped";
 }
 
+TEST_F(ModemLine, DroppingTheCallLeavesWhatHasComeToItsEndWhole) {
+  Ready("lucent");
+  Answered();
+  GivenSound sound(Noise(60, 1));
+  ASSERT_EQ(audio.StartPlay(sound), 0);
+  ASSERT_TRUE(Until([this] { return !audio.Plays(); }));
+  agent->Drop(1, 7);
+  ASSERT_TRUE(Wait("Idle 1"));
+  Samples played;
+  SampleDecoder(FormatOf("lucent")).Decode(Modem().PlayedBytes(), played);
+  EXPECT_TRUE(Within(sound.samples, played));
+}
+
 struct Fault {
   const char* name;
   std::function<void(ModemFaults&)> set;
