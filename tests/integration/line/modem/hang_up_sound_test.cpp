@@ -111,6 +111,7 @@ TEST_P(HangUpSoundTest, OtherTonesAreNone) {
   ExpectNothing(Cadence({{400, {400, 450}}, {200, {}}, {400, {400, 450}}, {2000, {}}}, 50, -15));
   ExpectNothing(Cadence({{100, {697, 1209}}, {100, {}}, {100, {941, 1336}}, {100, {}}}, 30, -8));  // keys
   ExpectNothing(Cadence({{2500, {425}}, {300, {}}, {900, {440}}, {50, {}}}, 30, -15));
+  ExpectNothing(Cadence({{1000, {350, 400}}}, 20, -15));  // two that beat
   Sound tune;
   std::mt19937 random(1);
   for (int i = 0; i < 400; ++i) {  // a musical box, one note a beat
@@ -118,6 +119,12 @@ TEST_P(HangUpSoundTest, OtherTonesAreNone) {
     tune = std::move(tune) + Cadence({{250, {note}}, {i % 2 * 250, {}}}, 0, -15);
   }
   ExpectNothing(tune);
+  Sound code;
+  for (int i = 0; i < 100; ++i) {  // one tone, but no rhythm
+    const int on = 120 + static_cast<int>(random() % 12) * 50;
+    code = std::move(code) + Cadence({{on, {425}}, {300, {}}}, 0, -15);
+  }
+  ExpectNothing(code);
 }
 
 /// What espeak-ng says, as a telephone carries it.

@@ -49,7 +49,8 @@ TEST(ModemFormatsTest, ReadsEveryWayToWriteThem) {
               ElementsAre(VoiceFormat{MuLaw, 8000, "131,8000"}, VoiceFormat{MuLaw, 7200, "131,7200"}));
   for (const char* line : {"", "OK", R"(128,"8-BIT LINEAR",(9600))", R"(5,"A-LAW",8,0,8000,0,0)",
                            R"(0,"8-BIT SIGNED LINEAR",(8000))", R"(2,"UNSIGNED PCM",16,0,8000,0,0)",
-                           R"("8-BIT LINEAR",128,8000)", R"(128,"8-BIT LINEAR)", ")))((,,,\"", "128,,8000"}) {
+                           R"("8-BIT LINEAR",128,8000)", R"(128,"8-BIT LINEAR)", ")))((,,,\"", "128,,8000",
+                           R"(129,"16-BIT ADPCM",(8000))"}) {
     EXPECT_THAT(read(line), IsEmpty()) << line;
   }
 }
