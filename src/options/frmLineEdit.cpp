@@ -143,7 +143,7 @@ void frmLineEdit::MakeModemFields() {
   row->addWidget(find);
   connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
   port_hint_ =
-      MakeChild<QLabel>(tr("This version tests modems; it does not answer calls on them yet."), this);
+      MakeChild<QLabel>(tr("auto: the first voice modem that is found, at whichever port."), this);
   port_hint_->setWordWrap(true);
   form_->addRow(QString(), port_hint_);
 }
@@ -208,6 +208,7 @@ void frmLineEdit::Show(const TelephoneLine& line) {
 void frmLineEdit::FillPorts() {
   const auto text = cmbPort_->currentText();
   cmbPort_->clear();
+  cmbPort_->addItem(Name("auto"));
   for (const auto& port : engine_.SerialPorts()) {
     cmbPort_->addItem(QString::fromStdString(port.path));
     cmbPort_->setItemData(cmbPort_->count() - 1, QString::fromStdString(port.label), Qt::ToolTipRole);

@@ -13,6 +13,9 @@ constexpr milliseconds kLookForPort{2'000};
 /// A modem that answers nothing needs a hand; one that is no voice modem another modem.
 constexpr milliseconds kLookForAnswer{10'000};
 
+/// What is at a port may be something else than a modem, and is not to be bothered all the time.
+constexpr milliseconds kAskSamePorts{60'000};
+
 /// A modem that stops working while no call comes is noticed so soon.
 constexpr milliseconds kHealthInterval{60'000};
 constexpr int kHealthTries = 2;
@@ -70,8 +73,15 @@ std::optional<std::string> ModemAgent::Start() {
 
 void ModemAgent::LookForModem() {
   if (state_ != State::Away) return;
-  candidates_ = settings_.port == kAnyPort ? settings_.find_ports() : std::vector{settings_.port};
-  if (candidates_.empty()) return LetGo("No modem is plugged in", kLookForPort);
+  if (settings_.port != kAnyPort) {
+    candidates_ = {settings_.port};
+    return OpenNextPort();
+  }
+  const auto found = settings_.find_ports();
+  if (found.empty()) return LetGo("No modem is plugged in", kLookForPort);
+  if (found == tried_ && ports_.clock.Uptime() < try_again_) return LetGo(trouble_, kLookForPort);
+  candidates_ = tried_ = found;
+  try_again_ = ports_.clock.Uptime() + kAskSamePorts;
   OpenNextPort();
 }
 
@@ -110,6 +120,7 @@ void ModemAgent::Prepared(const PreparedModem& modem) {
   }
   if (modem.identity != modem_.identity) settings_.report("The modem at " + port_ + " is: " + modem.identity);
   modem_ = modem;
+  tried_.clear();
   state_ = State::Ready;
   Trouble("");
 }

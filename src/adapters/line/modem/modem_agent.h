@@ -73,7 +73,9 @@ class ModemAgent : private ModemLinkEvents, private ModemSayings {
   ModemTalk talk_;
   State state_ = State::Closed;
   std::vector<std::string> candidates_;  ///< ports that are still to be tried
-  std::string port_;                     ///< the one that is open or was tried last
+  std::vector<std::string> tried_;       ///< for kAnyPort: those that had no modem, until try_again_
+  std::chrono::milliseconds try_again_{0};
+  std::string port_;  ///< the one that is open or was tried last
   PreparedModem modem_;
   std::unique_ptr<ModemPreparation> preparation_;
   std::unique_ptr<ModemCall> call_;

@@ -98,7 +98,7 @@ constexpr std::array kSipKeys{
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
 };
 constexpr std::array kModemKeys{
-    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0", true},
+    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0, or auto", true},
 };
 constexpr std::array kSimKeys{
     LineKey{"script", IsText, "the path of a script"},

@@ -32,7 +32,7 @@ ScriptedLines ThreeLines() {
                             Account("Office", "anna.lindqvist", "sip.example.org", "tls"), modem};
   lines.states = {{"Home router", "Registered"},
                   {"Office", "Another line is chosen"},
-                  {"USB modem", "Not usable in this version"}};
+                  {"USB modem", "Another line is chosen"}};
   lines.ports = {{modem.port, modem.port}};
   return lines;
 }

@@ -37,6 +37,7 @@ class EmulatedLink final : public ModemLink {
   }
   void Write(std::span<const std::uint8_t> bytes) override {
     if (events_ == nullptr) return;
+    bytes_to_modem += bytes.size();
     unsent_.insert(unsent_.end(), bytes.begin(), bytes.end());
     Send();
   }
@@ -49,6 +50,7 @@ class EmulatedLink final : public ModemLink {
     if (events != nullptr) events->Lost("unplugged");
   }
 
+  std::size_t bytes_to_modem = 0;
   bool plugged_in = true;
   bool forbidden = false;
   ModemEmulator modem;

@@ -262,6 +262,13 @@ TEST_F(ModemLine, AModemThatIsNotThereIsWaitedForAndAForbiddenOneRefused) {
   EXPECT_FALSE(agent->Start());
   EXPECT_THAT(events.all, ElementsAre("Trouble No modem is plugged in"));
   link->plugged_in = true;
+  Modem().Wedge();  // or something else than a modem
+  time.RunFor(20s);
+  const auto asked = link->bytes_to_modem;
+  EXPECT_GT(asked, 0U);
+  time.RunFor(30s);
+  EXPECT_EQ(link->bytes_to_modem, asked) << "it is not bothered all the time";
+  Modem().Wake();
   EXPECT_TRUE(Wait("Trouble "));
   Begin("v253");
   link->forbidden = true;
