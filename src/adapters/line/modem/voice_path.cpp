@@ -31,9 +31,12 @@ constexpr int kTries = 3;
 
 constexpr std::array<std::uint8_t, 2> kEndOfSound{kDle, kEtx};
 
-/// The ways in which modems stop playing at once, one after the other.
+/// The ways in which modems stop playing at once, one after the other. The zero is for a <DLE> whose second
+/// byte was thrown away: it would make sound of what follows.
 const std::array<std::vector<std::uint8_t>, kTries> kPurges{
-    std::vector<std::uint8_t>{kDle, kCan}, {kDle, kCan, kDle, kEtx}, {0, kDle, kCan, kDle, kEtx}};
+    std::vector<std::uint8_t>{0, kDle, kCan},
+    {0, kDle, kCan, kDle, kEtx},
+    {0, kDle, kCan, kDle, kCan, kDle, kCan, kDle, kEtx}};
 
 /// The ways in which modems stop receiving.
 const std::array<std::vector<std::uint8_t>, kTries> kStops{
