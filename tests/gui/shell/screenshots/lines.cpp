@@ -47,6 +47,12 @@ bool MakeLines(const QString& folder, const QByteArray& picture) {
   auto lines = ThreeLines();
   auto& machine = desk.Machine();
   LinesDialog engine({lines, desk.dialogs, machine.log, machine.store, machine.settings, nullptr});
+  if (picture == "lines_modem") {
+    frmLineEdit modem(engine, 2, nullptr);
+    modem.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
+    lines.done({true, "A voice modem answers at " + lines.ports[0].path + " (its sound has 16 bits)."});
+    return Save({Shown(modem)}, folder + QStringLiteral("/lines_modem.png"));
+  }
   frmLines list(engine, nullptr);
   list.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
   lines.done({true, "The server 192.168.178.1 accepts the account 620."});

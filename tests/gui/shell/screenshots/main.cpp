@@ -156,12 +156,13 @@ int main(int argc, char** argv) {
     return orven::test::Make(scene, folder);
   }
   if (!QDir().mkpath(folder)) return 1;
-  QStringList pictures{QStringLiteral("dialogs"),       QStringLiteral("creator"),
-                       QStringLiteral("creator_dark"),  QStringLiteral("creator_scaled"),
-                       QStringLiteral("options"),       QStringLiteral("options_dark"),
+  QStringList pictures{QStringLiteral("dialogs"),        QStringLiteral("creator"),
+                       QStringLiteral("creator_dark"),   QStringLiteral("creator_scaled"),
+                       QStringLiteral("options"),        QStringLiteral("options_dark"),
                        QStringLiteral("options_scaled"), QStringLiteral("logs"),
-                       QStringLiteral("logs_dark"),     QStringLiteral("logs_scaled")};
-  pictures << QStringLiteral("lines") << QStringLiteral("lines_dark") << QStringLiteral("lines_scaled");
+                       QStringLiteral("logs_dark"),      QStringLiteral("logs_scaled")};
+  pictures << QStringLiteral("lines") << QStringLiteral("lines_dark") << QStringLiteral("lines_scaled")
+           << QStringLiteral("lines_modem");
   for (std::size_t i = 0; i < std::size(kScenes); ++i) pictures << QString::number(i);
   for (const auto& picture : pictures) {
     if (QProcess::execute(QString::fromLocal8Bit(argv[0]), {folder, picture}) != 0) return 1;
