@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "adapters/line/modem/modem_firmware.h"
+
 namespace orven {
 namespace {
 
@@ -118,7 +120,10 @@ void ModemAgent::Prepared(const PreparedModem& modem) {
     state_ = State::Away;
     return OpenNextPort();
   }
-  if (modem.identity != modem_.identity) settings_.report("The modem at " + port_ + " is: " + modem.identity);
+  if (modem.identity != modem_.identity) {
+    settings_.report("The modem at " + port_ + " is: " + modem.identity);
+    if (const auto advice = FirmwareAdvice(modem.identity); !advice.empty()) settings_.report(advice);
+  }
   modem_ = modem;
   tried_.clear();
   state_ = State::Ready;

@@ -70,7 +70,7 @@ void ModemPreparation::Reset() {
       }
     }
   };
-  for (const char* command : {"ATI0", "ATI3", "AT+GMI", "AT+FMI?", "AT+FMM?"}) talk_.Ask(command, name);
+  for (const char* command : {"ATI0", "ATI3", "ATI7", "AT+GMI", "AT+FMI?", "AT+FMM?"}) talk_.Ask(command, name);
   AskClasses();
 }
 

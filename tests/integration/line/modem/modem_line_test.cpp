@@ -2,6 +2,7 @@
 // Calls on an emulated modem, from the first ring to on-hook.
 #include <cmath>
 
+#include "adapters/line/modem/modem_firmware.h"
 #include "adapters/line/modem/sample_codec.h"
 #include "integration/line/modem/emulated_line.h"
 
@@ -300,6 +301,13 @@ TEST_F(ModemLine, AModemThatWasSwitchedOffAndOnIsSetUpAgain) {
   time.RunFor(2min);
   const auto& commands = Modem().Commands();
   EXPECT_EQ(std::ranges::count(commands, "+VCID=1"), 2);
+}
+
+TEST(ModemFirmware, TheFaultyOneIsKnown) {
+  EXPECT_THAT(FirmwareAdvice("56000, 56K FAX USB V1.2.18, 5637"), HasSubstr("firmware 1.2.18"));
+  for (const char* fine : {"5637 V1.2.23", "5637 V2.0.1", "HSF 1.2.18", "5637"}) {
+    EXPECT_EQ(FirmwareAdvice(fine), "") << fine;
+  }
 }
 
 TEST_F(ModemLine, TheTelephoneBesideTakesTheCallOver) {
