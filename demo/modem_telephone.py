@@ -17,11 +17,12 @@ class Modem:
     """The emulator `program` with its port under the symbolic link `port`, in the new folder `folder`. Use
     it in a with statement: it ends with it."""
 
-    def __init__(self, program, folder, profile="conexant", faults="", seconds=300):
+    def __init__(self, program, folder, profile="conexant", faults="", seconds=300, options=()):
         os.makedirs(folder)
         self.folder, self.port, self.news = folder, os.path.join(folder, "port"), []
         self._log = os.path.join(folder, "emulator.log")
         command = [program, "--profile", profile, "--faults", faults, "--seconds", str(seconds), "--link", self.port]
+        command += options
         for option in ("captured", "spoken", "sent"):
             command += ["--" + option, self._path(option)]
         self._process = processes.start(command, self._log, stdin=subprocess.PIPE)

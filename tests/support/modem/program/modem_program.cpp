@@ -6,8 +6,10 @@
 
 #include <QCoreApplication>
 #include <functional>
+#include <iomanip>
 #include <iostream>
 #include <map>
+#include <utility>
 
 namespace orven::emulator {
 namespace {
@@ -84,7 +86,11 @@ void ModemProgram::Take(const Step& step) {
 
 void ModemProgram::TakeLineStep(const Step& step) {
   const std::map<std::string, std::function<void()>> actions = {
-      {"ring", [this] { modem_.Ring(); }},
+      {"ring",
+       [this] {
+         if (options_.times) Report("ring");
+         modem_.Ring();
+       }},
       {"callerid", [&] { modem_.CallerIdLine(step.rest); }},
       {"press",
        [&] {
@@ -132,11 +138,18 @@ void ModemProgram::Tick() {
     speaking_ = false;
     Report("said");
   }
+  if (options_.times && std::exchange(key_reported_at_, modem_.KeyReportedAt()) != modem_.KeyReportedAt()) {
+    Report("key", key_reported_at_);
+  }
   if (quit_ && !modem_.OffHook()) QCoreApplication::quit();
 }
 
-void ModemProgram::Report(const std::string& line) {
-  std::cout << line << std::endl;
+void ModemProgram::Report(const std::string& line, std::chrono::milliseconds at) {
+  std::cout << line;
+  if (options_.times) {
+    std::cout << " at " << std::fixed << std::setprecision(3) << std::chrono::duration<double>(at).count();
+  }
+  std::cout << std::endl;
 }
 
 }  // namespace orven::emulator

@@ -28,7 +28,8 @@ class ModemProgram {
   void WatchInput();
   void Heard(const std::string& news);
   void Tick();
-  void Report(const std::string& line);
+  void Report(const std::string& line) { Report(line, clock_.Uptime()); }
+  void Report(const std::string& line, std::chrono::milliseconds at);
 
   Options options_;
   QtEventLoop loop_;
@@ -41,6 +42,7 @@ class ModemProgram {
   std::unique_ptr<QSocketNotifier> input_;
   std::string input_text_;
   std::unique_ptr<Timer> tick_;
+  std::chrono::milliseconds key_reported_at_{0};
   bool speaking_ = false;
   bool quit_ = false;  ///< as soon as it is on-hook
 };

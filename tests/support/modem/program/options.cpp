@@ -87,6 +87,8 @@ Options ReadOptions(const QStringList& arguments) {
   add("spoken", "gets what the caller says in the latest call", "FILE.wav");
   add("sent", "gets the bytes of sound that the modem has sent in the latest call", "FILE");
   add("seconds", "the program ends after so many", "N", "300");
+  parser.addOption(
+      {"times", "every report ends with \" at SECONDS\"; \"ring\" and \"key\" are reported, too"});
   parser.addHelpOption();
   parser.process(arguments);
   if (!parser.positionalArguments().isEmpty()) Refuse("it takes options only; see --help");
@@ -103,6 +105,7 @@ Options ReadOptions(const QStringList& arguments) {
   options.captured = text("captured");
   options.spoken = text("spoken");
   options.sent = text("sent");
+  options.times = parser.isSet("times");
   bool valid = false;
   options.lifetime = std::chrono::seconds(parser.value("seconds").toInt(&valid));
   if (!valid || options.lifetime <= std::chrono::seconds(0)) Refuse("--seconds takes a number above 0");

@@ -21,6 +21,7 @@ struct Options {
   std::string spoken;
   std::string sent;
   std::chrono::seconds lifetime{300};
+  bool times = false;  ///< reports end with " at SECONDS", and tell of rings and keys, too
 };
 
 /// Ends the program for --help and for what it does not know, with a sentence that says so.
