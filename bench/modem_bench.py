@@ -76,10 +76,18 @@ class Bench:
         self.modem.__exit__()
 
     def begin(self, greeting):
-        self.machine.wait_for_line("LineOpen[", LIMIT)
+        self._wait_until_ready(1)
         sound.write(os.path.join(self.machine.home, "Greets", "Noise.wav"), greeting)
         self.machine.restart_with({"NumOfRing": "1", "Greeting": "Noise", "Pass": PASSWORD})
-        self.machine.wait_for_line("is: ", LIMIT)
+        self._wait_until_ready(2)
+
+    def _wait_until_ready(self, times):
+        text = f"The modem at {self.modem.port} is: "
+
+        def ready():
+            return sum(text in line for line in self.machine.system_log) >= times
+
+        processes.wait_for("The modem's readiness", ready, LIMIT, self.machine.look)
 
     def change_message(self, message):
         """The latest call's message is another now."""
