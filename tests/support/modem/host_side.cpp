@@ -19,6 +19,7 @@ constexpr int kVoiceCall = 8;  // the usual number in place of VCON
 }  // namespace
 
 std::size_t ModemEmulator::Impl::Room() const {
+  if (wedged_ && playback_) return 0;
   // Behind the end of the sound a cancelling code must still get through.
   return playback_ && !playback_->Ended() ? playback_->Room() : kCommandRoom;
 }

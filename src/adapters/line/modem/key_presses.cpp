@@ -10,10 +10,10 @@ constexpr char kBegins = '/';
 constexpr char kEnds = '~';
 
 /// Modems repeat a key that is held about every 70 ms; a person needs longer to press it again.
-constexpr std::chrono::milliseconds kRepeat{110};
+constexpr std::chrono::milliseconds kRepeat{150};
 
-/// Within a bracket nothing but its end was lost when the repetitions stopped for so long.
-constexpr std::chrono::milliseconds kLostEnd{300};
+/// A bracket that has gone on for so long has lost its end.
+constexpr std::chrono::milliseconds kLostEnd{1'000};
 
 bool IsKey(char code) {
   return code != '\0' && std::string_view("0123456789*#ABCD").find(code) != std::string_view::npos;

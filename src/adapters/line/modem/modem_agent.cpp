@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/modem/modem_agent.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "adapters/line/modem/modem_firmware.h"
@@ -12,30 +13,55 @@ using std::chrono::milliseconds;
 
 /// How often it is looked whether a modem was plugged in, and whether another program has let go of it.
 constexpr milliseconds kLookForPort{2'000};
-/// A modem that answers nothing needs a hand; one that is no voice modem another modem.
+/// A modem that answers nothing needs a hand, or a moment after it was plugged in.
 constexpr milliseconds kLookForAnswer{10'000};
-
 /// What is at a port may be something else than a modem, and is not to be bothered all the time.
-constexpr milliseconds kAskSamePorts{60'000};
+constexpr milliseconds kLookForOther{60'000};
 
 /// A modem that stops working while no call comes is noticed so soon.
 constexpr milliseconds kHealthInterval{60'000};
 constexpr int kHealthTries = 2;
 
-constexpr milliseconds kLongestGoodbye{1'300};
+/// Hanging up properly takes less; then the modem is told once more, unheard.
+constexpr milliseconds kLongestGoodbye{1'200};
+constexpr milliseconds kLastWord{100};
 
-std::string TroubleOf(PreparedModem::State state, const std::string& port) {
+LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
   switch (state) {
     case PreparedModem::State::Silent:
-      return "The modem at " + port +
-             " does not answer: switch it off and on, or unplug it and plug it in again";
-    case PreparedModem::State::NoModem: return "What is at " + port + " is no modem";
-    case PreparedModem::State::NoVoice: return "The modem at " + port + " is no voice modem";
+      return {"The modem does not answer: switch it off and on",
+              "The modem at " + port +
+                  " does not answer: switch it off and on, or unplug it and plug it in again"};
+    case PreparedModem::State::NoModem:
+      return {"There is no modem at the line's port", "What is at " + port + " is no modem"};
+    case PreparedModem::State::NoVoice:
+      return {"The modem is no voice modem", "The modem at " + port + " is no voice modem"};
     case PreparedModem::State::NoFormat:
-      return "The voice modem at " + port + " offers no sound format that can be used";
+      return {"The modem's sound cannot be used",
+              "The voice modem at " + port + " offers no sound format that can be used"};
     case PreparedModem::State::Ready: break;
   }
-  return "";
+  return {};
+}
+
+std::string Joined(const std::vector<std::string>& ports) {
+  std::string text;
+  for (const auto& port : ports) text += (text.empty() ? "" : ", ") + port;
+  return text;
+}
+
+LineTrouble TroubleOf(const LinkProblem& problem) {
+  switch (problem.kind) {
+    case LinkProblem::Kind::Absent: return {"The modem is not plugged in", problem.text};
+    case LinkProblem::Kind::Taken: return {"Another program uses the modem", problem.text};
+    case LinkProblem::Kind::Forbidden: return {"You may not use the modem's port", problem.text};
+    case LinkProblem::Kind::Failed: break;
+  }
+  return {"The modem's port cannot be used", problem.text};
+}
+
+milliseconds RetryAfter(PreparedModem::State state) {
+  return state == PreparedModem::State::Silent ? kLookForAnswer : kLookForOther;
 }
 
 }  // namespace
@@ -55,54 +81,63 @@ ModemAgent::~ModemAgent() {
 std::optional<std::string> ModemAgent::Start() {
   state_ = State::Away;
   health_->Start(kHealthInterval);
-  candidates_ = {settings_.port};
-  if (settings_.port == kAnyPort) {
-    LookForModem();
-    return std::nullopt;
-  }
-  port_ = settings_.port;
-  const auto problem = ports_.link.Open(port_, kUsualRate, *this);
-  if (!problem) {
-    Prepare();
-  } else if (problem->kind == LinkProblem::Kind::Forbidden) {
-    state_ = State::Closed;
-    return problem->text;
+  retry_ = kLookForOther;
+  if (settings_.port != kAnyPort) {
+    candidates_ = {settings_.port};
+    const auto problem = OpenNextPort();
+    if (problem && problem->kind == LinkProblem::Kind::Forbidden) {
+      state_ = State::Closed;
+      return problem->text;
+    }
+    if (problem) LetGo(TroubleOf(*problem), kLookForPort);
   } else {
-    LetGo(problem->text, kLookForPort);
+    LookForModem();
   }
   return std::nullopt;
 }
 
 void ModemAgent::LookForModem() {
   if (state_ != State::Away) return;
-  if (settings_.port != kAnyPort) {
-    candidates_ = {settings_.port};
-    return OpenNextPort();
-  }
-  const auto found = settings_.find_ports();
-  if (found.empty()) return LetGo("No modem is plugged in", kLookForPort);
-  if (found == tried_ && ports_.clock.Uptime() < try_again_) return LetGo(trouble_, kLookForPort);
-  candidates_ = tried_ = found;
-  try_again_ = ports_.clock.Uptime() + kAskSamePorts;
-  OpenNextPort();
+  const bool any = settings_.port == kAnyPort;
+  const auto ports = any ? settings_.find_ports() : std::vector{settings_.port};
+  if (ports.empty()) return LetGo({"No modem is plugged in", "No modem is plugged in"}, kLookForPort);
+  if (any && ports == asked_ && Now() < ask_again_) return LetGo(trouble_, kLookForPort);
+  if (ports != asked_) asked_since_ = Now();
+  candidates_ = asked_ = ports;
+  retry_ = kLookForOther;
+  Try();
 }
 
-void ModemAgent::OpenNextPort() {
-  std::string problem_text;
+/// The next of the candidates that can be opened; when none is left, another time.
+void ModemAgent::Try() {
   while (!candidates_.empty()) {
-    port_ = candidates_.front();
-    candidates_.erase(candidates_.begin());
-    const auto problem = ports_.link.Open(port_, kUsualRate, *this);
-    if (!problem) return Prepare();
+    const auto problem = OpenNextPort();
+    if (!problem) return;
+    failure_ = TroubleOf(*problem);
+    retry_ = std::min(retry_, kLookForPort);
     // Of a modem that is gone has been told already that it is not there.
-    if (problem->kind != LinkProblem::Kind::Absent || trouble_.empty()) problem_text = problem->text;
+    if (problem->kind == LinkProblem::Kind::Absent && gone_) failure_ = trouble_;
   }
-  LetGo(problem_text.empty() ? trouble_ : problem_text, kLookForPort);
+  if (asked_.size() > 1)
+    failure_ = {"No voice modem is found", "No voice modem answers at " + Joined(asked_)};
+  // What has been silent for a minute is perhaps no modem.
+  if (retry_ == kLookForAnswer && settings_.port == kAnyPort && Now() - asked_since_ > kLookForOther)
+    retry_ = kLookForOther;
+  ask_again_ = Now() + retry_;
+  LetGo(failure_, std::min(retry_, settings_.port == kAnyPort ? kLookForPort : kLookForAnswer));
+}
+
+std::optional<LinkProblem> ModemAgent::OpenNextPort() {
+  port_ = candidates_.front();
+  candidates_.erase(candidates_.begin());
+  auto problem = ports_.link.Open(port_, kUsualRate, *this);
+  if (!problem) Prepare();
+  return problem;
 }
 
 void ModemAgent::Prepare() {
   state_ = State::Preparing;
-  if (trouble_.empty()) settings_.state_news("Asking the modem");
+  if (trouble_.log.empty()) settings_.state_news("Asking the modem");
   preparation_ =
       std::make_unique<ModemPreparation>(talk_, ports_.link, ports_.loop, [this](const auto& modem) {
         // Not within the preparation, which goes now.
@@ -115,22 +150,24 @@ void ModemAgent::Prepared(const PreparedModem& modem) {
   if (state_ != State::Preparing) return;
   preparation_.reset();
   if (modem.state != PreparedModem::State::Ready) {
-    if (candidates_.empty()) return LetGo(TroubleOf(modem.state, port_), kLookForAnswer);
     ports_.link.Close();
     state_ = State::Away;
-    return OpenNextPort();
+    failure_ = TroubleOf(modem.state, port_);
+    retry_ = std::min(retry_, RetryAfter(modem.state));
+    return Try();
   }
   if (modem.identity != modem_.identity) {
     settings_.report("The modem at " + port_ + " is: " + modem.identity);
     if (const auto advice = FirmwareAdvice(modem.identity); !advice.empty()) settings_.report(advice);
   }
   modem_ = modem;
-  tried_.clear();
+  asked_.clear();
   state_ = State::Ready;
-  Trouble("");
+  gone_ = false;
+  Trouble({});
 }
 
-void ModemAgent::LetGo(const std::string& trouble, milliseconds retry) {
+void ModemAgent::LetGo(const LineTrouble& trouble, milliseconds retry) {
   talk_.Forget();
   ports_.link.Close();
   preparation_.reset();
@@ -141,12 +178,12 @@ void ModemAgent::LetGo(const std::string& trouble, milliseconds retry) {
   }));
 }
 
-void ModemAgent::Trouble(const std::string& text) {
-  settings_.state_news(text.empty() ? kModemReady : text);
-  if (text == trouble_) return;
-  trouble_ = text;
-  settings_.report(text.empty() ? "The modem at " + port_ + " works again" : text);
-  ports_.events.Trouble(text);
+void ModemAgent::Trouble(const LineTrouble& trouble) {
+  settings_.state_news(trouble.log.empty() ? kModemReady : trouble.log);
+  if (trouble.log == trouble_.log) return;
+  trouble_ = trouble;
+  settings_.report(trouble.log.empty() ? "The modem at " + port_ + " works again" : trouble.log);
+  ports_.events.Trouble(trouble.status);
 }
 
 void ModemAgent::CheckHealth(int tries_left) {
@@ -154,7 +191,8 @@ void ModemAgent::CheckHealth(int tries_left) {
     if (state_ != State::Ready || call_) return;
     if (reply.kind == ModemReply::Kind::Nothing)
       return tries_left > 1 ? CheckHealth(tries_left - 1) : ModemFailed();
-    if (reply.echoed) Prepare();  // it was switched off and on, and has forgotten what it was told
+    if (reply.echoed && !modem_.always_echoes)
+      Prepare();  // it was switched off and on, and has forgotten what it was told
   });
 }
 
@@ -162,12 +200,13 @@ void ModemAgent::ModemFailed() {
   if (state_ == State::Ready) Prepare();
 }
 
-void ModemAgent::Lost(const std::string& reason) {
+void ModemAgent::Lost() {
   if (state_ == State::Closed) return;
   talk_.Forget();
   if (call_) call_->Lost();
-  LetGo("The modem at " + port_ + " is gone" + (reason.empty() ? "" : ": " + reason) +
-            "; it is used again as soon as it is back",
+  gone_ = true;
+  LetGo({"The modem is gone: is it plugged in?",
+         "The modem at " + port_ + " is gone; it is used again as soon as it is back"},
         kLookForPort);
 }
 
@@ -185,6 +224,7 @@ ModemCall& ModemAgent::CallInProgress() {
 
 void ModemAgent::CallOver() {
   if (call_ && call_->Offered()) ++calls_;
+  talk_.Forget();
   call_.reset();
   if (!closed_) return;
   ports_.link.Close();
@@ -192,17 +232,23 @@ void ModemAgent::CallOver() {
 }
 
 void ModemAgent::Shutdown(std::function<void()> done) {
-  const bool answered = call_ && call_->Answered();
+  const bool off_hook = call_ && call_->OffHook();
   state_ = State::Closed;
   health_->Stop();
   ++look_;
+  if (preparation_) talk_.Forget();
   preparation_.reset();
   closed_ = std::move(done);
   if (!call_) return CallOver();
-  if (!answered) return call_->Lost();
+  if (!off_hook) return call_->Lost();
   call_->Drop(0);
   ports_.loop.After(kLongestGoodbye, lifeline_.Bind([this] {
-    if (call_) call_->Lost();
+    if (!call_) return;
+    talk_.Forget();
+    talk_.Ask("ATH");
+    ports_.loop.After(kLastWord, lifeline_.Bind([this] {
+      if (call_) call_->Lost();
+    }));
   }));
 }
 
@@ -225,12 +271,13 @@ void ModemAgent::MonitorDigits(CallNumber call, bool on) {
 }
 
 void ModemAgent::Line(const std::string& text) {
-  if (state_ != State::Ready) return;
-  if (text == "RING") return CallInProgress().Ring();
   if (text == "NO CARRIER" || text == "BUSY") {
     if (call_) call_->NoCarrier();
     return;
   }
+  if (state_ != State::Ready) return;
+  // Some tell distinctive rings apart: "RING A".
+  if (text == "RING" || text.starts_with("RING ")) return CallInProgress().Ring();
   if (call_) return call_->CallerIdLine(text);
   // Whatever else a modem says of itself begins no call.
   if (CallerIdLines().Take(text)) CallInProgress().CallerIdLine(text);

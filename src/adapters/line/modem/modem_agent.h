@@ -17,6 +17,13 @@
 
 namespace orven {
 
+/// What is wrong with a line, in a few words for the status bar and in one sentence for the log; empty:
+/// nothing.
+struct LineTrouble {
+  std::string status;
+  std::string log;
+};
+
 /// A line at a voice modem: finds the modem, keeps it ready, and has its calls. A modem that is not there,
 /// or goes, or stops answering, is looked for until it works. One thread, that of `loop`.
 class ModemAgent : private ModemLinkEvents, private ModemSayings {
@@ -47,20 +54,22 @@ class ModemAgent : private ModemLinkEvents, private ModemSayings {
   enum class State : std::uint8_t { Away, Preparing, Ready, Closed };
 
   void LookForModem();
-  void OpenNextPort();
+  void Try();
+  std::optional<LinkProblem> OpenNextPort();
   void Prepare();
   void Prepared(const PreparedModem& modem);
-  void LetGo(const std::string& trouble, std::chrono::milliseconds retry);
+  void LetGo(const LineTrouble& trouble, std::chrono::milliseconds retry);
   void CheckHealth(int tries_left);
   void ModemFailed();
-  void Trouble(const std::string& text);
+  void Trouble(const LineTrouble& trouble);
+  std::chrono::milliseconds Now() const { return ports_.clock.Uptime(); }
 
   ModemCall& CallInProgress();
   void CallOver();
   ModemCall* Find(CallNumber call) const;
 
   void Received(std::span<const std::uint8_t> bytes) override { talk_.Received(bytes); }
-  void Lost(const std::string& reason) override;
+  void Lost() override;
 
   void Line(const std::string& text) override;
   void Sign(char code) override;
@@ -73,14 +82,18 @@ class ModemAgent : private ModemLinkEvents, private ModemSayings {
   ModemTalk talk_;
   State state_ = State::Closed;
   std::vector<std::string> candidates_;  ///< ports that are still to be tried
-  std::vector<std::string> tried_;       ///< for kAnyPort: those that had no modem, until try_again_
-  std::chrono::milliseconds try_again_{0};
-  std::string port_;  ///< the one that is open or was tried last
+  std::vector<std::string> asked_;       ///< those that are tried this time, or had no modem last time
+  std::chrono::milliseconds asked_since_{0};
+  std::chrono::milliseconds ask_again_{0};
+  std::chrono::milliseconds retry_{0};  ///< when to try again, as things are with the ports tried so far
+  LineTrouble failure_;                 ///< of the port tried last
+  bool gone_ = false;                   ///< the modem was there, and is not plugged in any more
+  std::string port_;                    ///< the one that is open or was tried last
   PreparedModem modem_;
   std::unique_ptr<ModemPreparation> preparation_;
   std::unique_ptr<ModemCall> call_;
   CallNumber calls_ = 0;
-  std::string trouble_;
+  LineTrouble trouble_;
   std::function<void()> closed_;
   std::unique_ptr<Timer> health_;
   std::uint64_t look_ = 0;  ///< tells the latest plan to look for the modem from earlier ones

@@ -29,8 +29,18 @@ constexpr milliseconds kShortestOffHook{600};
 
 constexpr milliseconds kHangUpPatience{1'000};
 
-/// While we transmit a modem may take our own sound for a tone of the exchange.
-constexpr int kSignsWhileTransmitting = 2;
+/// While we transmit a modem may take our own sound for a tone of the exchange: it has to say so twice.
+constexpr milliseconds kSignsBelongTogether{3'000};
+
+/// What a sign says of the caller's hanging up, in words for the log.
+const char* WordsOf(char code) {
+  switch (code) {
+    case 'b': return "the busy tone";
+    case 'K': return "the congestion tone";
+    case 'd': return "the dial tone";
+    default: return "the loop was broken";
+  }
+}
 
 }  // namespace
 
@@ -95,35 +105,47 @@ void ModemCall::Answer(std::int32_t request) {
 
 void ModemCall::TryToAnswer(int tries_left) {
   ports_.talk.Ask("AT+FCLASS=8");
+  off_hook_asked_ = true;
   ports_.talk.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Answering) return;
     if (reply.Ok()) return Connect();
-    if (reply.kind == ModemReply::Kind::Nothing || tries_left <= 1) return AnswerFailed();
+    if (reply.kind == ModemReply::Kind::Nothing) return GiveUpAnswer();
+    if (tries_left <= 1) return AnswerRefused();
     After(kAnswerPause, [this, tries_left] {
       if (state_ == State::Answering) TryToAnswer(tries_left - 1);
     });
   });
 }
 
-void ModemCall::AnswerFailed() {
+void ModemCall::AnswerRefused() {
   Done(answer_request_, kTelephonyDeviceFailed);
   listener_.report("The modem did not answer the call");
-  if (drop_request_ != 0) return Finish();
+  if (dropping_) return Finish();
   state_ = State::Ringing;
   WaitForNextRing(rings_.Patience());
 }
 
+/// It may go off-hook all the same, later.
+void ModemCall::GiveUpAnswer() {
+  Done(answer_request_, kTelephonyDeviceFailed);
+  listener_.report("The modem did not answer the call");
+  state_ = State::HangingUp;
+  failed_ = true;
+  OnHook();
+}
+
 void ModemCall::Connect() {
   connected_at_ = Now();
-  const bool rejected = drop_request_ != 0;
+  const bool rejected = dropping_;
   state_ = rejected ? State::HangingUp : State::Connected;
   Done(answer_request_, kTelephonyOk);
   if (rejected) return After(kShortestOffHook, [this] { OnHook(); });
   ports_.events.Connected(number_);
   voice_ = std::make_unique<VoicePath>(
       ports_.talk, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
-      VoicePath::Listener{[this](const char*) { After(milliseconds(0), [this] { CallerGone(); }); },
-                          [this] { RefusesSound(); }, [this] { VoiceFailed(); }});
+      VoicePath::Listener{
+          [this](const char* what) { After(milliseconds(0), [this, what] { CallerGone(what); }); },
+          [this] { RefusesSound(); }, [this] { VoiceFailed(); }});
   SetUpVoice([this](const ModemReply&) {
     if (state_ == State::Connected && !answering_again_) voice_->Begin();
   });
@@ -159,7 +181,7 @@ void ModemCall::AnswerAgain(int tries_left) {
     if (state_ != State::Connected) return;
     if (reply.kind == ModemReply::Kind::Nothing) return VoiceFailed();
     if (!reply.Ok() && tries_left > 1) return After(kAnswerPause, [=, this] { AnswerAgain(tries_left - 1); });
-    if (!reply.Ok()) return CallerGone();
+    if (!reply.Ok()) return CallerGone("the modem cannot answer");
     connected_at_ = Now();
     SetUpVoice([this](const ModemReply&) {
       answering_again_ = false;
@@ -170,7 +192,8 @@ void ModemCall::AnswerAgain(int tries_left) {
 
 void ModemCall::Sign(char code) {
   if (state_ != State::Connected) return;
-  if (code == 'u' && voice_) return voice_->Underrun();
+  if (code == 'u') return voice_->Underrun();
+  if (code == 'o') return voice_->Overrun();
   if (const auto key = keys_.Sign(code, Now())) {
     if (monitor_digits_) ports_.events.Digit(number_, *key);
     return;
@@ -182,36 +205,40 @@ void ModemCall::HangUpSign(char code) {
   switch (code) {
     case 'b':
     case 'K':
-    case 'd':
-      if (!voice_->Receives() && ++hang_up_signs_ < kSignsWhileTransmitting) return;
-      return CallerGone();
+    case 'd': return HangUpTone(code);
     case 'l':
-      if (Now() - connected_at_ >= kBreakOfConnecting) CallerGone();
+      if (Now() - connected_at_ >= kBreakOfConnecting) CallerGone(WordsOf(code));
       return;
     case 'H':
-    case 'P':
-      listener_.report("A telephone beside the modem was lifted: the call is left to it");
-      return CallerGone();
+    case 'P': return CallerGone("a telephone at the same line was lifted, which has the call now");
     default: return;
   }
 }
 
-void ModemCall::NoCarrier() {
-  if (state_ == State::Connected) CallerGone();
+void ModemCall::HangUpTone(char code) {
+  const auto before = std::exchange(hang_up_sign_at_, Now());
+  const bool twice = before && Now() - *before <= kSignsBelongTogether;
+  if (voice_->Receives() || twice) CallerGone(WordsOf(code));
 }
 
-void ModemCall::CallerGone() {
+void ModemCall::NoCarrier() {
+  CallerGone("the modem has hung up");
+}
+
+void ModemCall::CallerGone(const std::string& why) {
   if (state_ != State::Connected) return;
+  listener_.report("The call is over: " + why);
   ports_.events.Disconnected(number_);
   HangUp();
 }
 
 void ModemCall::Drop(std::int32_t request) {
-  if (state_ == State::HangingUp || state_ == State::Over) {
+  if (state_ == State::HangingUp || state_ == State::Over || dropping_) {
     if (request != 0) ports_.events.RequestDone(request, kTelephonyOk);
     return;
   }
   drop_request_ = request;
+  dropping_ = true;
   if (state_ == State::Connected) return HangUp();
   if (state_ == State::Answering) return;
   // A line has no other way of turning a caller away.
@@ -234,7 +261,7 @@ void ModemCall::OnHook() {
       [this](const ModemReply& reply) {
         if (state_ == State::Over) return;
         Finish();
-        if (reply.kind == ModemReply::Kind::Nothing) listener_.failed();
+        if (failed_ || reply.kind == ModemReply::Kind::Nothing) listener_.failed();
       },
       kHangUpPatience);
 }

@@ -69,7 +69,8 @@ class ModemCall {
   CallNumber Number() const { return number_; }
   /// Whether it has rung: a caller id alone is no call.
   bool Offered() const { return rings_.Ringing(); }
-  bool Answered() const { return state_ == State::Connected || state_ == State::HangingUp; }
+  /// Whether the modem is off-hook, or may go off-hook in a moment.
+  bool OffHook() const { return off_hook_asked_ && state_ != State::Over; }
 
  private:
   enum class State : std::uint8_t { Ringing, Answering, Connected, HangingUp, Over };
@@ -78,14 +79,16 @@ class ModemCall {
   void TellCaller();
   void WaitForNextRing(std::chrono::milliseconds patience);
   void TryToAnswer(int tries_left);
-  void AnswerFailed();
+  void AnswerRefused();
+  void GiveUpAnswer();
   void Connect();
   void SetUpVoice(ModemTalk::Done done);
   void RingsOn();
   void RefusesSound();
   void AnswerAgain(int tries_left);
-  void CallerGone();
+  void CallerGone(const std::string& why);
   void HangUpSign(char code);
+  void HangUpTone(char code);
   void HangUp();
   void OnHook();
   void VoiceFailed();
@@ -108,7 +111,10 @@ class ModemCall {
   bool monitor_digits_ = false;
   bool answering_again_ = false;  ///< it has rung on after the answer
   int refusals_left_ = 3;
-  int hang_up_signs_ = 0;
+  bool off_hook_asked_ = false;
+  bool dropping_ = false;  ///< our side wants to hang up
+  bool failed_ = false;    ///< the modem has to be asked anew after the call
+  std::optional<std::chrono::milliseconds> hang_up_sign_at_;  ///< the latest one while transmitting
   std::chrono::milliseconds connected_at_{0};
   std::uint64_t caller_lines_ = 0;  ///< tells the latest line of a caller id from earlier ones
   std::uint64_t ring_waits_ = 0;    ///< the same for rings

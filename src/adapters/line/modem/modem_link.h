@@ -16,7 +16,7 @@ class ModemLinkEvents {
 
   virtual void Received(std::span<const std::uint8_t> bytes) = 0;
   /// The port is gone (unplugged); the link is closed already.
-  virtual void Lost(const std::string& reason) = 0;
+  virtual void Lost() = 0;
 };
 
 /// Why a port cannot be opened, with one sentence that tells its user so.
@@ -44,7 +44,7 @@ class ModemLink {
   /// Throws away what has been written and not yet been taken by the port.
   virtual void DiscardUnsent() = 0;
 
-  /// Bytes that wait to be sent.
+  /// Bytes that wait to be sent: a port whose modem has stopped takes none.
   virtual std::size_t Unsent() const = 0;
 };
 

@@ -54,8 +54,9 @@ void ModemPreparation::WakeUp(int tries_left) {
       [this, tries_left](const ModemReply& reply) {
         if (reply.Ok()) return Reset();
         if (tries_left > 1) return WakeUp(tries_left - 1);
-        Finish(reply.kind == ModemReply::Kind::Nothing ? PreparedModem::State::Silent
-                                                       : PreparedModem::State::NoModem);
+        // What only repeats what it hears is no modem.
+        const bool silent = reply.kind == ModemReply::Kind::Nothing && !reply.echoed;
+        Finish(silent ? PreparedModem::State::Silent : PreparedModem::State::NoModem);
       },
       kWakeUpPatience);
 }
@@ -137,6 +138,7 @@ void ModemPreparation::WaitForCalls() {
   talk_.Ask("AT+FCLASS=0");
   talk_.Ask("AT+VCID=1", [this](const ModemReply& reply) {
     const auto ready = [this](const ModemReply& last) {
+      modem_.always_echoes = last.echoed;
       Finish(last.kind == ModemReply::Kind::Nothing ? PreparedModem::State::Silent
                                                     : PreparedModem::State::Ready);
     };

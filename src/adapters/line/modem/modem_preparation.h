@@ -32,6 +32,7 @@ struct PreparedModem {
   VoiceFormat format;
   bool detects_silence = false;  ///< it has +VSD
   bool has_gains = false;        ///< it has +VGR and +VGT
+  bool always_echoes = false;    ///< ATE0 does nothing
   std::string identity;          ///< what it calls itself, for the log
 };
 

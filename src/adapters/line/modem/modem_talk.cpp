@@ -22,12 +22,17 @@ bool IsLineNews(std::string_view line) {
   });
 }
 
+/// The modem has hung up by itself, whatever it was asked.
+bool IsHangUp(std::string_view line) {
+  return line == "NO CARRIER" || line == "BUSY";
+}
+
 /// The result that a line is, if it is one (ITU-T V.250, clause 5.7; VCON: V.253).
 std::optional<ModemReply::Kind> ResultOf(std::string_view line) {
   if (line == "OK" || line == "VCON") return ModemReply::Kind::Ok;
   if (line.starts_with("CONNECT")) return ModemReply::Kind::Connect;
-  if (line == "ERROR" || line.starts_with("+CME ERROR") || line == "NO CARRIER" || line == "BUSY" ||
-      line == "NO DIALTONE" || line == "NO DIAL TONE" || line == "NO ANSWER") {
+  if (line == "ERROR" || line.starts_with("+CME ERROR") || IsHangUp(line) || line == "NO DIALTONE" ||
+      line == "NO DIAL TONE" || line == "NO ANSWER") {
     return ModemReply::Kind::Error;
   }
   return std::nullopt;
@@ -98,6 +103,9 @@ void ModemTalk::Line(const std::string& text) {
     reply_.lines.push_back(text);
     return;
   }
+  // Who has the call has to know before it is asked anything else.
+  if (IsHangUp(text)) unasked_.Line(text);
+  if (!asking_) return;
   // An OK where sound should begin belongs to something earlier.
   if (asked_.wants_connect && *result == ModemReply::Kind::Ok) {
     strays_seen_ = true;

@@ -26,7 +26,8 @@ struct ModemReply {
 };
 
 /// Commands and their answers, one after the other; what belongs to no answer goes to `unasked`. A modem
-/// says such things in the middle of an answer, too. One thread; the link is open while anything is asked.
+/// says such things in the middle of an answer, too; NO CARRIER and BUSY are both. One thread; the link is
+/// open while anything is asked.
 class ModemTalk : private ModemSayings {
  public:
   using Done = std::function<void(const ModemReply&)>;

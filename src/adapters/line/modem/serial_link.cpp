@@ -114,18 +114,13 @@ class SerialLink final : public ModemLink {
     if (!gone || events_ == nullptr) return;
     QMetaObject::invokeMethod(
         &port_,
-        [this, events = events_, reason = Reason(error)] {
+        [this, events = events_] {
           if (events_ != events) return;
           Read();
           Close();
-          events->Lost(reason);
+          events->Lost();
         },
         Qt::QueuedConnection);
-  }
-
-  /// Of a device that has gone Qt knows no more than that.
-  std::string Reason(QSerialPort::SerialPortError error) const {
-    return error == QSerialPort::ResourceError ? "" : port_.errorString().toStdString();
   }
 
   QSerialPort port_;

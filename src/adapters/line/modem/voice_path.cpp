@@ -18,6 +18,12 @@ constexpr milliseconds kTick{kBlockSamples * 1000 / kSampleRate};
 /// A modem that receives sends without a pause.
 constexpr milliseconds kLongestStall{3'000};
 
+/// After a pause of this length sound may have been lost.
+constexpr milliseconds kPauseInSound{300};
+
+/// Sound that a port has not taken in two seconds, at 16 bits; its modem has stopped.
+constexpr std::size_t kMostUnsent = std::size_t{2} * 2 * kSampleRate;
+
 /// The end of what plays and the answer to it, beyond what is still to be played.
 constexpr milliseconds kDrainPatience{2'000};
 
@@ -108,6 +114,7 @@ void VoicePath::Receive() {
   state_ = State::Receiving;
   receiver_.Begin();
   latest_sound_ = clock_.Uptime();
+  heard_ = false;
   if (ended_) StopReceiving(0);
 }
 
@@ -127,6 +134,7 @@ void VoicePath::TickTransmitting() {
   std::vector<std::uint8_t> bytes;
   const bool more = transmitter_.Due(clock_.Uptime(), bytes);
   if (!bytes.empty()) talk_.Write(bytes);
+  if (link_.Unsent() > kMostUnsent) return Fail();
   if (!more) Drain();
 }
 
@@ -211,8 +219,15 @@ void VoicePath::Fail() {
 
 void VoicePath::Sound(std::span<const std::uint8_t> bytes) {
   if (state_ != State::Receiving && state_ != State::EndOfReceive) return;
+  const bool paused = heard_ && clock_.Uptime() - latest_sound_ > kPauseInSound;
+  heard_ = true;
   latest_sound_ = clock_.Uptime();
   receiver_.Sound(bytes);
+  if (paused) Overrun();
+}
+
+void VoicePath::Overrun() {
+  if (state_ == State::Receiving) StopReceiving(0);
 }
 
 void VoicePath::SoundEnded() {

@@ -47,6 +47,8 @@ class VoicePath {
   void Sound(std::span<const std::uint8_t> bytes);
   void SoundEnded();
   void Underrun() { transmitter_.Underrun(clock_.Uptime()); }
+  /// Received sound was lost: what follows may begin in the middle of a sample.
+  void Overrun();
 
   bool Receives() const { return state_ == State::Receiving; }
 
@@ -89,6 +91,7 @@ class VoicePath {
   State state_ = State::Off;
   std::function<void()> ended_;                ///< told when the modem rests; empty: it goes on
   std::chrono::milliseconds latest_sound_{0};  ///< when something was received
+  bool heard_ = false;                         ///< since receiving began
   std::chrono::milliseconds silent_since_{0};  ///< up to when a recorder has what is recorded
   std::unique_ptr<Timer> tick_;
   Lifeline lifeline_;

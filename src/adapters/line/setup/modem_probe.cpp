@@ -59,14 +59,14 @@ class Probe : private ModemLinkEvents, private ModemSayings {
     preparation.Start();
     waiting_.exec();
     link_->Close();
-    if (!lost_.empty()) return {false, "The modem at " + port + " is gone: " + lost_ + '.'};
+    if (lost_) return {false, "The modem at " + port + " is gone."};
     return ResultOf(modem_, port);
   }
 
  private:
   void Received(std::span<const std::uint8_t> bytes) override { talk_.Received(bytes); }
-  void Lost(const std::string& reason) override {
-    lost_ = reason;
+  void Lost() override {
+    lost_ = true;
     waiting_.quit();
   }
 
@@ -82,7 +82,7 @@ class Probe : private ModemLinkEvents, private ModemSayings {
   std::unique_ptr<ModemLink> link_ = MakeSerialLink();
   ModemTalk talk_{*link_, loop_, *this};
   PreparedModem modem_;
-  std::string lost_;
+  bool lost_ = false;
 };
 
 }  // namespace

@@ -27,6 +27,9 @@ class VirtualTime : public EventLoop, public Clock {
   /// Runs until `done` or until `limit` has passed. True when `done`.
   bool RunUntil(const std::function<bool()>& done, std::chrono::milliseconds limit);
 
+  /// Puts the wall clock forward, or back by a negative duration; elapsed time goes on as it was.
+  void TurnClock(std::chrono::milliseconds by) { start_ += by; }
+
   void Post(Task task) override { After(std::chrono::milliseconds(0), std::move(task)); }
   void After(std::chrono::milliseconds delay, Task task) override;
   std::unique_ptr<Timer> MakeTimer(Task tick) override;

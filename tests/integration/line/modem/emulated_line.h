@@ -47,17 +47,19 @@ class EmulatedLink final : public ModemLink {
   void Unplug() {
     plugged_in = false;
     auto* events = std::exchange(events_, nullptr);
-    if (events != nullptr) events->Lost("unplugged");
+    if (events != nullptr) events->Lost();
   }
 
   std::size_t bytes_to_modem = 0;
+  std::size_t lose = 0;  ///< bytes of what the modem says next
   bool plugged_in = true;
   bool forbidden = false;
   ModemEmulator modem;
 
  private:
   void FromModem(std::span<const std::uint8_t> bytes) {
-    time_.Post([this, copy = std::vector(bytes.begin(), bytes.end())] {
+    const auto lost = std::min(std::exchange(lose, 0), bytes.size());
+    time_.Post([this, copy = std::vector(bytes.begin() + std::ptrdiff_t(lost), bytes.end())] {
       if (events_ != nullptr) events_->Received(copy);
     });
   }

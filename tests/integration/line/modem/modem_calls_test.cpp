@@ -106,7 +106,7 @@ TEST(KeyPressesTest, OnePressIsOneHoweverItIsReported) {
 }
 
 TEST(KeyPressesTest, ABracketThatIsNeverClosedSwallowsNothing) {
-  EXPECT_EQ(Presses("/5555 1111     1111", milliseconds(70)), "511");
+  EXPECT_EQ(Presses("/5555 1111               1111", milliseconds(70)), "511");
   EXPECT_EQ(Presses("/5/5/6", milliseconds(70)), "556");
 }
 

@@ -86,7 +86,7 @@ Options ReadOptions(const QStringList& arguments) {
   add("captured", "gets what the caller hears in the latest call", "FILE.wav");
   add("spoken", "gets what the caller says in the latest call", "FILE.wav");
   add("sent", "gets the bytes of sound that the modem has sent in the latest call", "FILE");
-  add("seconds", "the program ends after so many", "N", "300");
+  add("seconds", "the program ends by itself after so many (300)", "N", "300");
   parser.addOption(
       {"times", "every report ends with \" at SECONDS\"; \"ring\" and \"key\" are reported, too"});
   parser.addHelpOption();
