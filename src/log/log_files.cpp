@@ -3,6 +3,7 @@
 
 #include <array>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "core/error_trap.h"
@@ -10,6 +11,9 @@
 
 namespace orven {
 namespace {
+
+/// Lines that wait for room on the disk: some fifty calls.
+constexpr std::size_t kMostWaiting = 1000;
 
 /// The months that a log is kept, by the text of `LogFor`.
 std::optional<int> MonthsKept(const std::string& log_for) {
@@ -53,15 +57,31 @@ void LogFiles::WriteCalls(const std::string& text) {
 }
 
 void LogFiles::Append(const std::string& suffix, const std::string& text) {
-  const auto trap = ErrorTrap::Silent();
   const auto now = clock_.Now();
   const auto path = Folder() + FileStamp(clock_.DateText(now), "") + suffix;
-  const auto line = clock_.TimeText(now) + " : " + OneLine(text) + "\r\n";
-  if (trap([&] { files_.Append(path, line); })) return;
+  waiting_.push_back({path, clock_.TimeText(now) + " : " + OneLine(text) + "\r\n"});
+  WriteWaiting();
+  if (waiting_.size() > kMostWaiting) waiting_.pop_front();
+}
+
+/// A file that does not take a line is left alone until the next one; the others are not held up by it.
+void LogFiles::WriteWaiting() {
+  std::set<std::string> refused;
+  std::erase_if(waiting_, [&](const Line& line) {
+    if (refused.contains(line.path)) return false;
+    if (Write(line)) return true;
+    refused.insert(line.path);
+    return false;
+  });
+}
+
+bool LogFiles::Write(const Line& line) {
+  const auto trap = ErrorTrap::Silent();
+  if (trap([&] { files_.Append(line.path, line.text); })) return true;
   // The folder may have been removed while the program runs; a line is worth a second try.
-  trap([&] {
+  return trap([&] {
     files_.MakeFolder(Folder());
-    files_.Append(path, line);
+    files_.Append(line.path, line.text);
   });
 }
 

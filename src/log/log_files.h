@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,7 +17,8 @@
 namespace orven {
 
 /// The two activity logs: one text file a day and kind in the folder "\Log\". Every operation ignores
-/// errors: a log never stops what it reports on. User-interface thread.
+/// errors: a log never stops what it reports on. A line that cannot be written (there is no room, the
+/// file is locked) is written, with its own time, before a later one. User-interface thread.
 class LogFiles : public SystemLog, public CallsLog {
  public:
   LogFiles(Clock& clock, Files& files, EventLoop& loop, const Settings& settings, const SharedOptions& shared)
@@ -41,6 +43,12 @@ class LogFiles : public SystemLog, public CallsLog {
   void PurgeOldLogs(std::function<void()> done);
 
  private:
+  struct Line {
+    std::string path, text;
+  };
+
+  void WriteWaiting();
+  bool Write(const Line& line);
   void Append(const std::string& suffix, const std::string& text);
   void PurgeNext(std::shared_ptr<std::vector<std::string>> names, Clock::WallTime limit,
                  std::function<void()> done);
@@ -51,6 +59,7 @@ class LogFiles : public SystemLog, public CallsLog {
   EventLoop& loop_;
   const Settings& settings_;
   const SharedOptions& shared_;
+  std::deque<Line> waiting_;  ///< not written yet, in the order of their times
   Lifeline lifeline_;
 };
 

@@ -29,12 +29,38 @@ std::string MemoryDatabase::Open(const std::string& path) {
   return open_note;
 }
 
+void MemoryDatabase::LoseFile() {
+  records_.clear();
+  identities_.clear();
+  current_ = 0;
+  if (!adding_) edited_.reset();
+}
+
+void MemoryDatabase::Reach() const {
+  if (gone) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the database is not open");
+}
+
+std::int32_t MemoryDatabase::RecordCount() {
+  Reach();
+  return static_cast<std::int32_t>(records_.size());
+}
+
+std::vector<std::string> MemoryDatabase::Record(std::int32_t number) {
+  return records_.at(At(number));
+}
+
+std::int64_t MemoryDatabase::Identity(std::int32_t number) {
+  return Identities().at(At(number));
+}
+
 RecordTable MemoryDatabase::Query(std::string_view query) {
   if (query != kGetAll) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  Reach();
   return {records_};
 }
 
 std::size_t MemoryDatabase::At(std::int32_t number) const {
+  Reach();
   if (number < 1 || static_cast<std::size_t>(number) > records_.size()) {
     throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
   }
@@ -42,12 +68,14 @@ std::size_t MemoryDatabase::At(std::int32_t number) const {
 }
 
 const std::vector<std::int64_t>& MemoryDatabase::Identities() {
+  Reach();
   identities_.resize(std::min(identities_.size(), records_.size()));
   while (identities_.size() < records_.size()) identities_.push_back(++last_identity_);
   return identities_;
 }
 
 std::int32_t MemoryDatabase::CountRecords(std::string_view field, std::string_view value) {
+  Reach();
   const auto column = static_cast<std::size_t>(FieldIndex(field));
   return static_cast<std::int32_t>(
       std::ranges::count_if(records_, [&](const Fields& record) { return record.at(column) == value; }));
@@ -66,11 +94,13 @@ void MemoryDatabase::MoveTo(std::int32_t number) {
 }
 
 void MemoryDatabase::AddNew() {
+  Reach();
   edited_ = Fields(kCallFields.size());
   adding_ = true;
 }
 
 void MemoryDatabase::Edit() {
+  Reach();
   if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
   edited_ = records_.at(static_cast<std::size_t>(current_) - 1);
   adding_ = false;
@@ -89,11 +119,13 @@ std::string MemoryDatabase::GetField(std::string_view field) {
 }
 
 void MemoryDatabase::Update() {
+  Reach();
   if (!edited_) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
   before_write();
   ++writes;
   if (adding_) {
     records_.push_back(*edited_);
+    ++added;
     current_ = RecordCount();
   } else {
     records_.at(static_cast<std::size_t>(current_) - 1) = *edited_;
@@ -102,6 +134,7 @@ void MemoryDatabase::Update() {
 }
 
 void MemoryDatabase::Delete() {
+  Reach();
   if (current_ == 0) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
   before_write();
   Identities();
@@ -120,6 +153,7 @@ void MemoryDatabase::DeleteFirst(std::int32_t number) {
 }
 
 void MemoryDatabase::DeleteAll() {
+  Reach();
   before_write();
   identities_.clear();
   records_.clear();

@@ -20,19 +20,23 @@ class MemoryDatabase : public DatabaseControl {
   std::string open_note;
   std::string opened_path;
   int writes = 0;
+  int added = 0;      ///< records
+  bool gone = false;  ///< the file has gone and no other can be made
 
   std::vector<Fields>& Records() { return records_; }
   /// A field of a record, both as the program names them.
   std::string Field(std::size_t record, std::string_view field) const;
+  /// The file is taken away: an empty one takes its place.
+  void LoseFile();
   /// Adds a record; fields that are not given are empty.
   void Add(const std::map<std::string, std::string>& fields);
 
   std::string Open(const std::string& path) override;
   RecordTable Query(std::string_view query) override;
-  std::int32_t RecordCount() override { return static_cast<std::int32_t>(records_.size()); }
+  std::int32_t RecordCount() override;
   std::int32_t CountRecords(std::string_view field, std::string_view value) override;
-  std::vector<std::string> Record(std::int32_t number) override { return records_.at(At(number)); }
-  std::int64_t Identity(std::int32_t number) override { return Identities().at(At(number)); }
+  std::vector<std::string> Record(std::int32_t number) override;
+  std::int64_t Identity(std::int32_t number) override;
   std::int32_t Locate(std::int64_t identity) override;
   std::int32_t FieldIndex(std::string_view field) const override;
   void MoveTo(std::int32_t number) override;
@@ -51,6 +55,7 @@ class MemoryDatabase : public DatabaseControl {
   void DeleteAll() override;
 
  private:
+  void Reach() const;
   std::size_t At(std::int32_t number) const;
   const std::vector<std::int64_t>& Identities();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -14,6 +15,8 @@ namespace orven::test {
 class MemoryRegistry : public Registry {
  public:
   bool refuse_writes = false;
+  /// Asked before each change.
+  std::function<bool()> writable = [] { return true; };
 
   void Set(const std::string& name, const std::string& text) {
     keys_[{RegistryRoot::LocalMachine, kSettingsKey}][name] = RegString(name, text).value;
@@ -31,12 +34,12 @@ class MemoryRegistry : public Registry {
     return values->second.at(name);
   }
   bool Write(RegistryRoot root, const std::string& key, std::span<const NamedRegistryValue> values) override {
-    if (refuse_writes) return false;
+    if (refuse_writes || !writable()) return false;
     for (const auto& [name, value] : values) keys_[{root, key}][name] = value;
     return true;
   }
   bool Delete(RegistryRoot root, const std::string& key, const std::string& name) override {
-    return !refuse_writes && keys_[{root, key}].erase(name) > 0;
+    return !refuse_writes && writable() && keys_[{root, key}].erase(name) > 0;
   }
 
  private:

@@ -51,13 +51,21 @@ std::int32_t TimedWave::StopRecordToFile(const std::string& path) {
   }
   if (stop_result != kWaveOk) return stop_result;
   try {
+    before_write(path);
     files_.before_write(path);
   } catch (const RuntimeError&) {
-    return kWaveDiskFull;
+    return KeepElsewhere(length);
   }
   files_.Put(path, Sound(length));
   from_line_ ? ++written : ++takes;
   return kWaveOk;
+}
+
+/// What was recorded stays where it has grown.
+std::int32_t TimedWave::KeepElsewhere(std::chrono::milliseconds length) {
+  unsaved.push_back(record_folder + "unsaved-" + std::to_string(unsaved.size() + 1) + ".part");
+  files_.Put(unsaved.back(), Sound(length));
+  return kWaveDiskFull;
 }
 
 std::int32_t TimedWave::StartMonitor(std::int32_t device, const WaveFormat& /*format*/) {

@@ -32,6 +32,9 @@ class TimedWave : public WaveControl {
   /// Called for every file that is to be played.
   std::function<void(const std::string&)> on_play = [](const std::string&) {};
 
+  /// Called before a recording becomes a file; throws when it cannot.
+  std::function<void(const std::string& path)> before_write = [](const std::string&) {};
+
   /// How loud the line is now, in thousandths.
   std::function<std::int32_t()> level = [] { return 0; };
 
@@ -45,6 +48,7 @@ class TimedWave : public WaveControl {
   std::vector<std::int32_t> monitored;  ///< the device of every live play
   int written = 0;                      ///< messages that became files
   int takes = 0;                        ///< recordings from a sound card that became files
+  std::vector<std::string> unsaved;     ///< recordings that could not get their name
   std::string last_recorded_path;
   std::chrono::milliseconds last_recorded_length{0};
   bool to_disk = false;
@@ -73,6 +77,7 @@ class TimedWave : public WaveControl {
   static std::string Text(std::int32_t code) {
     return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
   }
+  std::int32_t KeepElsewhere(std::chrono::milliseconds length);
   std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
   void PlayFrom(std::chrono::milliseconds position);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/error_trap.h"
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
 
@@ -76,17 +77,20 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   shell.before_start = [this] { views.Effect("action:App"); };
   WavePlay.on_play = [this](const std::string& path) { views.Effect("sound:" + path); };
   Wave1.level = [this] { return loud; };
+  Wave1.before_write = [this](const std::string& path) { disk.Write(path); };
   database.before_write = [this] {
     if (database_full) throw RuntimeError(ErrorNumber::DiskFull);
+    disk.Write(database.opened_path);
   };
+  registry.writable = [this] { return ErrorTrap::Silent()([this] { disk.Write("registry"); }); };
   auto driver = std::make_unique<SimLine>("Sim", time);
   line = driver.get();
   std::vector<std::unique_ptr<LineDriver>> drivers;
   drivers.push_back(std::move(driver));
   Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
   window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
-                  Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
+      EnginePorts{time, time, disk_files, background, registry, dialogs, shell, mouse, Mail1, database,
+                  *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
       views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

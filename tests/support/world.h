@@ -10,6 +10,7 @@
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
 #include "shell/main_window.h"
+#include "support/failing_disk.h"
 #include "support/memory_database.h"
 #include "support/memory_files.h"
 #include "support/memory_registry.h"
@@ -66,6 +67,8 @@ class World {
 
   VirtualTime time;
   MemoryFiles files;
+  FailingDisk disk;  ///< what everything is written to, once the program runs
+  FailingFiles disk_files{files, disk};
   MemoryRegistry registry;
   MemoryDatabase database;
   ScriptedDialogs dialogs;

@@ -56,6 +56,23 @@ TEST_F(LogFilesTest, NoFailureReachesTheCaller) {
   EXPECT_THAT(files.Names(kFolder), IsEmpty());
 }
 
+TEST_F(LogFilesTest, LinesWaitForRoomOnTheDiskAndHoldUpNoOtherFile) {
+  bool full = true;
+  files.before_write = [&](const std::string& path) {
+    if (full && path.ends_with("_Sys.txt")) throw RuntimeError(ErrorNumber::DiskFull);
+  };
+  for (int line = 0; line < 1001; ++line) log.WriteSystem("line " + std::to_string(line));
+  log.WriteCalls("a call");
+  EXPECT_THAT(files.Names(kFolder), ElementsAre("3-31-2003_Calls.txt"));
+  full = false;
+  time.RunFor(1s);
+  log.WriteSystem("the next day");
+  const auto lines = files.Content("/app/Log/3-31-2003_Sys.txt");
+  EXPECT_TRUE(lines.starts_with("23:59:59 : line 1\r\n23:59:59 : line 2\r\n")) << "memory has an end";
+  EXPECT_TRUE(lines.ends_with("23:59:59 : line 1000\r\n"));
+  EXPECT_EQ(files.Content("/app/Log/4-1-2003_Sys.txt"), "00:00:00 : the next day\r\n");
+}
+
 TEST_F(LogFilesTest, PurgesByMonthsAndLetsOtherEventsRun) {
   const auto february = sys_days(2003y / 2 / 28);
   files.PutAt("/app/Log/at the limit.txt", february);
