@@ -20,7 +20,7 @@ constexpr milliseconds kQuiet{200};
 constexpr milliseconds kWakeUpPatience{1'000};
 constexpr int kWakeUpTries = 3;
 
-constexpr std::array<std::uint8_t, 5> kPurge{0, kDle, kCan, kDle, kEtx};
+constexpr std::array<std::uint8_t, 4> kPurge{kDle, kCan, kDle, kEtx};
 constexpr std::array<std::uint8_t, 2> kAbort{kDle, '!'};
 constexpr std::array<std::uint8_t, 1> kReturn{'\r'};
 
