@@ -11,6 +11,7 @@ constexpr WaveFormat kFormat{kWaveFormatPcm, 1, 16, 8000};
 
 std::int32_t MicrophoneTake::Start(std::int32_t device) {
   parts_.Wave1.SetRecordFolder(parts_.shared.application_folder);
+  parts_.Wave1.SetRecordName({});
   auto result = parts_.Wave1.StartRecord(device, kFormat);
   if (result == kWaveNoDevice) result = parts_.Wave1.StartRecord(kDefaultCard, kFormat);
   recording_ = result == kWaveOk;

@@ -62,6 +62,12 @@ class WaveControl {
   /// finishing it is a rename. Takes effect with the next StartRecord.
   virtual void SetRecordFolder(const std::string& folder) = 0;
 
+  /// What the next recording is known by when a crash cuts it short: while it grows, its file is called
+  /// ".recording-<name>-<process>-<n>.wav.part". For one StartRecord, whether it succeeds or not; empty (as
+  /// without this call): ".recording-<process>-<n>.wav.part". Such a file is a playable WAV file all the
+  /// time, at most a second behind. `name` is fit for a file name.
+  virtual void SetRecordName(const std::string& name) = 0;
+
   /// Whether `device` can record `format`, without recording. `mode` is 1: ask for recording.
   virtual std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode,
                                          const WaveFormat& format) = 0;

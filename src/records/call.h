@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace orven {
@@ -11,6 +12,16 @@ inline constexpr const char* kNoMessageType = "-1";
 
 /// Caller name and number while the network has not told them.
 inline constexpr const char* kUnknownCaller = "UNKNOWN";
+
+/// How far a call has come on its way into the records; what a start after a crash goes by.
+struct CallTrail {
+  std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
+  std::string growing_folder;  ///< where its recording was begun; empty: it was not
+  std::string storing_path;    ///< where its recording was about to be put, a path that was free then
+  /// Identity of the newest record before this call was about to be filed (0: no record); nothing: it was
+  /// certainly not filed.
+  std::optional<std::int64_t> filed_after;
+};
 
 /// Everything known of the current call. One call at a time; a new one replaces it whole.
 struct Call {
@@ -42,6 +53,8 @@ struct Call {
 
   std::int32_t record_seconds = 0;
   std::int32_t silence_milliseconds = 0;
+
+  CallTrail trail;
 };
 
 /// Name of the message file of a call with these date and time texts: "12-31-2003_14-05-07.wav".

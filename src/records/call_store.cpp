@@ -52,12 +52,16 @@ void CallStore::FileWaitingCalls() {
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
   while (!waiting_.empty()) {
     if (!trap([&] { AddRecord(waiting_.front()); })) break;
+    ports_.journal.Done(waiting_.front());
     waiting_.pop_front();
   }
 }
 
-void CallStore::AddRecord(const Call& call) {
+void CallStore::AddRecord(Call& call) {
   auto& database = ports_.DataBase1;
+  const auto count = database.RecordCount();
+  call.trail.filed_after = count == 0 ? 0 : database.Identity(count);
+  ports_.journal.Note(call);
   database.AddNew();
   database.SetField(kCallName, call.caller_name);
   database.SetField(kCallNumber, call.caller_number);

@@ -16,6 +16,7 @@
 #include "platform/files.h"
 #include "platform/wave.h"
 #include "records/call.h"
+#include "records/call_journal.h"
 #include "records/call_list.h"
 #include "records/message_folders.h"
 #include "records/message_relocation.h"
@@ -47,6 +48,7 @@ class CallStore {
     MessagePlayer& player;
     SystemLog& system_log;
     CallsLog& calls_log;
+    CallJournal& journal;
   };
 
   CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)
@@ -57,6 +59,9 @@ class CallStore {
   /// recorded. A call that cannot be filed now is kept and filed before the next one. The caller
   /// rebuilds the list.
   void PutCallDetailsInDB(Call& call);
+
+  /// The call is over and shall have no record.
+  void LeaveOut(Call& call) { ports_.journal.Done(call); }
 
   /// Files the calls that could not be filed before, the oldest first.
   void FileWaitingCalls();
@@ -98,7 +103,7 @@ class CallStore {
  private:
   std::string TypeText(const Call& call) const;
   void BringMessageAlong(Call& call);
-  void AddRecord(const Call& call);
+  void AddRecord(Call& call);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
   void DeleteMessage(const std::string& name);
   std::optional<std::string> AskForTarget(const std::string& path);

@@ -26,7 +26,9 @@
 #include "platform/telephony.h"
 #include "platform/wave.h"
 #include "platform/waveform.h"
+#include "records/call_journal.h"
 #include "records/call_list.h"
+#include "records/call_recovery.h"
 #include "records/call_store.h"
 #include "records/list_commands.h"
 #include "records/local_player.h"
@@ -82,6 +84,7 @@ class AnsweringMachine {
   TrayIcon tray;
   CallList ListView1;
   MessageFolders folders;
+  CallJournal journal;
   LocalPlayer player;
   CallStore calls;
   MessageMove move;
@@ -100,6 +103,7 @@ class AnsweringMachine {
   RemoteAccess remote;
   Greeter greeter;
   AfterCall after_call;
+  CallRecovery recovery;
   CallSequence sequence;
 
   /// What a greeting creator works with; `saved` hears of the greeting that it saved, when the program

@@ -114,6 +114,7 @@ void MainWindow::StartUp() {
     const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
     if (!note.empty()) machine_.log.WriteSystem(note);
   });
+  machine_.recovery.Run();
   machine_.ListView1.makeList();
   trap([&] { machine_.move.GoOn(); });
   trap([&] {

@@ -36,8 +36,10 @@ class AfterCall {
   /// A call is over and was not the owner's: tray, record, sound, caller view, actions.
   void Finish(Call& call);
 
- private:
+  /// The part of it that makes the record, where the settings want one.
   void File(Call& call);
+
+ private:
   void PlaySound(const std::string& name);
   void ShowFinished(const Call& call);
   void RunActions(Call& call);

@@ -6,13 +6,14 @@
 #include "platform/telephony.h"
 #include "platform/wave.h"
 #include "records/call.h"
+#include "records/call_journal.h"
 #include "telephony/call_state.h"
 #include "telephony/line_manager.h"
 
 namespace orven {
 
 /// What the classes that carry one call share: the call itself, where it stands, the settings, the
-/// line and its two controls. Owned by the main window; none of them outlives it.
+/// line and its two controls, the journal. Owned by the main window; none of them outlives it.
 struct CallContext {
   TelephonyControl& Tapi1;
   WaveControl& Wave1;
@@ -22,6 +23,7 @@ struct CallContext {
   Call& call;
   CallProgress& progress;
   LineManager& line;
+  CallJournal& journal;
 
   /// Index of the line that carries calls.
   std::int32_t Line() const { return line.CurrentIndex(); }

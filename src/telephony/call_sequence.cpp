@@ -15,6 +15,7 @@ void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*cal
     const auto time = parts_.clock.TimeText(now);
     context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
   });
+  context_.journal.Begin(context_.call);
   trap([&] { context_.progress.Enter(CallState::Offered); });
   parts_.after_call.Announce(context_.call);
 }
@@ -35,6 +36,7 @@ void CallSequence::CallerID(std::int32_t line, const std::string& name, const st
   trap([&] { parts_.view.ShowStatus("Caller ID Information"); });
   context_.call.caller_name = name;
   context_.call.caller_number = number;
+  context_.journal.Note(context_.call);
   trap([&] {
     if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
   });
@@ -60,6 +62,7 @@ void CallSequence::Connected(std::int32_t line) {
     parts_.recorder.MakeReady();
     parts_.greeter.PlayGreeting();
   });
+  context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
   trap([&] { UpdateCallerView("Line Connected"); });
 }
 

@@ -4,9 +4,9 @@
 #include <chrono>
 
 #include "core/error_trap.h"
-#include "core/file_stamp.h"
 #include "core/native_path.h"
 #include "core/tenths_wait.h"
+#include "records/message_name.h"
 
 namespace orven {
 namespace {
@@ -59,7 +59,15 @@ void Recorder::StartAfterWait() {
   const ErrorTrap trap(context_.log, "ErrRecMessage ");
   bool can_record = true;
   MakeReady();
-  trap([&] { context_.Wave1.SetRecordFolder(context_.shared.messages_path); });
+  trap([&] {
+    const auto& folder = context_.shared.messages_path;
+    context_.Wave1.SetRecordFolder(folder);
+    context_.Wave1.SetRecordName(
+        context_.call.message_file_name.substr(0, context_.call.message_file_name.rfind('.')));
+    context_.call.trail.growing_folder = folder;
+  });
+  // Before there is a file, so that no file is without its call.
+  context_.journal.Note(context_.call);
   trap([&] {
     if (context_.settings.CompressMessages == 0) {
       can_record = StartPcm();
@@ -131,10 +139,13 @@ void Recorder::StopRecMessage() {
   trap([&] {
     if (context_.progress.State() == CallState::Recording) context_.progress.Enter(CallState::Recorded);
   });
+  context_.journal.Note(call);
 }
 
 std::int32_t Recorder::Store(std::string& path) {
   const auto kept = MakeRoom(path);
+  context_.call.trail.storing_path = path;
+  context_.journal.Note(context_.call);
   const auto result = context_.Wave1.StopRecordToFile(path);
   // The older message gets its name back when nothing has taken it.
   if (result != kWaveOk && !kept.empty()) ports_.files.Rename(kept, path);
@@ -145,7 +156,7 @@ std::int32_t Recorder::Store(std::string& path) {
 /// where that cannot be, `path` becomes a free one for the new message.
 std::string Recorder::MakeRoom(std::string& path) {
   if (!ports_.files.Exists(path)) return {};
-  auto free = FreeNameBeside(path);
+  auto free = FreeNameBeside(ports_.files, ports_.clock, path);
   const auto note = "Record Message: two calls share the name " + FileNamePart(path);
   const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
   if (trap([&] { ports_.files.Rename(path, free); })) {
@@ -155,16 +166,6 @@ std::string Recorder::MakeRoom(std::string& path) {
   context_.log.WriteSystem(note + ", the newer message becomes " + FileNamePart(free));
   path = free;
   return {};
-}
-
-std::string Recorder::FreeNameBeside(const std::string& path) const {
-  const auto now = ports_.clock.Now();
-  const auto stem = path.substr(0, path.rfind('.')) + ".kept_" +
-                    FileStamp(ports_.clock.DateText(now), ports_.clock.TimeText(now));
-  auto name = stem + ".wav";
-  for (int number = 2; ports_.files.Exists(name); ++number)
-    name = stem + "_" + std::to_string(number) + ".wav";
-  return name;
 }
 
 void Recorder::EndOfCall() {

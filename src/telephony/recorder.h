@@ -54,7 +54,6 @@ class Recorder {
   void StartMuLaw();
   void StartPreScreen(const WaveFormat& format);
   std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
-  std::string FreeNameBeside(const std::string& path) const;
   std::string MakeRoom(std::string& path);
   std::int32_t Store(std::string& path);
   void SilenceTick();

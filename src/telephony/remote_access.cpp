@@ -32,6 +32,7 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   call.beep_playing = false;
   call.greeting_playing = false;
   call.admin_mode = true;
+  context_.journal.Done(call);
   // A recording that failed to start has left its timers; the owner must not be timed by them.
   recorder_.StopTimers();
   context_.log.WriteSystem("Remote Control " + LineTag(line));

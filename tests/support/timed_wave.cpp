@@ -44,7 +44,12 @@ std::int32_t TimedWave::StartRecord(std::int32_t device, const WaveFormat& forma
 std::int32_t TimedWave::StopRecordToFile(const std::string& path) {
   if (!IsRecording()) return kWaveNotRecording;
   const auto length = time_.Uptime() - *recording_since_;
+  const auto result = Store(path, length);
   recording_since_.reset();
+  return result;
+}
+
+std::int32_t TimedWave::Store(const std::string& path, std::chrono::milliseconds length) {
   if (from_line_) {
     last_recorded_path = path;
     last_recorded_length = length;
@@ -66,6 +71,18 @@ std::int32_t TimedWave::KeepElsewhere(std::chrono::milliseconds length) {
   unsaved.push_back(record_folder + "unsaved-" + std::to_string(unsaved.size() + 1) + ".part");
   files_.Put(unsaved.back(), Sound(length));
   return kWaveDiskFull;
+}
+
+std::optional<TimedWave::Growing> TimedWave::GrowingFile() const {
+  if (!recording_since_ || !to_disk) return std::nullopt;
+  return Growing{record_folder + ".recording-" + record_name_ + "-7-1.wav.part",
+                 Sound(time_.Uptime() - *recording_since_)};
+}
+
+void TimedWave::Crash() {
+  if (const auto growing = GrowingFile()) files_.Put(growing->path, growing->content);
+  recording_since_.reset();
+  StopPlay();
 }
 
 std::int32_t TimedWave::StartMonitor(std::int32_t device, const WaveFormat& /*format*/) {

@@ -52,11 +52,23 @@ class TimedWave : public WaveControl {
   std::string last_recorded_path;
   std::chrono::milliseconds last_recorded_length{0};
   bool to_disk = false;
+
+  /// The file in which a recording grows on the disk.
+  struct Growing {
+    std::string path;
+    std::string content;
+  };
+  std::optional<Growing> GrowingFile() const;
+
+  /// The program is killed: everything stops, and what was recorded is left in the file that grows.
+  void Crash();
+
   std::string record_folder;
 
   void SetEvents(WaveEvents* events) override { events_ = events; }
   void SetRecordToDisk(bool on) override { to_disk = on; }
   void SetRecordFolder(const std::string& folder) override { record_folder = folder; }
+  void SetRecordName(const std::string& name) override { record_name_ = name; }
   std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
@@ -77,6 +89,7 @@ class TimedWave : public WaveControl {
   static std::string Text(std::int32_t code) {
     return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
   }
+  std::int32_t Store(const std::string& path, std::chrono::milliseconds length);
   std::int32_t KeepElsewhere(std::chrono::milliseconds length);
   std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
   void PlayFrom(std::chrono::milliseconds position);
@@ -85,6 +98,7 @@ class TimedWave : public WaveControl {
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
   std::optional<std::chrono::milliseconds> recording_since_;
+  std::string record_name_;
   bool from_line_ = false;  ///< the recording
   bool playing_ = false;
   std::chrono::milliseconds play_length_{0};

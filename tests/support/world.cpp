@@ -83,6 +83,10 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
     disk.Write(database.opened_path);
   };
   registry.writable = [this] { return ErrorTrap::Silent()([this] { disk.Write("registry"); }); };
+  Build();
+}
+
+void World::Build() {
   auto driver = std::make_unique<SimLine>("Sim", time);
   line = driver.get();
   std::vector<std::unique_ptr<LineDriver>> drivers;
@@ -93,6 +97,14 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
                   *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
       views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
+}
+
+void World::Crash() {
+  Wave1.Crash();
+  WavePlay.StopPlay();
+  window.reset();
+  Tapi1.reset();
+  Build();
 }
 
 World& World::Start() {

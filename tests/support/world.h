@@ -33,6 +33,9 @@ class World {
   /// Starts the program; settings are changed before.
   World& Start();
 
+  /// The program is killed, as it stands, and not started again yet: what is on disk is all that is left.
+  void Crash();
+
   /// The log without its times.
   std::vector<std::string> SystemLog() const { return LogLines("_Sys.txt"); }
   std::vector<std::string> CallsLog() const { return LogLines("_Calls.txt"); }
@@ -92,6 +95,7 @@ class World {
   std::unique_ptr<MainWindow> window;
 
  private:
+  void Build();
   std::vector<std::string> LogLines(const std::string& suffix) const;
 };
 

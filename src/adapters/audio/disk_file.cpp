@@ -31,8 +31,10 @@ std::int32_t ResultOf(int error) {
 
 }  // namespace
 
-std::int32_t DiskFile::Create(const std::string& folder, std::shared_ptr<DiskFile>& file) {
-  const std::string start = folder + "/.recording-" + std::to_string(getpid()) + "-";
+std::int32_t DiskFile::Create(const std::string& folder, const std::string& name,
+                              std::shared_ptr<DiskFile>& file) {
+  const std::string start =
+      folder + "/.recording-" + (name.empty() ? "" : name + "-") + std::to_string(getpid()) + "-";
   for (int n = 1;; ++n) {
     std::string path = start + std::to_string(n) + ".wav.part";
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);

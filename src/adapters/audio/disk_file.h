@@ -13,9 +13,11 @@ namespace orven {
 /// One thread at a time, but Sync may run beside anything else.
 class DiskFile {
  public:
-  /// Creates ".recording-<process>-<n>.wav.part" in `folder`, with the first n that is free. The name
-  /// marks sound that was not finished or not filed; a listing of "*.wav" passes it over.
-  static std::int32_t Create(const std::string& folder, std::shared_ptr<DiskFile>& file);
+  /// Creates ".recording-<name>-<process>-<n>.wav.part" in `folder`, with the first n that is free; without
+  /// a name, ".recording-<process>-<n>.wav.part". Such a name marks sound that was not finished or not
+  /// filed; a listing of "*.wav" passes it over.
+  static std::int32_t Create(const std::string& folder, const std::string& name,
+                             std::shared_ptr<DiskFile>& file);
 
   ~DiskFile();
   DiskFile(const DiskFile&) = delete;

@@ -25,11 +25,12 @@ std::int32_t FileWaveControl::QueryRecordFormat(std::int32_t device, std::int32_
 }
 
 std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat& format) {
+  const auto name = std::exchange(record_name_, {});
   if (recording_) return kWaveBusy;
   if (!IsRecordable(format)) return kWaveBadFormat;
   AudioDevice* const from = devices_.Find(device);
   if (from == nullptr) return kWaveNoDevice;
-  auto recording = std::make_unique<Recording>(RecordSettings(format), monitor_);
+  auto recording = std::make_unique<Recording>(RecordSettings(format, name), monitor_);
   if (const auto result = from->StartRecord(*recording); result != kWaveOk) return result;
   recording_ = std::move(recording);
   record_device_ = from;
@@ -45,8 +46,8 @@ std::int32_t FileWaveControl::StopRecordToFile(const std::string& path) {
   return last_saved_.result;
 }
 
-Recording::Settings FileWaveControl::RecordSettings(const WaveFormat& format) const {
-  Recording::Settings settings{format, record_to_disk_, {}};
+Recording::Settings FileWaveControl::RecordSettings(const WaveFormat& format, const std::string& name) const {
+  Recording::Settings settings{format, record_to_disk_, {}, name};
   for (const std::string& folder : {record_folder_, rescue_folder_})
     if (!folder.empty()) settings.folders.push_back(folder);
   return settings;

@@ -35,6 +35,7 @@ class FileWaveControl : public WaveControl {
   void SetEvents(WaveEvents* events) override { events_ = events; }
   void SetRecordToDisk(bool on) override { record_to_disk_ = on; }
   void SetRecordFolder(const std::string& folder) override { record_folder_ = folder; }
+  void SetRecordName(const std::string& name) override { record_name_ = name; }
   std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
 
   /// Whether the folders can be written to shows only when the recording is saved: until then, and
@@ -64,7 +65,7 @@ class FileWaveControl : public WaveControl {
   std::int32_t StartSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start);
   void ReleaseSource();
   void Finished(std::uint64_t play);
-  Recording::Settings RecordSettings(const WaveFormat& format) const;
+  Recording::Settings RecordSettings(const WaveFormat& format, const std::string& name) const;
 
   EventLoop& loop_;
   AudioDevices& devices_;
@@ -73,6 +74,7 @@ class FileWaveControl : public WaveControl {
 
   bool record_to_disk_ = false;
   std::string record_folder_;
+  std::string record_name_;  ///< of the next recording
   AudioDevice* record_device_ = nullptr;
   std::unique_ptr<Recording> recording_;
   Retired<Recording> old_recordings_;

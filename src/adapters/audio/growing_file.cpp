@@ -7,10 +7,10 @@
 
 namespace orven {
 
-std::int32_t WriteWhole(const std::string& folder, std::span<const std::byte> bytes,
+std::int32_t WriteWhole(const std::string& folder, const std::string& name, std::span<const std::byte> bytes,
                         std::shared_ptr<DiskFile>& file) {
   std::shared_ptr<DiskFile> fresh;
-  std::int32_t result = DiskFile::Create(folder, fresh);
+  std::int32_t result = DiskFile::Create(folder, name, fresh);
   if (result != kWaveOk) return result;
   result = fresh->WriteAt(0, bytes);
   if (result != kWaveOk) {
@@ -56,7 +56,7 @@ std::int32_t GrowingFile::MoveOn(const WaveImage& image) {
     std::error_code ignored;  // creating a file in it will tell
     if (&folder == &folders_.back()) std::filesystem::create_directories(folder, ignored);
     std::shared_ptr<DiskFile> fresh;
-    std::int32_t result = WriteWhole(folder, image.Bytes(), fresh);
+    std::int32_t result = WriteWhole(folder, name_, image.Bytes(), fresh);
     if (result == kWaveOk && file_) result = fresh->Sync();
     if (result == kWaveOk) {
       Discard();

@@ -17,8 +17,10 @@ namespace orven {
 /// file is a valid WAV file. One thread at a time.
 class GrowingFile {
  public:
-  /// `folders` in order of preference; the last one is created when it is missing. Creates no file yet.
-  explicit GrowingFile(std::vector<std::string> folders) : folders_(std::move(folders)) {}
+  /// `folders` in order of preference; the last one is created when it is missing. `name` becomes a part
+  /// of the file's name. Creates no file yet.
+  GrowingFile(std::vector<std::string> folders, std::string name)
+      : folders_(std::move(folders)), name_(std::move(name)) {}
 
   /// Brings the file up to `image`, creating it first when there is none or when somebody deleted it.
   /// When no folder takes all of it, returns the first failure; the file then holds an earlier state,
@@ -40,14 +42,16 @@ class GrowingFile {
   std::int32_t MoveOn(const WaveImage& image);
 
   std::vector<std::string> folders_;
+  std::string name_;
   std::shared_ptr<DiskFile> file_;
   std::string folder_;       ///< which of them holds file_
   std::size_t written_ = 0;  ///< bytes of the image that the file holds
   bool distrusted_ = false;
 };
 
-/// Writes `bytes` into a new file in `folder`, or leaves nothing there. Not synced yet.
-std::int32_t WriteWhole(const std::string& folder, std::span<const std::byte> bytes,
+/// Writes `bytes` into a new file in `folder` (DiskFile::Create with `name`), or leaves nothing there. Not
+/// synced yet.
+std::int32_t WriteWhole(const std::string& folder, const std::string& name, std::span<const std::byte> bytes,
                         std::shared_ptr<DiskFile>& file);
 
 }  // namespace orven

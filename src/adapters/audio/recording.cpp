@@ -52,7 +52,7 @@ Recording::Recording(Settings settings, LiveMonitor& monitor)
     : settings_(std::move(settings)),
       monitor_(monitor),
       image_(std::in_place, settings_.format),
-      growing_(settings_.folders) {
+      growing_(settings_.folders, settings_.name) {
   queue_.reserve(kQueueReserve);
   thread_ = std::thread([this] { Run(); });
 }
@@ -104,7 +104,7 @@ std::int32_t Recording::Store(const std::string& path) {
     return kWaveOk;
   }
   std::shared_ptr<DiskFile> fresh;
-  std::int32_t result = WriteWhole(FolderOf(path), image_->Bytes(), fresh);
+  std::int32_t result = WriteWhole(FolderOf(path), settings_.name, image_->Bytes(), fresh);
   if (result != kWaveOk) return result;
   result = fresh->Sync();  // before it replaces anything
   if (result == kWaveOk) result = fresh->RenameTo(path);
@@ -175,7 +175,8 @@ void Recording::Settle(Lock& lock) {
   }
   Sync(lock, stored_, true);
   if (!sync_failed_ || settings_.folders.empty()) return;
-  growing_ = GrowingFile({settings_.folders.back()});  // a second copy: the first may be sound all the same
+  growing_ = GrowingFile({settings_.folders.back()},
+                         settings_.name);  // a second copy: the first may be sound all the same
   Keep();
   Sync(lock, stored_, true);
 }

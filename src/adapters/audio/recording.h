@@ -30,6 +30,7 @@ class Recording : public AudioSink {
     WaveFormat format;
     bool to_disk = false;              ///< write while recording
     std::vector<std::string> folders;  ///< where it may grow, or be kept, in order of preference
+    std::string name;                  ///< a part of its file's name while it grows; may be empty
   };
 
   /// What became of a recording.

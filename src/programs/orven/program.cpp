@@ -11,12 +11,10 @@
 #include "core/registry_values.h"
 #include "programs/orven/telephone_lines.h"
 #include "records/call_fields.h"
+#include "records/call_recovery.h"
 
 namespace orven {
 namespace {
-
-/// Where a recording goes for which the messages folder has no place.
-constexpr const char* kRescueFolder = "\\Rescued";
 
 /// The speech engine's name among the installed classes, the program that drives it, and how that program
 /// learns where we wait for it.

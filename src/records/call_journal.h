@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/settings.h"
+#include "platform/files.h"
+#include "records/call.h"
+
+namespace orven {
+
+/// Remembers on disk the calls that are not filed yet, so that a crash loses none: `Call.journal` in the
+/// application folder. Each step of a call adds one line that tells all of the call; the last line of a call
+/// counts. The file goes when every call in it is done. It is handed to the system, not synced: it outlives
+/// the program's end, however sudden, and costs a call no wait for the disk. A step that cannot be written is
+/// logged, the first of several in a row. User-interface thread.
+class CallJournal {
+ public:
+  CallJournal(Files& files, SystemLog& log, const SharedOptions& shared)
+      : files_(files), log_(log), shared_(shared) {}
+
+  /// A call that shall not be lost from now on.
+  void Begin(Call& call);
+
+  /// Where the call stands now; nothing is written for a call that was not begun or is done.
+  void Note(const Call& call);
+
+  /// The call is filed, or is not to be filed.
+  void Done(const Call& call);
+
+  /// The calls of an earlier run that are not done, the oldest first; from now on they are this run's. A
+  /// journal with lines that make no sense is copied beside it before anything else, and the log says so.
+  std::vector<Call> Unfinished();
+
+ private:
+  std::string Path() const { return shared_.InApplicationFolder("\\Call.journal"); }
+  void Append(const std::string& line);
+  void Write(const std::string& line);
+  void KeepDamaged();
+
+  Files& files_;
+  SystemLog& log_;
+  const SharedOptions& shared_;
+  std::uint32_t last_ = 0;        ///< number of the newest entry
+  std::set<std::uint32_t> open_;  ///< entries that are not done
+  std::string last_line_;         ///< what was written last, so that nothing is written twice
+  bool torn_ = false;             ///< the file ends within a line
+  bool failing_ = false;          ///< the latest step could not be written
+};
+
+}  // namespace orven
