@@ -135,7 +135,20 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
   trap([&] { list_.Remove(index); });
   if (key.empty()) return;
   trap([&] { StopPlayerOn(key); });
-  trap([&] { DeleteMessage(key); });
+  trap([&] {
+    if (!AnotherCallHas(key)) return DeleteMessage(key);
+    ports_.system_log.WriteSystem("Another call has the message " + key + ", which is kept");
+  });
+}
+
+/// Calls of one second share one name, and so do those of an hour that a clock runs through twice.
+bool CallStore::AnotherCallHas(const std::string& message) const {
+  const auto has_it = [&](const Call& call) {
+    return !call.message_path.empty() && call.message_file_name == message;
+  };
+  if (std::ranges::any_of(waiting_, has_it)) return true;
+  if (ports_.DataBase1.CountRecords(kCallMassageName, message) == 0) return false;
+  return std::ranges::count(MessageNames(), message) > 0;
 }
 
 void CallStore::DeleteMessage(const std::string& name) {

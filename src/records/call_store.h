@@ -69,8 +69,8 @@ class CallStore {
   /// Marks the call behind a row read or unread, unless it is so already.
   void MarkAsReadUnRead(std::int32_t index, bool read);
 
-  /// Deletes the record behind a row and, when the row has a message, the message file (in the
-  /// background while there is a next folder). The caller rebuilds the list.
+  /// Deletes the record behind a row and, when the row has a message that no other record names, the message
+  /// file (in the background while there is a next folder). The caller rebuilds the list.
   void DeleteItemIndex(std::int32_t index);
 
   /// Deletes the record with this identity and all older ones, and rebuilds the list. Message files
@@ -105,6 +105,7 @@ class CallStore {
   void BringMessageAlong(Call& call);
   void AddRecord(Call& call);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
+  bool AnotherCallHas(const std::string& message) const;
   void DeleteMessage(const std::string& name);
   std::optional<std::string> AskForTarget(const std::string& path);
   void CopyInBackground(const std::vector<std::string>& places, const std::string& target);

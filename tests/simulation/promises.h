@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,15 @@ class Promises : public TelephonyEvents {
   /// Everything is over: looks at the line, the timers and the log.
   void CheckEnd();
 
+  /// A step of the script is about to be carried out.
+  void Before(const std::string& step);
+
+  /// From here on nothing fails: the next call must be filed with its message.
+  void ExpectWholeCall() { whole_ = true; }
+
   const std::vector<std::string>& Broken() const { return broken_; }
+  const std::vector<std::string>& Log() const { return log_; }
+  int Calls() const { return offered_; }
 
   void InCommingCall(std::int32_t line, const CallInformation& call) override;
   void Idle(std::int32_t line) override;
@@ -34,16 +43,30 @@ class Promises : public TelephonyEvents {
  private:
   void Expect(bool kept, const std::string& promise);
   void CheckQuiet();
-  void CheckFiling(std::size_t filed, bool message_only);
+  void CheckFiling(int filed, bool message_only, bool could_be);
+  void CheckRecord();
   void CheckMessage();
+  void CheckMessages();
+  void Hear(const std::string& path, std::string_view text);
   void CheckActions(std::size_t mails, std::size_t programs);
 
   World& world_;
   CallSequence& program_;
   int offered_ = 0, idle_ = 0;
   std::size_t mails_ = 0, programs_ = 0;  ///< that calls have asked for
-  std::size_t waiting_ = 0;  ///< calls that could not be filed yet
-  int written_before_ = 0;   ///< recordings that were files when the call came in
+  int filed_ = 0;                         ///< records that were added at the end of a call
+  int waiting_ = 0;                       ///< calls that could not be filed yet
+  int refused_ = 0;                       ///< records that could not be written
+  bool left_alone_ = false;               ///< the person at the desk has chosen "Do Nothing" for this call
+  bool turned_ = false;                   ///< the clock
+  bool lost_ = false;                     ///< records have been taken away
+  bool stale_ = false;                    ///< the list has not been made since then
+  int refused_at_exit_ = 0;
+  bool records_at_exit_ = false;  ///< they could be written
+  bool whole_ = false;
+  std::string date_, time_, name_, number_;  ///< the call's
+  std::vector<std::string> log_;
+  int written_before_ = 0;  ///< recordings that were files when the call came in
   std::vector<std::string> broken_;
 };
 

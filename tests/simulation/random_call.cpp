@@ -1,269 +1,157 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulation/random_call.h"
 
-#include <algorithm>
-#include <random>
-#include <sstream>
-
 #include "platform/runtime_error.h"
+#include "simulation/desk.h"
+#include "simulation/dice.h"
+#include "simulation/faults.h"
 
 namespace orven::test {
 namespace {
 
 using std::chrono::milliseconds;
 
-/// Draws that depend on nothing but the seed (the standard's distributions differ by library).
-class Dice {
- public:
-  explicit Dice(std::uint64_t seed) : engine_(seed) {}
-  int Below(int bound) { return static_cast<int>(engine_() % static_cast<std::uint64_t>(bound)); }
-  bool OneIn(int chances) { return Below(chances) == 0; }
-  template <class... Choice>
-  std::string OneOf(Choice... choices) {
-    const std::string all[] = {choices...};
-    return all[Below(static_cast<int>(sizeof...(choices)))];
+void Set(Story& story, const std::string& name, const std::string& value) {
+  story.Add(kBeforeStart, "set " + name + " = \"" + value + "\"",
+            [name, value](World& world) { world.registry.Set(name, value); });
+}
+
+void WriteSettings(Dice& dice, Story& story) {
+  Set(story, "NumOfRing", std::to_string(1 + dice.Below(4)));
+  Set(story, "RecordMessage", dice.OneIn(6) ? "0" : "1");
+  Set(story, "ListMessageOnly", dice.OneIn(4) ? "1" : "0");
+  Set(story, "cDropSilence", dice.OneIn(4) ? "0" : "1");
+  Set(story, "SecSilence", dice.OneOf("0", "1", "2", "5"));
+  Set(story, "MaxRec", dice.OneIn(8) ? "0" : "1");
+  Set(story, "CompressMessages", dice.OneIn(3) ? "1" : "0");
+  Set(story, "PreScreen", dice.OneIn(3) ? "1" : "0");
+  Set(story, "Pass", dice.OneOf("12", "", "4711", "0"));
+  Set(story, "AppTo", dice.OneOf("program <NAME> <MESSAGE_PATH>", "program", ""));
+  for (const char* choice :
+       {"ViewDetails", "WhenMsgViewMsg", "cAnimation", "cCloseCallerView", "cPlayInIdle",
+        "ActionsMailAllCalls", "ActionsAppAllCalls", "pMailTo", "WornDelete", "pAppTo"}) {
+    Set(story, choice, dice.OneOf("0", "1"));
   }
+}
 
- private:
-  std::mt19937_64 engine_;
-};
+/// What becomes of each mail: it is told in steps, during later calls among others.
+void WriteMailServer(Dice& dice, Story& story) {
+  const milliseconds after(dice.Below(12000));
+  const bool taken = !dice.OneIn(3);
+  story.Add(kBeforeStart,
+            std::string("the mail server ") + (taken ? "takes" : "refuses") + " a mail after " +
+                std::to_string(after.count()) + " ms",
+            [after, taken](World& world) {
+              world.Mail1.on_send = [&world, after, taken](const ScriptedMail::Mail& mail) {
+                const auto tell = [&world](const std::function<void(MailEvents&)>& what) {
+                  return [&world, what] {
+                    if (world.Mail1.events != nullptr) what(*world.Mail1.events);
+                  };
+                };
+                world.time.After(after / 2, tell([](MailEvents& events) { events.Progress(100, 50); }));
+                world.time.After(after, tell([taken, to = mail.recipient](MailEvents& events) {
+                                   taken ? events.Done(to) : events.Error(to, "refused");
+                                 }));
+              };
+            });
+}
 
-/// Writes the script of one world.
-class Author {
- public:
-  Author(Dice& dice, RandomCall& story) : dice_(dice), story_(story) {}
-
-  void Write() {
-    WriteSettings();
-    story_.older_messages = dice_.Below(4);
-    story_.greeting_missing = dice_.OneIn(10);
-    story_.beep_missing = dice_.OneIn(10);
-    milliseconds begin{0};
-    const int calls = 1 + dice_.Below(3);
-    for (int call = 0; call < calls; ++call) begin = WriteCall(begin) + milliseconds(dice_.Below(700));
-    story_.end = begin;
-    std::stable_sort(story_.happenings.begin(), story_.happenings.end(),
-                     [](const auto& a, const auto& b) { return a.at < b.at; });
+void WriteCircumstances(Dice& dice, Story& story) {
+  WriteSettings(dice, story);
+  WriteMailServer(dice, story);
+  if (dice.OneIn(5)) {
+    story.Add(kBeforeStart, "no program to start", [](World& world) {
+      world.shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound); };
+    });
   }
-
- private:
-  void WriteSettings() {
-    auto& settings = story_.settings;
-    settings["NumOfRing"] = std::to_string(1 + dice_.Below(4));
-    settings["RecordMessage"] = dice_.OneIn(6) ? "0" : "1";
-    settings["ListMessageOnly"] = dice_.OneIn(4) ? "1" : "0";
-    settings["cDropSilence"] = dice_.OneIn(4) ? "0" : "1";
-    settings["SecSilence"] = dice_.OneOf("0", "1", "2", "5");
-    settings["MaxRec"] = dice_.OneIn(8) ? "0" : "1";
-    settings["CompressMessages"] = dice_.OneIn(3) ? "1" : "0";
-    settings["PreScreen"] = dice_.OneIn(3) ? "1" : "0";
-    settings["Pass"] = dice_.OneOf("12", "", "4711", "0");
-    settings["ViewDetails"] = dice_.OneOf("0", "1");
-    settings["WhenMsgViewMsg"] = dice_.OneOf("0", "1");
-    settings["cAnimation"] = dice_.OneOf("0", "1");
-    settings["cCloseCallerView"] = dice_.OneOf("0", "1");
-    settings["cPlayInIdle"] = dice_.OneOf("0", "1");
-    settings["ActionsMailAllCalls"] = dice_.OneOf("0", "1");
-    settings["pMailTo"] = dice_.OneOf("0", "1");
-    settings["WornDelete"] = dice_.OneOf("0", "1");
-    settings["pAppTo"] = dice_.OneOf("0", "1");
+  if (dice.OneIn(2)) {
+    story.Add(kBeforeStart, "every question is answered with yes",
+              [](World& world) { world.dialogs.yes = true; });
   }
-
-  void Add(milliseconds at, std::string what, std::function<void(World&)> act) {
-    story_.happenings.push_back({at, std::move(what), std::move(act)});
+  if (dice.OneIn(10)) {
+    story.Add(kBeforeStart, "no greeting file",
+              [](World& world) { world.files.Delete(std::string(World::kHome) + "/Greets/Hello.wav"); });
   }
-
-  /// Any moment of the call, often one at which the machine is just doing something.
-  milliseconds Moment(milliseconds begin) {
-    if (dice_.OneIn(2)) return begin + milliseconds(dice_.Below(9000));
-    const int tenths = dice_.Below(90);
-    return begin + milliseconds(tenths * 100 + dice_.Below(3) - 1);
+  if (dice.OneIn(10)) {
+    story.Add(kBeforeStart, "no beep file",
+              [](World& world) { world.files.Delete(std::string(World::kHome) + "/beep.wav"); });
   }
-
-  /// One call; gives the moment by which it has been hung up.
-  milliseconds WriteCall(milliseconds begin) {
-    WriteBreakage(begin);
-    WriteSlowConnection(begin);
-    Add(begin, "offer", [](World& world) { world.line->Offer(); });
-    WriteRings(begin);
-    for (int ids = dice_.Below(3); ids > 0; --ids) {
-      Add(Moment(begin), "callerid", [](World& world) { world.line->CallerId("Anna", "555"); });
-    }
-    WriteDigits(begin);
-    WriteVoice(begin);
-    WriteDesk(begin);
-    WriteList(begin);
-    WriteTakes(begin);
-    auto end = Moment(begin);
-    if (dice_.OneIn(5)) end += milliseconds(70000);  // beyond the longest message
-    Add(end, "hangup", [](World& world) { world.line->HangUp(); });
-    return end;
-  }
-
-  void WriteRings(milliseconds begin) {
-    auto at = begin;
-    for (int ring = 1 + dice_.Below(6); ring > 0; --ring) {
-      Add(at, "ring", [](World& world) { world.line->Ring(); });
-      at += milliseconds(dice_.OneIn(3) ? 1 : dice_.Below(2000));  // double rings among them
+  const int older = dice.Below(4);
+  for (int number = 0; number < older; ++number) {
+    if (number % 2 == 0) {
+      const auto name = std::to_string(number) + ".wav";
+      story.Add(kBeforeStart, "an older message " + name,
+                [name](World& world) { world.AddMessage(name, 1500ms); });
+    } else {
+      story.Add(kBeforeStart, "an older call", [](World& world) { world.AddCallWithoutMessage(); });
     }
   }
+}
 
-  void WriteDigits(milliseconds begin) {
-    if (dice_.OneIn(2)) return;
-    const auto keys = dice_.OneOf("12*", "4711*", "*", "0*", "12*12*", "999", "1", "#*12*");
-    auto at = Moment(begin);
-    for (const char key : keys) {
-      Add(at, std::string("press ") + key, [key](World& world) { world.line->Press(key); });
-      at += milliseconds(dice_.Below(400));
-    }
+void WriteRings(Dice& dice, Story& story, milliseconds begin) {
+  auto at = begin;
+  for (int ring = 1 + dice.Below(6); ring > 0; --ring) {
+    story.Add(at, "ring", [](World& world) { world.line->Ring(); });
+    at += milliseconds(dice.OneIn(3) ? 1 : dice.Below(2000));  // double rings among them
   }
+}
 
-  void WriteVoice(milliseconds begin) {
-    for (int changes = dice_.Below(5); changes > 0; --changes) {
-      const int level = dice_.Below(2) * 500;
-      Add(Moment(begin), "level " + std::to_string(level), [level](World& world) { world.loud = level; });
-    }
+void WriteCallerIds(Dice& dice, Story& story, milliseconds begin) {
+  for (int ids = dice.Below(3); ids > 0; --ids) {
+    const auto name = dice.OneOf("Anna", "Ben", "");
+    story.Add(Moment(dice, begin), "callerid " + name,
+              [name](World& world) { world.line->CallerId(name, "555"); });
   }
+}
 
-  /// What the person at the desk does meanwhile.
-  void WriteDesk(milliseconds begin) {
-    if (dice_.OneIn(6))
-      Add(Moment(begin), "drop", [](World& world) { world.Machine().control.DropInComeCall(); });
-    if (dice_.OneIn(6)) {
-      Add(Moment(begin), "answer now",
-          [](World& world) { world.Machine().control.AnswerToCall(0, 0, true); });
-    }
-    if (dice_.OneIn(8)) {
-      const auto rings = std::to_string(1 + dice_.Below(4));
-      Add(Moment(begin), "rings " + rings,
-          [rings](World& world) { world.Machine().quick_options.SetRings(rings); });
-    }
-    if (dice_.OneIn(8)) {
-      const bool on = dice_.OneIn(2);
-      Add(Moment(begin), on ? "record on" : "record off",
-          [on](World& world) { world.Machine().quick_options.SetRecordMessage(on); });
-    }
-    if (dice_.OneIn(10)) {
-      Add(Moment(begin), "line off and on", [](World& world) {
-        if (world.ended) return;
-        world.window->TurnOff();
-        world.window->TurnOn();
-      });
-    }
-    if (dice_.OneIn(10)) {
-      Add(Moment(begin), "another call", [](World& world) { world.line->Offer(); });
-    }
-    if (dice_.OneIn(10)) {
-      Add(Moment(begin), "list cleared", [](World& world) {
-        world.database.Records().clear();
-        world.Machine().ListView1.makeList();
-      });
-    }
+void WriteDigits(Dice& dice, Story& story, milliseconds begin) {
+  if (dice.OneIn(2)) return;
+  const auto keys = dice.OneOf("12*", "4711*", "*", "0*", "12*12*", "999", "1", "#*12*");
+  auto at = Moment(dice, begin);
+  for (const char key : keys) {
+    story.Add(at, std::string("press ") + key, [key](World& world) { world.line->Press(key); });
+    at += milliseconds(dice.Below(400));
   }
+}
 
-  /// What the person does with the list and the window meanwhile.
-  void WriteList(milliseconds begin) {
-    for (int acts = dice_.OneIn(2) ? dice_.Below(8) : 0; acts > 0; --acts) {
-      const auto what = dice_.OneOf("click", "select", "play", "stop", "next", "back", "first", "last",
-                                    "delete", "mark read", "mark unread", "hide", "open", "tray",
-                                    "view: answer", "view: drop", "view: ignore", "view: close");
-      const int row = 1 + dice_.Below(5);
-      Add(Moment(begin), what + " " + std::to_string(row),
-          [what, row](World& world) { UseList(world, what, row); });
-    }
+void WriteVoice(Dice& dice, Story& story, milliseconds begin) {
+  for (int changes = dice.Below(5); changes > 0; --changes) {
+    const int level = dice.Below(2) * 500;
+    story.Add(Moment(dice, begin), "level " + std::to_string(level),
+              [level](World& world) { world.loud = level; });
   }
+}
 
-  /// Takes from the microphone, on the recorder that the calls need.
-  void WriteTakes(milliseconds begin) {
-    for (int takes = dice_.OneIn(4) ? 1 + dice_.Below(3) : 0; takes > 0; --takes) {
-      Add(Moment(begin), "take begins", [](World& world) {
-        auto& microphone = world.Machine().microphone;
-        if (!world.ended && !microphone.Busy()) microphone.Start(0);
-      });
-      Add(Moment(begin), "take ends", [](World& world) {
-        auto& microphone = world.Machine().microphone;
-        if (microphone.Recording()) microphone.Stop();
-      });
-    }
+/// One call; gives the moment by which it has been hung up.
+milliseconds WriteCall(Dice& dice, Story& story, milliseconds begin) {
+  WriteFaults(dice, story, begin);
+  story.Add(begin, "offer", [](World& world) { world.line->Offer(); });
+  WriteRings(dice, story, begin);
+  WriteCallerIds(dice, story, begin);
+  WriteDigits(dice, story, begin);
+  WriteVoice(dice, story, begin);
+  WriteDesk(dice, story, begin);
+  if (dice.OneIn(10)) {
+    story.Add(Moment(dice, begin), "another call", [](World& world) { world.line->Offer(); });
   }
-
-  static void UseList(World& world, const std::string& what, int row) {
-    if (world.ended) return;
-    auto& machine = world.Machine();
-    auto& commands = machine.list_commands;
-    if (what == "click" || what == "select") {
-      if (row > machine.ListView1.Count()) return;
-      world.views.selection = row;  // what a person does in the list shows there first
-      what == "click" ? commands.ListView1_Click(row) : commands.ListView1_Selected(row);
-    }
-    if (what == "play") machine.player.Play();
-    if (what == "stop") machine.player.PressStop();
-    if (what == "next") commands.Next();
-    if (what == "back") commands.Back();
-    if (what == "first") commands.First();
-    if (what == "last") commands.Last();
-    if (what == "delete") commands.Delete();
-    if (what == "mark read") commands.MarkAsRead();
-    if (what == "mark unread") commands.MarkAsUnread();
-    auto& view = machine.caller_view;
-    if (what == "view: answer" && view.IsOpen()) view.AnswerNow();
-    if (what == "view: drop" && view.IsOpen()) view.Drop();
-    if (what == "view: ignore" && view.IsOpen()) view.DoNothing();
-    if (what == "view: close" && view.IsOpen()) view.Close();
-    if (what == "hide") world.window->Hide();
-    if (what == "open") world.window->Open();
-    if (what == "tray") world.window->TrayMouseMove(514 * 15, 15);
-  }
-
-  void WriteBreakage(milliseconds begin) {
-    if (dice_.OneIn(8)) Add(begin, "answer fails", [](World& world) { world.line->FailAnswers(1); });
-    if (dice_.OneIn(10)) Break(begin, "play fails", &TimedWave::play_result);
-    if (dice_.OneIn(10)) Break(begin, "start of recording fails", &TimedWave::start_result);
-    if (dice_.OneIn(12)) Break(begin, "record format missing", &TimedWave::query_result);
-    if (dice_.OneIn(10)) Break(begin, "message cannot be written", &TimedWave::stop_result);
-    if (dice_.OneIn(10)) Break(begin, "no sound card", &TimedWave::monitor_result);
-    if (dice_.OneIn(12)) {
-      Add(Moment(begin), "records cannot be written", [](World& world) { world.database_full = true; });
-      Add(Moment(begin), "records can be written", [](World& world) { world.database_full = false; });
-    }
-    if (dice_.OneIn(20)) Add(Moment(begin), "exit", [](World& world) { world.window->Exit(); });
-    const auto delay = milliseconds(dice_.OneIn(3) ? dice_.Below(1500) : 20);
-    Add(begin, "answers after " + std::to_string(delay.count()) + " ms",
-        [delay](World& world) { world.line->SetAnswerDelay(delay); });
-  }
-
-  void WriteSlowConnection(milliseconds begin) {
-    const auto delay = milliseconds(dice_.OneIn(4) ? dice_.Below(2000) : 0);
-    Add(begin, "connects after " + std::to_string(delay.count()) + " ms",
-        [delay](World& world) { world.line->SetConnectDelay(delay); });
-  }
-
-  void Break(milliseconds begin, const std::string& what, std::int32_t TimedWave::*result) {
-    const auto at = dice_.OneIn(2) ? begin : Moment(begin);
-    Add(at, what, [result](World& world) { world.Wave1.*result = kWaveNoDevice; });
-    Add(at + milliseconds(dice_.Below(9000)), what + " no more",
-        [result](World& world) { world.Wave1.*result = kWaveOk; });
-  }
-
-  Dice& dice_;
-  RandomCall& story_;
-};
+  auto end = Moment(dice, begin);
+  if (dice.OneIn(5)) end += milliseconds(70000);  // beyond the longest message
+  story.Add(end, "hangup", [](World& world) { world.line->HangUp(); });
+  return end;
+}
 
 }  // namespace
 
-RandomCall::RandomCall(std::uint64_t seed) {
+Story RandomStory(std::uint64_t seed) {
   Dice dice(seed);
-  Author(dice, *this).Write();
-}
-
-std::string RandomCall::Script() const {
-  std::ostringstream text;
-  for (const auto& [name, value] : settings) text << "  set " << name << " = \"" << value << "\"\n";
-  text << "  " << older_messages << " older calls" << (greeting_missing ? ", no greeting file" : "")
-       << (beep_missing ? ", no beep file" : "") << '\n';
-  for (const auto& happening : happenings)
-    text << "  " << happening.at.count() << " ms: " << happening.what << '\n';
-  return text.str();
+  Story story;
+  WriteCircumstances(dice, story);
+  const int calls = 1 + dice.Below(3);
+  for (int call = 0; call < calls; ++call) {
+    story.end = WriteCall(dice, story, story.end) + milliseconds(dice.Below(700));
+  }
+  story.Close();
+  return story;
 }
 
 }  // namespace orven::test

@@ -38,6 +38,7 @@ void MemoryFiles::Append(const std::string& path, std::string_view text) {
   auto& file = files_[path];
   file.content += text;
   file.modified = clock_.Now();
+  on_append(path, text);
 }
 
 std::vector<std::string> MemoryFiles::List(const std::string& folder, std::string_view pattern) const {

@@ -23,6 +23,9 @@ class MemoryFiles : public Files {
 
   /// Called before each operation that changes something; throws what the operation shall throw.
   std::function<void(const std::string& path)> before_write = [](const std::string&) {};
+  /// Hears of every text that was appended.
+  std::function<void(const std::string& path, std::string_view text)> on_append = [](const std::string&,
+                                                                                     std::string_view) {};
   std::set<std::string> missing_folders;
 
   void Put(const std::string& path, std::string content) {

@@ -215,7 +215,9 @@ class ScriptedShell : public Shell {
   /// Commands with their window styles.
   std::vector<std::pair<std::string, std::int32_t>> started;
   std::function<void()> before_start = [] {};
+  std::size_t attempts = 0;  ///< to start one
   void Run(const std::string& command, std::int32_t window_style) override {
+    ++attempts;
     before_start();
     started.emplace_back(command, window_style);
   }

@@ -79,6 +79,17 @@ TEST_F(CallStoreTest, DeletingTakesTheMessageFileAlong) {
   EXPECT_THAT(world.SystemLog(), Contains("ErrDeleteItemIndex 53 File not found"));
 }
 
+TEST_F(CallStoreTest, AMessageThatAnotherCallHasIsKept) {
+  world.AddMessage("new.wav", 1s);  // in the same second
+  world.Machine().ListView1.makeList();
+  Store().DeleteItemIndex(1);
+  EXPECT_TRUE(world.files.Exists(world.messages + "new.wav"));
+  EXPECT_TRUE(world.Logged("Another call has the message new.wav, which is kept"));
+  world.Machine().ListView1.makeList();
+  Store().DeleteItemIndex(1);
+  EXPECT_FALSE(world.files.Exists(world.messages + "new.wav")) << "nobody else has it now";
+}
+
 TEST_F(CallStoreTest, ARecordThatCannotBeDeletedKeepsItsMessage) {
   world.database.before_write = [] { throw RuntimeError(ErrorNumber::DiskFull); };
   Store().DeleteItemIndex(1);
