@@ -60,7 +60,8 @@ void CallRecovery::Recover(Call& call) {
     return;
   }
   FindMessage(call);
-  parts_.log.WriteSystem("Recovered call " + Description(call));
+  parts_.log.WriteSystem((parts_.is_listed(call) ? "Recovered call " : "Interrupted call, not listed: ") +
+                         Description(call));
   parts_.file(call);
 }
 

@@ -36,6 +36,8 @@ class CallRecovery {
     SystemLog& log;
     CallJournal& journal;
     const SharedOptions& shared;
+    /// Whether the call is to have a record.
+    std::function<bool(const Call& call)> is_listed;
     /// Files a call as calls are filed that end by themselves, and tells the journal.
     std::function<void(Call& call)> file;
   };

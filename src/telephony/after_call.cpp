@@ -36,7 +36,7 @@ void AfterCall::Finish(Call& call) {
 }
 
 void AfterCall::File(Call& call) {
-  if (settings_.ListMessageOnly != 0 && !call.message_left) return store_.LeaveOut(call);
+  if (!IsListed(call)) return store_.LeaveOut(call);
   store_.PutCallDetailsInDB(call);
   list_.makeList();
 }

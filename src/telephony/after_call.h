@@ -36,7 +36,10 @@ class AfterCall {
   /// A call is over and was not the owner's: tray, record, sound, caller view, actions.
   void Finish(Call& call);
 
-  /// The part of it that makes the record, where the settings want one.
+  /// Whether the settings want a record of the call.
+  bool IsListed(const Call& call) const { return settings_.ListMessageOnly == 0 || call.message_left; }
+
+  /// The part of Finish that makes the record, where one is wanted.
   void File(Call& call);
 
  private:
