@@ -148,7 +148,8 @@ std::int32_t Recorder::Store(std::string& path) {
   context_.journal.Note(context_.call);
   const auto result = context_.Wave1.StopRecordToFile(path);
   // The older message gets its name back when nothing has taken it.
-  if (result != kWaveOk && !kept.empty()) ports_.files.Rename(kept, path);
+  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
+  if (result != kWaveOk && !kept.empty()) trap([&] { ports_.files.Rename(kept, path); });
   return result;
 }
 

@@ -56,6 +56,10 @@ void WriteCalls(Dice& dice, Story& story, milliseconds begin) {
   }
   if (dice.OneIn(20)) {
     story.Add(Moment(dice, begin), "exit", [](World& world) { world.window->Exit(); });
+    if (dice.OneIn(2))
+      story.Add(Moment(dice, begin), "started again", [](World& world) {
+        if (world.ended) StartAgain(world);
+      });
   }
 }
 
@@ -109,6 +113,14 @@ milliseconds Moment(Dice& dice, milliseconds begin) {
   if (dice.OneIn(2)) return begin + milliseconds(dice.Below(9000));
   const int tenths = dice.Below(90);
   return begin + std::max(milliseconds(0), milliseconds(tenths * 100 + dice.Below(3) - 1));
+}
+
+void StartAgain(World& world) {
+  world.Crash();
+  world.ended = false;
+  world.views.caller_view.Unload();
+  world.views.selection = 0;
+  world.Start();
 }
 
 void WriteDesk(Dice& dice, Story& story, milliseconds begin) {

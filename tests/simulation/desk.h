@@ -15,4 +15,7 @@ std::chrono::milliseconds Moment(Dice& dice, std::chrono::milliseconds begin);
 /// the window and its tray icon, the caller view, takes from the microphone.
 void WriteDesk(Dice& dice, Story& story, std::chrono::milliseconds begin);
 
+/// The program has ended, one way or the other, and is started again: a window of its own, the disk as it is.
+void StartAgain(World& world);
+
 }  // namespace orven::test

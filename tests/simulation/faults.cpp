@@ -115,6 +115,13 @@ void WriteClock(Dice& dice, Story& story, milliseconds begin) {
   });
 }
 
+void WriteKill(Dice& dice, Story& story, milliseconds begin) {
+  if (!dice.OneIn(12)) return;
+  story.Add(Moment(dice, begin), "killed, and started again", [](World& world) {
+    if (!world.ended) StartAgain(world);
+  });
+}
+
 }  // namespace
 
 void WriteFaults(Dice& dice, Story& story, milliseconds begin) {
@@ -123,6 +130,7 @@ void WriteFaults(Dice& dice, Story& story, milliseconds begin) {
   WriteDisk(dice, story, begin);
   WriteRecords(dice, story, begin);
   WriteClock(dice, story, begin);
+  WriteKill(dice, story, begin);
 }
 
 void MendEverything(World& world) {

@@ -57,6 +57,7 @@ Outcome Play(const Story& story) {
     world.RunFor(begin + step->at - world.time.Uptime());
     promises.Before(step->what);
     step->act(world);
+    promises.After(step->what);
     if (!world.ended) promises.CheckWindow();
   }
   world.RunFor(begin + story.end - world.time.Uptime());

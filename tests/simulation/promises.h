@@ -24,6 +24,9 @@ class Promises : public TelephonyEvents {
   /// A step of the script is about to be carried out.
   void Before(const std::string& step);
 
+  /// A step of the script was carried out.
+  void After(const std::string& step);
+
   /// From here on nothing fails: the next call must be filed with its message.
   void ExpectWholeCall() { whole_ = true; }
 
@@ -43,6 +46,8 @@ class Promises : public TelephonyEvents {
  private:
   void Expect(bool kept, const std::string& promise);
   void CheckQuiet();
+  void CheckStart();
+  void CountFiled();
   void CheckFiling(int filed, bool message_only, bool could_be);
   void CheckRecord();
   void CheckMessage();
@@ -51,7 +56,7 @@ class Promises : public TelephonyEvents {
   void CheckActions(std::size_t mails, std::size_t programs);
 
   World& world_;
-  CallSequence& program_;
+  CallSequence* program_;
   int offered_ = 0, idle_ = 0;
   std::size_t mails_ = 0, programs_ = 0;  ///< that calls have asked for
   int filed_ = 0;                         ///< records that were added at the end of a call
@@ -64,6 +69,14 @@ class Promises : public TelephonyEvents {
   int refused_at_exit_ = 0;
   bool records_at_exit_ = false;  ///< they could be written
   bool whole_ = false;
+  /// Before a start: what the next one has to file.
+  struct Interrupted {
+    bool call = false;
+    int least = 0, most = 0;
+    bool happens = false;
+  };
+  Interrupted interrupted_;
+  bool unsure_ = false;                      ///< the program has ended while the disk or the records failed
   std::string date_, time_, name_, number_;  ///< the call's
   std::vector<std::string> log_;
   int written_before_ = 0;  ///< recordings that were files when the call came in

@@ -170,6 +170,19 @@ TEST_F(SameSecond, AFailedWriteLeavesTheOlderMessageToItsCall) {
   EXPECT_EQ(world.database.Field(0, kType), "-1") << "the older message is not this call's";
 }
 
+TEST_F(SameSecond, ADiskThatFailsBetweenTheTwoHidesNeitherTheCauseNorTheOlderMessage) {
+  world.files.before_write = [&](const std::string& written) {
+    if (written == path) throw RuntimeError(ErrorNumber::DiskFull);
+  };
+  LeaveAMessage();
+  EXPECT_TRUE(world.Logged("Record Message wave error 9"));
+  EXPECT_TRUE(world.Logged("ErrStopRecMessage 61 Disk full"));
+  EXPECT_EQ(world.files.Content(world.messages + "12-31-2003_14-05-07.kept_12-31-2003_14-05-11.wav"),
+            TimedWave::Sound(7s));
+  ASSERT_EQ(world.Wave1.unsaved.size(), 1U);
+  EXPECT_EQ(world.files.Content(world.Wave1.unsaved.front()), TimedWave::Sound(1s));
+}
+
 TEST_F(SameSecond, AnOlderFileThatCannotBeRenamedIsNotReplaced) {
   bool first = true;
   world.files.before_write = [&](const std::string& written) {
