@@ -18,8 +18,8 @@ struct CallTrail {
   std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
   std::string growing_folder;  ///< where its recording was begun; empty: it was not
   std::string storing_path;    ///< where its recording was about to be put, a path that was free then
-  /// Identity of the newest record before this call was about to be filed (0: no record); nothing: it was
-  /// certainly not filed.
+  /// Identity of the newest record before this call was offered, then before it was about to be filed (0: no
+  /// record); nothing while that is not known.
   std::optional<std::int64_t> filed_after;
 };
 

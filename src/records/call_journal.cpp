@@ -112,6 +112,7 @@ bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls) {
 
 void CallJournal::Begin(Call& call) {
   call.trail.entry = ++last_;
+  call.trail.filed_after = newest_record_;
   open_.insert(call.trail.entry);
   Note(call);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -22,6 +23,9 @@ class CallJournal {
  public:
   CallJournal(Files& files, SystemLog& log, const SharedOptions& shared)
       : files_(files), log_(log), shared_(shared) {}
+
+  /// Identity of the newest record (0: there is none): calls that begin from now on come after it.
+  void SetNewestRecord(std::int64_t identity) { newest_record_ = identity; }
 
   /// A call that shall not be lost from now on.
   void Begin(Call& call);
@@ -47,9 +51,10 @@ class CallJournal {
   const SharedOptions& shared_;
   std::uint32_t last_ = 0;        ///< number of the newest entry
   std::set<std::uint32_t> open_;  ///< entries that are not done
-  std::string last_line_;         ///< what was written last, so that nothing is written twice
-  bool torn_ = false;             ///< the file ends within a line
-  bool failing_ = false;          ///< the latest step could not be written
+  std::optional<std::int64_t> newest_record_;
+  std::string last_line_;  ///< what was written last, so that nothing is written twice
+  bool torn_ = false;      ///< the file ends within a line
+  bool failing_ = false;   ///< the latest step could not be written
 };
 
 }  // namespace orven

@@ -50,8 +50,14 @@ void CallRecovery::Run() {
   const ErrorTrap trap(parts_.log, "ErrRecoverCall ");
   std::vector<Call> calls;
   trap([&] { calls = parts_.journal.Unfinished(); });
+  ErrorTrap::Silent()([&] { TellNewestRecord(); });  // records that are not open have been reported
   for (auto& call : calls) trap([&] { Recover(call); });
   trap([&] { RecoverStrays(); });
+}
+
+void CallRecovery::TellNewestRecord() {
+  const auto count = parts_.DataBase1.RecordCount();
+  parts_.journal.SetNewestRecord(count == 0 ? 0 : parts_.DataBase1.Identity(count));
 }
 
 void CallRecovery::Recover(Call& call) {
@@ -66,7 +72,8 @@ void CallRecovery::Recover(Call& call) {
 }
 
 /// Whether the records got the call before the program ended: then it is among those that came after the one
-/// which was the newest before.
+/// which was the newest before. A loss of power may bring back a journal that was deleted or has lost its
+/// last lines, which is why this is asked of every call.
 bool CallRecovery::IsFiled(const Call& call) const {
   if (!call.trail.filed_after) return false;
   auto& database = parts_.DataBase1;

@@ -47,6 +47,7 @@ class CallRecovery {
   void Run();
 
  private:
+  void TellNewestRecord();
   void Recover(Call& call);
   bool IsFiled(const Call& call) const;
   void FindMessage(Call& call);

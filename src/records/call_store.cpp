@@ -71,6 +71,8 @@ void CallStore::AddRecord(Call& call) {
   database.SetField(kType, call.type_text);
   database.SetField(kRead, 0);
   database.Update();
+  // The call is filed, whatever comes now.
+  ErrorTrap::Silent()([&] { ports_.journal.SetNewestRecord(database.Identity(database.RecordCount())); });
 }
 
 std::string CallStore::TypeText(const Call& call) const {

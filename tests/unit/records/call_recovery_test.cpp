@@ -90,11 +90,15 @@ TEST_F(Recovery, TheRecordedPartBecomesTheMessageWithoutAnySoundOrAction) {
 
 TEST_F(Recovery, WhatEndsByItselfIsNotFiledAgain) {
   CallAndRecord(2s);
+  const auto early_journal = files.Content(kJournal);
   HangUp();
   EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
   EXPECT_FALSE(files.Exists(kJournal));
-  StartAgain();
+  Crash();
+  files.Put(kJournal, early_journal);  // as a loss of power may leave it
+  Start();
   EXPECT_EQ(1U, Filed().size());
+  EXPECT_FALSE(files.Exists(kJournal));
 }
 
 TEST_F(Recovery, TheOwnersCallAndACallWithoutAMessageThatIsNotListedAreLeftOut) {
