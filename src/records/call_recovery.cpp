@@ -69,12 +69,14 @@ void CallRecovery::Recover(Call& call) {
   parts_.log.WriteSystem((parts_.is_listed(call) ? "Recovered call " : "Interrupted call, not listed: ") +
                          Description(call));
   parts_.file(call);
+  if (const auto count = parts_.DataBase1.RecordCount(); count > 0)
+    taken_.insert(parts_.DataBase1.Identity(count));
 }
 
 /// Whether the records got the call before the program ended: then it is among those that came after the one
 /// which was the newest before. A loss of power may bring back a journal that was deleted or has lost its
 /// last lines, which is why this is asked of every call.
-bool CallRecovery::IsFiled(const Call& call) const {
+bool CallRecovery::IsFiled(const Call& call) {
   if (!call.trail.filed_after) return false;
   auto& database = parts_.DataBase1;
   for (auto number = database.RecordCount(); number > 0; --number) {
@@ -83,7 +85,8 @@ bool CallRecovery::IsFiled(const Call& call) const {
     const auto same = [&](const auto& field) {
       return record.at(static_cast<std::size_t>(database.FieldIndex(field.first))) == call.*field.second;
     };
-    if (std::ranges::all_of(kTelling, same)) return true;
+    // Calls of one second may be alike; each has a record of its own.
+    if (std::ranges::all_of(kTelling, same) && taken_.insert(database.Identity(number)).second) return true;
   }
   return false;
 }

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -49,7 +50,7 @@ class CallRecovery {
  private:
   void TellNewestRecord();
   void Recover(Call& call);
-  bool IsFiled(const Call& call) const;
+  bool IsFiled(const Call& call);
   void FindMessage(Call& call);
   void TakeStored(Call& call, const std::string& path);
   bool TakeGrown(Call& call, const std::string& grown);
@@ -64,6 +65,7 @@ class CallRecovery {
   std::string Description(const Call& call) const;
 
   Parts parts_;
+  std::set<std::int64_t> taken_;  ///< records that are not the call that is looked for, but another
 };
 
 }  // namespace orven
