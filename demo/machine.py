@@ -13,9 +13,9 @@ import processes
 class Machine:
     """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1 or at the
     modem_telephone.Modem `modem`, on the Display `display` or on none. Use it in a with statement. Every new
-    log line is given to `show` as it appears."""
+    log line is given to `show` as it appears. The program gets `arguments` at each start."""
 
-    def __init__(self, program, folder, show, display=None, modem=None):
+    def __init__(self, program, folder, show, display=None, modem=None, arguments=(), ring_seconds=2):
         self.home = os.path.join(folder, "home")
         self.port, self.modem = processes.free_port(), modem
         self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{self.port}"
@@ -24,13 +24,13 @@ class Machine:
         self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
         os.makedirs(self.home)
         with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
-            file.write(f"[Demo]\n{line}\n" + ("" if modem else "ring_seconds = 2\n"))
+            file.write(f"[Demo]\n{line}\n" + ("" if modem else f"ring_seconds = {ring_seconds}\n"))
         windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
         self._environment = display.environment() if display else windowless
         self._environment["ORVEN_HOME"] = self.home
         # The first start enters the program among those that start with the desktop; not with the user's.
         self._environment["XDG_CONFIG_HOME"] = os.path.join(folder, "config")
-        self._command, self._folder = [os.path.abspath(program)], folder
+        self._command, self._folder = [os.path.abspath(program), *arguments], folder
         self._start()
 
     def _start(self):

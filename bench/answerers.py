@@ -1,0 +1,131 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Who answers the calls of the benchmark: the program, and beside it baresip, which answers by itself."""
+
+import os
+import time
+
+import machine
+import processes
+import sip_telephone
+import sound
+
+START_LIMIT = 20.0  # seconds
+PEER_NUMBER = "100"
+PEER_CONFIGURATION = """\
+sip_listen 127.0.0.1:{port}
+net_interface 127.0.0.1
+audio_player aufile,{folder}/player.wav
+audio_source aufile,{folder}/greeting.wav
+ausrc_srate 8000
+auplay_srate 8000
+module_path /usr/lib/baresip/modules
+module g711.so
+module aufile.so
+{recorder}
+module_tmp account.so
+module_app menu.so
+snd_path {folder}
+call_max_calls 1
+"""
+PEER_ACCOUNT = "<sip:{number}@127.0.0.1:{port}>;regint=0;audio_codecs=PCMU/8000/1;answermode=auto\n"
+
+
+class Process:
+    """What the system tells of a process."""
+
+    def __init__(self, number):
+        self.number = number
+
+    def cpu_seconds(self):
+        """Of all threads, those that have ended, too: the clock of clock_getcpuclockid(3)."""
+        return time.clock_gettime(~self.number << 3 | 2)
+
+    def megabytes(self, *names):
+        """These lines of /proc/PID/smaps_rollup, for example "Rss"."""
+        with open(f"/proc/{self.number}/smaps_rollup", encoding="ascii") as rollup:
+            sizes = dict(line.split()[:2] for line in rollup if line.rstrip().endswith("kB"))
+        return [int(sizes[name + ":"]) / 1024 for name in names]
+
+
+class Orven:
+    """The program, hidden, with the given greeting and settings; it answers at the first ring."""
+
+    name, user = "ORVEN", "machine"
+
+    def __init__(self, program, folder, greeting, settings=None, display=None):
+        self.machine = machine.Machine(
+            program, folder, lambda *_: None, display=display, arguments=["-st"], ring_seconds=1
+        )
+        try:
+            self.port = self.machine.port
+            self.machine.wait_for_line("LineOpen[", START_LIMIT)
+            sound.write(os.path.join(self.machine.home, "Greets", "Bench.wav"), greeting)
+            self.restart_with({"NumOfRing": "1", "Greeting": "Bench", **(settings or {})})
+        except BaseException:
+            self.machine.__exit__()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.machine.__exit__()
+
+    def restart_with(self, settings):
+        self.machine.restart_with(settings)
+        self.process = Process(self.machine.process.pid)
+
+    def timed_start(self):
+        """Ends the program and starts it again; the seconds until it answered a request."""
+        self.machine.exit()
+        seconds = first_answer(self.port, self.machine._start)
+        self.process = Process(self.machine.process.pid)
+        return seconds
+
+
+class Peer:
+    """baresip, which plays the greeting to whoever calls, and records what it hears if it is to."""
+
+    name, user = "baresip", PEER_NUMBER
+
+    def __init__(self, folder, greeting, records=False):
+        os.makedirs(folder)
+        self._folder, self.port = folder, processes.free_port(2)  # the next one is its for TLS
+        facts = {"folder": folder, "port": self.port, "number": PEER_NUMBER}
+        recorder = "module sndfile.so" if records else ""
+        for name, text in (("config", PEER_CONFIGURATION), ("accounts", PEER_ACCOUNT), ("contacts", "")):
+            with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+                file.write(text.format(recorder=recorder, **facts))
+        sound.write(os.path.join(folder, "greeting.wav"), greeting)
+        self._child = None
+        self.timed_start()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        processes.stop(self._child, 3)
+
+    def timed_start(self):
+        """Starts it, anew if it runs; the seconds until it answered a request."""
+        if self._child is not None:
+            processes.stop(self._child, 3)
+        return first_answer(self.port, self._start)
+
+    def _start(self):
+        self._child = processes.start(["baresip", "-f", self._folder], self._folder + "/output", cwd=self._folder)
+        self.process = Process(self._child.pid)
+
+
+def first_answer(port, start):
+    """Calls `start` and asks the telephone at `port` every millisecond; the seconds until its first answer."""
+    with sip_telephone.Call(port) as telephone:
+        began = sip_telephone.now()
+        start()
+        while True:
+            telephone.options()
+            data, arrived = sip_telephone.receive(telephone.sip, 0.001)
+            if data is not None:
+                return arrived - began
+            if sip_telephone.now() - began > START_LIMIT:
+                raise processes.Failed(f"Nothing at port {port} answers within {START_LIMIT:g} seconds")

@@ -1,0 +1,305 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""How fast, how evenly and how exactly the program answers SIP calls, and what it takes of the machine.
+
+    telephone_bench.py PROGRAM
+
+A telephone of ours calls the program and, in turn, baresip, which answers by itself; the times are the kernel's.
+"""
+
+import array
+import contextlib
+import os
+import random
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+import wave
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "demo"))
+
+import answerers  # noqa: E402
+import display  # noqa: E402
+import modem_bench  # noqa: E402
+import processes  # noqa: E402
+import sip_telephone  # noqa: E402
+import sound  # noqa: E402
+
+CALLS = 200  # of each kind, to each answerer
+SECOND_RINGS = 20
+LONG_CALLS, LONG_SECONDS = 4, 16.0
+RECORDED_SECONDS = 60
+STARTS = 9
+FEW_CALLS, MANY_CALLS = 100, 1000
+TRANSACTION_SECONDS = 35  # what is kept of a call in case its last answer was lost: 32 s, RFC 3261 section 17.2.2
+BETWEEN_CALLS = 0.05
+BUSY_PROCESSES = 2
+
+
+class Table:
+    """Rows of what was measured, ours and the peer's, and what is aimed at."""
+
+    def __init__(self):
+        self.failures = []
+        self.row("", "ORVEN", "baresip", "aim")
+
+    def row(self, what, ours="", peers="", aim=""):
+        print(f"{what:52} {ours:36} {peers:36} {aim}".rstrip(), flush=True)
+
+    @contextlib.contextmanager
+    def failing(self, what):
+        """Tells of whatever fails, and goes on."""
+        try:
+            yield
+        except (sip_telephone.NoCall, processes.Failed, OSError) as failure:
+            self.failures.append(f"{what}: {failure}")
+            print(f"FAILED: {self.failures[-1]}", flush=True)
+
+
+def milliseconds(values):
+    """Median, 99th percentile and worst of seconds."""
+    if not values:
+        return "none"
+    ordered = sorted(values)
+    p99 = ordered[min(len(ordered) - 1, int(len(ordered) * 0.99))]
+    return f"p50 {ordered[len(ordered) // 2] * 1e3:.2f}  p99 {p99 * 1e3:.2f}  worst {ordered[-1] * 1e3:.2f} ms"
+
+
+def first_sound(call):
+    """When the first packet came that is not silence."""
+    end = time.monotonic() + sip_telephone.LIMIT
+    while time.monotonic() < end:
+        payload, arrived = call.heard(1)
+        if payload and payload != sip_telephone.SILENCE:
+            return arrived
+    raise sip_telephone.NoCall("The greeting was not heard")
+
+
+def report_answers(table, answering):
+    """Calls in turn: how fast they are answered, and how soon the greeting is heard."""
+    answered = {who.name: [] for who in answering}
+    greeted = {(who.name, talks): [] for who in answering for talks in (True, False)}
+    early = dict.fromkeys(greeted, 0)
+    for number in range(2 * CALLS):
+        talks = number % 2 == 0
+        for who in answering:
+            with table.failing(f"call {number + 1} to {who.name}"):
+                with sip_telephone.Call(who.port, who.user) as call:
+                    call.invite()
+                    call.acknowledge()
+                    if talks:
+                        call.talk()
+                    heard = first_sound(call)
+                answered[who.name].append(call.answered - call.invited)
+                greeted[who.name, talks].append(heard - call.acknowledged)
+                early[who.name, talks] += heard < call.acknowledged
+            time.sleep(BETWEEN_CALLS)
+    ours, peer = (who.name for who in answering)
+    table.row(f"INVITE to 200, {2 * CALLS} calls", milliseconds(answered[ours]), milliseconds(answered[peer]),
+              "p50 0.7  p99 2 ms")
+    for talks in (True, False):
+        what = "talks at once" if talks else "is silent"
+        table.row(f"ACK to the greeting's first packet, caller {what}", milliseconds(greeted[ours, talks]),
+                  milliseconds(greeted[peer, talks]), "p99 1.5 ms")
+        for name in (ours, peer):
+            if early[name, talks]:
+                table.row(f"  {name}: {early[name, talks]} of {CALLS} greetings had begun before the ACK was sent")
+
+
+def report_second_rings(table, program):
+    """The second ring is raised a second after the 180: that it took longer is what the answer took, and the
+    few microseconds from the 180 to the start of that second."""
+    program.restart_with({"NumOfRing": "2"})
+    took = []
+    for number in range(SECOND_RINGS):
+        with table.failing(f"call {number + 1} with two rings"), sip_telephone.Call(program.port) as call:
+            call.invite()
+            call.acknowledge()
+            took.append(call.answered - call.rung - 1)
+        time.sleep(BETWEEN_CALLS)
+    program.restart_with({"NumOfRing": "1"})
+    table.row(f"the second ring to 200, {SECOND_RINGS} calls", milliseconds(took), "", "p50 0.7  p99 2 ms")
+
+
+def spacing(call, seconds):
+    """The seconds between the packets of the greeting. The kernel keeps them, and when they came, so that nobody
+    need wake up for each."""
+    arrivals = []
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        time.sleep(1)
+        while True:
+            payload, arrived = call.heard(0)
+            if payload is None:
+                break
+            if payload != sip_telephone.SILENCE:
+                arrivals.append(arrived)
+    return [after - before for before, after in zip(arrivals, arrivals[1:])]
+
+
+def report_spacing(table, answering, what):
+    gaps = {who.name: [] for who in answering}
+    for number in range(LONG_CALLS):
+        for who in answering:
+            with table.failing(f"long call {number + 1} to {who.name}"):
+                with sip_telephone.Call(who.port, who.user) as call:
+                    call.invite()
+                    call.acknowledge()
+                    call.talk()
+                    gaps[who.name] += spacing(call, LONG_SECONDS)
+
+    def words(values):
+        if len(values) < LONG_CALLS:
+            return "none"
+        return f"deviation {statistics.pstdev(values) * 1e3:.3f}  worst {max(values) * 1e3:.2f} ms  ({len(values)})"
+
+    table.row(f"greeting, packet to packet, {what}", *(words(gaps[who.name]) for who in answering),
+              "deviation 0.3  worst 22 ms")
+
+
+@contextlib.contextmanager
+def busy():
+    """Processes that take whatever processor time they get."""
+    loops = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(BUSY_PROCESSES)]
+    try:
+        yield
+    finally:
+        for loop in loops:
+            loop.kill()
+            loop.wait()
+
+
+def noise_blocks(seconds):
+    """Mu-law noise; not the second code of zero, which no recorder tells from the first."""
+    codes = bytes(code for code in range(256) if code not in (0x7F, 0xFF))
+    chosen = bytes(random.Random(4).choices(codes, k=int(seconds * sound.RATE)))
+    return [chosen[i : i + sip_telephone.BLOCK] for i in range(0, len(chosen), sip_telephone.BLOCK)]
+
+
+def talk_through(call, blocks, process):
+    """Sends the blocks, each in its 20 ms; the processor time that the answerer took meanwhile."""
+    before = process.cpu_seconds()
+    call.to_send.extend(blocks)
+    processes.wait_for("The end of the minute", lambda: not call.to_send, 2 * RECORDED_SECONDS)
+    return process.cpu_seconds() - before
+
+
+def data_of(path):
+    """The sound of a WAV file as it stands there: what follows the data chunk's head."""
+    with open(path, "rb") as file:
+        content = file.read()
+    return content[content.index(b"data") + 8 :]
+
+
+def compared(sent, recorded):
+    if sent in recorded:
+        return "identical, in one run"
+    begin = recorded.find(sent[: sip_telephone.BLOCK])
+    if begin < 0:
+        return "NOT FOUND"
+    same = next((i for i, (a, b) in enumerate(zip(sent, recorded[begin:])) if a != b), len(recorded) - begin)
+    return f"DIFFERS after {same / sound.RATE:.2f} s"
+
+
+def report_recording(table, program, folder):
+    blocks = noise_blocks(RECORDED_SECONDS)
+    cpu = ["", ""]
+    found = ""
+    with answerers.Orven(program, os.path.join(folder, "recorder"), sound.silence(0.3), {"CompressMessages": "1"}) as ours:
+        with table.failing("recorded call"):
+            with sip_telephone.Call(ours.port) as call:
+                call.invite()
+                call.acknowledge()
+                call.talk()
+                ours.machine.wait_for_line("Start Record Message[", 10)
+                cpu[0] = f"{talk_through(call, blocks, ours.process) * 60 / RECORDED_SECONDS:.3f} s"
+                time.sleep(0.5)
+            processes.wait_for("The record of the call", ours.machine.records, 10, ours.machine.look)
+            message = ours.machine.records()[-1]["Call_Massage_Name"]
+            found = compared(b"".join(blocks), data_of(os.path.join(ours.machine.home, "Messages", message)))
+    with answerers.Peer(os.path.join(folder, "peer_recorder"), noise(2 * RECORDED_SECONDS), records=True) as peer:
+        with table.failing("recorded call to baresip"), sip_telephone.Call(peer.port, peer.user) as call:
+            call.invite()
+            call.acknowledge()
+            call.talk()
+            cpu[1] = f"{talk_through(call, blocks, peer.process) * 60 / RECORDED_SECONDS:.3f} s (16 bits)"
+    table.row(f"{RECORDED_SECONDS} s of PCMU recorded as mu-law", found, "", "identical, in one run")
+    table.row("CPU for a recorded minute", *cpu, "0.12 s")
+
+
+def short_calls(table, who, count):
+    for number in range(count):
+        with table.failing(f"short call {number + 1} to {who.name}"):
+            with sip_telephone.Call(who.port, who.user) as call:
+                call.invite()
+                call.acknowledge()
+
+
+def memory(who):
+    resident, share, own = who.process.megabytes("Rss", "Pss", "Anonymous")
+    return f"{resident:.1f} MB (PSS {share:.1f}, own {own:.1f})"
+
+
+def report_memory(table, answering, what):
+    """After a start, after some calls and after many, when the last trace of them has been given up."""
+    steps = [("after the start", 0, 2)]
+    steps += [(f"after {FEW_CALLS} calls", FEW_CALLS, TRANSACTION_SECONDS)]
+    steps += [(f"after {MANY_CALLS:,} calls", MANY_CALLS - FEW_CALLS, TRANSACTION_SECONDS)]
+    for step, calls, wait in steps:
+        for who in answering:
+            short_calls(table, who, calls)
+        time.sleep(wait)
+        table.row(f"resident {step}, {what}", *(memory(who) for who in answering),
+                  *([""] if len(answering) == 1 else []), "45 MB" if calls == 0 else "no growth")
+
+
+def report_starts(table, answering, what):
+    starts = {who.name: [] for who in answering}
+    for _ in range(STARTS):
+        for who in answering:
+            with table.failing(f"start of {who.name}"):
+                starts[who.name].append(who.timed_start())
+
+    def words(values):
+        return f"median {statistics.median(values) * 1e3:.0f}  worst {max(values) * 1e3:.0f} ms" if values else "none"
+
+    table.row(f"start to the first answered request, {what}", *(words(starts[who.name]) for who in answering),
+              *([""] if len(answering) == 1 else []), "100 ms")
+
+
+def noise(seconds):
+    return modem_bench.noise(seconds, seed=1)
+
+
+def main(program):
+    print(f"load of the machine before: {' '.join(f'{load:.2f}' for load in os.getloadavg())}")
+    table = Table()
+    with tempfile.TemporaryDirectory() as folder:
+        greeting = noise(LONG_SECONDS + 4)
+        with answerers.Orven(program, os.path.join(folder, "ours"), greeting) as ours, \
+             answerers.Peer(os.path.join(folder, "peer"), greeting) as peer:  # fmt: skip
+            both = (ours, peer)
+            report_starts(table, both, "without a display")
+            report_memory(table, both, "without a display")
+            report_answers(table, both)
+            report_second_rings(table, ours)
+            report_spacing(table, both, "machine idle")
+            with busy():
+                report_spacing(table, both, f"{BUSY_PROCESSES} busy processes")
+        report_recording(table, program, folder)
+        with display.Display(folder) as screen, \
+             answerers.Orven(program, os.path.join(folder, "shown"), greeting, display=screen) as ours:  # fmt: skip
+            report_starts(table, (ours,), "X display")
+            report_memory(table, (ours,), "X display")
+    print(f"load of the machine after: {' '.join(f'{load:.2f}' for load in os.getloadavg())}")
+    if table.failures:
+        print(f"{len(table.failures)} CALLS OR STARTS FAILED; the first: {table.failures[0]}")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    main(os.path.abspath(sys.argv[1]))
