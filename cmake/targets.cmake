@@ -15,15 +15,48 @@ function(orven_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE orven_warnings)
 endfunction()
 
-# orven_test(name TIMEOUT seconds LINK targets… [LABELS labels…])
-# One GoogleTest program of the .cpp files in the calling folder, run as one CTest test a case.
+# How many times as long as plain programs those of this build may take.
+set(ORVEN_TIME_FACTOR 1 CACHE STRING "what every limit on a test's time is multiplied by")
+
+# What the tests need that run under ThreadSanitizer: all but those with the label qt.
+add_custom_target(orven_tests_without_qt)
+
+# orven_discover_tests(name TIMEOUT seconds LABEL qt|tsan)
+# Each case of the GoogleTest program becomes a CTest test.
+function(orven_discover_tests name)
+  cmake_parse_arguments(ARG "" "TIMEOUT;LABEL" "" ${ARGN})
+  if(ARG_LABEL STREQUAL tsan)
+    add_dependencies(orven_tests_without_qt ${name})
+  endif()
+  math(EXPR limit "${ARG_TIMEOUT} * ${ORVEN_TIME_FACTOR}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 30
+    PROPERTIES TIMEOUT ${limit} LABELS ${ARG_LABEL} ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
+endfunction()
+
+# orven_test(name TIMEOUT seconds LINK targets… [LABELS qt])
+# One GoogleTest program of the .cpp files in the calling folder, run as one CTest test a case. The label is
+# tsan where it is not qt.
 function(orven_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT;LABELS" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE ORVEN_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gtest_main orven_warnings)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  if(NOT ARG_LABELS)
+    set(ARG_LABELS tsan)
+  endif()
+  orven_discover_tests(${name} TIMEOUT ${ARG_TIMEOUT} LABEL ${ARG_LABELS})
+endfunction()
+
+# orven_scale_limits()
+# Last in a folder that calls add_test itself: multiplies the tests' limits, too, and tells them the factor.
+function(orven_scale_limits)
+  get_property(names DIRECTORY PROPERTY TESTS)
+  foreach(name ${names})
+    get_property(limit TEST ${name} PROPERTY TIMEOUT)
+    math(EXPR limit "${limit} * ${ORVEN_TIME_FACTOR}")
+    set_property(TEST ${name} PROPERTY TIMEOUT ${limit})
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
+  endforeach()
 endfunction()

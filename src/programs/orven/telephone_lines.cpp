@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "adapters/line/modem/modem_line.h"
+#include "adapters/line/modem/serial/modem_line.h"
 #include "adapters/line/service/lines_file.h"
 #include "adapters/line/setup/line_settings.h"
 #include "adapters/line/setup/serial_ports.h"

@@ -7,7 +7,7 @@
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/line/modem/modem_line_settings.h"
 #include "adapters/line/modem/modem_preparation.h"
-#include "adapters/line/modem/serial_link.h"
+#include "adapters/line/modem/serial/serial_link.h"
 #include "adapters/line/setup/serial_ports.h"
 
 namespace orven {

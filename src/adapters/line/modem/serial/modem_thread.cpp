@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/modem_thread.h"
+#include "adapters/line/modem/serial/modem_thread.h"
 
 #include <QThread>
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/modem_line.h"
+#include "adapters/line/modem/serial/modem_line.h"
 
 #include <future>
 #include <optional>
 #include <utility>
 
 #include "adapters/line/modem/modem_agent.h"
-#include "adapters/line/modem/modem_thread.h"
-#include "adapters/line/modem/serial_link.h"
+#include "adapters/line/modem/serial/modem_thread.h"
+#include "adapters/line/modem/serial/serial_link.h"
 #include "adapters/line/service/line_audio.h"
 
 namespace orven {
