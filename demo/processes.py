@@ -2,6 +2,7 @@
 """Child processes that never outlive the script, and waiting with a limit."""
 
 import ctypes
+import os
 import signal
 import socket
 import subprocess
@@ -9,6 +10,9 @@ import time
 
 _PR_SET_PDEATHSIG = 1  # prctl(2)
 _libc = ctypes.CDLL(None)
+
+# Programs under a sanitizer are slower: every limit is multiplied by this.
+SLOWNESS = float(os.environ.get("ORVEN_TIME_FACTOR", "1"))
 
 
 class Failed(Exception):
@@ -32,7 +36,7 @@ def stop(process, limit):
     if process.poll() is None:
         process.terminate()
     try:
-        return process.wait(limit)
+        return process.wait(limit * SLOWNESS)
     except subprocess.TimeoutExpired:
         process.kill()
         process.wait()
@@ -42,6 +46,7 @@ def stop(process, limit):
 def wait_for(what, condition, limit, alive=lambda: None):
     """Polls until `condition` gives something true, and returns that. Raises Failed after `limit`
     seconds, saying what did not come; `alive` is called meanwhile and may raise earlier."""
+    limit *= SLOWNESS
     end = time.monotonic() + limit
     while True:
         result = condition()

@@ -147,7 +147,7 @@ class DesktopTest(unittest.TestCase):
             other.bind(("127.0.0.1", self.port))
 
     def assert_ended_by_exit(self, orven):
-        self.assertEqual(orven.process.wait(LIMIT), 0)
+        self.assertEqual(orven.process.wait(LIMIT * processes.SLOWNESS), 0)
         for kind in ("Sys", "Calls"):
             self.assertEqual(orven.log(kind)[-1], "Unload ORVEN")
 

@@ -64,7 +64,7 @@ class Orven:
 
     def end(self, with_signal=signal.SIGTERM):
         self.process.send_signal(with_signal)
-        return self.process.wait(15)
+        return self.process.wait(15 * processes.SLOWNESS)
 
 
 class OrvenCase(unittest.TestCase):
@@ -138,7 +138,7 @@ class OrvenTest(OrvenCase):
             first.wait_for("There is no sound server")  # the last that a start leaves to be said
             before = first.log()
             with Orven(self.home) as second:
-                self.assertEqual(second.process.wait(20), 0)
+                self.assertEqual(second.process.wait(20 * processes.SLOWNESS), 0)
                 self.assertIn("ORVEN is still running", second.output())
             self.assertEqual(first.log(), before)
             first.process.kill()
@@ -192,7 +192,7 @@ class OrvenTest(OrvenCase):
         blocked = self.path("file")
         self.write("file", "")
         with Orven(os.path.join(blocked, "home")) as orven:
-            self.assertNotEqual(orven.process.wait(20), 0)
+            self.assertNotEqual(orven.process.wait(20 * processes.SLOWNESS), 0)
             self.assertIn(blocked, orven.output())
 
 

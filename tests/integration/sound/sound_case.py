@@ -152,7 +152,7 @@ class Player:
 
     def quit(self):
         self.do("quit")
-        return self.process.wait(10)
+        return self.process.wait(10 * processes.SLOWNESS)
 
     def end(self):
         self.process.kill()
