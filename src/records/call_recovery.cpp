@@ -93,13 +93,14 @@ bool CallRecovery::IsFiled(const Call& call) {
 
 void CallRecovery::FindMessage(Call& call) {
   const auto& trail = call.trail;
-  if (call.message_left) {
-    // It was stored, or failed to be and was kept under a name that the log has told.
-    if (!call.message_path.empty() && !parts_.files.Exists(call.message_path))
+  if (!call.message_path.empty()) {
+    if (!parts_.files.Exists(call.message_path))
       call.message_path = parts_.shared.messages_path + call.message_file_name;
     return;
   }
   if (trail.growing_folder.empty()) return;
+  // An older message is where it was to be put; it was kept under a name that the log has told.
+  if (call.message_left && trail.storing_path.empty()) return;
   if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path))
     return TakeStored(call, trail.storing_path);
   const auto grown = Longest(GrownOf(call));

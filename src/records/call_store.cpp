@@ -9,12 +9,16 @@
 #include "core/native_path.h"
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
+#include "records/call_recovery.h"
 
 namespace orven {
 namespace {
 
 /// So many messages that stayed behind are named in a box; the log names them all.
 constexpr std::size_t kNamedInBox = 10;
+
+/// What waits for room on a disk is tried again so often.
+constexpr std::chrono::seconds kTryAgain{5};
 
 std::string RefusalText(const std::string& folder, const std::string& reason) {
   return "The messages cannot be moved to " + folder + "\n\n" + reason + "\n\nNothing was changed.";
@@ -44,17 +48,85 @@ void CallStore::PutCallDetailsInDB(Call& call) {
   trap([&] { BringMessageAlong(call); });
   waiting_.push_back(call);
   FileWaitingCalls();
+  if (!waiting_.empty() || !late_.empty()) tmrRoom_->Start(kTryAgain);
   ports_.calls_log.WriteCalls("Ring:" + call.ring_count_text + " [" + call.caller_name + ":" +
                               call.caller_number + "]");
 }
 
 void CallStore::FileWaitingCalls() {
-  const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
+  const ErrorTrap loud(ports_.system_log, "ErrPutCallDetailsInDB ");
+  const bool had_refused = refused_;
   while (!waiting_.empty()) {
-    if (!trap([&] { AddRecord(waiting_.front()); })) break;
-    ports_.journal.Done(waiting_.front());
+    auto& call = waiting_.front();
+    ErrorTrap::Silent()([&] { TakeLateMessage(call); });
+    const auto add = [&] { AddRecord(call); };
+    refused_ = refused_ ? !ErrorTrap::Silent()(add) : !loud(add);
+    if (refused_) return;
+    ports_.journal.Done(call);
     waiting_.pop_front();
   }
+  if (had_refused) ports_.system_log.WriteSystem("The calls that could not be filed are filed now");
+}
+
+void CallStore::TryAgain() {
+  const auto count = waiting_.size();
+  FileWaitingCalls();
+  if (FileLateMessages() || waiting_.size() != count) list_.makeList();
+  if (waiting_.empty() && late_.empty()) tmrRoom_->Stop();
+}
+
+/// Whether the message of a call that found no room is where it was to be put by now, and nobody else's.
+bool CallStore::TakeLateMessage(Call& call) {
+  const auto& path = call.trail.storing_path;
+  if (!call.message_left || !call.message_path.empty() || path.empty()) return false;
+  if (!ports_.files.Exists(path) || AnotherCallHas(FileNamePart(path))) return false;
+  call.message_path = path;
+  BringMessageAlong(call);
+  call.type_text = TypeText(call);
+  return true;
+}
+
+/// Whether the message may still come; one that was kept under another name will not.
+bool CallStore::Awaits(const Call& call) const {
+  if (!call.message_left || !call.message_path.empty() || call.trail.storing_path.empty()) return false;
+  const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
+  bool kept = false;
+  for (const auto& folder :
+       {call.trail.growing_folder, shared_.InApplicationFolder(kRescueFolder) + NativePath("\\")}) {
+    // A folder that is not there holds nothing.
+    ErrorTrap::Silent()([&] { kept = kept || !ports_.files.List(folder, stem + ".unsaved-*.wav").empty(); });
+  }
+  return !kept;
+}
+
+/// True when a record has got its message.
+bool CallStore::FileLateMessages() {
+  bool changed = false;
+  std::erase_if(late_, [&](Late& late) {
+    bool over = false;
+    ErrorTrap::Silent()([&] { over = IsOver(late, changed); });
+    return over;
+  });
+  return changed;
+}
+
+/// Nothing more is to be done for it. `filed` becomes true when its record has got its message.
+bool CallStore::IsOver(Late& late, bool& filed) {
+  const auto record = ports_.DataBase1.Locate(late.record);
+  if (record == 0 || !Awaits(late.call)) return true;
+  auto call = late.call;
+  if (!TakeLateMessage(call)) return false;
+  FileLateMessage(call, record);
+  return filed = true;
+}
+
+void CallStore::FileLateMessage(const Call& call, std::int32_t record) {
+  auto& database = ports_.DataBase1;
+  database.MoveTo(record);
+  database.Edit();
+  database.SetField(kType, call.type_text);
+  database.Update();
+  ports_.system_log.WriteSystem("Record Message: " + call.message_file_name + " found room and is filed now");
 }
 
 void CallStore::AddRecord(Call& call) {
@@ -72,7 +144,11 @@ void CallStore::AddRecord(Call& call) {
   database.SetField(kRead, 0);
   database.Update();
   // The call is filed, whatever comes now.
-  ErrorTrap::Silent()([&] { ports_.journal.SetNewestRecord(database.Identity(database.RecordCount())); });
+  ErrorTrap::Silent()([&] {
+    const auto identity = database.Identity(database.RecordCount());
+    ports_.journal.SetNewestRecord(identity);
+    if (Awaits(call)) late_.push_back({identity, call});
+  });
 }
 
 std::string CallStore::TypeText(const Call& call) const {

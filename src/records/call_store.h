@@ -13,6 +13,7 @@
 #include "platform/background.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/wave.h"
 #include "records/call.h"
@@ -49,21 +50,26 @@ class CallStore {
     SystemLog& system_log;
     CallsLog& calls_log;
     CallJournal& journal;
+    EventLoop& loop;
   };
 
   CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)
-      : ports_(ports), list_(list), settings_(settings), shared_(shared) {}
+      : ports_(ports),
+        list_(list),
+        settings_(settings),
+        shared_(shared),
+        tmrRoom_(ports.loop.MakeTimer([this] { TryAgain(); })) {}
 
   /// Files the current call as the newest record and writes its line to the calls log. Sets the
   /// call's type text; its message is moved when the messages folder was changed since it was
-  /// recorded. A call that cannot be filed now is kept and filed before the next one. The caller
-  /// rebuilds the list.
+  /// recorded. A call that cannot be filed now is kept and filed as soon as that can be, before any later
+  /// one, and so is a message that found no room. The caller rebuilds the list.
   void PutCallDetailsInDB(Call& call);
 
   /// The call is over and shall have no record.
   void LeaveOut(Call& call) { ports_.journal.Done(call); }
 
-  /// Files the calls that could not be filed before, the oldest first.
+  /// Files the calls that could not be filed before, the oldest first. The log names the cause once.
   void FileWaitingCalls();
 
   /// Marks the call behind a row read or unread, unless it is so already.
@@ -101,9 +107,21 @@ class CallStore {
   std::optional<RelocationProgress> Relocating() const;
 
  private:
+  /// A call that is filed without its message, which waits for room.
+  struct Late {
+    std::int64_t record;  ///< its identity
+    Call call;
+  };
+
   std::string TypeText(const Call& call) const;
   void BringMessageAlong(Call& call);
   void AddRecord(Call& call);
+  void TryAgain();
+  bool TakeLateMessage(Call& call);
+  bool Awaits(const Call& call) const;
+  bool FileLateMessages();
+  bool IsOver(Late& late, bool& filed);
+  void FileLateMessage(const Call& call, std::int32_t record);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
   bool AnotherCallHas(const std::string& message) const;
   void DeleteMessage(const std::string& name);
@@ -121,6 +139,9 @@ class CallStore {
   Settings& settings_;
   SharedOptions& shared_;
   std::deque<Call> waiting_;  ///< not filed yet, in the order in which they came
+  bool refused_ = false;      ///< the first of them, and the log tells why
+  std::vector<Late> late_;
+  std::unique_ptr<Timer> tmrRoom_;  ///< runs while anything waits
   std::shared_ptr<MessageRelocation> relocation_;
 };
 

@@ -14,7 +14,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       player({ports.loop, folders, ports.WavePlay, ports.waveforms, views.player, log}, ListView1, settings,
              [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
       calls({ports.DataBase1, ports.files, folders, ports.background, ports.Wave1, ports.dialogs, player, log,
-             log, journal},
+             log, journal, ports.loop},
             ListView1, settings, shared),
       move({ports.registry, ports.dialogs, log, calls, folders, shared}),
       sounds(ports.WavePlay, player, settings, log),

@@ -149,7 +149,10 @@ std::int32_t Recorder::Store(std::string& path) {
   const auto result = context_.Wave1.StopRecordToFile(path);
   // The older message gets its name back when nothing has taken it.
   const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
-  if (result != kWaveOk && !kept.empty()) trap([&] { ports_.files.Rename(kept, path); });
+  if (result != kWaveOk && !kept.empty()) {
+    trap([&] { ports_.files.Rename(kept, path); });
+    context_.call.trail.storing_path.clear();
+  }
   return result;
 }
 

@@ -85,7 +85,7 @@ Recording::Saved Recording::SaveAs(const std::string& path) {
   {
     const std::lock_guard lock(mutex_);
     ended_ = true;
-    stem_ = std::filesystem::path(path).stem().string();
+    path_ = path;
     Absorb();
     saved.result = Store(path);
     if (saved.result != kWaveOk) unsaved_ = !Keep();
@@ -121,12 +121,19 @@ std::int32_t Recording::Store(const std::string& path) {
 bool Recording::Keep() {
   if (growing_.Update(*image_) != kWaveOk) return false;
   stored_ = growing_.File();
-  stored_->RenameTo(UnusedName(FolderOf(stored_->Path()), stem_));  // its old name will do, too
+  stored_->RenameTo(UnusedName(FolderOf(stored_->Path()),
+                               std::filesystem::path(path_).stem().string()));  // its old name will do, too
   return true;
 }
 
 void Recording::Run() {
   Lock lock(mutex_);
+/// Puts the recording where it was to go, unless a file is there by now.
+bool Recording::StoreLate() {
+  std::error_code unknown;
+  return !std::filesystem::exists(path_, unknown) && Store(path_) == kWaveOk;
+}
+
   if (settings_.to_disk) Grow(lock);
   wake_.wait(lock, [this] { return ended_; });
   Settle(lock);
@@ -165,7 +172,7 @@ void Recording::Grow(Lock& lock) {
 void Recording::Settle(Lock& lock) {
   while (unsaved_) {
     wake_.wait_for(lock, kTryAgain, [this] { return abandoned_; });
-    unsaved_ = !Keep();
+    unsaved_ = !StoreLate() && !Keep();
     if (abandoned_) break;  // that was the last attempt
   }
   if (!stored_ && settings_.to_disk) {  // nobody saved it

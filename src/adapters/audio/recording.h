@@ -55,8 +55,9 @@ class Recording : public AudioSink {
 
   /// Ends the recording and puts it at `path`, replacing an older file whole. The file is complete on
   /// return; where it grew on the same file system it is synced afterwards, on the recording's thread.
-  /// When that fails, the recording is kept under a name of its own in the first folder that takes it;
-  /// while none does, it is tried again and again. Once, after the device has let go of the sink.
+  /// When that fails, the recording is kept under a name of its own in the first folder that takes it. While
+  /// none does, it is tried again and again: at `path` if no file is there by then, else as before. Once,
+  /// after the device has let go of the sink.
   Saved SaveAs(const std::string& path);
 
   /// Saved or kept, and synced: nothing is left to do. Any thread.
@@ -75,6 +76,7 @@ class Recording : public AudioSink {
 
   const Settings settings_;
   LiveMonitor& monitor_;
+  bool StoreLate();
   std::atomic<std::int32_t> level_{0};
   std::atomic<std::chrono::steady_clock::rep> level_at_{0};
   std::atomic<bool> finished_{false};
@@ -86,7 +88,7 @@ class Recording : public AudioSink {
   std::condition_variable wake_;
   std::optional<WaveImage> image_;  ///< none once everything is done
   GrowingFile growing_;
-  std::string stem_;                  ///< of the name under which it may have to be kept
+  std::string path_;                  ///< where it was to be put
   std::shared_ptr<DiskFile> stored_;  ///< the file that holds the whole recording
   bool sync_failed_ = false;          ///< the file that growing_ or stored_ names may be incomplete
   bool ended_ = false;                ///< SaveAs has been called, or nobody will

@@ -135,6 +135,22 @@ TEST_F(Recovery, ACallThatCouldNotBeFiledOutlivesTheProgram) {
   EXPECT_FALSE(files.Exists(kJournal));
 }
 
+TEST_F(Recovery, AMessageThatFoundNoRoomBeforeTheEndIsFiledWithWhatGrewOfIt) {
+  CallAndRecord(2s);
+  const auto growing = *Wave1.GrowingFile();
+  Wave1.stop_result = kWaveDiskFull;
+  database_full = true;
+  HangUp();
+  RunFor(1s);
+  Crash();
+  files.Put(growing.path, growing.content);
+  database_full = false;
+  Start();
+  EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
+  EXPECT_EQ(growing.content, files.Content(messages + kName));
+  EXPECT_FALSE(files.Exists(growing.path));
+}
+
 TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
   CallAndRecord(2s);
   Crash();

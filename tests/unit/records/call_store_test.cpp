@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
 #include "support/world.h"
@@ -141,6 +143,38 @@ TEST_F(CallStoreTest, ACallThatCannotBeFiledIsFiledBeforeTheNext) {
   world.database_full = false;
   world.window->Exit();
   EXPECT_EQ(world.database.Records().size(), 6U) << "at the latest when the program ends";
+}
+
+TEST_F(CallStoreTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
+  world.database_full = true;
+  world.Wave1.stop_result = kWaveDiskFull;
+  world.CallAndWaitForRecording();
+  world.HangUp();
+  world.RunFor(30s);
+  const auto causes = world.SystemLog();
+  EXPECT_EQ(1, std::ranges::count_if(causes, [](const auto& line) { return line.starts_with("ErrPut"); }));
+  world.database_full = false;
+  world.RunFor(5s);
+  ASSERT_EQ(world.views.rows.size(), 4U);
+  EXPECT_EQ(world.views.rows[0].length, "") << "its message still waits";
+  world.files.Put(world.Wave1.last_recorded_path, TimedWave::Sound(3s));
+  world.RunFor(5s);
+  EXPECT_EQ(world.views.rows[0].length, "3");
+  EXPECT_EQ(world.messages + world.views.rows[0].key, world.Wave1.last_recorded_path);
+  EXPECT_EQ(world.database.Records().size(), 4U);
+}
+
+TEST_F(CallStoreTest, AMessageThatFindsRoomBeforeItsCallIsFiledWithIt) {
+  world.database_full = true;
+  world.Wave1.stop_result = kWaveDiskFull;
+  world.CallAndWaitForRecording();
+  world.HangUp();
+  world.RunFor(1s);
+  world.files.Put(world.Wave1.last_recorded_path, TimedWave::Sound(3s));
+  world.database_full = false;
+  world.window->Exit();
+  ASSERT_EQ(world.database.Records().size(), 4U);
+  EXPECT_EQ(world.database.Field(3, kType), "3");
 }
 
 }  // namespace
