@@ -16,6 +16,16 @@ using Kind = RegistryLine::Kind;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
+std::string HeadOf(const std::string& key) {
+  return "[" + key + "]";
+}
+
+/// Whether the format can hold this key: not one that would be a comment in part, or a deletion.
+bool IsKeyName(const std::string& key) {
+  const RegistryLine line = ParseRegistryLine(HeadOf(key), 0);
+  return line.kind == Kind::Key && line.name == key && line.raw == HeadOf(key);
+}
+
 std::string Folded(std::string_view text) {
   std::string folded(text);
   for (char& letter : folded) {
@@ -146,7 +156,7 @@ std::vector<NamedRegistryValue> RegistryDocument::Values(const std::string& key)
 
 bool RegistryDocument::Set(const std::string& key, std::span<const NamedRegistryValue> values) {
   const auto can_be_written = [](const NamedRegistryValue& value) { return IsRegistryName(value.name); };
-  if (!IsRegistryName(key) || !std::all_of(values.begin(), values.end(), can_be_written)) return false;
+  if (!IsKeyName(key) || !std::all_of(values.begin(), values.end(), can_be_written)) return false;
   if (!keys_.contains(Folded(key))) AddKey(key);
   for (const NamedRegistryValue& value : values) SetValue(key, value);
   return true;
@@ -169,7 +179,7 @@ void RegistryDocument::SetValue(const std::string& key, const NamedRegistryValue
 
 void RegistryDocument::AddKey(const std::string& key) {
   if (!lines_.empty()) Insert(lines_.size(), line_end_);
-  Insert(lines_.size(), "[" + key + "]" + line_end_);
+  Insert(lines_.size(), HeadOf(key) + line_end_);
 }
 
 void RegistryDocument::Insert(std::size_t at, const std::string& raw) {
@@ -194,12 +204,14 @@ bool RegistryDocument::Remove(const std::string& key, const std::string& name) {
 
 std::string RegistryDocument::Text() const {
   std::string text(byte_order_mark_ ? kUtf8Mark : "");
-  const auto is_header = [](const RegistryLine& line) { return line.kind == Kind::Header; };
-  if (std::none_of(lines_.begin(), lines_.end(), is_header)) {
-    text.append(kRegistryHeader).append(line_end_).append(line_end_);
-  }
+  const auto first = std::find_if(lines_.begin(), lines_.end(), [](const RegistryLine& line) {
+    return line.kind != Kind::Plain && line.kind != Kind::Damaged;
+  });
+  const bool headed = first != lines_.end() && first->kind == Kind::Header;
+  if (!headed) text.append(kRegistryHeader).append(line_end_).append(line_end_);
   for (const RegistryLine& line : lines_) {
-    if (line.kind != Kind::Damaged) text += line.raw;
+    const bool strays = line.kind == Kind::Header && !headed;
+    if (line.kind != Kind::Damaged && !strays) text += line.raw;
   }
   return text;
 }

@@ -44,6 +44,11 @@ TEST_F(RegistryFileTest, ADamagedFileIsReportedOnceAndKept) {
   PutFile(path_, damaged + "again\n");
   EXPECT_TRUE(Write("C", Text("5")));
   EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 2U);
+
+  // A first line in the wrong place is damage that the next write mends, or each would keep a file.
+  PutFile(path_, "[HKEY_LOCAL_MACHINE\\OTHER]\n" + std::string(kStart));
+  for (const char* value : {"1", "2"}) EXPECT_TRUE(Write("A", Text(value)));
+  EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 3U);
 }
 
 TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {

@@ -97,6 +97,16 @@ TEST_F(RegistryFormatTest, DamageIsNamedWithItsLineAndTheRestIsUsedInItsOrder) {
   EXPECT_EQ(Query("A"), Text("1")) << "values below a damaged key belong to no key";
 }
 
+TEST_F(RegistryFormatTest, AKeyThatCannotBeReadAgainIsRefused) {
+  const std::vector<NamedRegistryValue> values{{"A", Text("1")}};
+  RegistryDocument document;
+  for (const char* key : {"", "-HKEY_LOCAL_MACHINE\\A", "A];B", "A] ;B", "A\nB", "A\xFF"}) {
+    EXPECT_FALSE(document.Set(key, values)) << key;
+  }
+  EXPECT_TRUE(document.Set("A]B", values));
+  EXPECT_EQ(RegistryDocument(document.Text()).Values("A]B").size(), 1U);
+}
+
 TEST_F(RegistryFormatTest, NoContentBreaksTheReader) {
   using std::string_literals::operator""s;
   const std::string alphabet = "\"@[]=-\\;,:\r\n\t hex(1)dword09af\0\xC3\xA9\xFF"s;
