@@ -10,12 +10,15 @@
 namespace orven {
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 /// The lines of a text, with their "\r"; changed from the end towards the beginning, so that the
 /// numbers of what is still to be changed stay true. Indexes count from 0.
 class Lines {
  public:
   explicit Lines(std::string_view text) {
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    marked_ = text.starts_with(kByteOrderMark);
+    if (marked_) text.remove_prefix(kByteOrderMark.size());
     while (!text.empty()) {
       const auto end = text.find('\n');
       lines_.emplace_back(text.substr(0, end));
@@ -25,7 +28,7 @@ class Lines {
   }
 
   std::string Text() const {
-    std::string text;
+    std::string text(marked_ ? kByteOrderMark : "");
     for (const auto& line : lines_) text += line + '\n';
     return text;
   }
@@ -102,6 +105,7 @@ class Lines {
   }
 
   std::vector<std::string> lines_;
+  bool marked_ = false;
   bool crlf_ = false;
 };
 

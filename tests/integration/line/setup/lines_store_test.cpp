@@ -34,7 +34,7 @@ class LinesStore : public testing::Test {
 
 TEST_F(LinesStore, ChangesOnlyWhatChangedAndLeavesCommentsAndTheRest) {
   auto given = Given(
-      "; my lines\r\n\r\n[Home] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
+      "\xEF\xBB\xBF; my lines\r\n\r\n[Home] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
       "Password = old    ; from the letter\r\naccount = sip:100@example.org\r\nring_seconds = 2.6\r\n\r\n"
       "; the boat\r\n[Boat]\r\ntype = modem\r\nport = /dev/ttyACM0\r\n\r\n[Sim]\r\ntype = sim\r\n");
   ASSERT_THAT(given.lines, SizeIs(3));
@@ -55,7 +55,7 @@ TEST_F(LinesStore, ChangesOnlyWhatChangedAndLeavesCommentsAndTheRest) {
   lines.Store({home, given.lines[2], fresh});
   EXPECT_EQ(
       ContentOf(path),
-      "; my lines\r\n\r\n[House] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
+      "\xEF\xBB\xBF; my lines\r\n\r\n[House] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
       "Password = new#;1    ; from the letter\r\nring_seconds = 2.6\r\nauth_user = anna\r\n\r\n"
       "; the boat\r\n[Sim]\r\ntype = sim\r\n\r\n"
       "[Office]\r\ntype = sip\r\naccount = sip:7@pbx:5061\r\nlisten = 0.0.0.0:5060\r\ntransport = tls\r\n");
