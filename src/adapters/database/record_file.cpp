@@ -34,6 +34,12 @@ std::string Lower(std::string text) {
   return text;
 }
 
+std::string ListOf(const std::vector<std::string>& fields) {
+  std::string list;
+  for (const std::string& field : fields) list += (list.empty() ? "" : ", ") + QuotedIdentifier(field);
+  return list;
+}
+
 void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
   const std::vector<std::string> columns = ColumnsOf(connection, schema.table);
   const std::string table = QuotedIdentifier(schema.table);
@@ -58,14 +64,21 @@ void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
 }
 
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
-  connection.Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
+  connection.Execute("PRAGMA synchronous=FULL");
   CheckSound(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
   MakeTable(connection, schema);
   MakeIndex(connection, schema);
   // A view, or a table without row numbers, cannot keep the order of insertion: this fails then.
   const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
+  // A column that is computed cannot be filled: this fails then.
+  const std::string fields = ListOf(schema.fields);
+  const SqliteStatement fill(connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (" + fields +
+                                             ") SELECT " + fields + " FROM " +
+                                             QuotedIdentifier(schema.table));
   connection.Execute("COMMIT");
+  // Last, because it writes: a file that cannot be used is kept as it was.
+  connection.Execute("PRAGMA journal_mode=WAL");
   connection.MergeLog();
 }
 

@@ -12,6 +12,19 @@ namespace {
 /// Long enough for another program's single statement, short enough for a person not to notice.
 constexpr std::chrono::duration<int, std::milli> kLockPatience{200};
 
+/// Far more than a record takes; a file that asks for more is not to fill the memory.
+constexpr int kLongestRecord = 16 * 1024 * 1024;
+
+/// The file holds records, whoever may have put it there, and no program: what SQLite would run of it, a
+/// trigger or a view, could undo what is stored or never end.
+void TrustNothingIn(sqlite3* handle) {
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, kLongestRecord);
+}
+
 ErrorNumber NumberOf(int code, int system_error) {
   const bool no_space = system_error == ENOSPC || system_error == EDQUOT || system_error == EFBIG;
   switch (code & 0xFF) {
@@ -56,6 +69,7 @@ SqliteConnection::SqliteConnection(const std::string& path) : path_(path) {
   // SQLite opens what it may not write for reading only, without saying so.
   if (sqlite3_db_readonly(handle, "main") == 1)
     throw SqliteError(SQLITE_READONLY, path, "the file is read-only");
+  TrustNothingIn(handle);
   sqlite3_busy_timeout(handle, kLockPatience.count());
 }
 
