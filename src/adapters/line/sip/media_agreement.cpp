@@ -62,19 +62,37 @@ MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : family_(sa_a
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Read(mbuf* body, bool is_offer) {
+  const std::string text(reinterpret_cast<const char*>(mbuf_buf(body)), mbuf_get_left(body));
+  auto agreement = Understand(body, is_offer, text);
+  if (agreement) {
+    agreed_ = text;
+    agreed_is_offer_ = is_offer;
+  } else if (!agreed_.empty()) {
+    // What is refused changes nothing; without this our next offer would have no sound in it.
+    const LibrePtr<mbuf> before(mbuf_alloc(agreed_.size()));
+    if (before == nullptr) throw std::bad_alloc();
+    Check(
+        mbuf_write_mem(before.get(), reinterpret_cast<const std::uint8_t*>(agreed_.data()), agreed_.size()));
+    mbuf_set_pos(before.get(), 0);
+    (void)sdp_decode(session_.get(), before.get(), agreed_is_offer_);
+  }
+  return agreement;
+}
+
+std::optional<MediaAgreement> MediaNegotiation::Understand(mbuf* body, bool is_offer, std::string_view text) {
   const std::size_t position = body->pos;
   const int error = sdp_decode(session_.get(), body, is_offer);
   body->pos = position;
   if (error != 0) return std::nullopt;
   auto agreement = Agreed();
-  if (agreement && !AgreeOnKeys(is_offer, *agreement)) return std::nullopt;
-  if (!agreement || sa_isset(&agreement->peer, SA_ADDR)) return agreement;
-  // No address: either one that is no number, or 0.0.0.0, the old way to put a call on hold (RFC 2543,
-  // section B.5).
-  const std::string_view text(reinterpret_cast<const char*>(mbuf_buf(body)), mbuf_get_left(body));
-  if (text.find("IN IP4 0.0.0.0") == std::string_view::npos) return std::nullopt;
-  agreement->send = agreement->receive = false;
-  return agreement;
+  if (!agreement) return std::nullopt;
+  if (!sa_isset(&agreement->peer, SA_ADDR)) {
+    // No address: either one that is no number, or 0.0.0.0, the old way to put a call on hold (RFC 2543,
+    // section B.5).
+    if (text.find("IN IP4 0.0.0.0") == std::string_view::npos) return std::nullopt;
+    agreement->send = agreement->receive = false;
+  }
+  return AgreeOnKeys(is_offer, *agreement) ? agreement : std::nullopt;
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Agreed() const {

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "adapters/line/sip/crypto_attribute.h"
@@ -39,13 +41,14 @@ class MediaNegotiation {
 
   /// Reads the offer or the answer at the position of `body`, which it leaves there. Nothing when it
   /// is malformed, has no sound in a codec of ours, an address of another family, or is not as
-  /// encrypted as it has to be.
+  /// encrypted as it has to be; then what was agreed before still holds.
   std::optional<MediaAgreement> Read(mbuf* body, bool is_offer);
 
   /// Our offer, or our answer to the offer read last. nullptr when memory ran out.
   LibrePtr<mbuf> Write(bool as_offer);
 
  private:
+  std::optional<MediaAgreement> Understand(mbuf* body, bool is_offer, std::string_view text);
   std::optional<MediaAgreement> Agreed() const;
   bool AgreeOnKeys(bool is_offer, MediaAgreement& agreement);
   std::optional<CryptoAttribute> PeersChoice(bool is_offer) const;
@@ -56,6 +59,8 @@ class MediaNegotiation {
   int family_;
   SrtpUse srtp_;
   std::vector<CryptoAttribute> own_;  ///< what our next description offers or answers
+  std::string agreed_;                ///< the description that was agreed to last
+  bool agreed_is_offer_ = false;
 };
 
 }  // namespace orven

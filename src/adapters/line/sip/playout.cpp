@@ -4,6 +4,7 @@
 #include <spandsp.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "platform/audio_device.h"
@@ -87,13 +88,15 @@ void Playout::PlayFront() {
 }
 
 void Playout::Conceal(std::size_t samples) {
-  const std::size_t before = ready_.size();
-  ready_.resize(before + samples);
+  samples = std::min(samples, kBlock);
   // The library would turn its history itself, with a memcpy between ranges that may overlap.
   plc_state_t& state = concealer_->state;
   std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
   state.buf_ptr = 0;
-  plc_fillin(&state, ready_.data() + before, static_cast<int>(samples));
+  // It writes the overlap with what went before whole (30 samples at most), however few are asked for.
+  std::array<std::int16_t, kBlock> made_up{};
+  plc_fillin(&state, made_up.data(), static_cast<int>(samples));
+  ready_.insert(ready_.end(), made_up.begin(), made_up.begin() + static_cast<std::ptrdiff_t>(samples));
   concealed_ += static_cast<std::int64_t>(samples);
   if (concealed_ >= kPause && reorder_.Front() == nullptr) filling_ = true;
 }

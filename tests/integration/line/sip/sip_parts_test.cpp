@@ -7,6 +7,7 @@
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digit_merger.h"
 #include "adapters/line/sip/key_pace.h"
+#include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/playout.h"
 #include "integration/line/sip/test_audio.h"
 
@@ -77,6 +78,18 @@ TEST(PlayoutTest, ConcealsLossForExactlyItsLength) {
   EXPECT_EQ(stream.pulled, 22) << "20 blocks after the two of the wait at the beginning";
 }
 
+TEST(PlayoutTest, ALossOfOneSampleIsMadeUpWithinTheBlockAndNowhereElse) {
+  Stream stream;
+  Samples most = Block(0);
+  most.pop_back();
+  stream.playout.Push(1, 0, most);
+  for (int n = 1; n < 4; ++n) stream.Arrive(n);
+  // What follows the block in memory is the next thing that is allocated: damage ends the program.
+  for (int n = 0; n < 4; ++n) stream.Pull();
+  EXPECT_EQ(stream.heard, Numbers(2, 3)) << "the first blends with what was made up before it";
+  EXPECT_TRUE(stream.playout.Empty());
+}
+
 TEST(PlayoutTest, ContinuesWhenTheSenderStartsOver) {
   Stream stream;
   for (int n = 0; n < 20; ++n) {
@@ -99,6 +112,27 @@ TEST(PlayoutTest, LimitsTheDelayThatAFasterSenderBuildsUp) {
   const int before = stream.pulled;
   stream.Drain();
   EXPECT_LE(stream.pulled - before, 10);
+}
+
+TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
+  sa local{};
+  ASSERT_EQ(sa_set_str(&local, "127.0.0.1", 4000), 0);
+  MediaNegotiation negotiation(local, SrtpUse::kIfOffered);
+  const auto read = [&negotiation](const std::string& media) {
+    const std::string text =
+        "v=0\r\no=- 1 1 IN IP4 127.0.0.1\r\ns=-\r\nc=IN IP4 127.0.0.1\r\nt=0 0\r\n" + media;
+    const LibrePtr<mbuf> body(mbuf_alloc(text.size()));
+    (void)mbuf_write_str(body.get(), text.c_str());
+    mbuf_set_pos(body.get(), 0);
+    return negotiation.Read(body.get(), true).has_value();
+  };
+  const auto offer = [&negotiation] {
+    const LibrePtr<mbuf> text = negotiation.Write(true);
+    return std::string(reinterpret_cast<const char*>(text->buf), text->end);
+  };
+  EXPECT_TRUE(read("m=audio 4002 RTP/AVP 0\r\n"));
+  EXPECT_FALSE(read("m=audio 4002 RTP/AVP 18\r\n"));
+  EXPECT_NE(offer().find("m=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
 }
 
 TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
