@@ -15,12 +15,12 @@ namespace {
 constexpr std::size_t kLongestLine = 998;
 
 void Check(CURLcode code) {
-  if (code != CURLE_OK) throw std::runtime_error(curl_easy_strerror(code));
+  if (code != CURLE_OK) throw std::runtime_error(Curl().easy_strerror(code));
 }
 
 template <class List>
 void Append(List& list, const std::string& line) {
-  curl_slist* longer = curl_slist_append(list.get(), line.c_str());
+  curl_slist* longer = Curl().slist_append(list.get(), line.c_str());
   if (longer == nullptr) throw std::bad_alloc();
   static_cast<void>(list.release());
   list.reset(longer);
@@ -38,7 +38,7 @@ int SeekAttachment(void* attachment, curl_off_t offset, int origin) {
 }  // namespace
 
 Message::Message(CURL* curl, const Envelope& envelope, Attachment* attachment)
-    : curl_(curl), mime_(curl_mime_init(curl), &curl_mime_free) {
+    : curl_(curl), mime_(Curl().mime_init(curl), Curl().mime_free) {
   if (!mime_) throw std::bad_alloc();
   Append(recipients_, "<" + envelope.recipient + ">");
   Append(fields_, MailboxField("From", envelope.sender_name, envelope.sender));
@@ -52,34 +52,34 @@ Message::Message(CURL* curl, const Envelope& envelope, Attachment* attachment)
 }
 
 void Message::AddText(const std::string& text) {
-  curl_mimepart* part = curl_mime_addpart(mime_.get());
+  curl_mimepart* part = Curl().mime_addpart(mime_.get());
   if (part == nullptr) throw std::bad_alloc();
   const bool plain = text.size() <= kLongestLine && std::all_of(text.begin(), text.end(), [](char c) {
                        return static_cast<unsigned char>(c) < 0x80;
                      });
-  Check(curl_mime_data(part, text.data(), text.size()));
-  Check(curl_mime_type(part, "text/plain; charset=utf-8"));
+  Check(Curl().mime_data(part, text.data(), text.size()));
+  Check(Curl().mime_type(part, "text/plain; charset=utf-8"));
   // Both keep the size of the whole known before it is sent, which quoted-printable does not.
-  Check(curl_mime_encoder(part, plain ? "7bit" : "base64"));
+  Check(Curl().mime_encoder(part, plain ? "7bit" : "base64"));
 }
 
 void Message::AddAttachment(const std::string& path, Attachment* attachment) {
-  curl_mimepart* part = curl_mime_addpart(mime_.get());
+  curl_mimepart* part = Curl().mime_addpart(mime_.get());
   if (part == nullptr) throw std::bad_alloc();
-  Check(curl_mime_data_cb(part, attachment->Size(), &ReadAttachment, &SeekAttachment, nullptr, attachment));
-  Check(curl_mime_type(part, "audio/x-wav"));
-  Check(curl_mime_encoder(part, "base64"));
+  Check(Curl().mime_data_cb(part, attachment->Size(), &ReadAttachment, &SeekAttachment, nullptr, attachment));
+  Check(Curl().mime_type(part, "audio/x-wav"));
+  Check(Curl().mime_encoder(part, "base64"));
   // Written here, because libcurl puts a name into its own field as it stands, whatever its characters.
-  List own(nullptr, &curl_slist_free_all);
+  List own(nullptr, Curl().slist_free_all);
   Append(own, AttachmentField(std::filesystem::path(path).filename().string()));
-  Check(curl_mime_headers(part, own.release(), 1));
+  Check(Curl().mime_headers(part, own.release(), 1));
 }
 
 void Message::Use(const Envelope& envelope) const {
-  Check(curl_easy_setopt(curl_, CURLOPT_MAIL_FROM, ("<" + envelope.sender + ">").c_str()));
-  Check(curl_easy_setopt(curl_, CURLOPT_MAIL_RCPT, recipients_.get()));
-  Check(curl_easy_setopt(curl_, CURLOPT_HTTPHEADER, fields_.get()));
-  Check(curl_easy_setopt(curl_, CURLOPT_MIMEPOST, mime_.get()));
+  Check(Curl().easy_setopt(curl_, CURLOPT_MAIL_FROM, ("<" + envelope.sender + ">").c_str()));
+  Check(Curl().easy_setopt(curl_, CURLOPT_MAIL_RCPT, recipients_.get()));
+  Check(Curl().easy_setopt(curl_, CURLOPT_HTTPHEADER, fields_.get()));
+  Check(Curl().easy_setopt(curl_, CURLOPT_MIMEPOST, mime_.get()));
 }
 
 }  // namespace orven

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <curl/curl.h>
-
 #include <memory>
 
 #include "adapters/mail/attachment.h"
+#include "adapters/mail/curl_library.h"
 #include "adapters/mail/envelope.h"
 
 namespace orven {
@@ -26,8 +25,8 @@ class Message {
   void AddAttachment(const std::string& path, Attachment* attachment);
 
   CURL* curl_;
-  List recipients_{nullptr, &curl_slist_free_all};
-  List fields_{nullptr, &curl_slist_free_all};
+  List recipients_{nullptr, Curl().slist_free_all};
+  List fields_{nullptr, Curl().slist_free_all};
   std::unique_ptr<curl_mime, decltype(&curl_mime_free)> mime_;
 };
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "adapters/mail/curl_library.h"
 #include "adapters/mail/mail_text.h"
 
 namespace orven {
@@ -37,7 +38,8 @@ std::string Unconnected(const CurlFailure& failure, const std::string& server) {
 
 std::string Described(const CurlFailure& failure, const std::string& server, const SmtpDialogue& dialogue) {
   const std::string said = dialogue.Reply().empty() ? "" : ": " + dialogue.Reply();
-  const std::string words = OneLine(*failure.text != '\0' ? failure.text : curl_easy_strerror(failure.code));
+  const std::string words =
+      OneLine(*failure.text != '\0' ? failure.text : Curl().easy_strerror(failure.code));
   if (failure.stalled) return server + " stopped answering (timed out)";
   switch (failure.code) {
     case CURLE_COULDNT_RESOLVE_HOST: return "the server's name " + server + " is not known";

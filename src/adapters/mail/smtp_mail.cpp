@@ -8,7 +8,6 @@
 
 #include "adapters/mail/attachment.h"
 #include "adapters/mail/mail_text.h"
-#include "adapters/mail/smtp_transfer.h"
 
 namespace orven {
 namespace {
@@ -26,7 +25,6 @@ SmtpMail::SmtpMail(EventLoop& loop, std::string outbox_folder, Account account, 
     : account_(account ? std::move(account) : [] { return MailAccount{}; }),
       warning_(warning ? std::move(warning) : [](const std::string&) {}),
       outbox_(std::move(outbox_folder)) {
-  SetUpMailLibrary();
   MailQueue::Listener listener;
   listener.tell = [this, &loop](MailQueue::Event event) {
     loop.Post(lifeline_.Bind([this, event = std::move(event)] {

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/mail/smtp_transfer.h"
 
-#include <curl/curl.h>
-
 #include <memory>
 #include <optional>
 #include <stdexcept>
 
 #include "adapters/mail/attachment.h"
+#include "adapters/mail/curl_library.h"
 #include "adapters/mail/mail_server.h"
 #include "adapters/mail/mail_text.h"
 #include "adapters/mail/message.h"
@@ -35,9 +34,9 @@ class Transfer {
     message.Use(envelope);
     UseServer(server, account);
     UseCallbacks();
-    const CURLcode code = curl_easy_perform(curl_.get());
+    const CURLcode code = Curl().easy_perform(curl_.get());
     long os_error = 0;
-    curl_easy_getinfo(curl_.get(), CURLINFO_OS_ERRNO, &os_error);
+    Curl().easy_getinfo(curl_.get(), CURLINFO_OS_ERRNO, &os_error);
     if (dialogue_.Accepted()) return {};
     if (cancellation_.Cancelled()) return {MailOutcome::State::Cancelled, {}};
     if (attachment_ && !attachment_->Failure().empty()) {
@@ -51,8 +50,8 @@ class Transfer {
  private:
   template <class Value>
   void Set(CURLoption option, Value value) {
-    if (const CURLcode code = curl_easy_setopt(curl_.get(), option, value); code != CURLE_OK) {
-      throw std::runtime_error(curl_easy_strerror(code));
+    if (const CURLcode code = Curl().easy_setopt(curl_.get(), option, value); code != CURLE_OK) {
+      throw std::runtime_error(Curl().easy_strerror(code));
     }
   }
 
@@ -116,12 +115,12 @@ class Transfer {
 
   bool GoOn(std::int64_t total, std::int64_t sent) {
     curl_off_t connected = 0;
-    curl_easy_getinfo(curl_.get(), CURLINFO_CONNECT_TIME_T, &connected);
+    Curl().easy_getinfo(curl_.get(), CURLINFO_CONNECT_TIME_T, &connected);
     if (connected > 0 && !connected_) {
       connected_ = true;
       dialogue_.Connected();
       // libcurl counts the greeting and the login as connecting; here they have the other limit.
-      curl_easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
+      Curl().easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
     }
     dialogue_.Sent(sent);
     Tell(total, sent);
@@ -148,7 +147,7 @@ class Transfer {
   std::int64_t told_ = 0;
   SmtpDialogue::Clock::time_point told_at_{};
   // The last member: closing it calls back.
-  std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{curl_easy_init(), &curl_easy_cleanup};
+  std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{Curl().easy_init(), Curl().easy_cleanup};
 };
 
 /// What is wrong with a mail before any server has seen it; empty when nothing is.
@@ -178,11 +177,6 @@ MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const
   } catch (const std::exception& failure) {
     return failed(failure.what());
   }
-}
-
-void SetUpMailLibrary() {
-  static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
-  if (code != CURLE_OK) throw std::runtime_error(curl_easy_strerror(code));
 }
 
 }  // namespace orven

@@ -25,11 +25,8 @@ struct MailOutcome {
 using MailProgress = std::function<void(std::int64_t total, std::int64_t sent)>;
 
 /// Sends one mail and returns when it is sent or has failed. `progress` is called on this thread, on
-/// which SIGPIPE is blocked. SetUpMailLibrary has been called.
+/// which SIGPIPE is blocked.
 MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const MailLimits& limits,
                      Cancellation& cancellation, const MailProgress& progress);
-
-/// Once in the program's life, before its mail threads start; more calls do nothing.
-void SetUpMailLibrary();
 
 }  // namespace orven

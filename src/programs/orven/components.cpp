@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/orven/components.h"
 
-#include <curl/curl.h>
+#include <curl/curlver.h>
 #include <pulse/version.h>
 #include <samplerate.h>
 #include <sndfile.h>
@@ -33,7 +33,7 @@ std::vector<Component> ProgramComponents() {
       {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", "sound files"},
       {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sound files at another rate"},
       {"SQLite", sqlite3_libversion(), "public domain", "the records of calls"},
-      {"libcurl", curl_version_info(CURLVERSION_NOW)->version, "curl", "mail"},
+      {"libcurl", LIBCURL_VERSION, "curl", "mail"},
       {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "the default sound card"},
       {"eSpeak NG", ORVEN_ESPEAK_VERSION, "GPL-3.0-or-later", "typed greetings (helper TTS)"},
       {"GLib", ORVEN_GLIB_VERSION, "LGPL-2.1-or-later", "the start at login"},
