@@ -25,7 +25,7 @@ import processes  # noqa: E402
 
 STARTS = 7
 RECORDS = 100_000
-IDLE_SECONDS = 20.0
+IDLE_TIMES, IDLE_SECONDS = 4, 5.0
 START_LIMIT, END_LIMIT = 20.0, 10.0
 
 
@@ -115,6 +115,15 @@ def cpu_seconds(process):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
+def voluntary_switches(process):
+    """How often its threads have waited for something: each of them is a wake-up."""
+    count = 0
+    for path in glob.glob(f"/proc/{process.pid}/task/*/status"):
+        with open(path, encoding="ascii") as status:
+            count += next(int(line.split()[1]) for line in status if line.startswith("voluntary_ctxt_switches"))
+    return count
+
+
 def report_starts(machine, what):
     shown, opened = [], []
     for _ in range(STARTS):
@@ -129,10 +138,14 @@ def report_starts(machine, what):
 def report_waiting(machine, what, *arguments):
     process, *_ = machine.timed_start(*arguments, window=not arguments)
     time.sleep(3)  # what a start leaves to be done
-    before = cpu_seconds(process)
-    time.sleep(IDLE_SECONDS)
-    share = (cpu_seconds(process) - before) / IDLE_SECONDS
-    print(f"{what:45} resident {resident_megabytes(process):5.1f} MB   CPU {share * 100:.2f} % of a core", flush=True)
+    cpu, switches = cpu_seconds(process), []
+    for _ in range(IDLE_TIMES):
+        before = voluntary_switches(process)
+        time.sleep(IDLE_SECONDS)
+        switches.append((voluntary_switches(process) - before) / IDLE_SECONDS)
+    share = (cpu_seconds(process) - cpu) / IDLE_SECONDS / IDLE_TIMES
+    print(f"{what:45} resident {resident_megabytes(process):5.1f} MB   CPU {share * 100:.2f} % of a core   "
+          f"wake-ups {statistics.median(switches):.2f} a second (most {max(switches):.2f}, aim < 2)", flush=True)
     end(process)
 
 

@@ -1,102 +1,68 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How long the call records take at the size of many years of calls.
-#include <benchmark/benchmark.h>
-
+// How long the call records take at the size of some months, years and decades of calls.
 #include <filesystem>
 
 #include "adapters/database/sqlite_connection.h"
 #include "adapters/database/sqlite_database.h"
+#include "measured.h"
 #include "records/call_fields.h"
 #include "records/call_list.h"
 
-namespace orven {
+namespace orven::bench {
 namespace {
 
-constexpr std::int32_t kRecords = 100'000;
+constexpr std::int32_t kRowsOfAWindow = 40;
+constexpr int kTimes = 200;
 
-/// One database of 100,000 records for all measurements; committing each by itself would take minutes,
-/// so it is made with a single statement.
-class Records {
+SqliteDatabase CallRecords() {
+  return SqliteDatabase{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
+}
+
+/// A folder with a database of `count` records, which is made by one statement: committing each by itself
+/// would take minutes.
+class Folder {
  public:
-  explicit Records(const char* name) : folder_(std::filesystem::temp_directory_path() / name) {
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
-    database_.Open(Path());
-    SqliteConnection(Path()).Execute(
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) INSERT INTO Calls "
-        "SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', '12-31-2003_14-05-07.wav', '5.2', '0' FROM n");
+  explicit Folder(std::int32_t count) {
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+    CallRecords().Open(Calls());
+    SqliteConnection(Calls()).Execute(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(count) +
+        ") INSERT INTO Calls SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', '12-31-2003_14-05-07.wav', "
+        "'5.2', '0' FROM n");
   }
-  ~Records() { std::filesystem::remove_all(folder_); }
-  Records(const Records&) = delete;
-  Records& operator=(const Records&) = delete;
+  ~Folder() { std::filesystem::remove_all(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
 
-  std::string Path() const { return (folder_ / "Calls").string(); }
-  SqliteDatabase& Database() { return database_; }
+  std::string Calls() const { return (path_ / "Calls").string(); }
 
  private:
-  std::filesystem::path folder_;
-  SqliteDatabase database_{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
+  std::filesystem::path path_ = std::filesystem::temp_directory_path() / "orven-bench-records";
 };
 
-SqliteDatabase& Database() {
-  static Records records("orven-bench-records");
-  return records.Database();
-}
-
-void MoveToAnyRecord(benchmark::State& state) {
-  auto& database = Database();
-  std::int32_t number = 1;
-  for (auto _ : state) {
-    database.MoveTo(number);
-    benchmark::DoNotOptimize(database.GetField(kCallName));
-    number = number * 7 % kRecords + 1;
-  }
-}
-BENCHMARK(MoveToAnyRecord);
-
-void MarkARecordRead(benchmark::State& state) {
-  auto& database = Database();
-  std::int32_t read = 0;
-  for (auto _ : state) {
-    database.MoveTo(kRecords / 2);
-    database.Edit();
-    database.SetField(kRead, read = 1 - read);
-    database.Update();
-  }
-}
-BENCHMARK(MarkARecordRead)->Unit(benchmark::kMillisecond);
-
-void FileACall(benchmark::State& state) {
-  auto& database = Database();
-  for (auto _ : state) {
-    database.AddNew();
-    for (const char* field : kCallFields) database.SetField(field, "value");
-    database.Update();
-  }
-}
-BENCHMARK(FileACall)->Unit(benchmark::kMillisecond);
-
-/// A window that asks for the forty rows that fit into it, whenever they may have changed.
-class FortyRows : public CallListView, public CallCountsView {
+/// A window that asks for the rows that fit into it, whenever they may have changed.
+class Window : public CallListView, public CallCountsView {
  public:
   const CallList* list = nullptr;
   std::int32_t first = 1;
-  void Look() const {
-    for (auto row = first; row < first + 40 && row <= list->Count(); ++row)
-      benchmark::DoNotOptimize(list->Row(row));
+  std::size_t seen = 0;  ///< so that nothing of it is left out
+  void Look() {
+    for (auto row = first; row < first + kRowsOfAWindow && row <= list->Count(); ++row) See(row);
   }
   void ShowColumns(const std::vector<CallColumn>& /*columns*/) override {}
   void ShowRowCount(std::int32_t /*count*/) override { Look(); }
   void ShowRowsInserted(std::int32_t /*count*/) override {}
   void ShowRowRemoved(std::int32_t /*index*/) override { Look(); }
   void ShowRowsChanged() override { Look(); }
-  void ShowIcon(std::int32_t index, CallIcon /*icon*/) override {
-    benchmark::DoNotOptimize(list->Row(index));
-  }
+  void ShowIcon(std::int32_t index, CallIcon /*icon*/) override { See(index); }
   void ShowSelection(std::int32_t /*index*/) override {}
   void EnsureVisible(std::int32_t /*index*/) override {}
   void PopUpMenu(bool /*message*/) override {}
   void MakeSysTryBaloon(std::int32_t /*total*/, std::int32_t /*new_calls*/) override {}
+
+ private:
+  void See(std::int32_t row) { seen += list->Row(row).number.size(); }
 };
 
 class NoLog : public SystemLog {
@@ -110,57 +76,53 @@ struct FilledList {
     list.makeList();
   }
   NoLog log;
-  FortyRows view;
+  Window view;
   CallList list;
 };
 
-void FillTheList(benchmark::State& state) {
-  auto& database = Database();
-  for (auto _ : state) FilledList filled(database);
+void AddRecord(SqliteDatabase& database) {
+  database.AddNew();
+  for (const char* field : kCallFields) database.SetField(field, "value");
+  database.Update();
 }
-BENCHMARK(FillTheList)->Unit(benchmark::kMillisecond);
 
-void ScrollTheListByAPage(benchmark::State& state) {
-  FilledList filled(Database());
-  for (auto _ : state) {
-    filled.view.first = filled.view.first * 7 % (kRecords - 40) + 1;
-    filled.view.Look();
-  }
+void Mark(SqliteDatabase& database, std::int32_t number, std::int32_t read) {
+  database.MoveTo(number);
+  database.Edit();
+  database.SetField(kRead, read);
+  database.Update();
 }
-BENCHMARK(ScrollTheListByAPage)->Unit(benchmark::kMillisecond);
 
-void ListANewCall(benchmark::State& state) {
-  auto& database = Database();
+void MeasureRecords(std::int32_t count) {
+  const Folder folder(count);
+  std::printf("%d records\n", count);
+  PrintTimes("open", Measure(kTimes / 10, [&] { CallRecords().Open(folder.Calls()); }));
+  auto database = CallRecords();
+  database.Open(folder.Calls());
+  PrintTimes("makeList, from nothing", Measure(kTimes / 10, [&] { FilledList filled(database); }));
   FilledList filled(database);
-  for (auto _ : state) {
-    database.AddNew();
-    for (const char* field : kCallFields) database.SetField(field, "value");
-    database.Update();
-    filled.list.makeList();
-  }
+  auto& list = filled.list;
+  PrintTimes("rows of a page, anywhere", Measure(kTimes, [&] {
+               filled.view.first = filled.view.first * 7 % (count - kRowsOfAWindow) + 1;
+               filled.view.Look();
+             }));
+  std::int32_t read = 0;
+  PrintTimes("mark as heard", Measure(kTimes, [&] { Mark(database, count / 2, read = 1 - read); }));
+  PrintTimes("add a call", Measure(kTimes, [&] { AddRecord(database); }));
+  PrintTimes("makeList, after a new call",
+             Measure(
+                 kTimes, [&] { list.makeList(); }, [&] { AddRecord(database); }));
+  PrintTimes("delete a call, and makeList", Measure(kTimes, [&] {
+               database.MoveTo(list.RecordNumber(500));
+               database.Delete();
+               list.Remove(500);
+               list.makeList();
+             }));
 }
-BENCHMARK(ListANewCall)->Unit(benchmark::kMillisecond);
-
-void DeleteACallFromTheList(benchmark::State& state) {
-  auto& database = Database();
-  FilledList filled(database);
-  for (auto _ : state) {
-    database.MoveTo(filled.list.RecordNumber(500));
-    database.Delete();
-    filled.list.Remove(500);
-    filled.list.makeList();
-  }
-}
-BENCHMARK(DeleteACallFromTheList)->Unit(benchmark::kMillisecond);
-
-void OpenTheDatabase(benchmark::State& state) {
-  static Records records("orven-bench-open");
-  for (auto _ : state) {
-    SqliteDatabase database{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
-    database.Open(records.Path());
-  }
-}
-BENCHMARK(OpenTheDatabase)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace orven
+}  // namespace orven::bench
+
+int main() {
+  for (const std::int32_t count : {1'000, 10'000, 100'000}) orven::bench::MeasureRecords(count);
+}
