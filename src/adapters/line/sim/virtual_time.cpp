@@ -15,62 +15,55 @@ std::string Print(const char* format, Numbers... numbers) {
   return buffer.data();
 }
 
-/// Ticks through the loop's own queue. A tick that was queued before Stop finds another generation.
-class VirtualTimer : public Timer {
+}  // namespace
+
+class VirtualTime::VirtualTimer : public Timer {
  public:
-  VirtualTimer(EventLoop& loop, EventLoop::Task tick)
-      : loop_(loop), state_(std::make_shared<State>(State{std::move(tick)})) {}
+  VirtualTimer(VirtualTime& time, Task tick)
+      : time_(time), job_(std::make_shared<Job>(Job{.task = std::move(tick), .repeats = true})) {}
   ~VirtualTimer() override { VirtualTimer::Stop(); }
   VirtualTimer(const VirtualTimer&) = delete;
   VirtualTimer& operator=(const VirtualTimer&) = delete;
 
   void Start(std::chrono::milliseconds interval) override {
-    ++state_->generation;
-    state_->enabled = true;
-    Schedule(loop_, state_, interval, state_->generation);
+    ++job_->start;
+    job_->interval = interval;
+    enabled_ = true;
+    time_.Queue(interval, job_);
   }
   void Stop() override {
-    ++state_->generation;
-    state_->enabled = false;
+    ++job_->start;
+    enabled_ = false;
   }
-  bool Enabled() const override { return state_->enabled; }
+  bool Enabled() const override { return enabled_; }
 
  private:
-  struct State {
-    EventLoop::Task tick;
-    std::uint64_t generation = 0;
-    bool enabled = false;
-  };
-
-  static void Schedule(EventLoop& loop, const std::shared_ptr<State>& state,
-                       std::chrono::milliseconds interval, std::uint64_t generation) {
-    loop.After(interval, [&loop, state, interval, generation] {
-      if (state->generation != generation) return;
-      Schedule(loop, state, interval, generation);
-      state->tick();
-    });
-  }
-
-  EventLoop& loop_;
-  std::shared_ptr<State> state_;
+  VirtualTime& time_;
+  std::shared_ptr<Job> job_;
+  bool enabled_ = false;
 };
 
-}  // namespace
-
 void VirtualTime::After(std::chrono::milliseconds delay, Task task) {
-  due_.push({now_ + std::max(delay, std::chrono::milliseconds(0)), order_++, std::move(task)});
+  Queue(delay, std::make_shared<Job>(Job{.task = std::move(task)}));
 }
 
 std::unique_ptr<Timer> VirtualTime::MakeTimer(Task tick) {
   return std::make_unique<VirtualTimer>(*this, std::move(tick));
 }
 
+void VirtualTime::Queue(std::chrono::milliseconds delay, std::shared_ptr<Job> job) {
+  const auto start = job->start;
+  due_.push({now_ + std::max(delay, std::chrono::milliseconds(0)), order_++, start, std::move(job)});
+}
+
 void VirtualTime::RunNext() {
-  // The queue gives only const access to its top; the task is taken out before the element goes.
-  auto task = std::move(const_cast<Due&>(due_.top()).task);
-  now_ = due_.top().at;
+  // The queue gives only const access to its top; the job is taken out before the element goes.
+  const Due due = std::move(const_cast<Due&>(due_.top()));
   due_.pop();
-  task();
+  now_ = due.at;
+  if (due.start != due.job->start) return;
+  if (due.job->repeats) Queue(due.job->interval, due.job);
+  due.job->task();
 }
 
 void VirtualTime::RunFor(std::chrono::milliseconds duration) {

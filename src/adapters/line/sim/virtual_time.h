@@ -42,13 +42,25 @@ class VirtualTime : public EventLoop, public Clock {
   WallTime Midnight(std::chrono::year_month_day day) const override;
 
  private:
+  class VirtualTimer;
+
+  /// What is done once, or at each tick of a timer, which therefore allocates nothing: simulated hours are
+  /// mostly ticks.
+  struct Job {
+    Task task;
+    std::chrono::milliseconds interval{0};
+    std::uint64_t start = 0;  ///< counts a timer's starts and stops: what was queued before is void
+    bool repeats = false;
+  };
   struct Due {
     std::chrono::milliseconds at;
     std::uint64_t order;  ///< of two tasks due at one time the one asked for first runs first
-    Task task;
+    std::uint64_t start;
+    std::shared_ptr<Job> job;
     bool operator<(const Due& other) const { return at != other.at ? at > other.at : order > other.order; }
   };
 
+  void Queue(std::chrono::milliseconds delay, std::shared_ptr<Job> job);
   void RunNext();
 
   WallTime start_;
