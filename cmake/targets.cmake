@@ -51,10 +51,15 @@ endfunction()
 
 # orven_scale_limits()
 # Last in a folder that calls add_test itself: multiplies the tests' limits, too, and tells them the factor.
+# Whole programs that are slow and have to keep pace with a caller have the machine for themselves.
 function(orven_scale_limits)
   get_property(names DIRECTORY PROPERTY TESTS)
   foreach(name ${names})
     get_property(limit TEST ${name} PROPERTY TIMEOUT)
+    get_property(label TEST ${name} PROPERTY LABELS)
+    if(ORVEN_TIME_FACTOR GREATER 1 AND "qt" IN_LIST label)
+      set_property(TEST ${name} PROPERTY RUN_SERIAL TRUE)
+    endif()
     math(EXPR limit "${limit} * ${ORVEN_TIME_FACTOR}")
     set_property(TEST ${name} PROPERTY TIMEOUT ${limit})
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
