@@ -19,10 +19,11 @@ bool IsAttachable(const std::string& path) {
 }
 
 // O_NONBLOCK, so that a pipe in the file's place is refused and not waited for.
-Attachment::Attachment(const std::string& path) : path_(path), file_(path, O_RDONLY | O_NONBLOCK) {
+Attachment::Attachment(std::string path, const std::string& source)
+    : path_(std::move(path)), file_(source, O_RDONLY | O_NONBLOCK) {
   struct stat status {};
-  if (::fstat(file_.Number(), &status) != 0) throw FileFailure(errno, path);
-  if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathAccessError, path + " (not a file)");
+  if (::fstat(file_.Number(), &status) != 0) throw FileFailure(errno, path_);
+  if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathAccessError, path_ + " (not a file)");
   size_ = status.st_size;
 }
 

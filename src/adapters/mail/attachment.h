@@ -17,8 +17,9 @@ bool IsAttachable(const std::string& path);
 /// A file that is read into a mail. It keeps the size that it had when it was opened.
 class Attachment {
  public:
-  /// Throws RuntimeError naming the path.
-  explicit Attachment(const std::string& path);
+  /// The file `source`, which is called `path` where its owner reads of it. Throws RuntimeError naming
+  /// `path`.
+  Attachment(std::string path, const std::string& source);
 
   std::int64_t Size() const { return size_; }
 

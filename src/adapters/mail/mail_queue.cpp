@@ -91,7 +91,8 @@ void MailQueue::Transmit(const Envelope& envelope, const QueuedMail& mail) {
       events.Progress(static_cast<std::int32_t>(total), static_cast<std::int32_t>(sent));
     });
   };
-  const MailOutcome outcome = SendMail(envelope, mail.account, limits_, cancellation_, progress);
+  const std::string source = Outbox::SourceOf(envelope.attachment, mail.file);
+  const MailOutcome outcome = SendMail(envelope, source, mail.account, limits_, cancellation_, progress);
   if (outcome.state == MailOutcome::State::Cancelled) return;
   // First the disk, then the word: what has been told is not sent again.
   if (!mail.file.empty()) Forget(mail.file);

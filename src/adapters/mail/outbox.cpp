@@ -40,6 +40,18 @@ std::string NameOf(unsigned number) {
   return name.data();
 }
 
+/// The attached file's second name beside the mail in `path`.
+std::string SecondName(const std::string& path) {
+  return fs::path(path).replace_extension(".sound").string();
+}
+
+/// One that a crash has left behind is in the way.
+void GiveSecondName(const std::string& attachment, const std::string& path) {
+  const std::string name = SecondName(path);
+  ::unlink(name.c_str());
+  if (!attachment.empty()) (void)::link(attachment.c_str(), name.c_str());
+}
+
 }  // namespace
 
 std::string Outbox::Keep(const Envelope& envelope) {
@@ -48,8 +60,21 @@ std::string Outbox::Keep(const Envelope& envelope) {
   const unsigned newest = waiting.empty() ? 0 : NumberOf(fs::path(waiting.back()).filename().string());
   last_ = std::max(last_, newest) + 1;
   std::string path = (fs::path(folder_) / NameOf(last_)).string();
-  CreateFile(path, EnvelopeText(envelope), 0600);
+  GiveSecondName(envelope.attachment, path);
+  try {
+    CreateFile(path, EnvelopeText(envelope), 0600);
+  } catch (...) {
+    ::unlink(SecondName(path).c_str());
+    throw;
+  }
   return path;
+}
+
+std::string Outbox::SourceOf(const std::string& attachment, const std::string& path) {
+  if (attachment.empty() || path.empty()) return attachment;
+  std::string name = SecondName(path);
+  std::error_code error;
+  return fs::exists(name, error) ? name : attachment;
 }
 
 std::vector<std::string> Outbox::Waiting() const {
@@ -80,6 +105,7 @@ std::string Outbox::SetAside(const std::string& path) {
 
 void Outbox::Remove(const std::string& path) {
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileFailure(errno, path);
+  ::unlink(SecondName(path).c_str());
   Descriptor(fs::path(path).parent_path().string(), O_RDONLY | O_DIRECTORY).Sync();
 }
 

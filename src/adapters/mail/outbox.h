@@ -17,7 +17,8 @@ class Outbox {
   /// The folder is made with the first mail.
   explicit Outbox(std::string folder) : folder_(std::move(folder)) {}
 
-  /// Keeps a mail, durable on return, readable by this user alone; returns the file's path.
+  /// Keeps a mail, durable on return, readable by this user alone; returns the file's path. The attached file
+  /// gets a second name here where its disk allows, and is sent whole even if it is moved or deleted before.
   std::string Keep(const Envelope& envelope);
 
   /// The files of all mails, the oldest first. None when there is no folder.
@@ -25,6 +26,10 @@ class Outbox {
 
   /// The mail in a file; nothing when the file is damaged.
   static std::optional<Envelope> Read(const std::string& path);
+
+  /// Where the attachment `attachment` of the mail in the file `path` is read: from its second name, else
+  /// from its own. `path` is empty for a mail that could not be kept.
+  static std::string SourceOf(const std::string& attachment, const std::string& path);
 
   /// Sets a damaged file aside; returns its new path.
   static std::string SetAside(const std::string& path);

@@ -28,8 +28,9 @@ class Transfer {
     if (!curl_) throw std::bad_alloc();
   }
 
-  MailOutcome Send(const Envelope& envelope, const MailAccount& account, const MailServer& server) {
-    if (!envelope.attachment.empty()) attachment_.emplace(envelope.attachment);
+  MailOutcome Send(const Envelope& envelope, const std::string& source, const MailAccount& account,
+                   const MailServer& server) {
+    if (!envelope.attachment.empty()) attachment_.emplace(envelope.attachment, source);
     const Message message(curl_.get(), envelope, attachment_ ? &*attachment_ : nullptr);
     message.Use(envelope);
     UseServer(server, account);
@@ -163,8 +164,8 @@ std::string Refusal(const Envelope& envelope) {
 
 }  // namespace
 
-MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const MailLimits& limits,
-                     Cancellation& cancellation, const MailProgress& progress) {
+MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
+                     const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress) {
   const auto failed = [](std::string why) { return MailOutcome{MailOutcome::State::Failed, std::move(why)}; };
   const auto server = ParseMailServer(envelope.server);
   if (!server) {
@@ -173,7 +174,7 @@ MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const
   }
   if (std::string refusal = Refusal(envelope); !refusal.empty()) return failed(std::move(refusal));
   try {
-    return Transfer(limits, cancellation, progress).Send(envelope, account, *server);
+    return Transfer(limits, cancellation, progress).Send(envelope, source, account, *server);
   } catch (const std::exception& failure) {
     return failed(failure.what());
   }

@@ -24,9 +24,10 @@ struct MailOutcome {
 /// `total` and `sent` bytes of the mail, at most about ten times a second; total 0 while not known.
 using MailProgress = std::function<void(std::int64_t total, std::int64_t sent)>;
 
-/// Sends one mail and returns when it is sent or has failed. `progress` is called on this thread, on
-/// which SIGPIPE is blocked.
-MailOutcome SendMail(const Envelope& envelope, const MailAccount& account, const MailLimits& limits,
-                     Cancellation& cancellation, const MailProgress& progress);
+/// Sends one mail and returns when it is sent or has failed. The attachment, if there is one, is read from
+/// `source` and keeps the name that it has in the envelope. `progress` is called on this thread, on which
+/// SIGPIPE is blocked.
+MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
+                     const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress);
 
 }  // namespace orven

@@ -114,8 +114,9 @@ class MailTest : public ::testing::Test, public MailEvents {
   std::vector<std::string> Waiting() const {
     std::vector<std::string> names;
     if (!std::filesystem::exists(Outbox())) return names;
-    for (const auto& entry : std::filesystem::directory_iterator(Outbox()))
-      names.push_back(entry.path().string());
+    for (const auto& entry : std::filesystem::directory_iterator(Outbox())) {
+      if (entry.path().extension() != ".sound") names.push_back(entry.path().string());
+    }
     return names;
   }
 

@@ -194,7 +194,7 @@ TEST_F(MailTest, ServerOutOfReachTimesOutAndHoldsNoExit) {
   }
 }
 
-TEST_F(MailTest, AttachmentThatVanishesOrShrinksIsNamed) {
+TEST_F(MailTest, AttachmentThatShrinksOrVanishesUnkeptIsNamed) {
   const TestServer server("fault DATA pause once");
   const std::string file = folder_ / "a.wav";
   const std::string gone = folder_ / "b.wav";
@@ -202,6 +202,7 @@ TEST_F(MailTest, AttachmentThatVanishesOrShrinksIsNamed) {
   test::PutFile(gone, "RIFF");
   Send(server.Address(), "shrinks", "a@example.org", file);
   Send(server.Address(), "vanishes", "b@example.org", gone);
+  std::filesystem::remove(Outbox() + "/000000002.sound");  // as on a disk without second names
   ASSERT_TRUE(Eventually([&] { return server.Stalls(); }));
   std::filesystem::resize_file(file, 1000);
   std::filesystem::remove(gone);
@@ -227,11 +228,13 @@ class StalledExit : public MailTest, public ::testing::WithParamInterface<const 
 TEST_P(StalledExit, IsQuickAndTheNextStartSendsUnderTheSameId) {
   const TestServer server(std::string("fault ") + GetParam() + " stall once");
   account_ = {"desk", kPassword};
-  test::PutFile(folder_ / "a%.wav", Recording());
-  Send(server.Address(), "one\r\n100 %", "a@example.org", folder_ / "a%.wav");
+  const auto message = folder_ / "a%.wav";
+  test::PutFile(message, Recording());
+  Send(server.Address(), "one\r\n100 %", "a@example.org", message);
   Send(server.Address(), "two", "b@example.org");
   ASSERT_TRUE(Eventually([&] { return server.Stalls(); }));
   ASSERT_EQ(Waiting().size(), 2U);
+  std::filesystem::remove(message);  // its owner has heard it
   std::string first;
   for (const std::string& file : Waiting()) {
     EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
@@ -252,7 +255,7 @@ TEST_P(StalledExit, IsQuickAndTheNextStartSendsUnderTheSameId) {
   EXPECT_TRUE(mail["Content"] == Recording());
   EXPECT_THAT(first, HasSubstr("message-id=" + mail["Message-ID"]));
   EXPECT_EQ(server.Mail(1)["Message-ID"], mail["Message-ID"]);
-  EXPECT_THAT(Waiting(), IsEmpty());
+  EXPECT_TRUE(std::filesystem::is_empty(Outbox()));
 }
 INSTANTIATE_TEST_SUITE_P(, StalledExit, ::testing::Values("CONNECT", "RCPT", "BODY"));
 
