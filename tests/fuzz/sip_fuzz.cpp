@@ -9,6 +9,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -75,9 +76,13 @@ class Telephone {
     for (std::size_t at = 0; (at = datagram.find("TAG", at)) != std::string::npos; at += tag_.size()) {
       datagram.replace(at, 3, tag_);
     }
-    const sockaddr_in line = Loopback(kLinePort);
-    (void)sendto(socket_, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&line),
-                 sizeof(line));
+    SendTo(kLinePort, datagram);
+  }
+
+  /// A packet to where the line wants the call's sound. Its zero bytes are written as ones.
+  void SendSound(std::string packet) {
+    std::replace(packet.begin(), packet.end(), '\1', '\0');
+    if (sound_port_ != 0) SendTo(sound_port_, packet);
   }
 
   void Hear() {
@@ -89,9 +94,15 @@ class Telephone {
   }
 
  private:
+  void SendTo(std::uint16_t port, const std::string& datagram) const {
+    const sockaddr_in line = Loopback(port);
+    (void)sendto(socket_, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&line),
+                 sizeof(line));
+  }
+
   /// What the line sends is a message, and all of it.
   void Take(std::size_t size) {
-    if (size == 4) return;  // the library's sign of life
+    if (size == 4 || (buffer_[0] & 0xC0U) == 0x80U) return;  // a sign of life, or sound
     const LibrePtr<mbuf> buffer(mbuf_alloc(size));
     Require(mbuf_write_mem(buffer.get(), buffer_.data(), size) == 0);
     mbuf_set_pos(buffer.get(), 0);
@@ -101,11 +112,17 @@ class Telephone {
     Require(message->req || (message->scode >= 100 && message->scode < 700));
     Require(pl_u32(&message->clen) == mbuf_get_left(buffer.get()));
     if (pl_isset(&message->to.tag)) tag_ = std::string(View(message->to.tag)).substr(0, 64);
+    const std::string body(reinterpret_cast<const char*>(mbuf_buf(buffer.get())),
+                           mbuf_get_left(buffer.get()));
+    if (const auto media = body.find("m=audio "); media != body.npos) {
+      sound_port_ = static_cast<std::uint16_t>(std::strtoul(body.c_str() + media + 8, nullptr, 10));
+    }
   }
 
   int socket_;
   std::array<std::uint8_t, 65536> buffer_{};
   std::string tag_ = "none";
+  std::uint16_t sound_port_ = 0;
 };
 
 /// Holds the line to the contract of its events.
@@ -223,6 +240,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       rest.remove_prefix(std::min(step.size() + 1, rest.size()));
       if (step.starts_with('!')) {
         for (const char what : step.substr(1, 4)) Act(agent, listener, what);
+      } else if (step.starts_with('~')) {
+        telephone.SendSound(std::string(step.substr(1)));
+        RunLoop();
       } else {
         telephone.Send(std::string(step));
         RunLoop();

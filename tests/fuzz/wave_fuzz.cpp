@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever lies where a sound file should: it is measured, drawn, played and entered in the middle. And what
-// a recording is at any moment can be played. Links: orven_audio
+// a recording is at any moment can be played.
+// Links: orven_audio
 #include <sys/mman.h>
 #include <unistd.h>
 
