@@ -2,6 +2,7 @@
 #include "adapters/line/sip/digit_merger.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace orven {
 namespace {
@@ -12,6 +13,9 @@ constexpr std::chrono::milliseconds kSamePress{1000};
 
 /// Events repeat every 20 to 50 ms while a key is down (RFC 4733, section 2.5.1.2).
 constexpr std::chrono::milliseconds kStillDown{120};
+
+/// Nobody presses more keys within a second; who pretends to is not to keep us busy with it.
+constexpr std::size_t kMostPresses = 64;
 
 constexpr unsigned Bit(DigitSource source) {
   return 1U << static_cast<unsigned>(source);
@@ -29,6 +33,7 @@ bool DigitMerger::Report(DigitSource source, char digit, Time now) {
     press.last = std::max(press.last, now);
     return false;
   }
+  if (presses_.size() == kMostPresses) presses_.pop_front();
   presses_.push_back({digit, Bit(source), now, false});
   return true;
 }
