@@ -104,7 +104,7 @@ std::optional<OpenFailure> SipAgent::Listen() {
 
 void SipAgent::TakeInvite(const sip_msg& invite) {
   if (closing_ || (call_ != nullptr && !call_->Gone())) {
-    (void)sip_treply(nullptr, stack_.get(), &invite, 486, "Busy Here");
+    (void)sip_reply(stack_.get(), &invite, 486, "Busy Here");
     return;
   }
   // No exception may reach the library, which is C. Without memory or handles there is no call.
@@ -114,7 +114,7 @@ void SipAgent::TakeInvite(const sip_msg& invite) {
     call_ = SipCall::Accept(*surroundings_, calls_ + 1, invite);
     if (call_ != nullptr) ++calls_;
   } catch (const std::exception&) {
-    (void)sip_treply(nullptr, stack_.get(), &invite, 500, "Server Internal Error");
+    (void)sip_reply(stack_.get(), &invite, 500, "Server Internal Error");
   }
   if (call_ == nullptr) reserve_.Fill();
 }

@@ -44,7 +44,7 @@ SipCall::~SipCall() = default;
 
 bool SipCall::Prepare(const sip_msg& invite) {
   if (stream_ == nullptr) {
-    (void)sip_treply(nullptr, around_.stack, &invite, 500, "No Port For Sound");
+    (void)sip_reply(around_.stack, &invite, 500, "No Port For Sound");
     return false;
   }
   sa local = invite.dst;
@@ -52,12 +52,12 @@ bool SipCall::Prepare(const sip_msg& invite) {
   negotiation_.emplace(local, SrtpOf(around_.settings));
   if (mbuf_get_left(invite.mb) == 0) return true;
   if (!msg_ctype_cmp(&invite.ctyp, "application", "sdp")) {
-    (void)sip_treplyf(nullptr, nullptr, around_.stack, &invite, false, 415, "Unsupported Media Type",
-                      "Accept: application/sdp\r\nContent-Length: 0\r\n\r\n");
+    (void)sip_replyf(around_.stack, &invite, 415, "Unsupported Media Type",
+                     "Accept: application/sdp\r\nContent-Length: 0\r\n\r\n");
     return false;
   }
   agreement_ = negotiation_->Read(invite.mb, true);
-  if (!agreement_) (void)sip_treply(nullptr, around_.stack, &invite, 488, "Not Acceptable Here");
+  if (!agreement_) (void)sip_reply(around_.stack, &invite, 488, "Not Acceptable Here");
   return agreement_.has_value();
 }
 
@@ -77,8 +77,8 @@ bool SipCall::Begin(const sip_msg& invite) {
   if (error != 0) {
     // The library has answered nothing then; what it minds is a Contact that leads nowhere.
     const bool malformed = error == EBADMSG || error == EINVAL;
-    (void)sip_treply(nullptr, around_.stack, &invite, malformed ? 400 : 500,
-                     malformed ? "Bad Contact" : "Server Internal Error");
+    (void)sip_reply(around_.stack, &invite, malformed ? 400 : 500,
+                    malformed ? "Bad Contact" : "Server Internal Error");
   }
   return error == 0;
 }
