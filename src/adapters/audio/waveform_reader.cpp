@@ -12,8 +12,8 @@
 namespace orven {
 namespace {
 
-/// Frames read at once: a few milliseconds' work, after which a newer request is looked for.
-constexpr std::size_t kChunkFrames = 16384;
+/// Samples of all channels read at once: a few milliseconds' work, after which a newer request is looked for.
+constexpr std::size_t kChunkSamples = 16384;
 
 /// The loudest channel of one frame; what is no number in a damaged file counts as silence.
 float PeakOf(std::span<const float> frame) {
@@ -80,10 +80,11 @@ std::optional<Waveform> FileWaveformReader::Read(const std::string& path, std::u
   const auto count = std::min<std::int64_t>(info.frames, kPeaks);
   waveform.peaks.resize(static_cast<std::size_t>(count));
   const auto channels = static_cast<std::size_t>(info.channels);
-  std::vector<float> chunk(kChunkFrames * channels);
+  const std::size_t frames = std::max<std::size_t>(kChunkSamples / channels, 1);
+  std::vector<float> chunk(frames * channels);
   sf_count_t at = 0;
   while (request == newest_) {
-    const sf_count_t got = sf_readf_float(file.get(), chunk.data(), kChunkFrames);
+    const sf_count_t got = sf_readf_float(file.get(), chunk.data(), static_cast<sf_count_t>(frames));
     if (got <= 0) return waveform;
     for (sf_count_t i = 0; i < got && at < info.frames; ++i, ++at) {
       float& peak = waveform.peaks[static_cast<std::size_t>(at * count / info.frames)];
