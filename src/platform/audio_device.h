@@ -51,6 +51,10 @@ class AudioDevice {
   /// Ends playing. After it returns, `Read` is not running and will not be called. Idempotent.
   virtual void StopPlay() = 0;
 
+  /// The source that plays had only silence so far and has its first sound now: what is heard of it need not
+  /// wait for the device's next turn. Any thread; returns at once.
+  virtual void SourceReady() {}
+
   /// Starts handing captured blocks to `sink` until StopRecord; same results as StartPlay.
   virtual std::int32_t StartRecord(AudioSink& sink) = 0;
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace orven {
 namespace {
@@ -31,6 +32,27 @@ FileSource::FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::m
 FileSource::~FileSource() {
   Cancel();
   thread_.join();
+}
+
+void FileSource::WhenReady(std::function<void()> on_ready) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!ready_) {
+      on_ready_ = std::move(on_ready);
+      return;
+    }
+  }
+  on_ready();
+}
+
+void FileSource::TellReady() {
+  std::function<void()> tell;
+  {
+    const std::lock_guard lock(mutex_);
+    ready_ = true;
+    tell = std::exchange(on_ready_, nullptr);
+  }
+  if (tell) tell();
 }
 
 void FileSource::Cancel() {
@@ -62,10 +84,13 @@ std::chrono::milliseconds FileSource::Position() const {
 
 void FileSource::Decode() {
   std::array<std::int16_t, kDecodeChunk> chunk;
+  bool begun = false;
   const bool there = start_.count() == 0 || decoder_->SkipTo(start_);
   while (there && WaitForRoom()) {
     const std::size_t count = decoder_->Read(chunk);
+    const bool first = !std::exchange(begun, true);
     ring_.Push(std::span(chunk).first(count));
+    if (first) TellReady();
     if (count < chunk.size()) break;
   }
   decoder_.reset();

@@ -29,6 +29,9 @@ class FileSource : public AudioSource {
   /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
   ~FileSource() override;
 
+  /// Calls `on_ready` when there is sound to read: now, or on the decoding thread. Once.
+  void WhenReady(std::function<void()> on_ready);
+
   /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
   /// the last block of the file is filled up with silence.
   bool Read(std::span<std::int16_t> block) override;
@@ -46,6 +49,7 @@ class FileSource : public AudioSource {
  private:
   void Decode();
   bool WaitForRoom();
+  void TellReady();
 
   std::unique_ptr<TelephoneDecoder> decoder_;
   const std::chrono::milliseconds start_;
@@ -55,7 +59,9 @@ class FileSource : public AudioSource {
   std::atomic<bool> decoded_all_{false};
   std::atomic<bool> cancelled_{false};
   std::atomic<bool> finished_{false};
-  std::mutex mutex_;  ///< for the wait only; the device's thread never takes it
+  std::mutex mutex_;                ///< the device's thread never takes it
+  bool ready_ = false;              ///< guarded by mutex_; something has been decoded
+  std::function<void()> on_ready_;  ///< guarded by mutex_
   std::condition_variable wake_;
   std::thread thread_;  ///< last: it uses all of the above
 };

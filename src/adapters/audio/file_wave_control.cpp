@@ -100,6 +100,7 @@ std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> deco
   const std::int32_t result = play_device_->StartPlay(*source);
   if (result == kWaveOk) {
     source_ = std::move(source);
+    source_->WhenReady([device = play_device_] { device->SourceReady(); });
   } else {
     source->Cancel();
     old_sources_.Add(std::move(source));

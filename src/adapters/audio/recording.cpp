@@ -68,16 +68,26 @@ Recording::~Recording() {
 }
 
 void Recording::Write(std::span<const std::int16_t> block) {
-  level_ = PeakOf(block) * 1000 / kFullScale;
-  level_at_ = SteadyClock::now().time_since_epoch().count();
+  const auto now = SteadyClock::now();
+  const std::int32_t level = PeakOf(block) * 1000 / kFullScale;
+  level_ = level;
+  level_at_ = now.time_since_epoch().count();
   monitor_.Push(block);
   const std::lock_guard lock(queue_mutex_);
+  levels_.Add(level, now);
   queue_.insert(queue_.end(), block.begin(), block.end());
 }
 
 std::int32_t Recording::Level() const {
   const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
   return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
+}
+
+std::optional<std::chrono::milliseconds> Recording::SinceLouder(std::int32_t level) const {
+  const std::lock_guard lock(queue_mutex_);
+  const auto latest = levels_.LatestLouder(level);
+  if (!latest) return std::nullopt;
+  return std::chrono::floor<std::chrono::milliseconds>(SteadyClock::now() - *latest);
 }
 
 Recording::Saved Recording::SaveAs(const std::string& path) {
@@ -117,6 +127,12 @@ std::int32_t Recording::Store(const std::string& path) {
   return kWaveOk;
 }
 
+/// Puts the recording where it was to go, unless a file is there by now.
+bool Recording::StoreLate() {
+  std::error_code unknown;
+  return !std::filesystem::exists(path_, unknown) && Store(path_) == kWaveOk;
+}
+
 /// Leaves the recording as a playable file in one of the folders; false when none takes it.
 bool Recording::Keep() {
   if (growing_.Update(*image_) != kWaveOk) return false;
@@ -128,12 +144,6 @@ bool Recording::Keep() {
 
 void Recording::Run() {
   Lock lock(mutex_);
-/// Puts the recording where it was to go, unless a file is there by now.
-bool Recording::StoreLate() {
-  std::error_code unknown;
-  return !std::filesystem::exists(path_, unknown) && Store(path_) == kWaveOk;
-}
-
   if (settings_.to_disk) Grow(lock);
   wake_.wait(lock, [this] { return ended_; });
   Settle(lock);

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "adapters/audio/growing_file.h"
+#include "adapters/audio/level_history.h"
 #include "adapters/audio/live_monitor.h"
 #include "adapters/audio/wave_image.h"
 #include "platform/audio_device.h"
@@ -53,6 +54,9 @@ class Recording : public AudioSink {
   /// caller who sends nothing is a silent one. Any thread.
   std::int32_t Level() const;
 
+  /// As WaveControl::SinceLouder. Any thread.
+  std::optional<std::chrono::milliseconds> SinceLouder(std::int32_t level) const;
+
   /// Ends the recording and puts it at `path`, replacing an older file whole. The file is complete on
   /// return; where it grew on the same file system it is synced afterwards, on the recording's thread.
   /// When that fails, the recording is kept under a name of its own in the first folder that takes it. While
@@ -72,16 +76,17 @@ class Recording : public AudioSink {
   void Settle(Lock& lock);
   void Sync(Lock& lock, const std::shared_ptr<DiskFile>& file, bool name_too);
   std::int32_t Store(const std::string& path);
+  bool StoreLate();
   bool Keep();
 
   const Settings settings_;
   LiveMonitor& monitor_;
-  bool StoreLate();
   std::atomic<std::int32_t> level_{0};
   std::atomic<std::chrono::steady_clock::rep> level_at_{0};
   std::atomic<bool> finished_{false};
 
-  std::mutex queue_mutex_;  ///< held for moments only, never while anything is written
+  mutable std::mutex queue_mutex_;  ///< held for moments only, never while anything is written
+  LevelHistory levels_;             ///< guarded by queue_mutex_
   std::vector<std::int16_t> queue_;
 
   std::mutex mutex_;  ///< all below; not held during a sync

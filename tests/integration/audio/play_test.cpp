@@ -26,6 +26,7 @@ class Play : public AudioTest {
 TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
+  EXPECT_EQ(1, line.ready);
   EXPECT_TRUE(control->IsPlaying());
   EXPECT_EQ(3000ms, control->Position());
   EXPECT_EQ(0, finished);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -15,10 +16,12 @@ using Samples = std::vector<std::int16_t>;
 /// An audio device whose blocks move when the test says so, as fast as they can.
 class TestDevice : public AudioDevice {
  public:
-  std::int32_t refuse = 0;  ///< what starting answers instead, unless 0
+  std::int32_t refuse = 0;     ///< what starting answers instead, unless 0
+  std::atomic<int> ready = 0;  ///< how often a source had its first sound
 
   std::int32_t StartPlay(AudioSource& source) override;
   void StopPlay() override;
+  void SourceReady() override { ++ready; }
   std::int32_t StartRecord(AudioSink& sink) override;
   void StopRecord() override;
 

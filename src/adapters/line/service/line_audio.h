@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <span>
+#include <utility>
 
 #include "platform/audio_device.h"
 
@@ -16,8 +18,14 @@ class LineAudio : public AudioDevice {
  public:
   std::int32_t StartPlay(AudioSource& source) override;
   void StopPlay() override;
+  void SourceReady() override {
+    if (source_ready_) source_ready_();
+  }
   std::int32_t StartRecord(AudioSink& sink) override;
   void StopRecord() override;
+
+  /// Who is told that what plays has its first sound, on the thread that found it. Before the first play.
+  void OnSourceReady(std::function<void()> handler) { source_ready_ = std::move(handler); }
 
   /// Fills `block` with what is to be sent now; silence, and false, when nothing plays. Call's thread.
   bool Fetch(std::span<std::int16_t> block);
@@ -34,6 +42,7 @@ class LineAudio : public AudioDevice {
   bool TakeCut();
 
  private:
+  std::function<void()> source_ready_;
   mutable std::mutex play_mutex_;
   AudioSource* source_ = nullptr;  ///< guarded by play_mutex_
   bool cut_ = false;               ///< guarded by play_mutex_

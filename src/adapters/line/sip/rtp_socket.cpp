@@ -58,6 +58,10 @@ void DatagramSocket::Ready(int /*flags*/, void* self) {
   static_cast<DatagramSocket*>(self)->Drain();
 }
 
+void DatagramSocket::LeaveToDrain() {
+  fd_close(fd_);
+}
+
 void DatagramSocket::Drain() {
   DrainRefusals();
   std::uint8_t buffer[kLargestDatagram];

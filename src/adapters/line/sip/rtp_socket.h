@@ -31,6 +31,10 @@ class DatagramSocket {
   /// Hands over everything that has arrived by now; otherwise the loop does when it comes round.
   void Drain();
 
+  /// From now on only Drain looks for what has arrived: for somebody who calls it so often that to be woken
+  /// for each datagram, too, would be work for nothing.
+  void LeaveToDrain();
+
   void Send(const sa& destination, std::span<const std::uint8_t> datagram);
 
  private:

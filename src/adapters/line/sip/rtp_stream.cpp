@@ -59,6 +59,13 @@ void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
   ticker_.StartPeriodic(kBlockTime);
 }
 
+void RtpStream::SoundReady() {
+  if (!started_ || !silent_) return;
+  start_ = Clock::now() - (blocks_ + 1) * kBlockTime;
+  ticker_.StartPeriodic(kBlockTime);
+  Tick();
+}
+
 void RtpStream::Update(const MediaAgreement& agreement) {
   Agree(agreement);
   source_.reset();
@@ -113,6 +120,7 @@ void RtpStream::SendBlock() {
   std::array<std::int16_t, kBlockSamples> block;
   audio_.Fetch(block);
   timestamp_ += kBlockSamples;
+  silent_ = silent_ && std::ranges::all_of(block, [](auto sample) { return sample == 0; });
   const bool send = agreement_ && agreement_->send;
   if (send) {
     const RtpHeader header{.payload_type = agreement_->send_payload_type,
@@ -181,6 +189,7 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   if (codec) playout_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
   if (!heard_) {
     heard_ = true;
+    ports_.sound->LeaveToDrain();  // from here on a turn's 20 ms are soon enough
     events_.PeerHeard();
   }
   if (is_event) TakeEvent(*packet);

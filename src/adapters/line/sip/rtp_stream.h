@@ -47,6 +47,10 @@ class RtpStream {
   /// Begins; until the peer's address is known (`agreement` absent) it only receives time: silence.
   void Start(const std::optional<MediaAgreement>& agreement);
 
+  /// What plays has its first sound. If the peer has heard nothing but silence yet, that sound leaves now,
+  /// and the 20 ms are counted from here.
+  void SoundReady();
+
   /// From now on as agreed anew (re-INVITE): the peer may also send from elsewhere.
   void Update(const MediaAgreement& agreement);
 
@@ -99,6 +103,7 @@ class RtpStream {
   std::uint32_t timestamp_;
   std::uint16_t sequence_;
   bool talking_ = false;  ///< the previous block was sent
+  bool silent_ = true;    ///< all that was sent was silence
 };
 
 }  // namespace orven

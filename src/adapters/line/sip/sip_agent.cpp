@@ -137,6 +137,10 @@ void SipAgent::MonitorDigits(CallNumber call, bool on) {
   if (SipCall* found = Find(call)) found->MonitorDigits(on);
 }
 
+void SipAgent::SoundReady() {
+  if (call_ != nullptr) call_->SoundReady();
+}
+
 void SipAgent::Shutdown(std::function<void()> done) {
   closing_ = true;
   done_ = std::move(done);

@@ -31,6 +31,9 @@ class SipAgent {
   void Drop(CallNumber call, std::int32_t request);
   void MonitorDigits(CallNumber call, bool on);
 
+  /// What is played to the caller has its first sound.
+  void SoundReady();
+
   /// Hangs up, takes the registration back and calls `done` when the peer knows, or after a while
   /// without its answer. The agent is to be destroyed then, not from within `done`.
   void Shutdown(std::function<void()> done);

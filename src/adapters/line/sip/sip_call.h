@@ -57,6 +57,8 @@ class SipCall : private RtpStreamEvents {
   /// Ends the call without being asked by a request (the line closes).
   void HangUp();
   void MonitorDigits(bool on) { monitoring_ = on; }
+  /// What is played to the caller has its first sound.
+  void SoundReady() { stream_->SoundReady(); }
 
  private:
   SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite);

@@ -29,6 +29,11 @@ class SipLine final : public LineDriver {
     capabilities_.monitor_digits = true;
     capabilities_.interactive_voice = true;
     capabilities_.automated_voice = true;
+    audio_.OnSourceReady([this] {
+      thread_.Post([this] {
+        if (agent_ != nullptr) agent_->SoundReady();
+      });
+    });
   }
   ~SipLine() override { SipLine::Close(); }
 
