@@ -11,6 +11,10 @@
 #include <iostream>
 #include <utility>
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace orven {
 namespace {
 
@@ -25,6 +29,9 @@ constexpr auto kEndLimit = 1s;
 void EndBeforeGlobals(int status, void* /*unused*/) {
   std::cout.flush();
   std::fflush(nullptr);
+#if defined(__SANITIZE_ADDRESS__)
+  __lsan_do_leak_check();  // its own turn would come behind them
+#endif
   _exit(status);
 }
 
