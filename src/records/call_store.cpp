@@ -48,12 +48,13 @@ void CallStore::PutCallDetailsInDB(Call& call) {
   trap([&] { BringMessageAlong(call); });
   waiting_.push_back(call);
   FileWaitingCalls();
-  if (!waiting_.empty() || !late_.empty()) tmrRoom_->Start(kTryAgain);
+  if (!tmrRoom_->Enabled() && (!waiting_.empty() || !late_.empty())) tmrRoom_->Start(kTryAgain);
   ports_.calls_log.WriteCalls("Ring:" + call.ring_count_text + " [" + call.caller_name + ":" +
                               call.caller_number + "]");
 }
 
 void CallStore::FileWaitingCalls() {
+  FileLateMessages();
   const ErrorTrap loud(ports_.system_log, "ErrPutCallDetailsInDB ");
   const bool had_refused = refused_;
   while (!waiting_.empty()) {
@@ -69,9 +70,9 @@ void CallStore::FileWaitingCalls() {
 }
 
 void CallStore::TryAgain() {
-  const auto count = waiting_.size();
+  const std::pair before(waiting_.size(), late_.size());
   FileWaitingCalls();
-  if (FileLateMessages() || waiting_.size() != count) list_.makeList();
+  if (before != std::pair(waiting_.size(), late_.size())) list_.makeList();
   if (waiting_.empty() && late_.empty()) tmrRoom_->Stop();
 }
 
@@ -99,25 +100,22 @@ bool CallStore::Awaits(const Call& call) const {
   return !kept;
 }
 
-/// True when a record has got its message.
-bool CallStore::FileLateMessages() {
-  bool changed = false;
-  std::erase_if(late_, [&](Late& late) {
+void CallStore::FileLateMessages() {
+  std::erase_if(late_, [&](const Late& late) {
     bool over = false;
-    ErrorTrap::Silent()([&] { over = IsOver(late, changed); });
+    ErrorTrap::Silent()([&] { over = IsOver(late); });
     return over;
   });
-  return changed;
 }
 
-/// Nothing more is to be done for it. `filed` becomes true when its record has got its message.
-bool CallStore::IsOver(Late& late, bool& filed) {
+/// Whether the record has its message now, or will never have it.
+bool CallStore::IsOver(const Late& late) {
   const auto record = ports_.DataBase1.Locate(late.record);
   if (record == 0 || !Awaits(late.call)) return true;
   auto call = late.call;
   if (!TakeLateMessage(call)) return false;
   FileLateMessage(call, record);
-  return filed = true;
+  return true;
 }
 
 void CallStore::FileLateMessage(const Call& call, std::int32_t record) {

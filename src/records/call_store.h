@@ -69,7 +69,8 @@ class CallStore {
   /// The call is over and shall have no record.
   void LeaveOut(Call& call) { ports_.journal.Done(call); }
 
-  /// Files the calls that could not be filed before, the oldest first. The log names the cause once.
+  /// Files the calls that could not be filed before, the oldest first, and messages that have found room
+  /// since. The log names the cause once. The caller rebuilds the list.
   void FileWaitingCalls();
 
   /// Marks the call behind a row read or unread, unless it is so already.
@@ -119,8 +120,8 @@ class CallStore {
   void TryAgain();
   bool TakeLateMessage(Call& call);
   bool Awaits(const Call& call) const;
-  bool FileLateMessages();
-  bool IsOver(Late& late, bool& filed);
+  void FileLateMessages();
+  bool IsOver(const Late& late);
   void FileLateMessage(const Call& call, std::int32_t record);
   void WriteReadFlag(std::int32_t index, bool read, bool& has_message);
   bool AnotherCallHas(const std::string& message) const;

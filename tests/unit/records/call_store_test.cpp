@@ -159,8 +159,9 @@ TEST_F(CallStoreTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
   EXPECT_EQ(world.views.rows[0].length, "") << "its message still waits";
   world.files.Put(world.Wave1.last_recorded_path, TimedWave::Sound(3s));
   world.RunFor(5s);
-  EXPECT_EQ(world.views.rows[0].length, "3");
-  EXPECT_EQ(world.messages + world.views.rows[0].key, world.Wave1.last_recorded_path);
+  const auto row = world.Machine().ListView1.Row(1);
+  EXPECT_EQ(row.length, "3");
+  EXPECT_EQ(world.messages + row.key, world.Wave1.last_recorded_path);
   EXPECT_EQ(world.database.Records().size(), 4U);
 }
 
