@@ -200,6 +200,7 @@ std::vector<std::string> CallRecovery::GrownOf(const Call& call) const {
   if (std::ranges::find(folders, call.trail.growing_folder) == folders.end())
     folders.push_back(call.trail.growing_folder);
   const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
+  if (stem.empty()) return {};  // a damaged line; it would claim everybody's
   std::vector<std::string> paths;
   for (const auto& folder : folders) {
     ErrorTrap::Silent()([&] {

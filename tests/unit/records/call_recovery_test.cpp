@@ -169,6 +169,19 @@ TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
   EXPECT_EQ(1U, Filed().size());
 }
 
+TEST_F(Recovery, ACallWithoutANameForItsMessageClaimsNoneOfTheOthers) {
+  Start();
+  Crash();
+  files.Put(kJournal, "call\t1\t\t\tAnna\t\t\t\t\t" + messages + "\t\t0\t0\n");
+  files.Put(messages + ".recording-a-1-1.wav.part", TimedWave::Sound(2s));
+  files.Put(messages + ".recording-b-1-2.wav.part", TimedWave::Sound(3s));
+  RunFor(60s);
+  Start();
+  EXPECT_EQ(3U, Filed().size());
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + "a.wav"));
+  EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "b.wav"));
+}
+
 TEST_F(Recovery, AMessageThatTheFolderDoesNotTakeIsKeptAndNamed) {
   CallAndRecord(2s);
   Crash();
