@@ -157,10 +157,21 @@ class Victim:
 
     def news(self):
         """The lines of the system log since it was last turned over: (time text, text)."""
-        log = self.log()
-        if log and not log.endswith("\r\n"):
-            self.tally.fault(f"{self.home}: half a line in the log: {log[-80:]!r}")
+        log = self.whole_log()
         return [tuple(line.split(" : ", 1)) for line in log[self.log_size :].split("\r\n")[:-1]]
+
+    def whole_log(self):
+        """The log, whose end is one of a line: of a line that is just being written half may be seen for a moment,
+        where it reaches into another page of the file."""
+        try:
+            return processes.wait_for("A line's end", self.ended_log, 2)[0]
+        except processes.Failed:
+            self.tally.fault(f"{self.home}: half a line in the log: {self.log()[-80:]!r}")
+            return self.log()
+
+    def ended_log(self):
+        log = self.log()
+        return [log] if not log or log.endswith("\r\n") else None
 
     def log(self):
         paths = sorted(glob.glob(self.path("Log/*_Sys.txt")), key=os.path.getmtime)
@@ -234,7 +245,9 @@ class Victim:
             file.write(scenario)
         ports = ["-mi", "127.0.0.1", "-p", str(processes.free_port()), "-mp", str(processes.free_port() & 0xFFFE)]
         command = ["sipp", f"127.0.0.1:{self.port}", "-sf", path, "-m", "1", "-nostdin", "-i", "127.0.0.1"]
-        return processes.start(command + ports, os.path.join(self.folder, "sipp.log"), cwd=self.folder)
+        sipp = processes.start(command + ports, os.path.join(self.folder, "sipp.log"), cwd=self.folder)
+        processes.hurry(sipp)
+        return sipp
 
     def records(self, copied=False):
         """The records; `copied`: without touching what a killed program left of its database."""
