@@ -2,8 +2,6 @@
 // Whatever a modem sends, in pieces of any size, through all that reads it.
 // Links: orven_line_modem
 #include <cstdint>
-#include <cstdlib>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -16,15 +14,11 @@
 #include "adapters/line/modem/sample_codec.h"
 #include "adapters/line/modem/shielding.h"
 #include "adapters/line/modem/voice_format.h"
+#include "fuzz/input.h"
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
-/// Ends the program where a promise is broken.
-void Require(bool kept) {
-  if (!kept) std::abort();
-}
+using namespace orven::fuzz;
 
 /// The largest sound that shielding and resampling can make of `bytes`, in samples.
 constexpr std::size_t kMostSamples = 16 * 4096;
