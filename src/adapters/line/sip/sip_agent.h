@@ -43,6 +43,7 @@ class SipAgent {
   void TakeInvite(const sip_msg& invite);
   SipCall* Find(CallNumber number) const;
   void Finish();
+  void TidyMemory();
 
   const SipLineSettings& settings_;
   LineAudio& audio_;
@@ -57,6 +58,7 @@ class SipAgent {
   CallNumber calls_ = 0;
   bool closing_ = false;
   SteadyTimer close_timer_;
+  SteadyTimer tidy_timer_;
   std::function<void()> done_;
 };
 
