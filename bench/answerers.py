@@ -78,7 +78,7 @@ class Orven:
     def timed_start(self):
         """Ends the program and starts it again; the seconds until it answered a request."""
         self.machine.exit()
-        seconds = first_answer(self.port, self.machine._start)
+        seconds = first_answer(self.port, self.machine.start)
         self.process = Process(self.machine.process.pid)
         return seconds
 

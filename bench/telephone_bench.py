@@ -7,7 +7,6 @@
 A telephone of ours calls the program and, in turn, baresip, which answers by itself; the times are the kernel's.
 """
 
-import array
 import contextlib
 import os
 import random
@@ -16,7 +15,6 @@ import subprocess
 import sys
 import tempfile
 import time
-import wave
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "demo"))
@@ -34,7 +32,7 @@ LONG_CALLS, LONG_SECONDS = 4, 16.0
 RECORDED_SECONDS = 60
 STARTS = 9
 FEW_CALLS, MANY_CALLS = 100, 1000
-TRANSACTION_SECONDS = 35  # what is kept of a call in case its last answer was lost: 32 s, RFC 3261 section 17.2.2
+TRANSACTION_SECONDS = 36  # what is kept of a call in case its last answer was lost: 32 s, RFC 3261 section 17.2.2
 BETWEEN_CALLS = 0.05
 BUSY_PROCESSES = 2
 
@@ -47,7 +45,7 @@ class Table:
         self.row("", "ORVEN", "baresip", "aim")
 
     def row(self, what, ours="", peers="", aim=""):
-        print(f"{what:52} {ours:36} {peers:36} {aim}".rstrip(), flush=True)
+        print(f"{what:57} {ours:43} {peers:43} {aim}".rstrip(), flush=True)
 
     @contextlib.contextmanager
     def failing(self, what):
@@ -244,16 +242,17 @@ def memory(who):
 
 
 def report_memory(table, answering, what):
-    """After a start, after some calls and after many, when the last trace of them has been given up."""
-    steps = [("after the start", 0, 2)]
-    steps += [(f"after {FEW_CALLS} calls", FEW_CALLS, TRANSACTION_SECONDS)]
-    steps += [(f"after {MANY_CALLS:,} calls", MANY_CALLS - FEW_CALLS, TRANSACTION_SECONDS)]
-    for step, calls, wait in steps:
+    row = [memory(who) for who in answering]
+    table.row(f"resident after the start, {what}", *row, *([""] if len(row) == 1 else []), "45 MB")
+
+
+def report_growth(table, answering):
+    """After some calls and after many, when the last trace of them has been given up."""
+    for calls, more in ((FEW_CALLS, FEW_CALLS), (MANY_CALLS, MANY_CALLS - FEW_CALLS)):
         for who in answering:
-            short_calls(table, who, calls)
-        time.sleep(wait)
-        table.row(f"resident {step}, {what}", *(memory(who) for who in answering),
-                  *([""] if len(answering) == 1 else []), "45 MB" if calls == 0 else "no growth")
+            short_calls(table, who, more)
+        time.sleep(TRANSACTION_SECONDS)
+        table.row(f"resident after {calls:,} calls", *(memory(who) for who in answering), "no growth")
 
 
 def report_starts(table, answering, what):
@@ -283,7 +282,9 @@ def main(program):
              answerers.Peer(os.path.join(folder, "peer"), greeting) as peer:  # fmt: skip
             both = (ours, peer)
             report_starts(table, both, "without a display")
+            time.sleep(2)
             report_memory(table, both, "without a display")
+            report_growth(table, both)
             report_answers(table, both)
             report_second_rings(table, ours)
             report_spacing(table, both, "machine idle")
@@ -293,6 +294,7 @@ def main(program):
         with display.Display(folder) as screen, \
              answerers.Orven(program, os.path.join(folder, "shown"), greeting, display=screen) as ours:  # fmt: skip
             report_starts(table, (ours,), "X display")
+            time.sleep(2)
             report_memory(table, (ours,), "X display")
     print(f"load of the machine after: {' '.join(f'{load:.2f}' for load in os.getloadavg())}")
     if table.failures:

@@ -31,9 +31,9 @@ class Machine:
         # The first start enters the program among those that start with the desktop; not with the user's.
         self._environment["XDG_CONFIG_HOME"] = os.path.join(folder, "config")
         self._command, self._folder = [os.path.abspath(program), *arguments], folder
-        self._start()
+        self.start()
 
-    def _start(self):
+    def start(self):
         self.process = processes.start(self._command, self._output, env=self._environment, cwd=self._folder)
 
     def restart_with(self, settings):
@@ -51,7 +51,7 @@ class Machine:
         with open(path, "w", encoding="utf-8", newline="") as file:
             file.write(text)
         openings = sum("LineOpen[" in line for line in self.system_log)
-        self._start()
+        self.start()
         processes.wait_for(
             "The line", lambda: sum("LineOpen[" in line for line in self.system_log) > openings, 20, self.look
         )
