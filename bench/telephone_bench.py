@@ -124,7 +124,7 @@ def report_second_rings(table, program):
 
 def spacing(call, seconds):
     """The seconds between the packets of the greeting. The kernel keeps them, and when they came, so that nobody
-    need wake up for each."""
+    need wake up for each. A gap in which the machine's clock was set back is left out."""
     arrivals = []
     end = time.monotonic() + seconds
     while time.monotonic() < end:
@@ -135,7 +135,7 @@ def spacing(call, seconds):
                 break
             if payload != sip_telephone.SILENCE:
                 arrivals.append(arrived)
-    return [after - before for before, after in zip(arrivals, arrivals[1:])]
+    return [after - before for before, after in zip(arrivals, arrivals[1:]) if after >= before]
 
 
 def report_spacing(table, answering, what):
