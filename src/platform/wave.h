@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace orven {
@@ -85,10 +84,6 @@ class WaveControl {
 
   /// Peak of the last 20 ms captured, in thousandths of full scale (0..1000); 0 when not recording.
   virtual std::int32_t InputLevel() const = 0;
-
-  /// How long ago 20 ms louder than `level` were captured last, if that was within a second; else, and when
-  /// not recording, nothing. Tells what InputLevel would have, asked all the time.
-  virtual std::optional<std::chrono::milliseconds> SinceLouder(std::int32_t level) const = 0;
 
   /// Plays what is being captured live on wave device `device`, from now on.
   virtual std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) = 0;

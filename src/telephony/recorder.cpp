@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/recorder.h"
 
-#include <algorithm>
 #include <chrono>
 
 #include "core/error_trap.h"
@@ -14,10 +13,7 @@ namespace {
 
 using std::chrono_literals::operator""ms;
 
-/// Silence is counted in ticks of 10 ms, a second's at once: what was loud in it, and when, is asked
-/// afterwards, so that nobody need wake up a hundred times a second.
-constexpr std::chrono::milliseconds kSilenceTick = 10ms;
-constexpr std::chrono::milliseconds kMostTicksAtOnce = 1000ms;
+constexpr auto kSilenceInterval = 10ms;
 constexpr auto kRecordInterval = 1000ms;
 
 /// Pause between the beep and the recording, so that the beep's own echo is not recorded.
@@ -82,7 +78,7 @@ void Recorder::StartAfterWait() {
   if (!can_record) return;
   trap([&] { TimerRecord->Start(kRecordInterval); });
   trap([&] {
-    if (context_.settings.cDropSilence != 0) WaitForSilence();
+    if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
   });
   trap([&] { context_.progress.Enter(CallState::Recording); });
 }
@@ -186,25 +182,18 @@ void Recorder::StopTimers() {
   tmrSilence->Stop();
 }
 
-/// Until there may be enough of it.
-void Recorder::WaitForSilence() {
-  const std::chrono::milliseconds missing = std::chrono::seconds(context_.settings.SecSilence) -
-                                            std::chrono::milliseconds(context_.call.silence_milliseconds);
-  silence_wait_ = std::clamp(missing, kSilenceTick, kMostTicksAtOnce);
-  tmrSilence->Start(silence_wait_);
-}
-
 void Recorder::SilenceTick() {
   const auto trap = ErrorTrap::Silent();
   auto& call = context_.call;
-  // Counted by ticks, whatever time really passed between them; a loud one begins the count anew.
-  std::chrono::milliseconds silence = std::chrono::milliseconds(call.silence_milliseconds) + silence_wait_;
-  trap([&] {
-    const auto louder = context_.Wave1.SinceLouder(context_.settings.ValSilence);
-    if (louder) silence = std::min(silence, *louder);
-  });
-  call.silence_milliseconds = static_cast<std::int32_t>(silence.count());
-  if (silence < std::chrono::seconds(context_.settings.SecSilence)) return WaitForSilence();
+  std::int32_t level = 0;
+  trap([&] { level = context_.Wave1.InputLevel(); });
+  if (level > context_.settings.ValSilence) {
+    call.silence_milliseconds = 0;
+    return;
+  }
+  // Counted by ticks, whatever time really passed between them.
+  call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
+  if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
   call.silence_milliseconds = 0;
   trap([&] {
     if (Recording()) StopRecMessage();

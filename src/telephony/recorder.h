@@ -56,7 +56,6 @@ class Recorder {
   std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
   std::string MakeRoom(std::string& path);
   std::int32_t Store(std::string& path);
-  void WaitForSilence();
   void SilenceTick();
   void RecordTick();
   std::int32_t WaveIn() const;
@@ -66,7 +65,6 @@ class Recorder {
   CallControl& control_;
   std::unique_ptr<Timer> tmrSilence;
   std::unique_ptr<Timer> TimerRecord;
-  std::chrono::milliseconds silence_wait_{0};  ///< tmrSilence's interval
   Lifeline lifeline_;
 };
 

@@ -38,24 +38,7 @@ std::int32_t TimedWave::StartRecord(std::int32_t device, const WaveFormat& forma
   recorded.push_back(format);
   from_line_ = device >= kFirstLineWaveDevice;
   recording_since_ = time_.Uptime();
-  levels_.clear();
-  level_watch_->Start(std::chrono::milliseconds(10));
   return kWaveOk;
-}
-
-void TimedWave::NoteLevel() {
-  if (!IsRecording()) return level_watch_->Stop();
-  levels_.emplace_back(time_.Uptime(), level());
-  if (levels_.size() > 100) levels_.pop_front();
-}
-
-std::optional<std::chrono::milliseconds> TimedWave::SinceLouder(std::int32_t than) const {
-  if (!IsRecording()) return std::nullopt;
-  if (level() > than) return std::chrono::milliseconds(0);
-  const auto loud =
-      std::find_if(levels_.rbegin(), levels_.rend(), [than](const auto& at) { return at.second > than; });
-  if (loud == levels_.rend()) return std::nullopt;
-  return time_.Uptime() - loud->first;
 }
 
 std::int32_t TimedWave::StopRecordToFile(const std::string& path) {

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <deque>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "adapters/line/sim/virtual_time.h"
@@ -20,8 +17,7 @@ namespace orven::test {
 /// and a recording is as long as it ran. It records what it was asked to do.
 class TimedWave : public WaveControl {
  public:
-  TimedWave(VirtualTime& time, MemoryFiles& files)
-      : time_(time), files_(files), level_watch_(time.MakeTimer([this] { NoteLevel(); })) {}
+  TimedWave(VirtualTime& time, MemoryFiles& files) : time_(time), files_(files) {}
 
   /// Content of a sound file of this length.
   static std::string Sound(std::chrono::milliseconds length);
@@ -78,7 +74,6 @@ class TimedWave : public WaveControl {
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_since_.has_value(); }
   std::int32_t InputLevel() const override { return IsRecording() ? level() : 0; }
-  std::optional<std::chrono::milliseconds> SinceLouder(std::int32_t than) const override;
   std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopMonitor() override { return kWaveOk; }
   std::string RecordErrorText(std::int32_t code) const override { return Text(code); }
@@ -98,15 +93,11 @@ class TimedWave : public WaveControl {
   std::int32_t KeepElsewhere(std::chrono::milliseconds length);
   std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
   void PlayFrom(std::chrono::milliseconds position);
-  void NoteLevel();
 
   VirtualTime& time_;
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
   std::optional<std::chrono::milliseconds> recording_since_;
-  std::unique_ptr<Timer> level_watch_;  ///< every 10 ms of a recording
-  std::deque<std::pair<std::chrono::milliseconds, std::int32_t>>
-      levels_;  ///< the last second's, with their uptimes
   std::string record_name_;
   bool from_line_ = false;  ///< the recording
   bool playing_ = false;

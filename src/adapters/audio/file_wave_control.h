@@ -44,9 +44,6 @@ class FileWaveControl : public WaveControl {
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_ != nullptr; }
   std::int32_t InputLevel() const override { return recording_ ? recording_->Level() : 0; }
-  std::optional<std::chrono::milliseconds> SinceLouder(std::int32_t level) const override {
-    return recording_ ? recording_->SinceLouder(level) : std::nullopt;
-  }
 
   /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. Goes on,
   /// silent, when the recording ends, until StopMonitor.

@@ -68,26 +68,16 @@ Recording::~Recording() {
 }
 
 void Recording::Write(std::span<const std::int16_t> block) {
-  const auto now = SteadyClock::now();
-  const std::int32_t level = PeakOf(block) * 1000 / kFullScale;
-  level_ = level;
-  level_at_ = now.time_since_epoch().count();
+  level_ = PeakOf(block) * 1000 / kFullScale;
+  level_at_ = SteadyClock::now().time_since_epoch().count();
   monitor_.Push(block);
   const std::lock_guard lock(queue_mutex_);
-  levels_.Add(level, now);
   queue_.insert(queue_.end(), block.begin(), block.end());
 }
 
 std::int32_t Recording::Level() const {
   const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
   return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
-}
-
-std::optional<std::chrono::milliseconds> Recording::SinceLouder(std::int32_t level) const {
-  const std::lock_guard lock(queue_mutex_);
-  const auto latest = levels_.LatestLouder(level);
-  if (!latest) return std::nullopt;
-  return std::chrono::floor<std::chrono::milliseconds>(SteadyClock::now() - *latest);
 }
 
 Recording::Saved Recording::SaveAs(const std::string& path) {

@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "adapters/audio/growing_file.h"
-#include "adapters/audio/level_history.h"
 #include "adapters/audio/live_monitor.h"
 #include "adapters/audio/wave_image.h"
 #include "platform/audio_device.h"
@@ -54,9 +53,6 @@ class Recording : public AudioSink {
   /// caller who sends nothing is a silent one. Any thread.
   std::int32_t Level() const;
 
-  /// As WaveControl::SinceLouder. Any thread.
-  std::optional<std::chrono::milliseconds> SinceLouder(std::int32_t level) const;
-
   /// Ends the recording and puts it at `path`, replacing an older file whole. The file is complete on
   /// return; where it grew on the same file system it is synced afterwards, on the recording's thread.
   /// When that fails, the recording is kept under a name of its own in the first folder that takes it. While
@@ -85,8 +81,7 @@ class Recording : public AudioSink {
   std::atomic<std::chrono::steady_clock::rep> level_at_{0};
   std::atomic<bool> finished_{false};
 
-  mutable std::mutex queue_mutex_;  ///< held for moments only, never while anything is written
-  LevelHistory levels_;             ///< guarded by queue_mutex_
+  std::mutex queue_mutex_;  ///< held for moments only, never while anything is written
   std::vector<std::int16_t> queue_;
 
   std::mutex mutex_;  ///< all below; not held during a sync
