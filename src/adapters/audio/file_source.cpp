@@ -35,30 +35,22 @@ FileSource::~FileSource() {
 }
 
 void FileSource::WhenReady(std::function<void()> on_ready) {
-  {
-    const std::lock_guard lock(mutex_);
-    if (!ready_) {
-      on_ready_ = std::move(on_ready);
-      return;
-    }
-  }
-  on_ready();
+  const std::lock_guard lock(mutex_);
+  if (ready_) return on_ready();
+  on_ready_ = std::move(on_ready);
 }
 
 void FileSource::TellReady() {
-  std::function<void()> tell;
-  {
-    const std::lock_guard lock(mutex_);
-    ready_ = true;
-    tell = std::exchange(on_ready_, nullptr);
-  }
-  if (tell) tell();
+  const std::lock_guard lock(mutex_);
+  ready_ = true;
+  if (const auto tell = std::exchange(on_ready_, nullptr)) tell();
 }
 
 void FileSource::Cancel() {
   {
     const std::lock_guard lock(mutex_);
     cancelled_ = true;
+    on_ready_ = nullptr;
   }
   wake_.notify_one();
 }

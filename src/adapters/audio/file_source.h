@@ -29,7 +29,8 @@ class FileSource : public AudioSource {
   /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
   ~FileSource() override;
 
-  /// Calls `on_ready` when there is sound to read: now, or on the decoding thread. Once.
+  /// Calls `on_ready`, which returns at once and calls nothing here, when there is sound to read: now, or on the
+  /// decoding thread. Once, and never after Cancel.
   void WhenReady(std::function<void()> on_ready);
 
   /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
