@@ -27,7 +27,6 @@ import sip_telephone  # noqa: E402
 import sound  # noqa: E402
 
 CALLS = 200  # of each kind, to each answerer
-SECOND_RINGS = 20
 LONG_CALLS, LONG_SECONDS = 4, 16.0
 RECORDED_SECONDS = 60
 STARTS = 9
@@ -92,12 +91,11 @@ def report_answers(table, answering):
                         call.talk()
                     heard = first_sound(call)
                 answered[who.name].append(call.answered - call.invited)
-                greeted[who.name, talks].append(heard - call.acknowledged)
+                greeted[who.name, talks].append(max(heard - call.acknowledged, 0))
                 early[who.name, talks] += heard < call.acknowledged
             time.sleep(BETWEEN_CALLS)
     ours, peer = (who.name for who in answering)
-    table.row(f"INVITE to 200, {2 * CALLS} calls", milliseconds(answered[ours]), milliseconds(answered[peer]),
-              "p50 0.7  p99 2 ms")
+    table.row(f"INVITE to 200, {2 * CALLS} calls", milliseconds(answered[ours]), milliseconds(answered[peer]))
     for talks in (True, False):
         what = "talks at once" if talks else "is silent"
         table.row(f"ACK to the greeting's first packet, caller {what}", milliseconds(greeted[ours, talks]),
@@ -112,14 +110,14 @@ def report_second_rings(table, program):
     few microseconds from the 180 to the start of that second."""
     program.restart_with({"NumOfRing": "2"})
     took = []
-    for number in range(SECOND_RINGS):
+    for number in range(CALLS):
         with table.failing(f"call {number + 1} with two rings"), sip_telephone.Call(program.port) as call:
             call.invite()
             call.acknowledge()
             took.append(call.answered - call.rung - 1)
         time.sleep(BETWEEN_CALLS)
     program.restart_with({"NumOfRing": "1"})
-    table.row(f"the second ring to 200, {SECOND_RINGS} calls", milliseconds(took), "", "p50 0.7  p99 2 ms")
+    table.row(f"ring threshold reached to 200, {CALLS} calls", milliseconds(took), "", "p50 0.7  p99 2 ms")
 
 
 def spacing(call, seconds):
@@ -218,8 +216,9 @@ def report_recording(table, program, folder):
             processes.wait_for("The record of the call", ours.machine.records, 10, ours.machine.look)
             message = ours.machine.records()[-1]["Call_Massage_Name"]
             found = compared(b"".join(blocks), data_of(os.path.join(ours.machine.home, "Messages", message)))
-    with answerers.Peer(os.path.join(folder, "peer_recorder"), noise(2 * RECORDED_SECONDS), records=True) as peer:
-        with table.failing("recorded call to baresip"), sip_telephone.Call(peer.port, peer.user) as call:
+    with table.failing("recorded call to baresip"), \
+         answerers.Peer(os.path.join(folder, "peer_recorder"), noise(2 * RECORDED_SECONDS), records=True) as peer:  # fmt: skip
+        with sip_telephone.Call(peer.port, peer.user) as call:
             call.invite()
             call.acknowledge()
             call.talk()
@@ -278,7 +277,8 @@ def main(program):
     table = Table()
     with tempfile.TemporaryDirectory() as folder:
         greeting = noise(LONG_SECONDS + 4)
-        with answerers.Orven(program, os.path.join(folder, "ours"), greeting) as ours, \
+        with table.failing("calls in turn"), \
+             answerers.Orven(program, os.path.join(folder, "ours"), greeting) as ours, \
              answerers.Peer(os.path.join(folder, "peer"), greeting) as peer:  # fmt: skip
             both = (ours, peer)
             report_starts(table, both, "without a display")
@@ -291,7 +291,7 @@ def main(program):
             with busy():
                 report_spacing(table, both, f"{BUSY_PROCESSES} busy processes")
         report_recording(table, program, folder)
-        with display.Display(folder) as screen, \
+        with table.failing("X display"), display.Display(folder) as screen, \
              answerers.Orven(program, os.path.join(folder, "shown"), greeting, display=screen) as ours:  # fmt: skip
             report_starts(table, (ours,), "X display")
             time.sleep(2)

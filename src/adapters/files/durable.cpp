@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -60,12 +61,13 @@ std::string BehindLink(const std::string& path) {
   return error ? path : target.string();
 }
 
-/// A temporary file beside its target; what has not been renamed goes when this goes. Failures name
-/// the target, the only name that a reader of the log knows.
+/// A temporary file in its target's folder; what has not become the target goes when this goes. It has no
+/// name until then, where the file system has such files, so that a killed program leaves nothing behind.
+/// Failures name the target, the only name that a reader of the log knows.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target)
-      : path_(FolderOf(target) + "/.orven-XXXXXX"), file_(::mkostemp(path_.data(), O_CLOEXEC), target) {
+      : path_(FolderOf(target) + "/.orven-XXXXXX"), file_(Make(path_), target) {
     const int error = errno;
     if (file_.Number() >= 0) return;
     path_.clear();
@@ -85,18 +87,53 @@ class TemporaryFile {
   void Become(const std::string& target, unsigned mode, bool replace) {
     if (::fchmod(file_.Number(), mode) != 0) throw FileFailure(errno, target);
     file_.Sync();
+    if (path_.empty() && !replace) {
+      Link(target, target);
+    } else {
+      if (path_.empty()) Link(UnusedPath(target), target);
+      Rename(target, replace);
+    }
     file_.Close();
+    SyncFolderOf(target);
+  }
+
+ private:
+  static constexpr const char* kOpenFiles = "/proc/self/fd/";
+
+  /// A file without a name, and `path` empty, or one at `path`.
+  static int Make(std::string& path) {
+    const int unnamed = ::access(kOpenFiles, X_OK) == 0
+                            ? ::open(FolderOf(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)
+                            : -1;
+    if (unnamed < 0) return ::mkostemp(path.data(), O_CLOEXEC);
+    path.clear();
+    return unnamed;
+  }
+
+  static std::string UnusedPath(const std::string& target) {
+    static std::atomic<unsigned> count{0};
+    return FolderOf(target) + "/.orven-" + std::to_string(::getpid()) + "-" + std::to_string(++count);
+  }
+
+  /// Gives the file that has no name the name `path`.
+  void Link(const std::string& path, const std::string& target) {
+    const std::string self = kOpenFiles + std::to_string(file_.Number());
+    if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      throw FileFailure(errno, target);
+    }
+    if (path != target) path_ = path;
+  }
+
+  void Rename(const std::string& target, bool replace) {
     if (!replace) {
       RenameKeeping(path_, target);
     } else if (::rename(path_.c_str(), target.c_str()) != 0) {
       throw FileFailure(errno, target);
     }
     path_.clear();
-    SyncFolderOf(target);
   }
 
- private:
-  std::string path_;
+  std::string path_;  ///< its own name, if it has one
   Descriptor file_;
 };
 

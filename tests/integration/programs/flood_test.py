@@ -120,9 +120,6 @@ class FloodTest(OrvenCase):
         message = sound.read(self.path("Messages/" + record[4]))
         self.assertTrue(samples.tobytes() in message.tobytes(), gap(samples, message))
 
-    def wait_for_memory(self, limit_kib):
-        processes.wait_for(f"Memory of {limit_kib} KiB again", lambda: self.memory() <= limit_kib, FORGET_LIMIT)
-
     def test_a_call_is_recorded_meanwhile(self):
         floods = []
         self.record("Before", noise(SECONDS + MARGIN))  # leaves behind what a call of this length does
