@@ -23,11 +23,11 @@ constexpr auto kLookAgain = 50ms;
 
 FileSource::FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
                        std::function<void()> on_ended)
-    : decoder_(std::move(decoder)),
-      start_(start),
-      on_ended_(std::move(on_ended)),
-      ring_(kAhead),
-      thread_([this] { Decode(); }) {}
+    : decoder_(std::move(decoder)), start_(start), on_ended_(std::move(on_ended)), ring_(kAhead) {
+  // A caller waits for the first sound; starting a thread takes longer than decoding it.
+  if (start_.count() == 0) more_ = DecodeChunk();
+  thread_ = std::thread([this] { Decode(); });
+}
 
 FileSource::~FileSource() {
   Cancel();
@@ -75,19 +75,20 @@ std::chrono::milliseconds FileSource::Position() const {
 }
 
 void FileSource::Decode() {
-  std::array<std::int16_t, kDecodeChunk> chunk;
-  bool begun = false;
-  const bool there = start_.count() == 0 || decoder_->SkipTo(start_);
-  while (there && WaitForRoom()) {
-    const std::size_t count = decoder_->Read(chunk);
-    const bool first = !std::exchange(begun, true);
-    ring_.Push(std::span(chunk).first(count));
-    if (first) TellReady();
-    if (count < chunk.size()) break;
-  }
+  if (start_.count() != 0) more_ = decoder_->SkipTo(start_);
+  while (more_ && WaitForRoom()) more_ = DecodeChunk();
   decoder_.reset();
   decoded_all_.store(true, std::memory_order_release);
   finished_.store(true, std::memory_order_release);
+}
+
+/// False when that was the last.
+bool FileSource::DecodeChunk() {
+  std::array<std::int16_t, kDecodeChunk> chunk;
+  const std::size_t count = decoder_->Read(chunk);
+  ring_.Push(std::span(chunk).first(count));
+  TellReady();
+  return count == chunk.size();
 }
 
 /// True when a chunk fits, false when the play has been cancelled.

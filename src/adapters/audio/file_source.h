@@ -21,16 +21,17 @@ namespace orven {
 /// takes the same memory.
 class FileSource : public AudioSource {
  public:
-  /// Starts decoding at `start`, which is within the file, 0 being its beginning. `on_ended` is called
-  /// on the device's thread when everything has been read or the device has gone.
+  /// Starts decoding at `start`, which is within the file, 0 being its beginning; what begins there has its
+  /// first tenth of a second when this returns. `on_ended` is called on the device's thread when everything
+  /// has been read or the device has gone.
   FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
              std::function<void()> on_ended);
 
   /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
   ~FileSource() override;
 
-  /// Calls `on_ready`, which returns at once and calls nothing here, when there is sound to read: now, or on the
-  /// decoding thread. Once, and never after Cancel.
+  /// Calls `on_ready`, which returns at once and calls nothing here, when there is sound to read: now, or on
+  /// the decoding thread. Once, and never after Cancel.
   void WhenReady(std::function<void()> on_ready);
 
   /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
@@ -49,6 +50,7 @@ class FileSource : public AudioSource {
 
  private:
   void Decode();
+  bool DecodeChunk();
   bool WaitForRoom();
   void TellReady();
 
@@ -56,6 +58,8 @@ class FileSource : public AudioSource {
   const std::chrono::milliseconds start_;
   std::function<void()> on_ended_;
   SampleRing ring_;
+  bool more_ =
+      true;  ///< the constructor's, then the decoding thread's: the file has not been read to its end
   std::atomic<std::int64_t> samples_played_{0};
   std::atomic<bool> decoded_all_{false};
   std::atomic<bool> cancelled_{false};
