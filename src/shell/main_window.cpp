@@ -19,6 +19,9 @@ constexpr std::uint32_t kFlat = 0x800;
 
 constexpr auto kClockInterval = 1s;
 
+/// Records that another program has locked, or whose disk is not there, are tried again so often.
+constexpr auto kTryRecords = 5s;
+
 /// A desktop that is just starting, or its panel that is starting anew, shows its notification area
 /// within twice this time.
 constexpr auto kTrayPatience = 10s;
@@ -33,9 +36,10 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& 
       system_(system),
       end_process_(std::move(end_process)),
       machine_(ports, views, shared),
-      commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs, ports.shell, shared,
-                 machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
+      commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs,
+                 ports.shell, shared, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
       TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })),
+      tmrRecords_(ports.loop.MakeTimer([this] { LookForRecords(); })),
       TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}
 
 void MainWindow::LoadHidden() {
@@ -110,10 +114,7 @@ void MainWindow::StartUp() {
   const ErrorTrap trap(machine_.log, "ErrorInitializeFormMain->");
   trap([&] { SetToolbarStyles(); });
   trap([&] { machine_.ListView1.Clear(); });
-  trap([&] {
-    const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
-    if (!note.empty()) machine_.log.WriteSystem(note);
-  });
+  if (!trap([&] { OpenRecords(); })) tmrRecords_->Start(kTryRecords);
   machine_.recovery.Run();
   machine_.ListView1.makeList();
   trap([&] { machine_.move.GoOn(); });
@@ -123,6 +124,21 @@ void MainWindow::StartUp() {
     machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
   });
   trap([&] { views_.player.EnableSlider(false); });
+}
+
+void MainWindow::OpenRecords() {
+  const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
+  if (!note.empty()) machine_.log.WriteSystem(note);
+}
+
+/// The records could not be opened at the start: what the start wanted of them is done when they can be.
+void MainWindow::LookForRecords() {
+  if (ended_) return tmrRecords_->Stop();
+  // They open themselves for whoever asks; the log has said why they could not.
+  if (!ErrorTrap::Silent()([&] { (void)ports_.DataBase1.RecordCount(); })) return;
+  tmrRecords_->Stop();
+  machine_.log.WriteSystem("The call records can be read now");
+  machine_.ListView1.makeList();
 }
 
 void MainWindow::SetToolbarStyles() {

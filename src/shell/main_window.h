@@ -58,6 +58,8 @@ class MainWindow : public MainWindowStart, private TrayOwner {
  private:
   void Load();
   void StartUp();
+  void OpenRecords();
+  void LookForRecords();
   void ReadSettings();
   void ShowListStyle();
   void ShowClock();
@@ -76,8 +78,9 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   AnsweringMachine machine_;
   MainCommands commands_;
   std::unique_ptr<Timer> TimerPannel_;
-  std::unique_ptr<Timer> TrayWatch_;  ///< runs while the window is hidden
-  bool tray_missed_ = false;          ///< there was no notification area at the latest look
+  std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
+  std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
+  bool tray_missed_ = false;           ///< there was no notification area at the latest look
   bool loaded_ = false;
   bool exiting_ = false;
   bool ended_ = false;

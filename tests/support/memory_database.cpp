@@ -26,6 +26,7 @@ void MemoryDatabase::Add(const std::map<std::string, std::string>& fields) {
 
 std::string MemoryDatabase::Open(const std::string& path) {
   opened_path = path;
+  Reach();
   return open_note;
 }
 
