@@ -17,10 +17,16 @@ inline constexpr const char* kUnknownCaller = "UNKNOWN";
 struct CallTrail {
   std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
   std::string growing_folder;  ///< where its recording was begun; empty: it was not
+  std::string growing_name;    ///< what its recording is known by there, or the file's own name
   std::string storing_path;    ///< where its recording was about to be put, a path that was free then
   /// Identity of the newest record before this call was offered, then before it was about to be filed (0: no
   /// record); nothing while that is not known.
   std::optional<std::int64_t> filed_after;
+  /// Identity of its record while that is without a message which may still come.
+  std::optional<std::int64_t> record;
+  /// Its message is out of reach for now: the recovery completes the record later, and tells the journal
+  /// then.
+  bool message_due = false;
 };
 
 /// Everything known of the current call. One call at a time; a new one replaces it whole.

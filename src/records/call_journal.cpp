@@ -26,10 +26,11 @@ constexpr std::array kTexts{&Call::date,
                             &Call::ring_count_text,
                             &Call::message_file_name,
                             &Call::message_path};
-constexpr std::array kTrailTexts{&CallTrail::growing_folder, &CallTrail::storing_path};
+constexpr std::array kTrailTexts{&CallTrail::growing_folder, &CallTrail::growing_name,
+                                 &CallTrail::storing_path};
 
-/// "call", number, the texts, message left, filed after.
-constexpr std::size_t kFields = 2 + kTexts.size() + kTrailTexts.size() + 2;
+/// "call", number, the texts, message left, filed after, record.
+constexpr std::size_t kFields = 2 + kTexts.size() + kTrailTexts.size() + 3;
 
 /// Without the characters that part lines and fields.
 std::string Escaped(const std::string& text) {
@@ -79,7 +80,9 @@ std::string LineOf(const Call& call) {
   for (const auto text : kTexts) line += "\t" + Escaped(call.*text);
   for (const auto text : kTrailTexts) line += "\t" + Escaped(call.trail.*text);
   line += call.message_left ? "\t1\t" : "\t0\t";
-  return call.trail.filed_after ? line + std::to_string(*call.trail.filed_after) : line;
+  if (call.trail.filed_after) line += std::to_string(*call.trail.filed_after);
+  line += "\t";
+  return call.trail.record ? line + std::to_string(*call.trail.record) : line;
 }
 
 std::optional<Call> CallOf(const std::vector<std::string>& fields, std::uint32_t entry) {
@@ -90,7 +93,8 @@ std::optional<Call> CallOf(const std::vector<std::string>& fields, std::uint32_t
   for (const auto text : kTexts) call.*text = Unescaped(*field++);
   for (const auto text : kTrailTexts) call.trail.*text = Unescaped(*field++);
   call.message_left = *field++ == "1";
-  call.trail.filed_after = ToNumber<std::int64_t>(*field);
+  call.trail.filed_after = ToNumber<std::int64_t>(*field++);
+  call.trail.record = ToNumber<std::int64_t>(*field);
   return call;
 }
 
@@ -113,12 +117,20 @@ bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls) {
 void CallJournal::Begin(Call& call) {
   call.trail.entry = ++last_;
   call.trail.filed_after = newest_record_;
-  open_.insert(call.trail.entry);
+  open_[call.trail.entry];
   Note(call);
 }
 
 void CallJournal::Note(const Call& call) {
-  if (open_.contains(call.trail.entry)) Write(LineOf(call));
+  const auto entry = open_.find(call.trail.entry);
+  if (entry == open_.end()) return;
+  entry->second = call.trail.growing_name;
+  Write(LineOf(call));
+}
+
+bool CallJournal::Claims(const GrownRecording& grown) const {
+  return std::ranges::any_of(
+      open_, [&](const auto& entry) { return !entry.second.empty() && grown.Is(entry.second); });
 }
 
 void CallJournal::Done(const Call& call) {
@@ -145,7 +157,7 @@ std::vector<Call> CallJournal::Unfinished() {
   std::vector<Call> unfinished;
   for (const auto& [entry, call] : calls) {
     unfinished.push_back(call);
-    open_.insert(entry);
+    open_[entry] = call.trail.growing_name;
     last_ = std::max(last_, entry);
   }
   if (unfinished.empty()) files_.Delete(Path());

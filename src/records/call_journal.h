@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "platform/files.h"
 #include "records/call.h"
+#include "records/grown_recordings.h"
 
 namespace orven {
 
@@ -36,6 +37,12 @@ class CallJournal {
   /// The call is filed, or is not to be filed.
   void Done(const Call& call);
 
+  /// Whether the call was begun and is not done.
+  bool IsOpen(const Call& call) const { return open_.contains(call.trail.entry); }
+
+  /// Whether the recording is that of a call which is not done.
+  bool Claims(const GrownRecording& grown) const;
+
   /// The calls of an earlier run that are not done, the oldest first; from now on they are this run's. A
   /// journal with lines that make no sense is copied beside it before anything else, and the log says so.
   std::vector<Call> Unfinished();
@@ -49,8 +56,8 @@ class CallJournal {
   Files& files_;
   SystemLog& log_;
   const SharedOptions& shared_;
-  std::uint32_t last_ = 0;        ///< number of the newest entry
-  std::set<std::uint32_t> open_;  ///< entries that are not done
+  std::uint32_t last_ = 0;                     ///< number of the newest entry
+  std::map<std::uint32_t, std::string> open_;  ///< entries that are not done, and their recordings
   std::optional<std::int64_t> newest_record_;
   std::string last_line_;  ///< what was written last, so that nothing is written twice
   bool torn_ = false;      ///< the file ends within a line

@@ -7,22 +7,16 @@
 #include <utility>
 
 #include "core/conversions.h"
-#include "core/error_trap.h"
 #include "core/native_path.h"
 #include "records/call_fields.h"
-#include "records/message_name.h"
 
 namespace orven {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::string_view kGrownStart = ".recording-";
-constexpr std::string_view kGrownEnd = ".wav.part";
-
-/// A growing file is written four times a second. One that was changed within this time, and that the journal
-/// does not know, may belong to another program that shares the folder; the next start looks again.
-constexpr auto kMayBeGrowing = 10s;
+/// What could not be done is tried again so often.
+constexpr auto kTryAgain = 5s;
 
 /// The fields that tell one call from another, and what a call holds for each.
 constexpr std::array<std::pair<const char*, std::string Call::*>, 5> kTelling{
@@ -32,198 +26,175 @@ constexpr std::array<std::pair<const char*, std::string Call::*>, 5> kTelling{
      {kCallDate, &Call::date},
      {kCallMassageName, &Call::message_file_name}}};
 
-/// The name in ".recording-<name>-<process>-<n>.wav.part"; empty when it has none.
-std::string NameOfGrown(std::string_view file) {
-  file.remove_prefix(kGrownStart.size());
-  file.remove_suffix(kGrownEnd.size());
-  for (int number = 0; number < 2; ++number) {
-    const auto dash = file.rfind('-');
-    if (dash == std::string_view::npos) return {};
-    file = file.substr(0, dash);
-  }
-  return std::string(file);
-}
-
 }  // namespace
 
+CallRecovery::CallRecovery(Parts parts)
+    : parts_(std::move(parts)), tmrAgain_(parts_.loop.MakeTimer([this] { TryAgain(); })) {}
+
+ErrorTrap CallRecovery::Trap() const {
+  return again_ ? ErrorTrap::Silent() : ErrorTrap(parts_.log, "ErrRecoverCall ");
+}
+
 void CallRecovery::Run() {
-  const ErrorTrap trap(parts_.log, "ErrRecoverCall ");
-  std::vector<Call> calls;
-  trap([&] { calls = parts_.journal.Unfinished(); });
-  ErrorTrap::Silent()([&] { TellNewestRecord(); });  // records that are not open have been reported
-  for (auto& call : calls) trap([&] { Recover(call); });
-  trap([&] { RecoverStrays(); });
+  if (!std::exchange(begun_, true)) Begin();
+  TryAgain();
+  again_ = true;
 }
 
-void CallRecovery::TellNewestRecord() {
-  const auto count = parts_.DataBase1.RecordCount();
-  parts_.journal.SetNewestRecord(count == 0 ? 0 : parts_.DataBase1.Identity(count));
+void CallRecovery::Begin() {
+  Trap()([&] {
+    for (auto& call : parts_.journal.Unfinished()) calls_.push_back({std::move(call)});
+  });
+  Trap()([&] {
+    const auto folders = Folders();
+    grown_.Look(parts_.files, {folders.begin(), folders.end()});
+    strays_ = grown_.All();
+  });
+  strays_since_ = parts_.clock.Uptime();
 }
 
-void CallRecovery::Recover(Call& call) {
-  if (IsFiled(call)) {
-    parts_.journal.Done(call);
-    return;
+void CallRecovery::TryAgain() {
+  const bool records_open = KnowNewestRecord();
+  RecoverCalls();
+  // Without records nobody can tell whether a recording has its own.
+  if (!records_open) strays_since_ = parts_.clock.Uptime();
+  if (records_open) RecoverStrays();
+  const bool done = calls_.empty() && strays_.empty();
+  if (done) tmrAgain_->Stop();
+  if (!done && !tmrAgain_->Enabled()) tmrAgain_->Start(kTryAgain);
+}
+
+/// False while the records are not open, which has been reported.
+bool CallRecovery::KnowNewestRecord() {
+  return ErrorTrap::Silent()([&] { parts_.journal.SetNewestRecord(NewestRecord()); });
+}
+
+void CallRecovery::RecoverCalls() {
+  if (calls_.empty() && strays_.empty()) return;
+  const auto look = [&] {
+    const auto folders = Folders();
+    grown_.Look(parts_.files, {folders.begin(), folders.end()});
+  };
+  if (!Trap()(look)) return;
+  for (auto call = calls_.begin(); call != calls_.end();) {
+    bool over = false;
+    Trap()([&] { over = Recover(*call); });
+    call = over ? calls_.erase(call) : std::next(call);
   }
-  FindMessage(call);
-  parts_.log.WriteSystem((parts_.is_listed(call) ? "Recovered call " : "Interrupted call, not listed: ") +
-                         Description(call));
+}
+
+/// Whether nothing is left to be done for the call.
+bool CallRecovery::Recover(Interrupted& interrupted) {
+  auto& call = interrupted.call;
+  if (interrupted.handed_over && !parts_.journal.IsOpen(call)) {
+    Tell(interrupted, "Recovered call ");  // there was room at last
+    return true;
+  }
+  const auto record = RecordOf(call);
+  if (record == 0) return !interrupted.handed_over && HandOver(interrupted);
+  if (interrupted.handed_over) Tell(interrupted, "Recovered call ");
+  return Complete(call, record);
+}
+
+bool CallRecovery::HandOver(Interrupted& interrupted) {
+  auto& call = interrupted.call;
+  const auto message = FindMessage(call);
+  const bool listed = parts_.is_listed(call);
+  call.trail.message_due = message == Message::kOutOfReach;
+  if (call.trail.message_due && !listed) {
+    Tell(interrupted, "Interrupted call, its message is out of reach: ");
+    return false;
+  }
+  if (message == Message::kNone) call.trail.storing_path.clear();  // nothing is to come
+  const auto newest = NewestRecord();
+  interrupted.handed_over = true;
   parts_.file(call);
-  if (const auto count = parts_.DataBase1.RecordCount(); count > 0)
-    taken_.insert(parts_.DataBase1.Identity(count));
-}
-
-/// Whether the records got the call before the program ended: then it is among those that came after the one
-/// which was the newest before. A loss of power may bring back a journal that was deleted or has lost its
-/// last lines, which is why this is asked of every call.
-bool CallRecovery::IsFiled(const Call& call) {
-  if (!call.trail.filed_after) return false;
-  auto& database = parts_.DataBase1;
-  for (auto number = database.RecordCount(); number > 0; --number) {
-    if (database.Identity(number) <= *call.trail.filed_after) return false;
-    const auto record = database.Record(number);
-    const auto same = [&](const auto& field) {
-      return record.at(static_cast<std::size_t>(database.FieldIndex(field.first))) == call.*field.second;
-    };
-    // Calls of one second may be alike; each has a record of its own.
-    if (std::ranges::all_of(kTelling, same) && taken_.insert(database.Identity(number)).second) return true;
+  if (const auto filed = NewestRecord(); filed != newest) {
+    call.trail.record = filed;
+    taken_.insert(filed);
+    Tell(interrupted, "Recovered call ");
   }
-  return false;
+  if (!listed) Tell(interrupted, "Interrupted call, not listed: ");
+  return !parts_.journal.IsOpen(call);
 }
 
-void CallRecovery::FindMessage(Call& call) {
-  const auto& trail = call.trail;
-  if (!call.message_path.empty()) {
-    if (!parts_.files.Exists(call.message_path))
-      call.message_path = parts_.shared.messages_path + call.message_file_name;
-    return;
+void CallRecovery::Tell(Interrupted& interrupted, const std::string& what) {
+  if (!std::exchange(interrupted.told, true)) parts_.log.WriteSystem(what + Description(interrupted.call));
+}
+
+/// The records have the call. It may lack its message.
+bool CallRecovery::Complete(Call& call, std::int32_t record) {
+  if (FieldOf(record, kType) == kNoMessageType) {
+    const auto message = FindMessage(call);
+    if (message == Message::kOutOfReach) return false;
+    if (message == Message::kThere) SetMessage(call, record);
   }
-  if (trail.growing_folder.empty()) return;
-  // An older message is where it was to be put; it was kept under a name that the log has told.
-  if (call.message_left && trail.storing_path.empty()) return;
-  if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path))
-    return TakeStored(call, trail.storing_path);
-  const auto grown = Longest(GrownOf(call));
-  if (!grown.empty()) TakeGrown(call, grown);
-}
-
-/// The recording got its name before the program ended. It may have been copied there: then the original is
-/// still here.
-void CallRecovery::TakeStored(Call& call, const std::string& path) {
-  const auto originals = GrownOf(call);
-  call.message_left = true;
-  call.message_path = path;
-  call.message_file_name = FileNamePart(path);
-  parts_.journal.Note(call);
-  const auto length = parts_.Wave1.FileLength(path);
-  for (const auto& original : originals) {
-    if (parts_.Wave1.FileLength(original) <= length) parts_.files.Delete(original);
-  }
-}
-
-/// False when the recording stays where it is under the name that it has.
-bool CallRecovery::TakeGrown(Call& call, const std::string& grown) {
-  const auto path = FreePath(parts_.shared.messages_path + call.message_file_name);
-  call.trail.storing_path = path;
-  parts_.journal.Note(call);
-  const ErrorTrap trap(parts_.log, "ErrRecoverCall ");
-  if (!trap([&] { parts_.files.Rename(grown, path); })) return KeepWhereItIs(call, grown);
-  TakeStored(call, path);
+  parts_.journal.Done(call);
   return true;
 }
 
-/// The messages folder does not take it. The record says that there is no message, the log where it is.
-bool CallRecovery::KeepWhereItIs(Call& call, const std::string& grown) {
-  const auto folder = grown.substr(0, grown.size() - FileNamePart(grown).size());
-  const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
-  const auto path = FreePath(folder + stem + ".unsaved-1.wav");
-  const ErrorTrap trap(parts_.log, "ErrRecoverCall ");
-  const bool renamed = trap([&] { parts_.files.Rename(grown, path); });
-  call.message_left = true;
-  parts_.journal.Note(call);
-  parts_.log.WriteSystem("Record Message: the recording was kept as \"" + (renamed ? path : grown) + "\".");
-  return renamed;
+void CallRecovery::SetMessage(const Call& call, std::int32_t record) {
+  const auto length = parts_.Wave1.FileLength(call.message_path);
+  if (length < 0) return;
+  auto& database = parts_.DataBase1;
+  database.MoveTo(record);
+  database.Edit();
+  database.SetField(kCallMassageName, call.message_file_name);
+  database.SetField(kType, ToText(length));
+  database.Update();
+  parts_.log.WriteSystem("Recovered the message of the call " + Description(call));
+  parts_.show();
 }
 
-void CallRecovery::RecoverStrays() {
-  const ErrorTrap trap(parts_.log, "ErrRecoverCall ");
-  for (const auto& folder : Folders()) {
-    std::vector<std::string> names;
-    // A folder that is not there holds nothing.
-    ErrorTrap::Silent()([&] { names = Grown(folder, ""); });
-    for (const auto& name : names) trap([&] { RecoverStray(folder, name); });
+std::int64_t CallRecovery::NewestRecord() {
+  const auto count = parts_.DataBase1.RecordCount();
+  return count == 0 ? 0 : parts_.DataBase1.Identity(count);
+}
+
+/// The record that the call got before the program ended, or 0: it is among those that came after the one
+/// which was the newest before. A loss of power may bring back a journal that was deleted or has lost its
+/// last lines, which is why this is asked of every call.
+std::int32_t CallRecovery::RecordOf(Call& call) {
+  auto& database = parts_.DataBase1;
+  auto& trail = call.trail;
+  if (trail.record) {
+    const auto number = database.Locate(*trail.record);
+    if (number > 0 && IsRecordOf(call, number, false)) return number;
   }
-}
-
-void CallRecovery::RecoverStray(const std::string& folder, const std::string& name) {
-  const auto path = folder + name;
-  const auto now = parts_.clock.Now();
-  const auto ended = parts_.files.LastModified(path);
-  if (ended <= now && now - ended < kMayBeGrowing) return;
-  const auto stem = NameOfGrown(name);
-  // Beside the messages only what has a name is a caller's; takes from the microphone have none.
-  if (stem.empty() && folder != parts_.shared.messages_path) return;
-  const auto length = parts_.Wave1.FileLength(path);
-  if (length < 0) {
-    parts_.files.Rename(path, FreePath(path + ".damaged"));
-    parts_.log.WriteSystem("Recovered nothing: \"" + path + "\" holds no sound; it is kept as .damaged");
-    return;
+  if (!trail.filed_after) return 0;
+  for (auto number = database.RecordCount(); number > 0; --number) {
+    const auto identity = database.Identity(number);
+    if (identity <= *trail.filed_after) return 0;
+    // Calls of one second may be alike; each has a record of its own.
+    if (!IsRecordOf(call, number, true) || !taken_.insert(identity).second) continue;
+    trail.record = identity;
+    return number;
   }
-  const auto began =
-      ended - std::chrono::duration_cast<Clock::WallTime::duration>(std::chrono::duration<double>(length));
-  Call call;
-  call.date = parts_.clock.DateText(began);
-  call.time = parts_.clock.TimeText(began);
-  call.message_file_name = stem.empty() ? MessageFileName(call.date, call.time) : stem + ".wav";
-  call.trail.growing_folder = folder;
-  parts_.journal.Begin(call);
-  // It will be found again when it keeps its name; it must not be filed each time.
-  if (!TakeGrown(call, path)) return parts_.journal.Done(call);
-  parts_.log.WriteSystem("Recovered message of an unknown call " + Description(call));
-  parts_.file(call);
+  return 0;
 }
 
-std::vector<std::string> CallRecovery::Folders() const {
-  return {parts_.shared.messages_path, parts_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")};
+bool CallRecovery::IsRecordOf(const Call& call, std::int32_t number, bool by_message_too) {
+  const auto record = parts_.DataBase1.Record(number);
+  const auto same = [&](const auto& field) {
+    return record.at(static_cast<std::size_t>(parts_.DataBase1.FieldIndex(field.first))) ==
+           call.*field.second;
+  };
+  return std::all_of(kTelling.begin(), kTelling.end() - (by_message_too ? 0 : 1), same);
 }
 
-/// Growing files in `folder` of recordings with this name, any if it is empty.
-std::vector<std::string> CallRecovery::Grown(const std::string& folder, const std::string& name) const {
-  auto files = parts_.files.List(folder, std::string(kGrownStart) + "*" + std::string(kGrownEnd));
-  if (!name.empty()) std::erase_if(files, [&](const auto& file) { return NameOfGrown(file) != name; });
-  return files;
-}
-
-/// A recording that moves on to another folder is in both for a moment.
-std::vector<std::string> CallRecovery::GrownOf(const Call& call) const {
-  auto folders = Folders();
-  if (std::ranges::find(folders, call.trail.growing_folder) == folders.end())
-    folders.push_back(call.trail.growing_folder);
-  const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
-  if (stem.empty()) return {};  // a damaged line; it would claim everybody's
-  std::vector<std::string> paths;
-  for (const auto& folder : folders) {
-    ErrorTrap::Silent()([&] {
-      for (const auto& name : Grown(folder, stem)) paths.push_back(folder + name);
-    });
+/// The newest record with this message that has not got it; 0 when there is none.
+std::int32_t CallRecovery::RecordAwaiting(const std::string& message) {
+  auto& database = parts_.DataBase1;
+  if (database.CountRecords(kCallMassageName, message) == 0) return 0;
+  for (auto number = database.RecordCount(); number > 0; --number) {
+    if (FieldOf(number, kCallMassageName) == message && FieldOf(number, kType) == kNoMessageType)
+      return number;
   }
-  return paths;
+  return 0;
 }
 
-/// The path of the longest sound; empty when none of the files can be played.
-std::string CallRecovery::Longest(const std::vector<std::string>& paths) const {
-  std::string longest;
-  double most = -1;
-  for (const auto& path : paths) {
-    const auto length = parts_.Wave1.FileLength(path);
-    if (length > most) longest = path;
-    most = std::max(most, length);
-  }
-  return longest;
-}
-
-std::string CallRecovery::FreePath(const std::string& path) const {
-  return parts_.files.Exists(path) ? FreeNameBeside(parts_.files, parts_.clock, path) : path;
+std::string CallRecovery::FieldOf(std::int32_t number, const char* field) {
+  return parts_.DataBase1.Record(number).at(static_cast<std::size_t>(parts_.DataBase1.FieldIndex(field)));
 }
 
 std::string CallRecovery::Description(const Call& call) const {

@@ -2,19 +2,23 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <list>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "core/activity_log.h"
+#include "core/error_trap.h"
 #include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/database.h"
+#include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/call_journal.h"
+#include "records/grown_recordings.h"
 
 namespace orven {
 
@@ -22,16 +26,20 @@ namespace orven {
 inline constexpr const char* kRescueFolder = "\\Rescued";
 
 /// Files the calls that a crash interrupted, each with what was recorded of its message, exactly once however
-/// often the program is killed meanwhile. Runs once at a start, when the records are open and before a
-/// message can be moved or recorded. User-interface thread.
+/// often the program is killed meanwhile. Runs at a start, when the records are open and before a message can
+/// be moved or recorded. What cannot be done then (a folder that is not there or takes nothing, records that
+/// are not open) is tried again every few seconds: a call whose message is out of reach is filed without it,
+/// where it is to be listed so, and its record completed later. User-interface thread.
 ///
-/// A recording that no call in the journal knows becomes a call of its own, from an unknown caller, at the
-/// time at which it began: nobody who left a message is forgotten.
+/// A recording that no call in the journal knows completes the record that its name belongs to, else it
+/// becomes a call of its own, from an unknown caller, at the time at which it began: nobody who left a
+/// message is forgotten.
 class CallRecovery {
  public:
   struct Parts {
     Files& files;
     Clock& clock;
+    EventLoop& loop;
     const WaveControl& Wave1;  ///< measures sound files
     DatabaseControl& DataBase1;
     SystemLog& log;
@@ -39,33 +47,67 @@ class CallRecovery {
     const SharedOptions& shared;
     /// Whether the call is to have a record.
     std::function<bool(const Call& call)> is_listed;
-    /// Files a call as calls are filed that end by themselves, and tells the journal.
+    /// Files a call as calls are filed that end by themselves, and tells the journal unless its message is
+    /// due.
     std::function<void(Call& call)> file;
+    /// A record has changed.
+    std::function<void()> show;
   };
 
-  explicit CallRecovery(Parts parts) : parts_(std::move(parts)) {}
+  explicit CallRecovery(Parts parts);
 
+  /// Once more than once in a run, it goes on with what is left.
   void Run();
 
  private:
-  void TellNewestRecord();
-  void Recover(Call& call);
-  bool IsFiled(const Call& call);
-  void FindMessage(Call& call);
-  void TakeStored(Call& call, const std::string& path);
-  bool TakeGrown(Call& call, const std::string& grown);
-  bool KeepWhereItIs(Call& call, const std::string& grown);
+  /// An interrupted call that is not done.
+  struct Interrupted {
+    Call call;
+    bool handed_over = false;  ///< to be filed; that may have to wait for room
+    bool told = false;         ///< the log tells of it
+  };
+  enum class Message { kThere, kNone, kOutOfReach };
+
+  void Begin();
+  void TryAgain();
+  bool KnowNewestRecord();
+  void RecoverCalls();
+  bool Recover(Interrupted& interrupted);
+  bool HandOver(Interrupted& interrupted);
+  void Tell(Interrupted& interrupted, const std::string& what);
+  bool Complete(Call& call, std::int32_t record);
+  void SetMessage(const Call& call, std::int32_t record);
+  std::int64_t NewestRecord();
+  std::int32_t RecordOf(Call& call);
+  bool IsRecordOf(const Call& call, std::int32_t number, bool by_message_too);
+  std::int32_t RecordAwaiting(const std::string& message);
+  std::string FieldOf(std::int32_t number, const char* field);
+
+  Message FindMessage(Call& call);
+  Message TakeGrown(Call& call, const std::vector<GrownRecording>& grown);
+  std::string Mended(const std::string& path);
+  Message TakeStored(Call& call, const std::string& path);
+  void DeleteBeginnings(const Call& call);
+  bool MoveTo(Call& call, const std::string& from);
+
   void RecoverStrays();
-  void RecoverStray(const std::string& folder, const std::string& name);
+  bool RecoverStray(const GrownRecording& stray);
+  bool TakeStray(const GrownRecording& stray, double length);
+
   std::vector<std::string> Folders() const;
-  std::vector<std::string> Grown(const std::string& folder, const std::string& name) const;
-  std::vector<std::string> GrownOf(const Call& call) const;
-  std::string Longest(const std::vector<std::string>& paths) const;
   std::string FreePath(const std::string& path) const;
   std::string Description(const Call& call) const;
+  ErrorTrap Trap() const;
 
   Parts parts_;
-  std::set<std::int64_t> taken_;  ///< records that are not the call that is looked for, but another
+  bool begun_ = false;
+  bool again_ = false;  ///< failures are in the log already
+  std::list<Interrupted> calls_;
+  std::vector<GrownRecording> strays_;  ///< that were there at the start
+  std::chrono::milliseconds strays_since_{0};
+  GrownRecordings grown_;
+  std::set<std::int64_t> taken_;     ///< records that are not the call that is looked for, but another
+  std::unique_ptr<Timer> tmrAgain_;  ///< runs while anything is left
 };
 
 }  // namespace orven

@@ -45,7 +45,7 @@ std::string StayedText(const std::string& folder, const std::vector<std::string>
 void CallStore::PutCallDetailsInDB(Call& call) {
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
   trap([&] { call.type_text = TypeText(call); });
-  trap([&] { BringMessageAlong(call); });
+  if (!call.trail.message_due) trap([&] { BringMessageAlong(call); });
   waiting_.push_back(call);
   FileWaitingCalls();
   if (!tmrRoom_->Enabled() && (!waiting_.empty() || !late_.empty())) tmrRoom_->Start(kTryAgain);
@@ -63,7 +63,7 @@ void CallStore::FileWaitingCalls() {
     const auto add = [&] { AddRecord(call); };
     refused_ = refused_ ? !ErrorTrap::Silent()(add) : !loud(add);
     if (refused_) return;
-    ports_.journal.Done(call);
+    if (!call.trail.record) ports_.journal.Done(call);
     waiting_.pop_front();
   }
   if (had_refused) ports_.system_log.WriteSystem("The calls that could not be filed are filed now");
@@ -79,11 +79,15 @@ void CallStore::TryAgain() {
 /// Whether the message of a call that found no room is where it was to be put by now, and nobody else's.
 bool CallStore::TakeLateMessage(Call& call) {
   const auto& path = call.trail.storing_path;
-  if (!call.message_left || !call.message_path.empty() || path.empty()) return false;
+  if (!call.message_left || !call.message_path.empty() || path.empty() || call.trail.message_due)
+    return false;
   if (!ports_.files.Exists(path) || AnotherCallHas(FileNamePart(path))) return false;
-  call.message_path = path;
-  BringMessageAlong(call);
-  call.type_text = TypeText(call);
+  auto complete = call;  // a step that fails leaves the call awaiting its message
+  complete.message_path = path;
+  ports_.journal.Note(complete);
+  BringMessageAlong(complete);
+  complete.type_text = TypeText(complete);
+  call = std::move(complete);
   return true;
 }
 
@@ -104,6 +108,7 @@ void CallStore::FileLateMessages() {
   std::erase_if(late_, [&](const Late& late) {
     bool over = false;
     ErrorTrap::Silent()([&] { over = IsOver(late); });
+    if (over) ports_.journal.Done(late.call);
     return over;
   });
 }
@@ -131,6 +136,7 @@ void CallStore::AddRecord(Call& call) {
   auto& database = ports_.DataBase1;
   const auto count = database.RecordCount();
   call.trail.filed_after = count == 0 ? 0 : database.Identity(count);
+  call.trail.record.reset();
   ports_.journal.Note(call);
   database.AddNew();
   database.SetField(kCallName, call.caller_name);
@@ -145,13 +151,16 @@ void CallStore::AddRecord(Call& call) {
   ErrorTrap::Silent()([&] {
     const auto identity = database.Identity(database.RecordCount());
     ports_.journal.SetNewestRecord(identity);
-    if (Awaits(call)) late_.push_back({identity, call});
+    if (!call.trail.message_due && !Awaits(call)) return;
+    call.trail.record = identity;
+    ports_.journal.Note(call);
+    if (!call.trail.message_due) late_.push_back({identity, call});
   });
 }
 
 std::string CallStore::TypeText(const Call& call) const {
   // A recording that could not be stored has no file to be listened to.
-  if (!call.message_left || call.message_path.empty()) return kNoMessageType;
+  if (!call.message_left || call.message_path.empty() || call.trail.message_due) return kNoMessageType;
   const double length = ports_.Wave1.FileLength(call.message_path);
   return length < 0 ? kNoMessageType : ToText(length);
 }

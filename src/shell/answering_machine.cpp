@@ -44,9 +44,10 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       greeter(context, control, recorder, remote),
       after_call({caller_view, sounds, tray, actions}, calls, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
-      recovery({ports.files, ports.clock, ports.Wave1, ports.DataBase1, log, journal, shared,
+      recovery({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, journal, shared,
                 [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
-                [this](Call& interrupted) { after_call.File(interrupted); }}),
+                [this](Call& interrupted) { after_call.File(interrupted); },
+                [this] { ListView1.makeList(); }}),
       sequence(context, {control, greeter, recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {

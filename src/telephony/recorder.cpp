@@ -6,6 +6,7 @@
 #include "core/error_trap.h"
 #include "core/native_path.h"
 #include "core/tenths_wait.h"
+#include "records/grown_recordings.h"
 #include "records/message_name.h"
 
 namespace orven {
@@ -62,9 +63,10 @@ void Recorder::StartAfterWait() {
   trap([&] {
     const auto& folder = context_.shared.messages_path;
     context_.Wave1.SetRecordFolder(folder);
-    context_.Wave1.SetRecordName(
-        context_.call.message_file_name.substr(0, context_.call.message_file_name.rfind('.')));
+    const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
+    context_.Wave1.SetRecordName(name);
     context_.call.trail.growing_folder = folder;
+    context_.call.trail.growing_name = name;
   });
   // Before there is a file, so that no file is without its call.
   context_.journal.Note(context_.call);

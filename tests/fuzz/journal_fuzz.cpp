@@ -36,6 +36,7 @@ class SilentLog : public SystemLog {
 void RequireSame(const Call& one, const Call& other) {
   for (const auto text : kTold) Require(one.*text == other.*text);
   Require(one.trail.entry == other.trail.entry && one.trail.growing_folder == other.trail.growing_folder);
+  Require(one.trail.growing_name == other.trail.growing_name && one.trail.record == other.trail.record);
   Require(one.trail.storing_path == other.trail.storing_path && one.message_left == other.message_left);
   Require(one.trail.filed_after == other.trail.filed_after);
 }
@@ -63,7 +64,9 @@ void NoteAndReadBack(Choices choices) {
       }
       call.trail.storing_path = TextOf(choices.Piece());
       call.trail.growing_folder = TextOf(choices.Piece());
+      call.trail.growing_name = TextOf(choices.Piece());
       call.message_left = choices.Below(2) == 0;
+      if (choices.Below(2) == 0) call.trail.record = choices.Byte();
       if (!known) journal.SetNewestRecord(choices.Byte());
       known ? journal.Note(call) : journal.Begin(call);
       Require(call.trail.entry != 0);
@@ -76,50 +79,34 @@ void NoteAndReadBack(Choices choices) {
   }
 }
 
-/// A file that a crash left.
-struct Part {
-  std::string name;  ///< of the recording if it was still growing
-  std::string content;
-  std::chrono::milliseconds length;  ///< -1: no sound
-  bool grown;
-};
-
-/// Puts a file where recordings may be, and says what it is.
-Part LeaveBehind(World& world, int number, Choices& choices) {
+/// Puts a file where recordings may be; what is in it. None is the beginning of another.
+std::string LeaveBehind(World& world, int number, Choices& choices) {
   const std::size_t what = choices.Byte();
-  Part part{TextOf(choices.Piece()), "no sound " + std::to_string(number), std::chrono::milliseconds(-1),
-            what % 8 < 6};
-  std::replace(part.name.begin(), part.name.end(), '/', '-');
+  auto name = TextOf(choices.Piece());
+  std::replace(name.begin(), name.end(), '/', '-');
+  auto content = "no sound " + std::to_string(number);
   if (what % 16 < 12) {
-    part.length = std::chrono::milliseconds(1000 * (number + 1) + static_cast<int>(what));
-    part.content = TimedWave::Sound(part.length);
+    content = TimedWave::Sound(std::chrono::milliseconds(1000 * (number + 1) + static_cast<int>(what)));
   }
   const std::string folder = what % 2 == 0 ? world.messages : std::string(World::kHome) + "/Rescued/";
-  world.files.Put(
-      folder + (part.grown ? ".recording-" + part.name + "-7-" + std::to_string(number) + ".wav.part"
-                           : part.name + std::to_string(number) + ".wav"),
-      part.content);
-  return part;
+  world.files.Put(folder + (what % 8 < 6 ? ".recording-" + name + "-7-" + std::to_string(number) + ".wav.part"
+                                         : name + std::to_string(number) + ".wav"),
+                  content);
+  return content;
 }
 
-/// Nothing that was recorded is gone. What grew in two places is one recording: the longer one counts.
-void RequireKept(const World& world, const std::vector<Part>& parts) {
+/// Nothing that was recorded is gone.
+void RequireKept(const World& world, const std::vector<std::string>& parts) {
   std::set<std::string> there;
   for (const auto& folder : {world.messages, std::string(World::kHome) + "/Rescued/"}) {
     for (const auto& name : world.files.Names(folder)) there.insert(world.files.Content(folder + name));
   }
-  for (const Part& part : parts) {
-    Require(there.contains(part.content) ||
-            (part.grown && std::any_of(parts.begin(), parts.end(), [&](const Part& other) {
-               return (!other.grown || other.name == part.name) && other.length >= part.length &&
-                      there.contains(other.content);
-             })));
-  }
+  for (const auto& part : parts) Require(there.contains(part));
 }
 
 void StartAfterCrash(const std::string& journal, Choices choices) {
   World world;
-  std::vector<Part> parts;
+  std::vector<std::string> parts;
   while (choices.Any() && parts.size() < 6)
     parts.push_back(LeaveBehind(world, static_cast<int>(parts.size()), choices));
   if (!journal.empty()) world.files.Put(kJournal, journal);

@@ -10,6 +10,7 @@
 
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
+#include "records/grown_recordings.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -19,6 +20,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 constexpr const char* kName = "12-31-2003_14-05-07.wav";
 constexpr const char* kJournal = "/home/orven/Call.journal";
@@ -129,9 +131,12 @@ TEST_F(Recovery, ACallThatCouldNotBeFiledOutlivesTheProgram) {
   StartAgain();
   StartAgain();
   EXPECT_THAT(Filed(), IsEmpty());
+  EXPECT_THAT(SystemLog(), Not(Contains(HasSubstr("Recovered call"))));
   database_full = false;
   StartAgain();
+  RunFor(10s);
   EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
+  EXPECT_THAT(SystemLog(), Contains(HasSubstr("Recovered call")).Times(1));
   EXPECT_FALSE(files.Exists(kJournal));
 }
 
@@ -157,6 +162,7 @@ TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
   files.Put(kJournal, "call\t1\trubbish\nmore");
   RunFor(60s);
   files.Put(messages + ".recording-9-9.wav.part", "no sound");
+  files.Put(messages + ".recording-c-9-8.wav.part", TimedWave::Sound(0s));
   RunFor(60s);
   Start();
   ASSERT_EQ(1U, Filed().size());
@@ -172,7 +178,7 @@ TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
 TEST_F(Recovery, ACallWithoutANameForItsMessageClaimsNoneOfTheOthers) {
   Start();
   Crash();
-  files.Put(kJournal, "call\t1\t\t\tAnna\t\t\t\t\t" + messages + "\t\t0\t0\n");
+  files.Put(kJournal, "call\t1\t\t\tAnna\t\t\t\t\t" + messages + "\t\t\t0\t0\t\n");
   files.Put(messages + ".recording-a-1-1.wav.part", TimedWave::Sound(2s));
   files.Put(messages + ".recording-b-1-2.wav.part", TimedWave::Sound(3s));
   RunFor(60s);
@@ -182,17 +188,136 @@ TEST_F(Recovery, ACallWithoutANameForItsMessageClaimsNoneOfTheOthers) {
   EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "b.wav"));
 }
 
-TEST_F(Recovery, AMessageThatTheFolderDoesNotTakeIsKeptAndNamed) {
+TEST_F(Recovery, AMessageOutOfReachIsFiledWithItsCallOrCompletesTheRecordLater) {
+  for (const bool listed : {true, false}) {
+    for (const bool readable : {true, false}) {
+      World other;
+      other.registry.Set("ListMessageOnly", listed ? "0" : "1");
+      other.Start();
+      other.CallAndWaitForRecording();
+      other.Talk();
+      other.RunFor(2s);
+      other.Crash();
+      for (int start = 0; start < 2; ++start) {
+        if (!readable) other.files.missing_folders.insert(other.messages);
+        other.files.before_write = [&](const std::string& path) {
+          if (path.starts_with(other.messages)) throw RuntimeError(ErrorNumber::PermissionDenied, path);
+        };
+        other.Start();
+        other.RunFor(60s);
+        EXPECT_EQ(listed ? 1U : 0U, other.database.Records().size());
+        if (start == 0) other.Crash();
+      }
+      other.files.missing_folders.clear();
+      other.files.before_write = [](const std::string&) {};
+      other.RunFor(6s);
+      ASSERT_EQ(1U, other.database.Records().size());
+      EXPECT_EQ("2", other.database.Field(0, kType));
+      EXPECT_EQ(TimedWave::Sound(2s),
+                other.files.Content(messages + other.database.Field(0, kCallMassageName)));
+      EXPECT_THAT(other.files.List(messages, "*.part"), IsEmpty());
+      EXPECT_FALSE(other.files.Exists(kJournal));
+      ASSERT_EQ(1U, other.views.rows.size());
+      EXPECT_EQ("2", other.Machine().ListView1.Row(1).length);
+    }
+  }
+}
+
+TEST_F(Recovery, ARecordWhoseMessageFoundNoRoomGetsItFromTheNextStart) {
+  for (const bool journal_lost : {false, true}) {
+    World other;
+    other.Start();
+    other.line->Offer();
+    other.line->CallerId("Anna", "555");
+    other.CallAndWaitForRecording();
+    other.Talk();
+    other.RunFor(2s);
+    const auto growing = *other.Wave1.GrowingFile();
+    other.Wave1.stop_result = kWaveDiskFull;
+    other.HangUp();
+    other.RunFor(30s);
+    ASSERT_EQ(1U, other.database.Records().size());
+    other.Crash();
+    other.files.Put(growing.path, growing.content);
+    other.files.Put(other.messages + kName, "somebody else's");
+    if (journal_lost) other.files.Delete(kJournal);
+    other.RunFor(60s);
+    for (int starts = 0; starts < 2; ++starts) {
+      other.Start();
+      ASSERT_EQ(1U, other.database.Records().size());
+      EXPECT_EQ("Anna", other.database.Field(0, kCallName));
+      EXPECT_EQ("2", other.database.Field(0, kType));
+      EXPECT_EQ(growing.content, other.files.Content(messages + other.database.Field(0, kCallMassageName)));
+      EXPECT_FALSE(other.files.Exists(kJournal));
+      other.Crash();
+    }
+  }
+}
+
+TEST_F(Recovery, RecordingsOfOneNameAreCallsOfTheirOwnUnlessOneIsTheOthersBeginning) {
+  const std::string header = " data4711";
   CallAndRecord(2s);
   Crash();
-  files.before_write = [this](const std::string& path) {
-    if (path == messages + kName) throw RuntimeError(ErrorNumber::PermissionDenied, path);
-  };
+  const auto stem = std::string(".recording-12-31-2003_14-05-07");
+  files.Put(messages + stem + "-8-1.wav.part", "sound 5000" + header + "another's");
+  RunFor(60s);
+  files.Put(messages + ".recording-a-1-1.wav.part", "sound 3000" + header + "abcdef");
+  files.Put(messages + ".recording-a-1-2.wav.part", "sound 2000" + header + "abcd");
+  files.Put(messages + ".recording-a-2-1.wav.part", "sound 2500" + header + "abxx");
+  RunFor(60s);
+  files.Put(messages + ".recording-b-2-1.wav.part", "sound 1000");
   Start();
+  RunFor(4s);
+  ASSERT_EQ(4U, Filed().size());
+  EXPECT_EQ(call_of_two_seconds, Filed()[0]);
+  std::vector<std::string> lengths;
+  for (const auto& record : Filed()) lengths.push_back(record[4]);
+  EXPECT_THAT(lengths, testing::UnorderedElementsAre("2", "5", "3", "2.5"));
+  EXPECT_EQ("sound 3000" + header + "abcdef", files.Content(messages + "a.wav"));
+  EXPECT_THAT(files.List(messages, "*.part"), ElementsAre(".recording-b-2-1.wav.part"));
+  RunFor(7s);
+  EXPECT_EQ(5U, Filed().size()) << "it has not grown since the start";
+  EXPECT_THAT(files.List(messages, "*.part"), IsEmpty());
+}
+
+TEST_F(Recovery, SoundBehindWhatTheHeaderCountsIsCounted) {
+  const std::string format("fmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0", 24);
+  const auto file = [&](char riff, char data) {
+    return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + "data" + std::string{data, 0, 0, 0};
+  };
+  files.Put("cut", file(40, 4) + "abcdefg");
+  EXPECT_EQ(file(42, 6) + "abcdefg", WithAllSound(files, "cut")) << "no half sample is counted";
+  files.Put("whole", file(40, 4) + "abcd");
+  files.Put("half", file(40, 4) + "abcde");
+  files.Put("short", file(40, 4) + "ab");
+  files.Put("rubbish", "RIFF data");
+  for (const char* name : {"whole", "half", "short", "rubbish"}) EXPECT_EQ("", WithAllSound(files, name));
+}
+
+TEST_F(Recovery, WhatGrowsOnIsLeftAlone) {
+  Start();
+  Crash();
+  files.Put(messages + ".recording-b-2-1.wav.part", "sound 1000");
+  Start();
+  for (int second = 0; second < 60; ++second) {
+    files.Put(messages + ".recording-b-2-1.wav.part", "sound 2000");
+    RunFor(1s);
+  }
+  RunFor(60s);
+  EXPECT_THAT(Filed(), IsEmpty());
+  EXPECT_TRUE(files.Exists(messages + ".recording-b-2-1.wav.part"));
+}
+
+TEST_F(Recovery, RecordsThatOpenLateGetTheCallThen) {
+  Call();
+  Crash();
+  database.gone = true;
+  Start();
+  RunFor(60s);
+  database.gone = false;
+  RunFor(6s);
   EXPECT_THAT(Filed(), ElementsAre(call_without_message));
-  const auto kept = messages + "12-31-2003_14-05-07.unsaved-1.wav";
-  EXPECT_EQ(TimedWave::Sound(2s), files.Content(kept));
-  EXPECT_THAT(SystemLog(), Contains(HasSubstr(kept)));
+  EXPECT_FALSE(files.Exists(kJournal));
 }
 
 /// What is on the disk at one moment.

@@ -165,6 +165,28 @@ TEST_F(CallStoreTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
   EXPECT_EQ(world.database.Records().size(), 4U);
 }
 
+TEST_F(CallStoreTest, AMessageThatCannotMoveYetStaysAwaited) {
+  world.database_full = true;
+  world.Wave1.stop_result = kWaveDiskFull;
+  world.CallAndWaitForRecording();
+  world.HangUp();
+  world.RunFor(1s);
+  const auto stored = world.Wave1.last_recorded_path;
+  world.files.Put(stored, TimedWave::Sound(3s));
+  world.shared.messages_path = "/home/other/";
+  world.files.before_write = [](const std::string& path) {
+    if (path.starts_with("/home/other/")) throw RuntimeError(ErrorNumber::PermissionDenied, path);
+  };
+  world.database_full = false;
+  world.RunFor(10s);
+  ASSERT_EQ(4U, world.database.Records().size());
+  EXPECT_EQ("-1", world.database.Field(3, kType));
+  world.files.before_write = [](const std::string&) {};
+  world.RunFor(5s);
+  EXPECT_EQ("3", world.database.Field(3, kType));
+  EXPECT_TRUE(world.files.Exists("/home/other/" + world.database.Field(3, kCallMassageName)));
+}
+
 TEST_F(CallStoreTest, AMessageThatFindsRoomBeforeItsCallIsFiledWithIt) {
   world.database_full = true;
   world.Wave1.stop_result = kWaveDiskFull;

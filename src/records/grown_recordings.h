@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+
+namespace orven {
+
+/// What the recording of the message `message_file_name` is known by while it grows: the message's name
+/// without its ending, "~" and the fraction of the second now. Calls of one second, also of other programs
+/// that share the folder, have names of their own.
+std::string RecordingName(const std::string& message_file_name, const Clock& clock);
+
+/// A file that a recording grows in, ".recording-<name>-<process>-<n>.wav.part".
+struct GrownRecording {
+  std::string folder;  ///< ending in a separator
+  std::string file;
+
+  std::string Path() const { return folder + file; }
+  /// What the recording was known by; empty when it had no name.
+  std::string Name() const;
+  /// Name of the message that it was to become, without ending; empty when it had no name.
+  std::string MessageStem() const;
+  /// Whether `recording` means it: a recording's name or this file's.
+  bool Is(std::string_view recording) const { return recording == file || recording == Name(); }
+};
+
+/// Whether the sound in the file `part` is where that in `whole` begins, byte by byte, or all of it; throws
+/// what reading throws.
+bool IsBeginning(const Files& files, const std::string& part, const std::string& whole);
+
+/// The content of the recording `path` with a header that counts all of its sound, where a write that was cut
+/// short left some behind what the header counts; empty otherwise. Throws what reading throws.
+std::string WithAllSound(const Files& files, const std::string& path);
+
+/// The growing files in a few folders, as they were at the latest look.
+class GrownRecordings {
+ public:
+  /// Lists each of the folders once.
+  void Look(const Files& files, const std::set<std::string>& folders);
+
+  /// Whether `folder` was among them and could not be listed.
+  bool CouldNotLook(const std::string& folder) const { return closed_.contains(folder); }
+
+  std::vector<GrownRecording> All() const;
+
+  /// Those that `recording` means; none when it is empty.
+  std::vector<GrownRecording> Of(const std::string& recording) const;
+
+ private:
+  std::multimap<std::string, GrownRecording> by_name_;
+  std::set<std::string> closed_;
+};
+
+}  // namespace orven
