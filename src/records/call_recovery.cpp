@@ -54,17 +54,18 @@ void CallRecovery::Begin() {
 }
 
 void CallRecovery::TryAgain() {
-  const bool records_open = KnowNewestRecord();
-  RecoverCalls();
-  // Without records nobody can tell whether a recording has its own.
-  if (!records_open) strays_since_ = parts_.clock.Uptime();
-  if (records_open) RecoverStrays();
+  if (KnowNewestRecord()) {
+    RecoverCalls();
+    RecoverStrays();
+  } else {  // whoever opened them has reported it; nobody can tell what has been filed
+    strays_since_ = parts_.clock.Uptime();
+  }
   const bool done = calls_.empty() && strays_.empty();
   if (done) tmrAgain_->Stop();
   if (!done && !tmrAgain_->Enabled()) tmrAgain_->Start(kTryAgain);
 }
 
-/// False while the records are not open, which has been reported.
+/// False while the records are not open.
 bool CallRecovery::KnowNewestRecord() {
   return ErrorTrap::Silent()([&] { parts_.journal.SetNewestRecord(NewestRecord()); });
 }
