@@ -6,6 +6,7 @@
 #include <charconv>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +17,8 @@ namespace {
 
 constexpr const char* kCallLine = "call";
 constexpr const char* kDoneLine = "done";
+constexpr const char* kMailLine = "mail";      ///< a mail is asked for
+constexpr const char* kMailedLine = "mailed";  ///< it has been handed over
 constexpr const char* kHexDigits = "0123456789ABCDEF";
 
 /// The texts of a call that the journal keeps, in the order in which they stand in a line.
@@ -98,14 +101,21 @@ std::optional<Call> CallOf(const std::vector<std::string>& fields, std::uint32_t
   return call;
 }
 
+std::string LineOf(const char* word, const Call& call) {
+  return word + ("\t" + std::to_string(call.trail.entry));
+}
+
 /// Takes in one line; false when it makes no sense.
-bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls) {
+bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls, std::set<std::uint32_t>& mails) {
   const auto fields = Split(line, '\t');
   const auto entry = fields.size() < 2 ? std::nullopt : ToNumber<std::uint32_t>(fields[1]);
   if (!entry) return false;
-  if (fields.front() == kDoneLine && fields.size() == 2) {
-    calls.erase(*entry);
-    return true;
+  if (fields.size() == 2) {
+    const auto& word = fields.front();
+    if (word == kMailLine) return mails.insert(*entry), true;
+    if (word == kDoneLine) calls.erase(*entry);
+    mails.erase(*entry);
+    return word == kDoneLine || word == kMailedLine;
   }
   const auto call = fields.front() == kCallLine ? CallOf(fields, *entry) : std::nullopt;
   if (call) calls[*entry] = *call;
@@ -133,7 +143,29 @@ bool CallJournal::Claims(const GrownRecording& grown) const {
       open_, [&](const auto& entry) { return !entry.second.empty() && grown.Is(entry.second); });
 }
 
+void CallJournal::AskForMail(const Call& call) {
+  if (!open_.contains(call.trail.entry)) return;
+  mail_asked_.insert(call.trail.entry);
+  Write(LineOf(kMailLine, call));
+}
+
+void CallJournal::MailHandedOver(const Call& call) {
+  if (mail_asked_.erase(call.trail.entry) == 0) return;
+  if (awaiting_mail_.erase(call.trail.entry) > 0) return Done(call);
+  Write(LineOf(kMailedLine, call));
+}
+
+std::vector<Call> CallJournal::AwaitingMail() const {
+  std::vector<Call> calls;
+  for (const auto& [entry, call] : awaiting_mail_) calls.push_back(call);
+  return calls;
+}
+
 void CallJournal::Done(const Call& call) {
+  if (mail_asked_.contains(call.trail.entry)) {
+    awaiting_mail_[call.trail.entry] = call;
+    return awaits_mail_();
+  }
   if (open_.erase(call.trail.entry) == 0) return;
   // A journal that cannot be deleted says at least that the call is done.
   if (open_.empty() && ErrorTrap::Silent()([&] { files_.Delete(Path()); })) {
@@ -141,7 +173,7 @@ void CallJournal::Done(const Call& call) {
     torn_ = false;
     return;
   }
-  if (files_.Exists(Path())) Write(std::string(kDoneLine) + "\t" + std::to_string(call.trail.entry));
+  if (files_.Exists(Path())) Write(LineOf(kDoneLine, call));
 }
 
 std::vector<Call> CallJournal::Unfinished() {
@@ -149,15 +181,17 @@ std::vector<Call> CallJournal::Unfinished() {
   const auto lines = Split(files_.Read(Path()), '\n');
   torn_ = !lines.back().empty();  // the program ended, or the disk was full, while it was written
   std::map<std::uint32_t, Call> calls;
+  std::set<std::uint32_t> mails;
   bool damaged = false;
   for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (!lines[i].empty() && !TakeIn(lines[i], calls)) damaged = true;
+    if (!lines[i].empty() && !TakeIn(lines[i], calls, mails)) damaged = true;
   }
   if (damaged || (torn_ && lines.size() == 1)) KeepDamaged();
   std::vector<Call> unfinished;
   for (const auto& [entry, call] : calls) {
     unfinished.push_back(call);
     open_[entry] = call.trail.growing_name;
+    if (mails.contains(entry)) mail_asked_.insert(entry);
     last_ = std::max(last_, entry);
   }
   if (unfinished.empty()) files_.Delete(Path());

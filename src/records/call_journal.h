@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/activity_log.h"
@@ -34,7 +37,7 @@ class CallJournal {
   /// Where the call stands now; nothing is written for a call that was not begun or is done.
   void Note(const Call& call);
 
-  /// The call is filed, or is not to be filed.
+  /// The call is filed, or is not to be filed. It stays in the journal while its mail is asked for.
   void Done(const Call& call);
 
   /// Whether the call was begun and is not done.
@@ -42,6 +45,16 @@ class CallJournal {
 
   /// Whether the recording is that of a call which is not done.
   bool Claims(const GrownRecording& grown) const;
+
+  /// A mail about the call is asked for.
+  void AskForMail(const Call& call);
+
+  /// That mail is on its way, or is not wanted any more.
+  void MailHandedOver(const Call& call);
+
+  /// The calls that are done but for their mail; the listener hears of each.
+  std::vector<Call> AwaitingMail() const;
+  void SetMailListener(std::function<void()> listener) { awaits_mail_ = std::move(listener); }
 
   /// The calls of an earlier run that are not done, the oldest first; from now on they are this run's. A
   /// journal with lines that make no sense is copied beside it before anything else, and the log says so.
@@ -56,8 +69,11 @@ class CallJournal {
   Files& files_;
   SystemLog& log_;
   const SharedOptions& shared_;
-  std::uint32_t last_ = 0;                     ///< number of the newest entry
-  std::map<std::uint32_t, std::string> open_;  ///< entries that are not done, and their recordings
+  std::uint32_t last_ = 0;                       ///< number of the newest entry
+  std::map<std::uint32_t, std::string> open_;    ///< entries that are not done, and their recordings
+  std::set<std::uint32_t> mail_asked_;           ///< those of them whose mail is asked for
+  std::map<std::uint32_t, Call> awaiting_mail_;  ///< those of them that are done but for it
+  std::function<void()> awaits_mail_ = [] {};
   std::optional<std::int64_t> newest_record_;
   std::string last_line_;  ///< what was written last, so that nothing is written twice
   bool torn_ = false;      ///< the file ends within a line

@@ -42,7 +42,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
       remote(context, control, recorder, ListView1, folders, status),
       greeter(context, control, recorder, remote),
-      after_call({caller_view, sounds, tray, actions}, calls, ListView1, log, settings, shared,
+      after_call({caller_view, sounds, tray, actions}, calls, journal, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
       recovery({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, journal, shared,
                 [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
@@ -53,6 +53,9 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       views_(views) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&greeter);
+  // Not before the mails that are in the outbox by now, and when the start is over.
+  journal.SetMailListener(
+      [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
 

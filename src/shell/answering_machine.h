@@ -122,6 +122,7 @@ class AnsweringMachine {
 
   EnginePorts ports_;
   MainWindowViews views_;
+  Lifeline lifeline_;
 };
 
 }  // namespace orven

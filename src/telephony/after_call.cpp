@@ -26,6 +26,9 @@ void AfterCall::Finish(Call& call) {
   trap([&] {
     if (window_hidden_()) effects_.tray.StartBlinking();
   });
+  trap([&] {
+    if (WantsMail(call)) journal_.AskForMail(call);
+  });
   trap([&] { File(call); });
   trap([&] {
     const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
@@ -54,10 +57,26 @@ void AfterCall::ShowFinished(const Call& call) {
   effects_.caller_view.ShowMessage(call.message_left ? "New Message" : "Call ended");
 }
 
+bool AfterCall::WantsMail(const Call& call) const {
+  return settings_.pMailTo != 0 && (call.message_left || settings_.ActionsMailAllCalls != 0);
+}
+
+/// First the mail, then the note: a program that is killed between the two sends one mail twice rather than
+/// none.
+void AfterCall::HandMailOver(Call& call) {
+  if (WantsMail(call)) effects_.actions.DoActions("Mail", call);
+  journal_.MailHandedOver(call);
+}
+
+void AfterCall::SendDueMails() {
+  const ErrorTrap trap(log_, "ErrRecoverCall ");
+  for (auto& call : journal_.AwaitingMail()) trap([&] { HandMailOver(call); });
+}
+
 void AfterCall::RunActions(Call& call) {
   // The mail setting opens the gate for both actions.
   if (!call.message_left && settings_.ActionsMailAllCalls == 0) return;
-  if (settings_.pMailTo != 0) effects_.actions.DoActions("Mail", call);
+  HandMailOver(call);
   if (settings_.pAppTo != 0) effects_.actions.DoActions("App", call);
 }
 

@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "records/call_journal.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
 #include "telephony/call_effects.h"
@@ -20,10 +21,11 @@ struct CallEffects {
 /// Announces a call when it comes in, and files and announces it when it is over. User-interface thread.
 class AfterCall {
  public:
-  AfterCall(CallEffects effects, CallStore& store, CallList& list, SystemLog& log, const Settings& settings,
-            const SharedOptions& shared, std::function<bool()> window_hidden)
+  AfterCall(CallEffects effects, CallStore& store, CallJournal& journal, CallList& list, SystemLog& log,
+            const Settings& settings, const SharedOptions& shared, std::function<bool()> window_hidden)
       : effects_(effects),
         store_(store),
+        journal_(journal),
         list_(list),
         log_(log),
         settings_(settings),
@@ -42,14 +44,21 @@ class AfterCall {
   /// The part of Finish that makes the record, where one is wanted.
   void File(Call& call);
 
+  /// Hands over the mails of the calls that an earlier run filed, or was about to, and could not mail before
+  /// it was killed. Their programs are not started: that may have been done.
+  void SendDueMails();
+
  private:
   void PlaySound(const std::string& name);
   void ShowFinished(const Call& call);
+  bool WantsMail(const Call& call) const;
+  void HandMailOver(Call& call);
   void RunActions(Call& call);
   void OpenCallerView();
 
   CallEffects effects_;
   CallStore& store_;
+  CallJournal& journal_;
   CallList& list_;
   SystemLog& log_;
   const Settings& settings_;
