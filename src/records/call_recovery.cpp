@@ -92,6 +92,10 @@ bool CallRecovery::Recover(Interrupted& interrupted) {
     return true;
   }
   const auto record = RecordOf(call);
+  if (record == 0 && call.trail.record && parts_.DataBase1.Locate(*call.trail.record) == 0) {
+    parts_.journal.Done(call);  // somebody has deleted it
+    return true;
+  }
   if (record == 0) return !interrupted.handed_over && HandOver(interrupted);
   if (interrupted.handed_over) Tell(interrupted, "Recovered call ");
   return Complete(call, record);

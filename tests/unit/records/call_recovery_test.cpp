@@ -254,6 +254,17 @@ TEST_F(Recovery, ARecordWhoseMessageFoundNoRoomGetsItFromTheNextStart) {
   }
 }
 
+TEST_F(Recovery, ADeletedCallWhoseMessageFoundNoRoomStaysDeleted) {
+  CallAndRecord(2s);
+  Wave1.stop_result = kWaveDiskFull;
+  HangUp();
+  ASSERT_EQ(1U, Filed().size());
+  Machine().calls.DeleteItemIndex(1);
+  StartAgain();
+  EXPECT_THAT(Filed(), IsEmpty());
+  EXPECT_FALSE(files.Exists(kJournal));
+}
+
 TEST_F(Recovery, RecordingsOfOneNameAreCallsOfTheirOwnUnlessOneIsTheOthersBeginning) {
   const std::string header = " data4711";
   CallAndRecord(2s);
