@@ -65,6 +65,7 @@ class Promises : public TelephonyEvents {
   bool left_alone_ = false;               ///< the person at the desk has chosen "Do Nothing" for this call
   bool turned_ = false;                   ///< the clock
   bool lost_ = false;                     ///< records have been taken away
+  bool journal_kept_ = true;              ///< all that was to be written to it
   bool stale_ = false;                    ///< the list has not been made since then
   int refused_at_exit_ = 0;
   bool records_at_exit_ = false;  ///< they could be written

@@ -153,7 +153,7 @@ class RecordingViews : public WholeMainWindow {
   }
   void ShowRowRemoved(std::int32_t index) override { rows.erase(rows.begin() + index - 1); }
   void ShowRowsChanged() override {
-    for (std::int32_t row = 1; row <= list->Count(); ++row) rows.at(At(row)).icon = list->Row(row).icon;
+    for (std::int32_t row = 1; row <= list->Count(); ++row) rows.at(At(row)) = list->Row(row);
   }
   void ShowIcon(std::int32_t index, CallIcon icon) override { rows.at(At(index)).icon = icon; }
   void ShowSelection(std::int32_t index) override { selection = index; }
