@@ -18,7 +18,14 @@ QString FieldsOnly(const QString& pattern) {
   return fields;
 }
 
-}  // namespace
+/// The pattern with AP in place of the finer times of day, B and b, that Qt does not know.
+QString WithKnownDayPeriod(const QString& pattern) {
+  const QString fields = FieldsOnly(pattern);
+  QString result = pattern;
+  for (qsizetype at = fields.size() - 1; at >= 0; --at)
+    if (fields[at] == u'B' || fields[at] == u'b') result.replace(at, 1, QStringLiteral("AP"));
+  return result;
+}
 
 bool HasSeconds(const QString& pattern) {
   return FieldsOnly(pattern).contains(u's');
@@ -38,9 +45,11 @@ QString WithoutZone(const QString& pattern) {
   return result.trimmed();
 }
 
+}  // namespace
+
 QString TimePattern(const QString& short_pattern, const QString& long_pattern) {
-  if (HasSeconds(short_pattern)) return WithoutZone(short_pattern);
-  if (HasSeconds(long_pattern)) return WithoutZone(long_pattern);
+  for (const QString& pattern : {short_pattern, long_pattern})
+    if (HasSeconds(pattern)) return WithKnownDayPeriod(WithoutZone(pattern));
   return QStringLiteral("HH:mm:ss");
 }
 

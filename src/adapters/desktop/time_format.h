@@ -5,16 +5,10 @@
 
 namespace orven {
 
-/// Formats here are patterns in Qt's notation ("HH:mm:ss t"); text between apostrophes is literal.
-
-/// Whether the pattern shows seconds.
-bool HasSeconds(const QString& pattern);
-
-/// The pattern without its time zone field, the brackets around it and the blanks beside it.
-QString WithoutZone(const QString& pattern);
-
-/// The pattern in which a locale's times are written here: its short one when that shows seconds,
-/// else its long one without the zone, else plain "HH:mm:ss".
+/// The pattern in which a locale's times are written here, from its own two in Qt's notation ("HH:mm:ss t";
+/// text between apostrophes is literal): the short one when that shows seconds, else the long one without the
+/// zone, the brackets around it and the blanks beside it, else plain "HH:mm:ss". A finer time of day (B, as
+/// in Taiwan), which Qt would write out as that letter, becomes forenoon or afternoon.
 QString TimePattern(const QString& short_pattern, const QString& long_pattern);
 
 }  // namespace orven

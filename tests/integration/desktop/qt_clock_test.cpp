@@ -23,6 +23,7 @@ TEST(QtClock, TellsSecondsApartAndNamesNoZoneInAnyLocale) {
   constexpr Clock::WallTime kAt = sys_days(2003y / 12 / 31) + 13h + 5min + 7s;
   EXPECT_EQ(QtClock(QLocale("de_DE")).DateText(kAt), "31.12.03");
   EXPECT_EQ(QtClock(QLocale("de_DE")).TimeText(kAt), "14:05:07");
+  EXPECT_EQ(QtClock(QLocale("zh_TW")).TimeText(kAt), "下午2:05:07");
   for (const QLocale& locale :
        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
     const QtClock clock(locale);
