@@ -18,4 +18,8 @@ std::string FileNamePart(std::string_view path) {
   return std::string(separator == std::string_view::npos ? path : path.substr(separator + 1));
 }
 
+std::string FolderPart(std::string_view path) {
+  return std::string(path.substr(0, path.size() - FileNamePart(path).size()));
+}
+
 }  // namespace orven

@@ -12,4 +12,7 @@ std::string NativePath(std::string_view text);
 /// The part after the last separator.
 std::string FileNamePart(std::string_view path);
 
+/// The part up to and with the last separator.
+std::string FolderPart(std::string_view path);
+
 }  // namespace orven

@@ -3,6 +3,7 @@
 
 #include "core/conversions.h"
 #include "core/error_trap.h"
+#include "core/messages_folder.h"
 #include "core/registry_values.h"
 
 namespace orven {
@@ -97,7 +98,12 @@ void SettingsStore::ShareOptions(const ErrorTrap& trap) {
   shared_.greeting_file = settings_.Greeting + ".wav";
   shared_.num_of_ring = settings_.NumOfRing;
   trap([&] { shared_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
-  shared_.messages_path = settings_.MassagesPath;
+}
+
+void SettingsStore::ShareMessagesFolder() {
+  const auto serving = ServingMessagesFolder(settings_.MassagesPath, shared_);
+  shared_.messages_path = serving.path;
+  if (!serving.note.empty()) log_.WriteSystem(serving.note);
 }
 
 void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count) {
@@ -109,6 +115,7 @@ void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_
     trap([&] { Set("MassagesPath", settings_.MassagesPath); });
   }
   ShareOptions(trap);
+  ShareMessagesFolder();
   Read(kLogFlagsReader, label);
   trap([&] { show_ring_count(settings_.NumOfRing); });
 }

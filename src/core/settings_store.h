@@ -47,7 +47,8 @@ class SettingsStore {
   /// Saves the window placement, unless the window is hidden, minimised or maximised.
   void SetView(const PlacedWindow& window, bool hidden);
 
-  /// Reads what every part shares; runs after GetMainOptions. `show_ring_count` shows the ring count
+  /// Reads what every part shares, and settles which folder serves for the messages; runs after
+  /// GetMainOptions. `show_ring_count` shows the ring count
   /// in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
@@ -63,6 +64,7 @@ class SettingsStore {
   void Set(const std::string& name, const std::string& text);
 
  private:
+  void ShareMessagesFolder();
   void Read(unsigned reader, const std::string& label);
   void Read(unsigned reader, const ErrorTrap& trap);
   std::string Value(std::string_view name);

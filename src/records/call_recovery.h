@@ -95,6 +95,7 @@ class CallRecovery {
   bool TakeStray(const GrownRecording& stray, double length);
 
   std::vector<std::string> Folders() const;
+  bool IsInPlace(const std::string& path) const;  ///< the path of a message in the messages folder
   std::string FreePath(const std::string& path) const;
   std::string Description(const Call& call) const;
   ErrorTrap Trap() const;

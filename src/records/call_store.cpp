@@ -10,6 +10,7 @@
 #include "platform/runtime_error.h"
 #include "records/call_fields.h"
 #include "records/call_recovery.h"
+#include "records/message_name.h"
 
 namespace orven {
 namespace {
@@ -81,7 +82,7 @@ bool CallStore::TakeLateMessage(Call& call) {
   const auto& path = call.trail.storing_path;
   if (!call.message_left || !call.message_path.empty() || path.empty() || call.trail.message_due)
     return false;
-  if (!ports_.files.Exists(path) || AnotherCallHas(FileNamePart(path))) return false;
+  if (!ports_.files.Exists(path) || AnotherCallHas(NameInFolder(path, shared_.messages_path))) return false;
   auto complete = call;  // a step that fails leaves the call awaiting its message
   complete.message_path = path;
   ports_.journal.Note(complete);

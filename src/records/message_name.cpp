@@ -2,6 +2,7 @@
 #include "records/message_name.h"
 
 #include "core/file_stamp.h"
+#include "core/native_path.h"
 
 namespace orven {
 
@@ -12,6 +13,11 @@ std::string FreeNameBeside(const Files& files, Clock& clock, const std::string& 
   auto name = stem + ".wav";
   for (int number = 2; files.Exists(name); ++number) name = stem + "_" + std::to_string(number) + ".wav";
   return name;
+}
+
+std::string NameInFolder(const std::string& path, const std::string& folder) {
+  const auto name = path.starts_with(folder) ? path.substr(folder.size()) : "";
+  return name.empty() || name != FileNamePart(name) ? FileNamePart(path) : name;
 }
 
 }  // namespace orven

@@ -23,10 +23,6 @@ constexpr auto kStrayPatience = 15s;
 /// Only while a recording is copied.
 constexpr const char* kMended = ".mended-recording";
 
-std::string FolderPart(const std::string& path) {
-  return path.substr(0, path.size() - FileNamePart(path).size());
-}
-
 }  // namespace
 
 CallRecovery::Message CallRecovery::FindMessage(Call& call) {
@@ -40,7 +36,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
     call.message_path.clear();
     return Message::kNone;
   }
-  if (trail.growing_folder.empty() || FileNamePart(expected).empty()) return Message::kNone;
+  if (trail.growing_folder.empty() || FileNamePart(call.message_file_name).empty()) return Message::kNone;
   // An older message is where it was to be put; it was kept under a name that the log has told.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
   if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path))
@@ -85,12 +81,12 @@ std::string CallRecovery::Mended(const std::string& path) {
 CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& path) {
   call.message_left = true;
   call.message_path = path;
-  call.message_file_name = FileNamePart(path);
+  call.message_file_name = NameInFolder(path, parts_.shared.messages_path);
   parts_.journal.Note(call);
-  if (FolderPart(path) != parts_.shared.messages_path) {
+  if (!IsInPlace(path)) {
     if (!MoveTo(call, path)) return Message::kOutOfReach;
     call.message_path = call.trail.storing_path;
-    call.message_file_name = FileNamePart(call.message_path);
+    call.message_file_name = NameInFolder(call.message_path, parts_.shared.messages_path);
     parts_.journal.Note(call);
   }
   DeleteBeginnings(call);
@@ -100,7 +96,7 @@ CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& pa
 /// Moves a file to the messages folder, which may not take it. The journal knows its new path before.
 bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   auto& storing = call.trail.storing_path;
-  if (FolderPart(storing) != parts_.shared.messages_path || parts_.files.Exists(storing)) {
+  if (!IsInPlace(storing) || parts_.files.Exists(storing)) {
     storing = FreePath(parts_.shared.messages_path + FileNamePart(call.message_file_name));
     parts_.journal.Note(call);
   }
@@ -139,7 +135,7 @@ bool CallRecovery::RecoverStray(const GrownRecording& stray) {
   const auto path = stray.Path();
   if (!parts_.files.Exists(path)) return true;
   // Beside the messages only what has a name is a caller's; takes from the microphone have none.
-  if (stray.Name().empty() && stray.folder != parts_.shared.messages_path) return true;
+  if (stray.Name().empty() && stray.folder != FolderPart(parts_.shared.messages_path)) return true;
   if (parts_.journal.Claims(stray)) return false;
   const auto age = parts_.clock.Now() - parts_.files.LastModified(path);
   if (age >= 0s && age < kMayBeGrowing) return false;
@@ -179,7 +175,7 @@ bool CallRecovery::TakeStray(const GrownRecording& stray, double length) {
 }
 
 std::vector<std::string> CallRecovery::Folders() const {
-  std::vector<std::string> folders{parts_.shared.messages_path,
+  std::vector<std::string> folders{FolderPart(parts_.shared.messages_path),
                                    parts_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")};
   for (const auto& [call, handed_over, told] : calls_) {
     for (const auto& folder :
@@ -188,6 +184,11 @@ std::vector<std::string> CallRecovery::Folders() const {
     }
   }
   return folders;
+}
+
+bool CallRecovery::IsInPlace(const std::string& path) const {
+  const auto& folder = parts_.shared.messages_path;
+  return path == folder + NameInFolder(path, folder);
 }
 
 std::string CallRecovery::FreePath(const std::string& path) const {

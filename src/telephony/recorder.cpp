@@ -61,7 +61,7 @@ void Recorder::StartAfterWait() {
   bool can_record = true;
   MakeReady();
   trap([&] {
-    const auto& folder = context_.shared.messages_path;
+    const auto folder = FolderPart(context_.shared.messages_path);
     context_.Wave1.SetRecordFolder(folder);
     const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
     context_.Wave1.SetRecordName(name);
@@ -127,10 +127,11 @@ void Recorder::StopRecMessage() {
   auto& wave = context_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
   trap([&] {
-    auto path = context_.shared.messages_path + call.message_file_name;
+    const auto& folder = context_.shared.messages_path;
+    auto path = folder + call.message_file_name;
     const auto result = Store(path);
     context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
-    call.message_file_name = FileNamePart(path);
+    call.message_file_name = NameInFolder(path, folder);
     if (result == kWaveOk) call.message_path = path;
   });
   trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });

@@ -57,18 +57,26 @@ TEST_F(SettingsTest, AFreshKeyLogsEachNumberOnceAndReadsTextsAsNotFound) {
   log.lines.clear();
 
   GetAppOptions();
-  EXPECT_THAT(log.lines, ElementsAre(StartsWith("ErrGetAppOption 13"), StartsWith("ErrGetAppOption 13"),
-                                     StartsWith("ErrGetAppOption 13")));
-  EXPECT_EQ(shared.messages_path, "Not Found");
+  EXPECT_THAT(log.lines,
+              ElementsAre(StartsWith("ErrGetAppOption 13"),
+                          "The setting MassagesPath is missing: messages are stored in /app/Messages/",
+                          StartsWith("ErrGetAppOption 13"), StartsWith("ErrGetAppOption 13")));
+  EXPECT_EQ(settings.MassagesPath, "Not Found");
+  EXPECT_EQ(shared.messages_path, "/app/Messages/") << "not where the program was started";
   EXPECT_EQ(registry.Text("MassagesPath"), "Not Found") << "is not written back";
   EXPECT_NE(settings.cLogSys, 0) << "errors of a fresh installation are logged";
 }
 
-TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBack) {
+TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBackAndOneThatIsNoFullPathNotUsed) {
   registry.Set("MassagesPath", "");
   GetAppOptions();
   EXPECT_EQ(shared.messages_path, "/app/Messages/");
   EXPECT_EQ(registry.Text("MassagesPath"), "/app/Messages/");
+  for (const char* stored : {"my/", "C:\\Messages\\", "./", "/x"}) {
+    registry.Set("MassagesPath", stored);
+    GetAppOptions();
+    EXPECT_EQ(shared.messages_path, *stored == '/' ? stored : "/app/Messages/");
+  }
 }
 
 TEST_F(SettingsTest, PublishesWhatAllPartsShare) {

@@ -198,6 +198,20 @@ TEST_F(SameSecond, AnOlderFileThatCannotBeRenamedIsNotReplaced) {
   EXPECT_EQ(world.database.Field(0, kType), "1");
 }
 
+TEST(Recorder, AFolderWithoutItsSeparatorLeavesTheNameAsItIs) {
+  World world;
+  world.registry.Set("MassagesPath", "/mnt/my");
+  world.registry.Set("cDropSilence", "0");
+  world.Start();
+  world.CallAndWaitForRecording();
+  world.RunFor(2s);
+  EXPECT_EQ(world.Wave1.record_folder, "/mnt/") << "a start after a crash looks there";
+  world.HangUp();
+  const auto name = world.database.Field(0, kCallMassageName);
+  EXPECT_EQ(name, "12-31-2003_14-05-07.wav");
+  EXPECT_EQ(world.files.Content("/mnt/my" + name), TimedWave::Sound(2s));
+}
+
 TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
   World world;
   world.registry.Set("MaxRec", "0");
