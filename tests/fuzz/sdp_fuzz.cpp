@@ -20,14 +20,6 @@ sa Local() {
   return local;
 }
 
-LibrePtr<mbuf> BufferOf(std::string_view text) {
-  LibrePtr<mbuf> buffer(mbuf_alloc(text.size() + 1));
-  Require(buffer != nullptr &&
-          mbuf_write_mem(buffer.get(), reinterpret_cast<const std::uint8_t*>(text.data()), text.size()) == 0);
-  mbuf_set_pos(buffer.get(), 0);
-  return buffer;
-}
-
 /// What the call's sound relies on.
 void RequireUsable(const MediaAgreement& agreement, SrtpUse use) {
   Require(sa_port(&agreement.peer) != 0 && sa_af(&agreement.peer) == AF_INET);
@@ -57,9 +49,7 @@ class Negotiated {
 
   /// False when the call ends with it.
   bool Take(std::string_view description, bool is_offer) {
-    const auto body = BufferOf(description);
-    const auto agreement = negotiation_.Read(body.get(), is_offer);
-    Require(body->pos == 0);
+    const auto agreement = negotiation_.Read(description, is_offer, Local());
     if (!agreement) return agreed_;
     agreed_ = true;
     RequireUsable(*agreement, use_);
@@ -75,7 +65,8 @@ class Negotiated {
   void Offer() {
     const auto offer = RequireText(true);
     MediaNegotiation peer(Local(), keys_ ? SrtpUse::kRequired : use_);
-    const auto agreement = peer.Read(offer.get(), true);
+    const std::string_view text(reinterpret_cast<const char*>(offer->buf), offer->end);
+    const auto agreement = peer.Read(text, true, Local());
     Require(agreement && (agreement->keys || !keys_));
     RequireUsable(*agreement, use_);
   }

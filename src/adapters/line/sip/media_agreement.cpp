@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "adapters/line/sip/session_description.h"
+
 namespace orven {
 namespace {
 
@@ -42,7 +44,7 @@ bool DemandsEncryption(const sdp_media* media) {
 
 }  // namespace
 
-MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : family_(sa_af(&local)), srtp_(srtp) {
+MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : srtp_(srtp) {
   sdp_session* session = nullptr;
   Check(sdp_session_alloc(&session, &local));
   session_.reset(session);
@@ -61,36 +63,42 @@ MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : family_(sa_a
   if (demand) TellKeys({{1, SrtpSuite::kTag80, NewSrtpKey()}, {2, SrtpSuite::kTag32, NewSrtpKey()}});
 }
 
-std::optional<MediaAgreement> MediaNegotiation::Read(mbuf* body, bool is_offer) {
-  const std::string text(reinterpret_cast<const char*>(mbuf_buf(body)), mbuf_get_left(body));
-  auto agreement = Understand(body, is_offer, text);
+std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool is_offer, const sa& sender) {
+  const std::string mended = MendDescription(text);
+  auto agreement = Understand(mended, is_offer, sender);
   if (agreement) {
-    agreed_ = text;
+    agreed_ = mended;
     agreed_is_offer_ = is_offer;
   } else if (!agreed_.empty()) {
     // What is refused changes nothing; without this our next offer would have no sound in it.
-    const LibrePtr<mbuf> before(mbuf_alloc(agreed_.size()));
-    if (before == nullptr) throw std::bad_alloc();
-    Check(
-        mbuf_write_mem(before.get(), reinterpret_cast<const std::uint8_t*>(agreed_.data()), agreed_.size()));
-    mbuf_set_pos(before.get(), 0);
-    (void)sdp_decode(session_.get(), before.get(), agreed_is_offer_);
+    (void)Decode(agreed_, agreed_is_offer_);
   }
   return agreement;
 }
 
-std::optional<MediaAgreement> MediaNegotiation::Understand(mbuf* body, bool is_offer, std::string_view text) {
-  const std::size_t position = body->pos;
-  const int error = sdp_decode(session_.get(), body, is_offer);
-  body->pos = position;
-  if (error != 0) return std::nullopt;
+int MediaNegotiation::Decode(const std::string& text, bool is_offer) {
+  const LibrePtr<mbuf> body(mbuf_alloc(text.size()));
+  if (body == nullptr) throw std::bad_alloc();
+  Check(mbuf_write_mem(body.get(), reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+  mbuf_set_pos(body.get(), 0);
+  return sdp_decode(session_.get(), body.get(), is_offer);
+}
+
+std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& text, bool is_offer,
+                                                           const sa& sender) {
+  if (Decode(text, is_offer) != 0) return std::nullopt;
   auto agreement = Agreed();
   if (!agreement) return std::nullopt;
-  if (!sa_isset(&agreement->peer, SA_ADDR)) {
-    // No address: either one that is no number, or 0.0.0.0, the old way to put a call on hold (RFC 2543,
-    // section B.5).
-    if (text.find("IN IP4 0.0.0.0") == std::string_view::npos) return std::nullopt;
+  const bool told = sa_isset(&agreement->peer, SA_ADDR);
+  // The old way to put a call on hold (RFC 2543, section B.5; RFC 6157, section 4.1).
+  const auto none = {"IN IP4 0.0.0.0\r", "IN IP6 ::\r"};
+  if (!told && std::ranges::any_of(none, [&](const char* one) { return text.find(one) != text.npos; })) {
     agreement->send = agreement->receive = false;
+  }
+  if (!told || sa_af(&agreement->peer) != sa_af(&sender)) {
+    const std::uint16_t port = sa_port(&agreement->peer);
+    agreement->peer = sender;
+    sa_set_port(&agreement->peer, port);
   }
   return AgreeOnKeys(is_offer, *agreement) ? agreement : std::nullopt;
 }
@@ -98,7 +106,7 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(mbuf* body, bool is_o
 std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
   MediaAgreement agreement;
   agreement.peer = *sdp_media_raddr(audio_);
-  if (sa_port(&agreement.peer) == 0 || sa_af(&agreement.peer) != family_) return std::nullopt;
+  if (sa_port(&agreement.peer) == 0) return std::nullopt;
   bool any_codec = false;
   for (const le* element = list_head(sdp_media_format_lst(audio_, true)); element != nullptr;
        element = element->next) {

@@ -39,16 +39,18 @@ class MediaNegotiation {
   /// demands it. Throws std::bad_alloc, and std::runtime_error when no key can be made.
   MediaNegotiation(const sa& local, SrtpUse srtp);
 
-  /// Reads the offer or the answer at the position of `body`, which it leaves there. Nothing when it
-  /// is malformed, has no sound in a codec of ours, an address of another family, or is not as
-  /// encrypted as it has to be; then what was agreed before still holds.
-  std::optional<MediaAgreement> Read(mbuf* body, bool is_offer);
+  /// Reads the offer or the answer `text`, which came from `sender`: there we look for a peer that tells
+  /// no address that we can reach (a name, or one of another family). Nothing when it is malformed, has
+  /// no sound in a codec of ours, or is not as encrypted as it has to be; then what was agreed before
+  /// still holds.
+  std::optional<MediaAgreement> Read(std::string_view text, bool is_offer, const sa& sender);
 
   /// Our offer, or our answer to the offer read last. nullptr when memory ran out.
   LibrePtr<mbuf> Write(bool as_offer);
 
  private:
-  std::optional<MediaAgreement> Understand(mbuf* body, bool is_offer, std::string_view text);
+  int Decode(const std::string& text, bool is_offer);
+  std::optional<MediaAgreement> Understand(const std::string& text, bool is_offer, const sa& sender);
   std::optional<MediaAgreement> Agreed() const;
   bool AgreeOnKeys(bool is_offer, MediaAgreement& agreement);
   std::optional<CryptoAttribute> PeersChoice(bool is_offer) const;
@@ -56,7 +58,6 @@ class MediaNegotiation {
 
   LibrePtr<sdp_session> session_;
   sdp_media* audio_ = nullptr;  ///< belongs to session_
-  int family_;
   SrtpUse srtp_;
   std::vector<CryptoAttribute> own_;  ///< what our next description offers or answers
   std::string agreed_;                ///< the description that was agreed to last

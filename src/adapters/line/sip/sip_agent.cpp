@@ -87,7 +87,9 @@ std::optional<OpenFailure> SipAgent::Listen() {
   if (error == 0) {
     error = sip_listen(
         nullptr, stack, true,
-        [](const sip_msg* request, void* self) { return !IsSoundRequest(*Self(self).stack_, *request); },
+        [](const sip_msg* request, void* self) {
+          return TakeProbe(*request) || !IsSoundRequest(*Self(self).stack_, *request);
+        },
         this);
   }
   sipsess_sock* sessions = nullptr;

@@ -7,6 +7,7 @@
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/info_digit.h"
+#include "adapters/line/sip/session_description.h"
 #include "adapters/line/sip/sip_requests.h"
 
 namespace orven {
@@ -51,12 +52,13 @@ bool SipCall::Prepare(const sip_msg& invite) {
   sa_set_port(&local, stream_->Port());
   negotiation_.emplace(local, SrtpOf(around_.settings));
   if (mbuf_get_left(invite.mb) == 0) return true;
-  if (!msg_ctype_cmp(&invite.ctyp, "application", "sdp")) {
+  const auto offer = DescriptionIn(invite);
+  if (!offer) {
     (void)sip_replyf(around_.stack, &invite, 415, "Unsupported Media Type",
-                     "Accept: application/sdp\r\nContent-Length: 0\r\n\r\n");
+                     "Accept: application/sdp, multipart/mixed\r\nContent-Length: 0\r\n\r\n");
     return false;
   }
-  agreement_ = negotiation_->Read(invite.mb, true);
+  agreement_ = negotiation_->Read(*offer, true, invite.src);
   if (!agreement_) (void)sip_reply(around_.stack, &invite, 488, "Not Acceptable Here");
   return agreement_.has_value();
 }
@@ -169,7 +171,8 @@ void SipCall::EndSession() {
 int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   const bool has_offer = mbuf_get_left(request.mb) > 0;
   if (has_offer) {
-    const auto agreement = negotiation_->Read(request.mb, true);
+    const auto offer = DescriptionIn(request);
+    const auto agreement = offer ? negotiation_->Read(*offer, true, request.src) : std::nullopt;
     if (!agreement) return ENOTSUP;
     agreement_ = agreement;
     stream_->Update(*agreement);
@@ -182,7 +185,8 @@ int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
 
 /// The answer to an offer of ours comes with the acknowledgement.
 int SipCall::TakeAnswer(const sip_msg& ack) try {
-  const auto agreement = negotiation_->Read(ack.mb, false);
+  const auto answer = DescriptionIn(ack);
+  const auto agreement = answer ? negotiation_->Read(*answer, false, ack.src) : std::nullopt;
   if (!agreement) return EPROTO;
   agreement_ = agreement;
   stream_->Update(*agreement);

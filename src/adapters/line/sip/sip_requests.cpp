@@ -48,7 +48,30 @@ bool FitToContentLength(const sip_msg& request) {
   return true;
 }
 
+/// The method of a probe of ours.
+constexpr const char* kProbe = "WIDEN";
+
+/// The largest datagram that there is (RFC 768: 16 bits of length).
+constexpr std::size_t kLargestDatagram = 65'536;
+
 }  // namespace
+
+void ProbeSocket(sip& stack, const sa& address) {
+  const LibrePtr<mbuf> probe(mbuf_alloc(256));
+  if (probe == nullptr ||
+      mbuf_printf(probe.get(), "%s sip:%J SIP/2.0\r\nVia: SIP/2.0/UDP %J;branch=z9hG4bK%s\r\n\r\n", kProbe,
+                  &address, &address, kProbe) != 0) {
+    return;
+  }
+  mbuf_set_pos(probe.get(), 0);
+  (void)sip_send(&stack, nullptr, SIP_TRANSP_UDP, &address, probe.get());
+}
+
+bool TakeProbe(const sip_msg& request) {
+  if (request.tp != SIP_TRANSP_UDP || pl_strcmp(&request.met, kProbe) != 0) return false;
+  udp_rxsz_set(static_cast<udp_sock*>(request.sock), kLargestDatagram);
+  return true;
+}
 
 CallerIdentity CallerOf(const sip_msg& invite) {
   IdentityHeaders headers;

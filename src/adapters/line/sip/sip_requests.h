@@ -17,6 +17,14 @@ CallerIdentity CallerOf(const sip_msg& invite);
 /// no answer is possible.
 bool IsSoundRequest(sip& stack, const sip_msg& request);
 
+/// Widens a UDP socket of `stack` that listens at `address`, so that a request of more than the library's
+/// 8 KB is read whole. The library names the socket only by what comes through it: a probe of our own,
+/// which is sent here and which TakeProbe takes. Nothing is lost when it does not arrive.
+void ProbeSocket(sip& stack, const sa& address);
+
+/// True when `request` was a probe.
+bool TakeProbe(const sip_msg& request);
+
 /// Answers a request outside of any call that is no call itself: OPTIONS with what we can do, all
 /// other methods with 405.
 void AnswerOtherRequest(sip& stack, const sip_msg& request);

@@ -9,6 +9,7 @@
 #include "adapters/line/sip/listen_addresses.h"
 #include "adapters/line/sip/own_certificate.h"
 #include "adapters/line/sip/registration.h"
+#include "adapters/line/sip/sip_requests.h"
 #include "platform/line_driver.h"
 
 namespace orven {
@@ -91,6 +92,7 @@ int SipTransports::AddNewAddresses(Listener& listener) {
 int SipTransports::Add(const Listener& listener, const sa& address) {
   if (listener.secure) return sip_transp_add(stack_, SIP_TRANSP_TLS, &address, own_tls_->Get());
   const int error = sip_transp_add(stack_, SIP_TRANSP_UDP, &address);
+  if (error == 0) ProbeSocket(*stack_, address);
   return error != 0 ? error : sip_transp_add(stack_, SIP_TRANSP_TCP, &address);
 }
 

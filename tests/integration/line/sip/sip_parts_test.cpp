@@ -118,19 +118,16 @@ TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
   sa local{};
   ASSERT_EQ(sa_set_str(&local, "127.0.0.1", 4000), 0);
   MediaNegotiation negotiation(local, SrtpUse::kIfOffered);
-  const auto read = [&negotiation](const std::string& media) {
-    const std::string text =
-        "v=0\r\no=- 1 1 IN IP4 127.0.0.1\r\ns=-\r\nc=IN IP4 127.0.0.1\r\nt=0 0\r\n" + media;
-    const LibrePtr<mbuf> body(mbuf_alloc(text.size()));
-    (void)mbuf_write_str(body.get(), text.c_str());
-    mbuf_set_pos(body.get(), 0);
-    return negotiation.Read(body.get(), true).has_value();
+  const auto read = [&](const std::string& media) {
+    return negotiation.Read("v=0\r\ns=-\r\nc=IN IP6 ::1\r\n" + media, true, local);
   };
   const auto offer = [&negotiation] {
     const LibrePtr<mbuf> text = negotiation.Write(true);
     return std::string(reinterpret_cast<const char*>(text->buf), text->end);
   };
-  EXPECT_TRUE(read("m=audio 4002 RTP/AVP 0\r\n"));
+  const auto agreed = read("m=audio 4002 RTP/AVP 0\r\n");
+  ASSERT_TRUE(agreed);
+  EXPECT_EQ(AddressText(agreed->peer), "127.0.0.1:4002") << "no way to the one that was told: the sender's";
   EXPECT_FALSE(read("m=audio 4002 RTP/AVP 18\r\n"));
   EXPECT_NE(offer().find("m=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
 }

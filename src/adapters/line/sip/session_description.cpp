@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/session_description.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace orven {
+namespace {
+
+/// Takes the text up to the next `end` off `rest`, and `end` with it.
+std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
+  const auto at = std::min(rest.find(end), rest.size());
+  const auto taken = rest.substr(0, at);
+  rest.remove_prefix(std::min(at + end.size(), rest.size()));
+  return taken;
+}
+
+bool SameLetters(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) { return tolower(x) == tolower(y); });
+}
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const auto first = std::min(text.find_first_not_of(kBlanks), text.size());
+  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
+/// The header lines of one part of a multipart body.
+bool IsDescription(std::string_view headers) {
+  while (!headers.empty()) {
+    auto value = TakeUpTo(headers, "\r\n");
+    const auto name = Trimmed(TakeUpTo(value, ":"));
+    if (!SameLetters(name, "Content-Type") && !SameLetters(name, "c")) continue;
+    return SameLetters(Trimmed(TakeUpTo(value, ";")), "application/sdp");
+  }
+  return false;
+}
+
+std::optional<std::string> DescriptionAmong(std::string_view parts, std::string_view boundary) {
+  const auto delimiter = "--" + std::string(boundary);
+  (void)TakeUpTo(parts, delimiter);
+  while (!parts.empty() && !parts.starts_with("--")) {
+    auto part = TakeUpTo(parts, delimiter);
+    (void)TakeUpTo(part, "\r\n");  // the rest of the delimiter's line
+    if (IsDescription(TakeUpTo(part, "\r\n\r\n"))) return std::string(part);
+  }
+  return std::nullopt;
+}
+
+/// "a=rtpmap:" needs "97 opus/48000", "a=fmtp:" something behind the format's number.
+bool IsWhole(std::string_view attribute) {
+  if (attribute.starts_with("fmtp:")) return attribute.find(' ') != std::string_view::npos;
+  if (!attribute.starts_with("rtpmap:")) return !attribute.starts_with("rtcp:");
+  const auto name = attribute.find(' ');
+  const auto slash = attribute.find('/', name);
+  return name != std::string_view::npos && slash > name + 1 && slash + 1 < attribute.size() &&
+         std::isdigit(static_cast<unsigned char>(attribute[slash + 1])) != 0;
+}
+
+}  // namespace
+
+std::optional<std::string> DescriptionIn(const sip_msg& message) {
+  const std::string_view body(reinterpret_cast<const char*>(mbuf_buf(message.mb)), mbuf_get_left(message.mb));
+  const bool untold = !pl_isset(&message.ctyp.type);
+  if (untold || msg_ctype_cmp(&message.ctyp, "application", "sdp")) return std::string(body);
+  pl boundary{};
+  if (pl_strcasecmp(&message.ctyp.type, "multipart") != 0 ||
+      msg_param_decode(&message.ctyp.params, "boundary", &boundary) != 0) {
+    return std::nullopt;
+  }
+  auto value = Trimmed(View(boundary));
+  if (value.size() > 2 && value.front() == '"' && value.back() == '"')
+    value = value.substr(1, value.size() - 2);
+  return value.empty() ? std::nullopt : DescriptionAmong(body, value);
+}
+
+std::string MendDescription(std::string_view text) {
+  std::string mended;
+  bool audio = true;  // or what stands before the first medium and holds for all
+  while (!text.empty()) {
+    const auto end = std::min(text.find_first_of("\r\n"), text.size());
+    const auto line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.size() < 2 || line[1] != '=') continue;
+    const auto value = line.substr(2);
+    if (line[0] == 'm') audio = value.starts_with("audio ");
+    const bool read = line[0] == 'm' || (audio && line[0] != 'b' && (line[0] != 'a' || IsWhole(value)));
+    if (read) mended.append(line).append("\r\n");
+  }
+  return mended;
+}
+
+}  // namespace orven
