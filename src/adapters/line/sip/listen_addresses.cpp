@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/listen_addresses.h"
 
+#include <ifaddrs.h>
+#include <net/if.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -22,22 +25,24 @@ std::optional<sa> ParseListenAddress(const std::string& text) {
 
 std::vector<sa> ExpandListenAddress(const sa& listen) {
   if (!sa_is_any(&listen)) return {listen};
-  struct Search {
-    const sa& listen;
-    std::vector<sa> found;
-  } search{listen, {}};
-  (void)net_if_apply(
-      [](const char*, const sa* address, void* arg) {
-        auto& wanted = *static_cast<Search*>(arg);
-        if (sa_af(address) != sa_af(&wanted.listen) || sa_is_linklocal(address)) return false;
-        wanted.found.push_back(*address);
-        sa_set_port(&wanted.found.back(), sa_port(&wanted.listen));
-        return false;
-      },
-      &search);
-  std::stable_partition(search.found.begin(), search.found.end(),
+  ifaddrs* first = nullptr;
+  if (::getifaddrs(&first) != 0) return {};
+  std::vector<sa> found;
+  for (const ifaddrs* one = first; one != nullptr; one = one->ifa_next) {
+    constexpr unsigned kUsable = IFF_UP | IFF_RUNNING;
+    sa address{};
+    if (one->ifa_addr == nullptr || (one->ifa_flags & kUsable) != kUsable ||
+        sa_set_sa(&address, one->ifa_addr) != 0 || sa_af(&address) != sa_af(&listen) ||
+        sa_is_linklocal(&address)) {
+      continue;
+    }
+    sa_set_port(&address, sa_port(&listen));
+    found.push_back(address);
+  }
+  ::freeifaddrs(first);
+  std::stable_partition(found.begin(), found.end(),
                         [](const sa& address) { return !sa_is_loopback(&address); });
-  return search.found;
+  return found;
 }
 
 }  // namespace orven

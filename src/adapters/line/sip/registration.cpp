@@ -2,6 +2,8 @@
 #include "adapters/line/sip/registration.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <new>
 #include <utility>
 
@@ -37,6 +39,19 @@ std::string ServerUri(const uri& account, const std::string& transport) {
 
 std::string PublicUri(const uri& account) {
   return "sip:" + std::string(View(account.user)) + "@" + std::string(View(account.host));
+}
+
+/// Without the brackets and the port that an address has in a URI.
+std::string HostText(const sa& address) {
+  std::array<char, 64> text{};
+  (void)re_snprintf(text.data(), text.size(), "%j", &address);
+  return text.data();
+}
+
+std::string RandomName() {
+  std::array<char, 24> text{};
+  (void)re_snprintf(text.data(), text.size(), "%016llx", rand_u64());
+  return text.data();
 }
 
 /// The life that the server granted: of our binding, else of all (RFC 3261, section 10.2.4).
@@ -85,10 +100,12 @@ std::string ContactUser(const SipLineSettings& settings) {
   return DecodeAccount(settings.account, account) ? std::string(View(account.user)) : "orven";
 }
 
-Registration::Registration(sip& stack, const SipLineSettings& settings, std::function<std::string()> refusal)
-    : stack_(stack),
-      settings_(settings),
+Registration::Registration(const SipLineSettings& settings, Towards towards,
+                           std::function<std::string()> refusal)
+    : settings_(settings),
+      towards_(std::move(towards)),
       refusal_(std::move(refusal)),
+      call_id_(RandomName()),
       timer_([this] { Start(); }),
       life_(settings.timers.registration_life),
       retry_(settings.timers.registration_retry_first) {
@@ -100,15 +117,6 @@ Registration::Registration(sip& stack, const SipLineSettings& settings, std::fun
   };
   if (sip_auth_alloc(&auth, credentials, this, false) != 0) throw std::bad_alloc();
   auth_.reset(auth);
-  uri account{};
-  (void)DecodeAccount(settings.account, account);
-  const std::string own = PublicUri(account);
-  sip_dialog* dialog = nullptr;
-  if (sip_dialog_alloc(&dialog, ServerUri(account, settings.transport).c_str(), own.c_str(), nullptr,
-                       own.c_str(), nullptr, 0) != 0) {
-    throw std::bad_alloc();
-  }
-  dialog_.reset(dialog);
 }
 
 Registration::~Registration() {
@@ -118,15 +126,61 @@ Registration::~Registration() {
 
 void Registration::Start() {
   if (!registered_) settings_.registration_news({});
-  Ask(life_);
+  uri account{};
+  (void)DecodeAccount(settings_.account, account);
+  const auto listen = ParseListenAddress(settings_.listen);
+  const ServerName server{std::string(View(account.host)), account.port, settings_.transport,
+                          listen ? sa_af(&*listen) : AF_INET};
+  lookup_.Find(server, [this](std::vector<sa> servers) {
+    Prefer(std::move(servers));
+    Ask(life_);
+  });
+}
+
+/// Whom we were registered with comes first while it is there; who was there serves while nobody can be
+/// asked.
+void Registration::Prefer(std::vector<sa> servers) {
+  if (servers.empty()) return;
+  if (!servers_.empty()) {
+    const auto same = std::find_if(servers.begin(), servers.end(),
+                                   [this](const sa& one) { return sa_cmp(&one, &servers_.front(), SA_ALL); });
+    if (same != servers.end()) std::rotate(servers.begin(), same, same + 1);
+  }
+  servers_ = std::move(servers);
+}
+
+void Registration::NetworkChanged(bool moved) {
+  const bool other_way = !servers_.empty() && towards_(servers_.front()) != stack_;
+  // What stands is left alone, and whom the server refuses it refuses from here, too.
+  if (!moved && !other_way && (registered_ || refused_)) return;
+  timer_.Stop();
+  request_ = static_cast<struct sip_request*>(mem_deref(request_));
+  retry_ = settings_.timers.registration_retry_first;
+  Start();
+}
+
+void Registration::Leave(const sip& stack) {
+  if (stack_ != &stack) return;
+  connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
+  request_ = static_cast<struct sip_request*>(mem_deref(request_));
+  stack_ = nullptr;
 }
 
 void Registration::Ask(seconds life) {
-  if (const int error = Send(life); error != 0) RetryLater(NetworkWords(settings_, error, ""), 0, error);
+  int error = Send(life);
+  while (error != 0 && NextServer()) error = Send(life);
+  if (error != 0) RetryLater(NetworkWords(settings_, error, ""), 0, error);
+}
+
+bool Registration::NextServer() {
+  if (servers_.size() < 2) return false;
+  servers_.erase(servers_.begin());
+  return true;
 }
 
 void Registration::End() {
   timer_.Stop();
+  lookup_.GiveUp();
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
   if (registered_) (void)Send(seconds(0));
@@ -135,31 +189,42 @@ void Registration::End() {
 
 int Registration::Send(seconds life) {
   asked_ = life;
-  const auto contact = [](sip_transp transport, const sa* source, const sa* server, mbuf* request,
-                          void* self) {
-    return static_cast<Registration*>(self)->WriteContact(transport, *source, *server, *request);
+  if (servers_.empty()) return ENOENT;
+  stack_ = towards_(servers_.front());
+  if (stack_ == nullptr) return ENETUNREACH;
+  const auto contact = [](sip_transp transport, const sa* source, const sa*, mbuf* request, void* self) {
+    return static_cast<Registration*>(self)->WriteContact(transport, *source, *request);
   };
   const auto response = [](int error, const sip_msg* message, void* self) {
     static_cast<Registration*>(self)->TakeResponse(error, message);
   };
-  return sip_drequestf(&request_, &stack_, true, "REGISTER", dialog_.get(), 0, auth_.get(), contact, response,
-                       this, "Content-Length: 0\r\n\r\n");
+  uri account{};
+  (void)DecodeAccount(settings_.account, account);
+  const std::string own = PublicUri(account), server = ServerUri(account, settings_.transport);
+  // The request names the server as the account does, and goes to the address that has been found.
+  const std::string address = HostText(servers_.front()), transport = ";transport=" + settings_.transport;
+  uri route{};
+  pl_set_str(&route.scheme, "sip");
+  pl_set_str(&route.host, address.c_str());
+  pl_set_str(&route.params, transport.c_str());
+  route.port = sa_port(&servers_.front());
+  return sip_requestf(&request_, stack_, true, "REGISTER", server.c_str(), &route, auth_.get(), contact,
+                      response, this,
+                      "To: <%s>\r\nFrom: <%s>;tag=%s\r\nCall-ID: %s\r\nCSeq: %u REGISTER\r\n"
+                      "User-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
+                      own.c_str(), own.c_str(), call_id_.c_str(), call_id_.c_str(), ++sequence_);
 }
 
-int Registration::WriteContact(sip_transp transport, const sa& source, const sa& server,
-                               mbuf& request) const {
+int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& request) const {
   if (settings_.register_nothing) return 0;
-  sa address = source;
-  if (const auto listen = ParseListenAddress(settings_.listen); listen && sa_is_any(&*listen)) {
-    address = LocalAddressTowards(server);
-    sa_set_port(&address, sa_port(&source));
-  }
   return mbuf_printf(&request, "Contact: <sip:%s@%J%s>;expires=%u\r\n", ContactUser(settings_).c_str(),
-                     &address, sip_transp_param(transport), static_cast<unsigned>(asked_.count()));
+                     &source, sip_transp_param(transport), static_cast<unsigned>(asked_.count()));
 }
 
 void Registration::TakeResponse(int error, const sip_msg* response) {
   if (error == 0 && response->scode < 200) return;
+  // Another of the server's addresses may do better (RFC 3263, section 4.3).
+  if ((error != 0 || response->scode == 503) && NextServer()) return Ask(asked_);
   if (error == 0 && response->scode < 300) return Registered(*response);
   if (error == 0 && (response->scode == 401 || response->scode == 407) && ++challenges_ <= kMostChallenges) {
     if (sip_auth_authenticate(auth_.get(), response) != 0) {
@@ -185,6 +250,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
 void Registration::Registered(const sip_msg& response) {
   if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
   failing_ = false;
+  refused_ = false;
   // What answers our farewell (RFC 3261, section 10.2.2) says nothing of a registration.
   if (asked_ != seconds(0)) settings_.registration_news({RegistrationNews::State::Registered, 0, 0, {}});
   registered_ = true;
@@ -192,10 +258,11 @@ void Registration::Registered(const sip_msg& response) {
   retry_ = settings_.timers.registration_retry_first;
   const milliseconds granted = GrantedLife(response, ContactUser(settings_), asked_);
   timer_.StartOnce(granted * kRefreshPercent / 100);
-  if (connection_ != nullptr || response.tp == SIP_TRANSP_UDP) return;
+  connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
+  if (response.tp == SIP_TRANSP_UDP) return;
   // Calls come in over this very connection: when it goes, the registration is worth nothing.
   (void)sip_keepalive_start(
-      &connection_, &stack_, &response, kWatchOnly,
+      &connection_, stack_, &response, kWatchOnly,
       [](int, void* self) { static_cast<Registration*>(self)->RetryLater("the connection broke"); }, this);
 }
 
@@ -206,6 +273,7 @@ void Registration::RetryLater(const std::string& reason, int status, int error) 
                      "); no call can come in by it. ORVEN goes on trying.");
   }
   failing_ = true;
+  refused_ = status != 0;
   registered_ = false;
   challenges_ = 0;
   sip_auth_reset(auth_.get());

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/server_lookup.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/steady_timer.h"
 
@@ -15,34 +18,50 @@ namespace orven {
 /// before a registration ends, and after a failure with growing waits. SIP thread.
 class Registration {
  public:
+  /// The stack that requests to a server leave from; nullptr: there is no way there.
+  using Towards = std::function<sip*(const sa& server)>;
+
   /// `settings.account` must be a usable SIP address; see AccountProblem. `refusal` tells why the latest
   /// server did not prove who it is; empty when it did, or need not.
-  Registration(sip& stack, const SipLineSettings& settings, std::function<std::string()> refusal);
+  Registration(const SipLineSettings& settings, Towards towards, std::function<std::string()> refusal);
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
   ~Registration();
 
+  /// Looks for the server anew and registers there.
   void Start();
+
+  /// The computer's network has changed; `moved`: its addresses have. Registers at once where that is of use.
+  void NetworkChanged(bool moved);
+
+  /// Uses nothing of `stack` any more, which is about to go.
+  void Leave(const sip& stack);
 
   /// Takes the registration back; the server's answer is not waited for. Nothing is sent afterwards.
   void End();
 
  private:
-  /// Sends a request, and after a failure tries again later.
+  /// Sends a request to the first server that can be asked, and after a failure tries again later.
   void Ask(std::chrono::seconds life);
   /// An errno value, or 0.
   int Send(std::chrono::seconds life);
+  void Prefer(std::vector<sa> servers);
+  bool NextServer();
   void TakeResponse(int error, const sip_msg* response);
   void Registered(const sip_msg& response);
   /// `status` and `error` as in RegistrationNews.
   void RetryLater(const std::string& reason, int status = 0, int error = 0);
-  int WriteContact(sip_transp transport, const sa& source, const sa& server, mbuf& request) const;
+  int WriteContact(sip_transp transport, const sa& source, mbuf& request) const;
 
-  sip& stack_;
   const SipLineSettings& settings_;
+  const Towards towards_;
   const std::function<std::string()> refusal_;
+  const std::string call_id_;  ///< the same for all requests (RFC 3261, section 10.2), and our tag
   LibrePtr<sip_auth> auth_;
-  LibrePtr<sip_dialog> dialog_;
+  ServerLookup lookup_;
+  std::vector<sa> servers_;  ///< that may still be asked; the first is, or was
+  sip* stack_ = nullptr;     ///< of the latest request
+  std::uint32_t sequence_ = 0;
   sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
   struct sip_request* request_ = nullptr;  ///< under way; the library clears it when answered
   SteadyTimer timer_;
@@ -52,6 +71,7 @@ class Registration {
   int challenges_ = 0;  ///< answered in a row without success: the password is wrong
   bool registered_ = false;
   bool failing_ = false;  ///< has been told
+  bool refused_ = false;  ///< by the server, latest
 };
 
 /// What is wrong with the account of `settings`, for the log; empty when nothing is.

@@ -8,6 +8,7 @@
 
 #include "adapters/line/sip/descriptor_reserve.h"
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/network_watch.h"
 #include "adapters/line/sip/registration.h"
 #include "adapters/line/sip/sip_call.h"
 #include "adapters/line/sip/sip_line_settings.h"
@@ -39,8 +40,9 @@ class SipAgent {
   void Shutdown(std::function<void()> done);
 
  private:
-  std::optional<OpenFailure> Listen();
-  void TakeInvite(const sip_msg& invite);
+  void TakeInvite(SipStation& at, const sip_msg& invite);
+  void LookAtNetwork(bool changed);
+  bool Leave(SipStation& station);
   SipCall* Find(CallNumber number) const;
   void Finish();
   void TidyMemory();
@@ -49,14 +51,13 @@ class SipAgent {
   LineAudio& audio_;
   LineDriverEvents& events_;
   SipTransports transports_;
-  LibrePtr<sip> stack_;
-  LibrePtr<sipsess_sock> sessions_;
-  std::optional<CallSurroundings> surroundings_;
+  std::optional<CallSurroundings> surroundings_;  ///< of `call_`
   std::unique_ptr<Registration> registration_;
   std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one, its descriptors still held
   DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;
   bool closing_ = false;
+  NetworkWatch network_;
   SteadyTimer close_timer_;
   SteadyTimer tidy_timer_;
   std::function<void()> done_;

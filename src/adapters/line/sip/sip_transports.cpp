@@ -2,21 +2,19 @@
 #include "adapters/line/sip/sip_transports.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "adapters/line/sip/listen_addresses.h"
 #include "adapters/line/sip/own_certificate.h"
 #include "adapters/line/sip/registration.h"
-#include "adapters/line/sip/sip_requests.h"
 #include "platform/line_driver.h"
 
 namespace orven {
 namespace {
-
-/// A line on every address looks for new ones so often: a network that comes up, an address that changes.
-constexpr std::chrono::seconds kAddressWatch{10};
 
 std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
   if (!settings.tls_certificate.empty()) return TlsContext::Showing(settings.tls_certificate);
@@ -27,13 +25,35 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
 
 }  // namespace
 
-SipTransports::SipTransports(const SipLineSettings& settings)
-    : settings_(settings), watch_([this] {
-        for (Listener& listener : listeners_) (void)AddNewAddresses(listener);
-      }) {}
+SipTransports::SipTransports(const SipLineSettings& settings, Events events)
+    : settings_(settings), events_(std::move(events)) {
+  dnsc* names = nullptr;
+  if (dnsc_alloc(&names, nullptr, nullptr, 0) != 0) throw std::bad_alloc();
+  names_.reset(names);
+}
 
-std::optional<OpenFailure> SipTransports::Start(sip& stack) {
-  stack_ = &stack;
+std::optional<OpenFailure> SipTransports::Start() {
+  ReadNameServers();
+  if (auto failure = PrepareTls()) return failure;
+  if (auto failure = AddListener(settings_.listen, false)) return failure;
+  if (own_tls_ != nullptr) {
+    if (auto failure = AddListener(settings_.tls_listen, true)) return failure;
+  }
+  Expand();
+  for (const Listener& listener : listeners_) {
+    const Listener* failed = &listener;
+    int error = listener.expanded.empty() ? EADDRNOTAVAIL : 0;
+    for (const sa& address : listener.expanded) {
+      if (error == 0 && StationAt(address) == nullptr) error = AddStation(address, failed);
+    }
+    if (error == 0) continue;
+    return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
+                       "cannot listen on " + failed->text + ": " + ErrorWords(error)};
+  }
+  return std::nullopt;
+}
+
+std::optional<OpenFailure> SipTransports::PrepareTls() {
   const bool to_server = !settings_.account.empty() && settings_.transport == "tls";
   try {
     if (!settings_.tls_listen.empty()) {
@@ -50,57 +70,98 @@ std::optional<OpenFailure> SipTransports::Start(sip& stack) {
   } catch (const std::runtime_error& error) {
     return OpenFailure{kTelephonyDeviceFailed, error.what()};
   }
-  if (auto failure = AddListener(settings_.listen, false)) return failure;
-  if (own_tls_ != nullptr) {
-    if (auto failure = AddListener(settings_.tls_listen, true)) return failure;
-  }
-  if (server_tls_ != nullptr) {
-    const int error = AddWayToServer(listeners_.front().listening.front());
-    if (error != 0) return OpenFailure{kTelephonyDeviceFailed, "no TLS: " + ErrorWords(error)};
-  }
-  const bool any = std::any_of(listeners_.begin(), listeners_.end(),
-                               [](const Listener& one) { return sa_is_any(&one.address); });
-  if (any) watch_.StartPeriodic(kAddressWatch);
   return std::nullopt;
 }
 
 std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, bool secure) {
-  const auto address = ParseListenAddress(text);
-  if (!address) {
-    return OpenFailure{kTelephonyDeviceFailed,
-                       "listen address \"" + text + "\" is no address and port like 127.0.0.1:5060"};
+  if (const auto address = ParseListenAddress(text)) {
+    listeners_.push_back({text, *address, secure});
+    return std::nullopt;
   }
-  Listener& listener = listeners_.emplace_back(Listener{text, *address, {}, secure});
-  int error = AddNewAddresses(listener);
-  if (error == 0 && listener.listening.empty()) error = EADDRNOTAVAIL;
-  if (error == 0) return std::nullopt;
-  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                     "cannot listen on " + text + ": " + ErrorWords(error)};
+  return OpenFailure{kTelephonyDeviceFailed,
+                     "listen address \"" + text + "\" is no address and port like 127.0.0.1:5060"};
 }
 
-int SipTransports::AddNewAddresses(Listener& listener) {
-  for (const sa& address : ExpandListenAddress(listener.address)) {
-    const bool known = std::any_of(listener.listening.begin(), listener.listening.end(),
-                                   [&address](const sa& one) { return sa_cmp(&one, &address, SA_ALL); });
-    if (known) continue;
-    if (const int error = Add(listener, address); error != 0) return error;
-    listener.listening.push_back(address);
+/// Without name servers only addresses lead to a caller.
+void SipTransports::ReadNameServers() {
+  std::array<sa, 4> servers{};
+  auto count = static_cast<std::uint32_t>(servers.size());
+  if (dns_srv_get(nullptr, 0, servers.data(), &count) != 0) count = 0;
+  (void)dnsc_srv_set(names_.get(), servers.data(), count);
+}
+
+void SipTransports::Expand() {
+  for (Listener& listener : listeners_) listener.expanded = ExpandListenAddress(listener.address);
+}
+
+SipStation* SipTransports::StationAt(const sa& address) {
+  const auto found = std::find_if(stations_.begin(), stations_.end(),
+                                  [&address](const auto& station) { return station->Is(address); });
+  return found != stations_.end() ? found->get() : nullptr;
+}
+
+/// `failed` becomes the listener that there can be no station for. An errno value, or 0.
+int SipTransports::AddStation(const sa& address, const Listener*& failed) {
+  auto station = std::make_unique<SipStation>(*names_, SipStation::Events{events_.invite, [this] {
+                                                                            if (--closing_ == 0)
+                                                                              events_.closed();
+                                                                          }});
+  if (const int error = station->Begin(); error != 0) return error;
+  for (const Listener& listener : listeners_) {
+    for (const sa& here : listener.expanded) {
+      if (!sa_cmp(&here, &address, SA_ADDR)) continue;
+      failed = &listener;
+      const int error =
+          listener.secure ? station->ListenSecurely(here, *own_tls_->Get()) : station->Listen(here);
+      if (error != 0) return error;
+    }
   }
+  if (server_tls_ != nullptr) {
+    // Only to reach the account's server: the port is any free one, and nobody is told of it.
+    sa local = address;
+    sa_set_port(&local, 0);
+    if (const int error = station->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;
+  }
+  stations_.push_back(std::move(station));
   return 0;
 }
 
-int SipTransports::Add(const Listener& listener, const sa& address) {
-  if (listener.secure) return sip_transp_add(stack_, SIP_TRANSP_TLS, &address, own_tls_->Get());
-  const int error = sip_transp_add(stack_, SIP_TRANSP_UDP, &address);
-  if (error == 0) ProbeSocket(*stack_, address);
-  return error != 0 ? error : sip_transp_add(stack_, SIP_TRANSP_TCP, &address);
+bool SipTransports::IsThere(const SipStation& station) const {
+  return std::any_of(listeners_.begin(), listeners_.end(), [&station](const Listener& listener) {
+    return std::any_of(listener.expanded.begin(), listener.expanded.end(),
+                       [&station](const sa& address) { return station.Is(address); });
+  });
 }
 
-/// Only to reach the account's server: the port is any free one, and nobody is told of it.
-int SipTransports::AddWayToServer(const sa& address) {
-  sa local = address;
-  sa_set_port(&local, 0);
-  return sip_transp_add(stack_, SIP_TRANSP_TLS, &local, server_tls_->Get());
+bool SipTransports::Follow() {
+  Expand();
+  bool changed = LeaveGone();
+  for (const Listener& listener : listeners_) {
+    for (const sa& address : listener.expanded) {
+      const Listener* failed = nullptr;
+      // An address that is not quite there yet is tried again with the next look.
+      if (StationAt(address) == nullptr && AddStation(address, failed) == 0) changed = true;
+    }
+  }
+  return changed;
+}
+
+bool SipTransports::LeaveGone() {
+  return std::erase_if(stations_, [this](const auto& station) {
+           return !IsThere(*station) && events_.leaving(*station);
+         }) != 0;
+}
+
+SipStation* SipTransports::Towards(const sa& server) {
+  if (!sa_is_any(&listeners_.front().address)) return StationAt(listeners_.front().address);
+  const sa local = LocalAddressTowards(server);
+  return sa_isset(&local, SA_ADDR) ? StationAt(local) : nullptr;
+}
+
+void SipTransports::Close() {
+  closing_ = stations_.size();
+  if (closing_ == 0) return events_.closed();
+  for (const auto& station : stations_) station->Close();
 }
 
 }  // namespace orven

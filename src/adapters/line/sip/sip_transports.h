@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,7 +10,7 @@
 
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_line_settings.h"
-#include "adapters/line/sip/steady_timer.h"
+#include "adapters/line/sip/sip_station.h"
 #include "adapters/line/sip/tls_context.h"
 
 namespace orven {
@@ -23,38 +24,59 @@ struct OpenFailure {
 /// The addresses at which a line listens, and its way to the account's server. SIP thread.
 class SipTransports {
  public:
-  explicit SipTransports(const SipLineSettings& settings);
+  struct Events {
+    std::function<void(SipStation&, const sip_msg&)> invite;  ///< as of SipStation
+    std::function<void()> closed;                             ///< after Close: nothing is under way any more
+    /// A station's address is gone. False: its call is to end first, ask later; true: nobody uses it any
+    /// more.
+    std::function<bool(SipStation&)> leaving;
+  };
 
-  /// Listens at everything that `settings` names, and on at addresses that come later. `stack` outlives
-  /// the next Stop. Nothing on success.
-  std::optional<OpenFailure> Start(sip& stack);
+  SipTransports(const SipLineSettings& settings, Events events);
 
-  /// Looks for new addresses no more.
-  void Stop() { watch_.Stop(); }
+  /// Listens at everything that `settings` names. Nothing on success.
+  std::optional<OpenFailure> Start();
+
+  /// Listens where the computer has new addresses, and no more where they are gone. Whether any came or went.
+  bool Follow();
+
+  /// Takes the computer's name servers of this moment for the names within calls.
+  void ReadNameServers();
+
+  /// The station that requests to `server` leave from; nullptr: there is no way there.
+  SipStation* Towards(const sa& server);
+
+  /// Ends all that is under way, then tells so, perhaps at once.
+  void Close();
 
   /// Why the account's server could not prove who it is; empty when it could, or need not.
   std::string ServerRefusal() const { return server_tls_ != nullptr ? server_tls_->Refusal() : ""; }
 
  private:
-  /// One setting that names an address.
+  /// One setting that names an address, and what it means at the moment.
   struct Listener {
     std::string text;
-    sa address{};               ///< as configured
-    std::vector<sa> listening;  ///< what it means
-    bool secure;
+    sa address{};  ///< as configured
+    bool secure = false;
+    std::vector<sa> expanded{};
   };
 
+  std::optional<OpenFailure> PrepareTls();
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
-  int AddNewAddresses(Listener& listener);
-  int Add(const Listener& listener, const sa& address);
-  int AddWayToServer(const sa& address);
+  void Expand();
+  bool IsThere(const SipStation& station) const;
+  SipStation* StationAt(const sa& address);
+  int AddStation(const sa& address, const Listener*& failed);
+  bool LeaveGone();
 
   const SipLineSettings& settings_;
-  sip* stack_ = nullptr;
+  const Events events_;
+  LibrePtr<dnsc> names_;
   std::unique_ptr<TlsContext> own_tls_;     ///< of `tls_listen`
   std::unique_ptr<TlsContext> server_tls_;  ///< of the account
   std::vector<Listener> listeners_;
-  SteadyTimer watch_;
+  std::vector<std::unique_ptr<SipStation>> stations_;
+  std::size_t closing_ = 0;  ///< stations that have something under way
 };
 
 }  // namespace orven

@@ -23,7 +23,7 @@ timespec Spec(std::chrono::milliseconds time) {
 }  // namespace
 
 SteadyTimer::SteadyTimer(std::function<void()> callback)
-    : callback_(std::move(callback)), fd_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)) {
+    : callback_(std::move(callback)), fd_(timerfd_create(CLOCK_BOOTTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
   const int error = fd_ < 0 ? errno : fd_listen(fd_, FD_READ, &SteadyTimer::Fired, this);
   if (error == 0) return;
   if (fd_ >= 0) ::close(fd_);

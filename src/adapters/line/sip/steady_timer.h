@@ -6,9 +6,9 @@
 
 namespace orven {
 
-/// A timer of the SIP thread on the clock that nobody sets. The library's own timers follow the wall
-/// clock: when that is put back they stand still for as long, which must not stop a call's sound.
-/// Made, used and destroyed on the SIP thread; the callback may destroy the timer.
+/// A timer of the SIP thread on the clock that nobody sets, and that counts a suspended computer's sleep. The
+/// library's own timers follow the wall clock: when that is put back they stand still for as long, which must
+/// not stop a call's sound. Made, used and destroyed on the SIP thread; the callback may destroy the timer.
 class SteadyTimer {
  public:
   explicit SteadyTimer(std::function<void()> callback);

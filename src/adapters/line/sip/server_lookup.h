@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adapters/line/sip/libre.h"
+
+namespace orven {
+
+/// A server as an account names it.
+struct ServerName {
+  std::string host;  ///< a name or an address
+  std::uint16_t port =
+      0;  ///< 0: the one that the name's services tell (RFC 3263, section 4), else the usual one
+  std::string transport;  ///< udp, tcp or tls
+  int family = AF_INET;   ///< of the addresses that are of use
+};
+
+/// Finds a server's addresses, with the computer's own resolver as it is configured at that moment. That may
+/// take long, so it happens on a thread of its own, one for each search; a search that is given up goes on to
+/// its end there, and nobody hears of it. SIP thread.
+class ServerLookup {
+ public:
+  /// The addresses with their ports, the best first; none: the name leads nowhere.
+  using Found = std::function<void(std::vector<sa> addresses)>;
+
+  ServerLookup();
+  ServerLookup(const ServerLookup&) = delete;
+  ServerLookup& operator=(const ServerLookup&) = delete;
+  ~ServerLookup();
+
+  /// Calls `found` later, or within the call when there is nothing to search for. Gives up an earlier search.
+  void Find(const ServerName& server, Found found);
+
+  void GiveUp();
+
+ private:
+  struct Shared;
+
+  static void Answered(int id, void* data, void* self);
+
+  std::shared_ptr<Shared> shared_;
+  LibrePtr<mqueue> queue_;
+  Found found_;
+};
+
+}  // namespace orven
