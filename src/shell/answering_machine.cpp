@@ -23,7 +23,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return call.in_progress && call.remote_playback; }}),
       status(views.line),
-      line({ports.Tapi1, ports.dialogs, log, status}, store, settings),
+      line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
       context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line, journal},
       control(context),
       caller_view(ports.loop, views.caller_view,

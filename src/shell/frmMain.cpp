@@ -33,7 +33,7 @@ frmMain::frmMain()
   LayOut();
   menus_ = MakeChild<MainMenus>(*this, *ListView1_);
   SetTabOrder();
-  ShowLine(false);
+  ShowLine(false, false);
 }
 
 void frmMain::AddToolbar1() {
@@ -105,7 +105,8 @@ void frmMain::Attach(MainWindow& engine) {
 void frmMain::AttachToolbars() {
   connect(Toolbar1_, &ButtonBar::ButtonClick, this, [this](const QString& key, bool down) {
     engine_->Commands().Toolbar1_ButtonClick(key.toStdString(), down);
-    ShowLine(line_on_);  // the button shows what the line is, whatever the click asked for
+    Toolbar1_->Find("OnOff")->defaultAction()->setChecked(
+        line_on_);  // the button shows what the line is, whatever the click asked for
   });
   const std::pair<const char*, Dialog> dialogs[] = {{"Log", Dialog::frmLog},
                                                     {"Events", Dialog::frmEvents},

@@ -35,7 +35,7 @@ class frmMain : public QMainWindow, public WholeMainWindow {
 
   // LineView
   void ShowStatus(const std::string& text) override;
-  void ShowLine(bool on) override;
+  void ShowLine(bool on, bool trying) override;
 
   // QuickOptionBoxes
   void FillRings(const std::vector<std::string>& texts) override;

@@ -22,7 +22,7 @@ MainMenus::MainMenus(QMainWindow& window, QWidget& list) : QObject(&window), win
   AddBar();
   AddContextMenus();
   AddShortcuts(list);
-  ShowLine(false);
+  ShowLine(false, false);
 }
 
 void MainMenus::AddBar() {
@@ -208,9 +208,9 @@ void MainMenus::AttachProgram(MainWindow& engine) {
   On("mnuSoundsPage", [&commands] { commands.ShowPage(kSoundsPage); });
 }
 
-void MainMenus::ShowLine(bool on) {
+void MainMenus::ShowLine(bool on, bool trying) {
   Find("mnuOn")->setEnabled(!on);
-  Find("mnuOff")->setEnabled(on);
+  Find("mnuOff")->setEnabled(on || trying);
 }
 
 }  // namespace orven

@@ -23,7 +23,7 @@ class MainMenus : public QObject {
   void Attach(MainWindow& engine, const ButtonBar& Toolbar1, const ButtonBar& ToolBarPlayer);
 
   /// Which of `mnuOn` and `mnuOff` can be chosen.
-  void ShowLine(bool on);
+  void ShowLine(bool on, bool trying);
 
   QMenu& RightClick(bool message) { return message ? *right_click_ : *no_message_right_click_; }
   QMenu& Systry() { return *systry_; }

@@ -16,13 +16,13 @@ void frmMain::ShowStatus(const std::string& text) {
   StatusBar1_->ShowStatus(QString::fromStdString(text));
 }
 
-void frmMain::ShowLine(bool on) {
+void frmMain::ShowLine(bool on, bool trying) {
   line_on_ = on;
   auto& action = *Toolbar1_->Find("OnOff")->defaultAction();
   action.setChecked(on);
   action.setText(on ? tr("On") : tr("Off"));
   action.setIcon(ThemeIcon(on ? "call-start" : "call-stop"));
-  menus_->ShowLine(on);
+  menus_->ShowLine(on, trying);
 }
 
 void frmMain::FillRings(const std::vector<std::string>& texts) {

@@ -200,7 +200,7 @@ void MainWindow::Exit() {
 void MainWindow::TurnOn() {
   machine_.line.OpenLine(machine_.settings.Modem);
   // The button shows what is, also where there was no line to open.
-  views_.line.ShowLine(machine_.line.LineOn());
+  machine_.line.ShowLine();
 }
 
 void MainWindow::TurnOff() {

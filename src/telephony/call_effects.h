@@ -14,8 +14,9 @@ class LineView {
   virtual ~LineView() = default;
   /// First panel of the status bar.
   virtual void ShowStatus(const std::string& text) = 0;
-  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen.
-  virtual void ShowLine(bool on) = 0;
+  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen. `trying`: a line that is off
+  /// is opened by itself as soon as it can be; both can be chosen then.
+  virtual void ShowLine(bool on, bool trying) = 0;
 };
 
 /// The caller view window that announces a call at the top of the screen.

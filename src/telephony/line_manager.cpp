@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/line_manager.h"
 
+#include <chrono>
+#include <utility>
+
 #include "core/error_trap.h"
 
 namespace orven {
@@ -11,6 +14,9 @@ constexpr std::int32_t kNoneUsable = -2;
 
 constexpr std::int32_t kOwnerPrivilege = 4;
 constexpr std::int32_t kAutomatedVoice = 8;
+
+/// A laptop is called again this soon after it has found its network, or the port is free.
+constexpr std::chrono::seconds kTryAgain{5};
 
 std::string Device(std::int32_t index, const std::string& name) {
   return "[LineIndex:" + std::to_string(index) + " Device Name:" + name + "]";
@@ -69,15 +75,22 @@ std::string LineManager::DeviceName(std::int32_t index) const {
 }
 
 void LineManager::OpenLine(std::int32_t index) {
+  failure_.clear();
+  TryToOpen(index);
+}
+
+void LineManager::TryToOpen(std::int32_t index) {
   const ErrorTrap trap(ports_.log, "ErrOpenLine ");
   trap([&] {
+    tmrOpenLine_->Stop();
     if (index < 0 || ports_.Tapi1.IsLineOpen(CurrentIndex()) || ports_.Tapi1.IsLineOpen(index)) return;
     const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
     const auto name = DeviceName(index);
     const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);
     if (result != kTelephonyOk) {
-      ports_.log.WriteSystem("Error " + line);
-      ports_.view.ShowLine(false);
+      tmrOpenLine_->Start(kTryAgain);
+      if (std::exchange(failure_, line) != line) ports_.log.WriteSystem("Error " + line);
+      ShowLine();
       return;
     }
     open_index_ = index;
@@ -85,13 +98,14 @@ void LineManager::OpenLine(std::int32_t index) {
     trouble_.clear();
     ports_.view.ShowStatus("Monitoring " + name);
     ports_.log.WriteSystem(line);
-    ports_.view.ShowLine(true);
+    ShowLine();
   });
 }
 
 void LineManager::CloseLine(std::int32_t index) {
   const ErrorTrap trap(ports_.log, "ErrCloseLine ");
   if (open_index_ >= 0) index = open_index_;
+  tmrOpenLine_->Stop();
   trap([&] {
     if (!ports_.Tapi1.IsLineOpen(index)) return;
     const auto result = ports_.Tapi1.LineClose(index);
@@ -100,14 +114,15 @@ void LineManager::CloseLine(std::int32_t index) {
   });
   open_index_ = -1;
   line_on_ = false;
-  trap([&] { ports_.view.ShowLine(false); });
+  trap([&] { ShowLine(); });
   trap([&] { ports_.view.ShowStatus("Off Mode"); });
 }
 
 void LineManager::ReplaceDevices(const std::function<void()>& replace) {
   const ErrorTrap trap(ports_.log, "ErrReplaceDevices ");
-  const bool take_again = line_on_ || settings_.Modem < 0;
-  if (line_on_) CloseLine(CurrentIndex());
+  const bool on = line_on_ || tmrOpenLine_->Enabled();
+  const bool take_again = on || settings_.Modem < 0;
+  if (on) CloseLine(CurrentIndex());
   trap(replace);
   if (FindByName(settings_.ModemName) == kNoneSelected) settings_.Modem = kNoneSelected;
   if (SelectModemDevice() && take_again) OpenLine(settings_.Modem);

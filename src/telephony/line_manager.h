@@ -3,12 +3,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "platform/telephony.h"
 #include "telephony/call_effects.h"
 
@@ -18,6 +20,7 @@ namespace orven {
 class LineManager {
  public:
   struct Ports {
+    EventLoop& loop;
     TelephonyControl& Tapi1;
     Dialogs& dialogs;
     SystemLog& log;
@@ -25,13 +28,18 @@ class LineManager {
   };
 
   LineManager(Ports ports, SettingsStore& store, Settings& settings)
-      : ports_(ports), store_(store), settings_(settings) {}
+      : ports_(ports),
+        store_(store),
+        settings_(settings),
+        tmrOpenLine_(ports.loop.MakeTimer([this] { TryToOpen(settings_.Modem); })) {}
 
   /// Finds the stored device again by its name, or chooses the first usable one when none was chosen
   /// yet. False when there is none; then the line stays off.
   bool SelectModemDevice();
 
-  /// Takes the line of a device; nothing for a negative index or while a line is open.
+  /// Takes the line of a device; nothing for a negative index or while a line is open. What cannot be taken
+  /// (a port in use, no network yet) is tried again every few seconds, until it is taken or CloseLine is
+  /// called; the log has each reason once.
   void OpenLine(std::int32_t index);
 
   /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.
@@ -43,6 +51,9 @@ class LineManager {
   void ReplaceDevices(const std::function<void()>& replace);
 
   bool LineOn() const { return line_on_; }
+
+  /// Shows the on/off button as the line is.
+  void ShowLine() { ports_.view.ShowLine(line_on_, tmrOpenLine_->Enabled()); }
 
   /// Index of the open line; of the chosen device while none is open. Choosing another device in the
   /// options must not turn a call that is up away from its own line.
@@ -61,6 +72,7 @@ class LineManager {
  private:
   std::int32_t FindUsable(std::string& name) const;
   void ChooseFirstUsable();
+  void TryToOpen(std::int32_t index);
   std::string DeviceName(std::int32_t index) const;
 
   Ports ports_;
@@ -69,6 +81,8 @@ class LineManager {
   bool line_on_ = false;
   std::int32_t open_index_ = -1;
   std::string trouble_;  ///< of the open line
+  std::string failure_;  ///< to open it, as the log has it
+  std::unique_ptr<Timer> tmrOpenLine_;
 };
 
 }  // namespace orven

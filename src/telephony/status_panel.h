@@ -18,7 +18,7 @@ class StatusPanel : public LineView {
     ++writings_;
     view_.ShowStatus(text);
   }
-  void ShowLine(bool on) override { view_.ShowLine(on); }
+  void ShowLine(bool on, bool trying) override { view_.ShowLine(on, trying); }
 
   std::uint64_t Writings() const { return writings_; }
 

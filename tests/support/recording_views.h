@@ -89,7 +89,7 @@ class RecordingViews : public WholeMainWindow {
   bool line_on = false;
   std::string Status() const { return statuses.empty() ? "" : statuses.back(); }
   void ShowStatus(const std::string& text) override { statuses.push_back(text); }
-  void ShowLine(bool on) override { line_on = on; }
+  void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
 
   // The boxes.
   std::vector<std::string> rings, greetings;

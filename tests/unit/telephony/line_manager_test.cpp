@@ -46,15 +46,26 @@ TEST(LineManager, AStoredNameThatNoDeviceHasAnymore) {
   EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
 }
 
-TEST(LineManager, AFailedOpenIsLoggedWithItsReason) {
+TEST(LineManager, AFailedOpenIsLoggedWithItsReasonAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
+  const std::string line = "LineOpen[LineIndex:0 Device Name:Sim]->";
+  const std::string taken = "Error " + line + "The line is in use by another program. Port 5060 is taken.";
   World world;
   world.line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
   world.Start();
-  EXPECT_TRUE(
-      world.Logged("Error LineOpen[LineIndex:0 Device Name:Sim]->The line is in use by another program. Port "
-                   "5060 is taken."));
+  EXPECT_TRUE(world.Logged(taken));
   EXPECT_FALSE(world.views.line_on);
   EXPECT_FALSE(world.Machine().line.LineOn());
+  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(60s); }), IsEmpty()) << "the reason is known";
+  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
+  world.window->TurnOff();
+  world.line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(60s); }), IsEmpty()) << "it was turned off";
+  world.line->FailOpen(kTelephonyDeviceFailed, "No network.");
+  world.window->TurnOn();
+  world.line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(5s); }), ElementsAre(line + "Success"));
+  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
+  EXPECT_TRUE(world.views.line_on);
 }
 
 TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
