@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/desktop/command_line.h"
 
+#include <pthread.h>
+#include <unistd.h>
+
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -18,7 +21,20 @@ QString FileOf(const QString& program) {
   return found.isEmpty() ? program : found;
 }
 
+/// The process keeps what it has open until it becomes another program.
+void CloseOnExec() {
+  ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+}
+
 }  // namespace
+
+void KeepFilesFromPrograms() {
+  // In the child, because other threads open sockets meanwhile; here, because newer versions of Qt start
+  // programs by vfork, which does not call the child's handler.
+  static const int registered = ::pthread_atfork(nullptr, nullptr, CloseOnExec);
+  (void)registered;
+  CloseOnExec();
+}
 
 std::vector<std::string> SplitCommandLine(std::string_view line) {
   std::vector<std::string> parts;
@@ -54,6 +70,7 @@ void StartProgram(const std::vector<std::string>& parts, const Environment& adde
   if (file.isDir() || !file.isExecutable()) {
     throw RuntimeError(ErrorNumber::PermissionDenied, parts.front() + " (not a program)");
   }
+  KeepFilesFromPrograms();
   QProcess process;
   process.setProgram(file.filePath());
   QStringList arguments;

@@ -16,6 +16,10 @@ std::vector<std::string> SplitCommandLine(std::string_view line);
 /// Names and values of environment variables.
 using Environment = std::vector<std::pair<std::string, std::string>>;
 
+/// Sees to it that a program started from now on inherits standard input, output and error only. Libraries
+/// open sockets that would pass on; a program that outlives this one would keep the line's address with them.
+void KeepFilesFromPrograms();
+
 /// Starts the program in `line` as a process of its own, through no command interpreter, in the folder
 /// of this process and with its environment. Throws as Shell::Run. There is no window style here:
 /// programs decide about their windows themselves on this platform.

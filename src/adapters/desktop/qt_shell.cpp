@@ -99,7 +99,9 @@ bool QtShell::HasNotificationArea() const {
 
 bool QtShell::Open(const std::string& target) {
   const QUrl address = Openable(QString::fromStdString(target));
-  return !address.isEmpty() && QDesktopServices::openUrl(address);
+  if (address.isEmpty()) return false;
+  KeepFilesFromPrograms();
+  return QDesktopServices::openUrl(address);
 }
 
 void QtShell::Activated(QSystemTrayIcon::ActivationReason reason) const {

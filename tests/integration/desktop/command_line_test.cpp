@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 #include <qtestsupport_core.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "actions/call_parameters.h"
 #include "adapters/line/service/caller_text.h"
@@ -23,13 +25,13 @@ TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
   EXPECT_TRUE(SplitCommandLine(" \t").empty());
 }
 
-/// A program that writes each of its arguments as a line.
+/// A program that writes each of its arguments as a line, or the sockets that it inherited.
 class Scribe {
  public:
-  Scribe() {
-    PutFile(Path(),
-            "#!/bin/sh\nfor argument; do printf '%s\\n' \"$argument\"; done > \"$0.new\"\n"
-            "mv \"$0.new\" \"$0.out\"\n");
+  explicit Scribe(const std::string& what = "for argument; do printf '%s\\n' \"$argument\"; done") {
+    PutFile(Path(), "#!/bin/sh\n{ " + what +
+                        "; } > \"$0.new\"\n"
+                        "mv \"$0.new\" \"$0.out\"\n");
     ::chmod(Path().c_str(), 0700);
   }
   std::string Path() const { return folder_ / "scribe"; }
@@ -54,6 +56,14 @@ TEST(CommandLine, NoCallersNameBreaksOutOfItsQuotes) {
     EXPECT_EQ(scribe.Wrote(), clean + "\nlast\n") << name;
     EXPECT_EQ(scribe.Folder().Count("evil"), 0U) << name;
   }
+}
+
+TEST(CommandLine, AProgramDoesNotInheritWhatLibrariesHaveOpen) {
+  const int line = ::socket(AF_INET, SOCK_DGRAM, 0);
+  Scribe scribe("ls -l /proc/$$/fd | grep -c socket:");
+  StartCommandLine(scribe.Path());
+  EXPECT_EQ(scribe.Wrote(), "0\n");
+  ::close(line);
 }
 
 TEST(CommandLine, WhatCannotBeStartedIsNamed) {
