@@ -22,8 +22,9 @@ class DatabaseControl {
   virtual ~DatabaseControl() = default;
 
   /// Opens the database file, creating it when absent. A file that is not a database, or is
-  /// damaged, is set aside under a dated name beside it and a fresh one is opened; the returned text
-  /// then says so for the log, otherwise it is empty.
+  /// damaged, is set aside under a dated name beside it, and a fresh one is opened with the records that
+  /// could be read, which keep their order and identities; the returned text then says so for the log,
+  /// otherwise it is empty.
   virtual std::string Open(const std::string& path) = 0;
 
   /// Runs `query`; "Get *" gives all records with all fields. Throws 5 on any other text.

@@ -128,7 +128,17 @@ void MainWindow::StartUp() {
 
 void MainWindow::OpenRecords() {
   const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
-  if (!note.empty()) machine_.log.WriteSystem(note);
+  if (note.empty()) return;
+  machine_.log.WriteSystem(note);
+  TellOfLoss(note);
+}
+
+void MainWindow::TellOfLoss(const std::string& text) {
+  ports_.loop.Post(lifeline_.Bind([this, text] {
+    if (ended_) return;
+    machine_.ListView1.makeList();
+    ports_.dialogs.Information(text);
+  }));
 }
 
 /// The records could not be opened at the start: what the start wanted of them is done when they can be.

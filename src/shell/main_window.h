@@ -46,6 +46,10 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   /// A person has brought the window back without the tray (where it could only be minimised).
   void CameBack();
 
+  /// Tells the person at the desk in a box what happened to the records or the settings, as soon as nothing else
+  /// runs, and shows the records that there are.
+  void TellOfLoss(const std::string& text);
+
   /// `Check1` was clicked.
   void ChangeGridLines();
 
@@ -80,6 +84,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   std::unique_ptr<Timer> TimerPannel_;
   std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
   std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
+  Lifeline lifeline_;
   bool tray_missed_ = false;           ///< there was no notification area at the latest look
   bool loaded_ = false;
   bool exiting_ = false;

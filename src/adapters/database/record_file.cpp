@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "adapters/database/salvage.h"
 #include "adapters/files/durable.h"
 
 namespace orven {
@@ -111,6 +112,51 @@ std::string SetAside(const std::string& path) {
   return name;
 }
 
+/// Where a fresh file is filled before it takes the place of a damaged one.
+constexpr const char* kFresh = ".fresh";
+
+void RemoveFresh(const std::string& fresh) {
+  for (const char* part : {"", "-wal", "-shm"}) {
+    std::error_code error;
+    fs::remove(fresh + part, error);
+  }
+}
+
+void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& rows) {
+  RemoveFresh(fresh);  // killed while it was filled
+  const auto connection = OpenSound(fresh, schema);
+  connection->Execute("BEGIN");
+  std::string marks = "?";
+  for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
+  SqliteStatement insert(*connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (rowid, " +
+                                          ListOf(schema.fields) + ") VALUES (" + marks + ")");
+  for (const auto& [row, values] : rows) {
+    insert.Bind(1, row);
+    for (std::size_t column = 0; column < values.size(); ++column) {
+      insert.Bind(static_cast<int>(column) + 2, values[column]);
+    }
+    insert.Step();
+    insert.Reset();
+  }
+  connection->Execute("COMMIT");
+}
+
+/// Puts a file with what can be read of the one at `path` in its place. Says what became of both.
+std::string Renew(const std::string& path, const RecordSchema& schema) {
+  const SalvagedRows rows = SalvageRows(path, schema.table, schema.fields);
+  const std::string fresh = path + kFresh;
+  try {
+    FillFresh(fresh, schema, rows);
+  } catch (const RuntimeError&) {
+    RemoveFresh(fresh);
+    throw;
+  }
+  const std::string aside = SetAside(path);
+  RenameKeeping(fresh, path);
+  return std::to_string(rows.size()) +
+         " calls could be read and are carried over; the damaged file is kept as " + aside;
+}
+
 std::uintmax_t SizeOf(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = fs::file_size(path, error);
@@ -136,9 +182,9 @@ std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const 
     return OpenSound(path, schema);
   } catch (const SqliteError& damage) {
     if (!damage.FileIsUseless()) throw;
-    note =
-        std::string(damage.what()) + ": the file is kept as " + SetAside(path) + ", and a fresh one is open";
+    note = damage.what();
   }
+  note += ": " + Renew(path, schema);
   return OpenSound(path, schema);
 }
 

@@ -20,10 +20,11 @@ struct RecordSchema {
 /// Opens the database at `path` and makes it ready: created when absent, checked for damage, with
 /// `schema`'s table, to which missing columns are added; other tables and columns are left alone.
 /// A commit has reached the disk when it returns (write-ahead log, full synchronisation); MergeLog
-/// after each keeps the main file complete by itself, so that it can be copied or replaced alone. A file that
-/// cannot be used is set aside with its log files under a dated name, and a fresh one is opened; then `note`
-/// says so. Throws SqliteError or RuntimeError, nothing changed, when the file cannot be opened now (locked,
-/// no permission, no folder).
+/// after each keeps the main file complete by itself, so that it can be copied or replaced alone. From a file
+/// that cannot be used, the records that can be read are carried over, with their row numbers, into a fresh
+/// one; it is set aside with its log files under a dated name, and `note` says so. Throws SqliteError or
+/// RuntimeError, nothing changed, when the file cannot be opened now (locked, no permission, no folder, no
+/// room for a fresh one).
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
                                                  std::string& note);
 

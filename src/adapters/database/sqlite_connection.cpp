@@ -56,7 +56,8 @@ SqliteError::SqliteError(int code, const std::string& path, const std::string& m
 
 bool SqliteError::FileIsUseless() const {
   const int kind = code_ & 0xFF;
-  return kind == SQLITE_NOTADB || kind == SQLITE_CORRUPT || kind == SQLITE_ERROR;
+  return kind == SQLITE_NOTADB || kind == SQLITE_CORRUPT || kind == SQLITE_ERROR ||
+         code_ == SQLITE_IOERR_SHORT_READ;
 }
 
 SqliteConnection::SqliteConnection(const std::string& path) : path_(path) {
@@ -93,6 +94,13 @@ bool SqliteConnection::HasMoved() {
   int moved = 0;
   const int code = sqlite3_file_control(Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
   return code == SQLITE_OK && moved != 0;
+}
+
+void SqliteConnection::Borrow(std::string& image) {
+  const auto size = static_cast<sqlite3_int64>(image.size());
+  const int code = sqlite3_deserialize(Handle(), "main", reinterpret_cast<unsigned char*>(image.data()), size,
+                                       size, SQLITE_DESERIALIZE_READONLY);
+  if (code != SQLITE_OK) throw Failure(code);
 }
 
 void SqliteConnection::MergeLog() {

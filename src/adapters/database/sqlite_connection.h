@@ -18,8 +18,8 @@ class SqliteError : public RuntimeError {
   /// `code` is SQLite's result, `system_error` the errno behind it or 0.
   SqliteError(int code, const std::string& path, const std::string& message, int system_error = 0);
 
-  /// The file is no database, is damaged, or its table is not one that can be used: trying again
-  /// does not help, a fresh file does.
+  /// The file is no database, is damaged or cut short, or its table is not one that can be used: trying
+  /// again does not help, a fresh file does.
   bool FileIsUseless() const;
 
  private:
@@ -40,6 +40,9 @@ class SqliteConnection {
 
   /// Whether the file that is open is no longer the one at its path.
   bool HasMoved();
+
+  /// Reads from the image of a file instead, which outlives this connection.
+  void Borrow(std::string& image);
 
   /// Merges the write-ahead log into the main file and empties it, unless another program reads or
   /// writes just now; the next time does it then.
@@ -74,6 +77,9 @@ class SqliteStatement {
 
   /// Runs to the next row; false when there is none.
   bool Step();
+
+  /// Back to before the first Step, for other parameters.
+  void Reset() { sqlite3_reset(statement_.get()); }
 
   /// Columns are numbered from 0. An absent value is an empty text.
   std::string Text(int column);

@@ -6,8 +6,11 @@
 
 namespace orven {
 
-SqliteDatabase::SqliteDatabase(RecordSchema schema, Report report)
-    : schema_(std::move(schema)), report_(std::move(report)), table_(QuotedIdentifier(schema_.table)) {
+SqliteDatabase::SqliteDatabase(RecordSchema schema, Report report, Report loss)
+    : schema_(std::move(schema)),
+      report_(std::move(report)),
+      loss_(std::move(loss)),
+      table_(QuotedIdentifier(schema_.table)) {
   for (const std::string& field : schema_.fields) {
     fields_ += (fields_.empty() ? "" : ", ") + QuotedIdentifier(field);
   }
@@ -40,7 +43,7 @@ void SqliteDatabase::OpenAgain() {
   if (connection_ || path_.empty()) return;
   try {
     const std::string note = OpenFile();
-    report_(note.empty() ? path_ + " is open again" : note);
+    note.empty() ? report_(path_ + " is open again") : loss_(note);
   } catch (const RuntimeError&) {
     return;  // Refresh says it.
   }
@@ -67,7 +70,33 @@ void SqliteDatabase::FollowMove() {
   report_(path_ + " was moved or replaced" +
           (aside.empty() ? "" : "; its log file is kept as " + aside + "-wal"));
   const std::string note = OpenFile();
-  if (!note.empty()) report_(note);
+  if (!note.empty()) loss_(note);
+}
+
+/// Runs an operation, and where it meets a damaged file, once more on a sound one.
+template <class Operation>
+auto SqliteDatabase::Mending(const Operation& operation, After after) {
+  try {
+    return operation();
+  } catch (const SqliteError& damage) {
+    if (!connection_ || !damage.FileIsUseless()) throw;
+    Renew();
+    if (after == After::kThrow) throw;
+  }
+  return operation();
+}
+
+void SqliteDatabase::Renew() {
+  const auto known = rows_;
+  const auto current = current_;
+  connection_->KeepLogOnClose();
+  std::string note = OpenFile();
+  current_ = current;  // a row that was carried over has its number still
+  const auto gone =
+      std::ranges::count_if(known, [&](std::int64_t row) { return !std::ranges::binary_search(rows_, row); });
+  if (note.empty() && gone == 0) return;
+  if (note.empty()) note = path_ + " was damaged";
+  loss_(note + "; " + std::to_string(gone) + " of " + std::to_string(known.size()) + " calls are lost");
 }
 
 void SqliteDatabase::ReadRows() {
@@ -84,47 +113,54 @@ void SqliteDatabase::ReadRows() {
 RecordTable SqliteDatabase::Query(std::string_view query) {
   if (query != "Get *") throw RuntimeError(ErrorNumber::InvalidProcedureCall, std::string(query));
   OpenAgain();
-  Refresh();
-  RecordTable table;
-  table.records.reserve(rows_.size());
-  SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " ORDER BY rowid");
-  while (statement.Step()) {
-    Fields& record = table.records.emplace_back(schema_.fields.size());
-    for (std::size_t column = 0; column < record.size(); ++column) {
-      record[column] = statement.Text(static_cast<int>(column));
+  return Mending([&] {
+    Refresh();
+    RecordTable table;
+    table.records.reserve(rows_.size());
+    SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " ORDER BY rowid");
+    while (statement.Step()) {
+      Fields& record = table.records.emplace_back(schema_.fields.size());
+      for (std::size_t column = 0; column < record.size(); ++column) {
+        record[column] = statement.Text(static_cast<int>(column));
+      }
     }
-  }
-  return table;
+    return table;
+  });
 }
 
 std::int32_t SqliteDatabase::RecordCount() {
   OpenAgain();
-  Refresh();
+  Mending([&] { Refresh(); });
   return static_cast<std::int32_t>(rows_.size());
 }
 
 std::int32_t SqliteDatabase::CountRecords(std::string_view field, std::string_view value) {
   FieldIndex(field);
-  Refresh();
-  SqliteStatement statement(*connection_, "SELECT count(*) FROM " + table_ + " WHERE " +
-                                              QuotedIdentifier(std::string(field)) + " = ?");
-  statement.Bind(1, value);
-  statement.Step();
-  return static_cast<std::int32_t>(statement.Integer(0));
+  return Mending([&] {
+    Refresh();
+    SqliteStatement statement(*connection_, "SELECT count(*) FROM " + table_ + " WHERE " +
+                                                QuotedIdentifier(std::string(field)) + " = ?");
+    statement.Bind(1, value);
+    statement.Step();
+    return static_cast<std::int32_t>(statement.Integer(0));
+  });
 }
 
 std::vector<std::string> SqliteDatabase::Record(std::int32_t number) {
-  Refresh();
-  return ReadRecord(RowAt(number));
+  const auto read = [&] {
+    Refresh();
+    return ReadRecord(RowAt(number));
+  };
+  return Mending(read, After::kThrow);
 }
 
 std::int64_t SqliteDatabase::Identity(std::int32_t number) {
-  Refresh();
+  Mending([&] { Refresh(); }, After::kThrow);
   return RowAt(number);
 }
 
 std::int32_t SqliteDatabase::Locate(std::int64_t identity) {
-  Refresh();
+  Mending([&] { Refresh(); });
   const auto found = std::lower_bound(rows_.begin(), rows_.end(), identity);
   if (found == rows_.end() || *found != identity) return 0;
   return static_cast<std::int32_t>(found - rows_.begin()) + 1;
@@ -144,7 +180,7 @@ std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
 }
 
 void SqliteDatabase::MoveTo(std::int32_t number) {
-  Refresh();
+  Mending([&] { Refresh(); }, After::kThrow);
   const auto row = RowAt(number);
   draft_.reset();
   current_ = row;
@@ -155,7 +191,7 @@ void SqliteDatabase::MoveFirst() {
 }
 
 void SqliteDatabase::MoveNext() {
-  Refresh();
+  Mending([&] { Refresh(); });
   const auto after = std::upper_bound(rows_.begin(), rows_.end(), Current());
   MoveTo(static_cast<std::int32_t>(after - rows_.begin()) + 1);
 }
@@ -163,14 +199,16 @@ void SqliteDatabase::MoveNext() {
 void SqliteDatabase::AddNew() {
   draft_.reset();
   OpenAgain();
-  Refresh();
+  Mending([&] { Refresh(); });
   draft_ = Draft{Fields(schema_.fields.size()), std::nullopt};
 }
 
 void SqliteDatabase::Edit() {
   draft_.reset();
-  Refresh();
-  draft_ = Draft{ReadRecord(Current()), Current()};
+  Mending([&] {
+    Refresh();
+    draft_ = Draft{ReadRecord(Current()), Current()};
+  });
 }
 
 void SqliteDatabase::SetField(std::string_view field, std::string_view value) {
@@ -186,40 +224,44 @@ void SqliteDatabase::SetField(std::string_view field, std::int32_t value) {
 std::string SqliteDatabase::GetField(std::string_view field) {
   const auto column = static_cast<std::size_t>(FieldIndex(field));
   if (draft_) return draft_->fields[column];
-  Refresh();
-  return ReadRecord(Current())[column];
+  return Mending([&] {
+    Refresh();
+    return ReadRecord(Current())[column];
+  });
 }
 
 void SqliteDatabase::Update() {
-  Refresh();
-  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
-  if (draft_->row) {
-    Replace(*draft_->row, draft_->fields);
-  } else {
-    Insert(draft_->fields);
-  }
+  Mending([&] {
+    Refresh();
+    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
+    draft_->row ? Replace(*draft_->row, draft_->fields) : Insert(draft_->fields);
+  });
   connection_->MergeLog();
   draft_.reset();
 }
 
 void SqliteDatabase::Delete() {
-  Refresh();
-  const std::int64_t row = Current();
-  SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid = ?");
-  statement.Bind(1, row);
-  statement.Step();
+  Mending([&] {
+    Refresh();
+    SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid = ?");
+    statement.Bind(1, Current());
+    statement.Step();
+  });
   connection_->MergeLog();
+  const std::int64_t row = Current();
   rows_.erase(std::remove(rows_.begin(), rows_.end(), row), rows_.end());
   current_.reset();
   draft_.reset();
 }
 
 void SqliteDatabase::DeleteFirst(std::int32_t number) {
-  Refresh();
-  const std::int64_t row = RowAt(number);
-  SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid <= ?");
-  statement.Bind(1, row);
-  statement.Step();
+  const auto remove = [&] {
+    Refresh();
+    SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid <= ?");
+    statement.Bind(1, RowAt(number));
+    statement.Step();
+  };
+  Mending(remove, After::kThrow);
   connection_->MergeLog();
   rows_.erase(rows_.begin(), rows_.begin() + number);
   current_.reset();
@@ -227,8 +269,10 @@ void SqliteDatabase::DeleteFirst(std::int32_t number) {
 }
 
 void SqliteDatabase::DeleteAll() {
-  Refresh();
-  connection_->Execute("DELETE FROM " + table_);
+  Mending([&] {
+    Refresh();
+    connection_->Execute("DELETE FROM " + table_);
+  });
   connection_->MergeLog();
   rows_.clear();
   current_.reset();

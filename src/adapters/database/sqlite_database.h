@@ -18,16 +18,20 @@ namespace orven {
 ///
 /// A copy of the row numbers in memory finds a position at once; it is read again when another
 /// program changed the file. A file that is moved or deleted while it is open is noticed, and the
-/// path is opened anew. When Open failed, AddNew, Query and RecordCount try again (the disk may be back), and
-/// all other operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and MoveNext
-/// throw 9 where there is no such record; so does Update when the edited record is gone.
+/// path is opened anew. So is one that turns out to be damaged: the operation that meets the damage goes on
+/// with what could be read of it, and one that was given a position throws, because others may stand there
+/// now. When Open failed, AddNew, Query and RecordCount try again (the disk may be back), and all other
+/// operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and MoveNext throw 9
+/// where there is no such record; so does Update when the edited record is gone.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.
   using Report = std::function<void(const std::string&)>;
 
+  /// `loss` takes what `report` does about records that may be lost, after Open.
   explicit SqliteDatabase(
-      RecordSchema schema, Report report = [](const std::string&) {});
+      RecordSchema schema, Report report = [](const std::string&) {},
+      Report loss = [](const std::string&) {});
 
   std::string Open(const std::string& path) override;
   RecordTable Query(std::string_view query) override;
@@ -63,6 +67,10 @@ class SqliteDatabase final : public DatabaseControl {
   void OpenAgain();
   void Refresh();
   void FollowMove();
+  void Renew();
+  enum class After { kAgain, kThrow };
+  template <class Operation>
+  auto Mending(const Operation& operation, After after = After::kAgain);
   void ReadRows();
   std::int64_t Current() const;
   std::int64_t RowAt(std::int32_t number) const;
@@ -72,6 +80,7 @@ class SqliteDatabase final : public DatabaseControl {
 
   RecordSchema schema_;
   Report report_;
+  Report loss_;
   std::string table_;   ///< quoted
   std::string fields_;  ///< quoted, with commas between
   std::string path_;

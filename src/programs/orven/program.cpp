@@ -52,7 +52,11 @@ Program::Program(Folders folders)
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
       registry_(autostart_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
       database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
-                [this](const std::string& text) { Report(text); }),
+                [this](const std::string& text) { Report(text); },
+                [this](const std::string& text) {
+                  Report(text);
+                  window_.TellOfLoss(text);
+                }),
       lines_(loop_, MakeLines()),
       configured_lines_(LinesPath(), loop_, lines_, line_states_),
       cards_(loop_, ReportFromAnyThread()),
