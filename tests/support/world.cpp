@@ -89,9 +89,12 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
 void World::Build() {
   auto driver = std::make_unique<SimLine>("Sim", time);
   line = driver.get();
-  std::vector<std::unique_ptr<LineDriver>> drivers;
-  drivers.push_back(std::move(driver));
-  Tapi1 = std::make_unique<LineService>(time, std::move(drivers));
+  std::vector<TelephoneDevice> devices;
+  devices.push_back({std::move(driver), 120s});
+  Tapi1 = std::make_unique<LineService>(
+      time, std::move(devices),
+      IdleCalls{[this] { return Wave1.IsPlaying() || Wave1.IsRecording(); },
+                [this](const std::string& text) { Machine().log.WriteSystem(text); }});
   window = std::make_unique<MainWindow>(
       EnginePorts{time, time, disk_files, background, registry, dialogs, shell, mouse, Mail1, database,
                   *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},

@@ -57,7 +57,8 @@ Program::Program(Folders folders)
                   Report(text);
                   window_.TellOfLoss(text);
                 }),
-      lines_(loop_, MakeLines()),
+      lines_(loop_, MakeLines(),
+             {[this] { return LineHasSound(); }, [this](const std::string& text) { Report(text); }}),
       configured_lines_(LinesPath(), loop_, lines_, line_states_),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
@@ -115,7 +116,7 @@ MailAccount Program::Account() {
   return account;
 }
 
-std::vector<std::unique_ptr<LineDriver>> Program::MakeLines() {
+std::vector<TelephoneDevice> Program::MakeLines() {
   std::vector<std::string> problems;
   auto lines = MakeTelephoneLines(LinesPath(), loop_, clock_, problems, ReportFromAnyThread(), line_states_);
   for (const auto& problem : problems) Report(problem);
@@ -127,7 +128,11 @@ std::string Program::LinesPath() const {
 }
 
 bool Program::LineInUse() const {
-  return lines_.HasCall() || line_wave_.IsRecording() || line_wave_.IsPlaying();
+  return lines_.HasCall() || LineHasSound();
+}
+
+bool Program::LineHasSound() const {
+  return line_wave_.IsRecording() || line_wave_.IsPlaying();
 }
 
 /// Now, or when the call is over: then false.
@@ -169,13 +174,11 @@ void Program::PrepareFolder(bool first_start) {
   if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
   // The help's pictures are large enough to hold up a start from a slow disk.
   auto help = std::make_shared<SeedReport>();
-  background_.Run(
-      [help, folder = shared_.application_folder, assets = folders_.assets] {
-        *help = RefreshHelp(folder, assets);
-      },
-      [this, help](const std::exception_ptr&) {
-        for (const auto& problem : help->problems) Report(problem);
-      });
+  background_.Run([help, folder = shared_.application_folder,
+                   assets = folders_.assets] { *help = RefreshHelp(folder, assets); },
+                  [this, help](const std::exception_ptr&) {
+                    for (const auto& problem : help->problems) Report(problem);
+                  });
 }
 
 FirstStart::Sources Program::FirstStartSources() {

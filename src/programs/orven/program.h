@@ -66,9 +66,10 @@ class Program {
   MailAccount Account();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
-  std::vector<std::unique_ptr<LineDriver>> MakeLines();
+  std::vector<TelephoneDevice> MakeLines();
   std::string LinesPath() const;
   bool LineInUse() const;
+  bool LineHasSound() const;
   bool UseChangedLines();
   void WaitForLines();
 

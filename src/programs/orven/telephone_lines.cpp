@@ -51,22 +51,24 @@ std::unique_ptr<LineDriver> MakeSim(const LineSection& section, const std::files
 
 }  // namespace
 
-std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
-    const std::string& path, EventLoop& loop, const Clock& clock, std::vector<std::string>& problems,
-    const std::function<void(const std::string&)>& report, LineStates& states) {
+std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLoop& loop, const Clock& clock,
+                                                std::vector<std::string>& problems,
+                                                const std::function<void(const std::string&)>& report,
+                                                LineStates& states) {
   const auto file = ReadLines(path);
   const auto folder = std::filesystem::path(path).parent_path();
   problems.insert(problems.end(), file.complaints.begin(), file.complaints.end());
-  std::vector<std::unique_ptr<LineDriver>> lines;
+  std::vector<TelephoneDevice> lines;
   states.Clear();
   for (const auto& section : file.sections) {
     const auto& state = states.Add(section);
+    auto& driver = lines.emplace_back(TelephoneDevice{nullptr, IdleLimitOf(section)}).driver;
     if (section.type == "sip") {
-      lines.push_back(MakeSip(section, folder, report, state.registration));
+      driver = MakeSip(section, folder, report, state.registration);
     } else if (section.type == "modem") {
-      lines.push_back(MakeModem(section, clock, report, state.modem));
+      driver = MakeModem(section, clock, report, state.modem);
     } else {
-      lines.push_back(MakeSim(section, folder, loop, problems));
+      driver = MakeSim(section, folder, loop, problems);
     }
   }
   return lines;

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/service/serviced_line.h"
 #include "adapters/line/setup/line_states.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
-#include "platform/line_driver.h"
 
 namespace orven {
 
@@ -17,8 +17,9 @@ namespace orven {
 /// wrong in it is added to `problems`; the other lines still work. `report` takes what a line finds
 /// wrong while it is open; it is called on the lines' threads and must not block. `states` becomes those of
 /// these lines.
-std::vector<std::unique_ptr<LineDriver>> MakeTelephoneLines(
-    const std::string& path, EventLoop& loop, const Clock& clock, std::vector<std::string>& problems,
-    const std::function<void(const std::string&)>& report, LineStates& states);
+std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLoop& loop, const Clock& clock,
+                                                std::vector<std::string>& problems,
+                                                const std::function<void(const std::string&)>& report,
+                                                LineStates& states);
 
 }  // namespace orven

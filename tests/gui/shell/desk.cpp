@@ -52,9 +52,9 @@ Desk::Desk(const std::string& settings)
   }
   auto driver = std::make_unique<SimLine>("Home", loop);
   line = driver.get();
-  std::vector<std::unique_ptr<LineDriver>> drivers;
-  drivers.push_back(std::move(driver));
-  Tapi1 = std::make_unique<LineService>(loop, std::move(drivers));
+  std::vector<TelephoneDevice> devices;
+  devices.push_back({std::move(driver)});
+  Tapi1 = std::make_unique<LineService>(loop, std::move(devices));
   line_devices = std::make_unique<AllAudioDevices>(*Tapi1, card);
   Wave1 = std::make_unique<FileWaveControl>(loop, *line_devices, home / "Rescued");
   engine = std::make_unique<MainWindow>(

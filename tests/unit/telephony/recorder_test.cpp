@@ -13,7 +13,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Not;
 
 constexpr const char* kStartPcm = "Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->";
@@ -36,7 +35,7 @@ TEST(Recorder, SilenceEndsTheCallAndOneLoudTickResetsTheCount) {
   EXPECT_EQ(world.database.Field(0, kType), "5.91");
 }
 
-TEST(Recorder, TheLongestMessageEndsTheRecordingButNotTheCall) {
+TEST(Recorder, TheLongestMessageEndsTheRecordingButNotTheCallWhichTheLineLetsGo) {
   World world;
   world.registry.Set("cDropSilence", "0");
   world.Start();
@@ -45,9 +44,12 @@ TEST(Recorder, TheLongestMessageEndsTheRecordingButNotTheCall) {
   EXPECT_TRUE(world.Wave1.IsRecording());
   world.RunFor(1ms);
   EXPECT_FALSE(world.Wave1.IsRecording());
-  world.RunFor(60s);
+  world.RunFor(118s);
   EXPECT_TRUE(world.line->IsAnswered());
-  world.HangUp();
+  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(3s); }),
+              ElementsAre("[Sim] Nothing was played, recorded or keyed for 120 s: the line ends the call",
+                          "Disconnected[LineIndex:0]", "LineDrop[LineIndex:0]->Proc Num: Success",
+                          "Proc[LineIndex:0]->2 2", "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
   EXPECT_EQ(world.database.Field(0, kType), "60");
   EXPECT_EQ(std::ranges::count(world.SystemLog(), "Record Message OK"), 1);
 }
@@ -109,18 +111,6 @@ TEST(Recorder, CompressedMessagesAndPreScreen) {
   EXPECT_TRUE(world.Logged("PreScreen->wave error 1"));
   EXPECT_TRUE(world.Wave1.to_disk);
   EXPECT_EQ(world.Wave1.record_folder, world.messages);
-}
-
-TEST(Recorder, HangingUpDuringTheWaitRecordsNothing) {
-  World world;
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.time.RunUntil([&] { return world.Logged("Play Beep OK") && !world.Wave1.IsPlaying(); }, 10s);
-  world.HangUp();
-  world.line->Offer();  // the next call rings while the wait of the first one would end
-  world.RunFor(1s);
-  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
-  EXPECT_FALSE(world.Machine().recorder.TimersRunning());
 }
 
 TEST(Recorder, AFailedWriteFilesACallWithoutAMessage) {
@@ -224,29 +214,6 @@ TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
   EXPECT_EQ(world.database.Field(0, kType), "1");
   EXPECT_EQ(world.files.Content("/mnt/new/" + world.database.Field(0, kCallMassageName)),
             TimedWave::Sound(1s));
-}
-
-TEST(Recorder, TheOwnerIsHungUpInsteadOfRecorded) {
-  World world;
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.Machine().call.admin_mode = true;
-  world.Machine().recorder.RecMessage();
-  world.RunFor(1s);
-  EXPECT_FALSE(world.line->HasCall());
-  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
-}
-
-TEST(Recorder, OurOwnHangUpInTheWaitRecordsNothing) {
-  World world;
-  world.line->SetAnswerDelay(2s);
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.time.RunUntil([&] { return world.Logged("Play Beep OK") && !world.Wave1.IsPlaying(); }, 10s);
-  world.Machine().control.DropCall();
-  world.RunFor(1s);
-  EXPECT_TRUE(world.line->HasCall()) << "the network is still hanging up";
-  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
 }
 
 }  // namespace

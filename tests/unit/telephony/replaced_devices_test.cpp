@@ -11,9 +11,9 @@ class ReplacedDevices : public testing::Test {
   ReplacedDevices() { world.Start(); }
   void Replace(const std::vector<std::string>& names) {
     world.Machine().line.ReplaceDevices([&] {
-      std::vector<std::unique_ptr<LineDriver>> drivers;
-      for (const auto& name : names) drivers.push_back(std::make_unique<SimLine>(name, world.time));
-      EXPECT_TRUE(world.Tapi1->Replace(std::move(drivers))) << "a line is still open";
+      std::vector<TelephoneDevice> devices;
+      for (const auto& name : names) devices.push_back({std::make_unique<SimLine>(name, world.time)});
+      EXPECT_TRUE(world.Tapi1->Replace(std::move(devices))) << "a line is still open";
     });
     for (std::int32_t i = 0; i < world.Tapi1->GetNumDevs(); ++i) {
       if (world.Tapi1->IsLineOpen(i)) open.push_back(i);

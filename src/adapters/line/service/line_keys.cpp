@@ -14,6 +14,9 @@ namespace {
 constexpr double kShortestRing = 1;
 constexpr double kLongestRing = 60;
 
+/// A day.
+constexpr int kLongestIdle = 86400;
+
 bool IsDigit(char letter) {
   return letter >= '0' && letter <= '9';
 }
@@ -81,9 +84,17 @@ bool IsRingTime(std::string_view value) {
   return error == std::errc() && stop == end && seconds >= kShortestRing && seconds <= kLongestRing;
 }
 
+bool IsIdleTime(std::string_view value) {
+  const auto seconds = Number(value);
+  return seconds && *seconds <= kLongestIdle;
+}
+
 bool IsText(std::string_view value) {
   return !value.empty();
 }
+
+constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
+                               "a whole number of seconds up to 86400, 0 for never"};
 
 constexpr std::array kSipKeys{
     LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", true},
@@ -96,12 +107,15 @@ constexpr std::array kSipKeys{
     LineKey{"tls_listen", IsListen, "an IPv4 address and a port, for example 0.0.0.0:5061"},
     LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
+    kIdleSeconds,
 };
 constexpr std::array kModemKeys{
     LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0, or auto", true},
+    kIdleSeconds,
 };
 constexpr std::array kSimKeys{
     LineKey{"script", IsText, "the path of a script"},
+    kIdleSeconds,
 };
 constexpr std::array kTypes{
     LineType{"sip", kSipKeys},

@@ -25,14 +25,16 @@ const char* TextOf(std::int32_t result) {
 
 }  // namespace
 
-LineService::LineService(EventLoop& loop, std::vector<std::unique_ptr<LineDriver>> drivers) : loop_(loop) {
-  Add(std::move(drivers));
+LineService::LineService(EventLoop& loop, std::vector<TelephoneDevice> devices, IdleCalls idle)
+    : loop_(loop), idle_(std::move(idle)) {
+  Add(std::move(devices));
 }
 
-void LineService::Add(std::vector<std::unique_ptr<LineDriver>> drivers) {
-  for (auto& driver : drivers) {
-    lines_.push_back(std::make_unique<ServicedLine>(static_cast<std::int32_t>(lines_.size()), loop_,
-                                                    std::move(driver), [this] { return events_; }));
+void LineService::Add(std::vector<TelephoneDevice> devices) {
+  for (auto& device : devices) {
+    lines_.push_back(std::make_unique<ServicedLine>(
+        static_cast<std::int32_t>(lines_.size()), loop_, std::move(device), [this] { return events_; },
+        idle_));
   }
 }
 
@@ -40,11 +42,11 @@ bool LineService::HasCall() const {
   return std::ranges::any_of(lines_, &ServicedLine::HasCall);
 }
 
-bool LineService::Replace(std::vector<std::unique_ptr<LineDriver>> drivers) {
+bool LineService::Replace(std::vector<TelephoneDevice> devices) {
   if (std::ranges::any_of(lines_, &ServicedLine::IsOpen)) return false;
   std::ranges::move(lines_, std::back_inserter(replaced_));
   lines_.clear();
-  Add(std::move(drivers));
+  Add(std::move(devices));
   return true;
 }
 

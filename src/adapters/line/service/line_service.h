@@ -17,16 +17,16 @@ namespace orven {
 /// device's state. It is also the directory of the lines' wave devices. User-interface thread.
 class LineService : public TelephonyControl, public AudioDevices {
  public:
-  /// `drivers` in device-index order.
-  LineService(EventLoop& loop, std::vector<std::unique_ptr<LineDriver>> drivers);
+  /// `devices` in device-index order. Without `idle` no line ends a call by itself.
+  LineService(EventLoop& loop, std::vector<TelephoneDevice> devices, IdleCalls idle = {});
 
   /// Whether a call is up on any line, or rings.
   bool HasCall() const;
 
-  /// Puts other drivers in place of those that there are, which are closed. Only while no line is open:
+  /// Puts other devices in place of those that there are, which are closed. Only while no line is open:
   /// else false, and nothing is done. The old ones live on, closed, until this service goes: a wave
   /// control may still know their audio devices.
-  bool Replace(std::vector<std::unique_ptr<LineDriver>> drivers);
+  bool Replace(std::vector<TelephoneDevice> devices);
 
   /// The driver's own words on why the latest LineOpen of this line failed; empty when it did not.
   std::string OpenFailure(std::int32_t index) const;
@@ -49,11 +49,12 @@ class LineService : public TelephonyControl, public AudioDevices {
   AudioDevice* Find(std::int32_t number) override;
 
  private:
-  void Add(std::vector<std::unique_ptr<LineDriver>> drivers);
+  void Add(std::vector<TelephoneDevice> devices);
   ServicedLine* At(std::int32_t index) const;
   ServicedLine* OpenLineAt(std::int32_t index) const;
 
   EventLoop& loop_;
+  const IdleCalls idle_;
   TelephonyEvents* events_ = nullptr;
   std::int32_t last_request_ = 0;
   std::string open_failure_;  ///< the driver's own words on the latest LineOpen that failed

@@ -22,6 +22,7 @@ namespace orven {
 ///                  tls_listen    as listen
 ///                  tls_certificate  path of a PEM file
 ///                  ring_seconds  seconds between Ring events, 1 to 60, decimals allowed
+///   any type       idle_seconds  0 to 86400, whole: an idle call is ended after it; 0: never
 ///   type = modem   port          the serial device; always there
 ///   type = sim     script        path of a script
 ///

@@ -8,6 +8,11 @@
 namespace orven {
 namespace {
 
+using namespace std::chrono_literals;
+
+/// A hang-up of the line's own has no request of the program's: theirs begin at 1.
+constexpr std::int32_t kOwnRequest = 0;
+
 /// What the network did not tell of a caller.
 constexpr const char* kUnknown = "UNKNOWN";
 
@@ -17,12 +22,15 @@ std::string OrUnknown(std::string text) {
 
 }  // namespace
 
-ServicedLine::ServicedLine(std::int32_t index, EventLoop& loop, std::unique_ptr<LineDriver> driver,
-                           std::function<TelephonyEvents*()> events)
+ServicedLine::ServicedLine(std::int32_t index, EventLoop& loop, TelephoneDevice device,
+                           std::function<TelephonyEvents*()> events, const IdleCalls& idle)
     : index_(index),
       loop_(loop),
-      driver_(std::move(driver)),
+      driver_(std::move(device.driver)),
       events_(std::move(events)),
+      idle_(idle),
+      idle_limit_(device.idle_limit),
+      tmrIdle_(idle_limit_ > 0s && idle.in_use ? loop.MakeTimer([this] { CountIdleSecond(); }) : nullptr),
       queue_(loop, lifeline_.Bind([this] { Pump(); })) {}
 
 ServicedLine::~ServicedLine() {
@@ -81,6 +89,19 @@ void ServicedLine::Pump() {
   }
 }
 
+/// Whoever stays on the line after the longest message would hold it for ever. The program is told as when
+/// the caller hangs up.
+void ServicedLine::CountIdleSecond() {
+  if (!call_.connected) return tmrIdle_->Stop();
+  idle_for_ = idle_.in_use() ? 0s : idle_for_ + 1s;
+  if (idle_for_ <= idle_limit_) return;  // the first second may have been half over
+  tmrIdle_->Stop();
+  idle_.report("[" + Capabilities().device_name + "] Nothing was played, recorded or keyed for " +
+               std::to_string(idle_limit_.count()) + " s: the line ends the call");
+  driver_->Drop(call_.number, kOwnRequest);
+  Disconnected(call_.number);
+}
+
 void ServicedLine::TellFinishedRequests() {
   for (const auto request : std::exchange(call_.finished_requests, {})) {
     Raise(&TelephonyEvents::Proc, request, request);
@@ -107,6 +128,7 @@ void ServicedLine::CallerId(CallNumber call, const std::string& name, const std:
 }
 
 void ServicedLine::RequestDone(std::int32_t request, std::int32_t result) {
+  if (request == kOwnRequest) return;
   if (result != kTelephonyOk && request == call_.answer_request) call_.answer_request = 0;
   Raise(&TelephonyEvents::Proc, request, result == kTelephonyOk ? request : result);
 }
@@ -115,15 +137,19 @@ void ServicedLine::Connected(CallNumber call) {
   // A call that we have hung up meanwhile is no longer connected for the program.
   if (!IsCurrent(call) || call_.dropped) return;
   call_.connected = true;
+  idle_for_ = 0s;
+  if (tmrIdle_) tmrIdle_->Start(1s);
   Raise(&TelephonyEvents::Connected);
 }
 
 void ServicedLine::Digit(CallNumber call, char digit) {
-  if (IsCurrent(call) && call_.connected) Raise(&TelephonyEvents::MonitorDigit, digit);
+  if (!IsCurrent(call) || !call_.connected) return;
+  idle_for_ = 0s;
+  Raise(&TelephonyEvents::MonitorDigit, digit);
 }
 
 void ServicedLine::Disconnected(CallNumber call) {
-  if (!IsCurrent(call)) return;
+  if (!IsCurrent(call) || call_.remote_gone) return;
   call_.remote_gone = true;
   if (!call_.dropped) Raise(&TelephonyEvents::Disconnected);
   call_.connected = false;

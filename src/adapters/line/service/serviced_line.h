@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "adapters/line/service/driver_events.h"
@@ -11,13 +13,26 @@
 
 namespace orven {
 
+/// A line as it is given to the service.
+struct TelephoneDevice {
+  std::unique_ptr<LineDriver> driver;
+  /// A call on which nothing was played, recorded or keyed for so long is ended by the line; 0: none is.
+  std::chrono::seconds idle_limit{0};
+};
+
+/// What a line must know to end idle calls, and whom it tells. User-interface thread.
+struct IdleCalls {
+  std::function<bool()> in_use;  ///< something is played or recorded on the line that has a call
+  std::function<void(const std::string& line_of_log)> report;
+};
+
 /// One device of the telephony control: its driver, the mirror of its call as the program knows it,
 /// and the translation of the driver's events. User-interface thread.
 class ServicedLine : private LineDriverEvents {
  public:
-  /// `events` gives the present receiver of telephony events, or nullptr.
-  ServicedLine(std::int32_t index, EventLoop& loop, std::unique_ptr<LineDriver> driver,
-               std::function<TelephonyEvents*()> events);
+  /// `events` gives the present receiver of telephony events, or nullptr. `idle` outlives the line.
+  ServicedLine(std::int32_t index, EventLoop& loop, TelephoneDevice device,
+               std::function<TelephonyEvents*()> events, const IdleCalls& idle);
   ~ServicedLine() override;
 
   const DeviceCapabilities& Capabilities() const { return driver_->Capabilities(); }
@@ -48,6 +63,7 @@ class ServicedLine : private LineDriverEvents {
   };
 
   void Pump();
+  void CountIdleSecond();
   void TellFinishedRequests();
   bool IsCurrent(CallNumber call) const { return call_.number != 0 && call_.number == call; }
   template <class Event, class... Arguments>
@@ -69,6 +85,10 @@ class ServicedLine : private LineDriverEvents {
   std::function<TelephonyEvents*()> events_;
   bool open_ = false;
   Mirror call_;
+  const IdleCalls& idle_;
+  std::chrono::seconds idle_limit_;
+  std::chrono::seconds idle_for_{0};  ///< how long nothing has happened on the connected call
+  std::unique_ptr<Timer> tmrIdle_;    ///< runs while a call is connected; none where no call is ended
   Lifeline lifeline_;
   DriverEventQueue queue_;
 };

@@ -27,6 +27,9 @@ int RingSeconds(const std::string& text, int otherwise) {
   return std::max(1, static_cast<int>(std::lround(seconds)));
 }
 
+/// Nobody waits so long for something to happen on a telephone.
+constexpr int kIdleSeconds = 120;
+
 }  // namespace
 
 SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem::path& folder) {
@@ -46,6 +49,13 @@ SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem:
   settings.tls_made_certificate = (folder / "sip-certificate.pem").string();
   settings.ring_seconds = RingSeconds(Value(section, "ring_seconds"), settings.ring_seconds);
   return settings;
+}
+
+std::chrono::seconds IdleLimitOf(const LineSection& section) {
+  const auto text = Value(section, "idle_seconds");
+  int seconds = kIdleSeconds;
+  std::from_chars(text.data(), text.data() + text.size(), seconds);
+  return std::chrono::seconds(seconds);
 }
 
 std::string ScriptOf(const LineSection& section, const std::filesystem::path& folder) {

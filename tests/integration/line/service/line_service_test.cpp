@@ -49,13 +49,15 @@ class EventList : public TelephonyEvents {
 class LineServiceTest : public testing::Test {
  protected:
   LineServiceTest() {
-    std::vector<std::unique_ptr<LineDriver>> drivers;
+    std::vector<TelephoneDevice> devices;
     for (auto*& line : lines) {
       auto driver = std::make_unique<SimLine>("Sim", time);
       line = driver.get();
-      drivers.push_back(std::move(driver));
+      devices.push_back({std::move(driver), 120s});
     }
-    service = std::make_unique<LineService>(time, std::move(drivers));
+    service = std::make_unique<LineService>(
+        time, std::move(devices),
+        IdleCalls{[this] { return in_use; }, [this](const std::string& line) { log.push_back(line); }});
     service->SetEvents(&list);
     service->LineOpen(1, 4, 8);
   }
@@ -71,7 +73,33 @@ class LineServiceTest : public testing::Test {
   SimLine* lines[2] = {};
   std::unique_ptr<LineService> service;
   EventList list;
+  bool in_use = false;
+  std::vector<std::string> log;
 };
+
+TEST_F(LineServiceTest, ACallOnWhichNothingHappensIsEndedAsByItsCaller) {
+  list.react = [&](const std::string& event) {
+    if (event == "disconnected") service->LineDrop(1);
+  };
+  lines[1]->Offer();
+  time.RunFor(500s);
+  ASSERT_TRUE(lines[1]->HasCall()) << "it may ring for ever";
+  service->LineAnswer(1);
+  time.RunFor(60s);
+  in_use = true;
+  time.RunFor(500s);
+  in_use = false;
+  list.events.clear();
+  lines[1]->MonitorDigits(1, true);
+  time.RunFor(110s);
+  lines[1]->Press('1');
+  time.RunFor(118s);
+  EXPECT_TRUE(service->IsCallConnected(1));
+  time.RunFor(3s);
+  EXPECT_THAT(list.events, ElementsAre("1 digit 1", "1 disconnected", "1 proc 2 2", "1 idle"));
+  EXPECT_FALSE(lines[1]->HasCall());
+  EXPECT_EQ(log.size(), 1U);
+}
 
 TEST_F(LineServiceTest, ConnectedHoldsFromAnswerUntilAfterDisconnected) {
   Connect();
@@ -123,20 +151,6 @@ TEST_F(LineServiceTest, AnAnswerThatCrossesTheEndOfItsCallLeavesTheNextAlone) {
   time.RunFor(100ms);
   EXPECT_FALSE(lines[1]->IsAnswered());
   EXPECT_THAT(list.events, ElementsAre("1 call 1", "1 idle", "1 call 2", "1 proc 1 -4"));
-}
-
-TEST_F(LineServiceTest, ClosingRaisesTheCallsEndAtOnce) {
-  Connect();
-  EXPECT_EQ(service->LineClose(1), kTelephonyOk);
-  EXPECT_THAT(list.events, ElementsAre("1 idle"));
-  EXPECT_FALSE(service->IsLineOpen(1));
-}
-
-TEST_F(LineServiceTest, EveryLineHasItsWaveDevice) {
-  EXPECT_EQ(service->GetWaveDeviceId(1, 0), 1001);
-  EXPECT_EQ(service->Find(1001), &lines[1]->Audio());
-  EXPECT_EQ(service->Find(0), nullptr) << "sound cards are elsewhere";
-  EXPECT_EQ(service->Find(service->GetWaveDeviceId(5, 0)), nullptr);
 }
 
 TEST_F(LineServiceTest, CallerTextsAreCleanedAndUnknownOnesNamed) {
@@ -198,9 +212,9 @@ TEST(DriverEventQueue, CarriesEventsOfAnotherThreadInOrder) {
 TEST(SimLine, AScriptBeginsAnewWithEachOpening) {
   VirtualTime time{std::chrono::sys_days{}};
   const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
-  std::vector<std::unique_ptr<LineDriver>> drivers;
-  drivers.push_back(std::make_unique<SimLine>("Sim", time, script));
-  LineService service(time, std::move(drivers));
+  std::vector<TelephoneDevice> devices;
+  devices.push_back({std::make_unique<SimLine>("Sim", time, script)});
+  LineService service(time, std::move(devices));
   EventList list;
   service.SetEvents(&list);
   service.LineOpen(0, 4, 8);

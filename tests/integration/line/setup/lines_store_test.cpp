@@ -5,6 +5,7 @@
 
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
+#include "adapters/line/setup/line_settings.h"
 #include "adapters/line/setup/serial_ports.h"
 #include "integration/line/setup/waiting_loop.h"
 #include "platform/runtime_error.h"
@@ -16,6 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using namespace std::chrono_literals;
 
 class LinesStore : public testing::Test {
  protected:
@@ -36,8 +38,12 @@ TEST_F(LinesStore, ChangesOnlyWhatChangedAndLeavesCommentsAndTheRest) {
   auto given = Given(
       "\xEF\xBB\xBF; my lines\r\n\r\n[Home] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
       "Password = old    ; from the letter\r\naccount = sip:100@example.org\r\nring_seconds = 2.6\r\n\r\n"
-      "; the boat\r\n[Boat]\r\ntype = modem\r\nport = /dev/ttyACM0\r\n\r\n[Sim]\r\ntype = sim\r\n");
+      "; the boat\r\n[Boat]\r\ntype = modem\r\nport = /dev/ttyACM0\r\n\r\n[Sim]\r\ntype = "
+      "sim\r\nidle_seconds = 0\r\n");
   ASSERT_THAT(given.lines, SizeIs(3));
+  const auto sections = ReadLines(path).sections;
+  EXPECT_EQ(IdleLimitOf(sections[0]), 120s);
+  EXPECT_EQ(IdleLimitOf(sections[2]), 0s);
   EXPECT_THAT(given.complaints, IsEmpty());
   auto home = given.lines[0];
   EXPECT_EQ(home.user + "@" + home.server, "100@example.org");
@@ -57,7 +63,7 @@ TEST_F(LinesStore, ChangesOnlyWhatChangedAndLeavesCommentsAndTheRest) {
       ContentOf(path),
       "\xEF\xBB\xBF; my lines\r\n\r\n[House] ; the house\r\ntype = SIP\r\nlisten=127.0.0.1:5070\r\n"
       "Password = new#;1    ; from the letter\r\nring_seconds = 2.6\r\nauth_user = anna\r\n\r\n"
-      "; the boat\r\n[Sim]\r\ntype = sim\r\n\r\n"
+      "; the boat\r\n[Sim]\r\ntype = sim\r\nidle_seconds = 0\r\n\r\n"
       "[Office]\r\ntype = sip\r\naccount = sip:7@pbx:5061\r\nlisten = 0.0.0.0:5060\r\ntransport = tls\r\n");
   struct stat status {};
   ASSERT_EQ(::stat(path.c_str(), &status), 0);

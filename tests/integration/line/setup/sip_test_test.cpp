@@ -35,17 +35,17 @@ class SipLineTestRun : public testing::Test {
   /// Takes what lines.ini has into use, as the program does, and gives its first line.
   TelephoneLine Use(const std::string& text) {
     PutFile(folder / "lines.ini", text);
-    std::vector<std::unique_ptr<LineDriver>> drivers;
+    std::vector<TelephoneDevice> devices;
     states.Clear();
     for (const auto& section : ReadLines(folder / "lines.ini").sections) {
       auto settings = SipSettingsOf(section, folder / "");
       settings.registration_news = [state = states.Add(section).registration](const RegistrationNews& news) {
         state->Take(news);
       };
-      drivers.push_back(MakeSipLine(settings));
+      devices.push_back({MakeSipLine(settings)});
     }
     service.LineClose(0);
-    EXPECT_TRUE(service.Replace(std::move(drivers)));
+    EXPECT_TRUE(service.Replace(std::move(devices)));
     return lines.Read().lines.at(0);
   }
   LineTestResult Result(const TelephoneLine& line) {
@@ -167,7 +167,7 @@ TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
   auto line = Account(registrar.Port());
   lines.Store({line});
   const auto section = ReadLines(folder / "lines.ini").sections.at(0);
-  std::vector<std::unique_ptr<LineDriver>> drivers;
+  std::vector<TelephoneDevice> devices;
   SipLineSettings settings;
   settings.listen = line.listen;
   settings.account = "sip:100@" + line.server;
@@ -176,8 +176,8 @@ TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
   settings.registration_news = [state = states.Add(section).registration](const RegistrationNews& news) {
     state->Take(news);
   };
-  drivers.push_back(MakeSipLine(settings));
-  ASSERT_TRUE(service.Replace(std::move(drivers)));
+  devices.push_back({MakeSipLine(settings)});
+  ASSERT_TRUE(service.Replace(std::move(devices)));
   EXPECT_EQ(lines.State(line), "Off");
   ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
   const auto shows = [&](const char* text) {
@@ -186,9 +186,9 @@ TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
   EXPECT_TRUE(shows("Registration failed: 401"));
   service.LineClose(0);
   settings.password = "secret";
-  drivers.clear();
-  drivers.push_back(MakeSipLine(settings));
-  ASSERT_TRUE(service.Replace(std::move(drivers)));
+  devices.clear();
+  devices.push_back({MakeSipLine(settings)});
+  ASSERT_TRUE(service.Replace(std::move(devices)));
   ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
   EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
   EXPECT_TRUE(shows("Registered"));
