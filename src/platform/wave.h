@@ -14,7 +14,7 @@ enum WaveResult : std::int32_t {
   kWaveBusy = 2,       ///< the device or the control is already playing or recording
   kWaveBadFormat = 3,  ///< the format is not one that can be recorded or played
   kWaveFileNotFound = 4,
-  kWaveFileUnreadable = 5,  ///< not a sound file, damaged, empty, or no permission
+  kWaveFileUnreadable = 5,  ///< not a sound file, damaged, without a byte, or no permission
   kWaveNotRecording = 6,
   kWavePathNotFound = 7,  ///< the folder to write into is not there or is no folder
   kWaveWriteDenied = 8,
@@ -94,7 +94,7 @@ class WaveControl {
   virtual std::string RecordErrorText(std::int32_t code) const = 0;
 
   /// Starts playing the sound file at `path` on `device`, from its beginning; kWaveBusy while another
-  /// file plays.
+  /// file plays. One without a single sample is a sound file, too, and has been played at once.
   virtual std::int32_t PlayFile(const std::string& path, std::int32_t device) = 0;
 
   /// A text for a result of PlayFile; where the file is to blame it names the latest one.

@@ -59,7 +59,6 @@ std::int32_t TelephoneDecoder::Open(const std::string& path, std::unique_ptr<Tel
   SoundFile file;
   SF_INFO info;
   if (const auto result = OpenSoundFile(path, file, info); result != kWaveOk) return result;
-  if (info.frames == 0) return kWaveFileUnreadable;
   std::unique_ptr<TelephoneDecoder> opened(new TelephoneDecoder(std::move(file), info));
   if (info.samplerate != kSampleRate && !opened->resampler_) return kWaveBadFormat;
   decoder = std::move(opened);

@@ -29,9 +29,9 @@ std::int32_t OpenSoundFile(const std::string& path, SoundFile& file, SF_INFO& in
 /// thread at a time.
 class TelephoneDecoder {
  public:
-  /// Opens the file, reading its header only. Results as OpenSoundFile, also kWaveFileUnreadable for a
-  /// file without samples and kWaveBadFormat for a rate that is more than 256 times higher or lower
-  /// than the telephone's. `decoder` is set on kWaveOk.
+  /// Opens the file, reading its header only; one without samples is at its end at once. Results as
+  /// OpenSoundFile, also kWaveBadFormat for a rate that is more than 256 times higher or lower than the
+  /// telephone's. `decoder` is set on kWaveOk.
   static std::int32_t Open(const std::string& path, std::unique_ptr<TelephoneDecoder>& decoder);
 
   /// Whether SkipTo can be used.
