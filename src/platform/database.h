@@ -13,6 +13,12 @@ struct RecordTable {
   std::vector<std::vector<std::string>> records;  ///< [record row][field column]
 };
 
+/// A value in a field.
+struct FieldValue {
+  std::string_view field;
+  std::string_view value;
+};
+
 /// The record database control (the program's `DataBase1`): records of text fields in insertion
 /// order, addressed by 1-based position through one current-record cursor. An update is a
 /// transaction: on return it has reached the disk. Every operation throws RuntimeError when it
@@ -45,6 +51,11 @@ class DatabaseControl {
 
   /// Position of the record with that identity, 0 when there is none.
   virtual std::int32_t Locate(std::int64_t identity) = 0;
+
+  /// Identity of the newest record that is older than the one with `identity`, which may be gone, and that
+  /// holds none of the values `unlike`; 0 when there is none. However many records are passed over, it is one
+  /// query. Throws 9 for an unknown field.
+  virtual std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) = 0;
 
   /// Column of a field in the query's records (0-based); throws 9 for an unknown field.
   virtual std::int32_t FieldIndex(std::string_view field) const = 0;

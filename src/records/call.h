@@ -41,7 +41,7 @@ struct Call {
   bool answering = false;     ///< a request to answer was accepted
   bool admin_mode = false;    ///< the caller keyed the password
   bool message_left = false;  ///< a recording was made, even if it could not be stored
-  bool do_nothing = false;    ///< the person at the desk chose to let it ring
+  bool do_nothing = false;    ///< the person at the desk chose to let it ring on; that stops no answer
   bool greeting_playing = false;
   bool beep_playing = false;
   bool remote_playback = false;  ///< messages are being played to the caller

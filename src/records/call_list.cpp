@@ -144,6 +144,11 @@ std::int32_t CallList::RowOf(std::int64_t identity) const {
   return record == 0 || record > total_ ? 0 : total_ - record + 1;
 }
 
+std::int32_t CallList::NextMessage(std::int64_t above) const {
+  const auto found = DataBase1.NewestBefore(above, {{kType, kNoMessageType}, {kCallMassageName, ""}});
+  return found == 0 ? 0 : RowOf(found);
+}
+
 void CallList::Select(std::int32_t index) {
   FollowSelection(index);
   view_.ShowSelection(index);

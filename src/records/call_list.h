@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -108,6 +109,12 @@ class CallList {
   std::int64_t Identity(std::int32_t index) const;
   /// The row of that call, 0 when it is gone.
   std::int32_t RowOf(std::int64_t identity) const;
+
+  /// A place above all rows.
+  static constexpr auto kTop = std::numeric_limits<std::int64_t>::max();
+  /// The first row with a message below the call `above` (its identity; it may be gone by now, or kTop), 0
+  /// when there is none. It takes no longer the further it is; throws what the records throw.
+  std::int32_t NextMessage(std::int64_t above) const;
 
   /// The selected row, 0 for none.
   std::int32_t Selected() const { return selected_; }

@@ -73,7 +73,7 @@ void ListCommands::Last() {
 }
 
 void ListCommands::SelectRow(std::int32_t row) {
-  if (parts_.ListView1.Count() == 0) return;
+  if (parts_.ListView1.Count() == 0 || parts_.blocked()) return;
   if (row != parts_.ListView1.Selected()) parts_.player.Stop();
   parts_.ListView1.Select(row);
 }
@@ -90,6 +90,7 @@ void ListCommands::Step(std::int32_t rows) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     parts_.ListView1.FollowRecords();
+    if (parts_.blocked()) return;
     parts_.player.Stop();
     const auto row = parts_.ListView1.Selected() + rows;
     if (row < 1 || row > parts_.ListView1.Count()) return;

@@ -26,7 +26,8 @@ class ListCommands {
     const Mouse& mouse;
     CallListView& view;
     const Settings& settings;
-    /// The list must not be interfered with: its owner is listening to it by telephone.
+    /// The selection must not be moved: the list's owner is listening by telephone. The status bar says so
+    /// then.
     std::function<bool()> blocked;
   };
 
@@ -46,6 +47,7 @@ class ListCommands {
   void MarkAsRead();
   void MarkAsUnread();
 
+  /// While `blocked`, none of the commands that move the selection does anything.
   void First();
   void Last();
 

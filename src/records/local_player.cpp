@@ -41,6 +41,7 @@ void LocalPlayer::Play() {
 }
 
 void LocalPlayer::PlayFrom(std::int32_t row) {
+  if (ports_.blocked()) return;
   const ErrorTrap trap(ports_.log, "ErrPlay ");
   trap([&] {
     for (std::int32_t looked_at = 0; row > 0; ++looked_at, ++row) {

@@ -51,6 +51,8 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
     WaveformReader& waveforms;
     PlayerView& view;
     SystemLog& log;
+    /// The list's selection must not be moved; the status bar says so then.
+    std::function<bool()> blocked;
   };
 
   /// `mark_read` marks a row of the list read.
@@ -62,6 +64,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
 
   /// Plays the selected row's message, or the next one below: rows without a message on the way are
   /// marked read and skipped. Many of them are skipped bit by bit, other events running between.
+  /// Nothing while `blocked`.
   void Play();
 
   /// The button "Stop": stops a message; slider, timer and playing flag are reset in any case.

@@ -11,8 +11,9 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       ListView1(ports.DataBase1, log, views.list, tray),
       folders(ports.files, shared),
       journal(ports.files, log, shared),
-      player({ports.loop, folders, ports.WavePlay, ports.waveforms, views.player, log}, ListView1, settings,
-             [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
+      player({ports.loop, folders, ports.WavePlay, ports.waveforms, views.player, log,
+              [this] { return SelectionTaken(); }},
+             ListView1, settings, [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
       calls({ports.DataBase1, ports.files, folders, ports.background, ports.Wave1, ports.dialogs, player, log,
              log, journal, ports.loop},
             ListView1, settings, shared),
@@ -21,7 +22,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       library(ports.files, shared),
       greetings(library, player, sounds, views.boxes, ports.files),
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
-                     [this] { return call.in_progress && call.remote_playback; }}),
+                     [this] { return SelectionTaken(); }}),
       status(views.line),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
       context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line, journal},
@@ -35,7 +36,10 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                        [this] {
                          if (call.in_progress) control.DropInComeCall();
                        },
-                   .do_nothing = [this] { call.do_nothing = true; }}),
+                   .do_nothing =
+                       [this] {
+                         if (call.in_progress) control.DoNothing();
+                       }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
       microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
@@ -112,6 +116,13 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
   if (!recorder.Recording()) return std::nullopt;
   return ports_.Wave1.InputLevel();
+}
+
+/// The owner's place among the messages stays visible while he listens by telephone.
+bool AnsweringMachine::SelectionTaken() {
+  if (!call.in_progress || !call.remote_playback) return false;
+  status.ShowStatus("Messages are played to the telephone: the selection stays on them");
+  return true;
 }
 
 void AnsweringMachine::ShowOptions() {

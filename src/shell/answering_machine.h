@@ -118,6 +118,7 @@ class AnsweringMachine {
 
  private:
   std::optional<std::int32_t> LineLevel() const;
+  bool SelectionTaken();
   void ShowOptions();
 
   EnginePorts ports_;

@@ -8,7 +8,7 @@ void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool 
   trap([&] {
     if (context_.Tapi1.IsCallConnected(line)) return;
     const auto& call = context_.call;
-    const bool due = ring_count >= context_.shared.num_of_ring && !call.answering && !call.do_nothing;
+    const bool due = ring_count >= context_.shared.num_of_ring && !call.answering;
     if (!force && !due) return;
     const auto request = RequestAnswer();
     if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
@@ -67,6 +67,11 @@ void CallControl::DropInComeCall() {
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
   });
   HangUp(trap);
+}
+
+void CallControl::DoNothing() {
+  context_.call.do_nothing = true;
+  context_.log.WriteSystem("DoNothing" + LineTag(context_.Line()));
 }
 
 }  // namespace orven

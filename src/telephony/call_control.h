@@ -27,6 +27,9 @@ class CallControl {
   /// up. What plays on the line ends. The main window's drop command.
   void DropInComeCall();
 
+  /// The person at the desk lets the offered call ring on: it is answered as the settings say.
+  void DoNothing();
+
  private:
   /// Asks for the answer and keeps in mind that it is under way.
   std::int32_t RequestAnswer();

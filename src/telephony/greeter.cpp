@@ -35,7 +35,7 @@ void Greeter::PlayFinished() {
       call.beep_playing = false;
       recorder_.RecMessage();
     } else if (call.remote_playback) {
-      remote_.MessagePlayed();
+      remote_.PlayForAdmin();
     }
   });
 }

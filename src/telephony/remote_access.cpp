@@ -2,6 +2,7 @@
 #include "telephony/remote_access.h"
 
 #include "core/error_trap.h"
+#include "platform/runtime_error.h"
 
 namespace orven {
 
@@ -31,6 +32,7 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   trap([&] { context_.Tapi1.SetGreetingPhase(line, false); });
   call.beep_playing = false;
   call.greeting_playing = false;
+  NameUnfiledMessage(line);
   call.admin_mode = true;
   context_.journal.Done(call);
   // A recording that failed to start has left its timers; the owner must not be timed by them.
@@ -38,54 +40,49 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   context_.log.WriteSystem("Remote Control " + LineTag(line));
   trap([&] { view_.ShowStatus("Administrator Mode"); });
   trap([&] { context_.progress.Enter(CallState::Administrator); });
-  trap([&] {
-    if (ListView1.Count() > 0) ListView1.Select(1);
-  });
+  place_ = CallList::kTop;
   PlayForAdmin();
+}
+
+/// A message that the call left before the password was keyed has no record, for the owner's calls have none.
+void RemoteAccess::NameUnfiledMessage(std::int32_t line) {
+  const auto& call = context_.call;
+  if (!call.message_left || call.admin_mode) return;
+  const auto& message = call.message_path.empty() ? call.message_file_name : call.message_path;
+  context_.log.WriteSystem("Remote Control " + LineTag(line) + "->the message that was recorded before, " +
+                           message + ", is kept without a call record");
 }
 
 void RemoteAccess::PlayForAdmin() {
   const ErrorTrap trap(context_.log, "ErrPlayForAdmin ");
-  if (ListView1.Count() == 0) {
-    control_.DropCall();
-    return;
-  }
-  bool dropped = false;
-  trap([&] { dropped = !SkipRowsWithoutMessage(); });
-  if (dropped) return;
-  trap([&] {
-    if (context_.Wave1.IsPlaying()) context_.Wave1.StopPlay();
-  });
-  trap([&] {
-    const auto path = folders_.PathOf(ListView1.Row(ListView1.Selected()).key);
-    const auto result = context_.Wave1.PlayFile(path, context_.Tapi1.GetWaveDeviceId(context_.Line()));
-    if (result != kWaveOk) {
-      context_.log.WriteSystem("Error Playing Remote Control " + context_.Wave1.PlayErrorText(result));
-      control_.DropCall();
-      return;
-    }
-    context_.call.remote_playback = true;
-  });
+  bool playing = false;
+  const bool looked = trap([&] { playing = SelectNextMessage() && PlaySelected(); });
+  // Nobody is left in silence, not by records that fail either.
+  if (!playing && (looked || context_.Connected())) control_.DropCall();
 }
 
-bool RemoteAccess::SkipRowsWithoutMessage() {
-  while (ListView1.Row(ListView1.Selected()).key.empty()) {
-    if (LastSelected() && context_.Connected()) {
-      control_.DropCall();
-      return false;
-    }
-    ListView1.Select(ListView1.Selected() + 1);
-  }
-  return true;
+bool RemoteAccess::SelectNextMessage() {
+  ListView1.FollowRecords();
+  if (ListView1.Count() == 0) return false;
+  const auto row = ListView1.NextMessage(place_);
+  ListView1.Select(row > 0 ? row : ListView1.Count());
+  if (row > 0) place_ = ListView1.Identity(row);
+  // Without a call to hang up the way leads beyond the last row.
+  if (row == 0 && !context_.Connected()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+  return row > 0;
 }
 
-void RemoteAccess::MessagePlayed() {
-  if (LastSelected()) {
-    control_.DropCall();
-    return;
-  }
-  ListView1.Select(ListView1.Selected() + 1);
-  PlayForAdmin();
+bool RemoteAccess::PlaySelected() {
+  auto& wave = context_.Wave1;
+  const ErrorTrap trap(context_.log, "ErrPlayForAdmin ");
+  trap([&] {
+    if (wave.IsPlaying()) wave.StopPlay();
+  });
+  const auto path = folders_.PathOf(ListView1.Row(ListView1.Selected()).key);
+  const auto result = wave.PlayFile(path, context_.Tapi1.GetWaveDeviceId(context_.Line()));
+  if (result == kWaveOk) return context_.call.remote_playback = true;
+  context_.log.WriteSystem("Error Playing Remote Control " + wave.PlayErrorText(result));
+  return false;
 }
 
 }  // namespace orven

@@ -25,14 +25,15 @@ class RemoteAccess {
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
 
-  /// A message has been played to its end: plays the next one, or hangs up after the last.
-  void MessagePlayed();
+  /// Plays the next message that the owner has not heard, whatever became of the list's rows and its
+  /// selection meanwhile; hangs up after the last, and where none can be played.
+  void PlayForAdmin();
 
  private:
   void EnterAdministratorMode(std::int32_t line);
-  void PlayForAdmin();
-  bool SkipRowsWithoutMessage();  ///< false when the line was dropped
-  bool LastSelected() const { return ListView1.Selected() >= ListView1.Count(); }
+  void NameUnfiledMessage(std::int32_t line);
+  bool SelectNextMessage();  ///< false when there is none
+  bool PlaySelected();       ///< false when that cannot be
 
   CallContext& context_;
   CallControl& control_;
@@ -40,6 +41,7 @@ class RemoteAccess {
   CallList& ListView1;
   const MessageFolders& folders_;
   LineView& view_;
+  std::int64_t place_ = CallList::kTop;  ///< identity of the call whose message was played last
 };
 
 }  // namespace orven

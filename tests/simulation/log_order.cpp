@@ -22,6 +22,7 @@ constexpr std::string_view kStart = "Start Record Message[";
 constexpr std::string_view kIdle = "Idle[";
 
 constexpr std::array kSteps{Step{"Ring[", kOffer, false},
+                            Step{"DoNothing[", kOffer, false},
                             Step{"CallerID[", kOffer, false},
                             Step{kConnected, kAnswer, true},
                             Step{"Disconnected[", kAnswer, true},

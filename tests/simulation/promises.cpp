@@ -9,8 +9,18 @@
 #include "simulation/log_order.h"
 
 namespace orven::test {
+namespace {
 
-Promises::Promises(World& world) : world_(world), program_(&world.Machine().sequence) {
+constexpr int kIdleSeconds = 120;
+
+}  // namespace
+
+Promises::Promises(World& world)
+    : world_(world),
+      program_(&world.Machine().sequence),
+      second_(world.time.MakeTimer([this] { CountSilence(); })) {
+  second_->Start(1s);
+  world_.Wave1.on_play = [this](const std::string& path) { OwnerHears(path); };
   world_.Tapi1->SetEvents(this);
   world_.files.on_append = [this](const std::string& path, std::string_view text) { Hear(path, text); };
   world_.disk.on_failure = [this](const std::string& path) {
@@ -29,16 +39,15 @@ void Promises::Hear(const std::string& path, std::string_view text) {
     Expect(text.starts_with(world_.time.TimeText(world_.time.Now())), "a line of the log has its time");
   }
   log_.emplace_back(text.substr(kTime, text.size() - kTime - 2));
+  if (log_.back().ends_with("the line ends the call") && world_.disk.Failures() == 0) {
+    Expect(silent_ >= kIdleSeconds - 1, "the line ends no call on which something happens");
+  }
 }
 
 void Promises::Before(const std::string& step) {
   const auto& call = world_.CurrentCall();
-  if (step == "view: ignore" && world_.Machine().caller_view.IsOpen()) {
-    left_alone_ = call.in_progress && !call.answering;
-  }
-  if (step == "answer now" || step == "drop" || step == "view: answer" || step == "view: drop") {
-    left_alone_ = false;
-  }
+  if (step == "drop" || step == "view: drop" || step == "line off and on" || step == "exit")
+    cut_short_ = true;
   if (step.ends_with("started again")) {
     interrupted_.call = call.in_progress && !world_.ended;
     const bool wanted = interrupted_.call && !call.admin_mode;
@@ -55,7 +64,7 @@ void Promises::Before(const std::string& step) {
     refused_at_exit_ = refused_;
     records_at_exit_ = !world_.database_full && !world_.database.gone;
   }
-  if (step.starts_with("the records' f")) lost_ = stale_ = true;
+  if (step.starts_with("the records' f")) lost_ = stale_ = cut_short_ = true;
 }
 
 void Promises::Expect(bool kept, const std::string& promise) {
@@ -76,7 +85,7 @@ void Promises::CheckStart() {
   program_ = &world_.Machine().sequence;
   world_.Tapi1->SetEvents(this);
   if (interrupted_.call) ++idle_;  // it ended with the program
-  left_alone_ = stale_ = false;
+  stale_ = false;
   const int recovered = world_.database.added - filed_;
   const bool sure = world_.disk.Failures() == 0 && !world_.database_full && !world_.database.gone;
   if (sure && !unsure_) {
@@ -92,7 +101,6 @@ void Promises::CheckStart() {
 void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
   ++offered_;
   written_before_ = world_.Wave1.written;
-  left_alone_ = false;
   date_ = world_.time.DateText(world_.time.Now());
   time_ = world_.time.TimeText(world_.time.Now());
   name_ = number_ = "UNKNOWN";
@@ -127,6 +135,7 @@ void Promises::CheckFiling(int filed, bool message_only, bool could_be) {
   const auto& call = world_.CurrentCall();
   if (call.admin_mode) {
     Expect(filed == 0, "no administrator call is filed");
+    Expect(cut_short_ || NextUnheard() == 0, "the owner hears every message");
     return;
   }
   if (message_only && !call.message_left) {
@@ -192,6 +201,35 @@ void Promises::CheckMessage() {
          "the record has the message's length");
 }
 
+void Promises::CountSilence() {
+  const bool used = world_.Wave1.IsPlaying() || world_.Wave1.IsRecording();
+  silent_ = world_.Tapi1->IsCallConnected(0) && !used ? silent_ + 1 : 0;
+  Expect(silent_ != kIdleSeconds + 2, "a silent line is let go");
+}
+
+/// Identity of the newest call with a message among those that the owner has not come to yet; 0 for none.
+std::int64_t Promises::NextUnheard() {
+  if (world_.database.gone) return 0;
+  auto record = static_cast<std::int32_t>(world_.database.Records().size());
+  for (; record > 0; --record) {
+    const auto identity = world_.database.Identity(record);
+    const auto type = world_.database.Field(static_cast<std::size_t>(record) - 1, kType);
+    if (identity < heard_ && type != kNoMessageType) return identity;
+  }
+  return 0;
+}
+
+void Promises::OwnerHears(const std::string& path) {
+  if (!world_.CurrentCall().admin_mode) return;
+  heard_ = NextUnheard();
+  const auto record = heard_ == 0 ? 0 : world_.database.Locate(heard_);
+  const bool next =
+      record > 0 &&
+      path == world_.messages + world_.database.Field(static_cast<std::size_t>(record) - 1, kCallMassageName);
+  Expect(next, "the owner hears each message once, the newest first");
+  if (world_.Wave1.play_result != kWaveOk || !world_.files.Exists(path)) cut_short_ = true;
+}
+
 /// Whatever was renamed and deleted meanwhile.
 void Promises::CheckMessages() {
   for (std::size_t record = 0; record < world_.database.Records().size(); ++record) {
@@ -255,17 +293,28 @@ void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result
   if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
 }
 void Promises::MonitorDigit(std::int32_t line, char digit) {
+  silent_ = 0;
+  const bool owner = digit == '*' && !world_.Machine().recorder.Recording() &&
+                     world_.CurrentCall().digit_buffer == world_.Machine().settings.Pass;
+  if (owner) heard_ = CallList::kTop;
+  if (owner) cut_short_ = world_.database.gone;
   program_->MonitorDigit(line, digit);
+  if (!owner || heard_ != CallList::kTop) return;
+  Expect(cut_short_ || NextUnheard() == 0, "the owner hears the first message");
+  cut_short_ = true;
 }
 void Promises::Disconnected(std::int32_t line) {
+  cut_short_ = true;
   program_->Disconnected(line);
 }
 void Promises::Connected(std::int32_t line) {
-  Expect(!left_alone_, "a call that is to be left alone is not answered");
   program_->Connected(line);
 }
 void Promises::Ring(std::int32_t line, std::int32_t count) {
   program_->Ring(line, count);
+  Expect(count < world_.shared.num_of_ring || world_.CurrentCall().answering ||
+             world_.Tapi1->IsCallConnected(line),
+         "a call is answered at the ring that is set, whatever was clicked");
 }
 void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
   name_ = name;

@@ -54,6 +54,9 @@ class Promises : public TelephonyEvents {
   void CheckMessages();
   void Hear(const std::string& path, std::string_view text);
   void CheckActions(std::size_t mails, std::size_t programs);
+  void CountSilence();
+  std::int64_t NextUnheard();
+  void OwnerHears(const std::string& path);
 
   World& world_;
   CallSequence* program_;
@@ -62,11 +65,14 @@ class Promises : public TelephonyEvents {
   int filed_ = 0;                         ///< records that were added at the end of a call
   int waiting_ = 0;                       ///< calls that could not be filed yet
   int refused_ = 0;                       ///< records that could not be written
-  bool left_alone_ = false;               ///< the person at the desk has chosen "Do Nothing" for this call
-  bool turned_ = false;                   ///< the clock
-  bool lost_ = false;                     ///< records have been taken away
-  bool journal_kept_ = true;              ///< all that was to be written to it
-  bool stale_ = false;                    ///< the list has not been made since then
+  std::unique_ptr<Timer> second_;
+  int silent_ = 0;            ///< seconds in which nothing happened on a connected call
+  std::int64_t heard_ = 0;    ///< identity of the call whose message the owner heard last
+  bool cut_short_ = false;    ///< the owner hung up or was hung up on, or a message cannot be played
+  bool turned_ = false;       ///< the clock
+  bool lost_ = false;         ///< records have been taken away
+  bool journal_kept_ = true;  ///< all that was to be written to it
+  bool stale_ = false;        ///< the list has not been made since then
   int refused_at_exit_ = 0;
   bool records_at_exit_ = false;  ///< they could be written
   bool whole_ = false;

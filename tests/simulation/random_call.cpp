@@ -76,12 +76,12 @@ void WriteCircumstances(Dice& dice, Story& story) {
     story.Add(kBeforeStart, "no beep file",
               [](World& world) { world.files.Delete(std::string(World::kHome) + "/beep.wav"); });
   }
-  const int older = dice.Below(4);
+  const int older = dice.Below(5);
   for (int number = 0; number < older; ++number) {
-    if (number % 2 == 0) {
+    if (number != 2) {
       const auto name = std::to_string(number) + ".wav";
       story.Add(kBeforeStart, "an older message " + name,
-                [name](World& world) { world.AddMessage(name, 1500ms); });
+                [name, number](World& world) { world.AddMessage(name, number == 3 ? 0ms : 1500ms); });
     } else {
       story.Add(kBeforeStart, "an older call", [](World& world) { world.AddCallWithoutMessage(); });
     }
@@ -135,7 +135,7 @@ milliseconds WriteCall(Dice& dice, Story& story, milliseconds begin) {
     story.Add(Moment(dice, begin), "another call", [](World& world) { world.line->Offer(); });
   }
   auto end = Moment(dice, begin);
-  if (dice.OneIn(5)) end += milliseconds(70000);  // beyond the longest message
+  if (dice.OneIn(5)) end += milliseconds(dice.OneIn(3) ? 250000 : 70000);  // beyond the longest message
   story.Add(end, "hangup", [](World& world) { world.line->HangUp(); });
   return end;
 }

@@ -88,6 +88,15 @@ std::int32_t MemoryDatabase::Locate(std::int64_t identity) {
   return found == all.end() ? 0 : static_cast<std::int32_t>(found - all.begin()) + 1;
 }
 
+std::int64_t MemoryDatabase::NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) {
+  const auto& all = Identities();
+  for (auto record = all.size(); record-- > 0;) {
+    const auto is = [&](const FieldValue& one) { return Field(record, one.field) == one.value; };
+    if (all[record] < identity && std::ranges::none_of(unlike, is)) return all[record];
+  }
+  return 0;
+}
+
 void MemoryDatabase::MoveTo(std::int32_t number) {
   At(number);
   current_ = number;

@@ -166,6 +166,22 @@ std::int32_t SqliteDatabase::Locate(std::int64_t identity) {
   return static_cast<std::int32_t>(found - rows_.begin()) + 1;
 }
 
+std::int64_t SqliteDatabase::NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) {
+  std::string sql = "SELECT rowid FROM " + table_ + " WHERE rowid < ?";
+  for (const auto& [field, value] : unlike) {
+    FieldIndex(field);
+    sql += " AND CAST(coalesce(" + QuotedIdentifier(field) + ", '') AS TEXT) <> ?";
+  }
+  return Mending([&] {
+    Refresh();
+    SqliteStatement statement(*connection_, sql + " ORDER BY rowid DESC LIMIT 1");
+    statement.Bind(1, identity);
+    int parameter = 2;
+    for (const auto& [field, value] : unlike) statement.Bind(parameter++, value);
+    return statement.Step() ? statement.Integer(0) : std::int64_t{0};
+  });
+}
+
 std::int64_t SqliteDatabase::RowAt(std::int32_t number) const {
   if (number < 1 || static_cast<std::size_t>(number) > rows_.size()) {
     throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "record " + std::to_string(number));

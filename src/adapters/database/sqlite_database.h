@@ -40,6 +40,7 @@ class SqliteDatabase final : public DatabaseControl {
   std::vector<std::string> Record(std::int32_t number) override;
   std::int64_t Identity(std::int32_t number) override;
   std::int32_t Locate(std::int64_t identity) override;
+  std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) override;
   std::int32_t FieldIndex(std::string_view field) const override;
   void MoveTo(std::int32_t number) override;
   void MoveFirst() override;

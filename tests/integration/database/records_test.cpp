@@ -19,6 +19,13 @@ TEST_F(RecordsTest, AnyTextComesBackInTheOrderOfInsertion) {
   EXPECT_EQ(again.Open(path_), "");
   EXPECT_EQ(Names(again), text + ",b,d");
   EXPECT_EQ(again.Query("Get *").records[0], (std::vector<std::string>{text, "", "", "0"}));
+  const auto before = [&](std::int64_t identity, const std::string& name) {
+    return again.Locate(again.NewestBefore(identity, {{"Type", "-1"}, {"Call_Name", name}}));
+  };
+  EXPECT_EQ(before(99, ""), 3);
+  EXPECT_EQ(before(99, "d"), 2);
+  EXPECT_EQ(before(again.Identity(2), "d"), 1);
+  EXPECT_EQ(before(again.Identity(2), text), 0);
 }
 
 TEST_F(RecordsTest, EditsTheCurrentRecordOnUpdateOnly) {

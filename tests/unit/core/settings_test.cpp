@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include <set>
-
 #include "core/conversions.h"
 #include "core/settings_store.h"
 #include "platform/runtime_error.h"
@@ -14,7 +12,6 @@ namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 class ListLog : public SystemLog {
@@ -148,13 +145,6 @@ TEST_F(SettingsTest, TheWindowIsPlacedAndSavedOnlyWhenNormal) {
   window.geometry.top = 1;
   store.GetView(window);
   EXPECT_EQ(window.geometry.top, 1) << "a maximised window is not moved";
-}
-
-TEST(SettingsSchema, NamesEverySettingOnce) {
-  std::set<std::string_view> names;
-  for (const auto& definition : SettingsSchema()) names.insert(definition.name);
-  EXPECT_EQ(names.size(), SettingsSchema().size());
-  EXPECT_EQ(names.size(), 48U);
 }
 
 TEST(Conversions, AcceptNumbersAsPeopleWriteThemAndNameWhatIsWrong) {

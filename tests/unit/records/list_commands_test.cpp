@@ -168,13 +168,36 @@ TEST_F(ListCommandsTest, TheMenuIsForThePhysicalRightButton) {
 }
 
 TEST_F(ListCommandsTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
+  world.AddMessage("newest.wav", 2s);
+  list.makeList();
+  list.Select(1);
   world.CallAndWaitForAnswer();
   world.RunFor(100ms);
   world.Press("4711*");
   ASSERT_TRUE(world.CurrentCall().remote_playback);
-  commands.ListView1_Click(3);
-  EXPECT_EQ(list.Selected(), 1);
-  EXPECT_EQ(world.views.selection, 1);
+  list.Select(2);  // whatever moves it
+  const std::function<void()> moves[] = {[&] { commands.ListView1_Click(3); },
+                                         [&] { commands.ListView1_Selected(3); },
+                                         [&] { commands.First(); },
+                                         [&] { commands.Last(); },
+                                         [&] { commands.Back(); },
+                                         [&] { commands.Next(); },
+                                         [&] { player.Play(); },
+                                         [&] { commands.ListView1_DblClick(); }};
+  for (const auto& move : moves) {
+    world.Machine().status.ShowStatus("");
+    move();
+    EXPECT_EQ(world.views.selection, 2);
+    EXPECT_EQ(world.views.Status(), "Messages are played to the telephone: the selection stays on them");
+  }
+  EXPECT_FALSE(player.Playing());
+  world.Machine().calls.DeleteItemIndex(1);
+  list.makeList();
+  world.RunFor(9s);
+  std::vector<std::string> heard;
+  for (const auto& played : world.Wave1.played) heard.push_back(played.path.substr(world.messages.size()));
+  heard.erase(heard.begin());  // the greeting
+  EXPECT_THAT(heard, ElementsAre("newest.wav", "new.wav", "old.wav")) << "what he hears was deleted";
 }
 
 TEST_F(ListCommandsTest, PlayGoesOnToTheNextMessage) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include <algorithm>
-
 #include "records/call_fields.h"
 #include "support/world.h"
 
@@ -43,31 +41,6 @@ TEST(CallSequence, LogsEveryStepOfACallWithAMessage) {
   EXPECT_EQ(world.files.Content(world.messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
   EXPECT_EQ(world.views.Status(), "Monitoring Sim");
   EXPECT_FALSE(world.Machine().recorder.TimersRunning());
-}
-
-TEST(CallSequence, AnswersAtTheConfiguredRingAndOnlyOnce) {
-  World world;
-  world.registry.Set("NumOfRing", "1");
-  world.Start();
-  world.line->Offer();
-  world.line->Ring();
-  world.line->Ring();  // rings again before the answer took effect
-  world.RunFor(1s);
-  EXPECT_TRUE(world.line->IsAnswered());
-  EXPECT_EQ(std::ranges::count_if(world.SystemLog(),
-                                  [](const auto& line) { return line.starts_with("LineAnswer["); }),
-            1);
-}
-
-TEST(CallSequence, AnswersAgainAfterAFailedAnswer) {
-  World world;
-  world.Start();
-  world.line->FailAnswers(1);
-  world.CallAndWaitForAnswer();
-  EXPECT_TRUE(world.line->IsAnswered());
-  EXPECT_TRUE(world.Logged("Proc[LineIndex:0]->1 -6"));
-  EXPECT_TRUE(world.Logged("Proc[LineIndex:0]->1 The telephony device failed."));
-  EXPECT_EQ(world.CurrentCall().ring_count_text, "3");
 }
 
 TEST(CallSequence, ACallerWhoGivesUpIsFiledWithoutAName) {
@@ -147,19 +120,6 @@ TEST(CallSequence, EventsWithoutACallDoNothing) {
   EXPECT_THAT(world.LoggedBy([&] { sequence.Idle(0); }), IsEmpty()) << "a second Idle";
 }
 
-TEST(CallSequence, AMissingGreetingOrBeepNeverCostsTheMessage) {
-  World world;
-  world.files.Delete("/home/orven/Greets/Hello.wav");
-  world.files.Delete("/home/orven/beep.wav");
-  world.Start();
-  world.CallAndWaitForRecording();
-  EXPECT_TRUE(world.Wave1.IsRecording());
-  EXPECT_TRUE(world.Logged("Play Greeting wave error 4"));
-  EXPECT_TRUE(world.Logged("Play Beep wave error 4"));
-  world.HangUp();
-  EXPECT_NE(world.database.Field(0, kType), "-1");
-}
-
 TEST(CallSequence, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
   World world;
   world.Start();
@@ -184,18 +144,6 @@ TEST(CallSequence, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
   EXPECT_EQ(world.database.Records().size(), 2U);
 }
 
-TEST(CallSequence, HangingUpEndsTheGreetingAndItsEndIsNotTakenForTheNextCalls) {
-  World world;
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.HangUp();
-  EXPECT_FALSE(world.Wave1.IsPlaying());
-  world.CallAndWaitForAnswer();  // within the two seconds that the first greeting would have lasted
-  world.RunFor(200ms);
-  EXPECT_FALSE(world.Logged("Play Beep OK"));
-  EXPECT_TRUE(world.CurrentCall().greeting_playing);
-}
-
 TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
   World world;
   world.registry.Set("ViewDetails", "1");
@@ -215,18 +163,8 @@ TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
 TEST(CallSequence, SettingsChangedInMidCallHoldForTheNextStep) {
   World world;
   world.Start();
-  world.line->Offer();
-  world.line->Ring();
-  world.RunFor(10ms);
+  world.CallAndWaitForAnswer();
   world.Machine().quick_options.SetRings("5");
-  for (int ring = 2; ring < 5; ++ring) {
-    world.line->Ring();
-    world.RunFor(1s);
-    EXPECT_FALSE(world.line->IsAnswered()) << ring;
-  }
-  world.line->Ring();
-  world.RunFor(1s);
-  EXPECT_TRUE(world.line->IsAnswered());
   world.Machine().quick_options.SetRecordMessage(false);
   world.RunFor(5s);
   EXPECT_FALSE(world.line->HasCall()) << "with recording off the beep ends the call";
