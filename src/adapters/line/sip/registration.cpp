@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <new>
+#include <charconv>
+#include <limits>
+#include <optional>
 #include <utility>
 
 #include "adapters/line/sip/listen_addresses.h"
@@ -16,11 +18,20 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-/// A server may refuse one old answer and ask again; more is a wrong password.
-constexpr int kMostChallenges = 3;
+/// A server may want a longer life than it is asked for, and say so more than once; not for ever.
+constexpr int kMostTooBrief = 3;
 
 /// The part of a registration's life after which it is refreshed: early enough for one failed try.
 constexpr int kRefreshPercent = 80;
+
+/// However long the server would keep us: it may be started anew and know nobody.
+constexpr seconds kLongestLife = std::chrono::hours(1);
+
+/// The longest wait that a server can demand.
+constexpr seconds kLongestPause = std::chrono::hours(24);
+
+/// By so much at most a try comes later than it could.
+constexpr seconds kLongestSpread(60);
 
 /// The connection to the server is watched, not probed: servers need not answer probes.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
@@ -32,9 +43,15 @@ bool DecodeAccount(const std::string& account, uri& parsed) {
          parsed.host.l > 0;
 }
 
-std::string ServerUri(const uri& account, const std::string& transport) {
+std::string ServerUri(const SipLineSettings& settings) {
+  uri account{};
+  (void)DecodeAccount(settings.account, account);
   const std::string port = account.port != 0 ? ":" + std::to_string(account.port) : "";
-  return "sip:" + std::string(View(account.host)) + port + ";transport=" + transport;
+  return "sip:" + std::string(View(account.host)) + port + ";transport=" + settings.transport;
+}
+
+std::string ContactUri(const SipLineSettings& settings, const sa& address, sip_transp transport) {
+  return "sip:" + ContactUser(settings) + '@' + AddressText(address) + sip_transp_param(transport);
 }
 
 std::string PublicUri(const uri& account) {
@@ -54,12 +71,27 @@ std::string RandomName() {
   return text.data();
 }
 
-/// The life that the server granted: of our binding, else of all (RFC 3261, section 10.2.4).
+/// The seconds at the beginning of `text`, as many as 32 bits hold (RFC 3261, section 20.19); nothing when
+/// it does not begin with digits.
+std::optional<seconds> SecondsOf(std::string_view text) {
+  std::uint32_t count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error == std::errc::invalid_argument) return std::nullopt;
+  return seconds(error == std::errc() ? count : std::numeric_limits<std::uint32_t>::max());
+}
+
+std::optional<seconds> SecondsIn(const sip_msg& response, sip_hdrid id) {
+  const sip_hdr* header = sip_msg_hdr(&response, id);
+  return header != nullptr ? SecondsOf(View(header->val)) : std::nullopt;
+}
+
+/// The life that the server granted: of our binding, else of all (RFC 3261, section 10.2.4); 0 when it
+/// keeps none.
 seconds GrantedLife(const sip_msg& response, const std::string& user, seconds asked) {
   struct Search {
     const std::string& user;
-    std::uint32_t life = 0;
-  } search{user};
+    std::optional<seconds> life;
+  } search{user, {}};
   sip_msg_hdr_apply(
       &response, true, SIP_HDR_CONTACT,
       [](const sip_hdr* header, const sip_msg*, void* arg) {
@@ -68,12 +100,13 @@ seconds GrantedLife(const sip_msg& response, const std::string& user, seconds as
         pl life{};
         if (sip_addr_decode(&contact, &header->val) != 0 || View(contact.uri.user) != wanted.user)
           return false;
-        if (msg_param_decode(&contact.params, "expires", &life) == 0) wanted.life = pl_u32(&life);
-        return wanted.life != 0;
+        if (msg_param_decode(&contact.params, "expires", &life) != 0) return false;
+        wanted.life = std::max(wanted.life.value_or(seconds(0)), SecondsOf(View(life)).value_or(seconds(0)));
+        return false;
       },
       &search);
-  if (search.life == 0 && pl_isset(&response.expires)) search.life = pl_u32(&response.expires);
-  return search.life != 0 ? seconds(search.life) : asked;
+  if (!search.life) search.life = SecondsIn(response, SIP_HDR_EXPIRES);
+  return std::min(search.life.value_or(asked), kLongestLife);
 }
 
 }  // namespace
@@ -106,18 +139,11 @@ Registration::Registration(const SipLineSettings& settings, Towards towards,
       towards_(std::move(towards)),
       refusal_(std::move(refusal)),
       call_id_(RandomName()),
+      login_(settings.auth_user.empty() ? ContactUser(settings) : settings.auth_user, settings.password),
       timer_([this] { Start(); }),
+      sign_timer_([this] { SendSignOfLife(); }),
       life_(settings.timers.registration_life),
-      retry_(settings.timers.registration_retry_first) {
-  sip_auth* auth = nullptr;
-  const auto credentials = [](char** user, char** password, const char*, void* self) {
-    const SipLineSettings& line = static_cast<Registration*>(self)->settings_;
-    const std::string name = line.auth_user.empty() ? ContactUser(line) : line.auth_user;
-    return str_dup(user, name.c_str()) | str_dup(password, line.password.c_str());
-  };
-  if (sip_auth_alloc(&auth, credentials, this, false) != 0) throw std::bad_alloc();
-  auth_.reset(auth);
-}
+      retry_(settings.timers.registration_retry_first) {}
 
 Registration::~Registration() {
   mem_deref(request_);
@@ -126,6 +152,7 @@ Registration::~Registration() {
 
 void Registration::Start() {
   if (!registered_) settings_.registration_news({});
+  moved_ = false;
   uri account{};
   (void)DecodeAccount(settings_.account, account);
   const auto listen = ParseListenAddress(settings_.listen);
@@ -169,7 +196,7 @@ void Registration::Leave(const sip& stack) {
 void Registration::Ask(seconds life) {
   int error = Send(life);
   while (error != 0 && NextServer()) error = Send(life);
-  if (error != 0) RetryLater(NetworkWords(settings_, error, ""), 0, error);
+  if (error != 0) RetryLater({.error = error, .reason = NetworkWords(settings_, error, "")});
 }
 
 bool Registration::NextServer() {
@@ -180,6 +207,7 @@ bool Registration::NextServer() {
 
 void Registration::End() {
   timer_.Stop();
+  sign_timer_.Stop();
   lookup_.GiveUp();
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
@@ -200,7 +228,7 @@ int Registration::Send(seconds life) {
   };
   uri account{};
   (void)DecodeAccount(settings_.account, account);
-  const std::string own = PublicUri(account), server = ServerUri(account, settings_.transport);
+  const std::string own = PublicUri(account), server = ServerUri(settings_);
   // The request names the server as the account does, and goes to the address that has been found.
   const std::string address = HostText(servers_.front()), transport = ";transport=" + settings_.transport;
   uri route{};
@@ -208,78 +236,160 @@ int Registration::Send(seconds life) {
   pl_set_str(&route.host, address.c_str());
   pl_set_str(&route.params, transport.c_str());
   route.port = sa_port(&servers_.front());
-  return sip_requestf(&request_, stack_, true, "REGISTER", server.c_str(), &route, auth_.get(), contact,
-                      response, this,
+  return sip_requestf(&request_, stack_, true, "REGISTER", server.c_str(), &route, nullptr, contact, response,
+                      this,
                       "To: <%s>\r\nFrom: <%s>;tag=%s\r\nCall-ID: %s\r\nCSeq: %u REGISTER\r\n"
-                      "User-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
-                      own.c_str(), own.c_str(), call_id_.c_str(), call_id_.c_str(), ++sequence_);
+                      "%sUser-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
+                      own.c_str(), own.c_str(), call_id_.c_str(), call_id_.c_str(), ++sequence_,
+                      login_.Headers("REGISTER", server).c_str());
 }
 
-int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& request) const {
+int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& request) {
   if (settings_.register_nothing) return 0;
-  return mbuf_printf(&request, "Contact: <sip:%s@%J%s>;expires=%u\r\n", ContactUser(settings_).c_str(),
-                     &source, sip_transp_param(transport), static_cast<unsigned>(asked_.count()));
+  if (!sa_cmp(&source, &own_, SA_ALL)) seen_ = {};
+  own_ = source;
+  const sa& here = sa_isset(&seen_, SA_ALL) ? seen_ : own_;
+  const bool leaving = asked_ == seconds(0) && !bound_.empty();
+  contact_ = leaving ? bound_ : ContactUri(settings_, here, transport);
+  // Where we are no more, a call would ring for nobody.
+  const std::string old =
+      bound_.empty() || bound_ == contact_ ? "" : "Contact: <" + bound_ + ">;expires=0\r\n";
+  return mbuf_printf(&request, "Contact: <%s>;expires=%u\r\n%s", contact_.c_str(),
+                     static_cast<unsigned>(asked_.count()), old.c_str());
+}
+
+std::string Registration::PublicContact(const sip_msg& invite) const {
+  if (!sa_isset(&seen_, SA_ALL) || servers_.empty() || !sa_cmp(&invite.src, &servers_.front(), SA_ADDR))
+    return {};
+  return ContactUri(settings_, seen_, invite.tp);
 }
 
 void Registration::TakeResponse(int error, const sip_msg* response) {
   if (error == 0 && response->scode < 200) return;
   // Another of the server's addresses may do better (RFC 3263, section 4.3).
   if ((error != 0 || response->scode == 503) && NextServer()) return Ask(asked_);
-  if (error == 0 && response->scode < 300) return Registered(*response);
-  if (error == 0 && (response->scode == 401 || response->scode == 407) && ++challenges_ <= kMostChallenges) {
-    if (sip_auth_authenticate(auth_.get(), response) != 0) {
-      // The server does not know its own question any more, or the answer was wrong: once more anew.
-      sip_auth_reset(auth_.get());
-      if (sip_auth_authenticate(auth_.get(), response) != 0)
-        return RetryLater("the server's question cannot be answered", response->scode);
-    }
-    return Ask(asked_);
+  if (error != 0) return RetryLater({.error = error, .reason = NetworkWords(settings_, error, refusal_())});
+  TakeSeenAddress(*response);
+  if (response->scode == 401 || response->scode == 407) return TakeChallenge(*response);
+  login_.Accepted();
+  if (response->scode < 300) return Registered(*response);
+  if (response->scode == 423) return TakeTooBrief(*response);
+  // Who has shown the password and may not come in need not ask again soon.
+  const bool barred = response->scode == 403;
+  TakeRefusal(*response, "", barred ? settings_.timers.registration_retry_longest : milliseconds(0));
+}
+
+void Registration::TakeChallenge(const sip_msg& response) {
+  switch (login_.Take(response)) {
+    case DigestLogin::Verdict::kAnswer: return Ask(asked_);
+    // A wrong password is not sent often: some servers lock out who does.
+    case DigestLogin::Verdict::kRefused:
+      return TakeRefusal(response, "", settings_.timers.registration_retry_longest);
+    default: TakeRefusal(response, ": it wants the password in a way that ORVEN does not know");
   }
-  if (error == 0 && response->scode == 423) {
-    const sip_hdr* least = sip_msg_hdr(response, SIP_HDR_MIN_EXPIRES);
-    const seconds wanted(least != nullptr ? pl_u32(&least->val) : 0);
-    if (wanted > life_) {
-      life_ = wanted;
-      return Ask(life_);
-    }
-  }
-  if (error != 0) return RetryLater(NetworkWords(settings_, error, refusal_()), 0, error);
-  RetryLater(std::to_string(response->scode) + " " + std::string(View(response->reason)), response->scode);
+}
+
+void Registration::TakeTooBrief(const sip_msg& response) {
+  const auto wanted = SecondsIn(response, SIP_HDR_MIN_EXPIRES);
+  if (!wanted || *wanted <= asked_ || ++too_brief_ > kMostTooBrief) return TakeRefusal(response);
+  life_ = *wanted;
+  Ask(life_);
+}
+
+/// The server's answer tells from where our request came (RFC 3261, section 18.2.1; RFC 3581). A connection
+/// has a port of its own in any case, so there the address alone tells of a router.
+void Registration::TakeSeenAddress(const sip_msg& response) {
+  pl host{};
+  pl port{};
+  if (msg_param_decode(&response.via.params, "received", &host) != 0) host = {};
+  if (msg_param_decode(&response.via.params, "rport", &port) != 0) port = {};
+  sa seen = response.via.addr;
+  if (pl_isset(&host) && sa_set(&seen, &host, sa_port(&response.via.addr)) != 0) return;
+  if (pl_isset(&port)) sa_set_port(&seen, static_cast<std::uint16_t>(pl_u32(&port)));
+  if (!sa_isset(&seen, SA_ALL) || !sa_isset(&own_, SA_ALL)) return;
+  const int what = response.tp == SIP_TRANSP_UDP ? SA_ALL : SA_ADDR;
+  const bool told = pl_isset(&host) || pl_isset(&port);
+  if (told) seen_ = sa_cmp(&seen, &own_, what) ? sa{} : seen;
 }
 
 void Registration::Registered(const sip_msg& response) {
+  if (asked_ == seconds(0)) return;  // our farewell
+  const seconds granted = GrantedLife(response, ContactUser(settings_), asked_);
+  if (granted == seconds(0) && !settings_.register_nothing) {
+    return TakeRefusal(response, ": the server keeps the registration for 0 s");
+  }
   if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
-  failing_ = false;
-  refused_ = false;
-  // What answers our farewell (RFC 3261, section 10.2.2) says nothing of a registration.
-  if (asked_ != seconds(0)) settings_.registration_news({RegistrationNews::State::Registered, 0, 0, {}});
+  failing_ = refused_ = false;
   registered_ = true;
-  challenges_ = 0;
+  bound_ = contact_;
+  too_brief_ = 0;
   retry_ = settings_.timers.registration_retry_first;
-  const milliseconds granted = GrantedLife(response, ContactUser(settings_), asked_);
-  timer_.StartOnce(granted * kRefreshPercent / 100);
+  const milliseconds pause = milliseconds(granted) * kRefreshPercent / 100;
+  timer_.StartOnce(pause);
+  KeepWay(response);
+  settings_.registration_news({.state = RegistrationNews::State::Registered, .pause = pause});
+  // Behind a router: under the address that calls can find. Once until the next refresh, since there are
+  // routers that give us another one each time.
+  const bool elsewhere = sa_isset(&seen_, SA_ALL) && bound_ != ContactUri(settings_, seen_, response.tp);
+  if (elsewhere && !settings_.register_nothing && !std::exchange(moved_, true)) Ask(life_);
+}
+
+/// What keeps the way open by which calls come.
+void Registration::KeepWay(const sip_msg& response) {
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
-  if (response.tp == SIP_TRANSP_UDP) return;
+  if (response.tp == SIP_TRANSP_UDP) return sign_timer_.StartPeriodic(settings_.timers.keep_alive);
   // Calls come in over this very connection: when it goes, the registration is worth nothing.
   (void)sip_keepalive_start(
       &connection_, stack_, &response, kWatchOnly,
-      [](int, void* self) { static_cast<Registration*>(self)->RetryLater("the connection broke"); }, this);
+      [](int, void* self) {
+        static_cast<Registration*>(self)->RetryLater({.reason = "the connection broke"});
+      },
+      this);
 }
 
-void Registration::RetryLater(const std::string& reason, int status, int error) {
-  settings_.registration_news({RegistrationNews::State::Failed, status, error, reason});
+/// An empty message (RFC 5626, section 4.4.1): routers between the server and us keep the way open.
+void Registration::SendSignOfLife() {
+  const LibrePtr<mbuf> empty(mbuf_alloc(4));
+  if (stack_ == nullptr || servers_.empty() || empty == nullptr ||
+      mbuf_write_str(empty.get(), "\r\n\r\n") != 0)
+    return;
+  mbuf_set_pos(empty.get(), 0);
+  (void)sip_send(stack_, nullptr, SIP_TRANSP_UDP, &servers_.front(), empty.get());
+}
+
+void Registration::TakeRefusal(const sip_msg& refusal, const std::string& more, milliseconds pause) {
+  if (const auto demanded = SecondsIn(refusal, SIP_HDR_RETRY_AFTER)) {
+    pause =
+        std::max<milliseconds>(std::min(*demanded, kLongestPause), settings_.timers.registration_retry_first);
+  }
+  RetryLater({.status = refusal.scode,
+              .reason = std::to_string(refusal.scode) + ' ' + std::string(View(refusal.reason)) + more},
+             pause);
+}
+
+void Registration::RetryLater(const RegistrationNews& failure, milliseconds pause) {
+  RegistrationNews news = failure;
+  news.state = RegistrationNews::State::Failed;
+  news.pause = pause != milliseconds(0) ? pause : retry_;
+  settings_.registration_news(news);
   if (!failing_) {
-    settings_.report("The registration of " + settings_.account + " failed (" + reason +
-                     "); no call can come in by it. ORVEN goes on trying.");
+    const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(news.pause).count();
+    settings_.report(
+        "The registration of " + settings_.account + " failed (" + news.reason +
+        "); no call can come in by it. ORVEN " +
+        (minutes < 2 ? "goes on trying." : "tries again in " + std::to_string(minutes) + " minutes."));
   }
   failing_ = true;
-  refused_ = status != 0;
+  refused_ = failure.status != 0;
   registered_ = false;
-  challenges_ = 0;
-  sip_auth_reset(auth_.get());
+  too_brief_ = 0;
+  life_ = settings_.timers.registration_life;
+  login_.Reset();
+  sign_timer_.Stop();
   // Not all clients of a server that comes back may ask in the same moment.
-  const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(retry_.count() / 4 + 1));
-  timer_.StartOnce(retry_ + spread);
+  const auto most = std::min<milliseconds>(news.pause / 4, kLongestSpread);
+  const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(most.count() + 1));
+  timer_.StartOnce(news.pause + spread);
   retry_ = std::min(retry_ * 2, settings_.timers.registration_retry_longest);
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/sip/digest_login.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/server_lookup.h"
 #include "adapters/line/sip/sip_line_settings.h"
@@ -40,6 +41,10 @@ class Registration {
   /// Takes the registration back; the server's answer is not waited for. Nothing is sent afterwards.
   void End();
 
+  /// The address at which the server that sent `invite` reaches us through a router, as a SIP URI. Empty
+  /// when it came from elsewhere or there is no router.
+  std::string PublicContact(const sip_msg& invite) const;
+
  private:
   /// Sends a request to the first server that can be asked, and after a failure tries again later.
   void Ask(std::chrono::seconds life);
@@ -47,17 +52,26 @@ class Registration {
   int Send(std::chrono::seconds life);
   void Prefer(std::vector<sa> servers);
   bool NextServer();
+  int WriteContact(sip_transp transport, const sa& source, mbuf& request);
+
   void TakeResponse(int error, const sip_msg* response);
+  void TakeChallenge(const sip_msg& response);
+  void TakeTooBrief(const sip_msg& response);
+  void TakeSeenAddress(const sip_msg& response);
   void Registered(const sip_msg& response);
-  /// `status` and `error` as in RegistrationNews.
-  void RetryLater(const std::string& reason, int status = 0, int error = 0);
-  int WriteContact(sip_transp transport, const sa& source, mbuf& request) const;
+  void KeepWay(const sip_msg& response);
+  void SendSignOfLife();
+  /// Tells the failure and waits: for `pause` or, without one, longer after each failure.
+  void RetryLater(const RegistrationNews& failure, std::chrono::milliseconds pause = {});
+  /// The same for an answer of the server, which may demand another pause.
+  void TakeRefusal(const sip_msg& refusal, const std::string& more = "",
+                   std::chrono::milliseconds pause = {});
 
   const SipLineSettings& settings_;
   const Towards towards_;
   const std::function<std::string()> refusal_;
   const std::string call_id_;  ///< the same for all requests (RFC 3261, section 10.2), and our tag
-  LibrePtr<sip_auth> auth_;
+  DigestLogin login_;
   ServerLookup lookup_;
   std::vector<sa> servers_;  ///< that may still be asked; the first is, or was
   sip* stack_ = nullptr;     ///< of the latest request
@@ -65,10 +79,17 @@ class Registration {
   sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
   struct sip_request* request_ = nullptr;  ///< under way; the library clears it when answered
   SteadyTimer timer_;
+  SteadyTimer sign_timer_;
   std::chrono::seconds life_;      ///< that we ask for
   std::chrono::seconds asked_{0};  ///< in the latest request
   std::chrono::milliseconds retry_;
-  int challenges_ = 0;  ///< answered in a row without success: the password is wrong
+
+  sa own_{};             ///< from where the latest request left
+  sa seen_{};            ///< at which the server sees us instead; unset when there is no router
+  std::string contact_;  ///< in the latest request
+  std::string bound_;    ///< which the server keeps; empty when it keeps none
+  int too_brief_ = 0;    ///< refused lives in a row
+  bool moved_ = false;   ///< registered again for another address, since the latest wait
   bool registered_ = false;
   bool failing_ = false;  ///< has been told
   bool refused_ = false;  ///< by the server, latest

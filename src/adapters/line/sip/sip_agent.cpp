@@ -84,8 +84,9 @@ void SipAgent::TakeInvite(SipStation& at, const sip_msg& invite) {
   try {
     call_.reset();
     reserve_.Release();
-    surroundings_.emplace(
-        CallSurroundings{&at.Stack(), &at.Sessions(), settings_, audio_, events_, ContactUser(settings_)});
+    const auto contact = registration_ != nullptr ? registration_->PublicContact(invite) : "";
+    surroundings_.emplace(CallSurroundings{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
+                                           contact.empty() ? ContactUser(settings_) : contact});
     call_ = SipCall::Accept(*surroundings_, calls_ + 1, invite);
     if (call_ != nullptr) ++calls_;
   } catch (const std::exception&) {

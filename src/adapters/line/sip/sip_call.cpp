@@ -66,8 +66,8 @@ bool SipCall::Prepare(const sip_msg& invite) {
 bool SipCall::Begin(const sip_msg& invite) {
   sipsess* session = nullptr;
   const int error = sipsess_accept(
-      &session, around_.sessions, &invite, 180, "Ringing", around_.contact_user.c_str(), kSessionType,
-      nullptr, nullptr, nullptr, false,
+      &session, around_.sessions, &invite, 180, "Ringing", around_.contact.c_str(), kSessionType, nullptr,
+      nullptr, nullptr, false,
       [](mbuf** answer, const sip_msg* request, void* self) {
         return Self(self).TakeOffer(answer, *request);
       },

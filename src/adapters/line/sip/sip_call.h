@@ -25,7 +25,7 @@ struct CallSurroundings {
   const SipLineSettings& settings;
   LineAudio& audio;
   LineDriverEvents& events;
-  std::string contact_user;
+  std::string contact;  ///< of our answers: the user at the address that was called, or a whole SIP URI
 };
 
 /// One incoming call from its first message to its end: the SIP session, its sound and its digits. It

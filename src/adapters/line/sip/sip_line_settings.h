@@ -27,15 +27,19 @@ struct SipLineTimers {
   std::chrono::milliseconds registration_retry_longest{300'000};
   /// The registration's life that we ask for; it is refreshed well before it ends.
   std::chrono::seconds registration_life{300};
+  /// Between two signs of life to the account's server by UDP: routers forget after 30 s at the earliest
+  /// (RFC 5626, section 4.4.1).
+  std::chrono::milliseconds keep_alive{25'000};
 };
 
 /// How the registration of an account stands.
 struct RegistrationNews {
   enum class State { Trying, Registered, Failed };
   State state = State::Trying;
-  int status = 0;      ///< of the server's answer (RFC 3261, section 21); 0 without one
-  int error = 0;       ///< errno value of what went wrong on the way; 0 when nothing did
-  std::string reason;  ///< why it failed, in a few words
+  int status = 0;                      ///< of the server's answer (RFC 3261, section 21); 0 without one
+  int error = 0;                       ///< errno value of what went wrong on the way; 0 when nothing did
+  std::string reason{};                ///< why it failed, in a few words
+  std::chrono::milliseconds pause{0};  ///< before the next request, at the earliest; 0 while trying
 };
 
 /// Whether a line's sound is encrypted (SRTP, RFC 3711).

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Calls by telephones that nobody here wrote: sipp and baresip.
+// Calls by telephones that nobody here wrote: sipp.
 #include <unistd.h>
 
 #include "adapters/line/sip/g711.h"
@@ -77,20 +77,6 @@ TEST_F(SipPeersTest, SippHearsSpeaksPressesKeysAndHangsUp) {
   sipp.join();
   EXPECT_GE(recorded.BlocksOf(spoken), 46U);
   EXPECT_EQ(events.Digits(), "12#");
-}
-
-TEST_F(SipPeersTest, BaresipCallsSpeaksAndIsHungUp) {
-  if (!std::filesystem::exists("/usr/bin/baresip")) GTEST_SKIP() << "baresip is not installed";
-  OpenLine();
-  const Samples spoken = Decode(Codec::kMuLaw, NoiseBytes(75, 6));
-  PutFile(folder / "spoken.wav", Wave(spoken));
-  const std::jthread baresip = RunBaresip("sip:line@127.0.0.1:" + std::to_string(port));
-  Answer();
-  EXPECT_EQ(events.All()[1], "CallerId 1 Desk|5557777");
-  ASSERT_TRUE(recorded.WaitFor(14'000));
-  line->Drop(1, 2);
-  ASSERT_TRUE(events.Wait("Idle 1"));
-  EXPECT_GE(recorded.BlocksOf(spoken), 65U);
 }
 
 }  // namespace

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/digest_login.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+namespace orven {
+namespace {
+
+/// A server that calls one answer after the other too old is answered so often in a row.
+constexpr int kMostAnswers = 3;
+
+struct Algorithm {
+  const EVP_MD* digest;
+  bool session;  ///< the password's digest holds for one nonce only
+};
+
+/// Nothing when the name is of none that we know. No name is MD5.
+std::optional<Algorithm> AlgorithmOf(std::string_view name) {
+  struct Known {
+    const char* name;
+    const EVP_MD* (*digest)();
+  };
+  static constexpr std::array kKnown{Known{"MD5", EVP_md5}, Known{"SHA-256", EVP_sha256},
+                                     Known{"SHA-512-256", EVP_sha512_256}};
+  if (name.empty()) return Algorithm{EVP_md5(), false};
+  const pl text{name.data(), name.size()};
+  for (const Known& known : kKnown) {
+    if (pl_strcasecmp(&text, known.name) == 0) return Algorithm{known.digest(), false};
+    if (pl_strcasecmp(&text, (std::string(known.name) + "-sess").c_str()) == 0) {
+      return Algorithm{known.digest(), true};
+    }
+  }
+  return std::nullopt;
+}
+
+/// In hexadecimal digits, as digests go into digests; empty, which no server accepts, where the system
+/// forbids the algorithm.
+std::string Digest(const EVP_MD* digest, const std::string& text) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> bytes{};
+  unsigned size = 0;
+  (void)EVP_Digest(text.data(), text.size(), bytes.data(), &size, digest, nullptr);
+  std::array<char, 2 * EVP_MAX_MD_SIZE + 1> hex{};
+  (void)re_snprintf(hex.data(), hex.size(), "%w", bytes.data(), static_cast<std::size_t>(size));
+  return hex.data();
+}
+
+/// A list like "auth,auth-int".
+bool Offers(std::string_view list, std::string_view wanted) {
+  while (!list.empty()) {
+    const auto end = std::min(list.find(','), list.size());
+    const auto first = std::min(list.find_first_not_of(' '), end);
+    const auto one = list.substr(first, end - first);
+    const pl text{one.data(), std::min(one.find(' '), one.size())};
+    if (pl_strcasecmp(&text, std::string(wanted).c_str()) == 0) return true;
+    list.remove_prefix(std::min(end + 1, list.size()));
+  }
+  return false;
+}
+
+}  // namespace
+
+bool DigestLogin::Understand(const sip_hdr& header, Challenge& challenge) {
+  httpauth_digest_chall read{};
+  if (httpauth_digest_challenge_decode(&read, &header.val) != 0) return false;
+  if (!AlgorithmOf(View(read.algorithm)) || (pl_isset(&read.qop) && !Offers(View(read.qop), "auth"))) {
+    return false;
+  }
+  const auto text = [](const pl& value) { return std::string(View(value)); };
+  challenge = {header.id,
+               text(read.realm),
+               text(read.nonce),
+               text(read.opaque),
+               text(read.algorithm),
+               pl_isset(&read.qop),
+               pl_strcasecmp(&read.stale, "true") == 0,
+               0,
+               0};
+  return true;
+}
+
+DigestLogin::Challenge* DigestLogin::Find(const Challenge& like) {
+  const auto found = std::ranges::find_if(challenges_, [&like](const Challenge& one) {
+    return one.header == like.header && one.realm == like.realm;
+  });
+  return found != challenges_.end() ? &*found : nullptr;
+}
+
+DigestLogin::Verdict DigestLogin::Take(const sip_msg& response) {
+  std::vector<Challenge> asked;
+  for (const auto id : {SIP_HDR_WWW_AUTHENTICATE, SIP_HDR_PROXY_AUTHENTICATE}) {
+    (void)sip_msg_hdr_apply(
+        &response, true, id,
+        [](const sip_hdr* header, const sip_msg*, void* list) {
+          auto& challenges = *static_cast<std::vector<Challenge>*>(list);
+          Challenge challenge{};
+          const auto same = [&challenge](const Challenge& one) {
+            return one.header == challenge.header && one.realm == challenge.realm;
+          };
+          if (Understand(*header, challenge) && std::ranges::none_of(challenges, same)) {
+            challenges.push_back(std::move(challenge));
+          }
+          return false;
+        },
+        &asked);
+  }
+  Verdict verdict = Verdict::kNoWayKnown;
+  for (const Challenge& one : asked) {
+    verdict = Take(one);
+    if (verdict == Verdict::kRefused) break;
+  }
+  return verdict;
+}
+
+DigestLogin::Verdict DigestLogin::Take(const Challenge& asked) {
+  Challenge* const known = Find(asked);
+  if (known == nullptr) {
+    challenges_.push_back(asked);
+    return Verdict::kAnswer;
+  }
+  // An answer with a nonce that has served before may have been too old, also where the server does not
+  // say so; one with a nonce of just now was wrong.
+  const bool was_new = known->count <= 1 || asked.nonce == known->nonce;
+  const int unproven = known->unproven;
+  if ((was_new && !asked.stale) || unproven >= kMostAnswers) return Verdict::kRefused;
+  *known = asked;
+  known->unproven = unproven;
+  return Verdict::kAnswer;
+}
+
+void DigestLogin::Accepted() {
+  for (Challenge& one : challenges_) one.unproven = 0;
+}
+
+std::string DigestLogin::Headers(std::string_view method, std::string_view uri) {
+  std::string lines;
+  for (Challenge& one : challenges_) lines += Header(one, method, uri);
+  return lines;
+}
+
+std::string DigestLogin::Header(Challenge& challenge, std::string_view method, std::string_view uri) const {
+  ++challenge.count;
+  ++challenge.unproven;
+  const Algorithm algorithm = *AlgorithmOf(challenge.algorithm);
+  const auto digest = [&algorithm](const std::string& text) { return Digest(algorithm.digest, text); };
+  std::array<char, 32> count{};
+  std::array<char, 32> nonce{};
+  (void)re_snprintf(count.data(), count.size(), "%08x", challenge.count);
+  (void)re_snprintf(nonce.data(), nonce.size(), "%016llx", rand_u64());
+  const std::string own = nonce.data();
+  std::string secret = digest(user_ + ':' + challenge.realm + ':' + password_);
+  if (algorithm.session) secret = digest(secret + ':' + challenge.nonce + ':' + own);
+  const std::string once =
+      challenge.qop ? challenge.nonce + ':' + count.data() + ':' + own + ":auth:" : challenge.nonce + ':';
+  const std::string answer =
+      digest(secret + ':' + once + digest(std::string(method) + ':' + std::string(uri)));
+  std::string line = challenge.header == SIP_HDR_PROXY_AUTHENTICATE ? "Proxy-Authorization" : "Authorization";
+  line += ": Digest username=\"" + user_ + "\", realm=\"" + challenge.realm + "\", nonce=\"" +
+          challenge.nonce + "\", uri=\"" + std::string(uri) + "\", response=\"" + answer + '"';
+  if (!challenge.algorithm.empty()) line += ", algorithm=" + challenge.algorithm;
+  if (!challenge.opaque.empty()) line += ", opaque=\"" + challenge.opaque + '"';
+  if (challenge.qop || algorithm.session) line += ", cnonce=\"" + own + '"';
+  if (challenge.qop) line += std::string(", qop=auth, nc=") + count.data();
+  return line + "\r\n";
+}
+
+}  // namespace orven
