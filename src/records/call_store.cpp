@@ -167,10 +167,12 @@ std::string CallStore::TypeText(const Call& call) const {
 }
 
 void CallStore::BringMessageAlong(Call& call) {
-  const auto path = shared_.messages_path + call.message_file_name;
+  auto path = shared_.messages_path + call.message_file_name;
   if (call.message_path.empty() || call.message_path == path) return;
+  if (ports_.files.Exists(path)) path = FreeNameBeside(ports_.files, ports_.clock, path);
   ports_.files.Rename(call.message_path, path);
   call.message_path = path;
+  call.message_file_name = NameInFolder(path, shared_.messages_path);
 }
 
 void CallStore::MarkAsReadUnRead(std::int32_t index, bool read) {

@@ -11,6 +11,7 @@
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "platform/background.h"
+#include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -51,6 +52,7 @@ class CallStore {
     CallsLog& calls_log;
     CallJournal& journal;
     EventLoop& loop;
+    Clock& clock;
   };
 
   CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)

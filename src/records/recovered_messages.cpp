@@ -37,7 +37,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
     return Message::kNone;
   }
   if (trail.growing_folder.empty() || FileNamePart(call.message_file_name).empty()) return Message::kNone;
-  // An older message is where it was to be put; it was kept under a name that the log has told.
+  // What has its name is another call's.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
   if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path))
     return TakeStored(call, trail.storing_path);

@@ -146,33 +146,15 @@ void Recorder::StopRecMessage() {
 }
 
 std::int32_t Recorder::Store(std::string& path) {
-  const auto kept = MakeRoom(path);
+  if (ports_.files.Exists(path)) {
+    const auto name = FileNamePart(path);
+    path = FreeNameBeside(ports_.files, ports_.clock, path);
+    context_.log.WriteSystem("Record Message: two calls share the name " + name +
+                             ", the newer message becomes " + FileNamePart(path));
+  }
   context_.call.trail.storing_path = path;
   context_.journal.Note(context_.call);
-  const auto result = context_.Wave1.StopRecordToFile(path);
-  // The older message gets its name back when nothing has taken it.
-  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
-  if (result != kWaveOk && !kept.empty()) {
-    trap([&] { ports_.files.Rename(kept, path); });
-    context_.call.trail.storing_path.clear();
-  }
-  return result;
-}
-
-/// Two calls within one second have one name. The older message is renamed, and its new path returned;
-/// where that cannot be, `path` becomes a free one for the new message.
-std::string Recorder::MakeRoom(std::string& path) {
-  if (!ports_.files.Exists(path)) return {};
-  auto free = FreeNameBeside(ports_.files, ports_.clock, path);
-  const auto note = "Record Message: two calls share the name " + FileNamePart(path);
-  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
-  if (trap([&] { ports_.files.Rename(path, free); })) {
-    context_.log.WriteSystem(note + ", the older message is kept as " + FileNamePart(free));
-    return free;
-  }
-  context_.log.WriteSystem(note + ", the newer message becomes " + FileNamePart(free));
-  path = free;
-  return {};
+  return context_.Wave1.StopRecordToFile(path);
 }
 
 void Recorder::EndOfCall() {

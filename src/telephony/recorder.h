@@ -36,8 +36,8 @@ class Recorder {
   /// still connected then.
   void RecMessage();
 
-  /// Ends the recording and leaves it in the messages folder under the call's message file name. An
-  /// older file of that name is kept beside it.
+  /// Ends the recording and leaves it in the messages folder under the call's message file name, which is
+  /// another one where an older file has that name: two calls of one second.
   void StopRecMessage();
 
   /// Ends both timers: the caller does not record, whatever was begun.
@@ -54,7 +54,6 @@ class Recorder {
   void StartMuLaw();
   void StartPreScreen(const WaveFormat& format);
   std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
-  std::string MakeRoom(std::string& path);
   std::int32_t Store(std::string& path);
   void SilenceTick();
   void RecordTick();

@@ -2,6 +2,7 @@
 #include "simulation/promises.h"
 
 #include <algorithm>
+#include <set>
 
 #include "core/conversions.h"
 #include "core/file_stamp.h"
@@ -232,12 +233,12 @@ void Promises::OwnerHears(const std::string& path) {
 
 /// Whatever was renamed and deleted meanwhile.
 void Promises::CheckMessages() {
+  std::set<std::string> names;
   for (std::size_t record = 0; record < world_.database.Records().size(); ++record) {
     if (world_.database.Field(record, kType) == kNoMessageType) continue;
     const auto name = world_.database.Field(record, kCallMassageName);
-    const auto beside = world_.files.List(world_.messages, name.substr(0, name.rfind('.')) + ".kept_*");
-    Expect(world_.files.Exists(world_.messages + name) || !beside.empty(),
-           "every message of the list is there, " + name);
+    Expect(world_.files.Exists(world_.messages + name), "every message of the list is there, " + name);
+    Expect(names.insert(name).second, "each call has a message of its own, " + name);
   }
 }
 

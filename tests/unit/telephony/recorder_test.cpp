@@ -128,64 +128,24 @@ TEST(Recorder, AFailedWriteFilesACallWithoutAMessage) {
   EXPECT_EQ(world.database.Field(0, kCallMassageName), "12-31-2003_14-05-07.wav");
 }
 
-class SameSecond : public testing::Test {
- protected:
-  SameSecond() { world.files.Put(path, TimedWave::Sound(7s)); }
-  void LeaveAMessage() {
+TEST(Recorder, CallsOfOneSecondHaveAMessageEach) {
+  for (const auto result : {kWaveOk, kWaveDiskFull}) {
+    World world;
+    const std::string name = "12-31-2003_14-05-07";
+    world.files.Put(world.messages + name + ".wav", TimedWave::Sound(7s));
+    world.Wave1.stop_result = result;
     world.Start();
     world.CallAndWaitForRecording();
     world.RunFor(1s);
     world.HangUp();
+    EXPECT_EQ(world.files.Content(world.messages + name + ".wav"), TimedWave::Sound(7s));
+    const auto own_name = name + ".kept_12-31-2003_14-05-11.wav";
+    EXPECT_TRUE(world.Logged("Record Message: two calls share the name " + name +
+                             ".wav, the newer message becomes " + own_name));
+    EXPECT_EQ(world.database.Field(0, kCallMassageName), own_name);
+    EXPECT_EQ(world.database.Field(0, kType), result == kWaveOk ? "1" : "-1");
+    EXPECT_EQ(world.files.Content(world.messages + own_name), result == kWaveOk ? TimedWave::Sound(1s) : "");
   }
-
-  World world;
-  const std::string name = "12-31-2003_14-05-07.wav";
-  const std::string path = world.messages + name;
-};
-
-TEST_F(SameSecond, KeepsBothMessages) {
-  LeaveAMessage();
-  EXPECT_EQ(world.files.Content(path), TimedWave::Sound(1s));
-  const auto names = world.files.Names(world.messages);
-  ASSERT_EQ(names.size(), 2U);
-  EXPECT_EQ(world.files.Content(world.messages + names.front()), TimedWave::Sound(7s));
-  EXPECT_TRUE(world.Logged("Record Message: two calls share the name " + name +
-                           ", the older message is kept as " + names.front()));
-}
-
-TEST_F(SameSecond, AFailedWriteLeavesTheOlderMessageToItsCall) {
-  world.Wave1.stop_result = kWaveDiskFull;
-  LeaveAMessage();
-  EXPECT_THAT(world.files.Names(world.messages), ElementsAre(name));
-  EXPECT_EQ(world.database.Field(0, kType), "-1") << "the older message is not this call's";
-}
-
-TEST_F(SameSecond, ADiskThatFailsBetweenTheTwoHidesNeitherTheCauseNorTheOlderMessage) {
-  world.files.before_write = [&](const std::string& written) {
-    if (written == path) throw RuntimeError(ErrorNumber::DiskFull);
-  };
-  LeaveAMessage();
-  EXPECT_TRUE(world.Logged("Record Message wave error 9"));
-  EXPECT_TRUE(world.Logged("ErrStopRecMessage 61 Disk full"));
-  EXPECT_EQ(world.files.Content(world.messages + "12-31-2003_14-05-07.kept_12-31-2003_14-05-11.wav"),
-            TimedWave::Sound(7s));
-  ASSERT_EQ(world.Wave1.unsaved.size(), 1U);
-  EXPECT_EQ(world.files.Content(world.Wave1.unsaved.front()), TimedWave::Sound(1s));
-}
-
-TEST_F(SameSecond, AnOlderFileThatCannotBeRenamedIsNotReplaced) {
-  bool first = true;
-  world.files.before_write = [&](const std::string& written) {
-    if (written.find("kept_") != std::string::npos && std::exchange(first, false)) {
-      throw RuntimeError(ErrorNumber::PermissionDenied);
-    }
-  };
-  LeaveAMessage();
-  EXPECT_EQ(world.files.Content(path), TimedWave::Sound(7s));
-  const auto own_name = world.database.Field(0, kCallMassageName);
-  EXPECT_NE(own_name, name);
-  EXPECT_EQ(world.files.Content(world.messages + own_name), TimedWave::Sound(1s));
-  EXPECT_EQ(world.database.Field(0, kType), "1");
 }
 
 TEST(Recorder, AFolderWithoutItsSeparatorLeavesTheNameAsItIs) {
@@ -209,6 +169,7 @@ TEST(Recorder, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
   world.CallAndWaitForRecording();
   world.RunFor(2s);
   ASSERT_FALSE(world.Wave1.IsRecording());
+  world.files.Put("/mnt/new/12-31-2003_14-05-07.wav", TimedWave::Sound(7s));
   world.Machine().move.Begin("/mnt/new/");
   world.HangUp();
   EXPECT_EQ(world.database.Field(0, kType), "1");
