@@ -11,7 +11,7 @@
 namespace orven {
 
 /// The greetings: one WAV file each in the folder "Greets" of the application folder. A greeting's name is
-/// its file's without ".wav". User-interface thread; all of it but Folder and PathOf throws as Files does.
+/// its file's without ".wav", in whatever case. User-interface thread; all of it but Folder and PathOf throws as Files does.
 class GreetingLibrary {
  public:
   GreetingLibrary(Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
@@ -22,7 +22,7 @@ class GreetingLibrary {
   /// The file of the greeting `name`.
   std::string PathOf(const std::string& name) const { return Folder() + name + ".wav"; }
 
-  /// Whole file names, in the order of the folder's listing.
+  /// Whole file names, in order.
   std::vector<std::string> FileNames() const { return files_.List(Folder(), "*.wav"); }
 
   /// The greetings' names, in the same order.

@@ -28,8 +28,8 @@ class LogFiles : public SystemLog, public CallsLog {
   void WriteSystem(const std::string& text) override;
   void WriteCalls(const std::string& text) override;
 
-  /// Names (no folder) of the log files that `filter` ("All", "System" or "Calls") selects, in the
-  /// order of the directory search; none for any other filter.
+  /// Names (no folder) of the log files that `filter` ("All", "System" or "Calls") selects, in
+  /// order; none for any other filter.
   std::vector<std::string> List(const std::string& filter) const;
 
   /// Where the file of this name is.

@@ -15,7 +15,7 @@
 
 namespace orven {
 
-/// A list of the sound library: file names without folder, in the order of the folder's listing, and
+/// A list of the sound library: file names without folder, in order, and
 /// the one that is selected; empty for none.
 struct SoundList {
   std::vector<std::string> names;

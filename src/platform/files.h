@@ -12,7 +12,8 @@ namespace orven {
 
 /// The few file operations the engine needs. Paths are UTF-8 with the platform's own separators.
 /// Failures throw RuntimeError with the classic number (53 not found, 61 disk full, 70 permission
-/// denied, 75/76 path) and the path in the text. Any thread.
+/// denied, 75/76 path) and the path in the text. The case of a file's extension does not matter: where there
+/// is no "x.wav", it is the path of an "x.WAV". Any thread.
 class Files {
  public:
   virtual ~Files() = default;
@@ -28,9 +29,9 @@ class Files {
   /// Up to `size` bytes of the content from the position `offset`, perhaps fewer; none at the end.
   virtual std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const = 0;
 
-  /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in the order
-  /// the directory search returns them. In the pattern "*" stands for any run of characters, "?" for
-  /// one, letters match in either case, and "*.*" matches every name.
+  /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in order: numbers in
+  /// them by value, letters in either case alike. In the pattern "*" stands for any run of characters, "?"
+  /// for one, letters match in either case, and "*.*" matches every name.
   virtual std::vector<std::string> List(const std::string& folder, std::string_view pattern) const = 0;
 
   virtual std::chrono::system_clock::time_point LastModified(const std::string& path) const = 0;

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 
+#include "adapters/files/disk_files.h"
 #include "platform/wave.h"
 
 namespace orven {
@@ -47,7 +48,7 @@ int OpenRegular(const std::string& path, std::int32_t& result) {
 
 std::int32_t OpenSoundFile(const std::string& path, SoundFile& file, SF_INFO& info) {
   std::int32_t result = kWaveOk;
-  const int descriptor = OpenRegular(path, result);
+  const int descriptor = OpenRegular(PathInAnyCase(path), result);
   if (descriptor < 0) return result;
   info = SF_INFO{};
   file.reset(sf_open_fd(descriptor, SFM_READ, &info, SF_TRUE));  // closes it when it fails, too

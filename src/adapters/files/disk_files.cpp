@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -28,7 +29,7 @@ RuntimeError FolderFailure(const std::error_code& error, const std::string& path
 
 bool DiskFiles::Exists(const std::string& path) const {
   std::error_code error;
-  return fs::exists(path, error);
+  return fs::exists(PathInAnyCase(path), error);
 }
 
 void DiskFiles::Append(const std::string& path, std::string_view text) {
@@ -47,14 +48,14 @@ void DiskFiles::Append(const std::string& path, std::string_view text) {
 }
 
 std::string DiskFiles::Read(const std::string& path) const {
-  Descriptor file(path, O_RDONLY);
+  Descriptor file(PathInAnyCase(path), O_RDONLY);
   std::string content;
   for (std::string block = file.Read(); !block.empty(); block = file.Read()) content += block;
   return content;
 }
 
 std::string DiskFiles::ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const {
-  const Descriptor file(path, O_RDONLY);
+  const Descriptor file(PathInAnyCase(path), O_RDONLY);
   std::string part(size, '\0');
   ssize_t count = -1;
   do {
@@ -75,35 +76,41 @@ std::vector<std::string> DiskFiles::List(const std::string& folder, std::string_
     if (MatchesPattern(name, pattern) && entry->is_regular_file(gone)) names.push_back(std::move(name));
   }
   if (error) throw FolderFailure(error, folder);
+  std::ranges::sort(names, ComesBefore);
   return names;
 }
 
 std::chrono::system_clock::time_point DiskFiles::LastModified(const std::string& path) const {
   std::error_code error;
-  const fs::file_time_type time = fs::last_write_time(path, error);
+  const fs::file_time_type time = fs::last_write_time(PathInAnyCase(path), error);
   if (error) throw FileFailure(error.value(), path);
   return std::chrono::time_point_cast<std::chrono::system_clock::duration>(
       std::chrono::file_clock::to_sys(time));
 }
 
 void DiskFiles::Delete(const std::string& path) {
-  if (::unlink(path.c_str()) != 0) throw FileFailure(errno, path);
+  if (::unlink(PathInAnyCase(path).c_str()) != 0) throw FileFailure(errno, path);
 }
 
 void DiskFiles::Copy(const std::string& from, const std::string& to) {
+  const auto source = PathInAnyCase(from);
+  const auto replaced = PathInAnyCase(to);
   std::error_code error;
-  if (fs::equivalent(from, to, error)) return;
-  CopyFile(from, to, true);
+  if (fs::equivalent(source, replaced, error)) return;
+  CopyFile(source, to, true);
+  if (replaced != to) Delete(replaced);
 }
 
 void DiskFiles::Rename(const std::string& from, const std::string& to) {
-  if (RenameKeeping(from, to)) return;
-  CopyFile(from, to, false);
+  const auto source = PathInAnyCase(from);
+  if (PathInAnyCase(to) != to) throw FileFailure(EEXIST, to);
+  if (RenameKeeping(source, to)) return;
+  CopyFile(source, to, false);
   try {
-    Delete(from);
+    Delete(source);
   } catch (const RuntimeError&) {
     // It must not be in both places.
-    if (Exists(from)) ::unlink(to.c_str());
+    if (Exists(source)) ::unlink(to.c_str());
     throw;
   }
 }

@@ -6,8 +6,8 @@
 namespace orven {
 
 /// The files of the computer's own file systems. Copies, and moves between file systems, are durable
-/// on return; an Append that meets a full disk leaves the file as it was. In patterns only ASCII
-/// letters match in either case.
+/// on return; an Append that meets a full disk leaves the file as it was. Only ASCII letters are alike in
+/// either case.
 class DiskFiles final : public Files {
  public:
   bool Exists(const std::string& path) const override;
@@ -26,5 +26,13 @@ class DiskFiles final : public Files {
 
 /// Whether a file name matches a pattern as Files::List reads it.
 bool MatchesPattern(std::string_view name, std::string_view pattern);
+
+/// Whether a file name comes before another one in Files::List; names that differ in case or in leading zeros
+/// only are ordered by their bytes.
+bool ComesBefore(std::string_view name, std::string_view other);
+
+/// `path`, or where there is nothing, the path of a file that differs from it in the case of its extension
+/// only.
+std::string PathInAnyCase(const std::string& path);
 
 }  // namespace orven

@@ -53,6 +53,10 @@ TEST_F(DiskFilesTest, ListsRegularFilesThatMatchHoweverManyStars) {
   files_.MakeFolder(folder_ / "folder.wav");
   using Names = std::vector<std::string>;
   EXPECT_EQ(files_.List(folder_ / "", "*.wav"), Names{"B.WAV"});
+  const Names ordered{"1.txt", "2-9.txt", "02-10.txt", "10.TXT", "a.txt",
+                      "B.txt", "b01.txt", "b1.txt",    "C.txt"};
+  for (const auto& name : ordered) PutFile(folder_ / name, "");
+  EXPECT_EQ(files_.List(folder_ / "", "*.txt"), ordered);
   EXPECT_EQ(files_.List(folder_ / "", "?.wav*").size(), 2U);
   EXPECT_EQ(files_.List(folder_ / "", "*a*a*a*a*a*a*a*a*a*a*a*a*b"), Names{});
 }
@@ -84,6 +88,23 @@ TEST_F(DiskFilesTest, RenameMovesEvenAcrossFileSystemsAndNeverReplaces) {
     EXPECT_EQ(Failure(target, [&] { files_.Rename(from_, target); }), 58);
     EXPECT_EQ(ContentOf(target) + ContentOf(from_), "firstsecond");
   }
+}
+
+TEST_F(DiskFilesTest, TheCaseOfAnExtensionDoesNotMatter) {
+  PutFile(folder_ / "X.WAV", "first");
+  const std::string path = folder_ / "X.wav";
+  EXPECT_TRUE(files_.Exists(path));
+  EXPECT_FALSE(files_.Exists(folder_ / "x.wav"));
+  EXPECT_EQ(files_.Read(path) + files_.ReadPart(path, 4, 1), "firstt");
+  files_.Copy(path, to_);
+  EXPECT_EQ(Failure(path, [&] { files_.Rename(to_, path); }), 58);
+  PutFile(from_, "second");
+  files_.Copy(from_, path);
+  EXPECT_EQ(files_.List(folder_ / "", "*.wav"), std::vector<std::string>{"X.wav"}) << "it was replaced";
+  std::filesystem::rename(path, folder_ / "X.wAV");
+  files_.Rename(path, folder_ / "Y.wav");
+  files_.Delete(folder_ / "Y.WAV");
+  EXPECT_EQ(files_.List(folder_ / "", "*.wav"), std::vector<std::string>{});
 }
 
 TEST_F(DiskFilesTest, AFileThatCannotLeaveIsNotLeftInBothPlaces) {
