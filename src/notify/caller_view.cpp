@@ -33,8 +33,8 @@ std::int32_t Sum(std::int64_t left, std::int64_t right) {
 SlidingCallerView::SlidingCallerView(EventLoop& loop, CallerViewWindow& window, Commands commands)
     : window_(window),
       commands_(std::move(commands)),
-      Timer1_(loop.MakeTimer([this] { Timer1_Timer(); })),
-      tmrAutoClose_(loop.MakeTimer([this] { tmrAutoClose_Timer(); })) {}
+      Timer1(loop.MakeTimer([this] { Timer1_Timer(); })),
+      tmrAutoClose(loop.MakeTimer([this] { tmrAutoClose_Timer(); })) {}
 
 void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool auto_close,
                                        std::int16_t seconds) {
@@ -48,7 +48,7 @@ void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool au
   if (animate) speed_ = speed;
   slid_ = 0;
   trap([&] { SetProp(); });
-  if (animate) Timer1_->Start(kSlideInterval);
+  if (animate) Timer1->Start(kSlideInterval);
   trap([&] { window_.Load(); });
   if (!animate) trap([&] { MoveTo(0); });
 }
@@ -56,7 +56,7 @@ void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool au
 void SlidingCallerView::SetProp() {
   MoveTo(-window_.Height());
   if (!auto_close_) return;
-  tmrAutoClose_->Start(kClockInterval);
+  tmrAutoClose->Start(kClockInterval);
   close_limit_ = auto_close_seconds_;
   close_ticks_ = 0;
 }
@@ -73,7 +73,7 @@ void SlidingCallerView::Timer1_Timer() {
 
 void SlidingCallerView::SlideDown() {
   if (top_ >= kShownAbove) {
-    Timer1_->Stop();
+    Timer1->Stop();
     mode_ = Mode::Still;
     slid_ = 0;
     return;
@@ -99,14 +99,14 @@ void SlidingCallerView::Close() {
 
 void SlidingCallerView::SlideUp() {
   mode_ = Mode::Close;
-  if (!Timer1_->Enabled()) Timer1_->Start(kSlideInterval);
+  if (!Timer1->Enabled()) Timer1->Start(kSlideInterval);
 }
 
 void SlidingCallerView::Unload() {
   if (!loaded_) return;
   const auto trap = ErrorTrap::Silent();
-  Timer1_->Stop();
-  tmrAutoClose_->Stop();
+  Timer1->Stop();
+  tmrAutoClose->Stop();
   mode_ = Mode::Still;
   loaded_ = false;
   trap([&] { window_.Unload(); });
@@ -119,12 +119,17 @@ void SlidingCallerView::MoveTo(std::int32_t top) {
 
 void SlidingCallerView::ShowControl() {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCommands(true); });
+  trap([&] { window_.ShowCommands(CallerCommands::All); });
+}
+
+void SlidingCallerView::HideAnswer() {
+  const auto trap = ErrorTrap::Silent();
+  trap([&] { window_.ShowCommands(CallerCommands::WithoutAnswer); });
 }
 
 void SlidingCallerView::HideControl() {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCommands(false); });
+  trap([&] { window_.ShowCommands(CallerCommands::None); });
 }
 
 void SlidingCallerView::ShowMessage(const std::string& text) {

@@ -31,6 +31,7 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
   void Unload() override;
   void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) override;
   void ShowControl() override;
+  void HideAnswer() override;
   void HideControl() override;
   void ShowMessage(const std::string& text) override;
   void ShowRing(const std::string& text) override;
@@ -54,8 +55,8 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
 
   CallerViewWindow& window_;
   Commands commands_;
-  std::unique_ptr<Timer> Timer1_;
-  std::unique_ptr<Timer> tmrAutoClose_;
+  std::unique_ptr<Timer> Timer1;
+  std::unique_ptr<Timer> tmrAutoClose;
   bool loaded_ = false;
   Mode mode_ = Mode::Still;
   std::int32_t speed_ = 0;

@@ -6,6 +6,9 @@
 
 namespace orven {
 
+/// Which of "Answer Now", "Drop Call" and "Do Nothing" the caller view shows, with their icons.
+enum class CallerCommands { None, WithoutAnswer, All };
+
 /// The window `frmMSG` as the caller view moves and fills it. Distances in twips (15 to a pixel).
 class CallerViewWindow {
  public:
@@ -23,8 +26,7 @@ class CallerViewWindow {
   /// Takes it away.
   virtual void Unload() = 0;
 
-  /// Shows or hides "Answer Now", "Drop Call" and "Do Nothing" with their icons.
-  virtual void ShowCommands(bool on) = 0;
+  virtual void ShowCommands(CallerCommands shown) = 0;
 
   virtual void ShowStatus(const std::string& text) = 0;  ///< lblStatus
   virtual void ShowRing(const std::string& text) = 0;    ///< lblMsgRingNum

@@ -66,8 +66,6 @@ frmMSG::frmMSG(const QWidget& main_window)
   setAttribute(Qt::WA_QuitOnClose, false);
   setFont(Letters(kPlain));
   setFixedSize(kDesignSize);
-  create();
-  windowHandle()->installEventFilter(this);
   auto* column = MakeChild<QVBoxLayout>(this);
   constexpr int kMargin = 10;
   column->setContentsMargins(kMargin, kMargin / 2, kMargin, kMargin);
@@ -193,7 +191,7 @@ void frmMSG::KeepOnTop() {
 void frmMSG::Load() {
   for (auto* label : {status_, ring_, date_, time_}) label->clear();
   for (auto* label : {caller_, number_, message_}) label->clear();
-  ShowCommands(true);
+  ShowCommands(CallerCommands::All);
   Place();
   show();
   raise();
@@ -203,8 +201,9 @@ void frmMSG::Unload() {
   hide();
 }
 
-void frmMSG::ShowCommands(bool on) {
-  for (auto* tile : commands_) tile->setVisible(on);
+void frmMSG::ShowCommands(CallerCommands shown) {
+  for (auto* tile : commands_) tile->setVisible(shown != CallerCommands::None);
+  if (shown == CallerCommands::WithoutAnswer) commands_.first()->hide();
 }
 
 void frmMSG::ShowStatus(const std::string& text) {
@@ -239,15 +238,6 @@ void frmMSG::closeEvent(QCloseEvent* event) {
 bool frmMSG::event(QEvent* event) {
   if (event->type() == QEvent::WindowActivate) KeepOnTop();
   return QWidget::event(event);
-}
-
-/// A dialog or box that is open elsewhere must not keep anybody from answering: a window that belongs to
-/// it is not blocked by it.
-bool frmMSG::eventFilter(QObject* window, QEvent* event) {
-  if (window == windowHandle() && event->type() == QEvent::WindowBlocked) {
-    windowHandle()->setTransientParent(QGuiApplication::modalWindow());
-  }
-  return QWidget::eventFilter(window, event);
 }
 
 void frmMSG::paintEvent(QPaintEvent* /*event*/) {

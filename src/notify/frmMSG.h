@@ -31,7 +31,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
   void MoveTo(std::int32_t top) override;
   void Load() override;
   void Unload() override;
-  void ShowCommands(bool on) override;
+  void ShowCommands(CallerCommands shown) override;
   void ShowStatus(const std::string& text) override;
   void ShowRing(const std::string& text) override;
   void ShowCaller(const std::string& name, const std::string& number) override;
@@ -41,7 +41,6 @@ class frmMSG : public QWidget, public CallerViewWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
-  bool eventFilter(QObject* window, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:

@@ -75,7 +75,6 @@ void frmOptions::Connect() {
     show_password_->setIcon(ThemeIcon(on ? "password-show-off" : "password-show-on"));
   });
   connect(txtPass_, &QLineEdit::textChanged, this, &frmOptions::ShowPasswordHint);
-  connect(chkAllowRemoteAccess_, &QCheckBox::toggled, this, &frmOptions::ShowPasswordHint);
 }
 
 void frmOptions::Fill(const OptionLists& lists) {
@@ -152,7 +151,7 @@ void frmOptions::ShowCapabilities() {
 
 void frmOptions::ShowPasswordHint() {
   const auto password = txtPass_->text();
-  if (password.isEmpty() && chkAllowRemoteAccess_->isChecked()) {
+  if (password.isEmpty()) {
     password_hint_->setText(tr("Without a password anyone who keys * hears the messages."));
   } else if (!CanBeKeyed(password)) {
     password_hint_->setText(tr("A telephone can key the digits 0 to 9 and # only."));
@@ -174,7 +173,7 @@ void frmOptions::OpenLines() {
 
 void frmOptions::ShowLevel(std::optional<std::int32_t> level) {
   meter_->ShowLevel(level);
-  if (!level) return meter_text_->setText(tr("A message that is being recorded shows its level here."));
+  if (!level) return meter_text_->setText(tr("A call that is answered shows its level here."));
   const auto percent = QString::number(*level / kThousandthsPerPercent);
   meter_text_->setText(*level > sldSilence_->value() * kThousandthsPerPercent
                            ? tr("The caller now: %1 %, heard").arg(percent)

@@ -82,7 +82,8 @@ class WaveControl {
 
   virtual bool IsRecording() const = 0;
 
-  /// Peak of the last 20 ms captured, in thousandths of full scale (0..1000); 0 when not recording.
+  /// Peak of the last 20 ms that came in, in thousandths of full scale (0..1000), while something is
+  /// recorded, and on a line from the first file that is played there until StopPlay; else 0.
   virtual std::int32_t InputLevel() const = 0;
 
   /// Plays what is being captured live on wave device `device`, from now on.

@@ -114,7 +114,10 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
-  if (!recorder.Recording()) return std::nullopt;
+  const auto state = progress.State();
+  const bool heard =
+      state == CallState::Greeting || state == CallState::Beep || state == CallState::Recording;
+  if (!heard) return std::nullopt;
   return ports_.Wave1.InputLevel();
 }
 

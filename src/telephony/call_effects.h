@@ -30,8 +30,11 @@ class CallerView {
   virtual void Unload() = 0;
   /// Opens it; nothing when it is open. `speed` in twips a tick, `seconds` until it closes by itself.
   virtual void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) = 0;
-  /// Shows the commands that only a ringing call has, or hides them.
+  /// Shows the commands for a ringing call.
   virtual void ShowControl() = 0;
+  /// The call was answered: hides "Answer Now".
+  virtual void HideAnswer() = 0;
+  /// Hides all commands: the call is over.
   virtual void HideControl() = 0;
   /// The call's state in a few words: "New Call".
   virtual void ShowMessage(const std::string& text) = 0;

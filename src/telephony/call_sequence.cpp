@@ -64,6 +64,9 @@ void CallSequence::Connected(std::int32_t line) {
   });
   context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
   trap([&] { UpdateCallerView("Line Connected"); });
+  trap([&] {
+    if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
+  });
 }
 
 void CallSequence::MonitorDigit(std::int32_t line, char digit) {

@@ -180,7 +180,8 @@ void Promises::CheckActions(std::size_t mails, std::size_t programs) {
   }
   const auto& window = world_.views.caller_view;
   Expect(window.open == world_.Machine().caller_view.IsOpen(), "the caller view is where it says it is");
-  Expect(!window.open || !window.commands, "no command is offered for a call that is over");
+  Expect(!window.open || window.commands == CallerCommands::None,
+         "no command is offered for a call that is over");
 }
 
 void Promises::CheckMessage() {

@@ -28,7 +28,8 @@ class RecordingCallerView : public CallerViewWindow {
   /// `effect` hears "view", "view:New Call" ….
   explicit RecordingCallerView(std::function<void(const std::string&)> effect) : effect_(std::move(effect)) {}
 
-  bool open = false, commands = false;
+  bool open = false;
+  CallerCommands commands = CallerCommands::None;
   std::int32_t top = 0;
   std::vector<std::int32_t> tops;
   std::string name, number, path;
@@ -39,13 +40,14 @@ class RecordingCallerView : public CallerViewWindow {
     tops.push_back(where);
   }
   void Load() override {
-    open = commands = true;
+    open = true;
+    commands = CallerCommands::All;
     effect_("view");
   }
   void Unload() override { open = false; }
-  void ShowCommands(bool on) override {
-    if (commands && !on) effect_("view:no commands");
-    commands = on;
+  void ShowCommands(CallerCommands shown) override {
+    if (commands != shown && shown == CallerCommands::None) effect_("view:no commands");
+    commands = shown;
   }
   void ShowStatus(const std::string& text) override { effect_("view:" + text); }
   void ShowRing(const std::string& text) override { effect_("view:" + text); }

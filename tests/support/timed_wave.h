@@ -73,7 +73,7 @@ class TimedWave : public WaveControl {
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_since_.has_value(); }
-  std::int32_t InputLevel() const override { return IsRecording() ? level() : 0; }
+  std::int32_t InputLevel() const override { return IsRecording() || IsPlaying() ? level() : 0; }
   std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopMonitor() override { return kWaveOk; }
   std::string RecordErrorText(std::int32_t code) const override { return Text(code); }

@@ -13,7 +13,7 @@ FileWaveControl::FileWaveControl(EventLoop& loop, AudioDevices& devices, std::st
     : loop_(loop), devices_(devices), rescue_folder_(std::move(rescue_folder)) {}
 
 FileWaveControl::~FileWaveControl() {
-  ReleaseSource();
+  StopPlay();
   StopMonitor();
   if (recording_) record_device_->StopRecord();
 }
@@ -30,6 +30,7 @@ std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat&
   if (!IsRecordable(format)) return kWaveBadFormat;
   AudioDevice* const from = devices_.Find(device);
   if (from == nullptr) return kWaveNoDevice;
+  StopListening();
   auto recording = std::make_unique<Recording>(RecordSettings(format, name), monitor_);
   if (const auto result = from->StartRecord(*recording); result != kWaveOk) return result;
   recording_ = std::move(recording);
@@ -88,7 +89,24 @@ std::int32_t FileWaveControl::PlayFile(const std::string& path, std::int32_t dev
   play_device_ = to;
   const std::int32_t result = StartSource(std::move(decoder), {});
   playing_ = result == kWaveOk;
+  // A card's microphone stays off.
+  if (playing_ && device >= kFirstLineWaveDevice) Listen(*to);
   return result;
+}
+
+void FileWaveControl::Listen(AudioDevice& line) {
+  if (recording_ || metered_line_ == &line) return;
+  StopListening();
+  if (line.StartRecord(meter_) == kWaveOk) metered_line_ = &line;
+}
+
+void FileWaveControl::StopListening() {
+  if (metered_line_ != nullptr) std::exchange(metered_line_, nullptr)->StopRecord();
+}
+
+std::int32_t FileWaveControl::InputLevel() const {
+  if (recording_) return recording_->Level();
+  return metered_line_ != nullptr ? meter_.Level() : 0;
 }
 
 std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> decoder,
@@ -116,6 +134,7 @@ std::string FileWaveControl::PlayErrorText(std::int32_t code) const {
 void FileWaveControl::StopPlay() {
   playing_ = false;
   ReleaseSource();
+  StopListening();
 }
 
 /// Takes the source from its device without waiting for a disk that its thread may be reading.

@@ -7,6 +7,7 @@
 
 #include "adapters/audio/file_source.h"
 #include "adapters/audio/live_monitor.h"
+#include "adapters/audio/peak_meter.h"
 #include "adapters/audio/recording.h"
 #include "adapters/audio/retired.h"
 #include "platform/audio_device.h"
@@ -43,7 +44,7 @@ class FileWaveControl : public WaveControl {
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_ != nullptr; }
-  std::int32_t InputLevel() const override { return recording_ ? recording_->Level() : 0; }
+  std::int32_t InputLevel() const override;
 
   /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. Goes on,
   /// silent, when the recording ends, until StopMonitor.
@@ -64,6 +65,8 @@ class FileWaveControl : public WaveControl {
  private:
   std::int32_t StartSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start);
   void ReleaseSource();
+  void Listen(AudioDevice& line);
+  void StopListening();
   void Finished(std::uint64_t play);
   Recording::Settings RecordSettings(const WaveFormat& format, const std::string& name) const;
 
@@ -79,6 +82,9 @@ class FileWaveControl : public WaveControl {
   std::unique_ptr<Recording> recording_;
   Retired<Recording> old_recordings_;
   Recording::Saved last_saved_;
+
+  PeakMeter meter_;
+  AudioDevice* metered_line_ = nullptr;  ///< whose sound meter_ gets while nothing is recorded
 
   LiveMonitor monitor_;
   AudioDevice* monitor_device_ = nullptr;

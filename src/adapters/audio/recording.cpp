@@ -22,19 +22,8 @@ constexpr auto kSyncEvery = 600ms;
 /// Where nothing can be written; each attempt writes everything.
 constexpr std::chrono::milliseconds kTryAgain = 2s;
 
-/// Blocks come every 20 ms; a second without one is no jitter.
-constexpr auto kLevelHolds = 1s;
-
-constexpr std::int32_t kFullScale = 32768;
-
 /// Samples that the queue takes without allocating: what comes while a sync holds the writer up.
 constexpr std::size_t kQueueReserve = std::size_t{10} * kSampleRate;
-
-std::int32_t PeakOf(std::span<const std::int16_t> block) {
-  std::int32_t peak = 0;
-  for (const std::int16_t sample : block) peak = std::max(peak, std::abs(std::int32_t{sample}));
-  return peak;
-}
 
 /// A name in `folder` that no file has yet.
 std::string UnusedName(const std::string& folder, const std::string& stem) {
@@ -68,16 +57,10 @@ Recording::~Recording() {
 }
 
 void Recording::Write(std::span<const std::int16_t> block) {
-  level_ = PeakOf(block) * 1000 / kFullScale;
-  level_at_ = SteadyClock::now().time_since_epoch().count();
+  level_.Write(block);
   monitor_.Push(block);
   const std::lock_guard lock(queue_mutex_);
   queue_.insert(queue_.end(), block.begin(), block.end());
-}
-
-std::int32_t Recording::Level() const {
-  const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
-  return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
 }
 
 Recording::Saved Recording::SaveAs(const std::string& path) {

@@ -15,6 +15,7 @@
 
 #include "adapters/audio/growing_file.h"
 #include "adapters/audio/live_monitor.h"
+#include "adapters/audio/peak_meter.h"
 #include "adapters/audio/wave_image.h"
 #include "platform/audio_device.h"
 #include "platform/wave.h"
@@ -49,9 +50,8 @@ class Recording : public AudioSink {
 
   void Write(std::span<const std::int16_t> block) override;
 
-  /// Peak of the last block in thousandths of full scale; 0 when none has come for a second, as a
-  /// caller who sends nothing is a silent one. Any thread.
-  std::int32_t Level() const;
+  /// As PeakMeter's.
+  std::int32_t Level() const { return level_.Level(); }
 
   /// Ends the recording and puts it at `path`, replacing an older file whole. The file is complete on
   /// return; where it grew on the same file system it is synced afterwards, on the recording's thread.
@@ -77,8 +77,7 @@ class Recording : public AudioSink {
 
   const Settings settings_;
   LiveMonitor& monitor_;
-  std::atomic<std::int32_t> level_{0};
-  std::atomic<std::chrono::steady_clock::rep> level_at_{0};
+  PeakMeter level_;
   std::atomic<bool> finished_{false};
 
   std::mutex queue_mutex_;  ///< held for moments only, never while anything is written

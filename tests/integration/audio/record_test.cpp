@@ -110,6 +110,14 @@ TEST_F(Record, LevelIsThePeakOfTheLastBlockInThousandths) {
   line.Capture(Samples(kBlockSamples, 20000));
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(messages / "m.wav"));
   EXPECT_EQ(0, control->InputLevel());
+
+  for (const auto& [device, level] : std::map<int, int>{{kLine, 500}, {kCard, 0}}) {
+    ASSERT_EQ(kWaveOk, control->PlayFile(messages / "m.wav", device)) << "a greeting";
+    line.Capture(Samples(kBlockSamples, 16384));
+    EXPECT_EQ(level, control->InputLevel());
+    control->StopPlay();
+    EXPECT_EQ(0, control->InputLevel());
+  }
 }
 
 TEST_F(Record, TheGrowingFileCanBeReadAtAnyTime) {

@@ -81,7 +81,7 @@ TEST_F(CallerViewTest, TheClicksActOnTheRingingCall) {
   world.Start();
   Ring();
   ASSERT_TRUE(view.IsOpen());
-  EXPECT_TRUE(window.commands);
+  EXPECT_EQ(window.commands, CallerCommands::All);
   view.AnswerNow();
   EXPECT_FALSE(view.IsOpen());
   world.RunFor(100ms);
@@ -108,13 +108,15 @@ TEST_F(CallerViewTest, AViewThatIsStillOpenLosesItsCommandsAndGetsThemBackWithTh
   Ring();
   world.HangUp();
   EXPECT_TRUE(view.IsOpen());
-  EXPECT_FALSE(window.commands);
+  EXPECT_EQ(window.commands, CallerCommands::None);
   Ring();
-  EXPECT_TRUE(window.commands);
+  EXPECT_EQ(window.commands, CallerCommands::All);
   world.CallAndWaitForAnswer();
+  world.RunFor(100ms);
+  EXPECT_EQ(window.commands, CallerCommands::WithoutAnswer);
   world.Press("4711*");
   world.HangUp();
-  EXPECT_FALSE(window.commands) << "the owner's own call, too";
+  EXPECT_EQ(window.commands, CallerCommands::None) << "the owner's own call, too";
   world.window->Exit();
   EXPECT_FALSE(window.open);
 }
@@ -136,7 +138,7 @@ TEST_F(CallerViewTest, AViewOnItsWayOutDoesNotCostTheNextAnnouncement) {
   Ring();
   EXPECT_TRUE(view.IsOpen());
   EXPECT_FALSE(view.IsClosing());
-  EXPECT_TRUE(window.commands);
+  EXPECT_EQ(window.commands, CallerCommands::All);
 }
 
 TEST_F(CallerViewTest, AfterACallItComesOnlyWhenThatIsWanted) {

@@ -43,7 +43,7 @@ QList<QPixmap> CallerViews(Desk& desk) {
   view.ShowCaller("Anna Lindqvist", "+46 8 555 0134");
   view.ShowTime("11/21/2026", "09:10:11");
   QList<QPixmap> pictures{Shown(view)};
-  view.ShowCommands(false);
+  view.ShowCommands(CallerCommands::None);
   view.ShowStatus("Call ended");
   view.ShowRing("");
   view.ShowCaller("The association of the owners of houses at the harbour", "UNKNOWN");
