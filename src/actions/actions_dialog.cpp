@@ -26,7 +26,7 @@ constexpr std::int32_t kNormalWindow = 1;  // shown, with the focus
 
 struct Fault {
   ActionField field;
-  const char* text;
+  std::string text;
 };
 
 /// The first field that is wrong, in the order in which a person meets them.
@@ -40,6 +40,9 @@ std::optional<Fault> FindFault(const ActionChoices& choices) {
   }
   if (choices.chkApp && choices.txtAppTo.empty())
     return Fault{ActionField::txtAppTo, "'Application Path' Field Is Empty"};
+  if (choices.txtAppTo.size() > kLongestText)
+    return Fault{ActionField::txtAppTo,
+                 "'Application Path' Is Too Long, " + std::to_string(kLongestText) + " Bytes At Most"};
   return std::nullopt;
 }
 

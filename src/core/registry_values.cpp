@@ -9,7 +9,7 @@ namespace orven {
 namespace {
 
 /// The longest value that a reader takes, in bytes; a longer one cannot be queried.
-constexpr std::size_t kBufferSize = 2048;
+constexpr std::size_t kBufferSize = kLongestText + 1;
 
 std::string Hexadecimal(std::string_view bytes) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";

@@ -18,6 +18,9 @@ inline constexpr const char* kSettingsKey = "SOFTWARE\\ORVEN";
 /// Key of the programs that start with the desktop.
 inline constexpr const char* kAutostartKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
 
+/// Bytes of the longest text that can be read back.
+inline constexpr std::size_t kLongestText = 2047;
+
 /// Type that every caller writes with: a string with its terminating zero.
 inline constexpr std::int32_t kRegString = 1;
 

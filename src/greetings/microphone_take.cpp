@@ -24,7 +24,9 @@ std::int32_t MicrophoneTake::Start(std::int32_t device) {
 std::int32_t MicrophoneTake::Stop() {
   recording_ = false;
   const auto result = parts_.Wave1.StopRecordToFile(Path());
-  if (result != kWaveOk) parts_.log.WriteSystem("ErrStopRecGreet " + parts_.Wave1.RecordErrorText(result));
+  if (result != kWaveOk)
+    parts_.log.WriteSystem("ErrStopRecGreet " + std::to_string(result) + " " +
+                           parts_.Wave1.RecordErrorText(result));
   return result;
 }
 

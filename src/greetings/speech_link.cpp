@@ -47,7 +47,7 @@ SpeechLink::~SpeechLink() {
 
 void SpeechLink::Load() {
   if (!Installed() || !StartHelper()) return;
-  available_ = true;
+  speechAvailable = true;
   if (!Up()) Up();
   // The window may have been closed during the wait, or the program be ending.
   if (unloaded_) return;

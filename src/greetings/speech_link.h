@@ -48,7 +48,7 @@ class SpeechLink : private DataExchangeEvents {
   void Load();
 
   /// A speech engine is installed and a helper was started.
-  bool Available() const { return available_; }
+  bool Available() const { return speechAvailable; }
 
   /// The link is up; waits while a helper that was just started has not come yet.
   bool Up();
@@ -86,7 +86,7 @@ class SpeechLink : private DataExchangeEvents {
   SystemLog& log_;
   const SharedOptions& shared_;
   SpeechLinkListener& listener_;
-  bool available_ = false;
+  bool speechAvailable = false;
   bool unloaded_ = false;
   bool voices_arrived_ = false;
   Manner manner_;  ///< that the helper was told, or begins with

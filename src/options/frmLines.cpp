@@ -3,6 +3,7 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QVBoxLayout>
 #include <array>
@@ -102,7 +103,6 @@ QWidget* frmLines::MakeButtons() {
   auto* layout = MakeChild<QHBoxLayout>(row);
   layout->setContentsMargins(0, 0, 0, 0);
   auto* ok = Button("cmdOK", tr("OK"), tr("Store the lines and use them"), row);
-  ok->setDefault(true);
   auto* cancel = Button("cmdCancel", tr("Cancel"), tr("Leave the lines as they were"), row);
   layout->addStretch();
   layout->addWidget(ok);
@@ -110,6 +110,12 @@ QWidget* frmLines::MakeButtons() {
   connect(ok, &QPushButton::clicked, this, &frmLines::Ok);
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
   return row;
+}
+
+/// The list passes Enter on once it has edited a line, so no button may be pressed by it from elsewhere.
+void frmLines::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) return QDialog::keyPressEvent(event);
+  if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
 }
 
 void frmLines::ShowRows() {

@@ -19,6 +19,9 @@ class frmLines : public QDialog {
  public:
   frmLines(LinesDialog& engine, QWidget* parent);
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   QWidget* MakeComplaints();
   QWidget* MakeListRow();

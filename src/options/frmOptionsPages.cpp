@@ -268,7 +268,8 @@ QWidget* frmOptions::MakeRemoteAccess() {
   auto* frame = MakeChild<QGroupBox>(tr("Remote access"), this);
   chkAllowRemoteAccess_ =
       MakeCheck("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
-                tr("Call this machine, key the password while the greeting plays, then the star key"));
+                tr("Call this machine, key the password while the greeting plays, then the star key. "
+                   "The password works whether this is checked or not"));
   txtPass_ = MakeChild<QLineEdit>(frame);
   txtPass_->setObjectName(Name("txtPass"));
   txtPass_->setEchoMode(QLineEdit::Password);

@@ -2,8 +2,10 @@
 #include "adapters/desktop/qt_dialogs.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QStandardPaths>
 #include <QStringList>
@@ -23,19 +25,46 @@ QMessageBox::Icon IconOf(QuestionIcon icon) {
   return QMessageBox::NoIcon;
 }
 
-/// Shows a box over the active window and returns the button that closed it.
+/// The window that a box belongs to, and that it keeps from the mouse and the keyboard: the active one, or
+/// else one that can be seen; what is open over that one comes first, so that boxes are answered from the
+/// top. The tray's menu belongs to no window and goes on working.
+QWidget* Owner() {
+  auto* owner = QApplication::activeWindow();
+  for (auto* window : QApplication::topLevelWidgets()) {
+    const bool seen = window->isVisible() && !window->isMinimized();
+    if (owner == nullptr && seen && qobject_cast<QMainWindow*>(window) != nullptr) owner = window;
+  }
+  const auto open_over = [](const QWidget* below) -> QWidget* {
+    for (auto* window : QApplication::topLevelWidgets()) {
+      if (window->isModal() && window->isVisible() && window->parentWidget() == below) return window;
+    }
+    return nullptr;
+  };
+  while (owner != nullptr && open_over(owner) != nullptr) owner = open_over(owner);
+  return owner;
+}
+
+/// Shows a box and returns the button that closed it.
 int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
-        QMessageBox::StandardButton safe) {
-  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons,
-                  QApplication::activeWindow());
+        QMessageBox::StandardButton safe, Qt::WindowFlags flags = {}) {
+  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, Owner());
+  box.setWindowFlags(box.windowFlags() | flags);
+  box.setWindowModality(Qt::WindowModal);
   box.setTextFormat(Qt::PlainText);  // a greeting's or caller's name is never markup
   box.setDefaultButton(safe);
   box.setEscapeButton(safe);
   return box.exec();
 }
 
+/// Not every account has a folder for music; without one a dialog would open wherever the program was
+/// started.
+QString Existing(const QString& folder) {
+  return QFileInfo(folder).isDir() ? folder : QDir::homePath();
+}
+
 /// Shows a file dialog; the folder of what is chosen is kept in `folder`.
 std::optional<std::string> Chosen(QFileDialog& dialog, QString& folder) {
+  dialog.setWindowModality(Qt::WindowModal);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString path = dialog.selectedFiles().constFirst();
   folder = QFileInfo(path).absolutePath();
@@ -72,7 +101,7 @@ QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
 
 void QtDialogs::Message(const std::string& text) {
   if (!has_display_) return Tell(text);
-  Ask(QMessageBox::NoIcon, text, QMessageBox::Ok, QMessageBox::Ok);
+  Ask(QMessageBox::NoIcon, text, QMessageBox::Ok, QMessageBox::Ok, Qt::WindowStaysOnTopHint);
 }
 
 void QtDialogs::Information(const std::string& text) {
@@ -95,8 +124,7 @@ std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std
     return std::nullopt;
   }
   const QString name = QString::fromStdString(suggested_name);
-  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), save_folder_,
-                     QtFileFilter(filter));
+  QFileDialog dialog(Owner(), QString::fromStdString(title), Existing(save_folder_), QtFileFilter(filter));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QFileInfo(name).suffix());
   dialog.selectFile(name);
@@ -108,8 +136,7 @@ std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const s
     Tell(title + " (no display to ask on: cancelled)");
     return std::nullopt;
   }
-  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), open_folder_,
-                     QtFileFilter(filter));
+  QFileDialog dialog(Owner(), QString::fromStdString(title), Existing(open_folder_), QtFileFilter(filter));
   dialog.setFileMode(QFileDialog::ExistingFile);
   return Chosen(dialog, open_folder_);
 }
@@ -120,7 +147,7 @@ std::string QtDialogs::BrowseFolder(const std::string& title, const std::string&
     return {};
   }
   auto folder = QString::fromStdString(present);
-  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title), folder);
+  QFileDialog dialog(Owner(), QString::fromStdString(title), folder);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
   return Chosen(dialog, folder).value_or("");

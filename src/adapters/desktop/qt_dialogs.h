@@ -14,8 +14,9 @@ bool HasDisplay();
 /// A "description NUL pattern NUL …" filter in Qt's form: "wav (*.wav);;All (*.*)".
 QString QtFileFilter(const std::string& filter);
 
-/// The dialogs port on Qt's boxes, modal and centred on the active window; without a display on a
-/// text stream, with the safe answer. While a box is open, other tasks and timers keep running.
+/// The dialogs port on Qt's boxes, modal to the active window and those below it; without a display on a
+/// text stream, with the safe answer. While a box is open, other tasks and timers keep running, and the
+/// tray's menu works.
 class QtDialogs final : public Dialogs {
  public:
   explicit QtDialogs(bool has_display = HasDisplay());

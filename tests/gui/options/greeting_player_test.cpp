@@ -50,6 +50,8 @@ TEST_F(GreetingPlayerWindow, ButtonsWorkOnTheNameThatIsSelected) {
   EXPECT_EQ(window.Selected(), "hello") << "names that differ in their case only";
   Press("Stop");
   EXPECT_FALSE(world.WavePlay.IsPlaying());
+  Press("Add");
+  EXPECT_EQ(window.Selected(), "hello") << "the creator was cancelled";
   world.files.Put(FileOf("שלום"), TimedWave::Sound(1s));
   made = "שלום";
   Press("Add");
@@ -66,6 +68,7 @@ TEST_F(GreetingPlayerWindow, DeletingAsksAndLeavesTheLastGreeting) {
   EXPECT_FALSE(world.files.Exists(FileOf("Hello")));
   EXPECT_EQ(window.Selected(), Names().front());
   EXPECT_EQ(world.registry.Text("Greeting"), Names().front());
+  EXPECT_EQ(world.shared.greeting_file, Names().front() + ".wav");
   EXPECT_EQ(world.views.greetings, Names()) << "the main window follows";
   Press("Delete");
   Press("Delete");

@@ -108,6 +108,16 @@ TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
   EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "showing the state took the selection away";
 }
 
+TEST_F(LinesWindow, EnterInTheListOpensTheLineAndStoresNothing) {
+  Open();
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+  QTest::keyClick(&List(), Qt::Key_Return);
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_EQ(used, 0);
+  QTest::keyClick(window.get(), Qt::Key_Escape);
+  EXPECT_EQ(window->result(), QDialog::Rejected);
+}
+
 TEST_F(LinesWindow, ALineIsAddedBadInputIsNamedAtItsField) {
   Open();
   InEditor("cmdAdd", [&](QWidget& editor) {

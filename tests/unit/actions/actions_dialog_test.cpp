@@ -83,6 +83,8 @@ TEST_F(ActionsDialogTest, TheFirstWrongFieldIsNamedAndNothingIsStored) {
        "'From(Replay To)' Is Invalid"},
       {[](auto& c) { c.chkSendToMail = false, c.txtSendToMail = "no address", c.txtAppTo = ""; },
        ActionField::txtAppTo, "'Application Path' Field Is Empty"},
+      {[](auto& c) { c.txtAppTo.assign(2048, 'x'); }, ActionField::txtAppTo,
+       "'Application Path' Is Too Long, 2047 Bytes At Most"},
   };
   for (const auto& [spoil, field, text] : cases) {
     auto choices = good;

@@ -69,7 +69,8 @@ TEST_F(Creator, FailuresOfRecorderAndPlayerAreLogged) {
   world.Wave1.start_result = kWaveOk;
   world.Wave1.stop_result = kWaveDiskFull;
   creator->Record();
-  EXPECT_THAT(world.LoggedBy([this] { creator->StopRecord(); }), ElementsAre("ErrStopRecGreet wave error 9"));
+  EXPECT_THAT(world.LoggedBy([this] { creator->StopRecord(); }),
+              ElementsAre("ErrStopRecGreet 9 wave error 9"));
   view.name = "Lost";
   creator->Save();
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Empty Message")) << "no older take passes for it";
