@@ -95,6 +95,12 @@ void CallList::FollowRecords() {
   makeList();
 }
 
+bool CallList::SelectionStands() {
+  const auto call = selected_call_;
+  FollowRecords();
+  return selected_ > 0 && selected_call_ == call;
+}
+
 /// Tells the view what became of the `shown` rows that it shows.
 void CallList::ShowRows(std::int32_t shown) {
   if (total_ == 0) {
@@ -130,6 +136,7 @@ void CallList::CheckIndex(std::int32_t index) const {
 CallRow CallList::Row(std::int32_t index) const {
   CheckIndex(index);
   auto row = RowFrom(DataBase1.Record(RecordNumber(index)), Columns(DataBase1));
+  row.call = Identity(index);
   if (const auto mark = marked_.find(index); mark != marked_.end()) row.icon = mark->second;
   return row;
 }

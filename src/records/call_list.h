@@ -29,7 +29,8 @@ struct CallRow {
   std::string time;
   std::string number;
   std::string name;
-  std::string key;  ///< file name of the message; empty without one
+  std::string key;        ///< file name of the message; empty without one
+  std::int64_t call = 0;  ///< what identifies it, wherever its row will be
 };
 
 /// A column of the list, width in twips (1/1440 inch).
@@ -53,6 +54,9 @@ class CallListView {
   /// What the rows show may have changed.
   virtual void ShowRowsChanged() = 0;
   virtual void ShowIcon(std::int32_t index, CallIcon icon) = 0;
+
+  /// What identifies the call that a row shows, 0 for none: the one that a person sees there.
+  virtual std::int64_t ShownCall(std::int32_t index) const = 0;
 
   /// Selects a row, 0 for none, and does not scroll. This is no person's choice and calls nothing back.
   virtual void ShowSelection(std::int32_t index) = 0;
@@ -91,9 +95,13 @@ class CallList {
   /// newest call is selected.
   void makeList();
 
-  /// The same when another program has added or removed records, so that no command acts on another
-  /// call than the one that is shown. Before a command on a row.
+  /// The same when another program has added or removed records: then the rows are not those that a person
+  /// saw. Before a command on a row.
   void FollowRecords();
+
+  /// The same before a command on the selected call: whether there is one, and still the one that was
+  /// selected.
+  bool SelectionStands();
 
   std::int32_t Count() const { return total_; }
   std::int32_t Total() const { return total_; }
@@ -123,7 +131,7 @@ class CallList {
   /// is no such row.
   void Select(std::int32_t index);
 
-  /// A person has selected the row in the view, which shows it already.
+  /// A person has selected the row, or none (0), in the view, which shows it already.
   void FollowSelection(std::int32_t index);
 
   /// Gives a row another icon and moves the new-call count by `new_calls` (never below 0).

@@ -11,8 +11,7 @@ void ListCommands::Delete() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     auto& list = parts_.ListView1;
-    list.FollowRecords();
-    if (!HasSelection()) return;
+    if (!list.SelectionStands()) return;
     const auto call = list.Identity(list.Selected());
     if (parts_.settings.WornDelete != 0) {
       const auto question = "Delete Call " + std::to_string(list.Selected()) + " Information ?";
@@ -42,8 +41,7 @@ void ListCommands::Clear() {
 void ListCommands::Save() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    parts_.ListView1.FollowRecords();
-    if (!HasSelection()) return;
+    if (!parts_.ListView1.SelectionStands()) return;
     const auto key = parts_.ListView1.Row(parts_.ListView1.Selected()).key;
     if (!key.empty()) parts_.calls.SaveMessage(key);
   });
@@ -58,18 +56,23 @@ void ListCommands::MarkAsUnread() {
 }
 
 void ListCommands::Mark(bool read) {
-  parts_.ListView1.FollowRecords();
-  if (HasSelection()) parts_.calls.MarkAsReadUnRead(parts_.ListView1.Selected(), read);
+  if (parts_.ListView1.SelectionStands()) parts_.calls.MarkAsReadUnRead(parts_.ListView1.Selected(), read);
 }
 
 void ListCommands::First() {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { SelectRow(1); });
+  trap([&] {
+    parts_.ListView1.FollowRecords();
+    SelectRow(1);
+  });
 }
 
 void ListCommands::Last() {
   const auto trap = ErrorTrap::Silent();
-  trap([&] { SelectRow(parts_.ListView1.Count()); });
+  trap([&] {
+    parts_.ListView1.FollowRecords();
+    SelectRow(parts_.ListView1.Count());
+  });
 }
 
 void ListCommands::SelectRow(std::int32_t row) {
@@ -89,8 +92,7 @@ void ListCommands::Next() {
 void ListCommands::Step(std::int32_t rows) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    parts_.ListView1.FollowRecords();
-    if (parts_.blocked()) return;
+    if (!parts_.ListView1.SelectionStands() || parts_.blocked()) return;
     parts_.player.Stop();
     const auto row = parts_.ListView1.Selected() + rows;
     if (row < 1 || row > parts_.ListView1.Count()) return;
@@ -104,7 +106,7 @@ void ListCommands::ListView1_Click(std::int32_t row) {
   trap([&] {
     if (!Follow(row)) return;
     parts_.player.Stop();
-    if (parts_.ListView1.Row(row).key.empty()) Mark(true);
+    if (parts_.ListView1.Row(parts_.ListView1.Selected()).key.empty()) Mark(true);
   });
 }
 
@@ -116,14 +118,20 @@ void ListCommands::ListView1_Selected(std::int32_t row) {
   });
 }
 
+/// Selects the call that a person saw in the row; false when that cannot be. Where it is gone, none is
+/// selected: the next key must not meet another call.
 bool ListCommands::Follow(std::int32_t row) {
-  parts_.ListView1.FollowRecords();
+  auto& list = parts_.ListView1;
+  const auto seen = parts_.view.ShownCall(row);
+  list.FollowRecords();
   if (parts_.blocked()) {
-    parts_.view.ShowSelection(parts_.ListView1.Selected());
+    parts_.view.ShowSelection(list.Selected());
     return false;
   }
-  parts_.ListView1.FollowSelection(row);
-  return true;
+  const auto now = list.RowOf(seen);
+  list.FollowSelection(now);
+  if (now != row) parts_.view.ShowSelection(now);
+  return now != 0;
 }
 
 void ListCommands::ListView1_MouseDown() {
@@ -134,8 +142,10 @@ void ListCommands::ListView1_MouseDown() {
 void ListCommands::PopUpMenu() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    const auto selected = parts_.ListView1.Selected();
-    parts_.view.PopUpMenu(selected > 0 && !parts_.ListView1.Row(selected).key.empty());
+    auto& list = parts_.ListView1;
+    const bool wanted_for_a_call = HasSelection();
+    const bool stands = list.SelectionStands();
+    if (stands || !wanted_for_a_call) parts_.view.PopUpMenu(stands && !list.Row(list.Selected()).key.empty());
   });
 }
 

@@ -14,8 +14,9 @@
 namespace orven {
 
 /// What a person does to the calls in the list; every command but Clear acts on the selected row and
-/// does nothing without one. A step that fails leaves no trace here: the records log their own.
-/// User-interface thread.
+/// does nothing without one. Where another program has changed the records meanwhile, a command acts on the
+/// call that was shown, or only brings the list up to date. A step that fails leaves no trace here: the
+/// records log their own. User-interface thread.
 class ListCommands {
  public:
   struct Parts {

@@ -25,7 +25,7 @@ LocalPlayer::LocalPlayer(Ports ports, CallList& list, const Settings& settings,
       list_(list),
       settings_(settings),
       mark_read_(std::move(mark_read)),
-      Timer1_(ports.loop.MakeTimer([this] { ShowPosition(); })) {
+      Timer1(ports.loop.MakeTimer([this] { ShowPosition(); })) {
   ports_.WavePlay.SetEvents(this);
 }
 
@@ -36,8 +36,7 @@ LocalPlayer::~LocalPlayer() {
 
 void LocalPlayer::Play() {
   ++search_;
-  list_.FollowRecords();
-  PlayFrom(list_.Selected());
+  if (list_.SelectionStands()) PlayFrom(list_.Selected());
 }
 
 void LocalPlayer::PlayFrom(std::int32_t row) {
@@ -82,7 +81,7 @@ void LocalPlayer::Start(const std::string& path) {
   }
   playing_ = true;
   ports_.view.EnableSlider(true);
-  Timer1_->Start(kTimer1Interval);
+  Timer1->Start(kTimer1Interval);
 }
 
 void LocalPlayer::PressStop() {
@@ -99,7 +98,7 @@ void LocalPlayer::Stop() {
 
 void LocalPlayer::Reset() {
   playing_ = false;
-  Timer1_->Stop();
+  Timer1->Stop();
   ports_.view.ShowSlider(0);
   ports_.view.ShowProgress(milliseconds(0), milliseconds(0));
   ports_.view.EnableSlider(false);

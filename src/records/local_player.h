@@ -104,7 +104,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   CallList& list_;
   const Settings& settings_;
   std::function<void(std::int32_t)> mark_read_;
-  std::unique_ptr<Timer> Timer1_;
+  std::unique_ptr<Timer> Timer1;
   bool playing_ = false;
   std::string held_file_;
   std::chrono::milliseconds length_{0};  ///< of the held file

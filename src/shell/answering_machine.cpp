@@ -20,7 +20,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       move({ports.registry, ports.dialogs, log, calls, folders, shared}),
       sounds(ports.WavePlay, player, settings, log),
       library(ports.files, shared),
-      greetings(library, player, sounds, views.boxes, ports.files),
+      greetings(library, player, sounds, views.boxes, ports.files, status),
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return SelectionTaken(); }}),
       status(views.line),

@@ -117,7 +117,19 @@ void frmMain::AttachToolbars() {
   }
 }
 
+/// Nothing can be done with the calls of an empty list.
+void frmMain::OfferListCommands() {
+  const bool any = ListView1_->model()->rowCount() > 0;
+  for (const char* key : {"Save", "Delete", "Clear"}) Toolbar1_->Find(key)->defaultAction()->setEnabled(any);
+  player_->ToolBarPlayer().Find("Play")->defaultAction()->setEnabled(any);
+}
+
 void frmMain::AttachList() {
+  const auto* model = ListView1_->model();
+  connect(model, &QAbstractItemModel::modelReset, this, &frmMain::OfferListCommands);
+  connect(model, &QAbstractItemModel::rowsInserted, this, &frmMain::OfferListCommands);
+  connect(model, &QAbstractItemModel::rowsRemoved, this, &frmMain::OfferListCommands);
+  OfferListCommands();
   auto& commands = engine_->Machine().list_commands;
   ListView1_->SetSource([this](std::int32_t index) { return engine_->Machine().ListView1.Row(index); });
   connect(ListView1_, &CallListWidget::Selected, this,

@@ -5,10 +5,12 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 
 #include "shell/frmMainPlacement.h"
 #include "shell/frmMakeChild.h"
@@ -48,6 +50,17 @@ class CallDelegate : public QStyledItemDelegate {
     if (picture) return PaintPicture(*painter, cell);
     if (at_right) cell.rect.adjust(0, 0, -kNumberPadding, 0);
     style.drawControl(QStyle::CE_ItemViewItem, &cell, painter, &list_);
+  }
+
+  /// A text that its column cuts is shown whole.
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override {
+    const auto text = index.data().toString();
+    const bool cut = sizeHint(option, index).width() > view->visualRect(index).width();
+    if (event->type() != QEvent::ToolTip || text.isEmpty() || !cut)
+      return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QToolTip::showText(event->globalPos(), text, view);
+    return true;
   }
 
  protected:
@@ -221,9 +234,14 @@ void CallListWidget::keyPressEvent(QKeyEvent* event) {
   QTableView::keyPressEvent(event);
 }
 
+std::int64_t CallListWidget::CallAt(const QMouseEvent& event) const {
+  return ShownCall(indexAt(event.position().toPoint()).row() + 1);
+}
+
 void CallListWidget::mousePressEvent(QMouseEvent* event) {
+  pressed_ = CallAt(*event);
   QTableView::mousePressEvent(event);
-  emit MouseDown();
+  if (pressed_ == 0 || pressed_ == ShownCall(SelectedRow())) emit MouseDown();
 }
 
 void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -232,10 +250,11 @@ void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  // The first click may have brought in other rows.
+  const auto call = CallAt(*event);
+  const bool same_call = call != 0 && call == pressed_;
   QTableView::mouseDoubleClickEvent(event);
-  if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid()) {
-    emit DoubleClicked();
-  }
+  if (event->button() == Qt::LeftButton && same_call) emit DoubleClicked();
 }
 
 void CallListWidget::contextMenuEvent(QContextMenuEvent* event) {

@@ -141,6 +141,10 @@ QVariant CallModel::headerData(int section, Qt::Orientation orientation, int rol
   return {};
 }
 
+std::int64_t CallModel::ShownCall(std::int32_t index) const {
+  return index < 1 || index > count_ ? 0 : Row(index - 1).call;
+}
+
 QString CallModel::RowText(int row) const {
   QStringList texts;
   for (int column = kLengthColumn; column < columnCount(); ++column) texts << Text(Row(row), column);

@@ -59,11 +59,11 @@ void MainMenus::AddBar() {
   bar.addMenu(AddMenu("mnuTools", QT_TR_NOOP("Tools"),
                       {{"mnuGreetingCreator", QT_TR_NOOP("Greeting Creator"), "list-add"},
                        {},
-                       {"mnuGreetingsPage", QT_TR_NOOP("More Greetings on the Web"), "internet-services"},
-                       {"mnuSoundsPage", QT_TR_NOOP("More Sounds on the Web"), "internet-services"}}));
+                       {"mnuGreetingsPage", QT_TR_NOOP("Web Page on Greetings"), "internet-services"},
+                       {"mnuSoundsPage", QT_TR_NOOP("Web Page on Sounds"), "internet-services"}}));
   bar.addMenu(AddMenu("mnuHelp", QT_TR_NOOP("Help"),
                       {{"mnuContents", QT_TR_NOOP("Contents"), "help-contents"},
-                       {"mnuHomePage", QT_TR_NOOP("ORVEN on the Web"), "internet-services"},
+                       {"mnuHomePage", QT_TR_NOOP("ORVEN Web Page"), "internet-services"},
                        {},
                        {"mnuAbout", QT_TR_NOOP("About"), "help-about"}}));
   AssignMnemonics(bar.actions());
@@ -113,18 +113,18 @@ QMenu* MainMenus::AddMenu(const char* name, const char* caption, std::initialize
 
 void MainMenus::AddShortcuts(QWidget& list) {
   Find("mnuSave")->setShortcut(QKeySequence::Save);
-  Find("mnuDelete")->setShortcut(QKeySequence::Delete);
   Find("mnuExit")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
   Find("mnuNext")->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
   Find("mnuBack")->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
   Find("mnuStop")->setShortcut(QKeySequence(Qt::Key_Escape));
   Find("mnuContents")->setShortcut(QKeySequence::HelpContents);
 
-  // Elsewhere these keys press buttons and move in boxes.
+  // Elsewhere these keys press buttons, move in boxes and delete letters.
+  Find("mnuDelete")->setShortcut(QKeySequence::Delete);
   Find("mnuPlay")->setShortcuts({Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter});
   Find("mnuFirst")->setShortcut(Qt::Key_Home);
   Find("mnuLast")->setShortcut(Qt::Key_End);
-  for (const char* name : {"mnuPlay", "mnuFirst", "mnuLast"}) {
+  for (const char* name : {"mnuDelete", "mnuPlay", "mnuFirst", "mnuLast"}) {
     Find(name)->setShortcutContext(Qt::WidgetShortcut);
     list.addAction(Find(name));
   }
@@ -164,8 +164,13 @@ void MainMenus::AttachButtons(const ButtonBar& Toolbar1, const ButtonBar& ToolBa
                   {"mnuStop", ToolBarPlayer, "Stop"},
                   {"mnuTCStop", ToolBarPlayer, "Stop"}};
   for (const auto& command : commands) {
-    On(command.name, [button = command.bar.Find(command.key)] { button->click(); });
-    Find(command.name)->setEnabled(command.bar.Find(command.key)->isEnabled());
+    auto* button = command.bar.Find(command.key);
+    On(command.name, [button] { button->click(); });
+    const auto follow = [item = Find(command.name), button] {
+      item->setEnabled(button->defaultAction()->isEnabled());
+    };
+    connect(button->defaultAction(), &QAction::changed, this, follow);
+    follow();
   }
 }
 
@@ -202,8 +207,8 @@ void MainMenus::AttachProgram(MainWindow& engine) {
   On("mnuOn", [&engine] { engine.TurnOn(); });
   On("mnuOff", [&engine] { engine.TurnOff(); });
   auto& commands = engine.Commands();
-  On("mnuContents", [&commands] { commands.ShowHelp(); });
-  On("mnuHomePage", [&commands] { commands.ShowPage(kHomePage); });
+  for (const char* name : {"mnuContents", "mnuHomePage"})
+    On(name, [&commands] { commands.ShowPage(kStartPage); });
   On("mnuGreetingsPage", [&commands] { commands.ShowPage(kGreetingsPage); });
   On("mnuSoundsPage", [&commands] { commands.ShowPage(kSoundsPage); });
 }

@@ -16,7 +16,7 @@ class MainMenus : public QObject {
   Q_OBJECT
 
  public:
-  /// `list` is where the keys that play and move in the list work.
+  /// `list` is where the keys that play, delete and move in the list work.
   MainMenus(QMainWindow& window, QWidget& list);
 
   /// Connects the commands: those that duplicate a button press it.

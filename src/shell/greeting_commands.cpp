@@ -10,7 +10,9 @@ void GreetingCommands::Fill(const std::string& selected) {
 }
 
 void GreetingCommands::Play() {
-  sounds_.PlayWave(library_.Folder() + boxes_.SelectedGreeting());
+  const auto path = library_.Folder() + boxes_.SelectedGreeting();
+  if (!files_.Exists(path)) ShowNoFile();
+  sounds_.PlayWave(path);
 }
 
 void GreetingCommands::Stop() {
@@ -21,8 +23,15 @@ void GreetingCommands::Delete() {
   const auto trap = ErrorTrap::Silent();
   const auto name = boxes_.SelectedGreeting();
   if (name.empty()) return;
-  trap([&] { files_.Delete(library_.Folder() + name); });
-  trap([&] { boxes_.FillGreetings(library_.FileNames(), {}); });
+  const auto path = library_.Folder() + name;
+  if (!files_.Exists(path)) ShowNoFile();
+  trap([&] { files_.Delete(path); });
+  trap([&] { Fill(name); });
+}
+
+void GreetingCommands::ShowNoFile() {
+  status_.ShowStatus("No file is called \"" + boxes_.SelectedGreeting() +
+                     "\". Options, Answer Mode plays and deletes greetings");
 }
 
 }  // namespace orven

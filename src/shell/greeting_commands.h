@@ -14,28 +14,32 @@ namespace orven {
 class GreetingCommands {
  public:
   GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
-                   QuickOptionBoxes& boxes, Files& files)
-      : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files) {}
+                   QuickOptionBoxes& boxes, Files& files, LineView& status)
+      : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files), status_(status) {}
 
   /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
   void Fill(const std::string& selected);
 
-  /// Plays the file that is named as the text in `cmbDefGreet`, exactly.
+  /// Plays the file that is named as the text in `cmbDefGreet`, exactly. A greeting's file has ".wav"
+  /// besides: where there is no such file, the status bar says where greetings are played.
   void Play();
 
   /// Stops whatever the sound card plays.
   void Stop();
 
-  /// Deletes the file that is named as the text in `cmbDefGreet`, exactly, without asking; then fills
-  /// the box with whole file names.
+  /// Deletes the file that is named as the text in `cmbDefGreet`, exactly as Play plays it and without
+  /// asking; then fills the box again.
   void Delete();
 
  private:
+  void ShowNoFile();
+
   const GreetingLibrary& library_;
   MessagePlayer& player_;
   EventSounds& sounds_;
   QuickOptionBoxes& boxes_;
   Files& files_;
+  LineView& status_;
 };
 
 }  // namespace orven

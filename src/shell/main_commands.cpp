@@ -44,17 +44,10 @@ void MainCommands::OpenDialog(Dialog dialog, int tab) {
   });
 }
 
-void MainCommands::ShowHelp() {
-  Open(parts_.shared.InApplicationFolder("\\Help\\index.htm"));
-}
-
-void MainCommands::ShowPage(const std::string& address) {
-  Open(address);
-}
-
-void MainCommands::Open(const std::string& target) {
+void MainCommands::ShowPage(const std::string& page) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
+    const auto target = parts_.shared.InApplicationFolder("\\Help\\" + page + ".htm");
     if (parts_.shell.Open(target)) return;
     parts_.log.WriteSystem("Cannot open " + target);
     parts_.messages.Information("Nothing on this computer opens " + target);

@@ -14,10 +14,10 @@
 
 namespace orven {
 
-/// The pages of the product that menus lead to.
-inline constexpr const char* kGreetingsPage = "https://orven.example/greetings";
-inline constexpr const char* kSoundsPage = "https://orven.example/sounds";
-inline constexpr const char* kHomePage = "https://orven.example/";
+/// The pages of the guide that menus lead to: web pages in the folder "Help".
+inline constexpr const char* kStartPage = "index";
+inline constexpr const char* kGreetingsPage = "greetings";
+inline constexpr const char* kSoundsPage = "sounds";
 
 /// What the main window's toolbars, menus and list do. The window calls these; each acts on the
 /// selected row where it needs one. A handler that fails leaves no trace and ends nothing.
@@ -55,14 +55,10 @@ class MainCommands {
   void OpenDialog(Dialog dialog, int tab = 0);
   bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
 
-  /// `mnuContents`: the help's first page.
-  void ShowHelp();
-  /// Opens one of the product's pages.
-  void ShowPage(const std::string& address);
+  /// Opens a page of the guide with the desktop's browser; a box says when there is none.
+  void ShowPage(const std::string& page);
 
  private:
-  void Open(const std::string& target);
-
   Parts parts_;
 };
 

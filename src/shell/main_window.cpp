@@ -38,7 +38,7 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& 
       machine_(ports, views, shared),
       commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs,
                  ports.shell, shared, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
-      TimerPannel_(ports.loop.MakeTimer([this] { ShowClock(); })),
+      TimerPannel(ports.loop.MakeTimer([this] { ShowClock(); })),
       tmrRecords_(ports.loop.MakeTimer([this] { LookForRecords(); })),
       TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}
 
@@ -78,7 +78,7 @@ void MainWindow::Load() {
   trap([&] { ports_.Wave1.SetRecordToDisk(true); });
   trap([&] { views_.player.SetSliderRange(0, LocalPlayer::kSliderLast); });
   trap([&] { ShowClock(); });
-  TimerPannel_->Start(kClockInterval);
+  TimerPannel->Start(kClockInterval);
   machine_.log.WriteSystem("Load ORVEN");
   machine_.log.WriteCalls("Load ORVEN");
   trap([&] {
@@ -211,6 +211,7 @@ void MainWindow::TurnOn() {
   machine_.line.OpenLine(machine_.settings.Modem);
   // The button shows what is, also where there was no line to open.
   machine_.line.ShowLine();
+  if (machine_.settings.Modem < 0) machine_.line.TellToSelectDevice();
 }
 
 void MainWindow::TurnOff() {

@@ -81,7 +81,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   std::function<void()> end_process_;
   AnsweringMachine machine_;
   MainCommands commands_;
-  std::unique_ptr<Timer> TimerPannel_;
+  std::unique_ptr<Timer> TimerPannel;
   std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
   std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
   Lifeline lifeline_;

@@ -35,8 +35,15 @@ bool LineManager::SelectModemDevice() {
   settings_.Modem = index;
   if (index != kNoneSelected) return true;
   trap([&] { store_.Set("Modem", std::to_string(kNoneSelected)); });
-  trap([&] { ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]"); });
+  TellToSelectDevice();
   return false;
+}
+
+void LineManager::TellToSelectDevice() {
+  const ErrorTrap trap(ports_.log, "ErrSelectModemDevice ");
+  if (std::exchange(telling_, true)) return;
+  trap([&] { ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]"); });
+  telling_ = false;
 }
 
 void LineManager::ChooseFirstUsable() {

@@ -37,6 +37,9 @@ class LineManager {
   /// yet. False when there is none; then the line stays off.
   bool SelectModemDevice();
 
+  /// Says in a box that a device has to be chosen, and where; nothing while that box is open.
+  void TellToSelectDevice();
+
   /// Takes the line of a device; nothing for a negative index or while a line is open. What cannot be taken
   /// (a port in use, no network yet) is tried again every few seconds, until it is taken or CloseLine is
   /// called; the log has each reason once.
@@ -79,6 +82,7 @@ class LineManager {
   SettingsStore& store_;
   Settings& settings_;
   bool line_on_ = false;
+  bool telling_ = false;  ///< that a device has to be chosen
   std::int32_t open_index_ = -1;
   std::string trouble_;  ///< of the open line
   std::string failure_;  ///< to open it, as the log has it

@@ -158,6 +158,9 @@ class RecordingViews : public WholeMainWindow {
     for (std::int32_t row = 1; row <= list->Count(); ++row) rows.at(At(row)) = list->Row(row);
   }
   void ShowIcon(std::int32_t index, CallIcon icon) override { rows.at(At(index)).icon = icon; }
+  std::int64_t ShownCall(std::int32_t index) const override {
+    return At(index) < rows.size() ? rows[At(index)].call : 0;
+  }
   void ShowSelection(std::int32_t index) override { selection = index; }
   void EnsureVisible(std::int32_t /*index*/) override {}
   void PopUpMenu(bool message) override { menus.push_back(message); }

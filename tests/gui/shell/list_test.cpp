@@ -3,8 +3,10 @@
 
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QMenu>
 #include <QScrollBar>
+#include <QToolTip>
 #include <algorithm>
 
 #include "gui/shell/desk.h"
@@ -107,6 +109,10 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
   QTest::keyClick(&ListView1(), Qt::Key_C, Qt::ControlModifier);
   EXPECT_TRUE(QApplication::clipboard()->text().endsWith("\tAnna"));
   desk.dialogs.yes = true;
+  desk.Get<QToolButton>("Toolbar1.Log").setFocus();
+  QTest::keyClick(desk.window.focusWidget(), Qt::Key_Delete);
+  EXPECT_EQ(desk.Cell(1, 6), "Anna");
+  ListView1().setFocus();
   Key(Qt::Key_Delete);
   EXPECT_EQ(desk.Cell(1, 6), "Ben");
   QStringList reached;
@@ -133,6 +139,8 @@ TEST_F(List, DeleteAndClearAskFirstAndActOnYesOnly) {
   desk.Choose("mnuNoMessageDeleteRC");
   desk.Choose("mnuDelete");
   EXPECT_EQ(ListView1().model()->rowCount(), 0);
+  for (const char* name : {"mnuSave", "mnuDelete", "mnuPlay"})
+    EXPECT_FALSE(desk.Get<QAction>(name).isEnabled()) << name;
   desk.File({{"Dora", 50}});
   desk.Machine().ListView1.makeList();
   desk.Press("Toolbar1.Clear");
@@ -178,6 +186,34 @@ TEST_F(List, BackNextFirstAndLastMoveAndStopWhatPlays) {
   EXPECT_EQ(desk.SelectedRow(), 3);
   desk.Choose("mnuFirst");
   EXPECT_EQ(desk.SelectedRow(), 1);
+}
+
+TEST_F(List, ADoubleClickAfterAnotherProgramsDeletionPlaysNothing) {
+  SqliteDatabase other({"Calls", {kCallFields.begin(), kCallFields.end()}});
+  other.Open(desk.home / "Calls");
+  other.MoveTo(2);
+  other.Delete();
+  desk.DoubleClickRow(2);
+  EXPECT_FALSE(desk.card.Plays());
+  EXPECT_FALSE(desk.IsRead(2)) << "Cleo's, not Ben's as it was";
+  desk.window.grab();
+  other.MoveTo(1);
+  other.Delete();
+  desk.ClickRow(1, Qt::RightButton);
+  EXPECT_TRUE(Shown("mnuRightClick")) << "for Anna, whose row it is still";
+}
+
+TEST_F(List, ACutTextIsShownInATip) {
+  const QString name = "A name that no column has room for, however wide the window is made on a desk";
+  desk.File({{name.toStdString()}});
+  desk.Machine().ListView1.makeList();
+  const auto cell = ListView1().visualRect(ListView1().model()->index(0, 5)).center();
+  for (const auto& [row, tip] : {std::pair(1, QString()), std::pair(0, name)}) {
+    const QPoint below(cell.x(), cell.y() + row * cell.y() * 2);
+    QHelpEvent event(QEvent::ToolTip, below, ListView1().viewport()->mapToGlobal(below));
+    QApplication::sendEvent(ListView1().viewport(), &event);
+    EXPECT_EQ(QToolTip::text(), tip);
+  }
 }
 
 TEST_F(List, IsEmptyAfterAnotherProgramHasEmptiedItWhileAMessagePlays) {

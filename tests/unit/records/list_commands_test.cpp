@@ -108,8 +108,29 @@ TEST_F(ListCommandsTest, AnotherProgramsDeletionMovesNoCommandToAnotherCall) {
   EXPECT_EQ(world.database.Field(0, kRead), "0");
   EXPECT_EQ(list.Selected(), 2);
   EXPECT_TRUE(world.Logged("The call records were changed by another program"));
+  world.database.MoveTo(1);
+  world.database.Delete();
   commands.Delete();
   EXPECT_EQ(world.database.Field(0, kCallMassageName), "new.wav");
+}
+
+TEST_F(ListCommandsTest, AClickAfterAnotherProgramsDeletionActsOnTheCallThatWasSeen) {
+  world.database.MoveTo(3);
+  world.database.Delete();
+  commands.ListView1_Selected(2);
+  EXPECT_THAT(std::pair(list.Selected(), world.views.selection), testing::Pair(1, 1));
+  world.database.MoveTo(2);
+  world.database.Delete();
+  commands.ListView1_Click(1);
+  EXPECT_THAT(Icons(), ElementsAre(kUnreadMessage));
+  commands.Delete();
+  EXPECT_THAT(std::pair(list.Selected(), list.Count()), testing::Pair(0, 1))
+      << "it is gone, and no other is meant";
+  list.Select(1);
+  world.database.DeleteAll();
+  world.mouse.down = {kRightButton};
+  commands.ListView1_MouseDown();
+  EXPECT_THAT(world.views.menus, IsEmpty());
 }
 
 TEST_F(ListCommandsTest, TheSelectionStaysOnItsCall) {
@@ -122,22 +143,6 @@ TEST_F(ListCommandsTest, TheSelectionStaysOnItsCall) {
   list.makeList();
   EXPECT_EQ(list.Selected(), 0);
   EXPECT_THAT(world.views.rows, IsEmpty());
-}
-
-TEST_F(ListCommandsTest, BackAndNextStopAndMark) {
-  EXPECT_EQ(list.Selected(), 1) << "the newest call, from the start";
-  player.Play();
-  commands.Next();
-  EXPECT_FALSE(player.IsPlaying());
-  EXPECT_THAT(Icons(), ElementsAre(kReadMessage, kReadNoMessage, kUnreadMessage));
-  commands.Last();
-  EXPECT_EQ(Icons()[2], kUnreadMessage) << "First and Last only select";
-  commands.Next();
-  EXPECT_EQ(list.Selected(), 3);
-  commands.Back();
-  EXPECT_EQ(list.Selected(), 2);
-  commands.First();
-  EXPECT_EQ(list.Selected(), 1);
 }
 
 TEST_F(ListCommandsTest, SavesOnlyMessages) {

@@ -43,6 +43,8 @@ TEST(LineManager, AStoredNameThatNoDeviceHasAnymore) {
   world.Start();
   EXPECT_THAT(world.dialogs.informations, ElementsAre(kSelectDevice));
   EXPECT_EQ(world.registry.Text("Modem"), "-1");
+  world.window->TurnOn();
+  EXPECT_THAT(world.dialogs.informations, ElementsAre(kSelectDevice, kSelectDevice));
   EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
 }
 
