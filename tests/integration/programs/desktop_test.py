@@ -171,16 +171,19 @@ class DesktopTest(unittest.TestCase):
         self.assert_line_is_open()
         self.assertNotIn("Unload ORVEN", orven.log())
 
-        self.click(icon, 1)
+        self.choose(orven, icon, "Up")  # the last item is "Open"
         self.main_window(orven, "Normal")
         self.open_lines()
         self.display.run("xdotool", "key", "alt+r")  # a question, over which the menu works
         self.keyboard_goes_to("ORVEN")
+        self.choose(orven, icon, "Down")  # the first item is "Exit"
+        self.assert_ended_by_exit(orven)
+
+    def choose(self, orven, icon, key):
         windows = len(self.display.windows(orven.process))
         self.click(icon, 3)
         processes.wait_for("The menu", lambda: len(self.display.windows(orven.process)) > windows, LIMIT)
-        self.display.run("xdotool", "key", "Down", "Return")  # the first item is "Exit"
-        self.assert_ended_by_exit(orven)
+        self.display.run("xdotool", "key", key, "Return")
 
     def test_the_icon_in_a_tray_on_the_bus_keeps_watch(self):
         address, _ = self.bus_tray()
