@@ -41,6 +41,7 @@ int SipStation::Begin() {
   int error = sip_listen(
       nullptr, stack_.get(), true,
       [](const sip_msg* request, void* self) {
+        if (auto& heard = Self(self).events_.heard) heard(*request);
         return TakeProbe(*request) || !IsSoundRequest(Self(self).Stack(), *request);
       },
       this);

@@ -12,6 +12,8 @@ namespace orven {
 class SipStation {
  public:
   struct Events {
+    /// A request, of whatever kind.
+    std::function<void(const sip_msg&)> heard;
     /// An INVITE that is sound and begins a call.
     std::function<void(SipStation&, const sip_msg&)> invite;
     /// After Close: what was under way is over.

@@ -26,10 +26,6 @@ void RaisePriority() {
   (void)pthread_setschedparam(pthread_self(), SCHED_RR, &parameters);
 }
 
-/// Descriptors that the SIP thread uses at most. Strangers who open connections without end must leave
-/// the rest of the program its files.
-constexpr int kMostDescriptors = 512;
-
 int InitialiseLibraryOnce() {
   // The library would print a line for every broken message that a stranger sends.
   static const int error = (dbg_init(DBG_EMERG, DBG_NONE), libre_init());

@@ -11,6 +11,10 @@ struct mqueue;
 
 namespace orven {
 
+/// Descriptors that the SIP thread uses at most, so the greatest is one less. Strangers who open connections
+/// without end must leave the rest of the program its files.
+inline constexpr int kMostDescriptors = 512;
+
 /// The thread of one open SIP line: runs the SIP library's event loop and the tasks posted to it.
 class SipThread {
  public:

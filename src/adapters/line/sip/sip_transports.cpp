@@ -26,7 +26,9 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
 }  // namespace
 
 SipTransports::SipTransports(const SipLineSettings& settings, Events events)
-    : settings_(settings), events_(std::move(events)) {
+    : settings_(settings),
+      events_(std::move(events)),
+      guard_([this](const sa& local) { return IsOurs(local); }) {
   dnsc* names = nullptr;
   if (dnsc_alloc(&names, nullptr, nullptr, 0) != 0) throw std::bad_alloc();
   names_.reset(names);
@@ -50,6 +52,7 @@ std::optional<OpenFailure> SipTransports::Start() {
     return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
                        "cannot listen on " + failed->text + ": " + ErrorWords(error)};
   }
+  guard_.Start();
   return std::nullopt;
 }
 
@@ -102,10 +105,11 @@ SipStation* SipTransports::StationAt(const sa& address) {
 
 /// `failed` becomes the listener that there can be no station for. An errno value, or 0.
 int SipTransports::AddStation(const sa& address, const Listener*& failed) {
-  auto station = std::make_unique<SipStation>(*names_, SipStation::Events{events_.invite, [this] {
-                                                                            if (--closing_ == 0)
-                                                                              events_.closed();
-                                                                          }});
+  const auto heard = [this](const sip_msg& request) { guard_.Heard(request); };
+  const auto closed = [this] {
+    if (--closing_ == 0) events_.closed();
+  };
+  auto station = std::make_unique<SipStation>(*names_, SipStation::Events{heard, events_.invite, closed});
   if (const int error = station->Begin(); error != 0) return error;
   for (const Listener& listener : listeners_) {
     for (const sa& here : listener.expanded) {
@@ -143,7 +147,14 @@ bool SipTransports::Follow() {
       if (StationAt(address) == nullptr && AddStation(address, failed) == 0) changed = true;
     }
   }
+  if (changed) guard_.Look();
   return changed;
+}
+
+bool SipTransports::IsOurs(const sa& local) const {
+  return std::any_of(stations_.begin(), stations_.end(), [&local](const auto& station) {
+    return sip_transp_isladdr(&station->Stack(), SIP_TRANSP_NONE, &local);
+  });
 }
 
 bool SipTransports::LeaveGone() {
@@ -159,6 +170,7 @@ SipStation* SipTransports::Towards(const sa& server) {
 }
 
 void SipTransports::Close() {
+  guard_.Stop();
   closing_ = stations_.size();
   if (closing_ == 0) return events_.closed();
   for (const auto& station : stations_) station->Close();

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/sip_station.h"
@@ -68,6 +69,7 @@ class SipTransports {
   SipStation* StationAt(const sa& address);
   int AddStation(const sa& address, const Listener*& failed);
   bool LeaveGone();
+  bool IsOurs(const sa& local) const;
 
   const SipLineSettings& settings_;
   const Events events_;
@@ -76,6 +78,7 @@ class SipTransports {
   std::unique_ptr<TlsContext> server_tls_;  ///< of the account
   std::vector<Listener> listeners_;
   std::vector<std::unique_ptr<SipStation>> stations_;
+  ConnectionGuard guard_;
   std::size_t closing_ = 0;  ///< stations that have something under way
 };
 

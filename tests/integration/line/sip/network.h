@@ -56,8 +56,10 @@ class Socket {
   void SendTo(std::uint16_t port, const std::string& text) const {
     SendTo(port, Bytes(text.begin(), text.end()));
   }
-  /// On a TCP connection.
-  void Send(const std::string& text) const { (void)::send(fd_, text.data(), text.size(), MSG_NOSIGNAL); }
+  /// On a TCP connection; false when it is closed.
+  bool Send(const std::string& text) const {
+    return ::send(fd_, text.data(), text.size(), MSG_NOSIGNAL) >= 0;
+  }
   /// The next datagram, or what TCP brings; nothing when none comes within `limit`.
   std::optional<Bytes> Receive(milliseconds limit) const {
     if (!Ready(limit)) return std::nullopt;

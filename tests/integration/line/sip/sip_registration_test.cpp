@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A line with an account: it keeps itself registered, whatever the server answers and becomes.
 #include <openssl/evp.h>
+#include <sys/resource.h>
 
 #include <array>
 #include <condition_variable>
@@ -96,8 +97,11 @@ class Registrar {
   bool HearsASignOfLife() const { return socket_.ReceiveText(milliseconds(8000)) == "\r\n\r\n"; }
 
   void Reply(const std::string& reply) {
-    if (tcp_) return connection_->Send(reply);
-    socket_.SendTo(line_port_, reply);
+    if (tcp_) {
+      connection_->Send(reply);
+    } else {
+      socket_.SendTo(line_port_, reply);
+    }
   }
 
   /// Grants the next request a life in seconds. Its Contact, "" when nobody comes.
@@ -117,6 +121,8 @@ class Registrar {
 
 class SipRegistrationTest : public SipLineTest {
  protected:
+  ~SipRegistrationTest() override { line->Close(); }
+
   /// The line of an account at `registrar`.
   void Open(const Registrar& registrar, const std::string& transport = "udp") {
     settings.account = "sip:100@127.0.0.1:" + std::to_string(registrar.Port());
@@ -270,6 +276,29 @@ TEST_F(SipRegistrationTest, CallsThroughARouterFindTheLine) {
   SipCaller caller(port);
   Ring(caller);
   EXPECT_EQ(Header(caller.Wait("180").value_or(""), "Contact"), "<sip:100@"s + kPublic + ">");
+}
+
+TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForACallAndTheServer) {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 4096);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  Registrar registrar(true, port);
+  settings.timers.registration_retry_first = milliseconds(200);
+  Open(registrar, "tcp");
+  EXPECT_NE(registrar.Grant("300"), "");
+  constexpr std::size_t kConnections = 700;  // more than the line may have descriptors
+  std::vector<Socket> idle;
+  idle.reserve(kConnections);
+  while (idle.size() < kConnections) idle.push_back(Socket::TcpTo(port));
+  registrar.Disconnect();
+  EXPECT_EQ(reports.Wait(1).size(), 1U);
+  for (int i = 0; i < 50; ++i) idle.push_back(Socket::TcpTo(port));  // they take the place that got free
+  EXPECT_NE(registrar.Grant("300"), "") << "the line has no descriptor left";
+  SipCaller caller(port);
+  Connect(caller);
+  EXPECT_TRUE(caller.HearsMore());
+  HangUp(caller);
 }
 
 class SipRegistrationOver : public SipRegistrationTest, public ::testing::WithParamInterface<std::string> {};

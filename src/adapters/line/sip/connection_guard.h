@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/sip_thread.h"
+#include "adapters/line/sip/steady_timer.h"
+
+namespace orven {
+
+/// Keeps the connections that others open to a line within bounds, and closes those that go beyond: who does
+/// not read what is sent, sends much without a message in it, or holds more connections than a telephone
+/// needs. The library has no such bounds (it answers each empty line, and keeps up to 180 MB of answers for a
+/// peer that does not read them; it keeps what it has read until a piece ends with a line) and shows its
+/// connections to nobody, so they are watched from outside, by their descriptors. SIP thread.
+class ConnectionGuard {
+ public:
+  /// `is_ours`: whether connections to this local address are this line's.
+  explicit ConnectionGuard(std::function<bool(const sa& local)> is_ours);
+  ConnectionGuard(const ConnectionGuard&) = delete;
+  ConnectionGuard& operator=(const ConnectionGuard&) = delete;
+  ~ConnectionGuard() { Stop(); }
+
+  void Start();
+  void Stop();
+
+  /// Looks for sockets that are new, and closes connections that are too many.
+  void Look();
+
+  /// A whole message has come by a connection.
+  void Heard(const sip_msg& message);
+
+ private:
+  struct Connection {
+    int descriptor;
+    sa peer;
+    std::uint32_t silent_ms;  ///< since something came from there
+  };
+
+  void TakeReady();
+  bool GoesTooFar(int descriptor) const;
+  static void CloseExcess(std::vector<Connection> connections);
+
+  const std::function<bool(const sa&)> is_ours_;
+  int ready_ = -1;                                       ///< epoll(7): sockets from which something came
+  std::array<std::uint64_t, kMostDescriptors> heard_{};  ///< bytes received up to the latest message
+  SteadyTimer soon_;
+  SteadyTimer tick_;
+};
+
+}  // namespace orven
