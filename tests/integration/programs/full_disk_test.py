@@ -19,10 +19,9 @@ import sys
 import unittest
 
 import orven_test
+from alone import alone
 from orven_test import Orven, OrvenCase, processes, sound, telephone
 
-SKIPPED = 77  # CTest's SKIP_RETURN_CODE here
-ALONE = "ORVEN_TEST_ALONE"  # set for the process that has its own mounts
 DISK_SIZE = "64m"
 LIMIT = 30  # seconds, for whatever is waited for
 SECONDS = 1.5  # of each thing that a caller says
@@ -187,25 +186,9 @@ class MessagesOnTheDisk(FullDiskCase):
         self.assert_nothing_left(2)
 
 
-def alone():
-    """The command that gives a process mounts of its own; nothing where that is not allowed."""
-    for options in ("-m", "-rm"):
-        command = ["unshare", options]
-        trial = ["mount", "-t", "tmpfs", "-o", "size=4k", "orven-test", "/tmp"]
-        if subprocess.run(command + trial, capture_output=True, check=False).returncode == 0:
-            return command
-    return []
-
-
 if __name__ == "__main__":
     if len(sys.argv) < 2:
         sys.exit(__doc__)
-    if ALONE not in os.environ:
-        command = alone()
-        if not command:
-            print("No file system can be mounted here (unshare -m, unshare -rm): skipped")
-            sys.exit(SKIPPED)
-        os.environ[ALONE] = "1"
-        os.execvp(command[0], command + [sys.executable, "-B", "-W", "ignore"] + sys.argv)
+    alone("m", "mount -t tmpfs -o size=4k orven-test /tmp")
     orven_test.PROGRAM = os.path.abspath(sys.argv.pop(1))
     unittest.main(verbosity=2)

@@ -14,17 +14,12 @@ import time
 import unittest
 
 import orven_test
-from line_scenarios import LIMIT, NAME, NUMBER, PASSWORD, REACTION_SECONDS, STEPS_TO_A_MESSAGE, LineCase, Scenarios
+from line_scenarios import LIMIT, REACTION_SECONDS, STEPS_TO_A_MESSAGE, LineCase, Scenarios
 from orven_test import processes, sound
-from telephone_lines import ModemLine, SimLine, SipLine
+from telephone_lines import ModemLine, SipLine
 
 EMULATOR = ""
 AT_A_TIME = 5
-# A modem that wakes goes on to send sound, and is asked a question just as it answers another.
-OF_A_WAKING_MODEM = [
-    "complaint: the host does not read, and bytes are lost",
-    "complaint: a byte in the middle of an answer",
-]
 
 
 class Sip(Scenarios):
@@ -79,38 +74,15 @@ class ModemTroubles(LineCase):
         self.assert_works_again()
         self.end()
 
-    def test_wedged_in_mid_message(self):
-        self.in_the_message()
-        self.line.do("wedge")
-        self.end_of_call()
-        self.orven.wait_for(f"The modem at {self.line.port} does not answer: switch it off and on", LIMIT)
-        self.assert_same(self.sounds["Old"], self.recorded())
-        self.line.do("wake")
-        self.assert_works_again()
-        self.end(OF_A_WAKING_MODEM)
-
     def end_of_call(self):
         """As when the caller hangs up."""
         self.orven.wait_for("Idle[", LIMIT)
         self.assert_order(*STEPS_TO_A_MESSAGE, "Disconnected[LineIndex:0]", "Record Message ", "Idle[LineIndex:0]")
 
 
-class Simulated(Scenarios):
-    CALL = f"0.2 offer\n0.3 callerid {NUMBER} {NAME}\n0.3 ring\n0.6 ring\n"
-    SCRIPTS = {
-        "test_a_message": CALL + "5 hangup\n",
-        "test_a_message_that_silence_ends": CALL,
-        "test_a_caller_who_gives_up": CALL + "0.8 hangup\n",
-        "test_messages_heard_by_telephone": CALL + f"1.2 press {PASSWORD}*\n2 press *\n",
-    }
-
-    def make_line(self):
-        return SimLine(self.folder, self.SCRIPTS[self.id().rsplit(".", 1)[1]])
-
-
 def everything():
     """The names of all tests, the longest first."""
-    classes = (ModemTroubles, Modem16Bits, Modem8Bits, Sip, Simulated)
+    classes = (ModemTroubles, Modem16Bits, Modem8Bits, Sip)
     loader = unittest.defaultTestLoader
     return [f"{case.__name__}.{name}" for case in classes for name in loader.getTestCaseNames(case)]
 

@@ -177,17 +177,6 @@ class OrvenTest(OrvenCase):
         self.assertTrue(any(self.read(name).startswith("this is no database") for name in kept), kept)
         self.assertEqual(self.records(), [])
 
-    def test_an_address_in_use_is_said_and_the_program_goes_on(self):
-        import socket
-
-        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
-            taken.bind(("127.0.0.1", self.port))
-            with Orven(self.home) as orven:
-                orven.wait_for("Error LineOpen[LineIndex:0 Device Name:Test]->")
-                self.assertIn(str(self.port), "\n".join(orven.log()))
-                self.assertIsNone(orven.process.poll())
-                self.assertEqual(orven.end(), 0)
-
     def test_an_unusable_application_folder_is_said(self):
         blocked = self.path("file")
         self.write("file", "")

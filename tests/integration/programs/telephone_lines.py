@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The kinds of telephone lines that the program can have, each with a caller at its other end.
 
-Every line has the section of lines.ini for it, what the system log says when it is ready for calls, whether
-it brings a caller's sound, and telephones. A telephone has telephone.Telephone's methods.
+Every line has the section of lines.ini for it, what the system log says when it is ready for calls, and
+telephones. A telephone has telephone.Telephone's methods.
 """
 
 import os
@@ -14,8 +14,6 @@ import telephone
 
 class SipLine:
     """Over the network, from an independent telephone."""
-
-    has_sound = True
 
     def __init__(self, folder):
         self._folder, self._port = folder, processes.free_port()
@@ -47,8 +45,6 @@ class _SipTelephone(telephone.Telephone):
 class ModemLine(modem_telephone.Modem):
     """An emulated voice modem on a pseudo-terminal."""
 
-    has_sound = True
-
     def __init__(self, emulator, folder, profile):
         super().__init__(emulator, os.path.join(folder, "modem"), profile, seconds=120)
         self.section = f"type = modem\nport = {self.port}\n"
@@ -56,56 +52,3 @@ class ModemLine(modem_telephone.Modem):
 
     def telephone(self, name, number):
         return modem_telephone.ModemTelephone(self, name, number)
-
-
-class SimLine:
-    """Within the program: the caller does what `script` says, when it says so."""
-
-    has_sound = False
-
-    def __init__(self, folder, script):
-        path = os.path.join(folder, "call.sim")
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(script)
-        self.section = f"type = sim\nscript = {path}\n"
-        self.ready = "LineOpen["
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        pass
-
-    def telephone(self, _name, _number):
-        return _ScriptedTelephone()
-
-    def complaints(self):
-        return []
-
-
-class _ScriptedTelephone:
-    """What it does is in the script already; what it waits for is waited for."""
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        pass
-
-    def dial(self):
-        pass
-
-    def press(self, _digit):
-        pass
-
-    def say(self, _samples, _limit):
-        pass
-
-    def hang_up(self):
-        pass
-
-    def wait_event(self, _kind, _limit):
-        pass
-
-    def wait_until(self, what, condition, limit):
-        return processes.wait_for(what, condition, limit)

@@ -56,7 +56,6 @@ TEST(LineManager, AFailedOpenIsLoggedWithItsReasonAndTriedAgainUntilItSucceedsOr
   world.Start();
   EXPECT_TRUE(world.Logged(taken));
   EXPECT_FALSE(world.views.line_on);
-  EXPECT_FALSE(world.Machine().line.LineOn());
   EXPECT_THAT(world.LoggedBy([&] { world.RunFor(60s); }), IsEmpty()) << "the reason is known";
   EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
   world.window->TurnOff();
@@ -67,7 +66,6 @@ TEST(LineManager, AFailedOpenIsLoggedWithItsReasonAndTriedAgainUntilItSucceedsOr
   world.line->FailOpen(kTelephonyOk, "");
   EXPECT_THAT(world.LoggedBy([&] { world.RunFor(5s); }), ElementsAre(line + "Success"));
   EXPECT_EQ(world.views.Status(), "Monitoring Sim");
-  EXPECT_TRUE(world.views.line_on);
 }
 
 TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
@@ -78,14 +76,6 @@ TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
   world.RunFor(4s);
   EXPECT_FALSE(world.line->HasCall()) << "silence hangs up the line that has the call";
   EXPECT_EQ(world.views.Status(), "Monitoring Sim");
-}
-
-TEST(LineManager, OpensNoSecondLineBesideAnOpenOne) {
-  World world;
-  world.Start();
-  EXPECT_THAT(world.LoggedBy([&] { world.Machine().line.OpenLine(1); }), IsEmpty());
-  world.window->TurnOff();
-  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
 }
 
 TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {

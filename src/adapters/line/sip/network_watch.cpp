@@ -21,10 +21,15 @@ constexpr std::chrono::milliseconds kSettling{300};
 /// Where the kernel tells nothing this is how soon a change is noticed.
 constexpr std::chrono::seconds kTick{5};
 
-/// Whether a message of the kernel tells of a change. Of a link it tells, too, how strong its radio is.
+/// Whether a message of the kernel tells of a change. Of a link it tells, too, what its radio finds.
 bool IsChange(const nlmsghdr& message) {
   if (message.nlmsg_type != RTM_NEWLINK) return true;
-  return static_cast<const ifinfomsg*>(NLMSG_DATA(&message))->ifi_change != 0;
+  const auto* link = static_cast<const ifinfomsg*>(NLMSG_DATA(&message));
+  auto left = IFLA_PAYLOAD(&message);
+  for (const auto* fact = IFLA_RTA(link); RTA_OK(fact, left); fact = RTA_NEXT(fact, left)) {
+    if (fact->rta_type == IFLA_WIRELESS) return false;
+  }
+  return true;
 }
 
 int ListenToKernel() {

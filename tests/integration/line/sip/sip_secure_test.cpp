@@ -54,25 +54,6 @@ TEST(SecureSoundTest, StrangersPacketsDoNotOpenAndSpoilNothing) {
   }
 }
 
-TEST(SecureSoundTest, ControlMessagesOpenOnlyWithTheKey) {
-  const SrtpKey key = NewSrtpKey();
-  const Bytes report{0x80, 201, 0, 1, 0, 0, 0, 9};
-  srtp* raw = nullptr;
-  ASSERT_EQ(srtp_alloc(&raw, SRTP_AES_CM_128_HMAC_SHA1_80, key.data(), key.size(), 0), 0);
-  const LibrePtr<srtp> peer(raw);
-  const LibrePtr<mbuf> buffer(mbuf_alloc(64));
-  (void)mbuf_write_mem(buffer.get(), report.data(), report.size());
-  mbuf_set_pos(buffer.get(), 0);
-  ASSERT_EQ(srtcp_encrypt(peer.get(), buffer.get()), 0);
-  const Bytes sealed(buffer->buf, buffer->buf + buffer->end);
-  SoundOpener opener(SoundOpener::Kind::kControl, SrtpSuite::kTag80, key);
-  EXPECT_FALSE(opener.Open(report));
-  const auto opened = opener.Open(sealed);
-  ASSERT_TRUE(opened);
-  EXPECT_EQ(Copy(*opened), report);
-  EXPECT_FALSE(opener.Open(sealed));
-}
-
 TEST(CryptoAttributeTest, ReadsWhatWeCanDoAndNothingElse) {
   const std::string begin = "7 " + std::string(kSuite32) + " " + kOneKey;
   for (const char* end : {"", "|2^31", " WSH=64 -NEW=1", "  "}) {

@@ -1,0 +1,179 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A computer whose network comes late, goes and changes: the line registers by itself, and calls come through.
+
+    network_test.py PROGRAM [CLASS.TEST …]
+
+The program has a network namespace of its own. At the other end of its cable are a name server (dnsmasq), the
+account's server (kamailio) and callers (sipp). Where no namespaces can be made the test is skipped (77).
+"""
+
+import os
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import orven_test
+from alone import alone
+from orven_test import Orven, OrvenCase, processes
+
+LIMIT = 10  # seconds from the network's return to a call: what is promised
+HOST, SERVER, FIRST, SECOND = "registrar.test", "10.77.0.1", "10.77.0.2", "10.77.0.3"
+FAILED = "Error LineOpen[LineIndex:0 Device Name:Test]->"
+MODULES = "".join(f'loadmodule "{name}.so"\n' for name in "sl tm pv xlog usrloc registrar".split())
+ROUTES = r"""
+request_route {
+  if ($rm == "REGISTER") { save("location"); xlog("L_ERR", "Registered: $ct\n"); exit; }
+  if (!lookup("location")) { sl_send_reply("404", "Not Found"); exit; }
+  t_relay();
+}
+"""
+SETTINGS = """
+log_stderror=yes
+children=1
+tcp_children=1
+auto_aliases=no
+mpath="/usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
+"""
+
+
+def run(command):
+    subprocess.run(command.split(), check=True, stdout=subprocess.DEVNULL)
+
+
+def desk(command):
+    """In the program's namespace."""
+    run("ip netns exec desk " + command)
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+class NetworkTest(OrvenCase):
+    def serve(self, command):
+        process = processes.start(command.split(), self.servers)
+        self.addCleanup(processes.stop, process, 5)
+        return process
+
+    def said(self):
+        """By the servers."""
+        with open(self.servers, encoding="utf-8") as log:
+            return log.read()
+
+    def setUp(self):
+        super().setUp()
+        self.servers = os.path.join(self.folder, "servers")
+        write("/etc/resolv.conf", f"nameserver {SERVER}\n")
+        write("/etc/hosts", "")
+        run("ip netns add desk")
+        self.addCleanup(run, "ip netns delete desk")
+        desk("ip link set lo up")
+        self.first_start()
+        self.serve(f"dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
+                   f"--bind-interfaces --listen-address={SERVER} --address=/{HOST}/{SERVER} "
+                   f"--srv-host=_sip._tcp.{HOST},{HOST},5070")
+        write(self.folder + "/routes", SETTINGS + MODULES + ROUTES)
+        self.serve(f"kamailio -f {self.folder}/routes -DD -E -m 64 -M 8 -w {self.folder} -Y {self.folder} "
+                   f"-P {self.folder}/pid -l udp:{SERVER}:5060 -l tcp:{SERVER}:5070")
+
+    def plug_in(self, address=FIRST):
+        run("ip link add outside type veth peer name inside netns desk")
+        self.addCleanup(run, "ip link delete outside")
+        run("ip addr add 10.77.0.254/24 dev outside")
+        run("ip link set outside up")
+        desk(f"ip addr add {address}/24 dev inside")
+        desk("ip link set inside up")
+        show = "ip netns exec desk cat /sys/class/net/inside/operstate".split()
+        processes.wait_for("The link", lambda: subprocess.check_output(show) == b"up\n", LIMIT)
+
+    def start(self, ready="LineOpen[", openings=2, transport="udp", host=HOST, listen="0.0.0.0"):
+        """The program, until its log says that it is `ready`; the line was open at the first start, too."""
+        self.write("lines.ini", f"[Test]\ntype = sip\nlisten = {listen}:5060\naccount = sip:100@{host}\n"
+                   f"transport = {transport}\nring_seconds = 1\n")
+        self.calls, self.orven = 0, self.enterContext(Orven(self.home, ["-st"]))
+        self.orven.wait_for(ready, 20, openings)
+
+    def assert_calls_come_through(self, address=FIRST, count=1):
+        """Soon from this moment on, by the registration number `count` of `address`."""
+        begun = time.monotonic()
+
+        contact = f"Registered: <sip:100@{address}:"
+        processes.wait_for("A registration", lambda: self.said().count(contact) >= count, LIMIT)
+        seconds = time.monotonic() - begun
+        self.calls += 1
+        caller = f"sipp -sn uac -s 100 {SERVER}:5060 -i {SERVER} -p 5099 -m 1 -nostdin -timeout {LIMIT}"
+        subprocess.run(caller.split(), check=True, capture_output=True)
+        self.orven.wait_for("Idle[", LIMIT, self.calls)
+        print(f"registered after {seconds:.1f} s, a call over after {time.monotonic() - begun:.1f} s", end=" ", flush=True)
+
+    def test_the_network_comes_after_the_start(self):
+        self.start("there is no server named", 1, "tcp")
+        self.plug_in()
+        self.assert_calls_come_through()
+
+    def test_the_address_changes(self):
+        self.plug_in()
+        self.start(transport="tcp")
+        self.assert_calls_come_through()
+        desk(f"ip addr delete {FIRST}/24 dev inside")
+        desk(f"ip addr add {SECOND}/24 dev inside")
+        self.assert_calls_come_through(SECOND)
+
+    def test_the_cable_is_pulled_and_put_in_again(self):
+        self.plug_in()
+        self.start()
+        self.assert_calls_come_through()
+        desk("ip link set inside down")
+        self.orven.wait_for("no call can come in by it")
+        desk("ip link set inside up")
+        self.assert_calls_come_through(count=2)
+
+    def test_the_name_server_changes(self):
+        write("/etc/resolv.conf", "nameserver 10.77.0.99\n")
+        self.plug_in()
+        self.start("there is no server named", 1)
+        write("/etc/resolv.conf", f"nameserver {SERVER}\n")
+        self.assert_calls_come_through()
+
+    def test_the_address_is_there_later_and_the_server_in_the_hosts_file(self):
+        write("/etc/hosts", f"{SERVER} server.home\n")
+        self.start(FAILED, 1, host="server.home", listen=FIRST)
+        self.plug_in()
+        self.assert_calls_come_through()
+
+    def test_the_port_is_free_later(self):
+        self.plug_in()
+        holder = self.serve("ip netns exec desk python3 -um http.server 5060")
+        processes.wait_for("A server at the port", lambda: "Serving" in self.said(), LIMIT)
+        self.start(FAILED, 1)
+        processes.stop(holder, 5)
+        self.assert_calls_come_through()
+        self.assertEqual(sum(FAILED in line for line in self.orven.log()), 1)
+
+
+def prepare():
+    """The server's side of the network, names that can be changed, and the program in its own namespace."""
+    own = tempfile.mkdtemp(prefix="orven-network-")
+    run(f"mount -t tmpfs orven-test {own}")
+    for name in ("hosts", "resolv.conf"):
+        write(f"{own}/{name}", "")
+        run(f"mount --bind {own}/{name} /etc/{name}")
+    run("mount -t tmpfs orven-test /run")
+    os.mkdir("/run/netns")
+    run("ip link set lo up")
+    run(f"ip addr add {SERVER}/32 dev lo")
+    orven_test.PROGRAM = os.path.join(own, "orven")
+    write(orven_test.PROGRAM, f'#!/bin/sh\nexec ip netns exec desk {os.path.abspath(sys.argv.pop(1))} "$@"\n')
+    os.chmod(orven_test.PROGRAM, 0o755)
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
+    alone("nm", "mount -t tmpfs orven-test /run && mkdir /run/netns && ip netns add trial")
+    prepare()
+    unittest.main(verbosity=2)
