@@ -7,7 +7,7 @@
 #include "actions/mail_address.h"
 #include "core/conversions.h"
 #include "core/error_trap.h"
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 namespace {

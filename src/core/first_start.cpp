@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/registry_values.h"
-#include "core/windows_version.h"
+#include "core/mdlReg.h"
+#include "core/mdlWinVersion.h"
 
 namespace orven {
 namespace {

@@ -3,8 +3,8 @@
 
 #include "core/conversions.h"
 #include "core/error_trap.h"
+#include "core/mdlReg.h"
 #include "core/messages_folder.h"
-#include "core/registry_values.h"
 
 namespace orven {
 namespace {

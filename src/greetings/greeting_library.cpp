@@ -5,7 +5,7 @@ namespace orven {
 
 std::vector<std::string> GreetingLibrary::Names() const {
   constexpr std::size_t kExtension = 4;  // ".wav"
-  auto names = FileNames();
+  auto names = files_.List(Folder(), "*.wav");
   for (auto& name : names) name.resize(name.size() - kExtension);
   return names;
 }

@@ -22,10 +22,7 @@ class GreetingLibrary {
   /// The file of the greeting `name`.
   std::string PathOf(const std::string& name) const { return Folder() + name + ".wav"; }
 
-  /// Whole file names, in order.
-  std::vector<std::string> FileNames() const { return files_.List(Folder(), "*.wav"); }
-
-  /// The greetings' names, in the same order.
+  /// The greetings' names, in order.
   std::vector<std::string> Names() const;
 
   /// Makes a copy of the sound file at `path` the greeting `name`, replacing one of that name whole or not

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "core/error_trap.h"
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 namespace {

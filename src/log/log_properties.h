@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/settings_store.h"
-#include "log/log_files.h"
+#include "log/mdlLog.h"
 
 namespace orven {
 

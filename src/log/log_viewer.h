@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "core/settings_store.h"
-#include "log/log_files.h"
 #include "log/log_lines.h"
+#include "log/mdlLog.h"
 #include "platform/background.h"
 #include "platform/dialogs.h"
 

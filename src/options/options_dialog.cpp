@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "core/conversions.h"
+#include "core/mdlReg.h"
 #include "core/native_path.h"
-#include "core/registry_values.h"
 
 namespace orven {
 namespace {

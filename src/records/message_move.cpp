@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 namespace {

@@ -6,7 +6,7 @@
 #include "greetings/greeting_creator.h"
 #include "greetings/greeting_library.h"
 #include "greetings/microphone_take.h"
-#include "log/log_files.h"
+#include "log/mdlLog.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"

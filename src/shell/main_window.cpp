@@ -2,7 +2,7 @@
 #include "shell/main_window.h"
 
 #include "core/error_trap.h"
-#include "core/windows_version.h"
+#include "core/mdlWinVersion.h"
 
 namespace orven {
 namespace {

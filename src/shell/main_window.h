@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/entry_routine.h"
+#include "core/mMain.h"
 #include "platform/operating_system.h"
 #include "shell/answering_machine.h"
 #include "shell/main_commands.h"
@@ -46,8 +46,8 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   /// A person has brought the window back without the tray (where it could only be minimised).
   void CameBack();
 
-  /// Tells the person at the desk in a box what happened to the records or the settings, as soon as nothing else
-  /// runs, and shows the records that there are.
+  /// Tells the person at the desk in a box what happened to the records or the settings, as soon as nothing
+  /// else runs, and shows the records that there are.
   void TellOfLoss(const std::string& text);
 
   /// `Check1` was clicked.
@@ -85,7 +85,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
   std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
   Lifeline lifeline_;
-  bool tray_missed_ = false;           ///< there was no notification area at the latest look
+  bool tray_missed_ = false;  ///< there was no notification area at the latest look
   bool loaded_ = false;
   bool exiting_ = false;
   bool ended_ = false;

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 #include "platform/registry.h"
 
 namespace orven::test {

@@ -8,7 +8,7 @@
 
 #include "adapters/desktop/application_folder.h"
 #include "adapters/desktop/speech_presence.h"
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 #include "programs/orven/telephone_lines.h"
 #include "records/call_fields.h"
 #include "records/call_recovery.h"
@@ -51,12 +51,13 @@ Program::Program(Folders folders)
                      [this](const std::string& text) { Report(text); }),
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
       registry_(autostart_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
-      database_({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
-                [this](const std::string& text) { Report(text); },
-                [this](const std::string& text) {
-                  Report(text);
-                  window_.TellOfLoss(text);
-                }),
+      database_(
+          {"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
+          [this](const std::string& text) { Report(text); },
+          [this](const std::string& text) {
+            Report(text);
+            window_.TellOfLoss(text);
+          }),
       lines_(loop_, MakeLines(),
              {[this] { return LineHasSound(); }, [this](const std::string& text) { Report(text); }}),
       configured_lines_(LinesPath(), loop_, lines_, line_states_),

@@ -25,7 +25,7 @@
 #include "adapters/registry/registry_file.h"
 #include "adapters/sound/all_audio_devices.h"
 #include "adapters/sound/sound_cards.h"
-#include "core/entry_routine.h"
+#include "core/mMain.h"
 #include "notify/frmMSG.h"
 #include "programs/orven/program_dialogs.h"
 #include "shell/frmMain.h"

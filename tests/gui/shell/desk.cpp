@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 #include "records/call_fields.h"
 
 namespace orven::test {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "log/log_files.h"
+#include "log/mdlLog.h"
 #include "platform/runtime_error.h"
 #include "support/world.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "core/windows_version.h"
+#include "core/mdlWinVersion.h"
 #include "support/world.h"
 
 namespace orven::test {

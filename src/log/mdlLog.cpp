@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "log/log_files.h"
+#include "log/mdlLog.h"
 
 #include <array>
 #include <optional>

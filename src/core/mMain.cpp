@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/entry_routine.h"
+#include "core/mMain.h"
 
 namespace orven {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/registry_values.h"
+#include "core/mdlReg.h"
 
 #include <array>
 

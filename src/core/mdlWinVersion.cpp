@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/windows_version.h"
+#include "core/mdlWinVersion.h"
 
 namespace orven {
 namespace {
