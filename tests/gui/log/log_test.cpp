@@ -152,6 +152,7 @@ TEST_F(LogWindow, ALargeFileOpensWhileTheWindowWorks) {
   ClickFile(RowOf("3_Sys.txt"));
   Until([this] { return Read(); });
   EXPECT_EQ(Rows(), kLines);
+  EXPECT_EQ(Get<QLabel>("lblState").text(), u"1,250,000 lines");
   EXPECT_LE(most, LogReading::kMostLinesInPiece);
   auto& list = List2();
   list.setFocus();
@@ -173,6 +174,7 @@ TEST_F(LogWindow, DeletesWhatIsBinaryOrGoneAndTheWindowEndsWithTheProgram) {
   EXPECT_EQ(Shown(0).count(QChar::ReplacementCharacter), Shown(0).size());
   Click("cmdDelete");
   EXPECT_THAT(dialogs.questions, ElementsAre("Delete 9_Sys.txt ?"));
+  EXPECT_EQ(dialogs.question_icon, QuestionIcon::None);
   dialogs.yes = true;
   Click("cmdDelete");
   EXPECT_THAT(Files(), ElementsAre("1_Sys.txt", "2_Calls.txt"));
@@ -181,7 +183,10 @@ TEST_F(LogWindow, DeletesWhatIsBinaryOrGoneAndTheWindowEndsWithTheProgram) {
   ClickFile(RowOf("1_Sys.txt"));
   Until([this] { return Get<QLabel>("lblState").text().contains(u"not found"); });
   EXPECT_EQ(Rows(), 0);
-  files.Delete(home / "Log/2_Calls.txt");
+  registry.Set("cWornBeforeDelete", "0");
+  ClickFile(RowOf("2_Calls.txt"));
+  Click("cmdDelete");
+  EXPECT_EQ(dialogs.questions.size(), 2U);
   ASSERT_EQ(std::remove((home / "Log").c_str()), 0);
   Get<QComboBox>("cmbWhatToShow").setCurrentIndex(2);
   EXPECT_EQ(List1().count(), 0);

@@ -86,19 +86,6 @@ TEST_F(Creator, HelperThatDoesNotStartAnswerOrLiveIsLoggedAndTheRestGoesOn) {
   EXPECT_TRUE(world.files.Exists(speaker_file));
 }
 
-TEST_F(Creator, WindowThatIsClosedWhileTheHelperIsAwaitedAsksForNothingMore) {
-  world.uDat.up = false;
-  world.uDat.while_waiting = [this] {
-    creator->Unload();
-    world.uDat.up = true;  // it comes all the same
-  };
-  creator->Load();
-  creator->Record();
-  creator->Save();
-  EXPECT_THAT(world.uDat.sent, IsEmpty());
-  EXPECT_FALSE(world.Wave1.IsRecording());
-}
-
 TEST_F(Creator, GreetingIsMadeOfATextAndSavedWhenTheHelperIsDone) {
   Load();
   world.files.Put(speech_file, "an older one");

@@ -10,27 +10,21 @@ namespace orven::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-/// A window whose letters are a pixel wide, and which counts the lines that one task gives it.
+/// A window whose letters are a pixel wide.
 class CountingWindow : public LogViewerWindow {
  public:
   std::vector<std::string> names;
   std::string selected, state;
-  std::size_t count = 0, most_in_one_task = 0;
+  std::size_t count = 0;
   std::int32_t extent = 0;
-  std::size_t measured = 0;
 
   void ShowFiles(const std::vector<std::string>& files, const std::string& name) override {
     names = files;
     selected = name;
   }
-  void ShowLineCount(std::size_t lines) override {
-    if (lines > count) most_in_one_task = std::max(most_in_one_task, lines - count);
-    count = lines;
-  }
+  void ShowLineCount(std::size_t lines) override { count = lines; }
   std::int32_t Widest(std::string_view line, std::int32_t widest) override {
-    ++measured;
     return std::max(widest, static_cast<std::int32_t>(line.size()));
   }
   void ShowExtent(std::int32_t pixels) override { extent = pixels; }
@@ -57,10 +51,9 @@ class LogViewerTest : public testing::Test {
   MemoryFiles& files = world.files;
   const std::string folder = std::string(World::kHome) + "/Log/";
   CountingWindow window;
-  std::vector<std::string> saved;
   AnsweringMachine& machine = world.Machine();
   LogViewer viewer{{machine.log, files, world.background, machine.store, machine.settings, world.dialogs,
-                    [this](const std::string& path) { saved.push_back(path); }},
+                    [](const std::string&) {}},
                    window};
 };
 
@@ -82,31 +75,6 @@ TEST_F(LogViewerTest, PurgesBeforeItListsAndKeepsTheFileThatIsStillListed) {
   EXPECT_EQ(viewer.Selected(), "");
 }
 
-TEST_F(LogViewerTest, AFileOf100MegabytesComesInPiecesAndANewSelectionGivesItUp) {
-  constexpr std::size_t kLines = 1'250'000;
-  std::string large;
-  large.reserve(kLines * 80);
-  for (std::size_t line = 0; line < kLines; ++line) {
-    large += line == 777'777 ? std::string(200, 'w') : std::string(78, 'x');
-    large += "\r\n";
-  }
-  files.Put(folder + "large_Sys.txt", std::move(large));
-  Load("large_Sys.txt");
-  EXPECT_EQ(window.count, kLines);
-  EXPECT_EQ(window.measured, kLines);
-  EXPECT_EQ(window.extent, 250);
-  EXPECT_LE(window.most_in_one_task, LogReading::kMostLinesInPiece);
-  EXPECT_EQ(viewer.Lines().Line(777'777), std::string(200, 'w'));
-  EXPECT_EQ(window.state, "1,250,000 lines");
-
-  viewer.Select("large_Sys.txt");
-  EXPECT_TRUE(world.time.RunUntil([this] { return window.count > 10'000; }, 1s));
-  EXPECT_LT(window.count, kLines);
-  Load("b_Calls.txt");
-  EXPECT_THAT(Lines(), ElementsAre("a call"));
-  EXPECT_EQ(window.extent, 6 + 50);
-}
-
 TEST_F(LogViewerTest, WhatIsNoTextOfLinesIsCutWhereNoCharacterIsHurt) {
   const std::string wide = "\xE2\x82\xAC";  // three bytes
   std::string endless(LogReading::kMostBytesInLine - 1, 'x');
@@ -118,30 +86,6 @@ TEST_F(LogViewerTest, WhatIsNoTextOfLinesIsCutWhereNoCharacterIsHurt) {
   EXPECT_EQ(lines[1], wide + std::string(1, '\0'));
   EXPECT_EQ(lines[2], "");
   EXPECT_EQ(lines[3].size() + lines[4].size() + lines[5].size(), 5000U);
-}
-
-TEST_F(LogViewerTest, DeletesAfterAskingWhereThatIsWanted) {
-  viewer.Delete();
-  viewer.SaveAs();
-  EXPECT_THAT(world.dialogs.questions, IsEmpty());
-  EXPECT_THAT(saved, IsEmpty());
-  world.registry.Set("cWornBeforeDelete", "1");
-  Load("a_Sys.txt");
-  viewer.SaveAs();
-  EXPECT_THAT(saved, ElementsAre(folder + "a_Sys.txt"));
-  viewer.Delete();
-  EXPECT_THAT(world.dialogs.questions, ElementsAre("Delete a_Sys.txt ?"));
-  EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::None);
-  EXPECT_TRUE(files.Exists(folder + "a_Sys.txt"));
-  world.registry.Set("cWornBeforeDelete", "0");
-  viewer.Delete();
-  EXPECT_EQ(world.dialogs.questions.size(), 1U);
-  EXPECT_FALSE(files.Exists(folder + "a_Sys.txt"));
-  EXPECT_THAT(window.names, ElementsAre("b_Calls.txt"));
-  EXPECT_EQ(window.count, 0U);
-  Load("a_Sys.txt");  // vanished meanwhile
-  EXPECT_EQ(window.count, 0U);
-  EXPECT_THAT(window.state, testing::HasSubstr("File not found"));
 }
 
 TEST_F(LogViewerTest, PropertiesApplyAtOnceAndPurge) {
