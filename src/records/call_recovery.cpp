@@ -187,12 +187,12 @@ bool CallRecovery::IsRecordOf(const Call& call, std::int32_t number, bool by_mes
   return std::all_of(kTelling.begin(), kTelling.end() - (by_message_too ? 0 : 1), same);
 }
 
-/// The newest record with this message that has not got it; 0 when there is none.
-std::int32_t CallRecovery::RecordAwaiting(const std::string& message) {
+/// The newest record with this message's name that has it, or has not got it; 0 when there is none.
+std::int32_t CallRecovery::RecordNaming(const std::string& message, bool has_it) {
   auto& database = parts_.DataBase1;
   if (database.CountRecords(kCallMassageName, message) == 0) return 0;
   for (auto number = database.RecordCount(); number > 0; --number) {
-    if (FieldOf(number, kCallMassageName) == message && FieldOf(number, kType) == kNoMessageType)
+    if (FieldOf(number, kCallMassageName) == message && (FieldOf(number, kType) != kNoMessageType) == has_it)
       return number;
   }
   return 0;

@@ -80,7 +80,7 @@ class CallRecovery {
   std::int64_t NewestRecord();
   std::int32_t RecordOf(Call& call);
   bool IsRecordOf(const Call& call, std::int32_t number, bool by_message_too);
-  std::int32_t RecordAwaiting(const std::string& message);
+  std::int32_t RecordNaming(const std::string& message, bool has_it);
   std::string FieldOf(std::int32_t number, const char* field);
 
   Message FindMessage(Call& call);

@@ -53,6 +53,7 @@ class CallStore {
     CallJournal& journal;
     EventLoop& loop;
     Clock& clock;
+    const Call& current;  ///< the call that is up, or the latest
   };
 
   CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)

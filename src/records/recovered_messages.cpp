@@ -39,8 +39,10 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   if (trail.growing_folder.empty() || FileNamePart(call.message_file_name).empty()) return Message::kNone;
   // What has its name is another call's.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
-  if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path))
+  if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path) &&
+      RecordNaming(NameInFolder(trail.storing_path, parts_.shared.messages_path), true) == 0) {
     return TakeStored(call, trail.storing_path);
+  }
   const auto grown = grown_.Of(trail.growing_name);
   if (!grown.empty()) return TakeGrown(call, grown);
   const bool hidden =
@@ -157,7 +159,7 @@ bool CallRecovery::TakeStray(const GrownRecording& stray, double length) {
   call.message_file_name = stem.empty() ? MessageFileName(call.date, call.time) : stem + ".wav";
   call.trail.growing_folder = stray.folder;
   call.trail.growing_name = stray.file;
-  if (const auto record = stem.empty() ? 0 : RecordAwaiting(call.message_file_name); record > 0) {
+  if (const auto record = stem.empty() ? 0 : RecordNaming(call.message_file_name, false); record > 0) {
     call.trail.record = parts_.DataBase1.Identity(record);
     call.caller_name = FieldOf(record, kCallName);
     call.caller_number = FieldOf(record, kCallNumber);

@@ -15,7 +15,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
               [this] { return SelectionTaken(); }},
              ListView1, settings, [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
       calls({ports.DataBase1, ports.files, folders, ports.background, ports.Wave1, ports.dialogs, player, log,
-             log, journal, ports.loop, ports.clock},
+             log, journal, ports.loop, ports.clock, call},
             ListView1, settings, shared),
       move({ports.registry, ports.dialogs, log, calls, folders, shared}),
       sounds(ports.WavePlay, player, settings, log),
