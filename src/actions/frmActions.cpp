@@ -20,7 +20,6 @@ QString Name(const char* name) {
 QPushButton* Button(const char* name, const QString& caption, QWidget* parent) {
   auto* button = MakeChild<QPushButton>(caption, parent);
   button->setObjectName(Name(name));
-  button->setAutoDefault(false);
   return button;
 }
 

@@ -50,7 +50,6 @@ QWidget* frmEvents::MakeGeneral() {
   auto* test = MakeChild<QPushButton>(tr("Test"), page);
   test->setObjectName(Name("cmdTestViewer"));
   test->setToolTip(tr("Show the caller view as it is set here"));
-  test->setAutoDefault(false);
   connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Choices()); });
   column->addWidget(test, 0, Qt::AlignLeft);
   column->addStretch();

@@ -137,7 +137,6 @@ void frmLineEdit::MakeModemFields() {
   cmbPort_->setToolTip(tr("The serial port that the modem is at"));
   auto* find = MakeChild<QPushButton>(tr("&Find"), port_row_);
   find->setObjectName(Name("cmdFindPorts"));
-  find->setAutoDefault(false);
   find->setToolTip(tr("Look for ports again, when a modem has been plugged in"));
   row->addWidget(cmbPort_, 1);
   row->addWidget(find);
@@ -157,7 +156,6 @@ QWidget* frmLineEdit::MakeButtons() {
   ok->setDefault(true);
   auto* cancel = MakeChild<QPushButton>(tr("Cancel"), row);
   cancel->setObjectName(Name("cmdCancel"));
-  cancel->setAutoDefault(false);
   layout->addStretch();
   layout->addWidget(ok);
   layout->addWidget(cancel);

@@ -23,7 +23,6 @@ frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<Teleph
       icon_(MakeChild<QLabel>(this)),
       lblTestResult_(MakeChild<QLabel>(this)) {
   cmdTest_->setObjectName(QStringLiteral("cmdTest"));
-  cmdTest_->setAutoDefault(false);
   cmdTest_->setToolTip(tr("Register at the server, or ask the modem, and tell what is wrong"));
   lblTestResult_->setObjectName(QStringLiteral("lblTestResult"));
   lblTestResult_->setAccessibleName(tr("Result of the test"));

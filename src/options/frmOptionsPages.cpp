@@ -123,7 +123,6 @@ QWidget* frmOptions::MakeMessagesFolder() {
   cmdBrowsMessagesPath_ = MakeChild<QPushButton>(tr("&Browse…"), frame);
   cmdBrowsMessagesPath_->setObjectName(Name("cmdBrowsMessagesPath"));
   cmdBrowsMessagesPath_->setToolTip(tr("Choose another folder. The messages are moved there at once"));
-  cmdBrowsMessagesPath_->setAutoDefault(false);
   moving_ = MakeHint("lblMoving", frame);
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(txtMassagesPath_, 1);
@@ -143,7 +142,6 @@ QWidget* frmOptions::MakeDevices() {
   cmbModemDev_->setCompleter(nullptr);  // names may differ in the case of their letters only
   auto* lines = MakeChild<QPushButton>(tr("&Lines…"), page);
   lines->setObjectName(Name("cmdLines"));
-  lines->setAutoDefault(false);
   lines->setToolTip(tr("Add, change, test and remove telephone lines"));
   lines->setEnabled(bool(parts_.open_lines));
   connect(lines, &QPushButton::clicked, this, &frmOptions::OpenLines);

@@ -127,7 +127,8 @@ TEST_F(OptionsWindow, UnusualInputIsTakenAsItIsAndCancelTakesNothing) {
   EXPECT_EQ(Text("lblNoDevice"), "There is no device of this name now.");
   EXPECT_EQ(Text("lblDeviceName"), "");
   Type("txtNumOfRing", "two");
-  Click("cmdCancel");
+  Get<QWidget>("cmdCancel").setFocus();
+  QTest::keyClick(&Get<QWidget>("cmdCancel"), Qt::Key_Return);
   EXPECT_EQ(window->result(), QDialog::Rejected);
   EXPECT_EQ(Stored("Pass") + Stored("ModemName"), "4711Sim");
 
