@@ -162,6 +162,19 @@ bool RegistryDocument::Set(const std::string& key, std::span<const NamedRegistry
   return true;
 }
 
+std::size_t RegistryDocument::FillFrom(const RegistryDocument& other) {
+  std::size_t count = 0;
+  std::string key;
+  for (const RegistryLine& line : other.lines_) {
+    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) key = line.name;
+    const bool counts = line.kind == Kind::Value && other.Find(key, line.name) == &line.value;
+    if (!counts || Find(key, line.name) != nullptr) continue;
+    const NamedRegistryValue value{line.name, line.value};
+    if (Set(key, std::span(&value, 1))) ++count;
+  }
+  return count;
+}
+
 void RegistryDocument::SetValue(const std::string& key, const NamedRegistryValue& value) {
   const Key& section = keys_.at(Folded(key));
   const auto existing = section.values.find(Folded(value.name));

@@ -47,6 +47,12 @@ class RegistryDocument {
   /// nothing changed, when the format cannot hold one of the names.
   bool Set(const std::string& key, std::span<const NamedRegistryValue> values);
 
+  /// No key is there.
+  bool IsEmpty() const { return keys_.empty(); }
+
+  /// Takes over the values of `other` that are missing here; how many there were.
+  std::size_t FillFrom(const RegistryDocument& other);
+
   /// Removes a value; false when it was not there.
   bool Remove(const std::string& key, const std::string& name);
 

@@ -18,6 +18,9 @@ namespace {
 /// Only its owner may read the file: it holds the password of remote access.
 constexpr unsigned kOwnerOnly = 0600;
 
+/// The last version without damage.
+constexpr const char* kBackup = ".bak";
+
 /// The coarsest time stamp of a usual file system (FAT): a file changed less than this ago may change
 /// again without its stamp showing it.
 constexpr std::chrono::seconds kStampGrain{2};
@@ -70,7 +73,7 @@ bool RegistryFile::Write(RegistryRoot root, const std::string& key,
     const RegistryValue* existing = document_.Find(whole, value.name);
     return existing != nullptr && *existing == value.value;
   });
-  if (writable_ && stored && document_.HasKey(whole)) return true;
+  if (writable_ && !filled_ && stored && document_.HasKey(whole)) return true;
   RegistryDocument changed = document_;
   return changed.Set(whole, values) && Store(changed);
 }
@@ -116,6 +119,7 @@ void RegistryFile::Load(const Stamp& stamp) {
     last_problem_.clear();
     Use(std::move(content));
     ReportFaults(document_, path_, report_);
+    MindBackup();
   }
 }
 
@@ -123,10 +127,39 @@ void RegistryFile::Use(std::string content) {
   document_ = RegistryDocument(content);
   content_ = std::move(content);
   damaged_kept_ = false;
+  filled_ = false;
+}
+
+/// A sound file replaces the backup; a damaged one is filled up from it.
+void RegistryFile::MindBackup() {
+  std::optional<std::string> backup;
+  try {
+    backup = DiskFiles().Read(path_ + kBackup);
+  } catch (const RuntimeError&) {
+    backup.reset();
+  }
+  if (document_.Faults().empty() && !document_.IsEmpty()) {
+    if (backup != content_) WriteBackup();
+  } else if (backup) {
+    const std::size_t count = document_.FillFrom(RegistryDocument(*backup));
+    filled_ = count > 0;
+    if (!filled_) return;
+    report_(NameOf(path_) + ": " + std::to_string(count) + " values that are missing are taken from " +
+            NameOf(path_ + kBackup));
+  }
+}
+
+void RegistryFile::WriteBackup() {
+  try {
+    ReplaceFile(path_ + kBackup, *content_, kOwnerOnly);
+  } catch (const RuntimeError& error) {
+    ReportOnce(std::string("no copy of it can be kept: ") + error.what());
+  }
 }
 
 void RegistryFile::BecomeEmpty(bool writable) {
   document_ = {};
+  filled_ = false;
   content_.reset();
   stamp_.reset();
   writable_ = writable;
@@ -145,6 +178,7 @@ bool RegistryFile::Store(const RegistryDocument& changed) {
   Use(std::move(text));
   stamp_.reset();
   last_problem_.clear();
+  WriteBackup();
   return true;
 }
 
@@ -154,6 +188,7 @@ void RegistryFile::KeepDamaged() {
   const std::string aside = NameToSetAside(path_, "damaged");
   CreateFile(aside, *content_, kOwnerOnly);
   damaged_kept_ = true;
+  damaged_file_ = NameOf(aside);
   report_(NameOf(path_) + ": the damaged file is kept as " + NameOf(aside));
 }
 

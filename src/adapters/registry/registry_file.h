@@ -21,7 +21,8 @@ using RegistryReport = std::function<void(const std::string&)>;
 ///
 /// Each operation looks whether another process changed the file (inode, times, size) and reads it
 /// again if so. Absent, it reads as empty. Damaged lines are reported once per content; the others
-/// are used; before the first write the damaged file is kept beside it as
+/// are used, and for what is missing then the values of the last version without damage, which is kept beside
+/// the file as "<name>.bak"; before the first write the damaged file is kept as
 /// "<name>.damaged-20261121T041530". A file that cannot be read is reported, reads as empty, and is
 /// never written. A write replaces the file whole, durably, readable by its owner only (mode 0600:
 /// it holds a password); a write that changes nothing leaves the file alone. Text that is no UTF-8
@@ -37,6 +38,9 @@ class RegistryFile final : public Registry {
   /// False also for a name that the format cannot hold (line ends, zero bytes, no UTF-8).
   bool Write(RegistryRoot root, const std::string& key, std::span<const NamedRegistryValue> values) override;
   bool Delete(RegistryRoot root, const std::string& key, const std::string& name) override;
+
+  /// The name of the damaged file that this object has replaced last; empty when there was none.
+  const std::string& DamagedFile() const { return damaged_file_; }
 
  private:
   /// What tells one state of a file from another.
@@ -54,6 +58,8 @@ class RegistryFile final : public Registry {
   void Use(std::string content);
   void BecomeEmpty(bool writable);
   bool Store(const RegistryDocument& changed);
+  void MindBackup();
+  void WriteBackup();
   void KeepDamaged();
   void ReportOnce(const std::string& problem);
 
@@ -64,6 +70,8 @@ class RegistryFile final : public Registry {
   std::optional<Stamp> stamp_;          ///< of `content_`; nothing when it must be read again
   bool writable_ = true;
   bool damaged_kept_ = false;  ///< this content's damaged file has been set aside already
+  bool filled_ = false;        ///< `document_` has values of the backup, which are not stored yet
+  std::string damaged_file_;
   std::string last_problem_;
 };
 

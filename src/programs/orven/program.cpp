@@ -192,9 +192,14 @@ FirstStart::Sources Program::FirstStartSources() {
     std::random_device device;
     return std::uniform_int_distribution<std::uint32_t>(0, bound - 1)(device);
   };
-  sources.announce_password = [](const std::string& password) {
+  sources.announce_password = [this](const std::string& password) {
     std::cout << "ORVEN: the password for listening to the messages by telephone is " << password
               << std::endl;
+    if (registry_file_.DamagedFile().empty()) return;
+    const auto loss = "The settings could not be read and are kept as " + registry_file_.DamagedFile() +
+                      ": the installation's settings and a new password are in force";
+    Report(loss);
+    window_.TellOfLoss(loss);
   };
   return sources;
 }

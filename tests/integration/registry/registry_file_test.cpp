@@ -13,8 +13,9 @@ TEST_F(RegistryFileTest, TheFirstWriteMakesAFileThatItsOwnerAloneReads) {
   EXPECT_TRUE(registry_.KeyExists(RegistryRoot::LocalMachine, kKey));
   EXPECT_EQ(Stored(), std::string(kStart) + "\"Pass\"=\"123456\"\n");
   using std::filesystem::perms;
-  EXPECT_EQ(std::filesystem::status(path_).permissions(), perms::owner_read | perms::owner_write);
-  EXPECT_EQ(folder_.Count(""), 1U);
+  for (const auto& path : {path_, path_ + ".bak"})
+    EXPECT_EQ(std::filesystem::status(path).permissions(), perms::owner_read | perms::owner_write);
+  EXPECT_EQ(folder_.Count(""), 2U);
 }
 
 TEST_F(RegistryFileTest, SeesAtOnceWhatAnotherProcessWrote) {
@@ -51,6 +52,26 @@ TEST_F(RegistryFileTest, ADamagedFileIsReportedOnceAndKept) {
   EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 3U);
 }
 
+TEST_F(RegistryFileTest, WhatDamageTakesComesFromTheLastGoodVersion) {
+  const std::string good = std::string(kStart) + "\"Pass\"=\"123456\"\n\"A\"=\"1\"\n";
+  const std::string keyless = std::string(kStart).substr(0, 72) + good.substr(73);
+  for (const auto& damaged : {std::string(), std::string(good.size(), '\0'), good.substr(0, 38),
+                              good.substr(0, 60), good.substr(0, 85), keyless}) {
+    SCOPED_TRACE(damaged);
+    PutFile(path_, good);
+    EXPECT_EQ(Query("A"), Text("1"));
+    PutFile(path_, damaged);
+    RegistryFile again(path_, report_);
+    EXPECT_TRUE(again.KeyExists(RegistryRoot::LocalMachine, kKey));
+    const std::vector<NamedRegistryValue> values{{"A", Text("1")}};  // stored for good, though no change
+    EXPECT_TRUE(again.Write(RegistryRoot::LocalMachine, kKey, values));
+    EXPECT_EQ(RegistryDocument(Stored()).Values(std::string("HKEY_LOCAL_MACHINE\\") + kKey).size(), 2U);
+    EXPECT_EQ(Query("Pass"), Text("123456"));
+    EXPECT_EQ(ContentOf(path_ + ".bak"), Stored());
+  }
+  EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 5U) << "one had only its head";
+}
+
 TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {
   std::filesystem::create_symlink(path_, path_);
   for (int times = 0; times < 3; ++times) {
@@ -75,7 +96,7 @@ TEST_F(RegistryFileTest, AFullDiskLeavesEveryOldValue) {
     EXPECT_EQ(Query("A"), Text("old"));
   }
   EXPECT_EQ(Stored(), before);
-  EXPECT_EQ(folder_.Count(""), 1U);
+  EXPECT_EQ(folder_.Count(""), 2U);
   ASSERT_EQ(reports_.size(), 1U);
   EXPECT_NE(reports_[0].find("Disk full"), std::string::npos) << reports_[0];
 
