@@ -4,13 +4,18 @@
 #include <filesystem>
 
 #include "core/mdlReg.h"
+#include "core/native_path.h"
 
 namespace orven {
 
-MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared) {
-  if (std::filesystem::path(stored).is_absolute()) return {stored, ""};
+MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared,
+                                     const Files& files, bool moving) {
   const auto own = shared.InApplicationFolder("\\Messages\\");
-  const auto fault = stored == kNotFound ? "is missing" : "is no full path (\"" + stored + "\")";
+  const bool full = std::filesystem::path(stored).is_absolute();
+  if (full && (moving || files.Exists(FolderPart(stored)) || !files.Exists(own))) return {stored, ""};
+  const auto fault = full                  ? "names a folder that is not there (" + stored + ")"
+                     : stored == kNotFound ? "is missing"
+                                           : "is no full path (\"" + stored + "\")";
   return {own, "The setting MassagesPath " + fault + ": messages are stored in " + own};
 }
 

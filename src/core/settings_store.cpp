@@ -101,8 +101,11 @@ void SettingsStore::ShareOptions(const ErrorTrap& trap) {
 }
 
 void SettingsStore::ShareMessagesFolder() {
-  const auto serving = ServingMessagesFolder(settings_.MassagesPath, shared_);
+  const auto next = Value(kMoveUnderWay);
+  const bool moving = next != kNotFound && !next.empty();
+  const auto serving = ServingMessagesFolder(settings_.MassagesPath, shared_, files_, moving);
   shared_.messages_path = serving.path;
+  shared_.messages_note = serving.note;
   if (!serving.note.empty()) log_.WriteSystem(serving.note);
 }
 

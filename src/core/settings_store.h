@@ -7,6 +7,7 @@
 #include "core/activity_log.h"
 #include "core/error_trap.h"
 #include "core/settings.h"
+#include "platform/files.h"
 #include "platform/registry.h"
 
 namespace orven {
@@ -29,8 +30,9 @@ class PlacedWindow {
 /// cannot be converted is logged and its field keeps what it held. User-interface thread.
 class SettingsStore {
  public:
-  SettingsStore(Registry& registry, SystemLog& log, Settings& settings, SharedOptions& shared)
-      : registry_(registry), log_(log), settings_(settings), shared_(shared) {}
+  SettingsStore(Registry& registry, SystemLog& log, const Files& files, Settings& settings,
+                SharedOptions& shared)
+      : registry_(registry), log_(log), files_(files), settings_(settings), shared_(shared) {}
 
   void GetMainOptions();
   void GetMainAction();
@@ -71,6 +73,7 @@ class SettingsStore {
 
   Registry& registry_;
   SystemLog& log_;
+  const Files& files_;
   Settings& settings_;
   SharedOptions& shared_;
 };

@@ -35,6 +35,8 @@ void DeleteEverywhere(Files& files, const std::vector<std::string>& paths) {
 std::vector<std::string> MessageFolders::PlacesOf(const std::string& name) const {
   std::vector<std::string> places{shared_.messages_path + name};
   if (!next_.empty()) places.push_back(next_ + name);
+  const auto own = shared_.InApplicationFolder("\\Messages\\");
+  if (shared_.messages_path != own && next_ != own) places.push_back(own + name);
   return places;
 }
 

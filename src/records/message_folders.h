@@ -20,7 +20,8 @@ bool SameContent(const Files& files, const std::string& one, const std::string& 
 void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 
 /// Where message files are: in the messages folder, and from a move's beginning to its end, which may be
-/// several starts later, in the next one too. User-interface thread.
+/// several starts later, in the next one too; some may be in the application folder's own, which serves while the
+/// messages folder is not there. User-interface thread.
 class MessageFolders {
  public:
   MessageFolders(const Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}

@@ -4,12 +4,10 @@
 #include <array>
 
 #include "core/mdlReg.h"
+#include "core/messages_folder.h"
 
 namespace orven {
 namespace {
-
-/// Where the messages are being moved, until they are there.
-constexpr const char* kMoveUnderWay = "MassagesPathNext";
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
 

@@ -5,7 +5,7 @@ namespace orven {
 AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared_options)
     : shared(shared_options),
       log(ports.clock, ports.files, ports.loop, settings, shared),
-      store(ports.registry, log, settings, shared),
+      store(ports.registry, log, ports.files, settings, shared),
       quick_options(store, log, settings, shared),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),

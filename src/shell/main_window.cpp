@@ -124,6 +124,10 @@ void MainWindow::StartUp() {
     machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
   });
   trap([&] { views_.player.EnableSlider(false); });
+  trap([&] {
+    const auto& note = machine_.shared.messages_note;
+    if (!note.empty()) machine_.status.ShowStatus(note);
+  });
 }
 
 void MainWindow::OpenRecords() {

@@ -35,7 +35,9 @@ class MemoryFiles : public Files {
   std::string Content(const std::string& path) const;
   std::vector<std::string> Names(const std::string& folder) const { return List(folder, "*"); }
 
-  bool Exists(const std::string& path) const override { return files_.contains(path); }
+  bool Exists(const std::string& path) const override {
+    return path.ends_with('/') ? !missing_folders.contains(path) : files_.contains(path);
+  }
   void Append(const std::string& path, std::string_view text) override;
   std::string Read(const std::string& path) const override { return At(path).content; }
   std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const override {

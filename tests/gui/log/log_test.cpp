@@ -104,7 +104,7 @@ class LogWindow : public testing::Test {
   Settings settings;
   SharedOptions shared;
   LogFiles log{clock, files, loop, settings, shared};
-  SettingsStore store{registry, log, settings, shared};
+  SettingsStore store{registry, log, files, settings, shared};
   std::function<void(LogProperties&, QWidget&)> open_properties;
   std::vector<std::string> saved;
   std::unique_ptr<frmLog> window;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
+#include "adapters/line/sim/virtual_time.h"
 #include "core/conversions.h"
 #include "core/settings_store.h"
 #include "platform/runtime_error.h"
+#include "support/memory_files.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"
 
@@ -29,9 +31,11 @@ class SettingsTest : public testing::Test {
 
   MemoryRegistry registry;
   ListLog log;
+  VirtualTime time{Clock::WallTime()};
+  MemoryFiles files{time};
   Settings settings;
   SharedOptions shared;
-  SettingsStore store{registry, log, settings, shared};
+  SettingsStore store{registry, log, files, settings, shared};
   std::int16_t ring_box = -1;
 };
 
@@ -69,11 +73,17 @@ TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBackAndOneThatIsNoFu
   GetAppOptions();
   EXPECT_EQ(shared.messages_path, "/app/Messages/");
   EXPECT_EQ(registry.Text("MassagesPath"), "/app/Messages/");
-  for (const char* stored : {"my/", "C:\\Messages\\", "./", "/x"}) {
+  files.missing_folders = {"/gone/"};
+  for (const char* stored : {"my/", "C:\\Messages\\", "./", "/x", "/gone/"}) {
     registry.Set("MassagesPath", stored);
     GetAppOptions();
-    EXPECT_EQ(shared.messages_path, *stored == '/' ? stored : "/app/Messages/");
+    EXPECT_EQ(shared.messages_path, std::string(stored) == "/x" ? "/x" : "/app/Messages/");
+    EXPECT_EQ(registry.Text("MassagesPath"), stored) << "it serves again when it is back";
   }
+  EXPECT_THAT(shared.messages_note, testing::HasSubstr("/gone/"));
+  registry.Set("MassagesPathNext", "/new/");
+  GetAppOptions();
+  EXPECT_EQ(shared.messages_path, "/gone/") << "messages are moving from there";
 }
 
 TEST_F(SettingsTest, PublishesWhatAllPartsShare) {
