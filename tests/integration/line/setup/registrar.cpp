@@ -40,25 +40,10 @@ request_route {
 Registrar::Registrar() : port_(FreePort()) {
   const auto address = "127.0.0.1:" + std::to_string(port_);
   PutFile(folder_ / "registrar.cfg", "listen=udp:" + address + "\nlisten=tcp:" + address + "\n" + kRoutes);
-  const std::string config = folder_ / "registrar.cfg", home = folder_ / ".", pid = folder_ / "pid";
-  std::array arguments{"timeout",
-                       "55",
-                       "kamailio",
-                       "-f",
-                       config.c_str(),
-                       "-DD",
-                       "-E",
-                       "-m",
-                       "16",
-                       "-M",
-                       "4",
-                       "-w",
-                       home.c_str(),
-                       "-Y",
-                       home.c_str(),
-                       "-P",
-                       pid.c_str(),
-                       static_cast<const char*>(nullptr)};
+  const std::string home = folder_ / ".";
+  const std::string command = "exec timeout 55 kamailio -f " + (folder_ / "registrar.cfg") +
+                              " -DD -E -m 16 -M 4 -w " + home + " -Y " + home + " -P " + (folder_ / "pid");
+  const std::array arguments{"sh", "-c", command.c_str(), static_cast<const char*>(nullptr)};
   if (::posix_spawnp(&process_, arguments[0], nullptr, nullptr, const_cast<char* const*>(arguments.data()),
                      environ) != 0) {
     throw std::runtime_error("the registrar does not start");

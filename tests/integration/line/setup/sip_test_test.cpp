@@ -15,6 +15,7 @@
 namespace orven::test {
 namespace {
 
+using std::string_literals::operator""s;
 using testing::HasSubstr;
 
 class SipLineTestRun : public testing::Test {
@@ -87,26 +88,19 @@ TEST_F(SipLineTestRun, TellsRightFromWrongLogins) {
   EXPECT_THAT(plain.text, HasSubstr("often 5061"));
 }
 
-TEST_F(SipLineTestRun, NamesAServerThatIsNotThere) {
-  auto line = Account(FreePort());
-  line.transport = "tcp";
-  EXPECT_THAT(Result(line).text, HasSubstr("is refused"));
-  line.server = "no-such-host.invalid";
-  EXPECT_THAT(Result(line).text, HasSubstr("no-such-host.invalid"));
-  line.listen = "192.0.2.1:5060";
-  EXPECT_THAT(Result(line).text, HasSubstr("none of this computer's"));
-}
-
-TEST_F(SipLineTestRun, ALineThatCannotLeaveThisComputerIsToldHowInTheListAsInTheTest) {
+TEST_F(SipLineTestRun, AServerThatCannotBeReachedIsNamedInTheListAsInTheTest) {
   const auto address = "listen = 127.0.0.1:" + std::to_string(FreePort()) + '\n';
   for (const auto& [server, words] :
-       {std::pair{"192.0.2.1", "0.0.0.0 as address for calls uses every network"},
-        std::pair{"no-such-host.invalid", "no server named no-such-host"}}) {
-    const auto line = Use("[Far]\ntype = sip\naccount = sip:100@" + std::string(server) + '\n' + address);
+       {std::pair{"192.0.2.1"s, "0.0.0.0 as address for calls uses every network"},
+        {"no-such-host.invalid"s, "no server named no-such-host"},
+        {"127.0.0.1:" + std::to_string(FreePort()) + "\ntransport = tcp", "is refused"}}) {
+    auto line = Use("[Far]\ntype = sip\naccount = sip:100@" + server + '\n' + address);
     ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
     EXPECT_TRUE(loop.RunUntil([&] { return lines.State(line).find(words) != std::string::npos; }))
         << lines.State(line);
     EXPECT_THAT(Result(line).text, HasSubstr(words));
+    line.listen = "192.0.2.1:5060";
+    EXPECT_THAT(Result(line).text, HasSubstr("none of this computer's"));
   }
 }
 
@@ -134,12 +128,8 @@ TEST_F(SipLineTestRun, AScriptLiesBesideTheFileAndIsRead) {
   TelephoneLine line;
   line.kind = LineKind::Sim;
   line.script = "calls.sim";
-  EXPECT_THAT(Result(line).text, HasSubstr("cannot be read"));
   PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
-  EXPECT_FALSE(Result(line).passed);
   EXPECT_THAT(Result(line).text, HasSubstr("calls.sim:2:"));
-  PutFile(folder / "calls.sim", "1 offer\n2 hangup\n");
-  EXPECT_TRUE(Result(line).passed);
 }
 
 TEST_F(SipLineTestRun, AServerThatIsSilentIsNamedAndTheTestCanBeStopped) {
@@ -154,44 +144,25 @@ TEST_F(SipLineTestRun, AServerThatIsSilentIsNamedAndTheTestCanBeStopped) {
   lines.Test(line, [&](const LineTestResult&) { told = true; });
   EXPECT_NE(silent.ReceiveText(milliseconds(5000)), "");
   lines.CancelTest();
-  std::optional<LineTestResult> next;
   TelephoneLine sim;
   sim.kind = LineKind::Sim;
-  lines.Test(sim, [&](const LineTestResult& second) { next = second; });
-  EXPECT_TRUE(loop.RunUntil([&] { return next.has_value(); }));
+  EXPECT_TRUE(Result(sim).passed);
   EXPECT_FALSE(told);
 }
 
 TEST_F(SipLineTestRun, TheListShowsTheRegistrationAsItIsAndATestLeavesItAlone) {
   const Registrar registrar;
-  auto line = Account(registrar.Port());
-  lines.Store({line});
-  const auto section = ReadLines(folder / "lines.ini").sections.at(0);
-  std::vector<TelephoneDevice> devices;
-  SipLineSettings settings;
-  settings.listen = line.listen;
-  settings.account = "sip:100@" + line.server;
-  settings.password = "wrong";
-  settings.timers.registration_retry_first = settings.timers.registration_retry_longest = milliseconds(50);
-  settings.registration_news = [state = states.Add(section).registration](const RegistrationNews& news) {
-    state->Take(news);
-  };
-  devices.push_back({MakeSipLine(settings)});
-  ASSERT_TRUE(service.Replace(std::move(devices)));
-  EXPECT_EQ(lines.State(line), "Off");
-  ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
-  const auto shows = [&](const char* text) {
-    return loop.RunUntil([&] { return lines.State(line).find(text) != std::string::npos; });
-  };
-  EXPECT_TRUE(shows("Registration failed: 401"));
-  service.LineClose(0);
-  settings.password = "secret";
-  devices.clear();
-  devices.push_back({MakeSipLine(settings)});
-  ASSERT_TRUE(service.Replace(std::move(devices)));
-  ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+  const auto section = "[Home]\ntype = sip\nlisten = 127.0.0.1:" + std::to_string(FreePort()) +
+                       "\naccount = sip:100@127.0.0.1:" + std::to_string(registrar.Port()) + "\npassword = ";
+  TelephoneLine line;
+  for (const auto& [password, state] :
+       {std::pair{"wrong", "Registration failed: 401"}, {"secret", "Registered"}}) {
+    line = Use(section + password + '\n');
+    ASSERT_EQ(service.LineOpen(0, 4, 8), kTelephonyOk);
+    EXPECT_TRUE(loop.RunUntil([&] { return lines.State(line).find(state) != std::string::npos; }))
+        << lines.State(line);
+  }
   EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
-  EXPECT_TRUE(shows("Registered"));
   EXPECT_TRUE(Result(line).passed);
   line.password = "wrong";
   EXPECT_FALSE(Result(line).passed) << "the password on test is another one";

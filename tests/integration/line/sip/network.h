@@ -57,9 +57,7 @@ class Socket {
     SendTo(port, Bytes(text.begin(), text.end()));
   }
   /// On a TCP connection; false when it is closed.
-  bool Send(const std::string& text) const {
-    return ::send(fd_, text.data(), text.size(), MSG_NOSIGNAL) >= 0;
-  }
+  bool Send(const std::string& text) const { return ::send(fd_, &text[0], text.size(), MSG_NOSIGNAL) >= 0; }
   /// The next datagram, or what TCP brings; nothing when none comes within `limit`.
   std::optional<Bytes> Receive(milliseconds limit) const {
     if (!Ready(limit)) return std::nullopt;

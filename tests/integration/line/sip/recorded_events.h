@@ -12,8 +12,40 @@
 
 namespace orven::test {
 
+/// Texts that one thread writes down and another waits for.
+class Notes {
+ public:
+  void Add(const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    texts_.push_back(text);
+    told_.notify_all();
+  }
+
+  /// True as soon as `text` has been written, false when it is not in time.
+  bool Wait(const std::string& text, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    std::unique_lock lock(mutex_);
+    return told_.wait_for(lock, limit, [&] { return std::ranges::count(texts_, text) > 0; });
+  }
+
+  std::vector<std::string> All() {
+    const std::lock_guard lock(mutex_);
+    return texts_;
+  }
+
+  /// Forgets what has been told: a new line begins to count anew.
+  void Clear() {
+    const std::lock_guard lock(mutex_);
+    texts_.clear();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable told_;
+  std::vector<std::string> texts_;
+};
+
 /// Writes down what a line tells, one text an event ("Ring 1 2"), and lets a test wait for it.
-class RecordedEvents : public LineDriverEvents {
+class RecordedEvents : public LineDriverEvents, public Notes {
  public:
   void Offered(CallNumber call) override { Add("Offered", call); }
   void Ring(CallNumber call, std::int32_t count) override { Add("Ring", call, std::to_string(count)); }
@@ -28,23 +60,6 @@ class RecordedEvents : public LineDriverEvents {
   void Disconnected(CallNumber call) override { Add("Disconnected", call); }
   void Idle(CallNumber call) override { Add("Idle", call); }
 
-  /// True as soon as `event` has been told, false when it is not in time.
-  bool Wait(const std::string& event, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    std::unique_lock lock(mutex_);
-    return told_.wait_for(lock, limit, [&] { return std::ranges::count(events_, event) > 0; });
-  }
-
-  std::vector<std::string> All() {
-    const std::lock_guard lock(mutex_);
-    return events_;
-  }
-
-  /// Forgets what has been told: a new line begins to count anew.
-  void Clear() {
-    const std::lock_guard lock(mutex_);
-    events_.clear();
-  }
-
   /// The keys told so far, in order.
   std::string Digits() {
     std::string digits;
@@ -57,14 +72,8 @@ class RecordedEvents : public LineDriverEvents {
  private:
   template <typename Number>
   void Add(const std::string& what, Number number, const std::string& more = "") {
-    const std::lock_guard lock(mutex_);
-    events_.push_back(what + " " + std::to_string(number) + (more.empty() ? "" : " " + more));
-    told_.notify_all();
+    Notes::Add(what + " " + std::to_string(number) + (more.empty() ? "" : " " + more));
   }
-
-  std::mutex mutex_;
-  std::condition_variable told_;
-  std::vector<std::string> events_;
 };
 
 }  // namespace orven::test

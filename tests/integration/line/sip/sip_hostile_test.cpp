@@ -61,32 +61,32 @@ TEST_F(SipHostileTest, InvitesAreTakenWhereTheyCanBeAndElseRefused) {
     std::string to;
     std::string status;
   };
-  for (const Case& one : std::vector<Case>{
-           {"", "", "180"},
-           {"From: \"Eve\" <sip:eve@127.0.0.1>;tag=1\r\n", "", "400"},
-           {"To: <sip:line@127.0.0.1>\r\n", "", "400"},
-           {"Call-ID: hostile-number\r\n", "", "400"},
-           {"CSeq: 1 INVITE\r\n", "", "400"},
-           {"Contact: <sip:eve@127.0.0.1:9>\r\n", "", "400"},
-           {"<sip:eve@127.0.0.1:9>", "<nothing>", "400"},
-           {"1 INVITE", "1 BYE", "400"},
-           {";tag=1", "", "400"},
-           {"\r\n\r\n", "\r\nContent-Length: 99999\r\n\r\n", "400"},
-           {"\r\n\r\n", "\r\nContent-Length: -1\r\n\r\n", "400"},
-           {"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
-           {"application/sdp", "text/plain", "415"},
-           {"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\ncontent-type: application/sdp",
-            "180"},
-           {"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\nContent-Type: text/plain", "415"},
-           {"Contact:", "Require: 100rel\r\nContact:", "420"},
-           {"RTP/AVP 0", "RTP/AVP 18 3", "488"},
-           {"RTP/AVP 0", "RTP/AVP 101", "488"},
-           {"t=0 0", "m=nonsense", "488"},
-           {"c=IN IP4 127.0.0.1", "c=IN IP4 example.org", "180"},
-           {"c=IN IP4 127.0.0.1", "c=IN IP6 2001:db8::1", "180"},
-           {"a=sendrecv\r\n", "a=sendrecv", "180"},
-           {"a=sendrecv",
-            "a=fmtp:0\r\na=rtpmap:97 odd\r\nb=AS:\r\n\r\n \r\nm=video 9 X 98\r\na=rtcp:", "180"}}) {
+  for (const Case& one :
+       {Case{"", "", "180"},
+        Case{"From: \"Eve\" <sip:eve@127.0.0.1>;tag=1\r\n", "", "400"},
+        Case{"To: <sip:line@127.0.0.1>\r\n", "", "400"},
+        Case{"Call-ID: hostile-number\r\n", "", "400"},
+        Case{"CSeq: 1 INVITE\r\n", "", "400"},
+        Case{"Contact: <sip:eve@127.0.0.1:9>\r\n", "", "400"},
+        Case{"<sip:eve@127.0.0.1:9>", "<nothing>", "400"},
+        Case{"1 INVITE", "1 BYE", "400"},
+        Case{";tag=1", "", "400"},
+        Case{"\r\n\r\n", "\r\nContent-Length: 99999\r\n\r\n", "400"},
+        Case{"\r\n\r\n", "\r\nContent-Length: -1\r\n\r\n", "400"},
+        Case{"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
+        Case{"application/sdp", "text/plain", "415"},
+        Case{"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\ncontent-type: application/sdp",
+             "180"},
+        Case{"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\nContent-Type: text/plain", "415"},
+        Case{"Contact:", "Require: 100rel\r\nContact:", "420"},
+        Case{"RTP/AVP 0", "RTP/AVP 18 3", "488"},
+        Case{"RTP/AVP 0", "RTP/AVP 101", "488"},
+        Case{"t=0 0", "m=nonsense", "488"},
+        Case{"c=IN IP4 127.0.0.1", "c=IN IP4 example.org", "180"},
+        Case{"c=IN IP4 127.0.0.1", "c=IN IP6 2001:db8::1", "180"},
+        Case{"a=sendrecv\r\n", "a=sendrecv", "180"},
+        Case{"a=sendrecv",
+             "a=fmtp:0\r\na=rtpmap:97 odd\r\nb=AS:\r\n\r\n \r\nm=video 9 X 98\r\na=rtcp:", "180"}}) {
     const Socket caller = Socket::Udp();
     caller.SendTo(port, Invite(one.from, one.to));
     const std::string reply = caller.ReceiveText(milliseconds(2000));
@@ -107,17 +107,10 @@ TEST_F(SipHostileTest, AFloodOfBrokenMessagesEndsInAFreeLine) {
   const Socket attacker = Socket::Udp();
   for (int i = 0; i < 3000; ++i) {
     std::string text = Invite();
-    switch (i % 4) {
-      case 0: text.resize(any(text.size())); break;
-      case 1:  // noise
-        for (char& c : text) c = static_cast<char>(random());
-        break;
-      case 2:  // a header line with no end of it
-        text.insert(text.find("\r\n") + 2, std::string(any(3000), "<>\";:@%\\,"[any(9)]));
-        break;
-      default:  // bytes replaced; some of these are still good enough for a call
-        for (int flips = 0; flips < 3; ++flips) text[any(text.size())] = static_cast<char>(random());
-    }
+    if (i % 3 == 0) text.resize(1 + any(text.size()));
+    // With few bytes replaced some are still good enough for a call.
+    for (int flips = 0; flips < (i % 3 == 1 ? 300 : 3); ++flips)
+      text[any(text.size())] = static_cast<char>(random());
     attacker.SendTo(port, text);
   }
   // By the answer to this all has been read; the flood may wash the question away.
@@ -162,24 +155,6 @@ TEST_F(SipHostileTest, BrokenTcpStreamsAreClosedCostNoMemoryAndOthersAreServed) 
   caller.Send(Invite("Type: application/sdp", "Length: 0"));
   EXPECT_NE(caller.ReceiveText(milliseconds(8000)), "");
   ASSERT_TRUE(events.Wait("Offered 1"));
-}
-
-TEST_F(SipHostileTest, BrokenSoundDoesNotEndACall) {
-  SipCaller caller(port);
-  Connect(caller);
-  std::mt19937 random(3);
-  for (int i = 0; i < 2000; ++i) {
-    Bytes bytes(random() % 300);
-    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    if (bytes.size() > 2 && i % 2 == 0) {
-      bytes[0] = static_cast<std::uint8_t>(0x80 | (bytes[0] & 0x3F));
-      bytes[1] = i % 4 == 0 ? 0 : 101;
-    }
-    caller.Rtp().SendTo(caller.LineRtpPort(), bytes);
-  }
-  EXPECT_TRUE(caller.HearsMore());
-  EXPECT_EQ(events.All().back(), "Connected 1");
-  HangUp(caller);
 }
 
 }  // namespace
