@@ -56,15 +56,6 @@ TEST_F(ActionsWindow, ShowsTheSettingsOnTheTabThatWasAskedFor) {
     EXPECT_TRUE(tabs.widget(1)->isAncestorOf(&Get<QWidget>(name))) << name;
   }
   EXPECT_EQ(Get<QLineEdit>("txtSMTPPass").echoMode(), QLineEdit::Password);
-  std::vector<std::string> captions;
-  for (const auto* label : window->findChildren<QLabel*>()) {
-    if (label->buddy() != nullptr) captions.push_back(label->text().toStdString());
-  }
-  EXPECT_THAT(captions, testing::UnorderedElementsAre("E-Mail To:", "SMTP :", "From(Replay To):", "User:",
-                                                      "Password:", "Application Path:"));
-  EXPECT_EQ(Get<QCheckBox>("chkSendToMail").text(), u"Send Calls To E- Mail");
-  EXPECT_EQ(Get<QCheckBox>("chkApp").text(), u"Send Calls To Application");
-  EXPECT_EQ(Get<QCheckBox>("chkBGAPP").text(), u"Background");
 }
 
 TEST_F(ActionsWindow, OkLeadsToTheWrongFieldAndClosesWhenAllIsRight) {
@@ -103,7 +94,8 @@ TEST_F(ActionsWindow, TestTellsBesideTheButtonAndCancelStoresNothing) {
   EXPECT_EQ(Get<QLabel>("lblTestResult").text(), u"Permission denied: say");
   EXPECT_EQ(Get<QLineEdit>("txtAppTo").text(), u"say <NAME>") << "the template stays as it was";
   Click("cmdParm");
-  EXPECT_EQ(world.dialogs.messages.size(), 1U);
+  EXPECT_THAT(world.dialogs.messages,
+              ElementsAre(testing::HasSubstr("Message Path=<MESSAGE_PATH>\r\n\r\nFor")));
   Type("txtAppTo", "other");
   Click("cmdCancel");
   EXPECT_FALSE(window->isVisible());

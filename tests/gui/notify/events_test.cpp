@@ -54,19 +54,6 @@ TEST_F(EventsWindow, ShowsTheSettingsOnTheTabThatWasAskedFor) {
   for (const auto& [name, tab] : places) {
     EXPECT_TRUE(tabs.widget(tab)->isAncestorOf(&Get<QWidget>(name))) << name;
   }
-  const std::pair<const char*, const char*> captions[] = {{"chkPlayInCall", "Play Sound:"},
-                                                          {"chkViewDet", "Display Caller View"},
-                                                          {"chkPlayInMessage", "Play Sound:"},
-                                                          {"chkOnlyIfGotMessage", "Only If Got Message"},
-                                                          {"chkMsgInMsg", "Display Caller View"},
-                                                          {"chkAnimation", "Animate Caller View"},
-                                                          {"chkCloseCVAfter", "Close Caller View after"},
-                                                          {"cmdTestViewer", "Test"},
-                                                          {"cmdOK", "OK"},
-                                                          {"cmdCancel", "Cancel"}};
-  for (const auto& [name, text] : captions) {
-    EXPECT_EQ(Get<QAbstractButton>(name).text().toStdString(), text);
-  }
 }
 
 TEST_F(EventsWindow, ToolbarsWorkOnTheirListsAndKeepTheOtherInStep) {

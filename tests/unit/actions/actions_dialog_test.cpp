@@ -131,13 +131,5 @@ TEST_F(ActionsDialogTest, TheTestRunsTheProgramWithMadeUpDetails) {
   EXPECT_THAT(lines, ElementsAre("Error Send To APP ->53 File not found: say"));
 }
 
-TEST_F(ActionsDialogTest, ThePlaceholdersAreExplained) {
-  dialog.ShowParameters();
-  EXPECT_THAT(world.dialogs.messages,
-              ElementsAre("Parameters:\r\nCaller Name=<NAME>\r\nCaller Number=<NUMBER>\r\nDate=<DATE>\r\n"
-                          "Time=<TIME>\r\nMessage Path=<MESSAGE_PATH>\r\n\r\n"
-                          "For more information look at the help"));
-}
-
 }  // namespace
 }  // namespace orven::test
