@@ -131,32 +131,6 @@ TEST_F(RecordFileTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
   EXPECT_EQ(SqliteConnection(path_).Ask("PRAGMA integrity_check"), "ok");
 }
 
-TEST_F(RecordFileTest, WhatAFileWouldRunIsNotRun) {
-  SqliteConnection(path_).Execute(
-      "CREATE TABLE Calls (Call_Name TEXT, Call_Number TEXT, Type TEXT, Read TEXT);"
-      "CREATE TRIGGER gone AFTER INSERT ON Calls BEGIN DELETE FROM Calls; END");
-  Open();
-  AddCall(database_, "a");
-  EXPECT_EQ(Names(database_), "a");
-}
-
-TEST_F(RecordFileTest, ATableThatCannotBeFilledIsSetAsideAsItWas) {
-  for (const char* sql : {"CREATE VIEW Calls AS WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x FROM c) "
-                          "SELECT x AS Call_Name, x AS Call_Number, x AS Type, x AS Read FROM c",
-                          "CREATE TABLE Calls (Call_Name TEXT, Read TEXT AS (hex(zeroblob(200000000))))"}) {
-    SqliteConnection(path_).Execute(sql);
-    const std::string content = ContentOf(path_);
-    SqliteDatabase database(kCalls);
-    const std::string note = database.Open(path_);
-    AddCall(database, "a");
-    EXPECT_EQ(Names(database), "a");
-    const auto begin = note.find("Calls.damaged-");
-    ASSERT_NE(begin, std::string::npos) << note;
-    EXPECT_EQ(ContentOf(folder_ / note.substr(begin, note.find(',', begin) - begin)), content);
-    std::filesystem::remove(path_);
-  }
-}
-
 TEST_F(RecordFileTest, MissingColumnsAreAddedAndOthersKept) {
   SqliteConnection(path_).Execute(
       "CREATE TABLE Calls (Note TEXT, call_name TEXT, Call_Number TEXT);"

@@ -97,33 +97,5 @@ TEST_F(RegistryFormatTest, DamageIsNamedWithItsLineAndTheRestIsUsedInItsOrder) {
   EXPECT_EQ(Query("A"), Text("1")) << "values below a damaged key belong to no key";
 }
 
-TEST_F(RegistryFormatTest, AKeyThatCannotBeReadAgainIsRefused) {
-  const std::vector<NamedRegistryValue> values{{"A", Text("1")}};
-  RegistryDocument document;
-  for (const char* key : {"", "-HKEY_LOCAL_MACHINE\\A", "A];B", "A] ;B", "A\nB", "A\xFF"}) {
-    EXPECT_FALSE(document.Set(key, values)) << key;
-  }
-  EXPECT_TRUE(document.Set("A]B", values));
-  EXPECT_EQ(RegistryDocument(document.Text()).Values("A]B").size(), 1U);
-}
-
-TEST_F(RegistryFormatTest, NoContentBreaksTheReader) {
-  using std::string_literals::operator""s;
-  const std::string alphabet = "\"@[]=-\\;,:\r\n\t hex(1)dword09af\0\xC3\xA9\xFF"s;
-  std::mt19937 random(7);
-  for (int round = 0; round < 5000; ++round) {
-    std::string content = round % 2 == 0 ? kStart : "";
-    for (auto length = random() % 120; length > 0; --length) content += alphabet[random() % alphabet.size()];
-    RegistryDocument document(content);
-    const std::vector<NamedRegistryValue> values{{"A", Text("1")}};
-    ASSERT_TRUE(document.Set("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN", values));
-    const RegistryDocument again(document.Text());
-    EXPECT_TRUE(again.Faults().empty()) << content << "\n---\n" << again.Faults().front().text;
-    const RegistryValue* stored = again.Find("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN", "A");
-    ASSERT_NE(stored, nullptr) << content;
-    EXPECT_EQ(*stored, Text("1"));
-  }
-}
-
 }  // namespace
 }  // namespace orven::test
