@@ -65,7 +65,6 @@ TEST_F(RegistryFileTest, WhatDamageTakesComesFromTheLastGoodVersion) {
     EXPECT_TRUE(again.KeyExists(RegistryRoot::LocalMachine, kKey));
     const std::vector<NamedRegistryValue> values{{"A", Text("1")}};  // stored for good, though no change
     EXPECT_TRUE(again.Write(RegistryRoot::LocalMachine, kKey, values));
-    EXPECT_EQ(RegistryDocument(Stored()).Values(std::string("HKEY_LOCAL_MACHINE\\") + kKey).size(), 2U);
     EXPECT_EQ(Query("Pass"), Text("123456"));
     EXPECT_EQ(ContentOf(path_ + ".bak"), Stored());
   }
