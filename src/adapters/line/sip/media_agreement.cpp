@@ -68,10 +68,10 @@ std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool
   auto agreement = Understand(mended, is_offer, sender);
   if (agreement) {
     agreed_ = mended;
-    agreed_is_offer_ = is_offer;
   } else if (!agreed_.empty()) {
-    // What is refused changes nothing; without this our next offer would have no sound in it.
-    (void)Decode(agreed_, agreed_is_offer_);
+    // What is refused changes nothing; without this our next offer would have no sound in it. An answer
+    // is read as an offer here, because only that brings back the profile.
+    (void)Decode(agreed_, true);
   }
   return agreement;
 }
@@ -100,7 +100,10 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
     agreement->peer = sender;
     sa_set_port(&agreement->peer, port);
   }
-  return AgreeOnKeys(is_offer, *agreement) ? agreement : std::nullopt;
+  if (!AgreeOnKeys(is_offer, *agreement)) return std::nullopt;
+  // An answer must not demand what was not offered (RFC 3264, section 6); the library lets it pass.
+  const bool demands = !is_offer && text.find(" RTP/SAVP") != std::string::npos;
+  return demands && !agreement->keys ? std::nullopt : agreement;
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Agreed() const {

@@ -61,7 +61,6 @@ class MediaNegotiation {
   SrtpUse srtp_;
   std::vector<CryptoAttribute> own_;  ///< what our next description offers or answers
   std::string agreed_;                ///< the description that was agreed to last
-  bool agreed_is_offer_ = false;
 };
 
 }  // namespace orven

@@ -118,8 +118,8 @@ TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
   sa local{};
   ASSERT_EQ(sa_set_str(&local, "127.0.0.1", 4000), 0);
   MediaNegotiation negotiation(local, SrtpUse::kIfOffered);
-  const auto read = [&](const std::string& media) {
-    return negotiation.Read("v=0\r\ns=-\r\nc=IN IP6 ::1\r\n" + media, true, local);
+  const auto read = [&](const std::string& media, bool is_offer = true) {
+    return negotiation.Read("v=0\r\ns=-\r\nc=IN IP6 ::1\r\n" + media, is_offer, local);
   };
   const auto offer = [&negotiation] {
     const LibrePtr<mbuf> text = negotiation.Write(true);
@@ -129,6 +129,7 @@ TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
   ASSERT_TRUE(agreed);
   EXPECT_EQ(AddressText(agreed->peer), "127.0.0.1:4002") << "no way to the one that was told: the sender's";
   EXPECT_FALSE(read("m=audio 4002 RTP/AVP 18\r\n"));
+  EXPECT_FALSE(read("m=audio 4002 RTP/SAVP 0\r\n", false)) << "the answer demands what was not offered";
   EXPECT_NE(offer().find("m=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
 }
 
