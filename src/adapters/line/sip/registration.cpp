@@ -30,6 +30,9 @@ constexpr seconds kLongestLife = std::chrono::hours(1);
 /// The longest wait that a server can demand.
 constexpr seconds kLongestPause = std::chrono::hours(24);
 
+/// Where other routes only raise hope, tries are at least this far apart.
+constexpr seconds kRest(5);
+
 /// By so much at most a try comes later than it could.
 constexpr seconds kLongestSpread(60);
 
@@ -85,28 +88,37 @@ std::optional<seconds> SecondsIn(const sip_msg& response, sip_hdrid id) {
   return header != nullptr ? SecondsOf(View(header->val)) : std::nullopt;
 }
 
-/// The life that the server granted: of our binding, else of all (RFC 3261, section 10.2.4); 0 when it
-/// keeps none.
-seconds GrantedLife(const sip_msg& response, const std::string& user, seconds asked) {
+/// The life that the server granted our binding `contact` (RFC 3261, section 10.2.4); 0 when it keeps none.
+/// The server tells of the account's other telephones, too: theirs count only where ours cannot be
+/// recognised, and then the shortest.
+seconds GrantedLife(const sip_msg& response, const std::string& contact, seconds asked) {
   struct Search {
-    const std::string& user;
-    std::optional<seconds> life;
-  } search{user, {}};
+    uri own{};
+    bool found = false;
+    std::optional<seconds> ours, others;
+  } search;
+  pl text{};
+  pl_set_str(&text, contact.c_str());
+  (void)uri_decode(&search.own, &text);
   sip_msg_hdr_apply(
       &response, true, SIP_HDR_CONTACT,
       [](const sip_hdr* header, const sip_msg*, void* arg) {
         auto& wanted = *static_cast<Search*>(arg);
-        sip_addr contact{};
+        sip_addr told{};
         pl life{};
-        if (sip_addr_decode(&contact, &header->val) != 0 || View(contact.uri.user) != wanted.user)
+        if (sip_addr_decode(&told, &header->val) != 0 || pl_cmp(&told.uri.user, &wanted.own.user) != 0)
           return false;
-        if (msg_param_decode(&contact.params, "expires", &life) != 0) return false;
-        wanted.life = std::max(wanted.life.value_or(seconds(0)), SecondsOf(View(life)).value_or(seconds(0)));
-        return false;
+        std::optional<seconds> granted;
+        if (msg_param_decode(&told.params, "expires", &life) == 0) granted = SecondsOf(View(life));
+        wanted.found = pl_cmp(&told.uri.host, &wanted.own.host) == 0 && told.uri.port == wanted.own.port;
+        if (wanted.found) wanted.ours = granted;
+        if (granted) wanted.others = std::min(wanted.others.value_or(*granted), *granted);
+        return wanted.found;
       },
       &search);
-  if (!search.life) search.life = SecondsIn(response, SIP_HDR_EXPIRES);
-  return std::min(search.life.value_or(asked), kLongestLife);
+  auto life = search.found ? search.ours : search.others;
+  if (!life) life = SecondsIn(response, SIP_HDR_EXPIRES);
+  return std::min(life.value_or(asked), kLongestLife);
 }
 
 }  // namespace
@@ -153,12 +165,14 @@ Registration::~Registration() {
 void Registration::Start() {
   if (!registered_) settings_.registration_news({});
   moved_ = false;
+  started_ = std::chrono::steady_clock::now();
   uri account{};
   (void)DecodeAccount(settings_.account, account);
   const auto listen = ParseListenAddress(settings_.listen);
   const ServerName server{std::string(View(account.host)), account.port, settings_.transport,
                           listen ? sa_af(&*listen) : AF_INET};
   lookup_.Find(server, [this](std::vector<sa> servers) {
+    timer_.Stop();
     Prefer(std::move(servers));
     Ask(life_);
   });
@@ -178,10 +192,16 @@ void Registration::Prefer(std::vector<sa> servers) {
 
 void Registration::NetworkChanged(bool moved) {
   const bool other_way = !servers_.empty() && towards_(servers_.front()) != stack_;
-  // What stands is left alone, and whom the server refuses it refuses from here, too.
-  if (!moved && !other_way && (registered_ || refused_)) return;
+  if (!moved && !other_way) {
+    // What stands is left alone, who is being asked will answer, and whom the server refuses it refuses from
+    // here, too. Routes may change without end, so a wait is not cut short each time.
+    if (registered_ || refused_ || request_ != nullptr) return;
+    const auto rest = started_ + kRest - std::chrono::steady_clock::now();
+    return timer_.StartOnce(std::max(milliseconds(0), std::chrono::ceil<milliseconds>(rest)));
+  }
   timer_.Stop();
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
+  login_.Reset();  // an answer that nobody heard does not count against the password
   retry_ = settings_.timers.registration_retry_first;
   Start();
 }
@@ -314,12 +334,13 @@ void Registration::TakeSeenAddress(const sip_msg& response) {
 
 void Registration::Registered(const sip_msg& response) {
   if (asked_ == seconds(0)) return;  // our farewell
-  const seconds granted = GrantedLife(response, ContactUser(settings_), asked_);
+  const seconds granted = GrantedLife(response, contact_, asked_);
   if (granted == seconds(0) && !settings_.register_nothing) {
     return TakeRefusal(response, ": the server keeps the registration for 0 s");
   }
-  if (failing_) settings_.report("The registration of " + settings_.account + " works again.");
-  failing_ = refused_ = false;
+  if (!told_.empty()) settings_.report("The registration of " + settings_.account + " works again.");
+  told_.clear();
+  refused_ = false;
   registered_ = true;
   bound_ = contact_;
   too_brief_ = 0;
@@ -372,14 +393,13 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
   news.state = RegistrationNews::State::Failed;
   news.pause = pause != milliseconds(0) ? pause : retry_;
   settings_.registration_news(news);
-  if (!failing_) {
+  if (std::exchange(told_, news.reason) != news.reason) {
     const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(news.pause).count();
     settings_.report(
         "The registration of " + settings_.account + " failed (" + news.reason +
         "); no call can come in by it. ORVEN " +
         (minutes < 2 ? "goes on trying." : "tries again in " + std::to_string(minutes) + " minutes."));
   }
-  failing_ = true;
   refused_ = failure.status != 0;
   registered_ = false;
   too_brief_ = 0;

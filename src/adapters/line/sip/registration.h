@@ -91,8 +91,9 @@ class Registration {
   int too_brief_ = 0;    ///< refused lives in a row
   bool moved_ = false;   ///< registered again for another address, since the latest wait
   bool registered_ = false;
-  bool failing_ = false;  ///< has been told
-  bool refused_ = false;  ///< by the server, latest
+  bool refused_ = false;                           ///< by the server, latest
+  std::string told_;                               ///< why it failed, as the log says; empty while it works
+  std::chrono::steady_clock::time_point started_;  ///< the latest try
 };
 
 /// What is wrong with the account of `settings`, for the log; empty when nothing is.

@@ -132,11 +132,7 @@ void ServerLookup::Find(const ServerName& server, Found found) {
     if (server.port == 0) sa_set_port(&address, server.transport == "tls" ? SIP_PORT_TLS : SIP_PORT);
     return found({address});
   }
-  {
-    const std::lock_guard lock(shared_->mutex);
-    if (shared_->under_way == kMostSearches) return found({});
-    ++shared_->under_way;
-  }
+  if (!Begin()) return found({});
   found_ = std::move(found);
   try {
     std::thread([shared = shared_, server, number = shared_->wanted] {
@@ -150,10 +146,20 @@ void ServerLookup::Find(const ServerName& server, Found found) {
       (void)mqueue_push(shared->queue, static_cast<int>(number), nullptr);
     }).detach();
   } catch (const std::system_error&) {
-    const std::lock_guard lock(shared_->mutex);
-    --shared_->under_way;
+    {
+      const std::lock_guard lock(shared_->mutex);
+      --shared_->under_way;
+    }
     std::exchange(found_, nullptr)({});
   }
+}
+
+/// Counts a search; false when there are too many.
+bool ServerLookup::Begin() {
+  const std::lock_guard lock(shared_->mutex);
+  if (shared_->under_way == kMostSearches) return false;
+  ++shared_->under_way;
+  return true;
 }
 
 void ServerLookup::GiveUp() {

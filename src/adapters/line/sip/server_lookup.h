@@ -41,6 +41,7 @@ class ServerLookup {
  private:
   struct Shared;
 
+  bool Begin();
   static void Answered(int id, void* data, void* self);
 
   std::shared_ptr<Shared> shared_;

@@ -157,8 +157,9 @@ TEST_F(SipRegistrationTest, TakesEachAnswerAsItIsMeant) {
         Case{"200|Expires: 100", once, "registered, next after 80 s"},
         Case{"200|Expires: 99999999999", once, "registered, next after 2880 s"},
         Case{"200|Expires: soon", once, registered},
-        Case{"200|Contact: <sip:9@x>;expires=9|Contact: <sip:100@here>;expires=125|Expires: 0", once,
-             "registered, next after 100 s"},
+        Case{"200|Contact: <sip:9@x>;expires=9|Contact: <sip:100@x>;expires=7|"
+             "Contact: <sip:100@here>;expires=125|Contact: <sip:100@y>;expires=3600|Expires: 0",
+             once, "registered, next after 100 s"},
         Case{"200|Contact: <sip:100@here>;expires=0|Expires: 300", once, "200" + soon},
         Case{brief + "400 / 200", once + "|here=400", "registered, next after 320 s"},
         Case{brief + "400 / " + brief + "500 / " + brief + "600 / " + brief + "700",
