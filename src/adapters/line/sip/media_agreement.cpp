@@ -91,7 +91,7 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
   if (!agreement) return std::nullopt;
   const bool told = sa_isset(&agreement->peer, SA_ADDR);
   // The old way to put a call on hold (RFC 2543, section B.5; RFC 6157, section 4.1).
-  const auto none = {"IN IP4 0.0.0.0\r", "IN IP6 ::\r"};
+  const auto none = {"\nc=IN IP4 0.0.0.0\r", "\nc=IN IP6 ::\r"};
   if (!told && std::ranges::any_of(none, [&](const char* one) { return text.find(one) != text.npos; })) {
     agreement->send = agreement->receive = false;
   }
@@ -184,6 +184,7 @@ void MediaNegotiation::TellKeys(std::vector<CryptoAttribute> own) {
 LibrePtr<mbuf> MediaNegotiation::Write(bool as_offer) {
   mbuf* text = nullptr;
   (void)sdp_encode(&text, session_.get(), as_offer);
+  if (text != nullptr) RestoreProtocols({reinterpret_cast<char*>(text->buf), text->end});
   return LibrePtr<mbuf>(text);
 }
 

@@ -15,6 +15,13 @@ std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
   return taken;
 }
 
+/// The same for a line that ends in CR, LF or both, of which an empty one may be left.
+std::string_view TakeLine(std::string_view& rest) {
+  const auto line = rest.substr(0, std::min(rest.find_first_of("\r\n"), rest.size()));
+  rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+  return line;
+}
+
 bool SameLetters(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) { return tolower(x) == tolower(y); });
 }
@@ -25,10 +32,19 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
+/// Takes a header off `rest`, with the lines that continue it (RFC 5322, section 2.2.3).
+std::string_view TakeHeader(std::string_view& rest) {
+  const auto whole = rest;
+  do {
+    (void)TakeUpTo(rest, "\r\n");
+  } while (rest.starts_with(' ') || rest.starts_with('\t'));
+  return whole.substr(0, whole.size() - rest.size());
+}
+
 /// The header lines of one part of a multipart body.
 bool IsDescription(std::string_view headers) {
   while (!headers.empty()) {
-    auto value = TakeUpTo(headers, "\r\n");
+    auto value = TakeHeader(headers);
     const auto name = Trimmed(TakeUpTo(value, ":"));
     if (!SameLetters(name, "Content-Type") && !SameLetters(name, "c")) continue;
     return SameLetters(Trimmed(TakeUpTo(value, ";")), "application/sdp");
@@ -57,6 +73,36 @@ bool IsWhole(std::string_view attribute) {
          std::isdigit(static_cast<unsigned char>(attribute[slash + 1])) != 0;
 }
 
+constexpr std::string_view kAudio = "m=audio ";
+
+/// "m=audio 0 …": a stream that is not wanted.
+bool IsUnwanted(std::string_view line) {
+  return line.starts_with("m=audio 0 ");
+}
+
+/// How much is left behind the last audio stream that is wanted; all of `lines` when there is none.
+std::size_t LeftBehindAudio(std::string_view lines) {
+  std::size_t left = lines.size();
+  while (!lines.empty()) {
+    const auto line = TakeLine(lines);
+    if (line.starts_with(kAudio) && !IsUnwanted(line)) left = lines.size();
+  }
+  return left;
+}
+
+/// "m=audio 4000/2 …" without "/2": of several streams we take the first.
+std::string MendAudio(std::string_view line) {
+  const auto end = std::min(line.find(' ', kAudio.size()), line.size());
+  const auto slash = std::min(line.find('/'), end);
+  return std::string(line.substr(0, slash)).append(line.substr(end));
+}
+
+std::string Lowered(std::string_view line) {
+  std::string lowered(line);
+  std::ranges::transform(lowered, lowered.begin(), [](unsigned char one) { return tolower(one); });
+  return lowered;
+}
+
 }  // namespace
 
 std::optional<std::string> DescriptionIn(const sip_msg& message) {
@@ -76,18 +122,33 @@ std::optional<std::string> DescriptionIn(const sip_msg& message) {
 
 std::string MendDescription(std::string_view text) {
   std::string mended;
+  const std::size_t behind_audio = LeftBehindAudio(text);
   bool audio = true;  // or what stands before the first medium and holds for all
   while (!text.empty()) {
-    const auto end = std::min(text.find_first_of("\r\n"), text.size());
-    const auto line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
+    const auto line = TakeLine(text);
     if (line.size() < 2 || line[1] != '=') continue;
     const auto value = line.substr(2);
-    if (line[0] == 'm') audio = value.starts_with("audio ");
-    const bool read = line[0] == 'm' || (audio && line[0] != 'b' && (line[0] != 'a' || IsWhole(value)));
-    if (read) mended.append(line).append("\r\n");
+    const bool skipped = IsUnwanted(line) && text.size() > behind_audio;
+    if (line[0] == 'm') audio = line.starts_with(kAudio) && !skipped;
+    if (line[0] == 'm') {
+      mended.append(skipped ? Lowered(line) : audio ? MendAudio(line) : std::string(line)).append("\r\n");
+    } else if (audio && line[0] != 'b' && (line[0] != 'a' || IsWhole(value))) {
+      mended.append(line).append("\r\n");
+    }
   }
   return mended;
+}
+
+void RestoreProtocols(std::span<char> text) {
+  constexpr std::string_view kMended = "m=audio 0 rtp/";
+  for (auto rest = text;;) {
+    const auto found = std::ranges::search(rest, kMended);
+    if (found.empty()) return;
+    rest = {found.begin(), rest.end()};
+    const auto end = std::ranges::find(rest, '\r');
+    std::transform(rest.begin() + 8, end, rest.begin() + 8, [](unsigned char one) { return toupper(one); });
+    rest = {end, rest.end()};
+  }
 }
 
 }  // namespace orven

@@ -75,7 +75,7 @@ TEST_F(SipHostileTest, InvitesAreTakenWhereTheyCanBeAndElseRefused) {
         Case{"\r\n\r\n", "\r\nContent-Length: -1\r\n\r\n", "400"},
         Case{"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
         Case{"application/sdp", "text/plain", "415"},
-        Case{"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\ncontent-type: application/sdp",
+        Case{"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\ncontent-type:\r\n application/sdp",
              "180"},
         Case{"application/sdp", "multipart/mixed;boundary=b\r\n\r\n--b\r\nContent-Type: text/plain", "415"},
         Case{"Contact:", "Require: 100rel\r\nContact:", "420"},

@@ -125,12 +125,13 @@ TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
     const LibrePtr<mbuf> text = negotiation.Write(true);
     return std::string(reinterpret_cast<const char*>(text->buf), text->end);
   };
-  const auto agreed = read("m=audio 4002 RTP/AVP 0\r\n");
-  ASSERT_TRUE(agreed);
+  const auto agreed = read("o=- 1 1 IN IP4 0.0.0.0\r\nm=audio 0 RTP/AVP 0\r\nm=audio 4002/2 RTP/AVP 0\r\n");
+  ASSERT_TRUE(agreed && agreed->send) << "only where the sound goes may say that the call is on hold";
   EXPECT_EQ(AddressText(agreed->peer), "127.0.0.1:4002") << "no way to the one that was told: the sender's";
-  EXPECT_FALSE(read("m=audio 4002 RTP/AVP 18\r\n"));
-  EXPECT_FALSE(read("m=audio 4002 RTP/SAVP 0\r\n", false)) << "the answer demands what was not offered";
-  EXPECT_NE(offer().find("m=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
+  EXPECT_FALSE(read("m=audio 0 RTP/AVP 0\r\nm=audio 4002 RTP/AVP 18\r\n"));
+  EXPECT_FALSE(read("m=audio 0 RTP/AVP 0\r\nm=audio 4002 RTP/SAVP 0\r\n", false))
+      << "the answer demands what was not offered";
+  EXPECT_NE(offer().find("m=audio 0 RTP/AVP 0\r\nm=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
 }
 
 TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
