@@ -66,6 +66,8 @@ void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
 
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
   connection.Execute("PRAGMA synchronous=FULL");
+  // Or salvage would bring deleted calls back.
+  connection.Execute("PRAGMA secure_delete=ON");
   CheckSound(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
   MakeTable(connection, schema);

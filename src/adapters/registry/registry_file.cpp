@@ -18,7 +18,7 @@ namespace {
 /// Only its owner may read the file: it holds the password of remote access.
 constexpr unsigned kOwnerOnly = 0600;
 
-/// The last version without damage.
+/// The last version that missed nothing.
 constexpr const char* kBackup = ".bak";
 
 /// The coarsest time stamp of a usual file system (FAT): a file changed less than this ago may change
@@ -88,9 +88,9 @@ void RegistryFile::Refresh() {
   struct stat status {};
   if (::stat(path_.c_str(), &status) != 0) {
     const int error = errno;
-    BecomeEmpty(error == ENOENT);
-    if (error != ENOENT) ReportOnce("cannot be read: " + std::string(FileFailure(error, path_).what()));
-    return;
+    if (error == ENOENT) return BecomeAbsent();
+    BecomeEmpty(false);
+    return ReportOnce("cannot be read: " + std::string(FileFailure(error, path_).what()));
   }
   const Stamp stamp{status.st_dev, status.st_ino, status.st_size, TimeOf(status.st_mtim),
                     TimeOf(status.st_ctim)};
@@ -130,7 +130,8 @@ void RegistryFile::Use(std::string content) {
   filled_ = false;
 }
 
-/// A sound file replaces the backup; a damaged one is filled up from it.
+/// A file that has all that the backup has replaces it; another is filled up from it. A cut at a line's end,
+/// or another letter in a key, is no damage that the file itself shows.
 void RegistryFile::MindBackup() {
   std::optional<std::string> backup;
   try {
@@ -138,14 +139,14 @@ void RegistryFile::MindBackup() {
   } catch (const RuntimeError&) {
     backup.reset();
   }
-  if (document_.Faults().empty() && !document_.IsEmpty()) {
-    if (backup != content_) WriteBackup();
-  } else if (backup) {
-    const std::size_t count = document_.FillFrom(RegistryDocument(*backup));
-    filled_ = count > 0;
-    if (!filled_) return;
+  if (backup == content_) return;
+  const std::size_t count = backup ? document_.FillFrom(RegistryDocument(*backup)) : 0;
+  filled_ = count > 0;
+  if (filled_) {
     report_(NameOf(path_) + ": " + std::to_string(count) + " values that are missing are taken from " +
             NameOf(path_ + kBackup));
+  } else if (document_.Faults().empty() && !document_.IsEmpty()) {
+    WriteBackup();
   }
 }
 
@@ -155,6 +156,12 @@ void RegistryFile::WriteBackup() {
   } catch (const RuntimeError& error) {
     ReportOnce(std::string("no copy of it can be kept: ") + error.what());
   }
+}
+
+void RegistryFile::BecomeAbsent() {
+  if (!content_ && filled_) return;
+  BecomeEmpty(true);
+  MindBackup();
 }
 
 void RegistryFile::BecomeEmpty(bool writable) {

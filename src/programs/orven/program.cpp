@@ -2,8 +2,10 @@
 #include "programs/orven/program.h"
 
 #include <QApplication>
+#include <filesystem>
 #include <iostream>
 #include <random>
+#include <system_error>
 #include <utility>
 
 #include "adapters/desktop/application_folder.h"
@@ -24,6 +26,9 @@ constexpr const char* kChannelVariable = "ORVEN_CHANNEL";
 
 /// Where mails wait that are not sent yet.
 constexpr const char* kOutbox = "\\Outbox";
+
+/// Each start makes them, so a folder without them is new.
+constexpr const char* kRecords = "\\Calls";
 
 /// How often changed lines look whether the call is over.
 constexpr std::chrono::milliseconds kLookForIdleLine{500};
@@ -195,13 +200,21 @@ FirstStart::Sources Program::FirstStartSources() {
   sources.announce_password = [this](const std::string& password) {
     std::cout << "ORVEN: the password for listening to the messages by telephone is " << password
               << std::endl;
-    if (registry_file_.DamagedFile().empty()) return;
-    const auto loss = "The settings could not be read and are kept as " + registry_file_.DamagedFile() +
-                      ": the installation's settings and a new password are in force";
-    Report(loss);
-    window_.TellOfLoss(loss);
+    TellOfLostSettings();
   };
   return sources;
+}
+
+/// Call records without settings are no first start: the settings have been lost.
+void Program::TellOfLostSettings() {
+  const auto& damaged = registry_file_.DamagedFile();
+  std::error_code none;
+  if (damaged.empty() && !std::filesystem::exists(shared_.InApplicationFolder(kRecords), none)) return;
+  const auto loss = (damaged.empty() ? std::string("The settings are missing")
+                                     : "The settings could not be read and are kept as " + damaged) +
+                    ": the installation's settings and a new password are in force";
+  Report(loss);
+  window_.TellOfLoss(loss);
 }
 
 void Program::Report(const std::string& problem) {

@@ -60,6 +60,7 @@ class Program {
  private:
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
+  void TellOfLostSettings();
   EnginePorts Ports();
   std::string HelperPath() const;
   AutostartSource Autostart() const;
