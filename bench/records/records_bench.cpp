@@ -56,7 +56,7 @@ class Window : public CallListView, public CallCountsView {
   void ShowRowRemoved(std::int32_t /*index*/) override { Look(); }
   void ShowRowsChanged() override { Look(); }
   void ShowIcon(std::int32_t index, CallIcon /*icon*/) override { See(index); }
-  std::int64_t ShownCall(std::int32_t index) const override { return list->Row(index).call; }
+  CallRow ShownCall(std::int32_t index) const override { return list->Row(index); }
   void ShowSelection(std::int32_t /*index*/) override {}
   void EnsureVisible(std::int32_t /*index*/) override {}
   void PopUpMenu(bool /*message*/) override {}

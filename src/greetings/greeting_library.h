@@ -11,7 +11,8 @@
 namespace orven {
 
 /// The greetings: one WAV file each in the folder "Greets" of the application folder. A greeting's name is
-/// its file's without ".wav", in whatever case. User-interface thread; all of it but Folder and PathOf throws as Files does.
+/// its file's without ".wav", in whatever case. User-interface thread; all of it but Folder and PathOf
+/// throws as Files does.
 class GreetingLibrary {
  public:
   GreetingLibrary(Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}

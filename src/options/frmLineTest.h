@@ -24,6 +24,9 @@ class frmLineTest : public QWidget {
   /// Stops a test under way and forgets the latest result: the line is another one now.
   void Clear();
 
+  /// In a window where Enter does something else, the button must not look like the one that it presses.
+  void SetAutoDefault(bool on) { cmdTest_->setAutoDefault(on); }
+
   void SetUsable(bool usable) { cmdTest_->setEnabled(usable || running_); }
 
  private:

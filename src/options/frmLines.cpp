@@ -41,6 +41,7 @@ frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engi
         return index ? std::optional(engine_.At(*index)) : std::nullopt;
       },
       this);
+  test_->SetAutoDefault(false);
   column->addWidget(test_);
   column->addWidget(MakeButtons());
   connect(lvwLines_, &QTreeWidget::itemSelectionChanged, this, &frmLines::SelectionChanged);

@@ -173,7 +173,8 @@ void frmOptions::OpenLines() {
 
 void frmOptions::ShowLevel(std::optional<std::int32_t> level) {
   meter_->ShowLevel(level);
-  if (!level) return meter_text_->setText(tr("A call that is answered shows its level here."));
+  if (!level)
+    return meter_text_->setText(tr("While a caller is greeted or speaks, the level is shown here."));
   const auto percent = QString::number(*level / kThousandthsPerPercent);
   meter_text_->setText(*level > sldSilence_->value() * kThousandthsPerPercent
                            ? tr("The caller now: %1 %, heard").arg(percent)

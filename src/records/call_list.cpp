@@ -54,6 +54,11 @@ CallRow RowFrom(const std::vector<std::string>& record, const Columns& columns) 
 
 }  // namespace
 
+bool CallRow::IsSameCall(const CallRow& now) const {
+  return call != 0 && call == now.call && date == now.date && time == now.time && number == now.number &&
+         name == now.name && (key.empty() || key == now.key);
+}
+
 void CallList::RangeListTitle() {
   const ErrorTrap trap(log_, "ErrRangeListTitle ");
   trap([&] {
@@ -64,8 +69,8 @@ void CallList::RangeListTitle() {
 
 void CallList::Clear() {
   total_ = 0;
-  newest_ = 0;
-  selected_ = 0;
+  newest_ = {};
+  Remember(0);
   marked_.clear();
   view_.ShowRowCount(0);
   selection_changed_();
@@ -88,27 +93,33 @@ void CallList::FollowRecords() {
   const ErrorTrap trap(log_, "ErrmakeList ");
   bool changed = false;
   trap([&] {
-    changed = DataBase1.RecordCount() != total_ || (total_ > 0 && DataBase1.Identity(total_) != newest_);
+    changed = DataBase1.RecordCount() != total_ || (total_ > 0 && !newest_.IsSameCall(Row(1))) ||
+              (selected_ > 0 && RowOf(selected_call_) == 0);
   });
   if (!changed) return;
-  log_.WriteSystem("The call records were changed by another program");
+  log_.WriteSystem("The call records have changed since they were shown: the list is read again");
   makeList();
 }
 
-bool CallList::SelectionStands() {
+bool CallList::SelectionLost() {
   const auto call = selected_call_;
   FollowRecords();
-  return selected_ > 0 && selected_call_ == call;
+  return call.call != 0 && !call.IsSameCall(selected_call_);
+}
+
+bool CallList::SelectionStands() {
+  const bool selected = selected_ > 0;
+  return !SelectionLost() && selected;
 }
 
 /// Tells the view what became of the `shown` rows that it shows.
 void CallList::ShowRows(std::int32_t shown) {
   if (total_ == 0) {
-    newest_ = 0;
+    newest_ = {};
     return view_.ShowRowCount(0);
   }
-  const auto known = newest_ == 0 ? 0 : DataBase1.Locate(newest_);
-  newest_ = DataBase1.Identity(total_);
+  const auto known = newest_.call == 0 ? 0 : DataBase1.Locate(newest_.call);
+  newest_ = Row(1);
   // Where the record that was the newest has not changed its number, all rows of before are there.
   if (shown == 0 || known != shown) return view_.ShowRowCount(total_);
   if (total_ > shown) view_.ShowRowsInserted(total_ - shown);
@@ -126,7 +137,7 @@ void CallList::KeepSelection() {
 
 void CallList::Remember(std::int32_t index) {
   selected_ = index;
-  selected_call_ = index == 0 ? 0 : Identity(index);
+  selected_call_ = index == 0 ? CallRow() : Row(index);
 }
 
 void CallList::CheckIndex(std::int32_t index) const {
@@ -151,6 +162,11 @@ std::int32_t CallList::RowOf(std::int64_t identity) const {
   return record == 0 || record > total_ ? 0 : total_ - record + 1;
 }
 
+std::int32_t CallList::RowOf(const CallRow& call) const {
+  const auto row = RowOf(call.call);
+  return row > 0 && call.IsSameCall(Row(row)) ? row : 0;
+}
+
 std::int32_t CallList::NextMessage(std::int64_t above) const {
   const auto found = DataBase1.NewestBefore(above, {{kType, kNoMessageType}, {kCallMassageName, ""}});
   return found == 0 ? 0 : RowOf(found);
@@ -165,7 +181,7 @@ void CallList::Select(std::int32_t index) {
 void CallList::FollowSelection(std::int32_t index) {
   const auto before = selected_call_;
   Remember(index);
-  if (selected_call_ != before) selection_changed_();
+  if (!before.IsSameCall(selected_call_)) selection_changed_();
 }
 
 void CallList::Mark(std::int32_t index, CallIcon icon, std::int32_t new_calls) {
@@ -181,7 +197,7 @@ void CallList::Remove(std::int32_t index) {
   const bool selected = index == selected_;
   --total_;
   marked_.clear();
-  newest_ = total_ == 0 ? 0 : DataBase1.Identity(total_);
+  newest_ = total_ == 0 ? CallRow() : Row(1);
   view_.ShowRowRemoved(index);
   if (index < selected_) --selected_;
   Remember(std::min(selected_, total_));

@@ -30,7 +30,11 @@ struct CallRow {
   std::string number;
   std::string name;
   std::string key;        ///< file name of the message; empty without one
-  std::int64_t call = 0;  ///< what identifies it, wherever its row will be
+  std::int64_t call = 0;  ///< what identifies it, wherever its row will be; 0 for no call
+
+  /// Whether `now`, read later, is this call still. The identity alone does not tell: another program's new
+  /// record may have that of one that was removed. A message may have come in late.
+  bool IsSameCall(const CallRow& now) const;
 };
 
 /// A column of the list, width in twips (1/1440 inch).
@@ -55,8 +59,8 @@ class CallListView {
   virtual void ShowRowsChanged() = 0;
   virtual void ShowIcon(std::int32_t index, CallIcon icon) = 0;
 
-  /// What identifies the call that a row shows, 0 for none: the one that a person sees there.
-  virtual std::int64_t ShownCall(std::int32_t index) const = 0;
+  /// The call that a person sees in a row; no call where there is none.
+  virtual CallRow ShownCall(std::int32_t index) const = 0;
 
   /// Selects a row, 0 for none, and does not scroll. This is no person's choice and calls nothing back.
   virtual void ShowSelection(std::int32_t index) = 0;
@@ -95,9 +99,14 @@ class CallList {
   /// newest call is selected.
   void makeList();
 
-  /// The same when another program has added or removed records: then the rows are not those that a person
-  /// saw. Before a command on a row.
+  /// The same when the records are not those that a person saw: another program has added, removed or
+  /// replaced some. It looks at their number, the newest call and the selected one. Before a command on a
+  /// row.
   void FollowRecords();
+
+  /// The same before a command that can do without a selected call: whether the one that was selected is
+  /// gone.
+  bool SelectionLost();
 
   /// The same before a command on the selected call: whether there is one, and still the one that was
   /// selected.
@@ -117,6 +126,8 @@ class CallList {
   std::int64_t Identity(std::int32_t index) const;
   /// The row of that call, 0 when it is gone.
   std::int32_t RowOf(std::int64_t identity) const;
+  /// The same where the identity may be another call's by now. Throws what the records throw.
+  std::int32_t RowOf(const CallRow& call) const;
 
   /// A place above all rows.
   static constexpr auto kTop = std::numeric_limits<std::int64_t>::max();
@@ -154,8 +165,8 @@ class CallList {
   std::int32_t total_ = 0;
   std::int32_t new_calls_ = 0;
   std::int32_t selected_ = 0;
-  std::int64_t newest_ = 0;                  ///< identity of row 1
-  std::int64_t selected_call_ = 0;           ///< identity of the selected row
+  CallRow newest_;                           ///< row 1
+  CallRow selected_call_;                    ///< the selected row
   std::map<std::int32_t, CallIcon> marked_;  ///< rows whose icon is not what their record says
 };
 

@@ -12,14 +12,14 @@ void ListCommands::Delete() {
   trap([&] {
     auto& list = parts_.ListView1;
     if (!list.SelectionStands()) return;
-    const auto call = list.Identity(list.Selected());
+    const auto call = list.Row(list.Selected());
     if (parts_.settings.WornDelete != 0) {
       const auto question = "Delete Call " + std::to_string(list.Selected()) + " Information ?";
       if (!parts_.dialogs.Confirm(question)) return;
     }
     // While the question was open a new call may have moved the others down.
     const auto row = list.RowOf(call);
-    if (row == 0) return;
+    if (row == 0) return list.FollowRecords();
     parts_.calls.DeleteItemIndex(row);
     list.makeList();
   });
@@ -32,9 +32,10 @@ void ListCommands::Clear() {
     list.FollowRecords();
     if (list.Count() == 0) return;
     // A call that comes in while the question is open was not meant.
-    const auto newest = list.Identity(1);
+    const auto newest = list.Row(1);
     if (parts_.settings.WornClear != 0 && !parts_.dialogs.Confirm("Clear Calls List ?")) return;
-    parts_.calls.ClearUpTo(newest);
+    if (list.RowOf(newest) == 0) return list.FollowRecords();
+    parts_.calls.ClearUpTo(newest.call);
   });
 }
 
@@ -92,9 +93,13 @@ void ListCommands::Next() {
 void ListCommands::Step(std::int32_t rows) {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
-    if (!parts_.ListView1.SelectionStands() || parts_.blocked()) return;
+    const auto before = parts_.ListView1.Selected();
+    const bool lost = parts_.ListView1.SelectionLost();
+    if (parts_.blocked()) return;
     parts_.player.Stop();
-    const auto row = parts_.ListView1.Selected() + rows;
+    if (lost) return;
+    // Reading the list again may have selected the first row: without a selection that is where Next leads.
+    const auto row = (before == 0 ? 0 : parts_.ListView1.Selected()) + rows;
     if (row < 1 || row > parts_.ListView1.Count()) return;
     parts_.ListView1.Select(row);
     Mark(true);
@@ -129,6 +134,7 @@ bool ListCommands::Follow(std::int32_t row) {
     return false;
   }
   const auto now = list.RowOf(seen);
+  if (now == 0) list.makeList();
   list.FollowSelection(now);
   if (now != row) parts_.view.ShowSelection(now);
   return now != 0;

@@ -14,9 +14,9 @@
 namespace orven {
 
 /// What a person does to the calls in the list; every command but Clear acts on the selected row and
-/// does nothing without one. Where another program has changed the records meanwhile, a command acts on the
-/// call that was shown, or only brings the list up to date. A step that fails leaves no trace here: the
-/// records log their own. User-interface thread.
+/// does nothing without one, but for those that lead to a row. Where another program has changed the records
+/// meanwhile, a command acts on the call that was shown, or only brings the list up to date. A step that
+/// fails leaves no trace here: the records log their own. User-interface thread.
 class ListCommands {
  public:
   struct Parts {
@@ -52,8 +52,8 @@ class ListCommands {
   void First();
   void Last();
 
-  /// Stops a playing message and goes one row up or down, marking it read. At the end of the list it
-  /// stops only.
+  /// Stops a playing message and goes one row up or down, marking it read. At the end of the list, or when
+  /// the selected call is gone, it stops only. Without a selection Next leads to the first row.
   void Back();
   void Next();
 

@@ -36,7 +36,8 @@ LocalPlayer::~LocalPlayer() {
 
 void LocalPlayer::Play() {
   ++search_;
-  if (list_.SelectionStands()) PlayFrom(list_.Selected());
+  if (list_.SelectionLost()) return Stop();
+  PlayFrom(list_.Selected() > 0 ? list_.Selected() : std::min(list_.Count(), 1));
 }
 
 void LocalPlayer::PlayFrom(std::int32_t row) {

@@ -62,9 +62,9 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   LocalPlayer(const LocalPlayer&) = delete;
   LocalPlayer& operator=(const LocalPlayer&) = delete;
 
-  /// Plays the selected row's message, or the next one below: rows without a message on the way are
-  /// marked read and skipped. Many of them are skipped bit by bit, other events running between.
-  /// Nothing while `blocked`.
+  /// Plays the selected row's message, the first row's without a selection, or the next one below: rows
+  /// without a message on the way are marked read and skipped. Many of them are skipped bit by bit, other
+  /// events running between. Nothing while `blocked`. Where the selected call is gone, what plays is stopped.
   void Play();
 
   /// The button "Stop": stops a message; slider, timer and playing flag are reset in any case.

@@ -170,6 +170,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 void frmMain::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) UseIconTheme(palette());
+  if (event->type() == QEvent::ActivationChange && engine_ != nullptr) engine_->ActivationChanged();
   if (event->type() != QEvent::WindowStateChange) return;
   const bool came_back = minimised_ && !isMinimized();
   minimised_ = isMinimized();

@@ -68,7 +68,7 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   void ShowRowRemoved(std::int32_t index) override;
   void ShowRowsChanged() override;
   void ShowIcon(std::int32_t index, CallIcon icon) override;
-  std::int64_t ShownCall(std::int32_t index) const override;
+  CallRow ShownCall(std::int32_t index) const override;
   void ShowSelection(std::int32_t index) override;
   void EnsureVisible(std::int32_t index) override;
   void PopUpMenu(bool message) override;

@@ -234,14 +234,14 @@ void CallListWidget::keyPressEvent(QKeyEvent* event) {
   QTableView::keyPressEvent(event);
 }
 
-std::int64_t CallListWidget::CallAt(const QMouseEvent& event) const {
+CallRow CallListWidget::CallAt(const QMouseEvent& event) const {
   return ShownCall(indexAt(event.position().toPoint()).row() + 1);
 }
 
 void CallListWidget::mousePressEvent(QMouseEvent* event) {
   pressed_ = CallAt(*event);
   QTableView::mousePressEvent(event);
-  if (pressed_ == 0 || pressed_ == ShownCall(SelectedRow())) emit MouseDown();
+  if (pressed_.call == 0 || pressed_.IsSameCall(ShownCall(SelectedRow()))) emit MouseDown();
 }
 
 void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -251,8 +251,7 @@ void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
 
 void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
   // The first click may have brought in other rows.
-  const auto call = CallAt(*event);
-  const bool same_call = call != 0 && call == pressed_;
+  const bool same_call = pressed_.IsSameCall(CallAt(*event));
   QTableView::mouseDoubleClickEvent(event);
   if (event->button() == Qt::LeftButton && same_call) emit DoubleClicked();
 }

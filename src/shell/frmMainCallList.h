@@ -25,7 +25,7 @@ class CallListWidget : public QTableView {
   void ShowRowRemoved(std::int32_t index);
   void ShowRowsChanged() { model_->Refresh(); }
   void ShowIcon(std::int32_t index, CallIcon icon) { model_->SetIcon(index, icon); }
-  std::int64_t ShownCall(std::int32_t index) const { return model_->ShownCall(index); }
+  CallRow ShownCall(std::int32_t index) const { return model_->ShownCall(index); }
   void ShowSelection(std::int32_t index);
   void EnsureVisible(std::int32_t index);
 
@@ -58,12 +58,12 @@ class CallListWidget : public QTableView {
 
  private:
   int SelectedRow() const;
-  std::int64_t CallAt(const QMouseEvent& event) const;
+  CallRow CallAt(const QMouseEvent& event) const;
   void SetMetrics();
   void ScrollBy(int rows);
 
   CallModel* model_;
-  std::int64_t pressed_ = 0;  ///< the call on which the mouse was pressed last
+  CallRow pressed_;  ///< the call on which the mouse was pressed last
   std::vector<CallColumn> columns_;
   std::uint32_t style_ = 0;
   bool by_program_ = false;   ///< the selection is being changed by the program

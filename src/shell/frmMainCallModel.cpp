@@ -141,8 +141,8 @@ QVariant CallModel::headerData(int section, Qt::Orientation orientation, int rol
   return {};
 }
 
-std::int64_t CallModel::ShownCall(std::int32_t index) const {
-  return index < 1 || index > count_ ? 0 : Row(index - 1).call;
+CallRow CallModel::ShownCall(std::int32_t index) const {
+  return index < 1 || index > count_ ? CallRow() : Row(index - 1);
 }
 
 QString CallModel::RowText(int row) const {

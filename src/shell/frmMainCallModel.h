@@ -37,8 +37,8 @@ class CallModel : public QAbstractTableModel {
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-  /// What identifies the call that a row shows, 0 without such a row.
-  std::int64_t ShownCall(std::int32_t index) const;
+  /// What a row shows; no call without such a row.
+  CallRow ShownCall(std::int32_t index) const;
 
   /// The row's texts on one line, for the clipboard.
   QString RowText(int row) const;

@@ -162,7 +162,7 @@ void frmMain::ShowIcon(std::int32_t index, CallIcon icon) {
   ListView1_->ShowIcon(index, icon);
 }
 
-std::int64_t frmMain::ShownCall(std::int32_t index) const {
+CallRow frmMain::ShownCall(std::int32_t index) const {
   return ListView1_->ShownCall(index);
 }
 

@@ -276,6 +276,11 @@ void MainWindow::CameBack() {
   machine_.tray.MakeSysTryBaloon(machine_.ListView1.Total(), machine_.ListView1.NewCalls());
 }
 
+void MainWindow::ActivationChanged() {
+  auto& list = machine_.ListView1;
+  if (loaded_ && !ended_ && !tmrRecords_->Enabled() && list.Count() == 0) list.FollowRecords();
+}
+
 void MainWindow::PopUpTrayMenu() {
   const auto trap = ErrorTrap::Silent();
   trap([&] { views_.frame.PopUpTrayMenu(); });

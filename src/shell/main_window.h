@@ -46,6 +46,10 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   /// A person has brought the window back without the tray (where it could only be minimised).
   void CameBack();
 
+  /// The window has become the active one, or another has. Calls that another program has added to an empty
+  /// list are shown; rows that a person may be about to click stay where they are.
+  void ActivationChanged();
+
   /// Tells the person at the desk in a box what happened to the records or the settings, as soon as nothing
   /// else runs, and shows the records that there are.
   void TellOfLoss(const std::string& text);

@@ -158,8 +158,8 @@ class RecordingViews : public WholeMainWindow {
     for (std::int32_t row = 1; row <= list->Count(); ++row) rows.at(At(row)) = list->Row(row);
   }
   void ShowIcon(std::int32_t index, CallIcon icon) override { rows.at(At(index)).icon = icon; }
-  std::int64_t ShownCall(std::int32_t index) const override {
-    return At(index) < rows.size() ? rows[At(index)].call : 0;
+  CallRow ShownCall(std::int32_t index) const override {
+    return At(index) < rows.size() ? rows[At(index)] : CallRow();
   }
   void ShowSelection(std::int32_t index) override { selection = index; }
   void EnsureVisible(std::int32_t /*index*/) override {}

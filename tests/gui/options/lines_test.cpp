@@ -111,6 +111,7 @@ TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
 TEST_F(LinesWindow, EnterInTheListOpensTheLineAndStoresNothing) {
   Open();
   QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+  EXPECT_FALSE(In<QPushButton>(*window, "cmdTest").isDefault()) << "Enter does not press it";
   QTest::keyClick(&List(), Qt::Key_Return);
   EXPECT_TRUE(window->isVisible());
   EXPECT_EQ(used, 0);
@@ -192,7 +193,7 @@ TEST_F(LinesWindow, AModemsPortIsChosenFromThoseFoundAndOneThatIsGoneStays) {
     Click(editor, "cmdFindPorts");
     EXPECT_EQ(port.currentText(), u"/dev/gone");
     port.setCurrentIndex(port.findText(QStringLiteral("/dev/ttyUSB0")));
-    Click(editor, "cmdTest");
+    QTest::keyClick(&In<QPushButton>(editor, "cmdTest"), Qt::Key_Return);
     ASSERT_THAT(lines.tested, SizeIs(1));
     EXPECT_EQ(lines.tested[0].port, "/dev/ttyUSB0");
     lines.done({false, "Nothing answers."});

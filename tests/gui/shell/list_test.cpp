@@ -142,7 +142,8 @@ TEST_F(List, DeleteAndClearAskFirstAndActOnYesOnly) {
   for (const char* name : {"mnuSave", "mnuDelete", "mnuPlay"})
     EXPECT_FALSE(desk.Get<QAction>(name).isEnabled()) << name;
   desk.File({{"Dora", 50}});
-  desk.Machine().ListView1.makeList();
+  QEvent activation(QEvent::ActivationChange);
+  QApplication::sendEvent(&desk.window, &activation);
   desk.Press("Toolbar1.Clear");
   EXPECT_EQ(ListView1().model()->rowCount(), 0);
   EXPECT_TRUE(desk.files.Exists(desk.MessagePath("Dora")));
@@ -230,7 +231,6 @@ TEST_F(List, IsEmptyAfterAnotherProgramHasEmptiedItWhileAMessagePlays) {
   desk.Machine().ListView1.makeList();
   EXPECT_EQ(ListView1().model()->rowCount(), 0);
   EXPECT_EQ(desk.SelectedRow(), 0);
-  EXPECT_FALSE(desk.window.grab().isNull());
 }
 
 TEST(LongList, KeepsWhatAPersonLooksAtInSightWhenCallsComeAndGo) {
