@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/epoll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -22,8 +23,20 @@ constexpr std::size_t kMostInAll = 128;
 /// A message has 64 KB at most: more without one is none.
 constexpr std::uint64_t kMostWithoutMessage = 128 * 1024;
 
+/// The library closes a connection when a piece of 8 KB more makes 64 KB of what is not a whole message yet;
+/// with smaller ones messages of 60 KB may follow each other.
+constexpr std::size_t kPiece = 4096;
+
 /// What the system holds for a peer before we take it for one that does not read. Our answers have 1 KB.
 constexpr int kMostUnread = 64 * 1024;
+
+/// A peer that just has much to read gets so long for it. Meanwhile the library keeps up to 700 bytes for
+/// each 4 that come (an answer to an empty line), 22 MB for kMostWithoutMessage: hence so few at a time.
+constexpr std::chrono::seconds kPatience{1};
+constexpr int kMostStuck = 2;
+
+/// A connection that is new has so long for its first message before it is closed rather than others.
+constexpr std::uint32_t kFirstMessageMs = 5'000;
 
 /// An accepted connection is found so long after it was announced, and at the latest.
 constexpr std::chrono::milliseconds kSoon{10};
@@ -46,6 +59,25 @@ tcp_info InfoOf(int descriptor) {
   return info;
 }
 
+/// What the library has taken of a connection; what still waits in the system is not counted.
+std::uint64_t TakenFrom(int descriptor) {
+  const std::uint64_t received = InfoOf(descriptor).tcpi_bytes_received;
+  int waiting = 0;
+  (void)::ioctl(descriptor, FIONREAD, &waiting);
+  return received - std::min(received, static_cast<std::uint64_t>(waiting));
+}
+
+bool CanSend(int descriptor) {
+  pollfd state{descriptor, POLLOUT, 0};
+  return ::poll(&state, 1, 0) == 1 && (state.revents & POLLOUT) != 0;
+}
+
+int DescriptorOf(const sip_msg& message) {
+  const tcp_conn* const connection = sip_msg_tcpconn(&message);
+  const int descriptor = connection != nullptr ? tcp_conn_fd(connection) : -1;
+  return descriptor < kMostDescriptors ? descriptor : -1;
+}
+
 template <typename Ask>
 sa AddressBy(Ask ask, int descriptor) {
   sa address{};
@@ -63,7 +95,10 @@ void CloseConnection(int descriptor) {
 }  // namespace
 
 ConnectionGuard::ConnectionGuard(std::function<bool(const sa&)> is_ours)
-    : is_ours_(std::move(is_ours)), soon_([this] { Look(); }), tick_([this] { Look(); }) {}
+    : is_ours_(std::move(is_ours)),
+      soon_([this] { Look(); }),
+      patience_([this] { Look(); }),
+      tick_([this] { Look(); }) {}
 
 void ConnectionGuard::Start() {
   ready_ = ::epoll_create1(EPOLL_CLOEXEC);
@@ -75,6 +110,7 @@ void ConnectionGuard::Start() {
 
 void ConnectionGuard::Stop() {
   soon_.Stop();
+  patience_.Stop();
   tick_.Stop();
   if (ready_ < 0) return;
   fd_close(ready_);
@@ -85,25 +121,49 @@ void ConnectionGuard::Stop() {
 void ConnectionGuard::Look() {
   std::vector<Connection> connections;
   for (int descriptor = 0; descriptor < kMostDescriptors; ++descriptor) {
-    const sa local = AddressBy(::getsockname, descriptor);
-    if (!sa_isset(&local, SA_ALL) || OptionOf(descriptor, SO_TYPE) != SOCK_STREAM || !is_ours_(local))
+    if (!Watch(descriptor)) {
+      watched_[static_cast<std::size_t>(descriptor)] = {};
+    } else if (IsListening(descriptor)) {
       continue;
-    epoll_event wanted{.events = EPOLLIN, .data = {.fd = descriptor}};
-    const bool is_new = ::epoll_ctl(ready_, EPOLL_CTL_ADD, descriptor, &wanted) == 0;
-    if (IsListening(descriptor)) continue;
-    if (is_new) {
-      heard_[static_cast<std::size_t>(descriptor)] = 0;
-      (void)::setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &kMostUnread, sizeof(kMostUnread));
+    } else if (GoesTooFar(descriptor)) {
+      CloseConnection(descriptor);
+    } else {
+      connections.push_back(Describe(descriptor));
     }
-    connections.push_back(
-        {descriptor, AddressBy(::getpeername, descriptor), InfoOf(descriptor).tcpi_last_data_recv});
   }
   CloseExcess(std::move(connections));
 }
 
-/// Those that have been silent the longest go first.
+/// Whether the socket is this line's, for others to connect to or connected. A new one is watched from now
+/// on.
+bool ConnectionGuard::Watch(int descriptor) {
+  const sa local = AddressBy(::getsockname, descriptor);
+  if (!sa_isset(&local, SA_ALL) || OptionOf(descriptor, SO_TYPE) != SOCK_STREAM || !is_ours_(local)) {
+    return false;
+  }
+  epoll_event wanted{.events = EPOLLIN, .data = {.fd = descriptor}};
+  if (::epoll_ctl(ready_, EPOLL_CTL_ADD, descriptor, &wanted) != 0) return true;
+  watched_[static_cast<std::size_t>(descriptor)] = {};
+  if (descriptor == spared_) spared_ = -1;
+  if (!IsListening(descriptor)) {
+    (void)::setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &kMostUnread, sizeof(kMostUnread));
+  }
+  return true;
+}
+
+/// Who has never sent a message in all the time is less likely a telephone.
+ConnectionGuard::Connection ConnectionGuard::Describe(int descriptor) const {
+  const std::uint32_t silent_ms = InfoOf(descriptor).tcpi_last_data_recv;
+  const bool speaks =
+      watched_[static_cast<std::size_t>(descriptor)].heard != 0 || silent_ms < kFirstMessageMs;
+  const int rank = descriptor == spared_ ? 0 : speaks ? 1 : 2;
+  return {descriptor, AddressBy(::getpeername, descriptor), rank, silent_ms};
+}
+
+/// Of the same rank, those that have been silent the longest go first.
 void ConnectionGuard::CloseExcess(std::vector<Connection> connections) {
-  std::ranges::sort(connections, {}, &Connection::silent_ms);
+  std::ranges::sort(connections, {},
+                    [](const Connection& one) { return std::pair(one.rank, one.silent_ms); });
   std::vector<Connection> kept;
   for (const Connection& one : connections) {
     const auto same = std::ranges::count_if(
@@ -130,18 +190,40 @@ void ConnectionGuard::TakeReady() {
   }
 }
 
-bool ConnectionGuard::GoesTooFar(int descriptor) const {
-  pollfd state{descriptor, POLLOUT, 0};
-  const bool reads = ::poll(&state, 1, 0) == 1 && (state.revents & POLLOUT) != 0;
-  const std::uint64_t received = InfoOf(descriptor).tcpi_bytes_received;
-  return !reads || received > heard_[static_cast<std::size_t>(descriptor)] + kMostWithoutMessage;
+bool ConnectionGuard::GoesTooFar(int descriptor) {
+  const std::uint64_t taken = TakenFrom(descriptor);
+  const std::uint64_t heard = watched_[static_cast<std::size_t>(descriptor)].heard;
+  return taken > heard + kMostWithoutMessage || IsStuckTooLong(descriptor);
 }
 
+bool ConnectionGuard::IsStuckTooLong(int descriptor) {
+  Watched& one = watched_[static_cast<std::size_t>(descriptor)];
+  if (CanSend(descriptor)) {
+    one.stuck.reset();
+    return false;
+  }
+  if (!patience_.Running()) patience_.StartOnce(kPatience);
+  if (one.stuck) return Clock::now() - *one.stuck >= kPatience;
+  one.stuck = Clock::now();
+  return std::ranges::count_if(watched_, [](const Watched& other) { return other.stuck.has_value(); }) >
+         kMostStuck;
+}
+
+/// Not while answers queue up in the library: what comes until they are gone is bounded like a message.
 void ConnectionGuard::Heard(const sip_msg& message) {
-  const tcp_conn* const connection = sip_msg_tcpconn(&message);
-  const int descriptor = connection != nullptr ? tcp_conn_fd(connection) : -1;
-  if (descriptor < 0 || descriptor >= kMostDescriptors) return;
-  heard_[static_cast<std::size_t>(descriptor)] = InfoOf(descriptor).tcpi_bytes_received;
+  const int descriptor = DescriptorOf(message);
+  if (descriptor < 0 || !Watch(descriptor)) return;
+  tcp_conn* const connection = sip_msg_tcpconn(&message);
+  tcp_conn_rxsz_set(connection, kPiece);
+  if (tcp_conn_txqsz(connection) == 0) {
+    watched_[static_cast<std::size_t>(descriptor)].heard = TakenFrom(descriptor);
+  }
+  if (!call_.empty() && View(message.callid) == call_) spared_ = descriptor;
+}
+
+void ConnectionGuard::Spare(const sip_msg& invite) {
+  call_ = View(invite.callid);
+  spared_ = DescriptorOf(invite);
 }
 
 }  // namespace orven

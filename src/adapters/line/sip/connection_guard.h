@@ -2,8 +2,11 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "adapters/line/sip/libre.h"
@@ -34,21 +37,39 @@ class ConnectionGuard {
   /// A whole message has come by a connection.
   void Heard(const sip_msg& message);
 
+  /// The connection by which the messages of this call come is never one too many, until the next call.
+  void Spare(const sip_msg& invite);
+
  private:
+  using Clock = std::chrono::steady_clock;
+
+  /// What is known of a socket, by its descriptor.
+  struct Watched {
+    std::uint64_t heard = 0;                 ///< bytes taken up to the latest message; 0: none has come
+    std::optional<Clock::time_point> stuck;  ///< since when what we send has not been read
+  };
+
   struct Connection {
     int descriptor;
     sa peer;
+    int rank;                 ///< those of a high rank are closed first
     std::uint32_t silent_ms;  ///< since something came from there
   };
 
   void TakeReady();
-  bool GoesTooFar(int descriptor) const;
+  bool Watch(int descriptor);
+  bool GoesTooFar(int descriptor);
+  bool IsStuckTooLong(int descriptor);
+  Connection Describe(int descriptor) const;
   static void CloseExcess(std::vector<Connection> connections);
 
   const std::function<bool(const sa&)> is_ours_;
-  int ready_ = -1;                                       ///< epoll(7): sockets from which something came
-  std::array<std::uint64_t, kMostDescriptors> heard_{};  ///< bytes received up to the latest message
+  int ready_ = -1;  ///< epoll(7): sockets from which something came
+  std::array<Watched, kMostDescriptors> watched_{};
+  std::string call_;  ///< Call-ID of the call to spare
+  int spared_ = -1;   ///< its connection
   SteadyTimer soon_;
+  SteadyTimer patience_;
   SteadyTimer tick_;
 };
 

@@ -88,7 +88,10 @@ void SipAgent::TakeInvite(SipStation& at, const sip_msg& invite) {
     surroundings_.emplace(CallSurroundings{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
                                            contact.empty() ? ContactUser(settings_) : contact});
     call_ = SipCall::Accept(*surroundings_, calls_ + 1, invite);
-    if (call_ != nullptr) ++calls_;
+    if (call_ != nullptr) {
+      ++calls_;
+      transports_.Spare(invite);
+    }
   } catch (const std::exception&) {
     (void)sip_reply(&at.Stack(), &invite, 500, "Server Internal Error");
   }

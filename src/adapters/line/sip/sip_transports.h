@@ -47,6 +47,9 @@ class SipTransports {
   /// The station that requests to `server` leave from; nullptr: there is no way there.
   SipStation* Towards(const sa& server);
 
+  /// The call of `invite` is up now: strangers' connections do not push out its own.
+  void Spare(const sip_msg& invite) { guard_.Spare(invite); }
+
   /// Ends all that is under way, then tells so, perhaps at once.
   void Close();
 

@@ -155,6 +155,12 @@ TEST_F(SipHostileTest, BrokenTcpStreamsAreClosedCostNoMemoryAndOthersAreServed) 
   caller.Send(Invite("Type: application/sdp", "Length: 0"));
   EXPECT_NE(caller.ReceiveText(milliseconds(8000)), "");
   ASSERT_TRUE(events.Wait("Offered 1"));
+  for (int i = 0; i < 40; ++i) idle.push_back(Socket::TcpTo(port));
+  for (int i = 0; i < 50; ++i)
+    EXPECT_FALSE(idle[static_cast<std::size_t>(i)].Receive(milliseconds(2000))) << "the new ones push it out";
+  line->Drop(1, 1);
+  EXPECT_NE(caller.ReceiveText(milliseconds(8000)).find("486"), std::string::npos)
+      << "the call's own is kept";
 }
 
 }  // namespace
