@@ -28,9 +28,13 @@ constexpr const char* kMended = ".mended-recording";
 CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   const auto& trail = call.trail;
   const auto expected = parts_.shared.messages_path + call.message_file_name;
+  // A damaged journal may name a folder.
+  const auto is_there = [this](const std::string& path) {
+    return !FileNamePart(path).empty() && parts_.files.Exists(path);
+  };
   if (!call.message_path.empty()) {
     for (const auto& path : {trail.storing_path, call.message_path, expected}) {
-      if (!path.empty() && parts_.files.Exists(path)) return TakeStored(call, path);
+      if (is_there(path)) return TakeStored(call, path);
     }
     if (grown_.CouldNotLook(FolderPart(call.message_path))) return Message::kOutOfReach;
     call.message_path.clear();
@@ -39,7 +43,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   if (trail.growing_folder.empty() || FileNamePart(call.message_file_name).empty()) return Message::kNone;
   // What has its name is another call's.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
-  if (!trail.storing_path.empty() && parts_.files.Exists(trail.storing_path) &&
+  if (is_there(trail.storing_path) &&
       RecordNaming(NameInFolder(trail.storing_path, parts_.shared.messages_path), true) == 0) {
     return TakeStored(call, trail.storing_path);
   }

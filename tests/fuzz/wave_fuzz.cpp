@@ -140,7 +140,7 @@ void Show(const std::string& path, std::uint8_t place) {
   for (const float peak : drawn->peaks) Require(peak >= 0 && peak <= 1);
   Require(length > 0 || drawn->peaks.empty());
   if (control.PlayFile(path, 0) != kWaveOk) return;
-  Require(length > 0);
+  Require(length >= 0);
   for (int block = 0; block < 4 && card.Pull(); ++block) Require(control.Position().count() >= 0);
   control.Seek(
       std::chrono::milliseconds(static_cast<std::int64_t>(std::min(length, 1e6) * 1000 * place / 200)));
