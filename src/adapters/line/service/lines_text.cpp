@@ -96,7 +96,7 @@ class Lines {
     const std::string_view meant = WithoutLineComment(line);
     const auto end = line.find(meant) + meant.size();
     auto begin = line.find('=') + 1;
-    while (begin < end && kLineBlanks.find(line[begin]) != std::string_view::npos) ++begin;
+    while (begin < end && (line[begin] == ' ' || line[begin] == '\t')) ++begin;
     Replace(index, begin, end - begin, begin > line.find('=') + 1 ? value : ' ' + value);
   }
 

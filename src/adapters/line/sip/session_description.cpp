@@ -141,13 +141,12 @@ std::string MendDescription(std::string_view text) {
 
 void RestoreProtocols(std::span<char> text) {
   constexpr std::string_view kMended = "m=audio 0 rtp/";
-  for (auto rest = text;;) {
-    const auto found = std::ranges::search(rest, kMended);
-    if (found.empty()) return;
-    rest = {found.begin(), rest.end()};
-    const auto end = std::ranges::find(rest, '\r');
-    std::transform(rest.begin() + 8, end, rest.begin() + 8, [](unsigned char one) { return toupper(one); });
-    rest = {end, rest.end()};
+  for (auto at = text.begin();;) {
+    at = std::search(at, text.end(), kMended.begin(), kMended.end());
+    if (at == text.end()) return;
+    const auto end = std::find(at, text.end(), '\r');
+    std::transform(at + 8, end, at + 8, [](unsigned char one) { return static_cast<char>(toupper(one)); });
+    at = end;
   }
 }
 
