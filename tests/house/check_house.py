@@ -22,7 +22,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 STANDARD_HEADER = re.compile(r"[a-z_]+")  # C++'s own have no extension, folder or capital
 LICENSED = re.compile(r"(\.(cpp|h|py|sh|cmake)|/CMakeLists\.txt|/run)$")
 LICENCE_LINE = "SPDX-License-Identifier: GPL-3.0-or-later"
-CHECKED_FOLDERS = ("src", "tests", "bench", "cmake", "assets", "demo", "packaging", ".ci")
+CHECKED_FOLDERS = ("src", "tests", "tools", "bench", "cmake", "assets", "demo", "packaging", ".ci")
 
 
 def files_below(root):

@@ -10,7 +10,7 @@
 
 #include "adapters/line/modem/modem_agent.h"
 #include "adapters/line/sim/virtual_time.h"
-#include "support/modem/modem_emulator.h"
+#include "modem_emulator/modem_emulator.h"
 
 namespace orven::test {
 

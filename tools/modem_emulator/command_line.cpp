@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "modem_emulator/command_line.h"
+
+#include <cctype>
+
+namespace orven::emulator {
+namespace {
+
+constexpr std::uint8_t kBackspace = 8;
+constexpr std::size_t kLongestLine = 255;
+
+bool Digit(char letter) {
+  return std::isdigit(static_cast<unsigned char>(letter)) != 0;
+}
+bool Capital(char letter) {
+  return letter >= 'A' && letter <= 'Z';
+}
+
+std::string Normal(std::string_view line) {
+  std::string text;
+  for (const char letter : line) {
+    if (letter != ' ') text += static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+  }
+  return text;
+}
+
+/// Reads commands off the front of a line.
+class Splitter {
+ public:
+  explicit Splitter(std::string text) : text_(std::move(text)) {}
+
+  bool AtEnd() const { return at_ == text_.size(); }
+
+  /// The next command, or nothing when there is none that a modem could know.
+  std::optional<CommandRequest> Next() {
+    if (std::string_view("+#*-").find(text_[at_]) != std::string_view::npos) return Extended();
+    return Basic();
+  }
+
+ private:
+  char Here() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+
+  std::string Digits() {
+    const auto begin = at_;
+    while (Digit(Here())) ++at_;
+    return text_.substr(begin, at_ - begin);
+  }
+
+  std::optional<CommandRequest> Extended() {
+    const auto end = std::min(text_.find(';', at_), text_.size());
+    const auto part = text_.substr(at_, end - at_);
+    at_ = std::min(end + 1, text_.size());
+    CommandRequest request;
+    const auto mark = part.find_first_of("=?");
+    request.name = part.substr(0, mark);
+    if (request.name.size() < 2) return std::nullopt;
+    if (mark == std::string::npos) return request;
+    request.value = part.substr(mark + 1);
+    const bool ask = part[mark] == '?';
+    if (ask && !request.value.empty()) return std::nullopt;
+    const bool test = !ask && request.value == "?";
+    request.form = ask    ? CommandRequest::Form::Ask
+                   : test ? CommandRequest::Form::Test
+                          : CommandRequest::Form::Set;
+    return request;
+  }
+
+  std::optional<CommandRequest> Basic() {
+    CommandRequest request;
+    if (std::string_view("&\\%").find(Here()) != std::string_view::npos) request.name += text_[at_++];
+    if (!Capital(Here())) return std::nullopt;
+    request.name += text_[at_++];
+    if (request.name == "S") return Register(std::move(request));
+    if (request.name == "D") {
+      request.value = text_.substr(at_);
+      at_ = text_.size();
+    } else {
+      request.value = Digits();
+    }
+    if (Here() == ';') ++at_;
+    return request;
+  }
+
+  std::optional<CommandRequest> Register(CommandRequest request) {
+    request.name += Digits();
+    const char mark = Here();
+    if (mark != '=' && mark != '?') return std::nullopt;
+    ++at_;
+    request.form = mark == '=' ? CommandRequest::Form::Set : CommandRequest::Form::Ask;
+    if (mark == '=') request.value = Digits();
+    if (Here() == ';') ++at_;
+    return request;
+  }
+
+  std::string text_;
+  std::size_t at_ = 0;
+};
+
+}  // namespace
+
+std::optional<std::string> CommandLine::Put(std::uint8_t byte) {
+  const char letter = static_cast<char>(byte);
+  const char capital = static_cast<char>(std::toupper(byte));
+  if (state_ == State::Inside) {
+    if (letter == '\r') {
+      state_ = State::Outside;
+      latest_ = line_;
+      return latest_;
+    }
+    if (byte == kBackspace) {
+      if (!line_.empty()) line_.pop_back();
+    } else if (letter >= ' ' && line_.size() < kLongestLine) {
+      line_ += letter;
+    }
+    return std::nullopt;
+  }
+  if (state_ == State::A && capital == 'T') {
+    state_ = State::Inside;
+    line_.clear();
+  } else if (state_ == State::A && letter == '/') {
+    state_ = State::Outside;
+    return latest_;
+  } else {
+    state_ = capital == 'A' ? State::A : State::Outside;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::vector<CommandRequest>> SplitCommands(std::string_view line) {
+  std::vector<CommandRequest> requests;
+  Splitter splitter(Normal(line));
+  while (!splitter.AtEnd()) {
+    auto request = splitter.Next();
+    if (!request) return std::nullopt;
+    requests.push_back(std::move(*request));
+  }
+  return requests;
+}
+
+}  // namespace orven::emulator

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QCoreApplication>
+#include <iostream>
+
+#include "adapters/desktop/exit_signals.h"
+#include "modem_emulator/program/modem_program.h"
+
+int main(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  const orven::ExitSignals exit([] { QCoreApplication::quit(); });  // an ordinary exit: the link goes
+  try {
+    const orven::emulator::ModemProgram program(orven::emulator::ReadOptions(QCoreApplication::arguments()));
+    return QCoreApplication::exec();
+  } catch (const std::exception& error) {
+    std::cerr << "orven-modem-emulator: " << error.what() << "\n";
+    return 1;
+  }
+}

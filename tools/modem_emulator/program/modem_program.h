@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSocketNotifier>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/desktop/qt_clock.h"
+#include "adapters/desktop/qt_event_loop.h"
+#include "modem_emulator/modem_emulator.h"
+#include "modem_emulator/program/options.h"
+#include "modem_emulator/program/pseudo_terminal.h"
+#include "modem_emulator/program/sound_files.h"
+
+namespace orven::emulator {
+
+/// The emulated modem, its port, what happens to it, and the report of it on standard output.
+class ModemProgram {
+ public:
+  explicit ModemProgram(Options options);
+
+ private:
+  void Plug();
+  void Take(const Step& step);
+  void TakeLineStep(const Step& step);
+  void ReadInput();
+  void WatchInput();
+  void Heard(const std::string& news);
+  void Tick();
+  void Report(const std::string& line) { Report(line, clock_.Uptime()); }
+  void Report(const std::string& line, std::chrono::milliseconds at);
+
+  Options options_;
+  QtEventLoop loop_;
+  QtClock clock_;
+  ModemEmulator modem_;
+  GrowingWav captured_;
+  GrowingWav spoken_;
+  GrowingFile sent_;
+  std::optional<PseudoTerminal> port_;
+  std::unique_ptr<QSocketNotifier> input_;
+  std::string input_text_;
+  std::unique_ptr<Timer> tick_;
+  std::chrono::milliseconds key_reported_at_{0};
+  bool speaking_ = false;
+  bool quit_ = false;  ///< as soon as it is on-hook
+};
+
+}  // namespace orven::emulator

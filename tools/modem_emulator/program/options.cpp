@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "modem_emulator/program/options.h"
+
+#include <QCommandLineParser>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <map>
+
+namespace orven::emulator {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& sentence) {
+  std::cerr << "orven-modem-emulator: " << sentence << "\n";
+  std::exit(2);
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const auto& word : words) text += (text.empty() ? "" : ", ") + word;
+  return text;
+}
+
+const std::map<std::string, bool ModemFaults::*>& FaultNames() {
+  static const std::map<std::string, bool ModemFaults::*> names = {
+      {"ignores-silence-detection", &ModemFaults::ignores_silence_detection},
+      {"no-hang-up-code", &ModemFaults::no_hang_up_code},
+      {"refuses-off-hook-in-ring", &ModemFaults::refuses_off_hook_in_ring},
+      {"answer-does-not-take", &ModemFaults::answer_does_not_take},
+      {"stale-ok", &ModemFaults::stale_ok},
+      {"ring-inside-a-reply", &ModemFaults::ring_inside_a_reply},
+      {"tripled-keys", &ModemFaults::tripled_keys},
+  };
+  return names;
+}
+
+std::string FaultList() {
+  std::vector<std::string> names;
+  for (const auto& [name, member] : FaultNames()) names.push_back(name);
+  return Joined(names) + ", three-stops";
+}
+
+ModemFaults Faults(const QString& text) {
+  ModemFaults faults;
+  for (const auto& part : text.split(',', Qt::SkipEmptyParts)) {
+    const auto name = part.trimmed().toStdString();
+    const auto found = FaultNames().find(name);
+    if (name == "three-stops") {
+      faults.stops_needed = 3;
+    } else if (found != FaultNames().end()) {
+      faults.*(found->second) = true;
+    } else {
+      Refuse("there is no fault \"" + name + "\"; there are " + FaultList());
+    }
+  }
+  return faults;
+}
+
+std::vector<Step> Script(const QString& path) {
+  if (path.isEmpty()) return {};
+  std::ifstream in(path.toStdString());
+  if (!in) Refuse("the script " + path.toStdString() + " cannot be read");
+  try {
+    return ReadScript(in);
+  } catch (const std::runtime_error& error) {
+    Refuse(path.toStdString() + ": " + error.what());
+  }
+}
+
+}  // namespace
+
+Options ReadOptions(const QStringList& arguments) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription(
+      "A voice modem with a telephone line, on a pseudo-terminal.\n"
+      "Standard input takes the steps of a script, without their seconds; they are taken at once:\n" +
+      QString::fromStdString(ScriptHelp()));
+  const auto add = [&parser](const char* name, const std::string& meaning, const char* value,
+                             const char* usual = "") {
+    parser.addOption({name, QString::fromStdString(meaning), value, usual});
+  };
+  add("profile", "chip family: " + Joined(ModemProfileNames()), "NAME", "conexant");
+  add("faults", "what goes wrong, separated by commas: " + FaultList(), "NAMES");
+  add("script", "lines of SECONDS STEP", "FILE");
+  add("link", "a symbolic link to the pseudo-terminal", "PATH");
+  add("captured", "gets what the caller hears in the latest call", "FILE.wav");
+  add("spoken", "gets what the caller says in the latest call", "FILE.wav");
+  add("sent", "gets the bytes of sound that the modem has sent in the latest call", "FILE");
+  add("seconds", "the program ends by itself after so many (300)", "N", "300");
+  parser.addOption(
+      {"times", "every report ends with \" at SECONDS\"; \"ring\" and \"key\" are reported, too"});
+  parser.addHelpOption();
+  parser.process(arguments);
+  if (!parser.positionalArguments().isEmpty()) Refuse("it takes options only; see --help");
+
+  const auto text = [&parser](const char* name) { return parser.value(name).toStdString(); };
+  Options options;
+  options.profile = FindModemProfile(text("profile"));
+  if (options.profile == nullptr) {
+    Refuse("there is no profile \"" + text("profile") + "\"; there are " + Joined(ModemProfileNames()));
+  }
+  options.faults = Faults(parser.value("faults"));
+  options.script = Script(parser.value("script"));
+  options.link = text("link");
+  options.captured = text("captured");
+  options.spoken = text("spoken");
+  options.sent = text("sent");
+  options.times = parser.isSet("times");
+  bool valid = false;
+  options.lifetime = std::chrono::seconds(parser.value("seconds").toInt(&valid));
+  if (!valid || options.lifetime <= std::chrono::seconds(0)) Refuse("--seconds takes a number above 0");
+  return options;
+}
+
+}  // namespace orven::emulator

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How sound passes between the host and the line: so many samples as time has passed.
+#include "modem_emulator/modem_impl.h"
+
+namespace orven {
+namespace {
+
+constexpr int kSamplesPerMillisecond = emulator::kLineRate / 1000;
+constexpr std::chrono::milliseconds kInactivityUnit(1000);
+constexpr int kSilenceUnit = emulator::kLineRate / 10;  // a tenth of a second
+constexpr int kShortestTail = 10;                       // ms of sound behind the stop
+constexpr int kLongestTail = 60;
+
+}  // namespace
+
+void ModemEmulator::Impl::StartTransmit() {
+  Advance();
+  const auto& format = interpreter_.Format();
+  playback_.emplace(format.coding, interpreter_.Rate(), profile_.buffer, played);
+  mode_ = Mode::Transmit;
+  News("playing");
+}
+
+void ModemEmulator::Impl::StartReceive() {
+  Advance();
+  const auto& format = interpreter_.Format();
+  receive_.emplace(format.coding, interpreter_.Rate(), profile_.shields_pairs, port_, sent);
+  const bool reports = !faults_.ignores_silence_detection && interpreter_.Setting("+VSD", 0) != 0;
+  silence_ = emulator::SilenceWatch(reports ? interpreter_.Setting("+VSD", 1) * kSilenceUnit : 0);
+  stops_ = 0;
+  stopping_ = false;
+  mode_ = Mode::Receive;
+  News("receiving");
+}
+
+void ModemEmulator::Impl::StopAsked() {
+  if (++stops_ < faults_.stops_needed || stopping_) return;
+  stopping_ = true;
+  After(Time(port_.Any(kShortestTail, kLongestTail)), [this, call = call_] {
+    if (call == call_) EndReceive();
+  });
+}
+
+void ModemEmulator::Impl::EndReceive() {
+  Advance();
+  receive_->Flush();
+  receive_.reset();
+  port_.Send("\x10\x03", Time(0));
+  EndOfSound(profile_.received);
+}
+
+void ModemEmulator::Impl::PlayTones(std::vector<emulator::ToneStep> steps) {
+  tones_.emplace(std::move(steps));
+}
+
+void ModemEmulator::Impl::Advance() {
+  if (!off_hook_) return;
+  const auto due = (clock_.Uptime() - answered_at_).count() * kSamplesPerMillisecond;
+  const auto samples = static_cast<std::size_t>(due - passed_);
+  passed_ = due;
+  if (samples > 0) Pass(samples);
+  WatchInactivity();
+}
+
+void ModemEmulator::Impl::Pass(std::size_t samples) {
+  std::vector<std::int16_t> out(samples);
+  std::vector<std::int16_t> in(samples);
+  const bool dry = playback_ && playback_->Take(out);
+  if (tones_) tones_->Add(out);
+  heard.insert(heard.end(), out.begin(), out.end());
+  caller.Take(in);
+  spoken.insert(spoken.end(), in.begin(), in.end());
+  if (receive_) {
+    receive_->Put(in);
+    if (const auto report = silence_.Put(in)) Sign(*report);
+  }
+  if (dry) {
+    Complain("the sound did not come in time: an underrun");
+    Sign('u');
+  }
+  if (playback_ && playback_->Over()) {
+    playback_.reset();
+    EndOfSound("OK");
+  }
+  if (tones_ && tones_->Over()) {
+    tones_.reset();
+    Answer(ResultText(emulator::Result::Ok));
+  }
+}
+
+void ModemEmulator::Impl::WatchInactivity() {
+  const auto limit = interpreter_.Setting("+VIT", 0) * kInactivityUnit;
+  const bool idle = mode_ == Mode::Command && !answering_ && interpreter_.VoiceClass();
+  if (!idle || limit == Time(0) || clock_.Uptime() - active_at_ < limit) return;
+  Complain("nothing came for as long as +VIT allows: it hangs up");
+  active_at_ = clock_.Uptime();
+  GoOnHook();
+}
+
+}  // namespace orven
