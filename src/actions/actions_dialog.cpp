@@ -1,16 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "actions/actions_dialog.h"
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
-#include "actions/call_parameters.h"
-#include "actions/mail_address.h"
+#include "actions/actions_engine.h"
 #include "core/conversions.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
 namespace orven {
 namespace {
+
+constexpr std::size_t kShortest = 6;
+constexpr std::string_view kRefused = "!#$%^&*()=+{}[]|\\;:'/?>,< ";
+
+bool Holds(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+/// Looks along the shorter of the two texts, as it has always been done.
+bool HoldsRefused(std::string_view text) {
+  if (text.size() < kRefused.size()) {
+    return std::ranges::any_of(text, [](char letter) { return Holds(kRefused, {&letter, 1}); });
+  }
+  return std::ranges::any_of(kRefused, [&](char letter) { return Holds(text, {&letter, 1}); });
+}
 
 constexpr const char* kParameters =
     "Parameters:\r\n"
@@ -59,6 +75,14 @@ std::string Stored(bool checked) {
 }
 
 }  // namespace
+
+bool IsMailAddress(const std::string& text) {
+  const auto at = text.find('@');
+  if (at == std::string::npos || !Holds(text, ".") || text.size() < kShortest) return false;
+  const auto domain = std::string_view(text).substr(at + 1);
+  if (Holds(domain, "@") || Holds(domain, " ") || !Holds(domain, ".")) return false;
+  return !Holds(text, "\"") && !HoldsRefused(text) && !Holds(text, "..");
+}
 
 std::string ActionsDialog::Value(const char* name) {
   return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, name);

@@ -13,6 +13,10 @@
 
 namespace orven {
 
+/// Whether `text` can be the address of a mail: six characters or more, one "@" with a "." somewhere
+/// behind it, no two dots in a row, none of the characters that addresses on the Internet do without.
+bool IsMailAddress(const std::string& text);
+
 /// Entries of the two lists "Act with".
 enum class ActWith { AllCalls = 0, MessagesOnly = 1 };
 

@@ -2,12 +2,20 @@
 #include "actions/actions_engine.h"
 
 #include <cmath>
+#include <string_view>
 
-#include "actions/call_parameters.h"
+#include "core/conversions.h"
 #include "core/error_trap.h"
 
 namespace orven {
 namespace {
+
+void Fill(std::string& text, std::string_view placeholder, const std::string& value) {
+  const auto found = text.find(placeholder);
+  if (found == std::string::npos) return;
+  NarrowToInt16(static_cast<std::int64_t>(found) + 1);
+  text.replace(found, placeholder.size(), value);
+}
 
 using namespace std::chrono_literals;
 
@@ -21,6 +29,15 @@ constexpr std::int32_t kHidden = 0;
 constexpr std::int32_t kNormalFocus = 1;
 
 }  // namespace
+
+std::string SubstituteParameters(std::string& text, const CallParameters& call) {
+  Fill(text, "<NUMBER>", call.number);
+  Fill(text, "<NAME>", call.name);
+  Fill(text, "<MESSAGE_PATH>", call.message_path);
+  Fill(text, "<DATE>", call.date);
+  Fill(text, "<TIME>", call.time);
+  return text;
+}
 
 ActionsEngine::ActionsEngine(Ports ports, Settings& settings, std::function<void()> show_line_state)
     : ports_(ports), settings_(settings), show_line_state_(std::move(show_line_state)) {

@@ -10,8 +10,7 @@
 #include "greetings/frmGreetCSpeaker.h"
 #include "greetings/frmGreetCSpeech.h"
 #include "greetings/greeting_creator.h"
-#include "greetings/greeting_creator_view.h"
-#include "notify/frmMSGParts.h"
+#include "notify/frmMSG.h"
 #include "shell/frmMainWaveform.h"
 
 namespace orven {

@@ -8,10 +8,24 @@
 #include <chrono>
 #include <cstdint>
 
-#include "greetings/frmGreetCLevel.h"
-#include "greetings/greeting_creator_view.h"
+#include "greetings/greeting_creator.h"
 
 namespace orven {
+
+/// How loud the microphone is: 0 to 1000 thousandths of full scale. Drawn in decibels, as loudness is
+/// heard: speech fills the middle, and red is where a take is distorted.
+class LevelMeter : public QProgressBar {
+  Q_OBJECT
+
+ public:
+  explicit LevelMeter(QWidget* parent);
+
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
 
 /// `Frame1` of the greeting creator: a take from the microphone, and listening to a take.
 class SpeakerFrame : public QWidget {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "log/log_lines.h"
+#include "log/log_viewer.h"
 
 namespace orven {
 

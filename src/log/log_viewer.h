@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -9,12 +10,68 @@
 #include <vector>
 
 #include "core/settings_store.h"
-#include "log/log_lines.h"
 #include "log/mdlLog.h"
 #include "platform/background.h"
 #include "platform/dialogs.h"
+#include "platform/files.h"
 
 namespace orven {
+
+/// A few lines of a text file as they stand in it, line ends included.
+struct LogPiece {
+  std::string bytes;
+  std::vector<std::uint16_t> ends;  ///< where each line ends in `bytes`
+};
+
+/// Lines of a file of any size, kept as the file's own bytes and two bytes a line.
+class LogLines {
+ public:
+  std::size_t Count() const { return count_; }
+
+  /// The line of this 0-based index, without its end. Stays valid until Clear.
+  std::string_view Line(std::size_t index) const;
+
+  void Append(LogPiece piece);
+  void Clear();
+
+ private:
+  std::vector<LogPiece> pieces_;
+  std::vector<std::size_t> first_lines_;  ///< of each piece
+  std::size_t count_ = 0;
+};
+
+/// Reads one file from its beginning, a piece at a time. Any thread, one at a time.
+class LogReading {
+ public:
+  /// So little work is in a piece that it never holds anybody up.
+  static constexpr std::size_t kMostLinesInPiece = 1024;
+  /// A longer line, as binary files have them, counts as several: a window must draw it.
+  static constexpr std::size_t kMostBytesInLine = 2048;
+  /// What is beyond is left out: it would cost its reader the computer's memory.
+  static constexpr std::uint64_t kMostBytes = std::uint64_t{512} << 20U;
+  static constexpr std::size_t kMostLines = 50'000'000;
+
+  LogReading(const Files& files, std::string path) : files_(files), path_(std::move(path)) {}
+
+  /// The next lines; none at the end. Throws as Files::ReadPart does.
+  LogPiece Next();
+
+  /// Whether the file goes on where Next has ended.
+  bool LeftOut() const { return left_out_; }
+
+ private:
+  LogPiece Cut();
+  std::size_t EndOfLine(std::size_t begin) const;
+  void ReadOn();
+
+  const Files& files_;
+  std::string path_;
+  std::uint64_t offset_ = 0;
+  std::size_t lines_ = 0;
+  std::string pending_;  ///< read, but not handed out yet
+  bool at_end_ = false;
+  bool left_out_ = false;
+};
 
 /// The log viewer's window, as its engine sees it. It shows; it raises nothing by being told.
 class LogViewerWindow {
@@ -94,6 +151,39 @@ class LogViewer {
   std::int32_t widest_ = 0;
   std::shared_ptr<Reading> reading_;  ///< the one that is under way
   Lifeline lifeline_;
+};
+
+/// The entries of `cmbLogFor`. The last, and any other text, means that no log is purged.
+inline constexpr const char* kLogForChoices[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
+
+/// The state of every control of the log properties, under the controls' names.
+struct LogChoices {
+  bool chkLogCalls = false;
+  bool chkLogSys = false;
+  std::string cmbLogFor;  ///< one of kLogForChoices
+  bool chkWornBeforeDelete = false;
+};
+
+/// What the log properties do: which logs are written, for how long they are kept, and whether the viewer
+/// asks before it deletes one. A statement that fails leaves no trace. User-interface thread.
+class LogProperties {
+ public:
+  LogProperties(Settings& settings, SettingsStore& store, LogFiles& log, std::function<void()> purged)
+      : settings_(settings), store_(store), log_(log), purged_(std::move(purged)) {}
+
+  LogChoices Load();
+
+  /// `cmdOK`: stores everything, uses it at once and purges; `purged` runs after that, when other events
+  /// have run in between.
+  void Ok(const LogChoices& choices);
+
+ private:
+  void Put(const char* name, std::int16_t Settings::*field, bool on);
+
+  Settings& settings_;
+  SettingsStore& store_;
+  LogFiles& log_;
+  std::function<void()> purged_;
 };
 
 }  // namespace orven

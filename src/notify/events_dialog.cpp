@@ -16,6 +16,12 @@ const std::string kSoundFilter("wav (*.wav)\0*.wav\0", 18);
 
 }  // namespace
 
+void DeskSounds::PlayWave(const std::string& path) {
+  if (player_.IsPlaying()) player_.Stop();
+  const auto result = WavePlay_.PlayFile(path, settings_.Sound);
+  if (result != kWaveOk) log_.WriteSystem("Play Sound " + WavePlay_.PlayErrorText(result));
+}
+
 EventChoices EventsDialog::Load() const {
   const Settings& settings = parts_.settings;
   EventChoices choices;

@@ -6,14 +6,33 @@
 #include <string>
 #include <vector>
 
+#include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
+#include "platform/wave.h"
 #include "records/call_store.h"
 #include "telephony/call_effects.h"
 
 namespace orven {
+
+/// Plays sounds on the sound card that messages are played on: one of them at a time. A sound that
+/// cannot be played is logged. User-interface thread.
+class DeskSounds : public EventSounds {
+ public:
+  /// `player` owns what `WavePlay` may be playing.
+  DeskSounds(WaveControl& WavePlay, MessagePlayer& player, const Settings& settings, SystemLog& log)
+      : WavePlay_(WavePlay), player_(player), settings_(settings), log_(log) {}
+
+  void PlayWave(const std::string& path) override;
+
+ private:
+  WaveControl& WavePlay_;
+  MessagePlayer& player_;
+  const Settings& settings_;
+  SystemLog& log_;
+};
 
 /// A list of the sound library: file names without folder, in order, and
 /// the one that is selected; empty for none.

@@ -8,7 +8,7 @@
 #include "greetings/microphone_take.h"
 #include "log/mdlLog.h"
 #include "notify/caller_view.h"
-#include "notify/desk_sounds.h"
+#include "notify/events_dialog.h"
 #include "notify/tray_icon.h"
 #include "options/greeting_player.h"
 #include "options/options_dialog.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/settings_store.h"
-#include "notify/caller_view_window.h"
+#include "notify/caller_view.h"
 #include "records/call_list.h"
 #include "records/local_player.h"
 #include "telephony/call_effects.h"

@@ -7,7 +7,6 @@
 #include "actions/frmActions.h"
 #include "greetings/frmGreetC.h"
 #include "log/frmLog.h"
-#include "log/frmLogProp.h"
 #include "notify/events_dialog.h"
 #include "notify/frmEvents.h"
 #include "options/frmLines.h"

@@ -14,7 +14,6 @@
 #include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
 #include "log/frmLog.h"
-#include "log/frmLogProp.h"
 #include "shell/frmMain.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"

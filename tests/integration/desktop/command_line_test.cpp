@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "actions/call_parameters.h"
+#include "actions/actions_engine.h"
 #include "adapters/line/service/caller_text.h"
 #include "platform/runtime_error.h"
 #include "support/scratch_folder.h"

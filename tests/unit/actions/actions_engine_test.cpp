@@ -3,8 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "actions/call_parameters.h"
-#include "actions/mail_address.h"
+#include "actions/actions_dialog.h"
 #include "platform/runtime_error.h"
 #include "support/world.h"
 

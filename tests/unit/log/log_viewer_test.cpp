@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "log/log_properties.h"
 #include "log/log_viewer.h"
 #include "platform/runtime_error.h"
 #include "support/world.h"

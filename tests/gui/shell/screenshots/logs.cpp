@@ -8,7 +8,6 @@
 #include "gui/shell/desk.h"
 #include "gui/shell/screenshots/pictures.h"
 #include "log/frmLog.h"
-#include "log/frmLogProp.h"
 #include "shell/frmAbout.h"
 
 namespace orven::test {
