@@ -17,9 +17,9 @@
 #include <utility>
 #include <vector>
 
+#include "adapters/audio/audio_file.h"
 #include "adapters/audio/file_wave_control.h"
-#include "adapters/audio/telephone_decoder.h"
-#include "adapters/audio/wave_image.h"
+#include "adapters/audio/growing_file.h"
 #include "adapters/audio/waveform_reader.h"
 #include "fuzz/input.h"
 

@@ -4,17 +4,52 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "adapters/audio/file_source.h"
-#include "adapters/audio/live_monitor.h"
-#include "adapters/audio/peak_meter.h"
+#include "adapters/audio/audio_file.h"
+#include "adapters/audio/monitor.h"
 #include "adapters/audio/recording.h"
-#include "adapters/audio/retired.h"
 #include "platform/audio_device.h"
 #include "platform/event_loop.h"
 #include "platform/wave.h"
 
 namespace orven {
+
+/// One English sentence for a result of playing; an unknown code is named by its number.
+std::string PlayResultText(std::int32_t code);
+
+/// The same for a result of recording.
+std::string RecordResultText(std::int32_t code);
+
+/// Keeps objects whose own thread is still busy with a last file operation, so that nobody has to wait
+/// for it. T has `bool Finished() const`; destroying a finished T does not wait. User-interface thread.
+template <class T>
+class Retired {
+ public:
+  /// Takes over `object` and lets go of those that have finished meanwhile. nullptr is ignored.
+  void Add(std::unique_ptr<T> object) {
+    std::erase_if(objects_, [](const std::unique_ptr<T>& old) { return old->Finished(); });
+    if (object) objects_.push_back(std::move(object));
+  }
+
+ private:
+  std::vector<std::unique_ptr<T>> objects_;
+};
+
+/// Every wave device of the program: the lines' and the sound cards'.
+class AllAudioDevices : public AudioDevices {
+ public:
+  /// Both outlive this object.
+  AllAudioDevices(AudioDevices& lines, AudioDevices& cards) : lines_(lines), cards_(cards) {}
+
+  AudioDevice* Find(std::int32_t number) override {
+    return number >= kFirstLineWaveDevice ? lines_.Find(number) : cards_.Find(number);
+  }
+
+ private:
+  AudioDevices& lines_;
+  AudioDevices& cards_;
+};
 
 /// The wave control over sound files: plays every WAV file that libsndfile reads (any rate is
 /// resampled, channels are mixed) and records PCM or mu-law WAV files.

@@ -1,16 +1,104 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <sndfile.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "adapters/audio/disk_file.h"
-#include "adapters/audio/wave_image.h"
+#include "adapters/audio/audio_file.h"
+#include "platform/wave.h"
 
 namespace orven {
+
+/// One new file being written, with results of the wave control. It stays on disk when the object dies.
+/// One thread at a time, but Sync may run beside anything else.
+class DiskFile {
+ public:
+  /// Creates ".recording-<name>-<process>-<n>.wav.part" in `folder`, with the first n that is free; without
+  /// a name, ".recording-<process>-<n>.wav.part". Such a name marks sound that was not finished or not
+  /// filed; a listing of "*.wav" passes it over.
+  static std::int32_t Create(const std::string& folder, const std::string& name,
+                             std::shared_ptr<DiskFile>& file);
+
+  ~DiskFile();
+  DiskFile(const DiskFile&) = delete;
+  DiskFile& operator=(const DiskFile&) = delete;
+
+  /// Writes all of `bytes` at `offset`, or fails with a part of them written.
+  std::int32_t WriteAt(std::size_t offset, std::span<const std::byte> bytes);
+
+  /// Returns when everything written has reached the disk.
+  std::int32_t Sync();
+
+  /// Moves the file within its file system, replacing an older file.
+  std::int32_t RenameTo(const std::string& path);
+
+  /// Deletes the file.
+  void Remove();
+
+  /// False when somebody else has deleted the file, or its folder.
+  bool IsThere() const;
+
+  const std::string& Path() const { return path_; }
+
+ private:
+  DiskFile(std::string path, int descriptor);
+
+  std::string path_;
+  const int descriptor_;
+};
+
+/// The part of `path` up to its last separator, without it; "." when there is none.
+std::string FolderOf(const std::string& path);
+
+/// Makes created, renamed and deleted names in `folder` survive a loss of power.
+std::int32_t SyncFolder(const std::string& folder);
+
+/// Whether a recording can be made in `format`: 16-bit PCM or 8-bit mu-law, one channel, 8000.
+bool IsRecordable(const WaveFormat& format);
+
+/// A recording as the bytes of a WAV file, in memory, complete and valid after each Append. It takes
+/// 16,000 bytes a second (mu-law: 8,000), an hour 58 MB; that whatever happens to the disk meanwhile,
+/// everything recorded is still there, is worth it. One thread at a time.
+class WaveImage {
+ public:
+  /// `format` must be recordable.
+  explicit WaveImage(const WaveFormat& format);
+  WaveImage(const WaveImage&) = delete;
+  WaveImage& operator=(const WaveImage&) = delete;
+
+  void Append(std::span<const std::int16_t> samples);
+
+  /// The file. Append changes only its header and what comes after its present end.
+  std::span<const std::byte> Bytes() const { return file_.bytes; }
+
+  /// The part of Bytes() that comes before the sound.
+  std::span<const std::byte> Header() const { return Bytes().first(header_bytes_); }
+
+  bool HasSound() const { return Bytes().size() > header_bytes_; }
+
+ private:
+  /// What the sound library takes for a file.
+  struct MemoryFile {
+    std::vector<std::byte> bytes;
+    std::size_t position = 0;
+
+    static sf_count_t Length(void* self);
+    static sf_count_t Seek(sf_count_t offset, int whence, void* self);
+    static sf_count_t Read(void* data, sf_count_t count, void* self);
+    static sf_count_t Write(const void* data, sf_count_t count, void* self);
+    static sf_count_t Tell(void* self);
+  };
+
+  MemoryFile file_;
+  SoundFile writer_;  ///< after file_: closing it still writes
+  std::size_t header_bytes_ = 0;
+};
 
 /// The file on disk that follows a WaveImage while it grows. It lives in the first of a few folders
 /// that takes it; where one fails later, the whole recording moves on to the next. Between updates the

@@ -14,9 +14,7 @@
 #include <vector>
 
 #include "adapters/audio/growing_file.h"
-#include "adapters/audio/live_monitor.h"
-#include "adapters/audio/peak_meter.h"
-#include "adapters/audio/wave_image.h"
+#include "adapters/audio/monitor.h"
 #include "platform/audio_device.h"
 #include "platform/wave.h"
 

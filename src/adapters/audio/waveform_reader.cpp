@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/audio/telephone_decoder.h"
+#include "adapters/audio/audio_file.h"
 #include "platform/wave.h"
 
 namespace orven {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace orven {
 
@@ -20,5 +22,15 @@ struct MailLimits {
   std::chrono::milliseconds inactivity{std::chrono::seconds(60)};  ///< without a reply or a byte taken
   std::string ca_file;  ///< PEM file of trusted certificates; empty: the system's
 };
+
+/// Where mails are handed in.
+struct MailServer {
+  std::string url;   ///< "smtp://name:25" or "smtps://name:465"
+  std::string name;  ///< for people: the name and, unless it is the usual one, the port
+};
+
+/// Reads "name", "name:port", "smtp://…" or "smtps://…" (the ports 25 and 465 where none is given; an
+/// IPv6 address in brackets). Nothing when the text is none of these.
+std::optional<MailServer> ParseMailServer(std::string_view text);
 
 }  // namespace orven

@@ -2,7 +2,11 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <mutex>
+#include <span>
+
+#include "platform/audio_device.h"
 
 namespace orven {
 
@@ -39,6 +43,32 @@ class CardUse {
   mutable std::mutex mutex_;
   Client* client_;  ///< nullptr when the use is over
   Clock::time_point last_block_;
+};
+
+/// One play of one source on a sound card. Any thread.
+class CardPlay : public CardUse<AudioSource> {
+ public:
+  enum class Got { Block, End, Stopped };
+
+  using CardUse::CardUse;
+
+  /// The next block: Block; End when the source has none left (once); Stopped when the play is over.
+  Got Read(std::span<std::int16_t> block);
+
+  /// Ends the play and tells the source so. False when it was over already.
+  bool Fail();
+};
+
+/// One take from a sound card's microphone into one sink. Any thread.
+class CardTake : public CardUse<AudioSink> {
+ public:
+  using CardUse::CardUse;
+
+  /// Hands the sink its next block. False when the take is over.
+  bool Write(std::span<const std::int16_t> block);
+
+  /// Ends the take, as no more blocks will come. False when it was over already.
+  bool Fail();
 };
 
 }  // namespace orven

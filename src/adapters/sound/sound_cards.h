@@ -10,8 +10,7 @@
 #include <vector>
 
 #include "adapters/sound/card_list.h"
-#include "adapters/sound/card_play.h"
-#include "adapters/sound/card_take.h"
+#include "adapters/sound/card_use.h"
 #include "adapters/sound/sound_thread.h"
 #include "platform/audio_device.h"
 #include "platform/event_loop.h"

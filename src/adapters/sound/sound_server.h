@@ -44,4 +44,9 @@ struct SoundServer {
 /// does not tell which of them belong to one card.
 SoundServer AskSoundServer(std::chrono::milliseconds limit);
 
+/// The id of the input to record from beside `output`: a connected one of the same physical card, the
+/// desktop's default one among several; else, and for an empty `output`, the desktop's default input, or
+/// the first connected one when the default is none. Empty when there is none.
+std::string MicrophoneOf(const SoundServer& server, const std::string& output);
+
 }  // namespace orven

@@ -7,10 +7,8 @@
 #include <iterator>
 #include <utility>
 
-#include "adapters/sound/card_player.h"
-#include "adapters/sound/card_recorder.h"
-#include "adapters/sound/microphone.h"
-#include "adapters/sound/sound_device.h"
+#include "adapters/sound/card_stream.h"
+#include "adapters/sound/sound_server.h"
 
 namespace orven {
 namespace {

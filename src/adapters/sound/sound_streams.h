@@ -11,9 +11,8 @@
 #include <vector>
 
 #include "adapters/sound/card_list.h"
-#include "adapters/sound/card_play.h"
 #include "adapters/sound/card_stream.h"
-#include "adapters/sound/card_take.h"
+#include "adapters/sound/card_use.h"
 #include "adapters/sound/sound_server.h"
 
 namespace orven {

@@ -23,7 +23,6 @@
 #include "adapters/mail/smtp_mail.h"
 #include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
-#include "adapters/sound/all_audio_devices.h"
 #include "adapters/sound/sound_cards.h"
 #include "core/mMain.h"
 #include "notify/frmMSG.h"

@@ -21,7 +21,6 @@
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/registry/registry_file.h"
-#include "adapters/sound/all_audio_devices.h"
 #include "gui/shell/sound_files.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"

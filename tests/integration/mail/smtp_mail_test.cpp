@@ -4,7 +4,7 @@
 #include <ctime>
 #include <random>
 
-#include "adapters/mail/mail_server.h"
+#include "adapters/mail/mail_settings.h"
 #include "adapters/mail/mail_text.h"
 #include "integration/mail/mail_fixture.h"
 #include "integration/mail/unreachable.h"

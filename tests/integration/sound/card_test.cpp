@@ -8,10 +8,9 @@
 #include <cstring>
 #include <numbers>
 
-#include "adapters/sound/capture_converter.h"
 #include "adapters/sound/card_format.h"
 #include "adapters/sound/card_list.h"
-#include "adapters/sound/microphone.h"
+#include "adapters/sound/sound_server.h"
 #include "platform/audio_device.h"
 
 namespace orven::testing {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -10,6 +11,20 @@
 #include "platform/audio_device.h"
 
 namespace orven {
+
+/// Measures how loud a device's sound is.
+class PeakMeter : public AudioSink {
+ public:
+  void Write(std::span<const std::int16_t> block) override;
+
+  /// Peak of the last block in thousandths of full scale; 0 when none has come for a second, as a
+  /// caller who sends nothing is a silent one. Any thread.
+  std::int32_t Level() const;
+
+ private:
+  std::atomic<std::int32_t> level_{0};
+  std::atomic<std::chrono::steady_clock::rep> level_at_{0};
+};
 
 /// Carries sound from a recording device to a playing one while it is captured. The two run on clocks
 /// of their own: when the player falls behind, the oldest sound is dropped so that the delay stays

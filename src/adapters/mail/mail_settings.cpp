@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/mail/mail_server.h"
+#include "adapters/mail/mail_settings.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,6 +7,7 @@
 #include "adapters/files/utf8.h"
 
 namespace orven {
+
 namespace {
 
 std::string_view Trimmed(std::string_view text) {

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/sound/card_stream.h"
+
+#include <QList>
+#include <QMediaDevices>
+#include <span>
+#include <utility>
+
+#include "adapters/sound/card_format.h"
+#include "platform/audio_device.h"
+
+namespace orven {
+
+namespace {
+
+QAudioDevice Among(const QList<QAudioDevice>& devices, const std::string& id) {
+  for (const QAudioDevice& device : devices)
+    if (device.id().toStdString() == id) return device;
+  return {};
+}
+
+}  // namespace
+
+QAudioDevice OutputOf(const std::string& id) {
+  return Among(QMediaDevices::audioOutputs(), id);
+}
+
+QAudioDevice InputOf(const std::string& id) {
+  return Among(QMediaDevices::audioInputs(), id);
+}
+
+std::string Told(const char* kind, const QAudioDevice& device, const char* what) {
+  return std::string("The ") + kind + " \"" + device.description().toStdString() + "\" " + what;
+}
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Blocks read in one tick at most: two, so that a late tick is made up for, but a source that is being
+/// recorded at this moment is not emptied at one go.
+constexpr int kMostBlocks = 2;
+
+constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
+
+/// An output that has not played out its buffer after this long never will.
+constexpr auto kDrainLimit = 2s;
+
+constexpr const char* kOutput = "sound output";
+
+}  // namespace
+
+CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play)
+    : device_(device),
+      play_(std::move(play)),
+      converter_(CardFormatOf(device)),
+      sink_(device, CardFormatOf(device)),
+      block_bytes_(sink_.format().bytesForDuration(kBlockMicroseconds)) {
+  if (converter_.Valid()) stream_ = sink_.start();
+  if (stream_ == nullptr || sink_.error() != QAudio::NoError) problem_ = Told(kOutput, device_, kNotOpened);
+}
+
+bool CardPlayer::Tick() {
+  if (problem_.empty()) Check();
+  if (!problem_.empty()) return false;
+  return ended_ ? Draining() : Feed();
+}
+
+void CardPlayer::Check() {
+  // The server may go on elsewhere with a stream whose output was unplugged; a message is not to be
+  // heard from where nobody chose to hear it.
+  if (OutputOf(device_.id().toStdString()).isNull()) {
+    problem_ = Told(kOutput, device_, "went away while it was playing.");
+  } else if (sink_.state() == QAudio::StoppedState) {
+    problem_ = Told(kOutput, device_, "stopped while it was playing; perhaps the sound server ended.");
+  }
+}
+
+bool CardPlayer::Feed() {
+  for (int blocks = 0; blocks < kMostBlocks && HasRoom(); ++blocks) {
+    const auto got = play_->Read(block_);
+    if (got == CardPlay::Got::Stopped) return false;
+    ended_ = got == CardPlay::Got::End;
+    pending_ = ended_ ? converter_.Flush() : converter_.Convert(block_);
+    Write();
+    if (!ended_) continue;
+    ended_at_ = CardPlay::Clock::now();
+    break;
+  }
+  return true;
+}
+
+/// For one more block, everything before it having been written.
+bool CardPlayer::HasRoom() {
+  Write();
+  return pending_.isEmpty() && sink_.bytesFree() >= block_bytes_;
+}
+
+void CardPlayer::Write() {
+  if (pending_.isEmpty()) return;
+  const qint64 written = stream_->write(pending_);
+  if (written > 0) pending_.remove(0, written);
+}
+
+/// The end of the sound is in the sink's buffer and on its way through the server.
+bool CardPlayer::Draining() {
+  if (CardPlay::Clock::now() - ended_at_ > kDrainLimit) return false;
+  Write();
+  return !pending_.isEmpty() || sink_.state() != QAudio::IdleState;
+}
+
+namespace {
+
+constexpr const char* kMicrophone = "microphone";
+
+/// How often the input hands over what it has captured: a block, so that the level follows the voice and
+/// little is lost at a stop.
+constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
+
+}  // namespace
+
+CardRecorder::CardRecorder(const QAudioDevice& device, std::shared_ptr<CardTake> take)
+    : device_(device),
+      take_(std::move(take)),
+      converter_(CardFormatOf(device)),
+      source_(device, CardFormatOf(device)) {
+  source_.setBufferSize(source_.format().bytesForDuration(kPeriodMicroseconds));
+  if (converter_.Valid()) stream_ = source_.start();
+  if (stream_ == nullptr || source_.error() != QAudio::NoError)
+    problem_ = Told(kMicrophone, device_, kNotOpened);
+}
+
+bool CardRecorder::Tick() {
+  if (problem_.empty()) Check();
+  return problem_.empty() && take_->Active() && HandOver();
+}
+
+void CardRecorder::Check() {
+  // The server may go on with another input; nobody chose that one.
+  if (InputOf(device_.id().toStdString()).isNull()) {
+    problem_ = Told(kMicrophone, device_, "went away while it was recording.");
+  } else if (source_.state() == QAudio::StoppedState) {
+    problem_ = Told(kMicrophone, device_, "stopped while it was recording; perhaps the sound server ended.");
+  }
+}
+
+bool CardRecorder::HandOver() {
+  const auto captured = converter_.Convert(stream_->readAll());
+  pending_.insert(pending_.end(), captured.begin(), captured.end());
+  std::size_t done = 0;
+  for (; pending_.size() - done >= kBlockSamples; done += kBlockSamples)
+    if (!take_->Write(std::span(pending_).subspan(done, kBlockSamples))) return false;
+  pending_.erase(pending_.begin(), pending_.begin() + static_cast<std::ptrdiff_t>(done));
+  return true;
+}
+
+}  // namespace orven
