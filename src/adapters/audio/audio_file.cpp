@@ -15,15 +15,21 @@
 #include "platform/wave.h"
 
 namespace orven {
-
 namespace {
 
-/// Frames decoded at once: small enough that stopping a play never waits long for them.
-constexpr std::size_t kChunkFrames = 2048;
+using namespace std::chrono_literals;
 
-/// libsamplerate's middle converter keeps 90 % of the band (3.6 kHz of 4) at 121 dB signal to noise,
-/// where its fastest one would cut the top of the telephone band (3.4 kHz).
-constexpr int kConverter = SRC_SINC_MEDIUM_QUALITY;
+/// Frames decoded at once: few enough that stopping a play never waits long for them.
+constexpr double kMostFrames = 2048;
+
+constexpr std::size_t kAhead = kSampleRate;            ///< decoded ahead at most: one second
+constexpr std::size_t kRefillBelow = kSampleRate / 2;  ///< decode again below half a second
+constexpr std::size_t kDecodeChunk = kSampleRate / 10;
+static_assert(kDecodeChunk % kBlockSamples == 0, "so that only the end of a file gives a partial block");
+
+/// The device's thread wakes the decoder without taking its lock, so a wake-up can get lost between the
+/// decoder's check and its sleep. It then checks again this much later, with half a second in stock.
+constexpr auto kCheckAgain = 50ms;
 
 constexpr float kFullScale = 32768.0F;
 
@@ -49,7 +55,7 @@ int OpenRegular(const std::string& path, std::int32_t& result) {
 
 }  // namespace
 
-std::int32_t OpenSoundFile(const std::string& path, SoundFile& file, SF_INFO& info) {
+std::int32_t OpenAudioFile(const std::string& path, AudioFile& file, SF_INFO& info) {
   std::int32_t result = kWaveOk;
   const int descriptor = OpenRegular(PathInAnyCase(path), result);
   if (descriptor < 0) return result;
@@ -60,27 +66,22 @@ std::int32_t OpenSoundFile(const std::string& path, SoundFile& file, SF_INFO& in
 }
 
 std::int32_t TelephoneDecoder::Open(const std::string& path, std::unique_ptr<TelephoneDecoder>& decoder) {
-  SoundFile file;
+  AudioFile file;
   SF_INFO info;
-  if (const auto result = OpenSoundFile(path, file, info); result != kWaveOk) return result;
+  if (const auto result = OpenAudioFile(path, file, info); result != kWaveOk) return result;
   std::unique_ptr<TelephoneDecoder> opened(new TelephoneDecoder(std::move(file), info));
-  if (info.samplerate != kSampleRate && !opened->resampler_) return kWaveBadFormat;
+  if (!opened->resampler_.Valid()) return kWaveBadFormat;
   decoder = std::move(opened);
   return kWaveOk;
 }
 
-TelephoneDecoder::TelephoneDecoder(SoundFile file, const SF_INFO& info)
+TelephoneDecoder::TelephoneDecoder(AudioFile file, const SF_INFO& info)
     : file_(std::move(file)),
       channels_(static_cast<std::size_t>(info.channels)),
       frames_in_file_(info.frames),
       rate_(info.samplerate),
       seekable_(info.seekable != 0),
-      ratio_(static_cast<double>(kSampleRate) / info.samplerate) {
-  if (info.samplerate == kSampleRate || src_is_valid_ratio(ratio_) == 0) return;
-  int error = 0;
-  resampler_.reset(src_new(kConverter, 1, &error));
-  input_.resize(kChunkFrames);
-}
+      resampler_(info.samplerate, kSampleRate) {}
 
 std::chrono::milliseconds TelephoneDecoder::Length() const {
   return std::chrono::milliseconds(frames_in_file_ * 1000 / rate_);
@@ -91,62 +92,37 @@ bool TelephoneDecoder::SkipTo(std::chrono::milliseconds position) {
 }
 
 std::size_t TelephoneDecoder::Read(std::span<std::int16_t> out) {
-  std::vector<float> mono(out.size());
-  const std::size_t count = resampler_ ? Resample(mono) : ReadMono(mono);
-  std::transform(mono.begin(), mono.begin() + static_cast<std::ptrdiff_t>(count), out.begin(), ToSample);
-  return count;
+  std::size_t done = 0;
+  while (done < out.size()) {
+    if (resampled_.empty()) {
+      if (file_ended_) break;
+      ReadPiece(out.size() - done);
+    }
+    const std::size_t count = std::min(resampled_.size(), out.size() - done);
+    std::transform(resampled_.begin(), resampled_.begin() + static_cast<std::ptrdiff_t>(count),
+                   out.begin() + static_cast<std::ptrdiff_t>(done), ToSample);
+    resampled_ = resampled_.subspan(count);
+    done += count;
+  }
+  return done;
 }
 
-/// A damaged floating-point file may hold values that are no numbers; they become silence here, before
-/// they spread through the resampler's filter.
-std::size_t TelephoneDecoder::ReadMono(std::span<float> out) {
-  frames_.resize(out.size() * channels_);
-  const sf_count_t got = sf_readf_float(file_.get(), frames_.data(), static_cast<sf_count_t>(out.size()));
-  const auto count = static_cast<std::size_t>(std::max<sf_count_t>(got, 0));
-  for (std::size_t i = 0; i < count; ++i) {
+/// Reads what about `samples` of telephone audio are made of. A damaged floating-point file may hold NaN or
+/// infinity: they become silence here, before they spread through the resampler's filter.
+void TelephoneDecoder::ReadPiece(std::size_t samples) {
+  const double wanted = static_cast<double>(samples) * rate_ / kSampleRate;
+  const auto frames = static_cast<std::size_t>(std::clamp(std::ceil(wanted), 1.0, kMostFrames));
+  frames_.resize(frames * channels_);
+  const sf_count_t got = sf_readf_float(file_.get(), frames_.data(), static_cast<sf_count_t>(frames));
+  mono_.resize(static_cast<std::size_t>(std::max<sf_count_t>(got, 0)));
+  for (std::size_t i = 0; i < mono_.size(); ++i) {
     float sum = 0;
     for (std::size_t channel = 0; channel < channels_; ++channel) sum += frames_[i * channels_ + channel];
-    out[i] = std::isfinite(sum) ? sum / static_cast<float>(channels_) : 0.0F;
+    mono_[i] = std::isfinite(sum) ? sum / static_cast<float>(channels_) : 0.0F;
   }
-  return count;
+  file_ended_ = mono_.empty();
+  resampled_ = resampler_.Process(mono_, file_ended_);
 }
-
-std::size_t TelephoneDecoder::Resample(std::span<float> out) {
-  std::size_t produced = 0;
-  while (produced < out.size()) {
-    if (waiting_.empty() && !file_ended_) {
-      waiting_ = std::span(input_).first(ReadMono(input_));
-      file_ended_ = waiting_.empty();
-    }
-    SRC_DATA step{};
-    step.data_in = waiting_.data();
-    step.input_frames = static_cast<long>(waiting_.size());
-    step.data_out = out.data() + produced;
-    step.output_frames = static_cast<long>(out.size() - produced);
-    step.src_ratio = ratio_;
-    step.end_of_input = file_ended_ ? 1 : 0;
-    if (src_process(resampler_.get(), &step) != 0) break;
-    waiting_ = waiting_.subspan(static_cast<std::size_t>(step.input_frames_used));
-    produced += static_cast<std::size_t>(step.output_frames_gen);
-    if (file_ended_ && step.output_frames_gen == 0) break;
-  }
-  return produced;
-}
-
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr std::size_t kAhead = kSampleRate;            ///< decoded ahead at most: one second
-constexpr std::size_t kRefillBelow = kSampleRate / 2;  ///< decode again below half a second
-constexpr std::size_t kDecodeChunk = kSampleRate / 10;
-static_assert(kDecodeChunk % kBlockSamples == 0, "so that only the end of a file gives a partial block");
-
-/// The device's thread wakes the decoder without taking its lock, so a wake-up can fall between the
-/// decoder's look and its sleep; it then looks again this much later, with half a second in stock.
-constexpr auto kLookAgain = 50ms;
-
-}  // namespace
 
 FileSource::FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
                        std::function<void()> on_ended)
@@ -222,7 +198,7 @@ bool FileSource::DecodeChunk() {
 bool FileSource::WaitForRoom() {
   if (ring_.Room() >= kDecodeChunk) return !cancelled_;
   std::unique_lock lock(mutex_);
-  while (!cancelled_ && ring_.Size() >= kRefillBelow) wake_.wait_for(lock, kLookAgain);
+  while (!cancelled_ && ring_.Size() >= kRefillBelow) wake_.wait_for(lock, kCheckAgain);
   return !cancelled_;
 }
 

@@ -202,9 +202,9 @@ void FileWaveControl::Seek(std::chrono::milliseconds position) {
 }
 
 double FileWaveControl::FileLength(const std::string& path) const {
-  SoundFile file;
+  AudioFile file;
   SF_INFO info;
-  if (OpenSoundFile(path, file, info) != kWaveOk) return -1;
+  if (OpenAudioFile(path, file, info) != kWaveOk) return -1;
   return static_cast<double>(info.frames) / info.samplerate;
 }
 

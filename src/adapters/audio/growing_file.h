@@ -96,7 +96,7 @@ class WaveImage {
   };
 
   MemoryFile file_;
-  SoundFile writer_;  ///< after file_: closing it still writes
+  AudioFile writer_;  ///< after file_: closing it still writes
   std::size_t header_bytes_ = 0;
 };
 

@@ -9,8 +9,8 @@
 
 namespace orven {
 
-/// Brings a stream of mono samples from one rate to another. It keeps the telephone's band whole (90 % of
-/// 4 kHz) without audible images, for a few per mille of a core.
+/// Resamples a stream of mono samples. It keeps the whole telephone band (90 % of 4 kHz) without audible
+/// aliases and takes a few per mille of a core.
 class Resampler {
  public:
   /// Both rates in samples a second.
@@ -19,11 +19,11 @@ class Resampler {
   /// False for rates that are not positive, or more than 256 times apart.
   bool Valid() const { return valid_; }
 
-  /// The next samples at the new rate. Some are held back until later calls; `last` gives these, too.
-  /// Good until the next call or until `input` changes.
+  /// The next samples at the new rate. Some are held back until later calls; `last` returns these too.
+  /// Valid until the next call or until `input` changes.
   std::span<const float> Process(std::span<const float> input, bool last);
 
-  /// Forgets what it holds: another stream begins.
+  /// Drops what is held back: another stream begins.
   void Reset() {
     if (state_) src_reset(state_.get());
   }

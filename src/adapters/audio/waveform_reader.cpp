@@ -73,9 +73,9 @@ void FileWaveformReader::Run() {
 /// Nothing when the request is no longer wanted.
 std::optional<Waveform> FileWaveformReader::Read(const std::string& path, std::uint64_t request) const {
   Waveform waveform;
-  SoundFile file;
+  AudioFile file;
   SF_INFO info;
-  if (OpenSoundFile(path, file, info) != kWaveOk || info.frames == 0) return waveform;
+  if (OpenAudioFile(path, file, info) != kWaveOk || info.frames == 0) return waveform;
   waveform.length = std::chrono::milliseconds(info.frames * 1000 / info.samplerate);
   const auto count = std::min<std::int64_t>(info.frames, kPeaks);
   waveform.peaks.resize(static_cast<std::size_t>(count));
