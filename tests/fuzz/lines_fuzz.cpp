@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever stands in lines.ini: it is read, and what an edit asks for is what is read afterwards.
-// Links: orven_line_service
+// Links: orven_line_config
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "adapters/files/utf8.h"
-#include "adapters/line/service/line_keys.h"
-#include "adapters/line/service/lines_file.h"
-#include "adapters/line/service/lines_notation.h"
-#include "adapters/line/service/lines_text.h"
+#include "adapters/line/config/line_keys.h"
+#include "adapters/line/config/lines_ini.h"
 #include "fuzz/input.h"
 
 namespace {

@@ -24,4 +24,9 @@ std::string ChoosePlatform(const DisplayVariables& variables);
 /// live as long as the application; copy the command line first, Qt takes its own options out.
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv);
 
+/// Raises this process's limit of open files as far as the system lets it, so that strangers who hold
+/// many connections to the telephone line leave room for recordings and logs. Child processes inherit
+/// the limit. Does nothing where the system refuses.
+void RaiseFileLimit();
+
 }  // namespace orven

@@ -2,13 +2,17 @@
 #include "adapters/desktop/qt_dialogs.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QStandardPaths>
 #include <QStringList>
+#include <QTimer>
+#include <QWindow>
 #include <iostream>
 
 namespace orven {
@@ -155,6 +159,25 @@ std::string QtDialogs::BrowseFolder(const std::string& title, const std::string&
 
 void QtDialogs::Tell(const std::string& text) {
   text_output_ << kTitle << ": " << text << std::endl;
+}
+
+DialogFocus::DialogFocus() {
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool DialogFocus::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::Hide || event->spontaneous()) return false;
+  const auto* dialog = qobject_cast<QDialog*>(watched);
+  if (dialog == nullptr || dialog->parentWidget() == nullptr) return false;
+  // Whoever works in another program meanwhile keeps the keyboard there.
+  if (QGuiApplication::focusWindow() != dialog->windowHandle()) return false;
+  QWidget* below = dialog->parentWidget()->window();
+  // Not before the dialog is gone: until then Qt takes it for the one with the keyboard, and the request goes
+  // past the window manager, whose own choice comes later and wins.
+  QTimer::singleShot(0, below, [below] {
+    if (below->isVisible()) below->activateWindow();
+  });
+  return false;
 }
 
 }  // namespace orven

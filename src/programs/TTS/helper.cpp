@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "adapters/channel/exchange_client.h"
-#include "adapters/desktop/exit_signals.h"
+#include "adapters/desktop/exit_requests.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/sound/sound_cards.h"
 #include "programs/TTS/command_interpreter.h"

@@ -5,10 +5,8 @@
 #include <string>
 
 #include "adapters/desktop/application.h"
-#include "adapters/desktop/application_folder.h"
-#include "adapters/desktop/exit_signals.h"
-#include "adapters/desktop/file_limit.h"
-#include "adapters/desktop/quit_requests.h"
+#include "adapters/desktop/exit_requests.h"
+#include "adapters/desktop/installation.h"
 #include "programs/orven/program.h"
 
 namespace {

@@ -8,8 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "adapters/desktop/application_folder.h"
-#include "adapters/desktop/speech_presence.h"
+#include "adapters/desktop/installation.h"
 #include "core/mdlReg.h"
 #include "programs/orven/telephone_lines.h"
 #include "records/call_fields.h"

@@ -5,13 +5,19 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "adapters/desktop/dialog_focus.h"
+#include "adapters/desktop/qt_dialogs.h"
 #include "platform/telephone_lines.h"
 #include "shell/answering_machine.h"
 #include "shell/dialog_factory.h"
+#include "shell/frmAbout.h"
 
 namespace orven {
+
+/// The libraries that this program is made with; the versions are those that run now, where a library
+/// tells its own.
+std::vector<Component> ProgramComponents();
 
 /// Opens the main window's dialogs over the engine. User-interface thread.
 class ProgramDialogs : public DialogFactory {

@@ -3,10 +3,10 @@
 
 #include <filesystem>
 
+#include "adapters/line/config/line_settings.h"
+#include "adapters/line/config/lines_ini.h"
 #include "adapters/line/modem/serial/modem_line.h"
-#include "adapters/line/service/lines_file.h"
-#include "adapters/line/setup/line_settings.h"
-#include "adapters/line/setup/serial_ports.h"
+#include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sip/sip_line.h"
 

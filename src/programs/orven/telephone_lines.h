@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "adapters/line/service/serviced_line.h"
-#include "adapters/line/setup/line_states.h"
+#include "adapters/line/setup/file_telephone_lines.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 

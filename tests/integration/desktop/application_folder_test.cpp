@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/desktop/application_folder.h"
+#include "adapters/desktop/installation.h"
 
 #include <gtest/gtest.h>
 

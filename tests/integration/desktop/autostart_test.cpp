@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/desktop/autostart_registry.h"
+#include "adapters/desktop/autostart.h"
 
 #include <gtest/gtest.h>
 #include <sys/fsuid.h>

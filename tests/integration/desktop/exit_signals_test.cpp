@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/desktop/exit_signals.h"
+#include "adapters/desktop/exit_requests.h"
 
 #include <gtest/gtest.h>
 #include <qtestsupport_core.h>
@@ -8,8 +8,6 @@
 #include <QEvent>
 #include <csignal>
 #include <thread>
-
-#include "adapters/desktop/quit_requests.h"
 
 namespace orven {
 namespace {

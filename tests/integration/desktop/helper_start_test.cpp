@@ -3,8 +3,8 @@
 #include <qtestsupport_core.h>
 #include <sys/stat.h>
 
+#include "adapters/desktop/installation.h"
 #include "adapters/desktop/qt_shell.h"
-#include "adapters/desktop/speech_presence.h"
 #include "platform/runtime_error.h"
 #include "support/scratch_folder.h"
 

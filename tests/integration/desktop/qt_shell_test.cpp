@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include "adapters/desktop/qt_mouse.h"
+#include "adapters/desktop/desktop_system.h"
 #include "support/scratch_folder.h"
 
 namespace orven {

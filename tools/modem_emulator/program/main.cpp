@@ -2,7 +2,7 @@
 #include <QCoreApplication>
 #include <iostream>
 
-#include "adapters/desktop/exit_signals.h"
+#include "adapters/desktop/exit_requests.h"
 #include "modem_emulator/program/modem_program.h"
 
 int main(int argc, char** argv) {

@@ -3,23 +3,94 @@
 
 #include <fcntl.h>
 
+#include <exception>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "adapters/files/descriptor.h"
 #include "adapters/files/durable.h"
 #include "adapters/files/utf8.h"
+#include "adapters/line/config/line_settings.h"
+#include "adapters/line/config/lines_ini.h"
 #include "adapters/line/modem/modem_line_settings.h"
-#include "adapters/line/service/lines_text.h"
-#include "adapters/line/setup/line_sections.h"
-#include "adapters/line/setup/line_settings.h"
 #include "adapters/line/setup/modem_probe.h"
-#include "adapters/line/setup/serial_ports.h"
-#include "adapters/line/setup/sip_line_test.h"
+#include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sim/sim_script.h"
 #include "platform/runtime_error.h"
 
 namespace orven {
+
+void RegistrationState::Take(const RegistrationNews& news) {
+  const std::lock_guard lock(mutex_);
+  latest_ = news;
+}
+
+RegistrationNews RegistrationState::Latest() const {
+  const std::lock_guard lock(mutex_);
+  return latest_;
+}
+
+void ModemState::Take(const std::string& words) {
+  const std::lock_guard lock(mutex_);
+  latest_ = words;
+}
+
+std::string ModemState::Latest() const {
+  const std::lock_guard lock(mutex_);
+  return latest_;
+}
+
+const LineStates::Device& LineStates::Add(const LineSection& section) {
+  devices_.push_back({.section = section});
+  return devices_.back();
+}
+
+namespace {
+
+LineTestResult Outcome(const LineTestRun::Work& work, const std::atomic<bool>& cancelled) {
+  try {
+    return work(cancelled);
+  } catch (const std::exception& error) {
+    return {false, std::string("The test failed: ") + error.what()};
+  }
+}
+
+}  // namespace
+
+LineTestRun::~LineTestRun() {
+  Cancel();
+  Forget(false);
+}
+
+void LineTestRun::Start(Work work, TelephoneLines::TestDone done) {
+  Cancel();
+  Forget(true);
+  const auto run = std::make_shared<Run>();
+  run->thread.reset(QThread::create([this, run, work = std::move(work), done = std::move(done)] {
+    const auto result = Outcome(work, run->cancelled);
+    loop_.Post(lifeline_.Bind([run, done, result] {
+      if (!run->cancelled) done(result);
+    }));
+    run->finished = true;
+  }));
+  run->thread->start();
+  runs_.push_back(run);
+}
+
+void LineTestRun::Cancel() {
+  for (const auto& run : runs_) run->cancelled = true;
+}
+
+void LineTestRun::Forget(bool finished_only) {
+  std::erase_if(runs_, [finished_only](const std::shared_ptr<Run>& run) {
+    if (finished_only && !run->finished) return false;
+    run->thread->wait();
+    run->thread.reset();  // its work holds the run
+    return true;
+  });
+}
+
 namespace {
 
 /// The file holds passwords.

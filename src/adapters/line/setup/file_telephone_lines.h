@@ -1,17 +1,96 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QThread>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "adapters/line/config/lines_ini.h"
 #include "adapters/line/service/line_service.h"
-#include "adapters/line/service/lines_file.h"
-#include "adapters/line/setup/line_states.h"
-#include "adapters/line/setup/line_test_run.h"
+#include "adapters/line/sip/sip_line_settings.h"
 #include "platform/event_loop.h"
 #include "platform/telephone_lines.h"
 
 namespace orven {
+
+/// How the registration of one line stands, told on the line's thread and asked on any.
+class RegistrationState {
+ public:
+  void Take(const RegistrationNews& news);
+  RegistrationNews Latest() const;
+
+ private:
+  mutable std::mutex mutex_;
+  RegistrationNews latest_;
+};
+
+/// How a modem stands, in words; told on the line's thread and asked on any.
+class ModemState {
+ public:
+  void Take(const std::string& words);
+  std::string Latest() const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::string latest_;
+};
+
+/// The lines that this program has devices for, in device-index order. User-interface thread.
+class LineStates {
+ public:
+  struct Device {
+    LineSection section;
+    std::shared_ptr<RegistrationState> registration = std::make_shared<RegistrationState>();
+    std::shared_ptr<ModemState> modem = std::make_shared<ModemState>();
+  };
+
+  /// The next device, whose states are for its driver to report to; they outlive the driver.
+  const Device& Add(const LineSection& section);
+  void Clear() { devices_.clear(); }
+  const std::vector<Device>& Devices() const { return devices_; }
+
+ private:
+  std::vector<Device> devices_;
+};
+
+/// Runs the tests of lines away from the user-interface thread, one that counts at a time.
+/// User-interface thread.
+class LineTestRun {
+ public:
+  /// Looks at `cancelled` at least a few times a second.
+  using Work = std::function<LineTestResult(const std::atomic<bool>& cancelled)>;
+
+  explicit LineTestRun(EventLoop& loop) : loop_(loop) {}
+  LineTestRun(const LineTestRun&) = delete;
+  LineTestRun& operator=(const LineTestRun&) = delete;
+
+  /// Waits for the threads, which know that they are cancelled: up to two seconds.
+  ~LineTestRun();
+
+  /// Gives up the work under way and runs `work` on a thread; `done` follows on the user-interface
+  /// thread unless Cancel comes first.
+  void Start(Work work, TelephoneLines::TestDone done);
+
+  /// Does not wait.
+  void Cancel();
+
+ private:
+  struct Run {
+    std::atomic<bool> cancelled = false;
+    std::atomic<bool> finished = false;
+    std::unique_ptr<QThread> thread;  ///< Qt's serial ports want one of Qt's
+  };
+
+  void Forget(bool finished_only);
+
+  EventLoop& loop_;
+  std::vector<std::shared_ptr<Run>> runs_;  ///< the latest one counts, the others are cancelled
+  Lifeline lifeline_;
+};
 
 /// The telephone lines of the file `lines.ini`. What is wrong in it stays there; one that is no text at all
 /// is copied beside its place before it is replaced. User-interface thread.

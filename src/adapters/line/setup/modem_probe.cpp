@@ -2,15 +2,52 @@
 #include "adapters/line/setup/modem_probe.h"
 
 #include <QEventLoop>
+#include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <set>
+#include <system_error>
 
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/line/modem/modem_line_settings.h"
 #include "adapters/line/modem/modem_preparation.h"
 #include "adapters/line/modem/serial/serial_link.h"
-#include "adapters/line/setup/serial_ports.h"
 
 namespace orven {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<fs::path> EntriesOf(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+    entries.push_back(at->path());
+  }
+  std::ranges::sort(entries);
+  return entries;
+}
+
+}  // namespace
+
+std::vector<SerialPortFound> FindSerialPorts(const std::string& devices) {
+  std::vector<SerialPortFound> ports;
+  std::set<std::string> named;
+  for (const auto& link : EntriesOf(fs::path(devices) / "serial" / "by-id")) {
+    std::error_code error;
+    const auto device = fs::canonical(link, error).filename().string();
+    if (error) continue;
+    named.insert(device);
+    ports.push_back({link.string(), link.filename().string() + " (" + device + ")"});
+  }
+  for (const auto& device : EntriesOf(devices)) {
+    const auto name = device.filename().string();
+    const bool serial = name.starts_with("ttyACM") || name.starts_with("ttyUSB");
+    if (serial && !named.contains(name)) ports.push_back({device.string(), device.string()});
+  }
+  return ports;
+}
+
 namespace {
 
 constexpr std::chrono::milliseconds kLookForCancel{50};

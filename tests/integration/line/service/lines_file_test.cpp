@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/service/lines_file.h"
+#include "adapters/line/config/lines_ini.h"
 
 #include <gtest/gtest.h>
 

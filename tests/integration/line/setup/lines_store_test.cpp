@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include "adapters/line/config/line_settings.h"
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
-#include "adapters/line/setup/line_settings.h"
-#include "adapters/line/setup/serial_ports.h"
+#include "adapters/line/setup/modem_probe.h"
 #include "integration/line/setup/waiting_loop.h"
 #include "platform/runtime_error.h"
 #include "support/scratch_folder.h"

@@ -2,11 +2,10 @@
 // The test of a SIP line, and what the list says of one, against a real registrar.
 #include <gmock/gmock.h>
 
+#include "adapters/line/config/line_settings.h"
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
-#include "adapters/line/setup/line_sections.h"
-#include "adapters/line/setup/line_settings.h"
-#include "adapters/line/setup/sip_line_test.h"
+#include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sip/sip_line.h"
 #include "integration/line/setup/registrar.h"
 #include "integration/line/setup/waiting_loop.h"

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/desktop/exit_signals.h"
+#include "adapters/desktop/exit_requests.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QSocketNotifier>
 #include <array>
 #include <atomic>
@@ -86,6 +88,15 @@ ExitSignals::~ExitSignals() {
   state_->notifier.reset();
   close(state_->pipe[0]);
   close(state_->pipe[1]);
+}
+
+QuitRequests::QuitRequests(std::function<bool()> on_request) : on_request_(std::move(on_request)) {
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool QuitRequests::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != QCoreApplication::instance() || event->type() != QEvent::Quit) return false;
+  return on_request_();
 }
 
 }  // namespace orven

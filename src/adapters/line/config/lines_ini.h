@@ -52,4 +52,34 @@ LinesFile ParseLines(std::string_view text, const std::string& file_name);
 /// from this machine; a file that cannot be read gives no lines and a complaint. Any thread.
 LinesFile ReadLines(const std::string& path);
 
+/// What is neither value nor name at the ends of a line of `lines.ini`.
+inline constexpr std::string_view kLineBlanks = " \t\r";
+
+std::string_view TrimmedLine(std::string_view text);
+
+/// The line without its comment: a whole line behind ";" or "#", or the rest behind a blank and ";".
+/// A "#" within a line is part of the value: passwords have it.
+std::string_view WithoutLineComment(std::string_view line);
+
+/// With ASCII letters in lower case, as keys are compared.
+std::string LowerAscii(std::string_view text);
+
+/// One telephone line as `lines.ini` shall have it.
+struct LineEdit {
+  int head = 0;      ///< LineSection::line_number of the section that it changes; 0 for a new one
+  std::string name;  ///< the device name
+  std::string type;  ///< sip, modem or sim
+  std::map<std::string, std::string> values;  ///< every key that shall have a value
+};
+
+/// A whole section, as it is appended.
+std::string SectionText(const LineEdit& line);
+
+/// The text of a `lines.ini` after its usable sections `before` (as ParseLines found them in `text`)
+/// became `after`: a section that is not in `after` goes, new ones are appended, and of the others only
+/// the lines change whose values do. Comments, the order, and what ParseLines did not understand stay;
+/// so do the line ends.
+std::string EditLines(std::string_view text, const std::vector<LineSection>& before,
+                      const std::vector<LineEdit>& after);
+
 }  // namespace orven

@@ -49,4 +49,8 @@ SeedReport SeedApplicationFolder(const std::string& folder, const std::string& a
 /// `assets` has no more is removed. Any thread; on a slow disk it takes its time.
 SeedReport RefreshHelp(const std::string& folder, const std::string& assets);
 
+/// Whether texts can be spoken here: the speech helper is a program that may be executed, and the data of its
+/// engine, espeak-ng, are where that looks for them or where systems install them. Nothing is started.
+bool SpeechInstalled(const std::string& helper_path);
+
 }  // namespace orven

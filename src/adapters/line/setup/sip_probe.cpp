@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/setup/sip_line_test.h"
+#include "adapters/line/setup/sip_probe.h"
 
 #include <arpa/inet.h>
 #include <sys/socket.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/service/line_keys.h"
+#include "adapters/line/config/line_keys.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,6 @@
 #include <optional>
 
 namespace orven {
-
 namespace {
 
 /// Seconds between two Ring events.
