@@ -8,14 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/line/sip/crypto_attribute.h"
-#include "adapters/line/sip/digit_merger.h"
-#include "adapters/line/sip/g711.h"
-#include "adapters/line/sip/inband_digits.h"
-#include "adapters/line/sip/playout.h"
-#include "adapters/line/sip/rtp_packet.h"
-#include "adapters/line/sip/secure_sound.h"
-#include "adapters/line/sip/telephone_events.h"
+#include "adapters/line/sip/digits.h"
+#include "adapters/line/sip/jitter_buffer.h"
+#include "adapters/line/sip/rtp.h"
+#include "adapters/line/sip/srtp.h"
 #include "fuzz/input.h"
 #include "platform/audio_device.h"
 

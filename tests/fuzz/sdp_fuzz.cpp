@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/line/sip/crypto_attribute.h"
 #include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/srtp.h"
 #include "fuzz/input.h"
 
 namespace {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/connection_guard.h"
 
+#include <fcntl.h>
 #include <linux/tcp.h>
 #include <netinet/in.h>
 #include <poll.h>
@@ -224,6 +225,19 @@ void ConnectionGuard::Heard(const sip_msg& message) {
 void ConnectionGuard::Spare(const sip_msg& invite) {
   call_ = View(invite.callid);
   spared_ = DescriptorOf(invite);
+}
+
+void DescriptorReserve::Fill() {
+  for (int& descriptor : held_) {
+    if (descriptor == kNone) descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  }
+}
+
+void DescriptorReserve::Release() {
+  for (int& descriptor : held_) {
+    if (descriptor != kNone) ::close(descriptor);
+    descriptor = kNone;
+  }
 }
 
 }  // namespace orven

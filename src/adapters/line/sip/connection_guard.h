@@ -10,10 +10,12 @@
 #include <vector>
 
 #include "adapters/line/sip/libre.h"
-#include "adapters/line/sip/sip_thread.h"
-#include "adapters/line/sip/steady_timer.h"
 
 namespace orven {
+
+/// Descriptors that the SIP thread uses at most, so the greatest is one less. Strangers who open connections
+/// without end must leave the rest of the program its files.
+inline constexpr int kMostDescriptors = 512;
 
 /// Keeps the connections that others open to a line within bounds, and closes those that go beyond: who does
 /// not read what is sent, sends much without a message in it, or holds more connections than a telephone
@@ -71,6 +73,29 @@ class ConnectionGuard {
   SteadyTimer soon_;
   SteadyTimer patience_;
   SteadyTimer tick_;
+};
+
+/// Keeps as many file descriptors as a call needs, so that a stranger who holds all others by
+/// idle connections cannot keep calls away: the descriptors that are released are the next ones given.
+class DescriptorReserve {
+ public:
+  DescriptorReserve() {
+    held_.fill(kNone);
+    Fill();
+  }
+  ~DescriptorReserve() { Release(); }
+  DescriptorReserve(const DescriptorReserve&) = delete;
+  DescriptorReserve& operator=(const DescriptorReserve&) = delete;
+
+  /// Takes what is missing; idempotent.
+  void Fill();
+
+  /// Gives them free for whoever opens something next; idempotent.
+  void Release();
+
+ private:
+  static constexpr int kNone = -1;
+  std::array<int, 8> held_;  ///< a call takes two ports and three timers, and one more for a moment
 };
 
 }  // namespace orven

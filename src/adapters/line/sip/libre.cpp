@@ -1,10 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/libre.h"
 
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdint>
 #include <system_error>
 
 namespace orven {
+namespace {
+
+timespec Spec(std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+  const std::chrono::nanoseconds rest = time - seconds;
+  return {static_cast<time_t>(seconds.count()), static_cast<long>(rest.count())};
+}
+
+}  // namespace
 
 std::string ErrorWords(int error) {
   return std::generic_category().message(error);
@@ -14,6 +30,20 @@ std::string AddressText(const sa& address) {
   std::array<char, 64> text{};
   re_snprintf(text.data(), text.size(), "%J", &address);
   return text.data();
+}
+
+std::optional<sa> ParseListenAddress(const std::string& text) {
+  const auto colon = text.rfind(':');
+  if (colon == std::string::npos) return std::nullopt;
+  std::uint16_t port = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data() + colon + 1, end, port);
+  sa address{};
+  if (error != std::errc() || last != end || port == 0 ||
+      sa_decode(&address, text.data(), text.size()) != 0) {
+    return std::nullopt;
+  }
+  return address;
 }
 
 sa LocalAddressTowards(const sa& peer) {
@@ -30,6 +60,53 @@ sa LocalAddressTowards(const sa& peer) {
   }
   sa_set_port(&found, 0);
   return found;
+}
+
+SteadyTimer::SteadyTimer(std::function<void()> callback)
+    : callback_(std::move(callback)), fd_(timerfd_create(CLOCK_BOOTTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
+  const int error = fd_ < 0 ? errno : fd_listen(fd_, FD_READ, &SteadyTimer::Fired, this);
+  if (error == 0) return;
+  if (fd_ >= 0) ::close(fd_);
+  throw std::system_error(error, std::generic_category(), "no timer for the telephone line");
+}
+
+SteadyTimer::~SteadyTimer() {
+  fd_close(fd_);
+  ::close(fd_);
+}
+
+void SteadyTimer::StartOnce(std::chrono::milliseconds delay) {
+  periodic_ = false;
+  Arm(delay, std::chrono::milliseconds(0));
+}
+
+void SteadyTimer::StartPeriodic(std::chrono::milliseconds interval) {
+  periodic_ = true;
+  Arm(interval, interval);
+}
+
+void SteadyTimer::Arm(std::chrono::milliseconds first, std::chrono::milliseconds interval) {
+  running_ = true;
+  itimerspec spec{};
+  spec.it_value = Spec(std::max(first, std::chrono::milliseconds(1)));
+  spec.it_interval = Spec(interval);
+  (void)timerfd_settime(fd_, 0, &spec, nullptr);
+}
+
+void SteadyTimer::Stop() {
+  running_ = false;
+  const itimerspec never{};
+  (void)timerfd_settime(fd_, 0, &never, nullptr);
+}
+
+void SteadyTimer::Fired(int /*flags*/, void* self) {
+  auto& timer = *static_cast<SteadyTimer*>(self);
+  std::uint64_t expirations = 0;
+  if (::read(timer.fd_, &expirations, sizeof(expirations)) != sizeof(expirations) || !timer.running_) return;
+  if (!timer.periodic_) timer.running_ = false;
+  // A copy, because the callback may destroy the timer and its own function with it.
+  const std::function<void()> callback = timer.callback_;
+  callback();
 }
 
 }  // namespace orven

@@ -15,7 +15,10 @@
 
 #include <re/re.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -40,8 +43,41 @@ std::string ErrorWords(int error);
 /// "192.0.2.1:5060", "[2001:db8::1]:5060".
 std::string AddressText(const sa& address);
 
+/// Reads "127.0.0.1:5060" or "[::1]:5060"; nothing when it is no address with a port from 1 to 65535.
+std::optional<sa> ParseListenAddress(const std::string& text);
+
 /// This machine's address from which datagrams to `peer` would leave, with port 0. Nothing is sent.
 /// An unset address when there is no way to `peer`.
 sa LocalAddressTowards(const sa& peer);
+
+/// A timer of the SIP thread on the clock that nobody sets, and that counts a suspended computer's sleep. The
+/// library's own timers follow the wall clock: when that is put back they stand still for as long, which must
+/// not stop a call's sound. Made, used and destroyed on the SIP thread; the callback may destroy the timer.
+class SteadyTimer {
+ public:
+  explicit SteadyTimer(std::function<void()> callback);
+  SteadyTimer(const SteadyTimer&) = delete;
+  SteadyTimer& operator=(const SteadyTimer&) = delete;
+  ~SteadyTimer();
+
+  /// Calls back once after `delay` (1 ms or more); a timer already running starts anew.
+  void StartOnce(std::chrono::milliseconds delay);
+
+  /// Calls back every `interval` counted from now, so that delays do not add up. Calls that a stall
+  /// made late are merged into one.
+  void StartPeriodic(std::chrono::milliseconds interval);
+
+  void Stop();
+  bool Running() const { return running_; }
+
+ private:
+  void Arm(std::chrono::milliseconds first, std::chrono::milliseconds interval);
+  static void Fired(int flags, void* self);
+
+  std::function<void()> callback_;
+  int fd_ = -1;
+  bool running_ = false;
+  bool periodic_ = false;
+};
 
 }  // namespace orven

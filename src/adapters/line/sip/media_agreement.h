@@ -8,11 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/line/sip/crypto_attribute.h"
-#include "adapters/line/sip/g711.h"
 #include "adapters/line/sip/libre.h"
-#include "adapters/line/sip/secure_sound.h"
+#include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/srtp.h"
 
 namespace orven {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "adapters/line/sip/steady_timer.h"
+#include "adapters/line/sip/libre.h"
 
 namespace orven {
 

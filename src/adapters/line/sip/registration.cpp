@@ -9,8 +9,8 @@
 #include <optional>
 #include <utility>
 
-#include "adapters/line/sip/listen_addresses.h"
-#include "adapters/line/sip/network_words.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "adapters/line/sip/sip_transports.h"
 
 namespace orven {
 namespace {
@@ -39,26 +39,13 @@ constexpr seconds kLongestSpread(60);
 /// The connection to the server is watched, not probed: servers need not answer probes.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
 
-bool DecodeAccount(const std::string& account, uri& parsed) {
-  pl text{};
-  pl_set_str(&text, account.c_str());
-  return uri_decode(&parsed, &text) == 0 && pl_strcasecmp(&parsed.scheme, "sip") == 0 && parsed.user.l > 0 &&
-         parsed.host.l > 0;
-}
-
-std::string ServerUri(const SipLineSettings& settings) {
-  uri account{};
-  (void)DecodeAccount(settings.account, account);
+std::string ServerUri(const SipAccount& account, const std::string& transport) {
   const std::string port = account.port != 0 ? ":" + std::to_string(account.port) : "";
-  return "sip:" + std::string(View(account.host)) + port + ";transport=" + settings.transport;
+  return "sip:" + account.host + port + ";transport=" + transport;
 }
 
-std::string ContactUri(const SipLineSettings& settings, const sa& address, sip_transp transport) {
-  return "sip:" + ContactUser(settings) + '@' + AddressText(address) + sip_transp_param(transport);
-}
-
-std::string PublicUri(const uri& account) {
-  return "sip:" + std::string(View(account.user)) + "@" + std::string(View(account.host));
+std::string ContactUri(const std::string& user, const sa& address, sip_transp transport) {
+  return "sip:" + user + '@' + AddressText(address) + sip_transp_param(transport);
 }
 
 /// Without the brackets and the port that an address has in a URI.
@@ -123,35 +110,14 @@ seconds GrantedLife(const sip_msg& response, const std::string& contact, seconds
 
 }  // namespace
 
-std::string AccountProblem(const SipLineSettings& settings) {
-  if (settings.account.empty()) return {};
-  uri account{};
-  if (!DecodeAccount(settings.account, account)) {
-    return "account \"" + settings.account + "\" is no SIP address like sip:100@example.org";
-  }
-  if (settings.transport != "udp" && settings.transport != "tcp" && settings.transport != "tls") {
-    return "transport \"" + settings.transport + "\" is none of udp, tcp and tls";
-  }
-  return {};
-}
-
-std::string ServerHost(const SipLineSettings& settings) {
-  uri account{};
-  return DecodeAccount(settings.account, account) ? std::string(View(account.host)) : "";
-}
-
-std::string ContactUser(const SipLineSettings& settings) {
-  uri account{};
-  return DecodeAccount(settings.account, account) ? std::string(View(account.user)) : "orven";
-}
-
 Registration::Registration(const SipLineSettings& settings, Towards towards,
                            std::function<std::string()> refusal)
     : settings_(settings),
+      account_(AccountOf(settings).value_or(SipAccount{})),
       towards_(std::move(towards)),
       refusal_(std::move(refusal)),
       call_id_(RandomName()),
-      login_(settings.auth_user.empty() ? ContactUser(settings) : settings.auth_user, settings.password),
+      login_(settings.auth_user.empty() ? account_.user : settings.auth_user, settings.password),
       timer_([this] { Start(); }),
       sign_timer_([this] { SendSignOfLife(); }),
       life_(settings.timers.registration_life),
@@ -166,10 +132,8 @@ void Registration::Start() {
   if (!registered_) settings_.registration_news({});
   moved_ = false;
   started_ = std::chrono::steady_clock::now();
-  uri account{};
-  (void)DecodeAccount(settings_.account, account);
   const auto listen = ParseListenAddress(settings_.listen);
-  const ServerName server{std::string(View(account.host)), account.port, settings_.transport,
+  const ServerName server{account_.host, account_.port, settings_.transport,
                           listen ? sa_af(&*listen) : AF_INET};
   lookup_.Find(server, [this](std::vector<sa> servers) {
     timer_.Stop();
@@ -246,9 +210,8 @@ int Registration::Send(seconds life) {
   const auto response = [](int error, const sip_msg* message, void* self) {
     static_cast<Registration*>(self)->TakeResponse(error, message);
   };
-  uri account{};
-  (void)DecodeAccount(settings_.account, account);
-  const std::string own = PublicUri(account), server = ServerUri(settings_);
+  const std::string own = "sip:" + account_.user + '@' + account_.host;
+  const std::string server = ServerUri(account_, settings_.transport);
   // The request names the server as the account does, and goes to the address that has been found.
   const std::string address = HostText(servers_.front()), transport = ";transport=" + settings_.transport;
   uri route{};
@@ -270,7 +233,7 @@ int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& req
   own_ = source;
   const sa& here = sa_isset(&seen_, SA_ALL) ? seen_ : own_;
   const bool leaving = asked_ == seconds(0) && !bound_.empty();
-  contact_ = leaving ? bound_ : ContactUri(settings_, here, transport);
+  contact_ = leaving ? bound_ : ContactUri(account_.user, here, transport);
   // Where we are no more, a call would ring for nobody.
   const std::string old =
       bound_.empty() || bound_ == contact_ ? "" : "Contact: <" + bound_ + ">;expires=0\r\n";
@@ -281,7 +244,7 @@ int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& req
 std::string Registration::PublicContact(const sip_msg& invite) const {
   if (!sa_isset(&seen_, SA_ALL) || servers_.empty() || !sa_cmp(&invite.src, &servers_.front(), SA_ADDR))
     return {};
-  return ContactUri(settings_, seen_, invite.tp);
+  return ContactUri(account_.user, seen_, invite.tp);
 }
 
 void Registration::TakeResponse(int error, const sip_msg* response) {
@@ -351,7 +314,7 @@ void Registration::Registered(const sip_msg& response) {
   settings_.registration_news({.state = RegistrationNews::State::Registered, .pause = pause});
   // Behind a router: under the address that calls can find. Once until the next refresh, since there are
   // routers that give us another one each time.
-  const bool elsewhere = sa_isset(&seen_, SA_ALL) && bound_ != ContactUri(settings_, seen_, response.tp);
+  const bool elsewhere = sa_isset(&seen_, SA_ALL) && bound_ != ContactUri(account_.user, seen_, response.tp);
   if (elsewhere && !settings_.register_nothing && !std::exchange(moved_, true)) Ask(life_);
 }
 

@@ -11,7 +11,6 @@
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/server_lookup.h"
 #include "adapters/line/sip/sip_line_settings.h"
-#include "adapters/line/sip/steady_timer.h"
 
 namespace orven {
 
@@ -68,6 +67,7 @@ class Registration {
                    std::chrono::milliseconds pause = {});
 
   const SipLineSettings& settings_;
+  const SipAccount account_;
   const Towards towards_;
   const std::function<std::string()> refusal_;
   const std::string call_id_;  ///< the same for all requests (RFC 3261, section 10.2), and our tag
@@ -95,14 +95,5 @@ class Registration {
   std::string told_;                               ///< why it failed, as the log says; empty while it works
   std::chrono::steady_clock::time_point started_;  ///< the latest try
 };
-
-/// What is wrong with the account of `settings`, for the log; empty when nothing is.
-std::string AccountProblem(const SipLineSettings& settings);
-
-/// The host part of the account: a name or an address. There must be an account.
-std::string ServerHost(const SipLineSettings& settings);
-
-/// The user part of the account, or "orven" without one.
-std::string ContactUser(const SipLineSettings& settings);
 
 }  // namespace orven

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "adapters/line/sip/rtp_packet.h"
+#include "adapters/line/sip/rtp.h"
 
 namespace orven {
 namespace {

@@ -7,17 +7,14 @@
 #include <span>
 #include <string>
 
-#include "adapters/line/sip/digit_merger.h"
-#include "adapters/line/sip/inband_digits.h"
 #include "adapters/line/service/line_audio.h"
+#include "adapters/line/sip/digits.h"
+#include "adapters/line/sip/jitter_buffer.h"
+#include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/media_agreement.h"
-#include "adapters/line/sip/playout.h"
-#include "adapters/line/sip/rtp_packet.h"
-#include "adapters/line/sip/rtp_socket.h"
-#include "adapters/line/sip/secure_sound.h"
+#include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line_settings.h"
-#include "adapters/line/sip/steady_timer.h"
-#include "adapters/line/sip/telephone_events.h"
+#include "adapters/line/sip/srtp.h"
 
 namespace orven {
 

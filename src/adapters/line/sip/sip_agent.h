@@ -6,14 +6,13 @@
 #include <memory>
 #include <optional>
 
-#include "adapters/line/sip/descriptor_reserve.h"
+#include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/network_watch.h"
 #include "adapters/line/sip/registration.h"
 #include "adapters/line/sip/sip_call.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/sip_transports.h"
-#include "adapters/line/sip/steady_timer.h"
 
 namespace orven {
 

@@ -6,9 +6,9 @@
 #include <exception>
 
 #include "adapters/line/sip/caller_identity.h"
-#include "adapters/line/sip/info_digit.h"
+#include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/session_description.h"
-#include "adapters/line/sip/sip_requests.h"
+#include "adapters/line/sip/sip_station.h"
 
 namespace orven {
 namespace {

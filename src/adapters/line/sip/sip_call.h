@@ -7,13 +7,11 @@
 #include <optional>
 #include <string>
 
-#include "adapters/line/sip/digit_merger.h"
-#include "adapters/line/sip/key_pace.h"
+#include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/rtp_stream.h"
 #include "adapters/line/sip/sip_line_settings.h"
-#include "adapters/line/sip/steady_timer.h"
 #include "platform/line_driver.h"
 
 namespace orven {

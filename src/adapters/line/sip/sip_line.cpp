@@ -1,15 +1,146 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_line.h"
 
+#include <pthread.h>
+#include <sched.h>
+
 #include <exception>
+#include <functional>
 #include <future>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "adapters/line/service/line_audio.h"
+#include "adapters/line/sip/connection_guard.h"
+#include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
-#include "adapters/line/sip/sip_thread.h"
+
+// Not among the headers that the library's main one brings; it wants a name and a level for the
+// messages of whoever includes it, of which there are none here.
+#define DEBUG_MODULE "orven"
+#define DEBUG_LEVEL 0
+#include <re/re_dbg.h>
 
 namespace orven {
 namespace {
+
+/// Under load an ordinary thread wakes up to 100 ms late, and the caller hears it. Where the system
+/// refuses a real-time priority the ordinary one has to do.
+void RaisePriority() {
+  sched_param parameters{};
+  parameters.sched_priority = sched_get_priority_min(SCHED_RR);
+  (void)pthread_setschedparam(pthread_self(), SCHED_RR, &parameters);
+}
+
+int InitialiseLibraryOnce() {
+  // The library would print a line for every broken message that a stranger sends.
+  static const int error = (dbg_init(DBG_EMERG, DBG_NONE), libre_init());
+  return error;
+}
+
+/// The thread of one open SIP line: runs the SIP library's event loop and the tasks posted to it.
+class SipThread {
+ public:
+  using Task = std::function<void()>;
+
+  SipThread() = default;
+  SipThread(const SipThread&) = delete;
+  SipThread& operator=(const SipThread&) = delete;
+  ~SipThread() { Stop(); }
+
+  /// Starts the thread and waits until its loop can be posted to. Empty on success, else the reason.
+  /// `at_end` is the last that runs on the thread, however its loop ended.
+  std::string Start(Task at_end);
+
+  /// Runs `task` on the thread, after all tasks posted before it, never inside the call. Any thread
+  /// may post; dropped when the thread does not run.
+  void Post(Task task);
+
+  /// Ends the loop after the tasks posted so far and joins the thread. Not on the thread itself.
+  /// Idempotent.
+  void Stop();
+
+ private:
+  std::string Prepare();
+  void Loop(const Task& at_end);
+  void RunTasks();
+  static void Wake(int id, void* data, void* self);
+
+  std::thread thread_;
+  std::mutex mutex_;
+  std::vector<Task> tasks_;  ///< guarded by mutex_
+  mqueue* wake_ = nullptr;   ///< guarded by mutex_; nullptr when the loop does not run
+  bool woken_ = false;       ///< guarded by mutex_
+};
+
+std::string SipThread::Start(Task at_end) {
+  std::promise<std::string> prepared;
+  std::future<std::string> outcome = prepared.get_future();
+  thread_ = std::thread([this, &prepared, at_end = std::move(at_end)] {
+    const std::string reason = Prepare();
+    prepared.set_value(reason);
+    if (reason.empty()) Loop(at_end);
+    re_thread_close();
+  });
+  std::string reason = outcome.get();
+  if (!reason.empty()) thread_.join();
+  return reason;
+}
+
+std::string SipThread::Prepare() {
+  RaisePriority();
+  int error = InitialiseLibraryOnce();
+  if (error == 0) error = re_thread_init();
+  if (error == 0) error = fd_setsize(kMostDescriptors);
+  mqueue* queue = nullptr;
+  if (error == 0) error = mqueue_alloc(&queue, &SipThread::Wake, this);
+  const std::lock_guard lock(mutex_);
+  wake_ = queue;
+  return error == 0 ? std::string() : "the SIP thread cannot start: " + ErrorWords(error);
+}
+
+void SipThread::Loop(const Task& at_end) {
+  (void)re_main(nullptr);
+  mqueue* queue = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    std::swap(queue, wake_);
+    woken_ = false;
+    tasks_.clear();
+  }
+  at_end();
+  mem_deref(queue);
+}
+
+void SipThread::Post(Task task) {
+  const std::lock_guard lock(mutex_);
+  if (wake_ == nullptr) return;
+  tasks_.push_back(std::move(task));
+  if (!woken_) woken_ = mqueue_push(wake_, 0, nullptr) == 0;
+}
+
+void SipThread::Wake(int /*id*/, void* /*data*/, void* self) {
+  static_cast<SipThread*>(self)->RunTasks();
+}
+
+void SipThread::RunTasks() {
+  std::vector<Task> tasks;
+  {
+    const std::lock_guard lock(mutex_);
+    tasks.swap(tasks_);
+    woken_ = false;
+  }
+  for (const Task& task : tasks) task();
+}
+
+void SipThread::Stop() {
+  if (!thread_.joinable()) return;
+  Post([] { re_cancel(); });
+  thread_.join();
+}
 
 /// Sound quality of the line in bits a second (G.711).
 constexpr std::int32_t kMaxRate = 64'000;

@@ -74,4 +74,26 @@ struct SipLineSettings {
   SipLineTimers timers;
 };
 
+/// The parts of an account like "sip:100@example.org:5060".
+struct SipAccount {
+  std::string user;
+  std::string host;        ///< a name or an address
+  std::uint16_t port = 0;  ///< 0: none given
+};
+
+/// The account of `settings`, or nothing when it has none or one that is not a usable SIP address.
+std::optional<SipAccount> AccountOf(const SipLineSettings& settings);
+
+/// What is wrong with the account of `settings`, for the log; empty when it is usable or there is none.
+std::string AccountProblem(const SipLineSettings& settings);
+
+/// The user part of the account, or "orven" without one.
+std::string ContactUser(const SipLineSettings& settings);
+
+/// Why the server of the account of `line` cannot be asked, in words that begin in lower case and end
+/// without a full stop: for the log, for the list of lines and for their test alike. `error` is the errno
+/// value that the way to the server ended with; `refusal` tells why its certificate was not accepted, or is
+/// empty. Any thread.
+std::string NetworkWords(const SipLineSettings& line, int error, const std::string& refusal);
+
 }  // namespace orven

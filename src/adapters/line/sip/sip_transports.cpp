@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_transports.h"
 
+#include <ifaddrs.h>
+#include <net/if.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,9 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "adapters/line/sip/listen_addresses.h"
-#include "adapters/line/sip/own_certificate.h"
-#include "adapters/line/sip/registration.h"
+#include "adapters/line/sip/tls_context.h"
 #include "platform/line_driver.h"
 
 namespace orven {
@@ -21,6 +22,31 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
   if (settings.tls_made_certificate.empty()) throw std::runtime_error("tls_listen needs a tls_certificate");
   MakeCertificateOnFirstUse(settings.tls_made_certificate);
   return TlsContext::Showing(settings.tls_made_certificate);
+}
+
+/// The addresses that `listen` stands for at this moment: itself, or all of this machine's whose network is
+/// connected when it is 0.0.0.0 or [::], those that lead to others first. The SIP library needs each by
+/// itself, since it tells a peer the address at which it listens.
+std::vector<sa> ExpandListenAddress(const sa& listen) {
+  if (!sa_is_any(&listen)) return {listen};
+  ifaddrs* first = nullptr;
+  if (::getifaddrs(&first) != 0) return {};
+  std::vector<sa> found;
+  for (const ifaddrs* one = first; one != nullptr; one = one->ifa_next) {
+    constexpr unsigned kUsable = IFF_UP | IFF_RUNNING;
+    sa address{};
+    if (one->ifa_addr == nullptr || (one->ifa_flags & kUsable) != kUsable ||
+        sa_set_sa(&address, one->ifa_addr) != 0 || sa_af(&address) != sa_af(&listen) ||
+        sa_is_linklocal(&address)) {
+      continue;
+    }
+    sa_set_port(&address, sa_port(&listen));
+    found.push_back(address);
+  }
+  ::freeifaddrs(first);
+  std::stable_partition(found.begin(), found.end(),
+                        [](const sa& address) { return !sa_is_loopback(&address); });
+  return found;
 }
 
 }  // namespace
@@ -69,7 +95,10 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
       }
       own_tls_ = OwnTls(settings_);
     }
-    if (to_server) server_tls_ = TlsContext::Checking(ServerHost(settings_), settings_.tls_trust);
+    if (to_server) {
+      const std::string host = AccountOf(settings_).value_or(SipAccount{}).host;
+      server_tls_ = TlsContext::Checking(host, settings_.tls_trust);
+    }
   } catch (const std::runtime_error& error) {
     return OpenFailure{kTelephonyDeviceFailed, error.what()};
   }

@@ -5,10 +5,9 @@
 #include <numeric>
 
 #include "adapters/line/sip/caller_identity.h"
-#include "adapters/line/sip/digit_merger.h"
-#include "adapters/line/sip/key_pace.h"
+#include "adapters/line/sip/digits.h"
+#include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/media_agreement.h"
-#include "adapters/line/sip/playout.h"
 #include "integration/line/sip/test_audio.h"
 
 namespace orven::test {

@@ -3,9 +3,8 @@
 #include <array>
 #include <cstring>
 
-#include "adapters/line/sip/crypto_attribute.h"
-#include "adapters/line/sip/g711.h"
-#include "adapters/line/sip/secure_sound.h"
+#include "adapters/line/sip/rtp.h"
+#include "adapters/line/sip/srtp.h"
 #include "integration/line/sip/sip_peers_test.h"
 
 namespace orven::test {

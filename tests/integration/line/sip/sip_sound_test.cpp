@@ -2,7 +2,7 @@
 // The sound of a call and the keys pressed in it.
 #include <spandsp.h>
 
-#include "adapters/line/sip/g711.h"
+#include "adapters/line/sip/rtp.h"
 #include "integration/line/sip/sip_line_test.h"
 #include "integration/line/sip/test_audio.h"
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/sip/network_words.h"
+#include "adapters/line/sip/sip_line_settings.h"
 
 #include <cerrno>
 
 #include "adapters/line/sip/libre.h"
-#include "adapters/line/sip/listen_addresses.h"
 
 namespace orven {
 namespace {
@@ -35,6 +34,33 @@ std::string TlsWords(const SipLineSettings& line, int error, const std::string& 
 }
 
 }  // namespace
+
+std::optional<SipAccount> AccountOf(const SipLineSettings& settings) {
+  pl text{};
+  uri parsed{};
+  pl_set_str(&text, settings.account.c_str());
+  if (uri_decode(&parsed, &text) != 0 || pl_strcasecmp(&parsed.scheme, "sip") != 0 || parsed.user.l == 0 ||
+      parsed.host.l == 0) {
+    return std::nullopt;
+  }
+  return SipAccount{std::string(View(parsed.user)), std::string(View(parsed.host)), parsed.port};
+}
+
+std::string AccountProblem(const SipLineSettings& settings) {
+  if (settings.account.empty()) return {};
+  if (!AccountOf(settings)) {
+    return "account \"" + settings.account + "\" is no SIP address like sip:100@example.org";
+  }
+  if (settings.transport != "udp" && settings.transport != "tcp" && settings.transport != "tls") {
+    return "transport \"" + settings.transport + "\" is none of udp, tcp and tls";
+  }
+  return {};
+}
+
+std::string ContactUser(const SipLineSettings& settings) {
+  const auto account = AccountOf(settings);
+  return account ? account->user : "orven";
+}
 
 std::string NetworkWords(const SipLineSettings& line, int error, const std::string& refusal) {
   const auto server = ServerOf(line);
