@@ -6,12 +6,15 @@ add_library(orven_warnings INTERFACE)
 target_compile_options(orven_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
 # orven_library(name [LINK targets…] [SYSTEM libraries…])
-# A static library of the .cpp files in the calling folder.
+# A static library of the .cpp files in the calling folder, on top of src/base.
 function(orven_library name)
   cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  if(NOT name STREQUAL orven_base)
+    list(APPEND ARG_LINK orven_base)
+  endif()
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE orven_warnings)
 endfunction()
 

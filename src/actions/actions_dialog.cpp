@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "actions/actions_engine.h"
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 

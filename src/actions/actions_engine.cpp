@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/error_trap.h"
 
 namespace orven {

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 
 namespace orven {
 namespace {

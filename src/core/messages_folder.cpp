@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "core/mdlReg.h"
-#include "core/native_path.h"
+#include "base/paths.h"
 
 namespace orven {
 

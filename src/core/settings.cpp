@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "core/native_path.h"
+#include "base/paths.h"
 
 namespace orven {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/settings_store.h"
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 #include "core/messages_folder.h"

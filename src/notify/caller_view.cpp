@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "core/error_trap.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/mdlReg.h"
-#include "core/native_path.h"
+#include "base/paths.h"
 
 namespace orven {
 namespace {

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "core/error_trap.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call.h"
 #include "records/call_fields.h"
 

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <utility>
 
-#include "core/conversions.h"
-#include "core/native_path.h"
+#include "base/conversions.h"
+#include "base/paths.h"
 #include "records/call_fields.h"
 
 namespace orven {

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/error_trap.h"
-#include "core/native_path.h"
-#include "platform/runtime_error.h"
+#include "base/paths.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 #include "records/call_recovery.h"
 #include "records/message_name.h"

@@ -2,7 +2,7 @@
 #include "records/message_name.h"
 
 #include "core/file_stamp.h"
-#include "core/native_path.h"
+#include "base/paths.h"
 
 namespace orven {
 

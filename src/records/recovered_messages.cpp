@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "core/native_path.h"
+#include "base/paths.h"
 #include "records/call_fields.h"
 #include "records/call_recovery.h"
 #include "records/message_name.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/quick_options.h"
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/error_trap.h"
 
 namespace orven {

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "core/error_trap.h"
-#include "core/native_path.h"
+#include "base/paths.h"
 #include "core/tenths_wait.h"
 #include "records/grown_recordings.h"
 #include "records/message_name.h"

@@ -2,7 +2,7 @@
 #include "telephony/remote_access.h"
 
 #include "core/error_trap.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 

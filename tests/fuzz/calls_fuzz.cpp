@@ -7,7 +7,7 @@
 
 #include "adapters/database/sqlite_database.h"
 #include "fuzz/input.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 #include "support/scratch_folder.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "adapters/line/config/line_keys.h"
 #include "adapters/line/config/lines_ini.h"
 #include "fuzz/input.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "adapters/line/modem/caller_id_lines.h"
 #include "adapters/line/modem/hang_up_sound.h"
 #include "adapters/line/modem/key_presses.h"

@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "adapters/line/service/caller_text.h"
 #include "adapters/line/service/line_audio.h"
 #include "adapters/line/sip/libre.h"

@@ -10,11 +10,13 @@ import check_house
 
 LICENCE = "// SPDX-License-Identifier: GPL-3.0-or-later\n"
 ORDERLY = {
-    "src/platform/clock.h": "#include <chrono>",
+    "src/base/paths.h": "#include <string>",
+    "src/base/paths.cpp": '#include <unistd.h>\n#include "base/paths.h"',
+    "src/platform/clock.h": '#include <chrono>\n#include "base/paths.h"',
     "src/core/settings.h": '#include <cstdint>\n#include "platform/clock.h"',
     "src/shell/frmMain.h": '#include <QMainWindow>\n#include "core/settings.h"',
     "src/notify/frmEvents.h": '#include <QDialog>\n#include "shell/frmMain.h"',
-    "src/adapters/desktop/qt_clock.h": '#include <QLocale>\n#include "platform/clock.h"',
+    "src/adapters/desktop/qt_clock.h": '#include <QLocale>\n#include "base/paths.h"\n#include "platform/clock.h"',
     "src/programs/orven/main.cpp": '#include "adapters/desktop/qt_clock.h"\n#include "shell/frmMain.h"',
 }
 PLANTED = [  # where, what, the line and a word of the complaint
@@ -22,9 +24,11 @@ PLANTED = [  # where, what, the line and a word of the complaint
     ("src/core/settings.h", "#include <unistd.h>", "2: ", "<unistd.h>"),
     ("src/core/settings.h", '#include "adapters/desktop/qt_clock.h"', "2: ", "adapter"),
     ("src/core/settings.h", '#include "../platform/clock.h"', "2: ", "no header"),
-    ("src/platform/clock.h", '#include "core/settings.h"', "2: ", "floor 2"),
+    ("src/platform/clock.h", '#include "core/settings.h"', "2: ", "floor 3"),
+    ("src/base/paths.h", '#include "platform/clock.h"', "2: ", "floor 2"),
+    ("src/base/paths.h", "#include <unistd.h>", "2: ", "<unistd.h>"),
     ("src/shell/main_window.cpp", '#include "shell/frmMain.h"', "2: ", "window"),
-    ("src/notify/frmEvents.h", '#include "shell/main_window.h"', "2: ", "floor 6"),
+    ("src/notify/frmEvents.h", '#include "shell/main_window.h"', "2: ", "floor 7"),
     ("src/adapters/desktop/qt_clock.h", '#include "core/settings.h"', "2: ", "ports"),
     ("src/attic/box.h", "", "1: ", "floor"),
 ]

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/file_stamp.h"
 #include "records/call_fields.h"
 #include "simulation/log_order.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulation/random_call.h"
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "simulation/desk.h"
 #include "simulation/dice.h"
 #include "simulation/faults.h"

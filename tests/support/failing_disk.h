@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/files.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven::test {
 

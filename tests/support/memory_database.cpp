@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 
 namespace orven::test {

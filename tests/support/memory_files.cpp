@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/memory_files.h"
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven::test {
 namespace {

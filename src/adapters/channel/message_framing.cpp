@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/channel/message_framing.h"
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "platform/data_exchange.h"
 
 namespace orven {

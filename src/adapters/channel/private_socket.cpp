@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "adapters/channel/same_user.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

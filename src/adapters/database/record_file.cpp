@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "adapters/database/salvage.h"
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 

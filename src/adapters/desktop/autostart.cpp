@@ -11,8 +11,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "adapters/files/durable.h"
-#include "platform/runtime_error.h"
+#include "base/durable_file.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

@@ -9,7 +9,7 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "adapters/files/descriptor.h"
-#include "adapters/files/durable.h"
+#include "base/descriptor.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 
 namespace orven {
 

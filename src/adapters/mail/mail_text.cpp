@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 
 namespace orven {
 namespace {

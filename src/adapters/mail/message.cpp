@@ -11,7 +11,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 #include "adapters/mail/mail_text.h"
 
 namespace orven {

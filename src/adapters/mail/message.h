@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "adapters/files/descriptor.h"
+#include "base/descriptor.h"
 #include "adapters/mail/curl_library.h"
 #include "adapters/mail/outbox.h"
 

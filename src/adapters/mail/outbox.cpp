@@ -14,8 +14,8 @@
 #include <filesystem>
 #include <random>
 
-#include "adapters/files/descriptor.h"
-#include "adapters/files/durable.h"
+#include "base/descriptor.h"
+#include "base/durable_file.h"
 #include "adapters/mail/mail_text.h"
 
 namespace orven {

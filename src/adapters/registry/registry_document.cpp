@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "adapters/registry/utf16.h"
+#include "base/utf16.h"
 
 namespace orven {
 

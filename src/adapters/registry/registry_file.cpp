@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "adapters/files/disk_files.h"
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "programs/TTS/helper.h"
 #include "programs/TTS/report.h"
 #include "programs/TTS/speaking_rate.h"

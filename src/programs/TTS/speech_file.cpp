@@ -15,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 
 namespace orven {
 namespace {

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-#include "adapters/files/descriptor.h"
+#include "base/descriptor.h"
 
 namespace orven {
 

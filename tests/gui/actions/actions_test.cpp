@@ -5,7 +5,7 @@
 #include <QTest>
 
 #include "actions/frmActions.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {

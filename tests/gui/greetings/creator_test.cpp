@@ -9,7 +9,7 @@
 #include <QTimer>
 
 #include "greetings/frmGreetC.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {

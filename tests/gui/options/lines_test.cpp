@@ -9,7 +9,7 @@
 
 #include "options/frmLineEdit.h"
 #include "options/frmLines.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/scripted_lines.h"
 #include "support/world.h"
 

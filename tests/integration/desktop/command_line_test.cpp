@@ -9,7 +9,7 @@
 
 #include "actions/actions_engine.h"
 #include "adapters/line/service/caller_text.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

@@ -5,7 +5,7 @@
 
 #include "adapters/desktop/installation.h"
 #include "adapters/desktop/qt_shell.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

@@ -8,7 +8,7 @@
 
 #include "adapters/files/disk_files.h"
 #include "integration/audio/test_loop.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

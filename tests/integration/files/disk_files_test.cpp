@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <functional>
 
-#include "adapters/files/durable.h"
-#include "adapters/files/utf8.h"
-#include "platform/runtime_error.h"
+#include "base/durable_file.h"
+#include "base/utf8.h"
+#include "base/runtime_error.h"
 #include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/files/descriptor.h"
+#include "base/descriptor.h"
 
 namespace orven::testing {
 

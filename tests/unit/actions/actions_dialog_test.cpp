@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {

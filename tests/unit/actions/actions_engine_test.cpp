@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "actions/actions_dialog.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {

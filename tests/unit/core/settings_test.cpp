@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 
 #include "adapters/line/sim/virtual_time.h"
-#include "core/conversions.h"
+#include "base/conversions.h"
 #include "core/settings_store.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/memory_files.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "log/log_viewer.h"
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {

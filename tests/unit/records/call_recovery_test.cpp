@@ -8,7 +8,7 @@
 #include <map>
 #include <optional>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 #include "records/grown_recordings.h"
 #include "support/world.h"

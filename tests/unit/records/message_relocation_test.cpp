@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 #include "support/world.h"
 

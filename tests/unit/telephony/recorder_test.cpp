@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 #include "records/call_fields.h"
 #include "support/world.h"
 

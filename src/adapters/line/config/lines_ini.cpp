@@ -11,7 +11,7 @@
 #include <system_error>
 #include <utility>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "adapters/line/config/line_keys.h"
 
 namespace orven {

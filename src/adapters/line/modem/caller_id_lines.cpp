@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 #include "adapters/line/modem/caller_id_message.h"
 
 namespace orven {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/conversions.h"
+#include "base/conversions.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {

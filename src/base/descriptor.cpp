@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/files/descriptor.h"
+#include "base/descriptor.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/registry/utf16.h"
+#include "base/utf16.h"
 
 #include <array>
 #include <cstdint>
 
-#include "adapters/files/utf8.h"
+#include "base/utf8.h"
 
 namespace orven {
 

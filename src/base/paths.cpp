@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "core/native_path.h"
+#include "base/paths.h"
 
 #include <algorithm>
 #include <filesystem>

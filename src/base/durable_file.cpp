@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/files/durable.h"
+#include "base/durable_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,7 +15,7 @@
 #include <functional>
 #include <system_error>
 
-#include "adapters/files/descriptor.h"
+#include "base/descriptor.h"
 
 namespace orven {
 
