@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "core/mdlReg.h"
 #include "base/paths.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 

@@ -3,8 +3,8 @@
 
 #include <limits>
 
-#include "core/error_trap.h"
 #include "base/runtime_error.h"
+#include "core/error_trap.h"
 
 namespace orven {
 namespace {

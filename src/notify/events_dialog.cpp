@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/conversions.h"
-#include "core/error_trap.h"
 #include "base/paths.h"
+#include "core/error_trap.h"
 
 namespace orven {
 namespace {

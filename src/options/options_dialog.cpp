@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "base/conversions.h"
-#include "core/mdlReg.h"
 #include "base/paths.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 namespace {

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "base/conversions.h"
-#include "core/error_trap.h"
 #include "base/paths.h"
 #include "base/runtime_error.h"
+#include "core/error_trap.h"
 #include "records/call_fields.h"
 #include "records/call_recovery.h"
 #include "records/message_name.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/message_name.h"
 
-#include "core/file_stamp.h"
 #include "base/paths.h"
+#include "core/file_stamp.h"
 
 namespace orven {
 

@@ -3,8 +3,8 @@
 
 #include <chrono>
 
-#include "core/error_trap.h"
 #include "base/paths.h"
+#include "core/error_trap.h"
 #include "core/tenths_wait.h"
 #include "records/grown_recordings.h"
 #include "records/message_name.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/remote_access.h"
 
-#include "core/error_trap.h"
 #include "base/runtime_error.h"
+#include "core/error_trap.h"
 
 namespace orven {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "adapters/database/sqlite_database.h"
-#include "fuzz/input.h"
 #include "base/runtime_error.h"
+#include "fuzz/input.h"
 #include "records/call_fields.h"
 #include "support/scratch_folder.h"
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "base/utf8.h"
 #include "adapters/line/config/line_keys.h"
 #include "adapters/line/config/lines_ini.h"
+#include "base/utf8.h"
 #include "fuzz/input.h"
 
 namespace {

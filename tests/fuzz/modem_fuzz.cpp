@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "base/utf8.h"
 #include "adapters/line/modem/caller_id_lines.h"
 #include "adapters/line/modem/hang_up_sound.h"
 #include "adapters/line/modem/key_presses.h"
@@ -14,6 +13,7 @@
 #include "adapters/line/modem/sample_codec.h"
 #include "adapters/line/modem/shielding.h"
 #include "adapters/line/modem/voice_format.h"
+#include "base/utf8.h"
 #include "fuzz/input.h"
 
 namespace {

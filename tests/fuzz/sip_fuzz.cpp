@@ -19,11 +19,11 @@
 #include <string_view>
 #include <vector>
 
-#include "base/utf8.h"
 #include "adapters/line/service/caller_text.h"
 #include "adapters/line/service/line_audio.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
+#include "base/utf8.h"
 #include "fuzz/input.h"
 
 // Not among the headers that the library's main one brings.

@@ -6,8 +6,8 @@
 #include <limits>
 #include <string>
 
-#include "platform/files.h"
 #include "base/runtime_error.h"
+#include "platform/files.h"
 
 namespace orven::test {
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "core/error_trap.h"
 #include "base/runtime_error.h"
+#include "core/error_trap.h"
 #include "records/call_fields.h"
 
 namespace orven::test {

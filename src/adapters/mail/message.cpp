@@ -11,8 +11,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "base/durable_file.h"
 #include "adapters/mail/mail_text.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

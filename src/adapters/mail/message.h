@@ -7,9 +7,9 @@
 #include <span>
 #include <string>
 
-#include "base/descriptor.h"
 #include "adapters/mail/curl_library.h"
 #include "adapters/mail/outbox.h"
+#include "base/descriptor.h"
 
 namespace orven {
 

@@ -14,9 +14,9 @@
 #include <filesystem>
 #include <random>
 
+#include "adapters/mail/mail_text.h"
 #include "base/descriptor.h"
 #include "base/durable_file.h"
-#include "adapters/mail/mail_text.h"
 
 namespace orven {
 

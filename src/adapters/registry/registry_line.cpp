@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "base/utf8.h"
 #include "adapters/registry/registry_notation.h"
 #include "base/utf16.h"
+#include "base/utf8.h"
 
 namespace orven {
 

@@ -5,9 +5,9 @@
 #include <array>
 #include <cstdio>
 
-#include "base/utf8.h"
 #include "adapters/registry/registry_line.h"
 #include "base/utf16.h"
+#include "base/utf8.h"
 
 namespace orven {
 

@@ -8,8 +8,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include "greetings/frmGreetC.h"
 #include "base/runtime_error.h"
+#include "greetings/frmGreetC.h"
 #include "support/world.h"
 
 namespace orven::test {

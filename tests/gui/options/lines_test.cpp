@@ -7,9 +7,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include "base/runtime_error.h"
 #include "options/frmLineEdit.h"
 #include "options/frmLines.h"
-#include "base/runtime_error.h"
 #include "support/scripted_lines.h"
 #include "support/world.h"
 

@@ -4,8 +4,8 @@
 #include <QAction>
 #include <QTest>
 
-#include "options/frmOptions.h"
 #include "base/runtime_error.h"
+#include "options/frmOptions.h"
 #include "support/world.h"
 
 namespace orven::test {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "adapters/files/disk_files.h"
-#include "integration/audio/test_loop.h"
 #include "base/runtime_error.h"
+#include "integration/audio/test_loop.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

@@ -3,8 +3,8 @@
 
 #include "adapters/line/sim/virtual_time.h"
 #include "base/conversions.h"
-#include "core/settings_store.h"
 #include "base/runtime_error.h"
+#include "core/settings_store.h"
 #include "support/memory_files.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"

@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "greetings/greeting_creator.h"
 #include "base/runtime_error.h"
+#include "greetings/greeting_creator.h"
 #include "support/world.h"
 
 namespace orven::test {

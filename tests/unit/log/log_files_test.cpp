@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "log/mdlLog.h"
 #include "base/runtime_error.h"
+#include "log/mdlLog.h"
 #include "support/world.h"
 
 namespace orven::test {

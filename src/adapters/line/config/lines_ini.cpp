@@ -11,8 +11,8 @@
 #include <system_error>
 #include <utility>
 
-#include "base/utf8.h"
 #include "adapters/line/config/line_keys.h"
+#include "base/utf8.h"
 
 namespace orven {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "base/utf8.h"
 #include "adapters/line/modem/caller_id_message.h"
+#include "base/utf8.h"
 
 namespace orven {
 namespace {

@@ -8,16 +8,16 @@
 #include <system_error>
 #include <utility>
 
-#include "base/descriptor.h"
-#include "base/durable_file.h"
-#include "base/utf8.h"
 #include "adapters/line/config/line_settings.h"
 #include "adapters/line/config/lines_ini.h"
 #include "adapters/line/modem/modem_line_settings.h"
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sim/sim_script.h"
+#include "base/descriptor.h"
+#include "base/durable_file.h"
 #include "base/runtime_error.h"
+#include "base/utf8.h"
 
 namespace orven {
 

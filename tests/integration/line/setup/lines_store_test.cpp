@@ -7,8 +7,8 @@
 #include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
 #include "adapters/line/setup/modem_probe.h"
-#include "integration/line/setup/waiting_loop.h"
 #include "base/runtime_error.h"
+#include "integration/line/setup/waiting_loop.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {
