@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "adapters/line/modem/hang_up_sound.h"
+#include "adapters/line/modem/hang_up_detector.h"
 #include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
 

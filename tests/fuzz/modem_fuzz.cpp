@@ -5,13 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "adapters/line/modem/caller_id_lines.h"
-#include "adapters/line/modem/hang_up_sound.h"
-#include "adapters/line/modem/key_presses.h"
+#include "adapters/line/modem/caller_id.h"
+#include "adapters/line/modem/hang_up_detector.h"
+#include "adapters/line/modem/modem_call.h"
 #include "adapters/line/modem/modem_reader.h"
-#include "adapters/line/modem/ring_pattern.h"
 #include "adapters/line/modem/sample_codec.h"
-#include "adapters/line/modem/shielding.h"
 #include "adapters/line/modem/voice_format.h"
 #include "base/utf8.h"
 #include "fuzz/input.h"

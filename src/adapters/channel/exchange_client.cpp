@@ -4,7 +4,7 @@
 #include <QDeadlineTimer>
 #include <QThread>
 
-#include "adapters/channel/same_user.h"
+#include "adapters/channel/message_link.h"
 
 namespace orven {
 namespace {

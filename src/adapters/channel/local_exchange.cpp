@@ -1,12 +1,55 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/channel/local_exchange.h"
 
+#include <sys/un.h>
+
+#include <QDir>
+#include <QFile>
+#include <QLocalServer>
+#include <QStandardPaths>
+#include <QStringList>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
 #include <utility>
+
+#include "adapters/channel/message_link.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {
+
+/// Qt binds the socket in a folder of six letters inside ours before it gives it its name.
+constexpr qsizetype kRoomForQt = 16;
+constexpr qsizetype kLongestPath = sizeof(sockaddr_un::sun_path) - 1;
+
+/// Folders to try, the best first.
+QStringList Parents() {
+  QStringList parents;
+  if (qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
+    parents << QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+  }
+  parents << QDir::tempPath() << QStringLiteral("/tmp");
+  parents.removeAll(QString());
+  return parents;
+}
+
+std::unique_ptr<QTemporaryDir> MakeFolder(QString& problem) {
+  for (const QString& parent : Parents()) {
+    auto folder = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/orven-XXXXXX"));
+    if (!folder->isValid()) {
+      problem = parent + QStringLiteral(" (") + folder->errorString() + QStringLiteral(")");
+    } else if (QFile::encodeName(folder->path()).size() + kRoomForQt > kLongestPath) {
+      problem = parent + QStringLiteral(" (the path is too long for a socket)");
+    } else {
+      return folder;
+    }
+  }
+  throw RuntimeError(ErrorNumber::PathAccessError, problem.toStdString());
+}
 
 using namespace std::chrono_literals;
 
@@ -14,6 +57,56 @@ using namespace std::chrono_literals;
 constexpr auto kFlushLimit = 1s;
 
 }  // namespace
+
+/// A socket in a fresh folder of its own, both for this user alone, through which one process comes in.
+/// Both are gone from the disk as soon as it has come, and with this object.
+class PrivateSocket {
+ public:
+  using Accepted = std::function<void(std::unique_ptr<QLocalSocket>)>;
+
+  /// Opens the socket in the session's runtime folder, or in the folder for temporary files when there is
+  /// none. Throws RuntimeError 75 when that cannot be done. `accepted` is called once, by the event loop.
+  explicit PrivateSocket(Accepted accepted);
+  ~PrivateSocket();
+  PrivateSocket(const PrivateSocket&) = delete;
+  PrivateSocket& operator=(const PrivateSocket&) = delete;
+
+  /// Nobody has come in yet.
+  bool Open() const { return server_.isListening(); }
+
+  std::string Path() const { return server_.fullServerName().toStdString(); }
+
+ private:
+  void Accept();
+
+  Accepted accepted_;
+  std::unique_ptr<QTemporaryDir> folder_;
+  QLocalServer server_;
+};
+
+PrivateSocket::PrivateSocket(Accepted accepted) : accepted_(std::move(accepted)) {
+  QString problem;
+  folder_ = MakeFolder(problem);
+  server_.setSocketOptions(QLocalServer::UserAccessOption);
+  QObject::connect(&server_, &QLocalServer::newConnection, &server_, [this] { Accept(); });
+  const QString path = folder_->filePath(QStringLiteral("uDat"));
+  if (server_.listen(path)) return;
+  throw RuntimeError(ErrorNumber::PathAccessError,
+                     path.toStdString() + " (" + server_.errorString().toStdString() + ")");
+}
+
+PrivateSocket::~PrivateSocket() = default;
+
+void PrivateSocket::Accept() {
+  while (server_.hasPendingConnections()) {
+    std::unique_ptr<QLocalSocket> socket(server_.nextPendingConnection());
+    socket->setParent(nullptr);
+    if (!IsSameUser(*socket)) continue;
+    server_.close();
+    folder_.reset();
+    return accepted_(std::move(socket));
+  }
+}
 
 LocalExchange::LocalExchange(EventLoop& loop) : loop_(loop) {}
 

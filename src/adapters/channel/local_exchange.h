@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "adapters/channel/message_link.h"
-#include "adapters/channel/private_socket.h"
 #include "platform/data_exchange.h"
 #include "platform/event_loop.h"
 
 namespace orven {
+
+class PrivateSocket;
 
 /// The program's end of the link `uDat`, over a local socket that only this user's processes reach. Needs a
 /// QCoreApplication; user-interface thread. Beyond the port: a helper that does not read for so long that

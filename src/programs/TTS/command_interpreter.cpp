@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "platform/wave.h"
-#include "programs/TTS/report.h"
-#include "programs/TTS/speaking_rate.h"
+#include "programs/TTS/speech_engine.h"
 #include "programs/TTS/speech_file.h"
+#include "programs/TTS/speech_jobs.h"
 
 namespace orven {
 namespace {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "platform/audio_device.h"
+#include "programs/TTS/speech_engine.h"
 #include "programs/TTS/speech_jobs.h"
-#include "programs/TTS/spoken_sound.h"
-#include "programs/TTS/voice.h"
+#include "programs/TTS/spoken_audio.h"
 
 namespace orven {
 

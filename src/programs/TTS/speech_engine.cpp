@@ -4,15 +4,50 @@
 #include <espeak-ng/espeak_ng.h>
 #include <espeak-ng/speak_lib.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <exception>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
 namespace orven {
 namespace {
+
+std::string LanguageTag(std::string_view locale) {
+  if (locale.empty() || locale == "C" || locale == "POSIX") return "en-us";
+  std::string tag;
+  for (const char letter : locale) {
+    const bool capital = letter >= 'A' && letter <= 'Z';
+    tag += letter == '_' ? '-' : capital ? static_cast<char>(letter - 'A' + 'a') : letter;
+  }
+  // The engine names the spoken language, systems the written one.
+  if (tag == "zh" || tag.starts_with("zh-")) return "cmn";
+  return tag;
+}
+
+/// How far a voice is from the language wanted: 0 to 3, 4 for another language.
+int Distance(const Voice& voice, const std::string& tag) {
+  const std::string language = tag.substr(0, tag.find('-'));
+  int distance = 4;
+  for (const std::string& spoken : voice.languages) {
+    if (spoken == tag) return 0;
+    if (spoken.starts_with(tag + "-")) distance = std::min(distance, 1);
+    if (spoken == language) distance = std::min(distance, 2);
+    if (spoken.starts_with(language + "-")) distance = std::min(distance, 3);
+  }
+  return distance;
+}
+
+std::string OneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char letter) { return letter == '\r' || letter == '\n'; }, ' ');
+  text.erase(0, text.find_first_not_of(' '));
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
+}
 
 /// While it lives, the sound server of this process is one that does not exist. The library asks for it when
 /// it starts, although it is not to play anything, and would wait for ever for a server that hangs.
@@ -87,6 +122,27 @@ std::vector<std::string> Languages(const char* list) {
 }
 
 }  // namespace
+
+std::vector<Voice> VoicesFor(std::string_view locale, std::vector<Voice> voices) {
+  const std::string tag = LanguageTag(locale);
+  std::stable_sort(voices.begin(), voices.end(), [&tag](const Voice& one, const Voice& other) {
+    return Distance(one, tag) < Distance(other, tag);
+  });
+  std::set<std::string> taken;
+  for (Voice& voice : voices) {
+    voice.description = OneLine(voice.description);
+    if (voice.description.empty()) voice.description = voice.identifier;
+    if (taken.contains(voice.description)) voice.description += " [" + voice.identifier + "]";
+    taken.insert(voice.description);
+  }
+  return voices;
+}
+
+std::string JoinedDescriptions(const std::vector<Voice>& voices) {
+  std::string joined;
+  for (const Voice& voice : voices) joined += (joined.empty() ? "" : "\r\n") + voice.description;
+  return joined;
+}
 
 SpeechEngine::SpeechEngine() {
   const NoSoundServer no_sound_server;

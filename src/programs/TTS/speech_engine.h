@@ -1,15 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "programs/TTS/voice.h"
-
 namespace orven {
+/// A voice of the speech engine.
+struct Voice {
+  std::string description;             ///< as a person chooses it, "English (America)"
+  std::string identifier;              ///< as the engine finds it
+  std::vector<std::string> languages;  ///< in small letters with hyphens, "en-us"
+};
+
+/// The voices as they are offered: those for the language of `locale` ("de_AT") first, of these the ones for
+/// exactly that, then for a part of it, then for the language as such; the others follow as they were.
+/// Descriptions are made unique and free of line breaks. The locales "C" and "POSIX" count as American
+/// English.
+std::vector<Voice> VoicesFor(std::string_view locale, std::vector<Voice> voices);
+
+/// The voices' descriptions, one a line, with "\r\n" between them.
+std::string JoinedDescriptions(const std::vector<Voice>& voices);
 
 /// A text and how it is to be spoken.
 struct Utterance {
@@ -45,5 +61,18 @@ class SpeechEngine {
  private:
   int sample_rate_ = 0;
 };
+
+/// Words a minute for a rate of the slider: 0 is the engine's own rate, 10 steps are a factor of three.
+/// What lies beyond the slider counts as its end, what lies beyond the engine's range as that's end.
+inline int WordsPerMinute(int rate) {
+  constexpr int kMostRate = 10;
+  constexpr double kFactorOfTenSteps = 3;
+  constexpr int kNormal = 175;   // espeakRATE_NORMAL
+  constexpr int kSlowest = 80;   // espeakRATE_MINIMUM
+  constexpr int kFastest = 450;  // espeakRATE_MAXIMUM
+  const double steps = std::clamp(rate, -kMostRate, kMostRate);
+  const double words = kNormal * std::pow(kFactorOfTenSteps, steps / kMostRate);
+  return std::clamp(static_cast<int>(std::lround(words)), kSlowest, kFastest);
+}
 
 }  // namespace orven

@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/TTS/speech_jobs.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <exception>
 #include <utility>
 
-#include "programs/TTS/report.h"
 #include "programs/TTS/speech_file.h"
 
 namespace orven {
+void Report(const std::string& text) {
+  const std::string line = "TTS: " + text + "\n";
+  // Nobody is left to be told when that fails.
+  [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
+}
 
 SpeechJobs::SpeechJobs(SpeechEngine& engine, SpokenSound& sound)
     : engine_(engine), sound_(sound), thread_([this] { Run(); }) {}

@@ -11,9 +11,11 @@
 #include <variant>
 
 #include "programs/TTS/speech_engine.h"
-#include "programs/TTS/spoken_sound.h"
+#include "programs/TTS/spoken_audio.h"
 
 namespace orven {
+/// Writes one line to standard error, whole. Any thread.
+void Report(const std::string& text);
 
 /// The thread in which all speech is made, one text after the other. Every operation returns at once;
 /// what fails is one line on standard error. Qt's main thread.

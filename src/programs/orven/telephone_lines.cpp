@@ -5,7 +5,7 @@
 
 #include "adapters/line/config/line_settings.h"
 #include "adapters/line/config/lines_ini.h"
-#include "adapters/line/modem/serial/modem_line.h"
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sip/sip_line.h"

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "adapters/channel/message_framing.h"
+#include "adapters/channel/message_link.h"
 #include "platform/data_exchange.h"
 
 namespace orven::test {

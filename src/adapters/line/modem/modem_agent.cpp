@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/line/modem/modem_firmware.h"
+#include "adapters/line/modem/modem_preparation.h"
 
 namespace orven {
 namespace {

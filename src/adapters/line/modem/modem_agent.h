@@ -9,11 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/modem/at_channel.h"
 #include "adapters/line/modem/modem_call.h"
-#include "adapters/line/modem/modem_line_settings.h"
-#include "adapters/line/modem/modem_link.h"
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/modem/modem_preparation.h"
-#include "adapters/line/modem/modem_talk.h"
 
 namespace orven {
 

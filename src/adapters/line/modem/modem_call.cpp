@@ -1,12 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/modem/modem_call.h"
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace orven {
 namespace {
 
 using std::chrono::milliseconds;
+
+constexpr char kBegins = '/';
+constexpr char kEnds = '~';
+
+/// Modems repeat a key that is held about every 70 ms; a person needs longer to press it again.
+constexpr std::chrono::milliseconds kRepeat{150};
+
+/// A bracket that has gone on for so long has lost its end.
+constexpr std::chrono::milliseconds kLostEnd{1'000};
+
+bool IsKey(char code) {
+  return code != '\0' && std::string_view("0123456789*#ABCD").find(code) != std::string_view::npos;
+}
+
+/// The parts of a double or distinctive ring are at most so far apart (ITU-T E.180 supplement 2).
+constexpr milliseconds kSameRing{1000};
+
+/// No bell rings longer: reports that go on after it are the next ring.
+constexpr milliseconds kLongestRing{4000};
+
+/// Longer than the longest usual cadence, 6 s from ring to ring (ITU-T E.180 supplement 2).
+constexpr milliseconds kShortestPatience{8000};
 
 /// A caller id is complete when nothing comes for so long; its lines follow each other at once.
 constexpr milliseconds kCallerIdQuiet{700};
@@ -43,6 +67,36 @@ const char* WordsOf(char code) {
 }
 
 }  // namespace
+
+std::optional<char> KeyPresses::Sign(char code, Time now) {
+  if (code == kBegins || code == kEnds) {
+    bracket_ = code == kBegins;
+    told_ = false;
+    if (!bracket_) latest_ = now;
+    return std::nullopt;
+  }
+  if (!IsKey(code)) return std::nullopt;
+  const bool first_in_bracket = bracket_ && !told_;
+  const bool repeated = code == digit_ && now - latest_ <= (bracket_ ? kLostEnd : kRepeat);
+  digit_ = code;
+  latest_ = now;
+  told_ = true;
+  if (repeated && !first_in_bracket) return std::nullopt;
+  return code;
+}
+
+std::optional<int> RingPattern::Ring(Time now) {
+  const bool same = count_ > 0 && now - latest_ < kSameRing && now - counted_ < kLongestRing;
+  latest_ = now;
+  if (same) return std::nullopt;
+  if (count_ > 0) interval_ = now - counted_;
+  counted_ = now;
+  return ++count_;
+}
+
+milliseconds RingPattern::Patience() const {
+  return std::max(kShortestPatience, interval_ * 3 / 2);
+}
 
 ModemCall::ModemCall(CallNumber number, const PreparedModem& modem, ModemCallPorts ports, Listener listener)
     : number_(number), modem_(modem), ports_(ports), listener_(std::move(listener)) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -8,11 +9,9 @@
 #include <span>
 #include <string>
 
-#include "adapters/line/modem/caller_id_lines.h"
-#include "adapters/line/modem/key_presses.h"
+#include "adapters/line/modem/at_channel.h"
+#include "adapters/line/modem/caller_id.h"
 #include "adapters/line/modem/modem_preparation.h"
-#include "adapters/line/modem/modem_talk.h"
-#include "adapters/line/modem/ring_pattern.h"
 #include "adapters/line/modem/voice_path.h"
 #include "adapters/line/service/line_audio.h"
 #include "platform/clock.h"
@@ -20,6 +19,42 @@
 #include "platform/line_driver.h"
 
 namespace orven {
+/// Makes one key press of what a modem reports of it: a digit between '/' and '~' again and again, or
+/// several times without them, or once.
+class KeyPresses {
+ public:
+  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+
+  /// `code` of a <DLE> sign, whatever it is. The key, '0'-'9', '*', '#', 'A'-'D', of a new press.
+  std::optional<char> Sign(char code, Time now);
+
+ private:
+  bool bracket_ = false;
+  bool told_ = false;  ///< within the bracket
+  char digit_ = 0;
+  Time latest_{0};
+};
+
+/// Counts the rings of one call, and says when the caller has given up: no line tells.
+class RingPattern {
+ public:
+  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+
+  /// The modem has said that it rings. The count, from 1; nothing when this is still the same ring.
+  std::optional<int> Ring(Time now);
+
+  /// How long after the latest ring nobody calls any more.
+  std::chrono::milliseconds Patience() const;
+
+  bool Ringing() const { return count_ > 0; }
+  void Reset() { *this = RingPattern(); }
+
+ private:
+  int count_ = 0;
+  Time latest_{0};    ///< the latest report
+  Time counted_{0};   ///< the latest ring
+  Time interval_{0};  ///< between rings; 0: not known yet
+};
 
 /// What a call on a modem needs of its surroundings.
 struct ModemCallPorts {

@@ -7,13 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "adapters/line/modem/modem_link.h"
-#include "adapters/line/modem/modem_talk.h"
+#include "adapters/line/modem/at_channel.h"
 #include "adapters/line/modem/voice_format.h"
 #include "platform/event_loop.h"
 
 namespace orven {
-
 /// The rate at which 16-bit sound of 8000 samples a second gets through a port (160 kbit/s and more with
 /// start and stop bits and shielding), and the usual one, enough for 8 bits.
 inline constexpr int kFastRate = 230'400;
@@ -69,5 +67,9 @@ class ModemPreparation {
   bool last_formats_ = false;         ///< there are no others to ask for
   Lifeline lifeline_;
 };
+
+/// What its owner should know of the firmware of the modem that calls itself `identity` (its answers to ATI
+/// and the like); empty when there is nothing.
+std::string FirmwareAdvice(const std::string& identity);
 
 }  // namespace orven

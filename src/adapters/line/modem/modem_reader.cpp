@@ -5,8 +5,6 @@
 #include <array>
 #include <utility>
 
-#include "adapters/line/modem/shielding.h"
-
 namespace orven {
 namespace {
 
@@ -38,6 +36,17 @@ std::string Trimmed(const std::string& text) {
 }
 
 }  // namespace
+
+void AppendShielded(std::span<const std::uint8_t> sound, std::vector<std::uint8_t>& out) {
+  auto rest = sound.begin();
+  while (rest != sound.end()) {
+    const auto dle = std::find(rest, sound.end(), kDle);
+    out.insert(out.end(), rest, dle);
+    if (dle == sound.end()) return;
+    out.insert(out.end(), 2, kDle);
+    rest = dle + 1;
+  }
+}
 
 void ModemReader::Read(std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {

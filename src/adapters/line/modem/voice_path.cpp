@@ -1,16 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/modem/voice_path.h"
 
+#include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
-#include "adapters/line/modem/shielding.h"
+#include "adapters/line/modem/hang_up_detector.h"
+#include "adapters/line/modem/modem_reader.h"
+#include "adapters/line/modem/sample_codec.h"
+#include "adapters/line/service/line_audio.h"
 
 namespace orven {
 namespace {
 
 using std::chrono::milliseconds;
+
+/// Enough for a desk computer that is busy, little enough to be purged unnoticed.
+constexpr milliseconds kAhead{250};
+/// With so little left nothing more will come: the pause between two files is shorter than the rest.
+constexpr milliseconds kLast{60};
+/// A bell that rings on after the answer is noticed within the longest pause between rings.
+constexpr std::size_t kKeptSamples = std::size_t{8} * kSampleRate;
+
+constexpr int kSamplesPerMillisecond = kSampleRate / 1000;
 
 /// One block (20 ms) is played and received in it.
 constexpr milliseconds kTick{kBlockSamples * 1000 / kSampleRate};
@@ -50,6 +69,128 @@ const std::array<std::vector<std::uint8_t>, kTries> kStops{
 
 }  // namespace
 
+/// What the caller says, from the modem's bytes to the blocks that are recorded. Not for use by several
+/// threads.
+class VoicePath::Receiver {
+ public:
+  /// `hung_up` is told once at most, within Sound, what was heard of the caller's hanging up.
+  Receiver(VoiceFormat format, LineAudio& audio, std::function<void(const char*)> hung_up)
+      : format_(std::move(format)), audio_(audio), hang_up_(std::move(hung_up)) {}
+
+  /// A new stretch of sound begins.
+  void Begin() { decoder_.emplace(format_); }
+
+  void Sound(std::span<const std::uint8_t> bytes);
+
+ private:
+  const VoiceFormat format_;
+  LineAudio& audio_;
+  HangUpSound hang_up_;
+  std::optional<SampleDecoder> decoder_;
+  std::vector<std::int16_t> samples_;  ///< less than a block, and what is being added
+};
+
+void VoicePath::Receiver::Sound(std::span<const std::uint8_t> bytes) {
+  if (!decoder_) Begin();
+  decoder_->Decode(bytes, samples_);
+  std::span<const std::int16_t> left(samples_);
+  for (; left.size() >= kBlockSamples; left = left.subspan(kBlockSamples)) {
+    const auto block = left.first(kBlockSamples);
+    audio_.Deliver(block);
+    hang_up_.Listen(block);
+  }
+  samples_.erase(samples_.begin(), samples_.end() - static_cast<std::ptrdiff_t>(left.size()));
+}
+
+/// What is played to the caller, as fast as the clock says: a modem's buffer holds a second or less, and
+/// what is in it cannot be taken back quickly. Keeps the first seconds of the call, for a caller who turns
+/// out not to have heard them. Not for use by several threads.
+class VoicePath::Transmitter {
+ public:
+  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+
+  Transmitter(VoiceFormat format, LineAudio& audio) : format_(std::move(format)), audio_(audio) {}
+
+  /// The modem takes sound from now on.
+  void Begin(Time now);
+
+  /// Appends to `bytes` what is due, shielded. False when all that there was will have been played in a
+  /// moment, and nothing more is to come.
+  bool Due(Time now, std::vector<std::uint8_t>& bytes);
+
+  /// The modem has run out of sound: it needs more from now on.
+  void Underrun(Time now) { AdvanceTo(now); }
+
+  /// How much of what was written has not been played yet.
+  std::chrono::milliseconds Ahead(Time now) const;
+
+  /// Whether there is something to play.
+  bool Wanted() const { return again_ < kept_.size() || audio_.Plays(); }
+
+  /// The caller has heard nothing so far: all of it is played once more, first.
+  void StartOver() { again_ = 0; }
+  /// What was kept to be played once more is not wanted any longer.
+  void Cut() { again_ = kept_.size(); }
+
+ private:
+  bool NextBlock(std::span<std::int16_t> block);
+  void AdvanceTo(Time now);
+
+  const VoiceFormat format_;
+  LineAudio& audio_;
+  std::optional<SampleEncoder> encoder_;
+  Time began_{0};
+  std::int64_t sent_ = 0;           ///< samples, since began_
+  std::vector<std::int16_t> kept_;  ///< of the call's first seconds
+  std::size_t again_ = 0;           ///< in kept_: from here on it is played once more
+};
+
+void VoicePath::Transmitter::Begin(Time now) {
+  encoder_.emplace(format_);
+  began_ = now;
+  sent_ = 0;
+}
+
+std::chrono::milliseconds VoicePath::Transmitter::Ahead(Time now) const {
+  return milliseconds(sent_ / kSamplesPerMillisecond) - (now - began_);
+}
+
+void VoicePath::Transmitter::AdvanceTo(Time now) {
+  if (Ahead(now) <= milliseconds(0)) return;
+  began_ = now;
+  sent_ = 0;
+}
+
+bool VoicePath::Transmitter::Due(Time now, std::vector<std::uint8_t>& bytes) {
+  // What was not played in time is not made up for: the modem has stood still meanwhile.
+  if (Ahead(now) < milliseconds(0)) {
+    began_ = now;
+    sent_ = 0;
+  }
+  std::array<std::int16_t, kBlockSamples> block{};
+  std::vector<std::uint8_t> plain;
+  while (Ahead(now) < kAhead && NextBlock(block)) {
+    encoder_->Encode(block, plain);
+    sent_ += kBlockSamples;
+  }
+  AppendShielded(plain, bytes);
+  return Ahead(now) > kLast;
+}
+
+bool VoicePath::Transmitter::NextBlock(std::span<std::int16_t> block) {
+  if (again_ < kept_.size()) {
+    std::copy_n(kept_.begin() + static_cast<std::ptrdiff_t>(again_), block.size(), block.begin());
+    again_ += block.size();
+    return true;
+  }
+  if (!audio_.Fetch(block)) return false;
+  if (kept_.size() < kKeptSamples) {
+    kept_.insert(kept_.end(), block.begin(), block.end());
+    again_ = kept_.size();
+  }
+  return true;
+}
+
 VoicePath::VoicePath(ModemTalk& talk, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
                      const VoiceFormat& format, Listener listener)
     : talk_(talk),
@@ -58,9 +199,12 @@ VoicePath::VoicePath(ModemTalk& talk, ModemLink& link, EventLoop& loop, const Cl
       clock_(clock),
       audio_(audio),
       listener_(std::move(listener)),
-      transmitter_(format, audio),
-      receiver_(format, audio, [this](const char* what) { listener_.hung_up(what); }),
+      transmitter_(std::make_unique<Transmitter>(format, audio)),
+      receiver_(
+          std::make_unique<Receiver>(format, audio, [this](const char* what) { listener_.hung_up(what); })),
       tick_(loop.MakeTimer([this] { Tick(); })) {}
+
+VoicePath::~VoicePath() = default;
 
 void VoicePath::Begin() {
   silent_since_ = clock_.Uptime();
@@ -70,7 +214,7 @@ void VoicePath::Begin() {
 }
 
 void VoicePath::StartOver() {
-  transmitter_.StartOver();
+  transmitter_->StartOver();
   Begin();
 }
 
@@ -87,7 +231,7 @@ void VoicePath::End(std::function<void()> done) {
 }
 
 void VoicePath::Choose() {
-  Ask(transmitter_.Wanted() ? ModemTalk::Direction::Transmit : ModemTalk::Direction::Receive, kTries);
+  Ask(transmitter_->Wanted() ? ModemTalk::Direction::Transmit : ModemTalk::Direction::Receive, kTries);
 }
 
 void VoicePath::Ask(ModemTalk::Direction direction, int tries_left) {
@@ -105,14 +249,14 @@ void VoicePath::Ask(ModemTalk::Direction direction, int tries_left) {
 
 void VoicePath::Transmit() {
   state_ = State::Transmitting;
-  transmitter_.Begin(clock_.Uptime());
+  transmitter_->Begin(clock_.Uptime());
   if (ended_) return Purge(0);
   TickTransmitting();
 }
 
 void VoicePath::Receive() {
   state_ = State::Receiving;
-  receiver_.Begin();
+  receiver_->Begin();
   latest_sound_ = clock_.Uptime();
   heard_ = false;
   if (ended_) StopReceiving(0);
@@ -128,11 +272,11 @@ void VoicePath::Tick() {
 void VoicePath::TickTransmitting() {
   KeepTimeForRecorder();
   if (audio_.TakeCut()) {
-    transmitter_.Cut();
+    transmitter_->Cut();
     return Purge(0);
   }
   std::vector<std::uint8_t> bytes;
-  const bool more = transmitter_.Due(clock_.Uptime(), bytes);
+  const bool more = transmitter_->Due(clock_.Uptime(), bytes);
   if (!bytes.empty()) talk_.Write(bytes);
   if (link_.Unsent() > kMostUnsent) return Fail();
   if (!more) Drain();
@@ -142,7 +286,7 @@ void VoicePath::TickReceiving() {
   silent_since_ = clock_.Uptime();
   (void)audio_.TakeCut();
   if (clock_.Uptime() - latest_sound_ > kLongestStall) return Fail();
-  if (transmitter_.Wanted()) StopReceiving(0);
+  if (transmitter_->Wanted()) StopReceiving(0);
 }
 
 /// A recording goes on while the modem cannot listen.
@@ -161,7 +305,7 @@ void VoicePath::Drain() {
         if (reply.Ok() || state_ != State::Draining) return Rest();
         Purge(0);
       },
-      transmitter_.Ahead(clock_.Uptime()) + kDrainPatience);
+      transmitter_->Ahead(clock_.Uptime()) + kDrainPatience);
 }
 
 void VoicePath::Purge(int tries) {
@@ -222,8 +366,12 @@ void VoicePath::Sound(std::span<const std::uint8_t> bytes) {
   const bool paused = heard_ && clock_.Uptime() - latest_sound_ > kPauseInSound;
   heard_ = true;
   latest_sound_ = clock_.Uptime();
-  receiver_.Sound(bytes);
+  receiver_->Sound(bytes);
   if (paused) Overrun();
+}
+
+void VoicePath::Underrun() {
+  transmitter_->Underrun(clock_.Uptime());
 }
 
 void VoicePath::Overrun() {

@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
-#include "adapters/line/modem/modem_talk.h"
-#include "adapters/line/modem/receiver.h"
-#include "adapters/line/modem/transmitter.h"
+#include "adapters/line/modem/at_channel.h"
+#include "adapters/line/modem/voice_format.h"
+#include "adapters/line/service/line_audio.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 
@@ -32,6 +32,7 @@ class VoicePath {
 
   VoicePath(ModemTalk& talk, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
             const VoiceFormat& format, Listener listener);
+  ~VoicePath();
 
   /// The modem is off-hook and has its sample format.
   void Begin();
@@ -46,13 +47,15 @@ class VoicePath {
   /// From the modem.
   void Sound(std::span<const std::uint8_t> bytes);
   void SoundEnded();
-  void Underrun() { transmitter_.Underrun(clock_.Uptime()); }
+  void Underrun();
   /// Received sound was lost: what follows may begin in the middle of a sample.
   void Overrun();
 
   bool Receives() const { return state_ == State::Receiving; }
 
  private:
+  class Transmitter;
+  class Receiver;
   enum class State : std::uint8_t {
     Off,
     Beginning,  ///< the modem has been asked to transmit or to receive
@@ -86,8 +89,8 @@ class VoicePath {
   const Clock& clock_;
   LineAudio& audio_;
   Listener listener_;
-  Transmitter transmitter_;
-  Receiver receiver_;
+  std::unique_ptr<Transmitter> transmitter_;
+  std::unique_ptr<Receiver> receiver_;
   State state_ = State::Off;
   std::function<void()> ended_;                ///< told when the modem rests; empty: it goes on
   std::chrono::milliseconds latest_sound_{0};  ///< when something was received

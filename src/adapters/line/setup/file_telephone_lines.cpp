@@ -10,7 +10,7 @@
 
 #include "adapters/line/config/line_settings.h"
 #include "adapters/line/config/lines_ini.h"
-#include "adapters/line/modem/modem_line_settings.h"
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sim/sim_script.h"

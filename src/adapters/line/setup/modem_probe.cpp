@@ -9,9 +9,9 @@
 #include <system_error>
 
 #include "adapters/desktop/qt_event_loop.h"
-#include "adapters/line/modem/modem_line_settings.h"
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/modem/modem_preparation.h"
-#include "adapters/line/modem/serial/serial_link.h"
+#include "adapters/line/modem/serial_link.h"
 
 namespace orven {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/hang_up_sound.h"
+#include "adapters/line/modem/hang_up_detector.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "adapters/line/modem/caller_id_lines.h"
-#include "adapters/line/modem/key_presses.h"
-#include "adapters/line/modem/ring_pattern.h"
+#include "adapters/line/modem/caller_id.h"
+#include "adapters/line/modem/modem_call.h"
 
 namespace orven {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
-#include "adapters/line/modem/shielding.h"
 #include "adapters/line/modem/voice_format.h"
 
 namespace orven {

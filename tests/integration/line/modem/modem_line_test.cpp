@@ -2,7 +2,7 @@
 // Calls on an emulated modem, from the first ring to on-hook.
 #include <cmath>
 
-#include "adapters/line/modem/modem_firmware.h"
+#include "adapters/line/modem/modem_preparation.h"
 #include "adapters/line/modem/sample_codec.h"
 #include "integration/line/modem/emulated_line.h"
 

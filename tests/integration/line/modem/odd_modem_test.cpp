@@ -2,7 +2,7 @@
 // Modems that answer late, not as they should, or with the end of the call.
 #include <map>
 
-#include "adapters/line/modem/shielding.h"
+#include "adapters/line/modem/modem_reader.h"
 #include "integration/line/modem/emulated_line.h"
 
 namespace orven::test {

@@ -1,17 +1,91 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/serial/modem_line.h"
+#include "adapters/line/modem/modem_line.h"
 
+#include <QThread>
+#include <functional>
 #include <future>
+#include <memory>
 #include <optional>
 #include <utility>
 
+#include "adapters/desktop/qt_event_loop.h"
 #include "adapters/line/modem/modem_agent.h"
-#include "adapters/line/modem/serial/modem_thread.h"
-#include "adapters/line/modem/serial/serial_link.h"
+#include "adapters/line/modem/serial_link.h"
 #include "adapters/line/service/line_audio.h"
+#include "platform/event_loop.h"
 
 namespace orven {
 namespace {
+
+/// The thread of one open modem line, with an event loop of Qt.
+class ModemThread {
+ public:
+  ModemThread();
+  ModemThread(const ModemThread&) = delete;
+  ModemThread& operator=(const ModemThread&) = delete;
+  ~ModemThread();
+
+  /// Starts the thread; `begin` runs on it first, with its loop, and `end` last.
+  void Start(std::function<void(EventLoop&)> begin, std::function<void()> end);
+
+  /// Runs `task` on the thread; dropped when it does not run. Any thread.
+  void Post(EventLoop::Task task);
+
+  /// Ends it after what has been posted so far. Not on the thread itself. Idempotent.
+  void Stop();
+
+ private:
+  std::unique_ptr<QThread> thread_;
+  EventLoop* loop_ = nullptr;  ///< between Start and Stop
+};
+
+class LoopThread final : public QThread {
+ public:
+  LoopThread(std::function<void(EventLoop&)> begin, std::function<void()> end)
+      : begin_(std::move(begin)), end_(std::move(end)) {}
+
+ private:
+  void run() override {
+    QtEventLoop loop;
+    begin_(loop);
+    exec();
+    end_();
+  }
+
+  std::function<void(EventLoop&)> begin_;
+  std::function<void()> end_;
+};
+
+ModemThread::ModemThread() = default;
+
+ModemThread::~ModemThread() {
+  Stop();
+}
+
+void ModemThread::Start(std::function<void(EventLoop&)> begin, std::function<void()> end) {
+  Stop();
+  std::promise<EventLoop*> started;
+  thread_ = std::make_unique<LoopThread>(
+      [&started, begin = std::move(begin)](EventLoop& loop) {
+        begin(loop);
+        started.set_value(&loop);
+      },
+      std::move(end));
+  thread_->start();
+  loop_ = started.get_future().get();
+}
+
+void ModemThread::Post(EventLoop::Task task) {
+  if (loop_ != nullptr) loop_->Post(std::move(task));
+}
+
+void ModemThread::Stop() {
+  if (!thread_) return;
+  Post([thread = thread_.get()] { thread->quit(); });
+  thread_->wait();
+  loop_ = nullptr;
+  thread_.reset();
+}
 
 /// 8000 samples a second of 16 bits.
 constexpr std::int32_t kMaxRate = 128'000;

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "adapters/line/modem/modem_link.h"
+#include "adapters/line/modem/at_channel.h"
 
 namespace orven {
 

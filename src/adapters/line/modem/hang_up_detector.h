@@ -7,7 +7,6 @@
 #include <span>
 
 namespace orven {
-
 /// Hears in the received sound that the caller has hung up: many lines signal it by nothing else. The busy
 /// and congestion tones and the dial tone (ITU-T E.180 supplement 2), and a minute of silence. Tones of -10
 /// to -30 dBm0: the busy tone within four bursts, whatever its times are, the dial tone within 3 s. Voices,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/modem_talk.h"
+#include "adapters/line/modem/at_channel.h"
 
 #include <algorithm>
 #include <array>

@@ -1,12 +1,51 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/tone_cadence.h"
+#include "adapters/line/modem/hang_up_detector.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
+#include <deque>
+#include <utility>
+
+#include "adapters/line/modem/tone_spectrum.h"
+#include "platform/audio_device.h"
 
 namespace orven {
 namespace {
+
+/// Tells the tones with which a network ends a call from all else that sounds like one for a moment: they
+/// come from a machine. Busy and congestion tones repeat themselves exactly, whatever their country's times
+/// are; the dial tone goes on without the least change.
+class ToneCadence {
+ public:
+  enum class Heard : std::uint8_t { Nothing, Busy, Dial };
+
+  /// Each frame in turn.
+  Heard Next(const ToneFrame& frame);
+
+ private:
+  /// A tone from its beginning to its end, in frames.
+  struct Burst {
+    int gap = 0;  ///< before it
+    int length = 0;
+    ToneFrame tone;
+  };
+
+  bool Continues(const ToneFrame& frame) const;
+  bool Steady(float decibels, float hertz) const;
+  bool IsDialTone() const;
+  void EndBurst();
+  void Forget();
+  bool Repeats(std::size_t period) const;
+  static bool Alike(const Burst& a, const Burst& b);
+
+  std::deque<ToneFrame> tone_;  ///< what sounds now
+  std::deque<Burst> bursts_;    ///< what has sounded
+  int length_ = 0;              ///< of what sounds now
+  int gap_ = 0;                 ///< since the latest burst
+  int quiet_ = 0;               ///< frames within the gap that are silence
+};
 
 // Frames are 16 ms apart; a frame hears 48 ms, so that a tone's edges fill two frames on either side.
 constexpr int kEdge = 2;
@@ -52,8 +91,6 @@ bool IsDialPitch(const ToneFrame& tone) {
   if (tone.high == 0) return tone.low > 385 && tone.low < 465;
   return tone.low > 325 && tone.low < 365 && tone.high > 385 && tone.high < 465;
 }
-
-}  // namespace
 
 ToneCadence::Heard ToneCadence::Next(const ToneFrame& frame) {
   if (Continues(frame)) {
@@ -133,6 +170,77 @@ bool ToneCadence::Repeats(std::size_t period) const {
 bool ToneCadence::Alike(const Burst& a, const Burst& b) {
   return std::abs(a.length - b.length) <= kSameLength &&
          std::abs(a.tone.level - b.tone.level) <= kSameLevel && SamePitch(a.tone, b.tone, kSamePitch);
+}
+
+constexpr std::size_t kBlock = ToneSpectrum::kBlock;
+
+/// From the lowest to the highest sample of a block that is silence: one step of 8-bit samples up and down,
+/// and a little that a resampler adds. That is noise of up to -46 dBm0, or a voice of -50.
+constexpr int kSilence = 540;
+
+/// Sounds in silence that are no longer are the line's own crackling; the shortest touch tone lasts 40 ms
+/// (ITU-T Q.24).
+constexpr int kCrackle = 2;
+
+constexpr int kMinute = 60 * kSampleRate / static_cast<int>(kBlock);
+
+/// A minute without a sound.
+class SilentMinute {
+ public:
+  bool Next(std::span<const std::int16_t> block) {
+    const auto [low, high] = std::ranges::minmax(block);
+    loud_ = high - low > kSilence ? loud_ + 1 : 0;
+    silent_ = loud_ > kCrackle ? 0 : silent_ + 1;
+    return silent_ >= kMinute;
+  }
+
+ private:
+  int loud_ = 0;  ///< blocks
+  int silent_ = 0;
+};
+
+}  // namespace
+
+class HangUpSound::Impl {
+ public:
+  explicit Impl(std::function<void(const char*)> heard) : heard_(std::move(heard)) {}
+
+  void Listen(std::span<const std::int16_t> samples) {
+    while (!samples.empty() && heard_) {
+      const auto part = samples.first(std::min(samples.size(), kBlock - filled_));
+      std::ranges::copy(part, block_.begin() + static_cast<std::ptrdiff_t>(filled_));
+      samples = samples.subspan(part.size());
+      filled_ = (filled_ + part.size()) % kBlock;
+      if (filled_ == 0) HearBlock();
+    }
+  }
+
+ private:
+  void HearBlock() {
+    const auto tone = cadence_.Next(spectrum_.Next(block_));
+    if (silence_.Next(block_)) Tell("a minute of silence");
+    if (tone == ToneCadence::Heard::Busy) Tell("the busy tone");
+    if (tone == ToneCadence::Heard::Dial) Tell("the dial tone");
+  }
+
+  void Tell(const char* what) {
+    if (auto heard = std::exchange(heard_, nullptr)) heard(what);
+  }
+
+  std::function<void(const char*)> heard_;  ///< none when it has been called
+  std::array<std::int16_t, kBlock> block_{};
+  std::size_t filled_ = 0;
+  ToneSpectrum spectrum_;
+  ToneCadence cadence_;
+  SilentMinute silence_;
+};
+
+HangUpSound::HangUpSound(std::function<void(const char*)> heard)
+    : impl_(std::make_unique<Impl>(std::move(heard))) {}
+HangUpSound::~HangUpSound() = default;
+
+void HangUpSound::Listen(std::span<const std::int16_t> samples) {
+  impl_->Listen(samples);
 }
 
 }  // namespace orven

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "programs/TTS/spoken_sound.h"
+#include "programs/TTS/spoken_audio.h"
 
 #include <samplerate.h>
 

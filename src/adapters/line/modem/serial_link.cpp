@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/modem/serial/serial_link.h"
+#include "adapters/line/modem/serial_link.h"
 
 #include <fcntl.h>
 #include <unistd.h>

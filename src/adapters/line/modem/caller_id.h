@@ -6,7 +6,6 @@
 #include <string_view>
 
 namespace orven {
-
 /// Who calls, in UTF-8; empty where the network does not tell or the caller hides.
 struct ModemCaller {
   std::string name;
