@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "greetings/frmGreetCParts.h"
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

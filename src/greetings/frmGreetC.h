@@ -10,8 +10,8 @@
 #include "greetings/frmGreetCSpeaker.h"
 #include "greetings/frmGreetCSpeech.h"
 #include "greetings/greeting_creator.h"
-#include "notify/frmMSG.h"
-#include "shell/frmMainWaveform.h"
+#include "widgets/controls.h"
+#include "widgets/waveform_widget.h"
 
 namespace orven {
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 

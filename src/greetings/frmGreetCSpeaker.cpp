@@ -9,7 +9,7 @@
 #include <limits>
 
 #include "greetings/frmGreetCParts.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

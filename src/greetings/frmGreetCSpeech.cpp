@@ -10,8 +10,7 @@
 #include <QStyle>
 
 #include "greetings/frmGreetCParts.h"
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

@@ -8,9 +8,8 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

@@ -5,9 +5,8 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

@@ -9,7 +9,7 @@
 #include <QTabWidget>
 
 #include "notify/events_dialog.h"
-#include "shell/frmMainBar.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
 

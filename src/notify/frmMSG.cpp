@@ -5,17 +5,15 @@
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHelpEvent>
 #include <QHoverEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <QVBoxLayout>
 #include <cmath>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMainPlacement.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
+#include "widgets/window_placement.h"
 
 namespace orven {
 namespace {
@@ -59,41 +57,6 @@ int Pixels(std::int32_t twips) {
 }
 
 }  // namespace
-
-ElidedLabel::ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(parent), mode_(mode) {
-  setTextFormat(Qt::PlainText);
-  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-}
-
-QSize ElidedLabel::minimumSizeHint() const {
-  return {0, QLabel::minimumSizeHint().height()};
-}
-
-QFont ElidedLabel::FittingFont() const {
-  QFont fitting = font();
-  const int least = fitting.pixelSize() * 2 / 3;
-  while (fitting.pixelSize() > least &&
-         QFontMetrics(fitting).horizontalAdvance(text()) > contentsRect().width()) {
-    fitting.setPixelSize(fitting.pixelSize() - 1);
-  }
-  return fitting;
-}
-
-bool ElidedLabel::event(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QLabel::event(event);
-  const bool whole = QFontMetrics(FittingFont()).horizontalAdvance(text()) <= contentsRect().width();
-  const auto position = static_cast<QHelpEvent*>(event)->globalPos();
-  QToolTip::showText(position, whole ? QString() : text().toHtmlEscaped(), this);
-  return true;
-}
-
-void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
-  painter.setFont(FittingFont());
-  painter.setPen(palette().color(foregroundRole()));
-  painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine),
-                   painter.fontMetrics().elidedText(text(), mode_, contentsRect().width()));
-}
 
 CommandTile::CommandTile(const Look& look, QWidget* parent)
     : QFrame(parent), framed_(look.label != nullptr && look.picture != nullptr) {

@@ -11,28 +11,9 @@
 #include <QWindow>
 
 #include "notify/caller_view.h"
+#include "widgets/controls.h"
 
 namespace orven {
-
-/// A line of text from outside, which may be of any length: one that does not fit is written smaller; what
-/// does not fit then either is left out, and shown while the mouse is over it. text() is always the whole.
-class ElidedLabel : public QLabel {
-  Q_OBJECT
-
- public:
-  ElidedLabel(Qt::TextElideMode mode, QWidget* parent);
-
-  QSize minimumSizeHint() const override;
-
- protected:
-  bool event(QEvent* event) override;
-  void paintEvent(QPaintEvent* event) override;
-
- private:
-  QFont FittingFont() const;
-
-  Qt::TextElideMode mode_;
-};
 
 /// Something to click on without the focus: a picture, a text, or, framed as a button is, both.
 class CommandTile : public QFrame {

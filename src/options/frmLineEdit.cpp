@@ -6,9 +6,8 @@
 #include <QVBoxLayout>
 #include <array>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {
@@ -141,8 +140,7 @@ void frmLineEdit::MakeModemFields() {
   row->addWidget(cmbPort_, 1);
   row->addWidget(find);
   connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
-  port_hint_ =
-      MakeChild<QLabel>(tr("auto: the first voice modem that is found, at whichever port."), this);
+  port_hint_ = MakeChild<QLabel>(tr("auto: the first voice modem that is found, at whichever port."), this);
   port_hint_->setWordWrap(true);
   form_->addRow(QString(), port_hint_);
 }

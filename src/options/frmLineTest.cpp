@@ -5,7 +5,7 @@
 #include <QStyle>
 #include <utility>
 
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

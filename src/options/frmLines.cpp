@@ -10,8 +10,8 @@
 #include <chrono>
 
 #include "options/frmLineEdit.h"
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

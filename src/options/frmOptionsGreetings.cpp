@@ -4,8 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "options/greeting_player.h"
-#include "shell/frmMainBar.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
 

@@ -7,9 +7,8 @@
 #include <QVBoxLayout>
 
 #include "options/frmOptions.h"
-#include "shell/frmMainIcons.h"
-#include "shell/frmMakeChild.h"
-#include "shell/frmStrayWheel.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

@@ -6,9 +6,9 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
-#include "shell/frmMainIcons.h"
-#include "shell/frmMainPlacement.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
+#include "widgets/window_placement.h"
 
 namespace orven {
 namespace {

@@ -3,7 +3,6 @@
 
 #include <QMainWindow>
 
-#include "shell/frmMainBar.h"
 #include "shell/frmMainCallList.h"
 #include "shell/frmMainMenus.h"
 #include "shell/frmMainPlayer.h"
@@ -11,6 +10,7 @@
 #include "shell/frmMainStatusBar.h"
 #include "shell/main_window.h"
 #include "shell/main_window_view.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
 

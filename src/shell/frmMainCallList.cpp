@@ -12,8 +12,8 @@
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
-#include "shell/frmMainPlacement.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/window_placement.h"
 
 namespace orven {
 namespace {

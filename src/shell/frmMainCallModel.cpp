@@ -3,10 +3,12 @@
 
 #include <QCoreApplication>
 #include <QFont>
+#include <QIcon>
 #include <QStringList>
+#include <array>
 #include <exception>
 
-#include "shell/frmMainIcons.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {
@@ -24,6 +26,15 @@ enum Column { kTypeColumn, kLengthColumn, kDateColumn, kTimeColumn, kNumberColum
 
 bool IsUnread(CallIcon icon) {
   return icon == kUnreadMessage || icon == kUnreadNoMessage;
+}
+
+const QIcon& CallPicture(CallIcon icon) {
+  static const std::array pictures{OwnPicture(QStringLiteral("call-1")), OwnPicture(QStringLiteral("call-2")),
+                                   OwnPicture(QStringLiteral("call-3")),
+                                   OwnPicture(QStringLiteral("call-4"))};
+  static const QIcon none;
+  const auto place = static_cast<std::size_t>(icon) - 1;
+  return place < pictures.size() ? pictures.at(place) : none;
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <QMenuBar>
 #include <utility>
 
-#include "shell/frmMainIcons.h"
 #include "shell/frmMainMnemonics.h"
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
+#include "widgets/icons.h"
 
 namespace orven {
 

@@ -5,8 +5,8 @@
 #include <QMenu>
 #include <functional>
 
-#include "shell/frmMainBar.h"
 #include "shell/main_window.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
 

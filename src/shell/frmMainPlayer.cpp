@@ -6,7 +6,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

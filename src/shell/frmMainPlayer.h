@@ -6,9 +6,9 @@
 #include <chrono>
 
 #include "platform/waveform.h"
-#include "shell/frmMainBar.h"
 #include "shell/frmMainSlider.h"
-#include "shell/frmMainWaveform.h"
+#include "widgets/button_bar.h"
+#include "widgets/waveform_widget.h"
 
 namespace orven {
 

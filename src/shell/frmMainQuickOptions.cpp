@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <algorithm>
 
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/frmMainBar.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/frmMainStatusBar.h"
 
-#include "shell/frmMakeChild.h"
+#include "widgets/controls.h"
 
 namespace orven {
 namespace {

@@ -4,8 +4,8 @@
 #include <QScreen>
 
 #include "shell/frmMain.h"
-#include "shell/frmMainIcons.h"
-#include "shell/frmMainPlacement.h"
+#include "widgets/icons.h"
+#include "widgets/window_placement.h"
 
 namespace orven {
 MainWindowViews frmMain::Views(CallerViewWindow& caller_view) {

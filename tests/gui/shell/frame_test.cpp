@@ -9,7 +9,7 @@
 #include <limits>
 
 #include "gui/shell/desk.h"
-#include "shell/frmMainPlacement.h"
+#include "widgets/window_placement.h"
 
 namespace orven::test {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/frmMainWaveform.h"
+#include "widgets/waveform_widget.h"
 
 #include <QMouseEvent>
 #include <QPainter>

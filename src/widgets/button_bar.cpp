@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/frmMainBar.h"
+#include "widgets/button_bar.h"
 
 #include <QAction>
 
-#include "shell/frmMainIcons.h"
+#include "widgets/icons.h"
 
 namespace orven {
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/frmMainIcons.h"
+#include "widgets/icons.h"
 
 #include <QFile>
 #include <QStandardPaths>
-#include <array>
+#include <algorithm>
 
 /// The pictures are linked in with a library, whose resources nobody would register otherwise.
 static void RegisterPictures() {
@@ -33,11 +33,6 @@ void AddSearchPaths() {
   QIcon::setThemeSearchPaths(paths);
 }
 
-QIcon Picture(const QString& name) {
-  RegisterPictures();
-  return QIcon(QStringLiteral(":/icons/") + name + QStringLiteral(".svg"));
-}
-
 }  // namespace
 
 void UseIconTheme(const QPalette& palette) {
@@ -51,16 +46,13 @@ QIcon ThemeIcon(const char* name) {
   return QIcon::fromTheme(QString::fromLatin1(name));
 }
 
-QIcon ProgramIcon() {
-  return Picture(QStringLiteral("orven"));
+QIcon OwnPicture(const QString& name) {
+  RegisterPictures();
+  return QIcon(QStringLiteral(":/icons/") + name + QStringLiteral(".svg"));
 }
 
-const QIcon& CallPicture(CallIcon icon) {
-  static const std::array pictures{Picture(QStringLiteral("call-1")), Picture(QStringLiteral("call-2")),
-                                   Picture(QStringLiteral("call-3")), Picture(QStringLiteral("call-4"))};
-  static const QIcon none;
-  const auto place = static_cast<std::size_t>(icon) - 1;
-  return place < pictures.size() ? pictures.at(place) : none;
+QIcon ProgramIcon() {
+  return OwnPicture(QStringLiteral("orven"));
 }
 
 }  // namespace orven

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/frmMainPlacement.h"
+#include "widgets/window_placement.h"
 
 #include <algorithm>
 

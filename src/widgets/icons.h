@@ -4,8 +4,6 @@
 #include <QIcon>
 #include <QPalette>
 
-#include "records/call_list.h"
-
 namespace orven {
 
 /// Chooses the icon theme that goes with a light or a dark window, where it is installed. Icons that
@@ -15,10 +13,10 @@ void UseIconTheme(const QPalette& palette);
 /// An icon of the theme, with its Freedesktop name; null when the theme has none.
 QIcon ThemeIcon(const char* name);
 
+/// One of the program's own pictures, which are linked in: "orven", "call-1" to "call-4".
+QIcon OwnPicture(const QString& name);
+
 /// The program's own icon.
 QIcon ProgramIcon();
-
-/// The picture of a row of the call list.
-const QIcon& CallPicture(CallIcon icon);
 
 }  // namespace orven

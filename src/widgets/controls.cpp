@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "widgets/controls.h"
+
+#include <QEvent>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace orven {
+namespace {
+
+class StrayWheel : public QObject {
+ public:
+  explicit StrayWheel(QWidget& control) : QObject(&control), control_(control) {}
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const bool stray = event->type() == QEvent::Wheel && !control_.hasFocus();
+    if (stray) event->ignore();  // whatever it stands on may scroll
+    return stray || QObject::eventFilter(watched, event);
+  }
+
+ private:
+  QWidget& control_;
+};
+
+}  // namespace
+
+void IgnoreStrayWheel(QWidget& control) {
+  // The wheel brings the focus with it otherwise.
+  control.setFocusPolicy(Qt::StrongFocus);
+  control.installEventFilter(MakeChild<StrayWheel>(control));
+}
+
+ElidedLabel::ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(parent), mode_(mode) {
+  setTextFormat(Qt::PlainText);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+  return {0, QLabel::minimumSizeHint().height()};
+}
+
+QFont ElidedLabel::FittingFont() const {
+  QFont fitting = font();
+  const int least = fitting.pixelSize() * 2 / 3;
+  while (fitting.pixelSize() > least &&
+         QFontMetrics(fitting).horizontalAdvance(text()) > contentsRect().width()) {
+    fitting.setPixelSize(fitting.pixelSize() - 1);
+  }
+  return fitting;
+}
+
+bool ElidedLabel::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+  const bool whole = QFontMetrics(FittingFont()).horizontalAdvance(text()) <= contentsRect().width();
+  const auto position = static_cast<QHelpEvent*>(event)->globalPos();
+  QToolTip::showText(position, whole ? QString() : text().toHtmlEscaped(), this);
+  return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setFont(FittingFont());
+  painter.setPen(palette().color(foregroundRole()));
+  painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine),
+                   painter.fontMetrics().elidedText(text(), mode_, contentsRect().width()));
+}
+
+}  // namespace orven
