@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "adapters/database/sqlite_connection.h"
-#include "gui/shell/desk.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {

@@ -12,9 +12,11 @@ import re
 import sys
 
 # The floors, from the ground up: a file includes its own floor and those below. Adapters stand
-# beside the engine: they see base, the ports and each other, and only programs see them.
+# beside the engine: they see base, the ports and each other, and only programs see them. What several
+# windows share is in widgets/, which the engine does not see.
 FLOORS = (
-    "base", "platform", "core", "records greetings", "telephony actions log", "options notify", "shell", "programs",
+    "base", "platform", "core", "widgets", "records greetings", "telephony actions log", "options notify", "shell",
+    "programs",
 )
 FLOOR_OF = {folder: floor for floor, folders in enumerate(FLOORS, 1) for folder in folders.split()}
 
@@ -35,7 +37,7 @@ def files_below(root):
 
 
 def is_window(path):
-    return os.path.basename(path).startswith("frm")
+    return path.startswith("widgets/") or os.path.basename(path).startswith("frm")
 
 
 def is_engine(path):
@@ -63,8 +65,6 @@ def include_fault(source, bracket, header):
             return f'"{header}" is not a port; adapters know only base and the ports'
     elif is_engine(source) and is_window(header):
         return f'"{header}" is a window; the engine knows no windows'
-    elif is_window(source) and is_window(header):
-        return None  # the windows are one library on top of the engine: they share what they are made of
     elif FLOOR_OF[other] > FLOOR_OF[own]:
         return f'"{header}" is on floor {FLOOR_OF[other]}, above {own}/ on floor {FLOOR_OF[own]}'
     return None

@@ -14,8 +14,9 @@ ORDERLY = {
     "src/base/paths.cpp": '#include <unistd.h>\n#include "base/paths.h"',
     "src/platform/clock.h": '#include <chrono>\n#include "base/paths.h"',
     "src/core/settings.h": '#include <cstdint>\n#include "platform/clock.h"',
-    "src/shell/frmMain.h": '#include <QMainWindow>\n#include "core/settings.h"',
-    "src/notify/frmEvents.h": '#include <QDialog>\n#include "shell/frmMain.h"',
+    "src/widgets/icons.h": '#include <QIcon>\n#include "core/settings.h"',
+    "src/notify/frmEvents.h": '#include <QDialog>\n#include "widgets/icons.h"',
+    "src/shell/frmMain.h": '#include <QMainWindow>\n#include "notify/frmEvents.h"',
     "src/adapters/desktop/qt_clock.h": '#include <QLocale>\n#include "base/paths.h"\n#include "platform/clock.h"',
     "src/programs/orven/main.cpp": '#include "adapters/desktop/qt_clock.h"\n#include "shell/frmMain.h"',
 }
@@ -28,7 +29,10 @@ PLANTED = [  # where, what, the line and a word of the complaint
     ("src/base/paths.h", '#include "platform/clock.h"', "2: ", "floor 2"),
     ("src/base/paths.h", "#include <unistd.h>", "2: ", "<unistd.h>"),
     ("src/shell/main_window.cpp", '#include "shell/frmMain.h"', "2: ", "window"),
-    ("src/notify/frmEvents.h", '#include "shell/main_window.h"', "2: ", "floor 7"),
+    ("src/core/settings.h", '#include "widgets/icons.h"', "2: ", "window"),
+    ("src/widgets/icons.h", '#include "notify/frmEvents.h"', "2: ", "above widgets/"),
+    ("src/notify/frmEvents.h", '#include "shell/main_window.h"', "2: ", "above notify/"),
+    ("src/notify/frmEvents.h", '#include "shell/frmMain.h"', "2: ", "above notify/"),
     ("src/adapters/desktop/qt_clock.h", '#include "core/settings.h"', "2: ", "ports"),
     ("src/attic/box.h", "", "1: ", "floor"),
 ]

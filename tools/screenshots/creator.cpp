@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/creator.h"
-
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -11,8 +9,8 @@
 #include <random>
 
 #include "greetings/frmGreetC.h"
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/pictures.h"
+#include "screenshots/pictures.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {
@@ -72,9 +70,9 @@ QPixmap TextToSpeech(Desk& desk, frmGreetC& window) {
 
 }  // namespace
 
-bool MakeCreator(const QString& folder, const QByteArray& picture) {
+bool MakeCreator(const QString& folder, const QByteArray& name) {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  if (picture.endsWith("dark")) QApplication::setPalette(DarkPalette());
+  if (name.endsWith("dark")) QApplication::setPalette(DarkPalette());
   Desk desk(kEngine);
   desk.Start();
   frmGreetC window(nullptr);
@@ -83,7 +81,7 @@ bool MakeCreator(const QString& folder, const QByteArray& picture) {
   Shown(window);
   const QList<QPixmap> pictures{Recording(desk, window), Playing(desk, window), TextToSpeech(desk, window)};
   window.close();
-  return Save(pictures, folder + u'/' + QString::fromLatin1(picture) + QStringLiteral(".png"));
+  return Save(pictures, folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png"));
 }
 
 }  // namespace orven::test

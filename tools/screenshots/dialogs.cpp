@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/dialogs.h"
-
 #include <QStyleFactory>
 
 #include "actions/frmActions.h"
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/pictures.h"
 #include "notify/frmEvents.h"
 #include "notify/frmMSG.h"
 #include "options/frmOptionsGreetings.h"
+#include "screenshots/pictures.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {
@@ -83,7 +81,7 @@ QList<QPixmap> Greetings(Desk& desk) {
 
 }  // namespace
 
-bool MakeDialogs(const QString& folder) {
+bool MakeDialogs(const QString& folder, const QByteArray& /*name*/) {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   Desk desk(kSettings);
   for (const char* name : {"Message.wav", "Ring.wav"}) {

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/lines.h"
-
 #include <QStyleFactory>
 
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/pictures.h"
 #include "options/frmLineEdit.h"
 #include "options/frmLines.h"
+#include "screenshots/pictures.h"
+#include "support/desk/desk.h"
 #include "support/scripted_lines.h"
 
 namespace orven::test {
@@ -39,15 +37,15 @@ ScriptedLines ThreeLines() {
 
 }  // namespace
 
-bool MakeLines(const QString& folder, const QByteArray& picture) {
+bool MakeLines(const QString& folder, const QByteArray& name) {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  if (picture.endsWith("dark")) QApplication::setPalette(DarkPalette());
+  if (name.endsWith("dark")) QApplication::setPalette(DarkPalette());
   Desk desk;
   desk.Start();
   auto lines = ThreeLines();
   auto& machine = desk.Machine();
   LinesDialog engine({lines, desk.dialogs, machine.log, machine.store, machine.settings, nullptr});
-  if (picture == "lines_modem") {
+  if (name == "lines_modem") {
     frmLineEdit modem(engine, 2, nullptr);
     modem.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
     lines.done({true, "A voice modem answers at " + lines.ports[0].path + " (its sound has 16 bits)."});
@@ -67,7 +65,7 @@ bool MakeLines(const QString& folder, const QByteArray& picture) {
   account.findChild<QLineEdit*>(QStringLiteral("txtServer"))->clear();
   account.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
   pictures << Shown(account);
-  return Save(pictures, folder + u'/' + QString::fromLatin1(picture) + QStringLiteral(".png"));
+  return Save(pictures, folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png"));
 }
 
 }  // namespace orven::test

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/logs.h"
-
 #include <QApplication>
 #include <QListWidget>
 #include <QStyleFactory>
 
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/pictures.h"
 #include "log/frmLog.h"
+#include "screenshots/pictures.h"
 #include "shell/frmAbout.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {

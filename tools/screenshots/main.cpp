@@ -10,14 +10,9 @@
 #include <cstdio>
 #include <random>
 
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/creator.h"
-#include "gui/shell/screenshots/dialogs.h"
-#include "gui/shell/screenshots/lines.h"
-#include "gui/shell/screenshots/logs.h"
-#include "gui/shell/screenshots/options.h"
-#include "gui/shell/screenshots/pictures.h"
 #include "records/call_fields.h"
+#include "screenshots/pictures.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {
@@ -114,6 +109,30 @@ int Make(const Scene& scene, const QString& folder) {
   return 0;
 }
 
+constexpr struct {
+  const char* begins;
+  bool (*make)(const QString& folder, const QByteArray& name);
+} kDialogs[] = {{"dialogs", MakeDialogs},
+                {"creator", MakeCreator},
+                {"options", MakeOptions},
+                {"logs", MakeLogs},
+                {"lines", MakeLines}};
+
+/// The picture that the second argument names: a dialog's, or the main window's by its number.
+int MakeOne(int argc, char** argv, const QString& folder) {
+  const QByteArray name(argv[2]);
+  for (const auto& dialog : kDialogs) {
+    if (!name.startsWith(dialog.begins)) continue;
+    if (name.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
+    const QApplication application(argc, argv);
+    return dialog.make(folder, name) ? 0 : 1;
+  }
+  const auto& scene = kScenes[name.toUInt()];
+  qputenv("QT_SCALE_FACTOR", scene.scale);
+  const QApplication application(argc, argv);
+  return Make(scene, folder);
+}
+
 }  // namespace
 }  // namespace orven::test
 
@@ -121,48 +140,13 @@ int main(int argc, char** argv) {
   using orven::test::kScenes;
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
-  if (argc > 2 && QByteArray(argv[2]) == "dialogs") {
-    const QApplication application(argc, argv);
-    return orven::test::MakeDialogs(folder) ? 0 : 1;
-  }
-  if (argc > 2 && QByteArray(argv[2]).startsWith("creator")) {
-    const auto picture = QByteArray(argv[2]);
-    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
-    const QApplication application(argc, argv);
-    return orven::test::MakeCreator(folder, picture) ? 0 : 1;
-  }
-  if (argc > 2 && QByteArray(argv[2]).startsWith("options")) {
-    const auto picture = QByteArray(argv[2]);
-    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
-    const QApplication application(argc, argv);
-    return orven::test::MakeOptions(folder, picture) ? 0 : 1;
-  }
-  if (argc > 2 && QByteArray(argv[2]).startsWith("logs")) {
-    const auto picture = QByteArray(argv[2]);
-    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
-    const QApplication application(argc, argv);
-    return orven::test::MakeLogs(folder, picture) ? 0 : 1;
-  }
-  if (argc > 2 && QByteArray(argv[2]).startsWith("lines")) {
-    const auto picture = QByteArray(argv[2]);
-    if (picture.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
-    const QApplication application(argc, argv);
-    return orven::test::MakeLines(folder, picture) ? 0 : 1;
-  }
-  if (argc > 2) {
-    const auto& scene = kScenes[static_cast<std::size_t>(std::atoi(argv[2]))];
-    qputenv("QT_SCALE_FACTOR", scene.scale);
-    const QApplication application(argc, argv);
-    return orven::test::Make(scene, folder);
-  }
+  if (argc > 2) return orven::test::MakeOne(argc, argv, folder);
   if (!QDir().mkpath(folder)) return 1;
-  QStringList pictures{QStringLiteral("dialogs"),        QStringLiteral("creator"),
-                       QStringLiteral("creator_dark"),   QStringLiteral("creator_scaled"),
-                       QStringLiteral("options"),        QStringLiteral("options_dark"),
-                       QStringLiteral("options_scaled"), QStringLiteral("logs"),
-                       QStringLiteral("logs_dark"),      QStringLiteral("logs_scaled")};
-  pictures << QStringLiteral("lines") << QStringLiteral("lines_dark") << QStringLiteral("lines_scaled")
-           << QStringLiteral("lines_modem");
+  QStringList pictures{QStringLiteral("dialogs"), QStringLiteral("lines_modem")};
+  for (const char* name : {"creator", "options", "logs", "lines"}) {
+    for (const char* variant : {"", "_dark", "_scaled"})
+      pictures << QLatin1String(name) + QLatin1String(variant);
+  }
   for (std::size_t i = 0; i < std::size(kScenes); ++i) pictures << QString::number(i);
   for (const auto& picture : pictures) {
     if (QProcess::execute(QString::fromLocal8Bit(argv[0]), {folder, picture}) != 0) return 1;

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/options.h"
-
 #include <QStyleFactory>
 
-#include "gui/shell/desk.h"
-#include "gui/shell/screenshots/pictures.h"
 #include "options/frmOptions.h"
+#include "screenshots/pictures.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {
@@ -29,9 +27,9 @@ const char* const kSettings = R"("SecSilence"="4"
 
 }  // namespace
 
-bool MakeOptions(const QString& folder, const QByteArray& picture) {
+bool MakeOptions(const QString& folder, const QByteArray& name) {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  if (picture.endsWith("dark")) QApplication::setPalette(DarkPalette());
+  if (name.endsWith("dark")) QApplication::setPalette(DarkPalette());
   Desk desk(kSettings);
   desk.cards.names = {"Default output", "Headset", "Monitor loudspeakers"};
   desk.Start();
@@ -47,7 +45,7 @@ bool MakeOptions(const QString& folder, const QByteArray& picture) {
     level = 320;
     pictures << Shown(window);
   }
-  return Save(pictures, folder + u'/' + QString::fromLatin1(picture) + QStringLiteral(".png"));
+  return Save(pictures, folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png"));
 }
 
 }  // namespace orven::test

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/screenshots/pictures.h"
+#include "screenshots/pictures.h"
 
 #include <QPainter>
 #include <QTest>

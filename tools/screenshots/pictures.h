@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QPalette>
 #include <QPixmap>
@@ -17,5 +18,19 @@ QPixmap Shown(QWidget& window);
 
 /// Writes several tabs or states of one window, beside each other, as one PNG file.
 bool Save(const QList<QPixmap>& pictures, const QString& path);
+
+// Each of these writes its pictures as PNG files in `folder` and is false when one fails. `name` is what the
+// pictures are called; one that ends in "dark" asks for a dark desktop.
+
+/// The caller view, and the dialogs but the options.
+bool MakeDialogs(const QString& folder, const QByteArray& name);
+/// The tabs of the options dialog: "options…".
+bool MakeOptions(const QString& folder, const QByteArray& name);
+/// The greeting creator: "creator…".
+bool MakeCreator(const QString& folder, const QByteArray& name);
+/// The log viewer, the log properties and the about box: "logs…".
+bool MakeLogs(const QString& folder, const QByteArray& name);
+/// The telephone lines and one of them: "lines…", of which "lines_modem" is a modem's.
+bool MakeLines(const QString& folder, const QByteArray& name);
 
 }  // namespace orven::test

@@ -5,7 +5,7 @@
 #include <QMenuBar>
 #include <QSet>
 
-#include "gui/shell/desk.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <QWheelEvent>
 #include <limits>
 
-#include "gui/shell/desk.h"
+#include "support/desk/desk.h"
 #include "widgets/window_placement.h"
 
 namespace orven::test {

@@ -9,8 +9,8 @@
 #include <QToolTip>
 #include <algorithm>
 
-#include "gui/shell/desk.h"
 #include "records/call_fields.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <QSignalSpy>
 #include <QSlider>
 
-#include "gui/shell/desk.h"
+#include "support/desk/desk.h"
 
 namespace orven::test {
 namespace {

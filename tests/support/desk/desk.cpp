@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/desk.h"
+#include "support/desk/desk.h"
 
 #include <filesystem>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/sound_files.h"
+#include "support/desk/silent_card.h"
 
 #include <array>
 #include <thread>
