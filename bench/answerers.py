@@ -53,13 +53,11 @@ class Orven:
     name, user = "ORVEN", "machine"
 
     def __init__(self, program, folder, greeting, settings=None, display=None):
-        self.machine = machine.Machine(
-            program, folder, lambda *_: None, display=display, arguments=["-st"], ring_seconds=1
-        )
+        self.machine = machine.Machine(program, folder, display=display, arguments=["-st"])
         try:
             self.port = self.machine.port
-            self.machine.wait_for_line("LineOpen[", START_LIMIT)
-            sound.write(os.path.join(self.machine.home, "Greets", "Bench.wav"), greeting)
+            self.machine.start_and_wait()
+            sound.write(self.machine.path("Greets/Bench.wav"), greeting)
             self.restart_with({"NumOfRing": "1", "Greeting": "Bench", **(settings or {})})
         except BaseException:
             self.machine.__exit__()
@@ -77,7 +75,7 @@ class Orven:
 
     def timed_start(self):
         """Ends the program and starts it again; the seconds until it answered a request."""
-        self.machine.exit()
+        self.machine.end()
         seconds = first_answer(self.port, self.machine.start)
         self.process = Process(self.machine.process.pid)
         return seconds

@@ -10,7 +10,6 @@ it is pressed; the times are taken by the emulator.
 
 import array
 import os
-import random
 import statistics
 import sys
 import tempfile
@@ -29,23 +28,6 @@ GREETING_SECONDS, CALL_SECONDS, LONG_SECONDS = 10, 60, 100
 SPOKEN_SECONDS = 45  # of the rest of the call
 PASSWORD = "12"
 LIMIT = 30  # seconds, for whatever is waited for
-LOUDEST = 8000  # of 32768
-
-
-def mu_law_value(code):
-    """ITU-T G.711, in 16 bits."""
-    code = ~code & 0xFF
-    magnitude = (((code & 0x0F) << 3) + 0x84 << (code >> 4 & 7)) - 0x84
-    return -magnitude if code & 0x80 else magnitude
-
-
-MU_LAW = [mu_law_value(code) for code in range(256)]
-
-
-def noise(seconds, seed):
-    """Samples that mu-law keeps as they are."""
-    values = [value for value in MU_LAW if 0 < abs(value) < LOUDEST]
-    return array.array("h", random.Random(seed).choices(values, k=int(seconds * sound.RATE)))
 
 
 def compared(reference, recording):
@@ -65,7 +47,7 @@ class Bench:
 
     def __init__(self, program, emulator, folder, profile):
         self.modem = modem_telephone.Modem(emulator, os.path.join(folder, "modem"), profile, options=["--times"])
-        self.machine = machine.Machine(program, folder, lambda *_: None, modem=self.modem)
+        self.machine = machine.Machine(program, folder, modem=self.modem)
         self.idles = 0
 
     def __enter__(self):
@@ -76,23 +58,13 @@ class Bench:
         self.modem.__exit__()
 
     def begin(self, greeting):
-        self._wait_until_ready(1)
+        self.machine.start_and_wait()
         sound.write(os.path.join(self.machine.home, "Greets", "Noise.wav"), greeting)
         self.machine.restart_with({"NumOfRing": "1", "Greeting": "Noise", "Pass": PASSWORD})
-        self._wait_until_ready(2)
-
-    def _wait_until_ready(self, times):
-        text = f"The modem at {self.modem.port} is: "
-
-        def ready():
-            return sum(text in line for line in self.machine.system_log) >= times
-
-        processes.wait_for("The modem's readiness", ready, LIMIT, self.machine.look)
 
     def change_message(self, message):
         """The latest call's message is another now."""
-        path = os.path.join(self.machine.home, "Messages", self.machine.records()[-1]["Call_Massage_Name"])
-        sound.write(path, message)
+        sound.write(self.machine.message(self.machine.records()[-1]), message)
 
     def wait(self, word, since=0):
         """Waits for a report from number `since` on. Returns its number and its time in seconds."""
@@ -111,10 +83,7 @@ class Bench:
         """Somebody lifts the telephone beside the modem."""
         self.modem.do("sign H")
         self.idles += 1
-        processes.wait_for("The call's end", self._idle, LIMIT, self.machine.look)
-
-    def _idle(self):
-        return sum("Idle[" in line for line in self.machine.system_log) >= self.idles
+        self.machine.wait_for("Idle[", LIMIT, self.idles)
 
     def press(self, key):
         """Returns the seconds from the report of the key until what played was stopped."""
@@ -141,19 +110,19 @@ def print_times(what, seconds):
 def sent_samples(bench, profile):
     sent = bench.modem.sent()
     if PROFILES[profile] == "mu-law":
-        return array.array("h", (MU_LAW[byte] for byte in sent))
+        return array.array("h", (sound.MU_LAW[byte] for byte in sent))
     return array.array("h", sent[: len(sent) // 2 * 2])
 
 
 def report_call(bench, profile, greeting):
     """A call of a minute: greeting, and a message."""
-    spoken = noise(SPOKEN_SECONDS, seed=2)
+    spoken = sound.noise(SPOKEN_SECONDS, seed=2)
     path = os.path.join(bench.modem.folder, "spoken_noise.wav")
     sound.write(path, spoken)
     before = cpu_seconds(bench.machine.process)
     bench.ring()
     heard = bench.modem.heard
-    bench.machine.wait_for_line("Start Record Message[", LIMIT)
+    bench.machine.wait_for("Start Record Message[", LIMIT)
     bench.wait("receiving", bench.wait("playing")[0])
     bench.modem.do("say " + path)
     processes.wait_for(
@@ -161,8 +130,7 @@ def report_call(bench, profile, greeting):
     )
     used = cpu_seconds(bench.machine.process) - before
     bench.end_call()
-    record = bench.machine.records()[-1]
-    message = sound.read(os.path.join(bench.machine.home, "Messages", record["Call_Massage_Name"]))
+    message = sound.read(bench.machine.message(bench.machine.records()[-1]))
     what = f"{profile}, {PROFILES[profile]}: "
     print(f"{what + 'the greeting, heard':45} {compared(greeting, heard())}")
     sent = between_silences(sent_samples(bench, profile))
@@ -178,15 +146,15 @@ def between_silences(samples):
 
 
 def report_times(bench):
-    bench.change_message(noise(LONG_SECONDS, seed=3))
+    bench.change_message(sound.noise(LONG_SECONDS, seed=3))
     answers = []
     for _ in range(TIMES):
         answers.append(bench.ring())
         bench.end_call()
     print_times("the ring to the off-hook command", answers)
-    before = len(bench.machine.system_log)
+    before = bench.machine.count("Connected[")
     bench.ring()
-    bench.machine.wait_for_line("Connected[", LIMIT, before)
+    bench.machine.wait_for("Connected[", LIMIT, before + 1)
     number = len(bench.modem.news)
     for key in PASSWORD + "*":
         bench.modem.do("press " + key)
@@ -200,7 +168,7 @@ def report_times(bench):
 def main(program, emulator):
     for profile in PROFILES:
         with tempfile.TemporaryDirectory() as folder, Bench(program, emulator, folder, profile) as bench:
-            greeting = noise(GREETING_SECONDS, seed=1)
+            greeting = sound.noise(GREETING_SECONDS, seed=1)
             bench.begin(greeting)
             report_call(bench, profile, greeting)
             if profile == next(iter(PROFILES)):

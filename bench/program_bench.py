@@ -21,12 +21,13 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "demo"))
 
 import display  # noqa: E402
+import machine  # noqa: E402
 import processes  # noqa: E402
 
 STARTS = 7
 RECORDS = 100_000
 IDLE_TIMES, IDLE_SECONDS = 4, 5.0
-START_LIMIT, END_LIMIT = 20.0, 10.0
+START_LIMIT = 20.0
 
 
 class WindowWatch:
@@ -55,53 +56,27 @@ class WindowWatch:
                 self.shown = time.monotonic()
 
 
-class Machine:
-    """One installation of the program, with a SIP line."""
-
-    def __init__(self, program, folder, screen):
-        self.program, self.folder, self.screen = program, folder, screen
-        os.makedirs(folder)
-        with open(os.path.join(folder, "lines.ini"), "w", encoding="utf-8") as lines:
-            lines.write(f"[SIP]\ntype = sip\nlisten = 127.0.0.1:{processes.free_port()}\n")
-
-    def start(self, *arguments):
-        config = os.path.join(self.folder, "config")  # not the user's, which would start this at login
-        environment = dict(self.screen.environment(), ORVEN_HOME=self.folder, XDG_CONFIG_HOME=config)
-        return processes.start([self.program, *arguments], os.path.join(self.folder, "output"), env=environment)
-
-    def line_openings(self):
-        """How often the log says that the line was opened."""
-        count = 0
-        for path in glob.glob(os.path.join(self.folder, "Log", "*_Sys.txt")):
-            with open(path, "rb") as log:
-                count += log.read().count(b": LineOpen[")
-        return count
-
-    def timed_start(self, *arguments, window=True):
-        """The process, and the seconds until its line was open and, if one is expected, its window shown."""
-        openings = self.line_openings()
-        with WindowWatch(self.screen) as watch:
-            began = time.monotonic()
-            process = self.start(*arguments)
-            opened = None
-            while opened is None or (window and watch.shown is None):
-                if time.monotonic() - began > START_LIMIT or process.poll() is not None:
-                    raise processes.Failed("The program did not start")
-                if opened is None and self.line_openings() > openings:
-                    opened = time.monotonic()
-                time.sleep(0.002)
-        return process, opened - began, watch.shown - began if window else None
-
-    def fill(self, count):
-        with sqlite3.connect(os.path.join(self.folder, "Calls")) as calls:
-            calls.execute(
-                "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) INSERT INTO Calls "
-                "SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', 'm.wav', '5.2', '0' FROM n", [count])
+def timed_start(program, screen, *arguments, window=True):
+    """The seconds until the program's line was open and, if one is expected, its window shown."""
+    with WindowWatch(screen) as watch:
+        began = time.monotonic()
+        program.start(*arguments)
+        opened = None
+        while opened is None or (window and watch.shown is None):
+            if time.monotonic() - began > START_LIMIT:
+                raise processes.Failed("The program did not start")
+            program.look()
+            if opened is None and program.count("LineOpen["):
+                opened = time.monotonic()
+            time.sleep(0.002)
+    return opened - began, watch.shown - began if window else None
 
 
-def end(process):
-    if processes.stop(process, END_LIMIT) != 0:
-        raise processes.Failed("The program did not end by itself")
+def fill(path, count):
+    with sqlite3.connect(path) as calls:
+        calls.execute(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) INSERT INTO Calls "
+            "SELECT 'Anna', '555' || i, '14:05:07', '12/31/2003', 'm.wav', '5.2', '0' FROM n", [count])
 
 
 def resident_megabytes(process):
@@ -124,19 +99,20 @@ def voluntary_switches(process):
     return count
 
 
-def report_starts(machine, what):
+def report_starts(program, screen, what):
     shown, opened = [], []
     for _ in range(STARTS):
-        process, line_open, window_shown = machine.timed_start()
+        line_open, window_shown = timed_start(program, screen)
         shown.append(window_shown)
         opened.append(line_open)
-        end(process)
+        program.end()
     print(f"{what:45} window {statistics.median(shown) * 1000:5.0f} ms (most {max(shown) * 1000:.0f})"
           f"   line open {statistics.median(opened) * 1000:5.0f} ms", flush=True)
 
 
-def report_waiting(machine, what, *arguments):
-    process, *_ = machine.timed_start(*arguments, window=not arguments)
+def report_waiting(program, screen, what, *arguments):
+    timed_start(program, screen, *arguments, window=not arguments)
+    process = program.process
     time.sleep(3)  # what a start leaves to be done
     cpu, switches = cpu_seconds(process), []
     for _ in range(IDLE_TIMES):
@@ -146,20 +122,22 @@ def report_waiting(machine, what, *arguments):
     share = (cpu_seconds(process) - cpu) / IDLE_SECONDS / IDLE_TIMES
     print(f"{what:45} resident {resident_megabytes(process):5.1f} MB   CPU {share * 100:.2f} % of a core   "
           f"wake-ups {statistics.median(switches):.2f} a second (most {max(switches):.2f}, aim < 2)", flush=True)
-    end(process)
+    program.end()
 
 
-def main(program):
-    with tempfile.TemporaryDirectory() as folder, display.Display(folder) as screen:
-        machine = Machine(program, os.path.join(folder, "home"), screen)
-        end(machine.timed_start()[0])  # the first start fills the folder
-        report_starts(machine, "start")
-        report_waiting(machine, "waiting with the window open")
-        report_waiting(machine, "waiting hidden", "-st")
-        machine.fill(RECORDS)
-        end(machine.timed_start()[0])
-        report_starts(machine, f"start with {RECORDS:,} records")
-        report_waiting(machine, f"waiting with {RECORDS:,} records, window open")
+def main(path):
+    with tempfile.TemporaryDirectory() as folder, display.Display(folder) as screen, \
+         machine.Machine(path, folder, display=screen) as program:  # fmt: skip
+        program.start_and_wait()  # the first start fills the folder
+        program.end()
+        report_starts(program, screen, "start")
+        report_waiting(program, screen, "waiting with the window open")
+        report_waiting(program, screen, "waiting hidden", "-st")
+        fill(program.path("Calls"), RECORDS)
+        program.start_and_wait()
+        program.end()
+        report_starts(program, screen, f"start with {RECORDS:,} records")
+        report_waiting(program, screen, f"waiting with {RECORDS:,} records, window open")
 
 
 if __name__ == "__main__":

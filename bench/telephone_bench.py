@@ -21,7 +21,6 @@ sys.path.insert(0, os.path.join(HERE, "..", "demo"))
 
 import answerers  # noqa: E402
 import display  # noqa: E402
-import modem_bench  # noqa: E402
 import processes  # noqa: E402
 import sip_telephone  # noqa: E402
 import sound  # noqa: E402
@@ -210,14 +209,14 @@ def report_recording(table, program, folder):
                 call.invite()
                 call.acknowledge()
                 call.talk()
-                ours.machine.wait_for_line("Start Record Message[", 10)
+                ours.machine.wait_for("Start Record Message[", 10)
                 cpu[0] = f"{talk_through(call, blocks, ours.process) * 60 / RECORDED_SECONDS:.3f} s"
                 time.sleep(0.5)
             processes.wait_for("The record of the call", ours.machine.records, 10, ours.machine.look)
-            message = ours.machine.records()[-1]["Call_Massage_Name"]
-            found = compared(b"".join(blocks), data_of(os.path.join(ours.machine.home, "Messages", message)))
+            message = ours.machine.message(ours.machine.records()[-1])
+            found = compared(b"".join(blocks), data_of(message))
     with table.failing("recorded call to baresip"), \
-         answerers.Peer(os.path.join(folder, "peer_recorder"), noise(2 * RECORDED_SECONDS), records=True) as peer:  # fmt: skip
+         answerers.Peer(os.path.join(folder, "peer_recorder"), sound.noise(2 * RECORDED_SECONDS, seed=1), records=True) as peer:  # fmt: skip
         with sip_telephone.Call(peer.port, peer.user) as call:
             call.invite()
             call.acknowledge()
@@ -268,15 +267,11 @@ def report_starts(table, answering, what):
               *([""] if len(answering) == 1 else []), "100 ms")
 
 
-def noise(seconds):
-    return modem_bench.noise(seconds, seed=1)
-
-
 def main(program):
     print(f"load of the machine before: {' '.join(f'{load:.2f}' for load in os.getloadavg())}")
     table = Table()
     with tempfile.TemporaryDirectory() as folder:
-        greeting = noise(LONG_SECONDS + 4)
+        greeting = sound.noise(LONG_SECONDS + 4, seed=1)
         with table.failing("calls in turn"), \
              answerers.Orven(program, os.path.join(folder, "ours"), greeting) as ours, \
              answerers.Peer(os.path.join(folder, "peer"), greeting) as peer:  # fmt: skip

@@ -37,7 +37,7 @@ MESSAGE = "Hello, this is Anna. The garden gate is open again. Please call me ba
 REACTION_SECONDS = 0.6  # from the end of the beep until a person speaks
 LOWEST_SNR = 25.0  # dB; mu-law alone leaves about 37
 MAIL_TO = "owner@example.org"
-ANSWER_LIMIT = 30.0  # seconds: four rings, two seconds apart, and a slow machine
+ANSWER_LIMIT = 30.0  # seconds: four rings, three seconds apart at a modem, and a slow machine
 MODEM_FAMILY = "lucent"  # 16 bits a sample
 SCREENSHOT = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "build", "demo", "main_window.png")
 FEWEST_COLOURS = 32  # in a picture that shows a window; an unpainted one has one or two
@@ -87,7 +87,7 @@ def make_greeting(answering_machine, screen):
     """Returns the path of the greeting that callers hear."""
     if screen is None:
         step("No greeting is typed: that takes xdotool, xprop, ImageMagick, and Xvfb with openbox or a display")
-        return os.path.join(answering_machine.home, "Greets", "Default.wav")
+        return answering_machine.path("Greets/Default.wav")
     window = creator.Creator(screen, answering_machine.process, answering_machine.look)
     window.open()
     window.create(GREETING)
@@ -98,7 +98,7 @@ def make_greeting(answering_machine, screen):
 
 def leave_message(answering_machine, folder, greeting, spoken):
     """The first call. Returns what the call has added to the system log."""
-    first_line = len(answering_machine.system_log)
+    first_line, calls = len(answering_machine.log()), answering_machine.count("Idle[")
     with telephone_of(answering_machine, os.path.join(folder, "caller"), CALLER_NAME, CALLER_NUMBER) as caller:
         step(f"{CALLER_NAME} calls {answering_machine.address}")
         call(caller, answering_machine)
@@ -109,14 +109,14 @@ def leave_message(answering_machine, folder, greeting, spoken):
         caller.say(sound.silence(REACTION_SECONDS) + spoken, 60)
         caller.hang_up()
         step("She has hung up")
-        answering_machine.wait_for_line("Idle[LineIndex:0]", 10, first_line)
-    return answering_machine.system_log[first_line:]
+        answering_machine.wait_for("Idle[LineIndex:0]", 10, calls + 1)
+    return answering_machine.log()[first_line:]
 
 
 def check_record(answering_machine):
     """The filed call. Returns the path of its message."""
     records = wait_for("The call record", answering_machine.records, 10, answering_machine.look)
-    step("The call record, as sqlite3 reads it:")
+    step("The call record, as SQLite reads it:")
     for field, value in records[-1].items():
         print(f"            {field:>17} = {value}", flush=True)
     check(len(records) == 1, f"There are {len(records)} call records after one call")
@@ -125,7 +125,7 @@ def check_record(answering_machine):
     check(caller == (CALLER_NAME, CALLER_NUMBER), f"The record names another caller: {caller}")
     check(record["Type"] != "-1", "The record says that no message was recorded")
     check(record["Read"] == "0", f'The new record\'s "Read" is {record["Read"]!r}')
-    path = os.path.join(answering_machine.home, "Messages", record["Call_Massage_Name"])
+    path = answering_machine.message(record)
     check(os.path.isfile(path), f"The message file is not there: {path}")
     return path
 
@@ -148,7 +148,7 @@ def check_quality(what, reference, recording):
 
 def check_mail(answering_machine, inbox, message):
     wait_for("The mail", lambda: inbox.mails, 20, answering_machine.look)
-    answering_machine.wait_for_line("Mail was sent to " + MAIL_TO, 10)
+    answering_machine.wait_for("Mail was sent to " + MAIL_TO, 10)
     (recipients, mail), = inbox.mails
     step(f'The mail server took a mail to {recipients[0]}: "{mail["Subject"]}"')
     check(recipients == [MAIL_TO], f"The mail went to {recipients}")
@@ -169,20 +169,21 @@ def check_program(answering_machine, notebook, record):
 
 def listen_remotely(answering_machine, folder, password, message_seconds):
     """The owner's call. Returns what he heard."""
-    first_line = len(answering_machine.system_log)
+    calls = answering_machine.count("Idle[")
     with telephone_of(answering_machine, os.path.join(folder, "owner"), "Owner", "5551111") as owner:
         step("The owner calls his machine")
         call(owner, answering_machine)
         owner.wait_until("The greeting", lambda: sound.peak(owner.heard()) > 0.05, 10)
         step(f"He hears the greeting and keys {password} and *")
-        for digit in password + "*":
-            before = len(answering_machine.system_log)
+        for number, digit in enumerate(password + "*", 1):
             owner.press(digit)
-            answering_machine.wait_for_line(f"MonitorDigit[LineIndex:0]->{digit}", 5, before)
-        answering_machine.wait_for_line("Remote Control [LineIndex:0]", 5, first_line)
+            answering_machine.wait_for("MonitorDigit[LineIndex:0]->", 5, number)
+        keyed = "".join(line[-1] for line in answering_machine.log_since_start() if "MonitorDigit[" in line)
+        check(keyed == password + "*", f"The machine noticed the keys {keyed}")
+        answering_machine.wait_for("Remote Control [LineIndex:0]", 5)
         step("The machine plays the message to him and hangs up after it")
         owner.wait_event("CALL_CLOSED", message_seconds + 20)
-        answering_machine.wait_for_line("Idle[LineIndex:0]", 10, first_line)
+        answering_machine.wait_for("Idle[LineIndex:0]", 10, calls + 1)
         return owner.heard()
 
 
@@ -206,9 +207,10 @@ def save_screenshot(answering_machine, screen):
 
 def demonstrate(answering_machine, folder, screen, inbox):
     step(f"ORVEN starts in the empty folder {answering_machine.home}")
+    answering_machine.start()
     password = answering_machine.password()
     step(f"Its first start has made the password {password}")
-    answering_machine.wait_for_line("LineOpen[", 20)
+    answering_machine.wait_for("LineOpen[", 20)
     notebook = mailbox.Notebook(folder)
     command = f'"{notebook.program}" "<NAME>" <NUMBER> "<MESSAGE_PATH>"'
     step(f"It is told to mail each message to {MAIL_TO}, and to start {command}")
@@ -216,7 +218,7 @@ def demonstrate(answering_machine, folder, screen, inbox):
         "pMailTo": "1", "MailTo": MAIL_TO, "SMTPServer": f"127.0.0.1:{inbox.port}", "MailFrom": "orven@example.org",
         "pAppTo": "1", "AppTo": command,
     })
-    check("[LineIndex:0 Device Name:Demo]->" in "".join(answering_machine.system_log), "The line is not \"Demo\"")
+    check(f"[LineIndex:0 Device Name:{machine.LINE}]->" in "".join(answering_machine.log()), "Another line is open")
 
     spoken = sound.speech(MESSAGE, "en-gb+f2")
     greeting = make_greeting(answering_machine, screen)
@@ -233,11 +235,11 @@ def demonstrate(answering_machine, folder, screen, inbox):
 
     save_screenshot(answering_machine, screen)
     step("The program is asked to end (SIGTERM)")
-    answering_machine.exit()
-    for name, lines in (("system", answering_machine.system_log), ("calls", answering_machine.calls_log)):
-        check(any("Unload ORVEN" in line for line in lines), f'The {name} log lacks "Unload ORVEN"')
+    answering_machine.end()
+    for name, kind in (("system", "Sys"), ("calls", "Calls")):
+        check("Unload ORVEN" in answering_machine.log(kind)[-1], f'The {name} log does not end in "Unload ORVEN"')
     expected = f"Ring:4 [{CALLER_NAME}:{CALLER_NUMBER}]"
-    check(any(expected in line for line in answering_machine.calls_log), f'The calls log lacks "{expected}"')
+    check(any(expected in line for line in answering_machine.log("Calls")), f'The calls log lacks "{expected}"')
     step("All of it worked")
 
 
@@ -258,7 +260,7 @@ def main():
                 things.enter_context(modem)
             answering_machine = machine.Machine(sys.argv[1], folder, show_log_line, screen, modem)
             things.enter_context(answering_machine)
-            log = answering_machine.system_log
+            log = answering_machine.log()
             demonstrate(answering_machine, folder, screen, inbox)
     except (Failed, OSError, subprocess.CalledProcessError) as failure:
         print(f"\nFAILED: {failure}.", file=sys.stderr)

@@ -1,75 +1,135 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The answering machine under demonstration: its process, its folder, its logs and its records."""
+"""ORVEN as its user, a test or a benchmark has it: its process, its folder, its logs and its records."""
 
 import glob
-import json
 import os
 import re
-import subprocess
+import shutil
+import signal
+import sqlite3
 
 import processes
 
+LINE = "Demo"  # the name of the telephone line
+
 
 class Machine:
-    """ORVEN in a fresh application folder below `folder`, with one telephone line on 127.0.0.1 or at the
-    modem_telephone.Modem `modem`, on the Display `display` or on none. Use it in a with statement. Every new
-    log line is given to `show` as it appears. The program gets `arguments` at each start."""
+    """ORVEN in the application folder `folder`/home, which is new or a copy of `template`, an earlier machine's.
+    Its one telephone line is on 127.0.0.1, or at the modem_telephone.Modem `modem`. Its windows are on the Display
+    `display`, if any. Every new log line is passed to `show`. Every start passes `arguments` to the program. Use it
+    in a with statement, which stops the program."""
 
-    def __init__(self, program, folder, show, display=None, modem=None, arguments=(), ring_seconds=2):
-        self.home = os.path.join(folder, "home")
-        self.port, self.modem = processes.free_port(), modem
+    def __init__(self, program, folder, show=lambda *_: None, display=None, modem=None, arguments=(), template=None,
+                 variables=None):  # fmt: skip
+        self.home, self.program, self.arguments = os.path.join(folder, "home"), os.path.abspath(program), arguments
+        self.port, self.modem, self.process = processes.free_port(), modem, None
         self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{self.port}"
-        line = f"type = modem\nport = {modem.port}" if modem else f"type = sip\nlisten = 127.0.0.1:{self.port}"
-        self.system_log, self.calls_log = [], []
-        self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
-        os.makedirs(self.home)
-        with open(os.path.join(self.home, "lines.ini"), "w", encoding="utf-8") as file:
-            file.write(f"[Demo]\n{line}\n" + ("" if modem else f"ring_seconds = {ring_seconds}\n"))
-        windowless = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        self._environment = display.environment() if display else windowless
-        self._environment["ORVEN_HOME"] = self.home
-        # The first start enters the program among those that start with the desktop; not with the user's.
-        self._environment["XDG_CONFIG_HOME"] = os.path.join(folder, "config")
-        self._command, self._folder = [os.path.abspath(program), *arguments], folder
-        self.start()
-
-    def start(self):
-        self.process = processes.start(self._command, self._output, env=self._environment, cwd=self._folder)
-
-    def restart_with(self, settings):
-        """Ends the program and starts it again with these settings changed."""
-        self.exit()
-        path = os.path.join(self.home, "registry.reg")
-        with open(path, encoding="utf-8", newline="") as file:
-            text = file.read()
-        for name, value in settings.items():
-            escaped = value.replace("\\", "\\\\").replace('"', '\\"')
-            line = f'"{name}"="{escaped}"'
-            text, count = re.subn(rf'^"{name}"=.*$', lambda _: line, text, flags=re.MULTILINE)  # noqa: B023
-            if count != 1:
-                raise processes.Failed(f'The settings hold "{name}" {count} times')
-        with open(path, "w", encoding="utf-8", newline="") as file:
-            file.write(text)
-        openings = sum("LineOpen[" in line for line in self.system_log)
-        self.start()
-        processes.wait_for(
-            "The line", lambda: sum("LineOpen[" in line for line in self.system_log) > openings, 20, self.look
-        )
+        sip = f"type = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 1"
+        self.line = f"type = modem\nport = {modem.port}" if modem else sip
+        self.ready = f"The modem at {modem.port} is: " if modem else "LineOpen["
+        self.config = os.path.join(folder, "config")  # the first start adds ORVEN to the programs started at login
+        self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
+        self._logs, self._start = {"Sys": [], "Calls": []}, 0
+        self._display, self.variables = display, dict(variables or {}, ORVEN_HOME=self.home, XDG_CONFIG_HOME=self.config)
+        if template:
+            shutil.copytree(template, self.home)
+            settings = self.read("registry.reg").replace(template, self.home)
+            self.write("registry.reg", settings)
+        else:
+            os.makedirs(self.home)
+        self.write_line(self.line)
 
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
-        processes.stop(self.process, 5)
+        if self.process:
+            processes.stop(self.process, 5)
+
+    def start(self, *arguments):
+        """Starts the program and does not wait."""
+        self._start = len(self.log())
+        command = [self.program, *self.arguments, *arguments]
+        desktop = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")
+        windowless = {k: v for k, v in os.environ.items() if k not in desktop}
+        environment = {**(self._display.environment() if self._display else windowless), **self.variables}
+        self.process = processes.start(command, self._output, env=environment, cwd=self._folder)
+
+    def start_and_wait(self, *arguments):
+        """Starts the program; returns when its line takes calls."""
+        self.start(*arguments)
+        self.wait_for(self.ready)
+
+    def end(self, with_signal=signal.SIGTERM):
+        """Ends the program with a signal, by default as a logout does; fails unless it exits with 0."""
+        self.process.send_signal(with_signal)
+        self.wait_for_exit()
+
+    def wait_for_exit(self, code=0):
+        seconds = 15 * processes.SLOWNESS
+        if self.process.wait(seconds) != code:
+            raise processes.Failed(f"The program ended with code {self.process.returncode}, not {code}")
+
+    def restart_with(self, settings):
+        """Ends the program and starts it again with these settings changed."""
+        self.end()
+        self.change_settings(settings)
+        self.start_and_wait()
+
+    # Its folder; to be changed only while it is not running.
+
+    def path(self, name):
+        return os.path.join(self.home, name)
+
+    def read(self, name):
+        with open(self.path(name), encoding="utf-8", newline="") as file:
+            return file.read()
+
+    def write(self, name, text):
+        with open(self.path(name), "w", encoding="utf-8", newline="") as file:
+            file.write(text)
+
+    def write_line(self, keys):
+        """Configures the telephone line, the only one."""
+        self.write("lines.ini", f"[{LINE}]\n{keys}\n")
+
+    def change_settings(self, settings):
+        text = self.read("registry.reg")
+        for name, value in settings.items():
+            escaped = str(value).replace("\\", "\\\\").replace('"', '\\"')
+            line = f'"{name}"="{escaped}"'
+            text, count = re.subn(rf'^"{name}"=[^\r\n]*', lambda _: line, text, flags=re.MULTILINE)  # noqa: B023
+            if count != 1:
+                raise processes.Failed(f'The settings hold "{name}" {count} times')
+        self.write("registry.reg", text)
+
+    # What it says and keeps.
 
     def look(self):
-        """Takes in what the logs have gained; raises when the program has ended."""
+        """Reads what is new in the logs; fails when the program has ended."""
         self._read_logs()
         if self.process.poll() is not None:
-            self._read_logs()
             raise processes.Failed(
                 f"The program ended by itself with code {self.process.returncode}; it printed: {self.output().strip()}"
             )
+
+    def log(self, kind="Sys"):
+        """All lines so far of the system log ("Sys") or of the calls log ("Calls")."""
+        self._read_logs()
+        return self._logs[kind]
+
+    def log_since_start(self):
+        """The system log's lines of the latest start."""
+        return self.log()[self._start :]
+
+    def count(self, text):
+        """How many lines of the latest start contain it."""
+        return sum(text in line for line in self.log_since_start())
+
+    def wait_for(self, text, limit=30, count=1):
+        """Waits until `count` lines of the latest start contain `text`."""
+        found = f'"{text}" in the system log' + (f", {count} times" if count > 1 else "")
+        processes.wait_for(found, lambda: self.count(text) >= count, limit, self.look)
 
     def output(self):
         with open(self._output, encoding="utf-8", errors="replace") as file:
@@ -82,41 +142,28 @@ class Machine:
         )
         return found[0]
 
-    def wait_for_line(self, text, limit, since=0):
-        """Waits until a line of the system log, from number `since` on, contains `text`."""
-
-        def find():
-            return any(text in line for line in self.system_log[since:])
-
-        self._read_logs()
-        processes.wait_for(f'The line "{text}" in the system log', find, limit, self.look)
-
-    def records(self):
-        """The call records, by the independent tool."""
-        path = os.path.join(self.home, "Calls")
+    def records(self, path=None):
+        """The call records, oldest first, of its database or of a copy at `path`."""
+        path = path or self.path("Calls")
         if not os.path.exists(path):
             return []
-        command = ["sqlite3", "-cmd", ".timeout 5000", "-json", path, "select * from Calls order by rowid"]
-        result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
-        if result.returncode:
-            raise processes.Failed(f"sqlite3 cannot read the call records: {result.stderr.strip()}")
-        return json.loads(result.stdout or "[]")
+        calls = sqlite3.connect(path)
+        calls.row_factory = sqlite3.Row
+        try:
+            return [dict(row) for row in calls.execute("select * from Calls order by rowid")]
+        finally:
+            calls.close()
 
-    def exit(self):
-        """Ends the program by SIGTERM and takes in its last log lines."""
-        code = processes.stop(self.process, 10)
-        self._read_logs()
-        if code is None:
-            raise processes.Failed("The program did not end within 10 seconds of SIGTERM")
-        if code != 0:
-            raise processes.Failed(f"The program ended with code {code} after SIGTERM")
+    def message(self, record):
+        """The path of a record's message."""
+        return self.path("Messages/" + record["Call_Massage_Name"])
 
     def _read_logs(self):
-        for suffix, lines in (("_Sys.txt", self.system_log), ("_Calls.txt", self.calls_log)):
-            for path in sorted(glob.glob(os.path.join(self.home, "Log", "*" + suffix)), key=os.path.getmtime):
+        for kind, lines in self._logs.items():
+            for path in sorted(glob.glob(self.path(f"Log/*_{kind}.txt")), key=os.path.getmtime):
                 for line in self._new_lines(path):
                     lines.append(line)
-                    self._show(suffix[1:-4], line)
+                    self._show(kind, line)
 
     def _new_lines(self, path):
         start = self._read_so_far.get(path, 0)

@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Sounds of a telephone call: 8000 samples a second, mono, 16 bits, as arrays of short integers."""
+"""Audio of a telephone call: 8000 samples a second, mono, 16 bits, as arrays of short integers."""
 
 import array
 import cmath
 import math
 import os
+import random
 import subprocess
 import tempfile
 import wave
@@ -13,6 +14,23 @@ RATE = 8000
 BLOCK = 160  # 20 ms
 WAV_HEADER_BYTES = 44
 FULL_SCALE = 32768.0
+LOUDEST_NOISE = 8000
+
+
+def _mu_law_value(code):
+    """ITU-T G.711, in 16 bits."""
+    code = ~code & 0xFF
+    magnitude = (((code & 0x0F) << 3) + 0x84 << (code >> 4 & 7)) - 0x84
+    return -magnitude if code & 0x80 else magnitude
+
+
+MU_LAW = [_mu_law_value(code) for code in range(256)]  # the samples of all codes
+
+
+def noise(seconds, seed):
+    """Samples that mu-law keeps exactly."""
+    values = [value for value in MU_LAW if 0 < abs(value) < LOUDEST_NOISE]
+    return array.array("h", random.Random(seed).choices(values, k=int(seconds * RATE)))
 
 
 def read(path):

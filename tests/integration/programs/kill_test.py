@@ -1,61 +1,41 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Kills the program at random moments of real calls, starts it again, and counts what was lost.
+# Kills the program at random moments of real calls, starts it again, and counts what was lost.
+#
+#     kill_test.py PROGRAM [KILLS [SEED]]
+#
+# Ten programs, each with its own folder and port, are called by sipp side by side. A moment is either any time of the
+# call or a few milliseconds after a step in the system log. What must be there after the next start follows from what
+# the killed program had logged and from how long it had been recording.
 
-    kill_test.py PROGRAM [KILLS [SEED]]
-
-Ten programs, each in a folder and on a port of its own, are called by sipp at a time. A moment is either any
-time of the call or a few milliseconds after a step that the system log names. What must be there after the next
-start follows from what the killed program had written to its log and from how long it had been recording.
-"""
-
-import audioop
 import glob
 import itertools
 import os
 import random
+import re
 import shutil
 import sqlite3
 import sys
 import tempfile
-import threading
 import time
-import wave
+from collections import Counter
+from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-
-import orven_test  # noqa: E402
-import processes  # noqa: E402
-import sound  # noqa: E402
+import harness
+from harness import machine, processes, sound
 
 AT_A_TIME = 10
-SCENARIO = os.path.join(os.path.dirname(os.path.abspath(__file__)), "kill_scenario.xml")
+SCENARIO = os.path.join(harness.HERE, "kill_scenario.xml")
 NOISE_SECONDS = 10
 BEHIND_SECONDS = 1.0  # what a crash may cost of a message
 CALL_SECONDS = 4.5  # from the offer until a long call is filed
 STEPS = ["InCommingCall[", "CallerID[", "Ring[", "LineAnswer[", "Connected[", "Play Beep", "Start Record Message[",
          "MonitorDigit[", "Remote Control", "Disconnected[", "Record Message ", "Close PreScreen", "Idle["]  # fmt: skip
 PASSWORD = "4711"
+COUNTED = ("kills", "in_call", "filed_before", "recovered", "owner", "unlisted", "messages")
 
 FIRST_KEY = '<pause milliseconds="150"/>'  # nobody keys before the greeting is heard
-
-KEY = """<send><![CDATA[
-
-INFO [next_url] SIP/2.0
-Via: SIP/2.0/[transport] [local_ip]:[local_port];branch=[branch]
-[last_From:]
-[last_To:]
-Call-ID: [call_id]
-CSeq: {number} INFO
-Content-Type: application/dtmf-relay
-Content-Length: [len]
-
-Signal={key}
-Duration=100
-]]></send><recv response="200"></recv><pause milliseconds="60"/>
-"""
-
 
 @dataclass
 class Round:
@@ -83,129 +63,66 @@ class Round:
         return None if begun is None else (self.seen("Disconnected[") or self.killed_at) - begun
 
 
-class Tally:
-    """What happened to all programs together."""
-
-    def __init__(self):
-        self.lock = threading.Lock()
-        self.counts = dict.fromkeys(
-            ["kills", "in_call", "ended_before", "recovered", "owner", "unlisted", "messages", "lost", "twice"], 0
-        )
-        self.behind = 0.0
-        self.faults = []
-
-    def count(self, **counts):
-        with self.lock:
-            for name, number in counts.items():
-                self.counts[name] += number
-
-    def fault(self, text):
-        with self.lock:
-            self.faults.append(text)
-
-
 class Victim:
     """One program that is killed again and again."""
 
-    def __init__(self, index, folder, seed, tally, noise):
-        self.index, self.tally, self.noise = index, tally, noise
-        self.random = random.Random(f"{seed}-{index}")
-        self.folder, self.home = folder, os.path.join(folder, "home")
-        self.port = processes.free_port()
-        self.rounds, self.known, self.log_size = 0, 0, 0
-        os.makedirs(self.home)
-        self.write("lines.ini", f"[Test]\ntype = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 1\n")
-        with orven_test.Orven(self.home, ["-st"]) as orven:
-            orven.wait_for("LineOpen[")
-            orven.end()
-        self.turn_over()
-        sound.write(self.path("Greets/Default.wav"), sound.silence(0.3))
-        settings = self.read("registry.reg").replace('"NumOfRing"="4"', '"NumOfRing"="1"')
-        self.settings = "\n".join(
-            f'"Pass"="{PASSWORD}"' if line.startswith('"Pass"=') else line for line in settings.split("\n")
-        )
-
-    def path(self, name):
-        return os.path.join(self.home, name)
-
-    def write(self, name, text):
-        with open(self.path(name), "w", encoding="utf-8") as file:
-            file.write(text)
-
-    def read(self, name):
-        with open(self.path(name), encoding="utf-8", newline="") as file:
-            return file.read()
+    def __init__(self, folder, index, seed, template):
+        self.index, self.folder = index, os.path.join(folder, str(index))
+        self.counts, self.faults, self.behind, self.known = Counter(), [], 0.0, 0
+        self.random, self.noise = random.Random(f"{seed}-{index}"), sound.noise(NOISE_SECONDS, seed)
+        os.makedirs(self.folder)
+        code_of = {value: code for code, value in enumerate(sound.MU_LAW)}
+        with open(os.path.join(self.folder, "noise.ul"), "wb") as file:
+            file.write(bytes(code_of[sample] for sample in self.noise))
+        self.orven = machine.Machine(harness.PROGRAM, self.folder, arguments=["-st"], template=template,
+                                     variables=harness.QUIET)  # fmt: skip
+        self.orven.change_settings({"Pass": PASSWORD})
 
     def kill_often(self, kills):
-        last = None
-        for _ in range(kills):
-            last = self.round(last)
-        with self.start() as orven:
-            self.check(last)
-            if orven.end() != 0:
-                self.tally.fault(f"{self.home}: the last exit was not a clean one")
-
-    def start(self):
-        """Started, and ready for calls: what was interrupted has been dealt with."""
-        orven = orven_test.Orven(self.home, ["-st"])
         try:
-            processes.wait_for("The open line", lambda: any("LineOpen[" in t for _, t in self.news()), 60)
-        except BaseException:
-            orven.__exit__()
-            raise
-        return orven
+            last = None
+            for number in range(1, kills + 1):
+                last = self.round(number, last)
+            with self.orven:
+                self.orven.start_and_wait()
+                self.check(last)
+                self.orven.end()
+        except (processes.Failed, OSError, sqlite3.Error) as failure:
+            self.faults.append(f"{self.folder}: {failure}")
+        return self
 
-    def news(self):
-        """The lines of the system log since it was last turned over: (time text, text)."""
-        log = self.whole_log()
-        return [tuple(line.split(" : ", 1)) for line in log[self.log_size :].split("\r\n")[:-1]]
-
-    def whole_log(self):
-        """The log, whose end is one of a line: of a line that is just being written half may be seen for a moment,
-        where it reaches into another page of the file."""
-        try:
-            return processes.wait_for("A line's end", self.ended_log, 2)[0]
-        except processes.Failed:
-            self.tally.fault(f"{self.home}: half a line in the log: {self.log()[-80:]!r}")
-            return self.log()
-
-    def ended_log(self):
-        log = self.log()
-        return [log] if not log or log.endswith("\r\n") else None
-
-    def log(self):
-        paths = sorted(glob.glob(self.path("Log/*_Sys.txt")), key=os.path.getmtime)
-        return "".join(self.read(os.path.relpath(path, self.home)) for path in paths)
-
-    def turn_over(self):
-        self.log_size = len(self.log())
+    def kill(self):
+        """In the middle of whatever it does; its log still ends with a whole line."""
+        self.orven.process.kill()
+        self.orven.process.wait()
+        for path in glob.glob(self.orven.path("Log/*_Sys.txt")):
+            with open(path, "rb") as log:
+                if not (content := log.read()).endswith(b"\r\n"):
+                    self.faults.append(f"half a line in the log: {content[-80:]!r}")
 
     def steps(self):
-        """The lines from the call's first."""
-        return list(itertools.dropwhile(lambda line: not line[1].startswith("InCommingCall["), self.news()))
+        """The lines from the call's first: (time text, text)."""
+        lines = [tuple(line.split(" : ", 1)) for line in self.orven.log_since_start()]
+        return list(itertools.dropwhile(lambda line: not line[1].startswith("InCommingCall["), lines))
 
-    def round(self, last):
-        self.rounds += 1
-        this = Round(f"Caller {self.index}-{self.rounds}", f"555{self.index:02}{self.rounds:04}")
+    def round(self, number, last):
+        this = Round(f"Caller {self.index}-{number}", f"555{self.index:02}{number:04}")
         this.owner = self.random.random() < 0.1
         this.unlisted = not this.owner and self.random.random() < 0.15
-        # The call before is dealt with under the settings that it had.
-        with self.start() as orven:
-            if last:
+        if last:  # the call before is dealt with under the settings that it had
+            with self.orven:
+                self.orven.start_and_wait()
                 self.check(last)
-            orven.process.kill()
-            orven.process.wait()
-        self.turn_over()
-        self.write("registry.reg", self.settings.replace(
-            '"ListMessageOnly"="0"', f'"ListMessageOnly"="{int(this.unlisted)}"'))  # fmt: skip
-        with self.start() as orven:
-            self.call_and_kill(this, orven)
-        self.tally.count(kills=1, in_call=int(bool(this.lines)))
-        this.filed_before = len(self.records(copied=True)) - self.known
-        self.turn_over()
+                self.kill()
+        self.orven.change_settings({"ListMessageOnly": int(this.unlisted)})
+        with self.orven:
+            self.orven.start_and_wait()
+            self.call_and_kill(this)
+        self.counts.update(kills=1, in_call=int(bool(this.lines)))
+        this.filed_before = len(self.records_in_copy()) - self.known
         return this
 
-    def call_and_kill(self, this, orven):
+    def call_and_kill(self, this):
         step = self.random.choice(STEPS) if self.random.random() < 0.5 else None
         delay = self.random.uniform(0, 0.004 if step else CALL_SECONDS)
         begun = time.monotonic()
@@ -220,78 +137,67 @@ class Victim:
                         moment = now + delay
                 time.sleep(0.001)
         finally:
-            orven.process.kill()
+            self.kill()
             this.killed_at = time.monotonic()
-            orven.process.wait()
             sipp.kill()
             sipp.wait()
         this.lines += [(this.killed_at, *line) for line in self.steps()[len(this.lines) :]]
 
     def dial(self, this):
-        keys = [KEY.format(number=number, key=key) for number, key in enumerate(PASSWORD + "*", 10)]
-        with open(SCENARIO, encoding="utf-8") as file:
-            scenario = file.read()
-        words = {
+        with open(os.path.join(harness.HERE, "kill_key.xml"), encoding="utf-8") as file:
+            key = file.read()
+        keys = [key.format(number=number, key=key_pressed) for number, key_pressed in enumerate(PASSWORD + "*", 10)]
+        path, words = os.path.join(self.folder, "call.xml"), {
             "NAME": this.name,
             "NUMBER": this.number,
-            "SOUND": self.noise,
+            "SOUND": os.path.join(self.folder, "noise.ul"),
             "KEYS": "".join([FIRST_KEY, *keys]) if this.owner else "",
             "TALK": str(self.random.randint(700, 3300)),
-        }
-        for word, text in words.items():
-            scenario = scenario.replace(word, text)
-        path = os.path.join(self.folder, "call.xml")
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(scenario)
+        }  # fmt: skip
+        with open(SCENARIO, encoding="utf-8") as file, open(path, "w", encoding="utf-8") as scenario:
+            scenario.write(re.sub("|".join(words), lambda word: words[word[0]], file.read()))
         ports = ["-mi", "127.0.0.1", "-p", str(processes.free_port()), "-mp", str(processes.free_port() & 0xFFFE)]
-        command = ["sipp", f"127.0.0.1:{self.port}", "-sf", path, "-m", "1", "-nostdin", "-i", "127.0.0.1"]
+        command = ["sipp", f"127.0.0.1:{self.orven.port}", "-sf", path, "-m", "1", "-nostdin", "-i", "127.0.0.1"]
         sipp = processes.start(command + ports, os.path.join(self.folder, "sipp.log"), cwd=self.folder)
         processes.hurry(sipp)
         return sipp
 
-    def records(self, copied=False):
-        """The records; `copied`: without touching what a killed program left of its database."""
-        place = self.home
-        if copied:
-            place = os.path.join(self.folder, "copy")
-            shutil.rmtree(place, True)
-            os.makedirs(place)
-            for path in glob.glob(self.path("Calls*")):
-                shutil.copy(path, place)
-        with sqlite3.connect(os.path.join(place, "Calls")) as calls:
-            if calls.execute("pragma integrity_check").fetchone() != ("ok",):
-                self.tally.fault(f"{self.home}: the records are damaged")
-            rows = calls.execute(
-                "select Call_Name, Call_Number, Call_Date, Call_Time, Call_Massage_Name, Type from Calls order by rowid"
-            ).fetchall()
-        calls.close()
-        return rows
+    def records_in_copy(self):
+        """The records, without touching what a killed program left of its database."""
+        copy = os.path.join(self.folder, "copy")
+        shutil.rmtree(copy, True)
+        os.makedirs(copy)
+        for path in glob.glob(self.orven.path("Calls*")):
+            shutil.copy(path, copy)
+        return self.orven.records(os.path.join(copy, "Calls"))
 
     def check(self, this):
         """Whether the start after a kill left of its call exactly what there must be."""
-        records = self.records()
+        calls = sqlite3.connect(self.orven.path("Calls"))
+        integrity = calls.execute("pragma integrity_check").fetchone()
+        calls.close()
+        records, told = self.orven.records(), self.orven.count("Recovered call")
         new, self.known = records[self.known :], len(records)
-        told = sum("Recovered call" in text for _, text in self.news())
 
-        def fault(text, **counts):
-            self.tally.count(**counts)
-            self.tally.fault(f"{self.home}, {this.name}: {text}\n  records {new}\n  log {[l[2] for l in this.lines]}")
+        def require(kept, text, **counts):
+            if not kept:
+                self.counts.update(counts)
+                log = [line[2] for line in this.lines]
+                self.faults.append(f"{self.folder}, {this.name}: {text}\n  records {new}\n  log {log}")
 
         least, most = self.expected(this)
-        if len(new) < least:
-            fault("the call was lost", lost=1)
-        if len(new) > most:
-            fault("there are too many records", twice=1)
-        if told != len(new) - this.filed_before:
-            fault(f"{told} recoveries in the log, {this.filed_before} filed before")
-        self.tally.count(recovered=told, ended_before=this.filed_before, owner=int(most == 0 and this.owner),
-                         unlisted=int(most == 0 and this.unlisted))  # fmt: skip
+        require(integrity == ("ok",), "the records are damaged")
+        require(len(new) >= least, "the call was lost", lost=1)
+        require(len(new) <= most, "there are too many records", twice=1)
+        require(told == len(new) - this.filed_before, f"{told} recoveries logged, {this.filed_before} filed before")
+        self.counts.update(recovered=told, filed_before=this.filed_before, owner=int(most == 0 and this.owner),
+                           unlisted=int(most == 0 and this.unlisted))  # fmt: skip
         for record in new:
-            self.check_record(this, record, fault)
-        left = [name for name in os.listdir(self.path("Messages")) if not name.endswith(".wav") or ".kept" in name]
-        sounds = len(glob.glob(self.path("Messages/*.wav")))
-        if left or os.path.exists(self.path("Call.journal")) or sounds != sum(r[5] != "-1" for r in records):
-            fault(f"left over: {left}, {sounds} sounds, journal {os.path.exists(self.path('Call.journal'))}")
+            self.check_record(this, record, require)
+        names = os.listdir(self.orven.path("Messages"))
+        left = [name for name in names if not name.endswith(".wav") or ".kept" in name]
+        require(not left and len(names) == sum(r["Type"] != "-1" for r in records), f"left over: {names}")
+        require(not os.path.exists(self.orven.path("Call.journal")), "the journal was left over")
 
     def expected(self, this):
         """The fewest and the most records of the call. A step and its line in the log are not one instant, so that
@@ -309,73 +215,45 @@ class Victim:
             return 0, 0
         return int(recorded > BEHIND_SECONDS), 1
 
-    def check_record(self, this, record, fault):
-        name, number, date, time_text, message, length = record
-        if this.after("CallerID[") and (name, number) != (this.name, this.number):
-            fault("another caller", lost=1)
-        if time_text not in {line[1] for line in this.lines}:
-            fault("another time")
-        if message != (date + "_" + time_text).replace("/", "-").replace(":", "-") + ".wav":
-            fault("another message's name")
-        recorded = this.recorded()
+    def check_record(self, this, record, require):
+        length, message, caller = record["Type"], record["Call_Massage_Name"], (record["Call_Name"], record["Call_Number"])
+        name = (record["Call_Date"] + "_" + record["Call_Time"]).replace("/", "-").replace(":", "-") + ".wav"
+        require(not this.after("CallerID[") or caller == (this.name, this.number), "another caller", lost=1)
+        require(record["Call_Time"] in {line[1] for line in this.lines}, "another time")
+        require(message == name, "another message's name")
+        recorded = this.recorded() or 0
         if length == "-1":
-            if this.unlisted or (recorded or 0) > BEHIND_SECONDS:
-                fault(f"{recorded:.2f} seconds were recorded, and there is no message", lost=1)
-            return
-        self.tally.count(messages=1)
-        with wave.open(self.path("Messages/" + message)) as file:
-            seconds = file.getnframes() / file.getframerate()
-            sent = audioop.lin2ulaw(file.readframes(file.getnframes()), 2)
-        behind = (recorded or 0) - seconds
-        self.tally.behind = max(self.tally.behind, behind)
-        if behind > BEHIND_SECONDS or abs(seconds - float(length)) > 0.01:
-            fault(f"{recorded:.2f} seconds were recorded, {seconds:.2f} are there, the record says {length}", lost=1)
-        with open(self.noise, "rb") as file:
-            said = file.read()
-        blocks = [sent[i : i + 160] for i in range(0, len(sent) - 160, 160)]
-        if sum(block in said for block in blocks) < 0.8 * len(blocks):
-            fault("the message is not what the caller said", lost=1)
+            return require(not this.unlisted and recorded <= BEHIND_SECONDS, f"no message of {recorded} s", lost=1)
+        samples = sound.read(self.orven.message(record))
+        seconds = len(samples) / sound.RATE
+        self.counts.update(messages=1)
+        self.behind = max(self.behind, recorded - seconds)
+        require(recorded - seconds <= BEHIND_SECONDS, f"{seconds:.2f} s of {recorded:.2f} are there", lost=1)
+        require(abs(seconds - float(length)) <= 0.01, f"the message has {seconds:.2f} s, not {length}", lost=1)
+        said = self.noise.tobytes()
+        blocks = [samples[i : i + sound.BLOCK].tobytes() for i in range(0, len(samples) - sound.BLOCK, sound.BLOCK)]
+        found = sum(block in said for block in blocks)
+        return require(found >= 0.8 * len(blocks), "the message is not what the caller said", lost=1)
 
 
-def kill(kills, seed):
+def main(kills=20, seed=random.SystemRandom().randrange(10**6)):
     print(f"Killing the program {kills} times; seed {seed}", flush=True)
-    tally = Tally()
-    with tempfile.TemporaryDirectory(prefix="orven-kill-") as folder:
-        noise = os.path.join(folder, "noise.ul")
-        with open(noise, "wb") as file:
-            # Without the second zero of mu-law, so that what is recorded gives back what was sent.
-            file.write(random.Random(seed).randbytes(NOISE_SECONDS * sound.RATE).replace(b"\x7f", b"\xff"))
-
-        def work(index, share):
-            try:
-                place = os.path.join(folder, str(index))
-                os.makedirs(place)
-                Victim(index, place, seed, tally, noise).kill_often(share)
-            except BaseException as failure:
-                tally.fault(f"{index}: {failure!r}")
-
-        workers = min(AT_A_TIME, kills)
-        shares = [kills // workers + (index < kills % workers) for index in range(workers)]
-        threads = [threading.Thread(target=work, args=one) for one in enumerate(shares)]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
-    counts = tally.counts
-    print("{kills} kills, {in_call} of them in a call: {ended_before} calls were filed before the kill, {recovered} by "
-          "the next start; {owner} were the owner's, {unlisted} without a message were not to be listed; {messages} "
-          "messages".format(**counts))  # fmt: skip
-    print(f"The message furthest behind: {max(tally.behind, 0):.2f} s")
+    workers = min(AT_A_TIME, int(kills))
+    shares = [int(kills) // workers + (index < int(kills) % workers) for index in range(workers)]
+    with tempfile.TemporaryDirectory(prefix="orven-kill-") as folder, ThreadPoolExecutor(workers) as threads:
+        template = harness.make_template(folder)
+        victims = list(threads.map(lambda i: Victim(folder, i, seed, template).kill_often(shares[i]), range(workers)))
+    counts, faults = sum((victim.counts for victim in victims), Counter()), sum((v.faults for v in victims), [])
+    if counts["in_call"] < 0.75 * int(kills) or counts["kills"] != int(kills):
+        faults.append("Too few of the kills were in a call: this run says nothing")
+    print("{} kills, {} of them in a call: {} calls were filed before the kill, {} by the next start; {} were the owner's, "
+          "{} without a message were not to be listed; {} messages".format(*(counts[name] for name in COUNTED)))  # fmt: skip
+    print(f"The message furthest behind: {max(victim.behind for victim in victims):.2f} s")
     print(f"Lost: {counts['lost']}. Filed twice: {counts['twice']}.")
-    for text in tally.faults[:20]:
-        print("FAULT " + text)
-    if counts["in_call"] < 0.75 * kills or counts["kills"] != kills:
-        print("FAULT Too few of the kills were in a call: this run says nothing")
-        return False
-    return not tally.faults
+    print("".join("FAULT " + text + "\n" for text in faults[:20]))
+    return 1 if faults else 0
 
 
 if __name__ == "__main__":
-    orven_test.PROGRAM = os.path.abspath(sys.argv[1])
-    count = int(sys.argv[2]) if len(sys.argv) > 2 else 20
-    sys.exit(not kill(count, sys.argv[3] if len(sys.argv) > 3 else str(random.SystemRandom().randrange(10**6))))
+    harness.PROGRAM = os.path.abspath(sys.argv[1])
+    sys.exit(main(*sys.argv[2:]))

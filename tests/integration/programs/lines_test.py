@@ -1,131 +1,193 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The same calls on every kind of telephone line, in real time: each test has a program and a line of its own.
+# The same calls on every kind of telephone line, in real time. Modems of 16 bits are in the demonstration.
 
-    lines_test.py PROGRAM EMULATOR [CLASS.TEST …]
-
-All of them run side by side, a few at a time; those that are named run in this process.
-"""
-
+import functools
 import os
-import sys
-import tempfile
-import time
-import unittest
+import sqlite3
 
-import orven_test
-from line_scenarios import LIMIT, REACTION_SECONDS, STEPS_TO_A_MESSAGE, LineCase, Scenarios
-from orven_test import processes, sound
-from telephone_lines import ModemLine, SipLine
+import harness
+import modem_telephone
+import snr
+from harness import LIMIT, REACTION_SECONDS, sound, telephone
 
-EMULATOR = ""
-AT_A_TIME = 5
-
-
-class Sip(Scenarios):
-    def make_line(self):
-        return SipLine(self.folder)
-
-
-class Modem16Bits(Scenarios):
-    def make_line(self):
-        return ModemLine(EMULATOR, self.folder, "lucent")
+NAME, NUMBER = "Anna Garden", "5557777"
+PASSWORD = "12"
+SILENCE_SECONDS = 3
+STEPS_TO_A_MESSAGE = ["InCommingCall[", "CallerID[", "Ring[LineIndex:0]->2", "LineAnswer[", "Connected["] + [
+    "Play Beep ",
+    "Start Record Message[",
+]
+SAID = {
+    "Garden": "Hello, this is the garden.",
+    "Old": "The boat is ready for you.",
+    "New": "Where did you leave the keys?",
+}
 
 
-class Modem8Bits(Scenarios):
-    lowest_snr = 20.0  # 8 linear bits leave about 24
-
-    def make_line(self):
-        return ModemLine(EMULATOR, self.folder, "conexant")
+@functools.cache
+def said(name):
+    return sound.speech(SAID[name], "en")
 
 
-class ModemTroubles(LineCase):
-    """What a modem does that no other line does."""
+class LineCase(harness.ProgramCase):
+    """The program with a line of one kind, and what both say of a call."""
 
-    def make_line(self):
-        return ModemLine(EMULATOR, self.folder, "silabs")
+    lowest_snr = 25.0  # dB; mu-law alone leaves about 37
+    profile = None  # the emulated modem's
+
+    def prepare(self):
+        if self.profile:
+            self.modem = self.enterContext(
+                modem_telephone.Modem(harness.EMULATOR, os.path.join(self.folder, "modem"), self.profile, seconds=120)
+            )
 
     def setUp(self):
         super().setUp()
-        self.settings(SecSilence="30")  # not what ends these calls
+        self.settings(NumOfRing=2, Greeting="Garden", SecSilence=SILENCE_SECONDS, Pass=PASSWORD)
+        sound.write(self.orven.path("Greets/Garden.wav"), said("Garden"))
 
-    def in_the_message(self):
-        """A caller who has said something."""
-        caller = self.to_the_message()
-        caller.say(sound.silence(REACTION_SECONDS) + self.sounds["Old"], LIMIT)
+    def settings(self, **values):
+        self.orven.change_settings(values)
+
+    def dial(self):
+        """A caller whose telephone rings the program."""
+        self.orven.start_and_wait()
+        if self.modem:
+            caller = modem_telephone.ModemTelephone(self.modem, NAME, NUMBER)
+        else:
+            caller = telephone.Telephone(os.path.join(self.folder, "caller"), NAME, NUMBER)
+        self.enterContext(caller).dial(self.orven.address)
         return caller
 
-    def assert_works_again(self):
-        self.orven.wait_for(f"The modem at {self.line.port} works again", LIMIT)
-        with self.caller() as caller:
-            caller.dial()
-            caller.wait_event("CALL_ESTABLISHED", LIMIT)
-            self.until(caller, "Connected[", 2)
-            caller.hang_up()
-            self.orven.wait_for("Idle[", LIMIT, 2)
+    def dial_and_connect(self):
+        caller = self.dial()
+        caller.wait_event("CALL_ESTABLISHED", LIMIT)
+        self.until(caller, "Connected[")
+        return caller
+
+    def until(self, caller, text, count=1):
+        caller.wait_until(f'"{text}" in the system log', lambda: self.orven.count(text) >= count, LIMIT)
+
+    def assert_same(self, reference, recording):
+        """`recording` contains the sound; returns where."""
+        ratio, lag = snr.snr(reference, recording)
+        self.assertGreaterEqual(ratio, self.lowest_snr)
+        return lag
+
+    def end(self):
+        self.orven.wait_for("Idle[", LIMIT)
+        self.orven.end()
+        self.assertEqual(self.modem.complaints() if self.modem else [], [])
+
+    def recorded(self):
+        """The message of the only record."""
+        (record,) = self.orven.records()
+        self.assertEqual((record["Call_Name"], record["Call_Number"], record["Read"]), (NAME, NUMBER, "0"))
+        return sound.read(self.orven.message(record))
+
+    def to_the_message(self):
+        """A caller who has heard the greeting and the beep."""
+        caller = self.dial_and_connect()
+        self.until(caller, "Start Record Message[")
+        self.assert_order(*STEPS_TO_A_MESSAGE)
+        self.assertEqual(self.orven.count("Ring[LineIndex:0]->3"), 0)
+        end = self.assert_same(said("Garden"), caller.heard()) + len(said("Garden"))
+        caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()[end:]) is not None, LIMIT)
+        return caller
+
+
+class Scenarios:
+    """The calls, for each kind of line."""
+
+    def test_a_message(self):
+        caller = self.to_the_message()
+        caller.say(sound.silence(REACTION_SECONDS) + said("Old"), LIMIT)
+        caller.hang_up()
+        self.end()
+        self.assert_order(*STEPS_TO_A_MESSAGE, "Disconnected[LineIndex:0]", "Record Message ", "Idle[LineIndex:0]")
+        self.assert_same(said("Old"), self.recorded())
+
+    def test_a_message_that_silence_ends(self):
+        caller = self.to_the_message()
+        caller.say(sound.silence(REACTION_SECONDS) + said("New"), LIMIT)
+        caller.wait_event("CALL_CLOSED", LIMIT)
+        self.end()
+        self.assert_order(*STEPS_TO_A_MESSAGE, "Record Message ", "Idle[LineIndex:0]")
+        self.assertEqual(self.orven.count("Disconnected["), 0, "the program has hung up")
+        message = self.recorded()
+        self.assertGreaterEqual(len(message), SILENCE_SECONDS * sound.RATE)
+        self.assert_same(said("New"), message)
+
+    def test_a_caller_who_gives_up(self):
+        self.settings(NumOfRing=4)
+        caller = self.dial()
+        self.until(caller, "CallerID[")
+        caller.hang_up()
+        self.end()
+        self.assert_order("InCommingCall[", "Ring[LineIndex:0]->1", "Idle[LineIndex:0]")
+        self.assertEqual(self.orven.count("LineAnswer["), 0)
+        (record,) = self.orven.records()
+        self.assertEqual((record["Call_Name"], record["Call_Number"], record["Type"]), (NAME, NUMBER, "-1"))
+        self.assertEqual(os.listdir(self.orven.path("Messages")), [])
+
+    def test_messages_heard_by_telephone(self):
+        for name in ("Old", "New"):
+            # a message ends in silence; the last moment before the program hangs up may not get through
+            sound.write(self.orven.path(f"Messages/{name}.wav"), said(name) + sound.silence(0.4))
+        with sqlite3.connect(self.orven.path("Calls")) as calls:
+            rows = [("Bob", "5551111", "10:00:00", "11/20/2025", f"{n}.wav", "2.0", "0") for n in ("Old", "New")]
+            calls.executemany("insert into Calls values (?, ?, ?, ?, ?, ?, ?)", rows)
+        caller = self.dial_and_connect()
+        for number, key in enumerate(PASSWORD + "*", 1):
+            caller.press(key)
+            self.until(caller, "MonitorDigit[", number)
+        self.until(caller, "Remote Control [LineIndex:0]")
+        before = len(caller.heard())
+        caller.wait_until("The first message", lambda: sound.peak(caller.heard()[before:]) > 0.1, LIMIT)
+        caller.press("*")  # the password is still what was keyed: the first message again
+        self.until(caller, "Remote Control [LineIndex:0]", 2)
+        caller.wait_event("CALL_CLOSED", LIMIT)
+        self.end()
+        self.assert_order("Connected[", "->1", "->2", "->*", "Remote Control [", "->*", "Remote Control [", "Idle[")
+        self.assertEqual(self.orven.count("Play Beep "), 0)
+        heard = caller.heard()
+        first, second = (self.assert_same(said(name), heard) for name in ("New", "Old"))
+        self.assertGreaterEqual(second, first + len(said("New")))
+        self.assertGreater(sound.peak(heard[before:first]), 0.1, "the beginning of the first message, once more")
+        self.assertLess(snr.snr(said("Garden"), heard)[0], self.lowest_snr, "the greeting was cut")
+        self.assertEqual(self.callers_of_records(), ["Bob", "Bob"], "the owner's call is not filed")
+
+
+class Modem8Bits(Scenarios, LineCase):
+    profile, lowest_snr = "conexant", 20.0  # 8 linear bits leave about 24
+
+
+class Sip(Scenarios, LineCase):
+    pass
+
+
+class ModemUnplugged(LineCase):
+    profile = "silabs"
 
     def test_unplugged_in_mid_message(self):
-        self.in_the_message()
-        self.line.do("unplug")
-        self.end_of_call()
-        self.orven.wait_for(f"The modem at {self.line.port} is gone")
-        self.assert_same(self.sounds["Old"], self.recorded())
-        self.line.do("replug")
-        self.assert_works_again()
-        self.end()
-
-    def end_of_call(self):
-        """As when the caller hangs up."""
+        self.settings(SecSilence=30)  # not what ends the call
+        caller = self.to_the_message()
+        caller.say(sound.silence(REACTION_SECONDS) + said("Old"), LIMIT)
+        self.modem.do("unplug")
         self.orven.wait_for("Idle[", LIMIT)
         self.assert_order(*STEPS_TO_A_MESSAGE, "Disconnected[LineIndex:0]", "Record Message ", "Idle[LineIndex:0]")
-
-
-def everything():
-    """The names of all tests, the longest first."""
-    classes = (ModemTroubles, Modem16Bits, Modem8Bits, Sip)
-    loader = unittest.defaultTestLoader
-    return [f"{case.__name__}.{name}" for case in classes for name in loader.getTestCaseNames(case)]
-
-
-class Run:
-    """One test in a process of its own."""
-
-    def __init__(self, name, folder):
-        self.name, self._log, self._began = name, os.path.join(folder, name), time.monotonic()
-        command = [sys.executable, "-B", os.path.abspath(__file__), orven_test.PROGRAM, EMULATOR, name]
-        self._process = processes.start(command, self._log)
-
-    def over(self):
-        if self._process.poll() is None:
-            return False
-        seconds = time.monotonic() - self._began
-        print(f"{self.name:60} {'ok' if self.passed() else 'FAILED'} {seconds:5.1f} s", flush=True)
-        if not self.passed():
-            with open(self._log, encoding="utf-8", errors="replace") as log:
-                print(log.read(), flush=True)
-        return True
-
-    def passed(self):
-        return self._process.returncode == 0
-
-
-def run_side_by_side(names):
-    """Whether all have passed."""
-    passed, running = True, []
-    with tempfile.TemporaryDirectory() as folder:
-        while names or running:
-            while names and len(running) < AT_A_TIME:
-                running.append(Run(names.pop(0), folder))
-            over = processes.wait_for("A test's end", lambda: [run for run in running if run.over()], 120)
-            passed = passed and all(run.passed() for run in over)
-            running = [run for run in running if run not in over]
-    return passed
+        self.orven.wait_for(f"The modem at {self.modem.port} is gone")
+        self.assert_same(said("Old"), self.recorded())
+        self.modem.do("replug")
+        self.orven.wait_for(f"The modem at {self.modem.port} works again", LIMIT)
+        caller.dial()
+        caller.wait_event("CALL_ESTABLISHED", LIMIT)
+        self.until(caller, "Connected[", 2)
+        caller.hang_up()
+        self.orven.wait_for("Idle[", LIMIT, 2)
+        self.end()
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 3:
-        sys.exit(__doc__)
-    orven_test.PROGRAM, EMULATOR = (os.path.abspath(sys.argv.pop(1)) for _ in range(2))
-    if len(sys.argv) > 1:
-        unittest.main()
-    sys.exit(0 if run_side_by_side(everything()) else 1)
+    harness.main(program_arguments=2, at_a_time=5)

@@ -1,27 +1,21 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A computer whose network comes late, goes and changes: the line registers by itself, and calls come through.
-
-    network_test.py PROGRAM [CLASS.TEST …]
-
-The program has a network namespace of its own. At the other end of its cable are a name server (dnsmasq), the
-account's server (kamailio) and callers (sipp). Where no namespaces can be made the test is skipped (77).
-"""
+# A computer whose network comes late, goes and changes: the line registers by itself, and calls come through.
+#
+# The program has a network namespace of its own. At the other end of its cable are a name server (dnsmasq), the
+# account's server (kamailio) and callers (sipp). Where no namespaces can be made the test is skipped (77).
 
 import os
 import subprocess
-import sys
 import tempfile
 import time
-import unittest
 
-import orven_test
-from alone import alone
-from orven_test import Orven, OrvenCase, processes
+import harness
+from harness import processes
 
 LIMIT = 10  # seconds from the network's return to a call: what is promised
 HOST, SERVER, FIRST, SECOND = "registrar.test", "10.77.0.1", "10.77.0.2", "10.77.0.3"
-FAILED = "Error LineOpen[LineIndex:0 Device Name:Test]->"
+FAILED = "Error LineOpen[LineIndex:0 "
 MODULES = "".join(f'loadmodule "{name}.so"\n' for name in "sl tm pv xlog usrloc registrar".split())
 ROUTES = r"""
 request_route {
@@ -53,7 +47,7 @@ def write(path, text):
         file.write(text)
 
 
-class NetworkTest(OrvenCase):
+class NetworkTest(harness.ProgramCase):
     def serve(self, command):
         process = processes.start(command.split(), self.servers)
         self.addCleanup(processes.stop, process, 5)
@@ -72,7 +66,6 @@ class NetworkTest(OrvenCase):
         run("ip netns add desk")
         self.addCleanup(run, "ip netns delete desk")
         desk("ip link set lo up")
-        self.first_start()
         self.serve(f"dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
                    f"--bind-interfaces --listen-address={SERVER} --address=/{HOST}/{SERVER} "
                    f"--srv-host=_sip._tcp.{HOST},{HOST},5070")
@@ -90,17 +83,16 @@ class NetworkTest(OrvenCase):
         show = "ip netns exec desk cat /sys/class/net/inside/operstate".split()
         processes.wait_for("The link", lambda: subprocess.check_output(show) == b"up\n", LIMIT)
 
-    def start(self, ready="LineOpen[", openings=2, transport="udp", host=HOST, listen="0.0.0.0"):
-        """The program, until its log says that it is `ready`; the line was open at the first start, too."""
-        self.write("lines.ini", f"[Test]\ntype = sip\nlisten = {listen}:5060\naccount = sip:100@{host}\n"
-                   f"transport = {transport}\nring_seconds = 1\n")
-        self.calls, self.orven = 0, self.enterContext(Orven(self.home, ["-st"]))
-        self.orven.wait_for(ready, 20, openings)
+    def start(self, ready="LineOpen[", transport="udp", host=HOST, listen="0.0.0.0"):
+        """The program, until its log says that it is `ready`."""
+        self.orven.write_line(f"type = sip\nlisten = {listen}:5060\naccount = sip:100@{host}\n"
+                              f"transport = {transport}\nring_seconds = 1")
+        self.orven.ready, self.calls = ready, 0
+        self.orven.start_and_wait()
 
     def assert_calls_come_through(self, address=FIRST, count=1):
         """Soon from this moment on, by the registration number `count` of `address`."""
         begun = time.monotonic()
-
         contact = f"Registered: <sip:100@{address}:"
         processes.wait_for("A registration", lambda: self.said().count(contact) >= count, LIMIT)
         seconds = time.monotonic() - begun
@@ -111,7 +103,7 @@ class NetworkTest(OrvenCase):
         print(f"registered after {seconds:.1f} s, a call over after {time.monotonic() - begun:.1f} s", end=" ", flush=True)
 
     def test_the_network_comes_after_the_start(self):
-        self.start("there is no server named", 1, "tcp")
+        self.start("there is no server named", "tcp")
         self.plug_in()
         self.assert_calls_come_through()
 
@@ -135,13 +127,13 @@ class NetworkTest(OrvenCase):
     def test_the_name_server_changes(self):
         write("/etc/resolv.conf", "nameserver 10.77.0.99\n")
         self.plug_in()
-        self.start("there is no server named", 1)
+        self.start("there is no server named")
         write("/etc/resolv.conf", f"nameserver {SERVER}\n")
         self.assert_calls_come_through()
 
     def test_the_address_is_there_later_and_the_server_in_the_hosts_file(self):
         write("/etc/hosts", f"{SERVER} server.home\n")
-        self.start(FAILED, 1, host="server.home", listen=FIRST)
+        self.start(FAILED, host="server.home", listen=FIRST)
         self.plug_in()
         self.assert_calls_come_through()
 
@@ -149,10 +141,10 @@ class NetworkTest(OrvenCase):
         self.plug_in()
         holder = self.serve("ip netns exec desk python3 -um http.server 5060")
         processes.wait_for("A server at the port", lambda: "Serving" in self.said(), LIMIT)
-        self.start(FAILED, 1)
+        self.start(FAILED)
         processes.stop(holder, 5)
         self.assert_calls_come_through()
-        self.assertEqual(sum(FAILED in line for line in self.orven.log()), 1)
+        self.assertEqual(self.orven.count(FAILED), 1)
 
 
 def prepare():
@@ -166,14 +158,12 @@ def prepare():
     os.mkdir("/run/netns")
     run("ip link set lo up")
     run(f"ip addr add {SERVER}/32 dev lo")
-    orven_test.PROGRAM = os.path.join(own, "orven")
-    write(orven_test.PROGRAM, f'#!/bin/sh\nexec ip netns exec desk {os.path.abspath(sys.argv.pop(1))} "$@"\n')
-    os.chmod(orven_test.PROGRAM, 0o755)
+    inside = os.path.join(own, "orven")
+    write(inside, f'#!/bin/sh\nexec ip netns exec desk {harness.PROGRAM} "$@"\n')
+    os.chmod(inside, 0o755)
+    harness.PROGRAM = inside
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    alone("nm", "mount -t tmpfs orven-test /run && mkdir /run/netns && ip netns add trial")
-    prepare()
-    unittest.main(verbosity=2)
+    trial = "mount -t tmpfs orven-test /run && mkdir /run/netns && ip netns add trial"
+    harness.main(at_a_time=6, namespaces=("nm", trial), prepare=prepare)

@@ -1,11 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A desktop's tray on the session bus: programs register their icons with it (StatusNotifierWatcher).
-
-    tray_host.py
-
-Runs until it is stopped. The icons are read through the bus by whoever wants to.
-"""
+# A desktop's tray on the session bus: programs register their icons with it (StatusNotifierWatcher).
+#
+# Runs until it is stopped. The icons are read through the bus by whoever wants to.
 
 import dbus
 import dbus.mainloop.glib
