@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <gmock/gmock.h>
-
-#include <QAbstractButton>
-#include <QTest>
-
 #include "actions/frmActions.h"
 #include "base/runtime_error.h"
+#include "gui/window_test.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -13,26 +9,35 @@ namespace {
 
 using testing::ElementsAre;
 
-class ActionsWindow : public testing::Test {
+constexpr std::pair<const char*, const char*> kTexts[] = {
+    {"txtSendToMail", "anna@example.org"},
+    {"txtSMTP", "smtps://mail.example.org"},
+    {"txtFromMail", "orven@example.org"},
+    {"txtSMTPUser", "anna"},
+    {"txtSMTPPass", "gehe1m"},
+    {"txtAppTo", "/usr/bin/say \"<NAME>\""},
+};
+
+class ActionsWindow : public WindowTest {
  protected:
   ActionsWindow() {
     world.registry.Set("AppTo", "say <NAME>");
     world.registry.Set("ActionsMailAllCalls", "1");
+    Open();
+  }
+  void Open() {
     window = std::make_unique<frmActions>(dialog, 1, nullptr);
-    window->show();
-    QApplication::setActiveWindow(window.get());
+    Show(*window);
   }
-  template <class Control>
-  Control& Get(const char* name) {
-    auto* control = window->findChild<Control*>(QString::fromLatin1(name));
-    if (control == nullptr) throw std::runtime_error(name);
-    return *control;
+  void Type(const char* field, const std::string& text) {
+    Get<QLineEdit>(field).setText(QString::fromStdString(text));
   }
-  void Click(const char* button) { Get<QAbstractButton>(button).click(); }
-  void Type(const char* field, const char* text) { Get<QLineEdit>(field).setText(QString::fromLatin1(text)); }
-  std::string Focused() {
-    return window->focusWidget() == nullptr ? "" : window->focusWidget()->objectName().toStdString();
+  void Fill(bool mail, bool application) {
+    Get<QCheckBox>("chkSendToMail").setChecked(mail);
+    Get<QCheckBox>("chkApp").setChecked(application);
+    for (const auto& [field, text] : kTexts) Type(field, text);
   }
+  std::string Result() { return Get<QLabel>("lblTestResult").text().toStdString(); }
 
   World world;
   int saved = 0;
@@ -41,62 +46,110 @@ class ActionsWindow : public testing::Test {
   std::unique_ptr<frmActions> window;
 };
 
-TEST_F(ActionsWindow, ShowsTheSettingsOnTheTabThatWasAskedFor) {
+TEST_F(ActionsWindow, OpensOnTheRequestedTabWithItsControls) {
   auto& tabs = Get<QTabWidget>("TabStrip1");
   EXPECT_EQ(tabs.currentIndex(), 1);
   EXPECT_EQ(tabs.tabText(0) + u'|' + tabs.tabText(1), u"E-Mail|Application");
-  EXPECT_EQ(Get<QLineEdit>("txtAppTo").text(), u"say <NAME>");
-  EXPECT_EQ(Get<QComboBox>("cmbActMail").currentText(), u"Act with messages only!");
-  EXPECT_EQ(Get<QComboBox>("cmbActApp").currentText(), u"Act with all calls");
-  for (const char* name :
-       {"chkSendToMail", "txtSendToMail", "txtSMTP", "txtFromMail", "txtSMTPUser", "cmbActMail"}) {
-    EXPECT_TRUE(tabs.widget(0)->isAncestorOf(&Get<QWidget>(name))) << name;
+  for (const char* name : {"chkSendToMail", "txtSendToMail", "txtSMTP", "txtFromMail", "cmbActMail"}) {
+    EXPECT_TRUE(tabs.widget(0)->isAncestorOf(&Get(name))) << name;
   }
   for (const char* name : {"chkApp", "txtAppTo", "chkBGAPP", "cmbActApp", "cmdParm", "frmTest"}) {
-    EXPECT_TRUE(tabs.widget(1)->isAncestorOf(&Get<QWidget>(name))) << name;
+    EXPECT_TRUE(tabs.widget(1)->isAncestorOf(&Get(name))) << name;
   }
   EXPECT_EQ(Get<QLineEdit>("txtSMTPPass").echoMode(), QLineEdit::Password);
 }
 
-TEST_F(ActionsWindow, OkLeadsToTheWrongFieldAndClosesWhenAllIsRight) {
-  Get<QCheckBox>("chkSendToMail").setChecked(true);
-  Get<QCheckBox>("chkApp").setChecked(true);
-  Type("txtAppTo", "");
-  Type("txtSendToMail", "anna@example.org");
-  Click("cmdOK");
-  EXPECT_THAT(world.dialogs.informations, ElementsAre("'SMTP' Is Invalid"));
-  EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), 0);
-  EXPECT_EQ(Focused(), "txtSMTP");
-  Type("txtSMTP", "mail");
-  Type("txtFromMail", "orven@example.org");
-  Type("txtSMTPPass", "gehe1m");
-  Click("cmdOK");
-  EXPECT_EQ(world.dialogs.informations.back(), "'Application Path' Field Is Empty");
-  EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), 1);
-  EXPECT_EQ(Focused(), "txtAppTo");
+TEST_F(ActionsWindow, OkGoesToTheFirstWrongFieldAndStoresNothing) {
+  const struct {
+    bool mail, application;
+    std::vector<std::pair<const char*, std::string>> typed;  // the first is the wrong one
+    const char* text;
+    int tab;
+  } cases[] = {
+      {true, true, {{"txtSendToMail", "a@b.c"}, {"txtSMTP", ""}}, "'E-Mail To' Is Invalid", 0},
+      {true, true, {{"txtSMTP", ""}, {"txtAppTo", ""}}, "'SMTP' Is Invalid", 0},
+      {true, true, {{"txtFromMail", "at home"}, {"txtAppTo", ""}}, "'From(Replay To)' Is Invalid", 0},
+      {false, true, {{"txtAppTo", ""}, {"txtSendToMail", "?"}}, "'Application Path' Field Is Empty", 1},
+      {true,
+       false,
+       {{"txtAppTo", std::string(2048, 'x')}},
+       "'Application Path' Is Too Long, 2047 Bytes At Most",
+       1},
+  };
+  for (const auto& [mail, application, typed, text, tab] : cases) {
+    Fill(mail, application);
+    for (const auto& [field, value] : typed) Type(field, value);
+    Click("cmdOK");
+    EXPECT_EQ(world.dialogs.informations.back(), text);
+    EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), tab) << text;
+    EXPECT_EQ(Focused(), typed.front().first) << text;
+  }
   EXPECT_TRUE(window->isVisible());
+  EXPECT_EQ(world.registry.Text("AppTo"), "say <NAME>");
   EXPECT_EQ(saved, 0);
-  Type("txtAppTo", "say");
-  Click("cmdOK");
-  EXPECT_EQ(saved, 1);
-  EXPECT_FALSE(window->isVisible());
-  EXPECT_EQ(world.registry.Text("SMTPServer"), "mail");
-  EXPECT_EQ(world.registry.Text("SMTPPass"), "gehe1m");
-  EXPECT_EQ(world.registry.Text("ActionsMailAllCalls"), "1");
 }
 
-TEST_F(ActionsWindow, TestTellsBesideTheButtonAndCancelStoresNothing) {
+TEST_F(ActionsWindow, OkStoresEverythingAndTheNextWindowShowsIt) {
+  Fill(true, true);
+  Get<QCheckBox>("chkBGAPP").setChecked(true);
+  Get<QCheckBox>("chkSMTPSecure").setChecked(false);
+  Click("cmdOK");
+  EXPECT_FALSE(window->isVisible());
+  EXPECT_EQ(saved, 1);
+  const std::pair<const char*, const char*> stored[] = {{"pMailTo", "1"},
+                                                        {"MailTo", "anna@example.org"},
+                                                        {"SMTPServer", "smtps://mail.example.org"},
+                                                        {"pAppTo", "1"},
+                                                        {"MailFrom", "orven@example.org"},
+                                                        {"ActionsMailAllCalls", "1"},
+                                                        {"pAppToBG", "1"},
+                                                        {"SMTPUser", "anna"},
+                                                        {"AppTo", "/usr/bin/say \"<NAME>\""},
+                                                        {"SMTPPass", "gehe1m"},
+                                                        {"SMTPSecure", "0"},
+                                                        {"ActionsAppAllCalls", "0"}};
+  for (const auto& [name, text] : stored) EXPECT_EQ(world.registry.Text(name), text) << name;
+  EXPECT_THAT(world.LoggedBy([&] { Open(); }), testing::IsEmpty());
+  for (const auto& [field, text] : kTexts) EXPECT_EQ(Get<QLineEdit>(field).text().toStdString(), text);
+  for (const char* box : {"chkSendToMail", "chkApp", "chkBGAPP"}) {
+    EXPECT_TRUE(Get<QCheckBox>(box).isChecked()) << box;
+  }
+  EXPECT_FALSE(Get<QCheckBox>("chkSMTPSecure").isChecked());
+  EXPECT_EQ(Get<QComboBox>("cmbActMail").currentText(), u"Act with messages only!");
+  EXPECT_EQ(Get<QComboBox>("cmbActApp").currentText(), u"Act with all calls");
+  Fill(false, false);
+  for (const char* field : {"txtSendToMail", "txtSMTP", "txtAppTo"}) Type(field, "");
+  Click("cmdOK");
+  EXPECT_EQ(saved, 2) << "an action that is off may have any text";
+}
+
+TEST_F(ActionsWindow, LogsEachMissingValueAndReadsTheOthers) {
+  for (const char* name : {"pMailTo", "ActionsMailAllCalls", "pAppToBG", "ActionsAppAllCalls"}) {
+    world.registry.Delete(RegistryRoot::LocalMachine, kSettingsKey, name);
+  }
+  world.registry.Set("pAppTo", "1");
+  const std::string line = "ErrActionGetOptions->13 Type mismatch";
+  EXPECT_THAT(world.LoggedBy([&] { Open(); }), ElementsAre(line, line, line, line));
+  EXPECT_TRUE(Get<QCheckBox>("chkApp").isChecked());
+  EXPECT_EQ(Get<QLineEdit>("txtAppTo").text(), u"say <NAME>");
+  EXPECT_EQ(Get<QLineEdit>("txtSMTPUser").text() + Get<QLineEdit>("txtSMTPPass").text(), u"");
+  EXPECT_TRUE(Get<QCheckBox>("chkSMTPSecure").isChecked());
+}
+
+TEST_F(ActionsWindow, TestRunsTheProgramWithMadeUpDetailsAndCancelStoresNothing) {
+  Type("txtAppTo", "say \"<NAME>\" <NUMBER> <MESSAGE_PATH> <DATE> <TIME> <NAME>");
   Click("frmTest");
-  EXPECT_THAT(world.shell.started, ElementsAre(testing::Pair("say Name Test", 1)));
-  EXPECT_EQ(Get<QLabel>("lblTestResult").text(), u"Started.");
+  const auto details = "Number Test /home/orven/Messages/Test.wav " + world.time.DateText(world.time.Now());
+  EXPECT_THAT(world.shell.started,
+              ElementsAre(testing::Pair("say \"Name Test\" " + details + " 14:05:07 <NAME>", 1)));
+  EXPECT_EQ(Result(), "Started.");
   world.shell.before_start = [] { throw RuntimeError(ErrorNumber::PermissionDenied, "say"); };
-  Click("frmTest");
-  EXPECT_EQ(Get<QLabel>("lblTestResult").text(), u"Permission denied: say");
-  EXPECT_EQ(Get<QLineEdit>("txtAppTo").text(), u"say <NAME>") << "the template stays as it was";
+  EXPECT_THAT(world.LoggedBy([&] { Click("frmTest"); }),
+              ElementsAre("Error Send To APP ->70 Permission denied: say"));
+  EXPECT_EQ(Result(), "Permission denied: say");
   Click("cmdParm");
   EXPECT_THAT(world.dialogs.messages,
               ElementsAre(testing::HasSubstr("Message Path=<MESSAGE_PATH>\r\n\r\nFor")));
-  Type("txtAppTo", "other");
   Click("cmdCancel");
   EXPECT_FALSE(window->isVisible());
   EXPECT_EQ(world.registry.Text("AppTo"), "say <NAME>");

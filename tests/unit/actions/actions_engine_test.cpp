@@ -14,20 +14,18 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(CallParameters, FillsTheFirstOfEachInOrder) {
+TEST(CallParameters, FillTheFirstOfEachPlaceholderInOrder) {
   const CallParameters anna{"Anna", "555", "14:05", "12/31", "m.wav"};
-  const auto filled = [&](std::string text, const CallParameters& call) {
+  const auto filled = [](std::string text, const CallParameters& call) {
     const auto result = SubstituteParameters(text, call);
     EXPECT_EQ(text, result);
     return result;
   };
   EXPECT_EQ(filled("<TIME> <DATE> <MESSAGE_PATH> <NAME> <NUMBER>", anna), "14:05 12/31 m.wav Anna 555");
   EXPECT_EQ(filled("<NAME><NAME> <name>", anna), "Anna<NAME> <name>");
-  EXPECT_EQ(filled("<NUMBER>", {"Anna", "<NAME>", "", "", ""}), "Anna") << "a later one in a value";
-  EXPECT_EQ(filled("<NAME>", {"<NUMBER>", "555", "", "", ""}), "<NUMBER>") << "an earlier one stays";
-  EXPECT_EQ(filled("", anna), "");
-  std::string far(40'000, 'x');
-  far += "<NAME>";
+  EXPECT_EQ(filled("<NUMBER>", {"Anna", "<NAME>", "", "", ""}), "Anna") << "a value with a later placeholder";
+  EXPECT_EQ(filled("<NAME>", {"<NUMBER>", "555", "", "", ""}), "<NUMBER>") << "a value with an earlier one";
+  auto far = std::string(40'000, 'x') + "<NAME>";
   EXPECT_THROW(SubstituteParameters(far, anna), RuntimeError);
 }
 
@@ -46,26 +44,20 @@ TEST(MailAddress, IsChecked) {
 class ActionsTest : public testing::Test {
  protected:
   ActionsTest() {
-    for (const auto& [name, value] : std::initializer_list<std::pair<const char*, const char*>>{
-             {"pMailTo", "1"},
-             {"MailTo", "me@example.org"},
-             {"SMTPServer", "mail.example.org"},
-             {"MailFrom", "box@example.org"},
-             {"pAppTo", "1"},
-             {"AppTo", "/bin/notify \"<NAME>\" <NUMBER>"}}) {
-      world.registry.Set(name, value);
-    }
-    world.Start();
-    world.RunFor(1s);
+    const std::pair<const char*, const char*> settings[] = {
+        {"pMailTo", "1"}, {"MailTo", "me@example.org"},    {"SMTPServer", "mail.example.org"},
+        {"pAppTo", "1"},  {"MailFrom", "box@example.org"}, {"AppTo", "/bin/notify \"<NAME>\" <NUMBER>"}};
+    for (const auto& [name, value] : settings) world.registry.Set(name, value);
+    world.Start().RunFor(1s);
   }
-  void ACallWithAMessage(const std::string& name) {
+  void LeaveAMessage(const std::string& name) {
     world.CallAndWaitForAnswer();
     world.line->CallerId(name, "555");
     world.time.RunUntil([this] { return world.Wave1.IsRecording(); }, 60s);
     world.RunFor(2s);
     world.HangUp();
   }
-  void ACallWithoutAMessage() {
+  void HangUpWithoutAMessage() {
     world.line->Offer();
     world.RunFor(10ms);
     world.HangUp();
@@ -74,8 +66,8 @@ class ActionsTest : public testing::Test {
   World world;
 };
 
-TEST_F(ActionsTest, MailsAndStartsOnceACall) {
-  ACallWithAMessage("Anna");
+TEST_F(ActionsTest, MailAndProgramFollowACallOnce) {
+  LeaveAMessage("Anna");
   EXPECT_THAT(world.Mail1.mails,
               ElementsAre(ScriptedMail::Mail{"mail.example.org", "box@example.org", "ORVEN", "me@example.org",
                                              "New Call From Anna - 555", world.CurrentCall().message_path}));
@@ -84,31 +76,28 @@ TEST_F(ActionsTest, MailsAndStartsOnceACall) {
   EXPECT_EQ(world.shell.started.size(), 1U);
 
   world.Machine().settings.pAppToBG = 1;
-  ACallWithAMessage("Ben");
+  LeaveAMessage("Ben");
   EXPECT_THAT(world.shell.started.back(), testing::Pair("/bin/notify \"Anna\" 555", 1))
       << "the template stays filled until the settings are read again";
   world.Machine().store.GetMainAction();
-  ACallWithAMessage("Ben");
+  LeaveAMessage("Ben");
   EXPECT_EQ(world.shell.started.back().first, "/bin/notify \"Ben\" 555");
+  world.shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound, "/bin/notify"); };
+  LeaveAMessage("Anna");
+  EXPECT_THAT(world.SystemLog(), Contains("Error Send To APP ->53 File not found: /bin/notify"));
 }
 
-TEST_F(ActionsTest, ACallWithoutAMessageIsLeftAloneUnlessAllAreWanted) {
-  EXPECT_THAT(world.LoggedBy([&] { ACallWithoutAMessage(); }), testing::Not(Contains("Start Sending Mail")));
+TEST_F(ActionsTest, ACallWithoutAMessageSetsOffNothingUnlessAllCallsDo) {
+  EXPECT_THAT(world.LoggedBy([&] { HangUpWithoutAMessage(); }), testing::Not(Contains("Start Sending Mail")));
   EXPECT_THAT(world.Mail1.mails, IsEmpty());
   EXPECT_THAT(world.shell.started, IsEmpty());
   world.Machine().settings.ActionsMailAllCalls = 1;
-  ACallWithoutAMessage();
+  HangUpWithoutAMessage();
   EXPECT_EQ(world.Mail1.mails.size(), 1U);
   EXPECT_EQ(world.shell.started.size(), 1U);
 }
 
-TEST_F(ActionsTest, AProgramThatCannotBeStartedIsLogged) {
-  world.shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound, "/bin/notify"); };
-  ACallWithAMessage("Anna");
-  EXPECT_THAT(world.SystemLog(), Contains("Error Send To APP ->53 File not found: /bin/notify"));
-}
-
-TEST_F(ActionsTest, ShowsHowTheMailGoes) {
+TEST_F(ActionsTest, ShowsTheProgressOfAMail) {
   auto& mail = *world.Mail1.events;
   mail.Progress(200, 25);
   EXPECT_EQ(world.views.Status(), "Send Mail : 12 %") << "half to even";
@@ -125,10 +114,10 @@ TEST_F(ActionsTest, ShowsHowTheMailGoes) {
   world.RunFor(10ms);
   world.line->CallerId("Anna", "1");
   world.RunFor(4s);
-  EXPECT_EQ(world.views.Status(), "Caller ID Information") << "the panel is somebody else's by now";
+  EXPECT_EQ(world.views.Status(), "Caller ID Information") << "a later text is not replaced";
   mail.Progress(200, 200);
   mail.Error("me@example.org", "the server said no");
-  EXPECT_NE(world.views.Status(), "Send Mail : 100 %") << "it is not on its way any more";
+  EXPECT_NE(world.views.Status(), "Send Mail : 100 %");
   EXPECT_TRUE(world.Logged("Error Sending To Mail To : me@example.org Becouse:the server said no"));
 }
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "base/runtime_error.h"
-#include "log/mdlLog.h"
+#include "log/log_viewer.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -13,11 +13,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::chrono_literals;
 
-constexpr const char* kFolder = "/app/Log/";
-
 class LogFilesTest : public testing::Test {
  protected:
   LogFilesTest() { shared.application_folder = "/app"; }
+  std::vector<std::string> Names() const { return files.Names("/app/Log/"); }
 
   VirtualTime time{sys_days(2003y / 3 / 31) + 23h + 59min + 59s};
   MemoryFiles files{time};
@@ -26,11 +25,13 @@ class LogFilesTest : public testing::Test {
   LogFiles log{time, files, time, settings, shared};
 };
 
-TEST_F(LogFilesTest, OneFileADayAndKind) {
+TEST_F(LogFilesTest, OneFileADayAndKindThatIsSwitchedOn) {
   log.WriteSystem("one");
   log.WriteCalls("t\r\nwo");
   time.RunFor(1s);
   log.WriteSystem("three");
+  settings.cLogSys = 0;
+  log.WriteSystem("dropped");
   EXPECT_EQ(files.Content("/app/Log/3-31-2003_Sys.txt"), "23:59:59 : one\r\n");
   EXPECT_EQ(files.Content("/app/Log/3-31-2003_Calls.txt"), "23:59:59 : t  wo\r\n");
   EXPECT_EQ(files.Content("/app/Log/4-1-2003_Sys.txt"), "00:00:00 : three\r\n");
@@ -42,33 +43,20 @@ TEST_F(LogFilesTest, OneFileADayAndKind) {
   EXPECT_THAT(log.List("System"), ElementsAre("3-31-2003_Sys.txt"));
 }
 
-TEST_F(LogFilesTest, EachLogHasItsSwitch) {
-  settings.cLogSys = 0;
-  log.WriteSystem("dropped");
-  log.WriteCalls("kept");
-  EXPECT_THAT(files.Names(kFolder), ElementsAre("3-31-2003_Calls.txt"));
-}
-
-TEST_F(LogFilesTest, NoFailureReachesTheCaller) {
-  files.before_write = [](const std::string&) { throw RuntimeError(ErrorNumber::DiskFull); };
-  log.WriteSystem("lost");
-  log.Delete("none.txt");
-  EXPECT_THAT(files.Names(kFolder), IsEmpty());
-}
-
-TEST_F(LogFilesTest, LinesWaitForRoomOnTheDiskAndHoldUpNoOtherFile) {
+TEST_F(LogFilesTest, LinesWaitForRoomOnTheDiskAndDelayNoOtherFile) {
   bool full = true;
   files.before_write = [&](const std::string& path) {
     if (full && path.ends_with("_Sys.txt")) throw RuntimeError(ErrorNumber::DiskFull);
   };
   for (int line = 0; line < 1001; ++line) log.WriteSystem("line " + std::to_string(line));
   log.WriteCalls("a call");
-  EXPECT_THAT(files.Names(kFolder), ElementsAre("3-31-2003_Calls.txt"));
+  log.Delete("none.txt");
+  EXPECT_THAT(Names(), ElementsAre("3-31-2003_Calls.txt"));
   full = false;
   time.RunFor(1s);
   log.WriteSystem("the next day");
   const auto lines = files.Content("/app/Log/3-31-2003_Sys.txt");
-  EXPECT_TRUE(lines.starts_with("23:59:59 : line 1\r\n23:59:59 : line 2\r\n")) << "memory has an end";
+  EXPECT_TRUE(lines.starts_with("23:59:59 : line 1\r\n23:59:59 : line 2\r\n")) << "1000 lines are kept";
   EXPECT_TRUE(lines.ends_with("23:59:59 : line 1000\r\n"));
   EXPECT_EQ(files.Content("/app/Log/4-1-2003_Sys.txt"), "00:00:00 : the next day\r\n");
 }
@@ -79,27 +67,38 @@ TEST_F(LogFilesTest, PurgesByMonthsAndLetsOtherEventsRun) {
   files.PutAt("/app/Log/after.txt", february + 1s);
   files.PutAt("/app/Log/notes.doc", february - 24h);
   bool done = false;
-  const auto purge = [&] {
-    done = false;
-    log.PurgeOldLogs([&] { done = true; });
-  };
   settings.LogFor = "never";
-  purge();
+  log.PurgeOldLogs([&] { done = true; });
   EXPECT_TRUE(done);
-  EXPECT_EQ(files.Names(kFolder).size(), 3U);
-
+  EXPECT_EQ(Names().size(), 3U);
+  done = false;
   settings.LogFor = "1 Last Month";
-  purge();
-  EXPECT_FALSE(done) << "files are looked at between other events";
+  log.PurgeOldLogs([&] { done = true; });
+  EXPECT_FALSE(done) << "one file a task";
   time.RunFor(1ms);
   EXPECT_TRUE(done);
-  EXPECT_THAT(files.Names(kFolder), ElementsAre("after.txt"));
+  EXPECT_THAT(Names(), ElementsAre("after.txt"));
 }
 
 TEST(MonthsBefore, KeepsTheDayOrTakesTheMonthsLast) {
   EXPECT_EQ(MonthsBefore(2003y / 3 / 31, 1), 2003y / 2 / 28);
   EXPECT_EQ(MonthsBefore(2004y / 3 / 31, 1), 2004y / 2 / 29);
   EXPECT_EQ(MonthsBefore(2003y / 1 / 15, 3), 2002y / 10 / 15);
+}
+
+TEST_F(LogFilesTest, ALineThatIsTooLongIsCutBetweenCharacters) {
+  const std::string wide = "\xE2\x82\xAC";  // three bytes
+  const std::string endless(LogReading::kMostBytesInLine - 1, 'x');
+  files.Put("c.txt", endless + wide + std::string("\0\n\n", 3) + std::string(5000, '\x80'));
+  LogReading reading(files, "c.txt");
+  LogLines lines;
+  for (auto piece = reading.Next(); !piece.ends.empty(); piece = reading.Next())
+    lines.Append(std::move(piece));
+  ASSERT_EQ(lines.Count(), 6U);
+  EXPECT_EQ(lines.Line(0), endless);
+  EXPECT_EQ(lines.Line(1), wide + std::string(1, '\0'));
+  EXPECT_EQ(lines.Line(2), "");
+  EXPECT_EQ(lines.Line(3).size() + lines.Line(4).size() + lines.Line(5).size(), 5000U);
 }
 
 }  // namespace

@@ -7,12 +7,16 @@ namespace orven::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class CallerViewTest : public testing::Test {
  protected:
-  void Show(std::int16_t speed, bool animate = true, bool auto_close = false, std::int16_t seconds = 10) {
-    view.ViewCallViewer(animate, speed, auto_close, seconds);
+  void Show(std::int16_t speed, bool animate = true, bool auto_close = false) {
+    window.tops.clear();
+    view.ViewCallViewer(animate, speed, auto_close, 10);
+  }
+  void Start(std::initializer_list<const char*> on) {
+    for (const char* setting : on) world.registry.Set(setting, "1");
+    world.Start();
   }
   void Ring() {
     world.line->Offer();
@@ -25,7 +29,7 @@ class CallerViewTest : public testing::Test {
   SlidingCallerView& view = world.Machine().caller_view;
 };
 
-TEST_F(CallerViewTest, SlidesDownAndSnapsTheLastStretch) {
+TEST_F(CallerViewTest, SlidesDownSnapsTheLastStretchAndSlidesUp) {
   Show(950);  // 1000 twips a tick, of a height of 2850
   EXPECT_TRUE(window.open);
   world.RunFor(200ms);
@@ -36,49 +40,43 @@ TEST_F(CallerViewTest, SlidesDownAndSnapsTheLastStretch) {
   EXPECT_THAT(window.tops, ElementsAre(-1000, -2000, -3000));
   EXPECT_FALSE(window.open);
 
-  window.tops.clear();
   Show(0);
   world.RunFor(1s);
-  // 50 twips a tick; at 2750 slid only 100 are left of the height.
+  // 50 twips a tick; after 2750 only 100 of the height are left.
   ASSERT_EQ(window.tops.size(), 56U);
   EXPECT_EQ(window.tops[54], -150);
   EXPECT_EQ(window.tops[55], 0);
 }
 
-TEST_F(CallerViewTest, TurnsRoundWhereItIs) {
+TEST_F(CallerViewTest, ReversesWhileItSlides) {
   Show(450);
   world.RunFor(25ms);
   EXPECT_EQ(window.top, -1850);
   view.Close();
   Show(450);
-  EXPECT_EQ(window.tops.size(), 3U) << "one that is there is not shown again";
+  EXPECT_THAT(window.tops, testing::IsEmpty()) << "an open view is not opened again";
   world.RunFor(100ms);
   EXPECT_EQ(window.top, -2850);
   EXPECT_FALSE(view.IsOpen());
 }
 
-TEST_F(CallerViewTest, WithoutAnimationItIsThereAndGoneAtOnce) {
+TEST_F(CallerViewTest, WithoutAnimationOpensAtOnceAndClosesOnAClickOrOneTickAfterTheLimit) {
   Show(50, false);
   EXPECT_THAT(window.tops, ElementsAre(-2850, 0));
   world.RunFor(3600s);
-  EXPECT_TRUE(window.open) << "it stays until it is clicked";
+  EXPECT_TRUE(window.open);
   view.DoNothing();
   EXPECT_FALSE(window.open);
-}
-
-TEST_F(CallerViewTest, ClosesByItselfATickAfterTheLimit) {
-  Show(50, false, true, 10);
+  Show(50, false, true);
   world.RunFor(10500ms);
   EXPECT_TRUE(window.open);
   world.RunFor(1s);
   EXPECT_FALSE(window.open);
 }
 
-TEST_F(CallerViewTest, TheClicksActOnTheRingingCall) {
-  world.registry.Set("ViewDetails", "1");
+TEST_F(CallerViewTest, ClicksActOnTheRingingCall) {
   world.registry.Set("NumOfRing", "4");
-  world.registry.Set("WhenMsgViewMsg", "0");
-  world.Start();
+  Start({"ViewDetails"});
   Ring();
   ASSERT_TRUE(view.IsOpen());
   EXPECT_EQ(window.commands, CallerCommands::All);
@@ -98,13 +96,12 @@ TEST_F(CallerViewTest, TheClicksActOnTheRingingCall) {
   EXPECT_FALSE(view.IsOpen());
   for (int ring = 1; ring < 4; ++ring) world.line->Ring();
   world.RunFor(100ms);
-  EXPECT_TRUE(world.line->IsAnswered()) << "it rings on untouched, and the machine answers as it is set";
+  EXPECT_TRUE(world.line->IsAnswered()) << "the call rings on, and the machine answers it";
   world.HangUp();
 }
 
-TEST_F(CallerViewTest, AViewThatIsStillOpenLosesItsCommandsAndGetsThemBackWithTheNextCall) {
-  world.registry.Set("ViewDetails", "1");
-  world.Start();
+TEST_F(CallerViewTest, AnOpenViewLosesItsCommandsWithTheCallAndGetsThemBackWithTheNext) {
+  Start({"ViewDetails"});
   Ring();
   world.HangUp();
   EXPECT_TRUE(view.IsOpen());
@@ -116,16 +113,13 @@ TEST_F(CallerViewTest, AViewThatIsStillOpenLosesItsCommandsAndGetsThemBackWithTh
   EXPECT_EQ(window.commands, CallerCommands::WithoutAnswer);
   world.Press("4711*");
   world.HangUp();
-  EXPECT_EQ(window.commands, CallerCommands::None) << "the owner's own call, too";
+  EXPECT_EQ(window.commands, CallerCommands::None) << "also after the owner's own call";
   world.window->Exit();
   EXPECT_FALSE(window.open);
 }
 
-TEST_F(CallerViewTest, AViewOnItsWayOutDoesNotCostTheNextAnnouncement) {
-  world.registry.Set("ViewDetails", "1");
-  world.registry.Set("WhenMsgViewMsg", "1");
-  world.registry.Set("cAnimation", "1");
-  world.Start();
+TEST_F(CallerViewTest, AClosingViewDoesNotHideTheNextAnnouncement) {
+  Start({"ViewDetails", "WhenMsgViewMsg", "cAnimation"});
   Ring();
   world.RunFor(2s);
   view.Drop();
@@ -136,26 +130,22 @@ TEST_F(CallerViewTest, AViewOnItsWayOutDoesNotCostTheNextAnnouncement) {
   EXPECT_TRUE(world.views.Had("view:Call ended"));
   view.Close();
   Ring();
-  EXPECT_TRUE(view.IsOpen());
-  EXPECT_FALSE(view.IsClosing());
+  EXPECT_TRUE(view.IsOpen() && !view.IsClosing());
   EXPECT_EQ(window.commands, CallerCommands::All);
 }
 
-TEST_F(CallerViewTest, AfterACallItComesOnlyWhenThatIsWanted) {
-  for (const char* wanted : {"0", "1"}) {
+TEST_F(CallerViewTest, AfterACallItOpensOnlyWhenTheSettingSaysSo) {
+  for (const bool wanted : {false, true}) {
     World other;
-    other.registry.Set("WhenMsgViewMsg", wanted);
-    other.Start();
-    other.CallAndWaitForRecording();
+    other.registry.Set("WhenMsgViewMsg", wanted ? "1" : "0");
+    other.Start().CallAndWaitForRecording();
     other.Talk();
     other.RunFor(2s);
     EXPECT_FALSE(other.views.caller_view.open);
     other.HangUp();
-    EXPECT_EQ(other.views.caller_view.open, wanted[0] == '1');
-    EXPECT_EQ(other.views.Had("view:New Message"), wanted[0] == '1');
-    if (wanted[0] == '1') {
-      EXPECT_EQ(other.views.caller_view.path, other.CurrentCall().message_path);
-    }
+    EXPECT_EQ(other.views.caller_view.open, wanted);
+    EXPECT_EQ(other.views.Had("view:New Message"), wanted);
+    EXPECT_EQ(other.views.caller_view.path, wanted ? other.CurrentCall().message_path : "");
   }
 }
 

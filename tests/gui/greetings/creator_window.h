@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/runtime_error.h"
+#include "greetings/frmGreetC.h"
+#include "gui/window_test.h"
+#include "support/world.h"
+
+namespace orven::test {
+
+/// The greeting creator's window over its engine, in a running program with a speech engine.
+class CreatorWindow : public WindowTest {
+ protected:
+  CreatorWindow() {
+    world.registry.Write(RegistryRoot::ClassesRoot, "SAPI.SpVoice", std::array{RegString("", "SpVoice")});
+    world.Start().RunFor(1s);  // the beep of the open line is over
+  }
+  /// Opens and loads a new window, with a new helper.
+  void Open(bool helper_answers = true) {
+    engine.reset();
+    world.uDat = {};
+    world.uDat.up = helper_answers;
+    window = std::make_unique<frmGreetC>(nullptr);
+    engine = std::make_unique<GreetingCreator>(
+        world.Machine().ForGreetingCreator([this](const std::string& name) { saved.push_back(name); }),
+        *window);
+    window->Attach(*engine);
+    Show(*window);
+    QApplication::processEvents();
+  }
+  void Type(const std::string& text) {
+    Get<QPlainTextEdit>("txtTTS").setPlainText(QString::fromStdString(text));
+  }
+  void Name(const char* name) { Get<QLineEdit>("txtGreetingName").setText(QString::fromUtf8(name)); }
+  void ChooseTab(int tab) { Get<QTabWidget>("TabStrip1").setCurrentIndex(tab); }
+  std::string Text(const char* label) { return Get<QLabel>(label).text().toStdString(); }
+  int Value(const char* bar) { return Get<QProgressBar>(bar).value(); }
+  std::vector<std::string> Enabled() {
+    std::vector<std::string> enabled;
+    for (const char* name :
+         {"cmdRec", "cmdStopRec", "cmdPlay", "cmdStopPlay", "cmdCreateGreeting", "cmdOK"}) {
+      if (Get(name).isEnabled()) enabled.emplace_back(name);
+    }
+    return enabled;
+  }
+  void RecordFor(std::chrono::milliseconds length) {
+    Click("cmdRec");
+    world.RunFor(length);
+    Click("cmdStopRec");
+  }
+  void Save(std::chrono::milliseconds within = 1ms) {
+    Click("cmdOK");
+    world.RunFor(within);
+  }
+  /// From now on the helper writes each file that it is asked for.
+  void MakeFiles(std::chrono::milliseconds after) {
+    world.uDat.on_message = [this, after](const std::string& message) {
+      if (message.starts_with("STW:"))
+        world.time.After(after, [this] { world.files.Put(speech_file, TimedWave::Sound(3s)); });
+    };
+  }
+  std::string Greeting(const std::string& name) const { return greetings + name + ".wav"; }
+
+  const std::string greetings = std::string(World::kHome) + "/Greets/";
+  const std::string speaker_file = std::string(World::kHome) + "/spktmp.wav";
+  const std::string speech_file = std::string(World::kHome) + "/ttstmp.wav";
+  World world;
+  std::vector<std::string> saved;
+  std::unique_ptr<frmGreetC> window;
+  std::unique_ptr<GreetingCreator> engine;
+};
+
+}  // namespace orven::test

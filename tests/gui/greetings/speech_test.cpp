@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QAbstractItemView>
+#include <QClipboard>
+#include <QCompleter>
+#include <QMimeData>
+#include <QTest>
+
+#include "gui/greetings/creator_window.h"
+
+namespace orven::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST_F(CreatorWindow, TheHelperIsStartedListsItsVoicesAndSpeaksTheText) {
+  Open();
+  EXPECT_THAT(world.shell.started, ElementsAre(testing::Pair("\"/home/orven/TTS.exe\" -gc", 2)));
+  EXPECT_THAT(world.uDat.checked, testing::Each(7));
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("GVC:"));
+  EXPECT_EQ(window->SelectedVoice(), -1);
+  for (const char* message : {"GVCS:", "DONE:GVCS:", "gvcs:Carl", "GVCS:Anna\r\nBen, slow"})
+    world.uDat.Say(message);
+  auto& voices = Get<QComboBox>("VoiceCB");
+  EXPECT_EQ(voices.count(), 2);
+  EXPECT_EQ(voices.itemText(0) + u'|' + voices.itemText(1), u"Anna|Ben, slow");
+  EXPECT_EQ(window->SelectedVoice(), 0);
+
+  ChooseTab(1);
+  EXPECT_TRUE(Shows("Frame2") && !Shows("Frame1"));
+  EXPECT_EQ(Focused(), "txtTTS");
+  for (const char* button : {"SpeakBtn", "cmdCreateGreeting"}) Click(button);
+  EXPECT_THAT(world.uDat.TakeSent(), IsEmpty()) << "there is no text";
+  auto& text = Get<QPlainTextEdit>("txtTTS");
+  QTest::keyClicks(&text, "Hi");
+  QTest::keyClick(&text, Qt::Key_Return);
+  text.insertPlainText(QString::fromUtf8("Say: שלום 🎉"));
+  QTest::keyClick(&text, Qt::Key_Tab);
+  EXPECT_EQ(Focused(), "VoiceCB") << "Return is a new line, Tab leaves";
+  voices.setCurrentIndex(1);
+  Get<QSlider>("RateSldr").setValue(-7);
+  Click("SpeakBtn");
+  Click("StopBtn");
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:1", "SRT:-7", "Say:Hi\nSay: שלום 🎉", "Stp:"));
+}
+
+TEST_F(CreatorWindow, AVoiceIsFoundByAnyPartOfItsDescription) {
+  Open();
+  world.uDat.Say("GVCS:English (America)\r\nFrench (France)\r\nFrench (Belgium)\r\nHebrew");
+  ChooseTab(1);
+  auto& voices = Get<QComboBox>("VoiceCB");
+  auto& found = *voices.completer()->popup();
+  const auto type = [&](const char* part) {
+    voices.setFocus();
+    voices.lineEdit()->selectAll();
+    QTest::keyClicks(&voices, QString::fromLatin1(part));
+  };
+  type("fr");
+  EXPECT_EQ(found.model()->rowCount(), 2);
+  for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}) QTest::keyClick(&found, key);
+  EXPECT_FALSE(found.isVisible());
+  EXPECT_EQ(window->SelectedVoice(), 2);
+  type("BREW");
+  QTest::keyClick(&found, Qt::Key_Return);
+  EXPECT_EQ(window->SelectedVoice(), 3) << "the first match";
+  type("klingon");
+  QTest::keyClick(&voices, Qt::Key_Return);
+  EXPECT_EQ(voices.currentText(), u"Hebrew");
+  EXPECT_EQ(window->SelectedVoice(), 3);
+  Type("Hi");
+  type("belg");
+  Click("SpeakBtn");
+  EXPECT_THAT(world.uDat.sent, Contains("SVC:2")) << "what was typed counts";
+  EXPECT_THAT(world.dialogs.informations, IsEmpty()) << "Return is the list's, not the window's";
+}
+
+TEST_F(CreatorWindow, WithoutASpeechEngineTheTabIsRefused) {
+  world.registry.Delete(RegistryRoot::ClassesRoot, "SAPI.SpVoice", "");
+  Open();
+  EXPECT_THAT(world.shell.started, IsEmpty());
+  bool old_frame = false;
+  world.dialogs.while_open = [&] { old_frame = Shows("Frame1") && !Shows("Frame2"); };
+  ChooseTab(1);
+  EXPECT_THAT(world.dialogs.informations, ElementsAre("Please Install SAPI 5.1 From Microsoft"));
+  EXPECT_TRUE(old_frame && Shows("Frame1"));
+  EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), 0);
+}
+
+TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
+  world.shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound, "TTS.exe"); };
+  Open();
+  EXPECT_TRUE(world.Logged("ErrLoadTTS 53 File not found: TTS.exe"));
+  ChooseTab(1);
+  EXPECT_TRUE(Shows("Frame1"));
+
+  world.shell.before_start = [] {};
+  Open(false);
+  EXPECT_THAT(world.uDat.checked, ElementsAre(7, 7, 7));
+  world.RunFor(1ms);
+  EXPECT_TRUE(world.Logged("TTS: the speech helper does not answer"));
+  ChooseTab(1);
+  EXPECT_TRUE(Shows("Frame2"));
+  Type("Hello");
+  for (const char* button : {"SpeakBtn", "StopBtn", "cmdCreateGreeting"}) Click(button);
+  EXPECT_THAT(world.uDat.sent, IsEmpty());
+  Save();
+  EXPECT_THAT(world.dialogs.informations, Contains("Empty Message"));
+
+  Open();
+  world.RunFor(11s);
+  EXPECT_TRUE(world.Logged("TTS: the speech helper does not tell its voices"));
+  Type("Hello");
+  Click("cmdCreateGreeting");
+  world.uDat.Die();
+  EXPECT_TRUE(world.Logged("TTS: the speech helper is gone"));
+  EXPECT_TRUE(
+      world.Logged("TTS: the speech helper made no greeting of the text: there is no " + speech_file));
+  RecordFor(2s);
+  EXPECT_TRUE(world.files.Exists(speaker_file));
+}
+
+TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
+  Open();
+  world.uDat.TakeSent();
+  world.files.Put(speech_file, "an older one");
+  MakeFiles(5s);
+  Type("Nobody is here.");
+  Name("Typed");
+  Get<QSlider>("RateSldr").setValue(5);
+  Click("cmdCreateGreeting");
+  EXPECT_THAT(world.uDat.TakeSent(),
+              ElementsAre("SVC:-1", "SRT:5", "SFS:" + speech_file, "STW:Nobody is here."));
+  Save(4s);
+  EXPECT_THAT(Enabled(), IsEmpty()) << "it waits for the file";
+  world.RunFor(2s);
+  EXPECT_EQ(world.files.Content(Greeting("Typed")), TimedWave::Sound(3s));
+  EXPECT_FALSE(world.files.Exists(speech_file));
+  EXPECT_FALSE(window->isVisible());
+
+  Open();
+  world.uDat.Say("GVCS:Anna\r\nBen");
+  world.uDat.TakeSent();
+  Get<QComboBox>("VoiceCB").setCurrentIndex(1);
+  Type("Hello");
+  Click("cmdCreateGreeting");
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:1", "SRT:0", "SFS:" + speech_file, "STW:Hello"));
+  Click("cmdCreateGreeting");
+  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SFS:" + speech_file, "STW:Hello"));
+}
+
+TEST_F(CreatorWindow, GivesUpAfterTheTimeThatTheTextMayTake) {
+  Open();
+  Type(std::string(5000, 'x'));
+  Name("Never");
+  Click("cmdCreateGreeting");
+  Save(13s);
+  EXPECT_THAT(Enabled(), IsEmpty());
+  world.RunFor(2s);
+  EXPECT_THAT(Enabled(), Contains("cmdOK"));
+  EXPECT_TRUE(
+      world.Logged("TTS: the speech helper made no greeting of the text: there is no " + speech_file));
+  EXPECT_FALSE(world.files.Exists(Greeting("Never")));
+  EXPECT_EQ(world.registry.Text("Greeting"), "Hello");
+  EXPECT_TRUE(window->isVisible());
+  world.uDat.takes = false;
+  Click("cmdCreateGreeting");
+  EXPECT_TRUE(world.Logged("TTS: the text was not taken, it may be too long"));
+  Save();
+  EXPECT_THAT(world.dialogs.informations, ElementsAre("Empty Message"));
+}
+
+TEST_F(CreatorWindow, ATakeThatAnEarlierHelperReplacedIsNotSaved) {
+  Open();
+  MakeFiles(0ms);
+  Type("Hello");
+  Name("Hello");
+  Click("cmdCreateGreeting");
+  world.RunFor(1s);
+  world.files.Put(speech_file, TimedWave::Sound(9s));
+  Save(1s);
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_THAT(Text("lblState"), HasSubstr("create the greeting again"));
+  Click("cmdCreateGreeting");
+  world.RunFor(1s);
+  Save(1s);
+  EXPECT_EQ(world.files.Content(Greeting("Hello")), TimedWave::Sound(3s));
+}
+
+TEST_F(CreatorWindow, ATakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
+  Open();
+  world.uDat.TakeSent();
+  MakeFiles(0ms);
+  RecordFor(1s);
+  Type("Hello");
+  Click("cmdCreateGreeting");
+  EXPECT_THAT(world.dialogs.questions, ElementsAre("This Will Delete Speaker Recorded. \r\n Continue ?"));
+  EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::Information);
+  EXPECT_THAT(world.uDat.sent, IsEmpty());
+  world.dialogs.yes = true;
+  Click("cmdRec");
+  EXPECT_EQ(window->Text(), "") << "recording clears the text";
+  Type("Hello");
+  Click("cmdCreateGreeting");
+  EXPECT_FALSE(world.Wave1.IsRecording());
+  EXPECT_THAT(Enabled(), ElementsAre("cmdRec", "cmdCreateGreeting", "cmdOK")) << "Play is for the microphone";
+  world.RunFor(1s);
+
+  world.dialogs.yes = false;
+  world.dialogs.questions.clear();
+  Click("cmdRec");
+  EXPECT_THAT(world.dialogs.questions,
+              ElementsAre("This Will Delete 'Text To Speech' Recorded. \r\n Continue ?"));
+  EXPECT_FALSE(world.Wave1.IsRecording());
+  EXPECT_EQ(window->Text(), "Hello");
+  Name("Speech");
+  Save();
+  EXPECT_EQ(world.files.Content(Greeting("Speech")), TimedWave::Sound(3s));
+}
+
+TEST_F(CreatorWindow, LongTextsAreAcceptedAndStayReadable) {
+  Open();
+  ChooseTab(1);
+  const auto pasted = QString(100, u'x').append(u' ').repeated(1000);
+  auto mime = std::make_unique<QMimeData>();
+  mime->setHtml(QStringLiteral("<b>no</b>"));
+  mime->setText(pasted);
+  QGuiApplication::clipboard()->setMimeData(mime.release());
+  Get<QPlainTextEdit>("txtTTS").paste();
+  EXPECT_EQ(window->Text(), pasted.toStdString());
+  const auto width = window->width();
+  window->ShowState(std::string(2000, 'w'));
+  QApplication::processEvents();
+  EXPECT_EQ(window->width(), width);
+  EXPECT_EQ(Text("lblState").size(), 2000U);
+  window->ShowRecProgress(std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(Get<QProgressBar>("ProgressBarRec").text(), u"35791394:07");
+}
+
+}  // namespace
+}  // namespace orven::test
