@@ -2,8 +2,8 @@
 // What the host sends, and what it is told.
 #include <utility>
 
-#include "modem_emulator/codes.h"
-#include "modem_emulator/modem_impl.h"
+#include "modem_emulator/modem_emulator.h"
+#include "modem_emulator/voice_streams.h"
 
 namespace orven {
 
@@ -18,19 +18,19 @@ constexpr int kVoiceCall = 8;  // the usual number in place of VCON
 
 }  // namespace
 
-std::size_t ModemEmulator::Impl::Room() const {
+std::size_t ModemEmulator::Room() const {
   if (wedged_ && playback_) return 0;
   // Behind the end of the sound a cancelling code must still get through.
   return playback_ && !playback_->Ended() ? playback_->Room() : kCommandRoom;
 }
 
-int ModemEmulator::Impl::NeededPortRate() const {
+int ModemEmulator::NeededPortRate() const {
   constexpr int kBitsPerByte = 10;  // a start and a stop bit
   const auto size = static_cast<int>(emulator::BytesPerSample(interpreter_.Format().coding));
   return interpreter_.Rate() * size * kBitsPerByte;
 }
 
-void ModemEmulator::Impl::FromHost(std::span<const std::uint8_t> bytes) {
+void ModemEmulator::FromHost(std::span<const std::uint8_t> bytes) {
   if (wedged_) return;
   active_at_ = clock_.Uptime();
   for (const auto byte : bytes) {
@@ -42,7 +42,7 @@ void ModemEmulator::Impl::FromHost(std::span<const std::uint8_t> bytes) {
   }
 }
 
-void ModemEmulator::Impl::CommandByte(std::uint8_t byte) {
+void ModemEmulator::CommandByte(std::uint8_t byte) {
   const bool behind_dle = dle_;
   dle_ = byte == emulator::kDleByte && !behind_dle;
   if (dle_ || behind_dle) return;  // a code for a sound that is over already
@@ -54,14 +54,14 @@ void ModemEmulator::Impl::CommandByte(std::uint8_t byte) {
   if (const auto line = line_.Put(byte)) Execute(*line);
 }
 
-void ModemEmulator::Impl::Execute(const std::string& line) {
-  commands.push_back(line);
+void ModemEmulator::Execute(const std::string& line) {
+  commands_.push_back(line);
   answering_ = true;
   Advance();
   Reply(interpreter_.Execute(line));
 }
 
-void ModemEmulator::Impl::Reply(const emulator::Interpreter::Answer& answer) {
+void ModemEmulator::Reply(const emulator::Interpreter::Answer& answer) {
   std::string text;
   for (const auto& line : answer.lines) {
     if (faults_.ring_inside_a_reply && !text.empty()) text += Framed("RING");
@@ -75,11 +75,11 @@ void ModemEmulator::Impl::Reply(const emulator::Interpreter::Answer& answer) {
   }
 }
 
-std::string ModemEmulator::Impl::Framed(const std::string& line) const {
+std::string ModemEmulator::Framed(const std::string& line) const {
   return (interpreter_.Verbose() ? "\r\n" : "") + line + "\r\n";
 }
 
-std::string ModemEmulator::Impl::ResultText(Result result) const {
+std::string ModemEmulator::ResultText(Result result) const {
   static const std::map<Result, std::pair<std::string, int>> texts = {
       {Result::Ok, {"OK", 0}},
       {Result::Later, {"OK", 0}},
@@ -94,7 +94,7 @@ std::string ModemEmulator::Impl::ResultText(Result result) const {
   return interpreter_.Verbose() ? Framed(word) : std::to_string(number) + "\r";
 }
 
-void ModemEmulator::Impl::Answer(const std::string& text, EventLoop::Task then) {
+void ModemEmulator::Answer(const std::string& text, EventLoop::Task then) {
   answering_ = true;
   port_.Send(text, port_.AnswerDelay(), [this, then = std::move(then)] {
     answering_ = false;
@@ -103,7 +103,7 @@ void ModemEmulator::Impl::Answer(const std::string& text, EventLoop::Task then) 
   });
 }
 
-void ModemEmulator::Impl::EndOfSound(const std::string& result) {
+void ModemEmulator::EndOfSound(const std::string& result) {
   mode_ = Mode::Command;
   dle_ = false;
   News("idle");
@@ -111,7 +111,7 @@ void ModemEmulator::Impl::EndOfSound(const std::string& result) {
   if (faults_.stale_ok) port_.Send(ResultText(Result::Ok), port_.AnswerDelay());
 }
 
-void ModemEmulator::Impl::TransmitByte(std::uint8_t byte) {
+void ModemEmulator::TransmitByte(std::uint8_t byte) {
   if (!playback_->Begun()) Advance();  // it begins now, not at the latest tick
   switch (playback_->Put(byte)) {
     case Playback::Said::Sound: return;
@@ -125,7 +125,7 @@ void ModemEmulator::Impl::TransmitByte(std::uint8_t byte) {
   EndOfSound("OK");
 }
 
-void ModemEmulator::Impl::ReceiveByte(std::uint8_t byte) {
+void ModemEmulator::ReceiveByte(std::uint8_t byte) {
   if (std::exchange(dle_, false)) {
     const bool stop = byte == '!' || (byte == emulator::kEscByte && profile_.escape_ends);
     if (stop) StopAsked();
@@ -137,13 +137,13 @@ void ModemEmulator::Impl::ReceiveByte(std::uint8_t byte) {
   }
 }
 
-void ModemEmulator::Impl::Complain(const std::string& sentence) {
-  complaints.push_back(sentence);
+void ModemEmulator::Complain(const std::string& sentence) {
+  complaints_.push_back(sentence);
   News("complaint: " + sentence);
 }
 
-void ModemEmulator::Impl::News(const std::string& word) {
-  if (tell) tell(word);
+void ModemEmulator::News(const std::string& word) {
+  if (tell_) tell_(word);
 }
 
 }  // namespace orven

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "modem_emulator/value_ranges.h"
+#include "modem_emulator/command_line.h"
 
 namespace orven::emulator {
 namespace {

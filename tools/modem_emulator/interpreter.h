@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "modem_emulator/call_sounds.h"
 #include "modem_emulator/command_line.h"
+#include "modem_emulator/line_tones.h"
 #include "modem_emulator/modem_profile.h"
 
 namespace orven::emulator {

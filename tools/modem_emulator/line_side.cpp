@@ -2,8 +2,8 @@
 // What the telephone network and the people on the line do.
 #include <utility>
 
-#include "modem_emulator/codes.h"
-#include "modem_emulator/modem_impl.h"
+#include "modem_emulator/modem_emulator.h"
+#include "modem_emulator/voice_streams.h"
 
 namespace orven {
 namespace {
@@ -23,8 +23,8 @@ constexpr milliseconds kCadenceUnit(100);
 
 }  // namespace
 
-ModemEmulator::Impl::Impl(const ModemProfile& profile, const ModemFaults& faults, EventLoop& loop,
-                          const Clock& clock, ToHost to_host)
+ModemEmulator::ModemEmulator(const ModemProfile& profile, const ModemFaults& faults, EventLoop& loop,
+                             const Clock& clock, ToHost to_host)
     : profile_(profile),
       faults_(faults),
       loop_(loop),
@@ -33,11 +33,11 @@ ModemEmulator::Impl::Impl(const ModemProfile& profile, const ModemFaults& faults
       interpreter_(profile, *this),
       tick_(loop.MakeTimer([this] { Advance(); })) {}
 
-void ModemEmulator::Impl::After(Time delay, EventLoop::Task task) {
+void ModemEmulator::After(Time delay, EventLoop::Task task) {
   loop_.After(delay, lifeline_.Bind(std::move(task)));
 }
 
-void ModemEmulator::Impl::Ring() {
+void ModemEmulator::Ring() {
   if (off_hook_) return;
   if (interpreter_.Register(0) != 0) Complain("S0 is not 0: the modem would answer by itself");
   const auto now = clock_.Uptime();
@@ -55,7 +55,7 @@ void ModemEmulator::Impl::Ring() {
   }
 }
 
-void ModemEmulator::Impl::RingReport() {
+void ModemEmulator::RingReport() {
   if (off_hook_) return;
   if (interpreter_.VoiceClass() && profile_.ring_sign) {
     Sign('R');
@@ -64,7 +64,7 @@ void ModemEmulator::Impl::RingReport() {
   }
 }
 
-void ModemEmulator::Impl::CallerIdLine(const std::string& line) {
+void ModemEmulator::CallerIdLine(const std::string& line) {
   if (off_hook_ || !interpreter_.CallerId()) return;
   if (interpreter_.VoiceClass() && profile_.caller_id_in_packet) {
     port_.Send("\x10X" + line + "\r\n\x10.", Time(0));
@@ -73,26 +73,26 @@ void ModemEmulator::Impl::CallerIdLine(const std::string& line) {
   }
 }
 
-bool ModemEmulator::Impl::GoOffHook() {
+bool ModemEmulator::GoOffHook() {
   if (off_hook_) return true;
-  off_hook_at = clock_.Uptime();
-  if (faults_.refuses_off_hook_in_ring && off_hook_at < rings_until_) return false;
+  off_hook_at_ = clock_.Uptime();
+  if (faults_.refuses_off_hook_in_ring && off_hook_at_ < rings_until_) return false;
   if (faults_.answer_does_not_take && !std::exchange(missed_one_, true)) return true;
   off_hook_ = true;
   ++call_;
   rings_until_ = Time(0);
-  answered_at_ = off_hook_at;
+  answered_at_ = off_hook_at_;
   passed_ = 0;
-  heard.clear();
-  spoken.clear();
-  played.clear();
-  sent.clear();
+  heard_.clear();
+  spoken_.clear();
+  played_.clear();
+  sent_.clear();
   tick_->Start(Time(10));
   News("off-hook");
   return true;
 }
 
-void ModemEmulator::Impl::GoOnHook() {
+void ModemEmulator::GoOnHook() {
   if (!off_hook_) return;
   Advance();
   off_hook_ = false;
@@ -101,17 +101,17 @@ void ModemEmulator::Impl::GoOnHook() {
   playback_.reset();
   receive_.reset();
   tones_.reset();
-  caller.Reset();
+  caller_.Reset();
   mode_ = Mode::Command;
   News("on-hook");
 }
 
-void ModemEmulator::Impl::Say(std::vector<std::int16_t> samples) {
+void ModemEmulator::Say(std::vector<std::int16_t> samples) {
   Advance();
-  caller.Say(std::move(samples));
+  caller_.Say(std::move(samples));
 }
 
-void ModemEmulator::Impl::Press(char key, Time duration) {
+void ModemEmulator::Press(char key, Time duration) {
   const auto now = clock_.Uptime();
   const auto start = std::max(now, keys_free_at_);
   keys_free_at_ = start + duration + kBetweenKeys;
@@ -120,15 +120,15 @@ void ModemEmulator::Impl::Press(char key, Time duration) {
   });
 }
 
-void ModemEmulator::Impl::PressNow(char key, Time duration) {
+void ModemEmulator::PressNow(char key, Time duration) {
   Advance();
-  caller.Press(key, duration);
+  caller_.Press(key, duration);
   const auto report = [this, key](Time delay) {
     After(delay, [this, key, call = call_] {
       if (call == call_) Sign(key);
     });
   };
-  After(kDetection, [this] { key_reported_at = clock_.Uptime(); });
+  After(kDetection, [this] { key_reported_at_ = clock_.Uptime(); });
   if (faults_.tripled_keys) {
     for (int i = 0; i < 3; ++i) report(kDetection + i * kTripled);
   } else if (!profile_.brackets_keys) {
@@ -141,34 +141,34 @@ void ModemEmulator::Impl::PressNow(char key, Time duration) {
   }
 }
 
-void ModemEmulator::Impl::SignInCall(char code, Time delay) {
+void ModemEmulator::SignInCall(char code, Time delay) {
   After(delay, [this, code, call = call_] {
     if (call == call_) Sign(code);
   });
 }
 
-void ModemEmulator::Impl::HangUp(emulator::NetworkTone tone) {
+void ModemEmulator::HangUp(emulator::NetworkTone tone) {
   if (!off_hook_) return;
   Advance();
-  caller.Tone(tone);
+  caller_.Tone(tone);
   if (faults_.no_hang_up_code) return;
   if (profile_.hang_up_sign != 0) SignInCall(profile_.hang_up_sign, kLoopBreak);
   if (tone == emulator::NetworkTone::Busy && profile_.hears_busy) SignInCall('b', kBusyHeard);
   if (tone == emulator::NetworkTone::Dial && profile_.hears_dial) SignInCall('d', kDialHeard);
 }
 
-void ModemEmulator::Impl::Sign(char code) {
+void ModemEmulator::Sign(char code) {
   if (!interpreter_.VoiceClass()) return;
   const std::uint8_t bytes[] = {emulator::kDleByte, static_cast<std::uint8_t>(code)};
   port_.Send(bytes, Time(0));
 }
 
-void ModemEmulator::Impl::Wedge(bool wedged) {
+void ModemEmulator::Wedge(bool wedged) {
   wedged_ = wedged;
   port_.Mute(wedged);
 }
 
-void ModemEmulator::Impl::PowerCycle() {
+void ModemEmulator::PowerCycle() {
   GoOnHook();
   Wedge(false);
   port_.Clear();

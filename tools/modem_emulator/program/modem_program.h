@@ -9,9 +9,9 @@
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "modem_emulator/modem_emulator.h"
+#include "modem_emulator/program/audio_files.h"
 #include "modem_emulator/program/options.h"
 #include "modem_emulator/program/pseudo_terminal.h"
-#include "modem_emulator/program/sound_files.h"
 
 namespace orven::emulator {
 

@@ -4,11 +4,12 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace orven::emulator {
-
 /// One or two sine waves for some time, in 8000 samples a second; 0 Hz is none.
 struct ToneStep {
   double first = 0;   ///< Hz
@@ -59,5 +60,9 @@ class CallerSound {
   std::size_t spoken_ = 0;
   std::vector<ToneSequence> tones_;
 };
+
+/// What stands behind "+VTS=": "[933,,150]" two frequencies and a duration in 10 ms, "{5,20}" a key and a
+/// duration, "5" a key of `usual` duration. Nothing when it is none of it.
+std::optional<std::vector<ToneStep>> ToneList(const std::string& text, std::chrono::milliseconds usual);
 
 }  // namespace orven::emulator

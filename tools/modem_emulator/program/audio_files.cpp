@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "modem_emulator/program/sound_files.h"
+#include "modem_emulator/program/audio_files.h"
 
 #include <stdexcept>
 

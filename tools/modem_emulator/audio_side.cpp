@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How sound passes between the host and the line: so many samples as time has passed.
-#include "modem_emulator/modem_impl.h"
+#include "modem_emulator/modem_emulator.h"
 
 namespace orven {
 namespace {
@@ -13,18 +13,18 @@ constexpr int kLongestTail = 60;
 
 }  // namespace
 
-void ModemEmulator::Impl::StartTransmit() {
+void ModemEmulator::StartTransmit() {
   Advance();
   const auto& format = interpreter_.Format();
-  playback_.emplace(format.coding, interpreter_.Rate(), profile_.buffer, played);
+  playback_.emplace(format.coding, interpreter_.Rate(), profile_.buffer, played_);
   mode_ = Mode::Transmit;
   News("playing");
 }
 
-void ModemEmulator::Impl::StartReceive() {
+void ModemEmulator::StartReceive() {
   Advance();
   const auto& format = interpreter_.Format();
-  receive_.emplace(format.coding, interpreter_.Rate(), profile_.shields_pairs, port_, sent);
+  receive_.emplace(format.coding, interpreter_.Rate(), profile_.shields_pairs, port_, sent_);
   const bool reports = !faults_.ignores_silence_detection && interpreter_.Setting("+VSD", 0) != 0;
   silence_ = emulator::SilenceWatch(reports ? interpreter_.Setting("+VSD", 1) * kSilenceUnit : 0);
   stops_ = 0;
@@ -33,7 +33,7 @@ void ModemEmulator::Impl::StartReceive() {
   News("receiving");
 }
 
-void ModemEmulator::Impl::StopAsked() {
+void ModemEmulator::StopAsked() {
   if (++stops_ < faults_.stops_needed || stopping_) return;
   stopping_ = true;
   After(Time(port_.Any(kShortestTail, kLongestTail)), [this, call = call_] {
@@ -41,7 +41,7 @@ void ModemEmulator::Impl::StopAsked() {
   });
 }
 
-void ModemEmulator::Impl::EndReceive() {
+void ModemEmulator::EndReceive() {
   Advance();
   receive_->Flush();
   receive_.reset();
@@ -49,11 +49,11 @@ void ModemEmulator::Impl::EndReceive() {
   EndOfSound(profile_.received);
 }
 
-void ModemEmulator::Impl::PlayTones(std::vector<emulator::ToneStep> steps) {
+void ModemEmulator::PlayTones(std::vector<emulator::ToneStep> steps) {
   tones_.emplace(std::move(steps));
 }
 
-void ModemEmulator::Impl::Advance() {
+void ModemEmulator::Advance() {
   if (!off_hook_) return;
   const auto due = (clock_.Uptime() - answered_at_).count() * kSamplesPerMillisecond;
   const auto samples = static_cast<std::size_t>(due - passed_);
@@ -62,14 +62,14 @@ void ModemEmulator::Impl::Advance() {
   WatchInactivity();
 }
 
-void ModemEmulator::Impl::Pass(std::size_t samples) {
+void ModemEmulator::Pass(std::size_t samples) {
   std::vector<std::int16_t> out(samples);
   std::vector<std::int16_t> in(samples);
   const bool dry = playback_ && playback_->Take(out);
   if (tones_) tones_->Add(out);
-  heard.insert(heard.end(), out.begin(), out.end());
-  caller.Take(in);
-  spoken.insert(spoken.end(), in.begin(), in.end());
+  heard_.insert(heard_.end(), out.begin(), out.end());
+  caller_.Take(in);
+  spoken_.insert(spoken_.end(), in.begin(), in.end());
   if (receive_) {
     receive_->Put(in);
     if (const auto report = silence_.Put(in)) Sign(*report);
@@ -88,7 +88,7 @@ void ModemEmulator::Impl::Pass(std::size_t samples) {
   }
 }
 
-void ModemEmulator::Impl::WatchInactivity() {
+void ModemEmulator::WatchInactivity() {
   const auto limit = interpreter_.Setting("+VIT", 0) * kInactivityUnit;
   const bool idle = mode_ == Mode::Command && !answering_ && interpreter_.VoiceClass();
   if (!idle || limit == Time(0) || clock_.Uptime() - active_at_ < limit) return;
