@@ -26,18 +26,18 @@ const std::vector<std::uint8_t>& Noise() {
   return noise;
 }
 
-class Count : public ModemSayings {
+class Count : public ModemOutput {
  public:
   void Line(const std::string& text) override { bytes += text.size(); }
-  void Sign(char /*code*/) override { ++bytes; }
+  void Event(char /*code*/) override { ++bytes; }
   void Packet(const std::string& text) override { bytes += text.size(); }
-  void Sound(std::span<const std::uint8_t> samples) override { bytes += samples.size(); }
-  void SoundEnded() override {
+  void Audio(std::span<const std::uint8_t> samples) override { bytes += samples.size(); }
+  void AudioEnded() override {
     if (reader != nullptr) BeginSound();
   }
   void BeginSound() {
     static constexpr std::uint8_t kConnect[] = {'C', 'O', 'N', 'N', 'E', 'C', 'T', '\n'};
-    reader->ExpectSound();
+    reader->ExpectAudio();
     reader->Read(kConnect);
   }
 
@@ -86,7 +86,7 @@ void HearAMinute(benchmark::State& state) {
   const auto minute = std::span(Noise()).first(60 * static_cast<std::size_t>(format.rate));
   for (auto _ : state) {
     SampleDecoder decoder(format);
-    HangUpSound hang_up([](const char*) {});
+    HangUpDetector hang_up([](const char*) {});
     std::vector<std::int16_t> samples;
     for (auto rest = minute; !rest.empty();) {
       const auto part = rest.first(std::min(kRead, rest.size()));

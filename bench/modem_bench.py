@@ -81,7 +81,7 @@ class Bench:
 
     def end_call(self):
         """Somebody lifts the telephone beside the modem."""
-        self.modem.do("sign H")
+        self.modem.do("event H")
         self.idles += 1
         self.machine.wait_for("Idle[", LIMIT, self.idles)
 

@@ -21,7 +21,7 @@ using namespace orven::fuzz;
 /// The largest sound that shielding and resampling can make of `bytes`, in samples.
 constexpr std::size_t kMostSamples = 16 * 4096;
 
-class Listener : public orven::ModemSayings {
+class Listener : public orven::ModemOutput {
  public:
   explicit Listener(std::uint8_t choice) : choice_(choice) {}
 
@@ -33,15 +33,15 @@ class Listener : public orven::ModemSayings {
     caller_.Take(text);
     lines_.push_back(text);
     if (text.starts_with("OK")) EndOfAnswer();
-    if (text == "VCON") reader_->ExpectSound();
+    if (text == "VCON") reader_->ExpectAudio();
   }
 
-  void Sign(char code) override {
+  void Event(char code) override {
     Require(code > 0x20 && code < 0x7F);
     now_ += std::chrono::milliseconds(choice_);
     if (code == 'R') rings_.Ring(now_);
     Require(rings_.Patience() >= std::chrono::seconds(8));
-    keys_.Sign(code, now_);
+    keys_.Event(code, now_);
     if (code == 'l') reader_->ExpectLines();
   }
 
@@ -50,7 +50,7 @@ class Listener : public orven::ModemSayings {
     caller_.TakePacket(text);
   }
 
-  void Sound(Bytes bytes) override {
+  void Audio(Bytes bytes) override {
     Require(!bytes.empty());
     std::vector<std::int16_t> samples;
     decoder_.Decode(bytes, samples);
@@ -63,7 +63,7 @@ class Listener : public orven::ModemSayings {
     Require(shielded.size() >= back.size() && shielded.size() <= 2 * back.size());
   }
 
-  void SoundEnded() override { EndOfAnswer(); }
+  void AudioEnded() override { EndOfAnswer(); }
 
   void EndOfAnswer() {
     for (const auto& format : orven::OfferedFormats(lines_))
@@ -91,7 +91,7 @@ class Listener : public orven::ModemSayings {
   std::vector<std::string> lines_;
   orven::SampleDecoder decoder_{Format()};
   orven::SampleEncoder encoder_{Format()};
-  orven::HangUpSound hang_up_{[](const char*) {}};
+  orven::HangUpDetector hang_up_{[](const char*) {}};
 };
 
 }  // namespace
@@ -103,7 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Listener listener(data[0]);
   orven::ModemReader reader(listener);
   listener.Attach(reader);
-  if ((data[1] & 1U) != 0) reader.ExpectSound();
+  if ((data[1] & 1U) != 0) reader.ExpectAudio();
   unsigned pace = data[1] / 2U;
   for (Bytes rest(data + 2, size - 2); !rest.empty();) {
     const auto part = rest.first(std::min<std::size_t>(rest.size(), pace == 0 ? rest.size() : 1 + pace % 17));

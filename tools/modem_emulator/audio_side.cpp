@@ -46,7 +46,7 @@ void ModemEmulator::EndReceive() {
   receive_->Flush();
   receive_.reset();
   port_.Send("\x10\x03", Time(0));
-  EndOfSound(profile_.received);
+  EndOfAudio(profile_.received);
 }
 
 void ModemEmulator::PlayTones(std::vector<emulator::ToneStep> steps) {
@@ -72,15 +72,15 @@ void ModemEmulator::Pass(std::size_t samples) {
   spoken_.insert(spoken_.end(), in.begin(), in.end());
   if (receive_) {
     receive_->Put(in);
-    if (const auto report = silence_.Put(in)) Sign(*report);
+    if (const auto report = silence_.Put(in)) Event(*report);
   }
   if (dry) {
     Complain("the sound did not come in time: an underrun");
-    Sign('u');
+    Event('u');
   }
   if (playback_ && playback_->Over()) {
     playback_.reset();
-    EndOfSound("OK");
+    EndOfAudio("OK");
   }
   if (tones_ && tones_->Over()) {
     tones_.reset();

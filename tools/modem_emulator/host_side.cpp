@@ -103,7 +103,7 @@ void ModemEmulator::Answer(const std::string& text, EventLoop::Task then) {
   });
 }
 
-void ModemEmulator::EndOfSound(const std::string& result) {
+void ModemEmulator::EndOfAudio(const std::string& result) {
   mode_ = Mode::Command;
   dle_ = false;
   News("idle");
@@ -122,7 +122,7 @@ void ModemEmulator::TransmitByte(std::uint8_t byte) {
   }
   Advance();
   playback_.reset();
-  EndOfSound("OK");
+  EndOfAudio("OK");
 }
 
 void ModemEmulator::ReceiveByte(std::uint8_t byte) {

@@ -57,8 +57,8 @@ void ModemEmulator::Ring() {
 
 void ModemEmulator::RingReport() {
   if (off_hook_) return;
-  if (interpreter_.VoiceClass() && profile_.ring_sign) {
-    Sign('R');
+  if (interpreter_.VoiceClass() && profile_.ring_event) {
+    Event('R');
   } else if (!interpreter_.Quiet()) {
     port_.Send(interpreter_.Verbose() ? Framed("RING") : "2\r", Time(0));
   }
@@ -75,13 +75,13 @@ void ModemEmulator::CallerIdLine(const std::string& line) {
 
 bool ModemEmulator::GoOffHook() {
   if (off_hook_) return true;
-  off_hook_at_ = clock_.Uptime();
-  if (faults_.refuses_off_hook_in_ring && off_hook_at_ < rings_until_) return false;
+  const auto now = clock_.Uptime();
+  if (faults_.refuses_off_hook_in_ring && now < rings_until_) return false;
   if (faults_.answer_does_not_take && !std::exchange(missed_one_, true)) return true;
   off_hook_ = true;
   ++call_;
   rings_until_ = Time(0);
-  answered_at_ = off_hook_at_;
+  answered_at_ = now;
   passed_ = 0;
   heard_.clear();
   spoken_.clear();
@@ -125,7 +125,7 @@ void ModemEmulator::PressNow(char key, Time duration) {
   caller_.Press(key, duration);
   const auto report = [this, key](Time delay) {
     After(delay, [this, key, call = call_] {
-      if (call == call_) Sign(key);
+      if (call == call_) Event(key);
     });
   };
   After(kDetection, [this] { key_reported_at_ = clock_.Uptime(); });
@@ -134,16 +134,16 @@ void ModemEmulator::PressNow(char key, Time duration) {
   } else if (!profile_.brackets_keys) {
     report(kDetection);
   } else {
-    SignInCall('/', kDetection);
+    EventInCall('/', kDetection);
     for (auto at = kDetection; at < duration; at += kRepeat) report(at);
     if (duration <= kDetection) report(kDetection);
-    SignInCall('~', std::max(duration, kDetection) + kDetection);
+    EventInCall('~', std::max(duration, kDetection) + kDetection);
   }
 }
 
-void ModemEmulator::SignInCall(char code, Time delay) {
+void ModemEmulator::EventInCall(char code, Time delay) {
   After(delay, [this, code, call = call_] {
-    if (call == call_) Sign(code);
+    if (call == call_) Event(code);
   });
 }
 
@@ -152,12 +152,12 @@ void ModemEmulator::HangUp(emulator::NetworkTone tone) {
   Advance();
   caller_.Tone(tone);
   if (faults_.no_hang_up_code) return;
-  if (profile_.hang_up_sign != 0) SignInCall(profile_.hang_up_sign, kLoopBreak);
-  if (tone == emulator::NetworkTone::Busy && profile_.hears_busy) SignInCall('b', kBusyHeard);
-  if (tone == emulator::NetworkTone::Dial && profile_.hears_dial) SignInCall('d', kDialHeard);
+  if (profile_.hang_up_event != 0) EventInCall(profile_.hang_up_event, kLoopBreak);
+  if (tone == emulator::NetworkTone::Busy && profile_.hears_busy) EventInCall('b', kBusyHeard);
+  if (tone == emulator::NetworkTone::Dial && profile_.hears_dial) EventInCall('d', kDialHeard);
 }
 
-void ModemEmulator::Sign(char code) {
+void ModemEmulator::Event(char code) {
   if (!interpreter_.VoiceClass()) return;
   const std::uint8_t bytes[] = {emulator::kDleByte, static_cast<std::uint8_t>(code)};
   port_.Send(bytes, Time(0));

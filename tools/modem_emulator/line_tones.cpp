@@ -90,16 +90,16 @@ void ToneSequence::Add(std::span<std::int16_t> out) {
   }
 }
 
-void CallerSound::Say(std::vector<std::int16_t> samples) {
+void CallerAudio::Say(std::vector<std::int16_t> samples) {
   speech_ = std::move(samples);
   spoken_ = 0;
 }
 
-void CallerSound::Press(char key, milliseconds duration) {
+void CallerAudio::Press(char key, milliseconds duration) {
   tones_.push_back(ToneSequence({KeyTone(key, duration)}));
 }
 
-void CallerSound::Tone(NetworkTone tone) {
+void CallerAudio::Tone(NetworkTone tone) {
   Reset();
   if (tone == NetworkTone::Busy) {
     tones_.push_back(ToneSequence({{480, 620, kHalfSecond}, {0, 0, kHalfSecond}}, true));
@@ -108,7 +108,7 @@ void CallerSound::Tone(NetworkTone tone) {
   }
 }
 
-void CallerSound::Take(std::span<std::int16_t> out) {
+void CallerAudio::Take(std::span<std::int16_t> out) {
   const auto count = std::min(out.size(), speech_.size() - spoken_);
   std::copy_n(speech_.begin() + static_cast<std::ptrdiff_t>(spoken_), count, out.begin());
   std::fill(out.begin() + static_cast<std::ptrdiff_t>(count), out.end(), std::int16_t{0});

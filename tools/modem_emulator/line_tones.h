@@ -40,7 +40,7 @@ class ToneSequence {
 enum class NetworkTone { Busy, Dial, Silence };
 
 /// What comes over the line from the other side.
-class CallerSound {
+class CallerAudio {
  public:
   /// From now on; silence afterwards.
   void Say(std::vector<std::int16_t> samples);
@@ -50,7 +50,7 @@ class CallerSound {
   void Press(char key, std::chrono::milliseconds duration);
   /// For ever, in place of everything else.
   void Tone(NetworkTone tone);
-  void Reset() { *this = CallerSound(); }
+  void Reset() { *this = CallerAudio(); }
 
   /// The next samples.
   void Take(std::span<std::int16_t> out);

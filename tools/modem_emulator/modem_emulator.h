@@ -70,7 +70,7 @@ class ModemEmulator final : private emulator::Hardware {
   void HangUpToDialTone() { HangUp(emulator::NetworkTone::Dial); }
   void HangUpToSilence() { HangUp(emulator::NetworkTone::Silence); }
   /// Any other sign, for example 'H': the handset of the telephone beside the modem is lifted.
-  void Sign(char code);
+  void Event(char code);
   /// Answers nothing any more until Wake.
   void Wedge() { Wedge(true); }
   void Wake() { Wedge(false); }
@@ -83,8 +83,6 @@ class ModemEmulator final : private emulator::Hardware {
   bool OffHook() const override { return off_hook_; }
   /// Whether the caller has something left to say.
   bool Speaking() const { return caller_.Speaking(); }
-  /// The time at which the latest off-hook command came in.
-  Time OffHookAt() const { return off_hook_at_; }
   /// The time at which the first report of the latest key went out.
   Time KeyReportedAt() const { return key_reported_at_; }
 
@@ -115,7 +113,7 @@ class ModemEmulator final : private emulator::Hardware {
   std::string Framed(const std::string& line) const;
   std::string ResultText(emulator::Result result) const;
   void Answer(const std::string& text, EventLoop::Task then = {});
-  void EndOfSound(const std::string& result);
+  void EndOfAudio(const std::string& result);
 
   // The line's side.
   void HangUp(emulator::NetworkTone tone);
@@ -124,7 +122,7 @@ class ModemEmulator final : private emulator::Hardware {
   void GoOnHook() override;
   void RingReport();
   void PressNow(char key, Time duration);
-  void SignInCall(char code, Time delay);
+  void EventInCall(char code, Time delay);
 
   // Sound.
   void PlayTones(std::vector<emulator::ToneStep> steps) override;
@@ -171,8 +169,7 @@ class ModemEmulator final : private emulator::Hardware {
   bool stopping_ = false;
 
   Tell tell_;
-  emulator::CallerSound caller_;
-  Time off_hook_at_{0};
+  emulator::CallerAudio caller_;
   Time key_reported_at_{0};
   std::vector<std::int16_t> heard_;
   std::vector<std::int16_t> spoken_;

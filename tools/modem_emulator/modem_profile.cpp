@@ -20,7 +20,7 @@ ModemProfile V253() {
                 {5, "+VSM: 5,\"G.711A\",8,0,8000,0,0", ALaw, {8000}}};
   it.line_states = {"0,\"\",B0000000,00000000,00000000", "1,\"T\",0B8C0500,0B8C0580,0B8C0580",
                     "4,\"S\",00000000,00000000,00000000", "5,\"ST\",0B8C0500,0B8C0580,0B8C0580"};
-  it.hang_up_sign = 'l';
+  it.hang_up_event = 'l';
   it.shields_pairs = true;
   return it;
 }
@@ -89,7 +89,7 @@ ModemProfile Lucent() {
   it.line_states = {"(0,1,2,3,4,5,6,7)"};
   it.settings = {
       {"+VGR", "(0-255)", "128"}, {"+VGT", "(0-255)", "128"}, {"+VSD", "(0-255),(0-255)", "128,70"}};
-  it.ring_sign = false;
+  it.ring_event = false;
   it.brackets_keys = false;
   it.escape_ends = false;
   it.received = "VCON";
@@ -112,7 +112,7 @@ ModemProfile Silabs() {
                     "4,\"S\",00000000,00000000,00000000"};
   it.settings = {{"+VGR", "(112-134)", "128"}, {"+VGT", "(112-134)", "128"}};
   it.caller_id_in_packet = true;
-  it.hang_up_sign = 'l';
+  it.hang_up_event = 'l';
   it.buffer = 4096;
   return it;
 }

@@ -38,10 +38,10 @@ struct ModemProfile {
   std::vector<ModemSetting> settings;    ///< where they differ from those that all have
   std::string caller_id = "+VCID";       ///< the command that turns caller id on: +VCID or #CID
   bool caller_id_in_packet = false;      ///< in class 8 as <DLE>X … <DLE>.
-  bool ring_sign = true;                 ///< in class 8 <DLE>R in place of RING
+  bool ring_event = true;                ///< in class 8 <DLE>R in place of RING
   bool ring_twice = false;               ///< half a second into the bell once more
   bool brackets_keys = true;             ///< '/' and '~' around a key, which is repeated in between
-  char hang_up_sign = 0;                 ///< what the loop's break at a hang-up is told as; 0: nothing
+  char hang_up_event = 0;                ///< what the loop's break at a hang-up is told as; 0: nothing
   bool hears_busy = true;                ///< tells 'b' after two seconds of the busy tone
   bool hears_dial = true;                ///< tells 'd' after one second of the dial tone
   std::size_t buffer = 8192;             ///< bytes that wait to be played

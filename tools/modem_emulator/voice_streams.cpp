@@ -160,11 +160,6 @@ bool Playback::Play(std::size_t samples) {
   return dry;
 }
 
-void Playback::Purge() {
-  buffer_.clear();
-  line_.clear();
-}
-
 ReceiveStream::ReceiveStream(ModemCoding coding, int rate, bool pairs, HostPort& port,
                              std::vector<std::uint8_t>& sent)
     : coding_(coding), rate_(rate), pairs_(pairs), port_(port), sent_(sent), change_(kLineRate, rate) {

@@ -73,9 +73,6 @@ class Playback {
   /// The line's next samples, in 8000 a second. True when the buffer has just run dry.
   bool Take(std::span<std::int16_t> out);
 
-  /// What is in the buffer is thrown away.
-  void Purge();
-
  private:
   Said Code(std::uint8_t code);
   Said Store(std::uint8_t byte);

@@ -64,11 +64,11 @@ void CommandInterpreter::SetRate(std::string_view rate) {
 }
 
 void CommandInterpreter::Say(std::string_view text) {
-  const auto [ticket, start] = parts_.sound.Announce();
+  const auto [ticket, start] = parts_.audio.Announce();
   if (start) {
-    const auto result = parts_.card.StartPlay(parts_.sound);
+    const auto result = parts_.card.StartPlay(parts_.audio);
     if (result != kWaveOk) {
-      parts_.sound.CutOff();
+      parts_.audio.CutOff();
       return Report("the sound card does not play (" + std::to_string(result) + ")");
     }
   }
@@ -77,7 +77,7 @@ void CommandInterpreter::Say(std::string_view text) {
 
 void CommandInterpreter::Stop(std::string_view /*nothing*/) {
   parts_.card.StopPlay();
-  parts_.sound.CutOff();
+  parts_.audio.CutOff();
   parts_.jobs.ForgetSpeech();
 }
 

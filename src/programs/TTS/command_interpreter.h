@@ -19,8 +19,8 @@ class CommandInterpreter {
  public:
   struct Parts {
     SpeechJobs& jobs;
-    SpokenSound& sound;
-    AudioDevice& card;  ///< where `sound` is played
+    SpokenAudio& audio;
+    AudioDevice& card;  ///< where `audio` is played
   };
   struct Answers {
     std::function<void(const std::string& message)> reply;

@@ -74,7 +74,7 @@ class Helper {
   Helper() {
     auto voices = VoicesFor(QLocale::system().name().toStdString(), engine_.Voices());
     if (voices.empty()) throw std::runtime_error("the speech engine has no voices");
-    interpreter_.emplace(CommandInterpreter::Parts{jobs_, sound_, *cards_.Find(kDefaultCard)},
+    interpreter_.emplace(CommandInterpreter::Parts{jobs_, audio_, *cards_.Find(kDefaultCard)},
                          std::move(voices),
                          CommandInterpreter::Answers{[this](const std::string& text) { client_.Send(text); },
                                                      [] { Exit(0); }});
@@ -90,10 +90,10 @@ class Helper {
   }
 
   SpeechEngine engine_;
-  SpokenSound sound_{engine_.SampleRate()};
+  SpokenAudio audio_{engine_.SampleRate()};
   QtEventLoop loop_{Report};
   SoundCards cards_{loop_, Report};
-  SpeechJobs jobs_{engine_, sound_};
+  SpeechJobs jobs_{engine_, audio_};
   std::optional<CommandInterpreter> interpreter_;
   ExchangeClient client_{{[this](const std::string& text) { interpreter_->Obey(text); }, [this] { Lost(); }}};
 };

@@ -61,14 +61,14 @@ SpeechFile::SpeechFile(std::string path, int sample_rate) : path_(std::move(path
   info.samplerate = sample_rate;
   info.channels = 1;
   info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-  sound_.reset(sf_open_fd(number, SFM_WRITE, &info, SF_FALSE));
-  if (sound_) return;
+  audio_.reset(sf_open_fd(number, SFM_WRITE, &info, SF_FALSE));
+  if (audio_) return;
   ::unlink(hidden_path_.c_str());
   Fail(sf_strerror(nullptr));
 }
 
 SpeechFile::~SpeechFile() {
-  sound_.reset();
+  audio_.reset();
   if (!hidden_path_.empty()) ::unlink(hidden_path_.c_str());
 }
 
@@ -78,15 +78,15 @@ void SpeechFile::Write(std::span<const std::int16_t> samples) {
   heard_ = heard_ || std::any_of(samples.begin(), samples.end(), [](std::int16_t one) { return one != 0; });
   errno = 0;
   const auto count = static_cast<sf_count_t>(samples.size());
-  if (sf_write_short(sound_.get(), samples.data(), count) == count) return;
+  if (sf_write_short(audio_.get(), samples.data(), count) == count) return;
   if (errno != 0) throw FileFailure(errno, path_);
-  Fail(sf_strerror(sound_.get()));
+  Fail(sf_strerror(audio_.get()));
 }
 
 void SpeechFile::Finish() {
   if (!heard_) Fail("no speech came out of the text");
   errno = 0;
-  if (sf_close(sound_.release()) != SF_ERR_NO_ERROR) throw FileFailure(errno, path_);
+  if (sf_close(audio_.release()) != SF_ERR_NO_ERROR) throw FileFailure(errno, path_);
   if (::fchmod(file_->Number(), NewFileMode()) != 0) throw FileFailure(errno, path_);
   file_->Sync();
   file_->Close();

@@ -42,7 +42,7 @@ class SpeechFile {
   std::string path_;
   std::string hidden_path_;
   std::optional<Descriptor> file_;
-  std::unique_ptr<SNDFILE, CloseSound> sound_;
+  std::unique_ptr<SNDFILE, CloseSound> audio_;
   std::uint64_t samples_ = 0;
   bool heard_ = false;
 };

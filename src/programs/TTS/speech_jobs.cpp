@@ -16,11 +16,11 @@ void Report(const std::string& text) {
   [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
 }
 
-SpeechJobs::SpeechJobs(SpeechEngine& engine, SpokenSound& sound)
-    : engine_(engine), sound_(sound), thread_([this] { Run(); }) {}
+SpeechJobs::SpeechJobs(SpeechEngine& engine, SpokenAudio& audio)
+    : engine_(engine), audio_(audio), thread_([this] { Run(); }) {}
 
 SpeechJobs::~SpeechJobs() {
-  sound_.CutOff();
+  audio_.CutOff();
   AbandonFiles([](const File&) { return true; });
   {
     const std::lock_guard lock(mutex_);
@@ -30,7 +30,7 @@ SpeechJobs::~SpeechJobs() {
   thread_.join();
 }
 
-void SpeechJobs::Say(Utterance utterance, SpokenSound::Ticket ticket) {
+void SpeechJobs::Say(Utterance utterance, SpokenAudio::Ticket ticket) {
   Add(Speech{std::move(utterance), ticket});
 }
 
@@ -113,27 +113,27 @@ void SpeechJobs::Do(const Job& job) {
 void SpeechJobs::Make(const Speech& speech) {
   try {
     engine_.Speak(speech.utterance, [&](std::span<const std::int16_t> samples) {
-      return sound_.Write(speech.ticket, samples);
+      return audio_.Write(speech.ticket, samples);
     });
   } catch (...) {
-    sound_.Finish(speech.ticket);
+    audio_.Finish(speech.ticket);
     throw;
   }
-  sound_.Finish(speech.ticket);
+  audio_.Finish(speech.ticket);
 }
 
 void SpeechJobs::Make(File& file) {
   if (file.Abandoned()) return;
-  SpeechFile sound(file.path, engine_.SampleRate());
+  SpeechFile audio_file(file.path, engine_.SampleRate());
   engine_.Speak(file.utterance, [&](std::span<const std::int16_t> samples) {
     if (file.Abandoned()) return false;
-    sound.Write(samples);
+    audio_file.Write(samples);
     return true;
   });
   if (file.Abandoned()) return;
-  sound.Finish();
+  audio_file.Finish();
   const std::lock_guard lock(file.mutex);
-  if (!file.abandoned) sound.Appear();
+  if (!file.abandoned) audio_file.Appear();
 }
 
 }  // namespace orven

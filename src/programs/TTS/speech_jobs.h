@@ -22,7 +22,7 @@ void Report(const std::string& text);
 class SpeechJobs {
  public:
   /// Both outlive this object and are used by its thread only, the sound also by others.
-  SpeechJobs(SpeechEngine& engine, SpokenSound& sound);
+  SpeechJobs(SpeechEngine& engine, SpokenAudio& audio);
 
   /// Abandons everything and waits for the thread, which ends with the present piece of speech.
   ~SpeechJobs();
@@ -30,7 +30,7 @@ class SpeechJobs {
   SpeechJobs& operator=(const SpeechJobs&) = delete;
 
   /// Speaks into the sound, which gave `ticket` for it. Waits for the files that are to be made.
-  void Say(Utterance utterance, SpokenSound::Ticket ticket);
+  void Say(Utterance utterance, SpokenAudio::Ticket ticket);
 
   /// Forgets all texts to be said; the one being said ends when the sound is cut off.
   void ForgetSpeech();
@@ -47,7 +47,7 @@ class SpeechJobs {
  private:
   struct Speech {
     Utterance utterance;
-    SpokenSound::Ticket ticket;
+    SpokenAudio::Ticket ticket;
   };
   struct File {
     Utterance utterance;
@@ -74,7 +74,7 @@ class SpeechJobs {
   void AbandonFiles(const std::function<bool(const File&)>& which);
 
   SpeechEngine& engine_;
-  SpokenSound& sound_;
+  SpokenAudio& audio_;
   std::mutex mutex_;
   std::condition_variable wake_;
   std::deque<Job> jobs_;  ///< the first is being done

@@ -17,11 +17,11 @@ constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 
 }  // namespace
 
-SpokenSound::SpokenSound(int sample_rate) : resampler_(sample_rate, kSampleRate) {
+SpokenAudio::SpokenAudio(int sample_rate) : resampler_(sample_rate, kSampleRate) {
   if (!resampler_.Valid()) throw std::runtime_error("speech cannot be brought to the telephone's rate");
 }
 
-SpokenSound::Announced SpokenSound::Announce() {
+SpokenAudio::Announced SpokenAudio::Announce() {
   const std::lock_guard lock(mutex_);
   ++coming_;
   silent_samples_ = 0;
@@ -30,17 +30,17 @@ SpokenSound::Announced SpokenSound::Announce() {
   return {ticket_, start};
 }
 
-bool SpokenSound::Write(Ticket ticket, std::span<const std::int16_t> samples) {
+bool SpokenAudio::Write(Ticket ticket, std::span<const std::int16_t> samples) {
   return Convert(ticket, samples, false);
 }
 
-void SpokenSound::Finish(Ticket ticket) {
+void SpokenAudio::Finish(Ticket ticket) {
   Convert(ticket, {}, true);
   const std::lock_guard lock(mutex_);
   if (ticket == ticket_) --coming_;
 }
 
-bool SpokenSound::Convert(Ticket ticket, std::span<const std::int16_t> samples, bool last) {
+bool SpokenAudio::Convert(Ticket ticket, std::span<const std::int16_t> samples, bool last) {
   if (converted_ != ticket) resampler_.Reset();
   converted_ = ticket;
   input_.resize(samples.size());
@@ -57,7 +57,7 @@ bool SpokenSound::Convert(Ticket ticket, std::span<const std::int16_t> samples, 
   return true;
 }
 
-void SpokenSound::CutOff() {
+void SpokenAudio::CutOff() {
   {
     const std::lock_guard lock(mutex_);
     ++ticket_;
@@ -68,7 +68,7 @@ void SpokenSound::CutOff() {
   room_.notify_all();
 }
 
-bool SpokenSound::Read(std::span<std::int16_t> block) {
+bool SpokenAudio::Read(std::span<std::int16_t> block) {
   const std::lock_guard lock(mutex_);
   const std::size_t count = std::min(samples_.size(), block.size());
   if (coming_ == 0 && count == 0) {

@@ -15,13 +15,13 @@ namespace orven {
 
 /// Speech on its way to the sound card, one text after the other: made into the telephone's rate, a few
 /// seconds of it kept in between. The thread that makes the speech waits here for room. Any thread.
-class SpokenSound : public AudioSource {
+class SpokenAudio : public AudioSource {
  public:
   /// Names the texts that were announced since the last cut.
   using Ticket = std::uint64_t;
 
   /// `sample_rate` is that of the samples written.
-  explicit SpokenSound(int sample_rate);
+  explicit SpokenAudio(int sample_rate);
 
   struct Announced {
     Ticket ticket;

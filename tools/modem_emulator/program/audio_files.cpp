@@ -10,7 +10,7 @@ constexpr int kRate = 8000;
 
 }  // namespace
 
-std::vector<std::int16_t> ReadSound(const std::string& path) {
+std::vector<std::int16_t> ReadAudio(const std::string& path) {
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
   if (!file) throw std::runtime_error(path + ": " + sf_strerror(nullptr));

@@ -13,7 +13,7 @@
 namespace orven::emulator {
 
 /// The samples of a sound file of one channel, 8000 a second. Throws std::runtime_error.
-std::vector<std::int16_t> ReadSound(const std::string& path);
+std::vector<std::int16_t> ReadAudio(const std::string& path);
 
 /// A WAV file that grows, valid after each Append. No file when the path is empty.
 class GrowingWav {

@@ -98,16 +98,16 @@ void ModemProgram::TakeLineStep(const Step& step) {
        }},
       {"say",
        [&] {
-         modem_.Say(ReadSound(step.rest));
+         modem_.Say(ReadAudio(step.rest));
          speaking_ = true;
        }},
       {"hangup", [this] { modem_.HangUp(); }},
       {"busy", [this] { modem_.HangUp(); }},
       {"dialtone", [this] { modem_.HangUpToDialTone(); }},
       {"silence", [this] { modem_.HangUpToSilence(); }},
-      {"sign",
+      {"event",
        [&] {
-         if (!step.rest.empty()) modem_.Sign(step.rest[0]);
+         if (!step.rest.empty()) modem_.Event(step.rest[0]);
        }},
       {"wedge", [this] { modem_.Wedge(); }},
       {"wake", [this] { modem_.Wake(); }},

@@ -27,7 +27,7 @@ const std::vector<std::pair<std::string, std::string>>& Verbs() {
       {"busy", "the same"},
       {"dialtone", "the caller hangs up; the dial tone follows"},
       {"silence", "the caller hangs up; nothing follows"},
-      {"sign", "X: the modem tells <DLE>X"},
+      {"event", "X: the modem tells <DLE>X"},
       {"wedge", "the modem answers nothing any more"},
       {"wake", "it answers again"},
       {"unplug", "the port goes away, and the link with it"},

@@ -40,61 +40,61 @@ std::optional<ModemReply::Kind> ResultOf(std::string_view line) {
 
 }  // namespace
 
-void ModemTalk::Ask(std::string command, Done done, std::chrono::milliseconds patience) {
+void AtChannel::Ask(std::string command, Done done, std::chrono::milliseconds patience) {
   Add({std::move(command), false, false, patience, std::move(done)});
 }
 
-void ModemTalk::AskForSound(std::string command, Direction direction, Done done) {
+void AtChannel::AskForAudio(std::string command, Direction direction, Done done) {
   Add({std::move(command), true, direction == Direction::Receive, kPatience, std::move(done)});
 }
 
-void ModemTalk::AwaitOk(Done done, std::chrono::milliseconds patience) {
+void AtChannel::AwaitOk(Done done, std::chrono::milliseconds patience) {
   Add({"", false, false, patience, std::move(done)});
 }
 
-void ModemTalk::Add(Question question) {
-  waiting_.push_back(std::move(question));
+void AtChannel::Add(Command command) {
+  waiting_.push_back(std::move(command));
   if (!asking_) Next();
 }
 
-void ModemTalk::Next() {
+void AtChannel::Next() {
   if (waiting_.empty()) return;
   asking_ = true;
-  asked_ = std::move(waiting_.front());
+  current_ = std::move(waiting_.front());
   waiting_.pop_front();
   reply_ = {};
-  if (asked_.sound_follows) reader_.ExpectSound();
-  if (!asked_.command.empty()) {
-    const auto line = asked_.command + '\r';
+  if (current_.audio_follows) reader_.ExpectAudio();
+  if (!current_.command.empty()) {
+    const auto line = current_.command + '\r';
     link_.Write(std::span(reinterpret_cast<const std::uint8_t*>(line.data()), line.size()));
   }
-  loop_.After(asked_.patience, lifeline_.Bind([this, turn = ++turn_] {
+  loop_.After(current_.patience, lifeline_.Bind([this, turn = ++turn_] {
     if (asking_ && turn == turn_) Finish(ModemReply::Kind::Nothing);
   }));
 }
 
-void ModemTalk::Finish(ModemReply::Kind kind) {
+void AtChannel::Finish(ModemReply::Kind kind) {
   reply_.kind = kind;
-  if (asked_.sound_follows && kind != ModemReply::Kind::Connect) reader_.ExpectLines();
+  if (current_.audio_follows && kind != ModemReply::Kind::Connect) reader_.ExpectLines();
   asking_ = false;
   const auto reply = std::move(reply_);
-  const auto done = std::move(asked_.done);
+  const auto done = std::move(current_.done);
   done(reply);
   if (!asking_) Next();
 }
 
-void ModemTalk::Forget() {
+void AtChannel::Forget() {
   waiting_.clear();
   asking_ = false;
   ++turn_;
 }
 
-void ModemTalk::Line(const std::string& text) {
+void AtChannel::Line(const std::string& text) {
   if (!asking_ || IsLineNews(text)) {
     strays_seen_ = strays_seen_ || text == "OK";
-    return unasked_.Line(text);
+    return unsolicited_.Line(text);
   }
-  if (!asked_.command.empty() && text == asked_.command) {
+  if (!current_.command.empty() && text == current_.command) {
     reply_.echoed = true;
     return;
   }
@@ -104,14 +104,14 @@ void ModemTalk::Line(const std::string& text) {
     return;
   }
   // Who has the call has to know before it is asked anything else.
-  if (IsHangUp(text)) unasked_.Line(text);
+  if (IsHangUp(text)) unsolicited_.Line(text);
   if (!asking_) return;
   // An OK where sound should begin belongs to something earlier.
-  if (asked_.wants_connect && *result == ModemReply::Kind::Ok) {
+  if (current_.wants_connect && *result == ModemReply::Kind::Ok) {
     strays_seen_ = true;
     return;
   }
-  if (!asked_.wants_connect && *result == ModemReply::Kind::Connect) return;
+  if (!current_.wants_connect && *result == ModemReply::Kind::Connect) return;
   Finish(*result);
 }
 

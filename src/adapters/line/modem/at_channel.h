@@ -64,18 +64,18 @@ struct ModemReply {
   bool Ok() const { return kind == Kind::Ok; }
 };
 
-/// Commands and their answers, one after the other; what belongs to no answer goes to `unasked`. A modem
+/// Commands and their answers, one after the other; what belongs to no answer goes to `unsolicited`. A modem
 /// says such things in the middle of an answer, too; NO CARRIER and BUSY are both. One thread; the link is
 /// open while anything is asked.
-class ModemTalk : private ModemSayings {
+class AtChannel : private ModemOutput {
  public:
   using Done = std::function<void(const ModemReply&)>;
 
   /// A modem answers within 100 ms; one that looks at the line first takes longer.
   static constexpr std::chrono::milliseconds kPatience{3'000};
 
-  ModemTalk(ModemLink& link, EventLoop& loop, ModemSayings& unasked)
-      : link_(link), loop_(loop), unasked_(unasked) {}
+  AtChannel(ModemLink& link, EventLoop& loop, ModemOutput& unsolicited)
+      : link_(link), loop_(loop), unsolicited_(unsolicited) {}
 
   void Received(std::span<const std::uint8_t> bytes) { reader_.Read(bytes); }
 
@@ -87,7 +87,7 @@ class ModemTalk : private ModemSayings {
 
   /// The same for a command that sound follows: its result is Connect or Error.
   enum class Direction : std::uint8_t { Transmit, Receive };
-  void AskForSound(std::string command, Direction direction, Done done);
+  void AskForAudio(std::string command, Direction direction, Done done);
 
   /// The modem will say OK of itself.
   void AwaitOk(Done done, std::chrono::milliseconds patience);
@@ -105,34 +105,34 @@ class ModemTalk : private ModemSayings {
   bool StraysSeen() const { return strays_seen_; }
 
  private:
-  struct Question {
+  struct Command {
     std::string command;  ///< empty: nothing is sent
     bool wants_connect = false;
-    bool sound_follows = false;
+    bool audio_follows = false;
     std::chrono::milliseconds patience;
     Done done;
   };
 
-  void Add(Question question);
+  void Add(Command command);
   void Next();
   void Finish(ModemReply::Kind kind);
 
   void Line(const std::string& text) override;
-  void Sign(char code) override { unasked_.Sign(code); }
-  void Packet(const std::string& text) override { unasked_.Packet(text); }
-  void Sound(std::span<const std::uint8_t> bytes) override { unasked_.Sound(bytes); }
-  void SoundEnded() override { unasked_.SoundEnded(); }
+  void Event(char code) override { unsolicited_.Event(code); }
+  void Packet(const std::string& text) override { unsolicited_.Packet(text); }
+  void Audio(std::span<const std::uint8_t> bytes) override { unsolicited_.Audio(bytes); }
+  void AudioEnded() override { unsolicited_.AudioEnded(); }
 
   ModemLink& link_;
   EventLoop& loop_;
-  ModemSayings& unasked_;
+  ModemOutput& unsolicited_;
   ModemReader reader_{*this};
-  std::deque<Question> waiting_;
-  Question asked_;
+  std::deque<Command> waiting_;
+  Command current_;
   bool asking_ = false;
   bool strays_seen_ = false;
   ModemReply reply_;
-  std::uint64_t turn_ = 0;  ///< tells the patience of one question from that of the next
+  std::uint64_t turn_ = 0;  ///< tells the patience of one command from that of the next
   Lifeline lifeline_;
 };
 

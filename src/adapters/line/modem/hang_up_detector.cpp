@@ -201,7 +201,7 @@ class SilentMinute {
 
 }  // namespace
 
-class HangUpSound::Impl {
+class HangUpDetector::Impl {
  public:
   explicit Impl(std::function<void(const char*)> heard) : heard_(std::move(heard)) {}
 
@@ -235,11 +235,11 @@ class HangUpSound::Impl {
   SilentMinute silence_;
 };
 
-HangUpSound::HangUpSound(std::function<void(const char*)> heard)
+HangUpDetector::HangUpDetector(std::function<void(const char*)> heard)
     : impl_(std::make_unique<Impl>(std::move(heard))) {}
-HangUpSound::~HangUpSound() = default;
+HangUpDetector::~HangUpDetector() = default;
 
-void HangUpSound::Listen(std::span<const std::int16_t> samples) {
+void HangUpDetector::Listen(std::span<const std::int16_t> samples) {
   impl_->Listen(samples);
 }
 

@@ -69,7 +69,7 @@ milliseconds RetryAfter(PreparedModem::State state) {
 ModemAgent::ModemAgent(ModemLineSettings settings, Ports ports)
     : settings_(std::move(settings)),
       ports_(ports),
-      talk_(ports.link, ports.loop, *this),
+      channel_(ports.link, ports.loop, *this),
       health_(ports.loop.MakeTimer([this] {
         if (state_ == State::Ready && !call_) CheckHealth(kHealthTries);
       })) {}
@@ -139,7 +139,7 @@ void ModemAgent::Prepare() {
   state_ = State::Preparing;
   if (trouble_.log.empty()) settings_.state_news("Asking the modem");
   preparation_ =
-      std::make_unique<ModemPreparation>(talk_, ports_.link, ports_.loop, [this](const auto& modem) {
+      std::make_unique<ModemPreparation>(channel_, ports_.link, ports_.loop, [this](const auto& modem) {
         // Not within the preparation, which goes now.
         ports_.loop.Post(lifeline_.Bind([this, modem] { Prepared(modem); }));
       });
@@ -168,7 +168,7 @@ void ModemAgent::Prepared(const PreparedModem& modem) {
 }
 
 void ModemAgent::LetGo(const LineTrouble& trouble, milliseconds retry) {
-  talk_.Forget();
+  channel_.Forget();
   ports_.link.Close();
   preparation_.reset();
   state_ = State::Away;
@@ -187,7 +187,7 @@ void ModemAgent::Trouble(const LineTrouble& trouble) {
 }
 
 void ModemAgent::CheckHealth(int tries_left) {
-  talk_.Ask("AT", [this, tries_left](const ModemReply& reply) {
+  channel_.Ask("AT", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Ready || call_) return;
     if (reply.kind == ModemReply::Kind::Nothing)
       return tries_left > 1 ? CheckHealth(tries_left - 1) : ModemFailed();
@@ -202,7 +202,7 @@ void ModemAgent::ModemFailed() {
 
 void ModemAgent::Lost() {
   if (state_ == State::Closed) return;
-  talk_.Forget();
+  channel_.Forget();
   if (call_) call_->Lost();
   gone_ = true;
   LetGo({"The modem is gone: is it plugged in?",
@@ -214,7 +214,7 @@ ModemCall& ModemAgent::CallInProgress() {
   if (!call_) {
     call_ = std::make_unique<ModemCall>(
         calls_ + 1, modem_,
-        ModemCallPorts{talk_, ports_.link, ports_.loop, ports_.clock, ports_.audio, ports_.events},
+        ModemCallPorts{channel_, ports_.link, ports_.loop, ports_.clock, ports_.audio, ports_.events},
         ModemCall::Listener{[this] { ports_.loop.Post(lifeline_.Bind([this] { CallOver(); })); },
                             [this] { ports_.loop.Post(lifeline_.Bind([this] { ModemFailed(); })); },
                             settings_.report});
@@ -224,7 +224,7 @@ ModemCall& ModemAgent::CallInProgress() {
 
 void ModemAgent::CallOver() {
   if (call_ && call_->Offered()) ++calls_;
-  talk_.Forget();
+  channel_.Forget();
   call_.reset();
   if (!closed_) return;
   ports_.link.Close();
@@ -236,7 +236,7 @@ void ModemAgent::Shutdown(std::function<void()> done) {
   state_ = State::Closed;
   health_->Stop();
   ++look_;
-  if (preparation_) talk_.Forget();
+  if (preparation_) channel_.Forget();
   preparation_.reset();
   closed_ = std::move(done);
   if (!call_) return CallOver();
@@ -244,8 +244,8 @@ void ModemAgent::Shutdown(std::function<void()> done) {
   call_->Drop(0);
   ports_.loop.After(kLongestGoodbye, lifeline_.Bind([this] {
     if (!call_) return;
-    talk_.Forget();
-    talk_.Ask("ATH");
+    channel_.Forget();
+    channel_.Ask("ATH");
     ports_.loop.After(kLastWord, lifeline_.Bind([this] {
       if (call_) call_->Lost();
     }));
@@ -283,22 +283,22 @@ void ModemAgent::Line(const std::string& text) {
   if (CallerIdLines().Take(text)) CallInProgress().CallerIdLine(text);
 }
 
-void ModemAgent::Sign(char code) {
+void ModemAgent::Event(char code) {
   if (state_ != State::Ready && !(call_ && closed_)) return;
   if (code == 'R') return CallInProgress().Ring();
-  if (call_) call_->Sign(code);
+  if (call_) call_->Event(code);
 }
 
 void ModemAgent::Packet(const std::string& text) {
   if (state_ == State::Ready) CallInProgress().CallerIdPacket(text);
 }
 
-void ModemAgent::Sound(std::span<const std::uint8_t> bytes) {
-  if (call_) call_->Sound(bytes);
+void ModemAgent::Audio(std::span<const std::uint8_t> bytes) {
+  if (call_) call_->Audio(bytes);
 }
 
-void ModemAgent::SoundEnded() {
-  if (call_) call_->SoundEnded();
+void ModemAgent::AudioEnded() {
+  if (call_) call_->AudioEnded();
 }
 
 }  // namespace orven

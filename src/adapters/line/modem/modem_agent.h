@@ -25,7 +25,7 @@ struct LineTrouble {
 
 /// A line at a voice modem: finds the modem, keeps it ready, and has its calls. A modem that is not there,
 /// or goes, or stops answering, is looked for until it works. One thread, that of `loop`.
-class ModemAgent : private ModemLinkEvents, private ModemSayings {
+class ModemAgent : private ModemLinkEvents, private ModemOutput {
  public:
   /// All of these outlive the agent.
   struct Ports {
@@ -67,18 +67,18 @@ class ModemAgent : private ModemLinkEvents, private ModemSayings {
   void CallOver();
   ModemCall* Find(CallNumber call) const;
 
-  void Received(std::span<const std::uint8_t> bytes) override { talk_.Received(bytes); }
+  void Received(std::span<const std::uint8_t> bytes) override { channel_.Received(bytes); }
   void Lost() override;
 
   void Line(const std::string& text) override;
-  void Sign(char code) override;
+  void Event(char code) override;
   void Packet(const std::string& text) override;
-  void Sound(std::span<const std::uint8_t> bytes) override;
-  void SoundEnded() override;
+  void Audio(std::span<const std::uint8_t> bytes) override;
+  void AudioEnded() override;
 
   const ModemLineSettings settings_;
   Ports ports_;
-  ModemTalk talk_;
+  AtChannel channel_;
   State state_ = State::Closed;
   std::vector<std::string> candidates_;  ///< ports that are still to be tried
   std::vector<std::string> asked_;       ///< those that are tried this time, or had no modem last time

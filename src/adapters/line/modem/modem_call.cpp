@@ -54,7 +54,7 @@ constexpr milliseconds kShortestOffHook{600};
 constexpr milliseconds kHangUpPatience{1'000};
 
 /// While we transmit a modem may take our own sound for a tone of the exchange: it has to say so twice.
-constexpr milliseconds kSignsBelongTogether{3'000};
+constexpr milliseconds kSameHangUp{3'000};
 
 /// What a sign says of the caller's hanging up, in words for the log.
 const char* WordsOf(char code) {
@@ -68,7 +68,7 @@ const char* WordsOf(char code) {
 
 }  // namespace
 
-std::optional<char> KeyPresses::Sign(char code, Time now) {
+std::optional<char> KeyPresses::Event(char code, Time now) {
   if (code == kBegins || code == kEnds) {
     bracket_ = code == kBegins;
     told_ = false;
@@ -158,9 +158,9 @@ void ModemCall::Answer(std::int32_t request) {
 }
 
 void ModemCall::TryToAnswer(int tries_left) {
-  ports_.talk.Ask("AT+FCLASS=8");
+  ports_.channel.Ask("AT+FCLASS=8");
   off_hook_asked_ = true;
-  ports_.talk.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+  ports_.channel.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Answering) return;
     if (reply.Ok()) return Connect();
     if (reply.kind == ModemReply::Kind::Nothing) return GiveUpAnswer();
@@ -196,22 +196,22 @@ void ModemCall::Connect() {
   if (rejected) return After(kShortestOffHook, [this] { OnHook(); });
   ports_.events.Connected(number_);
   voice_ = std::make_unique<VoicePath>(
-      ports_.talk, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
+      ports_.channel, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
       VoicePath::Listener{
           [this](const char* what) { After(milliseconds(0), [this, what] { CallerGone(what); }); },
-          [this] { RefusesSound(); }, [this] { VoiceFailed(); }});
+          [this] { RefusesAudio(); }, [this] { VoiceFailed(); }});
   SetUpVoice([this](const ModemReply&) {
     if (state_ == State::Connected && !answering_again_) voice_->Begin();
   });
 }
 
 /// Some modems forget these when they leave voice mode.
-void ModemCall::SetUpVoice(ModemTalk::Done done) {
-  if (modem_.detects_silence) ports_.talk.Ask("AT+VSD=128,0");  // our own detection decides
+void ModemCall::SetUpVoice(AtChannel::Done done) {
+  if (modem_.detects_silence) ports_.channel.Ask("AT+VSD=128,0");  // our own detection decides
   if (modem_.has_gains) {
-    for (const char* nominal : {"AT+VGR=128", "AT+VGT=128"}) ports_.talk.Ask(nominal);
+    for (const char* nominal : {"AT+VGR=128", "AT+VGT=128"}) ports_.channel.Ask(nominal);
   }
-  ports_.talk.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
+  ports_.channel.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
 }
 
 /// The answer has not taken: nobody has heard anything yet.
@@ -222,7 +222,7 @@ void ModemCall::RingsOn() {
 }
 
 /// It says so at once when it is still on-hook.
-void ModemCall::RefusesSound() {
+void ModemCall::RefusesAudio() {
   if (state_ != State::Connected || answering_again_) return;
   if (--refusals_left_ == 0) return VoiceFailed();
   answering_again_ = true;
@@ -231,7 +231,7 @@ void ModemCall::RefusesSound() {
 
 void ModemCall::AnswerAgain(int tries_left) {
   if (state_ != State::Connected) return;
-  ports_.talk.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+  ports_.channel.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Connected) return;
     if (reply.kind == ModemReply::Kind::Nothing) return VoiceFailed();
     if (!reply.Ok() && tries_left > 1) return After(kAnswerPause, [=, this] { AnswerAgain(tries_left - 1); });
@@ -244,18 +244,18 @@ void ModemCall::AnswerAgain(int tries_left) {
   });
 }
 
-void ModemCall::Sign(char code) {
+void ModemCall::Event(char code) {
   if (state_ != State::Connected) return;
   if (code == 'u') return voice_->Underrun();
   if (code == 'o') return voice_->Overrun();
-  if (const auto key = keys_.Sign(code, Now())) {
+  if (const auto key = keys_.Event(code, Now())) {
     if (monitor_digits_) ports_.events.Digit(number_, *key);
     return;
   }
-  HangUpSign(code);
+  HangUpEvent(code);
 }
 
-void ModemCall::HangUpSign(char code) {
+void ModemCall::HangUpEvent(char code) {
   switch (code) {
     case 'b':
     case 'K':
@@ -270,8 +270,8 @@ void ModemCall::HangUpSign(char code) {
 }
 
 void ModemCall::HangUpTone(char code) {
-  const auto before = std::exchange(hang_up_sign_at_, Now());
-  const bool twice = before && Now() - *before <= kSignsBelongTogether;
+  const auto before = std::exchange(hang_up_event_at_, Now());
+  const bool twice = before && Now() - *before <= kSameHangUp;
   if (voice_->Receives() || twice) CallerGone(WordsOf(code));
 }
 
@@ -306,11 +306,11 @@ void ModemCall::HangUp() {
 }
 
 void ModemCall::OnHook() {
-  ports_.talk.Ask(
+  ports_.channel.Ask(
       "AT+VLS=0", [](const ModemReply&) {}, kHangUpPatience);
-  ports_.talk.Ask(
+  ports_.channel.Ask(
       "ATH", [](const ModemReply&) {}, kHangUpPatience);
-  ports_.talk.Ask(
+  ports_.channel.Ask(
       "AT+FCLASS=0",
       [this](const ModemReply& reply) {
         if (state_ == State::Over) return;

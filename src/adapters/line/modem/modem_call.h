@@ -26,7 +26,7 @@ class KeyPresses {
   using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
 
   /// `code` of a <DLE> sign, whatever it is. The key, '0'-'9', '*', '#', 'A'-'D', of a new press.
-  std::optional<char> Sign(char code, Time now);
+  std::optional<char> Event(char code, Time now);
 
  private:
   bool bracket_ = false;
@@ -58,7 +58,7 @@ class RingPattern {
 
 /// What a call on a modem needs of its surroundings.
 struct ModemCallPorts {
-  ModemTalk& talk;
+  AtChannel& channel;
   ModemLink& link;
   EventLoop& loop;
   const Clock& clock;
@@ -84,13 +84,13 @@ class ModemCall {
   void Ring();
   void CallerIdLine(const std::string& line);
   void CallerIdPacket(const std::string& packet);
-  void Sign(char code);
+  void Event(char code);
   void NoCarrier();
-  void Sound(std::span<const std::uint8_t> bytes) {
-    if (voice_) voice_->Sound(bytes);
+  void Audio(std::span<const std::uint8_t> bytes) {
+    if (voice_) voice_->Audio(bytes);
   }
-  void SoundEnded() {
-    if (voice_) voice_->SoundEnded();
+  void AudioEnded() {
+    if (voice_) voice_->AudioEnded();
   }
 
   /// From the program; `request` 0: nobody waits for it.
@@ -117,12 +117,12 @@ class ModemCall {
   void AnswerRefused();
   void GiveUpAnswer();
   void Connect();
-  void SetUpVoice(ModemTalk::Done done);
+  void SetUpVoice(AtChannel::Done done);
   void RingsOn();
-  void RefusesSound();
+  void RefusesAudio();
   void AnswerAgain(int tries_left);
   void CallerGone(const std::string& why);
-  void HangUpSign(char code);
+  void HangUpEvent(char code);
   void HangUpTone(char code);
   void HangUp();
   void OnHook();
@@ -149,7 +149,7 @@ class ModemCall {
   bool off_hook_asked_ = false;
   bool dropping_ = false;  ///< our side wants to hang up
   bool failed_ = false;    ///< the modem has to be asked anew after the call
-  std::optional<std::chrono::milliseconds> hang_up_sign_at_;  ///< the latest one while transmitting
+  std::optional<std::chrono::milliseconds> hang_up_event_at_;  ///< the latest one while transmitting
   std::chrono::milliseconds connected_at_{0};
   std::uint64_t caller_lines_ = 0;  ///< tells the latest line of a caller id from earlier ones
   std::uint64_t ring_waits_ = 0;    ///< the same for rings

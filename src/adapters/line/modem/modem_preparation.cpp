@@ -65,16 +65,16 @@ std::optional<Version> VersionIn(const std::string& text) {
 }  // namespace
 
 void ModemPreparation::Start() {
-  talk_.Forget();
-  talk_.ExpectLines();
-  talk_.Write(kPurge);
-  loop_.After(kPause, lifeline_.Bind([this] { talk_.Write(kAbort); }));
-  loop_.After(kPause * 2, lifeline_.Bind([this] { talk_.Write(kReturn); }));
+  channel_.Forget();
+  channel_.ExpectLines();
+  channel_.Write(kPurge);
+  loop_.After(kPause, lifeline_.Bind([this] { channel_.Write(kAbort); }));
+  loop_.After(kPause * 2, lifeline_.Bind([this] { channel_.Write(kReturn); }));
   loop_.After(kPause * 2 + kQuiet, lifeline_.Bind([this] { WakeUp(kWakeUpTries); }));
 }
 
 void ModemPreparation::WakeUp(int tries_left) {
-  talk_.Ask(
+  channel_.Ask(
       "AT",
       [this, tries_left](const ModemReply& reply) {
         if (reply.Ok()) return Reset();
@@ -88,7 +88,7 @@ void ModemPreparation::WakeUp(int tries_left) {
 
 void ModemPreparation::Reset() {
   // Some take a moment after a command that resets them.
-  for (const char* command : {"ATH0", "ATZ", "ATE0V1Q0", "ATS0=0"}) talk_.Ask(command);
+  for (const char* command : {"ATH0", "ATZ", "ATE0V1Q0", "ATS0=0"}) channel_.Ask(command);
   const auto name = [this](const ModemReply& reply) {
     for (const auto& line : reply.lines) {
       if (modem_.identity.find(line) == std::string::npos) {
@@ -97,22 +97,22 @@ void ModemPreparation::Reset() {
     }
   };
   for (const char* command : {"ATI0", "ATI3", "ATI7", "AT+GMI", "AT+FMI?", "AT+FMM?"})
-    talk_.Ask(command, name);
+    channel_.Ask(command, name);
   AskClasses();
 }
 
 void ModemPreparation::AskClasses() {
-  talk_.Ask("AT+FCLASS=?", [this](const ModemReply& reply) {
+  channel_.Ask("AT+FCLASS=?", [this](const ModemReply& reply) {
     if (!std::ranges::any_of(reply.lines, ListsVoice)) return Finish(PreparedModem::State::NoVoice);
     AskVoice();
   });
 }
 
 void ModemPreparation::AskVoice() {
-  talk_.Ask("AT+FCLASS=8");
-  talk_.Ask("AT+VSD=?", [this](const ModemReply& reply) { modem_.detects_silence = reply.Ok(); });
-  talk_.Ask("AT+VGR=?", [this](const ModemReply& reply) { modem_.has_gains = reply.Ok(); });
-  talk_.Ask("AT+VSM=?", [this](const ModemReply& reply) {
+  channel_.Ask("AT+FCLASS=8");
+  channel_.Ask("AT+VSD=?", [this](const ModemReply& reply) { modem_.detects_silence = reply.Ok(); });
+  channel_.Ask("AT+VGR=?", [this](const ModemReply& reply) { modem_.has_gains = reply.Ok(); });
+  channel_.Ask("AT+VSM=?", [this](const ModemReply& reply) {
     formats_ = OfferedFormats(reply.lines);
     if (formats_.empty()) formats_ = UsualFormats();
     TryFormat();
@@ -126,18 +126,18 @@ void ModemPreparation::TryFormat() {
 }
 
 void ModemPreparation::TryRate() {
-  talk_.Ask(
+  channel_.Ask(
       "AT",
       [this](const ModemReply& reply) {
         if (reply.Ok()) return SetFormat();
         link_.SetRate(kUsualRate);
-        talk_.Ask("AT", [this](const ModemReply&) { TryNextFormat(); });
+        channel_.Ask("AT", [this](const ModemReply&) { TryNextFormat(); });
       },
       kWakeUpPatience);
 }
 
 void ModemPreparation::SetFormat() {
-  talk_.Ask("AT+VSM=" + formats_.front().setting, [this](const ModemReply& reply) {
+  channel_.Ask("AT+VSM=" + formats_.front().setting, [this](const ModemReply& reply) {
     if (!reply.Ok()) return TryNextFormat();
     modem_.format = formats_.front();
     WaitForCalls();
@@ -152,7 +152,7 @@ void ModemPreparation::TryNextFormat() {
 void ModemPreparation::AskPresentFormat() {
   if (last_formats_) return Finish(PreparedModem::State::NoFormat);
   last_formats_ = true;
-  talk_.Ask("AT+VSM?", [this](const ModemReply& reply) {
+  channel_.Ask("AT+VSM?", [this](const ModemReply& reply) {
     formats_ = PresentFormat(reply.lines);
     TryFormat();
   });
@@ -160,22 +160,22 @@ void ModemPreparation::AskPresentFormat() {
 
 void ModemPreparation::WaitForCalls() {
   // A modem that hangs up by itself when nothing comes for a while would cut greetings short.
-  talk_.Ask("AT+VIT=0");
-  talk_.Ask("AT+FCLASS=0");
-  talk_.Ask("AT+VCID=1", [this](const ModemReply& reply) {
+  channel_.Ask("AT+VIT=0");
+  channel_.Ask("AT+FCLASS=0");
+  channel_.Ask("AT+VCID=1", [this](const ModemReply& reply) {
     const auto ready = [this](const ModemReply& last) {
       modem_.always_echoes = last.echoed;
       Finish(last.kind == ModemReply::Kind::Nothing ? PreparedModem::State::Silent
                                                     : PreparedModem::State::Ready);
     };
-    if (!reply.Ok()) talk_.Ask("AT#CID=1");
-    talk_.Ask("ATM0", ready);
+    if (!reply.Ok()) channel_.Ask("AT#CID=1");
+    channel_.Ask("ATM0", ready);
   });
 }
 
 void ModemPreparation::Finish(PreparedModem::State state) {
   modem_.state = state;
-  if (state != PreparedModem::State::Ready) talk_.Forget();
+  if (state != PreparedModem::State::Ready) channel_.Forget();
   done_(modem_);
 }
 

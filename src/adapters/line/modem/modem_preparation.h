@@ -39,8 +39,8 @@ class ModemPreparation {
  public:
   using Done = std::function<void(const PreparedModem&)>;
 
-  ModemPreparation(ModemTalk& talk, ModemLink& link, EventLoop& loop, Done done)
-      : talk_(talk), link_(link), loop_(loop), done_(std::move(done)) {}
+  ModemPreparation(AtChannel& channel, ModemLink& link, EventLoop& loop, Done done)
+      : channel_(channel), link_(link), loop_(loop), done_(std::move(done)) {}
 
   /// `done` is told once, unless this goes before.
   void Start();
@@ -58,7 +58,7 @@ class ModemPreparation {
   void WaitForCalls();
   void Finish(PreparedModem::State state);
 
-  ModemTalk& talk_;
+  AtChannel& channel_;
   ModemLink& link_;
   EventLoop& loop_;
   Done done_;

@@ -51,10 +51,10 @@ void AppendShielded(std::span<const std::uint8_t> sound, std::vector<std::uint8_
 void ModemReader::Read(std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
     if (mode_ == Mode::Connected) {
-      mode_ = Mode::Sound;
+      mode_ = Mode::Audio;
       if (bytes.front() == '\n') bytes = bytes.subspan(1);
-    } else if (mode_ == Mode::Sound && !packet_ && (!dle_ || bytes.front() == kDle)) {
-      bytes = bytes.subspan(ReadSound(bytes));
+    } else if (mode_ == Mode::Audio && !packet_ && (!dle_ || bytes.front() == kDle)) {
+      bytes = bytes.subspan(ReadAudio(bytes));
     } else {
       const auto byte = bytes.front();
       bytes = bytes.subspan(1);
@@ -65,18 +65,18 @@ void ModemReader::Read(std::span<const std::uint8_t> bytes) {
 
 void ModemReader::ExpectLines() {
   mode_ = Mode::Lines;
-  sound_expected_ = dle_ = packet_ = too_long_ = false;
+  audio_expected_ = dle_ = packet_ = too_long_ = false;
   line_.clear();
 }
 
 /// Hands over the samples at the beginning of `bytes` in one run, and returns how many bytes were read.
 /// A <DLE> behind a <DLE> is a sample, which the run begins with.
-std::size_t ModemReader::ReadSound(std::span<const std::uint8_t> bytes) {
+std::size_t ModemReader::ReadAudio(std::span<const std::uint8_t> bytes) {
   const auto dle = std::find(bytes.begin() + (dle_ ? 1 : 0), bytes.end(), kDle);
   const auto run = bytes.first(static_cast<std::size_t>(dle - bytes.begin()));
   dle_ = dle != bytes.end();
   const auto read = run.size() + (dle_ ? 1 : 0);
-  if (!run.empty()) sayings_.Sound(run);
+  if (!run.empty()) output_.Audio(run);
   return read;
 }
 
@@ -92,27 +92,27 @@ void ModemReader::ReadByte(std::uint8_t byte) {
 }
 
 void ModemReader::BehindDle(std::uint8_t byte) {
-  const bool sound = mode_ == Mode::Sound;
+  const bool sound = mode_ == Mode::Audio;
   if (IsVisible(byte)) {
-    ReadSign(static_cast<char>(byte));
+    ReadEvent(static_cast<char>(byte));
   } else if (sound && (byte == kEtx || byte == kEsc)) {
-    EndSound();
+    EndAudio();
   } else if (sound && !packet_) {
-    if (byte == kSub) sayings_.Sound(kTwoDle);
+    if (byte == kSub) output_.Audio(kTwoDle);
   } else {
     ReadText(byte);  // the <DLE> was garbage; it must not cost the line its end
   }
 }
 
-void ModemReader::ReadSign(char code) {
+void ModemReader::ReadEvent(char code) {
   if (code == kPacketBegins) {
     packet_ = true;
     packet_text_.clear();
   } else if (packet_ && code == kPacketEnds) {
     packet_ = false;
-    sayings_.Packet(std::exchange(packet_text_, {}));
+    output_.Packet(std::exchange(packet_text_, {}));
   } else {
-    sayings_.Sign(code);
+    output_.Event(code);
   }
 }
 
@@ -132,18 +132,18 @@ void ModemReader::ReadText(std::uint8_t byte) {
 void ModemReader::EndLine(std::uint8_t end) {
   const auto text = Trimmed(std::exchange(line_, {}));
   if (std::exchange(too_long_, false) || text.empty()) return;
-  if (sound_expected_ && IsConnect(text)) {
-    sound_expected_ = false;
-    mode_ = end == '\n' ? Mode::Sound : Mode::Connected;
+  if (audio_expected_ && IsConnect(text)) {
+    audio_expected_ = false;
+    mode_ = end == '\n' ? Mode::Audio : Mode::Connected;
   }
-  sayings_.Line(text);
+  output_.Line(text);
 }
 
-void ModemReader::EndSound() {
+void ModemReader::EndAudio() {
   mode_ = Mode::Lines;
   packet_ = too_long_ = false;
   line_.clear();
-  sayings_.SoundEnded();
+  output_.AudioEnded();
 }
 
 }  // namespace orven

@@ -19,22 +19,22 @@ inline constexpr std::uint8_t kEsc = 0x1B;  ///< ends receiving
 void AppendShielded(std::span<const std::uint8_t> sound, std::vector<std::uint8_t>& out);
 
 /// What a voice modem says, in the order in which it says it.
-class ModemSayings {
+class ModemOutput {
  public:
-  virtual ~ModemSayings() = default;
+  virtual ~ModemOutput() = default;
 
   /// A line of text without its end and without blanks around it; never empty, no control characters.
   virtual void Line(const std::string& text) = 0;
   /// <DLE>x: something happened on the line, for example 'R' a ring, '5' a key, 'b' the busy tone. Any
   /// visible ASCII character, also one that means nothing.
-  virtual void Sign(char code) = 0;
+  virtual void Event(char code) = 0;
   /// <DLE>X … <DLE>.: a packet, for example a caller id. Its lines keep their ends; no other control
   /// characters.
   virtual void Packet(const std::string& text) = 0;
   /// Received sound, unshielded, in the modem's sample format. Good during the call only.
-  virtual void Sound(std::span<const std::uint8_t> bytes) = 0;
+  virtual void Audio(std::span<const std::uint8_t> bytes) = 0;
   /// The received sound is over (<DLE><ETX>, <DLE><ESC>); lines follow.
-  virtual void SoundEnded() = 0;
+  virtual void AudioEnded() = 0;
 };
 
 /// Takes apart a voice modem's bytes (ITU-T V.253; Hayes commands, ITU-T V.250), however they are split.
@@ -45,13 +45,13 @@ class ModemReader {
   /// too, and what follows is read as if it had ended.
   static constexpr std::size_t kLongestLine = 1024;
 
-  /// `sayings` is called within Read; it may call ExpectSound and ExpectLines there.
-  explicit ModemReader(ModemSayings& sayings) : sayings_(sayings) {}
+  /// `output` is called within Read; it may call ExpectAudio and ExpectLines there.
+  explicit ModemReader(ModemOutput& output) : output_(output) {}
 
   void Read(std::span<const std::uint8_t> bytes);
 
-  /// Sound begins right behind the line end of the next "CONNECT", and ends with SoundEnded.
-  void ExpectSound() { sound_expected_ = true; }
+  /// Sound begins right behind the line end of the next "CONNECT", and ends with AudioEnded.
+  void ExpectAudio() { audio_expected_ = true; }
 
   /// Whatever comes now are lines, also in the middle of sound: its end was lost. Nor is sound expected any
   /// more.
@@ -61,20 +61,20 @@ class ModemReader {
   enum class Mode : std::uint8_t {
     Lines,
     Connected,  ///< behind the <CR> of "CONNECT": an <LF> still belongs to it
-    Sound,
+    Audio,
   };
 
-  std::size_t ReadSound(std::span<const std::uint8_t> bytes);
+  std::size_t ReadAudio(std::span<const std::uint8_t> bytes);
   void ReadByte(std::uint8_t byte);
   void BehindDle(std::uint8_t byte);
-  void ReadSign(char code);
+  void ReadEvent(char code);
   void ReadText(std::uint8_t byte);
   void EndLine(std::uint8_t end);
-  void EndSound();
+  void EndAudio();
 
-  ModemSayings& sayings_;
+  ModemOutput& output_;
   Mode mode_ = Mode::Lines;
-  bool sound_expected_ = false;
+  bool audio_expected_ = false;
   bool dle_ = false;       ///< the byte before was a <DLE> that begins something
   bool packet_ = false;    ///< within <DLE>X … <DLE>.
   bool too_long_ = false;  ///< the rest of this line is thrown away

@@ -38,7 +38,7 @@ constexpr milliseconds kTick{kBlockSamples * 1000 / kSampleRate};
 constexpr milliseconds kLongestStall{3'000};
 
 /// After a pause of this length sound may have been lost.
-constexpr milliseconds kPauseInSound{300};
+constexpr milliseconds kPauseInAudio{300};
 
 /// Sound that a port has not taken in two seconds, at 16 bits; its modem has stopped.
 constexpr std::size_t kMostUnsent = std::size_t{2} * 2 * kSampleRate;
@@ -54,7 +54,7 @@ constexpr milliseconds kStrayTime{120};
 
 constexpr int kTries = 3;
 
-constexpr std::array<std::uint8_t, 2> kEndOfSound{kDle, kEtx};
+constexpr std::array<std::uint8_t, 2> kEndOfAudio{kDle, kEtx};
 
 /// The ways in which modems stop playing at once, one after the other. The zero is for a <DLE> whose second
 /// byte was thrown away: it would make sound of what follows.
@@ -80,17 +80,17 @@ class VoicePath::Receiver {
   /// A new stretch of sound begins.
   void Begin() { decoder_.emplace(format_); }
 
-  void Sound(std::span<const std::uint8_t> bytes);
+  void Audio(std::span<const std::uint8_t> bytes);
 
  private:
   const VoiceFormat format_;
   LineAudio& audio_;
-  HangUpSound hang_up_;
+  HangUpDetector hang_up_;
   std::optional<SampleDecoder> decoder_;
   std::vector<std::int16_t> samples_;  ///< less than a block, and what is being added
 };
 
-void VoicePath::Receiver::Sound(std::span<const std::uint8_t> bytes) {
+void VoicePath::Receiver::Audio(std::span<const std::uint8_t> bytes) {
   if (!decoder_) Begin();
   decoder_->Decode(bytes, samples_);
   std::span<const std::int16_t> left(samples_);
@@ -191,9 +191,9 @@ bool VoicePath::Transmitter::NextBlock(std::span<std::int16_t> block) {
   return true;
 }
 
-VoicePath::VoicePath(ModemTalk& talk, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
-                     const VoiceFormat& format, Listener listener)
-    : talk_(talk),
+VoicePath::VoicePath(AtChannel& channel, ModemLink& link, EventLoop& loop, const Clock& clock,
+                     LineAudio& audio, const VoiceFormat& format, Listener listener)
+    : channel_(channel),
       link_(link),
       loop_(loop),
       clock_(clock),
@@ -231,20 +231,21 @@ void VoicePath::End(std::function<void()> done) {
 }
 
 void VoicePath::Choose() {
-  Ask(transmitter_->Wanted() ? ModemTalk::Direction::Transmit : ModemTalk::Direction::Receive, kTries);
+  Ask(transmitter_->Wanted() ? AtChannel::Direction::Transmit : AtChannel::Direction::Receive, kTries);
 }
 
-void VoicePath::Ask(ModemTalk::Direction direction, int tries_left) {
+void VoicePath::Ask(AtChannel::Direction direction, int tries_left) {
   state_ = State::Beginning;
-  const bool transmit = direction == ModemTalk::Direction::Transmit;
-  talk_.AskForSound(transmit ? "AT+VTX" : "AT+VRX", direction,
-                    [this, direction, transmit, tries_left](const ModemReply& reply) {
-                      if (reply.kind == ModemReply::Kind::Connect) return transmit ? Transmit() : Receive();
-                      if (ended_) return GoOn();
-                      if (reply.kind == ModemReply::Kind::Error) return Refused();
-                      if (tries_left > 1) return Ask(direction, tries_left - 1);
-                      Fail();
-                    });
+  const bool transmit = direction == AtChannel::Direction::Transmit;
+  channel_.AskForAudio(transmit ? "AT+VTX" : "AT+VRX", direction,
+                       [this, direction, transmit, tries_left](const ModemReply& reply) {
+                         if (reply.kind == ModemReply::Kind::Connect)
+                           return transmit ? Transmit() : Receive();
+                         if (ended_) return GoOn();
+                         if (reply.kind == ModemReply::Kind::Error) return Refused();
+                         if (tries_left > 1) return Ask(direction, tries_left - 1);
+                         Fail();
+                       });
 }
 
 void VoicePath::Transmit() {
@@ -257,7 +258,7 @@ void VoicePath::Transmit() {
 void VoicePath::Receive() {
   state_ = State::Receiving;
   receiver_->Begin();
-  latest_sound_ = clock_.Uptime();
+  latest_audio_ = clock_.Uptime();
   heard_ = false;
   if (ended_) StopReceiving(0);
 }
@@ -277,7 +278,7 @@ void VoicePath::TickTransmitting() {
   }
   std::vector<std::uint8_t> bytes;
   const bool more = transmitter_->Due(clock_.Uptime(), bytes);
-  if (!bytes.empty()) talk_.Write(bytes);
+  if (!bytes.empty()) channel_.Write(bytes);
   if (link_.Unsent() > kMostUnsent) return Fail();
   if (!more) Drain();
 }
@@ -285,7 +286,7 @@ void VoicePath::TickTransmitting() {
 void VoicePath::TickReceiving() {
   silent_since_ = clock_.Uptime();
   (void)audio_.TakeCut();
-  if (clock_.Uptime() - latest_sound_ > kLongestStall) return Fail();
+  if (clock_.Uptime() - latest_audio_ > kLongestStall) return Fail();
   if (transmitter_->Wanted()) StopReceiving(0);
 }
 
@@ -299,8 +300,8 @@ void VoicePath::KeepTimeForRecorder() {
 
 void VoicePath::Drain() {
   state_ = State::Draining;
-  talk_.Write(kEndOfSound);
-  talk_.AwaitOk(
+  channel_.Write(kEndOfAudio);
+  channel_.AwaitOk(
       [this](const ModemReply& reply) {
         if (reply.Ok() || state_ != State::Draining) return Rest();
         Purge(0);
@@ -311,9 +312,9 @@ void VoicePath::Drain() {
 void VoicePath::Purge(int tries) {
   state_ = State::Purging;
   link_.DiscardUnsent();
-  talk_.Forget();
-  talk_.Write(kPurges[static_cast<std::size_t>(tries)]);
-  talk_.AwaitOk(
+  channel_.Forget();
+  channel_.Write(kPurges[static_cast<std::size_t>(tries)]);
+  channel_.AwaitOk(
       [this, tries](const ModemReply& reply) {
         if (reply.kind != ModemReply::Kind::Nothing) return Rest();
         if (tries + 1 < kTries) return Purge(tries + 1);
@@ -324,19 +325,19 @@ void VoicePath::Purge(int tries) {
 
 void VoicePath::StopReceiving(int tries) {
   state_ = State::EndOfReceive;
-  talk_.Write(kStops[static_cast<std::size_t>(tries)]);
-  talk_.AwaitOk(
+  channel_.Write(kStops[static_cast<std::size_t>(tries)]);
+  channel_.AwaitOk(
       [this, tries](const ModemReply& reply) {
         if (reply.kind != ModemReply::Kind::Nothing) return Rest();
         if (tries + 1 < kTries) return StopReceiving(tries + 1);
-        talk_.ExpectLines();
+        channel_.ExpectLines();
         Fail();
       },
       kStopPatience);
 }
 
 void VoicePath::Rest() {
-  if (!talk_.StraysSeen()) return GoOn();
+  if (!channel_.StraysSeen()) return GoOn();
   state_ = State::Settling;
   loop_.After(kStrayTime, lifeline_.Bind([this] { GoOn(); }));
 }
@@ -361,12 +362,12 @@ void VoicePath::Fail() {
   listener_.failed();
 }
 
-void VoicePath::Sound(std::span<const std::uint8_t> bytes) {
+void VoicePath::Audio(std::span<const std::uint8_t> bytes) {
   if (state_ != State::Receiving && state_ != State::EndOfReceive) return;
-  const bool paused = heard_ && clock_.Uptime() - latest_sound_ > kPauseInSound;
+  const bool paused = heard_ && clock_.Uptime() - latest_audio_ > kPauseInAudio;
   heard_ = true;
-  latest_sound_ = clock_.Uptime();
-  receiver_->Sound(bytes);
+  latest_audio_ = clock_.Uptime();
+  receiver_->Audio(bytes);
   if (paused) Overrun();
 }
 
@@ -378,11 +379,11 @@ void VoicePath::Overrun() {
   if (state_ == State::Receiving) StopReceiving(0);
 }
 
-void VoicePath::SoundEnded() {
+void VoicePath::AudioEnded() {
   // Not asked for: the modem has stopped by itself, and says OK behind it.
   if (state_ != State::Receiving) return;
   state_ = State::EndOfReceive;
-  talk_.AwaitOk([this](const ModemReply&) { Rest(); }, kStopPatience);
+  channel_.AwaitOk([this](const ModemReply&) { Rest(); }, kStopPatience);
 }
 
 }  // namespace orven

@@ -30,7 +30,7 @@ class VoicePath {
     std::function<void()> failed;
   };
 
-  VoicePath(ModemTalk& talk, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
+  VoicePath(AtChannel& channel, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
             const VoiceFormat& format, Listener listener);
   ~VoicePath();
 
@@ -45,8 +45,8 @@ class VoicePath {
   void StartOver();
 
   /// From the modem.
-  void Sound(std::span<const std::uint8_t> bytes);
-  void SoundEnded();
+  void Audio(std::span<const std::uint8_t> bytes);
+  void AudioEnded();
   void Underrun();
   /// Received sound was lost: what follows may begin in the middle of a sample.
   void Overrun();
@@ -70,7 +70,7 @@ class VoicePath {
   void Choose();
   void Transmit();
   void Receive();
-  void Ask(ModemTalk::Direction direction, int tries_left);
+  void Ask(AtChannel::Direction direction, int tries_left);
   void Tick();
   void TickTransmitting();
   void TickReceiving();
@@ -83,7 +83,7 @@ class VoicePath {
   void Fail();
   void KeepTimeForRecorder();
 
-  ModemTalk& talk_;
+  AtChannel& channel_;
   ModemLink& link_;
   EventLoop& loop_;
   const Clock& clock_;
@@ -93,7 +93,7 @@ class VoicePath {
   std::unique_ptr<Receiver> receiver_;
   State state_ = State::Off;
   std::function<void()> ended_;                ///< told when the modem rests; empty: it goes on
-  std::chrono::milliseconds latest_sound_{0};  ///< when something was received
+  std::chrono::milliseconds latest_audio_{0};  ///< when something was received
   bool heard_ = false;                         ///< since receiving began
   std::chrono::milliseconds silent_since_{0};  ///< up to when a recorder has what is recorded
   std::unique_ptr<Timer> tick_;

@@ -81,7 +81,7 @@ LineTestResult ResultOf(const PreparedModem& modem, const std::string& port) {
 }
 
 /// The modem at one port, on this thread's event loop.
-class Probe : private ModemLinkEvents, private ModemSayings {
+class Probe : private ModemLinkEvents, private ModemOutput {
  public:
   LineTestResult Run(const std::string& port, const std::atomic<bool>& cancelled) {
     if (const auto problem = link_->Open(port, kUsualRate, *this)) return {false, problem->text};
@@ -89,7 +89,7 @@ class Probe : private ModemLinkEvents, private ModemSayings {
       if (cancelled) waiting_.quit();
     });
     look->Start(kLookForCancel);
-    ModemPreparation preparation(talk_, *link_, loop_, [this](const PreparedModem& modem) {
+    ModemPreparation preparation(channel_, *link_, loop_, [this](const PreparedModem& modem) {
       modem_ = modem;
       waiting_.quit();
     });
@@ -101,7 +101,7 @@ class Probe : private ModemLinkEvents, private ModemSayings {
   }
 
  private:
-  void Received(std::span<const std::uint8_t> bytes) override { talk_.Received(bytes); }
+  void Received(std::span<const std::uint8_t> bytes) override { channel_.Received(bytes); }
   void Lost() override {
     lost_ = true;
     waiting_.quit();
@@ -109,15 +109,15 @@ class Probe : private ModemLinkEvents, private ModemSayings {
 
   // What a modem says unasked is of no concern here.
   void Line(const std::string& /*text*/) override {}
-  void Sign(char /*code*/) override {}
+  void Event(char /*code*/) override {}
   void Packet(const std::string& /*text*/) override {}
-  void Sound(std::span<const std::uint8_t> /*bytes*/) override {}
-  void SoundEnded() override {}
+  void Audio(std::span<const std::uint8_t> /*bytes*/) override {}
+  void AudioEnded() override {}
 
   QtEventLoop loop_;
   QEventLoop waiting_;
   std::unique_ptr<ModemLink> link_ = MakeSerialLink();
-  ModemTalk talk_{*link_, loop_, *this};
+  AtChannel channel_{*link_, loop_, *this};
   PreparedModem modem_;
   bool lost_ = false;
 };

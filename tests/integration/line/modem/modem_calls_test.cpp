@@ -86,7 +86,7 @@ std::string Presses(const std::string& signs, milliseconds pace) {
   for (const char sign : signs) {
     now += pace;
     if (sign == ' ') continue;
-    if (const auto key = keys.Sign(sign, now)) presses += *key;
+    if (const auto key = keys.Event(sign, now)) presses += *key;
   }
   return presses;
 }

@@ -168,7 +168,7 @@ TEST_F(ModemLine, ALostByteSpoilsOnlyAMoment) {
   time.RunFor(2s);
   link->lose = 3;
   time.RunFor(100ms);
-  Modem().Sign('o');
+  Modem().Event('o');
   time.RunFor(1s);
   const auto spoken = Noise(100, 8);
   Modem().Say(spoken);
@@ -329,7 +329,7 @@ TEST(ModemFirmware, TheFaultyOneIsKnown) {
 TEST_F(ModemLine, TheTelephoneBesideTakesTheCallOver) {
   Ready("lucent");
   Answered();
-  Modem().Sign('H');
+  Modem().Event('H');
   EXPECT_TRUE(Wait("Idle 1", 5s));
   EXPECT_TRUE(events.Has("Disconnected 1"));
 }

@@ -13,19 +13,19 @@ namespace {
 using namespace std::string_view_literals;
 
 /// Writes down what is said: lines as "text|", signs as <x>, packets as {text}, sound as it is, its end as #.
-class Transcript : public ModemSayings {
+class Transcript : public ModemOutput {
  public:
   void Line(const std::string& text) override {
     text_ += text + '|';
     if (on_line) on_line(text);
   }
-  void Sign(char code) override { text_ += {'<', code, '>'}; }
+  void Event(char code) override { text_ += {'<', code, '>'}; }
   void Packet(const std::string& text) override { text_ += '{' + text + '}'; }
-  void Sound(std::span<const std::uint8_t> bytes) override {
+  void Audio(std::span<const std::uint8_t> bytes) override {
     text_.append(bytes.begin(), bytes.end());
     ++runs;
   }
-  void SoundEnded() override { text_ += '#'; }
+  void AudioEnded() override { text_ += '#'; }
 
   std::string Take() { return std::exchange(text_, {}); }
   std::function<void(const std::string&)> on_line;
@@ -69,7 +69,7 @@ TEST_F(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
   for (int round = 0; round < 300; ++round) {
     ModemReader fresh(said);
     said.on_line = [&fresh](const std::string& line) {
-      if (line == "VCON") fresh.ExpectSound();
+      if (line == "VCON") fresh.ExpectAudio();
     };
     for (auto rest = kCall; !rest.empty();) {
       const auto longest = round == 0 ? kCall.size() : round == 1 ? 1 : 1 + random() % 9;
@@ -82,7 +82,7 @@ TEST_F(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
 }
 
 TEST_F(ModemReaderTest, SoundComesInRuns) {
-  reader.ExpectSound();
+  reader.ExpectAudio();
   Read("CONNECT\r\n");
   Read(std::string(5000, 'a') + "\x10\x10" + std::string(5000, 'b') + "\x10\x1B");
   EXPECT_EQ(said.runs, 2);
@@ -91,19 +91,19 @@ TEST_F(ModemReaderTest, SoundComesInRuns) {
 
 TEST_F(ModemReaderTest, SoundBeginsBehindWhicheverLineEndThereIs) {
   for (const auto end : {"\r\n"sv, "\n"sv, "\r"sv}) {
-    reader.ExpectSound();
+    reader.ExpectAudio();
     EXPECT_EQ(Said("CONNECT" + std::string(end)), "CONNECT|");
     EXPECT_EQ(Said("\x80\x10\x03"), "\x80#");
   }
   // Who asks for sound and is refused reads lines on.
-  reader.ExpectSound();
+  reader.ExpectAudio();
   EXPECT_EQ(Said("ERROR\r\n"), "ERROR|");
   reader.ExpectLines();
   EXPECT_EQ(Said("CONNECT\r\nOK\r\n"), "CONNECT|OK|");
 }
 
 TEST_F(ModemReaderTest, ReadsLinesAgainWhenTheEndOfSoundWasLost) {
-  reader.ExpectSound();
+  reader.ExpectAudio();
   Read("CONNECT\r\nab\x10");
   reader.ExpectLines();
   said.Take();
@@ -122,7 +122,7 @@ TEST_F(ModemReaderTest, GarbageCostsNoMoreThanItsLine) {
   EXPECT_EQ(Said(std::string(ModemReader::kLongestLine, 'x') + "\n").size(), ModemReader::kLongestLine + 1);
   // A packet without an end, in lines and in sound.
   EXPECT_EQ(Said("\x10X" + std::string(ModemReader::kLongestLine + 1, 'x') + "OK\r\n"), "OK|");
-  reader.ExpectSound();
+  reader.ExpectAudio();
   EXPECT_EQ(Said("CONNECT\r\na\x10Xb\x10\x10"
                  "c\x10\x03OK\r\n"),
             "CONNECT|a#OK|");

@@ -52,7 +52,7 @@ Sound operator+(Sound one, const Sound& other) {
 std::pair<std::string, double> Heard(const Sound& sound, SampleKind kind) {
   std::pair<std::string, double> result;
   std::size_t at = 0;
-  HangUpSound listener([&](const char* what) {
+  HangUpDetector listener([&](const char* what) {
     EXPECT_EQ(result.first, "");
     result = {what, static_cast<double>(at) / 8000};
   });
@@ -69,12 +69,12 @@ std::pair<std::string, double> Heard(const Sound& sound, SampleKind kind) {
   return result;
 }
 
-class HangUpSoundTest : public testing::TestWithParam<SampleKind> {
+class HangUpDetectorTest : public testing::TestWithParam<SampleKind> {
  protected:
   static void ExpectNothing(const Sound& sound) { EXPECT_EQ(Heard(sound, GetParam()).first, ""); }
 };
 
-TEST_P(HangUpSoundTest, HearsEveryBusyToneWithinFourBursts) {
+TEST_P(HangUpDetectorTest, HearsEveryBusyToneWithinFourBursts) {
   const std::vector<std::vector<Part>> cadences{
       {{500, {480, 620}}, {500, {}}}, {{250, {480, 620}}, {250, {}}}, {{375, {400}}, {375, {}}},
       {{480, {425}}, {480, {}}},      {{200, {425}}, {200, {}}},      {{700, {450}}, {700, {}}},
@@ -92,7 +92,7 @@ TEST_P(HangUpSoundTest, HearsEveryBusyToneWithinFourBursts) {
   EXPECT_EQ(Heard(Cadence(groups, 8, -20), GetParam()).first, "the busy tone");
 }
 
-TEST_P(HangUpSoundTest, HearsTheDialToneAndAMinuteOfSilence) {
+TEST_P(HangUpDetectorTest, HearsTheDialToneAndAMinuteOfSilence) {
   for (const auto& tones : std::vector<std::vector<double>>{{350, 440}, {350, 425}, {425}, {400}, {450}}) {
     for (const double level : {-10.0, -30.0}) {
       const auto [what, when] = Heard(Cadence({{1000, {}}, {9000, tones}}, 10, level), GetParam());
@@ -105,7 +105,7 @@ TEST_P(HangUpSoundTest, HearsTheDialToneAndAMinuteOfSilence) {
   EXPECT_NEAR(when, 61, 0.1);
 }
 
-TEST_P(HangUpSoundTest, OtherTonesAreNone) {
+TEST_P(HangUpDetectorTest, OtherTonesAreNone) {
   ExpectNothing(Cadence({{500, {1100}}, {3000, {}}}, 50, -15));       // a fax calls
   ExpectNothing(Cadence({{2000, {440, 480}}, {4000, {}}}, 50, -15));  // ringing
   ExpectNothing(Cadence({{400, {400, 450}}, {200, {}}, {400, {400, 450}}, {2000, {}}}, 50, -15));
@@ -143,7 +143,7 @@ Sound Spoken(const char* voice, const char* text) {
   return sound;
 }
 
-TEST_P(HangUpSoundTest, VoicesAreNone) {
+TEST_P(HangUpDetectorTest, VoicesAreNone) {
   constexpr const char* kText =
       "Hello, who is there? Oh. Oh. Oh. Oh. Oh. No no no no no no. One. One. One. One. One. Mooooo. "
       "Mmmmmmmm. "
@@ -157,7 +157,7 @@ TEST_P(HangUpSoundTest, VoicesAreNone) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HangUpSoundTest,
+INSTANTIATE_TEST_SUITE_P(Formats, HangUpDetectorTest,
                          testing::Values(SampleKind::Linear16, SampleKind::MuLaw, SampleKind::Unsigned8));
 
 }  // namespace
