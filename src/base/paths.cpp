@@ -22,4 +22,10 @@ std::string FolderPart(std::string_view path) {
   return std::string(path.substr(0, path.size() - FileNamePart(path).size()));
 }
 
+std::string FileStamp(std::string date, std::string time) {
+  std::replace(date.begin(), date.end(), '/', '-');
+  std::replace(time.begin(), time.end(), ':', '-');
+  return time.empty() ? date : date + "_" + time;
+}
+
 }  // namespace orven

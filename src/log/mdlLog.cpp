@@ -6,8 +6,8 @@
 #include <set>
 #include <utility>
 
+#include "base/paths.h"
 #include "core/error_trap.h"
-#include "core/file_stamp.h"
 
 namespace orven {
 namespace {

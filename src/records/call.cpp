@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/call.h"
 
-#include "core/file_stamp.h"
+#include "base/paths.h"
 
 namespace orven {
 

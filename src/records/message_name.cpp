@@ -2,7 +2,6 @@
 #include "records/message_name.h"
 
 #include "base/paths.h"
-#include "core/file_stamp.h"
 
 namespace orven {
 

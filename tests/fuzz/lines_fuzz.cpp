@@ -7,7 +7,7 @@
 
 #include "adapters/line/config/line_keys.h"
 #include "adapters/line/config/lines_ini.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "fuzz/input.h"
 
 namespace {

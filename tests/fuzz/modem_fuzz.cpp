@@ -11,7 +11,7 @@
 #include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
 #include "adapters/line/modem/voice_format.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "fuzz/input.h"
 
 namespace {

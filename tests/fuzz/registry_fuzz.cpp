@@ -7,7 +7,7 @@
 
 #include "adapters/registry/registry_document.h"
 #include "adapters/registry/registry_file.h"
-#include "base/utf16.h"
+#include "base/unicode.h"
 #include "fuzz/input.h"
 #include "support/scratch_folder.h"
 

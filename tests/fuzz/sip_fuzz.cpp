@@ -23,7 +23,7 @@
 #include "adapters/line/service/line_audio.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "fuzz/input.h"
 
 // Not among the headers that the library's main one brings.

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "base/conversions.h"
-#include "core/file_stamp.h"
+#include "base/paths.h"
 #include "records/call_fields.h"
 #include "simulation/log_order.h"
 

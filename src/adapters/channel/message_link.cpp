@@ -7,7 +7,7 @@
 #include <QDeadlineTimer>
 #include <utility>
 
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "platform/data_exchange.h"
 
 namespace orven {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 

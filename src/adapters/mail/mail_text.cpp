@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 namespace {

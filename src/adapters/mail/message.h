@@ -9,7 +9,7 @@
 
 #include "adapters/mail/curl_library.h"
 #include "adapters/mail/outbox.h"
-#include "base/descriptor.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -15,7 +15,6 @@
 #include <random>
 
 #include "adapters/mail/mail_text.h"
-#include "base/descriptor.h"
 #include "base/durable_file.h"
 
 namespace orven {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "base/utf16.h"
+#include "base/unicode.h"
 
 namespace orven {
 

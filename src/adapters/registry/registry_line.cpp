@@ -7,8 +7,7 @@
 #include <optional>
 
 #include "adapters/registry/registry_notation.h"
-#include "base/utf16.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 

@@ -6,8 +6,7 @@
 #include <cstdio>
 
 #include "adapters/registry/registry_line.h"
-#include "base/utf16.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 

@@ -21,7 +21,7 @@
 #include "adapters/desktop/exit_requests.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/sound/sound_cards.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "programs/TTS/command_interpreter.h"
 #include "programs/TTS/speech_engine.h"
 #include "programs/TTS/speech_file.h"

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-#include "base/descriptor.h"
+#include "base/durable_file.h"
 
 namespace orven {
 

@@ -8,7 +8,7 @@
 
 #include "base/durable_file.h"
 #include "base/runtime_error.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 #include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "base/descriptor.h"
+#include "base/durable_file.h"
 
 namespace orven::testing {
 

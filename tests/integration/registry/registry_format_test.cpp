@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <random>
 
-#include "base/utf16.h"
+#include "base/unicode.h"
 #include "integration/registry/registry_fixture.h"
 
 namespace orven::test {

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "adapters/line/config/line_keys.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 namespace {

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <utility>
 
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 namespace {

@@ -14,10 +14,9 @@
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sim/sim_script.h"
-#include "base/descriptor.h"
 #include "base/durable_file.h"
 #include "base/runtime_error.h"
-#include "base/utf8.h"
+#include "base/unicode.h"
 
 namespace orven {
 

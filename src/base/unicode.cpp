@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/utf16.h"
+#include "base/unicode.h"
 
 #include <array>
 #include <cstdint>
-
-#include "base/utf8.h"
 
 namespace orven {
 
