@@ -15,6 +15,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/paths.h"
+
 namespace orven {
 
 namespace fs = std::filesystem;
@@ -40,11 +42,6 @@ ErrorNumber NumberOf(int error) {
     case ENOMEM: return ErrorNumber::OutOfMemory;
     default: return ErrorNumber::PathAccessError;
   }
-}
-
-std::string FolderOf(const std::string& path) {
-  const std::string folder = fs::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
 }
 
 void SyncFolderOf(const std::string& path) {

@@ -22,6 +22,11 @@ std::string FolderPart(std::string_view path) {
   return std::string(path.substr(0, path.size() - FileNamePart(path).size()));
 }
 
+std::string FolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
 std::string FileStamp(std::string date, std::string time) {
   std::replace(date.begin(), date.end(), '/', '-');
   std::replace(time.begin(), time.end(), ':', '-');

@@ -15,6 +15,9 @@ std::string FileNamePart(std::string_view path);
 /// The part up to and with the last separator.
 std::string FolderPart(std::string_view path);
 
+/// The folder that holds the file at `path`, without a separator at its end; "." when `path` names none.
+std::string FolderOf(const std::string& path);
+
 /// Date and time as a part of a file name: in the date every "/" becomes "-"; a time that is not
 /// empty follows after "_", every ":" as "-". 12/31/2003 and 14:05:07 give 12-31-2003_14-05-07.
 std::string FileStamp(std::string date, std::string time);

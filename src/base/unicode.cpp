@@ -22,14 +22,6 @@ std::uint32_t ByteAt(std::string_view text, std::size_t at) {
   return static_cast<unsigned char>(text[at]);
 }
 
-std::uint32_t CharacterAt(std::string_view utf8, std::size_t length) {
-  if (length == 1) return ByteAt(utf8, 0);
-  constexpr std::array<std::uint32_t, 5> kFirstBits{0, 0x7F, 0x1F, 0x0F, 0x07};
-  std::uint32_t character = ByteAt(utf8, 0) & kFirstBits[length];
-  for (std::size_t at = 1; at < length; ++at) character = character << 6U | (ByteAt(utf8, at) & 0x3FU);
-  return character;
-}
-
 void AppendUnit(std::string& utf16, std::uint32_t unit) {
   utf16 += static_cast<char>(unit & 0xFFU);
   utf16 += static_cast<char>(unit >> 8U & 0xFFU);
@@ -58,6 +50,21 @@ void AppendCharacter(std::string& utf8, std::uint32_t character) {
 
 }  // namespace
 
+char32_t CodePoint(std::string_view text, std::size_t length) {
+  if (length == 1) return ByteAt(text, 0);
+  constexpr std::array<std::uint32_t, 5> kFirstBits{0, 0x7F, 0x1F, 0x0F, 0x07};
+  std::uint32_t character = ByteAt(text, 0) & kFirstBits[length];
+  for (std::size_t at = 1; at < length; ++at) character = character << 6U | (ByteAt(text, at) & 0x3FU);
+  return character;
+}
+
+std::string Utf8FromUnknown(std::string_view text) {
+  if (IsUtf8(text)) return std::string(text);
+  std::string utf8;
+  for (std::size_t at = 0; at < text.size(); ++at) AppendCharacter(utf8, ByteAt(text, at));
+  return utf8;
+}
+
 std::string Utf16FromUtf8(std::string_view utf8) {
   std::string utf16;
   while (!utf8.empty()) {
@@ -67,7 +74,7 @@ std::string Utf16FromUtf8(std::string_view utf8) {
       utf8.remove_prefix(1);
       continue;
     }
-    const std::uint32_t character = CharacterAt(utf8, length);
+    const std::uint32_t character = CodePoint(utf8, length);
     if (character < kSecondPlane) {
       AppendUnit(utf16, character);
     } else {

@@ -8,8 +8,8 @@
 
 namespace orven {
 
-/// Bytes of the well-formed UTF-8 character (RFC 3629) that `text` begins with, 1 to 4; 0 when it
-/// begins with none: empty, cut short, overlong, a surrogate, beyond U+10FFFF.
+/// Bytes of the well-formed UTF-8 character (RFC 3629) that `text` begins with, 1 to 4; 0 when
+/// there is none: empty, cut short, overlong, a surrogate, beyond U+10FFFF.
 constexpr std::size_t Utf8Length(std::string_view text) {
   if (text.empty()) return 0;
   const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
@@ -36,9 +36,15 @@ constexpr bool IsUtf8(std::string_view text) {
   return true;
 }
 
-/// UTF-16LE, as Windows exports write it, from and to the UTF-8 that this program uses.
+/// The code point of the UTF-8 character that `text` begins with and that has `length` bytes (Utf8Length).
+char32_t CodePoint(std::string_view text, std::size_t length);
 
-/// Bytes that are no UTF-8 become low surrogates U+DC80 to U+DCFF, so that nothing is lost: a path on
+/// `text` if it is UTF-8; else it is taken for Latin-1 (ISO 8859-1), which old telephones send.
+std::string Utf8FromUnknown(std::string_view text);
+
+// UTF-16LE, as Windows exports write it.
+
+/// Bytes that are not UTF-8 become low surrogates U+DC80 to U+DCFF, so that nothing is lost: a path on
 /// disk may hold any byte.
 std::string Utf16FromUtf8(std::string_view utf8);
 
