@@ -9,7 +9,7 @@
 #include <QLineEdit>
 #include <QSpinBox>
 
-#include "options/frmLineTest.h"
+#include "options/frmLines.h"
 #include "options/lines_dialog.h"
 
 namespace orven {

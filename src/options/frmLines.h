@@ -2,14 +2,48 @@
 #pragma once
 
 #include <QDialog>
+#include <QLabel>
 #include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
+#include <QWidget>
+#include <functional>
+#include <optional>
 
-#include "options/frmLineTest.h"
 #include "options/lines_dialog.h"
 
 namespace orven {
+
+/// The button that tries a telephone line out, with what came of it beside it. While a test runs, the
+/// button stops it. User-interface thread.
+class frmLineTest : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `line` gives the line to try, or nothing; it may tell the person why there is none.
+  frmLineTest(LinesDialog& engine, std::function<std::optional<TelephoneLine>()> line, QWidget* parent);
+  ~frmLineTest() override;
+
+  /// Stops a test under way and forgets the latest result: the line is another one now.
+  void Clear();
+
+  /// In a window where Enter does something else, the button must not look like the one that it presses.
+  void SetAutoDefault(bool on) { cmdTest_->setAutoDefault(on); }
+
+  void SetUsable(bool usable) { cmdTest_->setEnabled(usable || running_); }
+
+ private:
+  void Click();
+  void Show(const QString& text, std::optional<bool> passed);
+  void SetRunning(bool running);
+
+  LinesDialog& engine_;
+  std::function<std::optional<TelephoneLine>()> line_;
+  QPushButton* cmdTest_;
+  QLabel* icon_;
+  QLabel* lblTestResult_;
+  bool running_ = false;
+};
 
 /// The telephone lines: a list with the state of each, as it is now, and what can be done with them.
 /// Modal to its parent only. User-interface thread.

@@ -12,8 +12,7 @@
 #include <functional>
 #include <vector>
 
-#include "options/frmOptionsGreetings.h"
-#include "options/frmOptionsLevel.h"
+#include "options/frmOptionsParts.h"
 #include "options/options_dialog.h"
 
 namespace orven {

@@ -10,7 +10,6 @@
 #include "notify/caller_view.h"
 #include "notify/events_dialog.h"
 #include "notify/tray_icon.h"
-#include "options/greeting_player.h"
 #include "options/options_dialog.h"
 #include "platform/background.h"
 #include "platform/clock.h"
@@ -34,9 +33,8 @@
 #include "records/local_player.h"
 #include "records/message_folders.h"
 #include "records/message_move.h"
-#include "shell/greeting_commands.h"
+#include "shell/main_commands.h"
 #include "shell/main_window_view.h"
-#include "shell/quick_options.h"
 #include "telephony/call_sequence.h"
 
 namespace orven {

@@ -3,11 +3,10 @@
 
 #include <QMainWindow>
 
+#include "shell/frmMainBars.h"
 #include "shell/frmMainCallList.h"
 #include "shell/frmMainMenus.h"
 #include "shell/frmMainPlayer.h"
-#include "shell/frmMainQuickOptions.h"
-#include "shell/frmMainStatusBar.h"
 #include "shell/main_window.h"
 #include "shell/main_window_view.h"
 #include "widgets/button_bar.h"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAction>
+#include <QList>
 #include <QMainWindow>
 #include <QMenu>
 #include <functional>
@@ -46,5 +48,9 @@ class MainMenus : public QObject {
   QMenu* no_message_right_click_ = nullptr;
   QMenu* systry_ = nullptr;
 };
+
+/// Gives each action of one menu that has no accelerator yet one that no other action there has: a
+/// word's first letter where that is free, else any letter. Texts may be in any language.
+void AssignMnemonics(const QList<QAction*>& actions);
 
 }  // namespace orven

@@ -2,15 +2,40 @@
 #pragma once
 
 #include <QLabel>
+#include <QSlider>
 #include <QWidget>
 #include <chrono>
 
 #include "platform/waveform.h"
-#include "shell/frmMainSlider.h"
 #include "widgets/button_bar.h"
 #include "widgets/waveform_widget.h"
 
 namespace orven {
+
+/// A slider that says where in a sound we are, and that a person can move: a click on its groove goes
+/// there at once, dragging when it is let go.
+class SeekSlider : public QSlider {
+  Q_OBJECT
+
+ public:
+  explicit SeekSlider(QWidget* parent);
+
+  /// Sets it for the program, unless a person holds it.
+  void ShowValue(int value);
+  /// A slider that is disabled is let go.
+  void Enable(bool on);
+
+ signals:
+  /// A person wants the sound to go on from `value`.
+  void Sought(int value);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+
+ private:
+  int ValueAt(QPoint point) const;
+  bool IsOnHandle(QPoint point) const;
+};
 
 /// The player of messages: `ToolBarPlayer`, the message's picture above `Slider1`, and the clock
 /// beside them.

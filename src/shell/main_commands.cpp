@@ -1,9 +1,69 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/main_commands.h"
 
+#include "base/conversions.h"
 #include "core/error_trap.h"
 
 namespace orven {
+namespace {
+
+/// Both the record check box and the ring box have always logged under this name.
+constexpr const char* kQuickOptionLabel = "ErrchkRecMessage ";
+
+}  // namespace
+
+void QuickOptions::SetRecordMessage(bool on) {
+  const ErrorTrap trap(log_, kQuickOptionLabel);
+  shared_.record_messages = on;
+  settings_.RecordMessage = on ? 1 : 0;
+  trap([&] { store_.Set("RecordMessage", on ? "1" : "0"); });
+}
+
+void QuickOptions::SetRings(const std::string& text) {
+  const ErrorTrap trap(log_, kQuickOptionLabel);
+  trap([&] {
+    const auto count = ToInt16(text);
+    store_.Set("NumOfRing", text);
+    settings_.NumOfRing = count;
+    shared_.num_of_ring = count;
+  });
+}
+
+void QuickOptions::SetGreeting(const std::string& name) {
+  const auto trap = ErrorTrap::Silent();
+  settings_.Greeting = name;
+  shared_.greeting_file = name + ".wav";
+  trap([&] { store_.Set("Greeting", name); });
+}
+
+void GreetingCommands::Fill(const std::string& selected) {
+  boxes_.FillGreetings(library_.Names(), selected);
+}
+
+void GreetingCommands::Play() {
+  const auto path = library_.Folder() + boxes_.SelectedGreeting();
+  if (!files_.Exists(path)) ShowNoFile();
+  sounds_.PlayWave(path);
+}
+
+void GreetingCommands::Stop() {
+  if (player_.IsPlaying()) player_.Stop();
+}
+
+void GreetingCommands::Delete() {
+  const auto trap = ErrorTrap::Silent();
+  const auto name = boxes_.SelectedGreeting();
+  if (name.empty()) return;
+  const auto path = library_.Folder() + name;
+  if (!files_.Exists(path)) ShowNoFile();
+  trap([&] { files_.Delete(path); });
+  trap([&] { Fill(name); });
+}
+
+void GreetingCommands::ShowNoFile() {
+  status_.ShowStatus("No file is called \"" + boxes_.SelectedGreeting() +
+                     "\". Options, Answer Mode plays and deletes greetings");
+}
 
 void MainCommands::Toolbar1_ButtonClick(const std::string& key, bool down) {
   auto& list = parts_.list;

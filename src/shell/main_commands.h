@@ -4,15 +4,88 @@
 #include <functional>
 #include <string>
 
+#include "core/settings_store.h"
+#include "greetings/greeting_library.h"
 #include "platform/dialogs.h"
+#include "platform/files.h"
 #include "platform/mouse.h"
 #include "platform/shell.h"
+#include "records/call_store.h"
 #include "records/list_commands.h"
 #include "records/local_player.h"
-#include "shell/dialog_factory.h"
-#include "shell/greeting_commands.h"
+#include "shell/main_window_view.h"
 
 namespace orven {
+
+/// The program's windows that the main window opens.
+enum class Dialog { frmLog, frmEvents, frmActions, frmOptions, frmGreetC, frmAbout };
+
+/// Opens the main window's dialogs, modally. User-interface thread.
+class DialogFactory {
+ public:
+  virtual ~DialogFactory() = default;
+
+  /// Whether this program has that dialog; commands for one that it lacks are disabled.
+  virtual bool Offers(Dialog dialog) const = 0;
+
+  /// Opens it on the tab with this 0-based index; dialogs without tabs ignore it.
+  virtual void Open(Dialog dialog, int tab) = 0;
+};
+
+/// What a person's choice on the quick-option toolbar changes: the setting, and what the next step of
+/// a call does. User-interface thread.
+class QuickOptions {
+ public:
+  QuickOptions(SettingsStore& store, SystemLog& log, Settings& settings, SharedOptions& shared)
+      : store_(store), log_(log), settings_(settings), shared_(shared) {}
+
+  /// `chkRecMessage` was clicked.
+  void SetRecordMessage(bool on);
+
+  /// A ring count was chosen in `cmbRings`; a text that is no number is logged and changes nothing.
+  void SetRings(const std::string& text);
+
+  /// A greeting was chosen in `cmbDefGreet`.
+  void SetGreeting(const std::string& name);
+
+ private:
+  SettingsStore& store_;
+  SystemLog& log_;
+  Settings& settings_;
+  SharedOptions& shared_;
+};
+
+/// The greetings as the quick-option toolbar handles them. User-interface thread.
+class GreetingCommands {
+ public:
+  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
+                   QuickOptionBoxes& boxes, Files& files, LineView& status)
+      : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files), status_(status) {}
+
+  /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
+  void Fill(const std::string& selected);
+
+  /// Plays the file that is named as the text in `cmbDefGreet`, exactly. A greeting's file has ".wav"
+  /// besides: where there is no such file, the status bar says where greetings are played.
+  void Play();
+
+  /// Stops whatever the sound card plays.
+  void Stop();
+
+  /// Deletes the file that is named as the text in `cmbDefGreet`, exactly as Play plays it and without
+  /// asking; then fills the box again.
+  void Delete();
+
+ private:
+  void ShowNoFile();
+
+  const GreetingLibrary& library_;
+  MessagePlayer& player_;
+  EventSounds& sounds_;
+  QuickOptionBoxes& boxes_;
+  Files& files_;
+  LineView& status_;
+};
 
 /// The pages of the guide that menus lead to: web pages in the folder "Help".
 inline constexpr const char* kStartPage = "index";

@@ -15,7 +15,7 @@
 #include "platform/shell.h"
 #include "platform/sound_card_names.h"
 #include "platform/waveform.h"
-#include "shell/dialog_factory.h"
+#include "shell/main_commands.h"
 #include "shell/main_window_view.h"
 
 namespace orven::test {

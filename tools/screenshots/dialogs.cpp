@@ -4,7 +4,7 @@
 #include "actions/frmActions.h"
 #include "notify/frmEvents.h"
 #include "notify/frmMSG.h"
-#include "options/frmOptionsGreetings.h"
+#include "options/frmOptionsParts.h"
 #include "screenshots/pictures.h"
 #include "support/desk/desk.h"
 

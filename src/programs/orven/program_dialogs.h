@@ -10,8 +10,8 @@
 #include "adapters/desktop/qt_dialogs.h"
 #include "platform/telephone_lines.h"
 #include "shell/answering_machine.h"
-#include "shell/dialog_factory.h"
 #include "shell/frmAbout.h"
+#include "shell/main_commands.h"
 
 namespace orven {
 

@@ -4,7 +4,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
-#include "options/frmOptionsGreetings.h"
+#include "options/frmOptionsParts.h"
 #include "support/world.h"
 
 namespace orven::test {

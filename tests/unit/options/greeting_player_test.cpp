@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "options/greeting_player.h"
+#include "options/options_dialog.h"
 
 #include <gmock/gmock.h>
 

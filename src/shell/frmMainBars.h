@@ -3,6 +3,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
+#include <QStatusBar>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +43,27 @@ class QuickOptionBar : public ButtonBar {
   QComboBox* greetings_ = nullptr;
   QComboBox* rings_ = nullptr;
   QCheckBox* record_ = nullptr;
+};
+
+/// The status bar `StatusBar1`: what the line is doing, `Check1`, the time and the date.
+class MainStatusBar : public QStatusBar {
+  Q_OBJECT
+
+ public:
+  explicit MainStatusBar(QWidget* parent);
+
+  void ShowStatus(const QString& text);
+  void ShowClock(const QString& time, const QString& date);
+
+  QCheckBox& Check1() { return *check_; }
+
+ private:
+  QLabel* AddPanel(int number);
+
+  QLabel* status_;
+  QCheckBox* check_;
+  QLabel* time_;
+  QLabel* date_;
 };
 
 }  // namespace orven

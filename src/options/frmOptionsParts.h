@@ -1,11 +1,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QComboBox>
 #include <QSlider>
 #include <QWidget>
 #include <optional>
+#include <string>
+
+#include "options/options_dialog.h"
+#include "widgets/button_bar.h"
 
 namespace orven {
+
+/// The greeting player of the options dialog: the list `CmbGreetsMessages` and the toolbar
+/// `tlbrGreetingPlayer`. User-interface thread.
+class frmOptionsGreetings : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// The list is empty at first.
+  frmOptionsGreetings(GreetingPlayer& engine, QWidget* parent);
+
+  /// Shows the library as it is now; `selected` is selected when it is there, else the first greeting is.
+  void Fill(const std::string& selected);
+
+  /// The greeting that is selected; empty when there is none.
+  std::string Selected() const;
+
+ private:
+  void Press(const QString& key);
+  void Show(const GreetingList& list);
+  GreetingList List() const;
+
+  GreetingPlayer& engine_;
+  QComboBox* CmbGreetsMessages_;
+  ButtonBar* tlbrGreetingPlayer_;
+};
 
 /// How loud the call is whose message is being recorded, below a slider that says up to where a level is
 /// silence: both have one scale, so that a person sees on which side of the slider's handle the level is.
