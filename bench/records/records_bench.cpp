@@ -5,7 +5,7 @@
 #include "adapters/database/sqlite_connection.h"
 #include "adapters/database/sqlite_database.h"
 #include "measured.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "records/call_list.h"
 
 namespace orven::bench {

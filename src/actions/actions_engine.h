@@ -11,9 +11,8 @@
 #include "platform/mail.h"
 #include "platform/shell.h"
 #include "records/call.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 #include "telephony/call_effects.h"
-#include "telephony/status_panel.h"
 
 namespace orven {
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/settings_store.h"
 
+#include <filesystem>
+
 #include "base/conversions.h"
+#include "base/paths.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
-#include "core/messages_folder.h"
 
 namespace orven {
 namespace {
@@ -23,6 +25,17 @@ void Assign(Settings& settings, const SettingDefinition& definition, const std::
 }
 
 }  // namespace
+
+MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared,
+                                     const Files& files, bool moving) {
+  const auto own = shared.InApplicationFolder("\\Messages\\");
+  const bool full = std::filesystem::path(stored).is_absolute();
+  if (full && (moving || files.Exists(FolderPart(stored)) || !files.Exists(own))) return {stored, ""};
+  const auto fault = full                  ? "names a folder that is not there (" + stored + ")"
+                     : stored == kNotFound ? "is missing"
+                                           : "is no full path (\"" + stored + "\")";
+  return {own, "The setting MassagesPath " + fault + ": messages are stored in " + own};
+}
 
 std::string SettingsStore::Value(std::string_view name) {
   return GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, std::string(name));

@@ -12,6 +12,22 @@
 
 namespace orven {
 
+/// Setting: where the messages are being moved, until they are there.
+inline constexpr const char* kMoveUnderWay = "MassagesPathNext";
+
+/// The folder that serves for the messages.
+struct MessagesFolder {
+  std::string path;  ///< what a message's file name directly follows
+  std::string note;  ///< for the log and the status bar: why it is not the stored one; empty when it is
+};
+
+/// Which folder serves when the setting `MassagesPath` is `stored`. One that is missing or no full path would
+/// lead to wherever the program was started: then it is the application folder's own, and also where the
+/// stored one is not there (a copied application folder, a disk that is not plugged in) and no messages are
+/// `moving` from it.
+MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared,
+                                     const Files& files, bool moving);
+
 /// Position and size of the main window in twips, with its state.
 struct WindowGeometry {
   std::int32_t top = 0, left = 0, width = 0, height = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -65,5 +66,21 @@ struct Call {
 
 /// Name of the message file of a call with these date and time texts: "12-31-2003_14-05-07.wav".
 std::string MessageFileName(const std::string& date, const std::string& time);
+
+/// Stored names of a call record's fields, spelt as the records have them.
+inline constexpr const char* kCallName = "Call_Name";
+inline constexpr const char* kCallNumber = "Call_Number";
+inline constexpr const char* kCallTime = "Call_Time";
+inline constexpr const char* kCallDate = "Call_Date";
+inline constexpr const char* kCallMassageName = "Call_Massage_Name";
+inline constexpr const char* kType = "Type";
+inline constexpr const char* kRead = "Read";
+
+/// All of them, in stored order.
+inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime, kCallDate,
+                                        kCallMassageName, kType,       kRead};
+
+/// Query for all records with all fields.
+inline constexpr const char* kGetAll = "Get *";
 
 }  // namespace orven

@@ -6,7 +6,6 @@
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
 #include "records/call.h"
-#include "records/call_fields.h"
 
 namespace orven {
 namespace {

@@ -8,9 +8,9 @@
 #include "base/paths.h"
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "records/call_recovery.h"
-#include "records/message_name.h"
+#include "records/message_files.h"
 
 namespace orven {
 namespace {

@@ -20,7 +20,7 @@
 #include "records/call.h"
 #include "records/call_journal.h"
 #include "records/call_list.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 #include "records/message_relocation.h"
 
 namespace orven {

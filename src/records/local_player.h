@@ -14,7 +14,7 @@
 #include "platform/waveform.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 
 namespace orven {
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "core/mdlReg.h"
-#include "core/messages_folder.h"
+#include "core/settings_store.h"
 
 namespace orven {
 namespace {

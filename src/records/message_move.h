@@ -8,7 +8,7 @@
 #include "platform/dialogs.h"
 #include "platform/registry.h"
 #include "records/call_store.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 
 namespace orven {
 

@@ -2,7 +2,7 @@
 #include "records/message_relocation.h"
 
 #include "core/error_trap.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 
 namespace orven {
 namespace {

@@ -31,7 +31,7 @@
 #include "records/call_store.h"
 #include "records/list_commands.h"
 #include "records/local_player.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 #include "records/message_move.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"

@@ -14,8 +14,8 @@ class LineView {
   virtual ~LineView() = default;
   /// First panel of the status bar.
   virtual void ShowStatus(const std::string& text) = 0;
-  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen. `trying`: a line that is off
-  /// is opened by itself as soon as it can be; both can be chosen then.
+  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen. `trying`: a line that is
+  /// off is opened by itself as soon as it can be; both can be chosen then.
   virtual void ShowLine(bool on, bool trying) = 0;
 };
 
@@ -65,6 +65,25 @@ class CallActions {
   virtual ~CallActions() = default;
   /// `kind` is "Mail" or "App". Sets the call's sent-to-application flag when it starts one.
   virtual void DoActions(const std::string& kind, Call& call) = 0;
+};
+
+/// The first panel of the status bar, on which everybody writes. It counts the texts, so that who
+/// takes one away after a while can see whether it is still his. User-interface thread.
+class StatusPanel : public LineView {
+ public:
+  explicit StatusPanel(LineView& view) : view_(view) {}
+
+  void ShowStatus(const std::string& text) override {
+    ++writings_;
+    view_.ShowStatus(text);
+  }
+  void ShowLine(bool on, bool trying) override { view_.ShowLine(on, trying); }
+
+  std::uint64_t Writings() const { return writings_; }
+
+ private:
+  LineView& view_;
+  std::uint64_t writings_ = 0;
 };
 
 }  // namespace orven

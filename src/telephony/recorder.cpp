@@ -7,7 +7,7 @@
 #include "core/error_trap.h"
 #include "core/tenths_wait.h"
 #include "records/grown_recordings.h"
-#include "records/message_name.h"
+#include "records/message_files.h"
 
 namespace orven {
 namespace {

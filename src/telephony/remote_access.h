@@ -2,7 +2,7 @@
 #pragma once
 
 #include "records/call_list.h"
-#include "records/message_folders.h"
+#include "records/message_files.h"
 #include "telephony/call_control.h"
 #include "telephony/call_effects.h"
 #include "telephony/recorder.h"

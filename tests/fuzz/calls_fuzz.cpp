@@ -8,7 +8,7 @@
 #include "adapters/database/sqlite_database.h"
 #include "base/runtime_error.h"
 #include "fuzz/input.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/scratch_folder.h"
 
 namespace {

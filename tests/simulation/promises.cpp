@@ -6,7 +6,7 @@
 
 #include "base/conversions.h"
 #include "base/paths.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "simulation/log_order.h"
 
 namespace orven::test {

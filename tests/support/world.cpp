@@ -5,7 +5,7 @@
 
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 
 namespace orven::test {
 namespace {

@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <random>
 
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "screenshots/pictures.h"
 #include "support/desk/desk.h"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/registry/registry_line.h"
+#include "adapters/registry/registry_notation.h"
 #include "platform/registry.h"
 
 namespace orven {

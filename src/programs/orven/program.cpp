@@ -11,7 +11,7 @@
 #include "adapters/desktop/installation.h"
 #include "core/mdlReg.h"
 #include "programs/orven/telephone_lines.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "records/call_recovery.h"
 
 namespace orven {

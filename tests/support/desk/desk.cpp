@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "core/mdlReg.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 
 namespace orven::test {
 namespace {

@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "base/runtime_error.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "records/grown_recordings.h"
 #include "support/world.h"
 

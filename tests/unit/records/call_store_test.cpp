@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "base/runtime_error.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/world.h"
 
 namespace orven::test {

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "base/runtime_error.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/world.h"
 
 namespace orven::test {

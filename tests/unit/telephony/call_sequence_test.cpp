@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/world.h"
 
 namespace orven::test {

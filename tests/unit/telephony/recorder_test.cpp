@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/runtime_error.h"
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/world.h"
 
 namespace orven::test {

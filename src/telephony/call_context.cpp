@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "telephony/call_state.h"
+#include "telephony/call_context.h"
 
 #include "base/runtime_error.h"
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/settings.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 
 namespace orven {
@@ -20,8 +21,8 @@ bool SameContent(const Files& files, const std::string& one, const std::string& 
 void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 
 /// Where message files are: in the messages folder, and from a move's beginning to its end, which may be
-/// several starts later, in the next one too; some may be in the application folder's own, which serves while the
-/// messages folder is not there. User-interface thread.
+/// several starts later, in the next one too; some may be in the application folder's own, which serves while
+/// the messages folder is not there. User-interface thread.
 class MessageFolders {
  public:
   MessageFolders(const Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
@@ -41,5 +42,13 @@ class MessageFolders {
   const SharedOptions& shared_;
   std::string next_;
 };
+
+/// A path beside the message file `path` that no file has: its name, ".kept_" and the time now, as in
+/// "12-31-2003_14-05-07.kept_12-31-2003_14-05-08.wav", with "_2", "_3" … behind it where that is taken, too.
+std::string FreeNameBeside(const Files& files, Clock& clock, const std::string& path);
+
+/// What the message file at `path` is called in the messages path `folder`, which it follows directly, also
+/// where that has no separator at its end; the file's name when it is not there.
+std::string NameInFolder(const std::string& path, const std::string& folder);
 
 }  // namespace orven
