@@ -45,18 +45,17 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
       remote(context, control, recorder, ListView1, folders, status),
-      greeter(context, control, recorder, remote),
       after_call({caller_view, sounds, tray, actions}, calls, journal, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
       recovery({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, journal, shared,
                 [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
                 [this](Call& interrupted) { after_call.File(interrupted); },
                 [this] { ListView1.makeList(); }}),
-      sequence(context, {control, greeter, recorder, remote, after_call, status, caller_view, ports.clock}),
+      sequence(context, {control, recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {
   ports_.Tapi1.SetEvents(&sequence);
-  ports_.Wave1.SetEvents(&greeter);
+  ports_.Wave1.SetEvents(&sequence);
   // Not before the mails that are in the outbox by now, and when the start is over.
   journal.SetMailListener(
       [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); });

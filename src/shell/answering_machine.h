@@ -99,7 +99,6 @@ class AnsweringMachine {
   MicrophoneTake microphone;
   Recorder recorder;
   RemoteAccess remote;
-  Greeter greeter;
   AfterCall after_call;
   CallRecovery recovery;
   CallSequence sequence;

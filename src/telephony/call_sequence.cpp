@@ -60,7 +60,7 @@ void CallSequence::Connected(std::int32_t line) {
     context_.Tapi1.MonitorDigits(line, true);
     context_.log.WriteSystem("Connected" + LineTag(line));
     parts_.recorder.MakeReady();
-    parts_.greeter.PlayGreeting();
+    PlayGreeting();
   });
   context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
   trap([&] { UpdateCallerView("Line Connected"); });
@@ -109,6 +109,55 @@ void CallSequence::Idle(std::int32_t line) {
 
 void CallSequence::UpdateCallerView(const std::string& status) {
   if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowMessage(status);
+}
+
+std::int32_t CallSequence::PlayOnLine(const std::string& path) {
+  return context_.Wave1.PlayFile(path, context_.Tapi1.GetWaveDeviceId(context_.Line()));
+}
+
+void CallSequence::PlayGreeting() {
+  const ErrorTrap trap(context_.log, "ErrTapiConnected ");
+  context_.call.greeting_playing = true;
+  trap([&] { context_.progress.Enter(CallState::Greeting); });
+  trap([&] { context_.Tapi1.SetGreetingPhase(context_.Line(), true); });
+  std::int32_t result = kWaveNoDevice;
+  trap([&] {
+    result = PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
+  });
+  if (result == kWaveOk) return;
+  context_.log.WriteSystem("Play Greeting " + context_.Wave1.PlayErrorText(result));
+  PlayFinished();
+}
+
+void CallSequence::PlayFinished() {
+  const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
+  auto& call = context_.call;
+  trap([&] {
+    if (!context_.Connected()) {
+      parts_.control.DropCall();
+    } else if (call.greeting_playing && !call.admin_mode) {
+      PlayBeep();
+    } else if (call.beep_playing && !call.admin_mode) {
+      call.beep_playing = false;
+      parts_.recorder.RecMessage();
+    } else if (call.remote_playback) {
+      parts_.remote.PlayForAdmin();
+    }
+  });
+}
+
+void CallSequence::PlayBeep() {
+  const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
+  trap([&] { context_.Tapi1.SetGreetingPhase(context_.Line(), false); });
+  context_.call.greeting_playing = false;
+  trap([&] { context_.progress.Enter(CallState::Beep); });
+  std::int32_t result = kWaveNoDevice;
+  trap([&] {
+    result = PlayOnLine(context_.shared.InApplicationFolder("\\beep.wav"));
+    context_.log.WriteSystem("Play Beep " + context_.Wave1.PlayErrorText(result));
+  });
+  context_.call.beep_playing = true;
+  if (result != kWaveOk) PlayFinished();
 }
 
 }  // namespace orven

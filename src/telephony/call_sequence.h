@@ -3,22 +3,22 @@
 
 #include "platform/clock.h"
 #include "platform/telephony.h"
+#include "platform/wave.h"
 #include "telephony/after_call.h"
 #include "telephony/call_control.h"
-#include "telephony/greeter.h"
 #include "telephony/recorder.h"
 #include "telephony/remote_access.h"
 
 namespace orven {
 
-/// What happens on each event of the telephony control, from the first ring to the idle line. Each
-/// handler logs its step first; what it sets off is carried out by the classes it is given.
-/// User-interface thread.
-class CallSequence : public TelephonyEvents {
+/// What happens on each event of a call, from the first ring to the idle line, and when a file has been
+/// played to the caller: after the greeting comes the beep, after the beep the recording; in administrator
+/// mode one message follows the other. A file that cannot be played is logged and counts as played: a missing
+/// greeting must never cost the caller the message. User-interface thread.
+class CallSequence : public TelephonyEvents, public WaveEvents {
  public:
   struct Parts {
     CallControl& control;
-    Greeter& greeter;
     Recorder& recorder;
     RemoteAccess& remote;
     AfterCall& after_call;
@@ -39,7 +39,13 @@ class CallSequence : public TelephonyEvents {
   void Disconnected(std::int32_t line) override;
   void Idle(std::int32_t line) override;
 
+  /// The line's wave control has played a file to its end.
+  void PlayFinished() override;
+
  private:
+  void PlayGreeting();
+  void PlayBeep();
+  std::int32_t PlayOnLine(const std::string& path);
   void UpdateCallerView(const std::string& status);
 
   CallContext& context_;
