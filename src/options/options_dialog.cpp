@@ -176,7 +176,7 @@ void OptionsDialog::Watch(OptionsView* view) {
 void OptionsDialog::LookAgain() {
   const auto trap = ErrorTrap::Silent();
   trap([&] { view_->ShowLevel(parts_.line_level()); });
-  trap([&] { view_->ShowMessagesPath(parts_.shared.messages_path, parts_.calls.Relocating()); });
+  trap([&] { view_->ShowMessagesPath(parts_.shared.messages_path, parts_.move.Relocating()); });
   if (++ticks_ % kTicksBetweenLooks == 0) trap([&] { view_->ShowSoundCards(SoundCards()); });
 }
 

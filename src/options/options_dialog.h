@@ -17,7 +17,7 @@
 #include "platform/registry.h"
 #include "platform/sound_card_names.h"
 #include "platform/telephony.h"
-#include "records/call_store.h"
+#include "records/message_move.h"
 #include "telephony/call_effects.h"
 #include "telephony/line_manager.h"
 
@@ -124,7 +124,7 @@ class OptionsDialog {
     Settings& settings;  ///< the main window's, which the next call uses
     SharedOptions& shared;
     const LineManager& line;
-    const CallStore& calls;
+    const MessageMove& move;
     std::function<std::optional<std::int32_t>()> line_level;          ///< as ShowLevel takes it
     std::function<void(const std::string& greeting)> fill_greetings;  ///< of the main window's box
     std::function<void(const std::string& folder)> move_messages;     ///< and stores where they are then

@@ -15,31 +15,8 @@
 namespace orven {
 namespace {
 
-/// So many messages that stayed behind are named in a box; the log names them all.
-constexpr std::size_t kNamedInBox = 10;
-
 /// What waits for room on a disk is tried again so often.
 constexpr std::chrono::seconds kTryAgain{5};
-
-std::string RefusalText(const std::string& folder, const std::string& reason) {
-  return "The messages cannot be moved to " + folder + "\n\n" + reason + "\n\nNothing was changed.";
-}
-
-std::string BrokenOffText(const std::string& from, const std::string& to, const std::string& reason) {
-  return "The move of the messages to " + to + " was broken off and cannot go on.\n\n" + reason +
-         "\n\nMessages that were moved are in " + to + "\nThe others are in " + from +
-         "\n\nThe move goes on when the program starts and both folders are there, or when you choose " + to +
-         " in the options again.";
-}
-
-std::string StayedText(const std::string& folder, const std::vector<std::string>& names) {
-  auto text = "These messages could not be moved. They are still in " + folder + "\n";
-  for (std::size_t i = 0; i < std::min(names.size(), kNamedInBox); ++i) text += "\n" + names[i];
-  if (names.size() > kNamedInBox) {
-    text += "\nand " + std::to_string(names.size() - kNamedInBox) + " more, which the system log names";
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -314,51 +291,6 @@ std::vector<std::string> CallStore::MessageNames() const {
     if (!call.message_path.empty()) names.push_back(call.message_file_name);
   }
   return names;
-}
-
-void CallStore::RelocateMessages(const std::string& new_folder, MoveMemory memory, bool old_needed) {
-  if (relocation_) return;
-  const auto begin = [this, new_folder, remember = memory.begin] {
-    if (!remember()) return false;
-    ports_.folders.SetNext(new_folder);
-    return true;
-  };
-  relocation_ = std::make_shared<MessageRelocation>(
-      MessageRelocation::Ports{ports_.files, ports_.background, ports_.system_log},
-      MessageRelocation::Folders{shared_.messages_path, new_folder, old_needed},
-      [this] { return MessageNames(); }, begin,
-      [this, new_folder, memory = std::move(memory)](const MessageRelocation::Outcome& outcome) {
-        EndRelocation(new_folder, memory, outcome);
-      });
-  relocation_->Start();
-}
-
-std::optional<RelocationProgress> CallStore::Relocating() const {
-  if (!relocation_) return std::nullopt;
-  return relocation_->Progress();
-}
-
-void CallStore::EndRelocation(const std::string& new_folder, const MoveMemory& memory,
-                              const MessageRelocation::Outcome& outcome) {
-  const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
-  relocation_.reset();
-  if (!outcome.refusal.empty()) return TellOfRefusal(new_folder, outcome.refusal);
-  const auto old_folder = std::exchange(shared_.messages_path, new_folder);
-  settings_.MassagesPath = new_folder;
-  ports_.folders.SetNext({});
-  trap([&] { memory.end(); });
-  trap([&] {
-    if (!outcome.stayed.empty()) ports_.dialogs.Information(StayedText(old_folder, outcome.stayed));
-  });
-}
-
-void CallStore::TellOfRefusal(const std::string& new_folder, const std::string& reason) {
-  const ErrorTrap trap(ports_.system_log, "ErrcmdBrowsMessagesPath ");
-  trap([&] {
-    const bool broken_off = new_folder == ports_.folders.Next();
-    ports_.dialogs.Information(broken_off ? BrokenOffText(shared_.messages_path, new_folder, reason)
-                                          : RefusalText(new_folder, reason));
-  });
 }
 
 }  // namespace orven

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <deque>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,7 +20,6 @@
 #include "records/call_journal.h"
 #include "records/call_list.h"
 #include "records/message_files.h"
-#include "records/message_relocation.h"
 
 namespace orven {
 
@@ -56,12 +54,8 @@ class CallStore {
     const Call& current;  ///< the call that is up, or the latest
   };
 
-  CallStore(Ports ports, CallList& list, Settings& settings, SharedOptions& shared)
-      : ports_(ports),
-        list_(list),
-        settings_(settings),
-        shared_(shared),
-        tmrRoom_(ports.loop.MakeTimer([this] { TryAgain(); })) {}
+  CallStore(Ports ports, CallList& list, const SharedOptions& shared)
+      : ports_(ports), list_(list), shared_(shared), tmrRoom_(ports.loop.MakeTimer([this] { TryAgain(); })) {}
 
   /// Files the current call as the newest record and writes its line to the calls log. Sets the
   /// call's type text; its message is moved when the messages folder was changed since it was
@@ -92,23 +86,8 @@ class CallStore {
   /// The same with the message file of this name.
   void SaveMessage(const std::string& name);
 
-  /// How a move of the messages is remembered when the program ends before it does.
-  struct MoveMemory {
-    /// Before the first message moves; false when it cannot be remembered, and then none moves.
-    std::function<bool()> begin = [] { return true; };
-    /// The new folder is the messages path now, in the program.
-    std::function<void()> end = [] {};
-  };
-
-  /// Moves every message file to `new_folder` (ending in a separator), in the background; afterwards that
-  /// is the messages path in the program, even when some could not be moved. A box and the log name the
-  /// messages that stayed behind. A folder that cannot be written is refused with a box before anything
-  /// moves, and so is, with `old_needed`, an old one that is not there. What was Next before stays so then:
-  /// some messages may be there. Nothing while an earlier move is not done.
-  void RelocateMessages(const std::string& new_folder, MoveMemory memory, bool old_needed = false);
-
-  /// How far the move is; nothing when there is none.
-  std::optional<RelocationProgress> Relocating() const;
+  /// The names of all messages, also of calls that wait to be filed. Throws when the records cannot be read.
+  std::vector<std::string> MessageNames() const;
 
  private:
   /// A call that is filed without its message, which waits for room.
@@ -133,20 +112,14 @@ class CallStore {
   void CopyInBackground(const std::vector<std::string>& places, const std::string& target);
   Background::Done LogFailure(const std::string& label);
   void StopPlayerOn(const std::string& key);
-  std::vector<std::string> MessageNames() const;
-  void EndRelocation(const std::string& new_folder, const MoveMemory& memory,
-                     const MessageRelocation::Outcome& outcome);
-  void TellOfRefusal(const std::string& new_folder, const std::string& reason);
 
   Ports ports_;
   CallList& list_;
-  Settings& settings_;
-  SharedOptions& shared_;
+  const SharedOptions& shared_;
   std::deque<Call> waiting_;  ///< not filed yet, in the order in which they came
   bool refused_ = false;      ///< the first of them, and the log tells why
   std::vector<Late> late_;
   std::unique_ptr<Timer> tmrRoom_;  ///< runs while anything waits
-  std::shared_ptr<MessageRelocation> relocation_;
 };
 
 }  // namespace orven

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records/message_move.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
+#include "core/error_trap.h"
 #include "core/mdlReg.h"
 #include "core/settings_store.h"
 
@@ -11,20 +14,97 @@ namespace {
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
 
+/// Moving belongs to browsing for a folder and is logged under its name.
+constexpr const char* kLabel = "ErrcmdBrowsMessagesPath ";
+
+/// So many messages that stayed behind are named in a box; the log names them all.
+constexpr std::size_t kNamedInBox = 10;
+
+std::string RefusalText(const std::string& folder, const std::string& reason) {
+  return "The messages cannot be moved to " + folder + "\n\n" + reason + "\n\nNothing was changed.";
+}
+
+std::string BrokenOffText(const std::string& from, const std::string& to, const std::string& reason) {
+  return "The move of the messages to " + to + " was broken off and cannot go on.\n\n" + reason +
+         "\n\nMessages that were moved are in " + to + "\nThe others are in " + from +
+         "\n\nThe move goes on when the program starts and both folders are there, or when you choose " + to +
+         " in the options again.";
+}
+
+std::string StayedText(const std::string& folder, const std::vector<std::string>& names) {
+  auto text = "These messages could not be moved. They are still in " + folder + "\n";
+  for (std::size_t i = 0; i < std::min(names.size(), kNamedInBox); ++i) text += "\n" + names[i];
+  if (names.size() > kNamedInBox) {
+    text += "\nand " + std::to_string(names.size() - kNamedInBox) + " more, which the system log names";
+  }
+  return text;
+}
+
+std::string Reason(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const std::exception& error) {
+    return error.what();
+  } catch (...) {
+    return "unknown";
+  }
+}
+
+void Log(SystemLog& log, const std::exception_ptr& failure) {
+  const ErrorTrap trap(log, kLabel);
+  trap([&] { std::rethrow_exception(failure); });
+}
+
+/// A name that no file has in either folder.
+std::string FreeName(const Files& files, const std::string& from, const std::string& to) {
+  const std::string name = ".orven-test";
+  std::string free = name;
+  for (int number = 2; files.Exists(from + free) || files.Exists(to + free); ++number) {
+    free = name + std::to_string(number);
+  }
+  return free;
+}
+
+/// Writes a file into `to`; throws when that fails. True when both paths lead to one folder.
+bool TryFolder(Files& files, const std::string& from, const std::string& to) {
+  const auto name = FreeName(files, from, to);
+  files.Append(to + name, "");
+  const bool same = files.Exists(from + name);
+  ErrorTrap::Silent()([&] { files.Delete(to + name); });  // an empty file that stays does no harm
+  return same;
+}
+
+/// Throws when the message is not in `to` afterwards; `gone` tells then that it is not in `from` either.
+void MoveMessage(Files& files, const std::string& from, const std::string& to, bool& gone) {
+  try {
+    files.Rename(from, to);
+  } catch (...) {
+    gone = !files.Exists(from);
+    // An earlier move may have brought it there, or have stopped between copying and deleting.
+    if (!files.Exists(to) || (!gone && !SameContent(files, from, to))) throw;
+    if (!gone) files.Delete(from);
+  }
+}
+
 }  // namespace
 
 void MessageMove::Begin(const std::string& folder) {
-  if (parts_.calls.Relocating() || !MayLeave(folder)) return;
-  if (folder != parts_.shared.messages_path) return Run(folder, false);
+  if (move_ || !MayLeave(folder)) return;
+  if (folder != parts_.shared.messages_path) return Try(folder, false);
   parts_.folders.SetNext({});
-  Finish();
+  StoreEnd();
 }
 
 void MessageMove::GoOn() {
   const auto folder = GetRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
   if (folder == kNotFound || folder.empty() || folder == parts_.shared.messages_path) return;
   parts_.folders.SetNext(folder);
-  Run(folder, true);
+  Try(folder, true);
+}
+
+std::optional<RelocationProgress> MessageMove::Relocating() const {
+  if (!move_) return std::nullopt;
+  return RelocationProgress{move_->known.size() - move_->waiting.size(), move_->known.size()};
 }
 
 bool MessageMove::MayLeave(const std::string& folder) {
@@ -39,22 +119,104 @@ bool MessageMove::MayLeave(const std::string& folder) {
   return left;
 }
 
-void MessageMove::Run(const std::string& folder, bool going_on) {
-  parts_.calls.RelocateMessages(
-      folder, {[this, folder] { return Store(kMoveUnderWay, folder); }, [this] { Finish(); }}, going_on);
+/// Starts a move if the new folder can be written. With `old_needed` the old folder must be there too, or it
+/// would be taken for an empty one.
+void MessageMove::Try(const std::string& folder, bool old_needed) {
+  if (move_) return;
+  move_ = std::make_unique<Move>(Move{parts_.shared.messages_path, folder, {}, {}, {}});
+  const auto same = std::make_shared<bool>(false);
+  parts_.background.Run(
+      [&files = parts_.files, from = move_->from, folder, old_needed, same] {
+        *same = TryFolder(files, from, folder);
+        if (old_needed) files.List(from, ".orven-test");
+      },
+      Bound([this, same](const std::exception_ptr& failure) { Tried(*same, failure); }));
+}
+
+void MessageMove::Tried(bool same_folder, const std::exception_ptr& failure) {
+  if (failure) {
+    Log(parts_.log, failure);
+    return Refuse(Reason(failure));
+  }
+  if (same_folder) return End();
+  if (const auto reason = ReasonAgainst(); !reason.empty()) return Refuse(reason);
+  parts_.folders.SetNext(move_->to);
+  MoveNext();
+}
+
+/// Why the first message must not move; empty when it may.
+std::string MessageMove::ReasonAgainst() {
+  if (!CollectNames()) return "The calls cannot be read";
+  if (Store(kMoveUnderWay, move_->to)) return {};
+  return "The settings cannot be stored; the system log tells more.";
+}
+
+bool MessageMove::CollectNames() {
+  const ErrorTrap trap(parts_.log, kLabel);
+  return trap([&] {
+    for (auto& name : parts_.calls.MessageNames()) {
+      if (move_->known.insert(name).second) move_->waiting.push_back(std::move(name));
+    }
+  });
+}
+
+void MessageMove::MoveNext() {
+  // A call may have left a message in the old folder meanwhile. The move ends in the same task in which the
+  // last name was looked for: no message can be filed between the two.
+  if (move_->waiting.empty()) CollectNames();
+  if (move_->waiting.empty()) return End();
+  const auto& name = move_->waiting.front();
+  const auto gone = std::make_shared<bool>(false);
+  parts_.background.Run([&files = parts_.files, from = move_->from + name, to = move_->to + name,
+                         gone] { MoveMessage(files, from, to, *gone); },
+                        Bound([this, gone](const std::exception_ptr& failure) { Moved(*gone, failure); }));
+}
+
+void MessageMove::Moved(bool gone, const std::exception_ptr& failure) {
+  const auto name = move_->waiting.front();
+  move_->waiting.pop_front();
+  if (failure) {
+    Log(parts_.log, failure);
+    parts_.log.WriteSystem((gone ? "Message is missing: " : "Message stayed behind: ") + move_->from + name);
+    if (!gone) move_->stayed.push_back(name);
+  }
+  MoveNext();
+}
+
+void MessageMove::Refuse(const std::string& reason) {
+  const auto move = std::exchange(move_, nullptr);
+  const bool broken_off = move->to == parts_.folders.Next();
+  parts_.dialogs.Information(broken_off ? BrokenOffText(move->from, move->to, reason)
+                                        : RefusalText(move->to, reason));
+}
+
+void MessageMove::End() {
+  const auto move = std::exchange(move_, nullptr);
+  parts_.shared.messages_path = move->to;
+  parts_.settings.MassagesPath = move->to;
+  parts_.folders.SetNext({});
+  StoreEnd();
+  if (!move->stayed.empty()) parts_.dialogs.Information(StayedText(move->from, move->stayed));
 }
 
 bool MessageMove::Store(const std::string& name, const std::string& folder) {
   return parts_.registry.Write(kRoot, kSettingsKey, std::array{RegString(name, folder)});
 }
 
-void MessageMove::Finish() {
+void MessageMove::StoreEnd() {
   const auto& folder = parts_.shared.messages_path;
   if (Store("MassagesPath", folder))
     return DeleteRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
   parts_.dialogs.Information("The messages are in " + folder +
                              "\n\nThis could not be stored; the system log tells more. It is stored at the "
                              "next start when the settings can be written then.");
+}
+
+/// `done`, which runs only while this object lives.
+Background::Done MessageMove::Bound(std::function<void(const std::exception_ptr& failure)> done) const {
+  return [alive = std::weak_ptr<int>(alive_), done = std::move(done)](const std::exception_ptr& failure) {
+    if (!alive.expired()) done(failure);
+  };
 }
 
 }  // namespace orven

@@ -1,48 +1,91 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <deque>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "core/activity_log.h"
 #include "core/settings.h"
+#include "platform/background.h"
 #include "platform/dialogs.h"
+#include "platform/files.h"
 #include "platform/registry.h"
 #include "records/call_store.h"
 #include "records/message_files.h"
 
 namespace orven {
 
-/// Moves the messages to another folder and stores that as the messages path. Before the first message moves
-/// the new folder is stored beside the old one, and stays so until the move has come to its end and that is
-/// stored: at any time what is stored tells where every message can be. User-interface thread.
+/// How far a move of the messages has come.
+struct RelocationProgress {
+  std::size_t done = 0;
+  std::size_t total = 0;
+};
+
+/// Moves the messages to another folder, one by one in the background, and stores that as the messages path.
+/// Nothing is overwritten, and every file is in exactly one of the two folders at any time a person can look,
+/// also after a failure; one that a killed program left in both is there once at the end. Before the first
+/// message moves, the new folder is stored beside the old one, and it stays there until the move is complete
+/// and stored: what is stored always tells where every message can be. A box and the log name the messages
+/// that stayed behind. A folder that cannot be written is refused with a box before anything moves. When this
+/// object is destroyed, the move stops after the current file. User-interface thread.
 class MessageMove {
  public:
   struct Parts {
     Registry& registry;
     Dialogs& dialogs;
     SystemLog& log;
-    CallStore& calls;
+    Files& files;
+    Background& background;
+    const CallStore& calls;
     MessageFolders& folders;
-    const SharedOptions& shared;
+    Settings& settings;
+    SharedOptions& shared;
   };
 
   explicit MessageMove(Parts parts) : parts_(parts) {}
 
-  /// A person chose `folder` (ending in a separator). While an earlier move waits to go on, another folder
-  /// than that move's needs his consent, for messages may be left behind there. Nothing while messages move.
+  /// A person chose `folder` (ending in a separator). While an earlier move waits to continue, any folder but
+  /// that move's needs the person's consent, because messages may be left behind there. Does nothing while
+  /// messages move.
   void Begin(const std::string& folder);
 
-  /// Goes on with a move that the program's end broke off. One that cannot go on now waits for the next
-  /// start.
+  /// Continues a move that the program's end interrupted. If that fails, it waits for the next start.
   void GoOn();
 
+  /// How far the move is; nothing when there is none.
+  std::optional<RelocationProgress> Relocating() const;
+
  private:
+  /// A move that is under way. Folders end in a separator.
+  struct Move {
+    std::string from, to;
+    std::set<std::string> known;      ///< every name that was ever waiting
+    std::deque<std::string> waiting;  ///< names in the order in which they are moved
+    std::vector<std::string> stayed;  ///< messages that could not be moved
+  };
+
   bool MayLeave(const std::string& folder);
-  void Run(const std::string& folder, bool going_on);
+  void Try(const std::string& folder, bool old_needed);
+  void Tried(bool same_folder, const std::exception_ptr& failure);
+  std::string ReasonAgainst();
+  bool CollectNames();
+  void MoveNext();
+  void Moved(bool gone, const std::exception_ptr& failure);
+  void Refuse(const std::string& reason);
+  void End();
   bool Store(const std::string& name, const std::string& folder);
-  void Finish();
+  void StoreEnd();
+  Background::Done Bound(std::function<void(const std::exception_ptr& failure)> done) const;
 
   Parts parts_;
+  std::unique_ptr<Move> move_;
+  std::shared_ptr<int> alive_ = std::make_shared<int>(0);  ///< background work outlives this object
 };
 
 }  // namespace orven

@@ -148,12 +148,12 @@ TEST_F(Options, ANewFolderIsStoredAtOnce) {
   world.AddMessage("one.wav", 1s);
   dialog.BrowsMessagesPath();
   EXPECT_EQ(world.dialogs.browse_title, "Save Messages To");
-  EXPECT_EQ(machine.calls.Relocating(), std::nullopt) << "cancelled";
+  EXPECT_EQ(machine.move.Relocating(), std::nullopt) << "cancelled";
   world.dialogs.browsed = "/mnt/new";
   Watcher watcher;
   dialog.Watch(&watcher);
   dialog.BrowsMessagesPath();
-  EXPECT_NE(machine.calls.Relocating(), std::nullopt);
+  EXPECT_NE(machine.move.Relocating(), std::nullopt);
   EXPECT_EQ(world.registry.Text("MassagesPath"), world.messages) << "not before everything is moved";
   world.RunFor(100ms);
   EXPECT_EQ(world.registry.Text("MassagesPath"), "/mnt/new/");
