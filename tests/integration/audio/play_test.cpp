@@ -1,170 +1,180 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// When a play ends, and what ends it.
-#include <sndfile.h>
+// What a caller hears of audio files of every kind, when a play ends, and what ends it.
+#include <sys/stat.h>
 
-#include <filesystem>
-#include <set>
+#include <algorithm>
+#include <limits>
 
 #include "integration/audio/audio_test.h"
 
 namespace orven::testing {
 namespace {
 
-using namespace std::chrono_literals;
+/// How sox writes a tone.
+const char* const kFormats[]{"-r 8000 -c 1 -b 8 -e u-law",
+                             "-r 8000 -c 1 -b 8 -e a-law",
+                             "-r 8000 -c 1 -b 8 -e unsigned",
+                             "-r 8000 -c 1 -b 24",
+                             "-r 8000 -c 2 -e float",
+                             "-r 8000 -c 6 -b 32",
+                             "-r 44100 -c 2 -b 64 -e float",
+                             "-r 44100 -b 8 -e u-law",
+                             "-r 4000",
+                             "-r 11025",
+                             "-r 22050",
+                             "-r 48000 -c 2",
+                             "-r 96000",
+                             "-r 192000 -c 2"};
 
 class Play : public AudioTest {
  protected:
   Play() {
-    WriteSound(greeting, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(3 * kSecond));
-    WriteSound(beep, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(kSecond / 5, 2));
+    WriteWav(greeting, SF_FORMAT_PCM_16, whole);
+    whole.resize(3 * kSecond);  // the last block is filled up with silence
   }
 
-  const std::string greeting = folder / "greeting.wav";
-  const std::string beep = folder / "beep.wav";
+  Samples Played(const std::string& path) {
+    EXPECT_EQ(kWaveOk, control->PlayFile(path, kLine));
+    return line.PlayToEnd();
+  }
+
+  Samples whole = Noise(3 * kSecond - 8);
+  const std::string greeting = messages / "greeting.wav";
+  const std::string other = messages / "other.wav";
 };
+
+TEST_F(Play, EveryEncodingAndRateSoundsTheSameFromAnyPlace) {
+  int plays = 0;
+  for (const std::string format : kFormats) {
+    Printed("sox -R -n " + format + " " + other + " synth 2.085 sine 997 vol 0.5");
+    const Samples expected = Read(other);
+    EXPECT_NEAR(2.085, control->FileLength(other), 0.001);
+    for (const int start : {0, kSampleRate}) {
+      ASSERT_EQ(kWaveOk, control->PlayFile(other, kLine));
+      if (start != 0) control->Seek(1s);
+      const Samples played = line.PlayToEnd();
+      EXPECT_EQ(++plays, Finished());
+      ASSERT_NEAR(16680 - start, static_cast<double>(played.size()), kBlockSamples) << format;
+      int difference = 0;  // beside the edges
+      for (std::size_t i = 200; i < 8400; ++i)
+        difference =
+            std::max(difference, std::abs(played[i] - expected[i + static_cast<std::size_t>(start)]));
+      EXPECT_LE(difference, format.starts_with("-r 8000") ? 1 : 50) << format;  // rounding; another filter
+    }
+  }
+}
+
+TEST_F(Play, ChannelsAreMixedLoudSoundIsClippedAndNaNIsSilence) {
+  constexpr float kNan = std::numeric_limits<float>::quiet_NaN(),
+                  kInfinity = std::numeric_limits<float>::infinity();
+  WriteWav(other, SF_FORMAT_FLOAT,
+           std::vector{0.5F, 0.0F, -0.5F, 1.0F, kNan, 1.0F, 1.0F, kInfinity, 4.0F, 0.0F, 0.0F, -4.0F}, 8000,
+           2);
+  Samples mixed{8192, 8192, 0, 0, 32767, -32768};
+  mixed.resize(kBlockSamples);
+  EXPECT_EQ(mixed, Played(other));
+}
+
+TEST_F(Play, AFileWithoutAudioIsRefusedAtOnce) {
+  PutFile(messages / "empty.wav", "");
+  PutFile(messages / "text.wav", std::string(10000, 'x'));
+  PutFile(messages / "riff.wav", "RIFF\xff\xff\xff\xffWAVEfmt ");
+  WriteWav(messages / "slow.wav", SF_FORMAT_PCM_16, Noise(31), 31);
+  WriteWav(messages / "no samples.wav", SF_FORMAT_PCM_16, Samples());
+  ASSERT_EQ(0, mkfifo((messages / "pipe.wav").c_str(), 0600));
+  const std::map<std::string, int> results{
+      {"missing.wav", kWaveFileNotFound}, {"text.wav/below.wav", kWaveFileNotFound},
+      {".", kWaveFileUnreadable},         {"empty.wav", kWaveFileUnreadable},
+      {"text.wav", kWaveFileUnreadable},  {"slow.wav", kWaveBadFormat},
+      {"riff.wav", kWaveFileUnreadable},  {"pipe.wav", kWaveFileUnreadable}};
+  for (const auto& [name, result] : results) {
+    EXPECT_EQ(result, control->PlayFile(messages / name, kLine)) << name;
+    EXPECT_TRUE(control->PlayErrorText(result).ends_with(" (\"" + messages / name + "\")")) << name;
+    EXPECT_EQ(name == "slow.wav", control->FileLength(messages / name) > 0) << name;
+  }
+  EXPECT_FALSE(control->IsPlaying() || line.source);
+  EXPECT_EQ(0, control->FileLength(messages / "no samples.WAV")) << "in any case";
+  EXPECT_EQ(Samples(), Played(messages / "no samples.wav"));
+  EXPECT_EQ(1, Finished()) << "over at once";
+}
 
 TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
+  EXPECT_EQ(kWaveBusy, control->PlayFile(greeting, kCard));
+  EXPECT_EQ(whole, line.PlayToEnd());
   EXPECT_EQ(1, line.ready);
   EXPECT_TRUE(control->IsPlaying());
-  EXPECT_EQ(3000ms, control->Position());
+  EXPECT_EQ(2999ms, control->Position());
   EXPECT_EQ(0, finished);
-  loop.Run();
-  EXPECT_EQ(1, finished);
+  EXPECT_EQ(1, Finished());
   EXPECT_FALSE(control->IsPlaying());
   EXPECT_EQ(0ms, control->Position());
-}
 
-TEST_F(Play, NothingIsToldAfterStop) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  line.PlayToEnd();  // the event is on its way
-  control->StopPlay();
-  EXPECT_FALSE(control->IsPlaying());
-  loop.Run();
-  EXPECT_EQ(0, finished);
-}
-
-TEST_F(Play, AnEarlierPlayDoesNotEndTheNextOne) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(beep, kLine));
-  line.PlayToEnd();
+  Played(greeting);  // the event is on its way
   control->StopPlay();
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  loop.Run();
-  EXPECT_EQ(0, finished);
+  EXPECT_EQ(1, Finished()) << "a stopped play tells nothing";
   EXPECT_TRUE(control->IsPlaying());
-  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
-  loop.Run();
-  EXPECT_EQ(1, finished);
-}
-
-TEST_F(Play, NothingIsToldAfterDestruction) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(beep, kLine));
-  line.PlayToEnd();
+  EXPECT_EQ(whole, line.PlayToEnd());
   control.reset();
-  loop.Run();
-  EXPECT_EQ(0, finished);
-}
-
-TEST_F(Play, OneFileAtATimeOnADeviceThatIsThere) {
-  EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine + 7));
-  line.refuse = kWaveNoDevice;
-  EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine));
-  EXPECT_FALSE(control->IsPlaying());
-  line.refuse = kWaveOk;
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  EXPECT_EQ(kWaveBusy, control->PlayFile(beep, kCard));
-  EXPECT_EQ(3 * kSecond, line.PlayToEnd().size());
+  EXPECT_EQ(1, Finished());
 }
 
 TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
-  const Samples silence(kBlockSamples, 0);
-  folder_disk.HoldReads(kSampleRate);  // bytes: after the first half second
+  disk.hold_reads_from = kSampleRate;  // bytes: after the first half second
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  ASSERT_TRUE(Eventually([&] { return folder_disk.Holds(); }));
+  ASSERT_TRUE(Eventually([&] { return disk.held > 0; }));
   Samples played;
-  for (auto block = line.Pull(); block != silence; block = line.Pull())
+  for (auto block = line.Pull(); block != kSilence; block = line.Pull())
     played.insert(played.end(), block->begin(), block->end());
   const auto position = control->Position();
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(silence, line.Pull());
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(kSilence, line.Pull());
   EXPECT_EQ(position, control->Position());
-  folder_disk.Release();
+  disk.Mend();
   const Samples rest = line.PlayToEnd();
   played.insert(played.end(), rest.begin(), rest.end());
-  EXPECT_EQ(Noise(3 * kSecond), played);
+  EXPECT_EQ(whole, played);
 }
 
-TEST_F(Play, AFileThatShrinksOrGoesEndsWhereItEnds) {
-  const std::string path = folder / "long.wav";
-  WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, Noise(60 * kSecond));
-  ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine));
+TEST_F(Play, AFileThatShrinksEndsEarlyAndADeletedOnePlaysOn) {
+  WriteWav(other, SF_FORMAT_PCM_16, Noise(60 * kSecond));
+  ASSERT_EQ(kWaveOk, control->PlayFile(other, kLine));
   ASSERT_TRUE(Eventually([&] { return line.Pull()->front() != 0; }));
-  std::filesystem::resize_file(path, 30 * kSecond * 2);
-  const std::size_t played = line.PlayToEnd().size();
-  EXPECT_NEAR(30 * kSecond, static_cast<double>(played), kSampleRate);
-  loop.Run();
-  EXPECT_EQ(1, finished);
+  std::filesystem::resize_file(other, 30 * kSecond * 2);
+  EXPECT_NEAR(30 * kSecond, static_cast<double>(line.PlayToEnd().size()), kSampleRate);
+  EXPECT_EQ(1, Finished());
 
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   std::filesystem::remove(greeting);
-  EXPECT_EQ(Noise(3 * kSecond), line.PlayToEnd());
-  loop.Run();
-  EXPECT_EQ(2, finished);
+  control->Seek(1s);  // cannot be done
+  EXPECT_EQ(whole, line.PlayToEnd());
+  EXPECT_EQ(2, Finished());
 }
 
-TEST_F(Play, SeekGoesOnThereAndFinishesOnce) {
-  const Samples whole = Noise(3 * kSecond);
+TEST_F(Play, SeekContinuesThereAndFinishesOnce) {
+  control->Seek(1s);  // nothing plays
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   control->Seek(2500ms);
   EXPECT_EQ(2500ms, control->Position());
   EXPECT_EQ(Samples(whole.begin() + 2500 * 8, whole.end()), line.PlayToEnd());
-  EXPECT_EQ(3000ms, control->Position());
-
+  EXPECT_EQ(2999ms, control->Position());
   control->Seek(-1s);  // the end's event is on its way; it is no longer true
-  loop.Run();
-  EXPECT_EQ(0, finished);
+  EXPECT_EQ(0, Finished());
   EXPECT_EQ(whole, line.PlayToEnd());
-  loop.Run();
-  EXPECT_EQ(1, finished);
+  EXPECT_EQ(1, Finished());
 
-  control->Seek(1s);  // nothing plays
-  EXPECT_FALSE(line.Plays());
-  EXPECT_EQ(0ms, control->Position());
-}
-
-TEST_F(Play, SeekBeyondTheEndOrOnADeviceThatWentEndsThePlay) {
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
   control->Seek(1h);
-  EXPECT_EQ(3000ms, control->Position());
+  EXPECT_EQ(2999ms, control->Position());
   EXPECT_EQ(Samples(), line.PlayToEnd());
-  loop.Run();
-  EXPECT_EQ(1, finished);
-
+  EXPECT_EQ(2, Finished());
   ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  line.refuse = kWaveNoDevice;
+  line.refuse = kWaveNoDevice;  // it has gone since
   control->Seek(1s);
-  loop.Run();
-  EXPECT_EQ(2, finished);
+  EXPECT_EQ(3, Finished());
+  EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine));
+  EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine + 7));
   EXPECT_FALSE(control->IsPlaying());
-}
-
-TEST_F(Play, SeekInAFileThatIsGonePlaysOnAsItDid) {
-  ASSERT_EQ(kWaveOk, control->PlayFile(greeting, kLine));
-  std::filesystem::remove(greeting);
-  control->Seek(1s);
-  EXPECT_EQ(Noise(3 * kSecond), line.PlayToEnd());
-}
-
-TEST_F(Play, SeekFindsThePlaceAtAnyRate) {
-  const std::string path = folder / "music.wav";
-  auto sound = Sine(44100, 1000, 0.5, 2);
-  std::fill(sound.begin(), sound.begin() + 44100, 0.0F);
-  WriteSound(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, sound);
-  ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine));
-  control->Seek(1s);
-  const Samples played = line.PlayToEnd();
-  EXPECT_NEAR(kSecond, static_cast<double>(played.size()), kBlock);
-  EXPECT_GT(FitSine(Samples(played.begin() + 800, played.end() - 800), 1000).snr, 60);
 }
 
 }  // namespace

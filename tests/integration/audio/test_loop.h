@@ -15,7 +15,7 @@ namespace orven::testing {
 /// Longer than anything here takes on the slowest machine under a sanitizer.
 inline constexpr std::chrono::seconds kLimit{30};
 
-/// Looks at `condition` again and again until it holds; false when it never does.
+/// Waits until `condition` holds; false when it never does.
 template <class Condition>
 bool Eventually(Condition condition) {
   const auto deadline = std::chrono::steady_clock::now() + kLimit;
@@ -38,18 +38,15 @@ class TestLoop : public EventLoop {
 
   /// Runs what has been posted, and what that posts.
   void Run() {
-    for (Task task = Next(); task; task = Next()) task();
+    for (std::unique_lock lock(mutex_); !tasks_.empty(); lock.lock()) {
+      const Task task = std::exchange(tasks_.front(), nullptr);
+      tasks_.pop_front();
+      lock.unlock();
+      task();
+    }
   }
 
  private:
-  Task Next() {
-    const std::lock_guard lock(mutex_);
-    if (tasks_.empty()) return {};
-    Task task = std::move(tasks_.front());
-    tasks_.pop_front();
-    return task;
-  }
-
   std::mutex mutex_;
   std::deque<Task> tasks_;
 };
