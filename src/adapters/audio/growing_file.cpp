@@ -89,11 +89,6 @@ bool DiskFile::IsThere() const {
   return fstat(descriptor_, &status) == 0 && status.st_nlink > 0;
 }
 
-std::string FolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
-
 std::int32_t SyncFolder(const std::string& folder) {
   const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor < 0) return ResultOf(errno);

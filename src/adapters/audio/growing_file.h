@@ -53,9 +53,6 @@ class DiskFile {
   const int descriptor_;
 };
 
-/// The part of `path` up to its last separator, without it; "." when there is none.
-std::string FolderOf(const std::string& path);
-
 /// Makes created, renamed and deleted names in `folder` survive a loss of power.
 std::int32_t SyncFolder(const std::string& folder);
 

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "base/paths.h"
+
 namespace orven {
 namespace {
 

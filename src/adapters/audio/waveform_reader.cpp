@@ -12,10 +12,10 @@
 namespace orven {
 namespace {
 
-/// Samples of all channels read at once: a few milliseconds' work, after which a newer request is looked for.
+/// Samples of all channels read at once: a few milliseconds' work between two checks for a newer request.
 constexpr std::size_t kChunkSamples = 16384;
 
-/// The loudest channel of one frame; what is no number in a damaged file counts as silence.
+/// The loudest channel of one frame. NaN and infinity in a damaged file count as silence.
 float PeakOf(std::span<const float> frame) {
   float peak = 0;
   for (const float sample : frame)
@@ -26,55 +26,31 @@ float PeakOf(std::span<const float> frame) {
 }  // namespace
 
 FileWaveformReader::~FileWaveformReader() {
-  {
-    const std::lock_guard lock(mutex_);
-    ending_ = true;
-    ++newest_;
-  }
-  wake_.notify_one();
-  if (thread_.joinable()) thread_.join();
+  Cancel();
 }
 
 void FileWaveformReader::Request(const std::string& path, Done done) {
   done_ = std::move(done);
-  {
-    const std::lock_guard lock(mutex_);
-    ++newest_;
-    next_ = path;
-  }
-  wake_.notify_one();
-  if (!thread_.joinable()) thread_ = std::thread([this] { Run(); });
+  worker_.Post([this, path, request = ++newest_] {
+    auto waveform = Read(path, request);
+    if (!waveform) return;
+    loop_.Post(lifeline_.Bind([this, request, waveform = *std::move(waveform)] {
+      if (request == newest_) std::exchange(done_, nullptr)(waveform);
+    }));
+  });
 }
 
 void FileWaveformReader::Cancel() {
-  const std::lock_guard lock(mutex_);
   ++newest_;
-  next_.reset();
   done_ = nullptr;
 }
 
-void FileWaveformReader::Run() {
-  std::unique_lock lock(mutex_);
-  for (;;) {
-    wake_.wait(lock, [this] { return ending_ || next_; });
-    if (ending_) return;
-    const std::string path = *std::exchange(next_, std::nullopt);
-    const std::uint64_t request = newest_;
-    lock.unlock();
-    if (auto waveform = Read(path, request)) {
-      loop_.Post(lifeline_.Bind([this, request, waveform = *std::move(waveform)] {
-        if (request == newest_) std::exchange(done_, nullptr)(waveform);
-      }));
-    }
-    lock.lock();
-  }
-}
-
-/// Nothing when the request is no longer wanted.
+/// Nothing when the request is no longer the newest.
 std::optional<Waveform> FileWaveformReader::Read(const std::string& path, std::uint64_t request) const {
   Waveform waveform;
   AudioFile file;
   SF_INFO info;
+  if (request != newest_) return std::nullopt;
   if (OpenAudioFile(path, file, info) != kWaveOk || info.frames == 0) return waveform;
   waveform.length = std::chrono::milliseconds(info.frames * 1000 / info.samplerate);
   const auto count = std::min<std::int64_t>(info.frames, kPeaks);
