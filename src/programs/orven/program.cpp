@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "adapters/desktop/installation.h"
+#include "adapters/line/setup/line_devices.h"
 #include "core/mdlReg.h"
-#include "programs/orven/telephone_lines.h"
 #include "records/call.h"
 #include "records/call_recovery.h"
 

@@ -19,32 +19,6 @@
 #include "base/unicode.h"
 
 namespace orven {
-
-void RegistrationState::Take(const RegistrationNews& news) {
-  const std::lock_guard lock(mutex_);
-  latest_ = news;
-}
-
-RegistrationNews RegistrationState::Latest() const {
-  const std::lock_guard lock(mutex_);
-  return latest_;
-}
-
-void ModemState::Take(const std::string& words) {
-  const std::lock_guard lock(mutex_);
-  latest_ = words;
-}
-
-std::string ModemState::Latest() const {
-  const std::lock_guard lock(mutex_);
-  return latest_;
-}
-
-const LineStates::Device& LineStates::Add(const LineSection& section) {
-  devices_.push_back({.section = section});
-  return devices_.back();
-}
-
 namespace {
 
 LineTestResult Outcome(const LineTestRun::Work& work, const std::atomic<bool>& cancelled) {
@@ -189,9 +163,8 @@ std::vector<SerialPortFound> FileTelephoneLines::SerialPorts() const {
 
 std::int32_t FileTelephoneLines::DeviceOf(const TelephoneLine& line) const {
   const auto section = SectionOf(line);
-  const auto& devices = states_.Devices();
-  for (std::size_t index = 0; index < devices.size(); ++index) {
-    const auto& device = devices[index].section;  // the file may have got other lines above it
+  for (std::size_t index = 0; index < states_.size(); ++index) {
+    const auto& device = states_[index].section;  // the file may have got other lines above it
     if (device.name == section.name && device.type == section.type && device.values == section.values) {
       return static_cast<std::int32_t>(index);
     }
@@ -212,20 +185,19 @@ std::string FileTelephoneLines::State(const TelephoneLine& line) const {
   if (const auto failure = service_.OpenFailure(device); !failure.empty())
     return "Could not be opened: " + failure;
   if (!service_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
-  const auto& states = states_.Devices()[static_cast<std::size_t>(device)];
-  if (line.kind == LineKind::Modem) return states.modem->Latest();
+  const auto& states = states_[static_cast<std::size_t>(device)];
+  if (line.kind == LineKind::Modem) return states.modem->Get();
   if (line.server.empty()) return "Waiting for calls";
-  return RegistrationWords(states.registration->Latest());
+  return RegistrationWords(states.registration->Get());
 }
 
 /// Whether an open line has this account registered, whatever else is different.
 bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
-  const auto& devices = states_.Devices();
-  for (std::size_t index = 0; index < devices.size(); ++index) {
-    const auto device = LineOf(devices[index].section);
+  for (std::size_t index = 0; index < states_.size(); ++index) {
+    const auto device = LineOf(states_[index].section);
     if (device.user == line.user && device.server == line.server &&
         service_.IsLineOpen(static_cast<std::int32_t>(index)) &&
-        devices[index].registration->Latest().state == RegistrationNews::State::Registered) {
+        states_[index].registration->Get().state == RegistrationNews::State::Registered) {
       return true;
     }
   }
@@ -235,12 +207,11 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
 /// Where this program waits for calls now, so that no test can.
 std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
   std::vector<std::string> addresses;
-  const auto& devices = states_.Devices();
-  for (std::size_t index = 0; index < devices.size(); ++index) {
+  for (std::size_t index = 0; index < states_.size(); ++index) {
     if (!service_.IsLineOpen(static_cast<std::int32_t>(index))) continue;
     for (const char* key : {"listen", "tls_listen"}) {
-      const auto address = devices[index].section.values.find(key);
-      if (address != devices[index].section.values.end()) addresses.push_back(address->second);
+      const auto address = states_[index].section.values.find(key);
+      if (address != states_[index].section.values.end()) addresses.push_back(address->second);
     }
   }
   return addresses;
@@ -249,7 +220,7 @@ std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
 void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
   const auto device = DeviceOf(line);
   const bool open = device >= 0 && service_.IsLineOpen(device);
-  const SipTestOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
+  const SipProbeOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
   const auto state = open ? State(line) : "";
   tests_.Start(
       [line, open, state, options, section = SectionOf(line),
@@ -261,7 +232,7 @@ void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
         if (line.kind == LineKind::Sim) return ReadScript(ScriptOf(section, folder));
         if (open && line.server.empty())
           return {true, "The line is open: calls can come in at " + line.listen + '.'};
-        return TestSipLine(line, SipSettingsOf(section, folder), options, cancelled);
+        return ProbeSipLine(line, SipSettingsOf(section, folder), options, cancelled);
       },
       std::move(done));
 }

@@ -145,8 +145,8 @@ LineTestResult TestListening(const SipLineSettings& settings, const std::string&
 
 }  // namespace
 
-LineTestResult TestSipLine(const TelephoneLine& line, SipLineSettings settings, const SipTestOptions& options,
-                           const std::atomic<bool>& cancelled) {
+LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
+                            const SipProbeOptions& options, const std::atomic<bool>& cancelled) {
   const auto where =
       settings.listen + (settings.tls_listen.empty() ? "" : ", with TLS at " + settings.tls_listen);
   const auto is_open = [&](const std::string& address) {

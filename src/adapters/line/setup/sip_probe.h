@@ -12,7 +12,7 @@
 namespace orven {
 
 /// How a SIP line is tried out.
-struct SipTestOptions {
+struct SipProbeOptions {
   /// The account is registered by a line of this program now: the server is only asked, so that the
   /// registration stays as it is.
   bool registered_now = false;
@@ -26,7 +26,7 @@ struct SipTestOptions {
 /// Opens `line` with its `settings`. With an account: from free ports; registers it, takes the registration
 /// back, and says what came of it. Without one: says whether calls can come in. Blocks; any thread but the
 /// user-interface thread. Ends early, with any result, when `cancelled` becomes true.
-LineTestResult TestSipLine(const TelephoneLine& line, SipLineSettings settings, const SipTestOptions& options,
-                           const std::atomic<bool>& cancelled);
+LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
+                            const SipProbeOptions& options, const std::atomic<bool>& cancelled);
 
 }  // namespace orven

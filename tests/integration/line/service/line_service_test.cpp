@@ -3,236 +3,208 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <thread>
 
 #include "adapters/line/service/caller_text.h"
+#include "adapters/line/service/line_audio.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
+#include "platform/wave.h"
 
 namespace orven {
 namespace {
 
-using testing::ElementsAre;
 using namespace std::chrono_literals;
+using std::to_string;
 
-/// Writes every event down as a short text.
-class EventList : public TelephonyEvents {
+/// The second of two lines, its caller, and a program that hangs up when the caller has. Everything that
+/// the service tells is added to one text.
+class Scene : public TelephonyEvents {
  public:
-  std::vector<std::string> events;
-  std::function<void(const std::string&)> react = [](const std::string&) {};
+  explicit Scene(const SimScript& script = {}) {
+    std::vector<TelephoneDevice> devices;
+    for (int i = 0; i < 2; ++i) {
+      auto driver = std::make_unique<SimLine>("Sim", time_, script);
+      sim_ = driver.get();
+      devices.push_back({std::move(driver), 120s});
+    }
+    const auto report = [this](const std::string&) { Tell(kLine, "idle call"); };
+    service = std::make_unique<LineService>(time_, std::move(devices),
+                                            IdleCalls{[this] { return plays_; }, report});
+    service->SetEvents(this);
+    service->LineOpen(kLine, 4, 8);
+  }
+
+  /// What is told during `steps`, one letter each.
+  std::string Play(const std::string& steps) {
+    for (const char step : steps) Do(step);
+    return told_;
+  }
 
   void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override {
-    Add(line, "proc " + std::to_string(request) + " " + std::to_string(result));
+    Tell(line, "done " + to_string(request) + (result == request ? "" : " as " + to_string(result)));
   }
   void InCommingCall(std::int32_t line, const CallInformation& call) override {
-    Add(line, "call " + std::to_string(call.call_number));
+    Tell(line, "call " + to_string(call.call_number));
   }
-  void MonitorDigit(std::int32_t line, char digit) override { Add(line, std::string("digit ") + digit); }
-  void Idle(std::int32_t line) override { Add(line, "idle"); }
-  void Disconnected(std::int32_t line) override { Add(line, "disconnected"); }
-  void Connected(std::int32_t line) override { Add(line, "connected"); }
-  void Ring(std::int32_t line, std::int32_t count) override { Add(line, "ring " + std::to_string(count)); }
+  void MonitorDigit(std::int32_t line, char digit) override { Tell(line, std::string("digit ") + digit); }
+  void Idle(std::int32_t line) override { Tell(line, "idle"); }
+  void Disconnected(std::int32_t line) override {
+    Tell(line, "gone");
+    Play("?DD");
+  }
+  void Connected(std::int32_t line) override { Tell(line, "up"); }
+  void Ring(std::int32_t line, std::int32_t count) override { Tell(line, "ring " + to_string(count)); }
   void CallerID(std::int32_t line, const std::string& name, const std::string& number) override {
-    Add(line, "caller " + name + "/" + number);
+    Tell(line, name + '/' + number);
   }
 
  private:
-  void Add(std::int32_t line, const std::string& event) {
-    events.push_back(std::to_string(line) + " " + event);
-    react(event);
-  }
-};
+  static constexpr std::int32_t kLine = 1;
 
-class LineServiceTest : public testing::Test {
- protected:
-  LineServiceTest() {
-    std::vector<TelephoneDevice> devices;
-    for (auto*& line : lines) {
-      auto driver = std::make_unique<SimLine>("Sim", time);
-      line = driver.get();
-      devices.push_back({std::move(driver), 120s});
+  void Tell(std::int32_t line, const std::string& event) {
+    told_ += (told_.empty() ? "" : ", ") + (line == kLine ? event : "of another line: " + event);
+  }
+  void TellRefusal(std::int32_t result) {
+    if (result < 0) Tell(kLine, "refused " + to_string(result));
+  }
+  void Do(char step) {
+    switch (step) {
+      // The caller
+      case 'o': return sim_->Offer();
+      case 'r': return sim_->Ring();
+      case 'n': return sim_->CallerId("\"Bob\"\r\n", "");
+      case 'x': return sim_->CallerId("\x01", "  ");
+      case '1': return sim_->Press('1');
+      case 'h': return sim_->HangUp();
+      // The program
+      case 'A': return TellRefusal(service->LineAnswer(kLine));
+      case 'D': return TellRefusal(service->LineDrop(kLine));
+      case 'M': return service->MonitorDigits(kLine, true);
+      case 'C': return TellRefusal(service->LineClose(kLine));
+      case 'O': return TellRefusal(service->LineOpen(kLine, 4, 8));
+      case 'P': return void(plays_ = !plays_);
+      case '?': return Tell(kLine, service->IsCallConnected(kLine) ? "connected" : "not connected");
+      // Time passes
+      case '.': return time_.RunFor(1ms);
+      case '_': return time_.RunFor(100ms);
+      case 's': return time_.RunFor(2s);
+      default: return time_.RunFor(58s);
     }
-    service = std::make_unique<LineService>(
-        time, std::move(devices),
-        IdleCalls{[this] { return in_use; }, [this](const std::string& line) { log.push_back(line); }});
-    service->SetEvents(&list);
-    service->LineOpen(1, 4, 8);
-  }
-  void Connect() {
-    lines[1]->Offer();
-    time.RunFor(1ms);
-    service->LineAnswer(1);
-    time.RunFor(100ms);
-    list.events.clear();
   }
 
-  VirtualTime time{std::chrono::sys_days{}};
-  SimLine* lines[2] = {};
+  VirtualTime time_{std::chrono::sys_days{}};
+  SimLine* sim_ = nullptr;
+  bool plays_ = false;
+  std::string told_;
+
+ public:
   std::unique_ptr<LineService> service;
-  EventList list;
-  bool in_use = false;
-  std::vector<std::string> log;
 };
 
-TEST_F(LineServiceTest, ACallOnWhichNothingHappensIsEndedAsByItsCaller) {
-  list.react = [&](const std::string& event) {
-    if (event == "disconnected") service->LineDrop(1);
+TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"o.rnxr.A_r?h_?",
+       "call 1, ring 1, 'Bob'/UNKNOWN, ring 2, done 1, up, connected, gone, connected, refused -4, done 2, "
+       "idle, not connected"},
+      // Our own hang-up is not told as the caller's; a digit on its way is not told.
+      {"o.A_MD?1_", "call 1, done 1, up, not connected, done 2, idle"},
+      {"ADo.AAD_", "refused -4, refused -4, call 1, refused -5, done 3, done 5, idle"},
+      // An answer that crosses the end of its call does not touch the next one.
+      {"o.Aho_?", "call 1, idle, call 2, done 1 as -4, not connected"},
+      {"o.A_MCAC", "call 1, done 1, up, idle, refused -2, refused -2"},
+      // A call may ring for ever, and last while something plays; then it ends two minutes after the last
+      // key.
+      {"ommmmmmmmA_mPmmmmPMmm1mms?ss",
+       "call 1, done 1, up, digit 1, connected, idle call, gone, connected, refused -4, done 2, idle"},
   };
-  lines[1]->Offer();
-  time.RunFor(500s);
-  ASSERT_TRUE(lines[1]->HasCall()) << "it may ring for ever";
-  service->LineAnswer(1);
-  time.RunFor(60s);
-  in_use = true;
-  time.RunFor(500s);
-  in_use = false;
-  list.events.clear();
-  lines[1]->MonitorDigits(1, true);
-  time.RunFor(110s);
-  lines[1]->Press('1');
-  time.RunFor(118s);
-  EXPECT_TRUE(service->IsCallConnected(1));
-  time.RunFor(3s);
-  EXPECT_THAT(list.events, ElementsAre("1 digit 1", "1 disconnected", "1 proc 2 2", "1 idle"));
-  EXPECT_FALSE(lines[1]->HasCall());
-  EXPECT_EQ(log.size(), 1U);
+  for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
+  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
+  EXPECT_EQ(Scene(script).Play("sssCOsssssssss"), "call 1, idle, call 2") << "it begins with each opening";
+  EXPECT_EQ(Scene(script).Play("ssssssssssss"), "call 1, idle");
 }
 
-TEST_F(LineServiceTest, ConnectedHoldsFromAnswerUntilAfterDisconnected) {
-  Connect();
-  EXPECT_TRUE(service->IsCallConnected(1));
-  EXPECT_FALSE(service->IsCallConnected(0));
-  bool connected_inside = false;
-  list.react = [&](const std::string& event) {
-    if (event != "disconnected") return;
-    connected_inside = service->IsCallConnected(1);
-    EXPECT_GT(service->LineDrop(1), 0);
-    EXPECT_LT(service->LineDrop(1), 0) << "our side has hung up already";
-  };
-  lines[1]->HangUp();
-  time.RunFor(100ms);
-  EXPECT_TRUE(connected_inside);
-  EXPECT_FALSE(service->IsCallConnected(1));
-  EXPECT_THAT(list.events, ElementsAre("1 disconnected", "1 proc 2 2", "1 idle"));
-}
-
-TEST_F(LineServiceTest, OurOwnHangUpIsNoDisconnect) {
-  Connect();
-  service->LineDrop(1);
-  EXPECT_FALSE(service->IsCallConnected(1));
-  lines[1]->MonitorDigits(1, true);
-  lines[1]->Press('1');  // on its way when we hung up
-  time.RunFor(100ms);
-  EXPECT_THAT(list.events, ElementsAre("1 proc 2 2", "1 idle"));
-}
-
-TEST_F(LineServiceTest, RequestsWithoutACallOrALineAreRefused) {
-  EXPECT_EQ(service->LineAnswer(1), kTelephonyNoCall);
-  EXPECT_EQ(service->LineDrop(1), kTelephonyNoCall);
-  EXPECT_EQ(service->LineAnswer(0), kTelephonyLineNotOpen);
-  EXPECT_EQ(service->LineOpen(9, 4, 8), kTelephonyBadDevice);
-  EXPECT_EQ(service->LineClose(0), kTelephonyLineNotOpen);
-  EXPECT_EQ(service->ErrorText(17), service->ErrorText(0));
-  lines[1]->Offer();
-  time.RunFor(1ms);
-  EXPECT_GT(service->LineAnswer(1), 0);
-  EXPECT_EQ(service->LineAnswer(1), kTelephonyAlreadyAnswered);
-}
-
-TEST_F(LineServiceTest, AnAnswerThatCrossesTheEndOfItsCallLeavesTheNextAlone) {
-  lines[1]->Offer();
-  time.RunFor(1ms);
-  service->LineAnswer(1);
-  lines[1]->HangUp();
-  lines[1]->Offer();
-  time.RunFor(100ms);
-  EXPECT_FALSE(lines[1]->IsAnswered());
-  EXPECT_THAT(list.events, ElementsAre("1 call 1", "1 idle", "1 call 2", "1 proc 1 -4"));
-}
-
-TEST_F(LineServiceTest, CallerTextsAreCleanedAndUnknownOnesNamed) {
-  lines[1]->Offer();
-  lines[1]->CallerId("\"Bob\"\r\n", "");
-  lines[1]->CallerId("\x01", "  ");
-  time.RunFor(1ms);
-  EXPECT_THAT(list.events, ElementsAre("1 call 1", "1 caller 'Bob'/UNKNOWN"));
+TEST(LineService, NamesEachRefusal) {
+  const Scene scene;
+  EXPECT_EQ(scene.service->LineAnswer(0), kTelephonyLineNotOpen);
+  EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
+  EXPECT_EQ(scene.service->LineOpen(-1, 4, 8), kTelephonyBadDevice);
+  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "requests have positive numbers";
 }
 
 TEST(CallerText, LetsNothingHarmfulThrough) {
-  EXPECT_EQ(CleanCallerText("  Zoë \t Müller  "), "Zoë Müller");
-  EXPECT_EQ(CleanCallerText("a\"b\x7F"
-                            "c\xC2\x85"
-                            "d"),
-            "a'b c d");
-  EXPECT_EQ(CleanCallerText("gpj.\xE2\x80\xAE"
-                            "exe"),
-            "gpj. exe")
-      << "right-to-left override";
-  EXPECT_EQ(CleanCallerText("\xFF\xC0\xAF\xED\xA0\x80\xF5x\xE2\x82"),
-            "???????x"
-            "??");
-  EXPECT_EQ(CleanCallerText(std::string("a\0b", 3)), "a b");
-  EXPECT_EQ(CleanCallerText(std::string(5000, 'x')).size(), kMaxCallerText);
+  const std::pair<std::string, std::string> rows[] = {
+      {"  Zoë \t Müller  ", "Zoë Müller"},
+      {"a\"b\177c\302\205d", "a'b c d"},
+      {"gpj.\342\200\256exe", "gpj. exe"},  // right-to-left override
+      {"\xFF\xC0\xAF\xED\xA0\x80\xF5x\xE2\x82", "???????x??"},
+      {{"a\0b", 3}, "a b"},
+      {std::string(5000, 'x'), std::string(kMaxCallerText, 'x')}};
+  for (const auto& [given, clean] : rows) EXPECT_EQ(CleanCallerText(given), clean);
 }
 
-TEST(DriverEventQueue, CarriesEventsOfAnotherThreadInOrder) {
-  struct Collect : LineDriverEvents {
-    std::vector<std::int32_t> rings;
-    void Offered(CallNumber) override {}
-    void Ring(CallNumber, std::int32_t count) override { rings.push_back(count); }
-    void CallerId(CallNumber, const std::string&, const std::string&) override {}
-    void RequestDone(std::int32_t, std::int32_t) override {}
-    void Connected(CallNumber) override {}
-    void Digit(CallNumber, char) override {}
-    void Disconnected(CallNumber) override {}
-    void Idle(CallNumber) override {}
-  } target;
-  struct CountingLoop : EventLoop {
-    std::atomic<int> posts = 0;
-    void Post(Task) override { ++posts; }
-    void After(std::chrono::milliseconds, Task) override {}
-    std::unique_ptr<Timer> MakeTimer(Task) override { return nullptr; }
-  } loop;
+/// A loop that runs nothing.
+struct NoLoop : EventLoop {
+  void Post(Task) override {}
+  void After(std::chrono::milliseconds, Task) override {}
+  std::unique_ptr<Timer> MakeTimer(Task) override { return nullptr; }
+};
+
+TEST(DriverEventQueue, LosesNothingBetweenTwoThreads) {
+  NoLoop loop;
   DriverEventQueue queue(loop, [] {});
-  constexpr std::int32_t kEvents = 1000;
+  DriverEventQueue next(loop, [] {});
   std::thread driver([&] {
-    for (std::int32_t count = 1; count <= kEvents; ++count) queue.Ring(1, count);
+    for (std::int32_t count = 1; count <= 1000; ++count) queue.Ring(1, count);
   });
-  while (target.rings.size() < kEvents) {
-    if (!queue.DeliverNext(target)) std::this_thread::yield();
-  }
+  for (int delivered = 0; delivered < 1000;) delivered += queue.DeliverNext(next) ? 1 : 0;
   driver.join();
-  EXPECT_EQ(loop.posts, kEvents);
-  EXPECT_TRUE(std::ranges::is_sorted(target.rings));
+  EXPECT_FALSE(queue.DeliverNext(next));
 }
 
-TEST(SimLine, AScriptBeginsAnewWithEachOpening) {
-  VirtualTime time{std::chrono::sys_days{}};
-  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
-  std::vector<TelephoneDevice> devices;
-  devices.push_back({std::make_unique<SimLine>("Sim", time, script)});
-  LineService service(time, std::move(devices));
-  EventList list;
-  service.SetEvents(&list);
-  service.LineOpen(0, 4, 8);
-  time.RunFor(6s);
-  service.LineClose(0);
-  service.LineOpen(0, 4, 8);
-  time.RunFor(19s);
-  EXPECT_THAT(list.events, ElementsAre("0 call 1", "0 idle", "0 call 2"));
-  time.RunFor(2s);
-  EXPECT_EQ(list.events.back(), "0 idle");
-}
+/// Counts its uses without a lock: after it was stopped, no other thread may use it.
+struct CountedAudio : AudioSource, AudioSink {
+  bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
+  void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
+  int uses = 0;
+};
 
-TEST(SimScript, ReadsWhatItWritesAndNamesTheWrongLine) {
-  const auto path = testing::TempDir() + "/orven_script.sim";
-  {
-    std::ofstream(path) << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12*\n2 dance\n3 "
-                           "press\n-1 ring\n9 hangup\n";
+TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
+  LineAudio audio;
+  std::atomic<int> rounds = 0;
+  std::atomic<bool> over = false;
+  std::thread call([&] {
+    std::array<std::int16_t, kBlockSamples> block{};
+    for (; !over; ++rounds) {
+      audio.Fetch(block);
+      audio.Deliver(block);
+    }
+  });
+  const auto wait = [&rounds] {
+    for (const int enough = rounds + 2; rounds < enough;) std::this_thread::yield();
+  };
+  for (int i = 0; i < 100; ++i) {
+    CountedAudio counted;
+    EXPECT_EQ(audio.StartPlay(counted) + audio.StartRecord(counted), kWaveOk);
+    wait();
+    audio.StopPlay();
+    audio.StopRecord();
+    const int uses = counted.uses;
+    EXPECT_GE(uses, 2);
+    wait();
+    EXPECT_EQ(counted.uses, uses);
   }
+  over = true;
+  call.join();
+}
+
+TEST(SimScript, ReadsWhatItWritesAndNamesTheWrongLines) {
+  const auto path = testing::TempDir() + "/orven_script.sim";
+  std::ofstream(path)
+      << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12*\n2 dance\n3 press\n"
+         "-1 ring\n9 hangup\n";
   std::vector<std::string> complaints;
   const auto script = ReadSimScript(path, complaints);
   EXPECT_EQ(WriteSimScript(script), "0 offer\n0.1 callerid 555 Anna Smith\n1.25 press 12*\n9 hangup\n");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "programs/orven/telephone_lines.h"
+#include "adapters/line/setup/line_devices.h"
 
 #include <filesystem>
 
@@ -15,10 +15,12 @@ namespace {
 
 std::unique_ptr<LineDriver> MakeSip(const LineSection& section, const std::filesystem::path& folder,
                                     const std::function<void(const std::string&)>& report,
-                                    const std::shared_ptr<RegistrationState>& state) {
+                                    const LineState& state) {
   auto settings = SipSettingsOf(section, folder);
   settings.report = report;
-  settings.registration_news = [state](const RegistrationNews& news) { state->Take(news); };
+  settings.registration_news = [state = state.registration](const RegistrationNews& news) {
+    state->Take(news);
+  };
   return MakeSipLine(settings);
 }
 
@@ -30,7 +32,7 @@ std::vector<std::string> PortsFound() {
 
 std::unique_ptr<LineDriver> MakeModem(const LineSection& section, const Clock& clock,
                                       const std::function<void(const std::string&)>& report,
-                                      const std::shared_ptr<ModemState>& state) {
+                                      const LineState& state) {
   ModemLineSettings settings;
   settings.name = section.name;
   settings.port = section.values.at("port");
@@ -38,7 +40,7 @@ std::unique_ptr<LineDriver> MakeModem(const LineSection& section, const Clock& c
   settings.report = [report, name = section.name](const std::string& text) {
     report('[' + name + "] " + text);
   };
-  settings.state_news = [state](const std::string& words) { state->Take(words); };
+  settings.state_news = [state = state.modem](const std::string& words) { state->Take(words); };
   return MakeModemLine(std::move(settings), clock);
 }
 
@@ -59,14 +61,14 @@ std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLo
   const auto folder = std::filesystem::path(path).parent_path();
   problems.insert(problems.end(), file.complaints.begin(), file.complaints.end());
   std::vector<TelephoneDevice> lines;
-  states.Clear();
+  states.clear();
   for (const auto& section : file.sections) {
-    const auto& state = states.Add(section);
+    const auto& state = states.emplace_back(LineState{.section = section});
     auto& driver = lines.emplace_back(TelephoneDevice{nullptr, IdleLimitOf(section)}).driver;
     if (section.type == "sip") {
-      driver = MakeSip(section, folder, report, state.registration);
+      driver = MakeSip(section, folder, report, state);
     } else if (section.type == "modem") {
-      driver = MakeModem(section, clock, report, state.modem);
+      driver = MakeModem(section, clock, report, state);
     } else {
       driver = MakeSim(section, folder, loop, problems);
     }

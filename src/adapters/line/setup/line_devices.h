@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "adapters/line/config/lines_ini.h"
+#include "adapters/line/service/serviced_line.h"
+#include "adapters/line/sip/sip_line_settings.h"
+#include "platform/clock.h"
+#include "platform/event_loop.h"
+
+namespace orven {
+
+/// The latest value that one thread has told; asked on any.
+template <class Value>
+class Latest {
+ public:
+  void Take(Value value) {
+    const std::lock_guard lock(mutex_);
+    value_ = std::move(value);
+  }
+  Value Get() const {
+    const std::lock_guard lock(mutex_);
+    return value_;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  Value value_;
+};
+
+/// One line that the program has a device for, and what its driver last said of itself. The driver's threads
+/// tell it, so it outlives the driver.
+struct LineState {
+  LineSection section;
+  std::shared_ptr<Latest<RegistrationNews>> registration = std::make_shared<Latest<RegistrationNews>>();
+  std::shared_ptr<Latest<std::string>> modem = std::make_shared<Latest<std::string>>();  ///< in words
+};
+
+/// The states of all lines, in device-index order. User-interface thread.
+using LineStates = std::vector<LineState>;
+
+/// Makes the telephone lines that the file at `path` (lines.ini) describes, in device-index order. What is
+/// wrong in the file is added to `problems`; the other lines still work. `report` takes what a line finds
+/// wrong while it is open; it is called on the lines' threads and must not block. `states` is replaced by the
+/// states of these lines.
+std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLoop& loop, const Clock& clock,
+                                                std::vector<std::string>& problems,
+                                                const std::function<void(const std::string&)>& report,
+                                                LineStates& states);
+
+}  // namespace orven

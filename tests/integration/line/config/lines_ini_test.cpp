@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/config/lines_ini.h"
+
+#include <gmock/gmock.h>
+
+#include "adapters/line/config/line_settings.h"
+#include "support/scratch_folder.h"
+
+namespace orven::test {
+namespace {
+
+using testing::_;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+using namespace std::literals;
+
+using Values = std::map<std::string, std::string>;
+
+TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
+  const std::string text =
+      "\xEF\xBB\xBF; my lines\r\n\r\n[ Home ] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
+      "listen=127.0.0.1:5070\r\nPassword = a;b#c = \"d\"\t; from the letter\r\ntransport = TLS\r\n"
+      "account = sip:100@example.org:5080\r\nring_seconds = 2.6\r\n\r\n; the boat\r\n[USB [modem]]\r\n"
+      "type = modem\r\nport = auto\r\n\r\n[Home]\r\ntype = sim\r\nscript = a\r\nscript = b\r\nidle_seconds = "
+      "0\r\n";
+  const auto file = ParseLines(text, "lines.ini");
+  ASSERT_THAT(file.sections, SizeIs(3)) << "two devices of one name are two devices";
+  EXPECT_THAT(file.complaints,
+              ElementsAre(StartsWith("lines.ini:19: script is given more than once: expected ")));
+  EXPECT_EQ(file.sections[0].values, (Values{{"account", "sip:100@example.org:5080"},
+                                             {"listen", "127.0.0.1:5070"},
+                                             {"password", "a;b#c = \"d\""},
+                                             {"ring_seconds", "2.6"},
+                                             {"transport", "tls"}}));
+  EXPECT_EQ(IdleLimitOf(file.sections[0]), 120s);
+  EXPECT_EQ(IdleLimitOf(file.sections[2]), 0s);
+  auto home = LineOf(file.sections[0]);
+  EXPECT_EQ(home.name + ": " + home.user + " at " + home.server, "Home: 100 at example.org:5080");
+  EXPECT_EQ(home.ring_seconds, 3);
+  home.name = "House";
+  home.password = "new#;1";
+  home.auth_user = "anna";
+  home.user = home.server = "";
+  TelephoneLine fresh;
+  fresh.name = "Office";
+  fresh.user = "7";
+  fresh.server = "pbx:5061";
+  fresh.transport = "tls";
+  const auto sim = EditOf(LineOf(file.sections[2]), &file.sections[2]);
+  const auto edited =
+      EditLines(text, file.sections, {EditOf(home, &file.sections[0]), sim, EditOf(fresh, nullptr)});
+  EXPECT_EQ(
+      edited,
+      "\xEF\xBB\xBF; my lines\r\n\r\n[House] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
+      "listen=127.0.0.1:5070\r\nPassword = new#;1\t; from the letter\r\ntransport = TLS\r\n"
+      "ring_seconds = 2.6\r\nauth_user = anna\r\n\r\n; the boat\r\n[Home]\r\ntype = sim\r\nscript = a\r\n"
+      "script = b\r\nidle_seconds = 0\r\n\r\n[Office]\r\ntype = sip\r\naccount = sip:7@pbx:5061\r\n"
+      "listen = 0.0.0.0:5060\r\ntransport = tls\r\n");
+  fresh.origin = 18;
+  EXPECT_EQ(LineOf(ParseLines(edited, "").sections.at(2)), fresh);
+}
+
+/// `text` between two sections that are right; both stay as they are.
+LinesFile ParseBetween(const std::string& text) {
+  auto file = ParseLines("[First]\ntype=sim\n" + text + "\n[Last]\ntype=sim\n", "lines.ini");
+  EXPECT_GE(file.sections.size(), 2U) << text;
+  EXPECT_EQ(file.sections.front().values, Values{}) << text;
+  EXPECT_EQ(file.sections.back().name, "Last") << text;
+  return file;
+}
+
+TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsNamed) {
+  using Texts = std::vector<std::string>;
+  const std::tuple<std::string, Texts, Texts> keys[] = {
+      {"tls_listen",
+       {"5061", "a:1", "1.2.3:1", "1.2.3.4.5:1", "1.2.3.256:1", "01.2.3.4:1", "1.2.3.4:0", "1.2.3.4:65536"},
+       {"0.0.0.0:65535"}},
+      {"account",
+       {"100@x", "sip:1", "sip:@x", "sip:a b@x", "sip:1@", "sip:1@a_b", "sip:1@x:0"},
+       {"sip:1@X-1.org:65535"}},
+      {"auth_user", {""}, {"me"}},
+      {"password", {""}, {"#;="}},
+      {"transport", {"sctp"}, {"udp", "tcp"}},
+      {"srtp", {"maybe"}, {"yes", "no"}},
+      {"ring_seconds", {"nan", "0.9", "61", "5s"}, {"1", "60"}},
+      {"idle_seconds", {"-1", "86401", "1.5"}, {"86400"}}};
+  for (const auto& [key, refused, accepted] : keys) {
+    const auto home = "[Home]\ntype = sip\nlisten = 127.0.0.1:5060\n" + key + " = ";
+    for (const auto& value : refused) {
+      const auto file = ParseBetween(home + value);
+      const auto shown = key == "password" ? "wrong" : '"' + value + '"';
+      EXPECT_THAT(file.complaints, ElementsAre(HasSubstr(key + " is " + shown + ": expected ")));
+      EXPECT_FALSE(file.sections[1].values.contains(key)) << value;
+    }
+    for (const auto& value : accepted) {
+      const auto file = ParseBetween(home + value);
+      EXPECT_THAT(file.complaints, IsEmpty());
+      EXPECT_EQ(file.sections.at(1).values, (Values{{"listen", "127.0.0.1:5060"}, {key, value}}));
+    }
+  }
+}
+
+TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndWhatIsNoEntryIsNamed) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"[Bad]\nlisten = 1.1.1.1:1", "3: the line \"Bad\" is left out: type is missing: expected sip, "},
+      {"[Bad]\ntype = isdn", "4: the line \"Bad\" is left out: type is \"isdn\": expected sip, modem or sim"},
+      {"[Bad]\ntype = sip", "3: the line \"Bad\" is left out: listen is missing: expected an IPv4 address"},
+      {"[Bad]\ntype = modem", "3: the line \"Bad\" is left out: port is missing: expected the serial device"},
+      {"[Bad]\ntype = sip\nlisten = x:1", "5: the line \"Bad\" is left out: listen is \"x:1\": expected an "},
+      {"[Bad\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
+      {"[ ]\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
+      {"just text", "3: expected [section], key = value or ; comment"},
+      {"= text", "3: expected [section], key = value or ; comment"},
+      {"port = x", "3: \"port\" is unknown for a sim line: expected script or idle_seconds"},
+      {"script = a\x1B[0m", "3: the line holds control characters or is not UTF-8: expected plain UTF-8"},
+      {"script = \xFF", "3: the line holds control characters or is not UTF-8: expected plain UTF-8 text"},
+      {"type = sim", "3: type is given more than once: expected once; the last one counts"},
+  };
+  for (const auto& [text, complaint] : rows) {
+    const auto file = ParseBetween(text);
+    EXPECT_THAT(file.complaints, ElementsAre(StartsWith(std::string("lines.ini:") + complaint)));
+    EXPECT_EQ(file.sections.size(), 2U) << text;
+  }
+  EXPECT_THAT(ParseLines("a = b", "x").complaints, ElementsAre(StartsWith("x:1: \"a\" comes before "), _));
+}
+
+TEST(LinesIni, WithoutAFileThereIsTheLineForThisMachineAndABadFileHasNone) {
+  const ScratchFolder folder;
+  const auto none = ReadLines(folder / "lines.ini");
+  EXPECT_EQ(none.sections.at(0).values, (Values{{"listen", "127.0.0.1:5060"}}));
+  EXPECT_THAT(none.complaints, IsEmpty());
+  PutFile(folder / "empty.ini", "; nothing\n");
+  std::filesystem::create_symlink("loop.ini", folder / "loop.ini");
+  std::filesystem::create_directory(folder / "folder.ini");
+  for (const char* name : {"empty.ini", "loop.ini", "folder.ini"}) {
+    const auto bad = ReadLines(folder / name);
+    EXPECT_THAT(bad.sections, IsEmpty());
+    EXPECT_THAT(bad.complaints, ElementsAre(StartsWith(name)));
+  }
+}
+
+TEST(LineSettings, WhatAPersonEntersWrongIsNamedAtItsField) {
+  TelephoneLine good;
+  good.name = "Home";
+  EXPECT_FALSE(FaultOf(good));
+  good.server = "192.168.1.1:5060";
+  good.user = "100";
+  good.password = "p #x;y=z";
+  EXPECT_FALSE(FaultOf(good));
+  using Field = LineField;
+  using Line = TelephoneLine;
+  const std::tuple<Field, std::string Line::*, const char*> rows[] = {
+      {Field::Name, &Line::name, ""},
+      {Field::Name, &Line::name, "a ;b"},
+      {Field::Listen, &Line::listen, "localhost:5060"},
+      {Field::Server, &Line::server, "a b"},
+      {Field::Server, &Line::server, ""},
+      {Field::User, &Line::user, ""},
+      {Field::User, &Line::user, "1@2"},
+      {Field::Password, &Line::password, " hidden"},
+      {Field::Password, &Line::password, "hidden ;x"},
+      {Field::AuthUser, &Line::auth_user, ";x"},
+      {Field::Transport, &Line::srtp, "maybe"}};
+  for (const auto& [field, text, value] : rows) {
+    auto line = good;
+    line.*text = value;
+    const auto fault = FaultOf(line);
+    ASSERT_TRUE(fault);
+    EXPECT_EQ(fault->field, field) << fault->text;
+    EXPECT_EQ(fault->text.find("hidden"), std::string::npos) << "no text quotes a password";
+  }
+  good.ring_seconds = 61;
+  EXPECT_EQ(FaultOf(good).value().field, LineField::RingSeconds);
+  good.kind = LineKind::Modem;
+  EXPECT_EQ(FaultOf(good).value().field, LineField::Port);
+}
+
+}  // namespace
+}  // namespace orven::test
