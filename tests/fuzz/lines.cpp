@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Any lines.ini is read, and an edit of it reads back as what was asked for.
+#include <string>
+#include <vector>
+
+#include "adapters/line/config/line_keys.h"
+#include "adapters/line/config/lines_ini.h"
+#include "base/unicode.h"
+#include "fuzz/fuzz.h"
+
+namespace orven::fuzz {
+namespace {
+
+template <typename Items>
+const auto& Named(const Items& items, std::string_view name) {
+  const auto found =
+      std::find_if(items.begin(), items.end(), [name](const auto& one) { return one.name == name; });
+  Require(found != items.end());
+  return *found;
+}
+
+LinesFile Read(const std::string& text) {
+  LinesFile file = ParseLines(text, "lines.ini");
+  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  for (const LineSection& section : file.sections) {
+    const LineType& type = Named(LineTypes(), section.type);
+    Require(!section.name.empty() && IsUtf8(section.name));
+    Require(section.line_number > 0 && static_cast<std::size_t>(section.line_number) <= lines);
+    for (const auto& [key, value] : section.values)
+      Require(Named(type.keys, key).valid(value) && IsUtf8(value));
+    for (const LineKey& key : type.keys)
+      Require(!key.required || section.values.contains(std::string(key.name)));
+  }
+  Require(file.complaints.size() <= 3 * lines);
+  for (const std::string& complaint : file.complaints)
+    Require(complaint.starts_with("lines.ini:") && IsUtf8(complaint));
+  return file;
+}
+
+bool Same(const LineSection& section, const LineEdit& edit) {
+  return section.name == edit.name && section.type == edit.type && section.values == edit.values;
+}
+
+/// The dialog asks this before it stores an edit.
+bool CanBeStored(const LineEdit& edit) {
+  const LinesFile alone = ParseLines(SectionText(edit), "lines.ini");
+  return alone.sections.size() == 1 && alone.complaints.empty() && Same(alone.sections[0], edit);
+}
+
+LineEdit NewLine(Choices& choices) {
+  const LineType& type = LineTypes()[choices.Below(LineTypes().size())];
+  LineEdit edit{0, choices.Text(), std::string(type.name), {}};
+  for (const LineKey& key : type.keys)
+    if (key.required || choices.Below(4) == 0) edit.values[std::string(key.name)] = choices.Text();
+  if (edit.type == "sip" && choices.Below(2) == 0) edit.values["listen"] = "0.0.0.0:5060";
+  return edit;
+}
+
+}  // namespace
+
+void Lines(Bytes input) {
+  auto [text, choices] = ContentAndChoices(input, std::string_view("\0", 1));
+  const LinesFile before = Read(text);
+  std::vector<LineEdit> edits;
+  for (const LineSection& section : before.sections) {
+    const LineEdit same{section.line_number, section.name, section.type, section.values};
+    LineEdit edit = same;
+    const std::size_t what = choices.Below(5);
+    const auto keys = Named(LineTypes(), section.type).keys;
+    const std::string key(keys[choices.Below(keys.size())].name);
+    if (what == 2) edit.name = choices.Text();
+    if (what == 3) edit.values[key] = choices.Text();
+    if (what == 4) edit.values.erase(key);
+    if (what != 1) edits.push_back(CanBeStored(edit) ? edit : same);
+  }
+  for (int added = 0; choices.Any() && added < 4; ++added)
+    if (const LineEdit edit = NewLine(choices); CanBeStored(edit)) edits.push_back(edit);
+  const LinesFile after = Read(EditLines(text, before.sections, edits));
+  Require(after.sections.size() == edits.size());
+  for (std::size_t at = 0; at < edits.size(); ++at) Require(Same(after.sections[at], edits[at]));
+  Require(after.complaints.size() <= before.complaints.size() + 1);  // text that was not understood stays
+}
+
+}  // namespace orven::fuzz

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Any registry.reg is read, and is written and read again to the same values.
+#include <set>
+#include <string>
+#include <vector>
+
+#include "adapters/registry/registry_document.h"
+#include "base/unicode.h"
+#include "fuzz/fuzz.h"
+
+namespace orven::fuzz {
+namespace {
+
+/// Every key in `text`, and the program's own.
+std::vector<std::string> KeysIn(std::string_view text) {
+  std::set<std::string> keys{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN"};
+  while (!text.empty()) {
+    const RegistryLine line = ParseRegistryLine(text, 1);
+    Require(!line.raw.empty() && line.raw.size() <= text.size());
+    if (line.kind == RegistryLine::Kind::Key) keys.insert(line.name);
+    text.remove_prefix(line.raw.size());
+  }
+  return {keys.begin(), keys.end()};
+}
+
+void RequireLasting(const RegistryDocument& document) {
+  const std::string text = document.Text();
+  const RegistryDocument again(text);
+  Require(again.Faults().empty() && again.Text() == text);
+  for (const std::string& key : KeysIn(text)) {
+    Require(document.HasKey(key) == again.HasKey(key) &&
+            document.Values(key).size() == again.Values(key).size());
+    for (const auto& [name, value] : document.Values(key)) {
+      Require(*document.Find(key, name) == value);
+      Require(*again.Find(key, name) == value);
+    }
+  }
+}
+
+void Change(RegistryDocument& document, Choices& choices) {
+  static constexpr std::uint32_t kTypes[] = {1, 1, 4, 3, 2, 7, 0, 0x80000001};
+  const auto keys = KeysIn(document.Text());
+  const std::string key = choices.Below(2) == 0 ? choices.Text() : keys[choices.Byte() % keys.size()];
+  const auto present = document.Values(key);
+  NamedRegistryValue value;
+  value.name = present.empty() || choices.Below(2) != 0 ? choices.Text()
+                                                        : present[choices.Byte() % present.size()].name;
+  value.value = {kTypes[choices.Below(std::size(kTypes))], choices.Text()};
+  if (value.value.type == 1 && choices.Below(2) == 0) value.value.data += '\0';
+  const std::string before = document.Text();
+  const RegistryValue* found = document.Find(key, value.name);
+  if (choices.Below(4) == 0) {
+    Require(document.Remove(key, value.name) == (found != nullptr) &&
+            document.Find(key, value.name) == nullptr);
+  } else if (document.Set(key, std::span(&value, 1))) {
+    Require(*document.Find(key, value.name) == value.value);
+    RequireLasting(document);
+  } else {
+    Require(document.Text() == before);
+  }
+}
+
+}  // namespace
+
+void Registry(Bytes input) {
+  auto [content, choices] = ContentAndChoices(input, "\xFF\xFF");
+  Require(Utf8FromUtf16(Utf16FromUtf8(content)) == content);
+  RegistryDocument document(content);
+  for (const RegistryFault& fault : document.Faults()) Require(fault.number > 0 && !fault.text.empty());
+  RequireLasting(document);
+  for (int changes = 0; choices.Any() && changes < 8; ++changes) Change(document, choices);
+}
+
+}  // namespace orven::fuzz
