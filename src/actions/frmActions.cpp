@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "actions/frmActions.h"
 
-#include <QHBoxLayout>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "widgets/controls.h"
-#include "widgets/icons.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -17,12 +15,6 @@ QString Name(const char* name) {
   return QString::fromLatin1(name);
 }
 
-QPushButton* Button(const char* name, const QString& caption, QWidget* parent) {
-  auto* button = MakeChild<QPushButton>(caption, parent);
-  button->setObjectName(Name(name));
-  return button;
-}
-
 ActWith Entry(const QComboBox& box) {
   return box.currentIndex() == 1 ? ActWith::MessagesOnly : ActWith::AllCalls;
 }
@@ -31,24 +23,23 @@ ActWith Entry(const QComboBox& box) {
 
 frmActions::frmActions(ActionsDialog& engine, int tab, QWidget* parent)
     : QDialog(parent), engine_(engine), TabStrip1_(MakeChild<QTabWidget>(this)) {
-  setObjectName(Name("frmActions"));
-  setWindowTitle(tr("Actions"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmActions", tr("Actions"));
   TabStrip1_->setObjectName(Name("TabStrip1"));
   TabStrip1_->addTab(MakeMail(), tr("E-Mail"));
   TabStrip1_->addTab(MakeApplication(), tr("Application"));
   TabStrip1_->setCurrentIndex(tab);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(TabStrip1_);
-  column->addWidget(MakeButtons());
+  const auto closing = MakeClosingButtons(*this);
+  connect(closing.cmdOK, &QPushButton::clicked, this, &frmActions::Ok);
+  column->addLayout(closing.row);
   engine_.Load([this](const ActionChoices& choices) { Show(choices); });
 }
 
 QWidget* frmActions::MakeMail() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   auto* form = MakeChild<QFormLayout>(page);
-  chkSendToMail_ = MakeCheck("chkSendToMail", tr("Send Calls To E- Mail"));
+  chkSendToMail_ = MakeCheckBox("chkSendToMail", tr("Send Calls To E- Mail"), page);
   form->addRow(chkSendToMail_);
   txtSendToMail_ = AddText(*form, "txtSendToMail", tr("E-Mail To:"));
   txtSMTP_ = AddText(*form, "txtSMTP", tr("SMTP :"));
@@ -58,7 +49,7 @@ QWidget* frmActions::MakeMail() {
   txtSMTPUser_->setToolTip(tr("Empty for a mail server that asks for no login"));
   txtSMTPPass_ = AddText(*form, "txtSMTPPass", tr("Password:"));
   txtSMTPPass_->setEchoMode(QLineEdit::Password);
-  chkSMTPSecure_ = MakeCheck("chkSMTPSecure", tr("Log in over an encrypted connection only"));
+  chkSMTPSecure_ = MakeCheckBox("chkSMTPSecure", tr("Log in over an encrypted connection only"), page);
   form->addRow(QString(), chkSMTPSecure_);
   cmbActMail_ = AddList(*form, "cmbActMail");
   return page;
@@ -67,16 +58,16 @@ QWidget* frmActions::MakeMail() {
 QWidget* frmActions::MakeApplication() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   auto* form = MakeChild<QFormLayout>(page);
-  chkApp_ = MakeCheck("chkApp", tr("Send Calls To Application"));
+  chkApp_ = MakeCheckBox("chkApp", tr("Send Calls To Application"), page);
   form->addRow(chkApp_);
   txtAppTo_ = AddText(*form, "txtAppTo", tr("Application Path:"));
   txtAppTo_->setToolTip(tr("The program and its arguments; those with blanks in double quotes"));
-  chkBGAPP_ = MakeCheck("chkBGAPP", tr("Background"));
+  chkBGAPP_ = MakeCheckBox("chkBGAPP", tr("Background"), page);
   form->addRow(QString(), chkBGAPP_);
   cmbActApp_ = AddList(*form, "cmbActApp");
-  auto* parameters = Button("cmdParm", tr("Parameters"), page);
+  auto* parameters = MakeButton("cmdParm", tr("Parameters"), nullptr, page);
   parameters->setToolTip(tr("What the program can be told of a call"));
-  auto* test = Button("frmTest", tr("Test"), page);
+  auto* test = MakeButton("frmTest", tr("Test"), nullptr, page);
   test->setToolTip(tr("Start the program now, with the details of a call that never was"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(parameters);
@@ -92,21 +83,6 @@ QWidget* frmActions::MakeApplication() {
   connect(test, &QPushButton::clicked, this, &frmActions::Test);
   connect(txtAppTo_, &QLineEdit::textEdited, test_result_, &QLabel::clear);
   return page;
-}
-
-QWidget* frmActions::MakeButtons() {
-  auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  auto* ok = Button("cmdOK", tr("OK"), row);
-  ok->setDefault(true);
-  auto* cancel = Button("cmdCancel", tr("Cancel"), row);
-  layout->addStretch();
-  layout->addWidget(ok);
-  layout->addWidget(cancel);
-  connect(ok, &QPushButton::clicked, this, &frmActions::Ok);
-  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-  return row;
 }
 
 QLineEdit* frmActions::AddText(QFormLayout& form, const char* name, const QString& label) {
@@ -125,12 +101,6 @@ QComboBox* frmActions::AddList(QFormLayout& form, const char* name) {
   list->addItem(tr("Act with messages only!"));
   form.addRow(QString(), list);
   return list;
-}
-
-QCheckBox* frmActions::MakeCheck(const char* name, const QString& caption) {
-  auto* check = MakeChild<QCheckBox>(caption, this);
-  check->setObjectName(Name(name));
-  return check;
 }
 
 void frmActions::Test() {

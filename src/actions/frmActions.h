@@ -27,10 +27,8 @@ class frmActions : public QDialog {
  private:
   QWidget* MakeMail();
   QWidget* MakeApplication();
-  QWidget* MakeButtons();
   QLineEdit* AddText(QFormLayout& form, const char* name, const QString& label);
   QComboBox* AddList(QFormLayout& form, const char* name);
-  QCheckBox* MakeCheck(const char* name, const QString& caption);
   void Test();
   void Ok();
   void Show(const ActionChoices& choices);

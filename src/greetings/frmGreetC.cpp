@@ -5,8 +5,8 @@
 #include <QSignalBlocker>
 #include <utility>
 
-#include "greetings/frmGreetCParts.h"
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
 
 namespace orven {
@@ -34,12 +34,8 @@ frmGreetC::frmGreetC(QWidget* parent)
       picture_(MakeChild<WaveformWidget>(this)),
       lblState_(MakeChild<ElidedLabel>(Qt::ElideRight, this)),
       txtGreetingName_(MakeChild<QLineEdit>(this)),
-      cmdOK_(MakeButton("cmdOK", tr("OK"), nullptr, this)),
-      cmdCancel_(MakeButton("cmdCancel", tr("Cancel"), nullptr, this)) {
-  setObjectName(QStringLiteral("frmGreetC"));
-  setWindowTitle(tr("Greeting Creator"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+      closing_(MakeClosingButtons(*this)) {
+  SetUpDialog(*this, "frmGreetC", tr("Greeting Creator"));
   SetUpTabs();
   SetUpTake();
   auto* column = MakeChild<QVBoxLayout>(this);
@@ -47,7 +43,8 @@ frmGreetC::frmGreetC(QWidget* parent)
   column->addWidget(picture_);
   column->addWidget(lblState_);
   column->addLayout(MakeName());
-  column->addLayout(MakeClosing());
+  closing_.cmdOK->setToolTip(tr("Save the greeting; callers hear it from now on"));
+  column->addLayout(closing_.row);
   SetTabOrder();
   ShowButtons({});
   resize(kFirstSize.expandedTo(sizeHint()));
@@ -76,23 +73,13 @@ QLayout* frmGreetC::MakeName() {
   return row;
 }
 
-QLayout* frmGreetC::MakeClosing() {
-  cmdOK_->setDefault(true);
-  cmdOK_->setToolTip(tr("Save the greeting; callers hear it from now on"));
-  auto* row = MakeChild<QHBoxLayout>();
-  row->addStretch();
-  row->addWidget(cmdOK_);
-  row->addWidget(cmdCancel_);
-  return row;
-}
-
 void frmGreetC::SetTabOrder() {
   QList<QWidget*> order{TabStrip1_};
   for (const char* name : {"cmdRec", "cmdStopRec", "cmdPlay", "cmdStopPlay", "txtTTS", "VoiceCB", "RateSldr",
                            "SpeakBtn", "StopBtn", "cmdCreateGreeting"}) {
     order << findChild<QWidget*>(QString::fromLatin1(name));
   }
-  order << txtGreetingName_ << cmdOK_ << cmdCancel_;
+  order << txtGreetingName_ << closing_.cmdOK << closing_.cmdCancel;
   for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
   order[1]->setFocus();
 }
@@ -111,8 +98,7 @@ void frmGreetC::Attach(GreetingCreator& engine) {
   connect(Frame2_, &SpeechFrame::Speak, this, [this] { engine_->Speak(); });
   connect(Frame2_, &SpeechFrame::StopSpeaking, this, [this] { engine_->StopSpeaking(); });
   connect(Frame2_, &SpeechFrame::CreateGreeting, this, [this] { engine_->CreateGreeting(); });
-  connect(cmdOK_, &QPushButton::clicked, this, [this] { engine_->Save(); });
-  connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+  connect(closing_.cmdOK, &QPushButton::clicked, this, [this] { engine_->Save(); });
 }
 
 void frmGreetC::TabChosen(int index) {
@@ -157,8 +143,8 @@ void frmGreetC::ShowButtons(const CreatorButtons& buttons) {
   Frame1_->ShowButtons(buttons);
   Frame2_->ShowButtons(buttons);
   // Not to Cancel, where Return would give up what could not be saved.
-  if (!buttons.cmdOK && focusWidget() == cmdOK_) txtGreetingName_->setFocus();
-  cmdOK_->setEnabled(buttons.cmdOK);
+  if (!buttons.cmdOK && focusWidget() == closing_.cmdOK) txtGreetingName_->setFocus();
+  closing_.cmdOK->setEnabled(buttons.cmdOK);
 }
 
 void frmGreetC::ShowRecLabel(bool on) {

@@ -11,6 +11,7 @@
 #include "greetings/frmGreetCSpeech.h"
 #include "greetings/greeting_creator.h"
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/waveform_widget.h"
 
 namespace orven {
@@ -61,7 +62,6 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   void SetUpTabs();
   void SetUpTake();
   QLayout* MakeName();
-  QLayout* MakeClosing();
   void SetTabOrder();
   void TabChosen(int index);
   void Unload();
@@ -73,8 +73,7 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   WaveformWidget* picture_;
   ElidedLabel* lblState_;
   QLineEdit* txtGreetingName_;
-  QPushButton* cmdOK_;
-  QPushButton* cmdCancel_;
+  ClosingButtons closing_;
   int shown_tab_ = 0;  ///< index of the tab that the engine selected
   bool loaded_ = false;
   bool unloaded_ = false;

@@ -6,10 +6,13 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <utility>
+#include <vector>
 
-#include "greetings/frmGreetCParts.h"
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -58,6 +61,31 @@ int RangeFor(std::int32_t seconds) {
   std::int64_t range = kMinute;
   while (range < seconds) range *= 2;
   return int(std::min<std::int64_t>(range, std::numeric_limits<int>::max()));
+}
+
+/// Enables and disables buttons, given in the order of their use. When the focused one is disabled, the focus
+/// moves to the next enabled button, else to the last one before it.
+void EnableButtons(const std::vector<std::pair<QPushButton*, bool>>& buttons) {
+  for (const auto& [button, on] : buttons) {
+    if (on) button->setEnabled(true);
+  }
+  const auto loses_focus = [](const auto& entry) {
+    return !entry.second && entry.first->window()->focusWidget() == entry.first;
+  };
+  const auto enabled = [](const auto& entry) { return entry.second; };
+  const auto lost = std::ranges::find_if(buttons, loses_focus);
+  if (lost != buttons.end()) {
+    const auto after = std::find_if(lost, buttons.end(), enabled);
+    const auto before = std::find_if(std::make_reverse_iterator(lost), buttons.rend(), enabled);
+    if (after != buttons.end()) {
+      after->first->setFocus();
+    } else if (before != buttons.rend()) {
+      before->first->setFocus();
+    }
+  }
+  for (const auto& [button, on] : buttons) {
+    if (!on) button->setEnabled(false);
+  }
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <QLineEdit>
 #include <QStyle>
 
-#include "greetings/frmGreetCParts.h"
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {

@@ -9,7 +9,7 @@
 #include <QVBoxLayout>
 
 #include "widgets/controls.h"
-#include "widgets/icons.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -26,12 +26,6 @@ QLabel* Caption(const QString& text, QWidget* buddy, QWidget* parent) {
   return label;
 }
 
-QPushButton* Button(const char* name, const QString& caption, QWidget* parent) {
-  auto* button = MakeChild<QPushButton>(caption, parent);
-  button->setObjectName(Name(name));
-  return button;
-}
-
 }  // namespace
 
 frmLog::frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)> open_properties,
@@ -40,10 +34,7 @@ frmLog::frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)>
       engine_(std::move(parts), *this),
       widths_(font()),
       open_properties_(std::move(open_properties)) {
-  setObjectName(Name("frmLog"));
-  setWindowTitle(tr("Log"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmLog", tr("Log"));
   auto* splitter = MakeChild<QSplitter>(this);
   splitter->setChildrenCollapsible(false);
   splitter->addWidget(MakeFiles());
@@ -101,21 +92,15 @@ QWidget* frmLog::MakeButtons() {
   auto* row = MakeChild<QWidget>(this);
   auto* layout = MakeChild<QHBoxLayout>(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(cmdDelete_ = MakeButton("cmdDelete", tr("Delete")));
-  layout->addWidget(cmdSaveAs_ = MakeButton("cmdSaveAs", tr("Save As")));
+  layout->addWidget(cmdDelete_ = MakeButton("cmdDelete", tr("Delete"), nullptr, row));
+  layout->addWidget(cmdSaveAs_ = MakeButton("cmdSaveAs", tr("Save As"), nullptr, row));
   layout->addStretch();
-  layout->addWidget(cmdProp_ = MakeButton("cmdProp", tr("Properties")));
+  layout->addWidget(cmdProp_ = MakeButton("cmdProp", tr("Properties"), nullptr, row));
+  for (auto* button : {cmdDelete_, cmdSaveAs_, cmdProp_}) button->setAutoDefault(false);
   cmdDelete_->setToolTip(tr("Delete the selected log"));
   cmdSaveAs_->setToolTip(tr("Save a copy of the selected log"));
   cmdProp_->setToolTip(tr("Which logs are written, and for how long they are kept"));
   return row;
-}
-
-QPushButton* frmLog::MakeButton(const char* name, const QString& caption) {
-  auto* button = MakeChild<QPushButton>(caption, this);
-  button->setObjectName(Name(name));
-  button->setAutoDefault(false);
-  return button;
 }
 
 void frmLog::Connect() {
@@ -173,14 +158,11 @@ void frmLog::ShowState(const std::string& text) {
 frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
     : QDialog(parent),
       engine_(engine),
-      chkLogCalls_(MakeCheck("chkLogCalls", tr("Log Calls"))),
-      chkLogSys_(MakeCheck("chkLogSys", tr("Log System"))),
+      chkLogCalls_(MakeCheckBox("chkLogCalls", tr("Log Calls"), this)),
+      chkLogSys_(MakeCheckBox("chkLogSys", tr("Log System"), this)),
       cmbLogFor_(MakeChild<QComboBox>(this)),
-      chkWornBeforeDelete_(MakeCheck("chkWornBeforeDelete", tr("Worn before delete"))) {
-  setObjectName(Name("frmLogProp"));
-  setWindowTitle(tr("Log Properties"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+      chkWornBeforeDelete_(MakeCheckBox("chkWornBeforeDelete", tr("Worn before delete"), this)) {
+  SetUpDialog(*this, "frmLogProp", tr("Log Properties"));
   cmbLogFor_->setObjectName(Name("cmbLogFor"));
   for (const char* choice : kLogForChoices) cmbLogFor_->addItem(tr(choice), Name(choice));
   IgnoreStrayWheel(*cmbLogFor_);
@@ -198,29 +180,10 @@ frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addLayout(form);
   column->addStretch();
-  column->addWidget(MakeButtons());
+  const auto closing = MakeClosingButtons(*this);
+  connect(closing.cmdOK, &QPushButton::clicked, this, &frmLogProp::Ok);
+  column->addLayout(closing.row);
   Show(engine_.Load());
-}
-
-QCheckBox* frmLogProp::MakeCheck(const char* name, const QString& caption) {
-  auto* check = MakeChild<QCheckBox>(caption, this);
-  check->setObjectName(Name(name));
-  return check;
-}
-
-QWidget* frmLogProp::MakeButtons() {
-  auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  auto* ok = Button("cmdOK", tr("OK"), row);
-  ok->setDefault(true);
-  auto* cancel = Button("cmdCancel", tr("Cancel"), row);
-  layout->addStretch();
-  layout->addWidget(ok);
-  layout->addWidget(cancel);
-  connect(ok, &QPushButton::clicked, this, &frmLogProp::Ok);
-  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-  return row;
 }
 
 void frmLogProp::Show(const LogChoices& choices) {

@@ -33,7 +33,6 @@ class frmLog : public QDialog, private LogViewerWindow {
   QWidget* MakeFiles();
   QWidget* MakeDetails();
   QWidget* MakeButtons();
-  QPushButton* MakeButton(const char* name, const QString& caption);
   void Connect();
   void SelectCurrent();
   void EnableButtons();
@@ -60,8 +59,6 @@ class frmLogProp : public QDialog {
   frmLogProp(LogProperties& engine, QWidget* parent);
 
  private:
-  QCheckBox* MakeCheck(const char* name, const QString& caption);
-  QWidget* MakeButtons();
   void Show(const LogChoices& choices);
   void Ok();
 

@@ -3,10 +3,9 @@
 
 #include <QGroupBox>
 #include <QLabel>
-#include <QPushButton>
 
 #include "widgets/controls.h"
-#include "widgets/icons.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -23,10 +22,7 @@ QString Name(const char* name) {
 
 frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
     : QDialog(parent), engine_(engine), tabs_(MakeChild<QTabWidget>(this)) {
-  setObjectName(Name("frmEvents"));
-  setWindowTitle(tr("Events"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmEvents", tr("Events"));
   tabs_->setObjectName(Name("TabStrip1"));
   tabs_->addTab(MakeGeneral(), tr("General"));
   tabs_->addTab(MakeInComingCall(), tr("In Coming Call"));
@@ -34,7 +30,12 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
   tabs_->setCurrentIndex(tab);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(tabs_);
-  column->addWidget(MakeButtons());
+  const auto closing = MakeClosingButtons(*this);
+  connect(closing.cmdOK, &QPushButton::clicked, this, [this] {
+    engine_.Save(Choices());
+    accept();
+  });
+  column->addLayout(closing.row);
   Show(engine_.Load());
   Connect();
 }
@@ -42,12 +43,11 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
 QWidget* frmEvents::MakeGeneral() {
   auto* page = MakeChild<QWidget>(tabs_);
   auto* column = MakeChild<QVBoxLayout>(page);
-  chkAnimation_ = MakeCheck("chkAnimation", tr("Animate Caller View"));
+  chkAnimation_ = MakeCheckBox("chkAnimation", tr("Animate Caller View"), this);
   column->addWidget(chkAnimation_);
   column->addWidget(MakeSpeed());
   column->addWidget(MakeClosing());
-  auto* test = MakeChild<QPushButton>(tr("Test"), page);
-  test->setObjectName(Name("cmdTestViewer"));
+  auto* test = MakeButton("cmdTestViewer", tr("Test"), nullptr, page);
   test->setToolTip(tr("Show the caller view as it is set here"));
   connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Choices()); });
   column->addWidget(test, 0, Qt::AlignLeft);
@@ -79,7 +79,7 @@ QWidget* frmEvents::MakeClosing() {
   auto* row = MakeChild<QWidget>(this);
   auto* layout = MakeChild<QHBoxLayout>(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  chkCloseCVAfter_ = MakeCheck("chkCloseCVAfter", tr("Close Caller View after"));
+  chkCloseCVAfter_ = MakeCheckBox("chkCloseCVAfter", tr("Close Caller View after"), this);
   cmbCloseCVAfter_ = MakeChild<QComboBox>(row);
   cmbCloseCVAfter_->setObjectName(Name("cmbCloseCVAfter"));
   cmbCloseCVAfter_->setAccessibleName(tr("Seconds after which the caller view closes"));
@@ -97,7 +97,7 @@ QWidget* frmEvents::MakeInComingCall() {
   auto* frame = MakeChild<QGroupBox>(tr("Set events when accepting call"), page);
   auto* column = MakeChild<QVBoxLayout>(frame);
   when_call_ = MakeSound(*column, "chkPlayInCall", "CmbPlayWhenCall", "tlbrPlayWhenCall");
-  chkViewDet_ = MakeCheck("chkViewDet", tr("Display Caller View"));
+  chkViewDet_ = MakeCheckBox("chkViewDet", tr("Display Caller View"), this);
   column->addWidget(chkViewDet_);
   column->addStretch();
   MakeChild<QVBoxLayout>(page)->addWidget(frame);
@@ -109,8 +109,8 @@ QWidget* frmEvents::MakeDisconnectCall() {
   auto* frame = MakeChild<QGroupBox>(tr("Set events when disconnecting a call"), page);
   auto* column = MakeChild<QVBoxLayout>(frame);
   when_message_ = MakeSound(*column, "chkPlayInMessage", "CmbPlayWhenMessage", "tlbrPlayWhenMessage");
-  chkOnlyIfGotMessage_ = MakeCheck("chkOnlyIfGotMessage", tr("Only If Got Message"));
-  chkMsgInMsg_ = MakeCheck("chkMsgInMsg", tr("Display Caller View"));
+  chkOnlyIfGotMessage_ = MakeCheckBox("chkOnlyIfGotMessage", tr("Only If Got Message"), this);
+  chkMsgInMsg_ = MakeCheckBox("chkMsgInMsg", tr("Display Caller View"), this);
   column->addWidget(chkOnlyIfGotMessage_);
   column->addWidget(chkMsgInMsg_);
   column->addStretch();
@@ -120,7 +120,7 @@ QWidget* frmEvents::MakeDisconnectCall() {
 
 frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* check, const char* list,
                                               const char* bar) {
-  SoundControls controls{MakeCheck(check, tr("Play Sound:")), MakeChild<QComboBox>(this),
+  SoundControls controls{MakeCheckBox(check, tr("Play Sound:"), this), MakeChild<QComboBox>(this),
                          MakeChild<ButtonBar>(Name(bar), tr("Sounds"), this)};
   controls.list->setObjectName(Name(list));
   controls.list->setAccessibleName(tr("Sound"));
@@ -138,33 +138,6 @@ frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* ch
   column.addWidget(controls.play);
   column.addLayout(row);
   return controls;
-}
-
-QCheckBox* frmEvents::MakeCheck(const char* name, const QString& caption) {
-  auto* check = MakeChild<QCheckBox>(caption, this);
-  check->setObjectName(Name(name));
-  return check;
-}
-
-QWidget* frmEvents::MakeButtons() {
-  auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addStretch();
-  const auto add = [&](const char* name, const QString& caption) {
-    auto* button = MakeChild<QPushButton>(caption, row);
-    button->setObjectName(Name(name));
-    layout->addWidget(button);
-    return button;
-  };
-  auto* ok = add("cmdOK", tr("OK"));
-  ok->setDefault(true);
-  connect(ok, &QPushButton::clicked, this, [this] {
-    engine_.Save(Choices());
-    accept();
-  });
-  connect(add("cmdCancel", tr("Cancel")), &QPushButton::clicked, this, &QDialog::reject);
-  return row;
 }
 
 void frmEvents::Connect() {

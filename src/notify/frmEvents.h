@@ -36,10 +36,8 @@ class frmEvents : public QDialog {
   QWidget* MakeInComingCall();
   QWidget* MakeDisconnectCall();
   SoundControls MakeSound(QBoxLayout& column, const char* check, const char* list, const char* bar);
-  QCheckBox* MakeCheck(const char* name, const QString& caption);
   QWidget* MakeSpeed();
   QWidget* MakeClosing();
-  QWidget* MakeButtons();
   void Connect();
   void ConnectSound(const SoundControls& controls, EventsDialog::Sounds sounds);
   void Show(const EventChoices& choices);
