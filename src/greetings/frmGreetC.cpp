@@ -133,13 +133,13 @@ void frmGreetC::Unload() {
   engine_->Unload();
 }
 
-void frmGreetC::SelectTab(CreatorTab tab) {
+void frmGreetC::SelectTab(CreatorTab tab) noexcept {
   const QSignalBlocker quiet(TabStrip1_);
   shown_tab_ = static_cast<int>(tab) - 1;
   TabStrip1_->setCurrentIndex(shown_tab_);
 }
 
-void frmGreetC::ShowButtons(const CreatorButtons& buttons) {
+void frmGreetC::ShowButtons(const CreatorButtons& buttons) noexcept {
   Frame1_->ShowButtons(buttons);
   Frame2_->ShowButtons(buttons);
   // Not to Cancel, where Return would give up what could not be saved.
@@ -147,57 +147,58 @@ void frmGreetC::ShowButtons(const CreatorButtons& buttons) {
   closing_.cmdOK->setEnabled(buttons.cmdOK);
 }
 
-void frmGreetC::ShowRecLabel(bool on) {
+void frmGreetC::ShowRecLabel(bool on) noexcept {
   Frame1_->ShowRecLabel(on);
 }
 
-void frmGreetC::ShowRecProgress(std::int32_t seconds) {
+void frmGreetC::ShowRecProgress(std::int32_t seconds) noexcept {
   Frame1_->ShowRecProgress(seconds);
 }
 
-void frmGreetC::ShowLevel(std::int32_t level) {
+void frmGreetC::ShowLevel(std::int32_t level) noexcept {
   Frame1_->ShowLevel(level);
 }
 
-void frmGreetC::ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
+void frmGreetC::ShowPlayProgress(std::chrono::milliseconds position,
+                                 std::chrono::milliseconds length) noexcept {
   Frame1_->ShowPlayProgress(position, length);
   picture_->ShowProgress(position, length);
 }
 
-void frmGreetC::ShowWaveform(const Waveform& waveform) {
+void frmGreetC::ShowWaveform(const Waveform& waveform) noexcept {
   picture_->ShowWaveform(waveform);
   Frame1_->ShowLength(waveform.length);
 }
 
-void frmGreetC::ShowState(const std::string& text) {
+void frmGreetC::ShowState(const std::string& text) noexcept {
   lblState_->setText(QString::fromStdString(text));
 }
 
-void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) {
+void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) noexcept {
   Frame2_->AddVoices(descriptions);
 }
 
-std::int32_t frmGreetC::SelectedVoice() const {
+std::int32_t frmGreetC::SelectedVoice() const noexcept {
   return Frame2_->SelectedVoice();
 }
 
-std::int32_t frmGreetC::Rate() const {
+std::int32_t frmGreetC::Rate() const noexcept {
   return Frame2_->Rate();
 }
 
-std::string frmGreetC::Text() const {
+std::string frmGreetC::Text() const noexcept {
   return Frame2_->Text().toStdString();
 }
 
-void frmGreetC::ClearText() {
+void frmGreetC::ClearText() noexcept {
   Frame2_->ClearText();
 }
 
-std::string frmGreetC::GreetingName() const {
+std::string frmGreetC::GreetingName() const noexcept {
   return OneLine(txtGreetingName_->text()).toStdString();
 }
 
-void frmGreetC::Close() {
+void frmGreetC::Close() noexcept {
   accept();
 }
 

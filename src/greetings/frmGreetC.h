@@ -35,21 +35,22 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   int exec() override;
   void done(int result) override;
 
-  void SelectTab(CreatorTab tab) override;
-  void ShowButtons(const CreatorButtons& buttons) override;
-  void ShowRecLabel(bool on) override;
-  void ShowRecProgress(std::int32_t seconds) override;
-  void ShowLevel(std::int32_t level) override;
-  void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
-  void ShowWaveform(const Waveform& waveform) override;
-  void ShowState(const std::string& text) override;
-  void AddVoices(const std::vector<std::string>& descriptions) override;
-  std::int32_t SelectedVoice() const override;
-  std::int32_t Rate() const override;
-  std::string Text() const override;
-  void ClearText() override;
-  std::string GreetingName() const override;
-  void Close() override;
+  void SelectTab(CreatorTab tab) noexcept override;
+  void ShowButtons(const CreatorButtons& buttons) noexcept override;
+  void ShowRecLabel(bool on) noexcept override;
+  void ShowRecProgress(std::int32_t seconds) noexcept override;
+  void ShowLevel(std::int32_t level) noexcept override;
+  void ShowPlayProgress(std::chrono::milliseconds position,
+                        std::chrono::milliseconds length) noexcept override;
+  void ShowWaveform(const Waveform& waveform) noexcept override;
+  void ShowState(const std::string& text) noexcept override;
+  void AddVoices(const std::vector<std::string>& descriptions) noexcept override;
+  std::int32_t SelectedVoice() const noexcept override;
+  std::int32_t Rate() const noexcept override;
+  std::string Text() const noexcept override;
+  void ClearText() noexcept override;
+  std::string GreetingName() const noexcept override;
+  void Close() noexcept override;
 
  signals:
   void FirstShown();

@@ -20,7 +20,7 @@ constexpr const char* kNoEngine = "Please Install SAPI 5.1 From Microsoft";
 constexpr const char* kDeleteSpeech = "This Will Delete 'Text To Speech' Recorded. \r\n Continue ?";
 constexpr const char* kDeleteSpeaker = "This Will Delete Speaker Recorded. \r\n Continue ?";
 
-/// The path that this line names has always been the greetings folder's, though the take is not there.
+/// Only for the log line, which names the greetings folder although the take is elsewhere.
 constexpr const char* kPlayedFile = "\\Greets\\spktmp.wav";
 
 std::string MinutesAndSeconds(milliseconds length) {
@@ -65,14 +65,11 @@ void GreetingCreator::Load() {
 
 void GreetingCreator::TabClick(CreatorTab tab) {
   if (loading_) return;
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (tab == CreatorTab::TextToSpeech && !link_.Available()) {
-      parts_.dialogs.Information(kNoEngine);
-      tab = CreatorTab::Speaker;
-    }
-    view_.SelectTab(tab);
-  });
+  if (tab == CreatorTab::TextToSpeech && !link_.Available()) {
+    parts_.dialogs.Information(kNoEngine);
+    tab = CreatorTab::Speaker;
+  }
+  view_.SelectTab(tab);
 }
 
 void GreetingCreator::VoicesArrived(const std::vector<std::string>& descriptions) {
@@ -94,34 +91,31 @@ void GreetingCreator::ShowButtons() {
                      .cmdOK = !saving_});
 }
 
-/// True when there is no such take, or a person wants to give it up.
+/// True when there is no such take, or the user agrees to lose it.
 bool GreetingCreator::MayReplace(bool other_take, const char* question) {
   return !other_take || parts_.dialogs.Confirm(question, QuestionIcon::Information);
 }
 
 void GreetingCreator::Record() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (saving_ || unloaded_ || playing_ || parts_.microphone.Busy()) return;
-    if (!MayReplace(speech_take_, kDeleteSpeech)) return;
-    // A call may have been answered while the question was open, and the window may have been closed.
-    if (unloaded_ || parts_.microphone.Busy()) return;
-    view_.ClearText();
-    if (parts_.microphone.Start(sound_device_) != kWaveOk)
-      return view_.ShowState("Nothing can be recorded; the system log says why");
-    speech_.Forget();
-    speech_take_ = false;
-    speaker_take_ = recorded_ = true;
-    seconds_ = 0;
-    view_.ShowRecProgress(0);
-    TimerRec->Start(kTimerRecInterval);
-    TimerLevel->Start(kLevelInterval);
-    view_.ShowRecLabel(rec_label_ = true);
-    parts_.waveforms.Cancel();
-    view_.ShowWaveform({});
-    view_.ShowState("Recording from the microphone");
-    ShowButtons();
-  });
+  if (saving_ || unloaded_ || playing_ || parts_.microphone.Busy()) return;
+  if (!MayReplace(speech_take_, kDeleteSpeech)) return;
+  // While the question was open, a call may have been answered or the window closed.
+  if (unloaded_ || parts_.microphone.Busy()) return;
+  view_.ClearText();
+  if (parts_.microphone.Start(sound_device_) != kWaveOk)
+    return view_.ShowState("Nothing can be recorded; the system log says why");
+  speech_.Forget();
+  speech_take_ = false;
+  speaker_take_ = recorded_ = true;
+  seconds_ = 0;
+  view_.ShowRecProgress(0);
+  TimerRec->Start(kTimerRecInterval);
+  TimerLevel->Start(kLevelInterval);
+  view_.ShowRecLabel(rec_label_ = true);
+  parts_.waveforms.Cancel();
+  view_.ShowWaveform({});
+  view_.ShowState("Recording from the microphone");
+  ShowButtons();
 }
 
 void GreetingCreator::FollowRecording() {
@@ -130,10 +124,7 @@ void GreetingCreator::FollowRecording() {
 }
 
 void GreetingCreator::StopRecord() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (parts_.microphone.Recording()) RecordingEnded(parts_.microphone.Stop() == kWaveOk);
-  });
+  if (parts_.microphone.Recording()) RecordingEnded(parts_.microphone.Stop() == kWaveOk);
 }
 
 void GreetingCreator::RecordingEnded(bool kept) {
@@ -142,7 +133,7 @@ void GreetingCreator::RecordingEnded(bool kept) {
   view_.ShowLevel(0);
   view_.ShowRecLabel(rec_label_ = false);
   if (kept) ShowTake(parts_.microphone.Path(), "From the microphone");
-  // A microphone that went away, or hears nothing at all, has left a file without sound.
+  // A microphone that was unplugged or muted leaves an empty file.
   speaker_take_ = recorded_ = kept && take_length_ > 0ms;
   if (!kept) view_.ShowState("The recording could not be stored; the system log says why");
   if (kept && !recorded_) view_.ShowState("Nothing came from the microphone; the system log may say why");
@@ -150,10 +141,8 @@ void GreetingCreator::RecordingEnded(bool kept) {
 }
 
 void GreetingCreator::LineTookOver(bool kept) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { RecordingEnded(kept); });
-  if (recorded_)
-    trap([&] { view_.ShowState("A call was answered, which ended the recording. It is kept up to there."); });
+  RecordingEnded(kept);
+  if (recorded_) view_.ShowState("A call was answered, which ended the recording. It is kept up to there.");
 }
 
 void GreetingCreator::ShowTake(const std::string& path, const char* kind) {
@@ -163,23 +152,19 @@ void GreetingCreator::ShowTake(const std::string& path, const char* kind) {
 }
 
 void GreetingCreator::Play() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (saving_ || parts_.player.IsPlaying()) return;
-    auto& wave = parts_.WavePlay;
-    const auto result = wave.PlayFile(parts_.microphone.Path(), sound_device_);
-    if (result != kWaveOk) {
-      parts_.log.WriteSystem("Error Start Play[Device:" + std::to_string(sound_device_) + "]->" +
-                             parts_.shared.InApplicationFolder(kPlayedFile) + " " +
-                             wave.PlayErrorText(result));
-      return;
-    }
-    parts_.log.WriteSystem("Start Play:" + wave.PlayErrorText(result));
-    playing_ = true;
-    view_.ShowPlayProgress(0ms, take_length_);
-    TimerPlay->Start(kTimerPlayInterval);
-    ShowButtons();
-  });
+  if (saving_ || parts_.player.IsPlaying()) return;
+  auto& wave = parts_.WavePlay;
+  const auto result = wave.PlayFile(parts_.microphone.Path(), sound_device_);
+  if (result != kWaveOk) {
+    parts_.log.WriteSystem("Error Start Play[Device:" + std::to_string(sound_device_) + "]->" +
+                           parts_.shared.InApplicationFolder(kPlayedFile) + " " + wave.PlayErrorText(result));
+    return;
+  }
+  parts_.log.WriteSystem("Start Play:" + wave.PlayErrorText(result));
+  playing_ = true;
+  view_.ShowPlayProgress(0ms, take_length_);
+  TimerPlay->Start(kTimerPlayInterval);
+  ShowButtons();
 }
 
 void GreetingCreator::FollowPlaying() {
@@ -188,11 +173,8 @@ void GreetingCreator::FollowPlaying() {
 }
 
 void GreetingCreator::StopPlay() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (parts_.player.IsPlaying()) parts_.player.Stop();
-  });
-  trap([&] { EndPlaying(); });
+  if (parts_.player.IsPlaying()) parts_.player.Stop();
+  EndPlaying();
 }
 
 void GreetingCreator::EndPlaying() {
@@ -203,75 +185,66 @@ void GreetingCreator::EndPlaying() {
 }
 
 void GreetingCreator::Speak() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { link_.Speak(view_.Text(), Manner()); });
+  link_.Speak(view_.Text(), Manner());
 }
 
 void GreetingCreator::StopSpeaking() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { link_.Stop(); });
+  link_.Stop();
 }
 
 void GreetingCreator::CreateGreeting() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    const auto text = view_.Text();
-    if (saving_ || text.empty() || !link_.Up()) return;
-    if (!MayReplace(speaker_take_, kDeleteSpeaker)) return;
-    if (unloaded_) return;
-    StopPlay();
-    StopRecord();
-    view_.ShowRecProgress(0);
-    view_.ShowPlayProgress(0ms, 0ms);
-    parts_.waveforms.Cancel();
-    view_.ShowWaveform({});
-    speaker_take_ = false;
-    speech_take_ = recorded_ = speech_.Make(text, Manner(), [this](bool there) { SpeechDone(there); });
-    view_.ShowState(speech_take_ ? "The greeting is being made of the text" : "");
-    ShowButtons();
-  });
+  const auto text = view_.Text();
+  if (saving_ || text.empty() || !link_.Up()) return;
+  if (!MayReplace(speaker_take_, kDeleteSpeaker)) return;
+  if (unloaded_) return;
+  StopPlay();
+  StopRecord();
+  view_.ShowRecProgress(0);
+  parts_.waveforms.Cancel();
+  view_.ShowWaveform({});
+  speaker_take_ = false;
+  speech_take_ = recorded_ = speech_.Make(text, Manner(), [this](bool there) { SpeechDone(there); });
+  view_.ShowState(speech_take_ ? "The greeting is being made of the text" : "");
+  ShowButtons();
 }
 
 void GreetingCreator::SpeechDone(bool there) {
-  const auto trap = ErrorTrap::Silent();
   speech_take_ = recorded_ = there;
-  trap([&] {
-    if (there) return ShowTake(speech_.Path(), "From the text");
+  if (there) {
+    ShowTake(speech_.Path(), "From the text");
+  } else {
     view_.ShowState("No greeting could be made of the text. Has it words, and the disk room?");
-  });
+  }
   if (!saving_) return;
   if (there) return Copy();
   saving_ = false;
-  trap([&] { ShowButtons(); });
+  ShowButtons();
 }
 
 void GreetingCreator::Save() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (saving_ || unloaded_) return;
-    const auto name = view_.GreetingName();
-    if (!recorded_) return parts_.dialogs.Information("Empty Message");
-    if (name.empty()) return parts_.dialogs.Information("Enter Greeting Name");
-    if (!IsLegalGreetingName(name)) return parts_.dialogs.Information(kBadName);
-    StopRecord();
-    if (!recorded_) return;
-    name_ = Trimmed(name);
-    saving_ = true;
-    ShowButtons();
-    if (speech_.Pending()) return view_.ShowState("The greeting is saved as soon as it is made of the text");
-    if (!speech_take_ || speech_.Unchanged()) return Copy();
-    // A helper that hung for long has written what an earlier window asked it for.
-    recorded_ = speech_take_ = saving_ = false;
-    view_.ShowState("The take was replaced meanwhile; please create the greeting again");
-    ShowButtons();
-  });
+  if (saving_ || unloaded_) return;
+  const auto name = view_.GreetingName();
+  if (!recorded_) return parts_.dialogs.Information("Empty Message");
+  if (name.empty()) return parts_.dialogs.Information("Enter Greeting Name");
+  if (!IsLegalGreetingName(name)) return parts_.dialogs.Information(kBadName);
+  StopRecord();
+  if (!recorded_) return;
+  name_ = Trimmed(name);
+  saving_ = true;
+  ShowButtons();
+  if (speech_.Pending()) return view_.ShowState("The greeting is saved as soon as it is made of the text");
+  if (!speech_take_ || speech_.Unchanged()) return Copy();
+  // The helper of an earlier window was slow and has just written its file over this one.
+  recorded_ = speech_take_ = saving_ = false;
+  view_.ShowState("The take was replaced meanwhile; please create the greeting again");
+  ShowButtons();
 }
 
 std::string GreetingCreator::TakePath() const {
   return speech_take_ ? speech_.Path() : parts_.microphone.Path();
 }
 
-/// From here on the greeting is saved, whole, also when the window is closed meanwhile.
+/// From here on the greeting is saved even when the window is closed.
 void GreetingCreator::Copy() {
   const auto source = TakePath();
   const auto done = std::make_shared<bool>();
@@ -294,29 +267,21 @@ void GreetingCreator::Copy() {
 }
 
 void GreetingCreator::Copied(bool done) {
-  const auto trap = ErrorTrap::Silent();
   saving_ = false;
-  trap([&] {
-    if (done) return view_.Close();
-    view_.ShowState("The greeting could not be saved; the system log says why");
-    ShowButtons();
-  });
+  if (done) return view_.Close();
+  view_.ShowState("The greeting could not be saved; the system log says why");
+  ShowButtons();
 }
 
 void GreetingCreator::Unload() {
   if (unloaded_) return;
   unloaded_ = true;
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (parts_.player.IsPlaying()) parts_.player.Stop();
-  });
-  trap([&] {
-    if (parts_.microphone.Recording()) parts_.microphone.Stop();
-  });
+  if (parts_.player.IsPlaying()) parts_.player.Stop();
+  if (parts_.microphone.Recording()) parts_.microphone.Stop();
   for (const auto* timer : {&TimerRec, &TimerLevel, &TimerPlay}) (*timer)->Stop();
   speech_.Forget();
   parts_.waveforms.Cancel();
-  trap([&] { link_.Unload(); });
+  link_.Unload();
 }
 
 }  // namespace orven

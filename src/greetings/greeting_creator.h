@@ -24,10 +24,10 @@
 
 namespace orven {
 
-/// The tabs of the greeting creator, with the numbers that they have always had.
+/// The tabs of the greeting creator, with their fixed numbers.
 enum class CreatorTab { Speaker = 1, TextToSpeech = 2 };
 
-/// Which controls of the greeting creator can be used now.
+/// Which buttons of the greeting creator are enabled.
 struct CreatorButtons {
   bool cmdRec = true;
   bool cmdStopRec = false;
@@ -35,57 +35,56 @@ struct CreatorButtons {
   bool cmdStopPlay = false;
   bool cmdCreateGreeting = true;
   bool cmdOK = true;
-  bool operator==(const CreatorButtons&) const = default;
 };
 
-/// The greeting creator's window `frmGreetC`, as the engine sees it. Setting anything through this calls
-/// nothing back.
+/// The window `frmGreetC` as the engine sees it. Setting a control raises no event.
 class GreetingCreatorView {
  public:
   virtual ~GreetingCreatorView() = default;
 
   /// Selects the tab and shows its frame: `Frame1` or `Frame2`.
-  virtual void SelectTab(CreatorTab tab) = 0;
+  virtual void SelectTab(CreatorTab tab) noexcept = 0;
 
-  virtual void ShowButtons(const CreatorButtons& buttons) = 0;
+  virtual void ShowButtons(const CreatorButtons& buttons) noexcept = 0;
 
   /// Shows or hides `lblRec`.
-  virtual void ShowRecLabel(bool on) = 0;
-  /// `ProgressBarRec`: seconds that have been recorded; there is no highest number.
-  virtual void ShowRecProgress(std::int32_t seconds) = 0;
+  virtual void ShowRecLabel(bool on) noexcept = 0;
+  /// `ProgressBarRec`: seconds recorded, without an upper limit.
+  virtual void ShowRecProgress(std::int32_t seconds) noexcept = 0;
   /// Level of the microphone in thousandths of full scale (0 to 1000).
-  virtual void ShowLevel(std::int32_t level) = 0;
+  virtual void ShowLevel(std::int32_t level) noexcept = 0;
 
-  /// `ProgressBar1` and `lblPlay`: how far the take has been played; both 0 when nothing plays.
-  virtual void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) = 0;
+  /// `ProgressBar1` and `lblPlay`: position and length of the take that plays; both 0 when none does.
+  virtual void ShowPlayProgress(std::chrono::milliseconds position,
+                                std::chrono::milliseconds length) noexcept = 0;
 
-  /// The take's picture; without peaks for none.
-  virtual void ShowWaveform(const Waveform& waveform) = 0;
+  /// The take's waveform; one without peaks clears the picture.
+  virtual void ShowWaveform(const Waveform& waveform) noexcept = 0;
 
-  /// One line about the take, for a person; may be empty.
-  virtual void ShowState(const std::string& text) = 0;
+  /// One line about the take; may be empty.
+  virtual void ShowState(const std::string& text) noexcept = 0;
 
-  /// `VoiceCB`: adds the voices, and selects the first entry where there is one.
-  virtual void AddVoices(const std::vector<std::string>& descriptions) = 0;
+  /// `VoiceCB`: appends the voices and selects the first entry.
+  virtual void AddVoices(const std::vector<std::string>& descriptions) noexcept = 0;
   /// 0-based; -1 for none.
-  virtual std::int32_t SelectedVoice() const = 0;
+  virtual std::int32_t SelectedVoice() const noexcept = 0;
   /// `RateSldr`: -10 (slow) to 10 (fast).
-  virtual std::int32_t Rate() const = 0;
+  virtual std::int32_t Rate() const noexcept = 0;
 
   /// `txtTTS`, with "\n" between lines.
-  virtual std::string Text() const = 0;
-  virtual void ClearText() = 0;
+  virtual std::string Text() const noexcept = 0;
+  virtual void ClearText() noexcept = 0;
 
   /// `txtGreetingName`.
-  virtual std::string GreetingName() const = 0;
+  virtual std::string GreetingName() const noexcept = 0;
 
   /// Closes the window.
-  virtual void Close() = 0;
+  virtual void Close() noexcept = 0;
 };
 
-/// What the greeting creator `frmGreetC` does: makes a take from the microphone or from a text, plays it,
-/// and saves it as the default greeting. One object an opening of the window. Handlers whose statements
-/// fail go on; a greeting is saved whole or not at all. User-interface thread.
+/// The rules of the greeting creator `frmGreetC`: records a take or has a text spoken, plays it, and saves it
+/// as the default greeting, whole or not at all. One object for each opening of the window. User-interface
+/// thread.
 class GreetingCreator : private SpeechLinkListener {
  public:
   struct Parts {
@@ -103,7 +102,7 @@ class GreetingCreator : private SpeechLinkListener {
     const GreetingLibrary& library;
     const Settings& settings;
     const SharedOptions& shared;
-    /// A greeting `name` is there: the default now. May be called when the creator is gone.
+    /// The greeting `name` was saved; it becomes the default. May be called after the creator is gone.
     std::function<void(const std::string& name)> saved;
   };
 
@@ -112,11 +111,11 @@ class GreetingCreator : private SpeechLinkListener {
   GreetingCreator(const GreetingCreator&) = delete;
   GreetingCreator& operator=(const GreetingCreator&) = delete;
 
-  /// The window has been built and is shown: reads the sound device and starts the speech helper. Waits
-  /// for the helper and runs the event loop meanwhile; the object must live until it returns.
+  /// The window is shown: reads the sound device and starts the speech helper. Runs the event loop while it
+  /// waits for the helper; the object must live until this returns.
   void Load();
 
-  /// A person chose a tab.
+  /// A tab was chosen.
   void TabClick(CreatorTab tab);
 
   void Record();          ///< `cmdRec`
@@ -126,11 +125,10 @@ class GreetingCreator : private SpeechLinkListener {
   void Speak();           ///< `SpeakBtn`
   void StopSpeaking();    ///< `StopBtn`
   void CreateGreeting();  ///< `cmdCreateGreeting`
-  void Save();            ///< `cmdOK`; the view is closed once the greeting is saved, which may be later
+  void Save();            ///< `cmdOK`; closes the view when the greeting is saved, which may be later
 
-  /// The window closes, whatever closed it: ends what the creator plays and records, and the helper. A
-  /// greeting that is just being saved is saved all the same.
-  /// Everything after the first call does nothing.
+  /// The window closes: stops playing and recording, and ends the helper. A copy that has begun is completed.
+  /// Calls after the first do nothing.
   void Unload();
 
  private:
@@ -141,7 +139,6 @@ class GreetingCreator : private SpeechLinkListener {
   void ShowButtons();
   void ShowTake(const std::string& path, const char* kind);
   bool MayReplace(bool other_take, const char* question);
-  void EndRecording();
   void RecordingEnded(bool kept);
   void LineTookOver(bool kept);
   void EndPlaying();
@@ -168,10 +165,10 @@ class GreetingCreator : private SpeechLinkListener {
   bool playing_ = false;
   std::chrono::milliseconds take_length_{0};
   bool rec_label_ = false;
-  std::int32_t seconds_ = 0;  ///< of the take that is being recorded
+  std::int32_t seconds_ = 0;  ///< recorded so far
 
-  bool saving_ = false;  ///< the greeting is on its way; nothing else happens meanwhile
-  std::string name_;     ///< the greeting that is being saved
+  bool saving_ = false;  ///< nothing else can be done meanwhile
+  std::string name_;     ///< of the greeting that is being saved
   bool unloaded_ = false;
   Lifeline lifeline_;
 };

@@ -66,12 +66,7 @@ void SpeechLink::Load() {
 }
 
 bool SpeechLink::Installed() {
-  bool installed = false;
-  const ErrorTrap trap(log_, "ErrLoadTTS ");
-  trap([&] {
-    installed = GetRegValue(ports_.registry, RegistryRoot::ClassesRoot, "SAPI.SpVoice", "") != kNotFound;
-  });
-  return installed;
+  return GetRegValue(ports_.registry, RegistryRoot::ClassesRoot, "SAPI.SpVoice", "") != kNotFound;
 }
 
 bool SpeechLink::StartHelper() {
