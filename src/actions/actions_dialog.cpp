@@ -14,19 +14,7 @@ namespace orven {
 namespace {
 
 constexpr std::size_t kShortest = 6;
-constexpr std::string_view kRefused = "!#$%^&*()=+{}[]|\\;:'/?>,< ";
-
-bool Holds(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
-
-/// Looks along the shorter of the two texts, as it has always been done.
-bool HoldsRefused(std::string_view text) {
-  if (text.size() < kRefused.size()) {
-    return std::ranges::any_of(text, [](char letter) { return Holds(kRefused, {&letter, 1}); });
-  }
-  return std::ranges::any_of(kRefused, [&](char letter) { return Holds(text, {&letter, 1}); });
-}
+constexpr std::string_view kRefused = "!#$%^&*()=+{}[]|\\;:'/?>,< \"";
 
 constexpr const char* kParameters =
     "Parameters:\r\n"
@@ -45,7 +33,7 @@ struct Fault {
   std::string text;
 };
 
-/// The first field that is wrong, in the order in which a person meets them.
+/// The first wrong field, from top to bottom.
 std::optional<Fault> FindFault(const ActionChoices& choices) {
   if (choices.chkSendToMail) {
     if (!IsMailAddress(choices.txtSendToMail))
@@ -62,10 +50,6 @@ std::optional<Fault> FindFault(const ActionChoices& choices) {
   return std::nullopt;
 }
 
-ActWith ListEntry(const std::string& text) {
-  return ToInt16(text) != 0 ? ActWith::MessagesOnly : ActWith::AllCalls;
-}
-
 std::string Stored(ActWith entry) {
   return entry == ActWith::MessagesOnly ? "1" : "0";
 }
@@ -78,10 +62,10 @@ std::string Stored(bool checked) {
 
 bool IsMailAddress(const std::string& text) {
   const auto at = text.find('@');
-  if (at == std::string::npos || !Holds(text, ".") || text.size() < kShortest) return false;
+  if (at == std::string::npos || text.size() < kShortest) return false;
   const auto domain = std::string_view(text).substr(at + 1);
-  if (Holds(domain, "@") || Holds(domain, " ") || !Holds(domain, ".")) return false;
-  return !Holds(text, "\"") && !HoldsRefused(text) && !Holds(text, "..");
+  return domain.find('.') != std::string_view::npos && domain.find('@') == std::string_view::npos &&
+         text.find_first_of(kRefused) == std::string::npos && text.find("..") == std::string::npos;
 }
 
 std::string ActionsDialog::Value(const char* name) {
@@ -97,24 +81,28 @@ void ActionsDialog::Load(const std::function<void(const ActionChoices&)>& show) 
 
 ActionChoices ActionsDialog::GetOptions() {
   const ErrorTrap trap(parts_.log, "ErrActionGetOptions->");
-  // The login is newer than installations are: one that was never given is none.
+  const auto checked = [&](const char* name, bool& box) { trap([&] { box = ToInt16(Value(name)) != 0; }); };
+  const auto entry = [&](const char* name, ActWith& list) {
+    trap([&] { list = ToInt16(Value(name)) != 0 ? ActWith::MessagesOnly : ActWith::AllCalls; });
+  };
+  // Older installations have no login.
   const auto optional_value = [this](const char* name) {
     const auto text = Value(name);
     return text == kNotFound ? std::string() : text;
   };
   ActionChoices choices;
-  trap([&] { choices.chkSendToMail = ToInt16(Value("pMailTo")) != 0; });
-  trap([&] { choices.txtSendToMail = Value("MailTo"); });
-  trap([&] { choices.txtSMTP = Value("SMTPServer"); });
-  trap([&] { choices.txtFromMail = Value("MailFrom"); });
-  trap([&] { choices.cmbActMail = ListEntry(Value("ActionsMailAllCalls")); });
-  trap([&] { choices.chkApp = ToInt16(Value("pAppTo")) != 0; });
-  trap([&] { choices.txtAppTo = Value("AppTo"); });
-  trap([&] { choices.chkBGAPP = ToInt16(Value("pAppToBG")) != 0; });
-  trap([&] { choices.cmbActApp = ListEntry(Value("ActionsAppAllCalls")); });
-  trap([&] { choices.txtSMTPUser = optional_value("SMTPUser"); });
-  trap([&] { choices.txtSMTPPass = optional_value("SMTPPass"); });
-  trap([&] { choices.chkSMTPSecure = Value("SMTPSecure") != "0"; });
+  checked("pMailTo", choices.chkSendToMail);
+  choices.txtSendToMail = Value("MailTo");
+  choices.txtSMTP = Value("SMTPServer");
+  choices.txtFromMail = Value("MailFrom");
+  entry("ActionsMailAllCalls", choices.cmbActMail);
+  checked("pAppTo", choices.chkApp);
+  choices.txtAppTo = Value("AppTo");
+  checked("pAppToBG", choices.chkBGAPP);
+  entry("ActionsAppAllCalls", choices.cmbActApp);
+  choices.txtSMTPUser = optional_value("SMTPUser");
+  choices.txtSMTPPass = optional_value("SMTPPass");
+  choices.chkSMTPSecure = Value("SMTPSecure") != "0";
   return choices;
 }
 

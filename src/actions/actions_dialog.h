@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// Whether `text` can be the address of a mail: six characters or more, one "@" with a "." somewhere
-/// behind it, no two dots in a row, none of the characters that addresses on the Internet do without.
+/// Whether `text` can be a mail address: at least six characters, one "@" with a "." somewhere after it, no
+/// two dots in a row and none of the characters !#$%^&*()=+{}[]|\;:'"/?>,< and blank.
 bool IsMailAddress(const std::string& text);
 
 /// Entries of the two lists "Act with".
@@ -29,18 +29,18 @@ struct ActionChoices {
   ActWith cmbActMail = ActWith::AllCalls;
   std::string txtSMTPUser;
   std::string txtSMTPPass;    ///< never in any log
-  bool chkSMTPSecure = true;  ///< the login is given to an encrypted server only
+  bool chkSMTPSecure = true;  ///< log in to an encrypted server only
   bool chkApp = false;
   std::string txtAppTo;
   bool chkBGAPP = false;
   ActWith cmbActApp = ActWith::AllCalls;
 };
 
-/// A field that a check found wrong.
+/// The fields that OK checks.
 enum class ActionField { txtSendToMail, txtSMTP, txtFromMail, txtAppTo };
 
-/// What the actions dialog does: the settings of what follows a call, by mail and by a program. Every
-/// statement that fails is logged. User-interface thread.
+/// The rules of the actions dialog: the mail and the program that follow a call. Failures are logged.
+/// User-interface thread.
 class ActionsDialog {
  public:
   struct Parts {
@@ -57,15 +57,15 @@ class ActionsDialog {
   /// Reads the stored settings and gives them to `show`.
   void Load(const std::function<void(const ActionChoices&)>& show);
 
-  /// `cmdParm`: tells the placeholders.
+  /// `cmdParm`: lists the placeholders.
   void ShowParameters();
 
-  /// `frmTest`: starts the program of `command` with the details of a call that never was. Returns
-  /// what went wrong, in a form for people; empty when it was started.
+  /// `frmTest`: starts the program of `command` with made-up call details. Returns why it could not be
+  /// started, as a text for the user; empty on success.
   std::string Test(std::string command);
 
-  /// `cmdOK`: the field that is wrong, after a box has said so and with nothing stored; or nothing, when
-  /// all is stored and the dialog closes.
+  /// `cmdOK`: checks and stores everything. On a wrong field it shows a message box, stores nothing and
+  /// returns the field; otherwise returns nothing, and the dialog closes.
   std::optional<ActionField> Ok(const ActionChoices& choices);
 
  private:

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr const char* kSenderName = "ORVEN";
 
-/// How long "Mail Was Sent" stands.
+/// How long "Mail Was Sent" is shown.
 constexpr auto kSentShown = 3s;
 
 // Window styles of a started program.
@@ -82,7 +82,7 @@ void ActionsEngine::SendToApp(const Call& call) {
 
 void ActionsEngine::Progress(std::int32_t total, std::int32_t sent) {
   if (total == 0) return;
-  // Rounded to the nearest whole number, halves to even.
+  // Halves are rounded to even.
   const auto percent = std::lrint(static_cast<double>(sent) / total * 100);
   ports_.status.ShowStatus("Send Mail : " + std::to_string(percent) + " %");
   shown_ = ports_.status.Writings();
@@ -97,7 +97,7 @@ void ActionsEngine::Done(const std::string& recipient) {
 }
 
 void ActionsEngine::Error(const std::string& recipient, const std::string& description) {
-  // A mail that failed is not on its way any more.
+  // The progress of a mail that failed must not stay.
   if (shown_ != 0 && ports_.status.Writings() == shown_) show_line_state_();
   ports_.log.WriteSystem("Error Sending To Mail To : " + recipient + " Becouse:" + description);
 }

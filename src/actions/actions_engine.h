@@ -16,7 +16,7 @@
 
 namespace orven {
 
-/// What a command line may tell of a call.
+/// The details of a call that a command line may contain.
 struct CallParameters {
   std::string name;
   std::string number;
@@ -25,14 +25,15 @@ struct CallParameters {
   std::string message_path;
 };
 
-/// Puts the values in place of "<NUMBER>", "<NAME>", "<MESSAGE_PATH>", "<DATE>" and "<TIME>", in this
-/// order and of each the first occurrence only; a value that holds a later placeholder is filled in its
-/// turn. Letter case counts. The result is written back into `text`, and returned. A placeholder that
-/// begins beyond character 32767 throws RuntimeError 6 ("Overflow"); what was filled before stays.
+/// Replaces "<NUMBER>", "<NAME>", "<MESSAGE_PATH>", "<DATE>" and "<TIME>" by their values, in this order and
+/// only the first occurrence of each; a later placeholder in a value is replaced, too. Case-sensitive. The
+/// result is written back to `text` and returned. A placeholder that begins after character 32767 throws
+/// RuntimeError 6
+/// ("Overflow"); earlier replacements stay.
 std::string SubstituteParameters(std::string& text, const CallParameters& call);
 
-/// What the program does with a call that is over: mails it and starts the user's program. It says how
-/// that goes in the status bar and in the system log. User-interface thread.
+/// What follows a call: mails it and starts the user's program. Progress and failures are shown in the status
+/// bar and the system log. User-interface thread.
 class ActionsEngine : public CallActions, public MailEvents {
  public:
   struct Ports {
@@ -44,8 +45,8 @@ class ActionsEngine : public CallActions, public MailEvents {
     const MessageFolders& folders;
   };
 
-  /// `show_line_state` shows the line's state in the status bar again. The settings' command template
-  /// is filled by the first call and stays so until the settings are read again.
+  /// `show_line_state` shows the line's state in the status bar again. The first call fills the command
+  /// template in the settings; it stays filled until the settings are read again.
   ActionsEngine(Ports ports, Settings& settings, std::function<void()> show_line_state);
   ~ActionsEngine() override;
   ActionsEngine(const ActionsEngine&) = delete;
@@ -65,7 +66,7 @@ class ActionsEngine : public CallActions, public MailEvents {
   Ports ports_;
   Settings& settings_;
   std::function<void()> show_line_state_;
-  std::uint64_t shown_ = 0;  ///< the status panel's count after the latest progress
+  std::uint64_t shown_ = 0;  ///< the status panel's count after the last progress
   Lifeline lifeline_;
 };
 

@@ -9,7 +9,7 @@
 namespace orven {
 namespace {
 
-constexpr int kFieldWidth = 380;  // pixels; an address or a command can be read at a glance
+constexpr int kFieldWidth = 380;  // pixels; wide enough for most addresses and commands
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);
@@ -66,9 +66,9 @@ QWidget* frmActions::MakeApplication() {
   form->addRow(QString(), chkBGAPP_);
   cmbActApp_ = AddList(*form, "cmbActApp");
   auto* parameters = MakeButton("cmdParm", tr("Parameters"), nullptr, page);
-  parameters->setToolTip(tr("What the program can be told of a call"));
+  parameters->setToolTip(tr("The details of a call that the program can get"));
   auto* test = MakeButton("frmTest", tr("Test"), nullptr, page);
-  test->setToolTip(tr("Start the program now, with the details of a call that never was"));
+  test->setToolTip(tr("Start the program now, with made-up call details"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(parameters);
   row->addWidget(test);
@@ -133,7 +133,7 @@ void frmActions::Show(const ActionChoices& choices) {
   chkSMTPSecure_->setChecked(choices.chkSMTPSecure);
   chkApp_->setChecked(choices.chkApp);
   txtAppTo_->setText(QString::fromStdString(choices.txtAppTo));
-  txtAppTo_->setCursorPosition(0);  // the program's name can be seen, whatever follows
+  txtAppTo_->setCursorPosition(0);  // shows the program's name
   chkBGAPP_->setChecked(choices.chkBGAPP);
   cmbActApp_->setCurrentIndex(static_cast<int>(choices.cmbActApp));
 }

@@ -13,10 +13,8 @@
 
 namespace orven {
 
-/// The actions dialog: the mail and the program that follow a call. It shows what the engine loads and
-/// hands over what a person does; every control's object name is its name in this program. Modal to
-/// the main window only, so that a call that comes in meanwhile can be answered in the caller view.
-/// User-interface thread.
+/// The actions dialog: the mail and the program that follow a call. The engine decides; every control's
+/// object name is its name in this program. User-interface thread.
 class frmActions : public QDialog {
   Q_OBJECT
 

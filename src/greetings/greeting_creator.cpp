@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "base/text.h"
 #include "core/error_trap.h"
 
 namespace orven {
@@ -30,11 +31,6 @@ std::string MinutesAndSeconds(milliseconds length) {
 }
 
 constexpr const char* kBadName = "Greeting name with ? \\ / | * < > : \" is not legal";
-
-std::string Trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 }  // namespace
 
@@ -229,7 +225,7 @@ void GreetingCreator::Save() {
   if (!IsLegalGreetingName(name)) return parts_.dialogs.Information(kBadName);
   StopRecord();
   if (!recorded_) return;
-  name_ = Trimmed(name);
+  name_ = std::string(Trimmed(name, " "));
   saving_ = true;
   ShowButtons();
   if (speech_.Pending()) return view_.ShowState("The greeting is saved as soon as it is made of the text");

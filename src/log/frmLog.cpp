@@ -14,7 +14,7 @@
 namespace orven {
 namespace {
 
-constexpr QSize kSize(860, 520);  // pixels; eighty letters of a line and a month of days can be seen
+constexpr QSize kSize(860, 520);  // pixels; shows eighty characters a line and a month of files
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);
@@ -54,7 +54,7 @@ QWidget* frmLog::MakeFiles() {
   cmbWhatToShow_ = MakeChild<QComboBox>(page);
   cmbWhatToShow_->setObjectName(Name("cmbWhatToShow"));
   cmbWhatToShow_->setAccessibleName(tr("Logs to show"));
-  // The engine knows them by these names.
+  // The engine's names, which are not translated.
   cmbWhatToShow_->addItem(tr("All"), Name("All"));
   cmbWhatToShow_->addItem(tr("Calls"), Name("Calls"));
   cmbWhatToShow_->addItem(tr("System"), Name("System"));
@@ -109,7 +109,7 @@ void frmLog::Connect() {
     EnableButtons();
   });
   connect(List1_, &QListWidget::currentItemChanged, this, &frmLog::SelectCurrent);
-  // A click on the file that is shown shows it as it is now.
+  // A click on the shown file reads it again.
   connect(List1_, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) {
     if (item->text().toStdString() == engine_.Selected()) SelectCurrent();
   });
@@ -129,7 +129,7 @@ void frmLog::EnableButtons() {
   cmdSaveAs_->setEnabled(!engine_.Selected().empty());
 }
 
-void frmLog::ShowFiles(const std::vector<std::string>& names, const std::string& selected) {
+void frmLog::ShowFiles(const std::vector<std::string>& names, const std::string& selected) noexcept {
   const QSignalBlocker silent(List1_);
   List1_->clear();
   for (const auto& name : names) {
@@ -138,20 +138,20 @@ void frmLog::ShowFiles(const std::vector<std::string>& names, const std::string&
   }
 }
 
-void frmLog::ShowLineCount(std::size_t count) {
+void frmLog::ShowLineCount(std::size_t count) noexcept {
   lines_->ShowCount(count);
   EnableButtons();
 }
 
-std::int32_t frmLog::Widest(std::string_view line, std::int32_t widest) {
+std::int32_t frmLog::Widest(std::string_view line, std::int32_t widest) noexcept {
   return widths_.Widest(line, widest);
 }
 
-void frmLog::ShowExtent(std::int32_t pixels) {
+void frmLog::ShowExtent(std::int32_t pixels) noexcept {
   List2_->ShowExtent(pixels);
 }
 
-void frmLog::ShowState(const std::string& text) {
+void frmLog::ShowState(const std::string& text) noexcept {
   lblState_->setText(QString::fromStdString(text));
 }
 
@@ -170,7 +170,7 @@ frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
   chkLogSys_->setToolTip(tr("Write each step of the line, and what failed"));
   cmbLogFor_->setToolTip(tr("Files in the log folder that are older are deleted"));
   chkWornBeforeDelete_->setToolTip(tr("Ask before the log viewer deletes a log"));
-  // The caption and its window buttons are wider than what is below.
+  // Leaves room for the title and its window buttons.
   setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) * 3);
   auto* form = MakeChild<QFormLayout>();
   form->addRow(chkLogCalls_);

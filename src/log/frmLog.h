@@ -13,22 +13,21 @@
 
 namespace orven {
 
-/// The log viewer. It shows what the engine gives it and hands over what a person does; every control's
-/// object name is its name in this program. Modal to the main window only, so that a call that comes
-/// in meanwhile can be answered in the caller view; closing it from outside ends it. User-interface thread.
+/// The log viewer. The engine decides; every control's object name is its name in this program. It may be
+/// closed from outside. User-interface thread.
 class frmLog : public QDialog, private LogViewerWindow {
   Q_OBJECT
 
  public:
-  /// `open_properties` opens the log properties over the window that it is given.
+  /// `open_properties` opens the log properties above the window that it gets.
   frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)> open_properties, QWidget* parent);
 
  private:
-  void ShowFiles(const std::vector<std::string>& names, const std::string& selected) override;
-  void ShowLineCount(std::size_t count) override;
-  std::int32_t Widest(std::string_view line, std::int32_t widest) override;
-  void ShowExtent(std::int32_t pixels) override;
-  void ShowState(const std::string& text) override;
+  void ShowFiles(const std::vector<std::string>& names, const std::string& selected) noexcept override;
+  void ShowLineCount(std::size_t count) noexcept override;
+  std::int32_t Widest(std::string_view line, std::int32_t widest) noexcept override;
+  void ShowExtent(std::int32_t pixels) noexcept override;
+  void ShowState(const std::string& text) noexcept override;
 
   QWidget* MakeFiles();
   QWidget* MakeDetails();
@@ -50,8 +49,8 @@ class frmLog : public QDialog, private LogViewerWindow {
   QPushButton* cmdProp_ = nullptr;
 };
 
-/// The log properties. It shows what the engine loads and hands over what a person does; every control's
-/// object name is its name in this program. User-interface thread.
+/// The log properties. The engine decides; every control's object name is its name in this program.
+/// User-interface thread.
 class frmLogProp : public QDialog {
   Q_OBJECT
 

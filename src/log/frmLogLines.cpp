@@ -12,7 +12,7 @@
 namespace orven {
 namespace {
 
-/// A line as it can be drawn in one row: what is no text is shown as such.
+/// A line as one row of text, with replacement characters for control characters.
 QString TextOf(std::string_view line) {
   auto text = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
   for (QChar& character : text) {
@@ -83,7 +83,7 @@ LogLineList::LogLineList(QWidget* parent) : QListView(parent) {
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   setTextElideMode(Qt::ElideNone);
-  setLayoutDirection(Qt::LeftToRight);  // a line begins with its time
+  setLayoutDirection(Qt::LeftToRight);  // each line begins with its time
 }
 
 void LogLineList::ShowExtent(int pixels) {

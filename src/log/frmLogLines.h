@@ -11,14 +11,14 @@
 
 namespace orven {
 
-/// The lines of a log as a list's rows. It holds none of them.
+/// The lines of a log as the rows of a list. It stores none of them.
 class LogLineModel : public QAbstractListModel {
   Q_OBJECT
 
  public:
   LogLineModel(const LogLines& lines, QObject* parent) : QAbstractListModel(parent), lines_(lines) {}
 
-  /// That many lines are there now: more than before, or 0. The lines themselves may have gone before.
+  /// The new number of lines: more than before, or 0. The lines may already be gone.
   void ShowCount(std::size_t count);
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -29,13 +29,13 @@ class LogLineModel : public QAbstractListModel {
   int count_ = 0;
 };
 
-/// The width of the widest of many texts in one font. A text of ASCII letters is measured only when the sum
-/// of its letters' widths is greater than that of any before: what is wrong then is kerning, a few pixels.
+/// The width of the widest of many texts in one font. To be fast, an ASCII text is measured only when the sum
+/// of its letters' widths is the largest so far; kerning makes this wrong by a few pixels at most.
 class TextWidths {
  public:
   explicit TextWidths(const QFont& font);
 
-  /// The greater of `widest` and the width of the line; begins anew when `widest` is 0.
+  /// The larger of `widest` and the width of the line; 0 starts again.
   std::int32_t Widest(std::string_view line, std::int32_t widest);
 
  private:
@@ -44,15 +44,15 @@ class TextWidths {
   qreal greatest_sum_ = 0;
 };
 
-/// `List2`: a list of any number of lines of one height, of which it touches only those in sight: the
-/// library's own lists keep a place for each row, and work that out with each row that is added.
+/// `List2`: a list of any number of lines of one height. It touches only the visible ones: Qt's own lists lay
+/// out each row, which is too slow for a large log.
 class LogLineList : public QListView {
   Q_OBJECT
 
  public:
   explicit LogLineList(QWidget* parent);
 
-  /// It can be scrolled over this many pixels, so that the longest line comes into view.
+  /// Sets the width in pixels that can be scrolled: that of the longest line.
   void ShowExtent(int pixels);
   int Extent() const { return extent_; }
 
@@ -60,7 +60,7 @@ class LogLineList : public QListView {
   void scrollTo(const QModelIndex& index, ScrollHint hint) override;
   QModelIndex indexAt(const QPoint& point) const override;
   void doItemsLayout() override;
-  /// A search through every line would hold up the window.
+  /// Searching every line would block the window.
   void keyboardSearch(const QString& /*search*/) override {}
 
  protected:

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/error_trap.h"
-
 namespace orven {
 namespace {
 
@@ -13,12 +11,12 @@ constexpr std::size_t kReadBytes = 48 * 1024;
 static_assert(kReadBytes + LogReading::kMostBytesInLine < std::numeric_limits<std::uint16_t>::max(),
               "a piece holds what is read and the beginning of a line from before");
 
-/// Whether a UTF-8 character goes on with this byte.
+/// A continuation byte of UTF-8.
 bool Continues(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-constexpr std::int32_t kBesideWidest = 50;  // pixels between the widest line's end and the range's
+constexpr std::int32_t kBesideWidest = 50;  // pixels of margin after the widest line
 
 std::string CountText(std::size_t count) {
   auto digits = std::to_string(count);
@@ -97,19 +95,19 @@ LogPiece LogReading::Cut() {
   return piece;
 }
 
-/// `begin` itself when more must be read to know it.
+/// `begin` itself when more must be read first.
 std::size_t LogReading::EndOfLine(std::size_t begin) const {
   const auto limit = std::min(begin + kMostBytesInLine, pending_.size());
   const auto feed = std::string_view(pending_).substr(begin, limit - begin).find('\n');
   if (feed != std::string_view::npos) return begin + feed + 1;
   if (limit - begin < kMostBytesInLine) return at_end_ ? limit : begin;
-  // Not within a character, if these are characters.
+  // Not inside a UTF-8 character.
   auto end = limit;
   while (limit - end < 4 && end < pending_.size() && Continues(pending_[end])) --end;
   return limit - end < 4 ? end : limit;
 }
 
-/// A file that is being read, and what of it has just been read.
+/// A file that is being read, and its last piece.
 struct LogViewer::Reading {
   LogReading file;
   LogPiece piece;
@@ -183,24 +181,18 @@ void LogViewer::Measure(std::size_t first) {
 }
 
 void LogViewer::Delete() {
-  const auto trap = ErrorTrap::Silent();
   const auto name = selected_;
   if (name.empty()) return;
   parts_.store.GetLogProperties();
-  bool agreed = true;
-  if (parts_.settings.cWornBeforeDelete == 1) {
-    agreed = false;
-    trap([&] { agreed = parts_.dialogs.Confirm("Delete " + name + " ?", QuestionIcon::None); });
-  }
-  if (!agreed) return;
+  const bool ask = parts_.settings.cWornBeforeDelete == 1;
+  if (ask && !parts_.dialogs.Confirm("Delete " + name + " ?", QuestionIcon::None)) return;
   parts_.log.Delete(name);
   Select("");
   Refresh();
 }
 
 void LogViewer::SaveAs() {
-  const auto trap = ErrorTrap::Silent();
-  if (!selected_.empty()) trap([&] { parts_.save_file(parts_.log.PathOf(selected_)); });
+  if (!selected_.empty()) parts_.save_file(parts_.log.PathOf(selected_));
 }
 
 LogChoices LogProperties::Load() {
@@ -216,13 +208,13 @@ void LogProperties::Ok(const LogChoices& choices) {
   Put("cLogSys", &Settings::cLogSys, choices.chkLogSys);
   Put("cWornBeforeDelete", &Settings::cWornBeforeDelete, choices.chkWornBeforeDelete);
   settings_.LogFor = choices.cmbLogFor;
-  ErrorTrap::Silent()([&] { store_.Set("LogFor", choices.cmbLogFor); });
+  store_.Set("LogFor", choices.cmbLogFor);
   log_.PurgeOldLogs(purged_);
 }
 
 void LogProperties::Put(const char* name, std::int16_t Settings::*field, bool on) {
   settings_.*field = on ? 1 : 0;
-  ErrorTrap::Silent()([&] { store_.Set(name, on ? "1" : "0"); });
+  store_.Set(name, on ? "1" : "0");
 }
 
 }  // namespace orven

@@ -17,18 +17,18 @@
 
 namespace orven {
 
-/// A few lines of a text file as they stand in it, line ends included.
+/// Some lines of a text file, with their line ends.
 struct LogPiece {
   std::string bytes;
-  std::vector<std::uint16_t> ends;  ///< where each line ends in `bytes`
+  std::vector<std::uint16_t> ends;  ///< the offset in `bytes` after each line
 };
 
-/// Lines of a file of any size, kept as the file's own bytes and two bytes a line.
+/// The lines of a file of any size, stored as the file's bytes and two bytes a line.
 class LogLines {
  public:
   std::size_t Count() const { return count_; }
 
-  /// The line of this 0-based index, without its end. Stays valid until Clear.
+  /// The line with this 0-based index, without its end. Valid until Clear.
   std::string_view Line(std::size_t index) const;
 
   void Append(LogPiece piece);
@@ -40,23 +40,23 @@ class LogLines {
   std::size_t count_ = 0;
 };
 
-/// Reads one file from its beginning, a piece at a time. Any thread, one at a time.
+/// Reads a file piece by piece. Any thread, but one at a time.
 class LogReading {
  public:
-  /// So little work is in a piece that it never holds anybody up.
+  /// Few enough that showing a piece does not block the window.
   static constexpr std::size_t kMostLinesInPiece = 1024;
-  /// A longer line, as binary files have them, counts as several: a window must draw it.
+  /// A longer line, as in a binary file, is split, because the window must draw it.
   static constexpr std::size_t kMostBytesInLine = 2048;
-  /// What is beyond is left out: it would cost its reader the computer's memory.
+  /// The rest of a larger file is left out, to limit the memory used.
   static constexpr std::uint64_t kMostBytes = std::uint64_t{512} << 20U;
   static constexpr std::size_t kMostLines = 50'000'000;
 
   LogReading(const Files& files, std::string path) : files_(files), path_(std::move(path)) {}
 
-  /// The next lines; none at the end. Throws as Files::ReadPart does.
+  /// The next lines; empty at the end. Throws as Files::ReadPart does.
   LogPiece Next();
 
-  /// Whether the file goes on where Next has ended.
+  /// The file has more than Next has returned.
   bool LeftOut() const { return left_out_; }
 
  private:
@@ -68,36 +68,35 @@ class LogReading {
   std::string path_;
   std::uint64_t offset_ = 0;
   std::size_t lines_ = 0;
-  std::string pending_;  ///< read, but not handed out yet
+  std::string pending_;  ///< read, but not returned yet
   bool at_end_ = false;
   bool left_out_ = false;
 };
 
-/// The log viewer's window, as its engine sees it. It shows; it raises nothing by being told.
+/// The log viewer's window as the engine sees it. Its operations raise no event.
 class LogViewerWindow {
  public:
   virtual ~LogViewerWindow() = default;
 
-  /// Fills `List1` and selects this name; none for an empty one.
-  virtual void ShowFiles(const std::vector<std::string>& names, const std::string& selected) = 0;
+  /// Fills `List1` and selects this name; empty for none.
+  virtual void ShowFiles(const std::vector<std::string>& names, const std::string& selected) noexcept = 0;
 
   /// `List2` shows this many of the engine's lines: more than before, or 0.
-  virtual void ShowLineCount(std::size_t count) = 0;
+  virtual void ShowLineCount(std::size_t count) noexcept = 0;
 
-  /// The greater of `widest`, 0 for the first line, and the width of the line in pixels of the window's font.
-  virtual std::int32_t Widest(std::string_view line, std::int32_t widest) = 0;
+  /// The larger of `widest` (0 for the first line) and the line's width in pixels.
+  virtual std::int32_t Widest(std::string_view line, std::int32_t widest) noexcept = 0;
 
   /// `List2` can be scrolled over this many pixels.
-  virtual void ShowExtent(std::int32_t pixels) = 0;
+  virtual void ShowExtent(std::int32_t pixels) noexcept = 0;
 
-  /// A sentence about what is shown.
-  virtual void ShowState(const std::string& text) = 0;
+  /// A sentence about the shown file.
+  virtual void ShowState(const std::string& text) noexcept = 0;
 };
 
-/// What the log viewer does: it lists the day files, shows the lines of one, deletes it or saves a copy.
-/// A file is read away from the user-interface thread and shown piece by piece, so that its size never
-/// holds up the window. What fails leaves no trace but the sentence that ShowState is given.
-/// User-interface thread.
+/// The rules of the log viewer: lists the log files, shows the lines of one, deletes it or saves a copy. A
+/// file is read in the background and shown piece by piece, so that a large file does not block the window.
+/// Failures are shown by ShowState only. User-interface thread.
 class LogViewer {
  public:
   struct Parts {
@@ -107,27 +106,26 @@ class LogViewer {
     SettingsStore& store;
     const Settings& settings;
     Dialogs& dialogs;
-    /// Saves a copy of the file at a path under a name that the user picks.
+    /// Saves a copy of the file at `path` under a name that the user chooses.
     std::function<void(const std::string& path)> save_file;
   };
 
-  /// `window` outlives this object; pieces of work under way end harmlessly after it.
+  /// `window` outlives this object. Background work may end after it.
   LogViewer(Parts parts, LogViewerWindow& window) : parts_(std::move(parts)), window_(window) {}
 
-  /// The window opens: purges old logs, then lists all.
+  /// The window opens: purges old logs, then lists all files.
   void Open();
 
-  /// `cmbWhatToShow`: "All", "Calls" or "System". The file that is shown stays so if it is among them.
+  /// `cmbWhatToShow`: "All", "Calls" or "System". The shown file stays if it is still listed.
   void ChangeFilter(const std::string& filter);
 
-  /// `List1`: a file was clicked; an empty name for none. Whatever is being read is given up.
+  /// `List1`: a file was clicked; an empty name for none. Stops reading the previous file.
   void Select(const std::string& file_name);
 
   void Delete();  ///< `cmdDelete`
   void SaveAs();  ///< `cmdSaveAs`
 
-  /// Lists the files again when it is called, as after the log properties have purged some; nothing once
-  /// this object is gone.
+  /// A function that lists the files again; does nothing once this object is gone.
   std::function<void()> Refresher() {
     return lifeline_.Bind([this] { Refresh(); });
   }
@@ -149,11 +147,11 @@ class LogViewer {
   std::string selected_;
   LogLines lines_;
   std::int32_t widest_ = 0;
-  std::shared_ptr<Reading> reading_;  ///< the one that is under way
+  std::shared_ptr<Reading> reading_;  ///< null when no file is being read
   Lifeline lifeline_;
 };
 
-/// The entries of `cmbLogFor`. The last, and any other text, means that no log is purged.
+/// The entries of `cmbLogFor`. With the last one, or any other text, no log is purged.
 inline constexpr const char* kLogForChoices[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
 
 /// The state of every control of the log properties, under the controls' names.
@@ -164,8 +162,8 @@ struct LogChoices {
   bool chkWornBeforeDelete = false;
 };
 
-/// What the log properties do: which logs are written, for how long they are kept, and whether the viewer
-/// asks before it deletes one. A statement that fails leaves no trace. User-interface thread.
+/// The rules of the log properties: which logs are written, how long they are kept, and whether the viewer
+/// asks before it deletes one. User-interface thread.
 class LogProperties {
  public:
   LogProperties(Settings& settings, SettingsStore& store, LogFiles& log, std::function<void()> purged)
@@ -173,8 +171,7 @@ class LogProperties {
 
   LogChoices Load();
 
-  /// `cmdOK`: stores everything, uses it at once and purges; `purged` runs after that, when other events
-  /// have run in between.
+  /// `cmdOK`: stores and applies everything, then purges; `purged` runs after the purge, in a later event.
   void Ok(const LogChoices& choices);
 
  private:

@@ -12,10 +12,10 @@
 namespace orven {
 namespace {
 
-/// Lines that wait for room on the disk: some fifty calls.
+/// Lines kept while the disk is full: about fifty calls.
 constexpr std::size_t kMostWaiting = 1000;
 
-/// The months that a log is kept, by the text of `LogFor`.
+/// How many months a log is kept, by the text of `LogFor`.
 std::optional<int> MonthsKept(const std::string& log_for) {
   if (log_for == "1 Last Month") return 1;
   if (log_for == "2 Last Month") return 2;
@@ -23,7 +23,7 @@ std::optional<int> MonthsKept(const std::string& log_for) {
   return std::nullopt;
 }
 
-/// A line feed or another control character inside a text must not look like a line of its own.
+/// Without control characters: a line feed in a text must not look like another log line.
 std::string OneLine(std::string text) {
   for (char& character : text) {
     const auto code = static_cast<unsigned char>(character);
@@ -64,7 +64,7 @@ void LogFiles::Append(const std::string& suffix, const std::string& text) {
   if (waiting_.size() > kMostWaiting) waiting_.pop_front();
 }
 
-/// A file that does not take a line is left alone until the next one; the others are not held up by it.
+/// After a failure the other lines of that file wait too, to keep their order; other files are not delayed.
 void LogFiles::WriteWaiting() {
   std::set<std::string> refused;
   std::erase_if(waiting_, [&](const Line& line) {
@@ -78,7 +78,7 @@ void LogFiles::WriteWaiting() {
 bool LogFiles::Write(const Line& line) {
   const auto trap = ErrorTrap::Silent();
   if (trap([&] { files_.Append(line.path, line.text); })) return true;
-  // The folder may have been removed while the program runs; a line is worth a second try.
+  // Someone may have removed the folder.
   return trap([&] {
     files_.MakeFolder(Folder());
     files_.Append(line.path, line.text);

@@ -16,30 +16,30 @@
 
 namespace orven {
 
-/// The two activity logs: one text file a day and kind in the folder "\Log\". Every operation ignores
-/// errors: a log never stops what it reports on. A line that cannot be written (there is no room, the
-/// file is locked) is written, with its own time, before a later one. User-interface thread.
+/// The two activity logs: one text file for each day and kind in the folder "\Log\". Operations ignore
+/// errors. A line that cannot be written (disk full, file locked) is kept with its time and written before
+/// the next one. User-interface thread.
 class LogFiles : public SystemLog, public CallsLog {
  public:
   LogFiles(Clock& clock, Files& files, EventLoop& loop, const Settings& settings, const SharedOptions& shared)
       : clock_(clock), files_(files), loop_(loop), settings_(settings), shared_(shared) {}
 
-  /// Appends "time : text" to today's file, when the settings want that log.
+  /// Appends "time : text" to today's file if the settings enable that log.
   void WriteSystem(const std::string& text) override;
   void WriteCalls(const std::string& text) override;
 
-  /// Names (no folder) of the log files that `filter` ("All", "System" or "Calls") selects, in
-  /// order; none for any other filter.
+  /// Sorted names, without folder, of the log files that `filter` ("All", "System" or "Calls") selects; none
+  /// for any other filter.
   std::vector<std::string> List(const std::string& filter) const;
 
-  /// Where the file of this name is.
+  /// The path of the file with this name.
   std::string PathOf(const std::string& file_name) const { return Folder() + file_name; }
 
   void Delete(const std::string& file_name);
 
-  /// Deletes every file of the log folder that was last modified at or before the limit which the setting
-  /// `LogFor` gives; for any text but its three choices none. Files are looked at one a task, so that
-  /// other events run in between; `done` runs after the last.
+  /// Deletes each file of the log folder that was last modified at or before the limit that `LogFor` sets;
+  /// any text but its three choices sets none. Each file is one task, so that other events run in between;
+  /// `done` runs after the last.
   void PurgeOldLogs(std::function<void()> done);
 
  private:
@@ -59,12 +59,11 @@ class LogFiles : public SystemLog, public CallsLog {
   EventLoop& loop_;
   const Settings& settings_;
   const SharedOptions& shared_;
-  std::deque<Line> waiting_;  ///< not written yet, in the order of their times
+  std::deque<Line> waiting_;  ///< not written yet, oldest first
   Lifeline lifeline_;
 };
 
-/// `months` calendar months before `day`: the day of the month is kept, or clamped to the last day
-/// of a month that has no such day.
+/// `months` calendar months before `day`; the last day of that month if it is too short.
 std::chrono::year_month_day MonthsBefore(std::chrono::year_month_day day, int months);
 
 }  // namespace orven

@@ -15,11 +15,11 @@ constexpr auto kSlideInterval = 10ms;
 constexpr auto kClockInterval = 1s;
 
 constexpr std::int32_t kBaseStep = 50;       ///< twips a tick, before the user's speed
-constexpr std::int32_t kShownAbove = -20;    ///< from here on it counts as down
-constexpr std::int32_t kSnapDistance = 100;  ///< the last stretch is taken at once
-constexpr std::int32_t kGoneButFor = 30;     ///< this little of it counts as gone
+constexpr std::int32_t kShownAbove = -20;    ///< counts as fully open
+constexpr std::int32_t kSnapDistance = 100;  ///< the rest of the way is one step
+constexpr std::int32_t kGoneButFor = 30;     ///< counts as closed
 
-/// The sum, if it is one that fits; RuntimeError 6 ("Overflow") otherwise.
+/// The sum; RuntimeError 6 ("Overflow") when it does not fit.
 std::int32_t Sum(std::int64_t left, std::int64_t right) {
   const auto sum = left + right;
   if (sum < std::numeric_limits<std::int32_t>::min() || sum > std::numeric_limits<std::int32_t>::max()) {
@@ -39,7 +39,6 @@ SlidingCallerView::SlidingCallerView(EventLoop& loop, CallerViewWindow& window, 
 void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool auto_close,
                                        std::int16_t seconds) {
   if (loaded_) return;
-  const auto trap = ErrorTrap::Silent();
   loaded_ = true;
   mode_ = Mode::Open;
   auto_close_ = auto_close;
@@ -47,10 +46,10 @@ void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool au
   animate_ = animate;
   if (animate) speed_ = speed;
   slid_ = 0;
-  trap([&] { SetProp(); });
+  SetProp();
   if (animate) Timer1->Start(kSlideInterval);
-  trap([&] { window_.Load(); });
-  if (!animate) trap([&] { MoveTo(0); });
+  window_.Load();
+  if (!animate) MoveTo(0);
 }
 
 void SlidingCallerView::SetProp() {
@@ -104,12 +103,11 @@ void SlidingCallerView::SlideUp() {
 
 void SlidingCallerView::Unload() {
   if (!loaded_) return;
-  const auto trap = ErrorTrap::Silent();
   Timer1->Stop();
   tmrAutoClose->Stop();
   mode_ = Mode::Still;
   loaded_ = false;
-  trap([&] { window_.Unload(); });
+  window_.Unload();
 }
 
 void SlidingCallerView::MoveTo(std::int32_t top) {
@@ -117,53 +115,14 @@ void SlidingCallerView::MoveTo(std::int32_t top) {
   window_.MoveTo(top);
 }
 
-void SlidingCallerView::ShowControl() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCommands(CallerCommands::All); });
-}
-
-void SlidingCallerView::HideAnswer() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCommands(CallerCommands::WithoutAnswer); });
-}
-
-void SlidingCallerView::HideControl() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCommands(CallerCommands::None); });
-}
-
-void SlidingCallerView::ShowMessage(const std::string& text) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowStatus(text); });
-}
-
-void SlidingCallerView::ShowRing(const std::string& text) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowRing(text); });
-}
-
 void SlidingCallerView::ShowCall(const Call& call) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { window_.ShowCaller(call.caller_name, call.caller_number); });
-  trap([&] { window_.ShowTime(call.date, call.time); });
-  trap([&] { window_.ShowMessagePath(call.message_path); });
+  window_.ShowCaller(call.caller_name, call.caller_number);
+  window_.ShowTime(call.date, call.time);
+  window_.ShowMessagePath(call.message_path);
 }
 
-void SlidingCallerView::AnswerNow() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { commands_.answer(); });
-  Close();
-}
-
-void SlidingCallerView::Drop() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { commands_.drop(); });
-  Close();
-}
-
-void SlidingCallerView::DoNothing() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { commands_.do_nothing(); });
+void SlidingCallerView::ActAndClose(const std::function<void()>& command) {
+  ErrorTrap::Silent()(command);
   Close();
 }
 

@@ -14,33 +14,32 @@ namespace orven {
 /// Which of "Answer Now", "Drop Call" and "Do Nothing" the caller view shows, with their icons.
 enum class CallerCommands { None, WithoutAnswer, All };
 
-/// The window `frmMSG` as the caller view moves and fills it. Distances in twips (15 to a pixel).
+/// The window `frmMSG` as the engine moves and fills it. Distances in twips (15 to a pixel).
 class CallerViewWindow {
  public:
   virtual ~CallerViewWindow() = default;
 
   /// Height of the whole window, loaded or not.
-  virtual std::int32_t Height() const = 0;
+  virtual std::int32_t Height() const noexcept = 0;
 
-  /// Puts its upper edge at `top`, counted from the upper edge of the screen that has the main window.
-  virtual void MoveTo(std::int32_t top) = 0;
+  /// Moves its upper edge to `top`, measured from the upper edge of the screen that shows the main window.
+  virtual void MoveTo(std::int32_t top) noexcept = 0;
 
-  /// Shows it, empty and with its three commands, above all windows, without taking the focus.
-  virtual void Load() = 0;
+  /// Shows it, empty and with its three commands, on top of all windows and without the focus.
+  virtual void Load() noexcept = 0;
 
-  /// Takes it away.
-  virtual void Unload() = 0;
+  virtual void Unload() noexcept = 0;
 
-  virtual void ShowCommands(CallerCommands shown) = 0;
+  virtual void ShowCommands(CallerCommands shown) noexcept = 0;
 
-  virtual void ShowStatus(const std::string& text) = 0;  ///< lblStatus
-  virtual void ShowRing(const std::string& text) = 0;    ///< lblMsgRingNum
-  virtual void ShowCaller(const std::string& name, const std::string& number) = 0;
-  virtual void ShowTime(const std::string& date, const std::string& time) = 0;
-  virtual void ShowMessagePath(const std::string& path) = 0;  ///< empty for none
+  virtual void ShowStatus(const std::string& text) noexcept = 0;  ///< lblStatus
+  virtual void ShowRing(const std::string& text) noexcept = 0;    ///< lblMsgRingNum
+  virtual void ShowCaller(const std::string& name, const std::string& number) noexcept = 0;
+  virtual void ShowTime(const std::string& date, const std::string& time) noexcept = 0;
+  virtual void ShowMessagePath(const std::string& path) noexcept = 0;  ///< empty for none
 };
 
-/// What a person does in the caller view.
+/// The clicks that the caller view reports.
 class CallerViewClicks {
  public:
   virtual ~CallerViewClicks() = default;
@@ -50,9 +49,9 @@ class CallerViewClicks {
   virtual void Close() = 0;
 };
 
-/// The caller view: slides in at the top of the screen, shows who calls, and leaves after a while or a
-/// click. At most one at a time. Distances in twips. User-interface thread; an error in it reaches
-/// nobody.
+/// The caller view: slides in at the top of the screen, shows the caller, and slides out after a time or a
+/// click. At most one is open. Distances in twips. An error ends the step and is not logged. User-interface
+/// thread.
 class SlidingCallerView : public CallerView, public CallerViewClicks {
  public:
   /// What its commands do to the ringing call.
@@ -68,22 +67,23 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
   bool IsClosing() const override { return loaded_ && mode_ == Mode::Close; }
   void Unload() override;
   void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) override;
-  void ShowControl() override;
-  void HideAnswer() override;
-  void HideControl() override;
-  void ShowMessage(const std::string& text) override;
-  void ShowRing(const std::string& text) override;
+  void ShowControl() override { window_.ShowCommands(CallerCommands::All); }
+  void HideAnswer() override { window_.ShowCommands(CallerCommands::WithoutAnswer); }
+  void HideControl() override { window_.ShowCommands(CallerCommands::None); }
+  void ShowMessage(const std::string& text) override { window_.ShowStatus(text); }
+  void ShowRing(const std::string& text) override { window_.ShowRing(text); }
   void ShowCall(const Call& call) override;
 
   // Clicks.
-  void AnswerNow() override;
-  void Drop() override;
-  void DoNothing() override;
+  void AnswerNow() override { ActAndClose(commands_.answer); }
+  void Drop() override { ActAndClose(commands_.drop); }
+  void DoNothing() override { ActAndClose(commands_.do_nothing); }
   void Close() override;
 
  private:
   enum class Mode { Still, Open, Close };
 
+  void ActAndClose(const std::function<void()>& command);
   void SetProp();
   void SlideUp();
   void Timer1_Timer();
@@ -102,7 +102,7 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
   bool auto_close_ = false;
   std::int32_t auto_close_seconds_ = 0;
   std::int32_t top_ = 0;
-  std::int32_t slid_ = 0;         ///< while opening
+  std::int32_t slid_ = 0;         ///< distance so far, while opening
   std::int32_t close_ticks_ = 0;  ///< seconds on the auto-close clock
   std::int32_t close_limit_ = 0;
 };

@@ -43,13 +43,10 @@ void EventsDialog::ButtonClick(Sounds sounds, const std::string& key, EventChoic
   const bool call = sounds == Sounds::WhenCall;
   SoundList& list = call ? choices.CmbPlayWhenCall : choices.CmbPlayWhenMessage;
   SoundList& other = call ? choices.CmbPlayWhenMessage : choices.CmbPlayWhenCall;
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (key == "Play") Play(list.selected);
-    if (key == "Stop" && parts_.player.IsPlaying()) parts_.player.Stop();
-    if (key == "Add") Add(list, other);
-    if (key == "Delete") Delete(list, other);
-  });
+  if (key == "Play") Play(list.selected);
+  if (key == "Stop" && parts_.player.IsPlaying()) parts_.player.Stop();
+  if (key == "Add") Add(list, other);
+  if (key == "Delete") Delete(list, other);
 }
 
 void EventsDialog::Play(const std::string& name) {
@@ -81,7 +78,7 @@ void EventsDialog::Delete(SoundList& list, SoundList& other) {
   Fill(other, other.selected == name ? "" : other.selected);
 }
 
-/// A folder that cannot be read is an empty library. `selected` may be the list's own.
+/// A folder that cannot be read counts as empty. `selected` may be the list's own.
 void EventsDialog::Fill(SoundList& list, std::string selected) const {
   list = {};
   const auto trap = ErrorTrap::Silent();
@@ -94,11 +91,8 @@ std::string EventsDialog::SoundFolder() const {
 }
 
 void EventsDialog::TestViewer(const EventChoices& choices) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    parts_.caller_view.ViewCallViewer(choices.chkAnimation, NarrowToInt16(choices.sldAnimationFast),
-                                      choices.chkCloseCVAfter, NarrowToInt16(choices.cmbCloseCVAfter));
-  });
+  parts_.caller_view.ViewCallViewer(choices.chkAnimation, NarrowToInt16(choices.sldAnimationFast),
+                                    choices.chkCloseCVAfter, NarrowToInt16(choices.cmbCloseCVAfter));
 }
 
 void EventsDialog::ChangeCloseSeconds(std::int32_t seconds) {
@@ -120,14 +114,12 @@ void EventsDialog::Save(const EventChoices& choices) {
 }
 
 void EventsDialog::Put(const char* name, std::int16_t Settings::*field, std::int32_t value) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { parts_.store.Set(name, std::to_string(value)); });
-  trap([&] { parts_.settings.*field = NarrowToInt16(value); });
+  parts_.store.Set(name, std::to_string(value));
+  parts_.settings.*field = NarrowToInt16(value);
 }
 
 void EventsDialog::Put(const char* name, std::string Settings::*field, const std::string& value) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { parts_.store.Set(name, value); });
+  parts_.store.Set(name, value);
   parts_.settings.*field = value;
 }
 

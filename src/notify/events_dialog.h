@@ -17,8 +17,8 @@
 
 namespace orven {
 
-/// Plays sounds on the sound card that messages are played on: one of them at a time. A sound that
-/// cannot be played is logged. User-interface thread.
+/// Plays the sounds of events, one at a time, on the sound card that plays messages. A sound that cannot be
+/// played is logged. User-interface thread.
 class DeskSounds : public EventSounds {
  public:
   /// `player` owns what `WavePlay` may be playing.
@@ -34,8 +34,7 @@ class DeskSounds : public EventSounds {
   SystemLog& log_;
 };
 
-/// A list of the sound library: file names without folder, in order, and
-/// the one that is selected; empty for none.
+/// A list of the sound library: sorted file names without folder, and the selected one; empty for none.
 struct SoundList {
   std::vector<std::string> names;
   std::string selected;
@@ -59,9 +58,9 @@ struct EventChoices {
 inline constexpr std::int32_t kFastestAnimation = 100;
 inline constexpr std::int32_t kCloseSeconds[] = {10, 20, 30, 60};
 
-/// What the events dialog does: which sounds are played and whether the caller view is shown when a
-/// call comes in and when it is over, and the library of sounds. A statement that fails leaves no
-/// trace; the lists show what is in the library in any case. User-interface thread.
+/// The rules of the events dialog: which sounds are played and whether the caller view opens when a call
+/// comes in and when it ends, and the library of sounds. A file operation that fails is not logged; the lists
+/// always show what the library has. User-interface thread.
 class EventsDialog {
  public:
   enum class Sounds { WhenCall, WhenMessage };
@@ -82,17 +81,17 @@ class EventsDialog {
   /// What the controls show when the dialog opens.
   EventChoices Load() const;
 
-  /// A button of a list's toolbar: "Play", "Stop", "Add", "Delete". Changes both lists where the
-  /// library changes.
+  /// A button of a list's toolbar: "Play", "Stop", "Add", "Delete". Updates both lists when the library
+  /// changes.
   void ButtonClick(Sounds list, const std::string& key, EventChoices& choices);
 
-  /// `cmdTestViewer`: opens the caller view as it is chosen now.
+  /// `cmdTestViewer`: opens the caller view with the chosen options.
   void TestViewer(const EventChoices& choices);
 
-  /// `cmbCloseCVAfter` was changed: stored at once.
+  /// `cmbCloseCVAfter` was changed; stored at once.
   void ChangeCloseSeconds(std::int32_t seconds);
 
-  /// `cmdOK`: stores everything, and the next call uses it.
+  /// `cmdOK`: stores everything; the next call uses it.
   void Save(const EventChoices& choices);
 
  private:

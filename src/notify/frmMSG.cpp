@@ -236,11 +236,11 @@ void frmMSG::Tell(void (CallerViewClicks::*click)()) {
   if (clicks_ != nullptr) (clicks_->*click)();
 }
 
-std::int32_t frmMSG::Height() const {
+std::int32_t frmMSG::Height() const noexcept {
   return kDesignSize.height() * kTwipsPerPixel;
 }
 
-void frmMSG::MoveTo(std::int32_t top) {
+void frmMSG::MoveTo(std::int32_t top) noexcept {
   top_ = top;
   Place();
 }
@@ -260,7 +260,7 @@ void frmMSG::KeepOnTop() {
   raise();
 }
 
-void frmMSG::Load() {
+void frmMSG::Load() noexcept {
   for (auto* label : {status_, ring_, date_, time_}) label->clear();
   for (auto* label : {caller_, number_, message_}) label->clear();
   ShowCommands(CallerCommands::All);
@@ -269,34 +269,34 @@ void frmMSG::Load() {
   raise();
 }
 
-void frmMSG::Unload() {
+void frmMSG::Unload() noexcept {
   hide();
 }
 
-void frmMSG::ShowCommands(CallerCommands shown) {
+void frmMSG::ShowCommands(CallerCommands shown) noexcept {
   for (auto* tile : commands_) tile->setVisible(shown != CallerCommands::None);
   if (shown == CallerCommands::WithoutAnswer) commands_.first()->hide();
 }
 
-void frmMSG::ShowStatus(const std::string& text) {
+void frmMSG::ShowStatus(const std::string& text) noexcept {
   status_->setText(QString::fromStdString(text));
 }
 
-void frmMSG::ShowRing(const std::string& text) {
+void frmMSG::ShowRing(const std::string& text) noexcept {
   ring_->setText(QString::fromStdString(text));
 }
 
-void frmMSG::ShowCaller(const std::string& name, const std::string& number) {
+void frmMSG::ShowCaller(const std::string& name, const std::string& number) noexcept {
   caller_->setText(QString::fromStdString(name));
   number_->setText(QString::fromStdString(number));
 }
 
-void frmMSG::ShowTime(const std::string& date, const std::string& time) {
+void frmMSG::ShowTime(const std::string& date, const std::string& time) noexcept {
   date_->setText(QString::fromStdString(date));
   time_->setText(QString::fromStdString(time));
 }
 
-void frmMSG::ShowMessagePath(const std::string& path) {
+void frmMSG::ShowMessagePath(const std::string& path) noexcept {
   message_->setText(QString::fromStdString(path));
 }
 

@@ -65,16 +65,16 @@ class frmMSG : public QWidget, public CallerViewWindow {
   void SetClicks(CallerViewClicks* clicks) { clicks_ = clicks; }
 
   // CallerViewWindow
-  std::int32_t Height() const override;
-  void MoveTo(std::int32_t top) override;
-  void Load() override;
-  void Unload() override;
-  void ShowCommands(CallerCommands shown) override;
-  void ShowStatus(const std::string& text) override;
-  void ShowRing(const std::string& text) override;
-  void ShowCaller(const std::string& name, const std::string& number) override;
-  void ShowTime(const std::string& date, const std::string& time) override;
-  void ShowMessagePath(const std::string& path) override;
+  std::int32_t Height() const noexcept override;
+  void MoveTo(std::int32_t top) noexcept override;
+  void Load() noexcept override;
+  void Unload() noexcept override;
+  void ShowCommands(CallerCommands shown) noexcept override;
+  void ShowStatus(const std::string& text) noexcept override;
+  void ShowRing(const std::string& text) noexcept override;
+  void ShowCaller(const std::string& name, const std::string& number) noexcept override;
+  void ShowTime(const std::string& date, const std::string& time) noexcept override;
+  void ShowMessagePath(const std::string& path) noexcept override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

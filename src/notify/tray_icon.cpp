@@ -10,14 +10,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Slow enough not to annoy, fast enough to be seen out of the corner of an eye.
 constexpr auto kBlinkInterval = 500ms;
 
 // Mouse messages of the shell.
 constexpr long kLeftButtonUp = 514;   // WM_LBUTTONUP
 constexpr long kRightButtonUp = 517;  // WM_RBUTTONUP
 
-/// The tip's field: always of the same size, and always with an end.
+/// The tip as a field of fixed size that ends in NUL.
 std::string TipField(std::string text) {
   text.resize(NotifyIconData::kTipCharacters - 1);
   text.resize(NotifyIconData::kTipCharacters);

@@ -14,36 +14,36 @@
 
 namespace orven {
 
-/// What the person at the desk does to the tray icon.
+/// What a click on the tray icon does.
 class TrayOwner {
  public:
   virtual ~TrayOwner() = default;
-  /// The left button: the main window comes back.
+  /// The left button: shows the main window.
   virtual void RestoreFromTray() = 0;
-  /// The right button: the menu `mnuSystry` is wanted.
+  /// The right button: opens the menu `mnuSystry`.
   virtual void PopUpTrayMenu() = 0;
 };
 
-/// The program's icon in the notification area: its tip shows the counts, and it blinks after a call
-/// that nobody saw. Every change is an add request followed by a modify request, so that the icon
-/// comes back by itself after the shell was restarted. User-interface thread.
+/// The program's icon in the notification area: its tip shows the counts, and it blinks after a call that was
+/// missed. Every change is an add request followed by a modify request, so that the icon returns after a
+/// restart of the shell. User-interface thread.
 class TrayIcon : public CallCountsView, public TrayBlinker {
  public:
-  /// `window` gives the handle of the main window.
+  /// `window` returns the handle of the main window.
   TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<std::uintptr_t()> window);
 
   void MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) override;
 
   /// Enables `tmrSysTryBlink`.
   void StartBlinking() override;
-  /// Disables it; the picture stays as it is.
+  /// Disables it; the icon keeps its picture.
   void StopBlinking();
   bool Blinking() const;
 
-  /// Shows the empty picture: the program is ending.
+  /// Shows the empty picture, because the program ends.
   void ShowNothing();
 
-  /// The shell's mouse message, which comes as the X coordinate (twips) of a mouse move.
+  /// A mouse message of the shell, which arrives as the X coordinate (twips) of a mouse move.
   void MouseMove(double x, double twips_per_pixel, TrayOwner& owner) const;
 
  private:

@@ -34,29 +34,29 @@ class RecordingCallerView : public CallerViewWindow {
   std::vector<std::int32_t> tops;
   std::string name, number, path;
 
-  std::int32_t Height() const override { return kHeight; }
-  void MoveTo(std::int32_t where) override {
+  std::int32_t Height() const noexcept override { return kHeight; }
+  void MoveTo(std::int32_t where) noexcept override {
     top = where;
     tops.push_back(where);
   }
-  void Load() override {
+  void Load() noexcept override {
     open = true;
     commands = CallerCommands::All;
     effect_("view");
   }
-  void Unload() override { open = false; }
-  void ShowCommands(CallerCommands shown) override {
+  void Unload() noexcept override { open = false; }
+  void ShowCommands(CallerCommands shown) noexcept override {
     if (commands != shown && shown == CallerCommands::None) effect_("view:no commands");
     commands = shown;
   }
-  void ShowStatus(const std::string& text) override { effect_("view:" + text); }
-  void ShowRing(const std::string& text) override { effect_("view:" + text); }
-  void ShowCaller(const std::string& caller_name, const std::string& caller_number) override {
+  void ShowStatus(const std::string& text) noexcept override { effect_("view:" + text); }
+  void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
+  void ShowCaller(const std::string& caller_name, const std::string& caller_number) noexcept override {
     name = caller_name;
     number = caller_number;
   }
-  void ShowTime(const std::string& /*date*/, const std::string& /*time*/) override {}
-  void ShowMessagePath(const std::string& message) override { path = message; }
+  void ShowTime(const std::string& /*date*/, const std::string& /*time*/) noexcept override {}
+  void ShowMessagePath(const std::string& message) noexcept override { path = message; }
 
  private:
   std::function<void(const std::string&)> effect_;
