@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace orven::test {
@@ -20,26 +21,17 @@ namespace orven::test {
 using std::chrono::milliseconds;
 using Bytes = std::vector<std::uint8_t>;
 
-/// A UDP or TCP socket on 127.0.0.1, as plain as they come. Throws when it cannot be made.
+/// A UDP or TCP socket on 127.0.0.1. Throws when it cannot be made.
 class Socket {
  public:
-  static Socket Udp(std::uint16_t port = 0) {
-    Socket made(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    made.Apply(::bind, port);
-    return made;
-  }
-  static Socket TcpTo(std::uint16_t port) {
-    Socket made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    made.Apply(::connect, port);
-    return made;
-  }
+  static Socket Udp(std::uint16_t port = 0) { return {SOCK_DGRAM, ::bind, port}; }
+  static Socket TcpTo(std::uint16_t port) { return {SOCK_STREAM, ::connect, port}; }
   static Socket TcpListening(std::uint16_t port = 0) {
-    Socket made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    made.Apply(::bind, port);
+    Socket made(SOCK_STREAM, ::bind, port);
     Check(::listen(made.fd_, 4));
     return made;
   }
-  Socket(Socket&& other) noexcept : fd_(other.fd_) { other.fd_ = -1; }
+  Socket(Socket&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
   ~Socket() { Close(); }
 
   std::uint16_t Port() const {
@@ -48,21 +40,19 @@ class Socket {
     Check(::getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &size));
     return ntohs(address.sin_port);
   }
-  /// A datagram.
-  void SendTo(std::uint16_t port, const Bytes& bytes) const {
+  /// A datagram: bytes or a text.
+  template <typename Content>
+  void SendTo(std::uint16_t port, const Content& content) const {
     const sockaddr_in to = Loopback(port);
-    (void)::sendto(fd_, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof(to));
-  }
-  void SendTo(std::uint16_t port, const std::string& text) const {
-    SendTo(port, Bytes(text.begin(), text.end()));
+    const auto* address = reinterpret_cast<const sockaddr*>(&to);
+    (void)::sendto(fd_, std::data(content), std::size(content), 0, address, sizeof(to));
   }
   /// On a TCP connection; false when it is closed.
   bool Send(const std::string& text) const { return ::send(fd_, &text[0], text.size(), MSG_NOSIGNAL) >= 0; }
   /// The next datagram, or what TCP brings; nothing when none comes within `limit`.
   std::optional<Bytes> Receive(milliseconds limit) const {
-    if (!Ready(limit)) return std::nullopt;
     Bytes bytes(65'536);
-    const ssize_t count = ::recv(fd_, bytes.data(), bytes.size(), 0);
+    const ssize_t count = Ready(limit) ? ::recv(fd_, bytes.data(), bytes.size(), 0) : 0;
     if (count <= 0) return std::nullopt;
     bytes.resize(static_cast<std::size_t>(count));
     return bytes;
@@ -74,7 +64,7 @@ class Socket {
   Socket Accept() const {
     return Socket(Ready(std::chrono::seconds(10)) ? ::accept(fd_, nullptr, nullptr) : -1);
   }
-  /// Stays this socket's.
+  /// Still owned by this object.
   int Fd() const { return fd_; }
   void Close() {
     if (fd_ >= 0) ::close(fd_);
@@ -83,17 +73,17 @@ class Socket {
 
  private:
   explicit Socket(int fd) : fd_(fd) { Check(fd); }
+  /// `apply` is ::bind or ::connect.
+  Socket(int type, int (*apply)(int, const sockaddr*, socklen_t), std::uint16_t port)
+      : Socket(::socket(AF_INET, type | SOCK_CLOEXEC, 0)) {
+    const sockaddr_in address = Loopback(port);
+    Check(apply(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
+  }
   static void Check(int result) {
     if (result < 0) throw std::system_error(errno, std::generic_category(), "socket");
   }
   static sockaddr_in Loopback(std::uint16_t port) {
-    return {
-        .sin_family = AF_INET, .sin_port = htons(port), .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
-  }
-  /// ::bind or ::connect.
-  void Apply(int (*function)(int, const sockaddr*, socklen_t), std::uint16_t port) const {
-    const sockaddr_in address = Loopback(port);
-    Check(function(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
+    return {AF_INET, htons(port), {htonl(INADDR_LOOPBACK)}, {}};
   }
   bool Ready(milliseconds limit) const {
     pollfd wait{fd_, POLLIN, 0};
@@ -110,7 +100,7 @@ inline std::uint16_t FreePort() {
     try {
       return Socket::TcpListening(udp.Port()).Port();
     } catch (const std::system_error&) {
-      continue;  // somebody's TCP port; try another
+      continue;  // another program's TCP port
     }
   }
 }

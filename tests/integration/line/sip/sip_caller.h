@@ -1,66 +1,128 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
+#include <random>
 #include <thread>
 
 #include "integration/line/sip/network.h"
 
 namespace orven::test {
 
-/// The value of a header of a SIP message, "" when it has none.
-std::string Header(const std::string& message, const std::string& name);
+/// The value of a header of a SIP message, or "".
+inline std::string Header(const std::string& message, const std::string& name) {
+  const auto at = message.find("\r\n" + name + ": ");
+  if (at == std::string::npos) return {};
+  const auto begin = at + name.size() + 4;
+  return message.substr(begin, message.find("\r\n", begin) - begin);
+}
 
 /// A response to a request, with further header lines, each with its CRLF.
-std::string ReplyTo(const std::string& request, const std::string& status, const std::string& headers = "");
+inline std::string ReplyTo(const std::string& request, const std::string& status,
+                           const std::string& headers = "") {
+  std::string reply = "SIP/2.0 " + status + "\r\n";
+  for (const char* name : {"Via", "From", "Call-ID", "CSeq"})
+    reply += std::string(name) + ": " + Header(request, name) + "\r\n";
+  const std::string to = Header(request, "To");
+  const char* tag = to.find(";tag=") == std::string::npos ? ";tag=reply" : "";
+  return reply + "To: " + to + tag + "\r\n" + headers + "Content-Length: 0\r\n\r\n";
+}
 
-/// A caller written here, which does what it is told, right or wrong: one dialog over UDP, and an RTP
-/// socket.
+/// A caller that does what a test tells it, right or wrong: one dialog over UDP, and an RTP socket.
 class SipCaller {
  public:
-  explicit SipCaller(std::uint16_t line_port);
+  explicit SipCaller(std::uint16_t line_port)
+      : line_port_(line_port), branch_("z9hG4bK" + std::to_string(std::random_device{}())) {}
 
-  /// Sends an INVITE that offers sound.
-  void Invite(const std::string& formats = "0 8 101", const std::string& direction = "sendrecv");
-  /// Sends any request, an ACK and a CANCEL to the request before.
-  void Request(const std::string& method, const std::string& type = "", const std::string& body = "");
+  /// Any request; an ACK and a CANCEL belong to the request before.
+  void Request(const std::string& method, const std::string& type = "", const std::string& body = "") {
+    if (method != "ACK" && method != "CANCEL") ++cseq_;
+    // The acknowledgement of a success is a transaction of its own, that of a refusal is not.
+    const char* own = method == "ACK" && !to_tag_.empty() ? "ack" : "";
+    const std::string address = "127.0.0.1:" + std::to_string(sip_.Port()), number = std::to_string(cseq_);
+    const std::string tag = to_tag_.empty() || method == "CANCEL" ? "" : ";tag=" + to_tag_;
+    sip_.SendTo(line_port_, method + " sip:line@127.0.0.1 SIP/2.0\r\nVia: SIP/2.0/UDP " + address +
+                                ";branch=" + branch_ + number + own +
+                                ";rport\r\nFrom: \"Ann Smith\" <sip:5551234@127.0.0.1>;tag=caller\r\n" +
+                                "To: <sip:line@127.0.0.1>" + tag + "\r\nCall-ID: " + branch_ +
+                                "\r\nCSeq: " + number + " " + method + "\r\nContact: <sip:ann@" + address +
+                                ">\r\n" + (type.empty() ? "" : "Content-Type: " + type + "\r\n") +
+                                "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+  }
 
-  /// The next response with a status ("200") or request with a method ("BYE"), other messages passed over.
-  std::optional<std::string> Wait(const std::string& what, milliseconds limit = milliseconds(8000));
-  /// Waits for the 200 of an INVITE and keeps its tag and sound port. False when it does not come.
-  bool TakeAnswer();
-  /// Waits for a BYE and confirms it.
-  bool TakeBye();
+  /// The next response with a status ("200") or request with a method ("BYE"), or "" when none comes; skips
+  /// other messages. Keeps what an answer tells, confirms a BYE and acknowledges a refusal.
+  std::string Take(const std::string& what, milliseconds limit = milliseconds(8000)) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    std::string message = "-";
+    while (!message.starts_with(what + " ") && !message.starts_with("SIP/2.0 " + what)) {
+      message = sip_.ReceiveText(std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now()));
+      if (message.empty()) return {};
+    }
+    if (what == "BYE") sip_.SendTo(line_port_, ReplyTo(message, "200 OK"));
+    if (what > "299" && what < "7" && Header(message, "CSeq").ends_with("INVITE")) Request("ACK");
+    if (const auto audio = message.find("m=audio "); audio != message.npos) {
+      answer = message;
+      to_tag_ = Header(message, "To").substr(Header(message, "To").find(";tag=") + 5);
+      line_rtp_port = static_cast<std::uint16_t>(std::stoi(message.substr(audio + 8)));
+    }
+    return message;
+  }
 
-  std::string Sdp(const std::string& formats, const std::string& direction = "sendrecv") const;
-  /// The latest 200 of an INVITE.
-  const std::string& Answer() const { return answer_; }
-  std::uint16_t LineRtpPort() const { return line_rtp_port_; }
-  Socket& Rtp() { return rtp_; }
-  /// Forgets the packets that have come so far and tells whether another one comes.
-  bool HearsMore(milliseconds limit = milliseconds(2000)) const;
+  std::string Sdp(const std::string& formats = "0 8 101", const std::string& direction = "sendrecv") const {
+    return "v=0\r\no=- 1 1 IN IP4 127.0.0.1\r\ns=-\r\nc=IN IP4 127.0.0.1\r\nt=0 0\r\nm=audio " +
+           std::to_string(rtp.Port()) + " RTP/AVP " + formats +
+           "\r\na=rtpmap:101 telephone-event/8000\r\na=" + direction + "\r\n";
+  }
+
+  void SendRtp(const Bytes& packet) const { rtp.SendTo(line_rtp_port, packet); }
+  /// Forgets the packets that have come so far and waits for another one.
+  std::optional<Bytes> NextPacket(milliseconds limit = milliseconds(2000)) const {
+    while (rtp.Receive(milliseconds(0))) {
+    }
+    return rtp.Receive(limit);
+  }
+
+  Socket rtp = Socket::Udp();
+  std::string answer;  ///< the latest 200 of an INVITE
+  std::uint16_t line_rtp_port = 0;
 
  private:
   const std::uint16_t line_port_;
   const Socket sip_ = Socket::Udp();
-  Socket rtp_ = Socket::Udp();
-  std::string answer_;
+  const std::string branch_;
   std::string to_tag_;
-  std::string branch_;
   int cseq_ = 0;
-  std::uint16_t line_rtp_port_ = 0;
 };
 
 /// One RTP packet; `type` is the payload type, plus 0x80 for the marker.
-Bytes RtpPacketBytes(std::uint32_t type, std::uint32_t sequence, std::uint32_t timestamp,
-                     const Bytes& payload, std::uint32_t ssrc = 9);
+inline Bytes RtpPacketBytes(std::uint32_t type, std::uint32_t sequence, std::uint32_t timestamp,
+                            const Bytes& payload, std::uint32_t ssrc = 9) {
+  Bytes packet;
+  for (const std::uint32_t word : {0x80000000U | type << 16 | sequence, timestamp, ssrc}) {
+    for (int shift = 24; shift >= 0; shift -= 8) packet.push_back(static_cast<std::uint8_t>(word >> shift));
+  }
+  packet.insert(packet.end(), payload.begin(), payload.end());
+  return packet;
+}
 
-/// Sends blocks of 20 ms of mu-law sound at their pace; joining the thread waits for the last.
-std::jthread Talk(const Socket& socket, std::uint16_t port, const Bytes& sound, std::uint32_t ssrc = 9);
+/// Sends blocks of 20 ms of mu-law audio in real time; joining the thread waits for the last.
+inline std::jthread Talk(const Socket& socket, std::uint16_t port, const Bytes& audio,
+                         std::uint32_t ssrc = 9) {
+  return std::jthread([&socket, port, audio, ssrc, start = std::chrono::steady_clock::now()] {
+    for (std::uint32_t i = 0; (i + 1) * 160 <= audio.size(); ++i) {
+      std::this_thread::sleep_until(start + i * milliseconds(20));
+      const auto begin = audio.begin() + i * 160;
+      socket.SendTo(port, RtpPacketBytes(i == 0 ? 0x80 : 0, i, i * 160, {begin, begin + 160}, ssrc));
+    }
+  });
+}
 
-/// Blocks of noise as G.711 bytes, without the codes that have a twin.
-Bytes NoiseBytes(std::size_t blocks, std::uint32_t seed);
+/// Blocks of noise as G.711 bytes, without the two codes for zero.
+inline Bytes NoiseBytes(std::size_t blocks, std::uint32_t seed) {
+  std::minstd_rand random(seed + 1);
+  Bytes bytes(blocks * 160);
+  for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>((random() >> 8) & 0xFE);
+  return bytes;
+}
 
 }  // namespace orven::test

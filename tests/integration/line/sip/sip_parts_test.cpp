@@ -1,145 +1,243 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The parts of the line that need no network: order of packets, key presses, caller names.
+// The parts of the line that need no network: jitter buffer, descriptions, keys, digits, caller names.
 #include <gtest/gtest.h>
 
 #include <numeric>
+#include <sstream>
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/media_agreement.h"
-#include "integration/line/sip/test_audio.h"
+#include "adapters/line/sip/srtp.h"
+#include "integration/line/sip/sip_caller.h"
+#include "platform/audio_device.h"
 
 namespace orven::test {
 namespace {
 
-using std::chrono::milliseconds;
+using std::string_literals::operator""s;
 
-/// Block number n of a sound in which no two blocks near each other are alike.
-Samples Block(int n) {
-  Samples block(kBlockSamples);
-  std::iota(block.begin(), block.end(), static_cast<std::int16_t>(1000 + n % 150 * kBlockSamples));
-  return block;
-}
-
-/// A stream played out block by block; packets are pushed just before the pull they arrive for.
-struct Stream {
-  void Arrive(int n, std::uint32_t ssrc = 1, std::uint32_t offset = 0) {
-    playout.Push(ssrc, offset + static_cast<std::uint32_t>(n * kBlockSamples), Block(n));
+/// "0-3 5" is 0, 1, 2, 3 and 5.
+std::vector<int> Numbers(const std::string& ranges) {
+  std::vector<int> numbers;
+  std::istringstream words(ranges);
+  for (std::string word; words >> word;) {
+    const auto dash = word.find('-');
+    const int last = std::stoi(dash == word.npos ? word : word.substr(dash + 1));
+    for (int n = std::stoi(word); n <= last; ++n) numbers.push_back(n);
   }
-  /// Plays a block and notes its number when it is one unchanged.
-  void Pull() {
-    Samples block(kBlockSamples);
-    playout.Pull(block);
-    ++pulled;
-    const int n = (block[0] - 1000) / kBlockSamples;
-    if (block == Block(n)) heard.push_back(n);
-  }
-  void Drain() {
-    while (!playout.Empty()) Pull();
-  }
-
-  Playout playout;
-  std::vector<int> heard;
-  int pulled = 0;
-};
-
-std::vector<int> Numbers(int first, int last) {
-  std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
-  std::iota(numbers.begin(), numbers.end(), first);
   return numbers;
 }
 
-TEST(PlayoutTest, OrdersPacketsDropsDoublesAndPlaysLateOnes) {
-  Stream stream;
-  for (const int n : {0, 2, 1, 1, 4, 3, 5, 5, 0}) {
-    stream.Arrive(n);
-    stream.Pull();
+/// A stream that arrives in packets of 20 ms and is played block by block.
+class Stream {
+ public:
+  /// "0-3" arrive at once, "0-3~" with a block played after each, "." plays one, "short" makes the next
+  /// packet one sample shorter, "new" begins another stream.
+  void Play(const std::string& script) {
+    std::istringstream words(script);
+    for (std::string word; words >> word;) {
+      if (word == ".") Pull();
+      if (word == "short") missing_ = 1;
+      if (word == "new") ++ssrc_, offset_ = 77'000'000;
+      if (std::isdigit(word[0]) == 0) continue;
+      for (const int n : Numbers(word)) {
+        Samples packet = Block(n);
+        packet.resize(packet.size() - std::exchange(missing_, 0U));
+        buffer_.Push(ssrc_, offset_ + static_cast<std::uint32_t>(n * kBlockSamples), packet);
+        if (word.back() == '~') Pull();
+      }
+    }
   }
-  for (int i = 0; i < 5; ++i) stream.Pull();  // the network stalls, then brings everything at once
-  for (int n = 6; n < 12; ++n) stream.Arrive(n);
-  stream.Drain();
-  std::vector<int> expected = Numbers(0, 11);
-  std::erase(expected, 6);  // blended with what was made up before it
-  EXPECT_EQ(stream.heard, expected);
-}
-
-TEST(PlayoutTest, ConcealsLossForExactlyItsLength) {
-  Stream stream;
-  for (int n = 0; n < 20; ++n) {
-    if (n != 8 && n != 9) stream.Arrive(n);
-    stream.Pull();
+  /// Plays what is left, and tells how many blocks that is.
+  int Drain() {
+    int blocks = 0;
+    for (; !buffer_.Empty(); ++blocks) Pull();
+    return blocks;
   }
-  stream.Drain();
-  std::vector<int> expected = Numbers(0, 19);
-  std::erase_if(expected, [](int n) { return n >= 8 && n <= 10; });
-  EXPECT_EQ(stream.heard, expected);
-  EXPECT_EQ(stream.pulled, 22) << "20 blocks after the two of the wait at the beginning";
-}
 
-TEST(PlayoutTest, ALossOfOneSampleIsMadeUpWithinTheBlock) {
-  Stream stream;
-  stream.Pull();  // from now on there is room for one block and no more: writing behind it damages the heap
-  Samples most = Block(0);
-  most.pop_back();
-  stream.playout.Push(1, 0, most);
-  for (int n = 1; n < 4; ++n) stream.Arrive(n);
-  for (int n = 0; n < 4; ++n) stream.Pull();
-  EXPECT_EQ(stream.heard, Numbers(2, 3)) << "the first blends with what was made up before it";
-  EXPECT_TRUE(stream.playout.Empty());
-}
+  std::vector<int> heard;  ///< the blocks that were played unchanged
 
-TEST(PlayoutTest, ContinuesWhenTheSenderStartsOver) {
-  Stream stream;
-  for (int n = 0; n < 20; ++n) {
-    if (n < 10) stream.Arrive(n, 1, 0xFFFFFD00);  // the timestamps wrap on the way
-    if (n >= 10) stream.Arrive(n, 2, 77'000'000);
-    stream.Pull();
+ private:
+  using Samples = std::vector<std::int16_t>;
+
+  /// No two blocks near each other are alike.
+  static Samples Block(int n) {
+    Samples block(kBlockSamples);
+    std::iota(block.begin(), block.end(), static_cast<std::int16_t>(1000 + n % 150 * kBlockSamples));
+    return block;
   }
-  stream.Drain();
-  EXPECT_EQ(stream.heard, Numbers(0, 19));
-}
-
-TEST(PlayoutTest, LimitsTheDelayThatAFasterSenderBuildsUp) {
-  Stream stream;
-  int next = 0;
-  for (int i = 0; i < 3000; ++i) {
-    stream.Arrive(next++);
-    if (i < 150 && i % 10 == 0) stream.Arrive(next++);
-    stream.Pull();
+  void Pull() {
+    Samples block(kBlockSamples);  // of its own, so that writing behind it is found
+    buffer_.Pull(block);
+    const int n = (block[0] - 1000) / kBlockSamples;
+    if (block == Block(n)) heard.push_back(n);
   }
-  const int before = stream.pulled;
-  stream.Drain();
-  EXPECT_LE(stream.pulled - before, 10);
+
+  Playout buffer_;
+  std::uint32_t ssrc_ = 1;
+  std::uint32_t offset_ = 0xFFFFFD00;  // the timestamps wrap on the way
+  std::size_t missing_ = 0;
+};
+
+TEST(JitterBufferTest, PlaysPacketsInOrderAndConcealsLossForItsLength) {
+  std::string fast_sender = "0";  // 15 blocks too many
+  for (int n = 1; n < 165; n += 11)
+    fast_sender += " " + std::to_string(n) + "-" + std::to_string(n + 9) + "~ " + std::to_string(n + 10);
+  fast_sender += " 166-3014~";
+  const struct {
+    std::string script;
+    std::string heard;  ///< not checked when empty
+    int waiting;        ///< blocks at the end
+  } kRows[] = {
+      // Disorder, doubles and late packets; the network stalls, then brings everything at once.
+      {"0 . 2 . 1 . 1 . 4 . 3 . 5 . 5 . 0 . . . . . . 6-11", "0-5 7-11", 6},
+      {"0-7~ . . 10-19~", "0-7 11-19", 2},
+      {". short 0 1-3 . . . .", "2-3", 0},
+      {"0-9~ new 10-19~", "0-19", 2},
+      {fast_sender, "", 5},
+  };
+  for (const auto& row : kRows) {
+    Stream stream;
+    stream.Play(row.script);
+    EXPECT_EQ(stream.Drain(), row.waiting) << row.script;
+    EXPECT_TRUE(row.heard.empty() || stream.heard == Numbers(row.heard)) << row.script;
+  }
 }
 
-TEST(MediaNegotiationTest, WhatIsRefusedChangesNothing) {
+/// A description whose lines are joined by "|".
+std::string Sdp(std::string media) {
+  for (std::size_t at = 0; (at = media.find('|', at)) != media.npos;) media.replace(at, 1, "\r\n");
+  return "v=0\r\ns=-\r\nc=IN IP4 127.0.0.1\r\n" + media + "\r\n";
+}
+
+/// What our offer or answer says of audio, in one line.
+std::string Written(MediaNegotiation& negotiation, bool as_offer) {
+  const LibrePtr<mbuf> text = negotiation.Write(as_offer);
+  std::istringstream lines(std::string(reinterpret_cast<const char*>(text->buf), text->end));
+  std::string all;
+  for (std::string one; std::getline(lines, one);) {
+    one.pop_back();
+    if (one.starts_with("m=audio")) all += (all.empty() ? "" : ", ") + one.substr(8);
+    if (one.starts_with("a=crypto:")) all += " " + one.substr(9, 25);
+    if (one.ends_with("only") || one == "a=inactive") all += " " + one.substr(2);
+  }
+  return all;
+}
+
+/// Where and how we send then ("0+101": payload type and that of keys), and our answer. "refused" if not
+/// agreed.
+std::string Read(MediaNegotiation& negotiation, const std::string& media, bool is_offer = true) {
+  sa sender{};
+  (void)sa_set_str(&sender, "127.0.0.1", 5060);
+  const auto agreed = negotiation.Read(Sdp(media), is_offer, sender);
+  if (!agreed) return "refused";
+  const auto& key_type = agreed->event_payload_type;
+  return AddressText(agreed->peer) + " " + std::to_string(agreed->send_payload_type) +
+         (key_type ? "+" + std::to_string(*key_type) : "") + (agreed->send ? " sends" : "") +
+         (agreed->receive ? " receives" : "") + ": " + Written(negotiation, false);
+}
+
+MediaNegotiation Negotiation(SrtpUse use) {
   sa local{};
-  ASSERT_EQ(sa_set_str(&local, "127.0.0.1", 4000), 0);
-  MediaNegotiation negotiation(local, SrtpUse::kIfOffered);
-  const auto read = [&](const std::string& media, bool is_offer = true) {
-    return negotiation.Read("v=0\r\ns=-\r\nc=IN IP6 ::1\r\n" + media, is_offer, local);
-  };
-  const auto offer = [&negotiation] {
-    const LibrePtr<mbuf> text = negotiation.Write(true);
-    return std::string(reinterpret_cast<const char*>(text->buf), text->end);
-  };
-  const auto agreed = read("o=- 1 1 IN IP4 0.0.0.0\r\nm=audio 0 RTP/AVP 0\r\nm=audio 4002/2 RTP/AVP 0\r\n");
-  ASSERT_TRUE(agreed && agreed->send) << "only where the sound goes may say that the call is on hold";
-  EXPECT_EQ(AddressText(agreed->peer), "127.0.0.1:4002") << "no way to the one that was told: the sender's";
-  EXPECT_FALSE(read("m=audio 0 RTP/AVP 0\r\nm=audio 4002 RTP/AVP 18\r\n"));
-  EXPECT_FALSE(read("m=audio 0 RTP/AVP 0\r\nm=audio 4002 RTP/SAVP 0\r\n", false))
-      << "the answer demands what was not offered";
-  EXPECT_NE(offer().find("m=audio 0 RTP/AVP 0\r\nm=audio 4000 RTP/AVP 0"), std::string::npos) << offer();
+  (void)sa_set_str(&local, "127.0.0.1", 4000);
+  return {local, use};
 }
 
-TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
+constexpr const char* kSuite80 = "AES_CM_128_HMAC_SHA1_80";
+constexpr const char* kSuite32 = "AES_CM_128_HMAC_SHA1_32";
+constexpr const char* kKey = " inline:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";  // 30 bytes
+
+TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeys) {
+  const std::string plain = "m=audio 9 RTP/AVP 0", savp = "m=audio 9 RTP/SAVP 0", avp = ": 4000 RTP/AVP 0";
+  const std::string one = "127.0.0.1:9 0", agreed = one + " sends receives" + avp, chosen = " 2 "s + kSuite32;
+  const std::string other = "|a=crypto:1 AES_256_CM_HMAC_SHA1_80 inline:x",
+                    keys = "|a=rtpmap:101 telephone-event/8000";
+  const std::string both = other + "|a=crypto:2 " + kSuite32 + kKey + "|a=crypto:3 " + kSuite80 + kKey;
+  const std::string agreed_savp = one + " sends receives: 4000 RTP/SAVP 0" + chosen;
+  constexpr auto kNever = SrtpUse::kNever, kIfOffered = SrtpUse::kIfOffered, kRequired = SrtpUse::kRequired;
+  const struct {
+    SrtpUse use;
+    std::string offer;
+    std::string result;
+  } kRows[] = {
+      {kNever, "m=audio 9 RTP/AVP 18 8 0 101" + keys,
+       "127.0.0.1:9 8+101 sends receives: 4000 RTP/AVP 8 0 101"},
+      {kNever, "m=audio 9 RTP/AVPF 96 97|a=rtpmap:96 pcmu/8000|a=rtpmap:97 PCMA/8000",
+       "127.0.0.1:9 96 sends receives: 4000 RTP/AVPF 96 97"},
+      {kNever, "m=audio 9 RTP/AVP 18 3", "refused"},
+      {kNever, "m=audio 9 RTP/AVP 101" + keys, "refused"},
+      {kNever, "m=nonsense|" + plain, "refused"},
+      {kNever, plain + "|a=sendonly", one + " receives" + avp + " recvonly"},
+      {kNever, plain + "|a=recvonly", one + " sends" + avp + " sendonly"},
+      {kNever, plain + "|a=inactive", one + avp + " inactive"},
+      {kNever, plain + "|c=IN IP4 0.0.0.0", one + avp},
+      {kNever, plain + "|c=IN IP6 ::", one + avp},
+      {kNever, plain + "|c=IN IP4 example.org", agreed},
+      {kNever, plain + "|c=IN IP6 2001:db8::1", agreed},
+      {kNever, plain + "|a=fmtp:0|a=rtpmap:97 odd|b=AS:|| |m=video 9 X 98|a=rtcp:", agreed},
+      {kNever, "o=- 1 1 IN IP4 0.0.0.0|m=audio 0 RTP/AVP 0|m=audio 9/2 RTP/AVP 0",
+       one + " sends receives: 0 RTP/AVP 0, 4000 RTP/AVP 0"},
+      {kNever, plain + both, agreed},
+      {kNever, savp + both, "refused"},
+      {kIfOffered, plain, agreed},
+      {kIfOffered, plain + both, agreed + chosen},
+      {kIfOffered, savp + both, agreed_savp},
+      {kIfOffered, savp + other, "refused"},
+      {kIfOffered, "m=audio 9 RTP/SAVPF 0", "refused"},
+      {kRequired, plain, "refused"},
+      {kRequired, plain + both, agreed + chosen},
+      {kRequired, savp + both, agreed_savp},
+      {kRequired, savp + other, "refused"},
+  };
+  for (const auto& row : kRows) {
+    MediaNegotiation negotiation = Negotiation(row.use);
+    EXPECT_EQ(Read(negotiation, row.offer), row.result) << row.offer;
+  }
+}
+
+TEST(MediaNegotiationTest, ARefusedDescriptionChangesNothing) {
+  MediaNegotiation negotiation = Negotiation(SrtpUse::kIfOffered);
+  EXPECT_NE(Read(negotiation, "m=audio 0 RTP/AVP 0|m=audio 9 RTP/AVP 0"), "refused");
+  EXPECT_EQ(Read(negotiation, "m=audio 0 RTP/AVP 0|m=audio 9 RTP/AVP 18"), "refused");
+  EXPECT_EQ(Read(negotiation, "m=audio 0 RTP/AVP 0|m=audio 9 RTP/SAVP 0", false), "refused")
+      << "the answer demands what was not offered";
+  EXPECT_EQ(Written(negotiation, true), "0 RTP/AVP 0, 4000 RTP/AVP 0");
+}
+
+TEST(SrtpTest, ReadsTheCryptoAttributesThatWeCanServe) {
+  const std::string begin = "7 "s + kSuite32 + kKey;
+  for (const char* end : {"", "|2^31", " WSH=64 -NEW=1", "  "}) {
+    const auto read = ReadCryptoAttribute(begin + end);
+    ASSERT_TRUE(read) << end;
+    EXPECT_EQ(WriteCryptoAttribute(*read), begin);
+  }
+  for (const std::string& text :
+       {begin + "|2^31|1:4", begin + "|1:4", begin + " UNENCRYPTED_SRTP", begin + " KDR=1", begin + "A",
+        begin + ";inline:x", begin + " NEW=1", ""s, "1"s, "x "s + kSuite80 + kKey, "1 "s + kSuite80,
+        "1 "s + kSuite80 + " inline:AAAA", "1 F8_128_HMAC_SHA1_80"s + kKey,
+        "1 "s + kSuite80 + " inline:" + std::string(40, '?')}) {
+    EXPECT_FALSE(ReadCryptoAttribute(text)) << text;
+  }
+}
+
+TEST(SrtpTest, AHundredStrangersLeaveRoomForThePeer) {
+  const SrtpKey key = NewSrtpKey();
+  SoundSealer peer(SrtpSuite::kTag80, key), stranger(SrtpSuite::kTag80, NewSrtpKey());
+  SoundOpener opener(SoundOpener::Kind::kSound, SrtpSuite::kTag80, key);
+  for (std::uint32_t ssrc = 0; ssrc < 100; ++ssrc)
+    EXPECT_FALSE(opener.Open(stranger.Seal(RtpPacketBytes(0, 60'000 + ssrc, 0, Bytes(160), ssrc))));
+  EXPECT_TRUE(opener.Open(peer.Seal(RtpPacketBytes(0, 1, 0, Bytes(160)))));
+}
+
+TEST(DigitsTest, AKeyHeldForSecondsIsOnePress) {
   DigitMerger merger;
   const DigitMerger::Time start{};
   EXPECT_TRUE(merger.Report(DigitSource::kTelephoneEvent, '5', start));
   for (int at = 50; at <= 3000; at += 50) {
     merger.Held(DigitSource::kTelephoneEvent, start + milliseconds(at));
-    if (at == 150 || at == 2000) {  // the tone broke off once and was heard anew
+    if (at == 150 || at == 2000) {  // the tone broke off and is heard again
       EXPECT_FALSE(merger.Report(DigitSource::kInBand, '5', start + milliseconds(at)));
     }
   }
@@ -147,48 +245,50 @@ TEST(DigitMergerTest, AKeyHeldForSecondsIsOnePress) {
   EXPECT_TRUE(merger.Report(DigitSource::kTelephoneEvent, '5', start + milliseconds(3600)));
 }
 
-TEST(KeyPaceTest, LetsAPersonThroughAndSlowsAMachine) {
+TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
   KeyPace pace;
   auto now = KeyPace::Time() + std::chrono::hours(1);
   for (int key = 0; key < 20; ++key, now += milliseconds(80)) EXPECT_TRUE(pace.Allows(now));
   for (int key = 0; key < 8; ++key)
-    EXPECT_TRUE(pace.Allows(now)) << "a stalled network brings several at once";
+    EXPECT_TRUE(pace.Allows(now)) << "a stalled network delivers several at once";
   int allowed = 0;
   for (int key = 0; key < 6000; ++key, now += milliseconds(1)) allowed += pace.Allows(now) ? 1 : 0;
   EXPECT_LE(allowed, 110) << "of 6000 in six seconds";
 }
 
 TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
-  struct Case {
+  const std::string_view from = "\"From\" <sip:1@h>;tag=x", ann = "\"Ann\" <sip:1@h>";
+  const std::string_view anonymous = "<sip:anonymous@anonymous.invalid>", office = "\"Office\" <sip:777@h>";
+  const struct {
     std::vector<std::string_view> asserted;
     std::string_view from;
     std::string_view privacy;
     std::string_view caller;
+  } kRows[] = {
+      {{},
+       R"("Ann \"A\" O'Neil, <x>" <sip:%2B49301;phone-context=d@h:5060>)",
+       "",
+       "Ann \"A\" O'Neil, <x>|+49301"},
+      {{}, "Ann Smith <sip:ann:secret@h>", "", "Ann Smith|ann"},
+      {{}, "sip:100@h;tag=abc", "", "|100"},
+      {{office}, from, "", "Office|777"},
+      {{"<tel:+1-201-555-0123;x=y>", office}, from, "", "Office|+12015550123"},
+      {{"garbage"}, from, "", "From|1"},
+      {{ann}, anonymous, "none", "Ann|1"},
+      {{ann}, "<sip:1@h>", "critical; id", "|"},
+      {{}, anonymous, "", "|"},
+      {{}, "<sip:x@anonymous.invalid:5060>", "", "|"},
+      {{}, "Anonymous <sip:123@h>", "", "|"},
+      {{}, "", "", "|"},
+      {{}, "\"", "", "|"},
+      {{}, "\"unended\\", "", "unended\\|"},
+      {{}, "\"J\xC3\xBCrgen\" <sip:%C3%BC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
+      {{}, "\"J\xFCrgen\" <sip:%FC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
+      {{}, "\"\xED\xA0\x80\" <sip:%G1%4@h>", "", "\xC3\xAD\xC2\xA0\xC2\x80|%G1%4"},
   };
-  const std::string_view other = "\"From\" <sip:1@h>;tag=x";
-  for (const Case& one : std::vector<Case>{
-           {{},
-            R"("Ann \"A\" O'Neil, <x>" <sip:%2B49301;phone-context=d@h:5060>)",
-            "",
-            "Ann \"A\" O'Neil, <x>|+49301"},
-           {{}, "Ann Smith <sip:ann:secret@h>", "", "Ann Smith|ann"},
-           {{}, "sip:100@h;tag=abc", "", "|100"},
-           {{"\"Office\" <sip:777@h>"}, other, "", "Office|777"},
-           {{"<tel:+1-201-555-0123;x=y>", "\"Office\" <sip:777@h>"}, other, "", "Office|+12015550123"},
-           {{"garbage"}, other, "", "From|1"},
-           {{"\"Ann\" <sip:1@h>"}, "<sip:anonymous@anonymous.invalid>", "none", "Ann|1"},
-           {{"\"Ann\" <sip:1@h>"}, "<sip:1@h>", "critical; id", "|"},
-           {{}, "\"Anonymous\" <sip:anonymous@anonymous.invalid>", "", "|"},
-           {{}, "<sip:x@anonymous.invalid:5060>", "", "|"},
-           {{}, "Anonymous <sip:123@h>", "", "|"},
-           {{}, "", "", "|"},
-           {{}, "\"", "", "|"},
-           {{}, "\"unended\\", "", "unended\\|"},
-           {{}, "\"J\xC3\xBCrgen\" <sip:%C3%BC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
-           {{}, "\"J\xFCrgen\" <sip:%FC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
-           {{}, "\"\xED\xA0\x80\" <sip:%G1%4@h>", "", "\xC3\xAD\xC2\xA0\xC2\x80|%G1%4"}}) {
-    const CallerIdentity caller = Identify({one.asserted, one.from, one.privacy});
-    EXPECT_EQ(caller.name + "|" + caller.number, one.caller) << one.from;
+  for (const auto& row : kRows) {
+    const CallerIdentity caller = Identify({row.asserted, row.from, row.privacy});
+    EXPECT_EQ(caller.name + "|" + caller.number, row.caller) << row.from;
   }
 }
 

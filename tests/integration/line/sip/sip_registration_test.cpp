@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A line with an account: it keeps itself registered, whatever the server answers and becomes.
+// A line with an account: what it asks of the server, and what it makes of the answers.
 #include <openssl/evp.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <map>
-#include <sstream>
+#include <regex>
 
 #include "adapters/line/sip/libre.h"
 #include "integration/line/sip/sip_line_test.h"
+#include "support/scratch_folder.h"
 
 namespace orven::test {
 namespace {
@@ -18,205 +20,179 @@ using std::string_literals::operator""s;
 
 std::string Digest(const std::string& algorithm, const std::string& text) {
   static const std::map<std::string, const EVP_MD*> kKnown{
-      {"", EVP_md5()}, {"MD5", EVP_md5()}, {"SHA-256", EVP_sha256()}, {"SHA-512-256", EVP_sha512_256()}};
+      {"MD5", EVP_md5()}, {"SHA-256", EVP_sha256()}, {"SHA-512-256", EVP_sha512_256()}};
   std::array<std::uint8_t, EVP_MAX_MD_SIZE> digest{};
+  std::array<char, 2 * EVP_MAX_MD_SIZE + 1> hex{};
   unsigned size = 0;
   (void)EVP_Digest(text.data(), text.size(), digest.data(), &size, kKnown.at(algorithm), nullptr);
-  std::string hex(2 * size, '\0');
-  (void)re_snprintf(hex.data(), hex.size() + 1, "%w", digest.data(), static_cast<std::size_t>(size));
-  return hex;
-}
-
-std::string Parameter(const std::string& header, const std::string& name) {
-  const auto at = header.find(" " + name + "=");
-  if (at == std::string::npos) return {};
-  const auto begin = at + name.size() + 2;
-  const bool quoted = header[begin] == '"';
-  return header.substr(begin + quoted, header.find(quoted ? '"' : ',', begin + 1) - begin - quoted);
+  (void)re_snprintf(hex.data(), hex.size(), "%w", digest.data(), static_cast<std::size_t>(size));
+  return hex.data();
 }
 
 /// How an answer proves the password "secret" of "100": "MD5", "SHA-256-sess" …; "wrong" when it does not.
 std::string Proof(const std::string& answer) {
-  const auto of = [&answer](const char* name) { return Parameter(answer, name); };
-  const std::string algorithm = of("algorithm"), basic = algorithm.substr(0, algorithm.find("-sess"));
-  std::string secret = Digest(basic, "100:" + of("realm") + ":secret");
-  if (basic != algorithm) secret = Digest(basic, secret + ":" + of("nonce") + ":" + of("cnonce"));
-  const std::string once = of("qop").empty() ? "" : of("nc") + ":" + of("cnonce") + ":" + of("qop") + ":";
-  const bool right = of("response") == Digest(basic, secret + ":" + of("nonce") + ":" + once +
-                                                         Digest(basic, "REGISTER:" + of("uri")));
-  return !right ? "wrong" : algorithm.empty() ? "MD5" : algorithm;
+  std::map<std::string, std::string> of;
+  const std::regex parameter(" ([a-z]+)=\"?([^\",]*)");
+  for (std::sregex_iterator one(answer.begin(), answer.end(), parameter); one != std::sregex_iterator();
+       ++one)
+    of[one->str(1)] = one->str(2);
+  const std::string algorithm = of["algorithm"].empty() ? "MD5" : of["algorithm"];
+  const std::string basic = algorithm.substr(0, algorithm.find("-sess"));
+  std::string secret = Digest(basic, "100:" + of["realm"] + ":secret");
+  if (basic != algorithm) secret = Digest(basic, secret + ":" + of["nonce"] + ":" + of["cnonce"]);
+  const std::string once = of["qop"].empty() ? "" : of["nc"] + ":" + of["cnonce"] + ":" + of["qop"] + ":";
+  const std::string request = Digest(basic, "REGISTER:" + of["uri"]);
+  return of["response"] == Digest(basic, secret + ":" + of["nonce"] + ":" + once + request) ? algorithm
+                                                                                            : "wrong";
 }
-
-/// A server that answers as it is told.
-class Registrar {
- public:
-  Registrar(bool over_tcp, std::uint16_t line_port)
-      : tcp_(over_tcp), line_port_(line_port), socket_(tcp_ ? Socket::TcpListening() : Socket::Udp()) {}
-
-  std::uint16_t Port() const { return socket_.Port(); }
-  void Disconnect() { connection_.reset(); }
-
-  /// The next REGISTER that is not repeated, "" when none comes in time.
-  std::string Next(milliseconds limit = milliseconds(8000)) {
-    if (tcp_ && !connection_) connection_.emplace(socket_.Accept());
-    for (;;) {
-      std::string request = (tcp_ ? *connection_ : socket_).ReceiveText(limit);
-      if (request.empty() || (request.starts_with("REGISTER ") && Header(request, "CSeq") != latest_)) {
-        latest_ = Header(request, "CSeq");
-        return request;
-      }
-    }
-  }
-
-  bool HearsASignOfLife() const { return socket_.ReceiveText(milliseconds(8000)) == "\r\n\r\n"; }
-
-  /// Answers `request` by a status and headers, with "|" between. "WWW:a:" and "Proxy:a:" are challenges with
-  /// the nonce "a", "here" is the line's address, and "seen 4000" tells that the server sees it elsewhere.
-  void Answer(const std::string& request, const std::string& text) {
-    std::istringstream parts(text);
-    std::string status, header, headers, seen;
-    std::getline(parts, status, '|');
-    while (std::getline(parts, header, '|')) {
-      const auto kind = header.substr(0, header.find(':'));
-      if (kind == "WWW" || kind == "Proxy")
-        header.replace(kind.size(), 3,
-                       "-Authenticate: Digest realm=\"home\", nonce=\""s + header[kind.size() + 1] + "\", ");
-      if (const auto here = header.find("here"); here != header.npos)
-        header.replace(here, 4, "127.0.0.1:" + std::to_string(line_port_));
-      (header.starts_with("seen ") ? seen : headers) += header + "\r\n";
-    }
-    std::string reply = ReplyTo(request, status + " X", headers);
-    if (!seen.empty())
-      reply.replace(reply.find(";rport"), 8, ";received=198.51.100.7;rport=" + seen.substr(5));
-    if (tcp_) (void)connection_->Send(reply);
-    if (!tcp_) socket_.SendTo(line_port_, reply);
-  }
-
- private:
-  const bool tcp_;
-  const std::uint16_t line_port_;
-  const Socket socket_;
-  std::optional<Socket> connection_;
-  std::string latest_;
-};
 
 constexpr const char* kPublic = "198.51.100.7:4000";
 
 class SipRegistrationTest : public SipLineTest {
  protected:
-  ~SipRegistrationTest() override { line->Close(); }
-
-  /// The line of an account at `registrar`.
-  void Open(const Registrar& registrar, const std::string& transport = "udp") {
-    settings.account = "sip:100@127.0.0.1:" + std::to_string(registrar.Port());
-    settings.transport = transport;
+  SipRegistrationTest() {
     settings.password = "secret";
     settings.report = [this](const std::string& text) { reports.Add(text); };
     settings.registration_news = [this](const RegistrationNews& news) {
-      const auto what =
-          news.state == RegistrationNews::State::Registered ? "registered" : std::to_string(news.status);
-      outcomes.Add(what + ", next after " + std::to_string(news.pause / seconds(1)) + " s");
+      const bool registered = news.state == RegistrationNews::State::Registered;
+      outcomes.Add((registered ? "registered" : std::to_string(news.status)) + ", next after " +
+                   std::to_string(news.pause / seconds(1)) + " s");
     };
+  }
+  ~SipRegistrationTest() override {
+    if (line != nullptr) line->Close();  // before the notes go
+  }
+
+  void Open(std::uint16_t server, const std::string& transport = "udp") {
+    settings.account = "sip:100@127.0.0.1:" + std::to_string(server);
+    settings.transport = transport;
     OpenLine();
+  }
+
+  /// The next REGISTER that is not repeated, "" when none comes in time.
+  std::string Next(const Socket& server, milliseconds limit = milliseconds(8000)) {
+    std::string request;
+    do request = server.ReceiveText(limit);
+    while (!request.empty() && (!request.starts_with("REGISTER ") || Header(request, "CSeq") == latest_));
+    latest_ = Header(request, "CSeq");
+    return request;
+  }
+
+  /// An answer by its status and headers, with "|" between. "WWW:a:" and "Proxy:a:" are challenges with the
+  /// nonce "a", "here" is the line's address, and "seen 4000" tells that the server sees it elsewhere.
+  std::string Answer(const std::string& request, const std::string& text) const {
+    std::istringstream parts(text);
+    std::string status, header, headers, seen;
+    std::getline(parts, status, '|');
+    while (std::getline(parts, header, '|')) {
+      if (header.starts_with("seen ")) {
+        seen = ";received=198.51.100.7;rport=" + header.substr(5);
+        continue;
+      }
+      header = std::regex_replace(header, std::regex("^(WWW|Proxy):(.):"),
+                                  "$1-Authenticate: Digest realm=\"home\", nonce=\"$2\", ");
+      headers += std::regex_replace(header, std::regex("here"), settings.listen) + "\r\n";
+    }
+    const std::string reply = ReplyTo(request, status + " X", headers);
+    return seen.empty() ? reply : std::regex_replace(reply, std::regex(";rport"), seen);
   }
 
   /// "MD5 here=300": the proof, and each Contact with its life.
   std::string Summary(const std::string& request) const {
-    std::string summary;
-    for (std::size_t at = 0; (at = request.find("uthorization: ", at)) != std::string::npos; ++at)
-      summary += Proof(request.substr(at, request.find("\r\n", at) - at)) + " ";
-    for (std::size_t at = 0; (at = request.find("<sip:100@", at)) != std::string::npos; ++at) {
-      const auto end = request.find(">;expires=", at);
-      if (end > request.find("\r\n", at)) continue;  // From and To
-      const std::string address = request.substr(at + 9, end - at - 9);
-      summary += (address == settings.listen ? "here" : address) + "=" +
-                 request.substr(end + 10, request.find("\r\n", end) - end - 10) + " ";
+    std::string proofs, contacts;
+    const std::regex fact("uthorization: (.*)|Contact: <sip:100@(.*)>;expires=(.*)");
+    for (std::sregex_iterator one(request.begin(), request.end(), fact); one != std::sregex_iterator();
+         ++one) {
+      const std::string address = one->str(2) == settings.listen ? "here" : one->str(2);
+      if (address.empty()) proofs += Proof(one->str(1)) + " ";
+      if (!address.empty()) contacts += (contacts.empty() ? "" : " ") + address + "=" + one->str(3);
     }
-    return summary.substr(0, summary.find_last_not_of(' ') + 1);
+    return proofs + contacts;
   }
 
-  Notes reports;
-  Notes outcomes;
+  Notes reports, outcomes;
+
+ private:
+  std::string latest_;
 };
 
 TEST_F(SipRegistrationTest, TakesEachAnswerAsItIsMeant) {
   settings.timers.registration_retry_first = seconds(10);
   settings.timers.registration_retry_longest = seconds(900);
-  struct Case {
-    std::string answers;   ///< with " / " between
-    std::string requests;  ///< with "|" between
+  const std::string ask = "401|WWW:a:qop=\"auth-int,auth\"", again = " / 401|WWW:b:stale=true",
+                    hash = "401|WWW:a:algorithm=";
+  const std::string md5 = "|MD5 here=300", seen = kPublic + "=300"s,
+                    brief = "423|Min-Expires: ", soon = ", next after 10 s";
+  const std::string registered = "registered, next after 240 s", sha = "|SHA-256 here=300";
+  const struct {
+    std::string answers;  ///< with " / " between
+    std::string more;     ///< the requests after the first, each after "|"
     std::string outcome;
+  } kRows[] = {
+      {"", "", ""},
+      {"200", "", registered},
+      {"200|Expires: 100", "", "registered, next after 80 s"},
+      {"200|Expires: 99999999999", "", "registered, next after 2880 s"},
+      {"200|Expires: soon", "", registered},
+      {"200|Contact: <sip:9@x>;expires=9|Contact: <sip:100@x>;expires=7|Contact: <sip:100@here>;expires=125|"
+       "Contact: <sip:100@y>;expires=3600|Expires: 0",
+       "", "registered, next after 100 s"},
+      {"200|Contact: <sip:100@here>;expires=0|Expires: 300", "", "200" + soon},
+      {brief + "400 / 200", "|here=400", "registered, next after 320 s"},
+      {brief + "400 / " + brief + "500 / " + brief + "600 / " + brief + "700", "|here=400|here=500|here=600",
+       "423" + soon},
+      {brief + "300", "", "423" + soon},
+      {"503|Retry-After: 120 (later);duration=60", "", "503, next after 120 s"},
+      {"480|Retry-After: 1", "", "480" + soon},
+      {"600|Retry-After: 4294967296", "", "600, next after 86400 s"},
+      {"403", "", "403, next after 900 s"},
+      {ask + " / 200", md5, registered},
+      {hash + "MD5-sess / 200", "|MD5-sess here=300", registered},
+      {hash + "SHA-256 / 200", sha, registered},
+      {hash + "SHA-256-sess / 200", "|SHA-256-sess here=300", registered},
+      {hash + "SHA-512-256 / 200", "|SHA-512-256 here=300", registered},
+      {"401|WWW-Authenticate: Basic realm=\"home\"|WWW:a:algorithm=NEW|WWW:a:qop=\"auth-int\"|"
+       "WWW:a:algorithm=SHA-256,qop=auth|WWW:a:qop=auth / 200",
+       sha, registered},
+      {hash + "NEW", "", "401" + soon},
+      {"407|Proxy:a:qop=auth / " + ask + " / 200", md5 + "|MD5 MD5 here=300", registered},
+      {ask + " / 401|WWW:b:qop=auth", md5, "401, next after 900 s"},
+      {ask + " / 200|Expires: 2 / 401|WWW:b:qop=auth / 200", md5 + md5 + md5, registered},
+      {ask + again + " / 200", md5 + md5, registered},
+      {ask + again + again + again, md5 + md5 + md5, "401, next after 900 s"},
+      {"200|seen 4000|Expires: 100 / 200", "|" + seen + " here=0", registered},
+      {ask + "|seen 4000 / 200|seen 4000", "|MD5 " + seen, registered},
+      {"200|seen 4000|Expires: 100 / 200|seen 40001", "|" + seen + " here=0", registered},
   };
-  const std::string ask = "401|WWW:a:qop=\"auth-int,auth\"", again = "401|WWW:b:stale=true",
-                    once = "here=300";
-  const std::string md5 = "|MD5 here=300", router = kPublic + "=300"s, brief = "423|Min-Expires: ";
-  const std::string registered = "registered, next after 240 s", soon = ", next after 10 s";
-  for (const Case& one :
-       {Case{"", once, ""},
-        Case{"200", once, registered},
-        Case{"200|Expires: 100", once, "registered, next after 80 s"},
-        Case{"200|Expires: 99999999999", once, "registered, next after 2880 s"},
-        Case{"200|Expires: soon", once, registered},
-        Case{"200|Contact: <sip:9@x>;expires=9|Contact: <sip:100@x>;expires=7|"
-             "Contact: <sip:100@here>;expires=125|Contact: <sip:100@y>;expires=3600|Expires: 0",
-             once, "registered, next after 100 s"},
-        Case{"200|Contact: <sip:100@here>;expires=0|Expires: 300", once, "200" + soon},
-        Case{brief + "400 / 200", once + "|here=400", "registered, next after 320 s"},
-        Case{brief + "400 / " + brief + "500 / " + brief + "600 / " + brief + "700",
-             once + "|here=400|here=500|here=600", "423" + soon},
-        Case{brief + "300", once, "423" + soon},
-        Case{"503|Retry-After: 120 (later);duration=60", once, "503, next after 120 s"},
-        Case{"480|Retry-After: 1", once, "480" + soon},
-        Case{"600|Retry-After: 4294967296", once, "600, next after 86400 s"},
-        Case{"403", once, "403, next after 900 s"},
-        Case{ask + " / 200", once + md5, registered},
-        Case{"401|WWW:a:algorithm=MD5-sess / 200", once + "|MD5-sess here=300", registered},
-        Case{"401|WWW:a:algorithm=SHA-256 / 200", once + "|SHA-256 here=300", registered},
-        Case{"401|WWW:a:algorithm=SHA-256-sess / 200", once + "|SHA-256-sess here=300", registered},
-        Case{"401|WWW:a:algorithm=SHA-512-256 / 200", once + "|SHA-512-256 here=300", registered},
-        Case{"401|WWW-Authenticate: Basic realm=\"home\"|WWW:a:algorithm=NEW|WWW:a:qop=\"auth-int\"|"
-             "WWW:a:algorithm=SHA-256,qop=auth|WWW:a:qop=auth / 200",
-             once + "|SHA-256 here=300", registered},
-        Case{"401|WWW:a:algorithm=NEW", once, "401" + soon},
-        Case{"407|Proxy:a:qop=auth / " + ask + " / 200", once + md5 + "|MD5 MD5 here=300", registered},
-        Case{ask + " / 401|WWW:b:qop=auth", once + md5, "401, next after 900 s"},
-        Case{ask + " / 200|Expires: 2 / 401|WWW:b:qop=auth / 200", once + md5 + md5 + md5, registered},
-        Case{ask + " / " + again + " / 200", once + md5 + md5, registered},
-        Case{ask + " / " + again + " / " + again + " / " + again, once + md5 + md5 + md5,
-             "401, next after 900 s"},
-        Case{"200|seen 4000|Expires: 100 / 200", once + "|" + router + " here=0", registered},
-        Case{ask + "|seen 4000 / 200|seen 4000", once + "|MD5 " + router, registered},
-        Case{"200|seen 4000|Expires: 100 / 200|seen 40001", once + "|" + router + " here=0", registered}}) {
-    Registrar registrar(false, port);
+  for (const auto& row : kRows) {
+    const Socket server = Socket::Udp();
     outcomes.Clear();
-    Open(registrar);
+    Open(server.Port());
     std::string requests;
     for (std::size_t at = 0, end = 0; end != std::string::npos; at = end + 3) {
-      end = one.answers.find(" / ", at);
-      const std::string request = registrar.Next();
-      requests += (requests.empty() ? "" : "|") + Summary(request);
-      if (!one.answers.empty()) registrar.Answer(request, one.answers.substr(at, end - at));
+      end = row.answers.find(" / ", at);
+      const std::string request = Next(server);
+      requests += "|" + Summary(request);
+      if (!row.answers.empty()) server.SendTo(port, Answer(request, row.answers.substr(at, end - at)));
     }
-    EXPECT_EQ(requests, one.requests);
-    EXPECT_TRUE(one.outcome.empty() || outcomes.Wait(one.outcome)) << one.answers;
+    EXPECT_EQ(requests, "|here=300" + row.more);
+    EXPECT_TRUE(row.outcome.empty() || outcomes.Wait(row.outcome)) << row.answers;
     line->Close();
-    const bool is_registered = one.outcome.starts_with("registered");
-    const std::string last = one.requests.find(router) != std::string::npos ? kPublic : "here";
-    EXPECT_TRUE(Summary(registrar.Next(milliseconds(0))).ends_with(is_registered ? last + "=0" : ""))
-        << one.answers;
-    EXPECT_EQ(registrar.Next(milliseconds(0)), "") << one.answers;
+    const std::string last = row.more.find(seen) != std::string::npos ? kPublic : "here";
+    const std::string farewell = row.outcome.starts_with("registered") ? last + "=0" : "";
+    EXPECT_TRUE(Summary(Next(server, milliseconds(0))).ends_with(farewell)) << row.answers;
+    EXPECT_EQ(Next(server, milliseconds(0)), "") << row.answers;
   }
 }
 
 TEST_F(SipRegistrationTest, CallsThroughARouterFindTheLine) {
-  Registrar registrar(false, port);
+  const Socket server = Socket::Udp();
   settings.timers.keep_alive = milliseconds(50);
-  Open(registrar);
-  for (int i = 0; i < 2; ++i) registrar.Answer(registrar.Next(), "200|seen 4000");
-  EXPECT_TRUE(registrar.HearsASignOfLife()) << "the router would forget the way";
-  SipCaller caller(port);
-  Ring(caller);
-  EXPECT_EQ(Header(caller.Wait("180").value_or(""), "Contact"), "<sip:100@"s + kPublic + ">");
+  Open(server.Port());
+  for (int i = 0; i < 2; ++i) server.SendTo(port, Answer(Next(server), "200|seen 4000"));
+  EXPECT_EQ(server.ReceiveText(milliseconds(8000)), "\r\n\r\n") << "the router would forget the way";
+  Play("> INVITE,Ring 1 1");
+  EXPECT_EQ(Header(caller->Take("180"), "Contact"), "<sip:100@"s + kPublic + ">");
 }
 
 TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForACallAndTheServer) {
@@ -224,29 +200,105 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForACallAndTheServer) {
   getrlimit(RLIMIT_NOFILE, &limit);
   limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 4096);
   setrlimit(RLIMIT_NOFILE, &limit);
-  Registrar registrar(true, port);
+  const Socket server = Socket::TcpListening();
   settings.timers.registration_retry_first = milliseconds(200);
-  Open(registrar, "tcp");
-  registrar.Answer(registrar.Next(), "200");
+  Open(server.Port(), "tcp");
+  std::optional<Socket> connection(server.Accept());
+  connection->Send(Answer(Next(*connection), "200"));
   constexpr std::size_t kConnections = 700;  // more than the line may have descriptors
   std::vector<Socket> idle;
-  idle.reserve(kConnections);
+  idle.reserve(kConnections + 50);
   while (idle.size() < kConnections) idle.push_back(Socket::TcpTo(port));
-  registrar.Disconnect();
+  connection.reset();
   const std::string registration = "The registration of " + settings.account;
   EXPECT_TRUE(reports.Wait(
       registration + " failed (the connection broke); no call can come in by it. ORVEN goes on trying."));
-  for (int i = 0; i < 50; ++i) idle.push_back(Socket::TcpTo(port));  // they take the place that got free
+  while (idle.size() < kConnections + 50)
+    idle.push_back(Socket::TcpTo(port));  // they take the place that got free
+  connection.emplace(server.Accept());
   for (const char* status : {"503", "503", "200"}) {
-    const std::string request = registrar.Next();
+    const std::string request = Next(*connection);
     ASSERT_NE(request, "") << "the line has no descriptor left, or a refusal ended the tries";
-    registrar.Answer(request, status);
+    connection->Send(Answer(request, status));
   }
   EXPECT_TRUE(reports.Wait(registration + " works again."));
-  SipCaller caller(port);
-  Connect(caller);
-  EXPECT_TRUE(caller.HearsMore());
-  HangUp(caller);
+  Play("> INVITE,Ring 1 1,answer 1,< 200,> ACK,Connected 1,hears,> BYE,< 200");
+}
+
+class SipTlsTest : public SipRegistrationTest {
+ protected:
+  SipTlsTest() { settings.tls_made_certificate = folder / "made.pem"; }
+
+  void ExpectFailure(const std::string& words) {
+    line = MakeSipLine(settings);
+    EXPECT_EQ(line->Open(events), kTelephonyDeviceFailed);
+    EXPECT_NE(line->LastError().find(words), std::string::npos) << line->LastError();
+  }
+
+  ScratchFolder folder;
+};
+
+TEST_F(SipTlsTest, RegistersOnlyAtTheServerThatTheAccountNames) {
+  settings.timers.registration_retry_first = milliseconds(200);
+  const struct {
+    const char* trusted;
+    const char* shown;
+    const char* outcome;
+  } kRows[] = {
+      {"127.0.0.1", "127.0.0.1", "REGISTER"},
+      {"127.0.0.1", "127.0.0.9", "certificate is not accepted: self"},
+      {"127.0.0.9", "127.0.0.9", "mismatch"},
+      {"", "127.0.0.1", "certificate is not accepted: self"},
+  };
+  for (const auto& row : kRows) {
+    // A server with a certificate for an address, which ends after one connection. Its input is a pipe
+    // without end.
+    const std::string file = folder / row.shown;
+    const std::string make =
+        "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=x -addext subjectAltName=IP:"s +
+        row.shown + " -keyout " + file + ".key -out " + file + " 2>/dev/null; mkfifo " + file + ".in";
+    ASSERT_TRUE(std::filesystem::exists(file) || std::system(make.c_str()) == 0);
+    const std::uint16_t server_port = FreePort();
+    const std::string serve = "exec timeout 30 openssl s_server -quiet -naccept 1 -accept 127.0.0.1:" +
+                              std::to_string(server_port) + " -cert " + file + " -key " + file + ".key <>" +
+                              file + ".in 2>/dev/null";
+    const std::unique_ptr<FILE, int (*)(FILE*)> server(::popen(serve.c_str(), "r"), ::pclose);
+    settings.tls_trust = row.trusted[0] != '\0' ? folder / row.trusted : "";
+    reports.Clear();
+    Open(server_port, "tls");
+    std::array<char, 9> words{};
+    if (std::fgets(words.data(), words.size(), server.get()) != nullptr) reports.Add(words.data());
+    const auto told = [&row](const std::string& text) { return text.find(row.outcome) != text.npos; };
+    EXPECT_TRUE(reports.WaitUntil([&](const auto& all) { return std::ranges::any_of(all, told); }))
+        << row.trusted << " " << row.shown << ::testing::PrintToString(reports.All());
+    line->Close();
+  }
+}
+
+TEST_F(SipTlsTest, MakesACertificateOnceAndNamesOneThatIsUnusable) {
+  settings.tls_listen = "127.0.0.1:" + std::to_string(FreePort());
+  OpenLine();
+  const std::string made = ContentOf(settings.tls_made_certificate);
+  struct stat status {};
+  ASSERT_EQ(::stat(settings.tls_made_certificate.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
+  line->Close();
+  OpenLine();
+  EXPECT_EQ(ContentOf(settings.tls_made_certificate), made) << "telephones would have to trust another one";
+  line->Close();
+  PutFile(folder / "certificate.pem", made.substr(0, made.find("-----BEGIN PRIVATE")));
+  PutFile(folder / "noise.pem", "no certificate");
+  for (const char* name : {"certificate.pem", "noise.pem", "absent.pem"}) {
+    settings.tls_certificate = folder / name;
+    ExpectFailure(settings.tls_certificate);
+  }
+  settings.tls_certificate.clear();
+  settings.tls_made_certificate = folder / "noise.pem/made.pem";
+  ExpectFailure("/noise.pem/made.pem.new: Not a directory");
+  settings.tls_made_certificate = folder / "made.pem";
+  settings.account = "sip:100@127.0.0.1";
+  settings.transport = "tls";
+  ExpectFailure("tls_listen cannot be used together");
 }
 
 }  // namespace
