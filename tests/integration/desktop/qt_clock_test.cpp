@@ -10,9 +10,8 @@ namespace orven {
 namespace {
 
 using namespace std::chrono;
-using namespace std::chrono_literals;
 
-/// Sets the process's time zone, in POSIX notation so that no zone database is needed.
+/// A process's time zone, in POSIX notation so that no zone database is needed.
 void SetZone(const char* zone) {
   qputenv("TZ", zone);
   tzset();
@@ -30,10 +29,9 @@ TEST(QtClock, TellsSecondsApartAndNamesNoZoneInAnyLocale) {
     const std::string text = clock.TimeText(kAt);
     EXPECT_NE(text, clock.TimeText(kAt + 1s)) << locale.name().toStdString();
     for (const char* zone : {"CET", "GMT", "()", "[]"}) EXPECT_EQ(text.find(zone), std::string::npos) << text;
-    const std::string shown = text + clock.DateText(kAt);
-    EXPECT_TRUE(std::none_of(shown.begin(), shown.end(), [](char letter) {
-      return static_cast<unsigned char>(letter) < ' ';
-    })) << locale.name().toStdString();
+    EXPECT_TRUE(std::ranges::none_of(text + clock.DateText(kAt), [](unsigned char letter) {
+      return letter < ' ';
+    })) << text;
   }
 }
 

@@ -31,7 +31,7 @@ TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {
     QTimer::singleShot(0, QApplication::instance(), [button] {  // runs once the box is open
       auto& box = dynamic_cast<QMessageBox&>(*QApplication::activeModalWidget());
       EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is no markup";
-      box.button(button) == nullptr ? static_cast<void>(box.close()) : box.button(button)->click();
+      box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
     return dialogs.Confirm("Delete <b>Call</b> ?", QuestionIcon::None);
   };
