@@ -46,7 +46,7 @@ QWidget* frmActions::MakeMail() {
   txtSMTP_->setToolTip(tr("The mail server: its name, name:port, smtp://… or smtps://…"));
   txtFromMail_ = AddText(*form, "txtFromMail", tr("From(Replay To):"));
   txtSMTPUser_ = AddText(*form, "txtSMTPUser", tr("User:"));
-  txtSMTPUser_->setToolTip(tr("Empty for a mail server that asks for no login"));
+  txtSMTPUser_->setToolTip(tr("Leave empty if the mail server needs no login"));
   txtSMTPPass_ = AddText(*form, "txtSMTPPass", tr("Password:"));
   txtSMTPPass_->setEchoMode(QLineEdit::Password);
   chkSMTPSecure_ = MakeCheckBox("chkSMTPSecure", tr("Log in over an encrypted connection only"), page);
@@ -61,7 +61,7 @@ QWidget* frmActions::MakeApplication() {
   chkApp_ = MakeCheckBox("chkApp", tr("Send Calls To Application"), page);
   form->addRow(chkApp_);
   txtAppTo_ = AddText(*form, "txtAppTo", tr("Application Path:"));
-  txtAppTo_->setToolTip(tr("The program and its arguments; those with blanks in double quotes"));
+  txtAppTo_->setToolTip(tr("The program and its arguments; put arguments with blanks in double quotes"));
   chkBGAPP_ = MakeCheckBox("chkBGAPP", tr("Background"), page);
   form->addRow(QString(), chkBGAPP_);
   cmbActApp_ = AddList(*form, "cmbActApp");
@@ -96,7 +96,7 @@ QLineEdit* frmActions::AddText(QFormLayout& form, const char* name, const QStrin
 QComboBox* frmActions::AddList(QFormLayout& form, const char* name) {
   auto* list = MakeChild<QComboBox>(this);
   list->setObjectName(Name(name));
-  list->setAccessibleName(tr("Calls that this is done for"));
+  list->setAccessibleName(tr("Calls that this applies to"));
   list->addItem(tr("Act with all calls"));
   list->addItem(tr("Act with messages only!"));
   form.addRow(QString(), list);

@@ -12,10 +12,10 @@
 namespace orven {
 namespace {
 
-constexpr QSize kFirstSize{480, 0};  // as high as it needs to be
+constexpr QSize kFirstSize{480, 0};  // pixels; the layout gives the height
 constexpr int kTabIcon = 16;
 
-/// A name is one line: what was pasted with its line breaks and tabs has blanks there.
+/// Replaces pasted line breaks and control characters by blanks.
 QString OneLine(QString text) {
   for (auto& letter : text) {
     const bool breaks = letter == QChar::LineSeparator || letter == QChar::ParagraphSeparator;
@@ -43,7 +43,7 @@ frmGreetC::frmGreetC(QWidget* parent)
   column->addWidget(picture_);
   column->addWidget(lblState_);
   column->addLayout(MakeName());
-  closing_.cmdOK->setToolTip(tr("Save the greeting; callers hear it from now on"));
+  closing_.cmdOK->setToolTip(tr("Save the greeting; callers will hear it from now on"));
   column->addLayout(closing_.row);
   SetTabOrder();
   ShowButtons({});
@@ -58,8 +58,8 @@ void frmGreetC::SetUpTabs() {
 }
 
 void frmGreetC::SetUpTake() {
-  picture_->setAccessibleName(tr("Picture of the recording"));
-  picture_->setAttribute(Qt::WA_TransparentForMouseEvents);  // there is no going on from somewhere else
+  picture_->setAccessibleName(tr("Waveform of the recording"));
+  picture_->setAttribute(Qt::WA_TransparentForMouseEvents);  // the position cannot be changed here
   lblState_->setObjectName(QStringLiteral("lblState"));
 }
 
@@ -102,14 +102,14 @@ void frmGreetC::Attach(GreetingCreator& engine) {
 }
 
 void frmGreetC::TabChosen(int index) {
-  // The engine may refuse a tab: until it has answered the old one stays.
+  // The engine may refuse the tab, so the old one stays until it answers.
   SelectTab(static_cast<CreatorTab>(shown_tab_ + 1));
   engine_->TabClick(static_cast<CreatorTab>(index + 1));
 }
 
 int frmGreetC::exec() {
   const int result = QDialog::exec();
-  Unload();  // the end of the program ends this without closing the window
+  Unload();  // when the program ends, the window is not closed
   return result;
 }
 
@@ -125,7 +125,7 @@ void frmGreetC::showEvent(QShowEvent* event) {
 
 void frmGreetC::hideEvent(QHideEvent* event) {
   QDialog::hideEvent(event);
-  if (!event->spontaneous()) Unload();  // a window that is made small is hidden, too, and not closed
+  if (!event->spontaneous()) Unload();  // minimising hides the window, too
 }
 
 void frmGreetC::Unload() {
@@ -142,7 +142,7 @@ void frmGreetC::SelectTab(CreatorTab tab) noexcept {
 void frmGreetC::ShowButtons(const CreatorButtons& buttons) noexcept {
   Frame1_->ShowButtons(buttons);
   Frame2_->ShowButtons(buttons);
-  // Not to Cancel, where Return would give up what could not be saved.
+  // The focus must not move to Cancel, where Return would lose a take that could not be saved.
   if (!buttons.cmdOK && focusWidget() == closing_.cmdOK) txtGreetingName_->setFocus();
   closing_.cmdOK->setEnabled(buttons.cmdOK);
 }

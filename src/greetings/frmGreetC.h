@@ -16,22 +16,19 @@
 
 namespace orven {
 
-/// The greeting creator: a greeting is spoken or typed, listened to, named and saved. It shows what the
-/// engine says and hands over what a person does; every control's object name is its name in this program.
-/// Modal to the main window only, so that a call that comes in meanwhile can be answered in the caller
-/// view. User-interface thread.
+/// The greeting creator: records or synthesises a greeting, plays it and saves it under a name. The engine
+/// decides; every control's object name is its name in this program. User-interface thread.
 class frmGreetC : public QDialog, public GreetingCreatorView {
   Q_OBJECT
 
  public:
   explicit frmGreetC(QWidget* parent);
 
-  /// Once, before the window is shown: what it is the window of. It outlives the time in which the window
-  /// can be seen. It is told of the first showing (Load), and once of the end of it (Unload).
+  /// Sets the engine; once, before the window is shown. The engine outlives the visible window. Load is
+  /// called when the window is first shown, and Unload once when it closes.
   void Attach(GreetingCreator& engine);
 
-  /// Shows the window until it is closed. The engine has been unloaded when this returns, whatever ended
-  /// it, and a Load that was still waiting has returned.
+  /// Shows the window until it is closed. On return the engine is unloaded and a waiting Load has returned.
   int exec() override;
   void done(int result) override;
 
@@ -75,7 +72,7 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   ElidedLabel* lblState_;
   QLineEdit* txtGreetingName_;
   ClosingButtons closing_;
-  int shown_tab_ = 0;  ///< index of the tab that the engine selected
+  int shown_tab_ = 0;  ///< index of the tab that the engine selected last
   bool loaded_ = false;
   bool unloaded_ = false;
 };

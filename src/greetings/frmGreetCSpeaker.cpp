@@ -18,7 +18,7 @@ namespace orven {
 namespace {
 
 constexpr int kFullScale = 1000;
-constexpr double kQuietest = -48;  // dB below full scale: the noise of a room
+constexpr double kQuietest = -48;  // dB; about the noise of a quiet room
 constexpr double kLoud = -9;       // dB
 constexpr double kTooLoud = -3;    // dB
 
@@ -26,9 +26,9 @@ constexpr double kTooLoud = -3;    // dB
 constexpr double kSegment = 5;
 constexpr double kGap = 2;
 
-constexpr double kUnlit = 0.22;  // how strongly what is not reached is drawn
+constexpr double kUnlit = 0.22;  // opacity of the segments above the level
 
-/// Which part of the meter a level of so many decibels fills, 0 to 1.
+/// The part of the meter, 0 to 1, that a level in dB fills.
 double PartOf(double decibels) {
   return std::clamp(1 - decibels / kQuietest, 0.0, 1.0);
 }
@@ -45,7 +45,7 @@ QColor ColourAt(double part) {
 }
 
 constexpr int kMinute = 60;
-constexpr int kColumns = 3;  // two buttons, and what stands beside them
+constexpr int kColumns = 3;  // two buttons and the label beside them
 
 /// "1:05"
 QString Minutes(std::int64_t seconds) {
@@ -56,7 +56,7 @@ QString Minutes(std::chrono::milliseconds time) {
   return Minutes(std::chrono::round<std::chrono::seconds>(time).count());
 }
 
-/// The seconds that a bar stands for which can show that many.
+/// The range in seconds of a bar that shows `seconds`.
 int RangeFor(std::int32_t seconds) {
   std::int64_t range = kMinute;
   while (range < seconds) range *= 2;
@@ -106,7 +106,7 @@ QSize LevelMeter::minimumSizeHint() const {
 }
 
 void LevelMeter::paintEvent(QPaintEvent* /*event*/) {
-  // In the screen's own pixels every edge is sharp, at any scaling.
+  // Painting in device pixels keeps the edges sharp at any scaling.
   const double scale = devicePixelRatioF();
   QPainter painter(this);
   painter.scale(1 / scale, 1 / scale);
@@ -172,7 +172,7 @@ void SpeakerFrame::AddRecording(QGridLayout& grid) {
   ProgressBarRec_->setAccessibleName(tr("Time recorded"));
   prgLevel_->setObjectName(QStringLiteral("prgLevel"));
   prgLevel_->setAccessibleName(tr("Level of the microphone"));
-  prgLevel_->setToolTip(tr("Level of the microphone: speak so that it hardly ever turns red"));
+  prgLevel_->setToolTip(tr("Level of the microphone: it should hardly ever turn red"));
   grid.addWidget(cmdRec_, 0, 0);
   grid.addWidget(cmdStopRec_, 0, 1);
   grid.addWidget(lblRec_, 0, 2);
@@ -189,7 +189,7 @@ void SpeakerFrame::AddPlaying(QGridLayout& grid) {
   ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
   ProgressBar1_->setAccessibleName(tr("Position in the recording"));
   ProgressBar1_->setTextVisible(false);
-  ProgressBar1_->setFixedHeight(prgLevel_->sizeHint().height());  // it has no text to hold
+  ProgressBar1_->setFixedHeight(prgLevel_->sizeHint().height());  // it shows no text
   grid.addWidget(cmdPlay_, 0, 0);
   grid.addWidget(cmdStopPlay_, 0, 1);
   grid.addWidget(lblPlay_, 0, 2);
@@ -213,7 +213,7 @@ void SpeakerFrame::ShowRecProgress(std::int32_t seconds) {
 void SpeakerFrame::ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
   constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
   const auto end = int(std::clamp<std::int64_t>(length.count(), 0, kLongest));
-  ProgressBar1_->setRange(0, std::max(end, 1));  // a bar of 0 stands for work of unknown length
+  ProgressBar1_->setRange(0, std::max(end, 1));  // a range of 0 would show a busy bar
   ProgressBar1_->setValue(int(std::clamp<std::int64_t>(position.count(), 0, end)));
   position_ = position;
   playing_ = length;

@@ -12,8 +12,8 @@
 
 namespace orven {
 
-/// How loud the microphone is: 0 to 1000 thousandths of full scale. Drawn in decibels, as loudness is
-/// heard: speech fills the middle, and red is where a take is distorted.
+/// The level of the microphone, 0 to 1000 thousandths of full scale, drawn in decibels: speech reaches the
+/// middle, and red means distortion.
 class LevelMeter : public QProgressBar {
   Q_OBJECT
 
@@ -27,7 +27,7 @@ class LevelMeter : public QProgressBar {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// `Frame1` of the greeting creator: a take from the microphone, and listening to a take.
+/// `Frame1` of the greeting creator: records a take from the microphone and plays it.
 class SpeakerFrame : public QWidget {
   Q_OBJECT
 
@@ -36,11 +36,11 @@ class SpeakerFrame : public QWidget {
 
   void ShowButtons(const CreatorButtons& buttons);
   void ShowRecLabel(bool on) { lblRec_->setVisible(on); }
-  /// The bar begins as a minute; a take that is longer doubles what it stands for.
+  /// The bar's range is a minute, doubled until `seconds` fits.
   void ShowRecProgress(std::int32_t seconds);
   void ShowLevel(std::int32_t level) { prgLevel_->setValue(level); }
   void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length);
-  /// The length of the take, shown while it is not played.
+  /// The length of the take, shown while nothing plays.
   void ShowLength(std::chrono::milliseconds length);
 
  signals:
@@ -66,7 +66,7 @@ class SpeakerFrame : public QWidget {
   QProgressBar* ProgressBar1_;
   std::chrono::milliseconds take_{0};
   std::chrono::milliseconds position_{0};
-  std::chrono::milliseconds playing_{0};  ///< length of what is playing
+  std::chrono::milliseconds playing_{0};  ///< length of the take that plays; 0 for none
 };
 
 }  // namespace orven

@@ -16,7 +16,7 @@ namespace orven {
 namespace {
 
 constexpr int kVisible = 12;
-constexpr int kCharacters = 24;  // a description may be long; the list does not grow with it
+constexpr int kCharacters = 24;  // width of the list; longer descriptions are cut
 
 bool IsReturn(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -24,7 +24,7 @@ bool IsReturn(const QKeyEvent& event) {
 
 constexpr int kFastest = 10;
 constexpr int kTickEvery = 5;
-constexpr int kLines = 5;  // of the text that can be seen at least
+constexpr int kLines = 5;  // visible lines of text, at least
 
 }  // namespace
 
@@ -39,9 +39,9 @@ VoiceBox::VoiceBox(QWidget* parent) : QComboBox(parent) {
   completer()->setCaseSensitivity(Qt::CaseInsensitive);
   completer()->setMaxVisibleItems(kVisible);
   connect(lineEdit(), &QLineEdit::editingFinished, this, &VoiceBox::Settle);
-  // Typing replaces what is shown. The click that brings the focus sets the cursor first.
+  // Typing replaces the shown text. Queued, because the click itself moves the cursor first.
   connect(this, &VoiceBox::ClickedInto, lineEdit(), &QLineEdit::selectAll, Qt::QueuedConnection);
-  // A description is recognised by its beginning.
+  // Shows the beginning of a long description.
   connect(this, &QComboBox::currentIndexChanged, this, [this] { lineEdit()->setCursorPosition(0); });
   IgnoreStrayWheel(*this);
 }
@@ -55,7 +55,7 @@ void VoiceBox::AddVoices(const std::vector<std::string>& descriptions) {
 
 void VoiceBox::Settle() {
   const auto* popup = completer()->popup();
-  if (popup->isVisible() && popup->currentIndex().isValid()) return;  // that one is about to be chosen
+  if (popup->isVisible() && popup->currentIndex().isValid()) return;  // the completer will select that one
   const auto typed = lineEdit()->text();
   if (typed == itemText(currentIndex())) return;
   const int found = typed.trimmed().isEmpty() ? -1 : findText(typed.trimmed(), Qt::MatchContains);
@@ -72,8 +72,7 @@ void VoiceBox::focusInEvent(QFocusEvent* event) {
 void VoiceBox::keyPressEvent(QKeyEvent* event) {
   const bool listed = completer()->popup()->isVisible();
   QComboBox::keyPressEvent(event);
-  // Return has chosen a voice, and is not for the window's own button; the list of what was found takes
-  // it by itself when nobody else does.
+  // Return selects a voice and must not press the window's default button. An open popup handles it itself.
   if (IsReturn(*event) && !listed) event->accept();
 }
 
@@ -100,7 +99,7 @@ SpeechFrame::SpeechFrame(QWidget* parent)
 void SpeechFrame::SetUpText() {
   txtTTS_->setObjectName(QStringLiteral("txtTTS"));
   txtTTS_->setAccessibleName(tr("Text of the greeting"));
-  txtTTS_->setPlaceholderText(tr("What callers are to hear"));
+  txtTTS_->setPlaceholderText(tr("What callers will hear"));
   txtTTS_->setTabChangesFocus(true);
   txtTTS_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
   txtTTS_->setMinimumHeight(kLines * txtTTS_->fontMetrics().lineSpacing() + 2 * txtTTS_->frameWidth() +
@@ -115,7 +114,7 @@ QLayout* SpeechFrame::MakeVoice() {
   rate->setBuddy(RateSldr_);
   auto* grid = MakeChild<QGridLayout>();
   grid->setColumnStretch(2, 1);
-  grid->setVerticalSpacing(0);  // the number stands close to its tick
+  grid->setVerticalSpacing(0);  // keeps the number close to its tick
   grid->setRowMinimumHeight(1, style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
   grid->addWidget(voice, 0, 0);
   grid->addWidget(VoiceCB_, 0, 1, 1, 3);
@@ -130,7 +129,7 @@ QLayout* SpeechFrame::MakeVoice() {
 void SpeechFrame::SetUpVoice() {
   VoiceCB_->setObjectName(QStringLiteral("VoiceCB"));
   VoiceCB_->setAccessibleName(tr("Voice"));
-  VoiceCB_->setToolTip(tr("Type a part of a voice's name to find it"));
+  VoiceCB_->setToolTip(tr("Type part of a voice's name to find it"));
   RateSldr_->setObjectName(QStringLiteral("RateSldr"));
   RateSldr_->setAccessibleName(tr("Rate"));
   RateSldr_->setToolTip(tr("How fast the text is spoken"));
@@ -144,7 +143,7 @@ void SpeechFrame::SetUpVoice() {
 QLayout* SpeechFrame::MakeButtons() {
   SpeakBtn_->setToolTip(tr("Listen to the text"));
   StopBtn_->setToolTip(tr("Stop speaking at once"));
-  cmdCreateGreeting_->setToolTip(tr("Make a greeting of the text, with this voice and rate"));
+  cmdCreateGreeting_->setToolTip(tr("Make a greeting from the text with this voice and rate"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(SpeakBtn_);
   row->addWidget(StopBtn_);
@@ -154,7 +153,7 @@ QLayout* SpeechFrame::MakeButtons() {
 }
 
 void SpeechFrame::Connect() {
-  // The keyboard presses a button without taking the focus from the list.
+  // A shortcut presses a button while the voice list keeps the focus.
   for (auto* button : {SpeakBtn_, cmdCreateGreeting_})
     connect(button, &QPushButton::clicked, VoiceCB_, &VoiceBox::Settle);
   connect(SpeakBtn_, &QPushButton::clicked, this, &SpeechFrame::Speak);

@@ -12,18 +12,18 @@
 
 namespace orven {
 
-/// `VoiceCB`: a long list of voices. What a person types into it finds those whose descriptions have it in
-/// them; whatever was typed, it goes back to showing the voice that is selected.
+/// `VoiceCB`: a searchable list of voices. Typed text finds the voices whose descriptions contain it;
+/// afterwards the box shows the selected voice again.
 class VoiceBox : public QComboBox {
   Q_OBJECT
 
  public:
   explicit VoiceBox(QWidget* parent);
 
-  /// Adds voices at the end and selects the first one of all.
+  /// Appends voices and selects the first of the list.
   void AddVoices(const std::vector<std::string>& descriptions);
 
-  /// Selects the first voice that what was typed finds.
+  /// Selects the first voice that matches the typed text.
   void Settle();
 
  signals:
@@ -34,7 +34,7 @@ class VoiceBox : public QComboBox {
   void keyPressEvent(QKeyEvent* event) override;
 };
 
-/// `Frame2` of the greeting creator: a text, and how it is spoken.
+/// `Frame2` of the greeting creator: a text, and the voice and rate that speak it.
 class SpeechFrame : public QWidget {
   Q_OBJECT
 

@@ -99,7 +99,7 @@ void GreetingCreator::Record() {
   if (unloaded_ || parts_.microphone.Busy()) return;
   view_.ClearText();
   if (parts_.microphone.Start(sound_device_) != kWaveOk)
-    return view_.ShowState("Nothing can be recorded; the system log says why");
+    return view_.ShowState("Recording failed; see the system log");
   speech_.Forget();
   speech_take_ = false;
   speaker_take_ = recorded_ = true;
@@ -131,14 +131,14 @@ void GreetingCreator::RecordingEnded(bool kept) {
   if (kept) ShowTake(parts_.microphone.Path(), "From the microphone");
   // A microphone that was unplugged or muted leaves an empty file.
   speaker_take_ = recorded_ = kept && take_length_ > 0ms;
-  if (!kept) view_.ShowState("The recording could not be stored; the system log says why");
-  if (kept && !recorded_) view_.ShowState("Nothing came from the microphone; the system log may say why");
+  if (!kept) view_.ShowState("The recording could not be stored; see the system log");
+  if (kept && !recorded_) view_.ShowState("Nothing came from the microphone; see the system log");
   ShowButtons();
 }
 
 void GreetingCreator::LineTookOver(bool kept) {
   RecordingEnded(kept);
-  if (recorded_) view_.ShowState("A call was answered, which ended the recording. It is kept up to there.");
+  if (recorded_) view_.ShowState("A call was answered and ended the recording. The part before it is kept.");
 }
 
 void GreetingCreator::ShowTake(const std::string& path, const char* kind) {
@@ -200,7 +200,7 @@ void GreetingCreator::CreateGreeting() {
   view_.ShowWaveform({});
   speaker_take_ = false;
   speech_take_ = recorded_ = speech_.Make(text, Manner(), [this](bool there) { SpeechDone(there); });
-  view_.ShowState(speech_take_ ? "The greeting is being made of the text" : "");
+  view_.ShowState(speech_take_ ? "The greeting is being made from the text" : "");
   ShowButtons();
 }
 
@@ -209,7 +209,8 @@ void GreetingCreator::SpeechDone(bool there) {
   if (there) {
     ShowTake(speech_.Path(), "From the text");
   } else {
-    view_.ShowState("No greeting could be made of the text. Has it words, and the disk room?");
+    view_.ShowState(
+        "No greeting could be made from the text. Does it have words, and is there room on the disk?");
   }
   if (!saving_) return;
   if (there) return Copy();
@@ -228,11 +229,12 @@ void GreetingCreator::Save() {
   name_ = std::string(Trimmed(name, " "));
   saving_ = true;
   ShowButtons();
-  if (speech_.Pending()) return view_.ShowState("The greeting is saved as soon as it is made of the text");
+  if (speech_.Pending())
+    return view_.ShowState("The greeting will be saved as soon as it is made from the text");
   if (!speech_take_ || speech_.Unchanged()) return Copy();
   // The helper of an earlier window was slow and has just written its file over this one.
   recorded_ = speech_take_ = saving_ = false;
-  view_.ShowState("The take was replaced meanwhile; please create the greeting again");
+  view_.ShowState("The take was replaced; please create the greeting again");
   ShowButtons();
 }
 
@@ -265,7 +267,7 @@ void GreetingCreator::Copy() {
 void GreetingCreator::Copied(bool done) {
   saving_ = false;
   if (done) return view_.Close();
-  view_.ShowState("The greeting could not be saved; the system log says why");
+  view_.ShowState("The greeting could not be saved; see the system log");
   ShowButtons();
 }
 

@@ -10,24 +10,24 @@
 
 namespace orven {
 
-/// The greetings: one WAV file each in the folder "Greets" of the application folder. A greeting's name is
-/// its file's without ".wav", in whatever case. User-interface thread; all of it but Folder and PathOf
-/// throws as Files does.
+/// The greetings: WAV files in the folder "Greets" of the application folder. A greeting's name is its file's
+/// name without ".wav" (in any letter case). All operations but Folder and PathOf throw as Files does.
+/// User-interface thread.
 class GreetingLibrary {
  public:
   GreetingLibrary(Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
 
-  /// With a separator at its end.
+  /// Ends in a separator.
   std::string Folder() const { return shared_.InApplicationFolder("\\Greets\\"); }
 
   /// The file of the greeting `name`.
   std::string PathOf(const std::string& name) const { return Folder() + name + ".wav"; }
 
-  /// The greetings' names, in order.
+  /// The sorted names of the greetings.
   std::vector<std::string> Names() const;
 
-  /// Makes a copy of the sound file at `path` the greeting `name`, replacing one of that name whole or not
-  /// at all. May take long; any thread.
+  /// Copies the sound file at `path` to the greeting `name`, which is replaced whole or not at all. May be
+  /// slow; any thread.
   void Add(const std::string& name, const std::string& path) const { files_.Copy(path, PathOf(name)); }
 
   void Delete(const std::string& name) const { files_.Delete(PathOf(name)); }
@@ -37,7 +37,7 @@ class GreetingLibrary {
   const SharedOptions& shared_;
 };
 
-/// Whether `name` can be a greeting's on every platform: none of the characters ? \ / | * < > : " is in it.
+/// Whether `name` is a file name on every platform: it has none of the characters ? \ / | * < > : ".
 bool IsLegalGreetingName(std::string_view name);
 
 }  // namespace orven

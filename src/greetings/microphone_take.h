@@ -11,39 +11,39 @@
 
 namespace orven {
 
-/// A take from the microphone, made with the recorder that the line has, too (`Wave1`): the line comes
-/// first. Each step is logged. User-interface thread.
+/// A take from the microphone. It shares the recorder `Wave1` with the line, which has priority. Each step is
+/// logged. User-interface thread.
 class MicrophoneTake {
  public:
   struct Parts {
     WaveControl& Wave1;
     SystemLog& log;
     const SharedOptions& shared;
-    std::function<bool()> line_in_use;  ///< a call is connected: its message may begin at any moment
+    std::function<bool()> line_in_use;  ///< a call is connected and may be recorded at any moment
   };
 
   explicit MicrophoneTake(Parts parts) : parts_(std::move(parts)) {}
 
-  /// Hears that the line took the recorder, and whether the take could be kept; nullptr: nobody.
+  /// `interrupted` is called when the line takes the recorder; `kept` says whether the take was stored. May
+  /// be null.
   void SetInterrupted(std::function<void(bool kept)> interrupted) { interrupted_ = std::move(interrupted); }
 
-  /// The recorder is at work, for whomever, or a call may need it at any moment.
+  /// The recorder is in use, or a call may need it at any moment.
   bool Busy() const { return parts_.Wave1.IsRecording() || parts_.line_in_use(); }
 
-  /// Starts a take from the input of sound card `device`, or of the desktop's default one where that card
-  /// is not there. A wave result.
+  /// Starts a take from sound card `device`, or from the default card if that one is missing. A wave result.
   std::int32_t Start(std::int32_t device);
 
-  /// Ends the take; it is at Path then. A wave result; after a failure no take is there.
+  /// Ends the take and stores it at Path. A wave result; after a failure there is no take.
   std::int32_t Stop();
 
-  /// A take is being made.
+  /// A take is being recorded.
   bool Recording() const { return recording_ && parts_.Wave1.IsRecording(); }
 
-  /// In thousandths of full scale; 0 when no take is being made.
+  /// In thousandths of full scale; 0 when no take is being recorded.
   std::int32_t Level() const { return Recording() ? parts_.Wave1.InputLevel() : 0; }
 
-  /// The line needs the recorder: ends a take, as Stop does, and says so.
+  /// The line needs the recorder: stops a take and calls `interrupted`.
   void MakeWay();
 
   std::string Path() const { return parts_.shared.InApplicationFolder("\\spktmp.wav"); }

@@ -12,10 +12,10 @@ namespace {
 
 using std::chrono_literals::operator""s;
 
-/// Seconds that a helper may take to come.
+/// Seconds that a helper may take to connect.
 constexpr std::int32_t kWaitForHelper = 7;
 
-/// Listing the voices takes a helper far less than this, also on a busy machine.
+/// Far more than a helper needs to list its voices, even on a busy machine.
 constexpr auto kVoicesLimit = 10s;
 
 constexpr std::int32_t kMinimizedWithFocus = 2;
@@ -38,7 +38,7 @@ using std::chrono_literals::operator""ms;
 
 constexpr auto kLookEvery = 200ms;
 
-/// A helper speaks a thousand characters, a minute of speech, in far less than a second.
+/// Far more than a helper needs: it synthesises a minute of speech (1000 characters) in less than a second.
 constexpr std::chrono::milliseconds kLimit = 10s;
 constexpr std::chrono::milliseconds kLimitPerKilobyte = 1s;
 
@@ -58,7 +58,7 @@ void SpeechLink::Load() {
   if (!Installed() || !StartHelper()) return;
   speechAvailable = true;
   if (!Up()) Up();
-  // The window may have been closed during the wait, or the program be ending.
+  // During the wait the window may have been closed or the program ended.
   if (unloaded_) return;
   if (!Up()) return ReportNoAnswer();
   ports_.uDat.Send("GVC:");
@@ -71,8 +71,8 @@ bool SpeechLink::Installed() {
 
 bool SpeechLink::StartHelper() {
   const ErrorTrap trap(log_, "ErrLoadTTS ");
-  // In quotes, because a folder's name may hold blanks. A quote in it cannot be quoted: the shell then
-  // finds the helper by its name.
+  // In quotes, because the folder may contain blanks. A quote in it cannot be escaped; the shell then
+  // searches for the helper by name.
   const auto& folder = shared_.application_folder;
   const bool quotable = folder.find('"') == std::string::npos;
   const auto program = quotable ? "\"" + folder + "/TTS.exe\"" : std::string("TTS.exe");
@@ -112,7 +112,7 @@ void SpeechLink::Stop() {
 }
 
 bool SpeechLink::MakeFile(const std::string& path, const std::string& text, Manner manner) {
-  // Who has chosen another voice and listened to nothing means that voice, too. No voice is no choice.
+  // The voice may have been changed since the last Speak; -1 means that none was chosen.
   if (manner != manner_ && manner != Manner{-1, manner_.rate}) Tell(manner);
   ports_.uDat.Send("SFS:" + path);
   const bool sent = ports_.uDat.Send("STW:" + text);
@@ -142,7 +142,7 @@ SpeechTake::SpeechTake(Parts parts) : parts_(parts), TimerSpeech(parts.loop.Make
 
 bool SpeechTake::Make(const std::string& text, SpeechLink::Manner manner, Done done) {
   Forget();
-  // An older take must not pass for this one; the helper removes what comes in between.
+  // An old file must not be taken for the new take.
   const auto trap = ErrorTrap::Silent();
   trap([&] { parts_.files.Delete(Path()); });
   if (!parts_.link.MakeFile(Path(), text, manner)) return false;
@@ -168,7 +168,7 @@ void SpeechTake::GiveUp() {
 bool SpeechTake::Unchanged() const {
   Clock::WallTime written;
   const auto trap = ErrorTrap::Silent();
-  // One that is gone is for the copy to find.
+  // If the file is gone, the copy will report it.
   return !trap([&] { written = parts_.files.LastModified(Path()); }) || written == written_;
 }
 

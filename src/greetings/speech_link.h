@@ -19,21 +19,21 @@
 
 namespace orven {
 
-/// Who makes use of the speech helper.
+/// What the speech helper reports.
 class SpeechLinkListener {
  public:
   virtual ~SpeechLinkListener() = default;
 
-  /// The helper's voices, in its order; there may be none.
+  /// The helper's voices, in its order; may be empty.
   virtual void VoicesArrived(const std::vector<std::string>& descriptions) = 0;
 
-  /// The helper is gone.
+  /// The helper has ended or crashed.
   virtual void HelperLost() = 0;
 };
 
-/// The speech helper, a program of its own that owns the speech engine, and the messages to it. Each
-/// starts with a command of three letters and a colon; the rest is its argument. What cannot be sent is
-/// skipped; why the helper cannot be used is logged. User-interface thread.
+/// The link to the speech helper, a separate program that owns the speech engine. A message is a command of
+/// three letters, a colon and the argument. A message that cannot be sent is dropped; why the helper cannot
+/// be used is logged. User-interface thread.
 class SpeechLink : private DataExchangeEvents {
  public:
   struct Ports {
@@ -48,34 +48,34 @@ class SpeechLink : private DataExchangeEvents {
   SpeechLink(const SpeechLink&) = delete;
   SpeechLink& operator=(const SpeechLink&) = delete;
 
-  /// Starts a helper where a speech engine is installed, and asks for its voices. Waits for the helper and
-  /// runs the event loop meanwhile.
+  /// If a speech engine is installed, starts a helper and asks for its voices. Runs the event loop while it
+  /// waits for the helper.
   void Load();
 
   /// A speech engine is installed and a helper was started.
   bool Available() const { return speechAvailable; }
 
-  /// The link is up; waits while a helper that was just started has not come yet.
+  /// The link is up; waits for a helper that was just started.
   bool Up();
 
-  /// How to speak.
+  /// The voice and rate of the speech.
   struct Manner {
     std::int32_t voice = 0;  ///< index in the helper's list; -1 for none
     std::int32_t rate = 0;   ///< -10 to 10
     bool operator==(const Manner&) const = default;
   };
 
-  /// Speaks `text`. Nothing for no text.
+  /// Speaks `text`; nothing for an empty one.
   void Speak(const std::string& text, Manner manner);
 
-  /// Ends what is being spoken.
+  /// Stops speaking.
   void Stop();
 
-  /// Has `text` spoken into the file at `path`, which appears, whole, when it is done. False when nothing
-  /// was asked for.
+  /// Requests the speech of `text` as a file at `path`, which appears when it is complete. False when the
+  /// request could not be sent.
   bool MakeFile(const std::string& path, const std::string& text, Manner manner);
 
-  /// Ends the helper; a file that it is making is finished first.
+  /// Ends the helper, which completes a requested file first.
   void Unload();
 
  private:
@@ -94,12 +94,12 @@ class SpeechLink : private DataExchangeEvents {
   bool speechAvailable = false;
   bool unloaded_ = false;
   bool voices_arrived_ = false;
-  Manner manner_;  ///< that the helper was told, or begins with
+  Manner manner_;  ///< that the helper uses
   Lifeline lifeline_;
 };
 
-/// A take that the speech helper makes from a text. The helper does not say when it is done: the take is
-/// there when its file is. User-interface thread.
+/// A take that the speech helper makes from a text. The helper does not report completion: the take is
+/// complete when its file exists. User-interface thread.
 class SpeechTake {
  public:
   struct Parts {
@@ -111,25 +111,25 @@ class SpeechTake {
     SpeechLink& link;
   };
 
-  /// Takes whether the take is there, or was given up, which is logged.
+  /// `there` is false when the take was given up, which is logged.
   using Done = std::function<void(bool there)>;
 
   explicit SpeechTake(Parts parts);
 
-  /// Begins to make the take. `done` is called later, once, unless another Make or Forget comes before
-  /// that. False when it could not be begun. The link must be up.
+  /// Starts a take; the link must be up. `done` is called once, later, unless Make or Forget is called
+  /// before. False when it could not be started.
   bool Make(const std::string& text, SpeechLink::Manner manner, Done done);
 
-  /// A take was begun, and is neither there nor given up.
+  /// A take was started and is neither complete nor given up.
   bool Pending() const { return TimerSpeech->Enabled(); }
 
-  /// The take that is there is the one that was there when it was done.
+  /// The file is still the one that completed the take.
   bool Unchanged() const;
 
-  /// Nobody waits for the take any more.
+  /// Stops waiting for the take.
   void Forget() { TimerSpeech->Stop(); }
 
-  /// The helper is gone: a take that is not there by now never will be.
+  /// The helper is gone: a take that is not complete never will be.
   void GiveUp();
 
   std::string Path() const { return parts_.shared.InApplicationFolder("\\ttstmp.wav"); }
@@ -142,7 +142,7 @@ class SpeechTake {
   std::unique_ptr<Timer> TimerSpeech;
   Done done_;
   std::chrono::milliseconds deadline_{0};  ///< uptime
-  Clock::WallTime written_;                ///< the take that is there
+  Clock::WallTime written_;                ///< when the file was last modified
 };
 
 }  // namespace orven

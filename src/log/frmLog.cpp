@@ -99,7 +99,7 @@ QWidget* frmLog::MakeButtons() {
   for (auto* button : {cmdDelete_, cmdSaveAs_, cmdProp_}) button->setAutoDefault(false);
   cmdDelete_->setToolTip(tr("Delete the selected log"));
   cmdSaveAs_->setToolTip(tr("Save a copy of the selected log"));
-  cmdProp_->setToolTip(tr("Which logs are written, and for how long they are kept"));
+  cmdProp_->setToolTip(tr("Which logs are written and how long they are kept"));
   return row;
 }
 
@@ -167,8 +167,8 @@ frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
   for (const char* choice : kLogForChoices) cmbLogFor_->addItem(tr(choice), Name(choice));
   IgnoreStrayWheel(*cmbLogFor_);
   chkLogCalls_->setToolTip(tr("Write a line for each call"));
-  chkLogSys_->setToolTip(tr("Write each step of the line, and what failed"));
-  cmbLogFor_->setToolTip(tr("Files in the log folder that are older are deleted"));
+  chkLogSys_->setToolTip(tr("Write each step of the line and each failure"));
+  cmbLogFor_->setToolTip(tr("Older files in the log folder are deleted"));
   chkWornBeforeDelete_->setToolTip(tr("Ask before the log viewer deletes a log"));
   // Leaves room for the title and its window buttons.
   setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) * 3);

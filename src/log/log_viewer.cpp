@@ -129,7 +129,7 @@ void LogViewer::Refresh() {
   const bool still_there = std::find(names.begin(), names.end(), selected_) != names.end();
   window_.ShowFiles(names, still_there ? selected_ : "");
   if (!still_there) Select("");
-  if (names.empty()) window_.ShowState("There is no such log.");
+  if (names.empty()) window_.ShowState("There are no such logs.");
 }
 
 void LogViewer::Select(const std::string& file_name) {

@@ -11,7 +11,7 @@ namespace orven {
 namespace {
 
 constexpr int kButtonIcon = 16;
-constexpr int kSoundCharacters = 24;  // a file's name may be long; the list does not grow with it
+constexpr int kSoundCharacters = 24;  // width of the list; longer names are cut
 constexpr int kTickEvery = 10;
 
 QString Name(const char* name) {
@@ -48,7 +48,7 @@ QWidget* frmEvents::MakeGeneral() {
   column->addWidget(MakeSpeed());
   column->addWidget(MakeClosing());
   auto* test = MakeButton("cmdTestViewer", tr("Test"), nullptr, page);
-  test->setToolTip(tr("Show the caller view as it is set here"));
+  test->setToolTip(tr("Show the caller view with these options"));
   connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Choices()); });
   column->addWidget(test, 0, Qt::AlignLeft);
   column->addStretch();
@@ -174,7 +174,7 @@ void frmEvents::Show(const EventChoices& choices) {
 void frmEvents::ShowSounds(QComboBox& box, const SoundList& sounds) {
   box.clear();
   for (const auto& name : sounds.names) box.addItem(QString::fromStdString(name));
-  // The lists' own search ignores the case of letters, and names may differ in nothing else.
+  // By default findText ignores letter case, but names may differ only in that.
   const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
   box.setCurrentIndex(sounds.selected.empty() ? -1
                                               : box.findText(QString::fromStdString(sounds.selected), flags));

@@ -13,10 +13,8 @@
 
 namespace orven {
 
-/// The events dialog: sounds, and when the caller view is shown. It shows what the engine loads and
-/// hands over what a person does; every control's object name is its name in this program. Modal to
-/// the main window only, so that a call that comes in meanwhile can be answered in the caller view.
-/// User-interface thread.
+/// The events dialog: sounds, and when the caller view opens. The engine decides; every control's object name
+/// is its name in this program. User-interface thread.
 class frmEvents : public QDialog {
   Q_OBJECT
 
@@ -56,7 +54,7 @@ class frmEvents : public QDialog {
   QSlider* sldAnimationFast_ = nullptr;
   QCheckBox* chkCloseCVAfter_ = nullptr;
   QComboBox* cmbCloseCVAfter_ = nullptr;
-  std::int32_t stored_seconds_ = 0;  ///< while the list has no such entry
+  std::int32_t stored_seconds_ = 0;  ///< kept while the list has no such entry
 };
 
 }  // namespace orven

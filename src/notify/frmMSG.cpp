@@ -24,7 +24,7 @@ constexpr double kRadius = 5;
 
 constexpr QSize kDesignSize{420, 190};  // pixels
 
-// Heights of letters in pixels: the window's size is fixed, and so is what fits into it.
+// Font sizes in pixels, because the window's size is fixed.
 constexpr int kSmall = 12;
 constexpr int kPlain = 14;
 constexpr int kStatus = 16;
@@ -51,7 +51,7 @@ QLabel* Caption(const char* name, const QString& text, QWidget& parent) {
   return Label(name, text, Letters(kSmall), parent);
 }
 
-/// The nearest whole number, halves to even.
+/// Rounded, halves to even.
 int Pixels(std::int32_t twips) {
   return static_cast<int>(std::nearbyint(static_cast<double>(twips) / kTwipsPerPixel));
 }
@@ -85,7 +85,7 @@ CommandTile::CommandTile(const Look& look, QWidget* parent)
   if (framed_) row->addStretch();
 }
 
-/// A label keeps the pixels of its picture, not the picture.
+/// The label stores pixels, so a new palette needs a new picture.
 void CommandTile::ShowPicture() {
   if (picture_ != nullptr) picture_->setPixmap(icon_.pixmap(kIcon));
 }
@@ -145,7 +145,7 @@ frmMSG::frmMSG(const QWidget& main_window)
   column->addWidget(MakeHeading());
   column->addWidget(MakeDetails(), 1);
   column->addWidget(MakeCommands());
-  // Whoever came to the front last must not cover it.
+  // A window that comes to the front must not cover it.
   connect(qApp, &QGuiApplication::focusWindowChanged, this, [this] { KeepOnTop(); });
 }
 
@@ -224,7 +224,7 @@ void frmMSG::AddCommand(QLayout& row, const CommandTile::Look& look, void (Calle
   auto* tile = MakeChild<CommandTile>(look, row.parentWidget());
   tile->setFont(Letters(kPlain, true));
   auto keep = tile->sizePolicy();
-  keep.setRetainSizeWhenHidden(true);  // the caller's name stays where it is
+  keep.setRetainSizeWhenHidden(true);  // keeps the caller's name in place
   keep.setHorizontalPolicy(QSizePolicy::Expanding);
   tile->setSizePolicy(keep);
   row.addWidget(tile);
@@ -245,7 +245,7 @@ void frmMSG::MoveTo(std::int32_t top) noexcept {
   Place();
 }
 
-/// The screen stays the same while the window is shown, wherever the main window is dragged.
+/// The screen does not change while the window is shown, even if the main window moves.
 void frmMSG::Place() {
   if (!isVisible() || screen_.isNull()) screen_ = main_window_.screen();
   if (screen_.isNull()) screen_ = QGuiApplication::primaryScreen();
@@ -300,7 +300,7 @@ void frmMSG::ShowMessagePath(const std::string& path) noexcept {
   message_->setText(QString::fromStdString(path));
 }
 
-/// The desktop may ask a window to close in ways of its own; the view leaves as by a click.
+/// The desktop asks the window to close: the view slides out as after a click.
 void frmMSG::closeEvent(QCloseEvent* event) {
   if (!event->spontaneous() || clicks_ == nullptr) return QWidget::closeEvent(event);
   event->ignore();
@@ -316,7 +316,7 @@ void frmMSG::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setPen(palette().color(QPalette::Shadow));
   painter.drawRect(rect().adjusted(0, 0, -1, -1));
-  // A bar at the lower edge, which is the first thing to be seen of it.
+  // A bar at the lower edge, which appears first.
   constexpr int kBar = 4;
   painter.fillRect(1, height() - 1 - kBar, width() - 2, kBar, palette().brush(QPalette::Highlight));
 }

@@ -15,12 +15,12 @@
 
 namespace orven {
 
-/// Something to click on without the focus: a picture, a text, or, framed as a button is, both.
+/// A clickable picture or text that never takes the focus; with both it is framed like a button.
 class CommandTile : public QFrame {
   Q_OBJECT
 
  public:
-  /// Names of the controls, null for one that there is not; `icon` is a Freedesktop icon name.
+  /// Object names of the label and the picture, null for none; `icon` is a Freedesktop icon name.
   struct Look {
     const char* label;
     QString caption;
@@ -50,18 +50,18 @@ class CommandTile : public QFrame {
   bool pressed_ = false;
 };
 
-/// The caller view on the desktop: above all windows, at the middle of the upper edge of the screen that
-/// has the main window, and never with the focus. It decides nothing; every control's object name is its
-/// name in this program. User-interface thread.
+/// The caller view's window: on top of all windows, centred at the upper edge of the screen that shows the
+/// main window, and never with the focus. The engine decides; every control's object name is its name in this
+/// program. User-interface thread.
 class frmMSG : public QWidget, public CallerViewWindow {
   Q_OBJECT
 
  public:
-  /// `main_window` says on which screen; it lives longer. It is not the parent, with which this window
-  /// would be hidden.
+  /// `main_window` determines the screen and outlives this window. It is not the parent, because this window
+  /// would be hidden with it.
   explicit frmMSG(const QWidget& main_window);
 
-  /// Who is told of clicks; nobody when null.
+  /// Receives the clicks; may be null.
   void SetClicks(CallerViewClicks* clicks) { clicks_ = clicks; }
 
   // CallerViewWindow

@@ -138,7 +138,7 @@ TEST_F(LogWindow, BinaryAndMissingFilesAreShownAndDeletedAndTheProgramsEndCloses
   Click("cmdDelete");
   EXPECT_EQ(world.dialogs.questions.size(), 2U);
   EXPECT_EQ(Files(), "");
-  EXPECT_EQ(State(), u"There is no such log.");
+  EXPECT_EQ(State(), u"There are no such logs.");
   frmMain().CloseOtherWindows();
   EXPECT_FALSE(window->isVisible());
 }
