@@ -31,7 +31,7 @@ class Receiver {
     if (packet->header.payload_type == kEventType) return TakeEvent(*packet);
     auto samples = Decode(packet->header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, packet->payload);
     Require(samples.size() == packet->payload.size());
-    playout_.Push(packet->header.ssrc, packet->header.timestamp, samples);
+    jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, samples);
     order_.Push(packet->header.ssrc, packet->header.timestamp, std::move(samples));
     Require(order_.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
   }
@@ -40,8 +40,8 @@ class Receiver {
     for (; blocks > 0; --blocks) {
       now_ += std::chrono::milliseconds(20);
       std::array<std::int16_t, kBlockSamples> sound;
-      playout_.Pull(sound);
-      inband_.Listen(sound);
+      jitter_buffer_.Pull(sound);
+      dtmf_detector_.Listen(sound);
       PopInOrder(kBlockSamples);
     }
   }
@@ -49,7 +49,7 @@ class Receiver {
   /// Packets may overlap; their beginnings are in order.
   void PopInOrder(std::size_t until) {
     while (order_.Front() != nullptr && (until == 0 || order_.BufferedSamples() > until)) {
-      const SoundFrame frame = order_.Pop();
+      const AudioFrame frame = order_.Pop();
       Require(!frame.samples.empty() && frame.start >= popped_);
       popped_ = frame.start + 1;
     }
@@ -68,12 +68,12 @@ class Receiver {
     if (event.kind == TelephoneEvents::Kind::kHeld) digits_.Held(DigitSource::kTelephoneEvent, now_);
   }
 
-  Playout playout_;
+  JitterBuffer jitter_buffer_;
   ReorderBuffer order_;
   std::int64_t popped_ = 0;
   TelephoneEvents events_;
   DigitMerger digits_;
-  InbandDigits inband_{[this](char key) { Press(DigitSource::kInBand, key); }};
+  DtmfDetector dtmf_detector_{[this](char key) { Press(DigitSource::kInBand, key); }};
   std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
 };
 
@@ -81,7 +81,7 @@ class Receiver {
 class SecureReceiver {
  public:
   explicit SecureReceiver(SrtpSuite suite)
-      : sealer_(suite, key_), opener_(SoundOpener::Kind::kSound, suite, key_) {}
+      : srtp_sender_(suite, key_), receiver_(SrtpReceiver::Kind::kRtp, suite, key_) {}
 
   /// The decrypted packet of what the peer says; nothing for a forgery, which `what` chooses.
   std::optional<Bytes> Take(Bytes sound, std::uint8_t what) {
@@ -92,22 +92,22 @@ class SecureReceiver {
                    plain_.data());
     plain_.insert(plain_.end(), sound.begin(), sound.end());
     if (what % 4 != 0) {
-      const auto sealed = sealer_.Seal(plain_);
+      const auto sealed = srtp_sender_.Protect(plain_);
       sent.assign(sealed.begin(), sealed.end());
     }
     if (what % 4 == 1) sent[what * 7U % sent.size()] ^= static_cast<std::uint8_t>(1U << what % 8U);
-    const auto opened = opener_.Open(sent);
+    const auto opened = receiver_.Unprotect(sent);
     Require(opened.has_value() == (what % 4 > 1));
     if (!opened) return std::nullopt;
     Require(std::equal(opened->begin(), opened->end(), plain_.begin(), plain_.end()));
-    Require(!opener_.Open(sent));
+    Require(!receiver_.Unprotect(sent));
     return plain_;
   }
 
  private:
   const SrtpKey key_ = NewSrtpKey();  ///< with a fixed one the fuzzer would learn to forge
-  SoundSealer sealer_;
-  SoundOpener opener_;
+  SrtpSender srtp_sender_;
+  SrtpReceiver receiver_;
   std::uint16_t sequence_ = 0;
   std::vector<std::uint8_t> plain_;
 };

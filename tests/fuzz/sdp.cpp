@@ -73,7 +73,7 @@ class Negotiated {
   const SrtpUse use_;
   MediaNegotiation negotiation_;
   bool agreed_ = false;
-  std::optional<SoundKeys> keys_;
+  std::optional<SrtpKeys> keys_;
 };
 
 }  // namespace

@@ -2,10 +2,12 @@
 #include "adapters/line/sip/caller_identity.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+
+#include "base/text.h"
+#include "base/unicode.h"
 
 namespace orven {
 namespace {
@@ -17,59 +19,6 @@ struct Address {
   std::string user;
   std::string host;
 };
-
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-/// Length of the UTF-8 sequence at the beginning of `text` (RFC 3629), 0 when it is none.
-std::size_t SequenceLength(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead >= 0xC2 && lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-  if (lead < 0xC2 || length == 0 || text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  const bool overlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
-  const bool beyond = (lead == 0xED && byte(1) >= 0xA0) || (lead == 0xF4 && byte(1) >= 0x90);
-  return overlong || beyond ? 0 : length;
-}
-
-bool IsUtf8(std::string_view text) {
-  while (!text.empty()) {
-    const std::size_t length = SequenceLength(text);
-    if (length == 0) return false;
-    text.remove_prefix(length);
-  }
-  return true;
-}
-
-/// Texts that are no UTF-8 come from old telephones, which send ISO 8859-1.
-std::string ToUtf8(std::string text) {
-  if (IsUtf8(text)) return text;
-  std::string utf8;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      utf8 += c;
-    } else {
-      utf8 += static_cast<char>(0xC0 | (byte >> 6));
-      utf8 += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
-  return utf8;
-}
 
 std::string DecodePercent(std::string_view text) {
   std::string decoded;
@@ -121,11 +70,11 @@ void ParseUri(std::string_view uri, Address& address) {
 
 Address Parse(std::string_view value) {
   Address address;
-  std::string_view rest = Trim(value);
+  std::string_view rest = Trimmed(value);
   if (!rest.empty() && rest.front() == '"') {
     address.name = TakeQuoted(rest);
   } else if (const auto bracket = rest.find('<'); bracket != std::string_view::npos) {
-    address.name = std::string(Trim(rest.substr(0, bracket)));
+    address.name = std::string(Trimmed(rest.substr(0, bracket)));
   }
   if (const auto bracket = rest.find('<'); bracket != std::string_view::npos) {
     rest = rest.substr(bracket + 1);
@@ -133,9 +82,9 @@ Address Parse(std::string_view value) {
   } else {
     rest = rest.substr(0, rest.find(';'));
   }
-  ParseUri(Trim(rest), address);
-  address.name = ToUtf8(std::string(Trim(address.name)));
-  address.user = ToUtf8(address.user);
+  ParseUri(Trimmed(rest), address);
+  address.name = Utf8FromUnknown(Trimmed(address.name));
+  address.user = Utf8FromUnknown(address.user);
   return address;
 }
 

@@ -70,9 +70,9 @@ class ConnectionGuard {
   std::array<Watched, kMostDescriptors> watched_{};
   std::string call_;  ///< Call-ID of the call to spare
   int spared_ = -1;   ///< its connection
-  SteadyTimer soon_;
-  SteadyTimer patience_;
-  SteadyTimer tick_;
+  MonotonicTimer soon_;
+  MonotonicTimer patience_;
+  MonotonicTimer tick_;
 };
 
 /// Keeps as many file descriptors as a call needs, so that a stranger who holds all others by

@@ -5,11 +5,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "base/text.h"
 
 namespace orven {
 namespace {
@@ -26,21 +27,10 @@ constexpr std::chrono::milliseconds kSameEvent{80};
 /// A timestamp further back than this is not late: the sender started over.
 constexpr std::int32_t kLatest = 5 * 8000;
 
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  std::transform(upper.begin(), upper.end(), upper.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return upper;
-}
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
+/// The key that is named by itself ("a" is "A") or by its event code from 10 on.
 std::optional<char> Key(std::string_view text) {
-  if (text.size() == 1 && kKeys.find(text[0]) != std::string_view::npos) return text[0];
+  const std::size_t code = text.size() == 1 ? Lower(kKeys).find(text[0]) : std::string_view::npos;
+  if (code != std::string_view::npos) return kKeys[code];
   if (text.size() != 2 || text[0] != '1' || text[1] < '0' || text[1] > '5') return std::nullopt;
   return kKeys[static_cast<std::size_t>(10 + text[1] - '0')];
 }
@@ -92,26 +82,26 @@ TelephoneEvents::Result TelephoneEvents::Take(const RtpPacket& packet, Time now)
 }
 
 std::optional<char> DigitOfInfo(std::string_view body) {
-  const std::string upper = Upper(body);
-  std::string_view rest = upper;
-  if (const auto signal = rest.find("SIGNAL"); signal != std::string_view::npos) {
+  const std::string lower = Lower(body);
+  std::string_view rest = lower;
+  if (const auto signal = rest.find("signal"); signal != std::string_view::npos) {
     rest.remove_prefix(signal + 6);
     const auto equals = rest.find_first_not_of(" \t");
     if (equals == std::string_view::npos || rest[equals] != '=') return std::nullopt;
     rest = rest.substr(equals + 1);
     rest = rest.substr(0, rest.find_first_of("\r\n"));
   }
-  return Key(Trim(rest));
+  return Key(Trimmed(rest));
 }
 
-InbandDigits::InbandDigits(std::function<void(char)> heard)
+DtmfDetector::DtmfDetector(std::function<void(char)> heard)
     : heard_(std::move(heard)), state_(dtmf_rx_init(nullptr, nullptr, nullptr)) {}
 
-void InbandDigits::Release::operator()(dtmf_rx_state_s* state) const {
+void DtmfDetector::Release::operator()(dtmf_rx_state_s* state) const {
   dtmf_rx_free(state);
 }
 
-void InbandDigits::Listen(std::span<const std::int16_t> block) {
+void DtmfDetector::Listen(std::span<const std::int16_t> block) {
   dtmf_rx(state_.get(), block.data(), static_cast<int>(block.size()));
   std::array<char, MAX_DTMF_DIGITS + 1> digits{};
   const std::size_t count = dtmf_rx_get(state_.get(), digits.data(), MAX_DTMF_DIGITS);

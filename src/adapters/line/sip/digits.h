@@ -54,10 +54,10 @@ std::optional<char> DigitOfInfo(std::string_view body);
 
 /// Hears touch tones (ITU-T Q.23) in the received sound, which it leaves as it is. Not for use by
 /// several threads.
-class InbandDigits {
+class DtmfDetector {
  public:
   /// `heard` is called within Listen, once for each tone, some 50 ms after its beginning.
-  explicit InbandDigits(std::function<void(char)> heard);
+  explicit DtmfDetector(std::function<void(char)> heard);
 
   void Listen(std::span<const std::int16_t> block);
 
@@ -104,7 +104,7 @@ class DigitMerger {
 /// Lets no more key presses through than a telephone can make: who tries passwords by machine has to
 /// be as slow as one. A press lasts 40 ms at least with as long a pause after it (ITU-T Q.24), so one
 /// each 60 ms is faster than any telephone; a short burst may come at once, after a stall of the network.
-class KeyPace {
+class KeyRateLimit {
  public:
   using Time = std::chrono::steady_clock::time_point;
 

@@ -59,41 +59,41 @@ void ReorderBuffer::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vecto
   late_ = 0;
   reference_ = Reference{ssrc, timestamp, place};
   const std::size_t size = samples.size();
-  if (!frames_.try_emplace(place, SoundFrame{place, std::move(samples)}).second) return;
+  if (!frames_.try_emplace(place, AudioFrame{place, std::move(samples)}).second) return;
   buffered_ += size;
   end_ = std::max(end_, place + static_cast<std::int64_t>(size));
   while (buffered_ > kMostSamples && frames_.size() > 1) (void)Pop();
 }
 
-const SoundFrame* ReorderBuffer::Front() const {
+const AudioFrame* ReorderBuffer::Front() const {
   return frames_.empty() ? nullptr : &frames_.begin()->second;
 }
 
-SoundFrame ReorderBuffer::Pop() {
-  SoundFrame frame = std::move(frames_.begin()->second);
+AudioFrame ReorderBuffer::Pop() {
+  AudioFrame frame = std::move(frames_.begin()->second);
   frames_.erase(frames_.begin());
   buffered_ -= frame.samples.size();
   played_ = std::max(played_, frame.start + static_cast<std::int64_t>(frame.samples.size()));
   return frame;
 }
 
-struct Playout::Concealer {
+struct JitterBuffer::Concealer {
   plc_state_t state{};
 };
 
-Playout::Playout() : concealer_(std::make_unique<Concealer>()) {
+JitterBuffer::JitterBuffer() : concealer_(std::make_unique<Concealer>()) {
   plc_init(&concealer_->state);
 }
 
-Playout::~Playout() {
+JitterBuffer::~JitterBuffer() {
   plc_release(&concealer_->state);
 }
 
-void Playout::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
+void JitterBuffer::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
   reorder_.Push(ssrc, timestamp, std::move(samples));
 }
 
-void Playout::Pull(std::span<std::int16_t> block) {
+void JitterBuffer::Pull(std::span<std::int16_t> block) {
   LimitDelay();
   while (ready_.size() < kBlock) {
     if (filling_ && StillFilling()) {
@@ -108,7 +108,7 @@ void Playout::Pull(std::span<std::int16_t> block) {
   ready_.erase(ready_.begin(), ready_.begin() + kBlock);
 }
 
-bool Playout::StillFilling() {
+bool JitterBuffer::StillFilling() {
   if (reorder_.Front() == nullptr) return true;
   // A sender that stops after a word must be heard too, so the wait is bounded.
   if (reorder_.BufferedSamples() < kDelay && filling_blocks_++ < kDelayBlocks) return true;
@@ -120,20 +120,20 @@ bool Playout::StillFilling() {
   return false;
 }
 
-void Playout::PlayFront() {
+void JitterBuffer::PlayFront() {
   const std::int64_t hole = reorder_.Front()->start - position_;
   if (hole > concealed_ && hole <= kLongestLoss) {
     Conceal(static_cast<std::size_t>(std::min<std::int64_t>(hole - concealed_, kBlockSamples)));
     return;
   }
-  SoundFrame frame = reorder_.Pop();
+  AudioFrame frame = reorder_.Pop();
   plc_rx(&concealer_->state, frame.samples.data(), static_cast<int>(frame.samples.size()));
   ready_.insert(ready_.end(), frame.samples.begin(), frame.samples.end());
   position_ = frame.start + static_cast<std::int64_t>(frame.samples.size());
   concealed_ = 0;
 }
 
-void Playout::Conceal(std::size_t samples) {
+void JitterBuffer::Conceal(std::size_t samples) {
   samples = std::min(samples, kBlock);
   // The library would turn its history itself, with a memcpy between ranges that may overlap.
   plc_state_t& state = concealer_->state;
@@ -147,7 +147,7 @@ void Playout::Conceal(std::size_t samples) {
   if (concealed_ >= kPause && reorder_.Front() == nullptr) filling_ = true;
 }
 
-void Playout::LimitDelay() {
+void JitterBuffer::LimitDelay() {
   const std::size_t waiting = reorder_.BufferedSamples() + ready_.size();
   least_waiting_ = observed_blocks_ == 0 ? waiting : std::min(least_waiting_, waiting);
   if (++observed_blocks_ < kObservationBlocks) return;

@@ -12,7 +12,7 @@
 namespace orven {
 
 /// Samples at their place on the stream's own time line.
-struct SoundFrame {
+struct AudioFrame {
   std::int64_t start = 0;  ///< in samples; grows over the whole call, never wraps
   std::vector<std::int16_t> samples;
 };
@@ -29,10 +29,10 @@ class ReorderBuffer {
   void Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples);
 
   /// The earliest frame, or nullptr when there is none.
-  const SoundFrame* Front() const;
+  const AudioFrame* Front() const;
 
   /// Takes the earliest frame; there must be one. What lies before its end is late from now on.
-  SoundFrame Pop();
+  AudioFrame Pop();
 
   std::size_t BufferedSamples() const { return buffered_; }
 
@@ -45,7 +45,7 @@ class ReorderBuffer {
     std::int64_t place = 0;
   };
 
-  std::map<std::int64_t, SoundFrame> frames_;
+  std::map<std::int64_t, AudioFrame> frames_;
   std::size_t buffered_ = 0;
   std::optional<Reference> reference_;  ///< the latest packet kept
   std::int64_t end_ = 0;                ///< end of the latest frame ever kept
@@ -57,10 +57,10 @@ class ReorderBuffer {
 /// waits a little before it begins, conceals what got lost, is silent when nothing comes, and makes up
 /// for a sender whose clock runs faster or slower. Sound that arrives in time is passed on bit for
 /// bit. Nobody talks with the machine, so its delay may grow rather than late sound be lost.
-class Playout {
+class JitterBuffer {
  public:
-  Playout();
-  ~Playout();
+  JitterBuffer();
+  ~JitterBuffer();
 
   /// Takes a packet's decoded samples; see ReorderBuffer::Push.
   void Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples);

@@ -22,7 +22,7 @@ timespec Spec(std::chrono::milliseconds time) {
 
 }  // namespace
 
-std::string ErrorWords(int error) {
+std::string ErrorText(int error) {
   return std::generic_category().message(error);
 }
 
@@ -62,30 +62,30 @@ sa LocalAddressTowards(const sa& peer) {
   return found;
 }
 
-SteadyTimer::SteadyTimer(std::function<void()> callback)
+MonotonicTimer::MonotonicTimer(std::function<void()> callback)
     : callback_(std::move(callback)), fd_(timerfd_create(CLOCK_BOOTTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  const int error = fd_ < 0 ? errno : fd_listen(fd_, FD_READ, &SteadyTimer::Fired, this);
+  const int error = fd_ < 0 ? errno : fd_listen(fd_, FD_READ, &MonotonicTimer::Fired, this);
   if (error == 0) return;
   if (fd_ >= 0) ::close(fd_);
   throw std::system_error(error, std::generic_category(), "no timer for the telephone line");
 }
 
-SteadyTimer::~SteadyTimer() {
+MonotonicTimer::~MonotonicTimer() {
   fd_close(fd_);
   ::close(fd_);
 }
 
-void SteadyTimer::StartOnce(std::chrono::milliseconds delay) {
+void MonotonicTimer::StartOnce(std::chrono::milliseconds delay) {
   periodic_ = false;
   Arm(delay, std::chrono::milliseconds(0));
 }
 
-void SteadyTimer::StartPeriodic(std::chrono::milliseconds interval) {
+void MonotonicTimer::StartPeriodic(std::chrono::milliseconds interval) {
   periodic_ = true;
   Arm(interval, interval);
 }
 
-void SteadyTimer::Arm(std::chrono::milliseconds first, std::chrono::milliseconds interval) {
+void MonotonicTimer::Arm(std::chrono::milliseconds first, std::chrono::milliseconds interval) {
   running_ = true;
   itimerspec spec{};
   spec.it_value = Spec(std::max(first, std::chrono::milliseconds(1)));
@@ -93,14 +93,14 @@ void SteadyTimer::Arm(std::chrono::milliseconds first, std::chrono::milliseconds
   (void)timerfd_settime(fd_, 0, &spec, nullptr);
 }
 
-void SteadyTimer::Stop() {
+void MonotonicTimer::Stop() {
   running_ = false;
   const itimerspec never{};
   (void)timerfd_settime(fd_, 0, &never, nullptr);
 }
 
-void SteadyTimer::Fired(int /*flags*/, void* self) {
-  auto& timer = *static_cast<SteadyTimer*>(self);
+void MonotonicTimer::Fired(int /*flags*/, void* self) {
+  auto& timer = *static_cast<MonotonicTimer*>(self);
   std::uint64_t expirations = 0;
   if (::read(timer.fd_, &expirations, sizeof(expirations)) != sizeof(expirations) || !timer.running_) return;
   if (!timer.periodic_) timer.running_ = false;

@@ -38,7 +38,7 @@ inline std::string_view View(const pl& text) {
 }
 
 /// The system's words for an errno value.
-std::string ErrorWords(int error);
+std::string ErrorText(int error);
 
 /// "192.0.2.1:5060", "[2001:db8::1]:5060".
 std::string AddressText(const sa& address);
@@ -53,12 +53,12 @@ sa LocalAddressTowards(const sa& peer);
 /// A timer of the SIP thread on the clock that nobody sets, and that counts a suspended computer's sleep. The
 /// library's own timers follow the wall clock: when that is put back they stand still for as long, which must
 /// not stop a call's sound. Made, used and destroyed on the SIP thread; the callback may destroy the timer.
-class SteadyTimer {
+class MonotonicTimer {
  public:
-  explicit SteadyTimer(std::function<void()> callback);
-  SteadyTimer(const SteadyTimer&) = delete;
-  SteadyTimer& operator=(const SteadyTimer&) = delete;
-  ~SteadyTimer();
+  explicit MonotonicTimer(std::function<void()> callback);
+  MonotonicTimer(const MonotonicTimer&) = delete;
+  MonotonicTimer& operator=(const MonotonicTimer&) = delete;
+  ~MonotonicTimer();
 
   /// Calls back once after `delay` (1 ms or more); a timer already running starts anew.
   void StartOnce(std::chrono::milliseconds delay);

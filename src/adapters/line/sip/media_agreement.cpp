@@ -142,7 +142,7 @@ bool MediaNegotiation::AgreeOnKeys(bool is_offer, MediaAgreement& agreement) {
     return attribute.suite == theirs->suite;
   });
   const SrtpKey key = own != own_.end() ? own->key : NewSrtpKey();
-  agreement.keys = SoundKeys{theirs->suite, key, theirs->key};
+  agreement.keys = SrtpKeys{theirs->suite, key, theirs->key};
   TellKeys({{theirs->tag, theirs->suite, key}});
   srtp_ = SrtpUse::kRequired;
   return true;

@@ -24,7 +24,7 @@ struct MediaAgreement {
   std::optional<std::uint8_t> event_payload_type;  ///< telephone-event (RFC 4733)
   bool send = true;                                ///< false: on hold, or the peer takes no sound
   bool receive = true;                             ///< false: the peer sends none
-  std::optional<SoundKeys> keys;                   ///< encrypted with these; absent: plain
+  std::optional<SrtpKeys> keys;                    ///< encrypted with these; absent: plain
 };
 
 /// The call's half of the offer/answer exchange (RFC 3264), again for each re-INVITE. SIP thread.

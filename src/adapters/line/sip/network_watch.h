@@ -29,8 +29,8 @@ class NetworkWatch {
   const std::function<void(bool)> look_;
   int kernel_ = -1;    ///< rtnetlink(7); -1: it does not tell
   std::string names_;  ///< what the files looked like
-  SteadyTimer settle_;
-  SteadyTimer tick_;
+  MonotonicTimer settle_;
+  MonotonicTimer tick_;
 };
 
 }  // namespace orven

@@ -119,7 +119,7 @@ Registration::Registration(const SipLineSettings& settings, Towards towards,
       call_id_(RandomName()),
       login_(settings.auth_user.empty() ? account_.user : settings.auth_user, settings.password),
       timer_([this] { Start(); }),
-      sign_timer_([this] { SendSignOfLife(); }),
+      keep_alive_timer_([this] { SendKeepAlive(); }),
       life_(settings.timers.registration_life),
       retry_(settings.timers.registration_retry_first) {}
 
@@ -180,7 +180,7 @@ void Registration::Leave(const sip& stack) {
 void Registration::Ask(seconds life) {
   int error = Send(life);
   while (error != 0 && NextServer()) error = Send(life);
-  if (error != 0) RetryLater({.error = error, .reason = NetworkWords(settings_, error, "")});
+  if (error != 0) RetryLater({.error = error, .reason = ServerFailureText(settings_, error, "")});
 }
 
 bool Registration::NextServer() {
@@ -191,7 +191,7 @@ bool Registration::NextServer() {
 
 void Registration::End() {
   timer_.Stop();
-  sign_timer_.Stop();
+  keep_alive_timer_.Stop();
   lookup_.GiveUp();
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
@@ -251,8 +251,9 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
   if (error == 0 && response->scode < 200) return;
   // Another of the server's addresses may do better (RFC 3263, section 4.3).
   if ((error != 0 || response->scode == 503) && NextServer()) return Ask(asked_);
-  if (error != 0) return RetryLater({.error = error, .reason = NetworkWords(settings_, error, refusal_())});
-  TakeSeenAddress(*response);
+  if (error != 0)
+    return RetryLater({.error = error, .reason = ServerFailureText(settings_, error, refusal_())});
+  TakePublicAddress(*response);
   if (response->scode == 401 || response->scode == 407) return TakeChallenge(*response);
   login_.Accepted();
   if (response->scode < 300) return Registered(*response);
@@ -281,7 +282,7 @@ void Registration::TakeTooBrief(const sip_msg& response) {
 
 /// The server's answer tells from where our request came (RFC 3261, section 18.2.1; RFC 3581). A connection
 /// has a port of its own in any case, so there the address alone tells of a router.
-void Registration::TakeSeenAddress(const sip_msg& response) {
+void Registration::TakePublicAddress(const sip_msg& response) {
   pl host{};
   pl port{};
   if (msg_param_decode(&response.via.params, "received", &host) != 0) host = {};
@@ -310,7 +311,7 @@ void Registration::Registered(const sip_msg& response) {
   retry_ = settings_.timers.registration_retry_first;
   const milliseconds pause = milliseconds(granted) * kRefreshPercent / 100;
   timer_.StartOnce(pause);
-  KeepWay(response);
+  KeepReachable(response);
   settings_.registration_news({.state = RegistrationNews::State::Registered, .pause = pause});
   // Behind a router: under the address that calls can find. Once until the next refresh, since there are
   // routers that give us another one each time.
@@ -319,9 +320,9 @@ void Registration::Registered(const sip_msg& response) {
 }
 
 /// What keeps the way open by which calls come.
-void Registration::KeepWay(const sip_msg& response) {
+void Registration::KeepReachable(const sip_msg& response) {
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
-  if (response.tp == SIP_TRANSP_UDP) return sign_timer_.StartPeriodic(settings_.timers.keep_alive);
+  if (response.tp == SIP_TRANSP_UDP) return keep_alive_timer_.StartPeriodic(settings_.timers.keep_alive);
   // Calls come in over this very connection: when it goes, the registration is worth nothing.
   (void)sip_keepalive_start(
       &connection_, stack_, &response, kWatchOnly,
@@ -332,7 +333,7 @@ void Registration::KeepWay(const sip_msg& response) {
 }
 
 /// An empty message (RFC 5626, section 4.4.1): routers between the server and us keep the way open.
-void Registration::SendSignOfLife() {
+void Registration::SendKeepAlive() {
   const LibrePtr<mbuf> empty(mbuf_alloc(4));
   if (stack_ == nullptr || servers_.empty() || empty == nullptr ||
       mbuf_write_str(empty.get(), "\r\n\r\n") != 0)
@@ -368,7 +369,7 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
   too_brief_ = 0;
   life_ = settings_.timers.registration_life;
   login_.Reset();
-  sign_timer_.Stop();
+  keep_alive_timer_.Stop();
   // Not all clients of a server that comes back may ask in the same moment.
   const auto most = std::min<milliseconds>(news.pause / 4, kLongestSpread);
   const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(most.count() + 1));

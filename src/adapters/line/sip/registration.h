@@ -56,10 +56,10 @@ class Registration {
   void TakeResponse(int error, const sip_msg* response);
   void TakeChallenge(const sip_msg& response);
   void TakeTooBrief(const sip_msg& response);
-  void TakeSeenAddress(const sip_msg& response);
+  void TakePublicAddress(const sip_msg& response);
   void Registered(const sip_msg& response);
-  void KeepWay(const sip_msg& response);
-  void SendSignOfLife();
+  void KeepReachable(const sip_msg& response);
+  void SendKeepAlive();
   /// Tells the failure and waits: for `pause` or, without one, longer after each failure.
   void RetryLater(const RegistrationNews& failure, std::chrono::milliseconds pause = {});
   /// The same for an answer of the server, which may demand another pause.
@@ -78,8 +78,8 @@ class Registration {
   std::uint32_t sequence_ = 0;
   sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
   struct sip_request* request_ = nullptr;  ///< under way; the library clears it when answered
-  SteadyTimer timer_;
-  SteadyTimer sign_timer_;
+  MonotonicTimer timer_;
+  MonotonicTimer keep_alive_timer_;
   std::chrono::seconds life_;      ///< that we ask for
   std::chrono::seconds asked_{0};  ///< in the latest request
   std::chrono::milliseconds retry_;

@@ -15,14 +15,6 @@ namespace {
 
 constexpr unsigned kVersion = 2;
 
-std::uint16_t Read16(const std::uint8_t* bytes) {
-  return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
-}
-
-std::uint32_t Read32(const std::uint8_t* bytes) {
-  return static_cast<std::uint32_t>(Read16(bytes)) << 16 | Read16(bytes + 2);
-}
-
 void Write32(std::uint32_t value, std::uint8_t* bytes) {
   for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
 }
@@ -59,24 +51,18 @@ void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes) {
 }
 
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
-  if (!LooksLikeRtp(datagram)) return std::nullopt;
-  const bool padded = (datagram[0] & 0x20) != 0;
-  const bool extended = (datagram[0] & 0x10) != 0;
-  std::size_t begin = kRtpHeaderBytes + std::size_t{4} * (datagram[0] & 0x0FU);
-  if (extended) {
-    if (datagram.size() < begin + 4) return std::nullopt;
-    begin += 4 + std::size_t{4} * Read16(datagram.data() + begin + 2);
-  }
-  const std::size_t padding = padded ? datagram.back() : 0;
-  if (datagram.size() < begin + padding || (padded && padding == 0)) return std::nullopt;
-  RtpPacket packet;
-  packet.header.payload_type = datagram[1] & 0x7F;
-  packet.header.marker = (datagram[1] & 0x80) != 0;
-  packet.header.sequence = Read16(datagram.data() + 2);
-  packet.header.timestamp = Read32(datagram.data() + 4);
-  packet.header.ssrc = Read32(datagram.data() + 8);
-  packet.payload = datagram.subspan(begin, datagram.size() - begin - padding);
-  return packet;
+  // The library only reads through it.
+  mbuf view{const_cast<std::uint8_t*>(datagram.data()), datagram.size(), 0, datagram.size()};
+  rtp_header header{};
+  if (!LooksLikeRtp(datagram) || rtp_hdr_decode(&header, &view) != 0) return std::nullopt;
+  const std::size_t padding = header.pad ? datagram.back() : 0;
+  if (mbuf_get_left(&view) < padding || (header.pad && padding == 0)) return std::nullopt;
+  return RtpPacket{.header = {.payload_type = header.pt,
+                              .marker = header.m,
+                              .sequence = header.seq,
+                              .timestamp = header.ts,
+                              .ssrc = header.ssrc},
+                   .payload = datagram.subspan(view.pos, mbuf_get_left(&view) - padding)};
 }
 
 bool LooksLikeRtp(std::span<const std::uint8_t> datagram) {
@@ -170,17 +156,17 @@ void DatagramSocket::Send(const sa& destination, std::span<const std::uint8_t> d
   (void)::sendto(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT, &destination.u.sa, destination.len);
 }
 
-std::optional<RtpPorts> BindRtpPorts(const sa& address, const DatagramSocket::Handlers& sound,
-                                     const DatagramSocket::Handlers& control) {
+std::optional<RtpPorts> BindRtpPorts(const sa& address, const DatagramSocket::Handlers& rtp,
+                                     const DatagramSocket::Handlers& rtcp) {
   constexpr std::uint32_t kPairs = (kLastPort - kFirstPort) / 2 + 1;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto port = static_cast<std::uint16_t>(kFirstPort + 2 * (rand_u32() % kPairs));
     sa local = address;
     sa_set_port(&local, port);
-    auto first = DatagramSocket::Bind(local, sound);
+    auto first = DatagramSocket::Bind(local, rtp);
     if (first == nullptr) continue;
     sa_set_port(&local, static_cast<std::uint16_t>(port + 1));
-    auto second = DatagramSocket::Bind(local, control);
+    auto second = DatagramSocket::Bind(local, rtcp);
     if (second != nullptr) return RtpPorts{std::move(first), std::move(second), port};
   }
   return std::nullopt;

@@ -92,13 +92,13 @@ class DatagramSocket {
 /// A call's pair of ports: an even one for the sound, the next for its control messages (RFC 3550,
 /// section 11).
 struct RtpPorts {
-  std::unique_ptr<DatagramSocket> sound;
-  std::unique_ptr<DatagramSocket> control;
+  std::unique_ptr<DatagramSocket> rtp;
+  std::unique_ptr<DatagramSocket> rtcp;
   std::uint16_t port = 0;  ///< of the sound
 };
 
 /// Binds a free pair at `address` (its port is ignored), or nothing when there is none.
-std::optional<RtpPorts> BindRtpPorts(const sa& address, const DatagramSocket::Handlers& sound,
-                                     const DatagramSocket::Handlers& control);
+std::optional<RtpPorts> BindRtpPorts(const sa& address, const DatagramSocket::Handlers& rtp,
+                                     const DatagramSocket::Handlers& rtcp);
 
 }  // namespace orven

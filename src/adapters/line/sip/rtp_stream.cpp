@@ -21,7 +21,7 @@ constexpr std::int64_t kMostLateBlocks = 100;
 /// 3.3.1): the first half leaves it 11 minutes to hear the first packet.
 constexpr std::uint16_t kFirstSequenceMask = 0x7FFF;
 
-/// More than any delay that Playout builds up.
+/// More than any delay that JitterBuffer builds up.
 constexpr int kMostTailBlocks = 150;
 
 }  // namespace
@@ -34,7 +34,7 @@ std::unique_ptr<RtpStream> RtpStream::Bind(const sa& address, LineAudio& audio, 
       address,
       {.received = [self](const sa& source, auto datagram) { self->TakePacket(source, datagram); },
        .refused = [self](const sa& destination) { self->TakeRefusal(destination); }},
-      {.received = [self](const sa& source, auto datagram) { self->TakeControl(source, datagram); },
+      {.received = [self](const sa& source, auto datagram) { self->TakeRtcp(source, datagram); },
        .refused = [](const sa&) {}});
   if (!ports) return nullptr;
   stream->ports_ = std::move(*ports);
@@ -46,7 +46,7 @@ RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEve
       timers_(timers),
       events_(events),
       ticker_([this] { Tick(); }),
-      inband_([this](char digit) { events_.DigitHeard(DigitSource::kInBand, digit); }),
+      dtmf_detector_([this](char digit) { events_.DigitHeard(DigitSource::kInBand, digit); }),
       ssrc_(rand_u32()),
       timestamp_(rand_u32()),
       sequence_(rand_u16() & kFirstSequenceMask) {}
@@ -59,7 +59,7 @@ void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
   ticker_.StartPeriodic(kBlockTime);
 }
 
-void RtpStream::SoundReady() {
+void RtpStream::SourceReady() {
   if (!started_ || !silent_) return;
   start_ = Clock::now() - (blocks_ + 1) * kBlockTime;
   ticker_.StartPeriodic(kBlockTime);
@@ -78,31 +78,32 @@ void RtpStream::Agree(const MediaAgreement& agreement) {
   agreement_ = agreement;
   const auto& keys = agreement.keys;
   if (!keys) {
-    sealer_.reset();
-    sound_opener_.reset();
-    control_opener_.reset();
+    srtp_sender_.reset();
+    rtp_receiver_.reset();
+    rtcp_receiver_.reset();
     return;
   }
-  if (!sealer_ || !sealer_->Uses(keys->suite, keys->send)) sealer_.emplace(keys->suite, keys->send);
-  if (sound_opener_ && sound_opener_->Uses(keys->suite, keys->receive)) return;
-  sound_opener_.emplace(SoundOpener::Kind::kSound, keys->suite, keys->receive);
-  control_opener_.emplace(SoundOpener::Kind::kControl, keys->suite, keys->receive);
+  if (!srtp_sender_ || !srtp_sender_->Uses(keys->suite, keys->send))
+    srtp_sender_.emplace(keys->suite, keys->send);
+  if (rtp_receiver_ && rtp_receiver_->Uses(keys->suite, keys->receive)) return;
+  rtp_receiver_.emplace(SrtpReceiver::Kind::kRtp, keys->suite, keys->receive);
+  rtcp_receiver_.emplace(SrtpReceiver::Kind::kRtcp, keys->suite, keys->receive);
 }
 
 void RtpStream::Stop() {
   if (!started_) return;
-  ports_.sound->Drain();
+  ports_.rtp->Drain();
   started_ = false;
   ticker_.Stop();
-  for (int i = 0; i < kMostTailBlocks && !playout_.Empty(); ++i) {
+  for (int i = 0; i < kMostTailBlocks && !jitter_buffer_.Empty(); ++i) {
     std::array<std::int16_t, kBlockSamples> block;
-    playout_.Pull(block);
+    jitter_buffer_.Pull(block);
     audio_.Deliver(block);
   }
 }
 
 void RtpStream::Tick() {
-  ports_.sound->Drain();
+  ports_.rtp->Drain();
   const Time now = Clock::now();
   std::int64_t due = (now - start_) / kBlockTime;
   if (due - blocks_ > kMostLateBlocks) {
@@ -138,15 +139,15 @@ void RtpStream::SendBlock() {
 
 /// A packet that cannot be encrypted is not sent.
 void RtpStream::Send(std::span<const std::uint8_t> packet) {
-  const auto sealed = sealer_ ? sealer_->Seal(packet) : packet;
-  if (!sealed.empty()) ports_.sound->Send(source_ ? *source_ : agreement_->peer, sealed);
+  const auto sealed = srtp_sender_ ? srtp_sender_->Protect(packet) : packet;
+  if (!sealed.empty()) ports_.rtp->Send(source_ ? *source_ : agreement_->peer, sealed);
 }
 
 void RtpStream::DeliverBlock() {
   std::array<std::int16_t, kBlockSamples> block;
-  playout_.Pull(block);
+  jitter_buffer_.Pull(block);
   audio_.Deliver(block);
-  inband_.Listen(block);
+  dtmf_detector_.Listen(block);
 }
 
 void RtpStream::CheckPeer(Time now) {
@@ -170,14 +171,14 @@ bool RtpStream::IsPeer(const sa& source) {
 }
 
 /// The plain packet, or nothing when it is not the peer's.
-std::optional<std::span<const std::uint8_t>> RtpStream::Opened(std::optional<SoundOpener>& opener,
+std::optional<std::span<const std::uint8_t>> RtpStream::Opened(std::optional<SrtpReceiver>& receiver,
                                                                std::span<const std::uint8_t> datagram) {
-  return opener ? opener->Open(datagram) : datagram;
+  return receiver ? receiver->Unprotect(datagram) : datagram;
 }
 
 void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datagram) {
   if (!started_ || !agreement_) return;
-  const auto opened = Opened(sound_opener_, datagram);
+  const auto opened = Opened(rtp_receiver_, datagram);
   const auto packet = opened ? ReadRtpPacket(*opened) : std::nullopt;
   if (!packet) return;
   const auto codec = agreement_->codecs[packet->header.payload_type];
@@ -186,10 +187,11 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   if ((!codec && !is_event && !is_noise) || !IsPeer(source)) return;
   alive_ = Clock::now();
   refused_since_.reset();
-  if (codec) playout_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
+  if (codec)
+    jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
   if (!heard_) {
     heard_ = true;
-    ports_.sound->LeaveToDrain();  // from here on a turn's 20 ms are soon enough
+    ports_.rtp->LeaveToDrain();  // from here on a turn's 20 ms are soon enough
     events_.PeerHeard();
   }
   if (is_event) TakeEvent(*packet);
@@ -205,10 +207,10 @@ void RtpStream::TakeEvent(const RtpPacket& packet) {
 }
 
 /// A peer that sends no sound in silence still reports on ours: it is not lost.
-void RtpStream::TakeControl(const sa& source, std::span<const std::uint8_t> datagram) {
+void RtpStream::TakeRtcp(const sa& source, std::span<const std::uint8_t> datagram) {
   if (!started_ || !agreement_ || !LooksLikeRtcp(datagram)) return;
   if (!sa_cmp(&source, source_ ? &*source_ : &agreement_->peer, SA_ADDR)) return;
-  if (Opened(control_opener_, datagram)) alive_ = Clock::now();
+  if (Opened(rtcp_receiver_, datagram)) alive_ = Clock::now();
 }
 
 void RtpStream::TakeRefusal(const sa& destination) {

@@ -46,7 +46,7 @@ class RtpStream {
 
   /// What plays has its first sound. If the peer has heard nothing but silence yet, that sound leaves now,
   /// and the 20 ms are counted from here.
-  void SoundReady();
+  void SourceReady();
 
   /// From now on as agreed anew (re-INVITE): the peer may also send from elsewhere.
   void Update(const MediaAgreement& agreement);
@@ -66,10 +66,10 @@ class RtpStream {
   void DeliverBlock();
   void CheckPeer(Time now);
 
-  static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SoundOpener>& opener,
+  static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SrtpReceiver>& receiver,
                                                              std::span<const std::uint8_t> datagram);
   void TakePacket(const sa& source, std::span<const std::uint8_t> datagram);
-  void TakeControl(const sa& source, std::span<const std::uint8_t> datagram);
+  void TakeRtcp(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeRefusal(const sa& destination);
   bool IsPeer(const sa& source);
   void TakeEvent(const RtpPacket& packet);
@@ -78,15 +78,15 @@ class RtpStream {
   const SipLineTimers& timers_;
   RtpStreamEvents& events_;
   RtpPorts ports_;
-  SteadyTimer ticker_;
+  MonotonicTimer ticker_;
   std::optional<MediaAgreement> agreement_;
-  std::optional<SoundSealer> sealer_;  ///< absent, like the openers, when the sound is plain
-  std::optional<SoundOpener> sound_opener_;
-  std::optional<SoundOpener> control_opener_;
+  std::optional<SrtpSender> srtp_sender_;  ///< absent, like the openers, when the sound is plain
+  std::optional<SrtpReceiver> rtp_receiver_;
+  std::optional<SrtpReceiver> rtcp_receiver_;
   std::optional<sa> source_;  ///< where the peer's packets really come from
 
-  Playout playout_;
-  InbandDigits inband_;
+  JitterBuffer jitter_buffer_;
+  DtmfDetector dtmf_detector_;
   TelephoneEvents telephone_events_;
 
   bool started_ = false;

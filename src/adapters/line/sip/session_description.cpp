@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include "base/text.h"
+
 namespace orven {
 namespace {
 
@@ -22,16 +24,6 @@ std::string_view TakeLine(std::string_view& rest) {
   return line;
 }
 
-bool SameLetters(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) { return tolower(x) == tolower(y); });
-}
-
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const auto first = std::min(text.find_first_not_of(kBlanks), text.size());
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
 /// Takes a header off `rest`, with the lines that continue it (RFC 5322, section 2.2.3).
 std::string_view TakeHeader(std::string_view& rest) {
   const auto whole = rest;
@@ -45,9 +37,9 @@ std::string_view TakeHeader(std::string_view& rest) {
 bool IsDescription(std::string_view headers) {
   while (!headers.empty()) {
     auto value = TakeHeader(headers);
-    const auto name = Trimmed(TakeUpTo(value, ":"));
-    if (!SameLetters(name, "Content-Type") && !SameLetters(name, "c")) continue;
-    return SameLetters(Trimmed(TakeUpTo(value, ";")), "application/sdp");
+    const auto name = Lower(Trimmed(TakeUpTo(value, ":")));
+    if (name != "content-type" && name != "c") continue;
+    return Lower(Trimmed(TakeUpTo(value, ";"))) == "application/sdp";
   }
   return false;
 }
@@ -97,12 +89,6 @@ std::string MendAudio(std::string_view line) {
   return std::string(line.substr(0, slash)).append(line.substr(end));
 }
 
-std::string Lowered(std::string_view line) {
-  std::string lowered(line);
-  std::ranges::transform(lowered, lowered.begin(), [](unsigned char one) { return tolower(one); });
-  return lowered;
-}
-
 }  // namespace
 
 std::optional<std::string> DescriptionIn(const sip_msg& message) {
@@ -131,7 +117,7 @@ std::string MendDescription(std::string_view text) {
     const bool skipped = IsUnwanted(line) && text.size() > behind_audio;
     if (line[0] == 'm') audio = line.starts_with(kAudio) && !skipped;
     if (line[0] == 'm') {
-      mended.append(skipped ? Lowered(line) : audio ? MendAudio(line) : std::string(line)).append("\r\n");
+      mended.append(skipped ? Lower(line) : audio ? MendAudio(line) : std::string(line)).append("\r\n");
     } else if (audio && line[0] != 'b' && (line[0] != 'a' || IsWhole(value))) {
       mended.append(line).append("\r\n");
     }

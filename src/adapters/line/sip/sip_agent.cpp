@@ -24,8 +24,9 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriver
     : settings_(settings),
       audio_(audio),
       events_(events),
-      transports_(settings, {[this](SipStation& at, const sip_msg& invite) { TakeInvite(at, invite); },
-                             [this] { Finish(); }, [this](SipStation& station) { return Leave(station); }}),
+      transports_(settings,
+                  {[this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
+                   [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); }}),
       network_([this](bool changed) { LookAtNetwork(changed); }),
       close_timer_([this] { Finish(); }),
       tidy_timer_([this] { TidyMemory(); }) {}
@@ -44,8 +45,8 @@ std::optional<OpenFailure> SipAgent::Start() {
   if (auto failure = transports_.Start()) return failure;
   if (!settings_.account.empty()) {
     const auto towards = [this](const sa& server) {
-      SipStation* const station = transports_.Towards(server);
-      return station != nullptr ? &station->Stack() : nullptr;
+      SipEndpoint* const endpoint = transports_.Towards(server);
+      return endpoint != nullptr ? &endpoint->Stack() : nullptr;
     };
     registration_ =
         std::make_unique<Registration>(settings_, towards, [this] { return transports_.ServerRefusal(); });
@@ -63,18 +64,18 @@ void SipAgent::LookAtNetwork(bool changed) {
 }
 
 /// A call whose address is gone may go on: its sound may have another way, and the address may come again.
-bool SipAgent::Leave(SipStation& station) {
-  if (surroundings_ && surroundings_->stack == &station.Stack()) {
+bool SipAgent::Leave(SipEndpoint& endpoint) {
+  if (call_context_ && call_context_->stack == &endpoint.Stack()) {
     if (call_ != nullptr && !call_->Gone()) return false;
     call_.reset();
     reserve_.Fill();
-    surroundings_.reset();
+    call_context_.reset();
   }
-  if (registration_ != nullptr) registration_->Leave(station.Stack());
+  if (registration_ != nullptr) registration_->Leave(endpoint.Stack());
   return true;
 }
 
-void SipAgent::TakeInvite(SipStation& at, const sip_msg& invite) {
+void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
   tidy_timer_.StartOnce(kTransactionsGone);
   if (closing_ || (call_ != nullptr && !call_->Gone())) {
     (void)sip_reply(&at.Stack(), &invite, 486, "Busy Here");
@@ -85,9 +86,9 @@ void SipAgent::TakeInvite(SipStation& at, const sip_msg& invite) {
     call_.reset();
     reserve_.Release();
     const auto contact = registration_ != nullptr ? registration_->PublicContact(invite) : "";
-    surroundings_.emplace(CallSurroundings{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
-                                           contact.empty() ? ContactUser(settings_) : contact});
-    call_ = SipCall::Accept(*surroundings_, calls_ + 1, invite);
+    call_context_.emplace(CallContext{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
+                                      contact.empty() ? ContactUser(settings_) : contact});
+    call_ = SipCall::Accept(*call_context_, calls_ + 1, invite);
     if (call_ != nullptr) {
       ++calls_;
       transports_.Spare(invite);
@@ -124,8 +125,8 @@ void SipAgent::MonitorDigits(CallNumber call, bool on) {
   if (SipCall* found = Find(call)) found->MonitorDigits(on);
 }
 
-void SipAgent::SoundReady() {
-  if (call_ != nullptr) call_->SoundReady();
+void SipAgent::SourceReady() {
+  if (call_ != nullptr) call_->SourceReady();
 }
 
 void SipAgent::Shutdown(std::function<void()> done) {

@@ -32,16 +32,16 @@ class SipAgent {
   void MonitorDigits(CallNumber call, bool on);
 
   /// What is played to the caller has its first sound.
-  void SoundReady();
+  void SourceReady();
 
   /// Hangs up, takes the registration back and calls `done` when the peer knows, or after a while
   /// without its answer. The agent is to be destroyed then, not from within `done`.
   void Shutdown(std::function<void()> done);
 
  private:
-  void TakeInvite(SipStation& at, const sip_msg& invite);
+  void TakeInvite(SipEndpoint& at, const sip_msg& invite);
   void LookAtNetwork(bool changed);
-  bool Leave(SipStation& station);
+  bool Leave(SipEndpoint& endpoint);
   SipCall* Find(CallNumber number) const;
   void Finish();
   void TidyMemory();
@@ -50,15 +50,15 @@ class SipAgent {
   LineAudio& audio_;
   LineDriverEvents& events_;
   SipTransports transports_;
-  std::optional<CallSurroundings> surroundings_;  ///< of `call_`
+  std::optional<CallContext> call_context_;  ///< of `call_`
   std::unique_ptr<Registration> registration_;
   std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one, its descriptors still held
   DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;
   bool closing_ = false;
   NetworkWatch network_;
-  SteadyTimer close_timer_;
-  SteadyTimer tidy_timer_;
+  MonotonicTimer close_timer_;
+  MonotonicTimer tidy_timer_;
   std::function<void()> done_;
 };
 

@@ -8,7 +8,7 @@
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/session_description.h"
-#include "adapters/line/sip/sip_station.h"
+#include "adapters/line/sip/sip_endpoint.h"
 
 namespace orven {
 namespace {
@@ -26,18 +26,18 @@ SrtpUse SrtpOf(const SipLineSettings& settings) {
 
 }  // namespace
 
-std::unique_ptr<SipCall> SipCall::Accept(const CallSurroundings& surroundings, CallNumber number,
+std::unique_ptr<SipCall> SipCall::Accept(const CallContext& context, CallNumber number,
                                          const sip_msg& invite) {
-  std::unique_ptr<SipCall> call(new SipCall(surroundings, number, invite));
+  std::unique_ptr<SipCall> call(new SipCall(context, number, invite));
   if (!call->Prepare(invite) || !call->Begin(invite)) return nullptr;
   call->Announce(invite);
   return call;
 }
 
-SipCall::SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite)
-    : around_(surroundings),
+SipCall::SipCall(const CallContext& context, CallNumber number, const sip_msg& invite)
+    : context_(context),
       number_(number),
-      stream_(RtpStream::Bind(invite.dst, surroundings.audio, surroundings.settings.timers, *this)),
+      stream_(RtpStream::Bind(invite.dst, context.audio, context.settings.timers, *this)),
       ring_timer_([this] { Ring(); }),
       ack_timer_([this] { LosePeer(); }) {}
 
@@ -45,28 +45,28 @@ SipCall::~SipCall() = default;
 
 bool SipCall::Prepare(const sip_msg& invite) {
   if (stream_ == nullptr) {
-    (void)sip_reply(around_.stack, &invite, 500, "No Port For Sound");
+    (void)sip_reply(context_.stack, &invite, 500, "No Port For Sound");
     return false;
   }
   sa local = invite.dst;
   sa_set_port(&local, stream_->Port());
-  negotiation_.emplace(local, SrtpOf(around_.settings));
+  negotiation_.emplace(local, SrtpOf(context_.settings));
   if (mbuf_get_left(invite.mb) == 0) return true;
   const auto offer = DescriptionIn(invite);
   if (!offer) {
-    (void)sip_replyf(around_.stack, &invite, 415, "Unsupported Media Type",
+    (void)sip_replyf(context_.stack, &invite, 415, "Unsupported Media Type",
                      "Accept: application/sdp, multipart/mixed\r\nContent-Length: 0\r\n\r\n");
     return false;
   }
   agreement_ = negotiation_->Read(*offer, true, invite.src);
-  if (!agreement_) (void)sip_reply(around_.stack, &invite, 488, "Not Acceptable Here");
+  if (!agreement_) (void)sip_reply(context_.stack, &invite, 488, "Not Acceptable Here");
   return agreement_.has_value();
 }
 
 bool SipCall::Begin(const sip_msg& invite) {
   sipsess* session = nullptr;
   const int error = sipsess_accept(
-      &session, around_.sessions, &invite, 180, "Ringing", around_.contact.c_str(), kSessionType, nullptr,
+      &session, context_.sessions, &invite, 180, "Ringing", context_.contact.c_str(), kSessionType, nullptr,
       nullptr, nullptr, false,
       [](mbuf** answer, const sip_msg* request, void* self) {
         return Self(self).TakeOffer(answer, *request);
@@ -79,7 +79,7 @@ bool SipCall::Begin(const sip_msg& invite) {
   if (error != 0) {
     // The library has answered nothing then; what it minds is a Contact that leads nowhere.
     const bool malformed = error == EBADMSG || error == EINVAL;
-    (void)sip_reply(around_.stack, &invite, malformed ? 400 : 500,
+    (void)sip_reply(context_.stack, &invite, malformed ? 400 : 500,
                     malformed ? "Bad Contact" : "Server Internal Error");
   }
   return error == 0;
@@ -87,14 +87,14 @@ bool SipCall::Begin(const sip_msg& invite) {
 
 void SipCall::Announce(const sip_msg& invite) {
   const CallerIdentity caller = CallerOf(invite);
-  around_.events.Offered(number_);
-  around_.events.CallerId(number_, caller.name, caller.number);
+  context_.events.Offered(number_);
+  context_.events.CallerId(number_, caller.name, caller.number);
   Ring();
-  ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, around_.settings.ring_seconds)));
+  ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, context_.settings.ring_seconds)));
 }
 
 void SipCall::Ring() {
-  around_.events.Ring(number_, ++rings_);
+  context_.events.Ring(number_, ++rings_);
 }
 
 /// The only place where the state changes; calls never go back.
@@ -106,15 +106,15 @@ void SipCall::Enter(State next) {
 }
 
 void SipCall::Answer(std::int32_t request) {
-  if (state_ == State::kGone) return around_.events.RequestDone(request, kTelephonyNoCall);
-  if (state_ != State::kRinging) return around_.events.RequestDone(request, kTelephonyAlreadyAnswered);
+  if (state_ == State::kGone) return context_.events.RequestDone(request, kTelephonyNoCall);
+  if (state_ != State::kRinging) return context_.events.RequestDone(request, kTelephonyAlreadyAnswered);
   if (!SendAnswer()) {
-    around_.events.RequestDone(request, kTelephonyDeviceFailed);
+    context_.events.RequestDone(request, kTelephonyDeviceFailed);
     return End(false);
   }
   Enter(State::kAnswered);
-  around_.events.RequestDone(request, kTelephonyOk);
-  ack_timer_.StartOnce(around_.settings.timers.no_ack);
+  context_.events.RequestDone(request, kTelephonyOk);
+  ack_timer_.StartOnce(context_.settings.timers.no_ack);
   stream_->Start(agreement_);
 }
 
@@ -126,7 +126,7 @@ bool SipCall::SendAnswer() {
 void SipCall::Connect() {
   if (state_ != State::kAnswered) return;
   Enter(State::kConnected);
-  around_.events.Connected(number_);
+  context_.events.Connected(number_);
 }
 
 /// Sound from the caller proves as well as the acknowledgement that our answer has arrived.
@@ -135,7 +135,7 @@ void SipCall::PeerHeard() {
 }
 
 void SipCall::Drop(std::int32_t request) {
-  around_.events.RequestDone(request, kTelephonyOk);
+  context_.events.RequestDone(request, kTelephonyOk);
   End(false);
 }
 
@@ -152,8 +152,8 @@ void SipCall::End(bool by_peer) {
   const bool was_answered = state_ != State::kRinging;
   EndSession();
   Enter(State::kGone);
-  if (by_peer && was_answered) around_.events.Disconnected(number_);
-  around_.events.Idle(number_);
+  if (by_peer && was_answered) context_.events.Disconnected(number_);
+  context_.events.Idle(number_);
 }
 
 /// 486 refuses this telephone only; 603 would end the search for the person's other ones. An answered
@@ -201,20 +201,20 @@ void SipCall::TakeInfo(const sip_msg& request) {
                         msg_ctype_cmp(&request.ctyp, "application", "dtmf");
   const auto digit = is_digit ? DigitOfInfo(body) : std::nullopt;
   if (is_digit && !digit) {
-    (void)sip_treply(nullptr, around_.stack, &request, 400, "No Key In Body");
+    (void)sip_treply(nullptr, context_.stack, &request, 400, "No Key In Body");
   } else if (!is_digit && !body.empty()) {
-    (void)sip_treplyf(nullptr, nullptr, around_.stack, &request, false, 415, "Unsupported Media Type",
+    (void)sip_treplyf(nullptr, nullptr, context_.stack, &request, false, 415, "Unsupported Media Type",
                       "Accept: application/dtmf-relay, application/dtmf\r\nContent-Length: 0\r\n\r\n");
   } else {
-    (void)sip_treply(nullptr, around_.stack, &request, 200, "OK");
+    (void)sip_treply(nullptr, context_.stack, &request, 200, "OK");
     if (digit) DigitHeard(DigitSource::kInfo, *digit);
   }
 }
 
 void SipCall::DigitHeard(DigitSource source, char digit) {
   const auto now = std::chrono::steady_clock::now();
-  if (!digits_.Report(source, digit, now) || !key_pace_.Allows(now)) return;
-  if (monitoring_ && state_ == State::kConnected) around_.events.Digit(number_, digit);
+  if (!digits_.Report(source, digit, now) || !key_rate_.Allows(now)) return;
+  if (monitoring_ && state_ == State::kConnected) context_.events.Digit(number_, digit);
 }
 
 void SipCall::DigitHeld(DigitSource source) {

@@ -17,7 +17,7 @@
 namespace orven {
 
 /// What a call needs of the line it came in on; all of it outlives the call.
-struct CallSurroundings {
+struct CallContext {
   sip* stack;
   sipsess_sock* sessions;
   const SipLineSettings& settings;
@@ -40,7 +40,7 @@ class SipCall : private RtpStreamEvents {
 
   /// Takes the call of a well-formed INVITE: it rings, and its first events are raised. A call that
   /// cannot be taken is refused with the fitting answer, and nullptr returned.
-  static std::unique_ptr<SipCall> Accept(const CallSurroundings& surroundings, CallNumber number,
+  static std::unique_ptr<SipCall> Accept(const CallContext& context, CallNumber number,
                                          const sip_msg& invite);
 
   SipCall(const SipCall&) = delete;
@@ -56,10 +56,10 @@ class SipCall : private RtpStreamEvents {
   void HangUp();
   void MonitorDigits(bool on) { monitoring_ = on; }
   /// What is played to the caller has its first sound.
-  void SoundReady() { stream_->SoundReady(); }
+  void SourceReady() { stream_->SourceReady(); }
 
  private:
-  SipCall(const CallSurroundings& surroundings, CallNumber number, const sip_msg& invite);
+  SipCall(const CallContext& context, CallNumber number, const sip_msg& invite);
 
   bool Prepare(const sip_msg& invite);
   bool Begin(const sip_msg& invite);
@@ -81,7 +81,7 @@ class SipCall : private RtpStreamEvents {
   void DigitHeld(DigitSource source) override;
   void PeerLost() override { LosePeer(); }
 
-  const CallSurroundings& around_;
+  const CallContext& context_;
   const CallNumber number_;
   State state_ = State::kRinging;
   LibrePtr<sipsess> session_;
@@ -89,9 +89,9 @@ class SipCall : private RtpStreamEvents {
   std::optional<MediaNegotiation> negotiation_;
   std::optional<MediaAgreement> agreement_;  ///< absent until the peer has offered or answered
   DigitMerger digits_;
-  KeyPace key_pace_;
-  SteadyTimer ring_timer_;
-  SteadyTimer ack_timer_;
+  KeyRateLimit key_rate_;
+  MonotonicTimer ring_timer_;
+  MonotonicTimer ack_timer_;
   std::int32_t rings_ = 0;
   bool monitoring_ = false;
 };

@@ -99,7 +99,7 @@ std::string SipThread::Prepare() {
   if (error == 0) error = mqueue_alloc(&queue, &SipThread::Wake, this);
   const std::lock_guard lock(mutex_);
   wake_ = queue;
-  return error == 0 ? std::string() : "the SIP thread cannot start: " + ErrorWords(error);
+  return error == 0 ? std::string() : "the SIP thread cannot start: " + ErrorText(error);
 }
 
 void SipThread::Loop(const Task& at_end) {
@@ -162,7 +162,7 @@ class SipLine final : public LineDriver {
     capabilities_.automated_voice = true;
     audio_.OnSourceReady([this] {
       thread_.Post([this] {
-        if (agent_ != nullptr) agent_->SoundReady();
+        if (agent_ != nullptr) agent_->SourceReady();
       });
     });
   }

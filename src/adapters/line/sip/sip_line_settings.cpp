@@ -18,19 +18,19 @@ bool IsNamed(const std::string& server) {
   return sa_set_str(&address, server.substr(0, server.rfind(':')).c_str(), 0) != 0;
 }
 
-std::string NoWayWords(const SipLineSettings& line, int error) {
+std::string NoRouteText(const SipLineSettings& line, int error) {
   const auto listen = ParseListenAddress(line.listen);
   const bool everywhere = listen && sa_is_any(&*listen);
   return "there is no way from " + line.listen.substr(0, line.listen.rfind(':')) + " to " + ServerOf(line) +
-         " (" + ErrorWords(error) + ")" +
+         " (" + ErrorText(error) + ")" +
          (everywhere ? "" : ": 0.0.0.0 as address for calls uses every network");
 }
 
-std::string TlsWords(const SipLineSettings& line, int error, const std::string& refusal) {
+std::string TlsFailureText(const SipLineSettings& line, int error, const std::string& refusal) {
   const std::string words = "no encrypted connection to " + ServerOf(line) + " comes about (";
   if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
   // RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
-  return words + ErrorWords(error) + "): the port for TLS is often 5061";
+  return words + ErrorText(error) + "): the port for TLS is often 5061";
 }
 
 }  // namespace
@@ -62,14 +62,14 @@ std::string ContactUser(const SipLineSettings& settings) {
   return account ? account->user : "orven";
 }
 
-std::string NetworkWords(const SipLineSettings& line, int error, const std::string& refusal) {
+std::string ServerFailureText(const SipLineSettings& line, int error, const std::string& refusal) {
   const auto server = ServerOf(line);
   switch (error) {
     // What the library and the resolver make of a name that leads nowhere.
     case ENOENT:
     case EDESTADDRREQ:
     case EADDRNOTAVAIL:
-      if (!IsNamed(server)) return NoWayWords(line, error);
+      if (!IsNamed(server)) return NoRouteText(line, error);
       return "there is no server named " + server + ": its address cannot be found";
     case ETIMEDOUT: return "there is no answer from " + server;
     case ECONNREFUSED:
@@ -79,11 +79,11 @@ std::string NetworkWords(const SipLineSettings& line, int error, const std::stri
     case ENETUNREACH:
     case EHOSTUNREACH:
     case EINVAL:
-    case EACCES: return NoWayWords(line, error);
+    case EACCES: return NoRouteText(line, error);
     default: break;
   }
-  if (line.transport == "tls") return TlsWords(line, error, refusal);
-  return server + " cannot be reached (" + ErrorWords(error) + ")";
+  if (line.transport == "tls") return TlsFailureText(line, error, refusal);
+  return server + " cannot be reached (" + ErrorText(error) + ")";
 }
 
 }  // namespace orven

@@ -94,6 +94,6 @@ std::string ContactUser(const SipLineSettings& settings);
 /// without a full stop: for the log, for the list of lines and for their test alike. `error` is the errno
 /// value that the way to the server ended with; `refusal` tells why its certificate was not accepted, or is
 /// empty. Any thread.
-std::string NetworkWords(const SipLineSettings& line, int error, const std::string& refusal);
+std::string ServerFailureText(const SipLineSettings& line, int error, const std::string& refusal);
 
 }  // namespace orven

@@ -72,11 +72,11 @@ std::optional<OpenFailure> SipTransports::Start() {
     const Listener* failed = &listener;
     int error = listener.expanded.empty() ? EADDRNOTAVAIL : 0;
     for (const sa& address : listener.expanded) {
-      if (error == 0 && StationAt(address) == nullptr) error = AddStation(address, failed);
+      if (error == 0 && EndpointAt(address) == nullptr) error = AddEndpoint(address, failed);
     }
     if (error == 0) continue;
     return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                       "cannot listen on " + failed->text + ": " + ErrorWords(error)};
+                       "cannot listen on " + failed->text + ": " + ErrorText(error)};
   }
   guard_.Start();
   return std::nullopt;
@@ -126,26 +126,26 @@ void SipTransports::Expand() {
   for (Listener& listener : listeners_) listener.expanded = ExpandListenAddress(listener.address);
 }
 
-SipStation* SipTransports::StationAt(const sa& address) {
-  const auto found = std::find_if(stations_.begin(), stations_.end(),
-                                  [&address](const auto& station) { return station->Is(address); });
-  return found != stations_.end() ? found->get() : nullptr;
+SipEndpoint* SipTransports::EndpointAt(const sa& address) {
+  const auto found = std::find_if(endpoints_.begin(), endpoints_.end(),
+                                  [&address](const auto& endpoint) { return endpoint->Is(address); });
+  return found != endpoints_.end() ? found->get() : nullptr;
 }
 
-/// `failed` becomes the listener that there can be no station for. An errno value, or 0.
-int SipTransports::AddStation(const sa& address, const Listener*& failed) {
+/// `failed` becomes the listener that there can be no endpoint for. An errno value, or 0.
+int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
   const auto heard = [this](const sip_msg& request) { guard_.Heard(request); };
   const auto closed = [this] {
     if (--closing_ == 0) events_.closed();
   };
-  auto station = std::make_unique<SipStation>(*names_, SipStation::Events{heard, events_.invite, closed});
-  if (const int error = station->Begin(); error != 0) return error;
+  auto endpoint = std::make_unique<SipEndpoint>(*names_, SipEndpoint::Events{heard, events_.invite, closed});
+  if (const int error = endpoint->Begin(); error != 0) return error;
   for (const Listener& listener : listeners_) {
     for (const sa& here : listener.expanded) {
       if (!sa_cmp(&here, &address, SA_ADDR)) continue;
       failed = &listener;
       const int error =
-          listener.secure ? station->ListenSecurely(here, *own_tls_->Get()) : station->Listen(here);
+          listener.secure ? endpoint->ListenSecurely(here, *own_tls_->Get()) : endpoint->Listen(here);
       if (error != 0) return error;
     }
   }
@@ -153,16 +153,16 @@ int SipTransports::AddStation(const sa& address, const Listener*& failed) {
     // Only to reach the account's server: the port is any free one, and nobody is told of it.
     sa local = address;
     sa_set_port(&local, 0);
-    if (const int error = station->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;
+    if (const int error = endpoint->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;
   }
-  stations_.push_back(std::move(station));
+  endpoints_.push_back(std::move(endpoint));
   return 0;
 }
 
-bool SipTransports::IsThere(const SipStation& station) const {
-  return std::any_of(listeners_.begin(), listeners_.end(), [&station](const Listener& listener) {
+bool SipTransports::IsThere(const SipEndpoint& endpoint) const {
+  return std::any_of(listeners_.begin(), listeners_.end(), [&endpoint](const Listener& listener) {
     return std::any_of(listener.expanded.begin(), listener.expanded.end(),
-                       [&station](const sa& address) { return station.Is(address); });
+                       [&endpoint](const sa& address) { return endpoint.Is(address); });
   });
 }
 
@@ -173,7 +173,7 @@ bool SipTransports::Follow() {
     for (const sa& address : listener.expanded) {
       const Listener* failed = nullptr;
       // An address that is not quite there yet is tried again with the next look.
-      if (StationAt(address) == nullptr && AddStation(address, failed) == 0) changed = true;
+      if (EndpointAt(address) == nullptr && AddEndpoint(address, failed) == 0) changed = true;
     }
   }
   if (changed) guard_.Look();
@@ -181,28 +181,28 @@ bool SipTransports::Follow() {
 }
 
 bool SipTransports::IsOurs(const sa& local) const {
-  return std::any_of(stations_.begin(), stations_.end(), [&local](const auto& station) {
-    return sip_transp_isladdr(&station->Stack(), SIP_TRANSP_NONE, &local);
+  return std::any_of(endpoints_.begin(), endpoints_.end(), [&local](const auto& endpoint) {
+    return sip_transp_isladdr(&endpoint->Stack(), SIP_TRANSP_NONE, &local);
   });
 }
 
 bool SipTransports::LeaveGone() {
-  return std::erase_if(stations_, [this](const auto& station) {
-           return !IsThere(*station) && events_.leaving(*station);
+  return std::erase_if(endpoints_, [this](const auto& endpoint) {
+           return !IsThere(*endpoint) && events_.leaving(*endpoint);
          }) != 0;
 }
 
-SipStation* SipTransports::Towards(const sa& server) {
-  if (!sa_is_any(&listeners_.front().address)) return StationAt(listeners_.front().address);
+SipEndpoint* SipTransports::Towards(const sa& server) {
+  if (!sa_is_any(&listeners_.front().address)) return EndpointAt(listeners_.front().address);
   const sa local = LocalAddressTowards(server);
-  return sa_isset(&local, SA_ADDR) ? StationAt(local) : nullptr;
+  return sa_isset(&local, SA_ADDR) ? EndpointAt(local) : nullptr;
 }
 
 void SipTransports::Close() {
   guard_.Stop();
-  closing_ = stations_.size();
+  closing_ = endpoints_.size();
   if (closing_ == 0) return events_.closed();
-  for (const auto& station : stations_) station->Close();
+  for (const auto& endpoint : endpoints_) endpoint->Close();
 }
 
 }  // namespace orven

@@ -10,8 +10,8 @@
 
 #include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/sip_endpoint.h"
 #include "adapters/line/sip/sip_line_settings.h"
-#include "adapters/line/sip/sip_station.h"
 #include "adapters/line/sip/tls_context.h"
 
 namespace orven {
@@ -26,11 +26,11 @@ struct OpenFailure {
 class SipTransports {
  public:
   struct Events {
-    std::function<void(SipStation&, const sip_msg&)> invite;  ///< as of SipStation
-    std::function<void()> closed;                             ///< after Close: nothing is under way any more
-    /// A station's address is gone. False: its call is to end first, ask later; true: nobody uses it any
+    std::function<void(SipEndpoint&, const sip_msg&)> invite;  ///< as of SipEndpoint
+    std::function<void()> closed;                              ///< after Close: nothing is under way any more
+    /// An endpoint's address is gone. False: its call is to end first, ask later; true: nobody uses it any
     /// more.
-    std::function<bool(SipStation&)> leaving;
+    std::function<bool(SipEndpoint&)> leaving;
   };
 
   SipTransports(const SipLineSettings& settings, Events events);
@@ -44,8 +44,8 @@ class SipTransports {
   /// Takes the computer's name servers of this moment for the names within calls.
   void ReadNameServers();
 
-  /// The station that requests to `server` leave from; nullptr: there is no way there.
-  SipStation* Towards(const sa& server);
+  /// The endpoint that requests to `server` leave from; nullptr: there is no way there.
+  SipEndpoint* Towards(const sa& server);
 
   /// The call of `invite` is up now: strangers' connections do not push out its own.
   void Spare(const sip_msg& invite) { guard_.Spare(invite); }
@@ -68,9 +68,9 @@ class SipTransports {
   std::optional<OpenFailure> PrepareTls();
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
   void Expand();
-  bool IsThere(const SipStation& station) const;
-  SipStation* StationAt(const sa& address);
-  int AddStation(const sa& address, const Listener*& failed);
+  bool IsThere(const SipEndpoint& endpoint) const;
+  SipEndpoint* EndpointAt(const sa& address);
+  int AddEndpoint(const sa& address, const Listener*& failed);
   bool LeaveGone();
   bool IsOurs(const sa& local) const;
 
@@ -80,9 +80,9 @@ class SipTransports {
   std::unique_ptr<TlsContext> own_tls_;     ///< of `tls_listen`
   std::unique_ptr<TlsContext> server_tls_;  ///< of the account
   std::vector<Listener> listeners_;
-  std::vector<std::unique_ptr<SipStation>> stations_;
+  std::vector<std::unique_ptr<SipEndpoint>> endpoints_;
   ConnectionGuard guard_;
-  std::size_t closing_ = 0;  ///< stations that have something under way
+  std::size_t closing_ = 0;  ///< endpoints that have something under way
 };
 
 }  // namespace orven

@@ -74,8 +74,8 @@ bool IsHarmless(std::string_view parameter) {
 }
 
 /// Where the sender's number stands: RFC 3550, sections 5.1 and 6.4.
-constexpr std::size_t kSoundSsrcAt = 8;
-constexpr std::size_t kControlSsrcAt = 4;
+constexpr std::size_t kRtpSsrcAt = 8;
+constexpr std::size_t kRtcpSsrcAt = 4;
 
 LibrePtr<srtp> NewContext(SrtpSuite suite, const SrtpKey& key) {
   srtp* context = nullptr;
@@ -131,19 +131,19 @@ SrtpKey NewSrtpKey() {
   return key;
 }
 
-SoundSealer::SoundSealer(SrtpSuite suite, const SrtpKey& key)
+SrtpSender::SrtpSender(SrtpSuite suite, const SrtpKey& key)
     : suite_(suite), key_(key), context_(NewContext(suite, key)) {}
 
-std::span<const std::uint8_t> SoundSealer::Seal(std::span<const std::uint8_t> packet) {
+std::span<const std::uint8_t> SrtpSender::Protect(std::span<const std::uint8_t> packet) {
   Fill(buffer_, packet);
   if (srtp_encrypt(context_.get(), buffer_.get()) != 0) return {};
   return ContentOf(*buffer_);
 }
 
-std::optional<std::span<const std::uint8_t>> SoundOpener::Open(std::span<const std::uint8_t> packet) {
-  const bool is_sound = kind_ == Kind::kSound;
+std::optional<std::span<const std::uint8_t>> SrtpReceiver::Unprotect(std::span<const std::uint8_t> packet) {
+  const bool is_sound = kind_ == Kind::kRtp;
   if (is_sound ? !LooksLikeRtp(packet) : !LooksLikeRtcp(packet)) return std::nullopt;
-  const std::uint32_t ssrc = Read32(packet.subspan(is_sound ? kSoundSsrcAt : kControlSsrcAt));
+  const std::uint32_t ssrc = Read32(packet.subspan(is_sound ? kRtpSsrcAt : kRtcpSsrcAt));
   const auto known = std::find_if(senders_.begin(), senders_.end(),
                                   [ssrc](const Sender& sender) { return sender.ssrc == ssrc; });
   if (known != senders_.end()) {
@@ -158,9 +158,9 @@ std::optional<std::span<const std::uint8_t>> SoundOpener::Open(std::span<const s
   return ContentOf(*buffer_);
 }
 
-bool SoundOpener::Decrypt(srtp* context, std::span<const std::uint8_t> packet) {
+bool SrtpReceiver::Decrypt(srtp* context, std::span<const std::uint8_t> packet) {
   Fill(buffer_, packet);
-  const auto decrypt = kind_ == Kind::kSound ? srtp_decrypt : srtcp_decrypt;
+  const auto decrypt = kind_ == Kind::kRtp ? srtp_decrypt : srtcp_decrypt;
   return decrypt(context, buffer_.get()) == 0;
 }
 

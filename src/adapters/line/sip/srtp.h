@@ -39,7 +39,7 @@ std::string WriteCryptoAttribute(const CryptoAttribute& attribute);
 SrtpKey NewSrtpKey();
 
 /// Both directions' keys of one call, as agreed.
-struct SoundKeys {
+struct SrtpKeys {
   SrtpSuite suite = SrtpSuite::kTag80;
   SrtpKey send{};
   SrtpKey receive{};
@@ -47,16 +47,16 @@ struct SoundKeys {
 
 /// Encrypts the packets that we send with one key (RFC 3711). It counts their sequence numbers' wraps,
 /// so it has to live as long as its key is used: a second one would repeat the first one's cipher.
-class SoundSealer {
+class SrtpSender {
  public:
   /// Throws std::bad_alloc when the key cannot be used.
-  SoundSealer(SrtpSuite suite, const SrtpKey& key);
+  SrtpSender(SrtpSuite suite, const SrtpKey& key);
 
   bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
 
   /// The packet to be sent for a plain RTP packet, valid until the next call; empty when it cannot be
   /// encrypted, which must not be sent then.
-  std::span<const std::uint8_t> Seal(std::span<const std::uint8_t> packet);
+  std::span<const std::uint8_t> Protect(std::span<const std::uint8_t> packet);
 
  private:
   const SrtpSuite suite_;
@@ -68,16 +68,16 @@ class SoundSealer {
 /// Authenticates and decrypts the peer's packets of one kind: sound, or its control messages. What
 /// fails, or was seen before, leaves no trace: whoever has not the key can neither use up the room for
 /// senders nor spoil the count of the real one's packets.
-class SoundOpener {
+class SrtpReceiver {
  public:
-  enum class Kind : std::uint8_t { kSound, kControl };
+  enum class Kind : std::uint8_t { kRtp, kRtcp };
 
-  SoundOpener(Kind kind, SrtpSuite suite, const SrtpKey& key) : kind_(kind), suite_(suite), key_(key) {}
+  SrtpReceiver(Kind kind, SrtpSuite suite, const SrtpKey& key) : kind_(kind), suite_(suite), key_(key) {}
 
   bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
 
   /// The plain packet, valid until the next call, or nothing when it is not the peer's.
-  std::optional<std::span<const std::uint8_t>> Open(std::span<const std::uint8_t> packet);
+  std::optional<std::span<const std::uint8_t>> Unprotect(std::span<const std::uint8_t> packet);
 
  private:
   /// A source that has proven that it has the key.

@@ -3,7 +3,6 @@
 #define USE_OPENSSL 1
 #include "adapters/line/sip/tls_context.h"
 
-#include <fcntl.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -12,15 +11,13 @@
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <memory>
 #include <new>
 #include <stdexcept>
-#include <system_error>
+
+#include "base/durable_file.h"
 
 namespace orven {
 
@@ -69,7 +66,7 @@ struct Release {
 };
 using Key = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
 using Certificate = std::unique_ptr<X509, Release<X509_free>>;
-using File = std::unique_ptr<std::FILE, Release<std::fclose>>;
+using Memory = std::unique_ptr<BIO, Release<BIO_free>>;
 
 /// What desk telephones of every age can do.
 constexpr unsigned kKeyBits = 2048;
@@ -97,23 +94,16 @@ bool Fill(X509& certificate, EVP_PKEY& key) {
   throw std::runtime_error("no certificate for calls by TLS can be made at " + path + ": " + reason);
 }
 
-[[noreturn]] void FailToWrite(const std::string& path) {
-  Fail(path, std::generic_category().message(errno));
-}
-
-void Write(const std::string& path, X509& certificate, EVP_PKEY& key) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
-  if (fd < 0) FailToWrite(path);
-  File file(::fdopen(fd, "w"));
-  if (file == nullptr) {
-    (void)::close(fd);
-    FailToWrite(path);
+/// The certificate and its private key as a PEM file has them; empty when memory ran out.
+std::string PemOf(X509& certificate, EVP_PKEY& key) {
+  const Memory memory(BIO_new(BIO_s_mem()));
+  char* text = nullptr;
+  if (memory == nullptr || PEM_write_bio_X509(memory.get(), &certificate) != 1 ||
+      PEM_write_bio_PrivateKey(memory.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) != 1) {
+    return {};
   }
-  // A file left over by a failed try may have been readable by others.
-  const bool written = ::fchmod(fd, 0600) == 0 && PEM_write_X509(file.get(), &certificate) == 1 &&
-                       PEM_write_PrivateKey(file.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) == 1 &&
-                       std::fflush(file.get()) == 0 && ::fsync(fd) == 0;
-  if (!written) FailToWrite(path);
+  const long size = BIO_get_mem_data(memory.get(), &text);
+  return {text, static_cast<std::size_t>(size)};
 }
 
 }  // namespace
@@ -194,13 +184,12 @@ void MakeCertificateOnFirstUse(const std::string& path) {
   const Key key(EVP_RSA_gen(kKeyBits));
   const Certificate certificate(X509_new());
   if (key == nullptr || certificate == nullptr || !Fill(*certificate, *key)) Fail(path, "no key can be made");
-  const std::string unfinished = path + ".new";
+  const std::string pem = PemOf(*certificate, *key);
+  if (pem.empty()) Fail(path, "no key can be made");
   try {
-    Write(unfinished, *certificate, *key);
-    if (std::rename(unfinished.c_str(), path.c_str()) != 0) FailToWrite(path);
-  } catch (...) {
-    (void)::unlink(unfinished.c_str());
-    throw;
+    ReplaceFile(path, pem, 0600);
+  } catch (const RuntimeError& error) {
+    Fail(path, error.what());
   }
 }
 

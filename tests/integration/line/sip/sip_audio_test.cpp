@@ -148,19 +148,19 @@ class SipSecureTest : public SipLineTest {
     return ReadCryptoAttribute(caller->answer.substr(at, caller->answer.find('\r', at) - at)).value().key;
   }
   /// Sends ten blocks, encrypted by `sender`, and adds them to `spoken`.
-  void Speak(SoundSealer& sender) {
+  void Speak(SrtpSender& sender) {
     for (const std::uint32_t end = sequence_ + 10; sequence_ < end; ++sequence_) {
       const Bytes block = NoiseBytes(1, sequence_);
-      const auto packet = sender.Seal(RtpPacketBytes(0, sequence_, sequence_ * 160, block));
+      const auto packet = sender.Protect(RtpPacketBytes(0, sequence_, sequence_ * 160, block));
       caller->SendRtp({packet.begin(), packet.end()});
       spoken.insert(spoken.end(), block.begin(), block.end());
     }
   }
   /// Whether the line's next packet is encrypted with `key`.
   bool Hears(const SrtpKey& key) const {
-    SoundOpener receiver(SoundOpener::Kind::kSound, SrtpSuite::kTag80, key);
+    SrtpReceiver receiver(SrtpReceiver::Kind::kRtp, SrtpSuite::kTag80, key);
     const auto packet = caller->NextPacket();
-    return packet && receiver.Open(*packet);
+    return packet && receiver.Unprotect(*packet);
   }
 
   Bytes spoken;
@@ -172,8 +172,8 @@ class SipSecureTest : public SipLineTest {
 TEST_F(SipSecureTest, AnEncryptedCallStaysSoThroughHoldsAndNewKeys) {
   const std::string key = "1 AES_CM_128_HMAC_SHA1_80 inline:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
   const std::string new_key = "1 AES_CM_128_HMAC_SHA1_80 inline:BQECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
-  SoundSealer sender(SrtpSuite::kTag80, ReadCryptoAttribute(key)->key);
-  SoundSealer new_sender(SrtpSuite::kTag80, ReadCryptoAttribute(new_key)->key);
+  SrtpSender sender(SrtpSuite::kTag80, ReadCryptoAttribute(key)->key);
+  SrtpSender new_sender(SrtpSuite::kTag80, ReadCryptoAttribute(new_key)->key);
   KeptAudio recorded;
   OpenLine();
   ASSERT_EQ(line->Audio().StartRecord(recorded), 0);

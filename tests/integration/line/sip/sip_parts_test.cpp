@@ -75,7 +75,7 @@ class Stream {
     if (block == Block(n)) heard.push_back(n);
   }
 
-  Playout buffer_;
+  JitterBuffer buffer_;
   std::uint32_t ssrc_ = 1;
   std::uint32_t offset_ = 0xFFFFFD00;  // the timestamps wrap on the way
   std::size_t missing_ = 0;
@@ -224,11 +224,11 @@ TEST(SrtpTest, ReadsTheCryptoAttributesThatWeCanServe) {
 
 TEST(SrtpTest, AHundredStrangersLeaveRoomForThePeer) {
   const SrtpKey key = NewSrtpKey();
-  SoundSealer peer(SrtpSuite::kTag80, key), stranger(SrtpSuite::kTag80, NewSrtpKey());
-  SoundOpener opener(SoundOpener::Kind::kSound, SrtpSuite::kTag80, key);
+  SrtpSender peer(SrtpSuite::kTag80, key), stranger(SrtpSuite::kTag80, NewSrtpKey());
+  SrtpReceiver receiver(SrtpReceiver::Kind::kRtp, SrtpSuite::kTag80, key);
   for (std::uint32_t ssrc = 0; ssrc < 100; ++ssrc)
-    EXPECT_FALSE(opener.Open(stranger.Seal(RtpPacketBytes(0, 60'000 + ssrc, 0, Bytes(160), ssrc))));
-  EXPECT_TRUE(opener.Open(peer.Seal(RtpPacketBytes(0, 1, 0, Bytes(160)))));
+    EXPECT_FALSE(receiver.Unprotect(stranger.Protect(RtpPacketBytes(0, 60'000 + ssrc, 0, Bytes(160), ssrc))));
+  EXPECT_TRUE(receiver.Unprotect(peer.Protect(RtpPacketBytes(0, 1, 0, Bytes(160)))));
 }
 
 TEST(DigitsTest, AKeyHeldForSecondsIsOnePress) {
@@ -246,8 +246,8 @@ TEST(DigitsTest, AKeyHeldForSecondsIsOnePress) {
 }
 
 TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
-  KeyPace pace;
-  auto now = KeyPace::Time() + std::chrono::hours(1);
+  KeyRateLimit pace;
+  auto now = KeyRateLimit::Time() + std::chrono::hours(1);
   for (int key = 0; key < 20; ++key, now += milliseconds(80)) EXPECT_TRUE(pace.Allows(now));
   for (int key = 0; key < 8; ++key)
     EXPECT_TRUE(pace.Allows(now)) << "a stalled network delivers several at once";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/sip/sip_station.h"
+#include "adapters/line/sip/sip_endpoint.h"
 
 #include <charconv>
 #include <new>
@@ -12,8 +12,8 @@ namespace {
 constexpr const char* kSoftware = "ORVEN";
 constexpr std::uint32_t kBuckets = 32;
 
-SipStation& Self(void* station) {
-  return *static_cast<SipStation*>(station);
+SipEndpoint& Self(void* endpoint) {
+  return *static_cast<SipEndpoint*>(endpoint);
 }
 
 std::string_view HeaderValue(const sip_msg& message, sip_hdrid id) {
@@ -65,7 +65,7 @@ constexpr std::size_t kLargestDatagram = 65'536;
 
 }  // namespace
 
-SipStation::SipStation(dnsc& names, Events events) : events_(std::move(events)) {
+SipEndpoint::SipEndpoint(dnsc& names, Events events) : events_(std::move(events)) {
   sip* stack = nullptr;
   const auto closed = [](void* self) {
     if (auto& told = Self(self).events_.closed) told();
@@ -76,20 +76,20 @@ SipStation::SipStation(dnsc& names, Events events) : events_(std::move(events)) 
   stack_.reset(stack);
 }
 
-SipStation::~SipStation() {
+SipEndpoint::~SipEndpoint() {
   events_ = {};
   sipsess_close_all(sessions_.get());
   sip_close(stack_.get(), true);
   sessions_.reset();
 }
 
-int SipStation::Begin() {
+int SipEndpoint::Begin() {
   // The order matters: what is unsound is out before the sessions see it, what they leave comes last.
   int error = sip_listen(
       nullptr, stack_.get(), true,
       [](const sip_msg* request, void* self) {
         if (auto& heard = Self(self).events_.heard) heard(*request);
-        return TakeProbe(*request) || !IsSoundRequest(Self(self).Stack(), *request);
+        return TakeProbe(*request) || !IsValidRequest(Self(self).Stack(), *request);
       },
       this);
   sipsess_sock* sessions = nullptr;
@@ -114,19 +114,19 @@ int SipStation::Begin() {
       nullptr, stack_.get(), false, [](const sip_msg*, void*) { return true; }, this);
 }
 
-int SipStation::Listen(const sa& address) {
+int SipEndpoint::Listen(const sa& address) {
   address_ = address;
   const int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
   if (error == 0) ProbeSocket(*stack_, address);
   return error != 0 ? error : sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
 }
 
-int SipStation::ListenSecurely(const sa& address, tls& context) {
+int SipEndpoint::ListenSecurely(const sa& address, tls& context) {
   address_ = address;
   return sip_transp_add(stack_.get(), SIP_TRANSP_TLS, &address, &context);
 }
 
-void SipStation::Close() {
+void SipEndpoint::Close() {
   sip_close(stack_.get(), false);
 }
 
@@ -161,7 +161,7 @@ CallerIdentity CallerOf(const sip_msg& invite) {
   return Identify(headers);
 }
 
-bool IsSoundRequest(sip& stack, const sip_msg& request) {
+bool IsValidRequest(sip& stack, const sip_msg& request) {
   // Without these there is nobody to answer to.
   if (!pl_isset(&request.via.sentby) || request.via.sentby.l == 0) return false;
   if (!pl_isset(&request.callid) || !pl_isset(&request.cseq.met)) {

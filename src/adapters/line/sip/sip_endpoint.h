@@ -10,22 +10,22 @@ namespace orven {
 
 /// One of the addresses at which a line is reached: the SIP library's stack there. What is sent from it says
 /// that it comes from this address, and its connections go with it. SIP thread.
-class SipStation {
+class SipEndpoint {
  public:
   struct Events {
     /// A request, of whatever kind.
     std::function<void(const sip_msg&)> heard;
     /// An INVITE that is sound and begins a call.
-    std::function<void(SipStation&, const sip_msg&)> invite;
+    std::function<void(SipEndpoint&, const sip_msg&)> invite;
     /// After Close: what was under way is over.
     std::function<void()> closed;
   };
 
   /// `names` resolves what callers and servers name in a call.
-  SipStation(dnsc& names, Events events);
-  SipStation(const SipStation&) = delete;
-  SipStation& operator=(const SipStation&) = delete;
-  ~SipStation();
+  SipEndpoint(dnsc& names, Events events);
+  SipEndpoint(const SipEndpoint&) = delete;
+  SipEndpoint& operator=(const SipEndpoint&) = delete;
+  ~SipEndpoint();
 
   /// Begins to take requests. An errno value, or 0.
   int Begin();
@@ -37,7 +37,7 @@ class SipStation {
   /// Ends when what is under way is over, which may be at once.
   void Close();
 
-  /// Whether `address` is this station's, whatever the port.
+  /// Whether `address` is this endpoint's, whatever the port.
   bool Is(const sa& address) const { return sa_cmp(&address_, &address, SA_ADDR); }
 
   sip& Stack() { return *stack_; }
@@ -59,7 +59,7 @@ CallerIdentity CallerOf(const sip_msg& invite);
 /// Checks that a request carries what every request must (RFC 3261, section 8.1.1), before anything
 /// is made of it. True when it is sound; otherwise it has been answered with a 4xx, or dropped where
 /// no answer is possible.
-bool IsSoundRequest(sip& stack, const sip_msg& request);
+bool IsValidRequest(sip& stack, const sip_msg& request);
 
 /// Widens a UDP socket of `stack` that listens at `address`, so that a request of more than the library's
 /// 8 KB is read whole. The library names the socket only by what comes through it: a probe of our own,
