@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -20,16 +19,17 @@ namespace orven::testing {
 /// A server of mail_server.py, which ends with this object.
 class TestServer {
  public:
-  explicit TestServer(const std::string& arguments) {
-    const std::string command = "exec /usr/bin/python3 -B " ORVEN_SOURCE_DIR
-                                "/tests/integration/mail/mail_server.py " +
-                                folder_ / "" + " " + arguments;
-    input_.reset(::popen(command.c_str(), "w"));
+  explicit TestServer(const std::string& arguments = "")
+      : input_(
+            ::popen(("exec /usr/bin/python3 -B " ORVEN_SOURCE_DIR "/tests/integration/mail/mail_server.py " +
+                     folder_ / "" + " " + arguments)
+                        .c_str(),
+                    "w"),
+            ::pclose) {
     EXPECT_TRUE(Eventually([this] { return std::filesystem::exists(folder_ / "port"); }));
-    port_ = test::ContentOf(folder_ / "port");
   }
 
-  std::string Address() const { return "127.0.0.1:" + port_; }
+  std::string Address() const { return "127.0.0.1:" + test::ContentOf(folder_ / "port"); }
   std::string Certificate() const { return folder_ / "cert.pem"; }
   /// The server has come to its fault.
   bool Stalls() const { return std::filesystem::exists(folder_ / "stalled"); }
@@ -38,38 +38,22 @@ class TestServer {
   std::map<std::string, std::string> Mail(int number) const {
     const std::string name = folder_ / std::to_string(number);
     EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(name + ".fields"); }));
-    std::map<std::string, std::string> mail;
+    std::map<std::string, std::string> mail{{"Content", test::ContentOf(name + ".wav")}};
     std::istringstream fields(test::ContentOf(name + ".fields"));
-    for (std::string line; std::getline(fields, line);) {
-      const std::size_t sign = line.find('=');
-      mail[line.substr(0, sign)] = line.substr(sign + 1);
-    }
-    mail["Content"] = test::ContentOf(name + ".wav");
+    for (std::string field, value; std::getline(fields, field, '=') && std::getline(fields, value);)
+      mail[field] = value;
     return mail;
-  }
-  bool Received(int number) const {
-    return std::filesystem::exists(folder_ / (std::to_string(number) + ".fields"));
   }
 
  private:
-  struct Closed {
-    void operator()(FILE* pipe) const { ::pclose(pipe); }
-  };
   test::ScratchFolder folder_;
-  std::unique_ptr<FILE, Closed> input_;
-  std::string port_;
+  std::unique_ptr<FILE, int (*)(FILE*)> input_;
 };
 
-/// The mail control with a person who writes down what it tells.
+/// The mail control, and a list of what it tells.
 class MailTest : public ::testing::Test, public MailEvents {
  protected:
-  static constexpr const char* kPassword = "s3cret+\u00FC";
-
-  MailTest() {
-    limits_.connect = std::chrono::milliseconds(700);
-    limits_.inactivity = std::chrono::seconds(20);
-    Start();
-  }
+  MailTest() { Start(); }
 
   void Progress(std::int32_t total, std::int32_t sent) override {
     EXPECT_LE(sent, total);
@@ -81,17 +65,15 @@ class MailTest : public ::testing::Test, public MailEvents {
   }
 
   void Start() {
-    mail_.reset();
     mail_ = std::make_unique<SmtpMail>(
         loop_, Outbox(), [this] { return account_; },
         [this](const std::string& text) { told_.push_back("warning: " + text); }, limits_);
     mail_->SetEvents(this);
   }
 
-  /// One more mail with the attachment `file`, to `recipient`.
   void Send(const std::string& server, const std::string& subject = "New Call",
             const std::string& recipient = "me@example.org", const std::string& file = "") {
-    mail_->Send(server, "desk@example.org", "ORVEN", recipient, subject, file);
+    mail_->Send(server, "desk@example.org", "B\u00FCro \"1\"\r\nBcc: x@y.zz", recipient, subject, file);
   }
 
   /// What is told next; nothing within the limit fails the test.
@@ -113,17 +95,15 @@ class MailTest : public ::testing::Test, public MailEvents {
   std::string Outbox() const { return folder_ / "Outbox"; }
   std::vector<std::string> Waiting() const {
     std::vector<std::string> names;
-    if (!std::filesystem::exists(Outbox())) return names;
-    for (const auto& entry : std::filesystem::directory_iterator(Outbox())) {
-      if (entry.path().extension() != ".sound") names.push_back(entry.path().string());
-    }
+    for (std::filesystem::directory_iterator entry(Outbox()), end; entry != end; ++entry)
+      if (entry->path().extension() != ".sound") names.push_back(entry->path().string());
     return names;
   }
 
   test::ScratchFolder folder_;
   TestLoop loop_;
   MailAccount account_;
-  MailLimits limits_;
+  MailLimits limits_{std::chrono::milliseconds(700), std::chrono::seconds(20), ""};
   std::pair<int, int> progress_;
   std::vector<std::string> told_;
   std::size_t heard_ = 0;

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <netdb.h>
 
+#include <atomic>
 #include <ctime>
 #include <random>
 
 #include "adapters/mail/mail_settings.h"
 #include "adapters/mail/mail_text.h"
 #include "integration/mail/mail_fixture.h"
-#include "integration/mail/unreachable.h"
 
 namespace orven::testing {
 namespace {
@@ -18,6 +20,9 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
+std::atomic<bool> names_hang = false;  ///< asking for the address of "hanging.invalid" does not return
+std::atomic<int> names_asked = 0;
+
 /// Bytes like a recording's, with what SMTP treats specially among them.
 std::string Recording() {
   std::string bytes = "RIFF\r\n.\r\n..\r\n";
@@ -26,88 +31,70 @@ std::string Recording() {
   return bytes;
 }
 
-TEST_F(MailTest, ArrivesPartByPart) {
-  const TestServer server("real");
-  const std::string file = folder_ / "Anruf von Zo\u00EB \"mobil\" 2026-11-21 08-53-31 Nummer 0301234567.wav";
-  test::PutFile(file, Recording());
-  Send(server.Address(), "New Call From Zo\u00EB - 0301234567", "me@example.org", file);
-  EXPECT_EQ(Told(), "done me@example.org");
-  auto mail = server.Mail(1);
-  EXPECT_EQ(mail["From"], "ORVEN <desk@example.org>");
-  EXPECT_EQ(mail["To"], "me@example.org");
-  EXPECT_EQ(mail["Subject"], "New Call From Zo\u00EB - 0301234567");
-  EXPECT_EQ(mail["Body"], mail["Subject"]);
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+TEST_F(MailTest, ArrivesPartByPartInOrderWithAttachedFilesOnly) {
+  const TestServer server;
+  const std::string name = "Anruf von Zo\u00EB \"mobil\" 2026-11-21 08-53-31 Nummer 0301234567.wav";
+  test::PutFile(folder_ / name, Recording());
+  Send("smtp://" + server.Address(), "one", "a@example.org", folder_ / "");
+  Send(" SMTP://" + server.Address() + "/", "two", "b@example.org", folder_ / "none.wav");
+  Send(server.Address(), "New Call From Zo\u00EB - 0301234567", "c@example.org", folder_ / name);
+  for (const std::string recipient : {"a", "b", "c"}) EXPECT_EQ(Told(), "done " + recipient + "@example.org");
+  auto first = server.Mail(1), mail = server.Mail(3);
+  EXPECT_EQ(first["Parts"] + first["Subject"] + server.Mail(2)["Subject"], "text/plainonetwo");
+  EXPECT_THAT(mail["From"], AllOf(HasSubstr("B\u00FCro"), HasSubstr("<desk@example.org>")));
+  EXPECT_EQ(mail["To"], "c@example.org");
   EXPECT_EQ(mail["Parts"], "text/plain audio/x-wav");
-  EXPECT_EQ(mail["Charset"], "utf-8");
-  EXPECT_EQ(mail["File"], std::filesystem::path(file).filename().string());
+  EXPECT_EQ(mail["File"], name);
   EXPECT_TRUE(mail["Content"] == Recording());
   EXPECT_EQ(mail["MIME-Version"], "1.0");
-  EXPECT_THAT(mail["Message-ID"], AllOf(StartsWith("<"), HasSubstr("@example.org>")));
+  EXPECT_THAT(mail["Message-ID"],
+              AllOf(StartsWith("<"), HasSubstr("@example.org>"), Not(first["Message-ID"])));
   EXPECT_NEAR(std::stod(mail["Seconds"]), static_cast<double>(std::time(nullptr)), 120);
-  EXPECT_EQ(mail["Defects"], "0");
   EXPECT_GT(progress_.first, 400'000);
   EXPECT_EQ(progress_.first, progress_.second);
   EXPECT_THAT(Waiting(), IsEmpty());
 }
 
-TEST_F(MailTest, SendsInOrderWithoutWhatIsNoFile) {
-  const TestServer server("real");
-  Send("smtp://" + server.Address(), "first", "a@example.org", folder_ / "");
-  Send(" SMTP://" + server.Address() + "/", "second", "b@example.org", folder_ / "none.wav");
-  Send(server.Address(), "third", "c@example.org");
-  for (const char* recipient : {"a", "b", "c"})
-    EXPECT_EQ(Told(), std::string("done ") + recipient + "@example.org");
-  auto first = server.Mail(1);
-  auto third = server.Mail(3);
-  EXPECT_EQ(first["Parts"], "text/plain");
-  EXPECT_EQ(first["Subject"] + server.Mail(2)["Subject"] + third["Subject"], "firstsecondthird");
-  EXPECT_NE(first["Message-ID"], third["Message-ID"]);
-}
-
 TEST_F(MailTest, SubjectsOfStrangersStayInTheirField) {
-  const TestServer server("real");
-  const std::string bell(2000, 'x');
-  std::string umlauts;
-  for (int i = 0; i < 1000; ++i) umlauts += "\u00E4";
-  const std::vector<std::pair<std::string, std::string>> subjects{
-      {"a\r\nBcc: you@example.org\r\n\r\nbody", "a  Bcc: you@example.org    body"},
-      {bell, bell},
-      {umlauts, umlauts},
-      {"=?UTF-8?B?QQ==?=", "=?UTF-8?B?QQ==?="},
-      {"\u65E5\u672C \U0001F4DE\x01!", "\u65E5\u672C \U0001F4DE !"},
-      {"broken \xC3", "broken \uFFFD"},
-      {"", ""},
-  };
+  const TestServer server;
+  const std::string xs(2000, 'x'), umlauts = Repeated("\u00E4", 1000);
   int number = 0;
-  for (const auto& [asked, expected] : subjects) {
+  for (const auto& [asked, expected] : std::map<std::string, std::string>{
+           {"a\r\nBcc: you@example.org\r\n\r\nbody", "a  Bcc: you@example.org    body"},
+           {xs, xs},
+           {umlauts, umlauts},
+           {"=?UTF-8?B?QQ==?=", "=?UTF-8?B?QQ==?="},
+           {"\u65E5\u672C \U0001F4DE\x01!", "\u65E5\u672C \U0001F4DE !"},
+           {"broken \xC3", "broken \uFFFD"},
+           {"", ""}}) {
     Send(server.Address(), asked);
     ASSERT_EQ(Told(), "done me@example.org");
     auto mail = server.Mail(++number);
     EXPECT_EQ(mail["Subject"], expected);
-    EXPECT_EQ(mail["Body"], expected);
-    EXPECT_EQ(mail["Bcc"], "None");
-    EXPECT_EQ(mail["Defects"], "0");
+    EXPECT_EQ(mail["Body"], "utf-8 " + expected);
+    EXPECT_EQ(mail["Bcc"] + mail["Defects"], "None0");
     EXPECT_LE(std::stoi(mail["Longest"]), 80);
   }
-  mail_->Send(server.Address(), "desk@example.org", "B\u00FCro \"1\"\r\nBcc: x@y.zz", "me@example.org", "s",
-              "");
-  EXPECT_EQ(Told(), "done me@example.org");
-  EXPECT_THAT(server.Mail(++number)["From"], AllOf(HasSubstr("B\u00FCro"), HasSubstr("<desk@example.org>")));
 }
 
 class EncryptedMail : public MailTest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(EncryptedMail, IsSentOnlyWithTheRightCertificateAndPassword) {
-  const TestServer server(std::string("real ") + GetParam());
+  const TestServer server(GetParam());
   const std::string address = (std::string(GetParam()) == "smtps" ? "smtps://" : "") + server.Address();
-  account_ = {"desk", kPassword, true};
+  account_ = {"desk", "s3cret+\u00FC", true};
   Send(address);
   EXPECT_THAT(Told(), HasSubstr("the certificate of " + server.Address() + " is not to be trusted"));
   limits_.ca_file = server.Certificate();
   Start();
-  Send(address, "secret");
+  Send(address);
   EXPECT_EQ(Told(), "done me@example.org");
-  EXPECT_EQ(server.Mail(1)["Subject"], "secret");
   account_.password = "wr0ng-one";
   Send(address);
   EXPECT_THAT(Told(), AllOf(HasSubstr("refused the login: 535"), Not(HasSubstr("wr0ng-one"))));
@@ -118,16 +105,36 @@ TEST_P(EncryptedMail, IsSentOnlyWithTheRightCertificateAndPassword) {
 INSTANTIATE_TEST_SUITE_P(, EncryptedMail, ::testing::Values("starttls", "smtps"));
 
 struct Fault {
-  const char* step;
-  const char* action;
-  const char* told;
+  const char *step, *action, *told;
+};
+const Fault kFaults[]{
+    {"CONNECT", "421 4.3.2 closed\\x07 today", "refused the mail: 421 4.3.2 closed  today"},
+    {"MAIL", "451 4.7.1 later", "refused the mail: 451 4.7.1 later"},
+    {"MAIL", "550-no\\r\\n550 mail from you", "550-no mail from you"},
+    {"RCPT", "550 no ** for you", "error a@example.org: 127.0.0.1:"},
+    {"RCPT", "550 no ** for you", "550 no *** for you"},  // the password, which may look like its mask
+    {"DATA", "452 no room", "452 no room"},
+    {"BODY", "552 too long", "552 too long"},
+    {"CONNECT", "stall", "stopped answering (timed out)"},
+    {"MAIL", "stall", "stopped answering (timed out)"},
+    {"BODY", "stall", "stopped answering (timed out)"},
+    {"CONNECT", "garbage", "does not answer as a mail server"},
+    {"RCPT", "garbage", "does not answer as a mail server"},
+    {"CONNECT", "close", "broke off"},
+    {"BODY", "close", "broke off"},
+    // Not the mail's fault any more, and no reason to give up:
+    {"CONNECT", "pause", "done a@example.org"},
+    {"QUIT", "stall", "done a@example.org"},
+    {"QUIT", "close", "done a@example.org"},
+    {"EHLO", "502 no", "done a@example.org"},
 };
 
 class FaultyServer : public MailTest, public ::testing::WithParamInterface<Fault> {};
 
 TEST_P(FaultyServer, GivesTheMailUpWithTheCauseAndTheNextMailGoes) {
-  const TestServer server(std::string("fault ") + GetParam().step + " '" + GetParam().action + "' once");
+  const TestServer server(std::string(GetParam().step) + " '" + GetParam().action + "' once");
   limits_.inactivity = std::chrono::milliseconds(800);
+  account_ = {"desk", "**"};
   Start();
   test::PutFile(folder_ / "a.wav", Recording());
   Send(server.Address(), "one", "a@example.org", folder_ / "a.wav");
@@ -136,31 +143,11 @@ TEST_P(FaultyServer, GivesTheMailUpWithTheCauseAndTheNextMailGoes) {
   EXPECT_EQ(Told(), "done b@example.org");
   EXPECT_THAT(Waiting(), IsEmpty());
 }
-INSTANTIATE_TEST_SUITE_P(
-    , FaultyServer,
-    ::testing::Values(
-        Fault{"CONNECT", "421 4.3.2 closed\\x07 today", "refused the mail: 421 4.3.2 closed  today"},
-        Fault{"CONNECT", "554 go away", "554 go away"},
-        Fault{"MAIL", "451 4.7.1 later", "refused the mail: 451 4.7.1 later"},
-        Fault{"MAIL", "550-no\\r\\n550 mail from you", "550-no mail from you"},
-        Fault{"RCPT", "450 full", "refused the mail: 450 full"},
-        Fault{"RCPT", "550 no such person", "error a@example.org: 127.0.0.1:"},
-        Fault{"DATA", "452 no room", "452 no room"}, Fault{"DATA", "554 no", "554 no"},
-        Fault{"BODY", "451 try again", "451 try again"}, Fault{"BODY", "552 too long", "552 too long"},
-        Fault{"CONNECT", "stall", "stopped answering (timed out)"},
-        Fault{"MAIL", "stall", "stopped answering (timed out)"},
-        Fault{"BODY", "stall", "stopped answering (timed out)"},
-        Fault{"CONNECT", "garbage", "does not answer as a mail server"},
-        Fault{"RCPT", "garbage", "does not answer as a mail server"}, Fault{"CONNECT", "close", "broke off"},
-        Fault{"BODY", "close", "broke off"},
-        // Not the mail's fault any more, and no reason to give up:
-        Fault{"CONNECT", "pause", "done a@example.org"}, Fault{"QUIT", "stall", "done a@example.org"},
-        Fault{"QUIT", "close", "done a@example.org"}, Fault{"EHLO", "502 no", "done a@example.org"}));
+INSTANTIATE_TEST_SUITE_P(, FaultyServer, ::testing::ValuesIn(kFaults));
 
 TEST_F(MailTest, WhatCannotBeSentIsNamed) {
-  DeadPort port;
-  Send(port.Address());
-  EXPECT_EQ(Told(), "error me@example.org: " + port.Address() + " refuses connections");
+  Send("127.0.0.1:1");
+  EXPECT_EQ(Told(), "error me@example.org: 127.0.0.1:1 refuses connections");
   for (const char* server :
        {"", "http://x", "smtp://", "a b", "x:0", "x:65536", "x:25x", "user@x", "x/y", "::1", "[::1"}) {
     Send(server);
@@ -168,36 +155,35 @@ TEST_F(MailTest, WhatCannotBeSentIsNamed) {
                           "\" is no mail server: name, name:port, smtp://name or smtps://name is expected");
   }
   for (const char* recipient : {"", "a@b.cc>\r\nRCPT TO:<c@d.ee", "a@b.cc, c@d.ee"}) {
-    Send(port.Address(), "s", recipient);
+    Send("127.0.0.1:1", "s", recipient);
     EXPECT_THAT(Told(), HasSubstr("recipient address"));
   }
   Send("unknown.invalid");
   EXPECT_THAT(Told(), HasSubstr("the server's name unknown.invalid is not known"));
 }
 
-TEST_F(MailTest, ServerOutOfReachTimesOutAndHoldsNoExit) {
-  HangingNameServer names;
-  DeadPort full;
-  full.Fill();
-  DeadPort silent;
-  silent.Listen();
-  for (const std::string& server :
-       {std::string("hanging.invalid"), full.Address(), "smtps://" + silent.Address()}) {
+TEST_F(MailTest, AServerOutOfReachTimesOutAndDoesNotDelayTheExit) {
+  const TestServer silent("CONNECT stall");
+  names_hang = true;
+  for (const std::string& server : {"smtps://" + silent.Address(), std::string("hanging.invalid")}) {
     Send(server);
     EXPECT_THAT(Told(), AllOf(HasSubstr("connecting to "), HasSubstr(" timed out"))) << server;
+    const int asked = names_asked;
     Send(server);
-    ASSERT_TRUE(Eventually([&] { return server != "hanging.invalid" || HangingNameServer::Asked(); }));
+    ASSERT_TRUE(Eventually([&] { return server != "hanging.invalid" || names_asked > asked; }));
     EXPECT_TRUE(ExitsInTime());
     EXPECT_EQ(Waiting().size(), 1U);
     std::filesystem::remove_all(Outbox());
     Start();
   }
+  names_hang = false;
+  names_hang.notify_all();
+  for (int asked = names_asked; asked != 0; asked = names_asked) names_asked.wait(asked);
 }
 
 TEST_F(MailTest, AttachmentThatShrinksOrVanishesUnkeptIsNamed) {
-  const TestServer server("fault DATA pause once");
-  const std::string file = folder_ / "a.wav";
-  const std::string gone = folder_ / "b.wav";
+  const TestServer server("DATA pause once");
+  const std::string file = folder_ / "a.wav", gone = folder_ / "b.wav";
   test::PutFile(file, Recording());
   test::PutFile(gone, "RIFF");
   Send(server.Address(), "shrinks", "a@example.org", file);
@@ -208,7 +194,6 @@ TEST_F(MailTest, AttachmentThatShrinksOrVanishesUnkeptIsNamed) {
   std::filesystem::remove(gone);
   EXPECT_EQ(Told(), "error a@example.org: " + file + " became shorter while it was being sent");
   EXPECT_THAT(Told(), AllOf(StartsWith("error b@example.org: File not found"), HasSubstr(gone)));
-  EXPECT_FALSE(server.Received(1));
   EXPECT_THAT(Waiting(), IsEmpty());
 }
 
@@ -226,8 +211,8 @@ TEST(MailTexts, DatesAreEnglishAndServersHaveTheirPorts) {
 class StalledExit : public MailTest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(StalledExit, IsQuickAndTheNextStartSendsUnderTheSameId) {
-  const TestServer server(std::string("fault ") + GetParam() + " stall once");
-  account_ = {"desk", kPassword};
+  const TestServer server(std::string(GetParam()) + " stall once");
+  account_ = {"desk", "s3cret"};
   const auto message = folder_ / "a%.wav";
   test::PutFile(message, Recording());
   Send(server.Address(), "one\r\n100 %", "a@example.org", message);
@@ -235,69 +220,63 @@ TEST_P(StalledExit, IsQuickAndTheNextStartSendsUnderTheSameId) {
   ASSERT_TRUE(Eventually([&] { return server.Stalls(); }));
   ASSERT_EQ(Waiting().size(), 2U);
   std::filesystem::remove(message);  // its owner has heard it
-  std::string first;
-  for (const std::string& file : Waiting()) {
-    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
-    const std::string text = test::ContentOf(file);
-    EXPECT_THAT(text, Not(HasSubstr(kPassword)));
-    if (text.find("a@example.org") != text.npos) first = text;
-  }
+  const std::string first = Outbox() + "/000000001.mail", kept = test::ContentOf(first);
+  EXPECT_EQ(std::filesystem::status(first).permissions(), std::filesystem::perms(0600));
+  EXPECT_THAT(kept, Not(HasSubstr("s3cret")));
   EXPECT_TRUE(ExitsInTime());
   EXPECT_THAT(told_, IsEmpty());
   Start();
   mail_->Resume();
-  EXPECT_EQ(Told(), "done a@example.org");
-  EXPECT_EQ(Told(), "done b@example.org");
-  const int again = std::string(GetParam()) == "BODY" ? 2 : 1;
-  auto mail = server.Mail(again);
+  for (const char* told : {"done a@example.org", "done b@example.org"}) EXPECT_EQ(Told(), told);
+  auto mail = server.Mail(std::string(GetParam()) == "BODY" ? 2 : 1);  // received twice
   EXPECT_EQ(mail["Subject"], "one  100 %");
   EXPECT_EQ(mail["File"], "a%.wav");
   EXPECT_TRUE(mail["Content"] == Recording());
-  EXPECT_THAT(first, HasSubstr("message-id=" + mail["Message-ID"]));
-  EXPECT_EQ(server.Mail(1)["Message-ID"], mail["Message-ID"]);
+  EXPECT_THAT(kept, HasSubstr("message-id=" + mail["Message-ID"]));
   EXPECT_TRUE(std::filesystem::is_empty(Outbox()));
 }
 INSTANTIATE_TEST_SUITE_P(, StalledExit, ::testing::Values("CONNECT", "RCPT", "BODY"));
 
 TEST_F(MailTest, DamagedMailIsSetAsideAndTheOthersGo) {
-  const TestServer server("fault CONNECT stall once");
+  const TestServer server("CONNECT stall once");
   Send(server.Address(), "one", "a@example.org");
   Send(server.Address(), "two", "b@example.org");
   ASSERT_TRUE(Eventually([&] { return server.Stalls(); }));
   mail_.reset();
-  const std::string damaged = Outbox() + "/000000001.mail";
-  const std::string half = test::ContentOf(damaged).substr(0, 150);
+  const std::string damaged = Outbox() + "/000000001.mail", half = test::ContentOf(damaged).substr(0, 150);
   test::PutFile(damaged, half);
   Start();
   mail_->Resume();
   EXPECT_THAT(Told(),
-              AllOf(StartsWith("error : "), HasSubstr(damaged + " is damaged, set aside as " + damaged)));
+              StartsWith("error : the waiting mail " + damaged + " is damaged, set aside as " + damaged));
   EXPECT_EQ(Told(), "done b@example.org");
   ASSERT_EQ(Waiting().size(), 1U);
   EXPECT_EQ(test::ContentOf(Waiting()[0]), half);
 }
 
 TEST_F(MailTest, IsSentEvenWhenTheOutboxCannotBeWritten) {
-  const TestServer server("real");
+  const TestServer server;
   test::PutFile(Outbox(), "a file where the folder belongs");
   Send(server.Address());
   EXPECT_THAT(Told(), StartsWith("warning: a mail is not kept for the next start: "));
   EXPECT_EQ(Told(), "done me@example.org");
 }
 
-TEST_F(MailTest, PasswordThatTheServerRepeatsIsHidden) {
-  const TestServer server(std::string("fault RCPT '550 you are desk with hunter22'"));
-  account_ = {"desk", "hunter22"};
-  Send(server.Address());
-  EXPECT_THAT(Told(), HasSubstr("550 you are desk with ***"));
-}
-
-TEST_F(MailTest, APasswordLikeTheMaskIsMaskedOnceAndForAll) {
-  const TestServer server(std::string("fault RCPT '550 no ** for you'"));
-  account_ = {"desk", "*"};
-  Send(server.Address());
-  EXPECT_THAT(Told(), HasSubstr("550 no ****** for you"));
-}
-
 }  // namespace
 }  // namespace orven::testing
+
+/// Takes precedence over the C library's function of this name.
+extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** result) {
+  using namespace orven::testing;
+  const std::string asked = name == nullptr ? "" : name;
+  if (asked == "unknown.invalid") return EAI_NONAME;
+  if (asked == "hanging.invalid") {
+    ++names_asked;
+    names_hang.wait(true);
+    --names_asked;
+    names_asked.notify_all();
+    return EAI_AGAIN;
+  }
+  static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+  return real(name, service, hints, result);
+}

@@ -111,7 +111,7 @@ class Recording:
 
 
 class Player:
-    """The program's sound on its own."""
+    """The program's sound on its own (player/main.cpp)."""
 
     def __init__(self, server):
         self.path = os.path.join(server.folder, "player.log")
@@ -121,38 +121,27 @@ class Player:
 
     def lines(self, start=""):
         with open(self.path, encoding="utf-8") as file:
-            lines = file.read().splitlines()[self.forgotten :]
-        return [line[len(start) :] for line in lines if line.startswith(start)]
+            return [line[len(start) :] for line in file.read().splitlines()[self.forgotten :] if line.startswith(start)]
 
-    def forget(self):
-        """What it has said so far."""
-        self.forgotten = len(self.lines()) + self.forgotten
-
-    def do(self, *words):
+    def do(self, command, number=0, path=""):
         """Gives a command and returns what it said."""
         seen = len(self.lines())
-        done = f"done {words[0]}"
-        self.process.stdin.write((" ".join(map(str, words)) + "\n").encode())
+        self.process.stdin.write(f"{command} {number} {path}\n".encode())
         self.process.stdin.flush()
-        processes.wait_for(done, lambda: done in self.lines()[seen:], 10)
+        processes.wait_for(command, lambda: f"done {command}" in self.lines()[seen:], 10)
         return self.lines()[seen:]
+
+    def value(self, command):
+        return int(next(line.split()[1] for line in self.do(command) if line.startswith(command)))
 
     def cards(self):
         return [line[len("card ") :] for line in self.do("cards") if line.startswith("card ")]
 
-    def wait_for(self, start, count=1, limit=GIVES_UP):
-        processes.wait_for(f'"{start}"', lambda: len(self.lines(start)) >= count, limit)
+    def wait_for(self, start, count=1):
+        processes.wait_for(f'"{start}"', lambda: len(self.lines(start)) >= count, GIVES_UP)
 
     def wait_for_position(self, milliseconds):
-        def there():
-            answer = [line for line in self.do("position") if line.startswith("position ")]
-            return int(answer[0].split()[1]) >= milliseconds
-
-        processes.wait_for(f"position {milliseconds}", there, 20)
-
-    def quit(self):
-        self.do("quit")
-        return self.process.wait(10 * processes.SLOWNESS)
+        processes.wait_for(f"position {milliseconds}", lambda: self.value("position") >= milliseconds, 20)
 
     def end(self):
         self.process.kill()
@@ -164,40 +153,72 @@ class SoundCase(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.speech = sound.speech(TEXT, "en")
-        cls.shared = tempfile.mkdtemp(prefix="orven-sound-")
-        cls.addClassCleanup(shutil.rmtree, cls.shared, True)
-        cls.message = os.path.join(cls.shared, "message.wav")
-        sound.write(cls.message, cls.speech)
 
     def setUp(self):
         folder = tempfile.mkdtemp(prefix="orven-sound-")
         self.addCleanup(shutil.rmtree, folder, True)
         self.server = Server(folder)
         self.addCleanup(self.server.end)
+        self.message, self.take = (os.path.join(folder, name) for name in ("message.wav", "take.wav"))
+        sound.write(self.message, self.speech)
 
     def player(self):
         player = Player(self.server)
         self.addCleanup(player.end)
         return player
 
-    def assert_ended_by_itself(self, player, because):
-        """The play that runs ends and is reported, once."""
-        player.wait_for("finished")
-        player.wait_for("report ")
-        self.assertEqual(1, len(player.lines("finished")))
-        self.assertEqual(1, len(player.lines("report ")))
-        self.assertIn(because, player.lines("report ")[0])
+    def start_play(self, player, card=0):
+        self.assertIn("play 0", player.do("play", card, self.message))
+        player.wait_for_position(500)
+
+    def start_take(self, player, card=0):
+        self.assertIn("record 0", player.do("record", card))
+        processes.wait_for("the take", self.server.takes, 10)
+
+    def finish_take(self, player):
+        """What was recorded."""
+        self.assertIn("stoprecord 0", player.do("stoprecord", path=self.take))
+        return sound.read(self.take)
+
+    def assert_heard(self, expected, heard, quality=BIT_EXACT):
+        self.assertGreater(snr.snr(expected, heard)[0], quality)
+
+    def assert_plays(self, player, card=0, output="desk"):
+        """The message is heard on `output` when it is played on `card`."""
+        recording = Recording(self.server, output)
+        count = len(player.lines("finished"))
+        player.do("play", card, self.message)
+        player.wait_for("finished", count + 1)
+        self.assert_heard(self.speech, recording.finish())
+
+    def assert_takes(self, player, card=0, output="desk", quality=BIT_EXACT):
+        """What is spoken into the microphone of `output` is recorded from `card`."""
+        self.start_take(player, card)
+        reference = Recording(self.server, output)
+        self.server.speak(output, self.message)
+        reference.wait_for_more()
+        processes.stop(reference.process, 5)
+        self.assert_heard(self.speech, self.finish_take(player), quality)
+        processes.wait_for("the take's end", lambda: not self.server.takes(), 10)
+
+    def assert_given_up(self, player, *reasons, plays=0):
+        """What runs ends by itself: so many plays, and one report for each of the reasons."""
+        player.wait_for("report ", len(reasons))
+        player.wait_for("finished", plays)
+        reports = player.lines("report ")
+        self.assertEqual((len(reasons), plays), (len(reports), len(player.lines("finished"))))
+        for reason in reasons:
+            self.assertTrue(any(reason in report for report in reports), reports)
+        player.forgotten += len(player.lines())
 
     def assert_ends_well(self, player):
-        """No operation has kept its caller, and the process ends by itself, soon."""
-        self.assertEqual(0, player.quit())
+        """Nothing else was reported, no operation has blocked its caller, and the process soon ends."""
+        self.assertEqual([], player.lines("report "))
+        player.do("quit")
+        self.assertEqual(0, player.process.wait(10 * processes.SLOWNESS))
         player.forgotten = 0
         self.assertEqual([], player.lines("blocked "))
         self.assertLess(int(player.lines("gone after ")[0].split()[0]), 3000)
-
-    def assert_heard(self, expected, heard):
-        ratio, _ = snr.snr(expected, heard)
-        self.assertGreater(ratio, BIT_EXACT)
 
 
 def main(description):

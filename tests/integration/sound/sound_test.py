@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The sound cards over a real sound server, which serves well, comes late, hangs, dies or is not there.
+"""The sound cards over a real sound server, which serves well, comes late, hangs, dies or is missing.
 
     sound_test.py PLAYER
 """
@@ -10,30 +10,46 @@ import signal
 import sound_case
 from sound_case import Recording, SoundCase, processes, snr, sound
 
+WELL_CONVERTED = 20  # dB; the server resamples twice, and what is late by part of a sample counts as noise
+
 
 class SoundTest(SoundCase):
-    def test_a_message_is_what_is_heard(self):
+    def hang(self, hangs=True):
+        self.server.process.send_signal(signal.SIGSTOP if hangs else signal.SIGCONT)
+
+    def wait_for_cards(self, player, *cards):
+        processes.wait_for(cards, lambda: player.cards() == ["0 Default output", *cards], 10)
+
+    def test_what_is_played_and_spoken_arrives_bit_by_bit(self):
         self.server.start()
-        recording, player = Recording(self.server), self.player()
-        self.assertIn("play 0", player.do("play", 0, self.message))
-        player.wait_for("finished")
-        self.assert_heard(self.speech, recording.finish())
-        self.assertEqual([], player.lines("report "))
+        self.server.plug_in("room")
+        self.server.ask("set-default-source", "mic_room")
+        player = self.player()
+        self.assert_plays(player)
+        self.assert_takes(player, output="room")
+
+        # It is played and recorded again at the same time.
+        take = sound.read(self.take)
+        self.server.ask("set-default-source", "mic_desk")
+        self.start_take(player)
+        player.do("play", 0, self.take)
+        self.assertIn("record 2", player.do("record"))
+        processes.wait_for("a level", lambda: player.value("level") > 100, 10)
+        player.wait_for("finished", 2)
+        processes.wait_for("the stream's end", lambda: not self.server.streams(), 10)
+        self.assert_heard(take, self.finish_take(player))
         self.assert_ends_well(player)
 
     def test_seeking_and_stopping_cut_at_once(self):
         self.server.start()
         recording, player = Recording(self.server), self.player()
-        player.do("play", 0, self.message)
-        player.wait_for_position(500)
+        self.start_play(player)
         player.do("seek", 3000)
         player.wait_for("finished")
         heard = recording.finish()
         self.assert_heard(self.speech[3000 * sound.RATE // 1000 :], heard)
         self.assertLess(snr.snr(self.speech[: sound.RATE * 3 // 2], heard)[0], 10)
-
-        player.do("play", 0, self.message)
-        player.wait_for_position(500)
+        self.start_play(player)
         player.do("stop")
         processes.wait_for("the stream's end", lambda: not self.server.streams(), 10)
         self.assertEqual(1, len(player.lines("finished")))
@@ -42,93 +58,115 @@ class SoundTest(SoundCase):
     def test_outputs_that_come_and_go_keep_their_numbers(self):
         self.server.start()
         player = self.player()
-        cards = ["0 Default output", "1 desk"]
-        processes.wait_for("the first look", lambda: player.cards() == cards, 10)
+        self.wait_for_cards(player, "1 desk")
         self.server.plug_in("headset")
-        processes.wait_for("the headset", lambda: player.cards() == cards + ["2 headset"], 10)
+        self.wait_for_cards(player, "1 desk", "2 headset")
         self.server.unplug("desk")
-        processes.wait_for("the desk's end", lambda: player.cards() == ["0 Default output", "2 headset"], 10)
+        self.wait_for_cards(player, "2 headset")
         player.do("play", 1, self.message)
-        self.assert_ended_by_itself(player, "number 1")
+        self.assert_given_up(player, "number 1", plays=1)
         self.assertIn("play 1", player.do("play", 3, self.message))
-        player.forget()
         self.server.plug_in("desk")
-        processes.wait_for("the desk", lambda: player.cards() == cards + ["2 headset"], 10)
-
-        # Number 0 follows the desktop's choice.
-        for name in ("headset", "desk"):
+        self.wait_for_cards(player, "1 desk", "2 headset")
+        for name in ("headset", "desk"):  # number 0 follows the desktop's choice
             self.server.ask("set-default-sink", name)
-            recording = Recording(self.server, name)
-            player.do("play", 0, self.message)
-            player.wait_for("finished")
-            self.assert_heard(self.speech, recording.finish())
-            player.forget()
-
-        player.do("play", 2, self.message)
-        player.wait_for_position(500)
+            self.assert_plays(player, output=name)
+        player.forgotten += len(player.lines())
+        self.start_play(player, 2)
         self.server.unplug("headset")
-        self.assert_ended_by_itself(player, '"headset"')
+        self.assert_given_up(player, '"headset"', plays=1)
         self.assert_ends_well(player)
 
-    def test_a_server_that_dies_ends_the_play(self):
+    def test_a_take_comes_from_the_cards_own_microphone_else_the_default_one(self):
         self.server.start()
+        self.server.plug_in("studio", ("rate=48000", "channels=2"))
+        self.server.plug_in("headset", card="usb-3")
+        self.server.ask("set-default-sink", "desk")
+        self.server.ask("set-default-source", "mic_studio")
         player = self.player()
-        player.do("play", 0, self.message)
-        player.wait_for_position(500)
+        processes.wait_for("the first look", lambda: len(player.cards()) == 4, 10)
+        cards = {name: number for number, name in (card.split(maxsplit=1) for card in player.cards())}
+        self.assert_takes(player, cards["headset"], "headset")
+        for card in (0, cards["desk"]):
+            self.assert_takes(player, card, "studio", WELL_CONVERTED)
+        self.assert_ends_well(player)
+
+    def test_a_microphone_that_goes_away_ends_the_take(self):
+        self.server.start()
+        self.server.plug_in("room")
+        self.server.ask("set-default-source", "mic_room")
+        player = self.player()
+        self.start_take(player)
+        self.server.speak("room", self.message)
+        self.server.unplug("mic_room")
+        self.assert_given_up(player, 'microphone "mic_room" went away')
+        self.assertGreater(len(self.finish_take(player)), len(self.speech) * 9 // 10)
+        self.server.unplug("mic_desk")
+        self.assertIn("record 0", player.do("record"))  # shows that there is none; the next one is refused
+        self.assert_given_up(player, "no microphone")
+        self.assertEqual(0, len(self.finish_take(player)))
+        self.assertIn("record 1", player.do("record"))
+        self.server.plug_in("room")
+        processes.wait_for("the room", lambda: "record 0" in player.do("record"), 10)
+        processes.wait_for("the take", self.server.takes, 10)
+        self.hang()
+        self.assert_ends_well(player)
+
+    def test_a_server_that_comes_late_hangs_or_dies_ends_what_runs_and_may_come_back(self):
+        player = self.player()
+        self.assertEqual(["0 Default output"], player.cards())
+        self.assertIn("play 0", player.do("play", 0, self.message))
+        self.assert_given_up(player, "no sound server", plays=1)
+        self.server.start()
+        self.assert_plays(player)
+        player.forgotten += len(player.lines())
+
+        self.start_take(player)
+        self.server.speak("desk", self.message)
+        self.start_play(player)
+        self.hang()
+        player.do("stop")
+        self.assertIn("play 0", player.do("play", 0, self.message))
+        self.assert_given_up(player, "The sound server does not answer", "the recording was given up", plays=1)
+        self.assertGreater(len(self.finish_take(player)), len(self.speech) * 9 // 10)
+        self.hang(False)
+        self.assert_takes(player)
+        self.assert_plays(player)
+        player.forgotten += len(player.lines())
+
+        self.start_play(player)
+        self.start_take(player)
         self.server.end()
-        self.assert_ended_by_itself(player, '"desk"')
+        self.assert_given_up(player, '"desk"', '"mic_desk"', plays=1)
         self.assert_ends_well(player)
 
-    def test_a_server_that_comes_late_is_found(self):
+    def test_a_server_that_hangs_at_the_first_look_or_the_start_blocks_nothing(self):
+        self.server.start()
+        self.hang()
         player = self.player()
         self.assertEqual(["0 Default output"], player.cards())
-        self.assertIn("play 0", player.do("play", 0, self.message))
-        self.assert_ended_by_itself(player, "no sound server")
-        player.forget()
-        self.server.start()
-        recording = Recording(self.server)
-        player.do("play", 0, self.message)
-        player.wait_for("finished")
-        self.assert_heard(self.speech, recording.finish())
-        self.assert_ends_well(player)
-
-    def test_a_server_that_hangs_in_a_play_ends_it_and_may_come_back(self):
-        self.server.start()
-        player = self.player()
-        player.do("play", 0, self.message)
-        player.wait_for_position(500)
-        self.server.process.send_signal(signal.SIGSTOP)
-        self.assert_ended_by_itself(player, "does not answer")
-        player.do("play", 0, self.message)
-        player.wait_for("finished", 2)
-
-        self.server.process.send_signal(signal.SIGCONT)
-        recording = Recording(self.server)
-        player.do("play", 0, self.message)
-        player.wait_for("finished", 3)
-        self.assert_heard(self.speech, recording.finish())
-        self.assert_ends_well(player)
-
-    def test_a_server_that_hangs_at_the_first_look_holds_nobody_up(self):
-        self.server.start()
-        self.server.process.send_signal(signal.SIGSTOP)
-        player = self.player()
-        self.assertEqual(["0 Default output"], player.cards())
-        self.assertIn("play 0", player.do("play", 0, self.message))
-        self.assert_ended_by_itself(player, "does not answer")
+        for command in ("play", "seek", "stop", "play", "record"):
+            player.do(command, 0, self.message)
+        self.assert_given_up(player, "does not answer; what was playing", "does not answer; the recording", plays=1)
+        self.assertEqual(0, len(self.finish_take(player)))
         player.do("play", 0, self.message)
         self.assert_ends_well(player)  # although the sound thread still waits for the server
 
-    def test_a_server_that_hangs_when_a_play_starts_holds_nobody_up(self):
+    def test_a_server_that_refuses_a_take_holds_up_no_other(self):
+        """Qt waits forever for the stream."""
         self.server.start()
+        listeners = []
+        while not listeners or listeners[-1] is not None:  # until the microphone's limit
+            arguments = ("module-remap-source", "master=mic_desk", f"source_name=listener{len(listeners)}")
+            listeners.append(self.server.ask("load-module", *arguments))
+        self.server.ask("set-default-source", "mic_desk")
         player = self.player()
-        processes.wait_for("the first look", lambda: len(player.cards()) == 2, 10)
-        self.server.process.send_signal(signal.SIGSTOP)
-        player.do("play", 0, self.message)
-        player.do("seek", 1000)
-        player.do("stop")
-        player.do("play", 0, self.message)
-        self.assert_ended_by_itself(player, "does not answer")
+        self.assertIn("record 0", player.do("record"))
+        self.assert_given_up(player, "No sound comes from the microphone")
+        self.finish_take(player)
+        for listener in listeners[-3:-1]:
+            self.server.ask("unload-module", listener.strip())
+        self.assert_takes(player)
         self.assert_ends_well(player)
 
 

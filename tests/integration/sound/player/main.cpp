@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Plays and records sound files as the program does, at the command of standard input, a line each:
+// Plays and records audio files as the program does, at the command of standard input, a line each:
 //
-//     play DEVICE PATH   seek MS   stop   position   record DEVICE   stoprecord PATH   level   cards   quit
+//     COMMAND [NUMBER [PATH]]
 //
-// Every answer and event is a line on standard output. An operation that keeps the user-interface
+//     play DEVICE PATH   seek MS   stop   position   record DEVICE   stoprecord 0 PATH   level   cards   quit
+//
+// Every answer and event is a line on standard output. An operation that blocks the user-interface
 // thread for longer than kAtOnce is an event, too.
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -41,52 +43,26 @@ class Player : public orven::WaveEvents {
   void Do(const std::string& line) {
     const auto begin = Clock::now();
     std::istringstream words(line);
-    std::string command;
-    words >> command;
-    if (command == "play") Play(words);
-    if (command == "seek") Seek(words);
+    std::string command, path;
+    int number = 0;
+    words >> command >> number >> path;
+    const auto answer = [&](auto value) { Say(command + " " + std::to_string(value)); };
+    if (command == "play") answer(control_.PlayFile(path, number));
+    if (command == "seek") control_.Seek(std::chrono::milliseconds(number));
     if (command == "stop") control_.StopPlay();
-    if (command == "position") Say("position " + std::to_string(control_.Position().count()));
-    if (command == "record") Record(words);
-    if (command == "stoprecord") StopRecord(words);
-    if (command == "level") Say("level " + std::to_string(control_.InputLevel()));
-    if (command == "cards") ShowCards();
+    if (command == "position") answer(control_.Position().count());
+    if (command == "record") answer(control_.StartRecord(number, {}));
+    if (command == "stoprecord") answer(control_.StopRecordToFile(path));
+    if (command == "level") answer(control_.InputLevel());
+    if (command == "cards")
+      for (const auto& card : cards_.Present())
+        Say("card " + std::to_string(card.number) + " " + card.description);
     if (command == "quit") QCoreApplication::quit();
     if (Clock::now() - begin > kAtOnce) Say("blocked " + command);
     Say("done " + command);
   }
 
  private:
-  void Play(std::istream& words) {
-    int device = 0;
-    std::string path;
-    words >> device >> path;
-    Say("play " + std::to_string(control_.PlayFile(path, device)));
-  }
-
-  void Seek(std::istream& words) {
-    int position = 0;
-    words >> position;
-    control_.Seek(std::chrono::milliseconds(position));
-  }
-
-  void Record(std::istream& words) {
-    int device = 0;
-    words >> device;
-    Say("record " + std::to_string(control_.StartRecord(device, {})));
-  }
-
-  void StopRecord(std::istream& words) {
-    std::string path;
-    words >> path;
-    Say("stoprecord " + std::to_string(control_.StopRecordToFile(path)));
-  }
-
-  void ShowCards() {
-    for (const auto& card : cards_.Present())
-      Say("card " + std::to_string(card.number) + " " + card.description);
-  }
-
   orven::QtEventLoop loop_;
   orven::SoundCards cards_{loop_, [](const std::string& text) { Say("report " + text); }};
   orven::FileWaveControl control_{loop_, cards_, "."};
