@@ -54,7 +54,6 @@ int OpenRegular(const std::string& path, std::int32_t& result) {
 }
 
 }  // namespace
-
 std::int32_t OpenAudioFile(const std::string& path, AudioFile& file, SF_INFO& info) {
   std::int32_t result = kWaveOk;
   const int descriptor = OpenRegular(PathInAnyCase(path), result);

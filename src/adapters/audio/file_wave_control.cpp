@@ -8,7 +8,6 @@
 #include "platform/wave.h"
 
 namespace orven {
-
 namespace {
 
 std::string CommonText(std::int32_t code) {

@@ -18,7 +18,6 @@
 #include "platform/wave.h"
 
 namespace orven {
-
 namespace {
 
 std::int32_t ResultOf(int error) {

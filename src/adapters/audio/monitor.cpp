@@ -5,8 +5,9 @@
 #include <cstdlib>
 
 namespace orven {
-
 namespace {
+
+using namespace std::chrono_literals;
 
 using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
@@ -15,6 +16,11 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr auto kLevelHolds = 1s;
 
 constexpr std::int32_t kFullScale = 32768;
+
+/// Two blocks in stock ride out the usual jitter of a block; beyond four (80 ms, and up to 20 more in
+/// the block being captured) a listener begins to notice the delay.
+constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
+constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 
 }  // namespace
 
@@ -29,15 +35,6 @@ std::int32_t PeakMeter::Level() const {
   const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
   return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
 }
-
-namespace {
-
-/// Two blocks in stock ride out the usual jitter of a block; beyond four (80 ms, and up to 20 more in
-/// the block being captured) a listener begins to notice the delay.
-constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
-constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
-
-}  // namespace
 
 void LiveMonitor::Push(std::span<const std::int16_t> block) {
   std::uint64_t at = written_.load(std::memory_order_relaxed);

@@ -34,7 +34,7 @@ class FileWaveformReader : public WaveformReader {
   std::optional<Waveform> Read(const std::string& path, std::uint64_t request) const;
 
   EventLoop& loop_;
-  Done done_;  ///< of the newest request; user-interface thread
+  Done done_;                             ///< of the newest request; user-interface thread
   std::atomic<std::uint64_t> newest_{0};  ///< counts requests and cancellations
   Lifeline lifeline_;
   Worker worker_{Worker::AtStop::Drop};  ///< last: its thread uses all of the above

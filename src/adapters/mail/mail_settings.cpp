@@ -4,25 +4,11 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
-
 namespace {
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-/// Whether `text` begins with `start`, a text in small letters, in either case.
-bool BeginsWith(std::string_view text, std::string_view start) {
-  return text.size() >= start.size() &&
-         std::equal(start.begin(), start.end(), text.begin(), [](char a, char b) {
-           return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
-         });
-}
 
 bool IsHost(std::string_view host) {
   if (host.starts_with('[')) {
@@ -46,9 +32,9 @@ std::optional<int> PortOf(std::string_view digits) {
 }  // namespace
 
 std::optional<MailServer> ParseMailServer(std::string_view text) {
-  std::string_view rest = Trimmed(text);
-  const bool secure = BeginsWith(rest, "smtps://");
-  const bool scheme = secure || BeginsWith(rest, "smtp://");
+  std::string_view rest = Trimmed(text, " ");
+  const bool secure = Lower(rest).starts_with("smtps://");
+  const bool scheme = secure || Lower(rest).starts_with("smtp://");
   if (scheme) {
     rest.remove_prefix(rest.find("//") + 2);
     if (rest.ends_with('/')) rest.remove_suffix(1);

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
@@ -22,6 +23,12 @@ constexpr std::size_t kLongestAddress = 254;
 
 bool IsControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+/// Of those that RFC 2231 leaves as they are, the ones that need no thought anywhere else either.
+bool IsAttributeCharacter(unsigned char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' ||
+         c == '_';
 }
 
 bool IsPlain(std::string_view text) {
@@ -98,22 +105,6 @@ std::string Base64(std::string_view bytes) {
   return text;
 }
 
-std::string PercentEncoded(std::string_view bytes) {
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  for (const char c : bytes) {
-    const bool keep = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                      c == '-' || c == '.' || c == '_';
-    if (keep) {
-      text += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      text += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
-    }
-  }
-  return text;
-}
-
 std::string TextField(std::string_view name, std::string_view value) {
   const std::string line = OneLine(value);
   const std::string start = std::string(name) + ": ";
@@ -135,7 +126,7 @@ std::string AttachmentField(std::string_view file_name) {
   const std::string name = OneLine(file_name);
   const std::string start = "Content-Disposition: attachment;\r\n filename";
   if (IsPlain(name) && name.size() <= kNameOnLine) return start + "=" + Quoted(name);
-  std::string encoded = PercentEncoded(name);
+  std::string encoded = PercentEncoded(name, IsAttributeCharacter);
   if (encoded.size() <= kNameOnLine) return start + "*=UTF-8''" + encoded;
   std::string field = "Content-Disposition: attachment";
   for (int section = 0; !encoded.empty(); ++section) {

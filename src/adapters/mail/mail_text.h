@@ -17,9 +17,6 @@ std::string OneLine(std::string_view text);
 /// RFC 4648, padded.
 std::string Base64(std::string_view bytes);
 
-/// Every byte but letters, digits and "-._" as "%" and two digits, as RFC 2231 writes attribute values.
-std::string PercentEncoded(std::string_view bytes);
-
 /// "name: value", in encoded words (RFC 2047) unless the value is plain ASCII and short enough for one
 /// line of 78 characters (RFC 5322, 2.1.1).
 std::string TextField(std::string_view name, std::string_view value);

@@ -15,6 +15,33 @@
 #include "base/durable_file.h"
 
 namespace orven {
+namespace {
+
+/// RFC 5322, 2.1.1: longer lines need an encoding.
+constexpr std::size_t kLongestLine = 998;
+
+void Check(CURLcode code) {
+  if (code != CURLE_OK) throw std::runtime_error(Curl().easy_strerror(code));
+}
+
+template <class List>
+void Append(List& list, const std::string& line) {
+  curl_slist* longer = Curl().slist_append(list.get(), line.c_str());
+  if (longer == nullptr) throw std::bad_alloc();
+  static_cast<void>(list.release());
+  list.reset(longer);
+}
+
+std::size_t ReadAttachment(char* buffer, std::size_t size, std::size_t count, void* attachment) {
+  return static_cast<Attachment*>(attachment)->Read({buffer, size * count}).value_or(CURL_READFUNC_ABORT);
+}
+
+int SeekAttachment(void* attachment, curl_off_t offset, int origin) {
+  const bool done = origin == SEEK_SET && static_cast<Attachment*>(attachment)->Seek(offset);
+  return done ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_CANTSEEK;
+}
+
+}  // namespace
 
 bool IsAttachable(const std::string& path) {
   struct stat status {};
@@ -51,34 +78,6 @@ bool Attachment::Seek(std::int64_t position) {
   position_ = position;
   return true;
 }
-
-namespace {
-
-/// RFC 5322, 2.1.1: longer lines need an encoding.
-constexpr std::size_t kLongestLine = 998;
-
-void Check(CURLcode code) {
-  if (code != CURLE_OK) throw std::runtime_error(Curl().easy_strerror(code));
-}
-
-template <class List>
-void Append(List& list, const std::string& line) {
-  curl_slist* longer = Curl().slist_append(list.get(), line.c_str());
-  if (longer == nullptr) throw std::bad_alloc();
-  static_cast<void>(list.release());
-  list.reset(longer);
-}
-
-std::size_t ReadAttachment(char* buffer, std::size_t size, std::size_t count, void* attachment) {
-  return static_cast<Attachment*>(attachment)->Read({buffer, size * count}).value_or(CURL_READFUNC_ABORT);
-}
-
-int SeekAttachment(void* attachment, curl_off_t offset, int origin) {
-  const bool done = origin == SEEK_SET && static_cast<Attachment*>(attachment)->Seek(offset);
-  return done ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_CANTSEEK;
-}
-
-}  // namespace
 
 Message::Message(CURL* curl, const Envelope& envelope, Attachment* attachment)
     : curl_(curl), mime_(Curl().mime_init(curl), Curl().mime_free) {

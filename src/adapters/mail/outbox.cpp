@@ -14,10 +14,12 @@
 #include <filesystem>
 #include <random>
 
-#include "adapters/mail/mail_text.h"
 #include "base/durable_file.h"
+#include "base/text.h"
 
 namespace orven {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -40,31 +42,9 @@ constexpr std::array<Line, 8> kLines{{
     {"attachment=", &Envelope::attachment},
 }};
 
-/// Values keep their bytes; only what could end a line, and the sign of this writing, is written as hex.
-std::string Escaped(std::string_view value) {
-  std::string text;
-  for (const char c : value) {
-    text += static_cast<unsigned char>(c) < 0x20 || c == '%' ? PercentEncoded({&c, 1}) : std::string(1, c);
-  }
-  return text;
-}
-
-std::optional<std::string> Unescaped(std::string_view text) {
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string value;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] != '%') {
-      value += text[at];
-      continue;
-    }
-    if (text.size() - at < 3) return {};
-    const std::size_t high = kDigits.find(text[at + 1]);
-    const std::size_t low = kDigits.find(text[at + 2]);
-    if (high == kDigits.npos || low == kDigits.npos) return {};
-    value += static_cast<char>(high << 4U | low);
-    at += 2;
-  }
-  return value;
+/// Values keep their bytes, except those that could end a line and the escape itself.
+bool IsKept(unsigned char byte) {
+  return byte >= 0x20 && byte != '%';
 }
 
 bool Take(std::string_view& text, std::string_view start) {
@@ -78,48 +58,6 @@ bool IsDomain(std::string_view text) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.';
   });
 }
-
-}  // namespace
-
-std::string NewMessageId(std::string_view sender) {
-  std::random_device random;
-  std::array<char, 33> digits{};
-  for (std::size_t at = 0; at < 32; at += 8) {
-    std::snprintf(digits.data() + at, 9, "%08x", static_cast<std::uint32_t>(random()));
-  }
-  const std::string_view domain = sender.substr(std::min(sender.size(), sender.rfind('@') + 1));
-  return std::string("<") + digits.data() + "@" + (IsDomain(domain) ? std::string(domain) : "orven.invalid") +
-         ">";
-}
-
-std::string EnvelopeText(const Envelope& envelope) {
-  std::string text(kFirstLine);
-  for (const Line& line : kLines) {
-    text += line.label;
-    text += Escaped(envelope.*line.value) + "\n";
-  }
-  return text + std::string(kLastLine);
-}
-
-std::optional<Envelope> ParseEnvelope(std::string_view text) {
-  Envelope envelope;
-  if (!Take(text, kFirstLine)) return {};
-  for (const Line& line : kLines) {
-    if (!Take(text, line.label)) return {};
-    const std::size_t end = text.find('\n');
-    if (end == text.npos) return {};
-    auto value = Unescaped(text.substr(0, end));
-    if (!value) return {};
-    envelope.*line.value = *std::move(value);
-    text.remove_prefix(end + 1);
-  }
-  if (text != kLastLine) return {};
-  return envelope;
-}
-
-namespace fs = std::filesystem;
-
-namespace {
 
 constexpr std::string_view kEnding = ".mail";
 constexpr std::size_t kDigits = 9;
@@ -153,6 +91,41 @@ void GiveSecondName(const std::string& attachment, const std::string& path) {
 }
 
 }  // namespace
+
+std::string NewMessageId(std::string_view sender) {
+  std::random_device random;
+  std::array<char, 33> digits{};
+  for (std::size_t at = 0; at < 32; at += 8) {
+    std::snprintf(digits.data() + at, 9, "%08x", static_cast<std::uint32_t>(random()));
+  }
+  const std::string_view domain = sender.substr(std::min(sender.size(), sender.rfind('@') + 1));
+  return std::string("<") + digits.data() + "@" + (IsDomain(domain) ? std::string(domain) : "orven.invalid") +
+         ">";
+}
+
+std::string EnvelopeText(const Envelope& envelope) {
+  std::string text(kFirstLine);
+  for (const Line& line : kLines) {
+    text.append(line.label).append(PercentEncoded(envelope.*line.value, IsKept)).append("\n");
+  }
+  return text + std::string(kLastLine);
+}
+
+std::optional<Envelope> ParseEnvelope(std::string_view text) {
+  Envelope envelope;
+  if (!Take(text, kFirstLine)) return {};
+  for (const Line& line : kLines) {
+    if (!Take(text, line.label)) return {};
+    const std::size_t end = text.find('\n');
+    if (end == text.npos) return {};
+    auto value = PercentDecoded(text.substr(0, end));
+    if (!value) return {};
+    envelope.*line.value = *std::move(value);
+    text.remove_prefix(end + 1);
+  }
+  if (text != kLastLine) return {};
+  return envelope;
+}
 
 std::string Outbox::Keep(const Envelope& envelope) {
   if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST) throw FileFailure(errno, folder_);

@@ -10,7 +10,6 @@
 #include "adapters/mail/mail_text.h"
 
 namespace orven {
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -24,50 +23,6 @@ constexpr std::chrono::milliseconds kFarewell = 1s;
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
-
-}  // namespace
-
-bool SmtpDialogue::Heard(std::string_view line) {
-  if (++lines_ > kMostLines) return false;
-  // Anything that is no reply is no progress either.
-  if (line.size() < 3 || !std::all_of(line.begin(), line.begin() + 3, IsDigit)) return true;
-  active_ = Clock::now();
-  // The farewell says nothing of the mail.
-  if (line.starts_with("221")) return true;
-  while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
-  const std::string text = OneLine(line);
-  const bool continues = more_;
-  more_ = line.size() > 3 && line[3] == '-';
-  code_ = (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
-  if (!continues) {
-    reply_ = text;
-  } else if (text.size() > 4) {
-    reply_ += " " + text.substr(4);
-  }
-  if (reply_.size() > kLongestReply) reply_ = OneLine(reply_.substr(0, kLongestReply));
-  if (more_) return true;
-  if (data_ && code_ / 100 == 2) accepted_ = true;
-  data_ = code_ == 354;
-  return true;
-}
-
-void SmtpDialogue::Sent(std::int64_t sent) {
-  if (sent != sent_) active_ = Clock::now();
-  sent_ = sent;
-}
-
-void SmtpDialogue::Connected() {
-  if (connected_) return;
-  connected_ = true;
-  active_ = Clock::now();
-}
-
-bool SmtpDialogue::Stalled(Clock::time_point now) const {
-  return connected_ &&
-         now - active_ > (accepted_ ? std::min(kFarewell, limits_.inactivity) : limits_.inactivity);
-}
-
-namespace {
 
 void Hide(std::string& text, const std::string& secret) {
   if (secret.empty()) return;
@@ -119,6 +74,46 @@ std::string Described(const CurlFailure& failure, const std::string& server, con
 }
 
 }  // namespace
+
+bool SmtpDialogue::Heard(std::string_view line) {
+  if (++lines_ > kMostLines) return false;
+  // Anything that is no reply is no progress either.
+  if (line.size() < 3 || !std::all_of(line.begin(), line.begin() + 3, IsDigit)) return true;
+  active_ = Clock::now();
+  // The farewell says nothing of the mail.
+  if (line.starts_with("221")) return true;
+  while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
+  const std::string text = OneLine(line);
+  const bool continues = more_;
+  more_ = line.size() > 3 && line[3] == '-';
+  code_ = (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
+  if (!continues) {
+    reply_ = text;
+  } else if (text.size() > 4) {
+    reply_ += " " + text.substr(4);
+  }
+  if (reply_.size() > kLongestReply) reply_ = OneLine(reply_.substr(0, kLongestReply));
+  if (more_) return true;
+  if (data_ && code_ / 100 == 2) accepted_ = true;
+  data_ = code_ == 354;
+  return true;
+}
+
+void SmtpDialogue::Sent(std::int64_t sent) {
+  if (sent != sent_) active_ = Clock::now();
+  sent_ = sent;
+}
+
+void SmtpDialogue::Connected() {
+  if (connected_) return;
+  connected_ = true;
+  active_ = Clock::now();
+}
+
+bool SmtpDialogue::Stalled(Clock::time_point now) const {
+  return connected_ &&
+         now - active_ > (accepted_ ? std::min(kFarewell, limits_.inactivity) : limits_.inactivity);
+}
 
 std::string DescribeFailure(const CurlFailure& failure, const std::string& server, const MailAccount& account,
                             const SmtpDialogue& dialogue) {

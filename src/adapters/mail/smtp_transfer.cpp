@@ -15,32 +15,6 @@
 #include "adapters/mail/smtp_dialogue.h"
 
 namespace orven {
-
-void Cancellation::Cancel() {
-  const std::lock_guard lock(mutex_);
-  cancelled_ = true;
-  for (const int socket : sockets_) ::shutdown(socket, SHUT_RDWR);
-}
-
-bool Cancellation::Cancelled() const {
-  const std::lock_guard lock(mutex_);
-  return cancelled_;
-}
-
-int Cancellation::Open(int family, int type, int protocol) {
-  const std::lock_guard lock(mutex_);
-  if (cancelled_) return -1;
-  const int socket = ::socket(family, type | SOCK_CLOEXEC, protocol);
-  if (socket >= 0) sockets_.insert(socket);
-  return socket;
-}
-
-void Cancellation::Close(int socket) {
-  const std::lock_guard lock(mutex_);
-  sockets_.erase(socket);
-  ::close(socket);
-}
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -190,6 +164,31 @@ std::string Refusal(const Envelope& envelope) {
 }
 
 }  // namespace
+
+void Cancellation::Cancel() {
+  const std::lock_guard lock(mutex_);
+  cancelled_ = true;
+  for (const int socket : sockets_) ::shutdown(socket, SHUT_RDWR);
+}
+
+bool Cancellation::Cancelled() const {
+  const std::lock_guard lock(mutex_);
+  return cancelled_;
+}
+
+int Cancellation::Open(int family, int type, int protocol) {
+  const std::lock_guard lock(mutex_);
+  if (cancelled_) return -1;
+  const int socket = ::socket(family, type | SOCK_CLOEXEC, protocol);
+  if (socket >= 0) sockets_.insert(socket);
+  return socket;
+}
+
+void Cancellation::Close(int socket) {
+  const std::lock_guard lock(mutex_);
+  sockets_.erase(socket);
+  ::close(socket);
+}
 
 MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
                      const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress) {

@@ -9,7 +9,6 @@
 #include "platform/audio_device.h"
 
 namespace orven {
-
 namespace {
 
 constexpr float kFullScale = 32768.0F;
@@ -26,6 +25,13 @@ template <class Number>
 Number Quantised(float value) {
   const double full = static_cast<double>(std::numeric_limits<Number>::max()) + 1;
   return static_cast<Number>(std::llrint(std::clamp(value * full, -full, full - 1)));
+}
+
+template <class Number>
+Number Raw(const char* at) {
+  Number number;
+  std::memcpy(&number, at, sizeof number);
+  return number;
 }
 
 }  // namespace
@@ -69,17 +75,6 @@ void CardConverter::Append(QByteArray& bytes, float value) const {
     default: return AppendRaw(bytes, value);
   }
 }
-
-namespace {
-
-template <class Number>
-Number Raw(const char* at) {
-  Number number;
-  std::memcpy(&number, at, sizeof number);
-  return number;
-}
-
-}  // namespace
 
 CaptureConverter::CaptureConverter(const QAudioFormat& format)
     : format_(format), resampler_(format.sampleRate(), kSampleRate) {}

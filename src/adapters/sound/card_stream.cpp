@@ -10,14 +10,32 @@
 #include "platform/audio_device.h"
 
 namespace orven {
-
 namespace {
+
+using namespace std::chrono_literals;
 
 QAudioDevice Among(const QList<QAudioDevice>& devices, const std::string& id) {
   for (const QAudioDevice& device : devices)
     if (device.id().toStdString() == id) return device;
   return {};
 }
+
+/// Blocks read in one tick at most: two, so that a late tick is made up for, but a source that is being
+/// recorded at this moment is not emptied at one go.
+constexpr int kMostBlocks = 2;
+
+constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
+
+/// An output that has not played out its buffer after this long never will.
+constexpr auto kDrainLimit = 2s;
+
+constexpr const char* kOutput = "sound output";
+
+constexpr const char* kMicrophone = "microphone";
+
+/// How often the input hands over what it has captured: a block, so that the level follows the voice and
+/// little is lost at a stop.
+constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 
 }  // namespace
 
@@ -32,23 +50,6 @@ QAudioDevice InputOf(const std::string& id) {
 std::string Told(const char* kind, const QAudioDevice& device, const char* what) {
   return std::string("The ") + kind + " \"" + device.description().toStdString() + "\" " + what;
 }
-
-namespace {
-
-using namespace std::chrono_literals;
-
-/// Blocks read in one tick at most: two, so that a late tick is made up for, but a source that is being
-/// recorded at this moment is not emptied at one go.
-constexpr int kMostBlocks = 2;
-
-constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
-
-/// An output that has not played out its buffer after this long never will.
-constexpr auto kDrainLimit = 2s;
-
-constexpr const char* kOutput = "sound output";
-
-}  // namespace
 
 CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play)
     : device_(device),
@@ -108,16 +109,6 @@ bool CardPlayer::Draining() {
   Write();
   return !pending_.isEmpty() || sink_.state() != QAudio::IdleState;
 }
-
-namespace {
-
-constexpr const char* kMicrophone = "microphone";
-
-/// How often the input hands over what it has captured: a block, so that the level follows the voice and
-/// little is lost at a stop.
-constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
-
-}  // namespace
 
 CardRecorder::CardRecorder(const QAudioDevice& device, std::shared_ptr<CardTake> take)
     : device_(device),

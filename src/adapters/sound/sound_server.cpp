@@ -10,7 +10,6 @@
 #include <memory>
 
 namespace orven {
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -122,14 +121,6 @@ class Conversation {
   int unanswered_ = 0;
 };
 
-}  // namespace
-
-SoundServer AskSoundServer(std::chrono::milliseconds limit) {
-  return Conversation(limit).Ask();
-}
-
-namespace {
-
 std::string CardOf(const SoundServer& server, const std::string& output) {
   for (const SoundServer::Output& candidate : server.outputs)
     if (candidate.id == output) return candidate.card;
@@ -146,6 +137,10 @@ std::string DefaultMicrophone(const SoundServer& server) {
 }
 
 }  // namespace
+
+SoundServer AskSoundServer(std::chrono::milliseconds limit) {
+  return Conversation(limit).Ask();
+}
 
 std::string MicrophoneOf(const SoundServer& server, const std::string& output) {
   const std::string card = CardOf(server, output);
