@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
 
+#include "base/runtime_error.h"
 #include "platform/database.h"
+#include "records/call.h"
 
 namespace orven::test {
 
-/// Call records in memory.
+/// Call records in memory. World plays thousands of them a second, too many for files.
 class MemoryDatabase : public DatabaseControl {
  public:
   using Fields = std::vector<std::string>;
@@ -21,44 +24,144 @@ class MemoryDatabase : public DatabaseControl {
   std::string opened_path;
   int writes = 0;
   int added = 0;      ///< records
-  bool gone = false;  ///< the file has gone and no other can be made
+  bool gone = false;  ///< the file is lost and cannot be made again
 
   std::vector<Fields>& Records() { return records_; }
-  /// A field of a record, both as the program names them.
-  std::string Field(std::size_t record, std::string_view field) const;
-  /// The file is taken away: an empty one takes its place.
-  void LoseFile();
+  std::string Field(std::size_t record, std::string_view field) const {
+    return records_.at(record).at(Column(field));
+  }
+  /// The file is lost: an empty one takes its place.
+  void LoseFile() {
+    records_.clear();
+    identities_.clear();
+    current_ = 0;
+    if (!adding_) edited_.reset();
+  }
   /// Adds a record; fields that are not given are empty.
-  void Add(const std::map<std::string, std::string>& fields);
+  void Add(const std::map<std::string, std::string>& fields) {
+    records_.emplace_back(kCallFields.size());
+    for (const auto& [field, value] : fields) records_.back().at(Column(field)) = value;
+  }
 
-  std::string Open(const std::string& path) override;
-  RecordTable Query(std::string_view query) override;
-  std::int32_t RecordCount() override;
-  std::int32_t CountRecords(std::string_view field, std::string_view value) override;
-  std::vector<std::string> Record(std::int32_t number) override;
-  std::int64_t Identity(std::int32_t number) override;
-  std::int32_t Locate(std::int64_t identity) override;
-  std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) override;
-  std::int32_t FieldIndex(std::string_view field) const override;
-  void MoveTo(std::int32_t number) override;
+  std::string Open(const std::string& path) override {
+    opened_path = path;
+    Require(!gone);
+    return open_note;
+  }
+  RecordTable Query(std::string_view query) override {
+    Require(!gone && query == kGetAll);
+    return {records_};
+  }
+  std::int32_t RecordCount() override {
+    Require(!gone);
+    return static_cast<std::int32_t>(records_.size());
+  }
+  std::int32_t CountRecords(std::string_view field, std::string_view value) override {
+    Require(!gone);
+    const auto has = [&](const Fields& record) { return record.at(Column(field)) == value; };
+    return static_cast<std::int32_t>(std::ranges::count_if(records_, has));
+  }
+  Fields Record(std::int32_t number) override { return *At(number); }
+  std::int64_t Identity(std::int32_t number) override { return Identities().at(Index(number)); }
+  std::int32_t Locate(std::int64_t identity) override {
+    const auto& all = Identities();
+    const auto found = std::ranges::find(all, identity);
+    return found == all.end() ? 0 : static_cast<std::int32_t>(found - all.begin()) + 1;
+  }
+  std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) override {
+    const auto& all = Identities();
+    for (auto record = all.size(); record-- > 0;) {
+      const auto is = [&](const FieldValue& one) { return Field(record, one.field) == one.value; };
+      if (all[record] < identity && std::ranges::none_of(unlike, is)) return all[record];
+    }
+    return 0;
+  }
+  std::int32_t FieldIndex(std::string_view field) const override {
+    return static_cast<std::int32_t>(Column(field));
+  }
+  void MoveTo(std::int32_t number) override {
+    At(number);
+    current_ = number;
+    edited_.reset();
+  }
   void MoveFirst() override { MoveTo(1); }
   void MoveNext() override { MoveTo(current_ + 1); }
-  void AddNew() override;
-  void Edit() override;
-  void SetField(std::string_view field, std::string_view value) override;
+  void AddNew() override {
+    Require(!gone);
+    edited_ = Fields(kCallFields.size());
+    adding_ = true;
+  }
+  void Edit() override {
+    Require(!gone && current_ != 0);
+    edited_ = *At(current_);
+    adding_ = false;
+  }
+  void SetField(std::string_view field, std::string_view value) override {
+    Require(edited_.has_value());
+    edited_->at(Column(field)) = value;
+  }
   void SetField(std::string_view field, std::int32_t value) override {
     SetField(field, std::to_string(value));
   }
-  std::string GetField(std::string_view field) override;
-  void Update() override;
-  void Delete() override;
-  void DeleteFirst(std::int32_t number) override;
-  void DeleteAll() override;
+  std::string GetField(std::string_view field) override {
+    Require(edited_ || current_ != 0);
+    return (edited_ ? *edited_ : *At(current_)).at(Column(field));
+  }
+  void Update() override {
+    Require(!gone && edited_);
+    before_write();
+    ++writes;
+    if (adding_) {
+      records_.push_back(*edited_);
+      ++added;
+      current_ = RecordCount();
+    } else {
+      *At(current_) = *edited_;
+    }
+    edited_.reset();
+  }
+  void Delete() override {
+    Require(!gone && current_ != 0);
+    Erase(current_ - 1, current_);
+  }
+  void DeleteFirst(std::int32_t number) override {
+    At(number);
+    Erase(0, number);
+  }
+  void DeleteAll() override { Erase(0, RecordCount()); }
 
  private:
-  void Reach() const;
-  std::size_t At(std::int32_t number) const;
-  const std::vector<std::int64_t>& Identities();
+  static void Require(bool holds) {
+    if (!holds) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the database is not open");
+  }
+  static std::size_t Column(std::string_view field) {
+    const auto found = std::ranges::find(kCallFields, field);
+    if (found == kCallFields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return static_cast<std::size_t>(found - kCallFields.begin());
+  }
+  std::size_t Index(std::int32_t number) {
+    Require(!gone);
+    const auto index = static_cast<std::size_t>(number) - 1;
+    if (number < 1 || index >= records_.size()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return index;
+  }
+  std::vector<Fields>::iterator At(std::int32_t number) {
+    return records_.begin() + static_cast<std::ptrdiff_t>(Index(number));
+  }
+  const std::vector<std::int64_t>& Identities() {
+    Require(!gone);
+    identities_.resize(std::min(identities_.size(), records_.size()));
+    while (identities_.size() < records_.size()) identities_.push_back(++last_identity_);
+    return identities_;
+  }
+  /// The records with the indices from `first` to before `end`.
+  void Erase(std::int32_t first, std::int32_t end) {
+    before_write();
+    Identities();
+    identities_.erase(identities_.begin() + first, identities_.begin() + end);
+    records_.erase(records_.begin() + first, records_.begin() + end);
+    current_ = 0;
+  }
 
   std::vector<Fields> records_;
   std::vector<std::int64_t> identities_;  ///< follows records_ when it is looked at

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <fnmatch.h>
+
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 
+#include "base/runtime_error.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 
@@ -23,7 +26,7 @@ class MemoryFiles : public Files {
 
   /// Called before each operation that changes something; throws what the operation shall throw.
   std::function<void(const std::string& path)> before_write = [](const std::string&) {};
-  /// Hears of every text that was appended.
+  /// Called with every text that was appended.
   std::function<void(const std::string& path, std::string_view text)> on_append = [](const std::string&,
                                                                                      std::string_view) {};
   std::set<std::string> missing_folders;
@@ -32,30 +35,64 @@ class MemoryFiles : public Files {
     files_[path] = {std::move(content), clock_.Now()};
   }
   void PutAt(const std::string& path, Clock::WallTime modified) { files_[path] = {"", modified}; }
-  std::string Content(const std::string& path) const;
+  std::string Content(const std::string& path) const { return Exists(path) ? At(path).content : ""; }
   std::vector<std::string> Names(const std::string& folder) const { return List(folder, "*"); }
 
   bool Exists(const std::string& path) const override {
     return path.ends_with('/') ? !missing_folders.contains(path) : files_.contains(path);
   }
-  void Append(const std::string& path, std::string_view text) override;
+  void Append(const std::string& path, std::string_view text) override {
+    before_write(path);
+    CheckFolderOf(path);
+    auto& file = files_[path];
+    file.content += text;
+    file.modified = clock_.Now();
+    on_append(path, text);
+  }
   std::string Read(const std::string& path) const override { return At(path).content; }
   std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const override {
     const auto& content = At(path).content;
     return offset < content.size() ? content.substr(offset, size) : "";
   }
-  std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override;
-  std::chrono::system_clock::time_point LastModified(const std::string& path) const override {
-    return At(path).modified;
+  std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override {
+    CheckFolderOf(folder);
+    const std::string glob(pattern == "*.*" ? "*" : pattern);
+    std::vector<std::string> names;
+    for (auto file = files_.lower_bound(folder); file != files_.end() && file->first.starts_with(folder);
+         ++file) {
+      const auto name = file->first.substr(folder.size());
+      if (name.find('/') == name.npos && fnmatch(glob.c_str(), name.c_str(), 0) == 0) names.push_back(name);
+    }
+    return names;
   }
-  void Delete(const std::string& path) override;
-  void Copy(const std::string& from, const std::string& to) override;
-  void Rename(const std::string& from, const std::string& to) override;
+  Clock::WallTime LastModified(const std::string& path) const override { return At(path).modified; }
+  void Delete(const std::string& path) override {
+    before_write(path);
+    At(path);
+    files_.erase(path);
+  }
+  void Copy(const std::string& from, const std::string& to) override {
+    before_write(to);
+    files_[to] = At(from);
+  }
+  void Rename(const std::string& from, const std::string& to) override {
+    before_write(to);
+    if (Exists(to)) throw RuntimeError(ErrorNumber::FileAlreadyExists);
+    files_[to] = At(from);
+    files_.erase(from);
+  }
   void MakeFolder(const std::string& /*path*/) override {}
 
  private:
-  void CheckFolderOf(const std::string& path) const;
-  const File& At(const std::string& path) const;
+  void CheckFolderOf(const std::string& path) const {
+    const auto folder = path.substr(0, path.rfind('/') + 1);
+    if (missing_folders.contains(folder)) throw RuntimeError(ErrorNumber::PathNotFound, folder);
+  }
+  const File& At(const std::string& path) const {
+    const auto file = files_.find(path);
+    if (file == files_.end()) throw RuntimeError(ErrorNumber::FileNotFound);
+    return file->second;
+  }
 
   const Clock& clock_;
   std::map<std::string, File> files_;

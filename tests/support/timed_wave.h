@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "adapters/line/sim/virtual_time.h"
+#include "base/runtime_error.h"
 #include "platform/audio_device.h"
 #include "platform/wave.h"
 #include "support/memory_files.h"
@@ -20,7 +22,9 @@ class TimedWave : public WaveControl {
   TimedWave(VirtualTime& time, MemoryFiles& files) : time_(time), files_(files) {}
 
   /// Content of a sound file of this length.
-  static std::string Sound(std::chrono::milliseconds length);
+  static std::string Sound(std::chrono::milliseconds length) {
+    return std::string(kMark) + std::to_string(length.count());
+  }
 
   // What goes wrong from now on: results that the operations give.
   std::int32_t play_result = kWaveOk;
@@ -58,10 +62,18 @@ class TimedWave : public WaveControl {
     std::string path;
     std::string content;
   };
-  std::optional<Growing> GrowingFile() const;
+  std::optional<Growing> GrowingFile() const {
+    if (!recording_since_ || !to_disk) return std::nullopt;
+    return Growing{record_folder + ".recording-" + record_name_ + "-7-1.wav.part",
+                   Sound(time_.Uptime() - *recording_since_)};
+  }
 
   /// The program is killed: everything stops, and what was recorded is left in the file that grows.
-  void Crash();
+  void Crash() {
+    if (const auto growing = GrowingFile()) files_.Put(growing->path, growing->content);
+    recording_since_.reset();
+    StopPlay();
+  }
 
   std::string record_folder;
 
@@ -69,30 +81,98 @@ class TimedWave : public WaveControl {
   void SetRecordToDisk(bool on) override { to_disk = on; }
   void SetRecordFolder(const std::string& folder) override { record_folder = folder; }
   void SetRecordName(const std::string& name) override { record_name_ = name; }
-  std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
-  std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
-  std::int32_t StopRecordToFile(const std::string& path) override;
+  std::int32_t QueryRecordFormat(std::int32_t /*device*/, std::int32_t /*mode*/,
+                                 const WaveFormat& /*format*/) override {
+    return query_result;
+  }
+  std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override {
+    if (IsRecording()) return kWaveBusy;
+    if (start_result != kWaveOk) return start_result;
+    recorded.push_back(format);
+    from_line_ = device >= kFirstLineWaveDevice;
+    recording_since_ = time_.Uptime();
+    return kWaveOk;
+  }
+  std::int32_t StopRecordToFile(const std::string& path) override {
+    if (!IsRecording()) return kWaveNotRecording;
+    const auto length = time_.Uptime() - *recording_since_;
+    const auto result = Store(path, length);
+    recording_since_.reset();
+    return result;
+  }
   bool IsRecording() const override { return recording_since_.has_value(); }
   std::int32_t InputLevel() const override { return IsRecording() || IsPlaying() ? level() : 0; }
-  std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
+  std::int32_t StartMonitor(std::int32_t device, const WaveFormat& /*format*/) override {
+    monitored.push_back(device);
+    return monitor_result;
+  }
   std::int32_t StopMonitor() override { return kWaveOk; }
   std::string RecordErrorText(std::int32_t code) const override { return Text(code); }
-  std::int32_t PlayFile(const std::string& path, std::int32_t device) override;
+  std::int32_t PlayFile(const std::string& path, std::int32_t device) override {
+    if (playing_) return kWaveBusy;
+    on_play(path);
+    if (play_result != kWaveOk) return play_result;
+    const auto length = LengthOf(path);
+    if (!length) return kWaveFileNotFound;
+    played.push_back({path, device});
+    playing_ = true;
+    play_length_ = *length;
+    PlayFrom(std::chrono::milliseconds(0));
+    return kWaveOk;
+  }
   std::string PlayErrorText(std::int32_t code) const override { return Text(code); }
   bool IsPlaying() const override { return playing_; }
-  void StopPlay() override;
-  std::chrono::milliseconds Position() const override;
-  void Seek(std::chrono::milliseconds position) override;
-  double FileLength(const std::string& path) const override;
+  void StopPlay() override {
+    playing_ = false;
+    ++play_;
+  }
+  std::chrono::milliseconds Position() const override {
+    return playing_ ? time_.Uptime() - beginning_ : std::chrono::milliseconds(0);
+  }
+  void Seek(std::chrono::milliseconds position) override {
+    if (playing_) PlayFrom(std::clamp(position, std::chrono::milliseconds(0), play_length_));
+  }
+  double FileLength(const std::string& path) const override {
+    const auto length = LengthOf(path);
+    return length ? static_cast<double>(length->count()) / 1000 : -1;
+  }
 
  private:
+  static constexpr std::string_view kMark = "sound ";
   static std::string Text(std::int32_t code) {
     return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
   }
-  std::int32_t Store(const std::string& path, std::chrono::milliseconds length);
-  std::int32_t KeepElsewhere(std::chrono::milliseconds length);
-  std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const;
-  void PlayFrom(std::chrono::milliseconds position);
+  std::int32_t Store(const std::string& path, std::chrono::milliseconds length) {
+    if (from_line_) {
+      last_recorded_path = path;
+      last_recorded_length = length;
+    }
+    if (stop_result != kWaveOk) return stop_result;
+    try {
+      before_write(path);
+      files_.before_write(path);
+    } catch (const RuntimeError&) {  // what was recorded stays where it has grown
+      unsaved.push_back(record_folder + "unsaved-" + std::to_string(unsaved.size() + 1) + ".part");
+      files_.Put(unsaved.back(), Sound(length));
+      return kWaveDiskFull;
+    }
+    files_.Put(path, Sound(length));
+    from_line_ ? ++written : ++takes;
+    return kWaveOk;
+  }
+  std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const {
+    const auto content = files_.Content(path);
+    if (!content.starts_with(kMark)) return std::nullopt;
+    return std::chrono::milliseconds(std::stoll(content.substr(kMark.size())));
+  }
+  void PlayFrom(std::chrono::milliseconds position) {
+    beginning_ = time_.Uptime() - position;
+    time_.After(play_length_ - position, [this, play = ++play_] {
+      if (play != play_ || !playing_) return;
+      playing_ = false;
+      if (events_ != nullptr) events_->PlayFinished();
+    });
+  }
 
   VirtualTime& time_;
   MemoryFiles& files_;

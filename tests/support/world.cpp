@@ -2,6 +2,7 @@
 #include "support/world.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
@@ -15,60 +16,27 @@ using std::chrono_literals::operator""min;
 
 constexpr Clock::WallTime kBegin = std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
 
-constexpr std::pair<const char*, const char*> kWorkingSettings[] = {{"MeTop", "100"},
-                                                                    {"MeLeft", "200"},
-                                                                    {"MeWinState", "0"},
-                                                                    {"MeWidth", "9000"},
-                                                                    {"MeHeight", "6000"},
-                                                                    {"Modem", "-1"},
-                                                                    {"ModemName", ""},
-                                                                    {"MassagesPath", "/home/orven/Messages/"},
-                                                                    {"SecSilence", "3"},
-                                                                    {"cDropSilence", "1"},
-                                                                    {"ValSilence", "20"},
-                                                                    {"RecordMessage", "1"},
-                                                                    {"NumOfRing", "2"},
-                                                                    {"MaxRec", "1"},
-                                                                    {"Pass", "4711"},
-                                                                    {"WornDelete", "1"},
-                                                                    {"WornClear", "1"},
-                                                                    {"ListMessageOnly", "0"},
-                                                                    {"Sound", "0"},
-                                                                    {"Greeting", "Hello"},
-                                                                    {"AllowRemoteAccess", "1"},
-                                                                    {"CompressMessages", "0"},
-                                                                    {"pQuickToolbar", "1"},
-                                                                    {"PreScreen", "0"},
-                                                                    {"pMailTo", "0"},
-                                                                    {"MailTo", ""},
-                                                                    {"SMTPServer", ""},
-                                                                    {"MailFrom", ""},
-                                                                    {"ActionsMailAllCalls", "0"},
-                                                                    {"pAppTo", "0"},
-                                                                    {"AppTo", ""},
-                                                                    {"pAppToBG", "0"},
-                                                                    {"ActionsAppAllCalls", "0"},
-                                                                    {"PlayInRing", "ring.wav"},
-                                                                    {"cPlayInRing", "0"},
-                                                                    {"cOnlyIfGotMessage", "0"},
-                                                                    {"PlayInIdle", "idle.wav"},
-                                                                    {"cPlayInIdle", "0"},
-                                                                    {"WhenMsgViewMsg", "0"},
-                                                                    {"ViewDetails", "0"},
-                                                                    {"cAnimation", "0"},
-                                                                    {"AnimationFast", "0"},
-                                                                    {"cCloseCallerView", "0"},
-                                                                    {"CloseCallerView", "10"},
-                                                                    {"cLogCalls", "1"},
-                                                                    {"cLogSys", "1"},
-                                                                    {"LogFor", ""},
-                                                                    {"cWornBeforeDelete", "1"}};
+/// "Name=value;" for each setting.
+constexpr std::string_view kWorkingSettings =
+    "MeTop=100; MeLeft=200; MeWinState=0; MeWidth=9000; MeHeight=6000; Modem=-1; ModemName=; "
+    "MassagesPath=/home/orven/Messages/; SecSilence=3; cDropSilence=1; ValSilence=20; "
+    "RecordMessage=1; NumOfRing=2; MaxRec=1; Pass=4711; WornDelete=1; WornClear=1; "
+    "ListMessageOnly=0; Sound=0; Greeting=Hello; AllowRemoteAccess=1; CompressMessages=0; "
+    "pQuickToolbar=1; PreScreen=0; pMailTo=0; MailTo=; SMTPServer=; MailFrom=; "
+    "ActionsMailAllCalls=0; pAppTo=0; AppTo=; pAppToBG=0; ActionsAppAllCalls=0; "
+    "PlayInRing=ring.wav; cPlayInRing=0; cOnlyIfGotMessage=0; PlayInIdle=idle.wav; cPlayInIdle=0; "
+    "WhenMsgViewMsg=0; ViewDetails=0; cAnimation=0; AnimationFast=0; cCloseCallerView=0; "
+    "CloseCallerView=10; cLogCalls=1; cLogSys=1; LogFor=; cWornBeforeDelete=1;";
 
 }  // namespace
 
 World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, files) {
   shared.application_folder = kHome;
-  for (const auto& [name, text] : kWorkingSettings) registry.Set(name, text);
+  std::istringstream settings{std::string(kWorkingSettings)};
+  for (std::string name, value; std::getline(settings >> std::ws, name, '=');) {
+    std::getline(settings, value, ';');
+    registry.Set(name, value);
+  }
   files.Put(std::string(kHome) + "/Greets/Hello.wav", TimedWave::Sound(2s));
   for (const char* sound : {"/beep.wav", "/Sound/ring.wav", "/Sound/idle.wav"}) {
     files.Put(kHome + std::string(sound), TimedWave::Sound(400ms));
