@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "simulation/desk.h"
+#include "simulation/story.h"
 
 namespace orven::test {
 namespace {
@@ -39,68 +39,60 @@ void ClickCallerView(World& world, const std::string& what) {
   if (what == "view: close") view.Close();
 }
 
-void WriteCalls(Dice& dice, Story& story, milliseconds begin) {
-  if (dice.OneIn(6)) {
-    story.Add(Moment(dice, begin), "drop", [](World& world) { world.Machine().control.DropInComeCall(); });
+void WriteCalls(Writer& writer) {
+  writer.SometimeOneIn(6, "drop", [](World& world) { world.Machine().control.DropInComeCall(); });
+  writer.SometimeOneIn(6, "answer now",
+                       [](World& world) { world.Machine().control.AnswerToCall(0, 0, true); });
+  writer.SometimeOneIn(10, "line off and on", [](World& world) {
+    if (world.ended) return;
+    world.window->TurnOff();
+    world.window->TurnOn();
+  });
+  if (!writer.OneIn(20)) return;
+  writer.Sometime("exit", [](World& world) { world.window->Exit(); });
+  writer.SometimeOneIn(2, "started again", [](World& world) {
+    if (world.ended) StartAgain(world);
+  });
+}
+
+void WriteQuickOptions(Writer& writer) {
+  if (writer.OneIn(8)) {
+    const auto rings = std::to_string(1 + writer.Below(4));
+    writer.Sometime("rings " + rings,
+                    [rings](World& world) { world.Machine().quick_options.SetRings(rings); });
   }
-  if (dice.OneIn(6)) {
-    story.Add(Moment(dice, begin), "answer now",
-              [](World& world) { world.Machine().control.AnswerToCall(0, 0, true); });
-  }
-  if (dice.OneIn(10)) {
-    story.Add(Moment(dice, begin), "line off and on", [](World& world) {
-      if (world.ended) return;
-      world.window->TurnOff();
-      world.window->TurnOn();
-    });
-  }
-  if (dice.OneIn(20)) {
-    story.Add(Moment(dice, begin), "exit", [](World& world) { world.window->Exit(); });
-    if (dice.OneIn(2))
-      story.Add(Moment(dice, begin), "started again", [](World& world) {
-        if (world.ended) StartAgain(world);
-      });
+  if (writer.OneIn(8)) {
+    const bool on = writer.OneIn(2);
+    writer.Sometime(on ? "record on" : "record off",
+                    [on](World& world) { world.Machine().quick_options.SetRecordMessage(on); });
   }
 }
 
-void WriteQuickOptions(Dice& dice, Story& story, milliseconds begin) {
-  if (dice.OneIn(8)) {
-    const auto rings = std::to_string(1 + dice.Below(4));
-    story.Add(Moment(dice, begin), "rings " + rings,
-              [rings](World& world) { world.Machine().quick_options.SetRings(rings); });
-  }
-  if (dice.OneIn(8)) {
-    const bool on = dice.OneIn(2);
-    story.Add(Moment(dice, begin), on ? "record on" : "record off",
-              [on](World& world) { world.Machine().quick_options.SetRecordMessage(on); });
+void WriteList(Writer& writer) {
+  for (int acts = writer.OneIn(2) ? writer.Below(8) : 0; acts > 0; --acts) {
+    const auto what = writer.OneOf("click", "select", "play", "stop", "next", "back", "first", "last",
+                                   "delete", "mark read", "mark unread", "hide", "open", "tray");
+    const int row = 1 + writer.Below(5);
+    writer.Sometime(what + " " + std::to_string(row),
+                    [what, row](World& world) { UseList(world, what, row); });
   }
 }
 
-void WriteList(Dice& dice, Story& story, milliseconds begin) {
-  for (int acts = dice.OneIn(2) ? dice.Below(8) : 0; acts > 0; --acts) {
-    const auto what = dice.OneOf("click", "select", "play", "stop", "next", "back", "first", "last", "delete",
-                                 "mark read", "mark unread", "hide", "open", "tray");
-    const int row = 1 + dice.Below(5);
-    story.Add(Moment(dice, begin), what + " " + std::to_string(row),
-              [what, row](World& world) { UseList(world, what, row); });
-  }
-}
-
-void WriteCallerView(Dice& dice, Story& story, milliseconds begin) {
-  for (int clicks = dice.OneIn(2) ? 1 + dice.Below(3) : 0; clicks > 0; --clicks) {
-    const auto what = dice.OneOf("view: answer", "view: drop", "view: ignore", "view: close");
-    story.Add(Moment(dice, begin), what, [what](World& world) { ClickCallerView(world, what); });
+void WriteCallerView(Writer& writer) {
+  for (int clicks = writer.OneIn(2) ? 1 + writer.Below(3) : 0; clicks > 0; --clicks) {
+    const auto what = writer.OneOf("view: answer", "view: drop", "view: ignore", "view: close");
+    writer.Sometime(what, [what](World& world) { ClickCallerView(world, what); });
   }
 }
 
 /// Takes from the microphone, on the recorder that the calls need.
-void WriteTakes(Dice& dice, Story& story, milliseconds begin) {
-  for (int takes = dice.OneIn(4) ? 1 + dice.Below(3) : 0; takes > 0; --takes) {
-    story.Add(Moment(dice, begin), "take begins", [](World& world) {
+void WriteTakes(Writer& writer) {
+  for (int takes = writer.OneIn(4) ? 1 + writer.Below(3) : 0; takes > 0; --takes) {
+    writer.Sometime("take begins", [](World& world) {
       auto& microphone = world.Machine().microphone;
       if (!world.ended && !microphone.Busy()) microphone.Start(0);
     });
-    story.Add(Moment(dice, begin), "take ends", [](World& world) {
+    writer.Sometime("take ends", [](World& world) {
       auto& microphone = world.Machine().microphone;
       if (microphone.Recording()) microphone.Stop();
     });
@@ -108,12 +100,6 @@ void WriteTakes(Dice& dice, Story& story, milliseconds begin) {
 }
 
 }  // namespace
-
-milliseconds Moment(Dice& dice, milliseconds begin) {
-  if (dice.OneIn(2)) return begin + milliseconds(dice.Below(9000));
-  const int tenths = dice.Below(90);
-  return begin + std::max(milliseconds(0), milliseconds(tenths * 100 + dice.Below(3) - 1));
-}
 
 void StartAgain(World& world) {
   world.Crash();
@@ -123,12 +109,12 @@ void StartAgain(World& world) {
   world.Start();
 }
 
-void WriteDesk(Dice& dice, Story& story, milliseconds begin) {
-  WriteCalls(dice, story, begin);
-  WriteQuickOptions(dice, story, begin);
-  WriteList(dice, story, begin);
-  WriteCallerView(dice, story, begin);
-  WriteTakes(dice, story, begin);
+void WriteDesk(Writer& writer) {
+  WriteCalls(writer);
+  WriteQuickOptions(writer);
+  WriteList(writer);
+  WriteCallerView(writer);
+  WriteTakes(writer);
 }
 
 }  // namespace orven::test

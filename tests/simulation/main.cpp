@@ -7,7 +7,6 @@
 #include <string>
 
 #include "simulation/play.h"
-#include "simulation/random_call.h"
 
 namespace orven::test {
 namespace {
@@ -65,20 +64,12 @@ int Report(const Tally& tally, std::uint64_t first_seed) {
   return tally.failed == 0 && tally.calls > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int PlayMany(std::uint64_t worlds, std::uint64_t first_seed, const char* program) {
-  Tally tally;
-  while (tally.worlds < worlds && tally.failed < kEnoughToSeeThePattern) {
-    PlaySeed(first_seed + tally.worlds, program, tally);
-  }
-  return Report(tally, first_seed);
-}
-
-/// Plays until `minutes` have passed (0: until it is stopped).
-int Soak(std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
+/// Plays so many worlds (0: no limit) and until `minutes` have passed (0: no limit).
+int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
   const auto begin = SteadyClock::now();
   auto told = begin;
   Tally tally;
-  while (tally.failed < kEnoughToSeeThePattern) {
+  while ((worlds == 0 || tally.worlds < worlds) && tally.failed < kEnoughToSeeThePattern) {
     const auto now = SteadyClock::now();
     if (minutes > 0 && now - begin >= std::chrono::minutes(minutes)) break;
     if (now - told >= 60s) {
@@ -105,8 +96,8 @@ int Run(const std::vector<std::string>& arguments, const char* program) {
   };
   const std::string command = arguments.empty() ? "" : arguments[0];
   if (command == "replay") return Replay(number(1, 1), arguments.size() > 2 ? arguments[2] : "");
-  if (command == "soak") return Soak(number(1, 0), number(2, std::random_device()()), program);
-  return PlayMany(number(0, 1000), number(1, 1), program);
+  if (command == "soak") return PlaySeeds(0, number(1, 0), number(2, std::random_device()()), program);
+  return PlaySeeds(number(0, 1000), 0, number(1, 1), program);
 }
 
 }  // namespace

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "simulation/faults.h"
 #include "simulation/promises.h"
-#include "simulation/shrink.h"
 
 namespace orven::test {
 namespace {
@@ -68,13 +66,30 @@ Outcome Play(const Story& story) {
   return {promises.Broken(), promises.Log(), promises.Calls()};
 }
 
-Story Shrunk(const Story& story, const Outcome& outcome) {
+/// Takes pieces of the story out as long as the rest breaks a promise: halves, quarters and so on down to
+/// single steps (delta debugging).
+Story Shrunk(Story story, const Outcome& outcome) {
   const auto wanted = Kinds(outcome);
-  const auto breaks_one = [&](const std::vector<Step>& steps) {
-    const auto kinds = Kinds(Play({steps, story.end}));
+  const auto breaks_one = [&](const Story& part) {
+    const auto kinds = Kinds(Play(part));
     return std::ranges::any_of(kinds, [&](const auto& kind) { return wanted.contains(kind); });
   };
-  return {Shrink(story.steps, breaks_one), story.end};
+  for (std::size_t piece = story.steps.size() / 2; piece > 0;) {
+    bool shorter = false;
+    for (std::size_t begin = 0; begin < story.steps.size();) {
+      const auto end = std::min(begin + piece, story.steps.size());
+      auto rest = story;
+      rest.steps.erase(rest.steps.begin() + static_cast<std::ptrdiff_t>(begin),
+                       rest.steps.begin() + static_cast<std::ptrdiff_t>(end));
+      const bool still = breaks_one(rest);
+      if (still) story = std::move(rest);
+      if (!still) begin = end;
+      shorter = shorter || still;
+    }
+    if (piece == 1 && shorter) continue;  // until no single step can be left out
+    piece /= 2;
+  }
+  return story;
 }
 
 }  // namespace orven::test

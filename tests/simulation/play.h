@@ -19,6 +19,6 @@ struct Outcome {
 Outcome Play(const Story& story);
 
 /// The shortest part of a story, whose outcome was `outcome`, that breaks one of the same promises.
-Story Shrunk(const Story& story, const Outcome& outcome);
+Story Shrunk(Story story, const Outcome& outcome);
 
 }  // namespace orven::test

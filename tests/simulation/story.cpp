@@ -12,6 +12,13 @@ void Story::Close() {
   for (auto& step : steps) step.number = ++number;
 }
 
+std::chrono::milliseconds Writer::Moment() {
+  using std::chrono::milliseconds;
+  if (OneIn(2)) return begin + milliseconds(Below(9000));
+  const int tenths = Below(90);
+  return begin + std::max(milliseconds(0), milliseconds(tenths * 100 + Below(3) - 1));
+}
+
 std::string Story::Script() const {
   std::ostringstream text;
   for (const auto& step : steps) {
