@@ -20,7 +20,7 @@ bool IsDigit(char letter) {
   return letter >= '0' && letter <= '9';
 }
 
-/// A whole number of at most five digits and nothing else.
+/// A whole number of one to five digits.
 std::optional<int> Number(std::string_view text) {
   if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), IsDigit)) return std::nullopt;
   int number = 0;
@@ -33,7 +33,7 @@ bool IsPort(std::string_view text) {
   return number && *number >= 1 && *number <= 65535;
 }
 
-/// Four decimal numbers of 0 to 255. A leading zero is refused: some read it as octal.
+/// Four decimal numbers of 0 to 255. No leading zeros: some programs read them as octal.
 bool IsIpv4(std::string_view text) {
   for (int part = 0; part < 4; ++part) {
     const std::size_t dot = part < 3 ? text.find('.') : text.size();

@@ -7,22 +7,22 @@
 
 namespace orven {
 
-/// One key that a kind of line understands.
+/// One key that a kind of line may have.
 struct LineKey {
   std::string_view name;
   bool (*valid)(std::string_view value);
   std::string_view expected;  ///< completes "expected …"
-  bool required = false;      ///< without it the line cannot work
+  bool required = false;      ///< the line cannot work without it
   bool secret = false;        ///< its value is never shown
 };
 
-/// One kind of line.
+/// One kind of line: the value of `type` and the keys that go with it.
 struct LineType {
   std::string_view name;
   std::span<const LineKey> keys;
 };
 
-/// Every kind of line that `lines.ini` can name.
+/// All kinds of lines.
 std::span<const LineType> LineTypes();
 
 }  // namespace orven

@@ -20,7 +20,7 @@ struct Field {
   std::string TelephoneLine::*value;
 };
 
-/// The keys whose values are kept as they stand.
+/// The keys whose values are shown as they are.
 constexpr std::array kSipFields{
     Field{"listen", LineField::Listen, "The address for calls", &TelephoneLine::listen},
     Field{"auth_user", LineField::AuthUser, "The login name", &TelephoneLine::auth_user},
@@ -42,13 +42,11 @@ const LineType& TypeOf(LineKind kind) {
   return *std::ranges::find(LineTypes(), std::string_view(name), &LineType::name);
 }
 
-const LineKey* KeyOf(LineKind kind, std::string_view name) {
-  const auto keys = TypeOf(kind).keys;
-  const auto key = std::ranges::find(keys, name, &LineKey::name);
-  return key == keys.end() ? nullptr : &*key;
+const LineKey& KeyOf(LineKind kind, std::string_view name) {
+  return *std::ranges::find(TypeOf(kind).keys, name, &LineKey::name);
 }
 
-/// Whole seconds: a telephone rings no finer than that.
+/// Rings are counted in whole seconds.
 int RingSeconds(const std::string& text, int otherwise) {
   double seconds = otherwise;
   std::from_chars(text.data(), text.data() + text.size(), seconds);
@@ -68,7 +66,7 @@ void PutAccount(TelephoneLine& line, const LineSection& section) {
 }
 
 bool IsAccount(const std::string& user, const std::string& server) {
-  return KeyOf(LineKind::Sip, "account")->valid(AccountOf(user, server));
+  return KeyOf(LineKind::Sip, "account").valid(AccountOf(user, server));
 }
 
 std::optional<LineFault> AccountFault(const TelephoneLine& line) {
@@ -90,49 +88,41 @@ std::optional<LineFault> AccountFault(const TelephoneLine& line) {
 std::optional<LineFault> ValueFault(const TelephoneLine& line) {
   for (const auto& field : FieldsOf(line.kind)) {
     const auto& value = line.*field.value;
-    const auto* key = KeyOf(line.kind, field.key);
-    if (value.empty() && (key == nullptr || !key->required)) continue;
-    if (key != nullptr && key->valid(value)) continue;
-    const std::string expected(key != nullptr ? key->expected : "none");
+    const auto& key = KeyOf(line.kind, field.key);
+    if ((value.empty() && !key.required) || key.valid(value)) continue;
     return LineFault{field.field, std::string(field.label) + (value.empty() ? " is missing" : " is wrong") +
-                                      ": expected " + expected + '.'};
+                                      ": expected " + std::string(key.expected) + '.'};
   }
-  const auto* ring = KeyOf(LineKind::Sip, "ring_seconds");
-  if (line.kind == LineKind::Sip && !ring->valid(std::to_string(line.ring_seconds))) {
+  const auto& ring = KeyOf(LineKind::Sip, "ring_seconds");
+  if (line.kind == LineKind::Sip && !ring.valid(std::to_string(line.ring_seconds))) {
     return LineFault{LineField::RingSeconds,
-                     "The time between rings is wrong: expected " + std::string(ring->expected) + '.'};
+                     "The time between rings is wrong: expected " + std::string(ring.expected) + '.'};
   }
   return std::nullopt;
 }
 
-/// The file has no quotes: what it cannot keep must not get there.
+/// Whether `value` is read back as it was written.
+bool CanBeWritten(const std::string& value) {
+  const auto read = ParseLines("[x]\ntype = sim\nscript = " + value + '\n', "").sections;
+  return read.size() == 1 && read.front().values == std::map<std::string, std::string>{{"script", value}};
+}
+
+/// The file's notation has no quotes, so it cannot hold every text.
 std::optional<LineFault> NotationFault(const TelephoneLine& line) {
-  const auto edit = EditOf(line, nullptr);
-  const auto read = ParseLines(SectionText(edit), "lines.ini").sections;
-  const auto lost = [](LineField field, const char* label) {
+  const auto fault = [](LineField field, const char* label) {
     return LineFault{field,
                      std::string(label) +
                          " cannot be stored: expected no blank at its ends, no \";\" at its beginning or "
                          "behind a blank, and no control characters."};
   };
-  if (read.size() == 1 && read.front().name == edit.name && read.front().values == edit.values) {
-    return std::nullopt;
-  }
   for (const auto& field : FieldsOf(line.kind)) {
-    const auto wanted = edit.values.find(field.key);
-    if (wanted == edit.values.end()) continue;
-    const LineEdit alone{0, "x", edit.type, {*wanted}};
-    const auto text = SectionText(alone);
-    // Only this value's line counts here, not what a section must have.
-    const auto again =
-        ParseLines(text + (field.field == LineField::Listen ? "" : "listen = 127.0.0.1:5060\n"), "lines.ini")
-            .sections;
-    const auto found = again.size() == 1 ? again.front().values.find(field.key) : wanted;
-    if (again.size() != 1 || found == again.front().values.end() || found->second != wanted->second) {
-      return lost(field.field, field.label);
-    }
+    const auto& value = line.*field.value;
+    if (!value.empty() && !CanBeWritten(value)) return fault(field.field, field.label);
   }
-  return lost(LineField::Name, "The name");
+  const auto edit = EditOf(line, nullptr);
+  const auto read = ParseLines(SectionText(edit), "").sections;
+  const bool same = read.size() == 1 && read.front().name == edit.name && read.front().values == edit.values;
+  return same ? std::nullopt : std::optional(fault(LineField::Name, "The name"));
 }
 
 }  // namespace
@@ -157,7 +147,6 @@ TelephoneLine LineOf(const LineSection& section) {
 
 LineEdit EditOf(const TelephoneLine& line, const LineSection* before) {
   LineEdit edit{line.origin, line.name, std::string(TypeOf(line.kind).name), {}};
-  // What this dialog does not show stays.
   if (before != nullptr) edit.values = before->values;
   const auto set = [&](const std::string& key, const std::string& value) {
     edit.values.erase(key);
@@ -189,7 +178,7 @@ std::optional<LineFault> FaultOf(const TelephoneLine& line) {
 
 namespace {
 
-/// The section's value, or `otherwise` where the file gives none.
+/// The section's value, or `otherwise` if it has none.
 std::string Value(const LineSection& section, const std::string& key, const std::string& otherwise = "") {
   const auto value = section.values.find(key);
   return value == section.values.end() ? otherwise : value->second;
@@ -201,7 +190,7 @@ std::string PathValue(const LineSection& section, const std::string& key,
   return path.empty() ? "" : (folder / path).string();
 }
 
-/// Nobody waits so long for something to happen on a telephone.
+/// A caller gives up long before that.
 constexpr int kIdleSeconds = 120;
 
 }  // namespace

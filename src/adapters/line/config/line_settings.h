@@ -12,22 +12,21 @@
 
 namespace orven {
 
-/// A section of `lines.ini` as a person knows it; `origin` is its line number.
+/// A section of `lines.ini` as the dialog shows it; `origin` is its line number.
 TelephoneLine LineOf(const LineSection& section);
 
-/// The same backwards: the values that `line` shall have in the file. A value that is the default is
-/// written only where `before`, the section that it changes, has it; nullptr for a new one.
+/// The section that `line` is to have in the file. A default is written only if `before`, the section that
+/// is changed, has it too; `before` is nullptr for a new line. Keys that the dialog does not show stay.
 LineEdit EditOf(const TelephoneLine& line, const LineSection* before);
 
-/// What keeps `line` from being stored or used. What is stored must be read again as it was given.
+/// Why `line` cannot be stored or used. What is stored must be read back unchanged.
 std::optional<LineFault> FaultOf(const TelephoneLine& line);
 
-/// What the driver of a SIP line is told of its section, for use as for a test; who listens to it comes
-/// on top. A relative path of the section begins at `folder`, that of lines.ini, where our own certificate
-/// is made, too. Nothing is read.
+/// The settings of a SIP line's driver, without its listeners. Relative paths begin at `folder`, the folder
+/// of lines.ini, which also gets the certificate that the program makes. No file is read.
 SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem::path& folder);
 
-/// How long a call may be idle on any kind of line before the line ends it; 0: for ever.
+/// How long a call may be idle before a line of any kind ends it; 0: for ever.
 std::chrono::seconds IdleLimitOf(const LineSection& section);
 
 /// The path of a simulated line's script, relative to `folder` likewise; empty without one.

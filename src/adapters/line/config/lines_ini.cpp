@@ -7,15 +7,28 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <set>
 #include <system_error>
 #include <utility>
 
 #include "adapters/line/config/line_keys.h"
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
 namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// The line without its comment: a whole line behind ";" or "#", or the rest behind a blank and ";".
+/// A "#" within a line is part of the value: passwords have it.
+std::string_view WithoutComment(std::string_view line) {
+  const std::string_view text = Trimmed(line);
+  if (text.starts_with(';') || text.starts_with('#')) return {};
+  for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
+    if (at > 0 && kBlanks.find(text[at - 1]) != kBlanks.npos) return Trimmed(text.substr(0, at));
+  }
+  return text;
+}
 
 struct Entry {
   std::string key;
@@ -33,14 +46,14 @@ std::string NamesOf(const Items& items) {
   return names;
 }
 
-/// Collects one section after the other and judges each when it is complete, because what a key means
-/// depends on the section's type.
+/// Reads section by section. A section is checked when it is complete, because what a key means depends on
+/// the type.
 class LinesReader {
  public:
   explicit LinesReader(const std::string& file_name) : file_name_(file_name) {}
 
   LinesFile Read(std::string_view text) {
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     for (int number = 1; !text.empty(); ++number) {
       const std::size_t end = text.find('\n');
       ReadLine(text.substr(0, end), number);
@@ -57,7 +70,7 @@ class LinesReader {
   }
 
   void ReadLine(std::string_view line, int number) {
-    const std::string_view text = WithoutLineComment(line);
+    const std::string_view text = WithoutComment(line);
     const bool head = text.starts_with('[');
     if (head) {
       FinishSection();
@@ -77,7 +90,7 @@ class LinesReader {
   }
 
   void ReadHead(std::string_view text, int number) {
-    const std::string_view name = text.ends_with(']') ? TrimmedLine(text.substr(1, text.size() - 2)) : "";
+    const std::string_view name = text.ends_with(']') ? Trimmed(text.substr(1, text.size() - 2)) : "";
     if (name.empty()) {
       Complain(number, "the section is left out: expected its name in brackets, like [Home]");
       return;
@@ -86,15 +99,15 @@ class LinesReader {
   }
 
   void ReadEntry(std::string_view text, int number) {
-    if (!section_ && heads_ > 0) return;  // Its section was left out, which has been said.
+    if (!section_ && heads_ > 0) return;  // of a section that has been complained about
     const std::size_t equals = text.find('=');
-    const std::string key = LowerAscii(TrimmedLine(text.substr(0, equals)));
+    const std::string key = Lower(Trimmed(text.substr(0, equals)));
     if (equals == text.npos || key.empty()) {
       Complain(number, "expected [section], key = value or ; comment");
     } else if (!section_) {
       Complain(number, "\"" + key + "\" comes before any section: expected a section like [Home] first");
     } else {
-      entries_.push_back({key, std::string(TrimmedLine(text.substr(equals + 1))), number});
+      entries_.push_back({key, std::string(Trimmed(text.substr(equals + 1))), number});
     }
   }
 
@@ -132,7 +145,7 @@ class LinesReader {
       return nullptr;
     }
     if (std::count_if(entries.begin(), entries.end(), is_type) > 1) ComplainTwice(*entry);
-    const std::string name = LowerAscii(entry->value);
+    const std::string name = Lower(entry->value);
     const auto types = LineTypes();
     const auto type =
         std::find_if(types.begin(), types.end(), [&](const LineType& one) { return one.name == name; });
@@ -155,7 +168,7 @@ class LinesReader {
                                       " line: expected " + NamesOf(type.keys));
       return true;
     }
-    const std::string value = key->name == "transport" ? LowerAscii(entry.value) : entry.value;
+    const std::string value = key->name == "transport" ? Lower(entry.value) : entry.value;
     if (!key->valid(value)) {
       const std::string shown = key->secret ? "wrong" : "\"" + entry.value + "\"";
       const std::string left_out = key->required ? "the line \"" + section.name + "\" is left out: " : "";
@@ -170,7 +183,7 @@ class LinesReader {
 
   const std::string& file_name_;
   LinesFile result_;
-  int heads_ = 0;  ///< section heads seen, wrong ones too
+  int heads_ = 0;  ///< section heads read, wrong ones included
   std::optional<LineSection> section_;
   std::vector<Entry> entries_;  ///< of the current section
 };
@@ -202,35 +215,10 @@ LinesFile ReadLines(const std::string& path) {
   return ParseLines(text, file_name);
 }
 
-std::string_view TrimmedLine(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(kLineBlanks);
-  if (begin == text.npos) return {};
-  return text.substr(begin, text.find_last_not_of(kLineBlanks) - begin + 1);
-}
-
-std::string_view WithoutLineComment(std::string_view line) {
-  const std::string_view text = TrimmedLine(line);
-  if (text.starts_with(';') || text.starts_with('#')) return {};
-  for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
-    if (at > 0 && kLineBlanks.find(text[at - 1]) != kLineBlanks.npos) return TrimmedLine(text.substr(0, at));
-  }
-  return text;
-}
-
-std::string LowerAscii(std::string_view text) {
-  std::string lower(text);
-  for (char& letter : lower) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return lower;
-}
-
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-/// The lines of a text, with their "\r"; changed from the end towards the beginning, so that the
-/// numbers of what is still to be changed stay true. Indexes count from 0.
+/// The lines of a text, with their "\r". They are changed from the last section to the first, so that the
+/// line numbers of the other sections stay right. Indexes count from 0.
 class Lines {
  public:
   explicit Lines(std::string_view text) {
@@ -252,20 +240,20 @@ class Lines {
 
   void Remove(std::size_t first, std::size_t end) { lines_.erase(At(first), At(end)); }
 
-  /// Removes the section whose head is at `head`, with the blank lines behind its last entry. Comments
-  /// behind that belong to the next one.
+  /// Removes the section whose head is at `head`, with the blank lines after its last entry. Comments
+  /// after those belong to the next section.
   void RemoveSection(std::size_t head) {
     auto end = EndOfEntries(head);
-    while (end < lines_.size() && TrimmedLine(lines_[end]).empty()) ++end;
+    while (end < lines_.size() && Trimmed(lines_[end]).empty()) ++end;
     Remove(head, end);
   }
 
   void Rename(std::size_t head, const std::string& name) {
-    const std::string_view meant = WithoutLineComment(lines_[head]);
+    const std::string_view meant = WithoutComment(lines_[head]);
     Replace(head, lines_[head].find(meant), meant.size(), '[' + name + ']');
   }
 
-  /// Gives `key` of the section a value, in its line if there is one.
+  /// Sets `key` of the section, in its own line if there is one.
   void Set(std::size_t head, const std::string& key, const std::string& value) {
     const auto end = EndOfEntries(head);
     for (auto at = end; at-- > head + 1;) {
@@ -281,7 +269,7 @@ class Lines {
   }
 
   void Append(std::string_view text) {
-    if (!lines_.empty() && !TrimmedLine(lines_.back()).empty()) lines_.emplace_back(crlf_ ? "\r" : "");
+    if (!lines_.empty() && !Trimmed(lines_.back()).empty()) lines_.emplace_back(crlf_ ? "\r" : "");
     for (auto line : Lines(text).lines_) lines_.push_back(line + (crlf_ ? "\r" : ""));
   }
 
@@ -290,11 +278,11 @@ class Lines {
     return lines_.begin() + static_cast<std::ptrdiff_t>(index);
   }
 
-  /// Behind the section's last line that is more than a comment.
+  /// The index after the section's last line that is not blank or a comment.
   std::size_t EndOfEntries(std::size_t head) const {
     auto end = head + 1;
     for (auto at = end; at < lines_.size(); ++at) {
-      const auto text = WithoutLineComment(lines_[at]);
+      const auto text = WithoutComment(lines_[at]);
       if (text.starts_with('[')) break;
       if (!text.empty()) end = at + 1;
     }
@@ -302,15 +290,15 @@ class Lines {
   }
 
   std::string KeyAt(std::size_t index) const {
-    const auto text = WithoutLineComment(lines_[index]);
+    const auto text = WithoutComment(lines_[index]);
     const auto equals = text.find('=');
-    return equals == std::string_view::npos ? "" : LowerAscii(TrimmedLine(text.substr(0, equals)));
+    return equals == std::string_view::npos ? "" : Lower(Trimmed(text.substr(0, equals)));
   }
 
-  /// A comment behind the value stays.
+  /// A comment after the value stays.
   void SetValue(std::size_t index, const std::string& value) {
     const std::string& line = lines_[index];
-    const std::string_view meant = WithoutLineComment(line);
+    const std::string_view meant = WithoutComment(line);
     const auto end = line.find(meant) + meant.size();
     auto begin = line.find('=') + 1;
     while (begin < end && (line[begin] == ' ' || line[begin] == '\t')) ++begin;
@@ -350,7 +338,7 @@ std::string EditLines(std::string_view text, const std::vector<LineSection>& bef
                       const std::vector<LineEdit>& after) {
   Lines lines(text);
   for (auto section = before.rbegin(); section != before.rend(); ++section) {
-    if (section->line_number == 0) continue;  // no file names it
+    if (section->line_number == 0) continue;  // not in the file
     const auto edit = std::find_if(after.begin(), after.end(),
                                    [&](const LineEdit& one) { return one.head == section->line_number; });
     if (edit == after.end()) {

@@ -11,9 +11,8 @@
 
 namespace orven {
 
-/// The line's wave device: what the program plays and records, and where the call's sound thread
-/// fetches and leaves it. The lock is held while a source or sink runs, which is what makes the
-/// guarantee of StopPlay and StopRecord.
+/// The line's wave device between the program, which plays and records, and the call's audio thread. The lock
+/// is held while a source or sink is used: after StopPlay and StopRecord they are not used any more.
 class LineAudio : public AudioDevice {
  public:
   std::int32_t StartPlay(AudioSource& source) override;
@@ -24,21 +23,22 @@ class LineAudio : public AudioDevice {
   std::int32_t StartRecord(AudioSink& sink) override;
   void StopRecord() override;
 
-  /// Who is told that what plays has its first sound, on the thread that found it. Before the first play.
+  /// `handler` is called when a source has its first samples, on the thread that finds out. To be set before
+  /// the first play.
   void OnSourceReady(std::function<void()> handler) { source_ready_ = std::move(handler); }
 
-  /// Fills `block` with what is to be sent now; silence, and false, when nothing plays. Call's thread.
+  /// Fills `block` with what to send now; silence and false when nothing plays. The call's thread.
   bool Fetch(std::span<std::int16_t> block);
 
-  /// Hands over a received block. Call's thread.
+  /// Takes a received block. The call's thread.
   void Deliver(std::span<const std::int16_t> block);
 
-  /// Whether something plays; whether somebody records. Any thread.
+  /// Whether something is played or recorded. Any thread.
   bool Plays() const;
   bool Records() const;
 
-  /// Whether playing was stopped before its end since this was asked last: what a device holds of it
-  /// must not be heard any more. Call's thread.
+  /// Whether playing was stopped before its end since the last query: a device must then drop what it has
+  /// buffered. The call's thread.
   bool TakeCut();
 
  private:

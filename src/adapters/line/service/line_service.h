@@ -12,23 +12,22 @@
 
 namespace orven {
 
-/// The telephony control over line drivers. It numbers the drivers, hands out request numbers, posts
-/// every event to the user-interface thread, and answers every question from its own mirror of the
-/// device's state. It is also the directory of the lines' wave devices. User-interface thread.
+/// The telephony control over line drivers. It numbers drivers and requests, posts every event to the
+/// user-interface thread, and answers queries from its mirror of the device's state. It is also the directory
+/// of the lines' wave devices. User-interface thread.
 class LineService : public TelephonyControl, public AudioDevices {
  public:
-  /// `devices` in device-index order. Without `idle` no line ends a call by itself.
+  /// `devices` in device-index order. Without `idle` no line ends idle calls.
   LineService(EventLoop& loop, std::vector<TelephoneDevice> devices, IdleCalls idle = {});
 
-  /// Whether a call is up on any line, or rings.
+  /// Whether any line has a call, ringing or answered.
   bool HasCall() const;
 
-  /// Puts other devices in place of those that there are, which are closed. Only while no line is open:
-  /// else false, and nothing is done. The old ones live on, closed, until this service goes: a wave
-  /// control may still know their audio devices.
+  /// Replaces all devices. False, and nothing is done, while a line is open. The old devices stay in memory
+  /// as long as this service, because a wave control may still know their audio devices.
   bool Replace(std::vector<TelephoneDevice> devices);
 
-  /// The driver's own words on why the latest LineOpen of this line failed; empty when it did not.
+  /// Why the latest LineOpen of this line failed, in the driver's words; empty when it did not.
   std::string OpenFailure(std::int32_t index) const;
 
   void SetEvents(TelephonyEvents* events) override { events_ = events; }
@@ -57,7 +56,7 @@ class LineService : public TelephonyControl, public AudioDevices {
   const IdleCalls idle_;
   TelephonyEvents* events_ = nullptr;
   std::int32_t last_request_ = 0;
-  std::string open_failure_;  ///< the driver's own words on the latest LineOpen that failed
+  std::string open_failure_;  ///< why the latest LineOpen failed, in the driver's words
   std::vector<std::unique_ptr<ServicedLine>> lines_;
   std::vector<std::unique_ptr<ServicedLine>> replaced_;
 };

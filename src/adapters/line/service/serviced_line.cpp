@@ -67,10 +67,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A hang-up of the line's own has no request of the program's: theirs begin at 1.
+/// The line's own hang-ups; the program's requests begin at 1.
 constexpr std::int32_t kOwnRequest = 0;
 
-/// What the network did not tell of a caller.
+/// Stands for a name or number that the network did not send.
 constexpr const char* kUnknown = "UNKNOWN";
 
 std::string OrUnknown(std::string text) {
@@ -127,7 +127,7 @@ std::int32_t ServicedLine::Drop(std::int32_t request) {
     driver_->Drop(call_.number, request);
     return request;
   }
-  // The other side was faster: there is nothing left to hang up, but the request is told as done.
+  // The caller was faster: there is nothing left to hang up, but the request counts as done.
   call_.finished_requests.push_back(request);
   loop_.Post(lifeline_.Bind([this] { TellFinishedRequests(); }));
   return request;
@@ -146,12 +146,12 @@ void ServicedLine::Pump() {
   }
 }
 
-/// Whoever stays on the line after the longest message would hold it for ever. The program is told as when
-/// the caller hangs up.
+/// A caller who stays silent after the longest message would hold the line for ever. The program is told that
+/// the caller has hung up.
 void ServicedLine::CountIdleSecond() {
   if (!call_.connected) return tmrIdle_->Stop();
   idle_for_ = idle_.in_use() ? 0s : idle_for_ + 1s;
-  if (idle_for_ <= idle_limit_) return;  // the first second may have been half over
+  if (idle_for_ <= idle_limit_) return;  // the first second may have been a short one
   tmrIdle_->Stop();
   idle_.report("[" + Capabilities().device_name + "] Nothing was played, recorded or keyed for " +
                std::to_string(idle_limit_.count()) + " s: the line ends the call");
@@ -191,7 +191,7 @@ void ServicedLine::RequestDone(std::int32_t request, std::int32_t result) {
 }
 
 void ServicedLine::Connected(CallNumber call) {
-  // A call that we have hung up meanwhile is no longer connected for the program.
+  // For the program a call that it has hung up is no longer connected.
   if (!IsCurrent(call) || call_.dropped) return;
   call_.connected = true;
   idle_for_ = 0s;

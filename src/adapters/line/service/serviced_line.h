@@ -15,12 +15,11 @@
 
 namespace orven {
 
-/// Carries a driver's events from the driver's thread to the user-interface thread, in order. The
-/// events wait here rather than in the event loop, so that closing a line can deliver the last of
-/// them at once.
+/// Carries a driver's events from its thread to the user-interface thread, in order. They wait here and not
+/// in the event loop, so that closing a line can deliver the last of them at once.
 class DriverEventQueue : public LineDriverEvents {
  public:
-  /// `pump` is bound to its owner's life; it runs on the user-interface thread after events came in.
+  /// `pump` runs on the user-interface thread after events have arrived; it may outlive its owner.
   DriverEventQueue(EventLoop& loop, EventLoop::Task pump) : loop_(loop), pump_(std::move(pump)) {}
 
   void Offered(CallNumber call) override;
@@ -46,16 +45,16 @@ class DriverEventQueue : public LineDriverEvents {
   std::deque<Event> events_;
 };
 
-/// A line as it is given to the service.
+/// A line that the service is to control.
 struct TelephoneDevice {
   std::unique_ptr<LineDriver> driver;
-  /// A call on which nothing was played, recorded or keyed for so long is ended by the line; 0: none is.
+  /// The line ends a call on which nothing was played, recorded or keyed for so long; 0: never.
   std::chrono::seconds idle_limit{0};
 };
 
-/// What a line must know to end idle calls, and whom it tells. User-interface thread.
+/// How a line recognises idle calls, and where it reports them. User-interface thread.
 struct IdleCalls {
-  std::function<bool()> in_use;  ///< something is played or recorded on the line that has a call
+  std::function<bool()> in_use;  ///< something is played or recorded on the line with the call
   std::function<void(const std::string& line_of_log)> report;
 };
 
@@ -74,7 +73,7 @@ class ServicedLine : private LineDriverEvents {
 
   bool IsOpen() const { return open_; }
   std::int32_t Open();
-  /// Raises what is left of a call that is up before it returns.
+  /// Delivers the last events of a call before it returns.
   void Close();
 
   bool HasCall() const { return call_.number != 0; }
@@ -85,7 +84,7 @@ class ServicedLine : private LineDriverEvents {
   void SetGreetingPhase(bool on);
 
  private:
-  /// The call as the program has been told of it.
+  /// The call as the program knows it.
   struct Mirror {
     CallNumber number = 0;  ///< 0: there is no call
     std::int32_t answer_request = 0;
@@ -121,7 +120,7 @@ class ServicedLine : private LineDriverEvents {
   const IdleCalls& idle_;
   std::chrono::seconds idle_limit_;
   std::chrono::seconds idle_for_{0};  ///< how long nothing has happened on the connected call
-  std::unique_ptr<Timer> tmrIdle_;    ///< runs while a call is connected; none where no call is ended
+  std::unique_ptr<Timer> tmrIdle_;    ///< runs while a call is connected; null if no call is ever ended
   Lifeline lifeline_;
   DriverEventQueue queue_;
 };

@@ -76,7 +76,7 @@ bool FileExists(const std::string& path) {
   return std::filesystem::status(path, error).type() != std::filesystem::file_type::not_found;
 }
 
-/// The whole file, "" without one.
+/// The whole file; empty if there is none.
 std::string ContentOf(const std::string& path) {
   if (!FileExists(path)) return "";
   Descriptor file(path, O_RDONLY | O_NONBLOCK);
@@ -112,7 +112,7 @@ TelephoneLines::Configured FileTelephoneLines::Read() {
   try {
     text_ = ContentOf(path_);
   } catch (const RuntimeError&) {
-    // ReadLines has complained; nothing can be stored.
+    // ReadLines has complained, and nothing can be stored.
   }
   Configured configured{{}, file_.complaints};
   for (const auto& section : file_.sections) configured.lines.push_back(LineOf(section));
@@ -137,13 +137,13 @@ void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
     edits.push_back(EditOf(line, SectionAt(line.origin)));
     if (!is_text) edits.back().head = 0;
   }
-  if (!is_text) SetAside();  // what is wrong in a text stays there
+  if (!is_text) SetAside();  // what is wrong in a text file stays in it
   const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
   const auto text = EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits);
   ReplaceFile(path_, text, kOwnerOnly);
 }
 
-/// As the file would have `line`, with what no window shows.
+/// `line` as the file would have it, with the keys that no window shows.
 LineSection FileTelephoneLines::SectionOf(const TelephoneLine& line) const {
   const auto edit = EditOf(line, SectionAt(line.origin));
   return {edit.name, edit.head, edit.type, edit.values};
@@ -164,7 +164,7 @@ std::vector<SerialPortFound> FileTelephoneLines::SerialPorts() const {
 std::int32_t FileTelephoneLines::DeviceOf(const TelephoneLine& line) const {
   const auto section = SectionOf(line);
   for (std::size_t index = 0; index < states_.size(); ++index) {
-    const auto& device = states_[index].section;  // the file may have got other lines above it
+    const auto& device = states_[index].section;  // other lines may have been added above
     if (device.name == section.name && device.type == section.type && device.values == section.values) {
       return static_cast<std::int32_t>(index);
     }
@@ -191,7 +191,7 @@ std::string FileTelephoneLines::State(const TelephoneLine& line) const {
   return RegistrationWords(states.registration->Get());
 }
 
-/// Whether an open line has this account registered, whatever else is different.
+/// Whether an open line has registered this account, perhaps with other settings.
 bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   for (std::size_t index = 0; index < states_.size(); ++index) {
     const auto device = LineOf(states_[index].section);
@@ -204,7 +204,7 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   return false;
 }
 
-/// Where this program waits for calls now, so that no test can.
+/// Where this program waits for calls now: no test can listen there.
 std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
   std::vector<std::string> addresses;
   for (std::size_t index = 0; index < states_.size(); ++index) {

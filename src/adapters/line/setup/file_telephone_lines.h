@@ -16,32 +16,31 @@
 
 namespace orven {
 
-/// Runs the tests of lines away from the user-interface thread, one that counts at a time.
-/// User-interface thread.
+/// Runs the tests of lines in the background; only the latest one reports. User-interface thread.
 class LineTestRun {
  public:
-  /// Looks at `cancelled` at least a few times a second.
+  /// Must look at `cancelled` at least a few times a second.
   using Work = std::function<LineTestResult(const std::atomic<bool>& cancelled)>;
 
   explicit LineTestRun(EventLoop& loop) : loop_(loop) {}
   LineTestRun(const LineTestRun&) = delete;
   LineTestRun& operator=(const LineTestRun&) = delete;
 
-  /// Waits for the threads, which know that they are cancelled: up to two seconds.
+  /// Cancels, and waits for the threads: up to two seconds.
   ~LineTestRun();
 
-  /// Gives up the work under way and runs `work` on a thread; `done` follows on the user-interface
-  /// thread unless Cancel comes first.
+  /// Cancels the running work and runs `work` on a thread. `done` is called on the user-interface thread
+  /// unless Cancel is called first.
   void Start(Work work, TelephoneLines::TestDone done);
 
-  /// Does not wait.
+  /// Returns at once; the work ends by itself.
   void Cancel();
 
  private:
   struct Run {
     std::atomic<bool> cancelled = false;
     std::atomic<bool> finished = false;
-    std::unique_ptr<QThread> thread;  ///< Qt's serial ports want one of Qt's
+    std::unique_ptr<QThread> thread;  ///< Qt's serial ports need one of Qt's threads
   };
 
   void Forget(bool finished_only);
@@ -51,11 +50,11 @@ class LineTestRun {
   Lifeline lifeline_;
 };
 
-/// The telephone lines of the file `lines.ini`. What is wrong in it stays there; one that is no text at all
-/// is copied beside its place before it is replaced. User-interface thread.
+/// The telephone lines of the file `lines.ini`. What is wrong in the file stays there; a file that is not
+/// text is copied before it is replaced. User-interface thread.
 class FileTelephoneLines final : public TelephoneLines {
  public:
-  /// `path` is the file's; `states` are those of the lines that `service` has, device by device.
+  /// `path` is the file's; `states` belong to the devices of `service`, in the same order.
   FileTelephoneLines(std::string path, EventLoop& loop, const LineService& service, const LineStates& states)
       : path_(std::move(path)), service_(service), states_(states), tests_(loop) {}
 

@@ -64,9 +64,9 @@ std::string SamplesOf(SampleKind kind) {
 LineTestResult ResultOf(const PreparedModem& modem, const std::string& port) {
   switch (modem.state) {
     case PreparedModem::State::Silent:
-      return {false, "Nothing answers at " + port + ": no modem is there, or it is switched off."};
+      return {false, "Nothing answers at " + port + ": there is no modem, or it is switched off."};
     case PreparedModem::State::NoModem:
-      return {false, "What is at " + port + " answers, but not as a modem does."};
+      return {false, "The device at " + port + " answers, but not as a modem does."};
     case PreparedModem::State::NoVoice:
       return {false,
               "A modem answers at " + port +
@@ -107,7 +107,7 @@ class Probe : private ModemLinkEvents, private ModemOutput {
     waiting_.quit();
   }
 
-  // What a modem says unasked is of no concern here.
+  // Nothing that a modem reports by itself matters here.
   void Line(const std::string& /*text*/) override {}
   void Event(char /*code*/) override {}
   void Packet(const std::string& /*text*/) override {}

@@ -9,13 +9,14 @@
 
 namespace orven {
 
-/// The ports a modem can be at: USB modems and USB serial cables by the name that stays whatever they
-/// are plugged into (udev's serial/by-id), else as ttyACM* and ttyUSB*. `devices` is the folder /dev.
+/// The ports that may have a modem: USB modems and serial cables, by udev's name in serial/by-id, which does
+/// not depend on the socket that they are plugged into, else as ttyACM* and ttyUSB*. `devices` is the folder
+/// /dev.
 std::vector<SerialPortFound> FindSerialPorts(const std::string& devices = "/dev");
 
-/// Asks what is at the serial port `port` (or, for kAnyPort, at each port there is until one fits) as the
-/// line does before it takes calls, and says what came of it. Blocks for some seconds; any thread of Qt's but
-/// the user-interface thread. Ends early, with any result, when `cancelled` becomes true.
+/// Tests the modem at the serial port `port` (kAnyPort: at one port after the other until one is usable) with
+/// the commands that prepare a line. Blocks for some seconds; any QThread but the user-interface thread. Ends
+/// early, with any result, when `cancelled` becomes true.
 LineTestResult ProbeModem(const std::string& port, const std::atomic<bool>& cancelled);
 
 }  // namespace orven

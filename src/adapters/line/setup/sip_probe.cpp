@@ -21,10 +21,10 @@ using State = RegistrationNews::State;
 
 constexpr milliseconds kLookForCancel{50};
 
-/// RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
+/// TLS has its own default port (RFC 3261, section 19.1.2), which is easily forgotten.
 constexpr const char* kTlsPort = " The port for TLS is often 5061.";
 
-/// A caller who meets the test is not answered; the farewell turns him away.
+/// Calls that come in during the test are not answered.
 class NoEvents final : public LineDriverEvents {
   void Offered(CallNumber /*call*/) override {}
   void Ring(CallNumber /*call*/, std::int32_t /*count*/) override {}
@@ -36,7 +36,7 @@ class NoEvents final : public LineDriverEvents {
   void Idle(CallNumber /*call*/) override {}
 };
 
-/// The first outcome of the registration, from the SIP thread.
+/// Waits for the first result of the registration, which the SIP thread tells.
 class Outcome {
  public:
   void Take(const RegistrationNews& news) {
@@ -126,7 +126,7 @@ std::string PortOf(const std::string& address) {
   return address.substr(address.rfind(':'));
 }
 
-/// Puts a free port in the place of `address`'s. False when it is none of this computer's addresses.
+/// Replaces the port of `address` by a free one. False when it is not an address of this computer.
 bool TakeFreePort(std::string& address) {
   const auto host = address.substr(0, address.rfind(':'));
   const auto port = FreePortAt(host);
@@ -156,7 +156,7 @@ LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
   for (auto* address : {&settings.listen, &settings.tls_listen}) {
     if (address->empty() || (settings.account.empty() && !is_open(*address))) continue;
     if (!TakeFreePort(*address))
-      return {false, "The address for calls, " + *address + ", is none of this computer's."};
+      return {false, "The address for calls, " + *address + ", is not an address of this computer."};
   }
   if (settings.account.empty()) return TestListening(settings, where);
   Outcome outcome;

@@ -11,21 +11,21 @@
 
 namespace orven {
 
-/// How a SIP line is tried out.
+/// How a SIP line is tested.
 struct SipProbeOptions {
-  /// The account is registered by a line of this program now: the server is only asked, so that the
+  /// A line of this program has registered the account: the server is only queried, so that the
   /// registration stays as it is.
   bool registered_now = false;
-  /// Addresses that lines of this program have open now. Free ports stand in for theirs.
+  /// Addresses where lines of this program listen now. The test uses free ports instead of theirs.
   std::vector<std::string> open_addresses{};
-  /// Longest wait for the server. UDP tries again after 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section
-  /// 17.1.2.2): four lost requests are no bad luck.
+  /// Longest wait for the server. UDP retransmits after 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section
+  /// 17.1.2.2): five lost requests are no accident.
   std::chrono::milliseconds patience{10'000};
 };
 
-/// Opens `line` with its `settings`. With an account: from free ports; registers it, takes the registration
-/// back, and says what came of it. Without one: says whether calls can come in. Blocks; any thread but the
-/// user-interface thread. Ends early, with any result, when `cancelled` becomes true.
+/// Opens `line` with its `settings`. A line with an account is opened on free ports, registered and
+/// unregistered; for a line without one the result says whether calls can come in. Blocks; any thread but
+/// the user-interface thread. Ends early, with any result, when `cancelled` becomes true.
 LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
                             const SipProbeOptions& options, const std::atomic<bool>& cancelled);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBlock{1000 * kBlockSamples / kSampleRate};
 
-/// An hour of what was heard is kept; a line that runs for days must not fill the memory.
+/// One hour: a line that runs for days must not fill the memory.
 constexpr std::size_t kMostHeard = std::size_t{3600} * kSampleRate;
 
 }  // namespace
@@ -188,7 +188,7 @@ void SimLine::MonitorDigits(CallNumber call, bool on) {
 }
 
 void SimLine::SetGreetingPhase(CallNumber /*call*/, bool /*on*/) {
-  // A simulated line hears its digits as well under the greeting as without it.
+  // A simulated line recognises digits during the greeting as well as without it.
 }
 
 }  // namespace orven

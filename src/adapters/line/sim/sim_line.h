@@ -14,20 +14,20 @@
 
 namespace orven {
 
-/// The sound of a simulated call: what is played is kept for the caller to hear, what the caller says
-/// is recorded, silence when nothing is said. Moves a block every 20 ms of its loop's time while a
-/// call is up and something plays or records.
+/// The audio of a simulated call. What is played is kept as what the caller has heard; what the caller says
+/// is recorded, followed by silence. During a call it moves a block every 20 ms of the loop's time while
+/// something is played or recorded.
 class SimAudio : public AudioDevice {
  public:
   explicit SimAudio(EventLoop& loop);
 
-  /// A call was answered, or is gone.
+  /// Whether a call is connected.
   void SetCall(bool up) { up_ = up; }
 
-  /// The caller says this, after what was said before.
+  /// The caller says `samples` after everything said before.
   void Say(const std::vector<std::int16_t>& samples);
 
-  /// What the caller has heard so far, with its gaps left out.
+  /// What the caller has heard so far, without the pauses between.
   const std::vector<std::int16_t>& Heard() const { return heard_; }
 
   std::int32_t StartPlay(AudioSource& source) override;
@@ -46,15 +46,14 @@ class SimAudio : public AudioDevice {
   std::unique_ptr<Timer> pace_;
 };
 
-/// A telephone line that exists only in the program: somebody "calls" by calling its methods, or by a
-/// script that begins when the line is opened. It runs on whatever time its event loop has.
-/// User-interface thread.
+/// A telephone line that exists only in the program. Its caller is whoever calls its methods, or a script
+/// that starts when the line is opened. It runs on its event loop's time. User-interface thread.
 class SimLine : public LineDriver {
  public:
   SimLine(std::string device_name, EventLoop& loop, SimScript script = {});
 
-  /// The caller's side. A step that makes no sense now (hanging up without a call, a second call
-  /// while one is up) does nothing, as on a real line.
+  /// The caller's side. A step that is impossible now (hanging up without a call, a second call) does
+  /// nothing, as on a real line.
   void Offer();
   void Ring();
   void CallerId(const std::string& name, const std::string& number);
@@ -62,9 +61,9 @@ class SimLine : public LineDriver {
   void HangUp();
   void Do(const SimStep& step);
 
-  /// The network's side: how long it takes to answer or to hang up, and whether the next answers fail.
+  /// The network's side: how long answering and hanging up take, and how many of the next answers fail.
   void SetAnswerDelay(std::chrono::milliseconds delay) { answer_delay_ = delay; }
-  /// How long after the answer the connection stands; the caller may hang up in between.
+  /// How long after the answer the call is connected; the caller may hang up in between.
   void SetConnectDelay(std::chrono::milliseconds delay) { connect_delay_ = delay; }
   void FailAnswers(int count) { failing_answers_ = count; }
   void FailOpen(std::int32_t result, std::string reason);
@@ -74,7 +73,7 @@ class SimLine : public LineDriver {
   SimAudio& Sound() { return audio_; }
 
   const DeviceCapabilities& Capabilities() const override { return capabilities_; }
-  /// Capabilities can be changed before the line is initialised.
+  /// To be changed before the line is initialised only.
   DeviceCapabilities& MutableCapabilities() { return capabilities_; }
   std::int32_t Open(LineDriverEvents& events) override;
   void Close() override;
@@ -103,7 +102,7 @@ class SimLine : public LineDriver {
   bool answered_ = false;
   bool connected_ = false;
   bool dropping_ = false;  ///< our side has asked to hang up
-  int openings_ = 0;       ///< tells the script of an earlier opening from this one's
+  int openings_ = 0;       ///< stops the scripts of earlier openings
   bool monitor_digits_ = false;
   std::chrono::milliseconds answer_delay_{20};
   std::chrono::milliseconds connect_delay_{0};

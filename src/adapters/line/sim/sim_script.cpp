@@ -22,7 +22,7 @@ constexpr std::array<std::pair<const char*, Kind>, 5> kWords{{{"offer", Kind::Of
                                                               {"press", Kind::Press},
                                                               {"hangup", Kind::HangUp}}};
 
-/// A day: longer scripts are mistakes.
+/// One day: a longer script is a mistake.
 constexpr double kLastSecond = 86400;
 
 std::optional<SimStep> ReadStep(const std::string& line) {
@@ -51,7 +51,7 @@ SimScript ReadSimScript(const std::string& path, std::vector<std::string>& compl
   SimScript script;
   std::error_code error;
   std::ifstream file;
-  if (std::filesystem::is_regular_file(path, error)) file.open(path);  // a pipe would hold us up
+  if (std::filesystem::is_regular_file(path, error)) file.open(path);  // a pipe would block
   if (!file.is_open()) complaints.push_back(path + ": the script of the simulated line cannot be read");
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {

@@ -7,7 +7,7 @@
 
 namespace orven {
 
-/// One thing that happens on a simulated line.
+/// One event on a simulated line.
 struct SimStep {
   enum class Kind { Offer, Ring, CallerId, Press, HangUp };
   std::chrono::milliseconds at{0};  ///< after the line was opened
@@ -18,8 +18,8 @@ struct SimStep {
 
 using SimScript = std::vector<SimStep>;
 
-/// Reads a script: one step a line, a time in seconds and what happens then. Empty lines and lines
-/// that begin with ";" or "#" count for nothing.
+/// Reads a script: one step per line, a time in seconds and what happens then. Empty lines and lines that
+/// begin with ";" or "#" are ignored.
 ///
 ///     0    offer
 ///     0.1  callerid 5551234 Anna Smith
@@ -27,7 +27,7 @@ using SimScript = std::vector<SimStep>;
 ///     9.5  press 123456*
 ///     20   hangup
 ///
-/// A line that is none of these is left out and told to `complaints` as "script.sim:3: …".
+/// Other lines are left out; each adds a text like "script.sim:3: …" to `complaints`.
 SimScript ReadSimScript(const std::string& path, std::vector<std::string>& complaints);
 
 /// The script as text that ReadSimScript reads.

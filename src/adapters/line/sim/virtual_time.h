@@ -13,21 +13,20 @@
 
 namespace orven {
 
-/// Clock and event loop in one whose time passes only when it is told to: a simulated hour takes as
-/// long as its events do. The wall clock begins at `start`; the user's time zone is UTC, dates are
-/// month/day/year, times have 24 hours and seconds. Single-threaded: posting from other threads is
-/// not supported.
+/// A clock and event loop whose time passes only in RunFor and RunUntil: a simulated hour takes as long as
+/// its events. The wall clock begins at `start`; the time zone is UTC, dates are month/day/year, times have
+/// 24 hours and seconds. Single-threaded: posting from other threads is not supported.
 class VirtualTime : public EventLoop, public Clock {
  public:
   explicit VirtualTime(WallTime start) : start_(start) {}
 
-  /// Lets `duration` pass, running all that falls due on the way, in the order of its time.
+  /// Lets `duration` pass and runs everything that is due meanwhile, in order.
   void RunFor(std::chrono::milliseconds duration);
 
   /// Runs until `done` or until `limit` has passed. True when `done`.
   bool RunUntil(const std::function<bool()>& done, std::chrono::milliseconds limit);
 
-  /// Puts the wall clock forward, or back by a negative duration; elapsed time goes on as it was.
+  /// Sets the wall clock forward, or back by a negative duration; Uptime is not affected.
   void TurnClock(std::chrono::milliseconds by) { start_ += by; }
 
   void Post(Task task) override { After(std::chrono::milliseconds(0), std::move(task)); }
@@ -44,17 +43,16 @@ class VirtualTime : public EventLoop, public Clock {
  private:
   class VirtualTimer;
 
-  /// What is done once, or at each tick of a timer, which therefore allocates nothing: simulated hours are
-  /// mostly ticks.
+  /// A task, or a timer that reuses its job: ticks are most of a simulated hour, so they allocate nothing.
   struct Job {
     Task task;
     std::chrono::milliseconds interval{0};
-    std::uint64_t start = 0;  ///< counts a timer's starts and stops: what was queued before is void
+    std::uint64_t start = 0;  ///< counts a timer's starts and stops: entries of earlier starts are void
     bool repeats = false;
   };
   struct Due {
     std::chrono::milliseconds at;
-    std::uint64_t order;  ///< of two tasks due at one time the one asked for first runs first
+    std::uint64_t order;  ///< tasks that are due at the same time run in the order of asking
     std::uint64_t start;
     std::shared_ptr<Job> job;
     bool operator<(const Due& other) const { return at != other.at ? at > other.at : order > other.order; }
