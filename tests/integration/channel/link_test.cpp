@@ -1,142 +1,190 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+#include <qtestsupport_core.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalSocket>
 
-#include "link_fixture.h"
+#include "adapters/channel/exchange_client.h"
+#include "adapters/channel/local_exchange.h"
+#include "adapters/channel/message_link.h"
+#include "adapters/desktop/qt_event_loop.h"
 
 namespace orven::test {
 namespace {
 
-TEST_F(LinkTest, ThousandMessagesGoBothWaysInOrder) {
-  NearHelper helper(exchange_->Listen());
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  std::vector<std::string> sent;
-  for (int i = 0; i < 1000; ++i) {
-    sent.push_back(std::to_string(i) + std::string(static_cast<std::size_t>(i), 'm') + "é");
-    ASSERT_TRUE(exchange_->Send(sent.back()));
-    ASSERT_TRUE(helper.client->Send(sent.back()));
+using namespace std::chrono_literals;
+using Messages = std::vector<std::string>;
+
+const std::string kLongest(DataExchange::kLongestMessage, 'x');
+
+/// What an end of the link has received.
+struct Received : DataExchangeEvents {
+  void DataArrival(const std::string& text) override { messages.push_back(text); }
+  void LinkLost() override { ++lost; }
+  Messages messages;
+  int lost = 0;
+};
+
+/// A helper in the test's own process.
+struct NearHelper : Received {
+  explicit NearHelper(const std::string& path) { EXPECT_EQ(client->Connect(path, 5s).value_or(""), ""); }
+  std::unique_ptr<ExchangeClient> client = std::make_unique<ExchangeClient>(
+      MessageLink::Handlers{[this](const std::string& text) { DataArrival(text); }, [this] { LinkLost(); }});
+};
+
+struct LinkTest : testing::Test {
+  LinkTest() { exchange->SetEvents(&program); }
+  NearHelper& Connected() {
+    helpers.push_back(std::make_unique<NearHelper>(exchange->Listen()));
+    EXPECT_TRUE(exchange->OpenCheck(7));
+    return *helpers.back();
   }
-  EXPECT_TRUE(events_.arrived.empty()) << "an event inside an operation";
-  EXPECT_TRUE(Eventually([&] { return helper.arrived.size() == 1000 && events_.arrived.size() == 1000; }));
-  EXPECT_EQ(helper.arrived, sent);
-  EXPECT_EQ(events_.arrived, sent);
+  /// Closes the link, opens the next one, or ends the program's end.
+  void End(int how) {
+    if (how == 0) exchange->Close();
+    if (how == 1) exchange->Listen();
+    if (how == 2) exchange.reset();
+  }
+  template <typename Condition>
+  static bool Eventually(Condition condition) {
+    return QTest::qWaitFor(condition, 20'000);
+  }
+
+  QtEventLoop loop;
+  Received program;
+  std::unique_ptr<LocalExchange> exchange = std::make_unique<LocalExchange>(loop);
+  std::vector<std::unique_ptr<NearHelper>> helpers;
+};
+
+TEST_F(LinkTest, MessagesGoBothWaysInOrderTheLongestToo) {
+  EXPECT_FALSE(exchange->Send("without a link"));
+  auto& helper = Connected();
+  EXPECT_FALSE(exchange->Send(kLongest + "x") || exchange->Send("\xff"));
+  Messages sent{"", "Say:line\r\nline\nZoë 😀", std::string("a\0b", 3), kLongest};
+  for (std::size_t i = 0; i < 1000; ++i) sent.push_back(std::to_string(i) + std::string(i, 'm'));
+  for (const auto& text : sent) ASSERT_TRUE(exchange->Send(text) && helper.client->Send(text));
+  EXPECT_TRUE(program.messages.empty()) << "an event inside an operation";
+  EXPECT_TRUE(Eventually([&] { return helper.messages.size() > 1003 && program.messages.size() > 1003; }));
+  EXPECT_TRUE(helper.messages == sent && program.messages == sent);
 }
 
-TEST_F(LinkTest, LongestMessagePassesAndWhatIsNoneDoesNot) {
-  EXPECT_FALSE(exchange_->Send("without a link"));
-  NearHelper helper(exchange_->Listen());
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  const std::string longest(DataExchange::kLongestMessage, 'x');
-  EXPECT_FALSE(exchange_->Send(longest + "x"));
-  EXPECT_FALSE(exchange_->Send("\xff"));
-  EXPECT_TRUE(exchange_->Send(longest));
-  EXPECT_TRUE(helper.client->Send(longest));
-  EXPECT_TRUE(Eventually([&] { return !helper.arrived.empty() && !events_.arrived.empty(); }));
-  EXPECT_EQ(helper.arrived, std::vector{longest});
-  EXPECT_EQ(events_.arrived, std::vector{longest});
+TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesAndALaterOpeningIsNotDisturbed) {
+  for (const int end : {0, 1, 2}) {
+    auto& helper = Connected();
+    const Messages sent{end == 2 ? "" : kLongest, end == 2 ? "" : kLongest, "ULD:"};
+    for (const auto& text : sent) ASSERT_TRUE(exchange->Send(text));
+    helper.client->Send("GVCS:");  // a helper that answers to a closed link must still read on
+    End(end);
+    EXPECT_FALSE(exchange && exchange->OpenCheck(0));
+    EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
+    EXPECT_TRUE(helper.messages == sent);
+  }
+  EXPECT_TRUE(program.messages.empty());
+  EXPECT_EQ(program.lost, 0);
 }
 
-TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesBeforeTheLoss) {
-  NearHelper helper(exchange_->Listen());
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  const std::string longest(DataExchange::kLongestMessage, 'x');
-  for (const auto& text : {longest, longest, std::string("ULD:")}) ASSERT_TRUE(exchange_->Send(text));
-  // A helper that answers to a closed link must still read on.
-  helper.client->Send("GVCS:");
-  exchange_->Close();
-  EXPECT_FALSE(exchange_->OpenCheck(7));
-  EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
-  ASSERT_EQ(helper.arrived.size(), 3U);
-  EXPECT_EQ(helper.arrived.back(), "ULD:");
-  EXPECT_TRUE(events_.arrived.empty());
-  EXPECT_EQ(events_.lost, 0);
-}
-
-TEST_F(LinkTest, EndOfTheProgramStillTellsTheHelper) {
-  NearHelper helper(exchange_->Listen());
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  helper.client->Send("never read");
-  exchange_->Send("ULD:");
-  exchange_.reset();
-  EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
-  EXPECT_EQ(helper.arrived, std::vector<std::string>{"ULD:"});
-}
-
-TEST_F(LinkTest, LaterOpeningIsNotDisturbedByAnEarlierHelper) {
-  const auto first_path = exchange_->Listen();
-  NearHelper first(first_path);
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  exchange_->Send("ULD:");
-  const auto second_path = exchange_->Listen();
-  EXPECT_NE(first_path, second_path);
-  first.client->Send("late");
-  NearHelper second(second_path);
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  EXPECT_TRUE(Eventually([&] { return first.lost == 1; }));
-  EXPECT_EQ(first.arrived, std::vector<std::string>{"ULD:"});
-  second.client->Send("mine");
-  EXPECT_TRUE(Eventually([&] { return !events_.arrived.empty(); }));
-  EXPECT_EQ(events_.arrived, std::vector<std::string>{"mine"});
-  EXPECT_EQ(events_.lost, 0);
-}
-
-TEST_F(LinkTest, HelperThatDiesIsLostAfterItsLastMessage) {
-  NearHelper helper(exchange_->Listen());
-  ASSERT_TRUE(exchange_->OpenCheck(7));
+TEST_F(LinkTest, AHelperThatDiesBreaksTheRulesOrDoesNotReadIsLost) {
+  auto& helper = Connected();
   helper.client->Send("last words");
   helper.client.reset();
-  EXPECT_TRUE(Eventually([&] { return events_.lost == 1; }));
-  EXPECT_EQ(events_.arrived, std::vector<std::string>{"last words"});
-  EXPECT_FALSE(exchange_->OpenCheck(7));
-  EXPECT_FALSE(exchange_->Send("GVC:"));
-}
-
-TEST_F(LinkTest, HelperThatBreaksTheRulesIsLost) {
-  QLocalSocket helper;
-  helper.connectToServer(QString::fromStdString(exchange_->Listen()));
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  helper.write("\xff\xff\xff\xff garbage");
-  EXPECT_TRUE(Eventually([&] { return events_.lost == 1; }));
-  EXPECT_TRUE(events_.arrived.empty());
-  EXPECT_TRUE(Eventually([&] { return helper.state() == QLocalSocket::UnconnectedState; }));
-}
-
-TEST_F(LinkTest, HelperThatDoesNotReadIsLostInsteadOfFillingTheMemory) {
-  QLocalSocket helper;
-  helper.connectToServer(QString::fromStdString(exchange_->Listen()));
-  ASSERT_TRUE(exchange_->OpenCheck(7));
-  helper.setReadBufferSize(1);
-  const std::string longest(DataExchange::kLongestMessage, 'x');
+  EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
+  EXPECT_EQ(program.messages, Messages{"last words"});
+  EXPECT_FALSE(exchange->OpenCheck(7) || exchange->Send("GVC:"));
+  QLocalSocket socket;
+  const auto connect = [&] {
+    program = {};
+    socket.abort();
+    socket.connectToServer(QString::fromStdString(exchange->Listen()));
+    return exchange->OpenCheck(7);
+  };
+  const std::string garbage[] = {std::string("\x00\x10\x00\x01", 4), "\xff\xff\xff\xff", Framed("\xc3"),
+                                 Framed("\xed\xa0\x80"), "GET / HTTP/1.1\r\n\r\n"};
+  for (const auto& bytes : garbage) {
+    ASSERT_TRUE(connect());
+    socket.write(QByteArray::fromStdString(Framed("before") + bytes + Framed("after")));
+    EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
+    EXPECT_EQ(program.messages, Messages{"before"});
+    EXPECT_TRUE(Eventually([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
+  }
+  ASSERT_TRUE(connect());
+  socket.setReadBufferSize(1);
   int sent = 0;
-  while (sent < 100 && exchange_->Send(longest)) ++sent;
-  EXPECT_GE(sent, 7);
-  EXPECT_LT(sent, 10);
-  EXPECT_EQ(events_.lost, 0) << "an event inside an operation";
-  EXPECT_TRUE(Eventually([&] { return events_.lost == 1; }));
+  while (sent < 100 && exchange->Send(kLongest)) ++sent;
+  EXPECT_TRUE(sent >= 7 && sent < 10) << sent;
+  EXPECT_EQ(program.lost, 0) << "an event inside an operation";
+  EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
 }
 
-TEST_F(LinkTest, OneHelperComesInAndTheWayIsGone) {
-  const auto path = QString::fromStdString(exchange_->Listen());
+TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
+  const auto path = QString::fromStdString(exchange->Listen());
   const QFileInfo folder(QFileInfo(path).absolutePath());
-  constexpr auto kOthers = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ExeGroup |
-                           QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
-  EXPECT_FALSE(folder.permissions() & kOthers);
-  EXPECT_FALSE(QFileInfo(path).permissions() & kOthers);
-  QLocalSocket first;
-  QLocalSocket second;
+  constexpr auto kOthers = QFileDevice::Permissions(0x0077);
+  EXPECT_FALSE((folder.permissions() | QFileInfo(path).permissions()) & kOthers);
+  if (::geteuid() == 0) {  // only root can become another user
+    const pid_t child = ::fork();
+    if (child == 0) {
+      QLocalSocket socket;
+      if (::setuid(65534) != 0) ::_exit(2);
+      socket.connectToServer(path);
+      ::_exit(socket.waitForConnected(1000) ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+  }
+  QLocalSocket first, second;
   first.connectToServer(path);
   second.connectToServer(path);  // queued behind the first
-  ASSERT_TRUE(exchange_->OpenCheck(7));
+  ASSERT_TRUE(exchange->OpenCheck(7));
   EXPECT_FALSE(QFileInfo::exists(folder.filePath()));
   EXPECT_TRUE(Eventually([&] { return second.state() == QLocalSocket::UnconnectedState; }));
-  ASSERT_TRUE(exchange_->Send("x"));
+  ASSERT_TRUE(exchange->Send("x"));
   EXPECT_TRUE(Eventually([&] { return first.bytesAvailable() == 5; }));
-
-  const QFileInfo unused(QFileInfo(QString::fromStdString(exchange_->Listen())).absolutePath());
+  const QFileInfo unused(QFileInfo(QString::fromStdString(exchange->Listen())).absolutePath());
   EXPECT_TRUE(QFileInfo::exists(unused.filePath()));
-  exchange_.reset();
+  exchange.reset();
   EXPECT_FALSE(QFileInfo::exists(unused.filePath()));
+}
+
+TEST_F(LinkTest, TheWaitRunsTheEventLoopUntilTheHelperComesOrNothingIsLeftToWaitFor) {
+  EXPECT_FALSE(exchange->OpenCheck(600)) << "no helper was started";
+  const auto path = exchange->Listen();
+  bool waited = true;
+  loop.Post([&] {
+    waited = exchange->OpenCheck(600);
+    loop.After(10ms, [&] { helpers.push_back(std::make_unique<NearHelper>(path)); });
+  });
+  EXPECT_TRUE(exchange->OpenCheck(600));
+  EXPECT_FALSE(waited) << "one wait at a time";
+  exchange->Listen();
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_FALSE(exchange->OpenCheck(1) || exchange->OpenCheck(1));
+  EXPECT_GE(timer.elapsed(), 990) << "the first waited for a helper that never came";
+  loop.Post([&] {
+    exchange->Listen();
+    loop.After(10ms, [] { QCoreApplication::quit(); });
+    waited = exchange->OpenCheck(600);
+  });
+  QCoreApplication::exec();
+  EXPECT_FALSE(waited);
+  for (const int end : {0, 1, 2}) {
+    exchange->Listen();
+    loop.Post([this, end] { End(end); });
+    EXPECT_FALSE(exchange->OpenCheck(600));
+  }
 }
 
 }  // namespace
 }  // namespace orven::test
+
+int main(int count, char** arguments) {
+  const QCoreApplication application(count, arguments);
+  testing::InitGoogleTest(&count, arguments);
+  return RUN_ALL_TESTS();
+}

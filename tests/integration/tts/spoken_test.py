@@ -6,23 +6,18 @@
 """
 
 import os
-import shutil
 import signal
 import socket
 import struct
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "sound"))
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "sound"))
 
 import sound_case  # noqa: E402
 from sound_case import processes, snr, sound  # noqa: E402
-
-TTS = ""
 
 SENTENCE = "Please leave a message after the tone."
 ANOTHER = "Thank you for your call."
@@ -35,57 +30,40 @@ def length(samples):
     return (loud[-1] - loud[0]) / sound.RATE if loud else 0
 
 
-class Helper:
-    """The helper and the program's end of its link."""
+class SpokenTest(unittest.TestCase):
+    """The program's end of a helper's link."""
 
-    def __init__(self, server):
-        path = os.path.join(server.folder, "uDat")
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="orven-tts-")
+        self.addCleanup(folder.cleanup)
+        self.path = os.path.join(folder.name, "ttstmp.wav")
+        self.server = sound_case.Server(folder.name)
+        self.addCleanup(self.server.end)
+
+    def start_helper(self):
+        path = os.path.join(self.server.folder, "uDat")
         with socket.socket(socket.AF_UNIX) as listener:
+            if os.path.exists(path):
+                os.remove(path)
             listener.bind(path)
             listener.listen(1)
             listener.settimeout(10)
-            self.process = subprocess.Popen(
-                [TTS, "-gc"], env=dict(server.environment, ORVEN_CHANNEL=path), stderr=subprocess.PIPE
-            )
+            environment = dict(self.server.environment, ORVEN_CHANNEL=path)
+            self.helper = subprocess.Popen([TTS, "-gc"], env=environment, stderr=subprocess.PIPE)
+            self.addCleanup(self.helper.communicate)
+            self.addCleanup(self.helper.kill)
             self.link = listener.accept()[0]
-        self.link.settimeout(10)
+        self.addCleanup(self.link.close)
 
-    def send(self, text):
-        data = text.encode()
-        self.link.sendall(struct.pack(">I", len(data)) + data)
-
-    def answer(self):
-        """The answer to "GVC:", which everything that was sent before has gone before."""
-        self.send("GVC:")
-        data = b""
-        while len(data) < 4 or len(data) < 4 + struct.unpack(">I", data[:4])[0]:
-            data += self.link.recv(65536)
-        return data[4:].decode()
+    def send(self, *texts):
+        for text in texts:
+            self.link.sendall(struct.pack(">I", len(text)) + text.encode())
 
     def unload(self):
         """The exit code and what was complained of."""
         self.send("ULD:")
-        complaints = self.process.communicate(timeout=10)[1].decode()
-        return self.process.returncode, complaints
-
-    def end(self):
-        self.process.kill()
-        self.process.wait()
-        self.process.stderr.close()
-        self.link.close()
-
-
-class SpokenTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.mkdtemp(prefix="orven-tts-")
-        self.addCleanup(shutil.rmtree, folder, True)
-        self.server = sound_case.Server(folder)
-        self.addCleanup(self.server.end)
-
-    def helper(self):
-        helper = Helper(self.server)
-        self.addCleanup(helper.end)
-        return helper
+        complaints = self.helper.communicate(timeout=10)[1].decode()
+        return self.helper.returncode, complaints
 
     def speech(self, text):
         """How `text` sounds, by the helper's own file."""
@@ -96,81 +74,61 @@ class SpokenTest(unittest.TestCase):
     def wait_for_sound(self, recording, since=0):
         processes.wait_for("the sound", lambda: sound.peak(recording.samples()[since:]) > 0.05, 10)
 
-    def assert_heard(self, text, heard):
-        """Whole. Only the first text of a helper is made exactly like the file: the engine's waves go on from
-        one text to the next."""
-        self.assertAlmostEqual(length(self.speech(text)), length(heard), delta=0.1)
-
-    def test_texts_are_heard_one_after_the_other(self):
+    def test_texts_are_heard_one_after_the_other_until_they_are_stopped(self):
         self.server.start()
-        helper = self.helper()
+        self.start_helper()
         recording = sound_case.Recording(self.server)
-        helper.send("Say:" + SENTENCE)
-        helper.send("Say:" + ANOTHER)
-        self.assertTrue(helper.answer().startswith("GVCS:"))
+        self.send("Stp:", "Say:" + SENTENCE, "Say:" + ANOTHER)
         self.wait_for_sound(recording)
         heard = recording.finish()
+        # Only the first text is made exactly like the file: the engine's waves go on from one text to the next.
         self.assertGreater(snr.snr(self.speech(SENTENCE), heard)[0], LIKE_THE_FILE)
         both = length(self.speech(SENTENCE)) + length(self.speech(ANOTHER))
         self.assertAlmostEqual(both + 0.5, length(heard), delta=0.5)
-        self.assertEqual((0, ""), helper.unload())
 
-    def test_stop_cuts_off_what_sounds_and_what_waits(self):
-        self.server.start()
-        helper = self.helper()
-        helper.send("Stp:")
         recording = sound_case.Recording(self.server)
-        helper.send("Say:" + (SENTENCE + "\r\n") * 10_000)
-        helper.send("Say:" + SENTENCE)
+        self.send("Say:" + (SENTENCE + "\r\n") * 10_000, "Say:" + SENTENCE)
         self.wait_for_sound(recording)
-        helper.send("Stp:")
-        processes.wait_for("the stream's end", lambda: not self.server.streams(), 3)
-        silent_from = len(recording.samples())
+        self.send("Stp:")
+        self.wait_for_silence()
+        silent_from = len(recording.samples()) + sound.RATE // 2
         recording.wait_for_more()
         recording.wait_for_more()
-        self.assertEqual(0, sound.peak(recording.samples()[silent_from + sound.RATE // 2 :]))
-
-        helper.send("Say:" + ANOTHER)
-        self.wait_for_sound(recording, silent_from + sound.RATE // 2)
-        self.assert_heard(ANOTHER, recording.finish()[silent_from:])
+        self.assertEqual(0, sound.peak(recording.samples()[silent_from:]), "what waited was said all the same")
+        self.send("Say:" + ANOTHER)
+        self.wait_for_sound(recording, silent_from)
+        self.assertAlmostEqual(length(self.speech(ANOTHER)), length(recording.finish()[silent_from:]), delta=0.1)
 
         # A file takes the engine from a long text; the end cuts off what sounds.
-        path = os.path.join(self.server.folder, "ttstmp.wav")
-        for end in ("STW:" + SENTENCE, "ULD:"):
-            helper.send("SFS:" + path)
-            helper.send("Say:" + SENTENCE * 1000)
-            processes.wait_for("the stream", self.server.streams, 10)
-            if end == "ULD:":
-                self.assertEqual((0, ""), helper.unload())
-                self.assertFalse(os.path.exists(path))
-            else:
-                helper.send(end)
-                processes.wait_for("the file", lambda: os.path.exists(path), 10)
-            processes.wait_for("the stream's end", lambda: not self.server.streams(), 3)
+        self.send("SFS:" + self.path, "Say:" + SENTENCE * 1000)
+        processes.wait_for("the stream", self.server.streams, 10)
+        self.send("STW:" + SENTENCE)
+        processes.wait_for("the file", lambda: os.path.exists(self.path), 10)
+        self.wait_for_silence()
+        self.send("Say:" + SENTENCE * 1000)
+        processes.wait_for("the stream", self.server.streams, 10)
+        self.assertEqual((0, ""), self.unload())
+        self.wait_for_silence()
 
-    def test_without_a_sound_server_the_helper_complains_and_works_on(self):
-        helper = self.helper()
-        helper.send("Say:" + SENTENCE)
-        processes.wait_for("the complaint", lambda: b"sound server" in os.read(helper.process.stderr.fileno(), 4096), 20)
+    def wait_for_silence(self):
+        processes.wait_for("the stream's end", lambda: not self.server.streams(), 3)
+
+    def test_a_server_that_is_missing_or_hangs_costs_a_complaint(self):
+        self.start_helper()
+        self.send("Say:" + SENTENCE)
+        processes.wait_for("the complaint", lambda: b"sound server" in os.read(self.helper.stderr.fileno(), 4096), 20)
         self.server.start()
         recording = sound_case.Recording(self.server)
-        helper.send("Say:" + SENTENCE)
+        self.send("Say:" + SENTENCE)
         self.wait_for_sound(recording)
-        self.assert_heard(SENTENCE, recording.finish())
-        self.assertEqual((0, ""), helper.unload())
+        self.assertAlmostEqual(length(self.speech(SENTENCE)), length(recording.finish()), delta=0.1)
+        self.assertEqual((0, ""), self.unload())
 
-    def test_a_server_that_hangs_holds_nothing_up(self):
-        self.server.start()
         self.server.process.send_signal(signal.SIGSTOP)
-        begin = time.monotonic()
-        helper = self.helper()
-        helper.send("Say:" + SENTENCE)
-        path = os.path.join(self.server.folder, "ttstmp.wav")
-        helper.send("SFS:" + path)
-        helper.send("STW:" + SENTENCE)
-        processes.wait_for("the file", lambda: os.path.exists(path), 10)
-        self.assertEqual(0, helper.unload()[0])
-        self.assertLess(time.monotonic() - begin, 10)
+        self.start_helper()
+        self.send("Say:" + SENTENCE, "SFS:" + self.path, "STW:" + SENTENCE)
+        processes.wait_for("the file", lambda: os.path.exists(self.path), 10)
+        self.assertEqual(0, self.unload()[0])
 
 
 if __name__ == "__main__":
