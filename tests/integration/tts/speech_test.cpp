@@ -194,7 +194,7 @@ TEST_F(SpeechTest, AFileAppearsWholeAndAKilledHelpersIsCleanedUpByTheNext) {
   EXPECT_EQ(folder.Count("."), 1U);
 
   // Told to end, it finishes its file, beside the next helper.
-  const auto last = Write("last.wav", LongText(20'000));
+  const auto last = Write("last.wav", LongText(8'000));
   Send("Say:This is cut off, and needs no sound server to be.");
   Send("ULD:");
   Start();
