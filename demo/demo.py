@@ -27,7 +27,6 @@ import mailbox
 import modem_telephone
 import snr
 import sound
-import telephone
 from processes import Failed, wait_for
 
 CALLER_NAME, CALLER_NUMBER = "Anna Garden", "5557777"
@@ -71,13 +70,6 @@ def check_order(lines, steps):
         check(any(text in line for line in remaining), f'The system log lacks "{text}" at its place in the call')
 
 
-def telephone_of(answering_machine, folder, name, number):
-    """A telephone that can call the machine."""
-    if answering_machine.modem:
-        return modem_telephone.ModemTelephone(answering_machine.modem, name, number, answering_machine.look)
-    return telephone.Telephone(folder, name, number, meanwhile=answering_machine.look)
-
-
 def call(phone, answering_machine):
     phone.dial(answering_machine.address)
     phone.wait_event("CALL_ESTABLISHED", ANSWER_LIMIT)
@@ -96,10 +88,10 @@ def make_greeting(answering_machine, screen):
     return path
 
 
-def leave_message(answering_machine, folder, greeting, spoken):
+def leave_message(answering_machine, greeting, spoken):
     """The first call. Returns what the call has added to the system log."""
     first_line, calls = len(answering_machine.log()), answering_machine.count("Idle[")
-    with telephone_of(answering_machine, os.path.join(folder, "caller"), CALLER_NAME, CALLER_NUMBER) as caller:
+    with answering_machine.telephone(CALLER_NAME, CALLER_NUMBER) as caller:
         step(f"{CALLER_NAME} calls {answering_machine.address}")
         call(caller, answering_machine)
         step("The machine has answered; she hears the greeting and waits for the beep")
@@ -167,10 +159,10 @@ def check_program(answering_machine, notebook, record):
     check(lines == [CALLER_NAME, CALLER_NUMBER, record["Call_Massage_Name"]], "These are not the call's details")
 
 
-def listen_remotely(answering_machine, folder, password, message_seconds):
+def listen_remotely(answering_machine, password, message_seconds):
     """The owner's call. Returns what he heard."""
     calls = answering_machine.count("Idle[")
-    with telephone_of(answering_machine, os.path.join(folder, "owner"), "Owner", "5551111") as owner:
+    with answering_machine.telephone("Owner", "5551111") as owner:
         step("The owner calls his machine")
         call(owner, answering_machine)
         owner.wait_until("The greeting", lambda: sound.peak(owner.heard()) > 0.05, 10)
@@ -222,13 +214,13 @@ def demonstrate(answering_machine, folder, screen, inbox):
 
     spoken = sound.speech(MESSAGE, "en-gb+f2")
     greeting = make_greeting(answering_machine, screen)
-    check_order(leave_message(answering_machine, folder, greeting, spoken), STEPS_OF_A_CALL)
+    check_order(leave_message(answering_machine, greeting, spoken), STEPS_OF_A_CALL)
     message = check_record(answering_machine)
     recorded = check_message(message, spoken)
     check_mail(answering_machine, inbox, message)
     check_program(answering_machine, notebook, answering_machine.records()[0])
 
-    heard = listen_remotely(answering_machine, folder, password, len(recorded) / sound.RATE)
+    heard = listen_remotely(answering_machine, password, len(recorded) / sound.RATE)
     check_quality("recorded, heard by the owner", recorded, heard)
     check_quality("spoken, heard by the owner", spoken, heard)
     check(len(answering_machine.records()) == 1, "The owner's own call was filed as a call")

@@ -54,6 +54,14 @@ class Window:
         facts = dict(re.findall(r"(X|Y|WIDTH|HEIGHT)=(-?\d+)", text))
         return tuple(int(facts.get(name, 0)) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
+    def click(self, button=1):
+        left, top, width, height = self.area()
+        self._display.run("xdotool", "mousemove", left + width // 2, top + height // 2, "click", button)
+
+    def close(self):
+        """As its close button does."""
+        self._display.run("wmctrl", "-i", "-c", hex(self.number))
+
     def picture(self, path):
         """Saves the window as a picture; false when that failed."""
         return self._display.run("import", "-window", self.number, path).returncode == 0 and os.path.exists(path)
@@ -118,6 +126,14 @@ class Display:
     def ask(self, *command):
         """What a command prints; a window that is gone meanwhile gives an empty answer."""
         return self.run(*command).stdout
+
+    def wait_for_keyboard(self, title, limit):
+        """Waits until the window of this title has the keyboard."""
+
+        def is_there():
+            return self.ask("xdotool", "getwindowfocus", "getwindowname").strip() == title
+
+        processes.wait_for(f'The keyboard at "{title}"', is_there, limit)
 
     def colours(self, path):
         """How many colours a picture has."""

@@ -8,7 +8,9 @@ import shutil
 import signal
 import sqlite3
 
+import modem_telephone
 import processes
+import telephone
 
 LINE = "Demo"  # the name of the telephone line
 
@@ -75,6 +77,13 @@ class Machine:
         self.end()
         self.change_settings(settings)
         self.start_and_wait()
+
+    def telephone(self, name, number):
+        """A telephone that can call the machine, with telephone.Telephone's methods. Waits in it end with the program."""
+        if self.modem:
+            return modem_telephone.ModemTelephone(self.modem, name, number, self.look)
+        folder = os.path.join(self._folder, name.replace(" ", ""))
+        return telephone.Telephone(folder, name, number, meanwhile=self.look)
 
     # Its folder; to be changed only while it is not running.
 

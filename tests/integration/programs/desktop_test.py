@@ -94,10 +94,6 @@ class DesktopTest(harness.ProgramCase):
 
         return processes.wait_for("The icon in the tray", find, LIMIT)[0]
 
-    def click(self, window, button):
-        left, top, width, height = window.area()
-        self.display.run("xdotool", "mousemove", left + width // 2, top + height // 2, "click", button)
-
     def main_window(self, state):
         """Waits until the main window has this state, which is empty for a window that is not shown."""
 
@@ -106,9 +102,6 @@ class DesktopTest(harness.ProgramCase):
             return (window.state() if window else "") == state and (window or True)
 
         return processes.wait_for(f'The main window\'s state "{state}"', find, LIMIT)
-
-    def close(self, window):
-        self.display.run("wmctrl", "-i", "-c", hex(window.number))  # as its close button does
 
     def assert_line_is_open(self):
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other, self.assertRaises(OSError):
@@ -130,9 +123,9 @@ class DesktopTest(harness.ProgramCase):
 
         self.display.run("xdotool", "mousemove", *(x + 8 for x in icon.area()[:2]), "mousemove_relative", 2, 2)
         processes.wait_for("The icon's tip", lambda: any(w.kind() == "TOOLTIP" for w in self.windows()), LIMIT)
-        self.click(icon, 1)
+        icon.click()
         window = self.main_window("Normal")
-        self.close(window)
+        window.close()
         self.main_window("")
         self.assert_line_is_open()
         self.assertEqual(self.orven.count("Unload ORVEN"), 0)
@@ -141,13 +134,13 @@ class DesktopTest(harness.ProgramCase):
         self.main_window("Normal")
         self.open_lines()
         self.display.run("xdotool", "key", "alt+r")  # a question, over which the menu works
-        self.keyboard_goes_to("ORVEN")
+        self.display.wait_for_keyboard("ORVEN", LIMIT)
         self.choose(icon, "Down")  # the first item is "Exit"
         self.assert_ended_by_exit()
 
     def choose(self, icon, key):
         windows = len(self.windows())
-        self.click(icon, 3)
+        icon.click(3)
         processes.wait_for("The menu", lambda: len(self.windows()) > windows, LIMIT)
         self.display.run("xdotool", "key", key, "Return")
 
@@ -159,7 +152,7 @@ class DesktopTest(harness.ProgramCase):
         self.assertFalse(icon.is_blank())
         self.assertIsNone(self.display.main_window(self.orven.process))
         icon.activate()
-        self.close(self.main_window("Normal"))
+        self.main_window("Normal").close()
         self.main_window("")
         self.assert_line_is_open()
         icon.press("Open")
@@ -172,7 +165,7 @@ class DesktopTest(harness.ProgramCase):
         address, host = self.bus_tray()
         host.send_signal(signal.SIGSTOP)
         self.orven.start_and_wait()
-        self.close(self.main_window("Normal"))
+        self.main_window("Normal").close()
         self.main_window("Iconic")  # the icon could not bring it back
         host.kill()  # whoever looks after the desktop starts it again
         host.wait(LIMIT)
@@ -203,23 +196,17 @@ class DesktopTest(harness.ProgramCase):
         self.dial("Anna")
         processes.wait_for("The caller view", lambda: len(self.windows()) > windows, LIMIT)
         self.display.run("xdotool", "key", "alt+r")  # asks
-        self.keyboard_goes_to("ORVEN")
+        self.display.wait_for_keyboard("ORVEN", LIMIT)
         for below in ("Telephone Lines", "Options", "ORVEN"):
             self.display.run("xdotool", "key", "Escape")
-            self.keyboard_goes_to(below)
+            self.display.wait_for_keyboard(below, LIMIT)
 
     def open_lines(self):
-        self.keyboard_goes_to("ORVEN")
+        self.display.wait_for_keyboard("ORVEN", LIMIT)
         self.display.run("xdotool", "key", "alt+o", "Down", "Return")
-        self.keyboard_goes_to("Options")
+        self.display.wait_for_keyboard("Options", LIMIT)
         self.display.run("xdotool", "key", "alt+l")
-        self.keyboard_goes_to("Telephone Lines")
-
-    def keyboard_goes_to(self, title):
-        def is_there():
-            return self.display.ask("xdotool", "getwindowfocus", "getwindowname").strip() == title
-
-        processes.wait_for(f'The keyboard at "{title}"', is_there, LIMIT)
+        self.display.wait_for_keyboard("Telephone Lines", LIMIT)
 
     def test_an_exit_while_a_box_is_open_ends_the_program(self):
         self.orven.change_settings({"ModemName": "Gone"})
@@ -231,7 +218,7 @@ class DesktopTest(harness.ProgramCase):
     def test_without_a_tray_closing_minimises_the_window(self):
         self.orven.start_and_wait()
         window = self.main_window("Normal")
-        self.close(window)
+        window.close()
         self.main_window("Iconic")
         self.orven.wait_for("No notification area: the window is minimised, not hidden")
         self.assert_line_is_open()

@@ -1,9 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the tests of the whole program share: a folder, the program in it, callers, and a runner that runs the
-tests of a script side by side, each in its own process.
-
-    TEST.py PROGRAM [EMULATOR] [CLASS.TEST …]
-"""
+# What the tests of the whole program share: a folder, the program in it, callers, and a runner that runs the tests of a
+# script side by side, each in its own process.
 
 import os
 import shutil
@@ -18,7 +15,6 @@ sys.path += [os.path.join(HERE, *[".."] * 3, "demo"), os.path.join(HERE, "..", "
 import machine  # noqa: E402
 import processes  # noqa: E402
 import sound  # noqa: E402
-import telephone  # noqa: E402
 
 PROGRAM = EMULATOR = ""
 LIMIT = 30  # seconds, for every wait
@@ -59,7 +55,7 @@ class ProgramCase(unittest.TestCase):
             template=template, variables={**QUIET, **self.variables}))  # fmt: skip
 
     def dial(self, name):
-        caller = self.enterContext(telephone.Telephone(os.path.join(self.folder, name), name, "5551234"))
+        caller = self.enterContext(self.orven.telephone(name, "5551234"))
         caller.hurry()
         caller.dial(self.orven.address)
         return caller
@@ -130,7 +126,7 @@ def main(program_arguments=1, at_a_time=1, namespaces=None, prepare=lambda: None
     """Runs the tests of the script that are named, or all. Each test's process calls `prepare` first."""
     global PROGRAM, EMULATOR
     if len(sys.argv) <= program_arguments:
-        sys.exit(__doc__)
+        sys.exit(f"{sys.argv[0]} PROGRAM [EMULATOR] [CLASS.TEST …]")
     script, *programs = map(os.path.abspath, sys.argv[: program_arguments + 1])
     PROGRAM, EMULATOR = (programs + [""])[:2]
     names = sys.argv[program_arguments + 1 :]

@@ -9,20 +9,14 @@ import sqlite3
 import harness
 import modem_telephone
 import snr
-from harness import LIMIT, REACTION_SECONDS, sound, telephone
+from harness import LIMIT, REACTION_SECONDS, sound
 
 NAME, NUMBER = "Anna Garden", "5557777"
 PASSWORD = "12"
 SILENCE_SECONDS = 3
-STEPS_TO_A_MESSAGE = ["InCommingCall[", "CallerID[", "Ring[LineIndex:0]->2", "LineAnswer[", "Connected["] + [
-    "Play Beep ",
-    "Start Record Message[",
-]
-SAID = {
-    "Garden": "Hello, this is the garden.",
-    "Old": "The boat is ready for you.",
-    "New": "Where did you leave the keys?",
-}
+STEPS_TO_A_MESSAGE = ("InCommingCall[", "CallerID[", "Ring[LineIndex:0]->2", "LineAnswer[", "Connected[", "Play Beep ",
+                      "Start Record Message[")  # fmt: skip
+SAID = dict(Garden="Hello, this is the garden.", Old="The boat is ready for you.", New="Where did you leave the keys?")
 
 
 @functools.cache
@@ -53,11 +47,8 @@ class LineCase(harness.ProgramCase):
     def dial(self):
         """A caller whose telephone rings the program."""
         self.orven.start_and_wait()
-        if self.modem:
-            caller = modem_telephone.ModemTelephone(self.modem, NAME, NUMBER)
-        else:
-            caller = telephone.Telephone(os.path.join(self.folder, "caller"), NAME, NUMBER)
-        self.enterContext(caller).dial(self.orven.address)
+        caller = self.enterContext(self.orven.telephone(NAME, NUMBER))
+        caller.dial(self.orven.address)
         return caller
 
     def dial_and_connect(self):
