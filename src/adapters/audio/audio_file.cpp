@@ -38,8 +38,8 @@ std::int16_t ToSample(float value) {
   return static_cast<std::int16_t>(std::lrintf(scaled));
 }
 
-/// A readable descriptor of a regular file, or -1 and `result`. Not blocking, because opening a named
-/// pipe would wait for its writer.
+/// A readable descriptor of a regular file, or -1 and `result`. O_NONBLOCK, because opening a named pipe
+/// would wait for its writer.
 int OpenRegular(const std::string& path, std::int32_t& result) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) {
@@ -54,6 +54,7 @@ int OpenRegular(const std::string& path, std::int32_t& result) {
 }
 
 }  // namespace
+
 std::int32_t OpenAudioFile(const std::string& path, AudioFile& file, SF_INFO& info) {
   std::int32_t result = kWaveOk;
   const int descriptor = OpenRegular(PathInAnyCase(path), result);
@@ -106,8 +107,8 @@ std::size_t TelephoneDecoder::Read(std::span<std::int16_t> out) {
   return done;
 }
 
-/// Reads what about `samples` of telephone audio are made of. A damaged floating-point file may hold NaN or
-/// infinity: they become silence here, before they spread through the resampler's filter.
+/// Reads the part of the file that about `samples` of telephone audio need. A damaged floating-point file may
+/// hold NaN or infinity: they become silence here, before they spread through the resampler's filter.
 void TelephoneDecoder::ReadPiece(std::size_t samples) {
   const double wanted = static_cast<double>(samples) * rate_ / kSampleRate;
   const auto frames = static_cast<std::size_t>(std::clamp(std::ceil(wanted), 1.0, kMostFrames));
@@ -181,10 +182,9 @@ void FileSource::Decode() {
   while (more_ && WaitForRoom()) more_ = DecodeChunk();
   decoder_.reset();
   decoded_all_.store(true, std::memory_order_release);
-  finished_.store(true, std::memory_order_release);
 }
 
-/// False when that was the last.
+/// False after the last chunk.
 bool FileSource::DecodeChunk() {
   std::array<std::int16_t, kDecodeChunk> chunk;
   const std::size_t count = decoder_->Read(chunk);
@@ -193,7 +193,7 @@ bool FileSource::DecodeChunk() {
   return count == chunk.size();
 }
 
-/// True when a chunk fits, false when the play has been cancelled.
+/// True when a chunk fits, false when the play was cancelled.
 bool FileSource::WaitForRoom() {
   if (ring_.Room() >= kDecodeChunk) return !cancelled_;
   std::unique_lock lock(mutex_);

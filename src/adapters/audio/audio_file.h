@@ -70,15 +70,14 @@ class TelephoneDecoder {
   bool file_ended_ = false;
 };
 
-/// A queue of samples from exactly one writing thread to exactly one reading thread; neither ever
-/// waits for the other.
+/// A lock-free queue of samples with one writing and one reading thread.
 class SampleRing {
  public:
   /// Holds up to `capacity` samples.
   explicit SampleRing(std::size_t capacity) : samples_(capacity) {}
 
-  /// Samples that can be read now. Either thread; the other one's progress may make it grow (for the
-  /// reader) or shrink (for the writer) at any time.
+  /// Samples that can be read now. Either thread; the other thread may make it grow (for the reader) or
+  /// shrink (for the writer) at any time.
   std::size_t Size() const {
     return static_cast<std::size_t>(written_.load(std::memory_order_acquire) -
                                     read_.load(std::memory_order_acquire));
@@ -107,36 +106,36 @@ class SampleRing {
   std::atomic<std::uint64_t> read_{0};     ///< samples ever read
 };
 
-/// Plays one sound file into a device: its own thread decodes half a second to a second ahead, so that
-/// neither the device's thread nor the user interface ever waits for the disk, and a file of any length
-/// takes the same memory.
+/// Plays one audio file into a device. Its own thread decodes half a second to a second ahead, so that
+/// neither the device's thread nor the user interface waits for the disk, and memory does not depend on the
+/// file's length.
 class FileSource : public AudioSource {
  public:
-  /// Starts decoding at `start`, which is within the file, 0 being its beginning; what begins there has its
-  /// first tenth of a second when this returns. `on_ended` is called on the device's thread when everything
-  /// has been read or the device has gone.
+  /// Starts decoding at `start`, which is within the file. From 0, the first tenth of a second is decoded
+  /// when this returns. `on_ended` is called on the device's thread when everything has been read or the
+  /// device is gone.
   FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
              std::function<void()> on_ended);
 
-  /// Waits for the decoding of the chunk in hand, if any; not at all once Finished().
+  /// Waits for the chunk being decoded, if any; not at all once Finished().
   ~FileSource() override;
 
-  /// Calls `on_ready`, which returns at once and calls nothing here, when there is sound to read: now, or on
-  /// the decoding thread. Once, and never after Cancel.
+  /// Calls `on_ready` once when there is audio to read: now, or on the decoding thread, and never after
+  /// Cancel. It must return at once and call nothing here.
   void WhenReady(std::function<void()> on_ready);
 
-  /// Device's thread. Where the disk is late a whole block of silence goes out and nothing is skipped;
-  /// the last block of the file is filled up with silence.
+  /// Device's thread. When the disk is late, the block is silence and nothing is skipped. The last block of
+  /// the file is filled up with silence.
   bool Read(std::span<std::int16_t> block) override;
   void Gone() override { on_ended_(); }
 
-  /// Tells the decoding thread to end; returns at once. The device must have let go of the source.
+  /// Ends the decoding thread without waiting for it. The device must have released the source.
   void Cancel();
 
-  /// The decoding thread has done its last step. Any thread.
-  bool Finished() const { return finished_.load(std::memory_order_acquire); }
+  /// The decoding thread ends. Any thread.
+  bool Finished() const { return decoded_all_.load(std::memory_order_acquire); }
 
-  /// Up to which place of the file the device has taken the sound. Any thread.
+  /// The place in the file up to which the device has read. Any thread.
   std::chrono::milliseconds Position() const;
 
  private:
@@ -149,12 +148,10 @@ class FileSource : public AudioSource {
   const std::chrono::milliseconds start_;
   std::function<void()> on_ended_;
   SampleRing ring_;
-  bool more_ =
-      true;  ///< the constructor's, then the decoding thread's: the file has not been read to its end
+  bool more_ = true;  ///< the file is not read to its end; the constructor's, then the decoding thread's
   std::atomic<std::int64_t> samples_played_{0};
   std::atomic<bool> decoded_all_{false};
   std::atomic<bool> cancelled_{false};
-  std::atomic<bool> finished_{false};
   std::mutex mutex_;                ///< the device's thread never takes it
   bool ready_ = false;              ///< guarded by mutex_; something has been decoded
   std::function<void()> on_ready_;  ///< guarded by mutex_

@@ -24,8 +24,6 @@ std::string CommonText(std::int32_t code) {
   }
 }
 
-}  // namespace
-
 std::string PlayResultText(std::int32_t code) {
   switch (code) {
     case kWaveNoDevice: return "There is no such wave device, or it cannot play now.";
@@ -43,6 +41,8 @@ std::string RecordResultText(std::int32_t code) {
     default: return CommonText(code);
   }
 }
+
+}  // namespace
 
 FileWaveControl::FileWaveControl(EventLoop& loop, AudioDevices& devices, std::string rescue_folder)
     : loop_(loop), devices_(devices), rescue_folder_(std::move(rescue_folder)) {}
@@ -172,7 +172,7 @@ void FileWaveControl::StopPlay() {
   StopListening();
 }
 
-/// Takes the source from its device without waiting for a disk that its thread may be reading.
+/// Does not wait for a disk that the source's thread may be reading.
 void FileWaveControl::ReleaseSource() {
   if (!source_) return;
   play_device_->StopPlay();
@@ -196,7 +196,7 @@ void FileWaveControl::Seek(std::chrono::milliseconds position) {
   ReleaseSource();
   const auto start = std::clamp(position, std::chrono::milliseconds(0), decoder->Length());
   if (StartSource(std::move(decoder), start) == kWaveOk) return;
-  // The device has gone since the play started.
+  // The device went away after the play started.
   loop_.Post(lifeline_.Bind([this, play = play_] { Finished(play); }));
 }
 

@@ -15,18 +15,12 @@
 
 namespace orven {
 
-/// One English sentence for a result of playing; an unknown code is named by its number.
-std::string PlayResultText(std::int32_t code);
-
-/// The same for a result of recording.
-std::string RecordResultText(std::int32_t code);
-
-/// Keeps objects whose own thread is still busy with a last file operation, so that nobody has to wait
-/// for it. T has `bool Finished() const`; destroying a finished T does not wait. User-interface thread.
+/// Holds objects whose own thread is still busy with a last file operation, so that the user-interface thread
+/// need not wait for it. T has `bool Finished() const`; destroying a finished T does not wait.
 template <class T>
 class Retired {
  public:
-  /// Takes over `object` and lets go of those that have finished meanwhile. nullptr is ignored.
+  /// Takes over `object` and destroys those that have finished meanwhile. nullptr is ignored.
   void Add(std::unique_ptr<T> object) {
     std::erase_if(objects_, [](const std::unique_ptr<T>& old) { return old->Finished(); });
     if (object) objects_.push_back(std::move(object));
@@ -36,7 +30,7 @@ class Retired {
   std::vector<std::unique_ptr<T>> objects_;
 };
 
-/// Every wave device of the program: the lines' and the sound cards'.
+/// All wave devices of the program: the lines' and the sound cards'.
 class AllAudioDevices : public AudioDevices {
  public:
   /// Both outlive this object.
@@ -51,21 +45,21 @@ class AllAudioDevices : public AudioDevices {
   AudioDevices& cards_;
 };
 
-/// The wave control over sound files: plays every WAV file that libsndfile reads (any rate is
-/// resampled, channels are mixed) and records PCM or mu-law WAV files.
+/// The wave control over audio files: plays every file that libsndfile reads (any rate is resampled,
+/// channels are mixed) and records PCM or mu-law WAV files.
 ///
-/// Files and the user-interface thread: PlayFile, Seek and FileLength open the file and read its header,
-/// nothing more. StopRecordToFile renames a file that grew on the destination's file system; only where
-/// that cannot be, or when the recording was kept in memory, does it write the file there and wait for
-/// the disk. Everything else about files happens on threads of the control's own.
+/// On the user-interface thread PlayFile, Seek and FileLength open the file and read its header only.
+/// StopRecordToFile renames a file that grew on the destination's file system; only when that fails, or when
+/// the recording was kept in memory, does it write the file and wait for the disk. All other file access is
+/// on threads of the control.
 class FileWaveControl : public WaveControl {
  public:
-  /// `loop` and `devices` outlive the control. `rescue_folder` takes recordings for which the record
-  /// folder has no place; it is created when it is needed and not there.
+  /// `loop` and `devices` outlive the control. `rescue_folder` takes recordings that do not
+  /// fit into the record folder; it is created when it is needed.
   FileWaveControl(EventLoop& loop, AudioDevices& devices, std::string rescue_folder);
 
-  /// Stops everything without an event. A recording that runs to disk is completed and stays there
-  /// under its working name (DiskFile::Create); one that runs in memory is given up.
+  /// Stops everything without an event. A recording to disk is completed and stays there under its working
+  /// name (DiskFile::Create); one in memory is lost.
   ~FileWaveControl() override;
 
   void SetEvents(WaveEvents* events) override { events_ = events; }
@@ -74,21 +68,21 @@ class FileWaveControl : public WaveControl {
   void SetRecordName(const std::string& name) override { record_name_ = name; }
   std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
 
-  /// Whether the folders can be written to shows only when the recording is saved: until then, and
-  /// however long it takes, what was captured waits in memory.
+  /// Folders that cannot be written to are reported only when the recording is saved: until then what was
+  /// captured waits in memory.
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_ != nullptr; }
   std::int32_t InputLevel() const override;
 
-  /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. Goes on,
-  /// silent, when the recording ends, until StopMonitor.
+  /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. When the
+  /// recording ends, it continues silently until StopMonitor.
   std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopMonitor() override;
   std::string RecordErrorText(std::int32_t code) const override;
 
-  /// The finished event comes when the device has taken the last block, which is before it is heard:
-  /// a device with a buffer of its own must not cut that short when it is stopped afterwards.
+  /// The finished event comes when the device has read the last block, which is before it is heard: a device
+  /// with a buffer must not cut it off when it is stopped afterwards.
   std::int32_t PlayFile(const std::string& path, std::int32_t device) override;
   std::string PlayErrorText(std::int32_t code) const override;
   bool IsPlaying() const override { return playing_; }
@@ -119,17 +113,16 @@ class FileWaveControl : public WaveControl {
   Recording::Saved last_saved_;
 
   PeakMeter meter_;
-  AudioDevice* metered_line_ = nullptr;  ///< whose sound meter_ gets while nothing is recorded
+  AudioDevice* metered_line_ = nullptr;  ///< measured by meter_ while nothing is recorded
 
   LiveMonitor monitor_;
   AudioDevice* monitor_device_ = nullptr;
 
   bool playing_ = false;
   std::string play_path_;
-  std::uint64_t play_ = 0;  ///< counts the sources, so that an old one's event is told from the present one's
+  std::uint64_t play_ = 0;  ///< counts the sources, to tell an old one's event from the current one's
   AudioDevice* play_device_ = nullptr;
-  std::unique_ptr<FileSource>
-      source_;  ///< stays with its device after the end, until something else is to be played
+  std::unique_ptr<FileSource> source_;  ///< stays with its device after the end, until the next play
   Retired<FileSource> old_sources_;
 
   Lifeline lifeline_;

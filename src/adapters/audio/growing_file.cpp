@@ -170,11 +170,11 @@ std::int32_t WriteWhole(const std::string& folder, const std::string& name, std:
 
 std::int32_t GrowingFile::Update(const WaveImage& image) {
   if (file_ && !file_->IsThere()) file_.reset();
-  const std::int32_t here = file_ && !distrusted_ ? WriteNews(image) : kWaveWriteFailed;
+  const std::int32_t here = file_ && !distrusted_ ? WriteNewPart(image) : kWaveWriteFailed;
   if (here == kWaveOk) return kWaveOk;
-  const std::int32_t moved = MoveOn(image);
+  const std::int32_t moved = MoveToNextFolder(image);
   if (moved == kWaveOk || !file_) return moved;
-  return std::exchange(distrusted_, false) ? WriteNews(image) : here;
+  return std::exchange(distrusted_, false) ? WriteNewPart(image) : here;
 }
 
 void GrowingFile::Distrust() {
@@ -187,20 +187,20 @@ void GrowingFile::Discard() {
   file_.reset();
 }
 
-/// Sound first, then the header that counts it: the header never promises what is not there.
-std::int32_t GrowingFile::WriteNews(const WaveImage& image) {
+/// Samples first, then the header that counts them: the header never counts missing samples.
+std::int32_t GrowingFile::WriteNewPart(const WaveImage& image) {
   std::int32_t result = file_->WriteAt(written_, image.Bytes().subspan(written_));
   if (result == kWaveOk) result = file_->WriteAt(0, image.Header());
   if (result == kWaveOk) written_ = image.Bytes().size();
   return result;
 }
 
-/// The present file stays until its sound is safe in the next one.
-std::int32_t GrowingFile::MoveOn(const WaveImage& image) {
+/// The current file stays until its audio is safe in the next one.
+std::int32_t GrowingFile::MoveToNextFolder(const WaveImage& image) {
   std::int32_t first_failure = kWaveOk;
   for (const std::string& folder : folders_) {
     if (file_ && folder == folder_) continue;
-    std::error_code ignored;  // creating a file in it will tell
+    std::error_code ignored;  // creating the file will fail then
     if (&folder == &folders_.back()) std::filesystem::create_directories(folder, ignored);
     std::shared_ptr<DiskFile> fresh;
     std::int32_t result = WriteWhole(folder, name_, image.Bytes(), fresh);

@@ -15,13 +15,13 @@
 
 namespace orven {
 
-/// One new file being written, with results of the wave control. It stays on disk when the object dies.
-/// One thread at a time, but Sync may run beside anything else.
+/// A new file being written; results are the wave control's. It stays on disk when the object is destroyed.
+/// One thread at a time, but Sync may run concurrently with anything else.
 class DiskFile {
  public:
   /// Creates ".recording-<name>-<process>-<n>.wav.part" in `folder`, with the first n that is free; without
-  /// a name, ".recording-<process>-<n>.wav.part". Such a name marks sound that was not finished or not
-  /// filed; a listing of "*.wav" passes it over.
+  /// a name, ".recording-<process>-<n>.wav.part". Such a name marks audio that was not finished or not
+  /// filed; a listing of "*.wav" does not show it.
   static std::int32_t Create(const std::string& folder, const std::string& name,
                              std::shared_ptr<DiskFile>& file);
 
@@ -29,7 +29,7 @@ class DiskFile {
   DiskFile(const DiskFile&) = delete;
   DiskFile& operator=(const DiskFile&) = delete;
 
-  /// Writes all of `bytes` at `offset`, or fails with a part of them written.
+  /// Writes all of `bytes` at `offset`; on failure part of them may have been written.
   std::int32_t WriteAt(std::size_t offset, std::span<const std::byte> bytes);
 
   /// Returns when everything written has reached the disk.
@@ -41,7 +41,7 @@ class DiskFile {
   /// Deletes the file.
   void Remove();
 
-  /// False when somebody else has deleted the file, or its folder.
+  /// False when another program has deleted the file or its folder.
   bool IsThere() const;
 
   const std::string& Path() const { return path_; }
@@ -53,15 +53,14 @@ class DiskFile {
   const int descriptor_;
 };
 
-/// Makes created, renamed and deleted names in `folder` survive a loss of power.
+/// Makes created, renamed and deleted names in `folder` survive a power failure.
 std::int32_t SyncFolder(const std::string& folder);
 
-/// Whether a recording can be made in `format`: 16-bit PCM or 8-bit mu-law, one channel, 8000.
+/// Whether a recording can be made in `format`: 16-bit PCM or 8-bit mu-law, mono, 8000 samples a second.
 bool IsRecordable(const WaveFormat& format);
 
-/// A recording as the bytes of a WAV file, in memory, complete and valid after each Append. It takes
-/// 16,000 bytes a second (mu-law: 8,000), an hour 58 MB; that whatever happens to the disk meanwhile,
-/// everything recorded is still there, is worth it. One thread at a time.
+/// A recording as a WAV file in memory, complete and valid after each Append. It takes 58 MB an hour
+/// (mu-law: 29) and loses nothing, whatever happens to the disk meanwhile. One thread at a time.
 class WaveImage {
  public:
   /// `format` must be recordable.
@@ -71,16 +70,16 @@ class WaveImage {
 
   void Append(std::span<const std::int16_t> samples);
 
-  /// The file. Append changes only its header and what comes after its present end.
+  /// The whole file. Append changes only its header and what comes after its current end.
   std::span<const std::byte> Bytes() const { return file_.bytes; }
 
-  /// The part of Bytes() that comes before the sound.
+  /// The part of Bytes() before the samples.
   std::span<const std::byte> Header() const { return Bytes().first(header_bytes_); }
 
   bool HasSound() const { return Bytes().size() > header_bytes_; }
 
  private:
-  /// What the sound library takes for a file.
+  /// What libsndfile uses as a file.
   struct MemoryFile {
     std::vector<std::byte> bytes;
     std::size_t position = 0;
@@ -97,45 +96,44 @@ class WaveImage {
   std::size_t header_bytes_ = 0;
 };
 
-/// The file on disk that follows a WaveImage while it grows. It lives in the first of a few folders
-/// that takes it; where one fails later, the whole recording moves on to the next. Between updates the
-/// file is a valid WAV file. One thread at a time.
+/// The file on disk that follows a growing WaveImage. It is in the first of a few folders that accepts it;
+/// when one fails later, the whole recording moves to the next. Between updates it is a valid WAV file.
+/// One thread at a time.
 class GrowingFile {
  public:
-  /// `folders` in order of preference; the last one is created when it is missing. `name` becomes a part
-  /// of the file's name. Creates no file yet.
+  /// `folders` in order of preference; the last one is created if it is missing. `name` becomes a part of the
+  /// file's name. The first Update creates the file.
   GrowingFile(std::vector<std::string> folders, std::string name)
       : folders_(std::move(folders)), name_(std::move(name)) {}
 
-  /// Brings the file up to `image`, creating it first when there is none or when somebody deleted it.
-  /// When no folder takes all of it, returns the first failure; the file then holds an earlier state,
-  /// and the next Update tries everything again.
+  /// Brings the file up to `image`, and creates it if it is missing. When no folder takes all of it, returns
+  /// the first failure; the file then holds an earlier state, and the next Update tries everything again.
   std::int32_t Update(const WaveImage& image);
 
   /// The file, or nullptr.
   std::shared_ptr<DiskFile> File() const { return file_; }
 
-  /// What has been written so far may not have reached the disk: the next Update writes all of it
-  /// again, elsewhere if it can.
+  /// What was written may not have reached the disk: the next Update writes all of it again, elsewhere if
+  /// possible.
   void Distrust();
 
-  /// Deletes the file, because its sound is safe elsewhere.
+  /// Deletes the file, because its audio is safe elsewhere.
   void Discard();
 
  private:
-  std::int32_t WriteNews(const WaveImage& image);
-  std::int32_t MoveOn(const WaveImage& image);
+  std::int32_t WriteNewPart(const WaveImage& image);
+  std::int32_t MoveToNextFolder(const WaveImage& image);
 
   std::vector<std::string> folders_;
   std::string name_;
   std::shared_ptr<DiskFile> file_;
-  std::string folder_;       ///< which of them holds file_
+  std::string folder_;       ///< the one that holds file_
   std::size_t written_ = 0;  ///< bytes of the image that the file holds
   bool distrusted_ = false;
 };
 
-/// Writes `bytes` into a new file in `folder` (DiskFile::Create with `name`), or leaves nothing there. Not
-/// synced yet.
+/// Writes `bytes` into a new file in `folder` (DiskFile::Create with `name`), not synced; leaves no file when
+/// that fails.
 std::int32_t WriteWhole(const std::string& folder, const std::string& name, std::span<const std::byte> bytes,
                         std::shared_ptr<DiskFile>& file);
 

@@ -12,13 +12,13 @@ using namespace std::chrono_literals;
 using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
 
-/// Blocks come every 20 ms; a second without one is no jitter.
+/// Blocks come every 20 ms; a second without one is more than jitter.
 constexpr auto kLevelHolds = 1s;
 
 constexpr std::int32_t kFullScale = 32768;
 
-/// Two blocks in stock ride out the usual jitter of a block; beyond four (80 ms, and up to 20 more in
-/// the block being captured) a listener begins to notice the delay.
+/// Two buffered blocks absorb the usual jitter; beyond four (80 ms, and up to 20 more in the block being
+/// captured) a listener begins to notice the delay.
 constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
 constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 

@@ -14,20 +14,20 @@ namespace {
 using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
 
-/// A killed program loses at most this much.
+/// The most that a killed program loses.
 constexpr std::chrono::milliseconds kWriteEvery = 250ms;
 
-/// A loss of power loses at most this, the interval above and the time that the sync takes: together
-/// below a second on a healthy disk.
+/// A power failure loses at most this, the interval above and the time of a sync: together less than a
+/// second on a healthy disk.
 constexpr auto kSyncEvery = 600ms;
 
-/// Where nothing can be written; each attempt writes everything.
+/// Between attempts while no disk accepts the file; each attempt writes everything.
 constexpr std::chrono::milliseconds kTryAgain = 2s;
 
-/// Samples that the queue takes without allocating: what comes while a sync holds the writer up.
+/// Samples that the queue takes without allocating, while a sync delays the writer.
 constexpr std::size_t kQueueReserve = std::size_t{10} * kSampleRate;
 
-/// A name in `folder` that no file has yet.
+/// A name in `folder` that is free.
 std::string UnusedName(const std::string& folder, const std::string& stem) {
   const std::string start = folder + "/" + stem + ".unsaved-";
   std::error_code unknown;
@@ -71,7 +71,7 @@ Recording::Saved Recording::SaveAs(const std::string& path) {
     const std::lock_guard lock(mutex_);
     ended_ = true;
     path_ = path;
-    Absorb();
+    DrainQueue();
     saved.result = Store(path);
     if (saved.result != kWaveOk) unsaved_ = !Keep();
     if (saved.result != kWaveOk && stored_) saved.kept = stored_->Path();
@@ -80,8 +80,8 @@ Recording::Saved Recording::SaveAs(const std::string& path) {
   return saved;
 }
 
-/// A file that grew near its destination only changes its name. Whatever stands in the way of that, a
-/// missing folder for instance, also decides the result of writing it there anew.
+/// A file that grew on the destination's file system is only renamed. When that fails, writing the file there
+/// gives the result.
 std::int32_t Recording::Store(const std::string& path) {
   if (settings_.to_disk && growing_.Update(*image_) == kWaveOk &&
       growing_.File()->RenameTo(path) == kWaveOk) {
@@ -102,18 +102,19 @@ std::int32_t Recording::Store(const std::string& path) {
   return kWaveOk;
 }
 
-/// Puts the recording where it was to go, unless a file is there by now.
+/// Puts the recording where it was to go, unless that name is taken by now.
 bool Recording::StoreLate() {
   std::error_code unknown;
   return !std::filesystem::exists(path_, unknown) && Store(path_) == kWaveOk;
 }
 
-/// Leaves the recording as a playable file in one of the folders; false when none takes it.
+/// Keeps the recording as a playable file in one of the folders; false when none accepts it.
 bool Recording::Keep() {
   if (growing_.Update(*image_) != kWaveOk) return false;
   stored_ = growing_.File();
-  stored_->RenameTo(UnusedName(FolderOf(stored_->Path()),
-                               std::filesystem::path(path_).stem().string()));  // its old name will do, too
+  stored_->RenameTo(
+      UnusedName(FolderOf(stored_->Path()),
+                 std::filesystem::path(path_).stem().string()));  // when that fails, the old name is fine
   return true;
 }
 
@@ -121,12 +122,12 @@ void Recording::Run() {
   Lock lock(mutex_);
   if (settings_.to_disk) Grow(lock);
   wake_.wait(lock, [this] { return ended_; });
-  Settle(lock);
+  Finish(lock);
   image_.reset();
   finished_.store(true, std::memory_order_release);
 }
 
-void Recording::Absorb() {
+void Recording::DrainQueue() {
   std::vector<std::int16_t> news;
   news.reserve(kQueueReserve);
   {
@@ -136,12 +137,12 @@ void Recording::Absorb() {
   image_->Append(news);
 }
 
-/// Until the recording ends, its file follows it.
+/// Updates the file until the recording ends.
 void Recording::Grow(Lock& lock) {
   auto synced_at = SteadyClock::now() - kSyncEvery;  // so that the file is durable at once
   std::shared_ptr<DiskFile> named;                   // the file whose name is durable
   while (!ended_) {
-    Absorb();
+    DrainQueue();
     const bool written = !image_->HasSound() || growing_.Update(*image_) == kWaveOk;
     if (SteadyClock::now() - synced_at >= kSyncEvery) {
       synced_at = SteadyClock::now();
@@ -153,33 +154,33 @@ void Recording::Grow(Lock& lock) {
   }
 }
 
-/// What SaveAs left to be done without haste, or the destructor's last word.
-void Recording::Settle(Lock& lock) {
+/// What can wait until SaveAs has returned, or the last attempt in the destructor.
+void Recording::Finish(Lock& lock) {
   while (unsaved_) {
     wake_.wait_for(lock, kTryAgain, [this] { return abandoned_; });
     unsaved_ = !StoreLate() && !Keep();
-    if (abandoned_) break;  // that was the last attempt
+    if (abandoned_) break;  // this was the last attempt
   }
-  if (!stored_ && settings_.to_disk) {  // nobody saved it
-    Absorb();
+  if (!stored_ && settings_.to_disk) {  // SaveAs was not called
+    DrainQueue();
     if (image_->HasSound()) growing_.Update(*image_);
     stored_ = growing_.File();
   }
   Sync(lock, stored_, true);
   if (!sync_failed_ || settings_.folders.empty()) return;
   growing_ = GrowingFile({settings_.folders.back()},
-                         settings_.name);  // a second copy: the first may be sound all the same
+                         settings_.name);  // a second copy, in case the first is damaged
   Keep();
   Sync(lock, stored_, true);
 }
 
-/// Opens the lock meanwhile: SaveAs must not wait for the disk.
+/// Releases the lock meanwhile: SaveAs must not wait for the disk.
 void Recording::Sync(Lock& lock, const std::shared_ptr<DiskFile>& file, bool name_too) {
   if (!file) return;
   const std::string folder = FolderOf(file->Path());
   lock.unlock();
   const bool safe = file->Sync() == kWaveOk;
-  if (name_too) SyncFolder(folder);  // file systems that cannot do this have no need of it
+  if (name_too) SyncFolder(folder);  // fails only on file systems that do not need it
   lock.lock();
   if (!safe) sync_failed_ = true;
 }
