@@ -20,7 +20,7 @@ void AppendRaw(QByteArray& bytes, Number number) {
   bytes.append(raw, sizeof number);
 }
 
-/// A sample of `Number`, whose full scale is its own.
+/// `value` (full scale 1) as an integer of type `Number`.
 template <class Number>
 Number Quantised(float value) {
   const double full = static_cast<double>(std::numeric_limits<Number>::max()) + 1;

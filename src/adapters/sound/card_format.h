@@ -12,26 +12,25 @@
 
 namespace orven {
 
-/// 8000 samples a second, mono, 16-bit.
+/// The format of telephone audio: 8000 samples a second, mono, 16-bit.
 QAudioFormat TelephoneFormat();
 
-/// The telephone's own format where `device` takes it, else the format that it prefers.
+/// The telephone's format if `device` supports it, else the format that it prefers.
 QAudioFormat CardFormatOf(const QAudioDevice& device);
 
-/// Makes telephone sound (8000 samples a second, mono, 16-bit) into a card's format: resampled where
-/// the rate differs, the same on every channel. What needs no conversion passes bit by bit.
+/// Converts telephone audio to a card's format: resampled if the rate differs, the same on every channel.
+/// In the telephone's own format it passes bit by bit.
 class CardConverter {
  public:
   explicit CardConverter(const QAudioFormat& format);
 
-  /// False for a format that cannot be made (unknown kind of sample, or a rate that is more than 256
-  /// times the telephone's or less than a 256th).
+  /// False for an unknown kind of sample, or a rate more than 256 times higher or lower than the telephone's.
   bool Valid() const { return format_.isValid() && resampler_.Valid(); }
 
   /// The next samples in the card's format. The resampler holds some back until later calls.
   QByteArray Convert(std::span<const std::int16_t> samples) { return Process(samples, false); }
 
-  /// What is still held back, at the end of the sound.
+  /// What is still held back, at the end of the audio.
   QByteArray Flush() { return Process({}, true); }
 
  private:
@@ -43,17 +42,17 @@ class CardConverter {
   std::vector<float> input_;
 };
 
-/// Makes the sound of an input into telephone sound (8000 samples a second, mono, 16-bit): the channels
-/// mixed, resampled where the rate differs. What needs no conversion passes bit by bit.
+/// Converts audio of an input to telephone audio: the channels mixed, resampled if the rate differs. Audio in
+/// the telephone's own format passes bit by bit.
 class CaptureConverter {
  public:
   explicit CaptureConverter(const QAudioFormat& format);
 
-  /// False for a format that cannot be converted; see CardConverter. Nothing comes of it then.
+  /// False as for CardConverter; Convert must not be called then.
   bool Valid() const { return format_.isValid() && resampler_.Valid(); }
 
-  /// The next samples; `bytes` may end within a frame. The resampler holds up to 6 ms back
-  /// until the next call. Good until then.
+  /// The next samples, valid until the next call; `bytes` may end within a frame. The resampler holds back
+  /// up to 6 ms until the next call.
   std::span<const std::int16_t> Convert(const QByteArray& bytes);
 
  private:

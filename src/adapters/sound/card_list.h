@@ -9,41 +9,40 @@
 
 namespace orven {
 
-/// A sound card as a person chooses it.
+/// A sound card as the user selects it.
 struct SoundCard {
   std::int32_t number = 0;
   std::string description;
   bool operator==(const SoundCard&) const = default;
 };
 
-/// Numbers the sound cards: 0 is the desktop's default output, whatever that is, the single outputs
-/// follow from 1 on. An output keeps its number as long as the list lives, also while it is unplugged.
-/// Any thread.
+/// Numbers the sound cards: 0 is the desktop's current default output, the single outputs follow from 1 on.
+/// An output keeps its number for the life of the list, also while it is unplugged. Any thread.
 class CardList {
  public:
-  /// An output that is there: `id` is the same each time it comes.
+  /// A connected output: `id` is the same each time it is connected.
   struct Output {
     std::string id;
     std::string description;
   };
 
-  /// These outputs are there now, and no others. Outputs beyond the last number that a sound card can
-  /// have are left out.
+  /// These outputs, and no others, are connected now. Outputs beyond the last number of a sound card are left
+  /// out.
   void Update(const std::vector<Output>& outputs);
 
   /// Whether there is an input now.
   void SetRecords(bool records);
 
-  /// Whether there is or was a card `number`. Before the first Update every number may be one.
+  /// Whether a card `number` is or was connected. True for every number before the first Update.
   bool MayBe(std::int32_t number) const;
 
-  /// False while it is known that there is no input.
+  /// False while it is known that there is no input; true before.
   bool MayRecord() const;
 
-  /// The id of card `number`, which is 1 or more and there.
+  /// The id of card `number`, 1 or more; nothing when it is not connected.
   std::optional<std::string> IdOf(std::int32_t number) const;
 
-  /// The cards that are there, in the order of their numbers; 0 always is.
+  /// The connected cards in the order of their numbers; 0 always is.
   std::vector<SoundCard> Present() const;
 
  private:

@@ -20,21 +20,21 @@ QAudioDevice Among(const QList<QAudioDevice>& devices, const std::string& id) {
   return {};
 }
 
-/// Blocks read in one tick at most: two, so that a late tick is made up for, but a source that is being
-/// recorded at this moment is not emptied at one go.
+/// Most blocks read in one tick: two make up for a late tick, but do not empty a source that is being
+/// recorded at this moment.
 constexpr int kMostBlocks = 2;
 
 constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 
-/// An output that has not played out its buffer after this long never will.
+/// Limit for an output to play the rest of its buffer.
 constexpr auto kDrainLimit = 2s;
 
 constexpr const char* kOutput = "sound output";
 
 constexpr const char* kMicrophone = "microphone";
 
-/// How often the input hands over what it has captured: a block, so that the level follows the voice and
-/// little is lost at a stop.
+/// How often the input passes on what it captured: each block, so that the level follows the voice and little
+/// is lost at a stop.
 constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 
 }  // namespace
@@ -68,8 +68,8 @@ bool CardPlayer::Tick() {
 }
 
 void CardPlayer::Check() {
-  // The server may go on elsewhere with a stream whose output was unplugged; a message is not to be
-  // heard from where nobody chose to hear it.
+  // The server may move a stream to another output when its own was unplugged; the user did not choose that
+  // one for messages.
   if (OutputOf(device_.id().toStdString()).isNull()) {
     problem_ = Told(kOutput, device_, "went away while it was playing.");
   } else if (sink_.state() == QAudio::StoppedState) {
@@ -91,7 +91,7 @@ bool CardPlayer::Feed() {
   return true;
 }
 
-/// For one more block, everything before it having been written.
+/// Everything before is written, and there is room for one more block.
 bool CardPlayer::HasRoom() {
   Write();
   return pending_.isEmpty() && sink_.bytesFree() >= block_bytes_;
@@ -103,7 +103,7 @@ void CardPlayer::Write() {
   if (written > 0) pending_.remove(0, written);
 }
 
-/// The end of the sound is in the sink's buffer and on its way through the server.
+/// The end of the audio is in the sink's buffer and in the server's.
 bool CardPlayer::Draining() {
   if (CardPlay::Clock::now() - ended_at_ > kDrainLimit) return false;
   Write();
@@ -127,7 +127,7 @@ bool CardRecorder::Tick() {
 }
 
 void CardRecorder::Check() {
-  // The server may go on with another input; nobody chose that one.
+  // The server may move the stream to another input; the user did not choose that one.
   if (InputOf(device_.id().toStdString()).isNull()) {
     problem_ = Told(kMicrophone, device_, "went away while it was recording.");
   } else if (source_.state() == QAudio::StoppedState) {

@@ -18,32 +18,31 @@
 
 namespace orven {
 
-/// The output with this id that is there now, or a null one. Sound thread; may wait for the sound server.
+/// The connected output with this id, or a null one. Sound thread; may wait for the sound server.
 QAudioDevice OutputOf(const std::string& id);
 
 /// The same for inputs.
 QAudioDevice InputOf(const std::string& id);
 
-/// What a device is told to have done that cannot be used although it is there.
+/// The end of the report about a device that is connected but cannot be opened.
 inline constexpr const char* kNotOpened =
     "could not be opened. If the sound server was restarted, ORVEN has to be, too.";
 
-/// "The KIND "DESCRIPTION" WHAT", to begin a sentence about a device.
+/// A report about a device: "The KIND "DESCRIPTION" WHAT".
 std::string Told(const char* kind, const QAudioDevice& device, const char* what);
 
-/// An open stream to or from one sound device. It is open from the beginning until Close; the destructor
-/// lets the thread's events run. Sound thread; every call may wait for the sound server.
+/// A stream to or from one sound device, open until Close. The destructor lets the thread's events run. Sound
+/// thread; every call may wait for the sound server.
 class CardStream {
  public:
   virtual ~CardStream() = default;
 
-  /// Moves what can be moved; to be called every 20 ms. False when there is nothing left to do, or there
-  /// is a Problem.
+  /// Moves what can be moved; call it every 20 ms. False when nothing is left to do, or there is a Problem.
   virtual bool Tick() = 0;
 
   virtual void Close() = 0;
 
-  /// Why the stream does not go (on), as a sentence; empty while it does.
+  /// Why the stream failed, as a sentence; empty while it works.
   virtual const std::string& Problem() const = 0;
 
   /// Ends the play or take, because of the Problem. False when it was over already.
@@ -53,17 +52,17 @@ class CardStream {
 /// Plays one CardPlay on one output.
 class CardPlayer : public CardStream {
  public:
-  /// Opens the stream; when that fails, Problem says so.
+  /// Opens the stream; when that fails, there is a Problem.
   CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play);
 
   CardPlayer(const CardPlayer&) = delete;
   CardPlayer& operator=(const CardPlayer&) = delete;
 
-  /// Gives the output what it has room for. Nothing is left to do when the play was stopped, or when it
-  /// ended and all of it has been heard.
+  /// Writes what the output has room for. Nothing is left to do when the play was stopped, or when it ended
+  /// and was heard to its end.
   bool Tick() override;
 
-  /// What has not been heard yet is cut off.
+  /// Cuts off what was not heard yet.
   void Close() override { sink_.reset(); }
 
   const std::string& Problem() const override { return problem_; }
@@ -82,7 +81,7 @@ class CardPlayer : public CardStream {
   QAudioSink sink_;
   const qint32 block_bytes_;
   QIODevice* stream_ = nullptr;  ///< the sink's own
-  QByteArray pending_;           ///< converted, not taken by the sink yet
+  QByteArray pending_;           ///< converted, not written to the sink yet
   std::array<std::int16_t, kBlockSamples> block_{};
   bool ended_ = false;
   CardPlay::Clock::time_point ended_at_;
@@ -91,17 +90,17 @@ class CardPlayer : public CardStream {
 
 /// Records one CardTake from one input.
 ///
-/// A stop does not wait for what the input has captured but not handed over: at most the input's period
-/// and one tick (20 ms each), less than one block, and what the converter holds back (up to 6 ms).
+/// A stop drops what the input has captured and not passed on: at most the input's period and one tick (20 ms
+/// each), less than one block, and what the converter holds back (up to 6 ms).
 class CardRecorder : public CardStream {
  public:
-  /// Opens the stream; when that fails, Problem says so.
+  /// Opens the stream; when that fails, there is a Problem.
   CardRecorder(const QAudioDevice& device, std::shared_ptr<CardTake> take);
 
   CardRecorder(const CardRecorder&) = delete;
   CardRecorder& operator=(const CardRecorder&) = delete;
 
-  /// Hands over what has been captured. Nothing is left to do when the take was stopped.
+  /// Passes on what was captured. Nothing is left to do when the take was stopped.
   bool Tick() override;
   void Close() override { source_.reset(); }
   const std::string& Problem() const override { return problem_; }

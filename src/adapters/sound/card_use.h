@@ -10,10 +10,9 @@
 
 namespace orven {
 
-/// One use of a sound card by one client, a source that is played or a sink that is recorded into, where
-/// the sound thread and the thread that starts and stops meet. Its lock is held only while the client is
-/// being called, never during a call into the sound system, so that whoever stops a use waits for nothing
-/// else. Any thread.
+/// One use of a sound card by one client (a source that is played, or a sink that is recorded into), shared
+/// by the sound thread and the thread that starts and stops it. Its lock is held only while the client is
+/// called, never during a call into the sound system, so that a stop waits for nothing else. Any thread.
 template <class Client>
 class CardUse {
  public:
@@ -21,13 +20,13 @@ class CardUse {
 
   explicit CardUse(Client& client) : client_(&client), last_block_(Clock::now()) {}
 
-  /// Ends the use; when it returns, the client is not being called and will not be.
+  /// Ends the use: after it returns the client is not called any more.
   void Stop() {
     const std::lock_guard lock(mutex_);
     client_ = nullptr;
   }
 
-  /// The client has neither ended nor been taken away.
+  /// The use has not ended.
   bool Active() const {
     const std::lock_guard lock(mutex_);
     return client_ != nullptr;
@@ -55,7 +54,7 @@ class CardPlay : public CardUse<AudioSource> {
   /// The next block: Block; End when the source has none left (once); Stopped when the play is over.
   Got Read(std::span<std::int16_t> block);
 
-  /// Ends the play and tells the source so. False when it was over already.
+  /// Ends the play and tells the source (Gone). False when it was over already.
   bool Fail();
 };
 
@@ -64,10 +63,10 @@ class CardTake : public CardUse<AudioSink> {
  public:
   using CardUse::CardUse;
 
-  /// Hands the sink its next block. False when the take is over.
+  /// Passes the next block to the sink. False when the take is over.
   bool Write(std::span<const std::int16_t> block);
 
-  /// Ends the take, as no more blocks will come. False when it was over already.
+  /// Ends the take, because no more blocks will come. False when it was over already.
   bool Fail();
 };
 

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A server that moves no sound for this long hangs. Waking a wireless headset takes up to three.
+/// A server that moves no audio for this long hangs. Waking a wireless headset takes up to 3 s.
 constexpr auto kPatience = 5s;
 constexpr auto kWatchInterval = 500ms;
 
@@ -27,7 +27,7 @@ struct SoundCards::Shared {
     if (report) report(text);
   }
 
-  /// Nothing is reported afterwards.
+  /// Takes the report away: nothing is reported afterwards.
   Report TakeReport() {
     const std::lock_guard lock(mutex);
     return std::exchange(report, nullptr);
@@ -69,7 +69,7 @@ class SoundCards::Card : public AudioDevice {
     if (take_) take_->Stop();
   }
 
-  /// Gives up what the server has not moved for too long. True when something still plays or records.
+  /// Ends what the server has not served for too long. True while something plays or records.
   bool Watch() const {
     const std::string card = "sound card " + std::to_string(number_);
     const bool plays =
@@ -160,7 +160,7 @@ void SoundCards::GaveUp(const std::string& problem) {
   thread_->Post([alive = alive_] { *alive = true; });
 }
 
-/// Qt 6.4 waits for ever for a stream that the server refuses; what starts later needs another thread.
+/// Qt 6.4 waits forever for a stream that the server refuses; what starts later needs another thread.
 void SoundCards::LeaveHangingThread() {
   const auto alive = std::exchange(alive_, nullptr);
   if (!alive || *alive) return;
@@ -168,7 +168,7 @@ void SoundCards::LeaveHangingThread() {
   shared_ = std::make_shared<Shared>(shared_->cards, shared_->TakeReport());
 }
 
-/// Ends the plays and takes that a hanging server holds up; the sound thread itself may hang with it.
+/// On the user-interface thread, because the sound thread may hang with the server.
 void SoundCards::Watch() {
   bool active = false;
   for (const Cards* cards : {&cards_, &more_cards_})

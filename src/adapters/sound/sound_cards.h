@@ -24,39 +24,36 @@ class SoundStreams;
 /// output and input at the moment a play or take starts; the others are numbered as CardList says and
 /// record from the input that MicrophoneOf gives.
 ///
-/// All of Qt Multimedia happens in one thread, which starts with Prepare or the first play or take; no
-/// operation waits for it, whatever the sound server does. A play that the server does not take, or no
-/// longer takes, ends by itself (AudioSource::Gone), a take then gets no more blocks; one sentence about it
-/// is reported. StartRecord gives kWaveNoDevice when the latest look found no input, and looks anew.
-/// One object a process. User-interface thread.
+/// Qt Multimedia runs in one thread, which starts with Prepare or the first play or take; no operation waits
+/// for it. A play that the sound server refuses or stops ends by itself (AudioSource::Gone), a take gets no
+/// more blocks; one sentence about it is reported. StartRecord returns kWaveNoDevice when the latest look
+/// found no input, and looks again. One object a process. User-interface thread.
 class SoundCards : public AudioDevices, public SoundCardNames {
  public:
   using Report = std::function<void(const std::string&)>;
 
-  /// `loop` outlives the cards. `report` is called on any thread, and not after the destructor.
+  /// `loop` outlives the cards. `report` is called on any thread, never after the destructor.
   SoundCards(EventLoop& loop, Report report);
 
-  /// Ends all plays and takes. Waits at most a second for the sound thread; when the sound server hangs, the
-  /// thread is left behind and ends with the process.
+  /// Ends all plays and takes. Waits for the sound thread, but at most a second; a thread that hangs in the
+  /// sound server is left behind and ends with the process.
   ~SoundCards() override;
 
-  /// Begins to look which cards there are, unless that has begun.
+  /// Starts to look which cards are connected, unless that was done.
   void Prepare();
 
-  /// The cards that were there at the latest look, only number 0 before the first one; begins a new
-  /// look, because not every sound system tells of what comes and goes.
+  /// The cards that were connected at the latest look, only number 0 before the first one. Starts another
+  /// look, because not every sound system reports devices that come and go.
   std::vector<SoundCard> Present();
 
-  /// Those of Present, each at its number.
+  /// The names of Present, each at its number.
   std::vector<std::string> Names() override;
 
-  /// nullptr for a number that no card has had. Whether the card is there now shows when a play has
-  /// started: it then ends by itself, as it does when a card goes away. Until the first look is done every
-  /// number may have a card.
+  /// nullptr for a number that no card has had; before the first look is done every number may have one.
+  /// When the card is not connected, a play on it ends by itself.
   AudioDevice* Find(std::int32_t number) override { return FindIn(cards_, number); }
 
-  /// The same cards once more: what plays on these is heard together with what plays on those, and both
-  /// may record at once.
+  /// The same cards as a second set of devices: both sets can play at once, and record at once.
   AudioDevices& Beside() { return beside_; }
 
  private:
@@ -82,10 +79,10 @@ class SoundCards : public AudioDevices, public SoundCardNames {
   void Watch();
 
   EventLoop& loop_;
-  std::shared_ptr<Shared> shared_;  ///< with the sound thread, which may outlive this object
+  std::shared_ptr<Shared> shared_;  ///< also the sound thread's, which may outlive this object
   std::unique_ptr<SoundThread> thread_;
 
-  /// Set by the sound thread when it has come to since a play or take was given up; nullptr: none was.
+  /// Set by the sound thread when it works again after a play or take was given up; nullptr: none was.
   std::shared_ptr<std::atomic<bool>> alive_;
   Cards cards_;
   Cards more_cards_;  ///< those of Beside

@@ -25,7 +25,7 @@ struct FreeContext {
   }
 };
 
-/// Drivers that make no card out of their devices still tell on which bus they found them.
+/// Drivers that do not group their devices into cards still report the bus.
 std::string CardName(std::uint32_t card, const pa_proplist* properties) {
   if (card != PA_INVALID_INDEX) return "card " + std::to_string(card);
   const char* const bus = pa_proplist_gets(properties, PA_PROP_DEVICE_BUS_PATH);
@@ -68,7 +68,7 @@ class Conversation {
     return server;
   }
 
-  /// A question that could not be put is never answered: the connection is not good any more.
+  /// A question that cannot be sent is never answered; the connection has failed then.
   void Put(pa_operation* question) {
     ++unanswered_;
     if (question != nullptr) pa_operation_unref(question);
@@ -106,7 +106,7 @@ class Conversation {
 
   pa_context_state_t State() const { return pa_context_get_state(context_.get()); }
 
-  /// Waits for the next thing to happen; false when the time is up.
+  /// Waits for the next event; false when the time is up.
   bool Step() {
     const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline_ - Clock::now());
     if (left.count() <= 0) return false;

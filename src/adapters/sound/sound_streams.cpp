@@ -15,10 +15,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How long a server may take to answer; where the first call starts it, that takes about a second.
+/// How long a server may take to answer; when the call starts it, that takes about a second.
 constexpr auto kAnswerLimit = 3s;
 
-/// Why nothing goes through a server in this state, as a sentence; empty when it is ready.
+/// Why a server in this state cannot be used, as a sentence; empty when it is ready.
 std::string Refusal(SoundServer::State state) {
   switch (state) {
     case SoundServer::State::None: return "There is no sound server.";
@@ -99,7 +99,7 @@ void SoundStreams::Tick() {
   if (streams_.empty()) tick_.stop();
 }
 
-/// False when nothing is left to do for the stream.
+/// False when the stream is done or has failed.
 bool SoundStreams::Goes(CardStream& stream) const {
   if (stream.Tick()) return true;
   if (!stream.Problem().empty() && stream.Fail()) report_(stream.Problem());

@@ -17,19 +17,18 @@
 
 namespace orven {
 
-/// The sound system as the sound thread sees it: looks which cards there are and runs the plays and takes.
-/// Nothing wakes the thread up while nothing plays or records and no device comes or goes. Sound thread;
-/// every call may wait for the sound server.
+/// The sound thread's side: looks which cards are connected and runs the plays and takes. Nothing wakes the
+/// thread up while nothing plays or records and no device comes or goes. Sound thread; every call may wait
+/// for the sound server.
 class SoundStreams {
  public:
-  /// `report` takes a sentence for each play and take that fails. Destroy it outside the thread's event
-  /// loop.
+  /// `report` gets a sentence for each play or take that fails. Destroy it outside the thread's event loop.
   SoundStreams(std::shared_ptr<CardList> cards, std::function<void(const std::string&)> report);
   ~SoundStreams();
   SoundStreams(const SoundStreams&) = delete;
   SoundStreams& operator=(const SoundStreams&) = delete;
 
-  /// Brings the list of cards up to date, if the sound server answers.
+  /// Updates the list of cards, if the sound server answers.
   SoundServer Look();
 
   /// Starts `play` on card `number`, unless it has been stopped meanwhile.
@@ -45,12 +44,12 @@ class SoundStreams {
 
   std::shared_ptr<CardList> cards_;
   std::function<void(const std::string&)> report_;
-  std::optional<QMediaDevices> devices_;  ///< from the first time on that the server answered
+  std::optional<QMediaDevices> devices_;  ///< since the server answered for the first time
   QTimer tick_;                           ///< runs while there are streams
   std::vector<std::unique_ptr<CardStream>> streams_;
 
-  /// Closed streams, destroyed when no function of this class runs: Qt's streams let the thread's events
-  /// run while they are being destroyed.
+  /// Closed streams, destroyed when no function of this class runs: their destructors let the thread's events
+  /// run.
   std::vector<std::unique_ptr<CardStream>> dismissed_;
   QTimer bury_;
 };

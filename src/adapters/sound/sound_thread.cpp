@@ -22,15 +22,15 @@ using namespace std::chrono_literals;
 
 constexpr auto kEndLimit = 1s;
 
-/// The global destructors of Qt 6.4's sound library are not safe: they take the connection to the server
-/// away from under a thread that may be reading from it (a crash in about 2 of 100 exits in mid-play), and
-/// they wait for a thread that was left behind, or end the program because it holds a lock. The program's
-/// own objects are gone by then, so the process ends here, in front of them.
+/// The global destructors of Qt 6.4's sound library are not safe: they destroy the connection to the server
+/// while a thread may be reading from it (a crash in about 2 of 100 exits during a play), and they wait for a
+/// thread that was left behind, or abort because it holds a lock. The program's own objects are destroyed by
+/// then, so the process ends here, before them.
 void EndBeforeGlobals(int status, void* /*unused*/) {
   std::cout.flush();
   std::fflush(nullptr);
 #if defined(__SANITIZE_ADDRESS__)
-  __lsan_do_leak_check();  // its own turn would come behind them
+  __lsan_do_leak_check();  // otherwise it would run after them
 #endif
   _exit(status);
 }
@@ -69,7 +69,7 @@ void SoundThread::Abandon(std::unique_ptr<SoundThread> thread) {
   thread->Leave();
 }
 
-/// Deleted under the running thread, these would bring the program down; so they leak on purpose.
+/// Deleting these under the running thread would crash the program, so they leak on purpose.
 void SoundThread::Leave() {
   static_cast<void>(context_.release());
   static_cast<void>(thread_.release());

@@ -7,29 +7,26 @@
 
 namespace orven {
 
-/// A thread with Qt's event loop for everything that may wait for the sound server. Nobody ever waits
-/// for it, save for a second at the end. Needs a QCoreApplication. User-interface thread, but Post from
-/// any.
+/// A thread with Qt's event loop for everything that may wait for the sound server. No other thread waits for
+/// it, except for a second at the end. Needs a QCoreApplication. User-interface thread; Post from any thread.
 class SoundThread {
  public:
-  /// `at_end` runs in the thread after its last task, when no event is being handled.
+  /// `at_end` runs in the thread after its last task, outside the event loop.
   explicit SoundThread(std::function<void()> at_end);
 
-  /// Ends the thread after what has been posted. A thread that does not end within a second hangs in
-  /// the sound server: it is left behind until the process ends, with everything that its tasks own.
-  /// When the process ends, the destructors of globals are not run from now on.
+  /// Ends the thread after the posted tasks. A thread that does not end within a second hangs in the sound
+  /// server: it is left behind until the process ends, with everything that its tasks own. From now on the
+  /// process ends without the destructors of globals.
   ~SoundThread();
 
-  /// Leaves a thread that hangs behind for good, without waiting. Should it come to, it goes on with what
-  /// has been posted and then idles: Qt's sound library has made it the home of objects that all threads
-  /// need.
+  /// Leaves a hanging thread behind for good, without waiting. If it wakes up, it runs the posted tasks and
+  /// then idles: Qt Multimedia keeps objects in it that all threads need.
   static void Abandon(std::unique_ptr<SoundThread> thread);
 
   SoundThread(const SoundThread&) = delete;
   SoundThread& operator=(const SoundThread&) = delete;
 
-  /// Runs `task` in the thread, after those posted before. It must own what it uses, as
-  /// must `at_end`.
+  /// Runs `task` in the thread, after those posted before. Like `at_end`, it must own what it uses.
   void Post(std::function<void()> task);
 
  private:
