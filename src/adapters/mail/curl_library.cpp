@@ -9,14 +9,14 @@
 namespace orven {
 namespace {
 
-/// The name under which every libcurl since 7.16 is found by the programs that were built with it.
+/// The shared library's name in every libcurl since 7.16.
 constexpr const char* kName = "libcurl.so.4";
 
 std::runtime_error Failure() {
   return std::runtime_error(std::string("mail cannot be sent: ") + dlerror());
 }
 
-/// It stays loaded: it may have threads that look up names.
+/// Never unloaded: it may have threads that resolve names.
 void* Load() {
   void* library = dlopen(kName, RTLD_LAZY | RTLD_LOCAL);
   if (library == nullptr) throw Failure();

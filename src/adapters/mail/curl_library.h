@@ -7,9 +7,8 @@ namespace orven {
 
 /// The functions of libcurl that a mail needs, by their names without "curl_".
 ///
-/// They are loaded with the first mail, not with the program: libcurl brings sixteen libraries along
-/// (Kerberos, LDAP, another TLS …), 3.4 MB of the memory that a waiting program takes (measured as its
-/// resident set).
+/// They are loaded with the first mail, not with the program: libcurl loads sixteen more libraries (Kerberos,
+/// LDAP, another TLS …), 3.4 MB of an idle program's resident set.
 struct CurlLibrary {
   /// Throws std::runtime_error, whose text says what could not be loaded.
   CurlLibrary();
@@ -32,8 +31,8 @@ struct CurlLibrary {
   decltype(curl_mime_headers)* mime_headers;
 };
 
-/// Any thread. Loads the library where that has not been done; throws std::runtime_error when it cannot be,
-/// and tries again the next time.
+/// Loads the library at the first call; throws std::runtime_error when that fails, and tries again the next
+/// time. Any thread.
 const CurlLibrary& Curl();
 
 }  // namespace orven

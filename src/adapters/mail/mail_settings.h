@@ -12,25 +12,26 @@ namespace orven {
 struct MailAccount {
   std::string user;  ///< empty: no login
   std::string password;
-  /// Whether a mail is given up rather than sent without encryption. Otherwise STARTTLS is used where
-  /// the server offers it (a stranger on the way can hide that offer).
+  /// Whether a mail fails rather than being sent without encryption. Otherwise STARTTLS is used when the
+  /// server offers it (an attacker on the network can remove that offer).
   bool require_encryption = false;
 };
 
+/// Time limits and trust of a transfer.
 struct MailLimits {
   std::chrono::milliseconds connect{std::chrono::seconds(10)};     ///< resolving, connecting, TLS of smtps://
-  std::chrono::milliseconds inactivity{std::chrono::seconds(60)};  ///< without a reply or a byte taken
+  std::chrono::milliseconds inactivity{std::chrono::seconds(60)};  ///< without a reply or progress
   std::string ca_file;  ///< PEM file of trusted certificates; empty: the system's
 };
 
-/// Where mails are handed in.
+/// The address of a mail server.
 struct MailServer {
   std::string url;   ///< "smtp://name:25" or "smtps://name:465"
-  std::string name;  ///< for people: the name and, unless it is the usual one, the port
+  std::string name;  ///< for people: the name, and the port unless it is the default
 };
 
-/// Reads "name", "name:port", "smtp://…" or "smtps://…" (the ports 25 and 465 where none is given; an
-/// IPv6 address in brackets). Nothing when the text is none of these.
+/// Parses "name", "name:port", "smtp://…" or "smtps://…" (default ports 25 and 465; an IPv6 address in
+/// brackets). Nothing when the text is none of these.
 std::optional<MailServer> ParseMailServer(std::string_view text);
 
 }  // namespace orven

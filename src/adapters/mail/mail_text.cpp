@@ -16,7 +16,7 @@ constexpr std::size_t kLine = 78;
 /// RFC 2047, 2: a line with encoded words has at most 76 characters, and a word "=?UTF-8?B?" and "?=".
 constexpr std::size_t kWordLine = 76;
 constexpr std::size_t kWordFrame = 12;
-/// Of a file name's encoding on one line, beside " filename*NN*=UTF-8''" and ";".
+/// Characters of an encoded file name on one line, next to " filename*NN*=UTF-8''" and ";".
 constexpr std::size_t kNameOnLine = 50;
 /// RFC 5321, 4.5.3.1.3 allows a path of 256 characters with its brackets.
 constexpr std::size_t kLongestAddress = 254;
@@ -25,7 +25,7 @@ bool IsControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
-/// Of those that RFC 2231 leaves as they are, the ones that need no thought anywhere else either.
+/// A subset of what RFC 2231 leaves unencoded.
 bool IsAttributeCharacter(unsigned char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' ||
          c == '_';
@@ -33,11 +33,11 @@ bool IsAttributeCharacter(unsigned char c) {
 
 bool IsPlain(std::string_view text) {
   const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
-  // A text that looks like an encoded word would be decoded; blanks at the ends get lost.
+  // A text that looks like an encoded word would be decoded; blanks at the ends would be lost.
   return printable && text.find("=?") == text.npos && !text.starts_with(' ') && !text.ends_with(' ');
 }
 
-/// The bytes of whole characters that `utf8` begins with, `most` at most.
+/// The length of the whole characters in the first `most` bytes of `utf8`.
 std::size_t WholeCharacters(std::string_view utf8, std::size_t most) {
   std::size_t length = 0;
   while (length < utf8.size()) {
@@ -48,7 +48,7 @@ std::size_t WholeCharacters(std::string_view utf8, std::size_t most) {
   return length;
 }
 
-/// `start` and behind it encoded words, each on a line of its own.
+/// `start`, followed by encoded words, one a line.
 std::string WithEncodedWords(std::string start, std::string_view utf8) {
   std::size_t column = start.size();
   while (!utf8.empty()) {
@@ -131,7 +131,7 @@ std::string AttachmentField(std::string_view file_name) {
   std::string field = "Content-Disposition: attachment";
   for (int section = 0; !encoded.empty(); ++section) {
     std::size_t length = std::min(encoded.size(), kNameOnLine);
-    // A byte's three characters stay together.
+    // An escape is not split.
     if (const std::size_t sign = encoded.rfind('%', length - 1); sign != encoded.npos && sign + 3 > length) {
       length = sign;
     }
@@ -146,7 +146,7 @@ std::string MailDate(std::time_t time) {
   static constexpr std::array kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
   static constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-  // The zone may have changed since the program began.
+  // The time zone may have changed since the program started.
   ::tzset();
   std::tm local{};
   ::localtime_r(&time, &local);

@@ -101,7 +101,7 @@ void Message::AddText(const std::string& text) {
                      });
   Check(Curl().mime_data(part, text.data(), text.size()));
   Check(Curl().mime_type(part, "text/plain; charset=utf-8"));
-  // Both keep the size of the whole known before it is sent, which quoted-printable does not.
+  // With both, unlike quoted-printable, the size of the mail is known before it is sent.
   Check(Curl().mime_encoder(part, plain ? "7bit" : "base64"));
 }
 
@@ -111,7 +111,7 @@ void Message::AddAttachment(const std::string& path, Attachment* attachment) {
   Check(Curl().mime_data_cb(part, attachment->Size(), &ReadAttachment, &SeekAttachment, nullptr, attachment));
   Check(Curl().mime_type(part, "audio/x-wav"));
   Check(Curl().mime_encoder(part, "base64"));
-  // Written here, because libcurl puts a name into its own field as it stands, whatever its characters.
+  // Not curl_mime_filename, which writes a name into the field unencoded.
   List own(nullptr, Curl().slist_free_all);
   Append(own, AttachmentField(std::filesystem::path(path).filename().string()));
   Check(Curl().mime_headers(part, own.release(), 1));

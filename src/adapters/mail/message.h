@@ -13,24 +13,23 @@
 
 namespace orven {
 
-/// Whether `path` leads to something that can be attached: a file. What cannot be told (no permission
-/// to look) is taken for one, so that it is reported when it is read.
+/// Whether `path` is a file, which can be attached. True also when that cannot be determined (no permission):
+/// reading it then reports the failure.
 bool IsAttachable(const std::string& path);
 
-/// A file that is read into a mail. It keeps the size that it had when it was opened.
+/// An attached file. Its size is the one at opening.
 class Attachment {
  public:
-  /// The file `source`, which is called `path` where its owner reads of it. Throws RuntimeError naming
-  /// `path`.
+  /// Opens the file `source`, which reports call `path`. Throws RuntimeError naming `path`.
   Attachment(std::string path, const std::string& source);
 
   std::int64_t Size() const { return size_; }
 
-  /// The next bytes; nothing once reading has failed, or the file has become shorter.
+  /// The next bytes; nothing when reading failed or the file became shorter (Failure).
   std::optional<std::size_t> Read(std::span<char> buffer);
   bool Seek(std::int64_t position);
 
-  /// Why Read gave nothing.
+  /// Why Read returned nothing.
   const std::string& Failure() const { return failure_; }
 
  private:
@@ -41,13 +40,12 @@ class Attachment {
   std::string failure_;
 };
 
-/// The mail itself, as a transfer's upload. Lives until the transfer is over; `attachment` (nullptr for
-/// none) too.
+/// The mail itself, as a transfer's upload. It and `attachment` (nullptr for none) must outlive the transfer.
 class Message {
  public:
   Message(CURL* curl, const Envelope& envelope, Attachment* attachment);
 
-  /// Makes it what the transfer sends, from and to whom the envelope says.
+  /// Sets it as the transfer's upload, and sender and recipient as in the envelope.
   void Use(const Envelope& envelope) const;
 
  private:

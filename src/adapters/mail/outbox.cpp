@@ -61,7 +61,7 @@ bool IsDomain(std::string_view text) {
 
 constexpr std::string_view kEnding = ".mail";
 constexpr std::size_t kDigits = 9;
-/// An envelope is far smaller; what is larger is none.
+/// A larger file is not an envelope.
 constexpr std::size_t kLargest = 1 << 20;
 
 /// The number in a mail file's name, for example 7 in "000000007.mail"; 0 for other files.
@@ -78,14 +78,14 @@ std::string NameOf(unsigned number) {
   return name.data();
 }
 
-/// The attached file's second name beside the mail in `path`.
-std::string SecondName(const std::string& path) {
+/// The hard link of the attached file, next to the mail in `path`.
+std::string LinkOf(const std::string& path) {
   return fs::path(path).replace_extension(".sound").string();
 }
 
-/// One that a crash has left behind is in the way.
-void GiveSecondName(const std::string& attachment, const std::string& path) {
-  const std::string name = SecondName(path);
+/// A link that a crash left behind is replaced.
+void LinkAttachment(const std::string& attachment, const std::string& path) {
+  const std::string name = LinkOf(path);
   ::unlink(name.c_str());
   if (!attachment.empty()) (void)::link(attachment.c_str(), name.c_str());
 }
@@ -133,11 +133,11 @@ std::string Outbox::Keep(const Envelope& envelope) {
   const unsigned newest = waiting.empty() ? 0 : NumberOf(fs::path(waiting.back()).filename().string());
   last_ = std::max(last_, newest) + 1;
   std::string path = (fs::path(folder_) / NameOf(last_)).string();
-  GiveSecondName(envelope.attachment, path);
+  LinkAttachment(envelope.attachment, path);
   try {
     CreateFile(path, EnvelopeText(envelope), 0600);
   } catch (...) {
-    ::unlink(SecondName(path).c_str());
+    ::unlink(LinkOf(path).c_str());
     throw;
   }
   return path;
@@ -145,7 +145,7 @@ std::string Outbox::Keep(const Envelope& envelope) {
 
 std::string Outbox::SourceOf(const std::string& attachment, const std::string& path) {
   if (attachment.empty() || path.empty()) return attachment;
-  std::string name = SecondName(path);
+  std::string name = LinkOf(path);
   std::error_code error;
   return fs::exists(name, error) ? name : attachment;
 }
@@ -178,7 +178,7 @@ std::string Outbox::SetAside(const std::string& path) {
 
 void Outbox::Remove(const std::string& path) {
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileFailure(errno, path);
-  ::unlink(SecondName(path).c_str());
+  ::unlink(LinkOf(path).c_str());
   Descriptor(fs::path(path).parent_path().string(), O_RDONLY | O_DIRECTORY).Sync();
 }
 

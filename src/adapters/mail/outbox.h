@@ -8,11 +8,11 @@
 
 namespace orven {
 
-/// Everything that one mail is made of, except the login at the server.
+/// One mail, except the login at the server.
 struct Envelope {
   std::string message_id;  ///< with its angle brackets (RFC 5322, 3.6.4)
   std::string date;        ///< as MailDate writes it
-  std::string server;      ///< as the user has written it
+  std::string server;      ///< as the user wrote it
   std::string sender;
   std::string sender_name;
   std::string recipient;
@@ -22,40 +22,40 @@ struct Envelope {
   bool operator==(const Envelope&) const = default;
 };
 
-/// A Message-ID that no other mail has, in the domain of `sender` where that has one.
+/// A unique Message-ID, in the domain of `sender` if that has a valid one.
 std::string NewMessageId(std::string_view sender);
 
-/// The envelope as the text of a file in the outbox, and the way back: nothing when the text is not
-/// what EnvelopeText has written, whole.
+/// The envelope as the text of a file in the outbox, and back: nothing when the text is not complete and as
+/// EnvelopeText writes it.
 std::string EnvelopeText(const Envelope& envelope);
 std::optional<Envelope> ParseEnvelope(std::string_view text);
 
-/// The folder with one small file for each mail that has been taken and is neither sent nor given up.
-/// The files' names sort as the mails were taken. Failures throw RuntimeError naming the path. Taking
-/// and listing belong to one thread, the rest to any.
+/// The folder with one small file for each mail that is neither sent nor given up. The files' names sort in
+/// the order of the mails. Failures throw RuntimeError naming the path. Keep and Waiting belong to one
+/// thread, the static functions to any.
 class Outbox {
  public:
-  /// The folder is made with the first mail.
+  /// The first mail creates the folder.
   explicit Outbox(std::string folder) : folder_(std::move(folder)) {}
 
-  /// Keeps a mail, durable on return, readable by this user alone; returns the file's path. The attached file
-  /// gets a second name here where its disk allows, and is sent whole even if it is moved or deleted before.
+  /// Keeps a mail, durable on return, readable only by this user; returns the file's path. The attached file
+  /// gets a hard link here if its disk allows, so that it is sent even if it is moved or deleted before.
   std::string Keep(const Envelope& envelope);
 
-  /// The files of all mails, the oldest first. None when there is no folder.
+  /// The files of all mails, the oldest first; none without a folder.
   std::vector<std::string> Waiting() const;
 
   /// The mail in a file; nothing when the file is damaged.
   static std::optional<Envelope> Read(const std::string& path);
 
-  /// Where the attachment `attachment` of the mail in the file `path` is read: from its second name, else
-  /// from its own. `path` is empty for a mail that could not be kept.
+  /// The path from which the attachment `attachment` of the mail in the file `path` is read: its hard link,
+  /// or else its own. `path` is empty for a mail that could not be kept.
   static std::string SourceOf(const std::string& attachment, const std::string& path);
 
   /// Sets a damaged file aside; returns its new path.
   static std::string SetAside(const std::string& path);
 
-  /// Forgets a mail, durable on return.
+  /// Removes a mail, durable on return.
   static void Remove(const std::string& path);
 
  private:

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 /// A mail takes about ten replies; the longest of them, EHLO's, about twenty lines.
 constexpr int kMostLines = 500;
 constexpr std::size_t kLongestReply = 500;
-/// For the farewell after the mail is accepted.
+/// Limit for the reply to QUIT after the mail is accepted.
 constexpr std::chrono::milliseconds kFarewell = 1s;
 
 bool IsDigit(char c) {
@@ -27,13 +27,13 @@ bool IsDigit(char c) {
 void Hide(std::string& text, const std::string& secret) {
   if (secret.empty()) return;
   constexpr std::string_view kMask = "***";
-  // On behind the mask: it may look like the secret.
+  // Continue after the mask: it may contain the secret.
   for (std::size_t at = text.find(secret); at != text.npos; at = text.find(secret, at + kMask.size())) {
     text.replace(at, secret.size(), kMask);
   }
 }
 
-/// The password as it stands and as the login sends it.
+/// Masks the password in clear and as the login encodes it.
 std::string WithoutPassword(std::string text, const MailAccount& account) {
   if (account.password.empty()) return text;
   using namespace std::string_literals;
@@ -59,7 +59,7 @@ std::string Described(const CurlFailure& failure, const std::string& server, con
     case CURLE_COULDNT_CONNECT: return Unconnected(failure, server);
     case CURLE_OPERATION_TIMEDOUT: return "connecting to " + server + " timed out";
     case CURLE_PEER_FAILED_VERIFICATION:
-    case CURLE_SSL_CACERT_BADFILE: return "the certificate of " + server + " is not to be trusted: " + words;
+    case CURLE_SSL_CACERT_BADFILE: return "the certificate of " + server + " is not trusted: " + words;
     case CURLE_SSL_CONNECT_ERROR: return "no encrypted connection to " + server + ": " + words;
     case CURLE_USE_SSL_FAILED: return server + " offers no encryption" + said;
     case CURLE_LOGIN_DENIED:
@@ -70,17 +70,17 @@ std::string Described(const CurlFailure& failure, const std::string& server, con
   if (dialogue.ReplyCode() >= 400) return server + " refused the mail" + said + " (" + words + ")";
   if (failure.code == CURLE_WEIRD_SERVER_REPLY) return server + " does not answer as a mail server" + said;
   if (failure.code == CURLE_WRITE_ERROR) return server + " does not answer as a mail server";
-  return "the connection to " + server + " broke off: " + words;
+  return "the connection to " + server + " was lost: " + words;
 }
 
 }  // namespace
 
 bool SmtpDialogue::Heard(std::string_view line) {
   if (++lines_ > kMostLines) return false;
-  // Anything that is no reply is no progress either.
+  // Anything else is not a reply, and not progress either.
   if (line.size() < 3 || !std::all_of(line.begin(), line.begin() + 3, IsDigit)) return true;
   active_ = Clock::now();
-  // The farewell says nothing of the mail.
+  // The reply to QUIT is not about the mail.
   if (line.starts_with("221")) return true;
   while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
   const std::string text = OneLine(line);

@@ -12,23 +12,23 @@
 
 namespace orven {
 
-/// What has been heard and sent in one SMTP connection, and for how long nothing has. One thread.
+/// Follows the replies and the progress of one SMTP connection, and how long it has been idle. One thread.
 class SmtpDialogue {
  public:
   using Clock = std::chrono::steady_clock;
 
   explicit SmtpDialogue(const MailLimits& limits) : limits_(limits) {}
 
-  /// One line from the server. False when it has sent more than any mail needs.
+  /// One line from the server. False when it has sent more than a mail can need.
   bool Heard(std::string_view line);
-  /// `sent` bytes of the mail have gone so far.
+  /// `sent` bytes of the mail so far.
   void Sent(std::int64_t sent);
   void Connected();
 
-  /// The server has taken the mail over: it is responsible now (RFC 5321, 4.2.5), whatever follows.
+  /// The server has accepted the mail and is responsible for it (RFC 5321, 4.2.5), whatever follows.
   bool Accepted() const { return accepted_; }
 
-  /// Whether the time limit is over; that of a connection that is not there yet is watched elsewhere.
+  /// Whether the connection has been idle for too long; false before it is established.
   bool Stalled(Clock::time_point now = Clock::now()) const;
 
   /// The last reply, its code first, as one line; empty when there was none.
@@ -48,16 +48,16 @@ class SmtpDialogue {
   std::string reply_;
 };
 
-/// How libcurl's transfer came to its end.
+/// How libcurl's transfer failed.
 struct CurlFailure {
   CURLcode code;
   int os_error;      ///< errno of the connection, 0 for none
-  const char* text;  ///< libcurl's own words; may be empty
+  const char* text;  ///< libcurl's message; may be empty
   bool stalled;      ///< ended by the limit on inactivity
 };
 
-/// In words, for the user: what went wrong with the server `server`, and what the server said of it. The
-/// account's password is not in it, even when the server's reply repeats it.
+/// Describes for the user what failed at the server `server`, with the server's reply. The account's password
+/// is masked, even if the reply repeats it.
 std::string DescribeFailure(const CurlFailure& failure, const std::string& server, const MailAccount& account,
                             const SmtpDialogue& dialogue);
 

@@ -83,7 +83,7 @@ class SmtpMail::Sender {
     try {
       Outbox::Remove(file);
     } catch (const std::exception& failure) {
-      report_([&] { warn_(std::string("a mail that is done stays in the outbox: ") + failure.what()); });
+      report_([&] { warn_(std::string("a finished mail stays in the outbox: ") + failure.what()); });
     }
   }
 

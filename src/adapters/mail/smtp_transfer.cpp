@@ -66,15 +66,15 @@ class Transfer {
     if (!account.user.empty()) {
       Set(CURLOPT_USERNAME, account.user.c_str());
       Set(CURLOPT_PASSWORD, account.password.c_str());
-      // Without the ways of logging in that need more than a password (Kerberos).
+      // Not the mechanisms that need more than a password (Kerberos).
       Set(CURLOPT_LOGIN_OPTIONS, "AUTH=CRAM-MD5;AUTH=PLAIN;AUTH=LOGIN");
     }
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
     Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(limits_.inactivity / 1s + 5));
     Set(CURLOPT_NOSIGNAL, 1L);
-    // A name server that does not answer is not waited for once the transfer is over.
+    // Do not wait for a name server after the transfer.
     Set(CURLOPT_QUICK_EXIT, 1L);
-    // The farewell belongs to the transfer, under its time limits, not to the clearing away.
+    // QUIT is then part of the transfer, under its time limits, and not of the cleanup.
     Set(CURLOPT_FORBID_REUSE, 1L);
     Set(CURLOPT_ERRORBUFFER, error_.data());
   }
@@ -121,7 +121,7 @@ class Transfer {
     if (connected > 0 && !connected_) {
       connected_ = true;
       dialogue_.Connected();
-      // libcurl counts the greeting and the login as connecting; here they have the other limit.
+      // libcurl counts the greeting and the login as connecting; here the other limit is for them.
       Curl().easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
     }
     dialogue_.Sent(sent);
@@ -148,15 +148,15 @@ class Transfer {
   bool stalled_ = false;
   std::int64_t told_ = 0;
   SmtpDialogue::Clock::time_point told_at_{};
-  // The last member: closing it calls back.
+  // The last member: its cleanup calls back.
   std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{Curl().easy_init(), Curl().easy_cleanup};
 };
 
-/// What is wrong with a mail before any server has seen it; empty when nothing is.
+/// What is wrong with a mail's addresses; empty when nothing is.
 std::string Refusal(const Envelope& envelope) {
   const auto address = [](const char* whose, const std::string& text) {
     if (text.empty()) return std::string("there is no ") + whose + " address";
-    return std::string("the ") + whose + " address \"" + OneLine(text) + "\" is not one mail address";
+    return std::string("the ") + whose + " address \"" + OneLine(text) + "\" is not a single mail address";
   };
   if (!IsMailAddress(envelope.recipient)) return address("recipient", envelope.recipient);
   if (!IsMailAddress(envelope.sender)) return address("sender", envelope.sender);
@@ -196,7 +196,7 @@ MailOutcome SendMail(const Envelope& envelope, const std::string& source, const 
   const auto server = ParseMailServer(envelope.server);
   if (!server) {
     return failed("\"" + OneLine(envelope.server) +
-                  "\" is no mail server: name, name:port, smtp://name or smtps://name is expected");
+                  "\" is not a mail server: name, name:port, smtp://name or smtps://name is expected");
   }
   if (std::string refusal = Refusal(envelope); !refusal.empty()) return failed(std::move(refusal));
   try {

@@ -12,17 +12,16 @@
 
 namespace orven {
 
-/// Ends transfers from another thread at once, whatever they wait for on their connections. Any thread.
+/// Ends transfers at once from another thread, whatever their connections wait for. Any thread.
 class Cancellation {
  public:
-  /// From now on transfers fail; connections that are open are shut down.
+  /// Shuts down open connections; all transfers fail from now on.
   void Cancel();
   bool Cancelled() const;
 
-  /// Opens a connection's socket: the arguments of socket(2). It is not inherited by programs that are
-  /// started. -1 when it cannot be opened.
+  /// Opens a connection's socket; arguments as for socket(2), SOCK_CLOEXEC is added. -1 when that fails.
   int Open(int family, int type, int protocol);
-  /// Closes a socket that Open gave.
+  /// Closes a socket that Open returned.
   void Close(int socket);
 
  private:
@@ -31,22 +30,22 @@ class Cancellation {
   std::set<int> sockets_;
 };
 
+/// The result of sending one mail.
 struct MailOutcome {
   enum class State {
     Accepted,
     Failed,
-    Cancelled,  ///< before the server had accepted it
+    Cancelled,  ///< before the server accepted it
   };
   State state = State::Accepted;
   std::string description;  ///< why it failed; the password is not in it
 };
 
-/// `total` and `sent` bytes of the mail, at most about ten times a second; total 0 while not known.
+/// `total` and `sent` bytes of the mail, at most about ten times a second; total is 0 while unknown.
 using MailProgress = std::function<void(std::int64_t total, std::int64_t sent)>;
 
-/// Sends one mail and returns when it is sent or has failed. The attachment, if there is one, is read from
-/// `source` and keeps the name that it has in the envelope. `progress` is called on this thread, on which
-/// SIGPIPE is blocked.
+/// Sends one mail and returns when it is sent or has failed. The attachment, if any, is read from `source`
+/// and has its name from the envelope. Call it on a thread that blocks SIGPIPE; `progress` is called on it.
 MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
                      const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress);
 

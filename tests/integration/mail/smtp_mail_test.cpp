@@ -90,7 +90,7 @@ TEST_P(EncryptedMail, IsSentOnlyWithTheRightCertificateAndPassword) {
   const std::string address = (std::string(GetParam()) == "smtps" ? "smtps://" : "") + server.Address();
   account_ = {"desk", "s3cret+\u00FC", true};
   Send(address);
-  EXPECT_THAT(Told(), HasSubstr("the certificate of " + server.Address() + " is not to be trusted"));
+  EXPECT_THAT(Told(), HasSubstr("the certificate of " + server.Address() + " is not trusted"));
   limits_.ca_file = server.Certificate();
   Start();
   Send(address);
@@ -120,8 +120,8 @@ const Fault kFaults[]{
     {"BODY", "stall", "stopped answering (timed out)"},
     {"CONNECT", "garbage", "does not answer as a mail server"},
     {"RCPT", "garbage", "does not answer as a mail server"},
-    {"CONNECT", "close", "broke off"},
-    {"BODY", "close", "broke off"},
+    {"CONNECT", "close", "was lost"},
+    {"BODY", "close", "was lost"},
     // Not the mail's fault any more, and no reason to give up:
     {"CONNECT", "pause", "done a@example.org"},
     {"QUIT", "stall", "done a@example.org"},
@@ -152,7 +152,7 @@ TEST_F(MailTest, WhatCannotBeSentIsNamed) {
        {"", "http://x", "smtp://", "a b", "x:0", "x:65536", "x:25x", "user@x", "x/y", "::1", "[::1"}) {
     Send(server);
     EXPECT_EQ(Told(), "error me@example.org: \"" + std::string(server) +
-                          "\" is no mail server: name, name:port, smtp://name or smtps://name is expected");
+                          "\" is not a mail server: name, name:port, smtp://name or smtps://name is expected");
   }
   for (const char* recipient : {"", "a@b.cc>\r\nRCPT TO:<c@d.ee", "a@b.cc, c@d.ee"}) {
     Send("127.0.0.1:1", "s", recipient);
