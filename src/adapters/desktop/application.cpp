@@ -10,26 +10,22 @@ namespace {
 
 constexpr const char* kPlatformVariable = "QT_QPA_PLATFORM";
 
-bool IsSet(const char* variable) {
-  return !qEnvironmentVariableIsEmpty(variable);
+/// The Qt platforms to try, in the notation of kPlatformVariable; empty if the user has chosen.
+QByteArray ChoosePlatform() {
+  if (!qEnvironmentVariableIsEmpty(kPlatformVariable)) return {};
+  QByteArray platforms;
+  if (!qEnvironmentVariableIsEmpty("DISPLAY")) platforms += "xcb;";
+  if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) platforms += "wayland;";
+  return platforms + "offscreen";
 }
 
 }  // namespace
 
-std::string ChoosePlatform(const DisplayVariables& variables) {
-  if (variables.platform) return {};
-  std::string platforms;
-  if (variables.x11) platforms += "xcb;";
-  if (variables.wayland) platforms += "wayland;";
-  return platforms + "offscreen";
-}
-
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
-  const std::string platform =
-      ChoosePlatform({IsSet(kPlatformVariable), IsSet("DISPLAY"), IsSet("WAYLAND_DISPLAY")});
-  if (!platform.empty()) qputenv(kPlatformVariable, platform.c_str());
+  const QByteArray platform = ChoosePlatform();
+  if (!platform.isEmpty()) qputenv(kPlatformVariable, platform);
   auto application = std::make_unique<QApplication>(argc, argv);
-  if (!platform.empty()) qunsetenv(kPlatformVariable);
+  if (!platform.isEmpty()) qunsetenv(kPlatformVariable);
   QApplication::setApplicationName(QStringLiteral("ORVEN"));
   QApplication::setQuitOnLastWindowClosed(false);
   return application;
@@ -37,8 +33,8 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
 
 namespace {
 
-/// Enough for every connection that the line allows, many times over; programs that walk over all
-/// possible descriptors are slow with the system's own highest limit.
+/// Several times the connections that the line allows. Not more: some programs loop over all possible
+/// descriptors.
 constexpr rlim_t kWanted = 4096;
 
 }  // namespace

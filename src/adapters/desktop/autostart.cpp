@@ -12,7 +12,9 @@
 #include <system_error>
 
 #include "base/durable_file.h"
+#include "base/paths.h"
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace orven {
 namespace {
@@ -26,7 +28,7 @@ constexpr const char* kHidden = G_KEY_FILE_DESKTOP_KEY_HIDDEN;
 constexpr const char* kSwitch = "X-GNOME-Autostart-enabled";
 constexpr const char* kHome = "X-ORVEN-Home";  ///< the application folder that the entry belongs to
 
-/// The entry holds nothing that others may not see.
+/// Nothing in the entry is private.
 constexpr unsigned kMode = 0644;
 
 struct Deleter {
@@ -86,7 +88,7 @@ std::string Command(const AutostartSource& source, const std::string& program, b
   return ExecCommand({"env", "ORVEN_HOME=" + source.application_folder, program, "-st"});
 }
 
-/// Whether a person put in a command of his own. One for a folder that is gone is nobody's.
+/// Whether a person has changed the command. That of an installation that is gone does not count.
 bool HasOwnCommand(GKeyFile* entry, const AutostartSource& source) {
   if (HomeOf(entry, source) != source.application_folder) return false;
   const auto command = Value(entry, kExec);
@@ -113,17 +115,10 @@ void SwitchOn(GKeyFile* entry) {
   g_key_file_remove_key(entry, kGroup, kSwitch, nullptr);
 }
 
-void MakeFolderOf(const std::string& path) {
-  std::error_code error;
-  const auto folder = fs::path(path).parent_path();
-  fs::create_directories(folder, error);
-  if (error) throw FileFailure(error.value(), folder.string());
-}
-
 }  // namespace
 
 std::string AutostartFile() {
-  // The user's configuration folder as the XDG base directories define it, relative values ignored.
+  // XDG base directories: a relative value is ignored.
   const char* chosen = g_getenv("XDG_CONFIG_HOME");
   const std::string base = chosen != nullptr && g_path_is_absolute(chosen) != FALSE
                                ? std::string(chosen)
@@ -173,35 +168,29 @@ void AutostartEntry::Enable() {
   SwitchOn(entry.get());
   const std::string after = Content(entry.get());
   if (after == before) return;
-  MakeFolderOf(source_.file);
+  std::error_code error;
+  fs::create_directories(FolderOf(source_.file), error);
+  if (error) throw FileFailure(error.value(), FolderOf(source_.file));
   ReplaceFile(source_.file, after, kMode);
 }
 
 void AutostartEntry::Remove() {
   const KeyFile entry(g_key_file_new());
   if (Load(entry.get(), source_.file) != Found::Entry || IsOthers(entry.get(), source_)) return;
-  // The entry itself: a link goes, what it leads to stays.
+  // Of a link only the link is removed.
   std::error_code error;
   if (!fs::remove(source_.file, error) && error) throw FileFailure(error.value(), source_.file);
 }
 
 namespace {
 
-constexpr std::string_view kRunKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr std::string_view kValueName = "ORVEN";
+constexpr std::string_view kRunKey = "software\\microsoft\\windows\\currentversion\\run";
+constexpr std::string_view kValueName = "orven";
 constexpr const char* kSettingsKey = "SOFTWARE\\ORVEN";
 
-/// Keys and names compare without regard to the case of ASCII letters.
-bool SameName(std::string_view left, std::string_view right) {
-  const auto folded = [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  };
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [&](char one, char other) { return folded(one) == folded(other); });
-}
-
+/// Keys and names are equal whatever the case of their ASCII letters.
 bool IsAutostart(RegistryRoot root, std::string_view key, std::string_view name) {
-  return root == RegistryRoot::LocalMachine && SameName(key, kRunKey) && SameName(name, kValueName);
+  return root == RegistryRoot::LocalMachine && Lower(key) == kRunKey && Lower(name) == kValueName;
 }
 
 }  // namespace

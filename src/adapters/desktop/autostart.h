@@ -10,35 +10,35 @@
 
 namespace orven {
 
-/// What the autostart entry of one installation is made of. Texts are absolute paths, UTF-8.
+/// What the autostart entry of an installation consists of. Texts are absolute paths, UTF-8.
 struct AutostartSource {
   /// The file that the desktop reads: orven.desktop in the folder autostart of $XDG_CONFIG_HOME.
   std::string file;
   std::string program;
   std::string application_folder;
-  /// Whether the program finds that folder only by $ORVEN_HOME.
+  /// The program finds that folder only by $ORVEN_HOME.
   bool folder_by_environment = false;
 };
 
-/// Where the desktop of this process's user looks for the entry (XDG base directories).
+/// The entry's file for this user (XDG base directories).
 std::string AutostartFile();
 
-/// A command with its arguments as a value of the Exec key: each argument quoted where it needs to be, and
-/// its per cent signs doubled (the freedesktop.org Desktop Entry format 1.5, "The Exec key"). Backslashes and
-/// line ends are not escaped yet as those of every value are.
+/// A command line as the value of the Exec key: arguments are quoted where necessary and per cent signs
+/// doubled (freedesktop.org, Desktop Entry 1.5, "The Exec key"). The escapes that every value needs, of
+/// backslashes and line ends, are still missing.
 std::string ExecCommand(const std::vector<std::string>& arguments);
 
 /// The file by which the desktop starts a program at login (freedesktop.org, Desktop Application Autostart
 /// 0.5).
 ///
-/// What a person changed in it stays, his own command as well; while the command is still the one that was
-/// written here, it follows the program to another place. A file that is no desktop entry is set aside.
-/// Failures throw RuntimeError with the path in the text. Any one thread.
+/// What a person has changed in it stays, the command too; an unchanged command follows the program to
+/// another folder. A file that is not a desktop entry is set aside. Failures throw RuntimeError with the path
+/// in the text. Any one thread.
 class AutostartEntry {
  public:
   enum class State {
     Absent,    ///< no file, or one that cannot be read
-    Foreign,   ///< it starts the program in another application folder, which is still there
+    Foreign,   ///< it starts the program in another application folder, which exists
     Disabled,  ///< a person, or the settings of the desktop, switched it off
     Enabled,
   };
@@ -49,7 +49,7 @@ class AutostartEntry {
 
   const std::string& Program() const { return source_.program; }
 
-  /// Makes the program start at login, whatever the state was.
+  /// Makes the program start at login, in any state.
   void Enable();
 
   /// Removes the entry, unless it is Foreign.
@@ -60,19 +60,18 @@ class AutostartEntry {
 };
 
 /// A registry whose value "ORVEN" under the key of the programs that start with the system (LocalMachine,
-/// SOFTWARE\Microsoft\Windows\CurrentVersion\Run) is also the desktop's autostart entry. It is stored below
-/// like every other value, and is there as long as the desktop starts the program, and only then: a check box
-/// that shows it tells the truth, whoever changed the entry.
+/// SOFTWARE\Microsoft\Windows\CurrentVersion\Run) is also the desktop's autostart entry. The value is stored
+/// in the registry below, too, but exists only while the desktop starts the program, so that a check box that
+/// shows it is right, whoever has changed the entry.
 ///
-/// Writing it makes the entry. One that is switched off, or starts the program in another application folder,
-/// stays as it is at a first start (no key SOFTWARE\ORVEN is there yet): only a person who checks the box
-/// may undo what he chose. Deleting the value removes the entry, also when no value was stored; one that does
-/// not start this program is left alone, and when it cannot be removed the value stays. What fails at the
-/// entry is reported; writing succeeds all the same when the registry below could store the value.
-/// User-interface thread.
+/// Writing the value makes the entry. An entry that is disabled or foreign stays as it is at a first start
+/// (the key SOFTWARE\ORVEN does not exist yet): only a person who checks the box may change that. Deleting
+/// the value removes the entry, even if no value was stored; a disabled or foreign entry stays, and if the
+/// entry cannot be removed, so does the value. Failures of the entry are reported; writing still succeeds if
+/// the registry below has stored the value. User-interface thread.
 class AutostartRegistry final : public Registry {
  public:
-  /// `stored` outlives this object. `report` takes one sentence for the log; it must not call the registry.
+  /// `stored` outlives this object. `report` takes a sentence for the log and must not call the registry.
   AutostartRegistry(Registry& stored, AutostartSource source, std::function<void(const std::string&)> report)
       : stored_(stored), entry_(std::move(source)), report_(std::move(report)) {}
 

@@ -14,14 +14,14 @@
 namespace orven {
 namespace {
 
-/// The file that a program's name stands for: a path as it is, else what is found in PATH.
+/// The file of a program: a path as it is, a name by PATH.
 QString FileOf(const QString& program) {
   if (program.contains(u'/')) return program;
   const QString found = QStandardPaths::findExecutable(program);
   return found.isEmpty() ? program : found;
 }
 
-/// The process keeps what it has open until it becomes another program.
+/// Open files are closed only when the process becomes another program.
 void CloseOnExec() {
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
 }
@@ -29,8 +29,8 @@ void CloseOnExec() {
 }  // namespace
 
 void KeepFilesFromPrograms() {
-  // In the child, because other threads open sockets meanwhile; here, because newer versions of Qt start
-  // programs by vfork, which does not call the child's handler.
+  // In the child, because other threads open sockets meanwhile; here as well, because newer versions of Qt
+  // use vfork, which does not call the child's handler.
   static const int registered = ::pthread_atfork(nullptr, nullptr, CloseOnExec);
   (void)registered;
   CloseOnExec();
@@ -55,10 +55,6 @@ std::vector<std::string> SplitCommandLine(std::string_view line) {
     }
   }
   return parts;
-}
-
-void StartCommandLine(const std::string& line) {
-  StartProgram(SplitCommandLine(line), {});
 }
 
 void StartProgram(const std::vector<std::string>& parts, const Environment& added) {

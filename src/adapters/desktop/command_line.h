@@ -8,24 +8,20 @@
 
 namespace orven {
 
-/// The program and the arguments in one line of text. Blanks separate them; double quotes keep one
-/// together and are taken away, so that "" is an empty argument; a quote that is not closed reaches to
-/// the end. No other character means anything.
+/// Splits a line into a program and its arguments. Blanks separate them; double quotes keep blanks and are
+/// removed, so that "" is an empty argument; a quote that is not closed reaches to the end. No other
+/// character has a meaning.
 std::vector<std::string> SplitCommandLine(std::string_view line);
 
 /// Names and values of environment variables.
 using Environment = std::vector<std::pair<std::string, std::string>>;
 
-/// Sees to it that a program started from now on inherits standard input, output and error only. Libraries
-/// open sockets that would pass on; a program that outlives this one would keep the line's address with them.
+/// Programs started from now on inherit standard input, output and error only. Otherwise the sockets that
+/// libraries open would keep the line's address in use if such a program outlives this one.
 void KeepFilesFromPrograms();
 
-/// Starts the program in `line` as a process of its own, through no command interpreter, in the folder
-/// of this process and with its environment. Throws as Shell::Run. There is no window style here:
-/// programs decide about their windows themselves on this platform.
-void StartCommandLine(const std::string& line);
-
-/// The same for a line that has been split; the program gets the variables in `added` besides ours.
+/// Starts the program parts[0] with the other parts as arguments, as a process of its own in this process's
+/// folder and with its environment plus `added`; no command interpreter is involved. Throws as Shell::Run.
 void StartProgram(const std::vector<std::string>& parts, const Environment& added);
 
 }  // namespace orven

@@ -14,7 +14,13 @@
 namespace orven {
 namespace {
 
-/// flock, once more when a signal came in between.
+#ifdef Q_OS_WIN
+constexpr auto kPlatform = SystemVersion::Platform::WindowsNt;  // Qt 6 runs on no other Windows
+#else
+constexpr auto kPlatform = SystemVersion::Platform::Other;
+#endif
+
+/// flock, repeated after a signal.
 int LockNow(int file) {
   int result = 0;
   do {
@@ -25,44 +31,10 @@ int LockNow(int file) {
 
 }  // namespace
 
-InstanceLock::InstanceLock(std::string folder) : path_(std::move(folder) + "/.lock") {}
-
-InstanceLock::~InstanceLock() {
-  // The file is not removed: another process may just have opened it, and would then lock a file
-  // that nobody else can find.
+DesktopSystem::~DesktopSystem() {
+  // The file is not removed: a process that has just opened it would lock a file that no other can find.
   if (file_ >= 0) close(file_);
 }
-
-InstanceLock::Result InstanceLock::Take() {
-  problem_.clear();
-  if (file_ >= 0) return Result::Taken;
-  const int file = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (file < 0) return Fail("open", errno);
-  if (LockNow(file) != 0) {
-    const int error = errno;
-    close(file);
-    return error == EWOULDBLOCK ? Result::HeldByOther : Fail("lock", error);
-  }
-  file_ = file;
-  return Result::Taken;
-}
-
-InstanceLock::Result InstanceLock::Fail(const char* doing, int error) {
-  problem_ = std::string("Cannot ") + doing + " \"" + path_ + "\": " + std::generic_category().message(error);
-  return Result::Failed;
-}
-
-namespace {
-
-#ifdef Q_OS_WIN
-constexpr auto kPlatform = SystemVersion::Platform::WindowsNt;  // Qt 6 runs on no other Windows
-#else
-constexpr auto kPlatform = SystemVersion::Platform::Other;
-#endif
-
-}  // namespace
-
-DesktopSystem::DesktopSystem(const std::string& application_folder) : lock_(application_folder) {}
 
 SystemVersion DesktopSystem::Version() const {
   const QVersionNumber kernel = QVersionNumber::fromString(QSysInfo::kernelVersion());
@@ -74,7 +46,22 @@ bool DesktopSystem::InitCommonControls(std::uint32_t /*record_size*/, std::uint3
 }
 
 bool DesktopSystem::ClaimInstance() {
-  return lock_.Take() != InstanceLock::Result::HeldByOther;
+  problem_.clear();
+  if (file_ >= 0) return true;
+  const int file = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (file < 0) return ClaimWithoutLock("open", errno);
+  if (LockNow(file) != 0) {
+    const int error = errno;
+    close(file);
+    return error != EWOULDBLOCK && ClaimWithoutLock("lock", error);
+  }
+  file_ = file;
+  return true;
+}
+
+bool DesktopSystem::ClaimWithoutLock(const char* doing, int error) {
+  problem_ = std::string("Cannot ") + doing + " \"" + path_ + "\": " + std::generic_category().message(error);
+  return true;
 }
 
 bool QtMouse::IsDown(MouseKey button) const {

@@ -8,56 +8,37 @@
 
 namespace orven {
 
-/// An advisory lock on the file `.lock` of a folder. The kernel holds it for this process and lets go
-/// of it when the process ends, however it ends, so that it can never be stale; the file itself
-/// stays. Child processes do not inherit it. POSIX (flock). One thread.
-class InstanceLock {
- public:
-  explicit InstanceLock(std::string folder);
-  ~InstanceLock();
-  InstanceLock(const InstanceLock&) = delete;
-  InstanceLock& operator=(const InstanceLock&) = delete;
-
-  enum class Result {
-    Taken,        ///< ours now, or already
-    HeldByOther,  ///< another process has it
-    Failed,       ///< neither is known: Problem() says why
-  };
-  Result Take();
-
-  /// Why the last Take failed: one sentence with the file's name; else empty.
-  const std::string& Problem() const { return problem_; }
-
- private:
-  Result Fail(const char* doing, int error);
-
-  std::string path_;
-  int file_ = -1;
-  std::string problem_;
-};
-
-/// The operating system's few services. The version is the kernel's.
+/// The operating system's version (the kernel's) and the claim that makes this process the only instance in
+/// its application folder: an advisory lock (flock) on the file `.lock`. The kernel releases it when the
+/// process ends, so it is never stale; the file itself stays. Child processes do not inherit it. One thread.
 class DesktopSystem final : public OperatingSystem {
  public:
-  /// `application_folder` is what ClaimInstance claims; it exists.
-  explicit DesktopSystem(const std::string& application_folder);
+  /// `application_folder` exists.
+  explicit DesktopSystem(const std::string& application_folder) : path_(application_folder + "/.lock") {}
+  ~DesktopSystem() override;
+  DesktopSystem(const DesktopSystem&) = delete;
+  DesktopSystem& operator=(const DesktopSystem&) = delete;
 
   SystemVersion Version() const override;
   bool InitCommonControls(std::uint32_t record_size, std::uint32_t classes) override;
 
-  /// A folder that cannot be locked at all (read-only, no locks on that file system) is not held by
-  /// anybody: the claim succeeds, and ClaimProblem says what is missing.
+  /// False when another process holds the lock. A folder that cannot be locked at all (read-only, or a file
+  /// system without locks) can be claimed by several processes; ClaimProblem then says why.
   bool ClaimInstance() override;
 
-  /// One sentence for the user on why the last claim gives no protection; empty when it does.
-  const std::string& ClaimProblem() const { return lock_.Problem(); }
+  /// Why the last claim gives no protection, one sentence with the file's name; empty when it does.
+  const std::string& ClaimProblem() const { return problem_; }
 
  private:
-  InstanceLock lock_;
+  bool ClaimWithoutLock(const char* doing, int error);
+
+  const std::string path_;
+  int file_ = -1;  ///< locked while it is open
+  std::string problem_;
 };
 
-/// The mouse port on Qt: the buttons as of the last event that this program got. The window systems
-/// that Qt runs on swap the buttons before a program sees them.
+/// The mouse's buttons as of the last event that this program received. Window systems swap the buttons
+/// before a program sees them.
 class QtMouse final : public Mouse {
  public:
   bool ButtonsSwapped() const override { return false; }

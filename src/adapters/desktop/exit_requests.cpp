@@ -20,14 +20,14 @@ namespace {
 
 constexpr std::array<int, 3> kSignals = {SIGTERM, SIGINT, SIGHUP};
 
-/// Where the handler writes; a handler can reach nothing but a global.
+/// The handler writes here; it can only use a global.
 std::atomic<int> g_signal_pipe{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void Handle(int /*signal*/) {
   const int saved = errno;
   const char byte = 0;
-  // A full pipe already holds the request, so a failed write loses nothing.
+  // A full pipe already holds a request, so a failed write loses nothing.
   [[maybe_unused]] const auto written = write(g_signal_pipe.load(), &byte, 1);
   errno = saved;
 }
@@ -49,7 +49,7 @@ struct ExitSignals::State {
   std::function<void()> on_exit;
   bool signalled = false;
 
-  /// Empties the pipe; passes the first signal on.
+  /// Empties the pipe and reports the first signal.
   void Drain() {
     std::array<char, 64> bytes = {};
     while (read(pipe[0], bytes.data(), bytes.size()) > 0) {

@@ -7,18 +7,17 @@
 
 namespace orven {
 
-/// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into one call on the
-/// user-interface thread. Later signals change nothing: an exit under way is never cut off half-way
-/// (SIGKILL remains for a process that hangs). SIGHUP stays ignored where it was (nohup). SIGPIPE
-/// becomes ignored: a reader of our output that goes away must not end us.
+/// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into one call on the user-interface
+/// thread. Later signals are ignored, so that they do not interrupt the exit (SIGKILL still ends a process
+/// that hangs). SIGHUP stays ignored if it was (nohup). SIGPIPE is ignored: the end of a reader of our output
+/// must not end the program.
 ///
-/// At most one object at a time, made after the QCoreApplication on its thread. Its end restores the
-/// earlier handling, unless a signal has come: then these signals are ignored for the short rest of
-/// the process.
+/// At most one object at a time, made after the QCoreApplication on its thread. The destructor restores the
+/// earlier handling, or ignores the signals for the rest of the process if one has come.
 class ExitSignals {
  public:
-  /// `on_exit` is called once, by the event loop, after the first signal; a signal that comes before
-  /// the loop runs is kept for it. Throws std::system_error when the system has no file handles left.
+  /// `on_exit` is called once, by the event loop, after the first signal; a signal that comes before the loop
+  /// runs is not lost. Throws std::system_error when the system has no file descriptors left.
   explicit ExitSignals(std::function<void()> on_exit);
   ~ExitSignals();
   ExitSignals(const ExitSignals&) = delete;
@@ -29,13 +28,12 @@ class ExitSignals {
   std::unique_ptr<State> state_;
 };
 
-/// Hears of requests to end the application that are no signals: the end of the desktop's session. Qt
-/// would answer them by closing the windows, and a window that only hides refuses that; then the
-/// session's end would cut the program off. At most one object at a time, made after the QApplication;
-/// user-interface thread.
+/// Handles the end of the desktop's session. Qt would close the windows, but a window that only hides itself
+/// refuses that, and the session's end would kill the program. At most one object at a time, made after the
+/// QApplication; user-interface thread.
 class QuitRequests : public QObject {
  public:
-  /// `on_request` returns true when it sees to the end itself, and false to let Qt close the windows.
+  /// `on_request` returns true if it ends the program itself, false to let Qt close the windows.
   explicit QuitRequests(std::function<bool()> on_request);
 
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -29,21 +29,21 @@ void AddProblem(SeedReport& report, const QString& path, const QString& reason) 
   report.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
 }
 
-/// Copies one file to the same place below `folder`; the copy appears whole or not at all.
+/// Copies a file from `assets` to the same place in `folder`; the copy appears complete or not at all.
 void CopyWhole(const QString& folder, const QString& assets, const QString& name, SeedReport& report) {
   const QString target = folder + u'/' + name;
   QFile source(assets + u'/' + name);
   if (!source.open(QIODevice::ReadOnly)) return AddProblem(report, source.fileName(), source.errorString());
   const QByteArray content = source.readAll();
   if (source.error() != QFile::NoError) return AddProblem(report, source.fileName(), source.errorString());
-  QSaveFile copy(target);  // a temporary file beside it, then fsync and rename
+  QSaveFile copy(target);  // a temporary file, then fsync and rename
   if (!copy.open(QIODevice::WriteOnly)) return AddProblem(report, target, copy.errorString());
-  copy.write(content);  // commit reports what fails here
+  copy.write(content);  // commit reports a failure
   if (!copy.commit()) return AddProblem(report, target, copy.errorString());
   report.copied.push_back(name.toStdString());
 }
 
-/// One filling of one application folder.
+/// Fills an application folder.
 class Seeding {
  public:
   Seeding(const QString& folder, const QString& assets, bool first_start)
@@ -60,7 +60,7 @@ class Seeding {
   }
 
  private:
-  /// The files that belong here now, present or not; decided before the folders are made.
+  /// The files that belong here, present or not. To be called before the folders are made.
   QStringList WantedFiles() const {
     if (assets_.isEmpty()) return {};
     QStringList names = {QStringLiteral("beep.wav")};
@@ -98,7 +98,7 @@ bool SameContent(const QString& one, const QString& other) {
          first.size() == second.size() && first.readAll() == second.readAll();
 }
 
-/// One bringing up to date of the help, folder by folder.
+/// Updates the help, folder by folder.
 class HelpRefresh {
  public:
   HelpRefresh(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
@@ -155,7 +155,7 @@ std::string FindApplicationFolder(const FolderHints& hints) {
 }
 
 std::string FindAssets(const std::string& executable_folder) {
-  // Beside bin/ in a build folder; in an installation the programs have lib/orven/ to themselves.
+  // A build has bin/ and share/; an installation has the programs in lib/orven/.
   for (const char* share : {"/../share/orven", "/../../share/orven"}) {
     const QString folder = Absolute(QString::fromStdString(executable_folder + share));
     if (QFile::exists(folder + QStringLiteral("/beep.wav"))) return folder.toStdString();
@@ -183,12 +183,12 @@ namespace {
 
 constexpr auto kDataFolder = QLatin1String("espeak-ng-data");
 
-/// The sound of every voice is made from this file.
+/// Every voice needs this file.
 bool HoldsData(const QDir& folder) {
   return QFileInfo(folder.filePath(QStringLiteral("phontab"))).isFile();
 }
 
-/// Where the engine looks first, as far as it is there: then it looks nowhere else.
+/// The folder that the engine prefers, if it exists: then it looks nowhere else.
 std::optional<QDir> ChosenFolder() {
   const QString variable = qEnvironmentVariable("ESPEAK_DATA_PATH");
   const QDir chosen(variable);
@@ -198,12 +198,12 @@ std::optional<QDir> ChosenFolder() {
   return std::nullopt;
 }
 
-/// Whether packages have installed the data. The engine's own folder depends on how it was built.
+/// Whether a package has installed the data. The folder depends on how the engine was built.
 bool HeldBySystem() {
   QStringList places = {QStringLiteral("/usr/share"), QStringLiteral("/usr/local/share")};
   for (const QString& libraries : {QStringLiteral("/usr/lib"), QStringLiteral("/usr/local/lib")}) {
     places << libraries;
-    // One folder for each kind of processor.
+    // One folder for each architecture.
     const QDir folder(libraries);
     for (const QString& name : folder.entryList({QStringLiteral("*-linux-*")}, QDir::Dirs)) {
       places << folder.filePath(name);

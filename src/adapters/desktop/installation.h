@@ -6,51 +6,48 @@
 
 namespace orven {
 
-/// Folder texts here are absolute, UTF-8, without a trailing separator.
+/// All folders here are absolute, UTF-8, without a trailing separator.
 
-/// What decides where the application folder is; empty texts count as not given.
+/// What determines the application folder; an empty text counts as missing.
 struct FolderHints {
-  std::string orven_home;         ///< $ORVEN_HOME; a relative one counts from the current folder
+  std::string orven_home;         ///< $ORVEN_HOME; may be relative to the current folder
   std::string executable_folder;  ///< absolute
   std::string data_home;          ///< $XDG_DATA_HOME; ignored unless absolute (XDG base directories)
   std::string home;               ///< the user's home folder
 };
 
-/// The hints of this process: its environment and its executable. Needs a QCoreApplication.
+/// The hints from this process's environment and executable. Needs a QCoreApplication.
 FolderHints ProcessFolderHints();
 
-/// `orven_home` when given; else the executable's folder when it holds beep.wav; else the folder
-/// "orven" in the user's data folder (by default ~/.local/share). It need not exist yet.
+/// `orven_home` if given, else the executable's folder if it holds beep.wav, else the folder "orven" in the
+/// user's data folder (default ~/.local/share). The result may not exist yet.
 std::string FindApplicationFolder(const FolderHints& hints);
 
-/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg): ../share/orven seen from
-/// the executable in a build folder (bin), ../../share/orven in an installation (lib/orven). Empty when
-/// there is none.
+/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg), relative to the executable's:
+/// ../share/orven in a build (bin), ../../share/orven in an installation (lib/orven). Empty if there is none.
 std::string FindAssets(const std::string& executable_folder);
 
-/// What SeedApplicationFolder did. A problem names the file or folder and the reason.
+/// What was copied, by names relative to the folder, and what failed: a file or folder and the reason.
 struct SeedReport {
   std::vector<std::string> copied;
   std::vector<std::string> problems;
 };
 
-/// Makes `folder`, readable by its user only when it is new: it will hold recorded messages and
-/// passwords. Returns one sentence on what failed, or an empty text. Needed before the folder can be
-/// claimed.
+/// Makes `folder` if it does not exist, accessible to its user only: it will hold recorded messages and
+/// passwords. Returns an error message or an empty text. To be called before the folder is claimed.
 std::string MakeApplicationFolder(const std::string& folder);
 
-/// Makes the Greets, Sound, Log and Messages folders and copies what is missing from `assets`:
-/// beep.wav always; greetings and sounds on the `first_start` or when their whole folder is gone, so
-/// that a sound which the user deleted does not come back. Never replaces a file; a copy appears
-/// whole or not at all.
+/// Makes the folders Greets, Sound, Log and Messages and copies missing files from `assets`: beep.wav always,
+/// greetings and sounds on the `first_start` or if their whole folder is missing, so that a sound that the
+/// user has deleted does not come back. Never replaces a file. A copy appears complete or not at all.
 SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start);
 
-/// Brings the Help folder up to what `assets` has: a file that is missing or differs is copied, one that
-/// `assets` has no more is removed. Any thread; on a slow disk it takes its time.
+/// Makes the Help folder equal to that of `assets`: files that are missing or differ are copied, others are
+/// removed. Any thread; slow on a slow disk.
 SeedReport RefreshHelp(const std::string& folder, const std::string& assets);
 
-/// Whether texts can be spoken here: the speech helper is a program that may be executed, and the data of its
-/// engine, espeak-ng, are where that looks for them or where systems install them. Nothing is started.
+/// Whether texts can be spoken: the speech helper is executable, and the data of its engine, espeak-ng, is
+/// where the engine looks for it or where systems install it. Nothing is started.
 bool SpeechInstalled(const std::string& helper_path);
 
 }  // namespace orven

@@ -7,8 +7,8 @@
 namespace orven {
 namespace {
 
-/// The pattern with every quoted literal blanked out by underscores, so that a letter in it is not
-/// taken for a field. Positions stay the same.
+/// The pattern with underscores for quoted literals, so that their letters are not taken for fields.
+/// Positions stay the same.
 QString FieldsOnly(const QString& pattern) {
   QString fields = pattern;
   bool quoted = false;
@@ -39,22 +39,21 @@ QString WithoutZone(const QString& pattern) {
   for (;;) {
     const QRegularExpressionMatch match = zone.match(FieldsOnly(result));
     if (!match.hasMatch()) break;
-    // Between two other fields one blank has to remain of those on both sides.
+    // One blank must remain between two other fields.
     const bool inside = match.capturedStart() > 0 && match.capturedEnd() < result.size();
     result.replace(match.capturedStart(), match.capturedLength(), inside ? QStringLiteral(" ") : QString());
   }
   return result.trimmed();
 }
 
-}  // namespace
-
+/// The pattern for times, from a locale's two in Qt's notation ("HH:mm:ss t"; text between apostrophes is
+/// literal): the short one if it shows seconds, else the long one without the zone, its brackets and blanks,
+/// else "HH:mm:ss". A finer time of day (B, as in Taiwan), which Qt would print as that letter, becomes AP.
 QString TimePattern(const QString& short_pattern, const QString& long_pattern) {
   for (const QString& pattern : {short_pattern, long_pattern})
     if (HasSeconds(pattern)) return WithKnownDayPeriod(WithoutZone(pattern));
   return QStringLiteral("HH:mm:ss");
 }
-
-namespace {
 
 using std::chrono::milliseconds;
 

@@ -29,9 +29,9 @@ QMessageBox::Icon IconOf(QuestionIcon icon) {
   return QMessageBox::NoIcon;
 }
 
-/// The window that a box belongs to, and that it keeps from the mouse and the keyboard: the active one, or
-/// else one that can be seen; what is open over that one comes first, so that boxes are answered from the
-/// top. The tray's menu belongs to no window and goes on working.
+/// The window that a box blocks: the active one, else a visible main window; if a dialog is open over it,
+/// that dialog, so that boxes are answered from the top. The tray's menu belongs to no window and keeps
+/// working.
 QWidget* Owner() {
   auto* owner = QApplication::activeWindow();
   for (auto* window : QApplication::topLevelWidgets()) {
@@ -54,19 +54,18 @@ int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardBu
   QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, Owner());
   box.setWindowFlags(box.windowFlags() | flags);
   box.setWindowModality(Qt::WindowModal);
-  box.setTextFormat(Qt::PlainText);  // a greeting's or caller's name is never markup
+  box.setTextFormat(Qt::PlainText);  // names of greetings and callers are not markup
   box.setDefaultButton(safe);
   box.setEscapeButton(safe);
   return box.exec();
 }
 
-/// Not every account has a folder for music; without one a dialog would open wherever the program was
-/// started.
+/// Not every account has a folder for music; without one a dialog would open in the current folder.
 QString Existing(const QString& folder) {
   return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
 
-/// Shows a file dialog; the folder of what is chosen is kept in `folder`.
+/// Shows a file dialog and keeps the folder of the chosen file in `folder`.
 std::optional<std::string> Chosen(QFileDialog& dialog, QString& folder) {
   dialog.setWindowModality(Qt::WindowModal);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
@@ -75,14 +74,7 @@ std::optional<std::string> Chosen(QFileDialog& dialog, QString& folder) {
   return path.toStdString();
 }
 
-}  // namespace
-
-bool HasDisplay() {
-  const QString platform = QGuiApplication::platformName();
-  return !platform.isEmpty() && platform != QLatin1String("offscreen") &&
-         platform != QLatin1String("minimal");
-}
-
+/// A "description NUL pattern NUL …" filter in Qt's form: "wav (*.wav);;All (*.*)".
 QString QtFileFilter(const std::string& filter) {
   const QStringList parts =
       QString::fromStdString(filter).split(QChar(u'\0'), Qt::SkipEmptyParts, Qt::CaseSensitive);
@@ -93,6 +85,14 @@ QString QtFileFilter(const std::string& filter) {
     result << (parts[i].endsWith(pattern) ? parts[i] : parts[i] + u' ' + pattern);
   }
   return result.join(QLatin1String(";;"));
+}
+
+}  // namespace
+
+bool HasDisplay() {
+  const QString platform = QGuiApplication::platformName();
+  return !platform.isEmpty() && platform != QLatin1String("offscreen") &&
+         platform != QLatin1String("minimal");
 }
 
 QtDialogs::QtDialogs(bool has_display) : QtDialogs(has_display, std::cerr) {}
@@ -169,11 +169,11 @@ bool DialogFocus::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::Hide || event->spontaneous()) return false;
   const auto* dialog = qobject_cast<QDialog*>(watched);
   if (dialog == nullptr || dialog->parentWidget() == nullptr) return false;
-  // Whoever works in another program meanwhile keeps the keyboard there.
+  // The keyboard focus may be in another program by now.
   if (QGuiApplication::focusWindow() != dialog->windowHandle()) return false;
   QWidget* below = dialog->parentWidget()->window();
-  // Not before the dialog is gone: until then Qt takes it for the one with the keyboard, and the request goes
-  // past the window manager, whose own choice comes later and wins.
+  // Not before the dialog is hidden: until then Qt believes that it has the focus and bypasses the window
+  // manager, whose own choice comes later and wins.
   QTimer::singleShot(0, below, [below] {
     if (below->isVisible()) below->activateWindow();
   });

@@ -12,12 +12,9 @@ namespace orven {
 /// Whether a person can see this application's windows: false on the offscreen and minimal platforms.
 bool HasDisplay();
 
-/// A "description NUL pattern NUL …" filter in Qt's form: "wav (*.wav);;All (*.*)".
-QString QtFileFilter(const std::string& filter);
-
-/// The dialogs port on Qt's boxes, modal to the active window and those below it; without a display on a
-/// text stream, with the safe answer. While a box is open, other tasks and timers keep running, and the
-/// tray's menu works.
+/// Message boxes and file dialogs, modal to the active window and those below it. Without a display the texts
+/// go to a stream, and the answer is the safe one. While a box is open, tasks, timers and the tray's menu
+/// work.
 class QtDialogs final : public Dialogs {
  public:
   explicit QtDialogs(bool has_display = HasDisplay());
@@ -40,9 +37,9 @@ class QtDialogs final : public Dialogs {
   QString open_folder_;  ///< where the last file was opened
 };
 
-/// Gives the keyboard to the window below when a dialog closes that had it: some window managers give it to
-/// nobody while the caller view is on the screen. For all dialogs and boxes of the application that have a
-/// parent, as long as this object lives. User-interface thread.
+/// Gives the keyboard focus of a dialog that closes to the window below: some window managers give it to no
+/// window while the caller view is shown. As long as this object lives, for all dialogs and boxes with a
+/// parent. User-interface thread.
 class DialogFocus final : public QObject {
  public:
   DialogFocus();

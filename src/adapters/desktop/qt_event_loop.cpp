@@ -51,7 +51,7 @@ std::unique_ptr<Timer> QtEventLoop::MakeTimer(Task tick) {
 }
 
 EventLoop::Task QtEventLoop::Guarded(Task task) const {
-  // The handler is shared: a timer may tick, and destroy the loop, inside its own task.
+  // The handler is shared because a task may destroy the loop.
   return [task = std::move(task), on_fault = on_fault_] {
     try {
       task();

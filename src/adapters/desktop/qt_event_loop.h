@@ -10,14 +10,14 @@
 
 namespace orven {
 
-/// The event loop port on Qt's event loop of the thread that constructs it (the user-interface
-/// thread, where a QCoreApplication runs). Tasks posted before the application's exec() wait for it.
+/// Qt's event loop of the thread that constructs it (the user-interface thread, where a QCoreApplication
+/// runs). Tasks posted before the application's exec() wait for it.
 class QtEventLoop final : public EventLoop {
  public:
-  /// Told when a task or a tick ends by an exception, with the exception's text. The loop goes on.
+  /// Called with the exception's text when a task or a tick has thrown. The loop continues.
   using FaultHandler = std::function<void(const std::string&)>;
 
-  /// Without a handler a fault is written to standard error.
+  /// Without a handler faults are written to standard error.
   explicit QtEventLoop(FaultHandler on_fault = {});
   ~QtEventLoop() override;
   QtEventLoop(const QtEventLoop&) = delete;
@@ -32,7 +32,7 @@ class QtEventLoop final : public EventLoop {
   Task Guarded(Task task) const;
 
   std::shared_ptr<FaultHandler> on_fault_;
-  QObject context_;  // receives every task; what is queued for it dies with it
+  QObject context_;  // receives every task; tasks still queued are dropped with it
 };
 
 }  // namespace orven

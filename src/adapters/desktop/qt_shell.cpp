@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 
-/// The bus answers in the place of a host that goes, so that no question stays open for nothing.
+/// No timeout: the bus answers for a host that has gone.
 constexpr int kNoTimeout = std::numeric_limits<int>::max();  // milliseconds; DBUS_TIMEOUT_INFINITE
 
 QDBusMessage Question() {
@@ -41,7 +41,7 @@ TrayHost::TrayHost(std::function<void()> on_change) : on_change_(std::move(on_ch
   owner_.addWatchedService(kWatcher);
   QObject::connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged, &owner_,
                    [this](const QString&, const QString&, const QString& owner) {
-                     // Who goes without an answer is awaited: panels are started again after a crash.
+                     // A host that goes without an answer is awaited: panels are restarted after a crash.
                      if (!owner.isEmpty() || answer_ != Answer::Pending) Ask();
                    });
   answer_ = Answer::Pending;
@@ -57,7 +57,7 @@ void TrayHost::Ask() {
 
 void TrayHost::Take(const QDBusPendingCall& call) {
   const QDBusReply<QDBusVariant> reply = call;
-  if (reply.error().type() == QDBusError::NoReply) return;  // it has gone
+  if (reply.error().type() == QDBusError::NoReply) return;  // the host has gone
   Become(reply.isValid() && reply.value().variant().toBool() ? Answer::Present : Answer::Absent);
 }
 
@@ -67,12 +67,12 @@ void TrayHost::Become(Answer answer) {
 
 namespace {
 
-constexpr double kTwipsPerPixel = 15;  // 1440 twips an inch at the 96 pixels that toolkits reckon with
+constexpr double kTwipsPerPixel = 15;  // 1440 twips and 96 pixels per inch
 constexpr int kLeftButtonUp = 514;     // WM_LBUTTONUP
 constexpr int kRightButtonUp = 517;    // WM_RBUTTONUP
 
-/// A picture that leaves its place blank, at every size that trays ask for: without the right size a
-/// desktop would keep the old picture or give the place away.
+/// A transparent picture in every size that trays use: without the right size a desktop would keep the old
+/// picture or remove the icon.
 QIcon BlankPicture() {
   QIcon blank;
   for (const int size : {16, 22, 24, 32, 48, 64, 128}) {
@@ -83,12 +83,12 @@ QIcon BlankPicture() {
   return blank;
 }
 
-/// The tip's text without what fills the field up.
+/// The tip without the padding of its field.
 QString TipText(const std::string& field) {
   return QString::fromStdString(field.substr(0, field.find('\0')));
 }
 
-/// What may be opened, as an address; an empty one for everything else.
+/// `target` as an address if it may be opened, else an empty one.
 QUrl Openable(const QString& target) {
   const QFileInfo file(target);
   if (file.isAbsolute()) return file.isFile() ? QUrl::fromLocalFile(target) : QUrl();
@@ -131,7 +131,7 @@ void QtShell::SetMenu(QMenu* menu) {
 
 bool QtShell::NotifyIcon(NotifyRequest request, const NotifyIconData& data) {
   if ((request == NotifyRequest::Modify) != added_) return false;
-  // A desktop hears of every change by a message of its own: only of those that are one.
+  // Every call sends the desktop a message, so only real changes are passed on.
   const bool new_picture = !std::exchange(added_, true) || data.icon != picture_;
   picture_ = data.icon;
   const QString tip = TipText(data.tip);
@@ -143,7 +143,7 @@ bool QtShell::NotifyIcon(NotifyRequest request, const NotifyIconData& data) {
 
 void QtShell::ShowPicture() {
   icon_->setIcon(picture_ == NotifyIconPicture::MainWindow ? main_window_ : nothing_);
-  if (HasDisplay()) icon_->show();  // Qt complains of trays that the others lack
+  if (HasDisplay()) icon_->show();  // Qt warns about platforms without a tray
 }
 
 bool QtShell::HasNotificationArea() const {

@@ -17,18 +17,17 @@
 namespace orven {
 
 /// Whether the session's message bus has a host for tray icons (org.kde.StatusNotifierWatcher, the
-/// StatusNotifierItem protocol). Asks without waiting, because a panel that hangs must not keep the
-/// program from its telephone. Needs a QCoreApplication; user-interface thread.
+/// StatusNotifierItem protocol). Asks without waiting, because a panel that hangs must not block the program.
+/// Needs a QCoreApplication; user-interface thread.
 class TrayHost {
  public:
   enum class Answer {
-    Pending,  ///< none yet: the host has just been asked, hangs, or is being restarted
+    Pending,  ///< none yet: the host has just been asked, hangs or is restarting
     Present,
-    Absent,  ///< nor is there one when there is no message bus
+    Absent,  ///< also without a message bus
   };
 
-  /// `on_change` is called when the answer becomes another one, by the event loop and never by this
-  /// constructor.
+  /// `on_change` is called by the event loop when the answer has changed, never by this constructor.
   explicit TrayHost(std::function<void()> on_change);
 
   Answer Current() const { return answer_; }
@@ -44,57 +43,53 @@ class TrayHost {
   std::unique_ptr<QDBusPendingCallWatcher> question_;
 };
 
-/// How a helper of the program is started.
+/// How to start a helper program.
 struct HelperStart {
   std::string path;         ///< the executable file
-  Environment environment;  ///< variables that it gets besides ours
+  Environment environment;  ///< variables in addition to ours
 };
 
-/// The shell port on the desktop's tray (StatusNotifierItem over D-Bus where the desktop has a host for
-/// it, else the XEmbed tray of X11) and on its table of programs for documents. Needs a QApplication;
-/// user-interface thread.
+/// The desktop's tray (StatusNotifierItem over D-Bus if the desktop has a host for it, else the XEmbed tray
+/// of X11) and its programs for documents. Needs a QApplication; user-interface thread.
 ///
-/// The icon waits for its place: added while there is no tray, or while the tray's host hangs or
-/// restarts, it appears with the host. Which of the two kinds of tray is used is decided once, by the
-/// first answer about a host on the bus; Qt knows no change of mind.
+/// An icon that is added while there is no tray, or while the tray's host hangs or restarts, appears with the
+/// host. The first answer about a host on the bus decides between the two kinds of tray; Qt cannot change
+/// later.
 class QtShell final : public Shell {
  public:
-  /// Gets the shell's mouse message, as the X coordinate of a mouse move in twips: 514 or 517 times
+  /// Receives a mouse message as the X coordinate of a mouse move in twips: 514 or 517 times
   /// `twips_per_pixel`.
   using MouseHandler = std::function<void(double x, double twips_per_pixel)>;
 
-  /// `main_window` is the picture of that name.
+  /// `main_window` is the main window's icon.
   explicit QtShell(QIcon main_window);
 
-  /// Who hears of the icon's clicks: WM_LBUTTONUP (514) for the one that activates it, WM_RBUTTONUP (517)
-  /// for the one that asks for its menu. Every other use of the icon is silent.
+  /// `on_mouse` receives the icon's clicks: WM_LBUTTONUP (514) for the one that activates it, WM_RBUTTONUP
+  /// (517) for the one that opens its menu, nothing else.
   void SetMouseHandler(MouseHandler on_mouse) { on_mouse_ = std::move(on_mouse); }
 
-  /// The icon's menu; nullptr for none. The caller keeps it alive, or takes it away before it goes. A
-  /// desktop that shows the menu itself does so without a mouse message; an XEmbed tray's click has
-  /// already opened it when the message 517 comes.
+  /// The icon's menu, or nullptr; the caller owns it. A desktop that shows the menu itself sends no mouse
+  /// message; in an XEmbed tray it is open already when the message 517 comes.
   void SetMenu(QMenu* menu);
 
-  /// Without a display the record is kept, and nothing is shown.
+  /// Without a display the data is kept, and nothing is shown.
   bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) override;
 
-  /// False while a host on the bus has not answered, and on the platforms without a display (offscreen,
-  /// minimal), whose trays nobody sees.
+  /// False while a host on the bus has not answered, and on platforms without a display (offscreen, minimal).
   bool HasNotificationArea() const override;
 
-  /// Opens an existing file given by its absolute path, or an http or https address with a host;
-  /// anything else is refused. The program is started beside this one, never through a command shell,
-  /// and true says that it was started, not that it showed something.
+  /// Opens an existing file, given by its absolute path, or an http or https address with a host; refuses
+  /// anything else. No command shell is involved. True when a program was started, whatever it shows.
   bool Open(const std::string& target) override;
 
-  /// A helper that is called `file_name` in commands, in whatever folder, and is another file here: where
-  /// Run is given a program of that name that does not exist, it starts what `start` says, which is asked
-  /// each time and may throw as Run does. An error names the file that `start` gave.
+  /// A helper that commands call `file_name`, in any folder, but that is another file here: if Run is given a
+  /// program of that name that does not exist, it starts what `start` returns. `start` is called each time
+  /// and may throw as Run does. An error names the file that `start` returned.
   void SetHelper(std::string file_name, std::function<HelperStart()> start);
 
   void Run(const std::string& command, std::int32_t window_style) override;
 
-  /// The desktop's side of the icon; nullptr until the kind of tray is decided.
+  /// The icon in the tray; nullptr until the kind of tray is decided.
   QSystemTrayIcon* Icon() { return icon_.get(); }
 
  private:
@@ -114,8 +109,8 @@ class QtShell final : public Shell {
   bool added_ = false;
   NotifyIconPicture picture_ = NotifyIconPicture::MainWindow;
   QString tip_;
-  bool on_bus_ = false;                    ///< the kind of tray; means something once there is an icon
-  std::unique_ptr<QSystemTrayIcon> icon_;  ///< Qt waits for a host on the bus to make one
+  bool on_bus_ = false;                    ///< the kind of tray; valid once there is an icon
+  std::unique_ptr<QSystemTrayIcon> icon_;  ///< made when the kind of tray is known
   std::unique_ptr<TrayHost> host_;         ///< only with a display
 };
 

@@ -17,22 +17,22 @@
 namespace orven {
 namespace {
 
-/// The speech engine's name among the installed classes, the program that drives it, and how that program
-/// learns where we wait for it.
+/// The speech engine among the installed classes, the program that drives it, and the variable that gives it
+/// the address of our socket.
 constexpr const char* kSpeechEngine = "SAPI.SpVoice";
 constexpr const char* kSpeechHelper = "TTS.exe";
 constexpr const char* kChannelVariable = "ORVEN_CHANNEL";
 
-/// Where mails wait that are not sent yet.
+/// Mails that are not sent yet.
 constexpr const char* kOutbox = "\\Outbox";
 
-/// Each start makes them, so a folder without them is new.
+/// Each start makes this file, so a folder without it is new.
 constexpr const char* kRecords = "\\Calls";
 
-/// How often changed lines look whether the call is over.
+/// Between two checks whether the call is over, while changed lines wait.
 constexpr std::chrono::milliseconds kLookForIdleLine{500};
 
-/// Ends the application's event loop and those of open boxes, also while it has not begun yet.
+/// Ends the application's event loop and those of open boxes, even before it has started.
 void EndEventLoops() {
   QCoreApplication::exit();
 }
@@ -140,7 +140,7 @@ bool Program::LineHasSound() const {
   return line_wave_.IsRecording() || line_wave_.IsPlaying();
 }
 
-/// Now, or when the call is over: then false.
+/// Opens changed lines now (true) or when the call is over.
 bool Program::UseChangedLines() {
   if (Ended()) return false;
   if (!LineInUse()) {
@@ -177,7 +177,7 @@ void Program::PrepareFolder(bool first_start) {
   for (const auto& problem : early_problems_) Report(problem);
   for (const auto& problem : seeded.problems) Report(problem);
   if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
-  // The help's pictures are large enough to hold up a start from a slow disk.
+  // The help's pictures would delay the start on a slow disk.
   auto help = std::make_shared<SeedReport>();
   background_.Run([help, folder = shared_.application_folder,
                    assets = folders_.assets] { *help = RefreshHelp(folder, assets); },
@@ -204,7 +204,7 @@ FirstStart::Sources Program::FirstStartSources() {
   return sources;
 }
 
-/// Call records without settings are no first start: the settings have been lost.
+/// Records of calls without settings: this is not a first start, the settings have been lost.
 void Program::TellOfLostSettings() {
   const auto& damaged = registry_file_.DamagedFile();
   std::error_code none;
@@ -217,7 +217,7 @@ void Program::TellOfLostSettings() {
 }
 
 void Program::Report(const std::string& problem) {
-  // Until the folder is known to be ours nothing is written into it.
+  // Nothing is written into the folder before it is claimed.
   if (!prepared_) {
     early_problems_.push_back(problem);
     return;

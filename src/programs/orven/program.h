@@ -31,12 +31,11 @@
 
 namespace orven {
 
-/// The composition root: every concrete class of the running program, in the order in which they need
-/// each other. Needs a QApplication; user-interface thread.
+/// The composition root: every concrete class of the running program, each after those that it needs. Needs a
+/// QApplication; user-interface thread.
 class Program {
  public:
-  /// Folders are absolute: the application folder, made already; the executable's; and the installed
-  /// assets', empty if there are none.
+  /// Absolute folders. The application folder exists; `assets` is empty if none are installed.
   struct Folders {
     std::string application;
     std::string executable;
@@ -46,13 +45,13 @@ class Program {
   explicit Program(Folders folders);
   ~Program();
 
-  /// Starts the answering machine. False when another instance runs in this folder.
+  /// Starts the answering machine. False when another instance runs in the application folder.
   bool Start(const std::string& command_line);
 
-  /// Ends it as the exit commands do; the event loop then ends.
+  /// Does what the exit commands do; then the event loop ends.
   void Exit() { window_.Exit(); }
 
-  /// Whether it has ended already, perhaps while it was still starting.
+  /// Whether the program has ended, perhaps during its start.
   bool Ended() const { return window_.Ended(); }
 
  private:
@@ -74,7 +73,7 @@ class Program {
 
   SharedOptions shared_;
   Folders folders_;
-  std::vector<std::string> early_problems_;  ///< found before this process knew that it is the one
+  std::vector<std::string> early_problems_;  ///< found before the application folder was claimed
   bool prepared_ = false;
   Lifeline lifeline_;
 
@@ -93,7 +92,7 @@ class Program {
   FileTelephoneLines configured_lines_;
   bool lines_wait_ = false;  ///< changed lines wait for the end of a call
   SoundCards cards_;
-  AllAudioDevices line_devices_;  ///< pre-screening is heard beside a message that plays
+  AllAudioDevices line_devices_;  ///< pre-screening while a message plays
   AllAudioDevices desk_devices_;
   FileWaveControl line_wave_;
   FileWaveControl desk_wave_;

@@ -22,6 +22,7 @@
 #include "options/frmLines.h"
 #include "options/frmOptions.h"
 #include "options/lines_dialog.h"
+#include "shell/frmAbout.h"
 
 namespace orven {
 namespace {
@@ -32,8 +33,7 @@ std::string NumberIn(const std::string& text) {
   return text.substr(begin, text.find(' ', begin) - begin);
 }
 
-}  // namespace
-
+/// The libraries of this program, with the versions that are loaded, if a library tells its version.
 std::vector<Component> ProgramComponents() {
   return {
       {"Qt", qVersion(), "LGPL-3.0-only", "windows, sound cards"},
@@ -50,6 +50,8 @@ std::vector<Component> ProgramComponents() {
       {"Breeze icons", "", "LGPL-3.0-or-later", "pictures of the commands"},
   };
 }
+
+}  // namespace
 
 void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
   machine_ = &machine;
@@ -96,8 +98,8 @@ void ProgramDialogs::OpenGreetingCreator() {
 }
 
 std::optional<std::string> ProgramDialogs::MakeGreeting(QWidget* parent) {
-  look_for_cards_();  // a microphone may just have been plugged in
-  // A greeting may be saved a moment after its window was closed.
+  look_for_cards_();  // a microphone may have been plugged in
+  // A greeting may be saved shortly after its window was closed.
   const auto saved = std::make_shared<std::optional<std::string>>();
   frmGreetC window(parent);
   GreetingCreator engine(machine_->ForGreetingCreator([saved](const std::string& name) { *saved = name; }),
