@@ -118,19 +118,15 @@ TEST_F(SipAudioTest, HearsTonesOnceAlthoughTheyComeInOtherWaysToo) {
 }
 
 /// Plays given samples once.
-class GivenAudio : public AudioSource {
- public:
-  explicit GivenAudio(Samples samples) : samples_(std::move(samples)) {}
-
+struct GivenAudio : AudioSource {
+  explicit GivenAudio(Samples given) : samples(std::move(given)) {}
   bool Read(std::span<std::int16_t> block) override {
-    if (next_ + block.size() > samples_.size()) return false;
-    std::copy_n(samples_.data() + std::exchange(next_, next_ + block.size()), block.size(), block.data());
+    if (samples.size() < block.size()) return false;
+    std::copy_n(samples.begin(), block.size(), block.begin());
+    samples.erase(samples.begin(), samples.begin() + kBlockSamples);
     return true;
   }
-
- private:
-  Samples samples_;
-  std::size_t next_ = 0;
+  Samples samples;
 };
 
 class SipSecureTest : public SipLineTest {

@@ -34,19 +34,22 @@ class SipCaller {
       : line_port_(line_port), branch_("z9hG4bK" + std::to_string(std::random_device{}())) {}
 
   /// Any request; an ACK and a CANCEL belong to the request before.
-  void Request(const std::string& method, const std::string& type = "", const std::string& body = "") {
+  std::string Text(const std::string& method, const std::string& type = "", const std::string& body = "") {
     if (method != "ACK" && method != "CANCEL") ++cseq_;
     // The acknowledgement of a success is a transaction of its own, that of a refusal is not.
     const char* own = method == "ACK" && !to_tag_.empty() ? "ack" : "";
     const std::string address = "127.0.0.1:" + std::to_string(sip_.Port()), number = std::to_string(cseq_);
     const std::string tag = to_tag_.empty() || method == "CANCEL" ? "" : ";tag=" + to_tag_;
-    sip_.SendTo(line_port_, method + " sip:line@127.0.0.1 SIP/2.0\r\nVia: SIP/2.0/UDP " + address +
-                                ";branch=" + branch_ + number + own +
-                                ";rport\r\nFrom: \"Ann Smith\" <sip:5551234@127.0.0.1>;tag=caller\r\n" +
-                                "To: <sip:line@127.0.0.1>" + tag + "\r\nCall-ID: " + branch_ +
-                                "\r\nCSeq: " + number + " " + method + "\r\nContact: <sip:ann@" + address +
-                                ">\r\n" + (type.empty() ? "" : "Content-Type: " + type + "\r\n") +
-                                "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+    return method + " sip:line@127.0.0.1 SIP/2.0\r\nVia: SIP/2.0/UDP " + address + ";branch=" + branch_ +
+           number + own +
+           ";rport\r\nFrom: \"Ann Smith\" <sip:5551234@127.0.0.1>;tag=caller\r\nTo: <sip:line@127.0.0.1>" +
+           tag + "\r\nCall-ID: " + branch_ + "\r\nCSeq: " + number + " " + method + "\r\nContact: <sip:ann@" +
+           address + ">\r\n" + (type.empty() ? "" : "Content-Type: " + type + "\r\n") +
+           "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+  }
+  void Send(const std::string& text) const { sip_.SendTo(line_port_, text); }
+  void Request(const std::string& method, const std::string& type = "", const std::string& body = "") {
+    Send(Text(method, type, body));
   }
 
   /// The next response with a status ("200") or request with a method ("BYE"), or "" when none comes; skips

@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A call's way through the line, as a caller and the line's owner see it.
+// A call's way through the line, as a caller and the line's owner see it; and what no caller should send:
+// whatever comes, the line lives and takes the next call.
+#include <fstream>
+
 #include "integration/line/sip/sip_line_test.h"
 
 namespace orven::test {
 namespace {
 
+using std::string_literals::operator""s;
 using Texts = std::vector<std::string>;
+
+/// What this process has in memory.
+std::size_t ResidentBytes() {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages >> pages;
+  return pages * 4096;
+}
 
 /// A caller's call that is up as call `n`.
 std::string Connected(const std::string& n) {
@@ -107,6 +118,80 @@ TEST_F(SipLineTest, OpeningSaysWhatIsWrongAndCanBeRepeated) {
     EXPECT_EQ(line->Open(events), kTelephonyDeviceFailed) << listen;
     EXPECT_NE(line->LastError().find(listen), std::string::npos) << line->LastError();
   }
+}
+
+TEST_F(SipLineTest, InvitesAreTakenWhereTheyCanBeAndElseRefused) {
+  OpenLine();
+  const std::string multipart = "multipart/mixed;boundary=b\r\n\r\n--b\r\n";
+  const struct {
+    std::string from;
+    std::string to;
+    std::string status;
+  } kRows[] = {
+      {"From:", "X:", "400"},
+      {"To:", "X:", "400"},
+      {"Call-ID:", "X:", "400"},
+      {"CSeq:", "X:", "400"},
+      {"Contact:", "X:", "400"},
+      {"Contact:", "Contact: <nothing>\r\nX:", "400"},
+      {"1 INVITE", "1 BYE", "400"},
+      {";tag=caller", "", "400"},
+      {"Length: ", "Length: 9", "400"},
+      {"Length: ", "Length: -", "400"},
+      {"Length: ", "Length: x", "400"},
+      {"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
+      {"Contact:", "Require: 100rel\r\nContact:", "420"},
+      {"application/sdp", "text/plain", "415"},
+      {"Content-Type: application/sdp\r\nContent-Length", "X", "180"},
+      {"application/sdp\r\nContent-Length:", multipart + "content-type:\r\n application/sdp\r\nX:", "180"},
+      {"application/sdp\r\nContent-Length:", multipart + "Content-Type: text/plain\r\nX:", "415"},
+      {"RTP/AVP 0", "RTP/AVP 18", "488"},
+  };
+  for (const auto& row : kRows) {
+    SipCaller eve(port);
+    std::string text = eve.Text("INVITE", "application/sdp", eve.Sdp("0"));
+    eve.Send(text.replace(text.find(row.from), row.from.size(), row.to));
+    EXPECT_NE(eve.Take(row.status, milliseconds(2000)), "") << row.from << " as " << row.to.substr(0, 50);
+    if (row.status[0] == '1')
+      Play("Ring " + std::to_string(call + 1) + " 1,drop 1,Idle " + std::to_string(call + 1));
+  }
+  Play(Connected(std::to_string(call + 1)) + "hears,> BYE,< 200");
+}
+
+TEST_F(SipLineTest, BrokenTcpStreamsAreClosedCostNoMemoryAndOthersAreServed) {
+  OpenLine();
+  std::vector<Socket> idle;
+  idle.reserve(90);
+  while (idle.size() < 50) idle.push_back(Socket::TcpTo(port));
+  const std::size_t before = ResidentBytes();
+  // Empty lines whose answers are not read; the same, read, but with a piece of one left over each time.
+  for (const std::string& lines :
+       {"\r\n\r\n"s, "\n\r\n\r"s, "xxxx"s, "OPTIONS sip:a SIP/2.0\r\nContent-Length: 4000000000\r\n\r\n"s}) {
+    const bool reads = lines[0] == '\n';
+    const Socket flood = Socket::TcpTo(port);
+    flood.Send(reads ? "\r" : "");
+    std::string piece;
+    while (piece.size() < 8192) piece += lines;
+    std::size_t most = 0, sent = 0;
+    for (; sent < 64'000'000 && flood.Send(piece); sent += piece.size()) {
+      if (reads) (void)flood.Receive(milliseconds(0));
+      most = std::max(most, ResidentBytes());
+    }
+    EXPECT_LT(sent, 64'000'000U) << lines << " is never refused";
+#ifndef __SANITIZE_ADDRESS__  // which keeps what is given free
+    EXPECT_LT(most, before + 50'000'000) << lines;
+#endif
+  }
+  const Socket by_tcp = Socket::TcpTo(port);
+  by_tcp.Send(caller->Text("INVITE"));
+  EXPECT_NE(by_tcp.ReceiveText(milliseconds(8000)), "");
+  Play("Ring 1 1");
+  while (idle.size() < 90) idle.push_back(Socket::TcpTo(port));
+  for (std::size_t i = 0; i < 50; ++i)
+    EXPECT_FALSE(idle[i].Receive(milliseconds(2000))) << "an old idle one stays";
+  Play("drop 1");
+  EXPECT_NE(by_tcp.ReceiveText(milliseconds(8000)).find("486"), std::string::npos)
+      << "the call's own is closed";
 }
 
 }  // namespace
