@@ -12,7 +12,8 @@
 namespace orven {
 namespace {
 
-/// A header value taken apart: name-addr or addr-spec (RFC 3261, section 25.1).
+/// A name-addr or addr-spec (RFC 3261, section 25.1), parsed here because it accepts malformed names, as
+/// telephones send them, which the library's parser refuses.
 struct Address {
   std::string name;
   std::string scheme;  ///< in small letters
@@ -53,14 +54,14 @@ void ParseUri(std::string_view uri, Address& address) {
   address.scheme = Lower(uri.substr(0, colon));
   std::string_view rest = uri.substr(colon + 1);
   if (address.scheme == "tel") {
-    // The separators are for the eye only (RFC 3966, section 3).
+    // The separators have no meaning (RFC 3966, section 3).
     for (const char c : rest.substr(0, rest.find(';'))) {
       if (std::string_view("-.() ").find(c) == std::string_view::npos) address.user += c;
     }
     return;
   }
   if (const auto at = rest.rfind('@'); at != std::string_view::npos) {
-    // What follows ":" or ";" is a password or parameters of the number, no part of it.
+    // What follows ":" or ";" is a password or parameters.
     const std::string_view user = rest.substr(0, at);
     address.user = DecodePercent(user.substr(0, user.find_first_of(":;")));
     rest = rest.substr(at + 1);
@@ -93,7 +94,7 @@ bool IsAnonymous(const Address& address) {
          Lower(address.name) == "anonymous";
 }
 
-/// "id" hides the asserted identity (RFC 3325, section 9.3), "user" what the telephone tells.
+/// "id" withholds the asserted identity (RFC 3325, section 9.3), "user" what the telephone sends.
 bool IsWithheld(std::string_view privacy) {
   std::string values = ";" + Lower(privacy) + ";";
   std::erase(values, ' ');

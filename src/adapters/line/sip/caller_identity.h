@@ -7,23 +7,22 @@
 
 namespace orven {
 
-/// Who calls, as valid UTF-8; empty texts where the network does not tell or the caller hides.
+/// Who calls, as valid UTF-8; empty texts when unknown or withheld.
 struct CallerIdentity {
   std::string name;
   std::string number;
 };
 
-/// The parts of a call's first message that tell who calls; each is a header's raw value.
+/// The headers of an INVITE that tell who calls; raw values.
 struct IdentityHeaders {
   std::vector<std::string_view> asserted;  ///< P-Asserted-Identity values in order (RFC 3325)
   std::string_view from;
   std::string_view privacy;  ///< Privacy (RFC 3323), empty when absent
 };
 
-/// The asserted identity when there is one, else From; both texts empty when it is an anonymous one
-/// (RFC 3323, section 4.1.1.3) or the caller asks that it be withheld. A name that is missing in the
-/// first asserted identity is taken from the next ones. Quoted pairs, percent escapes and ISO 8859-1
-/// are decoded.
+/// The asserted identity if there is one, else From; both texts are empty when it is anonymous (RFC 3323,
+/// section 4.1.1.3) or the caller wants it withheld. What the first asserted identity lacks is taken from the
+/// next ones. Decodes quoted pairs, percent escapes and ISO 8859-1.
 CallerIdentity Identify(const IdentityHeaders& headers);
 
 }  // namespace orven

@@ -21,25 +21,25 @@ namespace {
 constexpr std::size_t kMostOfOnePeer = 32;
 constexpr std::size_t kMostInAll = 128;
 
-/// A message has 64 KB at most: more without one is none.
+/// A message has 64 KB at most.
 constexpr std::uint64_t kMostWithoutMessage = 128 * 1024;
 
 /// The library closes a connection when a piece of 8 KB more makes 64 KB of what is not a whole message yet;
 /// with smaller ones messages of 60 KB may follow each other.
 constexpr std::size_t kPiece = 4096;
 
-/// What the system holds for a peer before we take it for one that does not read. Our answers have 1 KB.
+/// What the system buffers for a peer before we assume that it does not read. Our answers have 1 KB.
 constexpr int kMostUnread = 64 * 1024;
 
-/// A peer that just has much to read gets so long for it. Meanwhile the library keeps up to 700 bytes for
+/// A peer that has much to read gets this time for it. Meanwhile the library keeps up to 700 bytes for
 /// each 4 that come (an answer to an empty line), 22 MB for kMostWithoutMessage: hence so few at a time.
 constexpr std::chrono::seconds kPatience{1};
 constexpr int kMostStuck = 2;
 
-/// A connection that is new has so long for its first message before it is closed rather than others.
+/// A new connection has this time for its first message; after that it is closed before others.
 constexpr std::uint32_t kFirstMessageMs = 5'000;
 
-/// An accepted connection is found so long after it was announced, and at the latest.
+/// How long after its announcement an accepted connection is looked for, and how often we look in any case.
 constexpr std::chrono::milliseconds kSoon{10};
 constexpr std::chrono::seconds kTick{10};
 
@@ -60,7 +60,7 @@ tcp_info InfoOf(int descriptor) {
   return info;
 }
 
-/// What the library has taken of a connection; what still waits in the system is not counted.
+/// Bytes that the library has read from a connection, without those that still wait in the system.
 std::uint64_t TakenFrom(int descriptor) {
   const std::uint64_t received = InfoOf(descriptor).tcpi_bytes_received;
   int waiting = 0;
@@ -86,7 +86,7 @@ sa AddressBy(Ask ask, int descriptor) {
   return ask(descriptor, &address.u.sa, &address.len) == 0 ? address : sa{};
 }
 
-/// The library notices that at once, and gives free what it keeps for the connection.
+/// The library notices at once, and frees what it keeps for the connection.
 void CloseConnection(int descriptor) {
   const linger at_once{1, 0};
   (void)::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
@@ -135,8 +135,7 @@ void ConnectionGuard::Look() {
   CloseExcess(std::move(connections));
 }
 
-/// Whether the socket is this line's, for others to connect to or connected. A new one is watched from now
-/// on.
+/// Whether the socket is this line's, listening or connected. Begins to watch a new one.
 bool ConnectionGuard::Watch(int descriptor) {
   const sa local = AddressBy(::getsockname, descriptor);
   if (!sa_isset(&local, SA_ALL) || OptionOf(descriptor, SO_TYPE) != SOCK_STREAM || !is_ours_(local)) {
@@ -152,7 +151,7 @@ bool ConnectionGuard::Watch(int descriptor) {
   return true;
 }
 
-/// Who has never sent a message in all the time is less likely a telephone.
+/// A peer that has never sent a message is less likely a telephone.
 ConnectionGuard::Connection ConnectionGuard::Describe(int descriptor) const {
   const std::uint32_t silent_ms = InfoOf(descriptor).tcpi_last_data_recv;
   const bool speaks =
@@ -210,7 +209,7 @@ bool ConnectionGuard::IsStuckTooLong(int descriptor) {
          kMostStuck;
 }
 
-/// Not while answers queue up in the library: what comes until they are gone is bounded like a message.
+/// Not while answers wait in the library: what comes until they are sent counts as without a message.
 void ConnectionGuard::Heard(const sip_msg& message) {
   const int descriptor = DescriptorOf(message);
   if (descriptor < 0 || !Watch(descriptor)) return;

@@ -13,18 +13,18 @@
 
 namespace orven {
 
-/// Descriptors that the SIP thread uses at most, so the greatest is one less. Strangers who open connections
-/// without end must leave the rest of the program its files.
+/// The SIP thread only uses descriptors below this number. Strangers who open many connections must leave
+/// files to the rest of the program.
 inline constexpr int kMostDescriptors = 512;
 
-/// Keeps the connections that others open to a line within bounds, and closes those that go beyond: who does
-/// not read what is sent, sends much without a message in it, or holds more connections than a telephone
-/// needs. The library has no such bounds (it answers each empty line, and keeps up to 180 MB of answers for a
-/// peer that does not read them; it keeps what it has read until a piece ends with a line) and shows its
-/// connections to nobody, so they are watched from outside, by their descriptors. SIP thread.
+/// Limits the connections that others open to a line. It closes a connection whose peer does not read what we
+/// send or sends much without a message in it, and those that are too many. The library has no such limits:
+/// it answers each empty line, keeps up to 180 MB of answers for a peer that does not read them, and keeps
+/// what it has read until a piece ends with a line. It does not expose its connections, so they are watched
+/// by their descriptors. SIP thread.
 class ConnectionGuard {
  public:
-  /// `is_ours`: whether connections to this local address are this line's.
+  /// `is_ours`: whether this local address is one of the line's.
   explicit ConnectionGuard(std::function<bool(const sa& local)> is_ours);
   ConnectionGuard(const ConnectionGuard&) = delete;
   ConnectionGuard& operator=(const ConnectionGuard&) = delete;
@@ -33,19 +33,19 @@ class ConnectionGuard {
   void Start();
   void Stop();
 
-  /// Looks for sockets that are new, and closes connections that are too many.
+  /// Looks for new sockets, and closes connections that are too many.
   void Look();
 
-  /// A whole message has come by a connection.
+  /// A whole message has come over a connection.
   void Heard(const sip_msg& message);
 
-  /// The connection by which the messages of this call come is never one too many, until the next call.
+  /// The connection of this call is never closed as one too many, until the next call.
   void Spare(const sip_msg& invite);
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// What is known of a socket, by its descriptor.
+  /// What is known of a socket.
   struct Watched {
     std::uint64_t heard = 0;                 ///< bytes taken up to the latest message; 0: none has come
     std::optional<Clock::time_point> stuck;  ///< since when what we send has not been read
@@ -54,7 +54,7 @@ class ConnectionGuard {
   struct Connection {
     int descriptor;
     sa peer;
-    int rank;                 ///< those of a high rank are closed first
+    int rank;                 ///< the highest rank is closed first
     std::uint32_t silent_ms;  ///< since something came from there
   };
 
@@ -75,8 +75,8 @@ class ConnectionGuard {
   MonotonicTimer tick_;
 };
 
-/// Keeps as many file descriptors as a call needs, so that a stranger who holds all others by
-/// idle connections cannot keep calls away: the descriptors that are released are the next ones given.
+/// Holds the file descriptors that a call needs, so that a stranger with many idle connections cannot prevent
+/// calls: descriptors that are released are the next to be assigned.
 class DescriptorReserve {
  public:
   DescriptorReserve() {
@@ -87,10 +87,10 @@ class DescriptorReserve {
   DescriptorReserve(const DescriptorReserve&) = delete;
   DescriptorReserve& operator=(const DescriptorReserve&) = delete;
 
-  /// Takes what is missing; idempotent.
+  /// Opens what is missing. Idempotent.
   void Fill();
 
-  /// Gives them free for whoever opens something next; idempotent.
+  /// Releases them for what is opened next. Idempotent.
   void Release();
 
  private:

@@ -11,7 +11,7 @@
 namespace orven {
 namespace {
 
-/// A server that calls one answer after the other too old is answered so often in a row.
+/// How often in a row a server may call an answer too old.
 constexpr int kMostAnswers = 3;
 
 struct Algorithm {
@@ -19,7 +19,7 @@ struct Algorithm {
   bool session;  ///< the password's digest holds for one nonce only
 };
 
-/// Nothing when the name is of none that we know. No name is MD5.
+/// Nothing for an unknown name. An empty one is MD5.
 std::optional<Algorithm> AlgorithmOf(std::string_view name) {
   struct Known {
     const char* name;
@@ -38,8 +38,7 @@ std::optional<Algorithm> AlgorithmOf(std::string_view name) {
   return std::nullopt;
 }
 
-/// In hexadecimal digits, as digests go into digests; empty, which no server accepts, where the system
-/// forbids the algorithm.
+/// In hexadecimal digits; empty, which no server accepts, when the system forbids the algorithm.
 std::string Digest(const EVP_MD* digest, const std::string& text) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> bytes{};
   unsigned size = 0;
@@ -122,8 +121,8 @@ DigestLogin::Verdict DigestLogin::Take(const Challenge& asked) {
     challenges_.push_back(asked);
     return Verdict::kAnswer;
   }
-  // An answer with a nonce that has served before may have been too old, also where the server does not
-  // say so; one with a nonce of just now was wrong.
+  // An answer with a nonce that was used before may have been too old even if the server does not say so; one
+  // with a new nonce was wrong.
   const bool was_new = known->count <= 1 || asked.nonce == known->nonce;
   const int unproven = known->unproven;
   if ((was_new && !asked.stale) || unproven >= kMostAnswers) return Verdict::kRefused;

@@ -10,26 +10,26 @@
 
 namespace orven {
 
-/// Proves a password to a server and to proxies before it by digest (RFC 3261, section 22; SHA-256 and
-/// SHA-512-256 by RFC 8760). SIP thread.
+/// Proves a password to a server and to the proxies before it by digest authentication (RFC 3261, section 22;
+/// SHA-256 and SHA-512-256 by RFC 8760). SIP thread.
 class DigestLogin {
  public:
   enum class Verdict : std::uint8_t {
-    kAnswer,      ///< ask again: Headers has the answer
+    kAnswer,      ///< send the request again, with Headers
     kRefused,     ///< user or password is wrong
-    kNoWayKnown,  ///< none of the ways to prove it is known here
+    kNoWayKnown,  ///< no algorithm that we support is offered
   };
 
   DigestLogin(std::string user, std::string password)
       : user_(std::move(user)), password_(std::move(password)) {}
 
-  /// Takes a 401 or 407. Of several challenges of one realm the first that we can answer counts.
+  /// Takes a 401 or 407. Of several challenges of one realm the first that we support counts.
   Verdict Take(const sip_msg& response);
 
-  /// The header lines for the next request; empty when nobody has asked yet. Each answers only once.
+  /// The header lines for the next request; empty without a challenge. Each text is for one request only.
   std::string Headers(std::string_view method, std::string_view uri);
 
-  /// What was answered last was right: the next challenge is only a new question.
+  /// The latest answer was accepted: the next challenge does not mean that the password is wrong.
   void Accepted();
 
   /// Forgets all challenges.
@@ -40,9 +40,9 @@ class DigestLogin {
     sip_hdrid header;
     std::string realm, nonce, opaque, algorithm;
     bool qop;             ///< "auth" is offered; else as in RFC 2069
-    bool stale;           ///< the answer before was right, but too old
+    bool stale;           ///< the previous answer was right, but its nonce too old
     std::uint32_t count;  ///< answers with this nonce
-    int unproven;         ///< answers since the latest that was right, whatever the nonce
+    int unproven;         ///< answers since the latest accepted one, with any nonce
   };
 
   static bool Understand(const sip_hdr& header, Challenge& challenge);

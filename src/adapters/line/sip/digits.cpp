@@ -20,11 +20,11 @@ constexpr std::string_view kKeys = "0123456789*#ABCD";
 constexpr std::size_t kPayloadBytes = 4;
 constexpr std::uint8_t kEndBit = 0x80;
 
-/// Senders that (wrongly) move the timestamp on within a press send its packets closer together than
-/// this; nobody presses a key twice in so short a time.
+/// Some senders wrongly advance the timestamp within a press. Its packets are closer together than this, and
+/// a person cannot press a key twice in so short a time.
 constexpr std::chrono::milliseconds kSameEvent{80};
 
-/// A timestamp further back than this is not late: the sender started over.
+/// A timestamp further back than this is not a late packet: the sender started over.
 constexpr std::int32_t kLatest = 5 * 8000;
 
 /// The key that is named by itself ("a" is "A") or by its event code from 10 on.
@@ -35,14 +35,14 @@ std::optional<char> Key(std::string_view text) {
   return kKeys[static_cast<std::size_t>(10 + text[1] - '0')];
 }
 
-/// Sound is played out up to 0.2 s late, its tone detected 0.05 s later; a SIP message may wait for
-/// the key's release and one retransmission (0.5 s).
+/// Audio is played up to 0.2 s late, and a tone detected 0.05 s later; a SIP message may wait for the key's
+/// release and one retransmission (0.5 s).
 constexpr std::chrono::milliseconds kSamePress{1000};
 
 /// Events repeat every 20 to 50 ms while a key is down (RFC 4733, section 2.5.1.2).
 constexpr std::chrono::milliseconds kStillDown{120};
 
-/// Nobody presses more keys within a second; who pretends to is not to keep us busy with it.
+/// More than anybody presses within a second: bounds the work for a caller that floods us.
 constexpr std::size_t kMostPresses = 64;
 
 constexpr unsigned Bit(DigitSource source) {

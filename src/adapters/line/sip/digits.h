@@ -17,8 +17,8 @@ struct dtmf_rx_state_s;
 
 namespace orven {
 
-/// Reads key presses from telephone-event packets (RFC 4733): each is sent many times, lost packets
-/// and reordered ones included, and told once. Not for use by several threads.
+/// Reads key presses from telephone-event packets (RFC 4733). Each press is sent in many packets, some of
+/// them lost or reordered, and reported once. For one thread.
 class TelephoneEvents {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -29,7 +29,7 @@ class TelephoneEvents {
     char digit = 0;  ///< of kPressed: '0'-'9', '*', '#', 'A'-'D'
   };
 
-  /// One packet. What is no key, or no event at all, gives kNothing.
+  /// One packet; kNothing if it is malformed or not a key.
   Result Take(const RtpPacket& packet, Time now);
 
  private:
@@ -49,14 +49,13 @@ class TelephoneEvents {
 
 /// The key in the body of a SIP INFO request: "Signal=5\r\nDuration=160" (application/dtmf-relay) or
 /// the bare key (application/dtmf). Keys may be written as their event codes ("10" is "*", "11" "#").
-/// Nothing when the body names no key.
+/// Nothing when it names no key.
 std::optional<char> DigitOfInfo(std::string_view body);
 
-/// Hears touch tones (ITU-T Q.23) in the received sound, which it leaves as it is. Not for use by
-/// several threads.
+/// Detects touch tones (ITU-T Q.23) in received audio, which stays as it is. For one thread.
 class DtmfDetector {
  public:
-  /// `heard` is called within Listen, once for each tone, some 50 ms after its beginning.
+  /// `heard` is called within Listen, once for each tone, about 50 ms after its beginning.
   explicit DtmfDetector(std::function<void(char)> heard);
 
   void Listen(std::span<const std::int16_t> block);
@@ -70,22 +69,22 @@ class DtmfDetector {
   std::unique_ptr<dtmf_rx_state_s, Release> state_;
 };
 
-/// The ways in which a key press reaches us.
+/// How a key press reaches us.
 enum class DigitSource : std::uint8_t { kTelephoneEvent, kInfo, kInBand };
 
-/// Makes one digit of a key press that arrives in more than one way: telephones and gateways often
-/// send a press as an event and leave (some of) its tone in the sound, or repeat it in a SIP message.
-/// A report belongs to the earliest press of the same key within the last second that its own source
-/// has not told yet; a source tells each press once. Not for use by several threads.
+/// Makes one digit of a key press that arrives in several ways: telephones and gateways often send a press as
+/// an event and leave (part of) its tone in the audio, or repeat it in a SIP message. A report belongs to the
+/// earliest press of the same key within the last second that its source has not reported yet; a source
+/// reports each press once. For one thread.
 class DigitMerger {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
-  /// `source` heard `digit` at `now`. True when this is a new press, to be told.
+  /// `source` heard `digit` at `now`. True when this is a new press.
   bool Report(DigitSource source, char digit, Time now);
 
-  /// `source` still hears its latest press: the key is held down. What other sources tell of it
-  /// meanwhile, or within a second after it, is the same press.
+  /// `source` still hears its latest press: the key is held down. What other sources report of it until a
+  /// second after its end is the same press.
   void Held(DigitSource source, Time now);
 
  private:
@@ -101,9 +100,9 @@ class DigitMerger {
   std::deque<Press> presses_;
 };
 
-/// Lets no more key presses through than a telephone can make: who tries passwords by machine has to
-/// be as slow as one. A press lasts 40 ms at least with as long a pause after it (ITU-T Q.24), so one
-/// each 60 ms is faster than any telephone; a short burst may come at once, after a stall of the network.
+/// Limits key presses to what a telephone can make, so that a program cannot try passwords faster. A press
+/// takes 40 ms at least, and so does the pause after it (ITU-T Q.24): one every 60 ms is faster than any
+/// telephone. A short burst is allowed, since a stalled network delivers several at once.
 class KeyRateLimit {
  public:
   using Time = std::chrono::steady_clock::time_point;

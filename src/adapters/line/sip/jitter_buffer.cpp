@@ -14,26 +14,26 @@
 namespace orven {
 namespace {
 
-/// No network keeps a packet for so long; a larger step is a stream that started over.
+/// No network delays a packet for so long; a larger step is a stream that started over.
 constexpr std::int32_t kLongestStep = 10 * 8000;
 
-/// So many late packets in a row are no stragglers: the sender's clock was put back.
+/// So many late packets in a row: the sender's clock was set back.
 constexpr int kMostLate = 25;
 
 constexpr std::size_t kBlock = kBlockSamples;
 
-/// Sound waits so long before it is played, so that packets can overtake each other. 60 ms covers
-/// what home networks and busy machines do.
+/// Audio waits so long before it is played, so that packets may overtake each other. 60 ms is enough for home
+/// networks and busy computers.
 constexpr std::size_t kDelay = 3 * kBlock;
 constexpr int kDelayBlocks = 3;
 
-/// After so much silence the stream is taken as paused, and the next sound is waited for anew.
+/// After so much silence the stream is paused, and the next audio waits again before it is played.
 constexpr std::int64_t kPause = 10 * std::int64_t{kBlockSamples};
 
-/// A longer hole in the timestamps is a pause that the sender made, not loss.
+/// A longer gap in the timestamps is a pause of the sender, not loss.
 constexpr std::int64_t kLongestLoss = 50 * std::int64_t{kBlockSamples};
 
-/// The delay is observed over 2 s; when it never fell to less than this, one block is left out.
+/// If the delay never fell below this in 2 s, one block is left out.
 constexpr int kObservationBlocks = 100;
 constexpr std::size_t kTooMuchWaiting = 6 * kBlock;
 
@@ -110,13 +110,13 @@ void JitterBuffer::Pull(std::span<std::int16_t> block) {
 
 bool JitterBuffer::StillFilling() {
   if (reorder_.Front() == nullptr) return true;
-  // A sender that stops after a word must be heard too, so the wait is bounded.
+  // The wait is bounded, for a sender that stops after a word.
   if (reorder_.BufferedSamples() < kDelay && filling_blocks_++ < kDelayBlocks) return true;
   filling_ = false;
   filling_blocks_ = 0;
   position_ = reorder_.Front()->start;
   concealed_ = 0;
-  plc_init(&concealer_->state);  // nothing before the pause may colour what follows
+  plc_init(&concealer_->state);  // what was before the pause must not change what follows
   return false;
 }
 
@@ -135,11 +135,11 @@ void JitterBuffer::PlayFront() {
 
 void JitterBuffer::Conceal(std::size_t samples) {
   samples = std::min(samples, kBlock);
-  // The library would turn its history itself, with a memcpy between ranges that may overlap.
+  // The library would rotate its history itself, by a memcpy between ranges that may overlap.
   plc_state_t& state = concealer_->state;
   std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
   state.buf_ptr = 0;
-  // It writes the overlap with what went before whole (30 samples at most), however few are asked for.
+  // It always writes the whole overlap with what went before (up to 30 samples), even if fewer are asked for.
   std::array<std::int16_t, kBlock> made_up{};
   plc_fillin(&state, made_up.data(), static_cast<int>(samples));
   ready_.insert(ready_.end(), made_up.begin(), made_up.begin() + static_cast<std::ptrdiff_t>(samples));

@@ -17,12 +17,12 @@ struct AudioFrame {
   std::vector<std::int16_t> samples;
 };
 
-/// Puts a stream's packets in the order of their timestamps and drops doubles and those that come too
-/// late to be played. A stream that starts over (new synchronisation source, or timestamps from
-/// elsewhere) continues the time line without a gap. Not for use by several threads.
+/// Puts a stream's packets in the order of their timestamps and drops duplicates and those that come too
+/// late. A stream that starts over (a new synchronisation source, or a jump in its timestamps) continues the
+/// time line without a gap. For one thread.
 class ReorderBuffer {
  public:
-  /// At most two seconds are kept; beyond it the oldest packet goes.
+  /// At most two seconds are kept; then the oldest packet is dropped.
   static constexpr std::size_t kMostSamples = 16'000;
 
   /// `ssrc` and `timestamp` are the RTP header's (RFC 3550, section 5.1; 8000 units a second).
@@ -31,7 +31,7 @@ class ReorderBuffer {
   /// The earliest frame, or nullptr when there is none.
   const AudioFrame* Front() const;
 
-  /// Takes the earliest frame; there must be one. What lies before its end is late from now on.
+  /// Takes the earliest frame; there must be one. What begins before its end is late from now on.
   AudioFrame Pop();
 
   std::size_t BufferedSamples() const { return buffered_; }
@@ -53,22 +53,22 @@ class ReorderBuffer {
   int late_ = 0;                        ///< packets in a row that came too late
 };
 
-/// Turns packets that come when the network brings them into one block every 20 ms of our own clock:
-/// waits a little before it begins, conceals what got lost, is silent when nothing comes, and makes up
-/// for a sender whose clock runs faster or slower. Sound that arrives in time is passed on bit for
-/// bit. Nobody talks with the machine, so its delay may grow rather than late sound be lost.
+/// Turns packets that arrive irregularly into one block every 20 ms of our own clock: waits a little before
+/// it begins, conceals lost packets, is silent when nothing comes, and compensates for a sender whose clock
+/// runs faster or slower. Audio that arrives in time is passed on bit for bit. A person does not talk with
+/// the machine, so a longer delay is better than lost audio.
 class JitterBuffer {
  public:
   JitterBuffer();
   ~JitterBuffer();
 
-  /// Takes a packet's decoded samples; see ReorderBuffer::Push.
+  /// Takes a packet's decoded samples, as ReorderBuffer::Push.
   void Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples);
 
   /// Fills one block (160 samples).
   void Pull(std::span<std::int16_t> block);
 
-  /// No received sound is waiting to be played.
+  /// Nothing that was received waits to be played.
   bool Empty() const { return reorder_.Front() == nullptr && ready_.empty(); }
 
  private:

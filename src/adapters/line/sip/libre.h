@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// The SIP library's headers, which need to be told what every system of today has: without these
-// three they do not compile, or make a macro of `bool`.
+// The SIP library's headers. Without these three definitions they do not compile, or make `bool` a macro.
 #ifndef HAVE_INTTYPES_H
 #define HAVE_INTTYPES_H 1
 #endif
@@ -28,8 +27,8 @@ struct LibreRelease {
   void operator()(void* object) const { mem_deref(object); }
 };
 
-/// Owns one reference to an object of the library. The objects are not safe between threads: they are
-/// made, used and released on the SIP thread.
+/// Owns one reference to an object of the library. Such objects are made, used and released on the SIP
+/// thread.
 template <typename T>
 using LibrePtr = std::unique_ptr<T, LibreRelease>;
 
@@ -37,22 +36,23 @@ inline std::string_view View(const pl& text) {
   return {text.p != nullptr ? text.p : "", text.l};
 }
 
-/// The system's words for an errno value.
+/// The system's text for an errno value.
 std::string ErrorText(int error);
 
 /// "192.0.2.1:5060", "[2001:db8::1]:5060".
 std::string AddressText(const sa& address);
 
-/// Reads "127.0.0.1:5060" or "[::1]:5060"; nothing when it is no address with a port from 1 to 65535.
+/// Reads "127.0.0.1:5060" or "[::1]:5060"; nothing unless it is an address with a port from 1 to 65535.
 std::optional<sa> ParseListenAddress(const std::string& text);
 
-/// This machine's address from which datagrams to `peer` would leave, with port 0. Nothing is sent.
-/// An unset address when there is no way to `peer`.
+/// This machine's address from which datagrams to `peer` would leave, with port 0. Nothing is sent. An unset
+/// address when there is no route to `peer`.
 sa LocalAddressTowards(const sa& peer);
 
-/// A timer of the SIP thread on the clock that nobody sets, and that counts a suspended computer's sleep. The
-/// library's own timers follow the wall clock: when that is put back they stand still for as long, which must
-/// not stop a call's sound. Made, used and destroyed on the SIP thread; the callback may destroy the timer.
+/// A timer of the SIP thread on the monotonic clock that also counts the time a computer is suspended
+/// (CLOCK_BOOTTIME). The library's own timers follow the wall clock: when that is set back they stop for as
+/// long, and a call's audio must not. Made, used and destroyed on the SIP thread; the callback may destroy
+/// it.
 class MonotonicTimer {
  public:
   explicit MonotonicTimer(std::function<void()> callback);
@@ -60,11 +60,11 @@ class MonotonicTimer {
   MonotonicTimer& operator=(const MonotonicTimer&) = delete;
   ~MonotonicTimer();
 
-  /// Calls back once after `delay` (1 ms or more); a timer already running starts anew.
+  /// Calls back once after `delay` (1 ms or more); restarts a running timer.
   void StartOnce(std::chrono::milliseconds delay);
 
-  /// Calls back every `interval` counted from now, so that delays do not add up. Calls that a stall
-  /// made late are merged into one.
+  /// Calls back every `interval`, counted from now, so that delays do not add up. After a stall the missed
+  /// calls become one.
   void StartPeriodic(std::chrono::milliseconds interval);
 
   void Stop();

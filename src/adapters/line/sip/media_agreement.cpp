@@ -27,7 +27,7 @@ void AddFormat(sdp_media* media, std::string_view id, const char* name, const ch
                        parameters != nullptr ? "%s" : nullptr, parameters));
 }
 
-/// The library leaves the name out of static types that the peer offered without a=rtpmap.
+/// The library gives no name to static types that the peer offered without a=rtpmap.
 std::optional<Codec> CodecOf(const sdp_format& format) {
   if (format.pt == kMuLawType) return Codec::kMuLaw;
   if (format.pt == kALawType) return Codec::kALaw;
@@ -50,7 +50,7 @@ MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : srtp_(srtp) 
   session_.reset(session);
   const bool demand = srtp == SrtpUse::kRequired;
   Check(sdp_media_add(&audio_, session, "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
-  // Who describes the same sound twice, plain and encrypted, gets the first that is listed here.
+  // A peer that describes the same audio twice, plain and encrypted, gets the first listed here.
   if (srtp == SrtpUse::kNever) {
     Check(sdp_media_set_alt_protos(audio_, 2, "RTP/AVP", "RTP/AVPF"));
   } else {
@@ -69,8 +69,8 @@ std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool
   if (agreement) {
     agreed_ = mended;
   } else if (!agreed_.empty()) {
-    // What is refused changes nothing; without this our next offer would have no sound in it. An answer
-    // is read as an offer here, because only that brings back the profile.
+    // A refused description changes nothing; without this our next offer would have no audio. An answer is
+    // read as an offer here, because only that restores the profile.
     (void)Decode(agreed_, true);
   }
   return agreement;
@@ -101,7 +101,7 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
     sa_set_port(&agreement->peer, port);
   }
   if (!AgreeOnKeys(is_offer, *agreement)) return std::nullopt;
-  // An answer must not demand what was not offered (RFC 3264, section 6); the library lets it pass.
+  // An answer must not demand what was not offered (RFC 3264, section 6); the library does not check.
   const bool demands = !is_offer && text.find(" RTP/SAVP") != std::string::npos;
   return demands && !agreement->keys ? std::nullopt : agreement;
 }
@@ -134,7 +134,7 @@ std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
   return agreement;
 }
 
-/// False when the peer will not encrypt as it must, or must not encrypt as it wants to.
+/// False when the peer does not encrypt and has to, or wants to and may not.
 bool MediaNegotiation::AgreeOnKeys(bool is_offer, MediaAgreement& agreement) {
   const auto theirs = srtp_ == SrtpUse::kNever ? std::nullopt : PeersChoice(is_offer);
   if (!theirs) return srtp_ != SrtpUse::kRequired && !DemandsEncryption(audio_);
@@ -148,7 +148,7 @@ bool MediaNegotiation::AgreeOnKeys(bool is_offer, MediaAgreement& agreement) {
   return true;
 }
 
-/// The first way that we can go, in the order of an offer; in an answer, the one of ours.
+/// The first attribute of an offer that we support; in an answer, the one of ours that it chose.
 std::optional<CryptoAttribute> MediaNegotiation::PeersChoice(bool is_offer) const {
   struct Search {
     const std::vector<CryptoAttribute>& own;

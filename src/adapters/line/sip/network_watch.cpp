@@ -15,13 +15,13 @@
 namespace orven {
 namespace {
 
-/// A network that comes up tells of its link, its address and its routes one after the other.
+/// A network that comes up reports its link, its address and its routes one after the other.
 constexpr std::chrono::milliseconds kSettling{300};
 
-/// Where the kernel tells nothing this is how soon a change is noticed.
+/// How soon a change is noticed where the kernel does not report it.
 constexpr std::chrono::seconds kTick{5};
 
-/// Whether a message of the kernel tells of a change. Of a link it tells, too, what its radio finds.
+/// Whether a message of the kernel is a change. Wireless events of a link are not.
 bool IsChange(const nlmsghdr& message) {
   if (message.nlmsg_type != RTM_NEWLINK) return true;
   const auto* link = static_cast<const ifinfomsg*>(NLMSG_DATA(&message));
@@ -70,7 +70,7 @@ void NetworkWatch::Stop() {
 void NetworkWatch::TakeNews() {
   alignas(nlmsghdr) std::array<char, 16'384> buffer{};
   const ssize_t size = ::recv(kernel_, buffer.data(), buffer.size(), 0);
-  // When it had more to tell than it could keep, something has changed.
+  // An overflow of its queue is a change, too.
   bool change = size < 0 && errno == ENOBUFS;
   auto left = static_cast<unsigned>(size > 0 ? size : 0);
   for (auto* message = reinterpret_cast<const nlmsghdr*>(buffer.data()); NLMSG_OK(message, left);
@@ -80,7 +80,7 @@ void NetworkWatch::TakeNews() {
   if (change && !settle_.Running()) settle_.StartOnce(kSettling);
 }
 
-/// Since it was last asked.
+/// Whether they changed since the last call.
 bool NetworkWatch::NamesChanged() {
   std::string now;
   for (const char* path : {"/etc/resolv.conf", "/etc/hosts", "/etc/nsswitch.conf"}) {

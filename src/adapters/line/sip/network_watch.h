@@ -8,12 +8,12 @@
 
 namespace orven {
 
-/// Notices that this computer's network is not what it was: the kernel tells of addresses, routes and cables
-/// (rtnetlink), the files that name the name servers are looked at every few seconds. SIP thread.
+/// Notices changes of this computer's network: the kernel reports addresses, routes and links (rtnetlink),
+/// and the files that name the name servers are checked every few seconds. SIP thread.
 class NetworkWatch {
  public:
-  /// `look` is called every few seconds, with true when something is known to have changed: then soon, and
-  /// once for all that changes within a moment.
+  /// `look` is called every few seconds, with true when something has changed: then soon, and once for all
+  /// changes within 0.3 s.
   explicit NetworkWatch(std::function<void(bool changed)> look);
   NetworkWatch(const NetworkWatch&) = delete;
   NetworkWatch& operator=(const NetworkWatch&) = delete;
@@ -27,7 +27,7 @@ class NetworkWatch {
   bool NamesChanged();
 
   const std::function<void(bool)> look_;
-  int kernel_ = -1;    ///< rtnetlink(7); -1: it does not tell
+  int kernel_ = -1;    ///< rtnetlink(7); -1: not available
   std::string names_;  ///< what the files looked like
   MonotonicTimer settle_;
   MonotonicTimer tick_;

@@ -18,25 +18,25 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-/// A server may want a longer life than it is asked for, and say so more than once; not for ever.
+/// How often in a row a server may ask for a longer lifetime.
 constexpr int kMostTooBrief = 3;
 
-/// The part of a registration's life after which it is refreshed: early enough for one failed try.
+/// The part of a registration's lifetime after which it is refreshed: early enough for one failed try.
 constexpr int kRefreshPercent = 80;
 
-/// However long the server would keep us: it may be started anew and know nobody.
+/// Even if the server grants more: it may restart and lose its registrations.
 constexpr seconds kLongestLife = std::chrono::hours(1);
 
-/// The longest wait that a server can demand.
+/// The longest pause that a server can ask for.
 constexpr seconds kLongestPause = std::chrono::hours(24);
 
-/// Where other routes only raise hope, tries are at least this far apart.
+/// Retries that only other routes cause are at least this far apart.
 constexpr seconds kRest(5);
 
-/// By so much at most a try comes later than it could.
+/// The longest random delay of a retry.
 constexpr seconds kLongestSpread(60);
 
-/// The connection to the server is watched, not probed: servers need not answer probes.
+/// The connection to the server is watched, not probed: not all servers answer probes.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
 
 std::string ServerUri(const SipAccount& account, const std::string& transport) {
@@ -75,9 +75,9 @@ std::optional<seconds> SecondsIn(const sip_msg& response, sip_hdrid id) {
   return header != nullptr ? SecondsOf(View(header->val)) : std::nullopt;
 }
 
-/// The life that the server granted our binding `contact` (RFC 3261, section 10.2.4); 0 when it keeps none.
-/// The server tells of the account's other telephones, too: theirs count only where ours cannot be
-/// recognised, and then the shortest.
+/// The lifetime that the server granted our binding `contact` (RFC 3261, section 10.2.4); 0 when it keeps
+/// none. The server also lists the account's other telephones: their shortest lifetime counts if ours cannot
+/// be recognised.
 seconds GrantedLife(const sip_msg& response, const std::string& contact, seconds asked) {
   struct Search {
     uri own{};
@@ -142,8 +142,8 @@ void Registration::Start() {
   });
 }
 
-/// Whom we were registered with comes first while it is there; who was there serves while nobody can be
-/// asked.
+/// The server with which we were registered comes first if it is still listed; without a result the known
+/// servers stay.
 void Registration::Prefer(std::vector<sa> servers) {
   if (servers.empty()) return;
   if (!servers_.empty()) {
@@ -157,15 +157,15 @@ void Registration::Prefer(std::vector<sa> servers) {
 void Registration::NetworkChanged(bool moved) {
   const bool other_way = !servers_.empty() && towards_(servers_.front()) != stack_;
   if (!moved && !other_way) {
-    // What stands is left alone, who is being asked will answer, and whom the server refuses it refuses from
-    // here, too. Routes may change without end, so a wait is not cut short each time.
+    // A registration that works is left alone, a pending request will be answered, and a refusal would be
+    // repeated. Routes may change all the time, so the pause is not cut short each time.
     if (registered_ || refused_ || request_ != nullptr) return;
     const auto rest = started_ + kRest - std::chrono::steady_clock::now();
     return timer_.StartOnce(std::max(milliseconds(0), std::chrono::ceil<milliseconds>(rest)));
   }
   timer_.Stop();
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
-  login_.Reset();  // an answer that nobody heard does not count against the password
+  login_.Reset();  // a proof that may not have arrived does not count against the password
   retry_ = settings_.timers.registration_retry_first;
   Start();
 }
@@ -212,7 +212,7 @@ int Registration::Send(seconds life) {
   };
   const std::string own = "sip:" + account_.user + '@' + account_.host;
   const std::string server = ServerUri(account_, settings_.transport);
-  // The request names the server as the account does, and goes to the address that has been found.
+  // The request names the server as the account does, and is sent to the address that was found.
   const std::string address = HostText(servers_.front()), transport = ";transport=" + settings_.transport;
   uri route{};
   pl_set_str(&route.scheme, "sip");
@@ -234,7 +234,7 @@ int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& req
   const sa& here = sa_isset(&seen_, SA_ALL) ? seen_ : own_;
   const bool leaving = asked_ == seconds(0) && !bound_.empty();
   contact_ = leaving ? bound_ : ContactUri(account_.user, here, transport);
-  // Where we are no more, a call would ring for nobody.
+  // Calls to the old address would get lost.
   const std::string old =
       bound_.empty() || bound_ == contact_ ? "" : "Contact: <" + bound_ + ">;expires=0\r\n";
   return mbuf_printf(&request, "Contact: <%s>;expires=%u\r\n%s", contact_.c_str(),
@@ -249,7 +249,7 @@ std::string Registration::PublicContact(const sip_msg& invite) const {
 
 void Registration::TakeResponse(int error, const sip_msg* response) {
   if (error == 0 && response->scode < 200) return;
-  // Another of the server's addresses may do better (RFC 3263, section 4.3).
+  // Another address of the server may work (RFC 3263, section 4.3).
   if ((error != 0 || response->scode == 503) && NextServer()) return Ask(asked_);
   if (error != 0)
     return RetryLater({.error = error, .reason = ServerFailureText(settings_, error, refusal_())});
@@ -258,7 +258,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
   login_.Accepted();
   if (response->scode < 300) return Registered(*response);
   if (response->scode == 423) return TakeTooBrief(*response);
-  // Who has shown the password and may not come in need not ask again soon.
+  // The password was right and the server refuses all the same: no use in asking again soon.
   const bool barred = response->scode == 403;
   TakeRefusal(*response, "", barred ? settings_.timers.registration_retry_longest : milliseconds(0));
 }
@@ -266,7 +266,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
 void Registration::TakeChallenge(const sip_msg& response) {
   switch (login_.Take(response)) {
     case DigestLogin::Verdict::kAnswer: return Ask(asked_);
-    // A wrong password is not sent often: some servers lock out who does.
+    // A wrong password is not repeated often: some servers block the sender then.
     case DigestLogin::Verdict::kRefused:
       return TakeRefusal(response, "", settings_.timers.registration_retry_longest);
     default: TakeRefusal(response, ": it wants the password in a way that ORVEN does not know");
@@ -280,8 +280,8 @@ void Registration::TakeTooBrief(const sip_msg& response) {
   Ask(life_);
 }
 
-/// The server's answer tells from where our request came (RFC 3261, section 18.2.1; RFC 3581). A connection
-/// has a port of its own in any case, so there the address alone tells of a router.
+/// The answer tells the address from which the server got our request (RFC 3261, section 18.2.1; RFC 3581). A
+/// connection always has a port of its own, so over TCP and TLS only another address indicates a router.
 void Registration::TakePublicAddress(const sip_msg& response) {
   pl host{};
   pl port{};
@@ -297,7 +297,7 @@ void Registration::TakePublicAddress(const sip_msg& response) {
 }
 
 void Registration::Registered(const sip_msg& response) {
-  if (asked_ == seconds(0)) return;  // our farewell
+  if (asked_ == seconds(0)) return;  // the answer to End
   const seconds granted = GrantedLife(response, contact_, asked_);
   if (granted == seconds(0) && !settings_.register_nothing) {
     return TakeRefusal(response, ": the server keeps the registration for 0 s");
@@ -313,17 +313,17 @@ void Registration::Registered(const sip_msg& response) {
   timer_.StartOnce(pause);
   KeepReachable(response);
   settings_.registration_news({.state = RegistrationNews::State::Registered, .pause = pause});
-  // Behind a router: under the address that calls can find. Once until the next refresh, since there are
-  // routers that give us another one each time.
+  // Behind a router: registers under the address that calls can reach. Once until the next refresh, since
+  // some routers assign another one each time.
   const bool elsewhere = sa_isset(&seen_, SA_ALL) && bound_ != ContactUri(account_.user, seen_, response.tp);
   if (elsewhere && !settings_.register_nothing && !std::exchange(moved_, true)) Ask(life_);
 }
 
-/// What keeps the way open by which calls come.
+/// Keeps the path open on which calls come.
 void Registration::KeepReachable(const sip_msg& response) {
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
   if (response.tp == SIP_TRANSP_UDP) return keep_alive_timer_.StartPeriodic(settings_.timers.keep_alive);
-  // Calls come in over this very connection: when it goes, the registration is worth nothing.
+  // Calls come over this connection: without it the registration is useless.
   (void)sip_keepalive_start(
       &connection_, stack_, &response, kWatchOnly,
       [](int, void* self) {
@@ -332,7 +332,7 @@ void Registration::KeepReachable(const sip_msg& response) {
       this);
 }
 
-/// An empty message (RFC 5626, section 4.4.1): routers between the server and us keep the way open.
+/// An empty message (RFC 5626, section 4.4.1), so that routers between the server and us keep the path open.
 void Registration::SendKeepAlive() {
   const LibrePtr<mbuf> empty(mbuf_alloc(4));
   if (stack_ == nullptr || servers_.empty() || empty == nullptr ||
@@ -370,7 +370,7 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
   life_ = settings_.timers.registration_life;
   login_.Reset();
   keep_alive_timer_.Stop();
-  // Not all clients of a server that comes back may ask in the same moment.
+  // The clients of a server that comes back must not all ask at the same moment.
   const auto most = std::min<milliseconds>(news.pause / 4, kLongestSpread);
   const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(most.count() + 1));
   timer_.StartOnce(news.pause + spread);

@@ -14,38 +14,38 @@
 
 namespace orven {
 
-/// Keeps an account registered (RFC 3261, section 10), so that its calls come here: asks again well
-/// before a registration ends, and after a failure with growing waits. SIP thread.
+/// Keeps an account registered (RFC 3261, section 10), so that its calls come here: refreshes a registration
+/// well before it ends, and retries after a failure with growing pauses. SIP thread.
 class Registration {
  public:
-  /// The stack that requests to a server leave from; nullptr: there is no way there.
+  /// The stack from which requests to a server are sent; nullptr: there is no route.
   using Towards = std::function<sip*(const sa& server)>;
 
-  /// `settings.account` must be a usable SIP address; see AccountProblem. `refusal` tells why the latest
-  /// server did not prove who it is; empty when it did, or need not.
+  /// `settings.account` must be a usable SIP address; see AccountProblem. `refusal` tells why the certificate
+  /// of the latest server was not accepted; empty when it was, or there is none.
   Registration(const SipLineSettings& settings, Towards towards, std::function<std::string()> refusal);
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
   ~Registration();
 
-  /// Looks for the server anew and registers there.
+  /// Looks up the server and registers there.
   void Start();
 
-  /// The computer's network has changed; `moved`: its addresses have. Registers at once where that is of use.
+  /// The computer's network has changed; `moved`: its addresses have. Registers at once where that helps.
   void NetworkChanged(bool moved);
 
-  /// Uses nothing of `stack` any more, which is about to go.
+  /// Stops using `stack`, which is about to be destroyed.
   void Leave(const sip& stack);
 
-  /// Takes the registration back; the server's answer is not waited for. Nothing is sent afterwards.
+  /// Removes the registration without waiting for the server's answer. Nothing is sent afterwards.
   void End();
 
-  /// The address at which the server that sent `invite` reaches us through a router, as a SIP URI. Empty
-  /// when it came from elsewhere or there is no router.
+  /// The SIP URI at which the account's server reaches us through a router. Empty when `invite` came from
+  /// elsewhere or there is no router.
   std::string PublicContact(const sip_msg& invite) const;
 
  private:
-  /// Sends a request to the first server that can be asked, and after a failure tries again later.
+  /// Sends a request to the first server that can be reached; after a failure retries later.
   void Ask(std::chrono::seconds life);
   /// An errno value, or 0.
   int Send(std::chrono::seconds life);
@@ -60,9 +60,9 @@ class Registration {
   void Registered(const sip_msg& response);
   void KeepReachable(const sip_msg& response);
   void SendKeepAlive();
-  /// Tells the failure and waits: for `pause` or, without one, longer after each failure.
+  /// Reports the failure and waits: for `pause` or, without one, longer after each failure.
   void RetryLater(const RegistrationNews& failure, std::chrono::milliseconds pause = {});
-  /// The same for an answer of the server, which may demand another pause.
+  /// The same for an answer of the server, which may ask for another pause.
   void TakeRefusal(const sip_msg& refusal, const std::string& more = "",
                    std::chrono::milliseconds pause = {});
 
@@ -73,26 +73,26 @@ class Registration {
   const std::string call_id_;  ///< the same for all requests (RFC 3261, section 10.2), and our tag
   DigestLogin login_;
   ServerLookup lookup_;
-  std::vector<sa> servers_;  ///< that may still be asked; the first is, or was
+  std::vector<sa> servers_;  ///< not yet tried, after the first, which is in use
   sip* stack_ = nullptr;     ///< of the latest request
   std::uint32_t sequence_ = 0;
   sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
-  struct sip_request* request_ = nullptr;  ///< under way; the library clears it when answered
+  struct sip_request* request_ = nullptr;  ///< pending; the library clears it when answered
   MonotonicTimer timer_;
   MonotonicTimer keep_alive_timer_;
-  std::chrono::seconds life_;      ///< that we ask for
+  std::chrono::seconds life_;      ///< the lifetime that we ask for
   std::chrono::seconds asked_{0};  ///< in the latest request
   std::chrono::milliseconds retry_;
 
   sa own_{};             ///< from where the latest request left
-  sa seen_{};            ///< at which the server sees us instead; unset when there is no router
+  sa seen_{};            ///< as the server sees us, when there is a router; else unset
   std::string contact_;  ///< in the latest request
-  std::string bound_;    ///< which the server keeps; empty when it keeps none
-  int too_brief_ = 0;    ///< refused lives in a row
-  bool moved_ = false;   ///< registered again for another address, since the latest wait
+  std::string bound_;    ///< registered at the server; empty when none is
+  int too_brief_ = 0;    ///< 423 answers in a row
+  bool moved_ = false;   ///< registered again under another address, since the latest pause
   bool registered_ = false;
-  bool refused_ = false;                           ///< by the server, latest
-  std::string told_;                               ///< why it failed, as the log says; empty while it works
+  bool refused_ = false;                           ///< the latest failure was an answer of the server
+  std::string told_;                               ///< the failure that was reported; empty while it works
   std::chrono::steady_clock::time_point started_;  ///< the latest try
 };
 

@@ -19,15 +19,15 @@ void Write32(std::uint32_t value, std::uint8_t* bytes) {
   for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
 }
 
-/// Below the range from which systems give ports to others.
+/// Below the range of ephemeral ports.
 constexpr std::uint16_t kFirstPort = 16'384;
 constexpr std::uint16_t kLastPort = 32'766;
 constexpr int kAttempts = 64;
 
-/// One RTP packet never comes near this; what is larger is cut off and dropped as malformed.
+/// Far more than an RTP packet of telephone audio; a longer datagram is cut off and dropped as malformed.
 constexpr std::size_t kLargestDatagram = 2'048;
 
-/// At most so many datagrams a turn: a flood must not keep the loop from the call's other work.
+/// Datagrams read at a time: a flood must not keep the loop from the call's other work.
 constexpr int kMostPerTurn = 256;
 
 void AskForRefusals(int fd, int family) {
@@ -98,7 +98,7 @@ std::unique_ptr<DatagramSocket> DatagramSocket::Bind(const sa& local, Handlers h
 
 DatagramSocket::DatagramSocket(LibrePtr<udp_sock> socket, int fd, Handlers handlers)
     : socket_(std::move(socket)), fd_(fd), handlers_(std::move(handlers)) {
-  // The library's own reader takes one datagram a turn and knows nothing of refusals.
+  // The library's own reader takes one datagram at a time and does not read ICMP errors.
   (void)fd_listen(fd_, FD_READ, &DatagramSocket::Ready, this);
 }
 
@@ -124,7 +124,7 @@ void DatagramSocket::Drain() {
     } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
       return;
     }
-    // Any other error is a refusal reported once more; the next datagram may be fine.
+    // Any other error is a refusal that is reported once more; the next datagram may be fine.
   }
 }
 
@@ -152,7 +152,7 @@ void DatagramSocket::DrainRefusals() {
 }
 
 void DatagramSocket::Send(const sa& destination, std::span<const std::uint8_t> datagram) {
-  // What the network does not take is lost sound, as on its way: there is nothing to do about it here.
+  // A datagram that cannot be sent is like one that is lost on its way.
   (void)::sendto(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT, &destination.u.sa, destination.len);
 }
 

@@ -14,7 +14,7 @@
 
 namespace orven {
 
-/// The fields of an RTP header that telephone sound uses (RFC 3550, section 5.1).
+/// The fields of an RTP header that telephone audio uses (RFC 3550, section 5.1).
 struct RtpHeader {
   std::uint8_t payload_type = 0;  ///< 0 to 127
   bool marker = false;
@@ -31,19 +31,19 @@ struct RtpPacket {
 
 inline constexpr std::size_t kRtpHeaderBytes = 12;
 
-/// Comfort noise (RFC 3389): tells only that the peer is silent.
+/// Comfort noise (RFC 3389): the peer is silent.
 inline constexpr std::uint8_t kComfortNoiseType = 13;
 
 /// Writes kRtpHeaderBytes bytes.
 void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes);
 
-/// Nothing when the datagram is no well-formed packet of version 2.
+/// Nothing unless the datagram is a well-formed packet of version 2.
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram);
 
-/// Long enough for an RTP packet's header and of version 2; the rest may be encrypted.
+/// Version 2 and long enough for an RTP header; the rest may be encrypted.
 bool LooksLikeRtp(std::span<const std::uint8_t> datagram);
 
-/// The beginning of an RTCP packet (RFC 3550, section 6): version 2 and a type of that range.
+/// Version 2 and a packet type of RTCP (RFC 3550, section 6); the rest may be encrypted.
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram);
 
 /// The telephone's two codecs (ITU-T G.711), one byte a sample.
@@ -54,8 +54,8 @@ std::vector<std::int16_t> Decode(Codec codec, std::span<const std::uint8_t> byte
 /// Writes one byte for each sample.
 void Encode(Codec codec, std::span<const std::int16_t> samples, std::uint8_t* bytes);
 
-/// A datagram socket that also learns that its datagrams are refused (ICMP port unreachable). Made,
-/// used and destroyed on the SIP thread.
+/// A datagram socket that also reports when its datagrams are refused (ICMP port unreachable). Made, used and
+/// destroyed on the SIP thread.
 class DatagramSocket {
  public:
   struct Handlers {
@@ -70,11 +70,11 @@ class DatagramSocket {
   DatagramSocket& operator=(const DatagramSocket&) = delete;
   ~DatagramSocket();
 
-  /// Hands over everything that has arrived by now; otherwise the loop does when it comes round.
+  /// Hands over everything that has arrived by now; the loop does so, too, until LeaveToDrain.
   void Drain();
 
-  /// From now on only Drain looks for what has arrived: for somebody who calls it so often that to be woken
-  /// for each datagram, too, would be work for nothing.
+  /// From now on only Drain reads. For a caller that drains every 20 ms, being woken for each datagram as
+  /// well would only cost time.
   void LeaveToDrain();
 
   void Send(const sa& destination, std::span<const std::uint8_t> datagram);
@@ -89,12 +89,11 @@ class DatagramSocket {
   Handlers handlers_;
 };
 
-/// A call's pair of ports: an even one for the sound, the next for its control messages (RFC 3550,
-/// section 11).
+/// A call's pair of ports: an even one for RTP, the next one for RTCP (RFC 3550, section 11).
 struct RtpPorts {
   std::unique_ptr<DatagramSocket> rtp;
   std::unique_ptr<DatagramSocket> rtcp;
-  std::uint16_t port = 0;  ///< of the sound
+  std::uint16_t port = 0;  ///< of RTP
 };
 
 /// Binds a free pair at `address` (its port is ignored), or nothing when there is none.

@@ -14,11 +14,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kBlockTime{20};
 
-/// After a longer stall (a machine that slept) the sound goes on from now instead of being made up for.
+/// After a longer stall (a suspended computer) the audio goes on from now, and the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
 
-/// The peer must not miss a wrap of the sequence numbers, which it counts to decrypt (RFC 3711, section
-/// 3.3.1): the first half leaves it 11 minutes to hear the first packet.
+/// The peer counts the wraps of the sequence numbers to decrypt (RFC 3711, section 3.3.1). Beginning in the
+/// first half leaves it 11 minutes to receive a packet before the first wrap.
 constexpr std::uint16_t kFirstSequenceMask = 0x7FFF;
 
 /// More than any delay that JitterBuffer builds up.
@@ -73,7 +73,7 @@ void RtpStream::Update(const MediaAgreement& agreement) {
   alive_ = Clock::now();
 }
 
-/// What is encrypted with a key that stays goes on counting; a key that changed begins anew.
+/// A key that stays keeps its packet counters; a new key gets new ones.
 void RtpStream::Agree(const MediaAgreement& agreement) {
   agreement_ = agreement;
   const auto& keys = agreement.keys;
@@ -159,8 +159,8 @@ void RtpStream::CheckPeer(Time now) {
   if (silent || refused) events_.PeerLost();
 }
 
-/// The negotiated address always may send; another only as the first one (a router gave the peer
-/// another address), and only until the negotiated one speaks up itself.
+/// The negotiated address may always send. Another one may if it is the first to send (a router gave the peer
+/// another address), and only until the negotiated one sends.
 bool RtpStream::IsPeer(const sa& source) {
   if (sa_cmp(&source, &agreement_->peer, SA_ALL)) {
     source_ = source;
@@ -191,7 +191,7 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
     jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
   if (!heard_) {
     heard_ = true;
-    ports_.rtp->LeaveToDrain();  // from here on a turn's 20 ms are soon enough
+    ports_.rtp->LeaveToDrain();  // from here on every 20 ms is soon enough
     events_.PeerHeard();
   }
   if (is_event) TakeEvent(*packet);
@@ -206,7 +206,7 @@ void RtpStream::TakeEvent(const RtpPacket& packet) {
   }
 }
 
-/// A peer that sends no sound in silence still reports on ours: it is not lost.
+/// A peer that sends no RTP in silence still sends RTCP: it is not lost.
 void RtpStream::TakeRtcp(const sa& source, std::span<const std::uint8_t> datagram) {
   if (!started_ || !agreement_ || !LooksLikeRtcp(datagram)) return;
   if (!sa_cmp(&source, source_ ? &*source_ : &agreement_->peer, SA_ADDR)) return;

@@ -18,20 +18,20 @@
 
 namespace orven {
 
-/// What a call's sound tells the call. SIP thread, never inside RtpStream's operations.
+/// What a call learns from its audio. SIP thread, never inside RtpStream's operations.
 class RtpStreamEvents {
  public:
   virtual ~RtpStreamEvents() = default;
 
-  /// The first sound of the peer has come.
+  /// The first audio of the peer has come.
   virtual void PeerHeard() = 0;
   virtual void DigitHeard(DigitSource source, char digit) = 0;
   virtual void DigitHeld(DigitSource source) = 0;
-  /// Nothing has come for too long, or the peer's machine refuses our packets.
+  /// The peer has sent nothing for too long, or its computer refuses our packets.
   virtual void PeerLost() = 0;
 };
 
-/// One call's sound: every 20 ms it sends a block of what plays on the line and hands a received block
+/// One call's audio: every 20 ms it sends a block of what is played on the line, and hands a received block
 /// to what records. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
 class RtpStream {
  public:
@@ -41,17 +41,17 @@ class RtpStream {
 
   std::uint16_t Port() const { return ports_.port; }
 
-  /// Begins; until the peer's address is known (`agreement` absent) it only receives time: silence.
+  /// Begins. Until the peer's address is known (`agreement` absent) it sends nothing and records silence.
   void Start(const std::optional<MediaAgreement>& agreement);
 
-  /// What plays has its first sound. If the peer has heard nothing but silence yet, that sound leaves now,
+  /// What is played has its first audio. If the peer has heard only silence so far, that audio leaves now,
   /// and the 20 ms are counted from here.
   void SourceReady();
 
-  /// From now on as agreed anew (re-INVITE): the peer may also send from elsewhere.
+  /// A re-INVITE has changed the agreement: the peer may also send from another address now.
   void Update(const MediaAgreement& agreement);
 
-  /// Ends; what has arrived and was not played yet is handed to what records first. Idempotent.
+  /// Ends. First hands what has arrived and was not played yet to what records. Idempotent.
   void Stop();
 
  private:
@@ -80,10 +80,10 @@ class RtpStream {
   RtpPorts ports_;
   MonotonicTimer ticker_;
   std::optional<MediaAgreement> agreement_;
-  std::optional<SrtpSender> srtp_sender_;  ///< absent, like the openers, when the sound is plain
+  std::optional<SrtpSender> srtp_sender_;  ///< absent, like the receivers, in a plain call
   std::optional<SrtpReceiver> rtp_receiver_;
   std::optional<SrtpReceiver> rtcp_receiver_;
-  std::optional<sa> source_;  ///< where the peer's packets really come from
+  std::optional<sa> source_;  ///< where the peer's packets come from
 
   JitterBuffer jitter_buffer_;
   DtmfDetector dtmf_detector_;
@@ -93,14 +93,14 @@ class RtpStream {
   bool heard_ = false;
   Time start_;
   std::int64_t blocks_ = 0;  ///< blocks handled since start_
-  Time alive_;               ///< the latest sign of the peer
+  Time alive_;               ///< when the peer last sent something
   std::optional<Time> refused_since_;
 
   std::uint32_t ssrc_;
   std::uint32_t timestamp_;
   std::uint16_t sequence_;
   bool talking_ = false;  ///< the previous block was sent
-  bool silent_ = true;    ///< all that was sent was silence
+  bool silent_ = true;    ///< only silence has been sent so far
 };
 
 }  // namespace orven

@@ -17,18 +17,17 @@
 namespace orven {
 namespace {
 
-/// Name servers that do not answer hold a search for half a minute; a new one is begun nonetheless, but not
-/// without end.
+/// Name servers that do not answer delay a search by half a minute; so many may run at a time.
 constexpr int kMostSearches = 4;
 
-/// A host that offers the service asked for.
+/// A host of an SRV record.
 struct Host {
   std::string name;
   std::uint16_t port = 0;
   unsigned priority = 0, weight = 0;
 };
 
-/// Puts hosts of the same priority in an order that gives each its share of the callers (RFC 2782).
+/// Orders hosts by priority, and those of one priority at random by their weight (RFC 2782).
 void SortByWeight(std::vector<Host>& hosts) {
   std::sort(hosts.begin(), hosts.end(),
             [](const Host& one, const Host& other) { return one.priority < other.priority; });
@@ -44,11 +43,11 @@ void SortByWeight(std::vector<Host>& hosts) {
   }
 }
 
-/// The hosts of the service at `name`, of its SRV records; the name servers are those of this moment.
+/// The hosts of the SRV records of `name`, from the name servers of this moment.
 std::vector<Host> ServiceHosts(const std::string& name) {
   struct __res_state resolver {};
   if (res_ninit(&resolver) != 0) return {};
-  // Two tries of 1 s and 2 s: after name servers that are silent, a name may still be in /etc/hosts.
+  // Two tries of 1 s and 2 s: even if no name server answers, the name may be in /etc/hosts.
   resolver.retrans = 1;
   resolver.retry = 2;
   std::array<unsigned char, NS_MAXMSG> answer{};
@@ -89,7 +88,7 @@ std::vector<sa> Search(const ServerName& server) {
   for (const Host& host : HostsOf(server)) {
     addrinfo wanted{}, *first = nullptr;
     wanted.ai_family = server.family;
-    wanted.ai_socktype = SOCK_DGRAM;  // one line for each address, whatever is sent there
+    wanted.ai_socktype = SOCK_DGRAM;  // one result for each address
     if (::getaddrinfo(host.name.c_str(), nullptr, &wanted, &first) != 0) continue;
     for (const addrinfo* one = first; one != nullptr; one = one->ai_next) {
       sa address{};
@@ -107,7 +106,7 @@ std::vector<sa> Search(const ServerName& server) {
 /// Outlives the lookup while a search is under way.
 struct ServerLookup::Shared {
   std::mutex mutex;
-  mqueue* queue = nullptr;    ///< guarded; nullptr: nobody waits any more
+  mqueue* queue = nullptr;    ///< guarded; nullptr: the lookup is gone
   unsigned wanted = 0;        ///< guarded; the number of the latest search
   int under_way = 0;          ///< guarded
   std::vector<sa> addresses;  ///< guarded; that the latest search has found
@@ -154,7 +153,7 @@ void ServerLookup::Find(const ServerName& server, Found found) {
   }
 }
 
-/// Counts a search; false when there are too many.
+/// Counts a search; false when too many are running.
 bool ServerLookup::Begin() {
   const std::lock_guard lock(shared_->mutex);
   if (shared_->under_way == kMostSearches) return false;

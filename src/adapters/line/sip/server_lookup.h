@@ -13,19 +13,18 @@ namespace orven {
 
 /// A server as an account names it.
 struct ServerName {
-  std::string host;  ///< a name or an address
-  std::uint16_t port =
-      0;  ///< 0: the one that the name's services tell (RFC 3263, section 4), else the usual one
-  std::string transport;  ///< udp, tcp or tls
-  int family = AF_INET;   ///< of the addresses that are of use
+  std::string host;        ///< a name or an address
+  std::uint16_t port = 0;  ///< 0: that of the name's SRV records (RFC 3263, section 4), else the usual one
+  std::string transport;   ///< udp, tcp or tls
+  int family = AF_INET;    ///< of the addresses wanted
 };
 
-/// Finds a server's addresses, with the computer's own resolver as it is configured at that moment. That may
-/// take long, so it happens on a thread of its own, one for each search; a search that is given up goes on to
-/// its end there, and nobody hears of it. SIP thread.
+/// Finds a server's addresses with the computer's resolver, as it is configured at that moment. That may take
+/// long, so each search has a thread of its own; the result of a search that is given up is dropped. SIP
+/// thread.
 class ServerLookup {
  public:
-  /// The addresses with their ports, the best first; none: the name leads nowhere.
+  /// The addresses with their ports, the best first; empty when the name is unknown.
   using Found = std::function<void(std::vector<sa> addresses)>;
 
   ServerLookup();
@@ -33,7 +32,7 @@ class ServerLookup {
   ServerLookup& operator=(const ServerLookup&) = delete;
   ~ServerLookup();
 
-  /// Calls `found` later, or within the call when there is nothing to search for. Gives up an earlier search.
+  /// Calls `found` later, or at once when there is nothing to search for. Gives up an earlier search.
   void Find(const ServerName& server, Found found);
 
   void GiveUp();

@@ -11,11 +11,11 @@
 namespace orven {
 namespace {
 
-/// A line must be closed within 2 s whatever the network does.
+/// A line must be closed within 2 s, whatever the network does.
 constexpr std::chrono::milliseconds kLongestFarewell{1'500};
 
-/// The library keeps each transaction for 32 s (RFC 3261, section 17), 8 KB a call. When none has come for
-/// longer than that, they are gone.
+/// The library keeps each transaction for 32 s (RFC 3261, section 17), 8 KB a call. They are gone after this
+/// time without a call.
 constexpr std::chrono::seconds kTransactionsGone{34};
 
 }  // namespace
@@ -63,7 +63,7 @@ void SipAgent::LookAtNetwork(bool changed) {
   if (registration_ != nullptr) registration_->NetworkChanged(moved);
 }
 
-/// A call whose address is gone may go on: its sound may have another way, and the address may come again.
+/// A call whose address is gone may go on: its audio may have another route, and the address may come back.
 bool SipAgent::Leave(SipEndpoint& endpoint) {
   if (call_context_ && call_context_->stack == &endpoint.Stack()) {
     if (call_ != nullptr && !call_->Gone()) return false;
@@ -81,7 +81,7 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     (void)sip_reply(&at.Stack(), &invite, 486, "Busy Here");
     return;
   }
-  // No exception may reach the library, which is C. Without memory or handles there is no call.
+  // No exception may reach the library, which is C. Without memory or descriptors the call is refused.
   try {
     call_.reset();
     reserve_.Release();
@@ -99,7 +99,7 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
   if (call_ == nullptr) reserve_.Fill();
 }
 
-/// After many calls in a row: the allocator keeps what lies between pieces that are in use.
+/// Returns memory to the system after many calls, which leave it fragmented.
 void SipAgent::TidyMemory() {
   if (call_ != nullptr && !call_->Gone()) return tidy_timer_.StartOnce(kTransactionsGone);
 #ifdef __GLIBC__

@@ -16,7 +16,7 @@
 
 namespace orven {
 
-/// An open line's SIP side: listens, answers what is no call, and has at most one call. SIP thread.
+/// An open line's SIP side: listens, answers other requests, and has at most one call. SIP thread.
 class SipAgent {
  public:
   SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events);
@@ -24,18 +24,18 @@ class SipAgent {
   SipAgent& operator=(const SipAgent&) = delete;
   ~SipAgent();
 
-  /// Listens and begins to register. Nothing on success.
+  /// Listens and starts to register. Nothing on success.
   std::optional<OpenFailure> Start();
 
   void Answer(CallNumber call, std::int32_t request);
   void Drop(CallNumber call, std::int32_t request);
   void MonitorDigits(CallNumber call, bool on);
 
-  /// What is played to the caller has its first sound.
+  /// What is played to the caller has its first audio.
   void SourceReady();
 
-  /// Hangs up, takes the registration back and calls `done` when the peer knows, or after a while
-  /// without its answer. The agent is to be destroyed then, not from within `done`.
+  /// Hangs up, removes the registration and calls `done` when the peer has confirmed, or after 1.5 s. Then
+  /// the agent is to be destroyed, not from within `done`.
   void Shutdown(std::function<void()> done);
 
  private:
@@ -52,7 +52,7 @@ class SipAgent {
   SipTransports transports_;
   std::optional<CallContext> call_context_;  ///< of `call_`
   std::unique_ptr<Registration> registration_;
-  std::unique_ptr<SipCall> call_;  ///< the call, or the shell of the latest one, its descriptors still held
+  std::unique_ptr<SipCall> call_;  ///< the call, or the latest one, which still holds its descriptors
   DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;
   bool closing_ = false;

@@ -19,7 +19,7 @@ SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
 }
 
-/// Keys that travel in plain sight protect nothing: by itself only a line over TLS demands encryption.
+/// Keys in a plain description protect nothing: by default only a line over TLS demands encryption.
 SrtpUse SrtpOf(const SipLineSettings& settings) {
   return settings.srtp.value_or(settings.transport == "tls" ? SrtpUse::kRequired : SrtpUse::kIfOffered);
 }
@@ -77,7 +77,7 @@ bool SipCall::Begin(const sip_msg& invite) {
       [](int, const sip_msg*, void* self) { Self(self).End(true); }, this, "%s", kAllowHeader);
   session_.reset(error == 0 ? session : nullptr);
   if (error != 0) {
-    // The library has answered nothing then; what it minds is a Contact that leads nowhere.
+    // The library has sent no answer. EBADMSG and EINVAL mean an unusable Contact.
     const bool malformed = error == EBADMSG || error == EINVAL;
     (void)sip_reply(context_.stack, &invite, malformed ? 400 : 500,
                     malformed ? "Bad Contact" : "Server Internal Error");
@@ -97,7 +97,7 @@ void SipCall::Ring() {
   context_.events.Ring(number_, ++rings_);
 }
 
-/// The only place where the state changes; calls never go back.
+/// The only place where the state changes; it never goes back.
 void SipCall::Enter(State next) {
   if (next <= state_) return;
   state_ = next;
@@ -129,7 +129,7 @@ void SipCall::Connect() {
   context_.events.Connected(number_);
 }
 
-/// Sound from the caller proves as well as the acknowledgement that our answer has arrived.
+/// Like the ACK, audio from the caller proves that our answer has arrived.
 void SipCall::PeerHeard() {
   Connect();
 }
@@ -156,8 +156,8 @@ void SipCall::End(bool by_peer) {
   context_.events.Idle(number_);
 }
 
-/// 486 refuses this telephone only; 603 would end the search for the person's other ones. An answered
-/// session says BYE by itself when released, after the acknowledgement if that is still to come.
+/// 486 refuses this telephone only; 603 would stop the person's other ones from ringing. An answered session
+/// sends BYE when it is released, after the ACK if that is still to come.
 void SipCall::EndSession() {
   stream_->Stop();
   if (state_ == State::kRinging && session_ != nullptr) {
@@ -166,7 +166,7 @@ void SipCall::EndSession() {
   session_.reset();
 }
 
-/// A re-INVITE. What cannot be agreed is refused (488) and the call goes on as it was. No exception may
+/// A re-INVITE. Without an agreement it is refused (488) and the call goes on as before. No exception may
 /// reach the library.
 int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   const bool has_offer = mbuf_get_left(request.mb) > 0;
@@ -183,7 +183,7 @@ int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   return ENOMEM;
 }
 
-/// The answer to an offer of ours comes with the acknowledgement.
+/// The answer to our offer comes with the ACK.
 int SipCall::TakeAnswer(const sip_msg& ack) try {
   const auto answer = DescriptionIn(ack);
   const auto agreement = answer ? negotiation_->Read(*answer, false, ack.src) : std::nullopt;

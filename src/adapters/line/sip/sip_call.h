@@ -16,21 +16,21 @@
 
 namespace orven {
 
-/// What a call needs of the line it came in on; all of it outlives the call.
+/// What a call needs of its line; all of it outlives the call.
 struct CallContext {
   sip* stack;
   sipsess_sock* sessions;
   const SipLineSettings& settings;
   LineAudio& audio;
   LineDriverEvents& events;
-  std::string contact;  ///< of our answers: the user at the address that was called, or a whole SIP URI
+  std::string contact;  ///< of our answers: the user at the called address, or a whole SIP URI
 };
 
-/// One incoming call from its first message to its end: the SIP session, its sound and its digits. It
-/// raises the call's events; Idle is the last, after which the call is only a shell to be deleted (not
-/// from within its own operations). SIP thread.
+/// One incoming call from its INVITE to its end: the SIP session, its audio and its digits. It raises the
+/// call's events; after the last one, Idle, the call is to be deleted (not from within its own operations).
+/// SIP thread.
 ///
-///     Ringing ──Answer──► Answered ──ACK or sound──► Connected
+///     Ringing ──Answer──► Answered ──ACK or audio──► Connected
 ///        │                   │                           │
 ///        └───────────────────┴── CANCEL, BYE, Drop, ─────┴──► Gone
 ///                                peer lost
@@ -38,8 +38,8 @@ class SipCall : private RtpStreamEvents {
  public:
   enum class State : std::uint8_t { kRinging, kAnswered, kConnected, kGone };
 
-  /// Takes the call of a well-formed INVITE: it rings, and its first events are raised. A call that
-  /// cannot be taken is refused with the fitting answer, and nullptr returned.
+  /// Takes the call of a valid INVITE: it rings, and its first events are raised. Refuses a call that cannot
+  /// be taken and returns nullptr.
   static std::unique_ptr<SipCall> Accept(const CallContext& context, CallNumber number,
                                          const sip_msg& invite);
 
@@ -52,10 +52,10 @@ class SipCall : private RtpStreamEvents {
 
   void Answer(std::int32_t request);
   void Drop(std::int32_t request);
-  /// Ends the call without being asked by a request (the line closes).
+  /// Ends the call because the line closes.
   void HangUp();
   void MonitorDigits(bool on) { monitoring_ = on; }
-  /// What is played to the caller has its first sound.
+  /// What is played to the caller has its first audio.
   void SourceReady() { stream_->SourceReady(); }
 
  private:

@@ -21,7 +21,7 @@ std::string_view HeaderValue(const sip_msg& message, sip_hdrid id) {
   return header != nullptr ? View(header->val) : std::string_view();
 }
 
-/// Values of a list header, joined for the answer that refuses them.
+/// The values of a list header, for the answer that refuses them.
 std::string Joined(const sip_msg& message, sip_hdrid id) {
   std::string joined;
   sip_msg_hdr_apply(
@@ -40,7 +40,7 @@ bool Refuse(sip& stack, const sip_msg& request, std::uint16_t code, const char* 
   return false;
 }
 
-/// The length that Content-Length tells, or -1 when it is no number.
+/// The value of Content-Length, or -1 when it is not a number.
 long ToldLength(const sip_msg& request) {
   const std::string_view text = View(request.clen);
   long length = -1;
@@ -48,7 +48,7 @@ long ToldLength(const sip_msg& request) {
   return error == std::errc() && end == text.data() + text.size() ? length : -1;
 }
 
-/// A datagram may carry more than the body, never less (RFC 3261, section 18.3).
+/// A datagram may be longer than its body, not shorter (RFC 3261, section 18.3).
 bool FitToContentLength(const sip_msg& request) {
   if (request.clen.p == nullptr) return true;
   const long length = ToldLength(request);
@@ -57,10 +57,10 @@ bool FitToContentLength(const sip_msg& request) {
   return true;
 }
 
-/// The method of a probe of ours.
+/// The method of our probes.
 constexpr const char* kProbe = "WIDEN";
 
-/// The largest datagram that there is (RFC 768: 16 bits of length).
+/// The largest datagram (RFC 768: 16 bits of length).
 constexpr std::size_t kLargestDatagram = 65'536;
 
 }  // namespace
@@ -84,7 +84,8 @@ SipEndpoint::~SipEndpoint() {
 }
 
 int SipEndpoint::Begin() {
-  // The order matters: what is unsound is out before the sessions see it, what they leave comes last.
+  // The order matters: invalid requests are refused before the sessions see them; what those do not take
+  // comes last.
   int error = sip_listen(
       nullptr, stack_.get(), true,
       [](const sip_msg* request, void* self) {
@@ -162,7 +163,7 @@ CallerIdentity CallerOf(const sip_msg& invite) {
 }
 
 bool IsValidRequest(sip& stack, const sip_msg& request) {
-  // Without these there is nobody to answer to.
+  // Without these no answer is possible.
   if (!pl_isset(&request.via.sentby) || request.via.sentby.l == 0) return false;
   if (!pl_isset(&request.callid) || !pl_isset(&request.cseq.met)) {
     return Refuse(stack, request, 400, "Missing Call-ID Or CSeq");

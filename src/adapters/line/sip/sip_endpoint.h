@@ -8,36 +8,36 @@
 
 namespace orven {
 
-/// One of the addresses at which a line is reached: the SIP library's stack there. What is sent from it says
-/// that it comes from this address, and its connections go with it. SIP thread.
+/// One address of a line, with a stack of the SIP library. Requests from it name this address, and its
+/// connections end with it. SIP thread.
 class SipEndpoint {
  public:
   struct Events {
-    /// A request, of whatever kind.
+    /// Any request.
     std::function<void(const sip_msg&)> heard;
-    /// An INVITE that is sound and begins a call.
+    /// A valid INVITE that begins a call.
     std::function<void(SipEndpoint&, const sip_msg&)> invite;
-    /// After Close: what was under way is over.
+    /// After Close: all transactions are over.
     std::function<void()> closed;
   };
 
-  /// `names` resolves what callers and servers name in a call.
+  /// `names` resolves the names within calls.
   SipEndpoint(dnsc& names, Events events);
   SipEndpoint(const SipEndpoint&) = delete;
   SipEndpoint& operator=(const SipEndpoint&) = delete;
   ~SipEndpoint();
 
-  /// Begins to take requests. An errno value, or 0.
+  /// Starts to take requests. An errno value, or 0.
   int Begin();
 
   /// Receives at `address`, by UDP and TCP or by the TLS of `context`. An errno value, or 0.
   int Listen(const sa& address);
   int ListenSecurely(const sa& address, tls& context);
 
-  /// Ends when what is under way is over, which may be at once.
+  /// Ends when all transactions are over, which may be at once.
   void Close();
 
-  /// Whether `address` is this endpoint's, whatever the port.
+  /// Whether `address` is this endpoint's; the port does not matter.
   bool Is(const sa& address) const { return sa_cmp(&address_, &address, SA_ADDR); }
 
   sip& Stack() { return *stack_; }
@@ -50,27 +50,26 @@ class SipEndpoint {
   LibrePtr<sipsess_sock> sessions_;
 };
 
-/// Header line that names the methods we understand (RFC 3261, section 20.5).
+/// The header line with the methods that we support (RFC 3261, section 20.5).
 inline constexpr const char* kAllowHeader = "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO\r\n";
 
 /// Who calls, from the headers of an INVITE.
 CallerIdentity CallerOf(const sip_msg& invite);
 
-/// Checks that a request carries what every request must (RFC 3261, section 8.1.1), before anything
-/// is made of it. True when it is sound; otherwise it has been answered with a 4xx, or dropped where
-/// no answer is possible.
+/// Checks that a request has what every request must have (RFC 3261, section 8.1.1). False when it has been
+/// answered with a 4xx, or dropped because no answer is possible.
 bool IsValidRequest(sip& stack, const sip_msg& request);
 
-/// Widens a UDP socket of `stack` that listens at `address`, so that a request of more than the library's
-/// 8 KB is read whole. The library names the socket only by what comes through it: a probe of our own,
-/// which is sent here and which TakeProbe takes. Nothing is lost when it does not arrive.
+/// Makes the UDP socket of `stack` at `address` read requests of more than the library's 8 KB whole. The
+/// library gives access to the socket only with a message that came through it, so this sends a probe for
+/// TakeProbe. If it gets lost, the limit stays.
 void ProbeSocket(sip& stack, const sa& address);
 
 /// True when `request` was a probe.
 bool TakeProbe(const sip_msg& request);
 
-/// Answers a request outside of any call that is no call itself: OPTIONS with what we can do, all
-/// other methods with 405.
+/// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, others with
+/// 405.
 void AnswerOtherRequest(sip& stack, const sip_msg& request);
 
 }  // namespace orven

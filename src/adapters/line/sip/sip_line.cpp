@@ -18,8 +18,8 @@
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
 
-// Not among the headers that the library's main one brings; it wants a name and a level for the
-// messages of whoever includes it, of which there are none here.
+// Not included by the library's main header. It requires a name and a level for debug messages, which we do
+// not use.
 #define DEBUG_MODULE "orven"
 #define DEBUG_LEVEL 0
 #include <re/re_dbg.h>
@@ -27,8 +27,8 @@
 namespace orven {
 namespace {
 
-/// Under load an ordinary thread wakes up to 100 ms late, and the caller hears it. Where the system
-/// refuses a real-time priority the ordinary one has to do.
+/// Under load an ordinary thread wakes up to 100 ms late, and the caller hears it. The system may refuse a
+/// real-time priority; then the thread keeps the ordinary one.
 void RaisePriority() {
   sched_param parameters{};
   parameters.sched_priority = sched_get_priority_min(SCHED_RR);
@@ -36,7 +36,7 @@ void RaisePriority() {
 }
 
 int InitialiseLibraryOnce() {
-  // The library would print a line for every broken message that a stranger sends.
+  // The library would print a line for every malformed message.
   static const int error = (dbg_init(DBG_EMERG, DBG_NONE), libre_init());
   return error;
 }
@@ -51,12 +51,12 @@ class SipThread {
   SipThread& operator=(const SipThread&) = delete;
   ~SipThread() { Stop(); }
 
-  /// Starts the thread and waits until its loop can be posted to. Empty on success, else the reason.
-  /// `at_end` is the last that runs on the thread, however its loop ended.
+  /// Starts the thread and waits until tasks can be posted. Empty on success, else the reason. `at_end` runs
+  /// last on the thread, even if the loop failed.
   std::string Start(Task at_end);
 
-  /// Runs `task` on the thread, after all tasks posted before it, never inside the call. Any thread
-  /// may post; dropped when the thread does not run.
+  /// Runs `task` on the thread, after all tasks posted before it, never inside Post. Any thread. The task is
+  /// dropped when the thread does not run.
   void Post(Task task);
 
   /// Ends the loop after the tasks posted so far and joins the thread. Not on the thread itself.
@@ -142,15 +142,15 @@ void SipThread::Stop() {
   thread_.join();
 }
 
-/// Sound quality of the line in bits a second (G.711).
+/// Audio quality of the line in bits a second (G.711).
 constexpr std::int32_t kMaxRate = 64'000;
 
 constexpr std::chrono::seconds kLongestOpen{5};
 
-/// The agent's own limit is shorter; this one counts only when the SIP thread is in trouble.
+/// The agent's own limit is shorter; this one is for a SIP thread that hangs.
 constexpr std::chrono::milliseconds kLongestClose{1'800};
 
-/// The line as its owner sees it: hands everything over to the SIP thread.
+/// The line as its owner sees it: posts every operation to the SIP thread.
 class SipLine final : public LineDriver {
  public:
   explicit SipLine(const SipLineSettings& settings) : settings_(settings) {
@@ -180,7 +180,7 @@ class SipLine final : public LineDriver {
   void MonitorDigits(CallNumber call, bool on) override {
     thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
   }
-  /// Nothing to do: our own sound does not come back on a digital line.
+  /// Nothing to do: a digital line has no echo of our own audio.
   void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
   AudioDevice& Audio() override { return audio_; }
   std::string LastError() const override { return error_; }

@@ -27,7 +27,7 @@ std::string NoRouteText(const SipLineSettings& line, int error) {
 }
 
 std::string TlsFailureText(const SipLineSettings& line, int error, const std::string& refusal) {
-  const std::string words = "no encrypted connection to " + ServerOf(line) + " comes about (";
+  const std::string words = "no encrypted connection to " + ServerOf(line) + " can be opened (";
   if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
   // RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
   return words + ErrorText(error) + "): the port for TLS is often 5061";
@@ -65,7 +65,7 @@ std::string ContactUser(const SipLineSettings& settings) {
 std::string ServerFailureText(const SipLineSettings& line, int error, const std::string& refusal) {
   const auto server = ServerOf(line);
   switch (error) {
-    // What the library and the resolver make of a name that leads nowhere.
+    // Results of the library and the resolver for an unknown name.
     case ENOENT:
     case EDESTADDRREQ:
     case EADDRNOTAVAIL:
@@ -75,7 +75,7 @@ std::string ServerFailureText(const SipLineSettings& line, int error, const std:
     case ECONNREFUSED:
       return "the connection to " + server + " is refused: nothing listens there for " + line.transport +
              " at this port";
-    // The last two: what is bound to this computer only, or to one network, is sent elsewhere.
+    // EINVAL and EACCES: the socket is bound to this computer or one network, and the server is in another.
     case ENETUNREACH:
     case EHOSTUNREACH:
     case EINVAL:

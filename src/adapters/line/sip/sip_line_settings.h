@@ -9,44 +9,43 @@
 
 namespace orven {
 
-/// How long a SIP line waits for things that should have happened. Not a person's business: only
-/// tests shorten them.
+/// The time limits of a SIP line. They are not settings for users; tests shorten them.
 struct SipLineTimers {
-  /// An answered call that is not on hold and brings no sound for so long has lost its peer.
+  /// An answered call that is not on hold has lost its peer after so long without audio.
   std::chrono::milliseconds lost_media{30'000};
   /// The same for a call on hold, where silence is the rule.
   std::chrono::milliseconds lost_held{300'000};
-  /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has
-  /// no effect: the SIP library gives up by itself then.
+  /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has no
+  /// effect: the SIP library gives up then.
   std::chrono::milliseconds no_ack{32'000};
-  /// Our sound is refused by the peer's machine (ICMP port unreachable) for so long, and none comes
-  /// from there. One refusal says little: a peer may open its port a moment late.
+  /// For so long the peer's computer has refused our packets (ICMP port unreachable) and sent none. One
+  /// refusal is not enough: a peer may open its port a moment late.
   std::chrono::milliseconds unreachable{2'000};
-  /// The first wait after a failed registration; it doubles with each failure up to the second value.
+  /// The first pause after a failed registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
   std::chrono::milliseconds registration_retry_longest{300'000};
-  /// The registration's life that we ask for; it is refreshed well before it ends.
+  /// The lifetime of a registration that we ask for; it is refreshed well before it ends.
   std::chrono::seconds registration_life{300};
-  /// Between two signs of life to the account's server by UDP: routers forget after 30 s at the earliest
-  /// (RFC 5626, section 4.4.1).
+  /// Between two keep-alive datagrams to the account's server: routers forget a UDP flow after 30 s at the
+  /// earliest (RFC 5626, section 4.4.1).
   std::chrono::milliseconds keep_alive{25'000};
 };
 
-/// How the registration of an account stands.
+/// The state of an account's registration.
 struct RegistrationNews {
   enum class State { Trying, Registered, Failed };
   State state = State::Trying;
   int status = 0;                      ///< of the server's answer (RFC 3261, section 21); 0 without one
-  int error = 0;                       ///< errno value of what went wrong on the way; 0 when nothing did
-  std::string reason{};                ///< why it failed, in a few words
+  int error = 0;                       ///< errno value of a failed connection or request; else 0
+  std::string reason{};                ///< why it failed, in a few words for people
   std::chrono::milliseconds pause{0};  ///< before the next request, at the earliest; 0 while trying
 };
 
-/// Whether a line's sound is encrypted (SRTP, RFC 3711).
+/// Whether a line's audio is encrypted (SRTP, RFC 3711).
 enum class SrtpUse : std::uint8_t {
-  kNever,      ///< plain sound only; who demands encryption is refused
-  kIfOffered,  ///< whatever the other side offers; both: encrypted
-  kRequired    ///< encrypted sound only; who will not is refused
+  kNever,      ///< plain audio only; refuses calls that demand encryption
+  kIfOffered,  ///< as the other side offers; encrypted if it offers both
+  kRequired    ///< encrypted audio only; refuses plain calls
 };
 
 /// One SIP telephone line.
@@ -56,20 +55,20 @@ struct SipLineSettings {
   std::string account;                    ///< "sip:user@domain" to register, or empty
   std::string auth_user;                  ///< empty: the account's user
   std::string password;
-  std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
-  std::optional<SrtpUse> srtp;    ///< absent: required where `transport` is tls, else if offered
-  std::string tls_trust;          ///< PEM file of certificates that the server may show; empty: the system's
-  std::string tls_listen;         ///< address and port for calls by TLS, or empty; not with transport tls
-  std::string tls_certificate;    ///< PEM file with certificate and private key for tls_listen, or empty:
-  std::string tls_made_certificate;  ///< another such file, which is made where there is none
+  std::string transport = "udp";     ///< towards the account's server: udp, tcp or tls
+  std::optional<SrtpUse> srtp;       ///< absent: required where `transport` is tls, else if offered
+  std::string tls_trust;             ///< PEM file of certificates trusted for the server; empty: the system's
+  std::string tls_listen;            ///< address and port for calls by TLS, or empty; not with transport tls
+  std::string tls_certificate;       ///< PEM file with certificate and private key for tls_listen, or empty:
+  std::string tls_made_certificate;  ///< another such file, which is made if missing
   int ring_seconds = 6;              ///< 1 or more; seconds between Ring events
-  /// Takes one sentence for the log when the registration fails and when it works again. SIP thread;
-  /// must not block.
+  /// Gets a sentence for the log when the registration fails and when it works again. SIP thread; must not
+  /// block.
   std::function<void(const std::string&)> report = [](const std::string&) {};
-  /// Takes what becomes of each try to register. SIP thread; must not block.
+  /// Gets each change of the registration's state. SIP thread; must not block.
   std::function<void(const RegistrationNews&)> registration_news = [](const RegistrationNews&) {};
-  /// Only asks the server what is registered (RFC 3261, section 10.2.3), which needs the same password
-  /// but changes nothing there: for a test beside a line that is registered.
+  /// Only asks the server what is registered (RFC 3261, section 10.2.3): needs the same password but changes
+  /// nothing. For a test of a line that is registered.
   bool register_nothing = false;
   SipLineTimers timers;
 };
@@ -90,10 +89,9 @@ std::string AccountProblem(const SipLineSettings& settings);
 /// The user part of the account, or "orven" without one.
 std::string ContactUser(const SipLineSettings& settings);
 
-/// Why the server of the account of `line` cannot be asked, in words that begin in lower case and end
-/// without a full stop: for the log, for the list of lines and for their test alike. `error` is the errno
-/// value that the way to the server ended with; `refusal` tells why its certificate was not accepted, or is
-/// empty. Any thread.
+/// Why the server of the account of `line` cannot be reached, beginning in lower case and without a full
+/// stop: for the log, the list of lines and their test. `error` is the errno value of the failure; `refusal`
+/// tells why the server's certificate was not accepted, or is empty. Any thread.
 std::string ServerFailureText(const SipLineSettings& line, int error, const std::string& refusal);
 
 }  // namespace orven

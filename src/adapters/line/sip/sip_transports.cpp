@@ -86,8 +86,8 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
   const bool to_server = !settings_.account.empty() && settings_.transport == "tls";
   try {
     if (!settings_.tls_listen.empty()) {
-      // The library has one set of rules for all connections that we open, and to a caller by TLS we may
-      // have to open one: it could not show the certificate that the server must.
+      // The library has one set of rules for all connections that we open. To a caller over TLS we may have
+      // to open one, and that caller could not show the server's certificate.
       if (to_server) {
         throw std::runtime_error(
             "tls_listen cannot be used together with an account over TLS; "
@@ -114,7 +114,7 @@ std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, b
                      "listen address \"" + text + "\" is no address and port like 127.0.0.1:5060"};
 }
 
-/// Without name servers only addresses lead to a caller.
+/// Without name servers only addresses work.
 void SipTransports::ReadNameServers() {
   std::array<sa, 4> servers{};
   auto count = static_cast<std::uint32_t>(servers.size());
@@ -132,7 +132,7 @@ SipEndpoint* SipTransports::EndpointAt(const sa& address) {
   return found != endpoints_.end() ? found->get() : nullptr;
 }
 
-/// `failed` becomes the listener that there can be no endpoint for. An errno value, or 0.
+/// An errno value, or 0; `failed` becomes the listener that failed.
 int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
   const auto heard = [this](const sip_msg& request) { guard_.Heard(request); };
   const auto closed = [this] {
@@ -150,7 +150,7 @@ int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
     }
   }
   if (server_tls_ != nullptr) {
-    // Only to reach the account's server: the port is any free one, and nobody is told of it.
+    // Only to reach the account's server: any free port, which is not published.
     sa local = address;
     sa_set_port(&local, 0);
     if (const int error = endpoint->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;
@@ -172,7 +172,7 @@ bool SipTransports::Follow() {
   for (const Listener& listener : listeners_) {
     for (const sa& address : listener.expanded) {
       const Listener* failed = nullptr;
-      // An address that is not quite there yet is tried again with the next look.
+      // An address that is not ready yet is tried again at the next call.
       if (EndpointAt(address) == nullptr && AddEndpoint(address, failed) == 0) changed = true;
     }
   }

@@ -22,14 +22,14 @@ struct OpenFailure {
   std::string reason;
 };
 
-/// The addresses at which a line listens, and its way to the account's server. SIP thread.
+/// The addresses at which a line listens, and its route to the account's server. SIP thread.
 class SipTransports {
  public:
   struct Events {
     std::function<void(SipEndpoint&, const sip_msg&)> invite;  ///< as of SipEndpoint
-    std::function<void()> closed;                              ///< after Close: nothing is under way any more
-    /// An endpoint's address is gone. False: its call is to end first, ask later; true: nobody uses it any
-    /// more.
+    std::function<void()> closed;                              ///< after Close: all transactions are over
+    /// An endpoint's address is gone. False: its call has to end first, ask again later; true: it is not in
+    /// use.
     std::function<bool(SipEndpoint&)> leaving;
   };
 
@@ -38,26 +38,26 @@ class SipTransports {
   /// Listens at everything that `settings` names. Nothing on success.
   std::optional<OpenFailure> Start();
 
-  /// Listens where the computer has new addresses, and no more where they are gone. Whether any came or went.
+  /// Listens at the computer's new addresses, and no longer at those that are gone. Whether there were any.
   bool Follow();
 
-  /// Takes the computer's name servers of this moment for the names within calls.
+  /// Uses the computer's present name servers for the names within calls.
   void ReadNameServers();
 
-  /// The endpoint that requests to `server` leave from; nullptr: there is no way there.
+  /// The endpoint from which requests to `server` are sent; nullptr: there is no route.
   SipEndpoint* Towards(const sa& server);
 
-  /// The call of `invite` is up now: strangers' connections do not push out its own.
+  /// Protects the connection of the call of `invite` from strangers' connections.
   void Spare(const sip_msg& invite) { guard_.Spare(invite); }
 
-  /// Ends all that is under way, then tells so, perhaps at once.
+  /// Ends all transactions, then raises `closed`, perhaps at once.
   void Close();
 
-  /// Why the account's server could not prove who it is; empty when it could, or need not.
+  /// Why the certificate of the account's server was not accepted; empty when it was, or there is none.
   std::string ServerRefusal() const { return server_tls_ != nullptr ? server_tls_->Refusal() : ""; }
 
  private:
-  /// One setting that names an address, and what it means at the moment.
+  /// One configured address, and the addresses that it stands for at the moment.
   struct Listener {
     std::string text;
     sa address{};  ///< as configured
@@ -82,7 +82,7 @@ class SipTransports {
   std::vector<Listener> listeners_;
   std::vector<std::unique_ptr<SipEndpoint>> endpoints_;
   ConnectionGuard guard_;
-  std::size_t closing_ = 0;  ///< endpoints that have something under way
+  std::size_t closing_ = 0;  ///< endpoints with open transactions
 };
 
 }  // namespace orven

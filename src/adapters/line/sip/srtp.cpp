@@ -45,7 +45,7 @@ std::optional<SrtpSuite> SuiteOf(std::string_view word) {
   return std::nullopt;
 }
 
-/// The library takes any other letter for a zero.
+/// The library reads any other letter as a zero.
 bool IsBase64(std::string_view letters) {
   return std::all_of(letters.begin(), letters.end(), [](char letter) {
     return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
@@ -53,8 +53,8 @@ bool IsBase64(std::string_view letters) {
   });
 }
 
-/// "inline:" key, perhaps "|" lifetime. No call of ours lives as long as a key may (2^31 packets at
-/// least by custom); a key identifier ("|1:4") would have to be in each packet.
+/// "inline:" key, perhaps "|" lifetime. The lifetime is ignored: a call is far shorter than 2^31 packets. A
+/// key identifier ("|1:4") would have to be in each packet.
 std::optional<SrtpKey> KeyOf(std::string_view word) {
   if (!word.starts_with(kInline) || word.find(';') != word.npos) return std::nullopt;
   word.remove_prefix(kInline.size());
@@ -68,12 +68,12 @@ std::optional<SrtpKey> KeyOf(std::string_view word) {
   return key;
 }
 
-/// A parameter that begins with "-" may be passed over (RFC 4568, section 6.3.8).
+/// A parameter that begins with "-" may be ignored (RFC 4568, section 6.3.8).
 bool IsHarmless(std::string_view parameter) {
   return parameter.starts_with('-') || parameter.starts_with("WSH=");
 }
 
-/// Where the sender's number stands: RFC 3550, sections 5.1 and 6.4.
+/// Position of the synchronisation source: RFC 3550, sections 5.1 and 6.4.
 constexpr std::size_t kRtpSsrcAt = 8;
 constexpr std::size_t kRtcpSsrcAt = 4;
 
@@ -151,7 +151,7 @@ std::optional<std::span<const std::uint8_t>> SrtpReceiver::Unprotect(std::span<c
     senders_.splice(senders_.begin(), senders_, known);
     return ContentOf(*buffer_);
   }
-  // The library remembers each number that it is shown, right or wrong, and has room for few.
+  // The library's context remembers each source, authentic or not, and has room for eight.
   LibrePtr<srtp> context = NewContext(suite_, key_);
   if (senders_.size() >= kMostSenders || !Decrypt(context.get(), packet)) return std::nullopt;
   senders_.push_front({ssrc, std::move(context)});

@@ -14,28 +14,28 @@
 
 namespace orven {
 
-/// How sound is encrypted and authenticated (RFC 3711); the number is that of the tag's bits.
+/// How audio is encrypted and authenticated (RFC 3711); the number is the bits of the authentication tag.
 enum class SrtpSuite : std::uint8_t { kTag80, kTag32 };
 
 /// Master key (16 bytes) and master salt (14 bytes), one after the other. Secret: never in a log.
 using SrtpKey = std::array<std::uint8_t, 30>;
 
-/// One way to encrypt that a session description names in "a=crypto" (RFC 4568).
+/// One "a=crypto" line of a session description (RFC 4568).
 struct CryptoAttribute {
   std::uint32_t tag = 0;
   SrtpSuite suite = SrtpSuite::kTag80;
-  SrtpKey key{};  ///< with which its author will send
+  SrtpKey key{};  ///< for what its author sends
 };
 
-/// Reads "1 AES_CM_128_HMAC_SHA1_80 inline:…" (the part behind "a=crypto:"). Nothing when it is
-/// malformed or asks for what we cannot do: another suite, several keys, a key identifier in each packet
-/// (MKI), or any session parameter but the window hint, since the others change the packets.
+/// Reads "1 AES_CM_128_HMAC_SHA1_80 inline:…" (the part behind "a=crypto:"). Nothing when it is malformed or
+/// not supported: another suite, several keys, a key identifier in each packet (MKI), or any session
+/// parameter but the window hint, since the others change the packets.
 std::optional<CryptoAttribute> ReadCryptoAttribute(std::string_view text);
 
-/// The same text for an attribute of ours.
+/// The same text for one of our attributes.
 std::string WriteCryptoAttribute(const CryptoAttribute& attribute);
 
-/// A fresh key from the system's source of secrets. Throws std::runtime_error when that fails.
+/// A new random key from the system. Throws std::runtime_error when that fails.
 SrtpKey NewSrtpKey();
 
 /// Both directions' keys of one call, as agreed.
@@ -45,8 +45,8 @@ struct SrtpKeys {
   SrtpKey receive{};
 };
 
-/// Encrypts the packets that we send with one key (RFC 3711). It counts their sequence numbers' wraps,
-/// so it has to live as long as its key is used: a second one would repeat the first one's cipher.
+/// Encrypts the RTP packets that we send with one key (RFC 3711). It counts the wraps of their sequence
+/// numbers, so there must be one for as long as the key is used: a second one would repeat the key stream.
 class SrtpSender {
  public:
   /// Throws std::bad_alloc when the key cannot be used.
@@ -54,8 +54,8 @@ class SrtpSender {
 
   bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
 
-  /// The packet to be sent for a plain RTP packet, valid until the next call; empty when it cannot be
-  /// encrypted, which must not be sent then.
+  /// The encrypted form of a plain RTP packet, valid until the next call; empty when encryption fails, and
+  /// then the packet must not be sent.
   std::span<const std::uint8_t> Protect(std::span<const std::uint8_t> packet);
 
  private:
@@ -65,9 +65,9 @@ class SrtpSender {
   LibrePtr<mbuf> buffer_;
 };
 
-/// Authenticates and decrypts the peer's packets of one kind: sound, or its control messages. What
-/// fails, or was seen before, leaves no trace: whoever has not the key can neither use up the room for
-/// senders nor spoil the count of the real one's packets.
+/// Authenticates and decrypts the peer's RTP or RTCP packets. A forged or repeated packet changes nothing
+/// here: whoever lacks the key can neither use up the room for senders nor disturb the counters of the real
+/// one.
 class SrtpReceiver {
  public:
   enum class Kind : std::uint8_t { kRtp, kRtcp };
@@ -76,17 +76,17 @@ class SrtpReceiver {
 
   bool Uses(SrtpSuite suite, const SrtpKey& key) const { return suite == suite_ && key == key_; }
 
-  /// The plain packet, valid until the next call, or nothing when it is not the peer's.
+  /// The plain packet, valid until the next call; nothing when it is forged or repeated.
   std::optional<std::span<const std::uint8_t>> Unprotect(std::span<const std::uint8_t> packet);
 
  private:
-  /// A source that has proven that it has the key.
+  /// A synchronisation source that has proved that it has the key.
   struct Sender {
     std::uint32_t ssrc;
     LibrePtr<srtp> context;
   };
 
-  /// A peer begins anew under another number when it transfers or resumes a call, not more often.
+  /// A peer changes its source when it transfers or resumes a call, not more often.
   static constexpr std::size_t kMostSenders = 16;
 
   bool Decrypt(srtp* context, std::span<const std::uint8_t> packet);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The SIP library hands its OpenSSL context out only when asked by this name.
+// The SIP library declares tls_openssl_context only with this.
 #define USE_OPENSSL 1
 #include "adapters/line/sip/tls_context.h"
 
@@ -37,7 +37,7 @@ std::string Reason() {
   return words != nullptr ? words : "unknown reason";
 }
 
-/// Where our own data hang on OpenSSL's context.
+/// The index of our own data in OpenSSL's context.
 int RulesIndex() {
   static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
   return index;
@@ -47,7 +47,7 @@ void* RulesOf(const SSL* connection) {
   return SSL_CTX_get_ex_data(SSL_get_SSL_CTX(connection), RulesIndex());
 }
 
-/// A locked private key fails, instead of asking at a terminal that nobody looks at.
+/// A locked private key fails, instead of asking at a terminal.
 int NoPassphrase(char* /*buffer*/, int /*size*/, int /*writing*/, void* /*data*/) {
   return -1;
 }
@@ -68,10 +68,10 @@ using Key = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
 using Certificate = std::unique_ptr<X509, Release<X509_free>>;
 using Memory = std::unique_ptr<BIO, Release<BIO_free>>;
 
-/// What desk telephones of every age can do.
+/// Old desk telephones support this, too.
 constexpr unsigned kKeyBits = 2048;
 
-/// Nobody renews it, and a telephone that has been told to trust it should do so for its life.
+/// It is not renewed, and a telephone that trusts it should do so for its life.
 constexpr long kDay = 24L * 3600;
 constexpr long kLife = 20 * 365 * kDay;
 
@@ -151,7 +151,7 @@ std::unique_ptr<TlsContext> TlsContext::Checking(const std::string& host, const 
                              "): expected a PEM file with certificates");
   }
   X509_VERIFY_PARAM* const rules = SSL_CTX_get0_param(context);
-  // Whoever names a certificate trusts it, whoever has signed it.
+  // A certificate that the user names is trusted without its issuer.
   if (!trusted.empty()) X509_VERIFY_PARAM_set_flags(rules, X509_V_FLAG_PARTIAL_CHAIN);
   X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
   const int set = made->rules_->is_address ? X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str())
@@ -165,7 +165,7 @@ std::unique_ptr<TlsContext> TlsContext::Checking(const std::string& host, const 
     }
     return good;
   });
-  // Servers that serve several domains need to be told which one is meant (RFC 6066, section 3).
+  // Servers of several domains need its name (RFC 6066, section 3).
   SSL_CTX_set_info_callback(context, [](const SSL* connection, int where, int /*result*/) {
     auto* seen = static_cast<Rules*>(RulesOf(connection));
     if (seen == nullptr || (where & SSL_CB_HANDSHAKE_START) == 0) return;

@@ -8,13 +8,12 @@
 
 namespace orven {
 
-/// The rules of a line's TLS connections: which certificate we show to those who call, or which we
-/// accept of the server that we call. All functions throw std::runtime_error with a sentence for the
-/// log. SIP thread.
+/// The rules of a line's TLS connections: the certificate that we show to callers, or those that we accept
+/// from a server. All functions throw std::runtime_error with a sentence for the log. SIP thread.
 class TlsContext {
  public:
-  /// For connections that others open: shows the certificate of the PEM file at `path`, which holds its
-  /// chain and its private key, too. Connections that we open are not checked.
+  /// For connections that others open: shows the certificate of the PEM file at `path`, which also holds its
+  /// chain and its private key. Connections that we open are not checked.
   static std::unique_ptr<TlsContext> Showing(const std::string& path);
 
   /// For connections that we open: the peer must show a certificate for `host`, a name or an address,
@@ -27,7 +26,7 @@ class TlsContext {
 
   tls* Get() const { return context_.get(); }
 
-  /// Why the latest connection's certificate was not accepted; empty when it was.
+  /// Why the certificate of the latest connection was not accepted; empty when it was.
   const std::string& Refusal() const;
 
  private:
@@ -39,10 +38,9 @@ class TlsContext {
   LibrePtr<tls> context_;
 };
 
-/// Makes sure that there is a file at `path`: where there is none, one with a fresh RSA key and a
-/// certificate for it that nobody but itself has signed is made, readable by the owner only. It encrypts;
-/// that a caller has reached this machine and no other it proves only to who knows the certificate. The
-/// file is there as a whole or not at all. Throws std::runtime_error with a sentence for the log.
+/// Makes a PEM file at `path` unless there is one: a new RSA key and a self-signed certificate, readable by
+/// the owner only, written whole or not at all. It encrypts; it proves our identity only to telephones that
+/// know it. Throws std::runtime_error with a sentence for the log.
 void MakeCertificateOnFirstUse(const std::string& path);
 
 }  // namespace orven
