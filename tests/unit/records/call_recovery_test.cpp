@@ -3,27 +3,26 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <map>
-#include <optional>
 
 #include "base/runtime_error.h"
-#include "records/call.h"
 #include "records/grown_recordings.h"
 #include "support/world.h"
 
 namespace orven::test {
 namespace {
 
+using ::testing::_;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
+using ::testing::UnorderedElementsAre;
 
-constexpr const char* kName = "12-31-2003_14-05-07.wav";
-constexpr const char* kJournal = "/home/orven/Call.journal";
+const std::string kStem = "12-31-2003_14-05-07";
+const std::string kName = kStem + ".wav";
+const std::string kJournal = "/home/orven/Call.journal";
 
 class Recovery : public ::testing::Test, public World {
  protected:
@@ -32,7 +31,6 @@ class Recovery : public ::testing::Test, public World {
     Start();
   }
   void Call() {
-    Start();
     line->Offer();
     line->CallerId("Anna 50%", "555 1234");
     RunFor(10ms);
@@ -40,13 +38,15 @@ class Recovery : public ::testing::Test, public World {
   void CallAndRecord(std::chrono::milliseconds length) {
     Call();
     Talk();
-    while (!line->IsAnswered()) {
-      line->Ring();
-      RunFor(1s);
-    }
+    for (; !line->IsAnswered(); RunFor(1s)) line->Ring();
     time.RunUntil([this] { return Wave1.IsRecording(); }, 60s);
     RunFor(length);
   }
+  /// A recording that grew until the program ended, as `name` in the messages folder.
+  void PutGrown(const std::string& name, const std::string& content) {
+    files.Put(messages + ".recording-" + name + ".wav.part", content);
+  }
+  std::vector<std::string> Grown() { return files.List(messages, "*.part"); }
   /// The records: name, number, date, time, length.
   std::vector<std::vector<std::string>> Filed() {
     std::vector<std::vector<std::string>> filed;
@@ -57,284 +57,239 @@ class Recovery : public ::testing::Test, public World {
     }
     return filed;
   }
+  /// Of the newest record.
+  std::string MessageName() { return database.Field(Filed().size() - 1, kCallMassageName); }
+
   const std::vector<std::string> call_without_message{"Anna 50%", "555 1234", "12/31/2003", "14:05:07", "-1"};
   const std::vector<std::string> call_of_two_seconds{"Anna 50%", "555 1234", "12/31/2003", "14:05:07", "2"};
 };
 
-TEST_F(Recovery, ARingingCallIsFiledOnceWithWhatIsKnownOfIt) {
-  Call();
-  StartAgain();
-  EXPECT_THAT(Filed(), ElementsAre(call_without_message));
-  EXPECT_THAT(SystemLog(), Contains(HasSubstr("Recovered call 12/31/2003 14:05:07 [Anna 50%:555 1234]")));
-  EXPECT_THAT(CallsLog(), Contains("Ring: [Anna 50%:555 1234]"));
-  EXPECT_FALSE(files.Exists(kJournal));
-  StartAgain();
-  EXPECT_EQ(1U, Filed().size());
-}
-
 TEST_F(Recovery, TheRecordedPartBecomesTheMessageWithoutAnySoundOrAction) {
   for (const char* setting : {"pAppTo", "pMailTo", "cPlayInIdle", "WhenMsgViewMsg"})
     registry.Set(setting, "1");
+  Start();
   CallAndRecord(2s);
   files.Put(messages + kName, "somebody else's");
   views.effects.clear();
   StartAgain();
   EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
-  const auto name = database.Field(0, kCallMassageName);
-  EXPECT_THAT(name, HasSubstr("12-31-2003_14-05-07.kept_"));
-  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + name));
+  EXPECT_THAT(MessageName(), HasSubstr(kStem + ".kept_"));
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + MessageName()));
   EXPECT_EQ("somebody else's", files.Content(messages + kName));
-  EXPECT_THAT(files.List(messages, "*.part"), IsEmpty());
+  EXPECT_THAT(Grown(), IsEmpty());
   EXPECT_THAT(CallsLog(), Contains("Ring:2 [Anna 50%:555 1234]"));
+  EXPECT_TRUE(
+      Logged("Recovered call 12/31/2003 14:05:07 [Anna 50%:555 1234], message " + MessageName() + " (2 s)"));
   RunFor(10s);
   EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/beep.wav"));
 }
 
-TEST_F(Recovery, WhatEndsByItselfIsNotFiledAgain) {
-  CallAndRecord(2s);
-  const auto early_journal = files.Content(kJournal);
-  HangUp();
-  EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
-  EXPECT_FALSE(files.Exists(kJournal));
-  Crash();
-  files.Put(kJournal, early_journal);  // as a loss of power may leave it
-  Start();
-  EXPECT_EQ(1U, Filed().size());
-  EXPECT_FALSE(files.Exists(kJournal));
-}
-
 TEST_F(Recovery, TheOwnersCallAndACallWithoutAMessageThatIsNotListedAreLeftOut) {
-  AddMessage("old.wav", 60s);
-  CallAndRecord(0s);
-  HangUp();
+  Start();
   CallAndWaitForAnswer();
   Press("4711*");
-  ASSERT_TRUE(CurrentCall().admin_mode);
   line->CallerId("Late", "1");
   RunFor(10ms);
-  StartAgain();
-  EXPECT_EQ(2U, Filed().size());
   registry.Set("ListMessageOnly", "1");
   StartAgain();
   line->Offer();
   RunFor(10ms);
   StartAgain();
-  EXPECT_EQ(2U, Filed().size());
-  EXPECT_FALSE(files.Exists(kJournal));
-  registry.Set("ListMessageOnly", "0");
-}
-
-TEST_F(Recovery, ACallThatCouldNotBeFiledOutlivesTheProgram) {
-  CallAndRecord(2s);
-  database_full = true;
-  HangUp();
-  StartAgain();
-  StartAgain();
   EXPECT_THAT(Filed(), IsEmpty());
-  EXPECT_THAT(SystemLog(), Not(Contains(HasSubstr("Recovered call"))));
-  database_full = false;
-  StartAgain();
-  RunFor(10s);
-  EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
-  EXPECT_THAT(SystemLog(), Contains(HasSubstr("Recovered call")).Times(1));
   EXPECT_FALSE(files.Exists(kJournal));
 }
 
-TEST_F(Recovery, AMessageThatFoundNoRoomBeforeTheEndIsFiledWithWhatGrewOfIt) {
-  CallAndRecord(2s);
-  const auto growing = *Wave1.GrowingFile();
-  Wave1.stop_result = kWaveDiskFull;
+TEST_F(Recovery, AMessageThatFoundNoRoomIsFiledByTheNextStartUnlessItsRecordWasDeleted) {
+  for (const std::string fate : {"call not filed", "call filed", "journal lost", "deleted"}) {
+    SCOPED_TRACE(fate);
+    database.Records().clear();
+    Wave1.stop_result = kWaveOk;
+    StartAgain();
+    CallAndRecord(2s);
+    const auto early_journal = files.Content(kJournal);
+    const auto growing = *Wave1.GrowingFile();
+    Wave1.stop_result = kWaveDiskFull;
+    database_full = fate == "call not filed";
+    HangUp();
+    RunFor(30s);
+    EXPECT_EQ(database_full ? 0U : 1U, Filed().size());
+    if (fate == "deleted") Machine().calls.DeleteItemIndex(1);
+    Crash();
+    if (fate != "deleted") files.Put(growing.path, growing.content);
+    if (fate == "journal lost") files.Delete(kJournal);
+    RunFor(60s);
+    database_full = false;
+    for (int starts = 0; starts < 2; ++starts) {
+      Start();
+      EXPECT_FALSE(files.Exists(growing.path) || files.Exists(kJournal));
+      ASSERT_EQ(fate == "deleted" ? 0U : 1U, Filed().size());
+      if (fate != "deleted") {
+        EXPECT_EQ("Anna 50%2", Filed()[0][0] + Filed()[0][4]);
+        EXPECT_EQ(growing.content, files.Content(messages + MessageName()));
+      }
+      Crash();
+      if (fate == "call not filed" && starts == 0) files.Put(kJournal, early_journal);  // by a loss of power
+    }
+  }
+}
+
+TEST_F(Recovery, RecordsThatOpenLateGetTheCallsThenAlsoThatBehindATornLine) {
+  Start();
+  Call();
+  Crash();
+  files.Put(kJournal, files.Content(kJournal) + "call\t1\tcut");
+  database.gone = true;
+  Start();
+  line->Offer();
+  RunFor(10ms);
+  StartAgain();
+  RunFor(60s);
+  database.gone = false;
+  RunFor(6s);
+  ASSERT_EQ(2U, Filed().size());
+  EXPECT_EQ(call_without_message, Filed()[0]);
+  EXPECT_FALSE(files.Exists(kJournal));
+}
+
+TEST_F(Recovery, OfTwoAlikeCallsOfOneSecondEachHasARecord) {
+  Start();
+  Call();
   database_full = true;
   HangUp();
-  RunFor(1s);
+  line->Offer();
+  line->CallerId("Anna 50%", "555 1234");
+  RunFor(10ms);
   Crash();
-  files.Put(growing.path, growing.content);
   database_full = false;
+  database.Add({{kCallName, "Anna 50%"},
+                {kCallNumber, "555 1234"},
+                {kCallDate, "12/31/2003"},
+                {kCallTime, "14:05:07"},
+                {kCallMassageName, kName},
+                {kType, "-1"}});  // the first was just filed
   Start();
-  EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
-  EXPECT_EQ(growing.content, files.Content(messages + kName));
-  EXPECT_FALSE(files.Exists(growing.path));
+  EXPECT_THAT(Filed(), ElementsAre(call_without_message, call_without_message));
 }
 
 TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
+  Start();
   CallAndRecord(2s);
   Crash();
-  files.Put(kJournal, "call\t1\trubbish\nmore");
+  const auto journal =
+      "rubbish\ncall\t1\t\t\tNameless\t\t\t\t\t" + messages + "\t\t\t0\t0\t\ncall\t2\tcut\nmore";
+  files.Put(kJournal, journal);
   RunFor(60s);
-  files.Put(messages + ".recording-9-9.wav.part", "no sound");
-  files.Put(messages + ".recording-c-9-8.wav.part", TimedWave::Sound(0s));
+  PutGrown("9-9", "no sound");
+  PutGrown("c-9-8", TimedWave::Sound(0s));
+  PutGrown("a-1-1", TimedWave::Sound(3s));
   RunFor(60s);
-  Start();
-  ASSERT_EQ(1U, Filed().size());
-  EXPECT_EQ("UNKNOWN", Filed()[0][0]);
-  EXPECT_EQ("2", Filed()[0][4]);
-  EXPECT_EQ(kName, database.Field(0, kCallMassageName));
-  EXPECT_EQ("call\t1\trubbish\nmore", files.Content(std::string(kJournal) + ".damaged"));
+  for (int starts = 0; starts < 2; ++starts) {
+    Start();
+    EXPECT_THAT(Filed(), UnorderedElementsAre(ElementsAre("Nameless", "", "", "", "-1"),
+                                              ElementsAre("UNKNOWN", "UNKNOWN", "12/31/2003", _, "2"),
+                                              ElementsAre("UNKNOWN", "UNKNOWN", "12/31/2003", _, "3")));
+    Crash();
+  }
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + kName));
+  EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "a.wav"));
+  EXPECT_EQ(journal, files.Content(kJournal + ".damaged"));
   EXPECT_TRUE(files.Exists(messages + ".recording-9-9.wav.part.damaged"));
-  StartAgain();
-  EXPECT_EQ(1U, Filed().size());
 }
 
-TEST_F(Recovery, ACallWithoutANameForItsMessageClaimsNoneOfTheOthers) {
+class MessageOutOfReach : public Recovery, public testing::WithParamInterface<std::tuple<bool, bool>> {};
+
+TEST_P(MessageOutOfReach, IsFiledWithItsCallOrCompletesTheRecordLater) {
+  const auto [listed, hidden] = GetParam();
+  registry.Set("ListMessageOnly", listed ? "0" : "1");
   Start();
-  Crash();
-  files.Put(kJournal, "call\t1\t\t\tAnna\t\t\t\t\t" + messages + "\t\t\t0\t0\t\n");
-  files.Put(messages + ".recording-a-1-1.wav.part", TimedWave::Sound(2s));
-  files.Put(messages + ".recording-b-1-2.wav.part", TimedWave::Sound(3s));
-  RunFor(60s);
-  Start();
-  EXPECT_EQ(3U, Filed().size());
-  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + "a.wav"));
-  EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "b.wav"));
-}
-
-TEST_F(Recovery, AMessageOutOfReachIsFiledWithItsCallOrCompletesTheRecordLater) {
-  for (const bool listed : {true, false}) {
-    for (const bool readable : {true, false}) {
-      World other;
-      other.registry.Set("ListMessageOnly", listed ? "0" : "1");
-      other.Start();
-      other.CallAndWaitForRecording();
-      other.Talk();
-      other.RunFor(2s);
-      other.Crash();
-      for (int start = 0; start < 2; ++start) {
-        if (!readable) other.files.missing_folders.insert(other.messages);
-        other.files.before_write = [&](const std::string& path) {
-          if (path.starts_with(other.messages)) throw RuntimeError(ErrorNumber::PermissionDenied, path);
-        };
-        other.Start();
-        other.RunFor(60s);
-        EXPECT_EQ(listed ? 1U : 0U, other.database.Records().size());
-        if (start == 0) other.Crash();
-      }
-      other.files.missing_folders.clear();
-      other.files.before_write = [](const std::string&) {};
-      other.RunFor(6s);
-      ASSERT_EQ(1U, other.database.Records().size());
-      EXPECT_EQ("2", other.database.Field(0, kType));
-      EXPECT_EQ(TimedWave::Sound(2s),
-                other.files.Content(messages + other.database.Field(0, kCallMassageName)));
-      EXPECT_THAT(other.files.List(messages, "*.part"), IsEmpty());
-      EXPECT_FALSE(other.files.Exists(kJournal));
-      ASSERT_EQ(1U, other.views.rows.size());
-      EXPECT_EQ("2", other.Machine().ListView1.Row(1).length);
-    }
-  }
-}
-
-TEST_F(Recovery, ARecordWhoseMessageFoundNoRoomGetsItFromTheNextStart) {
-  for (const bool journal_lost : {false, true}) {
-    World other;
-    other.Start();
-    other.line->Offer();
-    other.line->CallerId("Anna", "555");
-    other.CallAndWaitForRecording();
-    other.Talk();
-    other.RunFor(2s);
-    const auto growing = *other.Wave1.GrowingFile();
-    other.Wave1.stop_result = kWaveDiskFull;
-    other.HangUp();
-    other.RunFor(30s);
-    ASSERT_EQ(1U, other.database.Records().size());
-    other.Crash();
-    other.files.Put(growing.path, growing.content);
-    other.files.Put(other.messages + kName, "somebody else's");
-    if (journal_lost) other.files.Delete(kJournal);
-    other.RunFor(60s);
-    for (int starts = 0; starts < 2; ++starts) {
-      other.Start();
-      ASSERT_EQ(1U, other.database.Records().size());
-      EXPECT_EQ("Anna", other.database.Field(0, kCallName));
-      EXPECT_EQ("2", other.database.Field(0, kType));
-      EXPECT_EQ(growing.content, other.files.Content(messages + other.database.Field(0, kCallMassageName)));
-      EXPECT_FALSE(other.files.Exists(kJournal));
-      other.Crash();
-    }
-  }
-}
-
-TEST_F(Recovery, ADeletedCallWhoseMessageFoundNoRoomStaysDeleted) {
   CallAndRecord(2s);
-  Wave1.stop_result = kWaveDiskFull;
-  HangUp();
-  ASSERT_EQ(1U, Filed().size());
-  Machine().calls.DeleteItemIndex(1);
-  StartAgain();
-  EXPECT_THAT(Filed(), IsEmpty());
+  Crash();
+  if (hidden) files.missing_folders.insert(messages);
+  files.before_write = [this](const std::string& path) {
+    if (path.starts_with(messages)) throw RuntimeError(ErrorNumber::PermissionDenied, path);
+  };
+  for (int start = 0; start < 2; ++start) {
+    StartAgain();
+    RunFor(60s);
+    EXPECT_EQ(listed ? 1U : 0U, Filed().size());
+  }
+  files.missing_folders.clear();
+  files.before_write = [](const std::string&) {};
+  RunFor(6s);
+  EXPECT_THAT(Filed(), ElementsAre(call_of_two_seconds));
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + MessageName()));
+  EXPECT_THAT(Grown(), IsEmpty());
   EXPECT_FALSE(files.Exists(kJournal));
+  ASSERT_EQ(1U, views.rows.size());
+  EXPECT_EQ("2", Machine().ListView1.Row(1).length);
 }
+
+INSTANTIATE_TEST_SUITE_P(ListedOrNot, MessageOutOfReach, testing::Combine(testing::Bool(), testing::Bool()));
 
 TEST_F(Recovery, RecordingsOfOneNameAreCallsOfTheirOwnUnlessOneIsTheOthersBeginning) {
   const std::string header = " data4711";
+  Start();
   CallAndRecord(2s);
   Crash();
-  const auto stem = std::string(".recording-12-31-2003_14-05-07");
-  files.Put(messages + stem + "-8-1.wav.part", "sound 5000" + header + "another's");
+  PutGrown(kStem + "-8-1", "sound 5000" + header + "another's");
   RunFor(60s);
-  files.Put(messages + ".recording-a-1-1.wav.part", "sound 3000" + header + "abcdef");
-  files.Put(messages + ".recording-a-1-2.wav.part", "sound 2000" + header + "abcd");
-  files.Put(messages + ".recording-a-2-1.wav.part", "sound 2500" + header + "abxx");
+  PutGrown("a-1-1", "sound 3000" + header + "abcdef");
+  PutGrown("a-1-2", "sound 2000" + header + "abcd");
+  PutGrown("a-2-1", "sound 2500" + header + "abxx");
   RunFor(60s);
-  files.Put(messages + ".recording-b-2-1.wav.part", "sound 1000");
+  PutGrown("b-2-1", "sound 1000");
   Start();
   RunFor(4s);
-  ASSERT_EQ(4U, Filed().size());
-  EXPECT_EQ(call_of_two_seconds, Filed()[0]);
   std::vector<std::string> lengths;
   for (const auto& record : Filed()) lengths.push_back(record[4]);
-  EXPECT_THAT(lengths, testing::UnorderedElementsAre("2", "5", "3", "2.5"));
+  EXPECT_THAT(lengths, UnorderedElementsAre("2", "5", "3", "2.5"));
+  EXPECT_EQ(call_of_two_seconds, Filed()[0]);
   EXPECT_EQ("sound 3000" + header + "abcdef", files.Content(messages + "a.wav"));
-  EXPECT_THAT(files.List(messages, "*.part"), ElementsAre(".recording-b-2-1.wav.part"));
+  EXPECT_THAT(Grown(), ElementsAre(".recording-b-2-1.wav.part"));
   RunFor(7s);
   EXPECT_EQ(5U, Filed().size()) << "it has not grown since the start";
-  EXPECT_THAT(files.List(messages, "*.part"), IsEmpty());
+  EXPECT_THAT(Grown(), IsEmpty());
 }
 
-TEST_F(Recovery, SoundBehindWhatTheHeaderCountsIsCounted) {
+TEST_F(Recovery, ARecordingThatStillGrowsBelongsToAnotherProgram) {
+  PutGrown("b-2-1", "sound 1000");
+  Start();
+  for (int second = 0; second < 60; ++second) {
+    PutGrown("b-2-1", "sound 2000");
+    RunFor(1s);
+  }
+  RunFor(60s);
+  EXPECT_THAT(Filed(), IsEmpty());
+  EXPECT_EQ(1U, Grown().size());
+}
+
+TEST_F(Recovery, AudioThatTheHeaderDoesNotCountIsCounted) {
   const std::string format("fmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0", 24);
   const auto file = [&](char riff, char data) {
     return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + "data" + std::string{data, 0, 0, 0};
   };
   files.Put("cut", file(40, 4) + "abcdefg");
   EXPECT_EQ(file(42, 6) + "abcdefg", WithAllSound(files, "cut")) << "no half sample is counted";
-  files.Put("whole", file(40, 4) + "abcd");
-  files.Put("half", file(40, 4) + "abcde");
-  files.Put("short", file(40, 4) + "ab");
-  files.Put("rubbish", "RIFF data");
-  for (const char* name : {"whole", "half", "short", "rubbish"}) EXPECT_EQ("", WithAllSound(files, name));
-}
-
-TEST_F(Recovery, WhatGrowsOnIsLeftAlone) {
-  Start();
-  Crash();
-  files.Put(messages + ".recording-b-2-1.wav.part", "sound 1000");
-  Start();
-  for (int second = 0; second < 60; ++second) {
-    files.Put(messages + ".recording-b-2-1.wav.part", "sound 2000");
-    RunFor(1s);
+  for (const auto& whole :
+       {file(40, 4) + "abcd", file(40, 4) + "abcde", file(40, 4) + "ab", std::string("RIFF data")}) {
+    files.Put("whole", whole);
+    EXPECT_EQ("", WithAllSound(files, "whole"));
   }
-  RunFor(60s);
-  EXPECT_THAT(Filed(), IsEmpty());
-  EXPECT_TRUE(files.Exists(messages + ".recording-b-2-1.wav.part"));
-}
-
-TEST_F(Recovery, RecordsThatOpenLateGetTheCallThen) {
-  Call();
-  Crash();
-  database.gone = true;
-  Start();
-  RunFor(60s);
-  database.gone = false;
-  RunFor(6s);
-  EXPECT_THAT(Filed(), ElementsAre(call_without_message));
-  EXPECT_FALSE(files.Exists(kJournal));
 }
 
 /// What is on the disk at one moment.
 struct Disk {
   std::map<std::string, std::string> files;
   std::vector<MemoryDatabase::Fields> records;
+
+  /// The contents of the sound files.
+  std::vector<std::string> Sounds() const {
+    std::vector<std::string> sounds;
+    for (const auto& [path, content] : files) {
+      if (path.find("/Messages/") != std::string::npos) sounds.push_back(content);
+    }
+    return sounds;
+  }
 };
 
 Disk DiskOf(World& world) {
@@ -360,59 +315,41 @@ std::vector<Disk> DisksOf(World& world, const std::function<void()>& act) {
   return disks;
 }
 
-std::vector<Disk> DisksOfAStartOn(const Disk& disk, World& world) {
+std::vector<Disk> DisksOfAStartOn(const Disk& disk) {
+  World world;
   for (const auto& [path, content] : disk.files) world.files.Put(path, content);
   world.database.Records() = disk.records;
   world.RunFor(60s);
   return DisksOf(world, [&] { world.Start(); });
 }
 
-/// The contents of the sound files.
-std::vector<std::string> SoundsIn(const Disk& disk) {
-  std::vector<std::string> sounds;
-  for (const auto& [path, content] : disk.files) {
-    if (path.find("/Messages/") != std::string::npos) sounds.push_back(content);
-  }
-  return sounds;
-}
-
 /// So many calls, each with what was recorded of its message, and nothing else; `before` is the disk on which
 /// the program was killed first.
 void ExpectWhole(const Disk& before, const Disk& after, std::size_t calls) {
+  const auto sounds = before.Sounds();
   ASSERT_EQ(calls, after.records.size());
-  EXPECT_EQ(SoundsIn(before), SoundsIn(after));
+  EXPECT_EQ(sounds, after.Sounds());
   EXPECT_FALSE(after.files.contains(kJournal));
   if (calls == 0) return;
   const auto& record = after.records[0];
-  EXPECT_EQ(SoundsIn(before).empty(), record[5] == "-1");
-  if (SoundsIn(before).empty()) return;
-  EXPECT_EQ("Anna", record[0]);
-  EXPECT_EQ("555", record[1]);
-  EXPECT_EQ(1U, after.files.count("/home/orven/Messages/" + record[4]));
+  EXPECT_EQ(sounds.empty(), record[5] == "-1");
+  if (sounds.empty()) return;
+  EXPECT_EQ("Anna 50%555 1234", record[0] + record[1]);
+  EXPECT_TRUE(after.files.contains("/home/orven/Messages/" + record[4]));
 }
 
-TEST(CallRecovery, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostOrTwice) {
-  World called;
-  called.Start();
-  const auto disks = DisksOf(called, [&] {
-    called.line->Offer();
-    called.line->CallerId("Anna", "555");
-    called.RunFor(10ms);
-    called.CallAndWaitForRecording();
-    called.Talk();
-    called.RunFor(2s);
-    called.HangUp();
+TEST_F(Recovery, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostOrTwice) {
+  Start();
+  const auto disks = DisksOf(*this, [this] {
+    CallAndRecord(2s);
+    HangUp();
   });
   std::size_t calls = 0;
-  for (const auto& disk : disks) {
-    if (disk.files.contains(kJournal)) calls = 1;
-    World started;
-    const auto recoveries = DisksOfAStartOn(disk, started);
-    ExpectWhole(disk, recoveries.back(), calls);
-    for (const auto& killed : recoveries) {
-      World again;
-      ExpectWhole(disk, DisksOfAStartOn(killed, again).back(), calls);
-    }
+  for (const auto& moment : disks) {
+    if (moment.files.contains(kJournal)) calls = 1;
+    const auto recoveries = DisksOfAStartOn(moment);
+    ExpectWhole(moment, recoveries.back(), calls);
+    for (const auto& killed : recoveries) ExpectWhole(moment, DisksOfAStartOn(killed).back(), calls);
     if (HasFailure()) return;
   }
   EXPECT_GT(disks.size(), 20U);

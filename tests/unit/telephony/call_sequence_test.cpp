@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "records/call.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -12,20 +11,18 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-TEST(CallSequence, LogsEveryStepOfACallWithAMessage) {
-  World world;
-  world.Start();
-  const auto lines = world.LoggedBy([&] {
-    world.line->Offer();
-    world.line->CallerId("Anna", "5551234");
-    world.line->Ring();
-    world.RunFor(1s);
-    world.line->Ring();
-    world.RunFor(1s);
-    world.time.RunUntil([&] { return world.Wave1.IsRecording(); }, 60s);
-    world.Talk();
-    world.RunFor(5s);
-    world.HangUp();
+class CallSequenceTest : public testing::Test, public World {};
+
+TEST_F(CallSequenceTest, LogsEveryStepOfACallWithAMessage) {
+  Start();
+  const auto lines = LoggedBy([&] {
+    line->Offer();
+    line->CallerId("Anna", "5551234");
+    for (int ring = 0; ring < 2; ++ring, RunFor(1s)) line->Ring();
+    time.RunUntil([&] { return Wave1.IsRecording(); }, 60s);
+    Talk();
+    RunFor(5s);
+    HangUp();
   });
   EXPECT_THAT(lines, ElementsAre("InCommingCall[LineIndex:0]", "CallerID[LineIndex:0]->Anna-5551234",
                                  "Ring[LineIndex:0]->1", "Ring[LineIndex:0]->2",
@@ -35,142 +32,115 @@ TEST(CallSequence, LogsEveryStepOfACallWithAMessage) {
                                  "Disconnected[LineIndex:0]", "Record Message OK", "Close PreScreenOK",
                                  "LineDrop[LineIndex:0]->Proc Num: Success", "Proc[LineIndex:0]->2 2",
                                  "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
-  EXPECT_THAT(world.database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
-                                                                "12-31-2003_14-05-07.wav", "5", "0")));
-  EXPECT_EQ(world.CallsLog().back(), "Ring:2 [Anna:5551234]");
-  EXPECT_EQ(world.files.Content(world.messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
-  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
-  EXPECT_FALSE(world.Machine().recorder.TimersRunning());
+  EXPECT_THAT(database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
+                                                          "12-31-2003_14-05-07.wav", "5", "0")));
+  EXPECT_EQ(CallsLog().back(), "Ring:2 [Anna:5551234]");
+  EXPECT_EQ(files.Content(messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
 }
 
-TEST(CallSequence, ACallerWhoGivesUpIsFiledWithoutAName) {
-  World world;
-  world.Start();
-  world.line->Offer();
-  world.line->Ring();
-  world.RunFor(1s);
-  world.HangUp();
-  ASSERT_EQ(world.database.Records().size(), 1U);
-  EXPECT_EQ(world.database.Field(0, kCallName), "UNKNOWN");
-  EXPECT_EQ(world.database.Field(0, kCallNumber), "UNKNOWN");
-  EXPECT_EQ(world.database.Field(0, kType), "-1");
-  EXPECT_EQ(world.database.Field(0, kCallMassageName), "12-31-2003_14-05-07.wav");
-  EXPECT_EQ(world.CallsLog().back(), "Ring: [UNKNOWN:UNKNOWN]");
+TEST_F(CallSequenceTest, ListMessageOnlyFilesOnlyCallsWithAMessage) {
+  for (const char* flag : {"ListMessageOnly", "cPlayInIdle", "cOnlyIfGotMessage", "pMailTo", "pAppTo"})
+    registry.Set(flag, "1");
+  Start();
+  views.effects.clear();
+  CallAndWaitForAnswer();
+  HangUp();
+  EXPECT_THAT(database.Records(), IsEmpty());
+  EXPECT_THAT(views.effects, IsEmpty());
+  CallAndWaitForRecording();
+  HangUp();
+  EXPECT_EQ(database.Records().size(), 1U);
+  EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/Sound/idle.wav", "action:Mail", "action:App"));
 }
 
-TEST(CallSequence, ListMessageOnlyFilesOnlyCallsWithAMessage) {
-  World world;
-  world.registry.Set("ListMessageOnly", "1");
-  world.registry.Set("cPlayInIdle", "1");
-  world.registry.Set("cOnlyIfGotMessage", "1");
-  world.registry.Set("pMailTo", "1");
-  world.registry.Set("pAppTo", "1");
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.HangUp();
-  EXPECT_THAT(world.database.Records(), IsEmpty());
-  EXPECT_FALSE(world.views.Had("sound:/home/orven/Sound/idle.wav"));
-  EXPECT_FALSE(world.views.Had("action:Mail"));
-
-  world.CallAndWaitForRecording();
-  world.HangUp();
-  EXPECT_EQ(world.database.Records().size(), 1U);
-  EXPECT_THAT(world.views.effects,
-              ElementsAre("sound:/home/orven/beep.wav", "sound:/home/orven/Sound/idle.wav", "action:Mail",
-                          "action:App"));
-}
-
-TEST(CallSequence, AnnouncesTheCallInOrder) {
-  World world;
-  for (const char* flag : {"cPlayInRing", "cPlayInIdle", "ViewDetails", "ActionsMailAllCalls", "pAppTo"}) {
-    world.registry.Set(flag, "1");
-  }
-  world.Start();
-  world.views.effects.clear();
-  world.window->Unload();  // the window goes into the tray
-  world.line->Offer();
-  world.line->Ring();
-  world.RunFor(1s);
-  world.line->CallerId("Anna", "1");
-  world.RunFor(1s);
-  EXPECT_EQ(world.views.caller_view.name, "Anna");
-  world.views.on_effect = [&](const std::string& effect) {
-    if (effect != "action:App") return;
-    EXPECT_EQ(world.database.Records().size(), 1U) << "filed before the actions";
+TEST_F(CallSequenceTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
+  for (const char* flag : {"cPlayInRing", "cPlayInIdle", "ViewDetails", "ActionsMailAllCalls", "pAppTo"})
+    registry.Set(flag, "1");
+  Start();
+  views.effects.clear();
+  window->Unload();  // the window goes into the tray
+  line->Offer();
+  line->Ring();
+  RunFor(1s);
+  line->CallerId("Anna", "1");
+  RunFor(1s);
+  EXPECT_EQ(views.caller_view.name, "Anna");
+  views.on_effect = [&](const std::string& effect) {
+    EXPECT_EQ(database.Records().size(), effect == "action:App" ? 1U : database.Records().size());
   };
-  world.HangUp();
-  EXPECT_THAT(world.views.effects, ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call",
-                                               "view:", "view:Ring : 1", "sound:/home/orven/Sound/idle.wav",
-                                               "view:no commands", "view:Call ended", "action:App"));
-  EXPECT_TRUE(world.Machine().tray.Blinking());
+  HangUp();
+  EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call",
+                                         "view:", "view:Ring : 1", "sound:/home/orven/Sound/idle.wav",
+                                         "view:no commands", "view:Call ended", "action:App"));
+  EXPECT_TRUE(Machine().tray.Blinking());
 }
 
-TEST(CallSequence, EventsWithoutACallDoNothing) {
-  World world;
-  world.Start();
-  auto& sequence = world.Machine().sequence;
-  const auto lines = world.LoggedBy([&] {
-    sequence.Connected(0);
-    sequence.Disconnected(0);
-    sequence.Idle(0);
-  });
-  EXPECT_THAT(lines, IsEmpty());
-  world.line->Offer();
-  world.HangUp();
-  EXPECT_THAT(world.LoggedBy([&] { sequence.Idle(0); }), IsEmpty()) << "a second Idle";
+TEST_F(CallSequenceTest, EventsWithoutACallDoNothing) {
+  Start();
+  auto& sequence = Machine().sequence;
+  for (int calls = 0; calls < 2; ++calls) {
+    EXPECT_THAT(LoggedBy([&] { sequence.Connected(0), sequence.Disconnected(0), sequence.Idle(0); }),
+                IsEmpty());
+    line->Offer();
+    HangUp();
+  }
 }
 
-TEST(CallSequence, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
-  World world;
-  world.Start();
-  auto& control = world.Machine().control;
-  EXPECT_THAT(world.LoggedBy([&] { control.DropInComeCall(); }),
+TEST_F(CallSequenceTest, OnlyTheAnswerThatFailedMakesWayForAnother) {
+  Start();
+  line->SetAnswerDelay(5s);
+  line->Offer();
+  for (int ring = 0; ring < 2; ++ring) line->Ring();
+  RunFor(10ms);
+  Machine().control.Proc(0, 7, kTelephonyDeviceFailed);  // of a call that is gone
+  EXPECT_TRUE(CurrentCall().answering);
+  EXPECT_EQ(Machine().progress.State(), CallState::Answering);
+  Machine().control.Proc(0, 1, kTelephonyDeviceFailed);
+  EXPECT_FALSE(CurrentCall().answering);
+  EXPECT_EQ(Machine().progress.State(), CallState::Offered);
+}
+
+TEST_F(CallSequenceTest, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
+  Start();
+  auto& control = Machine().control;
+  EXPECT_THAT(LoggedBy([&] { control.DropInComeCall(); }),
               ElementsAre("DropChice[LineIndex:0]", "LineAnswer[LineIndex:0]->There is no call on the line.",
                           "LineDrop[LineIndex:0]->Proc Num: There is no call on the line."));
-  world.line->Offer();
-  world.line->Ring();
-  world.RunFor(10ms);
+  line->Offer();
+  line->Ring();
+  RunFor(10ms);
   control.DropInComeCall();
-  world.RunFor(1s);
-  EXPECT_FALSE(world.line->HasCall());
-  EXPECT_THAT(world.SystemLog(), Not(Contains("Connected[LineIndex:0]")));
-  EXPECT_THAT(world.Wave1.played, IsEmpty()) << "no greeting for a rejected call";
-
-  world.CallAndWaitForAnswer();
-  EXPECT_THAT(world.LoggedBy([&] { control.DropInComeCall(); }),
+  RunFor(1s);
+  EXPECT_FALSE(line->HasCall());
+  EXPECT_THAT(SystemLog(), Not(Contains("Connected[LineIndex:0]")));
+  EXPECT_THAT(Wave1.played, IsEmpty()) << "no greeting for a rejected call";
+  CallAndWaitForAnswer();
+  EXPECT_THAT(LoggedBy([&] { control.DropInComeCall(); }),
               ElementsAre("DropChice[LineIndex:0]", "LineDrop[LineIndex:0]->Proc Num: Success"));
-  EXPECT_FALSE(world.Wave1.IsPlaying()) << "hanging up ends the greeting";
-  world.RunFor(1s);
-  EXPECT_EQ(world.database.Records().size(), 2U);
+  EXPECT_FALSE(Wave1.IsPlaying()) << "hanging up ends the greeting";
 }
 
-TEST(CallSequence, ExitDuringACallFilesItWithItsMessage) {
-  World world;
-  world.registry.Set("ViewDetails", "1");
-  world.Start();
-  world.CallAndWaitForRecording();
-  world.RunFor(3s - 500ms);
-  world.window->Exit();
-  EXPECT_TRUE(world.ended);
-  EXPECT_EQ(world.database.Field(0, kType), "2.5");
-  const auto log = world.SystemLog();
-  EXPECT_EQ(log.back(), "Unload ORVEN");
-  EXPECT_FALSE(world.views.caller_view.open) << "what the call's end opened is closed again";
-  EXPECT_THAT(log, Contains("LineClose[LineIndex=0]->Success"));
-  EXPECT_EQ(world.views.Status(), "Off Mode");
+TEST_F(CallSequenceTest, ExitDuringACallFilesItWithItsMessage) {
+  registry.Set("ViewDetails", "1");
+  Start();
+  CallAndWaitForRecording();
+  RunFor(2500ms);
+  window->Exit();
+  EXPECT_TRUE(ended);
+  EXPECT_EQ(database.Field(0, kType), "2.5");
+  EXPECT_EQ(SystemLog().back(), "Unload ORVEN");
+  EXPECT_FALSE(views.caller_view.open) << "what the call's end opened is closed again";
+  EXPECT_TRUE(Logged("LineClose[LineIndex=0]->Success"));
 }
 
-TEST(CallSequence, SettingsChangedInMidCallHoldForTheNextStep) {
-  World world;
-  world.Start();
-  world.CallAndWaitForAnswer();
-  world.Machine().quick_options.SetRings("5");
-  world.Machine().quick_options.SetRecordMessage(false);
-  world.RunFor(5s);
-  EXPECT_FALSE(world.line->HasCall()) << "with recording off the beep ends the call";
-  EXPECT_THAT(world.Wave1.recorded, IsEmpty());
-  EXPECT_EQ(world.registry.Text("NumOfRing"), "5");
-  EXPECT_EQ(world.registry.Text("RecordMessage"), "0");
+TEST_F(CallSequenceTest, RecordingThatIsTurnedOffInMidCallEndsItAfterTheBeep) {
+  Start();
+  CallAndWaitForAnswer();
+  Machine().quick_options.SetRecordMessage(false);
+  RunFor(5s);
+  EXPECT_FALSE(line->HasCall());
+  EXPECT_THAT(Wave1.recorded, IsEmpty());
 }
 
 }  // namespace

@@ -11,82 +11,97 @@ using testing::IsEmpty;
 
 constexpr const char* kSelectDevice = "Select Modem Device From Options/Devices [Modem Device]";
 
-TEST(LineManager, TakesTheFirstUsableDeviceWhenNoneWasChosen) {
-  World world;
-  world.Start();
-  EXPECT_TRUE(world.Logged("SelectDevice->LineIndex: 0  Device Name: Sim"));
-  EXPECT_TRUE(world.Logged("LineOpen[LineIndex:0 Device Name:Sim]->Success"));
-  EXPECT_EQ(world.registry.Text("Modem"), "0");
-  EXPECT_EQ(world.registry.Text("ModemName"), "Sim");
-  EXPECT_TRUE(world.views.line_on);
-  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
-  EXPECT_TRUE(world.views.Had("sound:/home/orven/beep.wav"));
-  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOn(); }), IsEmpty()) << "the line is open already";
+class LineManagerTest : public testing::Test, public World {
+ protected:
+  /// Puts simulated lines of these names in place of the lines; gives the indexes of those that are open
+  /// then.
+  std::vector<std::int32_t> Replace(const std::vector<std::string>& names) {
+    Machine().line.ReplaceDevices([&] {
+      std::vector<TelephoneDevice> devices;
+      for (const auto& name : names) devices.push_back({std::make_unique<SimLine>(name, time)});
+      EXPECT_TRUE(Tapi1->Replace(std::move(devices))) << "a line is still open";
+    });
+    std::vector<std::int32_t> open;
+    for (std::int32_t i = 0; i < Tapi1->GetNumDevs(); ++i) {
+      if (Tapi1->IsLineOpen(i)) open.push_back(i);
+    }
+    return open;
+  }
+};
+
+TEST_F(LineManagerTest, TakesTheFirstUsableDeviceWhenNoneWasChosen) {
+  Start();
+  EXPECT_TRUE(Logged("SelectDevice->LineIndex: 0  Device Name: Sim"));
+  EXPECT_TRUE(Logged("LineOpen[LineIndex:0 Device Name:Sim]->Success"));
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim");
+  EXPECT_TRUE(views.line_on);
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+  EXPECT_TRUE(views.Had("sound:/home/orven/beep.wav"));
+  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
 }
 
-TEST(LineManager, ADeviceThatCannotHearDigitsIsNotUsable) {
-  World world;
-  world.line->MutableCapabilities().monitor_digits = false;
-  world.Start();
-  EXPECT_EQ(world.registry.Text("Modem"), "-2");
-  EXPECT_EQ(world.registry.Text("ModemName"), "");
-  EXPECT_TRUE(world.Logged("SelectDevice->LineIndex: -2  Device Name: "));
-  EXPECT_THAT(world.dialogs.informations, IsEmpty());
-  EXPECT_FALSE(world.views.line_on);
-  EXPECT_FALSE(world.views.Had("sound:/home/orven/beep.wav"));
+TEST_F(LineManagerTest, ADeviceThatCannotHearDigitsIsNotUsable) {
+  line->MutableCapabilities().monitor_digits = false;
+  Start();
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "-2");
+  EXPECT_TRUE(Logged("SelectDevice->LineIndex: -2  Device Name: "));
+  EXPECT_THAT(dialogs.informations, IsEmpty());
+  EXPECT_FALSE(views.line_on);
+  EXPECT_FALSE(views.Had("sound:/home/orven/beep.wav"));
 }
 
-TEST(LineManager, AStoredNameThatNoDeviceHasAnymore) {
-  World world;
-  world.registry.Set("Modem", "3");
-  world.registry.Set("ModemName", "Gone");
-  world.Start();
-  EXPECT_THAT(world.dialogs.informations, ElementsAre(kSelectDevice));
-  EXPECT_EQ(world.registry.Text("Modem"), "-1");
-  world.window->TurnOn();
-  EXPECT_THAT(world.dialogs.informations, ElementsAre(kSelectDevice, kSelectDevice));
-  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
+TEST_F(LineManagerTest, ANameThatNoDeviceHasAnyMoreIsAskedFor) {
+  registry.Set("Modem", "3");
+  registry.Set("ModemName", "Gone");
+  Start();
+  EXPECT_EQ(registry.Text("Modem"), "-1");
+  window->TurnOn();
+  EXPECT_THAT(dialogs.informations, ElementsAre(kSelectDevice, kSelectDevice));
+  EXPECT_FALSE(Tapi1->IsLineOpen(0));
 }
 
-TEST(LineManager, AFailedOpenIsLoggedWithItsReasonAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
-  const std::string line = "LineOpen[LineIndex:0 Device Name:Sim]->";
-  const std::string taken = "Error " + line + "The line is in use by another program. Port 5060 is taken.";
-  World world;
-  world.line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
-  world.Start();
-  EXPECT_TRUE(world.Logged(taken));
-  EXPECT_FALSE(world.views.line_on);
-  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(60s); }), IsEmpty()) << "the reason is known";
-  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
-  world.window->TurnOff();
-  world.line->FailOpen(kTelephonyOk, "");
-  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(60s); }), IsEmpty()) << "it was turned off";
-  world.line->FailOpen(kTelephonyDeviceFailed, "No network.");
-  world.window->TurnOn();
-  world.line->FailOpen(kTelephonyOk, "");
-  EXPECT_THAT(world.LoggedBy([&] { world.RunFor(5s); }), ElementsAre(line + "Success"));
-  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
+TEST_F(LineManagerTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
+  const std::string opens = "LineOpen[LineIndex:0 Device Name:Sim]->";
+  const std::string taken = "Error " + opens + "The line is in use by another program. Port 5060 is taken.";
+  line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
+  Start();
+  EXPECT_TRUE(Logged(taken));
+  EXPECT_FALSE(views.line_on);
+  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the reason is known";
+  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
+  window->TurnOff();
+  line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
+  line->FailOpen(kTelephonyDeviceFailed, "No network.");
+  window->TurnOn();
+  line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(LoggedBy([&] { RunFor(5s); }), ElementsAre(opens + "Success"));
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
 }
 
-TEST(LineManager, ACallStaysOnItsLineWhenAnotherDeviceIsChosen) {
-  World world;
-  world.Start();
-  world.CallAndWaitForRecording();
-  world.Machine().settings.Modem = 7;
-  world.RunFor(4s);
-  EXPECT_FALSE(world.line->HasCall()) << "silence hangs up the line that has the call";
-  EXPECT_EQ(world.views.Status(), "Monitoring Sim");
+TEST_F(LineManagerTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
+  Start();
+  CallAndWaitForRecording();
+  Machine().settings.Modem = 7;
+  RunFor(4s);
+  EXPECT_FALSE(line->HasCall()) << "silence hangs up the line that has the call";
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+  EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
+  EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);
+  EXPECT_EQ(views.Status(), "Off Mode");
 }
 
-TEST(LineManager, ClosesTheLineThatWasOpenedWhateverIsChosenByNow) {
-  World world;
-  world.Start();
-  world.Machine().settings.Modem = 7;
-  EXPECT_THAT(world.LoggedBy([&] { world.window->TurnOff(); }),
-              ElementsAre("LineClose[LineIndex=0]->Success"));
-  EXPECT_FALSE(world.Tapi1->IsLineOpen(0));
-  EXPECT_EQ(world.views.Status(), "Off Mode");
-  EXPECT_FALSE(world.views.line_on);
+TEST_F(LineManagerTest, AmongReplacedDevicesTheChosenOneIsTakenAgainOrTheFirstUsable) {
+  Start();
+  EXPECT_THAT(Replace({"New", "Sim"}), ElementsAre(1));
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+  EXPECT_THAT(Replace({"New"}), ElementsAre(0));
+  EXPECT_EQ(registry.Text("ModemName"), "New");
+  EXPECT_THAT(Replace({}), IsEmpty());
+  EXPECT_EQ(views.Status(), "Off Mode");
+  EXPECT_THAT(Replace({"Again"}), ElementsAre(0)) << "the first line that is there waits for calls";
+  window->TurnOff();
+  EXPECT_THAT(Replace({"Again"}), IsEmpty()) << "a line that is off stays off";
 }
 
 }  // namespace

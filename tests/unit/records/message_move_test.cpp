@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gmock/gmock.h>
+
+#include "base/runtime_error.h"
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::AllOf;
+using testing::Conditional;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::string kNew = "/mnt/new/";
+
+/// Three messages, a call without one, and a file that belongs to no call.
+struct MessageMoveTest : testing::Test, World {
+  MessageMoveTest() {
+    for (const char* name : {"1.wav", "2.wav", "3.wav"}) AddMessage(name, 5s);
+    AddCallWithoutMessage();
+    files.Put(messages + "none.wav", "a stranger's");
+    Start();
+  }
+  void TestBody() override {}
+  void MoveTo(const std::string& folder = kNew) {
+    Machine().move.Begin(folder);
+    RunFor(100ms);
+  }
+  /// The program is killed when it has moved 1.wav, and not yet the others.
+  void MoveAndKill() {
+    background.takes = 1s;
+    Machine().move.Begin(kNew);
+    RunFor(1500ms);
+    background.takes = 0ms;
+    Crash();
+  }
+  /// Writing to a path for which `fails` is true fails.
+  void FailWrites(std::function<bool(const std::string& path)> fails) {
+    files.before_write = [fails = std::move(fails)](const std::string& path) {
+      if (fails(path)) throw RuntimeError(ErrorNumber::DiskFull, path);
+    };
+  }
+  void ExpectStored(const std::string& folder, const std::string& next = kNotFound) {
+    EXPECT_EQ(registry.Text("MassagesPath"), folder);
+    EXPECT_EQ(registry.Text("MassagesPathNext"), next);
+  }
+};
+
+TEST_F(MessageMoveTest, MovesTheMessagesAndNothingElse) {
+  files.Delete(messages + "2.wav");
+  MoveTo();
+  EXPECT_THAT(files.Names(kNew), ElementsAre("1.wav", "3.wav"));
+  EXPECT_THAT(files.Names(messages), ElementsAre("none.wav"));
+  ExpectStored(kNew);
+  EXPECT_EQ(shared.messages_path + Machine().settings.MassagesPath, kNew + kNew);
+  EXPECT_TRUE(Logged("Message is missing: " + messages + "2.wav"));
+  EXPECT_THAT(dialogs.informations, IsEmpty()) << "a message that was lost before is no news";
+}
+
+TEST(MessageMoveSteps, AFailureAtAnyStepLosesNothing) {
+  constexpr int kSteps = 5;  // a file is tried and deleted, three are moved
+  for (int failing = 1; failing <= kSteps; ++failing) {
+    for (const bool for_good : {false, true}) {
+      SCOPED_TRACE(std::to_string(failing) + (for_good ? " and on" : ""));
+      MessageMoveTest world;
+      int step = 0;
+      world.FailWrites([&](const std::string& path) {
+        return path.starts_with(kNew) && (++step == failing || (for_good && step > failing));
+      });
+      world.MoveTo();
+      world.FailWrites([](const std::string&) { return false; });
+      world.ExpectStored(failing == 1 ? world.messages : kNew);
+      const auto& boxes = world.dialogs.informations;
+      for (const std::string name : {"1.wav", "2.wav", "3.wav"}) {
+        const bool stayed = world.files.Exists(world.messages + name);
+        EXPECT_NE(stayed, world.files.Exists(kNew + name)) << name;
+        const auto told = HasSubstr(failing == 1 ? kNew : "\n" + name);
+        EXPECT_THAT(boxes, Conditional(stayed, ElementsAre(told), testing::_));
+        EXPECT_EQ(world.Logged("Message stayed behind: " + world.messages + name), stayed && failing > 1);
+      }
+      EXPECT_EQ(boxes.size(), world.files.Names(world.messages).size() > 1 ? 1U : 0U);
+      EXPECT_EQ(world.Logged("ErrcmdBrowsMessagesPath 61 Disk full: " + kNew + ".orven-test"), failing == 1);
+      world.MoveTo(world.messages);  // the person comes back when there is room
+      EXPECT_EQ(world.files.Names(world.messages).size(), 4U);
+    }
+  }
+}
+
+TEST_F(MessageMoveTest, WhatIsThereAlreadyIsNotOverwritten) {
+  files.Put(kNew + "2.wav", "older");
+  MoveTo();
+  EXPECT_EQ(files.Content(kNew + "2.wav"), "older");
+  EXPECT_EQ(files.Content(messages + "2.wav"), TimedWave::Sound(5s));
+  EXPECT_THAT(dialogs.informations, ElementsAre(HasSubstr("\n2.wav")));
+}
+
+TEST_F(MessageMoveTest, ACallMeanwhileKeepsItsMessageAlsoWhenItWaitsToBeFiled) {
+  CallAndWaitForRecording();
+  bool hung_up = false;  // the disk is slow: the caller hangs up while the second message is being moved
+  FailWrites([&](const std::string& path) {
+    if (path == kNew + "2.wav" && !std::exchange(hung_up, true)) line->HangUp();
+    return false;
+  });
+  MoveTo();
+  CallAndWaitForRecording();
+  database_full = true;
+  HangUp();
+  MoveTo("/mnt/other/");
+  database_full = false;
+  Machine().calls.FileWaitingCalls();
+  CallAndWaitForRecording();
+  MoveTo("/mnt/last/");
+  HangUp();
+  for (std::size_t record = 4; record < 7; ++record)
+    EXPECT_TRUE(files.Exists("/mnt/last/" + database.Field(record, kCallMassageName))) << record;
+}
+
+TEST_F(MessageMoveTest, AMoveThatTheEndInterruptsContinuesWhenBothFoldersAreThere) {
+  MoveAndKill();
+  for (const auto& away : {kNew, messages}) {
+    files.missing_folders = {away};
+    dialogs.informations.clear();
+    Start();
+    RunFor(1s);
+    EXPECT_THAT(dialogs.informations, ElementsAre(AllOf(HasSubstr(kNew), HasSubstr(messages),
+                                                        HasSubstr("Path not found: " + away))));
+    ExpectStored(messages, kNew);
+    Crash();
+  }
+  files.missing_folders.clear();
+  dialogs.informations.clear();
+  files.Put(messages + "1.wav", TimedWave::Sound(5s));  // killed between copying and deleting
+  Start();
+  RunFor(1s);
+  EXPECT_THAT(files.Names(kNew), ElementsAre("1.wav", "2.wav", "3.wav"));
+  EXPECT_THAT(files.Names(messages), ElementsAre("none.wav"));
+  ExpectStored(kNew);
+  EXPECT_THAT(dialogs.informations, IsEmpty());
+}
+
+TEST_F(MessageMoveTest, AnyOtherFolderThanThatOfAnInterruptedMoveNeedsConsent) {
+  MoveAndKill();
+  files.missing_folders = {kNew};
+  for (const auto& other : {std::string("/mnt/other/"), messages}) {
+    registry.Set("MassagesPath", messages);
+    registry.Set("MassagesPathNext", kNew);
+    dialogs.yes = false;
+    Start();
+    RunFor(1s);
+    MoveTo(other);
+    EXPECT_THAT(dialogs.questions.back(), HasSubstr(kNew));
+    ExpectStored(messages, kNew);
+    dialogs.yes = true;
+    MoveTo(other);
+    ExpectStored(other);
+    EXPECT_EQ(files.Exists(other + "2.wav"), other != messages || files.Exists(messages + "2.wav"));
+    Crash();
+  }
+}
+
+TEST_F(MessageMoveTest, SettingsThatCannotBeStoredLoseNoMessage) {
+  registry.refuse_writes = true;
+  MoveTo();
+  EXPECT_EQ(files.Names(messages).size(), 4U);
+  EXPECT_THAT(dialogs.informations, ElementsAre(HasSubstr("settings cannot be stored")));
+  registry.refuse_writes = false;
+  FailWrites([&](const std::string& path) {
+    if (path == kNew + "3.wav") registry.refuse_writes = true;
+    return false;
+  });
+  MoveTo();
+  EXPECT_EQ(shared.messages_path, kNew);
+  EXPECT_EQ(dialogs.informations.size(), 2U);
+  ExpectStored(messages, kNew);
+  files.before_write = [](const std::string&) {};
+  registry.refuse_writes = false;
+  Crash();
+  Start();
+  RunFor(1s);
+  ExpectStored(kNew);
+  EXPECT_EQ(dialogs.informations.size(), 2U);
+}
+
+TEST_F(MessageMoveTest, AMessageIsFoundInEitherFolderWhileTheyMove) {
+  MoveAndKill();
+  files.missing_folders = {kNew};
+  Start();
+  RunFor(1s);
+  files.missing_folders.clear();
+  auto& machine = Machine();
+  for (const auto& [row, path] : {std::pair(4, kNew + "1.wav"), std::pair(3, messages + "2.wav")}) {
+    machine.ListView1.Select(row);
+    machine.player.Play();
+    EXPECT_EQ(WavePlay.played.back().path, path);
+    dialogs.save_as = "/home/me/" + std::to_string(row);
+    machine.list_commands.Save();
+    EXPECT_EQ(files.Content(*dialogs.save_as), TimedWave::Sound(5s));
+  }
+  CallAndWaitForAnswer();
+  Press("4711*");
+  RunFor(16s);
+  EXPECT_EQ(Wave1.played.back().path, kNew + "1.wav");
+  Call call;
+  call.message_file_name = "1.wav";
+  call.message_left = true;
+  machine.actions.DoActions("Mail", call);
+  ASSERT_EQ(Mail1.mails.size(), 1U);
+  EXPECT_EQ(Mail1.mails[0].attachment, kNew + "1.wav");
+  machine.ListView1.Select(4);
+  dialogs.yes = true;
+  machine.list_commands.Delete();
+  RunFor(1s);
+  EXPECT_FALSE(files.Exists(kNew + "1.wav"));
+  EXPECT_FALSE(Logged("ErrDeleteItemIndex "));
+}
+
+}  // namespace
+}  // namespace orven::test
