@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cctype>
+#include <sstream>
 #include "base/runtime_error.h"
+
 #include "greetings/frmGreetC.h"
 #include "gui/window_test.h"
 #include "support/world.h"
@@ -35,22 +38,28 @@ class CreatorWindow : public WindowTest {
   void ChooseTab(int tab) { Get<QTabWidget>("TabStrip1").setCurrentIndex(tab); }
   std::string Text(const char* label) { return Get<QLabel>(label).text().toStdString(); }
   int Value(const char* bar) { return Get<QProgressBar>(bar).value(); }
-  std::vector<std::string> Enabled() {
-    std::vector<std::string> enabled;
+  /// The enabled buttons, in the order of their use.
+  std::string Enabled() {
+    std::string enabled;
     for (const char* name :
          {"cmdRec", "cmdStopRec", "cmdPlay", "cmdStopPlay", "cmdCreateGreeting", "cmdOK"}) {
-      if (Get(name).isEnabled()) enabled.emplace_back(name);
+      if (Get(name).isEnabled()) enabled += std::string(enabled.empty() ? "" : " ") + name;
     }
     return enabled;
   }
-  void RecordFor(std::chrono::milliseconds length) {
-    Click("cmdRec");
-    world.RunFor(length);
-    Click("cmdStopRec");
+  /// What was sent to the helper since the last call, separated by "|".
+  std::string Sent() {
+    std::string all;
+    for (const auto& message : world.uDat.TakeSent()) all += (all.empty() ? "" : "|") + message;
+    return all;
   }
-  void Save(std::chrono::milliseconds within = 1ms) {
-    Click("cmdOK");
-    world.RunFor(within);
+  /// Clicks on buttons and lets time pass, in seconds or milliseconds: "cmdRec 2s cmdStopRec 1ms".
+  void Do(const std::string& script) {
+    std::istringstream words(script);
+    for (std::string word; words >> word;) {
+      if (std::isdigit(word[0]) == 0) Click(word.c_str());
+      if (std::isdigit(word[0]) != 0) world.RunFor(std::stoi(word) * (word.ends_with("ms") ? 1ms : 1000ms));
+    }
   }
   /// From now on the helper writes each file that it is asked for.
   void MakeFiles(std::chrono::milliseconds after) {

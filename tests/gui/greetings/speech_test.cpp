@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QAbstractItemView>
-#include <QClipboard>
 #include <QCompleter>
-#include <QMimeData>
 #include <QTest>
 
 #include "gui/greetings/creator_window.h"
@@ -19,7 +17,7 @@ TEST_F(CreatorWindow, TheHelperIsStartedListsItsVoicesAndSpeaksTheText) {
   Open();
   EXPECT_THAT(world.shell.started, ElementsAre(testing::Pair("\"/home/orven/TTS.exe\" -gc", 2)));
   EXPECT_THAT(world.uDat.checked, testing::Each(7));
-  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("GVC:"));
+  EXPECT_EQ(Sent(), "GVC:");
   EXPECT_EQ(window->SelectedVoice(), -1);
   for (const char* message : {"GVCS:", "DONE:GVCS:", "gvcs:Carl", "GVCS:Anna\r\nBen, slow"})
     world.uDat.Say(message);
@@ -32,7 +30,7 @@ TEST_F(CreatorWindow, TheHelperIsStartedListsItsVoicesAndSpeaksTheText) {
   EXPECT_TRUE(Shows("Frame2") && !Shows("Frame1"));
   EXPECT_EQ(Focused(), "txtTTS");
   for (const char* button : {"SpeakBtn", "cmdCreateGreeting"}) Click(button);
-  EXPECT_THAT(world.uDat.TakeSent(), IsEmpty()) << "there is no text";
+  EXPECT_EQ(Sent(), "") << "there is no text";
   auto& text = Get<QPlainTextEdit>("txtTTS");
   QTest::keyClicks(&text, "Hi");
   QTest::keyClick(&text, Qt::Key_Return);
@@ -41,9 +39,8 @@ TEST_F(CreatorWindow, TheHelperIsStartedListsItsVoicesAndSpeaksTheText) {
   EXPECT_EQ(Focused(), "VoiceCB") << "Return is a new line, Tab leaves";
   voices.setCurrentIndex(1);
   Get<QSlider>("RateSldr").setValue(-7);
-  Click("SpeakBtn");
-  Click("StopBtn");
-  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:1", "SRT:-7", "Say:Hi\nSay: שלום 🎉", "Stp:"));
+  Do("SpeakBtn StopBtn");
+  EXPECT_EQ(Sent(), "SVC:1|SRT:-7|Say:Hi\nSay: שלום 🎉|Stp:");
 }
 
 TEST_F(CreatorWindow, AVoiceIsFoundByAnyPartOfItsDescription) {
@@ -104,8 +101,8 @@ TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
   EXPECT_TRUE(Shows("Frame2"));
   Type("Hello");
   for (const char* button : {"SpeakBtn", "StopBtn", "cmdCreateGreeting"}) Click(button);
-  EXPECT_THAT(world.uDat.sent, IsEmpty());
-  Save();
+  EXPECT_EQ(Sent(), "");
+  Do("cmdOK 1ms");
   EXPECT_THAT(world.dialogs.informations, Contains("Empty Message"));
 
   Open();
@@ -117,23 +114,22 @@ TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
   EXPECT_TRUE(world.Logged("TTS: the speech helper is gone"));
   EXPECT_TRUE(
       world.Logged("TTS: the speech helper made no greeting of the text: there is no " + speech_file));
-  RecordFor(2s);
+  Do("cmdRec 2s cmdStopRec");
   EXPECT_TRUE(world.files.Exists(speaker_file));
 }
 
 TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
   Open();
-  world.uDat.TakeSent();
+  Sent();
   world.files.Put(speech_file, "an older one");
   MakeFiles(5s);
   Type("Nobody is here.");
   Name("Typed");
   Get<QSlider>("RateSldr").setValue(5);
   Click("cmdCreateGreeting");
-  EXPECT_THAT(world.uDat.TakeSent(),
-              ElementsAre("SVC:-1", "SRT:5", "SFS:" + speech_file, "STW:Nobody is here."));
-  Save(4s);
-  EXPECT_THAT(Enabled(), IsEmpty()) << "it waits for the file";
+  EXPECT_EQ(Sent(), "SVC:-1|SRT:5|SFS:" + speech_file + "|STW:Nobody is here.");
+  Do("cmdOK 4s");
+  EXPECT_EQ(Enabled(), "") << "it waits for the file";
   world.RunFor(2s);
   EXPECT_EQ(world.files.Content(Greeting("Typed")), TimedWave::Sound(3s));
   EXPECT_FALSE(world.files.Exists(speech_file));
@@ -141,24 +137,23 @@ TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
 
   Open();
   world.uDat.Say("GVCS:Anna\r\nBen");
-  world.uDat.TakeSent();
+  Sent();
   Get<QComboBox>("VoiceCB").setCurrentIndex(1);
   Type("Hello");
   Click("cmdCreateGreeting");
-  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SVC:1", "SRT:0", "SFS:" + speech_file, "STW:Hello"));
+  EXPECT_EQ(Sent(), "SVC:1|SRT:0|SFS:" + speech_file + "|STW:Hello");
   Click("cmdCreateGreeting");
-  EXPECT_THAT(world.uDat.TakeSent(), ElementsAre("SFS:" + speech_file, "STW:Hello"));
+  EXPECT_EQ(Sent(), "SFS:" + speech_file + "|STW:Hello");
 }
 
 TEST_F(CreatorWindow, GivesUpAfterTheTimeThatTheTextMayTake) {
   Open();
   Type(std::string(5000, 'x'));
   Name("Never");
-  Click("cmdCreateGreeting");
-  Save(13s);
-  EXPECT_THAT(Enabled(), IsEmpty());
+  Do("cmdCreateGreeting cmdOK 13s");
+  EXPECT_EQ(Enabled(), "");
   world.RunFor(2s);
-  EXPECT_THAT(Enabled(), Contains("cmdOK"));
+  EXPECT_TRUE(Get("cmdOK").isEnabled());
   EXPECT_TRUE(
       world.Logged("TTS: the speech helper made no greeting of the text: there is no " + speech_file));
   EXPECT_FALSE(world.files.Exists(Greeting("Never")));
@@ -167,7 +162,7 @@ TEST_F(CreatorWindow, GivesUpAfterTheTimeThatTheTextMayTake) {
   world.uDat.takes = false;
   Click("cmdCreateGreeting");
   EXPECT_TRUE(world.Logged("TTS: the text was not taken, it may be too long"));
-  Save();
+  Do("cmdOK 1ms");
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Empty Message"));
 }
 
@@ -176,35 +171,32 @@ TEST_F(CreatorWindow, ATakeThatAnEarlierHelperReplacedIsNotSaved) {
   MakeFiles(0ms);
   Type("Hello");
   Name("Hello");
-  Click("cmdCreateGreeting");
-  world.RunFor(1s);
+  Do("cmdCreateGreeting 1s");
   world.files.Put(speech_file, TimedWave::Sound(9s));
-  Save(1s);
+  Do("cmdOK 1s");
   EXPECT_TRUE(window->isVisible());
   EXPECT_THAT(Text("lblState"), HasSubstr("create the greeting again"));
-  Click("cmdCreateGreeting");
-  world.RunFor(1s);
-  Save(1s);
+  Do("cmdCreateGreeting 1s cmdOK 1s");
   EXPECT_EQ(world.files.Content(Greeting("Hello")), TimedWave::Sound(3s));
 }
 
 TEST_F(CreatorWindow, ATakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
   Open();
-  world.uDat.TakeSent();
+  Sent();
   MakeFiles(0ms);
-  RecordFor(1s);
+  Do("cmdRec 1s cmdStopRec");
   Type("Hello");
   Click("cmdCreateGreeting");
   EXPECT_THAT(world.dialogs.questions, ElementsAre("This Will Delete Speaker Recorded. \r\n Continue ?"));
   EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::Information);
-  EXPECT_THAT(world.uDat.sent, IsEmpty());
+  EXPECT_EQ(Sent(), "");
   world.dialogs.yes = true;
   Click("cmdRec");
   EXPECT_EQ(window->Text(), "") << "recording clears the text";
   Type("Hello");
   Click("cmdCreateGreeting");
   EXPECT_FALSE(world.Wave1.IsRecording());
-  EXPECT_THAT(Enabled(), ElementsAre("cmdRec", "cmdCreateGreeting", "cmdOK")) << "Play is for the microphone";
+  EXPECT_EQ(Enabled(), "cmdRec cmdCreateGreeting cmdOK") << "Play is for the microphone";
   world.RunFor(1s);
 
   world.dialogs.yes = false;
@@ -215,20 +207,12 @@ TEST_F(CreatorWindow, ATakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
   EXPECT_FALSE(world.Wave1.IsRecording());
   EXPECT_EQ(window->Text(), "Hello");
   Name("Speech");
-  Save();
+  Do("cmdOK 1ms");
   EXPECT_EQ(world.files.Content(Greeting("Speech")), TimedWave::Sound(3s));
 }
 
-TEST_F(CreatorWindow, LongTextsAreAcceptedAndStayReadable) {
+TEST_F(CreatorWindow, LongTextsAndTimesDoNotWidenTheWindow) {
   Open();
-  ChooseTab(1);
-  const auto pasted = QString(100, u'x').append(u' ').repeated(1000);
-  auto mime = std::make_unique<QMimeData>();
-  mime->setHtml(QStringLiteral("<b>no</b>"));
-  mime->setText(pasted);
-  QGuiApplication::clipboard()->setMimeData(mime.release());
-  Get<QPlainTextEdit>("txtTTS").paste();
-  EXPECT_EQ(window->Text(), pasted.toStdString());
   const auto width = window->width();
   window->ShowState(std::string(2000, 'w'));
   QApplication::processEvents();
