@@ -14,11 +14,11 @@ namespace orven {
 /// The helper's end of the link `uDat`. Needs a QCoreApplication; one thread.
 class ExchangeClient {
  public:
-  /// Called by the event loop; see there.
+  /// The event loop calls `handlers`; see MessageLink.
   explicit ExchangeClient(MessageLink::Handlers handlers) : handlers_(std::move(handlers)) {}
 
-  /// Connects to the socket at `path`, and tries again until `limit` has passed; waits meanwhile. Gives
-  /// the reason when that fails; a socket of another user is refused. To be called once.
+  /// Connects to the socket at `path`; blocks and retries until `limit` has passed. Returns the reason when
+  /// that fails. Refuses a socket of another user. To be called once.
   std::optional<std::string> Connect(const std::string& path, std::chrono::milliseconds limit);
 
   /// As MessageLink::Send.

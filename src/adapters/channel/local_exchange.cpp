@@ -22,11 +22,11 @@
 namespace orven {
 namespace {
 
-/// Qt binds the socket in a folder of six letters inside ours before it gives it its name.
+/// Qt first binds the socket in a temporary folder, with a name of six letters, inside ours.
 constexpr qsizetype kRoomForQt = 16;
 constexpr qsizetype kLongestPath = sizeof(sockaddr_un::sun_path) - 1;
 
-/// Folders to try, the best first.
+/// Folders to try, best first.
 QStringList Parents() {
   QStringList parents;
   if (qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
@@ -53,13 +53,13 @@ std::unique_ptr<QTemporaryDir> MakeFolder(QString& problem) {
 
 using namespace std::chrono_literals;
 
-/// How long the end of the program waits for a helper that does not read.
+/// How long the program's exit waits for a helper that does not read.
 constexpr auto kFlushLimit = 1s;
 
 }  // namespace
 
-/// A socket in a fresh folder of its own, both for this user alone, through which one process comes in.
-/// Both are gone from the disk as soon as it has come, and with this object.
+/// A socket in a new folder, both accessible to this user only, that accepts one process. Both are removed
+/// from the disk as soon as it has connected, and with this object.
 class PrivateSocket {
  public:
   using Accepted = std::function<void(std::unique_ptr<QLocalSocket>)>;
@@ -71,7 +71,7 @@ class PrivateSocket {
   PrivateSocket(const PrivateSocket&) = delete;
   PrivateSocket& operator=(const PrivateSocket&) = delete;
 
-  /// Nobody has come in yet.
+  /// Whether the socket still waits for its process.
   bool Open() const { return server_.isListening(); }
 
   std::string Path() const { return server_.fullServerName().toStdString(); }
@@ -133,13 +133,13 @@ bool LocalExchange::OpenCheck(std::int32_t seconds) {
   if (!waiting_ && socket_ && socket_->Open() && Time::now() < limit) {
     const std::weak_ptr<int> opening = opening_;
     WaitUntil(limit);
-    // Closed, opened anew, or destroyed.
+    // Closed, reopened or destroyed meanwhile.
     if (opening.expired()) return false;
   }
   return link_ && link_->Up();
 }
 
-/// May return after the end of this object.
+/// This object may be destroyed before it returns.
 void LocalExchange::WaitUntil(Time::time_point limit) {
   const std::weak_ptr<int> opening = opening_;
   QEventLoop wait;

@@ -15,22 +15,22 @@ namespace orven {
 
 class PrivateSocket;
 
-/// The program's end of the link `uDat`, over a local socket that only this user's processes reach. Needs a
-/// QCoreApplication; user-interface thread. Beyond the port: a helper that does not read for so long that
-/// MessageLink::kMostUnsent waits for it counts as lost.
+/// The program's end of the link `uDat`, over a local socket that only this user's processes can reach. Needs
+/// a QCoreApplication; user-interface thread. In addition to the port's contract, a helper that leaves
+/// MessageLink::kMostUnsent unread counts as lost.
 class LocalExchange final : public DataExchange {
  public:
   /// `loop` outlives this object; events are raised by it.
   explicit LocalExchange(EventLoop& loop);
 
-  /// Ends the link as Close does; waits at most a second for what has been sent to go out.
+  /// Ends the link as Close does; waits at most a second until everything is sent.
   ~LocalExchange() override;
   LocalExchange(const LocalExchange&) = delete;
   LocalExchange& operator=(const LocalExchange&) = delete;
 
-  /// To be called just before a helper is started: ends what there was as Close does and waits for one
-  /// new helper, whose time counts from now. Returns the path of the socket, another one each time, to
-  /// which that helper has to connect (ExchangeClient). Throws RuntimeError 75 when there can be none.
+  /// To be called just before a helper is started: closes the link and opens a socket for one new helper,
+  /// whose time counts from now. Returns the socket's path, a new one each time, for the helper's
+  /// ExchangeClient. Throws RuntimeError 75 when no socket can be opened.
   std::string Listen();
 
   void SetEvents(DataExchangeEvents* events) override { events_ = events; }
@@ -48,12 +48,12 @@ class LocalExchange final : public DataExchange {
 
   EventLoop& loop_;
   DataExchangeEvents* events_ = nullptr;
-  std::unique_ptr<PrivateSocket> socket_;  ///< for a helper that has been started
+  std::unique_ptr<PrivateSocket> socket_;  ///< for a helper that was started
   Time::time_point started_;
   std::unique_ptr<MessageLink> link_;
   std::vector<std::unique_ptr<MessageLink>> ending_;  ///< earlier links
-  QEventLoop* waiting_ = nullptr;                     ///< that of the OpenCheck that waits
-  /// Of the present opening: what is posted for an earlier one is never run, a wait for it is over.
+  QEventLoop* waiting_ = nullptr;                     ///< the loop of the waiting OpenCheck
+  /// Belong to the present opening: tasks posted for an earlier one never run, and a wait for it ends.
   std::unique_ptr<Lifeline> lifeline_;
   std::shared_ptr<int> opening_;
 };

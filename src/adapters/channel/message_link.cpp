@@ -78,7 +78,7 @@ MessageLink::MessageLink(std::unique_ptr<QLocalSocket> socket, Handlers handlers
     Read();
     Lost();
   });
-  // What came before the signals were connected.
+  // Messages that came before the signals were connected.
   QTimer::singleShot(0, &patience_, [this] {
     Read();
     if (Gone()) Lost();
@@ -139,8 +139,8 @@ void MessageLink::Lost() {
   if (std::exchange(up_, false)) handlers_.lost();
 }
 
-/// Only the sending half is shut: a close with something unread would cost the other end what it has not
-/// read yet as soon as it writes.
+/// Shuts only the sending half: after a close with unread data the other end would lose what it has not read
+/// yet as soon as it writes.
 void MessageLink::FinishSending() {
   if (!ending_ || Gone() || socket_->bytesToWrite() > 0) return;
   ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);

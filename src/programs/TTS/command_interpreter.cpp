@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kCommandLetters = 4;
 
-/// A decimal number; one beyond the type counts as the last one of its sign.
+/// A decimal number, clamped to the range of int.
 std::optional<int> Number(std::string_view text) {
   int number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -92,7 +92,7 @@ void CommandInterpreter::SetFile(std::string_view path) {
   }
 }
 
-/// Who has a file made has listened enough; the engine is free for it at once.
+/// A user who asks for a file has listened enough, so that the engine is free for it at once.
 void CommandInterpreter::Write(std::string_view text) {
   if (path_.empty()) return Report("no file is set for the text to be spoken into");
   Stop({});

@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// Does what the messages over the link say: four letters of command, then its argument. Qt's main thread;
-/// nothing here waits.
+/// Executes the messages of the link: a command of four letters, then its argument. Qt's main thread; never
+/// blocks.
 class CommandInterpreter {
  public:
   struct Parts {
@@ -24,16 +24,16 @@ class CommandInterpreter {
   };
   struct Answers {
     std::function<void(const std::string& message)> reply;
-    std::function<void()> unloaded;  ///< once, from any thread: the helper may end
+    std::function<void()> unloaded;  ///< called once, on any thread: the helper may end
   };
 
-  /// `voices` in the order in which they are offered, at least one.
+  /// `voices` in the order shown to the user, at least one.
   CommandInterpreter(Parts parts, std::vector<Voice> voices, Answers answers);
 
-  /// A message that is none of the commands, or has no good argument, changes nothing.
+  /// Ignores a message that is not a command or has an invalid argument.
   void Obey(std::string_view message);
 
-  /// The end has been asked for: the link is not needed any more.
+  /// Whether the end was requested: the link is not needed any more.
   bool Unloading() const { return unloading_; }
 
  private:

@@ -61,16 +61,16 @@ constexpr auto kConnectLimit = 3s;
 
 constexpr std::int32_t kDefaultCard = 0;
 
-/// Ends the event loop. Any thread; an end that was asked for before stays.
+/// Ends the event loop. Any thread; an earlier request for the end stays valid.
 void Exit(int code) {
   QMetaObject::invokeMethod(
       qApp, [code] { QCoreApplication::exit(code); }, Qt::QueuedConnection);
 }
 
-/// Everything that the helper consists of.
+/// The helper's parts, composed.
 class Helper {
  public:
-  /// Throws std::exception when the engine cannot be used or there is no voice.
+  /// Throws std::exception when the engine cannot be used or has no voice.
   Helper() {
     auto voices = VoicesFor(QLocale::system().name().toStdString(), engine_.Voices());
     if (voices.empty()) throw std::runtime_error("the speech engine has no voices");
@@ -139,7 +139,7 @@ int RunHelper(int& count, char** arguments) {
 }  // namespace orven
 
 int main(int count, char** arguments) {
-  // A file that may grow no further is a failed write with a reason, not the end of the process.
+  // Exceeding a file size limit fails the write, with a reason, instead of ending the process.
   std::signal(SIGXFSZ, SIG_IGN);
   const std::span<char*> words(arguments, static_cast<std::size_t>(count));
   if (words.size() == 2 && std::string_view(words[1]) == "-gc") return orven::RunHelper(count, arguments);

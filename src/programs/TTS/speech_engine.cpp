@@ -28,7 +28,7 @@ std::string LanguageTag(std::string_view locale) {
   return tag;
 }
 
-/// How far a voice is from the language wanted: 0 to 3, 4 for another language.
+/// How well a voice matches the language: 0 (best) to 3, 4 for another language.
 int Distance(const Voice& voice, const std::string& tag) {
   const std::string language = tag.substr(0, tag.find('-'));
   int distance = 4;
@@ -49,8 +49,8 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-/// While it lives, the sound server of this process is one that does not exist. The library asks for it when
-/// it starts, although it is not to play anything, and would wait for ever for a server that hangs.
+/// Points this process at a sound server that does not exist while it lives. The library connects to the
+/// server when it starts, although it does not play anything, and would wait forever for one that hangs.
 class NoSoundServer {
  public:
   NoSoundServer() {
@@ -72,8 +72,8 @@ class NoSoundServer {
   std::optional<std::string> before_;
 };
 
-/// Where the speech of the present call goes; the library's callback carries nothing of ours when it
-/// has no event to tell of.
+/// Where the speech of the present call goes. A global, as the library's callback passes user data only with
+/// events.
 struct Receiver {
   const SpeechEngine::Sink& sink;
   std::exception_ptr failure;
@@ -101,7 +101,7 @@ void Check(espeak_ng_STATUS status, const std::string& what) {
   throw std::runtime_error(what + ": " + text.data());
 }
 
-/// Control characters would be commands of the engine, or the text's end; they become blanks.
+/// Replaces control characters by blanks: the engine would take them as commands, or as the end of the text.
 std::string WithoutCommands(std::string text) {
   for (char& letter : text) {
     const auto code = static_cast<unsigned char>(letter);
@@ -111,7 +111,7 @@ std::string WithoutCommands(std::string text) {
   return text;
 }
 
-/// The library's list: a byte of priority and a name, each ended by a zero, up to an empty entry.
+/// Reads the library's list: entries of a priority byte and a name that ends with a zero, up to an empty one.
 std::vector<std::string> Languages(const char* list) {
   std::vector<std::string> languages;
   while (list != nullptr && *list != '\0') {
@@ -163,7 +163,7 @@ SpeechEngine::~SpeechEngine() {
 
 std::vector<Voice> SpeechEngine::Voices() const {
   std::vector<Voice> voices;
-  // Without a criterion the list has no voices of other synthesizers, which may not be installed.
+  // Without a criterion the list leaves out voices of other synthesizers, which may not be installed.
   for (const espeak_VOICE** voice = espeak_ListVoices(nullptr); *voice != nullptr; ++voice) {
     voices.push_back({(*voice)->name, (*voice)->identifier, Languages((*voice)->languages)});
   }

@@ -13,36 +13,35 @@
 namespace orven {
 /// A voice of the speech engine.
 struct Voice {
-  std::string description;             ///< as a person chooses it, "English (America)"
-  std::string identifier;              ///< as the engine finds it
-  std::vector<std::string> languages;  ///< in small letters with hyphens, "en-us"
+  std::string description;             ///< shown to the user, "English (America)"
+  std::string identifier;              ///< the engine's own name
+  std::vector<std::string> languages;  ///< in lower case with hyphens, "en-us"
 };
 
-/// The voices as they are offered: those for the language of `locale` ("de_AT") first, of these the ones for
-/// exactly that, then for a part of it, then for the language as such; the others follow as they were.
-/// Descriptions are made unique and free of line breaks. The locales "C" and "POSIX" count as American
-/// English.
+/// The voices in the order for the user: first those for the language of `locale` ("de_AT"), best match
+/// first, then the others in their order. Makes descriptions unique and removes line breaks from them. The
+/// locales "C" and "POSIX" count as American English.
 std::vector<Voice> VoicesFor(std::string_view locale, std::vector<Voice> voices);
 
 /// The voices' descriptions, one a line, with "\r\n" between them.
 std::string JoinedDescriptions(const std::vector<Voice>& voices);
 
-/// A text and how it is to be spoken.
+/// A text and how to speak it.
 struct Utterance {
   std::string text;   ///< UTF-8
   std::string voice;  ///< Voice::identifier
   int words_per_minute;
 };
 
-/// The speech engine, espeak-ng. Opens no sound device. One object a process, because the library has one
-/// voice; one thread at a time.
+/// The speech engine, espeak-ng. Does not open a sound device. One object per process, because the library
+/// has one voice; one thread at a time.
 class SpeechEngine {
  public:
-  /// Takes the next samples (mono, SampleRate a second); false ends the speech.
+  /// Takes the next samples (mono, SampleRate per second); false ends the speech.
   using Sink = std::function<bool(std::span<const std::int16_t>)>;
 
-  /// Throws std::runtime_error when the engine's data are missing or damaged. To be called before there are
-  /// other threads: it changes the environment for a moment.
+  /// Throws std::runtime_error when the engine's data are missing or damaged. To be called before other
+  /// threads start, as it changes the environment for a moment.
   SpeechEngine();
   ~SpeechEngine();
   SpeechEngine(const SpeechEngine&) = delete;
@@ -53,17 +52,17 @@ class SpeechEngine {
   /// In the engine's order.
   std::vector<Voice> Voices() const;
 
-  /// Speaks all of the text into `sink` while it is being made, in pieces of a few hundredths of a second.
-  /// Nothing in the text is an instruction to the engine. Throws std::runtime_error when the voice
-  /// cannot be used, and what `sink` throws.
+  /// Speaks the text into `sink` while it is synthesised, in pieces of a few hundredths of a second. Nothing
+  /// in the text is a command to the engine. Throws std::runtime_error when the voice cannot be used, and
+  /// what `sink` throws.
   void Speak(const Utterance& utterance, const Sink& sink);
 
  private:
   int sample_rate_ = 0;
 };
 
-/// Words a minute for a rate of the slider: 0 is the engine's own rate, 10 steps are a factor of three.
-/// What lies beyond the slider counts as its end, what lies beyond the engine's range as that's end.
+/// Words per minute for a position of the rate slider: 0 is the engine's normal rate, 10 steps are a factor
+/// of three. Clamped to the range of the slider, -10 to 10, and to that of the engine.
 inline int WordsPerMinute(int rate) {
   constexpr int kMostRate = 10;
   constexpr double kFactorOfTenSteps = 3;

@@ -36,8 +36,7 @@ std::string HiddenPrefix(const std::string& path) {
   return "." + fs::path(path).filename().string() + ".tts-";
 }
 
-/// Permissions of a new file. The process's mask can only be read by setting it: done once, when the
-/// first file is made.
+/// Permissions of a new file. The process's mask can be read only by setting it, so this is done once.
 mode_t NewFileMode() {
   static const mode_t mask = [] {
     const mode_t old = ::umask(0);
@@ -115,8 +114,8 @@ void RemoveLeftovers(const std::string& path) {
 }
 
 void RemoveSpeechFile(const std::string& path) {
-  // The hidden ones first: a file that another helper finishes at this moment cannot appear after the
-  // removal of the older one.
+  // Hidden files first: so a file that another helper is finishing cannot appear after the older one is
+  // removed.
   RemoveLeftovers(path);
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileFailure(errno, path);
 }

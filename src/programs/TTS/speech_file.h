@@ -13,24 +13,24 @@
 
 namespace orven {
 
-/// A sound file that appears under its name whole or not at all: WAV, PCM 16-bit, mono. It grows under a
-/// hidden name beside its own (".ttstmp.wav.tts-x1Y2z3"). All failures throw std::runtime_error, and the
-/// hidden file goes. One thread at a time.
+/// A sound file that appears under its name complete or not at all: WAV, PCM 16-bit, mono. It grows under a
+/// hidden name in the same folder (".ttstmp.wav.tts-x1Y2z3"). Failures throw std::runtime_error and remove
+/// the hidden file. One thread at a time.
 class SpeechFile {
  public:
   SpeechFile(std::string path, int sample_rate);
 
-  /// Removes what has not appeared.
+  /// Removes a file that has not appeared.
   ~SpeechFile();
   SpeechFile(const SpeechFile&) = delete;
   SpeechFile& operator=(const SpeechFile&) = delete;
 
   void Write(std::span<const std::int16_t> samples);
 
-  /// Ends the file and waits until it has reached the disk. Throws also when all of it is silence.
+  /// Completes the file and waits until it is on the disk. Throws also when it is all silence.
   void Finish();
 
-  /// Gives the finished file its name, in place of an older file.
+  /// Gives the finished file its name; replaces an older file.
   void Appear();
 
  private:
@@ -47,10 +47,10 @@ class SpeechFile {
   bool heard_ = false;
 };
 
-/// Removes the hidden files that helpers which were killed have left of the file at `path`.
+/// Removes the hidden files that killed helpers have left for the file at `path`.
 void RemoveLeftovers(const std::string& path);
 
-/// Removes the file at `path` and the leftovers of it. Throws std::runtime_error when the file stays.
+/// Removes the file at `path` and its leftovers. Throws std::runtime_error when it cannot be removed.
 void RemoveSpeechFile(const std::string& path);
 
 }  // namespace orven

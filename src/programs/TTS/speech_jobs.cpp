@@ -12,7 +12,7 @@
 namespace orven {
 void Report(const std::string& text) {
   const std::string line = "TTS: " + text + "\n";
-  // Nobody is left to be told when that fails.
+  // There is no other place to report a failure.
   [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
 }
 
@@ -61,7 +61,7 @@ void SpeechJobs::AbandonFile(const std::string& path) {
   AbandonFiles([&path](const File& file) { return file.path == path; });
 }
 
-/// Queued ones stay in their places and are passed over.
+/// Queued files stay in the queue and are skipped.
 void SpeechJobs::AbandonFiles(const std::function<bool(const File&)>& which) {
   std::vector<std::shared_ptr<File>> files;
   {
@@ -89,7 +89,7 @@ void SpeechJobs::Run() {
     if (jobs_.empty() && when_made_) std::exchange(when_made_, nullptr)();
     wake_.wait(lock, [this] { return ending_ || when_made_ || !jobs_.empty(); });
     if (ending_ || jobs_.empty()) continue;
-    // Shared or moved out of nothing: a job stays first, and in its place, while it is being done.
+    // The job stays at the front while it is done; pushing to a deque does not move it.
     const Job& job = jobs_.front();
     lock.unlock();
     Do(job);

@@ -14,34 +14,34 @@
 #include "programs/TTS/spoken_audio.h"
 
 namespace orven {
-/// Writes one line to standard error, whole. Any thread.
+/// Writes one line to standard error in one piece. Any thread.
 void Report(const std::string& text);
 
-/// The thread in which all speech is made, one text after the other. Every operation returns at once;
-/// what fails is one line on standard error. Qt's main thread.
+/// The thread that synthesises all speech, one text after the other. Operations return at once; a failure is
+/// one line on standard error. Qt's main thread.
 class SpeechJobs {
  public:
-  /// Both outlive this object and are used by its thread only, the sound also by others.
+  /// Both outlive this object. Only its thread uses the engine.
   SpeechJobs(SpeechEngine& engine, SpokenAudio& audio);
 
-  /// Abandons everything and waits for the thread, which ends with the present piece of speech.
+  /// Abandons everything and waits for the thread, which ends after the present piece of speech.
   ~SpeechJobs();
   SpeechJobs(const SpeechJobs&) = delete;
   SpeechJobs& operator=(const SpeechJobs&) = delete;
 
-  /// Speaks into the sound, which gave `ticket` for it. Waits for the files that are to be made.
+  /// Speaks into the SpokenAudio that issued `ticket`, after the files that are queued.
   void Say(Utterance utterance, SpokenAudio::Ticket ticket);
 
-  /// Forgets all texts to be said; the one being said ends when the sound is cut off.
+  /// Drops all queued texts; the one being spoken ends when the audio is cut off.
   void ForgetSpeech();
 
   /// Speaks into the file at `path`.
   void Write(Utterance utterance, std::string path);
 
-  /// Abandons the files at `path` that are being made or are to be made: none of them appears after this.
+  /// Abandons the files at `path` that are being written or queued: none of them appears after this.
   void AbandonFile(const std::string& path);
 
-  /// Calls `done` in the thread when all files have been made; at once when there is none. Once.
+  /// Calls `done` once on the thread, when all files are written; at once when there are none.
   void WhenFilesAreMade(std::function<void()> done);
 
  private:
@@ -52,7 +52,7 @@ class SpeechJobs {
   struct File {
     Utterance utterance;
     std::string path;
-    std::mutex mutex;  ///< held while the file appears
+    std::mutex mutex;  ///< held while the file gets its name
     bool abandoned = false;
 
     bool Abandoned() {
@@ -77,7 +77,7 @@ class SpeechJobs {
   SpokenAudio& audio_;
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::deque<Job> jobs_;  ///< the first is being done
+  std::deque<Job> jobs_;  ///< the first is in progress
   bool ending_ = false;
   std::function<void()> when_made_;
   std::thread thread_;

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t kMostKept = std::size_t{4} * kSampleRate;
 
-/// Silence at the end, longer than what a card keeps in its buffer: a text that comes before the last one
-/// has been heard is played after it and not into it.
+/// Silence at the end, longer than a card's buffer: a text that comes before the last one has been heard is
+/// played after it, not into it.
 constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 
 }  // namespace
@@ -79,7 +79,7 @@ bool SpokenAudio::Read(std::span<std::int16_t> block) {
     silent_samples_ += block.size();
   }
   std::ranges::fill(block, std::int16_t{0});
-  // A piece of a block is the end of a text, or is kept until there is more.
+  // A partial block is the end of a text, or waits for more.
   if (coming_ > 0 && count < block.size()) return true;
   const auto end = samples_.begin() + static_cast<std::ptrdiff_t>(count);
   std::copy(samples_.begin(), end, block.begin());

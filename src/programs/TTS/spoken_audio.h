@@ -13,11 +13,11 @@
 
 namespace orven {
 
-/// Speech on its way to the sound card, one text after the other: made into the telephone's rate, a few
-/// seconds of it kept in between. The thread that makes the speech waits here for room. Any thread.
+/// Speech on its way to the sound card, one text after the other: converts it to the telephone's rate and
+/// buffers a few seconds. The speech thread waits here for room. Thread-safe.
 class SpokenAudio : public AudioSource {
  public:
-  /// Names the texts that were announced since the last cut.
+  /// Identifies the texts that were announced since the last cut.
   using Ticket = std::uint64_t;
 
   /// `sample_rate` is that of the samples written.
@@ -25,32 +25,32 @@ class SpokenAudio : public AudioSource {
 
   struct Announced {
     Ticket ticket;
-    bool start;  ///< nothing plays this sound now: a device has to be started on it
+    bool start;  ///< nothing plays this now: a device must be started on it
   };
 
-  /// One more text comes.
+  /// Announces one more text.
   Announced Announce();
 
-  /// Takes the next samples of the text that comes next, and waits for room. False when it was cut off.
+  /// Adds samples of the current text; waits for room. False when the text was cut off.
   bool Write(Ticket ticket, std::span<const std::int16_t> samples);
 
   /// The text is complete, or cannot be spoken.
   void Finish(Ticket ticket);
 
-  /// Cuts off all texts that have been announced; the device has been stopped before.
+  /// Cuts off all announced texts; stop the device before.
   void CutOff();
 
   bool Read(std::span<std::int16_t> block) override;
 
-  /// The device is gone: what was announced is never heard. Each new text tries it again.
+  /// The device is gone: announced texts are dropped. Each new text tries the device again.
   void Gone() override { CutOff(); }
 
  private:
   bool Convert(Ticket ticket, std::span<const std::int16_t> samples, bool last);
 
-  // The thread that makes the speech.
+  // The speech thread only.
   Resampler resampler_;
-  Ticket converted_ = 0;  ///< whose samples the resampler holds
+  Ticket converted_ = 0;  ///< the text in the resampler
   std::vector<float> input_;
   std::vector<std::int16_t> converted_samples_;
 

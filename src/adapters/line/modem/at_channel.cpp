@@ -10,7 +10,7 @@
 namespace orven {
 namespace {
 
-/// What a modem says of the line at any time, and never as an answer.
+/// Unsolicited results: what a modem reports at any time, never as an answer.
 constexpr std::array<std::string_view, 8> kLineNews{"RING", "DATE", "TIME", "NMBR",
                                                     "NAME", "MESG", "DRON", "DROF"};
 
@@ -22,12 +22,12 @@ bool IsLineNews(std::string_view line) {
   });
 }
 
-/// The modem has hung up by itself, whatever it was asked.
+/// The modem has hung up by itself, regardless of the command.
 bool IsHangUp(std::string_view line) {
   return line == "NO CARRIER" || line == "BUSY";
 }
 
-/// The result that a line is, if it is one (ITU-T V.250, clause 5.7; VCON: V.253).
+/// The result code in `line`, if it is one (ITU-T V.250, clause 5.7; VCON: V.253).
 std::optional<ModemReply::Kind> ResultOf(std::string_view line) {
   if (line == "OK" || line == "VCON") return ModemReply::Kind::Ok;
   if (line.starts_with("CONNECT")) return ModemReply::Kind::Connect;
@@ -103,10 +103,10 @@ void AtChannel::Line(const std::string& text) {
     reply_.lines.push_back(text);
     return;
   }
-  // Who has the call has to know before it is asked anything else.
+  // The call must know before the next command is sent.
   if (IsHangUp(text)) unsolicited_.Line(text);
   if (!asking_) return;
-  // An OK where sound should begin belongs to something earlier.
+  // An OK instead of CONNECT belongs to something earlier.
   if (current_.wants_connect && *result == ModemReply::Kind::Ok) {
     strays_seen_ = true;
     return;

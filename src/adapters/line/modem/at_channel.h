@@ -15,7 +15,7 @@
 #include "platform/event_loop.h"
 
 namespace orven {
-/// Told what comes through a link, never within one of its operations.
+/// Receives what comes through a link, never inside one of its operations.
 class ModemLinkEvents {
  public:
   virtual ~ModemLinkEvents() = default;
@@ -25,48 +25,48 @@ class ModemLinkEvents {
   virtual void Lost() = 0;
 };
 
-/// Why a port cannot be opened, with one sentence that tells its user so.
+/// Why a port cannot be opened, with one sentence for the user.
 struct LinkProblem {
   enum class Kind : std::uint8_t { Absent, Taken, Forbidden, Failed };
   Kind kind = Kind::Failed;
   std::string text;
 };
 
-/// The bytes to and from one modem, on one thread; no operation waits.
+/// The connection to one modem, on one thread; no operation blocks.
 class ModemLink {
  public:
   virtual ~ModemLink() = default;
 
-  /// Takes the port for itself: raw, 8N1, `rate` bit/s. Nothing on success.
+  /// Opens the port exclusively: raw, 8N1, `rate` bit/s. Returns nothing on success.
   virtual std::optional<LinkProblem> Open(const std::string& port, int rate, ModemLinkEvents& events) = 0;
   virtual void Close() = 0;
 
-  /// False when the port cannot have that rate; then it keeps its own.
+  /// False when the port does not support that rate; it keeps its present one.
   virtual bool SetRate(int rate) = 0;
 
-  /// Sends `bytes` as soon as the port takes them. Nothing on a link that is closed.
+  /// Sends `bytes` as soon as the port takes them. Does nothing on a closed link.
   virtual void Write(std::span<const std::uint8_t> bytes) = 0;
 
-  /// Throws away what has been written and not yet been taken by the port.
+  /// Discards what has been written but not yet taken by the port.
   virtual void DiscardUnsent() = 0;
 
-  /// Bytes that wait to be sent: a port whose modem has stopped takes none.
+  /// Bytes that wait to be sent: the port of a stopped modem takes none.
   virtual std::size_t Unsent() const = 0;
 };
 
-/// What a modem answers to a command.
+/// A modem's answer to a command.
 struct ModemReply {
   enum class Kind : std::uint8_t { Ok, Error, Connect, Nothing };
   Kind kind = Kind::Nothing;
-  std::vector<std::string> lines;  ///< what came before the result
-  bool echoed = false;             ///< the command itself came back: the modem has its own settings
+  std::vector<std::string> lines;  ///< the lines before the result
+  bool echoed = false;  ///< the command came back: the modem lost the setting that turned the echo off
 
   bool Ok() const { return kind == Kind::Ok; }
 };
 
-/// Commands and their answers, one after the other; what belongs to no answer goes to `unsolicited`. A modem
-/// says such things in the middle of an answer, too; NO CARRIER and BUSY are both. One thread; the link is
-/// open while anything is asked.
+/// An AT command channel: sends commands one after the other and collects their answers. Unsolicited results
+/// go to `unsolicited`, also those in the middle of an answer; NO CARRIER and BUSY count as both. One thread;
+/// the link must be open while commands are sent.
 class AtChannel : private ModemOutput {
  public:
   using Done = std::function<void(const ModemReply&)>;
@@ -79,29 +79,29 @@ class AtChannel : private ModemOutput {
 
   void Received(std::span<const std::uint8_t> bytes) { reader_.Read(bytes); }
 
-  /// Sends `command` when what was asked before has its answer. `done` is told exactly once, with
-  /// Nothing after `patience`; not after Forget.
+  /// Sends `command` when the commands before it have their answers. `done` is called exactly once, with
+  /// Nothing after `patience`; never after Forget.
   void Ask(
       std::string command, Done done = [](const ModemReply&) {},
       std::chrono::milliseconds patience = kPatience);
 
-  /// The same for a command that sound follows: its result is Connect or Error.
+  /// The same for a command that starts a stream of audio: its result is Connect or Error.
   enum class Direction : std::uint8_t { Transmit, Receive };
   void AskForAudio(std::string command, Direction direction, Done done);
 
-  /// The modem will say OK of itself.
+  /// The modem is about to say OK without a command.
   void AwaitOk(Done done, std::chrono::milliseconds patience);
 
-  /// Sound that is transmitted, or the end of it.
+  /// Writes audio, or the codes that end it.
   void Write(std::span<const std::uint8_t> bytes) { link_.Write(bytes); }
 
-  /// The end of received sound has been lost: lines follow.
+  /// The end of the received audio was lost: lines follow.
   void ExpectLines() { reader_.ExpectLines(); }
 
-  /// Nothing is asked any more.
+  /// Drops all commands that have no answer yet.
   void Forget();
 
-  /// Whether this modem has said OK to nothing before: the next one could be taken for an answer.
+  /// Whether this modem has said a stray OK before: the next one could be mistaken for an answer.
   bool StraysSeen() const { return strays_seen_; }
 
  private:
@@ -132,7 +132,7 @@ class AtChannel : private ModemOutput {
   bool asking_ = false;
   bool strays_seen_ = false;
   ModemReply reply_;
-  std::uint64_t turn_ = 0;  ///< tells the patience of one command from that of the next
+  std::uint64_t turn_ = 0;  ///< number of the present command
   Lifeline lifeline_;
 };
 

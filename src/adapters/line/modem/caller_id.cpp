@@ -19,8 +19,8 @@
 namespace orven {
 namespace {
 
-/// What a caller id message tells, as it was sent; nothing where it has no such parameter. A reason for its
-/// absence ("P" withheld, "O" not known) stands in place of a number or name.
+/// The contents of a caller id message, as sent; nothing for a missing parameter. A reason for its absence
+/// ("P" withheld, "O" unknown) takes the place of a number or name.
 struct CallerIdMessage {
   std::optional<std::string> number;
   std::optional<std::string> name;
@@ -37,14 +37,14 @@ constexpr unsigned char kNoName = 0x08;
 /// Before the number in the single format: month, day, hour, minute, two digits each.
 constexpr std::size_t kDateAndTime = 8;
 
-/// Type, length, and the checksum behind them.
+/// Type, length and checksum.
 constexpr std::size_t kFrame = 3;
 
 unsigned char ByteAt(std::string_view bytes, std::size_t at) {
   return static_cast<unsigned char>(bytes[at]);
 }
 
-/// Empty when there is anything but pairs of digits and blanks.
+/// Empty when the text has anything but pairs of digits, and blanks.
 std::string FromHexadecimal(std::string_view text) {
   std::string digits;
   for (const char c : text) {
@@ -61,7 +61,7 @@ std::string FromHexadecimal(std::string_view text) {
   return bytes;
 }
 
-/// Type, length, so many bytes, and what makes the sum of all a multiple of 256.
+/// Type, length, that many bytes, and a checksum that makes the sum of all a multiple of 256.
 bool IsWhole(std::string_view bytes) {
   if (bytes.size() < kFrame || bytes.size() != ByteAt(bytes, 1) + kFrame) return false;
   const auto add = [](unsigned sum, char c) { return sum + static_cast<unsigned char>(c); };
@@ -82,9 +82,9 @@ CallerIdMessage ReadMultiple(std::string_view parameters) {
   return message;
 }
 
-/// Reads a caller id message as it goes over the line between two rings, in hexadecimal digits with or
-/// without blanks: single data message format (type 04) or multiple (type 80), Telcordia GR-30 and GR-31.
-/// Nothing when it is another kind, cut short, or its checksum is wrong.
+/// Reads a caller id message in hexadecimal digits, with or without blanks: single (type 04) or multiple
+/// (type 80) data message format, Telcordia GR-30 and GR-31. Nothing when it is of another type, cut short,
+/// or its checksum is wrong.
 std::optional<CallerIdMessage> ReadCallerIdMessage(std::string_view hexadecimal) {
   const auto bytes = FromHexadecimal(hexadecimal);
   if (!IsWhole(bytes)) return std::nullopt;
@@ -112,7 +112,7 @@ std::string Capitals(std::string_view text) {
   return capitals;
 }
 
-/// Networks and modems that know more than ASCII send ISO 8859-1.
+/// Networks and modems that send more than ASCII send ISO 8859-1.
 std::string ToUtf8(std::string_view text) {
   if (IsUtf8(text)) return std::string(text);
   std::string utf8;
@@ -124,7 +124,7 @@ std::string ToUtf8(std::string_view text) {
   return utf8;
 }
 
-/// What stands instead of a number or name that is withheld or not known: P and O (GR-31), or in words.
+/// What replaces a withheld or unknown number or name: P and O (GR-31), or words.
 bool IsReason(std::string_view text) {
   static constexpr std::array<std::string_view, 6> kReasons{"P",       "O",           "PRIVATE",
                                                             "UNKNOWN", "OUT OF AREA", "ANONYMOUS"};
@@ -171,7 +171,7 @@ std::optional<ModemCaller> CallerIdLines::Finish() {
   return ModemCaller{lines.name_.value_or(""), lines.number_.value_or("")};
 }
 
-/// What has been told once is not forgotten for a later line that withholds it.
+/// A later line that withholds a value does not erase it.
 void CallerIdLines::Tell(std::optional<std::string>& what, std::string_view value) {
   auto told = Told(value);
   if (!what || !told.empty()) what = std::move(told);

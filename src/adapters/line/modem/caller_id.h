@@ -6,7 +6,8 @@
 #include <string_view>
 
 namespace orven {
-/// Who calls, in UTF-8; empty where the network does not tell or the caller hides.
+/// The caller's name and number, in UTF-8; empty when the network does not send it or the caller withholds
+/// it.
 struct ModemCaller {
   std::string name;
   std::string number;
@@ -14,11 +15,11 @@ struct ModemCaller {
   bool operator==(const ModemCaller&) const = default;
 };
 
-/// Collects the lines with which a modem tells who calls: DATE, TIME, NMBR, NAME, MESG (a whole caller id
-/// message) in any order and number, as "TAG=value" or "TAG = value". Nothing marks the last one.
+/// Collects a modem's caller id lines: DATE, TIME, NMBR, NAME, MESG (a whole caller id message), in any order
+/// and number, as "TAG=value" or "TAG = value". Nothing marks the last one.
 class CallerIdLines {
  public:
-  /// Whether `line` is one of them; then it is taken.
+  /// Takes `line` if it is one of them; false if it is not.
   bool Take(const std::string& line);
 
   /// A whole <DLE>X packet of such lines.
@@ -27,9 +28,8 @@ class CallerIdLines {
   /// Whether anything has been taken since the last Finish.
   bool Any() const { return any_; }
 
-  /// What has been taken, and begins anew. A number that is withheld ("P") or that the network does not know
-  /// ("O") is empty, as is such a name: a caller of whom nothing is told. Nothing when neither a number nor a
-  /// name came in any form, date and time only.
+  /// Returns what has been taken and starts over. A withheld ("P") or unknown ("O") number or name is empty.
+  /// Nothing when neither a number nor a name came at all, only date and time.
   std::optional<ModemCaller> Finish();
 
  private:

@@ -14,14 +14,14 @@
 namespace orven {
 namespace {
 
-/// Tells the tones with which a network ends a call from all else that sounds like one for a moment: they
-/// come from a machine. Busy and congestion tones repeat themselves exactly, whatever their country's times
-/// are; the dial tone goes on without the least change.
+/// Tells the tones that end a call from sounds that resemble one for a moment, because machines are exact:
+/// busy and congestion tones repeat exactly, in the timing of any country; the dial tone does not change at
+/// all.
 class ToneCadence {
  public:
   enum class Heard : std::uint8_t { Nothing, Busy, Dial };
 
-  /// Each frame in turn.
+  /// Takes the next frame.
   Heard Next(const ToneFrame& frame);
 
  private:
@@ -40,33 +40,33 @@ class ToneCadence {
   bool Repeats(std::size_t period) const;
   static bool Alike(const Burst& a, const Burst& b);
 
-  std::deque<ToneFrame> tone_;  ///< what sounds now
-  std::deque<Burst> bursts_;    ///< what has sounded
-  int length_ = 0;              ///< of what sounds now
+  std::deque<ToneFrame> tone_;  ///< the present burst
+  std::deque<Burst> bursts_;    ///< the bursts before
+  int length_ = 0;              ///< of the present burst
   int gap_ = 0;                 ///< since the latest burst
-  int quiet_ = 0;               ///< frames within the gap that are silence
+  int quiet_ = 0;               ///< silent frames within the gap
 };
 
-// Frames are 16 ms apart; a frame hears 48 ms, so that a tone's edges fill two frames on either side.
+// Frames are 16 ms apart and cover 48 ms, so that a tone's edges fill two frames on either side.
 constexpr int kEdge = 2;
 
 /// Networks' tones are on and off for 100 to 750 ms (ITU-T E.180 supplement 2).
 constexpr int kShortest = 4;
 constexpr int kLongest = 50;
 
-/// A dial tone is taken for one after 3 s.
+/// A dial tone is recognised after 3 s.
 constexpr std::size_t kDialTone = 188;
 
 /// Tones are sent at -10 dBm0 or so and lose up to 25 dB on the way (ITU-T E.180, Q.552).
 constexpr float kWeakest = -38;
 
-/// Between two bursts it is so much more quiet, dB, for 2 frames at least and but for the edges of both.
+/// The drop in level between two bursts, dB, for 2 frames at least, not counting the edges of both.
 constexpr float kPause = 8;
 constexpr int kShortestPause = 2;
 constexpr int kPauseEdges = 4 * kEdge;
 
-// How far a machine's tone moves from its middle, in the presence of 8-bit samples and a line's noise; voices
-// move more. A modem with automatic gain finds it anew in each burst.
+// How far a machine's tone moves from its middle, given 8-bit samples and a line's noise; voices move more. A
+// modem with automatic gain adjusts it in each burst.
 constexpr float kDialLevel = 1;     // dB
 constexpr float kBurstLevel = 5;    // dB
 constexpr float kSteadyPitch = 5;   // Hz
@@ -119,7 +119,7 @@ bool ToneCadence::Continues(const ToneFrame& frame) const {
          SamePitch(frame, tone_.back(), kSteadyPitch);
 }
 
-/// Whether what sounds now has not moved more than that, but for its edges.
+/// Whether the present burst has not moved more than that, except at its edges.
 bool ToneCadence::Steady(float decibels, float hertz) const {
   const auto& middle = tone_[tone_.size() / 2];
   const auto moved = [&](const ToneFrame& frame) {
@@ -154,7 +154,7 @@ void ToneCadence::Forget() {
   gap_ = quiet_ = 0;
 }
 
-/// Whether the latest bursts are groups of `period` that are all alike: two groups and two bursts more.
+/// Whether the latest bursts are alike groups of `period`: two groups and two more bursts.
 bool ToneCadence::Repeats(std::size_t period) const {
   const auto needed = 2 * period + 2;
   if (bursts_.size() < needed) return false;
@@ -174,17 +174,17 @@ bool ToneCadence::Alike(const Burst& a, const Burst& b) {
 
 constexpr std::size_t kBlock = ToneSpectrum::kBlock;
 
-/// From the lowest to the highest sample of a block that is silence: one step of 8-bit samples up and down,
-/// and a little that a resampler adds. That is noise of up to -46 dBm0, or a voice of -50.
+/// The range of samples in a silent block: one step of 8-bit samples up and down, and a little that a
+/// resampler adds. That is noise of up to -46 dBm0, or a voice of -50.
 constexpr int kSilence = 540;
 
-/// Sounds in silence that are no longer are the line's own crackling; the shortest touch tone lasts 40 ms
+/// Shorter sounds are the line's crackling and do not end a silence; the shortest touch tone lasts 40 ms
 /// (ITU-T Q.24).
 constexpr int kCrackle = 2;
 
 constexpr int kMinute = 60 * kSampleRate / static_cast<int>(kBlock);
 
-/// A minute without a sound.
+/// Detects a minute of silence.
 class SilentMinute {
  public:
   bool Next(std::span<const std::int16_t> block) {
@@ -227,7 +227,7 @@ class HangUpDetector::Impl {
     if (auto heard = std::exchange(heard_, nullptr)) heard(what);
   }
 
-  std::function<void(const char*)> heard_;  ///< none when it has been called
+  std::function<void(const char*)> heard_;  ///< empty after it was called
   std::array<std::int16_t, kBlock> block_{};
   std::size_t filled_ = 0;
   ToneSpectrum spectrum_;

@@ -7,13 +7,13 @@
 #include <span>
 
 namespace orven {
-/// Hears in the received sound that the caller has hung up: many lines signal it by nothing else. The busy
-/// and congestion tones and the dial tone (ITU-T E.180 supplement 2), and a minute of silence. Tones of -10
-/// to -30 dBm0: the busy tone within four bursts, whatever its times are, the dial tone within 3 s. Voices,
-/// music and touch tones are none. Not for use by several threads.
+/// Detects in the received audio that the caller has hung up, as many lines do not signal it otherwise: busy
+/// and congestion tones and the dial tone (ITU-T E.180 supplement 2) of -10 to -30 dBm0, and a minute of
+/// silence. Hears a busy tone of any timing within four bursts, a dial tone within 3 s. Voices, music and
+/// touch tones do not trigger it. Not thread-safe.
 class HangUpDetector {
  public:
-  /// `heard` is called once at most, within Listen, with what was heard, in words for the log.
+  /// `heard` is called at most once, inside Listen, with what was heard, in words for the log.
   explicit HangUpDetector(std::function<void(const char*)> heard);
   ~HangUpDetector();
 

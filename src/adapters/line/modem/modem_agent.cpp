@@ -11,18 +11,18 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// How often it is looked whether a modem was plugged in, and whether another program has let go of it.
+/// How often we check whether a modem was plugged in, or released by another program.
 constexpr milliseconds kLookForPort{2'000};
-/// A modem that answers nothing needs a hand, or a moment after it was plugged in.
+/// A silent modem must be switched off and on, or was plugged in a moment ago.
 constexpr milliseconds kLookForAnswer{10'000};
-/// What is at a port may be something else than a modem, and is not to be bothered all the time.
+/// Another kind of device at a port must not be disturbed all the time.
 constexpr milliseconds kLookForOther{60'000};
 
-/// A modem that stops working while no call comes is noticed so soon.
+/// How soon we notice that an idle modem has stopped working.
 constexpr milliseconds kHealthInterval{60'000};
 constexpr int kHealthTries = 2;
 
-/// Hanging up properly takes less; then the modem is told once more, unheard.
+/// Hanging up properly takes less. After this time the hang-up command is sent blindly.
 constexpr milliseconds kLongestGoodbye{1'200};
 constexpr milliseconds kLastWord{100};
 
@@ -33,9 +33,9 @@ LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
               "The modem at " + port +
                   " does not answer: switch it off and on, or unplug it and plug it in again"};
     case PreparedModem::State::NoModem:
-      return {"There is no modem at the line's port", "What is at " + port + " is no modem"};
+      return {"There is no modem at the line's port", "The device at " + port + " is not a modem"};
     case PreparedModem::State::NoVoice:
-      return {"The modem is no voice modem", "The modem at " + port + " is no voice modem"};
+      return {"The modem is not a voice modem", "The modem at " + port + " is not a voice modem"};
     case PreparedModem::State::NoFormat:
       return {"The modem's sound cannot be used",
               "The voice modem at " + port + " offers no sound format that can be used"};
@@ -108,19 +108,19 @@ void ModemAgent::LookForModem() {
   Try();
 }
 
-/// The next of the candidates that can be opened; when none is left, another time.
+/// Opens the next candidate that can be opened; when none is left, tries again later.
 void ModemAgent::Try() {
   while (!candidates_.empty()) {
     const auto problem = OpenNextPort();
     if (!problem) return;
     failure_ = TroubleOf(*problem);
     retry_ = std::min(retry_, kLookForPort);
-    // Of a modem that is gone has been told already that it is not there.
+    // That the modem has been unplugged was reported already.
     if (problem->kind == LinkProblem::Kind::Absent && gone_) failure_ = trouble_;
   }
   if (asked_.size() > 1)
     failure_ = {"No voice modem is found", "No voice modem answers at " + Joined(asked_)};
-  // What has been silent for a minute is perhaps no modem.
+  // A device that has been silent for a minute is perhaps not a modem.
   if (retry_ == kLookForAnswer && settings_.port == kAnyPort && Now() - asked_since_ > kLookForOther)
     retry_ = kLookForOther;
   ask_again_ = Now() + retry_;
@@ -140,7 +140,7 @@ void ModemAgent::Prepare() {
   if (trouble_.log.empty()) settings_.state_news("Asking the modem");
   preparation_ =
       std::make_unique<ModemPreparation>(channel_, ports_.link, ports_.loop, [this](const auto& modem) {
-        // Not within the preparation, which goes now.
+        // Not inside the preparation, which is destroyed now.
         ports_.loop.Post(lifeline_.Bind([this, modem] { Prepared(modem); }));
       });
   preparation_->Start();
@@ -192,7 +192,7 @@ void ModemAgent::CheckHealth(int tries_left) {
     if (reply.kind == ModemReply::Kind::Nothing)
       return tries_left > 1 ? CheckHealth(tries_left - 1) : ModemFailed();
     if (reply.echoed && !modem_.always_echoes)
-      Prepare();  // it was switched off and on, and has forgotten what it was told
+      Prepare();  // it was switched off and on, and lost its settings
   });
 }
 
@@ -276,10 +276,10 @@ void ModemAgent::Line(const std::string& text) {
     return;
   }
   if (state_ != State::Ready) return;
-  // Some tell distinctive rings apart: "RING A".
+  // Some modems report distinctive rings: "RING A".
   if (text == "RING" || text.starts_with("RING ")) return CallInProgress().Ring();
   if (call_) return call_->CallerIdLine(text);
-  // Whatever else a modem says of itself begins no call.
+  // Other unsolicited lines do not start a call.
   if (CallerIdLines().Take(text)) CallInProgress().CallerIdLine(text);
 }
 

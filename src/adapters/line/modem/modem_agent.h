@@ -16,15 +16,15 @@
 
 namespace orven {
 
-/// What is wrong with a line, in a few words for the status bar and in one sentence for the log; empty:
-/// nothing.
+/// What is wrong with a line: a few words for the status bar, one sentence for the log; both empty when all
+/// is well.
 struct LineTrouble {
   std::string status;
   std::string log;
 };
 
-/// A line at a voice modem: finds the modem, keeps it ready, and has its calls. A modem that is not there,
-/// or goes, or stops answering, is looked for until it works. One thread, that of `loop`.
+/// A line at a voice modem: finds the modem, keeps it ready and handles its calls. A modem that is missing,
+/// disappears or stops answering is looked for until it works. One thread, that of `loop`.
 class ModemAgent : private ModemLinkEvents, private ModemOutput {
  public:
   /// All of these outlive the agent.
@@ -39,10 +39,11 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   ModemAgent(ModemLineSettings settings, Ports ports);
   ~ModemAgent() override;
 
-  /// Begins. The reason when the port can never be used as things are: its owner may not use it.
+  /// Starts. Returns the reason when the user has no permission for the port, so that waiting is useless.
   std::optional<std::string> Start();
 
-  /// Hangs up, lets the modem go and calls `done`, within 1.5 seconds. Nothing else afterwards.
+  /// Hangs up, releases the modem and calls `done`, within 1.5 seconds. Nothing else may be called
+  /// afterwards.
   void Shutdown(std::function<void()> done);
 
   void Answer(CallNumber call, std::int32_t request);
@@ -80,14 +81,14 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   Ports ports_;
   AtChannel channel_;
   State state_ = State::Closed;
-  std::vector<std::string> candidates_;  ///< ports that are still to be tried
-  std::vector<std::string> asked_;       ///< those that are tried this time, or had no modem last time
+  std::vector<std::string> candidates_;  ///< ports still to be tried
+  std::vector<std::string> asked_;       ///< the ports tried in this round, or the last one
   std::chrono::milliseconds asked_since_{0};
   std::chrono::milliseconds ask_again_{0};
-  std::chrono::milliseconds retry_{0};  ///< when to try again, as things are with the ports tried so far
-  LineTrouble failure_;                 ///< of the port tried last
-  bool gone_ = false;                   ///< the modem was there, and is not plugged in any more
-  std::string port_;                    ///< the one that is open or was tried last
+  std::chrono::milliseconds retry_{0};  ///< the delay that the ports tried so far call for
+  LineTrouble failure_;                 ///< of the port that was tried last
+  bool gone_ = false;                   ///< the modem was there and has been unplugged
+  std::string port_;                    ///< the port that is open or was tried last
   PreparedModem modem_;
   std::unique_ptr<ModemPreparation> preparation_;
   std::unique_ptr<ModemCall> call_;
@@ -95,7 +96,7 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   LineTrouble trouble_;
   std::function<void()> closed_;
   std::unique_ptr<Timer> health_;
-  std::uint64_t look_ = 0;  ///< tells the latest plan to look for the modem from earlier ones
+  std::uint64_t look_ = 0;  ///< number of the latest plan to look for the modem
   Lifeline lifeline_;
 };
 

@@ -13,50 +13,51 @@ using std::chrono::milliseconds;
 constexpr char kBegins = '/';
 constexpr char kEnds = '~';
 
-/// Modems repeat a key that is held about every 70 ms; a person needs longer to press it again.
+/// Modems repeat a held key about every 70 ms; a person needs longer to press it again.
 constexpr std::chrono::milliseconds kRepeat{150};
 
-/// A bracket that has gone on for so long has lost its end.
+/// After this time the end of a bracket has been lost.
 constexpr std::chrono::milliseconds kLostEnd{1'000};
 
 bool IsKey(char code) {
   return code != '\0' && std::string_view("0123456789*#ABCD").find(code) != std::string_view::npos;
 }
 
-/// The parts of a double or distinctive ring are at most so far apart (ITU-T E.180 supplement 2).
+/// The longest pause inside a double or distinctive ring (ITU-T E.180 supplement 2).
 constexpr milliseconds kSameRing{1000};
 
-/// No bell rings longer: reports that go on after it are the next ring.
+/// No bell rings longer: later reports are the next ring.
 constexpr milliseconds kLongestRing{4000};
 
 /// Longer than the longest usual cadence, 6 s from ring to ring (ITU-T E.180 supplement 2).
 constexpr milliseconds kShortestPatience{8000};
 
-/// A caller id is complete when nothing comes for so long; its lines follow each other at once.
+/// A caller id is complete after this quiet time; its lines follow each other at once.
 constexpr milliseconds kCallerIdQuiet{700};
 
-/// A caller id may come before the first ring; without one it was about something else.
+/// A caller id may come before the first ring. If no ring follows, it was about something else.
 constexpr milliseconds kFirstRingPatience{10'000};
 
-/// Some modems refuse to go off-hook while the bell rings (2 s): tried again until the pause is over.
+/// Some modems refuse to go off-hook while the bell rings (2 s): we retry until the pause is over.
 constexpr milliseconds kAnswerPause{500};
 constexpr int kAnswerTries = 12;
 
-/// A ring that is reported so soon after the answer rang before it.
+/// A ring reported this soon after the answer happened before it.
 constexpr milliseconds kLateRing{500};
 
 /// The exchange breaks the loop when it connects the call.
 constexpr milliseconds kBreakOfConnecting{2'000};
 
-/// How long a line is off-hook at least, so that the exchange notices.
+/// The shortest time off-hook that the exchange notices.
 constexpr milliseconds kShortestOffHook{600};
 
 constexpr milliseconds kHangUpPatience{1'000};
 
-/// While we transmit a modem may take our own sound for a tone of the exchange: it has to say so twice.
+/// While we transmit, a modem may mistake our own audio for a tone of the exchange: it has to report it
+/// twice.
 constexpr milliseconds kSameHangUp{3'000};
 
-/// What a sign says of the caller's hanging up, in words for the log.
+/// The meaning of a hang-up event, in words for the log.
 const char* WordsOf(char code) {
   switch (code) {
     case 'b': return "the busy tone";
@@ -179,7 +180,7 @@ void ModemCall::AnswerRefused() {
   WaitForNextRing(rings_.Patience());
 }
 
-/// It may go off-hook all the same, later.
+/// The modem may still go off-hook later.
 void ModemCall::GiveUpAnswer() {
   Done(answer_request_, kTelephonyDeviceFailed);
   listener_.report("The modem did not answer the call");
@@ -214,14 +215,14 @@ void ModemCall::SetUpVoice(AtChannel::Done done) {
   ports_.channel.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
 }
 
-/// The answer has not taken: nobody has heard anything yet.
+/// The answer did not take effect: the caller has not heard anything yet.
 void ModemCall::RingsOn() {
   if (answering_again_ || Now() - connected_at_ < kLateRing) return;
   answering_again_ = true;
   voice_->End([this] { AnswerAgain(kAnswerTries); });
 }
 
-/// It says so at once when it is still on-hook.
+/// A modem that is still on-hook refuses at once.
 void ModemCall::RefusesAudio() {
   if (state_ != State::Connected || answering_again_) return;
   if (--refusals_left_ == 0) return VoiceFailed();

@@ -19,31 +19,31 @@
 #include "platform/line_driver.h"
 
 namespace orven {
-/// Makes one key press of what a modem reports of it: a digit between '/' and '~' again and again, or
-/// several times without them, or once.
+/// Turns a modem's reports into key presses: one press is reported as a digit that repeats between '/' and
+/// '~', or as several digits without them, or as one digit.
 class KeyPresses {
  public:
-  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+  using Time = std::chrono::milliseconds;  ///< of a monotonic clock
 
-  /// `code` of a <DLE> sign, whatever it is. The key, '0'-'9', '*', '#', 'A'-'D', of a new press.
+  /// Takes the `code` of any <DLE> event. Returns the key of a new press: '0'-'9', '*', '#', 'A'-'D'.
   std::optional<char> Event(char code, Time now);
 
  private:
   bool bracket_ = false;
-  bool told_ = false;  ///< within the bracket
+  bool told_ = false;  ///< the key of this bracket has been reported
   char digit_ = 0;
   Time latest_{0};
 };
 
-/// Counts the rings of one call, and says when the caller has given up: no line tells.
+/// Counts the rings of one call, and knows when the caller has given up, which no line reports.
 class RingPattern {
  public:
-  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+  using Time = std::chrono::milliseconds;  ///< of a monotonic clock
 
-  /// The modem has said that it rings. The count, from 1; nothing when this is still the same ring.
+  /// Takes a ring report. Returns the number of the ring, from 1; nothing while it is still the same ring.
   std::optional<int> Ring(Time now);
 
-  /// How long after the latest ring nobody calls any more.
+  /// How long after the latest ring the caller counts as gone.
   std::chrono::milliseconds Patience() const;
 
   bool Ringing() const { return count_ > 0; }
@@ -56,7 +56,7 @@ class RingPattern {
   Time interval_{0};  ///< between rings; 0: not known yet
 };
 
-/// What a call on a modem needs of its surroundings.
+/// What a call on a modem works with. All of these outlive the call.
 struct ModemCallPorts {
   AtChannel& channel;
   ModemLink& link;
@@ -70,7 +70,7 @@ struct ModemCallPorts {
 class ModemCall {
  public:
   struct Listener {
-    /// Idle has been raised; told once. The call may be destroyed, but not within.
+    /// Idle has been raised; called once. The call may be destroyed afterwards, not inside.
     std::function<void()> over;
     /// The modem has stopped answering; the call ends all the same.
     std::function<void()> failed;
@@ -93,16 +93,16 @@ class ModemCall {
     if (voice_) voice_->AudioEnded();
   }
 
-  /// From the program; `request` 0: nobody waits for it.
+  /// From the program; `request` 0: no answer is wanted.
   void Answer(std::int32_t request);
   void Drop(std::int32_t request);
   void MonitorDigits(bool on) { monitor_digits_ = on; }
 
-  /// The modem is gone, or has to be let go: the call ends now, with what was recorded.
+  /// The modem is gone or must be released: the call ends now, with what was recorded.
   void Lost();
 
   CallNumber Number() const { return number_; }
-  /// Whether it has rung: a caller id alone is no call.
+  /// Whether it has rung: a caller id alone is not a call.
   bool Offered() const { return rings_.Ringing(); }
   /// Whether the modem is off-hook, or may go off-hook in a moment.
   bool OffHook() const { return off_hook_asked_ && state_ != State::Over; }
@@ -144,15 +144,15 @@ class ModemCall {
   std::int32_t answer_request_ = 0;
   std::int32_t drop_request_ = 0;
   bool monitor_digits_ = false;
-  bool answering_again_ = false;  ///< it has rung on after the answer
+  bool answering_again_ = false;  ///< the line went on ringing after the answer
   int refusals_left_ = 3;
   bool off_hook_asked_ = false;
   bool dropping_ = false;  ///< our side wants to hang up
-  bool failed_ = false;    ///< the modem has to be asked anew after the call
+  bool failed_ = false;    ///< the modem must be prepared again after the call
   std::optional<std::chrono::milliseconds> hang_up_event_at_;  ///< the latest one while transmitting
   std::chrono::milliseconds connected_at_{0};
-  std::uint64_t caller_lines_ = 0;  ///< tells the latest line of a caller id from earlier ones
-  std::uint64_t ring_waits_ = 0;    ///< the same for rings
+  std::uint64_t caller_lines_ = 0;  ///< number of the latest caller id line
+  std::uint64_t ring_waits_ = 0;    ///< number of the latest wait for a ring
   Lifeline lifeline_;
 };
 

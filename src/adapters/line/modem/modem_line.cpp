@@ -28,10 +28,10 @@ class ModemThread {
   /// Starts the thread; `begin` runs on it first, with its loop, and `end` last.
   void Start(std::function<void(EventLoop&)> begin, std::function<void()> end);
 
-  /// Runs `task` on the thread; dropped when it does not run. Any thread.
+  /// Runs `task` on the thread; drops it when the thread is not running. Any thread.
   void Post(EventLoop::Task task);
 
-  /// Ends it after what has been posted so far. Not on the thread itself. Idempotent.
+  /// Ends the thread after the tasks posted so far. Not on the thread itself. Idempotent.
   void Stop();
 
  private:
@@ -90,10 +90,10 @@ void ModemThread::Stop() {
 /// 8000 samples a second of 16 bits.
 constexpr std::int32_t kMaxRate = 128'000;
 
-/// The agent's own limit is shorter; this one counts only when its thread is in trouble.
+/// The agent's own limit is shorter; this one matters only when its thread hangs.
 constexpr std::chrono::milliseconds kLongestClose{1'800};
 
-/// The line as its owner sees it: hands everything over to the modem's thread.
+/// The line as its owner sees it: passes everything to the modem's thread.
 class ModemLine final : public LineDriver {
  public:
   ModemLine(ModemLineSettings settings, const Clock& clock) : settings_(std::move(settings)), clock_(clock) {
@@ -119,7 +119,7 @@ class ModemLine final : public LineDriver {
   void MonitorDigits(CallNumber call, bool on) override {
     thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
   }
-  /// Nothing to do: the modem itself takes its own sound out of what it listens to.
+  /// Nothing to do: the modem removes its own audio from what it listens to.
   void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
   AudioDevice& Audio() override { return audio_; }
   std::string LastError() const override { return error_; }

@@ -17,9 +17,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Between the bytes that end whatever the modem is doing: they must not run into each other.
+/// Between the byte sequences that stop what the modem is doing.
 constexpr milliseconds kPause{100};
-/// Until what it still had to say has been said.
+/// Until the modem has finished its output.
 constexpr milliseconds kQuiet{200};
 constexpr milliseconds kWakeUpPatience{1'000};
 constexpr int kWakeUpTries = 3;
@@ -43,10 +43,10 @@ bool ListsVoice(std::string line) {
 
 using Version = std::tuple<int, int, int>;
 
-/// From here on this one does not miss rings and caller ids any more, as those who use it report.
+/// The first version without missed rings and caller ids, as users report.
 constexpr Version kMended{1, 2, 23};
 
-/// The first number of three parts.
+/// The first number with three parts.
 std::optional<Version> VersionIn(const std::string& text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const auto is_digit = [&text](std::size_t i) {
@@ -79,7 +79,7 @@ void ModemPreparation::WakeUp(int tries_left) {
       [this, tries_left](const ModemReply& reply) {
         if (reply.Ok()) return Reset();
         if (tries_left > 1) return WakeUp(tries_left - 1);
-        // What only repeats what it hears is no modem.
+        // A device that only echoes is not a modem.
         const bool silent = reply.kind == ModemReply::Kind::Nothing && !reply.echoed;
         Finish(silent ? PreparedModem::State::Silent : PreparedModem::State::NoModem);
       },
@@ -87,7 +87,7 @@ void ModemPreparation::WakeUp(int tries_left) {
 }
 
 void ModemPreparation::Reset() {
-  // Some take a moment after a command that resets them.
+  // Some modems are busy for a moment after ATZ.
   for (const char* command : {"ATH0", "ATZ", "ATE0V1Q0", "ATS0=0"}) channel_.Ask(command);
   const auto name = [this](const ModemReply& reply) {
     for (const auto& line : reply.lines) {
@@ -159,7 +159,7 @@ void ModemPreparation::AskPresentFormat() {
 }
 
 void ModemPreparation::WaitForCalls() {
-  // A modem that hangs up by itself when nothing comes for a while would cut greetings short.
+  // An inactivity timer in the modem would cut greetings short.
   channel_.Ask("AT+VIT=0");
   channel_.Ask("AT+FCLASS=0");
   channel_.Ask("AT+VCID=1", [this](const ModemReply& reply) {

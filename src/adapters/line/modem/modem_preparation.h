@@ -12,29 +12,29 @@
 #include "platform/event_loop.h"
 
 namespace orven {
-/// The rate at which 16-bit sound of 8000 samples a second gets through a port (160 kbit/s and more with
-/// start and stop bits and shielding), and the usual one, enough for 8 bits.
+/// Port rates, bit/s: the fast one carries audio of 8000 samples a second in 16 bits (160 kbit/s and more
+/// with start bits, stop bits and shielding), the usual one is enough for 8 bits.
 inline constexpr int kFastRate = 230'400;
 inline constexpr int kUsualRate = 115'200;
 
-/// What a port's modem turned out to be.
+/// The result of preparing the modem at a port.
 struct PreparedModem {
   enum class State : std::uint8_t {
-    Ready,     ///< it waits for calls in data mode, caller id is on
+    Ready,     ///< it waits for calls in data mode with caller id on
     Silent,    ///< nothing answers
-    NoModem,   ///< something answers, not as a modem does
+    NoModem,   ///< something answers, but not as a modem does
     NoVoice,   ///< a modem without voice mode
-    NoFormat,  ///< a voice modem with no sample format that we understand
+    NoFormat,  ///< a voice modem without a sample format that we understand
   };
   State state = State::Silent;
   VoiceFormat format;
   bool detects_silence = false;  ///< it has +VSD
   bool has_gains = false;        ///< it has +VGR and +VGT
   bool always_echoes = false;    ///< ATE0 does nothing
-  std::string identity;          ///< what it calls itself, for the log
+  std::string identity;          ///< its answers to ATI and the like, for the log
 };
 
-/// Finds out what is at an open link, and makes it ready for calls. Whatever the modem was doing ends.
+/// Finds out what is at an open link and prepares it for calls. Stops what the modem was doing.
 class ModemPreparation {
  public:
   using Done = std::function<void(const PreparedModem&)>;
@@ -42,7 +42,7 @@ class ModemPreparation {
   ModemPreparation(AtChannel& channel, ModemLink& link, EventLoop& loop, Done done)
       : channel_(channel), link_(link), loop_(loop), done_(std::move(done)) {}
 
-  /// `done` is told once, unless this goes before.
+  /// Calls `done` once, unless this object is destroyed before.
   void Start();
 
  private:
@@ -63,13 +63,13 @@ class ModemPreparation {
   EventLoop& loop_;
   Done done_;
   PreparedModem modem_;
-  std::vector<VoiceFormat> formats_;  ///< still to be tried, the best first
-  bool last_formats_ = false;         ///< there are no others to ask for
+  std::vector<VoiceFormat> formats_;  ///< still to be tried, best first
+  bool last_formats_ = false;         ///< the present format was asked for
   Lifeline lifeline_;
 };
 
-/// What its owner should know of the firmware of the modem that calls itself `identity` (its answers to ATI
-/// and the like); empty when there is nothing.
+/// What the owner should know about the firmware of a modem with this `identity` (PreparedModem); empty when
+/// there is nothing to say.
 std::string FirmwareAdvice(const std::string& identity);
 
 }  // namespace orven

@@ -24,7 +24,7 @@ bool IsVisible(std::uint8_t byte) {
   return byte > 0x20 && byte < 0x7F;
 }
 
-/// "CONNECT", also with what some modems add to it.
+/// "CONNECT", also with the rate that some modems append.
 bool IsConnect(const std::string& line) {
   return line == "CONNECT" || line.starts_with("CONNECT ");
 }
@@ -37,12 +37,12 @@ std::string Trimmed(const std::string& text) {
 
 }  // namespace
 
-void AppendShielded(std::span<const std::uint8_t> sound, std::vector<std::uint8_t>& out) {
-  auto rest = sound.begin();
-  while (rest != sound.end()) {
-    const auto dle = std::find(rest, sound.end(), kDle);
+void AppendShielded(std::span<const std::uint8_t> audio, std::vector<std::uint8_t>& out) {
+  auto rest = audio.begin();
+  while (rest != audio.end()) {
+    const auto dle = std::find(rest, audio.end(), kDle);
     out.insert(out.end(), rest, dle);
-    if (dle == sound.end()) return;
+    if (dle == audio.end()) return;
     out.insert(out.end(), 2, kDle);
     rest = dle + 1;
   }
@@ -69,8 +69,8 @@ void ModemReader::ExpectLines() {
   line_.clear();
 }
 
-/// Hands over the samples at the beginning of `bytes` in one run, and returns how many bytes were read.
-/// A <DLE> behind a <DLE> is a sample, which the run begins with.
+/// Passes on the samples at the start of `bytes` in one run and returns how many bytes were read. A <DLE>
+/// after a <DLE> is a sample, and starts the run.
 std::size_t ModemReader::ReadAudio(std::span<const std::uint8_t> bytes) {
   const auto dle = std::find(bytes.begin() + (dle_ ? 1 : 0), bytes.end(), kDle);
   const auto run = bytes.first(static_cast<std::size_t>(dle - bytes.begin()));
@@ -100,7 +100,7 @@ void ModemReader::BehindDle(std::uint8_t byte) {
   } else if (sound && !packet_) {
     if (byte == kSub) output_.Audio(kTwoDle);
   } else {
-    ReadText(byte);  // the <DLE> was garbage; it must not cost the line its end
+    ReadText(byte);  // the <DLE> was garbage; it must not swallow the line's end
   }
 }
 

@@ -28,14 +28,14 @@ std::int16_t FromBytes(std::uint8_t low, std::uint8_t high) {
   return static_cast<std::int16_t>(low | (high << 8));
 }
 
-/// Between the line's rate and the modem's; what needs no conversion passes bit by bit.
+/// Converts between the line's rate and the modem's; equal rates pass unchanged.
 class RateConverter {
  public:
   RateConverter(int from, int to) {
     if (from != to) resampler_.emplace(from, to);
   }
 
-  /// Good until the next call or until `samples` change.
+  /// The result is valid until the next call or until `samples` change.
   std::span<const std::int16_t> Convert(std::span<const std::int16_t> samples) {
     if (!resampler_ || samples.empty()) return samples;
     input_.resize(samples.size());
@@ -105,7 +105,7 @@ class SampleDecoder::Impl {
 
   SampleKind kind_;
   RateConverter rate_;
-  std::optional<std::uint8_t> low_;  ///< of a sample whose other byte has not come yet
+  std::optional<std::uint8_t> low_;  ///< of a sample whose high byte has not come yet
   std::vector<std::int16_t> modem_;  ///< at the modem's rate
 };
 

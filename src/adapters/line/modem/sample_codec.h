@@ -10,14 +10,14 @@
 
 namespace orven {
 
-/// Writes the line's samples (8000 a second, 16 bits) in a modem's format. One for each stretch of sound:
-/// between 8000 and another rate it remembers what came before. Not for use by several threads.
+/// Encodes the line's samples (8000 a second, 16 bits) in a modem's format. One per stream of audio, as the
+/// resampler has a memory. Not thread-safe.
 class SampleEncoder {
  public:
   explicit SampleEncoder(const VoiceFormat& format);
   ~SampleEncoder();
 
-  /// Appends `samples` to `bytes`, not shielded. What the resampler still holds comes with the next ones.
+  /// Appends `samples` to `bytes`, not shielded. What the resampler holds back comes with the next call.
   void Encode(std::span<const std::int16_t> samples, std::vector<std::uint8_t>& bytes);
 
  private:
@@ -25,7 +25,8 @@ class SampleEncoder {
   std::unique_ptr<Impl> impl_;
 };
 
-/// The same backwards; a sample may be split between two calls. Bit for bit in Linear16 at 8000.
+/// Decodes a modem's bytes into the line's samples; a sample may be split between two calls. Linear16 at 8000
+/// passes unchanged.
 class SampleDecoder {
  public:
   explicit SampleDecoder(const VoiceFormat& format);

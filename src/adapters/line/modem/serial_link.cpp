@@ -14,7 +14,7 @@ namespace {
 
 using Kind = LinkProblem::Kind;
 
-/// Why the port cannot be opened; Qt's own reasons do not tell "taken" from "forbidden".
+/// Why the port cannot be opened; Qt does not distinguish "taken" from "forbidden".
 std::optional<LinkProblem> ProblemOf(const std::string& port) {
   const int descriptor = ::open(port.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   const int error = errno;
@@ -22,7 +22,7 @@ std::optional<LinkProblem> ProblemOf(const std::string& port) {
     const bool terminal = ::isatty(descriptor) == 1;
     ::close(descriptor);
     if (terminal) return std::nullopt;
-    return LinkProblem{Kind::Failed, port + " is no serial port."};
+    return LinkProblem{Kind::Failed, port + " is not a serial port."};
   }
   switch (error) {
     case ENOENT:
@@ -40,7 +40,7 @@ std::optional<LinkProblem> ProblemOf(const std::string& port) {
   }
 }
 
-/// Only a real serial port, and a cable that is one, has the wires for it.
+/// Only real serial ports and USB serial cables have the wires for it.
 bool HasFlowControl(const std::string& port) {
   std::error_code error;
   const auto device = std::filesystem::canonical(port, error).filename().string();
@@ -107,7 +107,7 @@ class SerialLink final : public ModemLink {
                                 static_cast<std::size_t>(bytes.size())));
   }
 
-  /// Qt tells of an unplugged port in several ways, and within its own operations.
+  /// Qt reports an unplugged port in several ways, and inside its own operations.
   void Failed(QSerialPort::SerialPortError error) {
     const bool gone = error == QSerialPort::ResourceError || error == QSerialPort::DeviceNotFoundError ||
                       error == QSerialPort::ReadError || error == QSerialPort::WriteError;

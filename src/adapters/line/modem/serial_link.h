@@ -7,8 +7,8 @@
 
 namespace orven {
 
-/// A link over a serial port (or a pseudo-terminal) on the event loop of Qt that runs on the thread that
-/// makes it. CRTSCTS only where the port has such wires; a dropped carrier is no reason to end (CLOCAL).
+/// A link over a serial port or pseudo-terminal, on the Qt event loop of the calling thread. Uses hardware
+/// flow control (CRTSCTS) only on ports that have the wires; ignores a dropped carrier (CLOCAL).
 std::unique_ptr<ModemLink> MakeSerialLink();
 
 }  // namespace orven

@@ -15,14 +15,13 @@ constexpr float kRate = 8000;
 /// The mean square of a sine of 0 dBm0, 3.14 dB below full scale (ITU-T G.711).
 const float kZeroLevel = 32768.0F * 32768.0F / 2 * std::pow(10.0F, -0.314F);
 
-/// Takes out what is below 60 Hz.
+/// Removes what is below 60 Hz.
 constexpr float kOffsetFilter = 0.95F;
 
-/// A tone's share of what is heard; a signal to noise ratio of 8 dB.
+/// The least share of a tone in the audio; a signal to noise ratio of 8 dB.
 constexpr float kPure = 0.86F;
 
-/// A second tone has at least this part of the first one's power, or there is none; 12 dB, where networks
-/// allow 6 between the two (ITU-T E.180).
+/// The least power of a second tone relative to the first; 12 dB, as networks allow 6 (ITU-T E.180).
 constexpr float kSecond = 0.06F;
 
 /// Bins beside its own that a sine fills.
@@ -36,7 +35,7 @@ float Lobe(const Powers& powers, std::size_t peak) {
   return std::accumulate(powers.begin() + first, powers.begin() + last, 0.0F);
 }
 
-/// Where between its neighbours a sine in bin `peak` lies; exact for Hann's window.
+/// The exact position of a sine in bin `peak`, from its neighbours; exact for Hann's window.
 template <class Powers>
 float Position(const Powers& powers, std::size_t peak) {
   const float above = std::sqrt(powers[peak + 1] / powers[peak]);
@@ -46,7 +45,7 @@ float Position(const Powers& powers, std::size_t peak) {
   return static_cast<float>(peak) + (above > below ? offset : -offset);
 }
 
-/// The strongest bin that has two neighbours and is not one of those that a sine in `except` fills.
+/// The strongest bin with two neighbours that a sine in `except` does not fill.
 template <class Powers>
 std::size_t Peak(const Powers& powers, std::size_t except) {
   std::size_t peak = 0;
@@ -103,7 +102,8 @@ void ToneSpectrum::Shift(std::span<const std::int16_t, kBlock> block) {
   }
 }
 
-/// The powers of the bins, and the energy of all that is heard: a sine's bins add up to that, times kWindow.
+/// Sets the powers of the bins and returns the energy of all audio: a sine's bins add up to that times
+/// kWindow.
 float ToneSpectrum::Measure(Powers& powers) {
   float energy = 0;
   for (std::size_t i = 0; i < kWindow; ++i) {

@@ -10,19 +10,19 @@
 
 namespace orven {
 
-/// What is heard within 48 ms.
+/// The analysis of 48 ms of audio.
 struct ToneFrame {
   float level = 0;    ///< of all of it, dBm0 (ITU-T G.711: a sine at full scale has 3.14)
-  bool tone = false;  ///< nearly all of it are one or two sines of a telephone network
+  bool tone = false;  ///< nearly all of it is one or two sines of a telephone network
   float low = 0;      ///< their frequencies, Hz
-  float high = 0;     ///< 0: there is one only
+  float high = 0;     ///< 0: there is only one
 };
 
-/// Looks for one or two sines between 320 and 660 Hz, where networks have their tones (ITU-T E.180), in
-/// blocks of the received sound. A mains hum or a constant offset does not matter.
+/// Finds one or two sines between 320 and 660 Hz, the range of network tones (ITU-T E.180), in blocks of the
+/// received audio. Mains hum and a constant offset do not matter.
 class ToneSpectrum {
  public:
-  /// Samples from frame to frame, 16 ms; one frame looks at the latest three blocks.
+  /// Samples from frame to frame, 16 ms; a frame covers the latest three blocks.
   static constexpr std::size_t kBlock = 128;
 
   ToneSpectrum();
@@ -38,10 +38,10 @@ class ToneSpectrum {
   void Shift(std::span<const std::int16_t, kBlock> block);
   float Measure(Powers& powers);
 
-  std::array<float, kWindow> shape_;  ///< Hann's: what is heard fades in and out
+  std::array<float, kWindow> shape_;  ///< Hann's window
   std::array<float, kWindow> heard_{};
   std::array<goertzel_state_t, kBins> bins_{};
-  float before_ = 0;  ///< the latest sample, as it came and without its offset
+  float before_ = 0;  ///< the latest sample, before and after the offset filter
   float clean_ = 0;
 };
 

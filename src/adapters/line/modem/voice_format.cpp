@@ -12,17 +12,17 @@
 namespace orven {
 namespace {
 
-/// What can be converted, the best first.
+/// The rates that we can convert, best first.
 constexpr std::array kRates{8000, 7200, 11025};
 
-/// Silence compression and expansion, which are not wanted.
+/// Silence compression and expansion, which we turn off.
 constexpr std::ptrdiff_t kSilenceFields = 2;
 
 /// One line of the answer: number, "name", bits, timing marks, rates, silence compression, silence expansion
 /// (ITU-T V.253, +VSM); many modems leave out all but number, name and rates.
 using Fields = std::vector<std::string>;
 
-/// Cuts at the commas that are in no quotes and no brackets; without quotes and blanks around.
+/// Cuts at the commas outside quotes and brackets; removes quotes and blanks.
 Fields FieldsOf(std::string_view line) {
   Fields fields(1);
   int depth = 0;
@@ -40,7 +40,7 @@ Fields FieldsOf(std::string_view line) {
   return fields;
 }
 
-/// The line without "+VSM:", which some modems put before it.
+/// The line without the "+VSM:" that some modems prepend.
 std::string_view WithoutPrefix(std::string_view line) {
   const auto start = line.find_first_of("0123456789\"");
   const auto colon = line.substr(0, start).find_last_of(":=");
@@ -83,7 +83,7 @@ std::string Plain(const std::string& name) {
   return plain;
 }
 
-/// The bits of a sample, from their own field or, where there is none, from the name; 0: not told.
+/// The bits of a sample, from their own field or else from the name; 0: not given.
 int BitsOf(const Fields& fields, std::size_t rates, const std::string& name) {
   if (rates > 2) return Number(fields[2]).value_or(0);
   return name.find("16BIT") != std::string::npos ? 16 : name.find("8BIT") != std::string::npos ? 8 : 0;
@@ -92,7 +92,8 @@ int BitsOf(const Fields& fields, std::size_t rates, const std::string& name) {
 std::optional<SampleKind> KindOf(const std::string& name, int bits) {
   const auto says = [&name](const char* word) { return name.find(word) != std::string::npos; };
   if (says("ADPCM")) return std::nullopt;
-  if (says("ULAW") || says("G711U")) return bits == 8 || bits == 0 ? std::optional(SampleKind::MuLaw) : std::nullopt;
+  if (says("ULAW") || says("G711U"))
+    return bits == 8 || bits == 0 ? std::optional(SampleKind::MuLaw) : std::nullopt;
   if (says("LAW") || (!says("LINEAR") && !says("PCM"))) return std::nullopt;
   const bool is_unsigned = says("UNSIGNED");
   if (bits == 16 && !is_unsigned) return SampleKind::Linear16;
@@ -120,7 +121,7 @@ std::vector<VoiceFormat> FormatsIn(const std::string& line) {
   return formats;
 }
 
-/// What the numbers mean that mean the same on every modem (ITU-T V.253: 1 and 4; the vendors agree on 128).
+/// The numbers with the same meaning on every modem (ITU-T V.253: 1 and 4; the vendors agree on 128).
 std::optional<SampleKind> KindOfNumber(int number) {
   switch (number) {
     case 1:

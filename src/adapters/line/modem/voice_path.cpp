@@ -22,11 +22,11 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Enough for a desk computer that is busy, little enough to be purged unnoticed.
+/// Enough for a busy desktop computer, little enough to be purged unnoticed.
 constexpr milliseconds kAhead{250};
-/// With so little left nothing more will come: the pause between two files is shorter than the rest.
+/// With this little left nothing more will come: the pause between two files is shorter.
 constexpr milliseconds kLast{60};
-/// A bell that rings on after the answer is noticed within the longest pause between rings.
+/// A line that rings on after the answer is noticed within the longest pause between rings.
 constexpr std::size_t kKeptSamples = std::size_t{8} * kSampleRate;
 
 constexpr int kSamplesPerMillisecond = kSampleRate / 1000;
@@ -37,47 +37,46 @@ constexpr milliseconds kTick{kBlockSamples * 1000 / kSampleRate};
 /// A modem that receives sends without a pause.
 constexpr milliseconds kLongestStall{3'000};
 
-/// After a pause of this length sound may have been lost.
+/// After a pause of this length audio may have been lost.
 constexpr milliseconds kPauseInAudio{300};
 
-/// Sound that a port has not taken in two seconds, at 16 bits; its modem has stopped.
+/// Two seconds of 16-bit audio: when the port has not taken this much, its modem has stopped.
 constexpr std::size_t kMostUnsent = std::size_t{2} * 2 * kSampleRate;
 
-/// The end of what plays and the answer to it, beyond what is still to be played.
+/// For the end of playback and the answer to it, in addition to what is still to be played.
 constexpr milliseconds kDrainPatience{2'000};
 
 /// Until the next way of stopping is tried: the modem answers after 100 ms, and finishes its block.
 constexpr milliseconds kStopPatience{500};
 
-/// So long after the end of sound some modems say OK once more.
+/// Some modems say a second OK within this time after the end of audio.
 constexpr milliseconds kStrayTime{120};
 
 constexpr int kTries = 3;
 
 constexpr std::array<std::uint8_t, 2> kEndOfAudio{kDle, kEtx};
 
-/// The ways in which modems stop playing at once, one after the other. The zero is for a <DLE> whose second
-/// byte was thrown away: it would make sound of what follows.
+/// The ways in which modems stop playback at once, tried in this order. The zero completes a <DLE> whose
+/// second byte was discarded: without it the next byte would be taken as audio.
 const std::array<std::vector<std::uint8_t>, kTries> kPurges{
     std::vector<std::uint8_t>{0, kDle, kCan},
     {0, kDle, kCan, kDle, kEtx},
     {0, kDle, kCan, kDle, kCan, kDle, kCan, kDle, kEtx}};
 
-/// The ways in which modems stop receiving.
+/// The ways in which modems stop receiving, tried in this order.
 const std::array<std::vector<std::uint8_t>, kTries> kStops{
     std::vector<std::uint8_t>{kDle, '!'}, {kDle, kEsc}, {kDle, '!', kDle, '!', kDle, '!'}};
 
 }  // namespace
 
-/// What the caller says, from the modem's bytes to the blocks that are recorded. Not for use by several
-/// threads.
+/// The caller's audio, from the modem's bytes to the blocks that are recorded. Not thread-safe.
 class VoicePath::Receiver {
  public:
-  /// `hung_up` is told once at most, within Sound, what was heard of the caller's hanging up.
+  /// `hung_up` is called at most once, inside Audio, with the sign of the hang-up that was heard.
   Receiver(VoiceFormat format, LineAudio& audio, std::function<void(const char*)> hung_up)
       : format_(std::move(format)), audio_(audio), hang_up_(std::move(hung_up)) {}
 
-  /// A new stretch of sound begins.
+  /// A new stream of audio starts.
   void Begin() { decoder_.emplace(format_); }
 
   void Audio(std::span<const std::uint8_t> bytes);
@@ -87,7 +86,7 @@ class VoicePath::Receiver {
   LineAudio& audio_;
   HangUpDetector hang_up_;
   std::optional<SampleDecoder> decoder_;
-  std::vector<std::int16_t> samples_;  ///< less than a block, and what is being added
+  std::vector<std::int16_t> samples_;  ///< less than a block
 };
 
 void VoicePath::Receiver::Audio(std::span<const std::uint8_t> bytes) {
@@ -102,34 +101,34 @@ void VoicePath::Receiver::Audio(std::span<const std::uint8_t> bytes) {
   samples_.erase(samples_.begin(), samples_.end() - static_cast<std::ptrdiff_t>(left.size()));
 }
 
-/// What is played to the caller, as fast as the clock says: a modem's buffer holds a second or less, and
-/// what is in it cannot be taken back quickly. Keeps the first seconds of the call, for a caller who turns
-/// out not to have heard them. Not for use by several threads.
+/// Playback to the caller, paced by the clock: a modem's buffer holds a second or less, and cannot be taken
+/// back quickly. Keeps the first seconds of the call, to repeat them for a caller who has not heard them. Not
+/// thread-safe.
 class VoicePath::Transmitter {
  public:
-  using Time = std::chrono::milliseconds;  ///< of any clock that only goes forward
+  using Time = std::chrono::milliseconds;  ///< of a monotonic clock
 
   Transmitter(VoiceFormat format, LineAudio& audio) : format_(std::move(format)), audio_(audio) {}
 
-  /// The modem takes sound from now on.
+  /// The modem takes audio from now on.
   void Begin(Time now);
 
-  /// Appends to `bytes` what is due, shielded. False when all that there was will have been played in a
-  /// moment, and nothing more is to come.
+  /// Appends to `bytes` what is due, shielded. False when everything will have been played in a moment and
+  /// nothing more is to come.
   bool Due(Time now, std::vector<std::uint8_t>& bytes);
 
-  /// The modem has run out of sound: it needs more from now on.
+  /// The modem's buffer has run empty: it needs more from now on.
   void Underrun(Time now) { AdvanceTo(now); }
 
-  /// How much of what was written has not been played yet.
+  /// How much of the written audio has not been played yet.
   std::chrono::milliseconds Ahead(Time now) const;
 
   /// Whether there is something to play.
   bool Wanted() const { return again_ < kept_.size() || audio_.Plays(); }
 
-  /// The caller has heard nothing so far: all of it is played once more, first.
+  /// The caller has heard nothing so far: everything is played again, first.
   void StartOver() { again_ = 0; }
-  /// What was kept to be played once more is not wanted any longer.
+  /// What was kept is not to be played again.
   void Cut() { again_ = kept_.size(); }
 
  private:
@@ -142,7 +141,7 @@ class VoicePath::Transmitter {
   Time began_{0};
   std::int64_t sent_ = 0;           ///< samples, since began_
   std::vector<std::int16_t> kept_;  ///< of the call's first seconds
-  std::size_t again_ = 0;           ///< in kept_: from here on it is played once more
+  std::size_t again_ = 0;           ///< position in kept_ from which it is played again
 };
 
 void VoicePath::Transmitter::Begin(Time now) {
@@ -162,7 +161,7 @@ void VoicePath::Transmitter::AdvanceTo(Time now) {
 }
 
 bool VoicePath::Transmitter::Due(Time now, std::vector<std::uint8_t>& bytes) {
-  // What was not played in time is not made up for: the modem has stood still meanwhile.
+  // Time that has been lost is not made up for: the modem stood still meanwhile.
   if (Ahead(now) < milliseconds(0)) {
     began_ = now;
     sent_ = 0;
@@ -222,11 +221,11 @@ void VoicePath::End(std::function<void()> done) {
   ended_ = std::move(done);
   switch (state_) {
     case State::Off: return GoOn();
-    // What has come to its own end is heard to its end: it was fetched ahead of its time.
+    // Audio that was fetched to its end, ahead of time, is played to its end.
     case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge(0) : Drain();
     case State::Draining: return audio_.TakeCut() ? Purge(0) : void();
     case State::Receiving: return StopReceiving(0);
-    default: return;  // it comes to an end by itself
+    default: return;  // it ends by itself
   }
 }
 
@@ -290,7 +289,7 @@ void VoicePath::TickReceiving() {
   if (transmitter_->Wanted()) StopReceiving(0);
 }
 
-/// A recording goes on while the modem cannot listen.
+/// A recording goes on, with silence, while the modem cannot listen.
 void VoicePath::KeepTimeForRecorder() {
   constexpr std::array<std::int16_t, kBlockSamples> kSilence{};
   for (; silent_since_ + kTick <= clock_.Uptime(); silent_since_ += kTick) {
@@ -380,7 +379,7 @@ void VoicePath::Overrun() {
 }
 
 void VoicePath::AudioEnded() {
-  // Not asked for: the modem has stopped by itself, and says OK behind it.
+  // The modem has stopped by itself, and says OK after it.
   if (state_ != State::Receiving) return;
   state_ = State::EndOfReceive;
   channel_.AwaitOk([this](const ModemReply&) { Rest(); }, kStopPatience);

@@ -16,17 +16,17 @@
 
 namespace orven {
 
-/// The sound of an answered call on a modem, which either transmits or receives: it transmits while there
-/// is something to play, and receives for the rest of the time, as that is how a caller who has hung up is
-/// heard. Whoever records meanwhile gets silence. One thread.
+/// The audio of an answered call on a half-duplex modem: it transmits while there is something to play and
+/// receives the rest of the time, to hear when the caller hangs up. During playback a recording gets silence.
+/// One thread.
 class VoicePath {
  public:
   struct Listener {
-    /// The caller has hung up, by what is heard.
+    /// The received audio shows that the caller has hung up; takes the reason, in words for the log.
     std::function<void(const char*)> hung_up;
-    /// The modem is not off-hook after all. Nothing is done until Begin or StartOver.
+    /// The modem is not off-hook after all. The path rests until Begin or StartOver.
     std::function<void()> refused;
-    /// The modem does not do what it must any more.
+    /// The modem has stopped working.
     std::function<void()> failed;
   };
 
@@ -37,18 +37,18 @@ class VoicePath {
   /// The modem is off-hook and has its sample format.
   void Begin();
 
-  /// Ends transmitting or receiving; `done` runs when the modem takes commands again, or has been given
-  /// up. Nothing is done with the sound after that until Begin.
+  /// Ends transmitting or receiving; `done` runs when the modem takes commands again, or has been given up.
+  /// After that the path rests until Begin.
   void End(std::function<void()> done);
 
-  /// As Begin, for a caller who has heard nothing of what was played so far.
+  /// Like Begin, but plays again what was played so far, as the caller has not heard it.
   void StartOver();
 
   /// From the modem.
   void Audio(std::span<const std::uint8_t> bytes);
   void AudioEnded();
   void Underrun();
-  /// Received sound was lost: what follows may begin in the middle of a sample.
+  /// Received audio was lost: what follows may start in the middle of a sample.
   void Overrun();
 
   bool Receives() const { return state_ == State::Receiving; }
@@ -60,11 +60,11 @@ class VoicePath {
     Off,
     Beginning,  ///< the modem has been asked to transmit or to receive
     Transmitting,
-    Draining,  ///< all has been written and is still being played
+    Draining,  ///< all is written and still being played
     Purging,   ///< playing was stopped
     Receiving,
-    EndOfReceive,  ///< it has been asked to end
-    Settling,      ///< it may still say something that belongs to the end
+    EndOfReceive,  ///< the modem has been asked to stop receiving
+    Settling,      ///< a late OK may still come
   };
 
   void Choose();
@@ -92,10 +92,10 @@ class VoicePath {
   std::unique_ptr<Transmitter> transmitter_;
   std::unique_ptr<Receiver> receiver_;
   State state_ = State::Off;
-  std::function<void()> ended_;                ///< told when the modem rests; empty: it goes on
-  std::chrono::milliseconds latest_audio_{0};  ///< when something was received
-  bool heard_ = false;                         ///< since receiving began
-  std::chrono::milliseconds silent_since_{0};  ///< up to when a recorder has what is recorded
+  std::function<void()> ended_;                ///< called when the modem rests; empty: the path goes on
+  std::chrono::milliseconds latest_audio_{0};  ///< when audio was last received
+  bool heard_ = false;                         ///< audio has come since receiving began
+  std::chrono::milliseconds silent_since_{0};  ///< up to when the recorder has received audio or silence
   std::unique_ptr<Timer> tick_;
   Lifeline lifeline_;
 };

@@ -74,7 +74,7 @@ TEST(ModemProbe, SaysWhatIsWrongWithAPort) {
   PutFile(folder / "port", "");
   const std::atomic<bool> never = false;
   EXPECT_THAT(ProbeModem("/dev/ttyACM99", never).text, testing::HasSubstr("no port /dev/ttyACM99"));
-  EXPECT_THAT(ProbeModem(folder / "port", never).text, testing::HasSubstr("no serial port"));
+  EXPECT_THAT(ProbeModem(folder / "port", never).text, testing::HasSubstr("not a serial port"));
   if (::geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   std::string text;
   std::thread([&] {
