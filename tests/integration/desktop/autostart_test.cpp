@@ -17,22 +17,22 @@ namespace fs = std::filesystem;
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
 
+/// The registry of an installation in the folder "home", and its entry.
 class AutostartTest : public ::testing::Test {
  protected:
   AutostartTest() { fs::create_directory(root_ / "other"); }
 
-  /// The registry of an installation in the folder "home".
-  AutostartRegistry Installation(const std::string& program = "/opt/orven", bool by_environment = false) {
+  AutostartRegistry Installation(const std::string& program, bool by_environment) {
     const AutostartSource source{file_, program, root_ / "home", by_environment};
     return {stored_, source, [this](const std::string& problem) { problem_ += problem; }};
   }
   static void Check(Registry& registry) {
     SetRegValue(registry, kRoot, kAutostartKey, "ORVEN", kRegString, "C:\\ORVEN.exe -st");
   }
-  static void Clear(Registry& registry) { DeleteRegValue(registry, kRoot, kAutostartKey, "ORVEN"); }
-  static bool IsChecked(Registry& registry) {
-    return GetRegValue(registry, kRoot, kAutostartKey, "ORVEN") != kNotFound;
-  }
+  void Check() { Check(registry_); }
+  void Clear() { DeleteRegValue(registry_, kRoot, kAutostartKey, "ORVEN"); }
+  bool IsChecked() { return GetRegValue(registry_, kRoot, kAutostartKey, "ORVEN") != kNotFound; }
+  bool IsStored() { return stored_.Text("ORVEN", kAutostartKey) == "C:\\ORVEN.exe -st"; }
   std::string Entry() const { return ContentOf(file_); }
   /// A person's edit; returns what the entry is then.
   std::string Edit(const std::string& from, const std::string& to) const {
@@ -46,6 +46,7 @@ class AutostartTest : public ::testing::Test {
   MemoryRegistry stored_;
   std::string file_ = root_ / "config/autostart/orven.desktop";
   std::string problem_;
+  AutostartRegistry registry_ = Installation("/opt/my programs\\orven", false);
 };
 
 TEST(ExecCommand, QuotesAndDoublesAsTheDesktopReadsIt) {
@@ -54,92 +55,87 @@ TEST(ExecCommand, QuotesAndDoublesAsTheDesktopReadsIt) {
 }
 
 TEST_F(AutostartTest, TheValueIsAnEntryThatComesAndGoesWithIt) {
-  auto registry = Installation("/opt/my programs\\orven");
-  SetRegValue(registry, kRoot, kAutostartKey, "Other", kRegString, "x");
-  SetRegValue(registry, kRoot, kSettingsKey, "ORVEN", kRegString, "x");
-  SetRegValue(registry, RegistryRoot::CurrentUser, kAutostartKey, "ORVEN", kRegString, "x");
+  SetRegValue(registry_, kRoot, kAutostartKey, "Other", kRegString, "x");
+  SetRegValue(registry_, kRoot, kSettingsKey, "ORVEN", kRegString, "x");
+  SetRegValue(registry_, RegistryRoot::CurrentUser, kAutostartKey, "ORVEN", kRegString, "x");
   stored_.refuse_writes = true;
-  Check(registry);
+  Check();
   EXPECT_FALSE(fs::exists(file_)) << "for other values, or one that is not stored";
   stored_.refuse_writes = false;
-  EXPECT_FALSE(IsChecked(registry));
-  Check(registry);
-  EXPECT_TRUE(IsChecked(registry));
-  EXPECT_EQ(stored_.Text("ORVEN", kAutostartKey), "C:\\ORVEN.exe -st");
+  EXPECT_FALSE(IsChecked());
+  Check();
+  EXPECT_TRUE(IsChecked());
+  EXPECT_TRUE(IsStored());
   EXPECT_NE(Entry().find("\nExec=\"/opt/my programs\\\\\\\\orven\" -st\n"), std::string::npos) << Entry();
-  Clear(registry);
-  EXPECT_FALSE(IsChecked(registry) || fs::exists(file_));
+  Clear();
+  EXPECT_FALSE(IsChecked() || fs::exists(file_));
   EXPECT_EQ(stored_.Text("ORVEN", kAutostartKey), kNotFound);
   EXPECT_EQ(problem_, "");
 }
 
 TEST_F(AutostartTest, APersonsEditStaysAndAnUneditedEntryFollowsTheProgram) {
-  auto registry = Installation();
-  Check(registry);
+  Check();
   auto moved = Installation("/usr/lib/orven/orven", true);
   Check(moved);
   const auto command = "Exec=env ORVEN_HOME=" + (root_ / "home") + " /usr/lib/orven/orven -st\n";
   const auto edited = Edit(command, "# wait for the network\nExec=nice env\n");
-  Check(registry);
+  Check();
   EXPECT_EQ(Entry(), edited);
 }
 
 TEST_F(AutostartTest, OnlyThePersonWhoChecksTheBoxEnablesAnEntryOfOthersOrOneSwitchedOff) {
   const auto home = "X-ORVEN-Home=" + (root_ / "home");
   const auto elsewhere = "X-ORVEN-Home=" + (root_ / "other");
-  auto registry = Installation();
   for (const auto& off :
        {std::string("Hidden=true"), std::string("X-GNOME-Autostart-enabled=false"), elsewhere}) {
-    Check(registry);
+    Check();
     const auto edited = Edit(home, off == elsewhere ? off : home + "\n" + off);
-    EXPECT_FALSE(IsChecked(registry)) << off;
+    EXPECT_FALSE(IsChecked()) << off;
     stored_ = {};
-    Check(registry);  // as a first start in an empty folder does
-    EXPECT_FALSE(IsChecked(registry)) << off;
+    Check();  // as a first start in an empty folder does
+    EXPECT_FALSE(IsChecked()) << off;
     stored_.MakeKey(kSettingsKey);
-    Clear(registry);
+    Clear();
     EXPECT_EQ(Entry(), edited) << "the box was clear, and is left so";
-    Check(registry);
-    EXPECT_TRUE(IsChecked(registry)) << off;
+    Check();
+    EXPECT_TRUE(IsChecked()) << off;
   }
   Edit(home, elsewhere);
   fs::remove(root_ / "other");
-  EXPECT_TRUE(IsChecked(registry)) << "what belongs to no installation is ours";
+  EXPECT_TRUE(IsChecked()) << "what belongs to no installation is ours";
 }
 
 TEST_F(AutostartTest, AnEntryThatCannotBeRemovedIsStillInForce) {
-  auto registry = Installation();
-  Check(registry);
+  Check();
   fs::permissions(root_ / "", fs::perms{0755});
   fs::permissions(root_ / "config/autostart", fs::perms{0555});
   std::thread([&] {
     constexpr uid_t kNobody = 65534;
     ::setfsuid(kNobody);  // of this thread, where it is root's
-    Clear(registry);
-    EXPECT_TRUE(IsChecked(registry));
+    Clear();
+    EXPECT_TRUE(IsChecked());
   }).join();
   EXPECT_NE(problem_, "");
   fs::permissions(root_ / "config/autostart", fs::perms{0755});
   stored_ = {};
-  EXPECT_TRUE(IsChecked(registry)) << "the desktop starts it, whatever is stored";
-  Clear(registry);
+  EXPECT_TRUE(IsChecked()) << "the desktop starts it, whatever is stored";
+  Clear();
   EXPECT_FALSE(fs::exists(file_));
 }
 
 TEST_F(AutostartTest, RubbishIsSetAsideAndAFailureIsReportedWhileTheValueIsStored) {
-  auto registry = Installation();
   fs::create_directories(root_ / "config/autostart");
   PutFile(file_, "rubbish");
-  Check(registry);
-  EXPECT_TRUE(IsChecked(registry));
-  Clear(registry);
+  Check();
+  EXPECT_TRUE(IsChecked());
+  Clear();
   const fs::directory_iterator left(root_ / "config/autostart");
   EXPECT_EQ(ContentOf(left->path()), "rubbish");
   fs::remove_all(root_ / "config");
   PutFile(root_ / "config", "a file where a folder belongs");
-  Check(registry);
+  Check();
   EXPECT_NE(problem_.find(root_ / "config"), std::string::npos) << problem_;
-  EXPECT_EQ(stored_.Text("ORVEN", kAutostartKey), "C:\\ORVEN.exe -st");
+  EXPECT_TRUE(IsStored());
 }
 
 }  // namespace

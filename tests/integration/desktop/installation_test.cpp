@@ -2,9 +2,7 @@
 #include "adapters/desktop/installation.h"
 
 #include <gmock/gmock.h>
-#include <qtestsupport_core.h>
 
-#include "adapters/desktop/application.h"
 #include "adapters/desktop/desktop_system.h"
 #include "support/scratch_folder.h"
 
@@ -83,7 +81,7 @@ TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
 }
 
 TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngine) {
-  qputenv("ESPEAK_DATA_PATH", (root_ / "").c_str());
+  ::setenv("ESPEAK_DATA_PATH", (root_ / "").c_str(), 1);
   fs::create_directory(root_ / "espeak-ng-data");
   PutFile(root_ / "espeak-ng-data/phontab", "x");
   EXPECT_FALSE(SpeechInstalled(root_ / "helper"));
@@ -93,21 +91,8 @@ TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngin
   EXPECT_TRUE(SpeechInstalled(root_ / "helper"));
   fs::remove(root_ / "espeak-ng-data/phontab");
   EXPECT_FALSE(SpeechInstalled(root_ / "helper"));
-  qunsetenv("ESPEAK_DATA_PATH");
-}
-
-TEST(Application, RunsOffscreenWithoutADisplay) {
-  EXPECT_EQ(QGuiApplication::platformName(), "offscreen");
-  EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
+  ::unsetenv("ESPEAK_DATA_PATH");
 }
 
 }  // namespace
 }  // namespace orven::test
-
-int main(int argc, char** argv) {
-  testing::InitGoogleTest(&argc, argv);
-  // As the program itself would start where there is no display.
-  for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) qunsetenv(variable);
-  const auto application = orven::MakeApplication(argc, argv);
-  return RUN_ALL_TESTS();
-}
