@@ -121,17 +121,13 @@ TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
        "call 1, done 1, up, digit 1, connected, idle call, gone, connected, refused -4, done 2, idle"},
   };
   for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
-  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
-  EXPECT_EQ(Scene(script).Play("sssCOsssssssss"), "call 1, idle, call 2") << "it begins with each opening";
-  EXPECT_EQ(Scene(script).Play("ssssssssssss"), "call 1, idle");
-}
-
-TEST(LineService, NamesEachRefusal) {
   const Scene scene;
   EXPECT_EQ(scene.service->LineAnswer(0), kTelephonyLineNotOpen);
   EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
-  EXPECT_EQ(scene.service->LineOpen(-1, 4, 8), kTelephonyBadDevice);
-  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "requests have positive numbers";
+  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "the number of a request";
+  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
+  EXPECT_EQ(Scene(script).Play("sssCOsssssssss"), "call 1, idle, call 2") << "it begins with each opening";
+  EXPECT_EQ(Scene(script).Play("ssssssssssss"), "call 1, idle");
 }
 
 TEST(CallerText, LetsNothingHarmfulThrough) {
@@ -164,36 +160,26 @@ TEST(DriverEventQueue, LosesNothingBetweenTwoThreads) {
   EXPECT_FALSE(queue.DeliverNext(next));
 }
 
-/// Counts its uses without a lock: after it was stopped, no other thread may use it.
 struct CountedAudio : AudioSource, AudioSink {
   bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
   void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
-  int uses = 0;
+  std::atomic<int> uses = 0;
 };
 
 TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
   LineAudio audio;
-  std::atomic<int> rounds = 0;
   std::atomic<bool> over = false;
   std::thread call([&] {
-    std::array<std::int16_t, kBlockSamples> block{};
-    for (; !over; ++rounds) {
-      audio.Fetch(block);
-      audio.Deliver(block);
-    }
+    for (std::array<std::int16_t, kBlockSamples> block{}; !over; audio.Deliver(block)) audio.Fetch(block);
   });
-  const auto wait = [&rounds] {
-    for (const int enough = rounds + 2; rounds < enough;) std::this_thread::yield();
-  };
   for (int i = 0; i < 100; ++i) {
     CountedAudio counted;
     EXPECT_EQ(audio.StartPlay(counted) + audio.StartRecord(counted), kWaveOk);
-    wait();
+    while (counted.uses < 2) std::this_thread::yield();
     audio.StopPlay();
     audio.StopRecord();
     const int uses = counted.uses;
-    EXPECT_GE(uses, 2);
-    wait();
+    std::this_thread::yield();
     EXPECT_EQ(counted.uses, uses);
   }
   over = true;
