@@ -47,23 +47,18 @@ TEST_F(RecordFailures, AMissingRecordFolderIsReplacedByTheRescueFolderAndAnyFile
 }
 
 TEST_F(RecordFailures, ABadDestinationIsReportedAndTheRecordingKeptUnderANewName) {
-  struct Bad {
-    std::string path;
-    std::int32_t result;
-    const char* kept;
-  };
   PutFile(folder / "file", "");
   std::filesystem::create_directory(folder / "folder.wav");
-  for (const auto& [path, result, kept] :
-       {Bad{folder / "missing/m.wav", kWavePathNotFound, "m.unsaved-1.wav"},
-        Bad{folder / "file/m.wav", kWavePathNotFound, "m.unsaved-2.wav"},
-        Bad{folder / "folder.wav", kWaveWriteFailed, "folder.unsaved-1.wav"},
-        Bad{folder / std::string(300, 'x'), kWavePathNotFound, ".wav.part"}}) {
-    control->SetRecordToDisk(path.ends_with("/m.wav"));
+  for (const auto& [name, kept] : std::map<std::string, std::string>{{"file/m.wav", "m.unsaved-1.wav"},
+                                                                     {"folder.wav", "folder.unsaved-1.wav"},
+                                                                     {"missing/m.wav", "m.unsaved-2.wav"},
+                                                                     {std::string(300, 'x'), ".wav.part"}}) {
+    control->SetRecordToDisk(name.ends_with("/m.wav"));
     Capture();
-    EXPECT_EQ(result, control->StopRecordToFile(path)) << path;
+    const std::int32_t result = name == "folder.wav" ? kWaveWriteFailed : kWavePathNotFound;
+    EXPECT_EQ(result, control->StopRecordToFile(folder / name)) << name;
     const std::string text = control->RecordErrorText(result);
-    EXPECT_TRUE(text.ends_with(std::string(kept) + "\".")) << text;
+    EXPECT_TRUE(text.ends_with(kept + "\".")) << text;
     const auto start = text.find('"') + 1;
     EXPECT_EQ(spoken, Read(text.substr(start, text.size() - start - 2)));
   }
