@@ -11,24 +11,23 @@ namespace {
 
 class WaveformOf : public AudioTest {
  protected:
-  /// The waveform of the file `name`, waited for.
-  Waveform Draw(const std::string& name) {
-    Request(name);
-    EXPECT_TRUE(Told());
-    return told.empty() ? Waveform{} : told.back().second;
-  }
-
   void Request(const std::string& name) {
     told.clear();
-    reader.Request(messages / name,
-                   [this, name](const Waveform& waveform) { told.emplace_back(name, waveform); });
+    reader.Request(messages / name, [this, name](const Waveform& drawn) { told.emplace_back(name, drawn); });
   }
 
-  bool Told() {
-    return Eventually([&] {
+  /// The answer to the request, waited for.
+  Waveform Told() {
+    EXPECT_TRUE(Eventually([&] {
       loop.Run();
       return !told.empty();
-    });
+    }));
+    return told.at(0).second;
+  }
+
+  Waveform Draw(const std::string& name) {
+    Request(name);
+    return Told();
   }
 
   std::vector<std::pair<std::string, Waveform>> told;
@@ -65,9 +64,8 @@ TEST_F(WaveformOf, OnlyTheNewestRequestIsAnswered) {
   Request("a.wav");
   Request("b.wav");
   disk.Mend();
-  ASSERT_TRUE(Told());
+  EXPECT_EQ(std::vector<float>(800, 0.5F), Told().peaks);
   EXPECT_EQ("b.wav", told[0].first);
-  EXPECT_EQ(std::vector<float>(800, 0.5F), told[0].second.peaks);
 
   Request("a.wav");
   reader.Cancel();

@@ -57,8 +57,9 @@ TEST_F(MailTest, ArrivesPartByPartInOrderWithAttachedFilesOnly) {
 
 TEST_F(MailTest, SubjectsOfStrangersStayInTheirField) {
   const TestServer server;
-  std::string xs, umlauts;
-  for (int i = 0; i < 2000; ++i) xs += "x", umlauts += "\u00E4";
+  const std::string xs(2000, 'x');
+  std::string umlauts;
+  for (int i = 0; i < 1000; ++i) umlauts += "\u00E4";
   int number = 0;
   for (const auto& [asked, expected] : std::map<std::string, std::string>{
            {"a\r\nBcc: you@example.org\r\n\r\nbody", "a  Bcc: you@example.org    body"},
@@ -106,14 +107,11 @@ const Fault kFaults[]{
     {"CONNECT", "421 4.3.2 closed\\x07 today", "refused the mail: 421 4.3.2 closed  today"},
     {"MAIL", "451 4.7.1 later", "refused the mail: 451 4.7.1 later"},
     {"MAIL", "550-no\\r\\n550 mail from you", "550-no mail from you"},
-    {"RCPT", "550 no ** for you", "error a@example.org: 127.0.0.1:"},
-    {"RCPT", "550 no ** for you", "550 no *** for you"},  // the password, which may look like its mask
+    {"RCPT", "550 no ** for you", "refused the mail: 550 no *** for you"},  // the password is like its mask
     {"DATA", "452 no room", "452 no room"},
     {"BODY", "552 too long", "552 too long"},
     {"CONNECT", "stall", "stopped answering (timed out)"},
-    {"MAIL", "stall", "stopped answering (timed out)"},
     {"BODY", "stall", "stopped answering (timed out)"},
-    {"CONNECT", "garbage", "does not answer as a mail server"},
     {"RCPT", "garbage", "does not answer as a mail server"},
     {"CONNECT", "close", "was lost"},
     {"BODY", "close", "was lost"},
@@ -202,6 +200,7 @@ TEST(MailTexts, DatesAreEnglishAndServersHaveTheirPorts) {
   EXPECT_EQ(ParseMailServer("mail.example.org")->url, "smtp://mail.example.org:25");
   EXPECT_EQ(ParseMailServer("smtp://mail.example.org:587")->url, "smtp://mail.example.org:587");
   EXPECT_EQ(ParseMailServer("smtps://[::1]/")->url, "smtps://[::1]:465");
+  EXPECT_EQ(ParseMailServer("x:65535")->name, "x:65535");
 }
 
 class StalledExit : public MailTest, public ::testing::WithParamInterface<const char*> {};
