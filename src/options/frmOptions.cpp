@@ -171,7 +171,7 @@ void frmOptions::OpenLines() {
   ShowCapabilities();
 }
 
-void frmOptions::ShowLevel(std::optional<std::int32_t> level) {
+void frmOptions::ShowLevel(std::optional<std::int32_t> level) noexcept {
   meter_->ShowLevel(level);
   if (!level)
     return meter_text_->setText(tr("While a caller is greeted or speaks, the level is shown here."));
@@ -181,7 +181,7 @@ void frmOptions::ShowLevel(std::optional<std::int32_t> level) {
                            : tr("The caller now: %1 %, silent").arg(percent));
 }
 
-void frmOptions::ShowSoundCards(const std::vector<std::string>& names) {
+void frmOptions::ShowSoundCards(const std::vector<std::string>& names) noexcept {
   for (int i = 0; i < int(names.size()); ++i) {
     const auto name = QString::fromStdString(names[std::size_t(i)]);
     if (i == cmbSoundDev_->count()) cmbSoundDev_->addItem(name);
@@ -189,7 +189,7 @@ void frmOptions::ShowSoundCards(const std::vector<std::string>& names) {
   }
 }
 
-void frmOptions::ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) {
+void frmOptions::ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) noexcept {
   const auto shown = QString::fromStdString(path);
   if (txtMassagesPath_->text() != shown) txtMassagesPath_->setText(shown);
   for (auto* button : {cmdBrowsMessagesPath_, cmdOK_, cmdCancel_}) button->setEnabled(!moving);

@@ -67,9 +67,9 @@ class frmOptions : public QDialog, private OptionsView {
   void OpenLines();
   void Ok();
 
-  void ShowLevel(std::optional<std::int32_t> level) override;
-  void ShowSoundCards(const std::vector<std::string>& names) override;
-  void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) override;
+  void ShowLevel(std::optional<std::int32_t> level) noexcept override;
+  void ShowSoundCards(const std::vector<std::string>& names) noexcept override;
+  void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) noexcept override;
 
   Parts parts_;
   QTabWidget* TabStrip1_;

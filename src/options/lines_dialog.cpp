@@ -102,11 +102,11 @@ bool LinesDialog::Ok() {
     }
   });
   if (!stored) {
-    trap([&] { parts_.dialogs.Information("The telephone lines could not be stored.\r\n" + problem); });
+    parts_.dialogs.Information("The telephone lines could not be stored.\r\n" + problem);
     return false;
   }
   parts_.log.WriteSystem("Telephone lines changed");
-  trap([&] { KeepChosen(); });
+  KeepChosen();
   trap([&] { UseChanged(); });
   return true;
 }

@@ -19,10 +19,10 @@ constexpr int kMostRings = 20;
 /// A level that moves smoothly to the eye.
 constexpr auto kLevelInterval = 50ms;
 
-/// Sound cards are looked for anew every two seconds: that often one may be plugged in.
+/// Sound cards are looked for every two seconds, because one may be plugged in at any time.
 constexpr int kTicksBetweenLooks = 40;
 
-/// Cards that are shown because one of them was chosen, though none has been seen since.
+/// How many missing cards are listed at most when the chosen one has a high number.
 constexpr std::int32_t kMostMissingCards = 64;
 
 /// Thousandths of full scale in one step of the slider.
@@ -42,17 +42,14 @@ GreetingList GreetingPlayer::Fill(const std::string& selected) const {
 }
 
 void GreetingPlayer::ButtonClick(const std::string& key, GreetingList& list) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (key == "Play") parts_.sounds.PlayWave(parts_.library.PathOf(list.selected));
-    if (key == "Stop") parts_.player.Stop();
-    if (key == "Add") Add(list);
-    if (key == "Delete") Delete(list);
-  });
+  if (key == "Play") parts_.sounds.PlayWave(parts_.library.PathOf(list.selected));
+  if (key == "Stop") parts_.player.Stop();
+  if (key == "Add") ErrorTrap::Silent()([&] { Add(list); });
+  if (key == "Delete") Delete(list);
 }
 
 void GreetingPlayer::Add(GreetingList& list) {
-  // What the creator has saved is the default greeting now, and storing the list must not take that back.
+  // What the creator saved is the default greeting now; storing the list must not undo that.
   const auto saved = parts_.add();
   list = Fill(saved.value_or(list.selected));
 }
@@ -67,20 +64,19 @@ void GreetingPlayer::Delete(GreetingList& list) {
   });
   list = Fill();
   trap([&] { parts_.refill_main(); });
-  trap([&] { parts_.choose_default(list.selected); });
+  parts_.choose_default(list.selected);
 }
 
 OptionsDialog::OptionsDialog(Parts parts)
     : parts_(std::move(parts)), timer_(parts_.loop.MakeTimer([this] { LookAgain(); })) {}
 
 OptionLists OptionsDialog::Lists() {
-  const ErrorTrap trap(parts_.log, "ErrorLoadOptions->");
   OptionLists lists;
   for (int count = 1; count <= kMostRings; ++count) lists.txtNumOfRing.push_back(std::to_string(count));
   lists.txtRecLong = {"1", "2", "5"};
   lists.cmbSilenceSec = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
-  trap([&] { lists.cmbModemDev = Devices(); });
-  trap([&] { lists.cmbSoundDev = SoundCards(); });
+  lists.cmbModemDev = Devices();
+  lists.cmbSoundDev = SoundCards();
   return lists;
 }
 
@@ -94,7 +90,7 @@ std::vector<std::string> OptionsDialog::Devices() const {
   return names;
 }
 
-/// The place of a card in the list is its number, so one that is not known has to have a place.
+/// A card's place in the list is its number, so missing cards keep their places.
 std::vector<std::string> OptionsDialog::SoundCards() {
   auto names = parts_.cards.Names();
   const auto chosen = parts_.settings.Sound;
@@ -114,14 +110,14 @@ bool OptionsDialog::Flag(const char* name) {
 
 std::string OptionsDialog::NumberText(const char* name) {
   auto text = Value(name);
-  ToInt32(text);  // throws where there is none to show
+  ToInt32(text);  // throws when it is no number
   return text;
 }
 
 OptionChoices OptionsDialog::Load() {
   const ErrorTrap trap(parts_.log, "ErrGetOptions->");
   OptionChoices choices;
-  trap([&] { choices.chkRenOnStart = Autostarts(); });
+  choices.chkRenOnStart = Autostarts();
   trap([&] { choices.cmbSilenceSec = NumberText("SecSilence"); });
   trap([&] { choices.chkDropIfSilnce = Flag("cDropSilence"); });
   trap([&] {
@@ -132,14 +128,14 @@ OptionChoices OptionsDialog::Load() {
   trap([&] { choices.cmdRecordMessage = Flag("RecordMessage"); });
   trap([&] { choices.txtNumOfRing = NumberText("NumOfRing"); });
   trap([&] { choices.txtRecLong = NumberText("MaxRec"); });
-  trap([&] { choices.txtPass = Value("Pass"); });
+  choices.txtPass = Value("Pass");
   trap([&] { choices.chkWornDelete = Flag("WornDelete"); });
   trap([&] { choices.chkWornClear = Flag("WornClear"); });
   trap([&] { choices.chkListMessagesOnly = Flag("ListMessageOnly"); });
   trap([&] { choices.chkPreScreen = Flag("PreScreen"); });
-  trap([&] { choices.cmbModemDev = Value("ModemName"); });
+  choices.cmbModemDev = Value("ModemName");
   trap([&] { choices.cmbSoundDev = ToInt32(Value("Sound")); });
-  trap([&] { choices.CmbGreetsMessages = Value("Greeting"); });
+  choices.CmbGreetsMessages = Value("Greeting");
   trap([&] { choices.chkAllowRemoteAccess = Flag("AllowRemoteAccess"); });
   trap([&] { choices.chkCompress = Flag("CompressMessages"); });
   trap([&] { choices.chkQuickToolBar = Flag("pQuickToolbar"); });
@@ -174,19 +170,17 @@ void OptionsDialog::Watch(OptionsView* view) {
 }
 
 void OptionsDialog::LookAgain() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { view_->ShowLevel(parts_.line_level()); });
-  trap([&] { view_->ShowMessagesPath(parts_.shared.messages_path, parts_.move.Relocating()); });
-  if (++ticks_ % kTicksBetweenLooks == 0) trap([&] { view_->ShowSoundCards(SoundCards()); });
+  view_->ShowLevel(parts_.line_level());
+  view_->ShowMessagesPath(parts_.shared.messages_path, parts_.move.Relocating());
+  if (++ticks_ % kTicksBetweenLooks == 0) view_->ShowSoundCards(SoundCards());
 }
 
 void OptionsDialog::BrowsMessagesPath() {
-  const ErrorTrap trap(parts_.log, "ErrcmdBrowsMessagesPath ");
-  std::string path;
-  trap([&] { path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.shared.messages_path); });
+  auto path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.shared.messages_path);
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
+  const ErrorTrap trap(parts_.log, "ErrcmdBrowsMessagesPath ");
   trap([&] { parts_.move_messages(path); });
 }
 
@@ -208,14 +202,13 @@ void OptionsDialog::Put(Values& values, const char* name, const std::string& tex
 }
 
 void OptionsDialog::Collect(const OptionChoices& choices, Values& values) {
-  const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
   Put(values, "SecSilence", choices.cmbSilenceSec);
   Put(values, "cDropSilence", choices.chkDropIfSilnce);
   Put(values, "ValSilence", std::to_string(std::int64_t{choices.sldSilence} * kThousandthsPerStep));
   Put(values, "WornDelete", choices.chkWornDelete);
   Put(values, "WornClear", choices.chkWornClear);
   Put(values, "ListMessageOnly", choices.chkListMessagesOnly);
-  trap([&] { Put(values, "Modem", std::to_string(parts_.line.FindByName(choices.cmbModemDev))); });
+  Put(values, "Modem", std::to_string(parts_.line.FindByName(choices.cmbModemDev)));
   Put(values, "PreScreen", choices.chkPreScreen);
   Put(values, "ModemName", choices.cmbModemDev);
   // Without a choice the card, and the greeting, stay what they are.
@@ -235,13 +228,12 @@ void OptionsDialog::Save(const OptionChoices& choices) {
   trap([&] { parts_.fill_greetings(choices.CmbGreetsMessages); });
   Values values;
   Collect(choices, values);
-  bool stored = false;
-  // All in one go: a crash leaves the old options or the new ones, and a slow disk is waited for once.
-  trap([&] { stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values); });
+  // One write: a crash leaves either the old options or the new ones, and a slow disk delays us once.
+  const bool stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
   parts_.store.ShareOptions(trap);
-  trap([&] { StoreAutostart(choices.chkRenOnStart); });
-  trap([&] { parts_.show_in_main(); });
-  trap([&] { TellOfFailures(stored, choices.chkRenOnStart); });
+  StoreAutostart(choices.chkRenOnStart);
+  parts_.show_in_main();
+  TellOfFailures(stored, choices.chkRenOnStart);
 }
 
 void OptionsDialog::TellOfFailures(bool stored, bool autostart) {

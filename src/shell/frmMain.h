@@ -37,28 +37,28 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   void ShowLine(bool on, bool trying) override;
 
   // QuickOptionBoxes
-  void FillRings(const std::vector<std::string>& texts) override;
-  void ShowRings(std::int16_t count) override;
-  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) override;
-  std::string SelectedGreeting() const override;
-  void ShowRecordMessage(bool on) override;
+  void FillRings(const std::vector<std::string>& texts) noexcept override;
+  void ShowRings(std::int16_t count) noexcept override;
+  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept override;
+  std::string SelectedGreeting() const noexcept override;
+  void ShowRecordMessage(bool on) noexcept override;
 
   // WindowFrame
   WindowGeometry Geometry() const override;
   void Place(const WindowGeometry& geometry) override;
-  std::uint32_t ToolbarStyle(Toolbar toolbar) const override;
-  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) override;
-  void ShowQuickToolbar(bool on) override;
-  bool GridLines() const override;
-  void SetGridLines(bool on) override;
-  void SetListStyle(std::uint32_t mask, std::uint32_t style) override;
-  std::uintptr_t Handle() const override;
-  void Show() override;
-  void Hide() override;
-  void Minimise() override;
-  void Restore() override;
-  void PopUpTrayMenu() override;
-  void CloseOtherWindows() override;
+  std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override;
+  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override;
+  void ShowQuickToolbar(bool on) noexcept override;
+  bool GridLines() const noexcept override;
+  void SetGridLines(bool on) noexcept override;
+  void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept override;
+  std::uintptr_t Handle() const noexcept override;
+  void Show() noexcept override;
+  void Hide() noexcept override;
+  void Minimise() noexcept override;
+  void Restore() noexcept override;
+  void PopUpTrayMenu() noexcept override;
+  void CloseOtherWindows() noexcept override;
 
   // CallListView
   void ShowColumns(const std::vector<CallColumn>& columns) override;
@@ -80,7 +80,7 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
 
   // ClockPanels
-  void ShowClock(const std::string& time, const std::string& date) override;
+  void ShowClock(const std::string& time, const std::string& date) noexcept override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

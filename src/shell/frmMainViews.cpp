@@ -25,23 +25,23 @@ void frmMain::ShowLine(bool on, bool trying) {
   menus_->ShowLine(on, trying);
 }
 
-void frmMain::FillRings(const std::vector<std::string>& texts) {
+void frmMain::FillRings(const std::vector<std::string>& texts) noexcept {
   TBQuickOption_->FillRings(texts);
 }
 
-void frmMain::ShowRings(std::int16_t count) {
+void frmMain::ShowRings(std::int16_t count) noexcept {
   TBQuickOption_->ShowRings(count);
 }
 
-void frmMain::FillGreetings(const std::vector<std::string>& names, const std::string& selected) {
+void frmMain::FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept {
   TBQuickOption_->FillGreetings(names, selected);
 }
 
-std::string frmMain::SelectedGreeting() const {
+std::string frmMain::SelectedGreeting() const noexcept {
   return TBQuickOption_->SelectedGreeting().toStdString();
 }
 
-void frmMain::ShowRecordMessage(bool on) {
+void frmMain::ShowRecordMessage(bool on) noexcept {
   TBQuickOption_->ShowRecordMessage(on);
 }
 
@@ -80,58 +80,58 @@ ButtonBar& frmMain::Bar(Toolbar toolbar) const {
   return *TBQuickOption_;
 }
 
-std::uint32_t frmMain::ToolbarStyle(Toolbar toolbar) const {
+std::uint32_t frmMain::ToolbarStyle(Toolbar toolbar) const noexcept {
   return Bar(toolbar).Style();
 }
 
-void frmMain::SetToolbarStyle(Toolbar toolbar, std::uint32_t style) {
+void frmMain::SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept {
   Bar(toolbar).SetStyle(style);
 }
 
-void frmMain::ShowQuickToolbar(bool on) {
+void frmMain::ShowQuickToolbar(bool on) noexcept {
   TBQuickOption_->setVisible(on);
 }
 
-bool frmMain::GridLines() const {
+bool frmMain::GridLines() const noexcept {
   return StatusBar1_->Check1().isChecked();
 }
 
-void frmMain::SetGridLines(bool on) {
+void frmMain::SetGridLines(bool on) noexcept {
   StatusBar1_->Check1().setChecked(on);
 }
 
-void frmMain::SetListStyle(std::uint32_t mask, std::uint32_t style) {
+void frmMain::SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept {
   ListView1_->SetStyleBits(mask, style);
 }
 
-std::uintptr_t frmMain::Handle() const {
+std::uintptr_t frmMain::Handle() const noexcept {
   return winId();
 }
 
-void frmMain::Show() {
+void frmMain::Show() noexcept {
   show();
 }
 
-void frmMain::Hide() {
+void frmMain::Hide() noexcept {
   hide();
 }
 
-void frmMain::Minimise() {
+void frmMain::Minimise() noexcept {
   showMinimized();
 }
 
-void frmMain::Restore() {
+void frmMain::Restore() noexcept {
   minimised_ = false;  // the program brings it back, no person
   showNormal();
   raise();
   activateWindow();
 }
 
-void frmMain::PopUpTrayMenu() {
+void frmMain::PopUpTrayMenu() noexcept {
   menus_->Systry().popup(QCursor::pos());
 }
 
-void frmMain::CloseOtherWindows() {
+void frmMain::CloseOtherWindows() noexcept {
   const auto windows = QApplication::topLevelWidgets();
   for (auto* window : windows) {
     if (window->objectName() == u"frmMSG" || window->objectName() == u"frmLog") window->close();
@@ -198,7 +198,7 @@ void frmMain::ShowProgress(std::chrono::milliseconds position, std::chrono::mill
   player_->ShowProgress(position, length);
 }
 
-void frmMain::ShowClock(const std::string& time, const std::string& date) {
+void frmMain::ShowClock(const std::string& time, const std::string& date) noexcept {
   StatusBar1_->ShowClock(QString::fromStdString(time), QString::fromStdString(date));
 }
 

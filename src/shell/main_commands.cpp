@@ -7,20 +7,19 @@
 namespace orven {
 namespace {
 
-/// Both the record check box and the ring box have always logged under this name.
-constexpr const char* kQuickOptionLabel = "ErrchkRecMessage ";
+/// The ring box logs under the name of the record check box.
+constexpr const char* kRingsLabel = "ErrchkRecMessage ";
 
 }  // namespace
 
 void QuickOptions::SetRecordMessage(bool on) {
-  const ErrorTrap trap(log_, kQuickOptionLabel);
   shared_.record_messages = on;
   settings_.RecordMessage = on ? 1 : 0;
-  trap([&] { store_.Set("RecordMessage", on ? "1" : "0"); });
+  store_.Set("RecordMessage", on ? "1" : "0");
 }
 
 void QuickOptions::SetRings(const std::string& text) {
-  const ErrorTrap trap(log_, kQuickOptionLabel);
+  const ErrorTrap trap(log_, kRingsLabel);
   trap([&] {
     const auto count = ToInt16(text);
     store_.Set("NumOfRing", text);
@@ -30,10 +29,9 @@ void QuickOptions::SetRings(const std::string& text) {
 }
 
 void QuickOptions::SetGreeting(const std::string& name) {
-  const auto trap = ErrorTrap::Silent();
   settings_.Greeting = name;
   shared_.greeting_file = name + ".wav";
-  trap([&] { store_.Set("Greeting", name); });
+  store_.Set("Greeting", name);
 }
 
 void GreetingCommands::Fill(const std::string& selected) {
@@ -82,13 +80,12 @@ void MainCommands::Toolbar1_ButtonClick(const std::string& key, bool down) {
 void MainCommands::ToolBarPlayer_ButtonClick(const std::string& key) {
   const auto trap = ErrorTrap::Silent();
   if (key == "Play") trap([&] { parts_.player.Play(); });
-  if (key == "Stop") trap([&] { parts_.player.PressStop(); });
+  if (key == "Stop") parts_.player.PressStop();
 }
 
 void MainCommands::TBQuickOption_ButtonClick(const std::string& key) {
-  const auto trap = ErrorTrap::Silent();
-  if (key == "Play") trap([&] { parts_.greetings.Play(); });
-  if (key == "Stop") trap([&] { parts_.greetings.Stop(); });
+  if (key == "Play") parts_.greetings.Play();
+  if (key == "Stop") parts_.greetings.Stop();
   if (key == "Add") DisplayGreetingCreator();
   if (key == "Delete") parts_.greetings.Delete();
 }
@@ -105,13 +102,10 @@ void MainCommands::OpenDialog(Dialog dialog, int tab) {
 }
 
 void MainCommands::ShowPage(const std::string& page) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    const auto target = parts_.shared.InApplicationFolder("\\Help\\" + page + ".htm");
-    if (parts_.shell.Open(target)) return;
-    parts_.log.WriteSystem("Cannot open " + target);
-    parts_.messages.Information("Nothing on this computer opens " + target);
-  });
+  const auto target = parts_.shared.InApplicationFolder("\\Help\\" + page + ".htm");
+  if (parts_.shell.Open(target)) return;
+  parts_.log.WriteSystem("Cannot open " + target);
+  parts_.messages.Information("Nothing on this computer opens " + target);
 }
 
 }  // namespace orven

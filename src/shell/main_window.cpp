@@ -19,11 +19,10 @@ constexpr std::uint32_t kFlat = 0x800;
 
 constexpr auto kClockInterval = 1s;
 
-/// Records that another program has locked, or whose disk is not there, are tried again so often.
+/// How often records are tried again that are locked by another program or whose disk is missing.
 constexpr auto kTryRecords = 5s;
 
-/// A desktop that is just starting, or its panel that is starting anew, shows its notification area
-/// within twice this time.
+/// A desktop or panel that is starting shows its notification area within twice this time.
 constexpr auto kTrayPatience = 10s;
 
 }  // namespace
@@ -54,36 +53,32 @@ void MainWindow::Show() {
   if (ended_) return;
   Load();
   StartUp();
-  // A message box of the start-up lets events in, an exit command among them.
+  // While a message box of the start-up is open, an exit command may arrive.
   if (!ended_) views_.frame.Show();
 }
 
 void MainWindow::Load() {
   loaded_ = true;
-  const ErrorTrap trap(machine_.log, "ErrorLoadFormMain->");
-  trap([&] {
-    std::vector<std::string> rings;
-    for (int count = 1; count <= kMostRings; ++count) rings.push_back(std::to_string(count));
-    views_.boxes.FillRings(rings);
-  });
+  std::vector<std::string> rings;
+  for (int count = 1; count <= kMostRings; ++count) rings.push_back(std::to_string(count));
+  views_.boxes.FillRings(rings);
   machine_.line.ShowMonitoring();
   ReadSettings();
-  trap([&] { views_.frame.ShowQuickToolbar(machine_.settings.pQuickToolbar != 0); });
-  trap([&] { views_.frame.SetGridLines(machine_.store.GetGridLines()); });
-  trap([&] { ShowListStyle(); });
+  views_.frame.ShowQuickToolbar(machine_.settings.pQuickToolbar != 0);
+  views_.frame.SetGridLines(machine_.store.GetGridLines());
+  ShowListStyle();
   machine_.ListView1.RangeListTitle();
-  trap([&] { views_.boxes.ShowRings(machine_.settings.NumOfRing); });
+  views_.boxes.ShowRings(machine_.settings.NumOfRing);
+  const ErrorTrap trap(machine_.log, "ErrorLoadFormMain->");
   trap([&] { machine_.greetings.Fill(machine_.settings.Greeting); });
-  trap([&] { views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0); });
-  trap([&] { ports_.Wave1.SetRecordToDisk(true); });
-  trap([&] { views_.player.SetSliderRange(0, LocalPlayer::kSliderLast); });
-  trap([&] { ShowClock(); });
+  views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0);
+  ports_.Wave1.SetRecordToDisk(true);
+  views_.player.SetSliderRange(0, LocalPlayer::kSliderLast);
+  ShowClock();
   TimerPannel->Start(kClockInterval);
   machine_.log.WriteSystem("Load ORVEN");
   machine_.log.WriteCalls("Load ORVEN");
-  trap([&] {
-    machine_.log.WriteSystem("LineInitialize->" + ports_.Tapi1.ErrorText(ports_.Tapi1.LineInitialize()));
-  });
+  machine_.log.WriteSystem("LineInitialize->" + ports_.Tapi1.ErrorText(ports_.Tapi1.LineInitialize()));
 }
 
 void MainWindow::ReadSettings() {
@@ -100,9 +95,8 @@ void MainWindow::ShowListStyle() {
 }
 
 void MainWindow::ChangeGridLines() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { ShowListStyle(); });
-  trap([&] { machine_.store.SetGridLines(views_.frame.GridLines()); });
+  ShowListStyle();
+  machine_.store.SetGridLines(views_.frame.GridLines());
 }
 
 void MainWindow::ShowClock() {
@@ -112,22 +106,19 @@ void MainWindow::ShowClock() {
 
 void MainWindow::StartUp() {
   const ErrorTrap trap(machine_.log, "ErrorInitializeFormMain->");
-  trap([&] { SetToolbarStyles(); });
-  trap([&] { machine_.ListView1.Clear(); });
+  SetToolbarStyles();
+  machine_.ListView1.Clear();
   if (!trap([&] { OpenRecords(); })) tmrRecords_->Start(kTryRecords);
   machine_.recovery.Run();
   machine_.ListView1.makeList();
   trap([&] { machine_.move.GoOn(); });
-  trap([&] {
-    if (!machine_.line.SelectModemDevice()) return;
+  if (machine_.line.SelectModemDevice()) {
     machine_.line.OpenLine(machine_.settings.Modem);
     machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
-  });
-  trap([&] { views_.player.EnableSlider(false); });
-  trap([&] {
-    const auto& note = machine_.shared.messages_note;
-    if (!note.empty()) machine_.status.ShowStatus(note);
-  });
+  }
+  views_.player.EnableSlider(false);
+  const auto& note = machine_.shared.messages_note;
+  if (!note.empty()) machine_.status.ShowStatus(note);
 }
 
 void MainWindow::OpenRecords() {
@@ -145,10 +136,10 @@ void MainWindow::TellOfLoss(const std::string& text) {
   }));
 }
 
-/// The records could not be opened at the start: what the start wanted of them is done when they can be.
+/// Lists the records as soon as they can be opened, when they could not be at the start.
 void MainWindow::LookForRecords() {
   if (ended_) return tmrRecords_->Stop();
-  // They open themselves for whoever asks; the log has said why they could not.
+  // Asking for anything opens them; the log has said why they could not be opened.
   if (!ErrorTrap::Silent()([&] { (void)ports_.DataBase1.RecordCount(); })) return;
   tmrRecords_->Stop();
   machine_.log.WriteSystem("The call records can be read now");
@@ -168,19 +159,18 @@ void MainWindow::SetToolbarStyles() {
 }
 
 bool MainWindow::Unload() {
-  const ErrorTrap trap(machine_.log, "ErrForm_Unload ");
   if (!exiting_) {
     machine_.window_hidden = true;
     machine_.store.SetView(views_.frame, machine_.window_hidden);
-    trap([&] { PutAway(); });
+    PutAway();
     return false;
   }
-  trap([&] { CloseOtherWindows(); });
-  trap([&] { StopSounds(); });
+  CloseOtherWindows();
+  StopSounds();
   machine_.line.CloseLine(machine_.settings.Modem);
   // A call that ended with the line has announced itself once more.
-  trap([&] { CloseOtherWindows(); });
-  trap([&] { StopSounds(); });
+  CloseOtherWindows();
+  StopSounds();
   machine_.calls.FileWaitingCalls();
   machine_.log.WriteSystem("Unload ORVEN");
   machine_.log.WriteCalls("Unload ORVEN");
@@ -195,7 +185,7 @@ void MainWindow::CloseOtherWindows() {
 }
 
 void MainWindow::StopSounds() {
-  // A message that is being recorded at exit is a message all the same.
+  // A message that is being recorded at exit is kept.
   if (machine_.recorder.Recording()) machine_.recorder.StopRecMessage();
   if (machine_.microphone.Recording()) machine_.microphone.Stop();
   if (ports_.Wave1.IsPlaying()) ports_.Wave1.StopPlay();
@@ -205,7 +195,7 @@ void MainWindow::StopSounds() {
 void MainWindow::Exit() {
   if (ended_) return;
   exiting_ = true;
-  // A second instance has loaded nothing, and what is there belongs to the first.
+  // A second instance has loaded nothing: everything belongs to the first.
   if (loaded_ && !Unload()) return;
   ended_ = true;
   end_process_();
@@ -213,7 +203,7 @@ void MainWindow::Exit() {
 
 void MainWindow::TurnOn() {
   machine_.line.OpenLine(machine_.settings.Modem);
-  // The button shows what is, also where there was no line to open.
+  // The button shows the real state, even when there was no line to open.
   machine_.line.ShowLine();
   if (machine_.settings.Modem < 0) machine_.line.TellToSelectDevice();
 }
@@ -223,13 +213,12 @@ void MainWindow::TurnOff() {
 }
 
 void MainWindow::Hide() {
-  const auto trap = ErrorTrap::Silent();
   machine_.window_hidden = true;
-  trap([&] { views_.frame.Minimise(); });
-  trap([&] { PutAway(); });
+  views_.frame.Minimise();
+  PutAway();
 }
 
-/// Hides the window where an icon can bring it back, else only minimises it.
+/// Hides the window when an icon can bring it back; otherwise only minimises it.
 void MainWindow::PutAway() {
   tray_missed_ = false;
   if (ports_.shell.HasNotificationArea()) {
@@ -242,22 +231,18 @@ void MainWindow::PutAway() {
   machine_.log.WriteSystem("No notification area: the window is minimised, not hidden");
 }
 
-/// A hidden window whose icon is gone would be out of reach.
+/// Minimises a hidden window whose icon has disappeared, because nothing else could bring it back.
 void MainWindow::WatchTray() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (!machine_.window_hidden || ended_) return TrayWatch_->Stop();
-    const bool there = ports_.shell.HasNotificationArea();
-    // The panel that has it may just be starting anew.
-    if (!there && tray_missed_) PutAway();
-    tray_missed_ = !there;
-  });
+  if (!machine_.window_hidden || ended_) return TrayWatch_->Stop();
+  const bool there = ports_.shell.HasNotificationArea();
+  // The panel that holds it may be restarting.
+  if (!there && tray_missed_) PutAway();
+  tray_missed_ = !there;
 }
 
 void MainWindow::Open() {
-  const auto trap = ErrorTrap::Silent();
   machine_.window_hidden = false;
-  trap([&] { views_.frame.Restore(); });
+  views_.frame.Restore();
 }
 
 void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
@@ -265,8 +250,7 @@ void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
 }
 
 void MainWindow::RestoreFromTray() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { views_.frame.Restore(); });
+  views_.frame.Restore();
   CameBack();
 }
 
@@ -282,8 +266,7 @@ void MainWindow::ActivationChanged() {
 }
 
 void MainWindow::PopUpTrayMenu() {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] { views_.frame.PopUpTrayMenu(); });
+  views_.frame.PopUpTrayMenu();
 }
 
 }  // namespace orven

@@ -19,14 +19,14 @@ class QuickOptionBoxes {
  public:
   virtual ~QuickOptionBoxes() = default;
   /// Fills `cmbRings`.
-  virtual void FillRings(const std::vector<std::string>& texts) = 0;
-  virtual void ShowRings(std::int16_t count) = 0;
+  virtual void FillRings(const std::vector<std::string>& texts) noexcept = 0;
+  virtual void ShowRings(std::int16_t count) noexcept = 0;
   /// Fills `cmbDefGreet` and selects `selected` when it is among the names, else the first one.
-  virtual void FillGreetings(const std::vector<std::string>& names, const std::string& selected) = 0;
+  virtual void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept = 0;
   /// The text in `cmbDefGreet`; empty when it is empty.
-  virtual std::string SelectedGreeting() const = 0;
+  virtual std::string SelectedGreeting() const noexcept = 0;
   /// Checks or clears `chkRecMessage`.
-  virtual void ShowRecordMessage(bool on) = 0;
+  virtual void ShowRecordMessage(bool on) noexcept = 0;
 };
 
 /// The window itself: what start-up, the tray and exit do to it.
@@ -35,32 +35,32 @@ class WindowFrame : public PlacedWindow {
   enum class Toolbar { Toolbar1, ToolBarPlayer, TBQuickOption };
 
   /// Style bits of a toolbar's child window; TBSTYLE_FLAT (0x800) is the one that can be seen.
-  virtual std::uint32_t ToolbarStyle(Toolbar toolbar) const = 0;
-  virtual void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) = 0;
+  virtual std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept = 0;
+  virtual void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept = 0;
 
   /// Shows or hides the whole toolbar `TBQuickOption`.
-  virtual void ShowQuickToolbar(bool on) = 0;
+  virtual void ShowQuickToolbar(bool on) noexcept = 0;
 
   /// `Check1`: the list shows grid lines. Setting it calls nothing back.
-  virtual bool GridLines() const = 0;
-  virtual void SetGridLines(bool on) = 0;
+  virtual bool GridLines() const noexcept = 0;
+  virtual void SetGridLines(bool on) noexcept = 0;
   /// Sets those extended style bits of the call list that are in `mask` to the ones in `style`:
   /// 0x1 grid lines, 0x20 full-row select.
-  virtual void SetListStyle(std::uint32_t mask, std::uint32_t style) = 0;
+  virtual void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept = 0;
 
-  virtual std::uintptr_t Handle() const = 0;
+  virtual std::uintptr_t Handle() const noexcept = 0;
 
-  virtual void Show() = 0;
-  virtual void Hide() = 0;
-  virtual void Minimise() = 0;
+  virtual void Show() noexcept = 0;
+  virtual void Hide() noexcept = 0;
+  virtual void Minimise() noexcept = 0;
   /// Window state normal, shown, in front of the others.
-  virtual void Restore() = 0;
+  virtual void Restore() noexcept = 0;
 
   /// Pops up `mnuSystry` where the mouse is.
-  virtual void PopUpTrayMenu() = 0;
+  virtual void PopUpTrayMenu() noexcept = 0;
 
   /// Closes the caller view and the log viewer if they are loaded.
-  virtual void CloseOtherWindows() = 0;
+  virtual void CloseOtherWindows() noexcept = 0;
 };
 
 /// The clock in the status bar.
@@ -68,7 +68,7 @@ class ClockPanels {
  public:
   virtual ~ClockPanels() = default;
   /// Second and third panel of `StatusBar1`.
-  virtual void ShowClock(const std::string& time, const std::string& date) = 0;
+  virtual void ShowClock(const std::string& time, const std::string& date) noexcept = 0;
 };
 
 /// All of the main window that the engine talks to.

@@ -98,14 +98,14 @@ class RecordingViews : public WholeMainWindow {
   std::string selected_greeting;
   std::int16_t shown_rings = -1;
   bool shown_record = false;
-  void FillRings(const std::vector<std::string>& texts) override { rings = texts; }
-  void ShowRings(std::int16_t count) override { shown_rings = count; }
-  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) override {
+  void FillRings(const std::vector<std::string>& texts) noexcept override { rings = texts; }
+  void ShowRings(std::int16_t count) noexcept override { shown_rings = count; }
+  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept override {
     greetings = names;
     selected_greeting = selected;
   }
-  std::string SelectedGreeting() const override { return selected_greeting; }
-  void ShowRecordMessage(bool on) override { shown_record = on; }
+  std::string SelectedGreeting() const noexcept override { return selected_greeting; }
+  void ShowRecordMessage(bool on) noexcept override { shown_record = on; }
 
   // The window.
   WindowGeometry geometry{100, 200, 9000, 6000, 0};
@@ -116,26 +116,26 @@ class RecordingViews : public WholeMainWindow {
   std::map<Toolbar, std::uint32_t> toolbar_styles;
   WindowGeometry Geometry() const override { return geometry; }
   void Place(const WindowGeometry& place) override { geometry = place; }
-  std::uint32_t ToolbarStyle(Toolbar toolbar) const override {
+  std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override {
     return toolbar_styles.contains(toolbar) ? toolbar_styles.at(toolbar) : 0;
   }
-  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) override { toolbar_styles[toolbar] = style; }
-  void ShowQuickToolbar(bool on) override { quick_toolbar = on; }
-  bool GridLines() const override { return grid_lines; }
-  void SetGridLines(bool on) override { grid_lines = on; }
-  void SetListStyle(std::uint32_t mask, std::uint32_t style) override {
+  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override { toolbar_styles[toolbar] = style; }
+  void ShowQuickToolbar(bool on) noexcept override { quick_toolbar = on; }
+  bool GridLines() const noexcept override { return grid_lines; }
+  void SetGridLines(bool on) noexcept override { grid_lines = on; }
+  void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept override {
     list_style = (list_style & ~mask) | (style & mask);
   }
-  std::uintptr_t Handle() const override { return 4711; }
-  void Show() override { shown = true; }
-  void Hide() override { shown = false; }
-  void Minimise() override { minimised = true; }
-  void Restore() override {
+  std::uintptr_t Handle() const noexcept override { return 4711; }
+  void Show() noexcept override { shown = true; }
+  void Hide() noexcept override { shown = false; }
+  void Minimise() noexcept override { minimised = true; }
+  void Restore() noexcept override {
     shown = true;
     minimised = false;
   }
-  void PopUpTrayMenu() override { ++tray_menus; }
-  void CloseOtherWindows() override { others_closed = true; }
+  void PopUpTrayMenu() noexcept override { ++tray_menus; }
+  void CloseOtherWindows() noexcept override { others_closed = true; }
 
   // The list, kept up to date from what the view is told alone.
   const CallList* list = nullptr;
@@ -175,7 +175,7 @@ class RecordingViews : public WholeMainWindow {
   void ShowSlider(std::int32_t value) override { slider = value; }
   void ShowWaveform(const Waveform& picture) override { waveform = picture; }
   void ShowProgress(std::chrono::milliseconds /*position*/, std::chrono::milliseconds /*length*/) override {}
-  void ShowClock(const std::string& time, const std::string& date) override {
+  void ShowClock(const std::string& time, const std::string& date) noexcept override {
     clock_time = time;
     clock_date = date;
   }
