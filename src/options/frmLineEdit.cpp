@@ -53,7 +53,9 @@ frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, 
       engine_, [this] { return CheckedLine(); }, this);
   column->addWidget(test_);
   column->addStretch();
-  column->addWidget(MakeButtons());
+  const auto buttons = MakeOkCancelRow(*this);
+  connect(buttons.cmdOK, &QPushButton::clicked, this, &frmLineEdit::Ok);
+  column->addWidget(buttons.row);
   Show(line_);
   for (auto* field : findChildren<QLineEdit*>()) {
     connect(field, &QLineEdit::textChanged, this, &frmLineEdit::Changed);
@@ -103,8 +105,7 @@ void frmLineEdit::MakeSipFields() {
   txtPassword_ = MakeChild<QLineEdit>(password_row_);
   txtPassword_->setObjectName(Name("txtPassword"));
   txtPassword_->setEchoMode(QLineEdit::Password);
-  chkShowPassword_ = MakeChild<QCheckBox>(tr("S&how"), password_row_);
-  chkShowPassword_->setObjectName(Name("chkShowPassword"));
+  chkShowPassword_ = MakeCheck("chkShowPassword", tr("S&how"), password_row_);
   chkShowPassword_->setToolTip(tr("Show the password"));
   row->addWidget(txtPassword_, 1);
   row->addWidget(chkShowPassword_);
@@ -134,8 +135,7 @@ void frmLineEdit::MakeModemFields() {
   cmbPort_ = AddList("cmbPort", tr("P&ort:"), port_row_);
   cmbPort_->setEditable(true);
   cmbPort_->setToolTip(tr("The serial port that the modem is at"));
-  auto* find = MakeChild<QPushButton>(tr("&Find"), port_row_);
-  find->setObjectName(Name("cmdFindPorts"));
+  auto* find = MakeButton("cmdFindPorts", tr("&Find"), port_row_);
   find->setToolTip(tr("Look for ports again, when a modem has been plugged in"));
   row->addWidget(cmbPort_, 1);
   row->addWidget(find);
@@ -143,23 +143,6 @@ void frmLineEdit::MakeModemFields() {
   port_hint_ = MakeChild<QLabel>(tr("auto: the first voice modem that is found, at whichever port."), this);
   port_hint_->setWordWrap(true);
   form_->addRow(QString(), port_hint_);
-}
-
-QWidget* frmLineEdit::MakeButtons() {
-  auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  auto* ok = MakeChild<QPushButton>(tr("OK"), row);
-  ok->setObjectName(Name("cmdOK"));
-  ok->setDefault(true);
-  auto* cancel = MakeChild<QPushButton>(tr("Cancel"), row);
-  cancel->setObjectName(Name("cmdCancel"));
-  layout->addStretch();
-  layout->addWidget(ok);
-  layout->addWidget(cancel);
-  connect(ok, &QPushButton::clicked, this, &frmLineEdit::Ok);
-  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-  return row;
 }
 
 void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {

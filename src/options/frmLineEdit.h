@@ -27,7 +27,6 @@ class frmLineEdit : public QDialog {
   void MakeFields(bool fresh);
   void MakeSipFields();
   void MakeModemFields();
-  QWidget* MakeButtons();
   QLineEdit* AddText(const char* name, const QString& label, const QString& tip);
   QComboBox* AddList(const char* name, const QString& label, QWidget* row = nullptr);
   void AddRow(const QString& label, QWidget* field, QWidget* row);

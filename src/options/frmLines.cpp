@@ -134,8 +134,7 @@ QWidget* frmLines::MakeComplaints() {
 }
 
 QPushButton* frmLines::Button(const char* name, const QString& caption, const QString& tip, QWidget* parent) {
-  auto* button = MakeChild<QPushButton>(caption, parent);
-  button->setObjectName(Name(name));
+  auto* button = MakeButton(name, caption, parent);
   button->setAutoDefault(false);
   button->setToolTip(tip);
   return button;
@@ -169,17 +168,13 @@ QWidget* frmLines::MakeListRow() {
 }
 
 QWidget* frmLines::MakeButtons() {
-  auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  auto* ok = Button("cmdOK", tr("OK"), tr("Store the lines and use them"), row);
-  auto* cancel = Button("cmdCancel", tr("Cancel"), tr("Leave the lines as they were"), row);
-  layout->addStretch();
-  layout->addWidget(ok);
-  layout->addWidget(cancel);
-  connect(ok, &QPushButton::clicked, this, &frmLines::Ok);
-  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-  return row;
+  const auto buttons = MakeOkCancelRow(*this);
+  buttons.cmdOK->setDefault(false);
+  for (auto* button : {buttons.cmdOK, buttons.cmdCancel}) button->setAutoDefault(false);
+  buttons.cmdOK->setToolTip(tr("Store the lines and use them"));
+  buttons.cmdCancel->setToolTip(tr("Leave the lines as they were"));
+  connect(buttons.cmdOK, &QPushButton::clicked, this, &frmLines::Ok);
+  return buttons.row;
 }
 
 /// The list passes Enter on once it has edited a line, so no button may be pressed by it from elsewhere.

@@ -47,7 +47,10 @@ frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
   TabStrip1_->addTab(MakeAdvanced(), tr("Advanced"));
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(TabStrip1_);
-  column->addWidget(MakeButtons());
+  const auto buttons = MakeOkCancelRow(*this);
+  cmdOK_ = buttons.cmdOK;
+  cmdCancel_ = buttons.cmdCancel;
+  column->addWidget(buttons.row);
   for (auto* bar : findChildren<ButtonBar*>()) bar->SetStyle(bar->Style() | kFlat);
   Connect();
   Fill(parts_.engine.Lists());
@@ -63,7 +66,6 @@ frmOptions::~frmOptions() {
 
 void frmOptions::Connect() {
   connect(cmdOK_, &QPushButton::clicked, this, &frmOptions::Ok);
-  connect(cmdCancel_, &QPushButton::clicked, this, &frmOptions::reject);
   connect(cmdBrowsMessagesPath_, &QPushButton::clicked, this, [this] { parts_.engine.BrowsMessagesPath(); });
   connect(cmbModemDev_, &QComboBox::editTextChanged, this, &frmOptions::ShowCapabilities);
   connect(sldSilence_, &QSlider::valueChanged, this, [this](int value) {
@@ -189,7 +191,8 @@ void frmOptions::ShowSoundCards(const std::vector<std::string>& names) noexcept 
   }
 }
 
-void frmOptions::ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) noexcept {
+void frmOptions::ShowMessagesPath(const std::string& path,
+                                  const std::optional<RelocationProgress>& moving) noexcept {
   const auto shown = QString::fromStdString(path);
   if (txtMassagesPath_->text() != shown) txtMassagesPath_->setText(shown);
   for (auto* button : {cmdBrowsMessagesPath_, cmdOK_, cmdCancel_}) button->setEnabled(!moving);

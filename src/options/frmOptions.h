@@ -52,8 +52,7 @@ class frmOptions : public QDialog, private OptionsView {
   QWidget* MakeSilence();
   QWidget* MakeSilenceLevel();
   QWidget* MakeRemoteAccess();
-  QWidget* MakeButtons();
-  QCheckBox* MakeCheck(const char* name, const QString& caption, const QString& tip);
+  QCheckBox* MakeCheckBox(const char* name, const QString& caption, const QString& tip);
   QComboBox* MakeList(const char* name, const QString& purpose);
   QComboBox* MakeNumber(const char* name, const QString& purpose, int least, int most);
   QWidget* WithUnit(QWidget* field, const QString& unit);
@@ -69,7 +68,8 @@ class frmOptions : public QDialog, private OptionsView {
 
   void ShowLevel(std::optional<std::int32_t> level) noexcept override;
   void ShowSoundCards(const std::vector<std::string>& names) noexcept override;
-  void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) noexcept override;
+  void ShowMessagesPath(const std::string& path,
+                        const std::optional<RelocationProgress>& moving) noexcept override;
 
   Parts parts_;
   QTabWidget* TabStrip1_;

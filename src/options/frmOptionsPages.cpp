@@ -37,12 +37,6 @@ class WholeNumber : public QIntValidator {
   void fixup(QString& text) const override { text = parent()->property(kShownFirst).toString(); }
 };
 
-QHBoxLayout* MakeRow(QWidget* page) {
-  auto* row = MakeChild<QHBoxLayout>(page);
-  row->setContentsMargins(0, 0, 0, 0);
-  return row;
-}
-
 QLabel* MakeHint(const char* name, QWidget* page) {
   auto* hint = MakeChild<QLabel>(page);
   hint->setObjectName(Name(name));
@@ -53,9 +47,8 @@ QLabel* MakeHint(const char* name, QWidget* page) {
 
 }  // namespace
 
-QCheckBox* frmOptions::MakeCheck(const char* name, const QString& caption, const QString& tip) {
-  auto* check = MakeChild<QCheckBox>(caption, this);
-  check->setObjectName(Name(name));
+QCheckBox* frmOptions::MakeCheckBox(const char* name, const QString& caption, const QString& tip) {
+  auto* check = MakeCheck(name, caption, this);
   check->setToolTip(tip);
   return check;
 }
@@ -83,7 +76,8 @@ QComboBox* frmOptions::MakeNumber(const char* name, const QString& purpose, int 
 
 QWidget* frmOptions::WithUnit(QWidget* field, const QString& unit) {
   auto* page = MakeChild<QWidget>(this);
-  auto* row = MakeRow(page);
+  auto* row = MakeChild<QHBoxLayout>(page);
+  row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(field);
   row->addWidget(MakeChild<QLabel>(unit, page));
   row->addStretch();
@@ -93,16 +87,16 @@ QWidget* frmOptions::WithUnit(QWidget* field, const QString& unit) {
 QWidget* frmOptions::MakeGeneral() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame1"));
-  chkRenOnStart_ = MakeCheck("chkRenOnStart", tr("Start ORVEN when I log in"),
-                             tr("It then answers from the notification area, without its window"));
-  chkQuickToolBar_ = MakeCheck("chkQuickToolBar", tr("Show the quick options toolbar"),
-                               tr("Greeting, rings and recording in the main window"));
-  chkListMessagesOnly_ = MakeCheck("chkListMessagesOnly", tr("List only calls that left a message"),
-                                   tr("Calls without a message are not added to the calls list"));
-  chkWornDelete_ = MakeCheck("chkWornDelete", tr("Ask before deleting a call"),
-                             tr("A deleted call's message is deleted with it"));
-  chkWornClear_ = MakeCheck("chkWornClear", tr("Ask before clearing the calls list"),
-                            tr("Clearing leaves the message files where they are"));
+  chkRenOnStart_ = MakeCheckBox("chkRenOnStart", tr("Start ORVEN when I log in"),
+                                tr("It then answers from the notification area, without its window"));
+  chkQuickToolBar_ = MakeCheckBox("chkQuickToolBar", tr("Show the quick options toolbar"),
+                                  tr("Greeting, rings and recording in the main window"));
+  chkListMessagesOnly_ = MakeCheckBox("chkListMessagesOnly", tr("List only calls that left a message"),
+                                      tr("Calls without a message are not added to the calls list"));
+  chkWornDelete_ = MakeCheckBox("chkWornDelete", tr("Ask before deleting a call"),
+                                tr("A deleted call's message is deleted with it"));
+  chkWornClear_ = MakeCheckBox("chkWornClear", tr("Ask before clearing the calls list"),
+                               tr("Clearing leaves the message files where they are"));
   auto* column = MakeChild<QVBoxLayout>(page);
   for (auto* check :
        {chkRenOnStart_, chkQuickToolBar_, chkListMessagesOnly_, chkWornDelete_, chkWornClear_}) {
@@ -119,8 +113,7 @@ QWidget* frmOptions::MakeMessagesFolder() {
   txtMassagesPath_->setObjectName(Name("txtMassagesPath"));
   txtMassagesPath_->setAccessibleName(tr("Folder of the messages"));
   txtMassagesPath_->setReadOnly(true);
-  cmdBrowsMessagesPath_ = MakeChild<QPushButton>(tr("&Browse…"), frame);
-  cmdBrowsMessagesPath_->setObjectName(Name("cmdBrowsMessagesPath"));
+  cmdBrowsMessagesPath_ = MakeButton("cmdBrowsMessagesPath", tr("&Browse…"), frame);
   cmdBrowsMessagesPath_->setToolTip(tr("Choose another folder. The messages are moved there at once"));
   moving_ = MakeHint("lblMoving", frame);
   auto* row = MakeChild<QHBoxLayout>();
@@ -139,8 +132,7 @@ QWidget* frmOptions::MakeDevices() {
   cmbModemDev_->setToolTip(tr("The telephone line that is answered, from the next time that it is opened"));
   cmbModemDev_->setEditable(true);
   cmbModemDev_->setCompleter(nullptr);  // names may differ in the case of their letters only
-  auto* lines = MakeChild<QPushButton>(tr("&Lines…"), page);
-  lines->setObjectName(Name("cmdLines"));
+  auto* lines = MakeButton("cmdLines", tr("&Lines…"), page);
   lines->setToolTip(tr("Add, change, test and remove telephone lines"));
   lines->setEnabled(bool(parts_.open_lines));
   connect(lines, &QPushButton::clicked, this, &frmOptions::OpenLines);
@@ -184,10 +176,10 @@ QWidget* frmOptions::MakeAnswerMode() {
   txtNumOfRing_ = MakeNumber("txtNumOfRing", tr("Rings before a call is answered"), 1, kMostRings);
   txtRecLong_ = MakeNumber("txtRecLong", tr("Minutes of the longest message"), 1, kLongestMessage);
   greetings_ = MakeChild<frmOptionsGreetings>(parts_.greetings, page);
-  cmdRecordMessage_ = MakeCheck("cmdRecordMessage", tr("Record a message after the greeting"),
-                                tr("Otherwise the call ends after the greeting"));
-  chkPreScreen_ = MakeCheck("chkPreScreen", tr("Listen in while a message is recorded"),
-                            tr("The caller is heard on the sound card"));
+  cmdRecordMessage_ = MakeCheckBox("cmdRecordMessage", tr("Record a message after the greeting"),
+                                   tr("Otherwise the call ends after the greeting"));
+  chkPreScreen_ = MakeCheckBox("chkPreScreen", tr("Listen in while a message is recorded"),
+                               tr("The caller is heard on the sound card"));
   auto* rings = MakeChild<QLabel>(tr("&Answer after:"), page);
   rings->setBuddy(txtNumOfRing_);
   auto* length = MakeChild<QLabel>(tr("Longest &message:"), page);
@@ -207,8 +199,8 @@ QWidget* frmOptions::MakeAnswerMode() {
 QWidget* frmOptions::MakeAdvanced() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame4"));
-  chkCompress_ = MakeCheck("chkCompress", tr("Store messages compressed"),
-                           tr("Half the size, in the quality of the telephone"));
+  chkCompress_ = MakeCheckBox("chkCompress", tr("Store messages compressed"),
+                              tr("Half the size, in the quality of the telephone"));
   auto* column = MakeChild<QVBoxLayout>(page);
   column->addWidget(MakeSilence());
   column->addWidget(MakeRemoteAccess());
@@ -219,8 +211,8 @@ QWidget* frmOptions::MakeAdvanced() {
 
 QWidget* frmOptions::MakeSilence() {
   auto* frame = MakeChild<QGroupBox>(tr("Silence"), this);
-  chkDropIfSilnce_ = MakeCheck("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
-                               tr("Otherwise a message ends when the caller hangs up or it is too long"));
+  chkDropIfSilnce_ = MakeCheckBox("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
+                                  tr("Otherwise a message ends when the caller hangs up or it is too long"));
   cmbSilenceSec_ =
       MakeNumber("cmbSilenceSec", tr("Seconds of silence that end a message"), 1, kLongestSilence);
   auto* row = MakeChild<QHBoxLayout>();
@@ -264,9 +256,9 @@ QWidget* frmOptions::MakeSilenceLevel() {
 QWidget* frmOptions::MakeRemoteAccess() {
   auto* frame = MakeChild<QGroupBox>(tr("Remote access"), this);
   chkAllowRemoteAccess_ =
-      MakeCheck("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
-                tr("Call this machine, key the password while the greeting plays, then the star key. "
-                   "The password works whether this is checked or not"));
+      MakeCheckBox("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
+                   tr("Call this machine, key the password while the greeting plays, then the star key. "
+                      "The password works whether this is checked or not"));
   txtPass_ = MakeChild<QLineEdit>(frame);
   txtPass_->setObjectName(Name("txtPass"));
   txtPass_->setEchoMode(QLineEdit::Password);
@@ -283,22 +275,6 @@ QWidget* frmOptions::MakeRemoteAccess() {
   form->addRow(tr("&Password:"), txtPass_);
   form->addRow(QString(), password_hint_);
   return frame;
-}
-
-QWidget* frmOptions::MakeButtons() {
-  auto* page = MakeChild<QWidget>(this);
-  auto* row = MakeRow(page);
-  row->addStretch();
-  const auto add = [&](const char* name, const QString& caption) {
-    auto* button = MakeChild<QPushButton>(caption, page);
-    button->setObjectName(Name(name));
-    row->addWidget(button);
-    return button;
-  };
-  cmdOK_ = add("cmdOK", tr("OK"));
-  cmdOK_->setDefault(true);
-  cmdCancel_ = add("cmdCancel", tr("Cancel"));
-  return page;
 }
 
 }  // namespace orven

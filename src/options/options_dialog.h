@@ -106,7 +106,8 @@ class OptionsView {
   /// The list `cmbSoundDev`: cards keep their places, new ones come at the end.
   virtual void ShowSoundCards(const std::vector<std::string>& names) noexcept = 0;
   /// Where messages are kept, and how far they have been moved; nothing when none are being moved.
-  virtual void ShowMessagesPath(const std::string& path, const std::optional<RelocationProgress>& moving) noexcept = 0;
+  virtual void ShowMessagesPath(const std::string& path,
+                                const std::optional<RelocationProgress>& moving) noexcept = 0;
 };
 
 /// What the options dialog does: shows what is stored, stores what was chosen, and moves the messages to

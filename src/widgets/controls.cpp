@@ -2,6 +2,7 @@
 #include "widgets/controls.h"
 
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -16,7 +17,7 @@ class StrayWheel : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     const bool stray = event->type() == QEvent::Wheel && !control_.hasFocus();
-    if (stray) event->ignore();  // whatever it stands on may scroll
+    if (stray) event->ignore();  // the page around it may scroll
     return stray || QObject::eventFilter(watched, event);
   }
 
@@ -26,8 +27,34 @@ class StrayWheel : public QObject {
 
 }  // namespace
 
+QPushButton* MakeButton(const char* name, const QString& caption, QWidget* parent) {
+  auto* button = MakeChild<QPushButton>(caption, parent);
+  button->setObjectName(QString::fromLatin1(name));
+  return button;
+}
+
+QCheckBox* MakeCheck(const char* name, const QString& caption, QWidget* parent) {
+  auto* check = MakeChild<QCheckBox>(caption, parent);
+  check->setObjectName(QString::fromLatin1(name));
+  return check;
+}
+
+OkCancelRow MakeOkCancelRow(QDialog& dialog) {
+  auto* row = MakeChild<QWidget>(&dialog);
+  const OkCancelRow buttons{row, MakeButton("cmdOK", QDialog::tr("OK"), row),
+                            MakeButton("cmdCancel", QDialog::tr("Cancel"), row)};
+  buttons.cmdOK->setDefault(true);
+  auto* layout = MakeChild<QHBoxLayout>(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addStretch();
+  layout->addWidget(buttons.cmdOK);
+  layout->addWidget(buttons.cmdCancel);
+  QObject::connect(buttons.cmdCancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+  return buttons;
+}
+
 void IgnoreStrayWheel(QWidget& control) {
-  // The wheel brings the focus with it otherwise.
+  // By default the wheel would give it the focus.
   control.setFocusPolicy(Qt::StrongFocus);
   control.installEventFilter(MakeChild<StrayWheel>(control));
 }

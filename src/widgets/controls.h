@@ -1,25 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QCheckBox>
+#include <QDialog>
 #include <QLabel>
-#include <QWidget>
+#include <QPushButton>
 #include <utility>
 
 namespace orven {
 
-/// Makes an object that belongs to the parent among the arguments, or to the layout that it is given
-/// to, and is deleted with it, as everything in a window is.
+/// Makes an object that its parent (among the arguments) or the layout it is added to will delete.
 template <class Object, class... Arguments>
 Object* MakeChild(Arguments&&... arguments) {
   return new Object(std::forward<Arguments>(arguments)...);  // NOLINT(cppcoreguidelines-owning-memory)
 }
 
-/// Keeps the mouse wheel from changing `control`, a list or a slider, unless a person has chosen it: what
-/// it shows is a choice, and a wheel that turns to scroll or by accident is none.
+/// A button or check box with the object name `name`.
+QPushButton* MakeButton(const char* name, const QString& caption, QWidget* parent);
+QCheckBox* MakeCheck(const char* name, const QString& caption, QWidget* parent);
+
+/// The row below a dialog: "OK" (`cmdOK`) and "Cancel" (`cmdCancel`), which rejects the dialog.
+struct OkCancelRow {
+  QWidget* row;
+  QPushButton* cmdOK;
+  QPushButton* cmdCancel;
+};
+
+/// "OK" is the default button.
+OkCancelRow MakeOkCancelRow(QDialog& dialog);
+
+/// Keeps the mouse wheel from changing a list or a slider that does not have the focus, so that scrolling
+/// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);
 
-/// A line of text from outside, which may be of any length: one that does not fit is written smaller; what
-/// does not fit then either is left out, and shown while the mouse is over it. text() is always the whole.
+/// A label for one line of text of any length. Text that does not fit is written smaller, then cut; the whole
+/// text is shown as a tool tip. text() is always the whole text.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 
