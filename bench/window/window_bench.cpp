@@ -93,7 +93,7 @@ void DeleteACall(benchmark::State& state) {
   auto& calls = Calls();
   calls.Machine().ListView1.Select(kRecords / 3);
   for (auto _ : state) {
-    calls.Press("Toolbar1.Delete");
+    calls.Do("Toolbar1.Delete");
     calls.Paint();
   }
 }
@@ -114,7 +114,7 @@ void JumpToTheEnds(benchmark::State& state) {
   auto& calls = Calls();
   bool first = false;
   for (auto _ : state) {
-    calls.Choose(first ? "mnuFirst" : "mnuLast");
+    calls.Do(first ? "mnuFirst" : "mnuLast");
     first = !first;
     calls.Paint();
   }

@@ -7,7 +7,7 @@
 #include <array>
 
 #include "widgets/controls.h"
-#include "widgets/icons.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -41,10 +41,7 @@ QString Name(const char* name) {
 
 frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, QWidget* parent)
     : QDialog(parent), engine_(engine), index_(index), line_(index ? engine.At(*index) : engine.NewLine()) {
-  setObjectName(Name("frmLineEdit"));
-  setWindowTitle(index ? tr("Telephone Line") : tr("New Telephone Line"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmLineEdit", index ? tr("Telephone Line") : tr("New Telephone Line"));
   auto* column = MakeChild<QVBoxLayout>(this);
   form_ = MakeChild<QFormLayout>();
   column->addLayout(form_);
@@ -53,9 +50,9 @@ frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, 
       engine_, [this] { return CheckedLine(); }, this);
   column->addWidget(test_);
   column->addStretch();
-  const auto buttons = MakeOkCancelRow(*this);
+  const auto buttons = MakeClosingButtons(*this);
   connect(buttons.cmdOK, &QPushButton::clicked, this, &frmLineEdit::Ok);
-  column->addWidget(buttons.row);
+  column->addLayout(buttons.row);
   Show(line_);
   for (auto* field : findChildren<QLineEdit*>()) {
     connect(field, &QLineEdit::textChanged, this, &frmLineEdit::Changed);
@@ -105,7 +102,7 @@ void frmLineEdit::MakeSipFields() {
   txtPassword_ = MakeChild<QLineEdit>(password_row_);
   txtPassword_->setObjectName(Name("txtPassword"));
   txtPassword_->setEchoMode(QLineEdit::Password);
-  chkShowPassword_ = MakeCheck("chkShowPassword", tr("S&how"), password_row_);
+  chkShowPassword_ = MakeCheckBox("chkShowPassword", tr("S&how"), password_row_);
   chkShowPassword_->setToolTip(tr("Show the password"));
   row->addWidget(txtPassword_, 1);
   row->addWidget(chkShowPassword_);
@@ -135,7 +132,7 @@ void frmLineEdit::MakeModemFields() {
   cmbPort_ = AddList("cmbPort", tr("P&ort:"), port_row_);
   cmbPort_->setEditable(true);
   cmbPort_->setToolTip(tr("The serial port that the modem is at"));
-  auto* find = MakeButton("cmdFindPorts", tr("&Find"), port_row_);
+  auto* find = MakeButton("cmdFindPorts", tr("&Find"), nullptr, port_row_);
   find->setToolTip(tr("Look for ports again, when a modem has been plugged in"));
   row->addWidget(cmbPort_, 1);
   row->addWidget(find);

@@ -13,7 +13,7 @@
 
 #include "options/frmLineEdit.h"
 #include "widgets/controls.h"
-#include "widgets/icons.h"
+#include "widgets/dialog_parts.h"
 
 namespace orven {
 namespace {
@@ -96,10 +96,7 @@ void frmLineTest::Click() {
 }
 
 frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engine_(engine) {
-  setObjectName(Name("frmLines"));
-  setWindowTitle(tr("Telephone Lines"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmLines", tr("Telephone Lines"));
   auto* column = MakeChild<QVBoxLayout>(this);
   if (!engine_.Complaints().empty()) column->addWidget(MakeComplaints());
   column->addWidget(MakeListRow(), 1);
@@ -112,7 +109,7 @@ frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engi
       this);
   test_->SetAutoDefault(false);
   column->addWidget(test_);
-  column->addWidget(MakeButtons());
+  column->addLayout(MakeButtons());
   connect(lvwLines_, &QTreeWidget::itemSelectionChanged, this, &frmLines::SelectionChanged);
   connect(lvwLines_, &QTreeWidget::itemActivated, this, [this] { Edit(Selected()); });
   connect(&refresh_, &QTimer::timeout, this, &frmLines::ShowRows);
@@ -134,7 +131,7 @@ QWidget* frmLines::MakeComplaints() {
 }
 
 QPushButton* frmLines::Button(const char* name, const QString& caption, const QString& tip, QWidget* parent) {
-  auto* button = MakeButton(name, caption, parent);
+  auto* button = MakeButton(name, caption, nullptr, parent);
   button->setAutoDefault(false);
   button->setToolTip(tip);
   return button;
@@ -167,8 +164,8 @@ QWidget* frmLines::MakeListRow() {
   return row;
 }
 
-QWidget* frmLines::MakeButtons() {
-  const auto buttons = MakeOkCancelRow(*this);
+QLayout* frmLines::MakeButtons() {
+  const auto buttons = MakeClosingButtons(*this);
   buttons.cmdOK->setDefault(false);
   for (auto* button : {buttons.cmdOK, buttons.cmdCancel}) button->setAutoDefault(false);
   buttons.cmdOK->setToolTip(tr("Store the lines and use them"));

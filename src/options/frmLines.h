@@ -59,7 +59,7 @@ class frmLines : public QDialog {
  private:
   QWidget* MakeComplaints();
   QWidget* MakeListRow();
-  QWidget* MakeButtons();
+  QLayout* MakeButtons();
   QPushButton* Button(const char* name, const QString& caption, const QString& tip, QWidget* parent);
   /// Brings the list up to date; what did not change stays as it is, selection and all.
   void ShowRows();

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
 
 namespace orven {
@@ -36,10 +37,7 @@ bool CanBeKeyed(const QString& password) {
 
 frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
     : QDialog(parent), parts_(std::move(parts)), TabStrip1_(MakeChild<QTabWidget>(this)) {
-  setObjectName(QStringLiteral("frmOptions"));
-  setWindowTitle(tr("Options"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmOptions", tr("Options"));
   TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
   TabStrip1_->addTab(MakeGeneral(), tr("General"));
   TabStrip1_->addTab(MakeDevices(), tr("Devices"));
@@ -47,10 +45,10 @@ frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
   TabStrip1_->addTab(MakeAdvanced(), tr("Advanced"));
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(TabStrip1_);
-  const auto buttons = MakeOkCancelRow(*this);
+  const auto buttons = MakeClosingButtons(*this);
   cmdOK_ = buttons.cmdOK;
   cmdCancel_ = buttons.cmdCancel;
-  column->addWidget(buttons.row);
+  column->addLayout(buttons.row);
   for (auto* bar : findChildren<ButtonBar*>()) bar->SetStyle(bar->Style() | kFlat);
   Connect();
   Fill(parts_.engine.Lists());

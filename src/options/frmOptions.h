@@ -52,7 +52,7 @@ class frmOptions : public QDialog, private OptionsView {
   QWidget* MakeSilence();
   QWidget* MakeSilenceLevel();
   QWidget* MakeRemoteAccess();
-  QCheckBox* MakeCheckBox(const char* name, const QString& caption, const QString& tip);
+  QCheckBox* MakeCheck(const char* name, const QString& caption, const QString& tip);
   QComboBox* MakeList(const char* name, const QString& purpose);
   QComboBox* MakeNumber(const char* name, const QString& purpose, int least, int most);
   QWidget* WithUnit(QWidget* field, const QString& unit);

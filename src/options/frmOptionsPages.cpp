@@ -8,6 +8,7 @@
 
 #include "options/frmOptions.h"
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
 
 namespace orven {
@@ -47,8 +48,8 @@ QLabel* MakeHint(const char* name, QWidget* page) {
 
 }  // namespace
 
-QCheckBox* frmOptions::MakeCheckBox(const char* name, const QString& caption, const QString& tip) {
-  auto* check = MakeCheck(name, caption, this);
+QCheckBox* frmOptions::MakeCheck(const char* name, const QString& caption, const QString& tip) {
+  auto* check = MakeCheckBox(name, caption, this);
   check->setToolTip(tip);
   return check;
 }
@@ -87,15 +88,15 @@ QWidget* frmOptions::WithUnit(QWidget* field, const QString& unit) {
 QWidget* frmOptions::MakeGeneral() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame1"));
-  chkRenOnStart_ = MakeCheckBox("chkRenOnStart", tr("Start ORVEN when I log in"),
+  chkRenOnStart_ = MakeCheck("chkRenOnStart", tr("Start ORVEN when I log in"),
                                 tr("It then answers from the notification area, without its window"));
-  chkQuickToolBar_ = MakeCheckBox("chkQuickToolBar", tr("Show the quick options toolbar"),
+  chkQuickToolBar_ = MakeCheck("chkQuickToolBar", tr("Show the quick options toolbar"),
                                   tr("Greeting, rings and recording in the main window"));
-  chkListMessagesOnly_ = MakeCheckBox("chkListMessagesOnly", tr("List only calls that left a message"),
+  chkListMessagesOnly_ = MakeCheck("chkListMessagesOnly", tr("List only calls that left a message"),
                                       tr("Calls without a message are not added to the calls list"));
-  chkWornDelete_ = MakeCheckBox("chkWornDelete", tr("Ask before deleting a call"),
+  chkWornDelete_ = MakeCheck("chkWornDelete", tr("Ask before deleting a call"),
                                 tr("A deleted call's message is deleted with it"));
-  chkWornClear_ = MakeCheckBox("chkWornClear", tr("Ask before clearing the calls list"),
+  chkWornClear_ = MakeCheck("chkWornClear", tr("Ask before clearing the calls list"),
                                tr("Clearing leaves the message files where they are"));
   auto* column = MakeChild<QVBoxLayout>(page);
   for (auto* check :
@@ -113,7 +114,7 @@ QWidget* frmOptions::MakeMessagesFolder() {
   txtMassagesPath_->setObjectName(Name("txtMassagesPath"));
   txtMassagesPath_->setAccessibleName(tr("Folder of the messages"));
   txtMassagesPath_->setReadOnly(true);
-  cmdBrowsMessagesPath_ = MakeButton("cmdBrowsMessagesPath", tr("&Browse…"), frame);
+  cmdBrowsMessagesPath_ = MakeButton("cmdBrowsMessagesPath", tr("&Browse…"), nullptr, frame);
   cmdBrowsMessagesPath_->setToolTip(tr("Choose another folder. The messages are moved there at once"));
   moving_ = MakeHint("lblMoving", frame);
   auto* row = MakeChild<QHBoxLayout>();
@@ -132,7 +133,7 @@ QWidget* frmOptions::MakeDevices() {
   cmbModemDev_->setToolTip(tr("The telephone line that is answered, from the next time that it is opened"));
   cmbModemDev_->setEditable(true);
   cmbModemDev_->setCompleter(nullptr);  // names may differ in the case of their letters only
-  auto* lines = MakeButton("cmdLines", tr("&Lines…"), page);
+  auto* lines = MakeButton("cmdLines", tr("&Lines…"), nullptr, page);
   lines->setToolTip(tr("Add, change, test and remove telephone lines"));
   lines->setEnabled(bool(parts_.open_lines));
   connect(lines, &QPushButton::clicked, this, &frmOptions::OpenLines);
@@ -176,9 +177,9 @@ QWidget* frmOptions::MakeAnswerMode() {
   txtNumOfRing_ = MakeNumber("txtNumOfRing", tr("Rings before a call is answered"), 1, kMostRings);
   txtRecLong_ = MakeNumber("txtRecLong", tr("Minutes of the longest message"), 1, kLongestMessage);
   greetings_ = MakeChild<frmOptionsGreetings>(parts_.greetings, page);
-  cmdRecordMessage_ = MakeCheckBox("cmdRecordMessage", tr("Record a message after the greeting"),
+  cmdRecordMessage_ = MakeCheck("cmdRecordMessage", tr("Record a message after the greeting"),
                                    tr("Otherwise the call ends after the greeting"));
-  chkPreScreen_ = MakeCheckBox("chkPreScreen", tr("Listen in while a message is recorded"),
+  chkPreScreen_ = MakeCheck("chkPreScreen", tr("Listen in while a message is recorded"),
                                tr("The caller is heard on the sound card"));
   auto* rings = MakeChild<QLabel>(tr("&Answer after:"), page);
   rings->setBuddy(txtNumOfRing_);
@@ -199,7 +200,7 @@ QWidget* frmOptions::MakeAnswerMode() {
 QWidget* frmOptions::MakeAdvanced() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame4"));
-  chkCompress_ = MakeCheckBox("chkCompress", tr("Store messages compressed"),
+  chkCompress_ = MakeCheck("chkCompress", tr("Store messages compressed"),
                               tr("Half the size, in the quality of the telephone"));
   auto* column = MakeChild<QVBoxLayout>(page);
   column->addWidget(MakeSilence());
@@ -211,7 +212,7 @@ QWidget* frmOptions::MakeAdvanced() {
 
 QWidget* frmOptions::MakeSilence() {
   auto* frame = MakeChild<QGroupBox>(tr("Silence"), this);
-  chkDropIfSilnce_ = MakeCheckBox("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
+  chkDropIfSilnce_ = MakeCheck("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
                                   tr("Otherwise a message ends when the caller hangs up or it is too long"));
   cmbSilenceSec_ =
       MakeNumber("cmbSilenceSec", tr("Seconds of silence that end a message"), 1, kLongestSilence);
@@ -256,7 +257,7 @@ QWidget* frmOptions::MakeSilenceLevel() {
 QWidget* frmOptions::MakeRemoteAccess() {
   auto* frame = MakeChild<QGroupBox>(tr("Remote access"), this);
   chkAllowRemoteAccess_ =
-      MakeCheckBox("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
+      MakeCheck("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
                    tr("Call this machine, key the password while the greeting plays, then the star key. "
                       "The password works whether this is checked or not"));
   txtPass_ = MakeChild<QLineEdit>(frame);

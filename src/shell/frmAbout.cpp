@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
 
 namespace orven {
@@ -45,10 +46,7 @@ QString LicenceText() {
 
 frmAbout::frmAbout(const std::string& version, const std::vector<Component>& components, QWidget* parent)
     : QDialog(parent) {
-  setObjectName(Name("frmAbout"));
-  setWindowTitle(tr("About ORVEN"));
-  setWindowIcon(ProgramIcon());
-  setWindowModality(Qt::WindowModal);
+  SetUpDialog(*this, "frmAbout", tr("About ORVEN"));
   auto* tabs = MakeChild<QTabWidget>(this);
   tabs->setObjectName(Name("TabStrip1"));
   tabs->addTab(MakeComponents(components), tr("Made with"));

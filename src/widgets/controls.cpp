@@ -2,7 +2,6 @@
 #include "widgets/controls.h"
 
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -26,32 +25,6 @@ class StrayWheel : public QObject {
 };
 
 }  // namespace
-
-QPushButton* MakeButton(const char* name, const QString& caption, QWidget* parent) {
-  auto* button = MakeChild<QPushButton>(caption, parent);
-  button->setObjectName(QString::fromLatin1(name));
-  return button;
-}
-
-QCheckBox* MakeCheck(const char* name, const QString& caption, QWidget* parent) {
-  auto* check = MakeChild<QCheckBox>(caption, parent);
-  check->setObjectName(QString::fromLatin1(name));
-  return check;
-}
-
-OkCancelRow MakeOkCancelRow(QDialog& dialog) {
-  auto* row = MakeChild<QWidget>(&dialog);
-  const OkCancelRow buttons{row, MakeButton("cmdOK", QDialog::tr("OK"), row),
-                            MakeButton("cmdCancel", QDialog::tr("Cancel"), row)};
-  buttons.cmdOK->setDefault(true);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addStretch();
-  layout->addWidget(buttons.cmdOK);
-  layout->addWidget(buttons.cmdCancel);
-  QObject::connect(buttons.cmdCancel, &QPushButton::clicked, &dialog, &QDialog::reject);
-  return buttons;
-}
 
 void IgnoreStrayWheel(QWidget& control) {
   // By default the wheel would give it the focus.

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCheckBox>
-#include <QDialog>
 #include <QLabel>
-#include <QPushButton>
 #include <utility>
 
 namespace orven {
@@ -14,20 +11,6 @@ template <class Object, class... Arguments>
 Object* MakeChild(Arguments&&... arguments) {
   return new Object(std::forward<Arguments>(arguments)...);  // NOLINT(cppcoreguidelines-owning-memory)
 }
-
-/// A button or check box with the object name `name`.
-QPushButton* MakeButton(const char* name, const QString& caption, QWidget* parent);
-QCheckBox* MakeCheck(const char* name, const QString& caption, QWidget* parent);
-
-/// The row below a dialog: "OK" (`cmdOK`) and "Cancel" (`cmdCancel`), which rejects the dialog.
-struct OkCancelRow {
-  QWidget* row;
-  QPushButton* cmdOK;
-  QPushButton* cmdCancel;
-};
-
-/// "OK" is the default button.
-OkCancelRow MakeOkCancelRow(QDialog& dialog);
 
 /// Keeps the mouse wheel from changing a list or a slider that does not have the focus, so that scrolling
 /// over it changes no setting.

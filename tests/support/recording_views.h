@@ -119,7 +119,9 @@ class RecordingViews : public WholeMainWindow {
   std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override {
     return toolbar_styles.contains(toolbar) ? toolbar_styles.at(toolbar) : 0;
   }
-  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override { toolbar_styles[toolbar] = style; }
+  void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override {
+    toolbar_styles[toolbar] = style;
+  }
   void ShowQuickToolbar(bool on) noexcept override { quick_toolbar = on; }
   bool GridLines() const noexcept override { return grid_lines; }
   void SetGridLines(bool on) noexcept override { grid_lines = on; }

@@ -94,7 +94,7 @@ int Make(const Scene& scene, const QString& folder) {
   desk.window.resize(scene.size);
   if (scene.calls > 0) desk.ClickRow(3);
   if (scene.playing) {
-    desk.Press("ToolBarPlayer.Play");
+    desk.Do("ToolBarPlayer.Play");
     auto& picture = desk.Get<QWidget>("Waveform");
     auto& times = desk.Get<QLabel>("lblTimes");
     if (!QTest::qWaitFor([&] { return times.text() == u"0:00 / 0:41"; })) return 1;

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The lines dialog over its engine, driven by object names.
-#include <gmock/gmock.h>
-
-#include <QAbstractButton>
-#include <QApplication>
 #include <QTest>
-#include <QTimer>
 
 #include "base/runtime_error.h"
+#include "gui/window_test.h"
 #include "options/frmLineEdit.h"
 #include "options/frmLines.h"
 #include "support/scripted_lines.h"
@@ -18,72 +14,53 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
-template <class Control>
-Control& In(QWidget& window, const char* name) {
-  auto* control = window.findChild<Control*>(QString::fromLatin1(name));
-  if (control == nullptr) throw std::runtime_error(name);
-  return *control;
-}
-
-void Click(QWidget& window, const char* button) {
-  In<QAbstractButton>(window, button).click();
-}
-
-void Type(QWidget& window, const char* field, const char* text) {
-  In<QLineEdit>(window, field).setText(QString::fromUtf8(text));
-}
-
-class LinesWindow : public testing::Test {
+class LinesWindow : public WindowTest {
  protected:
   LinesWindow() {
-    TelephoneLine home;
-    home.name = "Home";
-    home.server = "192.168.1.1";
-    home.user = "100";
-    home.password = "secret";
-    home.transport = "udp";
-    home.srtp = "yes";
-    home.ring_seconds = 5;
-    home.origin = 1;
-    TelephoneLine modem;
-    modem.name = "Old modem";
-    modem.kind = LineKind::Modem;
-    modem.port = "/dev/gone";
-    modem.origin = 8;
+    TelephoneLine home, modem;
+    std::tie(home.name, home.server, home.user, home.password, home.srtp, home.origin) =
+        std::tuple("Home", "192.168.1.1", "100", "secret", "yes", 1);
+    std::tie(modem.name, modem.kind, modem.port, modem.origin) =
+        std::tuple("Old modem", LineKind::Modem, "/dev/gone", 8);
     lines.configured.lines = {home, modem};
     lines.states = {{"Home", "Registering"}};
-    lines.ports = {{"/dev/serial/by-id/usb-Modem", "usb-Modem (ttyACM0)"}};
   }
   void Open() {
     auto& machine = world.Machine();
-    engine = std::make_unique<LinesDialog>(
-        LinesDialog::Parts{lines, world.dialogs, machine.log, machine.store, machine.settings, [this] {
-                             ++used;
-                             return !call_up;
-                           }});
+    engine = std::make_unique<LinesDialog>(LinesDialog::Parts{lines, world.dialogs, machine.log,
+                                                              machine.store, machine.settings,
+                                                              [this] { return ++used, !call_up; }});
     window = std::make_unique<frmLines>(*engine, nullptr);
-    window->show();
+    Show(*window);
   }
-  QTreeWidget& List() { return In<QTreeWidget>(*window, "lvwLines"); }
-  QString Cell(int row, int column) { return List().topLevelItem(row)->text(column); }
-  std::string Result(QWidget& in) { return In<QLabel>(in, "lblTestResult").text().toStdString(); }
+  void Type(const char* field, const char* text) const {
+    Get<QLineEdit>(field).setText(QString::fromUtf8(text));
+  }
+  std::string Text(const char* label) const { return Get<QLabel>(label).text().toStdString(); }
+  QTreeWidget& List() { return *window->findChild<QTreeWidget*>(); }
+  std::string Row(int row) {
+    QStringList cells;
+    for (int column = 0; column < 4; ++column) cells << List().topLevelItem(row)->text(column);
+    return cells.join(u'|').toStdString();
+  }
+  void Select(int row) { List().setCurrentItem(List().topLevelItem(row)); }
 
-  /// Clicks the button that opens the window of one line, does `act` there, and comes back when it closes.
-  template <class Act>
-  void InEditor(const char* button, Act act) {
+  /// Clicks the button that opens the window of one line, and does `act` there, which must close it.
+  void InEditor(const char* button, const std::function<void()>& act) {
     bool was_there = false;
     QTimer::singleShot(0, [&] {
       auto* editor = QApplication::activeModalWidget();
       was_there = editor != nullptr && editor->objectName() == u"frmLineEdit";
       if (!was_there) return;
-      act(*editor);
-      EXPECT_FALSE(editor->isVisible()) << "it was to close";
+      Show(*editor);
+      act();
+      EXPECT_FALSE(editor->isVisible()) << "it should have closed";
       editor->close();
+      Show(*window);
     });
-    Click(*window, button);
+    Click(button);
     EXPECT_TRUE(was_there);
   }
 
@@ -99,153 +76,142 @@ TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
   lines.configured.complaints = {"lines.ini:3: something is wrong"};
   Open();
   ASSERT_EQ(List().topLevelItemCount(), 2);
-  EXPECT_EQ(Cell(0, 0) + u'|' + Cell(0, 1) + u'|' + Cell(0, 2) + u'|' + Cell(0, 3),
-            u"Home|SIP account|100@192.168.1.1|Registering");
-  EXPECT_EQ(Cell(1, 2), u"/dev/gone");
-  EXPECT_EQ(In<QLabel>(*window, "lblComplaints").text(), u"lines.ini:3: something is wrong");
+  EXPECT_EQ(Row(0), "Home|SIP account|100@192.168.1.1|Registering");
+  EXPECT_EQ(Row(1), "Old modem|Modem|/dev/gone|Off");
+  EXPECT_EQ(Text("lblComplaints"), "lines.ini:3: something is wrong");
   lines.states["Home"] = "Registered";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Cell(0, 3) == u"Registered"; }));
-  EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "showing the state took the selection away";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Row(0).ends_with("|Registered"); }));
+  EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "the selection stays";
 }
 
 TEST_F(LinesWindow, EnterInTheListOpensTheLineAndStoresNothing) {
   Open();
   QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
-  EXPECT_FALSE(In<QPushButton>(*window, "cmdTest").isDefault()) << "Enter does not press it";
+  EXPECT_FALSE(Get<QPushButton>("cmdTest").isDefault() || Get<QPushButton>("cmdOK").isDefault());
   QTest::keyClick(&List(), Qt::Key_Return);
-  EXPECT_TRUE(window->isVisible());
-  EXPECT_EQ(used, 0);
+  EXPECT_TRUE(window->isVisible() && used == 0);
   QTest::keyClick(window.get(), Qt::Key_Escape);
-  EXPECT_EQ(window->result(), QDialog::Rejected);
+  EXPECT_TRUE(!window->isVisible() && window->result() == QDialog::Rejected);
 }
 
-TEST_F(LinesWindow, ALineIsAddedBadInputIsNamedAtItsField) {
+TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
   Open();
-  InEditor("cmdAdd", [&](QWidget& editor) {
-    Type(editor, "txtName", "Home");
-    Click(editor, "cmdOK");
-    EXPECT_THAT(In<QLabel>(editor, "lblFault").text().toStdString(), HasSubstr("Another line"));
-    Type(editor, "txtName", "Büro");
-    EXPECT_FALSE(In<QLabel>(editor, "lblFault").isVisible());
-    Type(editor, "txtUser", "7");
-    Click(editor, "cmdOK");
-    auto& fault = In<QLabel>(editor, "lblFault");
-    EXPECT_EQ(fault.text(), u"The server is missing.");
-    EXPECT_EQ(editor.focusWidget()->objectName(), u"txtServer");
-    QTest::qWait(0);
-    EXPECT_GT(fault.y(), In<QLineEdit>(editor, "txtServer").y());
-    EXPECT_LT(fault.y(), In<QLineEdit>(editor, "txtUser").y());
+  InEditor("cmdAdd", [&] {
+    const auto& fault = Get<QLabel>("lblFault");
+    Type("txtName", "Home");
+    Click("cmdOK");
+    EXPECT_THAT(Text("lblFault"), HasSubstr("Another line"));
+    Type("txtName", "Büro");
+    EXPECT_FALSE(fault.isVisible());
+    Type("txtUser", "7");
     lines.fault =
         "A sentence so long that it takes several lines, however wide the window is made. It says "
         "what is wrong, and what would be right instead, and it is read to its end.";
-    Click(editor, "cmdOK");
+    Click("cmdOK");
+    EXPECT_EQ(Text("lblFault"), lines.fault);
+    EXPECT_EQ(Focused(), "txtServer");
     QTest::qWait(0);
-    EXPECT_GT(fault.height(), 2 * fault.fontMetrics().height());
+    EXPECT_GT(fault.y(), Get<QLineEdit>("txtServer").y());
+    EXPECT_LT(fault.y(), Get<QLineEdit>("txtUser").y());
     EXPECT_GE(fault.height(), fault.heightForWidth(fault.width())) << "the text is cut";
-    Type(editor, "txtServer", " pbx.example.org ");
-    Type(editor, "txtPassword", " x");
-    Click(editor, "cmdOK");
-    EXPECT_EQ(editor.focusWidget()->objectName(), u"txtPassword");
-    EXPECT_EQ(In<QLineEdit>(editor, "txtPassword").echoMode(), QLineEdit::Password);
-    Click(editor, "chkShowPassword");
-    EXPECT_EQ(In<QLineEdit>(editor, "txtPassword").echoMode(), QLineEdit::Normal);
-    Type(editor, "txtPassword", "x y");
-    In<QComboBox>(editor, "cmbTransport").setCurrentIndex(3);
-    In<QSpinBox>(editor, "spnRing").setValue(61);
-    Click(editor, "cmdOK");
+    Type("txtServer", " pbx.example.org ");
+    Type("txtPassword", " x");
+    Click("cmdOK");
+    EXPECT_EQ(Focused(), "txtPassword");
+    const auto& password = Get<QLineEdit>("txtPassword");
+    EXPECT_EQ(password.echoMode(), QLineEdit::Password);
+    Click("chkShowPassword");
+    EXPECT_EQ(password.echoMode(), QLineEdit::Normal);
+    Type("txtPassword", "x y");
+    Get<QComboBox>("cmbTransport").setCurrentIndex(3);
+    Get<QSpinBox>("spnRing").setValue(61);
+    Click("cmdOK");
   });
-  EXPECT_EQ(Cell(2, 2), u"7@pbx.example.org");
+  EXPECT_EQ(Row(2), "Büro|SIP account|7@pbx.example.org|Off");
   EXPECT_TRUE(List().topLevelItem(2)->isSelected());
   EXPECT_THAT(lines.configured.lines, SizeIs(2)) << "nothing is stored before OK";
-  Click(*window, "cmdOK");
+  Click("cmdOK");
   ASSERT_THAT(lines.configured.lines, SizeIs(3));
   const auto& added = lines.configured.lines[2];
-  EXPECT_EQ(added.name + "|" + added.password + "|" + added.transport + "|" + added.srtp, "Büro|x y|tls|no");
-  EXPECT_EQ(added.ring_seconds, 60);
-  EXPECT_EQ(used, 1);
-  EXPECT_FALSE(window->isVisible());
+  EXPECT_EQ(added.password + "|" + added.transport + "|" + added.srtp, "x y|tls|no");
+  EXPECT_TRUE(added.ring_seconds == 60 && used == 1 && !window->isVisible());
 }
 
-TEST_F(LinesWindow, AChosenLineKeepsItsPlaceUnderAnotherName) {
+TEST_F(LinesWindow, TheChosenLineStaysChosenUnderAnotherName) {
   world.Machine().settings.ModemName = "Home";
   Open();
-  InEditor("cmdEdit", [&](QWidget& editor) {
-    EXPECT_FALSE(In<QComboBox>(editor, "cmbKind").isEnabled());
-    EXPECT_EQ(In<QLineEdit>(editor, "txtPassword").text(), u"secret");
-    Type(editor, "txtName", "House");
-    Click(editor, "cmdOK");
+  InEditor("cmdEdit", [&] {
+    EXPECT_FALSE(Get<QComboBox>("cmbKind").isEnabled());
+    EXPECT_EQ(Get<QLineEdit>("txtPassword").text(), u"secret");
+    Type("txtName", "House");
+    Click("cmdOK");
   });
   call_up = true;
-  Click(*window, "cmdOK");
+  Click("cmdOK");
   EXPECT_EQ(world.registry.Text("ModemName"), "House");
   EXPECT_EQ(lines.configured.lines[0].srtp, "yes") << "what was written by hand stays";
   EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("when it is over")));
 }
 
-TEST_F(LinesWindow, AModemsPortIsChosenFromThoseFoundAndOneThatIsGoneStays) {
+TEST_F(LinesWindow, AModemsPortIsChosenFromThoseFoundAndTheStoredOneStays) {
   Open();
-  List().setCurrentItem(List().topLevelItem(1));
-  InEditor("cmdEdit", [&](QWidget& editor) {
-    auto& port = In<QComboBox>(editor, "cmbPort");
+  Select(1);
+  InEditor("cmdEdit", [&] {
+    auto& port = Get<QComboBox>("cmbPort");
+    EXPECT_FALSE(Get<QLineEdit>("txtServer").isVisible());
+    lines.ports = {{"/dev/ttyUSB0", "/dev/ttyUSB0"}};
+    Click("cmdFindPorts");
     EXPECT_EQ(port.currentText(), u"/dev/gone");
-    EXPECT_FALSE(In<QLineEdit>(editor, "txtServer").isVisible());
-    lines.ports.push_back({"/dev/ttyUSB0", "/dev/ttyUSB0"});
-    Click(editor, "cmdFindPorts");
-    EXPECT_EQ(port.currentText(), u"/dev/gone");
-    port.setCurrentIndex(port.findText(QStringLiteral("/dev/ttyUSB0")));
-    QTest::keyClick(&In<QPushButton>(editor, "cmdTest"), Qt::Key_Return);
+    port.setCurrentIndex(port.findText("/dev/ttyUSB0"));
+    QTest::keyClick(&Get("cmdTest"), Qt::Key_Return);
     ASSERT_THAT(lines.tested, SizeIs(1));
     EXPECT_EQ(lines.tested[0].port, "/dev/ttyUSB0");
     lines.done({false, "Nothing answers."});
-    EXPECT_EQ(Result(editor), "Nothing answers.");
-    Type(editor, "txtName", "New modem");
-    EXPECT_EQ(Result(editor), "") << "that was another line";
-    Click(editor, "cmdOK");
+    EXPECT_EQ(Text("lblTestResult"), "Nothing answers.");
+    Type("txtName", "New modem");
+    EXPECT_EQ(Text("lblTestResult"), "") << "it is another line now";
+    Click("cmdOK");
   });
-  EXPECT_EQ(Cell(1, 2), u"/dev/ttyUSB0");
+  EXPECT_EQ(Row(1), "New modem|Modem|/dev/ttyUSB0|Off");
 }
 
-TEST_F(LinesWindow, ATestSaysWhatIsWrongCanBeStoppedAndEndsWithTheWindow) {
+TEST_F(LinesWindow, ATestTellsItsResultCanBeStoppedAndEndsWithTheWindow) {
   Open();
-  Click(*window, "cmdTest");
-  ASSERT_THAT(lines.tested, SizeIs(1));
-  EXPECT_EQ(lines.tested[0].name, "Home");
-  EXPECT_EQ(Result(*window), "Testing…");
+  const auto test = [&] { Click("cmdTest"); };
+  test();
+  EXPECT_EQ(lines.tested.at(0).name, "Home");
+  EXPECT_EQ(Text("lblTestResult"), "Testing…");
   lines.done({false, "The password is wrong."});
-  EXPECT_EQ(Result(*window), "The password is wrong.");
-  Click(*window, "cmdTest");
-  Click(*window, "cmdTest");
-  EXPECT_EQ(lines.done, nullptr) << "the second click stops it";
-  Click(*window, "cmdTest");
-  List().setCurrentItem(List().topLevelItem(1));
-  EXPECT_EQ(lines.done, nullptr) << "a result would be shown beside another line";
-  Click(*window, "cmdTest");
-  window.reset();
-  EXPECT_EQ(lines.done, nullptr);
+  EXPECT_EQ(Text("lblTestResult"), "The password is wrong.");
+  const std::pair<const char*, std::function<void()>> ends[] = {{"the second click", test},
+                                                                {"another line", [&] { Select(1); }},
+                                                                {"the window", [&] { window.reset(); }}};
+  for (const auto& [what, end] : ends) {
+    test();
+    end();
+    EXPECT_EQ(lines.done, nullptr) << what;
+  }
 }
 
 TEST_F(LinesWindow, RemoveAsksCancelStoresNothingAndAFailureKeepsTheWindow) {
   Open();
-  Click(*window, "cmdRemove");
+  Click("cmdRemove");
   EXPECT_THAT(world.dialogs.questions, ElementsAre("Remove the line \"Home\" ?"));
   EXPECT_EQ(List().topLevelItemCount(), 2);
   world.dialogs.yes = true;
-  Click(*window, "cmdRemove");
-  Click(*window, "cmdRemove");
+  for (int i = 0; i < 2; ++i) Click("cmdRemove");
   EXPECT_EQ(List().topLevelItemCount(), 0);
-  for (const char* button : {"cmdEdit", "cmdRemove", "cmdTest"}) {
-    EXPECT_FALSE(In<QAbstractButton>(*window, button).isEnabled()) << button;
-  }
+  for (const char* button : {"cmdEdit", "cmdRemove", "cmdTest"})
+    EXPECT_FALSE(Get(button).isEnabled()) << button;
   lines.before_store = [] { throw RuntimeError(ErrorNumber::DiskFull, "lines.ini"); };
-  Click(*window, "cmdOK");
+  Click("cmdOK");
   EXPECT_TRUE(window->isVisible());
   EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("Disk full: lines.ini")));
-  EXPECT_EQ(used, 0);
-  Click(*window, "cmdCancel");
+  Click("cmdCancel");
   EXPECT_THAT(lines.configured.lines, SizeIs(2));
   lines.before_store = [] { FAIL() << "nothing was changed"; };
   Open();
-  Click(*window, "cmdOK");
+  Click("cmdOK");
   EXPECT_EQ(used, 0);
 }
 

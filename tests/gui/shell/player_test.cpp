@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QSignalSpy>
+// The player of the main window: its buttons, slider and picture.
 #include <QSlider>
 
 #include "support/desk/desk.h"
@@ -18,80 +15,78 @@ class Player : public testing::Test {
     desk.Start();
     desk.ClickRow(1);
   }
-  QSlider& Slider1() { return desk.Get<QSlider>("Slider1"); }
-  QString Times() { return desk.Get<QLabel>("lblTimes").text(); }
   bool TimesBecome(const char* text) {
-    return QTest::qWaitFor([&] { return Times() == QLatin1String(text); });
+    return QTest::qWaitFor([&] { return desk.Get<QLabel>("lblTimes").text() == QLatin1String(text); });
   }
+  bool SliderIsDisabled() {
+    return QTest::qWaitFor([&] { return !slider.isEnabled(); });
+  }
+  double Position() { return double(desk.WavePlay.Position().count()); }
+
   Desk desk;
+  QSlider& slider = desk.Get<QSlider>("Slider1");
 };
 
 TEST_F(Player, EveryPlayAndStopCommandPressesTheButton) {
-  EXPECT_FALSE(Slider1().isEnabled());
   for (const auto& [play, stop] : {std::pair("mnuPlay", "mnuStop"), std::pair("mnuRCPlay", "mnuTCStop")}) {
-    desk.Choose(play);
+    EXPECT_FALSE(slider.isEnabled());
+    desk.Do(play);
     EXPECT_EQ(desk.card.Hear(), 100) << play;
-    EXPECT_TRUE(Slider1().isEnabled());
-    desk.Choose(stop);
+    EXPECT_TRUE(slider.isEnabled());
+    desk.Do(stop);
     EXPECT_FALSE(desk.card.Plays()) << stop;
-    EXPECT_FALSE(Slider1().isEnabled());
   }
 }
 
-TEST_F(Player, CallsWithoutAMessageAreReadAndSkipped) {
-  desk.ClickRow(2, Qt::RightButton);
-  desk.Get<QMenu>("mnuNoMessageRightClick").hide();
-  desk.Press("ToolBarPlayer.Play");
+TEST_F(Player, ACallWithoutAMessageIsSkippedAndTheSliderEndsWithTheMessage) {
+  desk.Do("mnuNext");
+  desk.Do("ToolBarPlayer.Play");
   EXPECT_EQ(desk.card.Hear(), 300);
   EXPECT_EQ(desk.SelectedRow(), 3);
-  EXPECT_TRUE(desk.IsRead(2) && desk.IsRead(3));
   desk.card.PlayToEnd();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !Slider1().isEnabled(); }));
-  EXPECT_EQ(Slider1().value(), 0);
+  EXPECT_TRUE(SliderIsDisabled());
+  EXPECT_EQ(slider.value(), 0);
 }
 
 TEST_F(Player, SliderAndPictureFollowAndSeek) {
   ASSERT_TRUE(TimesBecome("0:00 / 0:02"));
-  desk.Press("ToolBarPlayer.Play");
+  desk.Do("ToolBarPlayer.Play");
   auto& picture = desk.Get<QWidget>("Waveform");
   ASSERT_TRUE(QTest::qWaitFor([&] { return picture.cursor().shape() == Qt::PointingHandCursor; }));
   QTest::mouseClick(&picture, Qt::LeftButton, {}, picture.rect().center());
   EXPECT_TRUE(TimesBecome("0:01 / 0:02"));
-  EXPECT_NEAR(Slider1().value(), 50, 1);
-  EXPECT_NEAR(double(desk.WavePlay.Position().count()), 1000, 40);
-
-  QTest::mouseClick(&Slider1(), Qt::LeftButton, {}, {Slider1().width() / 4, Slider1().height() / 2});
-  EXPECT_NEAR(double(desk.WavePlay.Position().count()), 500, 60);
-  QTest::keyClick(&Slider1(), Qt::Key_End);
-  EXPECT_GE(desk.WavePlay.Position().count(), 1900);
+  EXPECT_NEAR(slider.value(), 50, 1);
+  EXPECT_NEAR(Position(), 1000, 40);
+  QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, slider.height() / 2});
+  EXPECT_NEAR(Position(), 500, 60);
+  QTest::keyClick(&slider, Qt::Key_End);
+  EXPECT_GE(Position(), 1900);
 }
 
 TEST_F(Player, AHeldSliderStaysUntilItIsLetGo) {
-  desk.Press("ToolBarPlayer.Play");
-  const QPoint at(Slider1().width() * 3 / 4, Slider1().height() / 2);
-  QTest::mousePress(&Slider1(), Qt::LeftButton, {}, at);
+  desk.Do("ToolBarPlayer.Play");
+  const QPoint at(slider.width() * 3 / 4, slider.height() / 2);
+  QTest::mousePress(&slider, Qt::LeftButton, {}, at);
   desk.window.ShowSlider(3);
-  EXPECT_NEAR(Slider1().value(), 75, 2);
-  EXPECT_LT(desk.WavePlay.Position().count(), 1000);
-  QTest::mouseRelease(&Slider1(), Qt::LeftButton, {}, at);
-  EXPECT_NEAR(double(desk.WavePlay.Position().count()), 1500, 60);
-
-  QTest::mousePress(&Slider1(), Qt::LeftButton, {}, at);
+  EXPECT_NEAR(slider.value(), 75, 2);
+  EXPECT_LT(Position(), 1000);
+  QTest::mouseRelease(&slider, Qt::LeftButton, {}, at);
+  EXPECT_NEAR(Position(), 1500, 60);
+  QTest::mousePress(&slider, Qt::LeftButton, {}, at);
   desk.card.PlayToEnd();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !Slider1().isEnabled(); }));
-  QTest::mouseRelease(&Slider1(), Qt::LeftButton, {}, at);
+  EXPECT_TRUE(SliderIsDisabled());
+  QTest::mouseRelease(&slider, Qt::LeftButton, {}, at);
   EXPECT_FALSE(desk.card.Plays());
 }
 
-TEST_F(Player, MessagesThatCannotBePlayedAreLoggedAndNothingElse) {
+TEST_F(Player, AMissingOrDamagedMessageIsLoggedByItsName) {
   desk.files.Delete(desk.MessagePath("Anna"));
   PutFile(desk.MessagePath("Cleo"), "");
-  for (const int row : {1, 3}) {
+  for (const auto& [row, name] : {std::pair(1, "Anna"), std::pair(3, "Cleo")}) {
     desk.ClickRow(row);
-    desk.Press("ToolBarPlayer.Play");
-    EXPECT_TRUE(desk.Logged(desk.MessagePath(row == 1 ? "Anna" : "Cleo"))) << "the log names the file";
-    EXPECT_FALSE(desk.card.Plays());
-    EXPECT_FALSE(Slider1().isEnabled());
+    desk.Do("ToolBarPlayer.Play");
+    EXPECT_TRUE(desk.Logged(desk.MessagePath(name)));
+    EXPECT_FALSE(desk.card.Plays() || slider.isEnabled());
     EXPECT_TRUE(desk.IsRead(row));
   }
 }
@@ -99,25 +94,24 @@ TEST_F(Player, MessagesThatCannotBePlayedAreLoggedAndNothingElse) {
 TEST(PlayerPicture, ShowsPeaksAndWhatHasBeenPlayed) {
   WaveformWidget picture(nullptr);
   picture.resize(300, picture.height());
-  const auto colours = [&](int x) {
+  const auto pixel = [&](int x) { return picture.grab().toImage().pixelColor(x, 20); };
+  const auto height = [&](int x) {
     const auto image = picture.grab().toImage();
     int coloured = 0;
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < image.height(); ++y)
       coloured += image.pixelColor(x, y) != picture.palette().color(QPalette::Window) ? 1 : 0;
-    }
     return coloured;
   };
-  EXPECT_EQ(colours(100), 1);
-  Waveform waveform;
-  for (int i = 0; i < 100; ++i) waveform.peaks.push_back(i < 50 ? 0.0F : 1.0F);
-  waveform.length = std::chrono::seconds(10);
+  EXPECT_EQ(height(100), 1);
+  Waveform waveform{std::vector<float>(100, 0.0F), std::chrono::seconds(10)};
+  std::fill(waveform.peaks.begin() + 50, waveform.peaks.end(), 1.0F);
   picture.ShowWaveform(waveform);
-  EXPECT_EQ(colours(60), 1);
-  EXPECT_GE(colours(240), picture.height() - 2);
-  const auto before = picture.grab().toImage();
+  EXPECT_EQ(height(60), 1);
+  EXPECT_GE(height(240), picture.height() - 2);
+  const auto played = pixel(240), unplayed = pixel(288);
   picture.ShowProgress(std::chrono::seconds(9), std::chrono::seconds(10));
-  EXPECT_NE(picture.grab().toImage().pixelColor(240, 20), before.pixelColor(240, 20));
-  EXPECT_EQ(picture.grab().toImage().pixelColor(288, 20), before.pixelColor(288, 20));
+  EXPECT_NE(pixel(240), played);
+  EXPECT_EQ(pixel(288), unplayed);
 }
 
 }  // namespace

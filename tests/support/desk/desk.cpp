@@ -94,6 +94,11 @@ Desk& Desk::Start() {
   return *this;
 }
 
+void Desk::Do(const char* command) {
+  if (QString::fromLatin1(command).contains(u'.')) return Get<QToolButton>(command).click();
+  Get<QAction>(command).trigger();
+}
+
 QPoint Desk::PointIn(int row) {
   auto& list = Get<QAbstractItemView>("ListView1");
   return list.visualRect(list.model()->index(row - 1, 1)).center();

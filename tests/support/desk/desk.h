@@ -30,16 +30,15 @@
 
 namespace orven::test {
 
-/// A call as a test wants it in the list. `message` is its sample (ToneOf), 0 for no message.
+/// A call for the list. `message` is the sample that it consists of (ToneOf), 0 for no message.
 struct FiledCall {
   std::string name;
   std::int16_t message = 0;
   bool read = false;
 };
 
-/// The main window on its engine as in the running program: settings, records and sounds are files in
-/// a folder of its own; line and sound card are played by the test, and so are the desktop's boxes,
-/// tray and mouse.
+/// The main window on its engine as in the running program: settings, records and audio are files in
+/// a folder of their own. The test plays the line, the sound card and the desktop's boxes, tray and mouse.
 class Desk {
  public:
   explicit Desk(const std::string& settings = "");
@@ -60,12 +59,10 @@ class Desk {
     if (control == nullptr) std::abort();
     return *control;
   }
-  /// Chooses a menu item, by its name; one that is disabled does nothing.
-  void Choose(const char* action) { Get<QAction>(action).trigger(); }
-  /// Presses a toolbar's button.
-  void Press(const char* button) { Get<QToolButton>(button).click(); }
+  /// Chooses the menu item or presses the toolbar button ("Toolbar1.Save") of this name, when it is enabled.
+  void Do(const char* command);
 
-  /// Clicks on a row, 1-based, like a person: the mouse port agrees.
+  /// Clicks on a row, 1-based; the mouse port sees the button down meanwhile.
   void ClickRow(int row, Qt::MouseButton button = Qt::LeftButton);
   void DoubleClickRow(int row);
   QPoint PointIn(int row);

@@ -9,28 +9,23 @@ namespace {
 
 constexpr std::chrono::milliseconds kBlock{20};
 
-void Append(std::string& to, std::uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i) to.push_back(static_cast<char>(value >> (8 * i)));
+/// The little-endian bytes of values of 16 and 32 bits.
+template <class... Values>
+std::string Bytes(Values... values) {
+  std::string bytes;
+  (bytes.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
+  return bytes;
 }
 
 }  // namespace
 
 std::string WaveFile(const std::vector<std::int16_t>& samples) {
   const auto size = static_cast<std::uint32_t>(samples.size() * sizeof(std::int16_t));
-  std::string file = "RIFF";
-  Append(file, 36 + size, 4);
-  file += "WAVEfmt ";
-  Append(file, 16, 4);
-  Append(file, 1, 2);  // PCM
-  Append(file, 1, 2);  // one channel
-  Append(file, kSampleRate, 4);
-  Append(file, kSampleRate * 2, 4);
-  Append(file, 2, 2);
-  Append(file, 16, 2);
-  file += "data";
-  Append(file, size, 4);
-  for (const auto sample : samples) Append(file, static_cast<std::uint16_t>(sample), 2);
-  return file;
+  constexpr std::uint16_t kPcm = 1, kChannels = 1, kBytesPerSample = 2, kBits = 16;
+  constexpr std::uint32_t kRate = kSampleRate, kFormatSize = 16;
+  return "RIFF" + Bytes(36 + size) + "WAVEfmt " + Bytes(kFormatSize, kPcm, kChannels, kRate, kRate * 2) +
+         Bytes(kBytesPerSample, kBits) + "data" + Bytes(size) +
+         std::string(reinterpret_cast<const char*>(samples.data()), size);
 }
 
 std::string ToneOf(std::int16_t sample, int milliseconds) {

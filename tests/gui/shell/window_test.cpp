@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window but its list and player: toolbars, menus, quick options, status bar, its place on the desk.
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QScreen>
+#include <QSet>
+#include <QTableView>
+#include <QTreeWidget>
+#include <QWheelEvent>
+#include <limits>
+
+#include "shell/frmAbout.h"
+#include "support/desk/desk.h"
+#include "widgets/window_placement.h"
+
+namespace orven::test {
+namespace {
+
+class Window : public testing::Test {
+ protected:
+  explicit Window(const char* settings = "") : desk(settings) { desk.Start(); }
+  static void Click(QAbstractButton& box) {
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {8, box.height() / 2});
+  }
+
+  Desk desk;
+  frmMain& window = desk.window;
+};
+
+/// What a person reads in a menu; "-" is a separator.
+std::string Captions(const QList<QAction*>& actions) {
+  QStringList captions;
+  for (const auto* action : actions) captions << (action->isSeparator() ? "-" : action->text().remove(u'&'));
+  return captions.join(u'|').toStdString();
+}
+
+TEST_F(Window, MenusAndButtonsHaveTheirTextsAndADifferentKeyForEachItem) {
+  const std::pair<const char*, const char*> menus[] = {
+      {"MnuFile", "Save|Delete|Clear|-|Log|-|Hide|Exit"},
+      {"mnuEdit", "First|Last|Next|Back|-|Play|Stop"},
+      {"mnuEvents", "General|In Coming Call|Disconnect Call"},
+      {"mnuActions", "E-Mail|Application"},
+      {"mnuOptions", "General|Devices|Answer Mode|Advance"},
+      {"mnuTools", "Greeting Creator|-|Web Page on Greetings|Web Page on Sounds"},
+      {"mnuHelp", "Contents|ORVEN Web Page|-|About"},
+      {"mnuRightClick", "Play|Stop|-|Save As|Delete|-|Mark as unread|Mark as read"},
+      {"mnuNoMessageRightClick", "Delete|-|Mark as unread|Mark as read"},
+      {"mnuSystry", "Exit|-|Off|On|-|Open"}};
+  for (const auto& [name, captions] : menus) {
+    const auto actions = desk.Get<QMenu>(name).actions();
+    EXPECT_EQ(Captions(actions), captions);
+    QSet<QChar> keys;
+    for (const auto* action : actions) {
+      const auto mark = action->text().indexOf(u'&');
+      EXPECT_TRUE(action->isSeparator() || mark >= 0) << name;
+      if (mark >= 0) keys << action->text()[mark + 1].toUpper();
+    }
+    EXPECT_EQ(keys.size(), std::ranges::count(actions, false, &QAction::isSeparator)) << name;
+  }
+  EXPECT_EQ(Captions(window.menuBar()->actions()), "File|Edit|Events|Actions|Options|Tools|Help");
+  const auto buttons = desk.Get<QToolBar>("Toolbar1").actions();
+  EXPECT_EQ(Captions(buttons), "On|-|Back|Next|-|Save|Delete|   Clear   |-|Log|Events|Actions|Options");
+  QStringList tips;
+  for (const auto* action : buttons) {
+    tips << (action->isSeparator() ? "-" : action->toolTip());
+    EXPECT_EQ(action->icon().isNull(), action->isSeparator());
+  }
+  EXPECT_EQ(tips.join(u'|'),
+            "Modem Status|-|Back  Message|Next Message|-|Save Message As|Delete Message|Clear Calls "
+            "List|-|Log|Set Events|Set Actions|Options");
+  EXPECT_TRUE(desk.Get<QToolButton>("Toolbar1.Save").autoRaise());
+  EXPECT_FALSE(desk.Get<QToolButton>("TBQuickOption.Delete").autoRaise());
+  for (const char* name : {"ListView1", "Slider1", "Waveform", "cmbDefGreet", "cmbRings", "TBQuickOption.Add",
+                           "ToolBarPlayer.Play", "Toolbar1.Clear", "StatusBar1.Panel1"})
+    EXPECT_FALSE(desk.Get<QWidget>(name).accessibleName().isEmpty()) << name;
+}
+
+TEST_F(Window, EachCommandOpensItsDialogOrPage) {
+  using enum Dialog;
+  const std::tuple<const char*, Dialog, int> dialogs[] = {
+      {"mnuEventsGeneral", frmEvents, 0},   {"mnuInComingCall", frmEvents, 1},
+      {"mnuIdelCall", frmEvents, 2},        {"mnuMail", frmActions, 0},
+      {"mnuAplication", frmActions, 1},     {"mnuGeneral", frmOptions, 0},
+      {"mnuDevices", frmOptions, 1},        {"mnuAnswerMode", frmOptions, 2},
+      {"mnuAdvance", frmOptions, 3},        {"mnuLog", frmLog, 0},
+      {"mnuGreetingCreator", frmGreetC, 0}, {"Toolbar1.Log", frmLog, 0},
+      {"Toolbar1.Events", frmEvents, 0},    {"Toolbar1.Actions", frmActions, 0},
+      {"Toolbar1.Options", frmOptions, 0},  {"TBQuickOption.Add", frmGreetC, 0}};
+  for (const auto& [command, dialog, tab] : dialogs) {
+    desk.Do(command);
+    EXPECT_EQ(desk.dialog_factory.opened.back(), std::pair(dialog, tab)) << command;
+  }
+  EXPECT_FALSE(desk.Get<QAction>("mnuAbout").isEnabled()) << "this program has no such dialog";
+  desk.shell.opens = false;
+  const std::pair<const char*, const char*> pages[] = {{"mnuContents", "index"},
+                                                       {"mnuGreetingsPage", "greetings"},
+                                                       {"mnuSoundsPage", "sounds"},
+                                                       {"mnuHomePage", "index"}};
+  for (const auto& [item, page] : pages) {
+    desk.Do(item);
+    EXPECT_EQ(desk.shell.opened.back(), desk.shared.application_folder + "/Help/" + page + ".htm");
+    EXPECT_EQ(desk.dialogs.informations.back(), "Nothing on this computer opens " + desk.shell.opened.back());
+  }
+}
+
+TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
+  const auto& button = desk.Get<QToolButton>("Toolbar1.OnOff");
+  const auto state = [&] {
+    EXPECT_EQ(button.isChecked(), desk.Tapi1->IsLineOpen(0));
+    return button.text() + (desk.Get<QAction>("mnuOn").isEnabled() ? "|On" : "|-") +
+           (desk.Get<QAction>("mnuOff").isEnabled() ? "|Off|" : "|-|") +
+           desk.Get<QLabel>("StatusBar1.Panel1").text();
+  };
+  EXPECT_EQ(state(), "On|-|Off|Monitoring Home");
+  for (const char* off : {"Toolbar1.OnOff", "mnuOff"}) {
+    desk.Do(off);
+    EXPECT_EQ(state(), "Off|On|-|Off Mode");
+    desk.Do("mnuOn");
+    EXPECT_EQ(state(), "On|-|Off|Monitoring Home");
+  }
+  desk.Do("mnuOff");
+  desk.line->FailOpen(kTelephonyLineInUse, "the port is taken");
+  desk.Do("Toolbar1.OnOff");
+  EXPECT_EQ(state(), "Off|On|Off|Off Mode") << "it is tried again until it is turned off";
+  desk.Do("mnuOff");
+  EXPECT_EQ(state(), "Off|On|-|Off Mode");
+}
+
+TEST_F(Window, APersonsQuickOptionIsStoredAndTheProgramsIsNot) {
+  const auto stored = ContentOf(desk.home / "registry.reg");
+  auto& greetings = desk.Get<QComboBox>("cmbDefGreet");
+  auto& rings = desk.Get<QComboBox>("cmbRings");
+  auto& record = desk.Get<QCheckBox>("chkRecMessage");
+  EXPECT_TRUE(greetings.count() == 3 && rings.count() == 20 && record.isChecked());
+  EXPECT_EQ(greetings.currentText() + rings.currentText(), "Holiday4");
+  desk.Machine().greetings.Fill("Default");
+  EXPECT_EQ(greetings.currentText(), "Default");
+  for (const bool on : {false, true}) window.ShowRecordMessage(on);
+  window.ShowRings(99);
+  EXPECT_EQ(rings.currentIndex(), -1);
+  QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&greetings, &wheel);
+  EXPECT_EQ(ContentOf(desk.home / "registry.reg"), stored);
+  for (const auto& [box, text] : {std::pair(&greetings, "Office"), std::pair(&rings, "7")}) {
+    box->setFocus();
+    box->showPopup();
+    box->view()->setCurrentIndex(box->model()->index(box->findText(text), 0));
+    QTest::keyClick(box->view(), Qt::Key_Return);
+  }
+  Click(record);
+  EXPECT_EQ(desk.Setting("Greeting") + desk.Setting("NumOfRing") + desk.Setting("RecordMessage"), "Office70");
+  EXPECT_EQ(desk.shared.greeting_file, "Office.wav");
+  EXPECT_FALSE(desk.shared.record_messages);
+}
+
+struct WithoutQuickOptions : Window {
+  WithoutQuickOptions() : Window("\"pQuickToolbar\"=\"0\"\n") {}
+};
+TEST_F(WithoutQuickOptions, GridLinesAreStillOfferedInTheStatusBar) {
+  EXPECT_FALSE(desk.Get<QToolBar>("TBQuickOption").isVisible());
+  auto& check = desk.Get<QCheckBox>("Check1");
+  const auto& list = desk.Get<CallListWidget>("ListView1");
+  EXPECT_TRUE(check.isVisible() && check.isChecked() && list.showGrid());
+  Click(check);
+  EXPECT_TRUE(!list.showGrid() && list.StyleBits() == 0);
+}
+
+TEST_F(Window, IconsFollowADarkOrLightDesktopAndTheClockTicks) {
+  const auto palette = QApplication::palette();
+  for (const auto& [colours, theme] :
+       {std::pair(QPalette(Qt::black), "breeze-dark"), std::pair(palette, "breeze")}) {
+    QApplication::setPalette(colours);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QIcon::themeName() == QLatin1String(theme); })) << theme;
+  }
+  window.ShowClock("23:59:59", "12/31/2026");
+  const auto& time = desk.Get<QLabel>("StatusBar1.Panel2");
+  EXPECT_EQ(time.text() + desk.Get<QLabel>("StatusBar1.Panel3").text(), "23:59:5912/31/2026");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return time.text() != "23:59:59"; }));
+}
+
+TEST_F(Window, GoesWhereItWasAndAlwaysOntoAScreen) {
+  EXPECT_EQ(QRect(window.pos(), window.size()), QRect(30, 40, 700, 500));
+  for (int i = 0; i < 3; ++i) window.Place(window.Geometry());
+  const auto now = window.Geometry();
+  EXPECT_EQ(std::tuple(now.left, now.top, now.width, now.height), std::tuple(450, 600, 10500, 7500));
+
+  constexpr auto kMost = std::numeric_limits<std::int32_t>::max(),
+                 kLeast = std::numeric_limits<std::int32_t>::min();
+  constexpr std::int32_t kFar = 1'000'000'000;
+  const QSize least(560, 360);
+  const QList<QRect> screens{{0, 0, 1920, 1080}, {-1280, 100, 1280, 1024}};
+  const struct {
+    WindowGeometry stored;
+    QRect place;
+  } cases[] = {{{600, 450, 10500, 7500, 0}, {30, 40, 700, 500}},
+               {{3000, -15000, 10500, 7500, 0}, {-1000, 200, 700, 500}},  // the other screen
+               {{600, 27000, 10500, 7500, 0}, {1220, 40, 700, 500}},      // half out
+               {{3000, -4500, 10500, 7500, 0}, {-300, 200, 700, 500}},    // across both
+               {{3000, 22500, 10500, 22500, 0}, {1220, 0, 700, 1080}},    // larger than the screen
+               {{600, 100'000, 10500, 7500, 0}, {1220, 40, 700, 500}},
+               {{-10'000, 0, 10500, 7500, 0}, {0, 0, 700, 500}}};
+  for (const auto& [stored, place] : cases) EXPECT_EQ(FitOnScreens(stored, least, screens), place);
+  for (const auto far : {kMost, kLeast, kFar, -kFar}) {
+    for (const auto large : {kMost, kLeast, kFar, 0}) {
+      const auto place = FitOnScreens({far, far, large, large, 0}, least, screens);
+      EXPECT_TRUE(screens[0].contains(place) || screens[1].contains(place)) << far << " " << large;
+      EXPECT_GE(place.width(), least.width());
+      window.Place({far, far, large, large, 0});
+      EXPECT_TRUE(window.screen()->availableGeometry().contains(window.geometry()));
+    }
+  }
+}
+
+TEST_F(Window, ClosingHidesItOrMinimisesItAndAPersonBringsItBack) {
+  auto& tray = desk.Machine().tray;
+  window.close();
+  EXPECT_FALSE(window.isVisible());
+  desk.Do("mnuOpen");
+  EXPECT_TRUE(window.isVisible());
+  desk.Do("mnuHide");
+  EXPECT_FALSE(window.isVisible());
+  desk.engine->TrayMouseMove(514 * 15, 15);
+  EXPECT_TRUE(window.isVisible() && !window.isMinimized());
+  desk.engine->TrayMouseMove(517 * 15, 15);
+  EXPECT_TRUE(window.TrayMenu().isVisible());
+  window.TrayMenu().hide();
+
+  desk.shell.notification_area = false;
+  window.close();
+  EXPECT_TRUE(window.isVisible() && window.isMinimized() && desk.Machine().window_hidden);
+  tray.StartBlinking();
+  window.showNormal();
+  EXPECT_FALSE(desk.Machine().window_hidden || tray.Blinking());
+  window.close();
+  tray.StartBlinking();
+  desk.Do("mnuOpen");
+  EXPECT_TRUE(!window.isMinimized() && tray.Blinking()) << "no person has brought it back";
+
+  window.resize(800, 480);
+  desk.Do("mnuExitSys");
+  EXPECT_TRUE(desk.ends == 1 && window.close());
+  EXPECT_EQ(desk.Setting("MeWidth"), "12000");
+}
+
+TEST(AboutBox, TellsVersionLibrariesAndTheWholeLicence) {
+  frmAbout box("1.2.3", {{"a library", "4.5", "MIT", "sound"}, {"another", "6", "curl", "mail"}}, nullptr);
+  box.show();
+  EXPECT_EQ(box.findChild<QLabel*>("lblVersion")->text(), u"Version 1.2.3");
+  const auto& list = *box.findChild<QTreeWidget*>("lstComponents");
+  EXPECT_EQ(list.topLevelItem(0)->text(1) + list.topLevelItem(1)->text(2), u"4.5curl");
+  const auto licence = box.findChild<QPlainTextEdit*>("txtLicence")->toPlainText();
+  EXPECT_TRUE(licence.contains(u"GNU GENERAL PUBLIC LICENSE") &&
+              licence.contains(u"END OF TERMS AND CONDITIONS"));
+  box.findChild<QPushButton*>("cmdOK")->click();
+  EXPECT_FALSE(box.isVisible());
+}
+
+}  // namespace
+}  // namespace orven::test
