@@ -12,7 +12,7 @@
 namespace orven {
 namespace {
 
-constexpr int kFieldWidth = 360;  // pixels; a server's name or a port's can be read at a glance
+constexpr int kFieldWidth = 360;  // pixels; shows most server and port names in full
 
 struct Transport {
   const char* text;
@@ -228,7 +228,7 @@ TelephoneLine frmLineEdit::Line() const {
   line.password = txtPassword_->text().toStdString();
   line.listen = txtListen_->text().trimmed().toStdString();
   line.ring_seconds = spnRing_->value();
-  // One that was not touched keeps what was written by hand.
+  // An unchanged choice keeps what was written by hand in the file.
   if (cmbTransport_->currentIndex() != TransportIndex(line_)) {
     const auto& chosen = kTransports.at(static_cast<std::size_t>(cmbTransport_->currentIndex()));
     line.transport = chosen.transport;
@@ -254,7 +254,7 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   form_->getWidgetPosition(row, &at, &role);
   form_->insertRow(at + 1, QString(), lblFault_);
   lblFault_->setText(QString::fromStdString(fault.text));
-  // A form gives wrapped text no room of its own; its fields are never narrower than this.
+  // A form layout ignores the height of wrapped text. Fields are never narrower than kFieldWidth.
   lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();

@@ -14,7 +14,7 @@
 
 namespace orven {
 
-/// One telephone line: a new one, or one of the lines dialog's. Bad input is named below its field.
+/// Edits a telephone line, a new one or one of the lines dialog. Bad input is explained below its field.
 /// User-interface thread.
 class frmLineEdit : public QDialog {
   Q_OBJECT
@@ -43,7 +43,7 @@ class frmLineEdit : public QDialog {
 
   LinesDialog& engine_;
   const std::optional<std::size_t> index_;
-  TelephoneLine line_;  ///< as it was given
+  TelephoneLine line_;  ///< as it was when the dialog opened
   QFormLayout* form_ = nullptr;
   QLineEdit* txtName_ = nullptr;
   QComboBox* cmbKind_ = nullptr;

@@ -18,7 +18,7 @@
 namespace orven {
 namespace {
 
-constexpr int kResultLines = 3;  // room for the longest sentences, so that nothing jumps
+constexpr int kResultLines = 3;  // room for the longest result, so that nothing moves
 
 constexpr std::chrono::milliseconds kRefresh{500};
 constexpr QSize kListSize(740, 170);
@@ -174,7 +174,8 @@ QLayout* frmLines::MakeButtons() {
   return buttons.row;
 }
 
-/// The list passes Enter on once it has edited a line, so no button may be pressed by it from elsewhere.
+/// After Enter in the list has opened a line, the key also arrives here: it must press only a button with
+/// focus.
 void frmLines::keyPressEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) return QDialog::keyPressEvent(event);
   if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();

@@ -14,20 +14,20 @@
 
 namespace orven {
 
-/// The button that tries a telephone line out, with what came of it beside it. While a test runs, the
-/// button stops it. User-interface thread.
+/// A button that tests a telephone line, with the result beside it. While a test runs, the button stops it.
+/// User-interface thread.
 class frmLineTest : public QWidget {
   Q_OBJECT
 
  public:
-  /// `line` gives the line to try, or nothing; it may tell the person why there is none.
+  /// `line` returns the line to test. It returns nothing when there is none, and may tell the person why.
   frmLineTest(LinesDialog& engine, std::function<std::optional<TelephoneLine>()> line, QWidget* parent);
   ~frmLineTest() override;
 
-  /// Stops a test under way and forgets the latest result: the line is another one now.
+  /// Stops a running test and clears the result, because the line has changed.
   void Clear();
 
-  /// In a window where Enter does something else, the button must not look like the one that it presses.
+  /// Off in a window where Enter does something else: the button must not look like the default button.
   void SetAutoDefault(bool on) { cmdTest_->setAutoDefault(on); }
 
   void SetUsable(bool usable) { cmdTest_->setEnabled(usable || running_); }
@@ -45,8 +45,8 @@ class frmLineTest : public QWidget {
   bool running_ = false;
 };
 
-/// The telephone lines: a list with the state of each, as it is now, and what can be done with them.
-/// Modal to its parent only. User-interface thread.
+/// The telephone lines with their current states, and buttons to add, edit, remove and test them. Modal to
+/// its parent only. User-interface thread.
 class frmLines : public QDialog {
   Q_OBJECT
 
@@ -61,7 +61,7 @@ class frmLines : public QDialog {
   QWidget* MakeListRow();
   QLayout* MakeButtons();
   QPushButton* Button(const char* name, const QString& caption, const QString& tip, QWidget* parent);
-  /// Brings the list up to date; what did not change stays as it is, selection and all.
+  /// Updates the list; unchanged rows and the selection stay.
   void ShowRows();
   void Select(std::size_t index);
   std::optional<std::size_t> Selected() const;

@@ -20,7 +20,7 @@ void FillList(QComboBox& list, const std::vector<std::string>& items) {
   for (const auto& item : items) list.addItem(QString::fromStdString(item));
 }
 
-/// Shows a text in a list that a person can write into, whether it offers it or not.
+/// Shows a text in an editable list, whether or not it is one of the items.
 void ShowText(QComboBox& list, const std::string& text) {
   const auto shown = QString::fromStdString(text);
   list.setCurrentIndex(list.findText(shown, Qt::MatchExactly | Qt::MatchCaseSensitive));

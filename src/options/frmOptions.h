@@ -17,12 +17,12 @@
 
 namespace orven {
 
-/// Property of a number's list: the text that it showed first.
+/// Property of a number's list: the text that it showed at first.
 inline constexpr const char* kShownFirst = "shownFirst";
 
-/// The options dialog. It shows what the engine loads and hands over what a person does; every control's
-/// object name is its name in this program. Modal to the main window only, so that calls go on. While
-/// messages are being moved it says so and stays. User-interface thread.
+/// The options dialog. It shows what the engine loads and passes on what a person does; each control's object
+/// name is its name in this program. Modal to the main window only, so that calls go on. It cannot be closed
+/// while messages are being moved. User-interface thread.
 class frmOptions : public QDialog, private OptionsView {
   Q_OBJECT
 
@@ -30,7 +30,7 @@ class frmOptions : public QDialog, private OptionsView {
   struct Parts {
     OptionsDialog& engine;             ///< outlives the dialog
     GreetingPlayer& greetings;         ///< outlives the dialog
-    std::function<void()> open_lines;  ///< lets a person change the telephone lines; empty: cannot be done
+    std::function<void()> open_lines;  ///< opens the telephone lines; may be empty
   };
 
   /// Opens on the tab with this 0-based index: General, Devices, Answer Mode, Advanced.
@@ -39,7 +39,7 @@ class frmOptions : public QDialog, private OptionsView {
   frmOptions(const frmOptions&) = delete;
   frmOptions& operator=(const frmOptions&) = delete;
 
-  /// Not while messages are being moved.
+  /// Does nothing while messages are being moved.
   void reject() override;
 
  private:

@@ -14,20 +14,20 @@
 namespace orven {
 namespace {
 
-constexpr int kDeviceCharacters = 28;  // a device's name may be long; the list does not grow with it
+constexpr int kDeviceCharacters = 28;  // the list does not grow with long device names
 constexpr int kNumberCharacters = 4;
 constexpr int kTickEvery = 10;
 constexpr int kLongestSilence = 600;  // seconds
 constexpr int kMostRings = 20;
 
-/// A stored value of more than 2048 bytes cannot be read back; a character has up to four.
+/// Stored values are limited to 2048 bytes; a character takes up to four.
 constexpr int kLongestPassword = 500;
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);
 }
 
-/// Whole numbers; a field that is left without one gets back what it showed first.
+/// Accepts whole numbers. A field left without one gets the value back that it showed at first.
 class WholeNumber : public QIntValidator {
  public:
   using QIntValidator::QIntValidator;
@@ -89,15 +89,15 @@ QWidget* frmOptions::MakeGeneral() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame1"));
   chkRenOnStart_ = MakeCheck("chkRenOnStart", tr("Start ORVEN when I log in"),
-                                tr("It then answers from the notification area, without its window"));
+                             tr("It then answers from the notification area, without its window"));
   chkQuickToolBar_ = MakeCheck("chkQuickToolBar", tr("Show the quick options toolbar"),
-                                  tr("Greeting, rings and recording in the main window"));
+                               tr("Greeting, rings and recording in the main window"));
   chkListMessagesOnly_ = MakeCheck("chkListMessagesOnly", tr("List only calls that left a message"),
-                                      tr("Calls without a message are not added to the calls list"));
+                                   tr("Calls without a message are not added to the calls list"));
   chkWornDelete_ = MakeCheck("chkWornDelete", tr("Ask before deleting a call"),
-                                tr("A deleted call's message is deleted with it"));
+                             tr("A deleted call's message is deleted with it"));
   chkWornClear_ = MakeCheck("chkWornClear", tr("Ask before clearing the calls list"),
-                               tr("Clearing leaves the message files where they are"));
+                            tr("Clearing leaves the message files where they are"));
   auto* column = MakeChild<QVBoxLayout>(page);
   for (auto* check :
        {chkRenOnStart_, chkQuickToolBar_, chkListMessagesOnly_, chkWornDelete_, chkWornClear_}) {
@@ -178,9 +178,9 @@ QWidget* frmOptions::MakeAnswerMode() {
   txtRecLong_ = MakeNumber("txtRecLong", tr("Minutes of the longest message"), 1, kLongestMessage);
   greetings_ = MakeChild<frmOptionsGreetings>(parts_.greetings, page);
   cmdRecordMessage_ = MakeCheck("cmdRecordMessage", tr("Record a message after the greeting"),
-                                   tr("Otherwise the call ends after the greeting"));
+                                tr("Otherwise the call ends after the greeting"));
   chkPreScreen_ = MakeCheck("chkPreScreen", tr("Listen in while a message is recorded"),
-                               tr("The caller is heard on the sound card"));
+                            tr("The caller is heard on the sound card"));
   auto* rings = MakeChild<QLabel>(tr("&Answer after:"), page);
   rings->setBuddy(txtNumOfRing_);
   auto* length = MakeChild<QLabel>(tr("Longest &message:"), page);
@@ -201,7 +201,7 @@ QWidget* frmOptions::MakeAdvanced() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame4"));
   chkCompress_ = MakeCheck("chkCompress", tr("Store messages compressed"),
-                              tr("Half the size, in the quality of the telephone"));
+                           tr("Half the size, in the quality of the telephone"));
   auto* column = MakeChild<QVBoxLayout>(page);
   column->addWidget(MakeSilence());
   column->addWidget(MakeRemoteAccess());
@@ -213,7 +213,7 @@ QWidget* frmOptions::MakeAdvanced() {
 QWidget* frmOptions::MakeSilence() {
   auto* frame = MakeChild<QGroupBox>(tr("Silence"), this);
   chkDropIfSilnce_ = MakeCheck("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
-                                  tr("Otherwise a message ends when the caller hangs up or it is too long"));
+                               tr("Otherwise a message ends when the caller hangs up or it is too long"));
   cmbSilenceSec_ =
       MakeNumber("cmbSilenceSec", tr("Seconds of silence that end a message"), 1, kLongestSilence);
   auto* row = MakeChild<QHBoxLayout>();
@@ -258,8 +258,8 @@ QWidget* frmOptions::MakeRemoteAccess() {
   auto* frame = MakeChild<QGroupBox>(tr("Remote access"), this);
   chkAllowRemoteAccess_ =
       MakeCheck("chkAllowRemoteAccess", tr("Hear my messages from another telephone"),
-                   tr("Call this machine, key the password while the greeting plays, then the star key. "
-                      "The password works whether this is checked or not"));
+                tr("Call this machine, key the password while the greeting plays, then the star key. "
+                   "The password works whether this is checked or not"));
   txtPass_ = MakeChild<QLineEdit>(frame);
   txtPass_->setObjectName(Name("txtPass"));
   txtPass_->setEchoMode(QLineEdit::Password);

@@ -13,7 +13,7 @@ namespace orven {
 namespace {
 
 constexpr int kButtonIcon = 16;
-constexpr int kCharacters = 24;  // a greeting's name may be long; the list does not grow with it
+constexpr int kCharacters = 24;  // the list does not grow with long greeting names
 
 constexpr double kFullScale = 1000;
 const QColor kHeard(58, 166, 92);
@@ -64,7 +64,7 @@ void frmOptionsGreetings::Press(const QString& key) {
 void frmOptionsGreetings::Show(const GreetingList& list) {
   CmbGreetsMessages_->clear();
   for (const auto& name : list.names) CmbGreetsMessages_->addItem(QString::fromStdString(name));
-  // The list's own search ignores the case of letters, and names may differ in nothing else.
+  // QComboBox ignores case by default, but names may differ only in case.
   const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
   CmbGreetsMessages_->setCurrentIndex(
       list.names.empty() ? -1 : CmbGreetsMessages_->findText(QString::fromStdString(list.selected), flags));
@@ -94,7 +94,7 @@ QSize SilenceMeter::sizeHint() const {
   return {slider_.sizeHint().width(), fontMetrics().height() / 2};
 }
 
-/// Pixels from the left at which the middle of the slider's handle is when it stands at `part` of its range.
+/// Pixels from the left to the middle of the slider's handle when the handle is at `part` of its range.
 double SilenceMeter::PlaceOf(double part) const {
   QStyleOptionSlider option;
   option.initFrom(&slider_);

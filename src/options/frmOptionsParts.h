@@ -21,7 +21,7 @@ class frmOptionsGreetings : public QWidget {
   /// The list is empty at first.
   frmOptionsGreetings(GreetingPlayer& engine, QWidget* parent);
 
-  /// Shows the library as it is now; `selected` is selected when it is there, else the first greeting is.
+  /// Shows the library as it is now and selects `selected`, or the first greeting when it is missing.
   void Fill(const std::string& selected);
 
   /// The greeting that is selected; empty when there is none.
@@ -37,9 +37,8 @@ class frmOptionsGreetings : public QWidget {
   ButtonBar* tlbrGreetingPlayer_;
 };
 
-/// How loud the call is whose message is being recorded, below a slider that says up to where a level is
-/// silence: both have one scale, so that a person sees on which side of the slider's handle the level is.
-/// Grey is silence, green is heard.
+/// Level meter of the current call, below the slider that sets the silence level. Both have the same scale,
+/// so that a person sees on which side of the handle the level is: grey is silence, green is heard.
 class SilenceMeter : public QWidget {
   Q_OBJECT
 

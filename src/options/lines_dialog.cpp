@@ -62,7 +62,7 @@ TelephoneLine LinesDialog::NewLine() const {
 std::optional<LineFault> LinesDialog::Check(const TelephoneLine& line,
                                             std::optional<std::size_t> index) const {
   const bool renamed = !index || At(*index).name != line.name;
-  // The chosen line is found again by its name.
+  // Names must be unique, because the chosen line is stored by its name.
   if (renamed && HasName(line.name)) {
     return LineFault{LineField::Name, "Another line has this name: expected one of its own."};
   }
@@ -111,7 +111,7 @@ bool LinesDialog::Ok() {
   return true;
 }
 
-/// The line that answers stays the same one under its new name.
+/// A chosen line that was renamed stays chosen.
 void LinesDialog::KeepChosen() {
   const auto chosen = std::ranges::find_if(lines_, [&](const Entry& entry) {
     return !entry.known_as.empty() && entry.known_as == parts_.settings.ModemName;

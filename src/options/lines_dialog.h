@@ -14,7 +14,7 @@
 
 namespace orven {
 
-/// The lines dialog without its window: the configured telephone lines, changed here and stored by Ok.
+/// The lines dialog without its window. Changes to the configured telephone lines are stored by Ok.
 /// User-interface thread.
 class LinesDialog {
  public:
@@ -24,7 +24,7 @@ class LinesDialog {
     SystemLog& log;
     SettingsStore& store;
     Settings& settings;
-    /// Takes the stored lines into use. False: not yet, because of a call. Without it: at the next start.
+    /// Starts using the stored lines; false when a call delays it. Empty: they are used from the next start.
     std::function<bool()> use_changed;
   };
 
@@ -36,37 +36,37 @@ class LinesDialog {
 
   /// Reads the stored lines.
   explicit LinesDialog(Parts parts);
-  /// Gives up a test under way.
+  /// Cancels a running test.
   ~LinesDialog();
   LinesDialog(const LinesDialog&) = delete;
   LinesDialog& operator=(const LinesDialog&) = delete;
 
-  /// What is wrong with the stored lines, one text a fault.
+  /// What is wrong with the stored lines, one text per fault.
   const std::vector<std::string>& Complaints() const { return complaints_; }
 
   std::size_t Count() const { return lines_.size(); }
   const TelephoneLine& At(std::size_t index) const { return lines_.at(index).line; }
   Row RowAt(std::size_t index) const;
 
-  /// A line to begin with, under a name that no other has.
+  /// A new line with a name of its own.
   TelephoneLine NewLine() const;
 
-  /// What keeps `line` from being added, or from taking the place of the line at `index`.
+  /// Why `line` cannot be added, or cannot replace the line at `index`; nothing when it can.
   std::optional<LineFault> Check(const TelephoneLine& line, std::optional<std::size_t> index) const;
 
-  /// Adds `line`, or puts it in the place of the one at `index`. It must have passed Check.
+  /// Adds `line` or replaces the one at `index` by it. It must have passed Check.
   void Put(const TelephoneLine& line, std::optional<std::size_t> index);
 
-  /// Asks, and removes the line at `index`. False when it stays.
+  /// Removes the line at `index` after asking. False when the answer is no.
   bool Remove(std::size_t index);
 
   std::vector<SerialPortFound> SerialPorts() const { return parts_.lines.SerialPorts(); }
 
-  /// Tries out `line` as it is here, stored or not; see TelephoneLines::Test.
+  /// Tests `line`, stored or not; see TelephoneLines::Test.
   void Test(const TelephoneLine& line, TelephoneLines::TestDone done) const;
   void CancelTest() const { parts_.lines.CancelTest(); }
 
-  /// Stores what was changed and takes it into use. False when it could not be stored; a box has said why.
+  /// Stores the changes and uses them. False when storing failed; a box has told why.
   bool Ok();
 
  private:
@@ -83,7 +83,7 @@ class LinesDialog {
   Parts parts_;
   std::vector<std::string> complaints_;
   std::vector<Entry> lines_;
-  std::vector<Entry> stored_;  ///< as the latest reading gave them
+  std::vector<Entry> stored_;  ///< as they were read
 };
 
 }  // namespace orven

@@ -16,7 +16,7 @@ using std::chrono_literals::operator""ms;
 
 constexpr int kMostRings = 20;
 
-/// A level that moves smoothly to the eye.
+/// Short enough for a meter that moves smoothly.
 constexpr auto kLevelInterval = 50ms;
 
 /// Sound cards are looked for every two seconds, because one may be plugged in at any time.
@@ -211,7 +211,7 @@ void OptionsDialog::Collect(const OptionChoices& choices, Values& values) {
   Put(values, "Modem", std::to_string(parts_.line.FindByName(choices.cmbModemDev)));
   Put(values, "PreScreen", choices.chkPreScreen);
   Put(values, "ModemName", choices.cmbModemDev);
-  // Without a choice the card, and the greeting, stay what they are.
+  // Card and greeting keep their values when none is chosen.
   if (choices.cmbSoundDev >= 0) Put(values, "Sound", std::to_string(choices.cmbSoundDev));
   Put(values, "RecordMessage", choices.cmdRecordMessage);
   if (!choices.CmbGreetsMessages.empty()) Put(values, "Greeting", choices.CmbGreetsMessages);

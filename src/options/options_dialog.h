@@ -23,14 +23,14 @@
 
 namespace orven {
 
-/// The list `CmbGreetsMessages`: greetings' names, and the one that is selected; empty for none.
+/// The list `CmbGreetsMessages`: the greetings' names and the selected one, empty for none.
 struct GreetingList {
   std::vector<std::string> names;
   std::string selected;
 };
 
-/// The toolbar `tlbrGreetingPlayer` of the options dialog: plays, makes and deletes greetings. A statement
-/// that fails leaves no trace. User-interface thread.
+/// The toolbar `tlbrGreetingPlayer` of the options dialog: plays, makes and deletes greetings. Failures are
+/// ignored. User-interface thread.
 class GreetingPlayer {
  public:
   struct Parts {
@@ -38,14 +38,14 @@ class GreetingPlayer {
     EventSounds& sounds;
     MessagePlayer& player;
     Dialogs& dialogs;
-    std::function<std::optional<std::string>()> add;  ///< opens the greeting creator; what it has saved
+    std::function<std::optional<std::string>()> add;  ///< opens the greeting creator; returns what was saved
     std::function<void()> refill_main;  ///< fills the main window's greeting box; its first is selected
     std::function<void(const std::string& name)> choose_default;
   };
 
   explicit GreetingPlayer(Parts parts) : parts_(std::move(parts)) {}
 
-  /// The library as it is now; `selected` when it is there, else the first one, is selected.
+  /// The library as it is now. The first greeting is selected when `selected` is missing.
   GreetingList Fill(const std::string& selected = {}) const;
 
   /// A button: "Play", "Stop", "Add", "Delete". Changes the list where the library changes.
@@ -58,8 +58,8 @@ class GreetingPlayer {
   Parts parts_;
 };
 
-/// The state of every control of the options dialog, under the controls' names. A number's text stays a
-/// text: what is no number is a matter of storing it.
+/// The state of every control of the options dialog, under the controls' names. Numbers are texts, because
+/// a person may type anything; Save checks them.
 struct OptionChoices {
   std::string cmbSilenceSec;  ///< seconds
   bool chkDropIfSilnce = false;
@@ -73,7 +73,7 @@ struct OptionChoices {
   bool chkWornClear = false;
   bool chkListMessagesOnly = false;
   bool chkPreScreen = false;
-  std::string cmbModemDev;        ///< a device's name, whether there is such a device or not
+  std::string cmbModemDev;        ///< a device's name; the device may be missing
   std::int32_t cmbSoundDev = -1;  ///< a card's number; -1 for none
   std::string CmbGreetsMessages;  ///< a greeting's name; empty for none
   bool chkAllowRemoteAccess = false;
@@ -96,16 +96,16 @@ inline constexpr std::int32_t kLoudestSilence = 100;
 /// Longest message in minutes whose seconds fit into 16 bits.
 inline constexpr std::int32_t kLongestMessage = 546;
 
-/// What changes in the dialog by itself while it is open.
+/// What changes in the open dialog without a person's action.
 class OptionsView {
  public:
   virtual ~OptionsView() = default;
-  /// How loud the call is whose message is being recorded, in thousandths of full scale; nothing while none
-  /// is recorded.
+  /// The level of the current call in thousandths of full scale; nothing when no caller is greeted or
+  /// recorded.
   virtual void ShowLevel(std::optional<std::int32_t> level) noexcept = 0;
-  /// The list `cmbSoundDev`: cards keep their places, new ones come at the end.
+  /// The list `cmbSoundDev`. Cards keep their places; new ones are added at the end.
   virtual void ShowSoundCards(const std::vector<std::string>& names) noexcept = 0;
-  /// Where messages are kept, and how far they have been moved; nothing when none are being moved.
+  /// The messages folder, and the progress while messages are being moved to it.
   virtual void ShowMessagesPath(const std::string& path,
                                 const std::optional<RelocationProgress>& moving) noexcept = 0;
 };
@@ -128,7 +128,7 @@ class OptionsDialog {
     const MessageMove& move;
     std::function<std::optional<std::int32_t>()> line_level;          ///< as ShowLevel takes it
     std::function<void(const std::string& greeting)> fill_greetings;  ///< of the main window's box
-    std::function<void(const std::string& folder)> move_messages;     ///< and stores where they are then
+    std::function<void(const std::string& folder)> move_messages;     ///< and stores the new folder
     std::function<void()> show_in_main;  ///< brings the main window's boxes and layout up to date
   };
 
@@ -150,17 +150,17 @@ class OptionsDialog {
   /// What a device can do, as labels with their values; the values are empty when there is no such device.
   std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
 
-  /// Whether the line is on with another device than this one: it stays so until it is opened anew.
+  /// Whether the line is open on another device. It stays open until it is turned off.
   bool AnotherLineIsOpen(const std::string& device) const;
 
-  /// Tells `view` from now on what changes by itself; nullptr when the dialog closes.
+  /// Keeps `view` up to date from now on; nullptr when the dialog closes.
   void Watch(OptionsView* view);
 
   /// `cmdBrowsMessagesPath`: asks for a folder and begins to move the messages there.
   void BrowsMessagesPath();
 
-  /// `cmdOK`: stores everything, and the next call uses it. What is no number is logged and keeps its
-  /// former value. An open line stays as it is.
+  /// `cmdOK`: stores everything; the next call uses it. A bad number is logged and its setting keeps its
+  /// value. An open line stays open.
   void Save(const OptionChoices& choices);
 
  private:
@@ -179,7 +179,7 @@ class OptionsDialog {
   void TellOfFailures(bool stored, bool autostart);
 
   Parts parts_;
-  std::unique_ptr<Timer> timer_;  ///< runs while somebody watches
+  std::unique_ptr<Timer> timer_;  ///< runs while there is a view
   OptionsView* view_ = nullptr;
   int ticks_ = 0;
 };

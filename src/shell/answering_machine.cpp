@@ -57,7 +57,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       views_(views) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&sequence);
-  // Not before the mails that are in the outbox by now, and when the start is over.
+  // Posted: these mails go after those already in the outbox, once the start is over.
   journal.SetMailListener(
       [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
@@ -121,7 +121,7 @@ std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
   return ports_.Wave1.InputLevel();
 }
 
-/// The owner's place among the messages stays visible while he listens by telephone.
+/// While the owner listens by telephone, the selection shows which message is playing.
 bool AnsweringMachine::SelectionTaken() {
   if (!call.in_progress || !call.remote_playback) return false;
   status.ShowStatus("Messages are played to the telephone: the selection stays on them");

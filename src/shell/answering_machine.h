@@ -60,8 +60,8 @@ struct EnginePorts {
   SoundCardNames& cards;
 };
 
-/// The engine, composed: all run-time state of the main window and the classes that work on it, in
-/// the order in which they need each other. It must outlive no port or view. User-interface thread.
+/// The composed engine: all run-time state of the main window and the classes that work on it, in the
+/// order of their dependencies. Ports and views must outlive it. User-interface thread.
 class AnsweringMachine {
  public:
   AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared);
@@ -103,8 +103,8 @@ class AnsweringMachine {
   CallRecovery recovery;
   CallSequence sequence;
 
-  /// What a greeting creator works with; `saved` hears of the greeting that it saved, when the program
-  /// knows of it.
+  /// What a greeting creator works with. `saved` is called with the name of the greeting that it saved, after
+  /// the program has made it the default.
   GreetingCreator::Parts ForGreetingCreator(std::function<void(const std::string& name)> saved);
 
   /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.

@@ -21,7 +21,7 @@ namespace orven {
 namespace {
 
 constexpr int kIconSize = 72;
-constexpr QSize kSize(640, 480);  // the licence's eighty letters a line fit
+constexpr QSize kSize(640, 480);  // wide enough for the 80 columns of the licence
 
 QString Name(const char* name) {
   return QString::fromLatin1(name);
@@ -36,7 +36,7 @@ QLabel* Text(const char* name, const QString& text, QWidget* parent) {
   return label;
 }
 
-/// Whole, as it is handed out with the program.
+/// The whole text, as distributed with the program.
 QString LicenceText() {
   QFile file(QStringLiteral(":/icons/LICENSE"));
   return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();

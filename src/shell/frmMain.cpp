@@ -106,7 +106,7 @@ void frmMain::AttachToolbars() {
   connect(Toolbar1_, &ButtonBar::ButtonClick, this, [this](const QString& key, bool down) {
     engine_->Commands().Toolbar1_ButtonClick(key.toStdString(), down);
     Toolbar1_->Find("OnOff")->defaultAction()->setChecked(
-        line_on_);  // the button shows what the line is, whatever the click asked for
+        line_on_);  // the button shows the line's state, not what was clicked
   });
   const std::pair<const char*, Dialog> dialogs[] = {{"Log", Dialog::frmLog},
                                                     {"Events", Dialog::frmEvents},
@@ -117,7 +117,7 @@ void frmMain::AttachToolbars() {
   }
 }
 
-/// Nothing can be done with the calls of an empty list.
+/// Disables the list's commands while the list is empty.
 void frmMain::OfferListCommands() {
   const bool any = ListView1_->model()->rowCount() > 0;
   for (const char* key : {"Save", "Delete", "Clear"}) Toolbar1_->Find(key)->defaultAction()->setEnabled(any);

@@ -13,23 +13,23 @@
 
 namespace orven {
 
-/// The main window. It shows what the engine tells it and hands over what a person does; it decides
-/// nothing. Every control's object name is its name in this program ("Toolbar1", "ListView1"); a
-/// toolbar's button is named "<toolbar>.<key>". User-interface thread.
+/// The main window. It shows what the engine tells it and passes on what a person does; it decides
+/// nothing. Each control's object name is its name in this program ("Toolbar1", "ListView1"); toolbar
+/// buttons are named "<toolbar>.<key>". User-interface thread.
 class frmMain : public QMainWindow, public WholeMainWindow {
   Q_OBJECT
 
  public:
   frmMain();
 
-  /// Connects the controls with the engine, once. The engine is made after the window, which is its
-  /// view, and lives until the window is no longer used.
+  /// Connects the controls to the engine; called once. The engine is created after the window, which is its
+  /// view, and must outlive every use of the window.
   void Attach(MainWindow& engine);
 
   /// The menu `mnuSystry`.
   QMenu& TrayMenu() { return menus_->Systry(); }
 
-  /// This window as every view but the caller view.
+  /// This window as each of the engine's views, except the caller view.
   MainWindowViews Views(CallerViewWindow& caller_view);
 
   // LineView
@@ -106,7 +106,7 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   MainMenus* menus_;
   MainWindow* engine_ = nullptr;
   bool line_on_ = false;
-  bool minimised_ = false;  ///< and nobody but a person brings it back
+  bool minimised_ = false;  ///< and only a person brings it back
 };
 
 }  // namespace orven

@@ -10,7 +10,7 @@
 namespace orven {
 namespace {
 
-/// A greeting's name may be long; the box does not grow with it.
+/// The box does not grow with long greeting names.
 constexpr int kGreetingCharacters = 12;
 constexpr int kLeastGreetingWidth = 70;  // pixels; the rest of the toolbar needs its room first
 constexpr int kButtonIcon = 16;
@@ -27,7 +27,7 @@ void Fill(QComboBox& box, const std::vector<std::string>& texts) {
   for (const auto& text : texts) box.addItem(QString::fromStdString(text));
 }
 
-/// The clock changes once a second: a label of fixed size repaints itself and nothing around it.
+/// The clock changes every second; a label of fixed size repaints only itself.
 void SetFixedText(QLabel& label, const QString& text) {
   if (label.text() == text) return;
   label.setText(text);
@@ -87,7 +87,7 @@ void QuickOptionBar::AddRings() {
 }
 
 bool QuickOptionBar::eventFilter(QObject* box, QEvent* event) {
-  // The wheel over a box that nobody has chosen must not change what callers hear.
+  // Scrolling over a box that does not have the focus must not change what callers hear.
   const auto* widget = qobject_cast<QWidget*>(box);
   const bool stray = event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus();
   if (stray) event->ignore();
@@ -112,7 +112,7 @@ void QuickOptionBar::FillGreetings(const std::vector<std::string>& names, const 
 MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddPanel(1)) {
   setObjectName(QStringLiteral("StatusBar1"));
   status_->setAccessibleName(tr("Line status"));
-  // However long a device's name is, the clock stays in sight.
+  // A long device name must not push the clock out of sight.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
 

@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings,
-/// whether messages are recorded. Its signals are a person's choices only.
+/// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings, and
+/// whether messages are recorded. Only a person's choices emit its signals.
 class QuickOptionBar : public ButtonBar {
   Q_OBJECT
 
@@ -45,7 +45,7 @@ class QuickOptionBar : public ButtonBar {
   QCheckBox* record_ = nullptr;
 };
 
-/// The status bar `StatusBar1`: what the line is doing, `Check1`, the time and the date.
+/// The status bar `StatusBar1`: the line's status, `Check1`, the time and the date.
 class MainStatusBar : public QStatusBar {
   Q_OBJECT
 

@@ -21,20 +21,20 @@ namespace {
 constexpr std::uint32_t kGridLines = 0x1;       // LVS_EX_GRIDLINES
 constexpr std::uint32_t kFullRowSelect = 0x20;  // LVS_EX_FULLROWSELECT
 
-/// The stored widths are meant for a font whose average character is this wide.
+/// The stored column widths assume a font whose average character is this wide, in pixels.
 constexpr int kStoredCharacterWidth = 5;
 
 constexpr int kLeastColumn = 60;  // pixels, for the column that takes what is left
 constexpr int kRowPadding = 10;
 
-/// A quarter of an hour, as a recording is measured.
+/// The length of a recording of 15 minutes, as the column shows it.
 constexpr const char* kLongLength = "900.00";
 constexpr const char* kLengthHeader = "Length";
 
 constexpr int kPictureSize = 16;
-constexpr int kNumberPadding = 8;  // right of what stands at its column's right edge
+constexpr int kNumberPadding = 8;  // right of right-aligned text
 
-/// Paints a cell: the picture in the middle of its column, the selection as far as the style says.
+/// Paints a cell: the picture centred, the selection across one cell or the row as the style says.
 class CallDelegate : public QStyledItemDelegate {
  public:
   CallDelegate(CallListWidget* list, const std::uint32_t& style)
@@ -52,7 +52,7 @@ class CallDelegate : public QStyledItemDelegate {
     style.drawControl(QStyle::CE_ItemViewItem, &cell, painter, &list_);
   }
 
-  /// A text that its column cuts is shown whole.
+  /// Shows the whole of a text that its column cuts.
   bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                  const QModelIndex& index) override {
     const auto text = index.data().toString();
@@ -72,7 +72,7 @@ class CallDelegate : public QStyledItemDelegate {
   }
 
  private:
-  /// The keyboard works elsewhere.
+  /// Shows that the list does not have the focus.
   static void PaleHighlight(QPalette& palette) {
     const auto strong = palette.color(QPalette::Highlight);
     const auto base = palette.color(QPalette::Base);
@@ -86,7 +86,7 @@ class CallDelegate : public QStyledItemDelegate {
     const QSize size(kPictureSize, kPictureSize);
     auto picture = cell.icon.pixmap(size, list_.devicePixelRatioF());
     if (cell.state.testFlag(QStyle::State_Selected)) {
-      // The picture's own colours would be lost on the highlight; its shape tells enough.
+      // On the highlight the picture's own colours are hard to see, so only its shape is drawn.
       const auto group = cell.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
       QPainter tint(&picture);
       tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
@@ -109,7 +109,7 @@ CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(Mak
   setSelectionMode(SingleSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
-  setAutoScroll(false);  // the program selects without scrolling
+  setAutoScroll(false);  // selecting by the program does not scroll
   setTabKeyNavigation(false);
   setCornerButtonEnabled(false);
   setWordWrap(false);
@@ -214,7 +214,7 @@ void CallListWidget::selectionChanged(const QItemSelection& selected, const QIte
 
 QItemSelectionModel::SelectionFlags CallListWidget::selectionCommand(const QModelIndex& index,
                                                                      const QEvent* event) const {
-  // A row stays selected until another is; dragging the mouse across the rows selects none.
+  // A row stays selected until another is selected; dragging the mouse selects nothing.
   if (!index.isValid() || (event != nullptr && event->type() == QEvent::MouseMove)) {
     return QItemSelectionModel::NoUpdate;
   }
@@ -226,10 +226,9 @@ void CallListWidget::keyPressEvent(QKeyEvent* event) {
     if (SelectedRow() > 0) QApplication::clipboard()->setText(model_->RowText(SelectedRow() - 1));
     return;
   }
-  // Searching for what is typed would read every row there is.
+  // Qt would search the typed text in every row, which reads all records.
   if (!event->text().isEmpty() && event->text().front().isPrint()) return event->ignore();
-  // A list that has the focus and no selection has a current row all the same, which nobody sees: the
-  // arrows begin at the top.
+  // Without a selection Qt still has an invisible current row; clear it so that the arrows begin at the top.
   if (SelectedRow() == 0) selectionModel()->clearCurrentIndex();
   QTableView::keyPressEvent(event);
 }
@@ -245,12 +244,12 @@ void CallListWidget::mousePressEvent(QMouseEvent* event) {
 }
 
 void CallListWidget::mouseMoveEvent(QMouseEvent* event) {
-  // Dragging selects nothing, so it must not take the keyboard's place along either.
+  // Dragging selects nothing, so it must not move the current row either.
   if (event->buttons() == Qt::NoButton) QTableView::mouseMoveEvent(event);
 }
 
 void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  // The first click may have brought in other rows.
+  // The first click may have made the list reload its rows.
   const bool same_call = pressed_.IsSameCall(CallAt(*event));
   QTableView::mouseDoubleClickEvent(event);
   if (event->button() == Qt::LeftButton && same_call) emit DoubleClicked();
@@ -258,7 +257,7 @@ void CallListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void CallListWidget::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() != QContextMenuEvent::Keyboard) return;  // pressing the button has opened it
+  if (event->reason() != QContextMenuEvent::Keyboard) return;  // the button press has opened it already
   const QScopedValueRollback keyboard(by_keyboard_, true);
   emit MenuWanted();
 }

@@ -9,8 +9,8 @@
 
 namespace orven {
 
-/// The call list `ListView1`. Its signals are a person's doing only: what the program shows through
-/// the methods below raises none. Row indexes are 1-based.
+/// The call list `ListView1`. Only a person's actions emit its signals; the methods below emit none. Row
+/// indexes are 1-based.
 class CallListWidget : public QTableView {
   Q_OBJECT
 
@@ -33,13 +33,12 @@ class CallListWidget : public QTableView {
   void SetStyleBits(std::uint32_t mask, std::uint32_t style);
   std::uint32_t StyleBits() const { return style_; }
 
-  /// Where a menu for the selected call belongs, on the screen: at the mouse, or at the row when the
-  /// menu was asked for by the keyboard.
+  /// Screen position for the selected call's menu: at the mouse, or at the row when the keyboard opens it.
   QPoint MenuPosition() const;
 
  signals:
   void Selected(int row);
-  /// A mouse button went down, after the call below it was selected; not where that was refused.
+  /// A mouse button went down and the call below it is selected now. Not emitted when that was refused.
   void MouseDown();
   void DoubleClicked();
   void MenuWanted();
@@ -67,7 +66,7 @@ class CallListWidget : public QTableView {
   std::vector<CallColumn> columns_;
   std::uint32_t style_ = 0;
   bool by_program_ = false;   ///< the selection is being changed by the program
-  bool by_keyboard_ = false;  ///< the menu was asked for by the keyboard
+  bool by_keyboard_ = false;  ///< the menu is opened by the keyboard
 };
 
 }  // namespace orven

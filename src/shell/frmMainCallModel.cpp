@@ -97,7 +97,7 @@ const CallRow& CallModel::Row(int row) const {
   try {
     read = source_(row + 1);
   } catch (const std::exception&) {
-    // The records log what goes wrong with them; a row that cannot be read is shown empty.
+    // The records have logged the failure; a row that cannot be read is shown empty.
   }
   return shown_.emplace(row, std::move(read)).first->second;
 }

@@ -11,14 +11,14 @@
 
 namespace orven {
 
-/// The call list as Qt's views see it. It keeps no rows but a few hundred that were shown last: each
-/// is asked for when it is painted, so that nothing takes longer for a long list. Rows of the
-/// interface are 1-based, those of the model 0-based.
+/// The call list as a Qt model. It caches only the few hundred rows shown last and reads a row when it is
+/// painted, so that long lists are as fast as short ones. Rows of the interface are 1-based, those of the
+/// model 0-based.
 class CallModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  /// Gives row `index`; may throw, which shows an empty row.
+  /// Returns row `index`. When it throws, an empty row is shown.
   using RowSource = std::function<CallRow(std::int32_t index)>;
 
   using QAbstractTableModel::QAbstractTableModel;

@@ -32,7 +32,7 @@ qsizetype FreeLetter(const QString& text, const QSet<QChar>& taken) {
 
 }  // namespace
 
-/// One command, or a separator where it has no name. Captions are the untranslated ones.
+/// One command, or a separator when it has no name. Captions are untranslated.
 struct MainMenus::Item {
   const char* name = nullptr;
   const char* caption = nullptr;
@@ -140,7 +140,7 @@ void MainMenus::AddShortcuts(QWidget& list) {
   Find("mnuStop")->setShortcut(QKeySequence(Qt::Key_Escape));
   Find("mnuContents")->setShortcut(QKeySequence::HelpContents);
 
-  // Elsewhere these keys press buttons, move in boxes and delete letters.
+  // In other controls these keys press buttons, move in boxes and delete letters.
   Find("mnuDelete")->setShortcut(QKeySequence::Delete);
   Find("mnuPlay")->setShortcuts({Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter});
   Find("mnuFirst")->setShortcut(Qt::Key_Home);

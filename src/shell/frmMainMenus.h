@@ -12,16 +12,16 @@
 
 namespace orven {
 
-/// The menu bar, the list's two context menus and the tray's menu of the main window. Every action and
-/// menu is a child of the window, named as the command.
+/// The main window's menu bar, the list's two context menus and the tray menu. Every action and menu is a
+/// child of the window and has the command's name.
 class MainMenus : public QObject {
   Q_OBJECT
 
  public:
-  /// `list` is where the keys that play, delete and move in the list work.
+  /// The keys that play, delete and move work only in `list`.
   MainMenus(QMainWindow& window, QWidget& list);
 
-  /// Connects the commands: those that duplicate a button press it.
+  /// Connects the commands. A command that has a toolbar button presses the button.
   void Attach(MainWindow& engine, const ButtonBar& Toolbar1, const ButtonBar& ToolBarPlayer);
 
   /// Which of `mnuOn` and `mnuOff` can be chosen.
@@ -49,8 +49,8 @@ class MainMenus : public QObject {
   QMenu* systry_ = nullptr;
 };
 
-/// Gives each action of one menu that has no accelerator yet one that no other action there has: a
-/// word's first letter where that is free, else any letter. Texts may be in any language.
+/// Gives each action of a menu an accelerator of its own, unless it has one: the first free initial of its
+/// words, else any free letter. Texts may be in any language.
 void AssignMnemonics(const QList<QAction*>& actions);
 
 }  // namespace orven

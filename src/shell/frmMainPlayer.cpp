@@ -14,7 +14,7 @@
 namespace orven {
 namespace {
 
-/// "1:05"; a message that has begun its last second is shown at its full length.
+/// "1:05". Rounded, so that a message in its last second shows its full length.
 QString Minutes(std::chrono::milliseconds time) {
   const auto seconds = std::chrono::round<std::chrono::seconds>(time).count();
   return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
@@ -24,7 +24,7 @@ QString Minutes(std::chrono::milliseconds time) {
 
 SeekSlider::SeekSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
   connect(this, &QSlider::sliderReleased, this, [this] { emit Sought(value()); });
-  // The keyboard and the wheel: the position is set already, the value follows.
+  // Keyboard and wheel: the position is already set, the value follows.
   connect(this, &QSlider::actionTriggered, this, [this] {
     if (!isSliderDown()) emit Sought(sliderPosition());
   });
@@ -44,7 +44,7 @@ void SeekSlider::Enable(bool on) {
 
 void SeekSlider::mousePressEvent(QMouseEvent* event) {
   const auto point = event->position().toPoint();
-  // With its handle brought below the mouse, a click anywhere is the beginning of a drag.
+  // Moving the handle below the mouse makes a click anywhere the start of a drag.
   if (event->button() == Qt::LeftButton && !IsOnHandle(point)) setValue(ValueAt(point));
   QSlider::mousePressEvent(event);
 }

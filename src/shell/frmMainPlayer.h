@@ -12,21 +12,20 @@
 
 namespace orven {
 
-/// A slider that says where in a sound we are, and that a person can move: a click on its groove goes
-/// there at once, dragging when it is let go.
+/// A slider for the position in a message. A click on its groove seeks at once, a drag when it is released.
 class SeekSlider : public QSlider {
   Q_OBJECT
 
  public:
   explicit SeekSlider(QWidget* parent);
 
-  /// Sets it for the program, unless a person holds it.
+  /// Shows a position, unless a person is dragging the slider.
   void ShowValue(int value);
-  /// A slider that is disabled is let go.
+  /// Disabling also ends a drag.
   void Enable(bool on);
 
  signals:
-  /// A person wants the sound to go on from `value`.
+  /// A person seeks to `value`.
   void Sought(int value);
 
  protected:
@@ -37,8 +36,7 @@ class SeekSlider : public QSlider {
   bool IsOnHandle(QPoint point) const;
 };
 
-/// The player of messages: `ToolBarPlayer`, the message's picture above `Slider1`, and the clock
-/// beside them.
+/// The message player: `ToolBarPlayer`, the waveform above `Slider1`, and the times beside them.
 class PlayerPanel : public QWidget {
   Q_OBJECT
 

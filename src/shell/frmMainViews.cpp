@@ -121,7 +121,7 @@ void frmMain::Minimise() noexcept {
 }
 
 void frmMain::Restore() noexcept {
-  minimised_ = false;  // the program brings it back, no person
+  minimised_ = false;  // it is the program that restores it, not a person
   showNormal();
   raise();
   activateWindow();

@@ -17,7 +17,7 @@
 
 namespace orven {
 
-/// The program's windows that the main window opens.
+/// The dialogs that the main window opens.
 enum class Dialog { frmLog, frmEvents, frmActions, frmOptions, frmGreetC, frmAbout };
 
 /// Opens the main window's dialogs, modally. User-interface thread.
@@ -25,15 +25,15 @@ class DialogFactory {
  public:
   virtual ~DialogFactory() = default;
 
-  /// Whether this program has that dialog; commands for one that it lacks are disabled.
+  /// Whether this program has the dialog. Commands for a missing one are disabled.
   virtual bool Offers(Dialog dialog) const = 0;
 
   /// Opens it on the tab with this 0-based index; dialogs without tabs ignore it.
   virtual void Open(Dialog dialog, int tab) = 0;
 };
 
-/// What a person's choice on the quick-option toolbar changes: the setting, and what the next step of
-/// a call does. User-interface thread.
+/// Stores what a person chooses on the quick-option toolbar; the next step of a call uses it. User-interface
+/// thread.
 class QuickOptions {
  public:
   QuickOptions(SettingsStore& store, SystemLog& log, Settings& settings, SharedOptions& shared)
@@ -55,7 +55,7 @@ class QuickOptions {
   SharedOptions& shared_;
 };
 
-/// The greetings as the quick-option toolbar handles them. User-interface thread.
+/// What the buttons of the quick-option toolbar do with greetings. User-interface thread.
 class GreetingCommands {
  public:
   GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
@@ -65,15 +65,14 @@ class GreetingCommands {
   /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
   void Fill(const std::string& selected);
 
-  /// Plays the file that is named as the text in `cmbDefGreet`, exactly. A greeting's file has ".wav"
-  /// besides: where there is no such file, the status bar says where greetings are played.
+  /// Plays the file whose name is exactly the text in `cmbDefGreet`. Greeting files also have ".wav", so
+  /// there usually is no such file; the status bar then says where greetings can be played.
   void Play();
 
-  /// Stops whatever the sound card plays.
+  /// Stops what the sound card plays.
   void Stop();
 
-  /// Deletes the file that is named as the text in `cmbDefGreet`, exactly as Play plays it and without
-  /// asking; then fills the box again.
+  /// Deletes the file that Play would play, without asking, and fills the box again.
   void Delete();
 
  private:
@@ -92,9 +91,8 @@ inline constexpr const char* kStartPage = "index";
 inline constexpr const char* kGreetingsPage = "greetings";
 inline constexpr const char* kSoundsPage = "sounds";
 
-/// What the main window's toolbars, menus and list do. The window calls these; each acts on the
-/// selected row where it needs one. A handler that fails leaves no trace and ends nothing.
-/// User-interface thread.
+/// The commands of the main window's toolbars and menus; those about a call act on the selected row. A
+/// command that fails is ignored. User-interface thread.
 class MainCommands {
  public:
   struct Parts {
@@ -128,7 +126,7 @@ class MainCommands {
   void OpenDialog(Dialog dialog, int tab = 0);
   bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
 
-  /// Opens a page of the guide with the desktop's browser; a box says when there is none.
+  /// Opens a page of the guide in the desktop's browser; a box tells when there is none.
   void ShowPage(const std::string& page);
 
  private:

@@ -168,7 +168,7 @@ bool MainWindow::Unload() {
   CloseOtherWindows();
   StopSounds();
   machine_.line.CloseLine(machine_.settings.Modem);
-  // A call that ended with the line has announced itself once more.
+  // A call that ended with the line has opened the caller view and played a sound again.
   CloseOtherWindows();
   StopSounds();
   machine_.calls.FileWaitingCalls();

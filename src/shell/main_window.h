@@ -36,28 +36,27 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   /// `mnuHide`: minimises the window and hides it.
   void Hide();
 
-  /// `mnuOpen`: shows the window again; the icon goes on blinking if it does.
+  /// `mnuOpen`: shows the window again. A blinking icon goes on blinking.
   void Open();
 
-  /// The shell's mouse message (514 the left button was released, 517 the right one) as the X
-  /// coordinate of a mouse move in twips.
+  /// A mouse event over the tray icon: its message number (514 left button up, 517 right button up) arrives
+  /// as the X coordinate of a mouse move, in twips.
   void TrayMouseMove(double x, double twips_per_pixel);
 
-  /// A person has brought the window back without the tray (where it could only be minimised).
+  /// A person has restored the window without the tray, because it was only minimised.
   void CameBack();
 
-  /// The window has become the active one, or another has. Calls that another program has added to an empty
-  /// list are shown; rows that a person may be about to click stay where they are.
+  /// The window became active or inactive. An empty list is read again, because another program may have
+  /// added calls; other lists stay as they are, so that no row moves under the mouse.
   void ActivationChanged();
 
-  /// Tells the person at the desk in a box what happened to the records or the settings, as soon as nothing
-  /// else runs, and shows the records that there are.
+  /// Posted: shows the records that are left, and a message box about what happened to records or settings.
   void TellOfLoss(const std::string& text);
 
   /// `Check1` was clicked.
   void ChangeGridLines();
 
-  /// An exit command has been carried out; nothing is left to wait for.
+  /// The exit is complete.
   bool Ended() const { return ended_; }
 
   AnsweringMachine& Machine() { return machine_; }
@@ -89,7 +88,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
   std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
   Lifeline lifeline_;
-  bool tray_missed_ = false;  ///< there was no notification area at the latest look
+  bool tray_missed_ = false;  ///< there was no notification area at the last check
   bool loaded_ = false;
   bool exiting_ = false;
   bool ended_ = false;

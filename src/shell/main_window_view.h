@@ -13,8 +13,7 @@
 
 namespace orven {
 
-/// The boxes of the quick-option toolbar. Filling or selecting through these is not a person's
-/// choice and calls nothing back.
+/// The boxes of the quick-option toolbar. Filling or selecting through these calls nothing back.
 class QuickOptionBoxes {
  public:
   virtual ~QuickOptionBoxes() = default;
@@ -29,12 +28,12 @@ class QuickOptionBoxes {
   virtual void ShowRecordMessage(bool on) noexcept = 0;
 };
 
-/// The window itself: what start-up, the tray and exit do to it.
+/// The window itself, for start-up, tray and exit.
 class WindowFrame : public PlacedWindow {
  public:
   enum class Toolbar { Toolbar1, ToolBarPlayer, TBQuickOption };
 
-  /// Style bits of a toolbar's child window; TBSTYLE_FLAT (0x800) is the one that can be seen.
+  /// Style bits of a toolbar's window. Only TBSTYLE_FLAT (0x800) has a visible effect.
   virtual std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept = 0;
   virtual void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept = 0;
 
@@ -71,7 +70,7 @@ class ClockPanels {
   virtual void ShowClock(const std::string& time, const std::string& date) noexcept = 0;
 };
 
-/// All of the main window that the engine talks to.
+/// All views of the main window.
 struct MainWindowViews {
   LineView& line;
   QuickOptionBoxes& boxes;

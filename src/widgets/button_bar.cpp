@@ -30,7 +30,7 @@ QToolButton* ButtonBar::AddButton(const Button& button) {
   widget->setObjectName(objectName() + u'.' + key);
   widget->setAccessibleName(button.caption.trimmed());
   widget->setAccessibleDescription(button.tip);
-  widget->setFocusPolicy(Qt::TabFocus);  // a toolbar leaves its buttons to the mouse
+  widget->setFocusPolicy(Qt::TabFocus);  // by default toolbar buttons cannot be reached by Tab
   widget->setAutoRaise((style_ & kFlat) != 0);
   return widget;
 }

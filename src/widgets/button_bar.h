@@ -7,8 +7,8 @@
 
 namespace orven {
 
-/// A toolbar whose buttons have keys. A command that duplicates a button presses the button, so that
-/// one handler serves both. Each QToolButton is named "<toolbar>.<key>".
+/// A toolbar whose buttons have keys. A menu item that does the same presses the button, so that one
+/// handler serves both. Each QToolButton is named "<toolbar>.<key>".
 class ButtonBar : public QToolBar {
   Q_OBJECT
 
@@ -21,7 +21,7 @@ class ButtonBar : public QToolBar {
     const char* icon;
   };
 
-  /// `name` is the object's name, `title` what it is called by.
+  /// `name` is the object name, `title` the name that a person reads.
   ButtonBar(const QString& name, const QString& title, QWidget* parent);
 
   QToolButton* AddButton(const Button& button);
@@ -29,8 +29,8 @@ class ButtonBar : public QToolBar {
   /// The button with this key; there must be one.
   QToolButton* Find(const char* key) const;
 
-  /// Window style bits of the toolbar. Of these TBSTYLE_FLAT (0x800) is seen: flat buttons have no
-  /// frame until the mouse is over them.
+  /// Window style bits of the toolbar. Only TBSTYLE_FLAT (0x800) has an effect: flat buttons have no frame
+  /// until the mouse is over them.
   std::uint32_t Style() const { return style_; }
   void SetStyle(std::uint32_t style);
 

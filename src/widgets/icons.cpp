@@ -5,7 +5,7 @@
 #include <QStandardPaths>
 #include <algorithm>
 
-/// The pictures are linked in with a library, whose resources nobody would register otherwise.
+/// Resources of a static library are not registered automatically.
 static void RegisterPictures() {
   Q_INIT_RESOURCE(orven_icons);
 }
@@ -22,7 +22,7 @@ bool IsInstalled(const QString& theme) {
   });
 }
 
-/// Not every platform of Qt knows where a desktop keeps its icons.
+/// Some platform plugins of Qt do not know where a desktop keeps its icons.
 void AddSearchPaths() {
   auto paths = QIcon::themeSearchPaths();
   const auto shared = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),

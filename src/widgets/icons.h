@@ -6,8 +6,7 @@
 
 namespace orven {
 
-/// Chooses the icon theme that goes with a light or a dark window, where it is installed. Icons that
-/// exist already follow by themselves.
+/// Chooses the installed icon theme for a light or a dark window. Existing icons follow by themselves.
 void UseIconTheme(const QPalette& palette);
 
 /// An icon of the theme, with its Freedesktop name; null when the theme has none.

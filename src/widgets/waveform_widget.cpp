@@ -16,11 +16,11 @@ constexpr double kBarWidth = 2;
 constexpr double kBarGap = 1;
 constexpr double kPositionWidth = 1;
 
-/// How strongly what has not been played yet is drawn, 0 to 1.
+/// Opacity of the part that has not been played yet, 0 to 1.
 constexpr double kUnplayedStrength = 0.5;
 constexpr double kBaselineStrength = 0.35;
 
-/// A message that is quieter than this is not blown up to the full height: silence stays flat.
+/// Quieter messages are not scaled up to the full height, so that silence stays flat.
 constexpr float kLeastLoudness = 0.1F;
 
 int Round(double value) {
@@ -100,7 +100,7 @@ void WaveformWidget::PaintBars(QPainter& painter, QRect area, double scale) cons
 }
 
 void WaveformWidget::paintEvent(QPaintEvent* /*event*/) {
-  // In the screen's own pixels every edge is sharp, at any scaling.
+  // Painting in device pixels keeps edges sharp at any scale.
   const double scale = devicePixelRatioF();
   QPainter painter(this);
   painter.scale(1 / scale, 1 / scale);

@@ -9,8 +9,8 @@
 
 namespace orven {
 
-/// A message as a picture, with the place in it that is being played. Without a message it shows a
-/// quiet line. A click or a drag in it asks to go on from there.
+/// Draws a message's waveform with the position that is being played; without a message, a flat line. A click
+/// or a drag seeks.
 class WaveformWidget : public QWidget {
   Q_OBJECT
 
@@ -21,11 +21,11 @@ class WaveformWidget : public QWidget {
   /// How far it has been played; a length of 0 when nothing plays.
   void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length);
 
-  /// Pixels left free at both ends, so that the picture stands above a slider's way.
+  /// Pixels left free at both ends, so that the waveform lines up with a slider's range.
   void SetInset(int pixels);
 
  signals:
-  /// A person wants the message to go on from this part of it, 0 to 1.
+  /// A person seeks to this part of the message, 0 to 1.
   void Sought(double part);
 
  protected:

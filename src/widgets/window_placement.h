@@ -12,13 +12,13 @@ namespace orven {
 /// Twips in one pixel at 96 dots an inch: 1440 / 96.
 inline constexpr int kTwipsPerPixel = 15;
 
-/// Room for the frame that the desktop puts around a window, which is not known before it is shown.
+/// Room for the desktop's window frame, whose size is unknown before the window is shown.
 inline constexpr QSize kWindowFrame{8, 32};
 
-/// Where a window goes that was stored with this geometry, in pixels: where it was when all of it can
-/// be seen there, on one screen or across several; else whole onto the screen that shows most of it, or
-/// is nearest, never larger than that. It is never smaller than `least`. `screens` are
-/// the usable parts of the screens, the main one first. Any numbers are allowed in `stored`.
+/// Where to show a window with this stored geometry, in pixels. A window that is fully visible there, on one
+/// screen or across several, stays. Any other is moved onto the screen that shows most of it, or the nearest
+/// one, and made no larger than that screen. It is never smaller than `least`. `screens` are the usable areas
+/// of the screens, the main one first. `stored` may hold any numbers.
 QRect FitOnScreens(const WindowGeometry& stored, QSize least, const QList<QRect>& screens);
 
 }  // namespace orven

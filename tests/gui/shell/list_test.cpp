@@ -9,7 +9,7 @@
 #include <QScrollBar>
 #include <QToolTip>
 
-#include "records/call_fields.h"
+#include "records/call.h"
 #include "support/desk/desk.h"
 
 namespace orven::test {

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScreen>
 #include <QSet>
 #include <QTableView>

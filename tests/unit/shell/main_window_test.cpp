@@ -69,6 +69,7 @@ TEST_F(MainWindowTest, WithoutADeviceTheButtonComesBackUpAndAnExitDuringTheBoxEn
   EXPECT_FALSE(views.line_on);
   EXPECT_EQ(views.Status(), "Off Mode");
   world.Crash();
+  world.registry.Set("Modem", "3");
   views.shown = false;
   world.dialogs.while_open = [&] { world.window->Exit(); };
   world.Start();
