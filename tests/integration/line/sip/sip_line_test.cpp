@@ -105,29 +105,21 @@ TEST_F(SipLineTest, ClosingHangsUpAndTheLineOpensAgain) {
 }
 
 TEST_F(SipLineTest, OpeningSaysWhatIsWrongAndCanBeRepeated) {
-  line = MakeSipLine(settings);
   for (const auto& make : {Socket::Udp, Socket::TcpListening}) {
     const Socket taken = make(port);
-    EXPECT_EQ(line->Open(events), kTelephonyLineInUse);
-    EXPECT_NE(line->LastError().find(settings.listen), std::string::npos) << line->LastError();
+    ExpectFailure(kTelephonyLineInUse, settings.listen);
   }
   EXPECT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
   for (const char* listen : {"here", "127.0.0.1:99999", "203.0.113.7:5999"}) {
     settings.listen = listen;
-    line = MakeSipLine(settings);
-    EXPECT_EQ(line->Open(events), kTelephonyDeviceFailed) << listen;
-    EXPECT_NE(line->LastError().find(listen), std::string::npos) << line->LastError();
+    ExpectFailure(kTelephonyDeviceFailed, listen);
   }
 }
 
 TEST_F(SipLineTest, InvitesAreTakenWhereTheyCanBeAndElseRefused) {
   OpenLine();
   const std::string multipart = "multipart/mixed;boundary=b\r\n\r\n--b\r\n";
-  const struct {
-    std::string from;
-    std::string to;
-    std::string status;
-  } kRows[] = {
+  const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"From:", "X:", "400"},
       {"To:", "X:", "400"},
       {"Call-ID:", "X:", "400"},
@@ -147,12 +139,12 @@ TEST_F(SipLineTest, InvitesAreTakenWhereTheyCanBeAndElseRefused) {
       {"application/sdp\r\nContent-Length:", multipart + "Content-Type: text/plain\r\nX:", "415"},
       {"RTP/AVP 0", "RTP/AVP 18", "488"},
   };
-  for (const auto& row : kRows) {
+  for (const auto& [from, to, status] : kRows) {
     SipCaller eve(port);
     std::string text = eve.Text("INVITE", "application/sdp", eve.Sdp("0"));
-    eve.Send(text.replace(text.find(row.from), row.from.size(), row.to));
-    EXPECT_NE(eve.Take(row.status, milliseconds(2000)), "") << row.from << " as " << row.to.substr(0, 50);
-    if (row.status[0] == '1')
+    eve.Send(text.replace(text.find(from), from.size(), to));
+    EXPECT_NE(eve.Take(status, milliseconds(2000)), "") << from << " as " << to.substr(0, 50);
+    if (status[0] == '1')
       Play("Ring " + std::to_string(call + 1) + " 1,drop 1,Idle " + std::to_string(call + 1));
   }
   Play(Connected(std::to_string(call + 1)) + "hears,> BYE,< 200");

@@ -118,6 +118,12 @@ class SipLineTest : public ::testing::Test {
     ASSERT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
   }
 
+  void ExpectFailure(std::int32_t result, const std::string& reason) {
+    line = MakeSipLine(settings);
+    EXPECT_EQ(line->Open(events), result);
+    EXPECT_NE(line->LastError().find(reason), std::string::npos) << line->LastError();
+  }
+
   /// Plays steps, separated by commas: "> INVITE" and "< 180" are what the caller sends and waits for (">
   /// INVITE 8 sendonly" has that codec and direction), "answer 7" and "drop 7" are our requests, "caller 2"
   /// is another caller from here, "hears" and "deaf 300" tell whether RTP comes (in 300 ms). All else is an

@@ -67,22 +67,19 @@ class Stream {
 };
 
 TEST(JitterBufferTest, PlaysPacketsInOrderAndConcealsLossForItsLength) {
-  const struct {
-    const char* script;
-    const char* heard;
-    int waiting;  ///< blocks at the end
-  } kRows[] = {
+  // The blocks that are heard unchanged, and how many wait at the end.
+  const std::tuple<const char*, const char*, int> kRows[] = {
       // Disorder, doubles and late packets; the network stalls, then brings everything at once.
       {"a.c.b.b.e.d.f.f.a......ghijkl", "abcdefhijkl", 6},
       {"a.b.c.d.e.f.g.h...k.l.m.n.o.p.q.r.s.t.", "abcdefghlmnopqrst", 2},
       {".-abcd....", "cd", 0},
       {"a.b.c.d.e.f.g.h.i.j.|k.l.m.n.o.p.q.r.s.t.", "abcdefghijklmnopqrst", 2},
   };
-  for (const auto& row : kRows) {
+  for (const auto& [script, heard, waiting] : kRows) {
     Stream stream;
-    stream.Play(row.script);
-    EXPECT_EQ(stream.Drain(), row.waiting) << row.script;
-    EXPECT_EQ(stream.heard, row.heard) << row.script;
+    stream.Play(script);
+    EXPECT_EQ(stream.Drain(), waiting) << script;
+    EXPECT_EQ(stream.heard, heard) << script;
   }
 }
 
@@ -147,11 +144,7 @@ TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeys) {
   const std::string both = other + "|a=crypto:2 " + kSuite32 + kKey + "|a=crypto:3 " + kSuite80 + kKey;
   const std::string agreed_savp = one + " sends receives: 4000 RTP/SAVP 0" + chosen;
   constexpr auto kNever = SrtpUse::kNever, kIfOffered = SrtpUse::kIfOffered, kRequired = SrtpUse::kRequired;
-  const struct {
-    SrtpUse use;
-    std::string offer;
-    std::string result;
-  } kRows[] = {
+  const std::tuple<SrtpUse, std::string, std::string> kRows[] = {
       {kNever, "m=audio 9 RTP/AVP 18 8 0 101" + keys,
        "127.0.0.1:9 8+101 sends receives: 4000 RTP/AVP 8 0 101"},
       {kNever, "m=audio 9 RTP/AVPF 96 97|a=rtpmap:96 pcmu/8000|a=rtpmap:97 PCMA/8000",
@@ -181,9 +174,9 @@ TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeys) {
       {kRequired, savp + both, agreed_savp},
       {kRequired, savp + other, "refused"},
   };
-  for (const auto& row : kRows) {
-    MediaNegotiation negotiation = Negotiation(row.use);
-    EXPECT_EQ(Read(negotiation, row.offer), row.result) << row.offer;
+  for (const auto& [use, offer, result] : kRows) {
+    MediaNegotiation negotiation = Negotiation(use);
+    EXPECT_EQ(Read(negotiation, offer), result) << offer;
   }
 }
 
@@ -249,16 +242,10 @@ TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
 TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
   const std::string_view from = "\"From\" <sip:1@h>;tag=x", ann = "\"Ann\" <sip:1@h>";
   const std::string_view anonymous = "<sip:anonymous@anonymous.invalid>", office = "\"Office\" <sip:777@h>";
-  const struct {
-    std::vector<std::string_view> asserted;
-    std::string_view from;
-    std::string_view privacy;
-    std::string_view caller;
-  } kRows[] = {
-      {{},
-       R"("Ann \"A\" O'Neil, <x>" <sip:%2B49301;phone-context=d@h:5060>)",
-       "",
-       "Ann \"A\" O'Neil, <x>|+49301"},
+  using Text = std::string_view;
+  // P-Asserted-Identity, From, Privacy, and the name and number read from them.
+  const std::tuple<std::vector<Text>, Text, Text, Text> kRows[] = {
+      {{}, R"("A \"B\" O'C, <x>" <sip:%2B49301;phone-context=d@h:5060>)", "", "A \"B\" O'C, <x>|+49301"},
       {{}, "Ann Smith <sip:ann:secret@h>", "", "Ann Smith|ann"},
       {{}, "sip:100@h;tag=abc", "", "|100"},
       {{office}, from, "", "Office|777"},
@@ -276,9 +263,9 @@ TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
       {{}, "\"J\xFCrgen\" <sip:%FC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
       {{}, "\"\xED\xA0\x80\" <sip:%G1%4@h>", "", "\xC3\xAD\xC2\xA0\xC2\x80|%G1%4"},
   };
-  for (const auto& row : kRows) {
-    const CallerIdentity caller = Identify({row.asserted, row.from, row.privacy});
-    EXPECT_EQ(caller.name + "|" + caller.number, row.caller) << row.from;
+  for (const auto& [asserted, sender, privacy, result] : kRows) {
+    const CallerIdentity caller = Identify({asserted, sender, privacy});
+    EXPECT_EQ(caller.name + "|" + caller.number, result) << sender;
   }
 }
 

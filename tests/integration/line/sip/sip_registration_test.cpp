@@ -124,11 +124,8 @@ TEST_F(SipRegistrationTest, TakesEachAnswerAsItIsMeant) {
   const std::string md5 = "|MD5 here=300", seen = kPublic + "=300"s,
                     brief = "423|Min-Expires: ", soon = ", next after 10 s";
   const std::string registered = "registered, next after 240 s", sha = "|SHA-256 here=300";
-  const struct {
-    std::string answers;  ///< with " / " between
-    std::string more;     ///< the requests after the first, each after "|"
-    std::string outcome;
-  } kRows[] = {
+  // The answers with " / " between, the requests after the first, each after "|", and what is reported.
+  const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"", "", ""},
       {"200", "", registered},
       {"200|Expires: 100", "", "registered, next after 80 s"},
@@ -164,24 +161,24 @@ TEST_F(SipRegistrationTest, TakesEachAnswerAsItIsMeant) {
       {ask + "|seen 4000 / 200|seen 4000", "|MD5 " + seen, registered},
       {"200|seen 4000|Expires: 100 / 200|seen 40001", "|" + seen + " here=0", registered},
   };
-  for (const auto& row : kRows) {
+  for (const auto& [answers, more, outcome] : kRows) {
     const Socket server = Socket::Udp();
     outcomes.Clear();
     Open(server.Port());
     std::string requests;
     for (std::size_t at = 0, end = 0; end != std::string::npos; at = end + 3) {
-      end = row.answers.find(" / ", at);
+      end = answers.find(" / ", at);
       const std::string request = Next(server);
       requests += "|" + Summary(request);
-      if (!row.answers.empty()) server.SendTo(port, Answer(request, row.answers.substr(at, end - at)));
+      if (!answers.empty()) server.SendTo(port, Answer(request, answers.substr(at, end - at)));
     }
-    EXPECT_EQ(requests, "|here=300" + row.more);
-    EXPECT_TRUE(row.outcome.empty() || outcomes.Wait(row.outcome)) << row.answers;
+    EXPECT_EQ(requests, "|here=300" + more);
+    EXPECT_TRUE(outcome.empty() || outcomes.Wait(outcome)) << answers;
     line->Close();
-    const std::string last = row.more.find(seen) != std::string::npos ? kPublic : "here";
-    const std::string farewell = row.outcome.starts_with("registered") ? last + "=0" : "";
-    EXPECT_TRUE(Summary(Next(server, milliseconds(0))).ends_with(farewell)) << row.answers;
-    EXPECT_EQ(Next(server, milliseconds(0)), "") << row.answers;
+    const std::string last = more.find(seen) != std::string::npos ? kPublic : "here";
+    const std::string farewell = outcome.starts_with("registered") ? last + "=0" : "";
+    EXPECT_TRUE(Summary(Next(server, milliseconds(0))).ends_with(farewell)) << answers;
+    EXPECT_EQ(Next(server, milliseconds(0)), "") << answers;
   }
 }
 
@@ -229,48 +226,39 @@ class SipTlsTest : public SipRegistrationTest {
  protected:
   SipTlsTest() { settings.tls_made_certificate = folder / "made.pem"; }
 
-  void ExpectFailure(const std::string& words) {
-    line = MakeSipLine(settings);
-    EXPECT_EQ(line->Open(events), kTelephonyDeviceFailed);
-    EXPECT_NE(line->LastError().find(words), std::string::npos) << line->LastError();
-  }
-
   ScratchFolder folder;
 };
 
 TEST_F(SipTlsTest, RegistersOnlyAtTheServerThatTheAccountNames) {
   settings.timers.registration_retry_first = milliseconds(200);
-  const struct {
-    const char* trusted;
-    const char* shown;
-    const char* outcome;
-  } kRows[] = {
+  // The certificate that is trusted, the one that is shown, and what comes of it.
+  const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"127.0.0.1", "127.0.0.1", "REGISTER"},
       {"127.0.0.1", "127.0.0.9", "certificate is not accepted: self"},
       {"127.0.0.9", "127.0.0.9", "mismatch"},
       {"", "127.0.0.1", "certificate is not accepted: self"},
   };
-  for (const auto& row : kRows) {
+  for (const auto& [trusted, shown, outcome] : kRows) {
     // A server with a certificate for an address, which ends after one connection. Its input is a pipe
     // without end.
-    const std::string file = folder / row.shown;
+    const std::string file = folder / shown;
     const std::string make =
-        "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=x -addext subjectAltName=IP:"s +
-        row.shown + " -keyout " + file + ".key -out " + file + " 2>/dev/null; mkfifo " + file + ".in";
+        "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=x -addext subjectAltName=IP:" + shown +
+        " -keyout " + file + ".key -out " + file + " 2>/dev/null; mkfifo " + file + ".in";
     ASSERT_TRUE(std::filesystem::exists(file) || std::system(make.c_str()) == 0);
     const std::uint16_t server_port = FreePort();
     const std::string serve = "exec timeout 30 openssl s_server -quiet -naccept 1 -accept 127.0.0.1:" +
                               std::to_string(server_port) + " -cert " + file + " -key " + file + ".key <>" +
                               file + ".in 2>/dev/null";
     const std::unique_ptr<FILE, int (*)(FILE*)> server(::popen(serve.c_str(), "r"), ::pclose);
-    settings.tls_trust = row.trusted[0] != '\0' ? folder / row.trusted : "";
+    settings.tls_trust = trusted.empty() ? "" : folder / trusted;
     reports.Clear();
     Open(server_port, "tls");
     std::array<char, 9> words{};
     if (std::fgets(words.data(), words.size(), server.get()) != nullptr) reports.Add(words.data());
-    const auto told = [&row](const std::string& text) { return text.find(row.outcome) != text.npos; };
+    const auto told = [&what = outcome](const std::string& text) { return text.find(what) != text.npos; };
     EXPECT_TRUE(reports.WaitUntil([&](const auto& all) { return std::ranges::any_of(all, told); }))
-        << row.trusted << " " << row.shown << ::testing::PrintToString(reports.All());
+        << trusted << " " << shown << ::testing::PrintToString(reports.All());
     line->Close();
   }
 }
@@ -290,15 +278,15 @@ TEST_F(SipTlsTest, MakesACertificateOnceAndNamesOneThatIsUnusable) {
   PutFile(folder / "noise.pem", "no certificate");
   for (const char* name : {"certificate.pem", "noise.pem", "absent.pem"}) {
     settings.tls_certificate = folder / name;
-    ExpectFailure(settings.tls_certificate);
+    ExpectFailure(kTelephonyDeviceFailed, settings.tls_certificate);
   }
   settings.tls_certificate.clear();
   settings.tls_made_certificate = folder / "noise.pem/made.pem";
-  ExpectFailure("noise.pem/made.pem (Not a directory)");
+  ExpectFailure(kTelephonyDeviceFailed, "noise.pem/made.pem (Not a directory)");
   settings.tls_made_certificate = folder / "made.pem";
   settings.account = "sip:100@127.0.0.1";
   settings.transport = "tls";
-  ExpectFailure("tls_listen cannot be used together");
+  ExpectFailure(kTelephonyDeviceFailed, "tls_listen cannot be used together");
 }
 
 }  // namespace
