@@ -92,7 +92,7 @@ class DigitMerger {
     char digit;
     unsigned sources;  ///< one bit for each DigitSource
     Time last;         ///< the latest sign of this press
-    bool held;         ///< an event said that the key is down; a tone that breaks off is no new press
+    bool held;         ///< an event said that the key is down; a tone that breaks off is not a new press
   };
 
   void Forget(Time now);

@@ -49,10 +49,10 @@ std::optional<SipAccount> AccountOf(const SipLineSettings& settings) {
 std::string AccountProblem(const SipLineSettings& settings) {
   if (settings.account.empty()) return {};
   if (!AccountOf(settings)) {
-    return "account \"" + settings.account + "\" is no SIP address like sip:100@example.org";
+    return "account \"" + settings.account + "\" is not a SIP address like sip:100@example.org";
   }
   if (settings.transport != "udp" && settings.transport != "tcp" && settings.transport != "tls") {
-    return "transport \"" + settings.transport + "\" is none of udp, tcp and tls";
+    return "transport \"" + settings.transport + "\" is not udp, tcp or tls";
   }
   return {};
 }

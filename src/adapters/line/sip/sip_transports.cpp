@@ -111,7 +111,7 @@ std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, b
     return std::nullopt;
   }
   return OpenFailure{kTelephonyDeviceFailed,
-                     "listen address \"" + text + "\" is no address and port like 127.0.0.1:5060"};
+                     "listen address \"" + text + "\" is not an address and port like 127.0.0.1:5060"};
 }
 
 /// Without name servers only addresses work.

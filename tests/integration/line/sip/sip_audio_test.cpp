@@ -70,7 +70,7 @@ Samples Decoded(const Bytes& audio) {
   return Decode(Codec::kMuLaw, audio);
 }
 
-TEST_F(SipAudioTest, RecordsTheCallerAndNobodyElse) {
+TEST_F(SipAudioTest, RecordsOnlyTheCaller) {
   const Socket stranger = Socket::Udp();
   stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not agreed upon
   stranger.SendTo(caller->line_rtp_port, std::string("not RTP"));
