@@ -217,7 +217,9 @@ TEST_P(StalledExit, IsQuickAndTheNextStartSendsUnderTheSameIdAndSetsDamagedMails
   ASSERT_TRUE(Eventually([&] { return server.Stalls(); }));
   ASSERT_EQ(Waiting().size(), 3U);
   std::filesystem::remove(message);  // the user has heard it
-  const std::string kept = test::ContentOf(first), half = test::ContentOf(second).substr(0, 150);
+  const std::string kept = test::ContentOf(first), whole = test::ContentOf(second);
+  const std::string half =
+      whole.substr(0, std::string(GetParam()) == "BODY" ? 150 : whole.size() - 4);  // "end\n"
   EXPECT_EQ(std::filesystem::status(first).permissions(), std::filesystem::perms(0600));
   EXPECT_THAT(kept, Not(HasSubstr("s3cret")));
   EXPECT_TRUE(ExitsInTime());
