@@ -10,6 +10,8 @@
 namespace orven::test {
 namespace {
 
+using std::string_literals::operator""s;
+
 /// A call that is recorded, from a caller who presses keys in every way there is.
 class SipAudioTest : public SipLineTest {
  protected:
@@ -212,24 +214,14 @@ TEST_F(SipSecureTest, BaresipSpeaksPressesAKeyAndHearsEncrypted) {
   settings.tls_listen = tls;
   settings.tls_made_certificate = folder / "made.pem";
   OpenLine();
-  PutFile(folder / "config", "sip_listen " + own + "\nsip_certificate " + (folder / "made.pem") +
-                                 "\nsnd_path " + (folder / "") + "\naudio_source aufile," +
-                                 (folder / "spoken.wav") +
-                                 "\nctrl_tcp_listen 127.0.0.1:" + std::to_string(control_port) + R"(
-net_interface 127.0.0.1
-ausrc_srate 8000
-auplay_srate 8000
-audio_player aufile,/dev/null
-audio_alert aufile,/dev/null
-module_path /usr/lib/baresip/modules
-module g711.so
-module aufile.so
-module srtp.so
-module sndfile.so
-module_tmp account.so
-module_app menu.so
-module_app ctrl_tcp.so
-)");
+  std::string config =
+      "sip_listen " + own + "\nnet_interface 127.0.0.1\nsip_certificate " + (folder / "made.pem") +
+      "\nsnd_path " + (folder / "") + "\naudio_source aufile," + (folder / "spoken.wav") +
+      "\naudio_player aufile,/dev/null\naudio_alert aufile,/dev/null\nausrc_srate 8000\nauplay_srate 8000" +
+      "\nctrl_tcp_listen 127.0.0.1:" + std::to_string(control_port) +
+      "\nmodule_path /usr/lib/baresip/modules\nmodule_tmp account.so\n";
+  for (const char* module : {"g711", "aufile", "srtp", "sndfile"}) config += "module "s + module + ".so\n";
+  PutFile(folder / "config", config + "module_app menu.so\nmodule_app ctrl_tcp.so\n");
   const std::string header(
       "RIFF\xA4\xBB\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1F\0\0\x80\x3E\0\0\2\0\x10\0data\x80\xBB\0\0", 44);
   PutFile(folder / "spoken.wav", header + std::string(48'000, 'x'));  // 3 s

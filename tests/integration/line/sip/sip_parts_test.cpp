@@ -240,7 +240,7 @@ TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
 }
 
 TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
-  const std::string_view from = "\"From\" <sip:1@h>;tag=x", ann = "\"Ann\" <sip:1@h>";
+  const std::string_view from = "\"From\" <sip:1@h>;tag=x@y", ann = "\"Ann\" <sip:1@h>";
   const std::string_view anonymous = "<sip:anonymous@anonymous.invalid>", office = "\"Office\" <sip:777@h>";
   using Text = std::string_view;
   // P-Asserted-Identity, From, Privacy, and the name and number read from them.
