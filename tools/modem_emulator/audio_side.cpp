@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How sound passes between the host and the line: so many samples as time has passed.
+// Audio between the host and the line: as many samples as time has passed.
 #include "modem_emulator/modem_emulator.h"
 
 namespace orven {
@@ -8,7 +8,7 @@ namespace {
 constexpr int kSamplesPerMillisecond = emulator::kLineRate / 1000;
 constexpr std::chrono::milliseconds kInactivityUnit(1000);
 constexpr int kSilenceUnit = emulator::kLineRate / 10;  // a tenth of a second
-constexpr int kShortestTail = 10;                       // ms of sound behind the stop
+constexpr int kShortestTail = 10;                       // ms of audio after the stop
 constexpr int kLongestTail = 60;
 
 }  // namespace
@@ -75,7 +75,7 @@ void ModemEmulator::Pass(std::size_t samples) {
     if (const auto report = silence_.Put(in)) Event(*report);
   }
   if (dry) {
-    Complain("the sound did not come in time: an underrun");
+    Complain("the audio did not come in time: an underrun");
     Event('u');
   }
   if (playback_ && playback_->Over()) {
@@ -92,7 +92,7 @@ void ModemEmulator::WatchInactivity() {
   const auto limit = interpreter_.Setting("+VIT", 0) * kInactivityUnit;
   const bool idle = mode_ == Mode::Command && !answering_ && interpreter_.VoiceClass();
   if (!idle || limit == Time(0) || clock_.Uptime() - active_at_ < limit) return;
-  Complain("nothing came for as long as +VIT allows: it hangs up");
+  Complain("nothing came for as long as +VIT allows: the modem hangs up");
   active_at_ = clock_.Uptime();
   GoOnHook();
 }

@@ -26,14 +26,14 @@ std::string Normal(std::string_view line) {
   return text;
 }
 
-/// Reads commands off the front of a line.
+/// Reads the commands of a line from left to right.
 class Splitter {
  public:
   explicit Splitter(std::string text) : text_(std::move(text)) {}
 
   bool AtEnd() const { return at_ == text_.size(); }
 
-  /// The next command, or nothing when there is none that a modem could know.
+  /// The next command; nothing when it is invalid.
   std::optional<CommandRequest> Next() {
     if (std::string_view("+#*-").find(text_[at_]) != std::string_view::npos) return Extended();
     return Basic();

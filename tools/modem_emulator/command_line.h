@@ -8,25 +8,25 @@
 #include <vector>
 
 namespace orven::emulator {
-/// The parts between commas that are in no brackets.
+/// Splits at the commas outside brackets.
 std::vector<std::string> SplitValues(std::string_view text);
 
-/// `text` as a whole number of 0 or more, or nothing.
+/// `text` as a whole number, 0 or more; else nothing.
 std::optional<int> Number(std::string_view text);
 
 /// Whether `value` is in one group of a range, "(0,121-131)"; "()" takes everything.
 bool InGroup(std::string_view group, int value);
 
-/// What a setting is after "=value": parts that are left out stay as they are. Nothing when a part is
-/// outside `range`, a group a part: "(0-3),(0-255)".
+/// The value of a setting after "=value"; omitted parts stay as they are. Nothing when a part is outside
+/// `range`, which has a group for each part: "(0-3),(0-255)".
 std::optional<std::string> Changed(const std::string& range, const std::string& present,
                                    const std::string& value);
 
-/// Finds command lines in what the host sends (ITU-T V.250, clause 5.2): "AT" up to the carriage return, and
-/// "A/", which means the one before.
+/// Finds command lines in the host's bytes (ITU-T V.250, clause 5.2): "AT" up to the carriage return, and
+/// "A/", which repeats the line before.
 class CommandLine {
  public:
-  /// A whole line, without AT, when `byte` completes one.
+  /// Returns a line, without AT, when `byte` completes one.
   std::optional<std::string> Put(std::uint8_t byte);
 
  private:
@@ -43,7 +43,7 @@ struct CommandRequest {
   std::string value;  ///< also the number behind a letter: the 3 of I3
 };
 
-/// The commands of a line, in their order; nothing when it is none. Capital letters, no blanks.
+/// The commands of a line, in their order, in capitals and without blanks; nothing when the line is invalid.
 std::optional<std::vector<CommandRequest>> SplitCommands(std::string_view line);
 
 }  // namespace orven::emulator

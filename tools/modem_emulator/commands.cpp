@@ -11,7 +11,7 @@
 namespace orven::emulator {
 namespace {
 
-/// The letter's number when it is 0 or 1; nothing behind the letter is 0.
+/// The number after the letter, if it is 0 or 1; 0 if it is omitted.
 std::optional<bool> Switch(const CommandRequest& request) {
   if (request.value.empty()) return false;
   const auto number = Number(request.value);
@@ -25,7 +25,7 @@ Result Switched(bool& value, const CommandRequest& request) {
   return wanted ? Result::Ok : Result::Error;
 }
 
-/// States with an odd number connect the modem to the line (ITU-T V.253, +VLS).
+/// Odd states connect the modem to the line (ITU-T V.253, +VLS).
 bool ConnectsLine(int state) {
   return state % 2 == 1;
 }
@@ -65,7 +65,7 @@ Result Interpreter::Hook(const CommandRequest& request) {
 }
 
 Result Interpreter::Answering(const CommandRequest&) {
-  if (!VoiceClass()) return Result::NoCarrier;  // nobody here speaks with data modems
+  if (!VoiceClass()) return Result::NoCarrier;  // data calls are not emulated
   return hardware_.GoOffHook() ? Result::Voice : Result::Error;
 }
 

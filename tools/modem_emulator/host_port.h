@@ -14,8 +14,8 @@
 
 namespace orven::emulator {
 
-/// The bytes on their way to the host: in order, some time after they were sent, and in pieces whose ends
-/// mean nothing, as a serial port's reader gets them. The same ones in every run.
+/// The bytes on their way to the host: in order, with a delay, and in arbitrary pieces, as a serial port's
+/// reader gets them. Every run has the same delays and pieces.
 class HostPort {
  public:
   using Time = std::chrono::milliseconds;
@@ -23,20 +23,20 @@ class HostPort {
 
   HostPort(EventLoop& loop, const Clock& clock, ToHost to_host);
 
-  /// The first piece leaves after `delay`, and after what was sent before. `then` is called when all but
-  /// two bytes at most (a line's end) have left: the host may act on what it has read by then.
+  /// Sends the first piece after `delay` and after earlier bytes. Calls `then` when all bytes have left
+  /// except the last two (a line's end): the host may act by then.
   void Send(std::span<const std::uint8_t> bytes, Time delay, EventLoop::Task then = {});
   void Send(std::string_view text, Time delay, EventLoop::Task then = {});
 
-  /// How long a modem takes to answer: 20 to 100 ms.
+  /// How long the modem takes to answer: 20 to 100 ms.
   Time AnswerDelay();
 
-  /// A number of `least` to `most`, another one each time.
+  /// A pseudo-random number from `least` to `most`.
   int Any(int least, int most);
 
-  /// What is on its way is lost; what would have been called is not.
+  /// Drops the bytes on their way, and their calls.
   void Clear() { pieces_.clear(); }
-  /// While muted nothing leaves: it is lost when its time comes.
+  /// While muted, bytes are dropped when they are due.
   void Mute(bool muted) { muted_ = muted; }
 
  private:

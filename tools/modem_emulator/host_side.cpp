@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the host sends, and what it is told.
+// The host's bytes, and the answers to them.
 #include <utility>
 
 #include "modem_emulator/modem_emulator.h"
@@ -20,7 +20,7 @@ constexpr int kVoiceCall = 8;  // the usual number in place of VCON
 
 std::size_t ModemEmulator::Room() const {
   if (wedged_ && playback_) return 0;
-  // Behind the end of the sound a cancelling code must still get through.
+  // After the end of the audio a cancelling code must still get through.
   return playback_ && !playback_->Ended() ? playback_->Room() : kCommandRoom;
 }
 
@@ -45,7 +45,7 @@ void ModemEmulator::FromHost(std::span<const std::uint8_t> bytes) {
 void ModemEmulator::CommandByte(std::uint8_t byte) {
   const bool behind_dle = dle_;
   dle_ = byte == emulator::kDleByte && !behind_dle;
-  if (dle_ || behind_dle) return;  // a code for a sound that is over already
+  if (dle_ || behind_dle) return;  // a code for audio that is over
   if (answering_) {
     Complain("a byte in the middle of an answer");
     return;
@@ -112,12 +112,12 @@ void ModemEmulator::EndOfAudio(const std::string& result) {
 }
 
 void ModemEmulator::TransmitByte(std::uint8_t byte) {
-  if (!playback_->Begun()) Advance();  // it begins now, not at the latest tick
+  if (!playback_->Begun()) Advance();  // playback starts now, not at the last tick
   switch (playback_->Put(byte)) {
     case Playback::Said::Sound: return;
     case Playback::Said::End: return;  // the answer comes when everything has been played
     case Playback::Said::Full: return Complain("a byte came when the buffer was full");
-    case Playback::Said::Other: return Complain("an unshielded 0x10 in the sound, or an unknown code");
+    case Playback::Said::Other: return Complain("an unshielded 0x10 in the audio, or an unknown code");
     case Playback::Said::Cancel: break;
   }
   Advance();
@@ -132,7 +132,7 @@ void ModemEmulator::ReceiveByte(std::uint8_t byte) {
   } else if (byte == emulator::kDleByte) {
     dle_ = true;
   } else if (!stopping_) {
-    Complain("an unshielded byte while it receives");
+    Complain("an unshielded byte while the modem receives");
     if (profile_.any_byte_ends) StopAsked();
   }
 }

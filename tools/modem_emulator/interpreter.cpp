@@ -8,7 +8,7 @@
 namespace orven::emulator {
 namespace {
 
-/// What all profiles have, unless their own row says otherwise.
+/// The settings of all profiles, unless their row overrides them.
 const std::vector<ModemSetting>& CommonSettings() {
   static const std::vector<ModemSetting> settings = {
       {"+VSD", "(0-255),(0-255)", "128,50"},
@@ -29,7 +29,7 @@ const std::vector<ModemSetting>& CommonSettings() {
   return settings;
 }
 
-/// Letters that a modem takes without doing anything that could be seen here.
+/// Letters that are accepted without an effect here.
 bool Harmless(const std::string& name) {
   if (name.size() == 2) return std::string_view("&\\%").find(name[0]) != std::string_view::npos;
   return name.size() == 1 && std::string_view("BLMNPTWXY").find(name[0]) != std::string_view::npos;

@@ -11,19 +11,19 @@
 
 namespace orven::emulator {
 
-/// What commands do beyond changing settings.
+/// The parts of the modem that commands act on.
 class Hardware {
  public:
   virtual ~Hardware() = default;
   virtual bool OffHook() const = 0;
-  /// False: it is refused.
+  /// False when it is refused.
   virtual bool GoOffHook() = 0;
   virtual void GoOnHook() = 0;
   virtual void PlayTones(std::vector<ToneStep> steps) = 0;
   virtual void Complain(const std::string& sentence) = 0;
 };
 
-/// How a command line ends. Transmit and Receive: CONNECT. Later: OK, when what it began is done.
+/// The result of a command line. Transmit and Receive: CONNECT. Later: OK, when the action is complete.
 enum class Result { Ok, Error, NoCarrier, Voice, Transmit, Receive, Later };
 
 /// The commands of one modem and its settings.
@@ -35,10 +35,10 @@ class Interpreter {
     std::vector<std::string> lines;
     Result result = Result::Ok;
   };
-  /// A command line without AT: its commands one after another until one fails.
+  /// Executes a command line without AT: its commands one after another until one fails.
   Answer Execute(const std::string& line);
 
-  /// As after power came back.
+  /// Resets everything, as after a power failure.
   void Reset();
 
   bool Echo() const { return echo_; }
@@ -52,7 +52,7 @@ class Interpreter {
   int Register(int number) const;
   /// The present value, such as "128,50"; empty when there is no such setting.
   std::string Setting(const std::string& name) const;
-  /// One number of it.
+  /// One number of that value.
   int Setting(const std::string& name, std::size_t place) const;
 
  private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the telephone network and the people on the line do.
+// The telephone network and the people on the line.
 #include <utility>
 
 #include "modem_emulator/modem_emulator.h"

@@ -10,14 +10,14 @@
 #include <vector>
 
 namespace orven::emulator {
-/// One or two sine waves for some time, in 8000 samples a second; 0 Hz is none.
+/// One or two sine waves for some time, 8000 samples a second; 0 Hz is no wave.
 struct ToneStep {
   double first = 0;   ///< Hz
   double second = 0;  ///< Hz
   std::chrono::milliseconds duration{0};
 };
 
-/// The frequencies of a key (ITU-T Q.23); those of silence for what is none.
+/// The tone of a key (ITU-T Q.23); silence for other characters.
 ToneStep KeyTone(char key, std::chrono::milliseconds duration);
 
 /// Tones one after another.
@@ -31,24 +31,23 @@ class ToneSequence {
 
  private:
   std::deque<ToneStep> steps_;
-  bool again_;  ///< from the beginning, for ever
+  bool again_;  ///< repeats forever
   std::int64_t position_ = 0;
 };
 
-/// The tones with which a network tells that nobody is there any more (ITU-T E.180, supplement 2: those of
-/// North America, like the caller ids).
+/// The tones of a network after the caller has hung up (ITU-T E.180, supplement 2, North America).
 enum class NetworkTone { Busy, Dial, Silence };
 
-/// What comes over the line from the other side.
+/// The audio from the caller's side of the line.
 class CallerAudio {
  public:
-  /// From now on; silence afterwards.
+  /// Plays `samples` from now on, then silence.
   void Say(std::vector<std::int16_t> samples);
-  /// Whether there is something left to say.
+  /// Whether there is more to say.
   bool Speaking() const { return spoken_ < speech_.size(); }
-  /// From now on.
+  /// Adds the key's tone from now on.
   void Press(char key, std::chrono::milliseconds duration);
-  /// For ever, in place of everything else.
+  /// Plays a tone forever, in place of everything else.
   void Tone(NetworkTone tone);
   void Reset() { *this = CallerAudio(); }
 
@@ -61,8 +60,8 @@ class CallerAudio {
   std::vector<ToneSequence> tones_;
 };
 
-/// What stands behind "+VTS=": "[933,,150]" two frequencies and a duration in 10 ms, "{5,20}" a key and a
-/// duration, "5" a key of `usual` duration. Nothing when it is none of it.
+/// Parses the value of "+VTS=": "[933,,150]" is two frequencies and a duration in 10 ms, "{5,20}" a key and a
+/// duration, "5" a key of the `usual` duration. Nothing when it is invalid.
 std::optional<std::vector<ToneStep>> ToneList(const std::string& text, std::chrono::milliseconds usual);
 
 }  // namespace orven::emulator

@@ -20,16 +20,16 @@
 
 namespace orven {
 
-/// What goes wrong with this modem.
+/// The faults of a modem.
 struct ModemFaults {
   bool ignores_silence_detection = false;  ///< +VSD is accepted, and nothing is ever reported
-  bool no_hang_up_code = false;            ///< the caller's end is heard as a tone or silence only
+  bool no_hang_up_code = false;            ///< a hang-up is heard only as a tone or silence
   bool refuses_off_hook_in_ring = false;   ///< +VLS=1 while the bell rings: ERROR
-  bool answer_does_not_take = false;       ///< the first +VLS=1 says OK, and it rings on
-  bool stale_ok = false;                   ///< an OK that belongs to nothing after each end of sound
-  bool ring_inside_a_reply = false;        ///< RING between the lines of every longer answer
+  bool answer_does_not_take = false;       ///< the first +VLS=1 says OK, but the line rings on
+  bool stale_ok = false;                   ///< a second OK after each end of audio
+  bool ring_inside_a_reply = false;        ///< RING between the lines of longer answers
   bool tripled_keys = false;               ///< one key press is reported three times, without brackets
-  int stops_needed = 1;                    ///< so many <DLE>! until receiving ends
+  int stops_needed = 1;                    ///< number of <DLE>! until receiving ends
 };
 
 /// A voice modem with a telephone line, in the time of `loop` and `clock`, so on virtual time too.
@@ -44,61 +44,61 @@ class ModemEmulator final : private emulator::Hardware {
   ModemEmulator(const ModemProfile& profile, const ModemFaults& faults, EventLoop& loop, const Clock& clock,
                 ToHost to_host);
 
-  /// `tell` hears at once what happens: "off-hook", "on-hook", "playing", "receiving", "idle" (neither any
-  /// more), "complaint: …".
+  /// `tell` is called at each event: "off-hook", "on-hook", "playing", "receiving", "idle" (the end of these
+  /// two), "complaint: …".
   void SetTell(Tell tell) { tell_ = std::move(tell); }
 
   /// Bytes from the host; the answer comes 20 to 100 ms later, in pieces of any size.
   void FromHost(std::span<const std::uint8_t> bytes);
 
-  /// How many bytes the modem takes now: flow control holds back what is more. What comes all the same is
-  /// lost and complained of.
+  /// How many bytes the modem takes now; flow control must hold back the rest. Bytes beyond are lost, with a
+  /// complaint.
   std::size_t Room() const;
 
   // The telephone network's side.
   /// The bell rings for two seconds.
   void Ring();
-  /// One line such as "NMBR = 5551234", as the modem would write it (only while caller id is on).
+  /// Reports a line such as "NMBR = 5551234" (only while caller id is on).
   void CallerIdLine(const std::string& line);
   /// The caller presses a key for `duration`, after those pressed before.
   void Press(char key, Time duration = Time(120));
-  /// The caller says this from now on (8000 a second); silence afterwards.
+  /// The caller says `samples` from now on (8000 a second), then is silent.
   void Say(std::vector<std::int16_t> samples);
-  /// The caller hangs up: the code that this chip has for it, then the busy tone until we hang up.
+  /// The caller hangs up: this chip's event for it, then the busy tone until we hang up.
   void HangUp() { HangUp(emulator::NetworkTone::Busy); }
-  /// The same with the dial tone, and with silence.
+  /// The same with the dial tone or silence.
   void HangUpToDialTone() { HangUp(emulator::NetworkTone::Dial); }
   void HangUpToSilence() { HangUp(emulator::NetworkTone::Silence); }
-  /// Any other sign, for example 'H': the handset of the telephone beside the modem is lifted.
+  /// Reports any event, for example 'H': the handset of the telephone beside the modem was lifted.
   void Event(char code);
-  /// Answers nothing any more until Wake.
+  /// The modem hangs until Wake.
   void Wedge() { Wedge(true); }
   void Wake() { Wedge(false); }
-  /// As after power came back: everything as at the beginning, no call.
+  /// Resets everything, as after a power failure; ends a call.
   void PowerCycle();
 
   /// Bits a second that the serial port needs for the present sample format.
   int NeededPortRate() const;
 
   bool OffHook() const override { return off_hook_; }
-  /// Whether the caller has something left to say.
+  /// Whether the caller is still speaking.
   bool Speaking() const { return caller_.Speaking(); }
-  /// The time at which the first report of the latest key went out.
+  /// When the first report of the latest key was sent.
   Time KeyReportedAt() const { return key_reported_at_; }
 
-  /// What the line has heard since it was answered last, in 8000 samples a second of 16 bits: what was
-  /// transmitted, at the time at which it was played, with silence where nothing was.
+  /// What the caller has heard since the call was answered, 8000 samples a second: transmitted audio at the
+  /// time at which it was played, and silence in between.
   const std::vector<std::int16_t>& Heard() const { return heard_; }
-  /// What came over the line from the caller in the same time.
+  /// What the caller has said in the same time.
   const std::vector<std::int16_t>& Spoken() const { return spoken_; }
-  /// The transmitted sample bytes alone, unshielded, in the modem's format: for comparisons bit by bit.
+  /// The transmitted bytes, unshielded, in the modem's format.
   const std::vector<std::uint8_t>& PlayedBytes() const { return played_; }
-  /// The sample bytes that were sent to the host while it received, since it was answered last.
+  /// The audio bytes sent to the host since the call was answered, before shielding.
   const std::vector<std::uint8_t>& SentBytes() const { return sent_; }
-  /// Commands as they came in, without AT: for tests that want to know what was asked.
+  /// The commands received, without AT.
   const std::vector<std::string>& Commands() const { return commands_; }
-  /// What the host did that a real modem would take amiss: unshielded 0x10, commands outside voice mode,
-  /// bytes in the middle of an answer, an underrun, a full buffer. One sentence each.
+  /// The host's errors, one sentence each: unshielded 0x10, commands outside voice mode, bytes in the middle
+  /// of an answer, an underrun, a full buffer.
   const std::vector<std::string>& Complaints() const { return complaints_; }
 
  private:
@@ -148,14 +148,14 @@ class ModemEmulator final : private emulator::Hardware {
   std::unique_ptr<Timer> tick_;
 
   Mode mode_ = Mode::Command;
-  bool answering_ = false;  ///< the answer to a command has not left yet
-  bool dle_ = false;        ///< the latest byte, in commands or while receiving
+  bool answering_ = false;  ///< the answer to a command has not been sent yet
+  bool dle_ = false;        ///< the latest byte was a <DLE>, in commands or while receiving
   bool wedged_ = false;
-  Time active_at_{0};  ///< bytes from the host, or to it
+  Time active_at_{0};  ///< the latest traffic with the host
 
   bool off_hook_ = false;
-  bool missed_one_ = false;  ///< the answer that did not take has been
-  int call_ = 0;             ///< how often it went on or off the hook: what was meant for one call ends there
+  bool missed_one_ = false;  ///< the answer that does not take has happened
+  int call_ = 0;             ///< counts hook changes, so that delayed events stay in their call
   Time rings_until_{0};
   Time keys_free_at_{0};  ///< when the next key can be pressed
 

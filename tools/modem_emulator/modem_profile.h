@@ -8,7 +8,7 @@
 
 namespace orven {
 
-/// How a modem writes one sample. Other: it is offered, and setting it is an error here.
+/// How a modem encodes a sample. Other: the format is offered, but not emulated.
 enum class ModemCoding : std::uint8_t { Signed8, Unsigned8, Signed16, MuLaw, ALaw, Other };
 
 /// One line of the answer to "+VSM=?".
@@ -19,15 +19,15 @@ struct ModemFormat {
   std::vector<int> rates;  ///< samples a second
 };
 
-/// A setting that is kept, asked for and given back, and does nothing or little else.
+/// A setting that can be set and read back, and has little or no other effect.
 struct ModemSetting {
   std::string name;
-  std::string range;  ///< the answer to "=?", and what is accepted: "(0,121-131)" or "(0-3),(0-255)"
+  std::string range;  ///< the answer to "=?" and the accepted values: "(0,121-131)" or "(0-3),(0-255)"
   std::string initial;
   bool voice_only = true;  ///< an error outside class 8
 };
 
-/// What a chip family answers and where it differs: data, so that a further family is a further row.
+/// A chip family: its answers and differences, as data.
 struct ModemProfile {
   std::string name;                      ///< v253, conexant, softmodem, lucent, silabs
   std::array<std::string, 10> identity;  ///< the answers to ATI0 to ATI9; an empty one is just OK
@@ -35,23 +35,23 @@ struct ModemProfile {
   std::string classes;                   ///< the answer to +FCLASS=?
   std::vector<ModemFormat> formats;      ///< the first is set at the beginning
   std::vector<std::string> line_states;  ///< the lines of the answer to +VLS=?
-  std::vector<ModemSetting> settings;    ///< where they differ from those that all have
+  std::vector<ModemSetting> settings;    ///< where they differ from the common ones
   std::string caller_id = "+VCID";       ///< the command that turns caller id on: +VCID or #CID
   bool caller_id_in_packet = false;      ///< in class 8 as <DLE>X … <DLE>.
   bool ring_event = true;                ///< in class 8 <DLE>R in place of RING
-  bool ring_twice = false;               ///< half a second into the bell once more
+  bool ring_twice = false;               ///< reports each ring again after half a second
   bool brackets_keys = true;             ///< '/' and '~' around a key, which is repeated in between
-  char hang_up_event = 0;                ///< what the loop's break at a hang-up is told as; 0: nothing
+  char hang_up_event = 0;                ///< the event for a loop break at a hang-up; 0: none
   bool hears_busy = true;                ///< tells 'b' after two seconds of the busy tone
   bool hears_dial = true;                ///< tells 'd' after one second of the dial tone
-  std::size_t buffer = 8192;             ///< bytes that wait to be played
+  std::size_t buffer = 8192;             ///< size of the playback buffer, bytes
   bool escape_ends = true;               ///< <DLE><ESC> ends receiving
   bool any_byte_ends = false;            ///< an unshielded byte ends receiving
   bool shields_pairs = false;            ///< two 0x10 in a row are sent as <DLE><SUB>
   std::string received = "OK";           ///< the result after receiving: OK or VCON
 };
 
-/// The profiles there are, or nullptr.
+/// The profile of that name, or nullptr.
 const ModemProfile* FindModemProfile(const std::string& name);
 std::vector<std::string> ModemProfileNames();
 

@@ -13,10 +13,10 @@ namespace {
 
 constexpr int kSilence8 = 128;  // unsigned
 
-/// Room for what the resampler gives at once beyond the ratio: what it held back.
+/// Room for samples that the resampler held back before.
 constexpr std::size_t kHeldBack = 1024;
 
-/// 20 ms of silence ahead, so that a resampler that holds samples back never leaves a gap.
+/// 20 ms of silence at the start, as the resampler holds samples back and must not leave a gap.
 constexpr std::size_t kCushion = 160;
 
 constexpr int kShortestBlock = 3;  // ms

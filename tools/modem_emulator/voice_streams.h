@@ -14,8 +14,8 @@
 #include "modem_emulator/modem_profile.h"
 
 namespace orven::emulator {
-/// Bytes that mean something behind a <DLE> (ITU-T V.253, clause 9), written down here once more: the
-/// emulator shares nothing with what it tests.
+/// Bytes with a meaning after a <DLE> (ITU-T V.253, clause 9). Defined here again, as the emulator shares no
+/// code with the driver that it tests.
 inline constexpr std::uint8_t kNulByte = 0x00;
 inline constexpr std::uint8_t kEtxByte = 0x03;
 inline constexpr std::uint8_t kDleByte = 0x10;
@@ -26,17 +26,17 @@ inline constexpr std::uint8_t kEscByte = 0x1B;
 inline constexpr int kLineRate = 8000;  ///< samples a second of the telephone line
 
 std::size_t BytesPerSample(ModemCoding coding);
-/// Appends one sample in that coding; 16 bits have their low byte first.
+/// Appends one sample in that coding; 16-bit samples have the low byte first.
 void WriteSample(ModemCoding coding, std::int16_t sample, std::vector<std::uint8_t>& bytes);
-/// Of the first bytes behind `bytes`.
+/// Decodes the sample at `bytes`.
 std::int16_t ReadSample(ModemCoding coding, const std::uint8_t* bytes);
 
-/// Brings a stream of samples from one rate to another; untouched where both are the same.
+/// Converts a stream of samples from one rate to another; equal rates pass unchanged.
 class RateChange {
  public:
   RateChange(int from, int to);
 
-  /// Appends to `out`. Some samples are held back until later calls; `last` gives these, too.
+  /// Appends to `out`. Some samples are held back until later calls; `last` flushes them.
   void Process(std::span<const std::int16_t> in, bool last, std::vector<std::int16_t>& out);
 
  private:
@@ -44,33 +44,33 @@ class RateChange {
     void operator()(SRC_STATE* state) const { src_delete(state); }
   };
   double ratio_;
-  std::unique_ptr<SRC_STATE, Delete> state_;  ///< none when both rates are the same
+  std::unique_ptr<SRC_STATE, Delete> state_;  ///< empty when both rates are equal
 };
 
-/// The sound that the host transmits: shielded bytes in, the line's samples out at exactly their rate,
-/// from a buffer that is finite and can run dry. One for each +VTX.
+/// Audio from the host to the line: takes shielded bytes, returns samples at exactly the line's rate, from a
+/// finite buffer that can run empty. One per +VTX.
 class Playback {
  public:
   enum class Said {
-    Sound,   ///< a byte of sound, or the first half of a shielded one
+    Sound,   ///< a byte of audio, or the first half of a shielded one
     End,     ///< <DLE><ETX>
     Cancel,  ///< <DLE><CAN>
-    Other,   ///< <DLE> and something that has no meaning here: most likely a 0x10 that was not shielded
-    Full     ///< there was no room for the byte, which is lost
+    Other,   ///< <DLE> and a byte without a meaning: most likely an unshielded 0x10
+    Full     ///< the byte was lost for lack of room
   };
 
-  /// `played` gets the bytes as they are played, unshielded.
+  /// Appends the bytes to `played` as they are played, unshielded.
   Playback(ModemCoding coding, int rate, std::size_t capacity, std::vector<std::uint8_t>& played);
 
   Said Put(std::uint8_t byte);
   std::size_t Room() const { return capacity_ - buffer_.size(); }
-  /// Whether any sound has come.
+  /// Whether any audio has come.
   bool Begun() const { return begun_; }
   bool Ended() const { return ended_; }
   /// Whether everything up to <DLE><ETX> has been played.
   bool Over() const { return ended_ && flushed_ && line_.empty(); }
 
-  /// The line's next samples, in 8000 a second. True when the buffer has just run dry.
+  /// Returns the line's next samples, 8000 a second. True when the buffer has just run empty.
   bool Take(std::span<std::int16_t> out);
 
  private:
@@ -86,7 +86,7 @@ class Playback {
   std::vector<std::int16_t> line_;  ///< decoded, at the line's rate, not yet taken
   std::vector<std::uint8_t>& played_;
   std::int64_t taken_ = 0;   ///< of the line's samples
-  std::int64_t passed_ = 0;  ///< of the modem's samples, those that were missing too
+  std::int64_t passed_ = 0;  ///< of the modem's samples, including missing ones
   bool dle_ = false;
   bool begun_ = false;
   bool dry_ = false;
@@ -94,18 +94,17 @@ class Playback {
   bool flushed_ = false;
 };
 
-/// The line's sound on its way to the host: in the modem's format, shielded, in blocks of uneven size.
-/// One for each +VRX.
+/// Audio from the line to the host: in the modem's format, shielded, in blocks of uneven size. One per +VRX.
 class ReceiveStream {
  public:
-  /// `sent` gets the bytes as they are sent, before they are shielded. `pairs`: two 0x10 in a row become
+  /// Appends the bytes to `sent` as they are sent, before shielding. `pairs`: two 0x10 in a row become
   /// <DLE><SUB>.
   ReceiveStream(ModemCoding coding, int rate, bool pairs, HostPort& port, std::vector<std::uint8_t>& sent);
 
   /// The line's next samples, 8000 a second.
   void Put(std::span<const std::int16_t> samples);
 
-  /// Sends what waits for a block to be full.
+  /// Sends the incomplete block.
   void Flush();
 
  private:
@@ -118,15 +117,15 @@ class ReceiveStream {
   std::vector<std::uint8_t>& sent_;
   RateChange change_;
   std::vector<std::uint8_t> block_;
-  std::size_t enough_ = 0;  ///< bytes of the present block
+  std::size_t enough_ = 0;  ///< size of the present block, bytes
 };
 
-/// Reports silence in received sound: 's' when there has never been anything else, 'q' when it follows
-/// sound; once each time.
+/// Reports silence in received audio, once each time: 's' when there was nothing else before, 'q' after other
+/// audio.
 class SilenceWatch {
  public:
   SilenceWatch() = default;
-  /// `samples` of silence are reported, 8000 a second; 0: never.
+  /// Reports a silence of `samples`, 8000 a second; 0: never.
   explicit SilenceWatch(std::int64_t samples) : enough_(samples) {}
 
   std::optional<char> Put(std::span<const std::int16_t> samples);

@@ -15,7 +15,7 @@ std::vector<std::int16_t> ReadAudio(const std::string& path) {
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
   if (!file) throw std::runtime_error(path + ": " + sf_strerror(nullptr));
   if (info.channels != 1 || info.samplerate != kRate) {
-    throw std::runtime_error(path + " is not of one channel with 8000 samples a second");
+    throw std::runtime_error(path + " is not mono with 8000 samples a second");
   }
   std::vector<std::int16_t> samples(static_cast<std::size_t>(info.frames));
   samples.resize(static_cast<std::size_t>(sf_read_short(file.get(), samples.data(), info.frames)));

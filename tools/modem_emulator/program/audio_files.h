@@ -12,16 +12,16 @@
 
 namespace orven::emulator {
 
-/// The samples of a sound file of one channel, 8000 a second. Throws std::runtime_error.
+/// The samples of a mono sound file of 8000 samples a second. Throws std::runtime_error.
 std::vector<std::int16_t> ReadAudio(const std::string& path);
 
-/// A WAV file that grows, valid after each Append. No file when the path is empty.
+/// A growing WAV file, valid after each Append. Does nothing when the path is empty.
 class GrowingWav {
  public:
   explicit GrowingWav(std::string path) : path_(std::move(path)) {}
-  /// Begins anew. Throws std::runtime_error.
+  /// Starts a new, empty file. Throws std::runtime_error.
   void Begin();
-  /// What of `all` is not in the file yet.
+  /// Appends the part of `all` that is not in the file yet.
   void Append(const std::vector<std::int16_t>& all);
 
  private:
@@ -33,7 +33,7 @@ class GrowingWav {
   std::size_t written_ = 0;
 };
 
-/// The same with plain bytes.
+/// The same for plain bytes.
 class GrowingFile {
  public:
   explicit GrowingFile(std::string path) : path_(std::move(path)) {}

@@ -24,7 +24,7 @@ ModemProgram::ModemProgram(Options options)
       modem_(*options_.profile, options_.faults, loop_, clock_,
              [this](std::span<const std::uint8_t> bytes) {
                if (!port_) return;
-               if (port_->Write(bytes) > 0) Report("complaint: the host does not read, and bytes are lost");
+               if (port_->Write(bytes) > 0) Report("complaint: the host does not read, bytes are lost");
              }),
       captured_(options_.captured),
       spoken_(options_.spoken),
@@ -58,7 +58,7 @@ void ModemProgram::WatchInput() {
 void ModemProgram::ReadInput() {
   std::array<char, 4096> buffer{};
   const auto count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-  if (count <= 0) return QCoreApplication::quit();  // whoever started this is gone
+  if (count <= 0) return QCoreApplication::quit();  // the program that started this has ended
   input_text_.append(buffer.data(), static_cast<std::size_t>(count));
   for (auto end = input_text_.find('\n'); end != std::string::npos; end = input_text_.find('\n')) {
     const auto line = input_text_.substr(0, end);
@@ -123,7 +123,7 @@ void ModemProgram::Heard(const std::string& news) {
   }
   const bool sound = news == "playing" || news == "receiving";
   if (sound && port_ && port_->Rate() != 0 && port_->Rate() <= modem_.NeededPortRate()) {
-    Report("complaint: the port is set to " + std::to_string(port_->Rate()) + " bit/s, and the sound needs " +
+    Report("complaint: the port is set to " + std::to_string(port_->Rate()) + " bit/s, but the audio needs " +
            std::to_string(modem_.NeededPortRate()));
   }
   Report(news);

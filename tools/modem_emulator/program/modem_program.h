@@ -15,7 +15,7 @@
 
 namespace orven::emulator {
 
-/// The emulated modem, its port, what happens to it, and the report of it on standard output.
+/// The emulated modem at its port, with its script, and its report on standard output.
 class ModemProgram {
  public:
   explicit ModemProgram(Options options);
@@ -44,7 +44,7 @@ class ModemProgram {
   std::unique_ptr<Timer> tick_;
   std::chrono::milliseconds key_reported_at_{0};
   bool speaking_ = false;
-  bool quit_ = false;  ///< as soon as it is on-hook
+  bool quit_ = false;  ///< ends as soon as the modem is on-hook
 };
 
 }  // namespace orven::emulator

@@ -22,16 +22,16 @@ const std::vector<std::pair<std::string, std::string>>& Verbs() {
       {"ring", "the bell rings for two seconds"},
       {"callerid", "LINE: a line of the caller id, such as NMBR = 5551234"},
       {"press", "KEYS: the caller presses these keys"},
-      {"say", "FILE.wav: the caller says it; \"said\" is printed at its end"},
+      {"say", "FILE.wav: the caller says it; \"said\" is printed at the end"},
       {"hangup", "the caller hangs up; the busy tone follows"},
       {"busy", "the same"},
       {"dialtone", "the caller hangs up; the dial tone follows"},
       {"silence", "the caller hangs up; nothing follows"},
-      {"event", "X: the modem tells <DLE>X"},
-      {"wedge", "the modem answers nothing any more"},
-      {"wake", "it answers again"},
-      {"unplug", "the port goes away, and the link with it"},
-      {"replug", "a new port comes, under the same link"},
+      {"event", "X: the modem reports <DLE>X"},
+      {"wedge", "the modem hangs"},
+      {"wake", "the modem answers again"},
+      {"unplug", "the port and its link disappear"},
+      {"replug", "a new port appears under the same link"},
       {"quit", "the program ends as soon as the modem is on-hook"},
   };
   return verbs;
@@ -77,7 +77,7 @@ ModemFaults Faults(const QString& text) {
     } else if (found != FaultNames().end()) {
       faults.*(found->second) = true;
     } else {
-      Refuse("there is no fault \"" + name + "\"; there are " + FaultList());
+      Refuse("unknown fault \"" + name + "\"; known are " + FaultList());
     }
   }
   return faults;
@@ -106,7 +106,7 @@ Step ReadStep(const std::string& text) {
   }
   const auto known = std::any_of(Verbs().begin(), Verbs().end(),
                                  [&step](const auto& verb) { return verb.first == step.verb; });
-  if (!known) throw std::runtime_error("there is no step \"" + step.verb + "\"");
+  if (!known) throw std::runtime_error("unknown step \"" + step.verb + "\"");
   return step;
 }
 
@@ -143,31 +143,30 @@ Options ReadOptions(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(
       "A voice modem with a telephone line, on a pseudo-terminal.\n"
-      "Standard input takes the steps of a script, without their seconds; they are taken at once:\n" +
+      "Reads steps of a script from standard input, without seconds; they take effect at once:\n" +
       QString::fromStdString(ScriptHelp()));
   const auto add = [&parser](const char* name, const std::string& meaning, const char* value,
                              const char* usual = "") {
     parser.addOption({name, QString::fromStdString(meaning), value, usual});
   };
   add("profile", "chip family: " + Joined(ModemProfileNames()), "NAME", "conexant");
-  add("faults", "what goes wrong, separated by commas: " + FaultList(), "NAMES");
+  add("faults", "faults, separated by commas: " + FaultList(), "NAMES");
   add("script", "lines of SECONDS STEP", "FILE");
   add("link", "a symbolic link to the pseudo-terminal", "PATH");
-  add("captured", "gets what the caller hears in the latest call", "FILE.wav");
-  add("spoken", "gets what the caller says in the latest call", "FILE.wav");
-  add("sent", "gets the bytes of sound that the modem has sent in the latest call", "FILE");
-  add("seconds", "the program ends by itself after so many (300)", "N", "300");
-  parser.addOption(
-      {"times", "every report ends with \" at SECONDS\"; \"ring\" and \"key\" are reported, too"});
+  add("captured", "receives what the caller hears in the latest call", "FILE.wav");
+  add("spoken", "receives what the caller says in the latest call", "FILE.wav");
+  add("sent", "receives the audio bytes that the modem sends in the latest call", "FILE");
+  add("seconds", "the program ends by itself after N seconds (300)", "N", "300");
+  parser.addOption({"times", "every report ends with \" at SECONDS\"; also reports \"ring\" and \"key\""});
   parser.addHelpOption();
   parser.process(arguments);
-  if (!parser.positionalArguments().isEmpty()) Refuse("it takes options only; see --help");
+  if (!parser.positionalArguments().isEmpty()) Refuse("unexpected argument; see --help");
 
   const auto text = [&parser](const char* name) { return parser.value(name).toStdString(); };
   Options options;
   options.profile = FindModemProfile(text("profile"));
   if (options.profile == nullptr) {
-    Refuse("there is no profile \"" + text("profile") + "\"; there are " + Joined(ModemProfileNames()));
+    Refuse("unknown profile \"" + text("profile") + "\"; known are " + Joined(ModemProfileNames()));
   }
   options.faults = Faults(parser.value("faults"));
   options.script = Script(parser.value("script"));

@@ -10,24 +10,24 @@
 #include "modem_emulator/modem_emulator.h"
 
 namespace orven::emulator {
-/// Something that happens on the line, or to the modem: "ring", "press 12#", "say hello.wav" …
+/// A step of a script, on the line or the modem: "ring", "press 12#", "say hello.wav" …
 struct Step {
-  std::chrono::milliseconds at{0};  ///< since the beginning
+  std::chrono::milliseconds at{0};  ///< since the start
   std::string verb;
-  std::string rest;  ///< behind the verb
+  std::string rest;  ///< the text after the verb
 };
 
-/// "VERB REST". Throws std::runtime_error for a verb that there is not.
+/// Parses "VERB REST". Throws std::runtime_error for an unknown verb.
 Step ReadStep(const std::string& text);
 
-/// Lines of "SECONDS VERB REST"; empty ones and those that begin with '#' are passed over. Throws
-/// std::runtime_error with the number of the line that is wrong.
+/// Parses lines of "SECONDS VERB REST"; skips empty lines and those that start with '#'. Throws
+/// std::runtime_error with the number of the invalid line.
 std::vector<Step> ReadScript(std::istream& in);
 
-/// The verbs that there are, one a line with what they do.
+/// The verbs and their meaning, one per line.
 std::string ScriptHelp();
 
-/// What the program was started with.
+/// The program's options.
 struct Options {
   const ModemProfile* profile = nullptr;
   ModemFaults faults;
@@ -37,10 +37,10 @@ struct Options {
   std::string spoken;
   std::string sent;
   std::chrono::seconds lifetime{300};
-  bool times = false;  ///< reports end with " at SECONDS", and tell of rings and keys, too
+  bool times = false;  ///< reports end with " at SECONDS" and include rings and keys
 };
 
-/// Ends the program for --help and for what it does not know, with a sentence that says so.
+/// Ends the program for --help, and for invalid options with a sentence that says so.
 Options ReadOptions(const QStringList& arguments);
 
 }  // namespace orven::emulator

@@ -10,29 +10,29 @@
 
 namespace orven::emulator {
 
-/// A serial port that others open by its name. Not for use by several threads.
+/// A serial port that other programs open by its name. Not thread-safe.
 class PseudoTerminal {
  public:
   using Bytes = std::function<void(std::span<const std::uint8_t>)>;
-  /// How many bytes may be read now.
+  /// Returns how many bytes may be read now.
   using Room = std::function<std::size_t()>;
 
   /// `link`, if any, becomes a symbolic link to the port. Throws std::runtime_error.
   PseudoTerminal(std::string link, Room room, Bytes read);
-  /// Whoever has it open sees it unplugged; the link goes.
+  /// Programs that have it open see it unplugged; removes the link.
   ~PseudoTerminal();
   PseudoTerminal(const PseudoTerminal&) = delete;
   PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
   const std::string& Name() const { return name_; }
 
-  /// How many bytes the host's queue had no room for.
+  /// Returns how many bytes were lost as the host's queue was full.
   std::size_t Write(std::span<const std::uint8_t> bytes);
 
-  /// Reads what waits there. Call it again when Room had none.
+  /// Reads what the host has written, up to Room. Call it again after Room was 0.
   void Read();
 
-  /// Bits a second that the host has set.
+  /// The rate that the host has set, bit/s.
   int Rate() const;
 
  private:
