@@ -22,6 +22,8 @@
 namespace orven {
 namespace {
 
+using namespace std::chrono_literals;
+
 /// Qt first binds the socket in a temporary folder, with a name of six letters, inside ours.
 constexpr qsizetype kRoomForQt = 16;
 constexpr qsizetype kLongestPath = sizeof(sockaddr_un::sun_path) - 1;
@@ -50,8 +52,6 @@ std::unique_ptr<QTemporaryDir> MakeFolder(QString& problem) {
   }
   throw RuntimeError(ErrorNumber::PathAccessError, problem.toStdString());
 }
-
-using namespace std::chrono_literals;
 
 /// How long the program's exit waits for a helper that does not read.
 constexpr auto kFlushLimit = 1s;

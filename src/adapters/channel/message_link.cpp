@@ -13,6 +13,8 @@
 namespace orven {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::size_t kLengthBytes = 4;
 
 std::size_t LengthIn(std::string_view bytes) {
@@ -21,8 +23,6 @@ std::size_t LengthIn(std::string_view bytes) {
     length = length << 8U | static_cast<unsigned char>(byte);
   return length;
 }
-
-using namespace std::chrono_literals;
 
 /// How long an ended link waits for the other end to read what was sent.
 constexpr auto kEndsWithin = 10s;

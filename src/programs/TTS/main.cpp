@@ -30,6 +30,8 @@
 namespace orven {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr const char* kUsage =
     "usage: TTS -gc        the speech helper; started by the answering machine\n"
     "       TTS -w FILE    speaks the text on standard input into a sound file\n";
@@ -53,8 +55,6 @@ void Speak(const std::string& text, const std::string& path) {
   file.Finish();
   file.Appear();
 }
-
-using namespace std::chrono_literals;
 
 /// The program listens before it starts the helper.
 constexpr auto kConnectLimit = 3s;

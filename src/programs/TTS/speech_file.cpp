@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "base/durable_file.h"
+#include "base/paths.h"
 
 namespace orven {
 namespace {
@@ -26,11 +27,6 @@ constexpr std::string_view kRandom = "XXXXXX";  // mkostemp(3)
 
 /// The sizes in a WAV file are 32-bit numbers (RIFF); its headers need far less than this.
 constexpr std::uint64_t kMostSamples = (0xFFFFFFFFU - 4096U) / sizeof(std::int16_t);
-
-std::string FolderOf(const std::string& path) {
-  const std::string folder = fs::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
 
 std::string HiddenPrefix(const std::string& path) {
   return "." + fs::path(path).filename().string() + ".tts-";

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
@@ -94,12 +95,6 @@ std::optional<CallerIdMessage> ReadCallerIdMessage(std::string_view hexadecimal)
   return CallerIdMessage{std::string(data.substr(kDateAndTime)), std::nullopt};
 }
 
-std::string_view Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
 std::string_view Unquoted(std::string_view text) {
   const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return quoted ? Trimmed(text.substr(1, text.size() - 2)) : text;
@@ -112,18 +107,6 @@ std::string Capitals(std::string_view text) {
   return capitals;
 }
 
-/// Networks and modems that send more than ASCII send ISO 8859-1.
-std::string ToUtf8(std::string_view text) {
-  if (IsUtf8(text)) return std::string(text);
-  std::string utf8;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) utf8 += static_cast<char>(0xC0U | (byte >> 6U));
-    utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80U | (byte & 0x3FU));
-  }
-  return utf8;
-}
-
 /// What replaces a withheld or unknown number or name: P and O (GR-31), or words.
 bool IsReason(std::string_view text) {
   static constexpr std::array<std::string_view, 6> kReasons{"P",       "O",           "PRIVATE",
@@ -133,7 +116,7 @@ bool IsReason(std::string_view text) {
 
 std::string Told(std::string_view value) {
   const auto text = Trimmed(Unquoted(Trimmed(value)));
-  return IsReason(text) ? std::string() : ToUtf8(text);
+  return IsReason(text) ? std::string() : Utf8FromUnknown(text);
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+#include "base/text.h"
+
 namespace orven {
 namespace {
 
@@ -27,12 +29,6 @@ bool IsVisible(std::uint8_t byte) {
 /// "CONNECT", also with the rate that some modems append.
 bool IsConnect(const std::string& line) {
   return line == "CONNECT" || line.starts_with("CONNECT ");
-}
-
-std::string Trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 }  // namespace
@@ -130,7 +126,8 @@ void ModemReader::ReadText(std::uint8_t byte) {
 }
 
 void ModemReader::EndLine(std::uint8_t end) {
-  const auto text = Trimmed(std::exchange(line_, {}));
+  const std::string text(Trimmed(line_, " "));
+  line_.clear();
   if (std::exchange(too_long_, false) || text.empty()) return;
   if (audio_expected_ && IsConnect(text)) {
     audio_expected_ = false;
