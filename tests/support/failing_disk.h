@@ -7,7 +7,6 @@
 #include <string>
 
 #include "base/runtime_error.h"
-#include "platform/files.h"
 
 namespace orven::test {
 
@@ -47,45 +46,6 @@ class FailingDisk {
  private:
   std::uint64_t writes_ = 0, failures_ = 0;
   std::uint64_t first_ = 0, beyond_ = 0;  ///< the writes that fail
-};
-
-/// The files of any adapter, on a disk that fails.
-class FailingFiles : public Files {
- public:
-  FailingFiles(Files& files, FailingDisk& disk) : files_(files), disk_(disk) {}
-
-  bool Exists(const std::string& path) const override { return files_.Exists(path); }
-  std::string Read(const std::string& path) const override { return files_.Read(path); }
-  std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const override {
-    return files_.ReadPart(path, offset, size);
-  }
-  std::vector<std::string> List(const std::string& folder, std::string_view pattern) const override {
-    return files_.List(folder, pattern);
-  }
-  std::chrono::system_clock::time_point LastModified(const std::string& path) const override {
-    return files_.LastModified(path);
-  }
-  void Append(const std::string& path, std::string_view text) override {
-    disk_.Write(path);
-    files_.Append(path, text);
-  }
-  void Delete(const std::string& path) override {
-    disk_.Write(path);
-    files_.Delete(path);
-  }
-  void Copy(const std::string& from, const std::string& to) override {
-    disk_.Write(to);
-    files_.Copy(from, to);
-  }
-  void Rename(const std::string& from, const std::string& to) override {
-    disk_.Write(to);
-    files_.Rename(from, to);
-  }
-  void MakeFolder(const std::string& path) override { files_.MakeFolder(path); }
-
- private:
-  Files& files_;
-  FailingDisk& disk_;
 };
 
 }  // namespace orven::test

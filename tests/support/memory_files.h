@@ -11,6 +11,7 @@
 #include "base/runtime_error.h"
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "support/failing_disk.h"
 
 namespace orven::test {
 
@@ -30,7 +31,13 @@ class MemoryFiles : public Files {
   std::function<void(const std::string& path, std::string_view text)> on_append = [](const std::string&,
                                                                                      std::string_view) {};
   std::set<std::string> missing_folders;
+  FailingDisk disk;  ///< on which they are
 
+  /// Something is about to be written there.
+  void BeforeWrite(const std::string& path) {
+    disk.Write(path);
+    before_write(path);
+  }
   void Put(const std::string& path, std::string content) {
     files_[path] = {std::move(content), clock_.Now()};
   }
@@ -42,7 +49,7 @@ class MemoryFiles : public Files {
     return path.ends_with('/') ? !missing_folders.contains(path) : files_.contains(path);
   }
   void Append(const std::string& path, std::string_view text) override {
-    before_write(path);
+    BeforeWrite(path);
     CheckFolderOf(path);
     auto& file = files_[path];
     file.content += text;
@@ -67,16 +74,16 @@ class MemoryFiles : public Files {
   }
   Clock::WallTime LastModified(const std::string& path) const override { return At(path).modified; }
   void Delete(const std::string& path) override {
-    before_write(path);
+    BeforeWrite(path);
     At(path);
     files_.erase(path);
   }
   void Copy(const std::string& from, const std::string& to) override {
-    before_write(to);
+    BeforeWrite(to);
     files_[to] = At(from);
   }
   void Rename(const std::string& from, const std::string& to) override {
-    before_write(to);
+    BeforeWrite(to);
     if (Exists(to)) throw RuntimeError(ErrorNumber::FileAlreadyExists);
     files_[to] = At(from);
     files_.erase(from);

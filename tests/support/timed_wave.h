@@ -36,9 +36,6 @@ class TimedWave : public WaveControl {
   /// Called for every file that is to be played.
   std::function<void(const std::string&)> on_play = [](const std::string&) {};
 
-  /// Called before a recording becomes a file; throws when it cannot.
-  std::function<void(const std::string& path)> before_write = [](const std::string&) {};
-
   /// How loud the line is now, in thousandths.
   std::function<std::int32_t()> level = [] { return 0; };
 
@@ -149,8 +146,7 @@ class TimedWave : public WaveControl {
     }
     if (stop_result != kWaveOk) return stop_result;
     try {
-      before_write(path);
-      files_.before_write(path);
+      files_.BeforeWrite(path);
     } catch (const RuntimeError&) {  // what was recorded stays where it has grown
       unsaved.push_back(record_folder + "unsaved-" + std::to_string(unsaved.size() + 1) + ".part");
       files_.Put(unsaved.back(), Sound(length));

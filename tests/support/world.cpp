@@ -45,7 +45,6 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
   shell.before_start = [this] { views.Effect("action:App"); };
   WavePlay.on_play = [this](const std::string& path) { views.Effect("sound:" + path); };
   Wave1.level = [this] { return loud; };
-  Wave1.before_write = [this](const std::string& path) { disk.Write(path); };
   database.before_write = [this] {
     if (database_full) throw RuntimeError(ErrorNumber::DiskFull);
     disk.Write(database.opened_path);
@@ -64,8 +63,8 @@ void World::Build() {
       IdleCalls{[this] { return Wave1.IsPlaying() || Wave1.IsRecording(); },
                 [this](const std::string& text) { Machine().log.WriteSystem(text); }});
   window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, disk_files, background, registry, dialogs, shell, mouse, Mail1, database,
-                  *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
+      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
+                  Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
       views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

@@ -70,8 +70,7 @@ class World {
 
   VirtualTime time;
   MemoryFiles files;
-  FailingDisk disk;  ///< what everything is written to, once the program runs
-  FailingFiles disk_files{files, disk};
+  FailingDisk& disk = files.disk;  ///< what everything is written to
   MemoryRegistry registry;
   MemoryDatabase database;
   ScriptedDialogs dialogs;
