@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Who answers the calls of the benchmark: the program, and beside it baresip, which answers by itself."""
+"""Who answers the calls of the benchmark: the program, and for comparison baresip, which answers automatically."""
 
 import os
 import time
@@ -105,7 +105,7 @@ class Peer:
         processes.stop(self._child, 3)
 
     def timed_start(self):
-        """Starts it, anew if it runs; the seconds until it answered a request."""
+        """Starts or restarts it; the seconds until it answered a request."""
         if self._child is not None:
             processes.stop(self._child, 3)
         return first_answer(self.port, self._start)

@@ -22,7 +22,7 @@ LIMIT = 10.0  # seconds, for any answer
 
 
 class NoCall(Exception):
-    """A call that did not come about; the text says why."""
+    """A call that failed; the text says why."""
 
 
 def now():

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""An X display that only this script sees, what is on it, and pictures of it."""
+"""A private X display, its windows, and pictures of them."""
 
 import contextlib
 import os

@@ -67,7 +67,7 @@ class Modem:
         return processes.wait_for(f'The modem\'s "{word}"', find, limit, meanwhile)
 
     def complaints(self):
-        """What a real modem would have taken amiss."""
+        """What a real modem would have refused."""
         self.look()
         return [line for line in self.news if line.startswith(("complaint", "refused"))]
 

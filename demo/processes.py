@@ -17,7 +17,7 @@ SLOWNESS = float(os.environ.get("ORVEN_TIME_FACTOR", "1"))
 
 
 class Failed(Exception):
-    """A step that did not happen; the text is a sentence for the person who watches."""
+    """A step that failed; the text is a sentence for the user."""
 
 
 def start(command, log, **options):
@@ -33,8 +33,8 @@ def start(command, log, **options):
 
 
 def hurry(process):
-    """Lets it and the threads that it will have run before anything else, where that is allowed: what it sends
-    in time is sent in time however busy the computer is."""
+    """Gives the process and its later threads a real-time priority if that is allowed, so that they send in time on
+    a busy computer."""
     with contextlib.suppress(PermissionError):
         os.sched_setscheduler(process.pid, os.SCHED_RR, os.sched_param(1))
 

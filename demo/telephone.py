@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A telephone that nobody here wrote: baresip, with a private configuration and no sound card."""
+"""An independent telephone: baresip, with its own configuration and without a sound card."""
 
 import glob
 import json
@@ -68,7 +68,7 @@ class Telephone:
         processes.stop(self._process, 3)
 
     def hurry(self):
-        """Sends its sound in time whatever else the computer does, where that is allowed. Before it dials."""
+        """Sends its audio in time on a busy computer if that is allowed. To be called before it dials."""
         processes.hurry(self._process)
 
     def dial(self, address):
