@@ -164,7 +164,7 @@ TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
   world.RunFor(2s);
   EXPECT_EQ(Chosen("cmbSoundDev"), "Headset");
   EXPECT_EQ(Get<QComboBox>("cmbSoundDev").count(), 3);
-  for (const std::string chosen : {std::string("Home"), machine.settings.ModemName + "!"}) {
+  for (const auto& chosen : {std::string("Home"), machine.settings.ModemName + "!"}) {
     Type("cmbModemDev", chosen.c_str());
     Click("cmdLines");
     EXPECT_EQ(Chosen("cmbModemDev"), chosen == "Home" ? chosen : machine.settings.ModemName);
