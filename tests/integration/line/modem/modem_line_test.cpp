@@ -278,20 +278,6 @@ TEST_F(ModemLine, CallsAreTurnedAwayDroppedAndLeftAtTheEnd) {
   }
 }
 
-TEST_F(ModemLine, AModemThatGoesOffHookLateIsHungUp) {
-  Ready("v253");
-  RingTimes(1);
-  ASSERT_TRUE(Wait("Ring 1 1"));
-  agent->Answer(1, 5);
-  ASSERT_TRUE(Until([this] { return Modem().OffHook(); }));
-  link->delay = 4s;
-  time.RunFor(200ms);
-  link->delay = 0s;
-  ASSERT_TRUE(Wait("Idle 1", 15s));
-  EXPECT_TRUE(events.Has("Done 5 " + std::to_string(kTelephonyDeviceFailed)));
-  EXPECT_FALSE(Modem().OffHook());
-}
-
 TEST_F(ModemLine, TheLineIsClosedInEveryStateAndLeftOnHook) {
   Ready("v253");
   bool closed = false;
@@ -329,7 +315,7 @@ TEST_F(ModemLine, ANoCarrierBehindTheAudioIsTheCallersEnd) {
   EXPECT_THAT(log, Contains(HasSubstr("hung up")));
 }
 
-TEST_F(ModemLine, AnEchoThatCannotBeSwitchedOffIsLeft) {
+TEST_F(ModemLine, AModemThatAlwaysEchoesIsLeftAndOneThatGoesOffHookLateIsHungUp) {
   link = std::make_unique<EmulatedLink>("v253", ModemFaults{}, time);
   link->echoes = true;
   Start(*link);
@@ -337,6 +323,16 @@ TEST_F(ModemLine, AnEchoThatCannotBeSwitchedOffIsLeft) {
   const auto asked = Modem().Commands().size();
   time.RunFor(10min);
   EXPECT_LE(Modem().Commands().size(), asked + 10);
+  RingTimes(1);
+  ASSERT_TRUE(Wait("Ring 1 1"));
+  agent->Answer(1, 5);
+  ASSERT_TRUE(Until([this] { return Modem().OffHook(); }));
+  link->delay = 4s;
+  time.RunFor(200ms);
+  link->delay = 0s;
+  ASSERT_TRUE(Wait("Idle 1", 15s));
+  EXPECT_TRUE(events.Has("Done 5 " + std::to_string(kTelephonyDeviceFailed)));
+  EXPECT_FALSE(Modem().OffHook());
 }
 
 }  // namespace
