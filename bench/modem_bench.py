@@ -130,7 +130,8 @@ def report_call(bench, profile, greeting):
     )
     used = cpu_seconds(bench.machine.process) - before
     bench.end_call()
-    message = sound.read(bench.machine.message(bench.machine.records()[-1]))
+    records = processes.wait_for("The record of the call", bench.machine.records, LIMIT, bench.machine.look)
+    message = sound.read(bench.machine.message(records[-1]))
     what = f"{profile}, {PROFILES[profile]}: "
     print(f"{what + 'the greeting, heard':45} {compared(greeting, heard())}")
     sent = between_silences(sent_samples(bench, profile))
