@@ -1,41 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/after_call.h"
 
-#include "core/error_trap.h"
-
 namespace orven {
 
 void AfterCall::Announce(const Call& call) {
-  const ErrorTrap trap(log_, "ErrTapiInComeCall ");
-  trap([&] {
-    if (settings_.cPlayInRing != 0) PlaySound(settings_.PlayInRing);
-  });
-  trap([&] {
-    if (settings_.ViewDetails == 0 || call.admin_mode) return;
-    OpenCallerView();
-    // One that is still open from the call before gets its commands back.
-    effects_.caller_view.ShowControl();
-    effects_.caller_view.ShowMessage("New Call");
-    effects_.caller_view.ShowRing("");
-    effects_.caller_view.ShowCall(call);
-  });
+  if (settings_.cPlayInRing != 0) PlaySound(settings_.PlayInRing);
+  if (settings_.ViewDetails == 0 || call.admin_mode) return;
+  OpenCallerView();
+  // One that is still open from the call before gets its commands back.
+  effects_.caller_view.ShowControl();
+  effects_.caller_view.ShowMessage("New Call");
+  effects_.caller_view.ShowRing("");
+  effects_.caller_view.ShowCall(call);
 }
 
 void AfterCall::Finish(Call& call) {
-  const ErrorTrap trap(log_, "ErrTapiIdle ");
-  trap([&] {
-    if (window_hidden_()) effects_.tray.StartBlinking();
-  });
-  trap([&] {
-    if (WantsMail(call)) journal_.AskForMail(call);
-  });
-  trap([&] { File(call); });
-  trap([&] {
-    const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
-    if (settings_.cPlayInIdle != 0 && wanted) PlaySound(settings_.PlayInIdle);
-  });
-  trap([&] { ShowFinished(call); });
-  trap([&] { RunActions(call); });
+  if (window_hidden_()) effects_.tray.StartBlinking();
+  if (WantsMail(call)) journal_.AskForMail(call);
+  File(call);
+  const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
+  if (settings_.cPlayInIdle != 0 && wanted) PlaySound(settings_.PlayInIdle);
+  ShowFinished(call);
+  RunActions(call);
 }
 
 void AfterCall::File(Call& call) {
@@ -69,8 +55,7 @@ void AfterCall::HandMailOver(Call& call) {
 }
 
 void AfterCall::SendDueMails() {
-  const ErrorTrap trap(log_, "ErrRecoverCall ");
-  for (auto& call : journal_.AwaitingMail()) trap([&] { HandMailOver(call); });
+  for (auto& call : journal_.AwaitingMail()) HandMailOver(call);
 }
 
 void AfterCall::RunActions(Call& call) {

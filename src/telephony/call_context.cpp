@@ -2,6 +2,7 @@
 #include "telephony/call_context.h"
 
 #include "base/runtime_error.h"
+#include "core/error_trap.h"
 
 namespace orven {
 
@@ -51,6 +52,11 @@ void CallProgress::Enter(CallState next) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall,
                        std::string("a call went from ") + NameOf(from) + " to " + NameOf(next));
   }
+}
+
+void CallContext::Enter(CallState next, const char* label) const {
+  const ErrorTrap trap(log, label);
+  trap([&] { progress.Enter(next); });
 }
 
 }  // namespace orven

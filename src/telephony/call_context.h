@@ -63,6 +63,10 @@ struct CallContext {
 
   /// The call is answered and our side has not hung up yet.
   bool Connected() const { return Tapi1.IsCallConnected(Line()); }
+
+  /// The call goes to `next`. A way that no call can take is taken all the same; the log has it under
+  /// `label`.
+  void Enter(CallState next, const char* label) const;
 };
 
 /// "[LineIndex:" + line + "]", as the step lines of the log have it.

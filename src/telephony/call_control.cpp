@@ -4,17 +4,13 @@
 namespace orven {
 
 void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force) {
-  const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
-  trap([&] {
-    if (context_.Tapi1.IsCallConnected(line)) return;
-    const auto& call = context_.call;
-    const bool due = ring_count >= context_.shared.num_of_ring && !call.answering;
-    if (!force && !due) return;
-    const auto request = RequestAnswer();
-    if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
-    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
-                             "->Proc Num: " + std::to_string(request));
-  });
+  if (context_.Tapi1.IsCallConnected(line)) return;
+  const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
+  if (!force && !due) return;
+  const auto request = RequestAnswer();
+  if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
+  context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
+                           "->Proc Num: " + std::to_string(request));
 }
 
 std::int32_t CallControl::RequestAnswer() {
@@ -22,7 +18,8 @@ std::int32_t CallControl::RequestAnswer() {
   if (request > 0) {
     answer_request_ = request;
     context_.call.answering = true;
-    if (context_.progress.State() == CallState::Offered) context_.progress.Enter(CallState::Answering);
+    if (context_.progress.State() == CallState::Offered)
+      context_.Enter(CallState::Answering, "ErrAnswerToCall ");
   }
   return request;
 }
@@ -39,34 +36,29 @@ void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t res
   // call that is gone.
   if (request != answer_request_) return;
   context_.call.answering = false;
-  if (context_.progress.State() == CallState::Answering) context_.progress.Enter(CallState::Offered);
+  if (context_.progress.State() == CallState::Answering) context_.Enter(CallState::Offered, "ErrTapiProc ");
 }
 
-void CallControl::HangUp(const ErrorTrap& trap) const {
-  trap([&] { context_.Wave1.StopPlay(); });
-  trap([&] {
-    const auto line = context_.Line();
-    const auto result = context_.Tapi1.LineDrop(line);
-    context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
-  });
+void CallControl::HangUp() const {
+  context_.Wave1.StopPlay();
+  const auto line = context_.Line();
+  const auto result = context_.Tapi1.LineDrop(line);
+  context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
 }
 
 void CallControl::DropCall() {
-  const ErrorTrap trap(context_.log, "ErrDropCall ");
-  HangUp(trap);
-  trap([&] { context_.line.ShowMonitoring(); });
+  HangUp();
+  context_.line.ShowMonitoring();
 }
 
 void CallControl::DropInComeCall() {
-  const ErrorTrap trap(context_.log, "ErrDropInComeCall ");
   const auto line = context_.Line();
   context_.log.WriteSystem("DropChice" + LineTag(line));
-  trap([&] {
-    if (context_.Tapi1.IsCallConnected(line)) return;
+  if (!context_.Tapi1.IsCallConnected(line)) {
     const auto result = RequestAnswer();
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
-  });
-  HangUp(trap);
+  }
+  HangUp();
 }
 
 void CallControl::DoNothing() {

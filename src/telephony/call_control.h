@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "core/error_trap.h"
 #include "telephony/call_context.h"
 
 namespace orven {
@@ -31,10 +30,10 @@ class CallControl {
   void DoNothing();
 
  private:
-  /// Asks for the answer and keeps in mind that it is under way.
+  /// Asks for the answer and remembers that it is under way.
   std::int32_t RequestAnswer();
   /// Ends what plays on the line, and the call.
-  void HangUp(const ErrorTrap& trap) const;
+  void HangUp() const;
 
   CallContext& context_;
   std::int32_t answer_request_ = 0;

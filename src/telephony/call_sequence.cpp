@@ -1,45 +1,34 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/call_sequence.h"
 
-#include "core/error_trap.h"
-
 namespace orven {
 
 void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*call*/) {
-  const ErrorTrap trap(context_.log, "ErrTapiInComeCall ");
   context_.log.WriteSystem("InCommingCall" + LineTag(line));
-  trap([&] { parts_.view.ShowStatus("InComing Call"); });
-  trap([&] {
-    const auto now = parts_.clock.Now();
-    const auto date = parts_.clock.DateText(now);
-    const auto time = parts_.clock.TimeText(now);
-    context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
-  });
+  parts_.view.ShowStatus("InComing Call");
+  const auto now = parts_.clock.Now();
+  const auto date = parts_.clock.DateText(now);
+  const auto time = parts_.clock.TimeText(now);
+  context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
   context_.journal.Begin(context_.call);
-  trap([&] { context_.progress.Enter(CallState::Offered); });
+  context_.Enter(CallState::Offered, "ErrTapiInComeCall ");
   parts_.after_call.Announce(context_.call);
 }
 
 void CallSequence::Ring(std::int32_t line, std::int32_t count) {
-  const ErrorTrap trap(context_.log, "ErrTapiRing ");
   context_.log.WriteSystem("Ring" + LineTag(line) + "->" + std::to_string(count));
-  trap([&] { parts_.view.ShowStatus("Ring :" + std::to_string(count)); });
+  parts_.view.ShowStatus("Ring :" + std::to_string(count));
   parts_.control.AnswerToCall(line, count, false);
-  trap([&] {
-    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
-  });
+  if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
 }
 
 void CallSequence::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
-  const ErrorTrap trap(context_.log, "ErrTapiCallerID ");
   context_.log.WriteSystem("CallerID" + LineTag(line) + "->" + name + "-" + number);
-  trap([&] { parts_.view.ShowStatus("Caller ID Information"); });
+  parts_.view.ShowStatus("Caller ID Information");
   context_.call.caller_name = name;
   context_.call.caller_number = number;
   context_.journal.Note(context_.call);
-  trap([&] {
-    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
-  });
+  if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
 }
 
 void CallSequence::Trouble(std::int32_t line, const std::string& text) {
@@ -47,26 +36,21 @@ void CallSequence::Trouble(std::int32_t line, const std::string& text) {
 }
 
 void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
-  const ErrorTrap trap(context_.log, "ErrTapiProc ");
-  trap([&] { parts_.control.Proc(line, request, result); });
+  parts_.control.Proc(line, request, result);
 }
 
 void CallSequence::Connected(std::int32_t line) {
   if (!context_.call.in_progress) return;
-  const ErrorTrap trap(context_.log, "ErrTapiConnected ");
-  trap([&] { parts_.view.ShowStatus("Line Connected"); });
-  trap([&] {
-    if (!context_.Tapi1.IsCallConnected(line)) return;
+  parts_.view.ShowStatus("Line Connected");
+  if (context_.Tapi1.IsCallConnected(line)) {
     context_.Tapi1.MonitorDigits(line, true);
     context_.log.WriteSystem("Connected" + LineTag(line));
     parts_.recorder.MakeReady();
     PlayGreeting();
-  });
+  }
   context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
-  trap([&] { UpdateCallerView("Line Connected"); });
-  trap([&] {
-    if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
-  });
+  UpdateCallerView("Line Connected");
+  if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
 }
 
 void CallSequence::MonitorDigit(std::int32_t line, char digit) {
@@ -75,36 +59,30 @@ void CallSequence::MonitorDigit(std::int32_t line, char digit) {
 
 void CallSequence::Disconnected(std::int32_t line) {
   if (!context_.call.in_progress) return;
-  const ErrorTrap trap(context_.log, "ErrTapiDisConnected ");
-  trap([&] { parts_.view.ShowStatus("Line Disconnected"); });
+  parts_.view.ShowStatus("Line Disconnected");
   context_.log.WriteSystem("Disconnected" + LineTag(line));
-  trap([&] { context_.progress.Enter(CallState::Disconnected); });
-  trap([&] {
-    if (parts_.recorder.Recording()) parts_.recorder.StopRecMessage();
-  });
-  trap([&] {
-    if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();
-  });
-  trap([&] { UpdateCallerView("Line Disconnected"); });
+  context_.Enter(CallState::Disconnected, "ErrTapiDisConnected ");
+  if (parts_.recorder.Recording()) parts_.recorder.StopRecMessage();
+  if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();
+  UpdateCallerView("Line Disconnected");
 }
 
 void CallSequence::Idle(std::int32_t line) {
   auto& call = context_.call;
   if (!call.in_progress) return;
   call.in_progress = false;
-  const ErrorTrap trap(context_.log, "ErrTapiIdle ");
   context_.log.WriteSystem("Idle" + LineTag(line));
-  trap([&] { context_.Wave1.StopPlay(); });
-  trap([&] { parts_.recorder.EndOfCall(); });
+  context_.Wave1.StopPlay();
+  parts_.recorder.EndOfCall();
   call.answering = false;
-  trap([&] { context_.progress.Enter(CallState::Idle); });
+  context_.Enter(CallState::Idle, "ErrTapiIdle ");
   call.sent_to_application = false;
   if (!call.admin_mode) {
     parts_.after_call.Finish(call);
   } else if (parts_.caller_view.IsOpen()) {
     parts_.caller_view.HideControl();
   }
-  trap([&] { context_.line.ShowMonitoring(); });
+  context_.line.ShowMonitoring();
 }
 
 void CallSequence::UpdateCallerView(const std::string& status) {
@@ -116,46 +94,36 @@ std::int32_t CallSequence::PlayOnLine(const std::string& path) {
 }
 
 void CallSequence::PlayGreeting() {
-  const ErrorTrap trap(context_.log, "ErrTapiConnected ");
   context_.call.greeting_playing = true;
-  trap([&] { context_.progress.Enter(CallState::Greeting); });
-  trap([&] { context_.Tapi1.SetGreetingPhase(context_.Line(), true); });
-  std::int32_t result = kWaveNoDevice;
-  trap([&] {
-    result = PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
-  });
+  context_.Enter(CallState::Greeting, "ErrTapiConnected ");
+  context_.Tapi1.SetGreetingPhase(context_.Line(), true);
+  const auto result =
+      PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
   if (result == kWaveOk) return;
   context_.log.WriteSystem("Play Greeting " + context_.Wave1.PlayErrorText(result));
   PlayFinished();
 }
 
 void CallSequence::PlayFinished() {
-  const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
   auto& call = context_.call;
-  trap([&] {
-    if (!context_.Connected()) {
-      parts_.control.DropCall();
-    } else if (call.greeting_playing && !call.admin_mode) {
-      PlayBeep();
-    } else if (call.beep_playing && !call.admin_mode) {
-      call.beep_playing = false;
-      parts_.recorder.RecMessage();
-    } else if (call.remote_playback) {
-      parts_.remote.PlayForAdmin();
-    }
-  });
+  if (!context_.Connected()) {
+    parts_.control.DropCall();
+  } else if (call.greeting_playing && !call.admin_mode) {
+    PlayBeep();
+  } else if (call.beep_playing && !call.admin_mode) {
+    call.beep_playing = false;
+    parts_.recorder.RecMessage();
+  } else if (call.remote_playback) {
+    parts_.remote.PlayForAdmin();
+  }
 }
 
 void CallSequence::PlayBeep() {
-  const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
-  trap([&] { context_.Tapi1.SetGreetingPhase(context_.Line(), false); });
+  context_.Tapi1.SetGreetingPhase(context_.Line(), false);
   context_.call.greeting_playing = false;
-  trap([&] { context_.progress.Enter(CallState::Beep); });
-  std::int32_t result = kWaveNoDevice;
-  trap([&] {
-    result = PlayOnLine(context_.shared.InApplicationFolder("\\beep.wav"));
-    context_.log.WriteSystem("Play Beep " + context_.Wave1.PlayErrorText(result));
-  });
+  context_.Enter(CallState::Beep, "ErrLineWaveDonePlay ");
+  const auto result = PlayOnLine(context_.shared.InApplicationFolder("\\beep.wav"));
+  context_.log.WriteSystem("Play Beep " + context_.Wave1.PlayErrorText(result));
   context_.call.beep_playing = true;
   if (result != kWaveOk) PlayFinished();
 }

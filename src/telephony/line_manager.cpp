@@ -25,24 +25,22 @@ std::string Device(std::int32_t index, const std::string& name) {
 }  // namespace
 
 bool LineManager::SelectModemDevice() {
-  const ErrorTrap trap(ports_.log, "ErrSelectModemDevice ");
   if (settings_.Modem == kNoneSelected) {
-    trap([&] { ChooseFirstUsable(); });
+    ChooseFirstUsable();
     if (settings_.Modem == kNoneUsable) return false;
   }
   std::int32_t index = kNoneSelected;
-  trap([&] { index = FindByName(settings_.ModemName); });
+  index = FindByName(settings_.ModemName);
   settings_.Modem = index;
   if (index != kNoneSelected) return true;
-  trap([&] { store_.Set("Modem", std::to_string(kNoneSelected)); });
+  store_.Set("Modem", std::to_string(kNoneSelected));
   TellToSelectDevice();
   return false;
 }
 
 void LineManager::TellToSelectDevice() {
-  const ErrorTrap trap(ports_.log, "ErrSelectModemDevice ");
   if (std::exchange(telling_, true)) return;
-  trap([&] { ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]"); });
+  ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]");
   telling_ = false;
 }
 
@@ -87,42 +85,37 @@ void LineManager::OpenLine(std::int32_t index) {
 }
 
 void LineManager::TryToOpen(std::int32_t index) {
-  const ErrorTrap trap(ports_.log, "ErrOpenLine ");
-  trap([&] {
-    tmrOpenLine_->Stop();
-    if (index < 0 || ports_.Tapi1.IsLineOpen(CurrentIndex()) || ports_.Tapi1.IsLineOpen(index)) return;
-    const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
-    const auto name = DeviceName(index);
-    const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);
-    if (result != kTelephonyOk) {
-      tmrOpenLine_->Start(kTryAgain);
-      if (std::exchange(failure_, line) != line) ports_.log.WriteSystem("Error " + line);
-      ShowLine();
-      return;
-    }
-    open_index_ = index;
-    line_on_ = true;
-    trouble_.clear();
-    ports_.view.ShowStatus("Monitoring " + name);
-    ports_.log.WriteSystem(line);
+  tmrOpenLine_->Stop();
+  if (index < 0 || ports_.Tapi1.IsLineOpen(CurrentIndex()) || ports_.Tapi1.IsLineOpen(index)) return;
+  const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
+  const auto name = DeviceName(index);
+  const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);
+  if (result != kTelephonyOk) {
+    tmrOpenLine_->Start(kTryAgain);
+    if (std::exchange(failure_, line) != line) ports_.log.WriteSystem("Error " + line);
     ShowLine();
-  });
+    return;
+  }
+  open_index_ = index;
+  line_on_ = true;
+  trouble_.clear();
+  ports_.view.ShowStatus("Monitoring " + name);
+  ports_.log.WriteSystem(line);
+  ShowLine();
 }
 
 void LineManager::CloseLine(std::int32_t index) {
-  const ErrorTrap trap(ports_.log, "ErrCloseLine ");
   if (open_index_ >= 0) index = open_index_;
   tmrOpenLine_->Stop();
-  trap([&] {
-    if (!ports_.Tapi1.IsLineOpen(index)) return;
+  if (ports_.Tapi1.IsLineOpen(index)) {
     const auto result = ports_.Tapi1.LineClose(index);
     ports_.log.WriteSystem("LineClose[LineIndex=" + std::to_string(index) + "]->" +
                            ports_.Tapi1.ErrorText(result));
-  });
+  }
   open_index_ = -1;
   line_on_ = false;
-  trap([&] { ShowLine(); });
-  trap([&] { ports_.view.ShowStatus("Off Mode"); });
+  ShowLine();
+  ports_.view.ShowStatus("Off Mode");
 }
 
 void LineManager::ReplaceDevices(const std::function<void()>& replace) {

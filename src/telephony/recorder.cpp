@@ -2,10 +2,9 @@
 #include "telephony/recorder.h"
 
 #include <chrono>
+#include <cmath>
 
 #include "base/paths.h"
-#include "core/error_trap.h"
-#include "core/tenths_wait.h"
 #include "records/grown_recordings.h"
 #include "records/message_files.h"
 
@@ -26,6 +25,15 @@ constexpr std::int32_t kWaveInDirection = 1;
 constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000};
 constexpr WaveFormat kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
 
+/// How long a wait of `tenths` tenths of a second lasts when it begins at uptime `now`. Waits end on tenths
+/// of the uptime, so one lasts up to half a tenth less or more.
+std::chrono::milliseconds TenthsWait(std::chrono::milliseconds now, int tenths) {
+  constexpr double kTenth = 100;
+  const double target = std::nearbyint(static_cast<double>(now.count()) / kTenth + tenths);
+  // The wait is over once the uptime has passed the target.
+  return std::chrono::milliseconds(static_cast<std::int64_t>(target * kTenth) + 1) - now;
+}
+
 }  // namespace
 
 Recorder::Recorder(Ports ports, CallContext& context, CallControl& control)
@@ -40,49 +48,34 @@ std::int32_t Recorder::WaveIn() const {
 }
 
 void Recorder::RecMessage() {
-  const ErrorTrap trap(context_.log, "ErrRecMessage ");
-  trap([&] {
-    if (!context_.shared.record_messages || context_.call.admin_mode) {
-      control_.DropCall();
-      return;
-    }
-    ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
-                      lifeline_.Bind([this, serial = context_.call.serial] {
-                        // The caller may have hung up, keyed the password, or called again meanwhile.
-                        const auto& call = context_.call;
-                        if (call.serial != serial || !call.in_progress || call.admin_mode) return;
-                        if (context_.Connected()) StartAfterWait();
-                      }));
-  });
+  if (!context_.shared.record_messages || context_.call.admin_mode) return control_.DropCall();
+  ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
+                    lifeline_.Bind([this, serial = context_.call.serial] {
+                      // The caller may have hung up, keyed the password, or called again meanwhile.
+                      const auto& call = context_.call;
+                      if (call.serial != serial || !call.in_progress || call.admin_mode) return;
+                      if (context_.Connected()) StartAfterWait();
+                    }));
 }
 
 void Recorder::StartAfterWait() {
-  const ErrorTrap trap(context_.log, "ErrRecMessage ");
-  bool can_record = true;
   MakeReady();
-  trap([&] {
-    const auto folder = FolderPart(context_.shared.messages_path);
-    context_.Wave1.SetRecordFolder(folder);
-    const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
-    context_.Wave1.SetRecordName(name);
-    context_.call.trail.growing_folder = folder;
-    context_.call.trail.growing_name = name;
-  });
+  const auto folder = FolderPart(context_.shared.messages_path);
+  context_.Wave1.SetRecordFolder(folder);
+  const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
+  context_.Wave1.SetRecordName(name);
+  context_.call.trail.growing_folder = folder;
+  context_.call.trail.growing_name = name;
   // Before there is a file, so that no file is without its call.
   context_.journal.Note(context_.call);
-  trap([&] {
-    if (context_.settings.CompressMessages == 0) {
-      can_record = StartPcm();
-    } else {
-      StartMuLaw();
-    }
-  });
-  if (!can_record) return;
-  trap([&] { TimerRecord->Start(kRecordInterval); });
-  trap([&] {
-    if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
-  });
-  trap([&] { context_.progress.Enter(CallState::Recording); });
+  if (context_.settings.CompressMessages != 0) {
+    StartMuLaw();
+  } else if (!StartPcm()) {
+    return;
+  }
+  TimerRecord->Start(kRecordInterval);
+  if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
+  context_.Enter(CallState::Recording, "ErrRecMessage ");
 }
 
 bool Recorder::StartPcm() {
@@ -122,26 +115,22 @@ std::string Recorder::FormatLine(const std::string& step, const WaveFormat& form
 }
 
 void Recorder::StopRecMessage() {
-  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
   auto& call = context_.call;
   auto& wave = context_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
-  trap([&] {
-    const auto& folder = context_.shared.messages_path;
-    auto path = folder + call.message_file_name;
-    const auto result = Store(path);
-    context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
-    call.message_file_name = NameInFolder(path, folder);
-    if (result == kWaveOk) call.message_path = path;
-  });
-  trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
+  const auto& folder = context_.shared.messages_path;
+  auto path = folder + call.message_file_name;
+  const auto result = Store(path);
+  context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
+  call.message_file_name = NameInFolder(path, folder);
+  if (result == kWaveOk) call.message_path = path;
+  context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor()));
   TimerRecord->Stop();
   call.message_left = true;
   tmrSilence->Stop();
   call.silence_milliseconds = 0;
-  trap([&] {
-    if (context_.progress.State() == CallState::Recording) context_.progress.Enter(CallState::Recorded);
-  });
+  if (context_.progress.State() == CallState::Recording)
+    context_.Enter(CallState::Recorded, "ErrStopRecMessage ");
   context_.journal.Note(call);
 }
 
@@ -168,11 +157,8 @@ void Recorder::StopTimers() {
 }
 
 void Recorder::SilenceTick() {
-  const auto trap = ErrorTrap::Silent();
   auto& call = context_.call;
-  std::int32_t level = 0;
-  trap([&] { level = context_.Wave1.InputLevel(); });
-  if (level > context_.settings.ValSilence) {
+  if (context_.Wave1.InputLevel() > context_.settings.ValSilence) {
     call.silence_milliseconds = 0;
     return;
   }
@@ -180,23 +166,16 @@ void Recorder::SilenceTick() {
   call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
   if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
   call.silence_milliseconds = 0;
-  trap([&] {
-    if (Recording()) StopRecMessage();
-  });
-  trap([&] {
-    if (context_.Connected()) control_.DropCall();
-  });
+  if (Recording()) StopRecMessage();
+  if (context_.Connected()) control_.DropCall();
   tmrSilence->Stop();
 }
 
 void Recorder::RecordTick() {
-  const auto trap = ErrorTrap::Silent();
   auto& call = context_.call;
   call.record_seconds += 1;
   if (call.record_seconds < context_.shared.max_record_seconds) return;
-  trap([&] {
-    if (Recording() && context_.Connected()) StopRecMessage();
-  });
+  if (Recording() && context_.Connected()) StopRecMessage();
   TimerRecord->Stop();
   call.record_seconds = 0;
 }

@@ -7,29 +7,22 @@
 namespace orven {
 
 void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
-  const ErrorTrap trap(context_.log, "ErrTapiMonitorDigit ");
   auto& call = context_.call;
   context_.log.WriteSystem("MonitorDigit" + LineTag(line) + "->" + digit);
-  bool recording = false;
-  trap([&] { recording = recorder_.Recording(); });
-  if (recording) return;
+  if (recorder_.Recording()) return;
   if (digit == '*') {
-    if (call.digit_buffer == context_.settings.Pass) {
-      trap([&] { EnterAdministratorMode(line); });
-      return;
-    }
+    if (call.digit_buffer == context_.settings.Pass) return EnterAdministratorMode(line);
     call.digit_buffer.clear();
   } else {
     call.digit_buffer += digit;
   }
-  trap([&] { context_.Tapi1.MonitorDigits(line, true); });
-  trap([&] { view_.ShowStatus("Monitoring Digits: " + call.digit_buffer); });
+  context_.Tapi1.MonitorDigits(line, true);
+  view_.ShowStatus("Monitoring Digits: " + call.digit_buffer);
 }
 
 void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
-  const ErrorTrap trap(context_.log, "ErrTapiMonitorDigit ");
   auto& call = context_.call;
-  trap([&] { context_.Tapi1.SetGreetingPhase(line, false); });
+  context_.Tapi1.SetGreetingPhase(line, false);
   call.beep_playing = false;
   call.greeting_playing = false;
   NameUnfiledMessage(line);
@@ -38,8 +31,8 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   // A recording that failed to start has left its timers; the owner must not be timed by them.
   recorder_.StopTimers();
   context_.log.WriteSystem("Remote Control " + LineTag(line));
-  trap([&] { view_.ShowStatus("Administrator Mode"); });
-  trap([&] { context_.progress.Enter(CallState::Administrator); });
+  view_.ShowStatus("Administrator Mode");
+  context_.Enter(CallState::Administrator, "ErrTapiMonitorDigit ");
   place_ = CallList::kTop;
   PlayForAdmin();
 }
@@ -57,7 +50,7 @@ void RemoteAccess::PlayForAdmin() {
   const ErrorTrap trap(context_.log, "ErrPlayForAdmin ");
   bool playing = false;
   const bool looked = trap([&] { playing = SelectNextMessage() && PlaySelected(); });
-  // Nobody is left in silence, not by records that fail either.
+  // The owner is not left in silence, even when the records fail.
   if (!playing && (looked || context_.Connected())) control_.DropCall();
 }
 
@@ -74,10 +67,7 @@ bool RemoteAccess::SelectNextMessage() {
 
 bool RemoteAccess::PlaySelected() {
   auto& wave = context_.Wave1;
-  const ErrorTrap trap(context_.log, "ErrPlayForAdmin ");
-  trap([&] {
-    if (wave.IsPlaying()) wave.StopPlay();
-  });
+  if (wave.IsPlaying()) wave.StopPlay();
   const auto path = folders_.PathOf(ListView1.Row(ListView1.Selected()).key);
   const auto result = wave.PlayFile(path, context_.Tapi1.GetWaveDeviceId(context_.Line()));
   if (result == kWaveOk) return context_.call.remote_playback = true;
