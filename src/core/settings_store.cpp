@@ -78,24 +78,18 @@ void SettingsStore::GetView(PlacedWindow& window) {
   settings_.MeHeight = present.height;
   Read(kViewReader, "ErrGetView ");
   if (present.state != 0) return;
-  const ErrorTrap trap(log_, "ErrGetView ");
-  trap([&] {
-    window.Place({settings_.MeTop, settings_.MeLeft, settings_.MeWidth, settings_.MeHeight, present.state});
-  });
+  window.Place({settings_.MeTop, settings_.MeLeft, settings_.MeWidth, settings_.MeHeight, present.state});
 }
 
 void SettingsStore::SetView(const PlacedWindow& window, bool hidden) {
   const WindowGeometry geometry = window.Geometry();
   if (hidden || geometry.state != 0) return;
-  const ErrorTrap trap(log_, "ErrSetView ");
-  trap([&] {
-    const NamedRegistryValue values[] = {RegString("MeTop", std::to_string(geometry.top)),
-                                         RegString("MeLeft", std::to_string(geometry.left)),
-                                         RegString("MeWinState", std::to_string(geometry.state)),
-                                         RegString("MeWidth", std::to_string(geometry.width)),
-                                         RegString("MeHeight", std::to_string(geometry.height))};
-    registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
-  });
+  const NamedRegistryValue values[] = {RegString("MeTop", std::to_string(geometry.top)),
+                                       RegString("MeLeft", std::to_string(geometry.left)),
+                                       RegString("MeWinState", std::to_string(geometry.state)),
+                                       RegString("MeWidth", std::to_string(geometry.width)),
+                                       RegString("MeHeight", std::to_string(geometry.height))};
+  registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
 }
 
 bool SettingsStore::GetGridLines() {
@@ -128,12 +122,12 @@ void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_
   Read(kAppOptionsReader, label);
   if (settings_.MassagesPath.empty()) {
     settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
-    trap([&] { Set("MassagesPath", settings_.MassagesPath); });
+    Set("MassagesPath", settings_.MassagesPath);
   }
   ShareOptions(trap);
   ShareMessagesFolder();
   Read(kLogFlagsReader, label);
-  trap([&] { show_ring_count(settings_.NumOfRing); });
+  show_ring_count(settings_.NumOfRing);
 }
 
 }  // namespace orven

@@ -21,9 +21,9 @@ struct MessagesFolder {
   std::string note;  ///< for the log and the status bar: why it is not the stored one; empty when it is
 };
 
-/// Which folder serves when the setting `MassagesPath` is `stored`. One that is missing or no full path would
-/// lead to wherever the program was started: then it is the application folder's own, and also where the
-/// stored one is not there (a copied application folder, a disk that is not plugged in) and no messages are
+/// The folder to use when the setting `MassagesPath` is `stored`. It is the application folder's own when the
+/// setting is missing or not a full path (it would depend on where the program was started), and when the
+/// stored folder does not exist (a copied application folder, an unplugged disk), unless messages are
 /// `moving` from it.
 MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared,
                                      const Files& files, bool moving);
@@ -65,9 +65,8 @@ class SettingsStore {
   /// Saves the window placement, unless the window is hidden, minimised or maximised.
   void SetView(const PlacedWindow& window, bool hidden);
 
-  /// Reads what every part shares, and settles which folder serves for the messages; runs after
-  /// GetMainOptions. `show_ring_count` shows the ring count
-  /// in the main window's ring box.
+  /// Reads what every part shares and chooses the messages folder; runs after GetMainOptions.
+  /// `show_ring_count` shows the ring count in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
   /// Gives every part what it shares of the settings as they are held now, under the trap of the routine

@@ -14,7 +14,7 @@ inline constexpr const char* kNoMessageType = "-1";
 /// Caller name and number while the network has not told them.
 inline constexpr const char* kUnknownCaller = "UNKNOWN";
 
-/// How far a call has come on its way into the records; what a start after a crash goes by.
+/// How far the filing of a call has come, for the start after a crash.
 struct CallTrail {
   std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
   std::string growing_folder;  ///< where its recording was begun; empty: it was not
@@ -42,7 +42,7 @@ struct Call {
   bool answering = false;     ///< a request to answer was accepted
   bool admin_mode = false;    ///< the caller keyed the password
   bool message_left = false;  ///< a recording was made, even if it could not be stored
-  bool do_nothing = false;    ///< the person at the desk chose to let it ring on; that stops no answer
+  bool do_nothing = false;    ///< a person chose to let it ring on; it is still answered
   bool greeting_playing = false;
   bool beep_playing = false;
   bool remote_playback = false;  ///< messages are being played to the caller

@@ -35,7 +35,7 @@ constexpr std::array kTrailTexts{&CallTrail::growing_folder, &CallTrail::growing
 /// "call", number, the texts, message left, filed after, record.
 constexpr std::size_t kFields = 2 + kTexts.size() + kTrailTexts.size() + 3;
 
-/// Without the characters that part lines and fields.
+/// Control characters and "%" become "%XX", so that the text fits in a field of a line.
 std::string Escaped(const std::string& text) {
   std::string escaped;
   for (const char character : text) {
@@ -105,7 +105,7 @@ std::string LineOf(const char* word, const Call& call) {
   return word + ("\t" + std::to_string(call.trail.entry));
 }
 
-/// Takes in one line; false when it makes no sense.
+/// Applies one line; false when it is invalid.
 bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls, std::set<std::uint32_t>& mails) {
   const auto fields = Split(line, '\t');
   const auto entry = fields.size() < 2 ? std::nullopt : ToNumber<std::uint32_t>(fields[1]);
@@ -167,7 +167,7 @@ void CallJournal::Done(const Call& call) {
     return awaits_mail_();
   }
   if (open_.erase(call.trail.entry) == 0) return;
-  // A journal that cannot be deleted says at least that the call is done.
+  // If the journal cannot be deleted, it at least says that the call is done.
   if (open_.empty() && ErrorTrap::Silent()([&] { files_.Delete(Path()); })) {
     last_line_.clear();
     torn_ = false;

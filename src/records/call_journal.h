@@ -31,7 +31,7 @@ class CallJournal {
   /// Identity of the newest record (0: there is none): calls that begin from now on come after it.
   void SetNewestRecord(std::int64_t identity) { newest_record_ = identity; }
 
-  /// A call that shall not be lost from now on.
+  /// Begins to remember a call.
   void Begin(Call& call);
 
   /// Where the call stands now; nothing is written for a call that was not begun or is done.
@@ -52,12 +52,12 @@ class CallJournal {
   /// That mail is on its way, or is not wanted any more.
   void MailHandedOver(const Call& call);
 
-  /// The calls that are done but for their mail; the listener hears of each.
+  /// The calls that wait only for their mail; the listener is called for each new one.
   std::vector<Call> AwaitingMail() const;
   void SetMailListener(std::function<void()> listener) { awaits_mail_ = std::move(listener); }
 
-  /// The calls of an earlier run that are not done, the oldest first; from now on they are this run's. A
-  /// journal with lines that make no sense is copied beside it before anything else, and the log says so.
+  /// The unfinished calls of an earlier run, the oldest first; from now on they belong to this run. A journal
+  /// with invalid lines is first copied to "Call.journal.damaged", and the log says so.
   std::vector<Call> Unfinished();
 
  private:

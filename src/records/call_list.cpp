@@ -59,11 +59,8 @@ bool CallRow::IsSameCall(const CallRow& now) const {
 }
 
 void CallList::RangeListTitle() {
-  const ErrorTrap trap(log_, "ErrRangeListTitle ");
-  trap([&] {
-    view_.ShowColumns(
-        {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
-  });
+  view_.ShowColumns(
+      {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
 }
 
 void CallList::Clear() {
@@ -85,7 +82,7 @@ void CallList::makeList() {
   marked_.clear();
   trap([&] { ShowRows(shown); });
   trap([&] { KeepSelection(); });
-  trap([&] { counts_.MakeSysTryBaloon(total_, new_calls_); });
+  counts_.MakeSysTryBaloon(total_, new_calls_);
 }
 
 void CallList::FollowRecords() {
@@ -111,7 +108,7 @@ bool CallList::SelectionStands() {
   return !SelectionLost() && selected;
 }
 
-/// Tells the view what became of the `shown` rows that it shows.
+/// Tells the view how the list differs from the `shown` rows that it shows.
 void CallList::ShowRows(std::int32_t shown) {
   if (total_ == 0) {
     newest_ = {};
@@ -119,7 +116,7 @@ void CallList::ShowRows(std::int32_t shown) {
   }
   const auto known = newest_.call == 0 ? 0 : DataBase1.Locate(newest_.call);
   newest_ = Row(1);
-  // Where the record that was the newest has not changed its number, all rows of before are there.
+  // If the former newest record still has its number, all former rows are still there.
   if (shown == 0 || known != shown) return view_.ShowRowCount(total_);
   if (total_ > shown) view_.ShowRowsInserted(total_ - shown);
   view_.ShowRowsChanged();

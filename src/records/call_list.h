@@ -30,10 +30,10 @@ struct CallRow {
   std::string number;
   std::string name;
   std::string key;        ///< file name of the message; empty without one
-  std::int64_t call = 0;  ///< what identifies it, wherever its row will be; 0 for no call
+  std::int64_t call = 0;  ///< the call's identity, which does not depend on its row; 0 for no call
 
-  /// Whether `now`, read later, is this call still. The identity alone does not tell: another program's new
-  /// record may have that of one that was removed. A message may have come in late.
+  /// Whether `now`, read later, is still this call. The identity is not enough: another program's new record
+  /// may have the identity of a removed one. A message may have been added since.
   bool IsSameCall(const CallRow& now) const;
 };
 
@@ -50,7 +50,7 @@ class CallListView {
   virtual ~CallListView() = default;
   virtual void ShowColumns(const std::vector<CallColumn>& columns) = 0;
 
-  /// The list has `count` rows and none of them is known to be one of before.
+  /// The list has `count` rows, perhaps all different from before.
   virtual void ShowRowCount(std::int32_t count) = 0;
   /// `count` rows came in above all others; what a person looks at stays in sight.
   virtual void ShowRowsInserted(std::int32_t count) = 0;
@@ -62,7 +62,7 @@ class CallListView {
   /// The call that a person sees in a row; no call where there is none.
   virtual CallRow ShownCall(std::int32_t index) const = 0;
 
-  /// Selects a row, 0 for none, and does not scroll. This is no person's choice and calls nothing back.
+  /// Selects a row, 0 for none, without scrolling. Calls nothing back: a person did not choose it.
   virtual void ShowSelection(std::int32_t index) = 0;
   virtual void EnsureVisible(std::int32_t index) = 0;
 

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What could not be done is tried again so often.
+/// How often a failed step is tried again.
 constexpr auto kTryAgain = 5s;
 
 /// The fields that tell one call from another, and what a call holds for each.
@@ -68,7 +68,7 @@ void CallRecovery::TryAgain() {
   if (KnowNewestRecord()) {
     RecoverCalls();
     RecoverStrays();
-  } else {  // whoever opened them has reported it; nobody can tell what has been filed
+  } else {  // opening them has reported why; until then it is unknown what has been filed
     strays_since_ = parts_.clock.Uptime();
   }
   const bool done = calls_.empty() && strays_.empty();
@@ -95,16 +95,16 @@ void CallRecovery::RecoverCalls() {
   }
 }
 
-/// Whether nothing is left to be done for the call.
+/// True when the call is done.
 bool CallRecovery::Recover(Interrupted& interrupted) {
   auto& call = interrupted.call;
   if (interrupted.handed_over && !parts_.journal.IsOpen(call)) {
-    Tell(interrupted, "Recovered call ");  // there was room at last
+    Tell(interrupted, "Recovered call ");  // it was filed as soon as there was room
     return true;
   }
   const auto record = RecordOf(call);
   if (record == 0 && call.trail.record && parts_.DataBase1.Locate(*call.trail.record) == 0) {
-    parts_.journal.Done(call);  // somebody has deleted it
+    parts_.journal.Done(call);  // the record was deleted
     return true;
   }
   if (record == 0) return !interrupted.handed_over && HandOver(interrupted);
@@ -121,7 +121,7 @@ bool CallRecovery::HandOver(Interrupted& interrupted) {
     Tell(interrupted, "Interrupted call, its message is out of reach: ");
     return false;
   }
-  if (message == Message::kNone) call.trail.storing_path.clear();  // nothing is to come
+  if (message == Message::kNone) call.trail.storing_path.clear();  // no message will follow
   const auto newest = NewestRecord();
   interrupted.handed_over = true;
   parts_.file(call);
@@ -138,7 +138,7 @@ void CallRecovery::Tell(Interrupted& interrupted, const std::string& what) {
   if (!std::exchange(interrupted.told, true)) parts_.log.WriteSystem(what + Description(interrupted.call));
 }
 
-/// The records have the call. It may lack its message.
+/// The call has a record, perhaps without its message.
 bool CallRecovery::Complete(Call& call, std::int32_t record) {
   if (FieldOf(record, kType) == kNoMessageType) {
     const auto message = FindMessage(call);
@@ -167,9 +167,9 @@ std::int64_t CallRecovery::NewestRecord() {
   return count == 0 ? 0 : parts_.DataBase1.Identity(count);
 }
 
-/// The record that the call got before the program ended, or 0: it is among those that came after the one
-/// which was the newest before. A loss of power may bring back a journal that was deleted or has lost its
-/// last lines, which is why this is asked of every call.
+/// Number of the record that the call got before the program ended, or 0. It is newer than the record that
+/// was the newest before the call. After a loss of power a deleted journal may be back, or its last lines may
+/// be lost, so every call is checked.
 std::int32_t CallRecovery::RecordOf(Call& call) {
   auto& database = parts_.DataBase1;
   auto& trail = call.trail;
@@ -181,7 +181,7 @@ std::int32_t CallRecovery::RecordOf(Call& call) {
   for (auto number = database.RecordCount(); number > 0; --number) {
     const auto identity = database.Identity(number);
     if (identity <= *trail.filed_after) return 0;
-    // Calls of one second may be alike; each has a record of its own.
+    // Calls of one second may have the same texts, but each has its own record.
     if (!IsRecordOf(call, number, true) || !taken_.insert(identity).second) continue;
     trail.record = identity;
     return number;
@@ -198,7 +198,7 @@ bool CallRecovery::IsRecordOf(const Call& call, std::int32_t number, bool by_mes
   return std::all_of(kTelling.begin(), kTelling.end() - (by_message_too ? 0 : 1), same);
 }
 
-/// The newest record with this message's name that has it, or has not got it; 0 when there is none.
+/// Number of the newest record with this message name that has its message (or lacks it); 0 for none.
 std::int32_t CallRecovery::RecordNaming(const std::string& message, bool has_it) {
   auto& database = parts_.DataBase1;
   if (database.CountRecords(kCallMassageName, message) == 0) return 0;
@@ -236,7 +236,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
     return Message::kNone;
   }
   if (trail.growing_folder.empty() || FileNamePart(call.message_file_name).empty()) return Message::kNone;
-  // What has its name is another call's.
+  // A file with its name belongs to another call.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
   if (is_there(trail.storing_path) &&
       RecordNaming(NameInFolder(trail.storing_path, parts_.shared.messages_path), true) == 0) {
@@ -262,13 +262,13 @@ CallRecovery::Message CallRecovery::TakeGrown(Call& call, const std::vector<Grow
   return MoveTo(call, Mended(longest)) ? TakeStored(call, call.trail.storing_path) : Message::kOutOfReach;
 }
 
-/// The path of a recording with all of its sound: that of a copy beside it where its header counts less and
-/// there is room for one, else its own.
+/// The path of the recording with all of its audio: of a mended copy beside it if its header counts too
+/// little and the copy can be written, else of the file itself.
 std::string CallRecovery::Mended(const std::string& path) {
   auto mended = FolderPart(path) + kMended;
   const bool written = Trap()([&] {
     if (parts_.files.Exists(mended)) parts_.files.Delete(mended);  // killed while it wrote this
-    const auto content = WithAllSound(parts_.files, path);
+    const auto content = WithAllAudio(parts_.files, path);
     if (content.empty()) return mended.clear();
     parts_.files.Append(mended, content);
   });
@@ -277,8 +277,8 @@ std::string CallRecovery::Mended(const std::string& path) {
   return path;
 }
 
-/// The message has its name. Where that is not in the messages folder, because another was chosen meanwhile,
-/// it goes there. It may have been copied: then the original is still here.
+/// The message has its final name. It is moved if the messages folder was changed meanwhile. If it was
+/// copied, the original is deleted.
 CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& path) {
   call.message_left = true;
   call.message_path = path;
@@ -294,7 +294,7 @@ CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& pa
   return Message::kThere;
 }
 
-/// Moves a file to the messages folder, which may not take it. The journal knows its new path before.
+/// Moves a file to the messages folder; false when that fails. The journal has the new path first.
 bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   auto& storing = call.trail.storing_path;
   if (!IsInPlace(storing) || parts_.files.Exists(storing)) {
@@ -304,8 +304,8 @@ bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   return Trap()([&] { parts_.files.Rename(from, storing); });
 }
 
-/// A recording that moved on to another folder was in both for a moment. What is not the beginning of this
-/// message is somebody's, too.
+/// Deletes copies of the message's beginning: a recording that moved to another folder was in both for a
+/// moment. A file that is not the beginning of this message belongs to another call and stays.
 void CallRecovery::DeleteBeginnings(const Call& call) {
   const auto& name = call.trail.growing_name;
   const GrownRecording stray{{}, name};
@@ -314,7 +314,7 @@ void CallRecovery::DeleteBeginnings(const Call& call) {
     Trap()([&] {
       if (!parts_.files.Exists(path) || !IsBeginning(parts_.files, path, call.message_path)) return;
       const auto age = parts_.clock.Now() - parts_.files.LastModified(path);
-      // Only a call's own recording is surely nobody else's.
+      // Without a name of its own the file may still be growing for another program.
       if (stray.Name().empty() || age < 0s || age >= kMayBeGrowing) parts_.files.Delete(path);
     });
   }
@@ -331,11 +331,11 @@ void CallRecovery::RecoverStrays() {
   strays_ = std::move(left);
 }
 
-/// Whether the next look will find no more than this one.
+/// True when the recording needs no further look.
 bool CallRecovery::RecoverStray(const GrownRecording& stray) {
   const auto path = stray.Path();
   if (!parts_.files.Exists(path)) return true;
-  // Beside the messages only what has a name is a caller's; takes from the microphone have none.
+  // Outside the messages folder only a named recording is a caller's; takes from the microphone have no name.
   if (stray.Name().empty() && stray.folder != FolderPart(parts_.shared.messages_path)) return true;
   if (parts_.journal.Claims(stray)) return false;
   const auto age = parts_.clock.Now() - parts_.files.LastModified(path);
@@ -367,7 +367,7 @@ bool CallRecovery::TakeStray(const GrownRecording& stray, double length) {
   }
   parts_.journal.Begin(call);
   if (TakeGrown(call, {stray}) != Message::kThere) {
-    parts_.journal.Done(call);  // it keeps its name and will be found again
+    parts_.journal.Done(call);  // the file keeps its name and is found again later
     return false;
   }
   Interrupted interrupted{std::move(call)};

@@ -22,18 +22,17 @@
 
 namespace orven {
 
-/// Where a recording grows for which the messages folder has no place, below the application folder.
+/// Folder of recordings that the messages folder has no room for, below the application folder.
 inline constexpr const char* kRescueFolder = "\\Rescued";
 
-/// Files the calls that a crash interrupted, each with what was recorded of its message, exactly once however
-/// often the program is killed meanwhile. Runs at a start, when the records are open and before a message can
-/// be moved or recorded. What cannot be done then (a folder that is not there or takes nothing, records that
-/// are not open) is tried again every few seconds: a call whose message is out of reach is filed without it,
-/// where it is to be listed so, and its record completed later. User-interface thread.
+/// Files the calls that a crash interrupted, each with the recorded part of its message, and exactly once
+/// even if the program is killed again meanwhile. Runs at each start, when the records are open and before a
+/// message can be moved or recorded. What fails (a folder is missing or read-only, the records are not open)
+/// is tried again every few seconds. A call whose message cannot be reached is filed without it if such calls
+/// are listed; its record is completed later. User-interface thread.
 ///
-/// A recording that no call in the journal knows completes the record that its name belongs to, else it
-/// becomes a call of its own, from an unknown caller, at the time at which it began: nobody who left a
-/// message is forgotten.
+/// A recording that belongs to no call in the journal completes the record with its name. Without such a
+/// record it becomes a call from an unknown caller at the time at which it began, so that no message is lost.
 class CallRecovery {
  public:
   struct Parts {
@@ -47,8 +46,7 @@ class CallRecovery {
     const SharedOptions& shared;
     /// Whether the call is to have a record.
     std::function<bool(const Call& call)> is_listed;
-    /// Files a call as calls are filed that end by themselves, and tells the journal unless its message is
-    /// due.
+    /// Files a call like one that ended normally, and tells the journal unless its message is due.
     std::function<void(Call& call)> file;
     /// A record has changed.
     std::function<void()> show;
@@ -56,7 +54,7 @@ class CallRecovery {
 
   explicit CallRecovery(Parts parts);
 
-  /// Once more than once in a run, it goes on with what is left.
+  /// Recovers what it can. A later call in the same run continues with the rest.
   void Run();
 
  private:
@@ -64,7 +62,7 @@ class CallRecovery {
   struct Interrupted {
     Call call;
     bool handed_over = false;  ///< to be filed; that may have to wait for room
-    bool told = false;         ///< the log tells of it
+    bool told = false;         ///< the log has it
   };
   enum class Message { kThere, kNone, kOutOfReach };
 
@@ -107,7 +105,7 @@ class CallRecovery {
   std::vector<GrownRecording> strays_;  ///< that were there at the start
   std::chrono::milliseconds strays_since_{0};
   GrownRecordings grown_;
-  std::set<std::int64_t> taken_;     ///< records that are not the call that is looked for, but another
+  std::set<std::int64_t> taken_;     ///< records that belong to other recovered calls
   std::unique_ptr<Timer> tmrAgain_;  ///< runs while anything is left
 };
 

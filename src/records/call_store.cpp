@@ -15,14 +15,14 @@
 namespace orven {
 namespace {
 
-/// What waits for room on a disk is tried again so often.
+/// How often filing is tried again while a disk is full.
 constexpr std::chrono::seconds kTryAgain{5};
 
 }  // namespace
 
 void CallStore::PutCallDetailsInDB(Call& call) {
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
-  trap([&] { call.type_text = TypeText(call); });
+  call.type_text = TypeText(call);
   if (!call.trail.message_due) trap([&] { BringMessageAlong(call); });
   waiting_.push_back(call);
   FileWaitingCalls();
@@ -54,7 +54,7 @@ void CallStore::TryAgain() {
   if (waiting_.empty() && late_.empty()) tmrRoom_->Stop();
 }
 
-/// Whether the message of a call that found no room is where it was to be put by now, and nobody else's.
+/// True when the message that found no room is stored now, and the file with its name is not another call's.
 bool CallStore::TakeLateMessage(Call& call) {
   const auto& path = call.trail.storing_path;
   if (!call.message_left || !call.message_path.empty() || path.empty() || call.trail.message_due)
@@ -69,14 +69,14 @@ bool CallStore::TakeLateMessage(Call& call) {
   return true;
 }
 
-/// Whether the message may still come; one that was kept under another name will not.
+/// Whether the message may still be stored; one that was kept under another name will not be.
 bool CallStore::Awaits(const Call& call) const {
   if (!call.message_left || !call.message_path.empty() || call.trail.storing_path.empty()) return false;
   const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
   bool kept = false;
   for (const auto& folder :
        {call.trail.growing_folder, shared_.InApplicationFolder(kRescueFolder) + NativePath("\\")}) {
-    // A folder that is not there holds nothing.
+    // A folder that cannot be listed counts as empty.
     ErrorTrap::Silent()([&] { kept = kept || !ports_.files.List(folder, stem + ".unsaved-*.wav").empty(); });
   }
   return !kept;
@@ -125,7 +125,7 @@ void CallStore::AddRecord(Call& call) {
   database.SetField(kType, call.type_text);
   database.SetField(kRead, 0);
   database.Update();
-  // The call is filed, whatever comes now.
+  // The call is filed, even if a later step fails.
   ErrorTrap::Silent()([&] {
     const auto identity = database.Identity(database.RecordCount());
     ports_.journal.SetNewestRecord(identity);
@@ -199,7 +199,7 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
   if (!deleted) return;
   trap([&] { list_.Remove(index); });
   if (key.empty()) return;
-  trap([&] { StopPlayerOn(key); });
+  StopPlayerOn(key);
   trap([&] {
     if (!AnotherCallHas(key)) return DeleteMessage(key);
     ports_.system_log.WriteSystem("Another call has the message " + key + ", which is kept");
@@ -220,7 +220,7 @@ bool CallStore::AnotherCallHas(const std::string& message) const {
 void CallStore::DeleteMessage(const std::string& name) {
   const auto places = ports_.folders.PlacesOf(name);
   if (places.size() == 1) return ports_.files.Delete(places.front());
-  // Behind the message that is being moved at the moment, which may be this one.
+  // In the background, after the message that is being moved now, which may be this one.
   ports_.background.Run([&files = ports_.files, places] { DeleteEverywhere(files, places); },
                         LogFailure("ErrDeleteItemIndex "));
 }
@@ -230,10 +230,8 @@ void CallStore::StopPlayerOn(const std::string& key) {
 }
 
 void CallStore::ClearUpTo(std::int64_t newest) {
-  const auto trap = ErrorTrap(ports_.system_log, "ErrClear ");
-  trap([&] {
-    if (ports_.player.IsPlaying()) ports_.player.Stop();
-  });
+  const ErrorTrap trap(ports_.system_log, "ErrClear ");
+  if (ports_.player.IsPlaying()) ports_.player.Stop();
   trap([&] {
     auto& database = ports_.DataBase1;
     const auto number = database.Locate(newest);
@@ -252,16 +250,11 @@ void CallStore::SaveMessage(const std::string& name) {
 }
 
 std::optional<std::string> CallStore::AskForTarget(const std::string& path) {
-  const ErrorTrap trap(ports_.system_log, "ErrSaveFile ");
-  trap([&] { StopPlayerOn(FileNamePart(path)); });
-  std::optional<std::string> target;
-  trap([&] {
-    const auto extension = path.size() < 3 ? path : path.substr(path.size() - 3);
-    const auto filter =
-        extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
-    target = ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
-  });
-  return target;
+  StopPlayerOn(FileNamePart(path));
+  const auto extension = path.size() < 3 ? path : path.substr(path.size() - 3);
+  const auto filter =
+      extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
+  return ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
 }
 
 void CallStore::CopyInBackground(const std::vector<std::string>& places, const std::string& target) {

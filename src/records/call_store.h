@@ -23,7 +23,7 @@
 
 namespace orven {
 
-/// The player of messages at the desk, as the records see it.
+/// The player of messages on the computer, as the records see it.
 class MessagePlayer {
  public:
   virtual ~MessagePlayer() = default;
@@ -63,7 +63,7 @@ class CallStore {
   /// one, and so is a message that found no room. The caller rebuilds the list.
   void PutCallDetailsInDB(Call& call);
 
-  /// The call is over and shall have no record.
+  /// The call is over and gets no record.
   void LeaveOut(Call& call) { ports_.journal.Done(call); }
 
   /// Files the calls that could not be filed before, the oldest first, and messages that have found room
@@ -90,7 +90,7 @@ class CallStore {
   std::vector<std::string> MessageNames() const;
 
  private:
-  /// A call that is filed without its message, which waits for room.
+  /// A call that is filed without its message, which waits for room on the disk.
   struct Late {
     std::int64_t record;  ///< its identity
     Call call;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kGrownStart = ".recording-";
 constexpr std::string_view kGrownEnd = ".wav.part";
 
-/// Parts the message's name from what makes the recording's its own.
+/// Separates the message's name from the part that makes the recording's name unique.
 constexpr char kOwnMark = '~';
 
 // Places in the header of a WAV file (RIFF), whose numbers have their lowest byte first.
@@ -38,12 +38,12 @@ void SetSize(std::string& header, std::size_t place, std::uint64_t size) {
   }
 }
 
-/// Position of the first sound; 0 when the file has no such header as recordings have.
-std::uint64_t SoundBegin(const Files& files, const std::string& path) {
+/// Position of the first audio byte; 0 when the file's header is not a recording's.
+std::uint64_t AudioBegin(const Files& files, const std::string& path) {
   constexpr std::size_t kLongestHeader = 256;
-  constexpr std::string_view kSoundFollows = "data";
-  const auto found = files.ReadPart(path, 0, kLongestHeader).find(kSoundFollows);
-  return found == std::string::npos ? 0 : found + kSoundFollows.size() + kSizeField;
+  constexpr std::string_view kAudioFollows = "data";
+  const auto found = files.ReadPart(path, 0, kLongestHeader).find(kAudioFollows);
+  return found == std::string::npos ? 0 : found + kAudioFollows.size() + kSizeField;
 }
 
 }  // namespace
@@ -76,8 +76,8 @@ std::string GrownRecording::MessageStem() const {
 
 bool IsBeginning(const Files& files, const std::string& part, const std::string& whole) {
   constexpr std::size_t kBlock = 1U << 16U;
-  auto offset = SoundBegin(files, part);
-  if (offset != SoundBegin(files, whole)) return false;
+  auto offset = AudioBegin(files, part);
+  if (offset != AudioBegin(files, whole)) return false;
   for (;;) {
     const auto mine = files.ReadPart(part, offset, kBlock);
     if (mine.empty()) return true;
@@ -88,8 +88,8 @@ bool IsBeginning(const Files& files, const std::string& part, const std::string&
   }
 }
 
-std::string WithAllSound(const Files& files, const std::string& path) {
-  const auto begin = SoundBegin(files, path);
+std::string WithAllAudio(const Files& files, const std::string& path) {
+  const auto begin = AudioBegin(files, path);
   if (begin == 0) return {};
   auto content = files.ReadPart(path, 0, begin);
   if (content.size() < kShortestHeader || !content.starts_with("RIFF")) return {};

@@ -31,13 +31,13 @@ struct GrownRecording {
   bool Is(std::string_view recording) const { return recording == file || recording == Name(); }
 };
 
-/// Whether the sound in the file `part` is where that in `whole` begins, byte by byte, or all of it; throws
-/// what reading throws.
+/// Whether the audio in `whole` begins with all the audio in `part`, byte by byte. Throws what reading
+/// throws.
 bool IsBeginning(const Files& files, const std::string& part, const std::string& whole);
 
-/// The content of the recording `path` with a header that counts all of its sound, where a write that was cut
-/// short left some behind what the header counts; empty otherwise. Throws what reading throws.
-std::string WithAllSound(const Files& files, const std::string& path);
+/// The content of the recording `path` with a corrected header, if an interrupted write left audio that the
+/// header does not count; empty otherwise. Throws what reading throws.
+std::string WithAllAudio(const Files& files, const std::string& path);
 
 /// The growing files in a few folders, as they were at the latest look.
 class GrownRecordings {

@@ -31,7 +31,7 @@ void ListCommands::Clear() {
     auto& list = parts_.ListView1;
     list.FollowRecords();
     if (list.Count() == 0) return;
-    // A call that comes in while the question is open was not meant.
+    // A call that comes in while the question is open stays.
     const auto newest = list.Row(1);
     if (parts_.settings.WornClear != 0 && !parts_.dialogs.Confirm("Clear Calls List ?")) return;
     if (list.RowOf(newest) == 0) return list.FollowRecords();
@@ -123,8 +123,8 @@ void ListCommands::ListView1_Selected(std::int32_t row) {
   });
 }
 
-/// Selects the call that a person saw in the row; false when that cannot be. Where it is gone, none is
-/// selected: the next key must not meet another call.
+/// Selects the call that a person saw in the row; false when that fails. If the call is gone, nothing is
+/// selected, so that the next key does not act on another call.
 bool ListCommands::Follow(std::int32_t row) {
   auto& list = parts_.ListView1;
   const auto seen = parts_.view.ShownCall(row);

@@ -13,10 +13,9 @@
 
 namespace orven {
 
-/// What a person does to the calls in the list; every command but Clear acts on the selected row and
-/// does nothing without one, but for those that lead to a row. Where another program has changed the records
-/// meanwhile, a command acts on the call that was shown, or only brings the list up to date. A step that
-/// fails leaves no trace here: the records log their own. User-interface thread.
+/// The commands of the call list. Every command except Clear and those that select a row needs a selected
+/// row. If another program has changed the records, a command acts on the call that was shown, or only
+/// updates the list. Failures are not logged here: the records log their own. User-interface thread.
 class ListCommands {
  public:
   struct Parts {
@@ -27,8 +26,8 @@ class ListCommands {
     const Mouse& mouse;
     CallListView& view;
     const Settings& settings;
-    /// The selection must not be moved: the list's owner is listening by telephone. The status bar says so
-    /// then.
+    /// True while the owner listens by telephone: the selection must not move. Also shows that in the status
+    /// bar.
     std::function<bool()> blocked;
   };
 
@@ -66,7 +65,7 @@ class ListCommands {
   /// A mouse button went down over the list, after the row below it was selected.
   void ListView1_MouseDown();
 
-  /// The list's menu is wanted otherwise (the keyboard's menu key).
+  /// Opens the list's menu without the mouse (the keyboard's menu key).
   void PopUpMenu();
 
   void ListView1_DblClick();

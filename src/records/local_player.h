@@ -62,9 +62,9 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   LocalPlayer(const LocalPlayer&) = delete;
   LocalPlayer& operator=(const LocalPlayer&) = delete;
 
-  /// Plays the selected row's message, the first row's without a selection, or the next one below: rows
-  /// without a message on the way are marked read and skipped. Many of them are skipped bit by bit, other
-  /// events running between. Nothing while `blocked`. Where the selected call is gone, what plays is stopped.
+  /// Plays the message of the selected row (without a selection: the first), or the next one below. Rows
+  /// without a message are marked read and skipped, a few at a time so that other events run in between. Does
+  /// nothing while `blocked`. If the selected call is gone, stops what plays.
   void Play();
 
   /// The button "Stop": stops a message; slider, timer and playing flag are reset in any case.
@@ -109,7 +109,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   std::string held_file_;
   std::chrono::milliseconds length_{0};  ///< of the held file
   std::string pictured_file_;            ///< whose picture is shown or being made
-  std::uint32_t search_ = 0;             ///< counts the plays, so that a search that was overtaken ends
+  std::uint32_t search_ = 0;             ///< counts the searches: an older one ends
   Lifeline lifeline_;
 };
 

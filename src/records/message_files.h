@@ -16,8 +16,8 @@ std::string FirstThere(const Files& files, const std::vector<std::string>& paths
 /// Whether two files are the same byte by byte; throws what reading throws. Any thread.
 bool SameContent(const Files& files, const std::string& one, const std::string& other);
 
-/// Deletes the first of these files that is there, and its copies among the others, as a killed program
-/// leaves them; throws 53 when none is there. Any thread.
+/// Deletes the first of these files that exists, and identical copies among the others, which a killed
+/// program may leave; throws 53 when none exists. Any thread.
 void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 
 /// Where message files are: in the messages folder, and from a move's beginning to its end, which may be

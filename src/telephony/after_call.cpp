@@ -47,8 +47,8 @@ bool AfterCall::WantsMail(const Call& call) const {
   return settings_.pMailTo != 0 && (call.message_left || settings_.ActionsMailAllCalls != 0);
 }
 
-/// First the mail, then the note: a program that is killed between the two sends one mail twice rather than
-/// none.
+/// First the mail, then the note: if the program is killed in between, one mail is sent twice instead of
+/// never.
 void AfterCall::HandMailOver(Call& call) {
   if (WantsMail(call)) effects_.actions.DoActions("Mail", call);
   journal_.MailHandedOver(call);
@@ -66,7 +66,7 @@ void AfterCall::RunActions(Call& call) {
 }
 
 void AfterCall::OpenCallerView() {
-  // One that a click has just sent away must not cost the next announcement.
+  // A view that a click is just closing must not suppress the next announcement.
   if (effects_.caller_view.IsClosing()) effects_.caller_view.Unload();
   effects_.caller_view.ViewCallViewer(settings_.cAnimation != 0, settings_.AnimationFast,
                                       settings_.cCloseCallerView != 0, settings_.CloseCallerView);

@@ -10,7 +10,7 @@
 
 namespace orven {
 
-/// Everything that is not the telephone and that a call sets off.
+/// What a call sets off apart from the telephone.
 struct CallEffects {
   CallerView& caller_view;
   EventSounds& sounds;
@@ -44,8 +44,8 @@ class AfterCall {
   /// The part of Finish that makes the record, where one is wanted.
   void File(Call& call);
 
-  /// Hands over the mails of the calls that an earlier run filed, or was about to, and could not mail before
-  /// it was killed. Their programs are not started: that may have been done.
+  /// Sends the mails of calls that an earlier run filed or was about to file, but did not mail before it was
+  /// killed. Their programs are not started, because that may have happened already.
   void SendDueMails();
 
  private:

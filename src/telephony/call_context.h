@@ -28,14 +28,13 @@ enum class CallState {
 
 const char* NameOf(CallState state);
 
-/// The way of a call through its states. It shows where a call stands and finds a sequence that goes
-/// astray; what a handler may do is decided by the call's flags.
+/// The state of the current call. It detects impossible transitions; what a handler may do is decided by the
+/// call's flags.
 class CallProgress {
  public:
   CallState State() const { return state_; }
 
-  /// Goes to `next`. A way that no call can take is taken all the same, and reported by throwing
-  /// RuntimeError 5 with both states.
+  /// Goes to `next`, even by an impossible transition; then throws RuntimeError 5 with both states.
   void Enter(CallState next);
 
  private:

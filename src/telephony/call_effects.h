@@ -44,7 +44,7 @@ class CallerView {
   virtual void ShowCall(const Call& call) = 0;
 };
 
-/// Plays sounds at the desk.
+/// Plays sound files on the computer's sound card.
 class EventSounds {
  public:
   virtual ~EventSounds() = default;
@@ -67,8 +67,8 @@ class CallActions {
   virtual void DoActions(const std::string& kind, Call& call) = 0;
 };
 
-/// The first panel of the status bar, on which everybody writes. It counts the texts, so that who
-/// takes one away after a while can see whether it is still his. User-interface thread.
+/// The first panel of the status bar. It counts the texts, so that a writer that clears its text later can
+/// see whether that text is still shown. User-interface thread.
 class StatusPanel : public LineView {
  public:
   explicit StatusPanel(LineView& view) : view_(view) {}

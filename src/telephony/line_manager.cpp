@@ -15,7 +15,7 @@ constexpr std::int32_t kNoneUsable = -2;
 constexpr std::int32_t kOwnerPrivilege = 4;
 constexpr std::int32_t kAutomatedVoice = 8;
 
-/// A laptop is called again this soon after it has found its network, or the port is free.
+/// A laptop can be called this soon after it has found its network.
 constexpr std::chrono::seconds kTryAgain{5};
 
 std::string Device(std::int32_t index, const std::string& name) {

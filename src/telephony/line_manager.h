@@ -40,17 +40,17 @@ class LineManager {
   /// Says in a box that a device has to be chosen, and where; nothing while that box is open.
   void TellToSelectDevice();
 
-  /// Takes the line of a device; nothing for a negative index or while a line is open. What cannot be taken
-  /// (a port in use, no network yet) is tried again every few seconds, until it is taken or CloseLine is
-  /// called; the log has each reason once.
+  /// Opens the line of a device; does nothing for a negative index or while a line is open. A failure (a port
+  /// in use, no network yet) is tried again every few seconds until it succeeds or CloseLine is called; each
+  /// reason is logged once.
   void OpenLine(std::int32_t index);
 
   /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.
   void CloseLine(std::int32_t index);
 
-  /// Puts other devices in place of those that there are: `replace` does it, while no line is open. The
-  /// chosen device is found again by its name, where it has gone the first usable one is chosen, and the
-  /// line is taken again if it was on, or if there was no device. Only while there is no call.
+  /// Replaces the devices: `replace` does it, while no line is open. The chosen device is found again by its
+  /// name; if it is gone, the first usable one is chosen. The line is opened again if it was on, or if there
+  /// was no device. Only while there is no call.
   void ReplaceDevices(const std::function<void()>& replace);
 
   bool LineOn() const { return line_on_; }

@@ -36,11 +36,11 @@ class Recorder {
   /// still connected then.
   void RecMessage();
 
-  /// Ends the recording and leaves it in the messages folder under the call's message file name, which is
-  /// another one where an older file has that name: two calls of one second.
+  /// Ends the recording and stores it in the messages folder under the call's message file name. If a file
+  /// has that name already (two calls of one second), the message gets another.
   void StopRecMessage();
 
-  /// Ends both timers: the caller does not record, whatever was begun.
+  /// Stops both timers: the caller does not record.
   void StopTimers();
 
   /// The call is over: ends a recording that still runs and both timers.

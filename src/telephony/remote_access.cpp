@@ -37,7 +37,8 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   PlayForAdmin();
 }
 
-/// A message that the call left before the password was keyed has no record, for the owner's calls have none.
+/// The owner's calls have no record: a message that was recorded before the password is only named in the
+/// log.
 void RemoteAccess::NameUnfiledMessage(std::int32_t line) {
   const auto& call = context_.call;
   if (!call.message_left || call.admin_mode) return;
@@ -60,7 +61,7 @@ bool RemoteAccess::SelectNextMessage() {
   const auto row = ListView1.NextMessage(place_);
   ListView1.Select(row > 0 ? row : ListView1.Count());
   if (row > 0) place_ = ListView1.Identity(row);
-  // Without a call to hang up the way leads beyond the last row.
+  // Without a call to hang up there is no next row.
   if (row == 0 && !context_.Connected()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
   return row > 0;
 }

@@ -25,8 +25,8 @@ class RemoteAccess {
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
 
-  /// Plays the next message that the owner has not heard, whatever became of the list's rows and its
-  /// selection meanwhile; hangs up after the last, and where none can be played.
+  /// Plays the next message that the owner has not heard, also when the list's rows or its selection have
+  /// changed meanwhile. Hangs up after the last, and when none can be played.
   void PlayForAdmin();
 
  private:

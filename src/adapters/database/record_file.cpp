@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Throws when SQLite finds pages that contradict each other. It reads the whole file.
-void CheckSound(SqliteConnection& connection, const std::string& path) {
+/// Throws when SQLite finds inconsistent pages. Reads the whole file.
+void CheckIntegrity(SqliteConnection& connection, const std::string& path) {
   const std::string verdict = connection.Ask("PRAGMA quick_check(1)");
   if (verdict != "ok") throw SqliteError(SQLITE_CORRUPT, path, verdict);
 }
@@ -68,7 +68,7 @@ void Prepare(SqliteConnection& connection, const std::string& path, const Record
   connection.Execute("PRAGMA synchronous=FULL");
   // Or salvage would bring deleted calls back.
   connection.Execute("PRAGMA secure_delete=ON");
-  CheckSound(connection, path);
+  CheckIntegrity(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
   MakeTable(connection, schema);
   MakeIndex(connection, schema);
@@ -85,7 +85,7 @@ void Prepare(SqliteConnection& connection, const std::string& path, const Record
   connection.MergeLog();
 }
 
-std::unique_ptr<SqliteConnection> OpenSound(const std::string& path, const RecordSchema& schema) {
+std::unique_ptr<SqliteConnection> OpenIntact(const std::string& path, const RecordSchema& schema) {
   auto connection = std::make_unique<SqliteConnection>(path);
   try {
     Prepare(*connection, path, schema);
@@ -96,7 +96,7 @@ std::unique_ptr<SqliteConnection> OpenSound(const std::string& path, const Recor
   return connection;
 }
 
-/// Moves what SQLite keeps beside the file at `path`; gives the name that the file itself would get.
+/// Renames the log files beside `path`; returns the name that the file itself would get.
 std::string SetAsideLogs(const std::string& path) {
   std::string aside = NameToSetAside(path, "damaged");
   for (const char* companion : {"-wal", "-shm", "-journal"}) {
@@ -126,7 +126,7 @@ void RemoveFresh(const std::string& fresh) {
 
 void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& rows) {
   RemoveFresh(fresh);  // killed while it was filled
-  const auto connection = OpenSound(fresh, schema);
+  const auto connection = OpenIntact(fresh, schema);
   connection->Execute("BEGIN");
   std::string marks = "?";
   for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
@@ -143,7 +143,7 @@ void FillFresh(const std::string& fresh, const RecordSchema& schema, const Salva
   connection->Execute("COMMIT");
 }
 
-/// Puts a file with what can be read of the one at `path` in its place. Says what became of both.
+/// Replaces the file at `path` by one with the rows that can be read. Returns a note about both.
 std::string Renew(const std::string& path, const RecordSchema& schema) {
   const SalvagedRows rows = SalvageRows(path, schema.table, schema.fields);
   const std::string fresh = path + kFresh;
@@ -181,13 +181,13 @@ std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const 
     if (!aside.empty()) note = path + " is gone; the log file that was left is kept as " + aside + "-wal";
   }
   try {
-    return OpenSound(path, schema);
+    return OpenIntact(path, schema);
   } catch (const SqliteError& damage) {
     if (!damage.FileIsUseless()) throw;
     note = damage.what();
   }
   note += ": " + Renew(path, schema);
-  return OpenSound(path, schema);
+  return OpenIntact(path, schema);
 }
 
 }  // namespace orven

@@ -73,7 +73,7 @@ void SqliteDatabase::FollowMove() {
   if (!note.empty()) loss_(note);
 }
 
-/// Runs an operation, and where it meets a damaged file, once more on a sound one.
+/// Runs an operation. If it finds the file damaged, repairs the file and runs it again.
 template <class Operation>
 auto SqliteDatabase::Mending(const Operation& operation, After after) {
   try {

@@ -17,12 +17,12 @@ namespace orven {
 /// numbers (rowid) keep the order of insertion.
 ///
 /// A copy of the row numbers in memory finds a position at once; it is read again when another
-/// program changed the file. A file that is moved or deleted while it is open is noticed, and the
-/// path is opened anew. So is one that turns out to be damaged: the operation that meets the damage goes on
-/// with what could be read of it, and one that was given a position throws, because others may stand there
-/// now. When Open failed, AddNew, Query and RecordCount try again (the disk may be back), and all other
-/// operations throw 5. Moving drops a record that was begun but not updated. MoveFirst and MoveNext throw 9
-/// where there is no such record; so does Update when the edited record is gone.
+/// program changed the file. If the file is moved or deleted while it is open, the path is opened again. If
+/// it turns out to be damaged, it is repaired and the operation continues with the rows that could be read;
+/// an operation with a position throws instead, because other records may have that position now. When Open
+/// failed, AddNew, Query and RecordCount try again (the disk may be back), and all other operations throw 5.
+/// Moving drops a record that was begun but not updated. MoveFirst and MoveNext throw 9 where there is no
+/// such record; so does Update when the edited record is gone.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.

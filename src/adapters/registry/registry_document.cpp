@@ -20,7 +20,7 @@ std::string HeadOf(const std::string& key) {
   return "[" + key + "]";
 }
 
-/// Whether the format can hold this key: not one that would be a comment in part, or a deletion.
+/// Whether the format can hold this key: it must not read as a deletion, nor contain a comment.
 bool IsKeyName(const std::string& key) {
   const RegistryLine line = ParseRegistryLine(HeadOf(key), 0);
   return line.kind == Kind::Key && line.name == key && line.raw == HeadOf(key);

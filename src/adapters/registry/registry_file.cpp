@@ -18,7 +18,7 @@ namespace {
 /// Only its owner may read the file: it holds the password of remote access.
 constexpr unsigned kOwnerOnly = 0600;
 
-/// The last version that missed nothing.
+/// The last complete version.
 constexpr const char* kBackup = ".bak";
 
 /// The coarsest time stamp of a usual file system (FAT): a file changed less than this ago may change
@@ -119,7 +119,7 @@ void RegistryFile::Load(const Stamp& stamp) {
     last_problem_.clear();
     Use(std::move(content));
     ReportFaults(document_, path_, report_);
-    MindBackup();
+    UpdateBackup();
   }
 }
 
@@ -130,9 +130,9 @@ void RegistryFile::Use(std::string content) {
   filled_ = false;
 }
 
-/// A file that has all that the backup has replaces it; another is filled up from it. A cut at a line's end,
-/// or another letter in a key, is no damage that the file itself shows.
-void RegistryFile::MindBackup() {
+/// Takes from the backup what the file lacks: a file that was cut at a line's end, or has a changed letter in
+/// a key, shows no damage itself. A file that lacks nothing becomes the new backup.
+void RegistryFile::UpdateBackup() {
   std::optional<std::string> backup;
   try {
     backup = DiskFiles().Read(path_ + kBackup);
@@ -161,7 +161,7 @@ void RegistryFile::WriteBackup() {
 void RegistryFile::BecomeAbsent() {
   if (!content_ && filled_) return;
   BecomeEmpty(true);
-  MindBackup();
+  UpdateBackup();
 }
 
 void RegistryFile::BecomeEmpty(bool writable) {

@@ -19,14 +19,14 @@ using RegistryReport = std::function<void(const std::string&)>;
 
 /// The registry as one text file in the format of Windows' registry exports.
 ///
-/// Each operation looks whether another process changed the file (inode, times, size) and reads it
-/// again if so. Damaged lines are reported once per content; the others are used. The last version that
-/// missed nothing is kept beside the file as "<name>.bak": values that it has and the file lacks are taken
-/// from it, with a report, also when the file is absent; Delete() takes a value from both. Before the first
-/// write a damaged file is kept as "<name>.damaged-20261121T041530". A file that cannot be read is reported,
-/// reads as empty, and is never written. A write replaces the file whole, durably, readable by its owner only
-/// (mode 0600: it holds a password); a write that changes nothing leaves the file alone. Text that is no
-/// UTF-8 survives. User-interface thread.
+/// Each operation checks whether another process changed the file (inode, times, size) and reads it again if
+/// so. Damaged lines are reported once per content; the others are used. The last complete version is kept
+/// beside the file as "<name>.bak": values that the file lacks are taken from it, with a report, also when
+/// the file is missing; Delete() removes a value from both. Before the first write a damaged file is kept as
+/// "<name>.damaged-20261121T041530". A file that cannot be read is reported, reads as empty, and is never
+/// written. A write replaces the file whole, durably, readable by its owner only (mode 0600: it holds a
+/// password); a write that changes nothing leaves the file alone. Text that is not UTF-8 is preserved.
+/// User-interface thread.
 class RegistryFile final : public Registry {
  public:
   RegistryFile(std::string path, RegistryReport report);
@@ -59,7 +59,7 @@ class RegistryFile final : public Registry {
   void BecomeAbsent();
   void BecomeEmpty(bool writable);
   bool Store(const RegistryDocument& changed);
-  void MindBackup();
+  void UpdateBackup();
   void WriteBackup();
   void KeepDamaged();
   void ReportOnce(const std::string& problem);

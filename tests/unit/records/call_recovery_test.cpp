@@ -269,11 +269,11 @@ TEST_F(Recovery, AudioThatTheHeaderDoesNotCountIsCounted) {
     return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + "data" + std::string{data, 0, 0, 0};
   };
   files.Put("cut", file(40, 4) + "abcdefg");
-  EXPECT_EQ(file(42, 6) + "abcdefg", WithAllSound(files, "cut")) << "no half sample is counted";
+  EXPECT_EQ(file(42, 6) + "abcdefg", WithAllAudio(files, "cut")) << "no half sample is counted";
   for (const auto& whole :
        {file(40, 4) + "abcd", file(40, 4) + "abcde", file(40, 4) + "ab", std::string("RIFF data")}) {
     files.Put("whole", whole);
-    EXPECT_EQ("", WithAllSound(files, "whole"));
+    EXPECT_EQ("", WithAllAudio(files, "whole"));
   }
 }
 
