@@ -20,9 +20,9 @@ bool SameContent(const Files& files, const std::string& one, const std::string& 
 /// program may leave; throws 53 when none exists. Any thread.
 void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 
-/// Where message files are: in the messages folder, and from a move's beginning to its end, which may be
-/// several starts later, in the next one too; some may be in the application folder's own, which serves while
-/// the messages folder is not there. User-interface thread.
+/// Finds message files. They are in the messages folder; during a move, which may last several starts, also
+/// in the next folder; some may be in the application folder's own, which is used while the messages folder
+/// is missing. User-interface thread.
 class MessageFolders {
  public:
   MessageFolders(const Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}

@@ -25,7 +25,7 @@ bool IsLegal(CallState from, CallState to) {
   if (to == CallState::Idle) return true;
   switch (from) {
     case CallState::Idle: return to == CallState::Offered;
-    // The desk may drop a call that is offered; a line may connect one that nobody here answered.
+    // A person may drop an offered call; a line may connect a call that the program did not answer.
     case CallState::Offered: return to == CallState::Answering || to == CallState::Greeting;
     // A request that failed leaves the call ringing.
     case CallState::Answering:

@@ -63,8 +63,7 @@ struct CallContext {
   /// The call is answered and our side has not hung up yet.
   bool Connected() const { return Tapi1.IsCallConnected(Line()); }
 
-  /// The call goes to `next`. A way that no call can take is taken all the same; the log has it under
-  /// `label`.
+  /// The call goes to `next`. An impossible transition is made, too, and logged under `label`.
   void Enter(CallState next, const char* label) const;
 };
 

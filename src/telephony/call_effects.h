@@ -14,8 +14,8 @@ class LineView {
   virtual ~LineView() = default;
   /// First panel of the status bar.
   virtual void ShowStatus(const std::string& text) = 0;
-  /// The on/off button and, with it, which of `mnuOn` and `mnuOff` can be chosen. `trying`: a line that is
-  /// off is opened by itself as soon as it can be; both can be chosen then.
+  /// Shows the on/off button, and enables `mnuOn` or `mnuOff` to match. `trying`: the line is off and is
+  /// opened as soon as possible; both are enabled then.
   virtual void ShowLine(bool on, bool trying) = 0;
 };
 
