@@ -59,7 +59,6 @@ class SimLine : public LineDriver {
   void CallerId(const std::string& name, const std::string& number);
   void Press(char digit);
   void HangUp();
-  void Do(const SimStep& step);
 
   /// The network's side: how long answering and hanging up take, and how many of the next answers fail.
   void SetAnswerDelay(std::chrono::milliseconds delay) { answer_delay_ = delay; }
@@ -85,6 +84,7 @@ class SimLine : public LineDriver {
   std::string LastError() const override { return last_error_; }
 
  private:
+  void Do(const SimStep& step);
   void CompleteAnswer(CallNumber call, std::int32_t request);
   void Connect(CallNumber call);
   void CompleteDrop(CallNumber call, std::int32_t request);

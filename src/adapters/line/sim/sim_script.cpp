@@ -70,18 +70,4 @@ SimScript ReadSimScript(const std::string& path, std::vector<std::string>& compl
   return script;
 }
 
-std::string WriteSimScript(const SimScript& script) {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
-  for (const auto& step : script) {
-    const auto* word = std::find_if(kWords.begin(), kWords.end(),
-                                    [&](const auto& entry) { return entry.second == step.kind; });
-    text << static_cast<double>(step.at.count()) / 1000 << ' ' << word->first;
-    if (!step.number.empty()) text << ' ' << step.number;
-    if (!step.name.empty()) text << ' ' << step.name;
-    text << '\n';
-  }
-  return text.str();
-}
-
 }  // namespace orven

@@ -30,7 +30,4 @@ using SimScript = std::vector<SimStep>;
 /// Other lines are left out; each adds a text like "script.sim:3: …" to `complaints`.
 SimScript ReadSimScript(const std::string& path, std::vector<std::string>& complaints);
 
-/// The script as text that ReadSimScript reads.
-std::string WriteSimScript(const SimScript& script);
-
 }  // namespace orven

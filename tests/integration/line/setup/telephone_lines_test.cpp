@@ -32,42 +32,36 @@ class Registrar {
  public:
   Registrar() {
     PutFile(folder_ / "routes", R"cfg(request_route {
-  if ($fU != "100") { sl_send_reply("$(fU{s.int})",
-            "As Asked");
-    exit;
-  }
-  if ($au != "100" || !pv_www_authenticate("home", "secret", "0")) {
-    www_challenge("home", "1");
-    exit;
-  }
+  if ($fU != "100") { sl_send_reply("$(fU{s.int})", "As Asked"); exit; }
+  if ($au != "100" || !pv_www_authenticate("home", "secret", "0")) { www_challenge("home", "1"); exit; }
   save("location");
 })cfg");
     process_.setWorkingDirectory(QString::fromStdString(folder_ / ""));
-process_.startCommand(QString::fromStdString(
-    "timeout 55 kamailio -f routes -DD -E -n 1 -N 1 -m 16 -M 4 -w . -Y . -P ./pid -l udp:" + address +
-    " -l tcp:" + address +
-    " -L /usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
-    " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so "
-    "--loadmodule=auth.so"));
-const auto port = static_cast<std::uint16_t>(std::stoi(address.substr(address.find(':') + 1)));
-for (bool up = false; !up;) {
-  try {
-    up = Socket::TcpTo(port).Fd() >= 0;
-  } catch (const std::system_error&) {
-    if (process_.waitForFinished(20)) throw;
+    process_.startCommand(QString::fromStdString(
+        "timeout 55 kamailio -f routes -DD -E -n 1 -N 1 -m 16 -M 4 -w . -Y . -P ./pid -l udp:" + address +
+        " -l tcp:" + address +
+        " -L /usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
+        " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so "
+        "--loadmodule=auth.so"));
+    const auto port = static_cast<std::uint16_t>(std::stoi(address.substr(address.find(':') + 1)));
+    for (bool up = false; !up;) {
+      try {
+        up = Socket::TcpTo(port).Fd() >= 0;
+      } catch (const std::system_error&) {
+        if (process_.waitForFinished(20)) throw;
+      }
+    }
   }
-}
-}
-~Registrar() {
-  process_.terminate();
-  process_.waitForFinished();
-}
+  ~Registrar() {
+    process_.terminate();
+    process_.waitForFinished();
+  }
 
-const std::string address = Free();
+  const std::string address = Free();
 
-private:
-ScratchFolder folder_;
-QProcess process_;
+ private:
+  ScratchFolder folder_;
+  QProcess process_;
 };
 
 class TelephoneLinesTest : public testing::Test {
@@ -91,7 +85,7 @@ class TelephoneLinesTest : public testing::Test {
     service.LineClose(0);
     std::vector<std::string> problems;
     EXPECT_TRUE(service.Replace(MakeTelephoneLines(
-        path, loop, QtClock(), problems, [](auto&) {}, states)));
+        path, loop, clock, problems, [](auto&) {}, states)));
     opened = service.LineOpen(0, 4, 8) == kTelephonyOk;
     return first;
   }
@@ -108,6 +102,7 @@ class TelephoneLinesTest : public testing::Test {
   ScratchFolder folder;
   const std::string path = folder / "lines.ini";
   QtEventLoop loop;
+  QtClock clock;
   LineStates states;
   LineService service{loop, {}};
   FileTelephoneLines lines{path, loop, service, states};
