@@ -50,7 +50,7 @@ TEST(EmulatedModem, ComplainsOfWhatARealOneWouldNotTake) {
   EXPECT_THAT(complaints,
               testing::IsSupersetOf({HasSubstr("outside voice mode"), HasSubstr("middle of an answer"),
                                      HasSubstr("underrun"), HasSubstr("unshielded 0x10"), HasSubstr("full"),
-                                     HasSubstr("while it receives")}));
+                                     HasSubstr("while the modem receives")}));
 }
 
 TEST(EmulatedModem, HasFaults) {
