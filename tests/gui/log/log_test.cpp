@@ -66,7 +66,7 @@ TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
   EXPECT_EQ(Files(), "1_Sys.txt 2_Calls.txt ");
   auto& filter = Get<QComboBox>("cmbWhatToShow");
   EXPECT_EQ(filter.itemText(0) + filter.itemText(1) + filter.itemText(2), u"AllCallsSystem");
-  EXPECT_FALSE(Get("cmdDelete").isEnabled());
+  EXPECT_FALSE(Get("cmdDelete").isEnabled() || Get("cmdSaveAs").isEnabled());
   ClickFile("1_Sys.txt");
   EXPECT_EQ(State(), u"2 lines");
   EXPECT_EQ(Rows(), 2);
@@ -79,9 +79,12 @@ TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
   EXPECT_EQ(list.horizontalScrollBar()->maximum(), list.Extent() - list.viewport()->width());
   Click("cmdSaveAs");
   EXPECT_THAT(saved, ElementsAre(folder + "1_Sys.txt"));
+  Put("1_Sys.txt", "one\r\ntwo\r\nthree\r\n");
+  ClickFile("1_Sys.txt");
+  EXPECT_EQ(Rows(), 3) << "a click on the shown file reads it again";
   filter.setCurrentIndex(2);
   EXPECT_EQ(List1().currentItem()->text(), u"1_Sys.txt");
-  EXPECT_EQ(Rows(), 2) << "a file that is still listed stays";
+  EXPECT_EQ(Rows(), 3) << "a file that is still listed stays";
   filter.setCurrentIndex(1);
   EXPECT_EQ(Files(), "2_Calls.txt ");
   EXPECT_EQ(Rows(), 0);

@@ -96,6 +96,7 @@ TEST_F(CallerViewWindowTest, ReportsClicks) {
     QTest::mouseClick(view.windowHandle(), Qt::LeftButton, {}, label.mapTo(&view, label.rect().center()));
   }
   QTest::mouseClick(&Get("lblDrop"), Qt::RightButton);
+  QTest::mouseRelease(&Get("lblDrop"), Qt::LeftButton);
   QTest::mouseClick(&Get("lblCallerName"), Qt::LeftButton);
   EXPECT_THAT(clicks.clicks, testing::ElementsAre("answer", "answer", "drop", "drop", "nothing", "nothing",
                                                   "close", "close"));
