@@ -78,7 +78,10 @@ void SettingsStore::GetView(PlacedWindow& window) {
   settings_.MeHeight = present.height;
   Read(kViewReader, "ErrGetView ");
   if (present.state != 0) return;
-  window.Place({settings_.MeTop, settings_.MeLeft, settings_.MeWidth, settings_.MeHeight, present.state});
+  const ErrorTrap trap(log_, "ErrGetView ");
+  trap([&] {
+    window.Place({settings_.MeTop, settings_.MeLeft, settings_.MeWidth, settings_.MeHeight, present.state});
+  });
 }
 
 void SettingsStore::SetView(const PlacedWindow& window, bool hidden) {
@@ -89,7 +92,8 @@ void SettingsStore::SetView(const PlacedWindow& window, bool hidden) {
                                        RegString("MeWinState", std::to_string(geometry.state)),
                                        RegString("MeWidth", std::to_string(geometry.width)),
                                        RegString("MeHeight", std::to_string(geometry.height))};
-  registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
+  const ErrorTrap trap(log_, "ErrSetView ");
+  trap([&] { registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values); });
 }
 
 bool SettingsStore::GetGridLines() {

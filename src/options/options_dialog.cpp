@@ -71,12 +71,13 @@ OptionsDialog::OptionsDialog(Parts parts)
     : parts_(std::move(parts)), timer_(parts_.loop.MakeTimer([this] { LookAgain(); })) {}
 
 OptionLists OptionsDialog::Lists() {
+  const ErrorTrap trap(parts_.log, "ErrorLoadOptions->");
   OptionLists lists;
   for (int count = 1; count <= kMostRings; ++count) lists.txtNumOfRing.push_back(std::to_string(count));
   lists.txtRecLong = {"1", "2", "5"};
   lists.cmbSilenceSec = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
-  lists.cmbModemDev = Devices();
-  lists.cmbSoundDev = SoundCards();
+  trap([&] { lists.cmbModemDev = Devices(); });
+  trap([&] { lists.cmbSoundDev = SoundCards(); });
   return lists;
 }
 

@@ -59,8 +59,11 @@ bool CallRow::IsSameCall(const CallRow& now) const {
 }
 
 void CallList::RangeListTitle() {
-  view_.ShowColumns(
-      {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
+  const ErrorTrap trap(log_, "ErrRangeListTitle ");
+  trap([&] {
+    view_.ShowColumns(
+        {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
+  });
 }
 
 void CallList::Clear() {

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/call_control.h"
 
+#include "core/error_trap.h"
+
 namespace orven {
 
 void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force) {
-  if (context_.Tapi1.IsCallConnected(line)) return;
-  const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
-  if (!force && !due) return;
-  const auto request = RequestAnswer();
-  if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
-  context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
-                           "->Proc Num: " + std::to_string(request));
+  const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) return;
+    const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
+    if (!force && !due) return;
+    const auto request = RequestAnswer();
+    if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
+    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
+                             "->Proc Num: " + std::to_string(request));
+  });
 }
 
 std::int32_t CallControl::RequestAnswer() {
@@ -54,11 +59,13 @@ void CallControl::DropCall() {
 void CallControl::DropInComeCall() {
   const auto line = context_.Line();
   context_.log.WriteSystem("DropChice" + LineTag(line));
-  if (!context_.Tapi1.IsCallConnected(line)) {
+  const ErrorTrap trap(context_.log, "ErrDropInComeCall ");
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) return;
     const auto result = RequestAnswer();
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
-  }
-  HangUp();
+  });
+  trap([&] { HangUp(); });
 }
 
 void CallControl::DoNothing() {

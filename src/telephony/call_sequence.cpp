@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/call_sequence.h"
 
+#include "core/error_trap.h"
+
 namespace orven {
 
 void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*call*/) {
   context_.log.WriteSystem("InCommingCall" + LineTag(line));
   parts_.view.ShowStatus("InComing Call");
-  const auto now = parts_.clock.Now();
-  const auto date = parts_.clock.DateText(now);
-  const auto time = parts_.clock.TimeText(now);
-  context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
+  const ErrorTrap trap(context_.log, "ErrTapiInComeCall ");
+  trap([&] {
+    const auto now = parts_.clock.Now();
+    const auto date = parts_.clock.DateText(now);
+    const auto time = parts_.clock.TimeText(now);
+    context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
+  });
   context_.journal.Begin(context_.call);
   context_.Enter(CallState::Offered, "ErrTapiInComeCall ");
   parts_.after_call.Announce(context_.call);
@@ -19,7 +24,10 @@ void CallSequence::Ring(std::int32_t line, std::int32_t count) {
   context_.log.WriteSystem("Ring" + LineTag(line) + "->" + std::to_string(count));
   parts_.view.ShowStatus("Ring :" + std::to_string(count));
   parts_.control.AnswerToCall(line, count, false);
-  if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
+  const ErrorTrap trap(context_.log, "ErrTapiRing ");
+  trap([&] {
+    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
+  });
 }
 
 void CallSequence::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
@@ -41,13 +49,15 @@ void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t re
 
 void CallSequence::Connected(std::int32_t line) {
   if (!context_.call.in_progress) return;
+  const ErrorTrap trap(context_.log, "ErrTapiConnected ");
   parts_.view.ShowStatus("Line Connected");
-  if (context_.Tapi1.IsCallConnected(line)) {
+  trap([&] {
+    if (!context_.Tapi1.IsCallConnected(line)) return;
     context_.Tapi1.MonitorDigits(line, true);
     context_.log.WriteSystem("Connected" + LineTag(line));
     parts_.recorder.MakeReady();
     PlayGreeting();
-  }
+  });
   context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
   UpdateCallerView("Line Connected");
   if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
@@ -62,8 +72,13 @@ void CallSequence::Disconnected(std::int32_t line) {
   parts_.view.ShowStatus("Line Disconnected");
   context_.log.WriteSystem("Disconnected" + LineTag(line));
   context_.Enter(CallState::Disconnected, "ErrTapiDisConnected ");
-  if (parts_.recorder.Recording()) parts_.recorder.StopRecMessage();
-  if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();
+  const ErrorTrap trap(context_.log, "ErrTapiDisConnected ");
+  trap([&] {
+    if (parts_.recorder.Recording()) parts_.recorder.StopRecMessage();
+  });
+  trap([&] {
+    if (context_.Tapi1.IsCallConnected(line)) parts_.control.DropCall();
+  });
   UpdateCallerView("Line Disconnected");
 }
 
@@ -72,8 +87,9 @@ void CallSequence::Idle(std::int32_t line) {
   if (!call.in_progress) return;
   call.in_progress = false;
   context_.log.WriteSystem("Idle" + LineTag(line));
-  context_.Wave1.StopPlay();
-  parts_.recorder.EndOfCall();
+  const ErrorTrap trap(context_.log, "ErrTapiIdle ");
+  trap([&] { context_.Wave1.StopPlay(); });
+  trap([&] { parts_.recorder.EndOfCall(); });
   call.answering = false;
   context_.Enter(CallState::Idle, "ErrTapiIdle ");
   call.sent_to_application = false;

@@ -25,15 +25,16 @@ std::string Device(std::int32_t index, const std::string& name) {
 }  // namespace
 
 bool LineManager::SelectModemDevice() {
+  const ErrorTrap trap(ports_.log, "ErrSelectModemDevice ");
   if (settings_.Modem == kNoneSelected) {
-    ChooseFirstUsable();
+    trap([&] { ChooseFirstUsable(); });
     if (settings_.Modem == kNoneUsable) return false;
   }
   std::int32_t index = kNoneSelected;
-  index = FindByName(settings_.ModemName);
+  trap([&] { index = FindByName(settings_.ModemName); });
   settings_.Modem = index;
   if (index != kNoneSelected) return true;
-  store_.Set("Modem", std::to_string(kNoneSelected));
+  trap([&] { store_.Set("Modem", std::to_string(kNoneSelected)); });
   TellToSelectDevice();
   return false;
 }
@@ -85,6 +86,11 @@ void LineManager::OpenLine(std::int32_t index) {
 }
 
 void LineManager::TryToOpen(std::int32_t index) {
+  const ErrorTrap trap(ports_.log, "ErrOpenLine ");
+  trap([&] { Open(index); });
+}
+
+void LineManager::Open(std::int32_t index) {
   tmrOpenLine_->Stop();
   if (index < 0 || ports_.Tapi1.IsLineOpen(CurrentIndex()) || ports_.Tapi1.IsLineOpen(index)) return;
   const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
@@ -107,11 +113,13 @@ void LineManager::TryToOpen(std::int32_t index) {
 void LineManager::CloseLine(std::int32_t index) {
   if (open_index_ >= 0) index = open_index_;
   tmrOpenLine_->Stop();
-  if (ports_.Tapi1.IsLineOpen(index)) {
+  const ErrorTrap trap(ports_.log, "ErrCloseLine ");
+  trap([&] {
+    if (!ports_.Tapi1.IsLineOpen(index)) return;
     const auto result = ports_.Tapi1.LineClose(index);
     ports_.log.WriteSystem("LineClose[LineIndex=" + std::to_string(index) + "]->" +
                            ports_.Tapi1.ErrorText(result));
-  }
+  });
   open_index_ = -1;
   line_on_ = false;
   ShowLine();

@@ -76,6 +76,7 @@ class LineManager {
   std::int32_t FindUsable(std::string& name) const;
   void ChooseFirstUsable();
   void TryToOpen(std::int32_t index);
+  void Open(std::int32_t index);
   std::string DeviceName(std::int32_t index) const;
 
   Ports ports_;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/paths.h"
+#include "core/error_trap.h"
 #include "records/grown_recordings.h"
 #include "records/message_files.h"
 
@@ -68,11 +69,16 @@ void Recorder::StartAfterWait() {
   context_.call.trail.growing_name = name;
   // Before there is a file, so that no file is without its call.
   context_.journal.Note(context_.call);
-  if (context_.settings.CompressMessages != 0) {
-    StartMuLaw();
-  } else if (!StartPcm()) {
-    return;
-  }
+  const ErrorTrap trap(context_.log, "ErrRecMessage ");
+  bool refused = false;
+  trap([&] {
+    if (context_.settings.CompressMessages != 0) {
+      StartMuLaw();
+    } else {
+      refused = !StartPcm();
+    }
+  });
+  if (refused) return;
   TimerRecord->Start(kRecordInterval);
   if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
   context_.Enter(CallState::Recording, "ErrRecMessage ");
@@ -120,11 +126,14 @@ void Recorder::StopRecMessage() {
   call.message_file_name = MessageFileName(call.date, call.time);
   const auto& folder = context_.shared.messages_path;
   auto path = folder + call.message_file_name;
-  const auto result = Store(path);
-  context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
-  call.message_file_name = NameInFolder(path, folder);
-  if (result == kWaveOk) call.message_path = path;
-  context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor()));
+  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
+  trap([&] {
+    const auto result = Store(path);
+    context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
+    call.message_file_name = NameInFolder(path, folder);
+    if (result == kWaveOk) call.message_path = path;
+  });
+  trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
   TimerRecord->Stop();
   call.message_left = true;
   tmrSilence->Stop();
