@@ -21,26 +21,19 @@ using std::to_string;
 
 /// The second of two lines, its caller, and a program that hangs up when the caller has. Everything that
 /// the service tells is added to one text.
-class Scene : public TelephonyEvents {
- public:
+struct Scene : TelephonyEvents {
   explicit Scene(const SimScript& script = {}) {
     std::vector<TelephoneDevice> devices;
     for (int i = 0; i < 2; ++i) {
-      auto driver = std::make_unique<SimLine>("Sim", time_, script);
-      sim_ = driver.get();
+      auto driver = std::make_unique<SimLine>("Sim", time, script);
+      sim = driver.get();
       devices.push_back({std::move(driver), 120s});
     }
-    const auto report = [this](const std::string&) { Tell(kLine, "idle call"); };
-    service = std::make_unique<LineService>(time_, std::move(devices),
-                                            IdleCalls{[this] { return plays_; }, report});
+    const auto report = [this](const std::string&) { Tell(1, "idle call"); };
+    service =
+        std::make_unique<LineService>(time, std::move(devices), IdleCalls{[this] { return plays; }, report});
     service->SetEvents(this);
-    service->LineOpen(kLine, 4, 8);
-  }
-
-  /// What is told during `steps`, one letter each.
-  std::string Play(const std::string& steps) {
-    for (const char step : steps) Do(step);
-    return told_;
+    service->LineOpen(1, 4, 8);
   }
 
   void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override {
@@ -61,46 +54,46 @@ class Scene : public TelephonyEvents {
     Tell(line, name + '/' + number);
   }
 
- private:
-  static constexpr std::int32_t kLine = 1;
-
-  void Tell(std::int32_t line, const std::string& event) {
-    told_ += (told_.empty() ? "" : ", ") + (line == kLine ? event : "of another line: " + event);
-  }
-  void TellRefusal(std::int32_t result) {
-    if (result < 0) Tell(kLine, "refused " + to_string(result));
+  /// What is told during `steps`, one letter each.
+  std::string Play(const std::string& steps) {
+    for (const char step : steps) Do(step);
+    return told;
   }
   void Do(char step) {
     switch (step) {
       // The caller
-      case 'o': return sim_->Offer();
-      case 'r': return sim_->Ring();
-      case 'n': return sim_->CallerId("\"Bob\"\r\n", "");
-      case 'x': return sim_->CallerId("\x01", "  ");
-      case '1': return sim_->Press('1');
-      case 'h': return sim_->HangUp();
+      case 'o': return sim->Offer();
+      case 'r': return sim->Ring();
+      case 'n': return sim->CallerId("\"Bob\"\r\n", "");
+      case 'x': return sim->CallerId("\x01", "  ");
+      case '1': return sim->Press('1');
+      case 'h': return sim->HangUp();
       // The program
-      case 'A': return TellRefusal(service->LineAnswer(kLine));
-      case 'D': return TellRefusal(service->LineDrop(kLine));
-      case 'M': return service->MonitorDigits(kLine, true);
-      case 'C': return TellRefusal(service->LineClose(kLine));
-      case 'O': return TellRefusal(service->LineOpen(kLine, 4, 8));
-      case 'P': return void(plays_ = !plays_);
-      case '?': return Tell(kLine, service->IsCallConnected(kLine) ? "connected" : "not connected");
+      case 'A': return TellRefusal(service->LineAnswer(1));
+      case 'D': return TellRefusal(service->LineDrop(1));
+      case 'M': return service->MonitorDigits(1, true);
+      case 'C': return TellRefusal(service->LineClose(1));
+      case 'O': return TellRefusal(service->LineOpen(1, 4, 8));
+      case 'P': return void(plays = !plays);
+      case '?': return Tell(1, service->IsCallConnected(1) ? "connected" : "not connected");
       // Time passes
-      case '.': return time_.RunFor(1ms);
-      case '_': return time_.RunFor(100ms);
-      case 's': return time_.RunFor(2s);
-      default: return time_.RunFor(58s);
+      case '.': return time.RunFor(1ms);
+      case '_': return time.RunFor(100ms);
+      case 's': return time.RunFor(2s);
+      default: return time.RunFor(58s);
     }
   }
 
-  VirtualTime time_{std::chrono::sys_days{}};
-  SimLine* sim_ = nullptr;
-  bool plays_ = false;
-  std::string told_;
-
- public:
+  void Tell(std::int32_t line, const std::string& event) {
+    told += (told.empty() ? "" : ", ") + (line == 1 ? event : "of another line: " + event);
+  }
+  void TellRefusal(std::int32_t result) {
+    if (result < 0) Tell(1, "refused " + to_string(result));
+  }
+  VirtualTime time{std::chrono::sys_days{}};
+  SimLine* sim = nullptr;
+  bool plays = false;
+  std::string told;
   std::unique_ptr<LineService> service;
 };
 
@@ -122,12 +115,22 @@ TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
   };
   for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
   const Scene scene;
-  EXPECT_EQ(scene.service->LineAnswer(0), kTelephonyLineNotOpen);
   EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
   EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "the number of a request";
-  const SimScript script{{0ms, SimStep::Kind::Offer, "", ""}, {20s, SimStep::Kind::HangUp, "", ""}};
-  EXPECT_EQ(Scene(script).Play("sssCOsssssssss"), "call 1, idle, call 2") << "it begins with each opening";
-  EXPECT_EQ(Scene(script).Play("ssssssssssss"), "call 1, idle");
+}
+
+TEST(SimScript, IsPlayedFromEachOpeningAndItsWrongLinesAreNamed) {
+  const auto path = testing::TempDir() + "/orven_script.sim";
+  std::ofstream(path)
+      << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12\n2 dance\n3 press\n"
+         "-1 ring\n9 hangup\n";
+  std::vector<std::string> complaints;
+  EXPECT_EQ(Scene(ReadSimScript(path, complaints)).Play(".CO.AM_sssss"),
+            "call 1, idle, call 2, done 1, up, Anna Smith/555, digit 1, digit 2, gone, connected, "
+            "refused -4, done 2, idle");
+  ReadSimScript(path + ".none", complaints);
+  ASSERT_EQ(complaints.size(), 4U);
+  EXPECT_THAT(complaints[0], testing::StartsWith("orven_script.sim:6: \"2 dance\": expected "));
 }
 
 TEST(CallerText, LetsNothingHarmfulThrough) {
@@ -141,25 +144,6 @@ TEST(CallerText, LetsNothingHarmfulThrough) {
   for (const auto& [given, clean] : rows) EXPECT_EQ(CleanCallerText(given), clean);
 }
 
-/// A loop that runs nothing.
-struct NoLoop : EventLoop {
-  void Post(Task) override {}
-  void After(std::chrono::milliseconds, Task) override {}
-  std::unique_ptr<Timer> MakeTimer(Task) override { return nullptr; }
-};
-
-TEST(DriverEventQueue, LosesNothingBetweenTwoThreads) {
-  NoLoop loop;
-  DriverEventQueue queue(loop, [] {});
-  DriverEventQueue next(loop, [] {});
-  std::thread driver([&] {
-    for (std::int32_t count = 1; count <= 1000; ++count) queue.Ring(1, count);
-  });
-  for (int delivered = 0; delivered < 1000;) delivered += queue.DeliverNext(next) ? 1 : 0;
-  driver.join();
-  EXPECT_FALSE(queue.DeliverNext(next));
-}
-
 struct CountedAudio : AudioSource, AudioSink {
   bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
   void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
@@ -168,9 +152,9 @@ struct CountedAudio : AudioSource, AudioSink {
 
 TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
   LineAudio audio;
-  std::atomic<bool> over = false;
-  std::thread call([&] {
-    for (std::array<std::int16_t, kBlockSamples> block{}; !over; audio.Deliver(block)) audio.Fetch(block);
+  const std::jthread call([&](const std::stop_token& over) {
+    for (std::array<std::int16_t, kBlockSamples> block{}; !over.stop_requested(); audio.Deliver(block))
+      audio.Fetch(block);
   });
   for (int i = 0; i < 100; ++i) {
     CountedAudio counted;
@@ -182,24 +166,6 @@ TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
     std::this_thread::yield();
     EXPECT_EQ(counted.uses, uses);
   }
-  over = true;
-  call.join();
-}
-
-TEST(SimScript, IsReadAndItsWrongLinesAreNamed) {
-  const auto path = testing::TempDir() + "/orven_script.sim";
-  std::ofstream(path)
-      << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12*\n2 dance\n3 press\n"
-         "-1 ring\n9 hangup\n";
-  std::vector<std::string> complaints;
-  std::string read;
-  for (const auto& step : ReadSimScript(path, complaints))
-    read += to_string(step.at.count()) + step.number + step.name +
-            (step.kind == SimStep::Kind::HangUp ? "!" : ";");
-  EXPECT_EQ(read, "0;100555Anna Smith;125012*;9000!");
-  ReadSimScript(path + ".none", complaints);
-  ASSERT_EQ(complaints.size(), 4U);
-  EXPECT_THAT(complaints[0], testing::StartsWith("orven_script.sim:6: \"2 dance\": expected "));
 }
 
 }  // namespace
