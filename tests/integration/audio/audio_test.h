@@ -11,8 +11,8 @@
 #include <thread>
 
 #include "adapters/audio/file_wave_control.h"
-#include "integration/audio/test_loop.h"
 #include "support/scratch_folder.h"
+#include "support/test_loop.h"
 
 namespace orven::testing {
 

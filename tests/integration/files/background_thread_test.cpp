@@ -8,8 +8,8 @@
 
 #include "adapters/files/disk_files.h"
 #include "base/runtime_error.h"
-#include "integration/audio/test_loop.h"
 #include "support/scratch_folder.h"
+#include "support/test_loop.h"
 
 namespace orven::test {
 namespace {

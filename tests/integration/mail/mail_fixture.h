@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "adapters/mail/smtp_mail.h"
-#include "integration/audio/test_loop.h"
 #include "support/scratch_folder.h"
+#include "support/test_loop.h"
 
 namespace orven::testing {
 
