@@ -12,13 +12,10 @@
 
 namespace orven::testing {
 
-/// Longer than anything here takes on the slowest machine under a sanitizer.
-inline constexpr std::chrono::seconds kLimit{30};
-
-/// Waits until `condition` holds; false when it never does.
-template <class Condition>
-bool Eventually(Condition condition) {
-  const auto deadline = std::chrono::steady_clock::now() + kLimit;
+/// Waits until `condition` holds; false when it does not within 30 seconds, which is longer than anything
+/// here takes on the slowest machine under a sanitizer.
+bool Eventually(auto condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -26,7 +23,7 @@ bool Eventually(Condition condition) {
   return true;
 }
 
-/// An event loop whose tasks run when the test says so. The wave control uses no timers.
+/// An event loop without timers. Any thread may post; the tasks run when the test says so.
 class TestLoop : public EventLoop {
  public:
   void Post(Task task) override {
@@ -44,6 +41,14 @@ class TestLoop : public EventLoop {
       lock.unlock();
       task();
     }
+  }
+
+  /// Runs tasks until `condition` holds; false when it does not in time.
+  bool RunUntil(auto condition) {
+    return Eventually([&] {
+      Run();
+      return condition();
+    });
   }
 
  private:

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
 #include <map>
-#include <mutex>
 #include <optional>
+#include <random>
 #include <sndfile.hh>
-#include <thread>
 
 #include "adapters/audio/file_wave_control.h"
 #include "support/scratch_folder.h"
@@ -28,8 +28,13 @@ inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000};
 inline constexpr WaveFormat kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
 inline const Samples kSilence(kBlockSamples, 0);
 
-/// Random samples, never a whole block of silence; the same for the same `seed`.
-Samples Noise(std::size_t count, unsigned seed = 1);
+/// Random samples, never a whole block of silence; the same at each call.
+inline Samples Noise(std::size_t count) {
+  std::mt19937 random(1);
+  Samples samples(count);
+  for (auto& sample : samples) sample = static_cast<std::int16_t>(random());
+  return samples;
+}
 
 /// `encoding` as libsndfile names it, `samples` interleaved.
 template <class Number>
@@ -39,21 +44,22 @@ void WriteWav(const std::string& path, int encoding, const std::vector<Number>& 
       .write(samples.data(), static_cast<sf_count_t>(samples.size()));
 }
 
-/// What `command` prints.
-std::string Printed(const std::string& command);
-
 /// What sox makes of the file as telephone audio; empty when it does not take it for an audio file.
-Samples Read(const std::string& path);
+inline Samples Read(const std::string& path) {
+  const std::string command = "sox -D '" + path + "' -t raw -e signed -b 16 -r 8000 -c 1 - 2>/dev/null";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  Samples samples;
+  for (std::int16_t sample = 0; fread(&sample, sizeof sample, 1, pipe.get()) == 1;) samples.push_back(sample);
+  return samples;
+}
 
 /// A disk that fails or hangs for the files below one folder: this program's own read, pwrite and fdatasync
 /// ask it first. The code under test does not know of it.
 struct FaultyDisk {
-  std::string folder;                                   ///< set while one thread runs
-  std::atomic<std::size_t> limit = SIZE_MAX;            ///< no file grows beyond it; a write is cut there
-  std::atomic<std::size_t> hold_reads_from = SIZE_MAX;  ///< reads from this offset on wait for Mend
-  std::atomic<int> sync_error = 0;                      ///< errno with which a sync fails
-  std::atomic<bool> hold_syncs = false;                 ///< syncs wait for Mend
-  std::atomic<int> held = 0;                            ///< operations that wait now
+  std::string folder;                              ///< set while one thread runs
+  std::atomic<std::size_t> limit = SIZE_MAX;       ///< no file grows beyond it; a write is cut there
+  std::atomic<std::size_t> hangs_from = SIZE_MAX;  ///< reads from this offset on, and syncs, wait for Mend
+  std::atomic<int> sync_error = 0, held = 0;       ///< errno with which a sync fails; operations that wait
 
   /// Ends all faults, and returns when nothing waits any more.
   void Mend();
@@ -68,38 +74,40 @@ class TestDevice : public AudioDevice {
   AudioSource* source = nullptr;
   AudioSink* sink = nullptr;
 
-  std::int32_t StartPlay(AudioSource& from) override { return refuse != 0 ? refuse : Set(source, &from); }
-  void StopPlay() override { Set<AudioSource>(source, nullptr); }
+  std::int32_t StartPlay(AudioSource& from) override {
+    if (refuse == kWaveOk) source = &from;
+    return refuse;
+  }
+  void StopPlay() override { source = nullptr; }
   void SourceReady() override { ++ready; }
-  std::int32_t StartRecord(AudioSink& to) override { return refuse != 0 ? refuse : Set(sink, &to); }
-  void StopRecord() override { Set<AudioSink>(sink, nullptr); }
+  std::int32_t StartRecord(AudioSink& to) override {
+    if (refuse == kWaveOk) sink = &to;
+    return refuse;
+  }
+  void StopRecord() override { sink = nullptr; }
 
   /// One block from the source; nothing when it has ended or none plays.
-  std::optional<Samples> Pull();
+  std::optional<Samples> Pull() {
+    Samples block(kBlockSamples, 1);
+    if (source != nullptr && source->Read(block)) return block;
+    source = nullptr;
+    return std::nullopt;
+  }
 
   /// Plays to the end and returns what was played, without blocks of silence: pulls may be ahead of the
   /// decoder.
-  Samples PlayToEnd();
+  Samples PlayToEnd() {
+    Samples played;
+    for (auto block = Pull(); block; block = Pull())
+      if (*block != kSilence) played.insert(played.end(), block->begin(), block->end());
+    return played;
+  }
 
   /// Captures whole blocks.
-  void Capture(const Samples& samples);
-
- private:
-  template <class Client>
-  std::int32_t Set(Client*& place, Client* client) {
-    const std::lock_guard lock(mutex_);
-    place = client;
-    return kWaveOk;
+  void Capture(const Samples& samples) {
+    for (std::size_t at = 0; sink != nullptr && at < samples.size(); at += kBlockSamples)
+      sink->Write(std::span(samples).subspan(at, kBlockSamples));
   }
-  std::mutex mutex_;
-};
-
-/// A folder that is deleted with everything in it.
-class TempFolder : public test::ScratchFolder {
- public:
-  using ScratchFolder::ScratchFolder;
-  std::string Path() const { return std::filesystem::path(*this / "any").parent_path(); }
-  std::vector<std::string> Names(const std::string& suffix = "") const;
 };
 
 /// A wave control with a line, a sound card, and folders of its own; the record folder is on a faulty disk.
@@ -108,7 +116,7 @@ class AudioTest : public ::testing::Test, public WaveEvents, public AudioDevices
   AudioTest() {
     disk.folder = messages / "";
     control->SetEvents(this);
-    control->SetRecordFolder(messages.Path());
+    control->SetRecordFolder(messages / "");
     control->SetRecordToDisk(true);
   }
   ~AudioTest() override {
@@ -126,12 +134,12 @@ class AudioTest : public ::testing::Test, public WaveEvents, public AudioDevices
     return finished;
   }
 
-  TempFolder messages, rescue;
+  test::ScratchFolder messages, rescue;
   const std::string message = messages / "m.wav";
   TestLoop loop;
   TestDevice line, card;
-  std::atomic<int> finished = 0;
-  std::optional<FileWaveControl> control{std::in_place, loop, *this, rescue.Path()};
+  int finished = 0;
+  std::optional<FileWaveControl> control{std::in_place, loop, *this, rescue / "kept"};
 };
 
 }  // namespace orven::testing

@@ -10,7 +10,6 @@ The port appears in FOLDER/port, the certificate in FOLDER/cert.pem, FOLDER/stal
 received, read by Python's own email package, in FOLDER/n.fields and its attached file in FOLDER/n.wav.
 """
 import asyncio
-import email
 import email.policy
 import email.utils
 import functools
@@ -19,13 +18,11 @@ import os
 import ssl
 import subprocess
 import sys
-import warnings
 
 from aiosmtpd.smtp import SMTP, AuthResult
 
 FOLDER, KIND, ACTION, ONCE = (sys.argv[1:] + ["", "", ""])[:4]
 logging.disable()  # what clients do wrong here is the tests' doing
-warnings.simplefilter("ignore")
 count = {"received": 0, "failed": 0}
 
 
