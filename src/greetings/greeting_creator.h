@@ -13,13 +13,11 @@
 #include "greetings/greeting_library.h"
 #include "greetings/microphone_take.h"
 #include "greetings/speech_link.h"
-#include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/wave.h"
-#include "platform/waveform.h"
 #include "records/call_store.h"
 
 namespace orven {

@@ -11,8 +11,8 @@
 
 #include "core/settings_store.h"
 #include "log/mdlLog.h"
-#include "platform/background.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "platform/files.h"
 
 namespace orven {

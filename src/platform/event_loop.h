@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 
@@ -54,6 +55,20 @@ class Lifeline {
 
  private:
   std::shared_ptr<int> alive_ = std::make_shared<int>(0);
+};
+
+/// Runs what may take long (a copy onto a slow disk) away from the user-interface thread, one piece of
+/// work after the other.
+class Background {
+ public:
+  using Work = std::function<void()>;
+  /// Takes what the work has thrown, or nullptr.
+  using Done = std::function<void(std::exception_ptr failure)>;
+
+  virtual ~Background() = default;
+
+  /// Runs `work` on another thread, then `done` on the user-interface thread. User-interface thread.
+  virtual void Run(Work work, Done done) = 0;
 };
 
 }  // namespace orven

@@ -47,9 +47,27 @@ class Shell {
   /// Starts `command` (a program and its arguments in one line; double quotes keep an argument
   /// together, also an empty one) as a process of its own, not waiting for it and through no command
   /// interpreter. `window_style` is 0 for a hidden window, 1 for a normal one and 2 for a minimised one, both
-  /// with the focus, where the platform has such a choice. Throws RuntimeError when it cannot be started: 5 for an empty command,
-  /// 53 for a program that is not there, 70 for one that may not be executed; the text names it.
+  /// with the focus, where the platform has such a choice. Throws RuntimeError when it cannot be started: 5
+  /// for an empty command, 53 for a program that is not there, 70 for one that may not be executed; the text
+  /// names it.
   virtual void Run(const std::string& command, std::int32_t window_style) = 0;
+};
+
+/// Virtual keys of the mouse's physical buttons.
+enum MouseKey : std::int32_t {
+  kLeftButton = 1,   ///< VK_LBUTTON
+  kRightButton = 2,  ///< VK_RBUTTON
+};
+
+/// The mouse as it is at this moment. User-interface thread.
+class Mouse {
+ public:
+  virtual ~Mouse() = default;
+
+  /// The user has swapped the buttons, and the system leaves it to programs to honour that.
+  virtual bool ButtonsSwapped() const = 0;
+
+  virtual bool IsDown(MouseKey button) const = 0;
 };
 
 }  // namespace orven

@@ -9,7 +9,6 @@
 
 #include "core/activity_log.h"
 #include "core/settings.h"
-#include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/dialogs.h"

@@ -6,7 +6,7 @@
 
 #include "core/settings.h"
 #include "platform/dialogs.h"
-#include "platform/mouse.h"
+#include "platform/shell.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
 #include "records/local_player.h"

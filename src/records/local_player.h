@@ -11,7 +11,6 @@
 #include "core/settings.h"
 #include "platform/event_loop.h"
 #include "platform/wave.h"
-#include "platform/waveform.h"
 #include "records/call_list.h"
 #include "records/call_store.h"
 #include "records/message_files.h"

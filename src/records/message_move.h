@@ -12,8 +12,8 @@
 
 #include "core/activity_log.h"
 #include "core/settings.h"
-#include "platform/background.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/registry.h"
 #include "records/call_store.h"

@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <chrono>
 
-#include "platform/waveform.h"
+#include "platform/wave.h"
 #include "widgets/button_bar.h"
 #include "widgets/waveform_widget.h"
 

@@ -8,7 +8,6 @@
 #include "greetings/greeting_library.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
-#include "platform/mouse.h"
 #include "platform/shell.h"
 #include "records/call_store.h"
 #include "records/list_commands.h"

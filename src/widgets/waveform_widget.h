@@ -5,7 +5,7 @@
 #include <chrono>
 #include <optional>
 
-#include "platform/waveform.h"
+#include "platform/wave.h"
 
 namespace orven {
 

@@ -6,15 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/background.h"
+#include "platform/audio_device.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/mail.h"
-#include "platform/mouse.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
-#include "platform/sound_card_names.h"
-#include "platform/waveform.h"
+#include "platform/wave.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"
 

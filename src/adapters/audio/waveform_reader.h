@@ -8,7 +8,7 @@
 
 #include "base/worker.h"
 #include "platform/event_loop.h"
-#include "platform/waveform.h"
+#include "platform/wave.h"
 
 namespace orven {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "platform/mouse.h"
 #include "platform/operating_system.h"
+#include "platform/shell.h"
 
 namespace orven {
 

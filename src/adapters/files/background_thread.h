@@ -2,7 +2,6 @@
 #pragma once
 
 #include "base/worker.h"
-#include "platform/background.h"
 #include "platform/event_loop.h"
 
 namespace orven {

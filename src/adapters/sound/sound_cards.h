@@ -14,7 +14,6 @@
 #include "adapters/sound/sound_thread.h"
 #include "platform/audio_device.h"
 #include "platform/event_loop.h"
-#include "platform/sound_card_names.h"
 
 namespace orven {
 
