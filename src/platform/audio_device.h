@@ -22,12 +22,12 @@ class AudioSource {
 
   /// Fills `block` (kBlockSamples samples), with silence where samples are missing for now, and
   /// returns true; or returns false, leaving the block alone, when everything has been read. Called
-  /// on the device's own thread every 20 ms: must not wait, touch a disk or call the device.
+  /// on the device's own thread every 20 ms: must not wait, access a disk or call the device.
   virtual bool Read(std::span<std::int16_t> block) = 0;
 
   /// The device has ended playing by itself (it was unplugged, its server died): Read will not be called
-  /// again. Called once at most, never after StopPlay or after Read returned false, on a thread of the
-  /// device's or the user-interface thread, with the same rules as Read.
+  /// again. Called at most once, never after StopPlay or after Read returned false, on a thread of the
+  /// device or on the user-interface thread, with the same rules as Read.
   virtual void Gone() {}
 };
 
@@ -40,7 +40,7 @@ class AudioSink {
   virtual void Write(std::span<const std::int16_t> block) = 0;
 };
 
-/// One numbered wave device, a telephone line's or a sound card's. It plays from one source and
+/// One numbered wave device of a telephone line or a sound card. It plays from one source and
 /// records into one sink at a time. User-interface thread; all operations return at once.
 class AudioDevice {
  public:
@@ -53,8 +53,8 @@ class AudioDevice {
   /// Ends playing. After it returns, `Read` is not running and will not be called. Idempotent.
   virtual void StopPlay() = 0;
 
-  /// The source that plays had only silence so far and has its first sound now: what is heard of it need not
-  /// wait for the device's next turn. Any thread; returns at once.
+  /// The playing source had only silence so far and now has its first samples, so the device need not wait
+  /// for its next block. Any thread; returns at once.
   virtual void SourceReady() {}
 
   /// Starts handing captured blocks to `sink` until StopRecord; same results as StartPlay.
@@ -81,14 +81,14 @@ inline constexpr std::int32_t kFirstLineWaveDevice = 1000;
 /// A number that no wave device has.
 inline constexpr std::int32_t kNoWaveDevice = -1;
 
-/// What the sound cards are called. User-interface thread; nothing waits.
+/// The names of the sound cards. User-interface thread; never waits.
 class SoundCardNames {
  public:
   virtual ~SoundCardNames() = default;
 
-  /// The names of the sound cards' outputs, as far as they are known now; the index is the card's number,
-  /// the setting `Sound`. A card that is not there now keeps its place, and its name says so. Begins to
-  /// look anew: a card that was just plugged in is in a later answer.
+  /// The names of the sound cards' outputs, as far as known; the index is the card's number,
+  /// the setting `Sound`. An unplugged card keeps its number, and its name says so. Also starts a new
+  /// search: a card that was just plugged in appears in a later answer.
   virtual std::vector<std::string> Names() = 0;
 };
 

@@ -6,7 +6,7 @@
 
 namespace orven {
 
-/// Time as the engine sees it: elapsed time, the wall clock, and the user's way of writing both.
+/// Time for the engine: a monotonic clock, the wall clock, and both as text in the user's format.
 /// Any thread may call; nothing here fails.
 class Clock {
  public:
@@ -14,7 +14,7 @@ class Clock {
 
   virtual ~Clock() = default;
 
-  /// Milliseconds since some fixed moment; never runs backwards, whatever happens to the wall clock.
+  /// The monotonic clock: milliseconds since some fixed moment, unaffected by changes of the wall clock.
   virtual std::chrono::milliseconds Uptime() const = 0;
 
   /// The wall clock.

@@ -6,21 +6,21 @@
 
 namespace orven {
 
-/// What comes over the link to the speech helper.
+/// What arrives over the link to the speech helper.
 class DataExchangeEvents {
  public:
   virtual ~DataExchangeEvents() = default;
 
-  /// One whole message of the helper's.
+  /// One whole message from the helper.
   virtual void DataArrival(const std::string& text) = 0;
 
-  /// A link that was up is down: the helper ended or died, or broke the rules of the link.
+  /// The link went down: the helper ended, crashed or violated the protocol.
   virtual void LinkLost() = 0;
 };
 
-/// The data-exchange control `uDat`: one link to the speech helper, over which whole messages go both ways,
-/// in order. A message is UTF-8 text of up to kLongestMessage bytes. User-interface thread; events arrive
-/// there, never inside an operation other than OpenCheck.
+/// The data-exchange control `uDat`: one link to the speech helper, which carries whole messages in both
+/// directions, in order. A message is UTF-8 text of up to kLongestMessage bytes. User-interface thread;
+/// events arrive there, never inside an operation other than OpenCheck.
 class DataExchange {
  public:
   /// The longest message, in bytes.
@@ -31,18 +31,18 @@ class DataExchange {
   /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
   virtual void SetEvents(DataExchangeEvents* events) = 0;
 
-  /// True when the link is up. While a helper that was started less than `seconds` ago has not come yet,
-  /// this waits for it, until those seconds have passed, and runs the event loop meanwhile: whoever calls
-  /// must expect any other event inside. A call inside such a wait, and one without a helper to wait for,
-  /// answers at once.
+  /// True when the link is up. If a helper was started less than `seconds` ago and has not connected
+  /// yet, this waits until it connects or those seconds have passed, and runs the event loop meanwhile: the
+  /// caller must expect any other event. A call during such a wait, or without a helper to wait for, returns
+  /// at once.
   virtual bool OpenCheck(std::int32_t seconds) = 0;
 
-  /// Sends one message. Nothing happens while the link is down. False when it is down, or when `text` is
-  /// too long or no UTF-8: then nothing of it is sent.
+  /// Sends one message. False, and nothing is sent, when the link is down or `text` is too long or not
+  /// UTF-8.
   virtual bool Send(const std::string& text) = 0;
 
-  /// Ends the link, and the wait for a helper, which returns false: no event comes any more. What has been
-  /// sent still reaches the helper. Nothing happens without a link.
+  /// Closes the link and ends a wait for a helper, which then returns false. No event follows. Messages
+  /// already sent still reach the helper. Without a link it does nothing.
   virtual void Close() = 0;
 };
 

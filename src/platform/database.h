@@ -8,7 +8,7 @@
 
 namespace orven {
 
-/// What a query gives: one vector of texts a record, columns in the order of FieldIndex.
+/// The result of a query: one vector of texts per record, columns in the order of FieldIndex.
 struct RecordTable {
   std::vector<std::vector<std::string>> records;  ///< [record row][field column]
 };
@@ -21,16 +21,16 @@ struct FieldValue {
 
 /// The record database control (the program's `DataBase1`): records of text fields in insertion
 /// order, addressed by 1-based position through one current-record cursor. An update is a
-/// transaction: on return it has reached the disk. Every operation throws RuntimeError when it
+/// transaction: on return it is on the disk. Every operation throws RuntimeError when it
 /// fails; then the stored records are unchanged. User-interface thread.
 class DatabaseControl {
  public:
   virtual ~DatabaseControl() = default;
 
-  /// Opens the database file, creating it when absent. A file that is not a database, or is
-  /// damaged, is set aside under a dated name beside it, and a fresh one is opened with the records that
-  /// could be read, which keep their order and identities; the returned text then says so for the log,
-  /// otherwise it is empty.
+  /// Opens the database file, creating it if it is missing. A file that is damaged or is not a
+  /// database is set aside under a dated name, and a new one is opened with the records that could be read,
+  /// in the same order and with the same identities. Then the returned text says so for the log, otherwise
+  /// it is empty.
   virtual std::string Open(const std::string& path) = 0;
 
   /// Runs `query`; "Get *" gives all records with all fields. Throws 5 on any other text.
@@ -42,19 +42,19 @@ class DatabaseControl {
   virtual std::int32_t CountRecords(std::string_view field, std::string_view value) = 0;
 
   /// All fields of record `number` (1-based), as Query gives them; throws 9 when there is no such
-  /// record. The current record stays the same one.
+  /// record. The current record does not change.
   virtual std::vector<std::string> Record(std::int32_t number) = 0;
 
-  /// What identifies record `number` as long as it exists, whatever its position becomes. Never 0; a
+  /// The identity of record `number`, which stays the same when its position changes. Never 0; a
   /// record added later has a greater one. Throws 9 when there is no such record.
   virtual std::int64_t Identity(std::int32_t number) = 0;
 
   /// Position of the record with that identity, 0 when there is none.
   virtual std::int32_t Locate(std::int64_t identity) = 0;
 
-  /// Identity of the newest record that is older than the one with `identity`, which may be gone, and that
-  /// holds none of the values `unlike`; 0 when there is none. However many records are passed over, it is one
-  /// query. Throws 9 for an unknown field.
+  /// Identity of the newest record that is older than the one with `identity`, which may be deleted, and that
+  /// holds none of the values `unlike`; 0 when there is none. One query, no matter how many records it skips.
+  /// Throws 9 for an unknown field.
   virtual std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) = 0;
 
   /// Column of a field in the query's records (0-based); throws 9 for an unknown field.

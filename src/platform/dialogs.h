@@ -6,10 +6,10 @@
 
 namespace orven {
 
-/// The picture in a box that asks.
+/// The icon of a question box.
 enum class QuestionIcon { Question, Information, None };
 
-/// Message boxes and file dialogs, shown to the person at the desk. Without a display a text goes to
+/// Message boxes and file dialogs, for the user. Without a display the text goes to
 /// standard error and the answer is the safe one (no, cancelled). User-interface thread.
 class Dialogs {
  public:
@@ -28,12 +28,11 @@ class Dialogs {
   virtual std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                             const std::string& suggested_name) = 0;
 
-  /// Open: one existing file of those that `filter` (as above) lets through. Its path, or nothing when
-  /// cancelled.
+  /// Open: one existing file that matches `filter` (as above). Its path, or nothing when cancelled.
   virtual std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) = 0;
 
-  /// Browse for folder, beginning at `present`: an existing one, without a separator at its end unless it is
-  /// the root. Its path, or an empty text when cancelled.
+  /// Browse for an existing folder, starting at `present`. Its path, without a separator at the end unless it
+  /// is the root; empty when cancelled.
   virtual std::string BrowseFolder(const std::string& title, const std::string& present) = 0;
 };
 

@@ -9,7 +9,7 @@
 namespace orven {
 
 /// A repeating timer of the user-interface thread. A new one is disabled; destroying it disables it.
-/// A tick that comes late is delivered once, not made up for.
+/// A late tick is delivered once; missed ticks are dropped.
 class Timer {
  public:
   virtual ~Timer() = default;
@@ -20,7 +20,7 @@ class Timer {
   virtual bool Enabled() const = 0;
 };
 
-/// The one queue through which everything reaches the engine, one task at a time.
+/// The one queue of tasks for the engine; they run one at a time.
 class EventLoop {
  public:
   using Task = std::function<void()>;
@@ -38,9 +38,9 @@ class EventLoop {
   virtual std::unique_ptr<Timer> MakeTimer(Task tick) = 0;
 };
 
-/// Makes posted tasks harmless once the object that posted them is gone: keep a Lifeline as a member
-/// and post `lifeline.Bind(task)`. Bound tasks run, and the Lifeline dies, on the user-interface
-/// thread; Bind may be called on any thread while the Lifeline lives.
+/// Drops posted tasks once the object that posted them is destroyed: keep a Lifeline as a member
+/// and post `lifeline.Bind(task)`. Bound tasks run, and the Lifeline is destroyed, on the user-interface
+/// thread; Bind may be called on any thread while the Lifeline exists.
 class Lifeline {
  public:
   Lifeline() = default;
@@ -57,12 +57,11 @@ class Lifeline {
   std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 
-/// Runs what may take long (a copy onto a slow disk) away from the user-interface thread, one piece of
-/// work after the other.
+/// Runs work that may take long (a copy to a slow disk) on another thread, one piece after the other.
 class Background {
  public:
   using Work = std::function<void()>;
-  /// Takes what the work has thrown, or nullptr.
+  /// Receives what the work threw, or nullptr.
   using Done = std::function<void(std::exception_ptr failure)>;
 
   virtual ~Background() = default;

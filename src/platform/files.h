@@ -12,15 +12,15 @@ namespace orven {
 
 /// The few file operations the engine needs. Paths are UTF-8 with the platform's own separators.
 /// Failures throw RuntimeError with the classic number (53 not found, 61 disk full, 70 permission
-/// denied, 75/76 path) and the path in the text. The case of a file's extension does not matter: where there
-/// is no "x.wav", it is the path of an "x.WAV". Any thread.
+/// denied, 75/76 path) and the path in the text. The case of a file's extension does not matter: if there is
+/// no "x.wav", the path means "x.WAV". Any thread.
 class Files {
  public:
   virtual ~Files() = default;
 
   virtual bool Exists(const std::string& path) const = 0;
 
-  /// Opens (creating it if absent), appends, closes: the text is with the system on return.
+  /// Opens (creating it if missing), appends, closes: on return the operating system has the text.
   virtual void Append(const std::string& path, std::string_view text) = 0;
 
   /// The whole content.
@@ -30,18 +30,18 @@ class Files {
   virtual std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const = 0;
 
   /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in order: numbers in
-  /// them by value, letters in either case alike. In the pattern "*" stands for any run of characters, "?"
-  /// for one, letters match in either case, and "*.*" matches every name.
+  /// them by value, without regard to case. In the pattern "*" stands for any run of characters, "?"
+  /// for one, case does not matter, and "*.*" matches every name.
   virtual std::vector<std::string> List(const std::string& folder, std::string_view pattern) const = 0;
 
   virtual std::chrono::system_clock::time_point LastModified(const std::string& path) const = 0;
 
   virtual void Delete(const std::string& path) = 0;
 
-  /// Copies the content of `from` to `to`, replacing an existing file whole or not at all.
+  /// Copies the content of `from` to `to`, replacing an existing file completely or not at all.
   virtual void Copy(const std::string& from, const std::string& to) = 0;
 
-  /// Moves `from` to `to`, across file systems too; throws 58 when `to` exists.
+  /// Moves `from` to `to`, also across file systems; throws 58 when `to` exists.
   virtual void Rename(const std::string& from, const std::string& to) = 0;
 
   /// Creates the folder and its parents; an existing folder is success.

@@ -9,11 +9,11 @@
 
 namespace orven {
 
-/// Counts the calls that one driver offers, from 1. Requests carry it, so that a request which
-/// crosses the end of its call never touches the next one.
+/// Counts the calls that one driver offers, from 1. Requests carry it, so a request that
+/// arrives after its call ended never affects the next one.
 using CallNumber = std::uint32_t;
 
-/// What a driver tells the line service. A driver may call these on any one thread at a time, in the
+/// Events from a driver to the line service. A driver may call these on any thread, one at a time, in the
 /// order in which things happen; an implementation only queues them and never blocks.
 class LineDriverEvents {
  public:
@@ -22,7 +22,7 @@ class LineDriverEvents {
   virtual void Offered(CallNumber call) = 0;
   /// `count` is 1 for the first ring of each call.
   virtual void Ring(CallNumber call, std::int32_t count) = 0;
-  /// As the network sent them (decoded to UTF-8; the service cleans them). Empty: not told.
+  /// As the network sent them (decoded to UTF-8; the service cleans them). Empty: not sent.
   virtual void CallerId(CallNumber call, const std::string& name, const std::string& number) = 0;
   /// Answers exactly one Answer or Drop: kTelephonyOk or a negative TelephonyResult.
   virtual void RequestDone(std::int32_t request, std::int32_t result) = 0;
@@ -35,43 +35,43 @@ class LineDriverEvents {
   /// The call is gone. Exactly once for each Offered, as its last event; the driver then accepts the
   /// next call.
   virtual void Idle(CallNumber call) = 0;
-  /// Something is wrong with the device itself, in one sentence for its owner; empty: it works again.
+  /// Something is wrong with the device itself, in one sentence for the user; empty: it works again.
   virtual void Trouble(const std::string& /*text*/) {}
 };
 
-/// One telephone device. Operations are called on the user-interface thread and return at once; what
-/// they lead to arrives as events.
+/// One telephone device. Operations are called on the user-interface thread and return at once; their
+/// results arrive as events.
 class LineDriver {
  public:
   virtual ~LineDriver() = default;
 
   virtual const DeviceCapabilities& Capabilities() const = 0;
 
-  /// Takes the device; calls are offered from now on and told to `events`, which outlives Close.
+  /// Opens the device; from now on calls are reported to `events`, which outlives Close.
   /// kTelephonyOk or a negative TelephonyResult; LastError then says more.
   virtual std::int32_t Open(LineDriverEvents& events) = 0;
 
-  /// Hangs up a call that is up, releases the device and returns when the driver's last event has
-  /// been raised (that call's Idle included). Idempotent. Returns within 2 seconds whatever the
-  /// device or the network does.
+  /// Hangs up an active call, releases the device and returns after the driver's last event
+  /// (including that call's Idle). Idempotent. Returns within 2 seconds, even if the device or the network
+  /// hangs.
   virtual void Close() = 0;
 
   /// Answers `call`; RequestDone(request, …) and, on success, Connected follow.
   virtual void Answer(CallNumber call, std::int32_t request) = 0;
 
   /// Ends `call`: hangs up when answered, rejects when not. RequestDone then Idle follow. Dropping a
-  /// call that is already gone succeeds.
+  /// call that has already ended succeeds.
   virtual void Drop(CallNumber call, std::int32_t request) = 0;
 
   virtual void MonitorDigits(CallNumber call, bool on) = 0;
 
   virtual void SetGreetingPhase(CallNumber call, bool on) = 0;
 
-  /// The line's sound: plays to and records from the answered call. Without one, playing consumes
-  /// nothing and recording delivers nothing. Lives as long as the driver.
+  /// The line's audio: plays to and records from the answered call. Without an answered call, playing
+  /// consumes nothing and recording delivers nothing. Lives as long as the driver.
   virtual AudioDevice& Audio() = 0;
 
-  /// One sentence on why the last Open failed, for the log; empty when it did not.
+  /// One sentence for the log on why the last Open failed; empty when it succeeded.
   virtual std::string LastError() const = 0;
 };
 

@@ -6,18 +6,18 @@
 
 namespace orven {
 
-/// What the mail control tells its owner, one mail after the other.
+/// Events of the mail control, one mail after the other.
 class MailEvents {
  public:
   virtual ~MailEvents() = default;
 
-  /// `sent` of `total` bytes of the mail under way have gone; `total` may be 0 while it is not known.
+  /// `sent` of `total` bytes of the current mail have been sent; `total` may be 0 while it is unknown.
   virtual void Progress(std::int32_t total, std::int32_t sent) = 0;
 
   /// The server has accepted the mail to `recipient`.
   virtual void Done(const std::string& recipient) = 0;
 
-  /// The mail to `recipient` could not be sent, for the reason in `description`; it is given up.
+  /// The mail to `recipient` could not be sent, for the reason in `description`; it will not be retried.
   virtual void Error(const std::string& recipient, const std::string& description) = 0;
 };
 
@@ -31,10 +31,10 @@ class MailControl {
   virtual void SetEvents(MailEvents* events) = 0;
 
   /// Sends one mail with the file at `attachment` attached through the SMTP server `server` ("name",
-  /// "name:port", "smtp://…" or "smtps://…"), after those asked for before. A file that is not there
-  /// now (a call without a message) is left out. What cannot be sent raises Error. A mail that has been
-  /// taken is kept on disk until it was sent or given up: a later run of the program sends it, at least
-  /// once, always under the same Message-ID.
+  /// "name:port", "smtp://…" or "smtps://…"), after the mails before it. A file that does not exist
+  /// (a call without a message) is not attached. A mail that cannot be sent raises Error. An accepted mail is
+  /// kept on disk until it is sent or has failed: a later run of the program sends it, at least
+  /// once, always with the same Message-ID.
   virtual void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
                     const std::string& recipient, const std::string& subject,
                     const std::string& attachment) = 0;

@@ -20,11 +20,11 @@ class OperatingSystem {
 
   virtual SystemVersion Version() const = 0;
 
-  /// Registers the extended common controls of `classes` (record size 8). False where there are none.
+  /// Registers the extended common controls of `classes` (record size 8). False if the platform has none.
   virtual bool InitCommonControls(std::uint32_t record_size, std::uint32_t classes) = 0;
 
-  /// Claims the application folder for this process until it ends. False when another process of
-  /// the program already holds it.
+  /// Locks the application folder for this process until it ends. False when another instance of
+  /// the program has locked it.
   virtual bool ClaimInstance() = 0;
 };
 

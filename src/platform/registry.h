@@ -37,16 +37,16 @@ class Registry {
 
   virtual bool KeyExists(RegistryRoot root, const std::string& key) = 0;
 
-  /// The value, or nothing when the key or the value is not there or cannot be read.
+  /// The value, or nothing when the key or the value does not exist or cannot be read.
   virtual std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key,
                                              const std::string& name) = 0;
 
-  /// Creates the key if it is absent and writes all `values`, all of them or none, durable on
-  /// return. False when they could not be written; then the stored values are the old ones.
+  /// Creates the key if it is missing and writes `values`, all of them or none, durable on
+  /// return. False when they could not be written; then the old values stay.
   virtual bool Write(RegistryRoot root, const std::string& key,
                      std::span<const NamedRegistryValue> values) = 0;
 
-  /// Removes one value. False when it was not there or could not be removed.
+  /// Removes one value. False when it did not exist or could not be removed.
   virtual bool Delete(RegistryRoot root, const std::string& key, const std::string& name) = 0;
 };
 

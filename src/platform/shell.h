@@ -6,10 +6,10 @@
 
 namespace orven {
 
-/// The pictures that the notification area can show for the program.
+/// The icons that the notification area can show for the program.
 enum class NotifyIconPicture {
   MainWindow,       ///< the main window's icon
-  PicSysTryNothing  ///< nothing: the place stays blank
+  PicSysTryNothing  ///< blank
 };
 
 /// The notification-icon record NOTIFYICONDATA in its first, 88-byte form.
@@ -33,23 +33,22 @@ class Shell {
  public:
   virtual ~Shell() = default;
 
-  /// Adds the program's icon to the notification area or changes it. False when it could not be done:
-  /// an icon that is there already cannot be added, one that is not there cannot be changed.
+  /// Adds the program's icon to the notification area or changes it. False when that fails: an existing
+  /// icon cannot be added again, a missing one cannot be changed.
   virtual bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) = 0;
 
-  /// Whether this desktop shows icons of programs now. It may begin to, or cease, at any time.
+  /// Whether this desktop has a notification area now. That may change at any time.
   virtual bool HasNotificationArea() const = 0;
 
-  /// Opens a document (native path) or a web address with the program that the desktop has for it, as
-  /// its "Open" verb does. False when there is no such document or program.
+  /// Opens a document (native path) or a web address with the desktop's program for it, like the
+  /// "Open" verb. False when there is no such document or program.
   virtual bool Open(const std::string& target) = 0;
 
   /// Starts `command` (a program and its arguments in one line; double quotes keep an argument
-  /// together, also an empty one) as a process of its own, not waiting for it and through no command
-  /// interpreter. `window_style` is 0 for a hidden window, 1 for a normal one and 2 for a minimised one, both
-  /// with the focus, where the platform has such a choice. Throws RuntimeError when it cannot be started: 5
-  /// for an empty command, 53 for a program that is not there, 70 for one that may not be executed; the text
-  /// names it.
+  /// together, also an empty one) as a separate process, without a shell, and does not wait for it.
+  /// `window_style` is 0 for a hidden window, 1 for a normal one and 2 for a minimised one, both with the
+  /// focus, where the platform supports that. Throws RuntimeError when it cannot be started: 5 for an empty
+  /// command, 53 for a missing program, 70 for one that may not be executed; the text names it.
   virtual void Run(const std::string& command, std::int32_t window_style) = 0;
 };
 
@@ -59,12 +58,12 @@ enum MouseKey : std::int32_t {
   kRightButton = 2,  ///< VK_RBUTTON
 };
 
-/// The mouse as it is at this moment. User-interface thread.
+/// The current state of the mouse. User-interface thread.
 class Mouse {
  public:
   virtual ~Mouse() = default;
 
-  /// The user has swapped the buttons, and the system leaves it to programs to honour that.
+  /// The user has swapped the buttons, and programs have to handle that themselves.
   virtual bool ButtonsSwapped() const = 0;
 
   virtual bool IsDown(MouseKey button) const = 0;

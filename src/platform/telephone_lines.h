@@ -10,7 +10,7 @@ namespace orven {
 
 enum class LineKind { Sip, Modem, Sim };
 
-/// One configured telephone line, as a person knows it. Texts are UTF-8.
+/// One configured telephone line, as the user sees it. Texts are UTF-8.
 struct TelephoneLine {
   std::string name;  ///< the device name; two lines may share one
   LineKind kind = LineKind::Sip;
@@ -29,12 +29,12 @@ struct TelephoneLine {
   std::string port;    ///< kind Modem: the serial device
   std::string script;  ///< kind Sim: path of a script, or empty
 
-  int origin = 0;  ///< where it stands in what was read, 0 for a new line; carried along, never changed
+  int origin = 0;  ///< its position in what was read, 0 for a new line; passed through unchanged
 
   bool operator==(const TelephoneLine&) const = default;
 };
 
-/// Where in a line a fault is.
+/// The field of a line that has a fault.
 enum class LineField { Name, Listen, Server, User, AuthUser, Password, Transport, RingSeconds, Port, Script };
 
 struct LineFault {
@@ -44,23 +44,23 @@ struct LineFault {
 
 /// A serial port of this machine.
 struct SerialPortFound {
-  std::string path;   ///< what a line stores: a name that stays when the device is plugged elsewhere, if any
-  std::string label;  ///< for people
+  std::string path;   ///< what a line stores: if possible a name that does not change with the socket
+  std::string label;  ///< for the user
 };
 
-/// Outcome of a test, in one sentence or two.
+/// The result of a test, in one or two sentences.
 struct LineTestResult {
   bool passed = false;
   std::string text;
 };
 
-/// The configured telephone lines, and what is known of each. User-interface thread; nothing waits
-/// for a device or for the network.
+/// The configured telephone lines and their states. User-interface thread; never waits
+/// for a device or the network.
 class TelephoneLines {
  public:
   struct Configured {
     std::vector<TelephoneLine> lines;     ///< in device-index order
-    std::vector<std::string> complaints;  ///< what is wrong in the stored ones; those lines are missing here
+    std::vector<std::string> complaints;  ///< what is wrong with stored lines that are missing here
   };
   using TestDone = std::function<void(const LineTestResult&)>;
 
@@ -69,22 +69,22 @@ class TelephoneLines {
   /// Reads the stored lines.
   virtual Configured Read() = 0;
 
-  /// Stores `lines` in place of those that the latest Read gave, all or none; passwords are readable by
-  /// the owner only. What Read does not understand stays. Throws RuntimeError: the disk refuses, or the
-  /// stored lines were changed by others since Read.
+  /// Replaces the lines of the latest Read by `lines`, all or none; only the owner can read the passwords.
+  /// What Read does not understand is kept. Throws RuntimeError when writing fails or another program
+  /// has changed the stored lines since Read.
   virtual void Store(const std::vector<TelephoneLine>& lines) = 0;
 
-  /// What keeps `line` from being stored or used; nothing when all is well.
+  /// Why `line` cannot be stored or used; nothing when it can.
   virtual std::optional<LineFault> Check(const TelephoneLine& line) const = 0;
 
-  /// The serial ports there are now.
+  /// The current serial ports.
   virtual std::vector<SerialPortFound> SerialPorts() const = 0;
 
-  /// What `line` does at present, in a few words: "Registered", "Registering", "Registration failed: …".
+  /// The current state of `line`, in a few words: "Registered", "Registering", "Registration failed: …".
   virtual std::string State(const TelephoneLine& line) const = 0;
 
   /// Tries `line` in the background: registers at its server, or asks its modem. `done` is called once,
-  /// later, unless CancelTest comes first. A test under way is given up for it.
+  /// later, unless CancelTest comes first. Cancels a test in progress.
   virtual void Test(const TelephoneLine& line, TestDone done) = 0;
   virtual void CancelTest() = 0;
 };

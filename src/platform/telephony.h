@@ -18,7 +18,7 @@ struct DeviceCapabilities {
   bool automated_voice = false;  ///< can play and record voice by itself
 };
 
-/// What is known of a call when it is offered. Caller data comes later, with CallerID.
+/// What is known about a new call. Caller data comes later, with CallerID.
 struct CallInformation {
   std::uint32_t call_number = 0;  ///< counts the calls of one line from 1
 };
@@ -28,17 +28,17 @@ enum TelephonyResult : std::int32_t {
   kTelephonyOk = 0,
   kTelephonyBadDevice = -1,  ///< no device has that index
   kTelephonyLineNotOpen = -2,
-  kTelephonyLineInUse = -3,  ///< the device, its port or its address is taken
+  kTelephonyLineInUse = -3,  ///< the device, its port or its address is in use
   kTelephonyNoCall = -4,     ///< there is no call to answer or to drop
   kTelephonyAlreadyAnswered = -5,
   kTelephonyDeviceFailed = -6,  ///< the device or the network refused
   kTelephonyNoDevices = -7,     ///< no line is configured
 };
 
-/// What the telephony control tells the program; `line` is the device index. Events arrive on the
+/// Events of the telephony control; `line` is the device index. Events arrive on the
 /// user-interface thread one at a time, for each call in this order: InCommingCall first; Ring and
 /// CallerID in any number until the call is answered or gone (a late CallerID may follow); Proc for
-/// each request (that of an answer which came too late may follow its call's end); Connected once when
+/// each request (for a late answer it may follow the end of its call); Connected once when
 /// answered; MonitorDigit while connected and monitored; Disconnected when the remote party hung up an
 /// answered call; Idle exactly once, last.
 class TelephonyEvents {
@@ -55,9 +55,9 @@ class TelephonyEvents {
   /// `count` starts at 1 with every call.
   virtual void Ring(std::int32_t line, std::int32_t count) = 0;
   /// Texts are valid UTF-8 without control characters and without double quotes. What the network did
-  /// not tell is "UNKNOWN"; a caller of whom it tells nothing raises no event.
+  /// not send is "UNKNOWN"; if it sent nothing about the caller, there is no event.
   virtual void CallerID(std::int32_t line, const std::string& name, const std::string& number) = 0;
-  /// Something is wrong with an open line's device, in one sentence for its owner; empty: it works again.
+  /// Something is wrong with an open line's device, in one sentence for the user; empty: it works again.
   /// At any time, also without a call.
   virtual void Trouble(std::int32_t /*line*/, const std::string& /*text*/) {}
 };
@@ -87,8 +87,8 @@ class TelephonyControl {
   /// Takes the line with call privileges (4: owner) for media modes (8: automated voice).
   virtual std::int32_t LineOpen(std::int32_t index, std::int32_t privileges, std::int32_t media_modes) = 0;
 
-  /// Releases the line. A call that is still up is hung up first; its Idle event is raised inside
-  /// this operation, so that no call is lost at exit.
+  /// Releases the line. An active call is hung up first; its Idle event is raised inside
+  /// this operation, so no call is lost at exit.
   virtual std::int32_t LineClose(std::int32_t index) = 0;
 
   /// The call on the line has been answered and our side has not hung up yet. Still true inside the
@@ -107,8 +107,8 @@ class TelephonyControl {
   /// Wave device number of the line; `direction` 0 asks for playing, 1 for recording.
   virtual std::int32_t GetWaveDeviceId(std::int32_t index, std::int32_t direction = 0) const = 0;
 
-  /// The greeting is being played from now on (true), or no longer (false). Devices that detect
-  /// digits less surely under their own sound may listen harder meanwhile.
+  /// The greeting starts (true) or has ended (false). Devices that detect digits less reliably while they
+  /// play may be more sensitive meanwhile.
   virtual void SetGreetingPhase(std::int32_t index, bool on) = 0;
 };
 

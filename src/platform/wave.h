@@ -16,9 +16,9 @@ enum WaveResult : std::int32_t {
   kWaveBusy = 2,       ///< the device or the control is already playing or recording
   kWaveBadFormat = 3,  ///< the format is not one that can be recorded or played
   kWaveFileNotFound = 4,
-  kWaveFileUnreadable = 5,  ///< not a sound file, damaged, without a byte, or no permission
+  kWaveFileUnreadable = 5,  ///< not a sound file, damaged, empty, or no permission
   kWaveNotRecording = 6,
-  kWavePathNotFound = 7,  ///< the folder to write into is not there or is no folder
+  kWavePathNotFound = 7,  ///< the folder to write to is missing or is not a folder
   kWaveWriteDenied = 8,
   kWaveDiskFull = 9,
   kWaveWriteFailed = 10,
@@ -36,12 +36,12 @@ struct WaveFormat {
   bool operator==(const WaveFormat&) const = default;
 };
 
-/// What a wave control tells its owner.
+/// Events of a wave control.
 class WaveEvents {
  public:
   virtual ~WaveEvents() = default;
 
-  /// The file given to the latest PlayFile has been played to its end (or broke off because the rest
+  /// The file given to the latest PlayFile has been played to its end (or stopped because the rest
   /// of it cannot be read). Never raised after StopPlay or for an earlier PlayFile.
   virtual void PlayFinished() = 0;
 };
@@ -56,7 +56,7 @@ class WaveControl {
   /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
   virtual void SetEvents(WaveEvents* events) = 0;
 
-  /// True: a recording is written to the disk while it is made, into `RecordFolder`, so that a crash
+  /// True: a recording is written to disk while it is made, in the folder of SetRecordFolder, so that a crash
   /// loses at most the last second. False (the initial state): it is kept in memory until it ends.
   virtual void SetRecordToDisk(bool on) = 0;
 
@@ -64,10 +64,10 @@ class WaveControl {
   /// finishing it is a rename. Takes effect with the next StartRecord.
   virtual void SetRecordFolder(const std::string& folder) = 0;
 
-  /// What the next recording is known by when a crash cuts it short: while it grows, its file is called
-  /// ".recording-<name>-<process>-<n>.wav.part". For one StartRecord, whether it succeeds or not; empty (as
-  /// without this call): ".recording-<process>-<n>.wav.part". Such a file is a playable WAV file all the
-  /// time, at most a second behind. `name` is fit for a file name.
+  /// Names the next recording, to find it after a crash: while it grows, its file is
+  /// ".recording-<name>-<process>-<n>.wav.part". Applies to one StartRecord, even if that fails; empty (as
+  /// without this call): ".recording-<process>-<n>.wav.part". The file is always a playable WAV file, at
+  /// most a second behind. `name` must be valid in a file name.
   virtual void SetRecordName(const std::string& name) = 0;
 
   /// Whether `device` can record `format`, without recording. `mode` is 1: ask for recording.
@@ -77,57 +77,56 @@ class WaveControl {
   /// Starts capturing from `device` in `format` (16-bit PCM or 8-bit mu-law, one channel, 8000).
   virtual std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) = 0;
 
-  /// Stops capturing and leaves everything captured as a WAV file at `path`, replacing an older file.
-  /// When that fails, what was captured stays on disk where it can; RecordErrorText of this result
+  /// Stops capturing and stores the recording as a WAV file at `path`, replacing an older file.
+  /// If that fails, the recording stays on disk elsewhere if possible; RecordErrorText of this result
   /// then names that file until the next StartRecord.
   virtual std::int32_t StopRecordToFile(const std::string& path) = 0;
 
   virtual bool IsRecording() const = 0;
 
-  /// Peak of the last 20 ms that came in, in thousandths of full scale (0..1000), while something is
-  /// recorded, and on a line from the first file that is played there until StopPlay; else 0.
+  /// Peak of the last 20 ms of input, in thousandths of full scale (0..1000), while recording,
+  /// and on a line also from the first file played there until StopPlay; else 0.
   virtual std::int32_t InputLevel() const = 0;
 
-  /// Plays what is being captured live on wave device `device`, from now on.
+  /// Starts playing the captured audio live on wave device `device`.
   virtual std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) = 0;
 
-  /// Ends the live play; success also when there was none.
+  /// Ends the live play; also succeeds when there was none.
   virtual std::int32_t StopMonitor() = 0;
 
   virtual std::string RecordErrorText(std::int32_t code) const = 0;
 
   /// Starts playing the sound file at `path` on `device`, from its beginning; kWaveBusy while another
-  /// file plays. One without a single sample is a sound file, too, and has been played at once.
+  /// file plays. A sound file without samples is valid and finishes at once.
   virtual std::int32_t PlayFile(const std::string& path, std::int32_t device) = 0;
 
-  /// A text for a result of PlayFile; where the file is to blame it names the latest one.
+  /// The text of a result of PlayFile; for an error of the file it names the latest one.
   virtual std::string PlayErrorText(std::int32_t code) const = 0;
 
   virtual bool IsPlaying() const = 0;
 
-  /// Ends playing; nothing is told about it. Idempotent.
+  /// Ends playing without an event. Idempotent.
   virtual void StopPlay() = 0;
 
-  /// Which place of the playing file has been reached; 0 when nothing plays.
+  /// The current position in the playing file; 0 when nothing plays.
   virtual std::chrono::milliseconds Position() const = 0;
 
-  /// Goes on playing at `position` of the playing file: before its beginning means the beginning,
-  /// beyond its end the end, so that PlayFinished follows; it comes once for each PlayFile, however
-  /// often its position changes. Nothing happens when nothing plays, and where the file cannot be
-  /// opened again or cannot be entered in the middle.
+  /// Continues playing at `position`, limited to the file: at its end PlayFinished follows, still once per
+  /// PlayFile. Does nothing when nothing plays, or when the file cannot be opened again or is not
+  /// seekable.
   virtual void Seek(std::chrono::milliseconds position) = 0;
 
   /// Length of the sound file at `path` in seconds, or a negative number when it cannot be read.
   virtual double FileLength(const std::string& path) const = 0;
 };
 
-/// A sound file as a picture: the loudest sample of each of many equal stretches, from its beginning.
+/// The waveform of a sound file: the peak of each of many equal sections, from its start.
 struct Waveform {
   std::vector<float> peaks;  ///< 0 (silence) to 1 (full scale); empty when there is nothing to show
   std::chrono::milliseconds length{0};
 };
 
-/// Draws up waveforms away from the user-interface thread. One request at a time: a new one replaces
+/// Computes waveforms on another thread. One request at a time: a new one replaces
 /// the one before. User-interface thread.
 class WaveformReader {
  public:
@@ -140,7 +139,7 @@ class WaveformReader {
   /// before that.
   virtual void Request(const std::string& path, Done done) = 0;
 
-  /// Forgets the request under way, if any.
+  /// Cancels the current request, if any.
   virtual void Cancel() = 0;
 };
 
