@@ -292,7 +292,10 @@ class Lines {
   std::string KeyAt(std::size_t index) const {
     const auto text = WithoutComment(lines_[index]);
     const auto equals = text.find('=');
-    return equals == std::string_view::npos ? "" : Lower(Trimmed(text.substr(0, equals)));
+    // A line with a carriage return before "=" is not read, whatever its value: it stays, and another is
+    // added.
+    if (equals == std::string_view::npos || text.find('\r') < equals) return "";
+    return Lower(Trimmed(text.substr(0, equals)));
   }
 
   /// A comment after the value stays.
