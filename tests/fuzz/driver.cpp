@@ -2,6 +2,7 @@
 // Under libFuzzer: fuzzes the target that $ORVEN_FUZZ_TARGET names. Otherwise, with the folder of the corpus
 // as its argument: passes every input of the corpus to its target.
 #include <cstdio>
+#include <filesystem>
 
 #include "fuzz/fuzz.h"
 #include "support/scratch_folder.h"

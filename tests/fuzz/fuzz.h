@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,10 +16,11 @@ using Bytes = std::span<const std::uint8_t>;
 
 // The targets. Each passes the input to a parser of ours and aborts when the parser or what it read breaks a
 // promise.
-void Calls(
-    Bytes input);  ///< the database file of the call records; its last 8 bytes choose what is done with it
-void Journal(
-    Bytes input);  ///< the journal, a zero byte, recordings left behind; without a journal: calls to note
+
+/// The database file of the call records; its last 8 bytes choose what is done with it.
+void Calls(Bytes input);
+/// The journal, a zero byte, recordings left behind; without a journal: calls to note.
+void Journal(Bytes input);
 void Lines(Bytes input);     ///< lines.ini, a zero byte, edits
 void Modem(Bytes input);     ///< format, pace, bytes from a modem
 void Registry(Bytes input);  ///< registry.reg, two bytes 255, changes
@@ -58,10 +58,7 @@ class Choices {
     rest_ = rest_.subspan(taken.size());
     return taken;
   }
-  std::uint8_t Byte() {
-    const Bytes taken = Take(1);
-    return taken.empty() ? 0 : taken.front();
-  }
+  std::uint8_t Byte() { return Any() ? Take(1).front() : 0; }
   /// A number from 0 to `end` - 1; `end` is at most 256.
   std::size_t Below(std::size_t end) { return end == 0 ? 0 : Byte() % end; }
   /// A byte with the length, then the bytes.
@@ -71,12 +68,6 @@ class Choices {
  private:
   Bytes rest_;
 };
-
-/// In memory if possible.
-inline std::string ParentOfScratchFolders() {
-  return std::filesystem::is_directory("/dev/shm") ? "/dev/shm"
-                                                   : std::filesystem::temp_directory_path().string();
-}
 
 /// The input before `mark` and the choices behind it.
 inline std::pair<std::string, Choices> ContentAndChoices(Bytes input, std::string_view mark) {

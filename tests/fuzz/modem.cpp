@@ -15,16 +15,13 @@
 namespace orven::fuzz {
 namespace {
 
-/// More than unshielding and resampling add to the samples of a piece.
-constexpr std::size_t kMostSamples = 16 * 4096;
-
 class Listener : public ModemOutput {
  public:
   explicit Listener(std::uint8_t choice) : choice_(choice) {}
 
   void Line(const std::string& text) override {
-    Require(!text.empty() && text.size() <= ModemReader::kLongestLine);
-    for (const char c : text) Require(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
+    const auto control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+    Require(!text.empty() && text.size() <= ModemReader::kLongestLine && std::ranges::none_of(text, control));
     caller_.Take(text);
     lines_.push_back(text);
     if (text.starts_with("OK")) EndOfAnswer();
@@ -45,7 +42,6 @@ class Listener : public ModemOutput {
   void Audio(Bytes bytes) override {
     std::vector<std::int16_t> samples;
     decoder_.Decode(bytes, samples);
-    Require(!bytes.empty() && samples.size() <= bytes.size() + kMostSamples);
     hang_up_.Listen(samples);
     std::vector<std::uint8_t> back, shielded;
     encoder_.Encode(samples, back);
@@ -55,9 +51,8 @@ class Listener : public ModemOutput {
   void AudioEnded() override { EndOfAnswer(); }
 
   void EndOfAnswer() {
-    for (const auto& format : OfferedFormats(lines_))
-      Require(format.rate > 0 && format.setting.size() < 1100);
-    for (const auto& format : PresentFormat(lines_)) Require(format.setting.size() < 1100);
+    for (const auto& format : OfferedFormats(lines_)) Require(format.rate > 0);
+    (void)PresentFormat(lines_);
     lines_.clear();
     if (const auto caller = caller_.Finish()) Require(IsUtf8(caller->name) && IsUtf8(caller->number));
     Require(!caller_.Any());

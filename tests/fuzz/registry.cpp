@@ -28,25 +28,22 @@ void RequireLasting(const RegistryDocument& document) {
   const RegistryDocument again(text);
   Require(again.Faults().empty() && again.Text() == text);
   for (const std::string& key : KeysIn(text)) {
-    Require(document.HasKey(key) == again.HasKey(key) &&
-            document.Values(key).size() == again.Values(key).size());
-    for (const auto& [name, value] : document.Values(key)) {
-      Require(*document.Find(key, name) == value);
-      Require(*again.Find(key, name) == value);
-    }
+    const auto values = document.Values(key);
+    Require(document.HasKey(key) == again.HasKey(key) && values.size() == again.Values(key).size());
+    for (const auto& [name, value] : values)
+      Require(*document.Find(key, name) == value && *again.Find(key, name) == value);
   }
 }
 
 void Change(RegistryDocument& document, Choices& choices) {
-  static constexpr std::uint32_t kTypes[] = {1, 1, 4, 3, 2, 7, 0, 0x80000001};
+  static constexpr std::uint32_t kTypes[] = {1, 4, 3, 0x80000001};
   const auto keys = KeysIn(document.Text());
   const std::string key = choices.Below(2) == 0 ? choices.Text() : keys[choices.Byte() % keys.size()];
   const auto present = document.Values(key);
-  NamedRegistryValue value;
-  value.name = present.empty() || choices.Below(2) != 0 ? choices.Text()
-                                                        : present[choices.Byte() % present.size()].name;
+  const bool known = !present.empty() && choices.Below(2) == 0;
+  NamedRegistryValue value{known ? present[choices.Byte() % present.size()].name : choices.Text(), {}};
   value.value = {kTypes[choices.Below(std::size(kTypes))], choices.Text()};
-  if (value.value.type == 1 && choices.Below(2) == 0) value.value.data += '\0';
+  if (value.value.type == 1) value.value.data += '\0';
   const std::string before = document.Text();
   const RegistryValue* found = document.Find(key, value.name);
   if (choices.Below(4) == 0) {

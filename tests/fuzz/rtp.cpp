@@ -29,31 +29,27 @@ class Receiver {
     Require(LooksLikeRtp(datagram) && std::equal(again.begin() + 1, again.end(), datagram.begin() + 1));
     Require(packet->payload.size() <= datagram.size() - kRtpHeaderBytes);
     if (packet->header.payload_type == kEventType) return TakeEvent(*packet);
-    auto samples = Decode(packet->header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, packet->payload);
+    const auto samples =
+        Decode(packet->header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, packet->payload);
     Require(samples.size() == packet->payload.size());
     jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, samples);
-    order_.Push(packet->header.ssrc, packet->header.timestamp, std::move(samples));
+    order_.Push(packet->header.ssrc, packet->header.timestamp, samples);
     Require(order_.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
   }
 
   void Wait(std::size_t blocks) {
     for (; blocks > 0; --blocks) {
       now_ += std::chrono::milliseconds(20);
-      std::array<std::int16_t, kBlockSamples> sound;
-      jitter_buffer_.Pull(sound);
-      dtmf_detector_.Listen(sound);
-      PopInOrder(kBlockSamples);
+      std::array<std::int16_t, kBlockSamples> block;
+      jitter_buffer_.Pull(block);
+      dtmf_detector_.Listen(block);
+      while (order_.BufferedSamples() > kBlockSamples) PopInOrder();
     }
   }
 
-  /// Packets may overlap; their beginnings are in order.
-  void PopInOrder(std::size_t until) {
-    while (order_.Front() != nullptr && (until == 0 || order_.BufferedSamples() > until)) {
-      const AudioFrame frame = order_.Pop();
-      Require(!frame.samples.empty() && frame.start >= popped_);
-      popped_ = frame.start + 1;
-    }
-    Require(until > 0 || order_.BufferedSamples() == 0);
+  void End() {
+    while (order_.Front() != nullptr) PopInOrder();
+    Require(order_.BufferedSamples() == 0);
   }
 
   void Press(DigitSource source, char key) {
@@ -62,6 +58,13 @@ class Receiver {
   }
 
  private:
+  /// Packets may overlap; their beginnings are in order.
+  void PopInOrder() {
+    const AudioFrame frame = order_.Pop();
+    Require(!frame.samples.empty() && frame.start >= popped_);
+    popped_ = frame.start + 1;
+  }
+
   void TakeEvent(const RtpPacket& packet) {
     const auto event = events_.Take(packet, now_);
     if (event.kind == TelephoneEvents::Kind::kPressed) Press(DigitSource::kTelephoneEvent, event.digit);
@@ -81,32 +84,27 @@ class Receiver {
 class SecureReceiver {
  public:
   explicit SecureReceiver(SrtpSuite suite)
-      : srtp_sender_(suite, key_), receiver_(SrtpReceiver::Kind::kRtp, suite, key_) {}
+      : sender_(suite, key_), receiver_(SrtpReceiver::Kind::kRtp, suite, key_) {}
 
-  /// The decrypted packet of what the peer says; nothing for a forgery, which `what` chooses.
-  std::optional<Bytes> Take(Bytes sound, std::uint8_t what) {
-    std::vector<std::uint8_t> sent(sound.begin(), sound.end());
+  /// The decrypted packet with this payload. `what` chooses whether it is sent plain or changed on its way:
+  /// nothing.
+  std::optional<Bytes> Take(Bytes payload, std::uint8_t what) {
     plain_.assign(kRtpHeaderBytes, 0);
-    ++sequence_;
-    WriteRtpHeader({static_cast<std::uint8_t>(what % 128), false, sequence_, 160U * sequence_, 7},
-                   plain_.data());
-    plain_.insert(plain_.end(), sound.begin(), sound.end());
-    if (what % 4 != 0) {
-      const auto sealed = srtp_sender_.Protect(plain_);
-      sent.assign(sealed.begin(), sealed.end());
-    }
+    WriteRtpHeader({static_cast<std::uint8_t>(what % 128), false, ++sequence_, 160, 7}, plain_.data());
+    plain_.insert(plain_.end(), payload.begin(), payload.end());
+    const Bytes protect = what % 4 == 0 ? payload : sender_.Protect(plain_);
+    std::vector<std::uint8_t> sent(protect.begin(), protect.end());
     if (what % 4 == 1) sent[what * 7U % sent.size()] ^= static_cast<std::uint8_t>(1U << what % 8U);
     const auto opened = receiver_.Unprotect(sent);
     Require(opened.has_value() == (what % 4 > 1));
     if (!opened) return std::nullopt;
-    Require(std::equal(opened->begin(), opened->end(), plain_.begin(), plain_.end()));
-    Require(!receiver_.Unprotect(sent));
+    Require(std::ranges::equal(*opened, plain_) && !receiver_.Unprotect(sent));
     return plain_;
   }
 
  private:
   const SrtpKey key_ = NewSrtpKey();  ///< with a fixed one the fuzzer would learn to forge
-  SrtpSender srtp_sender_;
+  SrtpSender sender_;
   SrtpReceiver receiver_;
   std::uint16_t sequence_ = 0;
   std::vector<std::uint8_t> plain_;
@@ -127,8 +125,7 @@ void Rtp(Bytes input) {
     const Bytes datagram = choices.Piece();
     if (const auto opened = secure ? secure->Take(datagram, pause) : datagram) receiver.Take(*opened);
   }
-  receiver.Wait(8);
-  receiver.PopInOrder(0);
+  receiver.End();
 }
 
 }  // namespace orven::fuzz

@@ -36,9 +36,8 @@ class Negotiated {
     agreed_ = true;
     RequireUsable(*agreement, use_);
     const auto& keys = agreement->keys;
-    Require(keys || !keys_);
-    if (keys && keys_ && keys->suite == keys_->suite) Require(keys->send == keys_->send);
-    if (keys) keys_ = keys;
+    Require(!keys_ || (keys && (keys->suite != keys_->suite || keys->send == keys_->send)));
+    keys_ = keys;
     if (is_offer) Written(false);
     return true;
   }

@@ -12,7 +12,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <map>
+#include <set>
 #include <string>
 
 #include "adapters/line/service/caller_text.h"
@@ -31,14 +31,6 @@ namespace orven::fuzz {
 namespace {
 
 constexpr std::uint16_t kLinePort = 5060, kTelephonePort = 4000;
-
-sockaddr_in Loopback(std::uint16_t port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
-  return address;
-}
 
 /// Moves the process into a network of its own: nothing that the line sends leaves it.
 bool Prepare() {
@@ -68,17 +60,18 @@ class Telephone {
   Telephone(const Telephone&) = delete;
   Telephone& operator=(const Telephone&) = delete;
 
-  /// "TAG" stands for the tag that the line gave the call.
+  /// A message to the line, in which "TAG" stands for the tag that the line gave the call; behind "~" a
+  /// packet to the line's RTP port, in which bytes 1 stand for 0.
   void Send(std::string datagram) const {
-    for (std::size_t at = 0; (at = datagram.find("TAG", at)) != std::string::npos; at += tag_.size())
+    const bool packet = datagram.starts_with('~');
+    if (packet) std::replace(datagram.begin(), datagram.end(), '\1', '\0');
+    for (std::size_t at = 0; !packet && (at = datagram.find("TAG", at)) != datagram.npos; at += tag_.size())
       datagram.replace(at, 3, tag_);
-    SendTo(kLinePort, datagram);
+    const sockaddr_in line = Loopback(packet ? rtp_port_ : kLinePort);
+    (void)sendto(socket_, datagram.data() + packet, datagram.size() - packet, 0,
+                 reinterpret_cast<const sockaddr*>(&line), sizeof(line));
   }
-  /// A packet to the line's RTP port; bytes 1 stand for 0.
-  void SendSound(std::string packet) const {
-    std::replace(packet.begin(), packet.end(), '\1', '\0');
-    if (sound_port_ != 0) SendTo(sound_port_, packet);
-  }
+
   void Hear() {
     for (ssize_t got = 0; (got = recv(socket_, buffer_.data(), buffer_.size(), 0)) >= 0;)
       if (got != 4 && (buffer_[0] & 0xC0U) != 0x80U)
@@ -86,11 +79,10 @@ class Telephone {
   }
 
  private:
-  void SendTo(std::uint16_t port, const std::string& datagram) const {
-    const sockaddr_in line = Loopback(port);
-    (void)sendto(socket_, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&line),
-                 sizeof(line));
+  static sockaddr_in Loopback(std::uint16_t port) {
+    return {AF_INET, htons(port), {htonl(INADDR_LOOPBACK)}, {}};
   }
+
   void TakeMessage(std::size_t size) {
     const LibrePtr<mbuf> buffer(mbuf_alloc(size));
     Require(mbuf_write_mem(buffer.get(), buffer_.data(), size) == 0);
@@ -104,22 +96,22 @@ class Telephone {
     const std::string body(reinterpret_cast<const char*>(mbuf_buf(buffer.get())),
                            mbuf_get_left(buffer.get()));
     if (const auto media = body.find("m=audio "); media != body.npos)
-      sound_port_ = static_cast<std::uint16_t>(std::strtoul(body.c_str() + media + 8, nullptr, 10));
+      rtp_port_ = static_cast<std::uint16_t>(std::strtoul(body.c_str() + media + 8, nullptr, 10));
   }
 
   int socket_;
   std::array<std::uint8_t, 65536> buffer_{};
   std::string tag_ = "none";
-  std::uint16_t sound_port_ = 0;
+  std::uint16_t rtp_port_ = 0;
 };
 
 /// Requires the order of events that a line promises.
 class Listener : public LineDriverEvents {
  public:
   void Offered(CallNumber call) override {
-    Require(state_ == State::kIdle && call == ++call_);
-    state_ = State::kRinging;
+    ++call_;
     rings_ = 0;
+    Go(call, "idle", "ringing");
   }
   void Ring(CallNumber call, std::int32_t count) override { Require(IsUp(call) && count == ++rings_); }
   void CallerId(CallNumber call, const std::string& name, const std::string& number) override {
@@ -132,44 +124,37 @@ class Listener : public LineDriverEvents {
   }
   void RequestDone(std::int32_t request, std::int32_t result) override {
     Require(open_requests_.erase(request) == 1);
-    if (result == kTelephonyOk && state_ == State::kRinging) state_ = State::kAnswered;
+    if (result == kTelephonyOk && state_ == "ringing") state_ = "answered";
   }
-  void Connected(CallNumber call) override { Follow(call, State::kAnswered, State::kConnected); }
+  void Connected(CallNumber call) override { Go(call, "answered", "connected"); }
   void Digit(CallNumber call, char digit) override {
-    Require(IsUp(call) && state_ == State::kConnected && monitored);
+    Require(call == call_ && state_ == "connected" && monitored_);
     Require(std::string_view("0123456789*#ABCD").find(digit) != std::string_view::npos);
   }
-  void Disconnected(CallNumber call) override {
-    Require(IsUp(call) && (state_ == State::kAnswered || state_ == State::kConnected));
-    state_ = State::kDisconnected;
-  }
-  void Idle(CallNumber call) override {
-    Require(IsUp(call));
-    state_ = State::kIdle;
-  }
+  void Disconnected(CallNumber call) override { Go(call, "answered connected", "disconnected"); }
+  void Idle(CallNumber call) override { Go(call, "ringing answered connected disconnected", "idle"); }
 
-  std::int32_t NextRequest() {
-    open_requests_[++request_] = true;
-    return request_;
+  /// Our side: "a" answers, "d" hangs up, "m" turns listening for keys on or off.
+  void Act(SipAgent& agent, char what) {
+    if (what == 'm') agent.MonitorDigits(call_, monitored_ = !monitored_);
+    if (what != 'a' && what != 'd') return;
+    open_requests_.insert(++request_);
+    what == 'a' ? agent.Answer(call_, request_) : agent.Drop(call_, request_);
   }
-  void RequireEnd() const { Require(state_ == State::kIdle && open_requests_.empty()); }
-  CallNumber Call() const { return call_; }
-
-  bool monitored = false;
+  void RequireEnd() const { Require(state_ == "idle" && open_requests_.empty()); }
 
  private:
-  enum class State { kIdle, kRinging, kAnswered, kConnected, kDisconnected };
-
-  bool IsUp(CallNumber call) const { return state_ != State::kIdle && call == call_; }
-  void Follow(CallNumber call, State from, State to) {
-    Require(IsUp(call) && state_ == from);
+  bool IsUp(CallNumber call) const { return state_ != "idle" && call == call_; }
+  void Go(CallNumber call, std::string_view from, std::string_view to) {
+    Require(call == call_ && from.find(state_) != from.npos);
     state_ = to;
   }
 
   CallNumber call_ = 0;
-  State state_ = State::kIdle;
+  std::string_view state_ = "idle";
   std::int32_t rings_ = 0, request_ = 0;
-  std::map<std::int32_t, bool> open_requests_;
+  std::set<std::int32_t> open_requests_;
+  bool monitored_ = false;
 };
 
 /// Lets the library take what has arrived.
@@ -180,13 +165,6 @@ void RunLoop() {
       &timer, 0, [](void*) { re_cancel(); }, nullptr);
   (void)re_main(nullptr);
   tmr_cancel(&timer);
-}
-
-/// Our side: "a" answers, "d" hangs up, "m" turns listening for keys on or off.
-void Act(SipAgent& agent, Listener& listener, char what) {
-  if (what == 'a') agent.Answer(listener.Call(), listener.NextRequest());
-  if (what == 'd') agent.Drop(listener.Call(), listener.NextRequest());
-  if (what == 'm') agent.MonitorDigits(listener.Call(), listener.monitored = !listener.monitored);
 }
 
 }  // namespace
@@ -209,9 +187,9 @@ void Sip(Bytes input) {
       const std::string step = rest.substr(0, rest.find('\0'));
       rest.erase(0, step.size() + 1);
       if (step.starts_with('!')) {
-        for (const char what : step.substr(1, 4)) Act(agent, listener, what);
+        for (const char what : step.substr(1, 4)) listener.Act(agent, what);
       } else {
-        step.starts_with('~') ? telephone.SendSound(step.substr(1)) : telephone.Send(step);
+        telephone.Send(step);
         RunLoop();
       }
       telephone.Hear();

@@ -18,19 +18,13 @@ namespace {
 /// Enough of a file to play: a few bytes at 32 samples a second are minutes.
 constexpr std::size_t kEnough = 20 * kSampleRate;
 
-class MemoryFile {
- public:
-  explicit MemoryFile(Bytes content) : descriptor_(memfd_create("audio", MFD_CLOEXEC)) {
-    Require(write(descriptor_, content.data(), content.size()) == static_cast<ssize_t>(content.size()));
-  }
-  ~MemoryFile() { close(descriptor_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-  std::string Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
+/// The path of a file in memory with this content; the next one takes its place.
+std::string PathOf(Bytes content) {
+  static const int file = memfd_create("audio", MFD_CLOEXEC);
+  Require(ftruncate(file, 0) == 0);
+  Require(pwrite(file, content.data(), content.size(), 0) == static_cast<ssize_t>(content.size()));
+  return "/proc/self/fd/" + std::to_string(file);
+}
 
 /// The number of samples to the end, or more than enough.
 std::size_t Played(TelephoneDecoder& decoder) {
@@ -44,16 +38,16 @@ std::size_t Played(TelephoneDecoder& decoder) {
 }
 
 void Play(Bytes content) {
-  const MemoryFile file(content);
+  const std::string path = PathOf(content);
   std::unique_ptr<TelephoneDecoder> decoder;
-  const std::int32_t result = TelephoneDecoder::Open(file.Path(), decoder);
+  const std::int32_t result = TelephoneDecoder::Open(path, decoder);
   Require((result == kWaveOk) == (decoder != nullptr));
   Require(result == kWaveOk || result == kWaveFileUnreadable || result == kWaveBadFormat);
   if (!decoder) return;
   const auto length = decoder->Length();
   Require(length.count() >= 0);
   const std::size_t whole = Played(*decoder);
-  Require(TelephoneDecoder::Open(file.Path(), decoder) == kWaveOk);
+  Require(TelephoneDecoder::Open(path, decoder) == kWaveOk);
   if (decoder->CanSkip() && decoder->SkipTo(length * content.back() / 255))
     Require(Played(*decoder) <= whole + kSampleRate || whole >= kEnough);
 }
@@ -75,9 +69,8 @@ void Record(Choices choices) {
     whole = cut == news;
     if (whole) std::copy(now, now + image.Header().size(), on_disk.begin());
     if (whole) samples += block.size();
-    const MemoryFile file(on_disk);
     std::unique_ptr<TelephoneDecoder> decoder;
-    const bool playable = TelephoneDecoder::Open(file.Path(), decoder) == kWaveOk;
+    const bool playable = TelephoneDecoder::Open(PathOf(on_disk), decoder) == kWaveOk;
     Require(samples == 0 || (playable && Played(*decoder) >= std::min(samples, kEnough)));
   }
 }
