@@ -48,7 +48,7 @@ void Change(SqliteDatabase& database, Choices& choices, const bool& damaged) {
   auto after = *before;
   const auto position = before->empty() ? 1 : static_cast<std::int32_t>(choices.Byte() % before->size()) + 1;
   const std::string text = "text " + std::to_string(choices.Byte());
-  const std::size_t what = before->empty() ? 0 : choices.Below(4);
+  const std::size_t what = before->empty() ? 0 : choices.Below(3);
   const bool done = Succeeds([&] {
     if (what == 0) {
       database.AddNew();
@@ -62,9 +62,8 @@ void Change(SqliteDatabase& database, Choices& choices, const bool& damaged) {
       database.Update();
       after[static_cast<std::size_t>(position) - 1].back() = text;
     } else {
-      if (what == 2) database.MoveTo(position);
-      what == 2 ? database.Delete() : database.DeleteFirst(position);
-      after.erase(after.begin() + (what == 2 ? position - 1 : 0), after.begin() + position);
+      database.DeleteFirst(position);
+      after.erase(after.begin(), after.begin() + position);
     }
   });
   const auto now = Listed(database);

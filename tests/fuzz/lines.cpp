@@ -44,15 +44,6 @@ bool CanBeStored(const LineEdit& edit) {
   return alone.sections.size() == 1 && alone.complaints.empty() && Same(alone.sections[0], edit);
 }
 
-LineEdit NewLine(Choices& choices) {
-  const LineType& type = LineTypes()[choices.Below(LineTypes().size())];
-  LineEdit edit{0, choices.Text(), std::string(type.name), {}};
-  for (const LineKey& key : type.keys)
-    if (key.required || choices.Below(4) == 0) edit.values[std::string(key.name)] = choices.Text();
-  if (edit.type == "sip" && choices.Below(2) == 0) edit.values["listen"] = "0.0.0.0:5060";
-  return edit;
-}
-
 }  // namespace
 
 void Lines(Bytes input) {
@@ -70,8 +61,8 @@ void Lines(Bytes input) {
     if (what == 4) edit.values.erase(key);
     if (what != 1) edits.push_back(CanBeStored(edit) ? edit : same);
   }
-  for (int added = 0; choices.Any() && added < 4; ++added)
-    if (const LineEdit edit = NewLine(choices); CanBeStored(edit)) edits.push_back(edit);
+  LineEdit added{0, choices.Text(), "sim", {{"script", choices.Text()}}};
+  if (CanBeStored(added)) edits.push_back(added);
   const LinesFile after = Read(EditLines(text, before.sections, edits));
   Require(after.sections.size() == edits.size());
   for (std::size_t at = 0; at < edits.size(); ++at) Require(Same(after.sections[at], edits[at]));

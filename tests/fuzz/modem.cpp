@@ -43,10 +43,6 @@ class Listener : public ModemOutput {
     std::vector<std::int16_t> samples;
     decoder_.Decode(bytes, samples);
     hang_up_.Listen(samples);
-    std::vector<std::uint8_t> back, shielded;
-    encoder_.Encode(samples, back);
-    AppendShielded(back, shielded);
-    Require(shielded.size() >= back.size() && shielded.size() <= 2 * back.size());
   }
   void AudioEnded() override { EndOfAnswer(); }
 
@@ -73,7 +69,6 @@ class Listener : public ModemOutput {
   std::chrono::milliseconds now_{0};
   std::vector<std::string> lines_;
   SampleDecoder decoder_{Format()};
-  SampleEncoder encoder_{Format()};
   HangUpDetector hang_up_{[](const char*) {}};
 };
 

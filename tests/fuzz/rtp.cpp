@@ -2,7 +2,6 @@
 // Any datagrams to a call's RTP port, at any time: decoding, order, playout, keys, and SRTP among forgeries.
 #include <array>
 #include <chrono>
-#include <optional>
 #include <vector>
 
 #include "adapters/line/sip/digits.h"
@@ -19,113 +18,96 @@ constexpr std::string_view kKeys = "0123456789*#ABCD";
 constexpr std::uint8_t kEventType = 101;
 
 /// A call's receiving side without its sockets.
-class Receiver {
- public:
+struct Receiver {
   void Take(Bytes datagram) {
     const auto packet = ReadRtpPacket(datagram);
     if (!packet) return;
+    const auto& [header, payload] = *packet;
     std::array<std::uint8_t, kRtpHeaderBytes> again;
-    WriteRtpHeader(packet->header, again.data());
+    WriteRtpHeader(header, again.data());
     Require(LooksLikeRtp(datagram) && std::equal(again.begin() + 1, again.end(), datagram.begin() + 1));
-    Require(packet->payload.size() <= datagram.size() - kRtpHeaderBytes);
-    if (packet->header.payload_type == kEventType) return TakeEvent(*packet);
-    const auto samples =
-        Decode(packet->header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, packet->payload);
-    Require(samples.size() == packet->payload.size());
-    jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, samples);
-    order_.Push(packet->header.ssrc, packet->header.timestamp, samples);
-    Require(order_.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
+    Require(payload.size() <= datagram.size() - kRtpHeaderBytes);
+    if (header.payload_type == kEventType) {
+      const auto event = events.Take(*packet, now);
+      if (event.kind == TelephoneEvents::Kind::kPressed) Press(DigitSource::kTelephoneEvent, event.digit);
+      if (event.kind == TelephoneEvents::Kind::kHeld) digits.Held(DigitSource::kTelephoneEvent, now);
+      return;
+    }
+    const auto samples = Decode(header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, payload);
+    Require(samples.size() == payload.size());
+    jitter_buffer.Push(header.ssrc, header.timestamp, samples);
+    order.Push(header.ssrc, header.timestamp, samples);
+    Require(order.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
   }
 
   void Wait(std::size_t blocks) {
     for (; blocks > 0; --blocks) {
-      now_ += std::chrono::milliseconds(20);
+      now += std::chrono::milliseconds(20);
       std::array<std::int16_t, kBlockSamples> block;
-      jitter_buffer_.Pull(block);
-      dtmf_detector_.Listen(block);
-      while (order_.BufferedSamples() > kBlockSamples) PopInOrder();
+      jitter_buffer.Pull(block);
+      dtmf_detector.Listen(block);
+      PopUntil(kBlockSamples);
     }
   }
 
-  void End() {
-    while (order_.Front() != nullptr) PopInOrder();
-    Require(order_.BufferedSamples() == 0);
+  /// Packets may overlap; their beginnings are in order.
+  void PopUntil(std::size_t samples) {
+    while (order.BufferedSamples() > samples) {
+      const AudioFrame frame = order.Pop();
+      Require(!frame.samples.empty() && frame.start >= popped);
+      popped = frame.start + 1;
+    }
   }
 
   void Press(DigitSource source, char key) {
     Require(kKeys.find(key) != std::string_view::npos);
-    digits_.Report(source, key, now_);
+    digits.Report(source, key, now);
   }
 
- private:
-  /// Packets may overlap; their beginnings are in order.
-  void PopInOrder() {
-    const AudioFrame frame = order_.Pop();
-    Require(!frame.samples.empty() && frame.start >= popped_);
-    popped_ = frame.start + 1;
-  }
-
-  void TakeEvent(const RtpPacket& packet) {
-    const auto event = events_.Take(packet, now_);
-    if (event.kind == TelephoneEvents::Kind::kPressed) Press(DigitSource::kTelephoneEvent, event.digit);
-    if (event.kind == TelephoneEvents::Kind::kHeld) digits_.Held(DigitSource::kTelephoneEvent, now_);
-  }
-
-  JitterBuffer jitter_buffer_;
-  ReorderBuffer order_;
-  std::int64_t popped_ = 0;
-  TelephoneEvents events_;
-  DigitMerger digits_;
-  DtmfDetector dtmf_detector_{[this](char key) { Press(DigitSource::kInBand, key); }};
-  std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
-};
-
-/// Only packets of the key's owner are decrypted, to what was sent, and once.
-class SecureReceiver {
- public:
-  explicit SecureReceiver(SrtpSuite suite)
-      : sender_(suite, key_), receiver_(SrtpReceiver::Kind::kRtp, suite, key_) {}
-
-  /// The decrypted packet with this payload. `what` chooses whether it is sent plain or changed on its way:
-  /// nothing.
-  std::optional<Bytes> Take(Bytes payload, std::uint8_t what) {
-    plain_.assign(kRtpHeaderBytes, 0);
-    WriteRtpHeader({static_cast<std::uint8_t>(what % 128), false, ++sequence_, 160, 7}, plain_.data());
-    plain_.insert(plain_.end(), payload.begin(), payload.end());
-    const Bytes protect = what % 4 == 0 ? payload : sender_.Protect(plain_);
-    std::vector<std::uint8_t> sent(protect.begin(), protect.end());
-    if (what % 4 == 1) sent[what * 7U % sent.size()] ^= static_cast<std::uint8_t>(1U << what % 8U);
-    const auto opened = receiver_.Unprotect(sent);
-    Require(opened.has_value() == (what % 4 > 1));
-    if (!opened) return std::nullopt;
-    Require(std::ranges::equal(*opened, plain_) && !receiver_.Unprotect(sent));
-    return plain_;
-  }
-
- private:
-  const SrtpKey key_ = NewSrtpKey();  ///< with a fixed one the fuzzer would learn to forge
-  SrtpSender sender_;
-  SrtpReceiver receiver_;
-  std::uint16_t sequence_ = 0;
-  std::vector<std::uint8_t> plain_;
+  JitterBuffer jitter_buffer;
+  ReorderBuffer order;
+  std::int64_t popped = 0;
+  TelephoneEvents events;
+  DigitMerger digits;
+  DtmfDetector dtmf_detector{[this](char key) { Press(DigitSource::kInBand, key); }};
+  std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
 };
 
 }  // namespace
 
+/// With SRTP the payload is sent encrypted, and arrives once; or it is changed on its way or sent plain, and
+/// does not.
 void Rtp(Bytes input) {
   Choices choices(input);
   const std::uint8_t mode = choices.Byte();
-  std::optional<SecureReceiver> secure;
-  if (mode % 2 == 1) secure.emplace(mode % 4 == 1 ? SrtpSuite::kTag80 : SrtpSuite::kTag32);
+  const auto suite = mode % 4 == 1 ? SrtpSuite::kTag80 : SrtpSuite::kTag32;
+  const SrtpKey key = NewSrtpKey();  // with a fixed one the fuzzer would learn to forge
+  SrtpSender sender(suite, key);
+  SrtpReceiver srtp_receiver(SrtpReceiver::Kind::kRtp, suite, key);
   Receiver receiver;
-  while (choices.Any()) {
+  for (std::uint16_t sequence = 1; choices.Any(); ++sequence) {
     const std::uint8_t pause = choices.Byte();
     receiver.Wait(pause % 8 == 7 ? pause : pause % 8);
-    if (pause >= 0xF8) receiver.Press(DigitSource::kInfo, kKeys[choices.Below(kKeys.size())]);
     const Bytes datagram = choices.Piece();
-    if (const auto opened = secure ? secure->Take(datagram, pause) : datagram) receiver.Take(*opened);
+    if (mode % 2 == 0) {
+      receiver.Take(datagram);
+      continue;
+    }
+    std::vector<std::uint8_t> plain(kRtpHeaderBytes);
+    WriteRtpHeader({static_cast<std::uint8_t>(pause % 128), false, sequence, 160U * sequence, 7},
+                   plain.data());
+    plain.insert(plain.end(), datagram.begin(), datagram.end());
+    const Bytes sealed = pause % 4 == 0 ? datagram : sender.Protect(plain);
+    std::vector<std::uint8_t> sent(sealed.begin(), sealed.end());
+    if (pause % 4 == 1) sent[pause * 7U % sent.size()] ^= static_cast<std::uint8_t>(1U << pause % 8U);
+    const auto opened = srtp_receiver.Unprotect(sent);
+    Require(opened.has_value() == (pause % 4 > 1));
+    if (!opened) continue;
+    Require(std::ranges::equal(*opened, plain) && !srtp_receiver.Unprotect(sent));
+    receiver.Take(plain);
   }
-  receiver.End();
+  receiver.PopUntil(0);
+  Require(receiver.order.Front() == nullptr);
 }
 
 }  // namespace orven::fuzz

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any session descriptions that a peer offers or answers in one call.
 #include <optional>
-#include <string_view>
+#include <string>
 
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/srtp.h"
@@ -16,7 +16,7 @@ sa Local() {
   return local;
 }
 
-void ReadCrypto(std::string_view text) {
+void ReadCrypto(const std::string& text) {
   const auto attribute = ReadCryptoAttribute(text);
   if (!attribute) return;
   const auto again = ReadCryptoAttribute(WriteCryptoAttribute(*attribute));
@@ -24,74 +24,53 @@ void ReadCrypto(std::string_view text) {
           again->key == attribute->key);
 }
 
-/// One call: once encrypted it stays encrypted, and keeps its key while the suite stays.
-class Negotiated {
- public:
-  explicit Negotiated(SrtpUse use) : use_(use), negotiation_(Local(), use) {}
+void RequireUsable(const MediaAgreement& agreement, SrtpUse use) {
+  const auto& [peer, codecs, codec, type, event, send, receive, keys] = agreement;
+  Require(sa_port(&peer) != 0 && sa_af(&peer) == AF_INET &&
+          (sa_isset(&peer, SA_ADDR) || (!send && !receive)));
+  Require(type < codecs.size() && codecs[type] == codec);
+  Require(!event || (*event < codecs.size() && !codecs[*event]));
+  Require(keys ? use != SrtpUse::kNever : use != SrtpUse::kRequired);
+}
 
-  /// False when the description ends the call.
-  bool Take(std::string_view description, bool is_offer) {
-    const auto agreement = negotiation_.Read(description, is_offer, Local());
-    if (!agreement) return agreed_;
-    agreed_ = true;
-    RequireUsable(*agreement, use_);
-    const auto& keys = agreement->keys;
-    Require(!keys_ || (keys && (keys->suite != keys_->suite || keys->send == keys_->send)));
-    keys_ = keys;
-    if (is_offer) Written(false);
-    return true;
-  }
-
-  /// A peer can agree to our offer.
-  void Offer() {
-    const auto offer = Written(true);
-    MediaNegotiation peer(Local(), keys_ ? SrtpUse::kRequired : use_);
-    const auto agreement = peer.Read({reinterpret_cast<const char*>(offer->buf), offer->end}, true, Local());
-    Require(agreement && (agreement->keys || !keys_));
-    RequireUsable(*agreement, use_);
-  }
-
- private:
-  static void RequireUsable(const MediaAgreement& agreement, SrtpUse use) {
-    const auto& [peer, codecs, codec, type, event, send, receive, keys] = agreement;
-    Require(sa_port(&peer) != 0 && sa_af(&peer) == AF_INET &&
-            (sa_isset(&peer, SA_ADDR) || (!send && !receive)));
-    Require(type < codecs.size() && codecs[type] == codec);
-    Require(!event || (*event < codecs.size() && !codecs[*event]));
-    Require(keys ? use != SrtpUse::kNever : use != SrtpUse::kRequired);
-  }
-
-  LibrePtr<mbuf> Written(bool as_offer) {
-    auto text = negotiation_.Write(as_offer);
-    Require(text != nullptr && text->end < 4096);
-    const std::string_view view(reinterpret_cast<const char*>(text->buf), text->end);
-    Require(view.starts_with("v=0\r\n") && view.find("m=audio 4000 RTP/") != view.npos);
-    return text;
-  }
-
-  const SrtpUse use_;
-  MediaNegotiation negotiation_;
-  bool agreed_ = false;
-  std::optional<SrtpKeys> keys_;
-};
+std::string Written(MediaNegotiation& negotiation, bool as_offer) {
+  const auto text = negotiation.Write(as_offer);
+  Require(text != nullptr);
+  return {reinterpret_cast<const char*>(text->buf), text->end};
+}
 
 }  // namespace
 
-/// Before each description: "o" for an offer, "a" for an answer, "w" for our offer that it answers.
+/// Before each description: "o" for an offer, "a" for an answer, "w" for our offer that it answers. Once
+/// encrypted the call stays so, and it keeps its key while the suite stays.
 void Sdp(Bytes input) {
-  Choices choices(input);
-  Negotiated call(static_cast<SrtpUse>(choices.Byte() % 3));
-  std::string_view rest(reinterpret_cast<const char*>(input.data()), input.size());
-  rest.remove_prefix(std::min<std::size_t>(1, rest.size()));
+  const auto use = static_cast<SrtpUse>(Choices(input).Below(3));
+  MediaNegotiation negotiation(Local(), use);
+  std::optional<MediaAgreement> agreed;
+  std::string rest = TextOf(input.empty() ? input : input.subspan(1));
   ReadCrypto(rest);
   while (!rest.empty()) {
-    const std::string_view piece = rest.substr(0, rest.find('\0'));
-    rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
+    const std::string piece = rest.substr(0, rest.find('\0'));
+    rest.erase(0, piece.size() + 1);
     if (piece.empty()) continue;
     if (const auto crypto = piece.find("a=crypto:"); crypto != piece.npos)
       ReadCrypto(piece.substr(crypto + 9, piece.find('\r', crypto) - crypto - 9));
-    if (piece[0] == 'w') call.Offer();
-    if (!call.Take(piece.substr(1), piece[0] == 'o')) return;
+    const bool encrypted = agreed && agreed->keys;
+    if (piece[0] == 'w') {  // a peer can agree to it
+      const SrtpUse wanted = encrypted ? SrtpUse::kRequired : use;
+      const auto agreement =
+          MediaNegotiation(Local(), wanted).Read(Written(negotiation, true), true, Local());
+      Require(agreement.has_value());
+      RequireUsable(*agreement, wanted);
+    }
+    const auto agreement = negotiation.Read(piece.substr(1), piece[0] == 'o', Local());
+    if (!agreement && !agreed) return;
+    if (!agreement) continue;
+    RequireUsable(*agreement, encrypted ? SrtpUse::kRequired : use);
+    if (encrypted && agreement->keys->suite == agreed->keys->suite)
+      Require(agreement->keys->send == agreed->keys->send);
+    agreed = agreement;
+    if (piece[0] == 'o') (void)Written(negotiation, false);
   }
 }
 
