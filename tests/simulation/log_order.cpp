@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "simulation/log_order.h"
-
-#include <array>
+#include <algorithm>
 #include <set>
+
+#include "simulation/promises.h"
 
 namespace orven::test {
 namespace {
 
-struct Step {
+struct LogStep {
   std::string_view begins;  ///< how its line begins
   std::string_view needs;   ///< the step that must stand before it in the same call
   bool once;
@@ -19,31 +19,34 @@ constexpr std::string_view kAnswerAccepted = "LineAnswer[LineIndex:0]->Proc Num:
 constexpr std::string_view kConnected = "Connected[";
 constexpr std::string_view kBeep = "Play Beep ";
 constexpr std::string_view kStart = "Start Record Message[";
-constexpr std::string_view kIdle = "Idle[";
 
-constexpr std::array kSteps{Step{"Ring[", kOffer, false},
-                            Step{"DoNothing[", kOffer, false},
-                            Step{"CallerID[", kOffer, false},
-                            Step{kConnected, kAnswer, true},
-                            Step{"Disconnected[", kAnswer, true},
-                            Step{kBeep, kConnected, true},
-                            Step{"MonitorDigit[", kConnected, false},
-                            Step{"Remote Control ", "MonitorDigit[", false},
-                            Step{kStart, kBeep, false},
-                            Step{"Cap Error Rec Message[", kBeep, true},
-                            Step{"Record Message ", kStart, true},
-                            Step{kIdle, kOffer, true}};
+constexpr LogStep kSteps[] = {{"Ring[", kOffer, false},
+                              {"DoNothing[", kOffer, false},
+                              {"CallerID[", kOffer, false},
+                              {kConnected, kAnswer, true},
+                              {"Disconnected[", kAnswer, true},
+                              {kBeep, kConnected, true},
+                              {"MonitorDigit[", kConnected, false},
+                              {"Remote Control ", "MonitorDigit[", false},
+                              {kStart, kBeep, false},
+                              {"Cap Error Rec Message[", kBeep, true},
+                              {"Record Message ", kStart, true},
+                              {"Idle[", kOffer, true}};
 
-/// Fault lines are found by their labels; only these have a cause in the simulation.
-bool IsUnexplainedFault(const std::string& line, bool records_lost) {
-  // Nobody but the disk and the records throw these.
-  const bool of_disk = line.find(" 61 Disk full") != std::string::npos ||
-                       line.find(": the database is not open") != std::string::npos;
-  const bool of_row = records_lost && line.find(" 9 Subscript out of range") != std::string::npos;
-  const bool of_take = line.starts_with("Error Start RecMessage[") || line.starts_with("ErrStopRecGreet ");
-  return line.starts_with("Err") && !line.starts_with("Error Playing Remote Control") &&
-         !line.starts_with("ErrPlayForAdmin 9 ") && !line.starts_with("Error Send To APP ->53 ") &&
-         !line.starts_with("Error Sending To Mail To ") && !of_disk && !of_row && !of_take;
+/// Parts of the fault lines ("Err…") that have a cause in the simulation.
+constexpr std::string_view kExplained[] = {"Error Playing Remote Control",
+                                           "ErrPlayForAdmin 9 ",
+                                           "Error Send To APP ->53 ",
+                                           "Error Sending To Mail To ",
+                                           "Error Start RecMessage[",
+                                           "ErrStopRecGreet ",
+                                           " 61 Disk full",
+                                           ": the database is not open"};
+
+bool IsUnexplainedFault(std::string_view line, bool records_lost) {
+  const auto has = [line](std::string_view part) { return line.find(part) != line.npos; };
+  if (records_lost && has(" 9 Subscript out of range")) return false;
+  return line.starts_with("Err") && std::ranges::none_of(kExplained, has);
 }
 
 /// What has been logged of the present call.

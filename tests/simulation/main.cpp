@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <random>
-#include <sstream>
-#include <string>
+#include <set>
 
-#include "simulation/play.h"
+#include "simulation/promises.h"
 
 namespace orven::test {
 namespace {
@@ -15,79 +15,147 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::uint64_t kEnoughToSeeThePattern = 5;
 
-struct Tally {
-  std::uint64_t worlds = 0, calls = 0, failed = 0;
+/// Longest time that anything started by a story goes on after it: an answer under way, a silence limit, a
+/// message that is played, a mail.
+constexpr auto kAftermath = 20s;
+
+struct Outcome {
+  std::vector<std::string> broken;  ///< promises, each with its time
+  std::vector<std::string> log;     ///< the system log, in the order in which it was written
+  int calls = 0;                    ///< that were offered
 };
 
-void Print(const Story& story, const Outcome& outcome) {
-  std::cout << story.Script() << "system log:\n";
+/// A caller waits for the beep and talks, and nothing fails.
+void PlayPlainCall(World& world, Promises& promises) {
+  constexpr int kMostRings = 5;
+  MendEverything(world);
+  promises.whole = true;
+  world.Talk();
+  world.line->Offer();
+  for (int ring = 0; ring < kMostRings; ++ring) {
+    world.line->Ring();
+    world.RunFor(1s);
+  }
+  world.RunFor(4s);
+  world.line->HangUp();
+  world.RunFor(kAftermath);
+}
+
+/// Plays a story in a world of its own. At its end everything is mended, and a last call must be whole.
+Outcome Play(const Story& story) {
+  World world;
+  Promises promises(world);
+  auto step = story.steps.begin();
+  for (; step != story.steps.end() && step->at == kBeforeStart; ++step) step->act(world);
+  world.Start();
+  const auto begin = world.time.Uptime();
+  for (; step != story.steps.end(); ++step) {
+    world.RunFor(begin + step->at - world.time.Uptime());
+    promises.Play(*step);
+  }
+  world.RunFor(begin + story.end - world.time.Uptime());
+  world.line->HangUp();
+  world.RunFor(kAftermath);
+  if (!world.ended) PlayPlainCall(world, promises);
+  promises.CheckEnd();
+  return {promises.broken, promises.log, promises.offered};
+}
+
+/// The broken promises without their times and numbers, which differ from one story to the next.
+std::set<std::string> Kinds(const Outcome& outcome) {
+  std::set<std::string> kinds;
+  for (auto kind : outcome.broken) {
+    kind.erase(0, kind.find(": "));
+    std::erase_if(kind, [](char character) { return character >= '0' && character <= '9'; });
+    kinds.insert(kind);
+  }
+  return kinds;
+}
+
+/// The shortest part of a story, whose outcome was `outcome`, that breaks one of the same promises. Pieces
+/// are taken out as long as the rest does: halves, quarters and so on down to single steps (delta debugging).
+Story Shrunk(Story story, const Outcome& outcome) {
+  const auto wanted = Kinds(outcome);
+  for (std::size_t piece = story.steps.size() / 2; piece > 0;) {
+    bool shorter = false;
+    for (std::size_t begin = 0; begin < story.steps.size();) {
+      const auto first = story.steps.begin() + static_cast<std::ptrdiff_t>(begin);
+      const auto end = std::min(begin + piece, story.steps.size());
+      Story rest{{story.steps.begin(), first}, story.end};
+      rest.steps.insert(rest.steps.end(), first + static_cast<std::ptrdiff_t>(end - begin),
+                        story.steps.end());
+      const bool still =
+          std::ranges::any_of(Kinds(Play(rest)), [&](const auto& kind) { return wanted.contains(kind); });
+      if (still) story = std::move(rest);
+      if (!still) begin = end;
+      shorter = shorter || still;
+    }
+    if (piece > 1 || !shorter) piece /= 2;  // until no single step can be left out
+  }
+  return story;
+}
+
+/// Plays a story and prints it with its outcome.
+int Show(const Story& story) {
+  const auto outcome = Play(story);
+  for (const auto& step : story.steps) {
+    std::cout << "  [" << step.number << "] ";
+    if (step.at != kBeforeStart) std::cout << step.at.count() << " ms: ";
+    std::cout << step.what << '\n';
+  }
+  std::cout << "system log:\n";
   for (const auto& line : outcome.log) std::cout << "  " << line << '\n';
   for (const auto& promise : outcome.broken) std::cout << "BROKEN " << promise << '\n';
+  return outcome.broken.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Those steps of `story` whose numbers stand in `list` ("3,7,12").
-Story Only(const Story& story, const std::string& list) {
-  Story part{{}, story.end};
-  std::istringstream numbers(list);
-  for (std::string number; std::getline(numbers, number, ',');) {
-    const auto index = std::strtoull(number.c_str(), nullptr, 10);
-    if (index >= 1 && index <= story.steps.size()) part.steps.push_back(story.steps[index - 1]);
-  }
-  return part;
+/// Shows the story of `seed`, or only those of its steps whose numbers are in `list` ("3,7,12").
+int Replay(std::uint64_t seed, const std::string& list) {
+  auto story = RandomStory(seed);
+  std::erase_if(story.steps, [&](const Step& step) {
+    const auto number = "," + std::to_string(step.number) + ",";
+    return !list.empty() && ("," + list + ",").find(number) == std::string::npos;
+  });
+  return Show(story);
 }
 
-std::string Numbers(const Story& story) {
-  std::string list;
-  for (const auto& step : story.steps) list += (list.empty() ? "" : ",") + std::to_string(step.number);
-  return list.empty() ? "0" : list;
-}
-
-/// Plays one seed; a story that fails is shrunk and printed.
-void PlaySeed(std::uint64_t seed, const char* program, Tally& tally) {
+/// Shrinks and shows the failed story of `seed`.
+void ShowFailure(std::uint64_t seed, const Outcome& outcome, const char* program) {
   const auto story = RandomStory(seed);
-  const auto outcome = Play(story);
-  ++tally.worlds;
-  tally.calls += static_cast<std::uint64_t>(outcome.calls);
-  if (outcome.broken.empty()) return;
-  ++tally.failed;
   const auto shortest = Shrunk(story, outcome);
   std::cout << "seed " << seed << ", shrunk from " << story.steps.size() << " steps to "
             << shortest.steps.size() << '\n';
-  Print(shortest, Play(shortest));
-  std::cout << "replay: " << program << " replay " << seed << ' ' << Numbers(shortest) << "\n\n"
-            << std::flush;
-}
-
-int Report(const Tally& tally, std::uint64_t first_seed) {
-  std::cout << tally.calls << " calls simulated in " << tally.worlds << " worlds from seed " << first_seed
-            << ", " << tally.failed << " with broken promises\n";
-  return tally.failed == 0 && tally.calls > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+  Show(shortest);
+  std::cout << "replay: " << program << " replay " << seed << " 0";
+  for (const auto& step : shortest.steps) std::cout << ',' << step.number;
+  std::cout << "\n\n" << std::flush;
 }
 
 /// Plays so many worlds (0: no limit) and until `minutes` have passed (0: no limit).
 int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
   const auto begin = SteadyClock::now();
   auto told = begin;
-  Tally tally;
-  while ((worlds == 0 || tally.worlds < worlds) && tally.failed < kEnoughToSeeThePattern) {
+  std::uint64_t played = 0, calls = 0, failed = 0;
+  const auto report = [&] {
+    std::cout << calls << " calls simulated in " << played << " worlds from seed " << first_seed << ", "
+              << failed << " with broken promises\n"
+              << std::flush;
+  };
+  for (; (worlds == 0 || played < worlds) && failed < kEnoughToSeeThePattern; ++played) {
     const auto now = SteadyClock::now();
     if (minutes > 0 && now - begin >= std::chrono::minutes(minutes)) break;
     if (now - told >= 60s) {
-      Report(tally, first_seed);
-      std::cout << std::flush;
+      report();
       told = now;
     }
-    PlaySeed(first_seed + tally.worlds, program, tally);
+    const auto outcome = Play(RandomStory(first_seed + played));
+    calls += static_cast<std::uint64_t>(outcome.calls);
+    if (outcome.broken.empty()) continue;
+    ++failed;
+    ShowFailure(first_seed + played, outcome, program);
   }
-  return Report(tally, first_seed);
-}
-
-int Replay(std::uint64_t seed, const std::string& steps) {
-  auto story = RandomStory(seed);
-  if (!steps.empty()) story = Only(story, steps);
-  const auto outcome = Play(story);
-  Print(story, outcome);
-  return outcome.broken.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+  report();
+  return failed == 0 && calls > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int Run(const std::vector<std::string>& arguments, const char* program) {

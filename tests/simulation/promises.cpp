@@ -7,7 +7,6 @@
 #include "base/conversions.h"
 #include "base/paths.h"
 #include "records/call.h"
-#include "simulation/log_order.h"
 
 namespace orven::test {
 namespace {
@@ -16,10 +15,7 @@ constexpr int kIdleSeconds = 120;
 
 }  // namespace
 
-Promises::Promises(World& world)
-    : world_(world),
-      program_(&world.Machine().sequence),
-      second_(world.time.MakeTimer([this] { CountSilence(); })) {
+Promises::Promises(World& world) : world_(world), second_(world.time.MakeTimer([this] { CountSilence(); })) {
   second_->Start(1s);
   world_.Wave1.on_play = [this](const std::string& path) { OwnerHears(path); };
   world_.Tapi1->SetEvents(this);
@@ -30,50 +26,53 @@ Promises::Promises(World& world)
   };
 }
 
+void Promises::Play(const Step& step) {
+  const auto is = [&](std::string_view begin) { return step.what.starts_with(begin); };
+  if (is("drop") || is("view: drop") || is("line off") || is("exit")) cut_short_ = true;
+  if (is("the clock")) turned_ = true;
+  if (is("the records' f")) lost_ = stale_ = cut_short_ = true;
+  if (is("exit") && !world_.ended) {
+    refused_at_exit_ = refused_;
+    records_at_exit_ = RecordsWork();
+  }
+  is("started again") ? Restart(step) : step.act(world_);
+  if (!world_.ended) CheckWindow();
+}
+
+void Promises::Expect(bool kept, const std::string& promise) {
+  if (!kept) broken.push_back(std::to_string(world_.time.Uptime().count()) + " ms: " + promise);
+}
+
+void Promises::Restart(const Step& step) {
+  const auto call = world_.CurrentCall();
+  const bool interrupted = call.in_progress && !world_.ended;
+  const int most = interrupted && !call.admin_mode ? 1 : 0;
+  // Whether a message has begun is the recovery's to find out.
+  const int least = world_.Machine().settings.ListMessageOnly == 0 ? most : 0;
+  CountFiled();
+  step.act(world_);
+  world_.Tapi1->SetEvents(this);
+  if (interrupted) ++idle_;  // it ended with the program
+  stale_ = false;
+  const int recovered = world_.database.added - filed_;
+  if (world_.disk.Failures() > 0 || !RecordsWork()) unsure_ = true;
+  Expect(unsure_ || (recovered >= waiting_ + least && recovered <= waiting_ + most),
+         "a start files the call that the program's end has interrupted, once");
+  filed_ = world_.database.added;
+  waiting_ = 0;
+}
+
 /// The files of a log are in no order once the clock has been turned; the lines are taken as they come.
 void Promises::Hear(const std::string& path, std::string_view text) {
   constexpr std::size_t kTime = 11;  // "14:05:07 : "
   if (!path.ends_with("_Sys.txt")) return;
-  if (world_.disk.Failures() == 0) {
-    const auto day = FileStamp(world_.time.DateText(world_.time.Now()), "");
-    Expect(path.ends_with("/" + day + "_Sys.txt"), "a line of the log is in the file of its day");
-    Expect(text.starts_with(world_.time.TimeText(world_.time.Now())), "a line of the log has its time");
-  }
-  log_.emplace_back(text.substr(kTime, text.size() - kTime - 2));
-  if (log_.back().ends_with("the line ends the call") && world_.disk.Failures() == 0) {
-    Expect(silent_ >= kIdleSeconds - 1, "the line ends no call on which something happens");
-  }
-}
-
-void Promises::Before(const std::string& step) {
-  const auto& call = world_.CurrentCall();
-  if (step == "drop" || step == "view: drop" || step == "line off and on" || step == "exit")
-    cut_short_ = true;
-  if (step.ends_with("started again")) {
-    interrupted_.call = call.in_progress && !world_.ended;
-    const bool wanted = interrupted_.call && !call.admin_mode;
-    interrupted_.most = wanted ? 1 : 0;
-    // Whether a message has begun is the recovery's to find out.
-    interrupted_.least = wanted && world_.Machine().settings.ListMessageOnly == 0 ? 1 : 0;
-    interrupted_.happens = world_.ended == (step == "started again");
-    CountFiled();
-  }
-  if (step.starts_with("the clock") || step.starts_with("summer") || step.starts_with("midnight")) {
-    turned_ = true;
-  }
-  if (step == "exit" && !world_.ended) {
-    refused_at_exit_ = refused_;
-    records_at_exit_ = !world_.database_full && !world_.database.gone;
-  }
-  if (step.starts_with("the records' f")) lost_ = stale_ = cut_short_ = true;
-}
-
-void Promises::Expect(bool kept, const std::string& promise) {
-  if (!kept) broken_.push_back(std::to_string(world_.time.Uptime().count()) + " ms: " + promise);
-}
-
-void Promises::After(const std::string& step) {
-  if (step.ends_with("started again") && interrupted_.happens) CheckStart();
+  log.emplace_back(text.substr(kTime, text.size() - kTime - 2));
+  if (world_.disk.Failures() > 0) return;
+  const auto day = FileStamp(world_.time.DateText(world_.time.Now()), "");
+  Expect(path.ends_with("/" + day + "_Sys.txt"), "a line of the log is in the file of its day");
+  Expect(text.starts_with(world_.time.TimeText(world_.time.Now())), "a line of the log has its time");
+  Expect(!log.back().ends_with("the line ends the call") || silent_ >= kIdleSeconds - 1,
+         "the line ends no call on which something happens");
 }
 
 /// The records that were added since the latest look.
@@ -82,54 +81,26 @@ void Promises::CountFiled() {
   filed_ = world_.database.added;
 }
 
-void Promises::CheckStart() {
-  program_ = &world_.Machine().sequence;
-  world_.Tapi1->SetEvents(this);
-  if (interrupted_.call) ++idle_;  // it ended with the program
-  stale_ = false;
-  const int recovered = world_.database.added - filed_;
-  const bool sure = world_.disk.Failures() == 0 && !world_.database_full && !world_.database.gone;
-  if (sure && !unsure_) {
-    Expect(recovered >= waiting_ + interrupted_.least && recovered <= waiting_ + interrupted_.most,
-           "a start files the call that the program's end has interrupted, once");
-  } else {
-    unsure_ = true;
-  }
-  filed_ = world_.database.added;
-  waiting_ = 0;
+std::string Promises::Newest(std::string_view field) const {
+  return world_.database.Field(world_.database.Records().size() - 1, field);
 }
 
-void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
-  ++offered_;
-  written_before_ = world_.Wave1.written;
-  date_ = world_.time.DateText(world_.time.Now());
-  time_ = world_.time.TimeText(world_.time.Now());
-  name_ = number_ = "UNKNOWN";
-  program_->InCommingCall(line, call);
-}
-
-void Promises::Idle(std::int32_t line) {
-  ++idle_;
-  const auto added = world_.database.added;
-  const auto refused = refused_;
-  const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
-  const auto mails = world_.Mail1.mails.size();
-  const auto programs = world_.shell.attempts;
-  program_->Idle(line);
-  CheckActions(world_.Mail1.mails.size() - mails, world_.shell.attempts - programs);
-  CheckQuiet();
-  const bool could_be = !world_.database_full && !world_.database.gone && refused_ == refused;
-  CheckFiling(world_.database.added - added, message_only, could_be);
+/// The path of a record's message; empty for none.
+std::string Promises::Message(std::size_t record) const {
+  const auto& database = world_.database;
+  if (database.Field(record, kType) == kNoMessageType) return "";
+  return world_.messages + database.Field(record, kCallMassageName);
 }
 
 void Promises::CheckQuiet() {
-  Expect(!world_.Machine().recorder.TimersRunning(), "both recording timers are off after a call");
-  Expect(!world_.Wave1.IsRecording() || world_.Machine().microphone.Recording(),
+  auto& machine = world_.Machine();
+  Expect(!machine.recorder.TimersRunning(), "both recording timers are off after a call");
+  Expect(!world_.Wave1.IsRecording() || machine.microphone.Recording(),
          "nothing but the microphone records after a call");
   Expect(!world_.Wave1.IsPlaying(), "nothing plays on the line after a call");
   Expect(!world_.Tapi1->IsCallConnected(0), "no call is connected after a call");
-  Expect(!world_.CurrentCall().in_progress && !world_.CurrentCall().answering, "the call's flags are clear");
-  Expect(world_.Machine().progress.State() == CallState::Idle, "the call's state is idle");
+  Expect(!machine.call.in_progress && !machine.call.answering, "the call's flags are clear");
+  Expect(machine.progress.State() == CallState::Idle, "the call's state is idle");
 }
 
 void Promises::CheckFiling(int filed, bool message_only, bool could_be) {
@@ -145,23 +116,16 @@ void Promises::CheckFiling(int filed, bool message_only, bool could_be) {
   }
   ++waiting_;
   CountFiled();
-  if (unsure_) waiting_ = could_be && filed > 0 ? 0 : 1;  // how many there were, nobody can tell
+  if (unsure_) waiting_ = could_be && filed > 0 ? 0 : 1;  // how many there were is unknown
   Expect(waiting_ >= 0, "no call is filed twice");
   if (could_be) Expect(waiting_ == 0, "every call is filed, as soon as that can be");
   if (waiting_ != 0) return;
   stale_ = false;
   Expect(world_.views.rows.size() == world_.database.Records().size(), "the list shows every record");
-  CheckRecord();
+  Expect(Newest(kCallDate) == date_ && Newest(kCallTime) == time_,
+         "a record has the time at which its call came");
+  Expect(Newest(kCallName) == name_ && Newest(kCallNumber) == number_, "a record has its caller");
   CheckMessage();
-}
-
-void Promises::CheckRecord() {
-  const auto newest = world_.database.Records().size() - 1;
-  const auto is = [&](const char* field, const std::string& value) {
-    return world_.database.Field(newest, field) == value;
-  };
-  Expect(is(kCallDate, date_) && is(kCallTime, time_), "a record has the time at which its call came");
-  Expect(is(kCallName, name_) && is(kCallNumber, number_), "a record has its caller");
 }
 
 void Promises::CheckActions(std::size_t mails, std::size_t programs) {
@@ -185,21 +149,18 @@ void Promises::CheckActions(std::size_t mails, std::size_t programs) {
 }
 
 void Promises::CheckMessage() {
-  const auto newest = world_.database.Records().size() - 1;
-  const auto type = world_.database.Field(newest, kType);
-  const int written = world_.Wave1.written - written_before_;
+  const auto& wave = world_.Wave1;
+  const int written = wave.written - written_before_;
+  const auto path = Message(world_.database.Records().size() - 1);
   Expect(written <= 1, "a call has one message at most");
-  if (whole_) {
-    Expect(written == (world_.shared.record_messages ? 1 : 0), "a call without any fault leaves its message");
-  }
-  Expect((type == kNoMessageType) == (written == 0),
-         "the record says -1 exactly when no message was recorded");
+  Expect(!whole || written == (world_.shared.record_messages ? 1 : 0),
+         "a call without any fault leaves its message");
+  Expect(path.empty() == (written == 0), "the record says -1 exactly when no message was recorded");
   if (written == 0) return;
-  const auto path = world_.messages + world_.database.Field(newest, kCallMassageName);
-  Expect(path == world_.Wave1.last_recorded_path, "the record names the message that was recorded");
-  Expect(world_.files.Content(path) == TimedWave::Sound(world_.Wave1.last_recorded_length),
+  Expect(path == wave.last_recorded_path, "the record names the message that was recorded");
+  Expect(world_.files.Content(path) == TimedWave::Sound(wave.last_recorded_length),
          "the message is there, at the recorded length");
-  Expect(type == ToText(static_cast<double>(world_.Wave1.last_recorded_length.count()) / 1000),
+  Expect(Newest(kType) == ToText(static_cast<double>(wave.last_recorded_length.count()) / 1000),
          "the record has the message's length");
 }
 
@@ -209,37 +170,32 @@ void Promises::CountSilence() {
   Expect(silent_ != kIdleSeconds + 2, "a silent line is let go");
 }
 
-/// Identity of the newest call with a message among those that the owner has not come to yet; 0 for none.
-std::int64_t Promises::NextUnheard() {
+/// Number of the newest record with a message among those that the owner has not come to yet; 0 for none.
+std::size_t Promises::NextUnheard() const {
   if (world_.database.gone) return 0;
-  auto record = static_cast<std::int32_t>(world_.database.Records().size());
-  for (; record > 0; --record) {
-    const auto identity = world_.database.Identity(record);
-    const auto type = world_.database.Field(static_cast<std::size_t>(record) - 1, kType);
-    if (identity < heard_ && type != kNoMessageType) return identity;
+  for (auto record = world_.database.Records().size(); record > 0; --record) {
+    const auto identity = world_.database.Identity(static_cast<std::int32_t>(record));
+    if (identity < heard_ && !Message(record - 1).empty()) return record;
   }
   return 0;
 }
 
 void Promises::OwnerHears(const std::string& path) {
   if (!world_.CurrentCall().admin_mode) return;
-  heard_ = NextUnheard();
-  const auto record = heard_ == 0 ? 0 : world_.database.Locate(heard_);
-  const bool next =
-      record > 0 &&
-      path == world_.messages + world_.database.Field(static_cast<std::size_t>(record) - 1, kCallMassageName);
-  Expect(next, "the owner hears each message once, the newest first");
+  const auto record = NextUnheard();
+  Expect(record > 0 && path == Message(record - 1), "the owner hears each message once, the newest first");
+  heard_ = record > 0 ? world_.database.Identity(static_cast<std::int32_t>(record)) : 0;
   if (world_.Wave1.play_result != kWaveOk || !world_.files.Exists(path)) cut_short_ = true;
 }
 
-/// Whatever was renamed and deleted meanwhile.
+/// Also after everything that was renamed and deleted meanwhile.
 void Promises::CheckMessages() {
-  std::set<std::string> names;
+  std::set<std::string> paths;
   for (std::size_t record = 0; record < world_.database.Records().size(); ++record) {
-    if (world_.database.Field(record, kType) == kNoMessageType) continue;
-    const auto name = world_.database.Field(record, kCallMassageName);
-    Expect(world_.files.Exists(world_.messages + name), "every message of the list is there, " + name);
-    Expect(names.insert(name).second, "each call has a message of its own, " + name);
+    const auto path = Message(record);
+    if (path.empty()) continue;
+    Expect(world_.files.Exists(path), "every message of the list is there, " + path);
+    Expect(paths.insert(path).second, "each call has a message of its own, " + path);
   }
 }
 
@@ -262,67 +218,89 @@ void Promises::CheckWindow() {
          "the selection is shown");
   const auto tip = "ORVEN - Calls:" + std::to_string(list.Count()) + "  New:" + std::to_string(unread);
   Expect(world_.shell.icon.tip.c_str() == tip, "the tip of the tray icon is " + tip);
-  const auto& player = world_.Machine().player;
-  Expect(player.Playing() == world_.views.slider_enabled, "the slider can be moved while a message plays");
+  Expect(world_.Machine().player.Playing() == world_.views.slider_enabled,
+         "the slider can be moved while a message plays");
 }
 
 void Promises::CheckEnd() {
   // A journal that had no room may not know that a call has been filed, when its record has been deleted
   // since, nor that its mail has been handed over.
-  if (journal_kept_)
-    Expect(world_.Mail1.mails.size() == mails_, "no mail is sent but for a call that is over");
+  Expect(!journal_kept_ || world_.Mail1.mails.size() == mails_,
+         "no mail is sent but for a call that is over");
   Expect(world_.shell.attempts == programs_, "no program is started but for a call that is over");
-  Expect(offered_ == idle_, "every call that was offered became idle");
+  Expect(offered == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");
   CheckQuiet();
   CountFiled();  // what was filed when the program ended
-  const bool could_be = records_at_exit_ && refused_ == refused_at_exit_;
   Expect(waiting_ >= 0 || unsure_, "no call is filed twice");
-  // The recording of a call whose record was taken away is a call anew.
-  if (journal_kept_ && !lost_) Expect(world_.database.added <= offered_, "no more records than calls");
-  if (world_.ended && could_be && !unsure_)
+  // A recording whose record was taken away is filed again, as a call of its own.
+  Expect(!journal_kept_ || lost_ || world_.database.added <= offered, "no more records than calls");
+  if (world_.ended && records_at_exit_ && refused_ == refused_at_exit_ && !unsure_)
     Expect(waiting_ == 0, "every call is filed when the program ends");
   CheckMessages();
   const std::string expected = world_.ended ? "Off Mode" : "Monitoring Sim";
   Expect(world_.views.Status() == expected, "the status is " + expected + ", not " + world_.views.Status());
   // Lines that wait for one day's file do not hold up those of another day.
   if (unsure_ || (turned_ && world_.disk.Failures() > 0)) return;
-  for (const auto& fault : FaultsInLog(log_, lost_)) Expect(false, fault);
+  for (const auto& fault : FaultsInLog(log, lost_)) Expect(false, fault);
+}
+
+void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
+  ++offered;
+  written_before_ = world_.Wave1.written;
+  date_ = world_.time.DateText(world_.time.Now());
+  time_ = world_.time.TimeText(world_.time.Now());
+  name_ = number_ = "UNKNOWN";
+  Program().InCommingCall(line, call);
+}
+
+void Promises::Idle(std::int32_t line) {
+  ++idle_;
+  const auto added = world_.database.added;
+  const auto refused = refused_;
+  const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
+  const auto mails = world_.Mail1.mails.size();
+  const auto programs = world_.shell.attempts;
+  Program().Idle(line);
+  CheckActions(world_.Mail1.mails.size() - mails, world_.shell.attempts - programs);
+  CheckQuiet();
+  CheckFiling(world_.database.added - added, message_only, RecordsWork() && refused_ == refused);
 }
 
 void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
-  program_->Proc(line, request, result);
+  Program().Proc(line, request, result);
   const bool hung_up = request == result && !world_.Tapi1->IsCallConnected(line);
   if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
 }
+
 void Promises::MonitorDigit(std::int32_t line, char digit) {
   silent_ = 0;
   const bool owner = digit == '*' && !world_.Machine().recorder.Recording() &&
                      world_.CurrentCall().digit_buffer == world_.Machine().settings.Pass;
   if (owner) heard_ = CallList::kTop;
   if (owner) cut_short_ = world_.database.gone;
-  program_->MonitorDigit(line, digit);
+  Program().MonitorDigit(line, digit);
   if (!owner || heard_ != CallList::kTop) return;
   Expect(cut_short_ || NextUnheard() == 0, "the owner hears the first message");
   cut_short_ = true;
 }
+
 void Promises::Disconnected(std::int32_t line) {
   cut_short_ = true;
-  program_->Disconnected(line);
+  Program().Disconnected(line);
 }
-void Promises::Connected(std::int32_t line) {
-  program_->Connected(line);
-}
+
 void Promises::Ring(std::int32_t line, std::int32_t count) {
-  program_->Ring(line, count);
+  Program().Ring(line, count);
   Expect(count < world_.shared.num_of_ring || world_.CurrentCall().answering ||
              world_.Tapi1->IsCallConnected(line),
          "a call is answered at the ring that is set, whatever was clicked");
 }
+
 void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
   name_ = name;
   number_ = number;
-  program_->CallerID(line, name, number);
+  Program().CallerID(line, name, number);
 }
 
 }  // namespace orven::test

@@ -72,6 +72,9 @@ void World::Build() {
 void World::Crash() {
   Wave1.Crash();
   WavePlay.StopPlay();
+  views.caller_view.Unload();
+  views.selection = 0;
+  ended = false;
   window.reset();
   Tapi1.reset();
   Build();
