@@ -94,11 +94,11 @@ class TestDevice : public AudioDevice {
     return std::nullopt;
   }
 
-  /// Plays to the end and returns what was played, without blocks of silence: pulls may be ahead of the
+  /// What is played to the end, or in so many blocks, without blocks of silence: pulls may be ahead of the
   /// decoder.
-  Samples PlayToEnd() {
+  Samples Play(int blocks = 1'000'000) {
     Samples played;
-    for (auto block = Pull(); block; block = Pull())
+    for (auto block = Pull(); block; block = --blocks > 0 ? Pull() : std::nullopt)
       if (*block != kSilence) played.insert(played.end(), block->begin(), block->end());
     return played;
   }

@@ -107,18 +107,15 @@ TEST_F(Record, LevelIsThePeakOfTheLastBlockInThousandths) {
   }
 }
 
-TEST_F(Record, TheGrowingFileCanBeReadAtAnyTime) {
+TEST_F(Record, TheGrowingFileCanBeReadAndStaysWhenTheProgramEnds) {
   ASSERT_EQ(kWaveOk, control->StartRecord(kLine, kMuLaw));
   ASSERT_EQ(kWaveOk, control->StartMonitor(kCard, kMuLaw));
-  for (std::size_t second = 1; second <= 3; ++second) {
-    const Samples so_far = Noise(second * kSecond);
-    line.Capture(Samples(so_far.end() - kSampleRate, so_far.end()));
-    ExpectOnlyFile(messages / "", ".wav.part", ThroughMuLaw(so_far));
-  }
+  line.Capture(spoken);
+  ExpectOnlyFile(messages / "", ".wav.part", ThroughMuLaw(spoken));
   line.Capture(Block(1));
   control.reset();
   EXPECT_FALSE(line.sink || card.source);
-  EXPECT_EQ(3 * kSecond + kBlockSamples, Read(only_file).size());
+  EXPECT_EQ(spoken.size() + kBlockSamples, Read(only_file).size());
 }
 
 TEST_F(Record, AKilledProgramLeavesWhatItHasRecorded) {
@@ -175,11 +172,11 @@ TEST_F(Record, AMissingRecordFolderIsReplacedByTheRescueFolderAndAnyFileSystemRe
 TEST_F(Record, ABadDestinationIsReportedAndTheRecordingKeptUnderANewName) {
   PutFile(other / "file", "");
   std::filesystem::create_directory(other / "folder.wav");
-  for (const auto& [name, new_name] :
-       std::map<std::string, std::string>{{"file/m.wav", "m.unsaved-1.wav"},
-                                          {"folder.wav", "folder.unsaved-1.wav"},
-                                          {"missing/m.wav", "m.unsaved-2.wav"},
-                                          {std::string(300, 'x'), ".wav.part"}}) {
+  const std::map<std::string, std::string> new_names{{"file/m.wav", "m.unsaved-1.wav"},
+                                                     {"folder.wav", "folder.unsaved-1.wav"},
+                                                     {"missing/m.wav", "m.unsaved-2.wav"},
+                                                     {std::string(300, 'x'), ".wav.part"}};
+  for (const auto& [name, new_name] : new_names) {
     control->SetRecordToDisk(name.ends_with("/m.wav"));
     Capture();
     const std::int32_t result = name == "folder.wav" ? kWaveWriteFailed : kWavePathNotFound;

@@ -3,8 +3,8 @@
 """A mail server (aiosmtpd) for the tests, on loopback, until standard input ends.
 
 mail_server.py FOLDER starttls|smtps       encrypted; wants user "desk", password "s3cret+ü"
-mail_server.py FOLDER [STEP ACTION [once]] fails at CONNECT, EHLO, MAIL, RCPT, DATA, BODY or QUIT: ACTION is a
-                                           reply, "stall", "close", "garbage" or "pause"
+mail_server.py FOLDER [STEP ACTION]        fails once, at CONNECT, EHLO, MAIL, RCPT, DATA, BODY or QUIT: ACTION is
+                                           a reply, "stall", "close", "garbage" or "pause"
 
 The port appears in FOLDER/port, the certificate in FOLDER/cert.pem, FOLDER/stalled when it fails; the n-th mail
 received, read by Python's own email package, in FOLDER/n.fields and its attached file in FOLDER/n.wav.
@@ -21,7 +21,7 @@ import sys
 
 from aiosmtpd.smtp import SMTP, AuthResult
 
-FOLDER, KIND, ACTION, ONCE = (sys.argv[1:] + ["", "", ""])[:4]
+FOLDER, KIND, ACTION = (sys.argv[1:] + ["", ""])[:3]
 logging.disable()  # what clients do wrong here is the tests' doing
 count = {"received": 0, "failed": 0}
 
@@ -63,10 +63,9 @@ class Faulty(SMTP):
         await getattr(self, "smtp_" + name)(argument)
 
     async def push(self, status):
-        if self.step == KIND and not self.silent:
-            count["failed"] += 1
-            if not ONCE or count["failed"] == 1:
-                await self.fail()
+        if self.step == KIND and not count["failed"]:
+            count["failed"] = 1
+            await self.fail()
         if not self.silent:
             await super().push(status)
         self.step = "BODY" if status[:3] == "354" else self.step
@@ -80,9 +79,7 @@ class Faulty(SMTP):
         elif ACTION == "close":
             self.transport.abort()
         elif ACTION == "garbage":
-            while True:
-                self._writer.write(b"\x00\xff garbage \r\n" * 100)
-                await self._writer.drain()
+            self._writer.write(b"\x00\xff garbage \r\n" * 1000)
         else:
             await super().push(ACTION.encode().decode("unicode_escape").encode("latin-1"))
             self.silent = True
@@ -105,14 +102,13 @@ def certificate():
 
 async def main():
     loop = asyncio.get_running_loop()
-    options, context = {"hostname": "mail.test", "enable_SMTPUTF8": True}, None
+    options, context = {"enable_SMTPUTF8": True}, None
     if KIND in ("starttls", "smtps"):
-        context = certificate()
-        options.update(authenticator=login, auth_required=True, auth_require_tls=KIND == "starttls")
+        context, starts = certificate(), KIND == "starttls"
+        options.update(authenticator=login, auth_required=True, auth_require_tls=starts, require_starttls=starts)
     if KIND == "starttls":
-        options.update(tls_context=context, require_starttls=True)
-    server = await loop.create_server(
-        lambda: Faulty(Handler(), **options), "127.0.0.1", 0, ssl=context if KIND == "smtps" else None)
+        options["tls_context"], context = context, None
+    server = await loop.create_server(lambda: Faulty(Handler(), **options), "127.0.0.1", 0, ssl=context)
     put("port", str(server.sockets[0].getsockname()[1]).encode())
     await loop.run_in_executor(None, sys.stdin.read)
     os._exit(0)

@@ -121,7 +121,6 @@ class SoundTest(unittest.TestCase):
         self.assertEqual(0, self.player.wait(10 * processes.SLOWNESS))
         self.forgotten = 0
         self.assertEqual([], self.lines("blocked "))
-        self.assertLess(int(self.lines("gone after ")[0].split()[0]), 3000)
 
     def test_cards_that_come_and_go_keep_their_numbers_and_their_microphones(self):
         self.server.start()
@@ -153,11 +152,22 @@ class SoundTest(unittest.TestCase):
         self.assert_given_up('"headset"', plays=1)
         self.assert_ends_well()
 
-    def test_a_microphone_that_goes_away_ends_the_take(self):
+    def test_a_microphone_that_goes_away_or_is_refused_ends_only_the_take(self):
         self.server.start()
+        listeners = []
+        while not listeners or listeners[-1] is not None:  # until the microphone's limit: Qt waits forever then
+            arguments = ("module-remap-source", "master=mic_desk", f"source_name=listener{len(listeners)}")
+            listeners.append(self.server.ask("load-module", *arguments))
+        self.server.ask("set-default-source", "mic_desk")
+        self.start_player()
+        self.assertIn("record 0", self.do("record"))
+        self.assert_given_up("No sound comes from the microphone")
+        self.finish_take()
+        for listener in listeners[:-1]:
+            self.server.ask("unload-module", listener.strip())
+
         self.server.plug_in("room")
         self.server.ask("set-default-source", "mic_room")
-        self.start_player()
         self.start_take()
         self.server.speak("room", self.message)
         self.server.unplug("mic_room")
@@ -213,23 +223,6 @@ class SoundTest(unittest.TestCase):
         self.assertEqual(0, len(self.finish_take()))
         self.do("play", 0, self.message)
         self.assert_ends_well()  # although the sound thread still waits for the server
-
-    def test_a_server_that_refuses_a_take_holds_up_no_other(self):
-        """Qt waits forever for the stream."""
-        self.server.start()
-        listeners = []
-        while not listeners or listeners[-1] is not None:  # until the microphone's limit
-            arguments = ("module-remap-source", "master=mic_desk", f"source_name=listener{len(listeners)}")
-            listeners.append(self.server.ask("load-module", *arguments))
-        self.server.ask("set-default-source", "mic_desk")
-        self.start_player()
-        self.assertIn("record 0", self.do("record"))
-        self.assert_given_up("No sound comes from the microphone")
-        self.finish_take()
-        for listener in listeners[-3:-1]:
-            self.server.ask("unload-module", listener.strip())
-        self.assert_takes()
-        self.assert_ends_well()
 
 
 if __name__ == "__main__":

@@ -71,21 +71,13 @@ class Player : public orven::WaveEvents {
 }  // namespace
 
 int main(int count, char** arguments) {
-  std::ios::sync_with_stdio(false);  // so that it is known which lines have been read ahead
   QCoreApplication application(count, arguments);
-  Clock::time_point end;
-  {
-    Player player;
-    QSocketNotifier input(0, QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, [&] {
-      do {
-        std::string line;
-        if (!std::getline(std::cin, line)) return QCoreApplication::quit();
-        player.Do(line);
-      } while (std::cin.rdbuf()->in_avail() > 0);
-    });
-    QCoreApplication::exec();
-    end = Clock::now();
-  }
-  Say("gone after " + std::to_string((Clock::now() - end) / 1ms) + " ms");
+  Player player;
+  QSocketNotifier input(0, QSocketNotifier::Read);
+  QObject::connect(&input, &QSocketNotifier::activated, [&] {
+    std::string line;  // the next one comes when this one is done
+    if (!std::getline(std::cin, line)) return QCoreApplication::quit();
+    player.Do(line);
+  });
+  return QCoreApplication::exec();
 }
