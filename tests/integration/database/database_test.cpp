@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "adapters/database/sqlite_database.h"
 #include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
@@ -8,42 +10,42 @@
 namespace orven::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
 const RecordSchema kCalls{"Calls", {"Call_Name", "Call_Number", "Type", "Read"}};
 
-/// Number of the error that `statement` fails with; 0 when it does not.
-std::int32_t Failure(const std::function<void()>& statement) {
-  try {
-    statement();
-  } catch (const RuntimeError& error) {
-    return error.Number();
+/// Does what `steps` say, separated by blanks, and returns what they gave: texts, and for failures "!" and
+/// their number.
+std::string Do(SqliteDatabase& database, const std::string& steps) {
+  std::string told;
+  std::istringstream list(steps);
+  for (std::string step; list >> step;) {
+    const std::string verb = step.substr(0, step.find(':')), value = step.substr(step.find(':') + 1);
+    try {
+      if (verb == "open") told += database.Open(value);
+      if (verb == "add") database.AddNew();
+      if (verb == "edit") database.Edit();
+      if (verb == "add" || verb == "name") database.SetField("Call_Name", value);
+      if (verb == "add" || verb == "read") database.SetField("Read", 0);
+      if (verb == "add" || verb == "update") database.Update();
+      if (verb == "next") database.MoveNext();
+      if (verb == "move") database.MoveTo(std::stoi(value));
+      if (verb == "delete") database.Delete();
+      if (verb == "clear") database.DeleteAll();
+      if (verb == "get") told += database.GetField(value) + " ";
+      if (verb == "list")
+        for (const auto& record : database.Query(value == "all" ? "Get *" : "Get a").records)
+          told += record[0] + " ";
+    } catch (const RuntimeError& error) {
+      told += "!" + std::to_string(error.Number()) + " ";
+    }
   }
-  return 0;
-}
-
-void AddCall(DatabaseControl& database, const std::string& name) {
-  database.AddNew();
-  database.SetField("Call_Name", name);
-  database.SetField("Read", 0);
-  database.Update();
-}
-
-/// Names of all calls in stored order, with commas between.
-std::string Names(DatabaseControl& database) {
-  std::string names;
-  for (const auto& record : database.Query("Get *").records) names += (names.empty() ? "" : ",") + record[0];
-  return names;
+  return told;
 }
 
 /// A database in a folder of its own.
-class DatabaseTest : public testing::Test {
+class DatabaseTest : public ::testing::Test {
  protected:
-  void OpenWith(const std::vector<std::string>& names) {
-    EXPECT_EQ(database_.Open(path_), "");
-    for (const auto& name : names) AddCall(database_, name);
-  }
   std::string Ask(const std::string& sql, const std::string& file = "Calls") {
     return SqliteConnection(folder_ / file).Ask(sql);
   }
@@ -56,14 +58,14 @@ class DatabaseTest : public testing::Test {
 
 TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
   const std::string text("quote ' \" ; \xC3\xA9 \xFF\r\n\0end", 22);
-  OpenWith({text, "b", "c"});
-  EXPECT_EQ(database_.GetField("Call_Name"), "c") << "an added record is the current one";
-  database_.Delete();
-  AddCall(database_, "d");
+  database_.Open(path_);
+  EXPECT_EQ(Do(database_, "add:a add:b add:c get:Call_Name delete add:d move:1 edit"), "c ");
+  database_.SetField("Call_Name", text);
+  database_.Update();
   SqliteDatabase again(kCalls);
   EXPECT_EQ(again.Open(path_), "");
-  EXPECT_EQ(Names(again), text + ",b,d");
-  EXPECT_THAT(again.Query("Get *").records[0], ElementsAre(text, "", "", "0"));
+  EXPECT_EQ(Do(again, "list:all"), text + " b d ");
+  EXPECT_THAT(again.Query("Get *").records[0], ::testing::ElementsAre(text, "", "", "0"));
   const auto before = [&](std::int64_t identity, const std::string& name) {
     return again.Locate(again.NewestBefore(identity, {{"Type", "-1"}, {"Call_Name", name}}));
   };
@@ -74,86 +76,60 @@ TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
 }
 
 TEST_F(DatabaseTest, TheCurrentRecordChangesWithUpdateOnlyAndMisuseChangesNothing) {
-  OpenWith({"a", "b"});
-  database_.MoveTo(1);
-  database_.Edit();
-  database_.SetField("Call_Name", "changed");
-  EXPECT_EQ(Names(database_), "a,b");
-  database_.Update();
-  database_.Edit();
-  database_.SetField("Call_Name", "dropped");
-  database_.MoveTo(2);
-  const std::pair<std::int32_t, std::function<void()>> misuses[] = {
-      {5, [&] { database_.Update(); }},      {5, [&] { database_.SetField("Read", "1"); }},
-      {9, [&] { database_.MoveNext(); }},    {9, [&] { database_.MoveTo(0); }},
-      {9, [&] { database_.MoveTo(3); }},     {9, [&] { database_.GetField("None"); }},
-      {5, [&] { database_.Query("Get a"); }}};
-  for (const auto& [number, misuse] : misuses) EXPECT_EQ(Failure(misuse), number);
-  EXPECT_EQ(Names(database_), "changed,b");
-  database_.DeleteAll();
-  EXPECT_EQ(Failure([&] { database_.Delete(); }), 5);
-  EXPECT_EQ(database_.RecordCount(), 0);
+  database_.Open(path_);
+  EXPECT_EQ(Do(database_, "add:a add:b move:1 edit name:new list:all update edit name:dropped move:2"),
+            "a b ");
+  EXPECT_EQ(Do(database_, "update read next move:0 move:3 get:None list:a"), "!5 !5 !9 !9 !9 !9 !5 ");
+  EXPECT_EQ(Do(database_, "list:all clear delete list:all"), "new b !5 ");
 }
 
 TEST_F(DatabaseTest, AnotherProgramReadsAndChangesTheOpenFile) {
-  OpenWith({"a", "b", "c"});
+  database_.Open(path_);
+  EXPECT_EQ(Do(database_, "add:a add:b add:c move:2 edit"), "");
   std::filesystem::copy_file(path_, folder_ / "copy");
   EXPECT_EQ(Ask("SELECT count(*) FROM Calls", "copy"), "3") << "the main file alone is complete";
-  database_.MoveTo(2);
-  database_.Edit();
   Ask("DELETE FROM Calls WHERE Call_Name IN ('a', 'b')");
-  EXPECT_EQ(Failure([&] { database_.Update(); }), 9);
-  AddCall(database_, "d");
-  EXPECT_EQ(Names(database_), "c,d");
+  EXPECT_EQ(Do(database_, "update add:d list:all"), "!9 c d ");
 }
 
 TEST_F(DatabaseTest, MissingColumnsAreAddedAndOthersKept) {
   SqliteConnection(path_).Execute(
       "CREATE TABLE Calls (Note TEXT, call_name TEXT, Call_Number TEXT);"
       "INSERT INTO Calls VALUES ('mine', 'a', '1')");
-  OpenWith({});
-  database_.MoveTo(1);
-  database_.Edit();
-  database_.SetField("Read", "1");
-  database_.Update();
-  EXPECT_EQ(Ask("SELECT Note || call_name || Call_Number || \"Read\" FROM Calls"), "minea11");
+  database_.Open(path_);
+  EXPECT_EQ(Do(database_, "move:1 edit read update"), "");
+  EXPECT_EQ(Ask("SELECT Note || call_name || Call_Number || \"Read\" FROM Calls"), "minea10");
 }
 
 TEST_F(DatabaseTest, AFileThatIsReplacedOrComesLateIsOpenedAgain) {
-  OpenWith({"before"});
-  database_.Edit();
+  database_.Open(path_);
   SqliteDatabase backup(kCalls);
   backup.Open(folder_ / "backup");
-  AddCall(backup, "restored");
+  EXPECT_EQ(Do(backup, "add:restored") + Do(database_, "add:before edit"), "");
   std::filesystem::rename(folder_ / "backup", path_);
-  EXPECT_EQ(Failure([&] { database_.Update(); }), 5) << "the edited record is not in this file";
-  AddCall(database_, "after");
-  EXPECT_EQ(Names(database_), "restored,after");
+  EXPECT_EQ(Do(database_, "update add:after list:all"), "!5 restored after ");
 
   const std::string late = folder_ / "disk/Calls";
   reports_.clear();
-  EXPECT_EQ(Failure([&] { database_.Open(late); }), 75);
-  EXPECT_EQ(Failure([&] { AddCall(database_, "lost"); }), 5);
+  EXPECT_EQ(Do(database_, "open:" + late + " add:lost"), "!75 !5 ");
   std::filesystem::create_directory(folder_ / "disk");
-  AddCall(database_, "a");
-  EXPECT_EQ(Names(database_), "a");
-  EXPECT_THAT(reports_, ElementsAre(late + " is open again"));
+  EXPECT_EQ(Do(database_, "add:a list:all"), "a ");
+  EXPECT_THAT(reports_, ::testing::ElementsAre(late + " is open again"));
 }
 
 TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
-  OpenWith({"a"});
+  database_.Open(path_);
   SqliteConnection other(path_);
   other.Execute("BEGIN IMMEDIATE");
-  EXPECT_EQ(Failure([&] { AddCall(database_, "b"); }), 70);
+  EXPECT_EQ(Do(database_, "add:a"), "!70 ");
   other.Execute("COMMIT");
-  database_.Update();
-  EXPECT_EQ(Names(database_), "a,b") << "the record that could not be stored was still begun";
+  EXPECT_EQ(Do(database_, "update list:all"), "a ") << "the record that could not be stored was still begun";
   {
-    FileSizeLimit limit(400000);  // SQLite calls it an I/O error (57), a full disk proper 61.
-    EXPECT_THAT(Failure([&] { AddCall(database_, std::string(1U << 20U, 'x')); }), testing::AnyOf(57, 61));
+    const FileSizeLimit limit(400000);  // SQLite calls it an I/O error (57), a full disk proper 61
+    EXPECT_THAT(Do(database_, "add:" + std::string(1U << 20U, 'x')), ::testing::AnyOf("!57 ", "!61 "));
   }
-  database_.Update();
-  EXPECT_EQ(database_.RecordCount(), 3);
+  EXPECT_EQ(Do(database_, "update"), "");
+  EXPECT_EQ(database_.RecordCount(), 2);
   EXPECT_EQ(Ask("PRAGMA integrity_check"), "ok");
 }
 
@@ -165,8 +141,7 @@ TEST_F(DatabaseTest, WhatIsNoDatabaseIsSetAsideWithItsLogAndReported) {
     PutFile(path_ + "-wal", "log of " + letter);
     SqliteDatabase database(kCalls);
     EXPECT_THAT(database.Open(path_), HasSubstr("Calls.damaged-2"));
-    AddCall(database, "a");
-    EXPECT_EQ(Names(database), "a");
+    EXPECT_EQ(Do(database, "add:a list:all"), "a ");
   }
   for (const auto& entry : std::filesystem::directory_iterator(folder_ / "")) kept += ContentOf(entry.path());
   for (const char* content : {"no database x", "no database y", "log of x", "log of y"})
@@ -213,7 +188,7 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
     if (while_open && !cut_off) Ask("PRAGMA user_version = 7", what);  // pages are read again
     if (!while_open) note = database.Open(path);
 
-    AddCall(database, "1001");
+    Do(database, "add:1001");
     const auto saved = database.Query("Get *").records;
     std::int64_t before = 0;
     for (std::int32_t number = 1; number <= database.RecordCount(); ++number) {
