@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a modem says and how it is understood: answers, caller ids, rings, keys, formats, samples.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "adapters/line/modem/caller_id.h"
+#include "adapters/line/modem/modem_call.h"
+#include "adapters/line/modem/modem_preparation.h"
+#include "adapters/line/modem/modem_reader.h"
+#include "adapters/line/modem/sample_codec.h"
+#include "adapters/line/modem/voice_format.h"
+
+namespace orven {
+namespace {
+
+using namespace std::string_literals;
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+using Lines = std::vector<std::string>;
+using enum SampleKind;
+
+/// Writes down what is said: lines as "text|", events as <x>, packets as {text}, audio as it is, its end as
+/// #. Audio is expected behind the line "ATA".
+struct Transcript : ModemOutput {
+  std::string Read(std::string_view text, std::size_t piece) {
+    for (; !text.empty(); text.remove_prefix(std::min(piece, text.size()))) {
+      const auto part = text.substr(0, piece);
+      reader.Read({reinterpret_cast<const std::uint8_t*>(part.data()), part.size()});
+    }
+    return said;
+  }
+  void Line(const std::string& text) override {
+    said += text + '|';
+    if (text == "ATA") reader.ExpectAudio();
+  }
+  void Event(char code) override { said += {'<', code, '>'}; }
+  void Packet(const std::string& text) override { said += '{' + text + '}'; }
+  void Audio(std::span<const std::uint8_t> bytes) override { said.append(bytes.begin(), bytes.end()); }
+  void AudioEnded() override { said += '#'; }
+
+  std::string said;
+  ModemReader reader{*this};
+};
+
+TEST(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
+  const std::string longest(ModemReader::kLongestLine, 'x');
+  const std::pair<std::string, std::string> rows[] = {
+      // Events within lines, packets, audio that looks like events and like answers, doubled <DLE>.
+      {"\r\nRING\r\n\x10R\r\nDATE = 0102\r\nNM\x10RBR = 555\r\n", "RING|<R>DATE = 0102|<R>NMBR = 555|"},
+      {"\x10XNAME=Eve\r\nNMBR=1\r\n\x10.\r\nCONNECT\r\nOK\r\n", "{NAME=Eve\r\nNMBR=1\r\n}CONNECT|OK|"},
+      {"ATA\rCONNECT\r\nab\r\nOK\r\n\x10\x10R\x10#\x10\x1Az\x10s",
+       "ATA|CONNECT|ab\r\nOK\r\n\x10R<#>\x10\x10z<s>"},
+      {"ATA\rCONNECT\n\x80\x10\x10\x03z\x10\x03\r\nVCON\r\n\x10y", "ATA|CONNECT|\x80\x10\x03z#VCON|<y>"},
+      {"ATA\rCONNECT 115200\ra\x10\x1B", "ATA|CONNECT 115200|a#"},
+      // Garbage costs no more than its line or packet.
+      {"\0\x7F\x01 AT\0 OK \r\n\t\r \n"s, "AT OK|"},
+      {"O\x10\rK\n\x10\x80Z\r", "O|K|\x80Z|"},
+      {longest + "x\r\nOK\r\n" + longest + "\n", "OK|" + longest + "|"},
+      {"\x10X" + longest + "xOK\r\n", "OK|"},
+      {"ATA\rCONNECT\r\na\x10Xb\x10\x10z\x10\x03OK\r\n", "ATA|CONNECT|a#OK|"},
+  };
+  for (const auto& [bytes, said] : rows) {
+    for (std::size_t piece : {1U, 2U, 3U, 5U, 7U, 100'000U}) {
+      EXPECT_EQ(Transcript().Read(bytes, piece), said) << piece;
+    }
+  }
+}
+
+TEST(ModemReaderTest, ReadsLinesAgainWhenTheEndOfTheAudioWasLost) {
+  Transcript after;
+  after.Read("ATA\rCONNECT\r\nab\x10", 100);
+  after.reader.ExpectLines();
+  EXPECT_EQ(after.Read("OK\r\n\x10\x03OK\r\nCONNECT\r\nOK\r\n", 100), "ATA|CONNECT|abOK|OK|CONNECT|OK|");
+}
+
+/// "name/number", or "-" when neither was told.
+std::string Caller(CallerIdLines& caller) {
+  const auto told = caller.Finish();
+  EXPECT_FALSE(caller.Any() || caller.Finish());
+  return told ? told->name + "/" + told->number : "-";
+}
+
+TEST(CallerIdTest, EveryFormIsRead) {
+  const std::pair<std::vector<std::string>, std::string> rows[] = {
+      {{"DATE=0102", "TIME=1405", "NMBR=5551234", "NAME=Anna Bell"}, "Anna Bell/5551234"},
+      {{"NAME = \"Anna Bell      \"", "nmbr =  5551234 ", "NMBR=O"}, "Anna Bell/5551234"},
+      {{"NAME=J\xFCrgen"}, "J\xC3\xBCrgen/"},
+      {{"NAME=J\xC3\xBCrgen", "NMBR="}, "J\xC3\xBCrgen/"},
+      {{"DATE=0102", "TIME=1405"}, "-"},
+      {{"NMBR = P", "NAME = P"}, "/"},
+      {{"NMBR=O", "NAME=Anna"}, "Anna/"},
+      {{"NAME=ANONYMOUS"}, "/"},
+      // Messages: single (date, time and number), multiple (name, too), a number that is withheld.
+      {{"MESG=040F303130323134303535353531323334F7"}, "/5551234"},
+      {{"MESG = 80 19 01 08 30 31 30 32 31 34 30 35 02 07 35 35 35 31 32 33 34 07 04 41 6E 6E 61 D6"},
+       "Anna/5551234"},
+      {{"MESG=800304015028"}, "/"},
+      // A wrong checksum, cut short, a parameter beyond the end, no digits, nothing.
+      {{"MESG=040F303130323134303535353531323334F8"}, "-"},
+      {{"MESG=040F303130", "MESG=8002020973", "MESG=80zz", "MESG=8", "MESG="}, "-"},
+  };
+  for (const auto& [lines, told] : rows) {
+    CallerIdLines caller;
+    for (const auto& line : lines) EXPECT_TRUE(caller.Take(line) && caller.Any()) << line;
+    EXPECT_EQ(Caller(caller), told) << lines[0];
+  }
+  CallerIdLines packet;
+  packet.TakePacket("DATE=0102\r\nTIME=1405\rNMBR=5551234\n\r\nNAME=Anna Bell");
+  EXPECT_EQ(Caller(packet), "Anna Bell/5551234");
+  for (const char* line : {"OK", "RING", "=", "NMBR", "DRON=20", "+VCID=1"})
+    EXPECT_FALSE(packet.Take(line)) << line;
+}
+
+TEST(RingPatternTest, CountsRingsAndKnowsWhenTheCallerHasGivenUp) {
+  RingPattern rings;
+  const std::tuple<int, std::optional<int>, int> rows[] = {// ms, the ring's number, patience in ms
+                                                           {50, 1, 8000},
+                                                           {700, std::nullopt, 8000},
+                                                           {3050, 2, 8000},
+                                                           {9050, 3, 9000}};
+  for (const auto& [at, count, patience] : rows) {
+    EXPECT_EQ(rings.Ring(milliseconds(at)), count) << at;
+    EXPECT_EQ(rings.Patience(), milliseconds(patience)) << at;
+  }
+  // A modem that reports all the time still rings more than once.
+  int count = 3;
+  for (int at = 12'100; at < 23'700; at += 400) count = rings.Ring(milliseconds(at)).value_or(count);
+  EXPECT_EQ(count, 6);
+}
+
+TEST(KeyPressesTest, OnePressIsOneHoweverItIsReported) {
+  const std::tuple<std::string, int, std::string> rows[] = {
+      // events, ms between them, presses
+      {"/5~", 70, "5"},       {"/55555555555~", 70, "5"},
+      {"555", 30, "5"},       {"5555555", 70, "5"},
+      {"/5~5", 70, "5"},      {"/5~/5~", 30, "55"},
+      {"5  5  5", 70, "555"}, {"1*#AD9", 10, "1*#AD9"},
+      {"RsbEa/~", 70, ""},    {"/5555 1111               1111", 70, "511"},
+      {"/5/5/6", 70, "556"}};
+  for (const auto& [events, pace, presses] : rows) {
+    KeyPresses keys;
+    std::string pressed;
+    milliseconds now(0);
+    for (const char event : events) {
+      now += milliseconds(pace);
+      if (const auto key = keys.Event(event, now)) pressed += *key;
+    }
+    EXPECT_EQ(pressed, presses) << events;
+  }
+}
+
+TEST(FirmwareTest, TheFaultyOneIsKnown) {
+  EXPECT_NE(FirmwareAdvice("56000, 56K FAX USB V1.2.18, 5637").find("firmware misses rings"),
+            std::string::npos);
+  for (const char* fine : {"5637 V1.2.23", "HSF 1.2.18", "5637"}) EXPECT_EQ(FirmwareAdvice(fine), "");
+}
+
+/// One "kind rate setting" per format: L linear of 16 bits, M mu-law, U unsigned of 8 bits.
+std::string Text(const std::vector<VoiceFormat>& formats) {
+  std::string text;
+  for (const auto& one : formats) {
+    text += std::string(text.empty() ? "" : " ") + "LMU"[int(one.kind)] + std::to_string(one.rate) + "=" +
+            one.setting;
+  }
+  return text;
+}
+
+TEST(ModemFormatsTest, TakesTheBestByNameAndBits) {
+  const std::pair<Lines, std::string> offers[] = {
+      {{R"(128,"8-BIT LINEAR",(7200,8000,11025))", R"(129,"16-BIT LINEAR",(7200,8000,11025))",
+        R"(130,"8-BIT ALAW",(8000))", R"(131,"8-BIT ULAW",(8000))", R"(132,"IMA ADPCM",(8000))"},
+       "L8000=129,8000 L7200=129,7200 L11025=129,11025 M8000=131,8000 "
+       "U8000=128,8000 U7200=128,7200 U11025=128,11025"},
+      {{R"(0,"SIGNED PCM",8,0,8000,0,0)", R"(1,"UNSIGNED PCM",8,0,8000,0,0)",
+        R"(129,"IMA ADPCM",4,0,8000,0,0)", R"(133,"16-bit linear",16,0,(7200),0,0)",
+        R"(134,"SIGNED PCM",16,0,8000,0,0)", "OK"},
+       "L8000=134,8000,0,0 L7200=133,7200,0,0 U8000=1,8000,0,0"},
+      {{R"(+VSM: 4 , "u-Law" , 8 , 0 , ( 8000 ) , (0,1) , 0)"}, "M8000=4,8000,0,0"},
+      {{"+VSM=131,mulaw,(7200-8000)"}, "M8000=131,8000 M7200=131,7200"},
+      {{"", "OK", R"(128,"8-BIT LINEAR",(9600))", R"(5,"A-LAW",8,0,8000,0,0)",
+        R"(0,"8-BIT SIGNED LINEAR",(8000))", R"(2,"UNSIGNED PCM",16,0,8000,0,0)", R"(x,"8-BIT LINEAR",8000)",
+        "128", R"(128,"8-BIT LINEAR)", ")))((,,,\"", "128,,8000", R"(129,"16-BIT ADPCM",(8000))"},
+       ""},
+  };
+  for (const auto& [lines, formats] : offers) EXPECT_EQ(Text(OfferedFormats(lines)), formats);
+  const std::pair<const char*, const char*> present[] = {{"+VSM: 128,8000", "U8000=128,8000"},
+                                                         {"4,8000,0,0", "M8000=4,8000,0,0"},
+                                                         {"129,8000", ""},
+                                                         {"1,9600", ""}};
+  for (const auto& [line, format] : present)
+    EXPECT_EQ(Text(PresentFormat(Lines{line, "OK"})), format) << line;
+}
+
+std::vector<std::uint8_t> Encoded(SampleKind kind, const std::vector<std::int16_t>& samples) {
+  std::vector<std::uint8_t> bytes;
+  SampleEncoder({kind, 8000, ""}).Encode(samples, bytes);
+  return bytes;
+}
+
+TEST(SampleCodecTest, EveryByteComesBackAsItWasRoundedAndClipped) {
+  for (const auto kind : {Linear16, MuLaw, Unsigned8}) {
+    std::vector<std::uint8_t> bytes;
+    for (int i = 0; i < 512; ++i) bytes.push_back(static_cast<std::uint8_t>(i + i / 256));
+    if (kind == MuLaw) std::erase(bytes, 0x7F);  // one of its two zeros
+    std::vector<std::int16_t> samples;
+    SampleDecoder decoder({kind, 8000, ""});
+    for (const auto byte : bytes) decoder.Decode({&byte, 1}, samples);
+    EXPECT_EQ(Encoded(kind, samples), bytes);
+  }
+  EXPECT_THAT(Encoded(Unsigned8, {0, 127, 128, -128, -129, 32767, -32768}),
+              ElementsAre(0x80, 0x80, 0x81, 0x80, 0x7F, 0xFF, 0x00));
+  EXPECT_THAT(Encoded(Linear16, {0x1234, -2}), ElementsAre(0x34, 0x12, 0xFE, 0xFF));
+  std::vector<std::uint8_t> shielded{1};
+  AppendShielded(std::vector<std::uint8_t>{kDle, 2, kDle, kDle, kEtx, kDle}, shielded);
+  EXPECT_THAT(shielded, ElementsAre(1, kDle, kDle, 2, kDle, kDle, kDle, kDle, kEtx, kDle, kDle));
+}
+
+TEST(SampleCodecTest, AToneStaysAToneAtOtherRates) {
+  constexpr double kStep = std::numbers::pi / 4;  // 1000 Hz
+  std::vector<std::int16_t> tone(16000);
+  for (std::size_t i = 0; i < tone.size(); ++i) tone[i] = std::int16_t(8000 * std::sin(kStep * double(i)));
+  for (const int rate : {7200, 11025}) {
+    SampleEncoder encoder({Linear16, rate, ""});
+    SampleDecoder decoder({Linear16, rate, ""});
+    std::vector<std::int16_t> back;
+    for (std::size_t at = 0; at < tone.size(); at += 160) {
+      std::vector<std::uint8_t> bytes;
+      encoder.Encode(std::span(tone).subspan(at, 160), bytes);
+      const auto half = bytes.size() / 3;  // in the middle of a sample
+      decoder.Decode(std::span(bytes).first(half), back);
+      decoder.Decode(std::span(bytes).subspan(half), back);
+    }
+    EXPECT_NEAR(double(back.size()), 16000, 400);
+    double error = 0;  // a sine's neighbours add up to cos(1000 Hz) times twice itself
+    for (std::size_t i = 4000; i < 12000; ++i) {
+      error = std::max(error, std::abs(back[i - 1] + back[i + 1] - 2 * std::cos(kStep) * back[i]));
+    }
+    EXPECT_LT(error, 40) << "of 8000";
+  }
+}
+
+}  // namespace
+}  // namespace orven
