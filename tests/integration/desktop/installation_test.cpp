@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// Where the program and its files are, what it puts there, and its start with the desktop.
 #include "adapters/desktop/installation.h"
 
 #include <gmock/gmock.h>
+#include <sys/fsuid.h>
 
+#include <thread>
+
+#include "adapters/desktop/autostart.h"
 #include "adapters/desktop/desktop_system.h"
+#include "support/memory_registry.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {
@@ -14,84 +20,185 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class InstallationTest : public ::testing::Test {
- protected:
+constexpr auto kRoot = RegistryRoot::LocalMachine;
+
+/// An installation with its assets, its application folder "app", and its entry in the registry.
+struct InstallationTest : testing::Test {
   InstallationTest() {
-    for (const char* name : {"assets/Greets", "assets/Sound", "assets/Help/pictures", "app/Help"})
-      fs::create_directories(root_ / name);
+    for (const char* name : {"assets/Greets", "assets/Sound", "assets/Help/pictures", "app/Help", "other"})
+      fs::create_directories(root / name);
     for (const char* name :
          {"beep.wav", "Greets/Default.wav", "Sound/Ring.wav", "Help/index.htm", "Help/pictures/a.png"})
-      PutFile(root_ / "assets/" + name, name);
+      PutFile(root / "assets/" + name, name);
   }
-  SeedReport Seed(bool first_start) const {
-    return SeedApplicationFolder(App(), root_ / "assets", first_start);
-  }
-  SeedReport Refresh() const { return RefreshHelp(App(), root_ / "assets"); }
-  std::string App() const { return root_ / "app"; }
+  SeedReport Seed(bool first_start) const { return SeedApplicationFolder(app, assets, first_start); }
+  SeedReport Refresh() const { return RefreshHelp(app, assets); }
 
-  ScratchFolder root_;
+  AutostartRegistry Installed(const std::string& program, bool by_environment) {
+    return {
+        stored, {entry, program, app, by_environment}, [this](const std::string& text) { problem += text; }};
+  }
+  static void Check(Registry& in) {
+    SetRegValue(in, kRoot, kAutostartKey, "ORVEN", kRegString, "C:\\ORVEN.exe -st");
+  }
+  void Clear() { DeleteRegValue(registry, kRoot, kAutostartKey, "ORVEN"); }
+  bool IsChecked() { return GetRegValue(registry, kRoot, kAutostartKey, "ORVEN") != kNotFound; }
+  /// A person's edit; returns what the entry is then.
+  std::string Edit(const std::string& from, const std::string& to) const {
+    auto text = ContentOf(entry);
+    text.replace(text.find(from), from.size(), to);
+    PutFile(entry, text);
+    return text;
+  }
+
+  ScratchFolder root;
+  std::string app = root / "app", assets = root / "assets", entry = root / "config/autostart/orven.desktop",
+              problem;
+  MemoryRegistry stored;
+  AutostartRegistry registry = Installed("/opt/my programs\\orven", false);
 };
 
 TEST_F(InstallationTest, IsWhereTheEnvironmentOrTheProgramSaysElseInTheDataFolder) {
-  const auto assets = root_ / "assets";
-  EXPECT_EQ(FindApplicationFolder({root_ / "home//", assets, "/data", "/user"}), root_ / "home");
+  EXPECT_EQ(FindApplicationFolder({root / "home//", assets, "/data", "/user"}), root / "home");
   EXPECT_EQ(FindApplicationFolder({"", assets, "/data", "/user"}), assets);
   EXPECT_EQ(FindApplicationFolder({"", "/bin", "/data", "/user"}), "/data/orven");
   EXPECT_EQ(FindApplicationFolder({"", "/bin", "relative", "/user"}), "/user/.local/share/orven");
-  fs::create_directory(root_ / "share");
-  fs::rename(assets, root_ / "share/orven");
+  fs::create_directory(root / "share");
+  fs::rename(assets, root / "share/orven");
   for (const char* programs : {"bin", "lib/orven"})
-    EXPECT_EQ(FindAssets(root_ / programs), root_ / "share/orven");
-  EXPECT_EQ(FindAssets(root_ / "lib/orven/deeper"), "");
+    EXPECT_EQ(FindAssets(root / programs), root / "share/orven");
+  EXPECT_EQ(FindAssets(root / "lib/orven/deeper"), "");
 }
 
 TEST_F(InstallationTest, AnUnfinishedFirstStartIsFinishedByTheNextAndAUsersFilesStay) {
-  fs::remove_all(App());
-  DesktopSystem system(App());
-  EXPECT_TRUE(system.ClaimInstance()) << "a folder that cannot be locked is claimed, and it is said why";
-  EXPECT_THAT(system.ClaimProblem(), HasSubstr(App() + "/.lock"));
-  EXPECT_EQ(MakeApplicationFolder(App()), "");
-  EXPECT_EQ(fs::status(App()).permissions(), fs::perms::owner_all);
-  PutFile(App() + "/Greets", "a file where a folder belongs");
+  fs::remove_all(app);
+  DesktopSystem system(app);
+  EXPECT_TRUE(system.ClaimInstance()) << "a folder that cannot be locked is claimed, and the reason is told";
+  EXPECT_THAT(system.ClaimProblem(), HasSubstr(app + "/.lock"));
+  EXPECT_EQ(MakeApplicationFolder(app), "");
+  EXPECT_EQ(fs::status(app).permissions(), fs::perms::owner_all);
+  PutFile(app + "/Greets", "a file where a folder belongs");
   const auto report = Seed(true);
   EXPECT_THAT(report.copied, ElementsAre("beep.wav", "Sound/Ring.wav"));
-  EXPECT_THAT(report.problems, ElementsAre(HasSubstr("Greets"), HasSubstr(App() + "/Greets/Default.wav")));
-  fs::remove(App() + "/Greets");
+  EXPECT_THAT(report.problems, ElementsAre(HasSubstr("Greets"), HasSubstr(app + "/Greets/Default.wav")));
+  fs::remove(app + "/Greets");
   EXPECT_THAT(Seed(true).problems, IsEmpty());
-  EXPECT_EQ(ContentOf(App() + "/Greets/Default.wav"), "Greets/Default.wav");
-  PutFile(App() + "/beep.wav", "my own beep");
-  fs::remove(App() + "/Greets/Default.wav");
-  fs::remove_all(App() + "/Sound");
+  EXPECT_EQ(ContentOf(app + "/Greets/Default.wav"), "Greets/Default.wav");
+  PutFile(app + "/beep.wav", "my own beep");
+  fs::remove(app + "/Greets/Default.wav");
+  fs::remove_all(app + "/Sound");
   EXPECT_THAT(Seed(false).copied, ElementsAre("Sound/Ring.wav")) << "a deleted greeting does not come back";
-  EXPECT_EQ(ContentOf(App() + "/beep.wav"), "my own beep");
+  EXPECT_EQ(ContentOf(app + "/beep.wav"), "my own beep");
 }
 
 TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
-  PutFile(App() + "/Help/index.htm", "old");
-  PutFile(App() + "/Help/gone.htm", "of an older version");
+  PutFile(app + "/Help/index.htm", "old");
+  PutFile(app + "/Help/gone.htm", "of an older version");
   EXPECT_THAT(Refresh().copied, ElementsAre("Help/index.htm", "Help/pictures/a.png"));
-  EXPECT_EQ(ContentOf(App() + "/Help/index.htm"), "Help/index.htm");
-  EXPECT_FALSE(fs::exists(App() + "/Help/gone.htm"));
+  EXPECT_EQ(ContentOf(app + "/Help/index.htm"), "Help/index.htm");
+  EXPECT_FALSE(fs::exists(app + "/Help/gone.htm"));
   EXPECT_THAT(Refresh().copied, IsEmpty()) << "nothing differs";
-  fs::remove_all(App() + "/Help");
-  PutFile(App() + "/Help", "a file where a folder belongs");
-  EXPECT_THAT(Refresh().problems, ElementsAre(HasSubstr(App() + "/Help")));
-  fs::remove_all(root_ / "assets/Help");
+  fs::remove_all(app + "/Help");
+  PutFile(app + "/Help", "a file where a folder belongs");
+  EXPECT_THAT(Refresh().problems, ElementsAre(HasSubstr(app + "/Help")));
+  fs::remove_all(assets + "/Help");
   EXPECT_THAT(Refresh().problems, IsEmpty()) << "there is none to copy";
 }
 
 TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngine) {
-  ::setenv("ESPEAK_DATA_PATH", (root_ / "").c_str(), 1);
-  fs::create_directory(root_ / "espeak-ng-data");
-  PutFile(root_ / "espeak-ng-data/phontab", "x");
-  EXPECT_FALSE(SpeechInstalled(root_ / "helper"));
-  PutFile(root_ / "helper", "");
-  EXPECT_FALSE(SpeechInstalled(root_ / "helper"));
-  fs::permissions(root_ / "helper", fs::perms::owner_all);
-  EXPECT_TRUE(SpeechInstalled(root_ / "helper"));
-  fs::remove(root_ / "espeak-ng-data/phontab");
-  EXPECT_FALSE(SpeechInstalled(root_ / "helper"));
+  ::setenv("ESPEAK_DATA_PATH", (root / "").c_str(), 1);
+  fs::create_directory(root / "espeak-ng-data");
+  PutFile(root / "espeak-ng-data/phontab", "x");
+  PutFile(root / "helper", "");
+  EXPECT_FALSE(SpeechInstalled(root / "helper"));
+  fs::permissions(root / "helper", fs::perms::owner_all);
+  EXPECT_TRUE(SpeechInstalled(root / "helper"));
+  fs::remove(root / "espeak-ng-data/phontab");
+  EXPECT_FALSE(SpeechInstalled(root / "helper"));
   ::unsetenv("ESPEAK_DATA_PATH");
+}
+
+TEST_F(InstallationTest, TheAutostartIsAnEntryThatComesAndGoesWithItsValue) {
+  SetRegValue(registry, kRoot, kAutostartKey, "Other", kRegString, "x");
+  SetRegValue(registry, kRoot, kSettingsKey, "ORVEN", kRegString, "x");
+  SetRegValue(registry, RegistryRoot::CurrentUser, kAutostartKey, "ORVEN", kRegString, "x");
+  stored.refuse_writes = true;
+  Check(registry);
+  EXPECT_FALSE(fs::exists(entry)) << "for other values, or one that is not stored";
+  stored.refuse_writes = false;
+  EXPECT_FALSE(IsChecked());
+  Check(registry);
+  EXPECT_TRUE(IsChecked());
+  EXPECT_EQ(stored.Text("ORVEN", kAutostartKey), "C:\\ORVEN.exe -st");
+  EXPECT_THAT(ContentOf(entry), HasSubstr("\nExec=\"/opt/my programs\\\\\\\\orven\" -st\n"));
+  Clear();
+  EXPECT_FALSE(IsChecked() || fs::exists(entry));
+  EXPECT_EQ(stored.Text("ORVEN", kAutostartKey), kNotFound);
+  EXPECT_EQ(problem, "");
+  EXPECT_EQ(ExecCommand({"/a b/100%", "say \"$x\" `\\", "", "-st"}),
+            R"("/a b/100%%" "say \"\$x\" \`\\" "" -st)");
+}
+
+TEST_F(InstallationTest, APersonsEditStaysAndAnUneditedEntryFollowsTheProgram) {
+  Check(registry);
+  auto moved = Installed("/usr/lib/orven/orven", true);
+  Check(moved);
+  const auto command = "Exec=env ORVEN_HOME=" + app + " /usr/lib/orven/orven -st\n";
+  const auto edited = Edit(command, "# wait for the network\nExec=nice env\n");
+  Check(registry);
+  EXPECT_EQ(ContentOf(entry), edited);
+}
+
+TEST_F(InstallationTest, OnlyThePersonWhoChecksTheBoxEnablesAnEntryOfOthersOrOneSwitchedOff) {
+  const auto home = "X-ORVEN-Home=" + app, elsewhere = "X-ORVEN-Home=" + (root / "other");
+  for (const auto& off : {home + "\nHidden=true", home + "\nX-GNOME-Autostart-enabled=false", elsewhere}) {
+    Check(registry);
+    const auto edited = Edit(home, off);
+    EXPECT_FALSE(IsChecked()) << off;
+    stored = {};
+    Check(registry);  // as a first start in an empty folder does
+    EXPECT_FALSE(IsChecked()) << off;
+    stored.MakeKey(kSettingsKey);
+    Clear();
+    EXPECT_EQ(ContentOf(entry), edited) << "the box was clear, and is left so";
+    Check(registry);
+    EXPECT_TRUE(IsChecked()) << off;
+  }
+  Edit(home, elsewhere);
+  fs::remove(root / "other");
+  EXPECT_TRUE(IsChecked()) << "what belongs to no installation is ours";
+}
+
+TEST_F(InstallationTest, AnEntryThatCannotBeRemovedIsStillInForce) {
+  Check(registry);
+  fs::permissions(root / "", fs::perms{0755});
+  fs::permissions(root / "config/autostart", fs::perms{0555});
+  std::thread([&] {
+    constexpr uid_t kNobody = 65534;
+    ::setfsuid(kNobody);  // of this thread, where it is root's
+    Clear();
+    EXPECT_TRUE(IsChecked());
+  }).join();
+  EXPECT_NE(problem, "");
+  fs::permissions(root / "config/autostart", fs::perms{0755});
+  stored = {};
+  EXPECT_TRUE(IsChecked()) << "the desktop starts it, whatever is stored";
+  Clear();
+  EXPECT_FALSE(fs::exists(entry));
+}
+
+TEST_F(InstallationTest, ADamagedEntryIsSetAsideAndAFailureIsReportedWhileTheValueIsStored) {
+  fs::create_directories(root / "config/autostart");
+  PutFile(entry, "rubbish");
+  Check(registry);
+  EXPECT_TRUE(IsChecked());
+  Clear();
+  EXPECT_EQ(ContentOf(fs::directory_iterator(root / "config/autostart")->path()), "rubbish");
+  fs::remove_all(root / "config");
+  PutFile(root / "config", "a file where a folder belongs");
+  Check(registry);
+  EXPECT_THAT(problem, HasSubstr(root / "config"));
+  EXPECT_EQ(stored.Text("ORVEN", kAutostartKey), "C:\\ORVEN.exe -st");
 }
 
 }  // namespace

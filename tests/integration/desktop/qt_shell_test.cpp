@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// What the person's desktop does for the program: the tray, files and addresses, programs, questions.
 #include "adapters/desktop/qt_shell.h"
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -10,28 +13,21 @@
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
-#include <QWidget>
 #include <QWindow>
-#include <iostream>
 #include <sstream>
-#include <tuple>
 
+#include "actions/actions_engine.h"
+#include "adapters/desktop/command_line.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/qt_dialogs.h"
+#include "adapters/line/service/caller_text.h"
+#include "base/runtime_error.h"
 #include "support/scratch_folder.h"
 
-namespace orven {
+namespace orven::test {
 namespace {
 
 constexpr int kTraySize = 22;  // pixels
-
-NotifyIconData Record(std::string tip, NotifyIconPicture picture = NotifyIconPicture::MainWindow) {
-  NotifyIconData data;
-  data.icon = picture;
-  data.tip = std::move(tip);
-  data.tip.resize(NotifyIconData::kTipCharacters);
-  return data;
-}
 
 /// Opens nothing, and keeps what was to be opened.
 class Opener : public QObject {
@@ -41,85 +37,142 @@ class Opener : public QObject {
   QStringList addresses;
 };
 
-class QtShellTest : public ::testing::Test {
- protected:
+struct QtShellTest : testing::Test {
+  bool Notify(NotifyRequest request, NotifyIconPicture picture, std::string tip) {
+    tip.resize(NotifyIconData::kTipCharacters);
+    NotifyIconData data;
+    data.icon = picture;
+    data.tip = tip;
+    return shell.NotifyIcon(request, data);
+  }
+  /// The tray's tip, and the middle of its picture.
+  std::string Shown() {
+    const auto picture = shell.Icon()->icon().pixmap(kTraySize).toImage();
+    const auto middle = picture.pixelColor(picture.width() / 2, picture.height() / 2);
+    return shell.Icon()->toolTip().toStdString() + (middle == Qt::red     ? " red"
+                                                    : middle.alpha() == 0 ? " blank"
+                                                                          : "");
+  }
   static QIcon Red() {
     QPixmap pixmap(kTraySize, kTraySize);
     pixmap.fill(Qt::red);
     return pixmap;
   }
-  /// The middle of the tray's picture.
-  QColor Shown() {
-    return shell_.Icon()->icon().pixmap(kTraySize).toImage().pixelColor(kTraySize / 2, kTraySize / 2);
+  /// A shell script whose output is kept.
+  std::string Program(const std::string& name, const std::string& script) {
+    PutFile(folder / name,
+            "#!/bin/sh\n{ " + script + "; } > \"$0.new\"\ncd \"${0%/*}\"; mv \"$0.new\" out\n");
+    std::filesystem::permissions(folder / name, std::filesystem::perms::owner_all);
+    return folder / name;
+  }
+  std::string OutputOf(const std::string& command) {
+    shell.Run(command, 2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return folder.Count("out") == 1; }, 20'000)) << command;
+    const auto output = ContentOf(folder / "out");
+    std::filesystem::remove(folder / "out");
+    return output;
   }
 
-  QtShell shell_{Red()};
+  ScratchFolder folder;
+  QtShell shell{Red()};
 };
 
-TEST_F(QtShellTest, TheIconIsAddedOnceAndThenChanged) {
-  EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Modify, Record("early"))) << "there is nothing to change";
-  EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Add, Record("ORVEN - Calls:3  New:1")));
-  EXPECT_EQ(shell_.Icon()->toolTip(), "ORVEN - Calls:3  New:1") << "up to the first NUL";
-  EXPECT_EQ(Shown(), Qt::red);
-
-  const auto blank = Record("ORVEN - Calls:4  New:2", NotifyIconPicture::PicSysTryNothing);
-  EXPECT_FALSE(shell_.NotifyIcon(NotifyRequest::Add, blank)) << "it is there already";
-  EXPECT_EQ(Shown(), Qt::red);
-  EXPECT_TRUE(shell_.NotifyIcon(NotifyRequest::Modify, blank));
-  EXPECT_EQ(shell_.Icon()->toolTip(), "ORVEN - Calls:4  New:2");
-  EXPECT_EQ(shell_.Icon()->icon().actualSize({kTraySize, kTraySize}), QSize(kTraySize, kTraySize));
-  EXPECT_EQ(Shown().alpha(), 0);
-  EXPECT_FALSE(shell_.HasNotificationArea()) << "a tray that cannot be seen";
-}
-
-TEST_F(QtShellTest, ClicksBecomeMouseMessages) {
-  emit shell_.Icon()->activated(QSystemTrayIcon::Trigger);  // nobody listens yet
+TEST_F(QtShellTest, TheIconIsAddedOnceAndThenChangedAndItsClicksAreMouseMessages) {
+  using enum NotifyIconPicture;
+  EXPECT_FALSE(Notify(NotifyRequest::Modify, MainWindow, "early")) << "there is nothing to change";
+  EXPECT_TRUE(Notify(NotifyRequest::Add, MainWindow, "ORVEN - Calls:3  New:1"));
+  EXPECT_FALSE(Notify(NotifyRequest::Add, PicSysTryNothing, "twice"));
+  EXPECT_EQ(Shown(), "ORVEN - Calls:3  New:1 red");
+  EXPECT_TRUE(Notify(NotifyRequest::Modify, PicSysTryNothing, "ORVEN - Calls:4  New:2"));
+  EXPECT_EQ(Shown(), "ORVEN - Calls:4  New:2 blank");
+  EXPECT_FALSE(shell.HasNotificationArea()) << "a tray that cannot be seen";
+  emit shell.Icon()->activated(QSystemTrayIcon::Trigger);  // nobody listens yet
   std::vector<double> messages;
-  shell_.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
-  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::DoubleClick,
-                            QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Unknown, QSystemTrayIcon::Context})
-    emit shell_.Icon()->activated(reason);
+  shell.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
+  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Context})
+    emit shell.Icon()->activated(reason);
   EXPECT_EQ(messages, (std::vector<double>{514, 517}));
 }
 
 TEST_F(QtShellTest, OpensExistingFilesAndWebAddressesOnly) {
-  const test::ScratchFolder folder;
-  const std::string page = folder / "index #1.htm";
-  test::PutFile(page, "");
+  const auto page = folder / "index #1.htm";
+  PutFile(page, "");
   Opener opener;
   const QStringList schemes{"file", "http", "https", "ftp", "mailto"};
   for (const auto& scheme : schemes) QDesktopServices::setUrlHandler(scheme, &opener, "Take");
-  for (const std::string& target : {page, std::string("https://example.org/greetings?a=1")})
-    EXPECT_TRUE(shell_.Open(target)) << target;
-  for (const std::string& target :
-       {folder / "missing.htm", folder / "", std::string("index.htm"), "file://" + page})
-    EXPECT_FALSE(shell_.Open(target)) << target;
-  for (const char* target : {"ftp://example.org/", "mailto:a@example.org", "https://", "http:example",
-                             "https://exa mple.org/", "", "javascript:1"})
-    EXPECT_FALSE(shell_.Open(target)) << target;
+  EXPECT_TRUE(shell.Open(page) && shell.Open("https://example.org/greetings?a=1"));
+  for (const auto& target :
+       {folder / "missing.htm", folder / "", std::string("index.htm"), "file://" + page,
+        std::string("ftp://example.org/"), std::string("mailto:a@example.org"), std::string("https://"),
+        std::string("http:example"), std::string("https://exa mple.org/"), std::string("javascript:1")})
+    EXPECT_FALSE(shell.Open(target)) << target;
   EXPECT_EQ(opener.addresses, (QStringList{QUrl::fromLocalFile(QString::fromStdString(page)).toString(),
                                            "https://example.org/greetings?a=1"}));
   for (const auto& scheme : schemes) QDesktopServices::unsetUrlHandler(scheme);
 }
 
+TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
+  const std::pair<const char*, std::vector<std::string>> rows[] = {
+      {"  play  \"a b\" c\td ", {"play", "a b", "c", "d"}},
+      {"x \"\" y", {"x", "", "y"}},
+      {"a\"b c\"d 'e f' \\g", {"ab cd", "'e", "f'", "\\g"}},
+      {"a \"b c", {"a", "b c"}}};
+  for (const auto& [line, parts] : rows) EXPECT_EQ(SplitCommandLine(line), parts) << line;
+}
+
+TEST_F(QtShellTest, NoCallersNameBreaksOutOfItsQuotesAndNoSocketIsInherited) {
+  const int line = ::socket(AF_INET, SOCK_DGRAM, 0);  // as libraries open them
+  const auto program = Program("tell", "printf '%s\\n' \"$@\"; ls -l /proc/$$/fd | grep -c socket:");
+  for (const char* name :
+       {"Anna Garden", "", "$(touch evil)", "`touch evil`", "a & touch evil", "x\" \"--evil",
+        "'; touch evil; '", "\\", "--help", "a\nb", "> evil", "*", "%s%n", "Zoë 😀", "<NUMBER>"}) {
+    const auto clean = CleanCallerText(name);
+    auto command = "\"" + program + "\" \"<NAME>\" last";
+    EXPECT_EQ(OutputOf(SubstituteParameters(command, {clean, "555", "", "", ""})), clean + "\nlast\n0\n");
+    EXPECT_EQ(folder.Count("evil"), 0U) << name;
+  }
+  ::close(line);
+}
+
+TEST_F(QtShellTest, AHelperIsStartedInPlaceOfItsOtherNameAndWhatCannotBeStartedIsNamed) {
+  shell.SetHelper("TTS.exe", [this] { return HelperStart{folder / "helper", {{"CHANNEL", "a path"}}}; });
+  PutFile(folder / "text", "no program");
+  const std::tuple<std::string, int, std::string> rows[] = {{"\"\"", 5, ""},
+                                                            {" ", 5, ""},
+                                                            {"/nowhere/program x", 53, "/nowhere/program"},
+                                                            {"nothing-in-path", 53, "nothing"},
+                                                            {folder / "text", 70, folder / "text"},
+                                                            {folder / "", 70, folder / ""},
+                                                            {folder / "TTS.exe", 53, folder / "helper"}};
+  for (const auto& [command, number, named] : rows) {
+    try {
+      shell.Run(command, 2);
+      ADD_FAILURE() << command;
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.Number(), number) << command;
+      EXPECT_NE(std::string(error.what()).find(named), std::string::npos) << error.what();
+    }
+  }
+  for (const auto& [file, output] : {std::pair{"helper", "-gc a path"}, {"TTS.exe", "-gc "}}) {
+    Program(file, "printf '%s %s' \"$1\" \"$CHANNEL\"");
+    EXPECT_EQ(OutputOf("\"" + (folder / "TTS.exe") + "\" -gc"), output);
+  }
+}
+
 TEST(QtMouse, KnowsWhichButtonIsDown) {
   QWidget window;
   window.show();
-  for (const auto& [button, down, up] : {std::tuple(Qt::LeftButton, kLeftButton, kRightButton),
-                                         {Qt::RightButton, kRightButton, kLeftButton}}) {
-    QTest::mousePress(window.windowHandle(), button);
-    EXPECT_TRUE(QtMouse().IsDown(down) && !QtMouse().IsDown(up));
-    QTest::mouseRelease(window.windowHandle(), button);
-    EXPECT_FALSE(QtMouse().IsDown(down));
-  }
+  QTest::mousePress(window.windowHandle(), Qt::LeftButton);
+  EXPECT_TRUE(QtMouse().IsDown(kLeftButton) && !QtMouse().IsDown(kRightButton));
+  QTest::mouseRelease(window.windowHandle(), Qt::LeftButton);
+  EXPECT_FALSE(QtMouse().IsDown(kLeftButton));
 }
 
 TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   std::ostringstream output;
   QtDialogs dialogs(HasDisplay(), output);
   EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question));
-  EXPECT_EQ(dialogs.SaveAs("Save", "", "a.wav"), std::nullopt);
-  EXPECT_EQ(dialogs.OpenFile("Add Sound", ""), std::nullopt);
+  EXPECT_FALSE(dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
   EXPECT_EQ(output.str(),
             "ORVEN: Delete Call ? (no display to ask on: No)\n"
             "ORVEN: Save: a.wav (no display to ask on: cancelled)\n"
@@ -127,21 +180,18 @@ TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
 }
 
 TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {
-  QtDialogs dialogs(true, std::cerr);
-  const auto answer = [&](QMessageBox::StandardButton button) {
+  for (const auto button : {QMessageBox::Yes, QMessageBox::No, QMessageBox::NoButton}) {
     QTimer::singleShot(0, QApplication::instance(), [button] {  // runs once the box is open
       auto& box = dynamic_cast<QMessageBox&>(*QApplication::activeModalWidget());
       EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is no markup";
       box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
-    return dialogs.Confirm("Delete <b>Call</b> ?", QuestionIcon::None);
-  };
-  EXPECT_TRUE(answer(QMessageBox::Yes));
-  EXPECT_FALSE(answer(QMessageBox::No));
-  EXPECT_FALSE(answer(QMessageBox::NoButton)) << "closed";
+    EXPECT_EQ(QtDialogs(true).Confirm("Delete <b>Call</b> ?", QuestionIcon::None),
+              button == QMessageBox::Yes);
+  }
 }
 
 }  // namespace
-}  // namespace orven
+}  // namespace orven::test
 
 #include "qt_shell_test.moc"

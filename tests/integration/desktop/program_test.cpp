@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the program's process is made of: the application, its event loop, its end, its clock.
+#include <gtest/gtest.h>
+#include <qtestsupport_core.h>
+
+#include <QEvent>
+#include <csignal>
+#include <ctime>
+#include <thread>
+
+#include "adapters/desktop/application.h"
+#include "adapters/desktop/exit_requests.h"
+#include "adapters/desktop/qt_clock.h"
+#include "adapters/desktop/qt_event_loop.h"
+
+namespace orven {
+namespace {
+
+using namespace std::chrono;
+
+TEST(QtEventLoop, RunsTasksOnItsThreadInTheirOrderNoneInsideAnotherAndTellsExceptions) {
+  std::string told;
+  QtEventLoop loop([&](const std::string& text) { told += text + ", "; });
+  std::thread([&, own = std::this_thread::get_id()] {
+    loop.Post([&, own] { told += own == std::this_thread::get_id() ? "a, " : "elsewhere, "; });
+    loop.Post([] { throw std::runtime_error("disk on fire"); });
+    loop.Post([] { throw 42; });
+    loop.Post([&] {
+      loop.Post([&] { told += "c"; });
+      told += "b";
+    });
+  }).join();
+  EXPECT_EQ(told, "");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return told.ends_with("c"); }));
+  EXPECT_EQ(told, "a, disk on fire, unknown exception, bc");
+}
+
+TEST(QtEventLoop, NothingRunsAfterATimersStopOrTheLoopsEnd) {
+  int ticks = 0;
+  bool later = false;
+  QtEventLoop loop;
+  const auto timer = loop.MakeTimer([&] { ++ticks; });
+  timer->Start(1ms);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return ticks >= 3; }));
+  timer->Stop();
+  const int before = ticks;
+  {
+    QtEventLoop dying;
+    dying.Post([&] { ++ticks; });
+    dying.After(0ms, [&] { ++ticks; });
+  }
+  loop.After(20ms, [&] { later = true; });
+  ASSERT_TRUE(QTest::qWaitFor([&] { return later; }));
+  EXPECT_EQ(ticks, before);
+}
+
+TEST(ExitSignals, TheFirstSignalExitsOnceInTheEventLoopAndLaterOnesDoNotKill) {
+  int exits = 0;
+  const auto raise = [](const std::vector<int>& numbers) {
+    for (const int number : numbers) std::raise(number);
+    QCoreApplication::processEvents();
+  };
+  std::signal(SIGHUP, SIG_IGN);
+  {
+    const ExitSignals exit_signals([&] { ++exits; });
+    raise({SIGHUP});
+    EXPECT_EQ(exits, 0) << "a hang-up that the starter ignores stays ignored";
+  }
+  std::signal(SIGHUP, SIG_DFL);
+  {
+    const ExitSignals exit_signals([&] { ++exits; });
+    std::thread([] { std::raise(SIGINT); }).join();  // whichever thread the system picks
+    EXPECT_EQ(exits, 0) << "nothing runs inside the signal handler";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return exits > 0; }));
+    raise({SIGTERM, SIGINT, SIGHUP});
+  }
+  raise({SIGTERM});  // during the rest of the exit
+  EXPECT_EQ(exits, 1);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) std::signal(signal, SIG_DFL);
+}
+
+TEST(QuitRequests, TheEndOfTheSessionIsKeptFromQtUntilTheProgramHasEnded) {
+  int asked = 0;
+  const QuitRequests requests([&] { return ++asked == 1; });
+  QEvent quit(QEvent::Quit);
+  QEvent other(QEvent::LocaleChange);
+  QObject receiver;
+  EXPECT_TRUE(QCoreApplication::sendEvent(QCoreApplication::instance(), &quit));
+  QCoreApplication::sendEvent(QCoreApplication::instance(), &other);
+  QCoreApplication::sendEvent(&receiver, &quit);
+  EXPECT_EQ(asked, 1) << "other events, and those of other objects, are not asked about";
+}
+
+TEST(Application, RunsOffscreenWithoutADisplay) {
+  EXPECT_EQ(QGuiApplication::platformName(), "offscreen");
+  EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
+}
+
+/// In POSIX notation, so that no zone database is needed.
+void SetZone(const char* zone) {
+  qputenv("TZ", zone);
+  tzset();
+}
+
+TEST(QtClock, TellsSecondsApartAndNamesNoZoneInAnyLocale) {
+  SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
+  constexpr Clock::WallTime kAt = sys_days(2003y / 12 / 31) + 13h + 5min + 7s;
+  EXPECT_EQ(QtClock(QLocale("de_DE")).DateText(kAt), "31.12.03");
+  EXPECT_EQ(QtClock(QLocale("zh_TW")).TimeText(kAt), "下午2:05:07");
+  for (const QLocale& locale :
+       QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
+    const QtClock clock(locale);
+    const std::string text = clock.TimeText(kAt);
+    EXPECT_NE(text, clock.TimeText(kAt + 1s)) << locale.name().toStdString();
+    for (const char* zone : {"CET", "GMT", "()", "[]"}) EXPECT_EQ(text.find(zone), std::string::npos) << text;
+    for (const char letter : text + clock.DateText(kAt)) EXPECT_FALSE(letter >= 0 && letter < ' ') << text;
+  }
+}
+
+TEST(QtClock, FindsTheLocalDayAndItsBeginAcrossSummerTime) {
+  const QtClock clock{QLocale::c()};
+  SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
+  EXPECT_EQ(clock.LocalDay(sys_days(2026y / 6 / 30) + 22h + 30min), 2026y / 7 / 1);
+  EXPECT_EQ(clock.LocalDay(sys_days(2026y / 1 / 1) + 22h + 59min), 2026y / 1 / 1);
+  EXPECT_EQ(clock.Midnight(2026y / 6 / 31), sys_days(2026y / 6 / 30) + 22h) << "31 June is 1 July";
+  SetZone("<-03>3<-02>,M10.3.0/0,M2.3.0/0");  // where summer time began at midnight
+  EXPECT_EQ(clock.Midnight(2018y / 10 / 21), sys_days(2018y / 10 / 21) + 3h);
+}
+
+}  // namespace
+}  // namespace orven
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  // As the program itself would start where there is no display.
+  for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) qunsetenv(variable);
+  const auto application = orven::MakeApplication(argc, argv);
+  return RUN_ALL_TESTS();
+}
