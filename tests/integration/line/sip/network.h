@@ -7,19 +7,17 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 namespace orven::test {
 
 using std::chrono::milliseconds;
-using Bytes = std::vector<std::uint8_t>;
 
 /// A UDP or TCP socket on 127.0.0.1. Throws when it cannot be made.
 class Socket {
@@ -49,23 +47,13 @@ class Socket {
   }
   /// On a TCP connection; false when it is closed.
   bool Send(const std::string& text) const { return ::send(fd_, &text[0], text.size(), MSG_NOSIGNAL) >= 0; }
-  /// The next datagram, or what TCP brings; nothing when none comes within `limit`.
-  std::optional<Bytes> Receive(milliseconds limit) const {
-    Bytes bytes(65'536);
+  /// The next datagram, or what TCP brings; "" when none comes within `limit` or the connection is closed.
+  std::string Receive(milliseconds limit = milliseconds(8000)) const {
+    std::string bytes(65'536, 0);
     const ssize_t count = Ready(limit) ? ::recv(fd_, bytes.data(), bytes.size(), 0) : 0;
-    if (count <= 0) return std::nullopt;
-    bytes.resize(static_cast<std::size_t>(count));
-    return bytes;
+    return bytes.substr(0, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
   }
-  std::string ReceiveText(milliseconds limit) const {
-    const Bytes bytes = Receive(limit).value_or(Bytes{});
-    return {bytes.begin(), bytes.end()};
-  }
-  Socket Accept() const {
-    return Socket(Ready(std::chrono::seconds(10)) ? ::accept(fd_, nullptr, nullptr) : -1);
-  }
-  /// Still owned by this object.
-  int Fd() const { return fd_; }
+  Socket Accept() const { return Socket(Ready(milliseconds(8000)) ? ::accept(fd_, nullptr, nullptr) : -1); }
   void Close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;

@@ -3,10 +3,13 @@
 
 #include <random>
 #include <thread>
+#include <vector>
 
 #include "integration/line/sip/network.h"
 
 namespace orven::test {
+
+using Bytes = std::vector<std::uint8_t>;
 
 /// The value of a header of a SIP message, or "".
 inline std::string Header(const std::string& message, const std::string& name) {
@@ -34,23 +37,21 @@ class SipCaller {
       : line_port_(line_port), branch_("z9hG4bK" + std::to_string(std::random_device{}())) {}
 
   /// Any request; an ACK and a CANCEL belong to the request before.
-  std::string Text(const std::string& method, const std::string& type = "", const std::string& body = "") {
+  std::string Text(const std::string& method, const std::string& body = "",
+                   const std::string& type = "application/sdp") {
     if (method != "ACK" && method != "CANCEL") ++cseq_;
     // The acknowledgement of a success is a transaction of its own, that of a refusal is not.
     const char* own = method == "ACK" && !to_tag_.empty() ? "ack" : "";
     const std::string address = "127.0.0.1:" + std::to_string(sip_.Port()), number = std::to_string(cseq_);
-    const std::string tag = to_tag_.empty() || method == "CANCEL" ? "" : ";tag=" + to_tag_;
     return method + " sip:line@127.0.0.1 SIP/2.0\r\nVia: SIP/2.0/UDP " + address + ";branch=" + branch_ +
            number + own +
            ";rport\r\nFrom: \"Ann Smith\" <sip:5551234@127.0.0.1>;tag=caller\r\nTo: <sip:line@127.0.0.1>" +
-           tag + "\r\nCall-ID: " + branch_ + "\r\nCSeq: " + number + " " + method + "\r\nContact: <sip:ann@" +
-           address + ">\r\n" + (type.empty() ? "" : "Content-Type: " + type + "\r\n") +
+           (method == "CANCEL" ? "" : to_tag_) + "\r\nCall-ID: " + branch_ + "\r\nCSeq: " + number + " " +
+           method + "\r\nContact: <sip:ann@" + address + ">\r\n" +
+           (body.empty() ? "" : "Content-Type: " + type + "\r\n") +
            "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
   }
   void Send(const std::string& text) const { sip_.SendTo(line_port_, text); }
-  void Request(const std::string& method, const std::string& type = "", const std::string& body = "") {
-    Send(Text(method, type, body));
-  }
 
   /// The next response with a status ("200") or request with a method ("BYE"), or "" when none comes; skips
   /// other messages. Keeps what an answer tells, confirms a BYE and acknowledges a refusal.
@@ -58,14 +59,14 @@ class SipCaller {
     const auto end = std::chrono::steady_clock::now() + limit;
     std::string message = "-";
     while (!message.starts_with(what + " ") && !message.starts_with("SIP/2.0 " + what)) {
-      message = sip_.ReceiveText(std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now()));
+      message = sip_.Receive(std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now()));
       if (message.empty()) return {};
     }
-    if (what == "BYE") sip_.SendTo(line_port_, ReplyTo(message, "200 OK"));
-    if (what > "299" && what < "7" && Header(message, "CSeq").ends_with("INVITE")) Request("ACK");
+    if (what == "BYE") Send(ReplyTo(message, "200 OK"));
+    if (what > "299" && what < "7" && Header(message, "CSeq").ends_with("INVITE")) Send(Text("ACK"));
     if (const auto audio = message.find("m=audio "); audio != message.npos) {
       answer = message;
-      to_tag_ = Header(message, "To").substr(Header(message, "To").find(";tag=") + 5);
+      to_tag_ = Header(message, "To").substr(Header(message, "To").find(";tag="));
       line_rtp_port = static_cast<std::uint16_t>(std::stoi(message.substr(audio + 8)));
     }
     return message;
@@ -79,8 +80,8 @@ class SipCaller {
 
   void SendRtp(const Bytes& packet) const { rtp.SendTo(line_rtp_port, packet); }
   /// Forgets the packets that have come so far and waits for another one.
-  std::optional<Bytes> NextPacket(milliseconds limit = milliseconds(2000)) const {
-    while (rtp.Receive(milliseconds(0))) {
+  std::string NextPacket(milliseconds limit = milliseconds(2000)) const {
+    while (!rtp.Receive(milliseconds(0)).empty()) {
     }
     return rtp.Receive(limit);
   }
