@@ -20,7 +20,7 @@ bool IsMailAddress(const std::string& text);
 /// Entries of the two lists "Act with".
 enum class ActWith { AllCalls = 0, MessagesOnly = 1 };
 
-/// The state of every control of the actions dialog, under the controls' names.
+/// The state of every control of the actions dialog, by the controls' names.
 struct ActionChoices {
   bool chkSendToMail = false;
   std::string txtSendToMail;
@@ -60,8 +60,8 @@ class ActionsDialog {
   /// `cmdParm`: lists the placeholders.
   void ShowParameters();
 
-  /// `frmTest`: starts the program of `command` with made-up call details. Returns why it could not be
-  /// started, as a text for the user; empty on success.
+  /// `frmTest`: starts the program of `command` with made-up call details. Returns an error text for the
+  /// user; empty on success.
   std::string Test(std::string command);
 
   /// `cmdOK`: checks and stores everything. On a wrong field it shows a message box, stores nothing and

@@ -28,8 +28,7 @@ struct CallParameters {
 /// Replaces "<NUMBER>", "<NAME>", "<MESSAGE_PATH>", "<DATE>" and "<TIME>" by their values, in this order and
 /// only the first occurrence of each; a later placeholder in a value is replaced, too. Case-sensitive. The
 /// result is written back to `text` and returned. A placeholder that begins after character 32767 throws
-/// RuntimeError 6
-/// ("Overflow"); earlier replacements stay.
+/// RuntimeError 6 ("Overflow"); earlier replacements stay.
 std::string SubstituteParameters(std::string& text, const CallParameters& call);
 
 /// What follows a call: mails it and starts the user's program. Progress and failures are shown in the status

@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// The actions dialog: the mail and the program that follow a call. The engine decides; every control's
-/// object name is its name in this program. User-interface thread.
+/// The actions dialog: the mail and the program that follow a call. The engine decides; each control's object
+/// name is its member name. User-interface thread.
 class frmActions : public QDialog {
   Q_OBJECT
 

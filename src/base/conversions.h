@@ -19,7 +19,7 @@ std::int16_t NarrowToInt16(std::int64_t value);
 /// Shortest decimal text that reads back as `value`, with "." whatever the locale: 3.02 gives "3.02".
 std::string ToText(double value);
 
-/// A count that comes from a container, for operations that use 32-bit numbers.
+/// The size of a container, for operations that use 32-bit numbers.
 std::int32_t ToCount(std::size_t size);
 
 }  // namespace orven

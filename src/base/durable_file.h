@@ -10,7 +10,7 @@
 
 namespace orven {
 
-/// An open file, closed when it goes. Failures throw RuntimeError naming the path.
+/// An open file, closed by the destructor. Failures throw RuntimeError naming the path.
 class Descriptor {
  public:
   /// open(2) with `flags` (O_CLOEXEC is added) and, for a new file, the permission bits `mode`.
@@ -32,7 +32,7 @@ class Descriptor {
   /// Waits until the file has reached the disk.
   void Sync();
 
-  /// Closes and reports what only closing tells (a full quota on a network file system).
+  /// Closes, and reports the errors that only close(2) returns (a full quota on a network file system).
   void Close();
 
  private:
@@ -40,26 +40,26 @@ class Descriptor {
   int number_ = -1;
 };
 
-/// What the adapters that keep files share: replacing a file whole, renaming without loss, and names
-/// for files set aside. Failures throw RuntimeError with the path in the text. Any thread.
+/// Shared by the adapters that keep files: atomic replacement, renaming without overwriting, and names for
+/// files that are set aside. Failures throw RuntimeError with the path in the text. Any thread.
 
 /// The classic error of the system error `error` (an errno value) at `path`.
 RuntimeError FileFailure(int error, const std::string& path);
 
-/// Gives the file at `path` the content `content` and the permission bits `mode`, whole or not at
-/// all, durable on return: a temporary file in the same folder is written, synchronised and renamed.
-/// Where `path` is a symbolic link to a file, that file is replaced and the link stays.
+/// Gives the file at `path` the content `content` and the permission bits `mode`, atomically and durable on
+/// return: a temporary file in the same folder is written, synced and renamed. Where `path` is a symbolic
+/// link to a file, that file is replaced and the link stays.
 void ReplaceFile(const std::string& path, std::string_view content, unsigned mode);
 
 /// Writes a file that must not exist yet (58 when it does), durable on return.
 void CreateFile(const std::string& path, std::string_view content, unsigned mode);
 
-/// Gives `to` a copy of the file `from` and its permission bits, whole or not at all, durable on
-/// return. With `replace`, an existing `to` is replaced; otherwise 58 is thrown.
+/// Gives `to` a copy of the file `from` and its permission bits, atomically and durable on return. With
+/// `replace`, an existing `to` is replaced; otherwise 58 is thrown.
 void CopyFile(const std::string& from, const std::string& to, bool replace);
 
-/// Renames within one file system; throws 58 instead of replacing an existing `to`. False, nothing
-/// done, when the two are on different file systems.
+/// Renames within one file system; throws 58 instead of replacing an existing `to`. False, without any
+/// change, when the two are on different file systems.
 bool RenameKeeping(const std::string& from, const std::string& to);
 
 /// `path` + "." + `label` + "-" + local time, as in "Calls.damaged-20261121T041530"; when a file

@@ -12,7 +12,7 @@ std::string NativePath(std::string_view text);
 /// The part after the last separator.
 std::string FileNamePart(std::string_view path);
 
-/// The part up to and with the last separator.
+/// The part up to and including the last separator.
 std::string FolderPart(std::string_view path);
 
 /// The folder that holds the file at `path`, without a separator at its end; "." when `path` names none.

@@ -46,8 +46,8 @@ constexpr const char* DescriptionOf(ErrorNumber number) {
   return "Internal error";
 }
 
-/// A failed statement: a number and the text that goes into the log. Ports throw it where their
-/// contract says so; the error trap of the running routine turns it into one log line.
+/// A failed statement: a number and the text for the log. Ports throw it where their contract says so; the
+/// error trap of the running routine turns it into one log line.
 class RuntimeError : public std::runtime_error {
  public:
   explicit RuntimeError(ErrorNumber number) : std::runtime_error(DescriptionOf(number)), number_(number) {}

@@ -7,20 +7,20 @@
 
 namespace orven {
 
-/// Texts that are lists of bytes: nothing here knows a locale.
+/// Operations on bytes, independent of the locale.
 
 inline constexpr std::string_view kBlanks = " \t\r\n";
 
 /// `text` without the characters of `blanks` at either end.
 std::string_view Trimmed(std::string_view text, std::string_view blanks = kBlanks);
 
-/// The letters A to Z become small ones; all other bytes stay.
+/// A to Z in lower case; all other bytes stay.
 std::string Lower(std::string_view text);
 
 /// Each byte for which `plain` is false becomes "%" and two hexadecimal digits (RFC 3986, section 2.1).
 std::string PercentEncoded(std::string_view text, bool (*plain)(unsigned char byte));
 
-/// The way back; digits may be of either case. Nothing when a "%" is not followed by two digits.
+/// The inverse; digits in either case. Nothing when a "%" is not followed by two digits.
 std::optional<std::string> PercentDecoded(std::string_view text);
 
 }  // namespace orven

@@ -48,7 +48,7 @@ std::string Utf8FromUnknown(std::string_view text);
 /// disk may hold any byte.
 std::string Utf16FromUtf8(std::string_view utf8);
 
-/// The way back. Other surrogates that stand alone become U+FFFD. Nothing for an odd number of bytes.
+/// The inverse. Other unpaired surrogates become U+FFFD. Nothing for an odd number of bytes.
 std::optional<std::string> Utf8FromUtf16(std::string_view utf16);
 
 }  // namespace orven

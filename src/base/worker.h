@@ -9,14 +9,14 @@
 namespace orven {
 
 /// A thread that runs tasks one after the other, in the order they were posted. It starts with the first task
-/// and takes no signals: those are the main thread's.
+/// and blocks all signals: the main thread handles them.
 class Worker {
   struct State;
 
  public:
   using Task = std::function<void()>;  ///< must not throw, and owns what it uses
 
-  /// What Stop does with the tasks that have not begun.
+  /// What Stop does with tasks that have not started.
   enum class AtStop { Finish, Drop };
 
   static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
@@ -34,9 +34,8 @@ class Worker {
   /// Ends the thread. Not on the thread itself. Idempotent.
   void Stop();
 
-  /// Lets a task report to whoever owns the worker, and never too late: the report runs on the calling
-  /// thread, unless Stop has been called, and Stop waits for it. It must be short. A copy may outlive the
-  /// worker.
+  /// Lets a task report to the worker's owner while that still exists: the report runs on the calling thread,
+  /// unless Stop has been called, and Stop waits for it. It must be short. A copy may outlive the worker.
   class Reporter {
    public:
     explicit Reporter(std::shared_ptr<State> state) : state_(std::move(state)) {}

@@ -5,14 +5,14 @@
 
 namespace orven {
 
-/// Where the steps of the line, the call and every failed statement are written. Never fails.
+/// The system log: the steps of the line and of the call, and every failed statement. Never fails.
 class SystemLog {
  public:
   virtual ~SystemLog() = default;
   virtual void WriteSystem(const std::string& text) = 0;
 };
 
-/// Where each filed call leaves its line. Never fails.
+/// The calls log: one line for each filed call. Never fails.
 class CallsLog {
  public:
   virtual ~CallsLog() = default;

@@ -9,19 +9,19 @@
 
 namespace orven {
 
-/// Runs the statements of one routine so that a failing one does not stop the others: it writes one
-/// line (label, error number, blank, description) and the routine goes on with the next statement.
-/// In a loop, leave the loop when a statement fails, so that no fault can make it spin.
+/// Runs the statements of one routine so that a failing one does not stop the others: it writes one line
+/// (label, error number, blank, description) and the routine goes on with the next statement. Leave a loop
+/// when a statement in it fails, so that no fault can make it spin.
 ///
 ///     ErrorTrap trap(log, "ErrOpenLine ");
 ///     trap([&] { first statement });
 ///     if (!trap([&] { second statement })) break;
 class ErrorTrap {
  public:
-  /// `label` is written as it stands, trailing blank included.
+  /// `label` is written unchanged, trailing blank included.
   ErrorTrap(SystemLog& log, std::string label) : log_(&log), label_(std::move(label)) {}
 
-  /// For small handlers without a label: a failing statement leaves no trace.
+  /// For small handlers without a label: failures are not logged.
   static ErrorTrap Silent() { return ErrorTrap(); }
 
   /// True when the statement ran to its end.

@@ -12,17 +12,16 @@
 
 namespace orven {
 
-/// Turns an application folder without settings into a working answering machine: the installer's
-/// default settings, the three settings that depend on the machine, and a password of its own.
+/// Turns an application folder without settings into a working answering machine: the installer's default
+/// settings, the three settings that depend on the machine, and a random password.
 class FirstStart {
  public:
   struct Sources {
     /// Reads the installation's default settings.
     std::function<std::vector<NamedRegistryValue>()> defaults;
-    /// A uniformly random number from 0 to one less than its argument, fit for making passwords.
+    /// A uniformly random number from 0 to one less than its argument, from a cryptographic source.
     std::function<std::uint32_t(std::uint32_t)> random;
-    /// Tells the new password to the person who installs; it is written nowhere else but into the
-    /// settings.
+    /// Shows the new password to the person who installs; it is stored in the settings only.
     std::function<void(const std::string& password)> announce_password;
   };
 
@@ -32,8 +31,8 @@ class FirstStart {
   /// A first start is one that finds no settings key.
   bool IsDue() const;
 
-  /// Writes everything. The settings key comes last and in one piece, so that a start which is cut
-  /// short is a first start again.
+  /// Writes everything. The settings key comes last, in one write, so that the next start after a crash is a
+  /// first start again.
   void Run();
 
  private:
@@ -43,7 +42,7 @@ class FirstStart {
   Sources sources_;
 };
 
-/// The main window as the entry routine knows it.
+/// The main window as the entry routine sees it.
 class MainWindowStart {
  public:
   virtual ~MainWindowStart() = default;
@@ -56,8 +55,8 @@ class MainWindowStart {
 /// The process entry: one instance, first start, main window.
 class EntryRoutine {
  public:
-  /// `prepare` brings the application folder's own files into place. It runs only when this process
-  /// is the one instance, before any setting is read; its argument tells a first start.
+  /// `prepare` brings the application folder's own files into place. It runs only when this process is the
+  /// only instance, before any setting is read; its argument is true on a first start.
   EntryRoutine(OperatingSystem& system, Dialogs& dialogs, FirstStart& first_start, SharedOptions& shared,
                std::function<void(bool first_start)> prepare)
       : system_(system),

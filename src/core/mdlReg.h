@@ -24,19 +24,19 @@ inline constexpr std::size_t kLongestText = 2047;
 /// Type that every caller writes with: a string with its terminating zero.
 inline constexpr std::int32_t kRegString = 1;
 
-/// The value as text. A string loses its terminating zero; binary bytes become upper-case hexadecimal
-/// text, two digits each; any other type gives its raw bytes less the last one. A key or value that
-/// is missing gives kNotFound.
+/// The value as text. A string loses its terminating zero; binary bytes become upper-case hexadecimal text,
+/// two digits each; any other type gives its raw bytes without the last one. A key or value that is missing
+/// gives kNotFound.
 std::string GetRegValue(Registry& registry, RegistryRoot root, const std::string& key,
                         const std::string& name);
 
-/// Creates the key if it is absent and writes one value: type 4 as a 32-bit number (the text must be
-/// one, else RuntimeError), any other type as a string, which gets a terminating zero only for type
-/// 1. A write that fails is silent.
+/// Creates the key if it is absent and writes one value: type 4 as a 32-bit number (the text must be one,
+/// else RuntimeError), any other type as a string, which gets a terminating zero only for type 1. Failures
+/// are not reported.
 void SetRegValue(Registry& registry, RegistryRoot root, const std::string& key, const std::string& name,
                  std::int32_t type, const std::string& value);
 
-/// Removes one value; silent when it was not there.
+/// Removes one value, if it exists.
 void DeleteRegValue(Registry& registry, RegistryRoot root, const std::string& key, const std::string& name);
 
 /// `text` as a stored string, terminating zero included.

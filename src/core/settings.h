@@ -90,7 +90,7 @@ struct SharedOptions {
   std::string application_version;
   std::string application_folder;  ///< without trailing separator
   std::string messages_path;       ///< ends in a separator
-  std::string messages_note = {};  ///< why that is not the setting's; empty when it is
+  std::string messages_note = {};  ///< why it differs from the setting; empty when it does not
   bool record_messages = false;
   std::string greeting_file;  ///< file name in the greetings folder
   std::int16_t num_of_ring = 0;

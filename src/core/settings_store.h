@@ -12,10 +12,10 @@
 
 namespace orven {
 
-/// Setting: where the messages are being moved, until they are there.
+/// Setting: the folder that messages are being moved to, until the move is complete.
 inline constexpr const char* kMoveUnderWay = "MassagesPathNext";
 
-/// The folder that serves for the messages.
+/// The messages folder in use.
 struct MessagesFolder {
   std::string path;  ///< what a message's file name directly follows
   std::string note;  ///< for the log and the status bar: why it is not the stored one; empty when it is
@@ -54,12 +54,12 @@ class SettingsStore {
   void GetMainAction();
   void GetMainEvents();
 
-  /// Reads what the log viewer and the log properties work with. A value that cannot be converted leaves
-  /// no trace.
+  /// Reads what the log viewer and the log properties work with. A value that cannot be converted is skipped
+  /// without a log line.
   void GetLogProperties();
 
-  /// Reads the window placement; places the window only when its present state is normal. A stored
-  /// value that is no number leaves that edge of the window as it is.
+  /// Reads the window placement; places the window only when its present state is normal. A stored value that
+  /// is not a number leaves that edge of the window unchanged.
   void GetView(PlacedWindow& window);
 
   /// Saves the window placement, unless the window is hidden, minimised or maximised.
@@ -69,8 +69,8 @@ class SettingsStore {
   /// `show_ring_count` shows the ring count in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
-  /// Gives every part what it shares of the settings as they are held now, under the trap of the routine
-  /// that runs. When a message length's seconds do not fit, the former one stays.
+  /// Copies the current settings to the options that all parts share, under the trap of the running routine.
+  /// When a message length in seconds does not fit, the previous one stays.
   void ShareOptions(const ErrorTrap& trap);
 
   /// Whether the call list shows grid lines; it does until a person switches them off.

@@ -17,7 +17,7 @@
 namespace orven {
 
 /// The greeting creator: records or synthesises a greeting, plays it and saves it under a name. The engine
-/// decides; every control's object name is its name in this program. User-interface thread.
+/// decides; each control's object name is its member name. User-interface thread.
 class frmGreetC : public QDialog, public GreetingCreatorView {
   Q_OBJECT
 
@@ -28,7 +28,7 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   /// called when the window is first shown, and Unload once when it closes.
   void Attach(GreetingCreator& engine);
 
-  /// Shows the window until it is closed. On return the engine is unloaded and a waiting Load has returned.
+  /// Shows the window until it is closed. On return the engine is unloaded and any running Load has returned.
   int exec() override;
   void done(int result) override;
 

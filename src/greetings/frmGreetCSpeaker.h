@@ -36,7 +36,7 @@ class SpeakerFrame : public QWidget {
 
   void ShowButtons(const CreatorButtons& buttons);
   void ShowRecLabel(bool on) { lblRec_->setVisible(on); }
-  /// The bar's range is a minute, doubled until `seconds` fits.
+  /// The bar's range is one minute, doubled until `seconds` fits.
   void ShowRecProgress(std::int32_t seconds);
   void ShowLevel(std::int32_t level) { prgLevel_->setValue(level); }
   void ShowPlayProgress(std::chrono::milliseconds position, std::chrono::milliseconds length);

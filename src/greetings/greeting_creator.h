@@ -80,9 +80,8 @@ class GreetingCreatorView {
   virtual void Close() noexcept = 0;
 };
 
-/// The rules of the greeting creator `frmGreetC`: records a take or has a text spoken, plays it, and saves it
-/// as the default greeting, whole or not at all. One object for each opening of the window. User-interface
-/// thread.
+/// The rules of the greeting creator `frmGreetC`: records a take or synthesises a text, plays it, and saves
+/// it atomically as the default greeting. One object for each opening of the window. User-interface thread.
 class GreetingCreator : private SpeechLinkListener {
  public:
   struct Parts {
@@ -100,7 +99,7 @@ class GreetingCreator : private SpeechLinkListener {
     const GreetingLibrary& library;
     const Settings& settings;
     const SharedOptions& shared;
-    /// The greeting `name` was saved; it becomes the default. May be called after the creator is gone.
+    /// The greeting `name` was saved; it becomes the default. May be called after the creator is destroyed.
     std::function<void(const std::string& name)> saved;
   };
 
@@ -125,7 +124,7 @@ class GreetingCreator : private SpeechLinkListener {
   void CreateGreeting();  ///< `cmdCreateGreeting`
   void Save();            ///< `cmdOK`; closes the view when the greeting is saved, which may be later
 
-  /// The window closes: stops playing and recording, and ends the helper. A copy that has begun is completed.
+  /// The window closes: stops playing and recording, and ends the helper. A copy in progress is completed.
   /// Calls after the first do nothing.
   void Unload();
 
@@ -165,7 +164,7 @@ class GreetingCreator : private SpeechLinkListener {
   bool rec_label_ = false;
   std::int32_t seconds_ = 0;  ///< recorded so far
 
-  bool saving_ = false;  ///< nothing else can be done meanwhile
+  bool saving_ = false;  ///< all other commands are disabled
   std::string name_;     ///< of the greeting that is being saved
   bool unloaded_ = false;
   Lifeline lifeline_;

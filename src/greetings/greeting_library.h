@@ -26,8 +26,8 @@ class GreetingLibrary {
   /// The sorted names of the greetings.
   std::vector<std::string> Names() const;
 
-  /// Copies the sound file at `path` to the greeting `name`, which is replaced whole or not at all. May be
-  /// slow; any thread.
+  /// Copies the sound file at `path` to the greeting `name`, which is replaced atomically. May be slow; any
+  /// thread.
   void Add(const std::string& name, const std::string& path) const { files_.Copy(path, PathOf(name)); }
 
   void Delete(const std::string& name) const { files_.Delete(PathOf(name)); }

@@ -34,7 +34,7 @@ class MicrophoneTake {
   /// Starts a take from sound card `device`, or from the default card if that one is missing. A wave result.
   std::int32_t Start(std::int32_t device);
 
-  /// Ends the take and stores it at Path. A wave result; after a failure there is no take.
+  /// Ends the take and stores it at Path. A wave result; after a failure no take exists.
   std::int32_t Stop();
 
   /// A take is being recorded.

@@ -32,8 +32,8 @@ class SpeechLinkListener {
 };
 
 /// The link to the speech helper, a separate program that owns the speech engine. A message is a command of
-/// three letters, a colon and the argument. A message that cannot be sent is dropped; why the helper cannot
-/// be used is logged. User-interface thread.
+/// three letters, a colon and the argument. A message that cannot be sent is dropped; the log says why the
+/// helper cannot be used. User-interface thread.
 class SpeechLink : private DataExchangeEvents {
  public:
   struct Ports {
@@ -65,7 +65,7 @@ class SpeechLink : private DataExchangeEvents {
     bool operator==(const Manner&) const = default;
   };
 
-  /// Speaks `text`; nothing for an empty one.
+  /// Speaks `text`; does nothing for an empty one.
   void Speak(const std::string& text, Manner manner);
 
   /// Stops speaking.
@@ -111,7 +111,7 @@ class SpeechTake {
     SpeechLink& link;
   };
 
-  /// `there` is false when the take was given up, which is logged.
+  /// `there` is false when the take has failed, which is logged.
   using Done = std::function<void(bool there)>;
 
   explicit SpeechTake(Parts parts);
@@ -120,7 +120,7 @@ class SpeechTake {
   /// before. False when it could not be started.
   bool Make(const std::string& text, SpeechLink::Manner manner, Done done);
 
-  /// A take was started and is neither complete nor given up.
+  /// A take was started and has neither completed nor failed.
   bool Pending() const { return TimerSpeech->Enabled(); }
 
   /// The file is still the one that completed the take.
@@ -129,7 +129,7 @@ class SpeechTake {
   /// Stops waiting for the take.
   void Forget() { TimerSpeech->Stop(); }
 
-  /// The helper is gone: a take that is not complete never will be.
+  /// The helper has ended: a take that is not complete has failed.
   void GiveUp();
 
   std::string Path() const { return parts_.shared.InApplicationFolder("\\ttstmp.wav"); }

@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// The log viewer. The engine decides; every control's object name is its name in this program. It may be
-/// closed from outside. User-interface thread.
+/// The log viewer. The engine decides; each control's object name is its member name. It may be closed from
+/// outside. User-interface thread.
 class frmLog : public QDialog, private LogViewerWindow {
   Q_OBJECT
 
@@ -49,8 +49,8 @@ class frmLog : public QDialog, private LogViewerWindow {
   QPushButton* cmdProp_ = nullptr;
 };
 
-/// The log properties. The engine decides; every control's object name is its name in this program.
-/// User-interface thread.
+/// The log properties. The engine decides; each control's object name is its member name. User-interface
+/// thread.
 class frmLogProp : public QDialog {
   Q_OBJECT
 

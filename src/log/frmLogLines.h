@@ -11,14 +11,14 @@
 
 namespace orven {
 
-/// The lines of a log as the rows of a list. It stores none of them.
+/// The lines of a log as the rows of a list, without a copy of them.
 class LogLineModel : public QAbstractListModel {
   Q_OBJECT
 
  public:
   LogLineModel(const LogLines& lines, QObject* parent) : QAbstractListModel(parent), lines_(lines) {}
 
-  /// The new number of lines: more than before, or 0. The lines may already be gone.
+  /// The new number of lines: more than before, or 0. The lines may already have been cleared.
   void ShowCount(std::size_t count);
 
   int rowCount(const QModelIndex& parent = {}) const override;

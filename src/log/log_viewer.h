@@ -23,7 +23,7 @@ struct LogPiece {
   std::vector<std::uint16_t> ends;  ///< the offset in `bytes` after each line
 };
 
-/// The lines of a file of any size, stored as the file's bytes and two bytes a line.
+/// The lines of a file of any size, stored as the file's bytes and two bytes per line.
 class LogLines {
  public:
   std::size_t Count() const { return count_; }
@@ -125,7 +125,7 @@ class LogViewer {
   void Delete();  ///< `cmdDelete`
   void SaveAs();  ///< `cmdSaveAs`
 
-  /// A function that lists the files again; does nothing once this object is gone.
+  /// A function that lists the files again; does nothing after this object is destroyed.
   std::function<void()> Refresher() {
     return lifeline_.Bind([this] { Refresh(); });
   }
@@ -154,7 +154,7 @@ class LogViewer {
 /// The entries of `cmbLogFor`. With the last one, or any other text, no log is purged.
 inline constexpr const char* kLogForChoices[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
 
-/// The state of every control of the log properties, under the controls' names.
+/// The state of every control of the log properties, by the controls' names.
 struct LogChoices {
   bool chkLogCalls = false;
   bool chkLogSys = false;

@@ -14,7 +14,7 @@ namespace orven {
 /// Which of "Answer Now", "Drop Call" and "Do Nothing" the caller view shows, with their icons.
 enum class CallerCommands { None, WithoutAnswer, All };
 
-/// The window `frmMSG` as the engine moves and fills it. Distances in twips (15 to a pixel).
+/// The window `frmMSG` as the engine sees it. Distances in twips (15 per pixel).
 class CallerViewWindow {
  public:
   virtual ~CallerViewWindow() = default;
@@ -49,7 +49,7 @@ class CallerViewClicks {
   virtual void Close() = 0;
 };
 
-/// The caller view: slides in at the top of the screen, shows the caller, and slides out after a time or a
+/// The caller view: slides in at the top of the screen, shows the caller, and slides out after a delay or a
 /// click. At most one is open. Distances in twips. An error ends the step and is not logged. User-interface
 /// thread.
 class SlidingCallerView : public CallerView, public CallerViewClicks {

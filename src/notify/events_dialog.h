@@ -40,7 +40,7 @@ struct SoundList {
   std::string selected;
 };
 
-/// The state of every control of the events dialog, under the controls' names.
+/// The state of every control of the events dialog, by the controls' names.
 struct EventChoices {
   bool chkPlayInCall = false;
   SoundList CmbPlayWhenCall;
@@ -60,7 +60,7 @@ inline constexpr std::int32_t kCloseSeconds[] = {10, 20, 30, 60};
 
 /// The rules of the events dialog: which sounds are played and whether the caller view opens when a call
 /// comes in and when it ends, and the library of sounds. A file operation that fails is not logged; the lists
-/// always show what the library has. User-interface thread.
+/// always show the actual library. User-interface thread.
 class EventsDialog {
  public:
   enum class Sounds { WhenCall, WhenMessage };

@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// The events dialog: sounds, and when the caller view opens. The engine decides; every control's object name
-/// is its name in this program. User-interface thread.
+/// The events dialog: sounds, and when the caller view opens. The engine decides; each control's object name
+/// is its member name. User-interface thread.
 class frmEvents : public QDialog {
   Q_OBJECT
 

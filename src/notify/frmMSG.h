@@ -51,8 +51,8 @@ class CommandTile : public QFrame {
 };
 
 /// The caller view's window: on top of all windows, centred at the upper edge of the screen that shows the
-/// main window, and never with the focus. The engine decides; every control's object name is its name in this
-/// program. User-interface thread.
+/// main window, and never with the focus. The engine decides; each control's object name is its member name.
+/// User-interface thread.
 class frmMSG : public QWidget, public CallerViewWindow {
   Q_OBJECT
 

@@ -14,8 +14,7 @@
 
 namespace orven {
 
-/// Edits a telephone line, a new one or one of the lines dialog. Bad input is explained below its field.
-/// User-interface thread.
+/// Edits a telephone line, new or existing. Bad input is explained below its field. User-interface thread.
 class frmLineEdit : public QDialog {
   Q_OBJECT
 

@@ -14,13 +14,13 @@
 
 namespace orven {
 
-/// A button that tests a telephone line, with the result beside it. While a test runs, the button stops it.
+/// A button that tests a telephone line, with the result next to it. While a test runs, the button stops it.
 /// User-interface thread.
 class frmLineTest : public QWidget {
   Q_OBJECT
 
  public:
-  /// `line` returns the line to test. It returns nothing when there is none, and may tell the person why.
+  /// `line` returns the line to test. It returns nothing when there is none, and may tell the user why.
   frmLineTest(LinesDialog& engine, std::function<std::optional<TelephoneLine>()> line, QWidget* parent);
   ~frmLineTest() override;
 

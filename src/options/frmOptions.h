@@ -17,12 +17,12 @@
 
 namespace orven {
 
-/// Property of a number's list: the text that it showed at first.
+/// Property of a number's list: the text that it showed initially.
 inline constexpr const char* kShownFirst = "shownFirst";
 
-/// The options dialog. It shows what the engine loads and passes on what a person does; each control's object
-/// name is its name in this program. Modal to the main window only, so that calls go on. It cannot be closed
-/// while messages are being moved. User-interface thread.
+/// The options dialog. It shows what the engine loads and passes on the user's input; each control's object
+/// name is its member name. Modal to the main window only, so that calls continue. It cannot be closed while
+/// messages are being moved. User-interface thread.
 class frmOptions : public QDialog, private OptionsView {
   Q_OBJECT
 

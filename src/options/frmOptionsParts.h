@@ -38,7 +38,7 @@ class frmOptionsGreetings : public QWidget {
 };
 
 /// Level meter of the current call, below the slider that sets the silence level. Both have the same scale,
-/// so that a person sees on which side of the handle the level is: grey is silence, green is heard.
+/// so that the user sees on which side of the handle the level is: grey is silence, green is sound.
 class SilenceMeter : public QWidget {
   Q_OBJECT
 

@@ -24,11 +24,12 @@ class LinesDialog {
     SystemLog& log;
     SettingsStore& store;
     Settings& settings;
-    /// Starts using the stored lines; false when a call delays it. Empty: they are used from the next start.
+    /// Starts to use the stored lines; false when a call delays it. Empty: they are used from the next start
+    /// on.
     std::function<bool()> use_changed;
   };
 
-  /// One line of the list, in words.
+  /// The texts of one row of the list.
   struct Row {
     std::string name, kind, address, state;
     bool operator==(const Row&) const = default;
@@ -48,16 +49,16 @@ class LinesDialog {
   const TelephoneLine& At(std::size_t index) const { return lines_.at(index).line; }
   Row RowAt(std::size_t index) const;
 
-  /// A new line with a name of its own.
+  /// A new line with an unused name.
   TelephoneLine NewLine() const;
 
   /// Why `line` cannot be added, or cannot replace the line at `index`; nothing when it can.
   std::optional<LineFault> Check(const TelephoneLine& line, std::optional<std::size_t> index) const;
 
-  /// Adds `line` or replaces the one at `index` by it. It must have passed Check.
+  /// Adds `line`, or replaces the line at `index`. It must have passed Check.
   void Put(const TelephoneLine& line, std::optional<std::size_t> index);
 
-  /// Removes the line at `index` after asking. False when the answer is no.
+  /// Removes the line at `index` after a confirmation. False when the user declined.
   bool Remove(std::size_t index);
 
   std::vector<SerialPortFound> SerialPorts() const { return parts_.lines.SerialPorts(); }
@@ -66,7 +67,7 @@ class LinesDialog {
   void Test(const TelephoneLine& line, TelephoneLines::TestDone done) const;
   void CancelTest() const { parts_.lines.CancelTest(); }
 
-  /// Stores the changes and uses them. False when storing failed; a box has told why.
+  /// Stores the changes and uses them. False when storing failed; a box has shown the reason.
   bool Ok();
 
  private:

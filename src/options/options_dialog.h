@@ -48,7 +48,7 @@ class GreetingPlayer {
   /// The library as it is now. The first greeting is selected when `selected` is missing.
   GreetingList Fill(const std::string& selected = {}) const;
 
-  /// A button: "Play", "Stop", "Add", "Delete". Changes the list where the library changes.
+  /// A button: "Play", "Stop", "Add", "Delete". Updates the list when the library changes.
   void ButtonClick(const std::string& key, GreetingList& list);
 
  private:
@@ -58,8 +58,8 @@ class GreetingPlayer {
   Parts parts_;
 };
 
-/// The state of every control of the options dialog, under the controls' names. Numbers are texts, because
-/// a person may type anything; Save checks them.
+/// The state of every control of the options dialog, by the controls' names. Numbers are texts, because the
+/// user may type anything; Save checks them.
 struct OptionChoices {
   std::string cmbSilenceSec;  ///< seconds
   bool chkDropIfSilnce = false;
@@ -96,7 +96,7 @@ inline constexpr std::int32_t kLoudestSilence = 100;
 /// Longest message in minutes whose seconds fit into 16 bits.
 inline constexpr std::int32_t kLongestMessage = 546;
 
-/// What changes in the open dialog without a person's action.
+/// What changes in the open dialog without the user's action.
 class OptionsView {
  public:
   virtual ~OptionsView() = default;
@@ -144,10 +144,10 @@ class OptionsDialog {
   /// The names of the telephony devices as they are now.
   std::vector<std::string> Devices() const;
 
-  /// The name of the device that is chosen by what is stored now.
+  /// The name of the device that the stored settings choose.
   std::string StoredDevice() const { return parts_.settings.ModemName; }
 
-  /// What a device can do, as labels with their values; the values are empty when there is no such device.
+  /// A device's capabilities, as labels with their values; the values are empty for an unknown device.
   std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
 
   /// Whether the line is open on another device. It stays open until it is turned off.

@@ -25,9 +25,9 @@ class AudioSource {
   /// on the device's own thread every 20 ms: must not wait, access a disk or call the device.
   virtual bool Read(std::span<std::int16_t> block) = 0;
 
-  /// The device has ended playing by itself (it was unplugged, its server died): Read will not be called
-  /// again. Called at most once, never after StopPlay or after Read returned false, on a thread of the
-  /// device or on the user-interface thread, with the same rules as Read.
+  /// The device has stopped by itself (it was unplugged, its server died): Read will not be called again.
+  /// Called at most once, never after StopPlay or after Read returned false, on a thread of the device or on
+  /// the user-interface thread, with the same rules as Read.
   virtual void Gone() {}
 };
 
@@ -53,8 +53,8 @@ class AudioDevice {
   /// Ends playing. After it returns, `Read` is not running and will not be called. Idempotent.
   virtual void StopPlay() = 0;
 
-  /// The playing source had only silence so far and now has its first samples, so the device need not wait
-  /// for its next block. Any thread; returns at once.
+  /// The playing source, silent so far, now has its first samples: the device need not wait for its next
+  /// block. Any thread; returns at once.
   virtual void SourceReady() {}
 
   /// Starts handing captured blocks to `sink` until StopRecord; same results as StartPlay.
@@ -64,8 +64,8 @@ class AudioDevice {
   virtual void StopRecord() = 0;
 };
 
-/// All wave devices by number. Sound cards have the numbers 0 to 999 (the setting `Sound`), lines
-/// the numbers from kFirstLineWaveDevice on, so the two never meet.
+/// All wave devices by number. Sound cards have the numbers 0 to 999 (the setting `Sound`), lines the numbers
+/// from kFirstLineWaveDevice on.
 class AudioDevices {
  public:
   virtual ~AudioDevices() = default;

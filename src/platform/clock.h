@@ -14,7 +14,7 @@ class Clock {
 
   virtual ~Clock() = default;
 
-  /// The monotonic clock: milliseconds since some fixed moment, unaffected by changes of the wall clock.
+  /// The monotonic clock: milliseconds since a fixed moment, unaffected by changes of the wall clock.
   virtual std::chrono::milliseconds Uptime() const = 0;
 
   /// The wall clock.

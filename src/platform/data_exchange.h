@@ -28,7 +28,7 @@ class DataExchange {
 
   virtual ~DataExchange() = default;
 
-  /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
+  /// The receiver of the events; it outlives the control's last event. nullptr: no receiver.
   virtual void SetEvents(DataExchangeEvents* events) = 0;
 
   /// True when the link is up. If a helper was started less than `seconds` ago and has not connected

@@ -19,18 +19,16 @@ struct FieldValue {
   std::string_view value;
 };
 
-/// The record database control (the program's `DataBase1`): records of text fields in insertion
-/// order, addressed by 1-based position through one current-record cursor. An update is a
-/// transaction: on return it is on the disk. Every operation throws RuntimeError when it
-/// fails; then the stored records are unchanged. User-interface thread.
+/// The record database control (the program's `DataBase1`): records of text fields in insertion order,
+/// addressed by 1-based position through one current-record cursor. An update is a durable transaction. Every
+/// operation throws RuntimeError when it fails; then the stored records are unchanged. User-interface thread.
 class DatabaseControl {
  public:
   virtual ~DatabaseControl() = default;
 
-  /// Opens the database file, creating it if it is missing. A file that is damaged or is not a
-  /// database is set aside under a dated name, and a new one is opened with the records that could be read,
-  /// in the same order and with the same identities. Then the returned text says so for the log, otherwise
-  /// it is empty.
+  /// Opens the database file, creating it if it is missing. A file that is damaged or is not a database is
+  /// renamed to a dated name, and a new one is opened with the records that could be read, in the same order
+  /// and with the same identities. The returned text says so, for the log; empty when the file was fine.
   virtual std::string Open(const std::string& path) = 0;
 
   /// Runs `query`; "Get *" gives all records with all fields. Throws 5 on any other text.
@@ -52,8 +50,8 @@ class DatabaseControl {
   /// Position of the record with that identity, 0 when there is none.
   virtual std::int32_t Locate(std::int64_t identity) = 0;
 
-  /// Identity of the newest record that is older than the one with `identity`, which may be deleted, and that
-  /// holds none of the values `unlike`; 0 when there is none. One query, no matter how many records it skips.
+  /// Identity of the newest record that is older than the one with `identity` (which may be deleted) and has
+  /// none of the values `unlike`; 0 when there is none. One query, no matter how many records it skips.
   /// Throws 9 for an unknown field.
   virtual std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) = 0;
 
@@ -65,20 +63,20 @@ class DatabaseControl {
   virtual void MoveFirst() = 0;
   virtual void MoveNext() = 0;
 
-  /// Begins a new record, all fields empty, stored by Update.
+  /// Starts a new record with empty fields; Update stores it.
   virtual void AddNew() = 0;
 
-  /// Begins changing the current record; throws 5 without one.
+  /// Starts to change the current record; throws 5 without one.
   virtual void Edit() = 0;
 
-  /// Sets a field of the record begun by AddNew or Edit; throws 5 without one, 9 for an unknown field.
+  /// Sets a field of the record that AddNew or Edit started; throws 5 without one, 9 for an unknown field.
   virtual void SetField(std::string_view field, std::string_view value) = 0;
   virtual void SetField(std::string_view field, std::int32_t value) = 0;
 
   /// A field of the record being added or edited, else of the current record.
   virtual std::string GetField(std::string_view field) = 0;
 
-  /// Stores the record begun by AddNew (it becomes the last and current one) or Edit.
+  /// Stores the record that AddNew (it becomes the last and current one) or Edit started.
   virtual void Update() = 0;
 
   /// Removes the current record; there is no current record afterwards.

@@ -20,7 +20,8 @@ class Files {
 
   virtual bool Exists(const std::string& path) const = 0;
 
-  /// Opens (creating it if missing), appends, closes: on return the operating system has the text.
+  /// Opens (creating it if missing), appends, closes: on return the text is in the operating system's cache
+  /// at least.
   virtual void Append(const std::string& path, std::string_view text) = 0;
 
   /// The whole content.
@@ -30,8 +31,8 @@ class Files {
   virtual std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const = 0;
 
   /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in order: numbers in
-  /// them by value, without regard to case. In the pattern "*" stands for any run of characters, "?"
-  /// for one, case does not matter, and "*.*" matches every name.
+  /// them by value, without regard to case. In the pattern "*" matches any run of characters, "?" one
+  /// character, case does not matter, and "*.*" matches every name.
   virtual std::vector<std::string> List(const std::string& folder, std::string_view pattern) const = 0;
 
   virtual std::chrono::system_clock::time_point LastModified(const std::string& path) const = 0;

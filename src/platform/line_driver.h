@@ -32,10 +32,10 @@ class LineDriverEvents {
   /// The remote party (or the network) ended an answered call. Not raised after our own Drop, nor for
   /// a call that was never answered.
   virtual void Disconnected(CallNumber call) = 0;
-  /// The call is gone. Exactly once for each Offered, as its last event; the driver then accepts the
-  /// next call.
+  /// The call is over. Exactly once for each Offered, as its last event; the driver then accepts the next
+  /// call.
   virtual void Idle(CallNumber call) = 0;
-  /// Something is wrong with the device itself, in one sentence for the user; empty: it works again.
+  /// A fault of the device itself, as one sentence for the user; empty: it works again.
   virtual void Trouble(const std::string& /*text*/) {}
 };
 

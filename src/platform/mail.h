@@ -27,7 +27,7 @@ class MailControl {
  public:
   virtual ~MailControl() = default;
 
-  /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
+  /// The receiver of the events; it outlives the control's last event. nullptr: no receiver.
   virtual void SetEvents(MailEvents* events) = 0;
 
   /// Sends one mail with the file at `attachment` attached through the SMTP server `server` ("name",

@@ -70,7 +70,7 @@ class TelephoneLines {
   virtual Configured Read() = 0;
 
   /// Replaces the lines of the latest Read by `lines`, all or none; only the owner can read the passwords.
-  /// What Read does not understand is kept. Throws RuntimeError when writing fails or another program
+  /// Text that Read does not understand is kept. Throws RuntimeError when writing fails or another program
   /// has changed the stored lines since Read.
   virtual void Store(const std::vector<TelephoneLine>& lines) = 0;
 

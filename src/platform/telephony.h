@@ -35,12 +35,11 @@ enum TelephonyResult : std::int32_t {
   kTelephonyNoDevices = -7,     ///< no line is configured
 };
 
-/// Events of the telephony control; `line` is the device index. Events arrive on the
-/// user-interface thread one at a time, for each call in this order: InCommingCall first; Ring and
-/// CallerID in any number until the call is answered or gone (a late CallerID may follow); Proc for
-/// each request (for a late answer it may follow the end of its call); Connected once when
-/// answered; MonitorDigit while connected and monitored; Disconnected when the remote party hung up an
-/// answered call; Idle exactly once, last.
+/// Events of the telephony control; `line` is the device index. Events arrive on the user-interface thread
+/// one at a time, for each call in this order: InCommingCall first; Ring and CallerID in any number until the
+/// call is answered or over (a late CallerID may follow); Proc for each request (for a late answer it may
+/// follow the end of its call); Connected once when answered; MonitorDigit while connected and monitored;
+/// Disconnected when the remote party hung up an answered call; Idle exactly once, last.
 class TelephonyEvents {
  public:
   virtual ~TelephonyEvents() = default;
@@ -57,8 +56,8 @@ class TelephonyEvents {
   /// Texts are valid UTF-8 without control characters and without double quotes. What the network did
   /// not send is "UNKNOWN"; if it sent nothing about the caller, there is no event.
   virtual void CallerID(std::int32_t line, const std::string& name, const std::string& number) = 0;
-  /// Something is wrong with an open line's device, in one sentence for the user; empty: it works again.
-  /// At any time, also without a call.
+  /// A fault of an open line's device, as one sentence for the user; empty: it works again. At any time, also
+  /// without a call.
   virtual void Trouble(std::int32_t /*line*/, const std::string& /*text*/) {}
 };
 
@@ -68,7 +67,7 @@ class TelephonyControl {
  public:
   virtual ~TelephonyControl() = default;
 
-  /// Who is told; nullptr tells nobody.
+  /// The receiver of the events; nullptr: no receiver.
   virtual void SetEvents(TelephonyEvents* events) = 0;
 
   /// Finds the devices. kTelephonyNoDevices when there are none.
@@ -108,7 +107,7 @@ class TelephonyControl {
   virtual std::int32_t GetWaveDeviceId(std::int32_t index, std::int32_t direction = 0) const = 0;
 
   /// The greeting starts (true) or has ended (false). Devices that detect digits less reliably while they
-  /// play may be more sensitive meanwhile.
+  /// play may raise their sensitivity during it.
   virtual void SetGreetingPhase(std::int32_t index, bool on) = 0;
 };
 

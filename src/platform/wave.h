@@ -53,11 +53,11 @@ class WaveControl {
  public:
   virtual ~WaveControl() = default;
 
-  /// Who is told; the owner outlives the control's last event. nullptr tells nobody.
+  /// The receiver of the events; it outlives the control's last event. nullptr: no receiver.
   virtual void SetEvents(WaveEvents* events) = 0;
 
   /// True: a recording is written to disk while it is made, in the folder of SetRecordFolder, so that a crash
-  /// loses at most the last second. False (the initial state): it is kept in memory until it ends.
+  /// loses at most the last second. False (the initial state): it stays in memory until it ends.
   virtual void SetRecordToDisk(bool on) = 0;
 
   /// Folder in which a recording grows while it is made; normally the messages folder, so that
@@ -88,7 +88,7 @@ class WaveControl {
   /// and on a line also from the first file played there until StopPlay; else 0.
   virtual std::int32_t InputLevel() const = 0;
 
-  /// Starts playing the captured audio live on wave device `device`.
+  /// Starts to play the captured audio live on wave device `device`.
   virtual std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) = 0;
 
   /// Ends the live play; also succeeds when there was none.
@@ -120,7 +120,7 @@ class WaveControl {
   virtual double FileLength(const std::string& path) const = 0;
 };
 
-/// The waveform of a sound file: the peak of each of many equal sections, from its start.
+/// The waveform of an audio file: the peak of each of many sections of equal length.
 struct Waveform {
   std::vector<float> peaks;  ///< 0 (silence) to 1 (full scale); empty when there is nothing to show
   std::chrono::milliseconds length{0};

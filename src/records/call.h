@@ -11,26 +11,25 @@ namespace orven {
 /// "Type" of a call that left no message.
 inline constexpr const char* kNoMessageType = "-1";
 
-/// Caller name and number while the network has not told them.
+/// Caller name and number when the network has not sent them.
 inline constexpr const char* kUnknownCaller = "UNKNOWN";
 
 /// How far the filing of a call has come, for the start after a crash.
 struct CallTrail {
   std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
-  std::string growing_folder;  ///< where its recording was begun; empty: it was not
+  std::string growing_folder;  ///< where its recording was started; empty: it was not
   std::string growing_name;    ///< what its recording is known by there, or the file's own name
-  std::string storing_path;    ///< where its recording was about to be put, a path that was free then
+  std::string storing_path;    ///< the path chosen for its recording, which was free then
   /// Identity of the newest record before this call was offered, then before it was about to be filed (0: no
   /// record); nothing while that is not known.
   std::optional<std::int64_t> filed_after;
-  /// Identity of its record while that is without a message which may still come.
+  /// Identity of its record while that lacks a message which may still be added.
   std::optional<std::int64_t> record;
-  /// Its message is out of reach for now: the recovery completes the record later, and tells the journal
-  /// then.
+  /// Its message cannot be reached now: the recovery completes the record later and marks the call done then.
   bool message_due = false;
 };
 
-/// Everything known of the current call. One call at a time; a new one replaces it whole.
+/// Everything known about the current call. One call at a time; a new one replaces it whole.
 struct Call {
   /// A call that was just offered. `serial` is different for every call of this process.
   static Call Offered(std::uint32_t serial, std::string date, std::string time,

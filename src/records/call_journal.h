@@ -19,37 +19,37 @@
 namespace orven {
 
 /// Remembers on disk the calls that are not filed yet, so that a crash loses none: `Call.journal` in the
-/// application folder. Each step of a call adds one line that tells all of the call; the last line of a call
-/// counts. The file goes when every call in it is done. It is handed to the system, not synced: it outlives
-/// the program's end, however sudden, and costs a call no wait for the disk. A step that cannot be written is
-/// logged, the first of several in a row. User-interface thread.
+/// application folder. Each step of a call appends one line with the whole state of the call; the last line
+/// of a call counts. The file is deleted when every call in it is done. It is not synced: that survives a
+/// crash of the program, and a call never waits for the disk. A step that cannot be written is logged; of
+/// several in a row, only the first. User-interface thread.
 class CallJournal {
  public:
   CallJournal(Files& files, SystemLog& log, const SharedOptions& shared)
       : files_(files), log_(log), shared_(shared) {}
 
-  /// Identity of the newest record (0: there is none): calls that begin from now on come after it.
+  /// Identity of the newest record (0: there is none): it precedes all calls from now on.
   void SetNewestRecord(std::int64_t identity) { newest_record_ = identity; }
 
-  /// Begins to remember a call.
+  /// Adds a call.
   void Begin(Call& call);
 
-  /// Where the call stands now; nothing is written for a call that was not begun or is done.
+  /// Writes the call's present state; does nothing for a call that was not added or is done.
   void Note(const Call& call);
 
-  /// The call is filed, or is not to be filed. It stays in the journal while its mail is asked for.
+  /// The call is filed, or is not to be filed. It stays in the journal while its mail is due.
   void Done(const Call& call);
 
-  /// Whether the call was begun and is not done.
+  /// Whether the call was added and is not done.
   bool IsOpen(const Call& call) const { return open_.contains(call.trail.entry); }
 
-  /// Whether the recording is that of a call which is not done.
+  /// Whether the recording belongs to a call that is not done.
   bool Claims(const GrownRecording& grown) const;
 
-  /// A mail about the call is asked for.
+  /// A mail about the call is due.
   void AskForMail(const Call& call);
 
-  /// That mail is on its way, or is not wanted any more.
+  /// That mail was passed to the mail control, or is no longer wanted.
   void MailHandedOver(const Call& call);
 
   /// The calls that wait only for their mail; the listener is called for each new one.
@@ -71,7 +71,7 @@ class CallJournal {
   const SharedOptions& shared_;
   std::uint32_t last_ = 0;                       ///< number of the newest entry
   std::map<std::uint32_t, std::string> open_;    ///< entries that are not done, and their recordings
-  std::set<std::uint32_t> mail_asked_;           ///< those of them whose mail is asked for
+  std::set<std::uint32_t> mail_asked_;           ///< those of them whose mail is due
   std::map<std::uint32_t, Call> awaiting_mail_;  ///< those of them that are done but for it
   std::function<void()> awaits_mail_ = [] {};
   std::optional<std::int64_t> newest_record_;

@@ -13,7 +13,7 @@
 
 namespace orven {
 
-/// Small-icon indexes of the call list; they also tell a row's state.
+/// Small-icon indexes of the call list; they also encode a row's state.
 enum CallIcon : std::int32_t {
   kUnreadMessage = 1,
   kUnreadNoMessage = 2,
@@ -52,17 +52,17 @@ class CallListView {
 
   /// The list has `count` rows, perhaps all different from before.
   virtual void ShowRowCount(std::int32_t count) = 0;
-  /// `count` rows came in above all others; what a person looks at stays in sight.
+  /// `count` rows were inserted at the top; the visible rows stay visible.
   virtual void ShowRowsInserted(std::int32_t count) = 0;
   virtual void ShowRowRemoved(std::int32_t index) = 0;
   /// What the rows show may have changed.
   virtual void ShowRowsChanged() = 0;
   virtual void ShowIcon(std::int32_t index, CallIcon icon) = 0;
 
-  /// The call that a person sees in a row; no call where there is none.
+  /// The call shown in a row; an empty one when none is.
   virtual CallRow ShownCall(std::int32_t index) const = 0;
 
-  /// Selects a row, 0 for none, without scrolling. Calls nothing back: a person did not choose it.
+  /// Selects a row, 0 for none, without scrolling and without a callback.
   virtual void ShowSelection(std::int32_t index) = 0;
   virtual void EnsureVisible(std::int32_t index) = 0;
 
@@ -94,22 +94,18 @@ class CallList {
   /// Empties the list without touching the records.
   void Clear();
 
-  /// Brings rows and counts in line with the records. The selection stays on its call; when that is
-  /// gone, on the row number it had, or on the last row when there are fewer. Without a selection the
-  /// newest call is selected.
+  /// Updates rows and counts from the records. The selection stays on its call; if that was removed, on its
+  /// row number, or on the last row when there are fewer. Without a selection the newest call is selected.
   void makeList();
 
-  /// The same when the records are not those that a person saw: another program has added, removed or
-  /// replaced some. It looks at their number, the newest call and the selected one. Before a command on a
-  /// row.
+  /// The same, but only if another program has added, removed or replaced records: it compares their number,
+  /// the newest call and the selected one. To be called before a command on a row.
   void FollowRecords();
 
-  /// The same before a command that can do without a selected call: whether the one that was selected is
-  /// gone.
+  /// The same, before a command that works without a selection. True if the selected call was removed.
   bool SelectionLost();
 
-  /// The same before a command on the selected call: whether there is one, and still the one that was
-  /// selected.
+  /// The same, before a command on the selected call. True if it still exists.
   bool SelectionStands();
 
   std::int32_t Count() const { return total_; }
@@ -119,36 +115,35 @@ class CallList {
   /// The record behind a row.
   std::int32_t RecordNumber(std::int32_t index) const { return Count() - index + 1; }
 
-  /// Throws RuntimeError 9 when there is no such row; what the records throw.
+  /// Throws RuntimeError 9 for an unknown row, and what the records throw.
   CallRow Row(std::int32_t index) const;
 
   /// What identifies the call behind a row as long as it exists; throws as Row.
   std::int64_t Identity(std::int32_t index) const;
-  /// The row of that call, 0 when it is gone.
+  /// The row of that call, 0 when it was removed.
   std::int32_t RowOf(std::int64_t identity) const;
-  /// The same where the identity may be another call's by now. Throws what the records throw.
+  /// The same, but checks that the identity was not reused for another call. Throws what the records throw.
   std::int32_t RowOf(const CallRow& call) const;
 
   /// A place above all rows.
   static constexpr auto kTop = std::numeric_limits<std::int64_t>::max();
-  /// The first row with a message below the call `above` (its identity; it may be gone by now, or kTop), 0
-  /// when there is none. It takes no longer the further it is; throws what the records throw.
+  /// The first row with a message below the call `above` (its identity; it may have been removed, or kTop), 0
+  /// when there is none. The time does not depend on the distance; throws what the records throw.
   std::int32_t NextMessage(std::int64_t above) const;
 
   /// The selected row, 0 for none.
   std::int32_t Selected() const { return selected_; }
 
-  /// Selects a row and brings it into view; throws RuntimeError 9, leaving the selection, when there
-  /// is no such row.
+  /// Selects a row and scrolls to it; throws RuntimeError 9 for an unknown row and keeps the selection.
   void Select(std::int32_t index);
 
   /// A person has selected the row, or none (0), in the view, which shows it already.
   void FollowSelection(std::int32_t index);
 
-  /// Gives a row another icon and moves the new-call count by `new_calls` (never below 0).
+  /// Gives a row another icon and adds `new_calls` to the new-call count (never below 0).
   void Mark(std::int32_t index, CallIcon icon, std::int32_t new_calls);
 
-  /// The record behind the row has been deleted: the row goes. makeList follows.
+  /// The record behind the row was deleted: removes the row. makeList follows.
   void Remove(std::int32_t index);
 
  private:
@@ -167,7 +162,7 @@ class CallList {
   std::int32_t selected_ = 0;
   CallRow newest_;                           ///< row 1
   CallRow selected_call_;                    ///< the selected row
-  std::map<std::int32_t, CallIcon> marked_;  ///< rows whose icon is not what their record says
+  std::map<std::int32_t, CallIcon> marked_;  ///< rows whose icon differs from their record
 };
 
 }  // namespace orven

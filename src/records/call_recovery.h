@@ -26,10 +26,10 @@ namespace orven {
 inline constexpr const char* kRescueFolder = "\\Rescued";
 
 /// Files the calls that a crash interrupted, each with the recorded part of its message, and exactly once
-/// even if the program is killed again meanwhile. Runs at each start, when the records are open and before a
-/// message can be moved or recorded. What fails (a folder is missing or read-only, the records are not open)
-/// is tried again every few seconds. A call whose message cannot be reached is filed without it if such calls
-/// are listed; its record is completed later. User-interface thread.
+/// even if the program is killed during the recovery. Runs at each start, when the records are open and
+/// before a message can be moved or recorded. What fails (a folder is missing or read-only, the records are
+/// not open) is tried again every few seconds. A call whose message cannot be reached is filed without it if
+/// such calls are listed; its record is completed later. User-interface thread.
 ///
 /// A recording that belongs to no call in the journal completes the record with its name. Without such a
 /// record it becomes a call from an unknown caller at the time at which it began, so that no message is lost.
@@ -46,7 +46,7 @@ class CallRecovery {
     const SharedOptions& shared;
     /// Whether the call is to have a record.
     std::function<bool(const Call& call)> is_listed;
-    /// Files a call like one that ended normally, and tells the journal unless its message is due.
+    /// Files a call like one that ended normally, and marks it done in the journal unless its message is due.
     std::function<void(Call& call)> file;
     /// A record has changed.
     std::function<void()> show;
@@ -61,8 +61,8 @@ class CallRecovery {
   /// An interrupted call that is not done.
   struct Interrupted {
     Call call;
-    bool handed_over = false;  ///< to be filed; that may have to wait for room
-    bool told = false;         ///< the log has it
+    bool handed_over = false;  ///< passed on for filing, which may wait for disk space
+    bool told = false;         ///< it is in the log
   };
   enum class Message { kThere, kNone, kOutOfReach };
 
@@ -102,7 +102,7 @@ class CallRecovery {
   bool begun_ = false;
   bool again_ = false;  ///< failures are in the log already
   std::list<Interrupted> calls_;
-  std::vector<GrownRecording> strays_;  ///< that were there at the start
+  std::vector<GrownRecording> strays_;  ///< found at the start
   std::chrono::milliseconds strays_since_{0};
   GrownRecordings grown_;
   std::set<std::int64_t> taken_;     ///< records that belong to other recovered calls

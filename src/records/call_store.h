@@ -28,7 +28,7 @@ class MessagePlayer {
   virtual ~MessagePlayer() = default;
   virtual bool IsPlaying() const = 0;
   virtual void Stop() = 0;
-  /// Full path of the file that the player holds, playing or not; empty for none.
+  /// Full path of the loaded file, playing or not; empty for none.
   virtual std::string HeldFile() const = 0;
 };
 
@@ -50,23 +50,23 @@ class CallStore {
     CallJournal& journal;
     EventLoop& loop;
     Clock& clock;
-    const Call& current;  ///< the call that is up, or the latest
+    const Call& current;  ///< the current call, or the latest
   };
 
   CallStore(Ports ports, CallList& list, const SharedOptions& shared)
       : ports_(ports), list_(list), shared_(shared), tmrRoom_(ports.loop.MakeTimer([this] { TryAgain(); })) {}
 
-  /// Files the current call as the newest record and writes its line to the calls log. Sets the
-  /// call's type text; its message is moved when the messages folder was changed since it was
-  /// recorded. A call that cannot be filed now is kept and filed as soon as that can be, before any later
-  /// one, and so is a message that found no room. The caller rebuilds the list.
+  /// Files the current call as the newest record and writes its line to the calls log. Sets the call's type
+  /// text; its message is moved when the messages folder was changed since it was recorded. A call that
+  /// cannot be filed now is kept and filed as soon as possible, before any later one; a message that does not
+  /// fit on the disk is kept likewise. The caller rebuilds the list.
   void PutCallDetailsInDB(Call& call);
 
   /// The call is over and gets no record.
   void LeaveOut(Call& call) { ports_.journal.Done(call); }
 
-  /// Files the calls that could not be filed before, the oldest first, and messages that have found room
-  /// since. The log names the cause once. The caller rebuilds the list.
+  /// Retries the calls that could not be filed, the oldest first, and the messages that did not fit on the
+  /// disk. The cause is logged once. The caller rebuilds the list.
   void FileWaitingCalls();
 
   /// Marks the call behind a row read or unread, unless it is so already.
@@ -80,7 +80,7 @@ class CallStore {
   /// stay where they are.
   void ClearUpTo(std::int64_t newest);
 
-  /// Copies the file at `path` to where the person at the desk wants it, in the background.
+  /// Copies the file at `path` to a place that the user chooses, in the background.
   void SaveFile(const std::string& path);
   /// The same with the message file of this name.
   void SaveMessage(const std::string& name);
@@ -89,7 +89,7 @@ class CallStore {
   std::vector<std::string> MessageNames() const;
 
  private:
-  /// A call that is filed without its message, which waits for room on the disk.
+  /// A call that is filed without its message, which waits for disk space.
   struct Late {
     std::int64_t record;  ///< its identity
     Call call;
@@ -115,8 +115,8 @@ class CallStore {
   Ports ports_;
   CallList& list_;
   const SharedOptions& shared_;
-  std::deque<Call> waiting_;  ///< not filed yet, in the order in which they came
-  bool refused_ = false;      ///< the first of them, and the log tells why
+  std::deque<Call> waiting_;  ///< not filed yet, oldest first
+  bool refused_ = false;      ///< filing the first one failed, and the reason is logged
   std::vector<Late> late_;
   std::unique_ptr<Timer> tmrRoom_;  ///< runs while anything waits
 };

@@ -12,9 +12,9 @@
 
 namespace orven {
 
-/// What the recording of the message `message_file_name` is known by while it grows: the message's name
-/// without its ending, "~" and the fraction of the second now. Calls of one second, also of other programs
-/// that share the folder, have names of their own.
+/// The name of the recording of the message `message_file_name` while it grows: the message's name without
+/// extension, "~" and the fraction of the current second. So calls within one second have different names,
+/// also those of other programs that share the folder.
 std::string RecordingName(const std::string& message_file_name, const Clock& clock);
 
 /// A file that a recording grows in, ".recording-<name>-<process>-<n>.wav.part".
@@ -23,11 +23,11 @@ struct GrownRecording {
   std::string file;
 
   std::string Path() const { return folder + file; }
-  /// What the recording was known by; empty when it had no name.
+  /// The recording's name; empty when it had none.
   std::string Name() const;
-  /// Name of the message that it was to become, without ending; empty when it had no name.
+  /// Name of the message that it was to become, without extension; empty when it had none.
   std::string MessageStem() const;
-  /// Whether `recording` means it: a recording's name or this file's.
+  /// Whether `recording` is its name, or the name of this file.
   bool Is(std::string_view recording) const { return recording == file || recording == Name(); }
 };
 
@@ -39,7 +39,7 @@ bool IsBeginning(const Files& files, const std::string& part, const std::string&
 /// header does not count; empty otherwise. Throws what reading throws.
 std::string WithAllAudio(const Files& files, const std::string& path);
 
-/// The growing files in a few folders, as they were at the latest look.
+/// The growing files in a few folders at the time of the latest Look.
 class GrownRecordings {
  public:
   /// Lists each of the folders once.
@@ -50,7 +50,7 @@ class GrownRecordings {
 
   std::vector<GrownRecording> All() const;
 
-  /// Those that `recording` means; none when it is empty.
+  /// Those for which Is(`recording`) holds; none when it is empty.
   std::vector<GrownRecording> Of(const std::string& recording) const;
 
  private:

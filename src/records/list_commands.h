@@ -33,8 +33,8 @@ class ListCommands {
 
   explicit ListCommands(Parts parts) : parts_(std::move(parts)) {}
 
-  /// Asks first when the setting `WornDelete` says so. A call that comes in while the question is
-  /// open changes nothing about which call is deleted.
+  /// Asks first when the setting `WornDelete` says so. A call that comes in while the question is open does
+  /// not change which call is deleted.
   void Delete();
 
   /// Deletes all records; asks first when the setting `WornClear` says so. A call that comes in while
@@ -52,11 +52,11 @@ class ListCommands {
   void Last();
 
   /// Stops a playing message and goes one row up or down, marking it read. At the end of the list, or when
-  /// the selected call is gone, it stops only. Without a selection Next leads to the first row.
+  /// the selected call was removed, it only stops. Without a selection Next leads to the first row.
   void Back();
   void Next();
 
-  /// A row was clicked. One without a message is thereby read.
+  /// A row was clicked. A call without a message is marked read.
   void ListView1_Click(std::int32_t row);
 
   /// The selection was moved by the keyboard: nothing is marked.

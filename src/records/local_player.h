@@ -22,17 +22,16 @@ class PlayerView {
  public:
   virtual ~PlayerView() = default;
 
-  /// The slider `Slider1`. Setting it calls nothing back, and a slider that a person holds stays where
-  /// it is held.
+  /// The slider `Slider1`. Setting it causes no callback, and has no effect while the user drags it.
   virtual void SetSliderRange(std::int32_t first, std::int32_t last) = 0;
   virtual void EnableSlider(bool on) = 0;
   virtual void ShowSlider(std::int32_t value) = 0;
 
-  /// The picture of the selected message, without peaks for none.
+  /// The selected message's waveform; without peaks for none.
   virtual void ShowWaveform(const Waveform& waveform) = 0;
 
-  /// How far the message has been played, for the picture and the clock beside it. Both 0 when
-  /// nothing plays.
+  /// How far the message has been played, for the waveform and the times next to it. Both 0 when nothing
+  /// plays.
   virtual void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) = 0;
 };
 
@@ -50,7 +49,7 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
     WaveformReader& waveforms;
     PlayerView& view;
     SystemLog& log;
-    /// The list's selection must not be moved; the status bar says so then.
+    /// Whether the list's selection must not move; if so, shows that in the status bar.
     std::function<bool()> blocked;
   };
 
@@ -63,25 +62,25 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
 
   /// Plays the message of the selected row (without a selection: the first), or the next one below. Rows
   /// without a message are marked read and skipped, a few at a time so that other events run in between. Does
-  /// nothing while `blocked`. If the selected call is gone, stops what plays.
+  /// nothing while `blocked`. If the selected call was removed, stops playing.
   void Play();
 
   /// The button "Stop": stops a message; slider, timer and playing flag are reset in any case.
   void PressStop();
 
-  /// Resets slider, timer and playing flag, as at a new selection. What plays goes on.
+  /// Resets slider, timer and playing flag, for a new selection. Playing continues.
   void Reset();
 
-  /// A person moved the slider: the message goes on from there.
+  /// The user moved the slider: playing continues from there.
   void SeekTo(std::int32_t slider_value);
 
-  /// A person pointed at this part (0 to 1) of the picture.
+  /// The user clicked on this part (0 to 1) of the waveform.
   void SeekToPart(double part);
 
-  /// Another row is selected, or its message has changed: shows its picture.
+  /// Another row is selected, or its message has changed: shows its waveform.
   void ShowSelected();
 
-  /// The playing flag: a message was started, and neither ended nor stopped.
+  /// The playing flag: a message was started and has neither ended nor been stopped.
   bool Playing() const { return playing_; }
 
   bool IsPlaying() const override { return ports_.WavePlay.IsPlaying(); }
@@ -107,8 +106,8 @@ class LocalPlayer : public MessagePlayer, public WaveEvents {
   bool playing_ = false;
   std::string held_file_;
   std::chrono::milliseconds length_{0};  ///< of the held file
-  std::string pictured_file_;            ///< whose picture is shown or being made
-  std::uint32_t search_ = 0;             ///< counts the searches: an older one ends
+  std::string pictured_file_;            ///< whose waveform is shown or being read
+  std::uint32_t search_ = 0;             ///< counts the searches, so that an older one ends
   Lifeline lifeline_;
 };
 

@@ -10,7 +10,7 @@
 
 namespace orven {
 
-/// The first of these paths at which there is a file; the first of all when there is none. Any thread.
+/// The first of these paths at which a file exists; the first path when none does. Any thread.
 std::string FirstThere(const Files& files, const std::vector<std::string>& paths);
 
 /// Whether two files are the same byte by byte; throws what reading throws. Any thread.
@@ -31,10 +31,10 @@ class MessageFolders {
   const std::string& Next() const { return next_; }
   void SetNext(const std::string& folder) { next_ = folder; }
 
-  /// The path of the message file of this name as it is now.
+  /// The current path of the message file of this name.
   std::string PathOf(const std::string& name) const { return FirstThere(files_, PlacesOf(name)); }
 
-  /// Every path that it can have, for work that runs later.
+  /// All paths that it can have, for work that runs later.
   std::vector<std::string> PlacesOf(const std::string& name) const;
 
  private:
@@ -43,12 +43,12 @@ class MessageFolders {
   std::string next_;
 };
 
-/// A path beside the message file `path` that no file has: its name, ".kept_" and the time now, as in
-/// "12-31-2003_14-05-07.kept_12-31-2003_14-05-08.wav", with "_2", "_3" … behind it where that is taken, too.
+/// An unused path in the folder of the message file `path`: its name, ".kept_" and the time now, as in
+/// "12-31-2003_14-05-07.kept_12-31-2003_14-05-08.wav", followed by "_2", "_3" … if that exists, too.
 std::string FreeNameBeside(const Files& files, Clock& clock, const std::string& path);
 
-/// What the message file at `path` is called in the messages path `folder`, which it follows directly, also
-/// where that has no separator at its end; the file's name when it is not there.
+/// The name of the message file at `path` relative to the messages path `folder`, which it follows directly
+/// even without a separator at the end; the plain file name when it is not in that folder.
 std::string NameInFolder(const std::string& path, const std::string& folder);
 
 }  // namespace orven

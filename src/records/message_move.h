@@ -21,19 +21,19 @@
 
 namespace orven {
 
-/// How far a move of the messages has come.
+/// Progress of a move of the messages.
 struct RelocationProgress {
   std::size_t done = 0;
   std::size_t total = 0;
 };
 
 /// Moves the messages to another folder, one by one in the background, and stores that as the messages path.
-/// Nothing is overwritten, and every file is in exactly one of the two folders at any time a person can look,
-/// also after a failure; one that a killed program left in both is there once at the end. Before the first
-/// message moves, the new folder is stored beside the old one, and it stays there until the move is complete
-/// and stored: what is stored always tells where every message can be. A box and the log name the messages
-/// that stayed behind. A folder that cannot be written is refused with a box before anything moves. When this
-/// object is destroyed, the move stops after the current file. User-interface thread.
+/// Nothing is overwritten, and every file is in exactly one of the two folders, also after a failure; a
+/// duplicate left by a killed program is removed when the move continues. Before the first message moves, the
+/// new folder is stored in addition to the old one until the move is complete and stored: so the settings
+/// always name every folder that can have messages. A box and the log name the messages that stayed behind. A
+/// folder that cannot be written is refused with a box before anything moves. When this object is destroyed,
+/// the move stops after the current file. User-interface thread.
 class MessageMove {
  public:
   struct Parts {
@@ -55,14 +55,14 @@ class MessageMove {
   /// messages move.
   void Begin(const std::string& folder);
 
-  /// Continues a move that the program's end interrupted. If that fails, it waits for the next start.
+  /// Continues a move that the end of the program interrupted. If that fails, the next start tries again.
   void GoOn();
 
-  /// How far the move is; nothing when there is none.
+  /// The progress of the move; nothing when there is none.
   std::optional<RelocationProgress> Relocating() const;
 
  private:
-  /// A move that is under way. Folders end in a separator.
+  /// A move in progress. Folders end in a separator.
   struct Move {
     std::string from, to;
     std::set<std::string> known;      ///< every name that was ever waiting

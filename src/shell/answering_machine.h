@@ -100,14 +100,14 @@ class AnsweringMachine {
   CallRecovery recovery;
   CallSequence sequence;
 
-  /// What a greeting creator works with. `saved` is called with the name of the greeting that it saved, after
-  /// the program has made it the default.
+  /// The parts of a greeting creator. `saved` is called with the name of the saved greeting, after it has
+  /// become the default.
   GreetingCreator::Parts ForGreetingCreator(std::function<void(const std::string& name)> saved);
 
-  /// What the options dialog's greeting toolbar works with; `add` opens a greeting creator.
+  /// The parts of the options dialog's greeting toolbar; `add` opens a greeting creator.
   GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
 
-  /// What the options dialog works with.
+  /// The parts of the options dialog.
   OptionsDialog::Parts ForOptionsDialog();
 
  private:

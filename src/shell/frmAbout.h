@@ -7,7 +7,7 @@
 
 namespace orven {
 
-/// A library that the program is made with.
+/// A library that the program uses.
 struct Component {
   std::string name;
   std::string version;
@@ -15,8 +15,8 @@ struct Component {
   std::string purpose;
 };
 
-/// The about box: what this program is, its version and licence, and what it is made with. Modal to the
-/// main window only. User-interface thread.
+/// The about box: the program's purpose, version and licence, and the libraries it uses. Modal to the main
+/// window only. User-interface thread.
 class frmAbout : public QDialog {
   Q_OBJECT
 

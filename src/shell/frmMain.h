@@ -13,9 +13,9 @@
 
 namespace orven {
 
-/// The main window. It shows what the engine tells it and passes on what a person does; it decides
-/// nothing. Each control's object name is its name in this program ("Toolbar1", "ListView1"); toolbar
-/// buttons are named "<toolbar>.<key>". User-interface thread.
+/// The main window. It shows what the engine tells it and passes on the user's input; it decides nothing.
+/// Each control's object name is its member name ("Toolbar1", "ListView1"); toolbar buttons are named
+/// "<toolbar>.<key>". User-interface thread.
 class frmMain : public QMainWindow, public WholeMainWindow {
   Q_OBJECT
 
@@ -106,7 +106,7 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   MainMenus* menus_;
   MainWindow* engine_ = nullptr;
   bool line_on_ = false;
-  bool minimised_ = false;  ///< and only a person brings it back
+  bool minimised_ = false;  ///< only the user restores it
 };
 
 }  // namespace orven

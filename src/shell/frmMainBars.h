@@ -13,8 +13,8 @@
 
 namespace orven {
 
-/// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings, and
-/// whether messages are recorded. Only a person's choices emit its signals.
+/// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings, and whether
+/// messages are recorded. Only the user's choices emit its signals.
 class QuickOptionBar : public ButtonBar {
   Q_OBJECT
 

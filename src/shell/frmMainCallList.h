@@ -9,7 +9,7 @@
 
 namespace orven {
 
-/// The call list `ListView1`. Only a person's actions emit its signals; the methods below emit none. Row
+/// The call list `ListView1`. Only the user's actions emit its signals; the methods below emit none. Row
 /// indexes are 1-based.
 class CallListWidget : public QTableView {
   Q_OBJECT
@@ -38,7 +38,8 @@ class CallListWidget : public QTableView {
 
  signals:
   void Selected(int row);
-  /// A mouse button went down and the call below it is selected now. Not emitted when that was refused.
+  /// A mouse button went down and the call below it is selected now. Not emitted when the selection was
+  /// refused.
   void MouseDown();
   void DoubleClicked();
   void MenuWanted();

@@ -37,7 +37,7 @@ class CallModel : public QAbstractTableModel {
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-  /// What a row shows; no call without such a row.
+  /// The call shown in a row; an empty one for an unknown row.
   CallRow ShownCall(std::int32_t index) const;
 
   /// The row's texts on one line, for the clipboard.

@@ -18,7 +18,7 @@ class MainMenus : public QObject {
   Q_OBJECT
 
  public:
-  /// The keys that play, delete and move work only in `list`.
+  /// The shortcuts that play, delete and move work only in `list`.
   MainMenus(QMainWindow& window, QWidget& list);
 
   /// Connects the commands. A command that has a toolbar button presses the button.
@@ -49,8 +49,8 @@ class MainMenus : public QObject {
   QMenu* systry_ = nullptr;
 };
 
-/// Gives each action of a menu an accelerator of its own, unless it has one: the first free initial of its
-/// words, else any free letter. Texts may be in any language.
+/// Gives each action of a menu a unique accelerator, unless it has one: the first free initial of its words,
+/// else any free letter. Texts may be in any language.
 void AssignMnemonics(const QList<QAction*>& actions);
 
 }  // namespace orven

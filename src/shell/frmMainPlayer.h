@@ -19,13 +19,13 @@ class SeekSlider : public QSlider {
  public:
   explicit SeekSlider(QWidget* parent);
 
-  /// Shows a position, unless a person is dragging the slider.
+  /// Shows a position, unless the user is dragging the slider.
   void ShowValue(int value);
   /// Disabling also ends a drag.
   void Enable(bool on);
 
  signals:
-  /// A person seeks to `value`.
+  /// The user seeks to `value`.
   void Sought(int value);
 
  protected:
@@ -36,7 +36,7 @@ class SeekSlider : public QSlider {
   bool IsOnHandle(QPoint point) const;
 };
 
-/// The message player: `ToolBarPlayer`, the waveform above `Slider1`, and the times beside them.
+/// The message player: `ToolBarPlayer`, the waveform above `Slider1`, and the times next to them.
 class PlayerPanel : public QWidget {
   Q_OBJECT
 

@@ -31,8 +31,7 @@ class DialogFactory {
   virtual void Open(Dialog dialog, int tab) = 0;
 };
 
-/// Stores what a person chooses on the quick-option toolbar; the next step of a call uses it. User-interface
-/// thread.
+/// Stores the choices on the quick-option toolbar; the next step of a call uses them. User-interface thread.
 class QuickOptions {
  public:
   QuickOptions(SettingsStore& store, SystemLog& log, Settings& settings, SharedOptions& shared)
@@ -41,7 +40,7 @@ class QuickOptions {
   /// `chkRecMessage` was clicked.
   void SetRecordMessage(bool on);
 
-  /// A ring count was chosen in `cmbRings`; a text that is no number is logged and changes nothing.
+  /// A ring count was chosen in `cmbRings`; a text that is not a number is logged and changes nothing.
   void SetRings(const std::string& text);
 
   /// A greeting was chosen in `cmbDefGreet`.
@@ -64,8 +63,8 @@ class GreetingCommands {
   /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
   void Fill(const std::string& selected);
 
-  /// Plays the file whose name is exactly the text in `cmbDefGreet`. Greeting files also have ".wav", so
-  /// there usually is no such file; the status bar then says where greetings can be played.
+  /// Plays the file whose name is exactly the text in `cmbDefGreet`. Greeting files also have ".wav", so the
+  /// file usually does not exist; the status bar then says where greetings can be played.
   void Play();
 
   /// Stops what the sound card plays.
@@ -125,7 +124,7 @@ class MainCommands {
   void OpenDialog(Dialog dialog, int tab = 0);
   bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
 
-  /// Opens a page of the guide in the desktop's browser; a box tells when there is none.
+  /// Opens a page of the guide in the desktop's browser; a box says so when it does not exist.
   void ShowPage(const std::string& page);
 
  private:

@@ -12,7 +12,7 @@
 namespace orven {
 
 /// The engine half of the main window `frmMain`: its Load handler, start-up step, Unload handler, exit
-/// commands, and what the tray does to it. User-interface thread.
+/// commands, and its reactions to the tray. User-interface thread.
 class MainWindow : public MainWindowStart, private TrayOwner {
  public:
   /// `end_process` ends the program; it is called once, after everything has been closed.
@@ -43,14 +43,15 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   /// as the X coordinate of a mouse move, in twips.
   void TrayMouseMove(double x, double twips_per_pixel);
 
-  /// A person has restored the window without the tray, because it was only minimised.
+  /// The user has restored the window without the tray, because it was only minimised.
   void CameBack();
 
   /// The window became active or inactive. An empty list is read again, because another program may have
   /// added calls; other lists stay as they are, so that no row moves under the mouse.
   void ActivationChanged();
 
-  /// Posted: shows the records that are left, and a message box about what happened to records or settings.
+  /// Runs as a posted task: shows the remaining records, and a message box about what happened to records or
+  /// settings.
   void TellOfLoss(const std::string& text);
 
   /// `Check1` was clicked.
@@ -88,7 +89,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
   std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
   Lifeline lifeline_;
-  bool tray_missed_ = false;  ///< there was no notification area at the last check
+  bool tray_missed_ = false;  ///< the last check found no notification area
   bool loaded_ = false;
   bool exiting_ = false;
   bool ended_ = false;

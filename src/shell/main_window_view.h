@@ -13,7 +13,7 @@
 
 namespace orven {
 
-/// The boxes of the quick-option toolbar. Filling or selecting through these calls nothing back.
+/// The boxes of the quick-option toolbar. Filling or selecting through these causes no callback.
 class QuickOptionBoxes {
  public:
   virtual ~QuickOptionBoxes() = default;
@@ -40,7 +40,7 @@ class WindowFrame : public PlacedWindow {
   /// Shows or hides the whole toolbar `TBQuickOption`.
   virtual void ShowQuickToolbar(bool on) noexcept = 0;
 
-  /// `Check1`: the list shows grid lines. Setting it calls nothing back.
+  /// `Check1`: the list shows grid lines. Setting it causes no callback.
   virtual bool GridLines() const noexcept = 0;
   virtual void SetGridLines(bool on) noexcept = 0;
   /// Sets those extended style bits of the call list that are in `mask` to the ones in `style`:
@@ -52,7 +52,7 @@ class WindowFrame : public PlacedWindow {
   virtual void Show() noexcept = 0;
   virtual void Hide() noexcept = 0;
   virtual void Minimise() noexcept = 0;
-  /// Window state normal, shown, in front of the others.
+  /// Shows the window in its normal state, in front of the others.
   virtual void Restore() noexcept = 0;
 
   /// Pops up `mnuSystry` where the mouse is.

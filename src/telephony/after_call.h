@@ -10,7 +10,7 @@
 
 namespace orven {
 
-/// What a call sets off apart from the telephone.
+/// What a call triggers apart from the telephone.
 struct CallEffects {
   CallerView& caller_view;
   EventSounds& sounds;
@@ -35,13 +35,13 @@ class AfterCall {
   /// A call is offered: ring sound and caller view.
   void Announce(const Call& call);
 
-  /// A call is over and was not the owner's: tray, record, sound, caller view, actions.
+  /// A call from anyone but the owner is over: tray, record, sound, caller view, actions.
   void Finish(Call& call);
 
   /// Whether the settings want a record of the call.
   bool IsListed(const Call& call) const { return settings_.ListMessageOnly == 0 || call.message_left; }
 
-  /// The part of Finish that makes the record, where one is wanted.
+  /// The part of Finish that makes the record, if one is wanted.
   void File(Call& call);
 
   /// Sends the mails of calls that an earlier run filed or was about to file, but did not mail before it was

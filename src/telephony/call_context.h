@@ -13,7 +13,7 @@
 
 namespace orven {
 
-/// Where the line's one call stands.
+/// The state of the line's one call.
 enum class CallState {
   Idle,       ///< monitoring, no call
   Offered,    ///< ringing
@@ -21,7 +21,7 @@ enum class CallState {
   Greeting,
   Beep,
   Recording,
-  Recorded,       ///< the longest message was taken, the caller is still there
+  Recorded,       ///< the message has reached its longest length, the caller is still there
   Administrator,  ///< the caller keyed the password
   Disconnected,   ///< the caller hung up
 };
@@ -44,8 +44,8 @@ class CallProgress {
 /// Whether a call can go from one state to the other.
 bool IsLegal(CallState from, CallState to);
 
-/// What the classes that carry one call share: the call itself, where it stands, the settings, the
-/// line and its two controls, the journal. Owned by the main window; none of them outlives it.
+/// Shared by the classes that handle the call: the call, its state, the settings, the line and its two
+/// controls, the journal. Owned by the main window; none of them outlives it.
 struct CallContext {
   TelephonyControl& Tapi1;
   WaveControl& Wave1;
@@ -63,11 +63,11 @@ struct CallContext {
   /// The call is answered and our side has not hung up yet.
   bool Connected() const { return Tapi1.IsCallConnected(Line()); }
 
-  /// The call goes to `next`. An impossible transition is made, too, and logged under `label`.
+  /// Moves the call to `next`; an impossible transition is made all the same, and logged under `label`.
   void Enter(CallState next, const char* label) const;
 };
 
-/// "[LineIndex:" + line + "]", as the step lines of the log have it.
+/// "[LineIndex:" + line + "]", as in the lines of the log.
 inline std::string LineTag(std::int32_t line) {
   return "[LineIndex:" + std::to_string(line) + "]";
 }

@@ -12,8 +12,8 @@ class CallControl {
  public:
   explicit CallControl(CallContext& context) : context_(context) {}
 
-  /// Answers when due: `force`, or the ring count has reached the setting and no answer is under way.
-  /// Nothing while a call is connected.
+  /// Answers if `force`, or if the ring count has reached the setting and no answer is in progress. Does
+  /// nothing while a call is connected.
   void AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force);
 
   /// An answer or a hang-up completed; `result` equals `request` on success.
@@ -26,11 +26,11 @@ class CallControl {
   /// up. What plays on the line ends. The main window's drop command.
   void DropInComeCall();
 
-  /// The person at the desk lets the offered call ring on: it is answered as the settings say.
+  /// The user lets the offered call ring on: it is answered according to the settings.
   void DoNothing();
 
  private:
-  /// Asks for the answer and remembers that it is under way.
+  /// Requests the answer and records that it is in progress.
   std::int32_t RequestAnswer();
   /// Ends what plays on the line, and the call.
   void HangUp() const;

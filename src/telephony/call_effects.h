@@ -24,11 +24,11 @@ class CallerView {
  public:
   virtual ~CallerView() = default;
   virtual bool IsOpen() const = 0;
-  /// Open, but on its way out.
+  /// Open, but sliding out.
   virtual bool IsClosing() const = 0;
-  /// Takes it away at once.
+  /// Closes it at once.
   virtual void Unload() = 0;
-  /// Opens it; nothing when it is open. `speed` in twips a tick, `seconds` until it closes by itself.
+  /// Opens it, unless it is open. `speed` in twips a tick, `seconds` until it closes by itself.
   virtual void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) = 0;
   /// Shows the commands for a ringing call.
   virtual void ShowControl() = 0;
@@ -38,7 +38,7 @@ class CallerView {
   virtual void HideControl() = 0;
   /// The call's state in a few words: "New Call".
   virtual void ShowMessage(const std::string& text) = 0;
-  /// How often it has rung: "Ring : 3".
+  /// The number of rings: "Ring : 3".
   virtual void ShowRing(const std::string& text) = 0;
   /// Name, number, date, time and message of the call.
   virtual void ShowCall(const Call& call) = 0;
@@ -59,7 +59,7 @@ class TrayBlinker {
   virtual void StartBlinking() = 0;
 };
 
-/// What the program does with a call that is over.
+/// The mail and the program that follow a call.
 class CallActions {
  public:
   virtual ~CallActions() = default;
@@ -67,8 +67,8 @@ class CallActions {
   virtual void DoActions(const std::string& kind, Call& call) = 0;
 };
 
-/// The first panel of the status bar. It counts the texts, so that a writer that clears its text later can
-/// see whether that text is still shown. User-interface thread.
+/// The first panel of the status bar. It counts the texts, so that a writer can check that its text is still
+/// shown before clearing it. User-interface thread.
 class StatusPanel : public LineView {
  public:
   explicit StatusPanel(LineView& view) : view_(view) {}

@@ -37,7 +37,7 @@ class LineManager {
   /// yet. False when there is none; then the line stays off.
   bool SelectModemDevice();
 
-  /// Says in a box that a device has to be chosen, and where; nothing while that box is open.
+  /// Shows a box that explains where to choose a device, unless that box is open.
   void TellToSelectDevice();
 
   /// Opens the line of a device; does nothing for a negative index or while a line is open. A failure (a port
@@ -45,31 +45,31 @@ class LineManager {
   /// reason is logged once.
   void OpenLine(std::int32_t index);
 
-  /// Releases the line that is open, whatever device is chosen by now; `index` when none is open.
+  /// Releases the open line, even if another device was chosen meanwhile; `index` when none is open.
   void CloseLine(std::int32_t index);
 
   /// Replaces the devices: `replace` does it, while no line is open. The chosen device is found again by its
-  /// name; if it is gone, the first usable one is chosen. The line is opened again if it was on, or if there
-  /// was no device. Only while there is no call.
+  /// name; if it no longer exists, the first usable one is chosen. The line is opened again if it was on, or
+  /// if there was no device. Only while there is no call.
   void ReplaceDevices(const std::function<void()>& replace);
 
   bool LineOn() const { return line_on_; }
 
-  /// Shows the on/off button as the line is.
+  /// Updates the on/off button.
   void ShowLine() { ports_.view.ShowLine(line_on_, tmrOpenLine_->Enabled()); }
 
-  /// Index of the open line; of the chosen device while none is open. Choosing another device in the
-  /// options must not turn a call that is up away from its own line.
+  /// Index of the open line, or of the chosen device while none is open: choosing another device in the
+  /// options must not take a call in progress off its line.
   std::int32_t CurrentIndex() const { return open_index_ >= 0 ? open_index_ : settings_.Modem; }
 
-  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; while its device is in
-  /// trouble, that instead.
+  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; while its device has a
+  /// fault, that instead.
   void ShowMonitoring();
 
-  /// What is wrong with the device of the line `index`; empty: it works again.
+  /// The fault of the device of line `index`; empty: it works again.
   void Trouble(std::int32_t index, const std::string& text);
 
-  /// Index of the first device that is called exactly so; -1 when none is.
+  /// Index of the first device with exactly this name; -1 when there is none.
   std::int32_t FindByName(const std::string& name) const;
 
  private:
@@ -83,7 +83,7 @@ class LineManager {
   SettingsStore& store_;
   Settings& settings_;
   bool line_on_ = false;
-  bool telling_ = false;  ///< that a device has to be chosen
+  bool telling_ = false;  ///< the box about choosing a device is open
   std::int32_t open_index_ = -1;
   std::string trouble_;  ///< of the open line
   std::string failure_;  ///< to open it, as the log has it

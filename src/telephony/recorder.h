@@ -28,7 +28,7 @@ class Recorder {
   /// A message is being recorded.
   bool Recording() const { return context_.Wave1.IsRecording() && !ports_.microphone.Recording(); }
 
-  /// A call was answered: the recorder is the line's from now on.
+  /// A call was answered: the line takes over the recorder.
   void MakeReady() { ports_.microphone.MakeWay(); }
 
   /// Starts recording the message of the current call; hangs up instead when recording is off or the
@@ -36,11 +36,11 @@ class Recorder {
   /// still connected then.
   void RecMessage();
 
-  /// Ends the recording and stores it in the messages folder under the call's message file name. If a file
-  /// has that name already (two calls of one second), the message gets another.
+  /// Ends the recording and stores it in the messages folder under the call's message file name. If that file
+  /// exists already (two calls within one second), the message gets another name.
   void StopRecMessage();
 
-  /// Stops both timers: the caller does not record.
+  /// Stops both timers: no message is recorded.
   void StopTimers();
 
   /// The call is over: ends a recording that still runs and both timers.

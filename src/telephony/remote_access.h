@@ -25,15 +25,15 @@ class RemoteAccess {
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
 
-  /// Plays the next message that the owner has not heard, also when the list's rows or its selection have
-  /// changed meanwhile. Hangs up after the last, and when none can be played.
+  /// Plays the next message that the owner has not heard, even if the list's rows or its selection have
+  /// changed meanwhile. Hangs up after the last one, or when none can be played.
   void PlayForAdmin();
 
  private:
   void EnterAdministratorMode(std::int32_t line);
   void NameUnfiledMessage(std::int32_t line);
   bool SelectNextMessage();  ///< false when there is none
-  bool PlaySelected();       ///< false when that cannot be
+  bool PlaySelected();       ///< false when it cannot be played
 
   CallContext& context_;
   CallControl& control_;

@@ -13,7 +13,7 @@ class ButtonBar : public QToolBar {
   Q_OBJECT
 
  public:
-  /// What one button is; `icon` is a Freedesktop icon name. Texts are translated already.
+  /// One button; `icon` is a Freedesktop icon name. Texts are translated already.
   struct Button {
     const char* key;
     QString caption;
@@ -21,7 +21,7 @@ class ButtonBar : public QToolBar {
     const char* icon;
   };
 
-  /// `name` is the object name, `title` the name that a person reads.
+  /// `name` is the object name, `title` the name shown to the user.
   ButtonBar(const QString& name, const QString& title, QWidget* parent);
 
   QToolButton* AddButton(const Button& button);

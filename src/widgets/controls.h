@@ -16,8 +16,8 @@ Object* MakeChild(Arguments&&... arguments) {
 /// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);
 
-/// A label for one line of text of any length. Text that does not fit is written smaller, then cut; the whole
-/// text is shown as a tool tip. text() is always the whole text.
+/// A label for one line of text of any length. Text that does not fit is shrunk, then elided; the whole text
+/// is shown as a tool tip. text() is always the whole text.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 

@@ -18,7 +18,7 @@ QPushButton* MakeButton(const char* name, const QString& caption, const char* ic
 /// A check box with this object name.
 QCheckBox* MakeCheckBox(const char* name, const QString& caption, QWidget* parent);
 
-/// The last row of a dialog.
+/// The row of buttons that closes a dialog.
 struct ClosingButtons {
   QHBoxLayout* row;
   QPushButton* cmdOK;      ///< pressed by Return; does nothing by itself

@@ -9,13 +9,13 @@ namespace orven {
 /// Chooses the installed icon theme for a light or a dark window. Existing icons follow by themselves.
 void UseIconTheme(const QPalette& palette);
 
-/// An icon of the theme, with its Freedesktop name; null when the theme has none.
+/// The theme's icon with this Freedesktop name; null when the theme lacks it.
 QIcon ThemeIcon(const char* name);
 
-/// One of the program's own pictures, which are linked in: "orven", "call-1" to "call-4".
+/// One of the pictures in the program's resources: "orven", "call-1" to "call-4".
 QIcon OwnPicture(const QString& name);
 
-/// The program's own icon.
+/// The program's icon.
 QIcon ProgramIcon();
 
 }  // namespace orven

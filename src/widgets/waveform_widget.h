@@ -25,7 +25,7 @@ class WaveformWidget : public QWidget {
   void SetInset(int pixels);
 
  signals:
-  /// A person seeks to this part of the message, 0 to 1.
+  /// The user seeks to this part of the message, 0 to 1.
   void Sought(double part);
 
  protected:
@@ -43,7 +43,7 @@ class WaveformWidget : public QWidget {
   Waveform waveform_;
   float loudest_ = 0;
   std::optional<double> played_;   ///< part that has been played
-  std::optional<double> pointed_;  ///< part that a person drags over
+  std::optional<double> pointed_;  ///< part under the dragged mouse
   int inset_ = 0;
 };
 

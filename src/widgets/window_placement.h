@@ -17,8 +17,8 @@ inline constexpr QSize kWindowFrame{8, 32};
 
 /// Where to show a window with this stored geometry, in pixels. A window that is fully visible there, on one
 /// screen or across several, stays. Any other is moved onto the screen that shows most of it, or the nearest
-/// one, and made no larger than that screen. It is never smaller than `least`. `screens` are the usable areas
-/// of the screens, the main one first. `stored` may hold any numbers.
+/// one, and shrunk to fit. It is never smaller than `least`. `screens` are the usable areas of the screens,
+/// the main one first. `stored` may hold any numbers.
 QRect FitOnScreens(const WindowGeometry& stored, QSize least, const QList<QRect>& screens);
 
 }  // namespace orven

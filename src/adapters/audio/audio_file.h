@@ -113,7 +113,7 @@ class FileSource : public AudioSource {
  public:
   /// Starts decoding at `start`, which is within the file. From 0, the first tenth of a second is decoded
   /// when this returns. `on_ended` is called on the device's thread when everything has been read or the
-  /// device is gone.
+  /// device has failed.
   FileSource(std::unique_ptr<TelephoneDecoder> decoder, std::chrono::milliseconds start,
              std::function<void()> on_ended);
 
@@ -121,7 +121,7 @@ class FileSource : public AudioSource {
   ~FileSource() override;
 
   /// Calls `on_ready` once when there is audio to read: now, or on the decoding thread, and never after
-  /// Cancel. It must return at once and call nothing here.
+  /// Cancel. It must return at once and not call this object.
   void WhenReady(std::function<void()> on_ready);
 
   /// Device's thread. When the disk is late, the block is silence and nothing is skipped. The last block of
@@ -132,7 +132,7 @@ class FileSource : public AudioSource {
   /// Ends the decoding thread without waiting for it. The device must have released the source.
   void Cancel();
 
-  /// The decoding thread ends. Any thread.
+  /// The decoding thread is done. Any thread.
   bool Finished() const { return decoded_all_.load(std::memory_order_acquire); }
 
   /// The place in the file up to which the device has read. Any thread.

@@ -30,7 +30,7 @@ class Retired {
   std::vector<std::unique_ptr<T>> objects_;
 };
 
-/// All wave devices of the program: the lines' and the sound cards'.
+/// All wave devices of the program: lines and sound cards.
 class AllAudioDevices : public AudioDevices {
  public:
   /// Both outlive this object.
@@ -68,8 +68,8 @@ class FileWaveControl : public WaveControl {
   void SetRecordName(const std::string& name) override { record_name_ = name; }
   std::int32_t QueryRecordFormat(std::int32_t device, std::int32_t mode, const WaveFormat& format) override;
 
-  /// Folders that cannot be written to are reported only when the recording is saved: until then what was
-  /// captured waits in memory.
+  /// Folders that cannot be written to are reported only when the recording is saved: until then the audio
+  /// stays in memory.
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_ != nullptr; }

@@ -59,8 +59,8 @@ std::int32_t SyncFolder(const std::string& folder);
 /// Whether a recording can be made in `format`: 16-bit PCM or 8-bit mu-law, mono, 8000 samples a second.
 bool IsRecordable(const WaveFormat& format);
 
-/// A recording as a WAV file in memory, complete and valid after each Append. It takes 58 MB an hour
-/// (mu-law: 29) and loses nothing, whatever happens to the disk meanwhile. One thread at a time.
+/// A recording as a WAV file in memory, complete and valid after each Append. It takes 58 MB an hour (mu-law:
+/// 29) and does not depend on the disk. One thread at a time.
 class WaveImage {
  public:
   /// `format` must be recordable.
@@ -106,8 +106,9 @@ class GrowingFile {
   GrowingFile(std::vector<std::string> folders, std::string name)
       : folders_(std::move(folders)), name_(std::move(name)) {}
 
-  /// Brings the file up to `image`, and creates it if it is missing. When no folder takes all of it, returns
-  /// the first failure; the file then holds an earlier state, and the next Update tries everything again.
+  /// Writes to the file what `image` has gained; creates the file if it is missing. When no folder takes all
+  /// of it, returns the first failure; the file then holds an earlier state, and the next Update tries
+  /// everything again.
   std::int32_t Update(const WaveImage& image);
 
   /// The file, or nullptr.

@@ -17,8 +17,8 @@ class PeakMeter : public AudioSink {
  public:
   void Write(std::span<const std::int16_t> block) override;
 
-  /// Peak of the last block in thousandths of full scale; 0 when none has come for a second: a
-  /// caller who sends nothing is silent. Any thread.
+  /// Peak of the last block in thousandths of full scale; 0 when none has arrived for a second: a caller who
+  /// sends nothing is silent. Any thread.
   std::int32_t Level() const;
 
  private:

@@ -51,11 +51,11 @@ class Recording : public AudioSink {
   /// As PeakMeter's.
   std::int32_t Level() const { return level_.Level(); }
 
-  /// Ends the recording and puts it at `path`, replacing an older file atomically. The file is complete on
-  /// return; if it grew on the same file system, it is synced afterwards on the recording's thread.
-  /// When that fails, the recording is kept under another name in the first folder that accepts it. While
-  /// none does, this is retried: at `path` if that name is free, else as before. Call it once, after the
-  /// device has released the sink.
+  /// Ends the recording and stores it at `path`, replacing an older file atomically. The file is complete on
+  /// return; if it grew on the same file system, it is synced afterwards on the recording's thread. When that
+  /// fails, the recording is kept under another name in the first folder that accepts it. While none does,
+  /// this is retried: at `path` if that name is free, else as before. Call it once, after the device has
+  /// released the sink.
   Saved SaveAs(const std::string& path);
 
   /// Saved or kept, and synced: nothing is left to do. Any thread.
@@ -85,7 +85,7 @@ class Recording : public AudioSink {
   std::condition_variable wake_;
   std::optional<WaveImage> image_;  ///< none once everything is done
   GrowingFile growing_;
-  std::string path_;                  ///< where it was to be put
+  std::string path_;                  ///< where it is to be stored
   std::shared_ptr<DiskFile> stored_;  ///< the file that holds the whole recording
   bool sync_failed_ = false;          ///< the file that growing_ or stored_ names may be incomplete
   bool ended_ = false;                ///< SaveAs was called, or never will be

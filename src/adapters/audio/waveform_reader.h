@@ -12,8 +12,8 @@
 
 namespace orven {
 
-/// Reads waveforms of all audio files that libsndfile reads, on a thread of its own. A request that is
-/// replaced or cancelled ends after the current piece of the file.
+/// Reads waveforms of all audio files that libsndfile reads, on its own thread. A request that is replaced or
+/// cancelled ends after the current piece of the file.
 class FileWaveformReader : public WaveformReader {
  public:
   /// Peaks of a waveform (fewer for a file with fewer samples): about the pixels of a wide window.

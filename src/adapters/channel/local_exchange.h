@@ -20,7 +20,7 @@ class PrivateSocket;
 /// MessageLink::kMostUnsent unread counts as lost.
 class LocalExchange final : public DataExchange {
  public:
-  /// `loop` outlives this object; events are raised by it.
+  /// `loop` outlives this object; it raises the events.
   explicit LocalExchange(EventLoop& loop);
 
   /// Ends the link as Close does; waits at most a second until everything is sent.
@@ -29,7 +29,7 @@ class LocalExchange final : public DataExchange {
   LocalExchange& operator=(const LocalExchange&) = delete;
 
   /// To be called just before a helper is started: closes the link and opens a socket for one new helper,
-  /// whose time counts from now. Returns the socket's path, a new one each time, for the helper's
+  /// whose time to connect counts from now. Returns the socket's path, a new one each time, for the helper's
   /// ExchangeClient. Throws RuntimeError 75 when no socket can be opened.
   std::string Listen();
 

@@ -15,7 +15,7 @@ namespace orven {
 /// Whether `text` may be sent over the link: UTF-8 of at most DataExchange::kLongestMessage bytes.
 bool IsMessage(std::string_view text);
 
-/// `message` as bytes of a stream: its length in bytes as four bytes, highest first, then the message.
+/// `message` framed for a stream: its length as four bytes, big-endian, then the message.
 std::string Framed(std::string_view message);
 
 /// Reassembles messages from a stream that arrives in pieces of any size.
@@ -26,8 +26,8 @@ class MessageReader {
   /// The next complete message. Nothing while there is none, and always after Broken.
   std::optional<std::string> Next();
 
-  /// The stream broke the rules with a message that is too long or not UTF-8. Next has returned what came
-  /// before it.
+  /// The stream violated the protocol with a message that is too long or not UTF-8. Next has returned the
+  /// messages before it.
   bool Broken() const { return broken_; }
 
  private:
@@ -61,8 +61,8 @@ class MessageLink {
 
   bool Up() const { return up_; }
 
-  /// Queues a message; never blocks. False when the link is down, goes down by this, or `text` is not a
-  /// message (IsMessage).
+  /// Queues a message; never blocks. False when the link is or goes down, or `text` is not a message
+  /// (IsMessage).
   bool Send(std::string_view text);
 
   /// Ends the link without calling the handlers. Queued messages are still sent, then the other end sees the

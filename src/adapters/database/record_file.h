@@ -17,20 +17,18 @@ struct RecordSchema {
   std::string counted = {};
 };
 
-/// Opens the database at `path` and makes it ready: created when absent, checked for damage, with
-/// `schema`'s table, to which missing columns are added; other tables and columns are left alone.
-/// A commit has reached the disk when it returns (write-ahead log, full synchronisation); MergeLog
-/// after each keeps the main file complete by itself, so that it can be copied or replaced alone. From a file
-/// that cannot be used, the records that can be read are carried over, with their row numbers, into a fresh
-/// one; it is set aside with its log files under a dated name, and `note` says so. Throws SqliteError or
-/// RuntimeError, nothing changed, when the file cannot be opened now (locked, no permission, no folder, no
-/// room for a fresh one).
+/// Opens the database at `path`: creates it if it is missing, checks it for damage, creates `schema`'s table
+/// and adds missing columns; other tables and columns stay. Commits are durable on return (write-ahead log,
+/// full synchronisation); MergeLog after each one keeps the main file complete by itself, so that it can be
+/// copied or replaced alone. A file that cannot be used is renamed, with its log files, to a dated name; the
+/// records that can be read are copied, with their row numbers, to a new file, and `note` says so. Throws
+/// SqliteError or RuntimeError, without any change, when the file cannot be opened now (locked, no
+/// permission, no folder, no room for a new file).
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
                                                  std::string& note);
 
-/// Sets a write-ahead log aside that was left at `path` when its file was moved or replaced: SQLite
-/// would write its pages over whatever file is there now. Gives the dated name, without "-wal"; empty
-/// when there was nothing in it.
+/// Renames the write-ahead log that was left at `path` when its file was moved or replaced: SQLite would
+/// write its pages into the new file. Returns the dated name, without "-wal"; empty for an empty log.
 std::string KeepStrayLog(const std::string& path);
 
 }  // namespace orven

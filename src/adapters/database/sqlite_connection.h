@@ -12,14 +12,14 @@
 
 namespace orven {
 
-/// A failure that SQLite reported: the classic number nearest to it, the file's path, SQLite's text.
+/// A failure that SQLite reported: the closest classic number, the file's path, SQLite's text.
 class SqliteError : public RuntimeError {
  public:
   /// `code` is SQLite's result, `system_error` the errno behind it or 0.
   SqliteError(int code, const std::string& path, const std::string& message, int system_error = 0);
 
-  /// The file is no database, is damaged or cut short, or its table is not one that can be used: trying
-  /// again does not help, a fresh file does.
+  /// The file is not a database, is damaged or truncated, or has an unusable table: trying again does not
+  /// help, a new file does.
   bool FileIsUseless() const;
 
  private:
@@ -29,8 +29,8 @@ class SqliteError : public RuntimeError {
 /// One open SQLite file. Failures throw SqliteError.
 class SqliteConnection {
  public:
-  /// Opens the file for writing, creating it if absent; a lock of another program is waited for
-  /// kLockPatience at most.
+  /// Opens the file for writing, creating it if it is missing; waits at most kLockPatience for another
+  /// program's lock.
   explicit SqliteConnection(const std::string& path);
 
   void Execute(const std::string& sql);
@@ -38,20 +38,20 @@ class SqliteConnection {
   /// The first column of the first row that `sql` gives, or an empty text.
   std::string Ask(const std::string& sql);
 
-  /// Whether the file that is open is no longer the one at its path.
+  /// Whether the open file is no longer the one at its path.
   bool HasMoved();
 
-  /// Reads from the image of a file instead, which outlives this connection.
+  /// Reads from the image of a file instead; the image outlives this connection.
   void Borrow(std::string& image);
 
-  /// Merges the write-ahead log into the main file and empties it, unless another program reads or
-  /// writes just now; the next time does it then.
+  /// Merges the write-ahead log into the main file and empties it, unless another program is reading or
+  /// writing; then the next call does it.
   void MergeLog();
 
   /// Leaves the write-ahead log as it is when the connection closes, instead of merging it.
   void KeepLogOnClose();
 
-  /// Rows that the latest statement changed.
+  /// Number of rows that the latest statement changed.
   int Changes() { return sqlite3_changes(handle_.get()); }
   std::int64_t LastRowId() { return sqlite3_last_insert_rowid(handle_.get()); }
 
@@ -78,7 +78,7 @@ class SqliteStatement {
   /// Runs to the next row; false when there is none.
   bool Step();
 
-  /// Back to before the first Step, for other parameters.
+  /// Returns to before the first Step, for other parameters.
   void Reset() { sqlite3_reset(statement_.get()); }
 
   /// Columns are numbered from 0. An absent value is an empty text.

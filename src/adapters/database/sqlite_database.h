@@ -16,19 +16,19 @@ namespace orven {
 /// Records in one table of an SQLite file, which any SQLite tool can read while it is in use. Row
 /// numbers (rowid) keep the order of insertion.
 ///
-/// A copy of the row numbers in memory finds a position at once; it is read again when another
-/// program changed the file. If the file is moved or deleted while it is open, the path is opened again. If
-/// it turns out to be damaged, it is repaired and the operation continues with the rows that could be read;
-/// an operation with a position throws instead, because other records may have that position now. When Open
+/// Positions are looked up in a copy of the row numbers in memory, which is read again when another program
+/// has changed the file. If the file is moved or deleted while it is open, the path is opened again. If it
+/// turns out to be damaged, it is repaired and the operation continues with the rows that could be read; an
+/// operation with a position throws instead, because other records may have that position now. When Open
 /// failed, AddNew, Query and RecordCount try again (the disk may be back), and all other operations throw 5.
-/// Moving drops a record that was begun but not updated. MoveFirst and MoveNext throw 9 where there is no
-/// such record; so does Update when the edited record is gone.
+/// Moving drops a record that was started but not updated. MoveFirst and MoveNext throw 9 at the end of the
+/// records; Update throws 9 when the edited record was deleted.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.
   using Report = std::function<void(const std::string&)>;
 
-  /// `loss` takes what `report` does about records that may be lost, after Open.
+  /// `loss` gets those of the reports after Open that are about records that may be lost.
   explicit SqliteDatabase(
       RecordSchema schema, Report report = [](const std::string&) {},
       Report loss = [](const std::string&) {});
@@ -58,7 +58,7 @@ class SqliteDatabase final : public DatabaseControl {
  private:
   using Fields = std::vector<std::string>;
 
-  /// A record begun by AddNew, or by Edit of row `row`.
+  /// A record started by AddNew, or by Edit of row `row`.
   struct Draft {
     Fields fields;
     std::optional<std::int64_t> row;
@@ -87,9 +87,9 @@ class SqliteDatabase final : public DatabaseControl {
   std::string path_;
   std::string failure_;  ///< why the file is not open
   std::unique_ptr<SqliteConnection> connection_;
-  std::string version_;             ///< SQLite's mark that `rows_` belongs to
+  std::string version_;             ///< SQLite's data version of `rows_`
   std::vector<std::int64_t> rows_;  ///< row numbers by position, ascending
-  std::int64_t highest_ = 0;        ///< row number ever seen: none is used again while this object lives
+  std::int64_t highest_ = 0;        ///< highest row number seen: none is reused while this object lives
   std::optional<std::int64_t> current_;
   std::optional<Draft> draft_;
 };

@@ -10,7 +10,7 @@
 
 namespace orven {
 
-/// What the autostart entry of an installation consists of. Texts are absolute paths, UTF-8.
+/// The contents of an installation's autostart entry. Texts are absolute paths, UTF-8.
 struct AutostartSource {
   /// The file that the desktop reads: orven.desktop in the folder autostart of $XDG_CONFIG_HOME.
   std::string file;
@@ -31,15 +31,15 @@ std::string ExecCommand(const std::vector<std::string>& arguments);
 /// The file by which the desktop starts a program at login (freedesktop.org, Desktop Application Autostart
 /// 0.5).
 ///
-/// What a person has changed in it stays, the command too; an unchanged command follows the program to
-/// another folder. A file that is not a desktop entry is set aside. Failures throw RuntimeError with the path
-/// in the text. Any one thread.
+/// The user's changes to it stay, including a changed command; an unchanged command is updated when the
+/// program moves to another folder. A file that is not a desktop entry is set aside. Failures throw
+/// RuntimeError with the path in the text. Any one thread.
 class AutostartEntry {
  public:
   enum class State {
     Absent,    ///< no file, or one that cannot be read
     Foreign,   ///< it starts the program in another application folder, which exists
-    Disabled,  ///< a person, or the settings of the desktop, switched it off
+    Disabled,  ///< switched off by the user or in the desktop's settings
     Enabled,
   };
 
@@ -62,10 +62,10 @@ class AutostartEntry {
 /// A registry whose value "ORVEN" under the key of the programs that start with the system (LocalMachine,
 /// SOFTWARE\Microsoft\Windows\CurrentVersion\Run) is also the desktop's autostart entry. The value is stored
 /// in the registry below, too, but exists only while the desktop starts the program, so that a check box that
-/// shows it is right, whoever has changed the entry.
+/// shows it is right even if another program has changed the entry.
 ///
 /// Writing the value makes the entry. An entry that is disabled or foreign stays as it is at a first start
-/// (the key SOFTWARE\ORVEN does not exist yet): only a person who checks the box may change that. Deleting
+/// (the key SOFTWARE\ORVEN does not exist yet): only the user may change that, by checking the box. Deleting
 /// the value removes the entry, even if no value was stored; a disabled or foreign entry stays, and if the
 /// entry cannot be removed, so does the value. Failures of the entry are reported; writing still succeeds if
 /// the registry below has stored the value. User-interface thread.

@@ -20,8 +20,8 @@ using Environment = std::vector<std::pair<std::string, std::string>>;
 /// libraries open would keep the line's address in use if such a program outlives this one.
 void KeepFilesFromPrograms();
 
-/// Starts the program parts[0] with the other parts as arguments, as a process of its own in this process's
-/// folder and with its environment plus `added`; no command interpreter is involved. Throws as Shell::Run.
+/// Starts the program parts[0] with the other parts as arguments, as a separate process in this process's
+/// folder and with its environment plus `added`; no shell is involved. Throws as Shell::Run.
 void StartProgram(const std::vector<std::string>& parts, const Environment& added);
 
 }  // namespace orven

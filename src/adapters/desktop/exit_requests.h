@@ -9,8 +9,8 @@ namespace orven {
 
 /// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into one call on the user-interface
 /// thread. Later signals are ignored, so that they do not interrupt the exit (SIGKILL still ends a process
-/// that hangs). SIGHUP stays ignored if it was (nohup). SIGPIPE is ignored: the end of a reader of our output
-/// must not end the program.
+/// that hangs). SIGHUP stays ignored if it was (nohup). SIGPIPE is ignored: a closed output pipe must not end
+/// the program.
 ///
 /// At most one object at a time, made after the QCoreApplication on its thread. The destructor restores the
 /// earlier handling, or ignores the signals for the rest of the process if one has come.

@@ -11,7 +11,7 @@ namespace orven {
 /// The system's clocks with the local time zone (TZ) and the user's locale (LC_ALL, LC_TIME, LANG).
 class QtClock final : public Clock {
  public:
-  /// `locale` writes the texts.
+  /// `locale` formats the texts.
   explicit QtClock(const QLocale& locale = QLocale::system());
 
   std::chrono::milliseconds Uptime() const override;

@@ -9,7 +9,7 @@
 
 namespace orven {
 
-/// Whether a person can see this application's windows: false on the offscreen and minimal platforms.
+/// Whether this application's windows are visible to a user: false on the offscreen and minimal platforms.
 bool HasDisplay();
 
 /// Message boxes and file dialogs, modal to the active window and those below it. Without a display the texts

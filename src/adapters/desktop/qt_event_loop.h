@@ -28,7 +28,7 @@ class QtEventLoop final : public EventLoop {
   std::unique_ptr<Timer> MakeTimer(Task tick) override;
 
  private:
-  /// Wraps `task` so that no exception reaches Qt, which ends the process for one.
+  /// Wraps `task` so that no exception reaches Qt, which would end the process.
   Task Guarded(Task task) const;
 
   std::shared_ptr<FaultHandler> on_fault_;

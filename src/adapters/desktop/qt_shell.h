@@ -79,7 +79,7 @@ class QtShell final : public Shell {
   bool HasNotificationArea() const override;
 
   /// Opens an existing file, given by its absolute path, or an http or https address with a host; refuses
-  /// anything else. No command shell is involved. True when a program was started, whatever it shows.
+  /// anything else. No command shell is involved. True when a program was started.
   bool Open(const std::string& target) override;
 
   /// A helper that commands call `file_name`, in any folder, but that is another file here: if Run is given a

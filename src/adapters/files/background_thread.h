@@ -9,8 +9,8 @@ namespace orven {
 /// The background port on one worker thread.
 class BackgroundThread final : public Background {
  public:
-  /// `loop` outlives this object. The end waits for the work that was asked for, though only 10 s: a disk
-  /// that hangs must not keep the program from ending.
+  /// `loop` outlives this object. The destructor waits up to 10 s for the requested work: a disk that hangs
+  /// must not keep the program from ending.
   explicit BackgroundThread(EventLoop& loop);
 
   void Run(Work work, Done done) override;

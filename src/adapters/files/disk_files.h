@@ -5,9 +5,9 @@
 
 namespace orven {
 
-/// The files of the computer's own file systems. Copies, and moves between file systems, are durable
-/// on return; an Append that meets a full disk leaves the file as it was. Only ASCII letters are alike in
-/// either case.
+/// The files of the computer's own file systems. Copies, and moves between file systems, are durable on
+/// return; an Append that meets a full disk leaves the file as it was. Only ASCII letters are compared
+/// without regard to case.
 class DiskFiles final : public Files {
  public:
   bool Exists(const std::string& path) const override;
@@ -31,8 +31,8 @@ bool MatchesPattern(std::string_view name, std::string_view pattern);
 /// only are ordered by their bytes.
 bool ComesBefore(std::string_view name, std::string_view other);
 
-/// `path`, or where there is nothing, the path of a file that differs from it in the case of its extension
-/// only.
+/// `path`, or, if nothing exists there, the path of a file that differs from it only in the case of its
+/// extension.
 std::string PathInAnyCase(const std::string& path);
 
 }  // namespace orven

@@ -7,8 +7,8 @@
 
 namespace orven {
 
-/// Header fields of a mail, without the final CR LF, folded with CR LF and a blank. No text, whatever it
-/// holds, can start another header field.
+/// Header fields of a mail, without the final CR LF, folded with CR LF and a blank. No text can start another
+/// header field, whatever it contains.
 
 /// `text` as one line of well-formed UTF-8: control characters become blanks, invalid bytes become
 /// U+FFFD.

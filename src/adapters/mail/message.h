@@ -25,7 +25,7 @@ class Attachment {
 
   std::int64_t Size() const { return size_; }
 
-  /// The next bytes; nothing when reading failed or the file became shorter (Failure).
+  /// The next bytes; nothing when reading failed or the file has shrunk (Failure).
   std::optional<std::size_t> Read(std::span<char> buffer);
   bool Seek(std::int64_t position);
 

@@ -30,8 +30,8 @@ std::string NewMessageId(std::string_view sender);
 std::string EnvelopeText(const Envelope& envelope);
 std::optional<Envelope> ParseEnvelope(std::string_view text);
 
-/// The folder with one small file for each mail that is neither sent nor given up. The files' names sort in
-/// the order of the mails. Failures throw RuntimeError naming the path. Keep and Waiting belong to one
+/// The folder with one small file for each mail that has neither been sent nor failed. The files' names sort
+/// in the order of the mails. Failures throw RuntimeError naming the path. Keep and Waiting belong to one
 /// thread, the static functions to any.
 class Outbox {
  public:

@@ -14,9 +14,9 @@
 
 namespace orven {
 
-/// The mail control over SMTP (RFC 5321): on its own thread, one mail at a time, first in first out.
-/// STARTTLS is used when the server offers it; certificates are verified. A mail that fails is given up,
-/// whatever the reason.
+/// The mail control over SMTP (RFC 5321): on its own thread, one mail at a time, first in first out. STARTTLS
+/// is used when the server offers it; certificates are verified. A mail that fails is not retried, whatever
+/// the reason.
 class SmtpMail final : public MailControl {
  public:
   /// Called on the user-interface thread by Send and Resume.

@@ -12,7 +12,7 @@
 
 namespace orven {
 
-/// Ends transfers at once from another thread, whatever their connections wait for. Any thread.
+/// Ends transfers at once from another thread, even while their connections wait. Any thread.
 class Cancellation {
  public:
   /// Shuts down open connections; all transfers fail from now on.

@@ -11,15 +11,15 @@
 
 namespace orven {
 
-/// A registry whose RegistryRoot::ClassesRoot tells what is installed on this machine now; nothing is
-/// stored there. Every other root is the registry's below. User-interface thread.
+/// A registry whose RegistryRoot::ClassesRoot shows what is installed on this machine now; nothing is stored
+/// there. All other roots are those of the underlying registry. User-interface thread.
 class InstalledClasses : public Registry {
  public:
   /// Tells whether one class is installed.
   using Presence = std::function<bool()>;
 
-  /// `stored` outlives this object. `classes` are the class names ("SAPI.SpVoice") that can be installed;
-  /// the default value of one that is, is its name.
+  /// `stored` outlives this object. `classes` are the names of classes that can be installed
+  /// ("SAPI.SpVoice"); the default value of an installed one is its name.
   InstalledClasses(Registry& stored, std::map<std::string, Presence> classes)
       : stored_(stored), classes_(std::move(classes)) {}
 

@@ -13,28 +13,27 @@
 
 namespace orven {
 
-/// What is wrong in which line of a registry text.
+/// A fault in a line of a registry text.
 struct RegistryFault {
   int number = 0;
   std::string text;
 };
 
-/// A registry text in memory: its lines as they are, and the values that importing it from top to
-/// bottom would give. Keys are whole paths with their root ("HKEY_LOCAL_MACHINE\SOFTWARE\ORVEN");
-/// they and value names compare without regard to the case of ASCII letters. A change touches only
-/// the lines it is about.
+/// A registry text in memory: its lines as they are, and the values that importing it from top to bottom
+/// would give. Keys are whole paths with their root ("HKEY_LOCAL_MACHINE\SOFTWARE\ORVEN"); they and value
+/// names compare without regard to the case of ASCII letters. A change affects only its own lines.
 class RegistryDocument {
  public:
   /// An empty text, which gets its header when it is written.
   RegistryDocument() = default;
 
-  /// Understands the content of a file: UTF-8 with or without a byte order mark, or UTF-16LE with one.
+  /// Parses the content of a file: UTF-8 with or without a byte order mark, or UTF-16LE with one.
   explicit RegistryDocument(std::string_view content);
 
-  /// Damaged lines in their order; what stands in them is no part of the values.
+  /// Damaged lines in their order; they contribute no values.
   const std::vector<RegistryFault>& Faults() const { return faults_; }
 
-  /// Whether the key, or one below it, is there.
+  /// Whether the key, or one below it, exists.
   bool HasKey(const std::string& key) const;
 
   /// The value, or nullptr; valid until the next change.
@@ -43,17 +42,17 @@ class RegistryDocument {
   /// All values of one key in the order of their lines.
   std::vector<NamedRegistryValue> Values(const std::string& key) const;
 
-  /// Creates the key if it is absent and sets its values, in place where there are any. False,
-  /// nothing changed, when the format cannot hold one of the names.
+  /// Creates the key if it is missing and sets its values, existing ones in place. False, without any change,
+  /// when the format cannot represent one of the names.
   bool Set(const std::string& key, std::span<const NamedRegistryValue> values);
 
-  /// No key is there.
+  /// There are no keys.
   bool IsEmpty() const { return keys_.empty(); }
 
-  /// Takes over the values of `other` that are missing here; how many there were.
+  /// Copies the values of `other` that are missing here; returns how many.
   std::size_t FillFrom(const RegistryDocument& other);
 
-  /// Removes a value; false when it was not there.
+  /// Removes a value; false when it did not exist.
   bool Remove(const std::string& key, const std::string& name);
 
   /// The text in UTF-8, without damaged lines and with a header.

@@ -21,11 +21,11 @@ using RegistryReport = std::function<void(const std::string&)>;
 ///
 /// Each operation checks whether another process changed the file (inode, times, size) and reads it again if
 /// so. Damaged lines are reported once per content; the others are used. The last complete version is kept
-/// beside the file as "<name>.bak": values that the file lacks are taken from it, with a report, also when
+/// next to the file as "<name>.bak": values that the file lacks are taken from it, with a report, also when
 /// the file is missing; Delete() removes a value from both. Before the first write a damaged file is kept as
 /// "<name>.damaged-20261121T041530". A file that cannot be read is reported, reads as empty, and is never
-/// written. A write replaces the file whole, durably, readable by its owner only (mode 0600: it holds a
-/// password); a write that changes nothing leaves the file alone. Text that is not UTF-8 is preserved.
+/// written. A write replaces the file atomically and durably, readable by its owner only (mode 0600: it holds
+/// a password); a write that changes nothing leaves the file alone. Text that is not UTF-8 is preserved.
 /// User-interface thread.
 class RegistryFile final : public Registry {
  public:
@@ -35,7 +35,7 @@ class RegistryFile final : public Registry {
   std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key,
                                      const std::string& name) override;
 
-  /// False also for a name that the format cannot hold (line ends, zero bytes, no UTF-8).
+  /// False also for a name that the format cannot represent (line ends, zero bytes, invalid UTF-8).
   bool Write(RegistryRoot root, const std::string& key, std::span<const NamedRegistryValue> values) override;
   bool Delete(RegistryRoot root, const std::string& key, const std::string& name) override;
 
@@ -43,7 +43,7 @@ class RegistryFile final : public Registry {
   const std::string& DamagedFile() const { return damaged_file_; }
 
  private:
-  /// What tells one state of a file from another.
+  /// Identifies a state of the file.
   struct Stamp {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -76,8 +76,8 @@ class RegistryFile final : public Registry {
   std::string last_problem_;
 };
 
-/// The values of one key in the registry text at `path`, in the order of their lines, as an import
-/// would set them. What is wrong with the file goes to `report`; the rest is returned.
+/// The values of one key in the registry text at `path`, in the order of their lines, as an import would set
+/// them. Faults of the file go to `report`; the rest is returned.
 std::vector<NamedRegistryValue> ReadRegistryExport(const std::string& path, RegistryRoot root,
                                                    const std::string& key, const RegistryReport& report);
 

@@ -29,7 +29,7 @@ struct RegistryLine {
   int number = 0;    ///< of its first physical line, from 1
   std::string name;  ///< of the key (with its root) or of the value
   RegistryValue value;
-  std::size_t value_begin = 0;  ///< where the value's notation stands in `raw`
+  std::size_t value_begin = 0;  ///< where the value's notation begins in `raw`
   std::size_t value_end = 0;
   std::string fault;     ///< of a damaged line: what is wrong, and what is expected
   int fault_number = 0;  ///< physical line of the fault
@@ -40,15 +40,15 @@ struct RegistryLine {
 /// password.
 RegistryLine ParseRegistryLine(std::string_view text, int number);
 
-/// Whether the format can hold this name of a key or a value: UTF-8 without line ends and zero bytes.
+/// Whether the format can represent this name of a key or value: UTF-8 without line ends and zero bytes.
 bool IsRegistryName(std::string_view name);
 
-/// A value's name as it stands before the "=".
+/// A value's name as written before the "=".
 std::string NotationOfName(std::string_view name);
 
-/// A value as it stands behind the "=", wrapped with `line_end` as exports are; `column` is where it
-/// begins. Texts that quotes cannot hold, and those without exactly one terminating zero, become
-/// hexadecimal (UTF-16LE, as in every export).
+/// A value as written after the "=", wrapped with `line_end` as exports are; `column` is where it begins.
+/// Texts that cannot be quoted, and those without exactly one terminating zero, become hexadecimal (UTF-16LE,
+/// as in every export).
 std::string NotationOfValue(const RegistryValue& value, std::size_t column, std::string_view line_end);
 
 /// Whether values of this type are texts, whose hexadecimal notation is UTF-16LE: plain (1), with

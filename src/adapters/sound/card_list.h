@@ -26,14 +26,13 @@ class CardList {
     std::string description;
   };
 
-  /// These outputs, and no others, are connected now. Outputs beyond the last number of a sound card are left
-  /// out.
+  /// Sets the connected outputs. Outputs beyond the last number of a sound card are left out.
   void Update(const std::vector<Output>& outputs);
 
   /// Whether there is an input now.
   void SetRecords(bool records);
 
-  /// Whether a card `number` is or was connected. True for every number before the first Update.
+  /// Whether card `number` is or was connected. True for every number before the first Update.
   bool MayBe(std::int32_t number) const;
 
   /// False while it is known that there is no input; true before.

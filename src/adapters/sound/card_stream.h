@@ -37,7 +37,8 @@ class CardStream {
  public:
   virtual ~CardStream() = default;
 
-  /// Moves what can be moved; call it every 20 ms. False when nothing is left to do, or there is a Problem.
+  /// Transfers the available audio; call it every 20 ms. False when nothing is left to do, or there is a
+  /// Problem.
   virtual bool Tick() = 0;
 
   virtual void Close() = 0;
@@ -62,7 +63,7 @@ class CardPlayer : public CardStream {
   /// and was heard to its end.
   bool Tick() override;
 
-  /// Cuts off what was not heard yet.
+  /// Discards audio that was not heard yet.
   void Close() override { sink_.reset(); }
 
   const std::string& Problem() const override { return problem_; }
@@ -90,8 +91,8 @@ class CardPlayer : public CardStream {
 
 /// Records one CardTake from one input.
 ///
-/// A stop drops what the input has captured and not passed on: at most the input's period and one tick (20 ms
-/// each), less than one block, and what the converter holds back (up to 6 ms).
+/// A stop drops the audio that the input has captured and not passed on: at most its period and one tick (20
+/// ms each), part of a block, and what the converter holds back (up to 6 ms).
 class CardRecorder : public CardStream {
  public:
   /// Opens the stream; when that fails, there is a Problem.

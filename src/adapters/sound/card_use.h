@@ -12,7 +12,7 @@ namespace orven {
 
 /// One use of a sound card by one client (a source that is played, or a sink that is recorded into), shared
 /// by the sound thread and the thread that starts and stops it. Its lock is held only while the client is
-/// called, never during a call into the sound system, so that a stop waits for nothing else. Any thread.
+/// called, never during a call into the sound system, so that a stop waits only for the client. Any thread.
 template <class Client>
 class CardUse {
  public:
@@ -20,7 +20,7 @@ class CardUse {
 
   explicit CardUse(Client& client) : client_(&client), last_block_(Clock::now()) {}
 
-  /// Ends the use: after it returns the client is not called any more.
+  /// Ends the use: after it returns the client is no longer called.
   void Stop() {
     const std::lock_guard lock(mutex_);
     client_ = nullptr;

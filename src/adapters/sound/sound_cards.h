@@ -26,7 +26,7 @@ class SoundStreams;
 /// Qt Multimedia runs in one thread, which starts with Prepare or the first play or take; no operation waits
 /// for it. A play that the sound server refuses or stops ends by itself (AudioSource::Gone), a take gets no
 /// more blocks; one sentence about it is reported. StartRecord returns kWaveNoDevice when the latest look
-/// found no input, and looks again. One object a process. User-interface thread.
+/// found no input, and looks again. One object per process. User-interface thread.
 class SoundCards : public AudioDevices, public SoundCardNames {
  public:
   using Report = std::function<void(const std::string&)>;
@@ -81,10 +81,10 @@ class SoundCards : public AudioDevices, public SoundCardNames {
   std::shared_ptr<Shared> shared_;  ///< also the sound thread's, which may outlive this object
   std::unique_ptr<SoundThread> thread_;
 
-  /// Set by the sound thread when it works again after a play or take was given up; nullptr: none was.
+  /// Set by the sound thread when it responds again after a play or take was abandoned; nullptr: none was.
   std::shared_ptr<std::atomic<bool>> alive_;
   Cards cards_;
-  Cards more_cards_;  ///< those of Beside
+  Cards more_cards_;  ///< returned by Beside
   BesideCards beside_{*this};
   std::unique_ptr<Timer> watch_;  ///< runs while something plays or records
 };

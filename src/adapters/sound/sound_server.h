@@ -10,7 +10,7 @@ namespace orven {
 /// The sound server, its outputs and inputs.
 struct SoundServer {
   enum class State {
-    None,    ///< there is none, or it refuses connections
+    None,    ///< no server runs, or it refuses connections
     Silent,  ///< it does not answer in time
     Ready,
   };
@@ -21,7 +21,7 @@ struct SoundServer {
   };
 
   /// A microphone or another real input. The monitor of an output is not one, even if the server makes it the
-  /// default because there is no other: Qt does not record it.
+  /// default for lack of another: Qt cannot record it.
   struct Input {
     std::string id;
     std::string card;
@@ -38,9 +38,9 @@ struct SoundServer {
 /// Asks the sound server (PulseAudio's protocol, which PipeWire speaks too); starts it if the desktop is
 /// configured so. Returns within `limit`, usually after 1 to 3 ms. Any thread.
 ///
-/// Needed beside Qt Multimedia, because Qt 6.4 waits for a hanging server without limit, never asks
-/// again after it found none, does not notice when the desktop's default output or input changes, and
-/// does not report which of them belong to one card.
+/// Needed in addition to Qt Multimedia, because Qt 6.4 waits for a hanging server without limit, never asks
+/// again after it found none, does not notice when the desktop's default output or input changes, and does
+/// not report which of them belong to one card.
 SoundServer AskSoundServer(std::chrono::milliseconds limit);
 
 /// The id of the input to use with `output`: a connected one of the same physical card (of several, the

@@ -33,7 +33,7 @@ class CommandInterpreter {
   /// Ignores a message that is not a command or has an invalid argument.
   void Obey(std::string_view message);
 
-  /// Whether the end was requested: the link is not needed any more.
+  /// Whether the program requested the end: the link is no longer needed.
   bool Unloading() const { return unloading_; }
 
  private:

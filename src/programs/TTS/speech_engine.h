@@ -18,12 +18,12 @@ struct Voice {
   std::vector<std::string> languages;  ///< in lower case with hyphens, "en-us"
 };
 
-/// The voices in the order for the user: first those for the language of `locale` ("de_AT"), best match
+/// The voices in the order shown to the user: first those for the language of `locale` ("de_AT"), best match
 /// first, then the others in their order. Makes descriptions unique and removes line breaks from them. The
 /// locales "C" and "POSIX" count as American English.
 std::vector<Voice> VoicesFor(std::string_view locale, std::vector<Voice> voices);
 
-/// The voices' descriptions, one a line, with "\r\n" between them.
+/// The voices' descriptions, separated by "\r\n".
 std::string JoinedDescriptions(const std::vector<Voice>& voices);
 
 /// A text and how to speak it.

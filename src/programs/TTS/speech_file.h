@@ -13,24 +13,24 @@
 
 namespace orven {
 
-/// A sound file that appears under its name complete or not at all: WAV, PCM 16-bit, mono. It grows under a
-/// hidden name in the same folder (".ttstmp.wav.tts-x1Y2z3"). Failures throw std::runtime_error and remove
+/// An audio file that appears under its name only when it is complete: WAV, PCM 16-bit, mono. It grows under
+/// a hidden name in the same folder (".ttstmp.wav.tts-x1Y2z3"). Failures throw std::runtime_error and remove
 /// the hidden file. One thread at a time.
 class SpeechFile {
  public:
   SpeechFile(std::string path, int sample_rate);
 
-  /// Removes a file that has not appeared.
+  /// Removes the file unless Appear has succeeded.
   ~SpeechFile();
   SpeechFile(const SpeechFile&) = delete;
   SpeechFile& operator=(const SpeechFile&) = delete;
 
   void Write(std::span<const std::int16_t> samples);
 
-  /// Completes the file and waits until it is on the disk. Throws also when it is all silence.
+  /// Completes the file and waits until it is on the disk. Also throws when it contains only silence.
   void Finish();
 
-  /// Gives the finished file its name; replaces an older file.
+  /// Renames the finished file to its name; replaces an older file.
   void Appear();
 
  private:

@@ -14,7 +14,7 @@
 #include "programs/TTS/spoken_audio.h"
 
 namespace orven {
-/// Writes one line to standard error in one piece. Any thread.
+/// Writes one line to standard error with one call. Any thread.
 void Report(const std::string& text);
 
 /// The thread that synthesises all speech, one text after the other. Operations return at once; a failure is
@@ -24,7 +24,7 @@ class SpeechJobs {
   /// Both outlive this object. Only its thread uses the engine.
   SpeechJobs(SpeechEngine& engine, SpokenAudio& audio);
 
-  /// Abandons everything and waits for the thread, which ends after the present piece of speech.
+  /// Abandons all jobs and waits for the thread, which ends after the current piece of speech.
   ~SpeechJobs();
   SpeechJobs(const SpeechJobs&) = delete;
   SpeechJobs& operator=(const SpeechJobs&) = delete;

@@ -25,7 +25,7 @@ class SpokenAudio : public AudioSource {
 
   struct Announced {
     Ticket ticket;
-    bool start;  ///< nothing plays this now: a device must be started on it
+    bool start;  ///< no device plays this now: one must be started
   };
 
   /// Announces one more text.
@@ -42,7 +42,7 @@ class SpokenAudio : public AudioSource {
 
   bool Read(std::span<std::int16_t> block) override;
 
-  /// The device is gone: announced texts are dropped. Each new text tries the device again.
+  /// The device has failed: announced texts are dropped. Each new text tries the device again.
   void Gone() override { CutOff(); }
 
  private:

@@ -31,8 +31,8 @@
 
 namespace orven {
 
-/// The composition root: every concrete class of the running program, each after those that it needs. Needs a
-/// QApplication; user-interface thread.
+/// The composition root: all concrete objects of the running program, in the order of their dependencies.
+/// Needs a QApplication; user-interface thread.
 class Program {
  public:
   /// Absolute folders. The application folder exists; `assets` is empty if none are installed.
@@ -48,7 +48,7 @@ class Program {
   /// Starts the answering machine. False when another instance runs in the application folder.
   bool Start(const std::string& command_line);
 
-  /// Does what the exit commands do; then the event loop ends.
+  /// Runs the exit command; then the event loop ends.
   void Exit() { window_.Exit(); }
 
   /// Whether the program has ended, perhaps during its start.
@@ -90,9 +90,9 @@ class Program {
   LineStates line_states_;
   LineService lines_;
   FileTelephoneLines configured_lines_;
-  bool lines_wait_ = false;  ///< changed lines wait for the end of a call
+  bool lines_wait_ = false;  ///< changed lines are opened after the current call
   SoundCards cards_;
-  AllAudioDevices line_devices_;  ///< pre-screening while a message plays
+  AllAudioDevices line_devices_;  ///< for call screening while a message plays
   AllAudioDevices desk_devices_;
   FileWaveControl line_wave_;
   FileWaveControl desk_wave_;

@@ -20,7 +20,7 @@ class ProgramDialogs : public DialogFactory {
   ProgramDialogs(EnginePorts ports, std::function<void()> look_for_cards)
       : ports_(ports), look_for_cards_(std::move(look_for_cards)) {}
 
-  /// The engine and the parent of the dialogs. To be called before the first dialog.
+  /// Sets the engine and the parent of the dialogs. To be called before the first dialog.
   void Attach(AnsweringMachine& machine, QWidget& window);
 
   /// The telephone lines to set up. `use_changed` opens the changed lines, at once (true) or when the call is

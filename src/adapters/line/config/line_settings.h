@@ -12,11 +12,11 @@
 
 namespace orven {
 
-/// A section of `lines.ini` as the dialog shows it; `origin` is its line number.
+/// A section of `lines.ini` for the dialog; `origin` is its line number.
 TelephoneLine LineOf(const LineSection& section);
 
-/// The section that `line` is to have in the file. A default is written only if `before`, the section that
-/// is changed, has it too; `before` is nullptr for a new line. Keys that the dialog does not show stay.
+/// The section for `line` in the file. A default is written only if `before`, the section that is changed,
+/// has it too; `before` is nullptr for a new line. Keys that the dialog does not show stay.
 LineEdit EditOf(const TelephoneLine& line, const LineSection* before);
 
 /// Why `line` cannot be stored or used. What is stored must be read back unchanged.

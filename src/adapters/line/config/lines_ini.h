@@ -34,9 +34,8 @@ struct LineSection {
   std::map<std::string, std::string> values;
 };
 
-/// What a `lines.ini` says and what is wrong in it. A complaint has the file's name, the line's number and
-/// what is expected, for example `lines.ini:12: ring_seconds is "abc": expected …`; it never quotes a
-/// password.
+/// The content of a `lines.ini` and its faults. A complaint has the file's name, the line's number and what
+/// is expected, for example `lines.ini:12: ring_seconds is "abc": expected …`; it never quotes a password.
 struct LinesFile {
   std::vector<LineSection> sections;
   std::vector<std::string> complaints;
@@ -52,7 +51,7 @@ LinesFile ParseLines(std::string_view text, const std::string& file_name);
 /// computer; a file that cannot be read gives no lines and a complaint. Any thread.
 LinesFile ReadLines(const std::string& path);
 
-/// What a section of `lines.ini` is to become.
+/// A change to a section of `lines.ini`.
 struct LineEdit {
   int head = 0;      ///< LineSection::line_number of the section to change; 0 for a new one
   std::string name;  ///< the device name
@@ -60,7 +59,7 @@ struct LineEdit {
   std::map<std::string, std::string> values;  ///< all keys
 };
 
-/// A section as it is appended to the file.
+/// The text of a section that is appended to the file.
 std::string SectionText(const LineEdit& line);
 
 /// The text of a `lines.ini` whose sections `before` (as ParseLines found them in `text`) become `after`:

@@ -21,7 +21,7 @@ class ModemLinkEvents {
   virtual ~ModemLinkEvents() = default;
 
   virtual void Received(std::span<const std::uint8_t> bytes) = 0;
-  /// The port is gone (unplugged); the link is closed already.
+  /// The port was unplugged; the link is closed already.
   virtual void Lost() = 0;
 };
 
@@ -41,7 +41,7 @@ class ModemLink {
   virtual std::optional<LinkProblem> Open(const std::string& port, int rate, ModemLinkEvents& events) = 0;
   virtual void Close() = 0;
 
-  /// False when the port does not support that rate; it keeps its present one.
+  /// False when the port does not support that rate; it keeps its rate.
   virtual bool SetRate(int rate) = 0;
 
   /// Sends `bytes` as soon as the port takes them. Does nothing on a closed link.
@@ -50,7 +50,7 @@ class ModemLink {
   /// Discards what has been written but not yet taken by the port.
   virtual void DiscardUnsent() = 0;
 
-  /// Bytes that wait to be sent: the port of a stopped modem takes none.
+  /// Bytes that wait to be sent, as when a stopped modem takes none.
   virtual std::size_t Unsent() const = 0;
 };
 

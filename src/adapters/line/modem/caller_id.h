@@ -29,7 +29,7 @@ class CallerIdLines {
   bool Any() const { return any_; }
 
   /// Returns what has been taken and starts over. A withheld ("P") or unknown ("O") number or name is empty.
-  /// Nothing when neither a number nor a name came at all, only date and time.
+  /// Nothing when neither a number nor a name has arrived, only date and time.
   std::optional<ModemCaller> Finish();
 
  private:

@@ -7,13 +7,13 @@
 #include <span>
 
 namespace orven {
-/// Detects in the received audio that the caller has hung up, as many lines do not signal it otherwise: busy
+/// Detects in the received audio that the caller has hung up, which many lines signal in no other way: busy
 /// and congestion tones and the dial tone (ITU-T E.180 supplement 2) of -10 to -30 dBm0, and a minute of
 /// silence. Hears a busy tone of any timing within four bursts, a dial tone within 3 s. Voices, music and
 /// touch tones do not trigger it. Not thread-safe.
 class HangUpDetector {
  public:
-  /// `heard` is called at most once, inside Listen, with what was heard, in words for the log.
+  /// `heard` is called at most once, inside Listen, with what was heard, as a text for the log.
   explicit HangUpDetector(std::function<void(const char*)> heard);
   ~HangUpDetector();
 

@@ -85,7 +85,7 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   std::vector<std::string> asked_;       ///< the ports tried in this round, or the last one
   std::chrono::milliseconds asked_since_{0};
   std::chrono::milliseconds ask_again_{0};
-  std::chrono::milliseconds retry_{0};  ///< the delay that the ports tried so far call for
+  std::chrono::milliseconds retry_{0};  ///< the delay before the next round, from the ports tried so far
   LineTrouble failure_;                 ///< of the port that was tried last
   bool gone_ = false;                   ///< the modem was there and has been unplugged
   std::string port_;                    ///< the port that is open or was tried last

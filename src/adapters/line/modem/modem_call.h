@@ -35,7 +35,8 @@ class KeyPresses {
   Time latest_{0};
 };
 
-/// Counts the rings of one call, and knows when the caller has given up, which no line reports.
+/// Counts the rings of one call, and detects from their absence that the caller has hung up, which no line
+/// reports.
 class RingPattern {
  public:
   using Time = std::chrono::milliseconds;  ///< of a monotonic clock
@@ -43,7 +44,7 @@ class RingPattern {
   /// Takes a ring report. Returns the number of the ring, from 1; nothing while it is still the same ring.
   std::optional<int> Ring(Time now);
 
-  /// How long after the latest ring the caller counts as gone.
+  /// The time after the latest ring when the caller counts as having hung up.
   std::chrono::milliseconds Patience() const;
 
   bool Ringing() const { return count_ > 0; }
@@ -98,7 +99,7 @@ class ModemCall {
   void Drop(std::int32_t request);
   void MonitorDigits(bool on) { monitor_digits_ = on; }
 
-  /// The modem is gone or must be released: the call ends now, with what was recorded.
+  /// The modem was unplugged or must be released: the call ends now, with what was recorded.
   void Lost();
 
   CallNumber Number() const { return number_; }

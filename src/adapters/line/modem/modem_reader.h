@@ -38,7 +38,7 @@ class ModemOutput {
 };
 
 /// Parses a voice modem's output (ITU-T V.253; Hayes commands, ITU-T V.250), in pieces of any size. Garbage
-/// spoils only its own line or packet. Not thread-safe.
+/// affects only its own line or packet. Not thread-safe.
 class ModemReader {
  public:
   /// A longer line is discarded up to its end. A longer packet is discarded too, and what follows is read as
@@ -53,7 +53,7 @@ class ModemReader {
   /// Audio starts right after the line end of the next "CONNECT", and ends with AudioEnded.
   void ExpectAudio() { audio_expected_ = true; }
 
-  /// Lines follow, even in the middle of audio, as its end was lost. Audio is not expected any more.
+  /// Lines follow, even in the middle of audio, as its end was lost. Audio is no longer expected.
   void ExpectLines();
 
  private:

@@ -10,8 +10,8 @@
 
 namespace orven {
 
-/// Encodes the line's samples (8000 a second, 16 bits) in a modem's format. One per stream of audio, as the
-/// resampler has a memory. Not thread-safe.
+/// Encodes the line's samples (8000 a second, 16 bits) in a modem's format. One per audio stream, because the
+/// resampler has state. Not thread-safe.
 class SampleEncoder {
  public:
   explicit SampleEncoder(const VoiceFormat& format);

@@ -13,7 +13,7 @@ namespace orven {
 /// The analysis of 48 ms of audio.
 struct ToneFrame {
   float level = 0;    ///< of all of it, dBm0 (ITU-T G.711: a sine at full scale has 3.14)
-  bool tone = false;  ///< nearly all of it is one or two sines of a telephone network
+  bool tone = false;  ///< nearly all its energy is in one or two sines of a telephone network
   float low = 0;      ///< their frequencies, Hz
   float high = 0;     ///< 0: there is only one
 };

@@ -8,7 +8,7 @@
 
 namespace orven {
 
-/// How a sample is written; 16-bit samples have the low byte first.
+/// The encoding of a sample; 16-bit samples are little-endian.
 enum class SampleKind : std::uint8_t { Linear16, MuLaw, Unsigned8 };
 
 /// A sample format as a modem knows it.

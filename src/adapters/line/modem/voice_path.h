@@ -22,7 +22,7 @@ namespace orven {
 class VoicePath {
  public:
   struct Listener {
-    /// The received audio shows that the caller has hung up; takes the reason, in words for the log.
+    /// The received audio shows that the caller has hung up; takes the reason, as a text for the log.
     std::function<void(const char*)> hung_up;
     /// The modem is not off-hook after all. The path rests until Begin or StartOver.
     std::function<void()> refused;
@@ -37,8 +37,8 @@ class VoicePath {
   /// The modem is off-hook and has its sample format.
   void Begin();
 
-  /// Ends transmitting or receiving; `done` runs when the modem takes commands again, or has been given up.
-  /// After that the path rests until Begin.
+  /// Ends transmitting or receiving; `done` runs when the modem takes commands again, or has failed. After
+  /// that the path rests until Begin.
   void End(std::function<void()> done);
 
   /// Like Begin, but plays again what was played so far, as the caller has not heard it.
@@ -94,7 +94,7 @@ class VoicePath {
   State state_ = State::Off;
   std::function<void()> ended_;                ///< called when the modem rests; empty: the path goes on
   std::chrono::milliseconds latest_audio_{0};  ///< when audio was last received
-  bool heard_ = false;                         ///< audio has come since receiving began
+  bool heard_ = false;                         ///< audio has arrived since receiving began
   std::chrono::milliseconds silent_since_{0};  ///< up to when the recorder has received audio or silence
   std::unique_ptr<Timer> tick_;
   Lifeline lifeline_;

@@ -23,8 +23,8 @@ class LineService : public TelephonyControl, public AudioDevices {
   /// Whether any line has a call, ringing or answered.
   bool HasCall() const;
 
-  /// Replaces all devices. False, and nothing is done, while a line is open. The old devices stay in memory
-  /// as long as this service, because a wave control may still know their audio devices.
+  /// Replaces all devices. False, without any change, while a line is open. The old devices stay in memory as
+  /// long as this service, because a wave control may still know their audio devices.
   bool Replace(std::vector<TelephoneDevice> devices);
 
   /// Why the latest LineOpen of this line failed, in the driver's words; empty when it did not.

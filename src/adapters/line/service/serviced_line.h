@@ -16,7 +16,7 @@
 namespace orven {
 
 /// Carries a driver's events from its thread to the user-interface thread, in order. They wait here and not
-/// in the event loop, so that closing a line can deliver the last of them at once.
+/// in the event loop, so that closing a line can deliver the remaining ones at once.
 class DriverEventQueue : public LineDriverEvents {
  public:
   /// `pump` runs on the user-interface thread after events have arrived; it may outlive its owner.
@@ -48,7 +48,7 @@ class DriverEventQueue : public LineDriverEvents {
 /// A line that the service is to control.
 struct TelephoneDevice {
   std::unique_ptr<LineDriver> driver;
-  /// The line ends a call on which nothing was played, recorded or keyed for so long; 0: never.
+  /// The line ends a call on which nothing was played, recorded or keyed for this time; 0: never.
   std::chrono::seconds idle_limit{0};
 };
 
@@ -91,7 +91,7 @@ class ServicedLine : private LineDriverEvents {
     bool connected = false;
     bool dropped = false;                         ///< our side has asked to hang up
     bool remote_gone = false;                     ///< the remote side has hung up
-    std::vector<std::int32_t> finished_requests;  ///< done without the driver, not yet told
+    std::vector<std::int32_t> finished_requests;  ///< completed without the driver, not yet reported
   };
 
   void Pump();
@@ -119,7 +119,7 @@ class ServicedLine : private LineDriverEvents {
   Mirror call_;
   const IdleCalls& idle_;
   std::chrono::seconds idle_limit_;
-  std::chrono::seconds idle_for_{0};  ///< how long nothing has happened on the connected call
+  std::chrono::seconds idle_for_{0};  ///< how long the connected call has been idle
   std::unique_ptr<Timer> tmrIdle_;    ///< runs while a call is connected; null if no call is ever ended
   Lifeline lifeline_;
   DriverEventQueue queue_;

@@ -50,8 +50,8 @@ class LineTestRun {
   Lifeline lifeline_;
 };
 
-/// The telephone lines of the file `lines.ini`. What is wrong in the file stays there; a file that is not
-/// text is copied before it is replaced. User-interface thread.
+/// The telephone lines of the file `lines.ini`. Invalid parts of the file stay there; a file that is not text
+/// is copied before it is replaced. User-interface thread.
 class FileTelephoneLines final : public TelephoneLines {
  public:
   /// `path` is the file's; `states` belong to the devices of `service`, in the same order.

@@ -16,7 +16,7 @@
 
 namespace orven {
 
-/// The latest value that one thread has told; asked on any.
+/// The latest value that one thread has set; any thread may read it.
 template <class Value>
 class Latest {
  public:
@@ -34,21 +34,20 @@ class Latest {
   Value value_;
 };
 
-/// One line that the program has a device for, and what its driver last said of itself. The driver's threads
-/// tell it, so it outlives the driver.
+/// One line that the program has a device for, and the state that its driver reported last. The driver's
+/// threads report it, so it outlives the driver.
 struct LineState {
   LineSection section;
   std::shared_ptr<Latest<RegistrationNews>> registration = std::make_shared<Latest<RegistrationNews>>();
-  std::shared_ptr<Latest<std::string>> modem = std::make_shared<Latest<std::string>>();  ///< in words
+  std::shared_ptr<Latest<std::string>> modem = std::make_shared<Latest<std::string>>();  ///< for the user
 };
 
 /// The states of all lines, in device-index order. User-interface thread.
 using LineStates = std::vector<LineState>;
 
-/// Makes the telephone lines that the file at `path` (lines.ini) describes, in device-index order. What is
-/// wrong in the file is added to `problems`; the other lines still work. `report` takes what a line finds
-/// wrong while it is open; it is called on the lines' threads and must not block. `states` is replaced by the
-/// states of these lines.
+/// Makes the telephone lines that the file at `path` (lines.ini) describes, in device-index order. Faults of
+/// the file are added to `problems`; the other lines still work. `report` takes the faults of open lines; it
+/// is called on the lines' threads and must not block. `states` is replaced by the states of these lines.
 std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLoop& loop, const Clock& clock,
                                                 std::vector<std::string>& problems,
                                                 const std::function<void(const std::string&)>& report,

@@ -18,8 +18,8 @@ struct SipProbeOptions {
   bool registered_now = false;
   /// Addresses where lines of this program listen now. The test uses free ports instead of theirs.
   std::vector<std::string> open_addresses{};
-  /// Longest wait for the server. UDP retransmits after 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section
-  /// 17.1.2.2): five lost requests are no accident.
+  /// Longest wait for the server. UDP retransmits after 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section 17.1.2.2):
+  /// five lost requests are not chance.
   std::chrono::milliseconds patience{10'000};
 };
 

@@ -14,8 +14,8 @@
 
 namespace orven {
 
-/// The audio of a simulated call. What is played is kept as what the caller has heard; what the caller says
-/// is recorded, followed by silence. During a call it moves a block every 20 ms of the loop's time while
+/// The audio of a simulated call. It keeps everything that is played, as heard by the caller; recordings get
+/// what the caller says, then silence. During a call it moves a block every 20 ms of the loop's time while
 /// something is played or recorded.
 class SimAudio : public AudioDevice {
  public:
@@ -46,8 +46,8 @@ class SimAudio : public AudioDevice {
   std::unique_ptr<Timer> pace_;
 };
 
-/// A telephone line that exists only in the program. Its caller is whoever calls its methods, or a script
-/// that starts when the line is opened. It runs on its event loop's time. User-interface thread.
+/// A simulated telephone line. The calls come from its methods, or from a script that starts when the line is
+/// opened. It runs on its event loop's time. User-interface thread.
 class SimLine : public LineDriver {
  public:
   SimLine(std::string device_name, EventLoop& loop, SimScript script = {});

@@ -43,7 +43,8 @@ class VirtualTime : public EventLoop, public Clock {
  private:
   class VirtualTimer;
 
-  /// A task, or a timer that reuses its job: ticks are most of a simulated hour, so they allocate nothing.
+  /// A task, or a timer that reuses its job: most events of a simulated hour are ticks, so they must not
+  /// allocate.
   struct Job {
     Task task;
     std::chrono::milliseconds interval{0};
@@ -52,7 +53,7 @@ class VirtualTime : public EventLoop, public Clock {
   };
   struct Due {
     std::chrono::milliseconds at;
-    std::uint64_t order;  ///< tasks that are due at the same time run in the order of asking
+    std::uint64_t order;  ///< tasks that are due at the same time run in the order of their requests
     std::uint64_t start;
     std::shared_ptr<Job> job;
     bool operator<(const Due& other) const { return at != other.at ? at > other.at : order > other.order; }

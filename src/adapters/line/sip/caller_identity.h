@@ -7,13 +7,13 @@
 
 namespace orven {
 
-/// Who calls, as valid UTF-8; empty texts when unknown or withheld.
+/// The caller, as valid UTF-8; empty texts when unknown or withheld.
 struct CallerIdentity {
   std::string name;
   std::string number;
 };
 
-/// The headers of an INVITE that tell who calls; raw values.
+/// The headers of an INVITE that identify the caller; raw values.
 struct IdentityHeaders {
   std::vector<std::string_view> asserted;  ///< P-Asserted-Identity values in order (RFC 3325)
   std::string_view from;
@@ -21,8 +21,8 @@ struct IdentityHeaders {
 };
 
 /// The asserted identity if there is one, else From; both texts are empty when it is anonymous (RFC 3323,
-/// section 4.1.1.3) or the caller wants it withheld. What the first asserted identity lacks is taken from the
-/// next ones. Decodes quoted pairs, percent escapes and ISO 8859-1.
+/// section 4.1.1.3) or the caller wants it withheld. Parts that the first asserted identity lacks are taken
+/// from the next ones. Decodes quoted pairs, percent escapes and ISO 8859-1.
 CallerIdentity Identify(const IdentityHeaders& headers);
 
 }  // namespace orven

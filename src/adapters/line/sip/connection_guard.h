@@ -13,15 +13,15 @@
 
 namespace orven {
 
-/// The SIP thread only uses descriptors below this number. Strangers who open many connections must leave
-/// files to the rest of the program.
+/// The SIP thread only uses descriptors below this number, so that strangers who open many connections leave
+/// descriptors to the rest of the program.
 inline constexpr int kMostDescriptors = 512;
 
 /// Limits the connections that others open to a line. It closes a connection whose peer does not read what we
-/// send or sends much without a message in it, and those that are too many. The library has no such limits:
-/// it answers each empty line, keeps up to 180 MB of answers for a peer that does not read them, and keeps
-/// what it has read until a piece ends with a line. It does not expose its connections, so they are watched
-/// by their descriptors. SIP thread.
+/// send or sends much without a message in it, and connections beyond its limits. The library has no such
+/// limits: it answers each empty line, keeps up to 180 MB of answers for a peer that does not read them, and
+/// buffers input until a read ends with a complete line. It does not expose its connections, so they are
+/// watched by their descriptors. SIP thread.
 class ConnectionGuard {
  public:
   /// `is_ours`: whether this local address is one of the line's.
@@ -33,21 +33,21 @@ class ConnectionGuard {
   void Start();
   void Stop();
 
-  /// Looks for new sockets, and closes connections that are too many.
+  /// Looks for new sockets, and closes connections beyond the limits.
   void Look();
 
-  /// A whole message has come over a connection.
+  /// A whole message has arrived over a connection.
   void Heard(const sip_msg& message);
 
-  /// The connection of this call is never closed as one too many, until the next call.
+  /// The connection of this call is exempt from the limits until the next call.
   void Spare(const sip_msg& invite);
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// What is known of a socket.
+  /// What is known about a socket.
   struct Watched {
-    std::uint64_t heard = 0;                 ///< bytes taken up to the latest message; 0: none has come
+    std::uint64_t heard = 0;                 ///< bytes taken up to the latest message; 0: none has arrived
     std::optional<Clock::time_point> stuck;  ///< since when what we send has not been read
   };
 
@@ -55,7 +55,7 @@ class ConnectionGuard {
     int descriptor;
     sa peer;
     int rank;                 ///< the highest rank is closed first
-    std::uint32_t silent_ms;  ///< since something came from there
+    std::uint32_t silent_ms;  ///< since the last bytes from the peer
   };
 
   void TakeReady();
@@ -66,7 +66,7 @@ class ConnectionGuard {
   static void CloseExcess(std::vector<Connection> connections);
 
   const std::function<bool(const sa&)> is_ours_;
-  int ready_ = -1;  ///< epoll(7): sockets from which something came
+  int ready_ = -1;  ///< epoll(7): sockets with input
   std::array<Watched, kMostDescriptors> watched_{};
   std::string call_;  ///< Call-ID of the call to spare
   int spared_ = -1;   ///< its connection
@@ -76,7 +76,7 @@ class ConnectionGuard {
 };
 
 /// Holds the file descriptors that a call needs, so that a stranger with many idle connections cannot prevent
-/// calls: descriptors that are released are the next to be assigned.
+/// calls: released descriptors are the next ones assigned.
 class DescriptorReserve {
  public:
   DescriptorReserve() {

@@ -52,7 +52,7 @@ class TelephoneEvents {
 /// Nothing when it names no key.
 std::optional<char> DigitOfInfo(std::string_view body);
 
-/// Detects touch tones (ITU-T Q.23) in received audio, which stays as it is. For one thread.
+/// Detects touch tones (ITU-T Q.23) in received audio, without changing it. For one thread.
 class DtmfDetector {
  public:
   /// `heard` is called within Listen, once for each tone, about 50 ms after its beginning.
@@ -72,10 +72,10 @@ class DtmfDetector {
 /// How a key press reaches us.
 enum class DigitSource : std::uint8_t { kTelephoneEvent, kInfo, kInBand };
 
-/// Makes one digit of a key press that arrives in several ways: telephones and gateways often send a press as
-/// an event and leave (part of) its tone in the audio, or repeat it in a SIP message. A report belongs to the
-/// earliest press of the same key within the last second that its source has not reported yet; a source
-/// reports each press once. For one thread.
+/// Merges the reports of one key press that arrive in several ways: telephones and gateways often send a
+/// press as an event and leave (part of) its tone in the audio, or repeat it in a SIP message. A report
+/// belongs to the earliest press of the same key within the last second that its source has not reported yet;
+/// a source reports each press once. For one thread.
 class DigitMerger {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -83,8 +83,8 @@ class DigitMerger {
   /// `source` heard `digit` at `now`. True when this is a new press.
   bool Report(DigitSource source, char digit, Time now);
 
-  /// `source` still hears its latest press: the key is held down. What other sources report of it until a
-  /// second after its end is the same press.
+  /// `source` still hears its latest press: the key is held down. Reports from other sources until a second
+  /// after its end are the same press.
   void Held(DigitSource source, Time now);
 
  private:

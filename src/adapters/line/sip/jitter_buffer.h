@@ -11,15 +11,15 @@
 
 namespace orven {
 
-/// Samples at their place on the stream's own time line.
+/// Samples with their position on the stream's time line.
 struct AudioFrame {
   std::int64_t start = 0;  ///< in samples; grows over the whole call, never wraps
   std::vector<std::int16_t> samples;
 };
 
-/// Puts a stream's packets in the order of their timestamps and drops duplicates and those that come too
-/// late. A stream that starts over (a new synchronisation source, or a jump in its timestamps) continues the
-/// time line without a gap. For one thread.
+/// Sorts a stream's packets by their timestamps and drops duplicates and late ones. A stream that starts over
+/// (a new synchronisation source, or a jump in its timestamps) continues the time line without a gap. For one
+/// thread.
 class ReorderBuffer {
  public:
   /// At most two seconds are kept; then the oldest packet is dropped.
@@ -53,10 +53,10 @@ class ReorderBuffer {
   int late_ = 0;                        ///< packets in a row that came too late
 };
 
-/// Turns packets that arrive irregularly into one block every 20 ms of our own clock: waits a little before
-/// it begins, conceals lost packets, is silent when nothing comes, and compensates for a sender whose clock
-/// runs faster or slower. Audio that arrives in time is passed on bit for bit. A person does not talk with
-/// the machine, so a longer delay is better than lost audio.
+/// Turns packets that arrive irregularly into one block every 20 ms of our own clock: buffers a little before
+/// it starts, conceals lost packets, outputs silence when nothing arrives, and compensates for a sender whose
+/// clock runs faster or slower. Audio that arrives in time is passed on bit for bit. A person does not talk
+/// with the machine, so a longer delay is better than lost audio.
 class JitterBuffer {
  public:
   JitterBuffer();
@@ -68,7 +68,7 @@ class JitterBuffer {
   /// Fills one block (160 samples).
   void Pull(std::span<std::int16_t> block);
 
-  /// Nothing that was received waits to be played.
+  /// No received audio waits to be played.
   bool Empty() const { return reorder_.Front() == nullptr && ready_.empty(); }
 
  private:
@@ -82,8 +82,8 @@ class JitterBuffer {
   ReorderBuffer reorder_;
   std::vector<std::int16_t> ready_;  ///< decoded and in order, not yet pulled
   std::int64_t position_ = 0;        ///< where the next frame should begin
-  std::int64_t concealed_ = 0;       ///< samples made up since the last real one
-  bool filling_ = true;              ///< waiting until enough is there to begin
+  std::int64_t concealed_ = 0;       ///< concealment samples since the last real one
+  bool filling_ = true;              ///< buffering before the start
   int filling_blocks_ = 0;
   std::size_t least_waiting_ = 0;  ///< in the current observation of the delay
   int observed_blocks_ = 0;

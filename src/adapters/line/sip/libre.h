@@ -50,9 +50,9 @@ std::optional<sa> ParseListenAddress(const std::string& text);
 sa LocalAddressTowards(const sa& peer);
 
 /// A timer of the SIP thread on the monotonic clock that also counts the time a computer is suspended
-/// (CLOCK_BOOTTIME). The library's own timers follow the wall clock: when that is set back they stop for as
-/// long, and a call's audio must not. Made, used and destroyed on the SIP thread; the callback may destroy
-/// it.
+/// (CLOCK_BOOTTIME). The library's own timers follow the wall clock: when it is set back they stop for as
+/// long, and a call's audio must not stop. Made, used and destroyed on the SIP thread; the callback may
+/// destroy it.
 class MonotonicTimer {
  public:
   explicit MonotonicTimer(std::function<void()> callback);

@@ -28,7 +28,7 @@ class NetworkWatch {
 
   const std::function<void(bool)> look_;
   int kernel_ = -1;    ///< rtnetlink(7); -1: not available
-  std::string names_;  ///< what the files looked like
+  std::string names_;  ///< the files' state at the last check
   MonotonicTimer settle_;
   MonotonicTimer tick_;
 };

@@ -31,7 +31,7 @@ class Registration {
   /// Looks up the server and registers there.
   void Start();
 
-  /// The computer's network has changed; `moved`: its addresses have. Registers at once where that helps.
+  /// The computer's network has changed; `moved`: its addresses have. Registers at once if that helps.
   void NetworkChanged(bool moved);
 
   /// Stops using `stack`, which is about to be destroyed.
@@ -76,7 +76,7 @@ class Registration {
   std::vector<sa> servers_;  ///< not yet tried, after the first, which is in use
   sip* stack_ = nullptr;     ///< of the latest request
   std::uint32_t sequence_ = 0;
-  sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is gone
+  sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is closed
   struct sip_request* request_ = nullptr;  ///< pending; the library clears it when answered
   MonotonicTimer timer_;
   MonotonicTimer keep_alive_timer_;

@@ -70,7 +70,7 @@ class DatagramSocket {
   DatagramSocket& operator=(const DatagramSocket&) = delete;
   ~DatagramSocket();
 
-  /// Hands over everything that has arrived by now; the loop does so, too, until LeaveToDrain.
+  /// Delivers all datagrams that have arrived; the event loop does so too, until LeaveToDrain.
   void Drain();
 
   /// From now on only Drain reads. For a caller that drains every 20 ms, being woken for each datagram as

@@ -18,12 +18,12 @@
 
 namespace orven {
 
-/// What a call learns from its audio. SIP thread, never inside RtpStream's operations.
+/// Events of a call's audio. SIP thread, never inside RtpStream's operations.
 class RtpStreamEvents {
  public:
   virtual ~RtpStreamEvents() = default;
 
-  /// The first audio of the peer has come.
+  /// The peer's first audio has arrived.
   virtual void PeerHeard() = 0;
   virtual void DigitHeard(DigitSource source, char digit) = 0;
   virtual void DigitHeld(DigitSource source) = 0;
@@ -31,8 +31,8 @@ class RtpStreamEvents {
   virtual void PeerLost() = 0;
 };
 
-/// One call's audio: every 20 ms it sends a block of what is played on the line, and hands a received block
-/// to what records. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
+/// One call's audio: every 20 ms it sends a block of the played audio and passes a received block to the
+/// recording. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
 class RtpStream {
  public:
   /// Binds a port pair at `address`; nullptr when there is none.
@@ -44,14 +44,14 @@ class RtpStream {
   /// Begins. Until the peer's address is known (`agreement` absent) it sends nothing and records silence.
   void Start(const std::optional<MediaAgreement>& agreement);
 
-  /// What is played has its first audio. If the peer has heard only silence so far, that audio leaves now,
-  /// and the 20 ms are counted from here.
+  /// The playing source has its first audio. If the peer has heard only silence so far, that audio is sent
+  /// now, and the 20 ms are counted from now.
   void SourceReady();
 
   /// A re-INVITE has changed the agreement: the peer may also send from another address now.
   void Update(const MediaAgreement& agreement);
 
-  /// Ends. First hands what has arrived and was not played yet to what records. Idempotent.
+  /// Ends. First passes the buffered audio to the recording. Idempotent.
   void Stop();
 
  private:

@@ -20,8 +20,7 @@ struct ServerName {
 };
 
 /// Finds a server's addresses with the computer's resolver, as it is configured at that moment. That may take
-/// long, so each search has a thread of its own; the result of a search that is given up is dropped. SIP
-/// thread.
+/// long, so each search has its own thread; the result of a cancelled search is dropped. SIP thread.
 class ServerLookup {
  public:
   /// The addresses with their ports, the best first; empty when the name is unknown.
@@ -32,7 +31,7 @@ class ServerLookup {
   ServerLookup& operator=(const ServerLookup&) = delete;
   ~ServerLookup();
 
-  /// Calls `found` later, or at once when there is nothing to search for. Gives up an earlier search.
+  /// Calls `found` later, or at once when there is nothing to search for. Cancels an earlier search.
   void Find(const ServerName& server, Found found);
 
   void GiveUp();

@@ -31,7 +31,7 @@ class SipAgent {
   void Drop(CallNumber call, std::int32_t request);
   void MonitorDigits(CallNumber call, bool on);
 
-  /// What is played to the caller has its first audio.
+  /// The playing source has its first audio.
   void SourceReady();
 
   /// Hangs up, removes the registration and calls `done` when the peer has confirmed, or after 1.5 s. Then

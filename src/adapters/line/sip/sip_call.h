@@ -16,7 +16,7 @@
 
 namespace orven {
 
-/// What a call needs of its line; all of it outlives the call.
+/// What a call needs from its line; all of it outlives the call.
 struct CallContext {
   sip* stack;
   sipsess_sock* sessions;
@@ -55,7 +55,7 @@ class SipCall : private RtpStreamEvents {
   /// Ends the call because the line closes.
   void HangUp();
   void MonitorDigits(bool on) { monitoring_ = on; }
-  /// What is played to the caller has its first audio.
+  /// The playing source has its first audio.
   void SourceReady() { stream_->SourceReady(); }
 
  private:

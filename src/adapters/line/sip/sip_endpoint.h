@@ -27,7 +27,7 @@ class SipEndpoint {
   SipEndpoint& operator=(const SipEndpoint&) = delete;
   ~SipEndpoint();
 
-  /// Starts to take requests. An errno value, or 0.
+  /// Starts to accept requests. An errno value, or 0.
   int Begin();
 
   /// Receives at `address`, by UDP and TCP or by the TLS of `context`. An errno value, or 0.
@@ -53,7 +53,7 @@ class SipEndpoint {
 /// The header line with the methods that we support (RFC 3261, section 20.5).
 inline constexpr const char* kAllowHeader = "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO\r\n";
 
-/// Who calls, from the headers of an INVITE.
+/// The caller, from the headers of an INVITE.
 CallerIdentity CallerOf(const sip_msg& invite);
 
 /// Checks that a request has what every request must have (RFC 3261, section 8.1.1). False when it has been

@@ -11,15 +11,15 @@ namespace orven {
 
 /// The time limits of a SIP line. They are not settings for users; tests shorten them.
 struct SipLineTimers {
-  /// An answered call that is not on hold has lost its peer after so long without audio.
+  /// Time without audio after which an answered call that is not on hold has lost its peer.
   std::chrono::milliseconds lost_media{30'000};
-  /// The same for a call on hold, where silence is the rule.
+  /// The same for a call on hold, where silence is normal.
   std::chrono::milliseconds lost_held{300'000};
   /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has no
   /// effect: the SIP library gives up then.
   std::chrono::milliseconds no_ack{32'000};
-  /// For so long the peer's computer has refused our packets (ICMP port unreachable) and sent none. One
-  /// refusal is not enough: a peer may open its port a moment late.
+  /// A call ends when the peer's computer has refused our packets (ICMP port unreachable) and sent none for
+  /// this time. One refusal is not enough: a peer may open its port a moment late.
   std::chrono::milliseconds unreachable{2'000};
   /// The first pause after a failed registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
@@ -37,7 +37,7 @@ struct RegistrationNews {
   State state = State::Trying;
   int status = 0;                      ///< of the server's answer (RFC 3261, section 21); 0 without one
   int error = 0;                       ///< errno value of a failed connection or request; else 0
-  std::string reason{};                ///< why it failed, in a few words for people
+  std::string reason{};                ///< why it failed, in a few words for the user
   std::chrono::milliseconds pause{0};  ///< before the next request, at the earliest; 0 while trying
 };
 

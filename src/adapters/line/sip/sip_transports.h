@@ -28,17 +28,17 @@ class SipTransports {
   struct Events {
     std::function<void(SipEndpoint&, const sip_msg&)> invite;  ///< as of SipEndpoint
     std::function<void()> closed;                              ///< after Close: all transactions are over
-    /// An endpoint's address is gone. False: its call has to end first, ask again later; true: it is not in
-    /// use.
+    /// An endpoint's address was removed. False: its call has to end first, ask again later; true: it is not
+    /// in use.
     std::function<bool(SipEndpoint&)> leaving;
   };
 
   SipTransports(const SipLineSettings& settings, Events events);
 
-  /// Listens at everything that `settings` names. Nothing on success.
+  /// Listens at all addresses in `settings`. Nothing on success.
   std::optional<OpenFailure> Start();
 
-  /// Listens at the computer's new addresses, and no longer at those that are gone. Whether there were any.
+  /// Listens at the computer's new addresses and stops at removed ones. Whether there were any.
   bool Follow();
 
   /// Uses the computer's present name servers for the names within calls.
@@ -57,7 +57,7 @@ class SipTransports {
   std::string ServerRefusal() const { return server_tls_ != nullptr ? server_tls_->Refusal() : ""; }
 
  private:
-  /// One configured address, and the addresses that it stands for at the moment.
+  /// One configured address, and the addresses that it currently resolves to.
   struct Listener {
     std::string text;
     sa address{};  ///< as configured

@@ -46,7 +46,8 @@ struct SrtpKeys {
 };
 
 /// Encrypts the RTP packets that we send with one key (RFC 3711). It counts the wraps of their sequence
-/// numbers, so there must be one for as long as the key is used: a second one would repeat the key stream.
+/// numbers, so one object must serve for as long as the key is used: a second one would repeat the key
+/// stream.
 class SrtpSender {
  public:
   /// Throws std::bad_alloc when the key cannot be used.

@@ -39,8 +39,8 @@ class TlsContext {
 };
 
 /// Makes a PEM file at `path` unless there is one: a new RSA key and a self-signed certificate, readable by
-/// the owner only, written whole or not at all. It encrypts; it proves our identity only to telephones that
-/// know it. Throws std::runtime_error with a sentence for the log.
+/// the owner only, written atomically. It encrypts; it proves our identity only to telephones that know it.
+/// Throws std::runtime_error with a sentence for the log.
 void MakeCertificateOnFirstUse(const std::string& path);
 
 }  // namespace orven
