@@ -5,14 +5,20 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QMetaProperty>
 #include <stdexcept>
 #include <string>
+
+#include "support/world.h"
 
 namespace orven::test {
 
 /// A test that drives one window by the object names of its controls.
 class WindowTest : public testing::Test {
  protected:
+  /// Names of controls or settings, each with its value.
+  using Values = std::vector<std::pair<const char*, std::string>>;
+
   /// Shows the window that the following calls are about, with the focus.
   void Show(QWidget& window) {
     window_ = &window;
@@ -20,16 +26,38 @@ class WindowTest : public testing::Test {
     QApplication::setActiveWindow(&window);
   }
   template <class Control = QWidget>
-  Control& Get(const char* name) const {
-    auto* control = window_->findChild<Control*>(QString::fromLatin1(name));
+  Control& Get(const std::string& name) const {
+    auto* control = window_->findChild<Control*>(QString::fromStdString(name));
     if (control == nullptr) throw std::runtime_error(name);
     return *control;
   }
-  void Click(const char* button) const { Get<QAbstractButton>(button).click(); }
-  bool Shows(const char* control) const { return Get(control).isVisible(); }
+  void Click(const std::string& button) const { Get<QAbstractButton>(button).click(); }
+  void Set(const Values& values) const {
+    for (const auto& [name, value] : values) {
+      auto& control = Get(name);
+      EXPECT_TRUE(control.metaObject()->userProperty().write(&control, QString::fromStdString(value)))
+          << name;
+    }
+  }
+  /// What a control shows: a text, a number, "true" or "false".
+  std::string Shown(const std::string& name) const {
+    const auto& control = Get(name);
+    const auto value = control.metaObject()->userProperty();
+    return (value.isValid() ? value.read(&control) : control.property("text")).toString().toStdString();
+  }
+  void ExpectShown(const Values& values) const {
+    for (const auto& [name, value] : values) EXPECT_EQ(Shown(name), value) << name;
+  }
+  void ExpectStored(const Values& values) {
+    for (const auto& [name, value] : values) EXPECT_EQ(world.registry.Text(name), value) << name;
+  }
+  bool Visible(const std::string& control) const { return Get(control).isVisible(); }
+  bool Enabled(const std::string& control) const { return Get(control).isEnabled(); }
   std::string Focused() const {
     return window_->focusWidget() == nullptr ? "" : window_->focusWidget()->objectName().toStdString();
   }
+
+  World world;
 
  private:
   QWidget* window_ = nullptr;

@@ -70,7 +70,7 @@ void FileCalls(Desk& desk, int count) {
     const auto& call = kCalls[static_cast<std::size_t>(i) % std::size(kCalls)];
     const auto file = std::to_string(i) + ".wav";
     if (call.seconds > 0 && i < static_cast<int>(std::size(kCalls))) {
-      PutFile(desk.home / ("Messages/" + file), WaveFile(Speech(call.seconds, static_cast<unsigned>(i) + 1)));
+      PutWave(desk.home / ("Messages/" + file), Speech(call.seconds, static_cast<unsigned>(i) + 1));
     }
     records.AddNew();
     records.SetField(kCallName, call.name);

@@ -3,11 +3,10 @@
 
 #include <cctype>
 #include <sstream>
-#include "base/runtime_error.h"
 
+#include "base/runtime_error.h"
 #include "greetings/frmGreetC.h"
 #include "gui/window_test.h"
-#include "support/world.h"
 
 namespace orven::test {
 
@@ -17,6 +16,7 @@ class CreatorWindow : public WindowTest {
   CreatorWindow() {
     world.registry.Write(RegistryRoot::ClassesRoot, "SAPI.SpVoice", std::array{RegString("", "SpVoice")});
     world.Start().RunFor(1s);  // the beep of the open line is over
+    Open();
   }
   /// Opens and loads a new window, with a new helper.
   void Open(bool helper_answers = true) {
@@ -31,19 +31,13 @@ class CreatorWindow : public WindowTest {
     Show(*window);
     QApplication::processEvents();
   }
-  void Type(const std::string& text) {
-    Get<QPlainTextEdit>("txtTTS").setPlainText(QString::fromStdString(text));
-  }
-  void Name(const char* name) { Get<QLineEdit>("txtGreetingName").setText(QString::fromUtf8(name)); }
   void ChooseTab(int tab) { Get<QTabWidget>("TabStrip1").setCurrentIndex(tab); }
-  std::string Text(const char* label) { return Get<QLabel>(label).text().toStdString(); }
-  int Value(const char* bar) { return Get<QProgressBar>(bar).value(); }
   /// The enabled buttons, in the order of their use.
-  std::string Enabled() {
+  std::string Buttons() {
     std::string enabled;
     for (const char* name :
          {"cmdRec", "cmdStopRec", "cmdPlay", "cmdStopPlay", "cmdCreateGreeting", "cmdOK"}) {
-      if (Get(name).isEnabled()) enabled += std::string(enabled.empty() ? "" : " ") + name;
+      if (Enabled(name)) enabled += std::string(enabled.empty() ? "" : " ") + name;
     }
     return enabled;
   }
@@ -57,7 +51,7 @@ class CreatorWindow : public WindowTest {
   void Do(const std::string& script) {
     std::istringstream words(script);
     for (std::string word; words >> word;) {
-      if (std::isdigit(word[0]) == 0) Click(word.c_str());
+      if (std::isdigit(word[0]) == 0) Click(word);
       if (std::isdigit(word[0]) != 0) world.RunFor(std::stoi(word) * (word.ends_with("ms") ? 1ms : 1000ms));
     }
   }
@@ -68,12 +62,11 @@ class CreatorWindow : public WindowTest {
         world.time.After(after, [this] { world.files.Put(speech_file, TimedWave::Sound(3s)); });
     };
   }
-  std::string Greeting(const std::string& name) const { return greetings + name + ".wav"; }
+  std::string Saved(const std::string& name) const { return world.files.Content(greetings + name + ".wav"); }
 
   const std::string greetings = std::string(World::kHome) + "/Greets/";
   const std::string speaker_file = std::string(World::kHome) + "/spktmp.wav";
   const std::string speech_file = std::string(World::kHome) + "/ttstmp.wav";
-  World world;
   std::vector<std::string> saved;
   std::unique_ptr<frmGreetC> window;
   std::unique_ptr<GreetingCreator> engine;

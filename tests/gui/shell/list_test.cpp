@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The call list in the window. What its commands decide is tested with the engine's ListCommands.
+// The call list and the player in the window. What their commands decide is tested with the engine's
+// ListCommands.
 #include <gmock/gmock.h>
 
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
-#include <QMenu>
 #include <QScrollBar>
+#include <QSlider>
 #include <QToolTip>
 
 #include "records/call.h"
@@ -21,22 +22,39 @@ class List : public testing::Test {
   List() {
     desk.File({{"Cleo", 300}, {"Ben"}, {"Anna", 100}});
     desk.Start();
-    other.Open(desk.home / "Calls");
   }
   int Rows() { return view.model()->rowCount(); }
+  QPoint Cell(int row, int column) {
+    return view.visualRect(view.model()->index(row - 1, column - 1)).center();
+  }
   void Key(Qt::Key key) { QTest::keyClick(&view, key); }
+  void DoubleClick(int row) {
+    desk.ClickRow(row);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, Cell(row, 2));
+  }
   bool Shown(const char* menu) {
     const bool visible = desk.Get<QMenu>(menu).isVisible();
     desk.Get<QMenu>(menu).hide();
     return visible;
   }
+  /// The selected row and whether its call is read: "2 read", "3 new".
+  std::string Selected() {
+    const auto rows = view.selectionModel()->selectedRows();
+    if (rows.isEmpty()) return "none";
+    const bool bold = rows.first().data(Qt::FontRole).value<QFont>().bold();
+    return std::to_string(rows.first().row() + 1) + (bold ? " new" : " read");
+  }
+  bool TimesBecome(const char* text) {
+    return QTest::qWaitFor([&] { return desk.Get<QLabel>("lblTimes").text() == QLatin1String(text); });
+  }
+  double Position() { return double(desk.WavePlay.Position().count()); }
 
   Desk desk;
   QAbstractItemView& view = desk.Get<QAbstractItemView>("ListView1");
-  SqliteDatabase other{{"Calls", {kCallFields.begin(), kCallFields.end()}}};  ///< another program's
+  QSlider& slider = desk.Get<QSlider>("Slider1");
 };
 
-TEST_F(List, ShowsEachCallNewestFirstAndUnreadOnesBold) {
+TEST_F(List, ShowsEachCallAndClicksReadPlayAndOpenTheRowsMenu) {
   QStringList headers, first_row;
   for (int column = 0; column < view.model()->columnCount(); ++column) {
     headers << view.model()->headerData(column, Qt::Horizontal).toString();
@@ -45,25 +63,18 @@ TEST_F(List, ShowsEachCallNewestFirstAndUnreadOnesBold) {
   EXPECT_EQ(headers.join(u'|'), "Type|Length|Date|Time|Number|Name");
   EXPECT_EQ(first_row.join(u'|'), "|2|11/21/2026|09:12:00|555-0112|Anna");
   EXPECT_EQ(desk.Cell(2, 2) + desk.Cell(3, 6), "Cleo");
-  const auto is_bold = [&] { return view.model()->index(1, 5).data(Qt::FontRole).value<QFont>().bold(); };
-  EXPECT_TRUE(is_bold());
   desk.ClickRow(2);
-  EXPECT_FALSE(is_bold());
-}
-
-TEST_F(List, ClicksReadPlayAndOpenTheRowsMenu) {
-  desk.ClickRow(2);
-  EXPECT_TRUE(desk.SelectedRow() == 2 && desk.IsRead(2));
+  EXPECT_EQ(Selected(), "2 read");
   desk.ClickRow(3);
-  EXPECT_FALSE(desk.IsRead(3) || desk.card.Plays());
-  desk.DoubleClickRow(3);
+  EXPECT_EQ(Selected(), "3 new");
+  DoubleClick(3);
   EXPECT_EQ(desk.card.Hear(), 300);
-  EXPECT_TRUE(desk.IsRead(3));
-  QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, desk.PointIn(3));
+  EXPECT_EQ(Selected(), "3 read");
+  QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, Cell(3, 2));
   EXPECT_TRUE(desk.card.Plays()) << "releasing the button is no second click";
   desk.ClickRow(1, Qt::RightButton);
-  EXPECT_FALSE(desk.card.Plays());
-  EXPECT_TRUE(desk.SelectedRow() == 1 && Shown("mnuRightClick") && !desk.IsRead(1));
+  EXPECT_TRUE(Shown("mnuRightClick") && !desk.card.Plays());
+  EXPECT_EQ(Selected(), "1 new");
   desk.ClickRow(2, Qt::RightButton);
   EXPECT_TRUE(Shown("mnuNoMessageRightClick"));
   QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
@@ -72,30 +83,28 @@ TEST_F(List, ClicksReadPlayAndOpenTheRowsMenu) {
 }
 
 TEST_F(List, EachCommandActsOnTheSelectedCall) {
-  const struct {
-    const char* command;
-    int selected;
-    bool read;  ///< that row, afterwards
-  } steps[] = {{"mnuLast", 3, false},
-               {"mnuBack", 2, true},
-               {"mnuNoMesMarkasunread", 2, false},
-               {"mnuNoMesMarkasRead", 2, true},
-               {"mnuBack", 1, true},
-               {"mnuBack", 1, true},
-               {"mnuNext", 2, true},
-               {"mnuNext", 3, true},
-               {"mnuFirst", 1, true},
-               {"mnuMarkasunread", 1, false},
-               {"mnuRCMarkAsRead", 1, true}};
-  for (const auto& [command, selected, read] : steps) {
+  const std::pair<const char*, const char*> steps[] = {{"mnuLast", "3 new"},
+                                                       {"mnuBack", "2 read"},
+                                                       {"mnuNoMesMarkasunread", "2 new"},
+                                                       {"mnuNoMesMarkasRead", "2 read"},
+                                                       {"Toolbar1.Back", "1 read"},
+                                                       {"mnuBack", "1 read"},
+                                                       {"Toolbar1.Next", "2 read"},
+                                                       {"mnuNext", "3 read"},
+                                                       {"mnuFirst", "1 read"},
+                                                       {"mnuMarkasunread", "1 new"},
+                                                       {"mnuRCMarkAsRead", "1 read"}};
+  for (const auto& [command, selected] : steps) {
     desk.Do(command);
-    EXPECT_TRUE(desk.SelectedRow() == selected && desk.IsRead(selected) == read) << command << selected;
+    EXPECT_EQ(Selected(), selected) << command;
   }
-  desk.Do("ToolBarPlayer.Play");
-  desk.Do("Toolbar1.Next");
-  EXPECT_FALSE(desk.card.Plays());
-  desk.Do("Toolbar1.Back");
-  EXPECT_EQ(desk.SelectedRow(), 1);
+  for (const auto& [play, stop] : {std::pair("mnuPlay", "mnuStop"), std::pair("mnuRCPlay", "mnuTCStop")}) {
+    desk.Do(play);
+    EXPECT_EQ(desk.card.Hear(), 100) << play;
+    EXPECT_TRUE(slider.isEnabled());
+    desk.Do(stop);
+    EXPECT_FALSE(desk.card.Plays() || slider.isEnabled()) << stop;
+  }
 }
 
 TEST_F(List, CanBeUsedByTheKeyboardAlone) {
@@ -104,7 +113,7 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
   EXPECT_EQ(plays(Qt::Key_Escape), 0);
   Key(Qt::Key_Down);
   EXPECT_EQ(desk.Machine().ListView1.Selected(), 2);
-  EXPECT_FALSE(desk.IsRead(2)) << "moving over a call does not read it";
+  EXPECT_EQ(Selected(), "2 new") << "moving over a call does not read it";
   Key(Qt::Key_End);
   EXPECT_EQ(plays(Qt::Key_Return), 300);
   Key(Qt::Key_Home);
@@ -129,11 +138,12 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
 }
 
 TEST_F(List, DeletesSavesAndClearsAndOffersNothingForAnEmptyList) {
-  desk.dialogs.save_as = desk.home / "copy.wav";
+  const auto copy = desk.home / "copy.wav", cleos = desk.home / "Messages/Cleo.wav";
+  desk.dialogs.save_as = copy;
   for (const auto& command : {"mnuSave", "mnuRCSave"}) {
     desk.Do(command);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.files.Exists(desk.home / "copy.wav"); })) << command;
-    desk.files.Delete(desk.home / "copy.wav");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.files.Exists(copy); })) << command;
+    desk.files.Delete(copy);
   }
   desk.ClickRow(3);
   for (const char* command : {"mnuRCMessageDelete", "mnuClear"}) desk.Do(command);
@@ -142,7 +152,7 @@ TEST_F(List, DeletesSavesAndClearsAndOffersNothingForAnEmptyList) {
   EXPECT_EQ(Rows(), 3);
   desk.dialogs.yes = true;
   desk.Do("Toolbar1.Delete");
-  EXPECT_FALSE(desk.files.Exists(desk.MessagePath("Cleo")));
+  EXPECT_FALSE(desk.files.Exists(cleos));
   for (const char* command : {"mnuNoMessageDeleteRC", "mnuDelete"}) desk.Do(command);
   EXPECT_EQ(Rows(), 0);
   for (const char* name : {"mnuSave", "mnuDelete", "mnuPlay", "mnuClear"})
@@ -150,39 +160,80 @@ TEST_F(List, DeletesSavesAndClearsAndOffersNothingForAnEmptyList) {
   desk.File({{"Dora", 50}});
   QEvent activation(QEvent::ActivationChange);
   QApplication::sendEvent(&desk.window, &activation);
+  EXPECT_EQ(Rows(), 1) << "another program has added a call";
   desk.Do("Toolbar1.Clear");
-  EXPECT_TRUE(Rows() == 0 && desk.files.Exists(desk.MessagePath("Dora")));
+  EXPECT_EQ(Rows(), 0);
 }
 
-TEST_F(List, AnotherProgramsDeletionMovesNoClickToAnotherCall) {
+TEST_F(List, ADoubleClickOnARowThatMovedPlaysNothing) {
+  SqliteDatabase other({"Calls", {kCallFields.begin(), kCallFields.end()}});
+  other.Open(desk.home / "Calls");
   other.MoveTo(2);
   other.Delete();
-  desk.DoubleClickRow(2);
+  DoubleClick(2);
   EXPECT_FALSE(desk.card.Plays());
-  EXPECT_FALSE(desk.IsRead(2)) << "Cleo's, not Ben's as it was";
-  desk.window.grab();
-  other.MoveTo(1);
-  other.Delete();
-  desk.ClickRow(1, Qt::RightButton);
-  EXPECT_TRUE(Shown("mnuRightClick")) << "Anna's row has not changed";
-  other.DeleteAll();
-  for (const char* name :
-       {"mnuNext", "mnuMarkasunread", "mnuSave", "mnuLast", "mnuStop", "mnuPlay", "mnuDelete"})
-    desk.Do(name);
-  desk.Machine().ListView1.makeList();
-  EXPECT_TRUE(Rows() == 0 && desk.SelectedRow() == 0);
+  EXPECT_EQ(Selected(), "2 new") << "Cleo's, not Ben's as it was";
 }
 
 TEST_F(List, ACutTextIsShownInATip) {
   const QString name = "A name that no column has room for, however wide the window is made on a desk";
   desk.File({{name.toStdString()}});
   desk.Machine().ListView1.makeList();
-  for (const auto& [row, tip] : {std::pair(1, QString()), std::pair(0, name)}) {
-    const auto cell = view.visualRect(view.model()->index(row, 5)).center();
-    QHelpEvent event(QEvent::ToolTip, cell, view.viewport()->mapToGlobal(cell));
+  for (const auto& [row, tip] : {std::pair(2, QString()), std::pair(1, name)}) {
+    QHelpEvent event(QEvent::ToolTip, Cell(row, 6), view.viewport()->mapToGlobal(Cell(row, 6)));
     QApplication::sendEvent(view.viewport(), &event);
     EXPECT_EQ(QToolTip::text(), tip);
   }
+}
+
+TEST_F(List, SliderAndPictureFollowAndSeekAndAHeldSliderStays) {
+  desk.ClickRow(1);
+  ASSERT_TRUE(TimesBecome("0:00 / 0:02"));
+  desk.Do("ToolBarPlayer.Play");
+  auto& picture = desk.Get<QWidget>("Waveform");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return picture.cursor().shape() == Qt::PointingHandCursor; }));
+  QTest::mouseClick(&picture, Qt::LeftButton, {}, picture.rect().center());
+  EXPECT_TRUE(TimesBecome("0:01 / 0:02"));
+  EXPECT_NEAR(slider.value(), 50, 1);
+  EXPECT_NEAR(Position(), 1000, 40);
+  QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, slider.height() / 2});
+  EXPECT_NEAR(Position(), 500, 60);
+  const QPoint at(slider.width() * 3 / 4, slider.height() / 2);
+  QTest::mousePress(&slider, Qt::LeftButton, {}, at);
+  desk.window.ShowSlider(3);
+  EXPECT_NEAR(slider.value(), 75, 2);
+  EXPECT_LT(Position(), 1000);
+  QTest::mouseRelease(&slider, Qt::LeftButton, {}, at);
+  EXPECT_NEAR(Position(), 1500, 60);
+  QTest::keyClick(&slider, Qt::Key_End);
+  EXPECT_GE(Position(), 1900);
+  QTest::mousePress(&slider, Qt::LeftButton, {}, at);
+  while (desk.card.Hear() != 0) continue;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !slider.isEnabled(); }));
+  QTest::mouseRelease(&slider, Qt::LeftButton, {}, at);
+  EXPECT_FALSE(desk.card.Plays());
+}
+
+TEST(PlayerPicture, ShowsPeaksAndWhatHasBeenPlayed) {
+  WaveformWidget picture(nullptr);
+  picture.resize(300, picture.height());
+  const auto pixel = [&](int x, int y) { return picture.grab().toImage().pixelColor(x, y); };
+  const auto background = picture.palette().color(QPalette::Window);
+  const auto height = [&](int x) {
+    int coloured = 0;
+    for (int y = 0; y < picture.height(); ++y) coloured += pixel(x, y) != background ? 1 : 0;
+    return coloured;
+  };
+  EXPECT_EQ(height(100), 1);
+  Waveform waveform{std::vector<float>(100, 0.0F), std::chrono::seconds(10)};
+  std::fill(waveform.peaks.begin() + 50, waveform.peaks.end(), 1.0F);
+  picture.ShowWaveform(waveform);
+  EXPECT_EQ(height(60), 1);
+  EXPECT_GE(height(240), picture.height() - 2);
+  const auto played = pixel(240, 20), unplayed = pixel(288, 20);
+  picture.ShowProgress(std::chrono::seconds(9), std::chrono::seconds(10));
+  EXPECT_NE(pixel(240, 20), played);
+  EXPECT_EQ(pixel(288, 20), unplayed);
 }
 
 TEST(LongList, KeepsTheRowsInSightWhenCallsComeAndGo) {
@@ -200,7 +251,7 @@ TEST(LongList, KeepsTheRowsInSightWhenCallsComeAndGo) {
   const auto seen = first_in_sight(), selected = desk.Cell(40, 5);
   const auto stays = [&](int row) {
     EXPECT_EQ(first_in_sight(), seen);
-    EXPECT_EQ(desk.SelectedRow(), row);
+    EXPECT_TRUE(list.selectionModel()->isRowSelected(row - 1));
     EXPECT_EQ(desk.Cell(row, 5), selected);
   };
   desk.File({{"New"}, {"New"}});
@@ -220,26 +271,22 @@ TEST(LongList, AsksOnlyForTheRowsThatAreSeen) {
     if (index % 7 == 0) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return CallRow{kUnreadMessage, "5", "11/21/2026", "12:00", std::to_string(index), "Name", "key"};
   });
-  list.ShowColumns(
-      {{"Type", 400}, {"Length", 500}, {"Date", 1000}, {"Time", 1000}, {"Number", 1800}, {"Name", 1600}});
+  list.ShowColumns({{"Type", 400}, {"Length", 500}, {"Date", 1000}});
   list.resize(600, 400);
   list.ShowRowCount(kRows);
   list.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
   const int on_a_page = list.viewport()->height() / list.rowHeight(0) + 2;
-  const std::pair<const char*, std::function<void()>> actions[] = {
-      {"insert", [&] { list.ShowRowsInserted(1); }},
-      {"select the last", [&] { list.ShowSelection(kRows), list.EnsureVisible(kRows); }},
-      {"change", [&] { list.ShowRowsChanged(); }},
-      {"remove", [&] { list.ShowRowRemoved(5); }},
-      {"type", [&] { QTest::keyClicks(&list, "zzz"), list.ShowRowsChanged(); }},
-      {"scroll", [&] { list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum() / 2); }}};
-  for (const auto& [what, action] : actions) {
+  const std::function<void()> actions[] = {
+      [&] { list.ShowRowsInserted(1); }, [&] { list.ShowSelection(kRows), list.EnsureVisible(kRows); },
+      [&] { list.ShowRowRemoved(5); }, [&] { QTest::keyClicks(&list, "zzz"), list.ShowRowsChanged(); },
+      [&] { list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum() / 2); }};
+  for (const auto& action : actions) {
     asked = 0;
     action();
     list.grab();
-    EXPECT_GT(asked, 0) << what;
-    EXPECT_LE(asked, 2 * on_a_page) << what;
+    EXPECT_GT(asked, 0) << &action - actions;
+    EXPECT_LE(asked, 2 * on_a_page) << &action - actions;
   }
 }
 

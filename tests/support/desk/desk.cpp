@@ -9,25 +9,11 @@
 namespace orven::test {
 namespace {
 
-const char* const kSettings = R"(Windows Registry Editor Version 5.00
-
-[HKEY_LOCAL_MACHINE\SOFTWARE\ORVEN]
-"NumOfRing"="4"
-"Greeting"="Holiday"
-"RecordMessage"="1"
-"MaxRec"="2"
-"Modem"="-1"
-"Sound"="0"
-"WornDelete"="1"
-"WornClear"="1"
-"cLogSys"="1"
-"cLogCalls"="1"
-"pQuickToolbar"="1"
-"MeTop"="600"
-"MeLeft"="450"
-"MeWidth"="10500"
-"MeHeight"="7500"
-)";
+constexpr std::pair<const char*, const char*> kSettings[] = {
+    {"NumOfRing", "4"}, {"Greeting", "Holiday"}, {"RecordMessage", "1"}, {"MaxRec", "2"},
+    {"Modem", "-1"},    {"Sound", "0"},          {"WornDelete", "1"},    {"WornClear", "1"},
+    {"cLogSys", "1"},   {"cLogCalls", "1"},      {"pQuickToolbar", "1"}, {"MeTop", "600"},
+    {"MeLeft", "450"},  {"MeWidth", "10500"},    {"MeHeight", "7500"}};
 
 SharedOptions InFolder(const ScratchFolder& folder) {
   SharedOptions shared;
@@ -46,10 +32,11 @@ Desk::Desk(const std::string& settings)
       registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
       database({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}),
       WavePlay(loop, card, home / "Rescued") {
-  PutFile(home / "registry.reg", kSettings + ("\"MassagesPath\"=\"" + home / "Messages/\"\n") + settings);
-  for (const char* name : {"Default", "Holiday", "Office"}) {
-    PutFile(home / ("Greets/" + std::string(name) + ".wav"), ToneOf(77, 500));
-  }
+  std::string stored = "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\n";
+  for (const auto& [name, value] : kSettings) stored += "\"" + std::string(name) + "\"=\"" + value + "\"\n";
+  PutFile(home / "registry.reg", stored + "\"MassagesPath\"=\"" + home / "Messages/\"\n" + settings);
+  for (const std::string name : {"Default", "Holiday", "Office"})
+    PutWave(home / ("Greets/" + name + ".wav"), std::vector<std::int16_t>(4000, 77));
   auto driver = std::make_unique<SimLine>("Home", loop);
   line = driver.get();
   std::vector<TelephoneDevice> devices;
@@ -72,7 +59,8 @@ void Desk::File(const std::vector<FiledCall>& calls) {
   int minute = records.RecordCount();
   for (const auto& call : calls) {
     const auto file = call.name + ".wav";
-    if (call.message != 0) PutFile(home / ("Messages/" + file), ToneOf(call.message, 2000));
+    if (call.message != 0)
+      PutWave(home / ("Messages/" + file), std::vector<std::int16_t>(2 * kSampleRate, call.message));
     records.AddNew();
     records.SetField(kCallName, call.name);
     records.SetField(kCallNumber, "555-01" + std::to_string(10 + minute % 90));
@@ -99,23 +87,13 @@ void Desk::Do(const char* command) {
   Get<QAction>(command).trigger();
 }
 
-QPoint Desk::PointIn(int row) {
-  auto& list = Get<QAbstractItemView>("ListView1");
-  return list.visualRect(list.model()->index(row - 1, 1)).center();
-}
-
 void Desk::ClickRow(int row, Qt::MouseButton button) {
   auto& list = Get<QAbstractItemView>("ListView1");
+  const auto point = list.visualRect(list.model()->index(row - 1, 1)).center();
   mouse.down = {button == Qt::LeftButton ? kLeftButton : kRightButton};
-  QTest::mousePress(list.viewport(), button, {}, PointIn(row));
+  QTest::mousePress(list.viewport(), button, {}, point);
   mouse.down.clear();
-  QTest::mouseRelease(list.viewport(), button, {}, PointIn(row));
-}
-
-void Desk::DoubleClickRow(int row) {
-  ClickRow(row);
-  auto* viewport = Get<QAbstractItemView>("ListView1").viewport();
-  QTest::mouseDClick(viewport, Qt::LeftButton, {}, PointIn(row));
+  QTest::mouseRelease(list.viewport(), button, {}, point);
 }
 
 QString Desk::Cell(int row, int column) {
@@ -123,25 +101,8 @@ QString Desk::Cell(int row, int column) {
   return model.data(model.index(row - 1, column - 1)).toString();
 }
 
-int Desk::SelectedRow() {
-  const auto rows = Get<QAbstractItemView>("ListView1").selectionModel()->selectedRows();
-  return rows.isEmpty() ? 0 : rows.first().row() + 1;
-}
-
-bool Desk::IsRead(int row) {
-  const auto icon = Machine().ListView1.Row(row).icon;
-  return icon == kReadMessage || icon == kReadNoMessage;
-}
-
 std::string Desk::Setting(const std::string& name) {
   return GetRegValue(registry, RegistryRoot::LocalMachine, kSettingsKey, name);
-}
-
-bool Desk::Logged(const std::string& text) const {
-  for (const auto& entry : std::filesystem::directory_iterator(home / "Log")) {
-    if (ContentOf(entry.path().string()).find(text) != std::string::npos) return true;
-  }
-  return false;
 }
 
 }  // namespace orven::test

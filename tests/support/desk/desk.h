@@ -8,9 +8,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QTest>
-#include <chrono>
-#include <memory>
-#include <string>
 
 #include "adapters/audio/file_wave_control.h"
 #include "adapters/audio/waveform_reader.h"
@@ -30,7 +27,7 @@
 
 namespace orven::test {
 
-/// A call for the list. `message` is the sample that it consists of (ToneOf), 0 for no message.
+/// A call for the list. `message` is the sample that its message consists of, 0 for no message.
 struct FiledCall {
   std::string name;
   std::int16_t message = 0;
@@ -64,16 +61,9 @@ class Desk {
 
   /// Clicks on a row, 1-based; the mouse port sees the button down meanwhile.
   void ClickRow(int row, Qt::MouseButton button = Qt::LeftButton);
-  void DoubleClickRow(int row);
-  QPoint PointIn(int row);
   /// A cell's text, 1-based.
   QString Cell(int row, int column);
-  /// The row that the list shows as selected, 0 for none.
-  int SelectedRow();
-  bool IsRead(int row);
-
   std::string Setting(const std::string& name);
-  bool Logged(const std::string& text) const;
   std::string MessagePath(const std::string& name) const { return home / ("Messages/" + name + ".wav"); }
 
   AnsweringMachine& Machine() { return engine->Machine(); }
