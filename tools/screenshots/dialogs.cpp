@@ -85,7 +85,7 @@ bool MakeDialogs(const QString& folder, const QByteArray& /*name*/) {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   Desk desk(kSettings);
   for (const char* name : {"Message.wav", "Ring.wav"}) {
-    PutFile(desk.home / ("Sound/" + std::string(name)), ToneOf(77, 500));
+    PutWave(desk.home / ("Sound/" + std::string(name)), std::vector<std::int16_t>(4000, 77));
   }
   desk.Start();
   return Save(CallerViews(desk), folder + QStringLiteral("/caller_view.png")) &&

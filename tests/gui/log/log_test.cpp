@@ -6,7 +6,6 @@
 #include "gui/window_test.h"
 #include "log/frmLog.h"
 #include "shell/frmMain.h"
-#include "support/world.h"
 
 namespace orven::test {
 namespace {
@@ -20,14 +19,16 @@ class LogWindow : public WindowTest {
     world.registry.Set("LogFor", "1 Last Month");
     Put("1_Sys.txt", "10:00:00 : short\r\n10:00:01 : a much, much longer line\r\n");
     Put("2_Calls.txt", "10:00:02 : Ring:3 [UNKNOWN:UNKNOWN]\r\n");
+    world.files.PutAt(folder + "0_Sys.txt", world.time.Now() - 40 * 24h);
   }
   void Put(const char* name, std::string content) { world.files.Put(folder + name, std::move(content)); }
-  void PutOld(std::chrono::hours age) { world.files.PutAt(folder + "0_Sys.txt", world.time.Now() - age); }
   void Open() {
     const auto properties = [this](LogViewer& viewer, QWidget& parent) {
       LogProperties engine(machine.settings, machine.store, machine.log, viewer.Refresher());
       frmLogProp opened(engine, &parent);
-      use_properties(opened);
+      Show(opened);
+      use_properties();
+      Show(*window);
     };
     window = std::make_unique<frmLog>(
         LogViewer::Parts{machine.log, world.files, world.background, machine.store, machine.settings,
@@ -36,43 +37,39 @@ class LogWindow : public WindowTest {
     Show(*window);
     world.RunFor(1ms);
   }
-  QListWidget& List1() { return Get<QListWidget>("List1"); }
-  LogLineList& List2() { return Get<LogLineList>("List2"); }
-  QString State() { return Get<QLabel>("lblState").text(); }
   void ClickFile(const char* name, std::chrono::milliseconds wait = 1ms) {
-    auto* item = List1().findItems(QLatin1String(name), Qt::MatchExactly)[0];
-    QTest::mouseClick(List1().viewport(), Qt::LeftButton, {}, List1().visualItemRect(item).center());
+    auto& list = Get<QListWidget>("List1");
+    const auto place = list.visualItemRect(list.findItems(QLatin1String(name), Qt::MatchExactly)[0]);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place.center());
     world.RunFor(wait);
   }
-  QString Shown(int row) { return List2().model()->index(row, 0).data().toString(); }
-  int Rows() { return List2().model()->rowCount(); }
+  LogLineList& Lines() { return Get<LogLineList>("List2"); }
+  QString Line(int row) { return Lines().model()->index(row, 0).data().toString(); }
+  /// How many lines are shown, and what is said of them.
+  std::string State() { return std::to_string(Lines().model()->rowCount()) + ": " + Shown("lblState"); }
   std::string Files() {
+    const auto& list = Get<QListWidget>("List1");
     std::string names;
-    for (int row = 0; row < List1().count(); ++row) names += List1().item(row)->text().toStdString() + " ";
+    for (int row = 0; row < list.count(); ++row) names += list.item(row)->text().toStdString() + " ";
     return names;
   }
 
-  World world;
   AnsweringMachine& machine = world.Machine();
   const std::string folder = std::string(World::kHome) + "/Log/";
-  std::function<void(frmLogProp&)> use_properties;
+  std::function<void()> use_properties;
   std::vector<std::string> saved;
   std::unique_ptr<frmLog> window;
 };
 
 TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
-  PutOld(40 * 24h);
   Open();
   EXPECT_EQ(Files(), "1_Sys.txt 2_Calls.txt ");
-  auto& filter = Get<QComboBox>("cmbWhatToShow");
-  EXPECT_EQ(filter.itemText(0) + filter.itemText(1) + filter.itemText(2), u"AllCallsSystem");
-  EXPECT_FALSE(Get("cmdDelete").isEnabled() || Get("cmdSaveAs").isEnabled());
+  EXPECT_FALSE(Enabled("cmdDelete"));
   ClickFile("1_Sys.txt");
-  EXPECT_EQ(State(), u"2 lines");
-  EXPECT_EQ(Rows(), 2);
-  EXPECT_EQ(Shown(1), u"10:00:01 : a much, much longer line");
-  auto& list = List2();
-  EXPECT_EQ(list.Extent(), std::ceil(QFontMetricsF(window->font()).horizontalAdvance(Shown(1))) + 50);
+  EXPECT_EQ(State(), "2: 2 lines");
+  EXPECT_EQ(Line(1), u"10:00:01 : a much, much longer line");
+  auto& list = Lines();
+  EXPECT_EQ(list.Extent(), std::ceil(QFontMetricsF(window->font()).horizontalAdvance(Line(1))) + 50);
   window->resize(10, 10);
   list.setFixedWidth(120);
   EXPECT_TRUE(QTest::qWaitFor([&] { return list.viewport()->width() < 120; }));
@@ -81,37 +78,33 @@ TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
   EXPECT_THAT(saved, ElementsAre(folder + "1_Sys.txt"));
   Put("1_Sys.txt", "one\r\ntwo\r\nthree\r\n");
   ClickFile("1_Sys.txt");
-  EXPECT_EQ(Rows(), 3) << "a click on the shown file reads it again";
-  filter.setCurrentIndex(2);
-  EXPECT_EQ(List1().currentItem()->text(), u"1_Sys.txt");
-  EXPECT_EQ(Rows(), 3) << "a file that is still listed stays";
-  filter.setCurrentIndex(1);
+  EXPECT_EQ(State(), "3: 3 lines") << "a click on the shown file reads it again";
+  Set({{"cmbWhatToShow", "System"}});
+  EXPECT_EQ(Get<QListWidget>("List1").currentItem()->text(), u"1_Sys.txt");
+  EXPECT_EQ(State(), "3: 3 lines") << "a file that is still listed stays";
+  Set({{"cmbWhatToShow", "Calls"}});
   EXPECT_EQ(Files(), "2_Calls.txt ");
-  EXPECT_EQ(Rows(), 0);
-  EXPECT_FALSE(Get("cmdDelete").isEnabled());
+  EXPECT_TRUE(State().starts_with("0:"));
+  EXPECT_FALSE(Enabled("cmdDelete"));
 }
 
 TEST_F(LogWindow, ALargeFileOpensPieceByPiece) {
-  constexpr int kLines = 1'250'000;
   const std::string line = "10:00:01 : Recording[LineIndex:0]->OK";
   std::string large;
-  for (int i = 0; i < kLines; ++i) large += line + "\r\n";
+  for (int i = 0; i < 1'250'000; ++i) large += line + "\r\n";
   Put("3_Sys.txt", std::move(large));
   Open();
-  auto& list = List2();
+  auto& list = Lines();
   world.background.takes = 1ms;  // a piece
   ClickFile("3_Sys.txt", 1ms);
-  EXPECT_EQ(Rows(), static_cast<int>(LogReading::kMostLinesInPiece));
-  EXPECT_EQ(State(), QString::fromUtf8("Reading… 1,024 lines"));
+  EXPECT_EQ(State(), "1024: Reading… 1,024 lines");
   ClickFile("2_Calls.txt", 2ms);
-  EXPECT_EQ(State(), u"1 line");
-  EXPECT_EQ(Rows(), 1) << "the large file was abandoned";
+  EXPECT_EQ(State(), "1: 1 line") << "the large file was abandoned";
   ClickFile("3_Sys.txt", 2s);
-  EXPECT_EQ(Rows(), kLines);
-  EXPECT_EQ(State(), u"1,250,000 lines");
+  EXPECT_EQ(State(), "1250000: 1,250,000 lines");
   list.setFocus();
   QTest::keyClick(&list, Qt::Key_End);
-  EXPECT_EQ(list.currentIndex().row(), kLines - 1);
+  EXPECT_EQ(list.currentIndex().row(), 1'249'999);
   EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.currentIndex()).center()));
   QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
   QTest::keySequence(&list, QKeySequence::Copy);
@@ -122,8 +115,8 @@ TEST_F(LogWindow, BinaryAndMissingFilesAreShownAndDeletedAndTheProgramsEndCloses
   Put("9_Sys.txt", std::string(100'000, '\0') + std::string(100'000, '\xFF'));
   Open();
   ClickFile("9_Sys.txt");
-  EXPECT_EQ(Rows(), 200'000 / static_cast<int>(LogReading::kMostBytesInLine) + 1);
-  EXPECT_EQ(Shown(0).count(QChar::ReplacementCharacter), Shown(0).size());
+  EXPECT_EQ(Lines().model()->rowCount(), 200'000 / static_cast<int>(LogReading::kMostBytesInLine) + 1);
+  EXPECT_EQ(Line(0).count(QChar::ReplacementCharacter), Line(0).size());
   Click("cmdDelete");
   EXPECT_THAT(world.dialogs.questions, ElementsAre("Delete 9_Sys.txt ?"));
   EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::None);
@@ -131,50 +124,36 @@ TEST_F(LogWindow, BinaryAndMissingFilesAreShownAndDeletedAndTheProgramsEndCloses
   world.dialogs.yes = true;
   Click("cmdDelete");
   EXPECT_EQ(Files(), "1_Sys.txt 2_Calls.txt ");
-  EXPECT_EQ(Rows(), 0);
   world.files.Delete(folder + "1_Sys.txt");
   ClickFile("1_Sys.txt");
-  EXPECT_TRUE(State().contains(u"not found"));
-  EXPECT_EQ(Rows(), 0);
+  EXPECT_THAT(State(), testing::MatchesRegex("0: .*not found.*"));
   world.registry.Set("cWornBeforeDelete", "0");
   ClickFile("2_Calls.txt");
   Click("cmdDelete");
   EXPECT_EQ(world.dialogs.questions.size(), 2U);
-  EXPECT_EQ(Files(), "");
-  EXPECT_EQ(State(), u"There are no such logs.");
+  EXPECT_EQ(Files() + State(), "0: There are no such logs.");
   frmMain().CloseOtherWindows();
   EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(LogWindow, PropertiesApplyAtOnceAndCancelStoresNothing) {
-  const std::pair<const char*, const char*> settings[] = {
+  const Values before = {
       {"LogFor", "no such choice"}, {"cLogCalls", "0"}, {"cLogSys", "1"}, {"cWornBeforeDelete", "0"}};
-  for (const auto& [name, text] : settings) world.registry.Set(name, text);
-  PutOld(70 * 24h);
+  for (const auto& [name, text] : before) world.registry.Set(name, text);
   std::string button = "cmdCancel";
-  use_properties = [&](frmLogProp& properties) {
-    const auto get = [&](const std::string& name) {
-      return properties.findChild<QAbstractButton*>(QString::fromStdString(name));
-    };
-    EXPECT_EQ(properties.windowTitle(), u"Log Properties");
-    EXPECT_EQ(get("chkLogCalls")->text() + get("chkLogSys")->text() + get("chkWornBeforeDelete")->text(),
-              u"Log CallsLog SystemWorn before delete");
-    EXPECT_TRUE(get("chkLogSys")->isChecked() && !get("chkLogCalls")->isChecked());
-    for (const char* box : {"chkLogSys", "chkLogCalls", "chkWornBeforeDelete"}) get(box)->toggle();
-    auto& months = *properties.findChild<QComboBox*>(QStringLiteral("cmbLogFor"));
-    EXPECT_EQ(months.currentText(), u"For Ever");
-    months.setCurrentIndex(1);
-    get(button)->click();
-    EXPECT_EQ(properties.result(), button == "cmdOK" ? QDialog::Accepted : QDialog::Rejected);
+  use_properties = [&] {
+    ExpectShown({{"chkLogSys", "true"}, {"chkLogCalls", "false"}, {"cmbLogFor", "For Ever"}});
+    Set({{"chkLogSys", "false"}, {"chkLogCalls", "true"}, {"chkWornBeforeDelete", "true"}});
+    Get<QComboBox>("cmbLogFor").setCurrentIndex(0);
+    Click(button);
   };
   Open();
   Click("cmdProp");
-  for (const auto& [name, text] : settings) EXPECT_EQ(world.registry.Text(name), text) << name;
+  ExpectStored(before);
   button = "cmdOK";
   Click("cmdProp");
-  const std::pair<const char*, const char*> stored[] = {
-      {"LogFor", "2 Last Month"}, {"cLogCalls", "1"}, {"cLogSys", "0"}, {"cWornBeforeDelete", "1"}};
-  for (const auto& [name, text] : stored) EXPECT_EQ(world.registry.Text(name), text) << name;
+  ExpectStored(
+      {{"LogFor", "1 Last Month"}, {"cLogCalls", "1"}, {"cLogSys", "0"}, {"cWornBeforeDelete", "1"}});
   machine.log.WriteSystem("dropped");
   machine.log.WriteCalls("kept");
   EXPECT_EQ(Files(), "0_Sys.txt 1_Sys.txt 2_Calls.txt ");
