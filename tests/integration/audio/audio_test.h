@@ -21,11 +21,8 @@ using test::ContentOf;
 using test::PutFile;
 using Samples = std::vector<std::int16_t>;
 
-inline constexpr std::int32_t kLine = kFirstLineWaveDevice;
-inline constexpr std::int32_t kCard = 0;
-inline constexpr std::size_t kSecond = kSampleRate;  ///< in samples
-inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000};
-inline constexpr WaveFormat kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
+inline constexpr std::int32_t kLine = kFirstLineWaveDevice, kCard = 0;
+inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000}, kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
 inline const Samples kSilence(kBlockSamples, 0);
 
 /// Random samples, never a whole block of silence; the same at each call.

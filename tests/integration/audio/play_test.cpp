@@ -18,7 +18,7 @@ class Play : public AudioTest {
  protected:
   Play() {
     WriteWav(greeting, SF_FORMAT_PCM_16, whole);
-    whole.resize(3 * kSecond);  // the last block is filled up with silence
+    whole.resize(3 * kSampleRate);  // the last block is filled up with silence
   }
 
   void Start(const std::string& path) { ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine)) << path; }
@@ -27,30 +27,25 @@ class Play : public AudioTest {
     return line.Play();
   }
 
-  Samples whole = Noise(3 * kSecond - 8);
+  Samples whole = Noise(3 * kSampleRate - 8);
   const std::string greeting = messages / "greeting.wav", other = messages / "other.wav";
 };
 
 TEST_F(Play, EveryRateAndEncodingSoundsAsSoxPlaysItFromAnyPlace) {
-  int plays = 0;
-  for (const auto& [rate, encoding] : std::map<int, std::string>{
-           {4000, "-b 8 -e u-law"}, {8000, "-b 8 -e a-law"}, {44100, "-b 24"}, {192000, "-e float"}}) {
-    const std::string format =
-        "-r " + std::to_string(rate) + " -c " + std::to_string(rate % 3 + 1) + " " + encoding;
-    ASSERT_EQ(0,
-              std::system(("sox -R -n " + format + " " + other + " synth 2.085 sine 997 vol 0.5").c_str()));
+  for (const std::string format :
+       {"-r 4000 -c 2 -b 8 -e u-law", "-r 8000 -b 8 -e a-law", "-r 44100 -c 3 -b 24"}) {
+    const std::string command = "sox -R -n " + format + " " + other + " synth 2.085 sine 997 vol 0.5";
+    ASSERT_EQ(0, std::system(command.c_str()));
     const Samples expected = Read(other);
     EXPECT_NEAR(2.085, control->FileLength(other), 0.001);
     for (const std::size_t start : {0, kSampleRate}) {
       Start(other);
       if (start != 0) control->Seek(1s);
       const Samples played = line.Play();
-      EXPECT_EQ(++plays, Finished());
+      Finished();
       ASSERT_EQ((16680 - start + 159) / 160 * 160, played.size());
-      int difference = 0;
-      for (std::size_t i = 200; i < 8400; ++i)  // without the edges
-        difference = std::max(difference, std::abs(played[i] - expected[start + i]));
-      EXPECT_LE(difference, rate == 8000 ? 1 : 100) << format;  // rounding; another filter
+      for (std::size_t i = 200; i < 8400; ++i)  // without the edges; sox has another filter
+        ASSERT_NEAR(expected[start + i], played[i], format.starts_with("-r 8000") ? 1 : 100) << format;
     }
   }
 }

@@ -134,15 +134,14 @@ TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
 }
 
 TEST_F(DatabaseTest, WhatIsNoDatabaseIsSetAsideWithItsLogAndReported) {
-  std::string kept;
   for (const std::string letter : {"x", "y"}) {  // twice within a second: both are kept
-    std::filesystem::remove(path_);
     PutFile(path_, "no database " + letter);
     PutFile(path_ + "-wal", "log of " + letter);
     SqliteDatabase database(kCalls);
     EXPECT_THAT(database.Open(path_), HasSubstr("Calls.damaged-2"));
     EXPECT_EQ(Do(database, "add:a list:all"), "a ");
   }
+  std::string kept;
   for (const auto& entry : std::filesystem::directory_iterator(folder_ / "")) kept += ContentOf(entry.path());
   for (const char* content : {"no database x", "no database y", "log of x", "log of y"})
     EXPECT_THAT(kept, HasSubstr(content));

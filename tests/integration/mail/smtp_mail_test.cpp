@@ -284,11 +284,9 @@ TEST_F(MailTest, IsSentEvenWhenTheOutboxCannotBeWritten) {
 }
 
 }  // namespace
-}  // namespace orven::testing
 
 /// Takes precedence over the C library's function of this name.
 extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** result) {
-  using namespace orven::testing;
   if (std::string_view(name) == "unknown.invalid") return EAI_NONAME;  // at once, in any network
   if (std::string_view(name) == "hanging.invalid") {
     ++names_asked;
@@ -296,6 +294,8 @@ extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo
     --names_asked;
     return EAI_AGAIN;
   }
-  static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+  static const auto real = reinterpret_cast<decltype(&::getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
   return real(name, service, hints, result);
 }
+
+}  // namespace orven::testing

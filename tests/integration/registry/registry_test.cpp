@@ -173,10 +173,7 @@ TEST_F(RegistryFileTest, WhatDamageTakesComesFromTheLastGoodVersion) {
 
 TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {
   std::filesystem::create_symlink(path_, path_);
-  for (int times = 0; times < 3; ++times) {
-    EXPECT_EQ(Query("A"), std::nullopt);
-    EXPECT_FALSE(Write("A", "1"));
-  }
+  for (int times = 0; times < 2; ++times) EXPECT_FALSE(Query("A") || Write("A", "1"));
   EXPECT_THAT(reports_, ElementsAre(HasSubstr(path_)));
   EXPECT_TRUE(std::filesystem::is_symlink(path_));
 }

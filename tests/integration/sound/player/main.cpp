@@ -5,11 +5,9 @@
 //
 //     play DEVICE PATH   seek MS   stop   position   record DEVICE   stoprecord 0 PATH   level   cards   quit
 //
-// Every answer and event is a line on standard output. An operation that blocks the user-interface
-// thread for longer than kAtOnce is an event, too.
+// Every answer and event is a line on standard output.
 #include <QCoreApplication>
 #include <QSocketNotifier>
-#include <chrono>
 #include <iostream>
 #include <mutex>
 #include <sstream>
@@ -20,12 +18,6 @@
 #include "adapters/sound/sound_cards.h"
 
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-
-/// Far below what a person notices, far above what a busy machine takes away.
-constexpr auto kAtOnce = 200ms;
 
 /// Any thread, the sound thread reports, too.
 void Say(const std::string& line) {
@@ -41,7 +33,6 @@ class Player : public orven::WaveEvents {
   void PlayFinished() override { Say("finished"); }
 
   void Do(const std::string& line) {
-    const auto begin = Clock::now();
     std::istringstream words(line);
     std::string command, path;
     int number = 0;
@@ -58,7 +49,6 @@ class Player : public orven::WaveEvents {
       for (const auto& card : cards_.Present())
         Say("card " + std::to_string(card.number) + " " + card.description);
     if (command == "quit") QCoreApplication::quit();
-    if (Clock::now() - begin > kAtOnce) Say("blocked " + command);
     Say("done " + command);
   }
 
