@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The way of a call, the remote access of the owner, and the line. The recorder is tested apart.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "support/world.h"
+
+namespace orven::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class TelephonyTest : public testing::Test, public World {
+ protected:
+  /// The owner calls and keys `keys` while the greeting plays.
+  void CallAndKey(const std::string& keys) {
+    if (!Machine().line.LineOn()) Start();
+    CallAndWaitForAnswer();
+    Wave1.played.clear();
+    Press(keys);
+  }
+  /// Puts simulated lines of these names in place of the lines; gives the index of the one that is open then.
+  std::int32_t Replace(const std::vector<std::string>& names) {
+    Machine().line.ReplaceDevices([&] {
+      std::vector<TelephoneDevice> devices;
+      for (const auto& name : names) devices.push_back({std::make_unique<SimLine>(name, time)});
+      EXPECT_TRUE(Tapi1->Replace(std::move(devices))) << "a line is still open";
+    });
+    auto open = Tapi1->GetNumDevs() - 1;
+    while (open >= 0 && !Tapi1->IsLineOpen(open)) --open;
+    return open;
+  }
+};
+
+TEST_F(TelephonyTest, LogsEveryStepOfACallWithAMessage) {
+  Start();
+  const auto lines = LoggedBy([&] {
+    line->Offer();
+    line->CallerId("Anna", "5551234");
+    for (int ring = 0; ring < 2; ++ring, RunFor(1s)) line->Ring();
+    time.RunUntil([&] { return Wave1.IsRecording(); }, 60s);
+    Talk();
+    RunFor(5s);
+    HangUp();
+  });
+  EXPECT_THAT(lines, ElementsAre("InCommingCall[LineIndex:0]", "CallerID[LineIndex:0]->Anna-5551234",
+                                 "Ring[LineIndex:0]->1", "Ring[LineIndex:0]->2",
+                                 "LineAnswer[LineIndex:0]->Proc Num: 1", "Proc[LineIndex:0]->1 1",
+                                 "Proc[LineIndex:0]->1 Success.", "Connected[LineIndex:0]", "Play Beep OK",
+                                 "Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->OK",
+                                 "Disconnected[LineIndex:0]", "Record Message OK", "Close PreScreenOK",
+                                 "LineDrop[LineIndex:0]->Proc Num: Success", "Proc[LineIndex:0]->2 2",
+                                 "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
+  EXPECT_THAT(database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
+                                                          "12-31-2003_14-05-07.wav", "5", "0")));
+  EXPECT_EQ(CallsLog().back(), "Ring:2 [Anna:5551234]");
+  EXPECT_EQ(files.Content(messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+}
+
+TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
+  for (const char* flag : {"cPlayInRing", "cPlayInIdle", "ViewDetails", "ActionsMailAllCalls", "pAppTo"})
+    registry.Set(flag, "1");
+  Start();
+  views.effects.clear();
+  window->Unload();  // the window goes into the tray
+  line->Offer();
+  line->Ring();
+  RunFor(1s);
+  line->CallerId("Anna", "1");
+  RunFor(1s);
+  EXPECT_EQ(views.caller_view.name, "Anna");
+  std::size_t filed = 0;
+  views.on_effect = [&](const std::string& effect) {
+    if (effect == "action:App") filed = database.Records().size();
+  };
+  HangUp();
+  EXPECT_EQ(filed, 1U);
+  EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/Sound/ring.wav", "view", "view:New Call",
+                                         "view:", "view:Ring : 1", "sound:/home/orven/Sound/idle.wav",
+                                         "view:no commands", "view:Call ended", "action:App"));
+  EXPECT_TRUE(Machine().tray.Blinking());
+  auto& sequence = Machine().sequence;
+  EXPECT_THAT(LoggedBy([&] { sequence.Connected(0), sequence.Disconnected(0), sequence.Idle(0); }), IsEmpty())
+      << "there is no call";
+  views.effects.clear();
+  Machine().settings.cOnlyIfGotMessage = 1;
+  line->Offer();
+  HangUp();
+  EXPECT_FALSE(views.Had("sound:/home/orven/Sound/idle.wav"));
+}
+
+TEST_F(TelephonyTest, OnlyTheAnswerThatFailedMakesWayForAnother) {
+  Start();
+  line->SetAnswerDelay(5s);
+  line->Offer();
+  for (int ring = 0; ring < 2; ++ring) line->Ring();
+  RunFor(10ms);
+  Machine().control.Proc(0, 7, kTelephonyDeviceFailed);  // of a call that is gone
+  EXPECT_TRUE(CurrentCall().answering);
+  EXPECT_EQ(Machine().progress.State(), CallState::Answering);
+  Machine().control.Proc(0, 1, kTelephonyDeviceFailed);
+  EXPECT_FALSE(CurrentCall().answering);
+  EXPECT_EQ(Machine().progress.State(), CallState::Offered);
+}
+
+TEST_F(TelephonyTest, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
+  Start();
+  const auto drop = [&] { Machine().control.DropInComeCall(); };
+  EXPECT_THAT(LoggedBy(drop),
+              ElementsAre("DropChice[LineIndex:0]", "LineAnswer[LineIndex:0]->There is no call on the line.",
+                          "LineDrop[LineIndex:0]->Proc Num: There is no call on the line."));
+  line->Offer();
+  line->Ring();
+  RunFor(10ms);
+  drop();
+  RunFor(1s);
+  EXPECT_FALSE(line->HasCall());
+  EXPECT_THAT(Wave1.played, IsEmpty()) << "no greeting for a rejected call";
+  CallAndWaitForAnswer();
+  EXPECT_THAT(LoggedBy(drop),
+              ElementsAre("DropChice[LineIndex:0]", "LineDrop[LineIndex:0]->Proc Num: Success"));
+  EXPECT_FALSE(Wave1.IsPlaying()) << "hanging up ends the greeting";
+}
+
+TEST_F(TelephonyTest, ExitDuringACallFilesItWithItsMessageAndClosesTheCallerView) {
+  registry.Set("ViewDetails", "1");
+  Start();
+  CallAndWaitForRecording();
+  RunFor(2500ms);
+  window->Exit();
+  EXPECT_EQ(database.Field(0, kType), "2.5");
+  EXPECT_FALSE(views.caller_view.open);
+}
+
+TEST_F(TelephonyTest, OnAFullDiskACallGoesOnAndEachFailureIsLoggedOnce) {
+  Start();
+  disk.spares = [](const std::string& path) { return path.ends_with(".txt"); };
+  disk.FailAt(1);
+  auto lines = LoggedBy([&] {
+    CallAndWaitForRecording();
+    HangUp();
+    RunFor(30s);
+  });
+  EXPECT_EQ(std::ranges::count(lines, "Record Message wave error 9"), 1);
+  std::erase_if(lines, [](const auto& text) { return !text.starts_with("Err"); });
+  EXPECT_THAT(lines, ElementsAre("ErrCallJournal 61 Disk full: /home/orven/Call.journal",
+                                 "ErrPutCallDetailsInDB 61 Disk full: /home/orven/Calls"));
+}
+
+TEST_F(TelephonyTest, RecordingThatIsTurnedOffInMidCallEndsItAfterTheBeep) {
+  Start();
+  CallAndWaitForAnswer();
+  Machine().quick_options.SetRecordMessage(false);
+  RunFor(5s);
+  EXPECT_FALSE(line->HasCall());
+  EXPECT_THAT(Wave1.recorded, IsEmpty());
+}
+
+TEST_F(TelephonyTest, PlaysAllMessagesNewestFirstAndHangsUp) {
+  AddMessage("old.wav", 3s);
+  AddMessage("silent.wav", 0ms);
+  AddCallWithoutMessage();
+  AddMessage("new.wav", 2s);
+  AddCallWithoutMessage();
+  CallAndKey("4711*");
+  EXPECT_EQ(views.Status(), "Administrator Mode");
+  EXPECT_TRUE(Logged("Remote Control [LineIndex:0]"));
+  RunFor(4s);
+  EXPECT_TRUE(line->IsAnswered());
+  RunFor(1500ms);
+  using Played = TimedWave::Played;
+  EXPECT_THAT(Wave1.played,
+              ElementsAre(Played{messages + "new.wav", 1000}, Played{messages + "silent.wav", 1000},
+                          Played{messages + "old.wav", 1000}));
+  EXPECT_FALSE(line->HasCall());
+  EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/beep.wav"))
+      << "the owner's call announces nothing";
+}
+
+TEST_F(TelephonyTest, AWrongEntryIsClearedByTheStar) {
+  AddMessage("one.wav", 1s);
+  CallAndKey("471");
+  EXPECT_EQ(views.Status(), "Monitoring Digits: 471");
+  Press("*");
+  EXPECT_EQ(views.Status(), "Monitoring Digits: ");
+  Press("94711*");
+  EXPECT_FALSE(CurrentCall().admin_mode) << "longer than the password";
+  Press("4711*");
+  EXPECT_TRUE(CurrentCall().admin_mode);
+  RunFor(500ms);
+  Press("*");
+  EXPECT_EQ(Wave1.played.size(), 2U) << "the star alone starts again: the entry still stands";
+}
+
+TEST_F(TelephonyTest, DigitsAreIgnoredWhileAMessageIsRecorded) {
+  Start();
+  CallAndWaitForRecording();
+  Press("4711*");
+  EXPECT_FALSE(CurrentCall().admin_mode);
+  EXPECT_EQ(CurrentCall().digit_buffer, "");
+  EXPECT_TRUE(Logged("MonitorDigit[LineIndex:0]->4")) << "but they are logged";
+}
+
+TEST_F(TelephonyTest, WhereNothingCanBeHeardTheCallEnds) {
+  const std::pair<const char*, std::function<void()>> cases[] = {
+      {"empty list", [] {}},
+      {"no messages", [&] { AddCallWithoutMessage(), AddCallWithoutMessage(); }},
+      {"its file is gone", [&] { AddMessage("lost.wav", 1s), files.Delete(messages + "lost.wav"); }},
+      {"the records fail", [&] { database.gone = true; }}};
+  Start();
+  for (const auto& [what, make] : cases) {
+    CallAndKey("4711");
+    make();
+    Press("*");
+    RunFor(2s);
+    EXPECT_FALSE(line->HasCall()) << what;
+    EXPECT_EQ(Wave1.played.size(), 0U) << what;
+  }
+  EXPECT_TRUE(Logged("Error Playing Remote Control wave error 4"));
+}
+
+TEST_F(TelephonyTest, RecordsThatFailWhileOneIsHeardEndTheCall) {
+  for (const char* name : {"one.wav", "two.wav"}) AddMessage(name, 1s);
+  CallAndKey("4711*");
+  database.gone = true;
+  RunFor(2s);
+  EXPECT_FALSE(line->HasCall());
+}
+
+TEST_F(TelephonyTest, WhatWasRecordedBeforeThePasswordIsNamed) {
+  registry.Set("MaxRec", "0");
+  CallAndKey("");
+  RunFor(5s);
+  Press("4711*4711*");
+  EXPECT_THAT(SystemLog(), Contains("Remote Control [LineIndex:0]->the message that was recorded before, " +
+                                    Wave1.last_recorded_path + ", is kept without a call record")
+                               .Times(1));
+}
+
+TEST_F(TelephonyTest, TakesTheFirstUsableDeviceWhenNoneWasChosen) {
+  Start();
+  EXPECT_TRUE(Logged("SelectDevice->LineIndex: 0  Device Name: Sim"));
+  EXPECT_TRUE(Logged("LineOpen[LineIndex:0 Device Name:Sim]->Success"));
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim");
+  EXPECT_TRUE(views.line_on);
+  EXPECT_TRUE(views.Had("sound:/home/orven/beep.wav"));
+  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
+}
+
+TEST_F(TelephonyTest, ADeviceThatCannotHearDigitsIsNotUsable) {
+  line->MutableCapabilities().monitor_digits = false;
+  Start();
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "-2");
+  EXPECT_THAT(dialogs.informations, IsEmpty());
+  EXPECT_FALSE(views.line_on);
+  EXPECT_FALSE(views.Had("sound:/home/orven/beep.wav"));
+}
+
+TEST_F(TelephonyTest, ANameThatNoDeviceHasAnyMoreIsAskedFor) {
+  registry.Set("Modem", "3");
+  registry.Set("ModemName", "Gone");
+  Start();
+  EXPECT_EQ(registry.Text("Modem"), "-1");
+  window->TurnOn();
+  const auto select_device = "Select Modem Device From Options/Devices [Modem Device]";
+  EXPECT_THAT(dialogs.informations, ElementsAre(select_device, select_device));
+  EXPECT_FALSE(Tapi1->IsLineOpen(0));
+}
+
+TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
+  const std::string opens = "LineOpen[LineIndex:0 Device Name:Sim]->";
+  const std::string taken = "Error " + opens + "The line is in use by another program. Port 5060 is taken.";
+  line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
+  Start();
+  EXPECT_TRUE(Logged(taken));
+  EXPECT_FALSE(views.line_on);
+  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the reason is known";
+  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
+  window->TurnOff();
+  line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
+  line->FailOpen(kTelephonyDeviceFailed, "No network.");
+  window->TurnOn();
+  line->FailOpen(kTelephonyOk, "");
+  EXPECT_THAT(LoggedBy([&] { RunFor(5s); }), ElementsAre(opens + "Success"));
+}
+
+TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
+  Start();
+  CallAndWaitForRecording();
+  Machine().settings.Modem = 7;
+  RunFor(4s);
+  EXPECT_FALSE(line->HasCall()) << "silence hangs up the line that has the call";
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+  EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
+  EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);
+  EXPECT_EQ(views.Status(), "Off Mode");
+}
+
+TEST_F(TelephonyTest, AmongReplacedDevicesTheChosenOneIsTakenAgainOrTheFirstUsable) {
+  Start();
+  EXPECT_EQ(Replace({"New", "Sim"}), 1);
+  EXPECT_EQ(views.Status(), "Monitoring Sim");
+  EXPECT_EQ(Replace({"New"}), 0);
+  EXPECT_EQ(registry.Text("ModemName"), "New");
+  EXPECT_EQ(Replace({}), -1);
+  EXPECT_EQ(views.Status(), "Off Mode");
+  EXPECT_EQ(Replace({"Again"}), 0) << "the first line that is there waits for calls";
+  window->TurnOff();
+  EXPECT_EQ(Replace({"Again"}), -1) << "a line that is off stays off";
+}
+
+}  // namespace
+}  // namespace orven::test
