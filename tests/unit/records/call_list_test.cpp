@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
+#include <sstream>
 
 #include "base/runtime_error.h"
 #include "support/world.h"
@@ -16,8 +18,7 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 /// From the top: new.wav, a call without a message, old.wav; nothing is asked before deleting.
-class CallListTest : public testing::Test, public World {
- protected:
+struct CallListTest : testing::Test, World {
   CallListTest() {
     AddMessage("old.wav", 4s);
     AddCallWithoutMessage();
@@ -27,12 +28,7 @@ class CallListTest : public testing::Test, public World {
     Start();
     RunFor(1s);  // the beep
   }
-  void AskFirst() { Machine().settings.WornDelete = Machine().settings.WornClear = 1; }
-  void ACallComesIn() {
-    line->Offer();
-    RunFor(10ms);
-    HangUp();
-  }
+  void TestBody() override {}
   /// A call is over that could not be filed and whose message could not be stored.
   void ACallFindsNoRoom() {
     database_full = true;
@@ -41,22 +37,58 @@ class CallListTest : public testing::Test, public World {
     HangUp();
     RunFor(30s);
   }
-  /// Another program deletes a record.
-  void DeleteRecord(std::int32_t number) {
-    database.MoveTo(number);
-    database.Delete();
+  /// Steps such as "select 3; delete".
+  void Do(const std::string& script) {
+    std::istringstream steps(script);
+    for (std::string step; std::getline(steps >> std::ws, step, ';');) {
+      std::istringstream words(step);
+      std::string what, with;
+      std::getline(words >> what >> std::ws, with);
+      Do(what, with);
+    }
   }
-  void Click(std::int32_t row) {
-    views.selection = row;  // what a person does in the list shows there first
-    commands.ListView1_Click(row);
+  void Do(const std::string& what, const std::string& with) {
+    const auto number = std::atoi(with.c_str());
+    const std::map<std::string, std::function<void()>> steps{
+        {"select", [&] { list.Select(number); }},
+        {"click", [&] { views.selection = number, commands.ListView1_Click(number); }},
+        {"arrow", [&] { views.selection = number, commands.ListView1_Selected(number); }},
+        {"double", [&] { commands.ListView1_DblClick(); }},
+        {"first", [&] { commands.First(); }},
+        {"last", [&] { commands.Last(); }},
+        {"next", [&] { commands.Next(); }},
+        {"back", [&] { commands.Back(); }},
+        {"read", [&] { commands.MarkAsRead(); }},
+        {"unread", [&] { commands.MarkAsUnread(); }},
+        {"play", [&] { player.Play(); }},
+        {"stop", [&] { player.PressStop(); }},
+        {"exit", [&] { window->Exit(); }},
+        {"delete", [&] { commands.Delete(); }},
+        {"clear", [&] { commands.Clear(); }},
+        {"list", [&] { list.makeList(); }},
+        {"call", [&] { line->Offer(), RunFor(10ms), HangUp(); }},
+        // Another program removes a record; it puts another call in place of the newest, with its identity.
+        {"gone", [&] { database.MoveTo(number), database.Delete(); }},
+        {"replaced", [&] { database.Records().back()[0] += "!"; }},
+        {"asked", [&] {
+           Machine().settings.WornDelete = Machine().settings.WornClear = 1;
+           dialogs.yes = true;
+           dialogs.while_open = [this, with] { Do(with); };
+         }}};
+    steps.at(what)();
   }
-  /// The icons that the window shows, a star before the selected one.
+  /// The icons that the window shows, a star before the selected one; the file whose picture it shows.
   std::string Shown() {
     EXPECT_EQ(views.selection, list.Selected());
+    EXPECT_EQ(list.Count(), static_cast<std::int32_t>(database.Records().size()));
     std::string shown;
-    for (std::int32_t row = 1; row <= static_cast<std::int32_t>(views.rows.size()); ++row)
+    for (std::int32_t row = 1; row <= static_cast<std::int32_t>(views.rows.size()); ++row) {
+      EXPECT_EQ(views.ShownCall(row).name, list.Row(row).name);
       shown += (row == views.selection ? "*" : "") + std::to_string(views.ShownCall(row).icon);
-    return shown;
+    }
+    shown += " " + waveforms.path.substr(waveforms.path.rfind('/') + 1);
+    EXPECT_EQ(player.Playing(), WavePlay.IsPlaying());
+    return player.Playing() ? shown + " plays" : shown;
   }
 
   CallStore& store = Machine().calls;
@@ -65,34 +97,60 @@ class CallListTest : public testing::Test, public World {
   LocalPlayer& player = Machine().player;
 };
 
-TEST_F(CallListTest, MarksReadAndUnreadOnce) {
-  store.MarkAsReadUnRead(1, true);
-  store.MarkAsReadUnRead(2, true);
-  EXPECT_EQ(Shown(), "*341");
-  EXPECT_THAT(database.Records()[2], ElementsAre("Anna", "", "", "", "new.wav", "1", "1"));
-  EXPECT_EQ(list.NewCalls(), 1);
-  const int writes = database.writes;
-  store.MarkAsReadUnRead(1, true);
-  EXPECT_EQ(database.writes, writes) << "already read";
-  store.MarkAsReadUnRead(2, false);
-  EXPECT_EQ(Shown(), "*311") << "until the list is built again";
-  EXPECT_EQ(list.NewCalls(), 2);
-  list.makeList();
-  EXPECT_EQ(Shown(), "*321");
+TEST(CallListSteps, WhatTheWindowShowsAfterThem) {
+  struct Case {
+    const char *steps, *shown;
+  };
+  for (const auto& [steps, shown] : {
+           Case{"read; select 2; read", "3*41 "},
+           Case{"select 2; read; unread", "1*11 "},  // until the list is built again
+           Case{"select 2; read; unread; list", "1*21 "},
+           Case{"click 1; click 2; click 3", "14*1 old.wav"},
+           Case{"click 1; double", "*321 new.wav plays"},
+           Case{"click 1; double; click 3", "32*1 old.wav"},
+           Case{"double; arrow 2", "3*21 "},
+           Case{"double; last", "32*1 old.wav"},
+           Case{"last; first", "*121 new.wav"},
+           Case{"last; back", "1*41 "},
+           Case{"next; next; next", "14*3 old.wav"},
+           Case{"delete", "*21 "},
+           Case{"select 2; delete", "1*1 old.wav"},
+           Case{"last; delete", "1*2 "},
+           Case{"last; delete; delete", "*1 new.wav"},
+           Case{"call", "2*121 new.wav"},
+           Case{"select 2; asked call; delete", "21*1 old.wav"},
+           Case{"play; asked call; clear", "*2 "},
+           // The last call has no message: nothing is found, and what plays stops.
+           Case{"gone 1; list; play; last; play", "3*4 "},
+           // Another program has removed calls: no step meets another call than the one that was seen.
+           Case{"last; read; gone 2; unread", "1*1 old.wav"},
+           Case{"gone 3; arrow 2", "*21 "},
+           Case{"gone 3; gone 2; click 1; delete", "1 "},
+           Case{"gone 3; gone 2; click 1; next", "*3 old.wav"},
+           Case{"gone 3; gone 2; click 1; play", "*3 old.wav plays"},
+           Case{"play; gone 3; gone 2; gone 1; next; delete; play; unread", " "},
+           Case{"replaced; delete", "*121 new.wav"},
+           Case{"asked replaced; delete", "*121 new.wav"},
+           Case{"asked replaced; clear", "*121 new.wav"},
+           Case{"replaced; read", "*121 new.wav"},
+           Case{"replaced; play", "*121 new.wav"},
+           Case{"replaced; click 1; delete", "121 "},
+       }) {
+    CallListTest world;
+    world.Do(steps);
+    EXPECT_EQ(world.Shown(), shown) << steps;
+  }
 }
 
-TEST_F(CallListTest, AClickReadsACallWithoutAMessageOnlyAndStopsThePlayer) {
-  Click(1);
-  Click(2);
-  EXPECT_EQ(Shown(), "1*41");
-  Click(1);
-  commands.ListView1_DblClick();
-  RunFor(1s);
-  EXPECT_EQ(views.slider, 50);
-  Click(3);
-  EXPECT_FALSE(player.Playing() || player.IsPlaying());
-  EXPECT_EQ(views.slider, 0);
-  EXPECT_EQ(Shown(), "34*1");
+TEST_F(CallListTest, ACallIsMarkedOnce) {
+  store.MarkAsReadUnRead(1, true);
+  EXPECT_THAT(database.Records()[2], ElementsAre("Anna", "", "", "", "new.wav", "1", "1"));
+  EXPECT_EQ(list.NewCalls(), 2);
+  const int writes = database.writes;
+  store.MarkAsReadUnRead(1, true);
+  EXPECT_EQ(database.writes, writes);
+  store.MarkAsReadUnRead(1, false);
+  EXPECT_EQ(list.NewCalls(), 3);
 }
 
 TEST_F(CallListTest, DeletingTakesTheMessageFileAlong) {
@@ -105,24 +163,6 @@ TEST_F(CallListTest, DeletingTakesTheMessageFileAlong) {
   store.DeleteItemIndex(1);
   EXPECT_THAT(database.Records(), IsEmpty()) << "the record goes although the file is missing";
   EXPECT_TRUE(Logged("ErrDeleteItemIndex 53 File not found"));
-}
-
-TEST_F(CallListTest, TheSelectionAfterARemoval) {
-  for (const auto& [selected, removed, shown, key] :
-       {std::tuple(1, 1, "*11", "b"), {1, 3, "*11", "a"}, {3, 1, "1*1", "c"}, {3, 3, "1*1", "b"}}) {
-    SCOPED_TRACE(std::to_string(selected) + " " + std::to_string(removed));
-    database.Records().clear();
-    for (const char* name : {"c", "b", "a"}) AddMessage(name, 1s);
-    list.makeList();
-    list.Select(selected);
-    int changes = 0;
-    list.SetSelectionListener([&] { ++changes; });
-    store.DeleteItemIndex(removed);
-    EXPECT_EQ(Shown(), shown);
-    EXPECT_EQ(changes, selected == removed ? 1 : 0);
-    EXPECT_TRUE(list.SelectionStands()) << "it knows which call that is";
-    EXPECT_EQ(list.Row(list.Selected()).key, key);
-  }
 }
 
 TEST_F(CallListTest, AMessageStaysForARecordThatCannotBeDeletedAndForAnotherCallThatHasIt) {
@@ -138,16 +178,6 @@ TEST_F(CallListTest, AMessageStaysForARecordThatCannotBeDeletedAndForAnotherCall
     EXPECT_EQ(files.Exists(messages + "new.wav"), kept);
     EXPECT_TRUE(Logged("Another call has the message new.wav, which is kept"));
   }
-}
-
-TEST_F(CallListTest, SavesACopyWhereThePersonWantsIt) {
-  dialogs.save_as = "/home/me/copy.wav";
-  store.SaveFile(messages + "new.wav");
-  EXPECT_EQ(dialogs.save_title + dialogs.save_name, "Savenew.wav");
-  EXPECT_EQ(dialogs.save_filter, std::string("wav (*.wav)\0*.wav\0", 18));
-  EXPECT_EQ(files.Content("/home/me/copy.wav"), TimedWave::Sound(2s));
-  dialogs.save_as.reset();
-  EXPECT_THAT(LoggedBy([&] { store.SaveFile(messages + "old.wav"); }), IsEmpty());
 }
 
 TEST_F(CallListTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
@@ -189,100 +219,37 @@ TEST_F(CallListTest, AMessageThatFindsRoomBeforeItsCallIsFiledWithItOnceItCanMov
   EXPECT_TRUE(files.Exists("/home/other/" + database.Field(4, kCallMassageName)));
 }
 
-TEST_F(CallListTest, DeletesTheCallThatWasMeant) {
-  AskFirst();
-  list.Select(2);
-  commands.Delete();
-  EXPECT_THAT(dialogs.questions, ElementsAre("Delete Call 2 Information ?"));
-  EXPECT_EQ(list.Count(), 3) << "the answer was No";
+TEST_F(CallListTest, ClearKeepsTheFilesAndAnEmptyListAsksNothing) {
+  Do("select 2; asked; delete");
+  dialogs.yes = false;
+  Do("select 1; delete; clear");
+  EXPECT_EQ(Shown(), "*11 new.wav") << "the answer was No";
   dialogs.yes = true;
-  dialogs.while_open = [&] { ACallComesIn(); };
-  commands.Delete();
-  EXPECT_EQ(Shown(), "21*1") << "the new call is there, and what took the place is selected";
-  EXPECT_EQ(views.rows[1].key + views.rows[2].key, "new.wavold.wav");
-}
-
-TEST_F(CallListTest, ClearKeepsTheFilesAndACallThatCameMeanwhile) {
-  AskFirst();
-  player.Play();
-  dialogs.yes = true;
-  dialogs.while_open = [&] { ACallComesIn(); };
-  commands.Clear();
-  EXPECT_FALSE(player.IsPlaying());
-  EXPECT_EQ(Shown(), "*2");
-  EXPECT_EQ(database.Field(0, kCallName), "UNKNOWN");
-  EXPECT_EQ(files.Names(messages).size(), 2U);
-  dialogs.while_open = [] {};
-  commands.Clear();
-  EXPECT_THAT(database.Records(), IsEmpty());
+  Do("clear; clear; delete");
+  EXPECT_THAT(dialogs.questions, ElementsAre("Delete Call 2 Information ?", "Delete Call 1 Information ?",
+                                             "Clear Calls List ?", "Clear Calls List ?"));
+  EXPECT_EQ(Shown(), " ");
   EXPECT_EQ(list.Total() + list.NewCalls(), 0);
-  commands.Clear();
-  commands.Delete();
-  EXPECT_EQ(dialogs.questions.size(), 2U) << "an empty list asks nothing";
+  EXPECT_EQ(files.Names(messages).size(), 2U);
 }
 
-TEST_F(CallListTest, AnotherProgramsDeletionMovesNoCommandToAnotherCall) {
-  list.Select(3);
-  store.MarkAsReadUnRead(3, true);
-  DeleteRecord(2);
-  commands.MarkAsUnread();
-  EXPECT_EQ(Shown(), "1*1");
+TEST_F(CallListTest, ANewCallOrADeletionByAnotherProgramBuildsTheListAgainOnlyWhenNeeded) {
+  Do("call");
+  EXPECT_EQ(views.rebuilds, 2) << "cleared and filled at the start";
+  Do("gone 1; next");
+  EXPECT_EQ(views.rebuilds, 3);
   EXPECT_TRUE(Logged("The call records have changed since they were shown: the list is read again"));
 }
 
-TEST_F(CallListTest, AClickAfterAnotherProgramsDeletionActsOnTheCallThatWasSeen) {
-  DeleteRecord(3);
-  commands.ListView1_Selected(2);
-  EXPECT_EQ(Shown(), "*21");
-  DeleteRecord(2);
-  Click(1);
-  commands.Delete();
-  EXPECT_EQ(Shown(), "1") << "it is gone, and no other is meant";
-  commands.Next();
-  EXPECT_EQ(Shown(), "*3") << "without a selection it leads to the first row";
-  list.FollowSelection(0);
+TEST_F(CallListTest, TheSliderFollowsTheMessage) {
   player.Play();
-  EXPECT_TRUE(player.IsPlaying());
-  database.DeleteAll();
-  mouse.down = {kRightButton};
-  commands.ListView1_MouseDown();
-  EXPECT_THAT(views.menus, IsEmpty());
-}
-
-/// Another program removes the newest call and adds one, which gets the identity of the removed one.
-TEST_F(CallListTest, NoCommandMeetsAnotherCallThatHasTheIdentity) {
-  const auto newest = [&]() -> std::string& { return database.Records().back().at(0); };
-  const auto replaced = [&] { newest() += "!"; };
-  dialogs.while_open = replaced;
-  dialogs.yes = true;
-  const std::pair<const char*, std::function<void()>> steps[] = {
-      {"Delete", [&] { replaced(), commands.Delete(); }},
-      {"Delete asks", [&] { AskFirst(), commands.Delete(); }},
-      {"Clear asks", [&] { commands.Clear(); }},
-      {"Mark", [&] { replaced(), commands.MarkAsRead(); }},
-      {"Play", [&] { replaced(), player.Play(); }},
-      {"Click", [&] { replaced(), commands.ListView1_Click(1), commands.Delete(); }}};
-  for (const auto& [step, act] : steps) {
-    list.Select(1);
-    act();
-    ASSERT_EQ(list.Count() + list.NewCalls(), 6) << step;
-    EXPECT_EQ(views.rows[0].name, newest()) << step;
-  }
-}
-
-TEST_F(CallListTest, TheSelectionStaysOnItsCallAndAListThatIsEmptiedHasNone) {
-  ACallComesIn();
-  EXPECT_EQ(Shown(), "2*121");
-  EXPECT_EQ(views.rebuilds, 2) << "cleared and filled at the start, not again";
-  player.Play();
-  database.Records().clear();  // another program
-  commands.Next();
-  EXPECT_FALSE(player.IsPlaying());
-  commands.Delete();
-  player.Play();
-  commands.MarkAsUnread();
-  EXPECT_EQ(list.Selected(), 0);
-  EXPECT_EQ(Shown(), "");
+  RunFor(1s);
+  EXPECT_EQ(views.slider, 50);
+  player.Stop();
+  EXPECT_EQ(views.slider, 0);
+  files.Delete(messages + "new.wav");
+  EXPECT_THAT(LoggedBy([&] { player.Play(); }), ElementsAre("wave error 4"));
+  EXPECT_FALSE(player.Playing());
 }
 
 TEST_F(CallListTest, TheMenuIsForThePhysicalRightButton) {
@@ -296,6 +263,8 @@ TEST_F(CallListTest, TheMenuIsForThePhysicalRightButton) {
     mouse.swapped = swapped;
     commands.ListView1_MouseDown();
   }
+  database.DeleteAll();
+  commands.ListView1_MouseDown();
   EXPECT_THAT(views.menus, ElementsAre(true, false, true)) << "with a message, without, with";
 }
 
@@ -306,13 +275,10 @@ TEST_F(CallListTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
   RunFor(100ms);
   Press("4711*");
   list.Select(2);  // whatever moves it
-  const std::function<void()> moves[] = {[&] { Click(3); }, [&] { commands.First(); },
-                                         [&] { commands.Last(); }, [&] { commands.Next(); },
-                                         [&] { player.Play(); }};
-  for (const auto& move : moves) {
+  for (const char* move : {"click 3", "first", "last", "next", "play"}) {
     Machine().status.ShowStatus("");
-    move();
-    EXPECT_EQ(Shown(), "1*121");
+    Do(move);
+    EXPECT_EQ(Shown().substr(0, 5), "1*121");
     EXPECT_EQ(views.Status(), "Messages are played to the telephone: the selection stays on them");
   }
   EXPECT_FALSE(player.Playing());
@@ -332,41 +298,14 @@ TEST_F(CallListTest, ALongSearchForAMessageLetsOtherEventsRunAndEndsWhenItIsStop
   EXPECT_EQ(list.Selected(), 36);
   EXPECT_TRUE(player.Playing());
   EXPECT_EQ(list.NewCalls(), 2) << "the calls on the way are read, the rest is not";
-  const std::pair<std::int32_t, std::function<void()>> ends[] = {
-      {1, [&] { player.PressStop(); }}, {2, [&] { Click(2); }}, {1, [&] { window->Exit(); }}};
-  for (const auto& [selected, end] : ends) {
+  for (const auto& [end, selected] : {std::pair("stop", 1), {"click 2", 2}, {"exit", 1}}) {
     list.Select(1);
     player.Play();
-    end();
+    Do(end);
     RunFor(10ms);
     EXPECT_EQ(list.Selected(), selected);
     EXPECT_FALSE(player.Playing());
   }
-}
-
-TEST_F(CallListTest, NothingToPlayStopsWhatPlays) {
-  AddCallWithoutMessage();
-  std::ranges::rotate(database.Records(), database.Records().end() - 1);
-  list.makeList();
-  player.Play();
-  commands.Last();
-  player.Play();
-  EXPECT_FALSE(player.Playing() || player.IsPlaying());
-  EXPECT_EQ(Shown(), "321*4");
-  list.Select(1);
-  files.Delete(messages + "new.wav");
-  EXPECT_THAT(LoggedBy([&] { player.Play(); }), ElementsAre("wave error 4"));
-  EXPECT_FALSE(player.Playing());
-}
-
-TEST_F(CallListTest, ThePictureIsTheSelectedMessages) {
-  list.Select(3);
-  EXPECT_EQ(waveforms.path, messages + "old.wav");
-  waveforms.done({{0.5F}, 4s});
-  EXPECT_EQ(views.waveform.peaks.size(), 1U);
-  list.Select(2);
-  EXPECT_EQ(waveforms.path, "");
-  EXPECT_THAT(views.waveform.peaks, IsEmpty());
 }
 
 }  // namespace
