@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Who answers the calls of the benchmark: the program, and for comparison baresip, which answers automatically."""
+"""The answering programs of the benchmark: ORVEN and, for comparison, baresip with automatic answering."""
 
 import os
 import time
@@ -31,13 +31,13 @@ PEER_ACCOUNT = "<sip:{number}@127.0.0.1:{port}>;regint=0;audio_codecs=PCMU/8000/
 
 
 class Process:
-    """What the system tells of a process."""
+    """CPU time and memory of a process, from the kernel."""
 
     def __init__(self, number):
         self.number = number
 
     def cpu_seconds(self):
-        """Of all threads, those that have ended, too: the clock of clock_getcpuclockid(3)."""
+        """CPU time of all threads, including finished ones: the clock of clock_getcpuclockid(3)."""
         return time.clock_gettime(~self.number << 3 | 2)
 
     def megabytes(self, *names):
@@ -48,7 +48,7 @@ class Process:
 
 
 class Orven:
-    """The program, hidden, with the given greeting and settings; it answers at the first ring."""
+    """ORVEN without a window, with the given greeting and settings; it answers at the first ring."""
 
     name, user = "ORVEN", "machine"
 
@@ -74,7 +74,7 @@ class Orven:
         self.process = Process(self.machine.process.pid)
 
     def timed_start(self):
-        """Ends the program and starts it again; the seconds until it answered a request."""
+        """Restarts the program; returns the seconds until it answered a request."""
         self.machine.end()
         seconds = first_answer(self.port, self.machine.start)
         self.process = Process(self.machine.process.pid)
@@ -82,13 +82,13 @@ class Orven:
 
 
 class Peer:
-    """baresip, which plays the greeting to whoever calls, and records what it hears if it is to."""
+    """baresip, which plays the greeting to each caller, and optionally records the received audio."""
 
     name, user = "baresip", PEER_NUMBER
 
     def __init__(self, folder, greeting, records=False):
         os.makedirs(folder)
-        self._folder, self.port = folder, processes.free_port(2)  # the next one is its for TLS
+        self._folder, self.port = folder, processes.free_port(2)  # baresip uses the next port for TLS
         facts = {"folder": folder, "port": self.port, "number": PEER_NUMBER}
         recorder = "module sndfile.so" if records else ""
         for name, text in (("config", PEER_CONFIGURATION), ("accounts", PEER_ACCOUNT), ("contacts", "")):
@@ -105,7 +105,7 @@ class Peer:
         processes.stop(self._child, 3)
 
     def timed_start(self):
-        """Starts or restarts it; the seconds until it answered a request."""
+        """Starts or restarts it; returns the seconds until it answered a request."""
         if self._child is not None:
             processes.stop(self._child, 3)
         return first_answer(self.port, self._start)
@@ -116,7 +116,7 @@ class Peer:
 
 
 def first_answer(port, start):
-    """Calls `start` and asks the telephone at `port` every millisecond; the seconds until its first answer."""
+    """Calls `start` and sends a request to `port` every millisecond; returns the seconds until the first answer."""
     with sip_telephone.Call(port) as telephone:
         began = sip_telephone.now()
         start()

@@ -8,10 +8,10 @@
 
 namespace orven::bench {
 
-/// What an operation took, each time it was done, in milliseconds.
+/// The durations of all runs of an operation, in milliseconds.
 using Times = std::vector<double>;
 
-/// Does `operation` once to warm up and `count` times more; `prepare`, before each, is not measured.
+/// Runs `operation` once to warm up, then measures `count` runs; `prepare`, before each, is not measured.
 template <class Operation, class Prepare>
 Times Measure(int count, Operation operation, Prepare prepare) {
   using Clock = std::chrono::steady_clock;

@@ -1,5 +1,5 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// How fast a modem's bytes are taken apart, and what its sound costs: at 115200 bit/s 11.5 kB come a second.
+// SPDX-License-Identifier: GPL-3.0-or-later Measures the parsing of a modem's output and the processing of
+// its audio. At 115200 bit/s a modem sends 11.5 kB a second.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -14,7 +14,7 @@ namespace orven {
 namespace {
 
 constexpr std::size_t kNoise = 100'000'000;
-constexpr std::size_t kRead = 512;  ///< what a serial port gives at once
+constexpr std::size_t kRead = 512;  ///< bytes per read of a serial port
 
 const std::vector<std::uint8_t>& Noise() {
   static const auto noise = [] {
@@ -41,7 +41,7 @@ class Count : public ModemOutput {
     reader->Read(kConnect);
   }
 
-  ModemReader* reader = nullptr;  ///< when all is to be sound
+  ModemReader* reader = nullptr;  ///< set if all input is to be parsed as audio
   std::size_t bytes = 0;
 };
 
@@ -65,7 +65,7 @@ void ReadNoiseAsLines(benchmark::State& state) {
 }
 BENCHMARK(ReadNoiseAsLines)->Unit(benchmark::kMillisecond);
 
-/// Each end of sound in the noise begins another sound.
+/// When the noise contains an end of audio, the next audio starts at once.
 void ReadNoiseAsSound(benchmark::State& state) {
   Count count;
   Noise();
@@ -80,7 +80,7 @@ void ReadNoiseAsSound(benchmark::State& state) {
 }
 BENCHMARK(ReadNoiseAsSound)->Unit(benchmark::kMillisecond);
 
-/// A minute of a call's sound as a modem of 8 bits sends it at that rate, up to the ear for its end.
+/// Decodes one minute of call audio from an 8-bit modem and checks it for a hang-up.
 void HearAMinute(benchmark::State& state) {
   const VoiceFormat format{SampleKind::Unsigned8, static_cast<int>(state.range(0)), ""};
   const auto minute = std::span(Noise()).first(60 * static_cast<std::size_t>(format.rate));

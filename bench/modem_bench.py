@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How fast and how exactly the program uses a voice modem, and what a call takes of the machine.
+"""Measures latency, audio quality and CPU use of calls over a voice modem.
 
     modem_bench.py PROGRAM EMULATOR
 
-In real time over an emulated modem, which answers a command after 20 to 100 ms and tells of a key 40 ms after
-it is pressed; the times are taken by the emulator.
+Runs in real time with an emulated modem, which answers a command after 20 to 100 ms and reports a key 40 ms
+after it is pressed. The emulator takes the times.
 """
 
 import array
@@ -27,11 +27,11 @@ PROFILES = {"lucent": "16 bits", "silabs": "mu-law"}
 GREETING_SECONDS, CALL_SECONDS, LONG_SECONDS = 10, 60, 100
 SPOKEN_SECONDS = 45  # of the rest of the call
 PASSWORD = "12"
-LIMIT = 30  # seconds, for whatever is waited for
+LIMIT = 30  # seconds, for any wait
 
 
 def compared(reference, recording):
-    """In words, how the reference is found again in the recording."""
+    """Describes how well the recording matches the reference."""
     begin = recording.tobytes().find(reference[:8].tobytes())
     if begin < 0 or begin % 2:
         return "not found"
@@ -43,7 +43,7 @@ def compared(reference, recording):
 
 
 class Bench:
-    """The program with its line at an emulated modem of a family, answering at the first ring."""
+    """ORVEN with an emulated modem of one family, answering at the first ring."""
 
     def __init__(self, program, emulator, folder, profile):
         self.modem = modem_telephone.Modem(emulator, os.path.join(folder, "modem"), profile, options=["--times"])
@@ -63,7 +63,7 @@ class Bench:
         self.machine.restart_with({"NumOfRing": "1", "Greeting": "Noise", "Pass": PASSWORD})
 
     def change_message(self, message):
-        """The latest call's message is another now."""
+        """Replaces the message of the latest call."""
         sound.write(self.machine.message(self.machine.records()[-1]), message)
 
     def wait(self, word, since=0):
@@ -80,13 +80,13 @@ class Bench:
         return answered - rung
 
     def end_call(self):
-        """Somebody lifts the telephone beside the modem."""
+        """Ends the call: the handset of a parallel telephone is lifted."""
         self.modem.do("event H")
         self.idles += 1
         self.machine.wait_for("Idle[", LIMIT, self.idles)
 
     def press(self, key):
-        """Returns the seconds from the report of the key until what played was stopped."""
+        """Returns the seconds from the report of the key until playback stopped."""
         self.modem.look()
         since = len(self.modem.news)
         self.modem.do("press " + key)
@@ -115,7 +115,7 @@ def sent_samples(bench, profile):
 
 
 def report_call(bench, profile, greeting):
-    """A call of a minute: greeting, and a message."""
+    """A call of one minute with greeting and message."""
     spoken = sound.noise(SPOKEN_SECONDS, seed=2)
     path = os.path.join(bench.modem.folder, "spoken_noise.wav")
     sound.write(path, spoken)
@@ -135,13 +135,13 @@ def report_call(bench, profile, greeting):
     what = f"{profile}, {PROFILES[profile]}: "
     print(f"{what + 'the greeting, heard':45} {compared(greeting, heard())}")
     sent = between_silences(sent_samples(bench, profile))
-    print(f"{what + 'what the modem sent, recorded':45} {compared(sent, message)}")
-    print(f"{what + 'what was said, recorded':45} {compared(spoken, message)}")
+    print(f"{what + 'audio from the modem, recorded':45} {compared(sent, message)}")
+    print(f"{what + 'audio from the caller, recorded':45} {compared(spoken, message)}")
     print(f"{what + 'CPU for a minute of call':45} {used:.2f} s", flush=True)
 
 
 def between_silences(samples):
-    """From the first sound to the last."""
+    """The samples without the silence at both ends."""
     loud = [i for i, sample in enumerate(samples) if sample]
     return samples[loud[0] : loud[-1] + 1] if loud else samples
 
@@ -161,8 +161,8 @@ def report_times(bench):
         bench.modem.do("press " + key)
         number, _ = bench.wait("key", number)
     bench.wait("playing", number)
-    bench.press("*")  # now it is a message that plays
-    print_times("a key's report to the end of what plays", [bench.press("*") for _ in range(TIMES)])
+    bench.press("*")  # now a message plays
+    print_times("a key's report to the end of playback", [bench.press("*") for _ in range(TIMES)])
     bench.end_call()
 
 

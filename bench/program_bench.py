@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How fast the program starts, and what it takes of the machine while it waits.
+"""Measures the start of the program, and its memory and CPU use while it is idle.
 
     program_bench.py PROGRAM
 
-On a private display with a window manager; each start is in a folder that has been used before.
+Runs on a private display with a window manager; each measured start uses an existing application folder.
 """
 
 import glob
@@ -31,14 +31,14 @@ START_LIMIT = 20.0
 
 
 class WindowWatch:
-    """Notes when the window manager takes the next window."""
+    """Records when the window manager maps the next window."""
 
     def __init__(self, screen):
         self.shown = None
         self._xprop = subprocess.Popen(
             ["xprop", "-spy", "-root", "_NET_CLIENT_LIST"], env=screen.environment(), stdout=subprocess.PIPE, text=True
         )
-        self._xprop.stdout.readline()  # what is there already
+        self._xprop.stdout.readline()  # windows that exist already
         self._thread = threading.Thread(target=self._watch)
 
     def __enter__(self):
@@ -57,7 +57,7 @@ class WindowWatch:
 
 
 def timed_start(program, screen, *arguments, window=True):
-    """The seconds until the program's line was open and, if one is expected, its window shown."""
+    """Returns the seconds until the line was open and, if expected, until the window was shown."""
     with WindowWatch(screen) as watch:
         began = time.monotonic()
         program.start(*arguments)
@@ -91,7 +91,7 @@ def cpu_seconds(process):
 
 
 def voluntary_switches(process):
-    """How often its threads have waited for something: each of them is a wake-up."""
+    """The number of voluntary context switches of its threads: each one is a wake-up."""
     count = 0
     for path in glob.glob(f"/proc/{process.pid}/task/*/status"):
         with open(path, encoding="ascii") as status:
@@ -113,7 +113,7 @@ def report_starts(program, screen, what):
 def report_waiting(program, screen, what, *arguments):
     timed_start(program, screen, *arguments, window=not arguments)
     process = program.process
-    time.sleep(3)  # what a start leaves to be done
+    time.sleep(3)  # until the background work of the start is done
     cpu, switches = cpu_seconds(process), []
     for _ in range(IDLE_TIMES):
         before = voluntary_switches(process)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A telephone for measuring: SIP and RTP over plain UDP sockets of 127.0.0.1, PCMU in packets of 20 ms. What
-arrives carries the kernel's time; what is sent, the time taken right before it is handed to the kernel."""
+"""A telephone for measurements: SIP and RTP over plain UDP sockets on 127.0.0.1, PCMU in packets of 20 ms.
+Received packets have the kernel's time stamp; sent ones have the time just before the system call."""
 
 import collections
 import os
@@ -22,7 +22,7 @@ LIMIT = 10.0  # seconds, for any answer
 
 
 class NoCall(Exception):
-    """A call that failed; the text says why."""
+    """A call that failed, with the reason."""
 
 
 def now():
@@ -40,7 +40,7 @@ def stamped_socket():
 
 
 def receive(udp, limit):
-    """One datagram and its arrival time; (None, None) when none came within `limit` seconds."""
+    """One datagram and its arrival time; (None, None) when none arrives within `limit` seconds."""
     if not select.select([udp], [], [], limit)[0]:
         return None, None
     data, control, _, _ = udp.recvmsg(4096, 64)
@@ -90,7 +90,7 @@ class Call:
         self.sound.close()
 
     def options(self):
-        """Sends one OPTIONS and does not wait."""
+        """Sends one OPTIONS without waiting for the answer."""
         self._send("OPTIONS")
         self._sequence += 1
 
@@ -138,12 +138,12 @@ class Call:
         self.answer("BYE")
 
     def talk(self):
-        """From now on sends a packet every 20 ms, counted from the first one."""
+        """Starts to send a packet every 20 ms, counted from the first one."""
         self._thread = threading.Thread(target=self._talk, daemon=True)
         self._thread.start()
 
     def heard(self, limit):
-        """The next packet of sound: (payload, arrival time); (None, None) when none comes within `limit`."""
+        """The next audio packet: (payload, arrival time); (None, None) when none arrives within `limit`."""
         data, arrived = receive(self.sound, limit)
         return (data[HEADER_BYTES:] if data else None), arrived
 

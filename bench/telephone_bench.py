@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How fast, how evenly and how exactly the program answers SIP calls, and what it takes of the machine.
+"""Measures SIP calls: latency, packet timing, audio quality, CPU and memory use.
 
     telephone_bench.py PROGRAM
 
-A telephone of ours calls the program and, in turn, baresip, which answers by itself; the times are the kernel's.
+A test telephone calls ORVEN and baresip in turn; all times are the kernel's.
 """
 
 import contextlib
@@ -25,18 +25,18 @@ import processes  # noqa: E402
 import sip_telephone  # noqa: E402
 import sound  # noqa: E402
 
-CALLS = 200  # of each kind, to each answerer
+CALLS = 200  # of each kind, to each program
 LONG_CALLS, LONG_SECONDS = 4, 16.0
 RECORDED_SECONDS = 60
 STARTS = 9
 FEW_CALLS, MANY_CALLS = 100, 1000
-TRANSACTION_SECONDS = 36  # what is kept of a call in case its last answer was lost: 32 s, RFC 3261 section 17.2.2
+TRANSACTION_SECONDS = 36  # SIP transactions last 32 s after a call (RFC 3261, section 17.2.2)
 BETWEEN_CALLS = 0.05
 BUSY_PROCESSES = 2
 
 
 class Table:
-    """Rows of what was measured, ours and the peer's, and what is aimed at."""
+    """Rows of measurements: ours, the peer's, and the target."""
 
     def __init__(self):
         self.failures = []
@@ -47,7 +47,7 @@ class Table:
 
     @contextlib.contextmanager
     def failing(self, what):
-        """Tells of whatever fails, and goes on."""
+        """Reports any failure and continues."""
         try:
             yield
         except (sip_telephone.NoCall, processes.Failed, OSError) as failure:
@@ -56,7 +56,7 @@ class Table:
 
 
 def milliseconds(values):
-    """Median, 99th percentile and worst of seconds."""
+    """Median, 99th percentile and maximum of values in seconds."""
     if not values:
         return "none"
     ordered = sorted(values)
@@ -65,7 +65,7 @@ def milliseconds(values):
 
 
 def first_sound(call):
-    """When the first packet came that is not silence."""
+    """The arrival time of the first packet that is not silence."""
     end = time.monotonic() + sip_telephone.LIMIT
     while time.monotonic() < end:
         payload, arrived = call.heard(1)
@@ -75,7 +75,7 @@ def first_sound(call):
 
 
 def report_answers(table, answering):
-    """Calls in turn: how fast they are answered, and how soon the greeting is heard."""
+    """Calls one after the other: the time to the answer and to the start of the greeting."""
     answered = {who.name: [] for who in answering}
     greeted = {(who.name, talks): [] for who in answering for talks in (True, False)}
     early = dict.fromkeys(greeted, 0)
@@ -105,8 +105,8 @@ def report_answers(table, answering):
 
 
 def report_second_rings(table, program):
-    """The second ring is raised a second after the 180: that it took longer is what the answer took, and the
-    few microseconds from the 180 to the start of that second."""
+    """The second ring is raised one second after the 180: any further delay is the time to answer, plus a few
+    microseconds between the 180 and the start of that second."""
     program.restart_with({"NumOfRing": "2"})
     took = []
     for number in range(CALLS):
@@ -120,8 +120,8 @@ def report_second_rings(table, program):
 
 
 def spacing(call, seconds):
-    """The seconds between the packets of the greeting. The kernel keeps them, and when they came, so that nobody
-    need wake up for each. A gap in which the machine's clock was set back is left out."""
+    """The seconds between the packets of the greeting. The kernel buffers and time-stamps them, so this process
+    need not wake up for each one. A gap in which the system clock was set back is left out."""
     arrivals = []
     end = time.monotonic() + seconds
     while time.monotonic() < end:
@@ -157,7 +157,7 @@ def report_spacing(table, answering, what):
 
 @contextlib.contextmanager
 def busy():
-    """Processes that take whatever processor time they get."""
+    """Processes that use all the CPU time they get."""
     loops = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(BUSY_PROCESSES)]
     try:
         yield
@@ -168,14 +168,14 @@ def busy():
 
 
 def noise_blocks(seconds):
-    """Mu-law noise; not the second code of zero, which no recorder tells from the first."""
+    """Mu-law noise without the second code of zero, which recorders cannot distinguish from the first."""
     codes = bytes(code for code in range(256) if code not in (0x7F, 0xFF))
     chosen = bytes(random.Random(4).choices(codes, k=int(seconds * sound.RATE)))
     return [chosen[i : i + sip_telephone.BLOCK] for i in range(0, len(chosen), sip_telephone.BLOCK)]
 
 
 def talk_through(call, blocks, process):
-    """Sends the blocks, each in its 20 ms; the processor time that the answerer took meanwhile."""
+    """Sends one block every 20 ms; returns the CPU time that the answering program used meanwhile."""
     before = process.cpu_seconds()
     call.to_send.extend(blocks)
     processes.wait_for("The end of the minute", lambda: not call.to_send, 2 * RECORDED_SECONDS)
@@ -183,7 +183,7 @@ def talk_through(call, blocks, process):
 
 
 def data_of(path):
-    """The sound of a WAV file as it stands there: what follows the data chunk's head."""
+    """The raw audio of a WAV file: the content of its data chunk."""
     with open(path, "rb") as file:
         content = file.read()
     return content[content.index(b"data") + 8 :]
@@ -245,7 +245,7 @@ def report_memory(table, answering, what):
 
 
 def report_growth(table, answering):
-    """After some calls and after many, when the last trace of them has been given up."""
+    """Memory after some calls and after many, once their transactions have expired."""
     for calls, more in ((FEW_CALLS, FEW_CALLS), (MANY_CALLS, MANY_CALLS - FEW_CALLS)):
         for who in answering:
             short_calls(table, who, more)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# How this project's targets are made: one call per folder, sources found by the folder.
+# Functions that define this project's targets: one call per folder, with all sources of the folder.
 
-# Every warning that the project keeps itself clean of.
+# The warnings that the project enables.
 add_library(orven_warnings INTERFACE)
 target_compile_options(orven_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
@@ -18,10 +18,10 @@ function(orven_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE orven_warnings)
 endfunction()
 
-# How many times as long as plain programs those of this build may take.
-set(ORVEN_TIME_FACTOR 1 CACHE STRING "what every limit on a test's time is multiplied by")
+# Factor for the time limits of tests in builds that run slower, as under a sanitizer.
+set(ORVEN_TIME_FACTOR 1 CACHE STRING "factor for the time limits of all tests")
 
-# What the tests need that run under ThreadSanitizer: all but those with the label qt.
+# Builds the tests that run under ThreadSanitizer: all but those with the label qt.
 add_custom_target(orven_tests_without_qt)
 
 # orven_discover_tests(name TIMEOUT seconds LABEL qt|tsan)
@@ -37,8 +37,8 @@ function(orven_discover_tests name)
 endfunction()
 
 # orven_test(name TIMEOUT seconds LINK targets… [LABELS qt])
-# One GoogleTest program of the .cpp files in the calling folder, run as one CTest test a case. The label is
-# tsan where it is not qt.
+# One GoogleTest program of the .cpp files in the calling folder; each case is a CTest test. The label is tsan
+# unless it is qt.
 function(orven_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT;LABELS" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
@@ -53,8 +53,8 @@ function(orven_test name)
 endfunction()
 
 # orven_scale_limits()
-# Last in a folder that calls add_test itself: multiplies the tests' limits, too, and tells them the factor.
-# Whole programs that are slow and have to keep pace with a caller have the machine for themselves.
+# To be called last in a folder that uses add_test itself: scales the tests' limits and passes them the factor.
+# Slow whole programs that must keep pace with a caller run alone.
 function(orven_scale_limits)
   get_property(names DIRECTORY PROPERTY TESTS)
   foreach(name ${names})

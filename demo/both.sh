@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
-# both.sh PROGRAM EMULATOR: the two demonstrations side by side; fails when either does.
+# both.sh PROGRAM EMULATOR: runs the two demonstrations in parallel; fails when either does.
 demo=$(dirname "$0")/demo.py
 output=$(mktemp)
 /usr/bin/python3 -B "$demo" "$1" "$2" >"$output" 2>&1 &

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The greeting creator, used with the keyboard as a person does."""
+"""Operates the greeting creator by keyboard, as a user does."""
 
 import os
 
@@ -7,8 +7,8 @@ import processes
 
 
 class Creator:
-    """The greeting creator of the program `process` on a Display. `alive` is called during every wait, and
-    ends the wait by raising."""
+    """The greeting creator of the program `process` on a Display. `alive` is called during every wait and may
+    end it by raising."""
 
     def __init__(self, screen, process, alive=lambda: None):
         self._screen, self._process, self._alive = screen, process, alive
@@ -49,6 +49,6 @@ class Creator:
         return next((w for w in windows if w.state() and w.property("WM_NAME") == f'"{title}"'), None)
 
     def _turn_to(self, title):
-        """Waits for the window of this title and gives it the keyboard."""
+        """Waits for the window with this title and gives it the keyboard focus."""
         window = processes.wait_for(f'The window "{title}"', lambda: self._find(title), 20, self._alive)
         self._screen.run("xdotool", "windowactivate", "--sync", window.number)

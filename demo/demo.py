@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Shows the answering machine at work, and ends with 0 only when all of it worked.
+"""Demonstrates the answering machine; exits with 0 only when every step worked.
 
     demo.py PROGRAM [EMULATOR]
 
 A greeting is typed. An independent telephone calls ORVEN, hears it, waits for the beep, speaks and
-hangs up; the message comes by mail, and a program is started with the call's details. Then the owner calls, keys the password and "*"
-and hears that message. Everything runs on 127.0.0.1 in a folder of its
-own, which is kept when something fails. The program's window is on a display that nobody sees; its
-picture is saved at the end. With EMULATOR, orven-modem-emulator, the telephone line is that of a voice modem.
+hangs up; the message arrives by mail, and a program is started with the call's details. Then the owner calls,
+keys the password and "*" and hears that message. Everything runs on 127.0.0.1 in a temporary folder, which is
+kept when a step fails. The program's window is on a virtual display; its picture is saved at the end. With
+EMULATOR, orven-modem-emulator, the telephone line is that of a voice modem.
 """
 
 import contextlib
@@ -64,7 +64,7 @@ def check(holds, text):
 
 
 def check_order(lines, steps):
-    """Every step is in the log, each after the one before it."""
+    """All steps are in the log, in this order."""
     remaining = iter(lines)
     for text in steps:
         check(any(text in line for line in remaining), f'The system log lacks "{text}" at its place in the call')
@@ -89,7 +89,7 @@ def make_greeting(answering_machine, screen):
 
 
 def leave_message(answering_machine, greeting, spoken):
-    """The first call. Returns what the call has added to the system log."""
+    """The first call. Returns the lines that it has added to the system log."""
     first_line, calls = len(answering_machine.log()), answering_machine.count("Idle[")
     with answering_machine.telephone(CALLER_NAME, CALLER_NUMBER) as caller:
         step(f"{CALLER_NAME} calls {answering_machine.address}")
@@ -232,7 +232,7 @@ def demonstrate(answering_machine, folder, screen, inbox):
         check("Unload ORVEN" in answering_machine.log(kind)[-1], f'The {name} log does not end in "Unload ORVEN"')
     expected = f"Ring:4 [{CALLER_NAME}:{CALLER_NUMBER}]"
     check(any(expected in line for line in answering_machine.log("Calls")), f'The calls log lacks "{expected}"')
-    step("All of it worked")
+    step("Every step worked")
 
 
 def main():

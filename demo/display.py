@@ -15,8 +15,8 @@ TOOLS_TO_OPEN = ("Xvfb", "openbox")
 
 
 def find_display(folder):
-    """A context of a private display; where there are not the programs for one, of the user's own, and
-    of None where a window could not be seen or shown."""
+    """A context manager for a private display; for the user's own if the programs for one are missing; for None
+    if windows cannot be shown or inspected."""
 
     def all_there(tools):
         return all(shutil.which(tool) for tool in tools)
@@ -41,11 +41,11 @@ class Window:
         return found[2].strip() if found else ""
 
     def state(self):
-        """Normal or Iconic for a window that the window manager keeps; else empty."""
+        """Normal or Iconic for a window that the window manager manages; else empty."""
         return (re.search(r"window state: (\w+)", self.property("WM_STATE")) or ["", ""])[1]
 
     def kind(self):
-        """The type that the window gives itself first: "NORMAL", "TOOLTIP" …"""
+        """The window's first declared type: "NORMAL", "TOOLTIP" …"""
         return (re.search(r"_NET_WM_WINDOW_TYPE_(\w+)", self.property("_NET_WM_WINDOW_TYPE")) or ["", ""])[1]
 
     def area(self):
@@ -59,7 +59,7 @@ class Window:
         self._display.run("xdotool", "mousemove", left + width // 2, top + height // 2, "click", button)
 
     def close(self):
-        """As its close button does."""
+        """Closes the window as its close button does."""
         self._display.run("wmctrl", "-i", "-c", hex(self.number))
 
     def picture(self, path):
@@ -68,8 +68,8 @@ class Window:
 
 
 class Display:
-    """A display that is there already, or in a with statement a private one with a window manager and
-    without a message bus, so that what runs on it reaches no desktop of the user's."""
+    """An existing display or, in a with statement, a private one with a window manager and without a message
+    bus, so that programs on it do not reach the user's desktop."""
 
     def __init__(self, folder, variables=None):
         self._folder, self._children = folder, []
@@ -108,7 +108,7 @@ class Display:
         return "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
 
     def environment(self):
-        """This script's environment, moved to the display."""
+        """This script's environment with the variables for the display."""
         kept = {k: v for k, v in os.environ.items() if k not in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
         return {**kept, **self.variables}
 
@@ -124,11 +124,11 @@ class Display:
         )
 
     def ask(self, *command):
-        """What a command prints; a window that is gone meanwhile gives an empty answer."""
+        """The output of a command; empty if its window was closed meanwhile."""
         return self.run(*command).stdout
 
     def wait_for_keyboard(self, title, limit):
-        """Waits until the window of this title has the keyboard."""
+        """Waits until the window with this title has the keyboard focus."""
 
         def is_there():
             return self.ask("xdotool", "getwindowfocus", "getwindowname").strip() == title
@@ -136,16 +136,16 @@ class Display:
         processes.wait_for(f'The keyboard at "{title}"', is_there, limit)
 
     def colours(self, path):
-        """How many colours a picture has."""
+        """The number of colours in a picture."""
         return int(self.ask("identify", "-format", "%k", path) or 0)
 
     def windows(self, process):
-        """The windows of a process that can be seen or are minimised, tips and menus included."""
+        """The visible or minimised windows of a process, including tool tips and menus."""
         found = self.ask("xdotool", "search", "--pid", process.pid).split()
         seen = self.ask("xdotool", "search", "--onlyvisible", "--pid", process.pid).split()
         windows = [Window(self, int(number)) for number in dict.fromkeys(found + seen)]
         return [window for window in windows if str(window.number) in seen or window.state() == "Iconic"]
 
     def main_window(self, process):
-        """The window of a process that the window manager keeps, whatever its state; None without."""
+        """The window of a process that the window manager manages, in any state; None without one."""
         return next((window for window in self.windows(process) if window.state()), None)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""ORVEN as its user, a test or a benchmark has it: its process, its folder, its logs and its records."""
+"""Runs ORVEN for a demonstration, a test or a benchmark: its process, folder, logs and records."""
 
 import glob
 import os
@@ -17,7 +17,7 @@ LINE = "Demo"  # the name of the telephone line
 
 class Machine:
     """ORVEN in the application folder `folder`/home, which is new or a copy of `template`, an earlier machine's.
-    Its one telephone line is on 127.0.0.1, or at the modem_telephone.Modem `modem`. Its windows are on the Display
+    Its only telephone line is on 127.0.0.1, or at the modem_telephone.Modem `modem`. Its windows are on the Display
     `display`, if any. Every new log line is passed to `show`. Every start passes `arguments` to the program. Use it
     in a with statement, which stops the program."""
 
@@ -49,7 +49,7 @@ class Machine:
             processes.stop(self.process, 5)
 
     def start(self, *arguments):
-        """Starts the program and does not wait."""
+        """Starts the program without waiting."""
         self._start = len(self.log())
         command = [self.program, *self.arguments, *arguments]
         desktop = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")
@@ -58,7 +58,7 @@ class Machine:
         self.process = processes.start(command, self._output, env=environment, cwd=self._folder)
 
     def start_and_wait(self, *arguments):
-        """Starts the program; returns when its line takes calls."""
+        """Starts the program; returns when its line accepts calls."""
         self.start(*arguments)
         self.wait_for(self.ready)
 
@@ -112,10 +112,10 @@ class Machine:
                 raise processes.Failed(f'The settings hold "{name}" {count} times')
         self.write("registry.reg", text)
 
-    # What it says and keeps.
+    # Its logs and records.
 
     def look(self):
-        """Reads what is new in the logs; fails when the program has ended."""
+        """Reads the new log lines; fails when the program has ended."""
         self._read_logs()
         if self.process.poll() is not None:
             raise processes.Failed(
@@ -132,7 +132,7 @@ class Machine:
         return self.log()[self._start :]
 
     def count(self, text):
-        """How many lines of the latest start contain it."""
+        """The number of log lines since the latest start that contain `text`."""
         return sum(text in line for line in self.log_since_start())
 
     def wait_for(self, text, limit=30, count=1):

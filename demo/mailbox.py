@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A mail server on 127.0.0.1 that keeps what it is sent, and a program that keeps its arguments."""
+"""A mail server on 127.0.0.1 that keeps the received mails, and a program that keeps its arguments."""
 
 import email
 import email.policy
@@ -12,7 +12,7 @@ import processes
 
 
 class Mailbox:
-    """Use it in a with statement. `mails` holds what has come in, parsed by Python's own mail package."""
+    """Use it in a with statement. `mails` has the received mails, parsed by Python's email package."""
 
     def __init__(self):
         self.mails = []
@@ -46,7 +46,7 @@ mv "{self._pages}.new" "{self._pages}"
         os.chmod(self.program, stat.S_IRWXU)
 
     def lines(self):
-        """What it was given; empty while it was not started."""
+        """Its arguments; empty if it was not started."""
         if not os.path.exists(self._pages):
             return []
         with open(self._pages, encoding="utf-8") as file:

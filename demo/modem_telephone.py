@@ -14,8 +14,8 @@ LONGEST_NAME = 15  # characters of a caller id
 
 
 class Modem:
-    """The emulator `program` with its port under the symbolic link `port`, in the new folder `folder`. Use
-    it in a with statement: it ends with it."""
+    """The emulator `program` with its port under the symbolic link `port`, in the new folder `folder`. Use it in
+    a with statement, which ends it."""
 
     def __init__(self, program, folder, profile="conexant", faults="", seconds=300, options=()):
         os.makedirs(folder)
@@ -43,19 +43,19 @@ class Modem:
         return os.path.join(self.folder, name + ("" if name == "sent" else ".wav"))
 
     def do(self, step):
-        """One step of the emulator's scripts, at once: "ring", "press 12", "say FILE.wav" …"""
+        """Runs one step of the emulator's scripts at once: "ring", "press 12", "say FILE.wav" …"""
         self._process.stdin.write((step + "\n").encode())
         self._process.stdin.flush()
 
     def look(self):
-        """Takes in what it has reported; raises when it has ended."""
+        """Reads its new reports; raises when it has ended."""
         with open(self._log, encoding="utf-8") as file:
             self.news = [line for line in file.read().split("\n")[:-1] if line]
         if self._process.poll() is not None:
             raise processes.Failed(f"The modem ended by itself; its log is {self._log}")
 
     def wait(self, word, limit, since=0, meanwhile=lambda: None):
-        """Waits for a report that begins with `word`, from number `since` on. Returns the number behind it."""
+        """Waits for a report that begins with `word`, from number `since` on. Returns the next number."""
 
         def find():
             self.look()
@@ -67,27 +67,27 @@ class Modem:
         return processes.wait_for(f'The modem\'s "{word}"', find, limit, meanwhile)
 
     def complaints(self):
-        """What a real modem would have refused."""
+        """The reports of actions that a real modem would have refused."""
         self.look()
         return [line for line in self.news if line.startswith(("complaint", "refused"))]
 
     def heard(self):
-        """What the caller has heard since the latest call was answered."""
+        """The audio that the caller has heard since the latest call was answered."""
         return sound.read_growing(self._path("captured"))
 
     def spoken(self):
-        """What the caller has said in that time."""
+        """The audio from the caller in that time."""
         return sound.read_growing(self._path("spoken"))
 
     def sent(self):
-        """The bytes of sound that the modem has sent in that time."""
+        """The audio bytes that the modem has sent in that time."""
         with open(self._path("sent"), "rb") as file:
             return file.read()
 
 
 class ModemTelephone:
     """A telephone on the other end of `modem`'s line, with telephone.Telephone's methods. `meanwhile` is
-    called again and again during every wait, and ends the wait by raising."""
+    called repeatedly during every wait and may end it by raising."""
 
     def __init__(self, modem, name, number, meanwhile=lambda: None):
         self._modem, self._meanwhile = modem, meanwhile
@@ -104,7 +104,7 @@ class ModemTelephone:
             self.hang_up()
 
     def dial(self, _address=None):
-        """The bell rings until somebody answers, or this telephone hangs up."""
+        """Rings until the call is answered or this telephone hangs up."""
         self._modem.look()
         self._since = len(self._modem.news)
         self._next_ring = time.monotonic()
@@ -114,7 +114,7 @@ class ModemTelephone:
         self._modem.do(f"press {digit}")
 
     def say(self, samples, limit):
-        """Says `samples` and returns when all of them, and half a second of silence, are over the line."""
+        """Says `samples`; returns when they and half a second of silence have been sent."""
         path = os.path.join(self._modem.folder, "say.wav")
         sound.write(path, samples)
         target = len(self.sent()) + len(samples) + sound.RATE // 2

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Child processes that never outlive the script, and waiting with a limit."""
+"""Child processes that never outlive the script, and waiting with a time limit."""
 
 import contextlib
 import ctypes
@@ -17,11 +17,11 @@ SLOWNESS = float(os.environ.get("ORVEN_TIME_FACTOR", "1"))
 
 
 class Failed(Exception):
-    """A step that failed; the text is a sentence for the user."""
+    """A step that failed, with a sentence for the user."""
 
 
 def start(command, log, **options):
-    """Starts `command` with its output in the file `log`; it is killed should this script die."""
+    """Starts `command` with its output in the file `log`; it is killed if this script dies."""
     with open(log, "ab") as output:
         return subprocess.Popen(
             command,
@@ -52,8 +52,8 @@ def stop(process, limit):
 
 
 def wait_for(what, condition, limit, alive=lambda: None):
-    """Polls until `condition` gives something true, and returns that. Raises Failed after `limit`
-    seconds, saying what did not come; `alive` is called meanwhile and may raise earlier."""
+    """Polls until `condition` returns something true, and returns that. Raises Failed after `limit` seconds, with
+    `what` in its text; `alive` is called meanwhile and may raise earlier."""
     limit *= SLOWNESS
     end = time.monotonic() + limit
     while True:
@@ -67,7 +67,7 @@ def wait_for(what, condition, limit, alive=lambda: None):
 
 
 def free_port(count=1):
-    """The first of `count` ports of 127.0.0.1 in a row that are free now for UDP and TCP both."""
+    """The first of `count` consecutive ports of 127.0.0.1 that are free now for both UDP and TCP."""
     for _ in range(100):
         with socket.socket(socket.AF_INET, socket.SOCK_STREAM) as tcp:
             tcp.bind(("127.0.0.1", 0))

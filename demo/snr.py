@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How well one recording kept another: the signal-to-noise ratio in dB.
+"""Compares a recording with a reference: the signal-to-noise ratio in dB.
 
     snr.py REFERENCE.wav RECORDING.wav
 
-The reference is looked for in the recording by cross-correlation and its level is fitted. All of the
-reference counts: a piece that is missing, late or repeated in the recording is noise. What the
-recording holds before and after it does not count.
+The reference is located in the recording by cross-correlation, and its level is fitted. The whole reference
+counts: a part that is missing, late or repeated in the recording is noise. Audio before and after it in the
+recording is ignored.
 """
 
 import cmath
@@ -16,7 +16,7 @@ import sys
 
 import sound
 
-IDENTICAL = 99.0  # dB; given for a recording without any difference
+IDENTICAL = 99.0  # dB; the result for identical recordings
 COARSE = 4  # the search runs on every fourth sample, then the best place is refined
 
 

@@ -28,7 +28,7 @@ MU_LAW = [_mu_law_value(code) for code in range(256)]  # the samples of all code
 
 
 def noise(seconds, seed):
-    """Samples that mu-law keeps exactly."""
+    """Random samples that mu-law encodes without loss."""
     values = [value for value in MU_LAW if 0 < abs(value) < LOUDEST_NOISE]
     return array.array("h", random.Random(seed).choices(values, k=int(seconds * RATE)))
 

@@ -38,13 +38,13 @@ SILENCE_SECONDS = 180  # the longest call; a source that ends would end the call
 
 
 class Telephone:
-    """One telephone with one line. Use it in a with statement: it ends with it. `meanwhile` is called
-    again and again during every wait, and ends the wait by raising."""
+    """One telephone with one line. Use it in a with statement, which ends it. `meanwhile` is called repeatedly
+    during every wait and may end it by raising."""
 
     def __init__(self, folder, name, number, answer="manual", meanwhile=lambda: None):
         self._meanwhile = meanwhile
         self.folder, self.control_port = folder, processes.free_port()
-        self.sip_port = processes.free_port(2)  # the next one is baresip's for TLS
+        self.sip_port = processes.free_port(2)  # baresip uses the next port for TLS
         os.makedirs(folder)
         facts = dict(vars(self), name=name, number=number, answer=answer)
         self._write("config", CONFIGURATION.format(**facts))
@@ -68,18 +68,18 @@ class Telephone:
         processes.stop(self._process, 3)
 
     def hurry(self):
-        """Sends its audio in time on a busy computer if that is allowed. To be called before it dials."""
+        """Raises its priority, if allowed, to send audio in time on a busy computer. Call it before dialling."""
         processes.hurry(self._process)
 
     def dial(self, address):
         self._command("dial", address)
 
     def press(self, digit):
-        """Presses one key and lets go of it."""
+        """Presses and releases one key."""
         self._command("sndcode", digit)
 
     def say(self, samples, limit):
-        """Says `samples` and returns when all of them, and half a second of silence, have been sent."""
+        """Says `samples`; returns when they and half a second of silence have been sent."""
         path = os.path.join(self.folder, "say.wav")
         sound.write(path, samples + sound.silence(SILENCE_SECONDS))
         target = len(self.sent()) + len(samples) + sound.RATE // 2
@@ -90,11 +90,11 @@ class Telephone:
         self._command("hangup", "")
 
     def sent(self):
-        """What this telephone has sent in its latest call."""
+        """The audio that this telephone has sent in its latest call."""
         return self._recording("enc")
 
     def heard(self):
-        """What this telephone has received in its latest call."""
+        """The audio that this telephone has received in its latest call."""
         return self._recording("dec")
 
     def wait_event(self, kind, limit):
@@ -151,7 +151,7 @@ class Telephone:
         self._control.sendall(b"%d:%s," % (len(message), message))
 
     def _read(self):
-        """Takes in what has arrived: netstrings ("length:text,") of JSON, events and responses mixed."""
+        """Parses the received bytes: netstrings ("length:text,") of JSON, events and responses mixed."""
         while True:
             try:
                 data = self._control.recv(65536)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The demonstration's own instruments measure what they say."""
+"""Tests of the demonstration's measuring functions."""
 
 import array
 import math

@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Tries the Debian package as its user would: installs it on a clean system, starts it there, opens its
-help, calls it, listens to the message, upgrades it, and removes it again.
+"""Tests the Debian package as a user would: installs it on a clean system, starts the program, opens its
+help, calls it, listens to the message, upgrades the package and removes it.
 
     check.py PACKAGE
 
-Needs root, because the clean system is a folder of its own (chroot). What runs there has a network of its
-own, in which there are only this machine and its telephone. Ends with 0 only when all of it worked; what
-fails keeps its folder.
+Needs root for the clean system, a chroot. Its processes run in a network namespace that contains only them and
+the telephone. Exits with 0 only when every step worked; after a failure its folder is kept.
 """
 
 import contextlib
@@ -35,9 +34,9 @@ OWNER = "owner"
 HOME = f"/home/{OWNER}"
 APPLICATION_FOLDER = f"{HOME}/.local/share/orven"
 AUTOSTART_ENTRY = f"{HOME}/.config/autostart/orven.desktop"
-OPENED = f"{HOME}/opened"  # by the clean system's opener of documents
+OPENED = f"{HOME}/opened"  # by the clean system's xdg-open
 SOUND_SERVER = "/tmp/sound"
-DEFAULT_PORT = 5060  # of the telephone line that there is without lines.ini
+DEFAULT_PORT = 5060  # of the telephone line without a lines.ini
 PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop")
 HELP_CHECK = os.path.join(HERE, "..", "tests", "house", "check_help.py")
 SCREENSHOT = os.path.join(HERE, "..", "build", "package", "installed.png")
@@ -47,7 +46,7 @@ MS_REC, MS_PRIVATE = 0x4000, 0x40000  # mount(2)
 
 
 def run(*command):
-    """Runs a command and returns what it printed; raises Failed with that when it fails."""
+    """Runs a command and returns its output; raises Failed with the output when it fails."""
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
     if done.returncode:
         raise Failed(f"{' '.join(command)} ended with {done.returncode}:\n{done.stdout}")
@@ -55,7 +54,7 @@ def run(*command):
 
 
 class CleanSystem:
-    """A small Debian in a folder. Packages come from where this machine's own come from."""
+    """A small Debian in a folder, from this machine's package archive."""
 
     def __init__(self, folder):
         self.root = os.path.join(folder, "root")
@@ -66,14 +65,14 @@ class CleanSystem:
         if not sources:
             raise Failed("apt knows no Debian archive; run apt-get update")
         run("mmdebstrap", "--variant=apt", "--mode=root", release, self.root, *dict.fromkeys(sources))
-        # No service of the clean system is to start on this one.
+        # Keeps services of the clean system from starting on this machine.
         policy = self.path("/usr/sbin/policy-rc.d")
         with open(policy, "w", encoding="utf-8") as file:
             file.write("#!/bin/sh\nexit 101\n")
         os.chmod(policy, 0o755)
 
     def add_opener(self):
-        """Puts an opener of documents there, which only notes what it is to open."""
+        """Installs an xdg-open that only records its argument."""
         opener = self.path("/usr/local/bin/xdg-open")
         with open(opener, "w", encoding="utf-8") as file:
             file.write(f'#!/bin/sh\nprintf %s "$1" >{OPENED}.new && mv {OPENED}.new {OPENED}\n')
@@ -92,7 +91,7 @@ class CleanSystem:
     def install(self, package):
         name = "/" + os.path.basename(package)
         shutil.copy(package, self.path(name))
-        # Without what is only recommended: it has to run with what it depends on.
+        # Without recommended packages: the program must run with its dependencies only.
         self.run("apt-get", "-q", "install", "-y", "--no-install-recommends", "." + name)
         os.unlink(self.path(name))
 
@@ -112,7 +111,7 @@ class Installed(machine.Machine):
         self._start()
 
     def start_again(self):
-        """Starts the program, which has ended."""
+        """Starts the program after it has ended."""
         since = len(self.system_log)
         self._start()
         self.wait_for_line("LineOpen[", 20, since)
@@ -123,10 +122,10 @@ class Installed(machine.Machine):
 
 
 def enter_own_network():
-    """Gives this process mounts and a network of its own; they end with it and its children."""
+    """Moves this process to a new mount and network namespace; they end with it and its children."""
     libc = ctypes.CDLL(None, use_errno=True)
     if libc.unshare(CLONE_NEWNS | CLONE_NEWNET) != 0:
-        raise Failed(f"There can be no network of its own: {os.strerror(ctypes.get_errno())}")
+        raise Failed(f"A network namespace cannot be created: {os.strerror(ctypes.get_errno())}")
     libc.mount(None, b"/", None, MS_REC | MS_PRIVATE, None)
     run("ip", "link", "set", "lo", "up")
 
@@ -141,13 +140,13 @@ def check_texts(package, folder):
 
 
 def check_package(package):
-    # Warnings count: there are none, and a new one is to be seen.
+    # Warnings are failures, so that a new one is noticed.
     run("lintian", "--allow-root", "--no-tag-display-limit", "--fail-on", "error,warning", package)
-    demo.step("lintian has nothing against it")
+    demo.step("lintian has no complaints")
 
 
 def data_of(system):
-    """Everything that the owner's home holds: kind, mode and content by path."""
+    """All files in the owner's home: type, mode and content by path."""
     found = {}
     for folder, folders, files in os.walk(system.path(HOME)):
         for name in folders + files:
@@ -174,14 +173,14 @@ def check_first_start(installed, system):
 
 
 def check_help(installed, system, screen):
-    """F1 hands the first page to whatever opens documents; that page and all it leads to are there."""
+    """F1 passes the first page to xdg-open; that page and all pages it links to exist."""
     window = wait_for("The main window", lambda: screen.main_window(installed.process), 20, installed.look)
     screen.run("xdotool", "windowactivate", "--sync", window.number)
     screen.run("xdotool", "key", "F1")
     wait_for("The help", lambda: os.path.exists(system.path(OPENED)), 20, installed.look)
     with open(system.path(OPENED), encoding="utf-8") as file:
         address = file.read()
-    demo.check(address == f"file://{APPLICATION_FOLDER}/Help/index.htm", f"The help is to be found at {address!r}")
+    demo.check(address == f"file://{APPLICATION_FOLDER}/Help/index.htm", f"The help has the address {address!r}")
     run(sys.executable, "-B", HELP_CHECK, os.path.dirname(system.path(address.removeprefix("file://"))))
     demo.step("Its help opens, complete with its pictures")
 
@@ -196,8 +195,8 @@ def check_call(installed, folder, screen):
 
 
 def check_sound(installed, server, message, screen):
-    """The message, played by the program, is heard."""
-    wait_for("The end of the sound that tells of a message", lambda: not server.streams(), 20, installed.look)
+    """The program plays the message on the sound card."""
+    wait_for("The end of the sound that announces a message", lambda: not server.streams(), 20, installed.look)
     heard = sound_case.Recording(server)
     window = screen.main_window(installed.process)
     screen.run("xdotool", "windowactivate", "--sync", window.number)
@@ -208,7 +207,7 @@ def check_sound(installed, server, message, screen):
 
 def check_window(installed, screen):
     window = wait_for("The main window", lambda: screen.main_window(installed.process), 20, installed.look)
-    # The view that told of the call slides out of the picture.
+    # Waits until the caller view has closed.
     wait_for("The main window alone", lambda: len(screen.windows(installed.process)) == 1, 20, installed.look)
     wait_for("A picture of it", lambda: window.picture(SCREENSHOT) and screen.colours(SCREENSHOT) >= demo.FEWEST_COLOURS,
              10, installed.look)
@@ -216,7 +215,7 @@ def check_window(installed, screen):
 
 
 def newer(package, folder):
-    """The same package under a higher version. Returns its path and that version."""
+    """Makes the same package with a higher version. Returns its path and version."""
     content, version = os.path.join(folder, "newer"), run("dpkg-deb", "-f", package, "Version").strip()
     control, higher = os.path.join(content, "DEBIAN", "control"), version + "+newer"
     run("dpkg-deb", "-R", package, content)
@@ -229,7 +228,7 @@ def newer(package, folder):
 
 
 def check_upgrade(installed, system, package, folder):
-    """Nobody ends a program before upgrading it: it is idle meanwhile, and started again after it."""
+    """Upgrades the package while the program is running, as users do, then restarts the program."""
     before, password = data_of(system), installed.password()
     upgrade, version = newer(package, folder)
     system.install(upgrade)
@@ -247,7 +246,7 @@ def check_upgrade(installed, system, package, folder):
 
 @contextlib.contextmanager
 def sound_server(folder, system):
-    """One with a card that can be listened to, which takes the sound of the clean system."""
+    """A sound server for the clean system, with a card whose output is recorded."""
     os.mkdir(os.path.join(folder, "sound"))
     server = sound_case.Server(os.path.join(folder, "sound"))
     try:
@@ -271,12 +270,12 @@ def check(package, folder):
     check_package(package)
     check_texts(package, folder)
     system = CleanSystem(folder)
-    demo.step("There is a clean system")
+    demo.step("The clean system is installed")
     system.update()
     system.install(package)
     system.run("useradd", "--create-home", OWNER)
     system.add_opener()
-    demo.step("The package and what it depends on are installed there")
+    demo.step("The package and its dependencies are installed there")
     enter_own_network()
     run("mount", "-t", "proc", "proc", system.path("/proc"))
     try:
@@ -294,7 +293,7 @@ def check(package, folder):
         check_removal(system)
     finally:
         run("umount", "--lazy", system.path("/proc"))
-    demo.step("All of it worked")
+    demo.step("Every step worked")
 
 
 def main():
@@ -302,7 +301,7 @@ def main():
         sys.exit(__doc__)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     folder = tempfile.mkdtemp(prefix="orven-package-")
-    os.chmod(folder, 0o755)  # the owner of the clean system gets to it
+    os.chmod(folder, 0o755)  # the clean system's user needs access
     try:
         check(os.path.abspath(sys.argv[1]), folder)
     except (Failed, OSError, subprocess.CalledProcessError) as failure:

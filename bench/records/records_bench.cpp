@@ -1,5 +1,5 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// How long the call records take at the size of some months, years and decades of calls.
+// SPDX-License-Identifier: GPL-3.0-or-later Measures the call records with a few months', years' and decades'
+// worth of calls.
 #include <filesystem>
 
 #include "adapters/database/sqlite_connection.h"
@@ -18,7 +18,7 @@ SqliteDatabase CallRecords() {
   return SqliteDatabase{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
 }
 
-/// A folder with a database of `count` records, which is made by one statement: committing each by itself
+/// A folder with a database of `count` records, inserted by one statement: committing each one separately
 /// would take minutes.
 class Folder {
  public:
@@ -41,12 +41,12 @@ class Folder {
   std::filesystem::path path_ = std::filesystem::temp_directory_path() / "orven-bench-records";
 };
 
-/// A window that asks for the rows that fit into it, whenever they may have changed.
+/// A window that requests its visible rows whenever they may have changed.
 class Window : public CallListView, public CallCountsView {
  public:
   const CallList* list = nullptr;
   std::int32_t first = 1;
-  std::size_t seen = 0;  ///< so that nothing of it is left out
+  std::size_t seen = 0;  ///< keeps the compiler from removing the work
   void Look() {
     for (auto row = first; row < first + kRowsOfAWindow && row <= list->Count(); ++row) See(row);
   }
@@ -100,10 +100,10 @@ void MeasureRecords(std::int32_t count) {
   PrintTimes("open", Measure(kTimes / 10, [&] { CallRecords().Open(folder.Calls()); }));
   auto database = CallRecords();
   database.Open(folder.Calls());
-  PrintTimes("makeList, from nothing", Measure(kTimes / 10, [&] { FilledList filled(database); }));
+  PrintTimes("makeList, initial", Measure(kTimes / 10, [&] { FilledList filled(database); }));
   FilledList filled(database);
   auto& list = filled.list;
-  PrintTimes("rows of a page, anywhere", Measure(kTimes, [&] {
+  PrintTimes("rows of a page, at any position", Measure(kTimes, [&] {
                filled.view.first = filled.view.first * 7 % (count - kRowsOfAWindow) + 1;
                filled.view.Look();
              }));

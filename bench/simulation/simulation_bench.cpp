@@ -1,5 +1,5 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// How many calls a second the whole engine takes on virtual time, on one core.
+// SPDX-License-Identifier: GPL-3.0-or-later Measures how many calls a second the whole engine handles on
+// virtual time, on one core.
 #include <ctime>
 #include <random>
 
@@ -11,12 +11,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kCalls = 1000;   // of one measurement
-constexpr int kOfAWorld = 50;  // then a new one, so that neither log nor records grow long
+constexpr int kCalls = 1000;   // per measurement
+constexpr int kOfAWorld = 50;  // calls per engine, so that neither log nor records grow long
 constexpr int kMeasurements = 15;
 constexpr double kAim = 5000;
 
-/// A caller who speaks in sentences for so long that a call takes a minute on average.
+/// A caller who speaks in sentences; an average call takes one minute.
 void Call(test::World& world, std::mt19937& random) {
   world.CallAndWaitForRecording();
   const int sentences = std::uniform_int_distribution(5, 14)(random);
@@ -30,7 +30,7 @@ void Call(test::World& world, std::mt19937& random) {
   world.RunFor(2s);
 }
 
-/// Plays kCalls calls; how long they took on virtual time.
+/// Plays kCalls calls; returns their duration in virtual time.
 std::chrono::milliseconds PlayCalls() {
   std::mt19937 random(2003);
   std::chrono::milliseconds virtual_time{0};
@@ -45,7 +45,7 @@ std::chrono::milliseconds PlayCalls() {
   return virtual_time;
 }
 
-/// In processor time, so that other programs on this core do not count.
+/// CPU time, so that other programs on this core do not count.
 void MeasureSimulation() {
   Times times;
   std::chrono::milliseconds virtual_time{0};

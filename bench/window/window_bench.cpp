@@ -1,6 +1,5 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// How long the main window keeps its thread busy with a list of many years of calls. Each operation
-// includes painting what has changed.
+// SPDX-License-Identifier: GPL-3.0-or-later Measures how long the main window blocks its thread when the list
+// has many years of calls. Each operation includes repainting.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -40,7 +39,8 @@ class LongList : public Desk {
   }
 };
 
-/// Made by the first benchmark that asks; ended in main, because no widget may outlive the application.
+/// Created by the first benchmark that needs it; destroyed in main, because no widget may outlive the
+/// application.
 std::unique_ptr<LongList> long_list;
 
 LongList& Calls() {

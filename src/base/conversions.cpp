@@ -20,7 +20,7 @@ std::string_view Trimmed(std::string_view text) {
 double ToDouble(std::string_view text) {
   text = Trimmed(text);
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  // from_chars would read "inf" and "nan", which are no numbers to a user.
+  // from_chars would accept "inf" and "nan".
   if (text.find_first_not_of("+-.0123456789eE") != std::string_view::npos) {
     throw RuntimeError(ErrorNumber::TypeMismatch);
   }

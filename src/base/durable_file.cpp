@@ -56,8 +56,8 @@ std::string BehindLink(const std::string& path) {
   return error ? path : target.string();
 }
 
-/// A temporary file in its target's folder; what has not become the target goes when this goes. It has no
-/// name until then, where the file system has such files, so that a killed program leaves nothing behind.
+/// A temporary file in its target's folder; the destructor removes it unless it has become the target. If the
+/// file system supports it, it has no name until then, so that a killed program leaves nothing behind.
 /// Failures name the target, the only name that a reader of the log knows.
 class TemporaryFile {
  public:
@@ -66,7 +66,7 @@ class TemporaryFile {
     const int error = errno;
     if (file_.Number() >= 0) return;
     path_.clear();
-    // The target's folder is what mkostemp did not find.
+    // mkostemp did not find the target's folder.
     if (error == ENOENT) throw RuntimeError(ErrorNumber::PathNotFound, target);
     throw FileFailure(error, target);
   }
@@ -95,7 +95,7 @@ class TemporaryFile {
  private:
   static constexpr const char* kOpenFiles = "/proc/self/fd/";
 
-  /// A file without a name, and `path` empty, or one at `path`.
+  /// Opens a file without a name and clears `path`, or a file named from the template `path`.
   static int Make(std::string& path) {
     const int unnamed = ::access(kOpenFiles, X_OK) == 0
                             ? ::open(FolderOf(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)
@@ -178,7 +178,7 @@ std::string Descriptor::Read() {
 }
 
 void Descriptor::Sync() {
-  // Some file systems cannot synchronise a folder and say EINVAL; nothing more can be done there.
+  // Some file systems cannot sync a folder and return EINVAL; nothing more can be done there.
   if (::fsync(number_) != 0 && errno != EINVAL) throw FileFailure(errno, path_);
 }
 
@@ -218,8 +218,7 @@ bool RenameKeeping(const std::string& from, const std::string& to) {
   if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
   int error = errno;
   if (error == EINVAL || error == ENOSYS) {
-    // A file system without the exclusive rename: look first. Two programs renaming to one name at
-    // the same instant are the price.
+    // The file system has no exclusive rename: checks first, at the risk of a race with another program.
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(to, ignored))) throw FileFailure(EEXIST, to);
     if (::rename(from.c_str(), to.c_str()) == 0) return true;

@@ -14,7 +14,7 @@ constexpr std::uint32_t kLowSurrogate = 0xDC00;
 constexpr std::uint32_t kSurrogatesEnd = 0xE000;
 constexpr std::uint32_t kSecondPlane = 0x10000;
 constexpr std::uint32_t kReplacement = 0xFFFD;
-// A stray byte 0x80..0xFF is carried as kLowSurrogate plus itself.
+// An invalid byte 0x80..0xFF is represented as kLowSurrogate plus the byte.
 constexpr std::uint32_t kStrayFirst = kLowSurrogate + 0x80;
 constexpr std::uint32_t kStrayLast = kLowSurrogate + 0xFF;
 

@@ -70,7 +70,7 @@ void Worker::Post(Task task) {
 }
 
 void Worker::Stop() {
-  std::deque<Task> dropped;  // whose end may run anything, so not under the lock
+  std::deque<Task> dropped;  // destroyed without the lock, because their destructors may run anything
   std::unique_lock lock(state_->mutex);
   state_->stopping = true;
   if (state_->at_stop == AtStop::Drop) dropped.swap(state_->tasks);

@@ -8,7 +8,7 @@
 namespace orven {
 namespace {
 
-/// The longest value that a reader takes, in bytes; a longer one cannot be queried.
+/// The longest value that can be read, in bytes.
 constexpr std::size_t kBufferSize = kLongestText + 1;
 
 std::string Hexadecimal(std::string_view bytes) {

@@ -45,7 +45,7 @@ QColor ColourAt(double part) {
 }
 
 constexpr int kMinute = 60;
-constexpr int kColumns = 3;  // two buttons and the label beside them
+constexpr int kColumns = 3;  // two buttons and a label
 
 /// "1:05"
 QString Minutes(std::int64_t seconds) {

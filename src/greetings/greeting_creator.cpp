@@ -242,7 +242,7 @@ std::string GreetingCreator::TakePath() const {
   return speech_take_ ? speech_.Path() : parts_.microphone.Path();
 }
 
-/// From here on the greeting is saved even when the window is closed.
+/// From now on the greeting is saved even if the window is closed.
 void GreetingCreator::Copy() {
   const auto source = TakePath();
   const auto done = std::make_shared<bool>();

@@ -168,7 +168,7 @@ void SpeechTake::GiveUp() {
 bool SpeechTake::Unchanged() const {
   Clock::WallTime written;
   const auto trap = ErrorTrap::Silent();
-  // If the file is gone, the copy will report it.
+  // If the file was deleted, the copy will report it.
   return !trap([&] { written = parts_.files.LastModified(Path()); }) || written == written_;
 }
 

@@ -101,7 +101,7 @@ std::size_t LogReading::EndOfLine(std::size_t begin) const {
   const auto feed = std::string_view(pending_).substr(begin, limit - begin).find('\n');
   if (feed != std::string_view::npos) return begin + feed + 1;
   if (limit - begin < kMostBytesInLine) return at_end_ ? limit : begin;
-  // Not inside a UTF-8 character.
+  // Does not split a UTF-8 character.
   auto end = limit;
   while (limit - end < 4 && end < pending_.size() && Continues(pending_[end])) --end;
   return limit - end < 4 ? end : limit;

@@ -78,7 +78,7 @@ void LogFiles::WriteWaiting() {
 bool LogFiles::Write(const Line& line) {
   const auto trap = ErrorTrap::Silent();
   if (trap([&] { files_.Append(line.path, line.text); })) return true;
-  // Someone may have removed the folder.
+  // The user may have removed the folder.
   return trap([&] {
     files_.MakeFolder(Folder());
     files_.Append(line.path, line.text);

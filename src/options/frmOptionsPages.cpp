@@ -1,5 +1,4 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// The pages of the options dialog: which control lies where.
+// SPDX-License-Identifier: GPL-3.0-or-later The layout of the options dialog's pages.
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -27,7 +26,7 @@ QString Name(const char* name) {
   return QString::fromLatin1(name);
 }
 
-/// Accepts whole numbers. A field left without one gets the value back that it showed at first.
+/// Accepts whole numbers. A field left without one gets its initial value back.
 class WholeNumber : public QIntValidator {
  public:
   using QIntValidator::QIntValidator;

@@ -16,10 +16,10 @@ using std::chrono_literals::operator""ms;
 
 constexpr int kMostRings = 20;
 
-/// Short enough for a meter that moves smoothly.
+/// Short enough for a smooth meter.
 constexpr auto kLevelInterval = 50ms;
 
-/// Sound cards are looked for every two seconds, because one may be plugged in at any time.
+/// Looks for sound cards every two seconds, because one may be plugged in at any time.
 constexpr int kTicksBetweenLooks = 40;
 
 /// How many missing cards are listed at most when the chosen one has a high number.
@@ -111,7 +111,7 @@ bool OptionsDialog::Flag(const char* name) {
 
 std::string OptionsDialog::NumberText(const char* name) {
   auto text = Value(name);
-  ToInt32(text);  // throws when it is no number
+  ToInt32(text);  // throws when it is not a number
   return text;
 }
 

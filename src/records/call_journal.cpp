@@ -17,11 +17,11 @@ namespace {
 
 constexpr const char* kCallLine = "call";
 constexpr const char* kDoneLine = "done";
-constexpr const char* kMailLine = "mail";      ///< a mail is asked for
+constexpr const char* kMailLine = "mail";      ///< a mail is due
 constexpr const char* kMailedLine = "mailed";  ///< it has been handed over
 constexpr const char* kHexDigits = "0123456789ABCDEF";
 
-/// The texts of a call that the journal keeps, in the order in which they stand in a line.
+/// The texts of a call that the journal keeps, in their order in a line.
 constexpr std::array kTexts{&Call::date,
                             &Call::time,
                             &Call::caller_name,

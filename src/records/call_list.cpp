@@ -111,7 +111,7 @@ bool CallList::SelectionStands() {
   return !SelectionLost() && selected;
 }
 
-/// Tells the view how the list differs from the `shown` rows that it shows.
+/// Notifies the view of the change from the `shown` rows that it shows.
 void CallList::ShowRows(std::int32_t shown) {
   if (total_ == 0) {
     newest_ = {};
@@ -119,7 +119,7 @@ void CallList::ShowRows(std::int32_t shown) {
   }
   const auto known = newest_.call == 0 ? 0 : DataBase1.Locate(newest_.call);
   newest_ = Row(1);
-  // If the former newest record still has its number, all former rows are still there.
+  // If the former newest record still has its number, all former rows still exist.
   if (shown == 0 || known != shown) return view_.ShowRowCount(total_);
   if (total_ > shown) view_.ShowRowsInserted(total_ - shown);
   view_.ShowRowsChanged();

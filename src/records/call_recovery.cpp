@@ -27,11 +27,11 @@ constexpr std::array<std::pair<const char*, std::string Call::*>, 5> kTelling{
      {kCallDate, &Call::date},
      {kCallMassageName, &Call::message_file_name}}};
 
-/// A growing file is written four times a second. One that was changed within this time, and that the journal
-/// does not know, may belong to another program that shares the folder.
+/// A growing file is written four times a second. One that was changed within this time and is not in the
+/// journal may belong to another program that shares the folder.
 constexpr auto kMayBeGrowing = 10s;
 
-/// One that still grows after this time does belong to another.
+/// One that still grows after this time belongs to another program.
 constexpr auto kStrayPatience = 15s;
 
 /// Only while a recording is copied.
@@ -68,7 +68,7 @@ void CallRecovery::TryAgain() {
   if (KnowNewestRecord()) {
     RecoverCalls();
     RecoverStrays();
-  } else {  // opening them has reported why; until then it is unknown what has been filed
+  } else {  // opening them has reported why; it is unknown what has been filed
     strays_since_ = parts_.clock.Uptime();
   }
   const bool done = calls_.empty() && strays_.empty();
@@ -99,7 +99,7 @@ void CallRecovery::RecoverCalls() {
 bool CallRecovery::Recover(Interrupted& interrupted) {
   auto& call = interrupted.call;
   if (interrupted.handed_over && !parts_.journal.IsOpen(call)) {
-    Tell(interrupted, "Recovered call ");  // it was filed as soon as there was room
+    Tell(interrupted, "Recovered call ");  // it was filed as soon as there was disk space
     return true;
   }
   const auto record = RecordOf(call);
@@ -262,12 +262,13 @@ CallRecovery::Message CallRecovery::TakeGrown(Call& call, const std::vector<Grow
   return MoveTo(call, Mended(longest)) ? TakeStored(call, call.trail.storing_path) : Message::kOutOfReach;
 }
 
-/// The path of the recording with all of its audio: of a mended copy beside it if its header counts too
-/// little and the copy can be written, else of the file itself.
+/// The path of the recording with all of its audio: a corrected copy if its header counts too little and the
+/// copy can be written, else the file itself.
 std::string CallRecovery::Mended(const std::string& path) {
   auto mended = FolderPart(path) + kMended;
   const bool written = Trap()([&] {
-    if (parts_.files.Exists(mended)) parts_.files.Delete(mended);  // killed while it wrote this
+    if (parts_.files.Exists(mended))
+      parts_.files.Delete(mended);  // left by a program that was killed meanwhile
     const auto content = WithAllAudio(parts_.files, path);
     if (content.empty()) return mended.clear();
     parts_.files.Append(mended, content);
@@ -294,7 +295,7 @@ CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& pa
   return Message::kThere;
 }
 
-/// Moves a file to the messages folder; false when that fails. The journal has the new path first.
+/// Moves a file to the messages folder; false when that fails. The new path is journalled first.
 bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   auto& storing = call.trail.storing_path;
   if (!IsInPlace(storing) || parts_.files.Exists(storing)) {
@@ -304,8 +305,8 @@ bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   return Trap()([&] { parts_.files.Rename(from, storing); });
 }
 
-/// Deletes copies of the message's beginning: a recording that moved to another folder was in both for a
-/// moment. A file that is not the beginning of this message belongs to another call and stays.
+/// Deletes partial copies of the message: a recording that moved to another folder was in both for a moment.
+/// A file that is not the beginning of this message belongs to another call and stays.
 void CallRecovery::DeleteBeginnings(const Call& call) {
   const auto& name = call.trail.growing_name;
   const GrownRecording stray{{}, name};
@@ -314,7 +315,7 @@ void CallRecovery::DeleteBeginnings(const Call& call) {
     Trap()([&] {
       if (!parts_.files.Exists(path) || !IsBeginning(parts_.files, path, call.message_path)) return;
       const auto age = parts_.clock.Now() - parts_.files.LastModified(path);
-      // Without a name of its own the file may still be growing for another program.
+      // A recording without a name may still be growing for another program.
       if (stray.Name().empty() || age < 0s || age >= kMayBeGrowing) parts_.files.Delete(path);
     });
   }

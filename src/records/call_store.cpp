@@ -54,7 +54,7 @@ void CallStore::TryAgain() {
   if (waiting_.empty() && late_.empty()) tmrRoom_->Stop();
 }
 
-/// True when the message that found no room is stored now, and the file with its name is not another call's.
+/// True when the message that did not fit is stored now, and the file with its name is not another call's.
 bool CallStore::TakeLateMessage(Call& call) {
   const auto& path = call.trail.storing_path;
   if (!call.message_left || !call.message_path.empty() || path.empty() || call.trail.message_due)
@@ -137,7 +137,7 @@ void CallStore::AddRecord(Call& call) {
 }
 
 std::string CallStore::TypeText(const Call& call) const {
-  // A recording that could not be stored has no file to be listened to.
+  // A recording that could not be stored has no file to play.
   if (!call.message_left || call.message_path.empty() || call.trail.message_due) return kNoMessageType;
   const double length = ports_.Wave1.FileLength(call.message_path);
   return length < 0 ? kNoMessageType : ToText(length);
@@ -168,8 +168,7 @@ void CallStore::MarkAsReadUnRead(std::int32_t index, bool read) {
     if (read) {
       list_.Mark(index, has_message ? kReadMessage : kReadNoMessage, -1);
     } else {
-      // A call without a message looks like an unread message until the next rebuild: it is meant to
-      // catch the eye.
+      // A call without a message looks like an unread message until the next rebuild, to attract attention.
       list_.Mark(index, kUnreadMessage, +1);
     }
   });
@@ -206,7 +205,7 @@ void CallStore::DeleteItemIndex(std::int32_t index) {
   });
 }
 
-/// Calls of one second share one name, and so do those of an hour that a clock runs through twice.
+/// Calls within one second share a name, and so may calls in the repeated hour at the end of summer time.
 bool CallStore::AnotherCallHas(const std::string& message) const {
   const auto has_it = [&](const Call& call) {
     return !call.message_path.empty() && call.message_file_name == message;
@@ -245,7 +244,7 @@ void CallStore::SaveFile(const std::string& path) {
 }
 
 void CallStore::SaveMessage(const std::string& name) {
-  // The message may move while the person looks for a place.
+  // The message may move while the user chooses a place.
   if (const auto target = AskForTarget(name)) CopyInBackground(ports_.folders.PlacesOf(name), *target);
 }
 

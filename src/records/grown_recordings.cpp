@@ -16,10 +16,10 @@ constexpr std::string_view kGrownEnd = ".wav.part";
 /// Separates the message's name from the part that makes the recording's name unique.
 constexpr char kOwnMark = '~';
 
-// Places in the header of a WAV file (RIFF), whose numbers have their lowest byte first.
+// Offsets in the header of a WAV file (RIFF), whose numbers are little-endian.
 constexpr std::size_t kSizeField = 4;
 constexpr std::size_t kRiffSizePlace = 4;
-constexpr std::size_t kFramePlace = 32;  ///< bytes a sample
+constexpr std::size_t kFramePlace = 32;  ///< bytes per sample
 constexpr std::size_t kFrameField = 2;
 constexpr std::size_t kFactField = 8;  ///< number of samples, from the beginning of its chunk
 constexpr std::size_t kShortestHeader = 44;

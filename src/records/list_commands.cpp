@@ -98,7 +98,7 @@ void ListCommands::Step(std::int32_t rows) {
     if (parts_.blocked()) return;
     parts_.player.Stop();
     if (lost) return;
-    // Reading the list again may have selected the first row: without a selection that is where Next leads.
+    // Reading the list again may have selected the first row, which is where Next leads without a selection.
     const auto row = (before == 0 ? 0 : parts_.ListView1.Selected()) + rows;
     if (row < 1 || row > parts_.ListView1.Count()) return;
     parts_.ListView1.Select(row);
@@ -123,7 +123,7 @@ void ListCommands::ListView1_Selected(std::int32_t row) {
   });
 }
 
-/// Selects the call that a person saw in the row; false when that fails. If the call is gone, nothing is
+/// Selects the call that was shown in the row; false when that fails. If the call was removed, nothing is
 /// selected, so that the next key does not act on another call.
 bool ListCommands::Follow(std::int32_t row) {
   auto& list = parts_.ListView1;

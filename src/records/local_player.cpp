@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Smooth to the eye, and next to nothing to compute.
+/// Smooth enough, and cheap.
 constexpr milliseconds kTimer1Interval{50};
 
 /// Rows without a message that are marked and skipped in one go: each may cost a write to the disk.
@@ -55,7 +55,7 @@ void LocalPlayer::PlayFrom(std::int32_t row) {
 }
 
 void LocalPlayer::SearchOnLater(std::int32_t row) {
-  // Calls may come and go meanwhile.
+  // Calls may be added and removed meanwhile.
   ports_.loop.Post(lifeline_.Bind([this, call = list_.Identity(row), search = search_] {
     if (search == search_) PlayFrom(list_.RowOf(call));
   }));

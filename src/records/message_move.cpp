@@ -17,7 +17,7 @@ constexpr auto kRoot = RegistryRoot::LocalMachine;
 /// Moving belongs to browsing for a folder and is logged under its name.
 constexpr const char* kLabel = "ErrcmdBrowsMessagesPath ";
 
-/// So many messages that stayed behind are named in a box; the log names them all.
+/// Most messages named in the box about those that stayed behind; the log names them all.
 constexpr std::size_t kNamedInBox = 10;
 
 std::string RefusalText(const std::string& folder, const std::string& reason) {
@@ -55,7 +55,7 @@ void Log(SystemLog& log, const std::exception_ptr& failure) {
   trap([&] { std::rethrow_exception(failure); });
 }
 
-/// A name that no file has in either folder.
+/// A name that is unused in both folders.
 std::string FreeName(const Files& files, const std::string& from, const std::string& to) {
   const std::string name = ".orven-test";
   std::string free = name;
@@ -74,7 +74,7 @@ bool TryFolder(Files& files, const std::string& from, const std::string& to) {
   return same;
 }
 
-/// Throws when the message is not in `to` afterwards; `gone` tells then that it is not in `from` either.
+/// Throws when the message is not in `to` afterwards; `gone` is then true if it is not in `from` either.
 void MoveMessage(Files& files, const std::string& from, const std::string& to, bool& gone) {
   try {
     files.Rename(from, to);

@@ -42,7 +42,7 @@ void frmMain::AddToolbar1() {
   bar.setIconSize({kToolbarIcon, kToolbarIcon});
   auto* on_off = bar.AddButton({"OnOff", tr("Off"), tr("Modem Status"), "call-stop"});
   on_off->defaultAction()->setCheckable(true);
-  on_off->setAccessibleName(tr("Answering"));  // and whether it is checked
+  on_off->setAccessibleName(tr("Answering"));  // the checked state is announced in addition
   bar.addSeparator();
   bar.AddButton({"Back", tr("Back"), tr("Back  Message"), "go-previous"});
   bar.AddButton({"Next", tr("Next"), tr("Next Message"), "go-next"});

@@ -44,7 +44,7 @@ void SeekSlider::Enable(bool on) {
 
 void SeekSlider::mousePressEvent(QMouseEvent* event) {
   const auto point = event->position().toPoint();
-  // Moving the handle below the mouse makes a click anywhere the start of a drag.
+  // Moves the handle under the mouse, so that a click anywhere starts a drag.
   if (event->button() == Qt::LeftButton && !IsOnHandle(point)) setValue(ValueAt(point));
   QSlider::mousePressEvent(event);
 }

@@ -121,7 +121,7 @@ void frmMain::Minimise() noexcept {
 }
 
 void frmMain::Restore() noexcept {
-  minimised_ = false;  // it is the program that restores it, not a person
+  minimised_ = false;  // the program restores it, not the user
   showNormal();
   raise();
   activateWindow();

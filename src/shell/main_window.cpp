@@ -19,7 +19,7 @@ constexpr std::uint32_t kFlat = 0x800;
 
 constexpr auto kClockInterval = 1s;
 
-/// How often records are tried again that are locked by another program or whose disk is missing.
+/// Interval of retries when the records are locked by another program or their disk is missing.
 constexpr auto kTryRecords = 5s;
 
 /// A desktop or panel that is starting shows its notification area within twice this time.
@@ -139,7 +139,7 @@ void MainWindow::TellOfLoss(const std::string& text) {
 /// Lists the records as soon as they can be opened, when they could not be at the start.
 void MainWindow::LookForRecords() {
   if (ended_) return tmrRecords_->Stop();
-  // Asking for anything opens them; the log has said why they could not be opened.
+  // Any query opens them; the reason for the failure is in the log already.
   if (!ErrorTrap::Silent()([&] { (void)ports_.DataBase1.RecordCount(); })) return;
   tmrRecords_->Stop();
   machine_.log.WriteSystem("The call records can be read now");
@@ -203,7 +203,7 @@ void MainWindow::Exit() {
 
 void MainWindow::TurnOn() {
   machine_.line.OpenLine(machine_.settings.Modem);
-  // The button shows the real state, even when there was no line to open.
+  // The button shows the actual state, even if no line could be opened.
   machine_.line.ShowLine();
   if (machine_.settings.Modem < 0) machine_.line.TellToSelectDevice();
 }

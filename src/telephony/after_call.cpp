@@ -47,8 +47,7 @@ bool AfterCall::WantsMail(const Call& call) const {
   return settings_.pMailTo != 0 && (call.message_left || settings_.ActionsMailAllCalls != 0);
 }
 
-/// First the mail, then the note: if the program is killed in between, one mail is sent twice instead of
-/// never.
+/// The mail before the note: if the program is killed in between, a mail is sent twice rather than never.
 void AfterCall::HandMailOver(Call& call) {
   if (WantsMail(call)) effects_.actions.DoActions("Mail", call);
   journal_.MailHandedOver(call);
@@ -59,7 +58,7 @@ void AfterCall::SendDueMails() {
 }
 
 void AfterCall::RunActions(Call& call) {
-  // The mail setting opens the gate for both actions.
+  // The mail setting enables both actions.
   if (!call.message_left && settings_.ActionsMailAllCalls == 0) return;
   HandMailOver(call);
   if (settings_.pAppTo != 0) effects_.actions.DoActions("App", call);

@@ -25,11 +25,11 @@ bool IsLegal(CallState from, CallState to) {
   if (to == CallState::Idle) return true;
   switch (from) {
     case CallState::Idle: return to == CallState::Offered;
-    // A person may drop an offered call; a line may connect a call that the program did not answer.
+    // The user may drop an offered call; a line may connect a call that the program did not answer.
     case CallState::Offered: return to == CallState::Answering || to == CallState::Greeting;
     // A request that failed leaves the call ringing.
     case CallState::Answering:
-      // The caller may hang up before the connection stands.
+      // The caller may hang up before the connection is established.
       return to == CallState::Offered || to == CallState::Greeting || to == CallState::Disconnected;
     case CallState::Greeting:
       return to == CallState::Beep || to == CallState::Administrator || to == CallState::Disconnected;

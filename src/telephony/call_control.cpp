@@ -37,8 +37,7 @@ void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t res
     return;
   }
   context_.log.WriteSystem(step + context_.Tapi1.ErrorText(result));
-  // Only the answer that failed makes way for another try; a failure that comes late belongs to a
-  // call that is gone.
+  // Only a failure of the current answer allows another try; a late one belongs to an earlier call.
   if (request != answer_request_) return;
   context_.call.answering = false;
   if (context_.progress.State() == CallState::Answering) context_.Enter(CallState::Offered, "ErrTapiProc ");

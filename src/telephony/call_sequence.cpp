@@ -58,7 +58,7 @@ void CallSequence::Connected(std::int32_t line) {
     parts_.recorder.MakeReady();
     PlayGreeting();
   });
-  context_.journal.Note(context_.call);  // it tells the ring at which the call was answered
+  context_.journal.Note(context_.call);  // it now has the ring at which the call was answered
   UpdateCallerView("Line Connected");
   if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
 }

@@ -67,7 +67,7 @@ void Recorder::StartAfterWait() {
   context_.Wave1.SetRecordName(name);
   context_.call.trail.growing_folder = folder;
   context_.call.trail.growing_name = name;
-  // Before there is a file, so that no file is without its call.
+  // Before the file exists, so that each file has its call in the journal.
   context_.journal.Note(context_.call);
   const ErrorTrap trap(context_.log, "ErrRecMessage ");
   bool refused = false;
@@ -94,7 +94,7 @@ bool Recorder::StartPcm() {
   }
   result = wave.StartRecord(WaveIn(), kPcm);
   const auto line = FormatLine("Start Record Message", kPcm, result);
-  if (result != kWaveOk) context_.log.WriteSystem(line);  // a failed start stands in the log twice
+  if (result != kWaveOk) context_.log.WriteSystem(line);  // a failed start is logged twice
   context_.log.WriteSystem(line);
   StartPreScreen(kPcm);
   return true;
@@ -171,7 +171,7 @@ void Recorder::SilenceTick() {
     call.silence_milliseconds = 0;
     return;
   }
-  // Counted by ticks, whatever time really passed between them.
+  // Counts ticks, regardless of the real time between them.
   call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
   if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
   call.silence_milliseconds = 0;

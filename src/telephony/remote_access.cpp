@@ -28,7 +28,7 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   NameUnfiledMessage(line);
   call.admin_mode = true;
   context_.journal.Done(call);
-  // A recording that failed to start has left its timers; the owner must not be timed by them.
+  // A recording that failed to start has left its timers running; they must not end the owner's call.
   recorder_.StopTimers();
   context_.log.WriteSystem("Remote Control " + LineTag(line));
   view_.ShowStatus("Administrator Mode");
@@ -51,7 +51,7 @@ void RemoteAccess::PlayForAdmin() {
   const ErrorTrap trap(context_.log, "ErrPlayForAdmin ");
   bool playing = false;
   const bool looked = trap([&] { playing = SelectNextMessage() && PlaySelected(); });
-  // The owner is not left in silence, even when the records fail.
+  // Hangs up instead of leaving the owner in silence, even when the records fail.
   if (!playing && (looked || context_.Connected())) control_.DropCall();
 }
 
@@ -61,7 +61,7 @@ bool RemoteAccess::SelectNextMessage() {
   const auto row = ListView1.NextMessage(place_);
   ListView1.Select(row > 0 ? row : ListView1.Count());
   if (row > 0) place_ = ListView1.Identity(row);
-  // Without a call to hang up there is no next row.
+  // Without a call to hang up, this is an error.
   if (row == 0 && !context_.Connected()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
   return row > 0;
 }

@@ -54,7 +54,7 @@ QRect FitOnScreens(const WindowGeometry& stored, QSize least, const QList<QRect>
     if (here > there || (there == 0 && Distance(window, screen) < Distance(window, *best))) best = &screen;
     seen += here;
   }
-  // A window may lie across two screens.
+  // A window may extend across two screens.
   if (seen == Area(window)) return window;
   return MovedInto(Limited(window, least, *best), *best);
 }

@@ -45,7 +45,7 @@ void ModemEmulator::FromHost(std::span<const std::uint8_t> bytes) {
 void ModemEmulator::CommandByte(std::uint8_t byte) {
   const bool behind_dle = dle_;
   dle_ = byte == emulator::kDleByte && !behind_dle;
-  if (dle_ || behind_dle) return;  // a code for audio that is over
+  if (dle_ || behind_dle) return;  // a code for audio that has ended
   if (answering_) {
     Complain("a byte in the middle of an answer");
     return;

@@ -50,7 +50,7 @@ class Interpreter {
   const ModemFormat& Format() const { return *format_; }
   int Rate() const { return rate_; }
   int Register(int number) const;
-  /// The present value, such as "128,50"; empty when there is no such setting.
+  /// The current value, such as "128,50"; empty for an unknown setting.
   std::string Setting(const std::string& name) const;
   /// One number of that value.
   int Setting(const std::string& name, std::size_t place) const;

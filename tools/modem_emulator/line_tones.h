@@ -10,7 +10,7 @@
 #include <vector>
 
 namespace orven::emulator {
-/// One or two sine waves for some time, 8000 samples a second; 0 Hz is no wave.
+/// One or two sine waves of limited duration, 8000 samples a second; 0 Hz: absent.
 struct ToneStep {
   double first = 0;   ///< Hz
   double second = 0;  ///< Hz

@@ -25,7 +25,7 @@ struct ModemFaults {
   bool ignores_silence_detection = false;  ///< +VSD is accepted, and nothing is ever reported
   bool no_hang_up_code = false;            ///< a hang-up is heard only as a tone or silence
   bool refuses_off_hook_in_ring = false;   ///< +VLS=1 while the bell rings: ERROR
-  bool answer_does_not_take = false;       ///< the first +VLS=1 says OK, but the line rings on
+  bool answer_does_not_take = false;       ///< the first +VLS=1 says OK, but the line keeps ringing
   bool stale_ok = false;                   ///< a second OK after each end of audio
   bool ring_inside_a_reply = false;        ///< RING between the lines of longer answers
   bool tripled_keys = false;               ///< one key press is reported three times, without brackets
@@ -51,7 +51,7 @@ class ModemEmulator final : private emulator::Hardware {
   /// Bytes from the host; the answer comes 20 to 100 ms later, in pieces of any size.
   void FromHost(std::span<const std::uint8_t> bytes);
 
-  /// How many bytes the modem takes now; flow control must hold back the rest. Bytes beyond are lost, with a
+  /// How many bytes the modem takes now; flow control must hold back the rest. Excess bytes are lost, with a
   /// complaint.
   std::size_t Room() const;
 
@@ -69,7 +69,7 @@ class ModemEmulator final : private emulator::Hardware {
   /// The same with the dial tone or silence.
   void HangUpToDialTone() { HangUp(emulator::NetworkTone::Dial); }
   void HangUpToSilence() { HangUp(emulator::NetworkTone::Silence); }
-  /// Reports any event, for example 'H': the handset of the telephone beside the modem was lifted.
+  /// Reports any event, for example 'H': the handset of a parallel telephone was lifted.
   void Event(char code);
   /// The modem hangs until Wake.
   void Wedge() { Wedge(true); }
@@ -89,7 +89,7 @@ class ModemEmulator final : private emulator::Hardware {
   /// What the caller has heard since the call was answered, 8000 samples a second: transmitted audio at the
   /// time at which it was played, and silence in between.
   const std::vector<std::int16_t>& Heard() const { return heard_; }
-  /// What the caller has said in the same time.
+  /// The caller's audio in the same time.
   const std::vector<std::int16_t>& Spoken() const { return spoken_; }
   /// The transmitted bytes, unshielded, in the modem's format.
   const std::vector<std::uint8_t>& PlayedBytes() const { return played_; }

@@ -42,8 +42,8 @@ struct ModemProfile {
   bool ring_twice = false;               ///< reports each ring again after half a second
   bool brackets_keys = true;             ///< '/' and '~' around a key, which is repeated in between
   char hang_up_event = 0;                ///< the event for a loop break at a hang-up; 0: none
-  bool hears_busy = true;                ///< tells 'b' after two seconds of the busy tone
-  bool hears_dial = true;                ///< tells 'd' after one second of the dial tone
+  bool hears_busy = true;                ///< reports 'b' after two seconds of the busy tone
+  bool hears_dial = true;                ///< reports 'd' after one second of the dial tone
   std::size_t buffer = 8192;             ///< size of the playback buffer, bytes
   bool escape_ends = true;               ///< <DLE><ESC> ends receiving
   bool any_byte_ends = false;            ///< an unshielded byte ends receiving

@@ -22,7 +22,7 @@ const char* const kText =
     "Hello, this is the answering machine of Anna Lindqvist.\n"
     "I am at the harbour until Monday. Leave a message after the beep, and I will call you back.";
 
-/// Somebody talks into the microphone, louder and softer, with pauses between the words.
+/// Speech into the microphone, louder and softer, with pauses between the words.
 void Talk(SilentCard& card, std::chrono::milliseconds length) {
   constexpr std::chrono::milliseconds kBlock{20};
   std::mt19937 random(11);
@@ -44,7 +44,7 @@ void Talk(SilentCard& card, std::chrono::milliseconds length) {
 
 QPixmap Recording(Desk& desk, frmGreetC& window) {
   window.findChild<QPushButton*>(QStringLiteral("cmdRec"))->click();
-  Talk(desk.card, std::chrono::milliseconds(8100));  // the label is there every other second
+  Talk(desk.card, std::chrono::milliseconds(8100));  // the label blinks: it is visible every other second
   return window.grab();
 }
 

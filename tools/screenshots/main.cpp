@@ -1,6 +1,5 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-// orven_screenshots FOLDER: writes pictures of the windows as PNG files, each made by a process of
-// its own, because scaling is decided at a program's start.
+// SPDX-License-Identifier: GPL-3.0-or-later orven_screenshots FOLDER: writes screenshots of the windows as
+// PNG files, each from a separate process, because Qt sets the scale factor when a program starts.
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
@@ -32,7 +31,7 @@ constexpr Scene kScenes[] = {
     {"empty", false, "1", {900, 560}, 0, false},  {"many", true, "1.5", {760, 480}, 200, false},
 };
 
-/// What speech looks like: words with pauses between, louder and softer.
+/// Audio that resembles speech: words with pauses between, louder and softer.
 std::vector<std::int16_t> Speech(int seconds, unsigned seed) {
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> unit(0, 1);
@@ -102,7 +101,7 @@ int Make(const Scene& scene, const QString& folder) {
     QTest::mouseClick(&picture, Qt::LeftButton, {}, {picture.width() * 38 / 100, picture.height() / 2});
     if (!QTest::qWaitFor([&] { return !times.text().startsWith(u"0:00"); })) return 1;
   }
-  QTest::qWait(100);  // the list lays itself out when nothing else is to be done
+  QTest::qWait(100);  // the list is laid out when the event loop is idle
   const auto path = folder + u'/' + QString::fromLatin1(scene.name) + QStringLiteral(".png");
   if (!desk.window.grab().save(path)) return 1;
   std::puts(qPrintable(path));
@@ -118,7 +117,7 @@ constexpr struct {
                 {"logs", MakeLogs},
                 {"lines", MakeLines}};
 
-/// The picture that the second argument names: a dialog's, or the main window's by its number.
+/// The picture named by the second argument: a dialog, or the main window by its number.
 int MakeOne(int argc, char** argv, const QString& folder) {
   const QByteArray name(argv[2]);
   for (const auto& dialog : kDialogs) {

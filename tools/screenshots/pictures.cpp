@@ -18,7 +18,7 @@ QPalette DarkPalette() {
 
 QPixmap Shown(QWidget& window) {
   window.show();
-  QTest::qWait(100);  // it lays itself out when nothing else is to be done
+  QTest::qWait(100);  // it is laid out when the event loop is idle
   return window.grab();
 }
 

@@ -16,13 +16,13 @@ QPalette DarkPalette();
 /// A window, shown and laid out.
 QPixmap Shown(QWidget& window);
 
-/// Writes several tabs or states of one window, beside each other, as one PNG file.
+/// Writes several tabs or states of one window, side by side, to one PNG file.
 bool Save(const QList<QPixmap>& pictures, const QString& path);
 
-// Each of these writes its pictures as PNG files in `folder` and is false when one fails. `name` is what the
-// pictures are called; one that ends in "dark" asks for a dark desktop.
+// Each of these writes its pictures as PNG files in `folder` and is false when one fails. `name` is the
+// pictures' name; one that ends in "dark" selects a dark desktop.
 
-/// The caller view, and the dialogs but the options.
+/// The caller view, and all dialogs except the options.
 bool MakeDialogs(const QString& folder, const QByteArray& name);
 /// The tabs of the options dialog: "options…".
 bool MakeOptions(const QString& folder, const QByteArray& name);
@@ -30,7 +30,7 @@ bool MakeOptions(const QString& folder, const QByteArray& name);
 bool MakeCreator(const QString& folder, const QByteArray& name);
 /// The log viewer, the log properties and the about box: "logs…".
 bool MakeLogs(const QString& folder, const QByteArray& name);
-/// The telephone lines and one of them: "lines…", of which "lines_modem" is a modem's.
+/// The telephone lines and the dialog of one line: "lines…"; "lines_modem" is for a modem.
 bool MakeLines(const QString& folder, const QByteArray& name);
 
 }  // namespace orven::test

@@ -196,7 +196,7 @@ void FileWaveControl::Seek(std::chrono::milliseconds position) {
   ReleaseSource();
   const auto start = std::clamp(position, std::chrono::milliseconds(0), decoder->Length());
   if (StartSource(std::move(decoder), start) == kWaveOk) return;
-  // The device went away after the play started.
+  // The device has failed after the play started.
   loop_.Post(lifeline_.Bind([this, play = play_] { Finished(play); }));
 }
 

@@ -21,13 +21,13 @@ constexpr std::chrono::milliseconds kWriteEvery = 250ms;
 /// second on a healthy disk.
 constexpr auto kSyncEvery = 600ms;
 
-/// Between attempts while no disk accepts the file; each attempt writes everything.
+/// Between attempts while no disk accepts the file; each attempt writes the whole file.
 constexpr std::chrono::milliseconds kTryAgain = 2s;
 
 /// Samples that the queue takes without allocating, while a sync delays the writer.
 constexpr std::size_t kQueueReserve = std::size_t{10} * kSampleRate;
 
-/// A name in `folder` that is free.
+/// An unused name in `folder`.
 std::string UnusedName(const std::string& folder, const std::string& stem) {
   const std::string start = folder + "/" + stem + ".unsaved-";
   std::error_code unknown;
@@ -102,7 +102,7 @@ std::int32_t Recording::Store(const std::string& path) {
   return kWaveOk;
 }
 
-/// Puts the recording where it was to go, unless that name is taken by now.
+/// Stores the recording at its intended path, unless a file exists there now.
 bool Recording::StoreLate() {
   std::error_code unknown;
   return !std::filesystem::exists(path_, unknown) && Store(path_) == kWaveOk;
@@ -154,7 +154,7 @@ void Recording::Grow(Lock& lock) {
   }
 }
 
-/// What can wait until SaveAs has returned, or the last attempt in the destructor.
+/// Work that can wait until SaveAs has returned, or the last attempt in the destructor.
 void Recording::Finish(Lock& lock) {
   while (unsaved_) {
     wake_.wait_for(lock, kTryAgain, [this] { return abandoned_; });

@@ -8,7 +8,7 @@ namespace {
 /// fastest one would cut the top of the telephone band (3.4 kHz).
 constexpr int kConverter = SRC_SINC_MEDIUM_QUALITY;
 
-/// Samples that may come beyond the exact proportion: the converter holds back up to 47 input samples, each
+/// Possible output beyond the exact ratio of the rates: the converter holds back up to 47 input samples, each
 /// of which becomes up to 256.
 constexpr std::size_t kHeldBack = 16384;
 

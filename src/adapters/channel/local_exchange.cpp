@@ -65,7 +65,7 @@ class PrivateSocket {
   using Accepted = std::function<void(std::unique_ptr<QLocalSocket>)>;
 
   /// Opens the socket in the session's runtime folder, or in the folder for temporary files when there is
-  /// none. Throws RuntimeError 75 when that cannot be done. `accepted` is called once, by the event loop.
+  /// none. Throws RuntimeError 75 when that fails. `accepted` is called once, by the event loop.
   explicit PrivateSocket(Accepted accepted);
   ~PrivateSocket();
   PrivateSocket(const PrivateSocket&) = delete;

@@ -78,7 +78,7 @@ MessageLink::MessageLink(std::unique_ptr<QLocalSocket> socket, Handlers handlers
     Read();
     Lost();
   });
-  // Messages that came before the signals were connected.
+  // Handles messages that arrived before the signals were connected.
   QTimer::singleShot(0, &patience_, [this] {
     Read();
     if (Gone()) Lost();
@@ -117,7 +117,7 @@ void MessageLink::Flush(std::chrono::milliseconds limit) {
 }
 
 void MessageLink::Read() {
-  // Qt warns of reading from a closed socket.
+  // Qt prints a warning when a closed socket is read.
   const QByteArray bytes = socket_->bytesAvailable() > 0 ? socket_->readAll() : QByteArray();
   if (!up_) return;
   reader_.Add({bytes.constData(), static_cast<std::size_t>(bytes.size())});

@@ -66,21 +66,21 @@ void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
 
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
   connection.Execute("PRAGMA synchronous=FULL");
-  // Or salvage would bring deleted calls back.
+  // Without it, salvage would restore deleted calls.
   connection.Execute("PRAGMA secure_delete=ON");
   CheckIntegrity(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
   MakeTable(connection, schema);
   MakeIndex(connection, schema);
-  // A view, or a table without row numbers, cannot keep the order of insertion: this fails then.
+  // Fails for a view or a table without row numbers, which cannot keep the order of insertion.
   const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
-  // A column that is computed cannot be filled: this fails then.
+  // Fails for a generated column, which cannot be written.
   const std::string fields = ListOf(schema.fields);
   const SqliteStatement fill(connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (" + fields +
                                              ") SELECT " + fields + " FROM " +
                                              QuotedIdentifier(schema.table));
   connection.Execute("COMMIT");
-  // Last, because it writes: a file that cannot be used is kept as it was.
+  // Last, because it writes: an unusable file must be kept unchanged.
   connection.Execute("PRAGMA journal_mode=WAL");
   connection.MergeLog();
 }
@@ -96,7 +96,7 @@ std::unique_ptr<SqliteConnection> OpenIntact(const std::string& path, const Reco
   return connection;
 }
 
-/// Renames the log files beside `path`; returns the name that the file itself would get.
+/// Renames the log files of `path`; returns the new name for the file itself.
 std::string SetAsideLogs(const std::string& path) {
   std::string aside = NameToSetAside(path, "damaged");
   for (const char* companion : {"-wal", "-shm", "-journal"}) {
@@ -106,15 +106,15 @@ std::string SetAsideLogs(const std::string& path) {
   return fs::path(aside).filename().string();
 }
 
-/// Moves the file at `path` and what belongs to it. The logs go first: beside a new empty file SQLite
-/// would delete them.
+/// Moves the file at `path` and its log files. The logs go first: SQLite would delete them if it found them
+/// next to a new, empty file.
 std::string SetAside(const std::string& path) {
   std::string name = SetAsideLogs(path);
   RenameKeeping(path, fs::path(path).replace_filename(name).string());
   return name;
 }
 
-/// Where a fresh file is filled before it takes the place of a damaged one.
+/// Suffix of the new file while it is filled, before it replaces a damaged one.
 constexpr const char* kFresh = ".fresh";
 
 void RemoveFresh(const std::string& fresh) {
@@ -125,7 +125,7 @@ void RemoveFresh(const std::string& fresh) {
 }
 
 void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& rows) {
-  RemoveFresh(fresh);  // killed while it was filled
+  RemoveFresh(fresh);  // left by a program that was killed meanwhile
   const auto connection = OpenIntact(fresh, schema);
   connection->Execute("BEGIN");
   std::string marks = "?";

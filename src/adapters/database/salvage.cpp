@@ -18,7 +18,7 @@
 namespace orven {
 namespace {
 
-// Places in the file's header and marks of its pages. https://www.sqlite.org/fileformat2.html
+// Offsets in the file header, and page types. https://www.sqlite.org/fileformat2.html
 constexpr std::size_t kFileHeader = 100;
 constexpr std::size_t kPageSizeAt = 16;
 constexpr std::size_t kFormatAt = 18;  ///< two bytes: 1 for a rollback journal, 2 for a write-ahead log
@@ -30,12 +30,12 @@ constexpr std::uint64_t kInnerPage = 0x05;  ///< of a table
 constexpr std::uint64_t kLeafPage = 0x0D;   ///< of a table
 constexpr std::size_t kUsualPageSize = 4096;
 
-/// A record that claims to be larger is damaged; a caller's longest name is far below.
+/// A record that claims to be larger is damaged; real records are far smaller.
 constexpr std::uint64_t kLargestRecord = 1U << 20U;
 
 using PageNumber = std::uint32_t;
 
-/// The number of `size` bytes at `at`; bytes behind the end count as 0.
+/// The number of `size` bytes at `at`; bytes beyond the end count as 0.
 std::uint64_t Number(std::string_view bytes, std::size_t at, std::size_t size) {
   std::uint64_t number = 0;
   for (std::size_t i = at; i < at + size; ++i) {
@@ -44,7 +44,7 @@ std::uint64_t Number(std::string_view bytes, std::size_t at, std::size_t size) {
   return number;
 }
 
-/// The variable-length number at `at`, which moves behind it.
+/// The variable-length number at `at`, which is advanced.
 std::uint64_t TakeNumber(std::string_view bytes, std::size_t& at) {
   constexpr int kLongest = 9;  // bytes, the last with all of its eight bits
   std::uint64_t number = 0;
@@ -57,7 +57,7 @@ std::uint64_t TakeNumber(std::string_view bytes, std::size_t& at) {
   return number;
 }
 
-/// A file's pages, numbered from 1, as its write-ahead log leaves them.
+/// A file's pages, numbered from 1, with the write-ahead log applied.
 class Pages {
  public:
   Pages(std::string content, std::string_view log) : content_(std::move(content)) {
@@ -76,7 +76,7 @@ class Pages {
   }
 
  private:
-  /// What was committed to the log: up to the last frame that ends a transaction.
+  /// Applies the committed part of the log: up to the last frame that ends a transaction.
   void Apply(std::string_view log) {
     const auto salt = log.substr(std::min<std::size_t>(log.size(), 16), 8);
     const auto most = Count() + log.size() / size_;
@@ -101,7 +101,7 @@ class Pages {
   std::size_t size_;
 };
 
-/// Where a table's page keeps its own header.
+/// Offset of the header of a table's page.
 std::size_t HeaderOf(PageNumber page) {
   return page == 1 ? kFileHeader : 0;
 }
@@ -110,7 +110,7 @@ std::uint64_t KindOf(const Pages& pages, PageNumber page) {
   return Number(pages[page], HeaderOf(page), 1);
 }
 
-/// Where the cells of a table's page begin in it, without those that cannot be.
+/// Offsets of the cells in a table's page, without invalid ones.
 std::vector<std::size_t> CellsOf(const Pages& pages, PageNumber page, std::size_t header_size) {
   const auto bytes = pages[page];
   const auto first = HeaderOf(page) + header_size;
@@ -138,14 +138,14 @@ void AddTree(const Pages& pages, PageNumber root, std::set<PageNumber>& found) {
   }
 }
 
-/// Pages that belong to nothing: what they hold was deleted.
+/// Adds the free pages, whose content was deleted.
 void AddFreePages(const Pages& pages, std::set<PageNumber>& found) {
   auto trunk = Number(pages.File(), kFreeListAt, 4);
   while (trunk >= 1 && trunk <= pages.Count()) {
     const auto bytes = pages[trunk];
     const auto next = Number(bytes, 0, 4);
     const auto count = Number(bytes, 4, 4);
-    if (next > pages.Count() || count > bytes.size() / 4) return;  // not such a page
+    if (next > pages.Count() || count > bytes.size() / 4) return;  // not a free-list page
     if (!found.insert(static_cast<PageNumber>(trunk)).second) return;
     for (std::size_t i = 0; i < count; ++i)
       found.insert(static_cast<PageNumber>(Number(bytes, 8 + 4 * i, 4)));
@@ -153,7 +153,7 @@ void AddFreePages(const Pages& pages, std::set<PageNumber>& found) {
   }
 }
 
-/// The `size` bytes of a record that begins at `at` in a leaf; empty when some are out of reach.
+/// The `size` bytes of a record that begins at `at` in a leaf; empty when some cannot be reached.
 std::string Payload(const Pages& pages, std::string_view leaf, std::size_t at, std::size_t size) {
   const auto usable = pages.Size();
   auto here = size;
@@ -180,7 +180,7 @@ std::string RealText(std::uint64_t bits) {
   return {text.data(), end};
 }
 
-/// Bytes that a value of this kind takes up; nothing for a kind that there is not.
+/// The size in bytes of a value of this serial type; nothing for an invalid type.
 std::optional<std::uint64_t> SizeOfKind(std::uint64_t kind) {
   constexpr std::array<std::uint64_t, 10> kSizes{0, 1, 2, 3, 4, 6, 8, 8, 0, 0};
   if (kind < kSizes.size()) return kSizes[kind];
@@ -215,7 +215,7 @@ std::optional<std::vector<std::string>> ValuesOf(std::string_view record, std::s
   return values;
 }
 
-/// Rows of a page come in the order of their numbers: one that does not has a damaged number.
+/// Rows of a page are sorted by their numbers: an unsorted one has a damaged number.
 void PutInOrder(std::vector<std::pair<std::int64_t, std::vector<std::string>>>& rows) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const auto before = i == 0 ? 0 : rows[i - 1].first;
@@ -239,7 +239,7 @@ void ReadLeaf(const Pages& pages, PageNumber page, std::size_t most,
   for (auto& [row, values] : rows) take(row, std::move(values));
 }
 
-/// What the file's schema says, as far as it can be read.
+/// The file's schema, as far as it can be read.
 struct Schema {
   std::vector<std::string> columns;
   std::vector<PageNumber> other_tables;  ///< their first pages
@@ -248,7 +248,7 @@ struct Schema {
 std::optional<Schema> ReadSchema(const Pages& pages, const std::string& table) try {
   std::string file(pages.File());
   if (file.size() < kFileHeader) return std::nullopt;
-  // A copy in memory has no log, and its size is what it is.
+  // A copy in memory has no log.
   file.replace(kFormatAt, 2, "\1\1");
   file.replace(kPageCountAt, 4, 4, '\0');
   SqliteConnection memory(":memory:");

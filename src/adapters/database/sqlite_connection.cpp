@@ -9,14 +9,14 @@ namespace orven {
 
 namespace {
 
-/// Long enough for another program's single statement, short enough for a person not to notice.
+/// Long enough for another program's single statement, too short for the user to notice.
 constexpr std::chrono::duration<int, std::milli> kLockPatience{200};
 
-/// Far more than a record takes; a file that asks for more is not to fill the memory.
+/// Far more than a record needs; a damaged file must not exhaust the memory.
 constexpr int kLongestRecord = 16 * 1024 * 1024;
 
-/// The file holds records, whoever may have put it there, and no program: what SQLite would run of it, a
-/// trigger or a view, could undo what is stored or never end.
+/// The file may come from anywhere, so SQLite must not run its triggers or views: they could change stored
+/// records or never end.
 void TrustNothingIn(sqlite3* handle) {
   sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
@@ -67,7 +67,7 @@ SqliteConnection::SqliteConnection(const std::string& path) : path_(path) {
   handle_.reset(handle);
   if (handle == nullptr) throw SqliteError(SQLITE_NOMEM, path, "out of memory");
   if (code != SQLITE_OK) throw Failure(code);
-  // SQLite opens what it may not write for reading only, without saying so.
+  // SQLite silently opens a file without write permission as read-only.
   if (sqlite3_db_readonly(handle, "main") == 1)
     throw SqliteError(SQLITE_READONLY, path, "the file is read-only");
   TrustNothingIn(handle);

@@ -45,11 +45,11 @@ void SqliteDatabase::OpenAgain() {
     const std::string note = OpenFile();
     note.empty() ? report_(path_ + " is open again") : loss_(note);
   } catch (const RuntimeError&) {
-    return;  // Refresh says it.
+    return;  // Refresh reports it.
   }
 }
 
-// Everything that other programs may have done to the file since the last operation.
+// Handles all changes that other programs may have made to the file since the last operation.
 void SqliteDatabase::Refresh() {
   if (!connection_) {
     const std::string reason = failure_.empty() ? "" : " (" + failure_ + ")";
@@ -65,7 +65,7 @@ void SqliteDatabase::Refresh() {
 void SqliteDatabase::FollowMove() {
   connection_->KeepLogOnClose();
   connection_.reset();
-  if (draft_ && draft_->row) draft_.reset();  // Its row number means nothing in another file.
+  if (draft_ && draft_->row) draft_.reset();  // Its row number has no meaning in another file.
   const std::string aside = KeepStrayLog(path_);
   report_(path_ + " was moved or replaced" +
           (aside.empty() ? "" : "; its log file is kept as " + aside + "-wal"));
@@ -91,7 +91,7 @@ void SqliteDatabase::Renew() {
   const auto current = current_;
   connection_->KeepLogOnClose();
   std::string note = OpenFile();
-  current_ = current;  // a row that was carried over has its number still
+  current_ = current;  // copied rows keep their numbers
   const auto gone =
       std::ranges::count_if(known, [&](std::int64_t row) { return !std::ranges::binary_search(rows_, row); });
   if (note.empty() && gone == 0) return;
@@ -100,7 +100,7 @@ void SqliteDatabase::Renew() {
 }
 
 void SqliteDatabase::ReadRows() {
-  // The mark first: a change between the two is then seen next time.
+  // The version first, so that a change between the two is noticed next time.
   std::string version = connection_->Ask("PRAGMA data_version");
   std::vector<std::int64_t> rows;
   SqliteStatement statement(*connection_, "SELECT rowid FROM " + table_ + " ORDER BY rowid");
@@ -311,8 +311,8 @@ SqliteDatabase::Fields SqliteDatabase::ReadRecord(std::int64_t row) {
   return record;
 }
 
-// The row number is given here, not left to SQLite, so that the new record is the last whatever was
-// stored before, and so that it is not taken for one that was deleted.
+// Chooses the row number itself, so that the new record is always the last one and never gets the number of a
+// deleted one.
 void SqliteDatabase::Insert(const Fields& fields) {
   std::string marks;
   for (std::size_t count = 0; count < fields.size(); ++count) marks += ", ?";

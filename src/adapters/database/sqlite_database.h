@@ -21,8 +21,8 @@ namespace orven {
 /// turns out to be damaged, it is repaired and the operation continues with the rows that could be read; an
 /// operation with a position throws instead, because other records may have that position now. When Open
 /// failed, AddNew, Query and RecordCount try again (the disk may be back), and all other operations throw 5.
-/// Moving drops a record that was started but not updated. MoveFirst and MoveNext throw 9 at the end of the
-/// records; Update throws 9 when the edited record was deleted.
+/// Moving drops a record that was started but not updated. MoveFirst and MoveNext throw 9 when there is no
+/// record to move to; Update throws 9 when the edited record was deleted.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.

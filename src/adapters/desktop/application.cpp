@@ -33,7 +33,7 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
 
 namespace {
 
-/// Several times the connections that the line allows. Not more: some programs loop over all possible
+/// Several times the connections that the line allows. Not more, because some programs loop over all possible
 /// descriptors.
 constexpr rlim_t kWanted = 4096;
 

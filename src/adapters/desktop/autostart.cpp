@@ -28,7 +28,7 @@ constexpr const char* kHidden = G_KEY_FILE_DESKTOP_KEY_HIDDEN;
 constexpr const char* kSwitch = "X-GNOME-Autostart-enabled";
 constexpr const char* kHome = "X-ORVEN-Home";  ///< the application folder that the entry belongs to
 
-/// Nothing in the entry is private.
+/// The entry has no secrets.
 constexpr unsigned kMode = 0644;
 
 struct Deleter {
@@ -88,7 +88,7 @@ std::string Command(const AutostartSource& source, const std::string& program, b
   return ExecCommand({"env", "ORVEN_HOME=" + source.application_folder, program, "-st"});
 }
 
-/// Whether a person has changed the command. That of an installation that is gone does not count.
+/// Whether the user has changed the command. The command of a removed installation does not count.
 bool HasOwnCommand(GKeyFile* entry, const AutostartSource& source) {
   if (HomeOf(entry, source) != source.application_folder) return false;
   const auto command = Value(entry, kExec);
@@ -177,7 +177,7 @@ void AutostartEntry::Enable() {
 void AutostartEntry::Remove() {
   const KeyFile entry(g_key_file_new());
   if (Load(entry.get(), source_.file) != Found::Entry || IsOthers(entry.get(), source_)) return;
-  // Of a link only the link is removed.
+  // Removes only the link itself if it is one.
   std::error_code error;
   if (!fs::remove(source_.file, error) && error) throw FileFailure(error.value(), source_.file);
 }
@@ -188,7 +188,7 @@ constexpr std::string_view kRunKey = "software\\microsoft\\windows\\currentversi
 constexpr std::string_view kValueName = "orven";
 constexpr const char* kSettingsKey = "SOFTWARE\\ORVEN";
 
-/// Keys and names are equal whatever the case of their ASCII letters.
+/// Keys and names compare without regard to the case of ASCII letters.
 bool IsAutostart(RegistryRoot root, std::string_view key, std::string_view name) {
   return root == RegistryRoot::LocalMachine && Lower(key) == kRunKey && Lower(name) == kValueName;
 }

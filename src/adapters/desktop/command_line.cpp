@@ -14,14 +14,14 @@
 namespace orven {
 namespace {
 
-/// The file of a program: a path as it is, a name by PATH.
+/// The file of a program: a path unchanged, a name found in PATH.
 QString FileOf(const QString& program) {
   if (program.contains(u'/')) return program;
   const QString found = QStandardPaths::findExecutable(program);
   return found.isEmpty() ? program : found;
 }
 
-/// Open files are closed only when the process becomes another program.
+/// Marks open files to be closed when the process executes another program.
 void CloseOnExec() {
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
 }
@@ -38,7 +38,7 @@ void KeepFilesFromPrograms() {
 
 std::vector<std::string> SplitCommandLine(std::string_view line) {
   std::vector<std::string> parts;
-  bool inside = false;  // an argument, perhaps still an empty one
+  bool inside = false;  // inside an argument, which may be empty
   bool quoted = false;
   for (const char letter : line) {
     const bool blank = letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';

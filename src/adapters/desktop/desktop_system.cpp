@@ -32,7 +32,7 @@ int LockNow(int file) {
 }  // namespace
 
 DesktopSystem::~DesktopSystem() {
-  // The file is not removed: a process that has just opened it would lock a file that no other can find.
+  // The file is not removed: a process that has just opened it would lock a deleted file.
   if (file_ >= 0) close(file_);
 }
 

@@ -60,7 +60,7 @@ class Seeding {
   }
 
  private:
-  /// The files that belong here, present or not. To be called before the folders are made.
+  /// The files to have, present or not. To be called before the folders are made.
   QStringList WantedFiles() const {
     if (assets_.isEmpty()) return {};
     QStringList names = {QStringLiteral("beep.wav")};

@@ -7,8 +7,7 @@
 namespace orven {
 namespace {
 
-/// The pattern with underscores for quoted literals, so that their letters are not taken for fields.
-/// Positions stay the same.
+/// The pattern with quoted literals replaced by underscores of the same length, so that only fields remain.
 QString FieldsOnly(const QString& pattern) {
   QString fields = pattern;
   bool quoted = false;
@@ -61,7 +60,8 @@ QDateTime Local(Clock::WallTime at) {
   return QDateTime::fromMSecsSinceEpoch(std::chrono::floor<milliseconds>(at.time_since_epoch()).count());
 }
 
-/// The texts name files and fill log lines: a control character in a locale's data would break both.
+/// The texts become parts of file names and log lines: a control character in a locale's data would break
+/// both.
 std::string Text(QString text) {
   text.removeIf([](QChar letter) { return letter.category() == QChar::Other_Control; });
   return text.trimmed().toStdString();

@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 
-/// No timeout: the bus answers for a host that has gone.
+/// No timeout: if the host exits, the bus replies with an error.
 constexpr int kNoTimeout = std::numeric_limits<int>::max();  // milliseconds; DBUS_TIMEOUT_INFINITE
 
 QDBusMessage Question() {
@@ -41,7 +41,8 @@ TrayHost::TrayHost(std::function<void()> on_change) : on_change_(std::move(on_ch
   owner_.addWatchedService(kWatcher);
   QObject::connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged, &owner_,
                    [this](const QString&, const QString&, const QString& owner) {
-                     // A host that goes without an answer is awaited: panels are restarted after a crash.
+                     // If a host exits without an answer, waits for a new one: panels are restarted after a
+                     // crash.
                      if (!owner.isEmpty() || answer_ != Answer::Pending) Ask();
                    });
   answer_ = Answer::Pending;
@@ -57,7 +58,7 @@ void TrayHost::Ask() {
 
 void TrayHost::Take(const QDBusPendingCall& call) {
   const QDBusReply<QDBusVariant> reply = call;
-  if (reply.error().type() == QDBusError::NoReply) return;  // the host has gone
+  if (reply.error().type() == QDBusError::NoReply) return;  // the host has exited
   Become(reply.isValid() && reply.value().variant().toBool() ? Answer::Present : Answer::Absent);
 }
 

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A failure at a folder's path: what is missing there is a path, not a file.
+/// A failure at a folder's path: a missing folder is a "path not found".
 RuntimeError FolderFailure(const std::error_code& error, const std::string& path) {
   if (error.value() == ENOENT) return {ErrorNumber::PathNotFound, path};
   return FileFailure(error.value(), path);
@@ -40,7 +40,7 @@ void DiskFiles::Append(const std::string& path, std::string_view text) {
   try {
     file.Write(text);
   } catch (const RuntimeError&) {
-    // Half a line is worse than none; where this fails too, the half stays.
+    // Removes a partial line; it stays if this fails too.
     if (before >= 0 && ::ftruncate(number, before) != 0) errno = 0;
     throw;
   }
@@ -72,7 +72,7 @@ std::vector<std::string> DiskFiles::List(const std::string& folder, std::string_
   fs::directory_iterator entry(folder, error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
     std::string name = entry->path().filename().string();
-    std::error_code gone;  // A file that vanishes meanwhile is simply not listed.
+    std::error_code gone;  // A file that is deleted meanwhile is not listed.
     if (MatchesPattern(name, pattern) && entry->is_regular_file(gone)) names.push_back(std::move(name));
   }
   if (error) throw FolderFailure(error, folder);
@@ -109,7 +109,7 @@ void DiskFiles::Rename(const std::string& from, const std::string& to) {
   try {
     Delete(source);
   } catch (const RuntimeError&) {
-    // It must not be in both places.
+    // The file must not exist twice.
     if (Exists(source)) ::unlink(to.c_str());
     throw;
   }
@@ -129,7 +129,7 @@ char Lower(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// Bytes of the next character; a byte that is no UTF-8 counts as a character of its own.
+/// Bytes of the next character; an invalid byte counts as one character.
 std::size_t CharacterLength(std::string_view text) {
   return std::max<std::size_t>(1, Utf8Length(text));
 }
@@ -178,7 +178,7 @@ bool ComesBefore(std::string_view name, std::string_view other) {
 }
 
 std::string PathInAnyCase(const std::string& path) {
-  constexpr std::size_t kLongest = 4;  // letters; each doubles the names to look for
+  constexpr std::size_t kLongest = 4;  // letters; each one doubles the number of names to try
   const auto dot = path.rfind('.');
   if (dot == path.npos || path.size() - dot - 1 > kLongest || path.find('/', dot) != path.npos) return path;
   if (IsThere(path)) return path;

@@ -48,7 +48,7 @@ std::size_t WholeCharacters(std::string_view utf8, std::size_t most) {
   return length;
 }
 
-/// `start`, followed by encoded words, one a line.
+/// `start`, followed by encoded words, one per line.
 std::string WithEncodedWords(std::string start, std::string_view utf8) {
   std::size_t column = start.size();
   while (!utf8.empty()) {

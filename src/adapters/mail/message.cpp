@@ -49,7 +49,7 @@ bool IsAttachable(const std::string& path) {
   return !path.empty() && errno != ENOENT && errno != ENOTDIR;
 }
 
-// O_NONBLOCK, so that a pipe in the file's place is refused and not waited for.
+// O_NONBLOCK, so that opening a pipe does not block; it is refused afterwards.
 Attachment::Attachment(std::string path, const std::string& source)
     : path_(std::move(path)), file_(source, O_RDONLY | O_NONBLOCK) {
   struct stat status {};

@@ -38,7 +38,7 @@ class SmtpMail::Sender {
     MailAccount account;
   };
 
-  /// `tell` and `warn` bring an event or a warning to the user-interface thread.
+  /// `tell` and `warn` pass an event or a warning to the user-interface thread.
   Sender(MailLimits limits, Worker::Reporter report, std::function<void(Event)> tell,
          std::function<void(std::string)> warn)
       : limits_(std::move(limits)),
@@ -72,7 +72,7 @@ class SmtpMail::Sender {
     const auto progress = [this](std::int64_t total, std::int64_t sent) { TellProgress(total, sent); };
     const MailOutcome outcome = SendMail(envelope, source, mail.account, limits_, cancellation_, progress);
     if (outcome.state == MailOutcome::State::Cancelled) return;
-    // First the disk, then the event: a mail that was reported is not sent again.
+    // The disk before the event: a mail that was reported must not be sent again.
     if (!mail.file.empty()) Forget(mail.file);
     if (outcome.state != MailOutcome::State::Accepted)
       return TellError(envelope.recipient, outcome.description);

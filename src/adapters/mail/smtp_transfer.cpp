@@ -121,7 +121,7 @@ class Transfer {
     if (connected > 0 && !connected_) {
       connected_ = true;
       dialogue_.Connected();
-      // libcurl counts the greeting and the login as connecting; here the other limit is for them.
+      // libcurl counts the greeting and the login as connecting; we apply the other limit to them.
       Curl().easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
     }
     dialogue_.Sent(sent);
@@ -152,7 +152,7 @@ class Transfer {
   std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{Curl().easy_init(), Curl().easy_cleanup};
 };
 
-/// What is wrong with a mail's addresses; empty when nothing is.
+/// The fault of a mail's addresses; empty when they are valid.
 std::string Refusal(const Envelope& envelope) {
   const auto address = [](const char* whose, const std::string& text) {
     if (text.empty()) return std::string("there is no ") + whose + " address";

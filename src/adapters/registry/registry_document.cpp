@@ -20,7 +20,7 @@ std::string HeadOf(const std::string& key) {
   return "[" + key + "]";
 }
 
-/// Whether the format can hold this key: it must not read as a deletion, nor contain a comment.
+/// Whether the format can represent this key: it must not look like a deletion or contain a comment.
 bool IsKeyName(const std::string& key) {
   const RegistryLine line = ParseRegistryLine(HeadOf(key), 0);
   return line.kind == Kind::Key && line.name == key && line.raw == HeadOf(key);
@@ -86,7 +86,7 @@ void RegistryDocument::CheckHeader() {
   }
 }
 
-// A damaged key line leaves the values below it without a key. Kept, they would fall to the key above.
+// A damaged key line leaves the values below it without a key; they must not be assigned to the key above.
 void RegistryDocument::DropStrayValues() {
   enum class Where { BeforeKeys, InKey, BelowDamagedKey } where = Where::BeforeKeys;
   for (RegistryLine& line : lines_) {
@@ -205,7 +205,7 @@ void RegistryDocument::Insert(std::size_t at, const std::string& raw) {
 
 bool RegistryDocument::Remove(const std::string& key, const std::string& name) {
   if (Find(key, name) == nullptr) return false;
-  // Every line that sets it goes, or an earlier one would come back.
+  // Removes all lines that set it, or an earlier one would become effective.
   std::string current;
   std::erase_if(lines_, [&, folded = Folded(key), value = Folded(name)](const RegistryLine& line) {
     if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) current = Folded(line.name);

@@ -130,8 +130,8 @@ void RegistryFile::Use(std::string content) {
   filled_ = false;
 }
 
-/// Takes from the backup what the file lacks: a file that was cut at a line's end, or has a changed letter in
-/// a key, shows no damage itself. A file that lacks nothing becomes the new backup.
+/// Takes missing values from the backup: a file that was truncated at a line's end, or has a changed letter
+/// in a key, is not recognisable as damaged. A file that lacks nothing becomes the new backup.
 void RegistryFile::UpdateBackup() {
   std::optional<std::string> backup;
   try {

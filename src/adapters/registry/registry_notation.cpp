@@ -17,7 +17,7 @@ using Kind = RegistryLine::Kind;
 
 constexpr std::string_view kBlanks = " \t";
 
-/// What is wrong, and in which physical line after the first (0 is the first).
+/// A fault, and its physical line counted from the first one (0).
 struct Fault {
   std::string text;
   int lines_down = 0;
@@ -46,8 +46,8 @@ class LineReader {
     at_ = EndOfPhysicalLine();
   }
 
-  /// Steps over a damaged line whose fault is `lines_down` lines below its first, and over what seem
-  /// to be the rest of its continuation lines.
+  /// Skips a damaged line whose fault is `lines_down` lines below its first, and its presumed continuation
+  /// lines.
   void SkipDamaged(int lines_down) {
     at_ = 0;
     bool continues = true;
@@ -87,7 +87,7 @@ class LineReader {
     if (!AtLineEnd() && Peek() != ';') throw Fault{"unexpected text at the end of the line", lines_down_};
   }
 
-  // A key's own name may hold "]": the key ends at the first one that nothing but a comment follows.
+  // A key's name may contain "]": the key ends at the first one that is followed only by a comment.
   void ReadKey(RegistryLine& line) {
     const std::size_t begin = ++at_;
     const std::size_t line_end = EndOfPhysicalLine();
@@ -206,7 +206,7 @@ class LineReader {
 
   std::string ReadBytes() {
     std::string bytes;
-    bool more = false;  // A comma stands before this place.
+    bool more = false;  // A comma precedes this position.
     for (SkipBlanks(); more || (!AtLineEnd() && Peek() != ';'); SkipBlanks()) {
       if (Peek() == '\\') {
         ++at_;

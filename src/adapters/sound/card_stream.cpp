@@ -33,8 +33,7 @@ constexpr const char* kOutput = "sound output";
 
 constexpr const char* kMicrophone = "microphone";
 
-/// How often the input passes on what it captured: each block, so that the level follows the voice and little
-/// is lost at a stop.
+/// The input's period: one block, so that the level follows the voice and little is lost at a stop.
 constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 
 }  // namespace
@@ -91,7 +90,7 @@ bool CardPlayer::Feed() {
   return true;
 }
 
-/// Everything before is written, and there is room for one more block.
+/// All earlier audio is written, and there is room for one more block.
 bool CardPlayer::HasRoom() {
   Write();
   return pending_.isEmpty() && sink_.bytesFree() >= block_bytes_;

@@ -27,7 +27,7 @@ struct SoundCards::Shared {
     if (report) report(text);
   }
 
-  /// Takes the report away: nothing is reported afterwards.
+  /// Removes the report function: nothing is reported afterwards.
   Report TakeReport() {
     const std::lock_guard lock(mutex);
     return std::exchange(report, nullptr);
@@ -69,7 +69,7 @@ class SoundCards::Card : public AudioDevice {
     if (take_) take_->Stop();
   }
 
-  /// Ends what the server has not served for too long. True while something plays or records.
+  /// Ends plays and takes that the server has not served for too long. True while something plays or records.
   bool Watch() const {
     const std::string card = "sound card " + std::to_string(number_);
     const bool plays =

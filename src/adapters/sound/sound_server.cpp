@@ -68,7 +68,7 @@ class Conversation {
     return server;
   }
 
-  /// A question that cannot be sent is never answered; the connection has failed then.
+  /// A request that cannot be sent is never answered; the connection has failed then.
   void Put(pa_operation* question) {
     ++unanswered_;
     if (question != nullptr) pa_operation_unref(question);

@@ -92,7 +92,7 @@ void CommandInterpreter::SetFile(std::string_view path) {
   }
 }
 
-/// A user who asks for a file has listened enough, so that the engine is free for it at once.
+/// Stops speaking, so that the engine is free for the file at once.
 void CommandInterpreter::Write(std::string_view text) {
   if (path_.empty()) return Report("no file is set for the text to be spoken into");
   Stop({});

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t kMostKept = std::size_t{4} * kSampleRate;
 
-/// Silence at the end, longer than a card's buffer: a text that comes before the last one has been heard is
-/// played after it, not into it.
+/// Silence at the end, longer than a card's buffer: a text that is announced before the previous one has been
+/// heard does not cut it off.
 constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 
 }  // namespace

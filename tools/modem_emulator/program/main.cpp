@@ -7,7 +7,7 @@
 
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
-  const orven::ExitSignals exit([] { QCoreApplication::quit(); });  // an ordinary exit: the link goes
+  const orven::ExitSignals exit([] { QCoreApplication::quit(); });  // a normal exit, which removes the link
   try {
     const orven::emulator::ModemProgram program(orven::emulator::ReadOptions(QCoreApplication::arguments()));
     return QCoreApplication::exec();

@@ -20,7 +20,7 @@ struct Field {
   std::string TelephoneLine::*value;
 };
 
-/// The keys whose values are shown as they are.
+/// The keys whose values are shown unchanged.
 constexpr std::array kSipFields{
     Field{"listen", LineField::Listen, "The address for calls", &TelephoneLine::listen},
     Field{"auth_user", LineField::AuthUser, "The login name", &TelephoneLine::auth_user},
@@ -107,7 +107,7 @@ bool CanBeWritten(const std::string& value) {
   return read.size() == 1 && read.front().values == std::map<std::string, std::string>{{"script", value}};
 }
 
-/// The file's notation has no quotes, so it cannot hold every text.
+/// The file format has no quoting, so some texts cannot be stored.
 std::optional<LineFault> NotationFault(const TelephoneLine& line) {
   const auto fault = [](LineField field, const char* label) {
     return LineFault{field,
@@ -190,7 +190,7 @@ std::string PathValue(const LineSection& section, const std::string& key,
   return path.empty() ? "" : (folder / path).string();
 }
 
-/// A caller gives up long before that.
+/// Callers hang up long before that.
 constexpr int kIdleSeconds = 120;
 
 }  // namespace

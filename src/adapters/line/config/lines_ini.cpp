@@ -99,7 +99,7 @@ class LinesReader {
   }
 
   void ReadEntry(std::string_view text, int number) {
-    if (!section_ && heads_ > 0) return;  // of a section that has been complained about
+    if (!section_ && heads_ > 0) return;  // of a section that was reported as invalid
     const std::size_t equals = text.find('=');
     const std::string key = Lower(Trimmed(text.substr(0, equals)));
     if (equals == text.npos || key.empty()) {
@@ -124,7 +124,7 @@ class LinesReader {
     }
     for (const LineKey& key : type->keys) {
       if (!key.required || section->values.contains(std::string(key.name))) continue;
-      // A wrong value has been complained about at its own line.
+      // An invalid value was reported at its own line.
       if (usable) LeaveOut(*section, std::string(key.name) + " is missing", key.expected);
       usable = false;
     }

@@ -14,9 +14,8 @@
 namespace orven {
 namespace {
 
-/// Tells the tones that end a call from sounds that resemble one for a moment, because machines are exact:
-/// busy and congestion tones repeat exactly, in the timing of any country; the dial tone does not change at
-/// all.
+/// Distinguishes the tones that end a call from similar sounds by their regularity: busy and congestion tones
+/// repeat exactly, in the timing of any country; the dial tone is constant.
 class ToneCadence {
  public:
   enum class Heard : std::uint8_t { Nothing, Busy, Dial };
@@ -154,7 +153,7 @@ void ToneCadence::Forget() {
   gap_ = quiet_ = 0;
 }
 
-/// Whether the latest bursts are alike groups of `period`: two groups and two more bursts.
+/// Whether the latest bursts repeat in groups of `period`: two equal groups and two more bursts.
 bool ToneCadence::Repeats(std::size_t period) const {
   const auto needed = 2 * period + 2;
   if (bursts_.size() < needed) return false;

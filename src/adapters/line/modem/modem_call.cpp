@@ -57,7 +57,7 @@ constexpr milliseconds kHangUpPatience{1'000};
 /// twice.
 constexpr milliseconds kSameHangUp{3'000};
 
-/// The meaning of a hang-up event, in words for the log.
+/// The meaning of a hang-up event, as a text for the log.
 const char* WordsOf(char code) {
   switch (code) {
     case 'b': return "the busy tone";
@@ -296,7 +296,7 @@ void ModemCall::Drop(std::int32_t request) {
   dropping_ = true;
   if (state_ == State::Connected) return HangUp();
   if (state_ == State::Answering) return;
-  // A line has no other way of turning a caller away.
+  // An analogue line has no other way to reject a call.
   state_ = State::Answering;
   TryToAnswer(kAnswerTries);
 }

@@ -93,7 +93,7 @@ constexpr std::int32_t kMaxRate = 128'000;
 /// The agent's own limit is shorter; this one matters only when its thread hangs.
 constexpr std::chrono::milliseconds kLongestClose{1'800};
 
-/// The line as its owner sees it: passes everything to the modem's thread.
+/// The line's driver: passes all operations to the modem's thread.
 class ModemLine final : public LineDriver {
  public:
   ModemLine(ModemLineSettings settings, const Clock& clock) : settings_(std::move(settings)), clock_(clock) {
@@ -119,7 +119,7 @@ class ModemLine final : public LineDriver {
   void MonitorDigits(CallNumber call, bool on) override {
     thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
   }
-  /// Nothing to do: the modem removes its own audio from what it listens to.
+  /// Nothing to do: the modem removes its own audio from the received audio.
   void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
   AudioDevice& Audio() override { return audio_; }
   std::string LastError() const override { return error_; }

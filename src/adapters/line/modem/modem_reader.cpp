@@ -65,8 +65,8 @@ void ModemReader::ExpectLines() {
   line_.clear();
 }
 
-/// Passes on the samples at the start of `bytes` in one run and returns how many bytes were read. A <DLE>
-/// after a <DLE> is a sample, and starts the run.
+/// Passes on the run of samples at the start of `bytes` and returns how many bytes were read. A <DLE> after a
+/// <DLE> is a sample and starts the run.
 std::size_t ModemReader::ReadAudio(std::span<const std::uint8_t> bytes) {
   const auto dle = std::find(bytes.begin() + (dle_ ? 1 : 0), bytes.end(), kDle);
   const auto run = bytes.first(static_cast<std::size_t>(dle - bytes.begin()));

@@ -15,16 +15,16 @@ constexpr float kRate = 8000;
 /// The mean square of a sine of 0 dBm0, 3.14 dB below full scale (ITU-T G.711).
 const float kZeroLevel = 32768.0F * 32768.0F / 2 * std::pow(10.0F, -0.314F);
 
-/// Removes what is below 60 Hz.
+/// High-pass filter at 60 Hz.
 constexpr float kOffsetFilter = 0.95F;
 
-/// The least share of a tone in the audio; a signal to noise ratio of 8 dB.
+/// The least share of a tone's energy; a signal-to-noise ratio of 8 dB.
 constexpr float kPure = 0.86F;
 
 /// The least power of a second tone relative to the first; 12 dB, as networks allow 6 (ITU-T E.180).
 constexpr float kSecond = 0.06F;
 
-/// Bins beside its own that a sine fills.
+/// Neighbouring bins on each side that a sine fills.
 constexpr std::size_t kSpread = 2;
 
 /// Sum of the bins that a sine in `peak` fills.

@@ -72,7 +72,7 @@ bool IsRates(const std::string& field) {
   return std::ranges::any_of(kRates, [&field](int rate) { return Has(field, rate); });
 }
 
-/// In capitals, letters and digits only: "u-law" and "ULAW" are one.
+/// In upper case, letters and digits only: "u-law" and "ULAW" are the same.
 std::string Plain(const std::string& name) {
   std::string plain;
   for (const char c : name) {

@@ -24,9 +24,9 @@ using std::chrono::milliseconds;
 
 /// Enough for a busy desktop computer, little enough to be purged unnoticed.
 constexpr milliseconds kAhead{250};
-/// With this little left nothing more will come: the pause between two files is shorter.
+/// When only this much is left, playback has ended: the pause between two files is shorter.
 constexpr milliseconds kLast{60};
-/// A line that rings on after the answer is noticed within the longest pause between rings.
+/// A line that keeps ringing after the answer is noticed within the longest pause between rings.
 constexpr std::size_t kKeptSamples = std::size_t{8} * kSampleRate;
 
 constexpr int kSamplesPerMillisecond = kSampleRate / 1000;
@@ -34,7 +34,7 @@ constexpr int kSamplesPerMillisecond = kSampleRate / 1000;
 /// One block (20 ms) is played and received in it.
 constexpr milliseconds kTick{kBlockSamples * 1000 / kSampleRate};
 
-/// A modem that receives sends without a pause.
+/// A receiving modem sends audio without pauses.
 constexpr milliseconds kLongestStall{3'000};
 
 /// After a pause of this length audio may have been lost.
@@ -120,7 +120,7 @@ class VoicePath::Transmitter {
   /// The modem's buffer has run empty: it needs more from now on.
   void Underrun(Time now) { AdvanceTo(now); }
 
-  /// How much of the written audio has not been played yet.
+  /// Duration of the written audio that has not been played yet.
   std::chrono::milliseconds Ahead(Time now) const;
 
   /// Whether there is something to play.
@@ -128,7 +128,7 @@ class VoicePath::Transmitter {
 
   /// The caller has heard nothing so far: everything is played again, first.
   void StartOver() { again_ = 0; }
-  /// What was kept is not to be played again.
+  /// The kept audio is not played again.
   void Cut() { again_ = kept_.size(); }
 
  private:
@@ -161,7 +161,7 @@ void VoicePath::Transmitter::AdvanceTo(Time now) {
 }
 
 bool VoicePath::Transmitter::Due(Time now, std::vector<std::uint8_t>& bytes) {
-  // Time that has been lost is not made up for: the modem stood still meanwhile.
+  // Lost time is not caught up: the modem was stopped meanwhile.
   if (Ahead(now) < milliseconds(0)) {
     began_ = now;
     sent_ = 0;
@@ -221,7 +221,7 @@ void VoicePath::End(std::function<void()> done) {
   ended_ = std::move(done);
   switch (state_) {
     case State::Off: return GoOn();
-    // Audio that was fetched to its end, ahead of time, is played to its end.
+    // Audio that was fetched completely is played to its end.
     case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge(0) : Drain();
     case State::Draining: return audio_.TakeCut() ? Purge(0) : void();
     case State::Receiving: return StopReceiving(0);
@@ -289,7 +289,7 @@ void VoicePath::TickReceiving() {
   if (transmitter_->Wanted()) StopReceiving(0);
 }
 
-/// A recording goes on, with silence, while the modem cannot listen.
+/// A recording continues, with silence, while the modem cannot receive.
 void VoicePath::KeepTimeForRecorder() {
   constexpr std::array<std::int16_t, kBlockSamples> kSilence{};
   for (; silent_since_ + kTick <= clock_.Uptime(); silent_since_ += kTick) {

@@ -70,7 +70,7 @@ using namespace std::chrono_literals;
 /// The line's own hang-ups; the program's requests begin at 1.
 constexpr std::int32_t kOwnRequest = 0;
 
-/// Stands for a name or number that the network did not send.
+/// Replaces a name or number that the network did not send.
 constexpr const char* kUnknown = "UNKNOWN";
 
 std::string OrUnknown(std::string text) {
@@ -146,8 +146,8 @@ void ServicedLine::Pump() {
   }
 }
 
-/// A caller who stays silent after the longest message would hold the line for ever. The program is told that
-/// the caller has hung up.
+/// A caller who stays silent after the longest message would block the line for ever. To the program it looks
+/// as if the caller had hung up.
 void ServicedLine::CountIdleSecond() {
   if (!call_.connected) return tmrIdle_->Stop();
   idle_for_ = idle_.in_use() ? 0s : idle_for_ + 1s;

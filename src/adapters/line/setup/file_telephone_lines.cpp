@@ -112,7 +112,7 @@ TelephoneLines::Configured FileTelephoneLines::Read() {
   try {
     text_ = ContentOf(path_);
   } catch (const RuntimeError&) {
-    // ReadLines has complained, and nothing can be stored.
+    // ReadLines has reported it, and nothing can be stored.
   }
   Configured configured{{}, file_.complaints};
   for (const auto& section : file_.sections) configured.lines.push_back(LineOf(section));
@@ -137,13 +137,13 @@ void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
     edits.push_back(EditOf(line, SectionAt(line.origin)));
     if (!is_text) edits.back().head = 0;
   }
-  if (!is_text) SetAside();  // what is wrong in a text file stays in it
+  if (!is_text) SetAside();  // invalid parts of a text file stay in it
   const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
   const auto text = EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits);
   ReplaceFile(path_, text, kOwnerOnly);
 }
 
-/// `line` as the file would have it, with the keys that no window shows.
+/// The section for `line`, with the keys that no window shows.
 LineSection FileTelephoneLines::SectionOf(const TelephoneLine& line) const {
   const auto edit = EditOf(line, SectionAt(line.origin));
   return {edit.name, edit.head, edit.type, edit.values};
@@ -204,7 +204,7 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   return false;
 }
 
-/// Where this program waits for calls now: no test can listen there.
+/// Addresses at which this program listens now, where no test can listen.
 std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
   std::vector<std::string> addresses;
   for (std::size_t index = 0; index < states_.size(); ++index) {

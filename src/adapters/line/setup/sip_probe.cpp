@@ -36,7 +36,7 @@ class NoEvents final : public LineDriverEvents {
   void Idle(CallNumber /*call*/) override {}
 };
 
-/// Waits for the first result of the registration, which the SIP thread tells.
+/// Waits for the first result of the registration, reported by the SIP thread.
 class Outcome {
  public:
   void Take(const RegistrationNews& news) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBlock{1000 * kBlockSamples / kSampleRate};
 
-/// One hour: a line that runs for days must not fill the memory.
+/// One hour: a line that runs for days must not exhaust the memory.
 constexpr std::size_t kMostHeard = std::size_t{3600} * kSampleRate;
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace {
 /// telephones send them, which the library's parser refuses.
 struct Address {
   std::string name;
-  std::string scheme;  ///< in small letters
+  std::string scheme;  ///< in lower case
   std::string user;
   std::string host;
 };
@@ -36,7 +36,7 @@ std::string DecodePercent(std::string_view text) {
   return decoded;
 }
 
-/// Takes a quoted string off the beginning of `rest`; `rest` begins with the quote.
+/// Removes a quoted string from the beginning of `rest`; `rest` begins with the quote.
 std::string TakeQuoted(std::string_view& rest) {
   std::string text;
   std::size_t i = 1;

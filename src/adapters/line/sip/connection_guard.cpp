@@ -16,23 +16,24 @@
 namespace orven {
 namespace {
 
-/// A line has 512 descriptors. So many connections from one address and from all leave enough of them for
-/// the account's server, a call and whatever else is opened.
+/// Most connections from one address, and from all. A line has 512 descriptors: these limits leave enough for
+/// the account's server, a call and everything else.
 constexpr std::size_t kMostOfOnePeer = 32;
 constexpr std::size_t kMostInAll = 128;
 
 /// A message has 64 KB at most.
 constexpr std::uint64_t kMostWithoutMessage = 128 * 1024;
 
-/// The library closes a connection when a piece of 8 KB more makes 64 KB of what is not a whole message yet;
-/// with smaller ones messages of 60 KB may follow each other.
+/// The library closes a connection when a further read of 8 KB brings an incomplete message to 64 KB; with
+/// smaller reads, messages of 60 KB can follow each other.
 constexpr std::size_t kPiece = 4096;
 
-/// What the system buffers for a peer before we assume that it does not read. Our answers have 1 KB.
+/// Unread bytes in the system's buffer after which we assume that a peer does not read. Our answers have 1
+/// KB.
 constexpr int kMostUnread = 64 * 1024;
 
-/// A peer that has much to read gets this time for it. Meanwhile the library keeps up to 700 bytes for
-/// each 4 that come (an answer to an empty line), 22 MB for kMostWithoutMessage: hence so few at a time.
+/// Time for a peer to read its answers. Meanwhile the library buffers up to 700 bytes for each 4 that arrive
+/// (an answer to an empty line), 22 MB for kMostWithoutMessage, which is why that limit is low.
 constexpr std::chrono::seconds kPatience{1};
 constexpr int kMostStuck = 2;
 
@@ -60,7 +61,7 @@ tcp_info InfoOf(int descriptor) {
   return info;
 }
 
-/// Bytes that the library has read from a connection, without those that still wait in the system.
+/// Bytes that the library has read from a connection, without those in the system's buffer.
 std::uint64_t TakenFrom(int descriptor) {
   const std::uint64_t received = InfoOf(descriptor).tcpi_bytes_received;
   int waiting = 0;
@@ -86,7 +87,7 @@ sa AddressBy(Ask ask, int descriptor) {
   return ask(descriptor, &address.u.sa, &address.len) == 0 ? address : sa{};
 }
 
-/// The library notices at once, and frees what it keeps for the connection.
+/// The library notices at once and frees the connection's memory.
 void CloseConnection(int descriptor) {
   const linger at_once{1, 0};
   (void)::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
@@ -160,7 +161,7 @@ ConnectionGuard::Connection ConnectionGuard::Describe(int descriptor) const {
   return {descriptor, AddressBy(::getpeername, descriptor), rank, silent_ms};
 }
 
-/// Of the same rank, those that have been silent the longest go first.
+/// Within a rank, the connections that have been silent the longest are closed first.
 void ConnectionGuard::CloseExcess(std::vector<Connection> connections) {
   std::ranges::sort(connections, {},
                     [](const Connection& one) { return std::pair(one.rank, one.silent_ms); });
@@ -209,7 +210,8 @@ bool ConnectionGuard::IsStuckTooLong(int descriptor) {
          kMostStuck;
 }
 
-/// Not while answers wait in the library: what comes until they are sent counts as without a message.
+/// Ignored while answers wait in the library: bytes that arrive until they are sent count as bytes without a
+/// message.
 void ConnectionGuard::Heard(const sip_msg& message) {
   const int descriptor = DescriptorOf(message);
   if (descriptor < 0 || !Watch(descriptor)) return;

@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds kSameEvent{80};
 /// A timestamp further back than this is not a late packet: the sender started over.
 constexpr std::int32_t kLatest = 5 * 8000;
 
-/// The key that is named by itself ("a" is "A") or by its event code from 10 on.
+/// The key given as a character ("a" is "A") or as an event code from 10 on.
 std::optional<char> Key(std::string_view text) {
   const std::size_t code = text.size() == 1 ? Lower(kKeys).find(text[0]) : std::string_view::npos;
   if (code != std::string_view::npos) return kKeys[code];
@@ -42,7 +42,7 @@ constexpr std::chrono::milliseconds kSamePress{1000};
 /// Events repeat every 20 to 50 ms while a key is down (RFC 4733, section 2.5.1.2).
 constexpr std::chrono::milliseconds kStillDown{120};
 
-/// More than anybody presses within a second: bounds the work for a caller that floods us.
+/// More than a person can press within a second; bounds the work when a caller floods us.
 constexpr std::size_t kMostPresses = 64;
 
 constexpr unsigned Bit(DigitSource source) {
@@ -56,7 +56,7 @@ bool TelephoneEvents::Continues(const Event& next, bool marker) const {
   const auto step = static_cast<std::int32_t>(next.timestamp - current_->timestamp);
   if (step <= 0 && step > -kLatest) return true;
   if (marker || current_->ended || next.code != current_->code) return false;
-  // A press longer than 8 s goes on as a new segment (section 2.5.1.3).
+  // A press longer than 8 s continues as a new segment (section 2.5.1.3).
   return step == current_->duration || next.last - current_->last <= kSameEvent;
 }
 

@@ -17,23 +17,23 @@ namespace {
 /// No network delays a packet for so long; a larger step is a stream that started over.
 constexpr std::int32_t kLongestStep = 10 * 8000;
 
-/// So many late packets in a row: the sender's clock was set back.
+/// After this many late packets in a row the sender's clock was set back.
 constexpr int kMostLate = 25;
 
 constexpr std::size_t kBlock = kBlockSamples;
 
-/// Audio waits so long before it is played, so that packets may overtake each other. 60 ms is enough for home
-/// networks and busy computers.
+/// Delay before audio is played, so that packets may arrive out of order. 60 ms is enough for home networks
+/// and busy computers.
 constexpr std::size_t kDelay = 3 * kBlock;
 constexpr int kDelayBlocks = 3;
 
-/// After so much silence the stream is paused, and the next audio waits again before it is played.
+/// After this much silence the stream is paused, and the next audio is delayed again.
 constexpr std::int64_t kPause = 10 * std::int64_t{kBlockSamples};
 
 /// A longer gap in the timestamps is a pause of the sender, not loss.
 constexpr std::int64_t kLongestLoss = 50 * std::int64_t{kBlockSamples};
 
-/// If the delay never fell below this in 2 s, one block is left out.
+/// If the delay never fell below this in 2 s, one block is dropped.
 constexpr int kObservationBlocks = 100;
 constexpr std::size_t kTooMuchWaiting = 6 * kBlock;
 
@@ -116,7 +116,7 @@ bool JitterBuffer::StillFilling() {
   filling_blocks_ = 0;
   position_ = reorder_.Front()->start;
   concealed_ = 0;
-  plc_init(&concealer_->state);  // what was before the pause must not change what follows
+  plc_init(&concealer_->state);  // audio before the pause must not affect what follows
   return false;
 }
 
@@ -139,7 +139,8 @@ void JitterBuffer::Conceal(std::size_t samples) {
   plc_state_t& state = concealer_->state;
   std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
   state.buf_ptr = 0;
-  // It always writes the whole overlap with what went before (up to 30 samples), even if fewer are asked for.
+  // It always writes the whole overlap with the earlier audio (up to 30 samples), even if fewer are
+  // requested.
   std::array<std::int16_t, kBlock> made_up{};
   plc_fillin(&state, made_up.data(), static_cast<int>(samples));
   ready_.insert(ready_.end(), made_up.begin(), made_up.begin() + static_cast<std::ptrdiff_t>(samples));

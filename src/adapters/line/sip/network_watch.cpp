@@ -18,7 +18,7 @@ namespace {
 /// A network that comes up reports its link, its address and its routes one after the other.
 constexpr std::chrono::milliseconds kSettling{300};
 
-/// How soon a change is noticed where the kernel does not report it.
+/// How soon a change is noticed if the kernel does not report it.
 constexpr std::chrono::seconds kTick{5};
 
 /// Whether a message of the kernel is a change. Wireless events of a link are not.
@@ -70,7 +70,7 @@ void NetworkWatch::Stop() {
 void NetworkWatch::TakeNews() {
   alignas(nlmsghdr) std::array<char, 16'384> buffer{};
   const ssize_t size = ::recv(kernel_, buffer.data(), buffer.size(), 0);
-  // An overflow of its queue is a change, too.
+  // An overflow of the kernel's queue counts as a change.
   bool change = size < 0 && errno == ENOBUFS;
   auto left = static_cast<unsigned>(size > 0 ? size : 0);
   for (auto* message = reinterpret_cast<const nlmsghdr*>(buffer.data()); NLMSG_OK(message, left);

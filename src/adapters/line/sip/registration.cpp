@@ -165,7 +165,7 @@ void Registration::NetworkChanged(bool moved) {
   }
   timer_.Stop();
   request_ = static_cast<struct sip_request*>(mem_deref(request_));
-  login_.Reset();  // a proof that may not have arrived does not count against the password
+  login_.Reset();  // an unconfirmed login attempt does not count against the password
   retry_ = settings_.timers.registration_retry_first;
   Start();
 }
@@ -258,7 +258,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
   login_.Accepted();
   if (response->scode < 300) return Registered(*response);
   if (response->scode == 423) return TakeTooBrief(*response);
-  // The password was right and the server refuses all the same: no use in asking again soon.
+  // The password was right and the server still refuses: an early retry is useless.
   const bool barred = response->scode == 403;
   TakeRefusal(*response, "", barred ? settings_.timers.registration_retry_longest : milliseconds(0));
 }
@@ -266,7 +266,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
 void Registration::TakeChallenge(const sip_msg& response) {
   switch (login_.Take(response)) {
     case DigestLogin::Verdict::kAnswer: return Ask(asked_);
-    // A wrong password is not repeated often: some servers block the sender then.
+    // A wrong password is not repeated often, because some servers then block the sender.
     case DigestLogin::Verdict::kRefused:
       return TakeRefusal(response, "", settings_.timers.registration_retry_longest);
     default: TakeRefusal(response, ": it wants the password in a way that ORVEN does not know");
@@ -280,8 +280,8 @@ void Registration::TakeTooBrief(const sip_msg& response) {
   Ask(life_);
 }
 
-/// The answer tells the address from which the server got our request (RFC 3261, section 18.2.1; RFC 3581). A
-/// connection always has a port of its own, so over TCP and TLS only another address indicates a router.
+/// The answer tells the address from which the server got our request (RFC 3261, section 18.2.1; RFC 3581).
+/// Each connection has its own port, so over TCP and TLS only another address indicates a router.
 void Registration::TakePublicAddress(const sip_msg& response) {
   pl host{};
   pl port{};
@@ -313,17 +313,17 @@ void Registration::Registered(const sip_msg& response) {
   timer_.StartOnce(pause);
   KeepReachable(response);
   settings_.registration_news({.state = RegistrationNews::State::Registered, .pause = pause});
-  // Behind a router: registers under the address that calls can reach. Once until the next refresh, since
-  // some routers assign another one each time.
+  // Behind a router, registers under the public address. Only once before the next refresh, because some
+  // routers assign a different one each time.
   const bool elsewhere = sa_isset(&seen_, SA_ALL) && bound_ != ContactUri(account_.user, seen_, response.tp);
   if (elsewhere && !settings_.register_nothing && !std::exchange(moved_, true)) Ask(life_);
 }
 
-/// Keeps the path open on which calls come.
+/// Keeps open the path that calls take.
 void Registration::KeepReachable(const sip_msg& response) {
   connection_ = static_cast<sip_keepalive*>(mem_deref(connection_));
   if (response.tp == SIP_TRANSP_UDP) return keep_alive_timer_.StartPeriodic(settings_.timers.keep_alive);
-  // Calls come over this connection: without it the registration is useless.
+  // Calls arrive over this connection: without it the registration is useless.
   (void)sip_keepalive_start(
       &connection_, stack_, &response, kWatchOnly,
       [](int, void* self) {
@@ -370,7 +370,7 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
   life_ = settings_.timers.registration_life;
   login_.Reset();
   keep_alive_timer_.Stop();
-  // The clients of a server that comes back must not all ask at the same moment.
+  // Clients must not all send requests at the same moment when a server returns.
   const auto most = std::min<milliseconds>(news.pause / 4, kLongestSpread);
   const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(most.count() + 1));
   timer_.StartOnce(news.pause + spread);

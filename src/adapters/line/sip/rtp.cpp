@@ -124,7 +124,7 @@ void DatagramSocket::Drain() {
     } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
       return;
     }
-    // Any other error is a refusal that is reported once more; the next datagram may be fine.
+    // Any other error is another report of a refusal; the next datagram may be fine.
   }
 }
 
@@ -152,7 +152,7 @@ void DatagramSocket::DrainRefusals() {
 }
 
 void DatagramSocket::Send(const sa& destination, std::span<const std::uint8_t> datagram) {
-  // A datagram that cannot be sent is like one that is lost on its way.
+  // A datagram that cannot be sent counts as lost in the network.
   (void)::sendto(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT, &destination.u.sa, destination.len);
 }
 

@@ -14,7 +14,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kBlockTime{20};
 
-/// After a longer stall (a suspended computer) the audio goes on from now, and the missed blocks are skipped.
+/// After a longer stall (a suspended computer) the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
 
 /// The peer counts the wraps of the sequence numbers to decrypt (RFC 3711, section 3.3.1). Beginning in the
@@ -73,7 +73,7 @@ void RtpStream::Update(const MediaAgreement& agreement) {
   alive_ = Clock::now();
 }
 
-/// A key that stays keeps its packet counters; a new key gets new ones.
+/// An unchanged key keeps its packet counters; a new key gets new ones.
 void RtpStream::Agree(const MediaAgreement& agreement) {
   agreement_ = agreement;
   const auto& keys = agreement.keys;
@@ -152,7 +152,7 @@ void RtpStream::DeliverBlock() {
 
 void RtpStream::CheckPeer(Time now) {
   if (!agreement_) return;
-  // On hold many telephones send nothing, whatever they announced, and take nothing.
+  // On hold many telephones send nothing, regardless of the agreement, and do not receive either.
   const bool held = !agreement_->receive || !agreement_->send;
   const bool silent = now - alive_ >= (held ? timers_.lost_held : timers_.lost_media);
   const bool refused = !held && refused_since_ && now - *refused_since_ >= timers_.unreachable;
@@ -191,7 +191,7 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
     jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
   if (!heard_) {
     heard_ = true;
-    ports_.rtp->LeaveToDrain();  // from here on every 20 ms is soon enough
+    ports_.rtp->LeaveToDrain();  // from now on reading every 20 ms is enough
     events_.PeerHeard();
   }
   if (is_event) TakeEvent(*packet);

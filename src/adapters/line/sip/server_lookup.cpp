@@ -17,7 +17,7 @@
 namespace orven {
 namespace {
 
-/// Name servers that do not answer delay a search by half a minute; so many may run at a time.
+/// Most searches at a time: name servers that do not answer delay each one by half a minute.
 constexpr int kMostSearches = 4;
 
 /// A host of an SRV record.
@@ -43,7 +43,7 @@ void SortByWeight(std::vector<Host>& hosts) {
   }
 }
 
-/// The hosts of the SRV records of `name`, from the name servers of this moment.
+/// The hosts of the SRV records of `name`, from the current name servers.
 std::vector<Host> ServiceHosts(const std::string& name) {
   struct __res_state resolver {};
   if (res_ninit(&resolver) != 0) return {};
@@ -103,10 +103,10 @@ std::vector<sa> Search(const ServerName& server) {
 
 }  // namespace
 
-/// Outlives the lookup while a search is under way.
+/// Outlives the lookup while a search is running.
 struct ServerLookup::Shared {
   std::mutex mutex;
-  mqueue* queue = nullptr;    ///< guarded; nullptr: the lookup is gone
+  mqueue* queue = nullptr;    ///< guarded; nullptr: the lookup is destroyed
   unsigned wanted = 0;        ///< guarded; the number of the latest search
   int under_way = 0;          ///< guarded
   std::vector<sa> addresses;  ///< guarded; that the latest search has found

@@ -9,7 +9,7 @@
 namespace orven {
 namespace {
 
-/// Takes the text up to the next `end` off `rest`, and `end` with it.
+/// Removes the text up to the next `end`, and `end` itself, from `rest`.
 std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
   const auto at = std::min(rest.find(end), rest.size());
   const auto taken = rest.substr(0, at);
@@ -17,14 +17,14 @@ std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
   return taken;
 }
 
-/// The same for a line that ends in CR, LF or both, of which an empty one may be left.
+/// The same for a line that ends in CR, LF or both; CR LF may leave an empty line.
 std::string_view TakeLine(std::string_view& rest) {
   const auto line = rest.substr(0, std::min(rest.find_first_of("\r\n"), rest.size()));
   rest.remove_prefix(std::min(line.size() + 1, rest.size()));
   return line;
 }
 
-/// Takes a header off `rest`, with the lines that continue it (RFC 5322, section 2.2.3).
+/// Removes a header from `rest`, with its continuation lines (RFC 5322, section 2.2.3).
 std::string_view TakeHeader(std::string_view& rest) {
   const auto whole = rest;
   do {
@@ -67,12 +67,12 @@ bool IsWhole(std::string_view attribute) {
 
 constexpr std::string_view kAudio = "m=audio ";
 
-/// "m=audio 0 …": a stream that is not wanted.
+/// "m=audio 0 …": a rejected stream.
 bool IsUnwanted(std::string_view line) {
   return line.starts_with("m=audio 0 ");
 }
 
-/// How much is left behind the last audio stream that is wanted; all of `lines` when there is none.
+/// Length of the text after the last usable audio stream; all of `lines` when there is none.
 std::size_t LeftBehindAudio(std::string_view lines) {
   std::size_t left = lines.size();
   while (!lines.empty()) {
@@ -109,7 +109,7 @@ std::optional<std::string> DescriptionIn(const sip_msg& message) {
 std::string MendDescription(std::string_view text) {
   std::string mended;
   const std::size_t behind_audio = LeftBehindAudio(text);
-  bool audio = true;  // or what stands before the first medium and holds for all
+  bool audio = true;  // or the session part before the first medium, which applies to all
   while (!text.empty()) {
     const auto line = TakeLine(text);
     if (line.size() < 2 || line[1] != '=') continue;

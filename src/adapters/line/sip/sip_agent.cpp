@@ -14,8 +14,8 @@ namespace {
 /// A line must be closed within 2 s, whatever the network does.
 constexpr std::chrono::milliseconds kLongestFarewell{1'500};
 
-/// The library keeps each transaction for 32 s (RFC 3261, section 17), 8 KB a call. They are gone after this
-/// time without a call.
+/// The library keeps each transaction for 32 s (RFC 3261, section 17), 8 KB per call. After this time without
+/// a call all are freed.
 constexpr std::chrono::seconds kTransactionsGone{34};
 
 }  // namespace
@@ -63,7 +63,8 @@ void SipAgent::LookAtNetwork(bool changed) {
   if (registration_ != nullptr) registration_->NetworkChanged(moved);
 }
 
-/// A call whose address is gone may go on: its audio may have another route, and the address may come back.
+/// A call whose address was removed may continue: its audio may have another route, and the address may
+/// return.
 bool SipAgent::Leave(SipEndpoint& endpoint) {
   if (call_context_ && call_context_->stack == &endpoint.Stack()) {
     if (call_ != nullptr && !call_->Gone()) return false;
@@ -81,7 +82,7 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     (void)sip_reply(&at.Stack(), &invite, 486, "Busy Here");
     return;
   }
-  // No exception may reach the library, which is C. Without memory or descriptors the call is refused.
+  // No exception may reach the C library. Without memory or descriptors the call is refused.
   try {
     call_.reset();
     reserve_.Release();

@@ -156,8 +156,8 @@ void SipCall::End(bool by_peer) {
   context_.events.Idle(number_);
 }
 
-/// 486 refuses this telephone only; 603 would stop the person's other ones from ringing. An answered session
-/// sends BYE when it is released, after the ACK if that is still to come.
+/// 486 refuses the call at this telephone only; 603 would stop the user's other ones from ringing. An
+/// answered session sends BYE when it is released, after the ACK if that is still to come.
 void SipCall::EndSession() {
   stream_->Stop();
   if (state_ == State::kRinging && session_ != nullptr) {

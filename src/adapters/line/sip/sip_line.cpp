@@ -150,7 +150,7 @@ constexpr std::chrono::seconds kLongestOpen{5};
 /// The agent's own limit is shorter; this one is for a SIP thread that hangs.
 constexpr std::chrono::milliseconds kLongestClose{1'800};
 
-/// The line as its owner sees it: posts every operation to the SIP thread.
+/// The line's driver: posts every operation to the SIP thread.
 class SipLine final : public LineDriver {
  public:
   explicit SipLine(const SipLineSettings& settings) : settings_(settings) {

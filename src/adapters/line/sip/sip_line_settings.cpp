@@ -8,7 +8,7 @@
 namespace orven {
 namespace {
 
-/// As the account has it: perhaps with a port.
+/// As written in the account, perhaps with a port.
 std::string ServerOf(const SipLineSettings& line) {
   return line.account.substr(line.account.find('@') + 1);
 }
@@ -29,7 +29,7 @@ std::string NoRouteText(const SipLineSettings& line, int error) {
 std::string TlsFailureText(const SipLineSettings& line, int error, const std::string& refusal) {
   const std::string words = "no encrypted connection to " + ServerOf(line) + " can be opened (";
   if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
-  // RFC 3261, section 19.1.2: TLS has a port of its own, which is easily forgotten.
+  // RFC 3261, section 19.1.2: TLS has a different default port, which is easily forgotten.
   return words + ErrorText(error) + "): the port for TLS is often 5061";
 }
 

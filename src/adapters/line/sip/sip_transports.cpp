@@ -24,9 +24,9 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
   return TlsContext::Showing(settings.tls_made_certificate);
 }
 
-/// The addresses that `listen` stands for at this moment: itself, or all of this machine's whose network is
-/// connected when it is 0.0.0.0 or [::], those that lead to others first. The SIP library needs each by
-/// itself, since it tells a peer the address at which it listens.
+/// The addresses that `listen` currently means: itself, or for 0.0.0.0 and [::] all addresses of this machine
+/// whose network is connected, externally reachable ones first. The SIP library needs a specific address
+/// because it sends it to peers.
 std::vector<sa> ExpandListenAddress(const sa& listen) {
   if (!sa_is_any(&listen)) return {listen};
   ifaddrs* first = nullptr;
@@ -86,8 +86,8 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
   const bool to_server = !settings_.account.empty() && settings_.transport == "tls";
   try {
     if (!settings_.tls_listen.empty()) {
-      // The library has one set of rules for all connections that we open. To a caller over TLS we may have
-      // to open one, and that caller could not show the server's certificate.
+      // The library has one TLS context for all connections that we open. We may have to open one to a caller
+      // over TLS, who could not show the server's certificate.
       if (to_server) {
         throw std::runtime_error(
             "tls_listen cannot be used together with an account over TLS; "
@@ -114,7 +114,7 @@ std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, b
                      "listen address \"" + text + "\" is not an address and port like 127.0.0.1:5060"};
 }
 
-/// Without name servers only addresses work.
+/// Without name servers only numeric addresses work.
 void SipTransports::ReadNameServers() {
   std::array<sa, 4> servers{};
   auto count = static_cast<std::uint32_t>(servers.size());
@@ -150,7 +150,7 @@ int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
     }
   }
   if (server_tls_ != nullptr) {
-    // Only to reach the account's server: any free port, which is not published.
+    // Only for requests to the account's server: any free port, which is not published.
     sa local = address;
     sa_set_port(&local, 0);
     if (const int error = endpoint->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;

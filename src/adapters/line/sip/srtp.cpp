@@ -151,7 +151,7 @@ std::optional<std::span<const std::uint8_t>> SrtpReceiver::Unprotect(std::span<c
     senders_.splice(senders_.begin(), senders_, known);
     return ContentOf(*buffer_);
   }
-  // The library's context remembers each source, authentic or not, and has room for eight.
+  // The library's context stores each source, authentic or not, and has room for only eight.
   LibrePtr<srtp> context = NewContext(suite_, key_);
   if (senders_.size() >= kMostSenders || !Decrypt(context.get(), packet)) return std::nullopt;
   senders_.push_front({ssrc, std::move(context)});
