@@ -31,9 +31,9 @@ MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOpti
   const auto own = shared.InApplicationFolder("\\Messages\\");
   const bool full = std::filesystem::path(stored).is_absolute();
   if (full && (moving || files.Exists(FolderPart(stored)) || !files.Exists(own))) return {stored, ""};
-  const auto fault = full                  ? "names a folder that is not there (" + stored + ")"
+  const auto fault = full                  ? "names a folder that does not exist (" + stored + ")"
                      : stored == kNotFound ? "is missing"
-                                           : "is no full path (\"" + stored + "\")";
+                                           : "is not a full path (\"" + stored + "\")";
   return {own, "The setting MassagesPath " + fault + ": messages are stored in " + own};
 }
 

@@ -87,7 +87,7 @@ void SpeechLink::ReportNoAnswer() {
 
 void SpeechLink::ExpectVoices() {
   ports_.loop.After(kVoicesLimit, lifeline_.Bind([this] {
-    if (!voices_arrived_ && !unloaded_) log_.WriteSystem("TTS: the speech helper does not tell its voices");
+    if (!voices_arrived_ && !unloaded_) log_.WriteSystem("TTS: the speech helper does not report its voices");
   }));
 }
 
@@ -134,7 +134,7 @@ void SpeechLink::DataArrival(const std::string& text) {
 }
 
 void SpeechLink::LinkLost() {
-  log_.WriteSystem("TTS: the speech helper is gone");
+  log_.WriteSystem("TTS: the speech helper has ended");
   listener_.HelperLost();
 }
 

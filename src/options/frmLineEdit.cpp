@@ -66,7 +66,7 @@ frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, 
 }
 
 void frmLineEdit::MakeFields(bool fresh) {
-  txtName_ = AddText("txtName", tr("&Name:"), tr("As the line is called in this program"));
+  txtName_ = AddText("txtName", tr("&Name:"), tr("The line's name in this program"));
   cmbKind_ = AddList("cmbKind", tr("&Kind:"));
   cmbKind_->addItem(tr("SIP (Internet telephony)"));
   cmbKind_->addItem(tr("Modem"));
@@ -93,8 +93,8 @@ void frmLineEdit::MakeSipFields() {
                  "that come directly to this computer"));
   txtServer_->setPlaceholderText(tr("sip.example.org, or the home router"));
   txtUser_ = AddText("txtUser", tr("&User:"), tr("The account's name or telephone number"));
-  txtAuthUser_ =
-      AddText("txtAuthUser", tr("&Login name:"), tr("Only where the server wants another than the user"));
+  txtAuthUser_ = AddText("txtAuthUser", tr("&Login name:"),
+                         tr("Only if the server expects a login name other than the user"));
   txtAuthUser_->setPlaceholderText(tr("the same as the user"));
   password_row_ = MakeChild<QWidget>(this);
   auto* row = MakeChild<QHBoxLayout>(password_row_);
@@ -110,17 +110,17 @@ void frmLineEdit::MakeSipFields() {
   connect(chkShowPassword_, &QCheckBox::toggled, this,
           [this](bool shown) { txtPassword_->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password); });
   cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
-  cmbTransport_->setToolTip(tr("How the server is reached; it tells which ones it has"));
+  cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
   for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
   txtListen_ =
       AddText("txtListen", tr("&Address for calls:"),
-              tr("Where this computer waits for calls: an address of its own and a port. 0.0.0.0 is every "
+              tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
                  "network, 127.0.0.1 this computer only"));
   spnRing_ = MakeChild<QSpinBox>(this);
   spnRing_->setObjectName(Name("spnRing"));
   spnRing_->setRange(1, 60);
   spnRing_->setSuffix(tr(" s"));
-  spnRing_->setToolTip(tr("As often as the telephone rings; the answering machine counts the rings"));
+  spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
   IgnoreStrayWheel(*spnRing_);
   AddRow(tr("Time &between rings:"), spnRing_, spnRing_);
 }

@@ -39,7 +39,7 @@ frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<Teleph
       icon_(MakeChild<QLabel>(this)),
       lblTestResult_(MakeChild<QLabel>(this)) {
   cmdTest_->setObjectName(QStringLiteral("cmdTest"));
-  cmdTest_->setToolTip(tr("Register at the server, or ask the modem, and tell what is wrong"));
+  cmdTest_->setToolTip(tr("Register at the server, or query the modem, and report any problem"));
   lblTestResult_->setObjectName(QStringLiteral("lblTestResult"));
   lblTestResult_->setAccessibleName(tr("Result of the test"));
   lblTestResult_->setTextFormat(Qt::PlainText);

@@ -64,7 +64,7 @@ std::optional<LineFault> LinesDialog::Check(const TelephoneLine& line,
   const bool renamed = !index || At(*index).name != line.name;
   // Names must be unique, because the chosen line is stored by its name.
   if (renamed && HasName(line.name)) {
-    return LineFault{LineField::Name, "Another line has this name: expected one of its own."};
+    return LineFault{LineField::Name, "Another line has this name: expected a unique name."};
   }
   return parts_.lines.Check(line);
 }
@@ -125,7 +125,7 @@ void LinesDialog::UseChanged() {
   if (!parts_.use_changed) {
     parts_.dialogs.Information("The changed lines are used from the next start on.");
   } else if (!parts_.use_changed()) {
-    parts_.dialogs.Information("A call is up. The changed lines are used when it is over.");
+    parts_.dialogs.Information("A call is in progress. The changed lines are used when it is over.");
   }
 }
 

@@ -240,7 +240,7 @@ void OptionsDialog::Save(const OptionChoices& choices) {
 void OptionsDialog::TellOfFailures(bool stored, bool autostart) {
   if (!stored) {
     parts_.dialogs.Information(
-        "The options could not be stored. They hold until the program ends; the system log tells more.");
+        "The options could not be stored. They apply until the program ends; see the system log.");
   }
   if (Autostarts() == autostart) return;
   parts_.dialogs.Information(std::string("The program ") + (autostart ? "does not start" : "still starts") +

@@ -107,7 +107,8 @@ void CallStore::FileLateMessage(const Call& call, std::int32_t record) {
   database.Edit();
   database.SetField(kType, call.type_text);
   database.Update();
-  ports_.system_log.WriteSystem("Record Message: " + call.message_file_name + " found room and is filed now");
+  ports_.system_log.WriteSystem("Record Message: " + call.message_file_name +
+                                " did not fit on the disk before and is filed now");
 }
 
 void CallStore::AddRecord(Call& call) {

@@ -77,7 +77,7 @@ QWidget* frmAbout::MakeHead(const std::string& version) {
   texts->addWidget(Text("lblVersion", tr("Version %1").arg(QString::fromStdString(version)), head));
   texts->addWidget(Text("lblWhat",
                         tr("A telephone answering machine: it answers the line, plays a greeting, records "
-                           "the message and tells of the call."),
+                           "the message and reports the call."),
                         head));
   texts->addWidget(Text("lblLicence",
                         tr("Free software under the GNU General Public License, version 3 or later "

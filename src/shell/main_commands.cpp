@@ -105,7 +105,7 @@ void MainCommands::ShowPage(const std::string& page) {
   const auto target = parts_.shared.InApplicationFolder("\\Help\\" + page + ".htm");
   if (parts_.shell.Open(target)) return;
   parts_.log.WriteSystem("Cannot open " + target);
-  parts_.messages.Information("Nothing on this computer opens " + target);
+  parts_.messages.Information("No program on this computer opens " + target);
 }
 
 }  // namespace orven

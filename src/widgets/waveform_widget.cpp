@@ -31,7 +31,7 @@ int Round(double value) {
 
 WaveformWidget::WaveformWidget(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("Waveform"));
-  setAccessibleName(tr("Picture of the message"));
+  setAccessibleName(tr("Waveform of the message"));
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   setFixedHeight(kHeight);
 }

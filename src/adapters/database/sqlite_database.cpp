@@ -229,7 +229,7 @@ void SqliteDatabase::Edit() {
 
 void SqliteDatabase::SetField(std::string_view field, std::string_view value) {
   const auto column = static_cast<std::size_t>(FieldIndex(field));
-  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
+  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was started");
   draft_->fields[column] = value;
 }
 
@@ -249,7 +249,7 @@ std::string SqliteDatabase::GetField(std::string_view field) {
 void SqliteDatabase::Update() {
   Mending([&] {
     Refresh();
-    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was begun");
+    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was started");
     draft_->row ? Replace(*draft_->row, draft_->fields) : Insert(draft_->fields);
   });
   connection_->MergeLog();

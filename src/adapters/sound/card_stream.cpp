@@ -70,7 +70,7 @@ void CardPlayer::Check() {
   // The server may move a stream to another output when its own was unplugged; the user did not choose that
   // one for messages.
   if (OutputOf(device_.id().toStdString()).isNull()) {
-    problem_ = Told(kOutput, device_, "went away while it was playing.");
+    problem_ = Told(kOutput, device_, "was disconnected while it was playing.");
   } else if (sink_.state() == QAudio::StoppedState) {
     problem_ = Told(kOutput, device_, "stopped while it was playing; perhaps the sound server ended.");
   }
@@ -128,7 +128,7 @@ bool CardRecorder::Tick() {
 void CardRecorder::Check() {
   // The server may move the stream to another input; the user did not choose that one.
   if (InputOf(device_.id().toStdString()).isNull()) {
-    problem_ = Told(kMicrophone, device_, "went away while it was recording.");
+    problem_ = Told(kMicrophone, device_, "was disconnected while it was recording.");
   } else if (source_.state() == QAudio::StoppedState) {
     problem_ = Told(kMicrophone, device_, "stopped while it was recording; perhaps the sound server ended.");
   }

@@ -73,10 +73,10 @@ class SoundCards::Card : public AudioDevice {
   bool Watch() const {
     const std::string card = "sound card " + std::to_string(number_);
     const bool plays =
-        Goes(play_.get(), "The sound server does not answer; what was playing on " + card + " was given up.");
+        Goes(play_.get(), "The sound server does not answer; playing on " + card + " was stopped.");
     const bool records = Goes(take_.get(), "No sound comes from the microphone of " + card +
                                                ", perhaps the sound server does not answer; the recording "
-                                               "was given up.");
+                                               "was stopped.");
     return plays || records;
   }
 

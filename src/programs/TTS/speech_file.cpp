@@ -79,7 +79,7 @@ void SpeechFile::Write(std::span<const std::int16_t> samples) {
 }
 
 void SpeechFile::Finish() {
-  if (!heard_) Fail("no speech came out of the text");
+  if (!heard_) Fail("the text produced no speech");
   errno = 0;
   if (sf_close(audio_.release()) != SF_ERR_NO_ERROR) throw FileFailure(errno, path_);
   if (::fchmod(file_->Number(), NewFileMode()) != 0) throw FileFailure(errno, path_);

@@ -18,7 +18,7 @@ constexpr std::size_t kSilenceAtEnd = std::size_t{1} * kSampleRate;
 }  // namespace
 
 SpokenAudio::SpokenAudio(int sample_rate) : resampler_(sample_rate, kSampleRate) {
-  if (!resampler_.Valid()) throw std::runtime_error("speech cannot be brought to the telephone's rate");
+  if (!resampler_.Valid()) throw std::runtime_error("the speech cannot be resampled");
 }
 
 SpokenAudio::Announced SpokenAudio::Announce() {

@@ -211,7 +211,7 @@ void Program::TellOfLostSettings() {
   if (damaged.empty() && !std::filesystem::exists(shared_.InApplicationFolder(kRecords), none)) return;
   const auto loss = (damaged.empty() ? std::string("The settings are missing")
                                      : "The settings could not be read and are kept as " + damaged) +
-                    ": the installation's settings and a new password are in force";
+                    ": the installation's settings and a new password are used";
   Report(loss);
   window_.TellOfLoss(loss);
 }

@@ -41,7 +41,7 @@ std::vector<Component> ProgramComponents() {
       {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", "encrypted calls and mail"},
       {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones"},
       {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", "sound files"},
-      {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sound files at another rate"},
+      {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sample rate conversion"},
       {"SQLite", sqlite3_libversion(), "public domain", "the records of calls"},
       {"libcurl", LIBCURL_VERSION, "curl", "mail"},
       {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "the default sound card"},

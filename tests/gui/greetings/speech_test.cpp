@@ -98,11 +98,11 @@ TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
 
   Open();
   world.RunFor(11s);
-  EXPECT_TRUE(world.Logged("TTS: the speech helper does not tell its voices"));
+  EXPECT_TRUE(world.Logged("TTS: the speech helper does not report its voices"));
   Set({{"txtTTS", "Hello"}});
   Click("cmdCreateGreeting");
   world.uDat.Die();
-  EXPECT_TRUE(world.Logged("TTS: the speech helper is gone"));
+  EXPECT_TRUE(world.Logged("TTS: the speech helper has ended"));
   EXPECT_TRUE(
       world.Logged("TTS: the speech helper made no greeting of the text: there is no " + speech_file));
 }

@@ -67,7 +67,8 @@ TEST_F(Window, EachCommandOpensItsDialogOrPage) {
         std::pair("mnuSoundsPage", "sounds"), std::pair("mnuHomePage", "index")}) {
     desk.Do(item);
     EXPECT_EQ(desk.shell.opened.back(), desk.shared.application_folder + "/Help/" + page + ".htm");
-    EXPECT_EQ(desk.dialogs.informations.back(), "Nothing on this computer opens " + desk.shell.opened.back());
+    EXPECT_EQ(desk.dialogs.informations.back(),
+              "No program on this computer opens " + desk.shell.opened.back());
   }
 }
 

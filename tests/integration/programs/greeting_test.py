@@ -74,7 +74,7 @@ class GreetingTest(harness.ProgramCase):
         creator = self.start()
         creator.open()
         os.kill(processes.wait_for("the helper", self.helpers, 10)[0], signal.SIGKILL)
-        self.orven.wait_for("TTS: the speech helper ")  # is gone; or does not answer: it had not come yet
+        self.orven.wait_for("TTS: the speech helper ")  # has ended; or does not answer: it had not come yet
         creator.create(GREETING)
         creator.press("Escape")
         processes.wait_for("the creator's end", lambda: not creator.is_open(), 10)

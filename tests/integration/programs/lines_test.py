@@ -168,7 +168,7 @@ class ModemUnplugged(LineCase):
         self.modem.do("unplug")
         self.orven.wait_for("Idle[", LIMIT)
         self.assert_order(*STEPS_TO_A_MESSAGE, "Disconnected[LineIndex:0]", "Record Message ", "Idle[LineIndex:0]")
-        self.orven.wait_for(f"The modem at {self.modem.port} is gone")
+        self.orven.wait_for(f"The modem at {self.modem.port} was unplugged")
         self.assert_same(said("Old"), self.recorded())
         self.modem.do("replug")
         self.orven.wait_for(f"The modem at {self.modem.port} works again", LIMIT)

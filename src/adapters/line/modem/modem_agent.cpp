@@ -37,8 +37,8 @@ LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
     case PreparedModem::State::NoVoice:
       return {"The modem is not a voice modem", "The modem at " + port + " is not a voice modem"};
     case PreparedModem::State::NoFormat:
-      return {"The modem's sound cannot be used",
-              "The voice modem at " + port + " offers no sound format that can be used"};
+      return {"The modem's audio format is not supported",
+              "The voice modem at " + port + " offers no supported audio format"};
     case PreparedModem::State::Ready: break;
   }
   return {};
@@ -205,8 +205,8 @@ void ModemAgent::Lost() {
   channel_.Forget();
   if (call_) call_->Lost();
   gone_ = true;
-  LetGo({"The modem is gone: is it plugged in?",
-         "The modem at " + port_ + " is gone; it is used again as soon as it is back"},
+  LetGo({"The modem was unplugged",
+         "The modem at " + port_ + " was unplugged; it is used again when it is plugged in"},
         kLookForPort);
 }
 

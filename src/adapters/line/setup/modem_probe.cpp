@@ -70,10 +70,9 @@ LineTestResult ResultOf(const PreparedModem& modem, const std::string& port) {
     case PreparedModem::State::NoVoice:
       return {false,
               "A modem answers at " + port +
-                  ", but it is no voice modem (it does not offer +FCLASS=8): it cannot speak or record."};
+                  ", but it is not a voice modem (it does not offer +FCLASS=8): it cannot speak or record."};
     case PreparedModem::State::NoFormat:
-      return {false,
-              "A voice modem answers at " + port + ", but it offers no sound format that can be used."};
+      return {false, "A voice modem answers at " + port + ", but it offers no supported audio format."};
     case PreparedModem::State::Ready: break;
   }
   return {true,

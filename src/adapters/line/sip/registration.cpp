@@ -269,7 +269,7 @@ void Registration::TakeChallenge(const sip_msg& response) {
     // A wrong password is not repeated often, because some servers then block the sender.
     case DigestLogin::Verdict::kRefused:
       return TakeRefusal(response, "", settings_.timers.registration_retry_longest);
-    default: TakeRefusal(response, ": it wants the password in a way that ORVEN does not know");
+    default: TakeRefusal(response, ": it requires a login method that ORVEN does not support");
   }
 }
 

@@ -21,7 +21,7 @@ bool IsNamed(const std::string& server) {
 std::string NoRouteText(const SipLineSettings& line, int error) {
   const auto listen = ParseListenAddress(line.listen);
   const bool everywhere = listen && sa_is_any(&*listen);
-  return "there is no way from " + line.listen.substr(0, line.listen.rfind(':')) + " to " + ServerOf(line) +
+  return "there is no route from " + line.listen.substr(0, line.listen.rfind(':')) + " to " + ServerOf(line) +
          " (" + ErrorText(error) + ")" +
          (everywhere ? "" : ": 0.0.0.0 as address for calls uses every network");
 }

@@ -308,8 +308,8 @@ const Case kCases[] = {
     Row("LosesAByteAndIsUnplugged", "lucent", {},
         "ready; call; record; 2000; lose 3; 100; event o; 1000; say 100; 3000; unplug; 1; recorded; 10000; "
         "power; plug;10000; call",
-        "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem is gone; it is used again as soon as "
-        "it is back, Trouble The modem is gone: is it plugged in?, recorded, " +
+        "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem was unplugged; it is used "
+        "again when it is plugged in, Trouble The modem was unplugged, recorded, " +
             kWorks + ", Connected 2"),
     // A loop break right after the answer is the exchange's; while we play, a tone may be our own.
     Row("EverySignOfTheEnd", "silabs", {.no_hang_up_code = true},
