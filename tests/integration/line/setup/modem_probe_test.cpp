@@ -51,7 +51,7 @@ TEST(ModemProbe, TellsVoiceModemsFromAllElse) {
   };
   const std::pair<Modem, const char*> rows[] = {
       {with("+FCLASS: (0,1,8)"), "A voice modem"},
-      {with("0,1,1.0,80,18"), "no voice modem"},
+      {with("0,1,1.0,80,18"), "not a voice modem"},
       {[](const std::string&) { return ""; }, "Nothing answers"},
       {[](const std::string&) { return "ERROR\r\n"; }, "not as a modem"},
       {[](const std::string&) { return std::string(100'000, 'x'); }, "Nothing"}};
