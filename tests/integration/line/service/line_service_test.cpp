@@ -3,9 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include <atomic>
+#include <array>
 #include <fstream>
-#include <thread>
 
 #include "adapters/line/service/caller_text.h"
 #include "adapters/line/service/line_audio.h"
@@ -144,27 +143,23 @@ TEST(CallerText, LetsNothingHarmfulThrough) {
   for (const auto& [given, clean] : rows) EXPECT_EQ(CleanCallerText(given), clean);
 }
 
-struct CountedAudio : AudioSource, AudioSink {
-  bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
-  void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
-  std::atomic<int> uses = 0;
-};
-
 TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
+  struct : AudioSource, AudioSink {
+    bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
+    void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
+    int uses = 0;
+  } counted;
   LineAudio audio;
-  const std::jthread call([&](const std::stop_token& over) {
-    for (std::array<std::int16_t, kBlockSamples> block{}; !over.stop_requested(); audio.Deliver(block))
-      audio.Fetch(block);
-  });
-  for (int i = 0; i < 100; ++i) {
-    CountedAudio counted;
+  std::array<std::int16_t, kBlockSamples> block{};
+  for (int calls = 1; calls <= 2; ++calls) {
     EXPECT_EQ(audio.StartPlay(counted) + audio.StartRecord(counted), kWaveOk);
-    while (counted.uses < 2) std::this_thread::yield();
-    audio.StopPlay();
-    audio.StopRecord();
-    const int uses = counted.uses;
-    std::this_thread::yield();
-    EXPECT_EQ(counted.uses, uses);
+    EXPECT_EQ(audio.StartPlay(counted), kWaveBusy);
+    EXPECT_EQ(audio.StartRecord(counted), kWaveBusy);
+    for (int i = 0; i < 2; ++i, audio.StopPlay(), audio.StopRecord()) {
+      EXPECT_EQ(audio.Fetch(block), i == 0);
+      audio.Deliver(block);
+    }
+    EXPECT_EQ(counted.uses, 2 * calls);
   }
 }
 

@@ -82,15 +82,11 @@ class Socket {
 };
 
 /// A port that is free for UDP and TCP at this moment.
-inline std::uint16_t FreePort() {
-  for (;;) {
-    const Socket udp = Socket::Udp();
-    try {
-      return Socket::TcpListening(udp.Port()).Port();
-    } catch (const std::system_error&) {
-      continue;  // another program's TCP port
-    }
-  }
+inline std::uint16_t FreePort() try {
+  const Socket udp = Socket::Udp();
+  return Socket::TcpListening(udp.Port()).Port();
+} catch (const std::system_error&) {
+  return FreePort();  // another program has the TCP port
 }
 
 }  // namespace orven::test

@@ -24,17 +24,14 @@ std::string Connected(const std::string& n) {
   return "caller " + n + ",> INVITE,Ring " + n + " 1,answer 1,< 200,> ACK,Connected " + n + ",";
 }
 
-TEST_F(SipLineTest, TellsACallInOrderFromOfferToIdle) {
+TEST_F(SipLineTest, TellsACallInOrderUnlessItIsCancelled) {
   Play("> INVITE,< 180,Ring 1 1,Ring 1 2,answer 7,< 200,> ACK,Connected 1,> BYE,< 200,Idle 1");
   EXPECT_EQ(events.All(), (Texts{"Offered 1", "CallerId 1 Ann Smith|5551234", "Ring 1 1", "Ring 1 2",
                                  "RequestDone 7 0", "Connected 1", "Disconnected 1", "Idle 1"}));
-}
-
-TEST_F(SipLineTest, ACallCancelledBeforeTheAnswerOnlyBecomesIdle) {
-  Play("> INVITE,Ring 1 1,> CANCEL,< 487,Idle 1");
-  EXPECT_EQ(events.All(), (Texts{"Offered 1", "CallerId 1 Ann Smith|5551234", "Ring 1 1", "Idle 1"}));
-  Play("answer 3,drop 4,RequestDone 3 " + std::to_string(kTelephonyNoCall) +
-       ",RequestDone 4 0,caller 2,> INVITE,Ring 2 1");
+  events.Clear();
+  Play("caller 2,> INVITE,Ring 2 1,> CANCEL,< 487,Idle 2");
+  EXPECT_EQ(events.All(), (Texts{"Offered 2", "CallerId 2 Ann Smith|5551234", "Ring 2 1", "Idle 2"}));
+  Play("answer 3,drop 4,RequestDone 3 " + std::to_string(kTelephonyNoCall) + ",RequestDone 4 0");
 }
 
 TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtEveryMoment) {
@@ -43,14 +40,6 @@ TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtEveryMoment) {
   Play(Connected("3") + "answer 5,drop 6,< BYE,Idle 3,RequestDone 5 " +
        std::to_string(kTelephonyAlreadyAnswered));
   for (const std::string& event : events.All()) EXPECT_FALSE(event.starts_with("Disconnected")) << event;
-}
-
-TEST_F(SipLineTest, ASecondCallerIsBusyAndDisturbsNothing) {
-  Play(Connected("1"));
-  const Texts before = events.All();
-  Play("caller 2,> INVITE,< 486,caller 1,hears");
-  EXPECT_EQ(events.All(), before);
-  Play("> BYE,< 200,Idle 1,caller 3,> INVITE,Ring 2 1");
 }
 
 TEST_F(SipLineTest, AnswersACallThatLeavesTheOfferToUs) {
@@ -66,7 +55,7 @@ TEST_F(SipLineTest, ReInvitesHoldAndResumeAndOnlyASilentPeerIsLost) {
   Play(Connected("1") + "> INVITE 0 sendonly,< 200,> ACK,deaf 600,> INVITE 0 inactive,< 200,> ACK,deaf 100");
   Play("> INVITE 18,< 488");
   EXPECT_EQ(events.All().back(), "Connected 1") << "a refused offer ends no call";
-  Play("> INVITE,< 200,> ACK,hears,Disconnected 1,Idle 1,< BYE");
+  Play("> INVITE,< 200,> ACK,hears 1,Disconnected 1,Idle 1,< BYE");
 }
 
 TEST_F(SipLineTest, ACallerWhoIsGoneOrSilentOnHoldOrNeverAcknowledgesIsLost) {
@@ -78,14 +67,15 @@ TEST_F(SipLineTest, ACallerWhoIsGoneOrSilentOnHoldOrNeverAcknowledgesIsLost) {
   Play("caller 3,> INVITE,Ring 3 1,answer 2,Disconnected 3,Idle 3,< 200,> ACK,< BYE");
 }
 
-TEST_F(SipLineTest, ClosingHangsUpAndTheLineOpensAgain) {
+TEST_F(SipLineTest, ASecondCallerIsBusyAndClosingHangsUp) {
   Play(Connected("1"));
-  std::jthread peer([&] { EXPECT_NE(caller->Take("BYE"), ""); });
+  const Texts before = events.All();
+  Play("caller 2,> INVITE,< 486,caller 1,hears 1");
+  EXPECT_EQ(events.All(), before);
   line->Close();
   EXPECT_EQ(events.All().back(), "Idle 1");
-  peer.join();
   ASSERT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
-  Play("caller 2,> INVITE,< 180");
+  Play("< BYE,caller 3,> INVITE,< 180");
   line->Close();  // without waiting for the refusal's acknowledgement
   EXPECT_EQ(events.All().back(), "Idle 1");
 }
@@ -93,12 +83,12 @@ TEST_F(SipLineTest, ClosingHangsUpAndTheLineOpensAgain) {
 TEST_F(SipLineTest, OpeningSaysWhatIsWrongAndCanBeRepeated) {
   for (const auto& make : {Socket::Udp, Socket::TcpListening}) {
     const Socket taken = make(port);
-    ExpectFailure(kTelephonyLineInUse, settings.listen);
+    OpenLine(kTelephonyLineInUse, settings.listen);
   }
   EXPECT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
   for (const char* listen : {"here", "127.0.0.1:99999", "203.0.113.7:5999"}) {
     settings.listen = listen;
-    ExpectFailure(kTelephonyDeviceFailed, listen);
+    OpenLine(kTelephonyDeviceFailed, listen);
   }
 }
 
@@ -117,7 +107,6 @@ TEST_F(SipLineTest, RequestsAreTakenWhereTheyCanBeAndElseRefused) {
       {";tag=caller", "", "400"},
       {"Length: ", "Length: 9", "400"},
       {"Length: ", "Length: -", "400"},
-      {"Length: ", "Length: x", "400"},
       {"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
       {"Contact:", "Require: 100rel\r\nContact:", "420"},
       {"application/sdp", "text/plain", "415"},
@@ -134,7 +123,7 @@ TEST_F(SipLineTest, RequestsAreTakenWhereTheyCanBeAndElseRefused) {
     const std::string next = std::to_string(call + 1);
     if (status == "180") Play("Ring " + next + " 1,drop 1,Idle " + next);
   }
-  Play(Connected(std::to_string(call + 1)) + "hears,> BYE,< 200");
+  Play(Connected(std::to_string(call + 1)) + "hears 1,> BYE,< 200");
 }
 
 TEST_F(SipLineTest, BrokenTcpStreamsAreClosedAndCostNoMemory) {
