@@ -3,14 +3,11 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <fstream>
 
 #include "adapters/line/service/caller_text.h"
-#include "adapters/line/service/line_audio.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
-#include "platform/wave.h"
 
 namespace orven {
 namespace {
@@ -141,26 +138,6 @@ TEST(CallerText, LetsNothingHarmfulThrough) {
       {{"a\0b", 3}, "a b"},
       {std::string(5000, 'x'), std::string(kMaxCallerText, 'x')}};
   for (const auto& [given, clean] : rows) EXPECT_EQ(CleanCallerText(given), clean);
-}
-
-TEST(LineAudio, WhatWasStoppedIsNotUsedAnyMore) {
-  struct : AudioSource, AudioSink {
-    bool Read(std::span<std::int16_t> /*block*/) override { return ++uses > 0; }
-    void Write(std::span<const std::int16_t> /*block*/) override { ++uses; }
-    int uses = 0;
-  } counted;
-  LineAudio audio;
-  std::array<std::int16_t, kBlockSamples> block{};
-  for (int calls = 1; calls <= 2; ++calls) {
-    EXPECT_EQ(audio.StartPlay(counted) + audio.StartRecord(counted), kWaveOk);
-    EXPECT_EQ(audio.StartPlay(counted), kWaveBusy);
-    EXPECT_EQ(audio.StartRecord(counted), kWaveBusy);
-    for (int i = 0; i < 2; ++i, audio.StopPlay(), audio.StopRecord()) {
-      EXPECT_EQ(audio.Fetch(block), i == 0);
-      audio.Deliver(block);
-    }
-    EXPECT_EQ(counted.uses, 2 * calls);
-  }
 }
 
 }  // namespace

@@ -82,7 +82,8 @@ TEST_F(TelephoneLinesTest, WhatIsWrongStaysInTheFileAndWhatIsNoTextIsKeptBesideI
 /// A real registrar wants the password "secret" of its account "100" and answers others by the status that
 /// they are named after.
 TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
-  const auto server = Free(), own = Free();
+  const auto port = FreePort();
+  const auto server = "127.0.0.1:" + std::to_string(port), own = Free();
   PutFile(folder / "routes", R"cfg(request_route {
   if ($fU != "100") { sl_send_reply("$(fU{s.int})", "As Asked"); exit; }
   if ($au != "100" || !pv_www_authenticate("home", "secret", "0")) { www_challenge("home", "1"); exit; }
@@ -96,7 +97,6 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
       " -L /usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
       " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so "
       "--loadmodule=auth.so"));
-  const auto port = static_cast<std::uint16_t>(std::stoi(server.substr(server.find(':') + 1)));
   for (bool up = false; !up;) {
     try {
       up = Socket::TcpTo(port).Port() != 0;
@@ -153,24 +153,18 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
 
 TEST_F(TelephoneLinesTest, ASilentServerIsNamedAndTheTestOfOneCanBeStopped) {
   const auto silent = Socket::Udp(), listening = Socket::TcpListening();
-  const auto probe = [](const Socket& server, const std::string& transport) {
-    const LineSection section{"Home",
-                              0,
-                              "sip",
-                              {{"account", "sip:1@127.0.0.1:" + std::to_string(server.Port())},
-                               {"listen", Free()},
-                               {"transport", transport}}};
-    return ProbeSipLine(LineOf(section), SipSettingsOf(section, ""), {.patience = milliseconds(300)},
-                        std::atomic<bool>(false))
+  LineSection section{"Home", 0, "sip", {{"listen", Free()}}};
+  const auto probe = [&section](const Socket& server, const char* transport) {
+    section.values["account"] = "sip:1@127.0.0.1:" + std::to_string(server.Port());
+    section.values["transport"] = transport;
+    return ProbeSipLine(LineOf(section), SipSettingsOf(section, ""), {.patience = milliseconds(300)}, false)
         .text;
   };
+  EXPECT_THAT(probe(listening, "tls"), HasSubstr("often 5061"));
   EXPECT_THAT(probe(silent, "udp"), HasSubstr("no answer"));
   EXPECT_NE(silent.Receive(), "") << "the server was not asked";
-  EXPECT_THAT(probe(listening, "tls"), HasSubstr("often 5061"));
   bool told = false;
-  auto line = Given("[Home]\ntype = sip\nlisten = " + Free() +
-                    "\naccount = sip:1@127.0.0.1:" + std::to_string(silent.Port()))
-                  .lines.at(0);
+  auto line = LineOf(section);
   lines.Test(line, [&](const LineTestResult&) { told = true; });
   EXPECT_NE(silent.Receive(), "");
   lines.CancelTest();

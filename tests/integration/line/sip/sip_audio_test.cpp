@@ -2,9 +2,9 @@
 // The audio of a call and the keys pressed in it, plain and encrypted.
 #include <spandsp.h>
 
-#include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/srtp.h"
 #include "integration/line/sip/sip_line_test.h"
+#include "platform/wave.h"
 
 namespace orven::test {
 namespace {
@@ -14,28 +14,13 @@ Bytes Tones(const std::string& keys) {
   dtmf_tx_state_t* generator = dtmf_tx_init(nullptr);
   dtmf_tx_set_timing(generator, 70, 70);
   dtmf_tx_put(generator, keys.c_str(), -1);
-  Samples samples((20 + 7 * keys.size()) * 160);
+  std::vector<std::int16_t> samples((20 + 7 * keys.size()) * 160);
   dtmf_tx(generator, samples.data() + 1600, static_cast<int>(samples.size() - 1600));
   dtmf_tx_free(generator);
   Bytes bytes(samples.size());
   Encode(Codec::kMuLaw, samples, bytes.data());
   return bytes;
 }
-
-Samples Decoded(const Bytes& audio) {
-  return Decode(Codec::kMuLaw, audio);
-}
-
-/// Plays given samples once.
-struct GivenAudio : AudioSource {
-  bool Read(std::span<std::int16_t> block) override {
-    if (samples.size() < block.size()) return false;
-    std::copy_n(samples.begin(), block.size(), block.begin());
-    samples.erase(samples.begin(), samples.begin() + kBlockSamples);
-    return true;
-  }
-  Samples samples;
-};
 
 /// A call that is recorded.
 class SipAudioTest : public SipLineTest {
@@ -71,9 +56,11 @@ class SipAudioTest : public SipLineTest {
 
 TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   const Bytes greeting = NoiseBytes(9, 7);
-  GivenAudio played;
-  played.samples = Decoded(greeting);
-  ASSERT_EQ(line->Audio().StartPlay(played), 0);
+  KeptAudio played;
+  played.all = Decode(Codec::kMuLaw, greeting);
+  ASSERT_EQ(line->Audio().StartPlay(played), kWaveOk);
+  EXPECT_EQ(line->Audio().StartPlay(played), kWaveBusy);
+  EXPECT_EQ(line->Audio().StartRecord(recorded), kWaveBusy);
   const Socket stranger = Socket::Udp();
   stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not agreed upon
   stranger.SendTo(caller->line_rtp_port, std::string("not RTP"));
@@ -87,10 +74,9 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   Play("> BYE,< 200,Idle 1");
   EXPECT_GE(recorded.all.size(), spoken.size() + 1600) << "a silent caller is recorded too";
   // A machine under load may put a pause into the stream, but never loses or changes audio for good.
-  EXPECT_GE(recorded.BlocksOf(Decoded(spoken)), 37U);
-  EXPECT_EQ(recorded.BlocksOf(Decoded({spoken.end() - kBlockSamples, spoken.end()})), 1U)
-      << "the last word is lost";
-  EXPECT_EQ(recorded.BlocksOf(Decoded(shouted)), 0U);
+  EXPECT_GE(recorded.BlocksOf(spoken), 37U);
+  EXPECT_EQ(recorded.BlocksOf({spoken.end() - kBlockSamples, spoken.end()}), 1U) << "the last word is lost";
+  EXPECT_EQ(recorded.BlocksOf(shouted), 0U);
   EXPECT_EQ(stranger.Receive(milliseconds(1)), "") << "a stranger receives the greeting";
   (void)caller->NextPacket(milliseconds(0));
   EXPECT_NE(caller->heard.find(std::string(greeting.begin(), greeting.end())), std::string::npos);
@@ -118,7 +104,7 @@ TEST_F(SipAudioTest, TellsKeysOnceInWhicheverWaysTheyComeWhileMonitored) {
   std::string digits;
   for (const std::string& event : events.All()) digits += event.starts_with("Digit ") ? event.substr(8) : "";
   EXPECT_EQ(digits, "11*#A7D429B");
-  EXPECT_GE(recorded.BlocksOf(Decoded(tones)), tones.size() / 160 - 3) << "the tones stay in the recording";
+  EXPECT_GE(recorded.BlocksOf(tones), tones.size() / 160 - 3) << "the tones stay in the recording";
 }
 
 TEST_F(SipLineTest, AnEncryptedCallStaysSoThroughHoldsAndNewKeys) {
@@ -171,8 +157,8 @@ TEST_F(SipLineTest, AnEncryptedCallStaysSoThroughHoldsAndNewKeys) {
   speak(new_sender);
   EXPECT_TRUE(hears());
   Play("> BYE,< 200,Idle 1");
-  EXPECT_GE(recorded.BlocksOf(Decoded(spoken)), 27U);
-  EXPECT_EQ(recorded.BlocksOf(Decoded(plain)), 0U);
+  EXPECT_GE(recorded.BlocksOf(spoken), 27U);
+  EXPECT_EQ(recorded.BlocksOf(plain), 0U);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <sstream>
 #include <thread>
 
+#include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line.h"
 #include "integration/line/sip/network.h"
 
@@ -184,21 +185,26 @@ class RecordedEvents : public LineDriverEvents {
   std::vector<std::string> all_;
 };
 
-using Samples = std::vector<std::int16_t>;
-
-/// Keeps what is recorded. To be read after the call.
-struct KeptAudio : AudioSink {
+/// Keeps what is recorded, to be read after the call; or plays what it has.
+struct KeptAudio : AudioSink, AudioSource {
   void Write(std::span<const std::int16_t> block) override {
     all.insert(all.end(), block.begin(), block.end());
   }
-  /// How many whole blocks of `sent` have come.
-  std::size_t BlocksOf(const Samples& sent) const {
+  bool Read(std::span<std::int16_t> block) override {
+    if (all.empty()) return false;
+    std::copy_n(all.begin(), block.size(), block.begin());
+    all.erase(all.begin(), all.begin() + kBlockSamples);
+    return true;
+  }
+  /// How many whole blocks of `sent`, in mu-law, have come.
+  std::size_t BlocksOf(const Bytes& sent) const {
+    const auto samples = Decode(Codec::kMuLaw, sent);
     std::size_t found = 0;
-    for (auto block = sent.begin(); block != sent.end(); block += kBlockSamples)
+    for (auto block = samples.begin(); block != samples.end(); block += kBlockSamples)
       found += std::search(all.begin(), all.end(), block, block + kBlockSamples) != all.end() ? 1 : 0;
     return found;
   }
-  Samples all;
+  std::vector<std::int16_t> all;
 };
 
 /// A SIP line on a port of its own, and a caller.

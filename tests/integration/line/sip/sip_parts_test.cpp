@@ -214,9 +214,7 @@ TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
       {{}, anonymous, "", "|"},
       {{}, "<sip:x@anonymous.invalid:5060>", "", "|"},
       {{}, "Anonymous <sip:123@h>", "", "|"},
-      {{}, "\"", "", "|"},
       {{}, "\"unended\\", "", "unended\\|"},
-      {{}, "\"J\xC3\xBCrgen\" <sip:%C3%BC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
       {{}, "\"J\xFCrgen\" <sip:%FC@h>", "", "J\xC3\xBCrgen|\xC3\xBC"},
       {{}, "\"\xED\xA0\x80\" <sip:%G1%4@h>", "", "\xC3\xAD\xC2\xA0\xC2\x80|%G1%4"},
   };
