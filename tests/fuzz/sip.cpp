@@ -28,8 +28,6 @@
 namespace orven::fuzz {
 namespace {
 
-constexpr std::uint16_t kLinePort = 5060;
-
 /// Moves the process into a network of its own: nothing that the line sends leaves it.
 bool Prepare() {
   if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
@@ -76,7 +74,7 @@ class Telephone {
     for (std::size_t at = 0; !packet && (at = datagram.find("TAG", at)) != datagram.npos; at += tag_.size())
       datagram.replace(at, 3, tag_);
     sa line{};
-    Require(sa_set_str(&line, "127.0.0.1", packet ? rtp_port_ : kLinePort) == 0);
+    Require(sa_set_str(&line, "127.0.0.1", packet ? rtp_port_ : 5060) == 0);
     const LibrePtr<mbuf> buffer(mbuf_alloc(datagram.size() + 1));
     Require(mbuf_write_mem(buffer.get(), reinterpret_cast<const std::uint8_t*>(datagram.data()),
                            datagram.size()) == 0);
@@ -159,7 +157,7 @@ void Sip(Bytes input) {
   Listener listener;
   LineAudio audio;
   SipLineSettings settings;
-  settings.listen = "127.0.0.1:" + std::to_string(kLinePort);
+  settings.listen = "127.0.0.1:5060";
   settings.srtp = static_cast<SrtpUse>(input.front() % 3);
   {
     SipAgent agent(settings, audio, listener);

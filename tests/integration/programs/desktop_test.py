@@ -1,21 +1,18 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The program on real displays: with a tray of X11, with a tray on the message bus, and without one.
+# The program on a desktop: with a tray of X11, with a tray on the message bus, without one; how it starts and ends.
 
 import os
+import shutil
 import signal
 import socket
 import sys
-import time
 
 import dbus
 import harness
 from display import Display
-from harness import processes
+from harness import LIMIT, processes, sound
 
-LIMIT = 20  # seconds for everything that a program does by itself
-NO_CALLS = "ORVEN - Calls:0  New:0"
-BLINK_SECONDS = 0.5
 WATCHER, ITEM = "org.kde.StatusNotifierWatcher", "org.kde.StatusNotifierItem"
 TRAY_HOST = os.path.join(harness.HERE, "tray_host.py")
 
@@ -25,35 +22,27 @@ class BusIcon:
 
     def __init__(self, address):
         self._bus = dbus.bus.BusConnection(address)
-        watcher = self._interface(WATCHER, "/StatusNotifierWatcher", dbus.PROPERTIES_IFACE)
-        icons = processes.wait_for("The icon", lambda: watcher.Get(WATCHER, "RegisteredStatusNotifierItems"), LIMIT)
+        trays = self._interface(WATCHER, "/StatusNotifierWatcher", dbus.PROPERTIES_IFACE)
+        icons = processes.wait_for("The icon", lambda: trays.Get(WATCHER, "RegisteredStatusNotifierItems"), LIMIT)
         self._name = icons[0]
+        self._menu = self._interface(self._name, self.property("Menu"), "com.canonical.dbusmenu")
 
     def _interface(self, name, path, interface):
         return dbus.Interface(self._bus.get_object(name, path, introspect=False), interface)
 
-    def _property(self, name):
+    def property(self, name):
         return self._interface(self._name, "/StatusNotifierItem", dbus.PROPERTIES_IFACE).Get(ITEM, name)
-
-    def tip(self):
-        return str(self._property("ToolTip")[2])
-
-    def is_blank(self):
-        return not any(any(pixels) for _, _, pixels in self._property("IconPixmap"))
 
     def activate(self):
         self._interface(self._name, "/StatusNotifierItem", ITEM).Activate(0, 0)
 
     def menu(self):
         """The menu's items by their caption, without separators."""
-        _, root = self._menu().GetLayout(0, -1, dbus.Array(signature="s"))
+        _, root = self._menu.GetLayout(0, -1, dbus.Array(signature="s"))
         return {str(item[1]["label"]).replace("_", ""): item[0] for item in root[2] if "label" in item[1]}
 
     def press(self, caption):
-        self._menu().Event(self.menu()[caption], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
-
-    def _menu(self):
-        return self._interface(self._name, self._property("Menu"), "com.canonical.dbusmenu")
+        self._menu.Event(self.menu()[caption], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
 
 
 class DesktopTest(harness.ProgramCase):
@@ -69,15 +58,7 @@ class DesktopTest(harness.ProgramCase):
         command = ["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request"]
         return self.display.start(command, "trayer")
 
-    def bus_tray(self):
-        """The bus and the tray on it."""
-        address = f"unix:path={self.folder}/bus"
-        self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
-        processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
-        self.display.variables["DBUS_SESSION_BUS_ADDRESS"] = address
-        return address, self.tray_host(address)
-
-    def tray_host(self, address):
+    def bus_tray(self, address):
         host = self.display.start([sys.executable, "-B", TRAY_HOST], "tray_host")
         connection = dbus.bus.BusConnection(address)
         processes.wait_for("The tray", lambda: connection.name_has_owner(WATCHER), LIMIT)
@@ -112,8 +93,9 @@ class DesktopTest(harness.ProgramCase):
         for kind in ("Sys", "Calls"):
             self.assertIn("Unload ORVEN", self.orven.log(kind)[-1])
 
-    def test_the_icon_in_a_tray_of_x11_keeps_watch(self):
+    def test_an_icon_in_a_tray_of_x11_comes_back_with_its_tray_opens_and_ends_the_program(self):
         self.orven.start_and_wait("-st")
+        self.main_window("")
         tray = self.x11_tray()  # comes up after the program, as it may at login
         self.icon()
         processes.stop(tray, LIMIT)
@@ -128,7 +110,6 @@ class DesktopTest(harness.ProgramCase):
         window.close()
         self.main_window("")
         self.assert_line_is_open()
-        self.assertEqual(self.orven.count("Unload ORVEN"), 0)
 
         self.choose(icon, "Up")  # the last item is "Open"
         self.main_window("Normal")
@@ -144,13 +125,22 @@ class DesktopTest(harness.ProgramCase):
         processes.wait_for("The menu", lambda: len(self.windows()) > windows, LIMIT)
         self.display.run("xdotool", "key", key, "Return")
 
-    def test_the_icon_in_a_tray_on_the_bus_keeps_watch(self):
-        address, _ = self.bus_tray()
-        self.orven.start_and_wait("-st")
+    def test_a_tray_on_the_bus_that_hangs_blocks_nothing_and_the_next_one_has_the_icon(self):
+        address = f"unix:path={self.folder}/bus"
+        self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
+        processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
+        self.display.variables["DBUS_SESSION_BUS_ADDRESS"] = address
+        host = self.bus_tray(address)
+        host.send_signal(signal.SIGSTOP)
+        self.orven.start_and_wait()
+        self.main_window("Normal").close()
+        self.main_window("Iconic")  # the icon could not bring it back
+        host.kill()  # the desktop starts another
+        host.wait(LIMIT)
+        self.bus_tray(address)
         icon = BusIcon(address)
-        self.assertEqual(icon.tip(), NO_CALLS)
-        self.assertFalse(icon.is_blank())
-        self.assertIsNone(self.display.main_window(self.orven.process))
+        self.assertEqual(icon.property("ToolTip")[2], "ORVEN - Calls:0  New:0")
+        self.assertTrue(any(any(pixels) for _, _, pixels in icon.property("IconPixmap")), "the icon is blank")
         icon.activate()
         self.main_window("Normal").close()
         self.main_window("")
@@ -160,33 +150,6 @@ class DesktopTest(harness.ProgramCase):
         self.assertEqual(list(icon.menu()), ["Exit", "Off", "On", "Open"])
         icon.press("Exit")
         self.assert_ended_by_exit()
-
-    def test_a_tray_that_hangs_does_not_keep_the_program_from_its_line(self):
-        address, host = self.bus_tray()
-        host.send_signal(signal.SIGSTOP)
-        self.orven.start_and_wait()
-        self.main_window("Normal").close()
-        self.main_window("Iconic")  # the icon could not bring it back
-        host.kill()  # whoever looks after the desktop starts it again
-        host.wait(LIMIT)
-        self.tray_host(address)
-        self.assertEqual(BusIcon(address).tip(), NO_CALLS)
-
-    def test_a_call_makes_the_icon_blink_until_the_window_is_back(self):
-        self.orven.write("call.sim", "0.5 offer\n0.6 callerid 5551234 Anna\n0.7 ring\n1.2 hangup\n")
-        self.orven.write_line(f"type = sim\nscript = {self.orven.path('call.sim')}")
-        address, _ = self.bus_tray()
-        self.orven.start_and_wait("-st")
-        icon = BusIcon(address)
-        for blank in (True, False, True):
-            processes.wait_for(f"The icon's next picture (blank: {blank})", lambda: icon.is_blank() == blank, LIMIT)
-        self.assertEqual(icon.tip(), "ORVEN - Calls:1  New:1")
-        icon.activate()
-        self.main_window("Normal")
-        processes.wait_for("The icon's picture", lambda: not icon.is_blank(), LIMIT)
-        end = time.monotonic() + 3 * BLINK_SECONDS
-        while time.monotonic() < end:
-            self.assertFalse(icon.is_blank(), "it goes on blinking")
 
     def test_dialogs_that_close_beside_the_caller_view_give_the_keyboard_back(self):
         self.orven.start_and_wait()
@@ -224,7 +187,46 @@ class DesktopTest(harness.ProgramCase):
         self.assert_line_is_open()
         self.display.run("xdotool", "windowmap", window.number)
         self.main_window("Normal")
-        self.assertEqual(self.orven.count("Unload ORVEN"), 0)
+
+
+class StartTest(harness.ProgramCase):
+    arguments = ()
+
+    def test_the_first_start_tells_its_password_once_and_the_next_login_starts_it(self):
+        shutil.rmtree(self.orven.home)
+        orven = self.machine()
+        for with_signal in (signal.SIGTERM, signal.SIGINT):
+            orven.start_and_wait()
+            orven.end(with_signal)
+        password = orven.password()
+        self.assertEqual((orven.output().count(password), "".join(orven.log()).count(password)), (1, 0))
+        self.assertIn(f'"Pass"="{password}"', orven.read("registry.reg"))
+        entry = orven.read(f"{orven.config}/autostart/orven.desktop")
+        self.assertIn(f"\nExec=env ORVEN_HOME={orven.home} {orven.program} -st\n", entry)
+
+    def test_a_second_instance_touches_nothing(self):
+        self.orven.start_and_wait()
+        self.orven.wait_for("There is no sound server")  # the last line that a start writes
+        before, first = list(self.orven.log()), self.orven.process
+        self.addCleanup(processes.stop, first, 5)
+        self.orven.start()
+        self.orven.wait_for_exit()
+        self.assertIn("ORVEN is still running", self.orven.output())
+        self.assertEqual((self.orven.log(), first.poll()), (before, None))
+
+    def test_exit_in_mid_message_keeps_the_message(self):
+        self.orven.start_and_wait()
+        said = sound.noise(2, seed=1)
+        self.call_to_the_message("Anna").say(said, LIMIT)
+        self.orven.end()
+        self.assertIn("Unload ORVEN", self.orven.log()[-1])
+        self.assert_message("Anna", said)
+
+    def test_an_application_folder_that_cannot_be_made_is_named(self):
+        self.orven.variables["ORVEN_HOME"] = home = self.orven.path("lines.ini/home")  # below a file
+        self.orven.start()
+        self.orven.wait_for_exit(1)
+        self.assertIn(home, self.orven.output())
 
 
 if __name__ == "__main__":

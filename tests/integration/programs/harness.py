@@ -3,11 +3,13 @@
 # script side by side, each in its own process.
 
 import os
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path += [os.path.join(HERE, *[".."] * 3, "demo"), os.path.join(HERE, "..", "sound")]
@@ -85,6 +87,14 @@ class ProgramCase(unittest.TestCase):
         self.hang_up(caller)
         self.orven.wait_for("Idle[", LIMIT, ends + 1)
 
+    def assert_message(self, name, *sounds):
+        """The only record of this caller has a message that holds these sounds bit by bit."""
+        (record,) = [record for record in self.orven.records() if record["Call_Name"] == name]
+        message = sound.read(self.orven.message(record))
+        for said in sounds:
+            self.assertTrue(said.tobytes() in message.tobytes(), "the message is not what was said")
+        self.assertAlmostEqual(len(message) / sound.RATE, float(record["Type"]), places=1)
+
     def assert_order(self, *steps):
         """The log of the latest start has them in this order."""
         rest = iter(self.orven.log_since_start())
@@ -93,6 +103,16 @@ class ProgramCase(unittest.TestCase):
 
     def callers_of_records(self):
         return [record["Call_Name"] for record in self.orven.records()]
+
+
+def sipp(folder, port, scenario, words, *options):
+    """Starts sipp, which calls `port` by the scenario in this folder with its words in capitals replaced."""
+    path = os.path.join(folder, scenario)
+    with open(os.path.join(HERE, scenario), encoding="utf-8") as file, open(path, "w", encoding="utf-8") as filled:
+        filled.write(re.sub("|".join(words), lambda word: str(words[word[0]]), file.read()))
+    ports = ["-p", processes.free_port(), "-mp", processes.free_port() & 0xFFFE]
+    command = ["sipp", f"127.0.0.1:{port}", "-sf", path, "-nostdin", "-i", "127.0.0.1", "-mi", "127.0.0.1", *ports]
+    return processes.start([str(word) for word in (*command, *options)], os.path.join(folder, "sipp.log"), cwd=folder)
 
 
 def unshare(kinds, trial):
@@ -106,37 +126,27 @@ def unshare(kinds, trial):
     sys.exit(SKIPPED)
 
 
-def run_side_by_side(names, at_a_time, command):
-    """Runs each test by `command` in its own process. Whether all passed."""
-    passed, running = True, {}
-    with tempfile.TemporaryDirectory(prefix="orven-tests-") as logs:
-        while names or running:
-            while names and len(running) < at_a_time:
-                name = names.pop(0)
-                running[name] = processes.start([*command, name], os.path.join(logs, name))
-            over = lambda: [name for name, process in running.items() if process.poll() is not None]  # noqa: E731
-            for name in processes.wait_for("A test's end", over, 600):
-                with open(os.path.join(logs, name), encoding="utf-8", errors="replace") as log:
-                    print(log.read(), flush=True)
-                passed = running.pop(name).returncode == 0 and passed
-    return passed
-
-
 def main(program_arguments=1, at_a_time=1, namespaces=None, prepare=lambda: None):
-    """Runs the tests of the script that are named, or all. Each test's process calls `prepare` first."""
+    """SCRIPT PROGRAM [EMULATOR] [CLASS.TEST …]: runs the named tests, or all. Each calls `prepare` in its own process."""
     global PROGRAM, EMULATOR
-    if len(sys.argv) <= program_arguments:
-        sys.exit(f"{sys.argv[0]} PROGRAM [EMULATOR] [CLASS.TEST …]")
     script, *programs = map(os.path.abspath, sys.argv[: program_arguments + 1])
     PROGRAM, EMULATOR = (programs + [""])[:2]
     names = sys.argv[program_arguments + 1 :]
     if _TEMPLATE in os.environ:
         prepare()
         unittest.main(argv=[script, *names], verbosity=2)
-    if not names:
-        suites = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
-        names = [test.id().removeprefix("__main__.") for suite in suites for test in suite]
+    suites = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
+    names = names or [test.id().removeprefix("__main__.") for suite in suites for test in suite]
     command = [*(unshare(*namespaces) if namespaces else []), sys.executable, "-B", script, *programs]
-    with tempfile.TemporaryDirectory(prefix="orven-tests-") as folder:
+
+    def run(name):
+        log = os.path.join(folder, name)
+        process = processes.start([*command, name], log)
+        process.wait()
+        with open(log, encoding="utf-8", errors="replace") as file:
+            print(file.read(), flush=True)
+        return process.returncode == 0
+
+    with tempfile.TemporaryDirectory(prefix="orven-tests-") as folder, ThreadPoolExecutor(at_a_time) as threads:
         os.environ[_TEMPLATE] = make_template(folder)
-        sys.exit(0 if run_side_by_side(names, at_a_time, command) else 1)
+        sys.exit(0 if all(list(threads.map(run, names))) else 1)

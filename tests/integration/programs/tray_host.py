@@ -34,15 +34,8 @@ class Watcher(dbus.service.Object):
 
     @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
     def Get(self, _interface, name):
-        return self.GetAll(_interface)[name]
-
-    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="s", out_signature="a{sv}")
-    def GetAll(self, _interface):
-        return {
-            "IsStatusNotifierHostRegistered": True,
-            "ProtocolVersion": dbus.Int32(0),
-            "RegisteredStatusNotifierItems": self._items,
-        }
+        about = {"IsStatusNotifierHostRegistered": True, "ProtocolVersion": dbus.Int32(0)}
+        return {**about, "RegisteredStatusNotifierItems": self._items}[name]
 
 
 if __name__ == "__main__":
