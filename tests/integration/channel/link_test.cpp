@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 #include <qtestsupport_core.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalSocket>
 
@@ -69,8 +66,7 @@ TEST_F(LinkTest, MessagesGoBothWaysInOrderTheLongestToo) {
   for (std::size_t i = 0; i < 1000; ++i) sent.push_back(std::to_string(i) + std::string(i, 'm'));
   for (const auto& text : sent) ASSERT_TRUE(exchange->Send(text) && helper.client->Send(text));
   EXPECT_TRUE(program.messages.empty()) << "an event inside an operation";
-  EXPECT_TRUE(Eventually([&] { return helper.messages.size() > 1003 && program.messages.size() > 1003; }));
-  EXPECT_TRUE(helper.messages == sent && program.messages == sent);
+  EXPECT_TRUE(Eventually([&] { return helper.messages == sent && program.messages == sent; }));
 }
 
 TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesAndALaterOpeningIsNotDisturbed) {
@@ -84,40 +80,41 @@ TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesAndALaterOpeningIsNotDisturbed) {
     EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
     EXPECT_TRUE(helper.messages == sent);
   }
-  EXPECT_TRUE(program.messages.empty());
-  EXPECT_EQ(program.lost, 0);
+  EXPECT_TRUE(program.messages.empty() && program.lost == 0);
 }
 
 TEST_F(LinkTest, AHelperThatDiesBreaksTheRulesOrDoesNotReadIsLost) {
+  const auto lost_after = [this](const char* message) {
+    EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
+    EXPECT_EQ(program.messages, Messages(message == nullptr ? 0 : 1, message == nullptr ? "" : message));
+    EXPECT_FALSE(exchange->OpenCheck(7) || exchange->Send("GVC:"));
+    program = {};
+  };
   auto& helper = Connected();
   helper.client->Send("last words");
   helper.client.reset();
-  EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
-  EXPECT_EQ(program.messages, Messages{"last words"});
-  EXPECT_FALSE(exchange->OpenCheck(7) || exchange->Send("GVC:"));
+  lost_after("last words");
   QLocalSocket socket;
   const auto connect = [&] {
-    program = {};
     socket.abort();
     socket.connectToServer(QString::fromStdString(exchange->Listen()));
-    return exchange->OpenCheck(7);
+    EXPECT_TRUE(exchange->OpenCheck(7));
   };
   const std::string garbage[] = {std::string("\x00\x10\x00\x01", 4), "\xff\xff\xff\xff", Framed("\xc3"),
                                  Framed("\xed\xa0\x80"), "GET / HTTP/1.1\r\n\r\n"};
   for (const auto& bytes : garbage) {
-    ASSERT_TRUE(connect());
+    connect();
     socket.write(QByteArray::fromStdString(Framed("before") + bytes + Framed("after")));
-    EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
-    EXPECT_EQ(program.messages, Messages{"before"});
+    lost_after("before");
     EXPECT_TRUE(Eventually([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
   }
-  ASSERT_TRUE(connect());
+  connect();
   socket.setReadBufferSize(1);
   int sent = 0;
   while (sent < 100 && exchange->Send(kLongest)) ++sent;
   EXPECT_TRUE(sent >= 7 && sent < 10) << sent;
   EXPECT_EQ(program.lost, 0) << "an event inside an operation";
-  EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
+  lost_after(nullptr);
 }
 
 TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
@@ -125,18 +122,6 @@ TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
   const QFileInfo folder(QFileInfo(path).absolutePath());
   constexpr auto kOthers = QFileDevice::Permissions(0x0077);
   EXPECT_FALSE((folder.permissions() | QFileInfo(path).permissions()) & kOthers);
-  if (::geteuid() == 0) {  // only root can become another user
-    const pid_t child = ::fork();
-    if (child == 0) {
-      QLocalSocket socket;
-      if (::setuid(65534) != 0) ::_exit(2);
-      socket.connectToServer(path);
-      ::_exit(socket.waitForConnected(1000) ? 1 : 0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-  }
   QLocalSocket first, second;
   first.connectToServer(path);
   second.connectToServer(path);  // queued behind the first
@@ -145,10 +130,10 @@ TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
   EXPECT_TRUE(Eventually([&] { return second.state() == QLocalSocket::UnconnectedState; }));
   ASSERT_TRUE(exchange->Send("x"));
   EXPECT_TRUE(Eventually([&] { return first.bytesAvailable() == 5; }));
-  const QFileInfo unused(QFileInfo(QString::fromStdString(exchange->Listen())).absolutePath());
-  EXPECT_TRUE(QFileInfo::exists(unused.filePath()));
+  const auto unused = QFileInfo(QString::fromStdString(exchange->Listen())).absolutePath();
+  EXPECT_TRUE(QFileInfo::exists(unused));
   exchange.reset();
-  EXPECT_FALSE(QFileInfo::exists(unused.filePath()));
+  EXPECT_FALSE(QFileInfo::exists(unused));
 }
 
 TEST_F(LinkTest, TheWaitRunsTheEventLoopUntilTheHelperComesOrNothingIsLeftToWaitFor) {
@@ -162,10 +147,7 @@ TEST_F(LinkTest, TheWaitRunsTheEventLoopUntilTheHelperComesOrNothingIsLeftToWait
   EXPECT_TRUE(exchange->OpenCheck(600));
   EXPECT_FALSE(waited) << "one wait at a time";
   exchange->Listen();
-  QElapsedTimer timer;
-  timer.start();
-  EXPECT_FALSE(exchange->OpenCheck(1) || exchange->OpenCheck(1));
-  EXPECT_GE(timer.elapsed(), 990) << "the first waited for a helper that never came";
+  EXPECT_FALSE(exchange->OpenCheck(1)) << "the helper never came";
   loop.Post([&] {
     exchange->Listen();
     loop.After(10ms, [] { QCoreApplication::quit(); });

@@ -37,7 +37,6 @@ TEST(QtEventLoop, RunsTasksOnItsThreadInTheirOrderNoneInsideAnotherAndTellsExcep
 
 TEST(QtEventLoop, NothingRunsAfterATimersStopOrTheLoopsEnd) {
   int ticks = 0;
-  bool later = false;
   QtEventLoop loop;
   const auto timer = loop.MakeTimer([&] { ++ticks; });
   timer->Start(1ms);
@@ -49,9 +48,9 @@ TEST(QtEventLoop, NothingRunsAfterATimersStopOrTheLoopsEnd) {
     dying.Post([&] { ++ticks; });
     dying.After(0ms, [&] { ++ticks; });
   }
-  loop.After(20ms, [&] { later = true; });
-  ASSERT_TRUE(QTest::qWaitFor([&] { return later; }));
-  EXPECT_EQ(ticks, before);
+  loop.After(20ms, [&] { ticks = ticks == before ? -1 : -2; });
+  ASSERT_TRUE(QTest::qWaitFor([&] { return ticks < 0; }));
+  EXPECT_EQ(ticks, -1);
 }
 
 TEST(ExitSignals, TheFirstSignalExitsOnceInTheEventLoopAndLaterOnesDoNotKill) {
@@ -91,11 +90,6 @@ TEST(QuitRequests, TheEndOfTheSessionIsKeptFromQtUntilTheProgramHasEnded) {
   EXPECT_EQ(asked, 1) << "other events, and those of other objects, are not asked about";
 }
 
-TEST(Application, RunsOffscreenWithoutADisplay) {
-  EXPECT_EQ(QGuiApplication::platformName(), "offscreen");
-  EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
-}
-
 /// In POSIX notation, so that no zone database is needed.
 void SetZone(const char* zone) {
   qputenv("TZ", zone);
@@ -132,7 +126,7 @@ TEST(QtClock, FindsTheLocalDayAndItsBeginAcrossSummerTime) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  // As the program itself would start where there is no display.
+  // As the program itself would start without a display; with another platform it would end here.
   for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) qunsetenv(variable);
   const auto application = orven::MakeApplication(argc, argv);
   return RUN_ALL_TESTS();

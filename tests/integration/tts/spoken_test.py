@@ -34,10 +34,9 @@ class SpokenTest(unittest.TestCase):
     """The program's end of a helper's link."""
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory(prefix="orven-tts-")
-        self.addCleanup(folder.cleanup)
-        self.path = os.path.join(folder.name, "ttstmp.wav")
-        self.server = sound_case.Server(folder.name)
+        folder = self.enterContext(tempfile.TemporaryDirectory(prefix="orven-tts-"))
+        self.path, self.spoken_path = (os.path.join(folder, name) for name in ("ttstmp.wav", "spoken.wav"))
+        self.server = sound_case.Server(folder)
         self.addCleanup(self.server.end)
 
     def start_helper(self):
@@ -65,11 +64,10 @@ class SpokenTest(unittest.TestCase):
         self.assertEqual(0, self.helper.returncode)
         return complaints
 
-    def speech(self, text):
+    def spoken(self, text):
         """How `text` sounds, by the helper's own file."""
-        path = os.path.join(self.server.folder, "spoken.wav")
-        subprocess.run([TTS, "-w", path], input=text, text=True, check=True)
-        return sound.read(path)
+        subprocess.run([TTS, "-w", self.spoken_path], input=text, text=True, check=True)
+        return sound.read(self.spoken_path)
 
     def wait_for_sound(self, recording, since=0):
         processes.wait_for("the sound", lambda: sound.peak(recording.samples()[since:]) > 0.05, 10)
@@ -85,8 +83,8 @@ class SpokenTest(unittest.TestCase):
         self.wait_for_sound(recording)
         heard = recording.finish()
         # Only the first text is made exactly like the file: the engine's waves go on from one text to the next.
-        self.assertGreater(snr.snr(self.speech(SENTENCE), heard)[0], LIKE_THE_FILE)
-        both = length(self.speech(SENTENCE)) + length(self.speech(ANOTHER))
+        self.assertGreater(snr.snr(self.spoken(SENTENCE), heard)[0], LIKE_THE_FILE)
+        both = length(self.spoken(SENTENCE)) + length(self.spoken(ANOTHER))
         self.assertAlmostEqual(both + 0.5, length(heard), delta=0.5)
 
         recording = sound_case.Recording(self.server)
@@ -95,12 +93,12 @@ class SpokenTest(unittest.TestCase):
         self.send("Stp:")
         self.wait_for_silence()
         silent_from = len(recording.samples()) + sound.RATE // 2
-        recording.wait_for_more()
-        recording.wait_for_more()
+        for _ in range(2):
+            recording.wait_for_more()
         self.assertEqual(0, sound.peak(recording.samples()[silent_from:]), "what waited was said all the same")
         self.send("Say:" + ANOTHER)
         self.wait_for_sound(recording, silent_from)
-        self.assertAlmostEqual(length(self.speech(ANOTHER)), length(recording.finish()[silent_from:]), delta=0.1)
+        self.assertAlmostEqual(length(self.spoken(ANOTHER)), length(recording.finish()[silent_from:]), delta=0.1)
 
         # A file takes the engine from a long text; the end cuts off what sounds.
         self.send("SFS:" + self.path, "Say:" + SENTENCE * 1000)
@@ -121,7 +119,7 @@ class SpokenTest(unittest.TestCase):
         recording = sound_case.Recording(self.server)
         self.send("Say:" + SENTENCE)
         self.wait_for_sound(recording)
-        self.assertAlmostEqual(length(self.speech(SENTENCE)), length(recording.finish()), delta=0.1)
+        self.assertAlmostEqual(length(self.spoken(SENTENCE)), length(recording.finish()), delta=0.1)
         self.assertEqual("", self.unload())
 
         self.server.process.send_signal(signal.SIGSTOP)

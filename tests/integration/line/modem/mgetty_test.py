@@ -9,8 +9,8 @@ machine's own configuration, logs, locks and messages are neither read nor writt
 """
 
 import array
-import glob
 import os
+import pathlib
 import random
 import subprocess
 import sys
@@ -33,20 +33,15 @@ VOICE_CONF = """\
 part generic
 voice_log_level 6
 voice_dir {folder}/voice
-phone_owner root
-phone_group root
-receive_dir incoming
 message_dir messages
 backup_message standard.rmd
 port_speed 115200
 raw_data true
 forceV253 TRUE
 rec_silence_len 40
-rec_min_len 1
 rec_silence_threshold 128
 program vgetty
 rings 2
-answer_mode voice
 voice_devices {tty}
 """
 MGETTY_CONFIG = "debug 9\nspeed 115200\nport {tty}\ntoggle-dtr no\n"
@@ -60,10 +55,8 @@ def start(folder, tty, greeting):
     for name in ("etc", "log/mgetty", "voice/incoming", "voice/messages", "run/lock"):
         os.makedirs(os.path.join(folder, name))
     for name, text in (("voice.conf", VOICE_CONF), ("mgetty.config", MGETTY_CONFIG)):
-        with open(os.path.join(folder, "etc", name), "w", encoding="ascii") as file:
-            file.write(text.format(folder=folder, tty=tty))
-    with open(os.path.join(folder, "voice", "messages", "standard.rmd"), "wb") as file:
-        file.write(greeting)
+        pathlib.Path(folder, "etc", name).write_text(text.format(folder=folder, tty=tty), encoding="ascii")
+    pathlib.Path(folder, "voice", "messages", "standard.rmd").write_bytes(greeting)
     script = " && ".join([*(f"mount --bind {folder}/{name} {place}" for name, place in PRIVATE.items()), f"exec {VGETTY} {tty}"])
     command = ["unshare", "--mount", "--propagation", "private", "sh", "-c", script]
     return processes.start(command, os.path.join(folder, "vgetty.out"))
@@ -71,25 +64,17 @@ def start(folder, tty, greeting):
 
 def contents(folder, pattern):
     """Of all files that match `pattern`, as one."""
-    data = b""
-    for path in glob.glob(os.path.join(folder, pattern)):
-        with open(path, "rb") as file:
-            data += file.read()
-    return data
+    return b"".join(path.read_bytes() for path in pathlib.Path(folder).glob(pattern))
 
 
 def call(modem, folder, message, end):
     """Two rings with the caller's number in between, a message, its end."""
 
-    def wait_for_log(text, limit):
-        processes.wait_for(f'"{text}" in its log', lambda: text.encode() in contents(folder, "log/mgetty/*"), limit)
-
-    wait_for_log("waiting...", 60)
-    modem.do("ring")
-    wait_for_log("CND: RING", 20)
-    for line in ("DATE = 1121", "TIME = 1335", f"NMBR = {NUMBER}", f"NAME = {NAME}"):
-        modem.do("callerid " + line)
-    modem.do("ring")
+    caller_id = [f"callerid {line}" for line in ("DATE = 1121", "TIME = 1335", f"NMBR = {NUMBER}", f"NAME = {NAME}")]
+    for text, steps in (("waiting...", ["ring"]), ("CND: RING", [*caller_id, "ring"])):
+        processes.wait_for(f'"{text}" in its log', lambda: text.encode() in contents(folder, "log/mgetty/*"), 60)
+        for step in steps:
+            modem.do(step)
     answered = modem.wait("receiving", 60)
     modem.do("say " + message)
     modem.wait("said", 30, answered)
@@ -116,7 +101,7 @@ def check(modem, folder, profile):
     assert recording == modem.sent(), "what it recorded is not what the modem sent"
     assert bytes((sample >> 8 & 255) ^ offset for sample in said) in recording, "the message is not whole"
     if profile != "softmodem":  # its command for caller ids is one that vgetty does not know
-        assert glob.glob(os.path.join(folder, f"voice/incoming/v-*-{NUMBER}.*")), "the caller's number is not in the name"
+        assert [*pathlib.Path(folder).glob(f"voice/incoming/v-*-{NUMBER}.*")], "the caller's number is not in the name"
         assert NAME.encode() in contents(folder, "log/mgetty/*"), "the caller's name is not in the log"
     assert modem.complaints() == [], modem.complaints()
 
