@@ -157,7 +157,7 @@ TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind
   EXPECT_EQ(folder.Count("x.wav") + folder.Count("."), 0U) << "a file stayed that should not";
   Send("ULD:");
   const auto complaints = Ended(helper);
-  for (const auto& part : {"no file is set", "nowhere/x.wav", "folder", "x.wav: no speech came", "too large"})
+  for (const auto& part : {"no file is set", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
     EXPECT_NE(complaints.find(part), std::string::npos) << part << " in: " << complaints;
 }
 
