@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks what keeps the house in order: what each floor includes, and the licence line of each file.
+"""Checks what keeps the house in order: what each floor includes, how long a file is, how many tests there are,
+and the licence line of each file.
 
     check_house.py ROOT
 
@@ -25,6 +26,13 @@ STANDARD_HEADER = re.compile(r"[a-z_]+")  # C++'s own have no extension, folder 
 LICENSED = re.compile(r"(\.(cpp|h|py|sh|cmake)|/CMakeLists\.txt|/run)$")
 LICENCE_LINE = "SPDX-License-Identifier: GPL-3.0-or-later"
 CHECKED_FOLDERS = ("src", "tests", "tools", "bench", "cmake", "assets", "demo", "packaging", ".ci")
+
+# A file that is longer holds more than one idea.
+LONGEST_FILE = 450
+# Tests are wanted at a quarter to a third of the code; from here on it is a fault.
+LARGEST_TEST_SHARE = 0.36
+COUNTED = re.compile(r"\.(h|cpp|py|sh)$")
+NO_CODE = re.compile(r"\s*(//.*|#( .*|!.*)?|/?\*.*)?")  # a blank line or a comment
 
 
 def files_below(root):
@@ -71,6 +79,8 @@ def include_fault(source, bracket, header):
 
 
 def faults_in(path, text):
+    if COUNTED.search(path) and text.count("\n") > LONGEST_FILE:
+        yield f"{path}:{LONGEST_FILE}: the file goes on after {LONGEST_FILE} lines; split it"
     if LICENCE_LINE not in "\n".join(text.split("\n")[:3]):
         yield f'{path}:1: the line "{LICENCE_LINE}" is missing at the top'
     if not re.match(r"src/.*\.(cpp|h)$", path):
@@ -86,13 +96,30 @@ def faults_in(path, text):
             yield f"{path}:{text.count(chr(10), 0, match.start(1)) + 1}: {fault}"
 
 
+def code_lines(texts, folders):
+    return sum(
+        not NO_CODE.fullmatch(line)
+        for path, text in texts.items() if path.split("/")[0] in folders and COUNTED.search(path)
+        for line in text.splitlines()
+    )
+
+
+def share_faults(texts):
+    tests, code = code_lines(texts, ("tests",)), code_lines(texts, ("src", "tools", "demo", "bench"))
+    if tests > LARGEST_TEST_SHARE * code:
+        yield (f"tests: {tests} code lines for {code} of code, more than {LARGEST_TEST_SHARE:.0%}: which of them "
+               "restate the code, a library or another test?")
+
+
 def faults_of(root):
-    paths = [path for path in files_below(root) if LICENSED.search("/" + path)]
-    faults = [] if any(path.startswith("src/") for path in paths) else ["src: no source files found"]
-    for path in paths:
-        with open(os.path.join(root, path), encoding="utf-8") as file:
-            faults += faults_in(path, file.read())
-    return faults
+    texts = {}
+    for path in files_below(root):
+        if LICENSED.search("/" + path):
+            with open(os.path.join(root, path), encoding="utf-8") as file:
+                texts[path] = file.read()
+    if not any(path.startswith("src/") for path in texts):
+        return ["src: no source files found"]
+    return [fault for path, text in texts.items() for fault in faults_in(path, text)] + list(share_faults(texts))
 
 
 if __name__ == "__main__":

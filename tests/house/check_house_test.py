@@ -60,6 +60,11 @@ class CheckHouse(unittest.TestCase):
         faults = self.faults(("tests/unit/core/settings_test.cpp", "int x;"))
         self.assertEqual([fault.split(" ")[0] for fault in faults], ["tests/unit/core/settings_test.cpp:1:"])
 
+    def test_long_files_and_too_many_tests_are_faults(self):
+        long_file, tests = LICENCE + "// why\n" * 450, LICENCE + "int x;\n" * 10
+        faults = self.faults(("src/core/settings.cpp", long_file), ("tests/settings_test.cpp", tests))
+        self.assertEqual([fault.split(" ")[0] for fault in faults], ["src/core/settings.cpp:450:", "tests:"])
+
     def test_an_empty_house_is_a_fault(self):
         with tempfile.TemporaryDirectory() as empty:
             self.assertEqual(check_house.faults_of(empty), ["src: no source files found"])
