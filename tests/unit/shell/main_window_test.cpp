@@ -102,7 +102,7 @@ TEST_F(MainWindowTest, QuickOptionButtonsWorkOnTheBareGreetingName) {
 TEST_F(MainWindowTest, TheTrayIconCountsAndBlinksUntilTheWindowIsBack) {
   using enum NotifyIconPicture;
   const auto& icon = shell.icon;
-  const auto mouse = [&](int message) { window->TrayMouseMove(message * 15.0, 15); };
+  const auto move_mouse = [&](int message) { window->TrayMouseMove(message * 15.0, 15); };
   AddMessage("a.wav", 1s);
   Start();
   EXPECT_THAT(shell.requests, ElementsAre(NotifyRequest::Add, NotifyRequest::Modify));
@@ -121,10 +121,10 @@ TEST_F(MainWindowTest, TheTrayIconCountsAndBlinksUntilTheWindowIsBack) {
   EXPECT_TRUE(Machine().tray.Blinking()) << "Open does not stop it";
   window->Hide();
   EXPECT_TRUE(views.minimised && !views.shown);
-  for (const int message : {517, 512}) mouse(message);
+  for (const int message : {517, 512}) move_mouse(message);
   EXPECT_EQ(views.tray_menus, 1);
   EXPECT_FALSE(views.shown);
-  mouse(514);
+  move_mouse(514);
   EXPECT_TRUE(views.shown && !views.minimised && !Machine().tray.Blinking());
   EXPECT_EQ(icon.icon, MainWindow);
 }
