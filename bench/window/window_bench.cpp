@@ -18,7 +18,7 @@ constexpr int kRecords = 100'000;
 class LongList : public Desk {
  public:
   LongList() : Desk("\"WornDelete\"=\"0\"\n") {
-    File({{"Anna", 500, false}});
+    File({{"Anna", 500}});
     SqliteConnection(home / "Calls")
         .Execute(
             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) INSERT INTO "

@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMetaProperty>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -17,7 +18,7 @@ namespace orven::test {
 class WindowTest : public testing::Test {
  protected:
   /// Names of controls or settings, each with its value.
-  using Values = std::vector<std::pair<const char*, std::string>>;
+  using Values = std::vector<std::pair<std::string, std::string>>;
 
   /// Shows the window that the following calls are about, with the focus.
   void Show(QWidget& window) {
@@ -50,6 +51,20 @@ class WindowTest : public testing::Test {
   }
   void ExpectStored(const Values& values) {
     for (const auto& [name, value] : values) EXPECT_EQ(world.registry.Text(name), value) << name;
+  }
+  /// Clicks on buttons, sets controls and lets time pass: "txtName=Anna cmdRec 2s cmdOK 1ms". Returns what
+  /// was logged meanwhile.
+  std::vector<std::string> Do(const std::string& script) {
+    return world.LoggedBy([&] {
+      std::istringstream words(script);
+      for (std::string word; words >> word;) {
+        const bool time = word[0] >= '0' && word[0] <= '9';
+        const auto value = word.find('=');
+        if (time) world.RunFor(std::stoi(word) * (word.ends_with("ms") ? 1ms : 1000ms));
+        if (!time && value != word.npos) Set({{word.substr(0, value), word.substr(value + 1)}});
+        if (!time && value == word.npos) Click(word);
+      }
+    });
   }
   bool Visible(const std::string& control) const { return Get(control).isVisible(); }
   bool Enabled(const std::string& control) const { return Get(control).isEnabled(); }

@@ -80,12 +80,10 @@ TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
   ClickFile("1_Sys.txt");
   EXPECT_EQ(State(), "3: 3 lines") << "a click on the shown file reads it again";
   Set({{"cmbWhatToShow", "System"}});
-  EXPECT_EQ(Get<QListWidget>("List1").currentItem()->text(), u"1_Sys.txt");
   EXPECT_EQ(State(), "3: 3 lines") << "a file that is still listed stays";
   Set({{"cmbWhatToShow", "Calls"}});
   EXPECT_EQ(Files(), "2_Calls.txt ");
-  EXPECT_TRUE(State().starts_with("0:"));
-  EXPECT_FALSE(Enabled("cmdDelete"));
+  EXPECT_TRUE(State().starts_with("0:") && !Enabled("cmdDelete"));
 }
 
 TEST_F(LogWindow, ALargeFileOpensPieceByPiece) {
@@ -119,8 +117,7 @@ TEST_F(LogWindow, BinaryAndMissingFilesAreShownAndDeletedAndTheProgramsEndCloses
   EXPECT_EQ(Line(0).count(QChar::ReplacementCharacter), Line(0).size());
   Click("cmdDelete");
   EXPECT_THAT(world.dialogs.questions, ElementsAre("Delete 9_Sys.txt ?"));
-  EXPECT_EQ(world.dialogs.question_icon, QuestionIcon::None);
-  EXPECT_TRUE(world.files.Exists(folder + "9_Sys.txt"));
+  EXPECT_EQ(Files(), "1_Sys.txt 2_Calls.txt 9_Sys.txt ");
   world.dialogs.yes = true;
   Click("cmdDelete");
   EXPECT_EQ(Files(), "1_Sys.txt 2_Calls.txt ");
@@ -143,9 +140,8 @@ TEST_F(LogWindow, PropertiesApplyAtOnceAndCancelStoresNothing) {
   std::string button = "cmdCancel";
   use_properties = [&] {
     ExpectShown({{"chkLogSys", "true"}, {"chkLogCalls", "false"}, {"cmbLogFor", "For Ever"}});
-    Set({{"chkLogSys", "false"}, {"chkLogCalls", "true"}, {"chkWornBeforeDelete", "true"}});
     Get<QComboBox>("cmbLogFor").setCurrentIndex(0);
-    Click(button);
+    Do("chkLogSys=false chkLogCalls=true chkWornBeforeDelete=true " + button);
   };
   Open();
   Click("cmdProp");

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The options dialog over a running machine, driven by object names.
+// The options dialog over a running machine, and the lines dialog over its engine, driven by object names.
 #include <QAction>
 #include <QTest>
-#include <QWheelEvent>
 
 #include "base/runtime_error.h"
 #include "gui/window_test.h"
+#include "options/frmLineEdit.h"
+#include "options/frmLines.h"
 #include "options/frmOptions.h"
+#include "support/scripted_lines.h"
 
 namespace orven::test {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::UnorderedElementsAre;
+using testing::SizeIs;
 
 class OptionsWindow : public WindowTest {
  protected:
@@ -80,24 +82,20 @@ TEST_F(OptionsWindow, EveryControlShowsAndStoresItsSettingAndTheNextCallUsesIt) 
   for (const auto& row : kControls) ExpectShown({{row.control, row.shown}});
   ExpectShown({{"lblSilence", "5 %"}, {"lblDeviceName", "Sim"}, {"lblAutoVoice", "Yes"}});
   ExpectShown({{"txtMassagesPath", world.messages}, {"chkRenOnStart", "false"}});
-  EXPECT_TRUE(Get<QLineEdit>("txtMassagesPath").isReadOnly());
 
   for (const auto& row : kControls) Set({{row.control, row.chosen}});
-  Set({{"chkRenOnStart", "true"}});
-  Click("cmdOK");
+  Do("chkRenOnStart=true cmdOK");
   EXPECT_EQ(window->result(), QDialog::Accepted);
   for (const auto& row : kControls) ExpectStored({{row.setting, row.stored}});
   EXPECT_EQ(world.registry.Text("ORVEN", kAutostartKey), "/home/orven/ORVEN.exe -st");
   const auto& shared = world.shared;
-  EXPECT_EQ(std::tuple(shared.num_of_ring, shared.max_record_seconds, shared.record_messages),
-            std::tuple(20, 300, false));
+  EXPECT_TRUE(shared.num_of_ring == 20 && shared.max_record_seconds == 300 && !shared.record_messages);
   EXPECT_EQ(shared.greeting_file + world.views.selected_greeting, "Away.wavAway");
   EXPECT_FALSE(world.views.shown_record || world.views.quick_toolbar);
 
   Open(0);
   for (const auto& row : kControls) ExpectShown({{row.control, row.chosen}});
-  Set({{"chkRenOnStart", "false"}});
-  Click("cmdOK");
+  Do("chkRenOnStart=false cmdOK");
   EXPECT_EQ(world.registry.Text("ORVEN", kAutostartKey), kNotFound);
 }
 
@@ -170,54 +168,38 @@ TEST_F(OptionsWindow, TheLevelOfTheCallerIsShownWhileTheDialogIsOpen) {
 
 TEST_F(OptionsWindow, StaysWhileMessagesMoveAndKeepsTheNewFolderThoughItIsCancelled) {
   for (const char* name : {"one.wav", "two.wav"}) world.AddMessage(name, 1s);
-  world.files.before_write = [](const std::string& path) {
-    if (path == "/mnt/new/two.wav") throw RuntimeError(ErrorNumber::DiskFull, path);
-  };
   world.background.takes = 1s;
-  Click("cmdBrowsMessagesPath");
+  Do("cmdBrowsMessagesPath");
   EXPECT_TRUE(Enabled("cmdOK")) << "no folder was chosen";
   world.dialogs.browsed = "/mnt/new";
-  Click("cmdBrowsMessagesPath");
-  EXPECT_EQ(world.dialogs.browse_title, "Save Messages To");
-  world.RunFor(2s + 500ms);
+  Do("cmdBrowsMessagesPath 2s 500ms");
   ExpectShown({{"lblMoving", "Moving the messages: 1 of 2"}});
-  ExpectStored({{"MassagesPath", world.messages}});
   EXPECT_FALSE(Enabled("cmdOK") || Enabled("cmdCancel") || Enabled("cmdBrowsMessagesPath"));
   window->close();
   EXPECT_TRUE(window->isVisible());
   world.RunFor(1s);
   ExpectShown({{"lblMoving", ""}, {"txtMassagesPath", "/mnt/new/"}});
-  EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("two.wav")));
   Click("cmdCancel");
   EXPECT_FALSE(window->isVisible());
   ExpectStored({{"MassagesPath", "/mnt/new/"}});
-  EXPECT_TRUE(world.files.Exists("/mnt/new/one.wav"));
 }
 
 TEST_F(OptionsWindow, TheGreetingsButtonsWorkOnTheNameThatIsSelected) {
-  EXPECT_THAT(Greetings(), UnorderedElementsAre("Away", "Hello", "hello"));
   auto& list = Get<QComboBox>("CmbGreetsMessages");
   list.setCurrentIndex(list.findText("hello", Qt::MatchFixedString | Qt::MatchCaseSensitive));
   Press("Play");
   EXPECT_EQ(world.WavePlay.played.back().path, Greeting("hello"));
-  ExpectShown({{"CmbGreetsMessages", "hello"}});
-  Press("Stop");
-  EXPECT_FALSE(world.WavePlay.IsPlaying());
+  for (const char* key : {"Stop", "Add"}) Press(key);
+  EXPECT_TRUE(!world.WavePlay.IsPlaying() && Shown("CmbGreetsMessages") == "hello");
+  made = "Away";
   Press("Add");
-  ExpectShown({{"CmbGreetsMessages", "hello"}});
-  QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-  QApplication::sendEvent(&list, &wheel);
-  ExpectShown({{"CmbGreetsMessages", "hello"}});
-  made = "שלום";
-  world.files.Put(Greeting(*made), TimedWave::Sound(1s));
-  Press("Add");
-  ExpectShown({{"CmbGreetsMessages", *made}});
+  ExpectShown({{"CmbGreetsMessages", "Away"}});
 }
 
 TEST_F(OptionsWindow, DeletingAGreetingAsksAndLeavesTheLast) {
   Press("Delete");
   EXPECT_THAT(world.dialogs.questions, ElementsAre("Delete Hello ?"));
-  EXPECT_EQ(Greetings().size(), 3U);
+  EXPECT_TRUE(world.files.Exists(Greeting("Hello")));
   world.dialogs.yes = true;
   Press("Delete");
   EXPECT_FALSE(world.files.Exists(Greeting("Hello")));
@@ -232,7 +214,167 @@ TEST_F(OptionsWindow, DeletingAGreetingAsksAndLeavesTheLast) {
   Open(2);
   for (const char* key : {"Play", "Delete"}) Press(key);
   EXPECT_THAT(Greetings(), testing::IsEmpty());
-  ExpectStored({{"Greeting", ""}});
+}
+
+class LinesWindow : public WindowTest {
+ protected:
+  LinesWindow() {
+    TelephoneLine home, modem;
+    std::tie(home.name, home.server, home.user, home.password, home.srtp, home.origin) =
+        std::tuple("Home", "192.168.1.1", "100", "secret", "yes", 1);
+    std::tie(modem.name, modem.kind, modem.port, modem.origin) =
+        std::tuple("Old modem", LineKind::Modem, "/dev/gone", 8);
+    lines.configured = {{home, modem}, {"lines.ini:3: something is wrong"}};
+    lines.states = {{"Home", "Registering"}};
+    Open();
+  }
+  void Open() {
+    auto& machine = world.Machine();
+    engine = std::make_unique<LinesDialog>(LinesDialog::Parts{lines, world.dialogs, machine.log,
+                                                              machine.store, machine.settings,
+                                                              [this] { return ++used, !call_up; }});
+    window = std::make_unique<frmLines>(*engine, nullptr);
+    Show(*window);
+  }
+  QTreeWidget& List() { return *window->findChild<QTreeWidget*>(); }
+  std::string Row(int row) {
+    QStringList cells;
+    for (int column = 0; column < 4; ++column) cells << List().topLevelItem(row)->text(column);
+    return cells.join(u'|').toStdString();
+  }
+  void Select(int row) { List().setCurrentItem(List().topLevelItem(row)); }
+
+  /// Clicks the button that opens the window of one line, and does `act` there, which must close it.
+  void InEditor(const char* button, const std::function<void()>& act) {
+    QTimer::singleShot(0, [&] {
+      auto& editor = *QApplication::activeModalWidget();
+      Show(editor);
+      act();
+      EXPECT_FALSE(editor.isVisible()) << "it should have closed";
+      editor.close();
+      Show(*window);
+    });
+    Click(button);
+  }
+
+  ScriptedLines lines;
+  int used = 0;
+  bool call_up = false;
+  std::unique_ptr<LinesDialog> engine;
+  std::unique_ptr<frmLines> window;
+};
+
+TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
+  EXPECT_EQ(Row(0), "Home|SIP account|100@192.168.1.1|Registering");
+  EXPECT_EQ(Row(1), "Old modem|Modem|/dev/gone|Off");
+  ExpectShown({{"lblComplaints", "lines.ini:3: something is wrong"}});
+  lines.states["Home"] = "Registered";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Row(0).ends_with("|Registered"); }));
+  EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "the selection stays";
+  // Enter in the list opens the line and stores nothing.
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+  EXPECT_FALSE(Get<QPushButton>("cmdTest").isDefault() || Get<QPushButton>("cmdOK").isDefault());
+  QTest::keyClick(&List(), Qt::Key_Return);
+  EXPECT_TRUE(window->isVisible() && used == 0);
+}
+
+TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
+  InEditor("cmdAdd", [&] {
+    const auto& fault = Get<QLabel>("lblFault");
+    Do("txtName=Home cmdOK");
+    EXPECT_THAT(Shown("lblFault"), HasSubstr("Another line"));
+    Do("txtName=Büro txtUser=7");
+    EXPECT_FALSE(fault.isVisible());
+    for (int word = 0; word < 40; ++word) lines.fault += " wrong";  // several lines
+    Click("cmdOK");
+    ExpectShown({{"lblFault", lines.fault}});
+    EXPECT_EQ(Focused(), "txtServer");
+    QTest::qWait(0);
+    EXPECT_TRUE(fault.y() > Get("txtServer").y() && fault.y() < Get("txtUser").y());
+    EXPECT_GE(fault.height(), fault.heightForWidth(fault.width())) << "the text is cut";
+    Set({{"txtServer", " pbx.example.org "}, {"txtPassword", " x"}});
+    Click("cmdOK");
+    EXPECT_EQ(Focused(), "txtPassword");
+    EXPECT_EQ(Get<QLineEdit>("txtPassword").echoMode(), QLineEdit::Password);
+    Click("chkShowPassword");
+    EXPECT_EQ(Get<QLineEdit>("txtPassword").echoMode(), QLineEdit::Normal);
+    Set({{"txtPassword", "x y"}});
+    Get<QComboBox>("cmbTransport").setCurrentIndex(3);
+    Do("spnRing=61 cmdOK");
+  });
+  EXPECT_EQ(Row(2), "Büro|SIP account|7@pbx.example.org|Off");
+  EXPECT_TRUE(List().topLevelItem(2)->isSelected());
+  EXPECT_THAT(lines.configured.lines, SizeIs(2)) << "nothing is stored before OK";
+  Click("cmdOK");
+  const auto& added = lines.configured.lines.at(2);
+  EXPECT_EQ(added.password + "|" + added.transport + "|" + added.srtp, "x y|tls|no");
+  EXPECT_TRUE(added.ring_seconds == 60 && used == 1 && !window->isVisible());
+}
+
+TEST_F(LinesWindow, TheChosenLineStaysChosenUnderAnotherName) {
+  world.Machine().settings.ModemName = "Home";
+  InEditor("cmdEdit", [&] {
+    EXPECT_TRUE(!Enabled("cmbKind") && Shown("txtPassword") == "secret");
+    Do("txtName=House cmdOK");
+  });
+  call_up = true;
+  Click("cmdOK");
+  ExpectStored({{"ModemName", "House"}});
+  EXPECT_EQ(lines.configured.lines[0].srtp, "yes") << "what was written by hand stays";
+  EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("when it is over")));
+}
+
+TEST_F(LinesWindow, AModemsPortIsChosenFromThoseFoundAndTheStoredOneStays) {
+  Select(1);
+  InEditor("cmdEdit", [&] {
+    EXPECT_FALSE(Visible("txtServer"));
+    lines.ports = {{"/dev/ttyUSB0", "/dev/ttyUSB0"}};
+    Click("cmdFindPorts");
+    ExpectShown({{"cmbPort", "/dev/gone"}});
+    Do("cmbPort=/dev/ttyUSB0");
+    QTest::keyClick(&Get("cmdTest"), Qt::Key_Return);
+    EXPECT_EQ(lines.tested.at(0).port, "/dev/ttyUSB0");
+    lines.done({false, "Nothing answers."});
+    ExpectShown({{"lblTestResult", "Nothing answers."}});
+    Do("txtName=Modem");
+    ExpectShown({{"lblTestResult", ""}});
+    Click("cmdOK");
+  });
+  EXPECT_EQ(Row(1), "Modem|Modem|/dev/ttyUSB0|Off");
+}
+
+TEST_F(LinesWindow, ATestTellsItsResultCanBeStoppedAndEndsWithTheWindow) {
+  const std::function<void()> ends[] = {[&] { Click("cmdTest"); }, [&] { Select(1); },
+                                        [&] { window.reset(); }};
+  for (const auto& end : ends) {
+    Click("cmdTest");
+    EXPECT_EQ(lines.tested.back().name, "Home");
+    ExpectShown({{"lblTestResult", "Testing…"}});
+    end();
+    EXPECT_EQ(lines.done, nullptr) << &end - ends;
+    if (window) Select(0);
+  }
+}
+
+TEST_F(LinesWindow, RemoveAsksCancelStoresNothingAndAFailureKeepsTheWindow) {
+  Click("cmdRemove");
+  EXPECT_THAT(world.dialogs.questions, ElementsAre("Remove the line \"Home\" ?"));
+  EXPECT_EQ(List().topLevelItemCount(), 2);
+  world.dialogs.yes = true;
+  Do("cmdRemove cmdRemove");
+  EXPECT_EQ(List().topLevelItemCount(), 0);
+  EXPECT_FALSE(Enabled("cmdEdit") || Enabled("cmdRemove") || Enabled("cmdTest"));
+  lines.before_store = [] { throw RuntimeError(ErrorNumber::DiskFull, "lines.ini"); };
+  Click("cmdOK");
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("Disk full: lines.ini")));
+  QTest::keyClick(window.get(), Qt::Key_Escape);
+  EXPECT_TRUE(!window->isVisible() && window->result() == QDialog::Rejected);
+  EXPECT_THAT(lines.configured.lines, SizeIs(2));
+  lines.before_store = [] { FAIL() << "nothing was changed"; };
+  Open();
+  Click("cmdOK");
+  EXPECT_EQ(used, 0);
 }
 
 }  // namespace

@@ -15,23 +15,16 @@ constexpr std::pair<const char*, const char*> kSettings[] = {
     {"cLogSys", "1"},   {"cLogCalls", "1"},      {"pQuickToolbar", "1"}, {"MeTop", "600"},
     {"MeLeft", "450"},  {"MeWidth", "10500"},    {"MeHeight", "7500"}};
 
-SharedOptions InFolder(const ScratchFolder& folder) {
-  SharedOptions shared;
-  shared.application_folder = folder / "";
-  shared.application_folder.pop_back();
-  for (const char* name : {"Greets", "Sound", "Log", "Messages"}) {
-    std::filesystem::create_directories(folder / name);
-  }
-  return shared;
-}
-
 }  // namespace
 
 Desk::Desk(const std::string& settings)
-    : shared(InFolder(home)),
-      registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
+    : registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
       database({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}),
       WavePlay(loop, card, home / "Rescued") {
+  shared.application_folder = home / "";
+  shared.application_folder.pop_back();
+  for (const char* name : {"Greets", "Sound", "Log", "Messages"})
+    std::filesystem::create_directories(home / name);
   std::string stored = "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\n";
   for (const auto& [name, value] : kSettings) stored += "\"" + std::string(name) + "\"=\"" + value + "\"\n";
   PutFile(home / "registry.reg", stored + "\"MassagesPath\"=\"" + home / "Messages/\"\n" + settings);
@@ -51,8 +44,6 @@ Desk::Desk(const std::string& settings)
   window.Attach(*engine);
 }
 
-Desk::~Desk() = default;
-
 void Desk::File(const std::vector<FiledCall>& calls) {
   SqliteDatabase records({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead});
   records.Open(home / "Calls");
@@ -68,18 +59,17 @@ void Desk::File(const std::vector<FiledCall>& calls) {
     records.SetField(kCallTime, "09:" + std::to_string(10 + minute++ % 50) + ":00");
     records.SetField(kCallMassageName, file);
     records.SetField(kType, call.message != 0 ? "2" : "-1");
-    records.SetField(kRead, call.read ? 1 : 0);
+    records.SetField(kRead, 0);
     records.Update();
   }
 }
 
-Desk& Desk::Start() {
+void Desk::Start() {
   engine->Show();
   // The beep that tells of the open line.
   card.StopPlay();
   WavePlay.StopPlay();
   EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
-  return *this;
 }
 
 void Desk::Do(const char* command) {

@@ -31,7 +31,6 @@ namespace orven::test {
 struct FiledCall {
   std::string name;
   std::int16_t message = 0;
-  bool read = false;
 };
 
 /// The main window on its engine as in the running program: settings, records and audio are files in
@@ -39,14 +38,11 @@ struct FiledCall {
 class Desk {
  public:
   explicit Desk(const std::string& settings = "");
-  ~Desk();
-  Desk(const Desk&) = delete;
-  Desk& operator=(const Desk&) = delete;
 
   /// Files calls, the last one being the newest; before Start, or followed by makeList.
   void File(const std::vector<FiledCall>& calls);
   /// Starts the program and shows the window.
-  Desk& Start();
+  void Start();
 
   /// The control of this name; there must be one.
   template <class Control>
@@ -64,7 +60,6 @@ class Desk {
   /// A cell's text, 1-based.
   QString Cell(int row, int column);
   std::string Setting(const std::string& name);
-  std::string MessagePath(const std::string& name) const { return home / ("Messages/" + name + ".wav"); }
 
   AnsweringMachine& Machine() { return engine->Machine(); }
 

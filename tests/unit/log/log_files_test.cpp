@@ -35,7 +35,6 @@ TEST_F(LogFilesTest, OneFileADayAndKindThatIsSwitchedOn) {
   EXPECT_EQ(files.Content("/app/Log/3-31-2003_Calls.txt"), "23:59:59 : t  wo\r\n");
   EXPECT_EQ(files.Content("/app/Log/4-1-2003_Sys.txt"), "00:00:00 : three\r\n");
   EXPECT_THAT(log.List("System"), ElementsAre("3-31-2003_Sys.txt", "4-1-2003_Sys.txt"));
-  EXPECT_THAT(log.List("Other"), testing::IsEmpty());
 }
 
 TEST_F(LogFilesTest, LinesWaitForRoomOnTheDiskAndDelayNoOtherFile) {
@@ -71,11 +70,6 @@ TEST_F(LogFilesTest, PurgesByMonthsAndLetsOtherEventsRun) {
   time.RunFor(1ms);
   EXPECT_TRUE(done);
   EXPECT_THAT(Names(), ElementsAre("after.txt"));
-}
-
-TEST(MonthsBefore, KeepsTheDayOrTakesTheMonthsLast) {
-  EXPECT_EQ(MonthsBefore(2003y / 3 / 31, 1), 2003y / 2 / 28);
-  EXPECT_EQ(MonthsBefore(2003y / 1 / 15, 3), 2002y / 10 / 15);
 }
 
 TEST_F(LogFilesTest, ALineThatIsTooLongIsCutBetweenCharacters) {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <QLabel>
+#include <QTest>
+
 #include "base/runtime_error.h"
 #include "gui/window_test.h"
 #include "notify/frmEvents.h"
+#include "notify/frmMSG.h"
 
 namespace orven::test {
 namespace {
@@ -45,15 +49,13 @@ class EventsWindow : public WindowTest {
 };
 
 TEST_F(EventsWindow, ShowsTheSettingsOnTheRequestedTab) {
-  settings.cPlayInRing = settings.cPlayInIdle = settings.ViewDetails = settings.cCloseCallerView = 1;
+  settings.cPlayInRing = settings.cPlayInIdle = 1;
   settings.PlayInIdle = "";
   settings.AnimationFast = 400;
   settings.CloseCallerView = 45;
   Open(1);
   EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), 1);
   EXPECT_EQ(Sounds(), "idle [ring] | idle ring | ");
-  ExpectShown({{"chkPlayInCall", "true"}, {"chkViewDet", "true"}, {"chkCloseCVAfter", "true"}});
-  ExpectShown({{"chkAnimation", "false"}, {"chkMsgInMsg", "false"}, {"chkOnlyIfGotMessage", "false"}});
   ExpectShown({{"chkPlayInMessage", "false"}, {"sldAnimationFast", "100"}, {"cmbCloseCVAfter", ""}});
   Click("cmdOK");
   ExpectStored({{"CloseCallerView", "45"}});  // kept, though the list does not offer it
@@ -70,7 +72,6 @@ TEST_F(EventsWindow, ToolbarsPlayAddAndDeleteSoundsAndBothListsFollow) {
   Click("tlbrPlayWhenMessage.Stop");
   EXPECT_FALSE(world.WavePlay.IsPlaying());
   Click("tlbrPlayWhenCall.Add");
-  EXPECT_EQ(world.dialogs.open_title, "Add Sound");
   EXPECT_EQ(world.dialogs.open_filter, std::string("wav (*.wav)\0*.wav\0", 18));
   EXPECT_EQ(Sounds(), "idle [ring] | [idle] ring | ") << "no file was chosen";
   Add("tlbrPlayWhenCall.Add", "/home/anna/horn.wav");
@@ -80,13 +81,12 @@ TEST_F(EventsWindow, ToolbarsPlayAddAndDeleteSoundsAndBothListsFollow) {
   EXPECT_EQ(world.files.Content(library + "ring.wav"), "added") << "replaces the sound of the same name";
   Click("tlbrPlayWhenMessage.Delete");
   EXPECT_EQ(Sounds(), "[horn] idle | horn idle | ");
-  Set({{"CmbPlayWhenMessage", "horn.wav"}});
-  Click("tlbrPlayWhenCall.Delete");
+  Do("CmbPlayWhenMessage=horn.wav tlbrPlayWhenCall.Delete");
   EXPECT_EQ(Sounds(), "idle | idle | ");
   EXPECT_FALSE(world.files.Exists(library + "horn.wav"));
 
   const auto played = world.WavePlay.played.size();
-  for (const char* button : {"tlbrPlayWhenCall.Play", "tlbrPlayWhenCall.Delete"}) Click(button);
+  Do("tlbrPlayWhenCall.Play tlbrPlayWhenCall.Delete");
   EXPECT_EQ(world.WavePlay.played.size(), played) << "nothing is selected";
   Set({{"CmbPlayWhenMessage", "idle.wav"}});
   world.files.before_write = [](const std::string&) { throw RuntimeError(ErrorNumber::PermissionDenied); };
@@ -97,10 +97,9 @@ TEST_F(EventsWindow, ToolbarsPlayAddAndDeleteSoundsAndBothListsFollow) {
 
 TEST_F(EventsWindow, TestOpensTheCallerViewAsChosenAndCancelKeepsOnlyTheSeconds) {
   const auto& view = world.views.caller_view;
-  Set({{"chkCloseCVAfter", "true"}, {"chkViewDet", "true"}, {"cmbCloseCVAfter", "20"}});
+  Do("chkCloseCVAfter=true chkViewDet=true cmbCloseCVAfter=20");
   ExpectStored({{"CloseCallerView", "20"}});
-  Click("cmdTestViewer");
-  world.RunFor(20s + 500ms);
+  Do("cmdTestViewer 20s 500ms");
   EXPECT_TRUE(view.open && view.name.empty());
   world.RunFor(1s);
   EXPECT_FALSE(view.open);
@@ -136,6 +135,86 @@ TEST_F(EventsWindow, OkStoresEverythingAndTheNextCallUsesIt) {
       ExpectShown({{row.control, row.chosen}});
     }
   }
+}
+
+class RecordedClicks : public CallerViewClicks {
+ public:
+  std::string all;
+  void AnswerNow() override { all += "answer "; }
+  void Drop() override { all += "drop "; }
+  void DoNothing() override { all += "nothing "; }
+  void Close() override { all += "close "; }
+};
+
+class CallerViewWindowTest : public WindowTest {
+ protected:
+  CallerViewWindowTest() {
+    view.SetClicks(&clicks);
+    Show(view);
+    view.Load();
+  }
+
+  QWidget main_window;
+  RecordedClicks clicks;
+  frmMSG view{main_window};
+};
+
+TEST_F(CallerViewWindowTest, StaysOnTopWithoutFocusAtTheTopCentreInRoundedPixels) {
+  EXPECT_TRUE(view.windowFlags() & Qt::WindowStaysOnTopHint &&
+              view.windowFlags() & Qt::WindowDoesNotAcceptFocus);
+  EXPECT_TRUE(view.testAttribute(Qt::WA_ShowWithoutActivating));
+  EXPECT_EQ(view.Height(), view.height() * 15);
+  view.Unload();
+  EXPECT_FALSE(view.isVisible());
+  view.MoveTo(-view.Height());
+  view.Load();
+  const auto screen = main_window.screen()->geometry();
+  EXPECT_LE(std::abs(view.geometry().center().x() - screen.center().x()), 1);
+  EXPECT_EQ(view.y(), screen.top() - view.height()) << "just above the edge";
+  // Halves are rounded to even.
+  for (const auto& [twips, pixels] : {std::pair(-22, -1), std::pair(-23, -2), std::pair(-7, 0)}) {
+    view.MoveTo(twips);
+    EXPECT_EQ(view.y(), screen.top() + pixels) << twips;
+  }
+}
+
+TEST_F(CallerViewWindowTest, ShowsTheCallAndIsEmptyForTheNext) {
+  const std::string hostile = "<b>Anna</b> &amp; " + std::string(300, 'x');
+  view.ShowCaller(hostile, "555-0134");
+  view.ShowTime("11/21/2026", "09:10:11");
+  view.ShowStatus("New Call");
+  view.ShowRing("Ring : 3");
+  view.ShowMessagePath("/home/orven/Messages/a.wav");
+  EXPECT_EQ(Get<QLabel>("lblCallerName").textFormat(), Qt::PlainText);
+  const Values texts = {{"lblCallerName", hostile},
+                        {"lblCallerNumber", "555-0134"},
+                        {"lblCallDate", "11/21/2026"},
+                        {"lblTime", "09:10:11"},
+                        {"lblStatus", "New Call"},
+                        {"lblMsgRingNum", "Ring : 3"},
+                        {"lblMessagePath", "/home/orven/Messages/a.wav"}};
+  ExpectShown(texts);
+  view.ShowCommands(CallerCommands::WithoutAnswer);
+  EXPECT_TRUE(Visible("lblDrop") && !Visible("lblAmswerMode"));
+  view.ShowCommands(CallerCommands::None);
+  EXPECT_FALSE(Visible("Picture3") || Visible("lblDrop") || Visible("lblDoNothing"));
+  view.Unload();
+  view.Load();
+  for (const auto& [name, text] : texts) ExpectShown({{name, ""}});
+  EXPECT_TRUE(Visible("lblDrop"));
+}
+
+TEST_F(CallerViewWindowTest, ReportsClicks) {
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+  for (const char* name : {"lblAmswerMode", "Picture3", "lblDrop", "Picture4", "lblDoNothing", "Picture2",
+                           "lblMsgFrom", "Image2"}) {
+    const auto& label = Get(name);  // a click on the screen must reach the tile below the label
+    QTest::mouseClick(view.windowHandle(), Qt::LeftButton, {}, label.mapTo(&view, label.rect().center()));
+  }
+  QTest::mouseClick(&Get("lblDrop"), Qt::RightButton);
+  QTest::mouseRelease(&Get("lblDrop"), Qt::LeftButton);
+  QTest::mouseClick(&Get("lblCallerName"), Qt::LeftButton);
+  EXPECT_EQ(clicks.all, "answer answer drop drop nothing nothing close close ");
 }
 
 }  // namespace
