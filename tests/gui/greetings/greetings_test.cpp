@@ -14,7 +14,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 /// The greeting creator's window over its engine, in a running program with a speech engine.
 class CreatorWindow : public WindowTest {
@@ -270,7 +269,7 @@ TEST_F(CreatorWindow, AVoiceIsFoundByAnyPartOfItsDescription) {
   type("belg");
   Do("SpeakBtn");
   EXPECT_THAT(world.uDat.sent, Contains("SVC:2")) << "what was typed counts";
-  EXPECT_THAT(world.dialogs.informations, IsEmpty()) << "Return is the list's, not the window's";
+  EXPECT_THAT(world.dialogs.informations, testing::IsEmpty()) << "Return is the list's, not the window's";
 }
 
 TEST_F(CreatorWindow, WithoutASpeechEngineTheTabIsRefused) {

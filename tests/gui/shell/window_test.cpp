@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <QComboBox>
-#include <QScreen>
 #include <QSet>
-#include <QTableView>
 #include <QWheelEvent>
 #include <limits>
 

@@ -10,7 +10,6 @@
 namespace orven::test {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 
 TEST(CallParameters, FillTheFirstOfEachPlaceholderInOrder) {
@@ -72,7 +71,7 @@ TEST_F(ActionsTest, MailAndProgramFollowACallOnce) {
   EXPECT_EQ(shell.started.back().first, "/bin/notify \"Ben\" 555");
   shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound, "/bin/notify"); };
   LeaveAMessage("Anna");
-  EXPECT_THAT(SystemLog(), Contains("Error Send To APP ->53 File not found: /bin/notify"));
+  EXPECT_THAT(SystemLog(), testing::Contains("Error Send To APP ->53 File not found: /bin/notify"));
 }
 
 TEST_F(ActionsTest, ShowsTheProgressOfAMail) {

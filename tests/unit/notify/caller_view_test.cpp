@@ -8,8 +8,6 @@
 namespace orven::test {
 namespace {
 
-using testing::ElementsAre;
-
 class CallerViewTest : public testing::Test, public World {
  protected:
   /// Plays a script like "slide 200 close" (milliseconds), and returns where the view was then and its state.
@@ -75,7 +73,7 @@ TEST_F(CallerViewTest, ClicksActOnTheRingingCall) {
   RunFor(1s);
   EXPECT_FALSE(line->HasCall());
   Ring();
-  EXPECT_THAT(LoggedBy([&] { view.DoNothing(); }), ElementsAre("DoNothing[LineIndex:0]"));
+  EXPECT_THAT(LoggedBy([&] { view.DoNothing(); }), testing::ElementsAre("DoNothing[LineIndex:0]"));
   EXPECT_FALSE(view.IsOpen());
   for (int ring = 1; ring < 4; ++ring) line->Ring();
   RunFor(100ms);

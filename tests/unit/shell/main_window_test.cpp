@@ -8,7 +8,6 @@ namespace orven::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
 using enum WindowFrame::Toolbar;
 
 class MainWindowTest : public testing::Test, public World {
@@ -28,7 +27,8 @@ TEST_F(MainWindowTest, LoadsThenStarts) {
   EXPECT_THAT(views.greetings, ElementsAre("Away", "Hello"));
   EXPECT_EQ(views.selected_greeting, "Hello");
   EXPECT_THAT(views.toolbar_styles,
-              ElementsAre(Pair(Toolbar1, 0x800U), Pair(ToolBarPlayer, 1U), Pair(TBQuickOption, 0U)));
+              ElementsAre(testing::Pair(Toolbar1, 0x800U), testing::Pair(ToolBarPlayer, 1U),
+                          testing::Pair(TBQuickOption, 0U)));
   EXPECT_TRUE(views.shown && views.shown_record && views.quick_toolbar && !views.slider_enabled);
   EXPECT_EQ(views.list_style, 0x21U);
   views.grid_lines = false;
