@@ -106,8 +106,7 @@ TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
 TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngine) {
   ::setenv("ESPEAK_DATA_PATH", (root / "").c_str(), 1);
   fs::create_directory(root / "espeak-ng-data");
-  PutFile(root / "espeak-ng-data/phontab", "x");
-  PutFile(root / "helper", "");
+  for (const char* name : {"espeak-ng-data/phontab", "helper"}) PutFile(root / name, "");
   EXPECT_FALSE(SpeechInstalled(root / "helper"));
   fs::permissions(root / "helper", fs::perms::owner_all);
   EXPECT_TRUE(SpeechInstalled(root / "helper"));

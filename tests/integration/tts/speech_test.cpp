@@ -56,6 +56,10 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
     EXPECT_TRUE(helper.exitStatus() == QProcess::NormalExit && helper.exitCode() == code);
     return helper.readAllStandardError().toStdString();
   }
+  void Unload(QProcess& helper) {
+    Send("ULD:");
+    EXPECT_EQ(Ended(helper), "");
+  }
   void Send(const std::string& text) { ASSERT_TRUE(exchange.Send(text)) << text.substr(0, 80); }
   /// Asks for `text` in the file `name`.
   std::string Write(const std::string& name, const std::string& text) {
@@ -104,8 +108,7 @@ TEST_F(SpeechTest, VoicesOfTheUsersLanguageComeFirst) {
     auto voices = Voices();
     EXPECT_EQ(voices.mid(0, first.size()), first) << locale;
     EXPECT_TRUE(voices.size() > 50 && voices.removeDuplicates() == 0 && !voices.contains(""));
-    Send("ULD:");
-    EXPECT_EQ(Ended(helper), "");
+    Unload(helper);
   }
 }
 
@@ -128,16 +131,10 @@ TEST_F(SpeechTest, VoiceAndRateChangeWhatIsSpokenInTheOrderOfTheMessages) {
   EXPECT_NEAR(seconds({"SRT:0", "SVC:0"}), normal, kSame);
   EXPECT_GT(std::abs(seconds({"SVC:" + german}) - normal), 3 * kSame);
   EXPECT_GT(Size(Write("markup", "<b>bold</b>")), Size(Write("bold", "bold")) * 3 / 2) << "markup is text";
-  for (int i = 0; i < 500; ++i) {
-    Send(i % 2 == 0 ? "SRT:-10" : "SRT:10");
-    Write(std::to_string(i) + ".wav", "Hello");
-  }
-  Send("ULD:");
-  EXPECT_EQ(Ended(helper), "");
-  EXPECT_TRUE(Eventually([&] { return lost == 1; }));
-  for (int i = 0; i < 500; i += 2)
-    EXPECT_GT(Size(folder / (std::to_string(i) + ".wav")),
-              2 * Size(folder / (std::to_string(i + 1) + ".wav")));
+  const auto slowly = (Send("SRT:-10"), Write("slowly", "Hello"));
+  Send("SRT:10");
+  EXPECT_GT(Size(slowly), 2 * Size(Write("fast", "Hello"))) << "the rate is that of the text's own time";
+  Unload(helper);
 }
 
 TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind) {
@@ -157,16 +154,16 @@ TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind
   EXPECT_EQ(folder.Count("x.wav") + folder.Count("."), 0U) << "a file stayed that should not";
   Send("ULD:");
   const auto complaints = Ended(helper);
-  for (const auto& part : {"no file is set", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
+  for (const auto& part :
+       {"no file is set", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
     EXPECT_NE(complaints.find(part), std::string::npos) << part << " in: " << complaints;
 }
 
 TEST_F(SpeechTest, AFileAppearsWholeAndAKilledHelpersIsCleanedUpByTheNext) {
   auto& killed = Start();
-  const auto part = Size(Write("part.wav", LongText(4'000)));
   const auto whole = Write("whole.wav", LongText(40'000));
   EXPECT_TRUE(Writing());
-  EXPECT_NEAR(static_cast<double>(Size(whole)) / static_cast<double>(part), 10, 0.2);
+  EXPECT_GT(Size(whole), 22050U * 2 * 60 * 20);
   EXPECT_EQ(folder.Count("."), 0U);
   Write("ttstmp.wav", LongText(kLong));
   ASSERT_TRUE(Writing());
@@ -215,8 +212,7 @@ TEST_F(SpeechTest, ANewFileTakesThePlaceOfTheOlderOne) {
   const auto path = Write("ttstmp.wav", "Hello");
   Send("Stp:");
   EXPECT_LT(Size(path), Size(other));
-  Send("ULD:");
-  EXPECT_EQ(Ended(helper), "");
+  Unload(helper);
   EXPECT_LT(Size(path), Size(other));
   EXPECT_EQ(folder.Count(""), 2U);
 }
@@ -240,7 +236,6 @@ TEST(SpeakIntoFile, SpeaksOrSaysWhyNot) {
   EXPECT_GT(greeting.size(), 22050U * 2);
   for (const char* text : {"", "...", "\xff not UTF-8"}) run({"-w", path}, text, 1, "TTS: ");
   EXPECT_TRUE(ContentOf(folder / "greeting.wav") == greeting);
-  run({"-w", "/nowhere/greeting.wav"}, "Hello", 1, "TTS: ");
   for (const QStringList& wrong : {QStringList(), QStringList{"-w"}, QStringList{"-gc", "x"}})
     run(wrong, "", 2, "usage");
   EXPECT_EQ(folder.Count(""), 1U);

@@ -1,9 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the speech helper says aloud, over a real sound server that serves well, hangs or is not there.
-
-    spoken_test.py TTS
-"""
+# What the speech helper says aloud, over a real sound server that serves well, hangs or is not there.
 
 import os
 import signal
@@ -34,10 +31,9 @@ class SpokenTest(unittest.TestCase):
     """The program's end of a helper's link."""
 
     def setUp(self):
-        folder = self.enterContext(tempfile.TemporaryDirectory(prefix="orven-tts-"))
-        self.path, self.spoken_path = (os.path.join(folder, name) for name in ("ttstmp.wav", "spoken.wav"))
-        self.server = sound_case.Server(folder)
+        self.server = sound_case.Server(self.enterContext(tempfile.TemporaryDirectory(prefix="orven-tts-")))
         self.addCleanup(self.server.end)
+        self.path = os.path.join(self.server.folder, "ttstmp.wav")
 
     def start_helper(self):
         path = os.path.join(self.server.folder, "uDat")
@@ -66,8 +62,8 @@ class SpokenTest(unittest.TestCase):
 
     def spoken(self, text):
         """How `text` sounds, by the helper's own file."""
-        subprocess.run([TTS, "-w", self.spoken_path], input=text, text=True, check=True)
-        return sound.read(self.spoken_path)
+        subprocess.run([TTS, "-w", self.path], input=text, text=True, check=True)
+        return sound.read(self.path)
 
     def wait_for_sound(self, recording, since=0):
         processes.wait_for("the sound", lambda: sound.peak(recording.samples()[since:]) > 0.05, 10)
@@ -130,7 +126,5 @@ class SpokenTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
     TTS = os.path.abspath(sys.argv.pop(1))
     unittest.main()

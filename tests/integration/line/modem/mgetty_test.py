@@ -1,12 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""An independent answering machine takes a call on the emulated modem: so the modem is right.
-
-    mgetty_test.py EMULATOR FAMILY
-
-Debian's vgetty runs in a mount namespace of its own, with its folders below a temporary one: the
-machine's own configuration, logs, locks and messages are neither read nor written.
-"""
+# An independent answering machine takes a call on the emulated modem: so the modem is right.
+# mgetty_test.py EMULATOR FAMILY: Debian's vgetty runs in a mount namespace of its own, with its folders below a
+# temporary one: the machine's own configuration, logs, locks and messages are neither read nor written.
 
 import array
 import os
@@ -88,10 +84,8 @@ def check(modem, folder, profile):
     said = array.array("h", (random.Random(2).randrange(-20000, 20000) for _ in range(2 * sound.RATE)))
     sound.write(os.path.join(folder, "message.wav"), said)
     machine = start(folder, os.path.relpath(os.path.realpath(modem.port), "/dev"), greeting)
-    try:
-        call(modem, folder, os.path.join(folder, "message.wav"), end)
-    finally:
-        processes.stop(machine, 3)
+    call(modem, folder, os.path.join(folder, "message.wav"), end)
+    processes.stop(machine, 3)
     heard = modem.heard()
     played = array.array("h", (((byte ^ 128 ^ offset) - 128) * 256 for byte in greeting)).tobytes()
     start_of_it = heard.tobytes().find(played)
@@ -107,15 +101,12 @@ def check(modem, folder, profile):
 
 
 def main(emulator, profile):
-    if not os.access(VGETTY, os.X_OK):
-        return print(f"SKIPPED: there is no {VGETTY} (the package mgetty-voice)") or SKIPPED
-    if subprocess.run(["unshare", "--mount", "true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
-        return print("SKIPPED: a mount namespace takes root") or SKIPPED
-    with tempfile.TemporaryDirectory() as folder:
-        with modem_telephone.Modem(emulator, os.path.join(folder, "modem"), profile) as modem:
-            check(modem, folder, profile)
+    if not os.access(VGETTY, os.X_OK) or subprocess.call(["unshare", "--mount", "true"], stderr=subprocess.DEVNULL):
+        return print(f"SKIPPED: {VGETTY} (the package mgetty-voice) and root, for its mount namespace, are needed") or SKIPPED
+    with tempfile.TemporaryDirectory() as folder, modem_telephone.Modem(emulator, folder + "/modem", profile) as modem:
+        check(modem, folder, profile)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(os.path.abspath(sys.argv[1]), sys.argv[2]) if len(sys.argv) == 3 else __doc__)
+    sys.exit(main(os.path.abspath(sys.argv[1]), sys.argv[2]))

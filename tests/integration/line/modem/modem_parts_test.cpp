@@ -68,13 +68,6 @@ TEST(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
   }
 }
 
-TEST(ModemReaderTest, ReadsLinesAgainWhenTheEndOfTheAudioWasLost) {
-  Transcript after;
-  after.Read("ATA\rCONNECT\r\nab\x10", 100);
-  after.reader.ExpectLines();
-  EXPECT_EQ(after.Read("OK\r\n\x10\x03OK\r\nCONNECT\r\nOK\r\n", 100), "ATA|CONNECT|abOK|OK|CONNECT|OK|");
-}
-
 /// "name/number", or "-" when neither was told.
 std::string Caller(CallerIdLines& caller) {
   const auto told = caller.Finish();
@@ -103,27 +96,27 @@ TEST(CallerIdTest, EveryFormIsRead) {
   };
   for (const auto& [lines, told] : rows) {
     CallerIdLines caller;
-    for (const auto& line : lines) EXPECT_TRUE(caller.Take(line) && caller.Any()) << line;
+    std::string packet;
+    for (const auto& line : lines) {
+      EXPECT_TRUE(caller.Take(line) && caller.Any()) << line;
+      packet += line + "\r\n\r";
+    }
     EXPECT_EQ(Caller(caller), told) << lines[0];
+    caller.TakePacket(packet);
+    EXPECT_EQ(Caller(caller), told) << "as a packet: " << lines[0];
   }
-  CallerIdLines packet;
-  packet.TakePacket("DATE=0102\r\nTIME=1405\rNMBR=5551234\n\r\nNAME=Anna Bell");
-  EXPECT_EQ(Caller(packet), "Anna Bell/5551234");
   for (const char* line : {"OK", "RING", "=", "NMBR", "DRON=20", "+VCID=1"})
-    EXPECT_FALSE(packet.Take(line)) << line;
+    EXPECT_FALSE(CallerIdLines().Take(line)) << line;
 }
 
 TEST(RingPatternTest, CountsRingsAndKnowsWhenTheCallerHasGivenUp) {
   RingPattern rings;
-  const std::tuple<int, std::optional<int>, int> rows[] = {// ms, the ring's number, patience in ms
-                                                           {50, 1, 8000},
-                                                           {700, std::nullopt, 8000},
-                                                           {3050, 2, 8000},
-                                                           {9050, 3, 9000}};
-  for (const auto& [at, count, patience] : rows) {
-    EXPECT_EQ(rings.Ring(milliseconds(at)), count) << at;
-    EXPECT_EQ(rings.Patience(), milliseconds(patience)) << at;
+  std::string told;
+  for (const int at : {50, 700, 3050, 9050}) {
+    const auto count = rings.Ring(milliseconds(at));
+    told += std::to_string(count.value_or(0)) + ":" + std::to_string(rings.Patience().count()) + " ";
   }
+  EXPECT_EQ(told, "1:8000 0:8000 2:8000 3:9000 ");
   // A modem that reports all the time still rings more than once.
   int count = 3;
   for (int at = 12'100; at < 23'700; at += 400) count = rings.Ring(milliseconds(at)).value_or(count);
@@ -185,12 +178,10 @@ TEST(ModemFormatsTest, TakesTheBestByNameAndBits) {
        ""},
   };
   for (const auto& [lines, formats] : offers) EXPECT_EQ(Text(OfferedFormats(lines)), formats);
-  const std::pair<const char*, const char*> present[] = {{"+VSM: 128,8000", "U8000=128,8000"},
-                                                         {"4,8000,0,0", "M8000=4,8000,0,0"},
-                                                         {"129,8000", ""},
-                                                         {"1,9600", ""}};
-  for (const auto& [line, format] : present)
-    EXPECT_EQ(Text(PresentFormat(Lines{line, "OK"})), format) << line;
+  std::string present;
+  for (const char* line : {"+VSM: 128,8000", "4,8000,0,0", "129,8000", "1,9600"})
+    present += Text(PresentFormat(Lines{line, "OK"})) + "; ";
+  EXPECT_EQ(present, "U8000=128,8000; M8000=4,8000,0,0; ; ; ");
 }
 
 std::vector<std::uint8_t> Encoded(SampleKind kind, const std::vector<std::int16_t>& samples) {
@@ -233,11 +224,9 @@ TEST(SampleCodecTest, AToneStaysAToneAtOtherRates) {
       decoder.Decode(std::span(bytes).subspan(half), back);
     }
     EXPECT_NEAR(double(back.size()), 16000, 400);
-    double error = 0;  // a sine's neighbours add up to cos(1000 Hz) times twice itself
-    for (std::size_t i = 4000; i < 12000; ++i) {
-      error = std::max(error, std::abs(back[i - 1] + back[i + 1] - 2 * std::cos(kStep) * back[i]));
-    }
-    EXPECT_LT(error, 40) << "of 8000";
+    for (std::size_t i = 4000; i < 12000;
+         ++i)  // a sine's neighbours add up to cos(1000 Hz) times twice itself
+      EXPECT_NEAR(back[i - 1] + back[i + 1], 2 * std::cos(kStep) * back[i], 40) << "of 8000";
   }
 }
 
