@@ -31,10 +31,6 @@ Samples Noise(const std::string& blocks) {
   return samples;
 }
 
-void Append(Samples& all, std::span<const std::int16_t> more) {
-  all.insert(all.end(), more.begin(), more.end());
-}
-
 const std::string kNoCarrier = "\x10\x03\r\nNO CARRIER\r\n";
 
 /// A modem line as the program has it, on virtual time: the modem's port, the user of the line, and its
@@ -104,7 +100,9 @@ struct Story final : ModemLink, LineDriverEvents, AudioSource, AudioSink {
     played += block.size();
     return true;
   }
-  void Write(std::span<const std::int16_t> block) override { Append(recorded, block); }
+  void Write(std::span<const std::int16_t> block) override {
+    recorded.insert(recorded.end(), block.begin(), block.end());
+  }
   /// In a format of 8 bits a sample may be off by one step.
   void TellWhether(const char* what, std::span<const std::int16_t> part, const Samples& whole) {
     const auto same = [this](int a, int b) { return std::abs(a - b) <= (linear ? 0 : 256); };
@@ -169,7 +167,7 @@ struct Story final : ModemLink, LineDriverEvents, AudioSource, AudioSink {
        }},
       {"play",
        [this](auto& blocks) {
-         Append(given, Noise(blocks));
+         std::ranges::copy(Noise(blocks), std::back_inserter(given));
          EXPECT_EQ(audio.StartPlay(*this), 0);
        }},
       {"played", [this](auto&) { Until([this] { return !audio.Plays(); }); }},
