@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <memory>
 #include <numbers>
 #include <random>
 #include <sstream>
@@ -110,6 +112,23 @@ TEST_P(HangUpDetectorTest, OtherTonesAreNone) {
         "9000/350/620"s, "9000/300/425"s, "500/600 500"s, "900/425 500"s, "400/440 400 400/500 400"s,
         "400/480/620 400 400/480/660 400"s, tune, code, knocks})
     EXPECT_EQ(Heard(Audio(Parsed(cadence), 40, -15)).first, "") << cadence.substr(0, 50);
+}
+
+// A voice that is taken for a busy tone would cut a message off.
+TEST_P(HangUpDetectorTest, VoicesAreNotTones) {
+  const std::string text =
+      "Hello, who is there? Oh. Oh. Oh. Oh. No no no no no no. One. One. One. One. Mooooo. Mmmmmmmm. "
+      "Hummmmmm. "
+      "You you you you you. Please call me back at nine nine nine nine nine, soon. Do do do do do do.";
+  for (const std::string voice : {"en-us", "en-us+f5", "de+m3", "cmn+f3", "ru", "it+whisper"}) {
+    const auto command =
+        "espeak-ng --stdout -v " + voice + " '" + text + "' | sox -V1 -t wav - -t raw -r 8000 -";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    Samples samples(8000 * 60);
+    samples.resize(std::fread(samples.data(), sizeof samples[0], samples.size(), pipe.get()));
+    ASSERT_GT(samples.size(), 8000U * 8) << voice;
+    EXPECT_EQ(Heard(samples).first, "") << voice;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, HangUpDetectorTest,
