@@ -24,7 +24,7 @@ class Machine:
     def __init__(self, program, folder, show=lambda *_: None, display=None, modem=None, arguments=(), template=None,
                  variables=None):  # fmt: skip
         self.home, self.program, self.arguments = os.path.join(folder, "home"), os.path.abspath(program), arguments
-        self.port, self.modem, self.process = processes.free_port(), modem, None
+        self.port, self.modem, self.process, self.encrypted = processes.free_port(), modem, None, False
         self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{self.port}"
         sip = f"type = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 1"
         self.line = f"type = modem\nport = {modem.port}" if modem else sip
@@ -83,7 +83,7 @@ class Machine:
         if self.modem:
             return modem_telephone.ModemTelephone(self.modem, name, number, self.look)
         folder = os.path.join(self._folder, name.replace(" ", ""))
-        return telephone.Telephone(folder, name, number, meanwhile=self.look)
+        return telephone.Telephone(folder, name, number, meanwhile=self.look, encrypted=self.encrypted)
 
     # Its folder; to be changed only while it is not running.
 
@@ -101,6 +101,11 @@ class Machine:
     def write_line(self, keys):
         """Configures the telephone line, the only one."""
         self.write("lines.ini", f"[{LINE}]\n{keys}\n")
+
+    def encrypt(self):
+        """The SIP line and the telephones take only calls with SRTP."""
+        self.write_line(self.line + "\nsrtp = yes")
+        self.encrypted = True
 
     def change_settings(self, settings):
         text = self.read("registry.reg")

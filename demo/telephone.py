@@ -19,6 +19,7 @@ ausrc_srate 8000
 auplay_srate 8000
 module_path /usr/lib/baresip/modules
 module g711.so
+module srtp.so
 module aufile.so
 module sndfile.so
 module_tmp account.so
@@ -31,7 +32,7 @@ call_max_calls 1
 
 ACCOUNT = (
     '"{name}" <sip:{number}@127.0.0.1:{sip_port}>'
-    ";regint=0;audio_codecs=PCMU/8000/1;dtmfmode=rtpevent;answermode={answer}\n"
+    ";regint=0;audio_codecs=PCMU/8000/1;dtmfmode=rtpevent;answermode={answer}{security}\n"
 )
 
 SILENCE_SECONDS = 180  # the longest call; a source that ends would end the call
@@ -39,14 +40,15 @@ SILENCE_SECONDS = 180  # the longest call; a source that ends would end the call
 
 class Telephone:
     """One telephone with one line. Use it in a with statement, which ends it. `meanwhile` is called repeatedly
-    during every wait and may end it by raising."""
+    during every wait and may end it by raising. An `encrypted` one makes calls only with SRTP."""
 
-    def __init__(self, folder, name, number, answer="manual", meanwhile=lambda: None):
+    def __init__(self, folder, name, number, answer="manual", meanwhile=lambda: None, encrypted=False):
         self._meanwhile = meanwhile
         self.folder, self.control_port = folder, processes.free_port()
         self.sip_port = processes.free_port(2)  # baresip uses the next port for TLS
         os.makedirs(folder)
-        facts = dict(vars(self), name=name, number=number, answer=answer)
+        security = ";mediaenc=srtp-mand" if encrypted else ""
+        facts = dict(vars(self), name=name, number=number, answer=answer, security=security)
         self._write("config", CONFIGURATION.format(**facts))
         self._write("accounts", ACCOUNT.format(**facts))
         self._write("contacts", "")

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The same calls on every kind of telephone line, in real time. Modems of 16 bits are in the demonstration.
+# The same calls on every kind of telephone line, in real time. Modems of 16 bits and SIP without SRTP are in the
+# demonstration.
 
 import functools
 import os
@@ -121,8 +122,10 @@ class Modem8Bits(Scenarios, LineCase):
     profile, lowest_snr = "conexant", 20.0  # 8 linear bits leave about 24
 
 
-class Sip(Scenarios, LineCase):
-    pass
+class SipEncrypted(Scenarios, LineCase):
+    def setUp(self):
+        super().setUp()
+        self.orven.encrypt()
 
 
 class ModemUnplugged(LineCase):
