@@ -9,27 +9,26 @@ namespace {
 
 struct LogStep {
   std::string_view begins;  ///< how its line begins
-  std::string_view needs;   ///< the step that must stand before it in the same call
+  std::string_view needs;   ///< the step that must stand before it in the same call; empty for none
   bool once;
 };
 
 constexpr std::string_view kOffer = "InCommingCall[";
-constexpr std::string_view kAnswer = "LineAnswer[";
-constexpr std::string_view kAnswerAccepted = "LineAnswer[LineIndex:0]->Proc Num: ";
-constexpr std::string_view kConnected = "Connected[";
-constexpr std::string_view kBeep = "Play Beep ";
+constexpr std::string_view kAccepted = "LineAnswer[LineIndex:0]->Proc Num: ";
 constexpr std::string_view kStart = "Start Record Message[";
 
-constexpr LogStep kSteps[] = {{"Ring[", kOffer, false},
+constexpr LogStep kSteps[] = {{kOffer, "", true},
+                              {"Ring[", kOffer, false},
                               {"DoNothing[", kOffer, false},
                               {"CallerID[", kOffer, false},
-                              {kConnected, kAnswer, true},
-                              {"Disconnected[", kAnswer, true},
-                              {kBeep, kConnected, true},
-                              {"MonitorDigit[", kConnected, false},
+                              {"LineAnswer[", "", false},
+                              {"Connected[", "LineAnswer[", true},
+                              {"Disconnected[", "LineAnswer[", true},
+                              {"Play Beep ", "Connected[", true},
+                              {"MonitorDigit[", "Connected[", false},
                               {"Remote Control ", "MonitorDigit[", false},
-                              {kStart, kBeep, false},
-                              {"Cap Error Rec Message[", kBeep, true},
+                              {kStart, "Play Beep ", false},
+                              {"Cap Error Rec Message[", "Play Beep ", true},
                               {"Record Message ", kStart, true},
                               {"Idle[", kOffer, true}};
 
@@ -49,54 +48,38 @@ bool IsUnexplainedFault(std::string_view line, bool records_lost) {
   return line.starts_with("Err") && std::ranges::none_of(kExplained, has);
 }
 
-/// What has been logged of the present call.
-struct CallSoFar {
-  std::set<std::string_view> steps;
-  std::string answer;  ///< number of the accepted request to answer
-  bool recording = false;
-  bool owner = false;
-  bool hung_up = false;
-};
-
-/// A step that the present call must not take any more.
-std::string Misstep(const std::string& line, const CallSoFar& call) {
-  if (line.starts_with(kStart) && (call.owner || call.hung_up)) return "the owner, or nobody, is recorded";
-  if (line.starts_with("Remote Control ") && call.recording) return "digits are heard while recording";
-  if (line.starts_with(kAnswerAccepted) && line[kAnswerAccepted.size()] != '-' && !call.answer.empty()) {
-    return "a call is answered twice";
-  }
-  return {};
-}
-
-void Remember(const std::string& line, CallSoFar& call) {
-  if (line.starts_with(kOffer)) call = {{kOffer}, "", false, false, false};
-  if (line.starts_with(kAnswer)) call.steps.insert(kAnswer);
-  if (line.starts_with(kAnswerAccepted) && line[kAnswerAccepted.size()] != '-') {
-    call.answer = line.substr(kAnswerAccepted.size());
-  }
-  if (line.starts_with("Proc[LineIndex:0]->" + call.answer + " -")) call.answer.clear();
-  if (line.starts_with(kStart)) call.recording = line.ends_with("->OK");
-  if (line.starts_with("Record Message ")) call.recording = false;
-  if (line.starts_with("Remote Control ")) call.owner = true;
-  if (line == "LineDrop[LineIndex:0]->Proc Num: Success") call.hung_up = true;
-}
-
 }  // namespace
 
 std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines, bool records_lost) {
   std::vector<std::string> faults;
-  CallSoFar call;
+  std::set<std::string_view> steps{""};  // of the present call
+  std::string answer;                    // number of the accepted request to answer
+  bool recording = false, owner = false, hung_up = false;
   for (const auto& line : lines) {
-    if (IsUnexplainedFault(line, records_lost)) faults.push_back("log: " + line);
-    if (const auto misstep = Misstep(line, call); !misstep.empty())
-      faults.push_back("log: " + misstep + ": " + line);
-    Remember(line, call);
+    const auto is = [&](std::string_view begin) { return line.starts_with(begin); };
+    const auto fault = [&](bool found, const std::string& what) {
+      if (found) faults.push_back("log: " + what + ": " + line);
+    };
+    const bool accepted = is(kAccepted) && line[kAccepted.size()] != '-';
+    fault(IsUnexplainedFault(line, records_lost), "a fault without a cause");
+    fault(is(kStart) && (owner || hung_up), "the owner, or nobody, is recorded");
+    fault(is("Remote Control ") && recording, "digits are heard while recording");
+    fault(accepted && !answer.empty(), "a call is answered twice");
+    if (is(kOffer)) {
+      steps = {""};
+      answer.clear();
+      recording = owner = hung_up = false;
+    }
+    if (accepted) answer = line.substr(kAccepted.size());
+    if (is("Proc[LineIndex:0]->" + answer + " -")) answer.clear();
+    if (is(kStart)) recording = line.ends_with("->OK");
+    if (is("Record Message ")) recording = false;
+    owner = owner || is("Remote Control ");
+    hung_up = hung_up || line == "LineDrop[LineIndex:0]->Proc Num: Success";
     for (const auto& step : kSteps) {
-      if (!line.starts_with(step.begins)) continue;
-      if (!call.steps.contains(step.needs))
-        faults.push_back("log: " + line + " without " + std::string(step.needs));
-      if (step.once && call.steps.contains(step.begins)) faults.push_back("log: a second " + line);
-      call.steps.insert(step.begins);
+      if (!is(step.begins)) continue;
+      fault(!steps.contains(step.needs), "a step without " + std::string(step.needs));
+      fault(!steps.insert(step.begins).second && step.once, "a second step");
     }
   }
   return faults;

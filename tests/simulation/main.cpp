@@ -27,17 +27,12 @@ struct Outcome {
 
 /// A caller waits for the beep and talks, and nothing fails.
 void PlayPlainCall(World& world, Promises& promises) {
-  constexpr int kMostRings = 5;
   MendEverything(world);
   promises.whole = true;
   world.Talk();
-  world.line->Offer();
-  for (int ring = 0; ring < kMostRings; ++ring) {
-    world.line->Ring();
-    world.RunFor(1s);
-  }
-  world.RunFor(4s);
-  world.line->HangUp();
+  world.CallAndWaitForRecording();
+  world.RunFor(2s);
+  world.HangUp();
   world.RunFor(kAftermath);
 }
 
@@ -131,23 +126,18 @@ void ShowFailure(std::uint64_t seed, const Outcome& outcome, const char* program
   std::cout << "\n\n" << std::flush;
 }
 
-/// Plays so many worlds (0: no limit) and until `minutes` have passed (0: no limit).
+/// Plays so many worlds, or until `minutes` have passed (0: no limit).
 int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
   const auto begin = SteadyClock::now();
-  auto told = begin;
   std::uint64_t played = 0, calls = 0, failed = 0;
   const auto report = [&] {
     std::cout << calls << " calls simulated in " << played << " worlds from seed " << first_seed << ", "
               << failed << " with broken promises\n"
               << std::flush;
   };
-  for (; (worlds == 0 || played < worlds) && failed < kEnoughToSeeThePattern; ++played) {
-    const auto now = SteadyClock::now();
-    if (minutes > 0 && now - begin >= std::chrono::minutes(minutes)) break;
-    if (now - told >= 60s) {
-      report();
-      told = now;
-    }
+  for (; played < worlds && failed < kEnoughToSeeThePattern; ++played) {
+    if (minutes > 0 && SteadyClock::now() - begin >= std::chrono::minutes(minutes)) break;
+    if (played % 100'000 == 99'999) report();
     const auto outcome = Play(RandomStory(first_seed + played));
     calls += static_cast<std::uint64_t>(outcome.calls);
     if (outcome.broken.empty()) continue;
@@ -164,7 +154,8 @@ int Run(const std::vector<std::string>& arguments, const char* program) {
   };
   const std::string command = arguments.empty() ? "" : arguments[0];
   if (command == "replay") return Replay(number(1, 1), arguments.size() > 2 ? arguments[2] : "");
-  if (command == "soak") return PlaySeeds(0, number(1, 0), number(2, std::random_device()()), program);
+  if (command == "soak")
+    return PlaySeeds(UINT64_MAX, number(1, 0), number(2, std::random_device()()), program);
   return PlaySeeds(number(0, 1000), 0, number(1, 1), program);
 }
 

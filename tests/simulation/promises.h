@@ -42,7 +42,6 @@ class Promises : public TelephonyEvents {
   void CountFiled();
   void CheckFiling(int filed, bool message_only, bool could_be);
   void CheckMessage();
-  void CheckMessages();
   void CheckWindow();
   void Hear(const std::string& path, std::string_view text);
   void CheckActions(std::size_t mails, std::size_t programs);
@@ -64,9 +63,7 @@ class Promises : public TelephonyEvents {
   bool lost_ = false;         ///< records have been taken away
   bool journal_kept_ = true;  ///< all that was to be written to it
   bool stale_ = false;        ///< the list has not been made since then
-  int refused_at_exit_ = 0;
-  bool records_at_exit_ = false;             ///< they could be written
-  bool unsure_ = false;                      ///< the program has ended while the disk or the records failed
+  bool unsure_ = false;       ///< the program has ended while the disk or the records failed
   std::string date_, time_, name_, number_;  ///< the call's
   int written_before_ = 0;                   ///< recordings that were files when the call came in
 };

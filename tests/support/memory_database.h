@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/runtime_error.h"
 #include "platform/database.h"
@@ -34,8 +35,8 @@ class MemoryDatabase : public DatabaseControl {
   void LoseFile() {
     records_.clear();
     identities_.clear();
+    if (current_ != 0) edited_.reset();
     current_ = 0;
-    if (!adding_) edited_.reset();
   }
   /// Adds a record; fields that are not given are empty.
   void Add(const std::map<std::string, std::string>& fields) {
@@ -49,19 +50,15 @@ class MemoryDatabase : public DatabaseControl {
     return open_note;
   }
   RecordTable Query(std::string_view query) override {
-    Require(!gone && query == kGetAll);
-    return {records_};
+    Require(query == kGetAll);
+    return {Table()};
   }
-  std::int32_t RecordCount() override {
-    Require(!gone);
-    return static_cast<std::int32_t>(records_.size());
-  }
+  std::int32_t RecordCount() override { return static_cast<std::int32_t>(Table().size()); }
   std::int32_t CountRecords(std::string_view field, std::string_view value) override {
-    Require(!gone);
     const auto has = [&](const Fields& record) { return record.at(Column(field)) == value; };
-    return static_cast<std::int32_t>(std::ranges::count_if(records_, has));
+    return static_cast<std::int32_t>(std::ranges::count_if(Table(), has));
   }
-  Fields Record(std::int32_t number) override { return *At(number); }
+  Fields Record(std::int32_t number) override { return Table().at(Index(number)); }
   std::int64_t Identity(std::int32_t number) override { return Identities().at(Index(number)); }
   std::int32_t Locate(std::int64_t identity) override {
     const auto& all = Identities();
@@ -69,10 +66,11 @@ class MemoryDatabase : public DatabaseControl {
     return found == all.end() ? 0 : static_cast<std::int32_t>(found - all.begin()) + 1;
   }
   std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) override {
-    const auto& all = Identities();
-    for (auto record = all.size(); record-- > 0;) {
-      const auto is = [&](const FieldValue& one) { return Field(record, one.field) == one.value; };
-      if (all[record] < identity && std::ranges::none_of(unlike, is)) return all[record];
+    for (auto record = RecordCount(); record > 0; --record) {
+      const auto is = [&](const FieldValue& one) {
+        return Record(record).at(Column(one.field)) == one.value;
+      };
+      if (Identity(record) < identity && std::ranges::none_of(unlike, is)) return Identity(record);
     }
     return 0;
   }
@@ -80,7 +78,7 @@ class MemoryDatabase : public DatabaseControl {
     return static_cast<std::int32_t>(Column(field));
   }
   void MoveTo(std::int32_t number) override {
-    At(number);
+    Index(number);
     current_ = number;
     edited_.reset();
   }
@@ -88,14 +86,10 @@ class MemoryDatabase : public DatabaseControl {
   void MoveNext() override { MoveTo(current_ + 1); }
   void AddNew() override {
     Require(!gone);
+    current_ = 0;
     edited_ = Fields(kCallFields.size());
-    adding_ = true;
   }
-  void Edit() override {
-    Require(!gone && current_ != 0);
-    edited_ = *At(current_);
-    adding_ = false;
-  }
+  void Edit() override { edited_ = Record(current_); }
   void SetField(std::string_view field, std::string_view value) override {
     Require(edited_.has_value());
     edited_->at(Column(field)) = value;
@@ -104,30 +98,22 @@ class MemoryDatabase : public DatabaseControl {
     SetField(field, std::to_string(value));
   }
   std::string GetField(std::string_view field) override {
-    Require(edited_ || current_ != 0);
-    return (edited_ ? *edited_ : *At(current_)).at(Column(field));
+    return (edited_ ? *edited_ : Record(current_)).at(Column(field));
   }
   void Update() override {
     Require(!gone && edited_);
     before_write();
     ++writes;
-    if (adding_) {
-      records_.push_back(*edited_);
+    if (current_ == 0) {
+      records_.emplace_back();
       ++added;
       current_ = RecordCount();
-    } else {
-      *At(current_) = *edited_;
     }
+    records_.at(Index(current_)) = *edited_;
     edited_.reset();
   }
-  void Delete() override {
-    Require(!gone && current_ != 0);
-    Erase(current_ - 1, current_);
-  }
-  void DeleteFirst(std::int32_t number) override {
-    At(number);
-    Erase(0, number);
-  }
+  void Delete() override { Erase(static_cast<std::int32_t>(Index(current_)), current_); }
+  void DeleteFirst(std::int32_t number) override { Erase(0, number); }
   void DeleteAll() override { Erase(0, RecordCount()); }
 
  private:
@@ -139,23 +125,24 @@ class MemoryDatabase : public DatabaseControl {
     if (found == kCallFields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return static_cast<std::size_t>(found - kCallFields.begin());
   }
-  std::size_t Index(std::int32_t number) {
+  const std::vector<Fields>& Table() const {
     Require(!gone);
-    const auto index = static_cast<std::size_t>(number) - 1;
-    if (number < 1 || index >= records_.size()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
-    return index;
+    return records_;
   }
-  std::vector<Fields>::iterator At(std::int32_t number) {
-    return records_.begin() + static_cast<std::ptrdiff_t>(Index(number));
+  std::size_t Index(std::int32_t number) const {
+    if (number < 1 || static_cast<std::size_t>(number) > Table().size())
+      throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return static_cast<std::size_t>(number) - 1;
   }
+  /// Records can be changed from outside: they get their identities when they are looked at.
   const std::vector<std::int64_t>& Identities() {
-    Require(!gone);
-    identities_.resize(std::min(identities_.size(), records_.size()));
+    identities_.resize(std::min(identities_.size(), Table().size()));
     while (identities_.size() < records_.size()) identities_.push_back(++last_identity_);
     return identities_;
   }
   /// The records with the indices from `first` to before `end`.
   void Erase(std::int32_t first, std::int32_t end) {
+    if (end > 0) Index(end);
     before_write();
     Identities();
     identities_.erase(identities_.begin() + first, identities_.begin() + end);
@@ -164,11 +151,10 @@ class MemoryDatabase : public DatabaseControl {
   }
 
   std::vector<Fields> records_;
-  std::vector<std::int64_t> identities_;  ///< follows records_ when it is looked at
+  std::vector<std::int64_t> identities_;
   std::int64_t last_identity_ = 0;
-  std::int32_t current_ = 0;
+  std::int32_t current_ = 0;  ///< 0: none, or the record that is being added
   std::optional<Fields> edited_;
-  bool adding_ = false;
 };
 
 }  // namespace orven::test

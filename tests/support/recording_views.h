@@ -2,11 +2,13 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "platform/audio_device.h"
+#include "platform/data_exchange.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/mail.h"
@@ -28,15 +30,11 @@ class RecordingCallerView : public CallerViewWindow {
 
   bool open = false;
   CallerCommands commands = CallerCommands::None;
-  std::int32_t top = 0;
   std::vector<std::int32_t> tops;
-  std::string name, number, path;
+  std::string name, path;
 
   std::int32_t Height() const noexcept override { return kHeight; }
-  void MoveTo(std::int32_t where) noexcept override {
-    top = where;
-    tops.push_back(where);
-  }
+  void MoveTo(std::int32_t top) noexcept override { tops.push_back(top); }
   void Load() noexcept override {
     open = true;
     commands = CallerCommands::All;
@@ -49,9 +47,8 @@ class RecordingCallerView : public CallerViewWindow {
   }
   void ShowStatus(const std::string& text) noexcept override { effect_("view:" + text); }
   void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
-  void ShowCaller(const std::string& caller_name, const std::string& caller_number) noexcept override {
-    name = caller_name;
-    number = caller_number;
+  void ShowCaller(const std::string& caller, const std::string& /*number*/) noexcept override {
+    name = caller;
   }
   void ShowTime(const std::string& /*date*/, const std::string& /*time*/) noexcept override {}
   void ShowMessagePath(const std::string& message) noexcept override { path = message; }
@@ -85,10 +82,9 @@ class RecordingViews : public WholeMainWindow {
   MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, caller_view}; }
 
   // The line.
-  std::vector<std::string> statuses;
   bool line_on = false;
-  std::string Status() const { return statuses.empty() ? "" : statuses.back(); }
-  void ShowStatus(const std::string& text) override { statuses.push_back(text); }
+  const std::string& Status() const { return status_; }
+  void ShowStatus(const std::string& text) override { status_ = text; }
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
 
   // The boxes.
@@ -111,12 +107,10 @@ class RecordingViews : public WholeMainWindow {
   bool quick_toolbar = false;
   int tray_menus = 0;
   std::uint32_t list_style = 0;
-  std::map<Toolbar, std::uint32_t> toolbar_styles;
+  mutable std::map<Toolbar, std::uint32_t> toolbar_styles;
   WindowGeometry Geometry() const override { return geometry; }
   void Place(const WindowGeometry& place) override { geometry = place; }
-  std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override {
-    return toolbar_styles.contains(toolbar) ? toolbar_styles.at(toolbar) : 0;
-  }
+  std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override { return toolbar_styles[toolbar]; }
   void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override {
     toolbar_styles[toolbar] = style;
   }
@@ -169,15 +163,14 @@ class RecordingViews : public WholeMainWindow {
   bool slider_enabled = true;
   std::int32_t slider = -1;
   Waveform waveform;
-  std::string clock_time, clock_date;
+  std::string clock;
   void SetSliderRange(std::int32_t /*first*/, std::int32_t /*last*/) override {}
   void EnableSlider(bool on) override { slider_enabled = on; }
   void ShowSlider(std::int32_t value) override { slider = value; }
   void ShowWaveform(const Waveform& picture) override { waveform = picture; }
   void ShowProgress(std::chrono::milliseconds /*position*/, std::chrono::milliseconds /*length*/) override {}
   void ShowClock(const std::string& time, const std::string& date) noexcept override {
-    clock_time = time;
-    clock_date = date;
+    clock = time + ' ' + date;
   }
 
   // What a call sets off, in order: "view", "view:New Call", "sound:/…", "action:Mail".
@@ -193,6 +186,7 @@ class RecordingViews : public WholeMainWindow {
   }
 
  private:
+  std::string status_;
   static std::size_t At(std::int32_t index) { return static_cast<std::size_t>(index) - 1; }
 };
 
@@ -285,8 +279,8 @@ class RecordingDialogFactory : public DialogFactory {
 class ScriptedDialogs : public Dialogs {
  public:
   std::vector<std::string> messages, informations;
-  std::optional<std::string> save_as;
-  std::string save_title, save_filter, save_name;
+  std::optional<std::string> chosen;  ///< in the next file dialogs
+  std::vector<std::string> chooser;   ///< the title, filter and name of the latest one
   void Message(const std::string& text) override { messages.push_back(text); }
   std::function<void()> while_open = [] {};
   void Information(const std::string& text) override {
@@ -304,23 +298,57 @@ class ScriptedDialogs : public Dialogs {
   }
   std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
                                     const std::string& name) override {
-    save_title = title;
-    save_filter = filter;
-    save_name = name;
-    return save_as;
+    chooser = {title, filter, name};
+    return chosen;
   }
-  std::string browsed, browse_title;
   std::string BrowseFolder(const std::string& title, const std::string& /*present*/) override {
-    browse_title = title;
-    return browsed;
+    chooser = {title};
+    return chosen.value_or("");
   }
-  std::optional<std::string> open_file;
-  std::string open_title, open_filter;
   std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override {
-    open_title = title;
-    open_filter = filter;
-    return open_file;
+    chooser = {title, filter};
+    return chosen;
   }
+};
+
+/// A speech helper that takes every message and says what a test lets it say.
+class ScriptedExchange : public DataExchange {
+ public:
+  std::vector<std::string> sent;
+  std::vector<std::int32_t> checked;  ///< the argument of every OpenCheck
+  bool up = true;
+  bool takes = true;  ///< messages can be sent
+  bool closed = false;
+  std::function<void()> while_waiting = [] {};  ///< what else happens inside the next OpenCheck
+  std::function<void(const std::string&)> on_message = [](const std::string&) {};
+
+  void Say(const std::string& text) {
+    if (events_ != nullptr) events_->DataArrival(text);
+  }
+  void Die() {
+    up = false;
+    if (events_ != nullptr) events_->LinkLost();
+  }
+
+  void SetEvents(DataExchangeEvents* events) override { events_ = events; }
+  bool OpenCheck(std::int32_t seconds) override {
+    checked.push_back(seconds);
+    std::exchange(while_waiting, [] {})();
+    return up;
+  }
+  bool Send(const std::string& text) override {
+    if (!up || !takes) return false;
+    sent.push_back(text);
+    on_message(text);
+    return true;
+  }
+  void Close() override {
+    closed = true;
+    up = false;
+  }
+
+ private:
+  DataExchangeEvents* events_ = nullptr;
 };
 
 class ScriptedSystem : public OperatingSystem {

@@ -19,19 +19,18 @@ namespace orven::test {
 /// and a recording is as long as it ran. It records what it was asked to do.
 class TimedWave : public WaveControl {
  public:
+  using milliseconds = std::chrono::milliseconds;
+
   TimedWave(VirtualTime& time, MemoryFiles& files) : time_(time), files_(files) {}
 
   /// Content of a sound file of this length.
-  static std::string Sound(std::chrono::milliseconds length) {
+  static std::string Sound(milliseconds length) {
     return std::string(kMark) + std::to_string(length.count());
   }
 
   // What goes wrong from now on: results that the operations give.
-  std::int32_t play_result = kWaveOk;
-  std::int32_t query_result = kWaveOk;
-  std::int32_t start_result = kWaveOk;
-  std::int32_t stop_result = kWaveOk;
-  std::int32_t monitor_result = kWaveOk;
+  std::int32_t play_result = kWaveOk, query_result = kWaveOk, start_result = kWaveOk;
+  std::int32_t stop_result = kWaveOk, monitor_result = kWaveOk;
 
   /// Called for every file that is to be played.
   std::function<void(const std::string&)> on_play = [](const std::string&) {};
@@ -39,35 +38,26 @@ class TimedWave : public WaveControl {
   /// How loud the line is now, in thousandths.
   std::function<std::int32_t()> level = [] { return 0; };
 
-  struct Played {
-    std::string path;
-    std::int32_t device;
-    bool operator==(const Played&) const = default;
-  };
-  std::vector<Played> played;           ///< every file that was started
+  using Played = std::pair<std::string, std::int32_t>;
+  std::vector<Played> played;           ///< every file that was started, with its device
   std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
   std::vector<std::int32_t> monitored;  ///< the device of every live play
   int written = 0;                      ///< messages that became files
   int takes = 0;                        ///< recordings from a sound card that became files
   std::vector<std::string> unsaved;     ///< recordings that could not get their name
   std::string last_recorded_path;
-  std::chrono::milliseconds last_recorded_length{0};
+  milliseconds last_recorded_length{0};
   bool to_disk = false;
 
-  /// The file in which a recording grows on the disk.
-  struct Growing {
-    std::string path;
-    std::string content;
-  };
-  std::optional<Growing> GrowingFile() const {
+  /// Path and content of the file in which a recording grows on the disk.
+  std::optional<std::pair<std::string, std::string>> GrowingFile() const {
     if (!recording_since_ || !to_disk) return std::nullopt;
-    return Growing{record_folder + ".recording-" + record_name_ + "-7-1.wav.part",
-                   Sound(time_.Uptime() - *recording_since_)};
+    return std::pair{record_folder + ".recording-" + record_name_ + "-7-1.wav.part", Sound(Recorded())};
   }
 
   /// The program is killed: everything stops, and what was recorded is left in the file that grows.
   void Crash() {
-    if (const auto growing = GrowingFile()) files_.Put(growing->path, growing->content);
+    if (const auto growing = GrowingFile()) files_.Put(growing->first, growing->second);
     recording_since_.reset();
     StopPlay();
   }
@@ -92,8 +82,7 @@ class TimedWave : public WaveControl {
   }
   std::int32_t StopRecordToFile(const std::string& path) override {
     if (!IsRecording()) return kWaveNotRecording;
-    const auto length = time_.Uptime() - *recording_since_;
-    const auto result = Store(path, length);
+    const auto result = Store(path, Recorded());
     recording_since_.reset();
     return result;
   }
@@ -114,7 +103,7 @@ class TimedWave : public WaveControl {
     played.push_back({path, device});
     playing_ = true;
     play_length_ = *length;
-    PlayFrom(std::chrono::milliseconds(0));
+    Seek({});
     return kWaveOk;
   }
   std::string PlayErrorText(std::int32_t code) const override { return Text(code); }
@@ -123,11 +112,16 @@ class TimedWave : public WaveControl {
     playing_ = false;
     ++play_;
   }
-  std::chrono::milliseconds Position() const override {
-    return playing_ ? time_.Uptime() - beginning_ : std::chrono::milliseconds(0);
-  }
-  void Seek(std::chrono::milliseconds position) override {
-    if (playing_) PlayFrom(std::clamp(position, std::chrono::milliseconds(0), play_length_));
+  milliseconds Position() const override { return playing_ ? time_.Uptime() - beginning_ : milliseconds(0); }
+  void Seek(milliseconds position) override {
+    if (!playing_) return;
+    position = std::clamp(position, milliseconds(0), play_length_);
+    beginning_ = time_.Uptime() - position;
+    time_.After(play_length_ - position, [this, play = ++play_] {
+      if (play != play_ || !playing_) return;
+      playing_ = false;
+      if (events_ != nullptr) events_->PlayFinished();
+    });
   }
   double FileLength(const std::string& path) const override {
     const auto length = LengthOf(path);
@@ -139,7 +133,7 @@ class TimedWave : public WaveControl {
   static std::string Text(std::int32_t code) {
     return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
   }
-  std::int32_t Store(const std::string& path, std::chrono::milliseconds length) {
+  std::int32_t Store(const std::string& path, milliseconds length) {
     if (from_line_) {
       last_recorded_path = path;
       last_recorded_length = length;
@@ -156,30 +150,23 @@ class TimedWave : public WaveControl {
     from_line_ ? ++written : ++takes;
     return kWaveOk;
   }
-  std::optional<std::chrono::milliseconds> LengthOf(const std::string& path) const {
+  std::optional<milliseconds> LengthOf(const std::string& path) const {
     const auto content = files_.Content(path);
     if (!content.starts_with(kMark)) return std::nullopt;
-    return std::chrono::milliseconds(std::stoll(content.substr(kMark.size())));
+    return milliseconds(std::stoll(content.substr(kMark.size())));
   }
-  void PlayFrom(std::chrono::milliseconds position) {
-    beginning_ = time_.Uptime() - position;
-    time_.After(play_length_ - position, [this, play = ++play_] {
-      if (play != play_ || !playing_) return;
-      playing_ = false;
-      if (events_ != nullptr) events_->PlayFinished();
-    });
-  }
+  milliseconds Recorded() const { return time_.Uptime() - *recording_since_; }
 
   VirtualTime& time_;
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
-  std::optional<std::chrono::milliseconds> recording_since_;
+  std::optional<milliseconds> recording_since_;
   std::string record_name_;
   bool from_line_ = false;  ///< the recording
   bool playing_ = false;
-  std::chrono::milliseconds play_length_{0};
-  std::chrono::milliseconds beginning_{0};  ///< the uptime at which position 0 was, or would have been
-  std::uint64_t play_ = 0;                  ///< tells a finished play from a later one
+  milliseconds play_length_{0};
+  milliseconds beginning_{0};  ///< the uptime at which position 0 was, or would have been
+  std::uint64_t play_ = 0;     ///< tells a finished play from a later one
 };
 
 }  // namespace orven::test

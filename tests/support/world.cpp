@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/world.h"
 
-#include <algorithm>
 #include <sstream>
 
 #include "base/runtime_error.h"
@@ -80,29 +79,17 @@ void World::Crash() {
   Build();
 }
 
-World& World::Start() {
-  window->Show();
-  return *this;
-}
-
 std::vector<std::string> World::LogLines(const std::string& suffix) const {
   constexpr std::size_t kTime = 11;  // "14:05:07 : "
   std::vector<std::string> lines;
   const auto folder = std::string(kHome) + "/Log/";
   for (const auto& name : files.List(folder, "*" + suffix)) {
-    const auto content = files.Content(folder + name);
-    for (std::size_t begin = 0; begin < content.size();) {
-      const auto end = content.find("\r\n", begin);
-      lines.push_back(content.substr(begin + kTime, end - begin - kTime));
-      begin = end + 2;
+    std::istringstream content(files.Content(folder + name));
+    for (std::string text; std::getline(content, text);) {
+      lines.push_back(text.substr(kTime, text.size() - kTime - 1));  // without its '\r'
     }
   }
   return lines;
-}
-
-bool World::Logged(const std::string& text) const {
-  const auto lines = SystemLog();
-  return std::find(lines.begin(), lines.end(), text) != lines.end();
 }
 
 void World::CallAndWaitForAnswer() {

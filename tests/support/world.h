@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -10,12 +11,10 @@
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
 #include "shell/main_window.h"
-#include "support/failing_disk.h"
 #include "support/memory_database.h"
 #include "support/memory_files.h"
 #include "support/memory_registry.h"
 #include "support/recording_views.h"
-#include "support/scripted_exchange.h"
 #include "support/timed_wave.h"
 
 namespace orven::test {
@@ -31,7 +30,10 @@ class World {
   World();
 
   /// Starts the program; settings are changed before.
-  World& Start();
+  World& Start() {
+    window->Show();
+    return *this;
+  }
 
   /// The program is killed, as it stands, and not started again yet: what is on disk is all that is left.
   void Crash();
@@ -39,15 +41,14 @@ class World {
   /// The log without its times.
   std::vector<std::string> SystemLog() const { return LogLines("_Sys.txt"); }
   std::vector<std::string> CallsLog() const { return LogLines("_Calls.txt"); }
-  bool Logged(const std::string& text) const;
+  bool Logged(const std::string& text) const { return std::ranges::count(SystemLog(), text) > 0; }
   /// Log lines that were written by `action`.
   template <class Action>
   std::vector<std::string> LoggedBy(Action action) {
     const auto before = SystemLog().size();
     action();
-    auto lines = SystemLog();
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
-    return lines;
+    const auto lines = SystemLog();
+    return {lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()};
   }
 
   /// A call is offered and rings until the machine has answered it.

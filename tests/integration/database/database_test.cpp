@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "adapters/database/sqlite_database.h"
-#include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

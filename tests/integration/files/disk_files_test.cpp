@@ -10,7 +10,6 @@
 #include "base/durable_file.h"
 #include "base/runtime_error.h"
 #include "base/unicode.h"
-#include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
 #include "support/test_loop.h"
 

@@ -5,7 +5,6 @@
 #include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
 #include "base/unicode.h"
-#include "support/file_size_limit.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

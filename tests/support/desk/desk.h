@@ -23,7 +23,6 @@
 #include "support/desk/silent_card.h"
 #include "support/recording_views.h"
 #include "support/scratch_folder.h"
-#include "support/scripted_exchange.h"
 
 namespace orven::test {
 
