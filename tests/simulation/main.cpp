@@ -11,8 +11,6 @@
 namespace orven::test {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-
 constexpr std::uint64_t kEnoughToSeeThePattern = 5;
 
 /// Longest time that anything started by a story goes on after it: an answer under way, a silence limit, a
@@ -128,7 +126,7 @@ void ShowFailure(std::uint64_t seed, const Outcome& outcome, const char* program
 
 /// Plays so many worlds, or until `minutes` have passed (0: no limit).
 int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
-  const auto begin = SteadyClock::now();
+  const auto begin = std::chrono::steady_clock::now();
   std::uint64_t played = 0, calls = 0, failed = 0;
   const auto report = [&] {
     std::cout << calls << " calls simulated in " << played << " worlds from seed " << first_seed << ", "
@@ -136,7 +134,7 @@ int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_s
               << std::flush;
   };
   for (; played < worlds && failed < kEnoughToSeeThePattern; ++played) {
-    if (minutes > 0 && SteadyClock::now() - begin >= std::chrono::minutes(minutes)) break;
+    if (minutes > 0 && std::chrono::steady_clock::now() - begin >= std::chrono::minutes(minutes)) break;
     if (played % 100'000 == 99'999) report();
     const auto outcome = Play(RandomStory(first_seed + played));
     calls += static_cast<std::uint64_t>(outcome.calls);

@@ -132,11 +132,7 @@ constexpr Event kMeanwhile[] = {
      [](World& world, int) {
        if (world.Machine().microphone.Recording()) world.Machine().microphone.Stop();
      }},
-    {10, 1, "list cleared",
-     [](World& world, int) {
-       world.database.Records().clear();
-       world.Machine().ListView1.makeList();
-     }},
+    {10, 1, "clear", [](World& world, int) { world.Machine().list_commands.Clear(); }},
     {10, 1, "the records' file is lost", [](World& world, int) { world.database.LoseFile(); }},
     {25, 1, "the clock: summer time begins", [](World& world, int) { world.time.TurnClock(1h); }},
     {25, 1, "the clock: summer time ends", [](World& world, int) { world.time.TurnClock(-1h); }},

@@ -23,8 +23,6 @@ namespace orven::test {
 /// The caller view's window, by what it was told.
 class RecordingCallerView : public CallerViewWindow {
  public:
-  static constexpr std::int32_t kHeight = 2850;
-
   /// `effect` hears "view", "view:New Call" ….
   explicit RecordingCallerView(std::function<void(const std::string&)> effect) : effect_(std::move(effect)) {}
 
@@ -33,7 +31,7 @@ class RecordingCallerView : public CallerViewWindow {
   std::vector<std::int32_t> tops;
   std::string name, path;
 
-  std::int32_t Height() const noexcept override { return kHeight; }
+  std::int32_t Height() const noexcept override { return 2850; }
   void MoveTo(std::int32_t top) noexcept override { tops.push_back(top); }
   void Load() noexcept override {
     open = true;
@@ -176,9 +174,7 @@ class RecordingViews : public WholeMainWindow {
   // What a call sets off, in order: "view", "view:New Call", "sound:/…", "action:Mail".
   std::vector<std::string> effects;
   std::function<void(const std::string&)> on_effect = [](const std::string&) {};
-  bool Had(const std::string& effect) const {
-    return std::find(effects.begin(), effects.end(), effect) != effects.end();
-  }
+  bool Had(const std::string& effect) const { return std::ranges::count(effects, effect) > 0; }
   RecordingCallerView caller_view{[this](const std::string& effect) { Effect(effect); }};
   void Effect(const std::string& effect) {
     effects.push_back(effect);
@@ -194,14 +190,12 @@ class RecordingViews : public WholeMainWindow {
 class ScriptedShell : public Shell {
  public:
   bool notification_area = true;
-  bool icon_there = false;
   NotifyIconData icon;
   std::vector<NotifyRequest> requests;
   std::vector<std::string> opened;
   bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) override {
+    const bool done = (request == NotifyRequest::Add) == requests.empty();
     requests.push_back(request);
-    const bool done = (request == NotifyRequest::Add) != icon_there;
-    icon_there = true;
     if (done) icon = data;
     return done;
   }

@@ -11,7 +11,7 @@
 #include "base/runtime_error.h"
 #include "platform/audio_device.h"
 #include "platform/wave.h"
-#include "support/memory_files.h"
+#include "support/memory_disk.h"
 
 namespace orven::test {
 
@@ -93,7 +93,7 @@ class TimedWave : public WaveControl {
     return monitor_result;
   }
   std::int32_t StopMonitor() override { return kWaveOk; }
-  std::string RecordErrorText(std::int32_t code) const override { return Text(code); }
+  std::string RecordErrorText(std::int32_t code) const override { return PlayErrorText(code); }
   std::int32_t PlayFile(const std::string& path, std::int32_t device) override {
     if (playing_) return kWaveBusy;
     on_play(path);
@@ -106,7 +106,9 @@ class TimedWave : public WaveControl {
     Seek({});
     return kWaveOk;
   }
-  std::string PlayErrorText(std::int32_t code) const override { return Text(code); }
+  std::string PlayErrorText(std::int32_t code) const override {
+    return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
+  }
   bool IsPlaying() const override { return playing_; }
   void StopPlay() override {
     playing_ = false;
@@ -130,9 +132,6 @@ class TimedWave : public WaveControl {
 
  private:
   static constexpr std::string_view kMark = "sound ";
-  static std::string Text(std::int32_t code) {
-    return code == kWaveOk ? "OK" : "wave error " + std::to_string(code);
-  }
   std::int32_t Store(const std::string& path, milliseconds length) {
     if (from_line_) {
       last_recorded_path = path;

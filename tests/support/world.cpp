@@ -93,9 +93,8 @@ std::vector<std::string> World::LogLines(const std::string& suffix) const {
 }
 
 void World::CallAndWaitForAnswer() {
-  constexpr int kMostRings = 20;
   line->Offer();
-  for (int ring = 0; ring < kMostRings && !line->IsAnswered() && line->HasCall(); ++ring) {
+  for (int ring = 0; ring < 20 && !line->IsAnswered() && line->HasCall(); ++ring) {
     line->Ring();
     time.RunFor(1s);
   }
@@ -121,10 +120,6 @@ void World::HangUp() {
 void World::AddMessage(const std::string& name, std::chrono::milliseconds length) {
   files.Put(messages + name, TimedWave::Sound(length));
   database.Add({{kCallMassageName, name}, {kType, "1"}, {kRead, "0"}, {kCallName, "Anna"}});
-}
-
-void World::AddCallWithoutMessage() {
-  database.Add({{kCallMassageName, "none.wav"}, {kType, "-1"}, {kRead, "0"}, {kCallName, "Ben"}});
 }
 
 }  // namespace orven::test

@@ -12,8 +12,7 @@
 #include "adapters/line/sim/virtual_time.h"
 #include "shell/main_window.h"
 #include "support/memory_database.h"
-#include "support/memory_files.h"
-#include "support/memory_registry.h"
+#include "support/memory_disk.h"
 #include "support/recording_views.h"
 #include "support/timed_wave.h"
 
@@ -61,7 +60,9 @@ class World {
   void HangUp();
   void RunFor(std::chrono::milliseconds duration) { time.RunFor(duration); }
   void AddMessage(const std::string& name, std::chrono::milliseconds length);
-  void AddCallWithoutMessage();
+  void AddCallWithoutMessage() {
+    database.Add({{kCallMassageName, "none.wav"}, {kType, "-1"}, {kRead, "0"}, {kCallName, "Ben"}});
+  }
 
   AnsweringMachine& Machine() { return window->Machine(); }
   const Call& CurrentCall() { return Machine().call; }

@@ -7,7 +7,7 @@
 
 #include "adapters/desktop/autostart.h"
 #include "adapters/desktop/desktop_system.h"
-#include "support/memory_registry.h"
+#include "support/memory_disk.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

@@ -106,17 +106,17 @@ TEST_F(Recovery, AMessageThatFoundNoRoomIsFiledByTheNextStartUnlessItsRecordWasD
     EXPECT_EQ(database_full ? 0U : 1U, Filed().size());
     if (fate == "deleted") Machine().calls.DeleteItemIndex(1);
     Crash();
-    if (fate != "deleted") files.Put(growing.path, growing.content);
+    if (fate != "deleted") files.Put(growing.first, growing.second);
     if (fate == "journal lost") files.Delete(kJournal);
     RunFor(60s);
     database_full = false;
     for (int starts = 0; starts < 2; ++starts) {
       Start();
-      EXPECT_FALSE(files.Exists(growing.path) || files.Exists(kJournal));
+      EXPECT_FALSE(files.Exists(growing.first) || files.Exists(kJournal));
       ASSERT_EQ(fate == "deleted" ? 0U : 1U, Filed().size());
       if (fate != "deleted") {
         EXPECT_THAT(Filed()[0], testing::AllOf(StartsWith("Anna 50%"), EndsWith(" 2")));
-        EXPECT_EQ(growing.content, files.Content(messages + MessageName()));
+        EXPECT_EQ(growing.second, files.Content(messages + MessageName()));
       }
       Crash();
       if (fate == "call not filed" && starts == 0) files.Put(kJournal, early_journal);  // by a loss of power
@@ -261,7 +261,7 @@ bool KillAt(World& world, std::uint64_t number, const std::function<void()>& act
   bool killed = false;
   world.disk.on_failure = [&](const std::string&) {
     const auto growing = world.Wave1.GrowingFile();
-    if (!std::exchange(killed, true) && growing) world.files.Put(growing->path, growing->content);
+    if (!std::exchange(killed, true) && growing) world.files.Put(growing->first, growing->second);
   };
   world.disk.FailAt(number);
   act();

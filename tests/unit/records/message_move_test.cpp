@@ -181,17 +181,17 @@ TEST_F(MessageMoveTest, AMessageIsFoundInEitherFolderWhileTheyMove) {
   auto& machine = Machine();
   machine.ListView1.Select(4);
   machine.player.Play();
-  EXPECT_EQ(WavePlay.played.back().path, kNew + "1.wav");
+  EXPECT_EQ(WavePlay.played.back().first, kNew + "1.wav");
   for (const auto row : {4, 3}) {  // 1.wav and 2.wav
     machine.ListView1.Select(row);
-    dialogs.save_as = "/home/me/" + std::to_string(row);
+    dialogs.chosen = "/home/me/" + std::to_string(row);
     machine.list_commands.Save();
-    EXPECT_EQ(files.Content(*dialogs.save_as), TimedWave::Sound(5s));
+    EXPECT_EQ(files.Content(*dialogs.chosen), TimedWave::Sound(5s));
   }
   CallAndWaitForAnswer();
   Press("4711*");
   RunFor(16s);
-  EXPECT_EQ(Wave1.played.back().path, kNew + "1.wav");
+  EXPECT_EQ(Wave1.played.back().first, kNew + "1.wav");
   Call call;
   call.message_file_name = "1.wav";
   call.message_left = true;
