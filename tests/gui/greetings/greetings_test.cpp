@@ -49,7 +49,7 @@ class CreatorWindow : public WindowTest {
   /// What was sent to the helper since the last call, separated by "|".
   std::string Sent() {
     std::string all;
-    for (const auto& message : world.uDat.TakeSent()) all += (all.empty() ? "" : "|") + message;
+    for (const auto& message : std::exchange(world.uDat.sent, {})) all += (all.empty() ? "" : "|") + message;
     return all;
   }
   /// From now on the helper writes each file that it is asked for.

@@ -36,7 +36,7 @@ class EventsWindow : public WindowTest {
   }
   void Add(const char* button, const std::string& path) {
     world.files.Put(path, "added");
-    world.dialogs.open_file = path;
+    world.dialogs.chosen = path;
     Click(button);
   }
 
@@ -68,11 +68,11 @@ TEST_F(EventsWindow, ShowsTheSettingsOnTheRequestedTab) {
 
 TEST_F(EventsWindow, ToolbarsPlayAddAndDeleteSoundsAndBothListsFollow) {
   Click("tlbrPlayWhenMessage.Play");
-  EXPECT_EQ(world.WavePlay.played.back().path, library + "idle.wav");
+  EXPECT_EQ(world.WavePlay.played.back().first, library + "idle.wav");
   Click("tlbrPlayWhenMessage.Stop");
   EXPECT_FALSE(world.WavePlay.IsPlaying());
   Click("tlbrPlayWhenCall.Add");
-  EXPECT_EQ(world.dialogs.open_filter, std::string("wav (*.wav)\0*.wav\0", 18));
+  EXPECT_EQ(world.dialogs.chooser[1], std::string("wav (*.wav)\0*.wav\0", 18));
   EXPECT_EQ(Sounds(), "idle [ring] | [idle] ring | ") << "no file was chosen";
   Add("tlbrPlayWhenCall.Add", "/home/anna/horn.wav");
   EXPECT_EQ(Sounds(), "[horn] idle ring | horn [idle] ring | ");

@@ -171,7 +171,7 @@ TEST_F(OptionsWindow, StaysWhileMessagesMoveAndKeepsTheNewFolderThoughItIsCancel
   world.background.takes = 1s;
   Do("cmdBrowsMessagesPath");
   EXPECT_TRUE(Enabled("cmdOK")) << "no folder was chosen";
-  world.dialogs.browsed = "/mnt/new";
+  world.dialogs.chosen = "/mnt/new";
   Do("cmdBrowsMessagesPath 2s 500ms");
   ExpectShown({{"lblMoving", "Moving the messages: 1 of 2"}});
   EXPECT_FALSE(Enabled("cmdOK") || Enabled("cmdCancel") || Enabled("cmdBrowsMessagesPath"));
@@ -188,7 +188,7 @@ TEST_F(OptionsWindow, TheGreetingsButtonsWorkOnTheNameThatIsSelected) {
   auto& list = Get<QComboBox>("CmbGreetsMessages");
   list.setCurrentIndex(list.findText("hello", Qt::MatchFixedString | Qt::MatchCaseSensitive));
   Press("Play");
-  EXPECT_EQ(world.WavePlay.played.back().path, Greeting("hello"));
+  EXPECT_EQ(world.WavePlay.played.back().first, Greeting("hello"));
   for (const char* key : {"Stop", "Add"}) Press(key);
   EXPECT_TRUE(!world.WavePlay.IsPlaying() && Shown("CmbGreetsMessages") == "hello");
   made = "Away";

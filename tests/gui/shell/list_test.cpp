@@ -118,7 +118,7 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
 
 TEST_F(List, DeletesSavesAndClearsAndOffersNothingForAnEmptyList) {
   const auto copy = desk.home / "copy.wav";
-  desk.dialogs.save_as = copy;
+  desk.dialogs.chosen = copy;
   for (const auto& command : {"mnuSave", "mnuRCSave"}) {
     desk.Do(command);
     ASSERT_TRUE(QTest::qWaitFor([&] { return desk.files.Exists(copy); })) << command;

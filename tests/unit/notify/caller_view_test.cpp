@@ -109,7 +109,7 @@ TEST_F(CallerViewTest, AClosingViewDoesNotHideTheNextAnnouncement) {
   EXPECT_TRUE(view.IsClosing());
   RunFor(1s);
   EXPECT_TRUE(view.IsOpen() && views.Had("view:Call ended"));
-  EXPECT_EQ(shown.top, 0);
+  EXPECT_EQ(shown.tops.back(), 0);
   view.Close();
   Ring();
   EXPECT_TRUE(view.IsOpen() && !view.IsClosing());
