@@ -7,18 +7,13 @@
 #include <limits>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace orven {
 namespace {
 
-std::string_view Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 double ToDouble(std::string_view text) {
-  text = Trimmed(text);
+  text = Trimmed(text, " \t");
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   // from_chars would accept "inf" and "nan".
   if (text.find_first_not_of("+-.0123456789eE") != std::string_view::npos) {

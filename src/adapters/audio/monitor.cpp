@@ -8,8 +8,6 @@ namespace orven {
 namespace {
 
 using namespace std::chrono_literals;
-
-using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
 
 /// Blocks come every 20 ms; a second without one is more than jitter.

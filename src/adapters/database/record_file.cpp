@@ -7,6 +7,7 @@
 
 #include "adapters/database/salvage.h"
 #include "base/durable_file.h"
+#include "base/text.h"
 
 namespace orven {
 
@@ -26,13 +27,6 @@ std::vector<std::string> ColumnsOf(SqliteConnection& connection, const std::stri
   std::vector<std::string> columns;
   while (statement.Step()) columns.push_back(statement.Text(0));
   return columns;
-}
-
-std::string Lower(std::string text) {
-  for (char& letter : text) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return text;
 }
 
 std::string ListOf(const std::vector<std::string>& fields) {
