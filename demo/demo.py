@@ -150,7 +150,7 @@ def check_mail(answering_machine, inbox, message):
     check(attachments[0].get_content_type() == "audio/x-wav", f"Its file is {attachments[0].get_content_type()}")
     with open(message, "rb") as file:
         check(attachments[0].get_payload(decode=True) == file.read(), "Its file is not the message")
-    step(f"It carries {attachments[0].get_filename()}, bit by bit the message")
+    step(f"It carries {attachments[0].get_filename()}, identical to the message")
 
 
 def check_program(answering_machine, notebook, record):
