@@ -11,7 +11,8 @@ namespace orven::bench {
 /// The durations of all runs of an operation, in milliseconds.
 using Times = std::vector<double>;
 
-/// Runs `operation` once to warm up, then measures `count` runs; `prepare`, before each, is not measured.
+/// Runs `operation` once to warm up, then measures `count` runs; `prepare` runs before each of them and is
+/// not measured.
 template <class Operation, class Prepare>
 Times Measure(int count, Operation operation, Prepare prepare) {
   using Clock = std::chrono::steady_clock;

@@ -65,7 +65,7 @@ void ReadNoiseAsLines(benchmark::State& state) {
 }
 BENCHMARK(ReadNoiseAsLines)->Unit(benchmark::kMillisecond);
 
-/// When the noise contains an end of audio, the next audio starts at once.
+/// When the noise contains an end-of-audio code, the next audio starts at once.
 void ReadNoiseAsSound(benchmark::State& state) {
   Count count;
   Noise();

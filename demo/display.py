@@ -73,7 +73,8 @@ class Display:
 
     def __init__(self, folder, variables=None):
         self._folder, self._children = folder, []
-        # libxkbcommon-x11 copies counted texts, which that check of AddressSanitizer takes for endless ones.
+        # libxkbcommon-x11 copies texts of known length without a terminating zero, which strict_string_checks
+        # would report.
         lenient = os.environ.get("ASAN_OPTIONS", "") + ":strict_string_checks=0"
         self.variables = {"ASAN_OPTIONS": lenient, **(variables or {})}
 

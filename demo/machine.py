@@ -85,7 +85,7 @@ class Machine:
         folder = os.path.join(self._folder, name.replace(" ", ""))
         return telephone.Telephone(folder, name, number, meanwhile=self.look, encrypted=self.encrypted)
 
-    # Its folder; to be changed only while it is not running.
+    # The machine's folder. Change it only while the machine is not running.
 
     def path(self, name):
         return os.path.join(self.home, name)
@@ -117,7 +117,7 @@ class Machine:
                 raise processes.Failed(f'The settings hold "{name}" {count} times')
         self.write("registry.reg", text)
 
-    # Its logs and records.
+    # The machine's logs and records.
 
     def look(self):
         """Reads the new log lines; fails when the program has ended."""

@@ -56,7 +56,8 @@ def _coarse_lag(reference, recording):
     size = 1 << (len(reference) + len(recording)).bit_length()
     a = _fft([complex(x) for x in reference] + [0j] * (size - len(reference)))
     b = _fft([complex(x) for x in recording] + [0j] * (size - len(recording)))
-    # The inverse transform of a spectrum is the conjugate's forward one; only its real part is used.
+    # A forward transform replaces the inverse one. It only conjugates and scales the result, so the maximum
+    # of the real part stays in its place.
     correlation = _fft([x * y.conjugate() for x, y in zip(a, b)])
     best = max(range(size), key=lambda i: correlation[i].real)
     return best if best < len(recording) else best - size

@@ -70,7 +70,7 @@ class NoLog : public SystemLog {
   void WriteSystem(const std::string& /*text*/) override {}
 };
 
-/// The call list over `database`, filled.
+/// A call list that has been filled from `database`.
 struct FilledList {
   explicit FilledList(SqliteDatabase& database) : list(database, log, view, view) {
     view.list = &list;

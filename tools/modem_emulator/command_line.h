@@ -40,7 +40,7 @@ struct CommandRequest {
   enum class Form { Act, Ask, Test, Set };  ///< "+X", "+X?", "+X=?", "+X=value"
   std::string name;                         ///< "E", "&F", "S0", "+VSM", "#CID"
   Form form = Form::Act;
-  std::string value;  ///< also the number behind a letter: the 3 of I3
+  std::string value;  ///< also the number after a letter: the 3 of I3
 };
 
 /// The commands of a line, in their order, in capitals and without blanks; nothing when the line is invalid.

@@ -35,7 +35,7 @@ class Interpreter {
     std::vector<std::string> lines;
     Result result = Result::Ok;
   };
-  /// Executes a command line without AT: its commands one after another until one fails.
+  /// Executes a command line, given without its "AT": the commands run one after another until one fails.
   Answer Execute(const std::string& line);
 
   /// Resets everything, as after a power failure.

@@ -19,7 +19,7 @@ QPixmap Shown(QWidget& window);
 /// Writes several tabs or states of one window, side by side, to one PNG file.
 bool Save(const QList<QPixmap>& pictures, const QString& path);
 
-// Each of these writes its pictures as PNG files in `folder` and is false when one fails. `name` is the
+// Each of these writes its pictures as PNG files in `folder` and returns false when one fails. `name` is the
 // pictures' name; one that ends in "dark" selects a dark desktop.
 
 /// The caller view, and all dialogs except the options.
