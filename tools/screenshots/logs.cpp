@@ -19,8 +19,8 @@ const char* const kLog =
     "10:24:12 : Connected[LineIndex:0]\r\n"
     "10:24:31 : Disconnected[LineIndex:0]\r\n"
     "10:24:31 : Idle[LineIndex:0]\r\n"
-    "11:02:44 : The registration of sip:620@192.168.1.1 failed (401 Unauthorized); no call can come in by "
-    "it. ORVEN goes on trying.\r\n"
+    "11:02:44 : The registration of sip:620@192.168.1.1 failed (401 Unauthorized); no calls can come in "
+    "through it. ORVEN keeps trying.\r\n"
     "11:03:14 : The registration of sip:620@192.168.1.1 works again.\r\n";
 
 QPixmap LogPicture(Desk& desk) {

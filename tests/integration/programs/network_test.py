@@ -115,7 +115,7 @@ class NetworkTest(harness.ProgramCase):
         self.start()
         self.assert_calls_come_through()
         desk("ip link set inside down")
-        self.orven.wait_for("no call can come in by it")
+        self.orven.wait_for("no calls can come in through it")
         desk("ip link set inside up")
         self.assert_calls_come_through(count=2)
 

@@ -113,7 +113,7 @@ std::optional<LineFault> NotationFault(const TelephoneLine& line) {
     return LineFault{field,
                      std::string(label) +
                          " cannot be stored: expected no blank at its ends, no \";\" at its beginning or "
-                         "behind a blank, and no control characters."};
+                         "after a blank, and no control characters."};
   };
   for (const auto& field : FieldsOf(line.kind)) {
     const auto& value = line.*field.value;

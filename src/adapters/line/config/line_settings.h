@@ -15,8 +15,9 @@ namespace orven {
 /// A section of `lines.ini` for the dialog; `origin` is its line number.
 TelephoneLine LineOf(const LineSection& section);
 
-/// The section for `line` in the file. A default is written only if `before`, the section that is changed,
-/// has it too; `before` is nullptr for a new line. Keys that the dialog does not show stay.
+/// The section to write for `line`. `before` is the section that it replaces, or nullptr for a new line. A
+/// value that equals the default is written only if `before` has that key. Keys that the dialog does not show
+/// stay.
 LineEdit EditOf(const TelephoneLine& line, const LineSection* before);
 
 /// Why `line` cannot be stored or used. What is stored must be read back unchanged.

@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/// The line without its comment: a whole line behind ";" or "#", or the rest behind a blank and ";".
-/// A "#" within a line is part of the value: passwords have it.
+/// The line without its comment: a line that begins with ";" or "#" is all comment, and so is the rest of a
+/// line after a blank and ";". A "#" within a line is part of the value, as passwords may contain it.
 std::string_view WithoutComment(std::string_view line) {
   const std::string_view text = Trimmed(line);
   if (text.starts_with(';') || text.starts_with('#')) return {};
@@ -132,8 +132,8 @@ class LinesReader {
   }
 
   void LeaveOut(const LineSection& section, const std::string& what, std::string_view expected) {
-    Complain(section.line_number, "the line \"" + section.name + "\" is left out: " + what + ": expected " +
-                                      std::string(expected));
+    Complain(section.line_number, "the line \"" + section.name + "\" is left out because " + what +
+                                      ": expected " + std::string(expected));
   }
 
   const LineType* FindType(const LineSection& section, const std::vector<Entry>& entries) {
@@ -150,8 +150,8 @@ class LinesReader {
     const auto type =
         std::find_if(types.begin(), types.end(), [&](const LineType& one) { return one.name == name; });
     if (type != types.end()) return &*type;
-    Complain(entry->line_number, "the line \"" + section.name + "\" is left out: type is \"" + entry->value +
-                                     "\": expected " + names);
+    Complain(entry->line_number, "the line \"" + section.name + "\" is left out because type is \"" +
+                                     entry->value + "\": expected " + names);
     return nullptr;
   }
 
@@ -171,7 +171,8 @@ class LinesReader {
     const std::string value = key->name == "transport" ? Lower(entry.value) : entry.value;
     if (!key->valid(value)) {
       const std::string shown = key->secret ? "wrong" : "\"" + entry.value + "\"";
-      const std::string left_out = key->required ? "the line \"" + section.name + "\" is left out: " : "";
+      const std::string left_out =
+          key->required ? "the line \"" + section.name + "\" is left out because " : "";
       Complain(entry.line_number,
                left_out + entry.key + " is " + shown + ": expected " + std::string(key->expected));
       return !key->required;

@@ -64,8 +64,8 @@ constexpr float kPause = 8;
 constexpr int kShortestPause = 2;
 constexpr int kPauseEdges = 4 * kEdge;
 
-// How far a machine's tone moves from its middle, given 8-bit samples and a line's noise; voices move more. A
-// modem with automatic gain adjusts it in each burst.
+// How far a generated tone may deviate from its level and pitch in the middle, given 8-bit samples and a
+// line's noise; voices vary more. A modem with automatic gain changes the level within each burst.
 constexpr float kDialLevel = 1;     // dB
 constexpr float kBurstLevel = 5;    // dB
 constexpr float kSteadyPitch = 5;   // Hz
@@ -118,7 +118,7 @@ bool ToneCadence::Continues(const ToneFrame& frame) const {
          SamePitch(frame, tone_.back(), kSteadyPitch);
 }
 
-/// Whether the present burst has not moved more than that, except at its edges.
+/// Whether the present burst, except at its edges, never deviates more than that from its middle.
 bool ToneCadence::Steady(float decibels, float hertz) const {
   const auto& middle = tone_[tone_.size() / 2];
   const auto moved = [&](const ToneFrame& frame) {

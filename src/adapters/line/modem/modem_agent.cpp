@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// How often we check whether a modem was plugged in, or released by another program.
+/// Interval at which we check whether a modem was plugged in, or released by another program.
 constexpr milliseconds kLookForPort{2'000};
 /// A silent modem must be switched off and on, or was plugged in a moment ago.
 constexpr milliseconds kLookForAnswer{10'000};
@@ -115,7 +115,7 @@ void ModemAgent::Try() {
     if (!problem) return;
     failure_ = TroubleOf(*problem);
     retry_ = std::min(retry_, kLookForPort);
-    // That the modem has been unplugged was reported already.
+    // It was already reported that the modem has been unplugged.
     if (problem->kind == LinkProblem::Kind::Absent && gone_) failure_ = trouble_;
   }
   if (asked_.size() > 1)
@@ -140,7 +140,7 @@ void ModemAgent::Prepare() {
   if (trouble_.log.empty()) settings_.state_news("Asking the modem");
   preparation_ =
       std::make_unique<ModemPreparation>(channel_, ports_.link, ports_.loop, [this](const auto& modem) {
-        // Not inside the preparation, which is destroyed now.
+        // Posted, because Prepared destroys the preparation that is calling this.
         ports_.loop.Post(lifeline_.Bind([this, modem] { Prepared(modem); }));
       });
   preparation_->Start();

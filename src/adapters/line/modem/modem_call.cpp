@@ -265,7 +265,7 @@ void ModemCall::HangUpEvent(char code) {
       if (Now() - connected_at_ >= kBreakOfConnecting) CallerGone(WordsOf(code));
       return;
     case 'H':
-    case 'P': return CallerGone("a telephone at the same line was lifted, which has the call now");
+    case 'P': return CallerGone("another telephone on the same line was picked up and has the call now");
     default: return;
   }
 }

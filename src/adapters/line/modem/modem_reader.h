@@ -53,7 +53,7 @@ class ModemReader {
   /// Audio starts right after the line end of the next "CONNECT", and ends with AudioEnded.
   void ExpectAudio() { audio_expected_ = true; }
 
-  /// Lines follow, even in the middle of audio, as its end was lost. Audio is no longer expected.
+  /// From now on reads lines, even in the middle of audio whose end was lost, and no longer expects audio.
   void ExpectLines();
 
  private:

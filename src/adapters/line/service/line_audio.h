@@ -11,8 +11,9 @@
 
 namespace orven {
 
-/// The line's wave device between the program, which plays and records, and the call's audio thread. A lock
-/// is held while a source or sink is used, so that neither is used after StopPlay and StopRecord return.
+/// A line's wave device: passes audio between the program, which plays and records, and the call's audio
+/// thread. A lock is held while a source or sink is used, so that neither is used after StopPlay and
+/// StopRecord return.
 class LineAudio : public AudioDevice {
  public:
   std::int32_t StartPlay(AudioSource& source) override;

@@ -16,8 +16,8 @@
 namespace orven {
 namespace {
 
-/// Most connections from one address, and from all. A line has 512 descriptors: these limits leave enough for
-/// the account's server, a call and everything else.
+/// Limits for the connections from one address, and from all. A line has 512 descriptors: these limits leave
+/// enough for the account's server, a call and everything else.
 constexpr std::size_t kMostOfOnePeer = 32;
 constexpr std::size_t kMostInAll = 128;
 

@@ -48,7 +48,7 @@ class ConnectionGuard {
   /// What is known about a socket.
   struct Watched {
     std::uint64_t heard = 0;                 ///< bytes taken up to the latest message; 0: none has arrived
-    std::optional<Clock::time_point> stuck;  ///< since when what we send has not been read
+    std::optional<Clock::time_point> stuck;  ///< since when the peer has not read what we send
   };
 
   struct Connection {

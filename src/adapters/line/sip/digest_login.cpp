@@ -11,7 +11,7 @@
 namespace orven {
 namespace {
 
-/// How often in a row a server may call an answer too old.
+/// How many times in a row a server may call an answer too old.
 constexpr int kMostAnswers = 3;
 
 struct Algorithm {

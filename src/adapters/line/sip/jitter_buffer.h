@@ -55,7 +55,7 @@ class ReorderBuffer {
 
 /// Turns packets that arrive irregularly into one block every 20 ms of our own clock: buffers a little before
 /// it starts, conceals lost packets, outputs silence when nothing arrives, and compensates for a sender whose
-/// clock runs faster or slower. Audio that arrives in time is passed on bit for bit. A person does not talk
+/// clock runs faster or slower. Audio that arrives in time is passed on unchanged. A person does not talk
 /// with the machine, so a longer delay is better than lost audio.
 class JitterBuffer {
  public:

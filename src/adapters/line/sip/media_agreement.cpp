@@ -134,7 +134,7 @@ std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
   return agreement;
 }
 
-/// False when the peer does not encrypt and has to, or wants to and may not.
+/// False when the peer must encrypt but does not, or demands encryption that this line does not allow.
 bool MediaNegotiation::AgreeOnKeys(bool is_offer, MediaAgreement& agreement) {
   const auto theirs = srtp_ == SrtpUse::kNever ? std::nullopt : PeersChoice(is_offer);
   if (!theirs) return srtp_ != SrtpUse::kRequired && !DemandsEncryption(audio_);

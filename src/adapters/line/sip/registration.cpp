@@ -18,7 +18,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-/// How often in a row a server may ask for a longer lifetime.
+/// How many times in a row a server may ask for a longer lifetime.
 constexpr int kMostTooBrief = 3;
 
 /// The part of a registration's lifetime after which it is refreshed: early enough for one failed try.
@@ -361,8 +361,8 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
     const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(news.pause).count();
     settings_.report(
         "The registration of " + settings_.account + " failed (" + news.reason +
-        "); no call can come in by it. ORVEN " +
-        (minutes < 2 ? "goes on trying." : "tries again in " + std::to_string(minutes) + " minutes."));
+        "); no calls can come in through it. ORVEN " +
+        (minutes < 2 ? "keeps trying." : "tries again in " + std::to_string(minutes) + " minutes."));
   }
   refused_ = failure.status != 0;
   registered_ = false;

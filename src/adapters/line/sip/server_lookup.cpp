@@ -17,7 +17,8 @@
 namespace orven {
 namespace {
 
-/// Most searches at a time: name servers that do not answer delay each one by half a minute.
+/// The maximum number of concurrent searches: name servers that do not answer delay each one by half a
+/// minute.
 constexpr int kMostSearches = 4;
 
 /// A host of an SRV record.
@@ -109,7 +110,7 @@ struct ServerLookup::Shared {
   mqueue* queue = nullptr;    ///< guarded; nullptr: the lookup is destroyed
   unsigned wanted = 0;        ///< guarded; the number of the latest search
   int under_way = 0;          ///< guarded
-  std::vector<sa> addresses;  ///< guarded; that the latest search has found
+  std::vector<sa> addresses;  ///< guarded; found by the latest search
 };
 
 ServerLookup::ServerLookup() : shared_(std::make_shared<Shared>()) {

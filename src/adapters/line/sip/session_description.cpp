@@ -55,7 +55,7 @@ std::optional<std::string> DescriptionAmong(std::string_view parts, std::string_
   return std::nullopt;
 }
 
-/// "a=rtpmap:" needs "97 opus/48000", "a=fmtp:" something behind the format's number.
+/// "a=rtpmap:" needs "97 opus/48000", "a=fmtp:" something after the format's number.
 bool IsWhole(std::string_view attribute) {
   if (attribute.starts_with("fmtp:")) return attribute.find(' ') != std::string_view::npos;
   if (!attribute.starts_with("rtpmap:")) return !attribute.starts_with("rtcp:");

@@ -55,11 +55,11 @@ struct SipLineSettings {
   std::string account;                    ///< "sip:user@domain" to register, or empty
   std::string auth_user;                  ///< empty: the account's user
   std::string password;
-  std::string transport = "udp";     ///< towards the account's server: udp, tcp or tls
-  std::optional<SrtpUse> srtp;       ///< absent: required where `transport` is tls, else if offered
-  std::string tls_trust;             ///< PEM file of certificates trusted for the server; empty: the system's
-  std::string tls_listen;            ///< address and port for calls by TLS, or empty; not with transport tls
-  std::string tls_certificate;       ///< PEM file with certificate and private key for tls_listen, or empty:
+  std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
+  std::optional<SrtpUse> srtp;    ///< absent: required where `transport` is tls, else if offered
+  std::string tls_trust;          ///< PEM file of certificates trusted for the server; empty: the system's
+  std::string tls_listen;         ///< address and port for calls over TLS, or empty; not with transport tls
+  std::string tls_certificate;    ///< PEM file with certificate and private key for tls_listen, or empty:
   std::string tls_made_certificate;  ///< another such file, which is made if missing
   int ring_seconds = 6;              ///< 1 or more; seconds between Ring events
   /// Gets a sentence for the log when the registration fails and when it works again. SIP thread; must not

@@ -91,7 +91,7 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
       if (to_server) {
         throw std::runtime_error(
             "tls_listen cannot be used together with an account over TLS; "
-            "calls by TLS come in by the account then");
+            "calls over TLS then come in through the account");
       }
       own_tls_ = OwnTls(settings_);
     }

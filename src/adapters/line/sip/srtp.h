@@ -27,7 +27,7 @@ struct CryptoAttribute {
   SrtpKey key{};  ///< for what its author sends
 };
 
-/// Reads "1 AES_CM_128_HMAC_SHA1_80 inline:…" (the part behind "a=crypto:"). Nothing when it is malformed or
+/// Reads "1 AES_CM_128_HMAC_SHA1_80 inline:…" (the part after "a=crypto:"). Nothing when it is malformed or
 /// not supported: another suite, several keys, a key identifier in each packet (MKI), or any session
 /// parameter but the window hint, since the others change the packets.
 std::optional<CryptoAttribute> ReadCryptoAttribute(std::string_view text);

@@ -71,7 +71,7 @@ using Memory = std::unique_ptr<BIO, Release<BIO_free>>;
 /// Old desk telephones support this, too.
 constexpr unsigned kKeyBits = 2048;
 
-/// It is not renewed, and a telephone that trusts it should do so for its life.
+/// The certificate is not renewed, so it must be valid for as long as a telephone that trusts it is in use.
 constexpr long kDay = 24L * 3600;
 constexpr long kLife = 20 * 365 * kDay;
 
@@ -91,7 +91,7 @@ bool Fill(X509& certificate, EVP_PKEY& key) {
 }
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
-  throw std::runtime_error("no certificate for calls by TLS can be made at " + path + ": " + reason);
+  throw std::runtime_error("no certificate for calls over TLS can be made at " + path + ": " + reason);
 }
 
 /// The certificate and its private key as a PEM file has them; empty when memory ran out.

@@ -91,10 +91,14 @@ TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsNamed) {
 
 TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndWhatIsNoEntryIsNamed) {
   const std::pair<const char*, const char*> rows[] = {
-      {"[Bad]\nlisten = 1.1.1.1:1", "3: the line \"Bad\" is left out: type is missing: expected sip, "},
-      {"[Bad]\ntype = isdn", "4: the line \"Bad\" is left out: type is \"isdn\": expected sip, modem or sim"},
-      {"[Bad]\ntype = modem", "3: the line \"Bad\" is left out: port is missing: expected the serial device"},
-      {"[Bad]\ntype = sip\nlisten = x:1", "5: the line \"Bad\" is left out: listen is \"x:1\": expected an "},
+      {"[Bad]\nlisten = 1.1.1.1:1",
+       "3: the line \"Bad\" is left out because type is missing: expected sip, "},
+      {"[Bad]\ntype = isdn",
+       "4: the line \"Bad\" is left out because type is \"isdn\": expected sip, modem or sim"},
+      {"[Bad]\ntype = modem",
+       "3: the line \"Bad\" is left out because port is missing: expected the serial device"},
+      {"[Bad]\ntype = sip\nlisten = x:1",
+       "5: the line \"Bad\" is left out because listen is \"x:1\": expected an "},
       {"[Bad\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"[ ]\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"just text", "3: expected [section], key = value or ; comment"},

@@ -309,8 +309,9 @@ const Case kCases[] = {
         "hook; 2000; event d; 900",
         "Connected 1, The call is over: the busy tone, Disconnected 1, Idle 1, Connected 2, The call is "
         "over: the dial tone, Disconnected 2, Idle 2, Connected 3, The call is over: a minute of silence, "
-        "Disconnected 3, Idle 3, Connected 4, The call is over: a telephone at the same line was lifted, "
-        "which has the call now, Disconnected 4, Idle 4, Connected 5, The call is over: the loop was broken, "
+        "Disconnected 3, Idle 3, Connected 4, The call is over: another telephone on the same line was "
+        "picked up and has the call now, Disconnected 4, Idle 4, Connected 5, The call is over: the loop was "
+        "broken, "
         "Disconnected 5, Idle 5, Connected 6, The call is over: the congestion tone, Disconnected 6, Idle 6, "
         "Connected 7, off-hook, The call is over: the dial tone, Disconnected 7, Idle 7"),
     Row("AbsentThenSilentThenForbidden", "v253", {},

@@ -197,7 +197,7 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   while (idle.size() < 700) idle.push_back(Socket::TcpTo(port));
   connection.reset();
   EXPECT_TRUE(
-      events.Wait(" failed (the connection broke); no call can come in by it. ORVEN goes on trying."));
+      events.Wait(" failed (the connection broke); no calls can come in through it. ORVEN keeps trying."));
   while (idle.size() < 750) idle.push_back(Socket::TcpTo(port));  // they take the place that got free
   connection.emplace(server.Accept());
   for (const char* status : {"503", "503", "200"}) {
