@@ -49,7 +49,7 @@ class AutostartEntry {
 
   const std::string& Program() const { return source_.program; }
 
-  /// Makes the program start at login, in any state.
+  /// Makes the program start at login, whatever the entry's state is.
   void Enable();
 
   /// Removes the entry, unless it is Foreign.

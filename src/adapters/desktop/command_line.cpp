@@ -14,7 +14,7 @@
 namespace orven {
 namespace {
 
-/// The file of a program: a path unchanged, a name found in PATH.
+/// The file of a program: a path stays as it is, a name is looked up in PATH.
 QString FileOf(const QString& program) {
   if (program.contains(u'/')) return program;
   const QString found = QStandardPaths::findExecutable(program);
@@ -29,8 +29,8 @@ void CloseOnExec() {
 }  // namespace
 
 void KeepFilesFromPrograms() {
-  // In the child, because other threads open sockets meanwhile; here as well, because newer versions of Qt
-  // use vfork, which does not call the child's handler.
+  // The child marks its files after fork, because other threads may open sockets until then. This process
+  // marks them now as well, because newer versions of Qt use vfork, which does not call fork handlers.
   static const int registered = ::pthread_atfork(nullptr, nullptr, CloseOnExec);
   (void)registered;
   CloseOnExec();

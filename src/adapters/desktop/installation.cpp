@@ -54,7 +54,8 @@ class Seeding {
     MakeFolders();
     for (const QString& name : wanted) CopyMissing(name);
     if (assets_.isEmpty()) {
-      Problem(folder_, QStringLiteral("nothing to fill it from, the installed assets were not found"));
+      Problem(folder_,
+              QStringLiteral("there is nothing to copy into it: the installed assets were not found"));
     }
     return report_;
   }

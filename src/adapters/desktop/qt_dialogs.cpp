@@ -115,7 +115,7 @@ void QtDialogs::Information(const std::string& text) {
 
 bool QtDialogs::Confirm(const std::string& text, QuestionIcon icon) {
   if (!has_display_) {
-    Tell(text + " (no display to ask on: No)");
+    Tell(text + " (answered No: there is no display)");
     return false;
   }
   return Ask(IconOf(icon), text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
@@ -124,7 +124,7 @@ bool QtDialogs::Confirm(const std::string& text, QuestionIcon icon) {
 std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std::string& filter,
                                              const std::string& suggested_name) {
   if (!has_display_) {
-    Tell(title + ": " + suggested_name + " (no display to ask on: cancelled)");
+    Tell(title + ": " + suggested_name + " (cancelled: there is no display)");
     return std::nullopt;
   }
   const QString name = QString::fromStdString(suggested_name);
@@ -137,7 +137,7 @@ std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std
 
 std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const std::string& filter) {
   if (!has_display_) {
-    Tell(title + " (no display to ask on: cancelled)");
+    Tell(title + " (cancelled: there is no display)");
     return std::nullopt;
   }
   QFileDialog dialog(Owner(), QString::fromStdString(title), Existing(open_folder_), QtFileFilter(filter));
@@ -147,7 +147,7 @@ std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const s
 
 std::string QtDialogs::BrowseFolder(const std::string& title, const std::string& present) {
   if (!has_display_) {
-    Tell(title + " (no display to ask on: cancelled)");
+    Tell(title + " (cancelled: there is no display)");
     return {};
   }
   auto folder = QString::fromStdString(present);

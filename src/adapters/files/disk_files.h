@@ -24,7 +24,7 @@ class DiskFiles final : public Files {
   void MakeFolder(const std::string& path) override;
 };
 
-/// Whether a file name matches a pattern as Files::List reads it.
+/// Whether a file name matches a pattern, by the rules of Files::List.
 bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 /// Whether a file name comes before another one in Files::List; names that differ in case or in leading zeros

@@ -101,7 +101,7 @@ void Message::AddText(const std::string& text) {
                      });
   Check(Curl().mime_data(part, text.data(), text.size()));
   Check(Curl().mime_type(part, "text/plain; charset=utf-8"));
-  // With both, unlike quoted-printable, the size of the mail is known before it is sent.
+  // With these two encodings, unlike quoted-printable, the size of the mail is known before it is sent.
   Check(Curl().mime_encoder(part, plain ? "7bit" : "base64"));
 }
 

@@ -25,8 +25,8 @@ struct Envelope {
 /// A unique Message-ID, in the domain of `sender` if that has a valid one.
 std::string NewMessageId(std::string_view sender);
 
-/// The envelope as the text of a file in the outbox, and back: nothing when the text is not complete and as
-/// EnvelopeText writes it.
+/// Convert an envelope to the text of a file in the outbox, and back. ParseEnvelope returns nothing unless
+/// the text is complete and exactly as EnvelopeText writes it.
 std::string EnvelopeText(const Envelope& envelope);
 std::optional<Envelope> ParseEnvelope(std::string_view text);
 

@@ -33,7 +33,7 @@ void Hide(std::string& text, const std::string& secret) {
   }
 }
 
-/// Masks the password in clear and as the login encodes it.
+/// Masks the password, both as plain text and as the login encodes it.
 std::string WithoutPassword(std::string text, const MailAccount& account) {
   if (account.password.empty()) return text;
   using namespace std::string_literals;

@@ -60,7 +60,8 @@ class SmtpMail::Sender {
     try {
       auto envelope = Outbox::Read(file);
       if (envelope) return envelope;
-      TellError("", "the waiting mail " + file + " is damaged, set aside as " + Outbox::SetAside(file));
+      TellError("",
+                "the waiting mail " + file + " is damaged and was set aside as " + Outbox::SetAside(file));
     } catch (const std::exception& failure) {
       TellError("", failure.what());
     }

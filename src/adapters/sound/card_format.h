@@ -18,8 +18,8 @@ QAudioFormat TelephoneFormat();
 /// The telephone's format if `device` supports it, else the format that it prefers.
 QAudioFormat CardFormatOf(const QAudioDevice& device);
 
-/// Converts telephone audio to a card's format: resampled if the rate differs, the same on every channel.
-/// In the telephone's own format it passes bit by bit.
+/// Converts telephone audio to a card's format: resampled if the rate differs, the same on every channel. If
+/// that is the telephone's own format, the audio is passed on unchanged.
 class CardConverter {
  public:
   explicit CardConverter(const QAudioFormat& format);
@@ -43,7 +43,7 @@ class CardConverter {
 };
 
 /// Converts audio of an input to telephone audio: the channels mixed, resampled if the rate differs. Audio in
-/// the telephone's own format passes bit by bit.
+/// the telephone's own format is passed on unchanged.
 class CaptureConverter {
  public:
   explicit CaptureConverter(const QAudioFormat& format);

@@ -20,8 +20,8 @@ QAudioDevice Among(const QList<QAudioDevice>& devices, const std::string& id) {
   return {};
 }
 
-/// Most blocks read in one tick: two make up for a late tick, but do not empty a source that is being
-/// recorded at this moment.
+/// The maximum number of blocks read in one tick: two make up for a late tick, but do not empty a source that
+/// is being recorded at this moment.
 constexpr int kMostBlocks = 2;
 
 constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;

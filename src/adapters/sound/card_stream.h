@@ -26,7 +26,7 @@ QAudioDevice InputOf(const std::string& id);
 
 /// The end of the report about a device that is connected but cannot be opened.
 inline constexpr const char* kNotOpened =
-    "could not be opened. If the sound server was restarted, ORVEN has to be, too.";
+    "could not be opened. If the sound server was restarted, restart ORVEN too.";
 
 /// A report about a device: "The KIND "DESCRIPTION" WHAT".
 std::string Told(const char* kind, const QAudioDevice& device, const char* what);

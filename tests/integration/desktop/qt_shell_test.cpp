@@ -152,9 +152,9 @@ TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question));
   EXPECT_FALSE(dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
   EXPECT_EQ(output.str(),
-            "ORVEN: Delete Call ? (no display to ask on: No)\n"
-            "ORVEN: Save: a.wav (no display to ask on: cancelled)\n"
-            "ORVEN: Add Sound (no display to ask on: cancelled)\n");
+            "ORVEN: Delete Call ? (answered No: there is no display)\n"
+            "ORVEN: Save: a.wav (cancelled: there is no display)\n"
+            "ORVEN: Add Sound (cancelled: there is no display)\n");
 }
 
 TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {

@@ -266,8 +266,8 @@ TEST_F(MailTest, AfterAStalledExitTheNextStartSendsUnderTheSameIdAndSetsDamagedM
   mail_->Resume();
   EXPECT_EQ(Told(), "done a@example.org");
   const std::string damaged = Told();
-  EXPECT_THAT(damaged,
-              StartsWith("error : the waiting mail " + second + " is damaged, set aside as " + second));
+  EXPECT_THAT(damaged, StartsWith("error : the waiting mail " + second + " is damaged and was set aside as " +
+                                  second));
   EXPECT_EQ(ContentOf(damaged.substr(damaged.rfind(' ') + 1)) + "end\n", whole);
   EXPECT_EQ(Told(), "done c@example.org");
   auto mail = server.Mail(2);  // received twice
