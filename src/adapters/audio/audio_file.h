@@ -32,7 +32,8 @@ using AudioFile = std::unique_ptr<SNDFILE, CloseAudioFile>;
 std::int32_t OpenAudioFile(const std::string& path, AudioFile& file, SF_INFO& info);
 
 /// Decodes an audio file of any rate and number of channels to telephone audio: 8000 samples a second, mono
-/// (the mean of the channels), 16-bit. 16-bit mono at 8000 passes bit by bit. One thread at a time.
+/// (the mean of the channels), 16-bit. A 16-bit mono file at 8000 is passed on unchanged. One thread at a
+/// time.
 class TelephoneDecoder {
  public:
   /// Opens the file and reads its header only. Results as OpenAudioFile, or kWaveBadFormat for a rate that

@@ -23,7 +23,7 @@ class MessageReader {
  public:
   void Add(std::string_view bytes);
 
-  /// The next complete message. Nothing while there is none, and always after Broken.
+  /// The next complete message. Nothing if none is complete yet, or if the stream is Broken.
   std::optional<std::string> Next();
 
   /// The stream violated the protocol with a message that is too long or not UTF-8. Next has returned the
@@ -61,8 +61,8 @@ class MessageLink {
 
   bool Up() const { return up_; }
 
-  /// Queues a message; never blocks. False when the link is or goes down, or `text` is not a message
-  /// (IsMessage).
+  /// Queues a message; never blocks. False when the link is down or goes down during the call, and when
+  /// `text` is not a message (IsMessage).
   bool Send(std::string_view text);
 
   /// Ends the link without calling the handlers. Queued messages are still sent, then the other end sees the

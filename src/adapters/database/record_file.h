@@ -27,8 +27,9 @@ struct RecordSchema {
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
                                                  std::string& note);
 
-/// Renames the write-ahead log that was left at `path` when its file was moved or replaced: SQLite would
-/// write its pages into the new file. Returns the dated name, without "-wal"; empty for an empty log.
+/// Renames the write-ahead log that stayed at `path` when the database file was moved or replaced. Otherwise
+/// SQLite would write the log's pages into the new file. Returns the dated name without "-wal", or an empty
+/// text if the log was empty.
 std::string KeepStrayLog(const std::string& path);
 
 }  // namespace orven

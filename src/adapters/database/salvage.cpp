@@ -193,7 +193,7 @@ std::string ValueText(std::string_view bytes, std::uint64_t kind) {
   if (kind >= 8) return kind == 8 ? "0" : "1";
   const auto number = Number(bytes, 0, bytes.size());
   if (kind == 7) return RealText(number);
-  const auto unused = 64 - 8 * bytes.size();  // shifted out and in again, the sign fills them
+  const auto unused = 64 - 8 * bytes.size();  // shifting back fills them with the sign
   return std::to_string(static_cast<std::int64_t>(number << unused) >> unused);
 }
 

@@ -100,7 +100,7 @@ void SqliteDatabase::Renew() {
 }
 
 void SqliteDatabase::ReadRows() {
-  // The version first, so that a change between the two is noticed next time.
+  // Reads the version before the rows, so that a change in between is noticed next time.
   std::string version = connection_->Ask("PRAGMA data_version");
   std::vector<std::int64_t> rows;
   SqliteStatement statement(*connection_, "SELECT rowid FROM " + table_ + " ORDER BY rowid");
@@ -229,7 +229,7 @@ void SqliteDatabase::Edit() {
 
 void SqliteDatabase::SetField(std::string_view field, std::string_view value) {
   const auto column = static_cast<std::size_t>(FieldIndex(field));
-  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was started");
+  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record is being added or edited");
   draft_->fields[column] = value;
 }
 
@@ -249,7 +249,7 @@ std::string SqliteDatabase::GetField(std::string_view field) {
 void SqliteDatabase::Update() {
   Mending([&] {
     Refresh();
-    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record was started");
+    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record is being added or edited");
     draft_->row ? Replace(*draft_->row, draft_->fields) : Insert(draft_->fields);
   });
   connection_->MergeLog();

@@ -228,7 +228,7 @@ class LineReader {
 
   void NextPhysicalLine() {
     SkipBlanks();
-    if (!AtLineEnd()) throw Fault{"unexpected text behind the backslash that ends the line", lines_down_};
+    if (!AtLineEnd()) throw Fault{"unexpected text after the backslash that ends the line", lines_down_};
     const std::size_t next = EndOfPhysicalLine();
     const std::size_t first = text_.find_first_not_of(kBlanks, next);
     if (first == text_.npos || !LooksLikeBytes(text_.substr(first, 1))) {
