@@ -104,7 +104,8 @@ void SpeechLink::Tell(Manner manner) {
 void SpeechLink::Speak(const std::string& text, Manner manner) {
   if (text.empty() || !Up()) return;
   Tell(manner);
-  if (!ports_.uDat.Send("Say:" + text)) log_.WriteSystem("TTS: the text was not taken, it may be too long");
+  if (!ports_.uDat.Send("Say:" + text))
+    log_.WriteSystem("TTS: the text was not accepted; it may be too long");
 }
 
 void SpeechLink::Stop() {
@@ -116,7 +117,7 @@ bool SpeechLink::MakeFile(const std::string& path, const std::string& text, Mann
   if (manner != manner_ && manner != Manner{-1, manner_.rate}) Tell(manner);
   ports_.uDat.Send("SFS:" + path);
   const bool sent = ports_.uDat.Send("STW:" + text);
-  if (!sent) log_.WriteSystem("TTS: the text was not taken, it may be too long");
+  if (!sent) log_.WriteSystem("TTS: the text was not accepted; it may be too long");
   return sent;
 }
 
@@ -161,7 +162,7 @@ void SpeechTake::Look() {
 void SpeechTake::GiveUp() {
   if (!Pending()) return;
   if (parts_.files.Exists(Path())) return End(true);
-  parts_.log.WriteSystem("TTS: the speech helper made no greeting of the text: there is no " + Path());
+  parts_.log.WriteSystem("TTS: the speech helper made no greeting from the text: there is no " + Path());
   End(false);
 }
 

@@ -89,7 +89,7 @@ void frmLineEdit::MakeFields(bool fresh) {
 void frmLineEdit::MakeSipFields() {
   txtServer_ =
       AddText("txtServer", tr("&Server:"),
-              tr("Of the account: its name or address, perhaps with \":\" and a port; empty for calls "
+              tr("The account's server: its name or address, perhaps with \":\" and a port; empty for calls "
                  "that come directly to this computer"));
   txtServer_->setPlaceholderText(tr("sip.example.org, or the home router"));
   txtUser_ = AddText("txtUser", tr("&User:"), tr("The account's name or telephone number"));
@@ -131,13 +131,13 @@ void frmLineEdit::MakeModemFields() {
   row->setContentsMargins(0, 0, 0, 0);
   cmbPort_ = AddList("cmbPort", tr("P&ort:"), port_row_);
   cmbPort_->setEditable(true);
-  cmbPort_->setToolTip(tr("The serial port that the modem is at"));
+  cmbPort_->setToolTip(tr("The serial port of the modem"));
   auto* find = MakeButton("cmdFindPorts", tr("&Find"), nullptr, port_row_);
-  find->setToolTip(tr("Look for ports again, when a modem has been plugged in"));
+  find->setToolTip(tr("Look for ports again, after a modem has been plugged in"));
   row->addWidget(cmbPort_, 1);
   row->addWidget(find);
   connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
-  port_hint_ = MakeChild<QLabel>(tr("auto: the first voice modem that is found, at whichever port."), this);
+  port_hint_ = MakeChild<QLabel>(tr("auto: the first voice modem that is found, on any port."), this);
   port_hint_->setWordWrap(true);
   form_->addRow(QString(), port_hint_);
 }

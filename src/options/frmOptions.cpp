@@ -156,7 +156,7 @@ void frmOptions::ShowPasswordHint() {
   } else if (!CanBeKeyed(password)) {
     password_hint_->setText(tr("A telephone can key the digits 0 to 9 and # only."));
   } else {
-    password_hint_->setText(tr("To be keyed while the greeting plays, followed by *"));
+    password_hint_->setText(tr("Enter it while the greeting plays, then press *"));
   }
 }
 
@@ -177,8 +177,8 @@ void frmOptions::ShowLevel(std::optional<std::int32_t> level) noexcept {
     return meter_text_->setText(tr("While a caller is greeted or speaks, the level is shown here."));
   const auto percent = QString::number(*level / kThousandthsPerPercent);
   meter_text_->setText(*level > sldSilence_->value() * kThousandthsPerPercent
-                           ? tr("The caller now: %1 %, heard").arg(percent)
-                           : tr("The caller now: %1 %, silent").arg(percent));
+                           ? tr("The caller's level now: %1 % (heard)").arg(percent)
+                           : tr("The caller's level now: %1 % (silent)").arg(percent));
 }
 
 void frmOptions::ShowSoundCards(const std::vector<std::string>& names) noexcept {

@@ -211,8 +211,9 @@ QWidget* frmOptions::MakeAdvanced() {
 
 QWidget* frmOptions::MakeSilence() {
   auto* frame = MakeChild<QGroupBox>(tr("Silence"), this);
-  chkDropIfSilnce_ = MakeCheck("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
-                               tr("Otherwise a message ends when the caller hangs up or it is too long"));
+  chkDropIfSilnce_ =
+      MakeCheck("chkDropIfSilnce", tr("Hang up when the caller is silent for"),
+                tr("Otherwise a message ends when the caller hangs up, or when it is too long"));
   cmbSilenceSec_ =
       MakeNumber("cmbSilenceSec", tr("Seconds of silence that end a message"), 1, kLongestSilence);
   auto* row = MakeChild<QHBoxLayout>();

@@ -22,7 +22,7 @@ constexpr auto kLevelInterval = 50ms;
 /// Looks for sound cards every two seconds, because one may be plugged in at any time.
 constexpr int kTicksBetweenLooks = 40;
 
-/// How many missing cards are listed at most when the chosen one has a high number.
+/// The maximum number of missing cards that are listed when the chosen one has a high number.
 constexpr std::int32_t kMostMissingCards = 64;
 
 /// Thousandths of full scale in one step of the slider.
@@ -96,7 +96,7 @@ std::vector<std::string> OptionsDialog::SoundCards() {
   auto names = parts_.cards.Names();
   const auto chosen = parts_.settings.Sound;
   while (chosen < kMostMissingCards && ToCount(names.size()) <= chosen) {
-    names.push_back("Sound card " + std::to_string(names.size()) + " (not there now)");
+    names.push_back("Sound card " + std::to_string(names.size()) + " (not connected)");
   }
   return names;
 }
@@ -244,7 +244,7 @@ void OptionsDialog::TellOfFailures(bool stored, bool autostart) {
   }
   if (Autostarts() == autostart) return;
   parts_.dialogs.Information(std::string("The program ") + (autostart ? "does not start" : "still starts") +
-                             " with the desktop: this could not be changed. The system log tells more.");
+                             " with the desktop: this could not be changed. The system log has the details.");
 }
 
 bool OptionsDialog::Autostarts() {

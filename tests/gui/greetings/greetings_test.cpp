@@ -296,9 +296,10 @@ TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
   Open();
   EXPECT_THAT(Do("11s txtTTS=Hello cmdCreateGreeting"),
               ElementsAre("TTS: the speech helper does not report its voices"));
-  EXPECT_THAT(world.LoggedBy([this] { world.uDat.Die(); }),
-              ElementsAre("TTS: the speech helper has ended",
-                          "TTS: the speech helper made no greeting of the text: there is no " + speech_file));
+  EXPECT_THAT(
+      world.LoggedBy([this] { world.uDat.Die(); }),
+      ElementsAre("TTS: the speech helper has ended",
+                  "TTS: the speech helper made no greeting from the text: there is no " + speech_file));
 }
 
 TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
@@ -331,7 +332,8 @@ TEST_F(CreatorWindow, GivesUpAfterTheTimeThatTheTextMayTake) {
   world.RunFor(2s);
   EXPECT_TRUE(window->isVisible() && Enabled("cmdOK"));
   world.uDat.takes = false;
-  EXPECT_THAT(Do("cmdCreateGreeting cmdOK 1ms"), Contains("TTS: the text was not taken, it may be too long"));
+  EXPECT_THAT(Do("cmdCreateGreeting cmdOK 1ms"),
+              Contains("TTS: the text was not accepted; it may be too long"));
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Empty Message"));
 }
 

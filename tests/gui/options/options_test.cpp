@@ -136,8 +136,8 @@ TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
   open_lines = [this] { machine.settings.ModemName += "!"; };
   Open(1);
   const auto& cards = Get<QComboBox>("cmbSoundDev");
-  EXPECT_EQ(cards.itemText(1), u"Sound card 1 (not there now)");
-  EXPECT_EQ(cards.currentText(), u"Sound card 2 (not there now)");
+  EXPECT_EQ(cards.itemText(1), u"Sound card 1 (not connected)");
+  EXPECT_EQ(cards.currentText(), u"Sound card 2 (not connected)");
   world.cards.names = {"Default output", "Camera", "Headset"};
   world.RunFor(2s);
   EXPECT_EQ(cards.currentText(), u"Headset");
@@ -159,9 +159,9 @@ TEST_F(OptionsWindow, TheLevelOfTheCallerIsShownWhileTheDialogIsOpen) {
     world.RunFor(1s);
     EXPECT_EQ(meter.Level(), 320) << heard;
   }
-  ExpectShown({{"lblLevel", "The caller now: 32 %, heard"}});
+  ExpectShown({{"lblLevel", "The caller's level now: 32 % (heard)"}});
   Set({{"sldSilence", "40"}});
-  ExpectShown({{"lblLevel", "The caller now: 32 %, silent"}});
+  ExpectShown({{"lblLevel", "The caller's level now: 32 % (silent)"}});
   window.reset();
   world.RunFor(100ms);
 }
