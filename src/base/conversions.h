@@ -7,9 +7,9 @@
 
 namespace orven {
 
-/// Text to number. Accepts blanks around, a sign, a decimal fraction and an exponent; a fraction is
-/// rounded to the nearest whole number, halves to even. Throws RuntimeError 13 ("Type mismatch") for
-/// anything else and 6 ("Overflow") for a number that does not fit.
+/// Convert a text to a number. They accept blanks at either end, a sign, a decimal fraction and an exponent,
+/// and round a fraction to the nearest whole number, halves to even. They throw RuntimeError 13 ("Type
+/// mismatch") for anything else and 6 ("Overflow") for a number that does not fit.
 std::int16_t ToInt16(std::string_view text);
 std::int32_t ToInt32(std::string_view text);
 

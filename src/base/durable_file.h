@@ -62,9 +62,8 @@ void CopyFile(const std::string& from, const std::string& to, bool replace);
 /// change, when the two are on different file systems.
 bool RenameKeeping(const std::string& from, const std::string& to);
 
-/// `path` + "." + `label` + "-" + local time, as in "Calls.damaged-20261121T041530"; when a file
-/// (or one of the same name with "-wal" behind it and so on) has that name already, "-2", "-3" …
-/// follow.
+/// `path` + "." + `label` + "-" + local time, as in "Calls.damaged-20261121T041530"; if that name is taken,
+/// alone or followed by "-wal" and so on, "-2", "-3" … are appended.
 std::string NameToSetAside(const std::string& path, std::string_view label,
                            std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
 

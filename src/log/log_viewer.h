@@ -110,7 +110,7 @@ class LogViewer {
     std::function<void(const std::string& path)> save_file;
   };
 
-  /// `window` outlives this object. Background work may end after it.
+  /// `window` outlives this object. Background work may end after this object is destroyed.
   LogViewer(Parts parts, LogViewerWindow& window) : parts_(std::move(parts)), window_(window) {}
 
   /// The window opens: purges old logs, then lists all files.

@@ -145,7 +145,7 @@ frmMSG::frmMSG(const QWidget& main_window)
   column->addWidget(MakeHeading());
   column->addWidget(MakeDetails(), 1);
   column->addWidget(MakeCommands());
-  // A window that comes to the front must not cover it.
+  // A window that comes to the front must not cover the caller view.
   connect(qApp, &QGuiApplication::focusWindowChanged, this, [this] { KeepOnTop(); });
 }
 

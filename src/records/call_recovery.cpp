@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How often a failed step is tried again.
+/// Interval at which a failed step is tried again.
 constexpr auto kTryAgain = 5s;
 
 /// The fields that tell one call from another, and what a call holds for each.
@@ -118,7 +118,7 @@ bool CallRecovery::HandOver(Interrupted& interrupted) {
   const bool listed = parts_.is_listed(call);
   call.trail.message_due = message == Message::kOutOfReach;
   if (call.trail.message_due && !listed) {
-    Tell(interrupted, "Interrupted call, its message is out of reach: ");
+    Tell(interrupted, "Interrupted call whose message cannot be reached: ");
     return false;
   }
   if (message == Message::kNone) call.trail.storing_path.clear();  // no message will follow
@@ -249,7 +249,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   return hidden ? Message::kOutOfReach : Message::kNone;
 }
 
-/// The longest of them becomes the message.
+/// The longest of the recordings becomes the message.
 CallRecovery::Message CallRecovery::TakeGrown(Call& call, const std::vector<GrownRecording>& grown) {
   std::string longest;
   double most = -1;

@@ -15,7 +15,7 @@
 namespace orven {
 namespace {
 
-/// How often filing is tried again while a disk is full.
+/// Interval at which filing is tried again while a disk is full.
 constexpr std::chrono::seconds kTryAgain{5};
 
 }  // namespace

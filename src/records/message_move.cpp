@@ -14,10 +14,10 @@ namespace {
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
 
-/// Moving belongs to browsing for a folder and is logged under its name.
+/// Moving is a part of browsing for a folder, so its errors are logged under that command's label.
 constexpr const char* kLabel = "ErrcmdBrowsMessagesPath ";
 
-/// Most messages named in the box about those that stayed behind; the log names them all.
+/// The maximum number of messages that the box names when some stayed behind; the log names them all.
 constexpr std::size_t kNamedInBox = 10;
 
 std::string RefusalText(const std::string& folder, const std::string& reason) {
@@ -25,9 +25,9 @@ std::string RefusalText(const std::string& folder, const std::string& reason) {
 }
 
 std::string BrokenOffText(const std::string& from, const std::string& to, const std::string& reason) {
-  return "The move of the messages to " + to + " was broken off and cannot go on.\n\n" + reason +
+  return "The move of the messages to " + to + " was interrupted and cannot continue.\n\n" + reason +
          "\n\nMessages that were moved are in " + to + "\nThe others are in " + from +
-         "\n\nThe move goes on when the program starts and both folders are there, or when you choose " + to +
+         "\n\nThe move continues when the program starts and both folders exist, or when you choose " + to +
          " in the options again.";
 }
 
@@ -112,7 +112,7 @@ bool MessageMove::MayLeave(const std::string& folder) {
   if (next.empty() || next == folder) return true;
   const bool left =
       parts_.dialogs.Confirm("The move of the messages to " + next +
-                             " was broken off. Messages that are there already stay there, " +
+                             " was interrupted. Messages that are there already stay there " +
                              "and cannot be played any more. To take them along, choose " + next +
                              " first.\n\nLeave them there, and store the messages in " + folder + " ?");
   if (left) parts_.log.WriteSystem("Messages were left in " + next);
@@ -148,7 +148,7 @@ void MessageMove::Tried(bool same_folder, const std::exception_ptr& failure) {
 std::string MessageMove::ReasonAgainst() {
   if (!CollectNames()) return "The calls cannot be read";
   if (Store(kMoveUnderWay, move_->to)) return {};
-  return "The settings cannot be stored; the system log tells more.";
+  return "The settings cannot be stored; the system log has the details.";
 }
 
 bool MessageMove::CollectNames() {
@@ -207,9 +207,10 @@ void MessageMove::StoreEnd() {
   const auto& folder = parts_.shared.messages_path;
   if (Store("MassagesPath", folder))
     return DeleteRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
-  parts_.dialogs.Information("The messages are in " + folder +
-                             "\n\nThis could not be stored; the system log tells more. It is stored at the "
-                             "next start when the settings can be written then.");
+  parts_.dialogs.Information(
+      "The messages are in " + folder +
+      "\n\nThis could not be stored; the system log has the details. It will be stored "
+      "at the next start if the settings can be written then.");
 }
 
 /// `done`, which runs only while this object lives.

@@ -60,7 +60,7 @@ void GreetingCommands::Delete() {
 
 void GreetingCommands::ShowNoFile() {
   status_.ShowStatus("No file is called \"" + boxes_.SelectedGreeting() +
-                     "\". Options, Answer Mode plays and deletes greetings");
+                     "\". To play or delete greetings, use Options, Answer Mode");
 }
 
 void MainCommands::Toolbar1_ButtonClick(const std::string& key, bool down) {

@@ -60,7 +60,8 @@ class GreetingCommands {
                    QuickOptionBoxes& boxes, Files& files, LineView& status)
       : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files), status_(status) {}
 
-  /// Fills `cmbDefGreet` with the greetings' names, `selected` among them.
+  /// Fills `cmbDefGreet` with the greetings' names and selects `selected`; see
+  /// QuickOptionBoxes::FillGreetings.
   void Fill(const std::string& selected);
 
   /// Plays the file whose name is exactly the text in `cmbDefGreet`. Greeting files also have ".wav", so the

@@ -7,7 +7,7 @@ void AfterCall::Announce(const Call& call) {
   if (settings_.cPlayInRing != 0) PlaySound(settings_.PlayInRing);
   if (settings_.ViewDetails == 0 || call.admin_mode) return;
   OpenCallerView();
-  // One that is still open from the call before gets its commands back.
+  // A caller view that is still open from the previous call gets its commands back.
   effects_.caller_view.ShowControl();
   effects_.caller_view.ShowMessage("New Call");
   effects_.caller_view.ShowRing("");

@@ -6,7 +6,8 @@
 
 namespace orven {
 
-/// Makes an object that its parent (among the arguments) or the layout it is added to will delete.
+/// Makes an object that will be deleted by its parent (one of the arguments) or by the layout to which it is
+/// added.
 template <class Object, class... Arguments>
 Object* MakeChild(Arguments&&... arguments) {
   return new Object(std::forward<Arguments>(arguments)...);  // NOLINT(cppcoreguidelines-owning-memory)

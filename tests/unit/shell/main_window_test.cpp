@@ -80,7 +80,8 @@ TEST_F(MainWindowTest, QuickOptionButtonsWorkOnTheBareGreetingName) {
   const auto press = [&](const char* key) { window->Commands().TBQuickOption_ButtonClick(key); };
   press("Play");
   EXPECT_EQ(views.effects.back(), "sound:/home/orven/Greets/Hello") << "no extension is added";
-  EXPECT_EQ(views.Status(), "No file is called \"Hello\". Options, Answer Mode plays and deletes greetings");
+  EXPECT_EQ(views.Status(),
+            "No file is called \"Hello\". To play or delete greetings, use Options, Answer Mode");
   views.selected_greeting = "Away";
   press("Play");
   EXPECT_TRUE(WavePlay.IsPlaying());
