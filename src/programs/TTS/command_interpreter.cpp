@@ -94,7 +94,7 @@ void CommandInterpreter::SetFile(std::string_view path) {
 
 /// Stops speaking, so that the engine is free for the file at once.
 void CommandInterpreter::Write(std::string_view text) {
-  if (path_.empty()) return Report("no file is set for the text to be spoken into");
+  if (path_.empty()) return Report("no sound file was named for the text");
   Stop({});
   parts_.jobs.Write(MakeUtterance(text), path_);
 }

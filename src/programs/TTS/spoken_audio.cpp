@@ -79,7 +79,7 @@ bool SpokenAudio::Read(std::span<std::int16_t> block) {
     silent_samples_ += block.size();
   }
   std::ranges::fill(block, std::int16_t{0});
-  // A partial block is the end of a text, or waits for more.
+  // A partial block is played only at the end of the last text; until then it waits for more samples.
   if (coming_ > 0 && count < block.size()) return true;
   const auto end = samples_.begin() + static_cast<std::ptrdiff_t>(count);
   std::copy(samples_.begin(), end, block.begin());

@@ -29,7 +29,7 @@ constexpr const char* kOutbox = "\\Outbox";
 /// Each start makes this file, so a folder without it is new.
 constexpr const char* kRecords = "\\Calls";
 
-/// Between two checks whether the call is over, while changed lines wait.
+/// Interval at which we check whether the call is over, while changed lines wait to be opened.
 constexpr std::chrono::milliseconds kLookForIdleLine{500};
 
 /// Ends the application's event loop and those of open boxes, even before it has started.
