@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The sound cards over a real sound server, which serves well, hangs, dies or is missing.
+#include <atomic>
+#include <iostream>
+#include <mutex>
+
+#include "adapters/desktop/qt_event_loop.h"
+#include "adapters/sound/sound_cards.h"
+#include "integration/sound/real_server.h"
+#include "platform/wave.h"
+
+namespace orven::test {
+namespace {
+
+constexpr int kSecond = 2 * kSampleRate;  // bytes
+
+/// A second of noise.
+QByteArray Noise() {
+  QByteArray noise;
+  for (unsigned i = 0, seed = 1; i < kSecond; ++i)
+    noise += char((seed = seed * 1'103'515'245U + 12'345U) >> 24U);
+  return noise;
+}
+const QByteArray kNoise = Noise();
+
+/// What is played, so often, and what is recorded.
+struct Tape final : AudioSource, AudioSink {
+  explicit Tape(int times = 1) : given(kNoise.repeated(times)) {}
+
+  bool Read(std::span<std::int16_t> block) override {
+    const auto size = qsizetype(block.size_bytes());
+    if (played + size > given.size()) return !(ended = true);
+    std::memcpy(block.data(), given.constData() + played, block.size_bytes());
+    played += size;
+    return true;
+  }
+  void Gone() override { gone = ended = true; }
+  void Write(std::span<const std::int16_t> block) override {
+    const std::lock_guard lock(mutex);
+    heard.append(reinterpret_cast<const char*>(block.data()), qsizetype(block.size_bytes()));
+  }
+  bool Heard(const QByteArray& part) {
+    const std::lock_guard lock(mutex);
+    return heard.contains(part);
+  }
+
+  const QByteArray given;
+  std::atomic<qsizetype> played = 0;
+  std::atomic<bool> ended = false, gone = false;
+  std::mutex mutex;
+  QByteArray heard;
+};
+
+/// The cards as the program has them.
+struct Desk {
+  Desk() { server.Start(); }
+
+  AudioDevice& Card(int number) { return *cards.Find(number); }
+  void WaitForCards(const std::vector<std::string>& names) {
+    EXPECT_TRUE(Eventually([&] { return cards.Names() == names; })) << names.back();
+  }
+  /// What is played on `card` is heard on `output`, to its end.
+  void Plays(int card, const QString& output = "desk") {
+    Tape tape;
+    const auto other = server.Other("parec", "mic_" + output);
+    server.HearMore(*other);
+    EXPECT_EQ(Card(card).StartPlay(tape), kWaveOk);
+    EXPECT_EQ(Card(card).StartPlay(tape), kWaveBusy);
+    EXPECT_TRUE(Eventually([&] { return tape.ended && !server.Plays(); }));
+    server.HearMore(*other);
+    EXPECT_TRUE(other->readAll().contains(kNoise)) << output.toStdString() << Told();
+    other->kill();
+    other->waitForFinished();
+  }
+  /// What is said into the microphone of `output` is recorded from `card`.
+  void Takes(int card, const QString& output = "desk") {
+    Tape tape;
+    StartTake(card, tape);
+    EXPECT_EQ(Card(card).StartRecord(tape), kWaveBusy);
+    Say(output);
+    EXPECT_TRUE(Eventually([&] { return tape.Heard(kNoise); })) << output.toStdString() << Told();
+    Card(card).StopRecord();
+    EXPECT_TRUE(Eventually([] {
+      return !RealServer::Ask({"list", "short", "source-outputs"}).contains("ORVEN");
+    }));
+  }
+  void StartPlay(int card, Tape& tape) {
+    EXPECT_EQ(Card(card).StartPlay(tape), kWaveOk);
+    EXPECT_TRUE(Eventually([&] { return tape.played > 0; })) << Told();
+  }
+  void StartTake(int card, Tape& tape) {
+    EXPECT_EQ(Card(card).StartRecord(tape), kWaveOk);
+    EXPECT_TRUE(Eventually([&] { return tape.Heard(QByteArray(2, '\0')); })) << Told();
+  }
+  void Say(const QString& output) {
+    const auto other = server.Other("pacat", output);
+    other->write(kNoise);
+    other->closeWriteChannel();
+    EXPECT_TRUE(other->waitForFinished(60'000));
+  }
+  /// Waits for one report for each of the reasons, and no other.
+  void GivesUp(const std::vector<std::string>& reasons) {
+    const auto reports = [this] { return std::size_t(std::ranges::count(Told(), '|')); };
+    EXPECT_TRUE(Eventually([&] { return reports() >= reasons.size(); }));
+    EXPECT_EQ(reports(), reasons.size());
+    for (const auto& reason : reasons) EXPECT_NE(Told().find(reason), std::string::npos) << reason << Told();
+    const std::lock_guard lock(mutex);
+    told.clear();
+  }
+  std::string Told() {
+    const std::lock_guard lock(mutex);
+    return told;
+  }
+
+  int count = 1;
+  char* arguments[1] = {};
+  QCoreApplication application{count, arguments};
+  RealServer server;
+  std::mutex mutex;
+  std::string told;
+  QtEventLoop loop;
+  SoundCards cards{loop, [this](const std::string& text) {
+                     const std::lock_guard lock(mutex);
+                     told += text + '|';
+                   }};
+};
+
+/// Plays `story` in a process of its own, as Qt's audio keeps its state until the end. No report may be left.
+void Alone(void (*story)(Desk&)) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto play = [&] {
+    {
+      Desk desk;
+      story(desk);
+      EXPECT_EQ(desk.Told(), "");
+    }
+    const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result.total_part_count(); ++i) std::cerr << result.GetTestPartResult(i).message();
+    std::exit(result.Failed() ? 1 : 0);
+  };
+  EXPECT_EXIT(play(), testing::ExitedWithCode(0), "");
+}
+
+TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
+  Alone([](Desk& desk) {
+    desk.WaitForCards({"Default output", "desk"});
+    desk.server.PlugIn("headset", "usb-3");
+    desk.WaitForCards({"Default output", "desk", "headset"});
+    desk.server.Unplug("desk");
+    desk.WaitForCards({"Default output", "1 (not connected)", "headset"});
+    Tape tape(100);
+    EXPECT_EQ(desk.Card(1).StartPlay(tape), kWaveOk);
+    desk.GivesUp({"There is no sound output number 1 now."});
+    EXPECT_TRUE(tape.gone);
+    EXPECT_EQ(desk.cards.Find(3), nullptr);
+    desk.server.PlugIn("desk");
+    desk.WaitForCards({"Default output", "desk", "headset"});
+    for (const char* output : {"headset", "desk"}) {  // number 0 follows the desktop's choice
+      desk.server.Ask({"set-default-sink", output});
+      desk.Plays(0, output);
+    }
+    desk.server.PlugIn("studio");
+    desk.server.Ask({"set-default-source", "mic_studio"});
+    desk.Takes(2, "headset");
+    for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone of their own
+    Tape first(100), second(100), beside(100);
+    desk.StartPlay(2, first);
+    EXPECT_EQ(desk.cards.Beside().Find(2)->StartPlay(beside), kWaveOk);
+    desk.Card(2).StopPlay();
+    desk.cards.Beside().Find(2)->StopPlay();
+    EXPECT_TRUE(Eventually([&] { return !desk.server.Plays(); }));
+    desk.StartPlay(2, second);
+    desk.server.Unplug("headset");
+    desk.GivesUp({"\"headset\" was disconnected while it was playing."});
+    EXPECT_TRUE(second.gone && !first.gone);
+  });
+}
+
+TEST(SoundServerTest, AMicrophoneThatGoesAwayOrIsRefusedEndsOnlyTheTake) {
+  Alone([](Desk& desk) {
+    std::vector<QByteArray> listeners;
+    do {  // until the microphone's limit: Qt waits forever then
+      listeners.push_back(desk.server.Ask({"load-module", "module-remap-source", "master=mic_desk",
+                                           QString("source_name=listener%1").arg(listeners.size())}));
+    } while (!listeners.back().isEmpty());
+    desk.server.Ask({"set-default-source", "mic_desk"});
+    Tape refused, cut, none;
+    EXPECT_EQ(desk.Card(0).StartRecord(refused), kWaveOk);
+    desk.GivesUp({"No sound comes from the microphone of sound card 0"});
+    for (const auto& listener : listeners) desk.server.Ask({"unload-module", listener.trimmed()});
+
+    desk.server.PlugIn("room");
+    desk.server.Ask({"set-default-source", "mic_room"});
+    desk.StartTake(0, cut);
+    desk.Say("room");
+    desk.server.Unplug("mic_room");
+    desk.GivesUp({"microphone \"mic_room\" was disconnected"});
+    EXPECT_TRUE(cut.Heard(kNoise.first(kNoise.size() / 2)));
+    desk.server.Unplug("mic_desk");
+    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveOk);  // shows that there is none; the next one is refused
+    desk.GivesUp({"There is no microphone to record from."});
+    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveNoDevice);
+    desk.server.PlugIn("room");
+    EXPECT_TRUE(Eventually([&] { return desk.Card(0).StartRecord(none) == kWaveOk; }));
+    desk.server.Hang();
+  });
+}
+
+TEST(SoundServerTest, AServerThatHangsOrDiesEndsWhatRunsAndMayComeBack) {
+  Alone([](Desk& desk) {
+    desk.server.Hang();
+    Tape plays[4]{Tape(100), Tape(100), Tape(100), Tape(100)}, takes[3];
+    EXPECT_EQ(desk.cards.Names(), std::vector<std::string>{"Default output"});
+    EXPECT_EQ(desk.Card(7).StartPlay(plays[0]), kWaveOk);
+    desk.Card(7).StopPlay();
+    EXPECT_EQ(desk.Card(0).StartPlay(plays[0]), kWaveOk);
+    EXPECT_EQ(desk.Card(0).StartRecord(takes[0]), kWaveOk);
+    desk.GivesUp({"does not answer; playing on sound card 0", "does not answer; the recording"});
+    EXPECT_TRUE(plays[0].gone);
+    desk.server.Hang(false);
+    desk.Plays(0);
+
+    desk.StartTake(0, takes[1]);
+    desk.Say("desk");
+    desk.StartPlay(0, plays[1]);
+    desk.server.Hang();
+    desk.Card(0).StopPlay();
+    EXPECT_EQ(desk.Card(0).StartPlay(plays[2]), kWaveOk);
+    desk.GivesUp({"The sound server does not answer", "the recording was stopped"});
+    EXPECT_TRUE(plays[2].gone && !plays[1].gone && takes[1].Heard(kNoise.first(kNoise.size() / 2)));
+    desk.server.Hang(false);
+    desk.Takes(0);
+
+    desk.StartPlay(0, plays[3]);
+    desk.StartTake(0, takes[2]);
+    desk.server.End();
+    desk.GivesUp({"\"desk\"", "\"mic_desk\""});
+    EXPECT_TRUE(plays[3].gone);
+    Tape alone;
+    EXPECT_EQ(desk.Card(0).StartPlay(alone), kWaveOk);
+    desk.GivesUp({"There is no sound server."});
+    desk.server.Start();  // Qt connects again after three seconds
+    EXPECT_TRUE(Eventually([&] {
+      return desk.server.Ask({"list", "short", "clients"}).contains("orven_sound");
+    }));
+    desk.Plays(0);
+  });
+}
+
+}  // namespace
+}  // namespace orven::test
