@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <gtest/gtest.h>
-#include <qtestsupport_core.h>
 #include <sys/resource.h>
 
-#include <QCoreApplication>
-#include <QProcess>
 #include <QProcessEnvironment>
 #include <cmath>
-#include <csignal>
 #include <cstring>
 
 #include "adapters/channel/local_exchange.h"
 #include "adapters/desktop/qt_event_loop.h"
-#include "support/scratch_folder.h"
+#include "integration/sound/real_server.h"
 
 namespace orven::test {
 namespace {
@@ -25,9 +20,14 @@ std::string LongText(int size) {
       .toStdString();
 }
 
-template <typename Condition>
-bool Eventually(Condition condition) {
-  return QTest::qWaitFor(condition, 60'000);
+/// Seconds from the first sound to the last in samples of 16 bits.
+double Length(const QByteArray& bytes, int rate) {
+  std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 2);
+  std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
+  const auto loud = [](std::int16_t sample) { return std::abs(sample) > 650; };
+  const auto first = std::ranges::find_if(samples, loud);
+  const auto last = std::find_if(samples.rbegin(), samples.rend(), loud).base();
+  return static_cast<double>(last - first) / rate;
 }
 
 /// A real helper at the real link.
@@ -83,6 +83,25 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
     EXPECT_EQ(content.size() - 24, stated + 8U) << path;
     EXPECT_EQ(content[22], 1) << "channel";
     return stated;
+  }
+
+  /// How long `text` sounds, by the helper's own file.
+  double Spoken(const std::string& text) {
+    const auto path = Write(std::to_string(folder.Count("")), text);
+    Size(path);
+    return Length(QByteArray::fromStdString(ContentOf(path).substr(44)), 22050);
+  }
+  /// How long the helper is heard after these messages, on a server that plays nothing else.
+  double Heard(const std::vector<std::string>& messages) {
+    const auto other = RealServer::Other("parec", "mic_desk");
+    RealServer::HearMore(*other);
+    for (const auto& message : messages) Send(message);
+    EXPECT_TRUE(Eventually(RealServer::Plays) && Eventually([] { return !RealServer::Plays(); }));
+    RealServer::HearMore(*other);
+    const double length = Length(other->readAll(), 8000);
+    other->kill();
+    other->waitForFinished();
+    return length;
   }
 
   ScratchFolder folder;
@@ -213,6 +232,44 @@ TEST_F(SpeechTest, ANewFileTakesThePlaceOfTheOlderOne) {
   Unload(helper);
   EXPECT_LT(Size(path), Size(other));
   EXPECT_EQ(folder.Count(""), 2U);
+}
+
+TEST_F(SpeechTest, TextsAreHeardOneAfterTheOtherUntilTheyAreStopped) {
+  RealServer server;
+  server.Start();
+  auto& helper = Start();
+  const double hello = Spoken("Hello"), bye = Spoken("Thank you for your call.");
+  EXPECT_NEAR(Heard({"Stp:", "Say:Hello", "Say:Thank you for your call."}), hello + bye + 0.5, 0.4);
+  const auto say_long = [&] {
+    for (const auto& text : {LongText(kLong), std::string("Hello")}) Send("Say:" + text);
+    EXPECT_TRUE(Eventually(RealServer::Plays));
+  };
+  const auto stops = [] { return Eventually([] { return !RealServer::Plays(); }); };
+  say_long();
+  Send("Stp:");
+  EXPECT_TRUE(stops());
+  EXPECT_NEAR(Heard({"Say:Thank you for your call."}), bye, 0.1) << "what waited was said all the same";
+  say_long();
+  EXPECT_NEAR(Spoken("Hello"), hello, 0.1) << "a file takes the engine from a long text";
+  EXPECT_TRUE(stops());
+  say_long();
+  Unload(helper);
+  EXPECT_TRUE(stops());
+}
+
+TEST_F(SpeechTest, ASoundServerThatIsMissingOrHangsCostsAComplaint) {
+  RealServer server;
+  auto& helper = Start();
+  Send("Say:Hello");
+  EXPECT_TRUE(Eventually([&] { return helper.readAllStandardError().contains("sound server"); }));
+  server.Start();
+  const double hello = Spoken("Hello");
+  EXPECT_NEAR(Heard({"Say:Hello"}), hello, 0.1);
+  server.Hang();
+  Send("Say:Hello");
+  Spoken("Hello");
+  Send("ULD:");
+  Ended(helper);
 }
 
 TEST_F(SpeechTest, OneTextIsSpokenIntoAFileOrItIsToldWhyNot) {
