@@ -75,8 +75,8 @@ class SoundCards::Card : public AudioDevice {
     const bool plays =
         Goes(play_.get(), "The sound server does not answer; playing on " + card + " was stopped.");
     const bool records = Goes(take_.get(), "No sound comes from the microphone of " + card +
-                                               ", so the recording was stopped; perhaps the sound server "
-                                               "does not answer.");
+                                               ": perhaps the sound server does not answer; the recording "
+                                               "was stopped.");
     return plays || records;
   }
 
