@@ -41,6 +41,7 @@ TEST_F(DiskFilesTest, FailuresCarryTheClassicNumberAndThePath) {
   PutFile(from_, "x");
   EXPECT_EQ(Failure(none, [&] { files_.Read(none); }), 53);
   EXPECT_EQ(Failure(none, [&] { files_.Rename(none, to_); }), 53);
+  EXPECT_EQ(Failure(none, [&] { files_.LastModified(none); }), 53);
   EXPECT_EQ(Failure(none, [&] { files_.Copy(from_, none + "/file"); }), 76);
   EXPECT_EQ(Failure(below, [&] { files_.Append(below, "x"); }), 76);
   EXPECT_EQ(Failure(folder_ / "", [&] { files_.Delete(folder_ / ""); }), 75);
@@ -94,6 +95,9 @@ TEST_F(DiskFilesTest, TheCaseOfAnExtensionDoesNotMatter) {
   EXPECT_TRUE(files_.Exists(path));
   EXPECT_FALSE(files_.Exists(folder_ / "x.wav"));
   EXPECT_EQ(files_.Read(path) + files_.ReadPart(path, 4, 1), "firstt");
+  const std::chrono::sys_seconds then(std::chrono::seconds(1234567890));
+  std::filesystem::last_write_time(folder_ / "X.WAV", std::chrono::file_clock::from_sys(then));
+  EXPECT_EQ(files_.LastModified(path), then);
   files_.Copy(path, to_);
   EXPECT_EQ(Failure(path, [&] { files_.Rename(to_, path); }), 58);
   files_.Copy(to_, path);

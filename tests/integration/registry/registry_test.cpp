@@ -63,12 +63,14 @@ TEST_F(RegistryFileTest, ReadsEveryNotationOfAnExport) {
 
 TEST_F(RegistryFileTest, AChangeTouchesOnlyItsLineAndWritesUtf8) {
   const std::string before =
-      "Windows Registry Editor Version 5.00\r\n\r\n; kept\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\r\n";
+      "\xEF\xBB\xBFWindows Registry Editor Version 5.00\r\n\r\n; "
+      "kept\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\r\n";
   const std::string after =
       "\"Unknown\"=hex(b):01,\\\r\n    02\r\n\r\n; tail\r\n[HKEY_CLASSES_ROOT\\x]\r\n\"A\"=\"other\"\r\n";
   PutFile(path_, before + "  \"a\" = \"1\"  ; why\r\n" + after);
   EXPECT_TRUE(Write("A", "2"));
   EXPECT_EQ(Stored(), before + "  \"a\" = \"2\"  ; why\r\n" + after);
+  EXPECT_EQ(registry_.Query(RegistryRoot::ClassesRoot, "x", "A"), Text("other"));
   EXPECT_TRUE(registry_.Delete(kRoot, kKey, "A"));
   EXPECT_EQ(Stored(), before + after);
   ::unlink((path_ + ".bak").c_str());
@@ -86,6 +88,7 @@ TEST_F(RegistryFileTest, AnyValueSurvivesTheRoundTrip) {
                                          {"quote\"back\\slash;=[x]", Text("\\\" ; [x] =\t")},
                                          {"own type", {0x80000001, std::string(90, '\xA5')}},
                                          {"short number", {4, "\x01\x02"}},
+                                         {"number", {4, "\x01\x02\xF3\x04"}},
                                          {"", Text("default")}};
   ASSERT_TRUE(registry_.Write(RegistryRoot::CurrentUser, "K", values));
   RegistryFile fresh(path_, report_);
@@ -175,6 +178,8 @@ TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {
   for (int times = 0; times < 2; ++times) EXPECT_FALSE(Query("A") || Write("A", "1"));
   EXPECT_THAT(reports_, ElementsAre(HasSubstr(path_)));
   EXPECT_TRUE(std::filesystem::is_symlink(path_));
+  RegistryFile folder(folder_ / "", report_);
+  EXPECT_FALSE(folder.Query(kRoot, kKey, "A") || Write(folder, "A", "1"));
 }
 
 TEST_F(RegistryFileTest, AFullDiskLeavesEveryOldValue) {
@@ -201,7 +206,7 @@ TEST_F(RegistryFileTest, AnInstalledClassHasItsNameAndNothingIsStoredThere) {
   EXPECT_EQ(classes.Query(kClasses, "Voice", ""), Text("Voice"));
   EXPECT_EQ(classes.Query(kClasses, "Voice", "x"), std::nullopt);
   for (const char* key : {"Gone", "Other"}) EXPECT_FALSE(classes.KeyExists(kClasses, key));
-  EXPECT_FALSE(classes.Write(kClasses, "Voice", {}));
+  EXPECT_FALSE(classes.Write(kClasses, "Voice", {}) || classes.Delete(kClasses, "Voice", ""));
   EXPECT_TRUE(classes.Write(kRoot, kKey, {}) && classes.KeyExists(kRoot, kKey));
 }
 

@@ -160,6 +160,7 @@ TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
   const auto journal =
       "rubbish\ncall\t1\t\t\tNameless\t\t\t\t\t" + messages + "\t\t\t0\t0\t\ncall\t2\tcut\nmore";
   files.Put(kJournal, journal);
+  files.Put(kJournal + ".damaged", "older");
   RunFor(60s);
   PutGrown("9-9", "no sound");
   PutGrown("c-9-8", TimedWave::Sound(0s));
@@ -173,7 +174,7 @@ TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
   }
   EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + kName));
   EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "a.wav"));
-  EXPECT_EQ(journal, files.Content(kJournal + ".damaged"));
+  EXPECT_EQ(journal, files.Content(kJournal + ".damaged-2"));
   EXPECT_TRUE(files.Exists(messages + ".recording-9-9.wav.part.damaged"));
 }
 

@@ -51,10 +51,11 @@ struct MessageMoveTest : testing::Test, World {
 
 TEST_F(MessageMoveTest, MovesTheMessagesThatAreThereAndOverwritesNone) {
   files.Delete(messages + "2.wav");
-  files.Put(kNew + "3.wav", "older");
+  const auto older = std::string(TimedWave::Sound(5s).size(), 'x');
+  files.Put(kNew + "3.wav", older);
   MoveTo();
   EXPECT_THAT(files.Names(kNew), ElementsAre("1.wav", "3.wav"));
-  EXPECT_EQ(files.Content(kNew + "3.wav"), "older");
+  EXPECT_EQ(files.Content(kNew + "3.wav"), older);
   EXPECT_THAT(files.Names(messages), ElementsAre("3.wav", "none.wav"));
   ExpectStored(kNew);
   EXPECT_EQ(shared.messages_path + Machine().settings.MassagesPath, kNew + kNew);

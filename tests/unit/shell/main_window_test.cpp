@@ -43,7 +43,9 @@ TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
   Start();
   EXPECT_FALSE(window->Unload());
   EXPECT_TRUE(!views.shown && !ended && Tapi1->IsLineOpen(0));
+  Machine().tray.StartBlinking();
   for (int signal = 0; signal < 2; ++signal) window->Exit();
+  RunFor(5s);
   EXPECT_TRUE(ended && views.others_closed && !Tapi1->IsLineOpen(0));
   EXPECT_EQ(std::ranges::count(SystemLog(), "Unload ORVEN"), 1);
   EXPECT_EQ(shell.icon.icon, NotifyIconPicture::PicSysTryNothing);

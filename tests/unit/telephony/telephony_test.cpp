@@ -258,6 +258,9 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
   RunFor(4s);
   EXPECT_FALSE(line->HasCall()) << "silence hangs up the line that has the call";
   EXPECT_EQ(views.Status(), "Monitoring Sim");
+  for (const std::int32_t of_line : {0, 1})
+    Machine().sequence.Trouble(of_line, "No network " + std::to_string(of_line));
+  EXPECT_EQ(views.Status(), "No network 0") << "of the other line nothing is shown";
   EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);
   EXPECT_EQ(views.Status(), "Off Mode");
