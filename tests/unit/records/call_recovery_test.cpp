@@ -208,6 +208,26 @@ TEST_P(MessageOutOfReach, IsFiledWithItsCallOrCompletesTheRecordLater) {
 
 INSTANTIATE_TEST_SUITE_P(ListedOrNot, MessageOutOfReach, testing::Combine(testing::Bool(), testing::Bool()));
 
+TEST_F(Recovery, AStoredMessageFollowsTheChangedFolderOnceThatCanBeWritten) {
+  Start();
+  CallAndRecord(2s);
+  database_full = true;
+  HangUp();
+  Crash();
+  database_full = false;
+  registry.Set("MassagesPath", "/mnt/new/");
+  files.before_write = [](const std::string& path) {
+    if (path.starts_with("/mnt/new/")) throw RuntimeError(ErrorNumber::PermissionDenied, path);
+  };
+  Start();
+  RunFor(60s);
+  EXPECT_THAT(Filed(), ElementsAre(kAnna + "-1"));
+  files.before_write = [](const std::string&) {};
+  RunFor(6s);
+  EXPECT_THAT(Filed(), ElementsAre(kAnna + "2"));
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content("/mnt/new/" + MessageName()));
+}
+
 TEST_F(Recovery, RecordingsOfOneNameAreCallsOfTheirOwnUnlessOneIsTheOthersBeginning) {
   const std::string header = " data4711";
   Start();
@@ -244,11 +264,12 @@ TEST_F(Recovery, ARecordingThatStillGrowsBelongsToAnotherProgram) {
 
 TEST_F(Recovery, AudioThatTheHeaderDoesNotCountIsCounted) {
   const std::string format("fmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0", 24);
-  const auto file = [&](char riff, char data) {
-    return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + "data" + std::string{data, 0, 0, 0};
+  const auto file = [&](char riff, char data, char samples = 0) {
+    const auto fact = samples == 0 ? "" : std::string("fact\4\0\0\0", 8) + std::string{samples, 0, 0, 0};
+    return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + fact + "data" + std::string{data, 0, 0, 0};
   };
-  files.Put("cut", file(40, 4) + "abcdefg");
-  EXPECT_EQ(file(42, 6) + "abcdefg", WithAllAudio(files, "cut")) << "no half sample is counted";
+  files.Put("cut", file(52, 4, 2) + "abcdefg");
+  EXPECT_EQ(file(54, 6, 3) + "abcdefg", WithAllAudio(files, "cut")) << "no half sample is counted";
   for (const auto& whole :
        {file(40, 4) + "abcd", file(40, 4) + "abcde", file(40, 4) + "ab", std::string("RIFF data")}) {
     files.Put("whole", whole);
