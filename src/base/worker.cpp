@@ -5,6 +5,7 @@
 #include <csignal>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 namespace orven {
@@ -59,14 +60,20 @@ Worker::Worker(AtStop at_stop, std::chrono::milliseconds patience)
   state_->at_stop = at_stop;
 }
 
-void Worker::Post(Task task) {
+bool Worker::Post(Task task) {
   const std::lock_guard lock(state_->mutex);
-  if (state_->stopping) return;
+  if (state_->stopping || (!thread_.joinable() && !Start())) return false;
   state_->tasks.push_back(std::move(task));
   state_->changed.notify_all();
-  if (thread_.joinable()) return;
+  return true;
+}
+
+bool Worker::Start() try {
   const SignalsBlocked blocked;
   thread_ = std::thread([state = state_] { state->Serve(); });
+  return true;
+} catch (const std::system_error&) {
+  return false;
 }
 
 void Worker::Stop() {

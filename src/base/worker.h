@@ -28,8 +28,8 @@ class Worker {
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
 
-  /// Any thread. After Stop the task is dropped.
-  void Post(Task task);
+  /// Any thread. False when the task is dropped: after Stop, or because no thread can be started.
+  bool Post(Task task);
 
   /// Ends the thread. Not on the thread itself. Idempotent.
   void Stop();
@@ -47,6 +47,8 @@ class Worker {
   Reporter Reports() const { return Reporter(state_); }
 
  private:
+  bool Start();
+
   std::chrono::milliseconds patience_;
   std::shared_ptr<State> state_;  ///< shared with a thread that is left behind
   std::thread thread_;

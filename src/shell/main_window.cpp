@@ -159,18 +159,19 @@ void MainWindow::SetToolbarStyles() {
 }
 
 bool MainWindow::Unload() {
+  const ErrorTrap trap(machine_.log, "ErrForm_Unload ");
   if (!exiting_) {
     machine_.window_hidden = true;
     machine_.store.SetView(views_.frame, machine_.window_hidden);
-    PutAway();
+    trap([&] { PutAway(); });
     return false;
   }
-  CloseOtherWindows();
-  StopSounds();
+  trap([&] { CloseOtherWindows(); });
+  trap([&] { StopSounds(); });
   machine_.line.CloseLine(machine_.settings.Modem);
   // A call that ended with the line has opened the caller view and played a sound again.
-  CloseOtherWindows();
-  StopSounds();
+  trap([&] { CloseOtherWindows(); });
+  trap([&] { StopSounds(); });
   machine_.calls.FileWaitingCalls();
   machine_.log.WriteSystem("Unload ORVEN");
   machine_.log.WriteCalls("Unload ORVEN");

@@ -122,16 +122,19 @@ void CallSequence::PlayGreeting() {
 
 void CallSequence::PlayFinished() {
   auto& call = context_.call;
-  if (!context_.Connected()) {
-    parts_.control.DropCall();
-  } else if (call.greeting_playing && !call.admin_mode) {
-    PlayBeep();
-  } else if (call.beep_playing && !call.admin_mode) {
-    call.beep_playing = false;
-    parts_.recorder.RecMessage();
-  } else if (call.remote_playback) {
-    parts_.remote.PlayForAdmin();
-  }
+  const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
+  trap([&] {
+    if (!context_.Connected()) {
+      parts_.control.DropCall();
+    } else if (call.greeting_playing && !call.admin_mode) {
+      PlayBeep();
+    } else if (call.beep_playing && !call.admin_mode) {
+      call.beep_playing = false;
+      parts_.recorder.RecMessage();
+    } else if (call.remote_playback) {
+      parts_.remote.PlayForAdmin();
+    }
+  });
 }
 
 void CallSequence::PlayBeep() {

@@ -59,7 +59,7 @@ std::int32_t FileWaveControl::QueryRecordFormat(std::int32_t device, std::int32_
   return devices_.Find(device) == nullptr ? kWaveNoDevice : kWaveOk;
 }
 
-std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat& format) {
+std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat& format) try {
   const auto name = std::exchange(record_name_, {});
   if (recording_) return kWaveBusy;
   if (!IsRecordable(format)) return kWaveBadFormat;
@@ -72,6 +72,8 @@ std::int32_t FileWaveControl::StartRecord(std::int32_t device, const WaveFormat&
   record_device_ = from;
   last_saved_ = {};
   return kWaveOk;
+} catch (const std::system_error&) {  // no thread can be started
+  return kWaveNoDevice;
 }
 
 std::int32_t FileWaveControl::StopRecordToFile(const std::string& path) {
@@ -145,7 +147,7 @@ std::int32_t FileWaveControl::InputLevel() const {
 }
 
 std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> decoder,
-                                          std::chrono::milliseconds start) {
+                                          std::chrono::milliseconds start) try {
   const std::uint64_t play = ++play_;
   auto tell = lifeline_.Bind([this, play] { Finished(play); });
   auto source = std::make_unique<FileSource>(std::move(decoder), start,
@@ -159,6 +161,8 @@ std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> deco
     old_sources_.Add(std::move(source));
   }
   return result;
+} catch (const std::system_error&) {  // no thread can be started
+  return kWaveNoDevice;
 }
 
 std::string FileWaveControl::PlayErrorText(std::int32_t code) const {

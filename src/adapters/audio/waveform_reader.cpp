@@ -31,13 +31,17 @@ FileWaveformReader::~FileWaveformReader() {
 
 void FileWaveformReader::Request(const std::string& path, Done done) {
   done_ = std::move(done);
-  worker_.Post([this, path, request = ++newest_] {
-    auto waveform = Read(path, request);
-    if (!waveform) return;
-    loop_.Post(lifeline_.Bind([this, request, waveform = *std::move(waveform)] {
-      if (request == newest_) std::exchange(done_, nullptr)(waveform);
-    }));
+  const std::uint64_t request = ++newest_;
+  const bool posted = worker_.Post([this, path, request] {
+    if (const auto waveform = Read(path, request)) Deliver(request, *waveform);
   });
+  if (!posted) Deliver(request, {});
+}
+
+void FileWaveformReader::Deliver(std::uint64_t request, const Waveform& waveform) {
+  loop_.Post(lifeline_.Bind([this, request, waveform] {
+    if (request == newest_) std::exchange(done_, nullptr)(waveform);
+  }));
 }
 
 void FileWaveformReader::Cancel() {

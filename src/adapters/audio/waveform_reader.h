@@ -32,6 +32,7 @@ class FileWaveformReader : public WaveformReader {
 
  private:
   std::optional<Waveform> Read(const std::string& path, std::uint64_t request) const;
+  void Deliver(std::uint64_t request, const Waveform& waveform);
 
   EventLoop& loop_;
   Done done_;                             ///< of the newest request; user-interface thread

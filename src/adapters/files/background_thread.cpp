@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "base/runtime_error.h"
+
 namespace orven {
 
 using namespace std::chrono_literals;
@@ -13,8 +15,8 @@ BackgroundThread::BackgroundThread(EventLoop& loop) : loop_(loop), worker_(Worke
 void BackgroundThread::Run(Work work, Done done) {
   auto failure = std::make_shared<std::exception_ptr>();
   auto tell = lifeline_.Bind([failure, done = std::move(done)] { done(*failure); });
-  worker_.Post(
-      [work = std::move(work), failure, tell = std::move(tell), &loop = loop_, report = worker_.Reports()] {
+  const bool posted =
+      worker_.Post([work = std::move(work), failure, tell, &loop = loop_, report = worker_.Reports()] {
         try {
           work();
         } catch (...) {
@@ -22,6 +24,9 @@ void BackgroundThread::Run(Work work, Done done) {
         }
         report([&] { loop.Post(tell); });
       });
+  if (posted) return;
+  *failure = std::make_exception_ptr(RuntimeError(ErrorNumber::OutOfMemory, "no thread can be started"));
+  loop_.Post(tell);
 }
 
 }  // namespace orven

@@ -160,7 +160,8 @@ std::string SmtpMail::Keep(const Envelope& envelope) {
 
 void SmtpMail::Queue(std::string file, std::optional<Envelope> envelope) {
   Sender::Mail mail{std::move(file), std::move(envelope), account_()};
-  worker_.Post([sender = sender_, mail = std::move(mail)] { sender->Send(mail); });
+  const bool posted = worker_.Post([sender = sender_, mail = std::move(mail)] { sender->Send(mail); });
+  if (!posted) warning_("a mail waits for the next start: no thread can be started");
 }
 
 void SmtpMail::Resume() {
