@@ -21,14 +21,14 @@ using Values = std::map<std::string, std::string>;
 
 TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
   const std::string text =
-      "\xEF\xBB\xBF; my lines\r\n\r\n[ Home ] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
+      "\xEF\xBB\xBF[ Home ] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
       "listen=127.0.0.1:5070\r\nPassword = a;b#c = \"d\"\t; from the letter\r\ntransport = TLS\r\n"
       "account = sip:100@example.org:5080\r\nring_seconds = 2.6\r\n\r\n; the boat\r\n[USB [modem]]\r\n"
       "type = modem\r\nport = auto\r\n\r\n[Home]\r\ntype = sim\r\nscript = a\r\nscript = b\r\nidle_seconds = "
       "0\r\n";
   const auto file = ParseLines(text, "lines.ini");
   EXPECT_THAT(file.complaints,
-              ElementsAre(StartsWith("lines.ini:19: script is given more than once: expected ")));
+              ElementsAre(StartsWith("lines.ini:17: script is given more than once: expected ")));
   ASSERT_EQ(file.sections.size(), 3U) << "two devices of one name are two devices";
   EXPECT_EQ(IdleLimitOf(file.sections[0]), 120s);
   EXPECT_EQ(IdleLimitOf(file.sections[2]), 0s);
@@ -46,7 +46,7 @@ TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
       EditLines(text, file.sections, {EditOf(home, &file.sections[0]), sim, EditOf(fresh, nullptr)});
   EXPECT_EQ(
       edited,
-      "\xEF\xBB\xBF; my lines\r\n\r\n[House] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
+      "\xEF\xBB\xBF[House] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
       "listen=127.0.0.1:5070\r\nPassword = new#;1\t; from the letter\r\ntransport = TLS\r\n"
       "ring_seconds = 2.6\r\nauth_user = anna\r\n\r\n; the boat\r\n[Home]\r\ntype = sim\r\nscript = a\r\n"
       "script = b\r\nidle_seconds = 0\r\n\r\n[Office]\r\ntype = sip\r\naccount = sip:7@pbx:5061\r\n"

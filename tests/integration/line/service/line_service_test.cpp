@@ -8,6 +8,7 @@
 #include "adapters/line/service/caller_text.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
+#include "platform/wave.h"
 
 namespace orven {
 namespace {
@@ -113,6 +114,27 @@ TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
   const Scene scene;
   EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
   EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "the number of a request";
+  for (int result = -8; result < 0; ++result)
+    EXPECT_EQ(scene.service->ErrorText(result).starts_with("Unknown"), result == -8) << result;
+}
+
+TEST(SimAudio, PlaysAndRecordsWhileACallIsUp) {
+  struct Tape : AudioSource, AudioSink {
+    bool Read(std::span<std::int16_t> /*block*/) override { return --left > 0; }
+    void Write(std::span<const std::int16_t> /*block*/) override { ++recorded; }
+    int left = 2, recorded = 0;
+  } tape;
+  Scene scene;
+  auto& audio = *scene.service->Find(scene.service->GetWaveDeviceId(1, 0));
+  for (const auto result : {kWaveOk, kWaveBusy})
+    EXPECT_TRUE(audio.StartPlay(tape) == result && audio.StartRecord(tape) == result);
+  EXPECT_EQ(scene.Play("_o.A_"), "call 1, done 1, up");
+  EXPECT_EQ(tape.recorded, 4) << "blocks of 80 ms";
+  EXPECT_EQ(audio.StartPlay(tape), kWaveOk) << "the first has ended";
+  audio.StopPlay();
+  audio.StopRecord();
+  scene.Play("_");
+  EXPECT_EQ(tape.recorded + tape.left, 4);
 }
 
 TEST(SimScript, IsPlayedFromEachOpeningAndItsWrongLinesAreNamed) {

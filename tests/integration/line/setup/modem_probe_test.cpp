@@ -10,6 +10,7 @@
 #include <array>
 #include <thread>
 
+#include "adapters/line/modem/modem_line.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {
@@ -30,27 +31,35 @@ std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = fals
       command += letter;
       if (letter != '\r') continue;
       const auto text = modem(std::exchange(command, ""));
+      if (text == "unplugged") break;
       (void)!::write(own, text.data(), text.size());
     }
+    ::close(own);
   });
   const auto result = ProbeModem(path.data(), cancelled);
   ::close(port);  // reading ends
   thread.join();
-  ::close(own);
-  EXPECT_EQ(result.passed, result.text.starts_with("A voice modem answers at ")) << result.text;
+  EXPECT_EQ(result.passed, result.text.find("its sound has") != std::string::npos) << result.text;
   return result.text;
 }
 
 TEST(ModemProbe, TellsVoiceModemsFromAllElse) {
   int commands = 0;
-  const auto with = [&](const std::string& classes) {
-    return [&commands, classes](const std::string& command) {
-      const auto told = command.starts_with("AT+FCLASS=?") ? classes + "\r\n\r\n" : "";
-      return ++commands == 1 ? "" : command + "\r\n" + told + "OK\r\n";  // it is late, and has an echo
+  const auto with = [&](const std::string& classes, const std::string& formats = "") {
+    return [&commands, classes, formats](const std::string& command) {
+      const auto told = command.starts_with("AT+FCLASS=?") ? classes + "\r\n\r\n"
+                        : command.starts_with("AT+VSM=?")  ? formats
+                                                           : "";
+      return ++commands == 1 ? "" : command + "\r\n" + told + "\r\nOK\r\n";  // it is late, and has an echo
     };
   };
   const std::pair<Modem, const char*> rows[] = {
-      {with("+FCLASS: (0,1,8)"), "A voice modem"},
+      {with("+FCLASS: (0,1,8)"), "(its sound has 8 bits)"},
+      {with("8", "4,\"ULAW\",8,0,8000"), "8 bits, mu-law"},
+      {with("8", "131,\"16 BIT LINEAR\",16,0,8000"), "16 bits"},
+      {[](const auto& asked) { return asked.starts_with("AT+VSM") ? "ERROR\r\n" : "8\r\nOK\r\n"; },
+       "no supported audio"},
+      {[](const auto&) { return "unplugged"; }, "is gone."},
       {with("0,1,1.0,80,18"), "not a voice modem"},
       {[](const std::string&) { return ""; }, "Nothing answers"},
       {[](const std::string&) { return "ERROR\r\n"; }, "not as a modem"},
@@ -68,6 +77,7 @@ TEST(ModemProbe, SaysWhatIsWrongWithAPort) {
   const std::atomic<bool> never = false;
   EXPECT_THAT(ProbeModem("/dev/ttyACM99", never).text, testing::HasSubstr("no port /dev/ttyACM99"));
   EXPECT_THAT(ProbeModem(folder / "port", never).text, testing::HasSubstr("not a serial port"));
+  EXPECT_EQ(ProbeModem(kAnyPort, never).text == "No modem is plugged in.", FindSerialPorts().empty());
   if (::geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   std::thread([&] {
     ::setfsuid(65534);  // of this thread: nobody

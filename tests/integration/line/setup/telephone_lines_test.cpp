@@ -97,13 +97,6 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
       " -L /usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
       " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so "
       "--loadmodule=auth.so"));
-  for (bool up = false; !up;) {
-    try {
-      up = Socket::TcpTo(port).Port() != 0;
-    } catch (const std::system_error&) {
-      if (registrar.waitForFinished(20)) throw;
-    }
-  }
   const auto login = [&](const std::string& user) { return "account = sip:" + user + '@' + server; };
   const auto wrong = "or the password is wrong."s, far = "0.0.0.0 as address for calls uses every network"s;
   // The keys of a SIP line, and words of its test and of its state.
@@ -137,6 +130,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
         << keys << ": " << lines.State(line);
   }
   auto line = Use(home);
+  EXPECT_THAT(Result(line).text, HasSubstr("The line is open: calls can come in at " + own));
   line.ring_seconds = 9;
   EXPECT_TRUE(Result(line).passed) << "its own line holds the port";
   line = Use(home + std::get<0>(rows[0]));
@@ -164,16 +158,33 @@ TEST_F(TelephoneLinesTest, ASilentServerIsNamedAndTheTestOfOneCanBeStopped) {
   EXPECT_THAT(probe(silent, "udp"), HasSubstr("no answer"));
   EXPECT_NE(silent.Receive(), "") << "the server was not asked";
   bool told = false;
-  auto line = LineOf(section);
-  lines.Test(line, [&](const LineTestResult&) { told = true; });
+  lines.Test(LineOf(section), [&](const LineTestResult&) { told = true; });
   EXPECT_NE(silent.Receive(), "");
   lines.CancelTest();
-  line.kind = LineKind::Sim;
-  EXPECT_TRUE(Result(line).passed);
+  section = {"Sim", 0, "sim", {}};
+  EXPECT_TRUE(Result(LineOf(section)).passed);
   EXPECT_FALSE(told);
-  line.script = "calls.sim";
+}
+
+TEST_F(TelephoneLinesTest, OfSeveralLinesTheOpenOneIsUsedAndTheOthersAreNamed) {
+  PutFile(folder / "calls.sim", "0 offer\n");
+  Use("[USB]\ntype = modem\nport = /dev/ttyACM99\n[Sim]\ntype = sim\nscript = calls.sim\n");
+  const auto all = lines.Read().lines;
+  const auto says = [&](std::size_t index, const std::string& state) {
+    const auto said = [&] { return lines.State(all.at(index)).find(state) != std::string::npos; };
+    EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << lines.State(all.at(index));
+  };
+  says(0, "no port /dev/ttyACM99");
+  EXPECT_THAT(Result(all[0]).text, HasSubstr("The line is open: There is no port"));
+  says(1, "Another line is chosen");
+  service.LineClose(0);
+  says(1, "Off");
+  service.LineOpen(1, 4, 8);
+  says(1, "Waiting for calls");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return service.HasCall(); }, 20'000)) << "the script is not played";
+  EXPECT_THAT(Result(all[1]).text, HasSubstr("it has 1 steps."));
   PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
-  EXPECT_THAT(Result(line).text, HasSubstr("calls.sim:2:"));
+  EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));
 }
 
 }  // namespace

@@ -90,6 +90,7 @@ TEST_F(SipAudioTest, TellsKeysOnceInWhicheverWaysTheyComeWhileMonitored) {
   ASSERT_TRUE(events.Wait("Digit 1 A"));
   PressAsInfo("dtmf-relay", "Signal=7\r\nDuration=160\r\n");
   PressAsInfo("dtmf-relay", "Duration=1", "400");
+  PressAsInfo("dtmf-relay", "Signal:7", "400");
   PressAsInfo("text", "5", "415");
   PressAsInfo("dtmf", "15");
   const auto tones = Tones("429B");

@@ -56,6 +56,7 @@ TEST(JitterBufferTest, PlaysPacketsInOrderConcealsLossForItsLengthAndLimitsTheDe
       {"a.c.b.b.e.d.f.f.a......ghijkl", "abcdefhijkl 6"},
       {"a.b.c.d.e.f.g.h...k.l.m.n.o.p.q.r.s.t.", "abcdefghlmnopqrst 2"},
       {".-abcd....", "cd 0"},
+      {"a....", "a 0"},
       {"a.b.c.d.e.f.g.h.i.j.|k.l.m.n.o.p.q.r.s.t.", "abcdefghijklmnopqrst 2"},
   };
   for (const auto& [script, heard] : kRows) EXPECT_EQ(Heard(script), heard) << script;
@@ -119,7 +120,7 @@ TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeysOrChangesNoth
       {kNever, plain + "|c=IN IP6 ::", one + avp},
       {kNever, plain + "|c=IN IP4 example.org", agreed},
       {kNever, plain + "|c=IN IP6 2001:db8::1", agreed},
-      {kNever, plain + "|a=fmtp:0|a=rtpmap:97 odd|b=AS:|| |m=video 9 X 98|a=rtcp:", agreed},
+      {kNever, plain + "|a=fmtp:0|a=rtpmap:97 odd|a=rtpmap:98 /8000|b=AS:|| |m=video 9 X 98|a=rtcp:", agreed},
       {kNever, "o=- 1 1 IN IP4 0.0.0.0|m=audio 0 RTP/AVP 0|m=audio 9/2 RTP/AVP 0",
        one + " sends receives: 0 RTP/AVP 0 4000 RTP/AVP 0"},
       {kNever, plain + both, agreed},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A line with an account: what it asks of the server, and what it makes of the answers.
 #include <openssl/evp.h>
+#include <sched.h>
 #include <sys/resource.h>
 
 #include <array>
@@ -209,6 +210,48 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   Play("Ring 1 1,drop 1");
   EXPECT_NE(by_tcp.Receive().find("486"), std::string::npos) << "the call's own connection is closed";
   Play("caller 2,> INVITE,Ring 2 1,answer 1,< 200,> ACK,Connected 2,hears 1,> BYE,< 200");
+}
+
+TEST_F(SipRegistrationTest, FindsServersAndCallersByNameAndFollowsTheNetworkWithoutLosingACall) {
+  std::thread([this] {  // only this thread and those it starts see the other network
+    if (::unshare(CLONE_NEWNET | CLONE_NEWNS) != 0) GTEST_SKIP() << "only root can have its own network";
+    const auto shell = [](const std::string& text) { EXPECT_EQ(std::system(text.c_str()), 0) << text; };
+    PutFile(folder / "resolv.conf", "nameserver 127.0.0.1\n");
+    shell("ip link set lo up && mount --make-rprivate / && mount --bind " + (folder / "resolv.conf") +
+          " /etc/resolv.conf");
+    const Socket heavy = Socket::Udp(), light = Socket::Udp(), last = Socket::Udp();
+    std::string names =
+        "dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
+        "--bind-interfaces --listen-address=127.0.0.1 --address=/a.test/phone.test/none.test/127.0.0.1 "
+        "--srv-host=_sip._udp.none.test";
+    for (const auto& [server, rank] : {std::pair(&last, ",2,0"), {&light, ",1,0"}, {&heavy, ",1,65535"}})
+      names += " --srv-host=_sip._udp.home.test,a.test," + std::to_string(server->Port()) + rank;
+    names += " & read end; kill $!";
+    const std::unique_ptr<FILE, int (*)(FILE*)> name_server(::popen(names.c_str(), "w"), ::pclose);
+    settings.timers.registration_retry_first = milliseconds(100);  // until the name server runs
+    settings.listen = "0.0.0.0:" + std::to_string(port);
+    settings.account = "sip:100@none.test";
+    OpenLine();
+    EXPECT_TRUE(events.Wait("no server named none.test"));
+    settings.account = "sip:100@home.test";
+    OpenLine();
+    for (const Socket* server : {&heavy, &light}) server->SendTo(port, Answer(Next(*server), "503"));
+    last.SendTo(port, Answer(Next(last), "200"));
+    caller = &callers.try_emplace("there", port).first->second;
+    for (const char* script : {"> OPTIONS,< 200", "Ring 1 1,answer 1,< 200,> ACK,Connected 1"}) {
+      const std::string invite = caller->Text("INVITE", caller->Sdp());
+      if (*script == 'R') caller->Send(std::regex_replace(invite, std::regex("ann@[^:]*"), "ann@phone.test"));
+      Play(script);
+      shell("ip addr delete 127.0.0.1/8 dev lo");
+      EXPECT_TRUE(events.Wait("no route from 0.0.0.0 to home.test")) << script;
+      events.Clear();
+      shell("ip addr add 127.0.0.1/8 dev lo");
+      last.SendTo(port, Answer(Next(last), "200"));
+      EXPECT_TRUE(events.Wait("works again.")) << script;
+    }
+    Play("hears 1,drop 2,< BYE");
+  })
+      .join();
 }
 
 /// A TLS peer.
