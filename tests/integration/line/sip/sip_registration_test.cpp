@@ -228,7 +228,7 @@ TEST_F(SipRegistrationTest, FindsServersAndCallersByNameAndFollowsTheNetworkWith
       names += " --srv-host=_sip._udp.home.test,a.test," + std::to_string(server->Port()) + rank;
     names += " & read end; kill $!";
     const std::unique_ptr<FILE, int (*)(FILE*)> name_server(::popen(names.c_str(), "w"), ::pclose);
-    settings.timers.registration_retry_first = milliseconds(100);  // until the name server runs
+    shell("timeout 9 sh -c 'until getent hosts a.test; do :; done' >/dev/null");
     settings.listen = "0.0.0.0:" + std::to_string(port);
     settings.account = "sip:100@none.test";
     OpenLine();
