@@ -3,12 +3,10 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-
 #include "adapters/line/service/caller_text.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
-#include "platform/wave.h"
+#include "support/scratch_folder.h"
 
 namespace orven {
 namespace {
@@ -118,37 +116,19 @@ TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
     EXPECT_EQ(scene.service->ErrorText(result).starts_with("Unknown"), result == -8) << result;
 }
 
-TEST(SimAudio, PlaysAndRecordsWhileACallIsUp) {
-  struct Tape : AudioSource, AudioSink {
-    bool Read(std::span<std::int16_t> /*block*/) override { return --left > 0; }
-    void Write(std::span<const std::int16_t> /*block*/) override { ++recorded; }
-    int left = 2, recorded = 0;
-  } tape;
-  Scene scene;
-  auto& audio = *scene.service->Find(scene.service->GetWaveDeviceId(1, 0));
-  for (const auto result : {kWaveOk, kWaveBusy})
-    EXPECT_TRUE(audio.StartPlay(tape) == result && audio.StartRecord(tape) == result);
-  EXPECT_EQ(scene.Play("_o.A_"), "call 1, done 1, up");
-  EXPECT_EQ(tape.recorded, 4) << "blocks of 80 ms";
-  EXPECT_EQ(audio.StartPlay(tape), kWaveOk) << "the first has ended";
-  audio.StopPlay();
-  audio.StopRecord();
-  scene.Play("_");
-  EXPECT_EQ(tape.recorded + tape.left, 4);
-}
-
 TEST(SimScript, IsPlayedFromEachOpeningAndItsWrongLinesAreNamed) {
-  const auto path = testing::TempDir() + "/orven_script.sim";
-  std::ofstream(path)
-      << "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12\n2 dance\n3 press\n"
-         "-1 ring\n9 hangup\n";
+  const test::ScratchFolder folder;
+  const std::string path = folder / "script.sim";
+  test::PutFile(path,
+                "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12\n2 dance\n3 press\n"
+                "-1 ring\n9 hangup\n");
   std::vector<std::string> complaints;
   EXPECT_EQ(Scene(ReadSimScript(path, complaints)).Play(".CO.AM_sssss"),
             "call 1, idle, call 2, done 1, up, Anna Smith/555, digit 1, digit 2, gone, connected, "
             "refused -4, done 2, idle");
   ReadSimScript(path + ".none", complaints);
   ASSERT_EQ(complaints.size(), 4U);
-  EXPECT_THAT(complaints[0], testing::StartsWith("orven_script.sim:6: \"2 dance\": expected "));
+  EXPECT_THAT(complaints[0], testing::StartsWith("script.sim:6: \"2 dance\": expected "));
 }
 
 TEST(CallerText, LetsNothingHarmfulThrough) {

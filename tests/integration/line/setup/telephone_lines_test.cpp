@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The configured telephone lines in a real file and at a real registrar.
 #include <gmock/gmock.h>
+#include <pty.h>
 #include <qtestsupport_core.h>
-
-#include <QProcess>
 
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/line/config/line_settings.h"
+#include "adapters/line/modem/modem_line.h"
 #include "adapters/line/setup/file_telephone_lines.h"
+#include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/sip_probe.h"
 #include "base/runtime_error.h"
-#include "integration/line/sip/network.h"
+#include "integration/line/sip/sip_line_test.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {
@@ -47,6 +48,12 @@ class TelephoneLinesTest : public testing::Test {
     return result.value_or(LineTestResult{});
   }
 
+  /// Waits until the list says so of a line.
+  void ExpectState(const TelephoneLine& line, const std::string& words) {
+    const auto said = [&] { return lines.State(line).find(words) != std::string::npos; };
+    EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << words << ": " << lines.State(line);
+  }
+
   ScratchFolder folder;
   const std::string path = folder / "lines.ini";
   QtEventLoop loop;
@@ -75,8 +82,6 @@ TEST_F(TelephoneLinesTest, WhatIsWrongStaysInTheFileAndWhatIsNoTextIsKeptBesideI
   PutFile(path, "[Home]\ntype = sim\n");
   EXPECT_THROW(lines.Store(given.lines), RuntimeError) << "another program's change would be lost";
   EXPECT_EQ(ContentOf(path), "[Home]\ntype = sim\n");
-  FileTelephoneLines nowhere(folder / "no/such/folder/lines.ini", loop, service, states);
-  EXPECT_THROW(nowhere.Store(nowhere.Read().lines), RuntimeError);
 }
 
 /// A real registrar wants the password "secret" of its account "100" and answers others by the status that
@@ -89,14 +94,14 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   if ($au != "100" || !pv_www_authenticate("home", "secret", "0")) { www_challenge("home", "1"); exit; }
   save("location");
 })cfg");
-  QProcess registrar;
-  registrar.setWorkingDirectory(QString::fromStdString(folder / ""));
-  registrar.startCommand(QString::fromStdString(
-      "timeout 55 kamailio -f routes -DD -E -n 1 -N 1 -m 16 -M 4 -w . -Y . -P ./pid -l udp:" + server +
+  const auto command =
+      "cd " + (folder / "") +
+      " && kamailio -f routes -DD -E -n 1 -N 1 -m 16 -M 4 -w . -Y . -P ./pid -l udp:" + server +
       " -l tcp:" + server +
       " -L /usr/lib/x86_64-linux-gnu/kamailio/modules:/usr/lib/aarch64-linux-gnu/kamailio/modules"
-      " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so "
-      "--loadmodule=auth.so"));
+      " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so"
+      " --loadmodule=auth.so >/dev/null 2>&1 & read end; kill $!; wait";
+  const std::unique_ptr<FILE, int (*)(FILE*)> registrar(::popen(command.c_str(), "w"), ::pclose);
   const auto login = [&](const std::string& user) { return "account = sip:" + user + '@' + server; };
   const auto wrong = "or the password is wrong."s, far = "0.0.0.0 as address for calls uses every network"s;
   // The keys of a SIP line, and words of its test and of its state.
@@ -126,23 +131,20 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
     EXPECT_EQ(result.passed, state == "Registered" || state == "Waiting for calls") << keys;
     EXPECT_THAT(result.text, testing::AllOf(HasSubstr(words), testing::Not(HasSubstr("hidden")))) << keys;
     Use(home + keys);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return lines.State(line).find(state) != std::string::npos; }, 20'000))
-        << keys << ": " << lines.State(line);
+    ExpectState(line, state);
   }
   auto line = Use(home);
   EXPECT_THAT(Result(line).text, HasSubstr("The line is open: calls can come in at " + own));
   line.ring_seconds = 9;
   EXPECT_TRUE(Result(line).passed) << "its own line holds the port";
   line = Use(home + std::get<0>(rows[0]));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return lines.State(line) == "Registered"; }, 20'000));
+  ExpectState(line, "Registered");
   EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
   EXPECT_TRUE(Result(line).passed);
   EXPECT_EQ(lines.State(line), "Registered") << "the test left the registration alone";
   line.password = "wrong";
   EXPECT_FALSE(Result(line).passed) << "the password on test is another one";
   EXPECT_EQ(lines.State(line), "Not in use yet");
-  registrar.terminate();
-  registrar.waitForFinished();
 }
 
 TEST_F(TelephoneLinesTest, ASilentServerIsNamedAndTheTestOfOneCanBeStopped) {
@@ -170,21 +172,88 @@ TEST_F(TelephoneLinesTest, OfSeveralLinesTheOpenOneIsUsedAndTheOthersAreNamed) {
   PutFile(folder / "calls.sim", "0 offer\n");
   Use("[USB]\ntype = modem\nport = /dev/ttyACM99\n[Sim]\ntype = sim\nscript = calls.sim\n");
   const auto all = lines.Read().lines;
-  const auto says = [&](std::size_t index, const std::string& state) {
-    const auto said = [&] { return lines.State(all.at(index)).find(state) != std::string::npos; };
-    EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << lines.State(all.at(index));
-  };
-  says(0, "no port /dev/ttyACM99");
+  ExpectState(all.at(0), "no port /dev/ttyACM99");
   EXPECT_THAT(Result(all[0]).text, HasSubstr("The line is open: There is no port"));
-  says(1, "Another line is chosen");
+  ExpectState(all.at(1), "Another line is chosen");
   service.LineClose(0);
-  says(1, "Off");
+  ExpectState(all.at(1), "Off");
   service.LineOpen(1, 4, 8);
-  says(1, "Waiting for calls");
+  ExpectState(all.at(1), "Waiting for calls");
   EXPECT_TRUE(QTest::qWaitFor([&] { return service.HasCall(); }, 20'000)) << "the script is not played";
   EXPECT_THAT(Result(all[1]).text, HasSubstr("it has 1 steps."));
   PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
   EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));
+}
+
+/// The answer to a command.
+using Modem = std::function<std::string(const std::string& command)>;
+
+std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = false) {
+  int own = -1, port = -1;
+  std::array<char, 128> path{};
+  termios raw{};
+  ::cfmakeraw(&raw);
+  EXPECT_EQ(::openpty(&own, &port, path.data(), &raw, nullptr), 0);
+  std::thread thread([&] {
+    std::string command;
+    for (char letter = 0; ::read(own, &letter, 1) == 1;) {
+      command += letter;
+      if (letter != '\r') continue;
+      const auto text = modem(std::exchange(command, ""));
+      if (text == "unplugged") break;
+      (void)!::write(own, text.data(), text.size());
+    }
+    ::close(own);
+  });
+  const auto result = ProbeModem(path.data(), cancelled);
+  ::close(port);  // reading ends
+  thread.join();
+  EXPECT_EQ(result.passed, result.text.find("its sound has") != std::string::npos) << result.text;
+  return result.text;
+}
+
+TEST(ModemProbe, TellsVoiceModemsFromAllElse) {
+  int commands = 0;
+  const auto with = [&](const std::string& classes, const std::string& formats = "") {
+    return [&commands, classes, formats](const std::string& command) {
+      const auto told = command.starts_with("AT+FCLASS=?") ? classes + "\r\n\r\n"
+                        : command.starts_with("AT+VSM=?")  ? formats
+                                                           : "";
+      return ++commands == 1 ? "" : command + "\r\n" + told + "\r\nOK\r\n";  // it is late, and has an echo
+    };
+  };
+  const std::pair<Modem, const char*> rows[] = {
+      {with("+FCLASS: (0,1,8)"), "(its sound has 8 bits)"},
+      {with("8", "4,\"ULAW\",8,0,8000"), "8 bits, mu-law"},
+      {with("8", "131,\"16 BIT LINEAR\",16,0,8000"), "16 bits"},
+      {[](const auto& asked) { return asked.starts_with("AT+VSM") ? "ERROR\r\n" : "8\r\nOK\r\n"; },
+       "no supported audio"},
+      {[](const auto&) { return "unplugged"; }, "is gone."},
+      {with("0,1,1.0,80,18"), "not a voice modem"},
+      {[](const std::string&) { return ""; }, "Nothing answers"},
+      {[](const std::string&) { return "ERROR\r\n"; }, "not as a modem"},
+      {[](const std::string&) { return std::string(100'000, 'x'); }, "Nothing"}};
+  for (const auto& [modem, words] : rows) EXPECT_THAT(Probed(modem), testing::HasSubstr(words));
+  std::atomic<bool> cancelled = false;
+  commands = 0;
+  Probed([&](const std::string&) { return ++commands, cancelled = true, ""; }, cancelled);
+  EXPECT_EQ(commands, 1) << "a cancelled test asks nothing more";
+}
+
+TEST(SerialPorts, AreFoundUnderTheNameThatStaysAndOthersAreRefused) {
+  const ScratchFolder folder;
+  PutFile(folder / "port", "");
+  const std::atomic<bool> never = false;
+  EXPECT_THAT(ProbeModem(folder / "port", never).text, testing::HasSubstr("not a serial port"));
+  EXPECT_EQ(ProbeModem(kAnyPort, never).text == "No modem is plugged in.", FindSerialPorts().empty());
+  std::filesystem::create_directories(folder / "serial/by-id");
+  for (const char* name : {"ttyACM0", "ttyUSB1", "tty0"}) PutFile(folder / name, "");
+  std::filesystem::create_symlink("../../ttyACM0", folder / "serial/by-id/usb-Modem-if00");
+  std::filesystem::create_symlink("../../ttyACM9", folder / "serial/by-id/usb-Gone-if00");
+  std::vector<std::string> found;
+  for (const auto& port : FindSerialPorts(folder / ""))
+    found.push_back(std::filesystem::path(port.path).filename());
+  EXPECT_THAT(found, testing::ElementsAre("usb-Modem-if00", "ttyUSB1"));
 }
 
 }  // namespace

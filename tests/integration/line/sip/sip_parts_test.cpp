@@ -160,32 +160,6 @@ TEST(SrtpTest, ReadsTheCryptoAttributesThatWeCanServe) {
   }
 }
 
-TEST(SrtpTest, AHundredStrangersLeaveRoomForThePeer) {
-  const SrtpKey key = NewSrtpKey();
-  SrtpSender peer(SrtpSuite::kTag80, key), stranger(SrtpSuite::kTag80, NewSrtpKey());
-  SrtpReceiver receiver(SrtpReceiver::Kind::kRtp, SrtpSuite::kTag80, key);
-  for (std::uint32_t ssrc = 0; ssrc < 100; ++ssrc)
-    EXPECT_FALSE(receiver.Unprotect(stranger.Protect(RtpPacketBytes(0, 60'000 + ssrc, 0, Bytes(160), ssrc))));
-  const auto packet = peer.Protect(RtpPacketBytes(0, 1, 0, Bytes(160)));
-  EXPECT_EQ(packet.size(), 12 + 160 + 80 / 8U);
-  EXPECT_TRUE(receiver.Unprotect(packet));
-}
-
-TEST(DigitsTest, AKeyHeldForSecondsIsOnePress) {
-  DigitMerger merger;
-  const auto press = [&](DigitSource source, int at) {
-    return merger.Report(source, '5', DigitMerger::Time(milliseconds(at)));
-  };
-  EXPECT_TRUE(press(DigitSource::kTelephoneEvent, 0));
-  for (int at = 50; at <= 3000; at += 50) {
-    merger.Held(DigitSource::kTelephoneEvent, DigitMerger::Time(milliseconds(at)));
-    // The tone broke off and is heard again.
-    EXPECT_FALSE((at == 150 || at == 2000) && press(DigitSource::kInBand, at));
-  }
-  EXPECT_FALSE(press(DigitSource::kInfo, 3400));
-  EXPECT_TRUE(press(DigitSource::kTelephoneEvent, 3600));
-}
-
 TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
   KeyRateLimit pace;
   int allowed = 0;
