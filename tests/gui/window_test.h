@@ -3,9 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QMetaProperty>
+#include <QTest>
+#include <QtWidgets>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,17 +13,43 @@
 
 namespace orven::test {
 
+/// Checks the shown controls of a window: none overlaps another or is cut, and screen readers can name each
+/// one that takes the focus. What Qt's own controls consist of, which have no layout, is not checked.
+inline void ExpectTidy(const QWidget& window) {
+  EXPECT_FALSE(window.windowTitle().isEmpty() || window.windowIcon().isNull());
+  EXPECT_EQ(window.windowModality() == Qt::WindowModal, window.inherits("QDialog"));
+  QApplication::processEvents();
+  QWidgetList named;
+  for (const auto* label : window.findChildren<QLabel*>()) named << label->buddy();
+  for (auto* control : window.findChildren<QWidget*>()) {
+    const auto* parent = control->parentWidget();
+    if (!control->isVisible() || control->isWindow() || parent->layout() == nullptr) continue;
+    SCOPED_TRACE(control->metaObject()->className() + (" " + control->objectName().toStdString()));
+    const QWidgetItem item(control);
+    const auto place = control->geometry();
+    EXPECT_TRUE(parent->rect().contains(place) && place.height() >= item.heightForWidth(place.width()));
+    EXPECT_EQ(place.size(), place.size().expandedTo(item.minimumSize()));
+    for (const auto* other : parent->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+      EXPECT_FALSE(other != control && other->isVisible() && other->geometry().intersects(place));
+    const auto* button = qobject_cast<QAbstractButton*>(control);
+    EXPECT_TRUE((control->focusPolicy() & Qt::TabFocus) == 0 || control->focusProxy() != nullptr ||
+                named.contains(control) || !control->accessibleName().isEmpty() ||
+                (button != nullptr && !button->text().isEmpty()));
+  }
+}
+
 /// A test that drives one window by the object names of its controls.
 class WindowTest : public testing::Test {
  protected:
   /// Names of controls or settings, each with its value.
   using Values = std::vector<std::pair<std::string, std::string>>;
 
-  /// Shows the window that the following calls are about, with the focus.
+  /// Shows the window that the following calls are about, with the focus, and checks its shown controls.
   void Show(QWidget& window) {
     window_ = &window;
     window.show();
     QApplication::setActiveWindow(&window);
+    ExpectTidy(window);
   }
   template <class Control = QWidget>
   Control& Get(const std::string& name) const {
@@ -52,19 +77,27 @@ class WindowTest : public testing::Test {
   void ExpectStored(const Values& values) {
     for (const auto& [name, value] : values) EXPECT_EQ(world.registry.Text(name), value) << name;
   }
-  /// Clicks on buttons, sets controls and lets time pass: "txtName=Anna cmdRec 2s cmdOK 1ms". Returns what
-  /// was logged meanwhile.
+  /// Clicks on buttons, sets controls, lets time pass and expects texts and the focus: "txtName=Anna cmdRec
+  /// 2s lblTime:0:02 @cmdOK cmdOK". Returns what was logged meanwhile.
   std::vector<std::string> Do(const std::string& script) {
     return world.LoggedBy([&] {
       std::istringstream words(script);
       for (std::string word; words >> word;) {
         const bool time = word[0] >= '0' && word[0] <= '9';
-        const auto value = word.find('=');
+        const auto name = word.substr(0, word.find_first_of("=:")), rest = word.substr(name.size());
         if (time) world.RunFor(std::stoi(word) * (word.ends_with("ms") ? 1ms : 1000ms));
-        if (!time && value != word.npos) Set({{word.substr(0, value), word.substr(value + 1)}});
-        if (!time && value == word.npos) Click(word);
+        if (rest.starts_with('=')) Set({{name, rest.substr(1)}});
+        if (rest.starts_with(':')) ExpectShown({{name, rest.substr(1)}});
+        EXPECT_TRUE(word[0] != '@' || word.substr(1) == Focused()) << word;
+        if (!time && rest.empty() && word[0] != '@') Click(word);
       }
     });
+  }
+  std::vector<std::string> Items(const std::string& list) const {
+    std::vector<std::string> items;
+    const auto& box = Get<QComboBox>(list);
+    for (int i = 0; i < box.count(); ++i) items.push_back(box.itemText(i).toStdString());
+    return items;
   }
   bool Visible(const std::string& control) const { return Get(control).isVisible(); }
   bool Enabled(const std::string& control) const { return Get(control).isEnabled(); }

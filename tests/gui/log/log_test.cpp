@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <QClipboard>
-#include <QScrollBar>
-#include <QTest>
 
 #include "gui/window_test.h"
 #include "log/frmLog.h"
@@ -101,8 +98,20 @@ TEST_F(LogWindow, ALargeFileOpensPieceByPiece) {
   ClickFile("3_Sys.txt", 2s);
   EXPECT_EQ(State(), "1250000: 1,250,000 lines");
   list.setFocus();
-  QTest::keyClick(&list, Qt::Key_End);
-  EXPECT_EQ(list.currentIndex().row(), 1'249'999);
+  const int page = list.verticalScrollBar()->pageStep();
+  for (const auto& [key, row] :
+       {std::pair(Qt::Key_PageDown, page), std::pair(Qt::Key_Home, 0), std::pair(Qt::Key_End, 1'249'999),
+        std::pair(Qt::Key_PageUp, 1'249'999 - page), std::pair(Qt::Key_Down, 1'250'000 - page)}) {
+    QTest::keyClick(&list, key);
+    EXPECT_EQ(list.currentIndex().row(), row);
+  }
+  const auto place = [&](int row) { return list.visualRect(list.model()->index(row, 0)).center(); };
+  const auto colour = [&](int row) {
+    return list.viewport()->grab().toImage().pixelColor(0, place(row).y());
+  };
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place(1'249'998));
+  EXPECT_NE(colour(1'249'998), colour(1'249'999));
+  QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.currentIndex()).center()));
   QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
   QTest::keySequence(&list, QKeySequence::Copy);
