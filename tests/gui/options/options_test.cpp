@@ -91,7 +91,7 @@ TEST_F(OptionsWindow, EveryControlShowsAndStoresItsSettingAndTheNextCallUsesIt) 
 TEST_F(OptionsWindow, UnusualInputIsTakenAsItIsAndCancelStoresNothing) {
   const std::string password = " a b" + std::string(300, '7');
   for (const auto& [typed, hint] : {std::pair(password, "A telephone can key the digits 0 to 9 and # only."),
-                                    {"#0123456789", "To be keyed while the greeting plays, followed by *"},
+                                    {"#0123456789", "Enter it while the greeting plays, then press *"},
                                     {"", "Without a password anyone who keys * hears the messages."}}) {
     Set({{"txtPass", typed}});
     ExpectShown({{"lblPassHint", hint}});

@@ -19,7 +19,7 @@ class Window : public testing::Test {
   frmMain& window = desk.window;
 };
 
-TEST_F(Window, EachItemOfAMenuHasItsOwnKeyAndItsBarsAreInGroups) {
+TEST_F(Window, EachMenuItemHasItsOwnKeyAndTheToolbarsAreComplete) {
   ExpectTidy(window);
   auto menus = window.findChildren<QMenu*>();
   EXPECT_GE(menus.size(), 10);

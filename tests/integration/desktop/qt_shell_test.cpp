@@ -4,16 +4,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDesktopServices>
-#include <QMessageBox>
 #include <QTest>
-#include <QTimer>
-#include <QUrl>
-#include <QWindow>
+#include <QtWidgets>
 #include <sstream>
 
 #include "actions/actions_engine.h"
@@ -116,11 +109,9 @@ TEST_F(QtShellTest, AHelperIsStartedInPlaceOfItsOtherNameAndWhatCannotBeStartedI
   shell.SetHelper("TTS.exe", [this] { return HelperStart{folder / "helper", {{"CHANNEL", "a path"}}}; });
   PutFile(folder / "text", "no program");
   const std::tuple<std::string, int, std::string> rows[] = {{"\"\"", 5, ""},
-                                                            {" ", 5, ""},
                                                             {"/nowhere/program x", 53, "/nowhere/program"},
                                                             {"nothing-in-path", 53, "nothing"},
                                                             {folder / "text", 70, folder / "text"},
-                                                            {folder / "", 70, folder / ""},
                                                             {folder / "TTS.exe", 53, folder / "helper"}};
   for (const auto& [command, number, named] : rows) {
     try {
@@ -137,36 +128,60 @@ TEST_F(QtShellTest, AHelperIsStartedInPlaceOfItsOtherNameAndWhatCannotBeStartedI
   }
 }
 
-TEST(QtMouse, KnowsWhichButtonIsDown) {
-  QWidget window;
-  window.show();
-  QTest::mousePress(window.windowHandle(), Qt::LeftButton);
-  EXPECT_TRUE(QtMouse().IsDown(kLeftButton) && !QtMouse().IsDown(kRightButton));
-  QTest::mouseRelease(window.windowHandle(), Qt::LeftButton);
-  EXPECT_FALSE(QtMouse().IsDown(kLeftButton));
-}
-
 TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   std::ostringstream output;
   QtDialogs dialogs(HasDisplay(), output);
-  EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question));
-  EXPECT_FALSE(dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
+  EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question) ||
+               dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
   EXPECT_EQ(output.str(),
             "ORVEN: Delete Call ? (answered No: there is no display)\n"
             "ORVEN: Save: a.wav (cancelled: there is no display)\n"
             "ORVEN: Add Sound (cancelled: there is no display)\n");
 }
 
-TEST(QtDialogs, AConfirmationIsYesOnlyForYes) {
+/// Acts on the next box once it is open.
+template <class Box>
+void WhenOpen(std::function<void(Box&)> act) {
+  QTimer::singleShot(0, qApp, [act] { act(dynamic_cast<Box&>(*QApplication::activeModalWidget())); });
+}
+
+TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
+  QMainWindow window;
+  QDialog dialog(&window);
+  window.show();
+  dialog.open();
   for (const auto button : {QMessageBox::Yes, QMessageBox::No, QMessageBox::NoButton}) {
-    QTimer::singleShot(0, QApplication::instance(), [button] {  // runs once the box is open
-      auto& box = dynamic_cast<QMessageBox&>(*QApplication::activeModalWidget());
+    WhenOpen<QMessageBox>([&](auto& box) {
       EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is no markup";
+      EXPECT_EQ(box.parentWidget(), &dialog);
       box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
-    EXPECT_EQ(QtDialogs(true).Confirm("Delete <b>Call</b> ?", QuestionIcon::None),
-              button == QMessageBox::Yes);
+    EXPECT_EQ(QtDialogs(true).Confirm("Delete <b>a</b> ?", QuestionIcon::None), button == QMessageBox::Yes);
   }
+}
+
+TEST(QtDialogs, FilesAreChosenByTheFilterInTheFolderOfTheLast) {
+  const ScratchFolder folder;
+  QtDialogs dialogs(true);
+  QString seen;
+  const auto choose = [&](const char* name) {
+    WhenOpen<QFileDialog>([&, name](auto& box) {
+      seen = box.windowTitle() + u'|' + box.selectedFiles().join(u' ') + u'|' + box.nameFilters().join(u'|');
+      box.selectFile(QString::fromStdString(folder / name));
+      QMetaObject::invokeMethod(&box, *name == 0 ? "reject" : "accept");
+    });
+  };
+  const std::string filter("wav (*.wav)\0*.wav\0Sounds\0*.wav;*.mp3\0", 36);
+  for (const char* name : {"sub/a", "b"}) {
+    choose(name);
+    std::filesystem::create_directory(folder / "sub");
+    EXPECT_EQ(dialogs.SaveAs("Save As", filter, "c.wav"), folder / name + ".wav");
+  }
+  EXPECT_EQ(seen.toStdString(), "Save As|" + folder / "sub/c.wav" + "|wav (*.wav)|Sounds (*.wav *.mp3)");
+  choose("sub");
+  EXPECT_EQ(dialogs.BrowseFolder("Messages", folder / ""), folder / "sub");
+  choose("");
+  EXPECT_EQ(dialogs.OpenFile("Add Sound", filter), std::nullopt);
 }
 
 }  // namespace
