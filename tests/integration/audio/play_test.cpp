@@ -105,6 +105,10 @@ TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
   disk.hangs_from = kSampleRate;  // bytes: after the first half second
   Start(greeting);
   ASSERT_TRUE(Eventually([&] { return disk.held > 0; }));
+  control->StopPlay();  // does not wait
+  EXPECT_GT(disk.held, 0);
+  Start(greeting);
+  ASSERT_TRUE(Eventually([&] { return disk.held > 1; }));
   Samples played = line.Play(200);
   EXPECT_EQ(played.size() / 8, static_cast<std::size_t>(control->Position().count()));
   disk.Mend();

@@ -184,7 +184,7 @@ TEST_F(MailTest, AFaultyServerGetsTheMailGivenUpWithTheCauseAndTheNextMailGoes) 
       {"CONNECT '421 4.3.2 closed\\x07 today'", "refused the mail: 421 4.3.2 closed  today"},
       {"MAIL '550-no\\r\\n550 mail from you'", "550-no mail from you"},
       {"RCPT '550 no ** for you'", "refused the mail: 550 no *** for you"},  // the password is like its mask
-      {"BODY '552 too long'", "552 too long"},
+      {"BODY '559 too long'", "mail: 559 too long"},
       {"CONNECT stall", "stopped answering (timed out)"},
       {"BODY stall", "stopped answering (timed out)"},
       {"RCPT garbage", "does not answer as a mail server"},

@@ -62,11 +62,12 @@ class RealServer {
   }
   /// Takes an output or an input away.
   static void Unplug(const QByteArray& name) {
-    for (const auto& module : Ask({"list", "short", "modules"}).split('\n')) {
+    for (const auto& module : Listed("modules").split('\n')) {
       if (module.contains("_name=" + name + ' ')) Ask({"unload-module", module.split('\t')[0]});
     }
   }
-  static bool Plays() { return !Ask({"list", "short", "sink-inputs"}).isEmpty(); }
+  static QByteArray Listed(const QString& what) { return Ask({"list", "short", what}); }
+  static bool Plays() { return !Listed("sink-inputs").isEmpty(); }
 
   /// parec, which hears output `name`, or pacat, which plays on it what is written to it.
   static std::unique_ptr<QProcess> Other(const QString& program, const QString& output) {

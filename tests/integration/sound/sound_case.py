@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the tests with sound cards share: a sound server of their own, and recordings of what it plays."""
+"""For tests of whole programs: a sound server of their own, and recordings of what it plays."""
 
 import os
 import subprocess
@@ -43,21 +43,14 @@ class Server:
         done = subprocess.run(["pactl", *arguments], env=self.environment, capture_output=True, text=True, check=False)
         return done.stdout if done.returncode == 0 else None
 
-    def plug_in(self, name, sound=("rate=8000", "channels=1"), card=None):
-        """A new output `name`, and an input mic_`name` that hears what is played there. Both belong to the
-        physical card `card`. Qt and the desktop tell them by their descriptions."""
-        bus = f"device.bus_path={card}" if card else ""
-        properties = f'sink_properties="device.description={name} {bus}"'
-        self.ask("load-module", "module-null-sink", f"sink_name={name}", "norewinds=1", *sound, properties)
-        properties = f'source_properties="device.description=mic_{name} {bus}"'
+    def plug_in(self, name):
+        """A new output `name`, and an input mic_`name` that hears what is played there. Qt and the desktop tell them
+        by their descriptions."""
+        properties = f'sink_properties="device.description={name}"'
+        self.ask("load-module", "module-null-sink", f"sink_name={name}", "norewinds=1", "rate=8000", "channels=1", properties)
+        properties = f'source_properties="device.description=mic_{name}"'
         self.ask("load-module", "module-remap-source", f"master={name}.monitor", f"source_name=mic_{name}", properties)
         processes.wait_for(f"input mic_{name}", lambda: f"mic_{name}" in (self.ask("list", "short", "sources") or ""), 10)
-
-    def unplug(self, name):
-        """Takes an output or an input away."""
-        for line in self.ask("list", "short", "modules").splitlines():
-            if f"sink_name={name} " in line or f"source_name={name} " in line:
-                self.ask("unload-module", line.split()[0])
 
     def streams(self):
         return self.ask("list", "short", "sink-inputs").splitlines()

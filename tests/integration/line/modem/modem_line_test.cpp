@@ -12,6 +12,7 @@
 
 #include "adapters/line/modem/modem_agent.h"
 #include "adapters/line/sim/virtual_time.h"
+#include "integration/line/modem/told_events.h"
 #include "modem_emulator/modem_emulator.h"
 
 namespace orven::test {
@@ -43,7 +44,7 @@ const ModemProfile& Profile(const std::string& name) {
 
 /// A modem line as the program has it, on virtual time: the modem's port, the user of the line, and its
 /// sound.
-struct Story final : ModemLink, LineDriverEvents, AudioSource, AudioSink {
+struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
   Story(const std::string& profile, const ModemFaults& faults)
       : linear(profile == "softmodem" || profile == "lucent"),
         modem(Profile(profile), faults, time, time, [this](auto bytes) { FromModem(bytes); }) {}
@@ -85,26 +86,8 @@ struct Story final : ModemLink, LineDriverEvents, AudioSource, AudioSink {
     if (!unsent.empty()) time.After(milliseconds(1), [this] { Send(); });
   }
 
-  void Offered(CallNumber number) override { Tell("Offered", call = number); }
-  void Ring(CallNumber number, std::int32_t count) override {
-    Tell("Ring", number, " " + std::to_string(count));
-  }
-  void CallerId(CallNumber number, const std::string& name, const std::string& from) override {
-    Tell("CallerId", number, " " + name + "/" + from);
-  }
-  void RequestDone(std::int32_t number, std::int32_t result) override {
-    Tell("Done", std::uint32_t(number),
-         result == kTelephonyDeviceFailed ? " failed" : " " + std::to_string(result));
-  }
-  void Connected(CallNumber number) override { Tell("Connected", number); }
-  void Digit(CallNumber, char digit) override { Tell(std::string("Digit ") + digit); }
-  void Disconnected(CallNumber number) override { Tell("Disconnected", number); }
-  void Idle(CallNumber number) override { Tell("Idle", number); }
-  void Trouble(const std::string& text) override { Tell("Trouble " + text); }
-  void Tell(const std::string& what, std::uint32_t number, const std::string& more = "") {
-    Tell(what + " " + std::to_string(number) + more);
-  }
-  void Tell(const std::string& text) { told += (told.empty() ? "" : ", ") + text; }
+  using ToldEvents::Tell;
+  void Tell(const std::string& text) override { told += (told.empty() ? "" : ", ") + text; }
 
   bool Read(std::span<std::int16_t> block) override {
     if (given.size() - played < block.size()) return false;
@@ -248,7 +231,6 @@ struct Story final : ModemLink, LineDriverEvents, AudioSource, AudioSink {
   std::size_t ports = 1;
   int opened = 0, rate = 0, most_rate = kFastRate;
   std::string told, state;
-  CallNumber call = 0;
   std::int32_t request = 0;
   Samples given, spoken, recorded;
   std::size_t played = 0;   ///< of what was given
