@@ -169,7 +169,7 @@ TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind
   Send("ULD:");
   const auto complaints = Ended(helper);
   for (const auto& part :
-       {"no file is set", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
+       {"no sound file was named", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
     EXPECT_NE(complaints.find(part), std::string::npos) << part << " in: " << complaints;
 }
 
