@@ -133,17 +133,19 @@ TEST(LineSettings, WhatAPersonEntersWrongIsNamedAtItsField) {
   EXPECT_FALSE(FaultOf(LineOf({"Home", 0, "sip", {}}))) << "an account is not needed";
   const auto good = LineOf({"Home", 0, "sip", {{"account", "sip:1@1.1.1.1:5060"}, {"password", "p #x;y=z"}}});
   EXPECT_FALSE(FaultOf(good));
-  const std::tuple<LineField, std::string TelephoneLine::*, const char*> rows[] = {
-      {LineField::Name, &TelephoneLine::name, ""},
-      {LineField::Name, &TelephoneLine::name, "a ;b"},
-      {LineField::Listen, &TelephoneLine::listen, "x:5060"},
-      {LineField::Server, &TelephoneLine::server, "a b"},
-      {LineField::Server, &TelephoneLine::server, ""},
-      {LineField::User, &TelephoneLine::user, ""},
-      {LineField::User, &TelephoneLine::user, "1@2"},
-      {LineField::Password, &TelephoneLine::password, " hidden"},
-      {LineField::AuthUser, &TelephoneLine::auth_user, ";x"},
-      {LineField::Transport, &TelephoneLine::srtp, "maybe"}};
+  using Field = LineField;
+  using Line = TelephoneLine;
+  const std::tuple<Field, std::string Line::*, const char*> rows[] = {
+      {Field::Name, &Line::name, ""},
+      {Field::Name, &Line::name, "a ;b"},
+      {Field::Listen, &Line::listen, "x:5060"},
+      {Field::Server, &Line::server, "a b"},
+      {Field::Server, &Line::server, ""},
+      {Field::User, &Line::user, ""},
+      {Field::User, &Line::user, "1@2"},
+      {Field::Password, &Line::password, " hidden"},
+      {Field::AuthUser, &Line::auth_user, ";x"},
+      {Field::Transport, &Line::srtp, "maybe"}};
   for (const auto& [field, text, value] : rows) {
     auto line = good;
     line.*text = value;
@@ -153,8 +155,8 @@ TEST(LineSettings, WhatAPersonEntersWrongIsNamedAtItsField) {
   }
   auto line = good;
   line.ring_seconds = 61;
-  EXPECT_EQ(FaultOf(line).value().field, LineField::RingSeconds);
-  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().field, LineField::Port);
+  EXPECT_EQ(FaultOf(line).value().field, Field::RingSeconds);
+  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().field, Field::Port);
 }
 
 }  // namespace
