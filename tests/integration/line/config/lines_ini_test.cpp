@@ -53,7 +53,7 @@ TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
       "listen = 0.0.0.0:5060\r\ntransport = tls\r\n");
 }
 
-/// `text` between two sections that are right; both stay as they are.
+/// Parses `text` between two valid sections, which stay unchanged.
 LinesFile ParseBetween(const std::string& text) {
   auto file = ParseLines("[First]\ntype=sim\n" + text + "\n[Last]\ntype=sim\n", "lines.ini");
   EXPECT_GE(file.sections.size(), 2U) << text;
@@ -62,7 +62,7 @@ LinesFile ParseBetween(const std::string& text) {
   return file;
 }
 
-TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsNamed) {
+TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
   // The values of a key, each ended by a comma; "+" is in front of those that are accepted.
   const std::pair<std::string, const char*> keys[] = {
       {"tls_listen", "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,+0.0.0.0:65535,"},
@@ -89,16 +89,12 @@ TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsNamed) {
   }
 }
 
-TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndWhatIsNoEntryIsNamed) {
+TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndInvalidEntriesAreReported) {
   const std::pair<const char*, const char*> rows[] = {
-      {"[Bad]\nlisten = 1.1.1.1:1",
-       "3: the line \"Bad\" is left out because type is missing: expected sip, "},
-      {"[Bad]\ntype = isdn",
-       "4: the line \"Bad\" is left out because type is \"isdn\": expected sip, modem or sim"},
-      {"[Bad]\ntype = modem",
-       "3: the line \"Bad\" is left out because port is missing: expected the serial device"},
-      {"[Bad]\ntype = sip\nlisten = x:1",
-       "5: the line \"Bad\" is left out because listen is \"x:1\": expected an "},
+      {"[Bad]\nlisten = 1.1.1.1:1", "3: the line \"Bad\" is left out because type is missing: expected "},
+      {"[Bad]\ntype = isdn", "4: the line \"Bad\" is left out because type is \"isdn\": expected sip"},
+      {"[Bad]\ntype = modem", "3: the line \"Bad\" is left out because port is missing: expected"},
+      {"[Bad]\ntype = sip\nlisten = x:1", "5: the line \"Bad\" is left out because listen is \"x:1\""},
       {"[Bad\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"[ ]\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"just text", "3: expected [section], key = value or ; comment"},
@@ -116,7 +112,7 @@ TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndWhatIsNoEntryIsNamed) {
   EXPECT_THAT(ParseLines("a = b", "x").complaints.at(0), StartsWith("x:1: \"a\" comes before "));
 }
 
-TEST(LinesIni, WithoutAFileThereIsTheLineForThisMachineAndABadFileHasNone) {
+TEST(LinesIni, WithoutAFileThereIsALocalLineAndABadFileHasNone) {
   const ScratchFolder folder;
   EXPECT_EQ(ReadLines(folder / "lines.ini").sections.at(0).values, (Values{{"listen", "127.0.0.1:5060"}}));
   PutFile(folder / "empty.ini", "; nothing\n");
@@ -129,23 +125,21 @@ TEST(LinesIni, WithoutAFileThereIsTheLineForThisMachineAndABadFileHasNone) {
   }
 }
 
-TEST(LineSettings, WhatAPersonEntersWrongIsNamedAtItsField) {
+TEST(LineSettings, AWrongEntryIsReportedAtItsField) {
   EXPECT_FALSE(FaultOf(LineOf({"Home", 0, "sip", {}}))) << "an account is not needed";
   const auto good = LineOf({"Home", 0, "sip", {{"account", "sip:1@1.1.1.1:5060"}, {"password", "p #x;y=z"}}});
   EXPECT_FALSE(FaultOf(good));
-  using Field = LineField;
-  using Line = TelephoneLine;
-  const std::tuple<Field, std::string Line::*, const char*> rows[] = {
-      {Field::Name, &Line::name, ""},
-      {Field::Name, &Line::name, "a ;b"},
-      {Field::Listen, &Line::listen, "x:5060"},
-      {Field::Server, &Line::server, "a b"},
-      {Field::Server, &Line::server, ""},
-      {Field::User, &Line::user, ""},
-      {Field::User, &Line::user, "1@2"},
-      {Field::Password, &Line::password, " hidden"},
-      {Field::AuthUser, &Line::auth_user, ";x"},
-      {Field::Transport, &Line::srtp, "maybe"}};
+  const std::tuple<LineField, std::string TelephoneLine::*, const char*> rows[] = {
+      {LineField::Name, &TelephoneLine::name, ""},
+      {LineField::Name, &TelephoneLine::name, "a ;b"},
+      {LineField::Listen, &TelephoneLine::listen, "x:5060"},
+      {LineField::Server, &TelephoneLine::server, "a b"},
+      {LineField::Server, &TelephoneLine::server, ""},
+      {LineField::User, &TelephoneLine::user, ""},
+      {LineField::User, &TelephoneLine::user, "1@2"},
+      {LineField::Password, &TelephoneLine::password, " hidden"},
+      {LineField::AuthUser, &TelephoneLine::auth_user, ";x"},
+      {LineField::Transport, &TelephoneLine::srtp, "maybe"}};
   for (const auto& [field, text, value] : rows) {
     auto line = good;
     line.*text = value;
@@ -155,8 +149,8 @@ TEST(LineSettings, WhatAPersonEntersWrongIsNamedAtItsField) {
   }
   auto line = good;
   line.ring_seconds = 61;
-  EXPECT_EQ(FaultOf(line).value().field, Field::RingSeconds);
-  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().field, Field::Port);
+  EXPECT_EQ(FaultOf(line).value().field, LineField::RingSeconds);
+  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().field, LineField::Port);
 }
 
 }  // namespace

@@ -14,8 +14,8 @@ namespace {
 using namespace std::chrono_literals;
 using std::to_string;
 
-/// The second of two lines, its caller, and a program that hangs up when the caller has. Everything that
-/// the service tells is added to one text.
+/// The second of two lines, its caller, and a program that hangs up when the caller does. All events of the
+/// service are added to one text.
 struct Scene : TelephonyEvents {
   explicit Scene(const SimScript& script = {}) {
     std::vector<TelephoneDevice> devices;
@@ -49,7 +49,7 @@ struct Scene : TelephonyEvents {
     Tell(line, name + '/' + number);
   }
 
-  /// What is told during `steps`, one letter each.
+  /// Plays `steps`, one letter each, and returns all events so far.
   std::string Play(const std::string& steps) {
     for (const char step : steps) Do(step);
     return told;
@@ -92,19 +92,18 @@ struct Scene : TelephonyEvents {
   std::unique_ptr<LineService> service;
 };
 
-TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
+TEST(LineService, ReportsACallToTheProgram) {
   const std::pair<const char*, const char*> rows[] = {
       {"o.rnxr.A_r?h_?",
        "call 1, ring 1, 'Bob'/UNKNOWN, ring 2, done 1, up, connected, gone, connected, refused -4, done 2, "
        "idle, not connected"},
-      // Our own hang-up is not told as the caller's; a digit on its way is not told.
+      // Our own hang-up is not reported as the caller's; a digit on its way is dropped.
       {"o.A_MD?1_", "call 1, done 1, up, not connected, done 2, idle"},
       {"ADo.AAD_", "refused -4, refused -4, call 1, refused -5, done 3, done 5, idle"},
       // An answer that crosses the end of its call does not touch the next one.
       {"o.Aho_?", "call 1, idle, call 2, done 1 as -4, not connected"},
       {"o.A_MCAC", "call 1, done 1, up, idle, refused -2, refused -2"},
-      // A call may ring for ever, and last while something plays; then it ends two minutes after the last
-      // key.
+      // A call may ring forever and lasts while something plays; then it ends two minutes after the last key.
       {"ommmmmmmmA_mPmmmmPMmm1mms?ss",
        "call 1, done 1, up, digit 1, connected, idle call, gone, connected, refused -4, done 2, idle"},
   };
@@ -116,7 +115,7 @@ TEST(LineService, TellsWhatTheProgramMustKnowOfACall) {
     EXPECT_EQ(scene.service->ErrorText(result).starts_with("Unknown"), result == -8) << result;
 }
 
-TEST(SimScript, IsPlayedFromEachOpeningAndItsWrongLinesAreNamed) {
+TEST(SimScript, StartsAtEachOpeningAndItsWrongLinesAreReported) {
   const test::ScratchFolder folder;
   const std::string path = folder / "script.sim";
   test::PutFile(path,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The configured telephone lines in a real file and at a real registrar.
+// The configured telephone lines in a real file, at a real registrar and on a pseudo-terminal.
 #include <gmock/gmock.h>
 #include <pty.h>
 #include <qtestsupport_core.h>
@@ -48,7 +48,7 @@ class TelephoneLinesTest : public testing::Test {
     return result.value_or(LineTestResult{});
   }
 
-  /// Waits until the list says so of a line.
+  /// Waits until the state of a line contains `words`.
   void ExpectState(const TelephoneLine& line, const std::string& words) {
     const auto said = [&] { return lines.State(line).find(words) != std::string::npos; };
     EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << words << ": " << lines.State(line);
@@ -62,11 +62,11 @@ class TelephoneLinesTest : public testing::Test {
   FileTelephoneLines lines{path, loop, service, states};
 };
 
-TEST_F(TelephoneLinesTest, WhatIsWrongStaysInTheFileAndWhatIsNoTextIsKeptBesideIt) {
+TEST_F(TelephoneLinesTest, InvalidPartsStayInTheFileAndABinaryFileIsKeptBesideIt) {
   auto given = lines.Read();
   given.lines.at(0).name = "Here";
   lines.Store(given.lines);
-  EXPECT_EQ(lines.Read().lines.at(0).listen, "127.0.0.1:5060") << "the line that there is without a file";
+  EXPECT_EQ(lines.Read().lines.at(0).listen, "127.0.0.1:5060") << "the default line";
   given = Given("[Odd]\ntype = telegraph\n[Home]\ntype = sip\nlisten = 127.0.0.1:5060\ntransport = bus\n");
   EXPECT_EQ(given.complaints.size(), 2U);
   given.lines.at(0).transport = "tcp";
@@ -84,8 +84,8 @@ TEST_F(TelephoneLinesTest, WhatIsWrongStaysInTheFileAndWhatIsNoTextIsKeptBesideI
   EXPECT_EQ(ContentOf(path), "[Home]\ntype = sim\n");
 }
 
-/// A real registrar wants the password "secret" of its account "100" and answers others by the status that
-/// they are named after.
+/// A real registrar demands the password "secret" for the account "100". It answers any other account with
+/// the status that is its name.
 TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   const auto port = FreePort();
   const auto server = "127.0.0.1:" + std::to_string(port), own = Free();
@@ -143,7 +143,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   EXPECT_TRUE(Result(line).passed);
   EXPECT_EQ(lines.State(line), "Registered") << "the test left the registration alone";
   line.password = "wrong";
-  EXPECT_FALSE(Result(line).passed) << "the password on test is another one";
+  EXPECT_FALSE(Result(line).passed) << "the entered password is tested, not the stored one";
   EXPECT_EQ(lines.State(line), "Not in use yet");
 }
 
@@ -168,7 +168,7 @@ TEST_F(TelephoneLinesTest, ASilentServerIsNamedAndTheTestOfOneCanBeStopped) {
   EXPECT_FALSE(told);
 }
 
-TEST_F(TelephoneLinesTest, OfSeveralLinesTheOpenOneIsUsedAndTheOthersAreNamed) {
+TEST_F(TelephoneLinesTest, TheListSaysWhichLineIsOpenAndWhatIsWrongWithIt) {
   PutFile(folder / "calls.sim", "0 offer\n");
   Use("[USB]\ntype = modem\nport = /dev/ttyACM99\n[Sim]\ntype = sim\nscript = calls.sim\n");
   const auto all = lines.Read().lines;
@@ -185,7 +185,7 @@ TEST_F(TelephoneLinesTest, OfSeveralLinesTheOpenOneIsUsedAndTheOthersAreNamed) {
   EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));
 }
 
-/// The answer to a command.
+/// Answers a command; "unplugged" ends the connection.
 using Modem = std::function<std::string(const std::string& command)>;
 
 std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = false) {
@@ -212,7 +212,7 @@ std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = fals
   return result.text;
 }
 
-TEST(ModemProbe, TellsVoiceModemsFromAllElse) {
+TEST(ModemProbe, TellsVoiceModemsFromOtherDevices) {
   int commands = 0;
   const auto with = [&](const std::string& classes, const std::string& formats = "") {
     return [&commands, classes, formats](const std::string& command) {

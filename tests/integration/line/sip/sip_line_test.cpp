@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A call's way through the line, as a caller and the line's owner see it; and what no caller should send:
-// whatever comes, the line lives and takes the next call.
+// Calls as the caller and the line's owner see them, their audio and keys, and hostile input: whatever is
+// sent, the line takes the next call.
 #include <spandsp.h>
 
 #include <array>
@@ -17,7 +17,7 @@ namespace {
 using std::string_literals::operator""s;
 using Texts = std::vector<std::string>;
 
-/// What this process has in memory.
+/// The memory of this process.
 std::size_t ResidentBytes() {
   std::size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages >> pages;
@@ -29,7 +29,7 @@ std::string Connected(const std::string& n) {
   return "caller " + n + ",> INVITE,Ring " + n + " 1,answer 1,< 200,> ACK,Connected " + n + ",";
 }
 
-TEST_F(SipLineTest, TellsACallInOrderUnlessItIsCancelled) {
+TEST_F(SipLineTest, ReportsTheEventsOfACallInOrder) {
   Play("> INVITE,< 180,Ring 1 1,Ring 1 2,answer 7,< 200,> ACK,Connected 1,> BYE,< 200,Idle 1");
   EXPECT_EQ(events.All(), (Texts{"Offered 1", "CallerId 1 Ann Smith|5551234", "Ring 1 1", "Ring 1 2",
                                  "RequestDone 7 0", "Connected 1", "Disconnected 1", "Idle 1"}));
@@ -85,7 +85,7 @@ TEST_F(SipLineTest, ASecondCallerIsBusyAndClosingHangsUp) {
   EXPECT_EQ(events.All().back(), "Idle 1");
 }
 
-TEST_F(SipLineTest, OpeningSaysWhatIsWrongAndCanBeRepeated) {
+TEST_F(SipLineTest, AFailedOpeningNamesTheReasonAndCanBeRepeated) {
   for (const auto& make : {Socket::Udp, Socket::TcpListening}) {
     const Socket taken = make(port);
     OpenLine(kTelephonyLineInUse, settings.listen);
@@ -93,7 +93,7 @@ TEST_F(SipLineTest, OpeningSaysWhatIsWrongAndCanBeRepeated) {
   EXPECT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
 }
 
-TEST_F(SipLineTest, RequestsAreTakenWhereTheyCanBeAndElseRefused) {
+TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineGoesOn) {
   Play("> MESSAGE,< 405,> BYE,< 481,> OPTIONS");
   EXPECT_NE(Header(caller->Take("200"), "Allow").find("INVITE"), std::string::npos);
   const std::string multipart = "multipart/mixed;boundary=b\r\n\r\n--b\r\n";
@@ -130,7 +130,8 @@ TEST_F(SipLineTest, RequestsAreTakenWhereTheyCanBeAndElseRefused) {
 TEST_F(SipLineTest, BrokenTcpStreamsAreClosedAndCostNoMemory) {
   OpenLine();
   const std::size_t before = ResidentBytes();
-  // Empty lines whose answers are not read; the same, read, but with a piece of one left over each time.
+  // Empty lines whose answers are not read; empty lines whose answers are read, but always with half a line
+  // left.
   for (const std::string& lines :
        {"\r\n\r\n"s, "\n\r\n\r"s, "xxxx"s, "OPTIONS sip:a SIP/2.0\r\nContent-Length: 4000000000\r\n\r\n"s}) {
     const bool reads = lines[0] == '\n';
@@ -171,8 +172,8 @@ class SipAudioTest : public SipLineTest {
     ASSERT_EQ(line->Audio().StartRecord(recorded), 0);
   }
 
-  /// As an ordinary telephone: three packets while the key is down, then three that it is up. The first
-  /// `lost` of them are not sent.
+  /// Like a telephone: three packets while the key is down, three after it is up. The first `lost` are not
+  /// sent.
   void PressAsEvent(char key, int lost = 0) {
     const auto code = static_cast<std::uint8_t>(std::string("0123456789*#A").find(key));
     timestamp_ += 8000;
@@ -223,7 +224,7 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   EXPECT_NE(caller->heard.find(std::string(greeting.begin(), greeting.end())), std::string::npos);
 }
 
-TEST_F(SipAudioTest, TellsKeysOnceInWhicheverWaysTheyComeWhileMonitored) {
+TEST_F(SipAudioTest, ReportsEachKeyOnceHoweverItIsSentWhileMonitored) {
   PressAsInfo("dtmf", "8");
   line->MonitorDigits(1, true);
   for (const char key : {'1', '1', '*', '#'}) PressAsEvent(key);

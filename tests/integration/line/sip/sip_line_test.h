@@ -117,7 +117,7 @@ inline std::string ReplyTo(const std::string& request, const std::string& status
   return reply + "Content-Length: 0\r\n\r\n";
 }
 
-/// A caller that does what a test tells it, right or wrong: one dialog over UDP, and an RTP socket.
+/// A caller that sends whatever a test wants, valid or not: one dialog over UDP, and an RTP socket.
 class SipCaller {
  public:
   explicit SipCaller(std::uint16_t line_port) : line_port_(line_port) {}
@@ -218,7 +218,7 @@ inline Bytes NoiseBytes(std::size_t blocks, std::uint32_t seed) {
   return bytes;
 }
 
-/// Records a line's events, one text each ("Ring 1 2"), and whatever else a test adds.
+/// Records a line's events, one text each ("Ring 1 2"), and texts that a test adds.
 class RecordedEvents : public LineDriverEvents {
  public:
   void Add(const std::string& text) {
@@ -226,7 +226,7 @@ class RecordedEvents : public LineDriverEvents {
     all_.push_back(text);
     grown_.notify_all();
   }
-  /// Waits for a text that has `part` in it. False when none comes in time.
+  /// Waits for a text that contains `part`. False when none comes in time.
   bool Wait(const std::string& part) {
     const auto has = [&part](const std::string& text) { return text.find(part) != text.npos; };
     std::unique_lock lock(mutex_);

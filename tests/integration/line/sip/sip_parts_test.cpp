@@ -15,11 +15,11 @@ namespace {
 
 using std::string_literals::operator""s;
 
-/// Plays a stream that arrives in packets of 20 ms, block by block: a letter is a packet that arrives, "+"
-/// the packet after that, "." a block that is played; "-" makes the next packet one sample shorter, "|"
-/// begins another stream. Tells the blocks that were heard unchanged, and how many waited at the end.
+/// Plays a stream of 20 ms packets, block by block: a letter is a packet that arrives, "+" the packet after
+/// that, "." a block that is played; "-" makes the next packet one sample shorter, "|" begins another stream.
+/// Returns the blocks that were heard unchanged, and how many waited at the end.
 std::string Heard(const std::string& script) {
-  // No two blocks near each other are alike.
+  // Blocks near each other differ.
   const auto block_of = [](int n) {
     std::vector<std::int16_t> block(kBlockSamples);
     std::iota(block.begin(), block.end(), static_cast<std::int16_t>(1000 + n % 150 * kBlockSamples));
@@ -31,7 +31,7 @@ std::string Heard(const std::string& script) {
   std::size_t missing = 0;
   std::uint32_t ssrc = 1, offset = 0xFFFFFD00;  // the timestamps wrap on the way
   const auto pull = [&] {
-    std::vector<std::int16_t> block(kBlockSamples);  // of its own, so that writing behind it is found
+    std::vector<std::int16_t> block(kBlockSamples);  // on the heap: sanitizers find writes past its end
     buffer.Pull(block);
     const int n = (block[0] - 1000) / kBlockSamples;
     if (block == block_of(n)) heard += static_cast<char>('a' + n % 26);
@@ -65,7 +65,7 @@ TEST(JitterBufferTest, PlaysPacketsInOrderConcealsLossForItsLengthAndLimitsTheDe
   EXPECT_TRUE(Heard(faster).ends_with(" 5")) << Heard(faster);
 }
 
-/// What our offer or answer says of audio, in one line.
+/// The audio lines of our offer or answer, in one line.
 std::string Written(MediaNegotiation& negotiation, bool as_offer) {
   const LibrePtr<mbuf> text = negotiation.Write(as_offer);
   const std::string all(reinterpret_cast<const char*>(text->buf), text->end);
@@ -82,8 +82,8 @@ sa Address(std::uint16_t port) {
   return address;
 }
 
-/// Reads a description whose lines are joined by "|". Tells where and how we send then ("0+101": payload type
-/// and that of keys), and our answer. "refused" if not agreed.
+/// Reads a description whose lines are joined by "|". Returns where and how we send then ("0+101": the
+/// payload types of audio and keys), and our answer; or "refused".
 std::string Read(MediaNegotiation& negotiation, const std::string& media, bool is_offer = true) {
   const auto text =
       std::regex_replace("v=0|s=-|c=IN IP4 127.0.0.1|" + media + "|", std::regex("\\|"), "\r\n");

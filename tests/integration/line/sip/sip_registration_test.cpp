@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A line with an account: what it asks of the server, and what it makes of the answers.
+// A line with an account: its requests to the server, and how it treats the answers.
 #include <openssl/evp.h>
 #include <sched.h>
 #include <sys/resource.h>
@@ -104,7 +104,7 @@ class SipRegistrationTest : public SipLineTest {
   std::string latest_;
 };
 
-TEST_F(SipRegistrationTest, TakesEachAnswerAsItIsMeant) {
+TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
   settings.timers.registration_retry_first = seconds(10);
   settings.timers.registration_retry_longest = seconds(900);
   const std::string ask = "401|WWW:a:qop=\"auth-int,auth\"", again = " / 401|WWW:b:stale=true",
