@@ -100,21 +100,16 @@ class Installed(machine.Machine):
     """The installed program of the clean system, started by its owner on the Display `display`."""
 
     def __init__(self, system, folder, show, display):
-        self.home, self.port = system.path(APPLICATION_FOLDER), DEFAULT_PORT
-        self.system_log, self.calls_log = [], []
-        self._output, self._show, self._read_so_far = os.path.join(folder, "orven.out"), show, {}
+        # The application folder is made by the program's first start.
+        self.home, self.port, self.modem, self.process = system.path(APPLICATION_FOLDER), DEFAULT_PORT, None, None
+        self.address, self.encrypted, self.ready = f"sip:machine@127.0.0.1:{DEFAULT_PORT}", False, "LineOpen["
+        self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
+        self._logs, self._start = {"Sys": [], "Calls": []}, 0
         variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
                      "PULSE_SERVER": "unix:" + SOUND_SERVER, **display.variables}
-        self._command = ["chroot", f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
-                         *(f"{name}={value}" for name, value in variables.items()), "orven"]
-        self._environment, self._folder = dict(os.environ), folder
-        self._start()
-
-    def start_again(self):
-        """Starts the program after it has ended."""
-        since = len(self.system_log)
-        self._start()
-        self.wait_for_line("LineOpen[", 20, since)
+        self.program, self._display, self.variables = "chroot", None, {}
+        self.arguments = (f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
+                          *(f"{name}={value}" for name, value in variables.items()), "orven")
 
     def settings(self):
         with open(os.path.join(self.home, "registry.reg"), encoding="utf-8") as file:
@@ -162,7 +157,7 @@ def data_of(system):
 
 def check_first_start(installed, system):
     demo.step(f"Its first start has made the password {installed.password()}")
-    installed.wait_for_line(f"LineOpen[LineIndex:0 Device Name:SIP 127.0.0.1:{DEFAULT_PORT}]", 20)
+    installed.wait_for(f"LineOpen[LineIndex:0 Device Name:SIP 127.0.0.1:{DEFAULT_PORT}]", 20)
     for name in ("beep.wav", "Greets/Default.wav", "Sound/Ring.wav", "registry.reg"):
         demo.check(os.path.isfile(os.path.join(installed.home, name)), f"The application folder lacks {name}")
     entry = system.path(AUTOSTART_ENTRY)
@@ -185,10 +180,10 @@ def check_help(installed, system, screen):
     demo.step("Its help opens, complete with its pictures")
 
 
-def check_call(installed, folder, screen):
+def check_call(installed, screen):
     spoken = sound.speech(demo.MESSAGE, "en-gb+f2")
     greeting = demo.make_greeting(installed, screen)
-    demo.check_order(demo.leave_message(installed, folder, greeting, spoken), demo.STEPS_OF_A_CALL)
+    demo.check_order(demo.leave_message(installed, greeting, spoken), demo.STEPS_OF_A_CALL)
     message = demo.check_record(installed)
     demo.check_message(message, spoken)
     return message
@@ -235,9 +230,9 @@ def check_upgrade(installed, system, package, folder):
     there = system.run("dpkg-query", "-W", "-f", "${Version}", "orven")
     demo.check(there == version, f"The clean system has version {there} after the upgrade to {version}")
     demo.check(data_of(system) == before, "The upgrade changed the owner's data")
-    installed.exit()
+    installed.end()
     settings, records, output = installed.settings(), installed.records(), installed.output()
-    installed.start_again()
+    installed.start_and_wait()
     demo.check(f'"{password}"' in settings and installed.settings() == settings, "The upgrade changed the settings")
     demo.check(installed.records() == records and records, "The upgrade changed the call records")
     demo.check(password not in installed.output()[len(output):], "The upgraded program takes this for its first start")
@@ -284,12 +279,13 @@ def check(package, folder):
             sound_server(folder, system) as server,
             Installed(system, folder, demo.show_log_line, screen) as installed,
         ):
+            installed.start()
             check_first_start(installed, system)
             check_help(installed, system, screen)
-            check_sound(installed, server, check_call(installed, folder, screen), screen)
+            check_sound(installed, server, check_call(installed, screen), screen)
             check_window(installed, screen)
             check_upgrade(installed, system, package, folder)
-            installed.exit()
+            installed.end()
         check_removal(system)
     finally:
         run("umount", "--lazy", system.path("/proc"))
