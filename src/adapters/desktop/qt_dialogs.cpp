@@ -52,8 +52,8 @@ QWidget* Owner() {
 int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
         QMessageBox::StandardButton safe, Qt::WindowFlags flags = {}) {
   QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, Owner());
+  box.setWindowModality(Qt::WindowModal);  // before the flags: it resets them
   box.setWindowFlags(box.windowFlags() | flags);
-  box.setWindowModality(Qt::WindowModal);
   box.setTextFormat(Qt::PlainText);  // names of greetings and callers are not markup
   box.setDefaultButton(safe);
   box.setEscapeButton(safe);
