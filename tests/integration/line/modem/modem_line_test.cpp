@@ -356,9 +356,6 @@ const Case kCases[] = {
         "ready; call; play 20; 380; wedge; 9000; wake; 30000; call; 1000; wedge; play 10; 2900",
         "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem " + kSilent + kWorks +
             ", Connected 2, Disconnected 2, Idle 2"),
-    Row("LosesTheAnswerToReceive", "conexant", {},
-        "ready; call; play 10; 100; lose 20; 12000; record; say 100; 3000; recorded",
-        "Connected 1, recorded"),
     Row("DroppedBeforeItPlays", "v253", {}, "ready; call; delay 200; play 500; 450; drop; 3000; hook",
         "Connected 1, Done 2 0, Idle 1, on-hook"),
     Row("ClosedWhileItAnswersLate", "v253", {}, "ready; call; delay 5000; close; hook",
