@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <qtestsupport_core.h>
+#include <sys/prctl.h>
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -31,6 +32,7 @@ class RealServer {
 
   /// Starts it with the output "desk", the default one.
   void Start() {
+    server_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });  // a killed test leaves none
     server_.start("pulseaudio", {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
                                  "--load=module-native-protocol-unix auth-anonymous=1 socket=" +
                                      QString::fromStdString(folder_ / "native")});
