@@ -24,23 +24,23 @@ set(ORVEN_TIME_FACTOR 1 CACHE STRING "factor for the time limits of all tests")
 # Builds the tests that run under ThreadSanitizer: all but those with the label qt.
 add_custom_target(orven_tests_without_qt)
 
-# orven_discover_tests(name TIMEOUT seconds LABEL qt|tsan)
-# Each case of the GoogleTest program becomes a CTest test.
+# orven_discover_tests(name TIMEOUT seconds LABEL qt|tsan [ALONE])
+# Each case of the GoogleTest program becomes a CTest test; ALONE: no other test runs beside it.
 function(orven_discover_tests name)
-  cmake_parse_arguments(ARG "" "TIMEOUT;LABEL" "" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "TIMEOUT;LABEL" "" ${ARGN})
   if(ARG_LABEL STREQUAL tsan)
     add_dependencies(orven_tests_without_qt ${name})
   endif()
   math(EXPR limit "${ARG_TIMEOUT} * ${ORVEN_TIME_FACTOR}")
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 30
-    PROPERTIES TIMEOUT ${limit} LABELS ${ARG_LABEL} ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
+    PROPERTIES TIMEOUT ${limit} LABELS ${ARG_LABEL} RUN_SERIAL ${ARG_ALONE} ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
 endfunction()
 
-# orven_test(name TIMEOUT seconds LINK targets… [LABELS qt])
+# orven_test(name TIMEOUT seconds LINK targets… [LABELS qt] [ALONE])
 # One GoogleTest program of the .cpp files in the calling folder; each case is a CTest test. The label is tsan
 # unless it is qt.
 function(orven_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT;LABELS" "LINK" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "TIMEOUT;LABELS" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
@@ -49,7 +49,10 @@ function(orven_test name)
   if(NOT ARG_LABELS)
     set(ARG_LABELS tsan)
   endif()
-  orven_discover_tests(${name} TIMEOUT ${ARG_TIMEOUT} LABEL ${ARG_LABELS})
+  if(ARG_ALONE)
+    set(alone ALONE)
+  endif()
+  orven_discover_tests(${name} TIMEOUT ${ARG_TIMEOUT} LABEL ${ARG_LABELS} ${alone})
 endfunction()
 
 # orven_scale_limits()

@@ -21,12 +21,12 @@ import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path[:0] = [os.path.join(HERE, "..", "demo"), os.path.join(HERE, "..", "tests", "integration", "sound")]
+sys.path.insert(0, os.path.join(HERE, "..", "demo"))
 
 import demo  # noqa: E402
 import machine  # noqa: E402
 import sound  # noqa: E402
-import sound_case  # noqa: E402
+import sound_server  # noqa: E402
 from display import Display  # noqa: E402
 from processes import Failed, wait_for  # noqa: E402
 
@@ -192,7 +192,7 @@ def check_call(installed, screen):
 def check_sound(installed, server, message, screen):
     """The program plays the message on the sound card."""
     wait_for("The end of the sound that announces a message", lambda: not server.streams(), 20, installed.look)
-    heard = sound_case.Recording(server)
+    heard = sound_server.Recording(server)
     window = screen.main_window(installed.process)
     screen.run("xdotool", "windowactivate", "--sync", window.number)
     screen.run("xdotool", "key", "space")  # Edit, Play
@@ -240,10 +240,10 @@ def check_upgrade(installed, system, package, folder):
 
 
 @contextlib.contextmanager
-def sound_server(folder, system):
+def own_sound_server(folder, system):
     """A sound server for the clean system, with a card whose output is recorded."""
     os.mkdir(os.path.join(folder, "sound"))
-    server = sound_case.Server(os.path.join(folder, "sound"))
+    server = sound_server.Server(os.path.join(folder, "sound"))
     try:
         server.start()
         server.ask("load-module", "module-native-protocol-unix", "auth-anonymous=1", "socket=" + system.path(SOUND_SERVER))
@@ -276,7 +276,7 @@ def check(package, folder):
     try:
         with (
             Display(folder) as screen,
-            sound_server(folder, system) as server,
+            own_sound_server(folder, system) as server,
             Installed(system, folder, demo.show_log_line, screen) as installed,
         ):
             installed.start()

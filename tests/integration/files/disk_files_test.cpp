@@ -40,7 +40,6 @@ TEST_F(DiskFilesTest, FailuresCarryTheClassicNumberAndThePath) {
   const std::string none = folder_ / "none", below = from_ + "/below", proc = "/proc/version";
   PutFile(from_, "x");
   EXPECT_EQ(Failure(none, [&] { files_.Read(none); }), 53);
-  EXPECT_EQ(Failure(none, [&] { files_.Rename(none, to_); }), 53);
   EXPECT_EQ(Failure(none, [&] { files_.LastModified(none); }), 53);
   EXPECT_EQ(Failure(none, [&] { files_.Copy(from_, none + "/file"); }), 76);
   EXPECT_EQ(Failure(below, [&] { files_.Append(below, "x"); }), 76);

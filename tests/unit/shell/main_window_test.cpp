@@ -23,6 +23,7 @@ TEST_F(MainWindowTest, LoadsThenStarts) {
   EXPECT_THAT(SystemLog(), ElementsAre("Load ORVEN", "LineInitialize->Success", "Calls was damaged",
                                        "SelectDevice->LineIndex: 0  Device Name: Sim",
                                        "LineOpen[LineIndex:0 Device Name:Sim]->Success"));
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim") << "the first line that can be used";
   EXPECT_EQ(std::tuple(views.rings.size(), views.shown_rings, views.columns.size()), std::tuple(20U, 2, 6U));
   EXPECT_THAT(views.greetings, ElementsAre("Away", "Hello"));
   EXPECT_EQ(views.selected_greeting, "Hello");

@@ -110,14 +110,5 @@ TEST_F(RecorderTest, AFolderWithoutItsSeparatorLeavesTheNameAsItIs) {
   EXPECT_EQ(files.Content("/mnt/my" + kStem + ".wav"), TimedWave::Sound(2s));
 }
 
-TEST_F(RecorderTest, AMessageFollowsTheFolderThatWasChangedBeforeItWasFiled) {
-  RecordWith("MaxRec", "0", 2s);
-  files.Put("/mnt/new/" + kStem + ".wav", TimedWave::Sound(7s));
-  Machine().move.Begin("/mnt/new/");
-  HangUp();
-  EXPECT_EQ(database.Field(0, kType), "1");
-  EXPECT_EQ(files.Content("/mnt/new/" + database.Field(0, kCallMassageName)), TimedWave::Sound(1s));
-}
-
 }  // namespace
 }  // namespace orven::test

@@ -1,21 +1,15 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""For tests of whole programs: a sound server of their own, and recordings of what it plays."""
+"""A sound server for one program, and recordings of what it plays."""
 
 import os
 import subprocess
-import sys
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "demo"))
-
-import processes  # noqa: E402
-import snr  # noqa: E402
-import sound  # noqa: E402
-
-BIT_EXACT = 90  # dB; the output or input runs at the telephone's own rate
+import processes
+import sound
 
 
 class Server:
-    """A sound server of the test's own, with an output "desk" whose sound can be recorded."""
+    """A PulseAudio with an output "desk" whose sound can be recorded."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -31,7 +25,7 @@ class Server:
         command.append("--load=module-native-protocol-unix")
         self.process = processes.start(command, os.path.join(self.folder, "server.log"), env=self.environment)
         processes.wait_for("the sound server", lambda: self.ask("info") is not None, 20)
-        self.plug_in("desk")
+        self.ask("load-module", "module-null-sink", "sink_name=desk", "norewinds=1", "rate=8000", "channels=1")
 
     def end(self):
         if self.process:
@@ -43,34 +37,17 @@ class Server:
         done = subprocess.run(["pactl", *arguments], env=self.environment, capture_output=True, text=True, check=False)
         return done.stdout if done.returncode == 0 else None
 
-    def plug_in(self, name):
-        """A new output `name`, and an input mic_`name` that hears what is played there. Qt and the desktop tell them
-        by their descriptions."""
-        properties = f'sink_properties="device.description={name}"'
-        self.ask("load-module", "module-null-sink", f"sink_name={name}", "norewinds=1", "rate=8000", "channels=1", properties)
-        properties = f'source_properties="device.description=mic_{name}"'
-        self.ask("load-module", "module-remap-source", f"master={name}.monitor", f"source_name=mic_{name}", properties)
-        processes.wait_for(f"input mic_{name}", lambda: f"mic_{name}" in (self.ask("list", "short", "sources") or ""), 10)
-
     def streams(self):
         return self.ask("list", "short", "sink-inputs").splitlines()
 
-    def takes(self):
-        """The streams of programs that record."""
-        return [line for line in self.ask("list", "short", "source-outputs").splitlines() if "native" in line]
-
-    def speak(self, name, path):
-        """Plays a sound file on output `name`, to its end."""
-        subprocess.run(["paplay", "-d", name, path], env=self.environment, check=True)
-
 
 class Recording:
-    """What is heard from output `name` from now on."""
+    """What is heard from the output from now on."""
 
-    def __init__(self, server, name="desk"):
-        self.path = os.path.join(server.folder, f"heard-{name}.wav")
+    def __init__(self, server):
+        self.path = os.path.join(server.folder, "heard.wav")
         self.server = server
-        command = ["parec", "-d", f"mic_{name}", "--rate=8000", "--channels=1", "--format=s16le", "--latency-msec=20"]
+        command = ["parec", "-d", "desk.monitor", "--rate=8000", "--channels=1", "--format=s16le", "--latency-msec=20"]
         command += ["--file-format=wav", self.path]
         self.process = processes.start(command, os.path.join(server.folder, "parec.log"), env=server.environment)
         self.wait_for_more()
