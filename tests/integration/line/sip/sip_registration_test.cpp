@@ -74,6 +74,7 @@ class SipRegistrationTest : public SipLineTest {
   /// An answer by its status and headers, with "|" between. "WWW:a:" and "Proxy:a:" are challenges with the
   /// nonce "a", "here" is the line's address, and "Seen: 4000" tells that the server sees it elsewhere.
   std::string Answer(const std::string& request, const std::string& text) const {
+    EXPECT_NE(request, "") << "the server was not asked, or not in its turn";
     std::string headers = text.substr(std::min(text.find('|'), text.size()));
     const std::pair<const char*, std::string> meanings[] = {
         {"(WWW|Proxy):(.):", "$1-Authenticate: Digest realm=\"home\", nonce=\"$2\", "},
