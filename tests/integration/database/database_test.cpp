@@ -186,8 +186,7 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
     }
     const auto stored = [&] {
       SqliteDatabase intact(counted);
-      intact.Open(path);
-      return intact.Query("Get *").records;
+      return intact.Open(path), intact.Query("Get *").records;
     }();
     if (while_open) database.Open(path);
     std::string content = ContentOf(path);

@@ -102,6 +102,8 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
       " --loadmodule=sl.so --loadmodule=pv.so --loadmodule=usrloc.so --loadmodule=registrar.so"
       " --loadmodule=auth.so >/dev/null 2>&1 & read end; kill $!; wait";
   const std::unique_ptr<FILE, int (*)(FILE*)> registrar(::popen(command.c_str(), "w"), ::pclose);
+  const auto waiting = "timeout 20 bash -c 'until : </dev/tcp/127.0.0.1/" + std::to_string(port);
+  ASSERT_EQ(std::system((waiting + "; do sleep 0.05; done' 2>/dev/null").c_str()), 0);
   const auto login = [&](const std::string& user) { return "account = sip:" + user + '@' + server; };
   const auto wrong = "or the password is wrong."s, far = "0.0.0.0 as address for calls uses every network"s;
   // The keys of a SIP line, and words of its test and of its state.
