@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any file of the call records is used, or set aside unchanged and replaced; each change does what it says or
-// nothing.
+// A call record file with any content is used, or set aside unchanged and replaced; each change is made
+// completely or not at all.
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -17,7 +17,7 @@ namespace {
 
 using Records = std::vector<std::vector<std::string>>;
 
-/// Callers expect RuntimeError and no other failure.
+/// Returns whether the statement succeeds. Any exception but RuntimeError ends the program.
 bool Succeeds(const auto& statement) {
   try {
     statement();
@@ -27,7 +27,7 @@ bool Succeeds(const auto& statement) {
   }
 }
 
-/// The records, which all operations agree on; nothing when they cannot be read.
+/// Returns the records, which every operation must report alike, or nothing if they cannot be read.
 std::optional<Records> Listed(SqliteDatabase& database) {
   Records records;
   const bool read = Succeeds([&] {

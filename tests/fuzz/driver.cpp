@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Under libFuzzer: fuzzes the target that $ORVEN_FUZZ_TARGET names. Otherwise, with the folder of the corpus
-// as its argument: passes every input of the corpus to its target.
+// With libFuzzer: fuzzes the target that $ORVEN_FUZZ_TARGET names. Without: passes every input of the corpus,
+// whose folder is the argument, to its target.
 #include <cstdio>
 #include <filesystem>
 
@@ -20,7 +20,7 @@ int main(int /*count*/, char** arguments) {
     for (const auto& file :
          std::filesystem::directory_iterator(arguments[1] + ("/" + std::string(target.name)))) {
       std::printf("%s\n", file.path().c_str());
-      std::fflush(stdout);  // an abort names its input
+      std::fflush(stdout);  // the last line before an abort names the input
       const std::string input = orven::test::ContentOf(file.path());
       target.run({reinterpret_cast<const std::uint8_t*>(input.data()), input.size()});
     }

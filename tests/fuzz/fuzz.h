@@ -14,31 +14,32 @@ namespace orven::fuzz {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// The targets. Each passes the input to a parser of ours and aborts when the parser or what it read breaks a
-// promise.
+// The fuzz targets. Each passes the input to one of our parsers and aborts if the parser or its result breaks
+// a promise. The comments describe the input.
 
-/// The database file of the call records; its last 8 bytes choose what is done with it.
+/// A database file of call records. Its last 8 bytes also choose the changes.
 void Calls(Bytes input);
-/// The journal, a zero byte, recordings left behind; without a journal also the texts of a call to note.
+/// A journal, a zero byte, leftover recordings. If the journal is empty, the rest is also used as the texts
+/// of a call to write to it.
 void Journal(Bytes input);
 void Lines(Bytes input);     ///< lines.ini, a zero byte, edits
-void Modem(Bytes input);     ///< format, pace, bytes from a modem
-void Registry(Bytes input);  ///< registry.reg, two bytes 255, changes
-void Rtp(Bytes input);       ///< plain or SRTP, then a pause and a datagram, again and again
-void Sdp(Bytes input);       ///< SRTP policy, then descriptions with zero bytes between
-void Sip(Bytes input);       ///< SRTP policy, then datagrams and what our side does, with zero bytes between
-void Wave(Bytes input);      ///< an audio file whose last byte is also the position to go to
+void Modem(Bytes input);     ///< sample format, piece sizes, bytes from a modem
+void Registry(Bytes input);  ///< registry.reg, two bytes of 255, changes
+void Rtp(Bytes input);       ///< plain or SRTP, then pairs of a pause and a datagram
+void Sdp(Bytes input);       ///< SRTP policy, then descriptions separated by zero bytes
+void Sip(Bytes input);       ///< SRTP policy, then datagrams and our actions, separated by zero bytes
+void Wave(Bytes input);      ///< an audio file; its last byte is also the position to skip to
 
 struct Target {
   std::string_view name;
   void (*run)(Bytes input);
 };
-// SIP is first: it needs a process that has no other threads yet.
+// SIP must be first: it needs a process without other threads.
 inline constexpr Target kTargets[] = {{"sip", Sip},     {"calls", Calls}, {"journal", Journal},
                                       {"lines", Lines}, {"modem", Modem}, {"registry", Registry},
                                       {"rtp", Rtp},     {"sdp", Sdp},     {"wave", Wave}};
 
-/// Ends the program when a promise is broken.
+/// Aborts if a promise is broken.
 inline void Require(bool kept) {
   if (!kept) std::abort();
 }
@@ -47,7 +48,7 @@ inline std::string TextOf(Bytes bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-/// Choices that an input makes, byte by byte; zeros at its end.
+/// Reads choices from the input byte by byte. After the end, every byte is 0.
 class Choices {
  public:
   explicit Choices(Bytes bytes) : rest_(bytes) {}
@@ -59,9 +60,9 @@ class Choices {
     return taken;
   }
   std::uint8_t Byte() { return Any() ? Take(1).front() : 0; }
-  /// A number from 0 to `end` - 1; `end` is at most 256.
+  /// Returns a number from 0 to `end` - 1. `end` is at most 256.
   std::size_t Below(std::size_t end) { return end == 0 ? 0 : Byte() % end; }
-  /// A byte with the length, then the bytes.
+  /// Reads a length byte, then that many bytes.
   Bytes Piece() { return Take(Byte()); }
   std::string Text() { return TextOf(Piece()); }
 
@@ -69,7 +70,7 @@ class Choices {
   Bytes rest_;
 };
 
-/// The input before `mark` and the choices behind it.
+/// Returns the input before `mark` and the choices after it.
 inline std::pair<std::string, Choices> ContentAndChoices(Bytes input, std::string_view mark) {
   const std::string text = TextOf(input);
   const std::size_t size = std::min(text.find(mark), text.size());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Whatever a crash leaves of the calls' journal and beside it: the next start files it once and loses no
-// recording.
+// Starts with any journal and recordings that a crash may leave. Each call must be filed once, and no
+// recording lost.
 #include <string>
 #include <vector>
 
@@ -13,7 +13,7 @@ namespace {
 
 using namespace orven::test;
 
-/// Any texts come back from the journal.
+/// Writes a call with any texts to the journal and expects to read them back.
 void NoteAndReadBack(Choices choices) {
   World world;
   Call call;
@@ -32,7 +32,7 @@ void StartAfterCrash(const std::string& journal, Choices choices) {
   std::vector<std::string> recordings;
   while (choices.Any() && recordings.size() < 6) {
     const std::size_t what = choices.Byte(), number = recordings.size();
-    // Each has another length: no content is the beginning of another.
+    // The lengths differ, so that no recording is the beginning of another.
     recordings.push_back(what % 16 < 12
                              ? TimedWave::Sound(std::chrono::milliseconds(1000 * (number + 1) + what))
                              : "not audio " + std::to_string(number));
@@ -43,7 +43,7 @@ void StartAfterCrash(const std::string& journal, Choices choices) {
     world.files.Put((what % 2 == 0 ? world.messages : home + "/Rescued/") + name, recordings.back());
   }
   if (!journal.empty()) world.files.Put(path, journal);
-  world.RunFor(60s);  // no recording is so young that another program may still write it
+  world.RunFor(60s);  // after this time no recording can still belong to another running program
   world.Start().RunFor(1s);
   const std::size_t filed = world.database.Records().size();
   const auto lines = static_cast<std::size_t>(std::count(journal.begin(), journal.end(), '\n'));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any lines.ini is read, and an edit of it reads back as what was asked for.
+// Reads any lines.ini. After an edit, reading it again must give what the edit asked for.
 #include <string>
 #include <vector>
 
@@ -38,7 +38,7 @@ bool Same(const LineSection& section, const LineEdit& edit) {
   return section.name == edit.name && section.type == edit.type && section.values == edit.values;
 }
 
-/// The dialog asks this before it stores an edit.
+/// Returns whether the dialog would store this edit: its section reads back unchanged.
 bool CanBeStored(const LineEdit& edit) {
   const LinesFile alone = ParseLines(SectionText(edit), "lines.ini");
   return alone.sections.size() == 1 && alone.complaints.empty() && Same(alone.sections[0], edit);
@@ -66,7 +66,7 @@ void Lines(Bytes input) {
   const LinesFile after = Read(EditLines(text, before.sections, edits));
   Require(after.sections.size() == edits.size());
   for (std::size_t at = 0; at < edits.size(); ++at) Require(Same(after.sections[at], edits[at]));
-  Require(after.complaints.size() <= before.complaints.size() + 1);  // text that was not understood stays
+  Require(after.complaints.size() <= before.complaints.size() + 1);  // text that was not understood is kept
 }
 
 }  // namespace orven::fuzz

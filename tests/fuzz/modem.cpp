@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any bytes from a modem, in pieces of any size, pass through everything that reads them.
+// Passes any bytes from a modem, in pieces of any size, to every reader of them.
 #include <string>
 #include <vector>
 

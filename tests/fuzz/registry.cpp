@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any registry.reg is read, and is written and read again to the same values.
+// Reads any registry.reg. Writing and reading it again must give the same values.
 #include <set>
 #include <string>
 #include <vector>
@@ -11,7 +11,7 @@
 namespace orven::fuzz {
 namespace {
 
-/// Every key in `text`, and the program's own.
+/// Returns every key in `text`, and the program's own key.
 std::vector<std::string> KeysIn(std::string_view text) {
   std::set<std::string> keys{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN"};
   while (!text.empty()) {

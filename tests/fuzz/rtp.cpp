@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any datagrams to a call's RTP port, at any time: decoding, order, playout, keys, and SRTP among forgeries.
+// Sends any datagrams to a call's RTP port at any time. Exercises decoding, ordering, playout, keys, and SRTP
+// among forged packets.
 #include <array>
 #include <chrono>
 #include <vector>
@@ -16,7 +17,7 @@ namespace {
 
 constexpr std::uint8_t kEventType = 101;
 
-/// A call's receiving side without its sockets.
+/// The receiving side of a call, without sockets.
 struct Receiver {
   void Take(Bytes datagram) {
     const auto packet = ReadRtpPacket(datagram);
@@ -47,7 +48,7 @@ struct Receiver {
     }
   }
 
-  /// Packets may overlap; their beginnings are in order.
+  /// Takes frames out of the reorder buffer. They may overlap, but must start in order.
   void PopUntil(std::size_t samples) {
     while (order.BufferedSamples() > samples) {
       const AudioFrame frame = order.Pop();
@@ -70,13 +71,13 @@ struct Receiver {
 
 }  // namespace
 
-/// With SRTP the payload is sent encrypted, and arrives once; or it is changed on its way or sent plain, and
-/// does not.
+/// With SRTP, an encrypted payload must be accepted exactly once. A payload that was changed on the way or
+/// sent unencrypted must be rejected.
 void Rtp(Bytes input) {
   Choices choices(input);
   const std::uint8_t mode = choices.Byte();
   const auto suite = mode % 4 == 1 ? SrtpSuite::kTag80 : SrtpSuite::kTag32;
-  const SrtpKey key = NewSrtpKey();  // with a fixed one the fuzzer would learn to forge
+  const SrtpKey key = NewSrtpKey();  // with a fixed key the fuzzer would learn to forge packets
   SrtpSender sender(suite, key);
   SrtpReceiver srtp_receiver(SrtpReceiver::Kind::kRtp, suite, key);
   Receiver receiver;

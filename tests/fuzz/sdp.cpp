@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any session descriptions that a peer offers or answers in one call.
+// Reads any session descriptions that a peer sends as offers and answers in one call.
 #include <optional>
 #include <string>
 
@@ -41,8 +41,8 @@ std::string Written(MediaNegotiation& negotiation, bool as_offer) {
 
 }  // namespace
 
-/// Before each description: "o" for an offer, "a" for an answer, "w" for our offer that it answers. Once
-/// encrypted the call stays so, and it keeps its key while the suite stays.
+/// The letter before a description means: "o" an offer, "a" an answer, "w" an answer to our offer, which is
+/// written first. An encrypted call must stay encrypted, and keep its key as long as the suite is the same.
 void Sdp(Bytes input) {
   const auto use = static_cast<SrtpUse>(Choices(input).Below(3));
   MediaNegotiation negotiation(Local(), use);
@@ -56,7 +56,7 @@ void Sdp(Bytes input) {
     if (const auto crypto = piece.find("a=crypto:"); crypto != piece.npos)
       ReadCrypto(piece.substr(crypto + 9, piece.find('\r', crypto) - crypto - 9));
     const bool encrypted = agreed && agreed->keys;
-    if (piece[0] == 'w') {  // a peer can agree to it
+    if (piece[0] == 'w') {  // a peer must be able to accept our offer
       const SrtpUse wanted = encrypted ? SrtpUse::kRequired : use;
       const auto agreement =
           MediaNegotiation(Local(), wanted).Read(Written(negotiation, true), true, Local());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any datagrams to the port of a SIP line: each message of the line is whole, and its calls' events are in
-// order.
+// Sends any datagrams to the port of a SIP line. Every message that the line sends must be valid, and the
+// events of its calls must be in order.
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -20,7 +20,7 @@
 #include "base/unicode.h"
 #include "fuzz/fuzz.h"
 
-// Not among the headers that the library's main one brings.
+// re_dbg.h is not included by the library's main header.
 #define DEBUG_MODULE "orven"
 #define DEBUG_LEVEL 0
 #include <re/re_dbg.h>
@@ -28,7 +28,7 @@
 namespace orven::fuzz {
 namespace {
 
-/// Moves the process into a network of its own: nothing that the line sends leaves it.
+/// Moves the process into a separate network namespace, so that nothing that the line sends leaves it.
 bool Prepare() {
   if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
     std::puts("sip: skipped, because this machine gives no process its own network");
@@ -45,7 +45,7 @@ bool Prepare() {
   return true;
 }
 
-/// Lets the library take what has arrived.
+/// Lets the library process everything that has arrived.
 void RunLoop() {
   tmr timer{};
   tmr_init(&timer);
@@ -55,7 +55,7 @@ void RunLoop() {
   tmr_cancel(&timer);
 }
 
-/// The caller's end of the network.
+/// The caller's telephone.
 class Telephone {
  public:
   Telephone() {
@@ -66,8 +66,8 @@ class Telephone {
     socket_.reset(made);
   }
 
-  /// A message to the line, in which "TAG" stands for the tag that the line gave the call; behind "~" a
-  /// packet to the line's RTP port, in which bytes 1 stand for 0.
+  /// Sends a message to the line, with "TAG" replaced by the tag that the line gave the call. After "~",
+  /// sends a packet to the line's RTP port, with bytes of 1 replaced by 0.
   void Send(std::string datagram) const {
     const bool packet = datagram.starts_with('~');
     if (packet) std::replace(datagram.begin(), datagram.end(), '\1', '\0');
@@ -82,7 +82,7 @@ class Telephone {
     if (sa_port(&line) != 0) (void)udp_send(socket_.get(), &line, buffer.get());
   }
 
-  /// Takes all that the line has sent.
+  /// Receives everything that the line has sent.
   void Hear() {
     do {
       heard_ = false;
@@ -91,7 +91,8 @@ class Telephone {
   }
 
  private:
-  /// The line's messages are whole. It also sends RTP and, to keep routers' ways open, four bytes.
+  /// Requires that a message from the line is valid. Ignores RTP and the four-byte packets that keep NAT
+  /// bindings open.
   static void Take(const sa* /*line*/, mbuf* datagram, void* self) {
     auto& [socket, heard, tag, rtp_port] = *static_cast<Telephone*>(self);
     heard = true;
@@ -113,7 +114,7 @@ class Telephone {
   std::uint16_t rtp_port_ = 0;
 };
 
-/// Notes each event as a letter.
+/// Records each event as a letter.
 struct Listener : LineDriverEvents {
   void Offered(CallNumber number) override { Note(++call, number, 'o'); }
   void Ring(CallNumber number, std::int32_t /*count*/) override { Note(call, number, 'r'); }
@@ -143,13 +144,13 @@ struct Listener : LineDriverEvents {
   std::string events;
 };
 
-/// What a line promises of each call: offered; answered, connected and disconnected, or not; idle.
+/// The order of a call's events: offered, then perhaps answered, connected and disconnected, then idle.
 const std::regex kCalls("x*(o[rn]*(x[rnx]*(c[rnkx]*)?(d[rnx]*)?)?ix*)*");
 
 }  // namespace
 
-/// "!" begins what our side does: "a" answers, "d" hangs up, "m" turns listening for keys on or off. "~"
-/// begins an RTP packet.
+/// "!" begins our actions: "a" answers, "d" hangs up, "m" switches key detection on or off. "~" begins an RTP
+/// packet.
 void Sip(Bytes input) {
   static const bool prepared = Prepare();
   if (!prepared || input.empty()) return;
@@ -177,7 +178,7 @@ void Sip(Bytes input) {
         }
       } else {
         telephone.Send(step);
-        RunLoop();  // the line takes it
+        RunLoop();
       }
       telephone.Hear();
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any audio file is measured, played and entered in the middle.
+// Takes the length of any audio file, plays it, and plays it again from a position inside.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -14,10 +14,10 @@
 namespace orven::fuzz {
 namespace {
 
-/// Enough of a file to play: a few bytes at 32 samples a second are minutes.
+/// The most samples to play. At 32 samples a second, a few bytes last for minutes.
 constexpr std::size_t kEnough = 20 * kSampleRate;
 
-/// The path of a file in memory with this content; the next one takes its place.
+/// Returns the path of a file in memory with this content. The next call overwrites it.
 std::string PathOf(Bytes content) {
   static const int file = memfd_create("audio", MFD_CLOEXEC);
   Require(ftruncate(file, 0) == 0);
@@ -25,7 +25,7 @@ std::string PathOf(Bytes content) {
   return "/proc/self/fd/" + std::to_string(file);
 }
 
-/// The number of samples to the end, or more than enough.
+/// Plays to the end, or at least kEnough samples, and returns the number of samples.
 std::size_t Played(TelephoneDecoder& decoder) {
   std::array<std::int16_t, 800> chunk;
   std::size_t samples = 0;

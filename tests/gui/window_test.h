@@ -13,8 +13,9 @@
 
 namespace orven::test {
 
-/// Checks the shown controls of a window: none overlaps another or is cut, and screen readers can name each
-/// one that takes the focus. What Qt's own controls consist of, which have no layout, is not checked.
+/// Checks the visible controls of a window: none overlaps another or is cut off, and each one that takes the
+/// focus has a name for screen readers. The inner parts of Qt's own controls, which have no layout, are not
+/// checked.
 inline void ExpectTidy(const QWidget& window) {
   EXPECT_FALSE(window.windowTitle().isEmpty() || window.windowIcon().isNull());
   EXPECT_EQ(window.windowModality() == Qt::WindowModal, window.inherits("QDialog"));
@@ -38,13 +39,13 @@ inline void ExpectTidy(const QWidget& window) {
   }
 }
 
-/// A test that drives one window by the object names of its controls.
+/// Base of the tests that drive a window by the object names of its controls.
 class WindowTest : public testing::Test {
  protected:
-  /// Names of controls or settings, each with its value.
+  /// Names of controls or settings with their values.
   using Values = std::vector<std::pair<std::string, std::string>>;
 
-  /// Shows the window that the following calls are about, with the focus, and checks its shown controls.
+  /// Shows and activates the window that the following calls use, and checks its controls.
   void Show(QWidget& window) {
     window_ = &window;
     window.show();
@@ -65,7 +66,7 @@ class WindowTest : public testing::Test {
           << name;
     }
   }
-  /// What a control shows: a text, a number, "true" or "false".
+  /// Returns what a control shows: a text, a number, "true" or "false".
   std::string Shown(const std::string& name) const {
     const auto& control = Get(name);
     const auto value = control.metaObject()->userProperty();
@@ -77,8 +78,8 @@ class WindowTest : public testing::Test {
   void ExpectStored(const Values& values) {
     for (const auto& [name, value] : values) EXPECT_EQ(world.registry.Text(name), value) << name;
   }
-  /// Clicks on buttons, sets controls, lets time pass and expects texts and the focus: "txtName=Anna cmdRec
-  /// 2s lblTime:0:02 @cmdOK cmdOK". Returns what was logged meanwhile.
+  /// Runs a script that clicks buttons, sets controls, lets time pass, and checks texts and the focus:
+  /// "txtName=Anna cmdRec 2s lblTime:0:02 @cmdOK cmdOK". Returns the lines that it logged.
   std::vector<std::string> Do(const std::string& script) {
     return world.LoggedBy([&] {
       std::istringstream words(script);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks the help pages: every link leads somewhere, every picture is there and says what it shows.
+"""Checks the help pages: every link has a target, and every picture exists and has an alternative text.
 
     check_help.py FOLDER
 """

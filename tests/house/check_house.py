@@ -1,20 +1,20 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks what keeps the house in order: what each floor includes, how long a file is, how many tests there are,
+"""Checks the structure of the source: what each floor includes, the length of each file, the share of tests,
 and the licence line of each file.
 
     check_house.py ROOT
 
-Prints one line a fault and ends with 1 when there is any.
+Prints one line per fault. Exits with 1 if there is any.
 """
 
 import os
 import re
 import sys
 
-# The floors, from the ground up: a file includes its own floor and those below. Adapters stand
-# beside the engine: they see base, the ports and each other, and only programs see them. What several
-# windows share is in widgets/, which the engine does not see.
+# The floors from the bottom up. A file may include its own floor and those below. Adapters are beside the engine:
+# they may include base, the ports and each other, and only programs may include them. widgets/ has what several
+# windows share; the engine must not include it.
 FLOORS = (
     "base", "platform", "core", "widgets", "records greetings", "telephony actions log", "options notify", "shell",
     "programs",
@@ -22,21 +22,21 @@ FLOORS = (
 FLOOR_OF = {folder: floor for floor, folders in enumerate(FLOORS, 1) for folder in folders.split()}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
-STANDARD_HEADER = re.compile(r"[a-z_]+")  # C++'s own have no extension, folder or capital
+STANDARD_HEADER = re.compile(r"[a-z_]+")  # standard headers have no extension, folder or capital
 LICENSED = re.compile(r"(\.(cpp|h|py|sh|cmake)|/CMakeLists\.txt|/run)$")
 LICENCE_LINE = "SPDX-License-Identifier: GPL-3.0-or-later"
 CHECKED_FOLDERS = ("src", "tests", "tools", "bench", "cmake", "assets", "demo", "packaging", ".ci")
 
-# A file that is longer holds more than one idea.
+# A longer file contains more than one idea.
 LONGEST_FILE = 450
-# Tests are wanted at a quarter to a third of the code; from here on it is a fault.
+# Tests should be a quarter to a third of the code; a larger share is an error.
 LARGEST_TEST_SHARE = 0.36
 COUNTED = re.compile(r"\.(h|cpp|py|sh)$")
 NO_CODE = re.compile(r"\s*(//.*|#( .*|!.*)?|/?\*.*)?")  # a blank line or a comment
 
 
 def files_below(root):
-    """Paths relative to `root`, with slashes, of every file that belongs to the house."""
+    """Yields the path of every checked file, relative to `root` and with slashes."""
     yield from (name for name in ("CMakeLists.txt", "run") if os.path.exists(os.path.join(root, name)))
     for folder in CHECKED_FOLDERS:
         for where, _, names in os.walk(os.path.join(root, folder)):
@@ -53,12 +53,12 @@ def is_engine(path):
 
 
 def is_posix_user(path):
-    """Sources of base/ may use POSIX; its headers may not, because the engine includes them."""
+    """Returns whether a file may use POSIX: a source of base/, but no header, because the engine includes those."""
     return path.startswith("base/") and path.endswith(".cpp")
 
 
 def include_fault(source, bracket, header):
-    """What is wrong with `source` (a path below src) including `header`, or None."""
+    """Returns why `source` (a path below src) must not include `header`, or None."""
     own, other = source.split("/")[0], header.split("/")[0]
     if bracket == "<":
         if is_engine(source) and not is_posix_user(source) and not STANDARD_HEADER.fullmatch(header):

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Plants one fault after another in a small house and expects the check to name it."""
+"""Adds one fault at a time to a small source tree and expects the check to report it."""
 
 import os
 import tempfile
@@ -20,7 +20,7 @@ ORDERLY = {
     "src/adapters/desktop/qt_clock.h": '#include <QLocale>\n#include "base/paths.h"\n#include "platform/clock.h"',
     "src/programs/orven/main.cpp": '#include "adapters/desktop/qt_clock.h"\n#include "shell/frmMain.h"',
 }
-PLANTED = [  # where, what, the line and a word of the complaint
+PLANTED = [  # path, content, expected line number and a word of the report
     ("src/core/settings.h", "#include <string>\n  # include <QString>", "3: ", "<QString>"),
     ("src/core/settings.h", "#include <unistd.h>", "2: ", "<unistd.h>"),
     ("src/core/settings.h", '#include "adapters/desktop/qt_clock.h"', "2: ", "adapter"),
@@ -38,7 +38,7 @@ PLANTED = [  # where, what, the line and a word of the complaint
 
 class CheckHouse(unittest.TestCase):
     def faults(self, *changes):
-        """What the check finds in the orderly house after `changes` of (path, whole content)."""
+        """Returns the faults in the correct tree after `changes`, pairs of a path and its new content."""
         with tempfile.TemporaryDirectory() as root:
             orderly = [(path, LICENCE + text) for path, text in ORDERLY.items()]
             for path, text in orderly + list(changes):

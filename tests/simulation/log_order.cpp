@@ -8,8 +8,8 @@ namespace orven::test {
 namespace {
 
 struct LogStep {
-  std::string_view begins;  ///< how its line begins
-  std::string_view needs;   ///< the step that must stand before it in the same call; empty for none
+  std::string_view begins;  ///< the beginning of its log line
+  std::string_view needs;   ///< the step that must come before it in the same call; empty for none
   bool once;
 };
 
@@ -32,7 +32,7 @@ constexpr LogStep kSteps[] = {{kOffer, "", true},
                               {"Record Message ", kStart, true},
                               {"Idle[", kOffer, true}};
 
-/// Parts of the fault lines ("Err…") that have a cause in the simulation.
+/// Parts of the error lines ("Err…") that the faults of a story can cause.
 constexpr std::string_view kExplained[] = {"Error Playing Remote Control",
                                            "ErrPlayForAdmin 9 ",
                                            "Error Send To APP ->53 ",
@@ -52,8 +52,8 @@ bool IsUnexplainedFault(std::string_view line, bool records_lost) {
 
 std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines, bool records_lost) {
   std::vector<std::string> faults;
-  std::set<std::string_view> steps{""};  // of the present call
-  std::string answer;                    // number of the accepted request to answer
+  std::set<std::string_view> steps{""};  // steps of the current call
+  std::string answer;                    // number of the accepted answer request
   bool recording = false, owner = false, hung_up = false;
   for (const auto& line : lines) {
     const auto is = [&](std::string_view begin) { return line.starts_with(begin); };
@@ -61,9 +61,9 @@ std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines, bool
       if (found) faults.push_back("log: " + what + ": " + line);
     };
     const bool accepted = is(kAccepted) && line[kAccepted.size()] != '-';
-    fault(IsUnexplainedFault(line, records_lost), "a fault without a cause");
-    fault(is(kStart) && (owner || hung_up), "the owner, or nobody, is recorded");
-    fault(is("Remote Control ") && recording, "digits are heard while recording");
+    fault(IsUnexplainedFault(line, records_lost), "an unexplained error");
+    fault(is(kStart) && (owner || hung_up), "a recording of the owner or after the hang-up");
+    fault(is("Remote Control ") && recording, "digits are detected while recording");
     fault(accepted && !answer.empty(), "a call is answered twice");
     if (is(kOffer)) {
       steps = {""};
@@ -79,7 +79,7 @@ std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines, bool
     for (const auto& step : kSteps) {
       if (!is(step.begins)) continue;
       fault(!steps.contains(step.needs), "a step without " + std::string(step.needs));
-      fault(!steps.insert(step.begins).second && step.once, "a second step");
+      fault(!steps.insert(step.begins).second && step.once, "a step appears twice");
     }
   }
   return faults;

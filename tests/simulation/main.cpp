@@ -13,17 +13,17 @@ namespace {
 
 constexpr std::uint64_t kEnoughToSeeThePattern = 5;
 
-/// Longest time that anything started by a story goes on after it: an answer under way, a silence limit, a
-/// message that is played, a mail.
+/// The longest time that anything started by a story continues after it: an answer, a silence limit, playing
+/// a message, a mail.
 constexpr auto kAftermath = 20s;
 
 struct Outcome {
-  std::vector<std::string> broken;  ///< promises, each with its time
-  std::vector<std::string> log;     ///< the system log, in the order in which it was written
-  int calls = 0;                    ///< that were offered
+  std::vector<std::string> broken;  ///< broken promises, each with its time
+  std::vector<std::string> log;     ///< the system log in the order of writing
+  int calls = 0;                    ///< number of offered calls
 };
 
-/// A caller waits for the beep and talks, and nothing fails.
+/// Plays a call without any fault: the caller waits for the beep and talks.
 void PlayPlainCall(World& world, Promises& promises) {
   MendEverything(world);
   promises.whole = true;
@@ -34,7 +34,7 @@ void PlayPlainCall(World& world, Promises& promises) {
   world.RunFor(kAftermath);
 }
 
-/// Plays a story in a world of its own. At its end everything is mended, and a last call must be whole.
+/// Plays a story in a new world. Then clears all faults and plays a last call, which must be complete.
 Outcome Play(const Story& story) {
   World world;
   Promises promises(world);
@@ -54,7 +54,7 @@ Outcome Play(const Story& story) {
   return {promises.broken, promises.log, promises.offered};
 }
 
-/// The broken promises without their times and numbers, which differ from one story to the next.
+/// Returns the broken promises without their times and numbers, which differ between stories.
 std::set<std::string> Kinds(const Outcome& outcome) {
   std::set<std::string> kinds;
   for (auto kind : outcome.broken) {
@@ -65,8 +65,8 @@ std::set<std::string> Kinds(const Outcome& outcome) {
   return kinds;
 }
 
-/// The shortest part of a story, whose outcome was `outcome`, that breaks one of the same promises. Pieces
-/// are taken out as long as the rest does: halves, quarters and so on down to single steps (delta debugging).
+/// Returns the shortest part of the story that breaks one of the same promises. Removes pieces (halves,
+/// quarters … single steps) as long as the rest still breaks one (delta debugging).
 Story Shrunk(Story story, const Outcome& outcome) {
   const auto wanted = Kinds(outcome);
   for (std::size_t piece = story.steps.size() / 2; piece > 0;) {
@@ -83,7 +83,7 @@ Story Shrunk(Story story, const Outcome& outcome) {
       if (!still) begin = end;
       shorter = shorter || still;
     }
-    if (piece > 1 || !shorter) piece /= 2;  // until no single step can be left out
+    if (piece > 1 || !shorter) piece /= 2;  // repeats single steps until none can be left out
   }
   return story;
 }
@@ -102,7 +102,7 @@ int Show(const Story& story) {
   return outcome.broken.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Shows the story of `seed`, or only those of its steps whose numbers are in `list` ("3,7,12").
+/// Shows the story of `seed`, or only the steps whose numbers are in `list` ("3,7,12").
 int Replay(std::uint64_t seed, const std::string& list) {
   auto story = RandomStory(seed);
   std::erase_if(story.steps, [&](const Step& step) {
@@ -124,7 +124,7 @@ void ShowFailure(std::uint64_t seed, const Outcome& outcome, const char* program
   std::cout << "\n\n" << std::flush;
 }
 
-/// Plays so many worlds, or until `minutes` have passed (0: no limit).
+/// Plays `worlds` worlds, but for no longer than `minutes` (0: no limit).
 int PlaySeeds(std::uint64_t worlds, std::uint64_t minutes, std::uint64_t first_seed, const char* program) {
   const auto begin = std::chrono::steady_clock::now();
   std::uint64_t played = 0, calls = 0, failed = 0;

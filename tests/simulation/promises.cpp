@@ -36,7 +36,7 @@ void Promises::Play(const Step& step) {
     step.act(world_);
   }
   if (!world_.ended) return CheckWindow();
-  CountFiled();  // what was filed when the program ended
+  CountFiled();  // includes calls that were filed when the program ended
   if (running && RecordsWork() && refused_ == refused && !unsure_)
     Expect(waiting_ == 0, "every call is filed when the program ends");
 }
@@ -49,35 +49,35 @@ void Promises::Restart(const Step& step) {
   const auto call = world_.CurrentCall();
   const bool interrupted = call.in_progress && !world_.ended;
   const int most = interrupted && !call.admin_mode ? 1 : 0;
-  // Whether a message has begun is the recovery's to find out.
+  // Only the recovery knows whether a message had begun.
   const int least = world_.Machine().settings.ListMessageOnly == 0 ? most : 0;
   CountFiled();
   step.act(world_);
   world_.Tapi1->SetEvents(this);
-  if (interrupted) ++idle_;  // it ended with the program
+  if (interrupted) ++idle_;  // the call ended with the program
   stale_ = false;
   const int recovered = world_.database.added - filed_;
   if (world_.disk.Failures() > 0 || !RecordsWork()) unsure_ = true;
   Expect(unsure_ || (recovered >= waiting_ + least && recovered <= waiting_ + most),
-         "a start files the call that the program's end has interrupted, once");
+         "the next start files an interrupted call once");
   filed_ = world_.database.added;
   waiting_ = 0;
 }
 
-/// The files of a log are in no order once the clock has been turned; the lines are taken as they come.
+/// Collects log lines as they are written. After a clock change, the log files are not in order.
 void Promises::Hear(const std::string& path, std::string_view text) {
   constexpr std::size_t kTime = 11;  // "14:05:07 : "
   if (!path.ends_with("_Sys.txt")) return;
   log.emplace_back(text.substr(kTime, text.size() - kTime - 2));
   if (world_.disk.Failures() > 0) return;
   const auto day = FileStamp(world_.time.DateText(world_.time.Now()), "");
-  Expect(path.ends_with("/" + day + "_Sys.txt"), "a line of the log is in the file of its day");
-  Expect(text.starts_with(world_.time.TimeText(world_.time.Now())), "a line of the log has its time");
+  Expect(path.ends_with("/" + day + "_Sys.txt"), "a log line is in the file of its day");
+  Expect(text.starts_with(world_.time.TimeText(world_.time.Now())), "a log line has the current time");
   Expect(!log.back().ends_with("the line ends the call") || silent_ >= kIdleSeconds - 1,
-         "the line ends no call on which something happens");
+         "the line never ends an active call");
 }
 
-/// The records that were added since the latest look.
+/// Subtracts the records that were added since the last check from the waiting calls.
 void Promises::CountFiled() {
   waiting_ -= world_.database.added - filed_;
   filed_ = world_.database.added;
@@ -87,7 +87,7 @@ std::string Promises::Newest(std::string_view field) const {
   return world_.database.Field(world_.database.Records().size() - 1, field);
 }
 
-/// The path of a record's message; empty for none.
+/// Returns the path of a record's message, or "" if it has none.
 std::string Promises::Message(std::size_t record) const {
   const auto& database = world_.database;
   if (database.Field(record, kType) == kNoMessageType) return "";
@@ -118,13 +118,13 @@ void Promises::CheckFiling(int filed, bool message_only, bool could_be) {
   }
   ++waiting_;
   CountFiled();
-  if (unsure_) waiting_ = could_be && filed > 0 ? 0 : 1;  // how many there were is unknown
+  if (unsure_) waiting_ = could_be && filed > 0 ? 0 : 1;  // their number is unknown
   Expect(waiting_ >= 0, "no call is filed twice");
-  if (could_be) Expect(waiting_ == 0, "every call is filed, as soon as that can be");
+  if (could_be) Expect(waiting_ == 0, "every call is filed as soon as possible");
   if (waiting_ != 0) return;
   stale_ = false;
   Expect(Newest(kCallDate) == date_ && Newest(kCallTime) == time_,
-         "a record has the time at which its call came");
+         "a record has the time when its call came in");
   Expect(Newest(kCallName) == name_ && Newest(kCallNumber) == number_, "a record has its caller");
   CheckMessage();
 }
@@ -144,9 +144,9 @@ void Promises::CheckActions(std::size_t mails, std::size_t programs) {
     Expect(world_.Mail1.mails.back().attachment == attachment, "the mail carries the call's own message");
   }
   const auto& window = world_.views.caller_view;
-  Expect(window.open == world_.Machine().caller_view.IsOpen(), "the caller view is where it says it is");
+  Expect(window.open == world_.Machine().caller_view.IsOpen(), "the caller view is open when it says so");
   Expect(!window.open || window.commands == CallerCommands::None,
-         "no command is offered for a call that is over");
+         "no command is offered for a call that has ended");
 }
 
 void Promises::CheckMessage() {
@@ -168,10 +168,10 @@ void Promises::CheckMessage() {
 void Promises::CountSilence() {
   const bool used = world_.Wave1.IsPlaying() || world_.Wave1.IsRecording();
   silent_ = world_.Tapi1->IsCallConnected(0) && !used ? silent_ + 1 : 0;
-  Expect(silent_ != kIdleSeconds + 2, "a silent line is let go");
+  Expect(silent_ != kIdleSeconds + 2, "a silent line is released");
 }
 
-/// Number of the newest record with a message among those that the owner has not come to yet; 0 for none.
+/// Returns the number of the newest record with a message that the owner has not heard, or 0.
 std::size_t Promises::NextUnheard() const {
   if (world_.database.gone) return 0;
   for (auto record = world_.database.Records().size(); record > 0; --record) {
@@ -213,18 +213,18 @@ void Promises::CheckWindow() {
 }
 
 void Promises::CheckEnd() {
-  // A journal that had no room may not know that a call has been filed, when its record has been deleted
-  // since, nor that its mail has been handed over.
+  // If writing the journal failed, it may not show that a call was filed and its record deleted later, or
+  // that its mail was sent.
   Expect(!journal_kept_ || world_.Mail1.mails.size() == mails_,
-         "no mail is sent but for a call that is over");
-  Expect(world_.shell.attempts == programs_, "no program is started but for a call that is over");
+         "a mail is sent only for a call that has ended");
+  Expect(world_.shell.attempts == programs_, "a program is started only for a call that has ended");
   Expect(offered == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");
   CheckQuiet();
   Expect(waiting_ >= 0 || unsure_, "no call is filed twice");
-  // A recording whose record was taken away is filed again, as a call of its own.
+  // A recording whose record was lost is filed again as a separate call.
   Expect(!journal_kept_ || lost_ || world_.database.added <= offered, "no more records than calls");
-  std::set<std::string> paths;  // also after everything that was renamed and deleted meanwhile
+  std::set<std::string> paths;
   for (std::size_t record = 0; record < world_.database.Records().size(); ++record) {
     const auto path = Message(record);
     if (path.empty()) continue;
@@ -234,7 +234,7 @@ void Promises::CheckEnd() {
   if (!world_.ended) CheckWindow();
   const std::string expected = world_.ended ? "Off Mode" : "Monitoring Sim";
   Expect(world_.views.Status() == expected, "the status is " + expected + ", not " + world_.views.Status());
-  // Lines that wait for one day's file do not hold up those of another day.
+  // Lines that wait for one day's file do not delay another day's, so they may be out of order.
   if (unsure_ || (turned_ && world_.disk.Failures() > 0)) return;
   for (const auto& fault : FaultsInLog(log, lost_)) Expect(false, fault);
 }
@@ -288,7 +288,7 @@ void Promises::Ring(std::int32_t line, std::int32_t count) {
   Program().Ring(line, count);
   Expect(count < world_.shared.num_of_ring || world_.CurrentCall().answering ||
              world_.Tapi1->IsCallConnected(line),
-         "a call is answered at the ring that is set, whatever was clicked");
+         "a call is answered at the configured ring, whatever was clicked");
 }
 
 void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {

@@ -5,22 +5,21 @@
 
 namespace orven::test {
 
-/// Stands between the telephony control and the program, watches each call and says which of the
-/// machine's promises were broken.
+/// Receives the telephony events before the program, checks each call and lists the broken promises.
 class Promises : public TelephonyEvents {
  public:
   explicit Promises(World& world);
 
-  /// Carries out a step of the story and looks at what the main window shows.
+  /// Plays a step of the story and checks the main window.
   void Play(const Step& step);
 
-  /// Everything is over: looks at the line, the timers and the log.
+  /// Checks the line, the timers and the log after the last call.
   void CheckEnd();
 
-  std::vector<std::string> broken;  ///< promises, each with its time
-  std::vector<std::string> log;     ///< the system log, in the order in which it was written
-  int offered = 0;                  ///< calls
-  bool whole = false;               ///< nothing fails any more: the next call must be filed with its message
+  std::vector<std::string> broken;  ///< broken promises, each with its time
+  std::vector<std::string> log;     ///< the system log in the order of writing
+  int offered = 0;                  ///< number of offered calls
+  bool whole = false;               ///< all faults are cleared: the next call must be filed with its message
 
   void InCommingCall(std::int32_t line, const CallInformation& call) override;
   void Idle(std::int32_t line) override;
@@ -51,26 +50,26 @@ class Promises : public TelephonyEvents {
 
   World& world_;
   int idle_ = 0;
-  std::size_t mails_ = 0, programs_ = 0;  ///< that calls have asked for
-  int filed_ = 0;                         ///< records that were added at the end of a call
+  std::size_t mails_ = 0, programs_ = 0;  ///< number that calls requested
+  int filed_ = 0;                         ///< number of added records at the last check
   int waiting_ = 0;                       ///< calls that could not be filed yet
-  int refused_ = 0;                       ///< records that could not be written
+  int refused_ = 0;                       ///< number of failed writes to the records
   std::unique_ptr<Timer> second_;
-  int silent_ = 0;            ///< seconds in which nothing happened on a connected call
-  std::int64_t heard_ = 0;    ///< identity of the call whose message the owner heard last
-  bool cut_short_ = false;    ///< the owner hung up or was hung up on, or a message cannot be played
-  bool turned_ = false;       ///< the clock
-  bool lost_ = false;         ///< records have been taken away
-  bool journal_kept_ = true;  ///< all that was to be written to it
-  bool stale_ = false;        ///< the list has not been made since then
-  bool unsure_ = false;       ///< the program has ended while the disk or the records failed
-  std::string date_, time_, name_, number_;  ///< the call's
-  int written_before_ = 0;                   ///< recordings that were files when the call came in
+  int silent_ = 0;                           ///< seconds without activity on a connected call
+  std::int64_t heard_ = 0;                   ///< identity of the call whose message the owner last heard
+  bool cut_short_ = false;                   ///< the owner's call was ended, or a message cannot be played
+  bool turned_ = false;                      ///< the clock was changed
+  bool lost_ = false;                        ///< the records' file was lost
+  bool journal_kept_ = true;                 ///< every write to the journal succeeded
+  bool stale_ = false;                       ///< the list has not been rebuilt since then
+  bool unsure_ = false;                      ///< the program ended while the disk or the records failed
+  std::string date_, time_, name_, number_;  ///< details of the current call
+  int written_before_ = 0;                   ///< number of stored messages when the call came in
 };
 
-/// What is wrong with a system log's steps: a step without the one it needs before it in the same
-/// call, a step that stands twice, a fault line that nothing in the simulation explains. `records_lost`:
-/// records have gone that the call list still shows.
+/// Checks the steps in a system log. Finds steps without the step they need earlier in the same call, steps
+/// that appear twice, and error lines that no fault of the simulation explains. `records_lost`: the call
+/// list still shows records that no longer exist.
 std::vector<std::string> FaultsInLog(const std::vector<std::string>& lines, bool records_lost);
 
 }  // namespace orven::test

@@ -14,14 +14,14 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono_literals::operator""h;
 
-/// Its draws depend on the seed alone: the standard's distributions differ by library.
+/// Draws random numbers that depend only on the seed. The standard distributions differ between libraries.
 struct Writer {
   int Below(int bound) { return static_cast<int>(engine() % static_cast<std::uint64_t>(bound)); }
   bool OneIn(int chances) { return Below(chances) == 0; }
   std::string OneOf(std::initializer_list<const char*> choices) {
     return choices.begin()[Below(static_cast<int>(choices.size()))];
   }
-  /// Any moment of the present call, often one at which the machine is just doing something.
+  /// Returns a moment in the current call. Half of them are near a tenth of a second: timers fire then.
   milliseconds Moment() {
     if (OneIn(2)) return begin + milliseconds(Below(9000));
     const int tenths = Below(90);
@@ -33,17 +33,17 @@ struct Writer {
 
   std::mt19937_64 engine;
   Story story;
-  milliseconds begin{0};  ///< of the present call
+  milliseconds begin{0};  ///< beginning of the current call
 };
 
-/// Something that happens once in so many worlds or calls, with a number from 1 to `most`.
+/// An event that happens in one of `chances` worlds or calls, with a number from 1 to `most`.
 struct Event {
   int chances, most;
   const char* what;
   void (*act)(World& world, int number);
 };
 
-/// Each mail is taken or refused later, during later calls among others.
+/// Reports each mail as sent or refused after a delay, possibly during a later call.
 void TellOfMails(World& world, milliseconds after, bool taken) {
   world.Mail1.on_send = [&world, after, taken](const ScriptedMail::Mail& mail) {
     world.time.After(after, [&world, taken, to = mail.recipient] {
@@ -68,32 +68,32 @@ constexpr Event kBefore[] = {
     {3, 1, "an older, empty message", [](World& world, int) { world.AddMessage("1.wav", 0ms); }},
     {3, 1, "another older message", [](World& world, int) { world.AddMessage("2.wav", 1500ms); }}};
 
-/// What a person does in the list shows there first.
+/// Selects the row in the view first, as a person's click does.
 void ClickRow(World& world, int row, void (ListCommands::*click)(std::int32_t)) {
   if (row > world.Machine().ListView1.Count()) return;
   world.views.selection = row;
   (world.Machine().list_commands.*click)(row);
 }
 
-/// There is no caller view to click at when it is not open.
+/// Clicks in the caller view if it is open.
 void ClickView(World& world, void (SlidingCallerView::*click)()) {
   auto& view = world.Machine().caller_view;
   if (view.IsOpen()) (view.*click)();
 }
 
-/// The disk fails at the `first` write from now, and at `count` in all; lines of the log may fit even so.
+/// Makes `count` disk writes fail, starting with the `first` from now. With `lines_fit`, log lines still fit.
 void FailDisk(World& world, int first, std::uint64_t count, bool lines_fit) {
   world.disk.FailAt(static_cast<std::uint64_t>(first), count);
   world.disk.spares = [lines_fit](const std::string& path) { return lines_fit && path.ends_with(".txt"); };
 }
 
-/// Turns the clock to so long before the new year.
+/// Sets the clock to `left` before the new year.
 void TurnToNewYear(World& world, milliseconds left) {
   const Clock::WallTime new_year = std::chrono::sys_days(std::chrono::year(2004) / 1 / 1);
   world.time.TurnClock(std::chrono::floor<milliseconds>(new_year - world.time.Now()) - left);
 }
 
-/// What happens around a call, at any time of it.
+/// Events at any time during a call.
 constexpr Event kMeanwhile[] = {
     {10, 1, "another call", [](World& world, int) { world.line->Offer(); }},
     {6, 1, "drop", [](World& world, int) { world.Machine().control.DropInComeCall(); }},
@@ -207,7 +207,7 @@ void WriteLine(Writer& writer) {
   auto at = writer.begin;
   for (int ring = 1 + writer.Below(6); ring > 0; --ring) {
     writer.Add(at, "ring", [](World& world) { world.line->Ring(); });
-    at += milliseconds(writer.OneIn(3) ? 1 : writer.Below(2000));  // double rings among them
+    at += milliseconds(writer.OneIn(3) ? 1 : writer.Below(2000));  // a third are double rings
   }
 }
 
@@ -220,9 +220,9 @@ void WriteKeys(Writer& writer) {
   }
 }
 
-/// One call, at whose end it has been hung up.
+/// Writes one call, which ends with a hang-up.
 void WriteCall(Writer& writer) {
-  // Several calls of one world can come in at the very same second.
+  // Several calls of a world can come in in the same second.
   if (writer.OneIn(8)) {
     writer.Add(writer.begin, "the clock: the new year", [](World& world) { TurnToNewYear(world, 0ms); });
   }

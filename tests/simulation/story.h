@@ -7,28 +7,28 @@
 
 namespace orven::test {
 
-/// One thing that happens in a simulated world.
+/// One event in a simulated world.
 struct Step {
   std::chrono::milliseconds at;
-  std::string what;  ///< readable, for the script that a failure prints
+  std::string what;  ///< description, printed after a failure
   std::function<void(World&)> act;
-  std::size_t number = 0;  ///< in the whole story, from 1
+  std::size_t number = 0;  ///< 1-based number in the complete story
 };
 
-/// The time of steps before the program starts: settings, missing files, older messages.
+/// The time of the steps before the program starts: settings, missing files, older messages.
 inline constexpr std::chrono::milliseconds kBeforeStart{-1};
 
-/// What happens in one world, by time. Any of its steps can be left out.
+/// The events of one world, ordered by time. Any of them can be left out.
 struct Story {
   std::vector<Step> steps;
   std::chrono::milliseconds end{0};  ///< by then every call has been hung up
 };
 
-/// A random world: settings, failing parts, messages that are there already, and one to three calls whose
-/// events come in any order and at any time. The same seed gives the same story on every machine.
+/// Returns a random story: settings, faults, older messages, and one to three calls with events in any order
+/// and at any time. A seed gives the same story on every machine.
 Story RandomStory(std::uint64_t seed);
 
-/// Ends every fault that a story can contain.
+/// Clears every fault that a story can contain.
 void MendEverything(World& world);
 
 }  // namespace orven::test

@@ -14,31 +14,31 @@
 
 namespace orven::test {
 
-/// Call records in memory. World plays thousands of them a second, too many for files.
+/// Call records in memory. The simulation makes thousands per second, too many for files.
 class MemoryDatabase : public DatabaseControl {
  public:
   using Fields = std::vector<std::string>;
 
-  /// Called before each operation that changes records; throws what the operation shall throw.
+  /// Called before each change. If it throws, the change fails with that exception.
   std::function<void()> before_write = [] {};
   std::string open_note;
   std::string opened_path;
   int writes = 0;
-  int added = 0;      ///< records
-  bool gone = false;  ///< the file is lost and cannot be made again
+  int added = 0;      ///< number of records added
+  bool gone = false;  ///< the file is lost and cannot be created again
 
   std::vector<Fields>& Records() { return records_; }
   std::string Field(std::size_t record, std::string_view field) const {
     return records_.at(record).at(Column(field));
   }
-  /// The file is lost: an empty one takes its place.
+  /// Replaces the file by an empty one, as if it had been lost.
   void LoseFile() {
     records_.clear();
     identities_.clear();
     if (current_ != 0) edited_.reset();
     current_ = 0;
   }
-  /// Adds a record; fields that are not given are empty.
+  /// Adds a record. Fields that are not given are empty.
   void Add(const std::map<std::string, std::string>& fields) {
     records_.emplace_back(kCallFields.size());
     for (const auto& [field, value] : fields) records_.back().at(Column(field)) = value;
@@ -134,13 +134,13 @@ class MemoryDatabase : public DatabaseControl {
       throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return static_cast<std::size_t>(number) - 1;
   }
-  /// Records can be changed from outside: they get their identities when they are looked at.
+  /// Returns the records' identities. Assigns missing ones first, because tests change Records() directly.
   const std::vector<std::int64_t>& Identities() {
     identities_.resize(std::min(identities_.size(), Table().size()));
     while (identities_.size() < records_.size()) identities_.push_back(++last_identity_);
     return identities_;
   }
-  /// The records with the indices from `first` to before `end`.
+  /// Erases the records from index `first` up to, but not including, `end`.
   void Erase(std::int32_t first, std::int32_t end) {
     if (end > 0) Index(end);
     before_write();
@@ -153,7 +153,7 @@ class MemoryDatabase : public DatabaseControl {
   std::vector<Fields> records_;
   std::vector<std::int64_t> identities_;
   std::int64_t last_identity_ = 0;
-  std::int32_t current_ = 0;  ///< 0: none, or the record that is being added
+  std::int32_t current_ = 0;  ///< 0 if there is none or a record is being added
   std::optional<Fields> edited_;
 };
 

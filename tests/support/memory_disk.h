@@ -19,17 +19,17 @@
 
 namespace orven::test {
 
-/// Counts what is written to a disk and fails at the write that a test names.
+/// Counts the writes to a disk. The writes that the test chooses fail.
 class FailingDisk {
  public:
   static constexpr std::uint64_t kForGood = std::numeric_limits<std::uint32_t>::max();
 
-  /// Files that are written even so: a full disk has room for a line when it has none for a message.
+  /// Returns true for files whose writes never fail: a full disk may have room for a log line only.
   std::function<bool(const std::string& path)> spares = [](const std::string&) { return false; };
-  /// The path of each write that failed.
+  /// Called with the path of each failed write.
   std::function<void(const std::string& path)> on_failure = [](const std::string&) {};
 
-  /// The `number`-th write from now (1 is the next one) fails, and so do those after it, `count` in all.
+  /// Makes `count` writes fail, starting with the `number`-th from now (1 is the next one).
   void FailAt(std::uint64_t number, std::uint64_t count = kForGood) {
     first_ = writes_ + number;
     beyond_ = first_ + count;
@@ -38,7 +38,7 @@ class FailingDisk {
 
   std::uint64_t Failures() const { return failures_; }
 
-  /// Something is about to be written there. Throws RuntimeError 61 where that fails.
+  /// Counts a write to `path`. Throws RuntimeError 61 if it has to fail.
   void Write(const std::string& path) {
     if (spares(path)) return;
     ++writes_;
@@ -50,10 +50,10 @@ class FailingDisk {
 
  private:
   std::uint64_t writes_ = 0, failures_ = 0;
-  std::uint64_t first_ = 0, beyond_ = 0;  ///< the writes that fail
+  std::uint64_t first_ = 0, beyond_ = 0;  ///< the range of writes that fail
 };
 
-/// A disk in memory. Folders exist unless they are named in `missing_folders`.
+/// Files in memory. All folders exist except `missing_folders`.
 class MemoryFiles : public Files {
  public:
   explicit MemoryFiles(const Clock& clock) : clock_(clock) {}
@@ -63,15 +63,15 @@ class MemoryFiles : public Files {
     Clock::WallTime modified;
   };
 
-  /// Called before each operation that changes something; throws what the operation shall throw.
+  /// Called before each change. If it throws, the change fails with that exception.
   std::function<void(const std::string& path)> before_write = [](const std::string&) {};
-  /// Called with every text that was appended.
+  /// Called after each append.
   std::function<void(const std::string& path, std::string_view text)> on_append = [](const std::string&,
                                                                                      std::string_view) {};
   std::set<std::string> missing_folders;
-  FailingDisk disk;  ///< on which they are
+  FailingDisk disk;  ///< the disk that holds the files
 
-  /// Something is about to be written there.
+  /// Throws if a write to `path` has to fail.
   void BeforeWrite(const std::string& path) {
     disk.Write(path);
     before_write(path);
@@ -143,11 +143,11 @@ class MemoryFiles : public Files {
   std::map<std::string, File> files_;
 };
 
-/// A registry in memory; keys and names compare exactly.
+/// A registry in memory. Keys and names are case-sensitive.
 class MemoryRegistry : public Registry {
  public:
   bool refuse_writes = false;
-  /// Asked before each change.
+  /// Called before each change. If it returns false, the change fails.
   std::function<bool()> writable = [] { return true; };
 
   void Set(const std::string& name, const std::string& text) {

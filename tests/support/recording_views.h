@@ -20,10 +20,10 @@
 
 namespace orven::test {
 
-/// The caller view's window, by what it was told.
+/// A caller view window that records the calls to it.
 class RecordingCallerView : public CallerViewWindow {
  public:
-  /// `effect` hears "view", "view:New Call" ….
+  /// `effect` is called with "view", "view:New Call" and so on.
   explicit RecordingCallerView(std::function<void(const std::string&)> effect) : effect_(std::move(effect)) {}
 
   bool open = false;
@@ -55,7 +55,7 @@ class RecordingCallerView : public CallerViewWindow {
   std::function<void(const std::string&)> effect_;
 };
 
-/// Takes mails and does with them what the test says.
+/// Collects the mails and calls the test's `on_send` for each.
 class ScriptedMail : public MailControl {
  public:
   struct Mail {
@@ -74,7 +74,7 @@ class ScriptedMail : public MailControl {
   }
 };
 
-/// Every view of the main window at once. It shows nothing and remembers everything.
+/// All views of the main window in one. Shows nothing and records everything.
 class RecordingViews : public WholeMainWindow {
  public:
   MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, caller_view}; }
@@ -85,7 +85,7 @@ class RecordingViews : public WholeMainWindow {
   void ShowStatus(const std::string& text) override { status_ = text; }
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
 
-  // The boxes.
+  // The quick options.
   std::vector<std::string> rings, greetings;
   std::string selected_greeting;
   std::int16_t shown_rings = -1;
@@ -129,13 +129,13 @@ class RecordingViews : public WholeMainWindow {
   void PopUpTrayMenu() noexcept override { ++tray_menus; }
   void CloseOtherWindows() noexcept override { others_closed = true; }
 
-  // The list, kept up to date from what the view is told alone.
+  // The list, updated only by the calls to this view.
   const CallList* list = nullptr;
   std::vector<CallColumn> columns;
   std::vector<CallRow> rows;
   std::int32_t selection = 0;
   int rebuilds = 0;
-  std::vector<bool> menus;  ///< each with or without a message
+  std::vector<bool> menus;  ///< for each menu: was it the one for a message
   void ShowColumns(const std::vector<CallColumn>& shown_columns) override { columns = shown_columns; }
   void ShowRowCount(std::int32_t count) override {
     ++rebuilds;
@@ -171,7 +171,7 @@ class RecordingViews : public WholeMainWindow {
     clock = time + ' ' + date;
   }
 
-  // What a call sets off, in order: "view", "view:New Call", "sound:/…", "action:Mail".
+  // The effects of a call in order: "view", "view:New Call", "sound:/…", "action:Mail".
   std::vector<std::string> effects;
   std::function<void(const std::string&)> on_effect = [](const std::string&) {};
   bool Had(const std::string& effect) const { return std::ranges::count(effects, effect) > 0; }
@@ -205,10 +205,10 @@ class ScriptedShell : public Shell {
     opened.push_back(target);
     return opens;
   }
-  /// Commands with their window styles.
+  /// Started commands with their window styles.
   std::vector<std::pair<std::string, std::int32_t>> started;
   std::function<void()> before_start = [] {};
-  std::size_t attempts = 0;  ///< to start one
+  std::size_t attempts = 0;  ///< attempts to start a command
   void Run(const std::string& command, std::int32_t window_style) override {
     ++attempts;
     before_start();
@@ -216,7 +216,7 @@ class ScriptedShell : public Shell {
   }
 };
 
-/// Sound cards that are called what a test says.
+/// Sound cards with the names that the test sets.
 class ScriptedCards : public SoundCardNames {
  public:
   std::vector<std::string> names{"Default output"};
@@ -231,7 +231,7 @@ class ScriptedMouse : public Mouse {
   bool IsDown(MouseKey button) const override { return std::ranges::count(down, button) > 0; }
 };
 
-/// Draws nothing: a test says when a picture is ready.
+/// Reads no file. The test calls `done` when a waveform is ready.
 class ScriptedWaveforms : public WaveformReader {
  public:
   std::string path;
@@ -243,11 +243,11 @@ class ScriptedWaveforms : public WaveformReader {
   void Cancel() override { path.clear(); }
 };
 
-/// Works at once and tells of it later.
+/// Does the work immediately and reports completion later.
 class PostedBackground : public Background {
  public:
   explicit PostedBackground(EventLoop& loop) : loop_(loop) {}
-  std::chrono::milliseconds takes{0};  ///< until it tells
+  std::chrono::milliseconds takes{0};  ///< delay before completion is reported
   void Run(Work work, Done done) override {
     std::exception_ptr failure;
     try {
@@ -269,12 +269,12 @@ class RecordingDialogFactory : public DialogFactory {
   void Open(Dialog dialog, int tab) override { opened.emplace_back(dialog, tab); }
 };
 
-/// Answers every dialog from what a test has set, and remembers the texts.
+/// Answers every dialog as the test has set, and records the texts.
 class ScriptedDialogs : public Dialogs {
  public:
   std::vector<std::string> messages, informations;
-  std::optional<std::string> chosen;  ///< in the next file dialogs
-  std::vector<std::string> chooser;   ///< the title, filter and name of the latest one
+  std::optional<std::string> chosen;  ///< the file or folder chosen in the next dialogs
+  std::vector<std::string> chooser;   ///< title, filter and name of the latest file dialog
   void Message(const std::string& text) override { messages.push_back(text); }
   std::function<void()> while_open = [] {};
   void Information(const std::string& text) override {
@@ -283,7 +283,7 @@ class ScriptedDialogs : public Dialogs {
   }
   bool yes = false;
   std::vector<std::string> questions;
-  QuestionIcon question_icon = QuestionIcon::Question;  ///< of the latest question
+  QuestionIcon question_icon = QuestionIcon::Question;  ///< icon of the latest question
   bool Confirm(const std::string& text, QuestionIcon icon) override {
     questions.push_back(text);
     question_icon = icon;
@@ -305,15 +305,15 @@ class ScriptedDialogs : public Dialogs {
   }
 };
 
-/// A speech helper that takes every message and says what a test lets it say.
+/// A speech helper that accepts every message and sends what the test passes to Say.
 class ScriptedExchange : public DataExchange {
  public:
   std::vector<std::string> sent;
   std::vector<std::int32_t> checked;  ///< the argument of every OpenCheck
   bool up = true;
-  bool takes = true;  ///< messages can be sent
+  bool takes = true;  ///< the helper accepts messages
   bool closed = false;
-  std::function<void()> while_waiting = [] {};  ///< what else happens inside the next OpenCheck
+  std::function<void()> while_waiting = [] {};  ///< called once, during the next OpenCheck
   std::function<void(const std::string&)> on_message = [](const std::string&) {};
 
   void Say(const std::string& text) {

@@ -13,7 +13,7 @@
 
 namespace orven::test {
 
-/// A folder of its own for one test, removed with everything in it afterwards.
+/// A temporary folder for one test. The destructor deletes it with its contents.
 class ScratchFolder {
  public:
   explicit ScratchFolder(const std::string& parent = std::filesystem::temp_directory_path().string())
@@ -28,7 +28,7 @@ class ScratchFolder {
 
   std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
-  /// The files whose names begin with `prefix`.
+  /// Counts the files whose names begin with `prefix`.
   std::size_t Count(const std::string& prefix) const {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
@@ -50,8 +50,7 @@ inline void PutFile(const std::string& path, const std::string& content) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
 }
 
-/// While it lives, this process cannot make any file larger than `bytes`: what a full disk does, for
-/// tests that have none.
+/// Limits every file that this process writes to `bytes`, until destroyed. Simulates a full disk.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) {

@@ -10,16 +10,16 @@
 
 namespace orven::test {
 
-/// Telephone lines in memory. A test says what they do and how a test of one ends.
+/// Telephone lines in memory. The test sets their states and reports the result of a line test.
 class ScriptedLines : public TelephoneLines {
  public:
   Configured configured;
   std::function<void()> before_store = [] {};
   std::string fault = "The server is missing.";
-  std::map<std::string, std::string> states;  ///< by the lines' names
+  std::map<std::string, std::string> states;  ///< by line name
   std::vector<SerialPortFound> ports;
   std::vector<TelephoneLine> tested;
-  TestDone done;  ///< of the test under way
+  TestDone done;  ///< callback of the running line test
 
   Configured Read() override { return configured; }
   void Store(const std::vector<TelephoneLine>& lines) override {

@@ -12,8 +12,8 @@
 
 namespace orven::testing {
 
-/// Waits until `condition` holds; false when it does not within 30 seconds, which is longer than anything
-/// here takes on the slowest machine under a sanitizer.
+/// Waits until `condition` holds. Returns false after 30 seconds, which is enough for every test on the
+/// slowest machine with a sanitizer.
 bool Eventually(auto condition) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!condition()) {
@@ -23,7 +23,7 @@ bool Eventually(auto condition) {
   return true;
 }
 
-/// An event loop without timers. Any thread may post; the tasks run when the test says so.
+/// An event loop without timers. Any thread may post. The tasks run when the test calls Run.
 class TestLoop : public EventLoop {
  public:
   void Post(Task task) override {
@@ -33,7 +33,7 @@ class TestLoop : public EventLoop {
   void After(std::chrono::milliseconds, Task) override { throw std::logic_error("no timers here"); }
   std::unique_ptr<Timer> MakeTimer(Task) override { throw std::logic_error("no timers here"); }
 
-  /// Runs what has been posted, and what that posts.
+  /// Runs all posted tasks, including those that they post.
   void Run() {
     for (std::unique_lock lock(mutex_); !tasks_.empty(); lock.lock()) {
       const Task task = std::exchange(tasks_.front(), nullptr);
@@ -43,7 +43,7 @@ class TestLoop : public EventLoop {
     }
   }
 
-  /// Runs tasks until `condition` holds; false when it does not in time.
+  /// Runs tasks until `condition` holds. Returns false on a timeout.
   bool RunUntil(auto condition) {
     return Eventually([&] {
       Run();

@@ -15,47 +15,47 @@
 
 namespace orven::test {
 
-/// A wave control without samples: a sound file is a length, playing takes that long on virtual time,
-/// and a recording is as long as it ran. It records what it was asked to do.
+/// A wave control without samples. A sound file contains only its length. Playing takes that long on virtual
+/// time, and a recording is as long as it ran. The requests are recorded.
 class TimedWave : public WaveControl {
  public:
   using milliseconds = std::chrono::milliseconds;
 
   TimedWave(VirtualTime& time, MemoryFiles& files) : time_(time), files_(files) {}
 
-  /// Content of a sound file of this length.
+  /// Returns the content of a sound file of this length.
   static std::string Sound(milliseconds length) {
     return std::string(kMark) + std::to_string(length.count());
   }
 
-  // What goes wrong from now on: results that the operations give.
+  // The results that the operations return from now on.
   std::int32_t play_result = kWaveOk, query_result = kWaveOk, start_result = kWaveOk;
   std::int32_t stop_result = kWaveOk, monitor_result = kWaveOk;
 
-  /// Called for every file that is to be played.
+  /// Called before a file is played.
   std::function<void(const std::string&)> on_play = [](const std::string&) {};
 
-  /// How loud the line is now, in thousandths.
+  /// Returns the current input level of the line, in thousandths.
   std::function<std::int32_t()> level = [] { return 0; };
 
   using Played = std::pair<std::string, std::int32_t>;
-  std::vector<Played> played;           ///< every file that was started, with its device
+  std::vector<Played> played;           ///< every file that was played, with its device
   std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
-  std::vector<std::int32_t> monitored;  ///< the device of every live play
-  int written = 0;                      ///< messages that became files
-  int takes = 0;                        ///< recordings from a sound card that became files
-  std::vector<std::string> unsaved;     ///< recordings that could not get their name
+  std::vector<std::int32_t> monitored;  ///< the device of every live monitoring
+  int written = 0;                      ///< number of messages stored as files
+  int takes = 0;                        ///< number of sound card recordings stored as files
+  std::vector<std::string> unsaved;     ///< paths of recordings that could not be stored under their names
   std::string last_recorded_path;
   milliseconds last_recorded_length{0};
   bool to_disk = false;
 
-  /// Path and content of the file in which a recording grows on the disk.
+  /// Returns the path and content of the file that is being recorded to.
   std::optional<std::pair<std::string, std::string>> GrowingFile() const {
     if (!recording_since_ || !to_disk) return std::nullopt;
     return std::pair{record_folder + ".recording-" + record_name_ + "-7-1.wav.part", Sound(Recorded())};
   }
 
-  /// The program is killed: everything stops, and what was recorded is left in the file that grows.
+  /// Simulates a kill of the program: everything stops, and the partial recording remains on disk.
   void Crash() {
     if (const auto growing = GrowingFile()) files_.Put(growing->first, growing->second);
     recording_since_.reset();
@@ -140,7 +140,7 @@ class TimedWave : public WaveControl {
     if (stop_result != kWaveOk) return stop_result;
     try {
       files_.BeforeWrite(path);
-    } catch (const RuntimeError&) {  // what was recorded stays where it has grown
+    } catch (const RuntimeError&) {  // the recording stays in its temporary file
       unsaved.push_back(record_folder + "unsaved-" + std::to_string(unsaved.size() + 1) + ".part");
       files_.Put(unsaved.back(), Sound(length));
       return kWaveDiskFull;
@@ -161,11 +161,11 @@ class TimedWave : public WaveControl {
   WaveEvents* events_ = nullptr;
   std::optional<milliseconds> recording_since_;
   std::string record_name_;
-  bool from_line_ = false;  ///< the recording
+  bool from_line_ = false;  ///< the recording comes from a line, not from a sound card
   bool playing_ = false;
   milliseconds play_length_{0};
-  milliseconds beginning_{0};  ///< the uptime at which position 0 was, or would have been
-  std::uint64_t play_ = 0;     ///< tells a finished play from a later one
+  milliseconds beginning_{0};  ///< the uptime that corresponds to position 0
+  std::uint64_t play_ = 0;     ///< number of the current play; timers of earlier plays are ignored
 };
 
 }  // namespace orven::test

@@ -15,7 +15,7 @@ using std::chrono_literals::operator""min;
 
 constexpr Clock::WallTime kBegin = std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
 
-/// "Name=value;" for each setting.
+/// The settings, each as "Name=value;".
 constexpr std::string_view kWorkingSettings =
     "MeTop=100; MeLeft=200; MeWinState=0; MeWidth=9000; MeHeight=6000; Modem=-1; ModemName=; "
     "MassagesPath=/home/orven/Messages/; SecSilence=3; cDropSilence=1; ValSilence=20; "

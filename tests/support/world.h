@@ -21,27 +21,27 @@ namespace orven::test {
 using std::chrono_literals::operator""ms;
 using std::chrono_literals::operator""s;
 
-/// A whole answering machine on virtual time with one simulated line, "Sim", whose settings are those
-/// of a working installation: 2 rings, recording on, silence detection on, password 4711. It begins
-/// on 31 December 2003 at 14:05:07.
+/// A complete answering machine on virtual time with one simulated line, "Sim". The settings are those of a
+/// working installation: 2 rings, recording on, silence detection on, password 4711. Time starts on
+/// 31 December 2003 at 14:05:07.
 class World {
  public:
   World();
 
-  /// Starts the program; settings are changed before.
+  /// Starts the program. Tests change settings before this call.
   World& Start() {
     window->Show();
     return *this;
   }
 
-  /// The program is killed, as it stands, and not started again yet: what is on disk is all that is left.
+  /// Kills the program without restarting it. Only the data on disk remains.
   void Crash();
 
-  /// The log without its times.
+  /// Returns the lines of the system log without their times.
   std::vector<std::string> SystemLog() const { return LogLines("_Sys.txt"); }
   std::vector<std::string> CallsLog() const { return LogLines("_Calls.txt"); }
   bool Logged(const std::string& text) const { return std::ranges::count(SystemLog(), text) > 0; }
-  /// Log lines that were written by `action`.
+  /// Returns the system log lines that `action` wrote.
   template <class Action>
   std::vector<std::string> LoggedBy(Action action) {
     const auto before = SystemLog().size();
@@ -50,9 +50,9 @@ class World {
     return {lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()};
   }
 
-  /// A call is offered and rings until the machine has answered it.
+  /// Offers a call and rings until the machine has answered it.
   void CallAndWaitForAnswer();
-  /// The same, until the machine records.
+  /// Does the same and waits until the machine records.
   void CallAndWaitForRecording();
   void Press(const std::string& digits);
   void Talk() { loud = 1000; }
@@ -72,7 +72,7 @@ class World {
 
   VirtualTime time;
   MemoryFiles files;
-  FailingDisk& disk = files.disk;  ///< what everything is written to
+  FailingDisk& disk = files.disk;  ///< holds the files, the records and the registry
   MemoryRegistry registry;
   MemoryDatabase database;
   ScriptedDialogs dialogs;
@@ -91,7 +91,7 @@ class World {
   std::unique_ptr<LineService> Tapi1;
   SharedOptions shared;
   std::int32_t loud = 0;
-  bool database_full = false;  ///< no record can be changed
+  bool database_full = false;  ///< every change of a record fails
   bool ended = false;
   std::unique_ptr<MainWindow> window;
 

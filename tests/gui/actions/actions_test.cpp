@@ -8,7 +8,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The controls, a value that is not the first one shown, and what is stored for it.
+/// Each control, a value other than the one shown first, and what is stored for it.
 constexpr struct {
   const char *control, *value, *setting, *stored;
 } kControls[] = {{"txtSendToMail", "anna@example.org", "MailTo", "anna@example.org"},
@@ -47,10 +47,10 @@ class ActionsWindow : public WindowTest {
 
 TEST_F(ActionsWindow, OkGoesToTheFirstWrongFieldAndStoresNothing) {
   auto& tabs = Get<QTabWidget>("TabStrip1");
-  EXPECT_EQ(tabs.currentIndex(), 1) << "as asked for";
+  EXPECT_EQ(tabs.currentIndex(), 1) << "the requested tab";
   EXPECT_EQ(Get<QLineEdit>("txtSMTPPass").echoMode(), QLineEdit::Password);
   const std::tuple<const char*, const char*, int> cases[] = {
-      // the first field is the wrong one
+      // the first field is the invalid one
       {"txtSendToMail=a@b.c txtSMTP=", "'E-Mail To' Is Invalid", 0},
       {"txtSMTP= txtAppTo=", "'SMTP' Is Invalid", 0},
       {"txtFromMail=home txtAppTo=", "'From(Replay To)' Is Invalid", 0},
@@ -79,7 +79,7 @@ TEST_F(ActionsWindow, OkStoresEverythingAndTheNextWindowShowsIt) {
     ExpectShown({{row.control, row.value}});
   }
   Do("chkSendToMail=false chkApp=false txtSendToMail= txtAppTo= cmdOK");
-  EXPECT_EQ(saved, 2) << "an action that is off may have any text";
+  EXPECT_EQ(saved, 2) << "the fields of a disabled action are not checked";
 }
 
 TEST_F(ActionsWindow, LogsEachMissingValueAndReadsTheOthers) {

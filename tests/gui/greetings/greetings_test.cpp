@@ -11,15 +11,15 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// The greeting creator's window over its engine, in a running program with a speech engine.
+/// The greeting creator's window with its engine, in a running program with a speech engine.
 class CreatorWindow : public WindowTest {
  protected:
   CreatorWindow() {
     world.registry.Write(RegistryRoot::ClassesRoot, "SAPI.SpVoice", std::array{RegString("", "SpVoice")});
-    world.Start().RunFor(1s);  // the beep of the open line is over
+    world.Start().RunFor(1s);  // until the beep of the open line has ended
     Open();
   }
-  /// Opens and loads a new window, with a new helper.
+  /// Opens a new window with a new speech helper.
   void Open(bool helper_answers = true) {
     engine.reset();
     world.uDat = {};
@@ -33,7 +33,7 @@ class CreatorWindow : public WindowTest {
     QApplication::processEvents();
   }
   void ChooseTab(int tab) { Get<QTabWidget>("TabStrip1").setCurrentIndex(tab); }
-  /// The enabled buttons, in the order of their use.
+  /// Returns the enabled buttons in the order of use.
   std::string Buttons() {
     std::string enabled;
     for (const char* name :
@@ -42,13 +42,13 @@ class CreatorWindow : public WindowTest {
     }
     return enabled;
   }
-  /// What was sent to the helper since the last call, separated by "|".
+  /// Returns the messages sent to the helper since the last call, separated by "|".
   std::string Sent() {
     std::string all;
     for (const auto& message : std::exchange(world.uDat.sent, {})) all += (all.empty() ? "" : "|") + message;
     return all;
   }
-  /// From now on the helper writes each file that it is asked for.
+  /// Makes the helper write each requested file from now on.
   void MakeFiles(std::chrono::milliseconds after) {
     world.uDat.on_message = [this, after](const std::string& message) {
       if (message.starts_with("STW:"))
@@ -167,7 +167,7 @@ TEST_F(CreatorWindow, NamesAreCheckedAndAGreetingThatCannotBeStoredChangesNothin
   Click("cmdOK");
   engine.reset();
   world.RunFor(1ms);
-  EXPECT_NE(Saved("Hello"), old) << "a copy that has begun survives the window";
+  EXPECT_NE(Saved("Hello"), old) << "a copy that has begun is finished after the window is closed";
   EXPECT_FALSE(world.files.Exists(speaker_file));
 }
 
@@ -206,7 +206,7 @@ TEST_F(CreatorWindow, CanBeClosedAndTheProgramEndedDuringTheWaitForTheHelper) {
       QCoreApplication::exit();
     });
     QApplication::exec();
-    EXPECT_EQ(opened.isVisible(), quit) << "the end of the program takes it away";
+    EXPECT_EQ(opened.isVisible(), quit) << "after an exit it stays until the program ends";
     EXPECT_EQ(Sent(), "");
     EXPECT_FALSE(world.Logged("TTS: the speech helper does not answer"));
   }
@@ -255,8 +255,8 @@ TEST_F(CreatorWindow, AVoiceIsFoundByAnyPartOfItsDescription) {
   Set({{"txtTTS", "Hi"}});
   type("belg");
   Do("SpeakBtn");
-  EXPECT_THAT(world.uDat.sent, Contains("SVC:2")) << "what was typed counts";
-  EXPECT_THAT(world.dialogs.informations, testing::IsEmpty()) << "Return is the list's, not the window's";
+  EXPECT_THAT(world.uDat.sent, Contains("SVC:2")) << "the typed text selects the voice";
+  EXPECT_THAT(world.dialogs.informations, testing::IsEmpty()) << "Return went to the list, not to the window";
 }
 
 TEST_F(CreatorWindow, WithoutASpeechEngineTheTabIsRefused) {
@@ -312,7 +312,7 @@ TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
   }
 }
 
-TEST_F(CreatorWindow, GivesUpAfterTheTimeThatTheTextMayTake) {
+TEST_F(CreatorWindow, GivesUpAfterTheTimeAllowedForTheText) {
   Set({{"txtTTS", std::string(5000, 'x')}, {"txtGreetingName", "Never"}});
   Do("cmdCreateGreeting cmdOK 13s");
   EXPECT_EQ(Buttons(), "");
@@ -334,7 +334,7 @@ TEST_F(CreatorWindow, ATakeThatAnEarlierHelperReplacedIsNotSaved) {
   EXPECT_EQ(Saved("Hello"), TimedWave::Sound(3s));
 }
 
-TEST_F(CreatorWindow, ATakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
+TEST_F(CreatorWindow, ATakeOfTheOtherKindIsDiscardedOnlyAfterConfirmation) {
   Sent();
   MakeFiles(0ms);
   Do("cmdRec 1s cmdStopRec txtTTS=Hello cmdCreateGreeting");
@@ -343,7 +343,7 @@ TEST_F(CreatorWindow, ATakeOfTheOtherKindIsGivenUpOnlyWhenAskedFor) {
   world.dialogs.yes = true;
   Do("cmdRec txtTTS=Hello cmdCreateGreeting");
   EXPECT_FALSE(world.Wave1.IsRecording());
-  EXPECT_EQ(Buttons(), "cmdRec cmdCreateGreeting cmdOK") << "Play is for the microphone";
+  EXPECT_EQ(Buttons(), "cmdRec cmdCreateGreeting cmdOK") << "only a take from the microphone can be played";
   world.RunFor(1s);
   world.dialogs.yes = false;
   Click("cmdRec");

@@ -42,7 +42,7 @@ class LogWindow : public WindowTest {
   }
   LogLineList& Lines() { return Get<LogLineList>("List2"); }
   QString Line(int row) { return Lines().model()->index(row, 0).data().toString(); }
-  /// How many lines are shown, and what is said of them.
+  /// Returns the number of lines shown and the text of the state label.
   std::string State() { return std::to_string(Lines().model()->rowCount()) + ": " + Shown("lblState"); }
   std::string Files() {
     const auto& list = Get<QListWidget>("List1");
@@ -76,7 +76,7 @@ TEST_F(LogWindow, PurgesThenShowsAFileAndItsLongestLineToTheEnd) {
   ClickFile("1_Sys.txt");
   EXPECT_EQ(State(), "3: 3 lines") << "a click on the shown file reads it again";
   Set({{"cmbWhatToShow", "System"}});
-  EXPECT_EQ(State(), "3: 3 lines") << "a file that is still listed stays";
+  EXPECT_EQ(State(), "3: 3 lines") << "a file that is still listed stays open";
   Set({{"cmbWhatToShow", "Calls"}});
   EXPECT_EQ(Files(), "2_Calls.txt ");
   EXPECT_TRUE(State().starts_with("0:") && !Enabled("cmdDelete"));
@@ -89,11 +89,11 @@ TEST_F(LogWindow, ALargeFileOpensPieceByPiece) {
   Put("3_Sys.txt", std::move(large));
   Open();
   auto& list = Lines();
-  world.background.takes = 1ms;  // a piece
+  world.background.takes = 1ms;  // per piece
   ClickFile("3_Sys.txt", 1ms);
   EXPECT_EQ(State(), "1024: Reading… 1,024 lines");
   ClickFile("2_Calls.txt", 2ms);
-  EXPECT_EQ(State(), "1: 1 line") << "the large file was abandoned";
+  EXPECT_EQ(State(), "1: 1 line") << "reading the large file was cancelled";
   ClickFile("3_Sys.txt", 2s);
   EXPECT_EQ(State(), "1250000: 1,250,000 lines");
   list.setFocus();
@@ -162,7 +162,7 @@ TEST_F(LogWindow, PropertiesApplyAtOnceAndCancelStoresNothing) {
   machine.log.WriteCalls("kept");
   EXPECT_EQ(Files(), "0_Sys.txt 1_Sys.txt 2_Calls.txt ");
   world.RunFor(1ms);
-  EXPECT_EQ(Files(), "12-31-2003_Calls.txt 1_Sys.txt 2_Calls.txt ") << "lists what the purge has left";
+  EXPECT_EQ(Files(), "12-31-2003_Calls.txt 1_Sys.txt 2_Calls.txt ") << "lists the files left after the purge";
 }
 
 }  // namespace

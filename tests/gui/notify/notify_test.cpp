@@ -8,18 +8,18 @@
 namespace orven::test {
 namespace {
 
-/// The dialog in a running program whose library has the sounds "idle.wav" and "ring.wav".
+/// The events dialog in a running program whose sound folder has "idle.wav" and "ring.wav".
 class EventsWindow : public WindowTest {
  protected:
   EventsWindow() {
-    world.Start().RunFor(1s);  // the beep of the open line is over
+    world.Start().RunFor(1s);  // until the beep of the open line has ended
     Open();
   }
   void Open(int tab = 0) {
     window = std::make_unique<frmEvents>(dialog, tab, nullptr);
     Show(*window);
   }
-  /// The sounds of both lists, the selected one of each in brackets.
+  /// Returns the sounds of both lists, with the selected ones in brackets.
   std::string Sounds() {
     std::string sounds;
     for (const char* list : {"CmbPlayWhenCall", "CmbPlayWhenMessage"}) {
@@ -55,7 +55,7 @@ TEST_F(EventsWindow, ShowsTheSettingsOnTheRequestedTab) {
   EXPECT_EQ(Sounds(), "idle [ring] | idle ring | ");
   ExpectShown({{"chkPlayInMessage", "false"}, {"sldAnimationFast", "100"}, {"cmbCloseCVAfter", ""}});
   Click("cmdOK");
-  ExpectStored({{"CloseCallerView", "45"}});  // kept, though the list does not offer it
+  ExpectStored({{"CloseCallerView", "45"}});  // kept although the list does not offer it
 
   settings.PlayInRing = "gone.wav";
   Open(2);
@@ -167,7 +167,7 @@ TEST_F(CallerViewWindowTest, StaysOnTopWithoutFocusAtTheTopCentreInRoundedPixels
   const auto screen = main_window.screen()->geometry();
   EXPECT_LE(std::abs(view.geometry().center().x() - screen.center().x()), 1);
   EXPECT_EQ(view.y(), screen.top() - view.height()) << "just above the edge";
-  // Halves are rounded to even.
+  // 15 twips are a pixel; halves are rounded to even.
   for (const auto& [twips, pixels] : {std::pair(-22, -1), std::pair(-23, -2), std::pair(-7, 0)}) {
     view.MoveTo(twips);
     EXPECT_EQ(view.y(), screen.top() + pixels) << twips;
@@ -210,14 +210,14 @@ TEST_F(CallerViewWindowTest, ReportsClicks) {
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
   for (const char* name : {"lblAmswerMode", "Picture3", "lblDrop", "Picture4", "lblDoNothing", "Picture2",
                            "lblMsgFrom", "Image2"}) {
-    const auto& label = Get(name);  // a click on the screen must reach the tile below the label
+    const auto& label = Get(name);  // the click goes to the window, and must reach the tile below the label
     QTest::mouseClick(view.windowHandle(), Qt::LeftButton, {}, label.mapTo(&view, label.rect().center()));
   }
   QTest::mouseClick(&Get("lblDrop"), Qt::RightButton);
   QTest::mouseRelease(&Get("lblDrop"), Qt::LeftButton);
   QTest::mouseClick(&Get("lblCallerName"), Qt::LeftButton);
   QCloseEvent close;
-  QSpontaneKeyEvent::setSpontaneous(&close);  // the desktop closes the window
+  QSpontaneKeyEvent::setSpontaneous(&close);  // as if the desktop closed the window
   qApp->notify(&view, &close);
   EXPECT_EQ(clicks.all, "answer answer drop drop nothing nothing close close close ");
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The options dialog over a running machine, and the lines dialog over its engine, driven by object names.
+// The options dialog of a running machine, and the lines dialog with its engine, driven by object names.
 
 #include "base/runtime_error.h"
 #include "gui/window_test.h"
@@ -35,14 +35,14 @@ class OptionsWindow : public WindowTest {
   std::vector<std::string> Greetings() { return Items("CmbGreetsMessages"); }
 
   AnsweringMachine& machine = world.Machine();
-  std::optional<std::string> made;  ///< what the greeting creator saves
+  std::optional<std::string> made;  ///< the name of the greeting that the greeting creator saves
   OptionsDialog engine{machine.ForOptionsDialog()};
   GreetingPlayer greetings{machine.ForGreetingPlayer([this] { return made; })};
   std::function<void()> open_lines;
   std::unique_ptr<frmOptions> window;
 };
 
-/// The controls, what the installation shows, another choice, and what is stored for it.
+/// Each control, the value shown after installation, another choice, and what is stored for that choice.
 constexpr struct {
   const char *control, *shown, *chosen, *setting, *stored;
 } kControls[] = {{"sldSilence", "5", "9", "ValSilence", "90"},
@@ -149,7 +149,7 @@ TEST_F(OptionsWindow, TheLevelOfTheCallerIsShownWhileTheDialogIsOpen) {
   world.RunFor(100ms);
 }
 
-TEST_F(OptionsWindow, StaysWhileMessagesMoveAndKeepsTheNewFolderThoughItIsCancelled) {
+TEST_F(OptionsWindow, StaysOpenWhileMessagesMoveAndKeepsTheNewFolderEvenIfCancelled) {
   for (const char* name : {"one.wav", "two.wav"}) world.AddMessage(name, 1s);
   world.background.takes = 1s;
   Do("cmdBrowsMessagesPath");
@@ -165,7 +165,7 @@ TEST_F(OptionsWindow, StaysWhileMessagesMoveAndKeepsTheNewFolderThoughItIsCancel
   ExpectStored({{"MassagesPath", "/mnt/new/"}});
 }
 
-TEST_F(OptionsWindow, TheGreetingsButtonsWorkOnTheSelectedNameAndLeaveTheLast) {
+TEST_F(OptionsWindow, TheGreetingButtonsActOnTheSelectedNameAndKeepTheLastGreeting) {
   Set({{"CmbGreetsMessages", "hello"}});
   Press("Play");
   EXPECT_EQ(world.WavePlay.played.back().first, Greeting("hello"));
@@ -182,7 +182,7 @@ TEST_F(OptionsWindow, TheGreetingsButtonsWorkOnTheSelectedNameAndLeaveTheLast) {
   ExpectShown({{"CmbGreetsMessages", Greetings().front()}});
   ExpectStored({{"Greeting", Greetings().front()}});
   EXPECT_EQ(world.shared.greeting_file, Greetings().front() + ".wav");
-  EXPECT_EQ(world.views.greetings, Greetings()) << "the main window follows";
+  EXPECT_EQ(world.views.greetings, Greetings()) << "the main window is updated";
   for (int i = 0; i < 2; ++i) Press("Delete");
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Can't Delete Last Greeting."));
   EXPECT_EQ(Greetings().size(), 1U);
@@ -220,7 +220,7 @@ class LinesWindow : public WindowTest {
   }
   void Select(int row) { List().setCurrentItem(List().topLevelItem(row)); }
 
-  /// Clicks the button that opens the window of one line, and does `act` there, which must close it.
+  /// Clicks the button that opens the window of one line and runs `act`, which must close that window.
   void InEditor(const char* button, const std::function<void()>& act) {
     QTimer::singleShot(0, [&] {
       auto& editor = *QApplication::activeModalWidget();
@@ -246,8 +246,8 @@ TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
   ExpectShown({{"lblComplaints", "lines.ini:3: something is wrong"}});
   lines.states["Home"] = "Registered";
   EXPECT_TRUE(QTest::qWaitFor([&] { return Row(0).ends_with("|Registered"); }));
-  EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "the selection stays";
-  // Enter in the list opens the line and stores nothing.
+  EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "the selection is kept";
+  // Enter in the list opens the line's window and stores nothing.
   QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
   EXPECT_FALSE(Get<QPushButton>("cmdTest").isDefault() || Get<QPushButton>("cmdOK").isDefault());
   QTest::keyClick(&List(), Qt::Key_Return);
@@ -261,7 +261,7 @@ TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
     EXPECT_THAT(Shown("lblFault"), HasSubstr("Another line"));
     Do("txtName=Büro txtUser=7");
     EXPECT_FALSE(fault.isVisible());
-    for (int word = 0; word < 40; ++word) lines.fault += " wrong";  // several lines
+    for (int word = 0; word < 40; ++word) lines.fault += " wrong";  // makes the text several lines long
     Do("cmdOK @txtServer");
     ExpectShown({{"lblFault", lines.fault}});
     ExpectTidy(*fault.window());
@@ -293,7 +293,7 @@ TEST_F(LinesWindow, TheChosenLineStaysChosenUnderAnotherName) {
   call_up = true;
   Click("cmdOK");
   ExpectStored({{"ModemName", "House"}});
-  EXPECT_EQ(lines.configured.lines[0].srtp, "yes") << "what was written by hand stays";
+  EXPECT_EQ(lines.configured.lines[0].srtp, "yes") << "values written by hand are kept";
   EXPECT_THAT(world.dialogs.informations, ElementsAre(HasSubstr("when it is over")));
 }
 
@@ -312,7 +312,7 @@ TEST_F(LinesWindow, AModemsPortIsChosenFromThoseFoundAndTheStoredOneStays) {
   EXPECT_EQ(Row(1), "Modem|Modem|/dev/ttyUSB0|Off");
 }
 
-TEST_F(LinesWindow, ATestTellsItsResultCanBeStoppedAndEndsWithTheWindow) {
+TEST_F(LinesWindow, ATestCanBeStoppedAndEndsWithTheWindow) {
   const std::function<void()> ends[] = {[&] { Click("cmdTest"); }, [&] { Select(1); },
                                         [&] { window.reset(); }};
   for (const auto& end : ends) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The call list and the player in the window. What their commands decide is tested with the engine's
-// ListCommands.
+// The call list and the player in the window. The engine's tests of ListCommands cover the commands' effects.
 
 #include "gui/window_test.h"
 #include "records/call.h"
@@ -30,7 +29,7 @@ class List : public testing::Test {
     desk.Get<QMenu>(menu).hide();
     return visible;
   }
-  /// The selected row and whether its call is read: "2 read", "3 new".
+  /// Returns the selected row and whether its call has been read: "2 read", "3 new".
   std::string Selected() {
     const auto rows = view.selectionModel()->selectedRows();
     if (rows.isEmpty()) return "none";
@@ -60,7 +59,7 @@ TEST_F(List, ShowsEachCallAndClicksReadPlayAndOpenTheRowsMenu) {
   EXPECT_EQ(desk.card.Hear(), 300);
   EXPECT_EQ(Selected(), "3 read");
   QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, Cell(3, 2));
-  EXPECT_TRUE(desk.card.Plays()) << "releasing the button is no second click";
+  EXPECT_TRUE(desk.card.Plays()) << "releasing the button is not a second click";
   desk.ClickRow(1, Qt::RightButton);
   EXPECT_TRUE(Shown("mnuRightClick") && !desk.card.Plays() && Selected() == "1 new");
   desk.ClickRow(2);
@@ -88,7 +87,7 @@ TEST_F(List, CanBeUsedByTheKeyboardAlone) {
   EXPECT_EQ(plays(Qt::Key_Space), 100);
   EXPECT_EQ(plays(Qt::Key_Escape), 0);
   Key(Qt::Key_Down);
-  EXPECT_EQ(Selected(), "2 new") << "moving over a call does not read it";
+  EXPECT_EQ(Selected(), "2 new") << "moving to a call does not mark it as read";
   Key(Qt::Key_End);
   EXPECT_EQ(plays(Qt::Key_Return), 300);
   Key(Qt::Key_Home);
@@ -143,7 +142,7 @@ TEST_F(List, ADoubleClickOnARowThatMovedPlaysNothing) {
   other.Delete();
   DoubleClick(2);
   EXPECT_FALSE(desk.card.Plays());
-  EXPECT_EQ(Selected(), "2 new") << "Cleo's, not Ben's as it was";
+  EXPECT_EQ(Selected(), "2 new") << "row 2 is Cleo's now, no longer Ben's";
 }
 
 TEST_F(List, TipsShowCutTextsAndTheStateOfACall) {
@@ -204,7 +203,7 @@ TEST(PlayerPicture, ShowsPeaksAndWhatHasBeenPlayed) {
   EXPECT_EQ(pixel(288, 3), unplayed);
 }
 
-TEST(LongList, KeepsTheRowsInSightWhenCallsComeAndGo) {
+TEST(LongList, KeepsTheVisibleRowsWhenCallsAreAddedAndDeleted) {
   Desk desk;
   desk.File(std::vector<FiledCall>(100, {"Caller"}));
   desk.Start();
@@ -213,7 +212,7 @@ TEST(LongList, KeepsTheRowsInSightWhenCallsComeAndGo) {
   const auto first_in_sight = [&] { return desk.Cell(list.indexAt({5, 5}).row() + 1, 5); };
   desk.File({{"New"}});
   model.makeList();
-  EXPECT_EQ(list.indexAt({5, 5}).row(), 0) << "a list that is at its top stays there";
+  EXPECT_EQ(list.indexAt({5, 5}).row(), 0) << "a list scrolled to the top stays there";
   model.Select(40);
   list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum() / 3);
   const auto seen = first_in_sight();
@@ -229,7 +228,7 @@ TEST(LongList, KeepsTheRowsInSightWhenCallsComeAndGo) {
   stays(41);
 }
 
-TEST(LongList, AsksOnlyForTheRowsThatAreSeen) {
+TEST(LongList, RequestsOnlyVisibleRows) {
   CallListWidget list(nullptr);
   int asked = 0;
   list.SetSource([&](std::int32_t index) {

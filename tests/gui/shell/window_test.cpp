@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main window but its list and player: toolbars, menus, quick options, status bar, its place on the desk.
+// The main window without its list and player: toolbars, menus, quick options, status bar, window position.
 
 #include <limits>
 
@@ -27,14 +27,14 @@ TEST_F(Window, EachMenuItemHasItsOwnKeyAndTheToolbarsAreComplete) {
     const auto actions = menu->actions();
     QSet<QString> keys;
     for (const auto* action : actions) keys << action->text().section(u'&', 1, 1).left(1).toUpper();
-    keys.remove(QString());  // separators
+    keys.remove(QString());  // from separators
     EXPECT_EQ(keys.size(), std::ranges::count(actions, false, &QAction::isSeparator));
   }
   EXPECT_TRUE(desk.Get<QToolButton>("Toolbar1.Save").autoRaise());
   EXPECT_FALSE(desk.Get<QToolButton>("TBQuickOption.Delete").autoRaise());
   const auto entries = [&](const char* bar) { return desk.Get<QToolBar>(bar).actions().size(); };
   EXPECT_EQ(std::pair(entries("Toolbar1"), entries("TBQuickOption")), std::pair(qsizetype{13}, qsizetype{12}))
-      << "with the separators";
+      << "including separators";
 }
 
 TEST_F(Window, EachCommandOpensItsDialogOrPage) {
@@ -97,10 +97,10 @@ TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
   desk.Do("mnuOff");
   desk.line->FailOpen(kTelephonyLineInUse, "the port is taken");
   desk.Do("Toolbar1.OnOff");
-  EXPECT_EQ(state(), "Off|On|Off|Off Mode") << "it is tried again until it is turned off";
+  EXPECT_EQ(state(), "Off|On|Off|Off Mode") << "opening is tried again until the line is turned off";
 }
 
-TEST_F(Window, APersonsQuickOptionIsStoredAndTheProgramsIsNot) {
+TEST_F(Window, AQuickOptionIsStoredOnlyWhenAPersonChangesIt) {
   const auto stored = ContentOf(desk.home / "registry.reg");
   auto& greetings = desk.Get<QComboBox>("cmbDefGreet");
   auto& rings = desk.Get<QComboBox>("cmbRings");
@@ -145,7 +145,7 @@ TEST_F(Window, IconsFollowADarkOrLightDesktopAndTheClockIsShown) {
   EXPECT_EQ(panel("StatusBar1.Panel2") + panel("StatusBar1.Panel3"), "23:59:5912/31/2026");
 }
 
-TEST_F(Window, GoesWhereItWasAndAlwaysOntoAScreen) {
+TEST_F(Window, IsPlacedWhereItWasAndAlwaysOnAScreen) {
   EXPECT_EQ(QRect(window.pos(), window.size()), QRect(30, 40, 700, 500));
   for (const WindowGeometry state : {WindowGeometry{0, 0, 10500, 7500, 1}, {0, 0, 10500, 7500, 2}})
     EXPECT_EQ((window.Place(state), window.Geometry().state), state.state) << "minimised, maximised";
@@ -153,8 +153,8 @@ TEST_F(Window, GoesWhereItWasAndAlwaysOntoAScreen) {
   const QSize least(560, 360);
   const QList<QRect> screens{{0, 0, 1920, 1080}, {-1280, 100, 1280, 1024}};
   const std::pair<WindowGeometry, QRect> cases[] = {
-      {{3000, -15000, 10500, 7500, 0}, {-1000, 200, 700, 500}},  // the other screen
-      {{600, 27000, 10500, 7500, 0}, {1220, 40, 700, 500}},      // half out
+      {{3000, -15000, 10500, 7500, 0}, {-1000, 200, 700, 500}},  // on the other screen
+      {{600, 27000, 10500, 7500, 0}, {1220, 40, 700, 500}},      // partly outside
       {{3000, -4500, 10500, 7500, 0}, {-300, 200, 700, 500}},    // across both
       {{3000, 22500, 10500, 22500, 0}, {1220, 0, 700, 1080}},    // larger than the screen
       {{-10'000, 0, 10500, 7500, 0}, {0, 0, 700, 500}},
@@ -163,7 +163,7 @@ TEST_F(Window, GoesWhereItWasAndAlwaysOntoAScreen) {
   for (const auto& [stored, place] : cases) EXPECT_EQ(FitOnScreens(stored, least, screens), place);
 }
 
-TEST_F(Window, ClosingHidesItOrMinimisesItAndAPersonBringsItBack) {
+TEST_F(Window, ClosingHidesOrMinimisesItAndAPersonRestoresIt) {
   auto& tray = desk.Machine().tray;
   window.close();
   EXPECT_FALSE(window.isVisible());

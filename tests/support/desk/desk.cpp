@@ -66,7 +66,7 @@ void Desk::File(const std::vector<FiledCall>& calls) {
 
 void Desk::Start() {
   engine->Show();
-  // The beep that tells of the open line.
+  // Stop the beep that signals the open line.
   card.StopPlay();
   WavePlay.StopPlay();
   EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));

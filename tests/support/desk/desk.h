@@ -26,24 +26,24 @@
 
 namespace orven::test {
 
-/// A call for the list. `message` is the sample that its message consists of, 0 for no message.
+/// A call for the list. Its message repeats the sample `message`; 0 means no message.
 struct FiledCall {
   std::string name;
   std::int16_t message = 0;
 };
 
-/// The main window on its engine as in the running program: settings, records and audio are files in
-/// a folder of their own. The test plays the line, the sound card and the desktop's boxes, tray and mouse.
+/// The main window with its engine, as in the running program. Settings, records and audio are files in a
+/// temporary folder. The line, the sound card, and the desktop's dialogs, tray and mouse are simulated.
 class Desk {
  public:
   explicit Desk(const std::string& settings = "");
 
-  /// Files calls, the last one being the newest; before Start, or followed by makeList.
+  /// Files calls, oldest first. Call it before Start, or call makeList afterwards.
   void File(const std::vector<FiledCall>& calls);
   /// Starts the program and shows the window.
   void Start();
 
-  /// The control of this name; there must be one.
+  /// Returns the control with this name, which must exist.
   template <class Control>
   Control& Get(const char* name) {
     auto* control = window.findChild<Control*>(QString::fromLatin1(name));
@@ -51,12 +51,12 @@ class Desk {
     if (control == nullptr) std::abort();
     return *control;
   }
-  /// Chooses the menu item or presses the toolbar button ("Toolbar1.Save") of this name, when it is enabled.
+  /// Triggers the menu item or the toolbar button ("Toolbar1.Save") of this name if it is enabled.
   void Do(const char* command);
 
-  /// Clicks on a row, 1-based; the mouse port sees the button down meanwhile.
+  /// Clicks on a row (1-based). The mouse port reports the button as down while it is pressed.
   void ClickRow(int row, Qt::MouseButton button = Qt::LeftButton);
-  /// A cell's text, 1-based.
+  /// Returns the text of a cell (1-based).
   QString Cell(int row, int column);
   std::string Setting(const std::string& name);
 
@@ -87,7 +87,7 @@ class Desk {
   RecordingDialogFactory dialog_factory;
   RecordingViews other_views;
   frmMain window;
-  int ends = 0;  ///< how often the program was ended
+  int ends = 0;  ///< how often the program ended
   std::unique_ptr<MainWindow> engine;
 };
 

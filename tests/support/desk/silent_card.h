@@ -11,14 +11,14 @@
 
 namespace orven::test {
 
-/// Writes a WAV file of 16-bit samples, 8000 a second.
+/// Writes a WAV file of 16-bit samples at 8000 Hz.
 inline void PutWave(const std::string& path, const std::vector<std::int16_t>& samples) {
   SndfileHandle(path, SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, kSampleRate)
       .write(samples.data(), static_cast<sf_count_t>(samples.size()));
 }
 
-/// A sound card that plays nothing by itself, with a microphone. Files that consist of one sample throughout
-/// are recognised by it.
+/// A sound card with a microphone. It plays only when Hear() is called. Tests use files that repeat one
+/// sample, so that the sample identifies the file.
 class SilentCard : public AudioDevice, public AudioDevices {
  public:
   std::int32_t StartPlay(AudioSource& source) override {
@@ -35,15 +35,15 @@ class SilentCard : public AudioDevice, public AudioDevices {
 
   bool Plays() const { return source_ != nullptr; }
 
-  /// The microphone hears one block of this sample; ignored when nothing is recorded.
+  /// Sends one block of this sample to the recording, if there is one.
   void Speak(std::int16_t sample) {
     if (sink_ != nullptr) sink_->Write(std::vector<std::int16_t>(kBlockSamples, sample));
   }
 
-  /// Plays on until something is heard, and returns its sample; 0 when nothing plays or it has ended.
+  /// Plays until a sample is not silence and returns it. Returns 0 if nothing plays or the file ends.
   std::int16_t Hear() {
     std::array<std::int16_t, kBlockSamples> block{};
-    // The file is decoded on another thread; until its first samples are there, silence is read.
+    // Another thread decodes the file. Until it delivers samples, Read returns silence.
     while (source_ != nullptr && source_->Read(block)) {
       if (block.back() != 0) return block.back();
       std::this_thread::yield();

@@ -17,8 +17,8 @@ TEST(CallParameters, FillTheFirstOfEachPlaceholderInOrder) {
     const char *text, *name, *number, *filled;
   } cases[] = {{"<TIME> <DATE> <MESSAGE_PATH> <NAME> <NUMBER>", "Anna", "555", "14:05 12/31 m.wav Anna 555"},
                {"<NAME><NAME> <name>", "Anna", "555", "Anna<NAME> <name>"},
-               {"<NUMBER>", "Anna", "<NAME>", "Anna"},      // a value with a later placeholder
-               {"<NAME>", "<NUMBER>", "555", "<NUMBER>"}};  // a value with an earlier one
+               {"<NUMBER>", "Anna", "<NAME>", "Anna"},      // a value that contains a later placeholder
+               {"<NAME>", "<NUMBER>", "555", "<NUMBER>"}};  // a value that contains an earlier one
   for (const auto& [text, name, number, filled] : cases) {
     std::string result = text;
     EXPECT_EQ(SubstituteParameters(result, {name, number, "14:05", "12/31", "m.wav"}), filled);
@@ -77,7 +77,7 @@ TEST_F(ActionsTest, MailAndProgramFollowACallOnce) {
 TEST_F(ActionsTest, ShowsTheProgressOfAMail) {
   auto& mail = *Mail1.events;
   mail.Progress(200, 25);
-  EXPECT_EQ(views.Status(), "Send Mail : 12 %") << "half to even";
+  EXPECT_EQ(views.Status(), "Send Mail : 12 %") << "halves are rounded to even";
   mail.Progress(0, 10);
   EXPECT_EQ(views.Status(), "Send Mail : 12 %");
   mail.Done("me@example.org");
@@ -98,7 +98,7 @@ TEST_F(ActionsTest, ShowsTheProgressOfAMail) {
   EXPECT_TRUE(Logged("Error Sending To Mail To : me@example.org Becouse:the server said no"));
 }
 
-/// What a kill at one moment leaves: the files, the records, and how many mails were sent.
+/// The state that a kill at one moment leaves: files, records, and the number of mails sent.
 struct Moment {
   MemoryFiles files;
   std::vector<MemoryDatabase::Fields> records;
@@ -113,8 +113,8 @@ void StartWithActions(World& world) {
 
 class DueMail : public testing::TestWithParam<bool>, public World {};
 
-/// What becomes of a call's mail: the program is killed before each write of a call's end, whose record finds
-/// room in the database or not.
+/// Kills the program before each write at the end of a call and checks that the call's mail is sent. The
+/// parameter tells whether the database is full.
 TEST_P(DueMail, IsSentOnceAndTheProgramIsNotStartedAgain) {
   StartWithActions(*this);
   CallAndWaitForRecording();
@@ -140,17 +140,17 @@ TEST_P(DueMail, IsSentOnceAndTheProgramIsNotStartedAgain) {
     StartWithActions(next);
     next.RunFor(60s);
     sent.push_back(killed.mails + next.Mail1.mails.size());
-    EXPECT_TRUE(sent.back() > 0 || killed.records.empty()) << "filed, and its mail is forgotten";
+    EXPECT_TRUE(sent.back() > 0 || killed.records.empty()) << "the call was filed, but its mail was lost";
     for (const auto& mail : next.Mail1.mails) EXPECT_TRUE(next.files.Exists(mail.attachment));
     EXPECT_EQ(0U, next.shell.attempts);
     EXPECT_EQ(1U, next.database.Records().size());
     EXPECT_FALSE(next.files.Exists("/home/orven/Call.journal"));
   }
-  EXPECT_EQ(0U, sent.front()) << "a call that was cut off sets off nothing";
+  EXPECT_EQ(0U, sent.front()) << "an interrupted call triggers no action";
   EXPECT_EQ(1U, sent.back());
-  EXPECT_LE(std::ranges::count(sent, 2U), 1) << "only a kill between the mail and the note that it was sent";
+  EXPECT_LE(std::ranges::count(sent, 2U), 1) << "only a kill between sending and noting it may send it twice";
   for (auto& mails : sent) mails = std::min<std::size_t>(mails, 1);
-  EXPECT_TRUE(std::ranges::is_sorted(sent)) << "a mail that was due stays due";
+  EXPECT_TRUE(std::ranges::is_sorted(sent)) << "a mail that is due stays due";
 }
 
 INSTANTIATE_TEST_SUITE_P(DatabaseFull, DueMail, testing::Bool());

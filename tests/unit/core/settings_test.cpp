@@ -44,12 +44,12 @@ TEST_F(SettingsTest, AFreshKeyLogsEachNumberOnceAndReadsTextsAsNotFound) {
   const std::string line = "ErrGetAppOption 13 Type mismatch";
   const std::string missing = "The setting MassagesPath is missing: messages are stored in /app/Messages/";
   EXPECT_THAT(lines, ElementsAre(line, missing, line, line));
-  EXPECT_EQ(shared.messages_path, "/app/Messages/") << "not where the program was started";
-  EXPECT_EQ(registry.Text("MassagesPath"), "Not Found") << "is not written back";
+  EXPECT_EQ(shared.messages_path, "/app/Messages/") << "not in the working directory";
+  EXPECT_EQ(registry.Text("MassagesPath"), "Not Found") << "the default is not written back";
   EXPECT_NE(settings.cLogSys, 0) << "errors of a fresh installation are logged";
 }
 
-TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBackAndOneThatIsNoFullPathNotUsed) {
+TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndAnUnusableOneIsKeptButNotUsed) {
   registry.Set("MassagesPath", "");
   GetAppOptions();
   EXPECT_EQ(registry.Text("MassagesPath"), "/app/Messages/");
@@ -58,12 +58,12 @@ TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndWrittenBackAndOneThatIsNoFu
     registry.Set("MassagesPath", stored);
     GetAppOptions();
     EXPECT_EQ(shared.messages_path, std::string(stored) == "/x" ? "/x" : "/app/Messages/");
-    EXPECT_EQ(registry.Text("MassagesPath"), stored) << "it serves again when it is back";
+    EXPECT_EQ(registry.Text("MassagesPath"), stored) << "the folder is used again when it is back";
   }
   EXPECT_THAT(shared.messages_note, testing::HasSubstr("/gone/"));
   registry.Set("MassagesPathNext", "/new/");
   GetAppOptions();
-  EXPECT_EQ(shared.messages_path, "/gone/") << "messages are moving from there";
+  EXPECT_EQ(shared.messages_path, "/gone/") << "messages are being moved from there";
 }
 
 TEST_F(SettingsTest, PublishesWhatAllPartsShareAndKeepsALimitThatDoesNotFit) {
@@ -109,15 +109,15 @@ TEST_F(SettingsTest, TheWindowIsPlacedAndSavedOnlyWhenNormal) {
   store.GetView(window);
   EXPECT_EQ(window.geometry.top, 300);
   EXPECT_EQ(window.geometry.left, 200) << "a damaged value leaves that edge alone";
-  EXPECT_EQ(window.geometry.width, 9000) << "a missing one too";
-  EXPECT_EQ(window.geometry.state, 0) << "the stored state is kept in a field, not applied";
+  EXPECT_EQ(window.geometry.width, 9000) << "so does a missing value";
+  EXPECT_EQ(window.geometry.state, 0) << "the stored state is read but not applied";
   EXPECT_EQ(settings.MeWinState, 2);
   store.SetView(window, false);
   window.geometry = {1, 555, 1, 1, 0};
   store.SetView(window, true);
   window.geometry.state = 2;
   store.SetView(window, false);
-  EXPECT_EQ(registry.Text("MeLeft"), "200") << "hidden or maximised";
+  EXPECT_EQ(registry.Text("MeLeft"), "200") << "not saved while hidden or maximised";
   store.GetView(window);
   EXPECT_EQ(window.geometry.top, 1) << "a maximised window is not moved";
 }
@@ -125,7 +125,7 @@ TEST_F(SettingsTest, TheWindowIsPlacedAndSavedOnlyWhenNormal) {
 TEST(Conversions, AcceptNumbersAsPeopleWriteThemAndNameWhatIsWrong) {
   for (const auto& [text, number] :
        {std::pair(" +12 ", 12), {"-1", -1}, {"2.5", 2}, {"3.5", 4}, {"32767", 32767}})
-    EXPECT_EQ(ToInt16(text), number) << "halves go to the even number";
+    EXPECT_EQ(ToInt16(text), number) << "halves are rounded to even";
   const auto error_of = [](const std::string& text) {
     try {
       return ToInt16(text), 0;

@@ -24,7 +24,7 @@ class LogFilesTest : public testing::Test {
   LogFiles log{time, files, time, settings, shared};
 };
 
-TEST_F(LogFilesTest, OneFileADayAndKindThatIsSwitchedOn) {
+TEST_F(LogFilesTest, EachEnabledLogHasOneFilePerDay) {
   log.WriteSystem("one");
   log.WriteCalls("t\r\nwo");
   time.RunFor(1s);
@@ -66,14 +66,14 @@ TEST_F(LogFilesTest, PurgesByMonthsAndLetsOtherEventsRun) {
   bool done = false;
   settings.LogFor = "1 Last Month";
   log.PurgeOldLogs([&] { done = true; });
-  EXPECT_FALSE(done) << "one file a task";
+  EXPECT_FALSE(done) << "each task deletes one file at most";
   time.RunFor(1ms);
   EXPECT_TRUE(done);
   EXPECT_THAT(Names(), ElementsAre("after.txt"));
 }
 
 TEST_F(LogFilesTest, ALineThatIsTooLongIsCutBetweenCharacters) {
-  const std::string wide = "\xE2\x82\xAC";  // three bytes
+  const std::string wide = "\xE2\x82\xAC";  // one character of three bytes
   const std::string endless(LogReading::kMostBytesInLine - 1, 'x');
   files.Put("c.txt", endless + wide + std::string("\0\n\n", 3) + std::string(5000, '\x80'));
   LogReading reading(files, "c.txt");

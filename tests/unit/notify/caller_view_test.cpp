@@ -10,13 +10,13 @@ namespace {
 
 class CallerViewTest : public testing::Test, public World {
  protected:
-  /// Plays a script like "slide 200 close" (milliseconds), and returns where the view was then and its state.
+  /// Plays a script such as "slide 200 close" (200 is milliseconds). Returns the view's positions and state.
   std::string Play(const std::string& script) {
     shown.tops.clear();
     std::istringstream words(script);
     for (std::string word; words >> word;) {
       if (word == "slide")
-        view.ViewCallViewer(true, 950, false, 10);  // 1000 twips a tick, of a height of 2850
+        view.ViewCallViewer(true, 950, false, 10);  // 1000 twips per tick; the height is 2850
       if (word == "slower") view.ViewCallViewer(true, 450, false, 10);
       if (word == "at-once") view.ViewCallViewer(false, 50, false, 10);
       if (word == "for-10s") view.ViewCallViewer(false, 50, true, 10);
@@ -44,17 +44,17 @@ class CallerViewTest : public testing::Test, public World {
 
 TEST_F(CallerViewTest, SlidesReversesOrOpensAtOnceAndClosesOnAClickOrOneTickAfterTheLimit) {
   const std::pair<const char*, const char*> scripts[] = {
-      {"slide 200", "-2850 -1850 -850 0 open"},  // the last stretch at once
+      {"slide 200", "-2850 -1850 -850 0 open"},  // the last step ends at 0
       {"close 200", "-1000 -2000 -3000 closed"},
       {"slower 25", "-2850 -2350 -1850 open"},
-      {"close slower", "open"},  // an open view is not opened again
+      {"close slower", "open"},  // has no effect while the view is open
       {"100", "-2350 -2850 closed"},
       {"at-once 3600000", "-2850 0 open"},
       {"click", "closed"},
       {"for-10s 10500", "-2850 0 open"},
       {"1000", "closed"}};
   for (const auto& [script, played] : scripts) EXPECT_EQ(Play(script), played) << script;
-  view.ViewCallViewer(true, 0, false, 10);  // 50 twips a tick; after 2750 only 100 of the height are left
+  view.ViewCallViewer(true, 0, false, 10);  // 50 twips per tick; the last step covers the remaining 150
   RunFor(1s);
   EXPECT_TRUE(shown.tops.size() >= 56 && shown.tops.end()[-2] == -150 && shown.tops.back() == 0);
 }
@@ -77,7 +77,7 @@ TEST_F(CallerViewTest, ClicksActOnTheRingingCall) {
   EXPECT_FALSE(view.IsOpen());
   for (int ring = 1; ring < 4; ++ring) line->Ring();
   RunFor(100ms);
-  EXPECT_TRUE(line->IsAnswered()) << "the call rings on, and the machine answers it";
+  EXPECT_TRUE(line->IsAnswered()) << "the call keeps ringing, and the machine answers it";
 }
 
 TEST_F(CallerViewTest, AnOpenViewOffersWhatTheCallAllows) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the options dialog does with values that are wrong or cannot be stored. The rest is tested in its
-// window.
+// The options dialog with invalid values and with values that cannot be stored. Its window has separate
+// tests.
 #include "options/options_dialog.h"
 
 #include <gmock/gmock.h>
@@ -41,11 +41,11 @@ TEST_F(Options, BadValuesAreLoggedAndTheRestIsShownAndStored) {
     stored += registry.Text(name) + "|";
   EXPECT_EQ(stored, "loud|2|547| 1 2 |-1|No such device|loud|Hello|");
   EXPECT_EQ(Machine().settings.NumOfRing, 2);
-  EXPECT_EQ(shared.max_record_seconds, 60) << "547 minutes of seconds do not fit";
+  EXPECT_EQ(shared.max_record_seconds, 60) << "547 minutes, in seconds, do not fit in 16 bits";
   EXPECT_TRUE(Tapi1->IsLineOpen(0)) << "an open line stays as it is";
 }
 
-TEST_F(Options, WhatCannotBeStoredIsToldAndUsedUntilTheProgramEnds) {
+TEST_F(Options, ValuesThatCannotBeStoredAreReportedAndUsedUntilExit) {
   auto choices = dialog.Load();
   registry.refuse_writes = true;
   choices.txtPass = "4712";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The list of calls, what a person does with it, and the player.
+// The call list, its commands, and the player.
 #include <gmock/gmock.h>
 
 #include <map>
@@ -13,7 +13,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// From the top: new.wav, a call without a message, old.wav; nothing is asked before deleting.
+/// The list from the top: new.wav, a call without a message, old.wav. Deleting asks for no confirmation.
 struct CallListTest : testing::Test, World {
   CallListTest() {
     AddMessage("old.wav", 4s);
@@ -22,10 +22,10 @@ struct CallListTest : testing::Test, World {
     registry.Set("WornDelete", "0");
     registry.Set("WornClear", "0");
     Start();
-    RunFor(1s);  // the beep
+    RunFor(1s);  // until the beep has ended
   }
   void TestBody() override {}
-  /// A call is over that could not be filed and whose message could not be stored.
+  /// Plays a call that cannot be filed and whose message cannot be stored.
   void ACallFindsNoRoom() {
     database_full = true;
     Wave1.stop_result = kWaveDiskFull;
@@ -33,7 +33,7 @@ struct CallListTest : testing::Test, World {
     HangUp();
     RunFor(30s);
   }
-  /// Steps such as "select 3; delete".
+  /// Performs steps such as "select 3; delete".
   void Do(const std::string& script) {
     std::istringstream steps(script);
     for (std::string step; std::getline(steps >> std::ws, step, ';');) {
@@ -64,7 +64,7 @@ struct CallListTest : testing::Test, World {
         {"clear", [&] { commands.Clear(); }},
         {"list", [&] { list.makeList(); }},
         {"call", [&] { line->Offer(), RunFor(10ms), HangUp(); }},
-        // Another program removes a record; it puts another call in place of the newest, with its identity.
+        // Another program deletes a record, or replaces the newest by another call with the same identity.
         {"gone", [&] { database.MoveTo(number), database.Delete(); }},
         {"replaced", [&] { database.Records().back()[0] += "!"; }},
         {"asked", [&] {
@@ -74,7 +74,7 @@ struct CallListTest : testing::Test, World {
          }}};
     steps.at(what)();
   }
-  /// The icons that the window shows, a star before the selected one; the file whose picture it shows.
+  /// The rows' icons, with a star before the selected one, then the file whose waveform is shown.
   std::string Shown() {
     EXPECT_EQ(views.selection, list.Selected());
     EXPECT_EQ(list.Count(), static_cast<std::int32_t>(database.Records().size()));
@@ -94,13 +94,13 @@ struct CallListTest : testing::Test, World {
   LocalPlayer& player = Machine().player;
 };
 
-TEST(CallListSteps, WhatTheWindowShowsAfterThem) {
+TEST(CallListSteps, TheWindowShowsTheResult) {
   struct Case {
     const char *steps, *shown;
   };
   for (const auto& [steps, shown] : {
            Case{"read; select 2; read", "3*41 "},
-           Case{"select 2; read; unread", "1*11 "},  // until the list is built again
+           Case{"select 2; read; unread", "1*11 "},  // has a message icon until the list is rebuilt
            Case{"select 2; read; unread; list", "1*21 "},
            Case{"click 1; click 2; click 3", "14*1 old.wav"},
            Case{"click 1; double; click 3", "32*1 old.wav"},
@@ -116,9 +116,9 @@ TEST(CallListSteps, WhatTheWindowShowsAfterThem) {
            Case{"call", "2*121 new.wav"},
            Case{"select 2; asked call; delete", "21*1 old.wav"},
            Case{"play; asked call; clear", "*2 "},
-           // The last call has no message: nothing is found, and what plays stops.
+           // The last call has no message: nothing is found, and the message being played stops.
            Case{"gone 1; list; play; last; play", "3*4 "},
-           // Another program has removed calls: no step meets another call than the one that was seen.
+           // Another program has deleted calls: a step affects only the call that was shown.
            Case{"last; read; gone 2; unread", "1*1 old.wav"},
            Case{"gone 3; arrow 2", "*21 "},
            Case{"gone 3; gone 2; click 1; delete", "1 "},
@@ -149,22 +149,22 @@ TEST_F(CallListTest, ACallIsMarkedOnce) {
   EXPECT_EQ(list.NewCalls(), 3);
 }
 
-TEST_F(CallListTest, DeletingTakesTheMessageFileAlong) {
-  Do("delete; delete");  // the second is without a message
+TEST_F(CallListTest, DeletingACallDeletesItsMessageFile) {
+  Do("delete; delete");  // the second call has no message
   EXPECT_THAT(files.Names(messages), ElementsAre("old.wav"));
   files.Delete(messages + "old.wav");
   Do("delete");
-  EXPECT_THAT(database.Records(), testing::IsEmpty()) << "the record goes although the file is missing";
+  EXPECT_THAT(database.Records(), testing::IsEmpty()) << "the record is deleted although the file is missing";
   EXPECT_TRUE(Logged("ErrDeleteItemIndex 53 File not found"));
 }
 
-TEST_F(CallListTest, AMessageStaysForARecordThatCannotBeDeletedAndForAnotherCallThatHasIt) {
+TEST_F(CallListTest, AMessageIsKeptIfItsRecordCannotBeDeletedOrAnotherCallUsesIt) {
   database_full = true;
   EXPECT_THAT(LoggedBy([&] { store.DeleteItemIndex(1); }), ElementsAre("ErrDeleteItemIndex 61 Disk full"));
   EXPECT_TRUE(files.Exists(messages + "new.wav"));
   EXPECT_EQ(list.Count(), 3);
   database_full = false;
-  AddMessage("new.wav", 1s);  // in the same second
+  AddMessage("new.wav", 1s);  // a call of the same second
   list.makeList();
   for (const bool kept : {true, false}) {
     store.DeleteItemIndex(1);
@@ -179,11 +179,11 @@ TEST_F(CallListTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
   database_full = false;
   RunFor(5s);
   ASSERT_EQ(views.rows.size(), 4U);
-  EXPECT_EQ(views.rows[0].length, "") << "its message still waits";
+  EXPECT_EQ(views.rows[0].length, "") << "its message is still waiting";
   const auto path = Wave1.last_recorded_path;
   AddMessage(path.substr(messages.size()), 2s);
   RunFor(5s);
-  EXPECT_EQ(database.Field(3, kType), "-1") << "what has its name is another call's";
+  EXPECT_EQ(database.Field(3, kType), "-1") << "the file with that name is another call's message";
   database.Records().pop_back();
   files.Put(path, TimedWave::Sound(3s));
   RunFor(5s);
@@ -191,7 +191,7 @@ TEST_F(CallListTest, RoomThatComesBackIsNoticedWithoutAnotherCall) {
   EXPECT_EQ(database.Records().size(), 4U);
 }
 
-TEST_F(CallListTest, AMessageThatFindsRoomBeforeItsCallIsFiledWithItOnceItCanMove) {
+TEST_F(CallListTest, AMessageStoredBeforeItsCallIsFiledWithItOnceItCanBeMoved) {
   for (const bool moves : {false, true}) {
     ACallFindsNoRoom();
     files.Put(Wave1.last_recorded_path, TimedWave::Sound(3s));
@@ -226,7 +226,7 @@ TEST_F(CallListTest, ClearKeepsTheFilesAndAnEmptyListAsksNothing) {
 
 TEST_F(CallListTest, ANewCallOrADeletionByAnotherProgramBuildsTheListAgainOnlyWhenNeeded) {
   Do("call");
-  EXPECT_EQ(views.rebuilds, 2) << "cleared and filled at the start";
+  EXPECT_EQ(views.rebuilds, 2) << "the list was cleared and filled at the start";
   Do("gone 1; next");
   EXPECT_EQ(views.rebuilds, 3);
   EXPECT_TRUE(Logged("The call records have changed since they were shown: the list is read again"));
@@ -259,13 +259,13 @@ TEST_F(CallListTest, TheMenuIsForThePhysicalRightButton) {
   EXPECT_THAT(views.menus, ElementsAre(true, false, true)) << "with a message, without, with";
 }
 
-TEST_F(CallListTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
+TEST_F(CallListTest, TheWindowDoesNotDisturbAnOwnerWhoListensByTelephone) {
   AddMessage("newest.wav", 2s);
   list.makeList();
   CallAndWaitForAnswer();
   RunFor(100ms);
   Press("4711*");
-  list.Select(2);  // whatever moves it
+  list.Select(2);  // as if something had moved the selection
   for (const char* move : {"click 3", "first", "last", "next", "play"}) {
     Machine().status.ShowStatus("");
     Do(move);
@@ -276,7 +276,7 @@ TEST_F(CallListTest, TheDeskDoesNotDisturbAnOwnerWhoListensByTelephone) {
   store.DeleteItemIndex(1);
   list.makeList();
   RunFor(9s);
-  EXPECT_EQ(Wave1.played.size(), 4U) << "the greeting and every message; what he was hearing was deleted";
+  EXPECT_EQ(Wave1.played.size(), 4U) << "the greeting and every message, even the one deleted while playing";
 }
 
 TEST_F(CallListTest, ALongSearchForAMessageLetsOtherEventsRunAndEndsWhenItIsStopped) {
@@ -284,11 +284,11 @@ TEST_F(CallListTest, ALongSearchForAMessageLetsOtherEventsRunAndEndsWhenItIsStop
   list.makeList();
   list.Select(1);
   player.Play();
-  EXPECT_FALSE(player.Playing()) << "other events first";
+  EXPECT_FALSE(player.Playing()) << "other events run first";
   RunFor(10ms);
   EXPECT_EQ(list.Selected(), 36);
   EXPECT_TRUE(player.Playing());
-  EXPECT_EQ(list.NewCalls(), 2) << "the calls on the way are read, the rest is not";
+  EXPECT_EQ(list.NewCalls(), 2) << "only the calls that were passed are marked as read";
   for (const auto& [end, selected] : {std::pair("stop", 1), {"click 2", 2}, {"exit", 1}}) {
     list.Select(1);
     player.Play();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a start makes of a call during which the program was killed.
+// Recovery, at the next start, of a call during which the program was killed.
 #include <gmock/gmock.h>
 
 #include <functional>
@@ -40,19 +40,19 @@ struct Recovery : testing::Test, World {
     time.RunUntil([this] { return Wave1.IsRecording(); }, 60s);
     RunFor(length);
   }
-  /// A recording that grew until the program ended, as `name` in the messages folder.
+  /// Puts the unfinished recording `name` into the messages folder.
   void PutGrown(const std::string& name, const std::string& content) {
     files.Put(messages + ".recording-" + name + ".wav.part", content);
   }
   std::vector<std::string> Grown() { return files.List(messages, "*.part"); }
-  /// The records: name, number, time, date, length.
+  /// Returns the records, each as name, number, time, date and length.
   std::vector<std::string> Filed() {
     std::vector<std::string> filed;
     for (const auto& record : database.Records())
       filed.push_back(record[0] + " " + record[1] + " " + record[2] + " " + record[3] + " " + record[5]);
     return filed;
   }
-  /// Of the newest record.
+  /// Returns the message file name of the newest record.
   std::string MessageName() { return database.Records().back()[4]; }
 };
 
@@ -90,7 +90,7 @@ TEST_F(Recovery, TheOwnersCallAndACallWithoutAMessageThatIsNotListedAreLeftOut) 
   EXPECT_FALSE(files.Exists(kJournal));
 }
 
-TEST_F(Recovery, AMessageThatFoundNoRoomIsFiledByTheNextStartUnlessItsRecordWasDeleted) {
+TEST_F(Recovery, AMessageThatCouldNotBeStoredIsFiledByTheNextStartUnlessItsRecordWasDeleted) {
   for (const std::string fate : {"call not filed", "call filed", "journal lost", "deleted"}) {
     SCOPED_TRACE(fate);
     database.Records().clear();
@@ -119,12 +119,12 @@ TEST_F(Recovery, AMessageThatFoundNoRoomIsFiledByTheNextStartUnlessItsRecordWasD
         EXPECT_EQ(growing.second, files.Content(messages + MessageName()));
       }
       Crash();
-      if (fate == "call not filed" && starts == 0) files.Put(kJournal, early_journal);  // by a loss of power
+      if (fate == "call not filed" && starts == 0) files.Put(kJournal, early_journal);  // a power failure
     }
   }
 }
 
-TEST_F(Recovery, RecordsThatOpenLateGetTheCallsThenAlsoThatBehindATornLine) {
+TEST_F(Recovery, CallsAreFiledOnceTheRecordsOpenEvenOneAfterATornLine) {
   Start();
   Call();
   Crash();
@@ -140,7 +140,7 @@ TEST_F(Recovery, RecordsThatOpenLateGetTheCallsThenAlsoThatBehindATornLine) {
   EXPECT_FALSE(files.Exists(kJournal));
 }
 
-TEST_F(Recovery, OfTwoAlikeCallsOfOneSecondEachHasARecord) {
+TEST_F(Recovery, TwoIdenticalCallsInOneSecondGetARecordEach) {
   Start();
   Call();
   database_full = true;
@@ -228,7 +228,7 @@ TEST_F(Recovery, AStoredMessageFollowsTheChangedFolderOnceThatCanBeWritten) {
   EXPECT_EQ(TimedWave::Sound(2s), files.Content("/mnt/new/" + MessageName()));
 }
 
-TEST_F(Recovery, RecordingsOfOneNameAreCallsOfTheirOwnUnlessOneIsTheOthersBeginning) {
+TEST_F(Recovery, RecordingsOfOneNameAreSeparateCallsUnlessOneIsThePrefixOfAnother) {
   const std::string header = " data4711";
   Start();
   CallAndRecord(2s);
@@ -262,14 +262,14 @@ TEST_F(Recovery, ARecordingThatStillGrowsBelongsToAnotherProgram) {
   EXPECT_EQ(1U, Grown().size());
 }
 
-TEST_F(Recovery, AudioThatTheHeaderDoesNotCountIsCounted) {
+TEST_F(Recovery, AudioMissingFromTheLengthInTheHeaderIsCounted) {
   const std::string format("fmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0", 24);
   const auto file = [&](char riff, char data, char samples = 0) {
     const auto fact = samples == 0 ? "" : std::string("fact\4\0\0\0", 8) + std::string{samples, 0, 0, 0};
     return "RIFF" + std::string{riff, 0, 0, 0} + "WAVE" + format + fact + "data" + std::string{data, 0, 0, 0};
   };
   files.Put("cut", file(52, 4, 2) + "abcdefg");
-  EXPECT_EQ(file(54, 6, 3) + "abcdefg", WithAllAudio(files, "cut")) << "no half sample is counted";
+  EXPECT_EQ(file(54, 6, 3) + "abcdefg", WithAllAudio(files, "cut")) << "half a sample is not counted";
   for (const auto& whole :
        {file(40, 4) + "abcd", file(40, 4) + "abcde", file(40, 4) + "ab", std::string("RIFF data")}) {
     files.Put("whole", whole);
@@ -277,8 +277,8 @@ TEST_F(Recovery, AudioThatTheHeaderDoesNotCountIsCounted) {
   }
 }
 
-/// Kills the program at the `number`-th write of what `act` does: the disk stays as it is then. False when
-/// there are fewer.
+/// Kills the program at the `number`-th write of `act`; nothing is written after it. Returns false if there
+/// are fewer writes.
 bool KillAt(World& world, std::uint64_t number, const std::function<void()>& act) {
   bool killed = false;
   world.disk.on_failure = [&](const std::string&) {

@@ -25,7 +25,7 @@ struct MessageMoveTest : testing::Test, World {
     Machine().move.Begin(folder);
     RunFor(100ms);
   }
-  /// The program is killed when it has moved 1.wav, and not yet the others.
+  /// Kills the program when it has moved 1.wav but not the others.
   void MoveAndKill() {
     background.takes = 1s;
     Machine().move.Begin(kNew);
@@ -37,7 +37,7 @@ struct MessageMoveTest : testing::Test, World {
     Start();
     RunFor(1s);
   }
-  /// Writing to a path for which `fails` is true fails.
+  /// Makes writes to a path fail if `fails` returns true for it.
   void FailWrites(std::function<bool(const std::string& path)> fails) {
     files.before_write = [fails = std::move(fails)](const std::string& path) {
       if (fails(path)) throw RuntimeError(ErrorNumber::DiskFull, path);
@@ -60,11 +60,11 @@ TEST_F(MessageMoveTest, MovesTheMessagesThatAreThereAndOverwritesNone) {
   ExpectStored(kNew);
   EXPECT_EQ(shared.messages_path + Machine().settings.MassagesPath, kNew + kNew);
   EXPECT_TRUE(Logged("Message is missing: " + messages + "2.wav"));
-  EXPECT_THAT(dialogs.informations, ElementsAre(testing::EndsWith("\n\n3.wav"))) << "2.wav was lost before";
+  EXPECT_THAT(dialogs.informations, ElementsAre(testing::EndsWith("\n\n3.wav"))) << "2.wav was missing";
 }
 
 TEST(MessageMoveSteps, AFailureAtAnyStepLosesNothing) {
-  constexpr int kSteps = 5;  // a file is tried and deleted, three are moved
+  constexpr int kSteps = 5;  // a test file is written and deleted, and three messages are moved
   for (int failing = 1; failing <= kSteps; ++failing) {
     for (const int last : {failing, kSteps}) {
       SCOPED_TRACE(std::to_string(failing) + " to " + std::to_string(last));
@@ -86,15 +86,15 @@ TEST(MessageMoveSteps, AFailureAtAnyStepLosesNothing) {
       ASSERT_EQ(world.dialogs.informations.size(), stayed.empty() ? 0U : 1U);
       const auto told = HasSubstr(failing == 1 ? kNew : stayed);
       EXPECT_THAT(world.dialogs.informations, testing::Each(told));
-      world.MoveTo(world.messages);  // the person comes back when there is room
+      world.MoveTo(world.messages);  // the person tries again when there is space
       EXPECT_EQ(world.files.Names(world.messages).size(), 4U);
     }
   }
 }
 
-TEST_F(MessageMoveTest, ACallMeanwhileKeepsItsMessageAlsoWhenItWaitsToBeFiled) {
+TEST_F(MessageMoveTest, ACallDuringAMoveKeepsItsMessageEvenIfItWaitsToBeFiled) {
   CallAndWaitForRecording();
-  bool hung_up = false;  // the disk is slow: the caller hangs up while the second message is being moved
+  bool hung_up = false;  // the caller hangs up while the second message is being moved
   FailWrites([&](const std::string& path) {
     if (path == kNew + "2.wav" && !std::exchange(hung_up, true)) line->HangUp();
     return false;
@@ -113,7 +113,7 @@ TEST_F(MessageMoveTest, ACallMeanwhileKeepsItsMessageAlsoWhenItWaitsToBeFiled) {
     EXPECT_TRUE(files.Exists("/mnt/last/" + database.Field(record, kCallMassageName))) << record;
 }
 
-TEST_F(MessageMoveTest, AMoveThatTheEndInterruptsContinuesWhenBothFoldersAreThere) {
+TEST_F(MessageMoveTest, AnInterruptedMoveContinuesWhenBothFoldersExist) {
   MoveAndKill();
   for (const auto& away : {kNew, messages}) {
     files.missing_folders = {away};
@@ -134,7 +134,7 @@ TEST_F(MessageMoveTest, AMoveThatTheEndInterruptsContinuesWhenBothFoldersAreTher
   EXPECT_THAT(dialogs.informations, testing::IsEmpty());
 }
 
-TEST_F(MessageMoveTest, AnyOtherFolderThanThatOfAnInterruptedMoveNeedsConsent) {
+TEST_F(MessageMoveTest, AnotherFolderAfterAnInterruptedMoveNeedsConsent) {
   MoveAndKill();
   files.missing_folders = {kNew};
   for (const auto& other : {std::string("/mnt/other/"), messages}) {
@@ -174,7 +174,7 @@ TEST_F(MessageMoveTest, SettingsThatCannotBeStoredLoseNoMessage) {
   EXPECT_EQ(dialogs.informations.size(), 2U);
 }
 
-TEST_F(MessageMoveTest, AMessageIsFoundInEitherFolderWhileTheyMove) {
+TEST_F(MessageMoveTest, AMessageIsFoundInEitherFolderDuringAMove) {
   MoveAndKill();
   files.missing_folders = {kNew};
   StartAndWait();
@@ -183,7 +183,7 @@ TEST_F(MessageMoveTest, AMessageIsFoundInEitherFolderWhileTheyMove) {
   machine.ListView1.Select(4);
   machine.player.Play();
   EXPECT_EQ(WavePlay.played.back().first, kNew + "1.wav");
-  for (const auto row : {4, 3}) {  // 1.wav and 2.wav
+  for (const auto row : {4, 3}) {  // the rows of 1.wav and 2.wav
     machine.ListView1.Select(row);
     dialogs.chosen = "/home/me/" + std::to_string(row);
     machine.list_commands.Save();

@@ -23,7 +23,7 @@ TEST_F(MainWindowTest, LoadsThenStarts) {
   EXPECT_THAT(SystemLog(), ElementsAre("Load ORVEN", "LineInitialize->Success", "Calls was damaged",
                                        "SelectDevice->LineIndex: 0  Device Name: Sim",
                                        "LineOpen[LineIndex:0 Device Name:Sim]->Success"));
-  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim") << "the first line that can be used";
+  EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "0Sim") << "the first usable line";
   EXPECT_EQ(std::tuple(views.rings.size(), views.shown_rings, views.columns.size()), std::tuple(20U, 2, 6U));
   EXPECT_THAT(views.greetings, ElementsAre("Away", "Hello"));
   EXPECT_EQ(views.selected_greeting, "Hello");
@@ -55,7 +55,7 @@ TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
 TEST_F(MainWindowTest, WithoutADeviceTheButtonComesBackUpAndAnExitDuringTheBoxEndsTheStart) {
   registry.Set("Modem", "3");
   Start();
-  views.line_on = true;  // as the pressed button shows
+  views.line_on = true;  // the button is pressed
   window->Commands().Toolbar1_ButtonClick("OnOff", true);
   EXPECT_TRUE(!views.line_on && views.Status() == "Off Mode");
   Crash();
@@ -70,14 +70,14 @@ TEST_F(MainWindowTest, LockedRecordsAreListedOnceTheyCanBeRead) {
   AddMessage("old.wav", 1s);
   database.gone = true;
   Start().RunFor(12s);
-  EXPECT_TRUE(Tapi1->IsLineOpen(0) && views.rows.empty()) << "calls are answered meanwhile";
+  EXPECT_TRUE(Tapi1->IsLineOpen(0) && views.rows.empty()) << "the line is open before the records are";
   database.gone = false;
   RunFor(60s);
   EXPECT_EQ(1U, views.rows.size());
   EXPECT_EQ(1, std::ranges::count(SystemLog(), "The call records can be read now"));
 }
 
-TEST_F(MainWindowTest, QuickOptionButtonsWorkOnTheBareGreetingName) {
+TEST_F(MainWindowTest, QuickOptionButtonsUseTheGreetingNameWithoutAnExtension) {
   for (const char* name : {"Away", "Away.wav"}) Put(name);
   Start().RunFor(1s);
   const auto press = [&](const char* key) { window->Commands().TBQuickOption_ButtonClick(key); };
@@ -115,7 +115,7 @@ TEST_F(MainWindowTest, TheTrayIconCountsAndBlinksUntilTheWindowIsBack) {
   }
   window->Open();
   EXPECT_TRUE(views.shown && !Machine().window_hidden && Machine().tray.Blinking())
-      << "Open does not stop it";
+      << "Open does not stop the blinking";
   window->Hide();
   EXPECT_TRUE(views.minimised && !views.shown);
   for (const int message : {517, 512}) move(message);
@@ -154,7 +154,7 @@ class EntryRoutineTest : public MainWindowTest {
 };
 
 TEST_F(EntryRoutineTest, FirstStartWritesDefaultsAndTheMachinesOwnSettings) {
-  system.version = {SystemVersion::Platform::WindowsNt, 5, 2};  // it can animate windows
+  system.version = {SystemVersion::Platform::WindowsNt, 5, 2};  // this version can animate windows
   EXPECT_TRUE(Run("") && Run(""));
   EXPECT_EQ(options.application_version, "1.0.0.22");
   EXPECT_THAT(system.common_controls, testing::Each(std::pair(8U, 0x200U)));

@@ -12,7 +12,7 @@ const std::string kStem = "12-31-2003_14-05-07";
 
 class RecorderTest : public testing::Test, public World {
  protected:
-  /// Starts with this setting.
+  /// Starts with this setting, takes a call and records for `length`.
   void RecordWith(const char* name, const char* value, std::chrono::milliseconds length) {
     registry.Set(name, value);
     Start();
@@ -22,7 +22,7 @@ class RecorderTest : public testing::Test, public World {
 };
 
 TEST_F(RecorderTest, SilenceEndsTheCallAndOneLoudTickResetsTheCount) {
-  loud = 20;  // exactly the threshold: still silence
+  loud = 20;  // exactly the threshold, which counts as silence
   RecordWith("SecSilence", "3", 2900ms);
   loud = 21;
   RunFor(10ms);
@@ -78,7 +78,7 @@ TEST_F(RecorderTest, ADeviceWithoutTheFormatDropsTheCall) {
 TEST_F(RecorderTest, CompressedMessagesAndPreScreen) {
   registry.Set("PreScreen", "1");
   registry.Set("Sound", "3");
-  Wave1.query_result = kWaveBadFormat;  // is not asked for mu-law
+  Wave1.query_result = kWaveBadFormat;  // has no effect: mu-law is recorded without a query
   Wave1.monitor_result = kWaveNoDevice;
   RecordWith("CompressMessages", "-1", 0s);
   EXPECT_THAT(Wave1.recorded, ElementsAre(WaveFormat{kWaveFormatMuLaw, 1, 8, 8000}));
@@ -89,7 +89,7 @@ TEST_F(RecorderTest, CompressedMessagesAndPreScreen) {
   EXPECT_EQ(Wave1.record_folder, messages);
 }
 
-TEST_F(RecorderTest, AMessageThatCannotBeWrittenAndWhoseNameIsTakenIsFiledUnderItsOwn) {
+TEST_F(RecorderTest, AMessageThatCannotBeWrittenAndWhoseNameIsTakenIsFiledUnderAnotherName) {
   const auto kept = kStem + ".kept_12-31-2003_14-05-11.wav";
   files.Put(messages + kStem + ".wav", "older");
   Wave1.stop_result = kWaveDiskFull;
@@ -104,7 +104,7 @@ TEST_F(RecorderTest, AMessageThatCannotBeWrittenAndWhoseNameIsTakenIsFiledUnderI
 TEST_F(RecorderTest, AFolderWithoutItsSeparatorLeavesTheNameAsItIs) {
   registry.Set("MassagesPath", "/mnt/my");
   RecordWith("cDropSilence", "0", 2s);
-  EXPECT_EQ(Wave1.record_folder, "/mnt/") << "a start after a crash looks there";
+  EXPECT_EQ(Wave1.record_folder, "/mnt/") << "a start after a crash searches that folder";
   HangUp();
   EXPECT_EQ(database.Field(0, kCallMassageName), kStem + ".wav");
   EXPECT_EQ(files.Content("/mnt/my" + kStem + ".wav"), TimedWave::Sound(2s));

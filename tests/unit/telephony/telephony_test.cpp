@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The way of a call, the remote access of the owner, and the line. The recorder is tested apart.
+// The course of a call, remote access, and the line. The recorder has separate tests.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -14,14 +14,14 @@ using testing::IsEmpty;
 
 class TelephonyTest : public testing::Test, public World {
  protected:
-  /// The owner calls and keys `keys` while the greeting plays.
+  /// Calls as the owner and presses `keys` while the greeting plays.
   void CallAndKey(const std::string& keys) {
     if (!Machine().line.LineOn()) Start();
     CallAndWaitForAnswer();
     Wave1.played.clear();
     Press(keys);
   }
-  /// Puts simulated lines of these names in place of the lines; gives the index of the one that is open then.
+  /// Replaces the lines by simulated ones with these names. Returns the index of the open one, or -1.
   std::int32_t Replace(const std::vector<std::string>& names) {
     Machine().line.ReplaceDevices([&] {
       std::vector<TelephoneDevice> devices;
@@ -62,7 +62,7 @@ TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
     registry.Set(flag, "1");
   Start();
   views.effects.clear();
-  window->Unload();  // the window goes into the tray
+  window->Unload();  // hides the window in the tray
   line->Offer();
   line->Ring();
   RunFor(1s);
@@ -89,13 +89,13 @@ TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
   EXPECT_FALSE(views.Had("sound:/home/orven/Sound/idle.wav"));
 }
 
-TEST_F(TelephonyTest, OnlyTheAnswerThatFailedMakesWayForAnother) {
+TEST_F(TelephonyTest, OnlyAFailureOfTheCurrentAnswerAllowsAnother) {
   Start();
   line->SetAnswerDelay(5s);
   line->Offer();
   for (int ring = 0; ring < 2; ++ring) line->Ring();
   RunFor(10ms);
-  Machine().control.Proc(0, 7, kTelephonyDeviceFailed);  // of a call that is gone
+  Machine().control.Proc(0, 7, kTelephonyDeviceFailed);  // a request of an earlier call
   EXPECT_TRUE(CurrentCall().answering);
   EXPECT_EQ(Machine().progress.State(), CallState::Answering);
   Machine().control.Proc(0, 1, kTelephonyDeviceFailed);
@@ -137,7 +137,7 @@ TEST_F(TelephonyTest, OnAFullDiskACallGoesOnAndEachFailureIsLoggedOnce) {
                                  "ErrPutCallDetailsInDB 61 Disk full: /home/orven/Calls"));
 }
 
-TEST_F(TelephonyTest, RecordingThatIsTurnedOffInMidCallEndsItAfterTheBeep) {
+TEST_F(TelephonyTest, TurningRecordingOffDuringACallEndsItAfterTheBeep) {
   Start();
   CallAndWaitForAnswer();
   Machine().quick_options.SetRecordMessage(false);
@@ -162,7 +162,7 @@ TEST_F(TelephonyTest, PlaysAllMessagesNewestFirstAndHangsUp) {
                           Played{messages + "old.wav", 1000}));
   EXPECT_FALSE(line->HasCall());
   EXPECT_THAT(views.effects, ElementsAre("sound:/home/orven/beep.wav"))
-      << "the owner's call announces nothing";
+      << "the owner's call is not announced";
 }
 
 TEST_F(TelephonyTest, AWrongEntryIsClearedByTheStar) {
@@ -177,10 +177,10 @@ TEST_F(TelephonyTest, AWrongEntryIsClearedByTheStar) {
   EXPECT_TRUE(CurrentCall().admin_mode);
   RunFor(500ms);
   Press("*");
-  EXPECT_EQ(Wave1.played.size(), 2U) << "the star alone starts again: the entry still stands";
+  EXPECT_EQ(Wave1.played.size(), 2U) << "the entry is kept, so the star alone starts again";
 }
 
-TEST_F(TelephonyTest, WhereNothingCanBeHeardTheCallEnds) {
+TEST_F(TelephonyTest, TheCallEndsWhenNothingCanBePlayed) {
   const std::pair<const char*, std::function<void()>> cases[] = {
       {"empty list", [] {}},
       {"no messages", [&] { AddCallWithoutMessage(), AddCallWithoutMessage(); }},
@@ -198,7 +198,7 @@ TEST_F(TelephonyTest, WhereNothingCanBeHeardTheCallEnds) {
   EXPECT_TRUE(Logged("Error Playing Remote Control wave error 4"));
 }
 
-TEST_F(TelephonyTest, WhatWasRecordedBeforeThePasswordIsNamed) {
+TEST_F(TelephonyTest, AMessageRecordedBeforeThePasswordIsLogged) {
   registry.Set("MaxRec", "0");
   CallAndKey("");
   RunFor(5s);
@@ -233,8 +233,8 @@ TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTur
   line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
   Start();
   EXPECT_TRUE(Logged(taken));
-  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the reason is known";
-  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "somebody asked";
+  EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the same reason is logged once";
+  EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "a person turned the line on";
   window->TurnOff();
   line->FailOpen(kTelephonyOk, "");
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
@@ -254,20 +254,20 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
   EXPECT_EQ(views.Status(), "Monitoring Sim");
   for (const std::int32_t of_line : {0, 1})
     Machine().sequence.Trouble(of_line, "No network " + std::to_string(of_line));
-  EXPECT_EQ(views.Status(), "No network 0") << "of the other line nothing is shown";
+  EXPECT_EQ(views.Status(), "No network 0") << "the other line's trouble is not shown";
   EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);
   EXPECT_EQ(views.Status(), "Off Mode");
 }
 
-TEST_F(TelephonyTest, AmongReplacedDevicesTheChosenOneIsTakenAgainOrTheFirstUsable) {
+TEST_F(TelephonyTest, AfterReplacingDevicesTheChosenOneOrTheFirstUsableIsOpened) {
   Start();
   EXPECT_EQ(Replace({"New", "Sim"}), 1);
   EXPECT_EQ(Replace({"New"}), 0);
   EXPECT_EQ(registry.Text("ModemName"), "New");
   EXPECT_EQ(Replace({}), -1);
   EXPECT_EQ(views.Status(), "Off Mode");
-  EXPECT_EQ(Replace({"Again"}), 0) << "the first line that is there waits for calls";
+  EXPECT_EQ(Replace({"Again"}), 0) << "the first line that appears is opened";
   window->TurnOff();
   EXPECT_EQ(Replace({"Again"}), -1) << "a line that is off stays off";
 }
