@@ -25,7 +25,7 @@ inline constexpr std::int32_t kLine = kFirstLineWaveDevice, kCard = 0;
 inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000}, kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
 inline const Samples kSilence(kBlockSamples, 0);
 
-/// Random samples, never a whole block of silence; the same at each call.
+/// Returns random samples, the same in each call and without a silent block.
 inline Samples Noise(std::size_t count) {
   std::mt19937 random(1);
   Samples samples(count);
@@ -33,7 +33,7 @@ inline Samples Noise(std::size_t count) {
   return samples;
 }
 
-/// `encoding` as libsndfile names it, `samples` interleaved.
+/// Writes `samples`, interleaved, to a WAV file; `encoding` is libsndfile's constant.
 template <class Number>
 void WriteWav(const std::string& path, int encoding, const std::vector<Number>& samples,
               int rate = kSampleRate, int channels = 1) {
@@ -41,7 +41,7 @@ void WriteWav(const std::string& path, int encoding, const std::vector<Number>& 
       .write(samples.data(), static_cast<sf_count_t>(samples.size()));
 }
 
-/// What sox makes of the file as telephone audio; empty when it does not take it for an audio file.
+/// Returns the file as telephone audio, converted by sox; empty if sox does not accept it as audio.
 inline Samples Read(const std::string& path) {
   const std::string command = "sox -D '" + path + "' -t raw -e signed -b 16 -r 8000 -c 1 - 2>/dev/null";
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
@@ -50,24 +50,24 @@ inline Samples Read(const std::string& path) {
   return samples;
 }
 
-/// A disk that fails or hangs for the files below one folder: this program's own read, pwrite and fdatasync
-/// ask it first. The code under test does not know of it.
+/// A disk that fails or hangs for the files below one folder. This program replaces read, pwrite and
+/// fdatasync by functions that ask it first; the code under test does not know about it.
 struct FaultyDisk {
-  std::string folder;                              ///< set while one thread runs
-  std::atomic<std::size_t> limit = SIZE_MAX;       ///< no file grows beyond it; a write is cut there
-  std::atomic<std::size_t> hangs_from = SIZE_MAX;  ///< reads from this offset on, and syncs, wait for Mend
-  std::atomic<int> sync_error = 0, held = 0;       ///< errno with which a sync fails; operations that wait
+  std::string folder;                              ///< changed only while there is a single thread
+  std::atomic<std::size_t> limit = SIZE_MAX;       ///< no file grows beyond it; a write is cut off there
+  std::atomic<std::size_t> hangs_from = SIZE_MAX;  ///< reads from this offset, and syncs, wait for Mend
+  std::atomic<int> sync_error = 0, held = 0;       ///< errno of a failing sync; operations that wait now
 
-  /// Ends all faults, and returns when nothing waits any more.
+  /// Ends all faults and returns when no operation waits any more.
   void Mend();
 };
 inline FaultyDisk disk;
 
-/// An audio device whose blocks move when the test says so, as fast as possible.
+/// An audio device that moves blocks when the test asks for them, as fast as possible.
 class TestDevice : public AudioDevice {
  public:
-  std::int32_t refuse = kWaveOk;  ///< what starting returns
-  std::atomic<int> ready = 0;     ///< how often a source had its first sound
+  std::int32_t refuse = kWaveOk;  ///< result of starting
+  std::atomic<int> ready = 0;     ///< how often a source became ready
   AudioSource* source = nullptr;
   AudioSink* sink = nullptr;
 
@@ -83,7 +83,7 @@ class TestDevice : public AudioDevice {
   }
   void StopRecord() override { sink = nullptr; }
 
-  /// One block from the source; nothing when it has ended or none plays.
+  /// Returns one block from the source; nothing if it has ended or none is playing.
   std::optional<Samples> Pull() {
     Samples block(kBlockSamples, 1);
     if (source != nullptr && source->Read(block)) return block;
@@ -91,8 +91,8 @@ class TestDevice : public AudioDevice {
     return std::nullopt;
   }
 
-  /// What is played to the end, or in so many blocks, without blocks of silence: pulls may be ahead of the
-  /// decoder.
+  /// Plays to the end, or for `blocks` blocks, and returns the audio without silent blocks, because the test
+  /// may pull faster than the decoder delivers.
   Samples Play(int blocks = 1'000'000) {
     Samples played;
     for (auto block = Pull(); block; block = --blocks > 0 ? Pull() : std::nullopt)
@@ -100,14 +100,14 @@ class TestDevice : public AudioDevice {
     return played;
   }
 
-  /// Captures whole blocks.
+  /// Delivers `samples`, in whole blocks, to the recording.
   void Capture(const Samples& samples) {
     for (std::size_t at = 0; sink != nullptr && at < samples.size(); at += kBlockSamples)
       sink->Write(std::span(samples).subspan(at, kBlockSamples));
   }
 };
 
-/// A wave control with a line, a sound card, and folders of its own; the record folder is on a faulty disk.
+/// A wave control with a line, a sound card and scratch folders; the record folder is on the faulty disk.
 class AudioTest : public ::testing::Test, public WaveEvents, public AudioDevices {
  protected:
   AudioTest() {
@@ -125,7 +125,7 @@ class AudioTest : public ::testing::Test, public WaveEvents, public AudioDevices
   AudioDevice* Find(std::int32_t n) override { return n == kLine ? &line : n == kCard ? &card : nullptr; }
   void PlayFinished() override { ++finished; }
 
-  /// PlayFinished events so far.
+  /// Handles all pending events and returns the number of PlayFinished events so far.
   int Finished() {
     loop.Run();
     return finished;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a caller hears of audio files of every kind, when a play ends and what ends it, and the picture of a
-// file.
+// How audio files of every kind are played to a caller, when playback ends, and the waveform of a file.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -18,7 +17,7 @@ class Play : public AudioTest {
  protected:
   Play() {
     WriteWav(greeting, SF_FORMAT_PCM_16, whole);
-    whole.resize(3 * kSampleRate);  // the last block is filled up with silence
+    whole.resize(3 * kSampleRate);  // the last block is padded with silence
   }
 
   void Start(const std::string& path) { ASSERT_EQ(kWaveOk, control->PlayFile(path, kLine)) << path; }
@@ -31,7 +30,7 @@ class Play : public AudioTest {
   const std::string greeting = messages / "greeting.wav", other = messages / "other.wav";
 };
 
-TEST_F(Play, EveryRateAndEncodingSoundsAsSoxPlaysItFromAnyPlace) {
+TEST_F(Play, EveryRateAndEncodingSoundsAsInSoxFromAnyPosition) {
   for (const std::string format :
        {"-r 4000 -c 2 -b 8 -e u-law", "-r 8000 -b 8 -e a-law", "-r 44100 -c 3 -b 24"}) {
     const std::string command = "sox -R -n " + format + " " + other + " synth 2.085 sine 997 vol 0.5";
@@ -44,7 +43,7 @@ TEST_F(Play, EveryRateAndEncodingSoundsAsSoxPlaysItFromAnyPlace) {
       const Samples played = line.Play();
       Finished();
       ASSERT_EQ((16680 - start + 159) / 160 * 160, played.size());
-      for (std::size_t i = 200; i < 8400; ++i)  // without the edges; sox has another filter
+      for (std::size_t i = 200; i < 8400; ++i)  // without the edges: sox uses another filter
         ASSERT_NEAR(expected[start + i], played[i], format.starts_with("-r 8000") ? 1 : 100) << format;
     }
   }
@@ -77,12 +76,12 @@ TEST_F(Play, AFileWithoutAudioIsRefusedAtOnce) {
     EXPECT_EQ(name == "slow.wav", control->FileLength(messages / name) > 0) << name;
   }
   EXPECT_FALSE(control->IsPlaying() || line.source);
-  EXPECT_EQ(0, control->FileLength(messages / "no samples.WAV")) << "in any case";
+  EXPECT_EQ(0, control->FileLength(messages / "no samples.WAV")) << "whatever the case of its extension";
   EXPECT_EQ(Samples(), Played(messages / "no samples.wav"));
-  EXPECT_EQ(1, Finished()) << "over at once";
+  EXPECT_EQ(1, Finished()) << "a file without samples ends at once";
 }
 
-TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
+TEST_F(Play, FinishedIsReportedOnceWhenTheDeviceHasTakenEverything) {
   Start(greeting);
   EXPECT_EQ(kWaveBusy, control->PlayFile(greeting, kCard));
   EXPECT_EQ(whole, line.Play());
@@ -94,18 +93,18 @@ TEST_F(Play, FinishedIsToldOnceWhenTheDeviceHasTakenAll) {
   EXPECT_FALSE(control->IsPlaying());
   EXPECT_EQ(0ms, control->Position());
 
-  Played(greeting);  // the event is on its way
+  Played(greeting);  // its event is still queued
   control->StopPlay();
   Start(greeting);
-  EXPECT_EQ(1, Finished()) << "a stopped play tells nothing";
+  EXPECT_EQ(1, Finished()) << "a stopped playback sends no event";
   EXPECT_EQ(whole, line.Play());
 }
 
-TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
-  disk.hangs_from = kSampleRate;  // bytes: after the first half second
+TEST_F(Play, ASlowDiskCausesSilenceButLosesNothing) {
+  disk.hangs_from = kSampleRate;  // in bytes: after the first half second
   Start(greeting);
   ASSERT_TRUE(Eventually([&] { return disk.held > 0; }));
-  control->StopPlay();  // does not wait
+  control->StopPlay();  // does not wait for the disk
   EXPECT_GT(disk.held, 0);
   Start(greeting);
   ASSERT_TRUE(Eventually([&] { return disk.held > 1; }));
@@ -117,27 +116,27 @@ TEST_F(Play, ALateDiskGivesSilenceAndLosesNothing) {
   EXPECT_EQ(whole, played);
 }
 
-TEST_F(Play, SeekContinuesThereAndFinishesOnce) {
-  control->Seek(1s);  // nothing plays
+TEST_F(Play, SeekContinuesAtThePositionAndFinishesOnce) {
+  control->Seek(1s);  // has no effect: nothing is playing
   Start(greeting);
   control->Seek(2500ms);
   EXPECT_EQ(2500ms, control->Position());
   EXPECT_EQ(Samples(whole.begin() + 2500 * 8, whole.end()), line.Play());
   EXPECT_EQ(2999ms, control->Position());
-  control->Seek(-1s);  // the end's event is on its way; it is no longer true
+  control->Seek(-1s);  // the queued event of the end is obsolete now
   EXPECT_EQ(0, Finished());
   EXPECT_EQ(whole, line.Play());
   EXPECT_EQ(1, Finished());
 
   Start(greeting);
   std::filesystem::rename(greeting, other);
-  control->Seek(1s);  // not without the file
+  control->Seek(1s);  // fails: the file is missing
   EXPECT_EQ(0ms, control->Position());
   std::filesystem::rename(other, greeting);
   control->Seek(1h);
   EXPECT_EQ(2999ms, control->Position());
   EXPECT_EQ(Samples(), line.Play());
-  line.refuse = kWaveNoDevice;  // it has gone since
+  line.refuse = kWaveNoDevice;  // the device has disappeared since
   control->Seek(1s);
   EXPECT_EQ(2, Finished());
   EXPECT_EQ(kWaveNoDevice, control->PlayFile(greeting, kLine));
@@ -145,7 +144,7 @@ TEST_F(Play, SeekContinuesThereAndFinishesOnce) {
   EXPECT_FALSE(control->IsPlaying());
 }
 
-TEST_F(Play, ThePictureHasTheLoudestSampleOfEachStretchAndOnlyTheNewestIsTold) {
+TEST_F(Play, TheWaveformHasThePeakOfEachSectionAndOnlyTheLatestRequestIsAnswered) {
   std::vector<float> steps(44100 * 4, 0.0F), expected(1000, 0.0F);  // silent, a quarter, silent, half
   std::fill(steps.begin() + 44100, steps.begin() + 44100 * 2, 0.25F);
   std::fill(steps.begin() + 44100 * 3, steps.end(), -0.5F);
@@ -163,7 +162,7 @@ TEST_F(Play, ThePictureHasTheLoudestSampleOfEachStretchAndOnlyTheNewestIsTold) {
       picture = drawn;
     });
   };
-  disk.hangs_from = 200000;  // bytes: in the middle of the first
+  disk.hangs_from = 200000;  // in bytes: in the middle of the first file
   request("steps.wav");
   ASSERT_TRUE(Eventually([&] { return disk.held > 0; }));
   request("steps.wav");

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Recording: what is on disk meanwhile and afterwards, also when disks fail, and what is heard and measured
-// of it.
+// Recording: what is on disk during and after a recording, even when disks fail; the level and the monitor.
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -36,7 +35,8 @@ class Record : public AudioTest {
     line.Capture(spoken);
   }
 
-  /// Waits until the only file in `folder` has a name that ends in `suffix` and holds `samples`; its path.
+  /// Waits until `folder` has only one file, whose name ends in `suffix` and which holds `samples`. Returns
+  /// its path.
   std::string OnlyFile(const std::string& folder, const std::string& suffix, const Samples& samples) {
     std::string path;
     EXPECT_TRUE(Eventually([&] {
@@ -59,14 +59,14 @@ class Record : public AudioTest {
   }
 
   const Samples spoken = Noise(5 * kSampleRate);
-  const test::ScratchFolder other;  ///< for anything
+  const test::ScratchFolder other;  ///< for other files
   const std::string kept = rescue / "kept";
 };
 
 TEST_F(Record, TheFileHoldsExactlyWhatWasCaptured) {
   for (const bool to_disk : {true, false}) {
     for (const bool pcm : {true, false}) {
-      PutFile(message, std::string(1'000'000, 'x'));  // an older one
+      PutFile(message, std::string(1'000'000, 'x'));  // an older recording
       control->SetRecordToDisk(to_disk);
       ASSERT_EQ(kWaveOk, control->StartRecord(kLine, pcm ? kPcm : kMuLaw));
       EXPECT_TRUE(control->IsRecording());
@@ -74,12 +74,12 @@ TEST_F(Record, TheFileHoldsExactlyWhatWasCaptured) {
       ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
       EXPECT_FALSE(control->IsRecording() || line.sink);
       EXPECT_EQ(pcm ? spoken : ThroughMuLaw(spoken), Read(message));
-      EXPECT_EQ(1U, messages.Count("")) << "something is left over";
+      EXPECT_EQ(1U, messages.Count("")) << "a temporary file was left behind";
     }
   }
 }
 
-TEST_F(Record, WhatCannotBeRecordedIsRefused) {
+TEST_F(Record, InvalidRequestsAreRefused) {
   for (const WaveFormat& wrong :
        {WaveFormat{1, 2, 16, 8000}, {1, 1, 8, 8000}, {7, 1, 16, 8000}, {1, 1, 16, 11025}}) {
     EXPECT_EQ(kWaveBadFormat, control->QueryRecordFormat(kLine, 1, wrong));
@@ -105,12 +105,12 @@ TEST_F(Record, LevelIsThePeakOfTheLastBlockInThousandths) {
     line.Capture(block);
     EXPECT_EQ(level, control->InputLevel());
   }
-  EXPECT_TRUE(Eventually([&] { return control->InputLevel() == 0; })) << "the device delivers no more";
+  EXPECT_TRUE(Eventually([&] { return control->InputLevel() == 0; })) << "the device delivers no more audio";
   line.Capture(Block(20000));
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
   EXPECT_EQ(0, control->InputLevel());
   for (const auto& [device, level] : std::map<int, int>{{kCard, 0}, {kLine, 500}}) {
-    ASSERT_EQ(kWaveOk, control->PlayFile(message, device)) << "a greeting";
+    ASSERT_EQ(kWaveOk, control->PlayFile(message, device)) << "during a greeting";
     line.Capture(Block(16384));
     EXPECT_EQ(level, control->InputLevel());
     control->StopPlay();
@@ -129,9 +129,9 @@ TEST_F(Record, TheGrowingFileCanBeReadAndStaysWhenTheProgramEnds) {
   EXPECT_EQ(spoken.size() + kBlockSamples, Read(path).size());
 }
 
-TEST_F(Record, TheMonitorPlaysTheCallerSoonAndInOrder) {
+TEST_F(Record, TheMonitorPlaysTheCallerInOrderAndWithAShortDelay) {
   EXPECT_EQ(kWaveNotRecording, control->StartMonitor(kCard, kPcm));
-  Capture();  // before listening
+  Capture();  // before anyone listens
   EXPECT_EQ(kWaveNoDevice, control->StartMonitor(7, kMuLaw));
   EXPECT_EQ(kWaveBadFormat, control->StartMonitor(kCard, {1, 2, 16, 44100}));
   card.refuse = kWaveNoDevice;
@@ -142,17 +142,17 @@ TEST_F(Record, TheMonitorPlaysTheCallerSoonAndInOrder) {
   EXPECT_EQ(Block(0), card.Pull());
   for (int i = 1; i <= 100; ++i) {
     line.Capture(Block(i));
-    EXPECT_EQ(Block(i - 1), card.Pull()) << "one block is in stock";
+    EXPECT_EQ(Block(i - 1), card.Pull()) << "one block is buffered";
   }
-  for (int i = 101; i <= 110; ++i) line.Capture(Block(i));  // the card stands still
+  for (int i = 101; i <= 110; ++i) line.Capture(Block(i));  // the card has stalled
   for (const int i : {109, 110, 0}) EXPECT_EQ(Block(i), card.Pull()) << "the delay stays short";
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
-  EXPECT_EQ(Block(0), card.Pull()) << "continues, silent";
+  EXPECT_EQ(Block(0), card.Pull()) << "the monitor goes on with silence";
   EXPECT_EQ(kWaveOk, control->StopMonitor());
   EXPECT_EQ(std::nullopt, card.Pull());
 }
 
-TEST_F(Record, ABadDestinationIsReportedAndTheRecordingKeptUnderANewName) {
+TEST_F(Record, ABadDestinationIsReportedAndTheRecordingIsKeptUnderANewName) {
   PutFile(other / "file", "");
   std::filesystem::create_directory(other / "folder.wav");
   const std::map<std::string, std::string> new_names{{"file/m.wav", "m.unsaved-1.wav"},
@@ -174,7 +174,7 @@ TEST_F(Record, ABadDestinationIsReportedAndTheRecordingKeptUnderANewName) {
 }
 
 TEST_F(Record, AMissingFolderOrAFullOrLyingDiskMovesTheRecordingToTheRescueFolder) {
-  const test::ScratchFolder elsewhere("/dev/shm");  // another file system, which is reached by copying
+  const test::ScratchFolder elsewhere("/dev/shm");  // another file system: files are copied there
   for (const std::string fault : {"missing", "full", "lying"}) {
     control->SetRecordFolder(fault == "missing" ? "" : messages / "");
     if (fault == "full") disk.limit = 30'001;
@@ -184,13 +184,13 @@ TEST_F(Record, AMissingFolderOrAFullOrLyingDiskMovesTheRecordingToTheRescueFolde
     EXPECT_TRUE(Eventually([&] { return messages.Count("") == 0; }));
     ExpectSavedAs(fault == "full" ? elsewhere / "m.wav" : message);
     if (fault == "lying")
-      OnlyFile(kept, "m.unsaved-1.wav", spoken);  // in case the disk did not keep the other
+      OnlyFile(kept, "m.unsaved-1.wav", spoken);  // in case the disk did not keep the other copy
     std::filesystem::remove(message);
     disk.Mend();
   }
 }
 
-TEST_F(Record, WithoutSpaceAnywhereTheRecordingWaitsForItsPlace) {
+TEST_F(Record, WithoutSpaceAnywhereTheRecordingStaysInMemoryUntilThereIsSpace) {
   PutFile(kept, "a file where the folder belongs");
   for (const bool ends : {false, true}) {
     PutFile(message, "old");
@@ -214,7 +214,7 @@ TEST_F(Record, StoppingDoesNotWaitForASlowDisk) {
   for (const std::string name : {"1.wav", "2.wav"}) {
     Capture();
     ASSERT_TRUE(Eventually([&] { return disk.held > 0 && messages.Count(".recording") == 1; }));
-    ExpectSavedAs(messages / name);  // would never return
+    ExpectSavedAs(messages / name);  // would hang if it waited for the disk
   }
 }
 
@@ -226,7 +226,7 @@ void FaultyDisk::Mend() {
   Eventually([this] { return held == 0; });
 }
 
-// The program's own definitions take precedence over the C library's, in shared libraries too.
+// The program's definitions take precedence over those of the C library, even for shared libraries.
 
 extern "C" ssize_t read(int descriptor, void* data, size_t count) {
   if (IsFaulty(descriptor)) WaitAt(static_cast<std::size_t>(lseek(descriptor, 0, SEEK_CUR)));

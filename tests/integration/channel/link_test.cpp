@@ -19,7 +19,7 @@ using Messages = std::vector<std::string>;
 
 const std::string kLongest(DataExchange::kLongestMessage, 'x');
 
-/// What an end of the link has received.
+/// Records what one end of the link receives.
 struct Received : DataExchangeEvents {
   void DataArrival(const std::string& text) override { messages.push_back(text); }
   void LinkLost() override { ++lost; }
@@ -27,7 +27,7 @@ struct Received : DataExchangeEvents {
   int lost = 0;
 };
 
-/// A helper in the test's own process.
+/// A helper that runs in the test's process.
 struct NearHelper : Received {
   explicit NearHelper(const std::string& path) { EXPECT_EQ(client->Connect(path, 5s).value_or(""), ""); }
   std::unique_ptr<ExchangeClient> client = std::make_unique<ExchangeClient>(
@@ -41,7 +41,7 @@ struct LinkTest : testing::Test {
     EXPECT_TRUE(exchange->OpenCheck(7));
     return *helpers.back();
   }
-  /// Closes the link, opens the next one, or ends the program's end.
+  /// Closes the link, opens the next one, or destroys the program's end.
   void End(int how) {
     if (how == 0) exchange->Close();
     if (how == 1) exchange->Listen();
@@ -61,7 +61,7 @@ struct LinkTest : testing::Test {
   std::vector<std::unique_ptr<NearHelper>> helpers;
 };
 
-TEST_F(LinkTest, MessagesGoBothWaysInOrderTheLongestToo) {
+TEST_F(LinkTest, MessagesGoBothWaysInOrderUpToTheLongest) {
   EXPECT_FALSE(exchange->Send("without a link"));
   auto& helper = Connected();
   EXPECT_FALSE(exchange->Send(kLongest + "x") || exchange->Send("\xff"));
@@ -71,12 +71,12 @@ TEST_F(LinkTest, MessagesGoBothWaysInOrderTheLongestToo) {
   EXPECT_TRUE(Eventually([&] { return helper.messages == sent && program.messages == sent; }));
 }
 
-TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesAndALaterOpeningIsNotDisturbed) {
+TEST_F(LinkTest, MessagesSentBeforeTheEndArriveAndDoNotDisturbALaterLink) {
   for (const int end : {0, 1, 2}) {
     auto& helper = Connected();
     const Messages sent{end == 2 ? "" : kLongest, end == 2 ? "" : kLongest, "ULD:"};
     for (const auto& text : sent) ASSERT_TRUE(exchange->Send(text));
-    helper.client->Send("GVCS:");  // a helper that answers to a closed link must still read on
+    helper.client->Send("GVCS:");  // a helper that writes to a closed link must still read the rest
     End(end);
     EXPECT_FALSE(exchange && exchange->OpenCheck(0));
     EXPECT_TRUE(Eventually([&] { return helper.lost == 1; }));
@@ -85,7 +85,7 @@ TEST_F(LinkTest, WhatWasSentBeforeTheEndArrivesAndALaterOpeningIsNotDisturbed) {
   EXPECT_TRUE(program.messages.empty() && program.lost == 0);
 }
 
-TEST_F(LinkTest, AHelperThatDiesBreaksTheRulesOrDoesNotReadIsLost) {
+TEST_F(LinkTest, AHelperThatDiesSendsGarbageOrDoesNotReadIsDisconnected) {
   const auto lost_after = [this](const char* message) {
     EXPECT_TRUE(Eventually([&] { return program.lost == 1; }));
     EXPECT_EQ(program.messages, Messages(message == nullptr ? 0 : 1, message == nullptr ? "" : message));
@@ -115,18 +115,18 @@ TEST_F(LinkTest, AHelperThatDiesBreaksTheRulesOrDoesNotReadIsLost) {
   int sent = 0;
   while (sent < 100 && exchange->Send(kLongest)) ++sent;
   EXPECT_TRUE(sent >= 7 && sent < 10) << sent;
-  EXPECT_EQ(program.lost, 0) << "an event inside an operation";
+  EXPECT_EQ(program.lost, 0) << "the event came during an operation";
   lost_after(nullptr);
 }
 
-TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
+TEST_F(LinkTest, OnlyOneHelperOfTheSameUserCanConnectAndTheSocketIsRemoved) {
   const auto path = QString::fromStdString(exchange->Listen());
   const QFileInfo folder(QFileInfo(path).absolutePath());
   constexpr auto kOthers = QFileDevice::Permissions(0x0077);
   EXPECT_FALSE((folder.permissions() | QFileInfo(path).permissions()) & kOthers);
   QLocalSocket first, second;
   first.connectToServer(path);
-  second.connectToServer(path);  // queued behind the first
+  second.connectToServer(path);  // waits in the queue after the first one
   ASSERT_TRUE(exchange->OpenCheck(7));
   EXPECT_FALSE(QFileInfo::exists(folder.filePath()));
   EXPECT_TRUE(Eventually([&] { return second.state() == QLocalSocket::UnconnectedState; }));
@@ -134,7 +134,7 @@ TEST_F(LinkTest, OneHelperOfTheSameUserComesInAndTheWayIsGone) {
   EXPECT_TRUE(Eventually([&] { return first.bytesAvailable() == 5; }));
 }
 
-TEST_F(LinkTest, TheWaitRunsTheEventLoopUntilTheHelperComesOrNothingIsLeftToWaitFor) {
+TEST_F(LinkTest, OpenCheckRunsTheEventLoopUntilTheHelperConnectsOrNoLongerCan) {
   EXPECT_FALSE(exchange->OpenCheck(600)) << "no helper was started";
   const auto path = exchange->Listen();
   bool waited = true;

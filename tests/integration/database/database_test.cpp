@@ -13,8 +13,8 @@ using ::testing::HasSubstr;
 
 const RecordSchema kCalls{"Calls", {"Call_Name", "Call_Number", "Type", "Read"}};
 
-/// Does what `steps` say, separated by blanks, and returns what they gave: texts, and for failures "!" and
-/// their number.
+/// Executes `steps`, separated by blanks, and returns the texts they read; a failed step adds "!" and its
+/// error number.
 std::string Do(SqliteDatabase& database, const std::string& steps) {
   std::string told;
   std::istringstream list(steps);
@@ -43,7 +43,7 @@ std::string Do(SqliteDatabase& database, const std::string& steps) {
   return told;
 }
 
-/// A database in a folder of its own.
+/// A database in a scratch folder.
 class DatabaseTest : public ::testing::Test {
  protected:
   std::string Ask(const std::string& sql, const std::string& file = "Calls") {
@@ -75,7 +75,7 @@ TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
   EXPECT_EQ(before(again.Identity(2), text), 0);
 }
 
-TEST_F(DatabaseTest, TheCurrentRecordChangesWithUpdateOnlyAndMisuseChangesNothing) {
+TEST_F(DatabaseTest, OnlyUpdateChangesTheCurrentRecordAndMisuseChangesNothing) {
   database_.Open(path_);
   EXPECT_EQ(Do(database_, "add:a add:b move:1 edit name:new list:all update edit name:dropped move:2"),
             "a b ");
@@ -101,7 +101,7 @@ TEST_F(DatabaseTest, MissingColumnsAreAddedAndOthersKept) {
   EXPECT_EQ(Ask("SELECT Note || call_name || Call_Number || \"Read\" FROM Calls"), "minea10");
 }
 
-TEST_F(DatabaseTest, AFileThatIsReplacedOrComesLateIsOpenedAgain) {
+TEST_F(DatabaseTest, AFileThatIsReplacedOrAppearsLateIsOpenedAgain) {
   database_.Open(path_);
   SqliteDatabase backup(kCalls);
   backup.Open(folder_ / "backup");
@@ -123,9 +123,9 @@ TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
   other.Execute("BEGIN IMMEDIATE");
   EXPECT_EQ(Do(database_, "add:a"), "!70 ");
   other.Execute("COMMIT");
-  EXPECT_EQ(Do(database_, "update list:all"), "a ") << "the record that could not be stored was still begun";
+  EXPECT_EQ(Do(database_, "update list:all"), "a ") << "the record is still being added";
   {
-    const FileSizeLimit limit(400000);  // SQLite calls it an I/O error (57), a full disk proper 61
+    const FileSizeLimit limit(400000);  // SQLite reports it as an I/O error (57); a full disk is 61
     EXPECT_THAT(Do(database_, "add:" + std::string(1U << 20U, 'x')), ::testing::AnyOf("!57 ", "!61 "));
   }
   EXPECT_EQ(Do(database_, "update"), "");
@@ -133,7 +133,7 @@ TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
   EXPECT_EQ(Ask("PRAGMA integrity_check"), "ok");
 }
 
-TEST_F(DatabaseTest, WhatIsNoDatabaseIsSetAsideWithItsLogAndReported) {
+TEST_F(DatabaseTest, AFileThatIsNotADatabaseIsSetAsideWithItsLogAndReported) {
   for (const std::string letter : {"x", "y"}) {  // twice within a second: both are kept
     PutFile(path_, "no database " + letter);
     PutFile(path_ + "-wal", "log of " + letter);
@@ -147,13 +147,13 @@ TEST_F(DatabaseTest, WhatIsNoDatabaseIsSetAsideWithItsLogAndReported) {
     EXPECT_THAT(kept, HasSubstr(content));
 }
 
-TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOnAtOnce) {
+TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
   constexpr std::size_t kPage = 4096;
   struct Damage {
     const char* what;
     std::size_t at;         ///< the first byte that it changes
-    std::size_t size;       ///< of what is overwritten; 0: a bit is turned
-    std::size_t most_lost;  ///< of 1000 calls; a page has some 37 of these
+    std::size_t size;       ///< bytes that are overwritten; 0: one bit is flipped
+    std::size_t most_lost;  ///< of 1000 calls; a page holds about 37
     bool while_open = false;
     bool cut_off = false;  ///< the file ends at `at`
   };
@@ -164,7 +164,7 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
                          {"a bit in the number of a page's calls", 9 * kPage + 3, 0, 40},
                          {"a bit in a page's kind", 9 * kPage, 0, 40},
                          {"a page in use", 9 * kPage, kPage, 40, true},
-                         {"all behind the middle", 15 * kPage, 0, 700, true, true},
+                         {"everything after the middle", 15 * kPage, 0, 700, true, true},
                          {"everything", 0, 0, 1000, true, true}};
   auto counted = kCalls;
   counted.counted = "Read";
@@ -179,7 +179,7 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000) "
         "INSERT INTO Calls SELECT i, hex(randomblob(iif(i > 990, 500 * (i - 990), 45))), "
         "iif(i % 2, i * -400000000, 1 / i), iif(i % 3, i / 8.0, i % 2) FROM n");
-    if (at > 0) {  // neither another table's rows nor deleted calls come back
+    if (at > 0) {  // rows of other tables and deleted calls must not come back
       SqliteConnection(path).Execute(
           "CREATE TABLE Other AS SELECT * FROM Calls;"
           "INSERT INTO Calls SELECT * FROM Calls; DELETE FROM Calls WHERE rowid > 1000");
@@ -193,8 +193,8 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
     if (cut_off) content.resize(at);
     if (!cut_off && size == 0) content[at] = static_cast<char>(content[at] ^ 8);
     if (size > 0) content.replace(at, size, size, '\x5A');
-    PutFile(path, content);                                            // the same file, if it is open
-    if (while_open && !cut_off) Ask("PRAGMA user_version = 7", what);  // pages are read again
+    PutFile(path, content);  // in place, as the database may have the file open
+    if (while_open && !cut_off) Ask("PRAGMA user_version = 7", what);  // makes it read the pages again
     if (!while_open) note = database.Open(path);
 
     Do(database, "add:1001");
@@ -206,7 +206,7 @@ TEST_F(DatabaseTest, OnAFailingDiskOnlyTheCallsThatAreHitAreLostAndTheOthersGoOn
       if (identity > 1000) continue;
       EXPECT_EQ(saved[static_cast<std::size_t>(number) - 1], stored[static_cast<std::size_t>(identity) - 1]);
     }
-    EXPECT_EQ(before, 1001) << "the new call";
+    EXPECT_EQ(before, 1001) << "the new call is stored last";
     EXPECT_GE(saved.size() + most_lost, 1001U);
     EXPECT_EQ(SqliteDatabase(counted).Open(path), "") << "it is intact again";
     EXPECT_THAT(note, HasSubstr(while_open ? std::to_string(1001 - saved.size()) + " of 1000 calls are lost"

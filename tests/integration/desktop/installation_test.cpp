@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Where the program and its files are, what it puts there, and its start with the desktop.
+// Where the program finds its files, what it copies to its folder, and its start with the desktop.
 #include "adapters/desktop/installation.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
 
-/// An installation with its assets, its application folder "app", and its entry in the registry.
+/// An installation with its assets, its application folder "app" and its autostart entry.
 struct InstallationTest : testing::Test {
   InstallationTest() {
     for (const char* name : {"assets/Greets", "assets/Sound", "assets/Help/pictures", "app/Help", "other"})
@@ -41,7 +41,7 @@ struct InstallationTest : testing::Test {
   }
   void Clear() { DeleteRegValue(registry, kRoot, kAutostartKey, "ORVEN"); }
   bool IsChecked() { return GetRegValue(registry, kRoot, kAutostartKey, "ORVEN") != kNotFound; }
-  /// A person's edit; returns what the entry is then.
+  /// Edits the entry as a user would and returns the new text.
   std::string Edit(const std::string& from, const std::string& to) const {
     auto text = ContentOf(entry);
     text.replace(text.find(from), from.size(), to);
@@ -56,7 +56,7 @@ struct InstallationTest : testing::Test {
   AutostartRegistry registry = Installed("/opt/my programs\\orven", false);
 };
 
-TEST_F(InstallationTest, IsWhereTheEnvironmentOrTheProgramSaysElseInTheDataFolder) {
+TEST_F(InstallationTest, IsFoundByTheEnvironmentThenBesideTheProgramThenInTheDataFolder) {
   EXPECT_EQ(FindApplicationFolder({root / "home//", assets, "/data", "/user"}), root / "home");
   ::setenv("ORVEN_HOME", (root / "home").c_str(), 1);
   EXPECT_EQ(FindApplicationFolder(ProcessFolderHints()), root / "home");
@@ -70,14 +70,14 @@ TEST_F(InstallationTest, IsWhereTheEnvironmentOrTheProgramSaysElseInTheDataFolde
   EXPECT_EQ(FindAssets(root / "lib/orven/deeper"), "");
 }
 
-TEST_F(InstallationTest, AnUnfinishedFirstStartIsFinishedByTheNextAndAUsersFilesStay) {
+TEST_F(InstallationTest, TheNextStartCompletesAnUnfinishedFirstOneAndKeepsTheUsersFiles) {
   fs::remove_all(app);
   DesktopSystem system(app);
-  EXPECT_TRUE(system.ClaimInstance()) << "a folder that cannot be locked is claimed, and the reason is told";
+  EXPECT_TRUE(system.ClaimInstance()) << "a folder that cannot be locked is claimed, and the reason is given";
   EXPECT_THAT(system.ClaimProblem(), HasSubstr(app + "/.lock"));
   EXPECT_EQ(MakeApplicationFolder(app), "");
   EXPECT_TRUE(system.ClaimInstance() && system.ClaimInstance() && system.ClaimProblem().empty());
-  EXPECT_FALSE(DesktopSystem(app).ClaimInstance()) << "the folder has its program";
+  EXPECT_FALSE(DesktopSystem(app).ClaimInstance()) << "another program uses the folder";
   EXPECT_EQ(fs::status(app).permissions(), fs::perms::owner_all);
   PutFile(app + "/Greets", "a file where a folder belongs");
   const auto report = Seed(true);
@@ -93,7 +93,7 @@ TEST_F(InstallationTest, AnUnfinishedFirstStartIsFinishedByTheNextAndAUsersFiles
   EXPECT_EQ(ContentOf(app + "/beep.wav"), "my own beep");
 }
 
-TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
+TEST_F(InstallationTest, TheHelpIsReplacedByTheInstalledOneWheneverTheyDiffer) {
   PutFile(app + "/Help/index.htm", "old");
   PutFile(app + "/Help/gone.htm", "of an older version");
   EXPECT_THAT(Refresh().copied, ElementsAre("Help/index.htm", "Help/pictures/a.png"));
@@ -104,7 +104,7 @@ TEST_F(InstallationTest, TheHelpIsTheInstallationsHoweverItWasChanged) {
   EXPECT_THAT(Refresh().problems, ElementsAre(HasSubstr(app + "/Help")));
 }
 
-TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngine) {
+TEST_F(InstallationTest, SpeechNeedsAnExecutableHelperAndTheDataOfItsEngine) {
   ::setenv("ESPEAK_DATA_PATH", (root / "").c_str(), 1);
   fs::create_directory(root / "espeak-ng-data");
   for (const char* name : {"espeak-ng-data/phontab", "helper"}) PutFile(root / name, "");
@@ -117,13 +117,13 @@ TEST_F(InstallationTest, TextsAreSpokenByAnExecutableHelperWithTheDataOfItsEngin
   EXPECT_TRUE(SpeechInstalled(root / "helper")) << "with the system's data";
 }
 
-TEST_F(InstallationTest, TheAutostartIsAnEntryThatComesAndGoesWithItsValue) {
+TEST_F(InstallationTest, TheAutostartEntryIsCreatedAndRemovedWithItsValue) {
   SetRegValue(registry, kRoot, kAutostartKey, "Other", kRegString, "x");
   SetRegValue(registry, kRoot, kSettingsKey, "ORVEN", kRegString, "x");
   SetRegValue(registry, RegistryRoot::CurrentUser, kAutostartKey, "ORVEN", kRegString, "x");
   stored.refuse_writes = true;
   Check(registry);
-  EXPECT_FALSE(fs::exists(entry)) << "for other values, or one that is not stored";
+  EXPECT_FALSE(fs::exists(entry)) << "an entry for other values, or for one that is not stored";
   stored.refuse_writes = false;
   Check(registry);
   EXPECT_TRUE(IsChecked());
@@ -135,7 +135,7 @@ TEST_F(InstallationTest, TheAutostartIsAnEntryThatComesAndGoesWithItsValue) {
             R"("/a b/100%%" "say \"\$x\" \`\\" "" -st)");
 }
 
-TEST_F(InstallationTest, APersonsEditStaysAndAnUneditedEntryFollowsTheProgram) {
+TEST_F(InstallationTest, AUsersEditStaysAndAnUneditedEntryFollowsTheProgram) {
   Check(registry);
   auto moved = Installed("/usr/lib/orven/orven", true);
   Check(moved);
@@ -145,7 +145,7 @@ TEST_F(InstallationTest, APersonsEditStaysAndAnUneditedEntryFollowsTheProgram) {
   EXPECT_EQ(ContentOf(entry), edited);
 }
 
-TEST_F(InstallationTest, OnlyThePersonWhoChecksTheBoxEnablesAnEntryOfOthersOrOneSwitchedOff) {
+TEST_F(InstallationTest, OnlyCheckingTheBoxEnablesADisabledEntryOrOneOfAnotherFolder) {
   const auto home = "X-ORVEN-Home=" + app, elsewhere = "X-ORVEN-Home=" + (root / "other");
   for (const auto& off : {home + "\nHidden=true", home + "\nX-GNOME-Autostart-enabled=false", elsewhere}) {
     Check(registry);
@@ -156,29 +156,29 @@ TEST_F(InstallationTest, OnlyThePersonWhoChecksTheBoxEnablesAnEntryOfOthersOrOne
     EXPECT_FALSE(IsChecked()) << off;
     stored.MakeKey(kSettingsKey);
     Clear();
-    EXPECT_EQ(ContentOf(entry), edited) << "the box was clear, and is left so";
+    EXPECT_EQ(ContentOf(entry), edited) << "clearing a clear box changes nothing";
     Check(registry);
     EXPECT_TRUE(IsChecked()) << off;
   }
 }
 
-TEST_F(InstallationTest, AnEntryThatCannotBeRemovedIsStillInForce) {
+TEST_F(InstallationTest, AnEntryThatCannotBeRemovedStillCounts) {
   Check(registry);
   fs::permissions(root / "", fs::perms{0755});
   fs::permissions(root / "config/autostart", fs::perms{0555});
-  const int before = ::setfsuid(65534);  // root could remove it
+  const int before = ::setfsuid(65534);  // because root could remove it
   Clear();
   EXPECT_TRUE(IsChecked());
   ::setfsuid(static_cast<uid_t>(before));
   EXPECT_NE(problem, "");
   fs::permissions(root / "config/autostart", fs::perms{0755});
   stored = {};
-  EXPECT_TRUE(IsChecked()) << "the desktop starts it, whatever is stored";
+  EXPECT_TRUE(IsChecked()) << "the desktop starts the program, whatever is stored";
   Clear();
   EXPECT_FALSE(fs::exists(entry));
 }
 
-TEST_F(InstallationTest, ADamagedEntryIsSetAsideAndAFailureIsReportedWhileTheValueIsStored) {
+TEST_F(InstallationTest, ADamagedEntryIsSetAsideAndTheValueIsStoredEvenIfTheEntryCannotBe) {
   fs::create_directories(root / "config/autostart");
   PutFile(entry, "rubbish");
   Check(registry);

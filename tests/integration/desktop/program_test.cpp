@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the program's process is made of: the application, its event loop, its end, its clock.
+// The parts of the program's process: the application, its event loop, its exit and its clock.
 #include <gtest/gtest.h>
 #include <qtestsupport_core.h>
 
@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono;
 
-TEST(QtEventLoop, RunsTasksInTheirOrderNoneInsideAnotherAndTellsExceptions) {
+TEST(QtEventLoop, RunsTasksInOrderOneAtATimeAndReportsExceptions) {
   std::string told;
   QtEventLoop loop([&](const std::string& text) { told += text + ", "; });
   std::thread([&] { loop.Post([] { throw std::runtime_error("disk on fire"); }); }).join();
@@ -30,7 +30,7 @@ TEST(QtEventLoop, RunsTasksInTheirOrderNoneInsideAnotherAndTellsExceptions) {
   EXPECT_EQ(told, "disk on fire, unknown exception, bc");
 }
 
-TEST(QtEventLoop, NothingRunsAfterATimersStopOrTheLoopsEnd) {
+TEST(QtEventLoop, NothingRunsAfterATimerStopsOrTheLoopEnds) {
   int ticks = 0;
   QtEventLoop loop;
   const auto timer = loop.MakeTimer([&] { ++ticks; });
@@ -58,35 +58,35 @@ TEST(ExitSignals, TheFirstSignalExitsOnceInTheEventLoopAndLaterOnesDoNotKill) {
   {
     const ExitSignals exit_signals([&] { ++exits; });
     raise({SIGHUP});
-    EXPECT_EQ(exits, 0) << "a hang-up that the starter ignores stays ignored";
+    EXPECT_EQ(exits, 0) << "SIGHUP stays ignored if the parent process ignored it";
   }
   std::signal(SIGHUP, SIG_DFL);
   {
     const ExitSignals exit_signals([&] { ++exits; });
-    std::thread([] { std::raise(SIGINT); }).join();  // whichever thread the system picks
+    std::thread([] { std::raise(SIGINT); }).join();  // any thread may get the signal
     EXPECT_EQ(exits, 0) << "nothing runs inside the signal handler";
     ASSERT_TRUE(QTest::qWaitFor([&] { return exits > 0; }));
     raise({SIGTERM, SIGINT, SIGHUP});
   }
-  raise({SIGTERM});  // during the rest of the exit
+  raise({SIGTERM});  // while the program is still exiting
   EXPECT_EQ(exits, 1);
   for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) std::signal(signal, SIG_DFL);
 }
 
-TEST(QuitRequests, TheEndOfTheSessionIsKeptFromQtWhileTheProgramEnds) {
+TEST(QuitRequests, TheProgramHandlesTheEndOfTheSessionInsteadOfQt) {
   bool asked = false;
   const QuitRequests requests([&] { return asked = true; });
   QEvent quit(QEvent::Quit);
   EXPECT_TRUE(QCoreApplication::sendEvent(QCoreApplication::instance(), &quit) && asked);
 }
 
-/// In POSIX notation, so that no zone database is needed.
+/// Sets the time zone, in POSIX notation, so that no zone database is needed.
 void SetZone(const char* zone) {
   qputenv("TZ", zone);
   tzset();
 }
 
-TEST(QtClock, TellsSecondsApartAndNamesNoZoneInAnyLocale) {
+TEST(QtClock, ShowsSecondsAndNoTimeZoneInAnyLocale) {
   SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
   constexpr Clock::WallTime kAt = sys_days(2003y / 12 / 31) + 13h + 5min + 7s;
   EXPECT_EQ(QtClock(QLocale("de_DE")).DateText(kAt), "31.12.03");
@@ -100,7 +100,7 @@ TEST(QtClock, TellsSecondsApartAndNamesNoZoneInAnyLocale) {
   }
 }
 
-TEST(QtClock, FindsTheLocalDayAndItsBeginAcrossSummerTime) {
+TEST(QtClock, FindsTheLocalDayAndItsStartAcrossSummerTime) {
   const QtClock clock{QLocale::c()};
   SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
   EXPECT_EQ(clock.LocalDay(sys_days(2026y / 6 / 30) + 22h + 30min), 2026y / 7 / 1);
@@ -114,7 +114,7 @@ TEST(QtClock, FindsTheLocalDayAndItsBeginAcrossSummerTime) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  // As the program itself would start without a display; with another platform it would end here.
+  // Starts as the program does without a display; with another Qt platform it would end here.
   for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) qunsetenv(variable);
   const auto application = orven::MakeApplication(argc, argv);
   return RUN_ALL_TESTS();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the person's desktop does for the program: the tray, files and addresses, programs, questions.
+// How the program uses the desktop: the tray icon, files and web addresses, other programs, dialogs.
 #include "adapters/desktop/qt_shell.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 namespace orven::test {
 namespace {
 
-/// Opens nothing, and keeps what was to be opened.
+/// Records the addresses to be opened and opens nothing.
 class Opener : public QObject {
   Q_OBJECT
  public:
@@ -29,7 +29,7 @@ class Opener : public QObject {
 };
 
 struct QtShellTest : testing::Test {
-  /// A shell script whose output is kept.
+  /// Writes a shell script whose output goes to the file "out".
   std::string Program(const std::string& name, const std::string& script) {
     PutFile(folder / name,
             "#!/bin/sh\n{ " + script + "; } > \"$0.new\"\ncd \"${0%/*}\"; mv \"$0.new\" out\n");
@@ -49,16 +49,16 @@ struct QtShellTest : testing::Test {
 };
 
 TEST_F(QtShellTest, TheIconIsAddedOnceAndItsClicksAreMouseMessages) {
-  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Modify, {})) << "there is nothing to change";
+  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Modify, {})) << "there is no icon to change";
   EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Add, {}));
   EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Add, {}));
   NotifyIconData data;
   data.tip = std::string("ORVEN - Calls:4  New:2").append(9, '\0');
   EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Modify, data));
   EXPECT_EQ(shell.Icon()->toolTip(), "ORVEN - Calls:4  New:2");
-  EXPECT_FALSE(shell.HasNotificationArea()) << "a tray that cannot be seen";
+  EXPECT_FALSE(shell.HasNotificationArea()) << "there is no visible tray";
   std::vector<double> messages;
-  emit shell.Icon()->activated(QSystemTrayIcon::Trigger);  // nobody listens yet
+  emit shell.Icon()->activated(QSystemTrayIcon::Trigger);  // no handler is set yet
   shell.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
   for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Context})
     emit shell.Icon()->activated(reason);
@@ -91,8 +91,8 @@ TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
   for (const auto& [line, parts] : rows) EXPECT_EQ(SplitCommandLine(line), parts) << line;
 }
 
-TEST_F(QtShellTest, NoCallersNameBreaksOutOfItsQuotesAndNoSocketIsInherited) {
-  const int line = ::socket(AF_INET, SOCK_DGRAM, 0);  // as libraries open them
+TEST_F(QtShellTest, NoCallerNameBreaksOutOfItsQuotesAndNoSocketIsInherited) {
+  const int line = ::socket(AF_INET, SOCK_DGRAM, 0);  // without close-on-exec, as libraries open them
   const auto program = Program("tell", "printf '%s\\n' \"$@\"; ls -l /proc/$$/fd | grep -c socket:");
   for (const char* name :
        {"Anna Garden", "", "$(touch evil)", "`touch evil`", "a & touch evil", "x\" \"--evil",
@@ -105,7 +105,7 @@ TEST_F(QtShellTest, NoCallersNameBreaksOutOfItsQuotesAndNoSocketIsInherited) {
   ::close(line);
 }
 
-TEST_F(QtShellTest, AHelperIsStartedInPlaceOfItsOtherNameAndWhatCannotBeStartedIsNamed) {
+TEST_F(QtShellTest, AHelperIsStartedUnderItsAliasAndAFailedStartNamesTheProgram) {
   shell.SetHelper("TTS.exe", [this] { return HelperStart{folder / "helper", {{"CHANNEL", "a path"}}}; });
   PutFile(folder / "text", "no program");
   const std::tuple<std::string, int, std::string> rows[] = {{"\"\"", 5, ""},
@@ -139,7 +139,7 @@ TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
             "ORVEN: Add Sound (cancelled: there is no display)\n");
 }
 
-/// Acts on the next box once it is open.
+/// Calls `act` with the next dialog box once it is open.
 template <class Box>
 void WhenOpen(std::function<void(Box&)> act) {
   QTimer::singleShot(0, qApp, [act] { act(dynamic_cast<Box&>(*QApplication::activeModalWidget())); });
@@ -152,7 +152,7 @@ TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
   dialog.open();
   for (const auto button : {QMessageBox::Yes, QMessageBox::No, QMessageBox::NoButton}) {
     WhenOpen<QMessageBox>([&](auto& box) {
-      EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is no markup";
+      EXPECT_EQ(box.textFormat(), Qt::PlainText) << "a caller's name is not markup";
       EXPECT_EQ(box.parentWidget(), &dialog);
       box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
@@ -165,7 +165,7 @@ TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
   QtDialogs(true).Message("Parameters:");
 }
 
-TEST(QtDialogs, FilesAreChosenByTheFilterInTheFolderOfTheLast) {
+TEST(QtDialogs, FilesAreFilteredAndTheLastFolderIsOpenedAgain) {
   const ScratchFolder folder;
   QtDialogs dialogs(true);
   QString seen;

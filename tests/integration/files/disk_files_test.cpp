@@ -18,7 +18,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// Number of the error that `statement` fails with; 0 when it does not. Its text must name `path`.
+/// Returns the number of the error that `statement` fails with, or 0. The text of the error must name `path`.
 std::int32_t Failure(const std::string& path, const std::function<void()>& statement) {
   try {
     statement();
@@ -36,7 +36,7 @@ class DiskFilesTest : public ::testing::Test {
   DiskFiles files_;
 };
 
-TEST_F(DiskFilesTest, FailuresCarryTheClassicNumberAndThePath) {
+TEST_F(DiskFilesTest, FailuresHaveTheirErrorNumberAndNameThePath) {
   const std::string none = folder_ / "none", below = from_ + "/below", proc = "/proc/version";
   PutFile(from_, "x");
   EXPECT_EQ(Failure(none, [&] { files_.Read(none); }), 53);
@@ -45,10 +45,10 @@ TEST_F(DiskFilesTest, FailuresCarryTheClassicNumberAndThePath) {
   EXPECT_EQ(Failure(below, [&] { files_.Append(below, "x"); }), 76);
   EXPECT_EQ(Failure(folder_ / "", [&] { files_.Delete(folder_ / ""); }), 75);
   EXPECT_EQ(Failure(proc, [&] { files_.Rename(proc, to_); }), 70);
-  EXPECT_FALSE(files_.Exists(to_)) << "a file that cannot leave is not left in both places";
+  EXPECT_FALSE(files_.Exists(to_)) << "a file that cannot be moved is not left in both places";
 }
 
-TEST_F(DiskFilesTest, ListsRegularFilesThatMatchHoweverManyStars) {
+TEST_F(DiskFilesTest, ListsRegularFilesThatMatchAPatternWithAnyNumberOfStars) {
   const Names ordered{"1.txt", "2-9.txt", "02-10.txt", "10.TXT", "a.txt", "B.txt", "b01.txt", "b1.txt"};
   for (const auto& name : ordered) PutFile(folder_ / name, "");
   for (const auto& name : {std::string("B.WAV"), std::string("c.wave"), std::string(255, 'a')})
@@ -60,7 +60,7 @@ TEST_F(DiskFilesTest, ListsRegularFilesThatMatchHoweverManyStars) {
   EXPECT_EQ(files_.List(folder_ / "", "*a*a*a*a*a*a*a*a*a*a*a*a*b"), Names{});
 }
 
-TEST_F(DiskFilesTest, AFullDiskLeavesTheOldContentAndNoRest) {
+TEST_F(DiskFilesTest, AFullDiskKeepsTheOldContentAndLeavesNoPartialFile) {
   PutFile(from_, std::string(200000, 'x'));
   PutFile(to_, "old");
   {
@@ -107,7 +107,7 @@ TEST_F(DiskFilesTest, TheCaseOfAnExtensionDoesNotMatter) {
   EXPECT_EQ(folder_.Count(""), 1U);
 }
 
-TEST_F(DiskFilesTest, ReplacingALinkReplacesWhatItLeadsTo) {
+TEST_F(DiskFilesTest, ReplacingALinkReplacesItsTarget) {
   std::filesystem::create_symlink("to", folder_ / "link");
   PutFile(to_, "old");
   ReplaceFile(folder_ / "link", "new", 0600);
@@ -115,13 +115,13 @@ TEST_F(DiskFilesTest, ReplacingALinkReplacesWhatItLeadsTo) {
   EXPECT_EQ(ContentOf(to_), "new");
 }
 
-TEST(Utf8Test, TellsWellFormedTextFromTheRest) {
+TEST(Utf8Test, AcceptsOnlyWellFormedText) {
   EXPECT_TRUE(IsUtf8("plain \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\x9E \xEF\xBF\xBF"));
   for (const char* bad : {"\x80", "\xC3", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80"})
     EXPECT_FALSE(IsUtf8(bad));
 }
 
-TEST(BackgroundThread, WorksElsewhereInOrderTellsOfFailuresAndItsEndWaitsForWhatWasAskedFor) {
+TEST(BackgroundThread, RunsTasksInOrderReportsFailuresAndFinishesTheQueueBeforeItEnds) {
   testing::TestLoop loop;
   std::optional<BackgroundThread> background(std::in_place, loop);
   std::string done, told;

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A mail server (aiosmtpd) for the tests, on loopback, until standard input ends.
+"""A mail server (aiosmtpd) for the tests, on the loopback interface. Runs until its standard input ends.
 
-mail_server.py FOLDER starttls|smtps       encrypted; wants user "desk", password "s3cret+ü"
+mail_server.py FOLDER starttls|smtps       encrypted; requires the user "desk" and the password "s3cret+ü"
 mail_server.py FOLDER [STEP ACTION]        fails once, at CONNECT, EHLO, MAIL, RCPT, DATA, BODY or QUIT: ACTION is
                                            a reply, "stall", "close", "garbage" or "pause"
 
-The port appears in FOLDER/port, the certificate in FOLDER/cert.pem, FOLDER/stalled when it fails; the n-th mail
-received, read by Python's own email package, in FOLDER/n.fields and its attached file in FOLDER/n.wav.
+Writes its port to FOLDER/port and its certificate to FOLDER/cert.pem, and creates FOLDER/stalled when it fails. The
+n-th mail, parsed by Python's email package, is written to FOLDER/n.fields and its attached file to FOLDER/n.wav.
 """
 import asyncio
 import email.policy
@@ -22,7 +22,7 @@ import sys
 from aiosmtpd.smtp import SMTP, AuthResult
 
 FOLDER, KIND, ACTION = (sys.argv[1:] + ["", ""])[:3]
-logging.disable()  # what clients do wrong here is the tests' doing
+logging.disable()  # the tests cause client errors on purpose
 count = {"received": 0, "failed": 0}
 
 
@@ -50,7 +50,7 @@ class Handler:
 
 
 class Faulty(SMTP):
-    """Fails at the step KIND."""
+    """Fails once, at the step KIND."""
 
     step, silent = "CONNECT", False
 

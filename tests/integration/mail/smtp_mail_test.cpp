@@ -24,10 +24,10 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-std::atomic<bool> names_hang = false;  ///< asking for the address of "hanging.invalid" does not return
+std::atomic<bool> names_hang = false;  ///< a lookup of "hanging.invalid" does not return
 std::atomic<int> names_asked = 0;
 
-/// Bytes like a recording's, with what SMTP treats specially among them.
+/// Returns bytes like those of a recording, including sequences that SMTP treats specially.
 std::string Recording() {
   std::string bytes = "RIFF\r\n.\r\n..\r\n";
   std::minstd_rand random(1);
@@ -35,7 +35,7 @@ std::string Recording() {
   return bytes;
 }
 
-/// A server of mail_server.py, which ends with this object.
+/// Runs mail_server.py, which ends with this object.
 class TestServer {
  public:
   explicit TestServer(const std::string& arguments = "") {
@@ -46,10 +46,11 @@ class TestServer {
   }
 
   std::string Address() const { return "127.0.0.1:" + ContentOf(folder_ / "port"); }
-  /// The file that tells of the server's progress.
+  /// Returns whether the server has written this file.
   bool Has(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
 
-  /// The `number`-th mail, waited for: its fields, and the attached file's content as "Content".
+  /// Waits for the `number`-th mail and returns its fields, with the content of the attached file as
+  /// "Content".
   std::map<std::string, std::string> Mail(int number) const {
     const std::string name = std::to_string(number);
     EXPECT_TRUE(Eventually([&] { return Has(name + ".fields"); }));
@@ -66,7 +67,7 @@ class TestServer {
   std::unique_ptr<FILE, int (*)(FILE*)> input_{nullptr, ::pclose};
 };
 
-/// The mail control, and a list of what it tells.
+/// The mail control, and a list of its events.
 class MailTest : public ::testing::Test, public MailEvents {
  protected:
   MailTest() { Start(); }
@@ -89,13 +90,13 @@ class MailTest : public ::testing::Test, public MailEvents {
     mail_->Send(server, "desk@example.org", "B\u00FCro \"1\"\r\nBcc: x@y.zz", recipient, subject, file);
   }
 
-  /// What is told next; nothing within the limit fails the test.
+  /// Waits for the next event and returns it; the test fails if none comes in time.
   std::string Told() {
     EXPECT_TRUE(loop_.RunUntil([this] { return told_.size() > heard_; }));
     return heard_ < told_.size() ? told_[heard_++] : "nothing";
   }
 
-  /// What is told of a mail that is sent now.
+  /// Sends a mail and returns the next event.
   std::string Sent(const std::string& server, const std::string& subject = "New Call",
                    const std::string& recipient = "me@example.org") {
     Send(server, subject, recipient);
@@ -113,7 +114,7 @@ class MailTest : public ::testing::Test, public MailEvents {
   std::unique_ptr<SmtpMail> mail_;
 };
 
-TEST_F(MailTest, ArrivesPartByPartInOrderWithAttachedFilesOnly) {
+TEST_F(MailTest, ArrivesInOrderAndCompleteAndOnlyExistingFilesAreAttached) {
   ::setenv("TZ", "XXX3:30", 1);  // west of Greenwich
   const TestServer server;
   const std::string name = "Anruf von Zo\u00EB \"mobil\" 2026-11-21 08-53-31 Nummer 0301234567.wav";
@@ -136,7 +137,7 @@ TEST_F(MailTest, ArrivesPartByPartInOrderWithAttachedFilesOnly) {
   EXPECT_TRUE(std::filesystem::is_empty(outbox_));
 }
 
-TEST_F(MailTest, SubjectsOfStrangersStayInTheirField) {
+TEST_F(MailTest, TheSubjectStaysInItsFieldWhateverACallerSends) {
   const TestServer server;
   std::string xs(2000, 'x'), umlauts;
   for (int i = 0; i < 1000; ++i) umlauts += "\u00E4";
@@ -175,7 +176,7 @@ TEST_F(MailTest, IsEncryptedAndSentOnlyWithTheRightCertificateAndPassword) {
   }
 }
 
-TEST_F(MailTest, AFaultyServerGetsTheMailGivenUpWithTheCauseAndTheNextMailGoes) {
+TEST_F(MailTest, AMailToAFaultyServerIsGivenUpWithTheCauseAndTheNextOneIsSent) {
   limits_.inactivity = std::chrono::milliseconds(800);
   account_ = {"desk", "**"};
   Start();
@@ -183,14 +184,14 @@ TEST_F(MailTest, AFaultyServerGetsTheMailGivenUpWithTheCauseAndTheNextMailGoes) 
   const std::map<std::string, std::string> faults{
       {"CONNECT '421 4.3.2 closed\\x07 today'", "refused the mail: 421 4.3.2 closed  today"},
       {"MAIL '550-no\\r\\n550 mail from you'", "550-no mail from you"},
-      {"RCPT '550 no ** for you'", "refused the mail: 550 no *** for you"},  // the password is like its mask
+      {"RCPT '550 no ** for you'", "refused the mail: 550 no *** for you"},  // the password looks masked
       {"BODY '559 too long'", "mail: 559 too long"},
       {"CONNECT stall", "stopped answering (timed out)"},
       {"BODY stall", "stopped answering (timed out)"},
       {"RCPT garbage", "does not answer as a mail server"},
       {"BODY close", "was lost"},
       {"CONNECT pause", "done a@example.org"},  // too short a pause to give up
-      {"QUIT stall", "done a@example.org"}};    // not the mail's fault any more
+      {"QUIT stall", "done a@example.org"}};    // the mail has been accepted by then
   for (const auto& [fault, told] : faults) {
     const TestServer server(fault);
     Send(server.Address(), "one", "a@example.org", folder_ / "a.wav");
@@ -200,7 +201,7 @@ TEST_F(MailTest, AFaultyServerGetsTheMailGivenUpWithTheCauseAndTheNextMailGoes) 
   }
 }
 
-TEST_F(MailTest, WhatCannotBeSentIsNamed) {
+TEST_F(MailTest, AMailThatCannotBeSentIsReportedWithTheCause) {
   EXPECT_EQ(Sent("127.0.0.1:1"), "error me@example.org: 127.0.0.1:1 refuses connections");
   for (const char* server :
        {"", "http://x", "smtp://", "a b", "x:0", "x:65536", "x:25x", "user@x", "::1", "[::1"}) {
@@ -230,7 +231,7 @@ TEST_F(MailTest, ANameServerThatHangsTimesOutAndDoesNotDelayTheExit) {
   EXPECT_TRUE(Eventually([] { return names_asked == 0; }));
 }
 
-TEST_F(MailTest, AttachmentThatShrinksOrVanishesUnkeptIsNamed) {
+TEST_F(MailTest, AnAttachmentThatShrinksOrDisappearsIsReported) {
   const TestServer server("DATA pause");
   const std::string file = folder_ / "a.wav", gone = folder_ / "b.wav";
   PutFile(file, Recording());
@@ -246,7 +247,7 @@ TEST_F(MailTest, AttachmentThatShrinksOrVanishesUnkeptIsNamed) {
   EXPECT_TRUE(std::filesystem::is_empty(outbox_));
 }
 
-TEST_F(MailTest, AfterAStalledExitTheNextStartSendsUnderTheSameIdAndSetsDamagedMailsAside) {
+TEST_F(MailTest, AfterAStalledExitTheNextStartSendsWithTheSameIdAndSetsDamagedMailsAside) {
   const TestServer server("BODY stall");
   account_ = {"desk", "s3cret"};
   const auto message = folder_ / "a%.wav", first = outbox_ + "/000000001.mail",
@@ -256,7 +257,7 @@ TEST_F(MailTest, AfterAStalledExitTheNextStartSendsUnderTheSameIdAndSetsDamagedM
   Send(server.Address(), "two", "b@example.org");
   Send(server.Address(), "three", "c@example.org");
   ASSERT_TRUE(Eventually([&] { return server.Has("stalled"); }));
-  std::filesystem::remove(message);  // the user has heard it
+  std::filesystem::remove(message);  // the user has heard and deleted it
   const std::string kept = ContentOf(first), whole = ContentOf(second);
   EXPECT_EQ(std::filesystem::status(first).permissions(), std::filesystem::perms(0600));
   EXPECT_THAT(kept, Not(HasSubstr("s3cret")));
@@ -270,7 +271,7 @@ TEST_F(MailTest, AfterAStalledExitTheNextStartSendsUnderTheSameIdAndSetsDamagedM
                                   second));
   EXPECT_EQ(ContentOf(damaged.substr(damaged.rfind(' ') + 1)) + "end\n", whole);
   EXPECT_EQ(Told(), "done c@example.org");
-  auto mail = server.Mail(2);  // received twice
+  auto mail = server.Mail(2);  // the server has received it twice
   EXPECT_EQ(mail["Subject"] + mail["File"], "one  100 %a%.wav");
   EXPECT_TRUE(mail["Content"] == Recording());
   EXPECT_THAT(kept, HasSubstr("message-id=" + mail["Message-ID"]));
@@ -285,7 +286,7 @@ TEST_F(MailTest, IsSentEvenWhenTheOutboxCannotBeWritten) {
 
 }  // namespace
 
-/// Takes precedence over the C library's function of this name.
+/// Takes precedence over the C library's function of the same name.
 extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** result) {
   if (std::string_view(name) == "unknown.invalid") return EAI_NONAME;  // at once, in any network
   if (std::string_view(name) == "hanging.invalid") {

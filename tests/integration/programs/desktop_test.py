@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The program on a desktop: with a tray of X11, with a tray on the message bus, without one; how it starts and ends.
+# The program on a desktop: with an X11 tray, with a tray on the message bus, or without one; how it starts and ends.
 
 import os
 import shutil
@@ -37,7 +37,7 @@ class BusIcon:
         self._interface(self._name, "/StatusNotifierItem", ITEM).Activate(0, 0)
 
     def menu(self):
-        """The menu's items by their caption, without separators."""
+        """Returns the menu's items by caption, without separators."""
         _, root = self._menu.GetLayout(0, -1, dbus.Array(signature="s"))
         return {str(item[1]["label"]).replace("_", ""): item[0] for item in root[2] if "label" in item[1]}
 
@@ -51,7 +51,7 @@ class DesktopTest(harness.ProgramCase):
     def prepare(self):
         runtime = os.path.join(self.folder, "runtime")
         os.makedirs(runtime, 0o700)
-        # No settings and no sockets of the user's.
+        # The user's settings and sockets are not used.
         self.display = self.enterContext(Display(self.folder, {"HOME": self.folder, "XDG_RUNTIME_DIR": runtime}))
 
     def x11_tray(self):
@@ -68,7 +68,7 @@ class DesktopTest(harness.ProgramCase):
         return self.display.windows(self.orven.process)
 
     def icon(self):
-        """The program's window in a tray of X11."""
+        """Waits for the program's icon in an X11 tray and returns its window."""
 
         def find():
             return [w for w in self.windows() if w.kind() == "OVERRIDE" and w.area()[2] <= 64]
@@ -76,7 +76,7 @@ class DesktopTest(harness.ProgramCase):
         return processes.wait_for("The icon in the tray", find, LIMIT)[0]
 
     def main_window(self, state):
-        """Waits until the main window has this state, which is empty for a window that is not shown."""
+        """Waits until the main window has this state; an empty state means that it is not shown."""
 
         def find():
             window = self.display.main_window(self.orven.process)
@@ -93,14 +93,14 @@ class DesktopTest(harness.ProgramCase):
         for kind in ("Sys", "Calls"):
             self.assertIn("Unload ORVEN", self.orven.log(kind)[-1])
 
-    def test_an_icon_in_a_tray_of_x11_comes_back_with_its_tray_opens_and_ends_the_program(self):
+    def test_an_icon_in_an_x11_tray_returns_with_its_tray_and_opens_and_ends_the_program(self):
         self.orven.start_and_wait("-st")
         self.main_window("")
-        tray = self.x11_tray()  # comes up after the program, as it may at login
+        tray = self.x11_tray()  # starts after the program, as can happen at login
         self.icon()
         processes.stop(tray, LIMIT)
         processes.wait_for("The tray's end", lambda: not self.windows(), LIMIT)
-        self.x11_tray()  # and again, as after a crash
+        self.x11_tray()  # starts again, as after a crash
         icon = self.icon()
 
         self.display.run("xdotool", "mousemove", *(x + 8 for x in icon.area()[:2]), "mousemove_relative", 2, 2)
@@ -114,7 +114,7 @@ class DesktopTest(harness.ProgramCase):
         self.choose(icon, "Up")  # the last item is "Open"
         self.main_window("Normal")
         self.open_lines()
-        self.display.run("xdotool", "key", "alt+r")  # a question, over which the menu works
+        self.display.run("xdotool", "key", "alt+r")  # a question; the menu works while it is open
         self.display.wait_for_keyboard("ORVEN", LIMIT)
         self.choose(icon, "Down")  # the first item is "Exit"
         self.assert_ended_by_exit()
@@ -125,7 +125,7 @@ class DesktopTest(harness.ProgramCase):
         processes.wait_for("The menu", lambda: len(self.windows()) > windows, LIMIT)
         self.display.run("xdotool", "key", key, "Return")
 
-    def test_a_tray_on_the_bus_that_hangs_blocks_nothing_and_the_next_one_has_the_icon(self):
+    def test_a_tray_on_the_bus_that_hangs_blocks_nothing_and_the_next_one_shows_the_icon(self):
         address = f"unix:path={self.folder}/bus"
         self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
         processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
@@ -135,7 +135,7 @@ class DesktopTest(harness.ProgramCase):
         self.orven.start_and_wait()
         self.main_window("Normal").close()
         self.main_window("Iconic")  # the icon could not bring it back
-        host.kill()  # the desktop starts another
+        host.kill()  # the desktop starts another one
         host.wait(LIMIT)
         self.bus_tray(address)
         icon = BusIcon(address)
@@ -151,14 +151,14 @@ class DesktopTest(harness.ProgramCase):
         icon.press("Exit")
         self.assert_ended_by_exit()
 
-    def test_dialogs_that_close_beside_the_caller_view_give_the_keyboard_back(self):
+    def test_dialogs_return_the_keyboard_focus_while_the_caller_view_is_open(self):
         self.orven.start_and_wait()
         self.main_window("Normal")
         self.open_lines()
         windows = len(self.windows())
         self.dial("Anna")
         processes.wait_for("The caller view", lambda: len(self.windows()) > windows, LIMIT)
-        self.display.run("xdotool", "key", "alt+r")  # asks
+        self.display.run("xdotool", "key", "alt+r")  # opens a question
         self.display.wait_for_keyboard("ORVEN", LIMIT)
         for below in ("Telephone Lines", "Options", "ORVEN"):
             self.display.run("xdotool", "key", "Escape")
@@ -192,7 +192,7 @@ class DesktopTest(harness.ProgramCase):
 class StartTest(harness.ProgramCase):
     arguments = ()
 
-    def test_the_first_start_tells_its_password_once_and_the_next_login_starts_it(self):
+    def test_the_first_start_prints_its_password_once_and_the_next_login_starts_the_program(self):
         shutil.rmtree(self.orven.home)
         orven = self.machine()
         for with_signal in (signal.SIGTERM, signal.SIGINT):
@@ -206,7 +206,7 @@ class StartTest(harness.ProgramCase):
 
     def test_a_second_instance_touches_nothing(self):
         self.orven.start_and_wait()
-        self.orven.wait_for("There is no sound server")  # the last line that a start writes
+        self.orven.wait_for("There is no sound server")  # the last line that is logged at a start
         before, first = list(self.orven.log()), self.orven.process
         self.addCleanup(processes.stop, first, 5)
         self.orven.start()
@@ -214,7 +214,7 @@ class StartTest(harness.ProgramCase):
         self.assertIn("ORVEN is still running", self.orven.output())
         self.assertEqual((self.orven.log(), first.poll()), (before, None))
 
-    def test_exit_in_mid_message_keeps_the_message(self):
+    def test_an_exit_during_a_message_keeps_the_message(self):
         self.orven.start_and_wait()
         said = sound.noise(2, seed=1)
         self.call_to_the_message("Anna").say(said, LIMIT)
@@ -222,7 +222,7 @@ class StartTest(harness.ProgramCase):
         self.assertIn("Unload ORVEN", self.orven.log()[-1])
         self.assert_message("Anna", said)
 
-    def test_an_application_folder_that_cannot_be_made_is_named(self):
+    def test_an_application_folder_that_cannot_be_created_is_reported(self):
         self.orven.variables["ORVEN_HOME"] = home = self.orven.path("lines.ini/home")  # below a file
         self.orven.start()
         self.orven.wait_for_exit(1)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Calls by the thousand: what they do to the one call that is being recorded, to the line and to the memory.
+# A flood of calls: what it does to the one call that is being recorded, to the line and to the memory.
 #
-# sipp sends 500 INVITEs a second, each a call of its own, from one address; every second one is never finished by
-# its ACK, as those of an attacker are not.
+# sipp sends 500 INVITEs a second from one address, each for a new call. Like an attacker,
+# it never sends the ACK for half of them.
 
 import csv
 import os
@@ -14,10 +14,10 @@ from harness import LIMIT, processes, sound
 
 CALLS_A_SECOND = 500
 SHORT, SECONDS = 2, int(os.environ.get("ORVEN_FLOOD_SECONDS", "5"))
-# What is kept for a call without its ACK is forgotten after 64 x T1 = 32 s (RFC 3261, section 17.2.1, timer H).
+# The state of a call without an ACK is kept for 64 x T1 = 32 s (RFC 3261, section 17.2.1, timer H).
 FORGET_LIMIT = 60
-MEMORY_SLACK = 4096  # KiB; a transaction for each call of a flood of 5 s would be 11,000
-MARGIN = 2  # seconds by which the caller speaks longer than the flood lasts
+MEMORY_SLACK = 4096  # KiB; one transaction for each call of a 5 s flood would need 11,000
+MARGIN = 2  # seconds that the caller speaks longer than the flood lasts
 
 
 class FloodTest(harness.ProgramCase):
@@ -28,7 +28,7 @@ class FloodTest(harness.ProgramCase):
         self.orven.start_and_wait()
 
     def memory(self):
-        """Resident, in KiB."""
+        """Returns the resident memory in KiB."""
         with open(f"/proc/{self.orven.process.pid}/status", encoding="ascii") as status:
             return int(re.search(r"VmRSS:\s+(\d+)", status.read())[1])
 
@@ -45,11 +45,11 @@ class FloodTest(harness.ProgramCase):
         with open(self.counts, encoding="utf-8") as file:
             *_, last = csv.DictReader(file, delimiter=";")
         went = (last["SuccessfulCall(C)"], last["FailedCall(C)"])
-        self.assertEqual(went, (str(CALLS_A_SECOND * seconds), "0"), "as expected, and not")
+        self.assertEqual(went, (str(CALLS_A_SECOND * seconds), "0"), "successful and failed calls")
 
-    def test_a_call_is_recorded_meanwhile(self):
+    def test_a_call_is_recorded_during_a_flood(self):
         floods, said = [], sound.noise(SECONDS + MARGIN, seed=1)
-        self.leave_message("Before", said)  # takes the memory that a call of this length takes
+        self.leave_message("Before", said)  # allocates the memory that a call of this length needs
         lines, before = len(self.orven.log()), self.memory()
         self.leave_message("Flooded", said, lambda: floods.append(self.flood(SECONDS)))
         self.assert_over(floods[0], SECONDS)
@@ -60,7 +60,7 @@ class FloodTest(harness.ProgramCase):
         self.orven.end()
         self.assert_message("Flooded", said)
 
-    def test_an_idle_line_takes_one_of_them(self):
+    def test_an_idle_line_takes_one_call_of_a_flood(self):
         self.assert_over(self.flood(SHORT), SHORT)
         self.orven.wait_for("Idle[", LIMIT)
         self.assertEqual(self.orven.count("InCommingCall["), 1)

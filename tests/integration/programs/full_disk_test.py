@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# A disk that is filled to its last byte in mid-message: the call goes on, and nothing is lost.
+# A disk becomes full during a message: the call goes on, and nothing is lost.
 #
-# The disk is a small one in memory, mounted where only this test and what it starts see it. Where nobody may do
-# that the test is skipped (77).
+# The disk is a small tmpfs, mounted where only this test and its child processes see it. The test is skipped (77) if
+# mounting is not allowed.
 
 import errno
 import os
@@ -36,7 +36,7 @@ class FullDiskTest(harness.ProgramCase):
         self.leave_message("Before", noise("Before"))
 
     def fill(self):
-        """To the last byte that the disk gives."""
+        """Fills the disk to its last byte."""
         with open(self.filler, "ab", buffering=0) as filler:
             for size in (1 << 20, 4096, 1):
                 try:
@@ -46,8 +46,8 @@ class FullDiskTest(harness.ProgramCase):
                     self.assertEqual(failure.errno, errno.ENOSPC)
 
     def call_until_full(self):
-        """The disk becomes full in the message; the caller notices nothing, and speaks on. (What a telephone says
-        would fail if it were hung up on.)"""
+        """Fills the disk during the message; the caller speaks on, as if nothing had happened.
+        (A telephone's say() would fail after a hang-up.)"""
         caller = self.call_to_the_message("Full")
         caller.say(noise("Full 1"), LIMIT)
         self.fill()
@@ -55,8 +55,8 @@ class FullDiskTest(harness.ProgramCase):
         self.hang_up(caller)
 
     def end_and_assert_filed(self, *said):
-        """The records are those of these calls, (name, sounds …) each. The log names the full disk once for each thing
-        that had no room."""
+        """Checks that the records are those of these calls, (name, sounds …) each, and that the log names the full disk
+        once for the message and once for the records."""
         self.leave_message("After", noise("After"))
         self.orven.end()
         said = (("Before", "Before"), *said, ("After", "After"))
@@ -69,19 +69,19 @@ class FullDiskTest(harness.ProgramCase):
         self.assertEqual(len(told), 2, told)
         self.assertTrue("Record Message The disk is full" in told[0] and "home/Calls" in told[1], told)
 
-    def test_room_comes_back(self):
+    def test_space_becomes_free_during_the_next_call(self):
         self.call_until_full()
-        caller = self.call("Later")  # is answered when the end of the call before has been dealt with
+        caller = self.call("Later")  # is answered once the end of the previous call has been handled
         caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()) is not None, LIMIT)
         caller.say(sound.silence(REACTION_SECONDS) + noise("Later 1"), LIMIT)
         os.unlink(self.filler)
-        self.orven.wait_for("The calls that could not be filed are filed now", LIMIT)  # without another call's end
+        self.orven.wait_for("The calls that could not be filed are filed now", LIMIT)  # before this call ends
         self.assertEqual(self.callers_of_records(), ["Before", "Full"])
         caller.say(noise("Later 2"), LIMIT)
         self.hang_up(caller)
         self.end_and_assert_filed(("Full", "Full 1", "Full 2"), ("Later", "Later 1", "Later 2"))
 
-    def test_the_program_ends_before_there_is_room(self):
+    def test_the_program_ends_before_space_becomes_free(self):
         self.call_until_full()
         self.orven.end()
         self.assertEqual(self.callers_of_records(), ["Before"])

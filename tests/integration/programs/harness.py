@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# What the tests of the whole program share: a folder, the program in it, callers, and a runner that runs the tests of a
-# script side by side, each in its own process.
+# Shared by the tests of the whole program: a folder, the program in it, callers, and a runner that runs the tests of a
+# script in parallel, each in its own process.
 
 import os
 import re
@@ -23,11 +23,11 @@ LIMIT = 30  # seconds, for every wait
 REACTION_SECONDS = 0.5  # from the beep until a person speaks
 SKIPPED = 77  # CTest's SKIP_RETURN_CODE
 _TEMPLATE = "ORVEN_TEST_TEMPLATE"  # set in each test's process
-QUIET = {"LC_ALL": "en_US.UTF-8", "PULSE_SERVER": "unix:/nonexistent"}  # no test beeps on the user's desk
+QUIET = {"LC_ALL": "en_US.UTF-8", "PULSE_SERVER": "unix:/nonexistent"}  # tests play nothing on the user's cards
 
 
 def make_template(folder):
-    """A used application folder whose machine answers at the first ring with a short greeting."""
+    """Creates a used application folder whose machine answers at the first ring with a short greeting."""
     with machine.Machine(PROGRAM, folder, arguments=["-st"], variables=QUIET) as orven:
         orven.start_and_wait()
         orven.end()
@@ -38,7 +38,7 @@ def make_template(folder):
 
 
 class ProgramCase(unittest.TestCase):
-    """A folder for the program, not started yet, and telephones that call it."""
+    """Provides a folder for the program, which is not started yet, and telephones that call it."""
 
     modem, display, arguments, variables = None, None, ("-st",), {}
 
@@ -49,7 +49,7 @@ class ProgramCase(unittest.TestCase):
         self.orven = self.machine(os.environ[_TEMPLATE])
 
     def prepare(self):
-        """What the program needs around it."""
+        """Sets up what the program needs around it."""
 
     def machine(self, template=None):
         return self.enterContext(machine.Machine(
@@ -63,7 +63,7 @@ class ProgramCase(unittest.TestCase):
         return caller
 
     def call(self, name):
-        """A caller whose call was answered."""
+        """Calls and waits for the answer."""
         caller = self.dial(name)
         caller.wait_event("CALL_ESTABLISHED", LIMIT)
         return caller
@@ -79,7 +79,7 @@ class ProgramCase(unittest.TestCase):
         caller.wait_event("CALL_CLOSED", LIMIT)
 
     def leave_message(self, name, samples, meanwhile=lambda: None):
-        """A whole call; `meanwhile` is called when its recording has begun."""
+        """Makes a complete call; `meanwhile` is called when its recording has begun."""
         ends = self.orven.count("Idle[")
         caller = self.call_to_the_message(name)
         meanwhile()
@@ -88,7 +88,7 @@ class ProgramCase(unittest.TestCase):
         self.orven.wait_for("Idle[", LIMIT, ends + 1)
 
     def assert_message(self, name, *sounds):
-        """The only record of this caller has a message that holds these sounds bit by bit."""
+        """Checks that the only record of this caller has a message that contains these sounds, bit by bit."""
         (record,) = [record for record in self.orven.records() if record["Call_Name"] == name]
         message = sound.read(self.orven.message(record))
         for said in sounds:
@@ -96,7 +96,7 @@ class ProgramCase(unittest.TestCase):
         self.assertAlmostEqual(len(message) / sound.RATE, float(record["Type"]), places=1)
 
     def assert_order(self, *steps):
-        """The log of the latest start has them in this order."""
+        """Checks that the log of the latest start has these steps in this order."""
         rest = iter(self.orven.log_since_start())
         for step in steps:
             self.assertTrue(any(step in line for line in rest), (step, self.orven.log_since_start()))
@@ -106,7 +106,7 @@ class ProgramCase(unittest.TestCase):
 
 
 def sipp(folder, port, scenario, words, *options):
-    """Starts sipp, which calls `port` by the scenario in this folder with its words in capitals replaced."""
+    """Starts sipp, which calls `port` with this scenario; words in capitals are replaced by those in `words`."""
     path = os.path.join(folder, scenario)
     with open(os.path.join(HERE, scenario), encoding="utf-8") as file, open(path, "w", encoding="utf-8") as filled:
         filled.write(re.sub("|".join(words), lambda word: str(words[word[0]]), file.read()))
@@ -116,8 +116,8 @@ def sipp(folder, port, scenario, words, *options):
 
 
 def unshare(kinds, trial):
-    """The command that runs another in its own namespaces, whose end undoes all mounts and networks. `kinds` are
-    letters of unshare(1). Where the shell command `trial` fails in such namespaces, the tests are skipped."""
+    """Returns the command that runs another one in new namespaces, whose end undoes all mounts and networks. `kinds`
+    are letters of unshare(1). Skips the tests if the shell command `trial` fails in such namespaces."""
     for options in ("-" + kinds, "-r" + kinds):
         command = ["unshare", options]
         if subprocess.run([*command, "sh", "-c", trial], capture_output=True, check=False).returncode == 0:
@@ -127,7 +127,7 @@ def unshare(kinds, trial):
 
 
 def main(program_arguments=1, at_a_time=1, namespaces=None, prepare=lambda: None):
-    """SCRIPT PROGRAM [EMULATOR] [CLASS.TEST …]: runs the named tests, or all. Each calls `prepare` in its own process."""
+    """Runs the named tests, or all: SCRIPT PROGRAM [EMULATOR] [CLASS.TEST …]. Each process calls `prepare` first."""
     global PROGRAM, EMULATOR
     script, *programs = map(os.path.abspath, sys.argv[: program_arguments + 1])
     PROGRAM, EMULATOR = (programs + [""])[:2]

@@ -4,9 +4,9 @@
 #
 #     kill_test.py PROGRAM [KILLS [SEED]]
 #
-# Ten programs, each with its own folder and port, are called by sipp side by side. A moment is either any time of the
-# call or a few milliseconds after a step in the system log. What must be there after the next start follows from what
-# the killed program had logged and from how long it had been recording.
+# sipp calls ten programs in parallel, each with its own folder and port. A kill comes at any time of the call or a few
+# milliseconds after a step in the system log. What must exist after the next start follows from what the killed program
+# had logged and from how long it had been recording.
 
 import glob
 import itertools
@@ -24,7 +24,7 @@ from harness import machine, processes, sound
 
 AT_A_TIME = 10
 NOISE_SECONDS = 10
-BEHIND_SECONDS = 1.0  # what a crash may cost of a message
+BEHIND_SECONDS = 1.0  # how much of a message a crash may cost
 CALL_SECONDS = 4.5  # from the offer until a long call is filed
 STEPS = ["InCommingCall[", "CallerID[", "Ring[", "LineAnswer[", "Connected[", "Play Beep", "Start Record Message[",
          "Disconnected[", "Record Message ", "Close PreScreen", "Idle["]  # fmt: skip
@@ -32,29 +32,29 @@ STEPS = ["InCommingCall[", "CallerID[", "Ring[", "LineAnswer[", "Connected[", "P
 
 @dataclass
 class Call:
-    """One call and the kill in it."""
+    """One call and the kill during it."""
 
     name: str
     number: str
-    lines: list = field(default_factory=list)  # what the log got: (when it was seen, time text, text)
+    lines: list = field(default_factory=list)  # of the log: (when it was seen, time text, text)
     killed_at: float = 0.0
 
     def seen(self, start):
-        """When the line that begins so was seen; None when it was not written."""
+        """Returns when a line that starts with `start` was seen; None if it was not written."""
         return next((when for when, _, text in self.lines if text.startswith(start)), None)
 
     def after(self, start):
-        """Whether something was written after that line. (A step and its line are not one instant.)"""
+        """Returns whether anything was logged after that line. (A step and its line are not simultaneous.)"""
         return any(text.startswith(start) for _, _, text in self.lines[:-1])
 
     def recorded(self):
-        """The seconds that had surely been recorded."""
+        """Returns the seconds that had certainly been recorded."""
         begun = self.seen("Start Record Message[")
         return 0 if begun is None else (self.seen("Disconnected[") or self.killed_at) - begun
 
 
 class Victim:
-    """One program that is killed again and again."""
+    """A program that is killed again and again."""
 
     def __init__(self, folder, index, seed, template):
         self.index, self.folder = index, os.path.join(folder, str(index))
@@ -112,7 +112,7 @@ class Victim:
         return call
 
     def steps(self):
-        """The log's lines from the call's first: (time text, text)."""
+        """Returns the log from the first line of the call: (time text, text)."""
         lines = [tuple(line.split(" : ", 1)) for line in self.orven.log_since_start()]
         return list(itertools.dropwhile(lambda line: not line[1].startswith("InCommingCall["), lines))
 
@@ -121,7 +121,7 @@ class Victim:
             self.faults.append(f"{self.folder}, {call.name}: {text}\n  log {[line[2] for line in call.lines]}")
 
     def start_and_check(self, call):
-        """Whether the start after a kill leaves of its call exactly what there must be."""
+        """Starts the program after a kill and checks that exactly what must be left of the call exists."""
         self.orven.start_and_wait()
         if not call:
             return
@@ -141,9 +141,9 @@ class Victim:
     def check_record(self, call, record):
         name = (record["Call_Date"] + "_" + record["Call_Time"]).replace("/", "-").replace(":", "-") + ".wav"
         caller = call.name == record["Call_Name"] and call.number == record["Call_Number"]
-        self.require(call, caller or not call.after("CallerID["), "another caller")
-        self.require(call, record["Call_Time"] in {line[1] for line in call.lines}, "another time")
-        self.require(call, record["Call_Massage_Name"] == name, "another message's name")
+        self.require(call, caller or not call.after("CallerID["), "wrong caller")
+        self.require(call, record["Call_Time"] in {line[1] for line in call.lines}, "wrong time")
+        self.require(call, record["Call_Massage_Name"] == name, "wrong message name")
         samples = [] if record["Type"] == "-1" else sound.read(self.orven.message(record))
         seconds = len(samples) / sound.RATE
         self.behind = max(self.behind, call.recorded() - seconds)
@@ -168,7 +168,7 @@ def main(kills=20, seed=random.SystemRandom().randrange(10**6)):
     faults = [fault for victim in victims for fault in victim.faults]
     in_call, messages = (sum(getattr(victim, what) for victim in victims) for what in ("in_call", "messages"))
     if in_call < 0.75 * int(kills):
-        faults.append("Too few of the kills were in a call: this run says nothing")
+        faults.append("Too few of the kills were in a call: this run proves nothing")
     behind = max(victim.behind for victim in victims)
     print(f"{in_call} kills were in a call; {messages} messages; the one furthest behind: {behind:.2f} s")
     print("".join("FAULT " + text + "\n" for text in faults[:20]))

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The same calls on every kind of telephone line, in real time. Modems of 16 bits and SIP without SRTP are in the
-# demonstration.
+# The same calls on every kind of telephone line, in real time. The demonstration covers 16-bit modems and SIP without
+# SRTP.
 
 import functools
 import os
@@ -26,7 +26,7 @@ def said(name):
 
 
 class LineCase(harness.ProgramCase):
-    """The program with a line of one kind, and what both say of a call."""
+    """The program with a line of one kind, and checks of a call on both sides."""
 
     lowest_snr = 25.0  # dB; mu-law alone leaves about 37
     profile = None  # the emulated modem's
@@ -42,7 +42,7 @@ class LineCase(harness.ProgramCase):
         sound.write(self.orven.path("Greets/Garden.wav"), said("Garden"))
 
     def start_and_call(self, until):
-        """A caller; the program's log says `until`."""
+        """Starts the program, calls it and waits until its log contains `until`."""
         self.orven.start_and_wait()
         caller = self.enterContext(self.orven.telephone(NAME, NUMBER))
         caller.dial(self.orven.address)
@@ -53,13 +53,13 @@ class LineCase(harness.ProgramCase):
         caller.wait_until(f'"{text}" in the system log', lambda: self.orven.count(text) >= count, LIMIT)
 
     def assert_same(self, reference, recording):
-        """`recording` contains the sound; returns where."""
+        """Checks that `recording` contains the sound and returns where."""
         ratio, lag = snr.snr(reference, recording)
         self.assertGreaterEqual(ratio, self.lowest_snr)
         return lag
 
     def end(self, *steps):
-        """The program has logged these steps of the call."""
+        """Waits for the end of the call, ends the program and checks that it has logged these steps."""
         self.orven.wait_for("Idle[", LIMIT)
         self.orven.end()
         self.assertEqual(self.modem.complaints() if self.modem else [], [])
@@ -71,7 +71,7 @@ class LineCase(harness.ProgramCase):
         return record
 
     def say(self, name):
-        """To the program, when the greeting and the beep were heard."""
+        """Calls, waits for the greeting and the beep, and speaks."""
         caller = self.start_and_call("Start Record Message[")
         end = self.assert_same(said("Garden"), caller.heard()) + len(said("Garden"))
         caller.wait_until("The beep", lambda: sound.end_of_beep(caller.heard()[end:]) is not None, LIMIT)
@@ -80,7 +80,7 @@ class LineCase(harness.ProgramCase):
 
 
 class Scenarios:
-    """The calls, for each kind of line. The demonstration plays one whose caller hangs up."""
+    """The calls for each kind of line. The demonstration plays the one in which the caller hangs up."""
 
     def test_a_message_that_silence_ends(self):
         self.say("New").wait_event("CALL_CLOSED", LIMIT)
@@ -101,7 +101,7 @@ class Scenarios:
 
     def test_messages_heard_by_telephone(self):
         for name in ("Old", "New"):
-            # a message ends in silence; the last moment before the program hangs up may not get through
+            # messages end in silence, because the last moment before the program hangs up may be cut off
             sound.write(self.orven.path(f"Messages/{name}.wav"), said(name) + sound.silence(0.4))
         with sqlite3.connect(self.orven.path("Calls")) as calls:
             rows = [("Bob", "5551111", "10:00:00", "11/20/2025", f"{n}.wav", "2.0", "0") for n in ("Old", "New")]
@@ -131,8 +131,8 @@ class SipEncrypted(Scenarios, LineCase):
 class ModemUnplugged(LineCase):
     profile = "silabs"
 
-    def test_unplugged_in_mid_message_and_put_in_again(self):
-        self.orven.change_settings(dict(SecSilence=30))  # not what ends the call
+    def test_unplugged_during_a_message_and_plugged_in_again(self):
+        self.orven.change_settings(dict(SecSilence=30))  # silence must not end the call
         self.say("Old")
         self.modem.do("unplug")
         self.orven.wait_for(f"The modem at {self.modem.port} was unplugged", LIMIT)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# A computer whose network comes late, goes and changes: the line registers by itself, and calls come through.
+# A network that comes late, fails and changes: the line registers by itself, and calls come through.
 #
-# The program has a network namespace of its own. At the other end of its cable are a name server (dnsmasq), the
-# account's server (kamailio) and callers (sipp). Where no namespaces can be made the test is skipped (77).
+# The program has its own network namespace. At the other end of the link are a name server (dnsmasq), the account's
+# server (kamailio) and callers (sipp). The test is skipped (77) if namespaces cannot be created.
 
 import os
 import subprocess
@@ -12,7 +12,7 @@ import tempfile
 import harness
 from harness import processes
 
-LIMIT = 10  # seconds from the network's return to a call: what is promised
+LIMIT = 10  # seconds from the return of the network to a call, as promised
 HOST, SERVER, FIRST, SECOND = "registrar.test", "10.77.0.1", "10.77.0.2", "10.77.0.3"
 FAILED = "Error LineOpen[LineIndex:0 "
 MODULES = "".join(f'loadmodule "{name}.so"\n' for name in "sl tm pv xlog usrloc registrar".split())
@@ -37,7 +37,7 @@ def run(command):
 
 
 def desk(command):
-    """In the program's namespace."""
+    """Runs a command in the program's namespace."""
     run("ip netns exec desk " + command)
 
 
@@ -53,7 +53,7 @@ class NetworkTest(harness.ProgramCase):
         return process
 
     def said(self):
-        """By the servers."""
+        """Returns what the servers have logged."""
         with open(self.servers, encoding="utf-8") as log:
             return log.read()
 
@@ -82,14 +82,14 @@ class NetworkTest(harness.ProgramCase):
         processes.wait_for("The link", lambda: subprocess.check_output(show) == b"up\n", LIMIT)
 
     def start(self, ready="LineOpen[", transport="udp"):
-        """The program, until its log says that it is `ready`."""
+        """Starts the program and waits until its log contains `ready`."""
         self.orven.write_line(f"type = sip\nlisten = 0.0.0.0:5060\naccount = sip:100@{HOST}\n"
                               f"transport = {transport}\nring_seconds = 1")
         self.orven.ready, self.calls = ready, 0
         self.orven.start_and_wait()
 
     def assert_calls_come_through(self, address=FIRST, count=1):
-        """Soon, by the registration number `count` of `address`."""
+        """Waits for registration number `count` of `address` and checks that a call comes through."""
         contact = f"Registered: <sip:100@{address}:"
         processes.wait_for("A registration", lambda: self.said().count(contact) >= count, LIMIT)
         self.calls += 1
@@ -110,7 +110,7 @@ class NetworkTest(harness.ProgramCase):
         desk(f"ip addr add {SECOND}/24 dev inside")
         self.assert_calls_come_through(SECOND)
 
-    def test_the_cable_is_pulled_and_put_in_again(self):
+    def test_the_cable_is_unplugged_and_plugged_in_again(self):
         self.plug_in()
         self.start()
         self.assert_calls_come_through()
@@ -126,7 +126,7 @@ class NetworkTest(harness.ProgramCase):
         write("/etc/resolv.conf", f"nameserver {SERVER}\n")
         self.assert_calls_come_through()
 
-    def test_the_port_is_free_later(self):
+    def test_the_port_becomes_free_later(self):
         self.plug_in()
         holder = self.serve("ip netns exec desk python3 -um http.server 5060")
         processes.wait_for("A server at the port", lambda: "Serving" in self.said(), LIMIT)
@@ -137,7 +137,7 @@ class NetworkTest(harness.ProgramCase):
 
 
 def prepare():
-    """The server's side of the network, names that can be changed, and the program in its own namespace."""
+    """Sets up the server's side of the network, a resolv.conf to be changed, and the program in its own namespace."""
     own = tempfile.mkdtemp(prefix="orven-network-")
     run(f"mount -t tmpfs orven-test {own}")
     write(f"{own}/resolv.conf", "")

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# A desktop's tray on the session bus: programs register their icons with it (StatusNotifierWatcher).
+# A desktop's tray on the session bus, with which programs register their icons (StatusNotifierWatcher).
 #
-# Runs until it is stopped. The icons are read through the bus by whoever wants to.
+# Runs until it is stopped. The tests read the icons through the bus.
 
 import dbus
 import dbus.mainloop.glib

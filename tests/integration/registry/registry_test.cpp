@@ -18,12 +18,12 @@ constexpr auto kRoot = RegistryRoot::LocalMachine;
 const std::string kKey = "SOFTWARE\\ORVEN";
 const std::string kStart = "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\n";
 
-/// A type-1 value as the program writes it.
+/// Returns a value of type 1 as the program writes it.
 RegistryValue Text(const std::string& text) {
   return {1, text + '\0'};
 }
 
-/// A settings file in a folder of its own, and what it reports.
+/// A settings file in a scratch folder, and its reports.
 class RegistryFileTest : public ::testing::Test {
  protected:
   std::optional<RegistryValue> Query(const std::string& name) { return registry_.Query(kRoot, kKey, name); }
@@ -101,7 +101,7 @@ TEST_F(RegistryFileTest, AnyValueSurvivesTheRoundTrip) {
   EXPECT_EQ(Stored(), before);
 }
 
-TEST_F(RegistryFileTest, DamageIsNamedWithItsLineAndTheRestIsUsedInItsOrder) {
+TEST_F(RegistryFileTest, DamageIsReportedWithItsLineAndTheRestIsUsedInOrder) {
   for (const auto& [line, expected] : std::map<std::string, std::string>{
            {"\"A\"=\"C:\\Temp\"", "6: a backslash in the text is not followed by \\ or \""},
            {"\"A\"=hex:01,\\\n  0g,\\\n  03",
@@ -116,10 +116,10 @@ TEST_F(RegistryFileTest, DamageIsNamedWithItsLineAndTheRestIsUsedInItsOrder) {
     EXPECT_THAT(reports_, ElementsAre("registry.reg:" + expected));
   }
   PutFile(path_, kStart + "\"A\"=\"1\"\n[HKEY_LOCAL_MACHINE\\OTHER\n\"A\"=\"2\"\n");
-  EXPECT_EQ(Query("A"), Text("1")) << "values below a damaged key belong to no key";
+  EXPECT_EQ(Query("A"), Text("1")) << "values after a damaged key belong to no key";
 }
 
-TEST_F(RegistryFileTest, WritesForItsOwnerAloneAndSeesAtOnceWhatAnotherProcessWrote) {
+TEST_F(RegistryFileTest, OnlyTheOwnerHasAccessAndChangesByOtherProcessesAreSeenAtOnce) {
   EXPECT_FALSE(registry_.KeyExists(kRoot, kKey));
   EXPECT_TRUE(Write("Pass", "123456"));
   EXPECT_EQ(Stored(), kStart + "\"Pass\"=\"123456\"\n");
@@ -147,12 +147,12 @@ TEST_F(RegistryFileTest, ADamagedFileIsReportedOnceAndKept) {
   EXPECT_EQ(folder_.Count(""), 1U) << "reading sets nothing aside";
   EXPECT_TRUE(Write("C", "3"));
   EXPECT_EQ(Stored(), kStart + "\"A\"=\"1\"\n\"C\"=\"3\"\n");
-  PutFile(path_, damaged + "again\n");  // within the same second: the earlier one stays
+  PutFile(path_, damaged + "again\n");  // within the same second: the earlier copy stays
   EXPECT_TRUE(Write("C", "5"));
   EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 2U);
 }
 
-TEST_F(RegistryFileTest, WhatDamageTakesComesFromTheLastGoodVersion) {
+TEST_F(RegistryFileTest, LostValuesAreRestoredFromTheLastGoodVersion) {
   const std::string good = kStart + "\"Pass\"=\"123456\"\n\"A\"=\"1\"\n";
   for (const auto& damaged :
        {std::string(), std::string(good.size(), '\0'), good.substr(0, 38), good.substr(0, 60),
@@ -165,15 +165,15 @@ TEST_F(RegistryFileTest, WhatDamageTakesComesFromTheLastGoodVersion) {
     if (damaged == "missing") ::unlink(path_.c_str());
     RegistryFile again(path_, report_);
     EXPECT_TRUE(again.KeyExists(kRoot, kKey));
-    EXPECT_TRUE(Write(again, "A", "1")) << "stored for good";
+    EXPECT_TRUE(Write(again, "A", "1")) << "this also stores the restored values";
     EXPECT_EQ(Query("Pass"), Text("123456"));
     EXPECT_TRUE(again.Delete(kRoot, kKey, "A"));
     EXPECT_EQ(RegistryFile(path_, report_).Query(kRoot, kKey, "A"), std::nullopt);
   }
-  EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 5U) << "the others are no damage to look at";
+  EXPECT_EQ(folder_.Count("registry.reg.damaged-2"), 5U) << "the other cases leave nothing to examine";
 }
 
-TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {
+TEST_F(RegistryFileTest, AnUnreadableFileIsReportedOnceAndNeverWritten) {
   std::filesystem::create_symlink(path_, path_);
   for (int times = 0; times < 2; ++times) EXPECT_FALSE(Query("A") || Write("A", "1"));
   EXPECT_THAT(reports_, ElementsAre(HasSubstr(path_)));
@@ -182,7 +182,7 @@ TEST_F(RegistryFileTest, WhatCannotBeReadIsReportedOnceAndNeverWritten) {
   EXPECT_FALSE(folder.Query(kRoot, kKey, "A") || Write(folder, "A", "1"));
 }
 
-TEST_F(RegistryFileTest, AFullDiskLeavesEveryOldValue) {
+TEST_F(RegistryFileTest, AFullDiskKeepsEveryOldValue) {
   EXPECT_TRUE(Write("A", "old"));
   const std::string before = Stored();
   const std::string damaged = kStart + "\"A\"=\"open\n; " + std::string(3000, 'x') + "\n";
@@ -197,10 +197,10 @@ TEST_F(RegistryFileTest, AFullDiskLeavesEveryOldValue) {
   PutFile(path_, damaged);
   FileSizeLimit limit(1000);
   EXPECT_FALSE(Write("A", "1"));
-  EXPECT_EQ(Stored(), damaged) << "what cannot be set aside is not replaced";
+  EXPECT_EQ(Stored(), damaged) << "a file that cannot be set aside is not replaced";
 }
 
-TEST_F(RegistryFileTest, AnInstalledClassHasItsNameAndNothingIsStoredThere) {
+TEST_F(RegistryFileTest, AnInstalledClassHasItsNameAndStoresNothing) {
   constexpr auto kClasses = RegistryRoot::ClassesRoot;
   InstalledClasses classes(registry_, {{"Voice", [] { return true; }}, {"Gone", [] { return false; }}});
   EXPECT_EQ(classes.Query(kClasses, "Voice", ""), Text("Voice"));

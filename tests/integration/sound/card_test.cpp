@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How cards are numbered, which microphone is theirs, and how telephone audio is converted to their formats.
+// How cards are numbered, which microphone they use, and how telephone audio is converted to their formats.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,9 +17,9 @@ using Outputs = std::vector<CardList::Output>;
 using Cards = std::vector<SoundCard>;
 using Samples = std::vector<std::int16_t>;
 
-TEST(CardList, ACardKeepsItsNumberWhileItIsAwayAndNeverGetsThatOfALine) {
+TEST(CardList, ACardKeepsItsNumberWhileUnpluggedAndNeverGetsTheNumberOfALine) {
   CardList cards;
-  EXPECT_TRUE(cards.MayBe(7));  // not known yet
+  EXPECT_TRUE(cards.MayBe(7));  // no card is known yet
   cards.Update(Outputs{{"a", "Speakers"}, {"b", "Headset"}});
   cards.Update(Outputs{{"c", "Television"}, {"b", "Phones"}});
   EXPECT_EQ((Cards{{0, "Default output"}, {2, "Phones"}, {3, "Television"}}), cards.Present());
@@ -33,7 +33,7 @@ TEST(CardList, ACardKeepsItsNumberWhileItIsAwayAndNeverGetsThatOfALine) {
   EXPECT_EQ(kFirstLineWaveDevice - 1, cards.Present().back().number);
 }
 
-TEST(Microphone, TheCardsOwnConnectedOneElseTheDefaultElseAny) {
+TEST(Microphone, IsTheConnectedOneOfTheCardThenTheDefaultThenAny) {
   SoundServer server;
   server.default_input = "webcam";
   server.outputs = {{"speakers", "card 0"}, {"headset", "card 1"}, {"virtual", ""}};
@@ -56,11 +56,11 @@ QAudioFormat Format(int rate, int channels, QAudioFormat::SampleFormat kind) {
   return format;
 }
 
-TEST(CardFormat, TelephoneAudioConvertedForACardAndBackIsTheSameAndImpossibleFormatsAreNotValid) {
+TEST(CardFormat, AudioSurvivesTheConversionForACardAndBackAndImpossibleFormatsAreInvalid) {
   struct Row {
     QAudioFormat format;
-    QByteArray half;  ///< the frame of half the full scale, little-endian
-    int tolerance;    ///< in samples of 16 bits
+    QByteArray half;  ///< a frame at half of full scale, little-endian
+    int tolerance;    ///< in 16-bit samples
   };
   const Row rows[]{{Format(8000, 1, QAudioFormat::Int16), QByteArray("\0\x40", 2), 0},
                    {Format(8000, 2, QAudioFormat::Int16), QByteArray("\0\x40\0\x40", 4), 0},

@@ -14,14 +14,14 @@
 
 namespace orven::test {
 
-/// Waits for `condition` while events are handled.
+/// Waits until `condition` is true, and handles events meanwhile.
 template <typename Condition>
 bool Eventually(Condition condition) {
   return QTest::qWaitFor(condition, 60'000);
 }
 
-/// A sound server of the test's own, which this process and its children use. Its users are those of
-/// PulseAudio: pactl, parec, pacat.
+/// A sound server that only this process and its children use. Other programs on it are PulseAudio's: pactl,
+/// parec, pacat.
 class RealServer {
  public:
   RealServer() {
@@ -30,9 +30,9 @@ class RealServer {
   }
   ~RealServer() { End(); }
 
-  /// Starts it with the output "desk", the default one.
+  /// Starts the server with "desk" as its default output.
   void Start() {
-    server_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });  // a killed test leaves none
+    server_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });  // it ends with the test
     server_.start("pulseaudio", {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
                                  "--load=module-native-protocol-unix auth-anonymous=1 socket=" +
                                      QString::fromStdString(folder_ / "native")});
@@ -45,7 +45,7 @@ class RealServer {
   }
   void Hang(bool hangs = true) { ::kill(pid_t(server_.processId()), hangs ? SIGSTOP : SIGCONT); }
 
-  /// What pactl says; empty when it fails.
+  /// Returns the output of pactl; empty if it fails.
   static QByteArray Ask(const QStringList& arguments) {
     QProcess pactl;
     pactl.start("pactl", arguments);
@@ -53,7 +53,7 @@ class RealServer {
     return pactl.exitCode() == 0 ? pactl.readAllStandardOutput() : QByteArray();
   }
 
-  /// A new output `name`, and an input mic_`name` that hears what is played there; both belong to the
+  /// Adds an output `name` and an input mic_`name` that records what is played there; both belong to the
   /// physical card `card`.
   static void PlugIn(const QString& name, const QString& card = "") {
     const auto of_card = card.isEmpty() ? "" : " device.bus_path=" + card;
@@ -62,7 +62,7 @@ class RealServer {
     Ask({"load-module", "module-remap-source", "master=" + name + ".monitor", "source_name=mic_" + name,
          "source_properties=\"device.description=mic_" + name + of_card + "\""});
   }
-  /// Takes an output or an input away.
+  /// Removes an output or an input.
   static void Unplug(const QByteArray& name) {
     for (const auto& module : Listed("modules").split('\n')) {
       if (module.contains("_name=" + name + ' ')) Ask({"unload-module", module.split('\t')[0]});
@@ -71,14 +71,14 @@ class RealServer {
   static QByteArray Listed(const QString& what) { return Ask({"list", "short", what}); }
   static bool Plays() { return !Listed("sink-inputs").isEmpty(); }
 
-  /// parec, which hears output `name`, or pacat, which plays on it what is written to it.
+  /// Starts parec, which records from `output`, or pacat, which plays its input there.
   static std::unique_ptr<QProcess> Other(const QString& program, const QString& output) {
     auto other = std::make_unique<QProcess>();
     other->start(program, {"-d", output, "--raw", "--rate=8000", "--channels=1", "--format=s16le",
                            program == "parec" ? "--latency-msec=20" : "--latency-msec=2000"});
     return other;
   }
-  /// Waits for another half second of what parec hears.
+  /// Waits until parec has recorded another half second.
   static void HearMore(QProcess& parec) {
     const auto enough = parec.bytesAvailable() + 8000;
     EXPECT_TRUE(Eventually([&] { return parec.bytesAvailable() >= enough; }));

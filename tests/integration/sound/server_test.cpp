@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The sound cards over a real sound server, which serves well, hangs, dies or is missing.
+// The sound cards over a real sound server that works, hangs, dies or is missing.
 #include <atomic>
 #include <iostream>
 #include <mutex>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kSecond = 2 * kSampleRate;  // bytes
 
-/// A second of noise.
+/// Returns one second of noise.
 QByteArray Noise() {
   QByteArray noise;
   for (unsigned i = 0, seed = 1; i < kSecond; ++i)
@@ -23,7 +23,7 @@ QByteArray Noise() {
 }
 const QByteArray kNoise = Noise();
 
-/// What is played, so often, and what is recorded.
+/// Plays the noise `times` times and keeps what is recorded.
 struct Tape final : AudioSource, AudioSink {
   explicit Tape(int times = 1) : given(kNoise.repeated(times)) {}
 
@@ -51,7 +51,7 @@ struct Tape final : AudioSource, AudioSink {
   QByteArray heard;
 };
 
-/// The cards as the program has them.
+/// The sound cards as the program uses them.
 struct Desk {
   Desk() { server.Start(); }
 
@@ -59,7 +59,7 @@ struct Desk {
   void WaitForCards(const std::vector<std::string>& names) {
     EXPECT_TRUE(Eventually([&] { return cards.Names() == names; })) << names.back();
   }
-  /// What is played on `card` is heard on `output`, to its end.
+  /// Plays on `card` and checks that all of it is heard on `output`.
   void Plays(int card, const QString& output = "desk") {
     Tape tape;
     const auto other = server.Other("parec", "mic_" + output);
@@ -70,7 +70,7 @@ struct Desk {
     server.HearMore(*other);
     EXPECT_TRUE(other->readAll().contains(kNoise)) << output.toStdString() << told;
   }
-  /// What is said into the microphone of `output` is recorded from `card`.
+  /// Checks that the microphone of `output` is recorded from `card`.
   void Takes(int card, const QString& output = "desk") {
     Tape tape;
     StartTake(card, tape);
@@ -94,7 +94,7 @@ struct Desk {
     other->closeWriteChannel();
     EXPECT_TRUE(other->waitForFinished(60'000));
   }
-  /// Waits for one report for each of the reasons, and no other.
+  /// Waits for one report for each reason and checks that there is no other.
   void GivesUp(const std::vector<std::string>& reasons) {
     const auto reports = [this] { return std::size_t(std::ranges::count(told, '|')); };
     EXPECT_TRUE(Eventually([&] { return reports() >= reasons.size(); }));
@@ -112,7 +112,8 @@ struct Desk {
                    [this](const std::string& text) { loop.Post([this, text] { told += text + '|'; }); }};
 };
 
-/// Plays `story` in a process of its own, as Qt's audio keeps its state until the end. No report may be left.
+/// Runs `story` in a separate process, because Qt's audio keeps its state until the process ends. No report
+/// may be left.
 void Alone(void (*story)(Desk&)) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto play = [&] {
@@ -141,14 +142,14 @@ TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
     EXPECT_EQ(desk.cards.Find(3), nullptr);
     desk.server.PlugIn("desk");
     desk.WaitForCards({"Default output", "desk", "headset"});
-    for (const char* output : {"headset", "desk"}) {  // number 0 follows the desktop's choice
+    for (const char* output : {"headset", "desk"}) {  // card 0 follows the desktop's choice
       desk.server.Ask({"set-default-sink", output});
       desk.Plays(0, output);
     }
     desk.server.PlugIn("studio");
     desk.server.Ask({"set-default-source", "mic_studio"});
     desk.Takes(2, "headset");
-    for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone of their own
+    for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone
     desk.StartPlay(2, first);
     EXPECT_EQ(desk.cards.Beside().Find(2)->StartPlay(second), kWaveOk);
     desk.Card(2).StopPlay();
@@ -159,10 +160,10 @@ TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
   });
 }
 
-TEST(SoundServerTest, AMicrophoneThatGoesAwayOrIsRefusedEndsOnlyTheTake) {
+TEST(SoundServerTest, AMicrophoneThatIsUnpluggedOrRefusedEndsOnlyTheRecording) {
   Alone([](Desk& desk) {
     std::vector<QByteArray> listeners;
-    do {  // until the microphone's limit: Qt waits forever then
+    do {  // until the microphone accepts no more: then Qt waits forever
       listeners.push_back(desk.server.Ask({"load-module", "module-remap-source", "master=mic_desk",
                                            QString("source_name=listener%1").arg(listeners.size())}));
     } while (!listeners.back().isEmpty());
@@ -180,7 +181,7 @@ TEST(SoundServerTest, AMicrophoneThatGoesAwayOrIsRefusedEndsOnlyTheTake) {
     desk.GivesUp({"microphone \"mic_room\" was disconnected"});
     EXPECT_TRUE(cut.Heard(kNoise.first(kSecond / 2)));
     desk.server.Unplug("mic_desk");
-    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveOk);  // shows that there is none; the next one is refused
+    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveOk);  // finds no microphone; the next start is refused
     desk.GivesUp({"There is no microphone to record from."});
     EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveNoDevice);
     desk.server.PlugIn("room");
@@ -189,7 +190,7 @@ TEST(SoundServerTest, AMicrophoneThatGoesAwayOrIsRefusedEndsOnlyTheTake) {
   });
 }
 
-TEST(SoundServerTest, AServerThatHangsOrDiesEndsWhatRunsAndMayComeBack) {
+TEST(SoundServerTest, AServerThatHangsOrDiesEndsAllSoundAndMayReturn) {
   Alone([](Desk& desk) {
     desk.WaitForCards({"Default output", "desk"});
     Tape plays[4]{Tape(100), Tape(100), Tape(100), Tape(100)}, takes[2];

@@ -12,7 +12,7 @@
 namespace orven::test {
 namespace {
 
-constexpr int kLong = 1'000'000;  // bytes of text; seconds of work
+constexpr int kLong = 1'000'000;  // bytes of text, which keep the helper busy for seconds
 
 std::string LongText(int size) {
   return QString("Please leave a message after the tone, and I will call you back.\r\n")
@@ -20,7 +20,7 @@ std::string LongText(int size) {
       .toStdString();
 }
 
-/// Seconds from the first sound to the last in samples of 16 bits.
+/// Returns the seconds from the first to the last sound in 16-bit samples.
 double Length(const QByteArray& bytes, int rate) {
   std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 2);
   std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
@@ -30,7 +30,7 @@ double Length(const QByteArray& bytes, int rate) {
   return static_cast<double>(last - first) / rate;
 }
 
-/// A real helper at the real link.
+/// A real helper on the real link.
 struct SpeechTest : testing::Test, DataExchangeEvents {
   SpeechTest() { exchange.SetEvents(this); }
 
@@ -50,7 +50,7 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
     EXPECT_TRUE(exchange.OpenCheck(60));
     return helper;
   }
-  /// Waits for the end of `helper`; returns what it has complained of.
+  /// Waits until `helper` has ended and returns its error messages.
   static std::string Ended(QProcess& helper, int code = 0) {
     EXPECT_TRUE(Eventually([&] { return helper.state() == QProcess::NotRunning; }));
     EXPECT_TRUE(helper.exitStatus() == QProcess::NormalExit && helper.exitCode() == code);
@@ -61,20 +61,20 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
     EXPECT_EQ(Ended(helper), "");
   }
   void Send(const std::string& text) { ASSERT_TRUE(exchange.Send(text)) << text.substr(0, 80); }
-  /// Asks for `text` in the file `name`.
+  /// Asks for `text` in the file `name` and returns its path.
   std::string Write(const std::string& name, const std::string& text) {
     Send("SFS:" + (folder / name));
     Send("STW:" + text);
     return folder / name;
   }
-  /// The answer to GVC: everything that was asked before has been done.
+  /// Returns the answer to GVC, which comes after everything requested before has been done.
   QStringList Voices() {
     arrived.clear();
     Send("GVC:");
     EXPECT_TRUE(Eventually([&] { return arrived.startsWith("GVCS:"); }));
     return arrived.mid(5).split("\r\n");
   }
-  /// Bytes of the WAV file, which appears whole.
+  /// Waits for the WAV file, which must be complete when it appears, and returns its size in bytes.
   static std::size_t Size(const std::string& path) {
     EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(path); })) << path;
     const auto content = ContentOf(path) + std::string(24, '\0');
@@ -85,13 +85,13 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
     return stated;
   }
 
-  /// How long `text` sounds, by the helper's own file.
+  /// Returns how long `text` sounds in a file written by the helper.
   double Spoken(const std::string& text) {
     const auto path = Write(std::to_string(folder.Count("")), text);
     Size(path);
     return Length(QByteArray::fromStdString(ContentOf(path).substr(44)), 22050);
   }
-  /// How long the helper is heard after these messages, on a server that plays nothing else.
+  /// Sends `messages` and returns how long the helper is heard; nothing else plays on the server.
   double Heard(const std::vector<std::string>& messages) {
     const auto other = RealServer::Other("parec", "mic_desk");
     RealServer::HearMore(*other);
@@ -134,7 +134,7 @@ TEST_F(SpeechTest, VoiceAndRateChangeWhatIsSpokenInTheOrderOfTheMessages) {
     for (const auto& command : commands) Send(command);
     return static_cast<double>(Size(Write(std::to_string(folder.Count("")), "1999 2777"))) / (22050.0 * 2);
   };
-  constexpr double kSame = 0.03;  // the engine's timing wavers with what it has spoken before
+  constexpr double kSame = 0.03;  // the engine's timing varies with what it spoke before
   const auto normal = seconds({});
   EXPECT_NEAR(normal, 4, 1.5);
   const auto slow = seconds({"SRT:-5"});
@@ -148,11 +148,11 @@ TEST_F(SpeechTest, VoiceAndRateChangeWhatIsSpokenInTheOrderOfTheMessages) {
   EXPECT_GT(Size(Write("markup", "<b>bold</b>")), Size(Write("bold", "bold")) * 3 / 2) << "markup is text";
   const auto slowly = (Send("SRT:-10"), Write("slowly", "Hello"));
   Send("SRT:10");
-  EXPECT_GT(Size(slowly), 2 * Size(Write("fast", "Hello"))) << "the rate is that of the text's own time";
+  EXPECT_GT(Size(slowly), 2 * Size(Write("fast", "Hello"))) << "a later rate changed the text";
   Unload(helper);
 }
 
-TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind) {
+TEST_F(SpeechTest, NoTextHarmsTheHelperAndAFailedWriteLeavesNoFile) {
   auto& helper = Start("C", 2'000'000);
   Send("STW:Hello");
   std::filesystem::create_directory(folder / "folder");
@@ -165,22 +165,22 @@ TEST_F(SpeechTest, NoTextHarmsTheHelperAndWhatCannotBeWrittenLeavesNothingBehind
        {controls, std::string("😀👨‍👩‍👧‍👦🏳️‍🌈 \u202e\ufeff\u0085 hello"),
         std::string("[[h@l'oU]] &amp; </speak> %s%n\x7f one"), "hello" + std::string(20'000, '\n') + "again"})
     EXPECT_GT(Size(Write(std::to_string(folder.Count("")), text)), 1000U);
-  EXPECT_EQ(folder.Count("x.wav") + folder.Count("."), 0U) << "a file stayed that should not";
+  EXPECT_EQ(folder.Count("x.wav") + folder.Count("."), 0U) << "a file was left behind";
   Send("ULD:");
   const auto complaints = Ended(helper);
-  for (const auto& part :
-       {"no sound file was named", "nowhere/x.wav", "folder", "x.wav: the text produced no speech", "too large"})
+  for (const auto& part : {"no sound file was named", "nowhere/x.wav", "folder",
+                           "x.wav: the text produced no speech", "too large"})
     EXPECT_NE(complaints.find(part), std::string::npos) << part << " in: " << complaints;
 }
 
-TEST_F(SpeechTest, AFileAppearsWholeAndAKilledHelpersIsCleanedUpByTheNext) {
+TEST_F(SpeechTest, AFileAppearsCompleteAndTheNextHelperRemovesThatOfAKilledOne) {
   auto& killed = Start();
   const auto whole = Write("whole.wav", LongText(40'000));
-  EXPECT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // a file that grows
+  EXPECT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // the file is being written
   EXPECT_GT(Size(whole), 22050U * 2 * 60 * 20);
   EXPECT_EQ(folder.Count("."), 0U);
   Write("ttstmp.wav", LongText(kLong));
-  ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // a file that grows
+  ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // the file is being written
   killed.kill();
   EXPECT_TRUE(Eventually([&] { return lost == 1; }));
   EXPECT_EQ(folder.Count("ttstmp.wav"), 0U);
@@ -190,7 +190,7 @@ TEST_F(SpeechTest, AFileAppearsWholeAndAKilledHelpersIsCleanedUpByTheNext) {
   EXPECT_GT(Size(Write("ttstmp.wav", "Hello")), 1000U);
   EXPECT_EQ(folder.Count("."), 1U);
 
-  // Told to end, it finishes its file, beside the next helper.
+  // A helper that is told to end finishes its file while the next helper works.
   const auto last = Write("last.wav", LongText(8'000));
   Send("ULD:");
   Start();
@@ -200,27 +200,27 @@ TEST_F(SpeechTest, AFileAppearsWholeAndAKilledHelpersIsCleanedUpByTheNext) {
   EXPECT_EQ(lost, 1);
 }
 
-TEST_F(SpeechTest, EndOfTheLinkAndSignalsEndTheHelper) {
+TEST_F(SpeechTest, TheEndOfTheLinkOrASignalEndsTheHelper) {
   for (const int signal : {0, SIGTERM}) {
     auto& helper = Start();
     Write("ttstmp.wav", LongText(kLong));
-    ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // a file that grows
+    ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // the file is being written
     signal == 0 ? exchange.Close() : void(::kill(static_cast<pid_t>(helper.processId()), signal));
     Ended(helper, signal == 0 ? 1 : 0);
     EXPECT_EQ(folder.Count(""), 0U);
   }
 }
 
-TEST_F(SpeechTest, ANewFileTakesThePlaceOfTheOlderOne) {
+TEST_F(SpeechTest, ANewFileReplacesTheOlderOne) {
   auto& helper = Start();
   PutFile(folder / "ttstmp.wav", "older");
   Send("SFS:" + (folder / "ttstmp.wav"));
   Voices();
   EXPECT_EQ(folder.Count(""), 0U);
-  // Under way and waiting: both are given up, but not what is being written elsewhere.
+  // One text is being written and one is waiting: both are given up, but not the text for another file.
   Write("ttstmp.wav", LongText(kLong));
   Send("STW:" + LongText(1000));
-  ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // a file that grows
+  ASSERT_TRUE(Eventually([&] { return folder.Count(".") > 0; }));  // the file is being written
   const auto other = Write("other.wav", LongText(1000));
   const auto path = Write("ttstmp.wav", "Hello");
   Send("Stp:");
@@ -230,7 +230,7 @@ TEST_F(SpeechTest, ANewFileTakesThePlaceOfTheOlderOne) {
   EXPECT_EQ(folder.Count(""), 2U);
 }
 
-TEST_F(SpeechTest, TextsAreHeardOneAfterTheOtherUntilTheyAreStopped) {
+TEST_F(SpeechTest, TextsAreSpokenOneAfterAnotherUntilTheyAreStopped) {
   RealServer server;
   server.Start();
   auto& helper = Start();
@@ -244,16 +244,16 @@ TEST_F(SpeechTest, TextsAreHeardOneAfterTheOtherUntilTheyAreStopped) {
   say_long();
   Send("Stp:");
   EXPECT_TRUE(stops());
-  EXPECT_NEAR(Heard({"Say:Thank you for your call."}), bye, 0.1) << "what waited was said all the same";
+  EXPECT_NEAR(Heard({"Say:Thank you for your call."}), bye, 0.1) << "a waiting text was spoken";
   say_long();
-  EXPECT_NEAR(Spoken("Hello"), hello, 0.1) << "a file takes the engine from a long text";
+  EXPECT_NEAR(Spoken("Hello"), hello, 0.1) << "a file interrupts a long text";
   EXPECT_TRUE(stops());
   say_long();
   Unload(helper);
   EXPECT_TRUE(stops());
 }
 
-TEST_F(SpeechTest, ASoundServerThatIsMissingOrHangsCostsAComplaint) {
+TEST_F(SpeechTest, AMissingOrHangingSoundServerDoesNotStopTheHelper) {
   RealServer server;
   auto& helper = Start();
   Send("Say:Hello");
@@ -268,7 +268,7 @@ TEST_F(SpeechTest, ASoundServerThatIsMissingOrHangsCostsAComplaint) {
   Ended(helper);
 }
 
-TEST_F(SpeechTest, OneTextIsSpokenIntoAFileOrItIsToldWhyNot) {
+TEST_F(SpeechTest, SpeaksOneTextIntoAFileOrReportsWhyNot) {
   const QString path = QString::fromStdString(folder / "greeting.wav");
   const auto run = [&](const QStringList& words, const std::string& text, int code,
                        const std::string& complaint) {

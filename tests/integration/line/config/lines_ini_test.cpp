@@ -19,7 +19,7 @@ using namespace std::literals;
 
 using Values = std::map<std::string, std::string>;
 
-TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
+TEST(LinesIni, EveryKindOfLineIsReadAndOnlyTheUsersChangesAreWritten) {
   const std::string text =
       "\xEF\xBB\xBF[ Home ] ; the house\r\ntype = SIP ; sip | modem | sim\r\n"
       "listen=127.0.0.1:5070\r\nPassword = a;b#c = \"d\"\t; from the letter\r\ntransport = TLS\r\n"
@@ -29,7 +29,7 @@ TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
   const auto file = ParseLines(text, "lines.ini");
   EXPECT_THAT(file.complaints,
               ElementsAre(StartsWith("lines.ini:17: script is given more than once: expected ")));
-  ASSERT_EQ(file.sections.size(), 3U) << "two devices of one name are two devices";
+  ASSERT_EQ(file.sections.size(), 3U) << "two sections with the same name are two devices";
   EXPECT_EQ(IdleLimitOf(file.sections[0]), 120s);
   EXPECT_EQ(IdleLimitOf(file.sections[2]), 0s);
   auto home = LineOf(file.sections[0]);
@@ -53,7 +53,7 @@ TEST(LinesIni, EveryKindOfLineIsReadAndOnlyWhatAPersonChangedIsWritten) {
       "listen = 0.0.0.0:5060\r\ntransport = tls\r\n");
 }
 
-/// Parses `text` between two valid sections, which stay unchanged.
+/// Parses `text` between two valid sections and checks that these stay unchanged.
 LinesFile ParseBetween(const std::string& text) {
   auto file = ParseLines("[First]\ntype=sim\n" + text + "\n[Last]\ntype=sim\n", "lines.ini");
   EXPECT_GE(file.sections.size(), 2U) << text;
@@ -63,7 +63,7 @@ LinesFile ParseBetween(const std::string& text) {
 }
 
 TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
-  // The values of a key, each ended by a comma; "+" is in front of those that are accepted.
+  // The values of a key, each followed by a comma; those that are accepted begin with "+".
   const std::pair<std::string, const char*> keys[] = {
       {"tls_listen", "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,+0.0.0.0:65535,"},
       {"account", "100@x,sip:1,sip:@x,sip:a b@x,sip:1@,sip:1@a_b,sip:1@x:0,+sip:1@X-1.org:65535,"},
@@ -112,7 +112,7 @@ TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndInvalidEntriesAreReported) {
   EXPECT_THAT(ParseLines("a = b", "x").complaints.at(0), StartsWith("x:1: \"a\" comes before "));
 }
 
-TEST(LinesIni, WithoutAFileThereIsALocalLineAndABadFileHasNone) {
+TEST(LinesIni, AMissingFileMeansALocalLineAndABadFileMeansNone) {
   const ScratchFolder folder;
   EXPECT_EQ(ReadLines(folder / "lines.ini").sections.at(0).values, (Values{{"listen", "127.0.0.1:5060"}}));
   PutFile(folder / "empty.ini", "; nothing\n");
@@ -125,7 +125,7 @@ TEST(LinesIni, WithoutAFileThereIsALocalLineAndABadFileHasNone) {
   }
 }
 
-TEST(LineSettings, AWrongEntryIsReportedAtItsField) {
+TEST(LineSettings, AnInvalidEntryIsReportedAtItsField) {
   EXPECT_FALSE(FaultOf(LineOf({"Home", 0, "sip", {}}))) << "an account is not needed";
   const auto good = LineOf({"Home", 0, "sip", {{"account", "sip:1@1.1.1.1:5060"}, {"password", "p #x;y=z"}}});
   EXPECT_FALSE(FaultOf(good));
@@ -145,7 +145,7 @@ TEST(LineSettings, AWrongEntryIsReportedAtItsField) {
     line.*text = value;
     const auto fault = FaultOf(line).value();
     EXPECT_EQ(fault.field, field) << fault.text;
-    EXPECT_EQ(fault.text.find("hidden"), std::string::npos) << "no text quotes a password";
+    EXPECT_EQ(fault.text.find("hidden"), std::string::npos) << "no message quotes a password";
   }
   auto line = good;
   line.ring_seconds = 61;

@@ -18,14 +18,14 @@ namespace {
 using namespace std::string_literals;
 using Samples = std::vector<std::int16_t>;
 
-/// A part of a cadence; without a frequency it is a pause.
+/// A part of a cadence: one or more tones, or a pause if there are none.
 struct Part {
   int milliseconds = 0;
   std::vector<double> tones{};
 };
 using Cadence = std::vector<Part>;
 
-/// "500/480/620 300": half a second of two tones, then a pause.
+/// Parses a cadence: "500/480/620 300" is half a second of two tones, then a pause of 300 ms.
 Cadence Parsed(const std::string& text) {
   std::istringstream in(text);
   Cadence parts;
@@ -35,7 +35,8 @@ Cadence Parsed(const std::string& text) {
   return parts;
 }
 
-/// `parts` again and again, once at least, each tone at `level` dBm0, over noise of -50.
+/// Returns `parts`, repeated for `seconds` but at least once, with each tone at `level` dBm0, over noise at
+/// -50 dBm0.
 Samples Audio(const Cadence& parts, int seconds, double level) {
   std::mt19937 random(5);
   std::normal_distribution<double> noise(0, 50);
@@ -55,7 +56,7 @@ Samples Audio(const Cadence& parts, int seconds, double level) {
 }
 
 struct HangUpDetectorTest : testing::TestWithParam<SampleKind> {
-  /// What is heard in `samples` through a modem of that kind, and after how many seconds.
+  /// Returns what is heard in `samples` through a modem of this kind, and after how many seconds.
   static std::pair<std::string, double> Heard(const Samples& samples) {
     std::pair<std::string, double> result;
     std::size_t at = 0;
@@ -87,7 +88,7 @@ TEST_P(HangUpDetectorTest, HearsBusyTonesDialTonesAndAMinuteOfSilence) {
   };
   for (const char* busy : {"500/480/620 500", "250/480/620 250", "375/400 375", "480/425 480", "200/425 200",
                            "700/450 700", "300/440 400", "400/400 350 225/400 525"})
-    expect(busy, "the busy tone", 4 * double(Audio(Parsed(busy), 0, 0).size()) / 8000);  // four times
+    expect(busy, "the busy tone", 4 * double(Audio(Parsed(busy), 0, 0).size()) / 8000);  // four cycles
   for (const char* dial :
        {"1000 9000/350/440", "1000 9000/350/425", "1000 9000/425", "1000 9000/400", "1000 9000/450"})
     expect(dial, "the dial tone", 1 + 4);
@@ -96,16 +97,17 @@ TEST_P(HangUpDetectorTest, HearsBusyTonesDialTonesAndAMinuteOfSilence) {
   EXPECT_NEAR(when, 61, 0.1);
 }
 
-TEST_P(HangUpDetectorTest, OtherTonesAreNone) {
+TEST_P(HangUpDetectorTest, OtherTonesAreIgnored) {
   std::mt19937 random(1);
   std::string tune, code, knocks;
-  for (int i = 0; i < 400; ++i)  // a musical box, one note a beat
+  for (int i = 0; i < 400; ++i)  // a music box, one note per beat
     tune +=
         "250/" + std::to_string(220 * std::pow(2, double(random() % 24) / 12)) + (i % 2 == 0 ? " " : " 250 ");
-  for (int i = 0; i < 100; ++i)  // one tone without a rhythm
+  for (int i = 0; i < 100; ++i)  // one tone with random lengths
     code += std::to_string(120 + int(random() % 12) * 50) + "/425 300 ";
   for (int i = 0; i < 100; ++i) knocks += "300/425 " + std::to_string(100 + i % 9 * 80) + " ";
-  // A fax calls, ringing, groups of two, keys, gaps, tones that beat; other pitches, and changing ones.
+  // A calling fax, ringing tones (single and in pairs), keys, tones with short gaps, beating tones, other
+  // pitches and changing pitches.
   for (const auto& cadence :
        {"500/1100 3000"s, "2000/440/480 4000"s, "400/400/450 200 400/400/450 2000"s,
         "100/697/1209 100 100/941/1336 100"s, "2500/425 300 900/440 50"s, "1000/350/400"s, "9000/600"s,
@@ -114,7 +116,7 @@ TEST_P(HangUpDetectorTest, OtherTonesAreNone) {
     EXPECT_EQ(Heard(Audio(Parsed(cadence), 40, -15)).first, "") << cadence.substr(0, 50);
 }
 
-// A voice that is taken for a busy tone would cut a message off.
+// A voice that is mistaken for a busy tone would cut a message off.
 TEST_P(HangUpDetectorTest, VoicesAreNotTones) {
   const std::string text =
       "Hello, who is there? Oh. Oh. Oh. Oh. No no no no no no. One. One. One. One. Mooooo. Mmmmmmmm. "

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-# An independent answering machine takes a call on the emulated modem: so the modem is right.
-# mgetty_test.py EMULATOR FAMILY: Debian's vgetty runs in a mount namespace of its own, with its folders below a
-# temporary one: the machine's own configuration, logs, locks and messages are neither read nor written.
+# Tests the emulated modem with an independent answering machine, which must be able to take a call on it.
+# mgetty_test.py EMULATOR FAMILY: runs Debian's vgetty in its own mount namespace, with its folders in a temporary one,
+# so that the machine's own configuration, logs, locks and messages are neither read nor written.
 
 import array
 import os
@@ -19,10 +19,10 @@ import processes  # noqa: E402
 import sound  # noqa: E402
 
 VGETTY = "/usr/sbin/vgetty"
-SKIPPED = 77  # the exit code that says so
+SKIPPED = 77  # CTest's SKIP_RETURN_CODE
 NUMBER, NAME = "5557777", "ANNA GARDEN"
 
-# What unsigned samples of 8 bits are off by, and how the caller's end is told: the softmodem has no code for it.
+# The offset of unsigned 8-bit samples, and how the call ends: the softmodem has no code for a caller who hangs up.
 FAMILIES = {"v253": (0, "hangup"), "conexant": (128, "hangup"), "softmodem": (128, "silence"), "silabs": (128, "hangup")}
 
 VOICE_CONF = """\
@@ -42,12 +42,12 @@ voice_devices {tty}
 """
 MGETTY_CONFIG = "debug 9\nspeed 115200\nport {tty}\ntoggle-dtr no\n"
 
-# What it would otherwise share with the machine, below its folder.
+# The folders that it would otherwise share with this machine, by their names in its own folder.
 PRIVATE = {"etc": "/etc/mgetty", "log": "/var/log", "voice": "/var/spool/voice", "run": "/run"}
 
 
 def start(folder, tty, greeting):
-    """vgetty on the modem's port."""
+    """Starts vgetty on the modem's port."""
     for name in ("etc", "log/mgetty", "voice/incoming", "voice/messages", "run/lock"):
         os.makedirs(os.path.join(folder, name))
     for name, text in (("voice.conf", VOICE_CONF), ("mgetty.config", MGETTY_CONFIG)):
@@ -59,12 +59,12 @@ def start(folder, tty, greeting):
 
 
 def contents(folder, pattern):
-    """Of all files that match `pattern`, as one."""
+    """Returns the contents of all files that match `pattern`, joined."""
     return b"".join(path.read_bytes() for path in pathlib.Path(folder).glob(pattern))
 
 
 def call(modem, folder, message, end):
-    """Two rings with the caller's number in between, a message, its end."""
+    """Makes a call: two rings with the caller's number in between, a message, and the end of the call."""
 
     caller_id = [f"callerid {line}" for line in ("DATE = 1121", "TIME = 1335", f"NMBR = {NUMBER}", f"NAME = {NAME}")]
     for text, steps in (("waiting...", ["ring"]), ("CND: RING", [*caller_id, "ring"])):
@@ -80,7 +80,7 @@ def call(modem, folder, message, end):
 
 def check(modem, folder, profile):
     offset, end = FAMILIES[profile]
-    greeting = random.Random(1).randbytes(16000)  # two seconds of every byte value, 0x10 among them
+    greeting = random.Random(1).randbytes(16000)  # two seconds with every byte value, including 0x10
     said = array.array("h", (random.Random(2).randrange(-20000, 20000) for _ in range(2 * sound.RATE)))
     sound.write(os.path.join(folder, "message.wav"), said)
     machine = start(folder, os.path.relpath(os.path.realpath(modem.port), "/dev"), greeting)
@@ -89,12 +89,12 @@ def check(modem, folder, profile):
     heard = modem.heard()
     played = array.array("h", (((byte ^ 128 ^ offset) - 128) * 256 for byte in greeting)).tobytes()
     start_of_it = heard.tobytes().find(played)
-    assert start_of_it >= 0, "the greeting was not heard as one piece"
+    assert start_of_it >= 0, "the greeting was not heard in one piece"
     assert sound.end_of_beep(heard[(start_of_it + len(played)) // 2 :], 933, 1.4) is not None, "no beep was heard"
     recording = contents(folder, "voice/incoming/v-*")
     assert recording == modem.sent(), "what it recorded is not what the modem sent"
-    assert bytes((sample >> 8 & 255) ^ offset for sample in said) in recording, "the message is not whole"
-    if profile != "softmodem":  # its command for caller ids is one that vgetty does not know
+    assert bytes((sample >> 8 & 255) ^ offset for sample in said) in recording, "the message is not complete"
+    if profile != "softmodem":  # vgetty does not know its command for caller IDs
         assert [*pathlib.Path(folder).glob(f"voice/incoming/v-*-{NUMBER}.*")], "the caller's number is not in the name"
         assert NAME.encode() in contents(folder, "log/mgetty/*"), "the caller's name is not in the log"
     assert modem.complaints() == [], modem.complaints()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Calls on an emulated modem, from the first ring to on-hook. A row of the table is a script and what it
-// leads to.
+// Calls on an emulated modem, from the first ring to on-hook. Each row of the table has a script and the
+// events it must cause.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 using Samples = std::vector<std::int16_t>;
 using std::chrono::milliseconds;
 
-/// Noise with every value that a sample can have, 0x10 in either byte among them.
+/// Returns noise with every value that a sample can have, including 0x10 in either byte.
 Samples Noise(const std::string& blocks) {
   static unsigned seed = 1;
   Samples samples;
@@ -32,7 +32,7 @@ Samples Noise(const std::string& blocks) {
   return samples;
 }
 
-/// A modem of that name; "fax" has no voice mode, "adpcm" no format that we understand.
+/// Returns the modem of that name; "fax" has no voice mode, "adpcm" has no format that we support.
 const ModemProfile& Profile(const std::string& name) {
   static auto changed = *FindModemProfile("conexant");
   if (name != "fax" && name != "adpcm") return *FindModemProfile(name);
@@ -42,8 +42,8 @@ const ModemProfile& Profile(const std::string& name) {
   return changed;
 }
 
-/// A modem line as the program has it, on virtual time: the modem's port, the user of the line, and its
-/// sound.
+/// A modem line as the program uses it, on virtual time, with the modem's port, the user of the line, and the
+/// source and the sink of its audio.
 struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
   Story(const std::string& profile, const ModemFaults& faults)
       : linear(profile == "softmodem" || profile == "lucent"),
@@ -77,7 +77,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
       if (host != nullptr) host->Received(copy);
     });
   }
-  /// What flow control holds back is sent later.
+  /// Sends the unsent bytes; those that flow control holds back are sent later.
   void Send() {
     const auto end = unsent.begin() + std::ptrdiff_t(std::min(unsent.size(), modem.Room()));
     const std::vector<std::uint8_t> bytes(unsent.begin(), end);
@@ -98,7 +98,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
   void Write(std::span<const std::int16_t> block) override {
     recorded.insert(recorded.end(), block.begin(), block.end());
   }
-  /// In a format of 8 bits a sample may be off by one step.
+  /// Reports whether `whole` contains `part`. In 8-bit formats a sample may be off by one step.
   void TellWhether(const char* what, std::span<const std::int16_t> part, const Samples& whole) {
     const auto same = [this](int a, int b) { return std::abs(a - b) <= (linear ? 0 : 256); };
     const bool found = std::search(whole.begin(), whole.end(), part.begin(), part.end(), same) != whole.end();
@@ -120,7 +120,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
     agent = std::make_unique<ModemAgent>(settings, ModemAgent::Ports{*this, time, time, audio, *this});
     if (const auto refused = agent->Start()) Tell(*refused);
   }
-  /// Plays "ring; 300; answer": a number waits that many milliseconds.
+  /// Plays a script such as "ring; 300; answer"; a number waits that many milliseconds.
   void Play(const std::string& script) {
     std::istringstream parts(script);
     for (std::string part; std::getline(parts >> std::ws, part, ';');) {
@@ -195,13 +195,14 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
       {"echo", [this](auto&) { echoes = true; }},
       {"from", [this](auto& bytes) { FromModem(std::vector<std::uint8_t>(bytes.begin(), bytes.end())); }},
       {"offhook", [this](auto&) { Until([this] { return modem.OffHook(); }); }},
-      // What is asked about afterwards.
+      // What a script can check.
       {"hook", [this](auto&) { Tell(modem.OffHook() ? "off-hook" : "on-hook"); }},
       {"heard",
        [this](auto& again) {
          TellWhether("heard", given, modem.Heard());
          if (!again.empty()) return;
-         EXPECT_LT(modem.PlayedBytes().size() - stopped - given.size() * (linear ? 2 : 1), 1600U) << "100 ms";
+         // The modem may play at most 100 ms of other audio after a stop.
+         EXPECT_LT(modem.PlayedBytes().size() - stopped - given.size() * (linear ? 2 : 1), 1600U) << "excess";
          Forget();
        }},
       {"recorded",
@@ -215,7 +216,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
       {"complaints",
        [this](auto&) {
          for (const auto& text : modem.Complaints()) {
-           if (text != "+VCID outside voice mode") Tell(text);  // some modems have it there only
+           if (text != "+VCID outside voice mode") Tell(text);  // some modems accept it only there
          }
          EXPECT_EQ(state, kModemReady);
        }},
@@ -224,17 +225,17 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
   VirtualTime time{{}};
   ModemLinkEvents* host = nullptr;
   std::deque<std::uint8_t> unsent;
-  std::size_t lose = 0;   ///< bytes of the next thing that the modem says
-  milliseconds delay{0};  ///< of what the modem says
-  bool echoes = false;    ///< what the host sends, always
+  std::size_t lose = 0;   ///< bytes to drop from the modem's next output
+  milliseconds delay{0};  ///< of the modem's output
+  bool echoes = false;    ///< sends back everything that the host sends
   std::optional<LinkProblem> problem;
   std::size_t ports = 1;
   int opened = 0, rate = 0, most_rate = kFastRate;
   std::string told, state;
   std::int32_t request = 0;
   Samples given, spoken, recorded;
-  std::size_t played = 0;   ///< of what was given
-  std::size_t stopped = 0;  ///< bytes that had been played
+  std::size_t played = 0;   ///< samples of `given`
+  std::size_t stopped = 0;  ///< bytes played before the latest stop
   bool linear;
   ModemEmulator modem;
   LineAudio audio;
@@ -251,7 +252,7 @@ Case Row(const char* name, const char* profile, ModemFaults faults, std::string 
   return {name, profile, faults, std::move(script), std::move(told)};
 }
 
-/// A whole call, twice.
+/// Returns a row with two complete calls.
 Case WholeCalls(const char* name, const char* profile, const std::string& end, ModemFaults faults = {}) {
   const std::string script =
       "ring; 2500; id DATE = 1121; id NMBR = 5551234; id NAME = ANNA; 2500; ring; 300; answer; 3000; press "
@@ -270,7 +271,7 @@ const std::string kSilent =
     "answer: switch it off and on, ";
 const std::string kWorks = "The modem at /dev/modem works again, Trouble ";
 
-// Every modem, every fault that modems are known for, and what else happens to a line.
+// Every modem, every known fault of modems, and other things that can happen to a line.
 const Case kCases[] = {
     WholeCalls("V253", "v253", "the loop was broken"),
     WholeCalls("Conexant", "conexant", "the busy tone"),
@@ -285,7 +286,7 @@ const Case kCases[] = {
     WholeCalls("RingInsideAReply", "softmodem", "the busy tone", {.ring_inside_a_reply = true}),
     WholeCalls("TripledKeys", "softmodem", "the busy tone", {.tripled_keys = true}),
     WholeCalls("ThreeStops", "softmodem", "the busy tone", {.stops_needed = 3}),
-    // A caller id without a ring is no call; one may come before the first ring.
+    // A caller ID without a ring is not a call; one may come before the first ring.
     Row("CallersGiveUp", "conexant", {},
         "ready; id NMBR = 5550000; 30000; id NMBR = P; 300; ring; 5000; ring; 60000; ring; 20000",
         "Offered 1, CallerId 1 /, Ring 1 1, Ring 1 2, Idle 1, Offered 2, Ring 2 1, Idle 2"),
@@ -298,7 +299,7 @@ const Case kCases[] = {
         "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem was unplugged; it is used "
         "again when it is plugged in, Trouble The modem was unplugged, recorded, " +
             kWorks + ", Connected 2"),
-    // A loop break right after the answer is the exchange's; while we play, a tone may be our own.
+    // A loop break right after the answer comes from the exchange. While we play, a tone may be our own.
     Row("EverySignOfTheEnd", "silabs", {.no_hang_up_code = true},
         "ready; call; busy; 12000; call; dialtone; 12000; call; silence; 72000; call; event H; 9000; call; "
         "event l; 1000;event l; 9000; call; event K; 9000; call; play 900; 1000; event b; 4000; event b; "
@@ -318,7 +319,7 @@ const Case kCases[] = {
             kSilent +
             "opened 2, opened 1, opened 4, opened 1, The modem at /dev/ttyACM0 is: 560, V.253 VOICE MODEM, "
             "GENERIC, The modem at /dev/ttyACM0 works again, Trouble , Refused 2"),
-    // Switched off and on; stuck while idle, while it receives, while it plays, right after the answer.
+    // Switched off and on; stuck while idle, while receiving, while playing, and right after the answer.
     Row("Stuck", "conexant", {},
         "ready; power; 120000; asked +VCID=1; wedge; 180000; power; 120000; call; 1000; wedge; 15000; wake; "
         "30000; hook;call; play 2000; 2000; wedge; 15000; wake; 30000; ring; 300; answer; 220; wedge; 20000",
@@ -351,7 +352,7 @@ const Case kCases[] = {
     Row("RingsOnAfterTheAnswer", "v253", {},
         "ready; call; play 100; 1000; event R; 1000; event R; 5000; asked +VLS=1; played; heard again",
         "Connected 1, asked 3, heard"),
-    // The end of playing, and that of receiving, are never answered.
+    // The modem never confirms the end of playing, nor the end of receiving.
     Row("StuckAtTheEndOfAudio", "v253", {},
         "ready; call; play 20; 380; wedge; 9000; wake; 30000; call; 1000; wedge; play 10; 2900",
         "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem " + kSilent + kWorks +
@@ -370,7 +371,7 @@ const Case kCases[] = {
         "Connected 1, Idle 1, closed, off-hook"),
     Row("ClosedWhileAnswering", "v253", {}, "ready; ring; 300; delay 300; answer; drop; drop; close; hook",
         "Offered 1, Ring 1 1, Done 3 0, Done 1 0, Done 2 0, Idle 1, closed, on-hook"),
-    Row("NoCarrierBehindTheAudio", "conexant", {},
+    Row("NoCarrierAfterTheAudio", "conexant", {},
         "ready; call; 1000; from \x10\x03\r\nNO CARRIER\r\n; 6000; asked +VLS=1",
         "Connected 1, The call is over: the modem has hung up, Disconnected 1, Idle 1, asked 1"),
     Row("AlwaysEchoesAndGoesOffHookLate", "v253", {},
@@ -382,7 +383,7 @@ const Case kCases[] = {
         "ready; ring; 300; answer; 1600; ring; 1900; ring; 1900; ring; 1900; ring; 20000; hook",
         "Offered 1, Ring 1 1, Ring 1 2, Ring 1 3, Ring 1 4, Done 1 failed, The modem did not answer the "
         "call, Ring 1 5, Idle 1, on-hook"),
-    // The line rings on after the answer, and the modem refuses another one until the ring is over.
+    // The line keeps ringing after the answer, and the modem refuses to answer again until the ring is over.
     Row("AnswersAgain", "softmodem", {.refuses_off_hook_in_ring = true, .answer_does_not_take = true},
         "ready; ring; 2500; answer; 150; ring; 8000; hook; asked +VLS=1",
         "Offered 1, Ring 1 1, Done 1 0, Connected 1, off-hook, asked 5"),
@@ -399,7 +400,7 @@ TEST_P(ModemLine, DoesAsTheScriptSays) {
 INSTANTIATE_TEST_SUITE_P(All, ModemLine, testing::ValuesIn(kCases),
                          [](const auto& test) { return test.param.name; });
 
-TEST(ModemLineTest, IsClosedAtAnyTimeWhileTheModemIsBeingAsked) {
+TEST(ModemLineTest, CanBeClosedAtAnyTimeWhileTheModemIsQueried) {
   for (int at = 0; at < 4000; at += 70) {
     Story story("v253", {});
     story.Play("start; " + std::to_string(at) + "; close; 5000; hook");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a modem says and how it is understood: answers, caller ids, rings, keys, formats, samples.
+// How the modem's output is parsed: answers, caller IDs, rings, keys, formats, samples.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -21,8 +21,8 @@ using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 using enum SampleKind;
 
-/// Writes down what is said: lines as "text|", events as <x>, packets as {text}, audio as it is, its end as
-/// #. Audio is expected behind the line "ATA".
+/// Records the modem's output: lines as "text|", events as <x>, packets as {text}, audio unchanged, the end
+/// of audio as #. Audio is expected after the line "ATA".
 struct Transcript : ModemOutput {
   std::string Read(std::string_view text, std::size_t piece) {
     for (; !text.empty(); text.remove_prefix(std::min(piece, text.size()))) {
@@ -47,14 +47,14 @@ struct Transcript : ModemOutput {
 TEST(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
   const std::string longest(ModemReader::kLongestLine, 'x');
   const std::pair<std::string, std::string> rows[] = {
-      // Events within lines, packets, audio that looks like events and like answers, doubled <DLE>.
+      // Events within lines, packets, audio that looks like events or answers, doubled <DLE>.
       {"\r\nRING\r\n\x10R\r\nDATE = 0102\r\nNM\x10RBR = 555\r\n", "RING|<R>DATE = 0102|<R>NMBR = 555|"},
       {"\x10XNAME=Eve\r\nNMBR=1\r\n\x10.\r\nCONNECT\r\nOK\r\n", "{NAME=Eve\r\nNMBR=1\r\n}CONNECT|OK|"},
       {"ATA\rCONNECT\r\nab\r\nOK\r\n\x10\x10R\x10#\x10\x1Az\x10s",
        "ATA|CONNECT|ab\r\nOK\r\n\x10R<#>\x10\x10z<s>"},
       {"ATA\rCONNECT\n\x80\x10\x10\x03z\x10\x03\r\nVCON\r\n\x10y", "ATA|CONNECT|\x80\x10\x03z#VCON|<y>"},
       {"ATA\rCONNECT 115200\ra\x10\x1B", "ATA|CONNECT 115200|a#"},
-      // Garbage costs no more than its line or packet.
+      // Garbage affects only its own line or packet.
       {"\0\x7F\x01 AT\0 OK \r\n\t\r \n"s, "AT OK|"},
       {"O\x10\rK\n\x10\x80Z\r", "O|K|\x80Z|"},
       {longest + "x\r\nOK\r\n" + longest + "\n", "OK|" + longest + "|"},
@@ -68,9 +68,9 @@ TEST(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
   }
 }
 
-TEST(CallerIdTest, EveryFormIsRead) {
+TEST(CallerIdTest, ReadsEveryFormat) {
   const std::pair<Lines, std::string> rows[] = {
-      // the lines, and "name/number" if either was told
+      // the lines, and "name/number" if either was given
       {{"DATE=0102", "TIME=1405", "NMBR=5551234", "NAME=Anna Bell"}, "Anna Bell/5551234"},
       {{"NAME = \"Anna Bell      \"", "nmbr =  5551234 ", "NMBR=O"}, "Anna Bell/5551234"},
       {{"NAME=J\xFCrgen"}, "J\xC3\xBCrgen/"},
@@ -79,12 +79,12 @@ TEST(CallerIdTest, EveryFormIsRead) {
       {{"NMBR = P", "NAME = P"}, "/"},
       {{"NMBR=O", "NAME=Anna"}, "Anna/"},
       {{"NAME=ANONYMOUS"}, "/"},
-      // Messages: single (date, time and number), multiple (name, too), a number that is withheld.
+      // Messages: single (date, time, number), multiple (also the name), with a withheld number.
       {{"MESG=040F303130323134303535353531323334F7"}, "/5551234"},
       {{"MESG = 80 19 01 08 30 31 30 32 31 34 30 35 02 07 35 35 35 31 32 33 34 07 04 41 6E 6E 61 D6"},
        "Anna/5551234"},
       {{"MESG=800304015028"}, "/"},
-      // A wrong checksum, cut short, a parameter beyond the end, no digits, nothing.
+      // A wrong checksum, messages cut short, a parameter beyond the end, no hex digits, an empty message.
       {{"MESG=040F303130323134303535353531323334F8"}, "-"},
       {{"MESG=040F303130", "MESG=8002020973", "MESG=80zz", "MESG=8", "MESG="}, "-"},
   };
@@ -107,15 +107,15 @@ TEST(RingPatternTest, CountsRingsAndKnowsWhenTheCallerHasGivenUp) {
     told += std::to_string(count.value_or(0)) + ":" + std::to_string(rings.Patience().count()) + " ";
   }
   EXPECT_EQ(told, "1:8000 0:8000 2:8000 3:9000 ");
-  // A modem that reports all the time still rings more than once.
+  // A ring that is reported without a pause still counts as more than one.
   int count = 3;
   for (int at = 12'100; at < 23'700; at += 400) count = rings.Ring(milliseconds(at)).value_or(count);
   EXPECT_EQ(count, 6);
 }
 
-TEST(KeyPressesTest, OnePressIsOneHoweverItIsReported) {
+TEST(KeyPressesTest, ReportsEachKeyPressOnceHoweverTheModemReportsIt) {
   const std::tuple<std::string, int, std::string> rows[] = {
-      // events, ms between them, presses
+      // the events, the ms between them, the key presses
       {"/5~", 70, "5"},       {"/55555555555~", 70, "5"},
       {"555", 30, "5"},       {"5555555", 70, "5"},
       {"/5~5", 70, "5"},      {"/5~/5~", 30, "55"},
@@ -134,12 +134,12 @@ TEST(KeyPressesTest, OnePressIsOneHoweverItIsReported) {
   }
 }
 
-TEST(FirmwareTest, TheFaultyOneIsKnown) {
+TEST(FirmwareTest, RecognizesTheFaultyOne) {
   EXPECT_THAT(FirmwareAdvice("56000, 56K FAX USB V1.2.18, 5637"), testing::HasSubstr("misses rings"));
   for (const char* fine : {"5637 V1.2.23", "HSF 1.2.18", "5637"}) EXPECT_EQ(FirmwareAdvice(fine), "");
 }
 
-/// One "kind rate setting" per format: L linear of 16 bits, M mu-law, U unsigned of 8 bits.
+/// Returns each format as its kind (L: 16-bit linear, M: mu-law, U: 8-bit unsigned), rate, "=" and setting.
 std::string Text(const std::vector<VoiceFormat>& formats) {
   std::string text;
   for (const auto& one : formats) {
@@ -149,7 +149,7 @@ std::string Text(const std::vector<VoiceFormat>& formats) {
   return text;
 }
 
-TEST(ModemFormatsTest, TakesTheBestByNameAndBits) {
+TEST(ModemFormatsTest, RanksFormatsByNameAndBits) {
   const std::pair<Lines, std::string> offers[] = {
       {{R"(128,"8-BIT LINEAR",(7200,8000,11025))", R"(129,"16-BIT LINEAR",(7200,8000,11025))",
         R"(130,"8-BIT ALAW",(8000))", R"(131,"8-BIT ULAW",(8000))", R"(132,"IMA ADPCM",(8000))"},
@@ -179,11 +179,11 @@ std::vector<std::uint8_t> Encoded(SampleKind kind, const std::vector<std::int16_
   return bytes;
 }
 
-TEST(SampleCodecTest, EveryByteComesBackAsItWasRoundedAndClipped) {
+TEST(SampleCodecTest, EveryByteSurvivesDecodingAndSamplesAreRoundedAndClipped) {
   for (const auto kind : {Linear16, MuLaw, Unsigned8}) {
     std::vector<std::uint8_t> bytes;
     for (int i = 0; i < 512; ++i) bytes.push_back(static_cast<std::uint8_t>(i + i / 256));
-    if (kind == MuLaw) std::erase(bytes, 0x7F);  // one of its two zeros
+    if (kind == MuLaw) std::erase(bytes, 0x7F);  // mu-law has two codes for zero
     std::vector<std::int16_t> samples;
     SampleDecoder decoder({kind, 8000, ""});
     for (const auto byte : bytes) decoder.Decode({&byte, 1}, samples);
@@ -213,9 +213,9 @@ TEST(SampleCodecTest, AToneStaysAToneAtOtherRates) {
       decoder.Decode(std::span(bytes).subspan(half), back);
     }
     EXPECT_NEAR(double(back.size()), 16000, 400);
-    for (std::size_t i = 4000; i < 12000;
-         ++i)  // a sine's neighbours add up to cos(1000 Hz) times twice itself
-      EXPECT_NEAR(back[i - 1] + back[i + 1], 2 * std::cos(kStep) * back[i], 40) << "of 8000";
+    // In a sine, the two neighbours of a sample add up to 2 cos(kStep) times the sample.
+    for (std::size_t i = 4000; i < 12000; ++i)
+      EXPECT_NEAR(back[i - 1] + back[i + 1], 2 * std::cos(kStep) * back[i], 40) << "amplitude 8000";
   }
 }
 

@@ -8,7 +8,7 @@
 
 namespace orven::test {
 
-/// The user of a line: each event becomes a few words.
+/// The user of a line, which reports each event in a few words.
 struct ToldEvents : LineDriverEvents {
   virtual void Tell(const std::string& text) = 0;
   void Tell(const std::string& what, std::uint32_t number, const std::string& more = "") {

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 using std::to_string;
 
 /// The second of two lines, its caller, and a program that hangs up when the caller does. All events of the
-/// service are added to one text.
+/// service are collected in one text.
 struct Scene : TelephonyEvents {
   explicit Scene(const SimScript& script = {}) {
     std::vector<TelephoneDevice> devices;
@@ -97,25 +97,26 @@ TEST(LineService, ReportsACallToTheProgram) {
       {"o.rnxr.A_r?h_?",
        "call 1, ring 1, 'Bob'/UNKNOWN, ring 2, done 1, up, connected, gone, connected, refused -4, done 2, "
        "idle, not connected"},
-      // Our own hang-up is not reported as the caller's; a digit on its way is dropped.
+      // Our own hang-up is not reported as the caller's; a digit that is still queued is dropped.
       {"o.A_MD?1_", "call 1, done 1, up, not connected, done 2, idle"},
       {"ADo.AAD_", "refused -4, refused -4, call 1, refused -5, done 3, done 5, idle"},
-      // An answer that crosses the end of its call does not touch the next one.
+      // An answer that is requested as its call ends does not affect the next call.
       {"o.Aho_?", "call 1, idle, call 2, done 1 as -4, not connected"},
       {"o.A_MCAC", "call 1, done 1, up, idle, refused -2, refused -2"},
-      // A call may ring forever and lasts while something plays; then it ends two minutes after the last key.
+      // A call may ring without limit, and lasts while something plays. Then it ends two minutes after the
+      // last key.
       {"ommmmmmmmA_mPmmmmPMmm1mms?ss",
        "call 1, done 1, up, digit 1, connected, idle call, gone, connected, refused -4, done 2, idle"},
   };
   for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
   const Scene scene;
   EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
-  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "the number of a request";
+  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "a request is not an error";
   for (int result = -8; result < 0; ++result)
     EXPECT_EQ(scene.service->ErrorText(result).starts_with("Unknown"), result == -8) << result;
 }
 
-TEST(SimScript, StartsAtEachOpeningAndItsWrongLinesAreReported) {
+TEST(SimScript, StartsWheneverTheLineIsOpenedAndReportsInvalidLines) {
   const test::ScratchFolder folder;
   const std::string path = folder / "script.sim";
   test::PutFile(path,
@@ -130,7 +131,7 @@ TEST(SimScript, StartsAtEachOpeningAndItsWrongLinesAreReported) {
   EXPECT_THAT(complaints[0], testing::StartsWith("script.sim:6: \"2 dance\": expected "));
 }
 
-TEST(CallerText, LetsNothingHarmfulThrough) {
+TEST(CallerText, RemovesHarmfulCharacters) {
   const std::pair<std::string, std::string> rows[] = {
       {"  Zoë \t Müller  ", "Zoë Müller"},
       {"a\"b\177c\302\205d", "a'b c d"},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The configured telephone lines in a real file, at a real registrar and on a pseudo-terminal.
+// The configured telephone lines, with a real file, a real registrar and a pseudo-terminal.
 #include <gmock/gmock.h>
 #include <pty.h>
 #include <qtestsupport_core.h>
@@ -31,7 +31,7 @@ class TelephoneLinesTest : public testing::Test {
     PutFile(path, text);
     return lines.Read();
   }
-  /// Takes what lines.ini has into use, as the program does, and returns its first line.
+  /// Writes `text` to lines.ini, takes its lines into use as the program does, and returns the first one.
   TelephoneLine Use(const std::string& text) {
     const auto first = Given(text).lines.at(0);
     service.LineClose(0);
@@ -48,7 +48,7 @@ class TelephoneLinesTest : public testing::Test {
     return result.value_or(LineTestResult{});
   }
 
-  /// Waits until the state of a line contains `words`.
+  /// Waits until the state of `line` contains `words`.
   void ExpectState(const TelephoneLine& line, const std::string& words) {
     const auto said = [&] { return lines.State(line).find(words) != std::string::npos; };
     EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << words << ": " << lines.State(line);
@@ -62,7 +62,7 @@ class TelephoneLinesTest : public testing::Test {
   FileTelephoneLines lines{path, loop, service, states};
 };
 
-TEST_F(TelephoneLinesTest, InvalidPartsStayInTheFileAndABinaryFileIsKeptBesideIt) {
+TEST_F(TelephoneLinesTest, InvalidPartsStayInTheFileAndABinaryFileIsSetAside) {
   auto given = lines.Read();
   given.lines.at(0).name = "Here";
   lines.Store(given.lines);
@@ -84,8 +84,8 @@ TEST_F(TelephoneLinesTest, InvalidPartsStayInTheFileAndABinaryFileIsKeptBesideIt
   EXPECT_EQ(ContentOf(path), "[Home]\ntype = sim\n");
 }
 
-/// A real registrar demands the password "secret" for the account "100". It answers any other account with
-/// the status that is its name.
+/// The registrar is a real one. It demands the password "secret" for the account "100" and answers any other
+/// account with the status that the account is named after.
 TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   const auto port = FreePort();
   const auto server = "127.0.0.1:" + std::to_string(port), own = Free();
@@ -106,7 +106,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   ASSERT_EQ(std::system((waiting + "; do sleep 0.05; done' 2>/dev/null").c_str()), 0);
   const auto login = [&](const std::string& user) { return "account = sip:" + user + '@' + server; };
   const auto wrong = "or the password is wrong."s, far = "0.0.0.0 as address for calls uses every network"s;
-  // The keys of a SIP line, and words of its test and of its state.
+  // The keys of a SIP line, and parts of its test result and of its state.
   const std::tuple<std::string, std::string, std::string> rows[] = {
       {login("100") + "\npassword = secret", " accepts the account 100.", "Registered"},
       {login("100") + "\npassword = secret\ntransport = tcp", " accepts the account 100.", "Registered"},
@@ -138,7 +138,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   auto line = Use(home);
   EXPECT_THAT(Result(line).text, HasSubstr("The line is open: calls can come in at " + own));
   line.ring_seconds = 9;
-  EXPECT_TRUE(Result(line).passed) << "its own line holds the port";
+  EXPECT_TRUE(Result(line).passed) << "the port is taken by the line itself";
   line = Use(home + std::get<0>(rows[0]));
   ExpectState(line, "Registered");
   EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
@@ -149,7 +149,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   EXPECT_EQ(lines.State(line), "Not in use yet");
 }
 
-TEST_F(TelephoneLinesTest, ASilentServerIsNamedAndTheTestOfOneCanBeStopped) {
+TEST_F(TelephoneLinesTest, ASilentServerIsReportedAndItsTestCanBeCancelled) {
   const auto silent = Socket::Udp(), listening = Socket::TcpListening();
   LineSection section{"Home", 0, "sip", {{"listen", Free()}}};
   const auto probe = [&section](const Socket& server, const char* transport) {
@@ -187,7 +187,7 @@ TEST_F(TelephoneLinesTest, TheListSaysWhichLineIsOpenAndWhatIsWrongWithIt) {
   EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));
 }
 
-/// Answers a command; "unplugged" ends the connection.
+/// Returns the answer to a command; "unplugged" closes the connection.
 using Modem = std::function<std::string(const std::string& command)>;
 
 std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = false) {
@@ -208,7 +208,7 @@ std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = fals
     ::close(own);
   });
   const auto result = ProbeModem(path.data(), cancelled);
-  ::close(port);  // reading ends
+  ::close(port);  // ends the thread's read
   thread.join();
   EXPECT_EQ(result.passed, result.text.find("its sound has") != std::string::npos) << result.text;
   return result.text;
@@ -219,7 +219,7 @@ TEST(ModemProbe, TellsVoiceModemsFromOtherDevices) {
   const auto with = [&](const std::string& classes, const std::string& formats = "") {
     return [&commands, classes, formats](const std::string& command) {
       const auto told = command.find("=?") != command.npos ? classes + "\r\n\r\n" + formats : "";
-      return ++commands == 1 ? "" : command + "\r\n" + told + "\r\nOK\r\n";  // it is late, and has an echo
+      return ++commands == 1 ? "" : command + "\r\n" + told + "\r\nOK\r\n";  // answers late and with an echo
     };
   };
   const std::pair<Modem, const char*> rows[] = {
@@ -237,10 +237,10 @@ TEST(ModemProbe, TellsVoiceModemsFromOtherDevices) {
   std::atomic<bool> cancelled = false;
   commands = 0;
   Probed([&](const std::string&) { return ++commands, cancelled = true, ""; }, cancelled);
-  EXPECT_EQ(commands, 1) << "a cancelled test asks nothing more";
+  EXPECT_EQ(commands, 1) << "a cancelled test sends no more commands";
 }
 
-TEST(SerialPorts, AreFoundUnderTheNameThatStaysAndOthersAreRefused) {
+TEST(SerialPorts, AreFoundUnderTheirStableNameAndOtherFilesAreRefused) {
   const ScratchFolder folder;
   PutFile(folder / "port", "");
   const std::atomic<bool> never = false;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Calls as the caller and the line's owner see them, their audio and keys, and hostile input: whatever is
-// sent, the line takes the next call.
+// Calls as the caller and the user of the line see them, their audio and keys, and hostile input: after any
+// input, the line takes the next call.
 #include <spandsp.h>
 
 #include <array>
@@ -17,14 +17,14 @@ namespace {
 using std::string_literals::operator""s;
 using Texts = std::vector<std::string>;
 
-/// The memory of this process.
+/// Returns the resident memory of this process.
 std::size_t ResidentBytes() {
   std::size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages >> pages;
   return pages * 4096;
 }
 
-/// A caller's call that is up as call `n`.
+/// Returns the steps that connect caller `n` in call `n`.
 std::string Connected(const std::string& n) {
   return "caller " + n + ",> INVITE,Ring " + n + " 1,answer 1,< 200,> ACK,Connected " + n + ",";
 }
@@ -39,7 +39,7 @@ TEST_F(SipLineTest, ReportsTheEventsOfACallInOrder) {
   Play("answer 3,drop 4,RequestDone 3 " + std::to_string(kTelephonyNoCall) + ",RequestDone 4 0");
 }
 
-TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtEveryMoment) {
+TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtAnyTime) {
   Play("> INVITE,Ring 1 1,drop 1,< 486,Idle 1,RequestDone 1 0");
   Play("caller 2,> INVITE,Ring 2 1,answer 2,drop 3,Idle 2,< 200,> ACK,< BYE");
   Play(Connected("3") + "answer 5,drop 6,< BYE,Idle 3,RequestDone 5 " +
@@ -47,7 +47,7 @@ TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtEveryMoment) {
   for (const std::string& event : events.All()) EXPECT_FALSE(event.starts_with("Disconnected")) << event;
 }
 
-TEST_F(SipLineTest, AnswersACallThatLeavesTheOfferToUs) {
+TEST_F(SipLineTest, AnswersAnInviteWithoutAnOffer) {
   Play("> INVITE none,Ring 1 1,answer 1,< 200");
   caller->Send(caller->Text("ACK", caller->Sdp("8")));
   Play("Connected 1");
@@ -55,15 +55,15 @@ TEST_F(SipLineTest, AnswersACallThatLeavesTheOfferToUs) {
   Play("> BYE,< 200");
 }
 
-TEST_F(SipLineTest, ReInvitesHoldAndResumeAndOnlyASilentPeerIsLost) {
+TEST_F(SipLineTest, ReInvitesHoldAndResumeAndOnlySilenceOffHoldEndsTheCall) {
   settings.timers.lost_media = milliseconds(500);
   Play(Connected("1") + "> INVITE 0 sendonly,< 200,> ACK,deaf 600,> INVITE 0 inactive,< 200,> ACK,deaf 100");
   Play("> INVITE 18,< 488");
-  EXPECT_EQ(events.All().back(), "Connected 1") << "a refused offer ends no call";
+  EXPECT_EQ(events.All().back(), "Connected 1") << "a refused offer does not end the call";
   Play("> INVITE,< 200,> ACK,hears 1,Disconnected 1,Idle 1,< BYE");
 }
 
-TEST_F(SipLineTest, ACallerWhoIsGoneOrSilentOnHoldOrNeverAcknowledgesIsLost) {
+TEST_F(SipLineTest, ACallEndsIfThePeerIsUnreachableSilentOnHoldOrSendsNoAck) {
   settings.timers.unreachable = settings.timers.lost_held = settings.timers.no_ack = milliseconds(300);
   Play(Connected("1"));
   caller->rtp.Close();
@@ -81,7 +81,7 @@ TEST_F(SipLineTest, ASecondCallerIsBusyAndClosingHangsUp) {
   EXPECT_EQ(events.All().back(), "Idle 1");
   ASSERT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
   Play("< BYE,caller 3,> INVITE,< 180");
-  line->Close();  // without waiting for the refusal's acknowledgement
+  line->Close();  // without waiting for the ACK of the refusal
   EXPECT_EQ(events.All().back(), "Idle 1");
 }
 
@@ -93,7 +93,7 @@ TEST_F(SipLineTest, AFailedOpeningNamesTheReasonAndCanBeRepeated) {
   EXPECT_EQ(line->Open(events), kTelephonyOk) << line->LastError();
 }
 
-TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineGoesOn) {
+TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineStaysInUse) {
   Play("> MESSAGE,< 405,> BYE,< 481,> OPTIONS");
   EXPECT_NE(Header(caller->Take("200"), "Allow").find("INVITE"), std::string::npos);
   const std::string multipart = "multipart/mixed;boundary=b\r\n\r\n--b\r\n";
@@ -130,8 +130,8 @@ TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineGoesOn) {
 TEST_F(SipLineTest, BrokenTcpStreamsAreClosedAndCostNoMemory) {
   OpenLine();
   const std::size_t before = ResidentBytes();
-  // Empty lines whose answers are not read; empty lines whose answers are read, but always with half a line
-  // left.
+  // The first flood is empty lines whose answers are not read. The second one reads the answers, but its data
+  // always ends within a line.
   for (const std::string& lines :
        {"\r\n\r\n"s, "\n\r\n\r"s, "xxxx"s, "OPTIONS sip:a SIP/2.0\r\nContent-Length: 4000000000\r\n\r\n"s}) {
     const bool reads = lines[0] == '\n';
@@ -145,13 +145,13 @@ TEST_F(SipLineTest, BrokenTcpStreamsAreClosedAndCostNoMemory) {
       most = std::max(most, ResidentBytes());
     }
     EXPECT_LT(sent, 64'000'000U) << lines << " is never refused";
-#ifndef __SANITIZE_ADDRESS__  // which keeps what is given free
+#ifndef __SANITIZE_ADDRESS__  // a sanitizer keeps freed memory
     EXPECT_LT(most, before + 50'000'000) << lines;
 #endif
   }
 }
 
-/// The tones of `keys`, 70 ms each with pauses, as mu-law bytes with silence around.
+/// Returns the tones of `keys` as mu-law bytes, 70 ms each with pauses, and silence before and after them.
 Bytes Tones(const std::string& keys) {
   dtmf_tx_state_t* generator = dtmf_tx_init(nullptr);
   dtmf_tx_set_timing(generator, 70, 70);
@@ -164,7 +164,7 @@ Bytes Tones(const std::string& keys) {
   return bytes;
 }
 
-/// A call that is recorded.
+/// A call that is being recorded.
 class SipAudioTest : public SipLineTest {
  protected:
   void SetUp() override {
@@ -172,8 +172,8 @@ class SipAudioTest : public SipLineTest {
     ASSERT_EQ(line->Audio().StartRecord(recorded), 0);
   }
 
-  /// Like a telephone: three packets while the key is down, three after it is up. The first `lost` are not
-  /// sent.
+  /// Sends a key as a telephone does: three packets while it is down, three after its release. The first
+  /// `lost` packets are not sent.
   void PressAsEvent(char key, int lost = 0) {
     const auto code = static_cast<std::uint8_t>(std::string("0123456789*#A").find(key));
     timestamp_ += 8000;
@@ -204,7 +204,7 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   EXPECT_EQ(line->Audio().StartPlay(played), kWaveBusy);
   EXPECT_EQ(line->Audio().StartRecord(recorded), kWaveBusy);
   const Socket stranger = Socket::Udp();
-  stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not agreed upon
+  stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not negotiated
   stranger.SendTo(caller->line_rtp_port, std::string("not RTP"));
   Play("hears 10");
   const auto spoken = NoiseBytes(40, 3), shouted = NoiseBytes(30, 4);
@@ -215,7 +215,7 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   shouter.join();
   Play("> BYE,< 200,Idle 1");
   EXPECT_GE(recorded.all.size(), spoken.size() + 1600) << "a silent caller is recorded too";
-  // A machine under load may put a pause into the stream, but never loses or changes audio for good.
+  // A busy machine may insert a pause into the stream, but no audio is lost or changed permanently.
   EXPECT_GE(recorded.BlocksOf(spoken), 37U);
   EXPECT_EQ(recorded.BlocksOf({spoken.end() - kBlockSamples, spoken.end()}), 1U) << "the last word is lost";
   EXPECT_EQ(recorded.BlocksOf(shouted), 0U);
@@ -224,7 +224,7 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   EXPECT_NE(caller->heard.find(std::string(greeting.begin(), greeting.end())), std::string::npos);
 }
 
-TEST_F(SipAudioTest, ReportsEachKeyOnceHoweverItIsSentWhileMonitored) {
+TEST_F(SipAudioTest, ReportsEachMonitoredKeyOnceHoweverItIsSent) {
   PressAsInfo("dtmf", "8");
   line->MonitorDigits(1, true);
   for (const char key : {'1', '1', '*', '#'}) PressAsEvent(key);
@@ -250,7 +250,7 @@ TEST_F(SipAudioTest, ReportsEachKeyOnceHoweverItIsSentWhileMonitored) {
   EXPECT_GE(recorded.BlocksOf(tones), tones.size() / 160 - 3) << "the tones stay in the recording";
 }
 
-TEST_F(SipLineTest, AnEncryptedCallStaysSoThroughHoldsAndNewKeys) {
+TEST_F(SipLineTest, AnEncryptedCallStaysEncryptedThroughHoldsAndNewKeys) {
   const std::string key = "1 AES_CM_128_HMAC_SHA1_80 inline:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
   const std::string new_key = std::regex_replace(key, std::regex("AAEC"), "BQEC");
   Bytes spoken;
@@ -300,7 +300,7 @@ TEST_F(SipLineTest, AnEncryptedCallStaysSoThroughHoldsAndNewKeys) {
   EXPECT_TRUE(hears());
   speak(key);
   Play("> INVITE 0,< 488");
-  EXPECT_TRUE(hears()) << "the call is plain from now on";
+  EXPECT_TRUE(hears()) << "the call is no longer encrypted";
   offer(new_key, "sendrecv");
   speak(new_key);
   EXPECT_TRUE(hears());

@@ -28,7 +28,7 @@ namespace orven::test {
 
 using std::chrono::milliseconds;
 
-/// A UDP or TCP socket on 127.0.0.1. Throws when it cannot be made.
+/// A UDP or TCP socket on 127.0.0.1. Throws if it cannot be created.
 class Socket {
  public:
   static Socket Udp(std::uint16_t port = 0) { return {SOCK_DGRAM, ::bind, port}; }
@@ -47,16 +47,17 @@ class Socket {
     Check(::getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &size));
     return ntohs(address.sin_port);
   }
-  /// A datagram: bytes or a text.
+  /// Sends a datagram: bytes or a text.
   template <typename Content>
   void SendTo(std::uint16_t port, const Content& content) const {
     const sockaddr_in to = Loopback(port);
     const auto* address = reinterpret_cast<const sockaddr*>(&to);
     (void)::sendto(fd_, std::data(content), std::size(content), 0, address, sizeof(to));
   }
-  /// On a TCP connection; false when it is closed.
+  /// Sends on a TCP connection; returns false if it is closed.
   bool Send(const std::string& text) const { return ::send(fd_, &text[0], text.size(), MSG_NOSIGNAL) >= 0; }
-  /// The next datagram, or what TCP brings; "" when none comes within `limit` or the connection is closed.
+  /// Returns the next datagram or the next TCP data; "" if none comes within `limit` or the connection is
+  /// closed.
   std::string Receive(milliseconds limit = milliseconds(8000)) const {
     std::string bytes(65'536, 0);
     const ssize_t count = Ready(limit) ? ::recv(fd_, bytes.data(), bytes.size(), 0) : 0;
@@ -90,17 +91,17 @@ class Socket {
   int fd_;
 };
 
-/// A port that is free for UDP and TCP at this moment.
+/// Returns a port that is free for UDP and TCP at this moment.
 inline std::uint16_t FreePort() try {
   const Socket udp = Socket::Udp();
   return Socket::TcpListening(udp.Port()).Port();
 } catch (const std::system_error&) {
-  return FreePort();  // another program has the TCP port
+  return FreePort();  // another program uses the TCP port
 }
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The value of a header of a SIP message, or "".
+/// Returns the value of a header of a SIP message, or "".
 inline std::string Header(const std::string& message, const std::string& name) {
   const auto at = message.find("\r\n" + name + ": ");
   if (at == std::string::npos) return {};
@@ -108,7 +109,7 @@ inline std::string Header(const std::string& message, const std::string& name) {
   return message.substr(begin, message.find("\r\n", begin) - begin);
 }
 
-/// A response to a request, with further header lines, each with its CRLF.
+/// Returns a response to `request`; `headers` are further header lines, each with its CRLF.
 inline std::string ReplyTo(const std::string& request, const std::string& status,
                            const std::string& headers = "") {
   std::string reply = "SIP/2.0 " + status + "\r\n" + headers;
@@ -117,16 +118,16 @@ inline std::string ReplyTo(const std::string& request, const std::string& status
   return reply + "Content-Length: 0\r\n\r\n";
 }
 
-/// A caller that sends whatever a test wants, valid or not: one dialog over UDP, and an RTP socket.
+/// A caller that sends anything a test wants, valid or not: one dialog over UDP, and an RTP socket.
 class SipCaller {
  public:
   explicit SipCaller(std::uint16_t line_port) : line_port_(line_port) {}
 
-  /// Any request; an ACK and a CANCEL belong to the request before.
+  /// Returns the text of a request; an ACK or a CANCEL belongs to the previous request.
   std::string Text(const std::string& method, const std::string& body = "",
                    const std::string& type = "application/sdp") {
     if (method != "ACK" && method != "CANCEL") ++cseq_;
-    // The acknowledgement of a success is a transaction of its own, that of a refusal is not.
+    // The ACK of a success is a separate transaction, the ACK of a refusal is not.
     const char* own = method == "ACK" && !to_tag_.empty() ? "ack" : "";
     const std::string address = "127.0.0.1:" + std::to_string(sip_.Port()), number = std::to_string(cseq_);
     return method + " sip:line@127.0.0.1 SIP/2.0\r\nVia: SIP/2.0/UDP " + address + ";branch=" + branch_ +
@@ -139,8 +140,9 @@ class SipCaller {
   }
   void Send(const std::string& text) const { sip_.SendTo(line_port_, text); }
 
-  /// The next response with a status ("200") or request with a method ("BYE"), or "" when none comes; skips
-  /// other messages. Keeps what an answer tells, confirms a BYE and acknowledges a refusal.
+  /// Waits for a response with a status ("200") or a request with a method ("BYE") and skips other messages;
+  /// returns "" if none comes. Keeps an answer with its address and tag, confirms a BYE and acknowledges a
+  /// refusal.
   std::string Take(const std::string& what, milliseconds limit = milliseconds(8000)) {
     const auto end = std::chrono::steady_clock::now() + limit;
     std::string message = "-";
@@ -165,7 +167,7 @@ class SipCaller {
   }
 
   void SendRtp(const Bytes& packet) const { rtp.SendTo(line_rtp_port, packet); }
-  /// Takes the packets that have come so far and waits for another one.
+  /// Reads all packets that have already come, then waits for another one and returns it.
   std::string NextPacket(milliseconds limit = milliseconds(2000)) {
     std::string packet;
     while (!(packet = rtp.Receive(milliseconds(0))).empty()) heard += packet.substr(12);
@@ -175,8 +177,8 @@ class SipCaller {
   }
 
   Socket rtp = Socket::Udp();
-  std::string heard;   ///< the payloads that NextPacket took
-  std::string answer;  ///< the latest 200 of an INVITE
+  std::string heard;   ///< the payloads that NextPacket has read
+  std::string answer;  ///< the latest 200 response to an INVITE
   std::uint16_t line_rtp_port = 0;
 
  private:
@@ -187,7 +189,7 @@ class SipCaller {
   int cseq_ = 0;
 };
 
-/// One RTP packet; `type` is the payload type, plus 0x80 for the marker.
+/// Returns one RTP packet; `type` is the payload type, plus 0x80 for the marker.
 inline Bytes RtpPacketBytes(std::uint32_t type, std::uint32_t sequence, std::uint32_t timestamp,
                             const Bytes& payload, std::uint32_t ssrc = 9) {
   Bytes packet;
@@ -198,7 +200,7 @@ inline Bytes RtpPacketBytes(std::uint32_t type, std::uint32_t sequence, std::uin
   return packet;
 }
 
-/// Sends blocks of 20 ms of mu-law audio in real time; joining the thread waits for the last.
+/// Sends mu-law audio in blocks of 20 ms in real time; joining the thread waits for the last block.
 inline std::jthread Talk(const Socket& socket, std::uint16_t port, const Bytes& audio,
                          std::uint32_t ssrc = 9) {
   return std::jthread([&socket, port, audio, ssrc, start = std::chrono::steady_clock::now()] {
@@ -210,7 +212,7 @@ inline std::jthread Talk(const Socket& socket, std::uint16_t port, const Bytes& 
   });
 }
 
-/// Blocks of noise as G.711 bytes, without the two codes for zero.
+/// Returns blocks of noise as G.711 bytes, without the two codes for zero.
 inline Bytes NoiseBytes(std::size_t blocks, std::uint32_t seed) {
   std::minstd_rand random(seed + 1);
   Bytes bytes(blocks * 160);
@@ -226,7 +228,7 @@ class RecordedEvents : public LineDriverEvents {
     all_.push_back(text);
     grown_.notify_all();
   }
-  /// Waits for a text that contains `part`. False when none comes in time.
+  /// Waits for a text that contains `part`. Returns false if none comes in time.
   bool Wait(const std::string& part) {
     const auto has = [&part](const std::string& text) { return text.find(part) != text.npos; };
     std::unique_lock lock(mutex_);
@@ -267,7 +269,7 @@ class RecordedEvents : public LineDriverEvents {
   std::vector<std::string> all_;
 };
 
-/// Keeps what is recorded, to be read after the call; or plays what it has.
+/// Keeps recorded audio for the test to read after the call, or plays the audio that it holds.
 struct KeptAudio : AudioSink, AudioSource {
   void Write(std::span<const std::int16_t> block) override {
     all.insert(all.end(), block.begin(), block.end());
@@ -278,7 +280,7 @@ struct KeptAudio : AudioSink, AudioSource {
     all.erase(all.begin(), all.begin() + kBlockSamples);
     return true;
   }
-  /// How many whole blocks of `sent`, in mu-law, have come.
+  /// Returns how many whole blocks of `sent`, in mu-law, have arrived.
   std::size_t BlocksOf(const Bytes& sent) const {
     const auto samples = Decode(Codec::kMuLaw, sent);
     std::size_t found = 0;
@@ -289,7 +291,7 @@ struct KeptAudio : AudioSink, AudioSource {
   std::vector<std::int16_t> all;
 };
 
-/// A SIP line on a port of its own, and a caller.
+/// A SIP line on a free port, and a caller.
 class SipLineTest : public ::testing::Test {
  protected:
   SipLineTest() {
@@ -306,10 +308,10 @@ class SipLineTest : public ::testing::Test {
     EXPECT_NE(line->LastError().find(reason), std::string::npos) << line->LastError();
   }
 
-  /// Plays steps, separated by commas, with the line open: "> INVITE" and "< 180" are what the caller sends
-  /// and waits for ("> INVITE 8 sendonly" has that codec and direction), "answer 7" and "drop 7" are our
-  /// requests, "caller 2" is another caller from here, "hears 2" waits for that many RTP packets, "deaf 300"
-  /// checks that none comes in 300 ms. All else is an event of the line.
+  /// Plays comma-separated steps on the open line. "> INVITE" is what the caller sends ("> INVITE 8 sendonly"
+  /// has that codec and direction), "< 180" what it waits for. "answer 7" and "drop 7" are our requests,
+  /// "caller 2" switches to another caller, "hears 2" waits for that many RTP packets, "deaf 300" checks that
+  /// none comes in 300 ms. Anything else waits for that event of the line.
   void Play(const std::string& script) {
     if (line == nullptr) OpenLine();
     std::istringstream steps(script);
@@ -320,7 +322,7 @@ class SipLineTest : public ::testing::Test {
   const std::uint16_t port = FreePort();
   SipLineSettings settings;
   RecordedEvents events;
-  CallNumber call = 0;  ///< the latest that has rung
+  CallNumber call = 0;  ///< the latest call that has rung
   std::unique_ptr<LineDriver> line;
   std::map<std::string, SipCaller> callers;
   SipCaller* caller = &callers.try_emplace("1", port).first->second;

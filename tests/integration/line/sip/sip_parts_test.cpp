@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The parts of the line that need no network: jitter buffer, descriptions, keys, digits, caller names.
+// The parts of the SIP line that need no network: jitter buffer, SDP, keys, digits, caller names.
 #include <numeric>
 #include <regex>
 
@@ -15,11 +15,11 @@ namespace {
 
 using std::string_literals::operator""s;
 
-/// Plays a stream of 20 ms packets, block by block: a letter is a packet that arrives, "+" the packet after
-/// that, "." a block that is played; "-" makes the next packet one sample shorter, "|" begins another stream.
-/// Returns the blocks that were heard unchanged, and how many waited at the end.
+/// Plays a stream of 20 ms packets, step by step. A letter is a packet that arrives, "+" is the packet after
+/// the latest one, "." plays one block, "-" makes the next packet one sample shorter, "|" begins another
+/// stream. Returns the blocks that were heard unchanged, and how many were waiting at the end.
 std::string Heard(const std::string& script) {
-  // Blocks near each other differ.
+  // Nearby blocks differ.
   const auto block_of = [](int n) {
     std::vector<std::int16_t> block(kBlockSamples);
     std::iota(block.begin(), block.end(), static_cast<std::int16_t>(1000 + n % 150 * kBlockSamples));
@@ -29,7 +29,7 @@ std::string Heard(const std::string& script) {
   std::string heard;
   int latest = -1, waiting = 0;
   std::size_t missing = 0;
-  std::uint32_t ssrc = 1, offset = 0xFFFFFD00;  // the timestamps wrap on the way
+  std::uint32_t ssrc = 1, offset = 0xFFFFFD00;  // the timestamps wrap around
   const auto pull = [&] {
     std::vector<std::int16_t> block(kBlockSamples);  // on the heap: sanitizers find writes past its end
     buffer.Pull(block);
@@ -50,9 +50,9 @@ std::string Heard(const std::string& script) {
   return heard + " " + std::to_string(waiting);
 }
 
-TEST(JitterBufferTest, PlaysPacketsInOrderConcealsLossForItsLengthAndLimitsTheDelay) {
+TEST(JitterBufferTest, PlaysPacketsInOrderConcealsLossesAndLimitsTheDelay) {
   const std::pair<const char*, const char*> kRows[] = {
-      // Disorder, doubles and late packets; the network stalls, then brings everything at once.
+      // Reordered, duplicate and late packets; a network that stalls and then delivers everything at once.
       {"a.c.b.b.e.d.f.f.a......ghijkl", "abcdefhijkl 6"},
       {"a.b.c.d.e.f.g.h...k.l.m.n.o.p.q.r.s.t.", "abcdefghlmnopqrst 2"},
       {".-abcd....", "cd 0"},
@@ -60,12 +60,12 @@ TEST(JitterBufferTest, PlaysPacketsInOrderConcealsLossForItsLengthAndLimitsTheDe
       {"a.b.c.d.e.f.g.h.i.j.|k.l.m.n.o.p.q.r.s.t.", "abcdefghijklmnopqrst 2"},
   };
   for (const auto& [script, heard] : kRows) EXPECT_EQ(Heard(script), heard) << script;
-  std::string faster;  // at the beginning
+  std::string faster;  // the sender is too fast at first
   for (int i = 0; i < 3000; ++i) faster += i < 150 && i % 10 == 0 ? "++." : "+.";
   EXPECT_TRUE(Heard(faster).ends_with(" 5")) << Heard(faster);
 }
 
-/// The audio lines of our offer or answer, in one line.
+/// Returns the media, crypto and direction lines of our offer or answer as one line.
 std::string Written(MediaNegotiation& negotiation, bool as_offer) {
   const LibrePtr<mbuf> text = negotiation.Write(as_offer);
   const std::string all(reinterpret_cast<const char*>(text->buf), text->end);
@@ -82,8 +82,8 @@ sa Address(std::uint16_t port) {
   return address;
 }
 
-/// Reads a description whose lines are joined by "|". Returns where and how we send then ("0+101": the
-/// payload types of audio and keys), and our answer; or "refused".
+/// Reads SDP whose lines are joined by "|". Returns the peer's address, the payload types that we send
+/// ("0+101": audio and keys), the directions, and our answer; or "refused".
 std::string Read(MediaNegotiation& negotiation, const std::string& media, bool is_offer = true) {
   const auto text =
       std::regex_replace("v=0|s=-|c=IN IP4 127.0.0.1|" + media + "|", std::regex("\\|"), "\r\n");
@@ -144,7 +144,7 @@ TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeysOrChangesNoth
   EXPECT_EQ(Written(negotiation, true), " 0 RTP/AVP 0 4000 RTP/AVP 0");
 }
 
-TEST(SrtpTest, ReadsTheCryptoAttributesThatWeCanServe) {
+TEST(SrtpTest, ReadsTheSupportedCryptoAttributes) {
   const std::string begin = "7 "s + kSuite32 + kKey;
   for (const char* end : {"", "|2^31", " WSH=64 -NEW=1", "  "}) {
     const auto read = ReadCryptoAttribute(begin + end);
@@ -163,7 +163,7 @@ TEST(SrtpTest, ReadsTheCryptoAttributesThatWeCanServe) {
 TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
   KeyRateLimit pace;
   int allowed = 0;
-  // At the end a stalled network delivers several at once, and then come 6000 in six seconds.
+  // A person's pace, then several keys at once from a stalled network, then 6000 keys in six seconds.
   for (int key = 0, at = 3'600'000; key < 6028; ++key, at += key <= 20 ? 80 : key < 28 ? 0 : 1) {
     allowed += pace.Allows(KeyRateLimit::Time(milliseconds(at))) ? 1 : 0;
     EXPECT_TRUE(key >= 28 || allowed == key + 1) << key;
@@ -176,7 +176,7 @@ TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
   const Text from = "\"From\" <sip:1@h>;tag=x@y", ann = "\"Ann\" <sip:1@h>",
              office = "\"Office\" <sip:777@h>";
   const Text anonymous = "<sip:anonymous@anonymous.invalid>";
-  // P-Asserted-Identity, From, Privacy, and the name and number read from them.
+  // P-Asserted-Identity, From, Privacy, and the name and number that are read from them.
   const std::tuple<std::vector<Text>, Text, Text, Text> kRows[] = {
       {{}, R"("A \"B\" O'C, <x>" <sip:%2B49301;phone-context=d@h:5060>)", "", "A \"B\" O'C, <x>|+49301"},
       {{}, "Ann Smith <sip:ann:secret@h>", "", "Ann Smith|ann"},

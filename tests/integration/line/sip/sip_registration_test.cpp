@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A line with an account: its requests to the server, and how it treats the answers.
+// A line with an account: its requests to the server, and its reactions to the answers.
 #include <openssl/evp.h>
 #include <sched.h>
 #include <sys/resource.h>
@@ -28,7 +28,8 @@ std::string Digest(const std::string& algorithm, const std::string& text) {
   return hex.data();
 }
 
-/// How an answer proves the password "secret" of "100": "MD5", "SHA-256-sess" …; "wrong" when it does not.
+/// Returns the algorithm with which a request proves the password "secret" of "100" ("MD5", "SHA-256-sess"
+/// …), or "wrong".
 std::string Proof(const std::string& answer) {
   std::map<std::string, std::string> of;
   const std::regex parameter(" ([a-z]+)=\"?([^\",]*)");
@@ -62,7 +63,7 @@ class SipRegistrationTest : public SipLineTest {
     OpenLine();
   }
 
-  /// The next REGISTER that is not repeated, "" when none comes in time.
+  /// Returns the next REGISTER that is not a retransmission; "" if none comes in time.
   std::string Next(const Socket& server, milliseconds limit = milliseconds(8000)) {
     std::string request;
     do request = server.Receive(limit);
@@ -71,10 +72,11 @@ class SipRegistrationTest : public SipLineTest {
     return request;
   }
 
-  /// An answer by its status and headers, with "|" between. "WWW:a:" and "Proxy:a:" are challenges with the
-  /// nonce "a", "here" is the line's address, and "Seen: 4000" tells that the server sees it elsewhere.
+  /// Returns an answer, given as its status and headers with "|" in between. "WWW:a:" and "Proxy:a:" are
+  /// challenges with the nonce "a", "here" is the line's address, and "Seen: 4000" means that the server sees
+  /// the line at port 4000 of a public address.
   std::string Answer(const std::string& request, const std::string& text) const {
-    EXPECT_NE(request, "") << "the server was not asked, or not in its turn";
+    EXPECT_NE(request, "") << "the server was not asked, or out of turn";
     std::string headers = text.substr(std::min(text.find('|'), text.size()));
     const std::pair<const char*, std::string> meanings[] = {
         {"(WWW|Proxy):(.):", "$1-Authenticate: Digest realm=\"home\", nonce=\"$2\", "},
@@ -88,7 +90,7 @@ class SipRegistrationTest : public SipLineTest {
                               ";received=198.51.100.7;rport=" + seen);
   }
 
-  /// "here=300 MD5": each Contact with its life, and the proof.
+  /// Returns each Contact with its lifetime, and the proof of the password: "here=300 MD5".
   std::string Summary(const std::string& request) const {
     std::string summary;
     const std::regex fact("uthorization: (.*)|Contact: <sip:100@(.*)>;expires=(.*)");
@@ -113,7 +115,7 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
   const std::string md5 = "|here=300 MD5", seen = kPublic + "=300"s,
                     brief = "423|Min-Expires: ", soon = ", next after 10 s";
   const std::string registered = "registered, next after 240 s", sha = "|here=300 SHA-256";
-  // The answers with " / " between, the requests after the first, each after "|", and what is reported.
+  // The answers, separated by " / "; the requests after the first one, each after "|"; the expected report.
   const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"", "", ""},
       {"200", "", registered},
@@ -170,12 +172,12 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
   }
 }
 
-TEST_F(SipRegistrationTest, CallsThroughARouterFindTheLine) {
+TEST_F(SipRegistrationTest, CallsThroughARouterReachTheLine) {
   const Socket server = Socket::Udp();
   settings.timers.keep_alive = milliseconds(50);
   Open(server.Port());
   for (int i = 0; i < 2; ++i) server.SendTo(port, Answer(Next(server), "200|Seen: 4000"));
-  EXPECT_EQ(server.Receive(), "\r\n\r\n") << "the router would forget the way";
+  EXPECT_EQ(server.Receive(), "\r\n\r\n") << "a router would forget the mapping";
   Play("> INVITE,Ring 1 1");
   EXPECT_EQ(Header(caller->Take("180"), "Contact"), "<sip:100@"s + kPublic + ">");
 }
@@ -195,26 +197,26 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   by_tcp.Send(caller->Text("INVITE"));
   EXPECT_NE(by_tcp.Receive(), "");
   std::vector<Socket> idle;
-  idle.reserve(750);  // more than the line may have descriptors
+  idle.reserve(750);  // more than the line can have descriptors for
   while (idle.size() < 700) idle.push_back(Socket::TcpTo(port));
   connection.reset();
   EXPECT_TRUE(
       events.Wait(" failed (the connection broke); no calls can come in through it. ORVEN keeps trying."));
-  while (idle.size() < 750) idle.push_back(Socket::TcpTo(port));  // they take the place that got free
+  while (idle.size() < 750) idle.push_back(Socket::TcpTo(port));  // these take the freed descriptor
   connection.emplace(server.Accept());
   for (const char* status : {"503", "503", "200"}) {
     const std::string request = Next(*connection);
-    ASSERT_NE(request, "") << "the line has no descriptor left, or a refusal ended the tries";
+    ASSERT_NE(request, "") << "the line has no descriptor left, or it stopped trying after a refusal";
     connection->Send(Answer(request, status));
   }
   EXPECT_TRUE(events.Wait(" works again."));
   Play("Ring 1 1,drop 1");
-  EXPECT_NE(by_tcp.Receive().find("486"), std::string::npos) << "the call's own connection is closed";
+  EXPECT_NE(by_tcp.Receive().find("486"), std::string::npos) << "the call's connection was closed";
   Play("caller 2,> INVITE,Ring 2 1,answer 1,< 200,> ACK,Connected 2,hears 1,> BYE,< 200");
 }
 
-TEST_F(SipRegistrationTest, FindsServersAndCallersByNameAndFollowsTheNetworkWithoutLosingACall) {
-  std::thread([this] {  // only this thread and those it starts see the other network
+TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingACall) {
+  std::thread([this] {  // only this thread and its children see the other network
     if (::unshare(CLONE_NEWNET | CLONE_NEWNS) != 0) GTEST_SKIP() << "only root can have its own network";
     const auto shell = [](const std::string& text) { EXPECT_EQ(std::system(text.c_str()), 0) << text; };
     PutFile(folder / "resolv.conf", "nameserver 127.0.0.1\n");
@@ -258,12 +260,12 @@ TEST_F(SipRegistrationTest, FindsServersAndCallersByNameAndFollowsTheNetworkWith
       .join();
 }
 
-/// A TLS peer.
+/// An openssl process as the TLS peer.
 struct OpenSsl {
   explicit OpenSsl(const std::string& command)
       : pipe(::popen(("exec timeout 30 openssl " + command + " -quiet 2>/dev/null").c_str(), "r"), ::pclose) {
   }
-  /// The beginning of what is sent to it; "" when the connection ends.
+  /// Returns the beginning of the data it receives; "" if the connection ends.
   std::string Read() const {
     std::array<char, 12> words{};
     return std::fgets(words.data(), words.size(), pipe.get()) != nullptr ? words.data() : "";
@@ -271,18 +273,18 @@ struct OpenSsl {
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe;
 };
 
-TEST_F(SipRegistrationTest, RegistersOnlyAtTheServerThatTheAccountNames) {
+TEST_F(SipRegistrationTest, RegistersOnlyAtAServerWithATrustedCertificateForItsAddress) {
   settings.transport = "tls";
   settings.timers.registration_retry_first = milliseconds(200);
-  // The certificate that is trusted, the one that is shown, and what comes of it.
+  // The trusted certificate, the presented certificate, and the expected result.
   const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"127.0.0.1", "127.0.0.1", "REGISTER"},
       {"127.0.0.9", "127.0.0.9", "mismatch"},
       {"", "127.0.0.1", "certificate is not accepted: self"},
   };
   for (const auto& [trusted, shown, outcome] : kRows) {
-    // A server with a certificate for an address, which ends after one connection. Its input is a pipe
-    // without end.
+    // The server has a certificate for an IP address and ends after one connection. Its input is a FIFO that
+    // never ends.
     const std::string file = folder / shown;
     const std::string make =
         "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=x -addext subjectAltName=IP:" + shown +
@@ -300,14 +302,14 @@ TEST_F(SipRegistrationTest, RegistersOnlyAtTheServerThatTheAccountNames) {
   }
 }
 
-TEST_F(SipRegistrationTest, TakesCallsWithACertificateMadeOnceAndNamesOneThatIsUnusable) {
+TEST_F(SipRegistrationTest, CreatesACertificateOnceAndReportsAnUnusableOne) {
   settings.tls_listen = "127.0.0.1:" + std::to_string(FreePort());
   OpenLine();
   const std::string made = ContentOf(settings.tls_made_certificate);
   EXPECT_EQ(std::filesystem::status(folder / "made.pem").permissions(), std::filesystem::perms{0600});
   line->Close();
   OpenLine();
-  EXPECT_EQ(ContentOf(settings.tls_made_certificate), made) << "telephones would have to trust another one";
+  EXPECT_EQ(ContentOf(settings.tls_made_certificate), made) << "telephones would have to trust a new one";
   PutFile(folder / "invite", caller->Text("INVITE"));
   const OpenSsl telephone("s_client -verify_return_error -CAfile " + (folder / "made.pem") + " -connect " +
                           settings.tls_listen + " <" + (folder / "invite"));

@@ -15,7 +15,7 @@
 namespace orven::test {
 namespace {
 
-/// A modem at a port of its own, and what a line there tells from its thread.
+/// A modem at a port, and the events that a line there reports from its thread.
 struct ModemPortTest : testing::Test, ToldEvents {
   using ToldEvents::Tell;
   void Tell(const std::string& text) override {
@@ -34,7 +34,7 @@ struct ModemPortTest : testing::Test, ToldEvents {
     EXPECT_EQ(line->Open(*this), kTelephonyOk);
     return line;
   }
-  /// Waits until the latest that was told is `end`, and forgets it.
+  /// Waits until the reported events end with `end`, and forgets them.
   void Expect(const std::string& end) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return told.ends_with(end); }, 60'000)) << end << " / " << told;
     told.clear();
@@ -53,7 +53,7 @@ struct ModemPortTest : testing::Test, ToldEvents {
   std::string told;
 };
 
-TEST_F(ModemPortTest, ALineTakesCallsAtItsPortAndFindsAModemThatIsPluggedInAgain) {
+TEST_F(ModemPortTest, ALineTakesCallsAndFindsAModemThatIsPluggedInAgain) {
   Plug();
   const auto line = Opened(folder / "modem");
   EXPECT_EQ(line->Open(*this), kTelephonyLineInUse);
@@ -84,7 +84,7 @@ TEST_F(ModemPortTest, ALineTakesCallsAtItsPortAndFindsAModemThatIsPluggedInAgain
   Expect("Waiting for calls|");
 }
 
-TEST_F(ModemPortTest, APortThatCannotBeUsedIsNamed) {
+TEST_F(ModemPortTest, APortThatCannotBeUsedIsReported) {
   const std::pair<std::string, std::string> rows[] = {
       {folder / "none", ": is the modem plugged in?|Trouble The modem is not plugged in|"},
       {folder / "", " cannot be opened: Is a directory.|Trouble The modem's port cannot be used|"},
