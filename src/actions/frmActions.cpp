@@ -95,6 +95,7 @@ QLineEdit* frmActions::AddText(QFormLayout& form, const char* name, const QStrin
 
 QComboBox* frmActions::AddList(QFormLayout& form, const char* name) {
   auto* list = MakeChild<QComboBox>(this);
+  IgnoreStrayWheel(*list);
   list->setObjectName(Name(name));
   list->setAccessibleName(tr("Calls that this applies to"));
   list->addItem(tr("Act with all calls"));

@@ -65,6 +65,7 @@ QWidget* frmEvents::MakeSpeed() {
   sldAnimationFast_->setPageStep(kTickEvery);
   sldAnimationFast_->setTickInterval(kTickEvery);
   sldAnimationFast_->setTickPosition(QSlider::TicksBelow);
+  IgnoreStrayWheel(*sldAnimationFast_);
   sldAnimationFast_->setAccessibleName(tr("Speed of the caller view"));
   auto* label = MakeChild<QLabel>(tr("Speed:"), row);
   label->setBuddy(sldAnimationFast_);

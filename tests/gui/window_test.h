@@ -36,6 +36,14 @@ inline void ExpectTidy(const QWidget& window) {
     EXPECT_TRUE((control->focusPolicy() & Qt::TabFocus) == 0 || control->focusProxy() != nullptr ||
                 named.contains(control) || !control->accessibleName().isEmpty() ||
                 (button != nullptr && !button->text().isEmpty()));
+    const auto value = control->metaObject()->userProperty();
+    const auto before = value.read(control);
+    for (const int angle : {120, -120}) {
+      QWheelEvent turn({5, 5}, {5, 5}, {}, {0, angle}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                       false);
+      if (!control->hasFocus() && !control->inherits("QScrollBar")) QApplication::sendEvent(control, &turn);
+      EXPECT_EQ(value.read(control), before) << "the wheel turns over it by chance";
+    }
   }
 }
 

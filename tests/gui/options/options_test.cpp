@@ -249,7 +249,7 @@ TEST_F(LinesWindow, ShowsTheLinesAndTheirStateAsItChanges) {
   EXPECT_TRUE(List().topLevelItem(0)->isSelected()) << "the selection is kept";
   // Enter in the list opens the line's window and stores nothing.
   QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
-  EXPECT_FALSE(Get<QPushButton>("cmdTest").isDefault() || Get<QPushButton>("cmdOK").isDefault());
+  EXPECT_FALSE(Get<QPushButton>("cmdTest").autoDefault() || Get<QPushButton>("cmdOK").isDefault());
   QTest::keyClick(&List(), Qt::Key_Return);
   EXPECT_TRUE(window->isVisible() && used == 0);
 }

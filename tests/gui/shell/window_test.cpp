@@ -112,8 +112,6 @@ TEST_F(Window, AQuickOptionIsStoredOnlyWhenAPersonChangesIt) {
   for (const bool on : {false, true}) window.ShowRecordMessage(on);
   window.ShowRings(99);
   EXPECT_EQ(rings.currentIndex(), -1);
-  QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-  QApplication::sendEvent(&greetings, &wheel);
   EXPECT_EQ(ContentOf(desk.home / "registry.reg"), stored);
   for (const auto& [box, text] : {std::pair(&greetings, "Office"), std::pair(&rings, "7")}) {
     box->setFocus();
