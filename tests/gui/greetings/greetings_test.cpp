@@ -231,7 +231,7 @@ TEST_F(CreatorWindow, TheHelperIsStartedListsItsVoicesAndSpeaksTheText) {
   QTest::keyClick(&text, Qt::Key_Tab);
   EXPECT_EQ(Focused(), "VoiceCB") << "Return is a new line, Tab leaves";
   Set({{"VoiceCB", "Ben, slow"}});
-  Do("RateSldr=-7 SpeakBtn StopBtn");
+  EXPECT_THAT(Do("RateSldr=-7 SpeakBtn StopBtn 11s"), testing::IsEmpty());
   EXPECT_EQ(Sent(), "SVC:1|SRT:-7|Say:Hi\nSay: שלום 🎉|Stp:");
 }
 
@@ -287,6 +287,8 @@ TEST_F(CreatorWindow, AHelperThatDoesNotStartAnswerOrLiveIsLogged) {
       world.LoggedBy([this] { world.uDat.Die(); }),
       ElementsAre("TTS: the speech helper has ended",
                   "TTS: the speech helper made no greeting from the text: there is no " + speech_file));
+  EXPECT_THAT(world.LoggedBy([this] { world.uDat.Die(); }), testing::SizeIs(1))
+      << "no greeting was being made";
 }
 
 TEST_F(CreatorWindow, AGreetingOfATextIsSavedWhenTheHelperIsDone) {
@@ -341,7 +343,7 @@ TEST_F(CreatorWindow, ATakeOfTheOtherKindIsDiscardedOnlyAfterConfirmation) {
   EXPECT_THAT(world.dialogs.questions, ElementsAre("This Will Delete Speaker Recorded. \r\n Continue ?"));
   EXPECT_EQ(Sent(), "");
   world.dialogs.yes = true;
-  Do("cmdRec txtTTS=Hello cmdCreateGreeting");
+  Do("cmdRec 1s txtTTS=Hello cmdCreateGreeting");
   EXPECT_FALSE(world.Wave1.IsRecording());
   EXPECT_EQ(Buttons(), "cmdRec cmdCreateGreeting cmdOK") << "only a take from the microphone can be played";
   world.RunFor(1s);

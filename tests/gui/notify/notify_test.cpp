@@ -61,6 +61,8 @@ TEST_F(EventsWindow, ShowsTheSettingsOnTheRequestedTab) {
   Open(2);
   EXPECT_EQ(Sounds(), "idle ring | idle ring | ");
   ExpectShown({{"chkPlayInCall", "true"}});
+  Do("tlbrPlayWhenCall.Play");
+  EXPECT_THAT(world.WavePlay.played, testing::SizeIs(1)) << "only the beep at the start";
 }
 
 TEST_F(EventsWindow, ToolbarsPlayAddAndDeleteSoundsAndBothListsFollow) {

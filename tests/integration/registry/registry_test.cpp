@@ -68,7 +68,7 @@ TEST_F(RegistryFileTest, AChangeTouchesOnlyItsLineAndWritesUtf8) {
   const std::string after =
       "\"Unknown\"=hex(b):01,\\\r\n    02\r\n\r\n; tail\r\n[HKEY_CLASSES_ROOT\\x]\r\n\"A\"=\"other\"\r\n";
   PutFile(path_, before + "  \"a\" = \"1\"  ; why\r\n" + after);
-  EXPECT_TRUE(Write("A", "2"));
+  EXPECT_TRUE(Write("A", "longer") && Write("A", "2"));
   EXPECT_EQ(Stored(), before + "  \"a\" = \"2\"  ; why\r\n" + after);
   EXPECT_EQ(registry_.Query(RegistryRoot::ClassesRoot, "x", "A"), Text("other"));
   EXPECT_TRUE(registry_.Delete(kRoot, kKey, "A"));

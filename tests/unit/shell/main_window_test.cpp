@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
-#include "core/mdlWinVersion.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -171,17 +170,6 @@ TEST_F(EntryRoutineTest, OnlyTheExactSwitchStartsHiddenAndAnUnstoredPasswordIsNo
   }
   EXPECT_TRUE(Machine().window_hidden && Tapi1->IsLineOpen(0));
   EXPECT_THAT(told, testing::Not(testing::HasSubstr("7")));
-}
-
-TEST(WindowsVersion, NamesTheVersionsItKnows) {
-  using enum SystemVersion::Platform;
-  std::string names = GetWindowsVersionName({Other, 5, 1});
-  for (const int minor : {0, 10, 90, 5}) names += "|" + GetWindowsVersionName({Windows9x, 4, minor});
-  for (const int major : {3, 4, 5, 6}) names += "|" + GetWindowsVersionName({WindowsNt, major, 0});
-  EXPECT_EQ(names,
-            "Failed|Windows 95|Windows 98|Windows Mellinnium||Windows NT 3.51|Windows NT 4.0|Windows 2000|");
-  EXPECT_EQ(GetWindowsVersionName({WindowsNt, 5, 2}), "Windows XP");
-  EXPECT_TRUE(IsOldWindows("Windows 98") && !IsOldWindows("Windows 2000"));
 }
 
 }  // namespace
