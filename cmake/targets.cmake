@@ -32,7 +32,7 @@ function(orven_discover_tests name)
     add_dependencies(orven_tests_without_qt ${name})
   endif()
   math(EXPR limit "${ARG_TIMEOUT} * ${ORVEN_TIME_FACTOR}")
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 30
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 30 NO_PRETTY_VALUES NO_PRETTY_TYPES
     PROPERTIES TIMEOUT ${limit} LABELS ${ARG_LABEL} RUN_SERIAL ${ARG_ALONE} ENVIRONMENT ORVEN_TIME_FACTOR=${ORVEN_TIME_FACTOR})
 endfunction()
 
