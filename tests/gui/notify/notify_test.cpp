@@ -221,6 +221,7 @@ TEST_F(CallerViewWindowTest, ReportsClicks) {
   QCloseEvent close;
   QSpontaneKeyEvent::setSpontaneous(&close);  // as if the desktop closed the window
   qApp->notify(&view, &close);
+  EXPECT_TRUE(view.close());
   EXPECT_EQ(clicks.all, "answer answer drop drop nothing nothing close close close ");
 }
 

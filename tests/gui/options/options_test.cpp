@@ -89,7 +89,7 @@ TEST_F(OptionsWindow, EveryControlShowsAndStoresItsSettingAndTheNextCallUsesIt) 
 }
 
 TEST_F(OptionsWindow, UnusualInputIsTakenAsItIsAndCancelStoresNothing) {
-  const std::string password = " a b" + std::string(300, '7');
+  const std::string password = " a b" + std::string(600, '7');
   for (const auto& [typed, hint] : {std::pair(password, "A telephone can key the digits 0 to 9 and # only."),
                                     {"#0123456789", "Enter it while the greeting plays, then press *"},
                                     {"", "Without a password anyone who keys * hears the messages."}}) {
@@ -102,6 +102,7 @@ TEST_F(OptionsWindow, UnusualInputIsTakenAsItIsAndCancelStoresNothing) {
   Open(1);
   Set({{"txtPass", password}, {"cmbModemDev", "No such device"}});
   ExpectShown({{"lblNoDevice", "There is no device of this name now."}, {"lblDeviceName", ""}});
+  ExpectShown({{"txtPass", password.substr(0, 500)}});
   Get("cmdCancel").setFocus();
   QTest::keyClick(&Get("cmdCancel"), Qt::Key_Return);
   ExpectStored({{"Pass", "4711"}, {"ModemName", "Sim"}});

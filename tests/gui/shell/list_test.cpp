@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The call list and the player in the window. The engine's tests of ListCommands cover the commands' effects.
 
+#include <QAbstractItemModelTester>
+
 #include "gui/window_test.h"
 #include "records/call.h"
 #include "support/desk/desk.h"
@@ -44,6 +46,7 @@ class List : public testing::Test {
   Desk desk;
   QAbstractItemView& view = desk.Get<QAbstractItemView>("ListView1");
   QSlider& slider = desk.Get<QSlider>("Slider1");
+  QAbstractItemModelTester model_checks{view.model(), QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
 TEST_F(List, ShowsEachCallAndClicksReadPlayAndOpenTheRowsMenu) {

@@ -22,6 +22,7 @@ class Options : public testing::Test, public World {
 
 TEST_F(Options, BadValuesAreLoggedAndTheRestIsShownAndStored) {
   for (const char* name : {"SecSilence", "cDropSilence", "Sound"}) registry.Set(name, "loud");
+  EXPECT_THAT(dialog.Lists().cmbModemDev, ElementsAre("Sim"));
   OptionChoices choices;
   EXPECT_THAT(LoggedBy([&] { choices = dialog.Load(); }),
               testing::Contains("ErrGetOptions->13 Type mismatch").Times(3));
