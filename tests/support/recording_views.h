@@ -29,7 +29,7 @@ class RecordingCallerView : public CallerViewWindow {
   bool open = false;
   CallerCommands commands = CallerCommands::None;
   std::vector<std::int32_t> tops;
-  std::string name, path;
+  std::string name, path, when;
 
   std::int32_t Height() const noexcept override { return 2850; }
   void MoveTo(std::int32_t top) noexcept override { tops.push_back(top); }
@@ -48,7 +48,7 @@ class RecordingCallerView : public CallerViewWindow {
   void ShowCaller(const std::string& caller, const std::string& /*number*/) noexcept override {
     name = caller;
   }
-  void ShowTime(const std::string& /*date*/, const std::string& /*time*/) noexcept override {}
+  void ShowTime(const std::string& date, const std::string& time) noexcept override { when = date + time; }
   void ShowMessagePath(const std::string& message) noexcept override { path = message; }
 
  private:

@@ -30,7 +30,8 @@ TEST_F(Window, EachMenuItemHasItsOwnKeyAndTheToolbarsAreComplete) {
     keys.remove(QString());  // from separators
     EXPECT_EQ(keys.size(), std::ranges::count(actions, false, &QAction::isSeparator));
   }
-  EXPECT_TRUE(desk.Get<QToolButton>("Toolbar1.Save").autoRaise());
+  const auto& save = desk.Get<QToolButton>("Toolbar1.Save");
+  EXPECT_TRUE(save.autoRaise() && !save.accessibleDescription().isEmpty());
   EXPECT_FALSE(desk.Get<QToolButton>("TBQuickOption.Delete").autoRaise());
   const auto entries = [&](const char* bar) { return desk.Get<QToolBar>(bar).actions().size(); };
   EXPECT_EQ(std::pair(entries("Toolbar1"), entries("TBQuickOption")), std::pair(qsizetype{13}, qsizetype{12}))
@@ -126,7 +127,9 @@ TEST_F(Window, AQuickOptionIsStoredOnlyWhenAPersonChangesIt) {
   grid.click();
   EXPECT_TRUE(!list.showGrid() && list.StyleBits() == 0);
   EXPECT_EQ(desk.Setting("Greeting") + desk.Setting("NumOfRing") + desk.Setting("RecordMessage"), "Office70");
+  const auto& settings = desk.Machine().settings;
   EXPECT_TRUE(desk.shared.greeting_file == "Office.wav" && !desk.shared.record_messages);
+  EXPECT_TRUE(settings.NumOfRing == 7 && settings.RecordMessage == 0) << "as the options will show";
 }
 
 TEST_F(Window, IconsFollowADarkOrLightDesktopAndTheClockIsShown) {
