@@ -31,8 +31,8 @@ struct CallParameters {
 /// RuntimeError 6 ("Overflow"); earlier replacements stay.
 std::string SubstituteParameters(std::string& text, const CallParameters& call);
 
-/// What follows a call: mails it and starts the user's program. Progress and failures are shown in the status
-/// bar and the system log. User-interface thread.
+/// Runs the actions after a call: mails it and starts the user's program. Shows progress and failures in the
+/// status bar and the system log. User-interface thread.
 class ActionsEngine : public CallActions, public MailEvents {
  public:
   struct Ports {

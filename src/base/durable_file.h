@@ -54,7 +54,7 @@ void ReplaceFile(const std::string& path, std::string_view content, unsigned mod
 /// Writes a file that must not exist yet (58 when it does), durable on return.
 void CreateFile(const std::string& path, std::string_view content, unsigned mode);
 
-/// Gives `to` a copy of the file `from` and its permission bits, atomically and durable on return. With
+/// Copies the file `from`, with its permission bits, to `to`; atomic, and durable on return. With
 /// `replace`, an existing `to` is replaced; otherwise 58 is thrown.
 void CopyFile(const std::string& from, const std::string& to, bool replace);
 

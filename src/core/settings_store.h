@@ -65,7 +65,7 @@ class SettingsStore {
   /// Saves the window placement, unless the window is hidden, minimised or maximised.
   void SetView(const PlacedWindow& window, bool hidden);
 
-  /// Reads what every part shares and chooses the messages folder; runs after GetMainOptions.
+  /// Reads the options that all parts share and chooses the messages folder; runs after GetMainOptions.
   /// `show_ring_count` shows the ring count in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 

@@ -87,7 +87,7 @@ void GreetingCreator::ShowButtons() {
                      .cmdOK = !saving_});
 }
 
-/// True when there is no such take, or the user agrees to lose it.
+/// True when there is no other take that would be lost, or the user agrees to lose it.
 bool GreetingCreator::MayReplace(bool other_take, const char* question) {
   return !other_take || parts_.dialogs.Confirm(question, QuestionIcon::Information);
 }

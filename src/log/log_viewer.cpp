@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kReadBytes = 48 * 1024;
 static_assert(kReadBytes + LogReading::kMostBytesInLine < std::numeric_limits<std::uint16_t>::max(),
-              "a piece holds what is read and the beginning of a line from before");
+              "a piece holds one read and the beginning of a line from the previous read");
 
 /// A continuation byte of UTF-8.
 bool Continues(char byte) {
@@ -95,7 +95,7 @@ LogPiece LogReading::Cut() {
   return piece;
 }
 
-/// `begin` itself when more must be read first.
+/// The end of the line that starts at `begin`; `begin` itself when more must be read first.
 std::size_t LogReading::EndOfLine(std::size_t begin) const {
   const auto limit = std::min(begin + kMostBytesInLine, pending_.size());
   const auto feed = std::string_view(pending_).substr(begin, limit - begin).find('\n');

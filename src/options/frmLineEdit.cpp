@@ -74,7 +74,7 @@ void frmLineEdit::MakeFields(bool fresh) {
   cmbKind_->setEnabled(fresh);
   MakeSipFields();
   MakeModemFields();
-  txtScript_ = AddText("txtScript", tr("Scr&ipt:"), tr("The calls that the line plays, as a file"));
+  txtScript_ = AddText("txtScript", tr("Scr&ipt:"), tr("A file that describes the calls to simulate"));
   lblFault_ = MakeChild<QLabel>(this);
   lblFault_->setObjectName(Name("lblFault"));
   lblFault_->setTextFormat(Qt::PlainText);

@@ -129,7 +129,8 @@ QWidget* frmOptions::MakeDevices() {
   auto* page = MakeChild<QWidget>(TabStrip1_);
   page->setObjectName(Name("Frame2"));
   cmbModemDev_ = MakeList("cmbModemDev", tr("Modem device"));
-  cmbModemDev_->setToolTip(tr("The telephone line that is answered, from the next time that it is opened"));
+  cmbModemDev_->setToolTip(
+      tr("The telephone line to answer; a change takes effect when the line is next opened"));
   cmbModemDev_->setEditable(true);
   cmbModemDev_->setCompleter(nullptr);  // names may differ in the case of their letters only
   auto* lines = MakeButton("cmdLines", tr("&Lines…"), nullptr, page);

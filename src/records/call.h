@@ -75,7 +75,7 @@ inline constexpr const char* kCallMassageName = "Call_Massage_Name";
 inline constexpr const char* kType = "Type";
 inline constexpr const char* kRead = "Read";
 
-/// All of them, in stored order.
+/// All fields, in the order in which they are stored.
 inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime, kCallDate,
                                         kCallMassageName, kType,       kRead};
 

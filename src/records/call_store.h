@@ -73,7 +73,7 @@ class CallStore {
   void MarkAsReadUnRead(std::int32_t index, bool read);
 
   /// Deletes the record behind a row and, when the row has a message that no other record names, the message
-  /// file (in the background while there is a next folder). The caller rebuilds the list.
+  /// file (in the background while a move to another folder is unfinished). The caller rebuilds the list.
   void DeleteItemIndex(std::int32_t index);
 
   /// Deletes the record with this identity and all older ones, and rebuilds the list. Message files

@@ -63,7 +63,8 @@ class TrayBlinker {
 class CallActions {
  public:
   virtual ~CallActions() = default;
-  /// `kind` is "Mail" or "App". Sets the call's sent-to-application flag when it starts one.
+  /// Mails the call (`kind` "Mail") or starts the user's program ("App"), if the settings say so. Starting
+  /// the program sets the call's sent-to-application flag.
   virtual void DoActions(const std::string& kind, Call& call) = 0;
 };
 

@@ -66,8 +66,8 @@ class Telephone {
     socket_.reset(made);
   }
 
-  /// Sends a message to the line, with "TAG" replaced by the tag that the line gave the call. After "~",
-  /// sends a packet to the line's RTP port, with bytes of 1 replaced by 0.
+  /// Sends a message to the line, with "TAG" replaced by the tag that the line gave the call. From
+  /// "~PACKET" it sends PACKET to the line's RTP port, with bytes of 1 replaced by 0.
   void Send(std::string datagram) const {
     const bool packet = datagram.starts_with('~');
     if (packet) std::replace(datagram.begin(), datagram.end(), '\1', '\0');

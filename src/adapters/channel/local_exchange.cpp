@@ -58,8 +58,8 @@ constexpr auto kFlushLimit = 1s;
 
 }  // namespace
 
-/// A socket in a new folder, both accessible to this user only, that accepts one process. Both are removed
-/// from the disk as soon as it has connected, and with this object.
+/// A socket that accepts one process, in a new folder; both are accessible to this user only. They are
+/// removed from the disk as soon as the process has connected, or with this object.
 class PrivateSocket {
  public:
   using Accepted = std::function<void(std::unique_ptr<QLocalSocket>)>;

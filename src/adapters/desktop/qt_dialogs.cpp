@@ -172,8 +172,8 @@ bool DialogFocus::eventFilter(QObject* watched, QEvent* event) {
   // The keyboard focus may be in another program by now.
   if (QGuiApplication::focusWindow() != dialog->windowHandle()) return false;
   QWidget* below = dialog->parentWidget()->window();
-  // Not before the dialog is hidden: until then Qt believes that it has the focus and bypasses the window
-  // manager, whose own choice comes later and wins.
+  // Only after the dialog is hidden: while Qt regards the dialog as focused, it sets the focus without asking
+  // the window manager, which then makes its own choice and overrides Qt's.
   QTimer::singleShot(0, below, [below] {
     if (below->isVisible()) below->activateWindow();
   });

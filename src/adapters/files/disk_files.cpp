@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A failure at a folder's path: a missing folder is a "path not found".
+/// The error for a failed folder operation: "path not found" if the folder is missing, else as for a file.
 RuntimeError FolderFailure(const std::error_code& error, const std::string& path) {
   if (error.value() == ENOENT) return {ErrorNumber::PathNotFound, path};
   return FileFailure(error.value(), path);
@@ -142,7 +142,7 @@ bool IsDigit(char letter) {
   return letter >= '0' && letter <= '9';
 }
 
-/// Takes the number that `text` begins with, without leading zeros.
+/// Removes the number at the beginning of `text` and returns it without leading zeros.
 std::string_view TakeNumber(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
   const auto end = std::find_if_not(text.begin(), text.end(), IsDigit);

@@ -16,7 +16,7 @@ constexpr std::size_t kLine = 78;
 /// RFC 2047, 2: a line with encoded words has at most 76 characters, and a word "=?UTF-8?B?" and "?=".
 constexpr std::size_t kWordLine = 76;
 constexpr std::size_t kWordFrame = 12;
-/// Characters of an encoded file name on one line, next to " filename*NN*=UTF-8''" and ";".
+/// The most characters of an encoded file name on one line; " filename*NN*=UTF-8''" and ";" are extra.
 constexpr std::size_t kNameOnLine = 50;
 /// RFC 5321, 4.5.3.1.3 allows a path of 256 characters with its brackets.
 constexpr std::size_t kLongestAddress = 254;

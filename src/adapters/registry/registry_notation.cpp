@@ -17,7 +17,7 @@ using Kind = RegistryLine::Kind;
 
 constexpr std::string_view kBlanks = " \t";
 
-/// A fault, and its physical line counted from the first one (0).
+/// A fault, and how many physical lines it is below the first line of its value (0: on that line).
 struct Fault {
   std::string text;
   int lines_down = 0;

@@ -35,8 +35,8 @@ struct SoundServer {
   std::vector<Input> inputs;
 };
 
-/// Asks the sound server (PulseAudio's protocol, which PipeWire speaks too); starts it if the desktop is
-/// configured so. Returns within `limit`, usually after 1 to 3 ms. Any thread.
+/// Asks the sound server for its devices, over PulseAudio's protocol, which PipeWire speaks too. Starts the
+/// server if the desktop is configured so. Returns within `limit`, usually after 1 to 3 ms. Any thread.
 ///
 /// Needed in addition to Qt Multimedia, because Qt 6.4 waits for a hanging server without limit, never asks
 /// again after it found none, does not notice when the desktop's default output or input changes, and does

@@ -111,7 +111,8 @@ std::string WithoutCommands(std::string text) {
   return text;
 }
 
-/// Reads the library's list: entries of a priority byte and a name that ends with a zero, up to an empty one.
+/// Reads the speech library's list of languages. Each entry is a priority byte and a zero-terminated name; a
+/// zero instead of the priority ends the list.
 std::vector<std::string> Languages(const char* list) {
   std::vector<std::string> languages;
   while (list != nullptr && *list != '\0') {

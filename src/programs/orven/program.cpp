@@ -32,7 +32,7 @@ constexpr const char* kRecords = "\\Calls";
 /// Interval at which we check whether the call is over, while changed lines wait to be opened.
 constexpr std::chrono::milliseconds kLookForIdleLine{500};
 
-/// Ends the application's event loop and those of open boxes, even before it has started.
+/// Ends the application's event loop, even before that has started, and those of open dialogs.
 void EndEventLoops() {
   QCoreApplication::exit();
 }

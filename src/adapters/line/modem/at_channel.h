@@ -89,13 +89,13 @@ class AtChannel : private ModemOutput {
   enum class Direction : std::uint8_t { Transmit, Receive };
   void AskForAudio(std::string command, Direction direction, Done done);
 
-  /// The modem is about to say OK without a command.
+  /// Waits for an OK that the modem sends without being given a command.
   void AwaitOk(Done done, std::chrono::milliseconds patience);
 
   /// Writes audio, or the codes that end it.
   void Write(std::span<const std::uint8_t> bytes) { link_.Write(bytes); }
 
-  /// The end of the received audio was lost: lines follow.
+  /// Call this when the end of the received audio was lost: what follows is text lines.
   void ExpectLines() { reader_.ExpectLines(); }
 
   /// Drops all commands that have no answer yet.

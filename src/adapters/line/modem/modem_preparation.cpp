@@ -183,7 +183,7 @@ std::string FirmwareAdvice(const std::string& identity) {
   if (identity.find("5637") == std::string::npos) return "";
   const auto version = VersionIn(identity);
   if (!version || *version >= kMended) return "";
-  return "Its firmware misses rings and caller ids; from 1.2.23 on it does not";
+  return "Its firmware misses rings and caller ids; versions from 1.2.23 on do not";
 }
 
 }  // namespace orven

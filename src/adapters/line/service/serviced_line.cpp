@@ -146,8 +146,8 @@ void ServicedLine::Pump() {
   }
 }
 
-/// A caller who stays silent after the longest message would block the line for ever. To the program it looks
-/// as if the caller had hung up.
+/// Counts the idle seconds and ends the call at the limit: otherwise a caller who stays silent after the
+/// longest message would block the line for ever. The program is told that the caller has hung up.
 void ServicedLine::CountIdleSecond() {
   if (!call_.connected) return tmrIdle_->Stop();
   idle_for_ = idle_.in_use() ? 0s : idle_for_ + 1s;

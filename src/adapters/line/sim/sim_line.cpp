@@ -188,7 +188,7 @@ void SimLine::MonitorDigits(CallNumber call, bool on) {
 }
 
 void SimLine::SetGreetingPhase(CallNumber /*call*/, bool /*on*/) {
-  // A simulated line recognises digits during the greeting as well as without it.
+  // A simulated line recognises digits equally well with and without a greeting.
 }
 
 }  // namespace orven

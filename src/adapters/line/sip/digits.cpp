@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds kSameEvent{80};
 /// A timestamp further back than this is not a late packet: the sender started over.
 constexpr std::int32_t kLatest = 5 * 8000;
 
-/// The key given as a character ("a" is "A") or as an event code from 10 on.
+/// The key that `text`, in lower case, names by its character or by its event code (10 to 15).
 std::optional<char> Key(std::string_view text) {
   const std::size_t code = text.size() == 1 ? Lower(kKeys).find(text[0]) : std::string_view::npos;
   if (code != std::string_view::npos) return kKeys[code];
