@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later Measures the parsing of a modem's output and the processing of
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Measures the parsing of a modem's output and the processing of
 // its audio. At 115200 bit/s a modem sends 11.5 kB a second.
 #include <benchmark/benchmark.h>
 

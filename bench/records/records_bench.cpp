@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later Measures the call records with a few months', years' and decades'
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Measures the call records with a few months', years' and decades'
 // worth of calls.
 #include <filesystem>
 

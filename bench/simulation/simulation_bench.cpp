@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later Measures how many calls a second the whole engine handles on
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Measures how many calls a second the whole engine handles on
 // virtual time, on one core.
 #include <ctime>
 #include <random>

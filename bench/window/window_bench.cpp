@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later Measures how long the main window blocks its thread when the list
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Measures how long the main window blocks its thread when the list
 // has many years of calls. Each operation includes repainting.
 #include <benchmark/benchmark.h>
 

@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later The layout of the options dialog's pages.
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The layout of the options dialog's pages.
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>

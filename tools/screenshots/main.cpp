@@ -1,4 +1,6 @@
-// SPDX-License-Identifier: GPL-3.0-or-later orven_screenshots FOLDER: writes screenshots of the windows as
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// orven_screenshots FOLDER: writes screenshots of the windows as
 // PNG files, each from a separate process, because Qt sets the scale factor when a program starts.
 #include <QApplication>
 #include <QDir>
