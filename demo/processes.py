@@ -40,12 +40,15 @@ def hurry(process):
 
 
 def stop(process, limit):
-    """Asks the process to end (SIGTERM) and returns its exit code; None when it had to be killed."""
+    """Asks the process to end (SIGTERM) and returns its exit code; None when it had to be killed. If it was started
+    with start_new_session, its children are killed with it."""
     if process.poll() is None:
         process.terminate()
     try:
         return process.wait(limit * SLOWNESS)
     except subprocess.TimeoutExpired:
+        if os.getpgid(process.pid) == process.pid:
+            os.killpg(process.pid, signal.SIGKILL)
         process.kill()
         process.wait()
         return None

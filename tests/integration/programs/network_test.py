@@ -48,7 +48,7 @@ def write(path, text):
 
 class NetworkTest(harness.ProgramCase):
     def serve(self, command):
-        process = processes.start(command.split(), self.servers)
+        process = processes.start(command.split(), self.servers, start_new_session=True)
         self.addCleanup(processes.stop, process, 5)
         return process
 
