@@ -23,15 +23,11 @@ class Machine:
 
     def __init__(self, program, folder, show=lambda *_: None, display=None, modem=None, arguments=(), template=None,
                  variables=None):  # fmt: skip
-        self.home, self.program, self.arguments = os.path.join(folder, "home"), os.path.abspath(program), arguments
-        self.port, self.modem, self.process, self.encrypted = processes.free_port(), modem, None, False
-        self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{self.port}"
+        self._follow(os.path.join(folder, "home"), folder, show, processes.free_port(), modem)
+        self.program, self.arguments = os.path.abspath(program), arguments
         sip = f"type = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 1"
         self.line = f"type = modem\nport = {modem.port}" if modem else sip
-        self.ready = f"The modem at {modem.port} is: " if modem else "LineOpen["
         self.config = os.path.join(folder, "config")  # the first start adds ORVEN to the programs started at login
-        self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
-        self._logs, self._start = {"Sys": [], "Calls": []}, 0
         self._display, self.variables = display, dict(variables or {}, ORVEN_HOME=self.home, XDG_CONFIG_HOME=self.config)
         if template:
             shutil.copytree(template, self.home)
@@ -40,6 +36,14 @@ class Machine:
         else:
             os.makedirs(self.home)
         self.write_line(self.line)
+
+    def _follow(self, home, folder, show, port, modem=None):
+        """What calling and watching the machine in `home` takes, however it was made."""
+        self.home, self.port, self.modem, self.process, self.encrypted = home, port, modem, None, False
+        self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{port}"
+        self.ready = f"The modem at {modem.port} is: " if modem else "LineOpen["
+        self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
+        self._logs, self._start = {"Sys": [], "Calls": []}, 0
 
     def __enter__(self):
         return self

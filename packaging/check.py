@@ -101,10 +101,7 @@ class Installed(machine.Machine):
 
     def __init__(self, system, folder, show, display):
         # The application folder is made by the program's first start.
-        self.home, self.port, self.modem, self.process = system.path(APPLICATION_FOLDER), DEFAULT_PORT, None, None
-        self.address, self.encrypted, self.ready = f"sip:machine@127.0.0.1:{DEFAULT_PORT}", False, "LineOpen["
-        self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
-        self._logs, self._start = {"Sys": [], "Calls": []}, 0
+        self._follow(system.path(APPLICATION_FOLDER), folder, show, DEFAULT_PORT)
         variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
                      "PULSE_SERVER": "unix:" + SOUND_SERVER, **display.variables}
         self.program, self._display, self.variables = "chroot", None, {}
