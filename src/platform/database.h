@@ -19,9 +19,19 @@ struct FieldValue {
   std::string_view value;
 };
 
+/// A call that is not finished, as it is kept beside the records.
+struct OpenCall {
+  std::int64_t key = 0;             ///< greater than 0; a later call has a greater one
+  std::int64_t record = 0;          ///< identity of its record; 0: none yet; -1: it gets none
+  std::vector<std::string> fields;  ///< of any meaning, in an order that stays the same
+
+  bool operator==(const OpenCall&) const = default;
+};
+
 /// The record database control (the program's `DataBase1`): records of text fields in insertion order,
-/// addressed by 1-based position through one current-record cursor. An update is a durable transaction. Every
-/// operation throws RuntimeError when it fails; then the stored records are unchanged. User-interface thread.
+/// addressed by 1-based position or by identity, and the open calls beside them. A change of a record is a
+/// durable transaction. Every operation throws RuntimeError when it fails; then what is stored is unchanged.
+/// User-interface thread.
 class DatabaseControl {
  public:
   virtual ~DatabaseControl() = default;
@@ -40,7 +50,7 @@ class DatabaseControl {
   virtual std::int32_t CountRecords(std::string_view field, std::string_view value) = 0;
 
   /// All fields of record `number` (1-based), as Query gives them; throws 9 when there is no such
-  /// record. The current record does not change.
+  /// record.
   virtual std::vector<std::string> Record(std::int32_t number) = 0;
 
   /// The identity of record `number`, which stays the same when its position changes. Never 0; a
@@ -58,35 +68,34 @@ class DatabaseControl {
   /// Column of a field in the query's records (0-based); throws 9 for an unknown field.
   virtual std::int32_t FieldIndex(std::string_view field) const = 0;
 
-  /// Makes record `number` (1-based) the current one; throws 9 when there is no such record.
-  virtual void MoveTo(std::int32_t number) = 0;
-  virtual void MoveFirst() = 0;
-  virtual void MoveNext() = 0;
+  /// Adds a record with these values, the other fields empty, as the newest; returns its identity. In the
+  /// same transaction the open call with `open`'s key is stored with that identity as its record; when `open`
+  /// has no fields, that call is closed. A key of 0 names no call. Throws 9 for an unknown field.
+  virtual std::int64_t Add(const std::vector<FieldValue>& values, const OpenCall& open) = 0;
 
-  /// Starts a new record with empty fields; Update stores it.
-  virtual void AddNew() = 0;
+  /// Changes these fields of the record with this identity, and stores or closes `open` as Add does, with the
+  /// record it names. Throws 9 when there is no such record, or for an unknown field.
+  virtual void Change(std::int64_t identity, const std::vector<FieldValue>& values, const OpenCall& open) = 0;
 
-  /// Starts to change the current record; throws 5 without one.
-  virtual void Edit() = 0;
-
-  /// Sets a field of the record that AddNew or Edit started; throws 5 without one, 9 for an unknown field.
-  virtual void SetField(std::string_view field, std::string_view value) = 0;
-  virtual void SetField(std::string_view field, std::int32_t value) = 0;
-
-  /// A field of the record being added or edited, else of the current record.
-  virtual std::string GetField(std::string_view field) = 0;
-
-  /// Stores the record that AddNew (it becomes the last and current one) or Edit started.
-  virtual void Update() = 0;
-
-  /// Removes the current record; there is no current record afterwards.
-  virtual void Delete() = 0;
+  /// Removes the record with this identity; throws 9 when there is none.
+  virtual void Remove(std::int64_t identity) = 0;
 
   /// Removes the records 1 to `number`, all or none.
   virtual void DeleteFirst(std::int32_t number) = 0;
 
   /// Removes every record.
   virtual void DeleteAll() = 0;
+
+  /// The open calls, by key.
+  virtual std::vector<OpenCall> OpenCalls() = 0;
+
+  /// Stores an open call, replacing the one with its key. It outlives a crash of the program, but not always
+  /// a loss of power, and never waits for another program's lock. If the file is replaced by another one, all
+  /// open calls that this program has stored or read go there, too.
+  virtual void Keep(const OpenCall& call) = 0;
+
+  /// Closes the open call with this key, if there is one.
+  virtual void Close(std::int64_t key) = 0;
 };
 
 }  // namespace orven
