@@ -71,11 +71,12 @@ class DatabaseControl {
   /// Adds a record with these values, the other fields empty, as the newest; returns its identity. In the
   /// same transaction the open call with `open`'s key is stored with that identity as its record; when `open`
   /// has no fields, that call is closed. A key of 0 names no call. Throws 9 for an unknown field.
-  virtual std::int64_t Add(const std::vector<FieldValue>& values, const OpenCall& open) = 0;
+  virtual std::int64_t Add(const std::vector<FieldValue>& values, const OpenCall& open = {}) = 0;
 
   /// Changes these fields of the record with this identity, and stores or closes `open` as Add does, with the
   /// record it names. Throws 9 when there is no such record, or for an unknown field.
-  virtual void Change(std::int64_t identity, const std::vector<FieldValue>& values, const OpenCall& open) = 0;
+  virtual void Change(std::int64_t identity, const std::vector<FieldValue>& values,
+                      const OpenCall& open = {}) = 0;
 
   /// Removes the record with this identity; throws 9 when there is none.
   virtual void Remove(std::int64_t identity) = 0;
