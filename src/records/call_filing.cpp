@@ -19,8 +19,8 @@ constexpr std::chrono::seconds kTryAgain{5};
 
 CallFiling::CallFiling(Ports ports)
     : ports_(std::move(ports)),
-      recovery_({ports_.files, ports_.clock, ports_.Wave1, ports_.DataBase1, ports_.system_log, ports_.open,
-                 ports_.shared}),
+      recovery_({ports_.files, ports_.clock, ports_.Wave1, ports_.system_log, ports_.open, ports_.shared,
+                 [this](const std::string& message) { return ACallHas(message); }}),
       tmrAgain_(ports_.loop.MakeTimer([this] { TryAgain(); })) {}
 
 void CallFiling::Start() {
@@ -87,11 +87,14 @@ void CallFiling::FileWaitingCalls() {
   const bool had_refused = refused_;
   recovery_.Trap()([&] { LookForRecordings(); });
   bool blocked = false;
-  for (auto entry = entries_.begin(); entry != entries_.end();) {
-    const bool waits = blocked && entry->second.call.record == 0;  // the oldest first
-    const auto progress = waits ? Progress::kLater : Settle(entry->second);
-    blocked = blocked || progress == Progress::kRefused;
-    entry = progress == Progress::kFinished ? entries_.erase(entry) : std::next(entry);
+  for (const bool interrupted : {true, false}) {  // the oldest first, even if the clock was set back
+    for (auto at = entries_.begin(); at != entries_.end();) {
+      auto& entry = at->second;
+      const bool now = entry.interrupted == interrupted && !(blocked && entry.call.record == 0);
+      const auto progress = now ? Settle(entry) : Progress::kLater;
+      blocked = blocked || progress == Progress::kRefused;
+      at = progress == Progress::kFinished ? entries_.erase(at) : std::next(at);
+    }
   }
   if (had_refused && !refused_)
     ports_.system_log.WriteSystem("The calls that could not be filed are filed now");

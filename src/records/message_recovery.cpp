@@ -65,26 +65,13 @@ MessageState MessageRecovery::Find(Call& call) {
     return MessageState::kNone;
   // A file with its name belongs to another call.
   if (call.message_left && call.place.empty()) return MessageState::kNone;
-  if (is_there(call.place) && !BelongsToRecord(call.place)) return TakeStored(call, call.place);
+  if (is_there(call.place) && !ports_.a_call_has(NameInFolder(call.place, ports_.shared.messages_path)))
+    return TakeStored(call, call.place);
   const auto grown = grown_.Of(call.recording);
   if (!grown.empty()) return TakeGrown(call, grown);
   const bool hidden =
       grown_.CouldNotLook(call.recording_folder) || grown_.CouldNotLook(FolderPart(call.place));
   return hidden ? MessageState::kLater : MessageState::kNone;
-}
-
-/// Whether the file is the message of a call that has its record.
-bool MessageRecovery::BelongsToRecord(const std::string& path) const {
-  auto& database = ports_.DataBase1;
-  const auto name = NameInFolder(path, ports_.shared.messages_path);
-  if (database.CountRecords(kCallMassageName, name) == 0) return false;
-  const auto named = static_cast<std::size_t>(database.FieldIndex(kCallMassageName));
-  const auto type = static_cast<std::size_t>(database.FieldIndex(kType));
-  for (auto number = database.RecordCount(); number > 0; --number) {
-    const auto record = database.Record(number);
-    if (record.at(named) == name && record.at(type) != kNoMessageType) return true;
-  }
-  return false;
 }
 
 /// The longest of the recordings becomes the message.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -10,7 +11,6 @@
 #include "core/error_trap.h"
 #include "core/settings.h"
 #include "platform/clock.h"
-#include "platform/database.h"
 #include "platform/files.h"
 #include "platform/wave.h"
 #include "records/call.h"
@@ -41,13 +41,14 @@ class MessageRecovery {
     Files& files;
     Clock& clock;
     const WaveControl& Wave1;  ///< measures sound files
-    DatabaseControl& DataBase1;
     SystemLog& log;
     OpenCalls& open;
     const SharedOptions& shared;
+    /// Whether a call has the message of this name.
+    std::function<bool(const std::string& message)> a_call_has;
   };
 
-  explicit MessageRecovery(Ports ports) : ports_(ports) {}
+  explicit MessageRecovery(Ports ports) : ports_(std::move(ports)) {}
 
   /// Notes which recordings the earlier runs left.
   void FindStrays();
@@ -70,7 +71,6 @@ class MessageRecovery {
 
  private:
   std::set<std::string> Folders() const;
-  bool BelongsToRecord(const std::string& path) const;
   MessageState TakeGrown(Call& call, const std::vector<GrownRecording>& grown);
   std::string Mended(const std::string& path);
   MessageState TakeStored(Call& call, const std::string& path);

@@ -86,11 +86,11 @@ void OpenCalls::Begin(Call& call) {
 bool OpenCalls::Note(Call& call) {
   const auto open = open_.find(call.key);
   if (open == open_.end()) return true;
-  open->second = call.recording;
+  open->second = {call.recording, call.place};
   ++call.step;
   const ErrorTrap trap = failing_ ? ErrorTrap::Silent() : ErrorTrap(log_, "ErrKeepCall ");
   if (!ErrorTrap::Silent()([&] { KeepRow(call); })) {
-    failing_ = !trap([&] { WriteNote(call); });
+    failing_ = !trap([&] { WriteNote(RowOf(call)); });
     return !failing_;
   }
   failing_ = false;
@@ -107,10 +107,11 @@ void OpenCalls::KeepRow(const Call& call) {
 }
 
 /// A call may last for minutes without a step. If the records are replaced by another file meanwhile, its row
-/// has to follow.
+/// has to follow; if they are gone, it becomes a note.
 void OpenCalls::Watch() {
   if (!open_.contains(newest_.key)) return tmrWatch_->Stop();
-  ErrorTrap::Silent()([&] { database_.Keep(newest_); });
+  if (ErrorTrap::Silent()([&] { database_.Keep(newest_); }) || noted_.contains(newest_.key)) return;
+  ErrorTrap::Silent()([&] { WriteNote(newest_); });
 }
 
 /// A row that says what became of the call is there before its note goes, and until then.
@@ -134,8 +135,13 @@ OpenCall OpenCalls::RowFor(const Call& call, bool finished) {
 }
 
 bool OpenCalls::Claims(const GrownRecording& grown) const {
-  return std::ranges::any_of(open_,
-                             [&](const auto& call) { return !call.second.empty() && grown.Is(call.second); });
+  return std::ranges::any_of(open_, [&](const auto& call) {
+    return !call.second.recording.empty() && grown.Is(call.second.recording);
+  });
+}
+
+bool OpenCalls::IsChosen(const std::string& path) const {
+  return std::ranges::any_of(open_, [&](const auto& call) { return call.second.place == path; });
 }
 
 std::string OpenCalls::NotePath(std::int64_t key) const {
@@ -143,12 +149,11 @@ std::string OpenCalls::NotePath(std::int64_t key) const {
 }
 
 /// A line that was torn by a crash or a full disk does not harm the next one.
-void OpenCalls::WriteNote(const Call& call) {
-  const auto row = RowOf(call);
+void OpenCalls::WriteNote(const OpenCall& row) {
   auto line = "\n" + std::to_string(row.record);
   for (const auto& field : row.fields) line += "\t" + PercentEncoded(field, IsPlain);
-  noted_.insert(call.key);
-  files_.Append(NotePath(call.key), line + std::string(kComplete));
+  noted_.insert(row.key);
+  files_.Append(NotePath(row.key), line + std::string(kComplete));
 }
 
 /// The call as the last complete line has it.
@@ -193,7 +198,7 @@ std::vector<Call> OpenCalls::Load() {
   for (const auto& name : notes) trap([&] { LoadNote(name, calls); });
   std::vector<Call> loaded;
   for (auto& [key, call] : calls) {
-    open_[key] = call.recording;
+    open_[key] = {call.recording, call.place};
     last_ = std::max(last_, key);
     loaded.push_back(std::move(call));
   }

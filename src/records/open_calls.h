@@ -56,11 +56,20 @@ class OpenCalls {
   /// Whether the recording belongs to an open call.
   bool Claims(const GrownRecording& grown) const;
 
+  /// Whether an open call has chosen this path for its message, which may not be there yet.
+  bool IsChosen(const std::string& path) const;
+
  private:
+  /// Where the message of an open call is, or will be.
+  struct Message {
+    std::string recording;
+    std::string place;
+  };
+
   void KeepRow(const Call& call);
   void Watch();
   std::string NotePath(std::int64_t key) const;
-  void WriteNote(const Call& call);
+  void WriteNote(const OpenCall& row);
   std::optional<Call> ReadNote(const std::string& path) const;
   void LoadNote(const std::string& name, std::map<std::int64_t, Call>& calls);
 
@@ -69,12 +78,12 @@ class OpenCalls {
   Clock& clock_;
   SystemLog& log_;
   std::string folder_;
-  std::int64_t last_ = 0;                     ///< the newest key
-  std::map<std::int64_t, std::string> open_;  ///< the recordings of the open calls, by key
-  std::set<std::int64_t> noted_;              ///< the calls that have a note
-  OpenCall newest_;                           ///< the row that was kept last, until its call gets a record
-  std::unique_ptr<Timer> tmrWatch_;           ///< runs while that call is open
-  bool failing_ = false;                      ///< the latest step could not be kept
+  std::int64_t last_ = 0;                 ///< the newest key
+  std::map<std::int64_t, Message> open_;  ///< the open calls, by key
+  std::set<std::int64_t> noted_;          ///< the calls that have a note
+  OpenCall newest_;                       ///< the row that was kept last, until its call gets a record
+  std::unique_ptr<Timer> tmrWatch_;       ///< runs while that call is open
+  bool failing_ = false;                  ///< the latest step could not be kept
 };
 
 }  // namespace orven

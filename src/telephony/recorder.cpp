@@ -144,7 +144,7 @@ void Recorder::StopRecMessage() {
 }
 
 std::int32_t Recorder::Store(std::string& path) {
-  if (ports_.files.Exists(path)) {
+  if (ports_.files.Exists(path) || context_.open_calls.IsChosen(path)) {
     const auto name = FileNamePart(path);
     path = FreeNameBeside(ports_.files, ports_.clock, path);
     context_.log.WriteSystem("Record Message: two calls share the name " + name +
