@@ -62,7 +62,7 @@ void CallFiling::PutCallDetailsInDB(Call& call) {
   const ErrorTrap trap(ports_.system_log, "ErrPutCallDetailsInDB ");
   call.type_text = TypeText(call);
   trap([&] { BringMessageAlong(call); });
-  if (call.mail_due) ports_.open.Note(call);
+  ports_.open.Note(call);  // the records may not be writable any more
   entries_[call.key] = {call};
   FileWaitingCalls();
   RunTimer();
