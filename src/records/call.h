@@ -79,6 +79,11 @@ inline constexpr const char* kRead = "Read";
 inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime, kCallDate,
                                         kCallMassageName, kType,       kRead};
 
+/// Names of what is kept of an open call, in this order.
+inline constexpr std::array kOpenCallFields{kCallName, kCallNumber, kCallTime, kCallDate,   kCallMassageName,
+                                            "Ring",    "Left",      "Folder",  "Recording", "Place",
+                                            "Path",    "Mail",      "Step"};
+
 /// Query for all records with all fields.
 inline constexpr const char* kGetAll = "Get *";
 
