@@ -2,10 +2,12 @@
 #include "adapters/database/record_file.h"
 
 #include <algorithm>
+#include <bit>
 #include <filesystem>
 #include <system_error>
 
 #include "adapters/database/salvage.h"
+#include "adapters/files/disk_files.h"
 #include "base/durable_file.h"
 #include "base/text.h"
 
@@ -35,7 +37,7 @@ std::string ListOf(const std::vector<std::string>& fields) {
   return list;
 }
 
-void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
+void MakeTable(SqliteConnection& connection, const TableSchema& schema) {
   const std::vector<std::string> columns = ColumnsOf(connection, schema.table);
   const std::string table = QuotedIdentifier(schema.table);
   if (columns.empty()) {
@@ -54,28 +56,38 @@ void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
 
 void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
   if (schema.counted.empty()) return;
-  connection.Execute("CREATE INDEX IF NOT EXISTS " + QuotedIdentifier(schema.table + "_" + schema.counted) +
-                     " ON " + QuotedIdentifier(schema.table) + " (" + QuotedIdentifier(schema.counted) + ")");
+  const std::string& table = schema.records.table;
+  connection.Execute("CREATE INDEX IF NOT EXISTS " + QuotedIdentifier(table + "_" + schema.counted) + " ON " +
+                     QuotedIdentifier(table) + " (" + QuotedIdentifier(schema.counted) + ")");
+}
+
+/// Throws when the table cannot be used.
+void CheckTable(SqliteConnection& connection, const TableSchema& schema) {
+  const std::string table = QuotedIdentifier(schema.table), fields = ListOf(schema.fields);
+  // Fails for a view or a table without row numbers, which cannot keep the order of insertion.
+  const SqliteStatement order(connection, "UPDATE " + table + " SET rowid = rowid");
+  // Fails for a generated column, which cannot be written.
+  const SqliteStatement fill(
+      connection, "INSERT INTO " + table + " (" + fields + ") SELECT " + fields + " FROM " + table);
 }
 
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
   connection.Execute("PRAGMA synchronous=FULL");
   // Without it, salvage would restore deleted calls.
   connection.Execute("PRAGMA secure_delete=ON");
+  // Only MergeLog merges: no step of a call waits for it.
+  connection.Execute("PRAGMA wal_autocheckpoint=0");
   CheckIntegrity(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
-  MakeTable(connection, schema);
+  MakeTable(connection, schema.records);
   MakeIndex(connection, schema);
-  // Fails for a view or a table without row numbers, which cannot keep the order of insertion.
-  const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
-  // Fails for a generated column, which cannot be written.
-  const std::string fields = ListOf(schema.fields);
-  const SqliteStatement fill(connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (" + fields +
-                                             ") SELECT " + fields + " FROM " +
-                                             QuotedIdentifier(schema.table));
+  MakeTable(connection, schema.open);
+  CheckTable(connection, schema.records);
+  CheckTable(connection, schema.open);
   connection.Execute("COMMIT");
   // Last, because it writes: an unusable file must be kept unchanged.
   connection.Execute("PRAGMA journal_mode=WAL");
+  connection.Execute("PRAGMA synchronous=NORMAL");
   connection.MergeLog();
 }
 
@@ -111,45 +123,50 @@ std::string SetAside(const std::string& path) {
 /// Suffix of the new file while it is filled, before it replaces a damaged one.
 constexpr const char* kFresh = ".fresh";
 
+void Remove(const std::string& path) {
+  std::error_code error;
+  fs::remove(path, error);
+}
+
 void RemoveFresh(const std::string& fresh) {
-  for (const char* part : {"", "-wal", "-shm"}) {
-    std::error_code error;
-    fs::remove(fresh + part, error);
+  for (const char* part : {"", "-wal", "-shm"}) Remove(fresh + part);
+}
+
+void Fill(SqliteConnection& connection, const TableSchema& table, const SalvagedRows& rows) {
+  SqliteStatement put(connection, PutInto(table));
+  for (const auto& [row, values] : rows) {
+    put.Bind(1, row);
+    put.Bind(2, values);
+    put.Step();
+    put.Reset();
   }
 }
 
-void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& rows) {
+void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& records,
+               const SalvagedRows& open) {
   RemoveFresh(fresh);  // left by a program that was killed meanwhile
   const auto connection = OpenIntact(fresh, schema);
-  connection->Execute("BEGIN");
-  std::string marks = "?";
-  for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
-  SqliteStatement insert(*connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (rowid, " +
-                                          ListOf(schema.fields) + ") VALUES (" + marks + ")");
-  for (const auto& [row, values] : rows) {
-    insert.Bind(1, row);
-    for (std::size_t column = 0; column < values.size(); ++column) {
-      insert.Bind(static_cast<int>(column) + 2, values[column]);
-    }
-    insert.Step();
-    insert.Reset();
-  }
-  connection->Execute("COMMIT");
+  connection->Durably([&] {
+    Fill(*connection, schema.records, records);
+    Fill(*connection, schema.open, open);
+  });
 }
 
 /// Replaces the file at `path` by one with the rows that can be read. Returns a note about both.
 std::string Renew(const std::string& path, const RecordSchema& schema) {
-  const SalvagedRows rows = SalvageRows(path, schema.table, schema.fields);
+  const SalvagedRows records = SalvageRows(path, schema.records.table, schema.records.fields, 1);
+  const SalvagedRows open =
+      SalvageRows(path, schema.open.table, schema.open.fields, schema.open.fields.size());
   const std::string fresh = path + kFresh;
   try {
-    FillFresh(fresh, schema, rows);
+    FillFresh(fresh, schema, records, open);
   } catch (const RuntimeError&) {
     RemoveFresh(fresh);
     throw;
   }
   const std::string aside = SetAside(path);
   RenameKeeping(fresh, path);
-  return std::to_string(rows.size()) +
+  return std::to_string(records.size()) +
          " calls could be read and are carried over; the damaged file is kept as " + aside;
 }
 
@@ -159,10 +176,42 @@ std::uintmax_t SizeOf(const std::string& path) {
   return error ? 0 : size;
 }
 
+/// The copy of the first page that MergeLog wrote, when the log has nothing else.
+std::string PageInAdvance(const std::string& path) {
+  constexpr std::size_t kPageNumberAt = 32, kPageAt = kPageNumberAt + 24, kLargestPage = 65536;
+  const std::uintmax_t size = SizeOf(path + "-wal");
+  if (size <= kPageAt || size > kPageAt + kLargestPage || !std::has_single_bit(size - kPageAt)) return {};
+  const std::string log = DiskFiles().Read(path + "-wal");
+  return log.substr(kPageNumberAt, 4) == std::string("\0\0\0\1", 4) ? log.substr(kPageAt) : std::string();
+}
+
+/// Whether the log was left by a file that is gone or replaced, as far as that can be told.
+bool HasStrayLog(const std::string& path) {
+  if (SizeOf(path) == 0) return true;
+  std::string page = PageInAdvance(path);
+  if (page.empty()) return false;
+  std::string first = DiskFiles().ReadPart(path, 0, page.size());
+  if (first.size() != page.size()) return true;
+  // But for the counters of changes, and SQLite's version.
+  for (std::string* bytes : {&page, &first}) bytes->replace(24, 4, 4, 0).replace(92, 8, 8, 0);
+  return page != first;
+}
+
 }  // namespace
 
+std::string PutInto(const TableSchema& schema) {
+  std::string marks;
+  for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
+  return "INSERT OR REPLACE INTO " + QuotedIdentifier(schema.table) + " (rowid, " + ListOf(schema.fields) +
+         ") VALUES (?" + marks + ")";
+}
+
 std::string KeepStrayLog(const std::string& path) {
-  return SizeOf(path + "-wal") > 0 ? SetAsideLogs(path) : "";
+  if (SizeOf(path + "-wal") == 0) return {};
+  if (PageInAdvance(path).empty()) return SetAsideLogs(path);
+  Remove(path + "-wal");
+  Remove(path + "-shm");
+  return {};
 }
 
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
@@ -170,7 +219,7 @@ std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const 
   std::error_code error;
   if (fs::is_directory(path, error))
     throw RuntimeError(ErrorNumber::PathAccessError, path + " (is a folder)");
-  if (SizeOf(path) == 0) {
+  if (HasStrayLog(path)) {
     const std::string aside = KeepStrayLog(path);
     if (!aside.empty()) note = path + " is gone; the log file that was left is kept as " + aside + "-wal";
   }
