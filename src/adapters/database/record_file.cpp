@@ -31,12 +31,6 @@ std::vector<std::string> ColumnsOf(SqliteConnection& connection, const std::stri
   return columns;
 }
 
-std::string ListOf(const std::vector<std::string>& fields) {
-  std::string list;
-  for (const std::string& field : fields) list += (list.empty() ? "" : ", ") + QuotedIdentifier(field);
-  return list;
-}
-
 void MakeTable(SqliteConnection& connection, const TableSchema& schema) {
   const std::vector<std::string> columns = ColumnsOf(connection, schema.table);
   const std::string table = QuotedIdentifier(schema.table);
@@ -180,7 +174,7 @@ std::uintmax_t SizeOf(const std::string& path) {
 std::string PageInAdvance(const std::string& path) {
   constexpr std::size_t kPageNumberAt = 32, kPageAt = kPageNumberAt + 24, kLargestPage = 65536;
   const std::uintmax_t size = SizeOf(path + "-wal");
-  if (size <= kPageAt || size > kPageAt + kLargestPage || !std::has_single_bit(size - kPageAt)) return {};
+  if (size > kPageAt + kLargestPage || !std::has_single_bit(size - kPageAt)) return {};
   const std::string log = DiskFiles().Read(path + "-wal");
   return log.substr(kPageNumberAt, 4) == std::string("\0\0\0\1", 4) ? log.substr(kPageAt) : std::string();
 }
@@ -198,6 +192,12 @@ bool HasStrayLog(const std::string& path) {
 }
 
 }  // namespace
+
+std::string ListOf(const std::vector<std::string>& fields) {
+  std::string list;
+  for (const std::string& field : fields) list += (list.empty() ? "" : ", ") + QuotedIdentifier(field);
+  return list;
+}
 
 std::string PutInto(const TableSchema& schema) {
   std::string marks;

@@ -33,6 +33,9 @@ struct RecordSchema {
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
                                                  std::string& note);
 
+/// Names of columns in SQL, with commas between.
+std::string ListOf(const std::vector<std::string>& fields);
+
 /// The statement that puts a row into a table; its parameters are the row's number and the values.
 std::string PutInto(const TableSchema& schema);
 

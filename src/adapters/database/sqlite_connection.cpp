@@ -26,12 +26,6 @@ void TrustNothingIn(sqlite3* handle) {
   sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, kLongestRecord);
 }
 
-std::uintmax_t SizeOf(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  return error ? 0 : size;
-}
-
 ErrorNumber NumberOf(int code, int system_error) {
   const bool no_space = system_error == ENOSPC || system_error == EDQUOT || system_error == EFBIG;
   switch (code & 0xFF) {
@@ -104,7 +98,9 @@ bool SqliteConnection::HasMoved() {
 }
 
 void SqliteConnection::RequireWhole() {
-  if (SizeOf(path_) < merged_size_) throw SqliteError(SQLITE_CORRUPT, path_, sqlite3_errstr(SQLITE_CORRUPT));
+  std::error_code error;
+  if (std::filesystem::file_size(path_, error) < merged_size_)
+    throw SqliteError(SQLITE_CORRUPT, path_, sqlite3_errstr(SQLITE_CORRUPT));
 }
 
 void SqliteConnection::Borrow(std::string& image) {
@@ -119,7 +115,8 @@ void SqliteConnection::MergeLog() try {
     const int merged =
         sqlite3_wal_checkpoint_v2(Handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
     if (merged != SQLITE_OK) return;
-    merged_size_ = SizeOf(path_);
+    std::error_code error;
+    merged_size_ = std::filesystem::file_size(path_, error);
     Execute("PRAGMA user_version = " + Ask("PRAGMA user_version"));
   });
 } catch (const SqliteError&) {

@@ -19,10 +19,8 @@ SqliteDatabase::SqliteDatabase(RecordSchema schema, Report report, Report loss)
       report_(std::move(report)),
       loss_(std::move(loss)),
       table_(QuotedIdentifier(schema_.records.table)),
+      fields_(ListOf(schema_.records.fields)),
       open_table_(QuotedIdentifier(schema_.open.table)) {
-  for (const std::string& field : schema_.records.fields) {
-    fields_ += (fields_.empty() ? "" : ", ") + QuotedIdentifier(field);
-  }
   schema_.open.fields.emplace_back("Record");
 }
 
@@ -39,7 +37,11 @@ std::string SqliteDatabase::OpenFile() {
   try {
     connection_ = OpenRecordFile(path_, schema_, note);
     ReadRows();
-    BringOpenCalls();
+    if (!open_.empty()) {  // it may be another file
+      connection_->Durably([this] {
+        for (const auto& [key, call] : open_) Store(call);
+      });
+    }
   } catch (const RuntimeError& error) {
     connection_.reset();
     failure_ = error.what();
@@ -93,6 +95,16 @@ auto SqliteDatabase::Mending(const Operation& operation, After after) {
   return operation();
 }
 
+/// Changes the file as it is now, in one durable transaction.
+template <class Operation>
+void SqliteDatabase::Durably(const Operation& operation, After after) {
+  const auto change = [&] {
+    Refresh();
+    connection_->Durably(operation);
+  };
+  Mending(change, after);
+}
+
 void SqliteDatabase::Renew() {
   const auto known = rows_;
   connection_->KeepLogOnClose();
@@ -113,19 +125,6 @@ void SqliteDatabase::ReadRows() {
   rows_ = std::move(rows);
   if (!rows_.empty()) highest_ = std::max(highest_, rows_.back());
   version_ = std::move(version);
-}
-
-// The file may be another one. A record's number that an open call names is never used again, even if the
-// record was deleted.
-void SqliteDatabase::BringOpenCalls() {
-  if (!open_.empty()) {
-    connection_->Durably([this] {
-      for (const auto& [key, call] : open_) Store(call);
-    });
-  }
-  SqliteStatement named(*connection_, "SELECT max(CAST(Record AS INTEGER)) FROM " + open_table_);
-  named.Step();
-  highest_ = std::max(highest_, named.Integer(0));
 }
 
 RecordTable SqliteDatabase::Query(std::string_view query) {
@@ -213,15 +212,11 @@ std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
 }
 
 std::int64_t SqliteDatabase::Add(const std::vector<FieldValue>& values, const OpenCall& open) {
-  for (const auto& [field, value] : values) FieldIndex(field);
   OpenAgain();
   OpenCall settled = open;
-  Mending([&] {
-    Refresh();
-    connection_->Durably([&] {
-      settled.record = Insert(values);
-      Store(settled);
-    });
+  Durably([&] {
+    settled.record = Insert(values);
+    Store(settled);
   });
   Remember(settled);
   highest_ = settled.record;
@@ -231,60 +226,43 @@ std::int64_t SqliteDatabase::Add(const std::vector<FieldValue>& values, const Op
 
 void SqliteDatabase::Change(std::int64_t identity, const std::vector<FieldValue>& values,
                             const OpenCall& open) {
-  for (const auto& [field, value] : values) FieldIndex(field);
-  Mending([&] {
-    Refresh();
-    connection_->Durably([&] {
-      Replace(identity, values);
-      Store(open);
-    });
+  Durably([&] {
+    Replace(identity, values);
+    Store(open);
   });
   Remember(open);
 }
 
 void SqliteDatabase::Remove(std::int64_t identity) {
-  Mending([&] {
-    Refresh();
-    connection_->Durably([&] {
-      connection_->Execute("DELETE FROM " + table_ + " WHERE rowid = " + std::to_string(identity));
-      if (connection_->Changes() == 0) throw RecordGone();
-    });
+  Durably([&] {
+    connection_->Execute("DELETE FROM " + table_ + " WHERE rowid = " + std::to_string(identity));
+    if (connection_->Changes() == 0) throw RecordGone();
   });
   std::erase(rows_, identity);
 }
 
 void SqliteDatabase::DeleteFirst(std::int32_t number) {
   const auto remove = [&] {
-    Refresh();
-    const std::string last = std::to_string(RowAt(number));
-    connection_->Durably([&] { connection_->Execute("DELETE FROM " + table_ + " WHERE rowid <= " + last); });
+    connection_->Execute("DELETE FROM " + table_ + " WHERE rowid <= " + std::to_string(RowAt(number)));
   };
-  Mending(remove, After::kThrow);
+  Durably(remove, After::kThrow);
   rows_.erase(rows_.begin(), rows_.begin() + number);
 }
 
 void SqliteDatabase::DeleteAll() {
-  Mending([&] {
-    Refresh();
-    connection_->Durably([&] { connection_->Execute("DELETE FROM " + table_); });
-  });
+  Durably([&] { connection_->Execute("DELETE FROM " + table_); });
   rows_.clear();
 }
 
 std::vector<OpenCall> SqliteDatabase::OpenCalls() {
   OpenAgain();
-  std::string columns = "rowid";
-  for (const std::string& field : schema_.open.fields) columns += ", " + QuotedIdentifier(field);
   const auto calls = Mending([&] {
     Refresh();
     std::vector<OpenCall> read;
     const std::size_t fields = schema_.open.fields.size() - 1;
-    SqliteStatement statement(
-        *connection_, "SELECT " + columns + " FROM " + open_table_ + " WHERE rowid > 0 ORDER BY rowid");
-    while (statement.Step()) {
-      read.push_back({statement.Integer(0), statement.Integer(static_cast<int>(fields) + 1),
-                      statement.Texts(1, fields)});
-    }
+    SqliteStatement row(*connection_, "SELECT rowid, Record, " + ListOf(schema_.open.fields) + " FROM " +
+                                          open_table_ + " WHERE rowid > 0 ORDER BY rowid");
+    while (row.Step()) read.push_back({row.Integer(0), row.Integer(1), row.Texts(2, fields)});
     return read;
   });
   for (const OpenCall& call : calls) Remember(call);
@@ -295,8 +273,7 @@ void SqliteDatabase::Keep(const OpenCall& call) {
   Mending([&] {
     FollowFile();
     const auto known = open_.find(call.key);
-    if (known != open_.end() && known->second == call) return;
-    connection_->AtOnce([&] { Store(call); });
+    if (known == open_.end() || known->second != call) connection_->AtOnce([&] { Store(call); });
   });
   Remember(call);
 }
@@ -304,24 +281,26 @@ void SqliteDatabase::Keep(const OpenCall& call) {
 void SqliteDatabase::Close(std::int64_t key) {
   Mending([&] {
     FollowFile();
-    const std::string row = " FROM " + open_table_ + " WHERE rowid = " + std::to_string(key);
-    if (connection_->Ask("SELECT 1" + row).empty()) return;
-    connection_->Execute("DELETE" + row);
+    const std::string row = "FROM " + open_table_ + " WHERE rowid = " + std::to_string(key);
+    if (connection_->Ask("SELECT 1 " + row).empty()) return;
+    connection_->Execute("DELETE " + row);
     connection_->MergeLog();
   });
   open_.erase(key);
 }
 
 // Chooses the row number itself, so that the new record is always the last one and never gets the number of a
-// deleted one.
+// deleted one while this object lives or an open call names it.
 std::int64_t SqliteDatabase::Insert(const std::vector<FieldValue>& values) {
   std::vector<std::string> fields(schema_.records.fields.size());
   for (const auto& [field, value] : values) fields[static_cast<std::size_t>(FieldIndex(field))] = value;
   std::string marks;
   for (std::size_t count = 0; count < fields.size(); ++count) marks += ", ?";
-  SqliteStatement statement(*connection_, "INSERT INTO " + table_ + " (rowid, " + fields_ +
-                                              ") SELECT max(coalesce(max(rowid), 0), ?) + 1" + marks +
-                                              " FROM " + table_);
+  SqliteStatement statement(
+      *connection_,
+      "INSERT INTO " + table_ + " (rowid, " + fields_ +
+          ") SELECT max(coalesce(max(rowid), 0), ?, (SELECT coalesce(max(CAST(Record AS INTEGER)), 0) FROM " +
+          open_table_ + ")) + 1" + marks + " FROM " + table_);
   statement.Bind(1, highest_);
   statement.Bind(2, fields);
   statement.Step();
@@ -331,6 +310,7 @@ std::int64_t SqliteDatabase::Insert(const std::vector<FieldValue>& values) {
 void SqliteDatabase::Replace(std::int64_t row, const std::vector<FieldValue>& values) {
   std::string assignments;
   for (const auto& [field, value] : values) {
+    FieldIndex(field);
     assignments += (assignments.empty() ? "" : ", ") + QuotedIdentifier(field) + " = ?";
   }
   SqliteStatement statement(*connection_, "UPDATE " + table_ + " SET " + assignments + " WHERE rowid = ?");
@@ -354,8 +334,8 @@ void SqliteDatabase::Store(const OpenCall& call) {
 }
 
 void SqliteDatabase::Remember(const OpenCall& call) {
-  if (call.fields.empty()) open_.erase(call.key);
-  if (!call.fields.empty()) open_.insert_or_assign(call.key, call);
+  open_.erase(call.key);
+  if (!call.fields.empty()) open_.emplace(call.key, call);
 }
 
 }  // namespace orven

@@ -62,8 +62,9 @@ class SqliteDatabase final : public DatabaseControl {
   enum class After { kAgain, kThrow };
   template <class Operation>
   auto Mending(const Operation& operation, After after = After::kAgain);
+  template <class Operation>
+  void Durably(const Operation& operation, After after = After::kAgain);
   void ReadRows();
-  void BringOpenCalls();
   std::int64_t RowAt(std::int32_t number) const;
   std::int64_t Insert(const std::vector<FieldValue>& values);
   void Replace(std::int64_t row, const std::vector<FieldValue>& values);
