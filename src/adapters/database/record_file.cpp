@@ -2,12 +2,11 @@
 #include "adapters/database/record_file.h"
 
 #include <algorithm>
-#include <bit>
 #include <filesystem>
 #include <system_error>
 
 #include "adapters/database/salvage.h"
-#include "adapters/files/disk_files.h"
+#include "adapters/database/stray_log.h"
 #include "base/durable_file.h"
 #include "base/text.h"
 
@@ -164,33 +163,6 @@ std::string Renew(const std::string& path, const RecordSchema& schema) {
          " calls could be read and are carried over; the damaged file is kept as " + aside;
 }
 
-std::uintmax_t SizeOf(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  return error ? 0 : size;
-}
-
-/// The copy of the first page that MergeLog wrote, when the log has nothing else.
-std::string PageInAdvance(const std::string& path) {
-  constexpr std::size_t kPageNumberAt = 32, kPageAt = kPageNumberAt + 24, kLargestPage = 65536;
-  const std::uintmax_t size = SizeOf(path + "-wal");
-  if (size > kPageAt + kLargestPage || !std::has_single_bit(size - kPageAt)) return {};
-  const std::string log = DiskFiles().Read(path + "-wal");
-  return log.substr(kPageNumberAt, 4) == std::string("\0\0\0\1", 4) ? log.substr(kPageAt) : std::string();
-}
-
-/// Whether the log was left by a file that is gone or replaced, as far as that can be told.
-bool HasStrayLog(const std::string& path) {
-  if (SizeOf(path) == 0) return true;
-  std::string page = PageInAdvance(path);
-  if (page.empty()) return false;
-  std::string first = DiskFiles().ReadPart(path, 0, page.size());
-  if (first.size() != page.size()) return true;
-  // But for the counters of changes, and SQLite's version.
-  for (std::string* bytes : {&page, &first}) bytes->replace(24, 4, 4, 0).replace(92, 8, 8, 0);
-  return page != first;
-}
-
 }  // namespace
 
 std::string ListOf(const std::vector<std::string>& fields) {
@@ -207,8 +179,7 @@ std::string PutInto(const TableSchema& schema) {
 }
 
 std::string KeepStrayLog(const std::string& path) {
-  if (SizeOf(path + "-wal") == 0) return {};
-  if (PageInAdvance(path).empty()) return SetAsideLogs(path);
+  if (!LogIsEmpty(path)) return SetAsideLogs(path);
   Remove(path + "-wal");
   Remove(path + "-shm");
   return {};
@@ -221,7 +192,8 @@ std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const 
     throw RuntimeError(ErrorNumber::PathAccessError, path + " (is a folder)");
   if (HasStrayLog(path)) {
     const std::string aside = KeepStrayLog(path);
-    if (!aside.empty()) note = path + " is gone; the log file that was left is kept as " + aside + "-wal";
+    const char* fate = fs::exists(path, error) && !fs::is_empty(path, error) ? " was replaced" : " is gone";
+    if (!aside.empty()) note = path + fate + "; the log file that was left is kept as " + aside + "-wal";
   }
   try {
     return OpenIntact(path, schema);
