@@ -9,7 +9,7 @@
 namespace orven::test {
 namespace {
 
-using ::testing::HasSubstr;
+using ::testing::EndsWith, ::testing::HasSubstr;
 
 const RecordSchema kCalls{{"Calls", {"Call_Name", "Call_Number", "Type", "Read"}},
                           "",
@@ -79,7 +79,6 @@ TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
   const auto before = [&](std::int64_t identity, const std::string& name) {
     return again.Locate(again.NewestBefore(identity, {{"Type", "-1"}, {"Call_Name", name}}));
   };
-  EXPECT_EQ(before(99, ""), 3);
   EXPECT_EQ(before(99, "d"), 2);
   EXPECT_EQ(before(again.Identity(2), "d"), 1);
   EXPECT_EQ(before(again.Identity(2), text), 0);
@@ -87,11 +86,9 @@ TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
 
 TEST_F(DatabaseTest, MisuseChangesNothing) {
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "add:a add:b name:0=x remove:3 trim:3 list:a close:1 list:all"),
-            "!9 !9 !9 !5 a b ");
+  EXPECT_EQ(Do(database_, "add:a add:b name:0=x remove:3 trim:3 list:a list:all"), "!9 !9 !9 !5 a b ");
   EXPECT_THROW(database_.Add({{"None", "x"}}, Open(1, "x")), RuntimeError);
   EXPECT_THROW(database_.Change(1, {{"Read", "1"}, {"None", "x"}}, Open(1, "x")), RuntimeError);
-  EXPECT_THROW(database_.Change(3, {{"Read", "1"}}, Open(1, "x")), RuntimeError);
   EXPECT_EQ(Do(database_, "calls name:1=new list:all trim:1 list:all clear remove:1 list:all"),
             "new b b !9 ");
 }
@@ -100,8 +97,8 @@ TEST_F(DatabaseTest, AnotherProgramReadsAndChangesTheOpenFile) {
   database_.Open(path_);
   EXPECT_EQ(Do(database_, "add:a add:b keep:1=ring file:1=c"), "");
   std::filesystem::copy_file(path_, folder_ / "copy");
-  EXPECT_EQ(Ask("SELECT count(*) + max(Record) FROM Calls, OpenCalls", "copy"), "6")
-      << "the main file alone is complete";
+  // The main file alone is complete.
+  EXPECT_EQ(Ask("SELECT count(*) + max(Record) FROM Calls, OpenCalls", "copy"), "6");
   Ask("DELETE FROM Calls WHERE Call_Name IN ('a', 'b')");
   EXPECT_EQ(Do(database_, "complete:1=x calls add:d list:all"), "!9 1c3 c d ");
 }
@@ -117,33 +114,29 @@ TEST_F(DatabaseTest, MissingColumnsAreAddedAndOthersKept) {
 
 TEST_F(DatabaseTest, AnOpenCallIsKeptUntilItsRecordIsStored) {
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "keep:5=ring keep:4=early keep:5=later file:4=a end:5=b calls"), "4a1 ");
-  EXPECT_EQ(Do(database_, "remove:2 keep:7=x close:9"), "");
-  database_.Keep(Open(8, "names", 6));
-  std::filesystem::copy_file(path_, folder_ / "killed");
-  std::filesystem::copy_file(path_ + "-wal", folder_ / "killed-wal");
-  SqliteDatabase again(kCalls);
-  EXPECT_EQ(again.Open(folder_ / "killed"), "");
-  EXPECT_EQ(Do(again, "complete:4=new close:7 calls add:c list:all"), "8names6 new c ");
-  EXPECT_EQ(again.Identity(2), 7) << "an open call names a record, which was deleted, with the number before";
+  EXPECT_EQ(Do(database_, "keep:5=ring keep:4=early keep:5=later file:4=a end:5=b calls remove:2"), "4a1 ");
+  EXPECT_EQ(Do(database_, "keep:7=x close:9"), "");
+  database_.Keep(Open(8, "names", 6));  // a record that was deleted
+  for (const std::string part : {"", "-wal"}) PutFile(folder_ / ("killed" + part), ContentOf(path_ + part));
+  EXPECT_EQ(Do(database_, "open:" + folder_ / "killed"), "");
+  EXPECT_EQ(Do(database_, "complete:4=new close:7 calls add:c list:all"), "8names6 new c ");
+  EXPECT_EQ(database_.Identity(2), 7);
 }
 
 TEST_F(DatabaseTest, AFileThatIsReplacedOrAppearsLateIsOpenedAgain) {
   database_.Open(path_);
   SqliteDatabase backup(kCalls);
   backup.Open(folder_ / "backup");
-  EXPECT_EQ(Do(backup, "add:restored keep:3=old keep:4=older") + Do(database_, "keep:1=a keep:2=b add:x"),
-            "");
-  backup.Open(folder_ / "closed");
-  Do(database_, "close:2 keep:4=mine add:before");
+  EXPECT_EQ(Do(backup, "add:restored keep:3=old keep:4=older open:" + folder_ / "closed"), "");
+  EXPECT_EQ(Do(database_, "keep:1=a keep:2=b close:2 keep:4=mine add:before"), "");
   std::filesystem::rename(folder_ / "backup", path_);
   EXPECT_EQ(Do(database_, "keep:1=a"), "");
   EXPECT_EQ(Ask("SELECT group_concat(rowid || Ring, ' ') FROM OpenCalls"), "1a 3old 4mine");
   EXPECT_EQ(Do(database_, "add:after list:all"), "restored after ");
   std::filesystem::rename(path_, folder_ / "moved");
   EXPECT_EQ(Do(database_, "close:4 calls"), "1a0 ");
-  const std::string moved = path_ + " was moved or replaced";
-  EXPECT_THAT(reports_, ::testing::ElementsAre(moved, moved)) << "the logs had nothing to keep";
+  EXPECT_THAT(reports_,
+              ::testing::ElementsAre(EndsWith("was moved or replaced"), EndsWith("was moved or replaced")));
 
   const std::string late = folder_ / "disk/Calls";
   reports_.clear();
@@ -155,8 +148,7 @@ TEST_F(DatabaseTest, AFileThatIsReplacedOrAppearsLateIsOpenedAgain) {
   Ask("CREATE TABLE Other AS SELECT zeroblob(9999)", "moved");
   for (const char* step : {"", "keep:2=b"}) {  // the logs that a program leaves when it is killed
     Do(database_, step);
-    const auto replace = std::filesystem::copy_options::overwrite_existing;
-    std::filesystem::copy_file(late + "-wal", folder_ / "moved-wal", replace);
+    PutFile(folder_ / "moved-wal", ContentOf(late + "-wal"));
     SqliteDatabase restored(kCalls);
     restored.Open(folder_ / "moved");
     EXPECT_EQ(Do(restored, "list:all") + Ask("SELECT count(*) FROM Other", "moved"), "restored after 1");
@@ -168,7 +160,7 @@ TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsChanged) {
   EXPECT_EQ(Do(database_, "add:a keep:1=ring"), "");
   SqliteConnection other(path_);
   other.Execute("BEGIN IMMEDIATE");
-  EXPECT_EQ(Do(database_, "end:1=b complete:1=b keep:1=b close:1 close:2"), "!70 !70 !70 !70 ");
+  EXPECT_EQ(Do(database_, "end:1=b complete:1=b keep:1=b close:1 close:2 keep:1=ring"), "!70 !70 !70 !70 ");
   other.Execute("COMMIT");
   {
     const FileSizeLimit limit(400000);  // SQLite reports it as an I/O error (57); a full disk is 61
@@ -213,18 +205,16 @@ TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
                          {"everything", 0, 0, 1000, true, true}};
   auto counted = kCalls;
   counted.counted = "Read";
-  const OpenCall ringing = Open(9, "ringing", 7);
+  const OpenCall ringing{9, 7, {"ringing", "", "", "", "", ""}};
   for (const auto& [what, at, size, most_lost, while_open, cut_off] : damages) {
     SCOPED_TRACE(what);
     std::string note;
     const std::string path = folder_ / what;
     const auto take = [&note](const std::string& line) { note += line; };
     SqliteDatabase database(counted, take, take);
-    {
-      SqliteDatabase earlier(counted);
-      earlier.Open(path), earlier.Keep(ringing);
-    }
+    SqliteDatabase(counted).Open(path);
     SqliteConnection(path).Execute(
+        "INSERT INTO OpenCalls (rowid, Call_Name, Record) VALUES (9, 'ringing', 7);"
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000) "
         "INSERT INTO Calls SELECT i, hex(randomblob(iif(i > 990, 500 * (i - 990), 45))), "
         "iif(i % 2, i * -400000000, 1 / i), iif(i % 3, i / 8.0, i % 2) FROM n");
