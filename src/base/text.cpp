@@ -19,6 +19,16 @@ std::string Lower(std::string_view text) {
   return lower;
 }
 
+std::vector<std::string> Split(std::string_view text, char separator) {
+  std::vector<std::string> parts;
+  for (std::size_t begin = 0;;) {
+    const auto end = text.find(separator, begin);
+    parts.emplace_back(text.substr(begin, end - begin));
+    if (end == std::string_view::npos) return parts;
+    begin = end + 1;
+  }
+}
+
 std::string PercentEncoded(std::string_view text, bool (*plain)(unsigned char byte)) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string encoded;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orven {
 
@@ -16,6 +17,9 @@ std::string_view Trimmed(std::string_view text, std::string_view blanks = kBlank
 
 /// A to Z in lower case; all other bytes stay.
 std::string Lower(std::string_view text);
+
+/// The parts of `text` between the separators, one more than there are separators.
+std::vector<std::string> Split(std::string_view text, char separator);
 
 /// Each byte for which `plain` is false becomes "%" and two hexadecimal digits (RFC 3986, section 2.1).
 std::string PercentEncoded(std::string_view text, bool (*plain)(unsigned char byte));

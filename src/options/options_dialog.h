@@ -17,6 +17,7 @@
 #include "platform/event_loop.h"
 #include "platform/registry.h"
 #include "platform/telephony.h"
+#include "records/call_store.h"
 #include "records/message_move.h"
 #include "telephony/call_effects.h"
 #include "telephony/line_manager.h"

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace orven {
@@ -14,20 +13,8 @@ inline constexpr const char* kNoMessageType = "-1";
 /// Caller name and number when the network has not sent them.
 inline constexpr const char* kUnknownCaller = "UNKNOWN";
 
-/// How far the filing of a call has come, for the start after a crash.
-struct CallTrail {
-  std::uint32_t entry = 0;     ///< its number in the journal of calls; 0: it has none
-  std::string growing_folder;  ///< where its recording was started; empty: it was not
-  std::string growing_name;    ///< what its recording is known by there, or the file's own name
-  std::string storing_path;    ///< the path chosen for its recording, which was free then
-  /// Identity of the newest record before this call was offered, then before it was about to be filed (0: no
-  /// record); nothing while that is not known.
-  std::optional<std::int64_t> filed_after;
-  /// Identity of its record while that lacks a message which may still be added.
-  std::optional<std::int64_t> record;
-  /// Its message cannot be reached now: the recovery completes the record later and marks the call done then.
-  bool message_due = false;
-};
+/// `Call::record` of a call that gets no record.
+inline constexpr std::int64_t kNoRecord = -1;
 
 /// Everything known about the current call. One call at a time; a new one replaces it whole.
 struct Call {
@@ -60,7 +47,14 @@ struct Call {
   std::int32_t record_seconds = 0;
   std::int32_t silence_milliseconds = 0;
 
-  CallTrail trail;
+  // What the next start needs if the program is killed before the call is finished.
+  std::int64_t key = 0;          ///< its number among the open calls; 0: it is not one
+  std::int64_t record = 0;       ///< identity of its record; 0: none yet
+  std::string recording_folder;  ///< where its recording was started; empty: it was not
+  std::string recording;         ///< what its recording is known by there, or the file's own name
+  std::string place;             ///< the path chosen for its message, which was free then
+  bool mail_due = false;         ///< the call asked for a mail that is not handed over yet
+  std::int64_t step = 0;         ///< how often it was kept: the newer of two states counts
 };
 
 /// Name of the message file of a call with these date and time texts: "12-31-2003_14-05-07.wav".

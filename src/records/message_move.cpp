@@ -154,7 +154,7 @@ std::string MessageMove::ReasonAgainst() {
 bool MessageMove::CollectNames() {
   const ErrorTrap trap(parts_.log, kLabel);
   return trap([&] {
-    for (auto& name : parts_.calls.MessageNames()) {
+    for (auto& name : parts_.filing.MessageNames()) {
       if (move_->known.insert(name).second) move_->waiting.push_back(std::move(name));
     }
   });

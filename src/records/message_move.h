@@ -16,7 +16,7 @@
 #include "platform/event_loop.h"
 #include "platform/files.h"
 #include "platform/registry.h"
-#include "records/call_store.h"
+#include "records/call_filing.h"
 #include "records/message_files.h"
 
 namespace orven {
@@ -42,7 +42,7 @@ class MessageMove {
     SystemLog& log;
     Files& files;
     Background& background;
-    const CallStore& calls;
+    const CallFiling& filing;
     MessageFolders& folders;
     Settings& settings;
     SharedOptions& shared;

@@ -10,14 +10,19 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),
       folders(ports.files, shared),
-      journal(ports.files, log, shared),
+      open_calls(ports.DataBase1, ports.files, ports.clock, ports.loop, log,
+                 shared.InApplicationFolder("\\")),
+      filing({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, log, open_calls,
+              ListView1, shared, call,
+              [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
+              // Posted: these mails go after those already in the outbox, once the start is over.
+              [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); }}),
       player({ports.loop, folders, ports.WavePlay, ports.waveforms, views.player, log,
               [this] { return SelectionTaken(); }},
              ListView1, settings, [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
-      calls({ports.DataBase1, ports.files, folders, ports.background, ports.Wave1, ports.dialogs, player, log,
-             log, journal, ports.loop, ports.clock, call},
-            ListView1, shared),
-      move({ports.registry, ports.dialogs, log, ports.files, ports.background, calls, folders, settings,
+      calls({ports.DataBase1, ports.files, folders, ports.background, ports.dialogs, player, log, filing},
+            ListView1),
+      move({ports.registry, ports.dialogs, log, ports.files, ports.background, filing, folders, settings,
             shared}),
       sounds(ports.WavePlay, player, settings, log),
       library(ports.files, shared),
@@ -26,7 +31,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                      [this] { return SelectionTaken(); }}),
       status(views.line),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
-      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line, journal},
+      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line, open_calls},
       control(context),
       caller_view(ports.loop, views.caller_view,
                   {.answer =
@@ -46,20 +51,13 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
       remote(context, control, recorder, ListView1, folders, status),
-      after_call({caller_view, sounds, tray, actions}, calls, journal, ListView1, log, settings, shared,
+      after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
-      recovery({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, journal, shared,
-                [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
-                [this](Call& interrupted) { after_call.File(interrupted); },
-                [this] { ListView1.makeList(); }}),
       sequence(context, {control, recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {
   ports_.Tapi1.SetEvents(&sequence);
   ports_.Wave1.SetEvents(&sequence);
-  // Posted: these mails go after those already in the outbox, once the start is over.
-  journal.SetMailListener(
-      [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
 

@@ -22,14 +22,14 @@
 #include "platform/shell.h"
 #include "platform/telephony.h"
 #include "platform/wave.h"
-#include "records/call_journal.h"
+#include "records/call_filing.h"
 #include "records/call_list.h"
-#include "records/call_recovery.h"
 #include "records/call_store.h"
 #include "records/list_commands.h"
 #include "records/local_player.h"
 #include "records/message_files.h"
 #include "records/message_move.h"
+#include "records/open_calls.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"
 #include "telephony/call_sequence.h"
@@ -79,7 +79,8 @@ class AnsweringMachine {
   TrayIcon tray;
   CallList ListView1;
   MessageFolders folders;
-  CallJournal journal;
+  OpenCalls open_calls;
+  CallFiling filing;
   LocalPlayer player;
   CallStore calls;
   MessageMove move;
@@ -97,7 +98,6 @@ class AnsweringMachine {
   Recorder recorder;
   RemoteAccess remote;
   AfterCall after_call;
-  CallRecovery recovery;
   CallSequence sequence;
 
   /// The parts of a greeting creator. `saved` is called with the name of the saved greeting, after it has

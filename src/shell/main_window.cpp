@@ -19,9 +19,6 @@ constexpr std::uint32_t kFlat = 0x800;
 
 constexpr auto kClockInterval = 1s;
 
-/// Interval of retries when the records are locked by another program or their disk is missing.
-constexpr auto kTryRecords = 5s;
-
 /// A desktop or panel that is starting shows its notification area within twice this time.
 constexpr auto kTrayPatience = 10s;
 
@@ -38,7 +35,6 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& 
       commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs,
                  ports.shell, shared, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
       TimerPannel(ports.loop.MakeTimer([this] { ShowClock(); })),
-      tmrRecords_(ports.loop.MakeTimer([this] { LookForRecords(); })),
       TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}
 
 void MainWindow::LoadHidden() {
@@ -108,8 +104,8 @@ void MainWindow::StartUp() {
   const ErrorTrap trap(machine_.log, "ErrorInitializeFormMain->");
   SetToolbarStyles();
   machine_.ListView1.Clear();
-  if (!trap([&] { OpenRecords(); })) tmrRecords_->Start(kTryRecords);
-  machine_.recovery.Run();
+  trap([&] { OpenRecords(); });
+  machine_.filing.Start();
   machine_.ListView1.makeList();
   trap([&] { machine_.move.GoOn(); });
   if (machine_.line.SelectModemDevice()) {
@@ -134,16 +130,6 @@ void MainWindow::TellOfLoss(const std::string& text) {
     machine_.ListView1.makeList();
     ports_.dialogs.Information(text);
   }));
-}
-
-/// Lists the records as soon as they can be opened, when they could not be at the start.
-void MainWindow::LookForRecords() {
-  if (ended_) return tmrRecords_->Stop();
-  // Any query opens them; the reason for the failure is in the log already.
-  if (!ErrorTrap::Silent()([&] { (void)ports_.DataBase1.RecordCount(); })) return;
-  tmrRecords_->Stop();
-  machine_.log.WriteSystem("The call records can be read now");
-  machine_.ListView1.makeList();
 }
 
 void MainWindow::SetToolbarStyles() {
@@ -172,7 +158,7 @@ bool MainWindow::Unload() {
   // A call that ended with the line has opened the caller view and played a sound again.
   trap([&] { CloseOtherWindows(); });
   trap([&] { StopSounds(); });
-  machine_.calls.FileWaitingCalls();
+  machine_.filing.FileWaitingCalls();
   machine_.log.WriteSystem("Unload ORVEN");
   machine_.log.WriteCalls("Unload ORVEN");
   machine_.store.SetView(views_.frame, machine_.window_hidden);
@@ -263,7 +249,7 @@ void MainWindow::CameBack() {
 
 void MainWindow::ActivationChanged() {
   auto& list = machine_.ListView1;
-  if (loaded_ && !ended_ && !tmrRecords_->Enabled() && list.Count() == 0) list.FollowRecords();
+  if (loaded_ && !ended_ && machine_.filing.RecordsAreOpen() && list.Count() == 0) list.FollowRecords();
 }
 
 void MainWindow::PopUpTrayMenu() {

@@ -67,7 +67,6 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   void Load();
   void StartUp();
   void OpenRecords();
-  void LookForRecords();
   void ReadSettings();
   void ShowListStyle();
   void ShowClock();
@@ -86,8 +85,7 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   AnsweringMachine machine_;
   MainCommands commands_;
   std::unique_ptr<Timer> TimerPannel;
-  std::unique_ptr<Timer> tmrRecords_;  ///< runs while the records could not be opened
-  std::unique_ptr<Timer> TrayWatch_;   ///< runs while the window is hidden
+  std::unique_ptr<Timer> TrayWatch_;  ///< runs while the window is hidden
   Lifeline lifeline_;
   bool tray_missed_ = false;  ///< the last check found no notification area
   bool loaded_ = false;

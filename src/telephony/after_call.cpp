@@ -16,7 +16,7 @@ void AfterCall::Announce(const Call& call) {
 
 void AfterCall::Finish(Call& call) {
   if (window_hidden_()) effects_.tray.StartBlinking();
-  if (WantsMail(call)) journal_.AskForMail(call);
+  call.mail_due = WantsMail(call);
   File(call);
   const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
   if (settings_.cPlayInIdle != 0 && wanted) PlaySound(settings_.PlayInIdle);
@@ -25,8 +25,8 @@ void AfterCall::Finish(Call& call) {
 }
 
 void AfterCall::File(Call& call) {
-  if (!IsListed(call)) return store_.LeaveOut(call);
-  store_.PutCallDetailsInDB(call);
+  if (!IsListed(call)) return filing_.LeaveOut(call);
+  filing_.PutCallDetailsInDB(call);
   list_.makeList();
 }
 
@@ -50,11 +50,11 @@ bool AfterCall::WantsMail(const Call& call) const {
 /// The mail before the note: if the program is killed in between, a mail is sent twice rather than never.
 void AfterCall::HandMailOver(Call& call) {
   if (WantsMail(call)) effects_.actions.DoActions("Mail", call);
-  journal_.MailHandedOver(call);
+  filing_.MailHandedOver(call);
 }
 
 void AfterCall::SendDueMails() {
-  for (auto& call : journal_.AwaitingMail()) HandMailOver(call);
+  for (auto& call : filing_.DueMails()) HandMailOver(call);
 }
 
 void AfterCall::RunActions(Call& call) {

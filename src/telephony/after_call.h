@@ -3,9 +3,8 @@
 
 #include <functional>
 
-#include "records/call_journal.h"
+#include "records/call_filing.h"
 #include "records/call_list.h"
-#include "records/call_store.h"
 #include "telephony/call_effects.h"
 
 namespace orven {
@@ -21,11 +20,10 @@ struct CallEffects {
 /// Announces a call when it comes in, and files and announces it when it is over. User-interface thread.
 class AfterCall {
  public:
-  AfterCall(CallEffects effects, CallStore& store, CallJournal& journal, CallList& list, SystemLog& log,
-            const Settings& settings, const SharedOptions& shared, std::function<bool()> window_hidden)
+  AfterCall(CallEffects effects, CallFiling& filing, CallList& list, SystemLog& log, const Settings& settings,
+            const SharedOptions& shared, std::function<bool()> window_hidden)
       : effects_(effects),
-        store_(store),
-        journal_(journal),
+        filing_(filing),
         list_(list),
         log_(log),
         settings_(settings),
@@ -41,15 +39,13 @@ class AfterCall {
   /// Whether the settings want a record of the call.
   bool IsListed(const Call& call) const { return settings_.ListMessageOnly == 0 || call.message_left; }
 
-  /// The part of Finish that makes the record, if one is wanted.
-  void File(Call& call);
-
   /// Sends the mails of calls that an earlier run filed or was about to file, but did not mail before it was
   /// killed. Their programs are not started, because that may have happened already.
   void SendDueMails();
 
  private:
   void PlaySound(const std::string& name);
+  void File(Call& call);
   void ShowFinished(const Call& call);
   bool WantsMail(const Call& call) const;
   void HandMailOver(Call& call);
@@ -57,8 +53,7 @@ class AfterCall {
   void OpenCallerView();
 
   CallEffects effects_;
-  CallStore& store_;
-  CallJournal& journal_;
+  CallFiling& filing_;
   CallList& list_;
   SystemLog& log_;
   const Settings& settings_;

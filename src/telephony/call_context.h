@@ -8,7 +8,7 @@
 #include "platform/telephony.h"
 #include "platform/wave.h"
 #include "records/call.h"
-#include "records/call_journal.h"
+#include "records/open_calls.h"
 #include "telephony/line_manager.h"
 
 namespace orven {
@@ -45,7 +45,7 @@ class CallProgress {
 bool IsLegal(CallState from, CallState to);
 
 /// Shared by the classes that handle the call: the call, its state, the settings, the line and its two
-/// controls, the journal. Owned by the main window; none of them outlives it.
+/// controls, the open calls. Owned by the main window; none of them outlives it.
 struct CallContext {
   TelephonyControl& Tapi1;
   WaveControl& Wave1;
@@ -55,7 +55,7 @@ struct CallContext {
   Call& call;
   CallProgress& progress;
   LineManager& line;
-  CallJournal& journal;
+  OpenCalls& open_calls;
 
   /// Index of the line that carries calls.
   std::int32_t Line() const { return line.CurrentIndex(); }

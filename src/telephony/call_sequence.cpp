@@ -15,7 +15,7 @@ void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*cal
     const auto time = parts_.clock.TimeText(now);
     context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
   });
-  context_.journal.Begin(context_.call);
+  context_.open_calls.Begin(context_.call);
   context_.Enter(CallState::Offered, "ErrTapiInComeCall ");
   parts_.after_call.Announce(context_.call);
 }
@@ -35,7 +35,7 @@ void CallSequence::CallerID(std::int32_t line, const std::string& name, const st
   parts_.view.ShowStatus("Caller ID Information");
   context_.call.caller_name = name;
   context_.call.caller_number = number;
-  context_.journal.Note(context_.call);
+  context_.open_calls.Note(context_.call);
   if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
 }
 
@@ -58,7 +58,7 @@ void CallSequence::Connected(std::int32_t line) {
     parts_.recorder.MakeReady();
     PlayGreeting();
   });
-  context_.journal.Note(context_.call);  // it now has the ring at which the call was answered
+  context_.open_calls.Note(context_.call);  // it now has the ring at which the call was answered
   UpdateCallerView("Line Connected");
   if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
 }

@@ -65,10 +65,10 @@ void Recorder::StartAfterWait() {
   context_.Wave1.SetRecordFolder(folder);
   const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
   context_.Wave1.SetRecordName(name);
-  context_.call.trail.growing_folder = folder;
-  context_.call.trail.growing_name = name;
-  // Before the file exists, so that each file has its call in the journal.
-  context_.journal.Note(context_.call);
+  context_.call.recording_folder = folder;
+  context_.call.recording = name;
+  // Before the file exists, so that each file has its open call.
+  context_.open_calls.Note(context_.call);
   const ErrorTrap trap(context_.log, "ErrRecMessage ");
   bool refused = false;
   trap([&] {
@@ -140,7 +140,7 @@ void Recorder::StopRecMessage() {
   call.silence_milliseconds = 0;
   if (context_.progress.State() == CallState::Recording)
     context_.Enter(CallState::Recorded, "ErrStopRecMessage ");
-  context_.journal.Note(call);
+  context_.open_calls.Note(call);
 }
 
 std::int32_t Recorder::Store(std::string& path) {
@@ -150,8 +150,8 @@ std::int32_t Recorder::Store(std::string& path) {
     context_.log.WriteSystem("Record Message: two calls share the name " + name +
                              ", the newer message becomes " + FileNamePart(path));
   }
-  context_.call.trail.storing_path = path;
-  context_.journal.Note(context_.call);
+  context_.call.place = path;
+  context_.open_calls.Note(context_.call);
   return context_.Wave1.StopRecordToFile(path);
 }
 

@@ -27,7 +27,7 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   call.greeting_playing = false;
   NameUnfiledMessage(line);
   call.admin_mode = true;
-  context_.journal.Done(call);
+  context_.open_calls.LeaveOut(call);
   // A recording that failed to start has left its timers running; they must not end the owner's call.
   recorder_.StopTimers();
   context_.log.WriteSystem("Remote Control " + LineTag(line));

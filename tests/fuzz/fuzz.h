@@ -19,9 +19,6 @@ using Bytes = std::span<const std::uint8_t>;
 
 /// A database file of call records. Its last 8 bytes also choose the changes.
 void Calls(Bytes input);
-/// A journal, a zero byte, leftover recordings. If the journal is empty, the rest is also used as the texts
-/// of a call to write to it.
-void Journal(Bytes input);
 void Lines(Bytes input);     ///< lines.ini, a zero byte, edits
 void Modem(Bytes input);     ///< sample format, piece sizes, bytes from a modem
 void Registry(Bytes input);  ///< registry.reg, two bytes of 255, changes
@@ -35,9 +32,9 @@ struct Target {
   void (*run)(Bytes input);
 };
 // SIP must be first: it needs a process without other threads.
-inline constexpr Target kTargets[] = {{"sip", Sip},     {"calls", Calls}, {"journal", Journal},
-                                      {"lines", Lines}, {"modem", Modem}, {"registry", Registry},
-                                      {"rtp", Rtp},     {"sdp", Sdp},     {"wave", Wave}};
+inline constexpr Target kTargets[] = {{"sip", Sip},     {"calls", Calls},       {"lines", Lines},
+                                      {"modem", Modem}, {"registry", Registry}, {"rtp", Rtp},
+                                      {"sdp", Sdp},     {"wave", Wave}};
 
 /// Aborts if a promise is broken.
 inline void Require(bool kept) {

@@ -18,8 +18,7 @@ Promises::Promises(World& world) : world_(world), second_(world.time.MakeTimer([
   world_.Tapi1->SetEvents(this);
   world_.files.on_append = [this](const std::string& path, std::string_view text) { Hear(path, text); };
   world_.disk.on_failure = [this](const std::string& path) {
-    if (path == world_.database.opened_path) ++refused_;
-    if (path.ends_with("Call.journal")) journal_kept_ = false;
+    if (path == world_.database.opened_path || path.find("/.call-") != path.npos) kept_ = false;
   };
 }
 
@@ -27,9 +26,12 @@ void Promises::Play(const Step& step) {
   const auto is = [&](std::string_view begin) { return step.what.starts_with(begin); };
   if (is("drop") || is("view: drop") || is("line off") || is("exit")) cut_short_ = true;
   if (is("the clock")) turned_ = true;
-  if (is("the records' f")) lost_ = stale_ = cut_short_ = true;
+  if (is("the records' f")) {
+    lost_ = stale_ = cut_short_ = true;
+    lost_at_ = world_.time.Uptime();
+  }
   const bool running = !world_.ended;
-  const int refused = refused_;
+  const int refused = world_.database.refused;
   if (is("started again")) {
     Restart(step);
   } else if (running) {
@@ -37,7 +39,7 @@ void Promises::Play(const Step& step) {
   }
   if (!world_.ended) return CheckWindow();
   CountFiled();  // includes calls that were filed when the program ended
-  if (running && RecordsWork() && refused_ == refused && !unsure_)
+  if (running && RecordsWork() && world_.database.refused == refused && !unsure_)
     Expect(waiting_ == 0, "every call is filed when the program ends");
 }
 
@@ -57,7 +59,8 @@ void Promises::Restart(const Step& step) {
   if (interrupted) ++idle_;  // the call ended with the program
   stale_ = false;
   const int recovered = world_.database.added - filed_;
-  if (world_.disk.Failures() > 0 || !RecordsWork()) unsure_ = true;
+  const bool noticed = world_.time.Uptime() - lost_at_ > 1s;  // that the records' file was lost
+  if (world_.disk.Failures() > 0 || !RecordsWork() || !noticed) unsure_ = true;
   Expect(unsure_ || (recovered >= waiting_ + least && recovered <= waiting_ + most),
          "the next start files an interrupted call once");
   filed_ = world_.database.added;
@@ -213,17 +216,15 @@ void Promises::CheckWindow() {
 }
 
 void Promises::CheckEnd() {
-  // If writing the journal failed, it may not show that a call was filed and its record deleted later, or
-  // that its mail was sent.
-  Expect(!journal_kept_ || world_.Mail1.mails.size() == mails_,
-         "a mail is sent only for a call that has ended");
+  // If that could not be written down, the next start does not know that a mail was sent.
+  Expect(!kept_ || world_.Mail1.mails.size() == mails_, "a mail is sent only for a call that has ended");
   Expect(world_.shell.attempts == programs_, "a program is started only for a call that has ended");
   Expect(offered == idle_, "every call that was offered became idle");
   Expect(!world_.line->HasCall(), "the line has no call left");
   CheckQuiet();
   Expect(waiting_ >= 0 || unsure_, "no call is filed twice");
   // A recording whose record was lost is filed again as a separate call.
-  Expect(!journal_kept_ || lost_ || world_.database.added <= offered, "no more records than calls");
+  Expect(lost_ || world_.database.added <= offered, "no more records than calls");
   std::set<std::string> paths;
   for (std::size_t record = 0; record < world_.database.Records().size(); ++record) {
     const auto path = Message(record);
@@ -251,14 +252,15 @@ void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
 void Promises::Idle(std::int32_t line) {
   ++idle_;
   const auto added = world_.database.added;
-  const auto refused = refused_;
+  const auto refused = world_.database.refused;
   const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
   const auto mails = world_.Mail1.mails.size();
   const auto programs = world_.shell.attempts;
   Program().Idle(line);
   CheckActions(world_.Mail1.mails.size() - mails, world_.shell.attempts - programs);
   CheckQuiet();
-  CheckFiling(world_.database.added - added, message_only, RecordsWork() && refused_ == refused);
+  CheckFiling(world_.database.added - added, message_only,
+              RecordsWork() && world_.database.refused == refused);
 }
 
 void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {

@@ -53,18 +53,18 @@ class Promises : public TelephonyEvents {
   std::size_t mails_ = 0, programs_ = 0;  ///< number that calls requested
   int filed_ = 0;                         ///< number of added records at the last check
   int waiting_ = 0;                       ///< calls that could not be filed yet
-  int refused_ = 0;                       ///< number of failed writes to the records
   std::unique_ptr<Timer> second_;
-  int silent_ = 0;                           ///< seconds without activity on a connected call
-  std::int64_t heard_ = 0;                   ///< identity of the call whose message the owner last heard
-  bool cut_short_ = false;                   ///< the owner's call was ended, or a message cannot be played
-  bool turned_ = false;                      ///< the clock was changed
-  bool lost_ = false;                        ///< the records' file was lost
-  bool journal_kept_ = true;                 ///< every write to the journal succeeded
-  bool stale_ = false;                       ///< the list has not been rebuilt since then
-  bool unsure_ = false;                      ///< the program ended while the disk or the records failed
-  std::string date_, time_, name_, number_;  ///< details of the current call
-  int written_before_ = 0;                   ///< number of stored messages when the call came in
+  int silent_ = 0;                            ///< seconds without activity on a connected call
+  std::int64_t heard_ = 0;                    ///< identity of the call whose message the owner last heard
+  bool cut_short_ = false;                    ///< the owner's call was ended, or a message cannot be played
+  bool turned_ = false;                       ///< the clock was changed
+  bool lost_ = false;                         ///< the records' file was lost
+  std::chrono::milliseconds lost_at_{-1000};  ///< when it was
+  bool kept_ = true;                          ///< every step of an open call was kept
+  bool stale_ = false;                        ///< the list has not been rebuilt since then
+  bool unsure_ = false;                       ///< the program ended while the disk or the records failed
+  std::string date_, time_, name_, number_;   ///< details of the current call
+  int written_before_ = 0;                    ///< number of stored messages when the call came in
 };
 
 /// Checks the steps in a system log. Finds steps without the step they need earlier in the same call, steps

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <functional>
 #include <map>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -23,8 +22,9 @@ class MemoryDatabase : public DatabaseControl {
   std::function<void()> before_write = [] {};
   std::string open_note;
   std::string opened_path;
-  int writes = 0;
+  int writes = 0;     ///< number of changes, those of open calls included
   int added = 0;      ///< number of records added
+  int refused = 0;    ///< number of records that could not be added
   bool gone = false;  ///< the file is lost and cannot be created again
 
   std::vector<Fields>& Records() { return records_; }
@@ -35,17 +35,17 @@ class MemoryDatabase : public DatabaseControl {
   void LoseFile() {
     records_.clear();
     identities_.clear();
-    if (current_ != 0) edited_.reset();
-    current_ = 0;
+    open.clear();
+    lost_ = true;
   }
-  /// Adds a record. Fields that are not given are empty.
-  void Add(const std::map<std::string, std::string>& fields) {
-    records_.emplace_back(kCallFields.size());
-    for (const auto& [field, value] : fields) records_.back().at(Column(field)) = value;
-  }
+  /// Puts a record there without the program. Fields that are not given are empty.
+  void Put(const std::vector<FieldValue>& values) { Set(records_.emplace_back(kCallFields.size()), values); }
+
+  std::map<std::int64_t, OpenCall> open;  ///< the open calls, by key
 
   std::string Open(const std::string& path) override {
     opened_path = path;
+    known_.clear();
     Require(!gone);
     return open_note;
   }
@@ -77,44 +77,50 @@ class MemoryDatabase : public DatabaseControl {
   std::int32_t FieldIndex(std::string_view field) const override {
     return static_cast<std::int32_t>(Column(field));
   }
-  void MoveTo(std::int32_t number) override {
-    Index(number);
-    current_ = number;
-    edited_.reset();
+  std::int64_t Add(const std::vector<FieldValue>& values, const OpenCall& call) override {
+    Fields record(kCallFields.size());
+    Set(record, values);
+    ++refused;
+    BeforeWrite();
+    --refused;
+    records_.push_back(std::move(record));
+    ++added;
+    const auto identity = Identities().back();
+    Settle(call, identity);
+    return identity;
   }
-  void MoveFirst() override { MoveTo(1); }
-  void MoveNext() override { MoveTo(current_ + 1); }
-  void AddNew() override {
-    Require(!gone);
-    current_ = 0;
-    edited_ = Fields(kCallFields.size());
+  void Change(std::int64_t identity, const std::vector<FieldValue>& values, const OpenCall& call) override {
+    auto record = records_.at(Index(Locate(identity)));
+    Set(record, values);
+    BeforeWrite();
+    records_.at(Index(Locate(identity))) = std::move(record);
+    Settle(call, call.record);
   }
-  void Edit() override { edited_ = Record(current_); }
-  void SetField(std::string_view field, std::string_view value) override {
-    Require(edited_.has_value());
-    edited_->at(Column(field)) = value;
+  void Remove(std::int64_t identity) override {
+    const auto number = Locate(identity);
+    Erase(static_cast<std::int32_t>(Index(number)), number);
   }
-  void SetField(std::string_view field, std::int32_t value) override {
-    SetField(field, std::to_string(value));
-  }
-  std::string GetField(std::string_view field) override {
-    return (edited_ ? *edited_ : Record(current_)).at(Column(field));
-  }
-  void Update() override {
-    Require(!gone && edited_);
-    before_write();
-    ++writes;
-    if (current_ == 0) {
-      records_.emplace_back();
-      ++added;
-      current_ = RecordCount();
-    }
-    records_.at(Index(current_)) = *edited_;
-    edited_.reset();
-  }
-  void Delete() override { Erase(static_cast<std::int32_t>(Index(current_)), current_); }
   void DeleteFirst(std::int32_t number) override { Erase(0, number); }
   void DeleteAll() override { Erase(0, RecordCount()); }
+
+  std::vector<OpenCall> OpenCalls() override {
+    Table();
+    std::vector<OpenCall> calls;
+    for (const auto& [key, call] : known_ = open) calls.push_back(call);
+    return calls;
+  }
+  void Keep(const OpenCall& call) override {
+    Table();
+    if (const auto known = known_.find(call.key); known != known_.end() && known->second == call) return;
+    BeforeWrite();
+    Settle(call, call.record);
+  }
+  void Close(std::int64_t key) override {
+    Table();
+    if (!open.contains(key)) return;
+    BeforeWrite();
+    Settle({key, 0, {}}, 0);
+  }
 
  private:
   static void Require(bool holds) {
@@ -125,11 +131,28 @@ class MemoryDatabase : public DatabaseControl {
     if (found == kCallFields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return static_cast<std::size_t>(found - kCallFields.begin());
   }
-  const std::vector<Fields>& Table() const {
+  static void Set(Fields& record, const std::vector<FieldValue>& values) {
+    for (const auto& [field, value] : values) record.at(Column(field)) = value;
+  }
+  /// Every operation notices that the file was replaced, and brings the open calls along.
+  const std::vector<Fields>& Table() {
     Require(!gone);
+    if (std::exchange(lost_, false)) open = known_;
     return records_;
   }
-  std::size_t Index(std::int32_t number) const {
+  void BeforeWrite() {
+    Table();
+    before_write();
+    ++writes;
+  }
+  void Settle(const OpenCall& call, std::int64_t record) {
+    if (call.key == 0) return;
+    open[call.key] = known_[call.key] = {call.key, record, call.fields};
+    if (!call.fields.empty()) return;
+    open.erase(call.key);
+    known_.erase(call.key);
+  }
+  std::size_t Index(std::int32_t number) {
     if (number < 1 || static_cast<std::size_t>(number) > Table().size())
       throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return static_cast<std::size_t>(number) - 1;
@@ -143,18 +166,18 @@ class MemoryDatabase : public DatabaseControl {
   /// Erases the records from index `first` up to, but not including, `end`.
   void Erase(std::int32_t first, std::int32_t end) {
     if (end > 0) Index(end);
+    Table();
     before_write();
     Identities();
     identities_.erase(identities_.begin() + first, identities_.begin() + end);
     records_.erase(records_.begin() + first, records_.begin() + end);
-    current_ = 0;
   }
 
   std::vector<Fields> records_;
   std::vector<std::int64_t> identities_;
   std::int64_t last_identity_ = 0;
-  std::int32_t current_ = 0;  ///< 0 if there is none or a record is being added
-  std::optional<Fields> edited_;
+  std::map<std::int64_t, OpenCall> known_;  ///< the open calls that the running program has stored or read
+  bool lost_ = false;                       ///< the file was replaced, which the program has not noticed
 };
 
 }  // namespace orven::test

@@ -119,7 +119,7 @@ void World::HangUp() {
 
 void World::AddMessage(const std::string& name, std::chrono::milliseconds length) {
   files.Put(messages + name, TimedWave::Sound(length));
-  database.Add({{kCallMassageName, name}, {kType, "1"}, {kRead, "0"}, {kCallName, "Anna"}});
+  database.Put({{kCallMassageName, name}, {kType, "1"}, {kRead, "0"}, {kCallName, "Anna"}});
 }
 
 }  // namespace orven::test

@@ -61,7 +61,7 @@ class World {
   void RunFor(std::chrono::milliseconds duration) { time.RunFor(duration); }
   void AddMessage(const std::string& name, std::chrono::milliseconds length);
   void AddCallWithoutMessage() {
-    database.Add({{kCallMassageName, "none.wav"}, {kType, "-1"}, {kRead, "0"}, {kCallName, "Ben"}});
+    database.Put({{kCallMassageName, "none.wav"}, {kType, "-1"}, {kRead, "0"}, {kCallName, "Ben"}});
   }
 
   AnsweringMachine& Machine() { return window->Machine(); }

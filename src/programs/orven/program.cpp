@@ -12,7 +12,7 @@
 #include "adapters/line/setup/line_devices.h"
 #include "core/mdlReg.h"
 #include "records/call.h"
-#include "records/call_recovery.h"
+#include "records/message_recovery.h"
 
 namespace orven {
 namespace {

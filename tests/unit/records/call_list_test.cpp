@@ -65,7 +65,7 @@ struct CallListTest : testing::Test, World {
         {"list", [&] { list.makeList(); }},
         {"call", [&] { line->Offer(), RunFor(10ms), HangUp(); }},
         // Another program deletes a record, or replaces the newest by another call with the same identity.
-        {"gone", [&] { database.MoveTo(number), database.Delete(); }},
+        {"gone", [&] { database.Remove(database.Identity(number)); }},
         {"replaced", [&] { database.Records().back()[0] += "!"; }},
         {"asked", [&] {
            Machine().settings.WornDelete = Machine().settings.WornClear = 1;
@@ -198,7 +198,7 @@ TEST_F(CallListTest, AMessageStoredBeforeItsCallIsFiledWithItOnceItCanBeMoved) {
       };
     }
     database_full = false;
-    store.FileWaitingCalls();
+    Machine().filing.FileWaitingCalls();
     EXPECT_EQ(database.Records().back()[5], moves ? "-1" : "3");
   }
   files.before_write = [](const std::string&) {};

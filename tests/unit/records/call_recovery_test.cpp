@@ -19,7 +19,8 @@ using testing::UnorderedElementsAre;
 
 const std::string kStem = "12-31-2003_14-05-07";
 const std::string kName = kStem + ".wav";
-const std::string kJournal = "/home/orven/Call.journal";
+const std::string kFolder = "/home/orven/";
+const std::string kJournal = kFolder + "Call.journal";  // version 1.0 had it
 const std::string kAnna = "Anna 50% 555 1234 14:05:07 12/31/2003 ";
 
 struct Recovery : testing::Test, World {
@@ -40,6 +41,8 @@ struct Recovery : testing::Test, World {
     time.RunUntil([this] { return Wave1.IsRecording(); }, 60s);
     RunFor(length);
   }
+  /// Returns whether any call is left that a start would have to finish.
+  bool AnyOpen() const { return !database.open.empty() || !files.List(kFolder, "*call*").empty(); }
   /// Puts the unfinished recording `name` into the messages folder.
   void PutGrown(const std::string& name, const std::string& content) {
     files.Put(messages + ".recording-" + name + ".wav.part", content);
@@ -87,17 +90,16 @@ TEST_F(Recovery, TheOwnersCallAndACallWithoutAMessageThatIsNotListedAreLeftOut) 
   Call();
   StartAgain();
   EXPECT_THAT(Filed(), IsEmpty());
-  EXPECT_FALSE(files.Exists(kJournal));
+  EXPECT_FALSE(AnyOpen());
 }
 
 TEST_F(Recovery, AMessageThatCouldNotBeStoredIsFiledByTheNextStartUnlessItsRecordWasDeleted) {
-  for (const std::string fate : {"call not filed", "call filed", "journal lost", "deleted"}) {
+  for (const std::string fate : {"call not filed", "call filed", "deleted"}) {
     SCOPED_TRACE(fate);
     database.Records().clear();
     Wave1.stop_result = kWaveOk;
     StartAgain();
     CallAndRecord(2s);
-    const auto early_journal = files.Content(kJournal);
     const auto growing = *Wave1.GrowingFile();
     Wave1.stop_result = kWaveDiskFull;
     database_full = fate == "call not filed";
@@ -108,29 +110,29 @@ TEST_F(Recovery, AMessageThatCouldNotBeStoredIsFiledByTheNextStartUnlessItsRecor
     if (fate == "deleted") Machine().calls.DeleteItemIndex(1);
     Crash();
     if (fate != "deleted") files.Put(growing.first, growing.second);
-    if (fate == "journal lost") files.Delete(kJournal);
     RunFor(60s);
     database_full = false;
     for (int starts = 0; starts < 2; ++starts) {
       Start();
-      EXPECT_FALSE(files.Exists(growing.first) || files.Exists(kJournal));
+      EXPECT_FALSE(files.Exists(growing.first) || AnyOpen());
       ASSERT_EQ(fate == "deleted" ? 0U : 1U, Filed().size());
       if (fate != "deleted") {
         EXPECT_THAT(Filed()[0], testing::AllOf(StartsWith(who), EndsWith(" 2")));
         EXPECT_EQ(growing.second, files.Content(messages + MessageName()));
       }
       Crash();
-      if (fate == "call not filed" && starts == 0) files.Put(kJournal, early_journal);  // a power failure
     }
   }
 }
 
-TEST_F(Recovery, CallsAreFiledOnceTheRecordsOpenEvenOneAfterATornLine) {
+TEST_F(Recovery, CallsAreFiledOnceTheRecordsOpenEvenOneWithATornNote) {
   Start();
+  database.gone = true;
   Call();
   Crash();
-  files.Put(kJournal, files.Content(kJournal) + "call\t1\tcut");
-  database.gone = true;
+  const auto note = kFolder + files.List(kFolder, ".call-*").at(0);
+  files.Put(note, files.Content(note) + "\n0\tcut");
+  files.Put(kFolder + ".call-7", "\n0\tcut");
   Start();
   Call();
   StartAgain();
@@ -138,7 +140,7 @@ TEST_F(Recovery, CallsAreFiledOnceTheRecordsOpenEvenOneAfterATornLine) {
   database.gone = false;
   RunFor(6s);
   EXPECT_THAT(Filed(), ElementsAre(kAnna + "-1", kAnna + "-1"));
-  EXPECT_FALSE(files.Exists(kJournal));
+  EXPECT_TRUE(files.Exists(kFolder + "call-7.damaged") && database.open.empty());
 }
 
 TEST_F(Recovery, TwoIdenticalCallsInOneSecondGetARecordEach) {
@@ -149,34 +151,49 @@ TEST_F(Recovery, TwoIdenticalCallsInOneSecondGetARecordEach) {
   Call();
   Crash();
   database_full = false;
-  database.Records() = {{"Anna 50%", "555 1234", "14:05:07", "12/31/2003", kName, "-1", "0"}};  // just filed
   Start();
   EXPECT_THAT(Filed(), ElementsAre(kAnna + "-1", kAnna + "-1"));
 }
 
-TEST_F(Recovery, ADamagedJournalIsKeptAndAStrayRecordingIsStillACall) {
-  Start();
-  CallAndRecord(2s);
-  Crash();
-  const auto journal =
-      "rubbish\ncall\t1\t\t\tNameless\t\t\t\t\t" + messages + "\t\t\t0\t0\t\ncall\t2\tcut\nmore";
+TEST_F(Recovery, WhatVersion1LeftIsTakenOverAndAStrayRecordingIsStillACall) {
+  const auto call = [](const std::string& number, const std::string& name, const std::string& rest) {
+    return "call\t" + number + "\t12/31/2003\t14:00:0" + number + "\t" + name + "\t5\t2\t" + rest + "\n";
+  };
+  const std::string journal =
+      "rubbish\n" + call("1", "Growing%25", "1.wav\t\t" + messages + "\t1~5\t\t0\t0\t") +
+      call("2", "Filed", "2.wav\t\t\t\t\t0\t0\t") +
+      call("3", "Stored",
+           "3.wav\t" + messages + "3.wav\t" + messages + "\t3~5\t" + messages + "3.wav\t1\t0\t") +
+      call("4", "Late", "4.wav\t\t" + messages + "\t4~5\t" + messages + "4.wav\t1\t0\t2") + "mail\t2\n" +
+      call("5", "Done", "5.wav\t\t\t\t\t0\t0\t") + "done\t5\ncall\t2\tcut";
+  registry.Set("pMailTo", "1"), registry.Set("ActionsMailAllCalls", "1");
   files.Put(kJournal, journal);
   files.Put(kJournal + ".damaged", "older");
-  RunFor(60s);
+  database.Put({{kCallName, "Filed"},
+                {kCallNumber, "5"},
+                {kCallTime, "14:00:02"},
+                {kCallDate, "12/31/2003"},
+                {kCallMassageName, "2.wav"},
+                {kType, "-1"}});
+  database.Put({{kCallName, "Late"}, {kType, "-1"}});
+  PutGrown("1~5-9-9", TimedWave::Sound(1s));
+  files.Put(messages + "3.wav", TimedWave::Sound(3s));
+  PutGrown("4~5-9-9", TimedWave::Sound(4s));
   PutGrown("9-9", "no sound");
   PutGrown("c-9-8", TimedWave::Sound(0s));
-  PutGrown("a-1-1", TimedWave::Sound(3s));
+  PutGrown("a-1-1", TimedWave::Sound(7s));
   RunFor(60s);
   for (int starts = 0; starts < 2; ++starts) {
-    Start();
-    EXPECT_THAT(Filed(),
-                UnorderedElementsAre("Nameless    -1", EndsWith(" 12/31/2003 2"), EndsWith(" 12/31/2003 3")));
+    Start().RunFor(1s);
+    EXPECT_THAT(Filed(), UnorderedElementsAre("Filed 5 14:00:02 12/31/2003 -1", "Late    4",
+                                              "Growing% 5 14:00:01 12/31/2003 1",
+                                              "Stored 5 14:00:03 12/31/2003 3", EndsWith(" 12/31/2003 7")));
+    EXPECT_EQ(1U, Mail1.mails.size());
     Crash();
   }
-  EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + kName));
-  EXPECT_EQ(TimedWave::Sound(3s), files.Content(messages + "a.wav"));
+  EXPECT_EQ(TimedWave::Sound(7s), files.Content(messages + "a.wav"));
   EXPECT_EQ(journal, files.Content(kJournal + ".damaged-2"));
-  EXPECT_TRUE(files.Exists(messages + ".recording-9-9.wav.part.damaged"));
+  EXPECT_TRUE(files.Exists(messages + ".recording-9-9.wav.part.damaged") && database.open.empty());
 }
 
 class MessageOutOfReach : public Recovery, public testing::WithParamInterface<std::tuple<bool, bool>> {};
@@ -202,7 +219,7 @@ TEST_P(MessageOutOfReach, IsFiledWithItsCallOrCompletesTheRecordLater) {
   EXPECT_THAT(Filed(), ElementsAre(kAnna + "2"));
   EXPECT_EQ(TimedWave::Sound(2s), files.Content(messages + MessageName()));
   EXPECT_THAT(Grown(), IsEmpty());
-  EXPECT_FALSE(files.Exists(kJournal));
+  EXPECT_FALSE(AnyOpen());
   ASSERT_EQ(1U, views.rows.size());
   EXPECT_EQ("2", Machine().ListView1.Row(1).length);
 }
@@ -295,7 +312,10 @@ bool KillAt(World& world, std::uint64_t number, const std::function<void()>& act
   return killed;
 }
 
-TEST(RecoveryAtEveryWrite, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostOrTwice) {
+/// The parameter tells whether the records can be changed during the call.
+class RecoveryAtEveryWrite : public testing::TestWithParam<bool> {};
+
+TEST_P(RecoveryAtEveryWrite, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostOrTwice) {
   std::uint64_t write = 0;
   for (bool in_call = true; in_call && !testing::Test::HasFailure();) {
     ++write;
@@ -304,13 +324,15 @@ TEST(RecoveryAtEveryWrite, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostO
       SCOPED_TRACE("killed at write " + std::to_string(write) + " and " + std::to_string(again));
       Recovery world;
       world.Start();
+      world.database_full = !GetParam();
       in_call = KillAt(world, write, [&] { world.CallAndRecord(2s), world.HangUp(); });
       const auto names = world.files.Names(world.messages);
       const auto message = names.empty() ? "" : world.files.Content(world.messages + names[0]);
-      const bool began = world.files.Exists(kJournal) || !world.Filed().empty();
+      const bool began = world.AnyOpen() || !world.Filed().empty();
+      world.database_full = false;
       in_start = KillAt(world, again, [&] { world.Start(); });
       world.Start();
-      EXPECT_FALSE(world.files.Exists(kJournal));
+      EXPECT_FALSE(world.AnyOpen());
       EXPECT_EQ(world.files.Names(world.messages).size(), names.size());
       ASSERT_EQ(world.Filed().size(), began ? 1U : 0U);
       EXPECT_TRUE(!began || (world.database.Field(0, kType) == "-1") == names.empty());
@@ -321,6 +343,8 @@ TEST(RecoveryAtEveryWrite, KilledAtAnyWriteOfACallAndOfItsRecoveryNothingIsLostO
   }
   EXPECT_GT(write, 20U);
 }
+
+INSTANTIATE_TEST_SUITE_P(RecordsWritable, RecoveryAtEveryWrite, testing::Bool());
 
 }  // namespace
 }  // namespace orven::test

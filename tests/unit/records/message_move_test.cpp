@@ -105,7 +105,7 @@ TEST_F(MessageMoveTest, ACallDuringAMoveKeepsItsMessageEvenIfItWaitsToBeFiled) {
   HangUp();
   MoveTo("/mnt/other/");
   database_full = false;
-  Machine().calls.FileWaitingCalls();
+  Machine().filing.FileWaitingCalls();
   CallAndWaitForRecording();
   MoveTo("/mnt/last/");
   HangUp();

@@ -134,7 +134,7 @@ TEST_F(TelephonyTest, OnAFullDiskACallGoesOnAndEachFailureIsLoggedOnce) {
   });
   EXPECT_EQ(std::ranges::count(lines, "Record Message wave error 9"), 1);
   std::erase_if(lines, [](const auto& text) { return !text.starts_with("Err"); });
-  EXPECT_THAT(lines, ElementsAre("ErrCallJournal 61 Disk full: /home/orven/Call.journal",
+  EXPECT_THAT(lines, ElementsAre("ErrKeepCall 61 Disk full: /home/orven/.call-1072879507000000",
                                  "ErrPutCallDetailsInDB 61 Disk full: /home/orven/Calls"));
 }
 

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "records/open_calls.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <utility>
+
+#include "base/text.h"
+#include "core/error_trap.h"
+
+namespace orven {
+namespace {
+
+constexpr std::string_view kNoteStart = ".call-";
+
+/// Interval at which a call's row is looked after.
+constexpr std::chrono::seconds kLook{1};
+
+/// Ends each complete line of a note.
+constexpr std::string_view kComplete = "\t.";
+
+/// The texts of a call that are kept, by their place in kOpenCallFields.
+constexpr std::pair<std::size_t, std::string Call::*> kTexts[]{{0, &Call::caller_name},
+                                                               {1, &Call::caller_number},
+                                                               {2, &Call::time},
+                                                               {3, &Call::date},
+                                                               {4, &Call::message_file_name},
+                                                               {5, &Call::ring_count_text},
+                                                               {7, &Call::recording_folder},
+                                                               {8, &Call::recording},
+                                                               {9, &Call::place},
+                                                               {10, &Call::message_path}};
+constexpr std::size_t kLeft = 6, kMail = 11, kStep = 12;
+
+std::int64_t ToNumber(std::string_view text) {
+  std::int64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+Call CallOf(const OpenCall& row) {
+  Call call;
+  call.key = row.key;
+  call.record = row.record;
+  for (const auto& [place, text] : kTexts) call.*text = row.fields.at(place);
+  call.message_left = row.fields.at(kLeft) == "1";
+  call.mail_due = row.fields.at(kMail) == "1";
+  call.step = ToNumber(row.fields.at(kStep));
+  return call;
+}
+
+bool IsPlain(unsigned char byte) {
+  return byte >= 0x20 && byte != 0x7F && byte != '%';
+}
+
+}  // namespace
+
+OpenCall RowOf(const Call& call) {
+  OpenCall row{call.key, call.record, std::vector<std::string>(kOpenCallFields.size())};
+  for (const auto& [place, text] : kTexts) row.fields[place] = call.*text;
+  row.fields[kLeft] = call.message_left ? "1" : "0";
+  row.fields[kMail] = call.mail_due ? "1" : "0";
+  row.fields[kStep] = std::to_string(call.step);
+  return row;
+}
+
+OpenCalls::OpenCalls(DatabaseControl& database, Files& files, Clock& clock, EventLoop& loop, SystemLog& log,
+                     std::string folder)
+    : database_(database),
+      files_(files),
+      clock_(clock),
+      log_(log),
+      folder_(std::move(folder)),
+      tmrWatch_(loop.MakeTimer([this] { Watch(); })) {}
+
+void OpenCalls::Begin(Call& call) {
+  using std::chrono::microseconds;
+  const auto now = std::chrono::floor<microseconds>(clock_.Now().time_since_epoch());
+  last_ = std::max<std::int64_t>(last_ + 1, now.count());
+  call.key = last_;
+  open_[call.key];
+  Note(call);
+}
+
+bool OpenCalls::Note(Call& call) {
+  const auto open = open_.find(call.key);
+  if (open == open_.end()) return true;
+  open->second = call.recording;
+  ++call.step;
+  const ErrorTrap trap = failing_ ? ErrorTrap::Silent() : ErrorTrap(log_, "ErrKeepCall ");
+  if (!ErrorTrap::Silent()([&] { KeepRow(call); })) {
+    failing_ = !trap([&] { WriteNote(call); });
+    return !failing_;
+  }
+  failing_ = false;
+  if (noted_.contains(call.key) && ErrorTrap::Silent()([&] { files_.Delete(NotePath(call.key)); }))
+    noted_.erase(call.key);
+  return true;
+}
+
+void OpenCalls::KeepRow(const Call& call) {
+  auto row = RowOf(call);
+  database_.Keep(row);
+  newest_ = std::move(row);
+  if (!tmrWatch_->Enabled()) tmrWatch_->Start(kLook);
+}
+
+/// A call may last for minutes without a step. If the records are replaced by another file meanwhile, its row
+/// has to follow.
+void OpenCalls::Watch() {
+  if (!open_.contains(newest_.key)) return tmrWatch_->Stop();
+  ErrorTrap::Silent()([&] { database_.Keep(newest_); });
+}
+
+/// A row that says what became of the call is there before its note goes, and until then.
+bool OpenCalls::Close(Call& call) {
+  if (!open_.contains(call.key)) return true;
+  const bool noted = noted_.contains(call.key);
+  if (noted && (!Note(call) || noted_.contains(call.key))) return false;
+  if (!ErrorTrap::Silent()([&] { database_.Close(call.key); })) return Note(call), false;
+  open_.erase(call.key);
+  return true;
+}
+
+void OpenCalls::LeaveOut(Call& call) {
+  call.record = kNoRecord;
+  Close(call);
+}
+
+OpenCall OpenCalls::RowFor(const Call& call, bool finished) {
+  newest_ = {};  // it is changed together with the record
+  return finished && !noted_.contains(call.key) ? OpenCall{call.key, 0, {}} : RowOf(call);
+}
+
+bool OpenCalls::Claims(const GrownRecording& grown) const {
+  return std::ranges::any_of(open_,
+                             [&](const auto& call) { return !call.second.empty() && grown.Is(call.second); });
+}
+
+std::string OpenCalls::NotePath(std::int64_t key) const {
+  return folder_ + std::string(kNoteStart) + std::to_string(key);
+}
+
+/// A line that was torn by a crash or a full disk does not harm the next one.
+void OpenCalls::WriteNote(const Call& call) {
+  const auto row = RowOf(call);
+  auto line = "\n" + std::to_string(row.record);
+  for (const auto& field : row.fields) line += "\t" + PercentEncoded(field, IsPlain);
+  noted_.insert(call.key);
+  files_.Append(NotePath(call.key), line + std::string(kComplete));
+}
+
+/// The call as the last complete line has it.
+std::optional<Call> OpenCalls::ReadNote(const std::string& path) const {
+  std::optional<Call> call;
+  const auto content = files_.Read(path);
+  for (const auto& line : Split(content, '\n')) {
+    auto parts = Split(line, '\t');
+    if (parts.size() != kOpenCallFields.size() + 2 || !line.ends_with(kComplete)) continue;
+    OpenCall row{0, ToNumber(parts.front()), {}};
+    for (std::size_t part = 1; part <= kOpenCallFields.size(); ++part)
+      row.fields.push_back(PercentDecoded(parts[part]).value_or(parts[part]));
+    call = CallOf(row);
+  }
+  return call;
+}
+
+void OpenCalls::LoadNote(const std::string& name, std::map<std::int64_t, Call>& calls) {
+  const auto key = ToNumber(std::string_view(name).substr(kNoteStart.size()));
+  if (open_.contains(key)) return;  // a call of this run
+  auto note = ReadNote(folder_ + name);
+  if (!note || NotePath(key) != folder_ + name) {
+    files_.Rename(folder_ + name, folder_ + name.substr(1) + ".damaged");
+    log_.WriteSystem("The note of a call is damaged; it is kept as " + name.substr(1) + ".damaged");
+    return;
+  }
+  noted_.insert(key);
+  auto& call = calls[key];
+  note->key = key;
+  // What the row says of the record holds: it was written together with that.
+  if (call.key == 0 || (call.record == 0 && note->step > call.step)) call = *note;
+}
+
+std::vector<Call> OpenCalls::Load() {
+  std::map<std::int64_t, Call> calls;
+  for (const auto& row : database_.OpenCalls()) {
+    if (!open_.contains(row.key)) calls[row.key] = CallOf(row);
+  }
+  const ErrorTrap trap(log_, "ErrRecoverCall ");
+  std::vector<std::string> notes;
+  trap([&] { notes = files_.List(folder_, std::string(kNoteStart) + "*"); });
+  for (const auto& name : notes) trap([&] { LoadNote(name, calls); });
+  std::vector<Call> loaded;
+  for (auto& [key, call] : calls) {
+    open_[key] = call.recording;
+    last_ = std::max(last_, key);
+    loaded.push_back(std::move(call));
+  }
+  return loaded;
+}
+
+}  // namespace orven
