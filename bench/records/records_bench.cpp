@@ -17,7 +17,9 @@ constexpr std::int32_t kRowsOfAWindow = 40;
 constexpr int kTimes = 200;
 
 SqliteDatabase CallRecords() {
-  return SqliteDatabase{{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}};
+  return SqliteDatabase{{{"Calls", {kCallFields.begin(), kCallFields.end()}},
+                         kRead,
+                         {"OpenCalls", {kOpenCallFields.begin(), kOpenCallFields.end()}}}};
 }
 
 /// A folder with a database of `count` records, inserted by one statement: committing each one separately
@@ -84,16 +86,13 @@ struct FilledList {
 };
 
 void AddRecord(SqliteDatabase& database) {
-  database.AddNew();
-  for (const char* field : kCallFields) database.SetField(field, "value");
-  database.Update();
+  std::vector<FieldValue> values;
+  for (const char* field : kCallFields) values.push_back({field, "value"});
+  database.Add(values);
 }
 
 void Mark(SqliteDatabase& database, std::int32_t number, std::int32_t read) {
-  database.MoveTo(number);
-  database.Edit();
-  database.SetField(kRead, read);
-  database.Update();
+  database.Change(database.Identity(number), {{kRead, read == 0 ? "0" : "1"}});
 }
 
 void MeasureRecords(std::int32_t count) {
@@ -112,12 +111,14 @@ void MeasureRecords(std::int32_t count) {
   std::int32_t read = 0;
   PrintTimes("mark as heard", Measure(kTimes, [&] { Mark(database, count / 2, read = 1 - read); }));
   PrintTimes("add a call", Measure(kTimes, [&] { AddRecord(database); }));
+  OpenCall call{1, 0, std::vector<std::string>(kOpenCallFields.size(), "value")};
+  const auto ring = [&] { ++call.key, database.Keep(call); };
+  PrintTimes("the first step of a call", Measure(kTimes, ring, [&] { AddRecord(database); }));
   PrintTimes("makeList, after a new call",
              Measure(
                  kTimes, [&] { list.makeList(); }, [&] { AddRecord(database); }));
   PrintTimes("delete a call, and makeList", Measure(kTimes, [&] {
-               database.MoveTo(list.RecordNumber(500));
-               database.Delete();
+               database.Remove(database.Identity(list.RecordNumber(500)));
                list.Remove(500);
                list.makeList();
              }));

@@ -32,11 +32,7 @@ class LongList : public Desk {
     window.repaint();
   }
   void FileACall() {
-    database.AddNew();
-    database.SetField("Call_Name", "Ben");
-    database.SetField("Type", "-1");
-    database.SetField("Read", 0);
-    database.Update();
+    database.Add({{"Call_Name", "Ben"}, {"Type", "-1"}, {"Read", "0"}});
     Machine().ListView1.makeList();
   }
 };

@@ -34,6 +34,8 @@ std::optional<Records> Listed(SqliteDatabase& database) {
     records = database.Query(kGetAll).records;
     const std::int32_t count = database.RecordCount();
     Require(count == static_cast<std::int32_t>(records.size()) && database.CountRecords(kRead, "0") <= count);
+    for (const OpenCall& call : database.OpenCalls())
+      Require(call.key > 0 && call.fields.size() == kOpenCallFields.size());
     for (std::int32_t number = 1; number <= std::min(count, 8); ++number) {
       Require(database.Record(number) == records[static_cast<std::size_t>(number) - 1]);
       Require(database.Locate(database.Identity(number)) == number);
@@ -48,19 +50,22 @@ void Change(SqliteDatabase& database, Choices& choices, const bool& damaged) {
   auto after = *before;
   const auto position = before->empty() ? 1 : static_cast<std::int32_t>(choices.Byte() % before->size()) + 1;
   const std::string text = "text " + std::to_string(choices.Byte());
-  const std::size_t what = before->empty() ? 0 : choices.Below(3);
+  const std::size_t what = before->empty() ? 0 : choices.Below(5);
+  const OpenCall open{position, 0, std::vector<std::string>(kOpenCallFields.size(), text)};
   const bool done = Succeeds([&] {
     if (what == 0) {
-      database.AddNew();
-      for (const char* field : kCallFields) database.SetField(field, text);
-      database.Update();
+      std::vector<FieldValue> values;
+      for (const char* field : kCallFields) values.push_back({field, text});
+      database.Add(values, open);
       after.emplace_back(kCallFields.size(), text);
     } else if (what == 1) {
-      database.MoveTo(position);
-      database.Edit();
-      database.SetField(kRead, text);
-      database.Update();
+      database.Change(database.Identity(position), {{kRead, text}}, {position, 0, {}});
       after[static_cast<std::size_t>(position) - 1].back() = text;
+    } else if (what == 2) {
+      database.Keep(open);
+      Require(std::ranges::count(database.OpenCalls(), open) == 1);
+    } else if (what == 3) {
+      database.Close(position);
     } else {
       database.DeleteFirst(position);
       after.erase(after.begin(), after.begin() + position);
@@ -77,7 +82,9 @@ void Calls(Bytes input) {
   const std::string path = folder / "Calls", content = TextOf(input);
   test::PutFile(path, content);
   bool damaged = false;
-  const RecordSchema schema{"Calls", {kCallFields.begin(), kCallFields.end()}, kRead};
+  const RecordSchema schema{{"Calls", {kCallFields.begin(), kCallFields.end()}},
+                            kRead,
+                            {"OpenCalls", {kOpenCallFields.begin(), kOpenCallFields.end()}}};
   SqliteDatabase database(
       schema, [](const std::string&) {}, [&damaged](const std::string&) { damaged = true; });
   std::string note;

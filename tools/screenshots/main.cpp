@@ -65,7 +65,7 @@ void FileCalls(Desk& desk, int count) {
                 {"UNKNOWN", "555-0118", 0, true},
                 {"Mum", "555-0101", 96, true},
                 {"Harbour Books", "555-0145", 17, true}};
-  SqliteDatabase records({"Calls", {kCallFields.begin(), kCallFields.end()}});
+  SqliteDatabase records(RecordSchema{{"Calls", {kCallFields.begin(), kCallFields.end()}}});
   records.Open(desk.home / "Calls");
   for (int i = count - 1; i >= 0; --i) {
     const auto& call = kCalls[static_cast<std::size_t>(i) % std::size(kCalls)];
@@ -73,16 +73,17 @@ void FileCalls(Desk& desk, int count) {
     if (call.seconds > 0 && i < static_cast<int>(std::size(kCalls))) {
       PutWave(desk.home / ("Messages/" + file), Speech(call.seconds, static_cast<unsigned>(i) + 1));
     }
-    records.AddNew();
-    records.SetField(kCallName, call.name);
-    records.SetField(kCallNumber, call.number);
-    records.SetField(kCallDate, "11/" + std::to_string(21 - i * 20 / std::max(count, 1)) + "/2026");
-    records.SetField(kCallTime, std::to_string(17 - i % 8) + ":" + std::to_string(10 + i * 7 % 50) + ":0" +
-                                    std::to_string(i % 10));
-    records.SetField(kCallMassageName, file);
-    records.SetField(kType, call.seconds > 0 ? std::to_string(call.seconds) + ".42" : "-1");
-    records.SetField(kRead, call.read || i >= 7 ? 1 : 0);
-    records.Update();
+    const auto date = "11/" + std::to_string(21 - i * 20 / std::max(count, 1)) + "/2026";
+    const auto time =
+        std::to_string(17 - i % 8) + ":" + std::to_string(10 + i * 7 % 50) + ":0" + std::to_string(i % 10);
+    const auto type = call.seconds > 0 ? std::to_string(call.seconds) + ".42" : "-1";
+    records.Add({{kCallName, call.name},
+                 {kCallNumber, call.number},
+                 {kCallDate, date},
+                 {kCallTime, time},
+                 {kCallMassageName, file},
+                 {kType, type},
+                 {kRead, call.read || i >= 7 ? "1" : "0"}});
   }
 }
 

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "adapters/database/salvage.h"
+#include "adapters/database/stray_log.h"
 #include "base/durable_file.h"
 #include "base/text.h"
 
@@ -29,13 +30,7 @@ std::vector<std::string> ColumnsOf(SqliteConnection& connection, const std::stri
   return columns;
 }
 
-std::string ListOf(const std::vector<std::string>& fields) {
-  std::string list;
-  for (const std::string& field : fields) list += (list.empty() ? "" : ", ") + QuotedIdentifier(field);
-  return list;
-}
-
-void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
+void MakeTable(SqliteConnection& connection, const TableSchema& schema) {
   const std::vector<std::string> columns = ColumnsOf(connection, schema.table);
   const std::string table = QuotedIdentifier(schema.table);
   if (columns.empty()) {
@@ -54,28 +49,38 @@ void MakeTable(SqliteConnection& connection, const RecordSchema& schema) {
 
 void MakeIndex(SqliteConnection& connection, const RecordSchema& schema) {
   if (schema.counted.empty()) return;
-  connection.Execute("CREATE INDEX IF NOT EXISTS " + QuotedIdentifier(schema.table + "_" + schema.counted) +
-                     " ON " + QuotedIdentifier(schema.table) + " (" + QuotedIdentifier(schema.counted) + ")");
+  const std::string& table = schema.records.table;
+  connection.Execute("CREATE INDEX IF NOT EXISTS " + QuotedIdentifier(table + "_" + schema.counted) + " ON " +
+                     QuotedIdentifier(table) + " (" + QuotedIdentifier(schema.counted) + ")");
+}
+
+/// Throws when the table cannot be used.
+void CheckTable(SqliteConnection& connection, const TableSchema& schema) {
+  const std::string table = QuotedIdentifier(schema.table), fields = ListOf(schema.fields);
+  // Fails for a view or a table without row numbers, which cannot keep the order of insertion.
+  const SqliteStatement order(connection, "UPDATE " + table + " SET rowid = rowid");
+  // Fails for a generated column, which cannot be written.
+  const SqliteStatement fill(
+      connection, "INSERT INTO " + table + " (" + fields + ") SELECT " + fields + " FROM " + table);
 }
 
 void Prepare(SqliteConnection& connection, const std::string& path, const RecordSchema& schema) {
   connection.Execute("PRAGMA synchronous=FULL");
   // Without it, salvage would restore deleted calls.
   connection.Execute("PRAGMA secure_delete=ON");
+  // Only MergeLog merges: no step of a call waits for it.
+  connection.Execute("PRAGMA wal_autocheckpoint=0");
   CheckIntegrity(connection, path);
   connection.Execute("BEGIN IMMEDIATE");
-  MakeTable(connection, schema);
+  MakeTable(connection, schema.records);
   MakeIndex(connection, schema);
-  // Fails for a view or a table without row numbers, which cannot keep the order of insertion.
-  const SqliteStatement order(connection, "UPDATE " + QuotedIdentifier(schema.table) + " SET rowid = rowid");
-  // Fails for a generated column, which cannot be written.
-  const std::string fields = ListOf(schema.fields);
-  const SqliteStatement fill(connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (" + fields +
-                                             ") SELECT " + fields + " FROM " +
-                                             QuotedIdentifier(schema.table));
+  MakeTable(connection, schema.open);
+  CheckTable(connection, schema.records);
+  CheckTable(connection, schema.open);
   connection.Execute("COMMIT");
   // Last, because it writes: an unusable file must be kept unchanged.
   connection.Execute("PRAGMA journal_mode=WAL");
+  connection.Execute("PRAGMA synchronous=NORMAL");
   connection.MergeLog();
 }
 
@@ -111,58 +116,73 @@ std::string SetAside(const std::string& path) {
 /// Suffix of the new file while it is filled, before it replaces a damaged one.
 constexpr const char* kFresh = ".fresh";
 
+void Remove(const std::string& path) {
+  std::error_code error;
+  fs::remove(path, error);
+}
+
 void RemoveFresh(const std::string& fresh) {
-  for (const char* part : {"", "-wal", "-shm"}) {
-    std::error_code error;
-    fs::remove(fresh + part, error);
+  for (const char* part : {"", "-wal", "-shm"}) Remove(fresh + part);
+}
+
+void Fill(SqliteConnection& connection, const TableSchema& table, const SalvagedRows& rows) {
+  SqliteStatement put(connection, PutInto(table));
+  for (const auto& [row, values] : rows) {
+    put.Bind(1, row);
+    put.Bind(2, values);
+    put.Step();
+    put.Reset();
   }
 }
 
-void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& rows) {
+void FillFresh(const std::string& fresh, const RecordSchema& schema, const SalvagedRows& records,
+               const SalvagedRows& open) {
   RemoveFresh(fresh);  // left by a program that was killed meanwhile
   const auto connection = OpenIntact(fresh, schema);
-  connection->Execute("BEGIN");
-  std::string marks = "?";
-  for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
-  SqliteStatement insert(*connection, "INSERT INTO " + QuotedIdentifier(schema.table) + " (rowid, " +
-                                          ListOf(schema.fields) + ") VALUES (" + marks + ")");
-  for (const auto& [row, values] : rows) {
-    insert.Bind(1, row);
-    for (std::size_t column = 0; column < values.size(); ++column) {
-      insert.Bind(static_cast<int>(column) + 2, values[column]);
-    }
-    insert.Step();
-    insert.Reset();
-  }
-  connection->Execute("COMMIT");
+  connection->Durably([&] {
+    Fill(*connection, schema.records, records);
+    Fill(*connection, schema.open, open);
+  });
 }
 
 /// Replaces the file at `path` by one with the rows that can be read. Returns a note about both.
 std::string Renew(const std::string& path, const RecordSchema& schema) {
-  const SalvagedRows rows = SalvageRows(path, schema.table, schema.fields);
+  const SalvagedRows records = SalvageRows(path, schema.records.table, schema.records.fields, 1);
+  const SalvagedRows open =
+      SalvageRows(path, schema.open.table, schema.open.fields, schema.open.fields.size());
   const std::string fresh = path + kFresh;
   try {
-    FillFresh(fresh, schema, rows);
+    FillFresh(fresh, schema, records, open);
   } catch (const RuntimeError&) {
     RemoveFresh(fresh);
     throw;
   }
   const std::string aside = SetAside(path);
   RenameKeeping(fresh, path);
-  return std::to_string(rows.size()) +
+  return std::to_string(records.size()) +
          " calls could be read and are carried over; the damaged file is kept as " + aside;
-}
-
-std::uintmax_t SizeOf(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  return error ? 0 : size;
 }
 
 }  // namespace
 
+std::string ListOf(const std::vector<std::string>& fields) {
+  std::string list;
+  for (const std::string& field : fields) list += (list.empty() ? "" : ", ") + QuotedIdentifier(field);
+  return list;
+}
+
+std::string PutInto(const TableSchema& schema) {
+  std::string marks;
+  for (std::size_t count = 0; count < schema.fields.size(); ++count) marks += ", ?";
+  return "INSERT OR REPLACE INTO " + QuotedIdentifier(schema.table) + " (rowid, " + ListOf(schema.fields) +
+         ") VALUES (?" + marks + ")";
+}
+
 std::string KeepStrayLog(const std::string& path) {
-  return SizeOf(path + "-wal") > 0 ? SetAsideLogs(path) : "";
+  if (!LogIsEmpty(path)) return SetAsideLogs(path);
+  Remove(path + "-wal");
+  Remove(path + "-shm");
+  return {};
 }
 
 std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const RecordSchema& schema,
@@ -170,9 +190,10 @@ std::unique_ptr<SqliteConnection> OpenRecordFile(const std::string& path, const 
   std::error_code error;
   if (fs::is_directory(path, error))
     throw RuntimeError(ErrorNumber::PathAccessError, path + " (is a folder)");
-  if (SizeOf(path) == 0) {
+  if (HasStrayLog(path)) {
     const std::string aside = KeepStrayLog(path);
-    if (!aside.empty()) note = path + " is gone; the log file that was left is kept as " + aside + "-wal";
+    const char* fate = fs::exists(path, error) && !fs::is_empty(path, error) ? " was replaced" : " is gone";
+    if (!aside.empty()) note = path + fate + "; the log file that was left is kept as " + aside + "-wal";
   }
   try {
     return OpenIntact(path, schema);

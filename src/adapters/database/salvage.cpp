@@ -225,7 +225,7 @@ void PutInOrder(std::vector<std::pair<std::int64_t, std::vector<std::string>>>& 
   }
 }
 
-void ReadLeaf(const Pages& pages, PageNumber page, std::size_t most,
+void ReadLeaf(const Pages& pages, PageNumber page, std::size_t least, std::size_t most,
               const std::function<void(std::int64_t, std::vector<std::string>)>& take) {
   std::vector<std::pair<std::int64_t, std::vector<std::string>>> rows;
   for (auto cell : CellsOf(pages, page, 8)) {
@@ -233,7 +233,8 @@ void ReadLeaf(const Pages& pages, PageNumber page, std::size_t most,
     const auto row = static_cast<std::int64_t>(TakeNumber(pages[page], cell));
     if (size == 0 || size > kLargestRecord) continue;
     const auto record = Payload(pages, pages[page], cell, size);
-    if (auto values = ValuesOf(record, most); values && !values->empty()) rows.emplace_back(row, *values);
+    if (auto values = ValuesOf(record, most); values && values->size() >= least)
+      rows.emplace_back(row, *values);
   }
   PutInOrder(rows);
   for (auto& [row, values] : rows) take(row, std::move(values));
@@ -283,7 +284,7 @@ std::string LogBeside(const std::string& path) {
 }  // namespace
 
 SalvagedRows SalvageRows(const std::string& path, const std::string& table,
-                         const std::vector<std::string>& fields) {
+                         const std::vector<std::string>& fields, std::size_t least) {
   const auto log = LogBeside(path);
   const Pages pages(DiskFiles().Read(path), log);
   const auto wanted = Lowered(fields);
@@ -294,10 +295,11 @@ SalvagedRows SalvageRows(const std::string& path, const std::string& table,
   for (const auto root : schema.other_tables) AddTree(pages, root, others);
 
   SalvagedRows found;
+  const auto most = schema.columns.size();
   for (PageNumber page = 1; page <= pages.Count(); ++page) {
     if (KindOf(pages, page) != kLeafPage || others.contains(page)) continue;
-    ReadLeaf(pages, page, schema.columns.size(), [&](std::int64_t row, std::vector<std::string> values) {
-      values.resize(schema.columns.size());
+    ReadLeaf(pages, page, least, most, [&](std::int64_t row, std::vector<std::string> values) {
+      values.resize(most);
       std::vector<std::string> record;
       for (const auto& field : wanted) {
         const auto column = std::ranges::find(schema.columns, field);

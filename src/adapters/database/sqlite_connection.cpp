@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <system_error>
 
 namespace orven {
@@ -96,6 +97,12 @@ bool SqliteConnection::HasMoved() {
   return code == SQLITE_OK && moved != 0;
 }
 
+void SqliteConnection::RequireWhole() {
+  std::error_code error;
+  if (std::filesystem::file_size(path_, error) < merged_size_)
+    throw SqliteError(SQLITE_CORRUPT, path_, sqlite3_errstr(SQLITE_CORRUPT));
+}
+
 void SqliteConnection::Borrow(std::string& image) {
   const auto size = static_cast<sqlite3_int64>(image.size());
   const int code = sqlite3_deserialize(Handle(), "main", reinterpret_cast<unsigned char*>(image.data()), size,
@@ -103,10 +110,37 @@ void SqliteConnection::Borrow(std::string& image) {
   if (code != SQLITE_OK) throw Failure(code);
 }
 
-void SqliteConnection::MergeLog() {
+void SqliteConnection::MergeLog() try {
+  AtOnce([this] {
+    const int merged =
+        sqlite3_wal_checkpoint_v2(Handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    if (merged != SQLITE_OK) return;
+    std::error_code error;
+    merged_size_ = std::filesystem::file_size(path_, error);
+    Execute("PRAGMA user_version = " + Ask("PRAGMA user_version"));
+  });
+} catch (const SqliteError&) {
+  return;  // The next change waits for the disk.
+}
+
+void SqliteConnection::Durably(const std::function<void()>& change) {
+  try {
+    Execute("PRAGMA synchronous=FULL; BEGIN IMMEDIATE");
+    change();
+    Execute("COMMIT; PRAGMA synchronous=NORMAL");
+  } catch (...) {
+    sqlite3_exec(Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_exec(Handle(), "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
+    throw;
+  }
+  MergeLog();
+}
+
+void SqliteConnection::AtOnce(const std::function<void()>& work) {
+  const auto be_patient = [](sqlite3* handle) { sqlite3_busy_timeout(handle, kLockPatience.count()); };
+  const std::unique_ptr<sqlite3, decltype(be_patient)> afterwards(Handle(), be_patient);
   sqlite3_busy_timeout(Handle(), 0);
-  sqlite3_wal_checkpoint_v2(Handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
-  sqlite3_busy_timeout(Handle(), kLockPatience.count());
+  work();
 }
 
 void SqliteConnection::KeepLogOnClose() {
@@ -133,6 +167,10 @@ void SqliteStatement::Bind(int parameter, std::int64_t number) {
   if (code != SQLITE_OK) throw connection_.Failure(code);
 }
 
+void SqliteStatement::Bind(int parameter, const std::vector<std::string>& texts) {
+  for (const std::string& text : texts) Bind(parameter++, text);
+}
+
 bool SqliteStatement::Step() {
   const int code = sqlite3_step(statement_.get());
   if (code != SQLITE_ROW && code != SQLITE_DONE) throw connection_.Failure(code);
@@ -147,6 +185,12 @@ std::string SqliteStatement::Text(int column) {
 
 std::int64_t SqliteStatement::Integer(int column) {
   return sqlite3_column_int64(statement_.get(), column);
+}
+
+std::vector<std::string> SqliteStatement::Texts(int column, std::size_t count) {
+  std::vector<std::string> texts(count);
+  for (std::string& text : texts) text = Text(column++);
+  return texts;
 }
 
 std::string QuotedIdentifier(std::string_view name) {

@@ -4,9 +4,11 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/runtime_error.h"
 
@@ -41,12 +43,24 @@ class SqliteConnection {
   /// Whether the open file is no longer the one at its path.
   bool HasMoved();
 
+  /// Throws when the main file is shorter than after the latest merge. SQLite does not see that while its log
+  /// has pages.
+  void RequireWhole();
+
   /// Reads from the image of a file instead; the image outlives this connection.
   void Borrow(std::string& image);
 
   /// Merges the write-ahead log into the main file and empties it, unless another program is reading or
-  /// writing; then the next call does it.
+  /// writing; then the next call does it. SQLite syncs the log before its first page, so a copy of the main
+  /// file's first page is written at once: no later change has to wait for the disk.
   void MergeLog();
+
+  /// Runs `change` in one transaction, durable on return, and merges the log. If anything fails, nothing is
+  /// changed.
+  void Durably(const std::function<void()>& change);
+
+  /// Runs `work` without waiting for any lock.
+  void AtOnce(const std::function<void()>& work);
 
   /// Leaves the write-ahead log as it is when the connection closes, instead of merging it.
   void KeepLogOnClose();
@@ -64,6 +78,7 @@ class SqliteConnection {
   };
   std::string path_;
   std::unique_ptr<sqlite3, Closer> handle_;
+  std::uintmax_t merged_size_ = 0;
 };
 
 /// One prepared statement; must not outlive its connection.
@@ -75,6 +90,9 @@ class SqliteStatement {
   void Bind(int parameter, std::string_view text);
   void Bind(int parameter, std::int64_t number);
 
+  /// Binds all of them from `parameter` on.
+  void Bind(int parameter, const std::vector<std::string>& texts);
+
   /// Runs to the next row; false when there is none.
   bool Step();
 
@@ -84,6 +102,9 @@ class SqliteStatement {
   /// Columns are numbered from 0. An absent value is an empty text.
   std::string Text(int column);
   std::int64_t Integer(int column);
+
+  /// The texts of `count` columns from `column` on.
+  std::vector<std::string> Texts(int column, std::size_t count);
 
  private:
   struct Finalizer {

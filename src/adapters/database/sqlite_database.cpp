@@ -6,30 +6,42 @@
 
 namespace orven {
 
+namespace {
+
+RuntimeError RecordGone() {
+  return {ErrorNumber::SubscriptOutOfRange, "the record is gone"};
+}
+
+}  // namespace
+
 SqliteDatabase::SqliteDatabase(RecordSchema schema, Report report, Report loss)
     : schema_(std::move(schema)),
       report_(std::move(report)),
       loss_(std::move(loss)),
-      table_(QuotedIdentifier(schema_.table)) {
-  for (const std::string& field : schema_.fields) {
-    fields_ += (fields_.empty() ? "" : ", ") + QuotedIdentifier(field);
-  }
+      table_(QuotedIdentifier(schema_.records.table)),
+      fields_(ListOf(schema_.records.fields)),
+      open_table_(QuotedIdentifier(schema_.open.table)) {
+  schema_.open.fields.emplace_back("Record");
 }
 
 std::string SqliteDatabase::Open(const std::string& path) {
   path_ = path;
+  open_.clear();
   return OpenFile();
 }
 
 std::string SqliteDatabase::OpenFile() {
   connection_.reset();
   rows_.clear();
-  current_.reset();
   std::string note;
   try {
-    auto connection = OpenRecordFile(path_, schema_, note);
-    std::swap(connection_, connection);
+    connection_ = OpenRecordFile(path_, schema_, note);
     ReadRows();
+    if (!open_.empty()) {  // it may be another file
+      connection_->Durably([this] {
+        for (const auto& [key, call] : open_) Store(call);
+      });
+    }
   } catch (const RuntimeError& error) {
     connection_.reset();
     failure_ = error.what();
@@ -51,21 +63,18 @@ void SqliteDatabase::OpenAgain() {
 
 // Handles all changes that other programs may have made to the file since the last operation.
 void SqliteDatabase::Refresh() {
+  FollowFile();
+  if (connection_->Ask("PRAGMA data_version") != version_) ReadRows();
+}
+
+void SqliteDatabase::FollowFile() {
   if (!connection_) {
     const std::string reason = failure_.empty() ? "" : " (" + failure_ + ")";
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the database is not open" + reason);
   }
-  if (connection_->HasMoved()) {
-    FollowMove();
-  } else if (connection_->Ask("PRAGMA data_version") != version_) {
-    ReadRows();
-  }
-}
-
-void SqliteDatabase::FollowMove() {
+  if (!connection_->HasMoved()) return connection_->RequireWhole();
   connection_->KeepLogOnClose();
   connection_.reset();
-  if (draft_ && draft_->row) draft_.reset();  // Its row number has no meaning in another file.
   const std::string aside = KeepStrayLog(path_);
   report_(path_ + " was moved or replaced" +
           (aside.empty() ? "" : "; its log file is kept as " + aside + "-wal"));
@@ -86,12 +95,20 @@ auto SqliteDatabase::Mending(const Operation& operation, After after) {
   return operation();
 }
 
+/// Changes the file as it is now, in one durable transaction.
+template <class Operation>
+void SqliteDatabase::Durably(const Operation& operation, After after) {
+  const auto change = [&] {
+    Refresh();
+    connection_->Durably(operation);
+  };
+  Mending(change, after);
+}
+
 void SqliteDatabase::Renew() {
   const auto known = rows_;
-  const auto current = current_;
   connection_->KeepLogOnClose();
   std::string note = OpenFile();
-  current_ = current;  // copied rows keep their numbers
   const auto gone =
       std::ranges::count_if(known, [&](std::int64_t row) { return !std::ranges::binary_search(rows_, row); });
   if (note.empty() && gone == 0) return;
@@ -118,12 +135,7 @@ RecordTable SqliteDatabase::Query(std::string_view query) {
     RecordTable table;
     table.records.reserve(rows_.size());
     SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " ORDER BY rowid");
-    while (statement.Step()) {
-      Fields& record = table.records.emplace_back(schema_.fields.size());
-      for (std::size_t column = 0; column < record.size(); ++column) {
-        record[column] = statement.Text(static_cast<int>(column));
-      }
-    }
+    while (statement.Step()) table.records.push_back(statement.Texts(0, schema_.records.fields.size()));
     return table;
   });
 }
@@ -149,7 +161,10 @@ std::int32_t SqliteDatabase::CountRecords(std::string_view field, std::string_vi
 std::vector<std::string> SqliteDatabase::Record(std::int32_t number) {
   const auto read = [&] {
     Refresh();
-    return ReadRecord(RowAt(number));
+    SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " WHERE rowid = ?");
+    statement.Bind(1, RowAt(number));
+    if (!statement.Step()) throw RecordGone();
+    return statement.Texts(0, schema_.records.fields.size());
   };
   return Mending(read, After::kThrow);
 }
@@ -190,157 +205,137 @@ std::int64_t SqliteDatabase::RowAt(std::int32_t number) const {
 }
 
 std::int32_t SqliteDatabase::FieldIndex(std::string_view field) const {
-  const auto found = std::find(schema_.fields.begin(), schema_.fields.end(), field);
-  if (found == schema_.fields.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, std::string(field));
-  return static_cast<std::int32_t>(found - schema_.fields.begin());
+  const auto found = std::find(schema_.records.fields.begin(), schema_.records.fields.end(), field);
+  if (found == schema_.records.fields.end())
+    throw RuntimeError(ErrorNumber::SubscriptOutOfRange, std::string(field));
+  return static_cast<std::int32_t>(found - schema_.records.fields.begin());
 }
 
-void SqliteDatabase::MoveTo(std::int32_t number) {
-  Mending([&] { Refresh(); }, After::kThrow);
-  const auto row = RowAt(number);
-  draft_.reset();
-  current_ = row;
-}
-
-void SqliteDatabase::MoveFirst() {
-  MoveTo(1);
-}
-
-void SqliteDatabase::MoveNext() {
-  Mending([&] { Refresh(); });
-  const auto after = std::upper_bound(rows_.begin(), rows_.end(), Current());
-  MoveTo(static_cast<std::int32_t>(after - rows_.begin()) + 1);
-}
-
-void SqliteDatabase::AddNew() {
-  draft_.reset();
+std::int64_t SqliteDatabase::Add(const std::vector<FieldValue>& values, const OpenCall& open) {
   OpenAgain();
-  Mending([&] { Refresh(); });
-  draft_ = Draft{Fields(schema_.fields.size()), std::nullopt};
-}
-
-void SqliteDatabase::Edit() {
-  draft_.reset();
-  Mending([&] {
-    Refresh();
-    draft_ = Draft{ReadRecord(Current()), Current()};
+  OpenCall settled = open;
+  Durably([&] {
+    settled.record = Insert(values);
+    Store(settled);
   });
+  Remember(settled);
+  highest_ = settled.record;
+  rows_.push_back(settled.record);
+  return settled.record;
 }
 
-void SqliteDatabase::SetField(std::string_view field, std::string_view value) {
-  const auto column = static_cast<std::size_t>(FieldIndex(field));
-  if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record is being added or edited");
-  draft_->fields[column] = value;
-}
-
-void SqliteDatabase::SetField(std::string_view field, std::int32_t value) {
-  SetField(field, std::to_string(value));
-}
-
-std::string SqliteDatabase::GetField(std::string_view field) {
-  const auto column = static_cast<std::size_t>(FieldIndex(field));
-  if (draft_) return draft_->fields[column];
-  return Mending([&] {
-    Refresh();
-    return ReadRecord(Current())[column];
+void SqliteDatabase::Change(std::int64_t identity, const std::vector<FieldValue>& values,
+                            const OpenCall& open) {
+  Durably([&] {
+    Replace(identity, values);
+    Store(open);
   });
+  Remember(open);
 }
 
-void SqliteDatabase::Update() {
-  Mending([&] {
-    Refresh();
-    if (!draft_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no record is being added or edited");
-    draft_->row ? Replace(*draft_->row, draft_->fields) : Insert(draft_->fields);
+void SqliteDatabase::Remove(std::int64_t identity) {
+  Durably([&] {
+    connection_->Execute("DELETE FROM " + table_ + " WHERE rowid = " + std::to_string(identity));
+    if (connection_->Changes() == 0) throw RecordGone();
   });
-  connection_->MergeLog();
-  draft_.reset();
-}
-
-void SqliteDatabase::Delete() {
-  Mending([&] {
-    Refresh();
-    SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid = ?");
-    statement.Bind(1, Current());
-    statement.Step();
-  });
-  connection_->MergeLog();
-  const std::int64_t row = Current();
-  rows_.erase(std::remove(rows_.begin(), rows_.end(), row), rows_.end());
-  current_.reset();
-  draft_.reset();
+  std::erase(rows_, identity);
 }
 
 void SqliteDatabase::DeleteFirst(std::int32_t number) {
   const auto remove = [&] {
-    Refresh();
-    SqliteStatement statement(*connection_, "DELETE FROM " + table_ + " WHERE rowid <= ?");
-    statement.Bind(1, RowAt(number));
-    statement.Step();
+    connection_->Execute("DELETE FROM " + table_ + " WHERE rowid <= " + std::to_string(RowAt(number)));
   };
-  Mending(remove, After::kThrow);
-  connection_->MergeLog();
+  Durably(remove, After::kThrow);
   rows_.erase(rows_.begin(), rows_.begin() + number);
-  current_.reset();
-  draft_.reset();
 }
 
 void SqliteDatabase::DeleteAll() {
-  Mending([&] {
-    Refresh();
-    connection_->Execute("DELETE FROM " + table_);
-  });
-  connection_->MergeLog();
+  Durably([&] { connection_->Execute("DELETE FROM " + table_); });
   rows_.clear();
-  current_.reset();
-  draft_.reset();
 }
 
-std::int64_t SqliteDatabase::Current() const {
-  if (!current_) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "there is no current record");
-  return *current_;
+std::vector<OpenCall> SqliteDatabase::OpenCalls() {
+  OpenAgain();
+  const auto calls = Mending([&] {
+    Refresh();
+    std::vector<OpenCall> read;
+    const std::size_t fields = schema_.open.fields.size() - 1;
+    SqliteStatement row(*connection_, "SELECT rowid, Record, " + ListOf(schema_.open.fields) + " FROM " +
+                                          open_table_ + " WHERE rowid > 0 ORDER BY rowid");
+    while (row.Step()) read.push_back({row.Integer(0), row.Integer(1), row.Texts(2, fields)});
+    return read;
+  });
+  for (const OpenCall& call : calls) Remember(call);
+  return calls;
 }
 
-SqliteDatabase::Fields SqliteDatabase::ReadRecord(std::int64_t row) {
-  SqliteStatement statement(*connection_, "SELECT " + fields_ + " FROM " + table_ + " WHERE rowid = ?");
-  statement.Bind(1, row);
-  if (!statement.Step()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the record is gone");
-  Fields record(schema_.fields.size());
-  for (std::size_t column = 0; column < record.size(); ++column) {
-    record[column] = statement.Text(static_cast<int>(column));
-  }
-  return record;
+void SqliteDatabase::Keep(const OpenCall& call) {
+  Mending([&] {
+    FollowFile();
+    const auto known = open_.find(call.key);
+    if (known == open_.end() || known->second != call) connection_->AtOnce([&] { Store(call); });
+  });
+  Remember(call);
+}
+
+void SqliteDatabase::Close(std::int64_t key) {
+  Mending([&] {
+    FollowFile();
+    const std::string row = "FROM " + open_table_ + " WHERE rowid = " + std::to_string(key);
+    if (connection_->Ask("SELECT 1 " + row).empty()) return;
+    connection_->Execute("DELETE " + row);
+    connection_->MergeLog();
+  });
+  open_.erase(key);
 }
 
 // Chooses the row number itself, so that the new record is always the last one and never gets the number of a
-// deleted one.
-void SqliteDatabase::Insert(const Fields& fields) {
+// deleted one while this object lives or an open call names it.
+std::int64_t SqliteDatabase::Insert(const std::vector<FieldValue>& values) {
+  std::vector<std::string> fields(schema_.records.fields.size());
+  for (const auto& [field, value] : values) fields[static_cast<std::size_t>(FieldIndex(field))] = value;
   std::string marks;
   for (std::size_t count = 0; count < fields.size(); ++count) marks += ", ?";
-  SqliteStatement statement(*connection_, "INSERT INTO " + table_ + " (rowid, " + fields_ +
-                                              ") SELECT max(coalesce(max(rowid), 0), ?) + 1" + marks +
-                                              " FROM " + table_);
+  SqliteStatement statement(
+      *connection_,
+      "INSERT INTO " + table_ + " (rowid, " + fields_ +
+          ") SELECT max(coalesce(max(rowid), 0), ?, (SELECT coalesce(max(CAST(Record AS INTEGER)), 0) FROM " +
+          open_table_ + ")) + 1" + marks + " FROM " + table_);
   statement.Bind(1, highest_);
-  for (std::size_t column = 0; column < fields.size(); ++column) {
-    statement.Bind(static_cast<int>(column) + 2, fields[column]);
-  }
+  statement.Bind(2, fields);
   statement.Step();
-  current_ = connection_->LastRowId();
-  highest_ = *current_;
-  rows_.push_back(*current_);
+  return connection_->LastRowId();
 }
 
-void SqliteDatabase::Replace(std::int64_t row, const Fields& fields) {
+void SqliteDatabase::Replace(std::int64_t row, const std::vector<FieldValue>& values) {
   std::string assignments;
-  for (const std::string& field : schema_.fields) {
+  for (const auto& [field, value] : values) {
+    FieldIndex(field);
     assignments += (assignments.empty() ? "" : ", ") + QuotedIdentifier(field) + " = ?";
   }
   SqliteStatement statement(*connection_, "UPDATE " + table_ + " SET " + assignments + " WHERE rowid = ?");
-  for (std::size_t column = 0; column < fields.size(); ++column) {
-    statement.Bind(static_cast<int>(column) + 1, fields[column]);
-  }
-  statement.Bind(static_cast<int>(fields.size()) + 1, row);
+  int parameter = 1;
+  for (const auto& [field, value] : values) statement.Bind(parameter++, value);
+  statement.Bind(parameter, row);
   statement.Step();
-  if (connection_->Changes() == 0) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the record is gone");
+  if (connection_->Changes() == 0) throw RecordGone();
+}
+
+// Removes it when it has no fields.
+void SqliteDatabase::Store(const OpenCall& call) {
+  if (call.key == 0) return;
+  if (call.fields.empty())
+    return connection_->Execute("DELETE FROM " + open_table_ + " WHERE rowid = " + std::to_string(call.key));
+  SqliteStatement statement(*connection_, PutInto(schema_.open));
+  statement.Bind(1, call.key);
+  statement.Bind(2, call.fields);
+  statement.Bind(static_cast<int>(schema_.open.fields.size()) + 1, call.record);
+  statement.Step();
+}
+
+void SqliteDatabase::Remember(const OpenCall& call) {
+  open_.erase(call.key);
+  if (!call.fields.empty()) open_.emplace(call.key, call);
 }
 
 }  // namespace orven

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,22 +13,23 @@
 
 namespace orven {
 
-/// Records in one table of an SQLite file, which any SQLite tool can read while it is in use. Row
-/// numbers (rowid) keep the order of insertion.
+/// Records in one table of an SQLite file, which any SQLite tool can read while it is in use, and the open
+/// calls in another. Row numbers (rowid) are the identities of records, in their order of insertion, and the
+/// keys of open calls.
 ///
 /// Positions are looked up in a copy of the row numbers in memory, which is read again when another program
 /// has changed the file. If the file is moved or deleted while it is open, the path is opened again. If it
 /// turns out to be damaged, it is repaired and the operation continues with the rows that could be read; an
 /// operation with a position throws instead, because other records may have that position now. When Open
-/// failed, AddNew, Query and RecordCount try again (the disk may be back), and all other operations throw 5.
-/// Moving drops a record that was started but not updated. MoveFirst and MoveNext throw 9 when there is no
-/// record to move to; Update throws 9 when the edited record was deleted.
+/// failed, Add, Query, RecordCount and OpenCalls try again (the disk may be back), and all other operations
+/// throw 5.
 class SqliteDatabase final : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.
   using Report = std::function<void(const std::string&)>;
 
-  /// `loss` gets those of the reports after Open that are about records that may be lost.
+  /// `schema.open` has the fields of the open calls; their table gets the column `Record`, too. `loss` gets
+  /// those of the reports after Open that are about records that may be lost.
   explicit SqliteDatabase(
       RecordSchema schema, Report report = [](const std::string&) {},
       Report loss = [](const std::string&) {});
@@ -42,56 +43,47 @@ class SqliteDatabase final : public DatabaseControl {
   std::int32_t Locate(std::int64_t identity) override;
   std::int64_t NewestBefore(std::int64_t identity, const std::vector<FieldValue>& unlike) override;
   std::int32_t FieldIndex(std::string_view field) const override;
-  void MoveTo(std::int32_t number) override;
-  void MoveFirst() override;
-  void MoveNext() override;
-  void AddNew() override;
-  void Edit() override;
-  void SetField(std::string_view field, std::string_view value) override;
-  void SetField(std::string_view field, std::int32_t value) override;
-  std::string GetField(std::string_view field) override;
-  void Update() override;
-  void Delete() override;
+  std::int64_t Add(const std::vector<FieldValue>& values, const OpenCall& open = {}) override;
+  void Change(std::int64_t identity, const std::vector<FieldValue>& values,
+              const OpenCall& open = {}) override;
+  void Remove(std::int64_t identity) override;
   void DeleteFirst(std::int32_t number) override;
   void DeleteAll() override;
+  std::vector<OpenCall> OpenCalls() override;
+  void Keep(const OpenCall& call) override;
+  void Close(std::int64_t key) override;
 
  private:
-  using Fields = std::vector<std::string>;
-
-  /// A record started by AddNew, or by Edit of row `row`.
-  struct Draft {
-    Fields fields;
-    std::optional<std::int64_t> row;
-  };
-
   std::string OpenFile();
   void OpenAgain();
   void Refresh();
-  void FollowMove();
+  void FollowFile();
   void Renew();
   enum class After { kAgain, kThrow };
   template <class Operation>
   auto Mending(const Operation& operation, After after = After::kAgain);
+  template <class Operation>
+  void Durably(const Operation& operation, After after = After::kAgain);
   void ReadRows();
-  std::int64_t Current() const;
   std::int64_t RowAt(std::int32_t number) const;
-  Fields ReadRecord(std::int64_t row);
-  void Insert(const Fields& fields);
-  void Replace(std::int64_t row, const Fields& fields);
+  std::int64_t Insert(const std::vector<FieldValue>& values);
+  void Replace(std::int64_t row, const std::vector<FieldValue>& values);
+  void Store(const OpenCall& call);
+  void Remember(const OpenCall& call);
 
   RecordSchema schema_;
   Report report_;
   Report loss_;
-  std::string table_;   ///< quoted
-  std::string fields_;  ///< quoted, with commas between
+  std::string table_;       ///< quoted
+  std::string fields_;      ///< quoted, with commas between
+  std::string open_table_;  ///< quoted
   std::string path_;
   std::string failure_;  ///< why the file is not open
   std::unique_ptr<SqliteConnection> connection_;
   std::string version_;             ///< SQLite's data version of `rows_`
   std::vector<std::int64_t> rows_;  ///< row numbers by position, ascending
   std::int64_t highest_ = 0;        ///< highest row number seen: none is reused while this object lives
-  std::optional<std::int64_t> current_;
-  std::optional<Draft> draft_;
+  std::map<std::int64_t, OpenCall> open_;  ///< stored or read since Open
 };
 
 }  // namespace orven

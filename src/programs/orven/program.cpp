@@ -56,7 +56,9 @@ Program::Program(Folders folders)
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
       registry_(autostart_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
       database_(
-          {"Calls", {kCallFields.begin(), kCallFields.end()}, kRead},
+          {{"Calls", {kCallFields.begin(), kCallFields.end()}},
+           kRead,
+           {"OpenCalls", {kOpenCallFields.begin(), kOpenCallFields.end()}}},
           [this](const std::string& text) { Report(text); },
           [this](const std::string& text) {
             Report(text);

@@ -142,10 +142,9 @@ TEST_F(List, DeletesSavesAndClearsAndOffersNothingForAnEmptyList) {
 }
 
 TEST_F(List, ADoubleClickOnARowThatMovedPlaysNothing) {
-  SqliteDatabase other({"Calls", {kCallFields.begin(), kCallFields.end()}});
+  SqliteDatabase other(RecordSchema{{"Calls", {kCallFields.begin(), kCallFields.end()}}});
   other.Open(desk.home / "Calls");
-  other.MoveTo(2);
-  other.Delete();
+  other.Remove(other.Identity(2));
   DoubleClick(2);
   EXPECT_FALSE(desk.card.Plays());
   EXPECT_EQ(Selected(), "2 new") << "row 2 is Cleo's now, no longer Ben's";

@@ -9,30 +9,41 @@
 namespace orven::test {
 namespace {
 
-using ::testing::HasSubstr;
+using ::testing::EndsWith, ::testing::HasSubstr;
 
-const RecordSchema kCalls{"Calls", {"Call_Name", "Call_Number", "Type", "Read"}};
+const RecordSchema kCalls{{"Calls", {"Call_Name", "Call_Number", "Type", "Read"}},
+                          "",
+                          {"OpenCalls", {"Call_Name", "Ring", "Left", "Folder", "Place", "Mail"}}};
+
+/// An open call with `text` in all fields.
+OpenCall Open(std::int64_t key, const std::string& text, std::int64_t record = 0) {
+  return {key, record, std::vector<std::string>(kCalls.open.fields.size(), text)};
+}
 
 /// Executes `steps`, separated by blanks, and returns the texts they read; a failed step adds "!" and its
-/// error number.
+/// error number. The records are named by their position, the open calls by their key.
 std::string Do(SqliteDatabase& database, const std::string& steps) {
   std::string told;
   std::istringstream list(steps);
   for (std::string step; list >> step;) {
     const std::string verb = step.substr(0, step.find(':')), value = step.substr(step.find(':') + 1);
+    const std::string text = value.substr(value.find('=') + 1);
+    const auto number = [&] { return std::stoi(value); };
     try {
       if (verb == "open") told += database.Open(value);
-      if (verb == "add") database.AddNew();
-      if (verb == "edit") database.Edit();
-      if (verb == "add" || verb == "name") database.SetField("Call_Name", value);
-      if (verb == "add" || verb == "read") database.SetField("Read", 0);
-      if (verb == "add" || verb == "update") database.Update();
-      if (verb == "next") database.MoveNext();
-      if (verb == "move") database.MoveTo(std::stoi(value));
-      if (verb == "delete") database.Delete();
+      if (verb == "add") database.Add({{"Call_Name", value}, {"Read", "0"}});
+      if (verb == "file") database.Add({{"Call_Name", text}}, Open(number(), text));
+      if (verb == "end") database.Add({{"Call_Name", text}}, {number(), 0, {}});
+      if (verb == "name") database.Change(database.Identity(number()), {{"Call_Name", text}});
+      if (verb == "complete") database.Change(1, {{"Call_Name", text}}, {number(), 0, {}});
+      if (verb == "remove") database.Remove(database.Identity(number()));
       if (verb == "clear") database.DeleteAll();
-      if (verb == "trim") database.DeleteFirst(std::stoi(value));
-      if (verb == "get") told += database.GetField(value) + " ";
+      if (verb == "trim") database.DeleteFirst(number());
+      if (verb == "keep") database.Keep(Open(number(), text));
+      if (verb == "close") database.Close(number());
+      if (verb == "calls")
+        for (const auto& call : database.OpenCalls())
+          told += std::to_string(call.key) + call.fields.back() + std::to_string(call.record) + " ";
       if (verb == "list")
         for (const auto& record : database.Query(value == "all" ? "Get *" : "Get a").records)
           told += record[0] + " ";
@@ -59,9 +70,8 @@ class DatabaseTest : public ::testing::Test {
 TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
   const std::string text("quote ' \" ; \xC3\xA9 \xFF\r\n\0end", 22);
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "add:a add:b add:c get:Call_Name delete add:d move:1 edit"), "c ");
-  database_.SetField("Call_Name", text);
-  database_.Update();
+  EXPECT_EQ(Do(database_, "add:a add:b add:c remove:3 add:d"), "");
+  database_.Change(1, {{"Call_Name", text}});
   SqliteDatabase again(kCalls);
   EXPECT_EQ(again.Open(path_), "");
   EXPECT_EQ(Do(again, "list:all"), text + " b d ");
@@ -69,27 +79,28 @@ TEST_F(DatabaseTest, AnyTextComesBackInTheOrderOfInsertion) {
   const auto before = [&](std::int64_t identity, const std::string& name) {
     return again.Locate(again.NewestBefore(identity, {{"Type", "-1"}, {"Call_Name", name}}));
   };
-  EXPECT_EQ(before(99, ""), 3);
   EXPECT_EQ(before(99, "d"), 2);
   EXPECT_EQ(before(again.Identity(2), "d"), 1);
   EXPECT_EQ(before(again.Identity(2), text), 0);
 }
 
-TEST_F(DatabaseTest, OnlyUpdateChangesTheCurrentRecordAndMisuseChangesNothing) {
+TEST_F(DatabaseTest, MisuseChangesNothing) {
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "add:a add:b move:1 edit name:new list:all update edit name:dropped move:2"),
-            "a b ");
-  EXPECT_EQ(Do(database_, "update read next move:0 move:3 get:None list:a"), "!5 !5 !9 !9 !9 !9 !5 ");
-  EXPECT_EQ(Do(database_, "list:all trim:1 list:all clear delete list:all"), "new b b !5 ");
+  EXPECT_EQ(Do(database_, "add:a add:b name:0=x remove:3 trim:3 list:a list:all"), "!9 !9 !9 !5 a b ");
+  EXPECT_THROW(database_.Add({{"None", "x"}}, Open(1, "x")), RuntimeError);
+  EXPECT_THROW(database_.Change(1, {{"Read", "1"}, {"None", "x"}}, Open(1, "x")), RuntimeError);
+  EXPECT_EQ(Do(database_, "calls name:1=new list:all trim:1 list:all clear remove:1 list:all"),
+            "new b b !9 ");
 }
 
 TEST_F(DatabaseTest, AnotherProgramReadsAndChangesTheOpenFile) {
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "add:a add:b add:c move:2 edit"), "");
+  EXPECT_EQ(Do(database_, "add:a add:b keep:1=ring file:1=c"), "");
   std::filesystem::copy_file(path_, folder_ / "copy");
-  EXPECT_EQ(Ask("SELECT count(*) FROM Calls", "copy"), "3") << "the main file alone is complete";
+  // The main file alone is complete.
+  EXPECT_EQ(Ask("SELECT count(*) + max(Record) FROM Calls, OpenCalls", "copy"), "6");
   Ask("DELETE FROM Calls WHERE Call_Name IN ('a', 'b')");
-  EXPECT_EQ(Do(database_, "update add:d list:all"), "!9 c d ");
+  EXPECT_EQ(Do(database_, "complete:1=x calls add:d list:all"), "!9 1c3 c d ");
 }
 
 TEST_F(DatabaseTest, MissingColumnsAreAddedAndOthersKept) {
@@ -97,39 +108,65 @@ TEST_F(DatabaseTest, MissingColumnsAreAddedAndOthersKept) {
       "CREATE TABLE Calls (Note TEXT, call_name TEXT, Call_Number TEXT);"
       "INSERT INTO Calls VALUES ('mine', 'a', '1')");
   database_.Open(path_);
-  EXPECT_EQ(Do(database_, "move:1 edit read update"), "");
+  database_.Change(1, {{"Read", "0"}});
   EXPECT_EQ(Ask("SELECT Note || call_name || Call_Number || \"Read\" FROM Calls"), "minea10");
+}
+
+TEST_F(DatabaseTest, AnOpenCallIsKeptUntilItsRecordIsStored) {
+  database_.Open(path_);
+  EXPECT_EQ(Do(database_, "keep:5=ring keep:4=early keep:5=later file:4=a end:5=b calls remove:2"), "4a1 ");
+  EXPECT_EQ(Do(database_, "keep:7=x close:9"), "");
+  database_.Keep(Open(8, "names", 6));  // a record that was deleted
+  for (const std::string part : {"", "-wal"}) PutFile(folder_ / ("killed" + part), ContentOf(path_ + part));
+  EXPECT_EQ(Do(database_, "open:" + folder_ / "killed"), "");
+  EXPECT_EQ(Do(database_, "complete:4=new close:7 calls add:c list:all"), "8names6 new c ");
+  EXPECT_EQ(database_.Identity(2), 7);
 }
 
 TEST_F(DatabaseTest, AFileThatIsReplacedOrAppearsLateIsOpenedAgain) {
   database_.Open(path_);
   SqliteDatabase backup(kCalls);
   backup.Open(folder_ / "backup");
-  EXPECT_EQ(Do(backup, "add:restored") + Do(database_, "add:before edit"), "");
+  EXPECT_EQ(Do(backup, "add:restored keep:3=old keep:4=older open:" + folder_ / "closed"), "");
+  EXPECT_EQ(Do(database_, "keep:1=a keep:2=b close:2 keep:4=mine add:before"), "");
   std::filesystem::rename(folder_ / "backup", path_);
-  EXPECT_EQ(Do(database_, "update add:after list:all"), "!5 restored after ");
+  EXPECT_EQ(Do(database_, "keep:1=a"), "");
+  EXPECT_EQ(Ask("SELECT group_concat(rowid || Ring, ' ') FROM OpenCalls"), "1a 3old 4mine");
+  EXPECT_EQ(Do(database_, "add:after list:all"), "restored after ");
+  std::filesystem::rename(path_, folder_ / "moved");
+  EXPECT_EQ(Do(database_, "close:4 calls"), "1a0 ");
+  EXPECT_THAT(reports_,
+              ::testing::ElementsAre(EndsWith("was moved or replaced"), EndsWith("was moved or replaced")));
 
   const std::string late = folder_ / "disk/Calls";
   reports_.clear();
-  EXPECT_EQ(Do(database_, "open:" + late + " add:lost"), "!75 !5 ");
+  EXPECT_EQ(Do(database_, "open:" + late + " add:lost keep:1=lost"), "!75 !5 !5 ");
   std::filesystem::create_directory(folder_ / "disk");
-  EXPECT_EQ(Do(database_, "add:a list:all"), "a ");
+  EXPECT_EQ(Do(database_, "keep:1=lost add:a calls list:all"), "!5 a ");
   EXPECT_THAT(reports_, ::testing::ElementsAre(late + " is open again"));
+
+  Ask("CREATE TABLE Other AS SELECT zeroblob(9999)", "moved");
+  for (const char* step : {"", "keep:2=b"}) {  // the logs that a program leaves when it is killed
+    Do(database_, step);
+    PutFile(folder_ / "moved-wal", ContentOf(late + "-wal"));
+    SqliteDatabase restored(kCalls);
+    restored.Open(folder_ / "moved");
+    EXPECT_EQ(Do(restored, "list:all") + Ask("SELECT count(*) FROM Other", "moved"), "restored after 1");
+  }
 }
 
-TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsLost) {
+TEST_F(DatabaseTest, ALockedFileOrAFullDiskIsAnErrorAndNothingIsChanged) {
   database_.Open(path_);
+  EXPECT_EQ(Do(database_, "add:a keep:1=ring"), "");
   SqliteConnection other(path_);
   other.Execute("BEGIN IMMEDIATE");
-  EXPECT_EQ(Do(database_, "add:a"), "!70 ");
+  EXPECT_EQ(Do(database_, "end:1=b complete:1=b keep:1=b close:1 close:2 keep:1=ring"), "!70 !70 !70 !70 ");
   other.Execute("COMMIT");
-  EXPECT_EQ(Do(database_, "update list:all"), "a ") << "the record is still being added";
   {
     const FileSizeLimit limit(400000);  // SQLite reports it as an I/O error (57); a full disk is 61
-    EXPECT_THAT(Do(database_, "add:" + std::string(1U << 20U, 'x')), ::testing::AnyOf("!57 ", "!61 "));
+    EXPECT_THAT(Do(database_, "end:1=" + std::string(1U << 20U, 'x')), ::testing::AnyOf("!57 ", "!61 "));
   }
-  EXPECT_EQ(Do(database_, "update"), "");
-  EXPECT_EQ(database_.RecordCount(), 2);
+  EXPECT_EQ(Do(database_, "calls list:all end:1=b calls list:all"), "1ring0 a a b ");
   EXPECT_EQ(Ask("PRAGMA integrity_check"), "ok");
 }
 
@@ -168,6 +205,7 @@ TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
                          {"everything", 0, 0, 1000, true, true}};
   auto counted = kCalls;
   counted.counted = "Read";
+  const OpenCall ringing{9, 7, {"ringing", "", "", "", "", ""}};
   for (const auto& [what, at, size, most_lost, while_open, cut_off] : damages) {
     SCOPED_TRACE(what);
     std::string note;
@@ -176,6 +214,7 @@ TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
     SqliteDatabase database(counted, take, take);
     SqliteDatabase(counted).Open(path);
     SqliteConnection(path).Execute(
+        "INSERT INTO OpenCalls (rowid, Call_Name, Record) VALUES (9, 'ringing', 7);"
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000) "
         "INSERT INTO Calls SELECT i, hex(randomblob(iif(i > 990, 500 * (i - 990), 45))), "
         "iif(i % 2, i * -400000000, 1 / i), iif(i % 3, i / 8.0, i % 2) FROM n");
@@ -188,7 +227,7 @@ TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
       SqliteDatabase intact(counted);
       return intact.Open(path), intact.Query("Get *").records;
     }();
-    if (while_open) database.Open(path);
+    if (while_open) database.Open(path), database.OpenCalls();
     std::string content = ContentOf(path);
     if (cut_off) content.resize(at);
     if (!cut_off && size == 0) content[at] = static_cast<char>(content[at] ^ 8);
@@ -198,6 +237,7 @@ TEST_F(DatabaseTest, DamageLosesOnlyTheCallsThatItHitsAndTheOthersStayInUse) {
     if (!while_open) note = database.Open(path);
 
     Do(database, "add:1001");
+    EXPECT_THAT(database.OpenCalls(), ::testing::ElementsAre(ringing));
     const auto saved = database.Query("Get *").records;
     std::int64_t before = 0;
     for (std::int32_t number = 1; number <= database.RecordCount(); ++number) {

@@ -19,7 +19,9 @@ constexpr std::pair<const char*, const char*> kSettings[] = {
 
 Desk::Desk(const std::string& settings)
     : registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
-      database({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead}),
+      database({{"Calls", {kCallFields.begin(), kCallFields.end()}},
+                kRead,
+                {"OpenCalls", {kOpenCallFields.begin(), kOpenCallFields.end()}}}),
       WavePlay(loop, card, home / "Rescued") {
   shared.application_folder = home / "";
   shared.application_folder.pop_back();
@@ -45,22 +47,22 @@ Desk::Desk(const std::string& settings)
 }
 
 void Desk::File(const std::vector<FiledCall>& calls) {
-  SqliteDatabase records({"Calls", {kCallFields.begin(), kCallFields.end()}, kRead});
+  SqliteDatabase records({{"Calls", {kCallFields.begin(), kCallFields.end()}}, kRead});
   records.Open(home / "Calls");
   int minute = records.RecordCount();
   for (const auto& call : calls) {
     const auto file = call.name + ".wav";
     if (call.message != 0)
       PutWave(home / ("Messages/" + file), std::vector<std::int16_t>(2 * kSampleRate, call.message));
-    records.AddNew();
-    records.SetField(kCallName, call.name);
-    records.SetField(kCallNumber, "555-01" + std::to_string(10 + minute % 90));
-    records.SetField(kCallDate, "11/21/2026");
-    records.SetField(kCallTime, "09:" + std::to_string(10 + minute++ % 50) + ":00");
-    records.SetField(kCallMassageName, file);
-    records.SetField(kType, call.message != 0 ? "2" : "-1");
-    records.SetField(kRead, 0);
-    records.Update();
+    const auto number = "555-01" + std::to_string(10 + minute % 90);
+    const auto time = "09:" + std::to_string(10 + minute++ % 50) + ":00";
+    records.Add({{kCallName, call.name},
+                 {kCallNumber, number},
+                 {kCallDate, "11/21/2026"},
+                 {kCallTime, time},
+                 {kCallMassageName, file},
+                 {kType, call.message != 0 ? "2" : "-1"},
+                 {kRead, "0"}});
   }
 }
 
