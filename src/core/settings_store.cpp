@@ -104,11 +104,8 @@ void SettingsStore::SetGridLines(bool on) {
   Set(kGridLines, on ? "1" : "0");
 }
 
-void SettingsStore::ShareOptions(const ErrorTrap& trap) {
-  shared_.record_messages = settings_.RecordMessage != 0;
-  shared_.greeting_file = settings_.Greeting + ".wav";
-  shared_.num_of_ring = settings_.NumOfRing;
-  trap([&] { shared_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
+void SettingsStore::TakeMaxRec(const ErrorTrap& trap) {
+  trap([&] { settings_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
 }
 
 void SettingsStore::ShareMessagesFolder() {
@@ -128,7 +125,7 @@ void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_
     settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
     Set("MassagesPath", settings_.MassagesPath);
   }
-  ShareOptions(trap);
+  TakeMaxRec(trap);
   ShareMessagesFolder();
   Read(kLogFlagsReader, label);
   show_ring_count(settings_.NumOfRing);

@@ -69,9 +69,9 @@ class SettingsStore {
   /// `show_ring_count` shows the ring count in the main window's ring box.
   void GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count);
 
-  /// Copies the current settings to the options that all parts share, under the trap of the running routine.
-  /// When a message length in seconds does not fit, the previous one stays.
-  void ShareOptions(const ErrorTrap& trap);
+  /// Limits messages to `MaxRec` minutes, under the trap of the running routine. A limit whose seconds do not
+  /// fit into 16 bits is logged, and the previous one stays.
+  void TakeMaxRec(const ErrorTrap& trap);
 
   /// Whether the call list shows grid lines; it does until a person switches them off.
   bool GetGridLines();

@@ -231,7 +231,7 @@ void OptionsDialog::Save(const OptionChoices& choices) {
   Collect(choices, values);
   // One write: a crash leaves either the old options or the new ones, and a slow disk delays us once.
   const bool stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
-  parts_.store.ShareOptions(trap);
+  parts_.store.TakeMaxRec(trap);
   StoreAutostart(choices.chkRenOnStart);
   parts_.show_in_main();
   TellOfFailures(stored, choices.chkRenOnStart);

@@ -6,7 +6,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
     : shared(shared_options),
       log(ports.clock, ports.files, ports.loop, settings, shared),
       store(ports.registry, log, ports.files, settings, shared),
-      quick_options(store, log, settings, shared),
+      quick_options(store, log, settings),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),
       folders(ports.files, shared),

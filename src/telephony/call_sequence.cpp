@@ -114,7 +114,7 @@ void CallSequence::PlayGreeting() {
   context_.Enter(CallState::Greeting, "ErrTapiConnected ");
   context_.Tapi1.SetGreetingPhase(context_.Line(), true);
   const auto result =
-      PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
+      PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.settings.Greeting + ".wav");
   if (result == kWaveOk) return;
   context_.log.WriteSystem("Play Greeting " + context_.Wave1.PlayErrorText(result));
   PlayFinished();

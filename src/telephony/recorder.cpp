@@ -49,7 +49,7 @@ std::int32_t Recorder::WaveIn() const {
 }
 
 void Recorder::RecMessage() {
-  if (!context_.shared.record_messages || context_.call.admin_mode) return control_.DropCall();
+  if (context_.settings.RecordMessage == 0 || context_.call.admin_mode) return control_.DropCall();
   ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
                     lifeline_.Bind([this, serial = context_.call.serial] {
                       // The caller may have hung up, keyed the password, or called again meanwhile.
@@ -183,7 +183,7 @@ void Recorder::SilenceTick() {
 void Recorder::RecordTick() {
   auto& call = context_.call;
   call.record_seconds += 1;
-  if (call.record_seconds < context_.shared.max_record_seconds) return;
+  if (call.record_seconds < context_.settings.max_record_seconds) return;
   if (Recording() && context_.Connected()) StopRecMessage();
   TimerRecord->Stop();
   call.record_seconds = 0;

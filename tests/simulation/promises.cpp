@@ -154,7 +154,7 @@ void Promises::CheckMessage() {
   const int written = wave.written - written_before_;
   const auto path = Message(world_.database.Records().size() - 1);
   Expect(written <= 1, "a call has one message at most");
-  Expect(!whole || written == (world_.shared.record_messages ? 1 : 0),
+  Expect(!whole || written == (world_.Machine().settings.RecordMessage != 0 ? 1 : 0),
          "a call without any fault leaves its message");
   Expect(path.empty() == (written == 0), "the record says -1 exactly when no message was recorded");
   if (written == 0) return;
@@ -286,7 +286,7 @@ void Promises::Disconnected(std::int32_t line) {
 
 void Promises::Ring(std::int32_t line, std::int32_t count) {
   Program().Ring(line, count);
-  Expect(count < world_.shared.num_of_ring || world_.CurrentCall().answering ||
+  Expect(count < world_.Machine().settings.NumOfRing || world_.CurrentCall().answering ||
              world_.Tapi1->IsCallConnected(line),
          "a call is answered at the configured ring, whatever was clicked");
 }

@@ -165,7 +165,7 @@ void Program::WaitForLines() {
 
 bool Program::Start(const std::string& command_line) {
   FirstStart first_start(registry_, system_, shared_, FirstStartSources());
-  EntryRoutine entry(system_, dialogs_, first_start, shared_, [this](bool first) { PrepareFolder(first); });
+  EntryRoutine entry(system_, dialogs_, first_start, [this](bool first) { PrepareFolder(first); });
   if (!entry.Run(command_line, window_)) return false;
   if (!Ended()) mail_.Resume();
   return true;

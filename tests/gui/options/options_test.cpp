@@ -77,9 +77,9 @@ TEST_F(OptionsWindow, EveryControlShowsAndStoresItsSettingAndTheNextCallUsesIt) 
   EXPECT_EQ(window->result(), QDialog::Accepted);
   for (const auto& row : kControls) ExpectStored({{row.setting, row.stored}});
   EXPECT_EQ(world.registry.Text("ORVEN", kAutostartKey), "/home/orven/ORVEN.exe -st");
-  const auto& shared = world.shared;
-  EXPECT_TRUE(shared.num_of_ring == 20 && shared.max_record_seconds == 300 && !shared.record_messages);
-  EXPECT_EQ(shared.greeting_file + world.views.selected_greeting, "Away.wavAway");
+  const auto& settings = world.Machine().settings;
+  EXPECT_TRUE(settings.NumOfRing == 20 && settings.max_record_seconds == 300 && settings.RecordMessage == 0);
+  EXPECT_EQ(settings.Greeting + world.views.selected_greeting, "AwayAway");
   EXPECT_FALSE(world.views.shown_record || world.views.quick_toolbar);
 
   Open(0);
@@ -182,7 +182,7 @@ TEST_F(OptionsWindow, TheGreetingButtonsActOnTheSelectedNameAndKeepTheLastGreeti
   EXPECT_FALSE(world.files.Exists(Greeting("Away")));
   ExpectShown({{"CmbGreetsMessages", Greetings().front()}});
   ExpectStored({{"Greeting", Greetings().front()}});
-  EXPECT_EQ(world.shared.greeting_file, Greetings().front() + ".wav");
+  EXPECT_EQ(world.Machine().settings.Greeting, Greetings().front());
   EXPECT_EQ(world.views.greetings, Greetings()) << "the main window is updated";
   for (int i = 0; i < 2; ++i) Press("Delete");
   EXPECT_THAT(world.dialogs.informations, ElementsAre("Can't Delete Last Greeting."));

@@ -42,7 +42,7 @@ TEST_F(Options, BadValuesAreLoggedAndTheRestIsShownAndStored) {
     stored += registry.Text(name) + "|";
   EXPECT_EQ(stored, "loud|2|547| 1 2 |-1|No such device|loud|Hello|");
   EXPECT_EQ(Machine().settings.NumOfRing, 2);
-  EXPECT_EQ(shared.max_record_seconds, 60) << "547 minutes, in seconds, do not fit in 16 bits";
+  EXPECT_EQ(Machine().settings.max_record_seconds, 60) << "547 minutes, in seconds, do not fit in 16 bits";
   EXPECT_TRUE(Tapi1->IsLineOpen(0)) << "an open line stays as it is";
 }
 
