@@ -89,8 +89,6 @@ std::span<const SettingDefinition> SettingsSchema();
 /// What all parts of the program share while it runs.
 struct SharedOptions {
   std::string application_folder;  ///< without trailing separator
-  std::string messages_path;       ///< ends in a separator
-  std::string messages_note = {};  ///< why it differs from the setting; empty when it does not
 
   /// `text` ("\Greets\") below the application folder, in native separators.
   std::string InApplicationFolder(std::string_view text) const;

@@ -222,7 +222,7 @@ std::string CallRecovery::Description(const Call& call) const {
 
 CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   const auto& trail = call.trail;
-  const auto expected = parts_.shared.messages_path + call.message_file_name;
+  const auto expected = parts_.folders.Serving() + call.message_file_name;
   // A damaged journal may name a folder.
   const auto is_there = [this](const std::string& path) {
     return !FileNamePart(path).empty() && parts_.files.Exists(path);
@@ -239,7 +239,7 @@ CallRecovery::Message CallRecovery::FindMessage(Call& call) {
   // A file with its name belongs to another call.
   if (call.message_left && trail.storing_path.empty()) return Message::kNone;
   if (is_there(trail.storing_path) &&
-      RecordNaming(NameInFolder(trail.storing_path, parts_.shared.messages_path), true) == 0) {
+      RecordNaming(NameInFolder(trail.storing_path, parts_.folders.Serving()), true) == 0) {
     return TakeStored(call, trail.storing_path);
   }
   const auto grown = grown_.Of(trail.growing_name);
@@ -283,12 +283,12 @@ std::string CallRecovery::Mended(const std::string& path) {
 CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& path) {
   call.message_left = true;
   call.message_path = path;
-  call.message_file_name = NameInFolder(path, parts_.shared.messages_path);
+  call.message_file_name = NameInFolder(path, parts_.folders.Serving());
   parts_.journal.Note(call);
   if (!IsInPlace(path)) {
     if (!MoveTo(call, path)) return Message::kOutOfReach;
     call.message_path = call.trail.storing_path;
-    call.message_file_name = NameInFolder(call.message_path, parts_.shared.messages_path);
+    call.message_file_name = NameInFolder(call.message_path, parts_.folders.Serving());
     parts_.journal.Note(call);
   }
   DeleteBeginnings(call);
@@ -299,7 +299,7 @@ CallRecovery::Message CallRecovery::TakeStored(Call& call, const std::string& pa
 bool CallRecovery::MoveTo(Call& call, const std::string& from) {
   auto& storing = call.trail.storing_path;
   if (!IsInPlace(storing) || parts_.files.Exists(storing)) {
-    storing = FreePath(parts_.shared.messages_path + FileNamePart(call.message_file_name));
+    storing = FreePath(parts_.folders.Serving() + FileNamePart(call.message_file_name));
     parts_.journal.Note(call);
   }
   return Trap()([&] { parts_.files.Rename(from, storing); });
@@ -337,7 +337,7 @@ bool CallRecovery::RecoverStray(const GrownRecording& stray) {
   const auto path = stray.Path();
   if (!parts_.files.Exists(path)) return true;
   // Outside the messages folder only a named recording is a caller's; takes from the microphone have no name.
-  if (stray.Name().empty() && stray.folder != FolderPart(parts_.shared.messages_path)) return true;
+  if (stray.Name().empty() && stray.folder != FolderPart(parts_.folders.Serving())) return true;
   if (parts_.journal.Claims(stray)) return false;
   const auto age = parts_.clock.Now() - parts_.files.LastModified(path);
   if (age >= 0s && age < kMayBeGrowing) return false;
@@ -377,7 +377,7 @@ bool CallRecovery::TakeStray(const GrownRecording& stray, double length) {
 }
 
 std::vector<std::string> CallRecovery::Folders() const {
-  std::vector<std::string> folders{FolderPart(parts_.shared.messages_path),
+  std::vector<std::string> folders{FolderPart(parts_.folders.Serving()),
                                    parts_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")};
   for (const auto& [call, handed_over, told] : calls_) {
     for (const auto& folder :
@@ -389,7 +389,7 @@ std::vector<std::string> CallRecovery::Folders() const {
 }
 
 bool CallRecovery::IsInPlace(const std::string& path) const {
-  const auto& folder = parts_.shared.messages_path;
+  const auto& folder = parts_.folders.Serving();
   return path == folder + NameInFolder(path, folder);
 }
 

@@ -19,6 +19,7 @@
 #include "records/call.h"
 #include "records/call_journal.h"
 #include "records/grown_recordings.h"
+#include "records/message_files.h"
 
 namespace orven {
 
@@ -43,6 +44,7 @@ class CallRecovery {
     DatabaseControl& DataBase1;
     SystemLog& log;
     CallJournal& journal;
+    const MessageFolders& folders;
     const SharedOptions& shared;
     /// Whether the call is to have a record.
     std::function<bool(const Call& call)> is_listed;

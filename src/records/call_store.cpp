@@ -59,7 +59,8 @@ bool CallStore::TakeLateMessage(Call& call) {
   const auto& path = call.trail.storing_path;
   if (!call.message_left || !call.message_path.empty() || path.empty() || call.trail.message_due)
     return false;
-  if (!ports_.files.Exists(path) || AnotherCallHas(NameInFolder(path, shared_.messages_path))) return false;
+  if (!ports_.files.Exists(path) || AnotherCallHas(NameInFolder(path, ports_.folders.Serving())))
+    return false;
   auto complete = call;  // a step that fails leaves the call awaiting its message
   complete.message_path = path;
   ports_.journal.Note(complete);
@@ -145,12 +146,12 @@ std::string CallStore::TypeText(const Call& call) const {
 }
 
 void CallStore::BringMessageAlong(Call& call) {
-  auto path = shared_.messages_path + call.message_file_name;
+  auto path = ports_.folders.Serving() + call.message_file_name;
   if (call.message_path.empty() || call.message_path == path) return;
   if (ports_.files.Exists(path)) path = FreeNameBeside(ports_.files, ports_.clock, path);
   ports_.files.Rename(call.message_path, path);
   call.message_path = path;
-  call.message_file_name = NameInFolder(path, shared_.messages_path);
+  call.message_file_name = NameInFolder(path, ports_.folders.Serving());
 }
 
 void CallStore::MarkAsReadUnRead(std::int32_t index, bool read) {

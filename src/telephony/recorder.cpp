@@ -61,7 +61,7 @@ void Recorder::RecMessage() {
 
 void Recorder::StartAfterWait() {
   MakeReady();
-  const auto folder = FolderPart(context_.shared.messages_path);
+  const auto folder = FolderPart(ports_.folders.Serving());
   context_.Wave1.SetRecordFolder(folder);
   const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
   context_.Wave1.SetRecordName(name);
@@ -124,7 +124,7 @@ void Recorder::StopRecMessage() {
   auto& call = context_.call;
   auto& wave = context_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
-  const auto& folder = context_.shared.messages_path;
+  const auto& folder = ports_.folders.Serving();
   auto path = folder + call.message_file_name;
   const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
   trap([&] {
