@@ -247,7 +247,7 @@ std::optional<TelephoneLine> frmLineEdit::CheckedLine() {
 }
 
 void frmLineEdit::ShowFault(const LineFault& fault) {
-  auto* field = FieldOf(fault.field);
+  auto* field = findChild<QWidget*>(QString::fromLatin1(fault.control.data()));
   auto* row = field == txtPassword_ ? password_row_ : field == cmbPort_ ? port_row_ : field;
   int at = 0;
   QFormLayout::ItemRole role{};
@@ -258,21 +258,6 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();
-}
-
-QWidget* frmLineEdit::FieldOf(LineField field) const {
-  switch (field) {
-    case LineField::Listen: return txtListen_;
-    case LineField::Server: return txtServer_;
-    case LineField::User: return txtUser_;
-    case LineField::AuthUser: return txtAuthUser_;
-    case LineField::Password: return txtPassword_;
-    case LineField::Transport: return cmbTransport_;
-    case LineField::RingSeconds: return spnRing_;
-    case LineField::Port: return cmbPort_;
-    case LineField::Script: return txtScript_;
-    default: return txtName_;
-  }
 }
 
 void frmLineEdit::Ok() {

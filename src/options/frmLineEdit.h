@@ -37,7 +37,6 @@ class frmLineEdit : public QDialog {
   LineKind Kind() const;
   std::optional<TelephoneLine> CheckedLine();
   void ShowFault(const LineFault& fault);
-  QWidget* FieldOf(LineField field) const;
   void Ok();
 
   LinesDialog& engine_;
