@@ -54,7 +54,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       sequence(context, {control, recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {
-  ports_.Tapi1.SetEvents(&sequence);
+  ports_.Tapi1.SetEvents([this](const LineEvent& event) { sequence.Handle(event); });
   ports_.Wave1.SetEvents(&sequence);
   // Posted: these mails go after those already in the outbox, once the start is over.
   journal.SetMailListener(
@@ -135,7 +135,7 @@ void AnsweringMachine::ShowOptions() {
 }
 
 AnsweringMachine::~AnsweringMachine() {
-  ports_.Tapi1.SetEvents(nullptr);
+  ports_.Tapi1.SetEvents({});
   ports_.Wave1.SetEvents(nullptr);
 }
 

@@ -64,7 +64,12 @@ Program::Program(Folders folders)
           }),
       lines_(loop_, MakeLines(),
              {[this] { return LineHasSound(); }, [this](const std::string& text) { Report(text); }}),
-      configured_lines_(LinesPath(), loop_, lines_, line_states_),
+      configured_lines_(
+          LinesPath(), loop_,
+          [this](std::int32_t index) {
+            return FileTelephoneLines::Use{lines_.IsLineOpen(index), lines_.OpenFailureOf(index)};
+          },
+          line_states_),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
       desk_devices_(lines_, cards_),

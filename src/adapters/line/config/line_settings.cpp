@@ -165,7 +165,6 @@ constexpr int kIdleSeconds = 120;
 
 SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem::path& folder) {
   SipLineSettings settings;
-  settings.name = section.name;
   settings.listen = Value(section, "listen", settings.listen);
   settings.account = Value(section, "account");
   settings.auth_user = Value(section, "auth_user");
