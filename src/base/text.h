@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,7 +9,7 @@
 
 namespace orven {
 
-/// Operations on bytes, independent of the locale.
+/// Operations on texts, independent of the locale.
 
 inline constexpr std::string_view kBlanks = " \t\r\n";
 
@@ -26,5 +27,13 @@ std::string PercentEncoded(std::string_view text, bool (*plain)(unsigned char by
 
 /// The inverse; digits in either case. Nothing when a "%" is not followed by two digits.
 std::optional<std::string> PercentDecoded(std::string_view text);
+
+/// Longest caller text that is passed on, in characters; several times what networks send.
+inline constexpr std::size_t kMaxCallerText = 120;
+
+/// A caller's name or number, sanitised: strangers choose this text, and it ends up in log lines, file names,
+/// mail headers and command lines. Bytes that are not UTF-8 become "?", control and direction characters
+/// become blanks, `"` becomes `'`, several blanks become one, and a text longer than kMaxCallerText is cut.
+std::string CleanCallerText(std::string_view text);
 
 }  // namespace orven

@@ -22,8 +22,6 @@ void Put(std::vector<NamedRegistryValue>& values, NamedRegistryValue value) {
   }
 }
 
-constexpr const char* kApplicationVersion = "1.0.0.22";
-
 // INITCOMMONCONTROLSEX of the Windows common controls: its size and ICC_USEREX_CLASSES.
 constexpr std::uint32_t kInitRecordSize = 8;
 constexpr std::uint32_t kExtendedComboBoxClasses = 0x200;
@@ -50,7 +48,6 @@ void FirstStart::Run() {
 }
 
 bool EntryRoutine::Run(const std::string& command_line, MainWindowStart& window) {
-  shared_.application_version = kApplicationVersion;
   system_.InitCommonControls(kInitRecordSize, kExtendedComboBoxClasses);
   if (!system_.ClaimInstance()) {
     dialogs_.Message("ORVEN is still running");

@@ -12,6 +12,8 @@
 
 namespace orven {
 
+inline constexpr const char* kApplicationVersion = "1.0.0.22";
+
 /// Turns an application folder without settings into a working answering machine: the installer's default
 /// settings, the three settings that depend on the machine, and a random password.
 class FirstStart {
@@ -57,13 +59,9 @@ class EntryRoutine {
  public:
   /// `prepare` brings the application folder's own files into place. It runs only when this process is the
   /// only instance, before any setting is read; its argument is true on a first start.
-  EntryRoutine(OperatingSystem& system, Dialogs& dialogs, FirstStart& first_start, SharedOptions& shared,
+  EntryRoutine(OperatingSystem& system, Dialogs& dialogs, FirstStart& first_start,
                std::function<void(bool first_start)> prepare)
-      : system_(system),
-        dialogs_(dialogs),
-        first_start_(first_start),
-        shared_(shared),
-        prepare_(std::move(prepare)) {}
+      : system_(system), dialogs_(dialogs), first_start_(first_start), prepare_(std::move(prepare)) {}
 
   /// `command_line` is everything after the program's name, as one text. True when the program runs
   /// now; false when another instance runs and this process has to end.
@@ -73,7 +71,6 @@ class EntryRoutine {
   OperatingSystem& system_;
   Dialogs& dialogs_;
   FirstStart& first_start_;
-  SharedOptions& shared_;
   std::function<void(bool)> prepare_;
 };
 

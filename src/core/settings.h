@@ -25,7 +25,8 @@ struct Settings {
   std::int16_t ValSilence = 0;  ///< thousandths of full scale
   std::int16_t RecordMessage = 0;
   std::int16_t NumOfRing = 0;
-  std::int32_t MaxRec = 0;  ///< minutes
+  std::int32_t MaxRec = 0;              ///< minutes
+  std::int16_t max_record_seconds = 0;  ///< not stored: the longest message, see SettingsStore::TakeMaxRec
   std::string Pass;
   std::int16_t WornDelete = 0;
   std::int16_t WornClear = 0;
@@ -87,14 +88,7 @@ std::span<const SettingDefinition> SettingsSchema();
 
 /// What all parts of the program share while it runs.
 struct SharedOptions {
-  std::string application_version;
   std::string application_folder;  ///< without trailing separator
-  std::string messages_path;       ///< ends in a separator
-  std::string messages_note = {};  ///< why it differs from the setting; empty when it does not
-  bool record_messages = false;
-  std::string greeting_file;  ///< file name in the greetings folder
-  std::int16_t num_of_ring = 0;
-  std::int16_t max_record_seconds = 0;
 
   /// `text` ("\Greets\") below the application folder, in native separators.
   std::string InApplicationFolder(std::string_view text) const;

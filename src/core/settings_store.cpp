@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/settings_store.h"
 
-#include <filesystem>
-
 #include "base/conversions.h"
-#include "base/paths.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
@@ -25,17 +22,6 @@ void Assign(Settings& settings, const SettingDefinition& definition, const std::
 }
 
 }  // namespace
-
-MessagesFolder ServingMessagesFolder(const std::string& stored, const SharedOptions& shared,
-                                     const Files& files, bool moving) {
-  const auto own = shared.InApplicationFolder("\\Messages\\");
-  const bool full = std::filesystem::path(stored).is_absolute();
-  if (full && (moving || files.Exists(FolderPart(stored)) || !files.Exists(own))) return {stored, ""};
-  const auto fault = full                  ? "names a folder that does not exist (" + stored + ")"
-                     : stored == kNotFound ? "is missing"
-                                           : "is not a full path (\"" + stored + "\")";
-  return {own, "The setting MassagesPath " + fault + ": messages are stored in " + own};
-}
 
 std::string SettingsStore::Value(std::string_view name) {
   return GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, std::string(name));
@@ -104,23 +90,11 @@ void SettingsStore::SetGridLines(bool on) {
   Set(kGridLines, on ? "1" : "0");
 }
 
-void SettingsStore::ShareOptions(const ErrorTrap& trap) {
-  shared_.record_messages = settings_.RecordMessage != 0;
-  shared_.greeting_file = settings_.Greeting + ".wav";
-  shared_.num_of_ring = settings_.NumOfRing;
-  trap([&] { shared_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
+void SettingsStore::TakeMaxRec(const ErrorTrap& trap) {
+  trap([&] { settings_.max_record_seconds = NarrowToInt16(std::int64_t{settings_.MaxRec} * 60); });
 }
 
-void SettingsStore::ShareMessagesFolder() {
-  const auto next = Value(kMoveUnderWay);
-  const bool moving = next != kNotFound && !next.empty();
-  const auto serving = ServingMessagesFolder(settings_.MassagesPath, shared_, files_, moving);
-  shared_.messages_path = serving.path;
-  shared_.messages_note = serving.note;
-  if (!serving.note.empty()) log_.WriteSystem(serving.note);
-}
-
-void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_ring_count) {
+void SettingsStore::GetAppOptions(const std::function<void()>& use_messages_path) {
   const std::string label = "ErrGetAppOption ";
   const ErrorTrap trap(log_, label);
   Read(kAppOptionsReader, label);
@@ -128,10 +102,9 @@ void SettingsStore::GetAppOptions(const std::function<void(std::int16_t)>& show_
     settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
     Set("MassagesPath", settings_.MassagesPath);
   }
-  ShareOptions(trap);
-  ShareMessagesFolder();
+  TakeMaxRec(trap);
+  use_messages_path();
   Read(kLogFlagsReader, label);
-  show_ring_count(settings_.NumOfRing);
 }
 
 }  // namespace orven

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "options/frmLineEdit.h"
 
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -61,20 +62,88 @@ frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, 
     IgnoreStrayWheel(*list);
     connect(list, &QComboBox::currentIndexChanged, this, &frmLineEdit::Changed);
   }
-  txtName_->setFocus();
-  txtName_->selectAll();
+  texts_.front().first->setFocus();
+  texts_.front().first->selectAll();
 }
 
 void frmLineEdit::MakeFields(bool fresh) {
-  txtName_ = AddText("txtName", tr("&Name:"), tr("The line's name in this program"));
+  AddText(&TelephoneLine::name, "txtName", tr("&Name:"), tr("The line's name in this program"));
   cmbKind_ = AddList("cmbKind", tr("&Kind:"));
   cmbKind_->addItem(tr("SIP (Internet telephony)"));
   cmbKind_->addItem(tr("Modem"));
   if (line_.kind == LineKind::Sim) cmbKind_->addItem(tr("Simulation"));
   cmbKind_->setEnabled(fresh);
-  MakeSipFields();
-  MakeModemFields();
-  txtScript_ = AddText("txtScript", tr("Scr&ipt:"), tr("A file that describes the calls to simulate"));
+  MakeSection(LineKind::Sip, &frmLineEdit::MakeSipFields);
+  MakeSection(LineKind::Modem, &frmLineEdit::MakeModemFields);
+  MakeSection(LineKind::Sim, &frmLineEdit::MakeSimFields);
+  MakeFault();
+  connect(cmbKind_, &QComboBox::currentIndexChanged, this, &frmLineEdit::ShowKind);
+}
+
+void frmLineEdit::MakeSection(LineKind kind, void (frmLineEdit::*make)()) {
+  const int first = form_->rowCount();
+  (this->*make)();
+  for (int row = first; row < form_->rowCount(); ++row) {
+    rows_.emplace_back(kind, form_->itemAt(row, QFormLayout::FieldRole)->widget());
+  }
+}
+
+void frmLineEdit::MakeSipFields() {
+  AddText(&TelephoneLine::server, "txtServer", tr("&Server:"),
+          tr("The account's server: its name or address, perhaps with \":\" and a port; empty for calls "
+             "that come directly to this computer"))
+      ->setPlaceholderText(tr("sip.example.org, or the home router"));
+  AddText(&TelephoneLine::user, "txtUser", tr("&User:"), tr("The account's name or telephone number"));
+  AddText(&TelephoneLine::auth_user, "txtAuthUser", tr("&Login name:"),
+          tr("Only if the server expects a login name other than the user"))
+      ->setPlaceholderText(tr("the same as the user"));
+  MakePassword();
+  cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
+  cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
+  for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
+  AddText(&TelephoneLine::listen, "txtListen", tr("&Address for calls:"),
+          tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
+             "network, 127.0.0.1 this computer only"));
+  spnRing_ = MakeChild<QSpinBox>(this);
+  spnRing_->setObjectName(Name("spnRing"));
+  spnRing_->setRange(1, 60);
+  spnRing_->setSuffix(tr(" s"));
+  spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
+  IgnoreStrayWheel(*spnRing_);
+  AddRow(tr("Time &between rings:"), spnRing_);
+}
+
+void frmLineEdit::MakePassword() {
+  auto* row = MakeRow();
+  auto* field = AddText(&TelephoneLine::password, "txtPassword", tr("&Password:"), {}, row);
+  field->setEchoMode(QLineEdit::Password);
+  auto* shows = MakeCheckBox("chkShowPassword", tr("S&how"), row);
+  shows->setToolTip(tr("Show the password"));
+  row->layout()->addWidget(shows);
+  connect(shows, &QCheckBox::toggled, this,
+          [field](bool shown) { field->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password); });
+}
+
+void frmLineEdit::MakeModemFields() {
+  auto* row = MakeRow();
+  cmbPort_ = AddList("cmbPort", tr("P&ort:"), row);
+  cmbPort_->setEditable(true);
+  cmbPort_->setToolTip(tr("The serial port of the modem"));
+  auto* find = MakeButton("cmdFindPorts", tr("&Find"), nullptr, row);
+  find->setToolTip(tr("Look for ports again, after a modem has been plugged in"));
+  row->layout()->addWidget(find);
+  connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
+  auto* hint = MakeChild<QLabel>(tr("auto: the first voice modem that is found, on any port."), this);
+  hint->setWordWrap(true);
+  form_->addRow(QString(), hint);
+}
+
+void frmLineEdit::MakeSimFields() {
+  AddText(&TelephoneLine::script, "txtScript", tr("Scr&ipt:"),
+          tr("A file that describes the calls to simulate"));
+}
+
+void frmLineEdit::MakeFault() {
   lblFault_ = MakeChild<QLabel>(this);
   lblFault_->setObjectName(Name("lblFault"));
   lblFault_->setTextFormat(Qt::PlainText);
@@ -83,77 +152,22 @@ void frmLineEdit::MakeFields(bool fresh) {
   font.setBold(true);
   lblFault_->setFont(font);
   lblFault_->hide();
-  connect(cmbKind_, &QComboBox::currentIndexChanged, this, &frmLineEdit::ShowKind);
 }
 
-void frmLineEdit::MakeSipFields() {
-  txtServer_ =
-      AddText("txtServer", tr("&Server:"),
-              tr("The account's server: its name or address, perhaps with \":\" and a port; empty for calls "
-                 "that come directly to this computer"));
-  txtServer_->setPlaceholderText(tr("sip.example.org, or the home router"));
-  txtUser_ = AddText("txtUser", tr("&User:"), tr("The account's name or telephone number"));
-  txtAuthUser_ = AddText("txtAuthUser", tr("&Login name:"),
-                         tr("Only if the server expects a login name other than the user"));
-  txtAuthUser_->setPlaceholderText(tr("the same as the user"));
-  password_row_ = MakeChild<QWidget>(this);
-  auto* row = MakeChild<QHBoxLayout>(password_row_);
-  row->setContentsMargins(0, 0, 0, 0);
-  txtPassword_ = MakeChild<QLineEdit>(password_row_);
-  txtPassword_->setObjectName(Name("txtPassword"));
-  txtPassword_->setEchoMode(QLineEdit::Password);
-  chkShowPassword_ = MakeCheckBox("chkShowPassword", tr("S&how"), password_row_);
-  chkShowPassword_->setToolTip(tr("Show the password"));
-  row->addWidget(txtPassword_, 1);
-  row->addWidget(chkShowPassword_);
-  AddRow(tr("&Password:"), txtPassword_, password_row_);
-  connect(chkShowPassword_, &QCheckBox::toggled, this,
-          [this](bool shown) { txtPassword_->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password); });
-  cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
-  cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
-  for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
-  txtListen_ =
-      AddText("txtListen", tr("&Address for calls:"),
-              tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
-                 "network, 127.0.0.1 this computer only"));
-  spnRing_ = MakeChild<QSpinBox>(this);
-  spnRing_->setObjectName(Name("spnRing"));
-  spnRing_->setRange(1, 60);
-  spnRing_->setSuffix(tr(" s"));
-  spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
-  IgnoreStrayWheel(*spnRing_);
-  AddRow(tr("Time &between rings:"), spnRing_, spnRing_);
+/// A row for a field and what stands on its right.
+QWidget* frmLineEdit::MakeRow() {
+  auto* row = MakeChild<QWidget>(this);
+  MakeChild<QHBoxLayout>(row)->setContentsMargins(0, 0, 0, 0);
+  return row;
 }
 
-void frmLineEdit::MakeModemFields() {
-  port_row_ = MakeChild<QWidget>(this);
-  auto* row = MakeChild<QHBoxLayout>(port_row_);
-  row->setContentsMargins(0, 0, 0, 0);
-  cmbPort_ = AddList("cmbPort", tr("P&ort:"), port_row_);
-  cmbPort_->setEditable(true);
-  cmbPort_->setToolTip(tr("The serial port of the modem"));
-  auto* find = MakeButton("cmdFindPorts", tr("&Find"), nullptr, port_row_);
-  find->setToolTip(tr("Look for ports again, after a modem has been plugged in"));
-  row->addWidget(cmbPort_, 1);
-  row->addWidget(find);
-  connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
-  port_hint_ = MakeChild<QLabel>(tr("auto: the first voice modem that is found, on any port."), this);
-  port_hint_->setWordWrap(true);
-  form_->addRow(QString(), port_hint_);
-}
-
-void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {
-  row->setMinimumWidth(kFieldWidth);
-  auto* caption = MakeChild<QLabel>(label, this);
-  caption->setBuddy(field);
-  form_->addRow(caption, row);
-}
-
-QLineEdit* frmLineEdit::AddText(const char* name, const QString& label, const QString& tip) {
-  auto* field = MakeChild<QLineEdit>(this);
+QLineEdit* frmLineEdit::AddText(std::string TelephoneLine::*value, const char* name, const QString& label,
+                                const QString& tip, QWidget* row) {
+  auto* field = MakeChild<QLineEdit>(row != nullptr ? row : this);
   field->setObjectName(Name(name));
   field->setToolTip(tip);
-  AddRow(label, field, field);
+  AddRow(label, field, row);
+  texts_.emplace_back(field, value);
   return field;
 }
 
@@ -161,21 +175,25 @@ QComboBox* frmLineEdit::AddList(const char* name, const QString& label, QWidget*
   auto* list = MakeChild<QComboBox>(row != nullptr ? row : this);
   list->setObjectName(Name(name));
   list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  AddRow(label, list, row != nullptr ? row : list);
+  AddRow(label, list, row);
   return list;
 }
 
+/// Without `row` the field is a row of its own.
+void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {
+  auto* caption = MakeChild<QLabel>(label, this);
+  caption->setBuddy(field);
+  if (row != nullptr) static_cast<QHBoxLayout*>(row->layout())->addWidget(field, 1);
+  auto* whole = row != nullptr ? row : field;
+  whole->setMinimumWidth(kFieldWidth);
+  form_->addRow(caption, whole);
+}
+
 void frmLineEdit::Show(const TelephoneLine& line) {
-  txtName_->setText(QString::fromStdString(line.name));
+  for (const auto& [field, value] : texts_) field->setText(QString::fromStdString(line.*value));
   cmbKind_->setCurrentIndex(static_cast<int>(line.kind));
-  txtServer_->setText(QString::fromStdString(line.server));
-  txtUser_->setText(QString::fromStdString(line.user));
-  txtAuthUser_->setText(QString::fromStdString(line.auth_user));
-  txtPassword_->setText(QString::fromStdString(line.password));
   cmbTransport_->setCurrentIndex(TransportIndex(line));
-  txtListen_->setText(QString::fromStdString(line.listen));
   spnRing_->setValue(line.ring_seconds);
-  txtScript_->setText(QString::fromStdString(line.script));
   cmbPort_->setEditText(QString::fromStdString(line.port));
   FillPorts();
   ShowKind();
@@ -193,15 +211,7 @@ void frmLineEdit::FillPorts() {
 }
 
 void frmLineEdit::ShowKind() {
-  const bool sip = Kind() == LineKind::Sip;
-  const bool modem = Kind() == LineKind::Modem;
-  for (QWidget* row : std::initializer_list<QWidget*>{txtServer_, txtUser_, txtAuthUser_, password_row_,
-                                                      cmbTransport_, txtListen_, spnRing_}) {
-    form_->setRowVisible(row, sip);
-  }
-  form_->setRowVisible(port_row_, modem);
-  form_->setRowVisible(port_hint_, modem);
-  form_->setRowVisible(txtScript_, Kind() == LineKind::Sim);
+  for (const auto& [kind, row] : rows_) form_->setRowVisible(row, kind == Kind());
 }
 
 void frmLineEdit::Changed() {
@@ -217,16 +227,14 @@ LineKind frmLineEdit::Kind() const {
 
 TelephoneLine frmLineEdit::Line() const {
   auto line = line_;
-  line.name = txtName_->text().trimmed().toStdString();
   line.kind = Kind();
+  for (const auto& [field, value] : texts_) {
+    if (!field->isVisibleTo(this)) continue;
+    const bool exact = value == &TelephoneLine::password;
+    line.*value = (exact ? field->text() : field->text().trimmed()).toStdString();
+  }
   if (line.kind == LineKind::Modem) line.port = cmbPort_->currentText().trimmed().toStdString();
-  if (line.kind == LineKind::Sim) line.script = txtScript_->text().trimmed().toStdString();
   if (line.kind != LineKind::Sip) return line;
-  line.server = txtServer_->text().trimmed().toStdString();
-  line.user = txtUser_->text().trimmed().toStdString();
-  line.auth_user = txtAuthUser_->text().trimmed().toStdString();
-  line.password = txtPassword_->text().toStdString();
-  line.listen = txtListen_->text().trimmed().toStdString();
   line.ring_seconds = spnRing_->value();
   // An unchanged choice keeps what was written by hand in the file.
   if (cmbTransport_->currentIndex() != TransportIndex(line_)) {
@@ -247,8 +255,8 @@ std::optional<TelephoneLine> frmLineEdit::CheckedLine() {
 }
 
 void frmLineEdit::ShowFault(const LineFault& fault) {
-  auto* field = FieldOf(fault.field);
-  auto* row = field == txtPassword_ ? password_row_ : field == cmbPort_ ? port_row_ : field;
+  auto* field = findChild<QWidget*>(QString::fromLatin1(fault.control.data()));
+  auto* row = field->parentWidget() == this ? field : field->parentWidget();
   int at = 0;
   QFormLayout::ItemRole role{};
   form_->getWidgetPosition(row, &at, &role);
@@ -258,21 +266,6 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();
-}
-
-QWidget* frmLineEdit::FieldOf(LineField field) const {
-  switch (field) {
-    case LineField::Listen: return txtListen_;
-    case LineField::Server: return txtServer_;
-    case LineField::User: return txtUser_;
-    case LineField::AuthUser: return txtAuthUser_;
-    case LineField::Password: return txtPassword_;
-    case LineField::Transport: return cmbTransport_;
-    case LineField::RingSeconds: return spnRing_;
-    case LineField::Port: return cmbPort_;
-    case LineField::Script: return txtScript_;
-    default: return txtName_;
-  }
 }
 
 void frmLineEdit::Ok() {

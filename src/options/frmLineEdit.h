@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
+#include <utility>
+#include <vector>
 
 #include "options/frmLines.h"
 #include "options/lines_dialog.h"
@@ -24,11 +25,17 @@ class frmLineEdit : public QDialog {
 
  private:
   void MakeFields(bool fresh);
+  void MakeSection(LineKind kind, void (frmLineEdit::*make)());
   void MakeSipFields();
+  void MakePassword();
   void MakeModemFields();
-  QLineEdit* AddText(const char* name, const QString& label, const QString& tip);
+  void MakeSimFields();
+  void MakeFault();
+  QWidget* MakeRow();
+  QLineEdit* AddText(std::string TelephoneLine::*value, const char* name, const QString& label,
+                     const QString& tip, QWidget* row = nullptr);
   QComboBox* AddList(const char* name, const QString& label, QWidget* row = nullptr);
-  void AddRow(const QString& label, QWidget* field, QWidget* row);
+  void AddRow(const QString& label, QWidget* field, QWidget* row = nullptr);
   void Show(const TelephoneLine& line);
   void ShowKind();
   void FillPorts();
@@ -37,28 +44,18 @@ class frmLineEdit : public QDialog {
   LineKind Kind() const;
   std::optional<TelephoneLine> CheckedLine();
   void ShowFault(const LineFault& fault);
-  QWidget* FieldOf(LineField field) const;
   void Ok();
 
   LinesDialog& engine_;
   const std::optional<std::size_t> index_;
   TelephoneLine line_;  ///< as it was when the dialog opened
   QFormLayout* form_ = nullptr;
-  QLineEdit* txtName_ = nullptr;
+  std::vector<std::pair<LineKind, QWidget*>> rows_;  ///< those of only one kind of line
+  std::vector<std::pair<QLineEdit*, std::string TelephoneLine::*>> texts_;
   QComboBox* cmbKind_ = nullptr;
-  QLineEdit* txtServer_ = nullptr;
-  QLineEdit* txtUser_ = nullptr;
-  QLineEdit* txtAuthUser_ = nullptr;
-  QLineEdit* txtPassword_ = nullptr;
-  QCheckBox* chkShowPassword_ = nullptr;
-  QWidget* password_row_ = nullptr;
   QComboBox* cmbTransport_ = nullptr;
-  QLineEdit* txtListen_ = nullptr;
   QSpinBox* spnRing_ = nullptr;
   QComboBox* cmbPort_ = nullptr;
-  QWidget* port_row_ = nullptr;
-  QLabel* port_hint_ = nullptr;
-  QLineEdit* txtScript_ = nullptr;
   QLabel* lblFault_ = nullptr;
   frmLineTest* test_ = nullptr;
 };

@@ -64,7 +64,7 @@ std::optional<LineFault> LinesDialog::Check(const TelephoneLine& line,
   const bool renamed = !index || At(*index).name != line.name;
   // Names must be unique, because the chosen line is stored by its name.
   if (renamed && HasName(line.name)) {
-    return LineFault{LineField::Name, "Another line has this name: expected a unique name."};
+    return LineFault{"txtName", "Another line has this name: expected a unique name."};
   }
   return parts_.lines.Check(line);
 }

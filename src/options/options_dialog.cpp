@@ -125,7 +125,7 @@ OptionChoices OptionsDialog::Load() {
     const auto steps = std::nearbyint(double(ToInt16(Value("ValSilence"))) / kThousandthsPerStep);
     choices.sldSilence = std::clamp(static_cast<std::int32_t>(steps), 0, kLoudestSilence);
   });
-  choices.txtMassagesPath = parts_.shared.messages_path;
+  choices.txtMassagesPath = parts_.folders.Serving();
   trap([&] { choices.cmdRecordMessage = Flag("RecordMessage"); });
   trap([&] { choices.txtNumOfRing = NumberText("NumOfRing"); });
   trap([&] { choices.txtRecLong = NumberText("MaxRec"); });
@@ -172,12 +172,12 @@ void OptionsDialog::Watch(OptionsView* view) {
 
 void OptionsDialog::LookAgain() {
   view_->ShowLevel(parts_.line_level());
-  view_->ShowMessagesPath(parts_.shared.messages_path, parts_.move.Relocating());
+  view_->ShowMessagesPath(parts_.folders.Serving(), parts_.move.Relocating());
   if (++ticks_ % kTicksBetweenLooks == 0) view_->ShowSoundCards(SoundCards());
 }
 
 void OptionsDialog::BrowsMessagesPath() {
-  auto path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.shared.messages_path);
+  auto path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.folders.Serving());
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
@@ -231,7 +231,7 @@ void OptionsDialog::Save(const OptionChoices& choices) {
   Collect(choices, values);
   // One write: a crash leaves either the old options or the new ones, and a slow disk delays us once.
   const bool stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
-  parts_.store.ShareOptions(trap);
+  parts_.store.TakeMaxRec(trap);
   StoreAutostart(choices.chkRenOnStart);
   parts_.show_in_main();
   TellOfFailures(stored, choices.chkRenOnStart);

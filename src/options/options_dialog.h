@@ -124,7 +124,8 @@ class OptionsDialog {
     SoundCardNames& cards;
     SettingsStore& store;
     Settings& settings;  ///< the main window's, which the next call uses
-    SharedOptions& shared;
+    const SharedOptions& shared;
+    const MessageFolders& folders;
     const LineManager& line;
     const MessageMove& move;
     std::function<std::optional<std::int32_t>()> line_level;          ///< as ShowLevel takes it

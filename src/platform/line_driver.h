@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/audio_device.h"
@@ -13,30 +17,47 @@ namespace orven {
 /// arrives after its call ended never affects the next one.
 using CallNumber = std::uint32_t;
 
-/// Events from a driver to the line service. A driver may call these on any thread, one at a time, in the
-/// order in which things happen; an implementation only queues them and never blocks.
-class LineDriverEvents {
- public:
-  virtual ~LineDriverEvents() = default;
+/// One thing that happened on a telephone line. Drivers push these values, the telephony control passes them
+/// on, and the call sequence handles them: all three use the fields that the kind names.
+struct LineEvent {
+  enum class Kind : std::uint8_t {
+    InCommingCall,  ///< a call is offered; the first event of each call
+    Ring,           ///< `number` is 1 for the first ring of each call
+    /// `name` and `text` (the number): from a driver as the network sent them, decoded to UTF-8, empty if not
+    /// sent; after the control clean and never empty.
+    CallerID,
+    /// The result of the request `number`, exactly one for each Answer or Drop. From a driver kTelephonyOk or
+    /// a negative TelephonyResult; after the control equal to the request on success.
+    Proc,
+    Connected,     ///< the call was answered
+    MonitorDigit,  ///< one key press: '0'-'9', '*', '#', 'A'-'D'; only while monitoring is on
+    /// The remote party (or the network) ended an answered call. Not after our own Drop, nor for a call that
+    /// was never answered.
+    Disconnected,
+    /// The call is over. Exactly once for each InCommingCall, as the call's last event; the driver then
+    /// accepts the next call.
+    Idle,
+    Trouble,  ///< a fault of the device itself, as one sentence for the user in `text`; empty: it works again
+  };
 
-  virtual void Offered(CallNumber call) = 0;
-  /// `count` is 1 for the first ring of each call.
-  virtual void Ring(CallNumber call, std::int32_t count) = 0;
-  /// As the network sent them (decoded to UTF-8; the service cleans them). Empty: not sent.
-  virtual void CallerId(CallNumber call, const std::string& name, const std::string& number) = 0;
-  /// Answers exactly one Answer or Drop: kTelephonyOk or a negative TelephonyResult.
-  virtual void RequestDone(std::int32_t request, std::int32_t result) = 0;
-  virtual void Connected(CallNumber call) = 0;
-  /// One key press: '0'-'9', '*', '#', 'A'-'D'. Only while monitoring is on.
-  virtual void Digit(CallNumber call, char digit) = 0;
-  /// The remote party (or the network) ended an answered call. Not raised after our own Drop, nor for
-  /// a call that was never answered.
-  virtual void Disconnected(CallNumber call) = 0;
-  /// The call is over. Exactly once for each Offered, as its last event; the driver then accepts the next
-  /// call.
-  virtual void Idle(CallNumber call) = 0;
-  /// A fault of the device itself, as one sentence for the user; empty: it works again.
-  virtual void Trouble(const std::string& /*text*/) {}
+  Kind kind;
+  CallNumber call = 0;      ///< 0 for Proc and Trouble, which belong to no call
+  std::int32_t line = -1;   ///< device index; the telephony control fills it in
+  std::int32_t number = 0;  ///< Ring, Proc
+  std::int32_t result = 0;  ///< Proc
+  char digit = 0;           ///< MonitorDigit
+  std::string name{};       ///< CallerID
+  std::string text{};       ///< CallerID, Trouble
+};
+
+/// Where a driver pushes its events: on any thread, one at a time, in the order in which things happen. It
+/// only queues them and never blocks.
+using LineSink = std::function<void(LineEvent)>;
+
+/// Why a line could not be opened.
+struct OpenFailure {
+  std::int32_t result;  ///< a negative TelephonyResult
+  std::string reason;   ///< one sentence for the log
 };
 
 /// One telephone device. Operations are called on the user-interface thread and return at once; their
@@ -45,34 +66,34 @@ class LineDriver {
  public:
   virtual ~LineDriver() = default;
 
-  virtual const DeviceCapabilities& Capabilities() const = 0;
-
-  /// Opens the device; from now on calls are reported to `events`, which outlives Close.
-  /// kTelephonyOk or a negative TelephonyResult; LastError then says more.
-  virtual std::int32_t Open(LineDriverEvents& events) = 0;
+  /// Opens the device; from now on calls are pushed into `events`. Nothing on success.
+  virtual std::optional<OpenFailure> Open(LineSink events) = 0;
 
   /// Hangs up an active call, releases the device and returns after the driver's last event
   /// (including that call's Idle). Idempotent. Returns within 2 seconds, even if the device or the network
   /// hangs.
   virtual void Close() = 0;
 
-  /// Answers `call`; RequestDone(request, …) and, on success, Connected follow.
+  /// Answers `call`; Proc and, on success, Connected follow.
   virtual void Answer(CallNumber call, std::int32_t request) = 0;
 
-  /// Ends `call`: hangs up when answered, rejects when not. RequestDone then Idle follow. Dropping a
-  /// call that has already ended succeeds.
+  /// Ends `call`: hangs up when answered, rejects when not. Proc, then Idle follow; for request 0 no Proc is
+  /// expected. Dropping a call that has already ended succeeds.
   virtual void Drop(CallNumber call, std::int32_t request) = 0;
 
   virtual void MonitorDigits(CallNumber call, bool on) = 0;
 
-  virtual void SetGreetingPhase(CallNumber call, bool on) = 0;
-
   /// The line's audio: plays to and records from the answered call. Without an answered call, playing
   /// consumes nothing and recording delivers nothing. Lives as long as the driver.
   virtual AudioDevice& Audio() = 0;
+};
 
-  /// One sentence for the log on why the last Open failed; empty when it succeeded.
-  virtual std::string LastError() const = 0;
+/// A line that the telephony control is to control.
+struct TelephoneDevice {
+  DeviceCapabilities capabilities;
+  std::unique_ptr<LineDriver> driver;
+  /// The line ends a call on which nothing was played, recorded or keyed for this time; 0: never.
+  std::chrono::seconds idle_limit{0};
 };
 
 }  // namespace orven

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orven {
@@ -34,12 +35,9 @@ struct TelephoneLine {
   bool operator==(const TelephoneLine&) const = default;
 };
 
-/// The field of a line that has a fault.
-enum class LineField { Name, Listen, Server, User, AuthUser, Password, Transport, RingSeconds, Port, Script };
-
 struct LineFault {
-  LineField field;
-  std::string text;  ///< one sentence; never quotes a password
+  std::string_view control;  ///< of the dialog: where the fault is, a literal
+  std::string text;          ///< one sentence; never quotes a password
 };
 
 /// A serial port of this machine.

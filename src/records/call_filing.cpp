@@ -19,8 +19,8 @@ constexpr std::chrono::seconds kTryAgain{5};
 
 CallFiling::CallFiling(Ports ports)
     : ports_(std::move(ports)),
-      recovery_({ports_.files, ports_.clock, ports_.Wave1, ports_.system_log, ports_.open, ports_.shared,
-                 [this](const std::string& message) { return ACallHas(message); }}),
+      recovery_({ports_.files, ports_.clock, ports_.Wave1, ports_.system_log, ports_.open, ports_.folders,
+                 ports_.shared, [this](const std::string& message) { return ACallHas(message); }}),
       tmrAgain_(ports_.loop.MakeTimer([this] { TryAgain(); })) {}
 
 void CallFiling::Start() {
@@ -141,7 +141,7 @@ bool CallFiling::LacksMessage(const Call& call) const {
 MessageState CallFiling::FindOwn(Call& call) {
   if (!call.message_path.empty()) return MessageState::kThere;
   if (!call.message_left || call.place.empty()) return MessageState::kNone;
-  if (!ports_.files.Exists(call.place) || ACallHas(NameInFolder(call.place, ports_.shared.messages_path)))
+  if (!ports_.files.Exists(call.place) || ACallHas(NameInFolder(call.place, ports_.folders.Serving())))
     return AwaitsRoom(call) ? MessageState::kLater : MessageState::kNone;
   auto complete = call;  // a step that fails leaves the call awaiting its message
   complete.message_path = call.place;
@@ -165,7 +165,7 @@ bool CallFiling::AwaitsRoom(const Call& call) const {
 }
 
 void CallFiling::BringMessageAlong(Call& call) {
-  const auto& folder = ports_.shared.messages_path;
+  const auto& folder = ports_.folders.Serving();
   auto path = folder + call.message_file_name;
   if (call.message_path.empty() || call.message_path == path) return;
   if (ports_.files.Exists(path)) path = FreeNameBeside(ports_.files, ports_.clock, path);

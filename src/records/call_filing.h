@@ -18,6 +18,7 @@
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/call_list.h"
+#include "records/message_files.h"
 #include "records/message_recovery.h"
 #include "records/open_calls.h"
 
@@ -40,6 +41,7 @@ class CallFiling {
     CallsLog& calls_log;
     OpenCalls& open;
     CallList& list;
+    const MessageFolders& folders;
     const SharedOptions& shared;
     const Call& current;  ///< the current call, or the latest
     /// Whether a call that was interrupted is to have a record.

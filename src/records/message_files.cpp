@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 
 #include "base/paths.h"
+#include "core/mdlReg.h"
 
 namespace orven {
 
@@ -34,11 +36,28 @@ void DeleteEverywhere(Files& files, const std::vector<std::string>& paths) {
   files.Delete(path);
 }
 
+void MessageFolders::Serve(const std::string& stored, bool moving) {
+  serving_ = stored;
+  note_.clear();
+  const bool full = std::filesystem::path(stored).is_absolute();
+  if (full && (moving || files_.Exists(FolderPart(stored)) || !files_.Exists(Own()))) return;
+  const auto fault = full                  ? "names a folder that does not exist (" + stored + ")"
+                     : stored == kNotFound ? "is missing"
+                                           : "is not a full path (\"" + stored + "\")";
+  serving_ = Own();
+  note_ = "The setting MassagesPath " + fault + ": messages are stored in " + serving_;
+  log_.WriteSystem(note_);
+}
+
+void MessageFolders::Moved(const std::string& folder) {
+  serving_ = folder;
+  next_.clear();
+}
+
 std::vector<std::string> MessageFolders::PlacesOf(const std::string& name) const {
-  std::vector<std::string> places{shared_.messages_path + name};
+  std::vector<std::string> places{serving_ + name};
   if (!next_.empty()) places.push_back(next_ + name);
-  const auto own = shared_.InApplicationFolder("\\Messages\\");
-  if (shared_.messages_path != own && next_ != own) places.push_back(own + name);
+  if (serving_ != Own() && next_ != Own()) places.push_back(Own() + name);
   return places;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/activity_log.h"
 #include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -20,16 +21,32 @@ bool SameContent(const Files& files, const std::string& one, const std::string& 
 /// program may leave; throws 53 when none exists. Any thread.
 void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 
-/// Finds message files. They are in the messages folder; during a move, which may last several starts, also
-/// in the next folder; some may be in the application folder's own, which is used while the messages folder
-/// is missing. User-interface thread.
+/// Knows where message files are. They are in the messages folder; during a move, which may last several
+/// starts, also in the next folder; some may be in the application folder's own, which is used while the
+/// messages folder is missing. User-interface thread.
 class MessageFolders {
  public:
-  MessageFolders(const Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
+  MessageFolders(const Files& files, SystemLog& log, const SharedOptions& shared)
+      : files_(files), log_(log), shared_(shared) {}
+
+  /// Chooses the messages folder when the setting `MassagesPath` is `stored`. It is the application folder's
+  /// own when the setting is missing or not a full path (it would depend on where the program was started),
+  /// and when the stored folder does not exist (a copied application folder, an unplugged disk), unless
+  /// messages are `moving` from it. The log tells when it is not the stored one.
+  void Serve(const std::string& stored, bool moving);
+
+  /// The messages folder: what a message's file name directly follows.
+  const std::string& Serving() const { return serving_; }
+
+  /// For the status bar: why it was not the stored one at the start; empty when it was.
+  const std::string& Note() const { return note_; }
 
   /// The folder that messages move to, ending in a separator; empty while none do.
   const std::string& Next() const { return next_; }
   void SetNext(const std::string& folder) { next_ = folder; }
+
+  /// `folder` is the messages folder from now on, and no message moves.
+  void Moved(const std::string& folder);
 
   /// The current path of the message file of this name.
   std::string PathOf(const std::string& name) const { return FirstThere(files_, PlacesOf(name)); }
@@ -38,9 +55,12 @@ class MessageFolders {
   std::vector<std::string> PlacesOf(const std::string& name) const;
 
  private:
+  std::string Own() const { return shared_.InApplicationFolder("\\Messages\\"); }
+
   const Files& files_;
+  SystemLog& log_;
   const SharedOptions& shared_;
-  std::string next_;
+  std::string serving_, next_, note_;
 };
 
 /// An unused path in the folder of the message file `path`: its name, ".kept_" and the time now, as in

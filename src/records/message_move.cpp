@@ -7,12 +7,14 @@
 
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
-#include "core/settings_store.h"
 
 namespace orven {
 namespace {
 
 constexpr auto kRoot = RegistryRoot::LocalMachine;
+
+/// Setting: the folder that messages are being moved to, until the move is complete.
+constexpr const char* kMoveUnderWay = "MassagesPathNext";
 
 /// Moving is a part of browsing for a folder, so its errors are logged under that command's label.
 constexpr const char* kLabel = "ErrcmdBrowsMessagesPath ";
@@ -90,14 +92,19 @@ void MoveMessage(Files& files, const std::string& from, const std::string& to, b
 
 void MessageMove::Begin(const std::string& folder) {
   if (move_ || !MayLeave(folder)) return;
-  if (folder != parts_.shared.messages_path) return Try(folder, false);
-  parts_.folders.SetNext({});
+  if (folder != parts_.folders.Serving()) return Try(folder, false);
+  parts_.folders.Moved(folder);
   StoreEnd();
 }
 
-void MessageMove::GoOn() {
+std::string MessageMove::Interrupted() const {
   const auto folder = GetRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
-  if (folder == kNotFound || folder.empty() || folder == parts_.shared.messages_path) return;
+  return folder == kNotFound ? "" : folder;
+}
+
+void MessageMove::GoOn() {
+  const auto folder = Interrupted();
+  if (folder.empty() || folder == parts_.folders.Serving()) return;
   parts_.folders.SetNext(folder);
   Try(folder, true);
 }
@@ -123,7 +130,7 @@ bool MessageMove::MayLeave(const std::string& folder) {
 /// would be taken for an empty one.
 void MessageMove::Try(const std::string& folder, bool old_needed) {
   if (move_) return;
-  move_ = std::make_unique<Move>(Move{parts_.shared.messages_path, folder, {}, {}, {}});
+  move_ = std::make_unique<Move>(Move{parts_.folders.Serving(), folder, {}, {}, {}});
   const auto same = std::make_shared<bool>(false);
   parts_.background.Run(
       [&files = parts_.files, from = move_->from, folder, old_needed, same] {
@@ -192,9 +199,8 @@ void MessageMove::Refuse(const std::string& reason) {
 
 void MessageMove::End() {
   const auto move = std::exchange(move_, nullptr);
-  parts_.shared.messages_path = move->to;
   parts_.settings.MassagesPath = move->to;
-  parts_.folders.SetNext({});
+  parts_.folders.Moved(move->to);
   StoreEnd();
   if (!move->stayed.empty()) parts_.dialogs.Information(StayedText(move->from, move->stayed));
 }
@@ -204,7 +210,7 @@ bool MessageMove::Store(const std::string& name, const std::string& folder) {
 }
 
 void MessageMove::StoreEnd() {
-  const auto& folder = parts_.shared.messages_path;
+  const auto& folder = parts_.folders.Serving();
   if (Store("MassagesPath", folder))
     return DeleteRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
   parts_.dialogs.Information(

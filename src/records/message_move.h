@@ -45,7 +45,6 @@ class MessageMove {
     const CallFiling& filing;
     MessageFolders& folders;
     Settings& settings;
-    SharedOptions& shared;
   };
 
   explicit MessageMove(Parts parts) : parts_(parts) {}
@@ -55,7 +54,10 @@ class MessageMove {
   /// messages move.
   void Begin(const std::string& folder);
 
-  /// Continues a move that the end of the program interrupted. If that fails, the next start tries again.
+  /// The folder of a move that the end of the program interrupted; empty for none.
+  std::string Interrupted() const;
+
+  /// Continues that move. If this fails, the next start tries again.
   void GoOn();
 
   /// The progress of the move; nothing when there is none.

@@ -24,7 +24,7 @@ constexpr const char* kMended = ".mended-recording";
 }  // namespace
 
 std::set<std::string> MessageRecovery::Folders() const {
-  return {FolderPart(ports_.shared.messages_path),
+  return {FolderPart(ports_.folders.Serving()),
           ports_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")};
 }
 
@@ -48,7 +48,7 @@ void MessageRecovery::Look(const std::vector<const Call*>& calls) {
 }
 
 MessageState MessageRecovery::Find(Call& call) {
-  const auto expected = ports_.shared.messages_path + call.message_file_name;
+  const auto expected = ports_.folders.Serving() + call.message_file_name;
   // What was kept may be damaged and name a folder.
   const auto is_there = [this](const std::string& path) {
     return !FileNamePart(path).empty() && ports_.files.Exists(path);
@@ -65,7 +65,7 @@ MessageState MessageRecovery::Find(Call& call) {
     return MessageState::kNone;
   // A file with its name belongs to another call.
   if (call.message_left && call.place.empty()) return MessageState::kNone;
-  if (is_there(call.place) && !ports_.a_call_has(NameInFolder(call.place, ports_.shared.messages_path)))
+  if (is_there(call.place) && !ports_.a_call_has(NameInFolder(call.place, ports_.folders.Serving())))
     return TakeStored(call, call.place);
   const auto grown = grown_.Of(call.recording);
   if (!grown.empty()) return TakeGrown(call, grown);
@@ -108,7 +108,7 @@ std::string MessageRecovery::Mended(const std::string& path) {
 MessageState MessageRecovery::TakeStored(Call& call, const std::string& path) {
   const auto is_at = [&](const std::string& place) {
     call.message_path = place;
-    call.message_file_name = NameInFolder(place, ports_.shared.messages_path);
+    call.message_file_name = NameInFolder(place, ports_.folders.Serving());
     ports_.open.Note(call);
   };
   call.message_left = true;
@@ -124,7 +124,7 @@ MessageState MessageRecovery::TakeStored(Call& call, const std::string& path) {
 /// Moves a file to the messages folder; false when that fails.
 bool MessageRecovery::MoveTo(Call& call, const std::string& from) {
   if (!IsInPlace(call.place) || ports_.files.Exists(call.place)) {
-    call.place = FreePath(ports_.shared.messages_path + FileNamePart(call.message_file_name));
+    call.place = FreePath(ports_.folders.Serving() + FileNamePart(call.message_file_name));
     if (!ports_.open.Note(call)) return false;
   }
   return Trap()([&] { ports_.files.Rename(from, call.place); });
@@ -163,7 +163,7 @@ bool MessageRecovery::LookAtStray(const GrownRecording& stray, std::vector<Call>
   const auto path = stray.Path();
   if (!ports_.files.Exists(path)) return true;
   // Outside the messages folder only a named recording is a caller's; takes from the microphone have no name.
-  if (stray.Name().empty() && stray.folder != FolderPart(ports_.shared.messages_path)) return true;
+  if (stray.Name().empty() && stray.folder != FolderPart(ports_.folders.Serving())) return true;
   if (ports_.open.Claims(stray)) return false;
   const auto age = ports_.clock.Now() - ports_.files.LastModified(path);
   if (age >= 0s && age < kMayBeGrowing) return false;
@@ -192,7 +192,7 @@ bool MessageRecovery::TakeStray(const GrownRecording& stray, double length, std:
 }
 
 bool MessageRecovery::IsInPlace(const std::string& path) const {
-  const auto& folder = ports_.shared.messages_path;
+  const auto& folder = ports_.folders.Serving();
   return path == folder + NameInFolder(path, folder);
 }
 

@@ -15,6 +15,7 @@
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/grown_recordings.h"
+#include "records/message_files.h"
 #include "records/open_calls.h"
 
 namespace orven {
@@ -43,6 +44,7 @@ class MessageRecovery {
     const WaveControl& Wave1;  ///< measures sound files
     SystemLog& log;
     OpenCalls& open;
+    const MessageFolders& folders;
     const SharedOptions& shared;
     /// Whether a call has the message of this name.
     std::function<bool(const std::string& message)> a_call_has;

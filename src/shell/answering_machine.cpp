@@ -5,15 +5,15 @@ namespace orven {
 AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared_options)
     : shared(shared_options),
       log(ports.clock, ports.files, ports.loop, settings, shared),
-      store(ports.registry, log, ports.files, settings, shared),
-      quick_options(store, log, settings, shared),
+      store(ports.registry, log, settings, shared),
+      quick_options(store, log, settings),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),
-      folders(ports.files, shared),
+      folders(ports.files, log, shared),
       open_calls(ports.DataBase1, ports.files, ports.clock, ports.loop, log,
                  shared.InApplicationFolder("\\")),
       filing({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, log, open_calls,
-              ListView1, shared, call,
+              ListView1, folders, shared, call,
               [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
               // Posted: these mails go after those already in the outbox, once the start is over.
               [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); }}),
@@ -22,8 +22,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
              ListView1, settings, [this](std::int32_t row) { calls.MarkAsReadUnRead(row, true); }),
       calls({ports.DataBase1, ports.files, folders, ports.background, ports.dialogs, player, log, filing},
             ListView1),
-      move({ports.registry, ports.dialogs, log, ports.files, ports.background, filing, folders, settings,
-            shared}),
+      move({ports.registry, ports.dialogs, log, ports.files, ports.background, filing, folders, settings}),
       sounds(ports.WavePlay, player, settings, log),
       library(ports.files, shared),
       greetings(library, player, sounds, views.boxes, ports.files, status),
@@ -49,14 +48,14 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
       actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
       microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
-      recorder({ports.clock, ports.loop, ports.files, microphone}, context, control),
+      recorder({ports.clock, ports.loop, ports.files, folders, microphone}, context, control),
       remote(context, control, recorder, ListView1, folders, status),
       after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
       sequence(context, {control, recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {
-  ports_.Tapi1.SetEvents(&sequence);
+  ports_.Tapi1.SetEvents([this](const LineEvent& event) { sequence.Handle(event); });
   ports_.Wave1.SetEvents(&sequence);
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
@@ -103,6 +102,7 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
           store,
           settings,
           shared,
+          folders,
           line,
           move,
           [this] { return LineLevel(); },
@@ -133,7 +133,7 @@ void AnsweringMachine::ShowOptions() {
 }
 
 AnsweringMachine::~AnsweringMachine() {
-  ports_.Tapi1.SetEvents(nullptr);
+  ports_.Tapi1.SetEvents({});
   ports_.Wave1.SetEvents(nullptr);
 }
 

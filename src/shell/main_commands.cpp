@@ -13,7 +13,6 @@ constexpr const char* kRingsLabel = "ErrchkRecMessage ";
 }  // namespace
 
 void QuickOptions::SetRecordMessage(bool on) {
-  shared_.record_messages = on;
   settings_.RecordMessage = on ? 1 : 0;
   store_.Set("RecordMessage", on ? "1" : "0");
 }
@@ -24,13 +23,11 @@ void QuickOptions::SetRings(const std::string& text) {
     const auto count = ToInt16(text);
     store_.Set("NumOfRing", text);
     settings_.NumOfRing = count;
-    shared_.num_of_ring = count;
   });
 }
 
 void QuickOptions::SetGreeting(const std::string& name) {
   settings_.Greeting = name;
-  shared_.greeting_file = name + ".wav";
   store_.Set("Greeting", name);
 }
 

@@ -34,8 +34,8 @@ class DialogFactory {
 /// Stores the choices on the quick-option toolbar; the next step of a call uses them. User-interface thread.
 class QuickOptions {
  public:
-  QuickOptions(SettingsStore& store, SystemLog& log, Settings& settings, SharedOptions& shared)
-      : store_(store), log_(log), settings_(settings), shared_(shared) {}
+  QuickOptions(SettingsStore& store, SystemLog& log, Settings& settings)
+      : store_(store), log_(log), settings_(settings) {}
 
   /// `chkRecMessage` was clicked.
   void SetRecordMessage(bool on);
@@ -50,7 +50,6 @@ class QuickOptions {
   SettingsStore& store_;
   SystemLog& log_;
   Settings& settings_;
-  SharedOptions& shared_;
 };
 
 /// What the buttons of the quick-option toolbar do with greetings. User-interface thread.

@@ -83,7 +83,9 @@ void MainWindow::ReadSettings() {
   store.GetMainAction();
   store.GetMainEvents();
   store.GetView(views_.frame);
-  store.GetAppOptions([this](std::int16_t count) { views_.boxes.ShowRings(count); });
+  store.GetAppOptions([&machine = machine_] {
+    machine.folders.Serve(machine.settings.MassagesPath, !machine.move.Interrupted().empty());
+  });
 }
 
 void MainWindow::ShowListStyle() {
@@ -113,7 +115,7 @@ void MainWindow::StartUp() {
     machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
   }
   views_.player.EnableSlider(false);
-  const auto& note = machine_.shared.messages_note;
+  const auto& note = machine_.folders.Note();
   if (!note.empty()) machine_.status.ShowStatus(note);
 }
 

@@ -5,11 +5,11 @@
 
 #include "core/activity_log.h"
 #include "core/settings.h"
-#include "platform/telephony.h"
 #include "platform/wave.h"
 #include "records/call.h"
 #include "records/open_calls.h"
 #include "telephony/line_manager.h"
+#include "telephony/telephony_control.h"
 
 namespace orven {
 

@@ -9,7 +9,7 @@ void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool 
   const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
   trap([&] {
     if (context_.Tapi1.IsCallConnected(line)) return;
-    const bool due = ring_count >= context_.shared.num_of_ring && !context_.call.answering;
+    const bool due = ring_count >= context_.settings.NumOfRing && !context_.call.answering;
     if (!force && !due) return;
     const auto request = RequestAnswer();
     if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);

@@ -5,7 +5,29 @@
 
 namespace orven {
 
-void CallSequence::InCommingCall(std::int32_t line, const CallInformation& /*call*/) {
+void CallSequence::Handle(const LineEvent& event) {
+  using Kind = LineEvent::Kind;
+  const auto line = event.line;
+  switch (event.kind) {
+    case Kind::InCommingCall: return InCommingCall(line);
+    case Kind::Ring: return Ring(line, event.number);
+    case Kind::CallerID: return CallerID(line, event.name, event.text);
+    case Kind::Proc: return parts_.control.Proc(line, event.number, event.result);
+    case Kind::Connected:
+      if (context_.call.in_progress) Connected(line);
+      return;
+    case Kind::MonitorDigit: return parts_.remote.MonitorDigit(line, event.digit);
+    case Kind::Disconnected:
+      if (context_.call.in_progress) Disconnected(line);
+      return;
+    case Kind::Idle:
+      if (context_.call.in_progress) Idle(line);
+      return;
+    case Kind::Trouble: return context_.line.Trouble(line, event.text);
+  }
+}
+
+void CallSequence::InCommingCall(std::int32_t line) {
   context_.log.WriteSystem("InCommingCall" + LineTag(line));
   parts_.view.ShowStatus("InComing Call");
   const ErrorTrap trap(context_.log, "ErrTapiInComeCall ");
@@ -39,16 +61,7 @@ void CallSequence::CallerID(std::int32_t line, const std::string& name, const st
   if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(context_.call);
 }
 
-void CallSequence::Trouble(std::int32_t line, const std::string& text) {
-  context_.line.Trouble(line, text);
-}
-
-void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
-  parts_.control.Proc(line, request, result);
-}
-
 void CallSequence::Connected(std::int32_t line) {
-  if (!context_.call.in_progress) return;
   const ErrorTrap trap(context_.log, "ErrTapiConnected ");
   parts_.view.ShowStatus("Line Connected");
   trap([&] {
@@ -63,12 +76,7 @@ void CallSequence::Connected(std::int32_t line) {
   if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
 }
 
-void CallSequence::MonitorDigit(std::int32_t line, char digit) {
-  parts_.remote.MonitorDigit(line, digit);
-}
-
 void CallSequence::Disconnected(std::int32_t line) {
-  if (!context_.call.in_progress) return;
   parts_.view.ShowStatus("Line Disconnected");
   context_.log.WriteSystem("Disconnected" + LineTag(line));
   context_.Enter(CallState::Disconnected, "ErrTapiDisConnected ");
@@ -84,7 +92,6 @@ void CallSequence::Disconnected(std::int32_t line) {
 
 void CallSequence::Idle(std::int32_t line) {
   auto& call = context_.call;
-  if (!call.in_progress) return;
   call.in_progress = false;
   context_.log.WriteSystem("Idle" + LineTag(line));
   const ErrorTrap trap(context_.log, "ErrTapiIdle ");
@@ -112,9 +119,8 @@ std::int32_t CallSequence::PlayOnLine(const std::string& path) {
 void CallSequence::PlayGreeting() {
   context_.call.greeting_playing = true;
   context_.Enter(CallState::Greeting, "ErrTapiConnected ");
-  context_.Tapi1.SetGreetingPhase(context_.Line(), true);
   const auto result =
-      PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.shared.greeting_file);
+      PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.settings.Greeting + ".wav");
   if (result == kWaveOk) return;
   context_.log.WriteSystem("Play Greeting " + context_.Wave1.PlayErrorText(result));
   PlayFinished();
@@ -138,7 +144,6 @@ void CallSequence::PlayFinished() {
 }
 
 void CallSequence::PlayBeep() {
-  context_.Tapi1.SetGreetingPhase(context_.Line(), false);
   context_.call.greeting_playing = false;
   context_.Enter(CallState::Beep, "ErrLineWaveDonePlay ");
   const auto result = PlayOnLine(context_.shared.InApplicationFolder("\\beep.wav"));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/clock.h"
-#include "platform/telephony.h"
+#include "platform/line_driver.h"
 #include "platform/wave.h"
 #include "telephony/after_call.h"
 #include "telephony/call_control.h"
@@ -15,7 +15,7 @@ namespace orven {
 /// played to the caller: after the greeting comes the beep, after the beep the recording; in administrator
 /// mode one message follows the other. A file that cannot be played is logged and counts as played: a missing
 /// greeting must never cost the caller the message. User-interface thread.
-class CallSequence : public TelephonyEvents, public WaveEvents {
+class CallSequence : public WaveEvents {
  public:
   struct Parts {
     CallControl& control;
@@ -29,20 +29,19 @@ class CallSequence : public TelephonyEvents, public WaveEvents {
 
   CallSequence(CallContext& context, Parts parts) : context_(context), parts_(parts) {}
 
-  void InCommingCall(std::int32_t line, const CallInformation& call) override;
-  void Ring(std::int32_t line, std::int32_t count) override;
-  void CallerID(std::int32_t line, const std::string& name, const std::string& number) override;
-  void Trouble(std::int32_t line, const std::string& text) override;
-  void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override;
-  void Connected(std::int32_t line) override;
-  void MonitorDigit(std::int32_t line, char digit) override;
-  void Disconnected(std::int32_t line) override;
-  void Idle(std::int32_t line) override;
+  /// An event of the telephony control.
+  void Handle(const LineEvent& event);
 
   /// The line's wave control has played a file to its end.
   void PlayFinished() override;
 
  private:
+  void InCommingCall(std::int32_t line);
+  void Ring(std::int32_t line, std::int32_t count);
+  void CallerID(std::int32_t line, const std::string& name, const std::string& number);
+  void Connected(std::int32_t line);
+  void Disconnected(std::int32_t line);
+  void Idle(std::int32_t line);
   void PlayGreeting();
   void PlayBeep();
   std::int32_t PlayOnLine(const std::string& path);

@@ -11,8 +11,8 @@
 #include "core/settings_store.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
-#include "platform/telephony.h"
 #include "telephony/call_effects.h"
+#include "telephony/telephony_control.h"
 
 namespace orven {
 

@@ -49,7 +49,7 @@ std::int32_t Recorder::WaveIn() const {
 }
 
 void Recorder::RecMessage() {
-  if (!context_.shared.record_messages || context_.call.admin_mode) return control_.DropCall();
+  if (context_.settings.RecordMessage == 0 || context_.call.admin_mode) return control_.DropCall();
   ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
                     lifeline_.Bind([this, serial = context_.call.serial] {
                       // The caller may have hung up, keyed the password, or called again meanwhile.
@@ -61,7 +61,7 @@ void Recorder::RecMessage() {
 
 void Recorder::StartAfterWait() {
   MakeReady();
-  const auto folder = FolderPart(context_.shared.messages_path);
+  const auto folder = FolderPart(ports_.folders.Serving());
   context_.Wave1.SetRecordFolder(folder);
   const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
   context_.Wave1.SetRecordName(name);
@@ -124,7 +124,7 @@ void Recorder::StopRecMessage() {
   auto& call = context_.call;
   auto& wave = context_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
-  const auto& folder = context_.shared.messages_path;
+  const auto& folder = ports_.folders.Serving();
   auto path = folder + call.message_file_name;
   const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
   trap([&] {
@@ -183,7 +183,7 @@ void Recorder::SilenceTick() {
 void Recorder::RecordTick() {
   auto& call = context_.call;
   call.record_seconds += 1;
-  if (call.record_seconds < context_.shared.max_record_seconds) return;
+  if (call.record_seconds < context_.settings.max_record_seconds) return;
   if (Recording() && context_.Connected()) StopRecMessage();
   TimerRecord->Stop();
   call.record_seconds = 0;

@@ -8,6 +8,7 @@
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "records/message_files.h"
 #include "telephony/call_control.h"
 
 namespace orven {
@@ -20,6 +21,7 @@ class Recorder {
     Clock& clock;
     EventLoop& loop;
     Files& files;
+    const MessageFolders& folders;
     MicrophoneTake& microphone;  ///< uses the same recorder while no call needs it
   };
 

@@ -22,7 +22,6 @@ void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
 
 void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   auto& call = context_.call;
-  context_.Tapi1.SetGreetingPhase(line, false);
   call.beep_playing = false;
   call.greeting_playing = false;
   NameUnfiledMessage(line);

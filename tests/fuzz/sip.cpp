@@ -13,10 +13,10 @@
 #include <set>
 #include <string>
 
-#include "adapters/line/service/caller_text.h"
-#include "adapters/line/service/line_audio.h"
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
+#include "base/text.h"
 #include "base/unicode.h"
 #include "fuzz/fuzz.h"
 
@@ -115,24 +115,28 @@ class Telephone {
 };
 
 /// Records each event as a letter.
-struct Listener : LineDriverEvents {
-  void Offered(CallNumber number) override { Note(++call, number, 'o'); }
-  void Ring(CallNumber number, std::int32_t /*count*/) override { Note(call, number, 'r'); }
-  void CallerId(CallNumber number, const std::string& name, const std::string& caller) override {
-    Require(IsUtf8(name) && IsUtf8(caller) && IsUtf8(CleanCallerText(name)));
-    Note(call, number, 'n');
+struct Listener {
+  void Take(const LineEvent& event) {
+    using Kind = LineEvent::Kind;
+    switch (event.kind) {
+      case Kind::InCommingCall: return Note(++call, event.call, 'o');
+      case Kind::Ring: return Note(call, event.call, 'r');
+      case Kind::CallerID:
+        Require(IsUtf8(event.name) && IsUtf8(event.text) && IsUtf8(CleanCallerText(event.name)));
+        return Note(call, event.call, 'n');
+      case Kind::Proc:
+        Require(open_requests.erase(event.number) == 1);
+        if (event.result == kTelephonyOk) events += 'x';
+        return;
+      case Kind::Connected: return Note(call, event.call, 'c');
+      case Kind::MonitorDigit:
+        Require(std::string_view("0123456789*#ABCD").find(event.digit) != std::string_view::npos);
+        return Note(call, event.call, 'k');
+      case Kind::Disconnected: return Note(call, event.call, 'd');
+      case Kind::Idle: return Note(call, event.call, 'i');
+      case Kind::Trouble: return;
+    }
   }
-  void RequestDone(std::int32_t request, std::int32_t result) override {
-    Require(open_requests.erase(request) == 1);
-    if (result == kTelephonyOk) events += 'x';
-  }
-  void Connected(CallNumber number) override { Note(call, number, 'c'); }
-  void Digit(CallNumber number, char digit) override {
-    Require(std::string_view("0123456789*#ABCD").find(digit) != std::string_view::npos);
-    Note(call, number, 'k');
-  }
-  void Disconnected(CallNumber number) override { Note(call, number, 'd'); }
-  void Idle(CallNumber number) override { Note(call, number, 'i'); }
 
   void Note(CallNumber expected, CallNumber number, char event) {
     Require(number == expected);
@@ -161,7 +165,7 @@ void Sip(Bytes input) {
   settings.listen = "127.0.0.1:5060";
   settings.srtp = static_cast<SrtpUse>(input.front() % 3);
   {
-    SipAgent agent(settings, audio, listener);
+    SipAgent agent(settings, audio, [&](const LineEvent& event) { listener.Take(event); });
     Require(!agent.Start());
     std::string rest = TextOf(input.subspan(1));
     std::int32_t request = 0;

@@ -15,7 +15,7 @@ static constexpr int kIdleSeconds = 120;
 Promises::Promises(World& world) : world_(world), second_(world.time.MakeTimer([this] { CountSilence(); })) {
   second_->Start(1s);
   world_.Wave1.on_play = [this](const std::string& path) { OwnerHears(path); };
-  world_.Tapi1->SetEvents(this);
+  Connect();
   world_.files.on_append = [this](const std::string& path, std::string_view text) { Hear(path, text); };
   world_.disk.on_failure = [this](const std::string& path) {
     if (path == world_.database.opened_path || path.find("/.call-") != path.npos) kept_ = false;
@@ -55,7 +55,7 @@ void Promises::Restart(const Step& step) {
   const int least = world_.Machine().settings.ListMessageOnly == 0 ? most : 0;
   CountFiled();
   step.act(world_);
-  world_.Tapi1->SetEvents(this);
+  Connect();
   if (interrupted) ++idle_;  // the call ended with the program
   stale_ = false;
   const int recovered = world_.database.added - filed_;
@@ -157,7 +157,7 @@ void Promises::CheckMessage() {
   const int written = wave.written - written_before_;
   const auto path = Message(world_.database.Records().size() - 1);
   Expect(written <= 1, "a call has one message at most");
-  Expect(!whole || written == (world_.shared.record_messages ? 1 : 0),
+  Expect(!whole || written == (world_.Machine().settings.RecordMessage != 0 ? 1 : 0),
          "a call without any fault leaves its message");
   Expect(path.empty() == (written == 0), "the record says -1 exactly when no message was recorded");
   if (written == 0) return;
@@ -241,63 +241,63 @@ void Promises::CheckEnd() {
   for (const auto& fault : FaultsInLog(log, lost_)) Expect(false, fault);
 }
 
-void Promises::InCommingCall(std::int32_t line, const CallInformation& call) {
-  ++offered;
-  written_before_ = world_.Wave1.written;
-  date_ = world_.time.DateText(world_.time.Now());
-  time_ = world_.time.TimeText(world_.time.Now());
-  name_ = number_ = "UNKNOWN";
-  Program().InCommingCall(line, call);
+/// Puts the promises between the line and the program.
+void Promises::Connect() {
+  world_.Tapi1->SetEvents([this](const LineEvent& event) { Handle(event); });
 }
 
-void Promises::Idle(std::int32_t line) {
+void Promises::Handle(const LineEvent& event) {
+  using Kind = LineEvent::Kind;
+  const auto answered = [&] { return world_.Tapi1->IsCallConnected(event.line); };
+  if (event.kind == Kind::Idle) return HandleIdle(event);
+  if (event.kind == Kind::MonitorDigit) return HandleDigit(event);
+  if (event.kind == Kind::Disconnected) cut_short_ = true;
+  if (event.kind == Kind::InCommingCall) {
+    ++offered;
+    written_before_ = world_.Wave1.written;
+    date_ = world_.time.DateText(world_.time.Now());
+    time_ = world_.time.TimeText(world_.time.Now());
+    name_ = number_ = "UNKNOWN";
+  }
+  if (event.kind == Kind::CallerID) {
+    name_ = event.name;
+    number_ = event.text;
+  }
+  Pass(event);
+  if (event.kind == Kind::Proc) {
+    const bool hung_up = event.number == event.result && !answered();
+    if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
+  }
+  if (event.kind == Kind::Ring) {
+    Expect(event.number < world_.Machine().settings.NumOfRing || world_.CurrentCall().answering || answered(),
+           "a call is answered at the configured ring, whatever was clicked");
+  }
+}
+
+void Promises::HandleIdle(const LineEvent& event) {
   ++idle_;
   const auto added = world_.database.added;
   const auto refused = world_.database.refused;
   const bool message_only = world_.Machine().settings.ListMessageOnly != 0;
   const auto mails = world_.Mail1.mails.size();
   const auto programs = world_.shell.attempts;
-  Program().Idle(line);
+  Pass(event);
   CheckActions(world_.Mail1.mails.size() - mails, world_.shell.attempts - programs);
   CheckQuiet();
   CheckFiling(world_.database.added - added, message_only,
               RecordsWork() && world_.database.refused == refused);
 }
 
-void Promises::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
-  Program().Proc(line, request, result);
-  const bool hung_up = request == result && !world_.Tapi1->IsCallConnected(line);
-  if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
-}
-
-void Promises::MonitorDigit(std::int32_t line, char digit) {
+void Promises::HandleDigit(const LineEvent& event) {
   silent_ = 0;
-  const bool owner = digit == '*' && !world_.Machine().recorder.Recording() &&
+  const bool owner = event.digit == '*' && !world_.Machine().recorder.Recording() &&
                      world_.CurrentCall().digit_buffer == world_.Machine().settings.Pass;
   if (owner) heard_ = CallList::kTop;
   if (owner) cut_short_ = world_.database.gone;
-  Program().MonitorDigit(line, digit);
+  Pass(event);
   if (!owner || heard_ != CallList::kTop) return;
   Expect(cut_short_ || NextUnheard() == 0, "the owner hears the first message");
   cut_short_ = true;
-}
-
-void Promises::Disconnected(std::int32_t line) {
-  cut_short_ = true;
-  Program().Disconnected(line);
-}
-
-void Promises::Ring(std::int32_t line, std::int32_t count) {
-  Program().Ring(line, count);
-  Expect(count < world_.shared.num_of_ring || world_.CurrentCall().answering ||
-             world_.Tapi1->IsCallConnected(line),
-         "a call is answered at the configured ring, whatever was clicked");
-}
-
-void Promises::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
-  name_ = name;
-  number_ = number;
-  Program().CallerID(line, name, number);
 }
 
 }  // namespace orven::test

@@ -6,7 +6,7 @@
 namespace orven::test {
 
 /// Receives the telephony events before the program, checks each call and lists the broken promises.
-class Promises : public TelephonyEvents {
+class Promises {
  public:
   explicit Promises(World& world);
 
@@ -21,17 +21,12 @@ class Promises : public TelephonyEvents {
   int offered = 0;                  ///< number of offered calls
   bool whole = false;               ///< all faults are cleared: the next call must be filed with its message
 
-  void InCommingCall(std::int32_t line, const CallInformation& call) override;
-  void Idle(std::int32_t line) override;
-  void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override;
-  void MonitorDigit(std::int32_t line, char digit) override;
-  void Disconnected(std::int32_t line) override;
-  void Connected(std::int32_t line) override { Program().Connected(line); }
-  void Ring(std::int32_t line, std::int32_t count) override;
-  void CallerID(std::int32_t line, const std::string& name, const std::string& number) override;
-
  private:
-  CallSequence& Program() { return world_.Machine().sequence; }
+  void Connect();
+  void Handle(const LineEvent& event);
+  void HandleIdle(const LineEvent& event);
+  void HandleDigit(const LineEvent& event);
+  void Pass(const LineEvent& event) { world_.Machine().sequence.Handle(event); }
   std::string Newest(std::string_view field) const;
   std::string Message(std::size_t record) const;
   bool RecordsWork() const { return !world_.database_full && !world_.database.gone; }

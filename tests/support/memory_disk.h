@@ -149,6 +149,8 @@ class MemoryRegistry : public Registry {
   bool refuse_writes = false;
   /// Called before each change. If it returns false, the change fails.
   std::function<bool()> writable = [] { return true; };
+  /// The names of the values that were changed, in order.
+  std::vector<std::string> changed;
 
   void Set(const std::string& name, const std::string& text) {
     keys_[{RegistryRoot::LocalMachine, kSettingsKey}][name] = RegString(name, text).value;
@@ -167,7 +169,10 @@ class MemoryRegistry : public Registry {
   }
   bool Write(RegistryRoot root, const std::string& key, std::span<const NamedRegistryValue> values) override {
     if (refuse_writes || !writable()) return false;
-    for (const auto& [name, value] : values) keys_[{root, key}][name] = value;
+    for (const auto& [name, value] : values) {
+      keys_[{root, key}][name] = value;
+      changed.push_back(name);
+    }
     return true;
   }
   bool Delete(RegistryRoot root, const std::string& key, const std::string& name) override {

@@ -27,8 +27,8 @@ class ScriptedLines : public TelephoneLines {
     configured.lines = lines;
   }
   std::optional<LineFault> Check(const TelephoneLine& line) const override {
-    if (line.user.empty() != line.server.empty()) return LineFault{LineField::Server, fault};
-    if (line.password.starts_with(' ')) return LineFault{LineField::Password, "No blank, please."};
+    if (line.user.empty() != line.server.empty()) return LineFault{"txtServer", fault};
+    if (line.password.starts_with(' ')) return LineFault{"txtPassword", "No blank, please."};
     return std::nullopt;
   }
   std::vector<SerialPortFound> SerialPorts() const override { return ports; }

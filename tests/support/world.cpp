@@ -53,11 +53,11 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
 }
 
 void World::Build() {
-  auto driver = std::make_unique<SimLine>("Sim", time);
+  auto driver = std::make_unique<SimLine>(time);
   line = driver.get();
   std::vector<TelephoneDevice> devices;
-  devices.push_back({std::move(driver), 120s});
-  Tapi1 = std::make_unique<LineService>(
+  devices.push_back({device, std::move(driver), 120s});
+  Tapi1 = std::make_unique<TelephonyControl>(
       time, std::move(devices),
       IdleCalls{[this] { return Wave1.IsPlaying() || Wave1.IsRecording(); },
                 [this](const std::string& text) { Machine().log.WriteSystem(text); }});

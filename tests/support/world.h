@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "adapters/line/service/line_service.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
 #include "shell/main_window.h"
@@ -15,6 +14,7 @@
 #include "support/memory_disk.h"
 #include "support/recording_views.h"
 #include "support/timed_wave.h"
+#include "telephony/telephony_control.h"
 
 namespace orven::test {
 
@@ -87,8 +87,9 @@ class World {
   PostedBackground background{time};
   RecordingViews views;
   TimedWave Wave1, WavePlay;
+  DeviceCapabilities device = VoiceDevice("Sim");  ///< of `line`
   SimLine* line = nullptr;
-  std::unique_ptr<LineService> Tapi1;
+  std::unique_ptr<TelephonyControl> Tapi1;
   SharedOptions shared;
   std::int32_t loud = 0;
   bool database_full = false;  ///< every change of a record fails

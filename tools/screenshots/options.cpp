@@ -33,7 +33,7 @@ bool MakeOptions(const QString& folder, const QByteArray& name) {
   Desk desk(kSettings);
   desk.cards.names = {"Default output", "Headset", "Monitor loudspeakers"};
   desk.Start();
-  desk.shared.messages_path = "/home/anna/.local/share/orven/Messages/";
+  desk.Machine().folders.Moved("/home/anna/.local/share/orven/Messages/");
   auto parts = desk.Machine().ForOptionsDialog();
   std::optional<std::int32_t> level;
   parts.line_level = [&level] { return level; };

@@ -66,7 +66,12 @@ Program::Program(Folders folders)
           }),
       lines_(loop_, MakeLines(),
              {[this] { return LineHasSound(); }, [this](const std::string& text) { Report(text); }}),
-      configured_lines_(LinesPath(), loop_, lines_, line_states_),
+      configured_lines_(
+          LinesPath(), loop_,
+          [this](std::int32_t index) {
+            return FileTelephoneLines::Use{lines_.IsLineOpen(index), lines_.OpenFailureOf(index)};
+          },
+          line_states_),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
       desk_devices_(lines_, cards_),
@@ -167,7 +172,7 @@ void Program::WaitForLines() {
 
 bool Program::Start(const std::string& command_line) {
   FirstStart first_start(registry_, system_, shared_, FirstStartSources());
-  EntryRoutine entry(system_, dialogs_, first_start, shared_, [this](bool first) { PrepareFolder(first); });
+  EntryRoutine entry(system_, dialogs_, first_start, [this](bool first) { PrepareFolder(first); });
   if (!entry.Run(command_line, window_)) return false;
   if (!Ended()) mail_.Resume();
   return true;

@@ -17,7 +17,6 @@
 #include "adapters/desktop/qt_shell.h"
 #include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
-#include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/file_telephone_lines.h"
 #include "adapters/mail/smtp_mail.h"
 #include "adapters/registry/installed_classes.h"
@@ -28,6 +27,7 @@
 #include "programs/orven/program_dialogs.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
+#include "telephony/telephony_control.h"
 
 namespace orven {
 
@@ -88,7 +88,7 @@ class Program {
   InstalledClasses registry_;
   SqliteDatabase database_;
   LineStates line_states_;
-  LineService lines_;
+  TelephonyControl lines_;
   FileTelephoneLines configured_lines_;
   bool lines_wait_ = false;  ///< changed lines are opened after the current call
   SoundCards cards_;

@@ -15,6 +15,7 @@
 #include "actions/actions_dialog.h"
 #include "actions/frmActions.h"
 #include "adapters/line/sip/libre.h"
+#include "core/mMain.h"
 #include "greetings/frmGreetC.h"
 #include "log/frmLog.h"
 #include "notify/events_dialog.h"
@@ -70,7 +71,7 @@ void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmLog) OpenLog();
   if (dialog == Dialog::frmOptions) OpenOptions(tab);
   if (dialog == Dialog::frmAbout) {
-    frmAbout(machine_->shared.application_version, ProgramComponents(), window_).exec();
+    frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
   }
 }
 

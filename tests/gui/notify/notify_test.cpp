@@ -48,14 +48,10 @@ class EventsWindow : public WindowTest {
 TEST_F(EventsWindow, ShowsTheSettingsOnTheRequestedTab) {
   settings.cPlayInRing = settings.cPlayInIdle = 1;
   settings.PlayInIdle = "";
-  settings.AnimationFast = 400;
-  settings.CloseCallerView = 45;
   Open(1);
   EXPECT_EQ(Get<QTabWidget>("TabStrip1").currentIndex(), 1);
   EXPECT_EQ(Sounds(), "idle [ring] | idle ring | ");
-  ExpectShown({{"chkPlayInMessage", "false"}, {"sldAnimationFast", "100"}, {"cmbCloseCVAfter", ""}});
-  Click("cmdOK");
-  ExpectStored({{"CloseCallerView", "45"}});  // kept although the list does not offer it
+  ExpectShown({{"chkPlayInMessage", "false"}});
 
   settings.PlayInRing = "gone.wav";
   Open(2);
@@ -106,33 +102,6 @@ TEST_F(EventsWindow, TestOpensTheCallerViewAsChosenAndCancelKeepsOnlyTheSeconds)
   EXPECT_EQ(std::pair(settings.CloseCallerView, settings.ViewDetails),
             std::pair(std::int16_t{20}, std::int16_t{0}));
   ExpectStored({{"cCloseCallerView", "0"}});
-}
-
-TEST_F(EventsWindow, OkStoresEverythingAndTheNextCallUsesIt) {
-  constexpr struct {
-    const char *control, *chosen, *setting, *stored;
-  } kControls[] = {{"CmbPlayWhenCall", "idle.wav", "PlayInRing", "idle.wav"},
-                   {"CmbPlayWhenMessage", "ring.wav", "PlayInIdle", "ring.wav"},
-                   {"sldAnimationFast", "70", "AnimationFast", "70"},
-                   {"cmbCloseCVAfter", "20", "CloseCallerView", "20"},
-                   {"chkPlayInCall", "true", "cPlayInRing", "1"},
-                   {"chkPlayInMessage", "true", "cPlayInIdle", "1"},
-                   {"chkViewDet", "true", "ViewDetails", "1"},
-                   {"chkMsgInMsg", "true", "WhenMsgViewMsg", "1"},
-                   {"chkAnimation", "true", "cAnimation", "1"},
-                   {"chkCloseCVAfter", "true", "cCloseCallerView", "1"},
-                   {"chkOnlyIfGotMessage", "true", "cOnlyIfGotMessage", "1"}};
-  for (const auto& row : kControls) Set({{row.control, row.chosen}});
-  Click("cmdOK");
-  EXPECT_EQ(window->result(), QDialog::Accepted);
-  for (const bool read_again : {false, true}) {
-    if (read_again) settings = {}, machine.store.GetMainEvents();
-    Open();
-    for (const auto& row : kControls) {
-      ExpectStored({{row.setting, row.stored}});
-      ExpectShown({{row.control, row.chosen}});
-    }
-  }
 }
 
 class RecordedClicks : public CallerViewClicks {

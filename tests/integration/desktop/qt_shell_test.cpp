@@ -13,8 +13,8 @@
 #include "adapters/desktop/command_line.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/qt_dialogs.h"
-#include "adapters/line/service/caller_text.h"
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {

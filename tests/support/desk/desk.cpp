@@ -32,11 +32,11 @@ Desk::Desk(const std::string& settings)
   PutFile(home / "registry.reg", stored + "\"MassagesPath\"=\"" + home / "Messages/\"\n" + settings);
   for (const std::string name : {"Default", "Holiday", "Office"})
     PutWave(home / ("Greets/" + name + ".wav"), std::vector<std::int16_t>(4000, 77));
-  auto driver = std::make_unique<SimLine>("Home", loop);
+  auto driver = std::make_unique<SimLine>(loop);
   line = driver.get();
   std::vector<TelephoneDevice> devices;
-  devices.push_back({std::move(driver)});
-  Tapi1 = std::make_unique<LineService>(loop, std::move(devices));
+  devices.push_back({VoiceDevice("Home"), std::move(driver)});
+  Tapi1 = std::make_unique<TelephonyControl>(loop, std::move(devices));
   line_devices = std::make_unique<AllAudioDevices>(*Tapi1, card);
   Wave1 = std::make_unique<FileWaveControl>(loop, *line_devices, home / "Rescued");
   engine = std::make_unique<MainWindow>(

@@ -15,7 +15,6 @@
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/files/disk_files.h"
-#include "adapters/line/service/line_service.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/registry/registry_file.h"
 #include "shell/frmMain.h"
@@ -23,6 +22,7 @@
 #include "support/desk/silent_card.h"
 #include "support/recording_views.h"
 #include "support/scratch_folder.h"
+#include "telephony/telephony_control.h"
 
 namespace orven::test {
 
@@ -71,7 +71,7 @@ class Desk {
   RegistryFile registry;
   SqliteDatabase database;
   SimLine* line = nullptr;
-  std::unique_ptr<LineService> Tapi1;
+  std::unique_ptr<TelephonyControl> Tapi1;
   SilentCard card;
   std::unique_ptr<AllAudioDevices> line_devices;
   FileWaveControl WavePlay;

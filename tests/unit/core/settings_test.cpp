@@ -11,77 +11,62 @@ namespace {
 
 using testing::Each;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
-class SettingsTest : public testing::Test, public SystemLog {
- protected:
-  SettingsTest() { shared.application_folder = "/app"; }
-  void WriteSystem(const std::string& text) override { lines.push_back(text); }
-  void GetAppOptions() {
-    store.GetAppOptions([this](std::int16_t count) { ring_box = count; });
-  }
-
-  MemoryRegistry registry;
-  std::vector<std::string> lines;
-  VirtualTime time{Clock::WallTime()};
-  MemoryFiles files{time};
-  Settings settings;
-  SharedOptions shared;
-  SettingsStore store{registry, *this, files, settings, shared};
-  std::int16_t ring_box = -1;
-};
+class SettingsTest : public testing::Test, public World {};
 
 TEST_F(SettingsTest, AFreshKeyLogsEachNumberOnceAndReadsTextsAsNotFound) {
-  store.GetMainAction();
-  store.GetMainEvents();
-  std::vector<std::string> expected(5, "ErrGetMainAction 13 Type mismatch");
-  expected.insert(expected.end(), 9, "ErrGetMainEvents 13 Type mismatch");
+  registry = MemoryRegistry();
+  Start();
+  std::vector<std::string> expected;
+  for (const auto& [label, numbers] : {std::pair("ErrGetMainOptions ", 15U),
+                                       {"ErrGetMainAction ", 5U},
+                                       {"ErrGetMainEvents ", 9U},
+                                       {"ErrGetView ", 5U},
+                                       {"ErrGetAppOption ", 1U}})
+    expected.insert(expected.end(), numbers, label + std::string("13 Type mismatch"));
+  expected.push_back("The setting MassagesPath is missing: messages are stored in " + messages);
+  expected.insert(expected.end(), 2, "ErrGetAppOption 13 Type mismatch");
+  auto lines = SystemLog();
+  lines.resize(expected.size());
   EXPECT_EQ(lines, expected);
-  store.GetMainOptions();
-  EXPECT_EQ(lines.back(), "ErrGetMainOptions 13 Type mismatch");
-  EXPECT_THAT((std::array{settings.MailTo, settings.ModemName, settings.Pass}), Each("Not Found"));
-  lines.clear();
-  GetAppOptions();
-  const std::string line = "ErrGetAppOption 13 Type mismatch";
-  const std::string missing = "The setting MassagesPath is missing: messages are stored in /app/Messages/";
-  EXPECT_THAT(lines, ElementsAre(line, missing, line, line));
-  EXPECT_EQ(shared.messages_path, "/app/Messages/") << "not in the working directory";
-  EXPECT_EQ(registry.Text("MassagesPath"), "Not Found") << "the default is not written back";
-  EXPECT_NE(settings.cLogSys, 0) << "errors of a fresh installation are logged";
+  const auto& settings = Machine().settings;
+  EXPECT_THAT((std::array{settings.MailTo, settings.Pass, settings.LogFor}),
+              ElementsAre(kNotFound, kNotFound, ""));
+  EXPECT_EQ(Machine().folders.Serving(), messages) << "not in the working directory";
+  EXPECT_EQ(registry.Text("MassagesPath"), kNotFound) << "the default is not written back";
 }
 
 TEST_F(SettingsTest, AnEmptyMessagesPathIsReplacedAndAnUnusableOneIsKeptButNotUsed) {
   registry.Set("MassagesPath", "");
-  GetAppOptions();
-  EXPECT_EQ(registry.Text("MassagesPath"), "/app/Messages/");
+  Start();
+  EXPECT_EQ(registry.Text("MassagesPath"), messages);
   files.missing_folders = {"/gone/"};
   for (const char* stored : {"my/", "C:\\Messages\\", "./", "/x", "/gone/"}) {
     registry.Set("MassagesPath", stored);
-    GetAppOptions();
-    EXPECT_EQ(shared.messages_path, std::string(stored) == "/x" ? "/x" : "/app/Messages/");
+    Crash();
+    Start();
+    EXPECT_EQ(Machine().folders.Serving(), std::string(stored) == "/x" ? "/x" : messages);
     EXPECT_EQ(registry.Text("MassagesPath"), stored) << "the folder is used again when it is back";
   }
-  EXPECT_THAT(shared.messages_note, testing::HasSubstr("/gone/"));
+  EXPECT_THAT(views.Status(), HasSubstr("/gone/"));
   registry.Set("MassagesPathNext", "/new/");
-  GetAppOptions();
-  EXPECT_EQ(shared.messages_path, "/gone/") << "messages are being moved from there";
+  Crash();
+  Start();
+  EXPECT_EQ(Machine().folders.Serving(), "/gone/") << "messages are being moved from there";
 }
 
-TEST_F(SettingsTest, PublishesWhatAllPartsShareAndKeepsALimitThatDoesNotFit) {
-  for (const auto& [name, text] :
-       {std::pair("RecordMessage", "-1"), {"Greeting", "Hello"}, {"NumOfRing", "3"}, {"cLogSys", "0"}})
+TEST_F(SettingsTest, ALimitThatDoesNotFitIsLoggedEvenWithTheLogOffAndThePreviousOneStays) {
+  for (const auto& [name, text] : {std::pair("MaxRec", "547"), {"MassagesPath", "my/"}, {"cLogSys", "0"}})
     registry.Set(name, text);
+  Start();
+  EXPECT_THAT(SystemLog(), ElementsAre("ErrGetAppOption 6 Overflow", HasSubstr("(\"my/\")")));
   for (const char* longest : {"546", "547"}) {
     registry.Set("MaxRec", longest);
-    store.GetMainOptions();
-    GetAppOptions();
-    EXPECT_EQ(shared.max_record_seconds, 32760);
+    Machine().store.GetMainOptions();
+    Machine().store.GetAppOptions([] {});
+    EXPECT_EQ(Machine().settings.max_record_seconds, 32760);
   }
-  EXPECT_THAT(lines, testing::Contains("ErrGetAppOption 6 Overflow").Times(1));
-  EXPECT_TRUE(shared.record_messages);
-  EXPECT_EQ(shared.greeting_file, "Hello.wav");
-  EXPECT_EQ(shared.num_of_ring, 3);
-  EXPECT_EQ(ring_box, 3);
-  EXPECT_EQ(settings.cLogSys, 0);
 }
 
 TEST_F(SettingsTest, RegistryValuesOfEveryType) {
@@ -102,24 +87,25 @@ TEST_F(SettingsTest, RegistryValuesOfEveryType) {
 }
 
 TEST_F(SettingsTest, TheWindowIsPlacedAndSavedOnlyWhenNormal) {
-  RecordingViews window;
+  registry = MemoryRegistry();
+  auto& store = Machine().store;
   const std::pair<const char*, const char*> stored[] = {
       {"MeTop", "300"}, {"MeLeft", "x"}, {"MeHeight", "4000"}, {"MeWinState", "2"}};
   for (const auto& [name, text] : stored) registry.Set(name, text);
-  store.GetView(window);
-  EXPECT_EQ(window.geometry.top, 300);
-  EXPECT_EQ(window.geometry.left, 200) << "a damaged value leaves that edge alone";
-  EXPECT_EQ(window.geometry.width, 9000) << "so does a missing value";
-  EXPECT_EQ(window.geometry.state, 0) << "the stored state is read but not applied";
-  EXPECT_EQ(settings.MeWinState, 2);
-  store.SetView(window, false);
-  window.geometry = {1, 555, 1, 1, 0};
-  store.SetView(window, true);
-  window.geometry.state = 2;
-  store.SetView(window, false);
+  store.GetView(views);
+  EXPECT_EQ(views.geometry.top, 300);
+  EXPECT_EQ(views.geometry.left, 200) << "a damaged value leaves that edge alone";
+  EXPECT_EQ(views.geometry.width, 9000) << "so does a missing value";
+  EXPECT_EQ(views.geometry.state, 0) << "the stored state is read but not applied";
+  EXPECT_EQ(Machine().settings.MeWinState, 2);
+  store.SetView(views, false);
+  views.geometry = {1, 555, 1, 1, 0};
+  store.SetView(views, true);
+  views.geometry.state = 2;
+  store.SetView(views, false);
   EXPECT_EQ(registry.Text("MeLeft"), "200") << "not saved while hidden or maximised";
-  store.GetView(window);
-  EXPECT_EQ(window.geometry.top, 1) << "a maximised window is not moved";
+  store.GetView(views);
+  EXPECT_EQ(views.geometry.top, 1) << "a maximised window is not moved";
 }
 
 TEST(Conversions, AcceptNumbersAsPeopleWriteThemAndNameWhatIsWrong) {

@@ -192,7 +192,7 @@ TEST_F(CallListTest, AMessageStoredBeforeItsCallIsFiledWithItOnceItCanBeMoved) {
     ACallFindsNoRoom();
     files.Put(Wave1.last_recorded_path, TimedWave::Sound(3s));
     if (moves) {
-      shared.messages_path = "/home/other/";
+      Machine().folders.Moved("/home/other/");
       files.before_write = [](const std::string& path) {
         if (path.starts_with("/home/other/")) throw RuntimeError(ErrorNumber::PermissionDenied, path);
       };

@@ -58,7 +58,7 @@ TEST_F(MessageMoveTest, MovesTheMessagesThatAreThereAndOverwritesNone) {
   EXPECT_EQ(files.Content(kNew + "3.wav"), older);
   EXPECT_THAT(files.Names(messages), ElementsAre("3.wav", "none.wav"));
   ExpectStored(kNew);
-  EXPECT_EQ(shared.messages_path + Machine().settings.MassagesPath, kNew + kNew);
+  EXPECT_EQ(Machine().folders.Serving() + Machine().settings.MassagesPath, kNew + kNew);
   EXPECT_TRUE(Logged("Message is missing: " + messages + "2.wav"));
   EXPECT_THAT(dialogs.informations, ElementsAre(testing::EndsWith("\n\n3.wav"))) << "2.wav was missing";
 }
@@ -164,7 +164,7 @@ TEST_F(MessageMoveTest, SettingsThatCannotBeStoredLoseNoMessage) {
     return false;
   });
   MoveTo();
-  EXPECT_EQ(shared.messages_path, kNew);
+  EXPECT_EQ(Machine().folders.Serving(), kNew);
   ExpectStored(messages, kNew);
   files.before_write = [](const std::string&) {};
   registry.refuse_writes = false;

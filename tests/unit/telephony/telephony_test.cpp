@@ -25,7 +25,7 @@ class TelephonyTest : public testing::Test, public World {
   std::int32_t Replace(const std::vector<std::string>& names) {
     Machine().line.ReplaceDevices([&] {
       std::vector<TelephoneDevice> devices;
-      for (const auto& name : names) devices.push_back({std::make_unique<SimLine>(name, time)});
+      for (const auto& name : names) devices.push_back({VoiceDevice(name), std::make_unique<SimLine>(time)});
       EXPECT_TRUE(Tapi1->Replace(std::move(devices))) << "a line is still open";
     });
     auto open = Tapi1->GetNumDevs() - 1;
@@ -79,9 +79,9 @@ TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
                                          "view:", "view:Ring : 1", "sound:/home/orven/Sound/idle.wav",
                                          "view:no commands", "view:Call ended", "action:App"));
   EXPECT_TRUE(Machine().tray.Blinking());
-  auto& sequence = Machine().sequence;
-  EXPECT_THAT(LoggedBy([&] { sequence.Connected(0), sequence.Disconnected(0), sequence.Idle(0); }), IsEmpty())
-      << "there is no call";
+  for (const auto kind : {LineEvent::Kind::Connected, LineEvent::Kind::Disconnected, LineEvent::Kind::Idle})
+    EXPECT_THAT(LoggedBy([&] { Machine().sequence.Handle({.kind = kind, .line = 0}); }), IsEmpty())
+        << "there is no call";
   views.effects.clear();
   Machine().settings.cOnlyIfGotMessage = 1;
   Machine().settings.PlayInRing = "";
@@ -96,10 +96,14 @@ TEST_F(TelephonyTest, OnlyAFailureOfTheCurrentAnswerAllowsAnother) {
   line->Offer();
   for (int ring = 0; ring < 2; ++ring) line->Ring();
   RunFor(10ms);
-  Machine().control.Proc(0, 7, kTelephonyDeviceFailed);  // a request of an earlier call
+  const auto fail = [&](std::int32_t request) {
+    Machine().sequence.Handle(
+        {.kind = LineEvent::Kind::Proc, .line = 0, .number = request, .result = kTelephonyDeviceFailed});
+  };
+  fail(7);  // a request of an earlier call
   EXPECT_TRUE(CurrentCall().answering);
   EXPECT_EQ(Machine().progress.State(), CallState::Answering);
-  Machine().control.Proc(0, 1, kTelephonyDeviceFailed);
+  fail(1);
   EXPECT_FALSE(CurrentCall().answering);
   EXPECT_EQ(Machine().progress.State(), CallState::Offered);
 }
@@ -211,7 +215,10 @@ TEST_F(TelephonyTest, AMessageRecordedBeforeThePasswordIsLogged) {
 }
 
 TEST_F(TelephonyTest, ADeviceThatCannotHearDigitsIsNotUsable) {
-  line->MutableCapabilities().monitor_digits = false;
+  std::vector<TelephoneDevice> devices;
+  devices.push_back({VoiceDevice("Deaf"), std::make_unique<SimLine>(time)});
+  devices[0].capabilities.monitor_digits = false;
+  Tapi1->Replace(std::move(devices));
   Start();
   EXPECT_EQ(registry.Text("Modem") + registry.Text("ModemName"), "-2");
   EXPECT_FALSE(views.line_on);
@@ -230,17 +237,17 @@ TEST_F(TelephonyTest, ANameThatNoDeviceHasAnyMoreIsAskedFor) {
 TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
   const std::string opens = "LineOpen[LineIndex:0 Device Name:Sim]->";
   const std::string taken = "Error " + opens + "The line is in use by another program. Port 5060 is taken.";
-  line->FailOpen(kTelephonyLineInUse, "Port 5060 is taken.");
+  line->FailOpen(OpenFailure{kTelephonyLineInUse, "Port 5060 is taken."});
   Start();
   EXPECT_TRUE(Logged(taken));
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the same reason is logged once";
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "a person turned the line on";
   window->TurnOff();
-  line->FailOpen(kTelephonyOk, "");
+  line->FailOpen({});
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
-  line->FailOpen(kTelephonyDeviceFailed, "No network.");
+  line->FailOpen(OpenFailure{kTelephonyDeviceFailed, "No network."});
   window->TurnOn();
-  line->FailOpen(kTelephonyOk, "");
+  line->FailOpen({});
   EXPECT_THAT(LoggedBy([&] { RunFor(5s); }), ElementsAre(opens + "Success"));
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
 }
@@ -253,7 +260,8 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
   EXPECT_FALSE(line->HasCall()) << "silence hangs up the line that has the call";
   EXPECT_EQ(views.Status(), "Monitoring Sim");
   for (const std::int32_t of_line : {0, 1})
-    Machine().sequence.Trouble(of_line, "No network " + std::to_string(of_line));
+    Machine().sequence.Handle(
+        {.kind = LineEvent::Kind::Trouble, .line = of_line, .text = "No network " + std::to_string(of_line)});
   EXPECT_EQ(views.Status(), "No network 0") << "the other line's trouble is not shown";
   EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);

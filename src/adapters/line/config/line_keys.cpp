@@ -92,40 +92,53 @@ bool IsText(std::string_view value) {
   return !value.empty();
 }
 
+using L = TelephoneLine;
+
+constexpr bool kRequired = true;
+constexpr bool kSecret = true;
+
 constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
                                "a whole number of seconds up to 86400, 0 for never"};
 
 constexpr std::array kSipKeys{
-    LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", true},
+    LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", &L::listen,
+            "txtListen", "The address for calls", kRequired},
     LineKey{"account", IsAccount, "an address like sip:100@example.org"},
-    LineKey{"auth_user", IsText, "a user name"},
-    LineKey{"password", IsText, "a password", false, true},
-    LineKey{"transport", IsTransport, "udp, tcp or tls"},
-    LineKey{"srtp", IsYesOrNo, "yes or no"},
-    LineKey{"tls_trust", IsText, "the path of a PEM file with certificates"},
+    LineKey{"auth_user", IsText, "a user name", &L::auth_user, "txtAuthUser", "The login name"},
+    LineKey{"password", IsText, "a password", &L::password, "txtPassword", "The password", !kRequired,
+            kSecret},
+    LineKey{"transport", IsTransport, "udp, tcp or tls", &L::transport, "cmbTransport", "The transport"},
+    LineKey{"srtp", IsYesOrNo, "yes or no", &L::srtp, "cmbTransport", "The encryption of the sound"},
+    LineKey{"tls_trust", IsText, "the path of a PEM file with certificates", &L::tls_trust, "cmbTransport",
+            "The trusted certificates' path"},
     LineKey{"tls_listen", IsListen, "an IPv4 address and a port, for example 0.0.0.0:5061"},
     LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
     kIdleSeconds,
 };
 constexpr std::array kModemKeys{
-    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0, or auto", true},
+    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0, or auto", &L::port,
+            "cmbPort", "The port", kRequired},
     kIdleSeconds,
 };
 constexpr std::array kSimKeys{
-    LineKey{"script", IsText, "the path of a script"},
+    LineKey{"script", IsText, "the path of a script", &L::script, "txtScript", "The script"},
     kIdleSeconds,
 };
 constexpr std::array kTypes{
-    LineType{"sip", kSipKeys},
-    LineType{"modem", kModemKeys},
-    LineType{"sim", kSimKeys},
+    LineType{LineKind::Sip, "sip", kSipKeys},
+    LineType{LineKind::Modem, "modem", kModemKeys},
+    LineType{LineKind::Sim, "sim", kSimKeys},
 };
 
 }  // namespace
 
 std::span<const LineType> LineTypes() {
   return kTypes;
+}
+
+const LineType& TypeOf(LineKind kind) {
+  return *std::ranges::find(kTypes, kind, &LineType::kind);
 }
 
 }  // namespace orven

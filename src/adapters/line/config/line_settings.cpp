@@ -2,9 +2,9 @@
 #include "adapters/line/config/line_settings.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
+#include <ranges>
 
 #include "adapters/line/config/line_keys.h"
 
@@ -13,37 +13,14 @@ namespace {
 
 constexpr std::string_view kScheme = "sip:";
 
-struct Field {
-  const char* key;
-  LineField field;
-  const char* label;
-  std::string TelephoneLine::*value;
-};
-
 /// The keys whose values are shown unchanged.
-constexpr std::array kSipFields{
-    Field{"listen", LineField::Listen, "The address for calls", &TelephoneLine::listen},
-    Field{"auth_user", LineField::AuthUser, "The login name", &TelephoneLine::auth_user},
-    Field{"password", LineField::Password, "The password", &TelephoneLine::password},
-    Field{"transport", LineField::Transport, "The transport", &TelephoneLine::transport},
-    Field{"srtp", LineField::Transport, "The encryption of the sound", &TelephoneLine::srtp},
-    Field{"tls_trust", LineField::Transport, "The trusted certificates' path", &TelephoneLine::tls_trust},
-};
-constexpr std::array kModemFields{Field{"port", LineField::Port, "The port", &TelephoneLine::port}};
-constexpr std::array kSimFields{Field{"script", LineField::Script, "The script", &TelephoneLine::script}};
-
-std::span<const Field> FieldsOf(LineKind kind) {
-  if (kind == LineKind::Sip) return kSipFields;
-  return kind == LineKind::Modem ? std::span<const Field>(kModemFields) : kSimFields;
+auto ShownKeys(LineKind kind) {
+  return std::views::filter(TypeOf(kind).keys, [](const LineKey& key) { return key.value != nullptr; });
 }
 
-const LineType& TypeOf(LineKind kind) {
-  const char* name = kind == LineKind::Sip ? "sip" : kind == LineKind::Modem ? "modem" : "sim";
-  return *std::ranges::find(LineTypes(), std::string_view(name), &LineType::name);
-}
-
-const LineKey& KeyOf(LineKind kind, std::string_view name) {
-  return *std::ranges::find(TypeOf(kind).keys, name, &LineKey::name);
+/// Whether a value that is not shown unchanged would be read.
+bool IsValid(std::string_view name, const std::string& value) {
+  return std::ranges::find(TypeOf(LineKind::Sip).keys, name, &LineKey::name)->valid(value);
 }
 
 /// Rings are counted in whole seconds.
@@ -65,38 +42,31 @@ void PutAccount(TelephoneLine& line, const LineSection& section) {
   line.server = account->second.substr(at + 1);
 }
 
-bool IsAccount(const std::string& user, const std::string& server) {
-  return KeyOf(LineKind::Sip, "account").valid(AccountOf(user, server));
-}
-
 std::optional<LineFault> AccountFault(const TelephoneLine& line) {
   if (line.user.empty() && line.server.empty()) return std::nullopt;
-  if (line.server.empty()) return LineFault{LineField::Server, "The server of the account is missing."};
-  if (line.user.empty()) return LineFault{LineField::User, "The user of the account is missing."};
-  if (!IsAccount("user", line.server)) {
-    return LineFault{LineField::Server,
+  if (line.server.empty()) return LineFault{"txtServer", "The server of the account is missing."};
+  if (line.user.empty()) return LineFault{"txtUser", "The user of the account is missing."};
+  if (!IsValid("account", AccountOf("user", line.server))) {
+    return LineFault{"txtServer",
                      "The server is wrong: expected its name or address, perhaps with \":\" and a port, for "
                      "example sip.example.org or 192.168.1.1:5060."};
   }
-  if (!IsAccount(line.user, line.server)) {
-    return LineFault{LineField::User,
-                     "The user is wrong: expected a name or number without blanks, @ and <>."};
+  if (!IsValid("account", AccountOf(line.user, line.server))) {
+    return LineFault{"txtUser", "The user is wrong: expected a name or number without blanks, @ and <>."};
   }
   return std::nullopt;
 }
 
 std::optional<LineFault> ValueFault(const TelephoneLine& line) {
-  for (const auto& field : FieldsOf(line.kind)) {
-    const auto& value = line.*field.value;
-    const auto& key = KeyOf(line.kind, field.key);
+  for (const auto& key : ShownKeys(line.kind)) {
+    const auto& value = line.*key.value;
     if ((value.empty() && !key.required) || key.valid(value)) continue;
-    return LineFault{field.field, std::string(field.label) + (value.empty() ? " is missing" : " is wrong") +
+    return LineFault{key.control, std::string(key.label) + (value.empty() ? " is missing" : " is wrong") +
                                       ": expected " + std::string(key.expected) + '.'};
   }
-  const auto& ring = KeyOf(LineKind::Sip, "ring_seconds");
-  if (line.kind == LineKind::Sip && !ring.valid(std::to_string(line.ring_seconds))) {
-    return LineFault{LineField::RingSeconds,
-                     "The time between rings is wrong: expected " + std::string(ring.expected) + '.'};
+  if (line.kind == LineKind::Sip && !IsValid("ring_seconds", std::to_string(line.ring_seconds))) {
+    return LineFault{"spnRing",
+                     "The time between rings is wrong: expected a number of seconds from 1 to 60."};
   }
   return std::nullopt;
 }
@@ -109,20 +79,20 @@ bool CanBeWritten(const std::string& value) {
 
 /// The file format has no quoting, so some texts cannot be stored.
 std::optional<LineFault> NotationFault(const TelephoneLine& line) {
-  const auto fault = [](LineField field, const char* label) {
-    return LineFault{field,
+  const auto fault = [](std::string_view control, const char* label) {
+    return LineFault{control,
                      std::string(label) +
                          " cannot be stored: expected no blank at its ends, no \";\" at its beginning or "
                          "after a blank, and no control characters."};
   };
-  for (const auto& field : FieldsOf(line.kind)) {
-    const auto& value = line.*field.value;
-    if (!value.empty() && !CanBeWritten(value)) return fault(field.field, field.label);
+  for (const auto& key : ShownKeys(line.kind)) {
+    const auto& value = line.*key.value;
+    if (!value.empty() && !CanBeWritten(value)) return fault(key.control, key.label);
   }
   const auto edit = EditOf(line, nullptr);
   const auto read = ParseLines(SectionText(edit), "").sections;
   const bool same = read.size() == 1 && read.front().name == edit.name && read.front().values == edit.values;
-  return same ? std::nullopt : std::optional(fault(LineField::Name, "The name"));
+  return same ? std::nullopt : std::optional(fault("txtName", "The name"));
 }
 
 }  // namespace
@@ -130,13 +100,11 @@ std::optional<LineFault> NotationFault(const TelephoneLine& line) {
 TelephoneLine LineOf(const LineSection& section) {
   TelephoneLine line;
   line.name = section.name;
-  line.kind = section.type == "sip"     ? LineKind::Sip
-              : section.type == "modem" ? LineKind::Modem
-                                        : LineKind::Sim;
+  line.kind = std::ranges::find(LineTypes(), section.type, &LineType::name)->kind;
   line.origin = section.line_number;
-  for (const auto& field : FieldsOf(line.kind)) {
-    const auto value = section.values.find(field.key);
-    if (value != section.values.end()) line.*field.value = value->second;
+  for (const auto& key : ShownKeys(line.kind)) {
+    const auto value = section.values.find(std::string(key.name));
+    if (value != section.values.end()) line.*key.value = value->second;
   }
   if (line.kind != LineKind::Sip) return line;
   PutAccount(line, section);
@@ -153,11 +121,11 @@ LineEdit EditOf(const TelephoneLine& line, const LineSection* before) {
     if (!value.empty()) edit.values[key] = value;
   };
   const TelephoneLine plain;
-  for (const auto& field : FieldsOf(line.kind)) {
-    const auto& value = line.*field.value;
-    const bool given = before != nullptr && before->values.contains(field.key);
-    const bool required = std::string_view(field.key) == "listen";
-    if (required || given || value != plain.*field.value) set(field.key, value);
+  for (const auto& key : ShownKeys(line.kind)) {
+    const std::string name(key.name);
+    const auto& value = line.*key.value;
+    const bool given = before != nullptr && before->values.contains(name);
+    if (key.required || given || value != plain.*key.value) set(name, value);
   }
   if (line.kind != LineKind::Sip) return edit;
   set("account", AccountOf(line.user, line.server));
@@ -168,7 +136,7 @@ LineEdit EditOf(const TelephoneLine& line, const LineSection* before) {
 }
 
 std::optional<LineFault> FaultOf(const TelephoneLine& line) {
-  if (line.name.empty()) return LineFault{LineField::Name, "The line's name is missing."};
+  if (line.name.empty()) return LineFault{"txtName", "The line's name is missing."};
   if (auto fault = ValueFault(line)) return fault;
   if (line.kind == LineKind::Sip) {
     if (auto fault = AccountFault(line)) return fault;
@@ -197,7 +165,6 @@ constexpr int kIdleSeconds = 120;
 
 SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem::path& folder) {
   SipLineSettings settings;
-  settings.name = section.name;
   settings.listen = Value(section, "listen", settings.listen);
   settings.account = Value(section, "account");
   settings.auth_user = Value(section, "auth_user");

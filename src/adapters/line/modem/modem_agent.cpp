@@ -68,9 +68,9 @@ milliseconds RetryAfter(PreparedModem::State state) {
 
 ModemAgent::ModemAgent(ModemLineSettings settings, Ports ports)
     : settings_(std::move(settings)),
-      ports_(ports),
-      channel_(ports.link, ports.loop, *this),
-      health_(ports.loop.MakeTimer([this] {
+      ports_(std::move(ports)),
+      channel_(ports_.link, ports_.loop, *this),
+      health_(ports_.loop.MakeTimer([this] {
         if (state_ == State::Ready && !call_) CheckHealth(kHealthTries);
       })) {}
 
@@ -183,7 +183,7 @@ void ModemAgent::Trouble(const LineTrouble& trouble) {
   if (trouble.log == trouble_.log) return;
   trouble_ = trouble;
   settings_.report(trouble.log.empty() ? "The modem at " + port_ + " works again" : trouble.log);
-  ports_.events.Trouble(trouble.status);
+  ports_.events({.kind = LineEvent::Kind::Trouble, .text = trouble.status});
 }
 
 void ModemAgent::CheckHealth(int tries_left) {
@@ -258,12 +258,12 @@ ModemCall* ModemAgent::Find(CallNumber call) const {
 
 void ModemAgent::Answer(CallNumber call, std::int32_t request) {
   if (auto* found = Find(call)) return found->Answer(request);
-  ports_.events.RequestDone(request, kTelephonyNoCall);
+  ports_.events({.kind = LineEvent::Kind::Proc, .number = request, .result = kTelephonyNoCall});
 }
 
 void ModemAgent::Drop(CallNumber call, std::int32_t request) {
   if (auto* found = Find(call)) return found->Drop(request);
-  ports_.events.RequestDone(request, kTelephonyOk);
+  ports_.events({.kind = LineEvent::Kind::Proc, .number = request});
 }
 
 void ModemAgent::MonitorDigits(CallNumber call, bool on) {

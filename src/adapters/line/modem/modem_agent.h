@@ -27,13 +27,13 @@ struct LineTrouble {
 /// disappears or stops answering is looked for until it works. One thread, that of `loop`.
 class ModemAgent : private ModemLinkEvents, private ModemOutput {
  public:
-  /// All of these outlive the agent.
+  /// The references outlive the agent.
   struct Ports {
     ModemLink& link;
     EventLoop& loop;
     const Clock& clock;
     LineAudio& audio;
-    LineDriverEvents& events;
+    LineSink events;
   };
 
   ModemAgent(ModemLineSettings settings, Ports ports);

@@ -9,6 +9,7 @@ namespace orven {
 namespace {
 
 using std::chrono::milliseconds;
+using Kind = LineEvent::Kind;
 
 constexpr char kBegins = '/';
 constexpr char kEnds = '~';
@@ -108,6 +109,11 @@ void ModemCall::After(milliseconds delay, EventLoop::Task task) {
   ports_.loop.After(delay, lifeline_.Bind(std::move(task)));
 }
 
+void ModemCall::Tell(LineEvent event) {
+  event.call = number_;
+  ports_.events(std::move(event));
+}
+
 void ModemCall::Ring() {
   if (state_ == State::Connected) return RingsOn();
   if (state_ != State::Ringing && state_ != State::Answering) return;
@@ -115,9 +121,9 @@ void ModemCall::Ring() {
   const auto count = rings_.Ring(Now());
   WaitForNextRing(rings_.Patience());
   if (!count) return;
-  if (first) ports_.events.Offered(number_);
+  if (first) Tell({.kind = Kind::InCommingCall});
   TellCaller();
-  ports_.events.Ring(number_, *count);
+  Tell({.kind = Kind::Ring, .number = *count});
 }
 
 void ModemCall::WaitForNextRing(milliseconds patience) {
@@ -144,13 +150,14 @@ void ModemCall::EndCallerIdAfterQuiet() {
 
 void ModemCall::TellCaller() {
   if (!Offered() || state_ == State::Over || !caller_.Any()) return;
-  if (const auto caller = caller_.Finish()) ports_.events.CallerId(number_, caller->name, caller->number);
+  if (const auto caller = caller_.Finish())
+    Tell({.kind = Kind::CallerID, .name = caller->name, .text = caller->number});
 }
 
 void ModemCall::Answer(std::int32_t request) {
   if (state_ != State::Ringing) {
     const auto result = state_ == State::Over ? kTelephonyNoCall : kTelephonyAlreadyAnswered;
-    return ports_.events.RequestDone(request, result);
+    return Done(request, result);
   }
   TellCaller();
   answer_request_ = request;
@@ -195,7 +202,7 @@ void ModemCall::Connect() {
   state_ = rejected ? State::HangingUp : State::Connected;
   Done(answer_request_, kTelephonyOk);
   if (rejected) return After(kShortestOffHook, [this] { OnHook(); });
-  ports_.events.Connected(number_);
+  Tell({.kind = Kind::Connected});
   voice_ = std::make_unique<VoicePath>(
       ports_.channel, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
       VoicePath::Listener{
@@ -250,7 +257,7 @@ void ModemCall::Event(char code) {
   if (code == 'u') return voice_->Underrun();
   if (code == 'o') return voice_->Overrun();
   if (const auto key = keys_.Event(code, Now())) {
-    if (monitor_digits_) ports_.events.Digit(number_, *key);
+    if (monitor_digits_) Tell({.kind = Kind::MonitorDigit, .digit = *key});
     return;
   }
   HangUpEvent(code);
@@ -283,14 +290,13 @@ void ModemCall::NoCarrier() {
 void ModemCall::CallerGone(const std::string& why) {
   if (state_ != State::Connected) return;
   listener_.report("The call is over: " + why);
-  ports_.events.Disconnected(number_);
+  Tell({.kind = Kind::Disconnected});
   HangUp();
 }
 
 void ModemCall::Drop(std::int32_t request) {
   if (state_ == State::HangingUp || state_ == State::Over || dropping_) {
-    if (request != 0) ports_.events.RequestDone(request, kTelephonyOk);
-    return;
+    return Done(request, kTelephonyOk);
   }
   drop_request_ = request;
   dropping_ = true;
@@ -329,7 +335,7 @@ void ModemCall::VoiceFailed() {
 
 void ModemCall::Lost() {
   if (state_ == State::Over) return;
-  if (state_ == State::Connected) ports_.events.Disconnected(number_);
+  if (state_ == State::Connected) Tell({.kind = Kind::Disconnected});
   Done(answer_request_, kTelephonyDeviceFailed);
   Finish();
 }
@@ -338,12 +344,13 @@ void ModemCall::Finish() {
   TellCaller();
   Done(drop_request_, kTelephonyOk);
   state_ = State::Over;
-  if (Offered()) ports_.events.Idle(number_);
+  if (Offered()) Tell({.kind = Kind::Idle});
   listener_.over();
 }
 
 void ModemCall::Done(std::int32_t& request, std::int32_t result) {
-  if (request != 0) ports_.events.RequestDone(std::exchange(request, 0), result);
+  const auto number = std::exchange(request, 0);
+  if (number != 0) ports_.events({.kind = Kind::Proc, .number = number, .result = result});
 }
 
 }  // namespace orven

@@ -9,11 +9,11 @@
 #include <span>
 #include <string>
 
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/modem/at_channel.h"
 #include "adapters/line/modem/caller_id.h"
 #include "adapters/line/modem/modem_preparation.h"
 #include "adapters/line/modem/voice_path.h"
-#include "adapters/line/service/line_audio.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/line_driver.h"
@@ -64,7 +64,7 @@ struct ModemCallPorts {
   EventLoop& loop;
   const Clock& clock;
   LineAudio& audio;
-  LineDriverEvents& events;
+  const LineSink& events;
 };
 
 /// One call on a modem's line, from its first ring until the line is on-hook again. One thread.
@@ -111,6 +111,7 @@ class ModemCall {
  private:
   enum class State : std::uint8_t { Ringing, Answering, Connected, HangingUp, Over };
 
+  void Tell(LineEvent event);
   void EndCallerIdAfterQuiet();
   void TellCaller();
   void WaitForNextRing(std::chrono::milliseconds patience);

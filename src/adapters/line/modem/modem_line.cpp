@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "adapters/desktop/qt_event_loop.h"
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/modem/modem_agent.h"
 #include "adapters/line/modem/serial_link.h"
-#include "adapters/line/service/line_audio.h"
 #include "platform/event_loop.h"
 
 namespace orven {
@@ -87,28 +87,16 @@ void ModemThread::Stop() {
   thread_.reset();
 }
 
-/// 8000 samples a second of 16 bits.
-constexpr std::int32_t kMaxRate = 128'000;
-
 /// The agent's own limit is shorter; this one matters only when its thread hangs.
 constexpr std::chrono::milliseconds kLongestClose{1'800};
 
 /// The line's driver: passes all operations to the modem's thread.
 class ModemLine final : public LineDriver {
  public:
-  ModemLine(ModemLineSettings settings, const Clock& clock) : settings_(std::move(settings)), clock_(clock) {
-    capabilities_.device_name = settings_.name;
-    capabilities_.max_rate = kMaxRate;
-    capabilities_.caller_id = true;
-    capabilities_.monitor_digits = true;
-    capabilities_.data_mode = true;
-    capabilities_.interactive_voice = true;
-    capabilities_.automated_voice = true;
-  }
+  ModemLine(ModemLineSettings settings, const Clock& clock) : settings_(std::move(settings)), clock_(clock) {}
   ~ModemLine() override { ModemLine::Close(); }
 
-  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
-  std::int32_t Open(LineDriverEvents& events) override;
+  std::optional<OpenFailure> Open(LineSink events) override;
   void Close() override;
   void Answer(CallNumber call, std::int32_t request) override {
     thread_.Post([this, call, request] { agent_->Answer(call, request); });
@@ -119,25 +107,20 @@ class ModemLine final : public LineDriver {
   void MonitorDigits(CallNumber call, bool on) override {
     thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
   }
-  /// Nothing to do: the modem removes its own audio from the received audio.
-  void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
   AudioDevice& Audio() override { return audio_; }
-  std::string LastError() const override { return error_; }
 
  private:
   const ModemLineSettings settings_;
   const Clock& clock_;
-  DeviceCapabilities capabilities_;
   LineAudio audio_;
   std::unique_ptr<ModemLink> link_;    ///< modem's thread only
   std::unique_ptr<ModemAgent> agent_;  ///< modem's thread only
-  std::string error_;
   bool open_ = false;
   ModemThread thread_;
 };
 
-std::int32_t ModemLine::Open(LineDriverEvents& events) {
-  if (open_) return kTelephonyLineInUse;
+std::optional<OpenFailure> ModemLine::Open(LineSink events) {
+  if (open_) return OpenFailure{kTelephonyLineInUse, ""};
   std::optional<std::string> failure;
   thread_.Start(
       [this, &events, &failure](EventLoop& loop) {
@@ -151,9 +134,9 @@ std::int32_t ModemLine::Open(LineDriverEvents& events) {
         link_.reset();
       });
   open_ = !failure;
-  error_ = failure.value_or("");
-  if (!open_) thread_.Stop();
-  return open_ ? kTelephonyOk : kTelephonyDeviceFailed;
+  if (open_) return std::nullopt;
+  thread_.Stop();
+  return OpenFailure{kTelephonyDeviceFailed, *failure};
 }
 
 void ModemLine::Close() {

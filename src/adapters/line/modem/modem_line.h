@@ -18,7 +18,6 @@ inline constexpr const char* kModemReady = "Waiting for calls";
 
 /// One telephone line at a voice modem.
 struct ModemLineSettings {
-  std::string name = "Modem";   ///< device name
   std::string port = kAnyPort;  ///< path of the serial device, or kAnyPort
   /// Lists the ports to try for kAnyPort. Called on the modem's thread.
   std::function<std::vector<std::string>()> find_ports = [] { return std::vector<std::string>(); };

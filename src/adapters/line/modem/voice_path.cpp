@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/modem/hang_up_detector.h"
 #include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
-#include "adapters/line/service/line_audio.h"
 
 namespace orven {
 namespace {

@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/modem/at_channel.h"
 #include "adapters/line/modem/voice_format.h"
-#include "adapters/line/service/line_audio.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 

@@ -173,8 +173,8 @@ std::int32_t FileTelephoneLines::DeviceOf(const TelephoneLine& line) const {
 }
 
 bool FileTelephoneLines::AnyOpen() const {
-  for (std::int32_t index = 0; index < service_.GetNumDevs(); ++index) {
-    if (service_.IsLineOpen(index)) return true;
+  for (std::size_t index = 0; index < states_.size(); ++index) {
+    if (IsOpen(index)) return true;
   }
   return false;
 }
@@ -182,9 +182,9 @@ bool FileTelephoneLines::AnyOpen() const {
 std::string FileTelephoneLines::State(const TelephoneLine& line) const {
   const auto device = DeviceOf(line);
   if (device < 0) return "Not in use yet";
-  if (const auto failure = service_.OpenFailure(device); !failure.empty())
-    return "Could not be opened: " + failure;
-  if (!service_.IsLineOpen(device)) return AnyOpen() ? "Another line is chosen" : "Off";
+  const auto use = use_(device);
+  if (!use.failure.empty()) return "Could not be opened: " + use.failure;
+  if (!use.open) return AnyOpen() ? "Another line is chosen" : "Off";
   const auto& states = states_[static_cast<std::size_t>(device)];
   if (line.kind == LineKind::Modem) return states.modem->Get();
   if (line.server.empty()) return "Waiting for calls";
@@ -195,8 +195,7 @@ std::string FileTelephoneLines::State(const TelephoneLine& line) const {
 bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
   for (std::size_t index = 0; index < states_.size(); ++index) {
     const auto device = LineOf(states_[index].section);
-    if (device.user == line.user && device.server == line.server &&
-        service_.IsLineOpen(static_cast<std::int32_t>(index)) &&
+    if (device.user == line.user && device.server == line.server && IsOpen(index) &&
         states_[index].registration->Get().state == RegistrationNews::State::Registered) {
       return true;
     }
@@ -208,7 +207,7 @@ bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
 std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
   std::vector<std::string> addresses;
   for (std::size_t index = 0; index < states_.size(); ++index) {
-    if (!service_.IsLineOpen(static_cast<std::int32_t>(index))) continue;
+    if (!IsOpen(index)) continue;
     for (const char* key : {"listen", "tls_listen"}) {
       const auto address = states_[index].section.values.find(key);
       if (address != states_[index].section.values.end()) addresses.push_back(address->second);
@@ -219,7 +218,7 @@ std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
 
 void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
   const auto device = DeviceOf(line);
-  const bool open = device >= 0 && service_.IsLineOpen(device);
+  const bool open = device >= 0 && use_(device).open;
   const SipProbeOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
   const auto state = open ? State(line) : "";
   tests_.Start(

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "adapters/line/config/lines_ini.h"
-#include "adapters/line/service/line_service.h"
 #include "adapters/line/setup/line_devices.h"
 #include "platform/event_loop.h"
 #include "platform/telephone_lines.h"
@@ -54,9 +53,17 @@ class LineTestRun {
 /// is copied before it is replaced. User-interface thread.
 class FileTelephoneLines final : public TelephoneLines {
  public:
-  /// `path` is the file's; `states` belong to the devices of `service`, in the same order.
-  FileTelephoneLines(std::string path, EventLoop& loop, const LineService& service, const LineStates& states)
-      : path_(std::move(path)), service_(service), states_(states), tests_(loop) {}
+  /// What the program does with a device.
+  struct Use {
+    bool open = false;
+    std::string failure;  ///< why the latest opening failed; empty when it did not
+  };
+
+  /// `path` is the file's; `use` tells the use of the device with an index; `states` are those of all
+  /// devices.
+  FileTelephoneLines(std::string path, EventLoop& loop, std::function<Use(std::int32_t index)> use,
+                     const LineStates& states)
+      : path_(std::move(path)), use_(std::move(use)), states_(states), tests_(loop) {}
 
   Configured Read() override;
   void Store(const std::vector<TelephoneLine>& lines) override;
@@ -70,13 +77,14 @@ class FileTelephoneLines final : public TelephoneLines {
   const LineSection* SectionAt(int head) const;
   LineSection SectionOf(const TelephoneLine& line) const;
   std::int32_t DeviceOf(const TelephoneLine& line) const;
+  bool IsOpen(std::size_t index) const { return use_(static_cast<std::int32_t>(index)).open; }
   bool AnyOpen() const;
   std::vector<std::string> OpenAddresses() const;
   bool IsRegistered(const TelephoneLine& line) const;
   void SetAside() const;
 
   const std::string path_;
-  const LineService& service_;
+  const std::function<Use(std::int32_t index)> use_;
   const LineStates& states_;
   bool exists_ = false;  ///< as Read found it
   std::string text_;     ///< as Read found it

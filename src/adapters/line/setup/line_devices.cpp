@@ -13,6 +13,9 @@
 namespace orven {
 namespace {
 
+/// 8000 samples a second of 16 bits.
+constexpr std::int32_t kModemRate = 128'000;
+
 std::unique_ptr<LineDriver> MakeSip(const LineSection& section, const std::filesystem::path& folder,
                                     const std::function<void(const std::string&)>& report,
                                     const LineState& state) {
@@ -34,7 +37,6 @@ std::unique_ptr<LineDriver> MakeModem(const LineSection& section, const Clock& c
                                       const std::function<void(const std::string&)>& report,
                                       const LineState& state) {
   ModemLineSettings settings;
-  settings.name = section.name;
   settings.port = section.values.at("port");
   settings.find_ports = PortsFound;
   settings.report = [report, name = section.name](const std::string& text) {
@@ -47,8 +49,7 @@ std::unique_ptr<LineDriver> MakeModem(const LineSection& section, const Clock& c
 std::unique_ptr<LineDriver> MakeSim(const LineSection& section, const std::filesystem::path& folder,
                                     EventLoop& loop, std::vector<std::string>& problems) {
   const auto script = ScriptOf(section, folder);
-  return std::make_unique<SimLine>(section.name, loop,
-                                   script.empty() ? SimScript{} : ReadSimScript(script, problems));
+  return std::make_unique<SimLine>(loop, script.empty() ? SimScript{} : ReadSimScript(script, problems));
 }
 
 }  // namespace
@@ -64,13 +65,16 @@ std::vector<TelephoneDevice> MakeTelephoneLines(const std::string& path, EventLo
   states.clear();
   for (const auto& section : file.sections) {
     const auto& state = states.emplace_back(LineState{.section = section});
-    auto& driver = lines.emplace_back(TelephoneDevice{nullptr, IdleLimitOf(section)}).driver;
+    auto& line =
+        lines.emplace_back(TelephoneDevice{VoiceDevice(section.name), nullptr, IdleLimitOf(section)});
     if (section.type == "sip") {
-      driver = MakeSip(section, folder, report, state);
+      line.driver = MakeSip(section, folder, report, state);
     } else if (section.type == "modem") {
-      driver = MakeModem(section, clock, report, state);
+      line.driver = MakeModem(section, clock, report, state);
+      line.capabilities.max_rate = kModemRate;
+      line.capabilities.data_mode = true;
     } else {
-      driver = MakeSim(section, folder, loop, problems);
+      line.driver = MakeSim(section, folder, loop, problems);
     }
   }
   return lines;

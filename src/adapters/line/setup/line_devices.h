@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "adapters/line/config/lines_ini.h"
-#include "adapters/line/service/serviced_line.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
+#include "platform/line_driver.h"
 
 namespace orven {
 

@@ -25,16 +25,7 @@ constexpr milliseconds kLookForCancel{50};
 constexpr const char* kTlsPort = " The port for TLS is often 5061.";
 
 /// Calls that come in during the test are not answered.
-class NoEvents final : public LineDriverEvents {
-  void Offered(CallNumber /*call*/) override {}
-  void Ring(CallNumber /*call*/, std::int32_t /*count*/) override {}
-  void CallerId(CallNumber /*call*/, const std::string& /*name*/, const std::string& /*number*/) override {}
-  void RequestDone(std::int32_t /*request*/, std::int32_t /*result*/) override {}
-  void Connected(CallNumber /*call*/) override {}
-  void Digit(CallNumber /*call*/, char /*digit*/) override {}
-  void Disconnected(CallNumber /*call*/) override {}
-  void Idle(CallNumber /*call*/) override {}
-};
+void Ignore(const LineEvent& /*event*/) {}
 
 /// Waits for the first result of the registration, reported by the SIP thread.
 class Outcome {
@@ -135,10 +126,9 @@ bool TakeFreePort(std::string& address) {
 }
 
 LineTestResult TestListening(const SipLineSettings& settings, const std::string& where) {
-  NoEvents events;
   const auto driver = MakeSipLine(settings);
-  if (driver->Open(events) != kTelephonyOk)
-    return {false, "Calls cannot come in: " + driver->LastError() + '.'};
+  if (const auto failure = driver->Open(Ignore))
+    return {false, "Calls cannot come in: " + failure->reason + '.'};
   driver->Close();
   return {true, "Calls can come in at " + where + "; there is no account to register."};
 }
@@ -163,10 +153,9 @@ LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
   settings.register_nothing = options.registered_now;
   settings.registration_news = [&outcome](const RegistrationNews& news) { outcome.Take(news); };
   settings.timers.registration_life = std::chrono::seconds(60);
-  NoEvents events;
   const auto driver = MakeSipLine(settings);
-  if (driver->Open(events) != kTelephonyOk)
-    return {false, "The line cannot be opened: " + driver->LastError() + '.'};
+  if (const auto failure = driver->Open(Ignore))
+    return {false, "The line cannot be opened: " + failure->reason + '.'};
   const auto news = outcome.Wait(options.patience, cancelled);
   driver->Close();
   return ResultOf(line, news, options.patience);

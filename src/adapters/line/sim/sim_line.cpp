@@ -11,6 +11,8 @@
 namespace orven {
 namespace {
 
+using Kind = LineEvent::Kind;
+
 constexpr std::chrono::milliseconds kBlock{1000 * kBlockSamples / kSampleRate};
 
 /// One hour: a line that runs for days must not exhaust the memory.
@@ -64,30 +66,17 @@ void SimAudio::Move() {
   sink_->Write(block);
 }
 
-SimLine::SimLine(std::string device_name, EventLoop& loop, SimScript script)
-    : loop_(loop), script_(std::move(script)), audio_(loop) {
-  capabilities_.device_name = std::move(device_name);
-  capabilities_.max_rate = 64000;
-  capabilities_.caller_id = true;
-  capabilities_.monitor_digits = true;
-  capabilities_.interactive_voice = true;
-  capabilities_.automated_voice = true;
-}
+SimLine::SimLine(EventLoop& loop, SimScript script) : loop_(loop), script_(std::move(script)), audio_(loop) {}
 
-void SimLine::FailOpen(std::int32_t result, std::string reason) {
-  open_result_ = result;
-  last_error_ = std::move(reason);
-}
-
-std::int32_t SimLine::Open(LineDriverEvents& events) {
-  if (open_result_ != kTelephonyOk) return open_result_;
-  events_ = &events;
+std::optional<OpenFailure> SimLine::Open(LineSink events) {
+  if (failure_) return failure_;
+  events_ = std::move(events);
   for (const auto& step : script_) {
     loop_.After(step.at, lifeline_.Bind([this, step, opening = openings_] {
       if (opening == openings_) Do(step);
     }));
   }
-  return kTelephonyOk;
+  return std::nullopt;
 }
 
 void SimLine::Close() {
@@ -109,27 +98,27 @@ void SimLine::Do(const SimStep& step) {
 }
 
 void SimLine::Offer() {
-  if (events_ == nullptr || call_ != 0) return;
+  if (!events_ || call_ != 0) return;
   call_ = ++calls_;
   rings_ = 0;
-  events_->Offered(call_);
+  events_({.kind = Kind::InCommingCall, .call = call_});
 }
 
 void SimLine::Ring() {
-  if (call_ != 0 && !answered_) events_->Ring(call_, ++rings_);
+  if (call_ != 0 && !answered_) events_({.kind = Kind::Ring, .call = call_, .number = ++rings_});
 }
 
 void SimLine::CallerId(const std::string& name, const std::string& number) {
-  if (call_ != 0) events_->CallerId(call_, name, number);
+  if (call_ != 0) events_({.kind = Kind::CallerID, .call = call_, .name = name, .text = number});
 }
 
 void SimLine::Press(char digit) {
-  if (connected_ && monitor_digits_) events_->Digit(call_, digit);
+  if (connected_ && monitor_digits_) events_({.kind = Kind::MonitorDigit, .call = call_, .digit = digit});
 }
 
 void SimLine::HangUp() {
   if (call_ == 0) return;
-  if (answered_ && !dropping_) events_->Disconnected(call_);
+  if (answered_ && !dropping_) events_({.kind = Kind::Disconnected, .call = call_});
   EndCall();
 }
 
@@ -141,7 +130,7 @@ void SimLine::EndCall() {
   dropping_ = false;
   monitor_digits_ = false;
   const auto call = std::exchange(call_, 0);
-  events_->Idle(call);
+  events_({.kind = Kind::Idle, .call = call});
 }
 
 void SimLine::Answer(CallNumber call, std::int32_t request) {
@@ -149,18 +138,18 @@ void SimLine::Answer(CallNumber call, std::int32_t request) {
 }
 
 void SimLine::CompleteAnswer(CallNumber call, std::int32_t request) {
-  if (events_ == nullptr) return;
+  if (!events_) return;
   if (!IsCurrent(call)) {
-    events_->RequestDone(request, kTelephonyNoCall);
+    events_({.kind = Kind::Proc, .number = request, .result = kTelephonyNoCall});
     return;
   }
   if (failing_answers_ > 0) {
     --failing_answers_;
-    events_->RequestDone(request, kTelephonyDeviceFailed);
+    events_({.kind = Kind::Proc, .number = request, .result = kTelephonyDeviceFailed});
     return;
   }
   answered_ = true;
-  events_->RequestDone(request, kTelephonyOk);
+  events_({.kind = Kind::Proc, .number = request});
   if (connect_delay_.count() == 0) return Connect(call);
   loop_.After(connect_delay_, lifeline_.Bind([this, call] { Connect(call); }));
 }
@@ -169,7 +158,7 @@ void SimLine::Connect(CallNumber call) {
   if (!IsCurrent(call)) return;
   connected_ = true;
   audio_.SetCall(true);
-  events_->Connected(call);
+  events_({.kind = Kind::Connected, .call = call});
 }
 
 void SimLine::Drop(CallNumber call, std::int32_t request) {
@@ -178,17 +167,13 @@ void SimLine::Drop(CallNumber call, std::int32_t request) {
 }
 
 void SimLine::CompleteDrop(CallNumber call, std::int32_t request) {
-  if (events_ == nullptr) return;
-  events_->RequestDone(request, kTelephonyOk);
+  if (!events_) return;
+  events_({.kind = Kind::Proc, .number = request});
   if (IsCurrent(call)) EndCall();
 }
 
 void SimLine::MonitorDigits(CallNumber call, bool on) {
   if (IsCurrent(call)) monitor_digits_ = on;
-}
-
-void SimLine::SetGreetingPhase(CallNumber /*call*/, bool /*on*/) {
-  // A simulated line recognises digits equally well with and without a greeting.
 }
 
 }  // namespace orven

@@ -50,7 +50,7 @@ class SimAudio : public AudioDevice {
 /// opened. It runs on its event loop's time. User-interface thread.
 class SimLine : public LineDriver {
  public:
-  SimLine(std::string device_name, EventLoop& loop, SimScript script = {});
+  explicit SimLine(EventLoop& loop, SimScript script = {});
 
   /// The caller's side. A step that is impossible now (hanging up without a call, a second call) does
   /// nothing, as on a real line.
@@ -65,23 +65,18 @@ class SimLine : public LineDriver {
   /// How long after the answer the call is connected; the caller may hang up in between.
   void SetConnectDelay(std::chrono::milliseconds delay) { connect_delay_ = delay; }
   void FailAnswers(int count) { failing_answers_ = count; }
-  void FailOpen(std::int32_t result, std::string reason);
+  void FailOpen(std::optional<OpenFailure> failure) { failure_ = std::move(failure); }
 
   bool HasCall() const { return call_ != 0; }
   bool IsAnswered() const { return connected_; }
   SimAudio& Sound() { return audio_; }
 
-  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
-  /// To be changed before the line is initialised only.
-  DeviceCapabilities& MutableCapabilities() { return capabilities_; }
-  std::int32_t Open(LineDriverEvents& events) override;
+  std::optional<OpenFailure> Open(LineSink events) override;
   void Close() override;
   void Answer(CallNumber call, std::int32_t request) override;
   void Drop(CallNumber call, std::int32_t request) override;
   void MonitorDigits(CallNumber call, bool on) override;
-  void SetGreetingPhase(CallNumber call, bool on) override;
   AudioDevice& Audio() override { return audio_; }
-  std::string LastError() const override { return last_error_; }
 
  private:
   void Do(const SimStep& step);
@@ -92,10 +87,9 @@ class SimLine : public LineDriver {
   bool IsCurrent(CallNumber call) const { return call_ != 0 && call_ == call; }
 
   EventLoop& loop_;
-  DeviceCapabilities capabilities_;
   SimScript script_;
   SimAudio audio_;
-  LineDriverEvents* events_ = nullptr;
+  LineSink events_;      ///< empty while the line is closed
   CallNumber call_ = 0;  ///< 0: no call
   std::uint32_t calls_ = 0;
   std::int32_t rings_ = 0;
@@ -107,8 +101,7 @@ class SimLine : public LineDriver {
   std::chrono::milliseconds answer_delay_{20};
   std::chrono::milliseconds connect_delay_{0};
   int failing_answers_ = 0;
-  std::int32_t open_result_ = kTelephonyOk;
-  std::string last_error_;
+  std::optional<OpenFailure> failure_;
   Lifeline lifeline_;
 };
 

@@ -27,8 +27,8 @@ constexpr int kMostTailBlocks = 150;
 }  // namespace
 
 std::unique_ptr<RtpStream> RtpStream::Bind(const sa& address, LineAudio& audio, const SipLineTimers& timers,
-                                           RtpStreamEvents& events) {
-  std::unique_ptr<RtpStream> stream(new RtpStream(audio, timers, events));
+                                           Events events) {
+  std::unique_ptr<RtpStream> stream(new RtpStream(audio, timers, std::move(events)));
   RtpStream* self = stream.get();
   auto ports = BindRtpPorts(
       address,
@@ -41,12 +41,12 @@ std::unique_ptr<RtpStream> RtpStream::Bind(const sa& address, LineAudio& audio, 
   return stream;
 }
 
-RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEvents& events)
+RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, Events events)
     : audio_(audio),
       timers_(timers),
-      events_(events),
+      events_(std::move(events)),
       ticker_([this] { Tick(); }),
-      dtmf_detector_([this](char digit) { events_.DigitHeard(DigitSource::kInBand, digit); }),
+      dtmf_detector_([this](char digit) { events_.digit(DigitSource::kInBand, digit); }),
       ssrc_(rand_u32()),
       timestamp_(rand_u32()),
       sequence_(rand_u16() & kFirstSequenceMask) {}
@@ -156,7 +156,7 @@ void RtpStream::CheckPeer(Time now) {
   const bool held = !agreement_->receive || !agreement_->send;
   const bool silent = now - alive_ >= (held ? timers_.lost_held : timers_.lost_media);
   const bool refused = !held && refused_since_ && now - *refused_since_ >= timers_.unreachable;
-  if (silent || refused) events_.PeerLost();
+  if (silent || refused) events_.lost();
 }
 
 /// The negotiated address may always send. Another one may if it is the first to send (a router gave the peer
@@ -192,7 +192,7 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   if (!heard_) {
     heard_ = true;
     ports_.rtp->LeaveToDrain();  // from now on reading every 20 ms is enough
-    events_.PeerHeard();
+    events_.heard();
   }
   if (is_event) TakeEvent(*packet);
 }
@@ -200,9 +200,9 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
 void RtpStream::TakeEvent(const RtpPacket& packet) {
   const auto event = telephone_events_.Take(packet, alive_);
   if (event.kind == TelephoneEvents::Kind::kPressed) {
-    events_.DigitHeard(DigitSource::kTelephoneEvent, event.digit);
+    events_.digit(DigitSource::kTelephoneEvent, event.digit);
   } else if (event.kind == TelephoneEvents::Kind::kHeld) {
-    events_.DigitHeld(DigitSource::kTelephoneEvent);
+    events_.held(DigitSource::kTelephoneEvent);
   }
 }
 

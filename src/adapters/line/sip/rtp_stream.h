@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "adapters/line/service/line_audio.h"
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/libre.h"
@@ -18,26 +18,22 @@
 
 namespace orven {
 
-/// Events of a call's audio. SIP thread, never inside RtpStream's operations.
-class RtpStreamEvents {
- public:
-  virtual ~RtpStreamEvents() = default;
-
-  /// The peer's first audio has arrived.
-  virtual void PeerHeard() = 0;
-  virtual void DigitHeard(DigitSource source, char digit) = 0;
-  virtual void DigitHeld(DigitSource source) = 0;
-  /// The peer has sent nothing for too long, or its computer refuses our packets.
-  virtual void PeerLost() = 0;
-};
-
 /// One call's audio: every 20 ms it sends a block of the played audio and passes a received block to the
 /// recording. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
 class RtpStream {
  public:
+  /// What happens in a call's audio. SIP thread, never inside RtpStream's operations.
+  struct Events {
+    std::function<void()> heard;  ///< the peer's first audio has arrived
+    std::function<void(DigitSource source, char digit)> digit;
+    std::function<void(DigitSource source)> held;
+    /// The peer has sent nothing for too long, or its computer refuses our packets.
+    std::function<void()> lost;
+  };
+
   /// Binds a port pair at `address`; nullptr when there is none.
   static std::unique_ptr<RtpStream> Bind(const sa& address, LineAudio& audio, const SipLineTimers& timers,
-                                         RtpStreamEvents& events);
+                                         Events events);
 
   std::uint16_t Port() const { return ports_.port; }
 
@@ -57,7 +53,7 @@ class RtpStream {
  private:
   using Time = std::chrono::steady_clock::time_point;
 
-  RtpStream(LineAudio& audio, const SipLineTimers& timers, RtpStreamEvents& events);
+  RtpStream(LineAudio& audio, const SipLineTimers& timers, Events events);
 
   void Agree(const MediaAgreement& agreement);
   void Tick();
@@ -76,7 +72,7 @@ class RtpStream {
 
   LineAudio& audio_;
   const SipLineTimers& timers_;
-  RtpStreamEvents& events_;
+  const Events events_;
   RtpPorts ports_;
   MonotonicTimer ticker_;
   std::optional<MediaAgreement> agreement_;

@@ -20,10 +20,10 @@ constexpr std::chrono::seconds kTransactionsGone{34};
 
 }  // namespace
 
-SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events)
+SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink events)
     : settings_(settings),
       audio_(audio),
-      events_(events),
+      events_(std::move(events)),
       transports_(settings,
                   {[this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
                    [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); }}),
@@ -66,11 +66,11 @@ void SipAgent::LookAtNetwork(bool changed) {
 /// A call whose address was removed may continue: its audio may have another route, and the address may
 /// return.
 bool SipAgent::Leave(SipEndpoint& endpoint) {
-  if (call_context_ && call_context_->stack == &endpoint.Stack()) {
+  if (call_ports_ && call_ports_->stack == &endpoint.Stack()) {
     if (call_ != nullptr && !call_->Gone()) return false;
     call_.reset();
     reserve_.Fill();
-    call_context_.reset();
+    call_ports_.reset();
   }
   if (registration_ != nullptr) registration_->Leave(endpoint.Stack());
   return true;
@@ -87,9 +87,9 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     call_.reset();
     reserve_.Release();
     const auto contact = registration_ != nullptr ? registration_->PublicContact(invite) : "";
-    call_context_.emplace(CallContext{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
-                                      contact.empty() ? ContactUser(settings_) : contact});
-    call_ = SipCall::Accept(*call_context_, calls_ + 1, invite);
+    call_ports_.emplace(SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
+                                     contact.empty() ? ContactUser(settings_) : contact});
+    call_ = SipCall::Accept(*call_ports_, calls_ + 1, invite);
     if (call_ != nullptr) {
       ++calls_;
       transports_.Spare(invite);
@@ -114,12 +114,12 @@ SipCall* SipAgent::Find(CallNumber number) const {
 
 void SipAgent::Answer(CallNumber call, std::int32_t request) {
   if (SipCall* found = Find(call)) return found->Answer(request);
-  events_.RequestDone(request, kTelephonyNoCall);
+  events_({.kind = LineEvent::Kind::Proc, .number = request, .result = kTelephonyNoCall});
 }
 
 void SipAgent::Drop(CallNumber call, std::int32_t request) {
   if (SipCall* found = Find(call)) return found->Drop(request);
-  events_.RequestDone(request, kTelephonyOk);
+  events_({.kind = LineEvent::Kind::Proc, .number = request});
 }
 
 void SipAgent::MonitorDigits(CallNumber call, bool on) {

@@ -19,7 +19,7 @@ namespace orven {
 /// An open line's SIP side: listens, answers other requests, and has at most one call. SIP thread.
 class SipAgent {
  public:
-  SipAgent(const SipLineSettings& settings, LineAudio& audio, LineDriverEvents& events);
+  SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink events);
   SipAgent(const SipAgent&) = delete;
   SipAgent& operator=(const SipAgent&) = delete;
   ~SipAgent();
@@ -48,9 +48,9 @@ class SipAgent {
 
   const SipLineSettings& settings_;
   LineAudio& audio_;
-  LineDriverEvents& events_;
+  const LineSink events_;
   SipTransports transports_;
-  std::optional<CallContext> call_context_;  ///< of `call_`
+  std::optional<SipCallPorts> call_ports_;  ///< of `call_`
   std::unique_ptr<Registration> registration_;
   std::unique_ptr<SipCall> call_;  ///< the call, or the latest one, which still holds its descriptors
   DescriptorReserve reserve_;      ///< for a call while there is none

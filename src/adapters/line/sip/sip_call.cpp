@@ -13,6 +13,9 @@
 namespace orven {
 namespace {
 
+using Kind = LineEvent::Kind;
+using std::chrono::steady_clock;
+
 constexpr const char* kSessionType = "application/sdp";
 
 SipCall& Self(void* call) {
@@ -26,18 +29,23 @@ SrtpUse SrtpOf(const SipLineSettings& settings) {
 
 }  // namespace
 
-std::unique_ptr<SipCall> SipCall::Accept(const CallContext& context, CallNumber number,
+std::unique_ptr<SipCall> SipCall::Accept(const SipCallPorts& ports, CallNumber number,
                                          const sip_msg& invite) {
-  std::unique_ptr<SipCall> call(new SipCall(context, number, invite));
+  std::unique_ptr<SipCall> call(new SipCall(ports, number, invite));
   if (!call->Prepare(invite) || !call->Begin(invite)) return nullptr;
   call->Announce(invite);
   return call;
 }
 
-SipCall::SipCall(const CallContext& context, CallNumber number, const sip_msg& invite)
-    : context_(context),
+SipCall::SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& invite)
+    : ports_(ports),
       number_(number),
-      stream_(RtpStream::Bind(invite.dst, context.audio, context.settings.timers, *this)),
+      stream_(
+          RtpStream::Bind(invite.dst, ports.audio, ports.settings.timers,
+                          {.heard = [this] { Connect(); },
+                           .digit = [this](DigitSource source, char digit) { DigitHeard(source, digit); },
+                           .held = [this](DigitSource source) { digits_.Held(source, steady_clock::now()); },
+                           .lost = [this] { LosePeer(); }})),
       ring_timer_([this] { Ring(); }),
       ack_timer_([this] { LosePeer(); }) {}
 
@@ -45,28 +53,28 @@ SipCall::~SipCall() = default;
 
 bool SipCall::Prepare(const sip_msg& invite) {
   if (stream_ == nullptr) {
-    (void)sip_reply(context_.stack, &invite, 500, "No Port For Sound");
+    (void)sip_reply(ports_.stack, &invite, 500, "No Port For Sound");
     return false;
   }
   sa local = invite.dst;
   sa_set_port(&local, stream_->Port());
-  negotiation_.emplace(local, SrtpOf(context_.settings));
+  negotiation_.emplace(local, SrtpOf(ports_.settings));
   if (mbuf_get_left(invite.mb) == 0) return true;
   const auto offer = DescriptionIn(invite);
   if (!offer) {
-    (void)sip_replyf(context_.stack, &invite, 415, "Unsupported Media Type",
+    (void)sip_replyf(ports_.stack, &invite, 415, "Unsupported Media Type",
                      "Accept: application/sdp, multipart/mixed\r\nContent-Length: 0\r\n\r\n");
     return false;
   }
   agreement_ = negotiation_->Read(*offer, true, invite.src);
-  if (!agreement_) (void)sip_reply(context_.stack, &invite, 488, "Not Acceptable Here");
+  if (!agreement_) (void)sip_reply(ports_.stack, &invite, 488, "Not Acceptable Here");
   return agreement_.has_value();
 }
 
 bool SipCall::Begin(const sip_msg& invite) {
   sipsess* session = nullptr;
   const int error = sipsess_accept(
-      &session, context_.sessions, &invite, 180, "Ringing", context_.contact.c_str(), kSessionType, nullptr,
+      &session, ports_.sessions, &invite, 180, "Ringing", ports_.contact.c_str(), kSessionType, nullptr,
       nullptr, nullptr, false,
       [](mbuf** answer, const sip_msg* request, void* self) {
         return Self(self).TakeOffer(answer, *request);
@@ -79,7 +87,7 @@ bool SipCall::Begin(const sip_msg& invite) {
   if (error != 0) {
     // The library has sent no answer. EBADMSG and EINVAL mean an unusable Contact.
     const bool malformed = error == EBADMSG || error == EINVAL;
-    (void)sip_reply(context_.stack, &invite, malformed ? 400 : 500,
+    (void)sip_reply(ports_.stack, &invite, malformed ? 400 : 500,
                     malformed ? "Bad Contact" : "Server Internal Error");
   }
   return error == 0;
@@ -87,14 +95,23 @@ bool SipCall::Begin(const sip_msg& invite) {
 
 void SipCall::Announce(const sip_msg& invite) {
   const CallerIdentity caller = CallerOf(invite);
-  context_.events.Offered(number_);
-  context_.events.CallerId(number_, caller.name, caller.number);
+  Tell({.kind = Kind::InCommingCall});
+  Tell({.kind = Kind::CallerID, .name = caller.name, .text = caller.number});
   Ring();
-  ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, context_.settings.ring_seconds)));
+  ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, ports_.settings.ring_seconds)));
+}
+
+void SipCall::Tell(LineEvent event) {
+  event.call = number_;
+  ports_.events(std::move(event));
+}
+
+void SipCall::Done(std::int32_t request, std::int32_t result) {
+  ports_.events({.kind = Kind::Proc, .number = request, .result = result});
 }
 
 void SipCall::Ring() {
-  context_.events.Ring(number_, ++rings_);
+  Tell({.kind = Kind::Ring, .number = ++rings_});
 }
 
 /// The only place where the state changes; it never goes back.
@@ -106,15 +123,15 @@ void SipCall::Enter(State next) {
 }
 
 void SipCall::Answer(std::int32_t request) {
-  if (state_ == State::kGone) return context_.events.RequestDone(request, kTelephonyNoCall);
-  if (state_ != State::kRinging) return context_.events.RequestDone(request, kTelephonyAlreadyAnswered);
+  if (state_ == State::kGone) return Done(request, kTelephonyNoCall);
+  if (state_ != State::kRinging) return Done(request, kTelephonyAlreadyAnswered);
   if (!SendAnswer()) {
-    context_.events.RequestDone(request, kTelephonyDeviceFailed);
+    Done(request, kTelephonyDeviceFailed);
     return End(false);
   }
   Enter(State::kAnswered);
-  context_.events.RequestDone(request, kTelephonyOk);
-  ack_timer_.StartOnce(context_.settings.timers.no_ack);
+  Done(request, kTelephonyOk);
+  ack_timer_.StartOnce(ports_.settings.timers.no_ack);
   stream_->Start(agreement_);
 }
 
@@ -123,19 +140,15 @@ bool SipCall::SendAnswer() {
   return body != nullptr && sipsess_answer(session_.get(), 200, "OK", body.get(), "%s", kAllowHeader) == 0;
 }
 
+/// On the ACK, or on audio from the caller, which proves as well that our answer has arrived.
 void SipCall::Connect() {
   if (state_ != State::kAnswered) return;
   Enter(State::kConnected);
-  context_.events.Connected(number_);
-}
-
-/// Like the ACK, audio from the caller proves that our answer has arrived.
-void SipCall::PeerHeard() {
-  Connect();
+  Tell({.kind = Kind::Connected});
 }
 
 void SipCall::Drop(std::int32_t request) {
-  context_.events.RequestDone(request, kTelephonyOk);
+  Done(request, kTelephonyOk);
   End(false);
 }
 
@@ -152,8 +165,8 @@ void SipCall::End(bool by_peer) {
   const bool was_answered = state_ != State::kRinging;
   EndSession();
   Enter(State::kGone);
-  if (by_peer && was_answered) context_.events.Disconnected(number_);
-  context_.events.Idle(number_);
+  if (by_peer && was_answered) Tell({.kind = Kind::Disconnected});
+  Tell({.kind = Kind::Idle});
 }
 
 /// 486 refuses the call at this telephone only; 603 would stop the user's other ones from ringing. An
@@ -201,24 +214,20 @@ void SipCall::TakeInfo(const sip_msg& request) {
                         msg_ctype_cmp(&request.ctyp, "application", "dtmf");
   const auto digit = is_digit ? DigitOfInfo(body) : std::nullopt;
   if (is_digit && !digit) {
-    (void)sip_treply(nullptr, context_.stack, &request, 400, "No Key In Body");
+    (void)sip_treply(nullptr, ports_.stack, &request, 400, "No Key In Body");
   } else if (!is_digit && !body.empty()) {
-    (void)sip_treplyf(nullptr, nullptr, context_.stack, &request, false, 415, "Unsupported Media Type",
+    (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 415, "Unsupported Media Type",
                       "Accept: application/dtmf-relay, application/dtmf\r\nContent-Length: 0\r\n\r\n");
   } else {
-    (void)sip_treply(nullptr, context_.stack, &request, 200, "OK");
+    (void)sip_treply(nullptr, ports_.stack, &request, 200, "OK");
     if (digit) DigitHeard(DigitSource::kInfo, *digit);
   }
 }
 
 void SipCall::DigitHeard(DigitSource source, char digit) {
-  const auto now = std::chrono::steady_clock::now();
+  const auto now = steady_clock::now();
   if (!digits_.Report(source, digit, now) || !key_rate_.Allows(now)) return;
-  if (monitoring_ && state_ == State::kConnected) context_.events.Digit(number_, digit);
-}
-
-void SipCall::DigitHeld(DigitSource source) {
-  digits_.Held(source, std::chrono::steady_clock::now());
+  if (monitoring_ && state_ == State::kConnected) Tell({.kind = Kind::MonitorDigit, .digit = digit});
 }
 
 }  // namespace orven

@@ -17,12 +17,12 @@
 namespace orven {
 
 /// What a call needs from its line; all of it outlives the call.
-struct CallContext {
+struct SipCallPorts {
   sip* stack;
   sipsess_sock* sessions;
   const SipLineSettings& settings;
   LineAudio& audio;
-  LineDriverEvents& events;
+  const LineSink& events;
   std::string contact;  ///< of our answers: the user at the called address, or a whole SIP URI
 };
 
@@ -34,18 +34,17 @@ struct CallContext {
 ///        │                   │                           │
 ///        └───────────────────┴── CANCEL, BYE, Drop, ─────┴──► Gone
 ///                                peer lost
-class SipCall : private RtpStreamEvents {
+class SipCall {
  public:
   enum class State : std::uint8_t { kRinging, kAnswered, kConnected, kGone };
 
   /// Takes the call of a valid INVITE: it rings, and its first events are raised. Refuses a call that cannot
   /// be taken and returns nullptr.
-  static std::unique_ptr<SipCall> Accept(const CallContext& context, CallNumber number,
-                                         const sip_msg& invite);
+  static std::unique_ptr<SipCall> Accept(const SipCallPorts& ports, CallNumber number, const sip_msg& invite);
 
   SipCall(const SipCall&) = delete;
   SipCall& operator=(const SipCall&) = delete;
-  ~SipCall() override;
+  ~SipCall();
 
   CallNumber Number() const { return number_; }
   bool Gone() const { return state_ == State::kGone; }
@@ -59,12 +58,14 @@ class SipCall : private RtpStreamEvents {
   void SourceReady() { stream_->SourceReady(); }
 
  private:
-  SipCall(const CallContext& context, CallNumber number, const sip_msg& invite);
+  SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& invite);
 
   bool Prepare(const sip_msg& invite);
   bool Begin(const sip_msg& invite);
   void Announce(const sip_msg& invite);
   void Enter(State next);
+  void Tell(LineEvent event);
+  void Done(std::int32_t request, std::int32_t result);
   void Ring();
   bool SendAnswer();
   void Connect();
@@ -76,12 +77,9 @@ class SipCall : private RtpStreamEvents {
   int TakeAnswer(const sip_msg& ack);
   void TakeInfo(const sip_msg& request);
 
-  void PeerHeard() override;
-  void DigitHeard(DigitSource source, char digit) override;
-  void DigitHeld(DigitSource source) override;
-  void PeerLost() override { LosePeer(); }
+  void DigitHeard(DigitSource source, char digit);
 
-  const CallContext& context_;
+  const SipCallPorts& ports_;
   const CallNumber number_;
   State state_ = State::kRinging;
   LibrePtr<sipsess> session_;

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/line/service/line_audio.h"
+#include "adapters/line/driver/line_audio.h"
 #include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_agent.h"
@@ -142,9 +142,6 @@ void SipThread::Stop() {
   thread_.join();
 }
 
-/// Audio quality of the line in bits a second (G.711).
-constexpr std::int32_t kMaxRate = 64'000;
-
 constexpr std::chrono::seconds kLongestOpen{5};
 
 /// The agent's own limit is shorter; this one is for a SIP thread that hangs.
@@ -154,12 +151,6 @@ constexpr std::chrono::milliseconds kLongestClose{1'800};
 class SipLine final : public LineDriver {
  public:
   explicit SipLine(const SipLineSettings& settings) : settings_(settings) {
-    capabilities_.device_name = settings.name;
-    capabilities_.max_rate = kMaxRate;
-    capabilities_.caller_id = true;
-    capabilities_.monitor_digits = true;
-    capabilities_.interactive_voice = true;
-    capabilities_.automated_voice = true;
     audio_.OnSourceReady([this] {
       thread_.Post([this] {
         if (agent_ != nullptr) agent_->SourceReady();
@@ -168,8 +159,7 @@ class SipLine final : public LineDriver {
   }
   ~SipLine() override { SipLine::Close(); }
 
-  const DeviceCapabilities& Capabilities() const override { return capabilities_; }
-  std::int32_t Open(LineDriverEvents& events) override;
+  std::optional<OpenFailure> Open(LineSink events) override;
   void Close() override;
   void Answer(CallNumber call, std::int32_t request) override {
     thread_.Post([this, call, request] { agent_->Answer(call, request); });
@@ -180,44 +170,37 @@ class SipLine final : public LineDriver {
   void MonitorDigits(CallNumber call, bool on) override {
     thread_.Post([this, call, on] { agent_->MonitorDigits(call, on); });
   }
-  /// Nothing to do: a digital line has no echo of our own audio.
-  void SetGreetingPhase(CallNumber /*call*/, bool /*on*/) override {}
   AudioDevice& Audio() override { return audio_; }
-  std::string LastError() const override { return error_; }
 
  private:
-  std::optional<OpenFailure> StartAgent(LineDriverEvents& events);
+  std::optional<OpenFailure> StartAgent(LineSink events);
 
   const SipLineSettings settings_;
-  DeviceCapabilities capabilities_;
   LineAudio audio_;
   std::unique_ptr<SipAgent> agent_;  ///< SIP thread only
-  std::string error_;
   bool open_ = false;
   SipThread thread_;
 };
 
-std::int32_t SipLine::Open(LineDriverEvents& events) {
-  if (open_) return kTelephonyLineInUse;
-  error_ = thread_.Start([this] { agent_.reset(); });
-  if (!error_.empty()) return kTelephonyDeviceFailed;
+std::optional<OpenFailure> SipLine::Open(LineSink events) {
+  if (open_) return OpenFailure{kTelephonyLineInUse, ""};
+  if (const auto reason = thread_.Start([this] { agent_.reset(); }); !reason.empty())
+    return OpenFailure{kTelephonyDeviceFailed, reason};
   const auto started = std::make_shared<std::promise<std::optional<OpenFailure>>>();
-  thread_.Post([this, &events, started] { started->set_value(StartAgent(events)); });
+  thread_.Post([this, events = std::move(events), started] { started->set_value(StartAgent(events)); });
   auto outcome = started->get_future();
-  const auto failure = outcome.wait_for(kLongestOpen) == std::future_status::ready
-                           ? outcome.get()
-                           : OpenFailure{kTelephonyDeviceFailed, "the SIP thread does not answer"};
+  auto failure = outcome.wait_for(kLongestOpen) == std::future_status::ready
+                     ? outcome.get()
+                     : OpenFailure{kTelephonyDeviceFailed, "the SIP thread does not answer"};
   open_ = !failure;
-  if (open_) return kTelephonyOk;
-  error_ = failure->reason;
-  thread_.Stop();
-  return failure->result;
+  if (!open_) thread_.Stop();
+  return failure;
 }
 
-std::optional<OpenFailure> SipLine::StartAgent(LineDriverEvents& events) {
+std::optional<OpenFailure> SipLine::StartAgent(LineSink events) {
   std::optional<OpenFailure> failure;
   try {
-    agent_ = std::make_unique<SipAgent>(settings_, audio_, events);
+    agent_ = std::make_unique<SipAgent>(settings_, audio_, std::move(events));
     failure = agent_->Start();
   } catch (const std::exception& error) {
     failure = OpenFailure{kTelephonyDeviceFailed, error.what()};

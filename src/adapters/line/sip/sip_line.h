@@ -13,7 +13,7 @@ namespace orven {
 ///
 /// While open it owns one thread, on which it raises all events and calls the audio device's source and sink.
 /// Open fails with kTelephonyLineInUse when the address is in use, with kTelephonyDeviceFailed for a wrong
-/// address or account; LastError names it and the reason.
+/// address or account; the reason names it.
 ///
 /// Connected is raised when the caller's ACK or first audio arrives, whichever is first: from then on the
 /// caller hears us, so a greeting is heard from its beginning, and a lost ACK costs no message.

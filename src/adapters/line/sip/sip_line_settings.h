@@ -50,7 +50,6 @@ enum class SrtpUse : std::uint8_t {
 
 /// One SIP telephone line.
 struct SipLineSettings {
-  std::string name = "SIP";               ///< device name
   std::string listen = "127.0.0.1:5060";  ///< address and port for UDP and TCP; 0.0.0.0 is every address
   std::string account;                    ///< "sip:user@domain" to register, or empty
   std::string auth_user;                  ///< empty: the account's user

@@ -13,14 +13,9 @@
 #include "adapters/line/sip/sip_endpoint.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/tls_context.h"
+#include "platform/line_driver.h"
 
 namespace orven {
-
-/// Why a line could not be opened.
-struct OpenFailure {
-  std::int32_t result;  ///< a negative TelephonyResult
-  std::string reason;
-};
 
 /// The addresses at which a line listens, and its route to the account's server. SIP thread.
 class SipTransports {

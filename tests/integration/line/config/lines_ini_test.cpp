@@ -53,7 +53,7 @@ TEST(LinesIni, EveryKindOfLineIsReadAndOnlyTheUsersChangesAreWritten) {
       "listen = 0.0.0.0:5060\r\ntransport = tls\r\n");
 }
 
-/// Parses `text` between two valid sections and checks that these stay unchanged.
+/// Parses text between two valid sections and checks that these stay unchanged.
 LinesFile ParseBetween(const std::string& text) {
   auto file = ParseLines("[First]\ntype=sim\n" + text + "\n[Last]\ntype=sim\n", "lines.ini");
   EXPECT_GE(file.sections.size(), 2U) << text;
@@ -129,28 +129,28 @@ TEST(LineSettings, AnInvalidEntryIsReportedAtItsField) {
   EXPECT_FALSE(FaultOf(LineOf({"Home", 0, "sip", {}}))) << "an account is not needed";
   const auto good = LineOf({"Home", 0, "sip", {{"account", "sip:1@1.1.1.1:5060"}, {"password", "p #x;y=z"}}});
   EXPECT_FALSE(FaultOf(good));
-  const std::tuple<LineField, std::string TelephoneLine::*, const char*> rows[] = {
-      {LineField::Name, &TelephoneLine::name, ""},
-      {LineField::Name, &TelephoneLine::name, "a ;b"},
-      {LineField::Listen, &TelephoneLine::listen, "x:5060"},
-      {LineField::Server, &TelephoneLine::server, "a b"},
-      {LineField::Server, &TelephoneLine::server, ""},
-      {LineField::User, &TelephoneLine::user, ""},
-      {LineField::User, &TelephoneLine::user, "1@2"},
-      {LineField::Password, &TelephoneLine::password, " hidden"},
-      {LineField::AuthUser, &TelephoneLine::auth_user, ";x"},
-      {LineField::Transport, &TelephoneLine::srtp, "maybe"}};
-  for (const auto& [field, text, value] : rows) {
+  const std::tuple<const char*, std::string TelephoneLine::*, const char*> rows[] = {
+      {"txtName", &TelephoneLine::name, ""},
+      {"txtName", &TelephoneLine::name, "a ;b"},
+      {"txtListen", &TelephoneLine::listen, "x:5060"},
+      {"txtServer", &TelephoneLine::server, "a b"},
+      {"txtServer", &TelephoneLine::server, ""},
+      {"txtUser", &TelephoneLine::user, ""},
+      {"txtUser", &TelephoneLine::user, "1@2"},
+      {"txtPassword", &TelephoneLine::password, " hidden"},
+      {"txtAuthUser", &TelephoneLine::auth_user, ";x"},
+      {"cmbTransport", &TelephoneLine::srtp, "maybe"}};
+  for (const auto& [control, text, value] : rows) {
     auto line = good;
     line.*text = value;
     const auto fault = FaultOf(line).value();
-    EXPECT_EQ(fault.field, field) << fault.text;
+    EXPECT_EQ(fault.control, control) << fault.text;
     EXPECT_EQ(fault.text.find("hidden"), std::string::npos) << "no message quotes a password";
   }
   auto line = good;
   line.ring_seconds = 61;
-  EXPECT_EQ(FaultOf(line).value().field, LineField::RingSeconds);
-  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().field, LineField::Port);
+  EXPECT_EQ(FaultOf(line).value().control, "spnRing");
+  EXPECT_EQ(FaultOf(LineOf({"Home", 0, "modem", {}})).value().control, "cmbPort");
 }
 
 }  // namespace

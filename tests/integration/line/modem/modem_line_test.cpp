@@ -12,8 +12,8 @@
 
 #include "adapters/line/modem/modem_agent.h"
 #include "adapters/line/sim/virtual_time.h"
-#include "integration/line/modem/told_events.h"
 #include "modem_emulator/modem_emulator.h"
+#include "support/line_events.h"
 
 namespace orven::test {
 namespace {
@@ -44,7 +44,7 @@ const ModemProfile& Profile(const std::string& name) {
 
 /// A modem line as the program uses it, on virtual time, with the modem's port, the user of the line, and the
 /// source and the sink of its audio.
-struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
+struct Story final : ModemLink, AudioSource, AudioSink {
   Story(const std::string& profile, const ModemFaults& faults)
       : linear(profile == "softmodem" || profile == "lucent"),
         modem(Profile(profile), faults, time, time, [this](auto bytes) { FromModem(bytes); }) {}
@@ -86,8 +86,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
     if (!unsent.empty()) time.After(milliseconds(1), [this] { Send(); });
   }
 
-  using ToldEvents::Tell;
-  void Tell(const std::string& text) override { told += (told.empty() ? "" : ", ") + text; }
+  void Tell(const std::string& text) { told += (told.empty() ? "" : ", ") + text; }
 
   bool Read(std::span<std::int16_t> block) override {
     if (given.size() - played < block.size()) return false;
@@ -117,7 +116,11 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
     settings.find_ports = [this] { return std::vector<std::string>(problem ? 0 : ports, "/dev/ttyACM0"); };
     settings.report = [this](const std::string& text) { Tell(text); };
     settings.state_news = [this](const std::string& text) { state = text; };
-    agent = std::make_unique<ModemAgent>(settings, ModemAgent::Ports{*this, time, time, audio, *this});
+    const auto sink = [this](const LineEvent& event) {
+      if (event.kind == LineEvent::Kind::InCommingCall) call = event.call;
+      Tell(ToText(event));
+    };
+    agent = std::make_unique<ModemAgent>(settings, ModemAgent::Ports{*this, time, time, audio, sink});
     if (const auto refused = agent->Start()) Tell(*refused);
   }
   /// Plays a script such as "ring; 300; answer"; a number waits that many milliseconds.
@@ -210,9 +213,9 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
          audio.StopRecord();
          TellWhether("recorded", std::span(spoken).first(8000), recorded);
        }},
-      {"opened", [this](auto&) { Tell("opened", std::uint32_t(std::exchange(opened, 0))); }},
+      {"opened", [this](auto&) { Tell("opened " + std::to_string(std::exchange(opened, 0))); }},
       {"asked",
-       [this](auto& what) { Tell("asked", std::uint32_t(std::ranges::count(modem.Commands(), what))); }},
+       [this](auto& what) { Tell("asked " + std::to_string(std::ranges::count(modem.Commands(), what))); }},
       {"complaints",
        [this](auto&) {
          for (const auto& text : modem.Complaints()) {
@@ -224,6 +227,7 @@ struct Story final : ModemLink, ToldEvents, AudioSource, AudioSink {
 
   VirtualTime time{{}};
   ModemLinkEvents* host = nullptr;
+  CallNumber call = 0;  ///< the latest one
   std::deque<std::uint8_t> unsent;
   std::size_t lose = 0;   ///< bytes to drop from the modem's next output
   milliseconds delay{0};  ///< of the modem's output

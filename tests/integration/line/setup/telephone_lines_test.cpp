@@ -14,6 +14,7 @@
 #include "base/runtime_error.h"
 #include "integration/line/sip/sip_line_test.h"
 #include "support/scratch_folder.h"
+#include "telephony/telephony_control.h"
 
 namespace orven::test {
 namespace {
@@ -34,11 +35,11 @@ class TelephoneLinesTest : public testing::Test {
   /// Writes `text` to lines.ini, takes its lines into use as the program does, and returns the first one.
   TelephoneLine Use(const std::string& text) {
     const auto first = Given(text).lines.at(0);
-    service.LineClose(0);
+    Tapi1.LineClose(0);
     std::vector<std::string> problems;
-    EXPECT_TRUE(service.Replace(MakeTelephoneLines(
+    EXPECT_TRUE(Tapi1.Replace(MakeTelephoneLines(
         path, loop, QtClock(), problems, [](auto&) {}, states)));
-    service.LineOpen(0, 4, 8);
+    Tapi1.LineOpen(0, 4, 8);
     return first;
   }
   LineTestResult Result(const TelephoneLine& line) {
@@ -58,8 +59,13 @@ class TelephoneLinesTest : public testing::Test {
   const std::string path = folder / "lines.ini";
   QtEventLoop loop;
   LineStates states;
-  LineService service{loop, {}};
-  FileTelephoneLines lines{path, loop, service, states};
+  TelephonyControl Tapi1{loop, {}};
+  FileTelephoneLines lines{
+      path, loop,
+      [this](std::int32_t index) {
+        return FileTelephoneLines::Use{Tapi1.IsLineOpen(index), Tapi1.OpenFailureOf(index)};
+      },
+      states};
 };
 
 TEST_F(TelephoneLinesTest, InvalidPartsStayInTheFileAndABinaryFileIsSetAside) {
@@ -141,7 +147,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   EXPECT_TRUE(Result(line).passed) << "the port is taken by the line itself";
   line = Use(home + std::get<0>(rows[0]));
   ExpectState(line, "Registered");
-  EXPECT_FALSE(service.Replace({})) << "an open line was taken away";
+  EXPECT_FALSE(Tapi1.Replace({})) << "an open line was taken away";
   EXPECT_TRUE(Result(line).passed);
   EXPECT_EQ(lines.State(line), "Registered") << "the test left the registration alone";
   line.password = "wrong";
@@ -177,11 +183,11 @@ TEST_F(TelephoneLinesTest, TheListSaysWhichLineIsOpenAndWhatIsWrongWithIt) {
   ExpectState(all.at(0), "no port /dev/ttyACM99");
   EXPECT_THAT(Result(all[0]).text, HasSubstr("The line is open: There is no port"));
   ExpectState(all.at(1), "Another line is chosen");
-  service.LineClose(0);
+  Tapi1.LineClose(0);
   ExpectState(all.at(1), "Off");
-  service.LineOpen(1, 4, 8);
+  Tapi1.LineOpen(1, 4, 8);
   ExpectState(all.at(1), "Waiting for calls");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return service.HasCall(); }, 20'000)) << "the script is not played";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Tapi1.HasCall(); }, 20'000)) << "the script is not played";
   EXPECT_THAT(Result(all[1]).text, HasSubstr("it has 1 steps."));
   PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
   EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));

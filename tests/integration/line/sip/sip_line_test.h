@@ -23,6 +23,7 @@
 
 #include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line.h"
+#include "support/line_events.h"
 
 namespace orven::test {
 
@@ -221,7 +222,7 @@ inline Bytes NoiseBytes(std::size_t blocks, std::uint32_t seed) {
 }
 
 /// Records a line's events, one text each ("Ring 1 2"), and texts that a test adds.
-class RecordedEvents : public LineDriverEvents {
+class RecordedEvents {
  public:
   void Add(const std::string& text) {
     const std::lock_guard lock(mutex_);
@@ -244,26 +245,7 @@ class RecordedEvents : public LineDriverEvents {
     all_.clear();
   }
 
-  void Offered(CallNumber call) override { Note("Offered", call); }
-  void Ring(CallNumber call, std::int32_t count) override { Note("Ring", call, count); }
-  void CallerId(CallNumber call, const std::string& name, const std::string& number) override {
-    Note("CallerId", call, name + "|" + number);
-  }
-  void RequestDone(std::int32_t request, std::int32_t result) override {
-    Note("RequestDone", request, result);
-  }
-  void Connected(CallNumber call) override { Note("Connected", call); }
-  void Digit(CallNumber call, char digit) override { Note("Digit", call, digit); }
-  void Disconnected(CallNumber call) override { Note("Disconnected", call); }
-  void Idle(CallNumber call) override { Note("Idle", call); }
-
  private:
-  void Note(const auto&... words) {
-    std::ostringstream text;
-    ((text << words << ' '), ...);
-    Add(text.str().substr(0, text.str().size() - 1));
-  }
-
   std::mutex mutex_;
   std::condition_variable grown_;
   std::vector<std::string> all_;
@@ -304,8 +286,9 @@ class SipLineTest : public ::testing::Test {
 
   void OpenLine(std::int32_t result = kTelephonyOk, const std::string& reason = "") {
     line = MakeSipLine(settings);
-    ASSERT_EQ(line->Open(events), result) << line->LastError();
-    EXPECT_NE(line->LastError().find(reason), std::string::npos) << line->LastError();
+    const auto failure = line->Open(sink).value_or(OpenFailure{kTelephonyOk, ""});
+    ASSERT_EQ(failure.result, result) << failure.reason;
+    EXPECT_NE(failure.reason.find(reason), std::string::npos) << failure.reason;
   }
 
   /// Plays comma-separated steps on the open line. "> INVITE" is what the caller sends ("> INVITE 8 sendonly"
@@ -322,6 +305,7 @@ class SipLineTest : public ::testing::Test {
   const std::uint16_t port = FreePort();
   SipLineSettings settings;
   RecordedEvents events;
+  const LineSink sink = [this](const LineEvent& event) { events.Add(ToText(event)); };
   CallNumber call = 0;  ///< the latest call that has rung
   std::unique_ptr<LineDriver> line;
   std::map<std::string, SipCaller> callers;

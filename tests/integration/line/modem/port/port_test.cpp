@@ -7,18 +7,17 @@
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/line/modem/modem_line.h"
-#include "integration/line/modem/told_events.h"
 #include "modem_emulator/modem_emulator.h"
 #include "modem_emulator/program/pseudo_terminal.h"
+#include "support/line_events.h"
 #include "support/scratch_folder.h"
 
 namespace orven::test {
 namespace {
 
 /// A modem at a port, and the events that a line there reports from its thread.
-struct ModemPortTest : testing::Test, ToldEvents {
-  using ToldEvents::Tell;
-  void Tell(const std::string& text) override {
+struct ModemPortTest : testing::Test {
+  void Tell(const std::string& text) {
     loop.Post([this, text] { told += text + "|"; });
   }
   void Plug() {
@@ -31,7 +30,7 @@ struct ModemPortTest : testing::Test, ToldEvents {
     settings.report = [this](const std::string& text) { Tell(text); };
     settings.state_news = settings.report;
     auto line = MakeModemLine(settings, clock);
-    EXPECT_EQ(line->Open(*this), kTelephonyOk);
+    EXPECT_FALSE(line->Open(sink));
     return line;
   }
   /// Waits until the reported events end with `end`, and forgets them.
@@ -51,13 +50,13 @@ struct ModemPortTest : testing::Test, ToldEvents {
                         if (port) port->Write(bytes);
                       }};
   std::string told;
+  const LineSink sink = [this](const LineEvent& event) { Tell(ToText(event)); };
 };
 
 TEST_F(ModemPortTest, ALineTakesCallsAndFindsAModemThatIsPluggedInAgain) {
   Plug();
   const auto line = Opened(folder / "modem");
-  EXPECT_EQ(line->Open(*this), kTelephonyLineInUse);
-  EXPECT_TRUE(line->Capabilities().caller_id && line->Capabilities().monitor_digits);
+  EXPECT_EQ(line->Open(sink).value().result, kTelephonyLineInUse);
   Expect("Waiting for calls|");
   EXPECT_GT(port->Rate(), modem.NeededPortRate());
   modem.Ring();
@@ -79,7 +78,7 @@ TEST_F(ModemPortTest, ALineTakesCallsAndFindsAModemThatIsPluggedInAgain) {
   Expect("Ring 2 1|");
   line->Close();
   Expect("Idle 2|");
-  EXPECT_EQ(line->Open(*this), kTelephonyOk);
+  EXPECT_FALSE(line->Open(sink));
   Expect("Waiting for calls|");
 }
 

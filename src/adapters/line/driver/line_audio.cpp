@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/service/line_audio.h"
+#include "adapters/line/driver/line_audio.h"
 
 #include <algorithm>
 #include <utility>

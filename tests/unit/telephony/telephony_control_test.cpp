@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "adapters/line/service/line_service.h"
+#include "telephony/telephony_control.h"
 
 #include <gmock/gmock.h>
 
-#include "adapters/line/service/caller_text.h"
 #include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
+#include "base/text.h"
 #include "support/scratch_folder.h"
 
 namespace orven {
@@ -13,40 +13,41 @@ namespace {
 
 using namespace std::chrono_literals;
 using std::to_string;
+using Kind = LineEvent::Kind;
 
 /// The second of two lines, its caller, and a program that hangs up when the caller does. All events of the
-/// service are collected in one text.
-struct Scene : TelephonyEvents {
+/// control are collected in one text.
+struct Scene {
   explicit Scene(const SimScript& script = {}) {
     std::vector<TelephoneDevice> devices;
     for (int i = 0; i < 2; ++i) {
-      auto driver = std::make_unique<SimLine>("Sim", time, script);
+      auto driver = std::make_unique<SimLine>(time, script);
       sim = driver.get();
-      devices.push_back({std::move(driver), 120s});
+      devices.push_back({VoiceDevice("Sim"), std::move(driver), 120s});
     }
     const auto report = [this](const std::string&) { Tell(1, "idle call"); };
-    service =
-        std::make_unique<LineService>(time, std::move(devices), IdleCalls{[this] { return plays; }, report});
-    service->SetEvents(this);
-    service->LineOpen(1, 4, 8);
+    Tapi1 = std::make_unique<TelephonyControl>(time, std::move(devices),
+                                               IdleCalls{[this] { return plays; }, report});
+    Tapi1->SetEvents([this](const LineEvent& event) { Handle(event); });
+    Tapi1->LineOpen(1, 4, 8);
   }
 
-  void Proc(std::int32_t line, std::int32_t request, std::int32_t result) override {
-    Tell(line, "done " + to_string(request) + (result == request ? "" : " as " + to_string(result)));
-  }
-  void InCommingCall(std::int32_t line, const CallInformation& call) override {
-    Tell(line, "call " + to_string(call.call_number));
-  }
-  void MonitorDigit(std::int32_t line, char digit) override { Tell(line, std::string("digit ") + digit); }
-  void Idle(std::int32_t line) override { Tell(line, "idle"); }
-  void Disconnected(std::int32_t line) override {
-    Tell(line, "gone");
-    Play("?DD");
-  }
-  void Connected(std::int32_t line) override { Tell(line, "up"); }
-  void Ring(std::int32_t line, std::int32_t count) override { Tell(line, "ring " + to_string(count)); }
-  void CallerID(std::int32_t line, const std::string& name, const std::string& number) override {
-    Tell(line, name + '/' + number);
+  void Handle(const LineEvent& event) {
+    const auto number = to_string(event.number);
+    switch (event.kind) {
+      case Kind::InCommingCall: return Tell(event.line, "call " + to_string(event.call));
+      case Kind::Ring: return Tell(event.line, "ring " + number);
+      case Kind::CallerID: return Tell(event.line, event.name + '/' + event.text);
+      case Kind::Proc: {
+        const bool done = event.result == event.number;
+        return Tell(event.line, "done " + number + (done ? "" : " as " + to_string(event.result)));
+      }
+      case Kind::Connected: return Tell(event.line, "up");
+      case Kind::MonitorDigit: return Tell(event.line, std::string("digit ") + event.digit);
+      case Kind::Disconnected: Tell(event.line, "gone"), Play("?DD"); return;
+      case Kind::Idle: return Tell(event.line, "idle");
+      case Kind::Trouble: return Tell(event.line, event.text);
+    }
   }
 
   /// Plays `steps`, one letter each, and returns all events so far.
@@ -64,13 +65,13 @@ struct Scene : TelephonyEvents {
       case '1': return sim->Press('1');
       case 'h': return sim->HangUp();
       // The program
-      case 'A': return TellRefusal(service->LineAnswer(1));
-      case 'D': return TellRefusal(service->LineDrop(1));
-      case 'M': return service->MonitorDigits(1, true);
-      case 'C': return TellRefusal(service->LineClose(1));
-      case 'O': return TellRefusal(service->LineOpen(1, 4, 8));
+      case 'A': return TellRefusal(Tapi1->LineAnswer(1));
+      case 'D': return TellRefusal(Tapi1->LineDrop(1));
+      case 'M': return Tapi1->MonitorDigits(1, true);
+      case 'C': return TellRefusal(Tapi1->LineClose(1));
+      case 'O': return TellRefusal(Tapi1->LineOpen(1, 4, 8));
       case 'P': return void(plays = !plays);
-      case '?': return Tell(1, service->IsCallConnected(1) ? "connected" : "not connected");
+      case '?': return Tell(1, Tapi1->IsCallConnected(1) ? "connected" : "not connected");
       // Time passes
       case '.': return time.RunFor(1ms);
       case '_': return time.RunFor(100ms);
@@ -89,10 +90,10 @@ struct Scene : TelephonyEvents {
   SimLine* sim = nullptr;
   bool plays = false;
   std::string told;
-  std::unique_ptr<LineService> service;
+  std::unique_ptr<TelephonyControl> Tapi1;
 };
 
-TEST(LineService, ReportsACallToTheProgram) {
+TEST(TelephonyControl, ReportsACallToTheProgram) {
   const std::pair<const char*, const char*> rows[] = {
       {"o.rnxr.A_r?h_?",
        "call 1, ring 1, 'Bob'/UNKNOWN, ring 2, done 1, up, connected, gone, connected, refused -4, done 2, "
@@ -110,10 +111,10 @@ TEST(LineService, ReportsACallToTheProgram) {
   };
   for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
   const Scene scene;
-  EXPECT_EQ(scene.service->LineOpen(2, 4, 8), kTelephonyBadDevice);
-  EXPECT_EQ(scene.service->ErrorText(17), scene.service->ErrorText(0)) << "a request is not an error";
+  EXPECT_EQ(scene.Tapi1->LineOpen(2, 4, 8), kTelephonyBadDevice);
+  EXPECT_EQ(scene.Tapi1->ErrorText(17), scene.Tapi1->ErrorText(0)) << "a request is not an error";
   for (int result = -8; result < 0; ++result)
-    EXPECT_EQ(scene.service->ErrorText(result).starts_with("Unknown"), result == -8) << result;
+    EXPECT_EQ(scene.Tapi1->ErrorText(result).starts_with("Unknown"), result == -8) << result;
 }
 
 TEST(SimScript, StartsWheneverTheLineIsOpenedAndReportsInvalidLines) {

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Every control of the four dialogs that edit settings: what it shows, what it stores, and in which order
+// values are read and stored.
+#include "actions/frmActions.h"
+#include "gui/window_test.h"
+#include "log/frmLog.h"
+#include "notify/frmEvents.h"
+#include "options/frmOptions.h"
+
+namespace orven::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// A setting and its control: what is stored at first and shown for it, what a person chooses, and what is
+/// stored then.
+struct Control {
+  const char *name, *stored, *control, *shown, *chosen, *taken;
+};
+
+constexpr Control kOptions[] = {{"pQuickToolbar", "1", "chkQuickToolBar", "true", "false", "0"},
+                                {"ListMessageOnly", "0", "chkListMessagesOnly", "false", "true", "1"},
+                                {"WornDelete", "1", "chkWornDelete", "true", "false", "0"},
+                                {"WornClear", "-1", "chkWornClear", "true", "false", "0"},
+                                {"ModemName", "Sim", "cmbModemDev", "Sim", "Home", "Home"},
+                                {"Sound", "1", "cmbSoundDev", "Headset", "Default output", "0"},
+                                {"NumOfRing", "+3", "txtNumOfRing", "+3", "20", "20"},
+                                {"Greeting", "hello", "CmbGreetsMessages", "hello", "Hello", "Hello"},
+                                {"RecordMessage", "1", "cmdRecordMessage", "true", "false", "0"},
+                                {"MaxRec", "546", "txtRecLong", "546", "5", "5"},
+                                {"PreScreen", "0", "chkPreScreen", "false", "true", "1"},
+                                {"cDropSilence", "1", "chkDropIfSilnce", "true", "false", "0"},
+                                {"SecSilence", "3", "cmbSilenceSec", "3", "12", "12"},
+                                {"ValSilence", "55", "sldSilence", "6", "9", "90"},
+                                {"AllowRemoteAccess", "1", "chkAllowRemoteAccess", "true", "false", "0"},
+                                {"Pass", "4711", "txtPass", "4711", "#12", "#12"},
+                                {"CompressMessages", "0", "chkCompress", "false", "true", "1"}};
+constexpr Control kActions[] = {
+    {"pMailTo", "0", "chkSendToMail", "false", "true", "1"},
+    {"MailTo", "a@b", "txtSendToMail", "a@b", "anna@example.org", "anna@example.org"},
+    {"SMTPServer", "", "txtSMTP", "", "smtps://mail.example.org", "smtps://mail.example.org"},
+    {"MailFrom", "home", "txtFromMail", "home", "orven@example.org", "orven@example.org"},
+    {"ActionsMailAllCalls", "2", "cmbActMail", "Act with messages only!", "Act with all calls", "0"},
+    {"SMTPUser", "ben", "txtSMTPUser", "ben", "anna", "anna"},
+    {"SMTPPass", "old", "txtSMTPPass", "old", "gehe1m", "gehe1m"},
+    {"SMTPSecure", "yes", "chkSMTPSecure", "true", "false", "0"},
+    {"pAppTo", "0", "chkApp", "false", "true", "1"},
+    {"AppTo", "say <NAME>", "txtAppTo", "say <NAME>", "say \"<NUMBER>\"", "say \"<NUMBER>\""},
+    {"pAppToBG", "0", "chkBGAPP", "false", "true", "1"},
+    {"ActionsAppAllCalls", "0", "cmbActApp", "Act with all calls", "Act with messages only!", "1"}};
+constexpr Control kEvents[] = {
+    {"PlayInRing", "ring.wav", "CmbPlayWhenCall", "ring.wav", "idle.wav", "idle.wav"},
+    {"cPlayInRing", "0", "chkPlayInCall", "false", "true", "1"},
+    {"ViewDetails", "0", "chkViewDet", "false", "true", "1"},
+    {"PlayInIdle", "gone.wav", "CmbPlayWhenMessage", "", "ring.wav", "ring.wav"},
+    {"cPlayInIdle", "1", "chkPlayInMessage", "true", "false", "0"},
+    {"cOnlyIfGotMessage", "0", "chkOnlyIfGotMessage", "false", "true", "1"},
+    {"WhenMsgViewMsg", "0", "chkMsgInMsg", "false", "true", "1"},
+    {"cAnimation", "0", "chkAnimation", "false", "true", "1"},
+    {"AnimationFast", "400", "sldAnimationFast", "100", "70", "70"},
+    {"cCloseCallerView", "1", "chkCloseCVAfter", "true", "false", "0"},
+    {"CloseCallerView", "45", "cmbCloseCVAfter", "", "20", "20"}};
+constexpr Control kLog[] = {{"cLogCalls", "0", "chkLogCalls", "false", "true", "1"},
+                            {"cLogSys", "1", "chkLogSys", "true", "false", "0"},
+                            {"LogFor", "Never", "cmbLogFor", "For Ever", "1 Last Month", "1 Last Month"},
+                            {"cWornBeforeDelete", "2", "chkWornBeforeDelete", "true", "false", "0"}};
+
+constexpr struct {
+  const char* window;
+  std::span<const Control> controls;
+  const char* order;  ///< of storing
+} kDialogs[] = {
+    {"frmOptions", kOptions,
+     "SecSilence cDropSilence ValSilence WornDelete WornClear ListMessageOnly Modem PreScreen ModemName "
+     "Sound "
+     "RecordMessage Greeting NumOfRing MaxRec AllowRemoteAccess Pass CompressMessages pQuickToolbar ORVEN "},
+    {"frmActions", kActions,
+     "pMailTo MailTo SMTPServer MailFrom ActionsMailAllCalls pAppTo AppTo pAppToBG ActionsAppAllCalls "
+     "SMTPUser "
+     "SMTPPass SMTPSecure "},
+    {"frmEvents", kEvents,
+     "cPlayInIdle PlayInIdle ViewDetails WhenMsgViewMsg PlayInRing cPlayInRing cAnimation AnimationFast "
+     "cCloseCallerView CloseCallerView cOnlyIfGotMessage "},
+    {"frmLogProp", kLog, "cLogCalls cLogSys cWornBeforeDelete LogFor "}};
+
+class SettingsRows : public WindowTest {
+ protected:
+  SettingsRows() {
+    world.cards.names = {"Default output", "Headset"};
+    world.files.Put(std::string(World::kHome) + "/Greets/hello.wav", TimedWave::Sound(1s));
+  }
+  void Open(const std::string& name) {
+    window.reset();
+    if (name == "frmOptions")
+      window = std::make_unique<frmOptions>(frmOptions::Parts{options, greetings, {}}, 0, nullptr);
+    if (name == "frmActions") window = std::make_unique<frmActions>(actions, 0, nullptr);
+    if (name == "frmEvents") window = std::make_unique<frmEvents>(events, 0, nullptr);
+    if (name == "frmLogProp") window = std::make_unique<frmLogProp>(log, nullptr);
+    Show(*window);
+  }
+
+  /// Checks that `read` reads the numbers among the settings in this order.
+  void ExpectReadInOrder(const Names& names, const std::string& label, const std::function<void()>& read) {
+    for (const auto& name : names) world.registry.Set(name, "x");
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      Names lines(names.size(), label + "13 Type mismatch");
+      lines[i] = label + "6 Overflow";
+      world.registry.Set(names[i], "1e99");
+      EXPECT_EQ(world.LoggedBy(read), lines) << names[i];
+      world.registry.Set(names[i], "x");
+    }
+  }
+
+  AnsweringMachine& machine = world.Machine();
+  OptionsDialog options{machine.ForOptionsDialog()};
+  GreetingPlayer greetings{machine.ForGreetingPlayer([] { return std::nullopt; })};
+  ActionsDialog actions{{world.registry, machine.log, world.dialogs, world.shell, world.time,
+                         [this] { machine.store.GetMainAction(); }}};
+  EventsDialog events{{machine.settings, machine.store, machine.shared, world.files, machine.sounds,
+                       machine.player, world.dialogs, machine.caller_view}};
+  LogProperties log{machine.settings, machine.store, machine.log, [] {}};
+  std::unique_ptr<QDialog> window;
+};
+
+TEST_F(SettingsRows, EachControlShowsItsSettingAndOkStoresWhatWasChosen) {
+  for (const auto& dialog : kDialogs)
+    for (const auto& row : dialog.controls) world.registry.Set(row.name, row.stored);
+  world.Start().RunFor(1s);
+  for (const auto& dialog : kDialogs) {
+    SCOPED_TRACE(dialog.window);
+    Open(dialog.window);
+    for (const auto& row : dialog.controls) ExpectShown({{row.control, row.shown}});
+    for (const auto& row : dialog.controls) Set({{row.control, row.chosen}});
+    if (window->objectName() == u"frmOptions") Do("chkRenOnStart:false chkRenOnStart=true");
+    world.registry.changed.clear();
+    Click("cmdOK");
+    std::string order;
+    for (const auto& name : world.registry.changed) order += name + " ";
+    EXPECT_EQ(order, dialog.order);
+    EXPECT_EQ(window->result(), QDialog::Accepted);
+    machine.store.GetMainOptions(), machine.store.GetMainEvents();
+    Open(dialog.window);
+    for (const auto& row : dialog.controls) {
+      ExpectStored({{row.name, row.taken}});
+      ExpectShown({{row.control, row.chosen}});
+    }
+  }
+  EXPECT_EQ(world.registry.Text("ORVEN", kAutostartKey), "/home/orven/ORVEN.exe -st");
+  EXPECT_EQ(world.registry.Text("Modem"), "-1");
+  Open("frmOptions");
+  Do("chkRenOnStart:true chkRenOnStart=false cmdOK");
+  EXPECT_EQ(world.registry.Text("ORVEN", kAutostartKey), kNotFound);
+}
+
+TEST_F(SettingsRows, AFailureNamesTheValuesInTheOrderOfReading) {
+  world.Start();
+  const Names action_values = {"pMailTo", "ActionsMailAllCalls", "pAppTo", "pAppToBG", "ActionsAppAllCalls"};
+  ExpectReadInOrder({"Modem", "SecSilence", "cDropSilence", "ValSilence", "RecordMessage", "NumOfRing",
+                     "MaxRec", "WornDelete", "WornClear", "ListMessageOnly", "Sound", "AllowRemoteAccess",
+                     "CompressMessages", "pQuickToolbar", "PreScreen"},
+                    "ErrGetMainOptions ", [this] { machine.store.GetMainOptions(); });
+  ExpectReadInOrder(action_values, "ErrGetMainAction ", [this] { machine.store.GetMainAction(); });
+  ExpectReadInOrder({"cPlayInRing", "cOnlyIfGotMessage", "cPlayInIdle", "WhenMsgViewMsg", "ViewDetails",
+                     "cAnimation", "AnimationFast", "cCloseCallerView", "CloseCallerView"},
+                    "ErrGetMainEvents ", [this] { machine.store.GetMainEvents(); });
+  ExpectReadInOrder({"Modem", "cLogCalls", "cLogSys"}, "ErrGetAppOption ",
+                    [this] { machine.store.GetAppOptions([] {}); });
+  ExpectReadInOrder({"SecSilence", "cDropSilence", "ValSilence", "RecordMessage", "NumOfRing", "MaxRec",
+                     "WornDelete", "WornClear", "ListMessageOnly", "PreScreen", "Sound", "AllowRemoteAccess",
+                     "CompressMessages", "pQuickToolbar"},
+                    "ErrGetOptions->", [this] { Open("frmOptions"); });
+  ExpectReadInOrder(action_values, "ErrActionGetOptions->", [this] { Open("frmActions"); });
+  EXPECT_THAT(world.LoggedBy([this] { Open("frmEvents"), Open("frmLogProp"); }), testing::IsEmpty());
+}
+
+TEST_F(SettingsRows, ABadValueIsLoggedAndTheOthersAreShownAndStored) {
+  world.Start().RunFor(1s);
+  for (const char* name : {"SecSilence", "cDropSilence", "Sound"}) world.registry.Set(name, "loud");
+  world.registry.Set("NumOfRing", "40000");
+  Open("frmOptions");
+  ExpectShown(
+      {{"cmbSilenceSec", ""}, {"chkDropIfSilnce", "false"}, {"cmbSoundDev", ""}, {"txtNumOfRing", "40000"}});
+  Set({{"cmbSilenceSec", "soon"},
+       {"txtRecLong", "547"},
+       {"txtPass", " 1 2 "},
+       {"cmbModemDev", "No such device"}});
+  Get<QComboBox>("CmbGreetsMessages").setCurrentIndex(-1);
+  EXPECT_THAT(Do("cmdOK"),
+              testing::ElementsAre("ErrSaveOptionOption 13 Type mismatch", "ErrSaveOptionOption 6 Overflow",
+                                   "ErrSaveOptionOption 6 Overflow"));
+  ExpectStored({{"SecSilence", "loud"},
+                {"cDropSilence", "0"},
+                {"NumOfRing", "40000"},
+                {"MaxRec", "547"},
+                {"Pass", " 1 2 "},
+                {"Modem", "-1"},
+                {"ModemName", "No such device"},
+                {"Sound", "loud"},
+                {"Greeting", "Hello"}});
+  EXPECT_EQ(machine.settings.NumOfRing, 2);
+  EXPECT_EQ(machine.settings.max_record_seconds, 60) << "547 minutes, in seconds, do not fit in 16 bits";
+  EXPECT_TRUE(world.Tapi1->IsLineOpen(0)) << "an open line stays as it is";
+  for (const char* name : {"SMTPUser", "SMTPPass", "SMTPSecure", "MailTo"})
+    world.registry.Delete(RegistryRoot::LocalMachine, kSettingsKey, name);
+  Open("frmActions");
+  ExpectShown(
+      {{"txtSMTPUser", ""}, {"txtSMTPPass", ""}, {"chkSMTPSecure", "true"}, {"txtSendToMail", "Not Found"}});
+  machine.settings.PlayInRing = "";
+  machine.settings.cPlayInRing = 1;
+  machine.settings.CloseCallerView = 45;
+  Open("frmEvents");
+  Do("chkPlayInCall:false cmbCloseCVAfter: cmdOK");
+  ExpectStored({{"CloseCallerView", "45"}});  // kept although the list does not offer it
+}
+
+TEST_F(SettingsRows, OptionsThatCannotBeStoredAreReportedAndUsedUntilExit) {
+  world.Start().RunFor(1s);
+  for (const char* typed : {"txtPass=4712 cmdOK", "chkRenOnStart=true cmdOK"}) {
+    Open("frmOptions");
+    world.registry.refuse_writes = true;
+    Do(typed);
+  }
+  EXPECT_THAT(world.dialogs.informations,
+              testing::ElementsAre(testing::HasSubstr("could not be stored"),
+                                   testing::HasSubstr("could not be stored"),
+                                   testing::HasSubstr("does not start with the desktop")));
+}
+
+}  // namespace
+}  // namespace orven::test
