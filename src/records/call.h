@@ -74,9 +74,9 @@ inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime
                                         kCallMassageName, kType,       kRead};
 
 /// Names of what is kept of an open call, in this order.
-inline constexpr std::array kOpenCallFields{kCallName, kCallNumber, kCallTime, kCallDate,   kCallMassageName,
-                                            "Ring",    "Left",      "Folder",  "Recording", "Place",
-                                            "Path",    "Mail",      "Step"};
+inline constexpr std::array kOpenCallFields{kCallName, kCallNumber, kCallTime,   kCallDate, kCallMassageName,
+                                            "Ring",    "Folder",    "Recording", "Place",   "Path",
+                                            "Left",    "Mail",      "Step"};
 
 /// Query for all records with all fields.
 inline constexpr const char* kGetAll = "Get *";

@@ -32,11 +32,6 @@ constexpr std::array kTexts{&Call::date,
                             &Call::place};
 constexpr std::size_t kFields = 2 + kTexts.size() + 3;
 
-struct OldCall {
-  Call call;
-  std::optional<std::int64_t> filed_after;  ///< identity of the newest record before it
-};
-
 template <class Number>
 std::optional<Number> ToNumber(std::string_view text) {
   Number number{};
@@ -46,21 +41,20 @@ std::optional<Number> ToNumber(std::string_view text) {
   return number;
 }
 
-OldCall CallOf(const std::vector<std::string>& fields) {
-  OldCall old;
+Call CallOf(const std::vector<std::string>& fields) {
+  Call call;
   auto field = fields.begin() + 2;
   for (const auto text : kTexts) {
-    old.call.*text = PercentDecoded(*field).value_or(*field);
+    call.*text = PercentDecoded(*field).value_or(*field);
     ++field;
   }
-  old.call.message_left = *field++ == "1";
-  old.filed_after = ToNumber<std::int64_t>(*field++);
-  old.call.record = ToNumber<std::int64_t>(*field).value_or(0);
-  return old;
+  call.message_left = *field == "1";
+  call.record = ToNumber<std::int64_t>(fields.back()).value_or(0);
+  return call;
 }
 
 /// Applies one line; false when it is invalid.
-bool TakeIn(std::string_view line, std::map<std::uint32_t, OldCall>& calls, std::set<std::uint32_t>& mails) {
+bool TakeIn(std::string_view line, std::map<std::uint32_t, Call>& calls, std::set<std::uint32_t>& mails) {
   const auto fields = Split(line, '\t');
   const auto entry = fields.size() < 2 ? std::nullopt : ToNumber<std::uint32_t>(fields[1]);
   if (!entry) return false;
@@ -71,29 +65,6 @@ bool TakeIn(std::string_view line, std::map<std::uint32_t, OldCall>& calls, std:
   if (word == "done") calls.erase(*entry);
   mails.erase(*entry);
   return word == "done" || word == "mailed";
-}
-
-/// Whether the record has the call's texts.
-bool IsRecordOf(const Call& call, std::int32_t number, DatabaseControl& database) {
-  const auto record = database.Record(number);
-  const auto same = [&](const char* field, const std::string& text) {
-    return record.at(static_cast<std::size_t>(database.FieldIndex(field))) == text;
-  };
-  return same(kCallName, call.caller_name) && same(kCallNumber, call.caller_number) &&
-         same(kCallTime, call.time) && same(kCallDate, call.date) &&
-         same(kCallMassageName, call.message_file_name);
-}
-
-/// The record that the call got before version 1.0 was killed, which may not have come to writing it down:
-/// one that is newer than the newest before the call, and no other call's.
-std::int64_t RecordOf(const OldCall& old, DatabaseControl& database, std::set<std::int64_t>& taken) {
-  if (old.call.record != 0 || !old.filed_after) return old.call.record;
-  for (auto number = database.RecordCount(); number > 0; --number) {
-    const auto identity = database.Identity(number);
-    if (identity <= *old.filed_after) return 0;
-    if (IsRecordOf(old.call, number, database) && taken.insert(identity).second) return identity;
-  }
-  return 0;
 }
 
 std::string NameForDamaged(const Files& files, const std::string& path) {
@@ -111,20 +82,17 @@ void TakeOverJournal(const OldJournal& ports, const std::string& folder) {
   // Their keys stay the same when this is done again.
   const auto begin =
       std::chrono::floor<std::chrono::microseconds>(files.LastModified(path).time_since_epoch());
-  std::map<std::uint32_t, OldCall> calls;
+  std::map<std::uint32_t, Call> calls;
   std::set<std::uint32_t> mails;
   auto lines = Split(files.Read(path), '\n');
-  const bool torn =
-      lines.size() == 1 && !lines.front().empty();  // a last line that ends too early is what a crash leaves
-  lines.pop_back();
+  const bool torn = lines.size() == 1 && !lines.front().empty();
+  lines.pop_back();  // empty, or what a crash leaves
   const auto invalid = [&](const auto& line) { return !line.empty() && !TakeIn(line, calls, mails); };
   const bool damaged = std::ranges::count_if(lines, invalid) > 0 || torn;
-  std::set<std::int64_t> taken;
-  for (auto& [entry, old] : calls) {
-    old.call.key = begin.count() + entry;
-    old.call.record = RecordOf(old, database, taken);
-    old.call.mail_due = mails.contains(entry);
-    database.Keep(RowOf(old.call));
+  for (auto& [entry, call] : calls) {
+    call.key = begin.count() + entry;
+    call.mail_due = mails.contains(entry);
+    database.Keep(RowOf(call));
   }
   if (!damaged) return files.Delete(path);
   const auto aside = NameForDamaged(files, path);

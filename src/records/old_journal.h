@@ -16,7 +16,7 @@ struct OldJournal {
 };
 
 /// Takes over the calls that version 1.0 kept in its journal, "Call.journal" in `folder` (ending in a
-/// separator), when it was killed: they become open calls, those with a record together with that. A journal
+/// separator), when it was killed: they become open calls, each with its record if it has one. A journal
 /// with invalid lines is kept as "Call.journal.damaged", any other deleted. Throws when that fails; then it
 /// can be called again. To be called before the open calls are read.
 void TakeOverJournal(const OldJournal& ports, const std::string& folder);

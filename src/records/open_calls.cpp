@@ -20,18 +20,11 @@ constexpr std::chrono::seconds kLook{1};
 /// Ends each complete line of a note.
 constexpr std::string_view kComplete = "\t.";
 
-/// The texts of a call that are kept, by their place in kOpenCallFields.
-constexpr std::pair<std::size_t, std::string Call::*> kTexts[]{{0, &Call::caller_name},
-                                                               {1, &Call::caller_number},
-                                                               {2, &Call::time},
-                                                               {3, &Call::date},
-                                                               {4, &Call::message_file_name},
-                                                               {5, &Call::ring_count_text},
-                                                               {7, &Call::recording_folder},
-                                                               {8, &Call::recording},
-                                                               {9, &Call::place},
-                                                               {10, &Call::message_path}};
-constexpr std::size_t kLeft = 6, kMail = 11, kStep = 12;
+/// The texts that are kept of a call, as the first fields. After them: a message was left, a mail is due, and
+/// how often the call was kept.
+constexpr std::array kTexts{
+    &Call::caller_name,     &Call::caller_number,    &Call::time,      &Call::date,  &Call::message_file_name,
+    &Call::ring_count_text, &Call::recording_folder, &Call::recording, &Call::place, &Call::message_path};
 
 std::int64_t ToNumber(std::string_view text) {
   std::int64_t number = 0;
@@ -43,10 +36,11 @@ Call CallOf(const OpenCall& row) {
   Call call;
   call.key = row.key;
   call.record = row.record;
-  for (const auto& [place, text] : kTexts) call.*text = row.fields.at(place);
-  call.message_left = row.fields.at(kLeft) == "1";
-  call.mail_due = row.fields.at(kMail) == "1";
-  call.step = ToNumber(row.fields.at(kStep));
+  auto field = row.fields.begin();
+  for (const auto text : kTexts) call.*text = *field++;
+  call.message_left = *field++ == "1";
+  call.mail_due = *field++ == "1";
+  call.step = ToNumber(*field);
   return call;
 }
 
@@ -57,11 +51,11 @@ bool IsPlain(unsigned char byte) {
 }  // namespace
 
 OpenCall RowOf(const Call& call) {
-  OpenCall row{call.key, call.record, std::vector<std::string>(kOpenCallFields.size())};
-  for (const auto& [place, text] : kTexts) row.fields[place] = call.*text;
-  row.fields[kLeft] = call.message_left ? "1" : "0";
-  row.fields[kMail] = call.mail_due ? "1" : "0";
-  row.fields[kStep] = std::to_string(call.step);
+  OpenCall row{call.key, call.record, {}};
+  for (const auto text : kTexts) row.fields.push_back(call.*text);
+  row.fields.emplace_back(call.message_left ? "1" : "0");
+  row.fields.emplace_back(call.mail_due ? "1" : "0");
+  row.fields.push_back(std::to_string(call.step));
   return row;
 }
 

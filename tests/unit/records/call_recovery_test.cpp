@@ -161,7 +161,7 @@ TEST_F(Recovery, WhatVersion1LeftIsTakenOverAndAStrayRecordingIsStillACall) {
   };
   const std::string journal =
       "rubbish\n" + call("1", "Growing%25", "1.wav\t\t" + messages + "\t1~5\t\t0\t0\t") +
-      call("2", "Filed", "2.wav\t\t\t\t\t0\t0\t") +
+      call("2", "Filed", "2.wav\t\t\t\t\t0\t0\t1") +
       call("3", "Stored",
            "3.wav\t" + messages + "3.wav\t" + messages + "\t3~5\t" + messages + "3.wav\t1\t0\t") +
       call("4", "Late", "4.wav\t\t" + messages + "\t4~5\t" + messages + "4.wav\t1\t0\t2") + "mail\t2\n" +
@@ -169,13 +169,7 @@ TEST_F(Recovery, WhatVersion1LeftIsTakenOverAndAStrayRecordingIsStillACall) {
   registry.Set("pMailTo", "1"), registry.Set("ActionsMailAllCalls", "1");
   files.Put(kJournal, journal);
   files.Put(kJournal + ".damaged", "older");
-  database.Put({{kCallName, "Filed"},
-                {kCallNumber, "5"},
-                {kCallTime, "14:00:02"},
-                {kCallDate, "12/31/2003"},
-                {kCallMassageName, "2.wav"},
-                {kType, "-1"}});
-  database.Put({{kCallName, "Late"}, {kType, "-1"}});
+  for (const char* name : {"Filed", "Late"}) database.Put({{kCallName, name}, {kType, "-1"}});
   PutGrown("1~5-9-9", TimedWave::Sound(1s));
   files.Put(messages + "3.wav", TimedWave::Sound(3s));
   PutGrown("4~5-9-9", TimedWave::Sound(4s));
@@ -185,8 +179,7 @@ TEST_F(Recovery, WhatVersion1LeftIsTakenOverAndAStrayRecordingIsStillACall) {
   RunFor(60s);
   for (int starts = 0; starts < 2; ++starts) {
     Start().RunFor(1s);
-    EXPECT_THAT(Filed(), UnorderedElementsAre("Filed 5 14:00:02 12/31/2003 -1", "Late    4",
-                                              "Growing% 5 14:00:01 12/31/2003 1",
+    EXPECT_THAT(Filed(), UnorderedElementsAre("Filed    -1", "Late    4", "Growing% 5 14:00:01 12/31/2003 1",
                                               "Stored 5 14:00:03 12/31/2003 3", EndsWith(" 12/31/2003 7")));
     EXPECT_EQ(1U, Mail1.mails.size());
     Crash();
