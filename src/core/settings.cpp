@@ -58,6 +58,7 @@ constexpr SettingRow Setting(std::string_view name, SettingRow::Field field, con
   return row;
 }
 
+// In twips, 15 to a pixel: 800 by 550 pixels.
 constexpr SettingRow kWindow[] = {
     Setting("MeTop", &S::MeTop, "1500"),        Setting("MeLeft", &S::MeLeft, "1500"),
     Setting("MeWinState", &S::MeWinState, "0"), Setting("MeWidth", &S::MeWidth, "12000"),
@@ -65,6 +66,7 @@ constexpr SettingRow kWindow[] = {
 };
 
 constexpr SettingRow kOptions[] = {
+    // At first any line that can do voice.
     Setting("Modem", &S::Modem, "-1", Kind::None, {.store = 7}),
     Setting(
         "ModemName", &S::ModemName, "", Kind::Entry, {.page = 1, .store = 9}, "cmbModemDev", "&Modem device:",
@@ -75,6 +77,7 @@ constexpr SettingRow kOptions[] = {
     Setting("cDropSilence", &S::cDropSilence, "1", Kind::Check, {.page = 3, .store = 2}, "chkDropIfSilnce",
             "Hang up when the caller is silent for",
             "Otherwise a message ends when the caller hangs up, or when it is too long"),
+    // 20 thousandths are above a telephone line's noise and below quiet speech.
     Setting("ValSilence", &S::ValSilence, "20", Kind::Slider, {.page = 3, .store = 3}, "sldSilence",
             "Sil&ence is up to:", "Choose a level above the noise of the line and below speech",
             {"Level up to which a caller is silent, in percent of full level", "", 0, 100, {}, 10}),
