@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/mMain.h"
 
-#include <algorithm>
-#include <array>
+#include <vector>
 
 #include "core/mdlReg.h"
 #include "core/mdlWinVersion.h"
@@ -12,21 +11,21 @@ namespace {
 
 constexpr int kPasswordDigits = 6;
 
-void Put(std::vector<NamedRegistryValue>& values, NamedRegistryValue value) {
-  const auto same = std::find_if(values.begin(), values.end(),
-                                 [&](const auto& existing) { return existing.name == value.name; });
-  if (same == values.end()) {
-    values.push_back(std::move(value));
-  } else {
-    *same = std::move(value);
-  }
-}
-
 // INITCOMMONCONTROLSEX of the Windows common controls: its size and ICC_USEREX_CLASSES.
 constexpr std::uint32_t kInitRecordSize = 8;
 constexpr std::uint32_t kExtendedComboBoxClasses = 0x200;
 
 constexpr const char* kStartHidden = "-st";
+
+std::vector<NamedRegistryValue> FirstValues() {
+  std::vector<NamedRegistryValue> values;
+  for (const auto group : {Group::Options, Group::Actions, Group::Events, Group::Log, Group::Window}) {
+    for (const auto* row : RowsOf(group)) {
+      if (row->first != nullptr) values.push_back(RegString(std::string(row->name), row->first));
+    }
+  }
+  return values;
+}
 
 }  // namespace
 
@@ -37,13 +36,14 @@ bool FirstStart::IsDue() const {
 void FirstStart::Run() {
   SetRegValue(registry_, RegistryRoot::LocalMachine, kAutostartKey, "ORVEN", kRegString,
               shared_.InApplicationFolder("\\ORVEN.exe -st"));
-  auto values = sources_.defaults();
-  Put(values, RegString("MassagesPath", shared_.InApplicationFolder("\\Messages\\")));
-  if (GetWindowsVersionName(system_.Version()) == "Windows XP") Put(values, RegString("cAnimation", "1"));
+  auto values = FirstValues();
+  if (GetWindowsVersionName(system_.Version()) == "Windows XP")
+    values.push_back(RegString("cAnimation", "1"));
+  values.push_back(RegString("MassagesPath", shared_.InApplicationFolder("\\Messages\\")));
   std::string password;
   for (int digit = 0; digit < kPasswordDigits; ++digit)
     password += static_cast<char>('0' + sources_.random(10));
-  Put(values, RegString("Pass", password));
+  values.push_back(RegString("Pass", password));
   if (registry_.Write(RegistryRoot::LocalMachine, kSettingsKey, values)) sources_.announce_password(password);
 }
 

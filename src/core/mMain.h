@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "core/settings.h"
 #include "platform/dialogs.h"
@@ -14,13 +13,11 @@ namespace orven {
 
 inline constexpr const char* kApplicationVersion = "1.0.0.22";
 
-/// Turns an application folder without settings into a working answering machine: the installer's default
-/// settings, the three settings that depend on the machine, and a random password.
+/// Turns an application folder without settings into a working answering machine: the first values of all
+/// settings, the three that depend on the machine, and a random password.
 class FirstStart {
  public:
   struct Sources {
-    /// Reads the installation's default settings.
-    std::function<std::vector<NamedRegistryValue>()> defaults;
     /// A uniformly random number from 0 to one less than its argument, from a cryptographic source.
     std::function<std::uint32_t(std::uint32_t)> random;
     /// Shows the new password to the person who installs; it is stored in the settings only.

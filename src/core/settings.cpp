@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/settings.h"
 
-#include <array>
+#include <algorithm>
+#include <stdexcept>
 
 #include "base/paths.h"
 
@@ -9,65 +10,184 @@ namespace orven {
 namespace {
 
 using S = Settings;
+using Kind = Row::Kind;
 
-constexpr unsigned kMainAndApp = kMainOptionsReader | kAppOptionsReader;
-constexpr unsigned kAppAndLog = kLogFlagsReader | kLogPropertiesReader;
+constexpr const char* kRings[] = {"1",  "2",  "3",  "4",  "5",  "6",  "7",  "8",  "9",  "10",
+                                  "11", "12", "13", "14", "15", "16", "17", "18", "19", "20"};
+constexpr const char* kMinutes[] = {"1", "2", "5"};
+constexpr const char* kSilences[] = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
+constexpr const char* kActWith[] = {"Act with all calls", "Act with messages only!"};
+constexpr const char* kCloseSeconds[] = {"10", "20", "30", "60"};
+constexpr const char* kLogFor[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
 
-const auto kSchema = std::to_array<SettingDefinition>({
-    {"MeTop", kViewReader, &S::MeTop},
-    {"MeLeft", kViewReader, &S::MeLeft},
-    {"MeWinState", kViewReader, &S::MeWinState},
-    {"MeWidth", kViewReader, &S::MeWidth},
-    {"MeHeight", kViewReader, &S::MeHeight},
-    {"Modem", kMainAndApp, &S::Modem},
-    {"ModemName", kMainOptionsReader, &S::ModemName},
-    {"MassagesPath", kMainAndApp, &S::MassagesPath},
-    {"SecSilence", kMainOptionsReader, &S::SecSilence},
-    {"cDropSilence", kMainOptionsReader, &S::cDropSilence},
-    {"ValSilence", kMainOptionsReader, &S::ValSilence},
-    {"RecordMessage", kMainOptionsReader, &S::RecordMessage},
-    {"NumOfRing", kMainOptionsReader, &S::NumOfRing},
-    {"MaxRec", kMainOptionsReader, &S::MaxRec},
-    {"Pass", kMainOptionsReader, &S::Pass},
-    {"WornDelete", kMainOptionsReader, &S::WornDelete},
-    {"WornClear", kMainOptionsReader, &S::WornClear},
-    {"ListMessageOnly", kMainOptionsReader, &S::ListMessageOnly},
-    {"Sound", kMainOptionsReader, &S::Sound},
-    {"Greeting", kMainOptionsReader, &S::Greeting},
-    {"AllowRemoteAccess", kMainOptionsReader, &S::AllowRemoteAccess},
-    {"CompressMessages", kMainOptionsReader, &S::CompressMessages},
-    {"pQuickToolbar", kMainOptionsReader, &S::pQuickToolbar},
-    {"PreScreen", kMainOptionsReader, &S::PreScreen},
-    {"pMailTo", kMainActionReader, &S::pMailTo},
-    {"MailTo", kMainActionReader, &S::MailTo},
-    {"SMTPServer", kMainActionReader, &S::SMTPServer},
-    {"MailFrom", kMainActionReader, &S::MailFrom},
-    {"ActionsMailAllCalls", kMainActionReader, &S::ActionsMailAllCalls},
-    {"pAppTo", kMainActionReader, &S::pAppTo},
-    {"AppTo", kMainActionReader, &S::AppTo},
-    {"pAppToBG", kMainActionReader, &S::pAppToBG},
-    {"ActionsAppAllCalls", kMainActionReader, &S::ActionsAppAllCalls},
-    {"PlayInRing", kMainEventsReader, &S::PlayInRing},
-    {"cPlayInRing", kMainEventsReader, &S::cPlayInRing},
-    {"cOnlyIfGotMessage", kMainEventsReader, &S::cOnlyIfGotMessage},
-    {"PlayInIdle", kMainEventsReader, &S::PlayInIdle},
-    {"cPlayInIdle", kMainEventsReader, &S::cPlayInIdle},
-    {"WhenMsgViewMsg", kMainEventsReader, &S::WhenMsgViewMsg},
-    {"ViewDetails", kMainEventsReader, &S::ViewDetails},
-    {"cAnimation", kMainEventsReader, &S::cAnimation},
-    {"AnimationFast", kMainEventsReader, &S::AnimationFast},
-    {"cCloseCallerView", kMainEventsReader, &S::cCloseCallerView},
-    {"CloseCallerView", kMainEventsReader, &S::CloseCallerView},
-    {"cLogCalls", kAppAndLog, &S::cLogCalls},
-    {"cLogSys", kAppAndLog, &S::cLogSys},
-    {"LogFor", kLogPropertiesReader, &S::LogFor},
-    {"cWornBeforeDelete", kLogPropertiesReader, &S::cWornBeforeDelete},
-});
+/// Stored values are limited to 2048 bytes; a character takes up to four.
+constexpr int kLongestPassword = 500;
+
+/// Minutes of the longest message whose seconds fit into 16 bits.
+constexpr int kLongestMessage = 546;
+
+/// A setting's page and its place when it is loaded and stored (Order).
+struct Place {
+  int page = 0;
+  int load = Order().load;
+  int store = Order().store;
+};
+
+/// What only some controls have (Row).
+struct Details {
+  const char* purpose = "";
+  const char* unit = "";
+  int least = 0;
+  int most = 0;
+  std::span<const char* const> items = {};
+  int scale = 1;
+};
+
+/// `first` is what the first start stores; null: nothing.
+constexpr SettingRow Setting(std::string_view name, SettingRow::Field field, const char* first,
+                             Kind kind = Kind::None, const Place& place = {}, const char* control = "",
+                             const char* label = "", const char* tip = "", const Details& details = {}) {
+  SettingRow row;
+  row.name = name, row.field = field, row.first = first;
+  row.kind = kind, row.control = control;
+  row.page = place.page, row.order = {place.load, place.store};
+  row.label = label, row.tip = tip;
+  row.purpose = details.purpose, row.unit = details.unit;
+  row.least = details.least, row.most = details.most;
+  row.items = details.items, row.scale = details.scale;
+  return row;
+}
+
+// In twips, 15 to a pixel: 800 by 550 pixels.
+constexpr SettingRow kWindow[] = {
+    Setting("MeTop", &S::MeTop, "1500"),        Setting("MeLeft", &S::MeLeft, "1500"),
+    Setting("MeWinState", &S::MeWinState, "0"), Setting("MeWidth", &S::MeWidth, "12000"),
+    Setting("MeHeight", &S::MeHeight, "8250"),
+};
+
+constexpr SettingRow kOptions[] = {
+    // At first any line that can do voice.
+    Setting("Modem", &S::Modem, "-1", Kind::None, {.store = 7}),
+    Setting(
+        "ModemName", &S::ModemName, "", Kind::Entry, {.page = 1, .store = 9}, "cmbModemDev", "&Modem device:",
+        "The telephone line to answer; a change takes effect when the line is next opened", {"Modem device"}),
+    Setting("MassagesPath", &S::MassagesPath, nullptr),
+    Setting("SecSilence", &S::SecSilence, "8", Kind::Number, {.page = 3, .store = 1}, "cmbSilenceSec", "", "",
+            {"Seconds of silence that end a message", "seconds", 1, 600, kSilences}),
+    Setting("cDropSilence", &S::cDropSilence, "1", Kind::Check, {.page = 3, .store = 2}, "chkDropIfSilnce",
+            "Hang up when the caller is silent for",
+            "Otherwise a message ends when the caller hangs up, or when it is too long"),
+    // 20 thousandths are above a telephone line's noise and below quiet speech.
+    Setting("ValSilence", &S::ValSilence, "20", Kind::Slider, {.page = 3, .store = 3}, "sldSilence",
+            "Sil&ence is up to:", "Choose a level above the noise of the line and below speech",
+            {"Level up to which a caller is silent, in percent of full level", "", 0, 100, {}, 10}),
+    Setting("RecordMessage", &S::RecordMessage, "1", Kind::Check, {.page = 2, .store = 11},
+            "cmdRecordMessage", "Record a message after the greeting",
+            "Otherwise the call ends after the greeting"),
+    Setting("NumOfRing", &S::NumOfRing, "4", Kind::Number, {.page = 2, .store = 13}, "txtNumOfRing",
+            "&Answer after:", "", {"Rings before a call is answered", "rings", 1, 20, kRings}),
+    Setting("MaxRec", &S::MaxRec, "2", Kind::Number, {.page = 2, .store = 14}, "txtRecLong",
+            "Longest &message:", "",
+            {"Minutes of the longest message", "minutes", 1, kLongestMessage, kMinutes}),
+    Setting("Pass", &S::Pass, nullptr, Kind::Secret, {.page = 3, .store = 16}, "txtPass",
+            "&Password:", "Digits that a telephone can key", {.most = kLongestPassword}),
+    Setting("WornDelete", &S::WornDelete, "1", Kind::Check, {.store = 4}, "chkWornDelete",
+            "Ask before deleting a call", "A deleted call's message is deleted with it"),
+    Setting("WornClear", &S::WornClear, "1", Kind::Check, {.store = 5}, "chkWornClear",
+            "Ask before clearing the calls list", "Clearing leaves the message files where they are"),
+    Setting("ListMessageOnly", &S::ListMessageOnly, "0", Kind::Check, {.store = 6}, "chkListMessagesOnly",
+            "List only calls that left a message", "Calls without a message are not added to the calls list"),
+    Setting("Sound", &S::Sound, "0", Kind::Choice, {.page = 1, .load = 1, .store = 10}, "cmbSoundDev",
+            "&Sound card:", "Where messages and greetings are heard and greetings are recorded",
+            {"Sound card"}),
+    Setting("Greeting", &S::Greeting, "Default", Kind::ByHand, {.page = 2, .load = 1, .store = 12}),
+    Setting("AllowRemoteAccess", &S::AllowRemoteAccess, "1", Kind::Check, {.page = 3, .load = 1, .store = 15},
+            "chkAllowRemoteAccess", "Hear my messages from another telephone",
+            "Call this machine, key the password while the greeting plays, then the star key. "
+            "The password works whether this is checked or not"),
+    Setting("CompressMessages", &S::CompressMessages, "0", Kind::Check, {.page = 3, .load = 1, .store = 17},
+            "chkCompress", "Store messages compressed", "Half the size, in the quality of the telephone"),
+    Setting("pQuickToolbar", &S::pQuickToolbar, "1", Kind::Check, {.load = 1, .store = 18}, "chkQuickToolBar",
+            "Show the quick options toolbar", "Greeting, rings and recording in the main window"),
+    Setting("PreScreen", &S::PreScreen, "0", Kind::Check, {.page = 2, .store = 8}, "chkPreScreen",
+            "Listen in while a message is recorded", "The caller is heard on the sound card"),
+};
+
+constexpr SettingRow kActions[] = {
+    Setting("pMailTo", &S::pMailTo, "0", Kind::Check, {}, "chkSendToMail", "Send Calls To E- Mail"),
+    Setting("MailTo", &S::MailTo, "", Kind::Text, {}, "txtSendToMail", "E-Mail To:"),
+    Setting("SMTPServer", &S::SMTPServer, "", Kind::Text, {}, "txtSMTP",
+            "SMTP :", "The mail server: its name, name:port, smtp://… or smtps://…"),
+    Setting("MailFrom", &S::MailFrom, "", Kind::Text, {}, "txtFromMail", "From(Replay To):"),
+    Setting("ActionsMailAllCalls", &S::ActionsMailAllCalls, "0", Kind::Choice, {}, "cmbActMail", "", "",
+            {.purpose = "Calls that this applies to", .items = kActWith}),
+    Setting("pAppTo", &S::pAppTo, "0", Kind::Check, {.page = 1}, "chkApp", "Send Calls To Application"),
+    Setting("AppTo", &S::AppTo, "", Kind::Text, {.page = 1}, "txtAppTo",
+            "Application Path:", "The program and its arguments; put arguments with blanks in double quotes"),
+    Setting("pAppToBG", &S::pAppToBG, "0", Kind::Check, {.page = 1}, "chkBGAPP", "Background"),
+    Setting("ActionsAppAllCalls", &S::ActionsAppAllCalls, "0", Kind::Choice, {.page = 1}, "cmbActApp", "", "",
+            {.purpose = "Calls that this applies to", .items = kActWith}),
+    Setting("SMTPUser", {}, nullptr, Kind::Text, {}, "txtSMTPUser",
+            "User:", "Leave empty if the mail server needs no login"),
+    Setting("SMTPPass", {}, nullptr, Kind::Secret, {}, "txtSMTPPass", "Password:"),
+    Setting("SMTPSecure", {}, nullptr, Kind::Check, {}, "chkSMTPSecure",
+            "Log in over an encrypted connection only"),
+};
+
+constexpr SettingRow kEvents[] = {
+    Setting("PlayInRing", &S::PlayInRing, "Ring.wav", Kind::ByHand, {.page = 1, .store = 5}),
+    Setting("cPlayInRing", &S::cPlayInRing, "0", Kind::Check, {.page = 1, .store = 6}, "chkPlayInCall",
+            "Play Sound:"),
+    Setting("cOnlyIfGotMessage", &S::cOnlyIfGotMessage, "1", Kind::Check, {.page = 2, .store = 11},
+            "chkOnlyIfGotMessage", "Only If Got Message"),
+    Setting("PlayInIdle", &S::PlayInIdle, "Message.wav", Kind::ByHand, {.page = 2, .store = 2}),
+    Setting("cPlayInIdle", &S::cPlayInIdle, "1", Kind::Check, {.page = 2, .store = 1}, "chkPlayInMessage",
+            "Play Sound:"),
+    Setting("WhenMsgViewMsg", &S::WhenMsgViewMsg, "1", Kind::Check, {.page = 2, .store = 4}, "chkMsgInMsg",
+            "Display Caller View"),
+    Setting("ViewDetails", &S::ViewDetails, "1", Kind::Check, {.page = 1, .store = 3}, "chkViewDet",
+            "Display Caller View"),
+    Setting("cAnimation", &S::cAnimation, "0", Kind::Check, {.store = 7}, "chkAnimation",
+            "Animate Caller View"),
+    Setting("AnimationFast", &S::AnimationFast, "50", Kind::Slider, {.store = 8}, "sldAnimationFast",
+            "Speed:", "", {.purpose = "Speed of the caller view", .most = 100}),
+    Setting("cCloseCallerView", &S::cCloseCallerView, "1", Kind::Check, {.store = 9}, "chkCloseCVAfter",
+            "Close Caller View after"),
+    Setting("CloseCallerView", &S::CloseCallerView, "30", Kind::List, {.store = 10}, "cmbCloseCVAfter", "",
+            "", {"Seconds after which the caller view closes", "Sec'", 0, 0, kCloseSeconds}),
+};
+
+constexpr SettingRow kLog[] = {
+    Setting("cLogCalls", &S::cLogCalls, "1", Kind::Check, {}, "chkLogCalls", "Log Calls",
+            "Write a line for each call"),
+    Setting("cLogSys", &S::cLogSys, "1", Kind::Check, {}, "chkLogSys", "Log System",
+            "Write each step of the line and each failure"),
+    Setting("LogFor", &S::LogFor, "3 Last Month", Kind::List, {.store = 100}, "cmbLogFor",
+            "Log For:", "Older files in the log folder are deleted", {.items = kLogFor}),
+    Setting("cWornBeforeDelete", &S::cWornBeforeDelete, "1", Kind::Check, {}, "chkWornBeforeDelete",
+            "Worn before delete", "Ask before the log viewer deletes a log"),
+};
+
+/// By their groups.
+constexpr std::span<const SettingRow> kTables[] = {kWindow, kOptions, kActions, kEvents, kLog};
 
 }  // namespace
 
-std::span<const SettingDefinition> SettingsSchema() {
-  return kSchema;
+std::vector<const SettingRow*> RowsOf(Group group, int Order::*order) {
+  std::vector<const SettingRow*> rows;
+  for (const auto& row : kTables[static_cast<std::size_t>(group)]) rows.push_back(&row);
+  if (order != nullptr) {
+    std::ranges::stable_sort(rows, {}, [order](const SettingRow* row) { return row->order.*order; });
+  }
+  return rows;
+}
+
+const SettingRow& RowOf(std::string_view name) {
+  for (const auto table : kTables) {
+    const auto row = std::ranges::find(table, name, &SettingRow::name);
+    if (row != table.end()) return *row;
+  }
+  throw std::out_of_range(std::string(name));
 }
 
 std::string SharedOptions::InApplicationFolder(std::string_view text) const {

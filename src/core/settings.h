@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
+
+#include "platform/row.h"
 
 namespace orven {
 
@@ -63,28 +65,45 @@ struct Settings {
   std::int16_t cWornBeforeDelete = 0;
 };
 
-/// The routines that read settings, as bits.
-enum SettingsReader : unsigned {
-  kViewReader = 1U << 0U,
-  kMainOptionsReader = 1U << 1U,
-  kMainActionReader = 1U << 2U,
-  kMainEventsReader = 1U << 3U,
-  kAppOptionsReader = 1U << 4U,
-  kLogFlagsReader = 1U << 5U,  ///< the second half of the application options
-  kLogPropertiesReader = 1U << 6U,
+/// The settings that are read together, and edited in one dialog.
+enum class Group { Window, Options, Actions, Events, Log };
+
+/// A setting's place among those of its group when a dialog loads and stores them. Equal ones keep the
+/// table's order.
+struct Order {
+  int load = 0;
+  int store = 99;
 };
 
-/// One row of the schema: the stored name, which routines read it, and the field that holds it. The
-/// field's type says how the stored text is converted.
-struct SettingDefinition {
-  using Field = std::variant<std::int16_t Settings::*, std::int32_t Settings::*, std::string Settings::*>;
-  std::string_view name;
-  unsigned readers;
+/// One setting. The type of its field says how the stored text is converted. Without a field it is read only
+/// when it is used: a check is then on unless "0" is stored, and a text that is missing is empty.
+struct SettingRow : Row {
+  using Field = std::variant<std::monostate, std::int16_t Settings::*, std::int32_t Settings::*,
+                             std::string Settings::*>;
   Field field;
+  Order order;
 };
 
-/// Every setting, in the order in which the routines read them.
-std::span<const SettingDefinition> SettingsSchema();
+/// The rows of a group in the order in which they are read, or in the order of loading or storing.
+std::vector<const SettingRow*> RowsOf(Group group, int Order::*order = nullptr);
+
+/// The row of a setting that is in the table.
+const SettingRow& RowOf(std::string_view name);
+
+/// Sets the row's field. Throws RuntimeError when `text` cannot be converted; the field then keeps its value.
+void Assign(Settings& settings, const SettingRow& row, const std::string& text);
+
+/// The row's field as text.
+std::string FieldText(const Settings& settings, const SettingRow& row);
+
+/// Whether the row's value is "1" for on and "0" for off.
+bool IsFlag(const SettingRow& row);
+
+/// What the row's control shows for a stored text. Throws RuntimeError when it cannot be converted.
+std::string ToShown(const SettingRow& row, const std::string& stored);
+
+/// What is stored for the value of the row's control.
+std::string ToStored(const SettingRow& row, const std::string& shown);
 
 /// What all parts of the program share while it runs.
 struct SharedOptions {

@@ -10,50 +10,55 @@ namespace {
 
 constexpr const char* kGridLines = "GridLines";
 
-void Assign(Settings& settings, const SettingDefinition& definition, const std::string& text) {
-  struct Converter {
-    Settings& settings;
-    const std::string& text;
-    void operator()(std::int16_t Settings::*field) const { settings.*field = ToInt16(text); }
-    void operator()(std::int32_t Settings::*field) const { settings.*field = ToInt32(text); }
-    void operator()(std::string Settings::*field) const { settings.*field = text; }
-  };
-  std::visit(Converter{settings, text}, definition.field);
-}
-
 }  // namespace
 
 std::string SettingsStore::Value(std::string_view name) {
   return GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, std::string(name));
 }
 
-void SettingsStore::Set(const std::string& name, const std::string& text) {
-  SetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, name, kRegString, text);
+void SettingsStore::Set(std::string_view name, const std::string& text) {
+  SetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, std::string(name), kRegString, text);
 }
 
-void SettingsStore::Read(unsigned reader, const std::string& label) {
-  Read(reader, ErrorTrap(log_, label));
+void SettingsStore::Read(Group group, const ErrorTrap& trap) {
+  for (const auto* row : RowsOf(group)) Read(row->name, trap);
 }
 
-void SettingsStore::Read(unsigned reader, const ErrorTrap& trap) {
-  for (const auto& definition : SettingsSchema()) {
-    if ((definition.readers & reader) == 0) continue;
-    trap([&] { Assign(settings_, definition, Value(definition.name)); });
-  }
+void SettingsStore::Read(std::string_view name, const ErrorTrap& trap) {
+  trap([&] { Assign(settings_, RowOf(name), Value(name)); });
 }
 
 void SettingsStore::GetMainOptions() {
-  Read(kMainOptionsReader, "ErrGetMainOptions ");
+  Read(Group::Options, ErrorTrap(log_, "ErrGetMainOptions "));
 }
 void SettingsStore::GetMainAction() {
-  Read(kMainActionReader, "ErrGetMainAction ");
+  Read(Group::Actions, ErrorTrap(log_, "ErrGetMainAction "));
 }
 void SettingsStore::GetMainEvents() {
-  Read(kMainEventsReader, "ErrGetMainEvents ");
+  Read(Group::Events, ErrorTrap(log_, "ErrGetMainEvents "));
 }
 
 void SettingsStore::GetLogProperties() {
-  Read(kLogPropertiesReader, ErrorTrap::Silent());
+  Read(Group::Log, ErrorTrap::Silent());
+}
+
+Choices SettingsStore::StoredChoices(Group group, const ErrorTrap& trap) {
+  Choices choices;
+  for (const auto* row : RowsOf(group, &Order::load)) {
+    if (row->kind == Row::Kind::None) continue;
+    auto& choice = choices[std::string(row->name)];
+    if (IsFlag(*row)) choice = "0";
+    trap([&] { choice = ToShown(*row, Value(row->name)); });
+  }
+  return choices;
+}
+
+Choices SettingsStore::UsedChoices(Group group) const {
+  Choices choices;
+  for (const auto* row : RowsOf(group)) {
+    choices[std::string(row->name)] = ToShown(*row, FieldText(settings_, *row));
+  }
+  return choices;
 }
 
 void SettingsStore::GetView(PlacedWindow& window) {
@@ -62,9 +67,9 @@ void SettingsStore::GetView(PlacedWindow& window) {
   settings_.MeLeft = present.left;
   settings_.MeWidth = present.width;
   settings_.MeHeight = present.height;
-  Read(kViewReader, "ErrGetView ");
-  if (present.state != 0) return;
   const ErrorTrap trap(log_, "ErrGetView ");
+  Read(Group::Window, trap);
+  if (present.state != 0) return;
   trap([&] {
     window.Place({settings_.MeTop, settings_.MeLeft, settings_.MeWidth, settings_.MeHeight, present.state});
   });
@@ -95,16 +100,15 @@ void SettingsStore::TakeMaxRec(const ErrorTrap& trap) {
 }
 
 void SettingsStore::GetAppOptions(const std::function<void()>& use_messages_path) {
-  const std::string label = "ErrGetAppOption ";
-  const ErrorTrap trap(log_, label);
-  Read(kAppOptionsReader, label);
+  const ErrorTrap trap(log_, "ErrGetAppOption ");
+  for (const char* name : {"Modem", "MassagesPath"}) Read(name, trap);
   if (settings_.MassagesPath.empty()) {
     settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
     Set("MassagesPath", settings_.MassagesPath);
   }
   TakeMaxRec(trap);
   use_messages_path();
-  Read(kLogFlagsReader, label);
+  for (const char* name : {"cLogCalls", "cLogSys"}) Read(name, trap);
 }
 
 }  // namespace orven

@@ -59,13 +59,22 @@ class SettingsStore {
   bool GetGridLines();
   void SetGridLines(bool on);
 
+  /// What a dialog shows of the stored settings. One that cannot be converted fails under `trap`; it is off,
+  /// or empty.
+  Choices StoredChoices(Group group, const ErrorTrap& trap);
+
+  /// What a dialog shows of the settings as they are used now.
+  Choices UsedChoices(Group group) const;
+
+  /// One stored setting as text; kNotFound when it is missing.
+  std::string Value(std::string_view name);
+
   /// Writes one setting as text.
-  void Set(const std::string& name, const std::string& text);
+  void Set(std::string_view name, const std::string& text);
 
  private:
-  void Read(unsigned reader, const std::string& label);
-  void Read(unsigned reader, const ErrorTrap& trap);
-  std::string Value(std::string_view name);
+  void Read(Group group, const ErrorTrap& trap);
+  void Read(std::string_view name, const ErrorTrap& trap);
 
   Registry& registry_;
   SystemLog& log_;

@@ -156,47 +156,22 @@ void frmLog::ShowState(const std::string& text) noexcept {
 }
 
 frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)
-    : QDialog(parent),
-      engine_(engine),
-      chkLogCalls_(MakeCheckBox("chkLogCalls", tr("Log Calls"), this)),
-      chkLogSys_(MakeCheckBox("chkLogSys", tr("Log System"), this)),
-      cmbLogFor_(MakeChild<QComboBox>(this)),
-      chkWornBeforeDelete_(MakeCheckBox("chkWornBeforeDelete", tr("Worn before delete"), this)) {
+    : QDialog(parent), engine_(engine), form_(*this, RowsOf(Group::Log)) {
   SetUpDialog(*this, "frmLogProp", tr("Log Properties"));
-  cmbLogFor_->setObjectName(Name("cmbLogFor"));
-  for (const char* choice : kLogForChoices) cmbLogFor_->addItem(tr(choice), Name(choice));
-  IgnoreStrayWheel(*cmbLogFor_);
-  chkLogCalls_->setToolTip(tr("Write a line for each call"));
-  chkLogSys_->setToolTip(tr("Write each step of the line and each failure"));
-  cmbLogFor_->setToolTip(tr("Older files in the log folder are deleted"));
-  chkWornBeforeDelete_->setToolTip(tr("Ask before the log viewer deletes a log"));
   // Leaves room for the title and its window buttons.
   setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) * 3);
   auto* form = MakeChild<QFormLayout>();
-  form->addRow(chkLogCalls_);
-  form->addRow(chkLogSys_);
-  form->addRow(tr("Log For:"), cmbLogFor_);
-  form->addRow(chkWornBeforeDelete_);
+  form_.AddRest(*form, 0);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addLayout(form);
   column->addStretch();
   const auto closing = MakeClosingButtons(*this);
-  connect(closing.cmdOK, &QPushButton::clicked, this, &frmLogProp::Ok);
+  connect(closing.cmdOK, &QPushButton::clicked, this, [this] {
+    engine_.Ok(form_.Taken());
+    accept();
+  });
   column->addLayout(closing.row);
-  Show(engine_.Load());
-}
-
-void frmLogProp::Show(const LogChoices& choices) {
-  chkLogCalls_->setChecked(choices.chkLogCalls);
-  chkLogSys_->setChecked(choices.chkLogSys);
-  cmbLogFor_->setCurrentIndex(cmbLogFor_->findData(QString::fromStdString(choices.cmbLogFor)));
-  chkWornBeforeDelete_->setChecked(choices.chkWornBeforeDelete);
-}
-
-void frmLogProp::Ok() {
-  engine_.Ok({chkLogCalls_->isChecked(), chkLogSys_->isChecked(),
-              cmbLogFor_->currentData().toString().toStdString(), chkWornBeforeDelete_->isChecked()});
-  accept();
+  form_.Show(engine_.Load());
 }
 
 }  // namespace orven

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -10,6 +9,7 @@
 
 #include "log/frmLogLines.h"
 #include "log/log_viewer.h"
+#include "widgets/settings_form.h"
 
 namespace orven {
 
@@ -58,14 +58,8 @@ class frmLogProp : public QDialog {
   frmLogProp(LogProperties& engine, QWidget* parent);
 
  private:
-  void Show(const LogChoices& choices);
-  void Ok();
-
   LogProperties& engine_;
-  QCheckBox* chkLogCalls_;
-  QCheckBox* chkLogSys_;
-  QComboBox* cmbLogFor_;
-  QCheckBox* chkWornBeforeDelete_;
+  SettingsForm form_;
 };
 
 }  // namespace orven

@@ -195,26 +195,21 @@ void LogViewer::SaveAs() {
   if (!selected_.empty()) parts_.save_file(parts_.log.PathOf(selected_));
 }
 
-LogChoices LogProperties::Load() {
+Choices LogProperties::Load() {
   store_.GetLogProperties();
-  const bool known = std::ranges::find(kLogForChoices, settings_.LogFor) != std::end(kLogForChoices);
-  return {settings_.cLogCalls != 0, settings_.cLogSys != 0,
-          known ? settings_.LogFor : std::string(*std::rbegin(kLogForChoices)),
-          settings_.cWornBeforeDelete != 0};
+  auto choices = store_.UsedChoices(Group::Log);
+  const auto items = RowOf("LogFor").items;
+  if (std::ranges::find(items, choices["LogFor"]) == items.end()) choices["LogFor"] = items.back();
+  return choices;
 }
 
-void LogProperties::Ok(const LogChoices& choices) {
-  Put("cLogCalls", &Settings::cLogCalls, choices.chkLogCalls);
-  Put("cLogSys", &Settings::cLogSys, choices.chkLogSys);
-  Put("cWornBeforeDelete", &Settings::cWornBeforeDelete, choices.chkWornBeforeDelete);
-  settings_.LogFor = choices.cmbLogFor;
-  store_.Set("LogFor", choices.cmbLogFor);
+void LogProperties::Ok(const Choices& choices) {
+  for (const auto* row : RowsOf(Group::Log, &Order::store)) {
+    const auto text = choices.Text(row->name);
+    Assign(settings_, *row, text);
+    store_.Set(row->name, text);
+  }
   log_.PurgeOldLogs(purged_);
-}
-
-void LogProperties::Put(const char* name, std::int16_t Settings::*field, bool on) {
-  settings_.*field = on ? 1 : 0;
-  store_.Set(name, on ? "1" : "0");
 }
 
 }  // namespace orven

@@ -151,17 +151,6 @@ class LogViewer {
   Lifeline lifeline_;
 };
 
-/// The entries of `cmbLogFor`. With the last one, or any other text, no log is purged.
-inline constexpr const char* kLogForChoices[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
-
-/// The state of every control of the log properties, by the controls' names.
-struct LogChoices {
-  bool chkLogCalls = false;
-  bool chkLogSys = false;
-  std::string cmbLogFor;  ///< one of kLogForChoices
-  bool chkWornBeforeDelete = false;
-};
-
 /// The rules of the log properties: which logs are written, how long they are kept, and whether the viewer
 /// asks before it deletes one. User-interface thread.
 class LogProperties {
@@ -169,14 +158,13 @@ class LogProperties {
   LogProperties(Settings& settings, SettingsStore& store, LogFiles& log, std::function<void()> purged)
       : settings_(settings), store_(store), log_(log), purged_(std::move(purged)) {}
 
-  LogChoices Load();
+  /// What the controls show. Without one of the list's entries no log is purged, as with the last one.
+  Choices Load();
 
   /// `cmdOK`: stores and applies everything, then purges; `purged` runs after the purge, in a later event.
-  void Ok(const LogChoices& choices);
+  void Ok(const Choices& choices);
 
  private:
-  void Put(const char* name, std::int16_t Settings::*field, bool on);
-
   Settings& settings_;
   SettingsStore& store_;
   LogFiles& log_;

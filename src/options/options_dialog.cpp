@@ -186,18 +186,9 @@ void OptionsDialog::BrowsMessagesPath() {
 }
 
 void OptionsDialog::Put(Values& values, const char* name, const std::string& text) {
-  const auto& schema = SettingsSchema();
-  const auto row = std::ranges::find(schema, std::string_view(name), &SettingDefinition::name);
-  struct Assign {
-    Settings& settings;
-    const std::string& text;
-    void operator()(std::int16_t Settings::*field) const { settings.*field = ToInt16(text); }
-    void operator()(std::int32_t Settings::*field) const { settings.*field = ToInt32(text); }
-    void operator()(std::string Settings::*field) const { settings.*field = text; }
-  };
   const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
   trap([&] {
-    std::visit(Assign{parts_.settings, text}, row->field);
+    Assign(parts_.settings, RowOf(name), text);
     values.push_back(RegString(name, text));
   });
 }

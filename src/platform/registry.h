@@ -41,8 +41,8 @@ class Registry {
   virtual std::optional<RegistryValue> Query(RegistryRoot root, const std::string& key,
                                              const std::string& name) = 0;
 
-  /// Creates the key if it is missing and writes `values`, all or none, durable on return. False when that
-  /// fails; the old values stay.
+  /// Creates the key if it is missing and writes `values`, all or none, durable on return; the last one of a
+  /// name counts. False when that fails; the old values stay.
   virtual bool Write(RegistryRoot root, const std::string& key,
                      std::span<const NamedRegistryValue> values) = 0;
 

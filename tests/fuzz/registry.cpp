@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Reads any registry.reg. Writing and reading it again must give the same values.
-#include <set>
+#include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,37 +12,44 @@
 namespace orven::fuzz {
 namespace {
 
-/// Returns every key in `text`, and the program's own key.
-std::vector<std::string> KeysIn(std::string_view text) {
-  std::set<std::string> keys{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN"};
+using Kind = RegistryLine::Kind;
+
+/// Returns the names of the values in `text` by their keys. The program's own key is always there.
+std::map<std::string, std::vector<std::string>> NamesIn(std::string_view text) {
+  std::map<std::string, std::vector<std::string>> names{{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN", {}}};
+  auto key = names.begin();
   while (!text.empty()) {
     const RegistryLine line = ParseRegistryLine(text, 1);
     Require(!line.raw.empty() && line.raw.size() <= text.size());
-    if (line.kind == RegistryLine::Kind::Key) keys.insert(line.name);
+    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) key = names.try_emplace(line.name).first;
+    if (line.kind == Kind::Value) key->second.push_back(line.name);
     text.remove_prefix(line.raw.size());
   }
-  return {keys.begin(), keys.end()};
+  return names;
 }
 
 void RequireLasting(const RegistryDocument& document) {
   const std::string text = document.Text();
   const RegistryDocument again(text);
   Require(again.Faults().empty() && again.Text() == text);
-  for (const std::string& key : KeysIn(text)) {
-    const auto values = document.Values(key);
-    Require(document.HasKey(key) == again.HasKey(key) && values.size() == again.Values(key).size());
-    for (const auto& [name, value] : values)
-      Require(*document.Find(key, name) == value && *again.Find(key, name) == value);
+  for (const auto& [key, names] : NamesIn(text)) {
+    Require(document.HasKey(key) == again.HasKey(key));
+    for (const std::string& name : names) {
+      const RegistryValue *value = document.Find(key, name), *read = again.Find(key, name);
+      Require(value == nullptr || read == nullptr ? value == read : *value == *read);
+    }
   }
 }
 
 void Change(RegistryDocument& document, Choices& choices) {
   static constexpr std::uint32_t kTypes[] = {1, 4, 3, 0x80000001};
-  const auto keys = KeysIn(document.Text());
-  const std::string key = choices.Below(2) == 0 ? choices.Text() : keys[choices.Byte() % keys.size()];
-  const auto present = document.Values(key);
-  const bool known = !present.empty() && choices.Below(2) == 0;
-  NamedRegistryValue value{known ? present[choices.Byte() % present.size()].name : choices.Text(), {}};
+  const auto present = NamesIn(document.Text());
+  const std::string key = choices.Below(2) == 0
+                              ? choices.Text()
+                              : std::next(present.begin(), choices.Byte() % std::ssize(present))->first;
+  const auto names = present.contains(key) ? present.at(key) : std::vector<std::string>();
+  const bool known = !names.empty() && choices.Below(2) == 0;
+  NamedRegistryValue value{known ? names[choices.Byte() % names.size()] : choices.Text(), {}};
   value.value = {kTypes[choices.Below(std::size(kTypes))], choices.Text()};
   if (value.value.type == 1) value.value.data += '\0';
   const std::string before = document.Text();

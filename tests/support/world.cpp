@@ -53,7 +53,7 @@ World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, f
 }
 
 void World::Build() {
-  auto driver = std::make_unique<SimLine>(time);
+  auto driver = std::make_unique<TestLine>(time);
   line = driver.get();
   std::vector<TelephoneDevice> devices;
   devices.push_back({device, std::move(driver), 120s});

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
 #include "shell/main_window.h"
 #include "support/memory_database.h"
 #include "support/memory_disk.h"
 #include "support/recording_views.h"
+#include "support/test_line.h"
 #include "support/timed_wave.h"
 #include "telephony/telephony_control.h"
 
@@ -88,7 +88,7 @@ class World {
   RecordingViews views;
   TimedWave Wave1, WavePlay;
   DeviceCapabilities device = VoiceDevice("Sim");  ///< of `line`
-  SimLine* line = nullptr;
+  TestLine* line = nullptr;
   std::unique_ptr<TelephonyControl> Tapi1;
   SharedOptions shared;
   std::int32_t loud = 0;

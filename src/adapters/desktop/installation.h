@@ -23,7 +23,7 @@ FolderHints ProcessFolderHints();
 /// user's data folder (default ~/.local/share). The result may not exist yet.
 std::string FindApplicationFolder(const FolderHints& hints);
 
-/// The folder of the installed assets (beep.wav, Greets, Sound, defaults.reg), relative to the executable's:
+/// The folder of the installed assets (beep.wav, Greets, Sound, Help), relative to the executable's:
 /// ../share/orven in a build (bin), ../../share/orven in an installation (lib/orven). Empty if there is none.
 std::string FindAssets(const std::string& executable_folder);
 

@@ -141,19 +141,6 @@ const RegistryValue* RegistryDocument::Find(const std::string& key, const std::s
   return value == found->second.values.end() ? nullptr : &lines_[value->second].value;
 }
 
-std::vector<NamedRegistryValue> RegistryDocument::Values(const std::string& key) const {
-  const auto found = keys_.find(Folded(key));
-  if (found == keys_.end()) return {};
-  std::vector<std::size_t> order;
-  order.reserve(found->second.values.size());
-  for (const auto& [name, line] : found->second.values) order.push_back(line);
-  std::sort(order.begin(), order.end());
-  std::vector<NamedRegistryValue> values;
-  values.reserve(order.size());
-  for (const std::size_t line : order) values.push_back({lines_[line].name, lines_[line].value});
-  return values;
-}
-
 bool RegistryDocument::Set(const std::string& key, std::span<const NamedRegistryValue> values) {
   const auto can_be_written = [](const NamedRegistryValue& value) { return IsRegistryName(value.name); };
   if (!IsKeyName(key) || !std::all_of(values.begin(), values.end(), can_be_written)) return false;

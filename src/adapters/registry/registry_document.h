@@ -39,9 +39,6 @@ class RegistryDocument {
   /// The value, or nullptr; valid until the next change.
   const RegistryValue* Find(const std::string& key, const std::string& name) const;
 
-  /// All values of one key in the order of their lines.
-  std::vector<NamedRegistryValue> Values(const std::string& key) const;
-
   /// Creates the key if it is missing and sets its values, existing ones in place. False, without any change,
   /// when the format cannot represent one of the names.
   bool Set(const std::string& key, std::span<const NamedRegistryValue> values);

@@ -205,16 +205,4 @@ void RegistryFile::ReportOnce(const std::string& problem) {
   report_(NameOf(path_) + ": " + problem);
 }
 
-std::vector<NamedRegistryValue> ReadRegistryExport(const std::string& path, RegistryRoot root,
-                                                   const std::string& key, const RegistryReport& report) {
-  try {
-    const RegistryDocument document(DiskFiles().Read(path));
-    ReportFaults(document, path, report);
-    return document.Values(WholeKey(root, key));
-  } catch (const RuntimeError& error) {
-    report(NameOf(path) + ": cannot be read: " + error.what());
-    return {};
-  }
-}
-
 }  // namespace orven

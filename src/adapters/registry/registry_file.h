@@ -76,9 +76,4 @@ class RegistryFile final : public Registry {
   std::string last_problem_;
 };
 
-/// The values of one key in the registry text at `path`, in the order of their lines, as an import would set
-/// them. Faults of the file go to `report`; the rest is returned.
-std::vector<NamedRegistryValue> ReadRegistryExport(const std::string& path, RegistryRoot root,
-                                                   const std::string& key, const RegistryReport& report);
-
 }  // namespace orven

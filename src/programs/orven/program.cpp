@@ -195,10 +195,6 @@ void Program::PrepareFolder(bool first_start) {
 
 FirstStart::Sources Program::FirstStartSources() {
   FirstStart::Sources sources;
-  sources.defaults = [this] {
-    return ReadRegistryExport(folders_.assets + "/defaults.reg", RegistryRoot::LocalMachine, kSettingsKey,
-                              [this](const std::string& text) { Report(text); });
-  };
   sources.random = [](std::uint32_t bound) {
     std::random_device device;
     return std::uniform_int_distribution<std::uint32_t>(0, bound - 1)(device);

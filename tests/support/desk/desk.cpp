@@ -32,7 +32,7 @@ Desk::Desk(const std::string& settings)
   PutFile(home / "registry.reg", stored + "\"MassagesPath\"=\"" + home / "Messages/\"\n" + settings);
   for (const std::string name : {"Default", "Holiday", "Office"})
     PutWave(home / ("Greets/" + name + ".wav"), std::vector<std::int16_t>(4000, 77));
-  auto driver = std::make_unique<SimLine>(loop);
+  auto driver = std::make_unique<TestLine>(loop);
   line = driver.get();
   std::vector<TelephoneDevice> devices;
   devices.push_back({VoiceDevice("Home"), std::move(driver)});

@@ -15,13 +15,13 @@
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/files/disk_files.h"
-#include "adapters/line/sim/sim_line.h"
 #include "adapters/registry/registry_file.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
 #include "support/desk/silent_card.h"
 #include "support/recording_views.h"
 #include "support/scratch_folder.h"
+#include "support/test_line.h"
 #include "telephony/telephony_control.h"
 
 namespace orven::test {
@@ -70,7 +70,7 @@ class Desk {
   PostedBackground background{loop};
   RegistryFile registry;
   SqliteDatabase database;
-  SimLine* line = nullptr;
+  TestLine* line = nullptr;
   std::unique_ptr<TelephonyControl> Tapi1;
   SilentCard card;
   std::unique_ptr<AllAudioDevices> line_devices;

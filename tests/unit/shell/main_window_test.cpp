@@ -138,30 +138,30 @@ TEST(HiddenStart, IsMinimisedWhenTheNotificationAreaStaysAway) {
 
 class EntryRoutineTest : public MainWindowTest {
  protected:
+  EntryRoutineTest() { registry = MemoryRegistry(); }
   bool Run(const std::string& command_line) {
-    FirstStart first(store, system, options,
-                     {.defaults = [] { return std::vector{RegString("Pass", "default")}; },
-                      .random = [](std::uint32_t bound) { return 7 % bound; },
+    FirstStart first(registry, system, shared,
+                     {.random = [](std::uint32_t bound) { return 7 % bound; },
                       .announce_password = [this](const std::string& text) { told += text + " "; }});
     const auto prepare = [this](bool is_first) { told += is_first ? "first " : "later "; };
     return EntryRoutine(system, dialogs, first, prepare).Run(command_line, *window);
   }
 
-  MemoryRegistry store;
-  SharedOptions options;
   std::string told;
 };
 
-TEST_F(EntryRoutineTest, FirstStartWritesDefaultsAndTheMachinesOwnSettings) {
+TEST_F(EntryRoutineTest, FirstStartWritesWhatEverySettingNeedsAndTheMachinesOwn) {
   system.version = {SystemVersion::Platform::WindowsNt, 5, 2};  // this version can animate windows
   EXPECT_TRUE(Run("") && Run(""));
+  EXPECT_THAT(SystemLog(), testing::Not(testing::Contains(testing::StartsWith("Err"))));
   EXPECT_THAT(system.common_controls, testing::Each(std::pair(8U, 0x200U)));
-  EXPECT_EQ(store.Text("MassagesPath") + store.Text("cAnimation") + store.Text("Pass"), "/Messages/1777777");
+  EXPECT_EQ(registry.Text("MassagesPath") + registry.Text("cAnimation") + registry.Text("Pass"),
+            messages + "1777777");
   EXPECT_EQ(told, "first 777777 later ");
 }
 
 TEST_F(EntryRoutineTest, OnlyTheExactSwitchStartsHiddenAndAnUnstoredPasswordIsNotAnnounced) {
-  store.refuse_writes = true;
+  registry.refuse_writes = true;
   for (const std::string command_line : {" -st", "-ST", "", "-st"}) {
     views.shown = false;
     Run(command_line);

@@ -3,10 +3,10 @@
 
 #include <gmock/gmock.h>
 
-#include "adapters/line/sim/sim_line.h"
 #include "adapters/line/sim/virtual_time.h"
 #include "base/text.h"
 #include "support/scratch_folder.h"
+#include "support/test_line.h"
 
 namespace orven {
 namespace {
@@ -21,7 +21,7 @@ struct Scene {
   explicit Scene(const SimScript& script = {}) {
     std::vector<TelephoneDevice> devices;
     for (int i = 0; i < 2; ++i) {
-      auto driver = std::make_unique<SimLine>(time, script);
+      auto driver = std::make_unique<test::TestLine>(time, script);
       sim = driver.get();
       devices.push_back({VoiceDevice("Sim"), std::move(driver), 120s});
     }
@@ -87,7 +87,7 @@ struct Scene {
     if (result < 0) Tell(1, "refused " + to_string(result));
   }
   VirtualTime time{std::chrono::sys_days{}};
-  SimLine* sim = nullptr;
+  test::TestLine* sim = nullptr;
   bool plays = false;
   std::string told;
   std::unique_ptr<TelephonyControl> Tapi1;

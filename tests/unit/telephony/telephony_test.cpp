@@ -25,7 +25,7 @@ class TelephonyTest : public testing::Test, public World {
   std::int32_t Replace(const std::vector<std::string>& names) {
     Machine().line.ReplaceDevices([&] {
       std::vector<TelephoneDevice> devices;
-      for (const auto& name : names) devices.push_back({VoiceDevice(name), std::make_unique<SimLine>(time)});
+      for (const auto& name : names) devices.push_back({VoiceDevice(name), std::make_unique<TestLine>(time)});
       EXPECT_TRUE(Tapi1->Replace(std::move(devices))) << "a line is still open";
     });
     auto open = Tapi1->GetNumDevs() - 1;
@@ -216,7 +216,7 @@ TEST_F(TelephonyTest, AMessageRecordedBeforeThePasswordIsLogged) {
 
 TEST_F(TelephonyTest, ADeviceThatCannotHearDigitsIsNotUsable) {
   std::vector<TelephoneDevice> devices;
-  devices.push_back({VoiceDevice("Deaf"), std::make_unique<SimLine>(time)});
+  devices.push_back({VoiceDevice("Deaf"), std::make_unique<TestLine>(time)});
   devices[0].capabilities.monitor_digits = false;
   Tapi1->Replace(std::move(devices));
   Start();

@@ -9,9 +9,12 @@
 namespace orven {
 
 std::int32_t LineAudio::StartPlay(AudioSource& source) {
-  const std::lock_guard lock(play_mutex_);
-  if (source_ != nullptr) return kWaveBusy;
-  source_ = &source;
+  {
+    const std::lock_guard lock(play_mutex_);
+    if (source_ != nullptr) return kWaveBusy;
+    source_ = &source;
+  }
+  started_();
   return kWaveOk;
 }
 
@@ -22,9 +25,12 @@ void LineAudio::StopPlay() {
 }
 
 std::int32_t LineAudio::StartRecord(AudioSink& sink) {
-  const std::lock_guard lock(record_mutex_);
-  if (sink_ != nullptr) return kWaveBusy;
-  sink_ = &sink;
+  {
+    const std::lock_guard lock(record_mutex_);
+    if (sink_ != nullptr) return kWaveBusy;
+    sink_ = &sink;
+  }
+  started_();
   return kWaveOk;
 }
 

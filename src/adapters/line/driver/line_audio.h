@@ -18,15 +18,16 @@ class LineAudio : public AudioDevice {
  public:
   std::int32_t StartPlay(AudioSource& source) override;
   void StopPlay() override;
-  void SourceReady() override {
-    if (source_ready_) source_ready_();
-  }
+  void SourceReady() override { source_ready_(); }
   std::int32_t StartRecord(AudioSink& sink) override;
   void StopRecord() override;
 
   /// `handler` is called when a source has its first samples, on the thread that finds out. To be set before
   /// the first play.
   void OnSourceReady(std::function<void()> handler) { source_ready_ = std::move(handler); }
+
+  /// `handler` is called when playing or recording has begun, on the thread that begins it. To be set before.
+  void OnStart(std::function<void()> handler) { started_ = std::move(handler); }
 
   /// Fills `block` with what to send now; silence and false when nothing plays. The call's thread.
   bool Fetch(std::span<std::int16_t> block);
@@ -43,7 +44,8 @@ class LineAudio : public AudioDevice {
   bool TakeCut();
 
  private:
-  std::function<void()> source_ready_;
+  std::function<void()> source_ready_ = [] {};
+  std::function<void()> started_ = [] {};
   mutable std::mutex play_mutex_;
   AudioSource* source_ = nullptr;  ///< guarded by play_mutex_
   bool cut_ = false;               ///< guarded by play_mutex_

@@ -12,8 +12,8 @@ struct SimStep {
   enum class Kind { Offer, Ring, CallerId, Press, HangUp };
   std::chrono::milliseconds at{0};  ///< after the line was opened
   Kind kind = Kind::Offer;
-  std::string name;    ///< CallerId
-  std::string number;  ///< CallerId; the keys of Press
+  std::string name{};    ///< CallerId
+  std::string number{};  ///< CallerId; the keys of Press
 };
 
 using SimScript = std::vector<SimStep>;
