@@ -127,6 +127,7 @@ class Victim:
             return
         calls = sqlite3.connect(self.orven.path("Calls"))
         self.require(call, calls.execute("pragma integrity_check").fetchone() == ("ok",), "the records are damaged")
+        self.require(call, calls.execute("select count(*) from OpenCalls").fetchone() == (0,), "a call is left open")
         calls.close()
         records = self.orven.records()
         new, self.known = records[self.known :], len(records)
@@ -136,7 +137,7 @@ class Victim:
             self.check_record(call, record)
         names = os.listdir(self.orven.path("Messages"))
         self.require(call, len(names) == sum(r["Type"] != "-1" for r in records), f"left over: {names}")
-        self.require(call, not os.path.exists(self.orven.path("Call.journal")), "the journal was left over")
+        self.require(call, not glob.glob(self.orven.path(".call-*")), "a note was left over")
 
     def check_record(self, call, record):
         name = (record["Call_Date"] + "_" + record["Call_Time"]).replace("/", "-").replace(":", "-") + ".wav"
