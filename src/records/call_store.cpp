@@ -213,7 +213,7 @@ bool CallStore::AnotherCallHas(const std::string& message) const {
     return !call.message_path.empty() && call.message_file_name == message;
   };
   if (std::ranges::any_of(waiting_, has_it)) return true;
-  if (ports_.current.in_progress && has_it(ports_.current)) return true;
+  if (ports_.current.InProgress() && has_it(ports_.current)) return true;
   if (ports_.DataBase1.CountRecords(kCallMassageName, message) == 0) return false;
   return std::ranges::count(MessageNames(), message) > 0;
 }

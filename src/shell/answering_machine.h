@@ -71,7 +71,6 @@ class AnsweringMachine {
   Settings settings;
   bool window_hidden = false;  ///< the main window is hidden in the tray
   Call call;
-  CallProgress progress;
 
   LogFiles log;
   SettingsStore store;
