@@ -136,7 +136,7 @@ void ProgramDialogs::OpenLog() {
 
 void ProgramDialogs::OpenActions(int tab) {
   auto& machine = *machine_;
-  ActionsDialog engine({ports_.registry, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
+  ActionsDialog engine({machine.store, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
                         [&machine] { machine.store.GetMainAction(); }});
   frmActions(engine, tab, window_).exec();
 }

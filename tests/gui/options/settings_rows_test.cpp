@@ -114,7 +114,7 @@ class SettingsRows : public WindowTest {
   AnsweringMachine& machine = world.Machine();
   OptionsDialog options{machine.ForOptionsDialog()};
   GreetingPlayer greetings{machine.ForGreetingPlayer([] { return std::nullopt; })};
-  ActionsDialog actions{{world.registry, machine.log, world.dialogs, world.shell, world.time,
+  ActionsDialog actions{{machine.store, machine.log, world.dialogs, world.shell, world.time,
                          [this] { machine.store.GetMainAction(); }}};
   EventsDialog events{{machine.settings, machine.store, machine.shared, world.files, machine.sounds,
                        machine.player, world.dialogs, machine.caller_view}};
