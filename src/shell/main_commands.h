@@ -24,9 +24,6 @@ class DialogFactory {
  public:
   virtual ~DialogFactory() = default;
 
-  /// Whether this program has the dialog. Commands for a missing one are disabled.
-  virtual bool Offers(Dialog dialog) const = 0;
-
   /// Opens it on the tab with this 0-based index; dialogs without tabs ignore it.
   virtual void Open(Dialog dialog, int tab) = 0;
 };
@@ -122,7 +119,6 @@ class MainCommands {
 
   /// Opens a dialog on one of its tabs.
   void OpenDialog(Dialog dialog, int tab = 0);
-  bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
 
   /// Opens a page of the guide in the desktop's browser; a box says so when it does not exist.
   void ShowPage(const std::string& page);

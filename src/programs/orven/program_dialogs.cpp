@@ -59,20 +59,13 @@ void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
   window_ = &window;
 }
 
-bool ProgramDialogs::Offers(Dialog dialog) const {
-  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions || dialog == Dialog::frmGreetC ||
-         dialog == Dialog::frmLog || dialog == Dialog::frmOptions || dialog == Dialog::frmAbout;
-}
-
 void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmEvents) OpenEvents(tab);
   if (dialog == Dialog::frmActions) OpenActions(tab);
   if (dialog == Dialog::frmGreetC) OpenGreetingCreator();
   if (dialog == Dialog::frmLog) OpenLog();
   if (dialog == Dialog::frmOptions) OpenOptions(tab);
-  if (dialog == Dialog::frmAbout) {
-    frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
-  }
+  if (dialog == Dialog::frmAbout) frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
 }
 
 void ProgramDialogs::OpenEvents(int tab) {
