@@ -15,12 +15,6 @@ const std::string kSoundFilter("wav (*.wav)\0*.wav\0", 18);
 
 }  // namespace
 
-void DeskSounds::PlayWave(const std::string& path) {
-  if (player_.IsPlaying()) player_.Stop();
-  const auto result = WavePlay_.PlayFile(path, settings_.Sound);
-  if (result != kWaveOk) log_.WriteSystem("Play Sound " + WavePlay_.PlayErrorText(result));
-}
-
 Choices EventsDialog::Load() const {
   auto choices = parts_.store.UsedChoices(Group::Events);
   // A sound that is not named is not played.

@@ -8,30 +8,13 @@
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "notify/caller_view.h"
+#include "notify/desk_sounds.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
-#include "platform/wave.h"
 #include "records/call_store.h"
-#include "telephony/call_effects.h"
 
 namespace orven {
-
-/// Plays the sounds of events, one at a time, on the sound card that plays messages. A sound that cannot be
-/// played is logged. User-interface thread.
-class DeskSounds : public EventSounds {
- public:
-  /// `player` owns what `WavePlay` may be playing.
-  DeskSounds(WaveControl& WavePlay, MessagePlayer& player, const Settings& settings, SystemLog& log)
-      : WavePlay_(WavePlay), player_(player), settings_(settings), log_(log) {}
-
-  void PlayWave(const std::string& path) override;
-
- private:
-  WaveControl& WavePlay_;
-  MessagePlayer& player_;
-  const Settings& settings_;
-  SystemLog& log_;
-};
 
 /// A list of the sound library: sorted file names without folder, and the selected one; empty for none.
 struct SoundList {
@@ -49,7 +32,7 @@ class EventsDialog {
     SettingsStore& store;
     const SharedOptions& shared;
     Files& files;
-    EventSounds& sounds;
+    DeskSounds& sounds;
     MessagePlayer& player;
     Dialogs& dialogs;
     CallerView& caller_view;

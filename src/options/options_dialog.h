@@ -12,13 +12,13 @@
 #include "core/error_trap.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
+#include "notify/desk_sounds.h"
 #include "platform/audio_device.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/registry.h"
 #include "platform/telephony.h"
 #include "records/message_move.h"
-#include "telephony/call_effects.h"
 #include "telephony/line_manager.h"
 
 namespace orven {
@@ -35,7 +35,7 @@ class GreetingPlayer {
  public:
   struct Parts {
     const GreetingLibrary& library;
-    EventSounds& sounds;
+    DeskSounds& sounds;
     MessagePlayer& player;
     Dialogs& dialogs;
     std::function<std::optional<std::string>()> add;  ///< opens the greeting creator; returns what was saved

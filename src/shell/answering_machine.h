@@ -90,7 +90,7 @@ class AnsweringMachine {
   LineManager line;
   CallContext context;
   CallControl control;
-  SlidingCallerView caller_view;
+  CallerView caller_view;
   ActionsEngine actions;
   MicrophoneTake microphone;
   Recorder recorder;

@@ -6,6 +6,7 @@
 
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
+#include "notify/desk_sounds.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
 #include "platform/shell.h"
@@ -52,7 +53,7 @@ class QuickOptions {
 /// What the buttons of the quick-option toolbar do with greetings. User-interface thread.
 class GreetingCommands {
  public:
-  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
+  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, DeskSounds& sounds,
                    QuickOptionBoxes& boxes, Files& files, LineView& status)
       : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files), status_(status) {}
 
@@ -75,7 +76,7 @@ class GreetingCommands {
 
   const GreetingLibrary& library_;
   MessagePlayer& player_;
-  EventSounds& sounds_;
+  DeskSounds& sounds_;
   QuickOptionBoxes& boxes_;
   Files& files_;
   LineView& status_;
