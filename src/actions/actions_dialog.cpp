@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "actions/actions_dialog.h"
 
-#include <algorithm>
+#include <optional>
 #include <string_view>
-#include <utility>
 
 #include "actions/actions_engine.h"
-#include "base/conversions.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
@@ -29,33 +27,23 @@ constexpr const char* kParameters =
 constexpr std::int32_t kNormalWindow = 1;  // shown, with the focus
 
 struct Fault {
-  ActionField field;
+  const char* setting;
   std::string text;
 };
 
-/// The first wrong field, from top to bottom.
-std::optional<Fault> FindFault(const ActionChoices& choices) {
-  if (choices.chkSendToMail) {
-    if (!IsMailAddress(choices.txtSendToMail))
-      return Fault{ActionField::txtSendToMail, "'E-Mail To' Is Invalid"};
-    if (choices.txtSMTP.empty()) return Fault{ActionField::txtSMTP, "'SMTP' Is Invalid"};
-    if (!IsMailAddress(choices.txtFromMail))
-      return Fault{ActionField::txtFromMail, "'From(Replay To)' Is Invalid"};
+/// The first wrong value, from top to bottom.
+std::optional<Fault> FindFault(const Choices& choices) {
+  if (choices.On("pMailTo")) {
+    if (!IsMailAddress(choices.Text("MailTo"))) return Fault{"MailTo", "'E-Mail To' Is Invalid"};
+    if (choices.Text("SMTPServer").empty()) return Fault{"SMTPServer", "'SMTP' Is Invalid"};
+    if (!IsMailAddress(choices.Text("MailFrom"))) return Fault{"MailFrom", "'From(Replay To)' Is Invalid"};
   }
-  if (choices.chkApp && choices.txtAppTo.empty())
-    return Fault{ActionField::txtAppTo, "'Application Path' Field Is Empty"};
-  if (choices.txtAppTo.size() > kLongestText)
-    return Fault{ActionField::txtAppTo,
+  const auto command = choices.Text("AppTo");
+  if (choices.On("pAppTo") && command.empty()) return Fault{"AppTo", "'Application Path' Field Is Empty"};
+  if (command.size() > kLongestText)
+    return Fault{"AppTo",
                  "'Application Path' Is Too Long, " + std::to_string(kLongestText) + " Bytes At Most"};
   return std::nullopt;
-}
-
-std::string Stored(ActWith entry) {
-  return entry == ActWith::MessagesOnly ? "1" : "0";
-}
-
-std::string Stored(bool checked) {
-  return checked ? "1" : "0";
 }
 
 }  // namespace
@@ -68,42 +56,10 @@ bool IsMailAddress(const std::string& text) {
          text.find_first_of(kRefused) == std::string::npos && text.find("..") == std::string::npos;
 }
 
-std::string ActionsDialog::Value(const char* name) {
-  return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, name);
-}
-
-void ActionsDialog::Load(const std::function<void(const ActionChoices&)>& show) {
-  const ErrorTrap trap(parts_.log, "ErrLoadActions->");
-  ActionChoices choices;
-  trap([&] { choices = GetOptions(); });
-  trap([&] { show(choices); });
-}
-
-ActionChoices ActionsDialog::GetOptions() {
-  const ErrorTrap trap(parts_.log, "ErrActionGetOptions->");
-  const auto checked = [&](const char* name, bool& box) { trap([&] { box = ToInt16(Value(name)) != 0; }); };
-  const auto entry = [&](const char* name, ActWith& list) {
-    trap([&] { list = ToInt16(Value(name)) != 0 ? ActWith::MessagesOnly : ActWith::AllCalls; });
-  };
-  // Older installations have no login.
-  const auto optional_value = [this](const char* name) {
-    const auto text = Value(name);
-    return text == kNotFound ? std::string() : text;
-  };
-  ActionChoices choices;
-  checked("pMailTo", choices.chkSendToMail);
-  choices.txtSendToMail = Value("MailTo");
-  choices.txtSMTP = Value("SMTPServer");
-  choices.txtFromMail = Value("MailFrom");
-  entry("ActionsMailAllCalls", choices.cmbActMail);
-  checked("pAppTo", choices.chkApp);
-  choices.txtAppTo = Value("AppTo");
-  checked("pAppToBG", choices.chkBGAPP);
-  entry("ActionsAppAllCalls", choices.cmbActApp);
-  choices.txtSMTPUser = optional_value("SMTPUser");
-  choices.txtSMTPPass = optional_value("SMTPPass");
-  choices.chkSMTPSecure = Value("SMTPSecure") != "0";
-  return choices;
+void ActionsDialog::Load(const std::function<void(const Choices&)>& show) {
+  const auto choices =
+      parts_.store.StoredChoices(Group::Actions, ErrorTrap(parts_.log, "ErrActionGetOptions->"));
+  ErrorTrap(parts_.log, "ErrLoadActions->")([&] { show(choices); });
 }
 
 void ActionsDialog::ShowParameters() {
@@ -119,7 +75,7 @@ std::string ActionsDialog::Test(std::string command) {
                                    .number = "Number Test",
                                    .time = parts_.clock.TimeText(now),
                                    .date = parts_.clock.DateText(now),
-                                   .message_path = Value("MassagesPath") + "Test.wav"});
+                                   .message_path = parts_.store.Value("MassagesPath") + "Test.wav"});
     try {
       parts_.shell.Run(command, kNormalWindow);
     } catch (const std::exception& error) {
@@ -130,38 +86,17 @@ std::string ActionsDialog::Test(std::string command) {
   return problem;
 }
 
-std::optional<ActionField> ActionsDialog::Ok(const ActionChoices& choices) {
+const SettingRow* ActionsDialog::Ok(const Choices& choices) {
   if (const auto fault = FindFault(choices)) {
     parts_.dialogs.Information(fault->text);
-    return fault->field;
+    return &RowOf(fault->setting);
   }
-  PutReg(choices);
-  if (parts_.saved) parts_.saved();
-  return std::nullopt;
-}
-
-void ActionsDialog::PutReg(const ActionChoices& choices) {
-  const std::pair<const char*, std::string> values[] = {
-      {"pMailTo", Stored(choices.chkSendToMail)},
-      {"MailTo", choices.txtSendToMail},
-      {"SMTPServer", choices.txtSMTP},
-      {"MailFrom", choices.txtFromMail},
-      {"ActionsMailAllCalls", Stored(choices.cmbActMail)},
-      {"pAppTo", Stored(choices.chkApp)},
-      {"AppTo", choices.txtAppTo},
-      {"pAppToBG", Stored(choices.chkBGAPP)},
-      {"ActionsAppAllCalls", Stored(choices.cmbActApp)},
-      {"SMTPUser", choices.txtSMTPUser},
-      {"SMTPPass", choices.txtSMTPPass},
-      {"SMTPSecure", Stored(choices.chkSMTPSecure)},
-  };
   const ErrorTrap trap(parts_.log, "ErrActionPutReg->");
-  for (const auto& [name, text] : values) {
-    trap([&, &stored_name = name, &stored_text = text] {
-      SetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, stored_name, kRegString,
-                  stored_text);
-    });
+  for (const auto* row : RowsOf(Group::Actions, &Order::store)) {
+    trap([&] { parts_.store.Set(row->name, choices.Text(row->name)); });
   }
+  if (parts_.saved) parts_.saved();
+  return nullptr;
 }
 
 }  // namespace orven

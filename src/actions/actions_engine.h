@@ -7,12 +7,12 @@
 
 #include "core/activity_log.h"
 #include "core/settings.h"
+#include "notify/status_panel.h"
 #include "platform/event_loop.h"
 #include "platform/mail.h"
 #include "platform/shell.h"
 #include "records/call.h"
 #include "records/message_files.h"
-#include "telephony/call_effects.h"
 
 namespace orven {
 
@@ -33,7 +33,7 @@ std::string SubstituteParameters(std::string& text, const CallParameters& call);
 
 /// Runs the actions after a call: mails it and starts the user's program. Shows progress and failures in the
 /// status bar and the system log. User-interface thread.
-class ActionsEngine : public CallActions, public MailEvents {
+class ActionsEngine : public MailEvents {
  public:
   struct Ports {
     EventLoop& loop;
@@ -51,8 +51,9 @@ class ActionsEngine : public CallActions, public MailEvents {
   ActionsEngine(const ActionsEngine&) = delete;
   ActionsEngine& operator=(const ActionsEngine&) = delete;
 
-  /// `kind` is "Mail" or "App"; anything else does nothing.
-  void DoActions(const std::string& kind, Call& call) override;
+  /// Mails the call (`kind` "Mail") or starts the user's program ("App"), if the settings say so; anything
+  /// else does nothing. Starting the program sets the call's sent-to-application flag.
+  void DoActions(const std::string& kind, Call& call);
 
   void Progress(std::int32_t total, std::int32_t sent) override;
   void Done(const std::string& recipient) override;

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QDialog>
-#include <QFormLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QTabWidget>
 
 #include "actions/actions_dialog.h"
+#include "widgets/settings_form.h"
 
 namespace orven {
 
@@ -25,28 +22,13 @@ class frmActions : public QDialog {
  private:
   QWidget* MakeMail();
   QWidget* MakeApplication();
-  QLineEdit* AddText(QFormLayout& form, const char* name, const QString& label);
-  QComboBox* AddList(QFormLayout& form, const char* name);
   void Test();
   void Ok();
-  void Show(const ActionChoices& choices);
-  ActionChoices Choices() const;
-  void GoTo(ActionField field);
+  void Show(const Choices& choices);
 
   ActionsDialog& engine_;
+  SettingsForm form_;
   QTabWidget* TabStrip1_;
-  QCheckBox* chkSendToMail_ = nullptr;
-  QLineEdit* txtSendToMail_ = nullptr;
-  QLineEdit* txtSMTP_ = nullptr;
-  QLineEdit* txtFromMail_ = nullptr;
-  QLineEdit* txtSMTPUser_ = nullptr;
-  QLineEdit* txtSMTPPass_ = nullptr;
-  QCheckBox* chkSMTPSecure_ = nullptr;
-  QComboBox* cmbActMail_ = nullptr;
-  QCheckBox* chkApp_ = nullptr;
-  QLineEdit* txtAppTo_ = nullptr;
-  QCheckBox* chkBGAPP_ = nullptr;
-  QComboBox* cmbActApp_ = nullptr;
   QLabel* test_result_ = nullptr;
 };
 

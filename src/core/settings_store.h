@@ -15,6 +15,7 @@ namespace orven {
 struct WindowGeometry {
   std::int32_t top = 0, left = 0, width = 0, height = 0;
   std::int16_t state = 0;  ///< 0 normal, 1 minimised, 2 maximised
+  bool operator==(const WindowGeometry&) const = default;
 };
 
 /// The main window as the placement routines see it.

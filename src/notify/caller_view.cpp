@@ -30,14 +30,13 @@ std::int32_t Sum(std::int64_t left, std::int64_t right) {
 
 }  // namespace
 
-SlidingCallerView::SlidingCallerView(EventLoop& loop, CallerViewWindow& window, Commands commands)
+CallerView::CallerView(EventLoop& loop, CallerViewWindow& window, Commands commands)
     : window_(window),
       commands_(std::move(commands)),
       Timer1(loop.MakeTimer([this] { Timer1_Timer(); })),
       tmrAutoClose(loop.MakeTimer([this] { tmrAutoClose_Timer(); })) {}
 
-void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool auto_close,
-                                       std::int16_t seconds) {
+void CallerView::ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) {
   if (loaded_) return;
   loaded_ = true;
   mode_ = Mode::Open;
@@ -52,7 +51,7 @@ void SlidingCallerView::ViewCallViewer(bool animate, std::int16_t speed, bool au
   if (!animate) MoveTo(0);
 }
 
-void SlidingCallerView::SetProp() {
+void CallerView::SetProp() {
   MoveTo(-window_.Height());
   if (!auto_close_) return;
   tmrAutoClose->Start(kClockInterval);
@@ -60,7 +59,7 @@ void SlidingCallerView::SetProp() {
   close_ticks_ = 0;
 }
 
-void SlidingCallerView::Timer1_Timer() {
+void CallerView::Timer1_Timer() {
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     if (mode_ == Mode::Open) return SlideDown();
@@ -70,7 +69,7 @@ void SlidingCallerView::Timer1_Timer() {
   });
 }
 
-void SlidingCallerView::SlideDown() {
+void CallerView::SlideDown() {
   if (top_ >= kShownAbove) {
     Timer1->Stop();
     mode_ = Mode::Still;
@@ -82,7 +81,7 @@ void SlidingCallerView::SlideDown() {
   MoveTo(window_.Height() <= Sum(slid_, kSnapDistance) ? 0 : Sum(top_, step));
 }
 
-void SlidingCallerView::tmrAutoClose_Timer() {
+void CallerView::tmrAutoClose_Timer() {
   if (close_ticks_ < close_limit_) {
     ++close_ticks_;
     return;
@@ -91,17 +90,17 @@ void SlidingCallerView::tmrAutoClose_Timer() {
   Close();
 }
 
-void SlidingCallerView::Close() {
+void CallerView::Close() {
   if (!loaded_) return;
   animate_ ? SlideUp() : Unload();
 }
 
-void SlidingCallerView::SlideUp() {
+void CallerView::SlideUp() {
   mode_ = Mode::Close;
   if (!Timer1->Enabled()) Timer1->Start(kSlideInterval);
 }
 
-void SlidingCallerView::Unload() {
+void CallerView::Unload() {
   if (!loaded_) return;
   Timer1->Stop();
   tmrAutoClose->Stop();
@@ -110,18 +109,18 @@ void SlidingCallerView::Unload() {
   window_.Unload();
 }
 
-void SlidingCallerView::MoveTo(std::int32_t top) {
+void CallerView::MoveTo(std::int32_t top) {
   top_ = top;
   window_.MoveTo(top);
 }
 
-void SlidingCallerView::ShowCall(const Call& call) {
+void CallerView::ShowCall(const Call& call) {
   window_.ShowCaller(call.caller_name, call.caller_number);
   window_.ShowTime(call.date, call.time);
   window_.ShowMessagePath(call.message_path);
 }
 
-void SlidingCallerView::ActAndClose(const std::function<void()>& command) {
+void CallerView::ActAndClose(const std::function<void()>& command) {
   ErrorTrap::Silent()(command);
   Close();
 }

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/event_loop.h"
-#include "telephony/call_effects.h"
+#include "records/call.h"
 
 namespace orven {
 
@@ -52,7 +52,7 @@ class CallerViewClicks {
 /// The caller view: slides in at the top of the screen, shows the caller, and slides out after a delay or a
 /// click. At most one is open. Distances in twips. An error ends the step and is not logged. User-interface
 /// thread.
-class SlidingCallerView : public CallerView, public CallerViewClicks {
+class CallerView : public CallerViewClicks {
  public:
   /// What its commands do to the ringing call.
   struct Commands {
@@ -61,18 +61,27 @@ class SlidingCallerView : public CallerView, public CallerViewClicks {
     std::function<void()> do_nothing;
   };
 
-  SlidingCallerView(EventLoop& loop, CallerViewWindow& window, Commands commands);
+  CallerView(EventLoop& loop, CallerViewWindow& window, Commands commands);
 
-  bool IsOpen() const override { return loaded_; }
-  bool IsClosing() const override { return loaded_ && mode_ == Mode::Close; }
-  void Unload() override;
-  void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds) override;
-  void ShowControl() override { window_.ShowCommands(CallerCommands::All); }
-  void HideAnswer() override { window_.ShowCommands(CallerCommands::WithoutAnswer); }
-  void HideControl() override { window_.ShowCommands(CallerCommands::None); }
-  void ShowMessage(const std::string& text) override { window_.ShowStatus(text); }
-  void ShowRing(const std::string& text) override { window_.ShowRing(text); }
-  void ShowCall(const Call& call) override;
+  bool IsOpen() const { return loaded_; }
+  /// Open, but sliding out.
+  bool IsClosing() const { return loaded_ && mode_ == Mode::Close; }
+  /// Closes it at once.
+  void Unload();
+  /// Opens it, unless it is open. `speed` in twips a tick, `seconds` until it closes by itself.
+  void ViewCallViewer(bool animate, std::int16_t speed, bool auto_close, std::int16_t seconds);
+  /// Shows the commands for a ringing call.
+  void ShowControl() { window_.ShowCommands(CallerCommands::All); }
+  /// The call was answered: hides "Answer Now".
+  void HideAnswer() { window_.ShowCommands(CallerCommands::WithoutAnswer); }
+  /// Hides all commands: the call is over.
+  void HideControl() { window_.ShowCommands(CallerCommands::None); }
+  /// The call's state in a few words: "New Call".
+  void ShowMessage(const std::string& text) { window_.ShowStatus(text); }
+  /// The number of rings: "Ring : 3".
+  void ShowRing(const std::string& text) { window_.ShowRing(text); }
+  /// Name, number, date, time and message of the call.
+  void ShowCall(const Call& call);
 
   // Clicks.
   void AnswerNow() override { ActAndClose(commands_.answer); }

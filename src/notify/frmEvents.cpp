@@ -2,7 +2,10 @@
 #include "notify/frmEvents.h"
 
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QSlider>
+#include <QVBoxLayout>
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
@@ -21,7 +24,10 @@ QString Name(const char* name) {
 }  // namespace
 
 frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
-    : QDialog(parent), engine_(engine), tabs_(MakeChild<QTabWidget>(this)) {
+    : QDialog(parent),
+      engine_(engine),
+      form_(*this, RowsOf(Group::Events)),
+      tabs_(MakeChild<QTabWidget>(this)) {
   SetUpDialog(*this, "frmEvents", tr("Events"));
   tabs_->setObjectName(Name("TabStrip1"));
   tabs_->addTab(MakeGeneral(), tr("General"));
@@ -32,7 +38,7 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
   column->addWidget(tabs_);
   const auto closing = MakeClosingButtons(*this);
   connect(closing.cmdOK, &QPushButton::clicked, this, [this] {
-    engine_.Save(Choices());
+    engine_.Save(Taken());
     accept();
   });
   column->addLayout(closing.row);
@@ -43,13 +49,15 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
 QWidget* frmEvents::MakeGeneral() {
   auto* page = MakeChild<QWidget>(tabs_);
   auto* column = MakeChild<QVBoxLayout>(page);
-  chkAnimation_ = MakeCheckBox("chkAnimation", tr("Animate Caller View"), this);
-  column->addWidget(chkAnimation_);
-  column->addWidget(MakeSpeed());
-  column->addWidget(MakeClosing());
+  auto* form = MakeChild<QFormLayout>();
+  column->addLayout(form);
+  form_.Add(*form, "cAnimation");
+  form->addRow(MakeSpeed());
+  form->addRow(MakeClosing());
+  form_.AddRest(*form, 0);
   auto* test = MakeButton("cmdTestViewer", tr("Test"), nullptr, page);
   test->setToolTip(tr("Show the caller view with these options"));
-  connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Choices()); });
+  connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Taken()); });
   column->addWidget(test, 0, Qt::AlignLeft);
   column->addStretch();
   return page;
@@ -59,20 +67,16 @@ QWidget* frmEvents::MakeSpeed() {
   auto* row = MakeChild<QWidget>(this);
   auto* layout = MakeChild<QHBoxLayout>(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  sldAnimationFast_ = MakeChild<QSlider>(Qt::Horizontal, row);
-  sldAnimationFast_->setObjectName(Name("sldAnimationFast"));
-  sldAnimationFast_->setRange(0, kFastestAnimation);
-  sldAnimationFast_->setPageStep(kTickEvery);
-  sldAnimationFast_->setTickInterval(kTickEvery);
-  sldAnimationFast_->setTickPosition(QSlider::TicksBelow);
-  IgnoreStrayWheel(*sldAnimationFast_);
-  sldAnimationFast_->setAccessibleName(tr("Speed of the caller view"));
+  form_.Make("AnimationFast");
+  auto& slider = form_.Get<QSlider>("AnimationFast");
+  slider.setTickInterval(kTickEvery);
+  slider.setTickPosition(QSlider::TicksBelow);
   auto* label = MakeChild<QLabel>(tr("Speed:"), row);
-  label->setBuddy(sldAnimationFast_);
+  label->setBuddy(&slider);
   layout->addWidget(label);
-  layout->addWidget(MakeChild<QLabel>(QString::number(0), row));
-  layout->addWidget(sldAnimationFast_, 1);
-  layout->addWidget(MakeChild<QLabel>(QString::number(kFastestAnimation), row));
+  layout->addWidget(MakeChild<QLabel>(QString::number(slider.minimum()), row));
+  layout->addWidget(&slider, 1);
+  layout->addWidget(MakeChild<QLabel>(QString::number(slider.maximum()), row));
   return row;
 }
 
@@ -80,27 +84,18 @@ QWidget* frmEvents::MakeClosing() {
   auto* row = MakeChild<QWidget>(this);
   auto* layout = MakeChild<QHBoxLayout>(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  chkCloseCVAfter_ = MakeCheckBox("chkCloseCVAfter", tr("Close Caller View after"), this);
-  cmbCloseCVAfter_ = MakeChild<QComboBox>(row);
-  cmbCloseCVAfter_->setObjectName(Name("cmbCloseCVAfter"));
-  cmbCloseCVAfter_->setAccessibleName(tr("Seconds after which the caller view closes"));
-  IgnoreStrayWheel(*cmbCloseCVAfter_);
-  for (const auto seconds : kCloseSeconds) cmbCloseCVAfter_->addItem(QString::number(seconds));
-  layout->addWidget(chkCloseCVAfter_);
-  layout->addWidget(cmbCloseCVAfter_);
-  layout->addWidget(MakeChild<QLabel>(tr("Sec'"), row));
-  layout->addStretch();
+  layout->addWidget(form_.Make("cCloseCallerView"));
+  layout->addWidget(form_.Make("CloseCallerView"), 1);
   return row;
 }
 
 QWidget* frmEvents::MakeInComingCall() {
   auto* page = MakeChild<QWidget>(tabs_);
   auto* frame = MakeChild<QGroupBox>(tr("Set events when accepting call"), page);
-  auto* column = MakeChild<QVBoxLayout>(frame);
-  when_call_ = MakeSound(*column, "chkPlayInCall", "CmbPlayWhenCall", "tlbrPlayWhenCall");
-  chkViewDet_ = MakeCheckBox("chkViewDet", tr("Display Caller View"), this);
-  column->addWidget(chkViewDet_);
-  column->addStretch();
+  auto* form = MakeChild<QFormLayout>(frame);
+  form_.Add(*form, "cPlayInRing");
+  when_call_ = MakeSound(*form, "CmbPlayWhenCall", "tlbrPlayWhenCall");
+  form_.AddRest(*form, 1);
   MakeChild<QVBoxLayout>(page)->addWidget(frame);
   return page;
 }
@@ -108,21 +103,17 @@ QWidget* frmEvents::MakeInComingCall() {
 QWidget* frmEvents::MakeDisconnectCall() {
   auto* page = MakeChild<QWidget>(tabs_);
   auto* frame = MakeChild<QGroupBox>(tr("Set events when disconnecting a call"), page);
-  auto* column = MakeChild<QVBoxLayout>(frame);
-  when_message_ = MakeSound(*column, "chkPlayInMessage", "CmbPlayWhenMessage", "tlbrPlayWhenMessage");
-  chkOnlyIfGotMessage_ = MakeCheckBox("chkOnlyIfGotMessage", tr("Only If Got Message"), this);
-  chkMsgInMsg_ = MakeCheckBox("chkMsgInMsg", tr("Display Caller View"), this);
-  column->addWidget(chkOnlyIfGotMessage_);
-  column->addWidget(chkMsgInMsg_);
-  column->addStretch();
+  auto* form = MakeChild<QFormLayout>(frame);
+  form_.Add(*form, "cPlayInIdle");
+  when_message_ = MakeSound(*form, "CmbPlayWhenMessage", "tlbrPlayWhenMessage");
+  form_.AddRest(*form, 2);
   MakeChild<QVBoxLayout>(page)->addWidget(frame);
   return page;
 }
 
-frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* check, const char* list,
-                                              const char* bar) {
-  SoundControls controls{MakeCheckBox(check, tr("Play Sound:"), this), MakeChild<QComboBox>(this),
-                         MakeChild<ButtonBar>(Name(bar), tr("Sounds"), this)};
+frmEvents::SoundControls frmEvents::MakeSound(QFormLayout& form, const char* list, const char* bar) {
+  const SoundControls controls{MakeChild<QComboBox>(this),
+                               MakeChild<ButtonBar>(Name(bar), tr("Sounds"), this)};
   controls.list->setObjectName(Name(list));
   controls.list->setAccessibleName(tr("Sound"));
   controls.list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -136,73 +127,46 @@ frmEvents::SoundControls frmEvents::MakeSound(QBoxLayout& column, const char* ch
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(controls.list, 1);
   row->addWidget(controls.bar);
-  column.addWidget(controls.play);
-  column.addLayout(row);
+  form.addRow(row);
   return controls;
 }
 
 void frmEvents::Connect() {
-  ConnectSound(when_call_, EventsDialog::Sounds::WhenCall);
-  ConnectSound(when_message_, EventsDialog::Sounds::WhenMessage);
-  connect(cmbCloseCVAfter_, &QComboBox::currentIndexChanged, this,
-          [this] { engine_.ChangeCloseSeconds(Choices().cmbCloseCVAfter); });
+  ConnectSound(when_call_, when_message_);
+  ConnectSound(when_message_, when_call_);
+  connect(&form_.Get<QComboBox>("CloseCallerView"), &QComboBox::currentIndexChanged, this,
+          [this] { engine_.ChangeCloseSeconds(Taken()); });
 }
 
-void frmEvents::ConnectSound(const SoundControls& controls, EventsDialog::Sounds sounds) {
-  connect(controls.bar, &ButtonBar::ButtonClick, this, [this, sounds](const QString& key) {
-    auto choices = Choices();
-    engine_.ButtonClick(sounds, key.toStdString(), choices);
-    ShowSounds(*when_call_.list, choices.CmbPlayWhenCall);
-    ShowSounds(*when_message_.list, choices.CmbPlayWhenMessage);
+void frmEvents::ConnectSound(const SoundControls& controls, const SoundControls& other) {
+  connect(controls.bar, &ButtonBar::ButtonClick, this, [&](const QString& key) {
+    auto sounds = Sounds(*controls.list);
+    auto other_sounds = Sounds(*other.list);
+    engine_.ButtonClick(key.toStdString(), sounds, other_sounds);
+    ShowSounds(*controls.list, sounds);
+    ShowSounds(*other.list, other_sounds);
   });
 }
 
-void frmEvents::Show(const EventChoices& choices) {
-  ShowSounds(*when_call_.list, choices.CmbPlayWhenCall);
-  ShowSounds(*when_message_.list, choices.CmbPlayWhenMessage);
-  when_call_.play->setChecked(choices.chkPlayInCall);
-  chkOnlyIfGotMessage_->setChecked(choices.chkOnlyIfGotMessage);
-  when_message_.play->setChecked(choices.chkPlayInMessage);
-  chkMsgInMsg_->setChecked(choices.chkMsgInMsg);
-  chkViewDet_->setChecked(choices.chkViewDet);
-  chkAnimation_->setChecked(choices.chkAnimation);
-  sldAnimationFast_->setValue(choices.sldAnimationFast);
-  stored_seconds_ = choices.cmbCloseCVAfter;
-  cmbCloseCVAfter_->setCurrentIndex(cmbCloseCVAfter_->findText(QString::number(stored_seconds_)));
-  chkCloseCVAfter_->setChecked(choices.chkCloseCVAfter);
+void frmEvents::Show(const Choices& choices) {
+  ShowSounds(*when_call_.list, engine_.Sounds(choices.Text("PlayInRing")));
+  ShowSounds(*when_message_.list, engine_.Sounds(choices.Text("PlayInIdle")));
+  form_.Show(choices);
 }
 
 void frmEvents::ShowSounds(QComboBox& box, const SoundList& sounds) {
-  box.clear();
-  for (const auto& name : sounds.names) box.addItem(QString::fromStdString(name));
-  // By default findText ignores letter case, but names may differ only in that.
-  const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
-  box.setCurrentIndex(sounds.selected.empty() ? -1
-                                              : box.findText(QString::fromStdString(sounds.selected), flags));
+  FillList(box, sounds.names, sounds.selected);
 }
 
-EventChoices frmEvents::Choices() const {
-  EventChoices choices;
-  choices.chkPlayInCall = when_call_.play->isChecked();
-  choices.CmbPlayWhenCall = Sounds(*when_call_.list);
-  choices.chkViewDet = chkViewDet_->isChecked();
-  choices.chkPlayInMessage = when_message_.play->isChecked();
-  choices.CmbPlayWhenMessage = Sounds(*when_message_.list);
-  choices.chkOnlyIfGotMessage = chkOnlyIfGotMessage_->isChecked();
-  choices.chkMsgInMsg = chkMsgInMsg_->isChecked();
-  choices.chkAnimation = chkAnimation_->isChecked();
-  choices.sldAnimationFast = sldAnimationFast_->value();
-  choices.chkCloseCVAfter = chkCloseCVAfter_->isChecked();
-  const auto seconds = cmbCloseCVAfter_->currentText();
-  choices.cmbCloseCVAfter = seconds.isEmpty() ? stored_seconds_ : seconds.toInt();
+Choices frmEvents::Taken() const {
+  auto choices = form_.Taken();
+  choices["PlayInRing"] = when_call_.list->currentText().toStdString();
+  choices["PlayInIdle"] = when_message_.list->currentText().toStdString();
   return choices;
 }
 
 SoundList frmEvents::Sounds(const QComboBox& box) {
-  SoundList sounds;
-  for (int i = 0; i < box.count(); ++i) sounds.names.push_back(box.itemText(i).toStdString());
-  sounds.selected = box.currentText().toStdString();
-  return sounds;
+  return {ListItems(box), box.currentText().toStdString()};
 }
 
 }  // namespace orven

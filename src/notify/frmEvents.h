@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QBoxLayout>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
-#include <QSlider>
 #include <QTabWidget>
 
 #include "notify/events_dialog.h"
 #include "widgets/button_bar.h"
+#include "widgets/settings_form.h"
 
 namespace orven {
 
@@ -23,9 +21,8 @@ class frmEvents : public QDialog {
   frmEvents(EventsDialog& engine, int tab, QWidget* parent);
 
  private:
-  /// The check box, list and toolbar of one sound.
+  /// The list and the toolbar of one sound.
   struct SoundControls {
-    QCheckBox* play;
     QComboBox* list;
     ButtonBar* bar;
   };
@@ -33,28 +30,21 @@ class frmEvents : public QDialog {
   QWidget* MakeGeneral();
   QWidget* MakeInComingCall();
   QWidget* MakeDisconnectCall();
-  SoundControls MakeSound(QBoxLayout& column, const char* check, const char* list, const char* bar);
+  SoundControls MakeSound(QFormLayout& form, const char* list, const char* bar);
   QWidget* MakeSpeed();
   QWidget* MakeClosing();
   void Connect();
-  void ConnectSound(const SoundControls& controls, EventsDialog::Sounds sounds);
-  void Show(const EventChoices& choices);
+  void ConnectSound(const SoundControls& controls, const SoundControls& other);
+  void Show(const Choices& choices);
   static void ShowSounds(QComboBox& box, const SoundList& sounds);
-  EventChoices Choices() const;
+  Choices Taken() const;
   static SoundList Sounds(const QComboBox& box);
 
   EventsDialog& engine_;
+  SettingsForm form_;
   QTabWidget* tabs_;
   SoundControls when_call_{};
   SoundControls when_message_{};
-  QCheckBox* chkViewDet_ = nullptr;
-  QCheckBox* chkOnlyIfGotMessage_ = nullptr;
-  QCheckBox* chkMsgInMsg_ = nullptr;
-  QCheckBox* chkAnimation_ = nullptr;
-  QSlider* sldAnimationFast_ = nullptr;
-  QCheckBox* chkCloseCVAfter_ = nullptr;
-  QComboBox* cmbCloseCVAfter_ = nullptr;
-  std::int32_t stored_seconds_ = 0;  ///< kept while the list has no such entry
 };
 
 }  // namespace orven

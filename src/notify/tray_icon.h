@@ -10,7 +10,6 @@
 #include "platform/event_loop.h"
 #include "platform/shell.h"
 #include "records/call_list.h"
-#include "telephony/call_effects.h"
 
 namespace orven {
 
@@ -27,7 +26,7 @@ class TrayOwner {
 /// The program's icon in the notification area: its tip shows the counts, and it blinks after a call that was
 /// missed. Every change is an add request followed by a modify request, so that the icon returns after a
 /// restart of the shell. User-interface thread.
-class TrayIcon : public CallCountsView, public TrayBlinker {
+class TrayIcon : public CallCountsView {
  public:
   /// `window` returns the handle of the main window.
   TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<std::uintptr_t()> window);
@@ -35,7 +34,7 @@ class TrayIcon : public CallCountsView, public TrayBlinker {
   void MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) override;
 
   /// Enables `tmrSysTryBlink`.
-  void StartBlinking() override;
+  void StartBlinking();
   /// Disables it; the icon keeps its picture.
   void StopBlinking();
   bool Blinking() const;

@@ -15,20 +15,6 @@ namespace {
 constexpr std::uint32_t kFlat = 0x800;  // toolbar style TBSTYLE_FLAT
 constexpr int kThousandthsPerPercent = 10;
 
-void FillList(QComboBox& list, const std::vector<std::string>& items) {
-  list.clear();
-  for (const auto& item : items) list.addItem(QString::fromStdString(item));
-}
-
-/// Shows a text in an editable list, whether or not it is one of the items.
-void ShowText(QComboBox& list, const std::string& text) {
-  const auto shown = QString::fromStdString(text);
-  list.setCurrentIndex(list.findText(shown, Qt::MatchExactly | Qt::MatchCaseSensitive));
-  list.setEditText(shown);
-  list.setProperty(kShownFirst, shown);
-  list.lineEdit()->setCursorPosition(0);
-}
-
 bool CanBeKeyed(const QString& password) {
   return std::ranges::all_of(password, [](QChar key) { return key == u'#' || (key >= u'0' && key <= u'9'); });
 }
@@ -36,13 +22,16 @@ bool CanBeKeyed(const QString& password) {
 }  // namespace
 
 frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
-    : QDialog(parent), parts_(std::move(parts)), TabStrip1_(MakeChild<QTabWidget>(this)) {
+    : QDialog(parent),
+      parts_(std::move(parts)),
+      form_(*this, RowsOf(Group::Options)),
+      TabStrip1_(MakeChild<QTabWidget>(this)) {
   SetUpDialog(*this, "frmOptions", tr("Options"));
   TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
-  TabStrip1_->addTab(MakeGeneral(), tr("General"));
-  TabStrip1_->addTab(MakeDevices(), tr("Devices"));
-  TabStrip1_->addTab(MakeAnswerMode(), tr("Answer Mode"));
-  TabStrip1_->addTab(MakeAdvanced(), tr("Advanced"));
+  AddPage("Frame1", tr("General"), &frmOptions::FillGeneral);
+  AddPage("Frame2", tr("Devices"), &frmOptions::FillDevices);
+  AddPage("Frame3", tr("Answer Mode"), &frmOptions::FillAnswerMode);
+  AddPage("Frame4", tr("Advanced"), &frmOptions::FillAdvanced);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(TabStrip1_);
   const auto buttons = MakeClosingButtons(*this);
@@ -51,8 +40,8 @@ frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
   column->addLayout(buttons.row);
   for (auto* bar : findChildren<ButtonBar*>()) bar->SetStyle(bar->Style() | kFlat);
   Connect();
-  Fill(parts_.engine.Lists());
-  Show(parts_.engine.Load());
+  Fill();
+  Show();
   TabStrip1_->setCurrentIndex(tab);
   ShowLevel(std::nullopt);
   parts_.engine.Watch(this);
@@ -77,60 +66,27 @@ void frmOptions::Connect() {
   connect(txtPass_, &QLineEdit::textChanged, this, &frmOptions::ShowPasswordHint);
 }
 
-void frmOptions::Fill(const OptionLists& lists) {
-  FillList(*txtNumOfRing_, lists.txtNumOfRing);
-  FillList(*txtRecLong_, lists.txtRecLong);
-  FillList(*cmbSilenceSec_, lists.cmbSilenceSec);
-  FillList(*cmbModemDev_, lists.cmbModemDev);
-  FillList(*cmbSoundDev_, lists.cmbSoundDev);
+void frmOptions::Fill() {
+  const auto lists = parts_.engine.Lists();
+  FillList(*cmbModemDev_, lists.devices);
+  FillList(form_.Get<QComboBox>("Sound"), lists.cards);
 }
 
-void frmOptions::Show(const OptionChoices& choices) {
-  chkRenOnStart_->setChecked(choices.chkRenOnStart);
-  ShowText(*cmbSilenceSec_, choices.cmbSilenceSec);
-  chkDropIfSilnce_->setChecked(choices.chkDropIfSilnce);
-  silence_->setText(tr("%1 %").arg(choices.sldSilence));
-  sldSilence_->setValue(choices.sldSilence);
-  ShowMessagesPath(choices.txtMassagesPath, std::nullopt);
-  cmdRecordMessage_->setChecked(choices.cmdRecordMessage);
-  ShowText(*txtNumOfRing_, choices.txtNumOfRing);
-  ShowText(*txtRecLong_, choices.txtRecLong);
-  txtPass_->setText(QString::fromStdString(choices.txtPass));
-  chkWornDelete_->setChecked(choices.chkWornDelete);
-  chkWornClear_->setChecked(choices.chkWornClear);
-  chkListMessagesOnly_->setChecked(choices.chkListMessagesOnly);
-  chkPreScreen_->setChecked(choices.chkPreScreen);
-  ShowText(*cmbModemDev_, choices.cmbModemDev);
-  cmbSoundDev_->setCurrentIndex(choices.cmbSoundDev < cmbSoundDev_->count() ? choices.cmbSoundDev : -1);
-  greetings_->Fill(choices.CmbGreetsMessages);
-  chkAllowRemoteAccess_->setChecked(choices.chkAllowRemoteAccess);
-  chkCompress_->setChecked(choices.chkCompress);
-  chkQuickToolBar_->setChecked(choices.chkQuickToolBar);
+void frmOptions::Show() {
+  const auto choices = parts_.engine.Load();
+  chkRenOnStart_->setChecked(parts_.engine.Autostarts());
+  form_.Show(choices);
+  silence_->setText(tr("%1 %").arg(sldSilence_->value()));
+  ShowMessagesPath(parts_.engine.MessagesPath(), std::nullopt);
+  greetings_->Fill(choices.Text("Greeting"));
   ShowCapabilities();
   ShowPasswordHint();
 }
 
-OptionChoices frmOptions::Choices() const {
-  OptionChoices choices;
-  choices.cmbSilenceSec = cmbSilenceSec_->currentText().toStdString();
-  choices.chkDropIfSilnce = chkDropIfSilnce_->isChecked();
-  choices.sldSilence = sldSilence_->value();
-  choices.txtMassagesPath = txtMassagesPath_->text().toStdString();
-  choices.cmdRecordMessage = cmdRecordMessage_->isChecked();
-  choices.txtNumOfRing = txtNumOfRing_->currentText().toStdString();
-  choices.txtRecLong = txtRecLong_->currentText().toStdString();
-  choices.txtPass = txtPass_->text().toStdString();
-  choices.chkWornDelete = chkWornDelete_->isChecked();
-  choices.chkWornClear = chkWornClear_->isChecked();
-  choices.chkListMessagesOnly = chkListMessagesOnly_->isChecked();
-  choices.chkPreScreen = chkPreScreen_->isChecked();
-  choices.cmbModemDev = cmbModemDev_->currentText().toStdString();
-  choices.cmbSoundDev = cmbSoundDev_->currentIndex();
-  choices.CmbGreetsMessages = greetings_->Selected();
-  choices.chkAllowRemoteAccess = chkAllowRemoteAccess_->isChecked();
-  choices.chkCompress = chkCompress_->isChecked();
-  choices.chkQuickToolBar = chkQuickToolBar_->isChecked();
-  choices.chkRenOnStart = chkRenOnStart_->isChecked();
+Choices frmOptions::Taken() const {
+  auto choices = form_.Taken();
+  const auto greeting = greetings_->Selected();
+  if (!greeting.empty()) choices["Greeting"] = greeting;
   return choices;
 }
 
@@ -167,7 +123,7 @@ void frmOptions::OpenLines() {
   auto chosen = cmbModemDev_->currentText().toStdString();
   if (chosen == before) chosen = parts_.engine.StoredDevice();
   FillList(*cmbModemDev_, parts_.engine.Devices());
-  ShowText(*cmbModemDev_, chosen);
+  form_.Show({{{"ModemName", chosen}}});
   ShowCapabilities();
 }
 
@@ -182,10 +138,11 @@ void frmOptions::ShowLevel(std::optional<std::int32_t> level) noexcept {
 }
 
 void frmOptions::ShowSoundCards(const std::vector<std::string>& names) noexcept {
+  auto& list = form_.Get<QComboBox>("Sound");
   for (int i = 0; i < int(names.size()); ++i) {
     const auto name = QString::fromStdString(names[std::size_t(i)]);
-    if (i == cmbSoundDev_->count()) cmbSoundDev_->addItem(name);
-    if (cmbSoundDev_->itemText(i) != name) cmbSoundDev_->setItemText(i, name);
+    if (i == list.count()) list.addItem(name);
+    if (list.itemText(i) != name) list.setItemText(i, name);
   }
 }
 
@@ -203,7 +160,7 @@ void frmOptions::reject() {
 }
 
 void frmOptions::Ok() {
-  parts_.engine.Save(Choices());
+  parts_.engine.Save(Taken(), chkRenOnStart_->isChecked());
   accept();
 }
 

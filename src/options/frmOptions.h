@@ -14,11 +14,9 @@
 
 #include "options/frmOptionsParts.h"
 #include "options/options_dialog.h"
+#include "widgets/settings_form.h"
 
 namespace orven {
-
-/// Property of a number's list: the text that it showed initially.
-inline constexpr const char* kShownFirst = "shownFirst";
 
 /// The options dialog. It shows what the engine loads and passes on the user's input; each control's object
 /// name is its member name. Modal to the main window only, so that calls continue. It cannot be closed while
@@ -43,24 +41,22 @@ class frmOptions : public QDialog, private OptionsView {
   void reject() override;
 
  private:
-  QWidget* MakeGeneral();
+  /// Adds a tab whose rows `fill` makes; they stay at its top.
+  void AddPage(const char* name, const QString& title, void (frmOptions::*fill)(QFormLayout&));
+  void FillGeneral(QFormLayout& form);
+  void FillDevices(QFormLayout& form);
+  void FillAnswerMode(QFormLayout& form);
+  void FillAdvanced(QFormLayout& form);
   QWidget* MakeMessagesFolder();
-  QWidget* MakeDevices();
   QWidget* MakeCapabilities();
-  QWidget* MakeAnswerMode();
-  QWidget* MakeAdvanced();
   QWidget* MakeSilence();
   QWidget* MakeSilenceLevel();
   QWidget* MakeRemoteAccess();
-  QCheckBox* MakeCheck(const char* name, const QString& caption, const QString& tip);
-  QComboBox* MakeList(const char* name, const QString& purpose);
-  QComboBox* MakeNumber(const char* name, const QString& purpose, int least, int most);
-  QWidget* WithUnit(QWidget* field, const QString& unit);
 
   void Connect();
-  void Fill(const OptionLists& lists);
-  void Show(const OptionChoices& choices);
-  OptionChoices Choices() const;
+  void Fill();
+  void Show();
+  Choices Taken() const;
   void ShowCapabilities();
   void ShowPasswordHint();
   void OpenLines();
@@ -72,36 +68,24 @@ class frmOptions : public QDialog, private OptionsView {
                         const std::optional<RelocationProgress>& moving) noexcept override;
 
   Parts parts_;
+  SettingsForm form_;
   QTabWidget* TabStrip1_;
 
   QCheckBox* chkRenOnStart_ = nullptr;
-  QCheckBox* chkQuickToolBar_ = nullptr;
-  QCheckBox* chkListMessagesOnly_ = nullptr;
-  QCheckBox* chkWornDelete_ = nullptr;
-  QCheckBox* chkWornClear_ = nullptr;
   QLineEdit* txtMassagesPath_ = nullptr;
   QPushButton* cmdBrowsMessagesPath_ = nullptr;
   QLabel* moving_ = nullptr;
 
   QComboBox* cmbModemDev_ = nullptr;
-  QComboBox* cmbSoundDev_ = nullptr;
   QLabel* no_device_ = nullptr;
   std::vector<QLabel*> capabilities_;  ///< the values, in the engine's order
 
-  QComboBox* txtNumOfRing_ = nullptr;
   frmOptionsGreetings* greetings_ = nullptr;
-  QCheckBox* cmdRecordMessage_ = nullptr;
-  QComboBox* txtRecLong_ = nullptr;
-  QCheckBox* chkPreScreen_ = nullptr;
-  QCheckBox* chkCompress_ = nullptr;
 
-  QCheckBox* chkDropIfSilnce_ = nullptr;
-  QComboBox* cmbSilenceSec_ = nullptr;
   QSlider* sldSilence_ = nullptr;
   QLabel* silence_ = nullptr;
   SilenceMeter* meter_ = nullptr;
   QLabel* meter_text_ = nullptr;
-  QCheckBox* chkAllowRemoteAccess_ = nullptr;
   QLineEdit* txtPass_ = nullptr;
   QAction* show_password_ = nullptr;
   QLabel* password_hint_ = nullptr;

@@ -62,21 +62,11 @@ void frmOptionsGreetings::Press(const QString& key) {
 }
 
 void frmOptionsGreetings::Show(const GreetingList& list) {
-  CmbGreetsMessages_->clear();
-  for (const auto& name : list.names) CmbGreetsMessages_->addItem(QString::fromStdString(name));
-  // QComboBox ignores case by default, but names may differ only in case.
-  const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
-  CmbGreetsMessages_->setCurrentIndex(
-      list.names.empty() ? -1 : CmbGreetsMessages_->findText(QString::fromStdString(list.selected), flags));
+  FillList(*CmbGreetsMessages_, list.names, list.selected);
 }
 
 GreetingList frmOptionsGreetings::List() const {
-  GreetingList list;
-  for (int i = 0; i < CmbGreetsMessages_->count(); ++i) {
-    list.names.push_back(CmbGreetsMessages_->itemText(i).toStdString());
-  }
-  list.selected = Selected();
-  return list;
+  return {ListItems(*CmbGreetsMessages_), Selected()};
 }
 
 SilenceMeter::SilenceMeter(const QSlider& slider, QWidget* parent) : QWidget(parent), slider_(slider) {

@@ -2,7 +2,6 @@
 #include "options/options_dialog.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "base/conversions.h"
 #include "base/paths.h"
@@ -14,8 +13,6 @@ namespace {
 
 using std::chrono_literals::operator""ms;
 
-constexpr int kMostRings = 20;
-
 /// Short enough for a smooth meter.
 constexpr auto kLevelInterval = 50ms;
 
@@ -24,9 +21,6 @@ constexpr int kTicksBetweenLooks = 40;
 
 /// The maximum number of missing cards that are listed when the chosen one has a high number.
 constexpr std::int32_t kMostMissingCards = 64;
-
-/// Thousandths of full scale in one step of the slider.
-constexpr int kThousandthsPerStep = 10;
 
 constexpr const char* kAutostartName = "ORVEN";
 
@@ -73,11 +67,8 @@ OptionsDialog::OptionsDialog(Parts parts)
 OptionLists OptionsDialog::Lists() {
   const ErrorTrap trap(parts_.log, "ErrorLoadOptions->");
   OptionLists lists;
-  for (int count = 1; count <= kMostRings; ++count) lists.txtNumOfRing.push_back(std::to_string(count));
-  lists.txtRecLong = {"1", "2", "5"};
-  lists.cmbSilenceSec = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
-  trap([&] { lists.cmbModemDev = Devices(); });
-  trap([&] { lists.cmbSoundDev = SoundCards(); });
+  trap([&] { lists.devices = Devices(); });
+  trap([&] { lists.cards = SoundCards(); });
   return lists;
 }
 
@@ -101,46 +92,8 @@ std::vector<std::string> OptionsDialog::SoundCards() {
   return names;
 }
 
-std::string OptionsDialog::Value(const char* name) {
-  return GetRegValue(parts_.registry, RegistryRoot::LocalMachine, kSettingsKey, name);
-}
-
-bool OptionsDialog::Flag(const char* name) {
-  return ToInt16(Value(name)) != 0;
-}
-
-std::string OptionsDialog::NumberText(const char* name) {
-  auto text = Value(name);
-  ToInt32(text);  // throws when it is not a number
-  return text;
-}
-
-OptionChoices OptionsDialog::Load() {
-  const ErrorTrap trap(parts_.log, "ErrGetOptions->");
-  OptionChoices choices;
-  choices.chkRenOnStart = Autostarts();
-  trap([&] { choices.cmbSilenceSec = NumberText("SecSilence"); });
-  trap([&] { choices.chkDropIfSilnce = Flag("cDropSilence"); });
-  trap([&] {
-    const auto steps = std::nearbyint(double(ToInt16(Value("ValSilence"))) / kThousandthsPerStep);
-    choices.sldSilence = std::clamp(static_cast<std::int32_t>(steps), 0, kLoudestSilence);
-  });
-  choices.txtMassagesPath = parts_.folders.Serving();
-  trap([&] { choices.cmdRecordMessage = Flag("RecordMessage"); });
-  trap([&] { choices.txtNumOfRing = NumberText("NumOfRing"); });
-  trap([&] { choices.txtRecLong = NumberText("MaxRec"); });
-  choices.txtPass = Value("Pass");
-  trap([&] { choices.chkWornDelete = Flag("WornDelete"); });
-  trap([&] { choices.chkWornClear = Flag("WornClear"); });
-  trap([&] { choices.chkListMessagesOnly = Flag("ListMessageOnly"); });
-  trap([&] { choices.chkPreScreen = Flag("PreScreen"); });
-  choices.cmbModemDev = Value("ModemName");
-  trap([&] { choices.cmbSoundDev = ToInt32(Value("Sound")); });
-  choices.CmbGreetsMessages = Value("Greeting");
-  trap([&] { choices.chkAllowRemoteAccess = Flag("AllowRemoteAccess"); });
-  trap([&] { choices.chkCompress = Flag("CompressMessages"); });
-  trap([&] { choices.chkQuickToolBar = Flag("pQuickToolbar"); });
-  return choices;
+Choices OptionsDialog::Load() {
+  return parts_.store.StoredChoices(Group::Options, ErrorTrap(parts_.log, "ErrGetOptions->"));
 }
 
 std::vector<std::pair<std::string, std::string>> OptionsDialog::Capabilities(
@@ -172,12 +125,12 @@ void OptionsDialog::Watch(OptionsView* view) {
 
 void OptionsDialog::LookAgain() {
   view_->ShowLevel(parts_.line_level());
-  view_->ShowMessagesPath(parts_.folders.Serving(), parts_.move.Relocating());
+  view_->ShowMessagesPath(MessagesPath(), parts_.move.Relocating());
   if (++ticks_ % kTicksBetweenLooks == 0) view_->ShowSoundCards(SoundCards());
 }
 
 void OptionsDialog::BrowsMessagesPath() {
-  auto path = parts_.dialogs.BrowseFolder("Save Messages To", parts_.folders.Serving());
+  auto path = parts_.dialogs.BrowseFolder("Save Messages To", MessagesPath());
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
@@ -185,47 +138,32 @@ void OptionsDialog::BrowsMessagesPath() {
   trap([&] { parts_.move_messages(path); });
 }
 
-void OptionsDialog::Put(Values& values, const char* name, const std::string& text) {
-  const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
-  trap([&] {
-    Assign(parts_.settings, RowOf(name), text);
-    values.push_back(RegString(name, text));
-  });
+/// The values to store. What is not chosen keeps its value.
+std::vector<NamedRegistryValue> OptionsDialog::Take(const Choices& choices, const ErrorTrap& trap) {
+  std::vector<NamedRegistryValue> values;
+  for (const auto* row : RowsOf(Group::Options, &Order::store)) {
+    const auto choice = choices.find(row->name);
+    if (choice == choices.end()) continue;
+    trap([&] {
+      const auto text = ToStored(*row, choice->second);
+      Assign(parts_.settings, *row, text);
+      values.push_back(RegString(row->name, text));
+    });
+  }
+  return values;
 }
 
-void OptionsDialog::Collect(const OptionChoices& choices, Values& values) {
-  Put(values, "SecSilence", choices.cmbSilenceSec);
-  Put(values, "cDropSilence", choices.chkDropIfSilnce);
-  Put(values, "ValSilence", std::to_string(std::int64_t{choices.sldSilence} * kThousandthsPerStep));
-  Put(values, "WornDelete", choices.chkWornDelete);
-  Put(values, "WornClear", choices.chkWornClear);
-  Put(values, "ListMessageOnly", choices.chkListMessagesOnly);
-  Put(values, "Modem", std::to_string(parts_.line.FindByName(choices.cmbModemDev)));
-  Put(values, "PreScreen", choices.chkPreScreen);
-  Put(values, "ModemName", choices.cmbModemDev);
-  // Card and greeting keep their values when none is chosen.
-  if (choices.cmbSoundDev >= 0) Put(values, "Sound", std::to_string(choices.cmbSoundDev));
-  Put(values, "RecordMessage", choices.cmdRecordMessage);
-  if (!choices.CmbGreetsMessages.empty()) Put(values, "Greeting", choices.CmbGreetsMessages);
-  Put(values, "NumOfRing", choices.txtNumOfRing);
-  Put(values, "MaxRec", choices.txtRecLong);
-  Put(values, "AllowRemoteAccess", choices.chkAllowRemoteAccess);
-  Put(values, "Pass", choices.txtPass);
-  Put(values, "CompressMessages", choices.chkCompress);
-  Put(values, "pQuickToolbar", choices.chkQuickToolBar);
-}
-
-void OptionsDialog::Save(const OptionChoices& choices) {
+void OptionsDialog::Save(Choices choices, bool autostart) {
   const ErrorTrap trap(parts_.log, "ErrSaveOptionOption ");
-  trap([&] { parts_.fill_greetings(choices.CmbGreetsMessages); });
-  Values values;
-  Collect(choices, values);
+  trap([&] { parts_.fill_greetings(choices.Text("Greeting")); });
+  choices["Modem"] = std::to_string(parts_.line.FindByName(choices.Text("ModemName")));
+  const auto values = Take(choices, trap);
   // One write: a crash leaves either the old options or the new ones, and a slow disk delays us once.
   const bool stored = parts_.registry.Write(RegistryRoot::LocalMachine, kSettingsKey, values);
   parts_.store.TakeMaxRec(trap);
-  StoreAutostart(choices.chkRenOnStart);
+  StoreAutostart(autostart);
   parts_.show_in_main();
-  TellOfFailures(stored, choices.chkRenOnStart);
+  TellOfFailures(stored, autostart);
 }
 
 void OptionsDialog::TellOfFailures(bool stored, bool autostart) {

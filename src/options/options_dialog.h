@@ -12,6 +12,7 @@
 #include "core/error_trap.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
+#include "notify/desk_sounds.h"
 #include "platform/audio_device.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -19,7 +20,6 @@
 #include "platform/telephony.h"
 #include "records/call_store.h"
 #include "records/message_move.h"
-#include "telephony/call_effects.h"
 #include "telephony/line_manager.h"
 
 namespace orven {
@@ -36,7 +36,7 @@ class GreetingPlayer {
  public:
   struct Parts {
     const GreetingLibrary& library;
-    EventSounds& sounds;
+    DeskSounds& sounds;
     MessagePlayer& player;
     Dialogs& dialogs;
     std::function<std::optional<std::string>()> add;  ///< opens the greeting creator; returns what was saved
@@ -59,43 +59,11 @@ class GreetingPlayer {
   Parts parts_;
 };
 
-/// The state of every control of the options dialog, by the controls' names. Numbers are texts, because the
-/// user may type anything; Save checks them.
-struct OptionChoices {
-  std::string cmbSilenceSec;  ///< seconds
-  bool chkDropIfSilnce = false;
-  std::int32_t sldSilence = 0;  ///< 0 to kLoudestSilence, in hundredths of full scale
-  std::string txtMassagesPath;  ///< shown only
-  bool cmdRecordMessage = false;
-  std::string txtNumOfRing;
-  std::string txtRecLong;  ///< minutes
-  std::string txtPass;
-  bool chkWornDelete = false;
-  bool chkWornClear = false;
-  bool chkListMessagesOnly = false;
-  bool chkPreScreen = false;
-  std::string cmbModemDev;        ///< a device's name; the device may be missing
-  std::int32_t cmbSoundDev = -1;  ///< a card's number; -1 for none
-  std::string CmbGreetsMessages;  ///< a greeting's name; empty for none
-  bool chkAllowRemoteAccess = false;
-  bool chkCompress = false;
-  bool chkQuickToolBar = false;
-  bool chkRenOnStart = false;
-};
-
 /// What the lists of the dialog offer.
 struct OptionLists {
-  std::vector<std::string> txtNumOfRing;
-  std::vector<std::string> txtRecLong;
-  std::vector<std::string> cmbSilenceSec;
-  std::vector<std::string> cmbModemDev;  ///< in device-index order
-  std::vector<std::string> cmbSoundDev;  ///< in the order of the cards' numbers
+  std::vector<std::string> devices;  ///< in device-index order
+  std::vector<std::string> cards;    ///< in the order of the cards' numbers
 };
-
-inline constexpr std::int32_t kLoudestSilence = 100;
-
-/// Longest message in minutes whose seconds fit into 16 bits.
-inline constexpr std::int32_t kLongestMessage = 546;
 
 /// What changes in the open dialog without the user's action.
 class OptionsView {
@@ -139,9 +107,15 @@ class OptionsDialog {
   /// What the lists offer when the dialog opens.
   OptionLists Lists();
 
-  /// What the controls show when the dialog opens. A value that cannot be read or converted is logged, and
-  /// its control stays empty.
-  OptionChoices Load();
+  /// What the controls show when the dialog opens. A value that cannot be converted is logged, and its
+  /// control is off or empty.
+  Choices Load();
+
+  /// Whether the program starts with the desktop.
+  bool Autostarts();
+
+  /// The messages folder in use.
+  const std::string& MessagesPath() const { return parts_.folders.Serving(); }
 
   /// The names of the telephony devices as they are now.
   std::vector<std::string> Devices() const;
@@ -163,20 +137,12 @@ class OptionsDialog {
 
   /// `cmdOK`: stores everything; the next call uses it. A bad number is logged and its setting keeps its
   /// value. An open line stays open.
-  void Save(const OptionChoices& choices);
+  void Save(Choices choices, bool autostart);
 
  private:
-  using Values = std::vector<NamedRegistryValue>;
-
-  std::string Value(const char* name);
-  bool Flag(const char* name);
-  std::string NumberText(const char* name);
   std::vector<std::string> SoundCards();
   void LookAgain();
-  void Collect(const OptionChoices& choices, Values& values);
-  void Put(Values& values, const char* name, const std::string& text);
-  void Put(Values& values, const char* name, bool on) { Put(values, name, std::string(on ? "1" : "0")); }
-  bool Autostarts();
+  std::vector<NamedRegistryValue> Take(const Choices& choices, const ErrorTrap& trap);
   void StoreAutostart(bool on);
   void TellOfFailures(bool stored, bool autostart);
 

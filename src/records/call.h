@@ -16,22 +16,42 @@ inline constexpr const char* kUnknownCaller = "UNKNOWN";
 /// `Call::record` of a call that gets no record.
 inline constexpr std::int64_t kNoRecord = -1;
 
+/// Where the line's one call is.
+enum class CallState : std::uint8_t {
+  Idle,       ///< monitoring, no call
+  Offered,    ///< ringing
+  Answering,  ///< a request to answer was accepted
+  Greeting,
+  Beep,  ///< also during the short wait between the beep and the recording
+  Recording,
+  Recorded,       ///< the message has reached its longest length, the caller is still there
+  Administrator,  ///< the caller keyed the password
+  Disconnected,   ///< the caller hung up
+};
+
+const char* NameOf(CallState state);
+
+/// Whether a call can go from one state to the other.
+bool IsLegal(CallState from, CallState to);
+
 /// Everything known about the current call. One call at a time; a new one replaces it whole.
 struct Call {
-  /// A call that was just offered. `serial` is different for every call of this process.
+  /// A call that is about to be offered. `serial` is different for every call of this process.
   static Call Offered(std::uint32_t serial, std::string date, std::string time,
                       std::string message_file_name);
 
+  /// Offered and not idle yet.
+  bool InProgress() const { return state != CallState::Idle; }
+
+  /// A request to answer was accepted, now or earlier.
+  bool Answering() const { return InProgress() && state != CallState::Offered; }
+
   std::uint32_t serial = 0;
 
-  bool in_progress = false;   ///< offered and not idle yet
-  bool answering = false;     ///< a request to answer was accepted
-  bool admin_mode = false;    ///< the caller keyed the password
-  bool message_left = false;  ///< a recording was made, even if it could not be stored
-  bool do_nothing = false;    ///< a person chose to let it ring on; it is still answered
-  bool greeting_playing = false;
-  bool beep_playing = false;
-  bool remote_playback = false;  ///< messages are being played to the caller
+  CallState state = CallState::Idle;  ///< decides what each event does
+  bool admin_mode = false;            ///< the caller keyed the password
+  bool message_left = false;          ///< a recording was made, even if it could not be stored
+  bool remote_playback = false;       ///< messages are being played to the caller
   bool sent_to_application = false;
 
   std::string caller_name = kUnknownCaller;

@@ -282,7 +282,7 @@ bool CallFiling::ACallHas(const std::string& message) const {
     return entry.second.call.record == 0 && has_it(entry.second.call);
   };
   if (std::ranges::any_of(entries_, waits_with_it)) return true;
-  if (ports_.current.in_progress && has_it(ports_.current)) return true;
+  if (ports_.current.InProgress() && has_it(ports_.current)) return true;
   if (ports_.DataBase1.CountRecords(kCallMassageName, message) == 0) return false;
   return std::ranges::count(MessageNames(), message) > 0;
 }

@@ -30,24 +30,24 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                      [this] { return SelectionTaken(); }}),
       status(views.line),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
-      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, progress, line, open_calls},
+      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, line, open_calls},
       control(context),
       caller_view(ports.loop, views.caller_view,
                   {.answer =
                        [this] {
-                         if (call.in_progress) control.AnswerToCall(context.Line(), 0, true);
+                         if (call.InProgress()) control.AnswerToCall(context.Line(), 0, true);
                        },
                    .drop =
                        [this] {
-                         if (call.in_progress) control.DropInComeCall();
+                         if (call.InProgress()) control.DropInComeCall();
                        },
                    .do_nothing =
                        [this] {
-                         if (call.in_progress) control.DoNothing();
+                         if (call.InProgress()) log.WriteSystem("DoNothing" + LineTag(context.Line()));
                        }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
-      microphone({ports.Wave1, log, shared, [this] { return call.in_progress && context.Connected(); }}),
+      microphone({ports.Wave1, log, shared, [this] { return call.InProgress() && context.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, folders, microphone}, context, control),
       remote(context, control, recorder, ListView1, folders, status),
       after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, shared,
@@ -112,7 +112,7 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
-  const auto state = progress.State();
+  const auto state = call.state;
   const bool heard =
       state == CallState::Greeting || state == CallState::Beep || state == CallState::Recording;
   if (!heard) return std::nullopt;
@@ -121,7 +121,7 @@ std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
 
 /// While the owner listens by telephone, the selection shows which message is playing.
 bool AnsweringMachine::SelectionTaken() {
-  if (!call.in_progress || !call.remote_playback) return false;
+  if (!call.InProgress() || !call.remote_playback) return false;
   status.ShowStatus("Messages are played to the telephone: the selection stays on them");
   return true;
 }

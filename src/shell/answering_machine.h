@@ -71,7 +71,6 @@ class AnsweringMachine {
   Settings settings;
   bool window_hidden = false;  ///< the main window is hidden in the tray
   Call call;
-  CallProgress progress;
 
   LogFiles log;
   SettingsStore store;
@@ -92,7 +91,7 @@ class AnsweringMachine {
   LineManager line;
   CallContext context;
   CallControl control;
-  SlidingCallerView caller_view;
+  CallerView caller_view;
   ActionsEngine actions;
   MicrophoneTake microphone;
   Recorder recorder;

@@ -108,13 +108,6 @@ void frmMain::AttachToolbars() {
     Toolbar1_->Find("OnOff")->defaultAction()->setChecked(
         line_on_);  // the button shows the line's state, not what was clicked
   });
-  const std::pair<const char*, Dialog> dialogs[] = {{"Log", Dialog::frmLog},
-                                                    {"Events", Dialog::frmEvents},
-                                                    {"Actions", Dialog::frmActions},
-                                                    {"Options", Dialog::frmOptions}};
-  for (const auto& [key, dialog] : dialogs) {
-    Toolbar1_->Find(key)->defaultAction()->setEnabled(engine_->Commands().Offers(dialog));
-  }
 }
 
 /// Disables the list's commands while the list is empty.
@@ -153,7 +146,6 @@ void frmMain::AttachPlayer() {
 void frmMain::AttachQuickOptions() {
   connect(TBQuickOption_, &ButtonBar::ButtonClick, this,
           [this](const QString& key) { engine_->Commands().TBQuickOption_ButtonClick(key.toStdString()); });
-  TBQuickOption_->Find("Add")->defaultAction()->setEnabled(engine_->Commands().Offers(Dialog::frmGreetC));
   auto& options = engine_->Machine().quick_options;
   connect(TBQuickOption_, &QuickOptionBar::GreetingChosen, this,
           [&options](const QString& name) { options.SetGreeting(name.toStdString()); });

@@ -205,12 +205,9 @@ void MainMenus::AttachDialogs(MainCommands& commands) {
                {"mnuAplication", Dialog::frmActions, 1},   {"mnuGeneral", Dialog::frmOptions, 0},
                {"mnuDevices", Dialog::frmOptions, 1},      {"mnuAnswerMode", Dialog::frmOptions, 2},
                {"mnuAdvance", Dialog::frmOptions, 3},      {"mnuAbout", Dialog::frmAbout, 0}};
-  for (const auto& item : kTabs) {
+  for (const auto& item : kTabs)
     On(item.name, [&commands, item] { commands.OpenDialog(item.dialog, item.tab); });
-    Find(item.name)->setEnabled(commands.Offers(item.dialog));
-  }
   On("mnuGreetingCreator", [&commands] { commands.DisplayGreetingCreator(); });
-  Find("mnuGreetingCreator")->setEnabled(commands.Offers(Dialog::frmGreetC));
 }
 
 void MainMenus::AttachList(ListCommands& list) {

@@ -92,10 +92,7 @@ void MainCommands::DisplayGreetingCreator() {
 }
 
 void MainCommands::OpenDialog(Dialog dialog, int tab) {
-  const auto trap = ErrorTrap::Silent();
-  trap([&] {
-    if (Offers(dialog)) parts_.dialogs.Open(dialog, tab);
-  });
+  ErrorTrap::Silent()([&] { parts_.dialogs.Open(dialog, tab); });
 }
 
 void MainCommands::ShowPage(const std::string& page) {

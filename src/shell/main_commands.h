@@ -6,6 +6,7 @@
 
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
+#include "notify/desk_sounds.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
 #include "platform/shell.h"
@@ -23,9 +24,6 @@ enum class Dialog { frmLog, frmEvents, frmActions, frmOptions, frmGreetC, frmAbo
 class DialogFactory {
  public:
   virtual ~DialogFactory() = default;
-
-  /// Whether this program has the dialog. Commands for a missing one are disabled.
-  virtual bool Offers(Dialog dialog) const = 0;
 
   /// Opens it on the tab with this 0-based index; dialogs without tabs ignore it.
   virtual void Open(Dialog dialog, int tab) = 0;
@@ -55,7 +53,7 @@ class QuickOptions {
 /// What the buttons of the quick-option toolbar do with greetings. User-interface thread.
 class GreetingCommands {
  public:
-  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, EventSounds& sounds,
+  GreetingCommands(const GreetingLibrary& library, MessagePlayer& player, DeskSounds& sounds,
                    QuickOptionBoxes& boxes, Files& files, LineView& status)
       : library_(library), player_(player), sounds_(sounds), boxes_(boxes), files_(files), status_(status) {}
 
@@ -78,7 +76,7 @@ class GreetingCommands {
 
   const GreetingLibrary& library_;
   MessagePlayer& player_;
-  EventSounds& sounds_;
+  DeskSounds& sounds_;
   QuickOptionBoxes& boxes_;
   Files& files_;
   LineView& status_;
@@ -122,7 +120,6 @@ class MainCommands {
 
   /// Opens a dialog on one of its tabs.
   void OpenDialog(Dialog dialog, int tab = 0);
-  bool Offers(Dialog dialog) const { return parts_.dialogs.Offers(dialog); }
 
   /// Opens a page of the guide in the desktop's browser; a box says so when it does not exist.
   void ShowPage(const std::string& page);

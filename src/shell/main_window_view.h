@@ -7,9 +7,9 @@
 
 #include "core/settings_store.h"
 #include "notify/caller_view.h"
+#include "notify/status_panel.h"
 #include "records/call_list.h"
 #include "records/local_player.h"
-#include "telephony/call_effects.h"
 
 namespace orven {
 

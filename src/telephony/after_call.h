@@ -3,18 +3,21 @@
 
 #include <functional>
 
+#include "actions/actions_engine.h"
+#include "notify/caller_view.h"
+#include "notify/desk_sounds.h"
+#include "notify/tray_icon.h"
 #include "records/call_filing.h"
 #include "records/call_list.h"
-#include "telephony/call_effects.h"
 
 namespace orven {
 
 /// What a call triggers apart from the telephone.
 struct CallEffects {
   CallerView& caller_view;
-  EventSounds& sounds;
-  TrayBlinker& tray;
-  CallActions& actions;
+  DeskSounds& sounds;
+  TrayIcon& tray;
+  ActionsEngine& actions;
 };
 
 /// Announces a call when it comes in, and files and announces it when it is over. User-interface thread.

@@ -13,38 +13,7 @@
 
 namespace orven {
 
-/// The state of the line's one call.
-enum class CallState {
-  Idle,       ///< monitoring, no call
-  Offered,    ///< ringing
-  Answering,  ///< a request to answer was accepted
-  Greeting,
-  Beep,
-  Recording,
-  Recorded,       ///< the message has reached its longest length, the caller is still there
-  Administrator,  ///< the caller keyed the password
-  Disconnected,   ///< the caller hung up
-};
-
-const char* NameOf(CallState state);
-
-/// The state of the current call. It detects impossible transitions; what a handler may do is decided by the
-/// call's flags.
-class CallProgress {
- public:
-  CallState State() const { return state_; }
-
-  /// Goes to `next`, even by an impossible transition; then throws RuntimeError 5 with both states.
-  void Enter(CallState next);
-
- private:
-  CallState state_ = CallState::Idle;
-};
-
-/// Whether a call can go from one state to the other.
-bool IsLegal(CallState from, CallState to);
-
-/// Shared by the classes that handle the call: the call, its state, the settings, the line and its two
+/// Shared by the classes that handle the call: the call, the settings, the line and its two
 /// controls, the open calls. Owned by the main window; none of them outlives it.
 struct CallContext {
   TelephonyControl& Tapi1;
@@ -53,7 +22,6 @@ struct CallContext {
   const Settings& settings;
   const SharedOptions& shared;
   Call& call;
-  CallProgress& progress;
   LineManager& line;
   OpenCalls& open_calls;
 

@@ -9,7 +9,7 @@ void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool 
   const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
   trap([&] {
     if (context_.Tapi1.IsCallConnected(line)) return;
-    const bool due = ring_count >= context_.settings.NumOfRing && !context_.call.answering;
+    const bool due = ring_count >= context_.settings.NumOfRing && !context_.call.Answering();
     if (!force && !due) return;
     const auto request = RequestAnswer();
     if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
@@ -22,9 +22,7 @@ std::int32_t CallControl::RequestAnswer() {
   const auto request = context_.Tapi1.LineAnswer(context_.Line());
   if (request > 0) {
     answer_request_ = request;
-    context_.call.answering = true;
-    if (context_.progress.State() == CallState::Offered)
-      context_.Enter(CallState::Answering, "ErrAnswerToCall ");
+    if (context_.call.state == CallState::Offered) context_.Enter(CallState::Answering, "ErrAnswerToCall ");
   }
   return request;
 }
@@ -38,9 +36,8 @@ void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t res
   }
   context_.log.WriteSystem(step + context_.Tapi1.ErrorText(result));
   // Only a failure of the current answer allows another try; a late one belongs to an earlier call.
-  if (request != answer_request_) return;
-  context_.call.answering = false;
-  if (context_.progress.State() == CallState::Answering) context_.Enter(CallState::Offered, "ErrTapiProc ");
+  if (request == answer_request_ && context_.call.state == CallState::Answering)
+    context_.Enter(CallState::Offered, "ErrTapiProc ");
 }
 
 void CallControl::HangUp() const {
@@ -65,11 +62,6 @@ void CallControl::DropInComeCall() {
     context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
   });
   trap([&] { HangUp(); });
-}
-
-void CallControl::DoNothing() {
-  context_.call.do_nothing = true;
-  context_.log.WriteSystem("DoNothing" + LineTag(context_.Line()));
 }
 
 }  // namespace orven

@@ -26,9 +26,6 @@ class CallControl {
   /// up. What plays on the line ends. The main window's drop command.
   void DropInComeCall();
 
-  /// The user lets the offered call ring on: it is answered according to the settings.
-  void DoNothing();
-
  private:
   /// Requests the answer and records that it is in progress.
   std::int32_t RequestAnswer();

@@ -14,14 +14,14 @@ void CallSequence::Handle(const LineEvent& event) {
     case Kind::CallerID: return CallerID(line, event.name, event.text);
     case Kind::Proc: return parts_.control.Proc(line, event.number, event.result);
     case Kind::Connected:
-      if (context_.call.in_progress) Connected(line);
+      if (context_.call.InProgress()) Connected(line);
       return;
     case Kind::MonitorDigit: return parts_.remote.MonitorDigit(line, event.digit);
     case Kind::Disconnected:
-      if (context_.call.in_progress) Disconnected(line);
+      if (context_.call.InProgress()) Disconnected(line);
       return;
     case Kind::Idle:
-      if (context_.call.in_progress) Idle(line);
+      if (context_.call.InProgress()) Idle(line);
       return;
     case Kind::Trouble: return context_.line.Trouble(line, event.text);
   }
@@ -35,7 +35,9 @@ void CallSequence::InCommingCall(std::int32_t line) {
     const auto now = parts_.clock.Now();
     const auto date = parts_.clock.DateText(now);
     const auto time = parts_.clock.TimeText(now);
+    const auto before = context_.call.state;
     context_.call = Call::Offered(++calls_, date, time, MessageFileName(date, time));
+    context_.call.state = before;  // so that Enter sees an impossible step
   });
   context_.open_calls.Begin(context_.call);
   context_.Enter(CallState::Offered, "ErrTapiInComeCall ");
@@ -92,14 +94,11 @@ void CallSequence::Disconnected(std::int32_t line) {
 
 void CallSequence::Idle(std::int32_t line) {
   auto& call = context_.call;
-  call.in_progress = false;
+  context_.Enter(CallState::Idle, "ErrTapiIdle ");
   context_.log.WriteSystem("Idle" + LineTag(line));
   const ErrorTrap trap(context_.log, "ErrTapiIdle ");
   trap([&] { context_.Wave1.StopPlay(); });
   trap([&] { parts_.recorder.EndOfCall(); });
-  call.answering = false;
-  context_.Enter(CallState::Idle, "ErrTapiIdle ");
-  call.sent_to_application = false;
   if (!call.admin_mode) {
     parts_.after_call.Finish(call);
   } else if (parts_.caller_view.IsOpen()) {
@@ -117,7 +116,6 @@ std::int32_t CallSequence::PlayOnLine(const std::string& path) {
 }
 
 void CallSequence::PlayGreeting() {
-  context_.call.greeting_playing = true;
   context_.Enter(CallState::Greeting, "ErrTapiConnected ");
   const auto result =
       PlayOnLine(context_.shared.InApplicationFolder("\\Greets\\") + context_.settings.Greeting + ".wav");
@@ -127,28 +125,22 @@ void CallSequence::PlayGreeting() {
 }
 
 void CallSequence::PlayFinished() {
-  auto& call = context_.call;
   const ErrorTrap trap(context_.log, "ErrLineWaveDonePlay ");
   trap([&] {
-    if (!context_.Connected()) {
-      parts_.control.DropCall();
-    } else if (call.greeting_playing && !call.admin_mode) {
-      PlayBeep();
-    } else if (call.beep_playing && !call.admin_mode) {
-      call.beep_playing = false;
-      parts_.recorder.RecMessage();
-    } else if (call.remote_playback) {
-      parts_.remote.PlayForAdmin();
+    if (!context_.Connected()) return parts_.control.DropCall();
+    switch (context_.call.state) {
+      case CallState::Greeting: return PlayBeep();
+      case CallState::Beep: return parts_.recorder.RecMessage();
+      case CallState::Administrator: return parts_.remote.PlayForAdmin();
+      default: return;
     }
   });
 }
 
 void CallSequence::PlayBeep() {
-  context_.call.greeting_playing = false;
   context_.Enter(CallState::Beep, "ErrLineWaveDonePlay ");
   const auto result = PlayOnLine(context_.shared.InApplicationFolder("\\beep.wav"));
   context_.log.WriteSystem("Play Beep " + context_.Wave1.PlayErrorText(result));
-  context_.call.beep_playing = true;
   if (result != kWaveOk) PlayFinished();
 }
 

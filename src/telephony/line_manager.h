@@ -9,9 +9,9 @@
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "notify/status_panel.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
-#include "telephony/call_effects.h"
 #include "telephony/telephony_control.h"
 
 namespace orven {

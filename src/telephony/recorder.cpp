@@ -54,7 +54,7 @@ void Recorder::RecMessage() {
                     lifeline_.Bind([this, serial = context_.call.serial] {
                       // The caller may have hung up, keyed the password, or called again meanwhile.
                       const auto& call = context_.call;
-                      if (call.serial != serial || !call.in_progress || call.admin_mode) return;
+                      if (call.serial != serial || !call.InProgress() || call.admin_mode) return;
                       if (context_.Connected()) StartAfterWait();
                     }));
 }
@@ -138,8 +138,7 @@ void Recorder::StopRecMessage() {
   call.message_left = true;
   tmrSilence->Stop();
   call.silence_milliseconds = 0;
-  if (context_.progress.State() == CallState::Recording)
-    context_.Enter(CallState::Recorded, "ErrStopRecMessage ");
+  if (call.state == CallState::Recording) context_.Enter(CallState::Recorded, "ErrStopRecMessage ");
   context_.open_calls.Note(call);
 }
 

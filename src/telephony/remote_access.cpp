@@ -22,8 +22,6 @@ void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
 
 void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   auto& call = context_.call;
-  call.beep_playing = false;
-  call.greeting_playing = false;
   NameUnfiledMessage(line);
   call.admin_mode = true;
   context_.open_calls.LeaveOut(call);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "notify/status_panel.h"
 #include "records/call_list.h"
 #include "records/message_files.h"
 #include "telephony/call_control.h"
-#include "telephony/call_effects.h"
 #include "telephony/recorder.h"
 
 namespace orven {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QComboBox>
 #include <QLabel>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace orven {
 
@@ -16,6 +19,12 @@ Object* MakeChild(Arguments&&... arguments) {
 /// Keeps the mouse wheel from changing a list or a slider that does not have the focus, so that scrolling
 /// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);
+
+/// Makes `items` the entries of a list and selects one of them; none when there is no such entry.
+void FillList(QComboBox& list, const std::vector<std::string>& items, const std::string& selected = {});
+
+/// The entries of a list.
+std::vector<std::string> ListItems(const QComboBox& list);
 
 /// A label for one line of text of any length. Text that does not fit is shrunk, then elided; the whole text
 /// is shown as a tool tip. text() is always the whole text.

@@ -49,7 +49,7 @@ void Promises::Expect(bool kept, const std::string& promise) {
 
 void Promises::Restart(const Step& step) {
   const auto call = world_.CurrentCall();
-  const bool interrupted = call.in_progress && !world_.ended;
+  const bool interrupted = call.InProgress() && !world_.ended;
   const int most = interrupted && !call.admin_mode ? 1 : 0;
   // Only the recovery knows whether a message had begun.
   const int least = world_.Machine().settings.ListMessageOnly == 0 ? most : 0;
@@ -104,8 +104,7 @@ void Promises::CheckQuiet() {
          "nothing but the microphone records after a call");
   Expect(!world_.Wave1.IsPlaying(), "nothing plays on the line after a call");
   Expect(!world_.Tapi1->IsCallConnected(0), "no call is connected after a call");
-  Expect(!machine.call.in_progress && !machine.call.answering, "the call's flags are clear");
-  Expect(machine.progress.State() == CallState::Idle, "the call's state is idle");
+  Expect(machine.call.state == CallState::Idle, "the call's state is idle");
 }
 
 void Promises::CheckFiling(int filed, bool message_only, bool could_be) {
@@ -269,8 +268,9 @@ void Promises::Handle(const LineEvent& event) {
     if (hung_up && world_.line->IsAnswered()) Expect(!world_.Wave1.IsPlaying(), "hanging up ends every play");
   }
   if (event.kind == Kind::Ring) {
-    Expect(event.number < world_.Machine().settings.NumOfRing || world_.CurrentCall().answering || answered(),
-           "a call is answered at the configured ring, whatever was clicked");
+    Expect(
+        event.number < world_.Machine().settings.NumOfRing || world_.CurrentCall().Answering() || answered(),
+        "a call is answered at the configured ring, whatever was clicked");
   }
 }
 

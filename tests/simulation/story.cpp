@@ -76,7 +76,7 @@ void ClickRow(World& world, int row, void (ListCommands::*click)(std::int32_t)) 
 }
 
 /// Clicks in the caller view if it is open.
-void ClickView(World& world, void (SlidingCallerView::*click)()) {
+void ClickView(World& world, void (CallerView::*click)()) {
   auto& view = world.Machine().caller_view;
   if (view.IsOpen()) (view.*click)();
 }
@@ -120,10 +120,10 @@ constexpr Event kMeanwhile[] = {
     {8, 1, "hide", [](World& world, int) { world.window->Hide(); }},
     {8, 1, "open", [](World& world, int) { world.window->Open(); }},
     {8, 1, "tray", [](World& world, int) { world.window->TrayMouseMove(514 * 15, 15); }},
-    {4, 1, "view: answer", [](World& world, int) { ClickView(world, &SlidingCallerView::AnswerNow); }},
-    {4, 1, "view: drop", [](World& world, int) { ClickView(world, &SlidingCallerView::Drop); }},
-    {4, 1, "view: ignore", [](World& world, int) { ClickView(world, &SlidingCallerView::DoNothing); }},
-    {4, 1, "view: close", [](World& world, int) { ClickView(world, &SlidingCallerView::Close); }},
+    {4, 1, "view: answer", [](World& world, int) { ClickView(world, &CallerView::AnswerNow); }},
+    {4, 1, "view: drop", [](World& world, int) { ClickView(world, &CallerView::Drop); }},
+    {4, 1, "view: ignore", [](World& world, int) { ClickView(world, &CallerView::DoNothing); }},
+    {4, 1, "view: close", [](World& world, int) { ClickView(world, &CallerView::Close); }},
     {4, 1, "take begins",
      [](World& world, int) {
        if (!world.Machine().microphone.Busy()) world.Machine().microphone.Start(0);

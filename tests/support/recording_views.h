@@ -265,7 +265,6 @@ class PostedBackground : public Background {
 class RecordingDialogFactory : public DialogFactory {
  public:
   std::vector<std::pair<Dialog, int>> opened;
-  bool Offers(Dialog dialog) const override { return dialog != Dialog::frmAbout; }
   void Open(Dialog dialog, int tab) override { opened.emplace_back(dialog, tab); }
 };
 

@@ -62,7 +62,7 @@ QList<QPixmap> Events(Desk& desk) {
 }
 
 QList<QPixmap> Actions(Desk& desk) {
-  ActionsDialog dialog({desk.registry, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
+  ActionsDialog dialog({desk.Machine().store, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
   QList<QPixmap> pictures;
   for (int tab = 0; tab < 2; ++tab) {
     frmActions window(dialog, tab, nullptr);

@@ -59,20 +59,13 @@ void ProgramDialogs::Attach(AnsweringMachine& machine, QWidget& window) {
   window_ = &window;
 }
 
-bool ProgramDialogs::Offers(Dialog dialog) const {
-  return dialog == Dialog::frmEvents || dialog == Dialog::frmActions || dialog == Dialog::frmGreetC ||
-         dialog == Dialog::frmLog || dialog == Dialog::frmOptions || dialog == Dialog::frmAbout;
-}
-
 void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmEvents) OpenEvents(tab);
   if (dialog == Dialog::frmActions) OpenActions(tab);
   if (dialog == Dialog::frmGreetC) OpenGreetingCreator();
   if (dialog == Dialog::frmLog) OpenLog();
   if (dialog == Dialog::frmOptions) OpenOptions(tab);
-  if (dialog == Dialog::frmAbout) {
-    frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
-  }
+  if (dialog == Dialog::frmAbout) frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
 }
 
 void ProgramDialogs::OpenEvents(int tab) {
@@ -136,7 +129,7 @@ void ProgramDialogs::OpenLog() {
 
 void ProgramDialogs::OpenActions(int tab) {
   auto& machine = *machine_;
-  ActionsDialog engine({ports_.registry, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
+  ActionsDialog engine({machine.store, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
                         [&machine] { machine.store.GetMainAction(); }});
   frmActions(engine, tab, window_).exec();
 }

@@ -30,7 +30,6 @@ class ProgramDialogs : public DialogFactory {
   /// Opens the dialog of the telephone lines, on top of the options dialog `parent`.
   void OpenLines(QWidget* parent);
 
-  bool Offers(Dialog dialog) const override;
   void Open(Dialog dialog, int tab) override;
 
  private:

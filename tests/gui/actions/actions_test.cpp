@@ -26,7 +26,7 @@ class ActionsWindow : public WindowTest {
 
   int saved = 0;
   ActionsDialog dialog{
-      {world.registry, world.Machine().log, world.dialogs, world.shell, world.time, [this] { ++saved; }}};
+      {world.Machine().store, world.Machine().log, world.dialogs, world.shell, world.time, [this] { ++saved; }}};
   std::unique_ptr<frmActions> window;
 };
 

@@ -39,7 +39,7 @@ class CallerViewTest : public testing::Test, public World {
   }
 
   RecordingCallerView& shown = views.caller_view;
-  SlidingCallerView& view = Machine().caller_view;
+  CallerView& view = Machine().caller_view;
 };
 
 TEST_F(CallerViewTest, SlidesReversesOrOpensAtOnceAndClosesOnAClickOrOneTickAfterTheLimit) {

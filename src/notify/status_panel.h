@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orven {
+
+/// What the telephone line shows on the main window.
+class LineView {
+ public:
+  virtual ~LineView() = default;
+  /// First panel of the status bar.
+  virtual void ShowStatus(const std::string& text) = 0;
+  /// Shows the on/off button, and enables `mnuOn` or `mnuOff` to match. `trying`: the line is off and is
+  /// opened as soon as possible; both are enabled then.
+  virtual void ShowLine(bool on, bool trying) = 0;
+};
+
+/// The first panel of the status bar. It counts the texts, so that a writer can check that its text is still
+/// shown before clearing it. User-interface thread.
+class StatusPanel : public LineView {
+ public:
+  explicit StatusPanel(LineView& view) : view_(view) {}
+
+  void ShowStatus(const std::string& text) override {
+    ++writings_;
+    view_.ShowStatus(text);
+  }
+  void ShowLine(bool on, bool trying) override { view_.ShowLine(on, trying); }
+
+  std::uint64_t Writings() const { return writings_; }
+
+ private:
+  LineView& view_;
+  std::uint64_t writings_ = 0;
+};
+
+}  // namespace orven
