@@ -30,12 +30,11 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                      [this] { return SelectionTaken(); }}),
       status(views.line),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
-      context{ports.Tapi1, ports.Wave1, log, settings, shared, call, line, open_calls},
-      control(context),
+      control({ports.Tapi1, ports.Wave1, log, settings, shared, call, line, open_calls}),
       caller_view(ports.loop, views.caller_view,
                   {.answer =
                        [this] {
-                         if (call.InProgress()) control.AnswerToCall(context.Line(), 0, true);
+                         if (call.InProgress()) control.AnswerToCall(control.Line(), 0, true);
                        },
                    .drop =
                        [this] {
@@ -43,16 +42,16 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                        },
                    .do_nothing =
                        [this] {
-                         if (call.InProgress()) log.WriteSystem("DoNothing" + LineTag(context.Line()));
+                         if (call.InProgress()) log.WriteSystem("DoNothing" + LineTag(control.Line()));
                        }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
-      microphone({ports.Wave1, log, shared, [this] { return call.InProgress() && context.Connected(); }}),
-      recorder({ports.clock, ports.loop, ports.files, folders, microphone}, context, control),
-      remote(context, control, recorder, ListView1, folders, status),
+      microphone({ports.Wave1, log, shared, [this] { return call.InProgress() && control.Connected(); }}),
+      recorder({ports.clock, ports.loop, ports.files, folders, microphone}, control),
+      remote(control, recorder, ListView1, folders, status),
       after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, shared,
                  [this] { return window_hidden; }),
-      sequence(context, {control, recorder, remote, after_call, status, caller_view, ports.clock}),
+      sequence(control, {recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
       views_(views) {
   ports_.Tapi1.SetEvents([this](const LineEvent& event) { sequence.Handle(event); });

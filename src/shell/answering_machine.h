@@ -89,7 +89,6 @@ class AnsweringMachine {
   ListCommands list_commands;
   StatusPanel status;
   LineManager line;
-  CallContext context;
   CallControl control;
   CallerView caller_view;
   ActionsEngine actions;

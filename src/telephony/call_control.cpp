@@ -1,65 +1,69 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/call_control.h"
 
+#include <utility>
+
+#include "base/runtime_error.h"
 #include "core/error_trap.h"
 
 namespace orven {
 
-void CallControl::AnswerToCall(std::int32_t line, std::int32_t ring_count, bool force) {
-  const ErrorTrap trap(context_.log, "ErrAnswerToCall ");
+void CallControl::Enter(CallState next, const char* label) {
+  const auto from = std::exchange(call.state, next);
+  if (IsLegal(from, next)) return;
+  const ErrorTrap trap(log, label);
   trap([&] {
-    if (context_.Tapi1.IsCallConnected(line)) return;
-    const bool due = ring_count >= context_.settings.NumOfRing && !context_.call.Answering();
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                       std::string("a call went from ") + NameOf(from) + " to " + NameOf(next));
+  });
+}
+
+void CallControl::AnswerToCall(std::int32_t index, std::int32_t ring_count, bool force) {
+  const ErrorTrap trap(log, "ErrAnswerToCall ");
+  trap([&] {
+    if (Tapi1.IsCallConnected(index)) return;
+    const bool due = ring_count >= settings.NumOfRing && !call.Answering();
     if (!force && !due) return;
     const auto request = RequestAnswer();
-    if (request > 0) context_.call.ring_count_text = std::to_string(ring_count);
-    context_.log.WriteSystem("LineAnswer" + LineTag(context_.Line()) +
-                             "->Proc Num: " + std::to_string(request));
+    if (request > 0) call.ring_count_text = std::to_string(ring_count);
+    log.WriteSystem("LineAnswer" + LineTag(Line()) + "->Proc Num: " + std::to_string(request));
   });
 }
 
 std::int32_t CallControl::RequestAnswer() {
-  const auto request = context_.Tapi1.LineAnswer(context_.Line());
+  const auto request = Tapi1.LineAnswer(Line());
   if (request > 0) {
     answer_request_ = request;
-    if (context_.call.state == CallState::Offered) context_.Enter(CallState::Answering, "ErrAnswerToCall ");
+    if (call.state == CallState::Offered) Enter(CallState::Answering, "ErrAnswerToCall ");
   }
   return request;
 }
 
-void CallControl::Proc(std::int32_t line, std::int32_t request, std::int32_t result) {
-  const auto step = "Proc" + LineTag(line) + "->" + std::to_string(request) + " ";
-  context_.log.WriteSystem(step + std::to_string(result));
-  if (request == result) {
-    context_.log.WriteSystem(step + "Success.");
-    return;
-  }
-  context_.log.WriteSystem(step + context_.Tapi1.ErrorText(result));
-  // Only a failure of the current answer allows another try; a late one belongs to an earlier call.
-  if (request == answer_request_ && context_.call.state == CallState::Answering)
-    context_.Enter(CallState::Offered, "ErrTapiProc ");
+void CallControl::RequestFailed(std::int32_t request) {
+  if (request == answer_request_ && call.state == CallState::Answering)
+    Enter(CallState::Offered, "ErrTapiProc ");
 }
 
 void CallControl::HangUp() const {
-  context_.Wave1.StopPlay();
-  const auto line = context_.Line();
-  const auto result = context_.Tapi1.LineDrop(line);
-  context_.log.WriteSystem("LineDrop" + LineTag(line) + "->Proc Num: " + context_.Tapi1.ErrorText(result));
+  Wave1.StopPlay();
+  const auto index = Line();
+  const auto result = Tapi1.LineDrop(index);
+  log.WriteSystem("LineDrop" + LineTag(index) + "->Proc Num: " + Tapi1.ErrorText(result));
 }
 
 void CallControl::DropCall() {
   HangUp();
-  context_.line.ShowMonitoring();
+  line.ShowMonitoring();
 }
 
 void CallControl::DropInComeCall() {
-  const auto line = context_.Line();
-  context_.log.WriteSystem("DropChice" + LineTag(line));
-  const ErrorTrap trap(context_.log, "ErrDropInComeCall ");
+  const auto index = Line();
+  log.WriteSystem("DropChice" + LineTag(index));
+  const ErrorTrap trap(log, "ErrDropInComeCall ");
   trap([&] {
-    if (context_.Tapi1.IsCallConnected(line)) return;
+    if (Tapi1.IsCallConnected(index)) return;
     const auto result = RequestAnswer();
-    context_.log.WriteSystem("LineAnswer" + LineTag(line) + "->" + context_.Tapi1.ErrorText(result));
+    log.WriteSystem("LineAnswer" + LineTag(index) + "->" + Tapi1.ErrorText(result));
   });
   trap([&] { HangUp(); });
 }

@@ -18,7 +18,6 @@ namespace orven {
 class CallSequence : public WaveEvents {
  public:
   struct Parts {
-    CallControl& control;
     Recorder& recorder;
     RemoteAccess& remote;
     AfterCall& after_call;
@@ -27,7 +26,7 @@ class CallSequence : public WaveEvents {
     Clock& clock;
   };
 
-  CallSequence(CallContext& context, Parts parts) : context_(context), parts_(parts) {}
+  CallSequence(CallControl& control, Parts parts) : control_(control), parts_(parts) {}
 
   /// An event of the telephony control.
   void Handle(const LineEvent& event);
@@ -39,6 +38,7 @@ class CallSequence : public WaveEvents {
   void InCommingCall(std::int32_t line);
   void Ring(std::int32_t line, std::int32_t count);
   void CallerID(std::int32_t line, const std::string& name, const std::string& number);
+  void Proc(std::int32_t line, std::int32_t request, std::int32_t result);
   void Connected(std::int32_t line);
   void Disconnected(std::int32_t line);
   void Idle(std::int32_t line);
@@ -47,7 +47,7 @@ class CallSequence : public WaveEvents {
   std::int32_t PlayOnLine(const std::string& path);
   void UpdateCallerView(const std::string& status);
 
-  CallContext& context_;
+  CallControl& control_;
   Parts parts_;
   std::uint32_t calls_ = 0;
 };

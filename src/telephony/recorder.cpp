@@ -37,42 +37,41 @@ std::chrono::milliseconds TenthsWait(std::chrono::milliseconds now, int tenths) 
 
 }  // namespace
 
-Recorder::Recorder(Ports ports, CallContext& context, CallControl& control)
+Recorder::Recorder(Ports ports, CallControl& control)
     : ports_(ports),
-      context_(context),
       control_(control),
       tmrSilence(ports.loop.MakeTimer([this] { SilenceTick(); })),
       TimerRecord(ports.loop.MakeTimer([this] { RecordTick(); })) {}
 
 std::int32_t Recorder::WaveIn() const {
-  return context_.Tapi1.GetWaveDeviceId(context_.Line(), kWaveInDirection);
+  return control_.Tapi1.GetWaveDeviceId(control_.Line(), kWaveInDirection);
 }
 
 void Recorder::RecMessage() {
-  if (context_.settings.RecordMessage == 0 || context_.call.admin_mode) return control_.DropCall();
+  if (control_.settings.RecordMessage == 0 || control_.call.admin_mode) return control_.DropCall();
   ports_.loop.After(TenthsWait(ports_.clock.Uptime(), kPauseTenths),
-                    lifeline_.Bind([this, serial = context_.call.serial] {
+                    lifeline_.Bind([this, serial = control_.call.serial] {
                       // The caller may have hung up, keyed the password, or called again meanwhile.
-                      const auto& call = context_.call;
+                      const auto& call = control_.call;
                       if (call.serial != serial || !call.InProgress() || call.admin_mode) return;
-                      if (context_.Connected()) StartAfterWait();
+                      if (control_.Connected()) StartAfterWait();
                     }));
 }
 
 void Recorder::StartAfterWait() {
   MakeReady();
   const auto folder = FolderPart(ports_.folders.Serving());
-  context_.Wave1.SetRecordFolder(folder);
-  const auto name = RecordingName(context_.call.message_file_name, ports_.clock);
-  context_.Wave1.SetRecordName(name);
-  context_.call.recording_folder = folder;
-  context_.call.recording = name;
+  control_.Wave1.SetRecordFolder(folder);
+  const auto name = RecordingName(control_.call.message_file_name, ports_.clock);
+  control_.Wave1.SetRecordName(name);
+  control_.call.recording_folder = folder;
+  control_.call.recording = name;
   // Before the file exists, so that each file has its open call.
-  context_.open_calls.Note(context_.call);
-  const ErrorTrap trap(context_.log, "ErrRecMessage ");
+  control_.open_calls.Note(control_.call);
+  const ErrorTrap trap(control_.log, "ErrRecMessage ");
   bool refused = false;
   trap([&] {
-    if (context_.settings.CompressMessages != 0) {
+    if (control_.settings.CompressMessages != 0) {
       StartMuLaw();
     } else {
       refused = !StartPcm();
@@ -80,36 +79,36 @@ void Recorder::StartAfterWait() {
   });
   if (refused) return;
   TimerRecord->Start(kRecordInterval);
-  if (context_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
-  context_.Enter(CallState::Recording, "ErrRecMessage ");
+  if (control_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
+  control_.Enter(CallState::Recording, "ErrRecMessage ");
 }
 
 bool Recorder::StartPcm() {
-  auto& wave = context_.Wave1;
+  auto& wave = control_.Wave1;
   auto result = wave.QueryRecordFormat(WaveIn(), kQueryForRecording, kPcm);
   if (result != kWaveOk) {
-    context_.log.WriteSystem(FormatLine("Cap Error Rec Message", kPcm, result));
+    control_.log.WriteSystem(FormatLine("Cap Error Rec Message", kPcm, result));
     control_.DropCall();
     return false;
   }
   result = wave.StartRecord(WaveIn(), kPcm);
   const auto line = FormatLine("Start Record Message", kPcm, result);
-  if (result != kWaveOk) context_.log.WriteSystem(line);  // a failed start is logged twice
-  context_.log.WriteSystem(line);
+  if (result != kWaveOk) control_.log.WriteSystem(line);  // a failed start is logged twice
+  control_.log.WriteSystem(line);
   StartPreScreen(kPcm);
   return true;
 }
 
 void Recorder::StartMuLaw() {
-  const auto result = context_.Wave1.StartRecord(WaveIn(), kMuLaw);
-  context_.log.WriteSystem(FormatLine("Start Record Message", kMuLaw, result));
+  const auto result = control_.Wave1.StartRecord(WaveIn(), kMuLaw);
+  control_.log.WriteSystem(FormatLine("Start Record Message", kMuLaw, result));
   StartPreScreen(kMuLaw);
 }
 
 void Recorder::StartPreScreen(const WaveFormat& format) {
-  if (context_.settings.PreScreen == 0) return;
-  const auto result = context_.Wave1.StartMonitor(context_.settings.Sound, format);
-  context_.log.WriteSystem("PreScreen->" + context_.Wave1.RecordErrorText(result));
+  if (control_.settings.PreScreen == 0) return;
+  const auto result = control_.Wave1.StartMonitor(control_.settings.Sound, format);
+  control_.log.WriteSystem("PreScreen->" + control_.Wave1.RecordErrorText(result));
 }
 
 std::string Recorder::FormatLine(const std::string& step, const WaveFormat& format,
@@ -117,41 +116,41 @@ std::string Recorder::FormatLine(const std::string& step, const WaveFormat& form
   // The tag says line index, but it has always carried the wave device's number.
   return step + LineTag(WaveIn()) + " Format:, " + std::to_string(format.tag) + ", " +
          std::to_string(format.channels) + ", " + std::to_string(format.bits_per_sample) + ", " +
-         std::to_string(format.samples_per_second) + "->" + context_.Wave1.RecordErrorText(result);
+         std::to_string(format.samples_per_second) + "->" + control_.Wave1.RecordErrorText(result);
 }
 
 void Recorder::StopRecMessage() {
-  auto& call = context_.call;
-  auto& wave = context_.Wave1;
+  auto& call = control_.call;
+  auto& wave = control_.Wave1;
   call.message_file_name = MessageFileName(call.date, call.time);
   const auto& folder = ports_.folders.Serving();
   auto path = folder + call.message_file_name;
-  const ErrorTrap trap(context_.log, "ErrStopRecMessage ");
+  const ErrorTrap trap(control_.log, "ErrStopRecMessage ");
   trap([&] {
     const auto result = Store(path);
-    context_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
+    control_.log.WriteSystem("Record Message " + wave.RecordErrorText(result));
     call.message_file_name = NameInFolder(path, folder);
     if (result == kWaveOk) call.message_path = path;
   });
-  trap([&] { context_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
+  trap([&] { control_.log.WriteSystem("Close PreScreen" + wave.RecordErrorText(wave.StopMonitor())); });
   TimerRecord->Stop();
   call.message_left = true;
   tmrSilence->Stop();
   call.silence_milliseconds = 0;
-  if (call.state == CallState::Recording) context_.Enter(CallState::Recorded, "ErrStopRecMessage ");
-  context_.open_calls.Note(call);
+  if (call.state == CallState::Recording) control_.Enter(CallState::Recorded, "ErrStopRecMessage ");
+  control_.open_calls.Note(call);
 }
 
 std::int32_t Recorder::Store(std::string& path) {
-  if (ports_.files.Exists(path) || context_.open_calls.IsChosen(path)) {
+  if (ports_.files.Exists(path) || control_.open_calls.IsChosen(path)) {
     const auto name = FileNamePart(path);
     path = FreeNameBeside(ports_.files, ports_.clock, path);
-    context_.log.WriteSystem("Record Message: two calls share the name " + name +
+    control_.log.WriteSystem("Record Message: two calls share the name " + name +
                              ", the newer message becomes " + FileNamePart(path));
   }
-  context_.call.place = path;
-  context_.open_calls.Note(context_.call);
-  return context_.Wave1.StopRecordToFile(path);
+  control_.call.place = path;
+  control_.open_calls.Note(control_.call);
+  return control_.Wave1.StopRecordToFile(path);
 }
 
 void Recorder::EndOfCall() {
@@ -165,25 +164,25 @@ void Recorder::StopTimers() {
 }
 
 void Recorder::SilenceTick() {
-  auto& call = context_.call;
-  if (context_.Wave1.InputLevel() > context_.settings.ValSilence) {
+  auto& call = control_.call;
+  if (control_.Wave1.InputLevel() > control_.settings.ValSilence) {
     call.silence_milliseconds = 0;
     return;
   }
   // Counts ticks, regardless of the real time between them.
   call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
-  if (call.silence_milliseconds < std::int64_t{context_.settings.SecSilence} * 1000) return;
+  if (call.silence_milliseconds < std::int64_t{control_.settings.SecSilence} * 1000) return;
   call.silence_milliseconds = 0;
   if (Recording()) StopRecMessage();
-  if (context_.Connected()) control_.DropCall();
+  if (control_.Connected()) control_.DropCall();
   tmrSilence->Stop();
 }
 
 void Recorder::RecordTick() {
-  auto& call = context_.call;
+  auto& call = control_.call;
   call.record_seconds += 1;
-  if (call.record_seconds < context_.settings.max_record_seconds) return;
-  if (Recording() && context_.Connected()) StopRecMessage();
+  if (call.record_seconds < control_.settings.max_record_seconds) return;
+  if (Recording() && control_.Connected()) StopRecMessage();
   TimerRecord->Stop();
   call.record_seconds = 0;
 }

@@ -25,10 +25,10 @@ class Recorder {
     MicrophoneTake& microphone;  ///< uses the same recorder while no call needs it
   };
 
-  Recorder(Ports ports, CallContext& context, CallControl& control);
+  Recorder(Ports ports, CallControl& control);
 
   /// A message is being recorded.
-  bool Recording() const { return context_.Wave1.IsRecording() && !ports_.microphone.Recording(); }
+  bool Recording() const { return control_.Wave1.IsRecording() && !ports_.microphone.Recording(); }
 
   /// A call was answered: the line takes over the recorder.
   void MakeReady() { ports_.microphone.MakeWay(); }
@@ -62,7 +62,6 @@ class Recorder {
   std::int32_t WaveIn() const;
 
   Ports ports_;
-  CallContext& context_;
   CallControl& control_;
   std::unique_ptr<Timer> tmrSilence;
   std::unique_ptr<Timer> TimerRecord;

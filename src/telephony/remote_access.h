@@ -13,14 +13,9 @@ namespace orven {
 /// call list from its first row to its last. User-interface thread.
 class RemoteAccess {
  public:
-  RemoteAccess(CallContext& context, CallControl& control, Recorder& recorder, CallList& list,
-               const MessageFolders& folders, LineView& view)
-      : context_(context),
-        control_(control),
-        recorder_(recorder),
-        ListView1(list),
-        folders_(folders),
-        view_(view) {}
+  RemoteAccess(CallControl& control, Recorder& recorder, CallList& list, const MessageFolders& folders,
+               LineView& view)
+      : control_(control), recorder_(recorder), ListView1(list), folders_(folders), view_(view) {}
 
   /// A key was pressed on the telephone. Ignored while a message is recorded.
   void MonitorDigit(std::int32_t line, char digit);
@@ -35,7 +30,6 @@ class RemoteAccess {
   bool SelectNextMessage();  ///< false when there is none
   bool PlaySelected();       ///< false when it cannot be played
 
-  CallContext& context_;
   CallControl& control_;
   Recorder& recorder_;
   CallList& ListView1;
