@@ -29,7 +29,12 @@ constexpr std::string_view kWorkingSettings =
 
 }  // namespace
 
-World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, files) {
+World::World(DatabaseControl* records)
+    : time(kBegin),
+      files(time),
+      Wave1(time, files),
+      WavePlay(time, files),
+      records_(records == nullptr ? database : *records) {
   shared.application_folder = kHome;
   std::istringstream settings{std::string(kWorkingSettings)};
   for (std::string name, value; std::getline(settings >> std::ws, name, '=');) {
@@ -62,7 +67,7 @@ void World::Build() {
       IdleCalls{[this] { return Wave1.IsPlaying() || Wave1.IsRecording(); },
                 [this](const std::string& text) { Machine().log.WriteSystem(text); }});
   window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
+      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, records_, *Tapi1,
                   Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
       views.All(), shared, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;

@@ -26,7 +26,8 @@ using std::chrono_literals::operator""s;
 /// 31 December 2003 at 14:05:07.
 class World {
  public:
-  World();
+  /// Without `records`, those in memory are used.
+  explicit World(DatabaseControl* records = nullptr);
 
   /// Starts the program. Tests change settings before this call.
   World& Start() {
@@ -97,6 +98,8 @@ class World {
   std::unique_ptr<MainWindow> window;
 
  private:
+  DatabaseControl& records_;
+
   void Build();
   std::vector<std::string> LogLines(const std::string& suffix) const;
 };

@@ -23,7 +23,7 @@ namespace orven {
 /// operation with a position throws instead, because other records may have that position now. When Open
 /// failed, Add, Query, RecordCount and OpenCalls try again (the disk may be back), and all other operations
 /// throw 5.
-class SqliteDatabase final : public DatabaseControl {
+class SqliteDatabase : public DatabaseControl {
  public:
   /// Takes one line for the log about what happened to the file after Open.
   using Report = std::function<void(const std::string&)>;
