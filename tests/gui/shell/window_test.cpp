@@ -96,7 +96,7 @@ TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
     EXPECT_EQ(state(), "On|-|Off|Monitoring Home");
   }
   desk.Do("mnuOff");
-  desk.line->FailOpen(OpenFailure{kTelephonyLineInUse, "the port is taken"});
+  desk.line->failure = {kTelephonyLineInUse, "the port is taken"};
   desk.Do("Toolbar1.OnOff");
   EXPECT_EQ(state(), "Off|On|Off|Off Mode") << "opening is tried again until the line is turned off";
 }
