@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
@@ -30,7 +31,7 @@ class EventsDialog {
   struct Parts {
     Settings& settings;  ///< the main window's, which the next call uses
     SettingsStore& store;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     Files& files;
     DeskSounds& sounds;
     MessagePlayer& player;

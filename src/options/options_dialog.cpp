@@ -184,7 +184,7 @@ void OptionsDialog::StoreAutostart(bool on) {
   constexpr auto kRoot = RegistryRoot::LocalMachine;
   if (on) {
     SetRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName, kRegString,
-                parts_.shared.InApplicationFolder("\\ORVEN.exe -st"));
+                parts_.home.Path("\\ORVEN.exe -st"));
   } else {
     DeleteRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName);
   }

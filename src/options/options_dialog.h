@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/error_trap.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
@@ -92,7 +93,7 @@ class OptionsDialog {
     SoundCardNames& cards;
     SettingsStore& store;
     Settings& settings;  ///< the main window's, which the next call uses
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     const MessageFolders& folders;
     const LineManager& line;
     const MessageMove& move;

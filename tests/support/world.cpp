@@ -30,7 +30,6 @@ constexpr std::string_view kWorkingSettings =
 }  // namespace
 
 World::World() : time(kBegin), files(time), Wave1(time, files), WavePlay(time, files) {
-  shared.application_folder = kHome;
   std::istringstream settings{std::string(kWorkingSettings)};
   for (std::string name, value; std::getline(settings >> std::ws, name, '=');) {
     std::getline(settings, value, ';');
@@ -64,7 +63,7 @@ void World::Build() {
   window = std::make_unique<MainWindow>(
       EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
                   Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
-      views.All(), shared, system, dialog_factory, [this] { ended = true; });
+      views.All(), home, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }
 

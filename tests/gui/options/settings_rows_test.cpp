@@ -105,7 +105,7 @@ class SettingsRows : public WindowTest {
   GreetingPlayer greetings{machine.ForGreetingPlayer([] { return std::nullopt; })};
   ActionsDialog actions{{machine.store, machine.log, world.dialogs, world.shell, world.time,
                          [this] { machine.store.GetMainAction(); }}};
-  EventsDialog events{{machine.settings, machine.store, machine.shared, world.files, machine.sounds,
+  EventsDialog events{{machine.settings, machine.store, machine.home, world.files, machine.sounds,
                        machine.player, world.dialogs, machine.caller_view}};
   LogProperties log{machine.settings, machine.store, machine.log, [] {}};
   std::unique_ptr<QDialog> window;
