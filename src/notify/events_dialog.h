@@ -9,6 +9,7 @@
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "core/sound_list.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "platform/dialogs.h"
@@ -16,12 +17,6 @@
 #include "records/call_store.h"
 
 namespace orven {
-
-/// A list of the sound library: sorted file names without folder, and the selected one; empty for none.
-struct SoundList {
-  std::vector<std::string> names;
-  std::string selected;
-};
 
 /// The rules of the events dialog: which sounds are played and whether the caller view opens when a call
 /// comes in and when it ends, and the library of sounds. A file operation that fails is not logged; the lists
@@ -44,8 +39,8 @@ class EventsDialog {
   /// What the controls show when the dialog opens.
   Choices Load() const;
 
-  /// The library as it is now, with `selected` if it has that sound. A folder that cannot be read counts as
-  /// empty.
+  /// The file names of the library as it is now, sorted, with `selected` if it has that sound. A folder that
+  /// cannot be read counts as empty.
   SoundList Sounds(const std::string& selected) const;
 
   /// A button of the toolbar of `list`: "Play", "Stop", "Add", "Delete". Updates both lists when the library
