@@ -10,8 +10,8 @@
 
 namespace orven {
 
-/// The actions dialog: the mail and the program that follow a call. The engine decides; each control's object
-/// name is its member name. User-interface thread.
+/// The actions dialog: the mail and the program that follow a call. The engine decides; the controls are made
+/// of the settings' rows. User-interface thread.
 class frmActions : public QDialog {
   Q_OBJECT
 

@@ -3,11 +3,25 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orven {
 
 /// A path as the program writes it ("\Greets\") in the platform's own separators ("/Greets/").
 std::string NativePath(std::string_view text);
+
+/// The application folder, where the program keeps everything that is its own.
+class ApplicationFolder {
+ public:
+  /// `path` has no separator at its end.
+  explicit ApplicationFolder(std::string path) : path_(std::move(path)) {}
+
+  /// `below` ("\Greets\") in this folder, as NativePath gives it; without it the folder itself.
+  std::string Path(std::string_view below = {}) const { return path_ + NativePath(below); }
+
+ private:
+  std::string path_;
+};
 
 /// The part after the last separator.
 std::string FileNamePart(std::string_view path);

@@ -5,6 +5,7 @@
 
 #include "core/mdlReg.h"
 #include "core/mdlWinVersion.h"
+#include "core/settings.h"
 
 namespace orven {
 namespace {
@@ -35,11 +36,11 @@ bool FirstStart::IsDue() const {
 
 void FirstStart::Run() {
   SetRegValue(registry_, RegistryRoot::LocalMachine, kAutostartKey, "ORVEN", kRegString,
-              shared_.InApplicationFolder("\\ORVEN.exe -st"));
+              home_.Path("\\ORVEN.exe -st"));
   auto values = FirstValues();
   if (GetWindowsVersionName(system_.Version()) == "Windows XP")
     values.push_back(RegString("cAnimation", "1"));
-  values.push_back(RegString("MassagesPath", shared_.InApplicationFolder("\\Messages\\")));
+  values.push_back(RegString("MassagesPath", home_.Path("\\Messages\\")));
   std::string password;
   for (int digit = 0; digit < kPasswordDigits; ++digit)
     password += static_cast<char>('0' + sources_.random(10));

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "core/settings.h"
+#include "base/paths.h"
 #include "platform/dialogs.h"
 #include "platform/operating_system.h"
 #include "platform/registry.h"
@@ -24,8 +24,9 @@ class FirstStart {
     std::function<void(const std::string& password)> announce_password;
   };
 
-  FirstStart(Registry& registry, const OperatingSystem& system, const SharedOptions& shared, Sources sources)
-      : registry_(registry), system_(system), shared_(shared), sources_(std::move(sources)) {}
+  FirstStart(Registry& registry, const OperatingSystem& system, const ApplicationFolder& home,
+             Sources sources)
+      : registry_(registry), system_(system), home_(home), sources_(std::move(sources)) {}
 
   /// A first start is one that finds no settings key.
   bool IsDue() const;
@@ -37,7 +38,7 @@ class FirstStart {
  private:
   Registry& registry_;
   const OperatingSystem& system_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
   Sources sources_;
 };
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "base/paths.h"
-
 namespace orven {
 namespace {
 
@@ -188,10 +186,6 @@ const SettingRow& RowOf(std::string_view name) {
     if (row != table.end()) return *row;
   }
   throw std::out_of_range(std::string(name));
-}
-
-std::string SharedOptions::InApplicationFolder(std::string_view text) const {
-  return application_folder + NativePath(text);
 }
 
 }  // namespace orven

@@ -105,12 +105,4 @@ std::string ToShown(const SettingRow& row, const std::string& stored);
 /// What is stored for the value of the row's control.
 std::string ToStored(const SettingRow& row, const std::string& shown);
 
-/// What all parts of the program share while it runs.
-struct SharedOptions {
-  std::string application_folder;  ///< without trailing separator
-
-  /// `text` ("\Greets\") below the application folder, in native separators.
-  std::string InApplicationFolder(std::string_view text) const;
-};
-
 }  // namespace orven

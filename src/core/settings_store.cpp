@@ -103,7 +103,7 @@ void SettingsStore::GetAppOptions(const std::function<void()>& use_messages_path
   const ErrorTrap trap(log_, "ErrGetAppOption ");
   for (const char* name : {"Modem", "MassagesPath"}) Read(name, trap);
   if (settings_.MassagesPath.empty()) {
-    settings_.MassagesPath = shared_.InApplicationFolder("\\Messages\\");
+    settings_.MassagesPath = home_.Path("\\Messages\\");
     Set("MassagesPath", settings_.MassagesPath);
   }
   TakeMaxRec(trap);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/error_trap.h"
 #include "core/settings.h"
@@ -30,8 +31,8 @@ class PlacedWindow {
 /// cannot be converted is logged and its field keeps what it held. User-interface thread.
 class SettingsStore {
  public:
-  SettingsStore(Registry& registry, SystemLog& log, Settings& settings, const SharedOptions& shared)
-      : registry_(registry), log_(log), settings_(settings), shared_(shared) {}
+  SettingsStore(Registry& registry, SystemLog& log, Settings& settings, const ApplicationFolder& home)
+      : registry_(registry), log_(log), settings_(settings), home_(home) {}
 
   void GetMainOptions();
   void GetMainAction();
@@ -80,7 +81,7 @@ class SettingsStore {
   Registry& registry_;
   SystemLog& log_;
   Settings& settings_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
 };
 
 }  // namespace orven

@@ -37,8 +37,8 @@ constexpr const char* kBadName = "Greeting name with ? \\ / | * < > : \" is not 
 GreetingCreator::GreetingCreator(Parts parts, GreetingCreatorView& view)
     : parts_(std::move(parts)),
       view_(view),
-      link_(parts_.speech, parts_.log, parts_.shared, *this),
-      speech_({parts_.loop, parts_.clock, parts_.files, parts_.log, parts_.shared, link_}),
+      link_(parts_.speech, parts_.log, parts_.home, *this),
+      speech_({parts_.loop, parts_.clock, parts_.files, parts_.log, parts_.home, link_}),
       TimerRec(parts_.loop.MakeTimer([this] { FollowRecording(); })),
       TimerLevel(parts_.loop.MakeTimer([this] { view_.ShowLevel(parts_.microphone.Level()); })),
       TimerPlay(parts_.loop.MakeTimer([this] { FollowPlaying(); })) {
@@ -153,7 +153,7 @@ void GreetingCreator::Play() {
   const auto result = wave.PlayFile(parts_.microphone.Path(), sound_device_);
   if (result != kWaveOk) {
     parts_.log.WriteSystem("Error Start Play[Device:" + std::to_string(sound_device_) + "]->" +
-                           parts_.shared.InApplicationFolder(kPlayedFile) + " " + wave.PlayErrorText(result));
+                           parts_.home.Path(kPlayedFile) + " " + wave.PlayErrorText(result));
     return;
   }
   parts_.log.WriteSystem("Start Play:" + wave.PlayErrorText(result));

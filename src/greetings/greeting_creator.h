@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "greetings/greeting_library.h"
@@ -98,7 +99,7 @@ class GreetingCreator : private SpeechLinkListener {
     SpeechLink::Ports speech;
     const GreetingLibrary& library;
     const Settings& settings;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     /// The greeting `name` was saved; it becomes the default. May be called after the creator is destroyed.
     std::function<void(const std::string& name)> saved;
   };

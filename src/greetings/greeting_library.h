@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/settings.h"
+#include "base/paths.h"
 #include "platform/files.h"
 
 namespace orven {
@@ -15,10 +15,10 @@ namespace orven {
 /// User-interface thread.
 class GreetingLibrary {
  public:
-  GreetingLibrary(Files& files, const SharedOptions& shared) : files_(files), shared_(shared) {}
+  GreetingLibrary(Files& files, const ApplicationFolder& home) : files_(files), home_(home) {}
 
   /// Ends in a separator.
-  std::string Folder() const { return shared_.InApplicationFolder("\\Greets\\"); }
+  std::string Folder() const { return home_.Path("\\Greets\\"); }
 
   /// The file of the greeting `name`.
   std::string PathOf(const std::string& name) const { return Folder() + name + ".wav"; }
@@ -34,7 +34,7 @@ class GreetingLibrary {
 
  private:
   Files& files_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
 };
 
 /// Whether `name` is a file name on every platform: it has none of the characters ? \ / | * < > : ".

@@ -10,7 +10,7 @@ constexpr WaveFormat kFormat{kWaveFormatPcm, 1, 16, 8000};
 }  // namespace
 
 std::int32_t MicrophoneTake::Start(std::int32_t device) {
-  parts_.Wave1.SetRecordFolder(parts_.shared.application_folder);
+  parts_.Wave1.SetRecordFolder(parts_.home.Path());
   parts_.Wave1.SetRecordName({});
   auto result = parts_.Wave1.StartRecord(device, kFormat);
   if (result == kWaveNoDevice) result = parts_.Wave1.StartRecord(kDefaultCard, kFormat);

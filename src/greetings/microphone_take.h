@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
-#include "core/settings.h"
 #include "platform/wave.h"
 
 namespace orven {
@@ -18,7 +18,7 @@ class MicrophoneTake {
   struct Parts {
     WaveControl& Wave1;
     SystemLog& log;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     std::function<bool()> line_in_use;  ///< a call is connected and may be recorded at any moment
   };
 
@@ -46,7 +46,7 @@ class MicrophoneTake {
   /// The line needs the recorder: stops a take and calls `interrupted`.
   void MakeWay();
 
-  std::string Path() const { return parts_.shared.InApplicationFolder("\\spktmp.wav"); }
+  std::string Path() const { return parts_.home.Path("\\spktmp.wav"); }
 
  private:
   Parts parts_;

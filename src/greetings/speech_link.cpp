@@ -44,8 +44,9 @@ constexpr std::chrono::milliseconds kLimitPerKilobyte = 1s;
 
 }  // namespace
 
-SpeechLink::SpeechLink(Ports ports, SystemLog& log, const SharedOptions& shared, SpeechLinkListener& listener)
-    : ports_(ports), log_(log), shared_(shared), listener_(listener) {
+SpeechLink::SpeechLink(Ports ports, SystemLog& log, const ApplicationFolder& home,
+                       SpeechLinkListener& listener)
+    : ports_(ports), log_(log), home_(home), listener_(listener) {
   ports_.uDat.SetEvents(this);
 }
 
@@ -73,7 +74,7 @@ bool SpeechLink::StartHelper() {
   const ErrorTrap trap(log_, "ErrLoadTTS ");
   // In quotes, because the folder may contain blanks. A quote in it cannot be escaped; the shell then
   // searches for the helper by name.
-  const auto& folder = shared_.application_folder;
+  const auto folder = home_.Path();
   const bool quotable = folder.find('"') == std::string::npos;
   const auto program = quotable ? "\"" + folder + "/TTS.exe\"" : std::string("TTS.exe");
   return trap([&] { ports_.shell.Run(program + " -gc", kMinimizedWithFocus); });

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
-#include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/data_exchange.h"
 #include "platform/event_loop.h"
@@ -43,7 +43,7 @@ class SpeechLink : private DataExchangeEvents {
     DataExchange& uDat;
   };
 
-  SpeechLink(Ports ports, SystemLog& log, const SharedOptions& shared, SpeechLinkListener& listener);
+  SpeechLink(Ports ports, SystemLog& log, const ApplicationFolder& home, SpeechLinkListener& listener);
   ~SpeechLink() override;
   SpeechLink(const SpeechLink&) = delete;
   SpeechLink& operator=(const SpeechLink&) = delete;
@@ -89,7 +89,7 @@ class SpeechLink : private DataExchangeEvents {
 
   Ports ports_;
   SystemLog& log_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
   SpeechLinkListener& listener_;
   bool speechAvailable = false;
   bool unloaded_ = false;
@@ -107,7 +107,7 @@ class SpeechTake {
     const Clock& clock;
     Files& files;
     SystemLog& log;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     SpeechLink& link;
   };
 
@@ -132,7 +132,7 @@ class SpeechTake {
   /// The helper has ended: a take that is not complete has failed.
   void GiveUp();
 
-  std::string Path() const { return parts_.shared.InApplicationFolder("\\ttstmp.wav"); }
+  std::string Path() const { return parts_.home.Path("\\ttstmp.wav"); }
 
  private:
   void Look();

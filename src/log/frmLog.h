@@ -49,8 +49,7 @@ class frmLog : public QDialog, private LogViewerWindow {
   QPushButton* cmdProp_ = nullptr;
 };
 
-/// The log properties. The engine decides; each control's object name is its member name. User-interface
-/// thread.
+/// The log properties. The engine decides; the controls are made of the settings' rows. User-interface thread.
 class frmLogProp : public QDialog {
   Q_OBJECT
 

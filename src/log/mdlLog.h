@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "platform/clock.h"
@@ -21,8 +22,9 @@ namespace orven {
 /// the next one. User-interface thread.
 class LogFiles : public SystemLog, public CallsLog {
  public:
-  LogFiles(Clock& clock, Files& files, EventLoop& loop, const Settings& settings, const SharedOptions& shared)
-      : clock_(clock), files_(files), loop_(loop), settings_(settings), shared_(shared) {}
+  LogFiles(Clock& clock, Files& files, EventLoop& loop, const Settings& settings,
+           const ApplicationFolder& home)
+      : clock_(clock), files_(files), loop_(loop), settings_(settings), home_(home) {}
 
   /// Appends "time : text" to today's file if the settings enable that log.
   void WriteSystem(const std::string& text) override;
@@ -52,13 +54,13 @@ class LogFiles : public SystemLog, public CallsLog {
   void Append(const std::string& suffix, const std::string& text);
   void PurgeNext(std::shared_ptr<std::vector<std::string>> names, Clock::WallTime limit,
                  std::function<void()> done);
-  std::string Folder() const { return shared_.InApplicationFolder("\\Log\\"); }
+  std::string Folder() const { return home_.Path("\\Log\\"); }
 
   Clock& clock_;
   Files& files_;
   EventLoop& loop_;
   const Settings& settings_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
   std::deque<Line> waiting_;  ///< not written yet, oldest first
   Lifeline lifeline_;
 };

@@ -68,7 +68,7 @@ SoundList EventsDialog::Sounds(const std::string& selected) const {
 }
 
 std::string EventsDialog::SoundFolder() const {
-  return parts_.shared.InApplicationFolder("\\Sound\\");
+  return parts_.home.Path("\\Sound\\");
 }
 
 void EventsDialog::TestViewer(const Choices& choices) {

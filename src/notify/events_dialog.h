@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "core/sound_list.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "platform/dialogs.h"
@@ -15,12 +17,6 @@
 #include "records/call_store.h"
 
 namespace orven {
-
-/// A list of the sound library: sorted file names without folder, and the selected one; empty for none.
-struct SoundList {
-  std::vector<std::string> names;
-  std::string selected;
-};
 
 /// The rules of the events dialog: which sounds are played and whether the caller view opens when a call
 /// comes in and when it ends, and the library of sounds. A file operation that fails is not logged; the lists
@@ -30,7 +26,7 @@ class EventsDialog {
   struct Parts {
     Settings& settings;  ///< the main window's, which the next call uses
     SettingsStore& store;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     Files& files;
     DeskSounds& sounds;
     MessagePlayer& player;
@@ -43,8 +39,8 @@ class EventsDialog {
   /// What the controls show when the dialog opens.
   Choices Load() const;
 
-  /// The library as it is now, with `selected` if it has that sound. A folder that cannot be read counts as
-  /// empty.
+  /// The file names of the library as it is now, sorted, with `selected` if it has that sound. A folder that
+  /// cannot be read counts as empty.
   SoundList Sounds(const std::string& selected) const;
 
   /// A button of the toolbar of `list`: "Play", "Stop", "Add", "Delete". Updates both lists when the library

@@ -13,8 +13,6 @@
 namespace orven {
 namespace {
 
-constexpr int kButtonIcon = 16;
-constexpr int kSoundCharacters = 24;  // width of the list; longer names are cut
 constexpr int kTickEvery = 10;
 
 QString Name(const char* name) {
@@ -30,9 +28,11 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
       tabs_(MakeChild<QTabWidget>(this)) {
   SetUpDialog(*this, "frmEvents", tr("Events"));
   tabs_->setObjectName(Name("TabStrip1"));
-  tabs_->addTab(MakeGeneral(), tr("General"));
-  tabs_->addTab(MakeInComingCall(), tr("In Coming Call"));
-  tabs_->addTab(MakeDisconnectCall(), tr("Disconnect Call"));
+  AddGeneral();
+  when_call_ = AddSounds(1, tr("In Coming Call"), tr("Set events when accepting call"), "cPlayInRing",
+                         "CmbPlayWhenCall", "tlbrPlayWhenCall");
+  when_message_ = AddSounds(2, tr("Disconnect Call"), tr("Set events when disconnecting a call"),
+                            "cPlayInIdle", "CmbPlayWhenMessage", "tlbrPlayWhenMessage");
   tabs_->setCurrentIndex(tab);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(tabs_);
@@ -42,11 +42,18 @@ frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
     accept();
   });
   column->addLayout(closing.row);
-  Show(engine_.Load());
-  Connect();
+  const auto choices = engine_.Load();
+  when_call_->Show(engine_.Sounds(choices.Text("PlayInRing")));
+  when_message_->Show(engine_.Sounds(choices.Text("PlayInIdle")));
+  form_.Show(choices);
+  // After the values are shown: only a person's choice is stored at once.
+  connect(&form_.Get<QComboBox>("CloseCallerView"), &QComboBox::currentIndexChanged, this,
+          [this] { engine_.ChangeCloseSeconds(Taken()); });
+  Connect(*when_call_, *when_message_);
+  Connect(*when_message_, *when_call_);
 }
 
-QWidget* frmEvents::MakeGeneral() {
+void frmEvents::AddGeneral() {
   auto* page = MakeChild<QWidget>(tabs_);
   auto* column = MakeChild<QVBoxLayout>(page);
   auto* form = MakeChild<QFormLayout>();
@@ -60,7 +67,7 @@ QWidget* frmEvents::MakeGeneral() {
   connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Taken()); });
   column->addWidget(test, 0, Qt::AlignLeft);
   column->addStretch();
-  return page;
+  tabs_->addTab(page, tr("General"));
 }
 
 QWidget* frmEvents::MakeSpeed() {
@@ -89,84 +96,37 @@ QWidget* frmEvents::MakeClosing() {
   return row;
 }
 
-QWidget* frmEvents::MakeInComingCall() {
-  auto* page = MakeChild<QWidget>(tabs_);
-  auto* frame = MakeChild<QGroupBox>(tr("Set events when accepting call"), page);
+SoundBox* frmEvents::AddSounds(int page, const QString& tab, const QString& title, const char* play,
+                               const char* list, const char* bar) {
+  auto* sheet = MakeChild<QWidget>(tabs_);
+  auto* frame = MakeChild<QGroupBox>(title, sheet);
   auto* form = MakeChild<QFormLayout>(frame);
-  form_.Add(*form, "cPlayInRing");
-  when_call_ = MakeSound(*form, "CmbPlayWhenCall", "tlbrPlayWhenCall");
-  form_.AddRest(*form, 1);
-  MakeChild<QVBoxLayout>(page)->addWidget(frame);
-  return page;
+  form_.Add(*form, play);
+  auto* box = MakeChild<SoundBox>(SoundBox::Texts{list, bar, tr("Sound"), tr("Sounds"), tr("Play the sound"),
+                                                  tr("Add a sound"), tr("Delete the sound")},
+                                  this);
+  form->addRow(box);
+  form_.AddRest(*form, page);
+  MakeChild<QVBoxLayout>(sheet)->addWidget(frame);
+  tabs_->addTab(sheet, tab);
+  return box;
 }
 
-QWidget* frmEvents::MakeDisconnectCall() {
-  auto* page = MakeChild<QWidget>(tabs_);
-  auto* frame = MakeChild<QGroupBox>(tr("Set events when disconnecting a call"), page);
-  auto* form = MakeChild<QFormLayout>(frame);
-  form_.Add(*form, "cPlayInIdle");
-  when_message_ = MakeSound(*form, "CmbPlayWhenMessage", "tlbrPlayWhenMessage");
-  form_.AddRest(*form, 2);
-  MakeChild<QVBoxLayout>(page)->addWidget(frame);
-  return page;
-}
-
-frmEvents::SoundControls frmEvents::MakeSound(QFormLayout& form, const char* list, const char* bar) {
-  const SoundControls controls{MakeChild<QComboBox>(this),
-                               MakeChild<ButtonBar>(Name(bar), tr("Sounds"), this)};
-  controls.list->setObjectName(Name(list));
-  controls.list->setAccessibleName(tr("Sound"));
-  controls.list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  controls.list->setMinimumContentsLength(kSoundCharacters);
-  IgnoreStrayWheel(*controls.list);
-  controls.bar->setIconSize({kButtonIcon, kButtonIcon});
-  controls.bar->AddButton({"Play", tr("Play"), tr("Play the sound"), "media-playback-start"});
-  controls.bar->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
-  controls.bar->AddButton({"Add", tr("Add"), tr("Add a sound"), "list-add"});
-  controls.bar->AddButton({"Delete", tr("Delete"), tr("Delete the sound"), "edit-delete"});
-  auto* row = MakeChild<QHBoxLayout>();
-  row->addWidget(controls.list, 1);
-  row->addWidget(controls.bar);
-  form.addRow(row);
-  return controls;
-}
-
-void frmEvents::Connect() {
-  ConnectSound(when_call_, when_message_);
-  ConnectSound(when_message_, when_call_);
-  connect(&form_.Get<QComboBox>("CloseCallerView"), &QComboBox::currentIndexChanged, this,
-          [this] { engine_.ChangeCloseSeconds(Taken()); });
-}
-
-void frmEvents::ConnectSound(const SoundControls& controls, const SoundControls& other) {
-  connect(controls.bar, &ButtonBar::ButtonClick, this, [&](const QString& key) {
-    auto sounds = Sounds(*controls.list);
-    auto other_sounds = Sounds(*other.list);
+void frmEvents::Connect(SoundBox& box, SoundBox& other) {
+  connect(&box, &SoundBox::ButtonClick, this, [this, &box, &other](const QString& key) {
+    auto sounds = box.Sounds();
+    auto other_sounds = other.Sounds();
     engine_.ButtonClick(key.toStdString(), sounds, other_sounds);
-    ShowSounds(*controls.list, sounds);
-    ShowSounds(*other.list, other_sounds);
+    box.Show(sounds);
+    other.Show(other_sounds);
   });
-}
-
-void frmEvents::Show(const Choices& choices) {
-  ShowSounds(*when_call_.list, engine_.Sounds(choices.Text("PlayInRing")));
-  ShowSounds(*when_message_.list, engine_.Sounds(choices.Text("PlayInIdle")));
-  form_.Show(choices);
-}
-
-void frmEvents::ShowSounds(QComboBox& box, const SoundList& sounds) {
-  FillList(box, sounds.names, sounds.selected);
 }
 
 Choices frmEvents::Taken() const {
   auto choices = form_.Taken();
-  choices["PlayInRing"] = when_call_.list->currentText().toStdString();
-  choices["PlayInIdle"] = when_message_.list->currentText().toStdString();
+  choices["PlayInRing"] = when_call_->Sounds().selected;
+  choices["PlayInIdle"] = when_message_->Sounds().selected;
   return choices;
-}
-
-SoundList frmEvents::Sounds(const QComboBox& box) {
-  return {ListItems(box), box.currentText().toStdString()};
 }
 
 }  // namespace orven

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QComboBox>
 #include <QDialog>
 #include <QTabWidget>
 
 #include "notify/events_dialog.h"
-#include "widgets/button_bar.h"
 #include "widgets/settings_form.h"
+#include "widgets/sound_box.h"
 
 namespace orven {
 
-/// The events dialog: sounds, and when the caller view opens. The engine decides; each control's object name
-/// is its member name. User-interface thread.
+/// The events dialog: sounds, and when the caller view opens. The engine decides; the controls are made of the
+/// settings' rows. User-interface thread.
 class frmEvents : public QDialog {
   Q_OBJECT
 
@@ -21,30 +20,19 @@ class frmEvents : public QDialog {
   frmEvents(EventsDialog& engine, int tab, QWidget* parent);
 
  private:
-  /// The list and the toolbar of one sound.
-  struct SoundControls {
-    QComboBox* list;
-    ButtonBar* bar;
-  };
-
-  QWidget* MakeGeneral();
-  QWidget* MakeInComingCall();
-  QWidget* MakeDisconnectCall();
-  SoundControls MakeSound(QFormLayout& form, const char* list, const char* bar);
+  void AddGeneral();
+  SoundBox* AddSounds(int page, const QString& tab, const QString& title, const char* play, const char* list,
+                      const char* bar);
   QWidget* MakeSpeed();
   QWidget* MakeClosing();
-  void Connect();
-  void ConnectSound(const SoundControls& controls, const SoundControls& other);
-  void Show(const Choices& choices);
-  static void ShowSounds(QComboBox& box, const SoundList& sounds);
+  void Connect(SoundBox& box, SoundBox& other);
   Choices Taken() const;
-  static SoundList Sounds(const QComboBox& box);
 
   EventsDialog& engine_;
   SettingsForm form_;
   QTabWidget* tabs_;
-  SoundControls when_call_{};
-  SoundControls when_message_{};
+  SoundBox* when_call_ = nullptr;
+  SoundBox* when_message_ = nullptr;
 };
 
 }  // namespace orven

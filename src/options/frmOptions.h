@@ -18,9 +18,9 @@
 
 namespace orven {
 
-/// The options dialog. It shows what the engine loads and passes on the user's input; each control's object
-/// name is its member name. Modal to the main window only, so that calls continue. It cannot be closed while
-/// messages are being moved. User-interface thread.
+/// The options dialog. It shows what the engine loads and passes on the user's input. Most of its controls are
+/// made of the settings' rows; the object name of another is its member name. Modal to the main window only, so
+/// that calls continue. It cannot be closed while messages are being moved. User-interface thread.
 class frmOptions : public QDialog, private OptionsView {
   Q_OBJECT
 

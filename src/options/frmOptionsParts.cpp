@@ -12,9 +12,6 @@
 namespace orven {
 namespace {
 
-constexpr int kButtonIcon = 16;
-constexpr int kCharacters = 24;  // the list does not grow with long greeting names
-
 constexpr double kFullScale = 1000;
 const QColor kHeard(58, 166, 92);
 
@@ -23,50 +20,30 @@ const QColor kHeard(58, 166, 92);
 frmOptionsGreetings::frmOptionsGreetings(GreetingPlayer& engine, QWidget* parent)
     : QWidget(parent),
       engine_(engine),
-      CmbGreetsMessages_(MakeChild<QComboBox>(this)),
-      tlbrGreetingPlayer_(MakeChild<ButtonBar>(QStringLiteral("tlbrGreetingPlayer"), tr("Greetings"), this)) {
+      sounds_(MakeChild<SoundBox>(
+          SoundBox::Texts{"CmbGreetsMessages", "tlbrGreetingPlayer", tr("Greeting"), tr("Greetings"),
+                          tr("Play the greeting"), tr("Make a greeting"), tr("Delete the greeting")},
+          this)) {
   setObjectName(QStringLiteral("frmOptionsGreetings"));
-  CmbGreetsMessages_->setObjectName(QStringLiteral("CmbGreetsMessages"));
-  CmbGreetsMessages_->setAccessibleName(tr("Greeting"));
-  CmbGreetsMessages_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  CmbGreetsMessages_->setMinimumContentsLength(kCharacters);
-  IgnoreStrayWheel(*CmbGreetsMessages_);
-  auto& bar = *tlbrGreetingPlayer_;
-  bar.setIconSize({kButtonIcon, kButtonIcon});
-  bar.AddButton({"Play", tr("Play"), tr("Play the greeting"), "media-playback-start"});
-  bar.AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
-  bar.AddButton({"Add", tr("Add"), tr("Make a greeting"), "list-add"});
-  bar.AddButton({"Delete", tr("Delete"), tr("Delete the greeting"), "edit-delete"});
   auto* label = MakeChild<QLabel>(tr("&Greeting:"), this);
-  label->setBuddy(CmbGreetsMessages_);
+  label->setBuddy(&sounds_->List());
   auto* row = MakeChild<QHBoxLayout>(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(label);
-  row->addWidget(CmbGreetsMessages_, 1);
-  row->addWidget(tlbrGreetingPlayer_);
-  connect(tlbrGreetingPlayer_, &ButtonBar::ButtonClick, this, &frmOptionsGreetings::Press);
+  row->addWidget(sounds_, 1);
+  connect(sounds_, &SoundBox::ButtonClick, this, [this](const QString& key) {
+    auto list = sounds_->Sounds();
+    engine_.ButtonClick(key.toStdString(), list);
+    sounds_->Show(list);
+  });
 }
 
 void frmOptionsGreetings::Fill(const std::string& selected) {
-  Show(engine_.Fill(selected));
+  sounds_->Show(engine_.Fill(selected));
 }
 
 std::string frmOptionsGreetings::Selected() const {
-  return CmbGreetsMessages_->currentText().toStdString();
-}
-
-void frmOptionsGreetings::Press(const QString& key) {
-  auto list = List();
-  engine_.ButtonClick(key.toStdString(), list);
-  Show(list);
-}
-
-void frmOptionsGreetings::Show(const GreetingList& list) {
-  FillList(*CmbGreetsMessages_, list.names, list.selected);
-}
-
-GreetingList frmOptionsGreetings::List() const {
-  return {ListItems(*CmbGreetsMessages_), Selected()};
+  return sounds_->Sounds().selected;
 }
 
 SilenceMeter::SilenceMeter(const QSlider& slider, QWidget* parent) : QWidget(parent), slider_(slider) {

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QComboBox>
 #include <QSlider>
 #include <QWidget>
 #include <optional>
 #include <string>
 
 #include "options/options_dialog.h"
-#include "widgets/button_bar.h"
+#include "widgets/sound_box.h"
 
 namespace orven {
 
@@ -28,13 +27,8 @@ class frmOptionsGreetings : public QWidget {
   std::string Selected() const;
 
  private:
-  void Press(const QString& key);
-  void Show(const GreetingList& list);
-  GreetingList List() const;
-
   GreetingPlayer& engine_;
-  QComboBox* CmbGreetsMessages_;
-  ButtonBar* tlbrGreetingPlayer_;
+  SoundBox* sounds_;
 };
 
 /// Level meter of the current call, below the slider that sets the silence level. Both have the same scale,

@@ -26,8 +26,8 @@ constexpr const char* kAutostartName = "ORVEN";
 
 }  // namespace
 
-GreetingList GreetingPlayer::Fill(const std::string& selected) const {
-  GreetingList list;
+SoundList GreetingPlayer::Fill(const std::string& selected) const {
+  SoundList list;
   const auto trap = ErrorTrap::Silent();
   trap([&] { list.names = parts_.library.Names(); });
   if (!list.names.empty()) list.selected = list.names.front();
@@ -35,20 +35,20 @@ GreetingList GreetingPlayer::Fill(const std::string& selected) const {
   return list;
 }
 
-void GreetingPlayer::ButtonClick(const std::string& key, GreetingList& list) {
+void GreetingPlayer::ButtonClick(const std::string& key, SoundList& list) {
   if (key == "Play") parts_.sounds.PlayWave(parts_.library.PathOf(list.selected));
   if (key == "Stop") parts_.player.Stop();
   if (key == "Add") ErrorTrap::Silent()([&] { Add(list); });
   if (key == "Delete") Delete(list);
 }
 
-void GreetingPlayer::Add(GreetingList& list) {
+void GreetingPlayer::Add(SoundList& list) {
   // What the creator saved is the default greeting now; storing the list must not undo that.
   const auto saved = parts_.add();
   list = Fill(saved.value_or(list.selected));
 }
 
-void GreetingPlayer::Delete(GreetingList& list) {
+void GreetingPlayer::Delete(SoundList& list) {
   if (list.names.size() == 1) return parts_.dialogs.Information("Can't Delete Last Greeting.");
   const auto name = list.selected;
   if (!parts_.dialogs.Confirm("Delete " + name + " ?")) return;
@@ -184,7 +184,7 @@ void OptionsDialog::StoreAutostart(bool on) {
   constexpr auto kRoot = RegistryRoot::LocalMachine;
   if (on) {
     SetRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName, kRegString,
-                parts_.shared.InApplicationFolder("\\ORVEN.exe -st"));
+                parts_.home.Path("\\ORVEN.exe -st"));
   } else {
     DeleteRegValue(parts_.registry, kRoot, kAutostartKey, kAutostartName);
   }

@@ -9,8 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/error_trap.h"
 #include "core/settings_store.h"
+#include "core/sound_list.h"
 #include "greetings/greeting_library.h"
 #include "notify/desk_sounds.h"
 #include "platform/audio_device.h"
@@ -23,12 +25,6 @@
 #include "telephony/line_manager.h"
 
 namespace orven {
-
-/// The list `CmbGreetsMessages`: the greetings' names and the selected one, empty for none.
-struct GreetingList {
-  std::vector<std::string> names;
-  std::string selected;
-};
 
 /// The toolbar `tlbrGreetingPlayer` of the options dialog: plays, makes and deletes greetings. Failures are
 /// ignored. User-interface thread.
@@ -47,14 +43,14 @@ class GreetingPlayer {
   explicit GreetingPlayer(Parts parts) : parts_(std::move(parts)) {}
 
   /// The library as it is now. The first greeting is selected when `selected` is missing.
-  GreetingList Fill(const std::string& selected = {}) const;
+  SoundList Fill(const std::string& selected = {}) const;
 
   /// A button: "Play", "Stop", "Add", "Delete". Updates the list when the library changes.
-  void ButtonClick(const std::string& key, GreetingList& list);
+  void ButtonClick(const std::string& key, SoundList& list);
 
  private:
-  void Add(GreetingList& list);
-  void Delete(GreetingList& list);
+  void Add(SoundList& list);
+  void Delete(SoundList& list);
 
   Parts parts_;
 };
@@ -92,7 +88,7 @@ class OptionsDialog {
     SoundCardNames& cards;
     SettingsStore& store;
     Settings& settings;  ///< the main window's, which the next call uses
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     const MessageFolders& folders;
     const LineManager& line;
     const MessageMove& move;

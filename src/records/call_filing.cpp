@@ -20,7 +20,7 @@ constexpr std::chrono::seconds kTryAgain{5};
 CallFiling::CallFiling(Ports ports)
     : ports_(std::move(ports)),
       recovery_({ports_.files, ports_.clock, ports_.Wave1, ports_.system_log, ports_.open, ports_.folders,
-                 ports_.shared, [this](const std::string& message) { return ACallHas(message); }}),
+                 ports_.home, [this](const std::string& message) { return ACallHas(message); }}),
       tmrAgain_(ports_.loop.MakeTimer([this] { TryAgain(); })) {}
 
 void CallFiling::Start() {
@@ -32,8 +32,7 @@ void CallFiling::Start() {
 /// Takes over the calls of earlier runs. Throws while the records are not open: it is unknown what was filed.
 void CallFiling::Load() {
   if (loaded_) return;
-  TakeOverJournal({ports_.files, ports_.DataBase1, ports_.system_log},
-                  ports_.shared.InApplicationFolder("\\"));
+  TakeOverJournal({ports_.files, ports_.DataBase1, ports_.system_log}, ports_.home.Path("\\"));
   for (auto& call : ports_.open.Load()) entries_[call.key] = {call, true};
   recovery_.FindStrays();
   loaded_ = true;
@@ -156,8 +155,7 @@ MessageState CallFiling::FindOwn(Call& call) {
 bool CallFiling::AwaitsRoom(const Call& call) const {
   const auto stem = call.message_file_name.substr(0, call.message_file_name.rfind('.'));
   bool kept = false;
-  for (const auto& folder :
-       {call.recording_folder, ports_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")}) {
+  for (const auto& folder : {call.recording_folder, ports_.home.Path(kRescueFolder) + NativePath("\\")}) {
     // A folder that cannot be listed counts as empty.
     ErrorTrap::Silent()([&] { kept = kept || !ports_.files.List(folder, stem + ".unsaved-*.wav").empty(); });
   }

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/error_trap.h"
-#include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/event_loop.h"
@@ -42,7 +42,7 @@ class CallFiling {
     OpenCalls& open;
     CallList& list;
     const MessageFolders& folders;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     const Call& current;  ///< the current call, or the latest
     /// Whether a call that was interrupted is to have a record.
     std::function<bool(const Call& call)> is_listed;

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
-#include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 
@@ -26,8 +26,8 @@ void DeleteEverywhere(Files& files, const std::vector<std::string>& paths);
 /// messages folder is missing. User-interface thread.
 class MessageFolders {
  public:
-  MessageFolders(const Files& files, SystemLog& log, const SharedOptions& shared)
-      : files_(files), log_(log), shared_(shared) {}
+  MessageFolders(const Files& files, SystemLog& log, const ApplicationFolder& home)
+      : files_(files), log_(log), home_(home) {}
 
   /// Chooses the messages folder when the setting `MassagesPath` is `stored`. It is the application folder's
   /// own when the setting is missing or not a full path (it would depend on where the program was started),
@@ -55,11 +55,11 @@ class MessageFolders {
   std::vector<std::string> PlacesOf(const std::string& name) const;
 
  private:
-  std::string Own() const { return shared_.InApplicationFolder("\\Messages\\"); }
+  std::string Own() const { return home_.Path("\\Messages\\"); }
 
   const Files& files_;
   SystemLog& log_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
   std::string serving_, next_, note_;
 };
 

@@ -24,8 +24,7 @@ constexpr const char* kMended = ".mended-recording";
 }  // namespace
 
 std::set<std::string> MessageRecovery::Folders() const {
-  return {FolderPart(ports_.folders.Serving()),
-          ports_.shared.InApplicationFolder(kRescueFolder) + NativePath("\\")};
+  return {FolderPart(ports_.folders.Serving()), ports_.home.Path(kRescueFolder) + NativePath("\\")};
 }
 
 void MessageRecovery::FindStrays() {

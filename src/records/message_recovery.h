@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/error_trap.h"
-#include "core/settings.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/wave.h"
@@ -45,7 +45,7 @@ class MessageRecovery {
     SystemLog& log;
     OpenCalls& open;
     const MessageFolders& folders;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     /// Whether a call has the message of this name.
     std::function<bool(const std::string& message)> a_call_has;
   };

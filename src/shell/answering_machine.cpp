@@ -2,18 +2,18 @@
 #include "shell/answering_machine.h"
 
 namespace orven {
-AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared_options)
-    : shared(shared_options),
-      log(ports.clock, ports.files, ports.loop, settings, shared),
-      store(ports.registry, log, settings, shared),
+AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
+                                   const ApplicationFolder& application_folder)
+    : home(application_folder),
+      log(ports.clock, ports.files, ports.loop, settings, home),
+      store(ports.registry, log, settings, home),
       quick_options(store, log, settings),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
       ListView1(ports.DataBase1, log, views.list, tray),
-      folders(ports.files, log, shared),
-      open_calls(ports.DataBase1, ports.files, ports.clock, ports.loop, log,
-                 shared.InApplicationFolder("\\")),
+      folders(ports.files, log, home),
+      open_calls(ports.DataBase1, ports.files, ports.clock, ports.loop, log, home.Path("\\")),
       filing({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, log, open_calls,
-              ListView1, folders, shared, call,
+              ListView1, folders, home, call,
               [this](const Call& interrupted) { return after_call.IsListed(interrupted); },
               // Posted: these mails go after those already in the outbox, once the start is over.
               [this] { ports_.loop.Post(lifeline_.Bind([this] { after_call.SendDueMails(); })); }}),
@@ -24,13 +24,13 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
             ListView1),
       move({ports.registry, ports.dialogs, log, ports.files, ports.background, filing, folders, settings}),
       sounds(ports.WavePlay, player, settings, log),
-      library(ports.files, shared),
+      library(ports.files, home),
       greetings(library, player, sounds, views.boxes, ports.files, status),
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return SelectionTaken(); }}),
       status(views.line),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
-      control({ports.Tapi1, ports.Wave1, log, settings, shared, call, line, open_calls}),
+      control({ports.Tapi1, ports.Wave1, log, settings, home, call, line, open_calls}),
       caller_view(ports.loop, views.caller_view,
                   {.answer =
                        [this] {
@@ -46,10 +46,10 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views, Sha
                        }}),
       actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
               [this] { line.ShowMonitoring(); }),
-      microphone({ports.Wave1, log, shared, [this] { return call.InProgress() && control.Connected(); }}),
+      microphone({ports.Wave1, log, home, [this] { return call.InProgress() && control.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, folders, microphone}, control),
       remote(control, recorder, ListView1, folders, status),
-      after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, shared,
+      after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, home,
                  [this] { return window_hidden; }),
       sequence(control, {recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),
@@ -73,7 +73,7 @@ GreetingCreator::Parts AnsweringMachine::ForGreetingCreator(std::function<void(c
           {ports_.loop, ports_.registry, ports_.shell, ports_.uDat},
           library,
           settings,
-          shared,
+          home,
           [this, saved = std::move(saved)](const std::string& name) {
             quick_options.SetGreeting(name);
             greetings.Fill(name);
@@ -100,7 +100,7 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
           ports_.cards,
           store,
           settings,
-          shared,
+          home,
           folders,
           line,
           move,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "actions/actions_engine.h"
+#include "base/paths.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_creator.h"
 #include "greetings/greeting_library.h"
@@ -61,13 +62,13 @@ struct EnginePorts {
 /// order of their dependencies. Ports and views must outlive it. User-interface thread.
 class AnsweringMachine {
  public:
-  AnsweringMachine(EnginePorts ports, MainWindowViews views, SharedOptions& shared);
+  AnsweringMachine(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home);
   ~AnsweringMachine();
 
   AnsweringMachine(const AnsweringMachine&) = delete;
   AnsweringMachine& operator=(const AnsweringMachine&) = delete;
 
-  SharedOptions& shared;
+  const ApplicationFolder& home;
   Settings settings;
   bool window_hidden = false;  ///< the main window is hidden in the tray
   Call call;

@@ -96,7 +96,7 @@ void MainCommands::OpenDialog(Dialog dialog, int tab) {
 }
 
 void MainCommands::ShowPage(const std::string& page) {
-  const auto target = parts_.shared.InApplicationFolder("\\Help\\" + page + ".htm");
+  const auto target = parts_.home.Path("\\Help\\" + page + ".htm");
   if (parts_.shell.Open(target)) return;
   parts_.log.WriteSystem("Cannot open " + target);
   parts_.messages.Information("No program on this computer opens " + target);

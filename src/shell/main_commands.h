@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "base/paths.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_library.h"
 #include "notify/desk_sounds.h"
@@ -98,7 +99,7 @@ class MainCommands {
     DialogFactory& dialogs;
     Dialogs& messages;
     Shell& shell;
-    const SharedOptions& shared;
+    const ApplicationFolder& home;
     SystemLog& log;
     std::function<void(bool on)> switch_line;
   };

@@ -24,16 +24,16 @@ constexpr auto kTrayPatience = 10s;
 
 }  // namespace
 
-MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& shared,
+MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home,
                        const OperatingSystem& system, DialogFactory& dialogs,
                        std::function<void()> end_process)
     : ports_(ports),
       views_(views),
       system_(system),
       end_process_(std::move(end_process)),
-      machine_(ports, views, shared),
+      machine_(ports, views, home),
       commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs,
-                 ports.shell, shared, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
+                 ports.shell, home, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
       TimerPannel(ports.loop.MakeTimer([this] { ShowClock(); })),
       TrayWatch_(ports.loop.MakeTimer([this] { WatchTray(); })) {}
 
@@ -112,7 +112,7 @@ void MainWindow::StartUp() {
   trap([&] { machine_.move.GoOn(); });
   if (machine_.line.SelectModemDevice()) {
     machine_.line.OpenLine(machine_.settings.Modem);
-    machine_.sounds.PlayWave(machine_.shared.InApplicationFolder("\\beep.wav"));
+    machine_.sounds.PlayWave(machine_.home.Path("\\beep.wav"));
   }
   views_.player.EnableSlider(false);
   const auto& note = machine_.folders.Note();
@@ -120,7 +120,7 @@ void MainWindow::StartUp() {
 }
 
 void MainWindow::OpenRecords() {
-  const auto note = ports_.DataBase1.Open(machine_.shared.InApplicationFolder("\\Calls"));
+  const auto note = ports_.DataBase1.Open(machine_.home.Path("\\Calls"));
   if (note.empty()) return;
   machine_.log.WriteSystem(note);
   TellOfLoss(note);

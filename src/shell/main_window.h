@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 
+#include "base/paths.h"
 #include "core/mMain.h"
 #include "platform/operating_system.h"
 #include "shell/answering_machine.h"
@@ -16,8 +17,8 @@ namespace orven {
 class MainWindow : public MainWindowStart, private TrayOwner {
  public:
   /// `end_process` ends the program; it is called once, after everything has been closed.
-  MainWindow(EnginePorts ports, MainWindowViews views, SharedOptions& shared, const OperatingSystem& system,
-             DialogFactory& dialogs, std::function<void()> end_process);
+  MainWindow(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home,
+             const OperatingSystem& system, DialogFactory& dialogs, std::function<void()> end_process);
 
   void LoadHidden() override;
   void Show() override;

@@ -32,7 +32,7 @@ void AfterCall::File(Call& call) {
 
 void AfterCall::PlaySound(const std::string& name) {
   if (name.empty()) return;
-  effects_.sounds.PlayWave(shared_.InApplicationFolder("\\Sound\\") + name);
+  effects_.sounds.PlayWave(home_.Path("\\Sound\\") + name);
 }
 
 void AfterCall::ShowFinished(const Call& call) {

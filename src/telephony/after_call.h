@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "actions/actions_engine.h"
+#include "base/paths.h"
+#include "core/settings.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
@@ -24,13 +26,13 @@ struct CallEffects {
 class AfterCall {
  public:
   AfterCall(CallEffects effects, CallFiling& filing, CallList& list, SystemLog& log, const Settings& settings,
-            const SharedOptions& shared, std::function<bool()> window_hidden)
+            const ApplicationFolder& home, std::function<bool()> window_hidden)
       : effects_(effects),
         filing_(filing),
         list_(list),
         log_(log),
         settings_(settings),
-        shared_(shared),
+        home_(home),
         window_hidden_(std::move(window_hidden)) {}
 
   /// A call is offered: ring sound and caller view.
@@ -60,7 +62,7 @@ class AfterCall {
   CallList& list_;
   SystemLog& log_;
   const Settings& settings_;
-  const SharedOptions& shared_;
+  const ApplicationFolder& home_;
   std::function<bool()> window_hidden_;
 };
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/paths.h"
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "platform/wave.h"
@@ -21,7 +22,7 @@ struct CallParts {
   WaveControl& Wave1;
   SystemLog& log;
   const Settings& settings;
-  const SharedOptions& shared;
+  const ApplicationFolder& home;
   Call& call;
   LineManager& line;
   OpenCalls& open_calls;

@@ -125,8 +125,7 @@ std::int32_t CallSequence::PlayOnLine(const std::string& path) {
 
 void CallSequence::PlayGreeting() {
   control_.Enter(CallState::Greeting, "ErrTapiConnected ");
-  const auto result =
-      PlayOnLine(control_.shared.InApplicationFolder("\\Greets\\") + control_.settings.Greeting + ".wav");
+  const auto result = PlayOnLine(control_.home.Path("\\Greets\\") + control_.settings.Greeting + ".wav");
   if (result == kWaveOk) return;
   control_.log.WriteSystem("Play Greeting " + control_.Wave1.PlayErrorText(result));
   PlayFinished();
@@ -147,7 +146,7 @@ void CallSequence::PlayFinished() {
 
 void CallSequence::PlayBeep() {
   control_.Enter(CallState::Beep, "ErrLineWaveDonePlay ");
-  const auto result = PlayOnLine(control_.shared.InApplicationFolder("\\beep.wav"));
+  const auto result = PlayOnLine(control_.home.Path("\\beep.wav"));
   control_.log.WriteSystem("Play Beep " + control_.Wave1.PlayErrorText(result));
   if (result != kWaveOk) PlayFinished();
 }

@@ -32,18 +32,9 @@ void IgnoreStrayWheel(QWidget& control) {
   control.installEventFilter(MakeChild<StrayWheel>(control));
 }
 
-void FillList(QComboBox& list, const std::vector<std::string>& items, const std::string& selected) {
+void FillList(QComboBox& list, const std::vector<std::string>& items) {
   list.clear();
   for (const auto& item : items) list.addItem(QString::fromStdString(item), QString::fromStdString(item));
-  // By default findText ignores letter case, but names may differ only in that.
-  const auto flags = Qt::MatchExactly | Qt::MatchCaseSensitive;
-  list.setCurrentIndex(list.findText(QString::fromStdString(selected), flags));
-}
-
-std::vector<std::string> ListItems(const QComboBox& list) {
-  std::vector<std::string> items;
-  for (int i = 0; i < list.count(); ++i) items.push_back(list.itemText(i).toStdString());
-  return items;
 }
 
 ElidedLabel::ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(parent), mode_(mode) {

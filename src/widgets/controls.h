@@ -20,11 +20,8 @@ Object* MakeChild(Arguments&&... arguments) {
 /// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);
 
-/// Makes `items` the entries of a list and selects one of them; none when there is no such entry.
-void FillList(QComboBox& list, const std::vector<std::string>& items, const std::string& selected = {});
-
-/// The entries of a list.
-std::vector<std::string> ListItems(const QComboBox& list);
+/// Makes `items` the entries of a list.
+void FillList(QComboBox& list, const std::vector<std::string>& items);
 
 /// A label for one line of text of any length. Text that does not fit is shrunk, then elided; the whole text
 /// is shown as a tool tip. text() is always the whole text.

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Reads any registry.reg. Writing and reading it again must give the same values.
-#include <iterator>
-#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "adapters/registry/registry_document.h"
@@ -12,17 +11,15 @@
 namespace orven::fuzz {
 namespace {
 
-using Kind = RegistryLine::Kind;
-
-/// Returns the names of the values in `text` by their keys. The program's own key is always there.
-std::map<std::string, std::vector<std::string>> NamesIn(std::string_view text) {
-  std::map<std::string, std::vector<std::string>> names{{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN", {}}};
-  auto key = names.begin();
-  while (!text.empty()) {
+/// Returns the key and name of each value in `text`; for a key itself, and for the program's own, without
+/// name.
+std::vector<std::pair<std::string, std::string>> NamesIn(std::string_view text) {
+  std::vector<std::pair<std::string, std::string>> names{{"HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN", ""}};
+  for (std::string key; !text.empty();) {
     const RegistryLine line = ParseRegistryLine(text, 1);
     Require(!line.raw.empty() && line.raw.size() <= text.size());
-    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) key = names.try_emplace(line.name).first;
-    if (line.kind == Kind::Value) key->second.push_back(line.name);
+    if (line.kind == RegistryLine::Kind::Key) names.emplace_back(key = line.name, "");
+    if (line.kind == RegistryLine::Kind::Value) names.emplace_back(key, line.name);
     text.remove_prefix(line.raw.size());
   }
   return names;
@@ -32,24 +29,19 @@ void RequireLasting(const RegistryDocument& document) {
   const std::string text = document.Text();
   const RegistryDocument again(text);
   Require(again.Faults().empty() && again.Text() == text);
-  for (const auto& [key, names] : NamesIn(text)) {
+  for (const auto& [key, name] : NamesIn(text)) {
+    const RegistryValue *value = document.Find(key, name), *read = again.Find(key, name);
+    Require(value == nullptr || read == nullptr ? value == read : *value == *read);
     Require(document.HasKey(key) == again.HasKey(key));
-    for (const std::string& name : names) {
-      const RegistryValue *value = document.Find(key, name), *read = again.Find(key, name);
-      Require(value == nullptr || read == nullptr ? value == read : *value == *read);
-    }
   }
 }
 
 void Change(RegistryDocument& document, Choices& choices) {
   static constexpr std::uint32_t kTypes[] = {1, 4, 3, 0x80000001};
   const auto present = NamesIn(document.Text());
-  const std::string key = choices.Below(2) == 0
-                              ? choices.Text()
-                              : std::next(present.begin(), choices.Byte() % std::ssize(present))->first;
-  const auto names = present.contains(key) ? present.at(key) : std::vector<std::string>();
-  const bool known = !names.empty() && choices.Below(2) == 0;
-  NamedRegistryValue value{known ? names[choices.Byte() % names.size()] : choices.Text(), {}};
+  const auto& known = present[choices.Byte() % present.size()];
+  const std::string key = choices.Below(2) == 0 ? choices.Text() : known.first;
+  NamedRegistryValue value{choices.Below(2) == 0 ? known.second : choices.Text(), {}};
   value.value = {kTypes[choices.Below(std::size(kTypes))], choices.Text()};
   if (value.value.type == 1) value.value.data += '\0';
   const std::string before = document.Text();

@@ -118,29 +118,14 @@ class Telephone {
 struct Listener {
   void Take(const LineEvent& event) {
     using Kind = LineEvent::Kind;
-    switch (event.kind) {
-      case Kind::InCommingCall: return Note(++call, event.call, 'o');
-      case Kind::Ring: return Note(call, event.call, 'r');
-      case Kind::CallerID:
-        Require(IsUtf8(event.name) && IsUtf8(event.text) && IsUtf8(CleanCallerText(event.name)));
-        return Note(call, event.call, 'n');
-      case Kind::Proc:
-        Require(open_requests.erase(event.number) == 1);
-        if (event.result == kTelephonyOk) events += 'x';
-        return;
-      case Kind::Connected: return Note(call, event.call, 'c');
-      case Kind::MonitorDigit:
-        Require(std::string_view("0123456789*#ABCD").find(event.digit) != std::string_view::npos);
-        return Note(call, event.call, 'k');
-      case Kind::Disconnected: return Note(call, event.call, 'd');
-      case Kind::Idle: return Note(call, event.call, 'i');
-      case Kind::Trouble: return;
-    }
-  }
-
-  void Note(CallNumber expected, CallNumber number, char event) {
-    Require(number == expected);
-    events += event;
+    if (event.kind == Kind::Proc) Require(open_requests.erase(event.number) == 1);
+    if (event.kind == Kind::Proc && event.result != kTelephonyOk) return;
+    if (event.kind == Kind::InCommingCall) ++call;
+    if (event.kind == Kind::MonitorDigit)
+      Require(std::string_view("0123456789*#ABCD").find(event.digit) != std::string_view::npos);
+    Require(event.kind == Kind::Proc || event.call == call);
+    Require(IsUtf8(event.name) && IsUtf8(event.text) && IsUtf8(CleanCallerText(event.name)));
+    events += "ornxckdi-"[static_cast<int>(event.kind)];
   }
 
   CallNumber call = 0;

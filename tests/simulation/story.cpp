@@ -140,8 +140,8 @@ constexpr Event kMeanwhile[] = {
     {25, 1, "the clock is set back a day", [](World& world, int) { world.time.TurnClock(-24h); }},
     {25, 1, "the clock is set ten years on", [](World& world, int) { world.time.TurnClock(24h * 3652); }},
     {25, 4000, "the clock: new year in ms", [](World& world, int n) { TurnToNewYear(world, n * 1ms); }},
-    {3, 1500, "answers after ms", [](World& world, int n) { world.line->SetAnswerDelay(n * 1ms); }},
-    {4, 2000, "connects after ms", [](World& world, int n) { world.line->SetConnectDelay(n * 1ms); }},
+    {3, 1500, "answers after ms", [](World& world, int n) { world.line->answer_delay = n * 1ms; }},
+    {4, 2000, "connects after ms", [](World& world, int n) { world.line->connect_delay = n * 1ms; }},
     {3, 1, "callerid Anna", [](World& world, int) { world.line->CallerId("Anna", "555"); }},
     {3, 1, "callerid Ben", [](World& world, int) { world.line->CallerId("Ben", "555"); }},
     {9, 1, "callerid, no name", [](World& world, int) { world.line->CallerId("", "555"); }},
@@ -152,7 +152,7 @@ constexpr Event kMeanwhile[] = {
      [](World& world, int n) { FailDisk(world, 1, static_cast<unsigned>(n), n > 3); }},
     {15, 40, "disk full at write",
      [](World& world, int n) { FailDisk(world, n, FailingDisk::kForGood, n % 2 == 0); }},
-    {8, 1, "answer fails", [](World& world, int) { world.line->FailAnswers(1); }},
+    {8, 1, "answer fails", [](World& world, int) { world.line->failing_answers = 1; }},
     {10, 1, "play fails", [](World& world, int) { world.Wave1.play_result = kWaveNoDevice; }},
     {10, 1, "start of recording fails", [](World& world, int) { world.Wave1.start_result = kWaveNoDevice; }},
     {12, 1, "record format missing", [](World& world, int) { world.Wave1.query_result = kWaveNoDevice; }},
@@ -252,9 +252,9 @@ Story RandomStory(std::uint64_t seed) {
 void MendEverything(World& world) {
   auto& wave = world.Wave1;
   wave.play_result = wave.start_result = wave.query_result = wave.stop_result = wave.monitor_result = kWaveOk;
-  world.line->FailAnswers(0);
-  world.line->SetAnswerDelay(20ms);
-  world.line->SetConnectDelay(0ms);
+  world.line->failing_answers = 0;
+  world.line->answer_delay = 20ms;
+  world.line->connect_delay = 0ms;
   world.disk.Mend();
   world.database_full = world.database.gone = false;
 }

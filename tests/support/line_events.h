@@ -10,21 +10,17 @@ namespace orven::test {
 /// A driver's event in a few words.
 inline std::string ToText(const LineEvent& event) {
   using Kind = LineEvent::Kind;
-  const auto call = ' ' + std::to_string(event.call), number = ' ' + std::to_string(event.number);
-  switch (event.kind) {
-    case Kind::InCommingCall: return "Offered" + call;
-    case Kind::Ring: return "Ring" + call + number;
-    case Kind::CallerID: return "CallerId" + call + ' ' + event.name + '/' + event.text;
-    case Kind::Proc:
-      return "Done" + number + ' ' +
-             (event.result == kTelephonyDeviceFailed ? "failed" : std::to_string(event.result));
-    case Kind::Connected: return "Connected" + call;
-    case Kind::MonitorDigit: return std::string("Digit ") + event.digit;
-    case Kind::Disconnected: return "Disconnected" + call;
-    case Kind::Idle: return "Idle" + call;
-    case Kind::Trouble: return "Trouble " + event.text;
-  }
-  return {};
+  constexpr const char* kWords[] = {"Offered ", "Ring ",         "CallerId ", "Done ",   "Connected ",
+                                    "Digit ",   "Disconnected ", "Idle ",     "Trouble "};
+  const std::string word = kWords[static_cast<int>(event.kind)], number = std::to_string(event.number);
+  const bool failed = event.result == kTelephonyDeviceFailed;
+  if (event.kind == Kind::Proc)
+    return word + number + ' ' + (failed ? "failed" : std::to_string(event.result));
+  if (event.kind == Kind::MonitorDigit) return word + event.digit;
+  if (event.kind == Kind::Trouble) return word + event.text;
+  const auto call = word + std::to_string(event.call);
+  if (event.kind == Kind::CallerID) return call + ' ' + event.name + '/' + event.text;
+  return event.kind == Kind::Ring ? call + ' ' + number : call;
 }
 
 }  // namespace orven::test

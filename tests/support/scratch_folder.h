@@ -26,6 +26,7 @@ class ScratchFolder {
     std::filesystem::remove_all(path_, ignored);
   }
 
+  const std::string& Path() const { return path_; }
   std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
   /// Counts the files whose names begin with `prefix`.

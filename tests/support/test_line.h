@@ -13,8 +13,6 @@ namespace orven::test {
 /// A simulated line with a caller that a test plays, and with a network that takes its time and can fail.
 class TestLine : public LineDriver {
  public:
-  using Delay = std::chrono::milliseconds;
-
   explicit TestLine(EventLoop& loop, SimScript script = {}) : loop_(loop), sim_(loop, std::move(script)) {}
 
   // The caller.
@@ -27,31 +25,30 @@ class TestLine : public LineDriver {
   void HangUp() { sim_.Do({.kind = SimStep::Kind::HangUp}); }
 
   // The network.
-  /// How long answering and hanging up take.
-  void SetAnswerDelay(Delay delay) { answer_delay_ = delay; }
+  std::chrono::milliseconds answer_delay{20};  ///< how long answering and hanging up take
   /// How long after the answer the call is connected; the caller may hang up in between.
-  void SetConnectDelay(Delay delay) { connect_delay_ = delay; }
-  void FailAnswers(int count) { failing_answers_ = count; }
-  void FailOpen(std::optional<OpenFailure> failure) { failure_ = std::move(failure); }
+  std::chrono::milliseconds connect_delay{0};
+  int failing_answers = 0;             ///< number of the next answers that fail
+  std::optional<OpenFailure> failure;  ///< of the next openings
 
   bool HasCall() const { return call_ != 0; }
   bool IsAnswered() const { return connected_; }
 
   std::optional<OpenFailure> Open(LineSink events) override {
-    if (failure_) return failure_;
+    if (failure) return failure;
     events_ = std::move(events);
     return sim_.Open([this](const LineEvent& event) { Take(event); });
   }
   void Close() override { sim_.Close(); }
   void Answer(CallNumber call, std::int32_t request) override {
-    loop_.After(answer_delay_, lifeline_.Bind([this, call, request] {
-      if (call != call_ || failing_answers_ == 0) return sim_.Answer(call, request);
-      --failing_answers_;
+    loop_.After(answer_delay, lifeline_.Bind([this, call, request] {
+      if (call != call_ || failing_answers == 0) return sim_.Answer(call, request);
+      --failing_answers;
       events_({.kind = LineEvent::Kind::Proc, .number = request, .result = kTelephonyDeviceFailed});
     }));
   }
   void Drop(CallNumber call, std::int32_t request) override {
-    loop_.After(answer_delay_, lifeline_.Bind([this, call, request] { sim_.Drop(call, request); }));
+    loop_.After(answer_delay, lifeline_.Bind([this, call, request] { sim_.Drop(call, request); }));
   }
   void MonitorDigits(CallNumber call, bool on) override { sim_.MonitorDigits(call, on); }
   AudioDevice& Audio() override { return sim_.Audio(); }
@@ -61,8 +58,8 @@ class TestLine : public LineDriver {
     if (event.kind == LineEvent::Kind::InCommingCall) call_ = event.call;
     if (event.kind == LineEvent::Kind::Idle) call_ = 0, connected_ = false;
     if (event.kind != LineEvent::Kind::Connected) return events_(event);
-    if (connect_delay_.count() == 0) return Connect(event);
-    loop_.After(connect_delay_, lifeline_.Bind([this, event] { Connect(event); }));
+    if (connect_delay.count() == 0) return Connect(event);
+    loop_.After(connect_delay, lifeline_.Bind([this, event] { Connect(event); }));
   }
   void Connect(const LineEvent& event) {
     if (event.call != call_) return;
@@ -73,9 +70,6 @@ class TestLine : public LineDriver {
   EventLoop& loop_;
   SimLine sim_;
   LineSink events_;
-  std::optional<OpenFailure> failure_;
-  Delay answer_delay_{20}, connect_delay_{0};
-  int failing_answers_ = 0;
   CallNumber call_ = 0;
   bool connected_ = false;
   Lifeline lifeline_;

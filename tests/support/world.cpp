@@ -35,7 +35,6 @@ World::World(DatabaseControl* records)
       Wave1(time, files),
       WavePlay(time, files),
       records_(records == nullptr ? database : *records) {
-  shared.application_folder = kHome;
   std::istringstream settings{std::string(kWorkingSettings)};
   for (std::string name, value; std::getline(settings >> std::ws, name, '=');) {
     std::getline(settings, value, ';');
@@ -69,7 +68,7 @@ void World::Build() {
   window = std::make_unique<MainWindow>(
       EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, records_, *Tapi1,
                   Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
-      views.All(), shared, system, dialog_factory, [this] { ended = true; });
+      views.All(), home, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "adapters/line/sim/virtual_time.h"
+#include "base/paths.h"
 #include "shell/main_window.h"
 #include "support/memory_database.h"
 #include "support/memory_disk.h"
@@ -91,7 +92,7 @@ class World {
   DeviceCapabilities device = VoiceDevice("Sim");  ///< of `line`
   TestLine* line = nullptr;
   std::unique_ptr<TelephonyControl> Tapi1;
-  SharedOptions shared;
+  const ApplicationFolder home{kHome};
   std::int32_t loud = 0;
   bool database_full = false;  ///< every change of a record fails
   bool ended = false;

@@ -51,7 +51,7 @@ QList<QPixmap> CallerViews(Desk& desk) {
 
 QList<QPixmap> Events(Desk& desk) {
   auto& machine = desk.Machine();
-  EventsDialog dialog({machine.settings, machine.store, machine.shared, desk.files, machine.sounds,
+  EventsDialog dialog({machine.settings, machine.store, machine.home, desk.files, machine.sounds,
                        machine.player, desk.dialogs, machine.caller_view});
   QList<QPixmap> pictures;
   for (int tab = 0; tab < 3; ++tab) {
@@ -62,7 +62,8 @@ QList<QPixmap> Events(Desk& desk) {
 }
 
 QList<QPixmap> Actions(Desk& desk) {
-  ActionsDialog dialog({desk.Machine().store, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
+  ActionsDialog dialog(
+      {desk.Machine().store, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
   QList<QPixmap> pictures;
   for (int tab = 0; tab < 2; ++tab) {
     frmActions window(dialog, tab, nullptr);

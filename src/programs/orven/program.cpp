@@ -37,22 +37,15 @@ void EndEventLoops() {
   QCoreApplication::exit();
 }
 
-SharedOptions InFolder(const std::string& folder) {
-  SharedOptions shared;
-  shared.application_folder = folder;
-  return shared;
-}
-
 }  // namespace
 
 Program::Program(Folders folders)
-    : shared_(InFolder(folders.application)),
+    : home_(folders.application),
       folders_(std::move(folders)),
       system_(folders_.application),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
       background_(loop_),
-      registry_file_(shared_.InApplicationFolder("\\registry.reg"),
-                     [this](const std::string& text) { Report(text); }),
+      registry_file_(home_.Path("\\registry.reg"), [this](const std::string& text) { Report(text); }),
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
       registry_(autostart_, {{kSpeechEngine, [this] { return SpeechInstalled(HelperPath()); }}}),
       database_(
@@ -75,18 +68,18 @@ Program::Program(Folders folders)
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
       desk_devices_(lines_, cards_),
-      line_wave_(loop_, line_devices_, shared_.InApplicationFolder(kRescueFolder)),
-      desk_wave_(loop_, desk_devices_, shared_.InApplicationFolder(kRescueFolder)),
+      line_wave_(loop_, line_devices_, home_.Path(kRescueFolder)),
+      desk_wave_(loop_, desk_devices_, home_.Path(kRescueFolder)),
       waveforms_(loop_),
       take_waveforms_(loop_),
       uDat_(loop_),
       caller_view_(frame_),
       shell_(frame_.windowIcon()),
       mail_(
-          loop_, shared_.InApplicationFolder(kOutbox), [this] { return Account(); },
+          loop_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
       program_dialogs_(Ports(), [this] { cards_.Present(); }),
-      window_(Ports(), frame_.Views(caller_view_), shared_, system_, program_dialogs_, EndEventLoops) {
+      window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   program_dialogs_.Attach(window_.Machine(), frame_);
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
@@ -136,7 +129,7 @@ std::vector<TelephoneDevice> Program::MakeLines() {
 }
 
 std::string Program::LinesPath() const {
-  return shared_.InApplicationFolder("\\lines.ini");
+  return home_.Path("\\lines.ini");
 }
 
 bool Program::LineInUse() const {
@@ -171,7 +164,7 @@ void Program::WaitForLines() {
 }
 
 bool Program::Start(const std::string& command_line) {
-  FirstStart first_start(registry_, system_, shared_, FirstStartSources());
+  FirstStart first_start(registry_, system_, home_, FirstStartSources());
   EntryRoutine entry(system_, dialogs_, first_start, [this](bool first) { PrepareFolder(first); });
   if (!entry.Run(command_line, window_)) return false;
   if (!Ended()) mail_.Resume();
@@ -180,17 +173,17 @@ bool Program::Start(const std::string& command_line) {
 
 void Program::PrepareFolder(bool first_start) {
   prepared_ = true;
-  const auto seeded = SeedApplicationFolder(shared_.application_folder, folders_.assets, first_start);
+  const auto seeded = SeedApplicationFolder(home_.Path(), folders_.assets, first_start);
   for (const auto& problem : early_problems_) Report(problem);
   for (const auto& problem : seeded.problems) Report(problem);
   if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
   // The help's pictures would delay the start on a slow disk.
   auto help = std::make_shared<SeedReport>();
-  background_.Run([help, folder = shared_.application_folder,
-                   assets = folders_.assets] { *help = RefreshHelp(folder, assets); },
-                  [this, help](const std::exception_ptr&) {
-                    for (const auto& problem : help->problems) Report(problem);
-                  });
+  background_.Run(
+      [help, folder = home_.Path(), assets = folders_.assets] { *help = RefreshHelp(folder, assets); },
+      [this, help](const std::exception_ptr&) {
+        for (const auto& problem : help->problems) Report(problem);
+      });
 }
 
 FirstStart::Sources Program::FirstStartSources() {
@@ -211,7 +204,7 @@ FirstStart::Sources Program::FirstStartSources() {
 void Program::TellOfLostSettings() {
   const auto& damaged = registry_file_.DamagedFile();
   std::error_code none;
-  if (damaged.empty() && !std::filesystem::exists(shared_.InApplicationFolder(kRecords), none)) return;
+  if (damaged.empty() && !std::filesystem::exists(home_.Path(kRecords), none)) return;
   const auto loss = (damaged.empty() ? std::string("The settings are missing")
                                      : "The settings could not be read and are kept as " + damaged) +
                     ": the installation's settings and a new password are used";

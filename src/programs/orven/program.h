@@ -22,6 +22,7 @@
 #include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
 #include "adapters/sound/sound_cards.h"
+#include "base/paths.h"
 #include "core/mMain.h"
 #include "notify/frmMSG.h"
 #include "programs/orven/program_dialogs.h"
@@ -71,7 +72,7 @@ class Program {
   bool UseChangedLines();
   void WaitForLines();
 
-  SharedOptions shared_;
+  const ApplicationFolder home_;
   Folders folders_;
   std::vector<std::string> early_problems_;  ///< found before the application folder was claimed
   bool prepared_ = false;

@@ -70,7 +70,7 @@ void ProgramDialogs::Open(Dialog dialog, int tab) {
 
 void ProgramDialogs::OpenEvents(int tab) {
   auto& machine = *machine_;
-  EventsDialog engine({machine.settings, machine.store, machine.shared, ports_.files, machine.sounds,
+  EventsDialog engine({machine.settings, machine.store, machine.home, ports_.files, machine.sounds,
                        machine.player, ports_.dialogs, machine.caller_view});
   frmEvents(engine, tab, window_).exec();
 }

@@ -40,7 +40,7 @@ class EventsWindow : public WindowTest {
   AnsweringMachine& machine = world.Machine();
   Settings& settings = machine.settings;
   const std::string library = std::string(World::kHome) + "/Sound/";
-  EventsDialog dialog{{settings, machine.store, machine.shared, world.files, machine.sounds, machine.player,
+  EventsDialog dialog{{settings, machine.store, machine.home, world.files, machine.sounds, machine.player,
                        world.dialogs, machine.caller_view}};
   std::unique_ptr<frmEvents> window;
 };

@@ -59,7 +59,7 @@ TEST_F(Window, EachCommandOpensItsDialogOrPage) {
        {std::pair("mnuContents", "index"), std::pair("mnuGreetingsPage", "greetings"),
         std::pair("mnuSoundsPage", "sounds"), std::pair("mnuHomePage", "index")}) {
     desk.Do(item);
-    EXPECT_EQ(desk.shell.opened.back(), desk.shared.application_folder + "/Help/" + page + ".htm");
+    EXPECT_EQ(desk.shell.opened.back(), desk.folder.Path("\\Help\\" + std::string(page) + ".htm"));
     EXPECT_EQ(desk.dialogs.informations.back(),
               "No program on this computer opens " + desk.shell.opened.back());
   }
@@ -96,7 +96,7 @@ TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
     EXPECT_EQ(state(), "On|-|Off|Monitoring Home");
   }
   desk.Do("mnuOff");
-  desk.line->FailOpen(OpenFailure{kTelephonyLineInUse, "the port is taken"});
+  desk.line->failure = {kTelephonyLineInUse, "the port is taken"};
   desk.Do("Toolbar1.OnOff");
   EXPECT_EQ(state(), "Off|On|Off|Off Mode") << "opening is tried again until the line is turned off";
 }

@@ -23,8 +23,6 @@ Desk::Desk(const std::string& settings)
                 kRead,
                 {"OpenCalls", {kOpenCallFields.begin(), kOpenCallFields.end()}}}),
       WavePlay(loop, card, home / "Rescued") {
-  shared.application_folder = home / "";
-  shared.application_folder.pop_back();
   for (const char* name : {"Greets", "Sound", "Log", "Messages"})
     std::filesystem::create_directories(home / name);
   std::string stored = "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVEN]\n";
@@ -42,7 +40,7 @@ Desk::Desk(const std::string& settings)
   engine = std::make_unique<MainWindow>(
       EnginePorts{clock, loop, files, background, registry, dialogs, shell, mouse, Mail1, database, *Tapi1,
                   *Wave1, WavePlay, waveforms, take_waveforms, uDat, cards},
-      window.Views(other_views.caller_view), shared, system, dialog_factory, [this] { ++ends; });
+      window.Views(other_views.caller_view), folder, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }
 

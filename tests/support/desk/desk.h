@@ -16,6 +16,7 @@
 #include "adapters/desktop/qt_event_loop.h"
 #include "adapters/files/disk_files.h"
 #include "adapters/registry/registry_file.h"
+#include "base/paths.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
 #include "support/desk/silent_card.h"
@@ -63,7 +64,7 @@ class Desk {
   AnsweringMachine& Machine() { return engine->Machine(); }
 
   ScratchFolder home;
-  SharedOptions shared;
+  ApplicationFolder folder{home.Path()};
   QtEventLoop loop;
   QtClock clock;
   DiskFiles files;

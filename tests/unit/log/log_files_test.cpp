@@ -14,14 +14,13 @@ using namespace std::chrono_literals;
 
 class LogFilesTest : public testing::Test {
  protected:
-  LogFilesTest() { shared.application_folder = "/app"; }
   std::vector<std::string> Names() const { return files.Names("/app/Log/"); }
 
   VirtualTime time{sys_days(2003y / 3 / 31) + 23h + 59min + 59s};
   MemoryFiles files{time};
   Settings settings;
-  SharedOptions shared;
-  LogFiles log{time, files, time, settings, shared};
+  const ApplicationFolder home{"/app"};
+  LogFiles log{time, files, time, settings, home};
 };
 
 TEST_F(LogFilesTest, EachEnabledLogHasOneFilePerDay) {

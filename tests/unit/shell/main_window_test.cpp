@@ -140,7 +140,7 @@ class EntryRoutineTest : public MainWindowTest {
  protected:
   EntryRoutineTest() { registry = MemoryRegistry(); }
   bool Run(const std::string& command_line) {
-    FirstStart first(registry, system, shared,
+    FirstStart first(registry, system, home,
                      {.random = [](std::uint32_t bound) { return 7 % bound; },
                       .announce_password = [this](const std::string& text) { told += text + " "; }});
     const auto prepare = [this](bool is_first) { told += is_first ? "first " : "later "; };

@@ -92,7 +92,7 @@ TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
 
 TEST_F(TelephonyTest, OnlyAFailureOfTheCurrentAnswerAllowsAnother) {
   Start();
-  line->SetAnswerDelay(5s);
+  line->answer_delay = 5s;
   line->Offer();
   for (int ring = 0; ring < 2; ++ring) line->Ring();
   RunFor(10ms);
@@ -235,17 +235,17 @@ TEST_F(TelephonyTest, ANameThatNoDeviceHasAnyMoreIsAskedFor) {
 TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
   const std::string opens = "LineOpen[LineIndex:0 Device Name:Sim]->";
   const std::string taken = "Error " + opens + "The line is in use by another program. Port 5060 is taken.";
-  line->FailOpen(OpenFailure{kTelephonyLineInUse, "Port 5060 is taken."});
+  line->failure = {kTelephonyLineInUse, "Port 5060 is taken."};
   Start();
   EXPECT_TRUE(Logged(taken));
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "the same reason is logged once";
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "a person turned the line on";
   window->TurnOff();
-  line->FailOpen({});
+  line->failure.reset();
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
-  line->FailOpen(OpenFailure{kTelephonyDeviceFailed, "No network."});
+  line->failure = {kTelephonyDeviceFailed, "No network."};
   window->TurnOn();
-  line->FailOpen({});
+  line->failure.reset();
   EXPECT_THAT(LoggedBy([&] { RunFor(5s); }), ElementsAre(opens + "Success"));
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
 }
