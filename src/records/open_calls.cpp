@@ -75,6 +75,7 @@ void OpenCalls::Begin(Call& call) {
   call.key = last_;
   open_[call.key];
   Note(call);
+  tmrWatch_->Start(kLook);
 }
 
 bool OpenCalls::Note(Call& call) {
@@ -96,14 +97,14 @@ bool OpenCalls::Note(Call& call) {
 void OpenCalls::KeepRow(const Call& call) {
   auto row = RowOf(call);
   database_.Keep(row);
-  newest_ = std::move(row);
-  if (!tmrWatch_->Enabled()) tmrWatch_->Start(kLook);
+  if (row.key == last_) newest_ = std::move(row);
 }
 
 /// A call may last for minutes without a step. If the records are replaced by another file meanwhile, its row
 /// has to follow; if they are gone, it becomes a note.
 void OpenCalls::Watch() {
-  if (!open_.contains(newest_.key)) return tmrWatch_->Stop();
+  if (!open_.contains(last_)) return tmrWatch_->Stop();
+  if (newest_.key != last_) return;  // it is being filed, or has a note
   if (ErrorTrap::Silent()([&] { database_.Keep(newest_); }) || noted_.contains(newest_.key)) return;
   ErrorTrap::Silent()([&] { WriteNote(newest_); });
 }
@@ -124,7 +125,7 @@ void OpenCalls::LeaveOut(Call& call) {
 }
 
 OpenCall OpenCalls::RowFor(const Call& call, bool finished) {
-  newest_ = {};  // it is changed together with the record
+  if (newest_.key == call.key) newest_ = {};  // it is changed together with the record
   return finished && !noted_.contains(call.key) ? OpenCall{call.key, 0, {}} : RowOf(call);
 }
 

@@ -81,7 +81,7 @@ class OpenCalls {
   std::int64_t last_ = 0;                 ///< the newest key
   std::map<std::int64_t, Message> open_;  ///< the open calls, by key
   std::set<std::int64_t> noted_;          ///< the calls that have a note
-  OpenCall newest_;                       ///< the row that was kept last, until its call gets a record
+  OpenCall newest_;                       ///< the row of the newest call, until it gets a record
   std::unique_ptr<Timer> tmrWatch_;       ///< runs while that call is open
   bool failing_ = false;                  ///< the latest step could not be kept
 };
