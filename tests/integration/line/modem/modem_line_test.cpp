@@ -252,7 +252,8 @@ struct Case {
   std::string script, told;
 };
 
-Case Row(const char* name, const char* profile, ModemFaults faults, std::string script, std::string told) {
+Case Row(const char* name, const char* profile, std::string script, std::string told,
+         ModemFaults faults = {}) {
   return {name, profile, faults, std::move(script), std::move(told)};
 }
 
@@ -267,7 +268,7 @@ Case WholeCalls(const char* name, const char* profile, const std::string& end, M
       "Digit #, The call is over: " +
       end + ", Disconnected @, Idle @, on-hook, recorded, heard";
   const auto of = [&told](const char* call) { return std::regex_replace(told, std::regex("@"), call); };
-  return Row(name, profile, faults, "ready;" + script + script + "complaints", of("1") + ", " + of("2"));
+  return Row(name, profile, "ready;" + script + script + "complaints", of("1") + ", " + of("2"), faults);
 }
 
 const std::string kSilent =
@@ -291,32 +292,31 @@ const Case kCases[] = {
     WholeCalls("TripledKeys", "softmodem", "the busy tone", {.tripled_keys = true}),
     WholeCalls("ThreeStops", "softmodem", "the busy tone", {.stops_needed = 3}),
     // A caller ID without a ring is not a call; one may come before the first ring.
-    Row("CallersGiveUp", "conexant", {},
+    Row("CallersGiveUp", "conexant",
         "ready; id NMBR = 5550000; 30000; id NMBR = P; 300; ring; 5000; ring; 60000; ring; 20000",
         "Offered 1, CallerId 1 /, Ring 1 1, Ring 1 2, Idle 1, Offered 2, Ring 2 1, Idle 2"),
-    Row("StopsPlayingAtOnce", "lucent", {},
+    Row("StopsPlayingAtOnce", "lucent",
         "ready; call; play 500; 2000; stop; play 60; played; drop; 2000; heard",
         "Connected 1, Done 2 0, Idle 1, heard"),
-    Row("LosesAByteAndIsUnplugged", "lucent", {},
+    Row("LosesAByteAndIsUnplugged", "lucent",
         "ready; call; record; 2000; lose 3; 100; event o; 1000; say 100; 3000; unplug; 1; recorded; 10000; "
         "power; plug;10000; call",
-        "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem was unplugged; it is used "
-        "again when it is plugged in, Trouble The modem was unplugged, recorded, " +
+        "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem was unplugged; it is used again when "
+        "it is plugged in, Trouble The modem was unplugged, recorded, " +
             kWorks + ", Connected 2"),
     // A loop break right after the answer comes from the exchange. While we play, a tone may be our own.
-    Row("EverySignOfTheEnd", "silabs", {.no_hang_up_code = true},
+    Row("EverySignOfTheEnd", "silabs",
         "ready; call; busy; 12000; call; dialtone; 12000; call; silence; 72000; call; event H; 9000; call; "
         "event l; 1000;event l; 9000; call; event K; 9000; call; play 900; 1000; event b; 4000; event b; "
-        "100; "
-        "hook; 2000; event d; 900",
+        "100; hook; 2000; event d; 900",
         "Connected 1, The call is over: the busy tone, Disconnected 1, Idle 1, Connected 2, The call is "
         "over: the dial tone, Disconnected 2, Idle 2, Connected 3, The call is over: a minute of silence, "
         "Disconnected 3, Idle 3, Connected 4, The call is over: another telephone on the same line was "
         "picked up and has the call now, Disconnected 4, Idle 4, Connected 5, The call is over: the loop was "
-        "broken, "
-        "Disconnected 5, Idle 5, Connected 6, The call is over: the congestion tone, Disconnected 6, Idle 6, "
-        "Connected 7, off-hook, The call is over: the dial tone, Disconnected 7, Idle 7"),
-    Row("AbsentThenSilentThenForbidden", "v253", {},
+        "broken, Disconnected 5, Idle 5, Connected 6, The call is over: the congestion tone, Disconnected 6, "
+        "Idle 6, Connected 7, off-hook, The call is over: the dial tone, Disconnected 7, Idle 7",
+        {.no_hang_up_code = true}),
+    Row("AbsentThenSilentThenForbidden", "v253",
         "unplug; start any; wedge; plug; opened; 20000; opened; 20000; opened; 120000; opened; 60000; "
         "opened; wake;120000; refuse 2; start",
         "No modem is plugged in, Trouble No modem is plugged in, opened 0, The modem at /dev/ttyACM0 " +
@@ -324,7 +324,7 @@ const Case kCases[] = {
             "opened 2, opened 1, opened 4, opened 1, The modem at /dev/ttyACM0 is: 560, V.253 VOICE MODEM, "
             "GENERIC, The modem at /dev/ttyACM0 works again, Trouble , Refused 2"),
     // Switched off and on; stuck while idle, while receiving, while playing, and right after the answer.
-    Row("Stuck", "conexant", {},
+    Row("Stuck", "conexant",
         "ready; power; 120000; asked +VCID=1; wedge; 180000; power; 120000; call; 1000; wedge; 15000; wake; "
         "30000; hook;call; play 2000; 2000; wedge; 15000; wake; 30000; ring; 300; answer; 220; wedge; 20000",
         "asked 2, The modem at /dev/modem " + kSilent + kWorks +
@@ -332,65 +332,63 @@ const Case kCases[] = {
             ", on-hook, Connected 2, Disconnected 2, Idle 2, The modem at /dev/modem " + kSilent + kWorks +
             ", Offered 3, Ring 3 1, Done 3 0, Connected 3, Disconnected 3, Idle 3, The modem at /dev/modem " +
             kSilent.substr(0, kSilent.size() - 2)),
-    Row("TurnedAwayAndDropped", "v253", {},
+    Row("TurnedAwayAndDropped", "v253",
         "ready; ring; 300; answer; drop; 5000; hook; 30000; call; play 500; 1000; drop; 3000; drop; 30000; "
         "stop; ring;300; drop; 5000; hook",
         "Offered 1, Ring 1 1, Done 1 0, Done 2 0, Idle 1, on-hook, Connected 2, Done 4 0, Idle 2, Done 5 0, "
         "Offered 3, Ring 3 1, Done 6 0, Idle 3, on-hook"),
-    Row("TakenThenBroken", "v253", {}, "refuse 1; start; 5000; refuse 3; 30000; plug; 30000",
+    Row("TakenThenBroken", "v253", "refuse 1; start; 5000; refuse 3; 30000; plug; 30000",
         "Refused 1, Trouble Another program uses the modem, Refused 3, Trouble The modem's port cannot be "
-        "used, The "
-        "modem at /dev/modem is: 560, V.253 VOICE MODEM, GENERIC, " +
+        "used, The modem at /dev/modem is: 560, V.253 VOICE MODEM, GENERIC, " +
             kWorks),
-    Row("NeitherOfTwo", "v253", {}, "ports 2; wedge; start any; 20000; ports 1; wake; 90000",
+    Row("NeitherOfTwo", "v253", "ports 2; wedge; start any; 20000; ports 1; wake; 90000",
         "No voice modem answers at /dev/ttyACM0, /dev/ttyACM0, Trouble No voice modem is found, The modem at "
         "/dev/ttyACM0 is: 560, V.253 VOICE MODEM, GENERIC, The modem at /dev/ttyACM0 works again, Trouble "),
-    Row("NoVoice", "fax", {}, "start; 5000",
+    Row("NoVoice", "fax", "start; 5000",
         "The modem at /dev/modem is not a voice modem, Trouble The modem is not a voice modem"),
-    Row("NoFormat", "adpcm", {}, "start; 5000; asked +VSM?",
+    Row("NoFormat", "adpcm", "start; 5000; asked +VSM?",
         "The voice modem at /dev/modem offers no supported audio format, Trouble The modem's audio format is "
-        "not "
-        "supported, asked 1"),
-    Row("SlowPort", "lucent", {}, "slow; ready; asked +VSM=129,8000; asked +VSM=131,8000",
-        "asked 0, asked 1"),
-    Row("RingsOnAfterTheAnswer", "v253", {},
+        "not supported, asked 1"),
+    Row("SlowPort", "lucent", "slow; ready; asked +VSM=129,8000; asked +VSM=131,8000", "asked 0, asked 1"),
+    Row("RingsOnAfterTheAnswer", "v253",
         "ready; call; play 100; 1000; event R; 1000; event R; 5000; asked +VLS=1; played; heard again",
         "Connected 1, asked 3, heard"),
     // The modem never confirms the end of playing, nor the end of receiving.
-    Row("StuckAtTheEndOfAudio", "v253", {},
+    Row("StuckAtTheEndOfAudio", "v253",
         "ready; call; play 20; 380; wedge; 9000; wake; 30000; call; 1000; wedge; play 10; 2900",
         "Connected 1, Disconnected 1, Idle 1, The modem at /dev/modem " + kSilent + kWorks +
             ", Connected 2, Disconnected 2, Idle 2"),
-    Row("DroppedBeforeItPlays", "v253", {}, "ready; call; delay 200; play 500; 450; drop; 3000; hook",
+    Row("DroppedBeforeItPlays", "v253", "ready; call; delay 200; play 500; 450; drop; 3000; hook",
         "Connected 1, Done 2 0, Idle 1, on-hook"),
-    Row("ClosedWhileItAnswersLate", "v253", {}, "ready; call; delay 5000; close; hook",
+    Row("ClosedWhileItAnswersLate", "v253", "ready; call; delay 5000; close; hook",
         "Connected 1, Idle 1, closed, on-hook"),
-    Row("AnsweredTwiceAndLate", "v253", {},
+    Row("AnsweredTwiceAndLate", "v253",
         "ready; ring; 300; from \x10XNMBR = 555\r\nNAME = EVE\r\n\x10.; 900; answer; answer; 2000; drop; "
         "3000; answer",
         "Offered 1, Ring 1 1, CallerId 1 EVE/555, Done 2 -5, Done 1 0, Connected 1, Done 3 0, Idle 1, Done 4 "
         "-4"),
-    Row("ClosedInACall", "v253", {}, "ready; call; close; hook", "Connected 1, Idle 1, closed, on-hook"),
-    Row("ClosedWhileStuck", "v253", {}, "ready; call; wedge; close; hook",
+    Row("ClosedInACall", "v253", "ready; call; close; hook", "Connected 1, Idle 1, closed, on-hook"),
+    Row("ClosedWhileStuck", "v253", "ready; call; wedge; close; hook",
         "Connected 1, Idle 1, closed, off-hook"),
-    Row("ClosedWhileAnswering", "v253", {}, "ready; ring; 300; delay 300; answer; drop; drop; close; hook",
+    Row("ClosedWhileAnswering", "v253", "ready; ring; 300; delay 300; answer; drop; drop; close; hook",
         "Offered 1, Ring 1 1, Done 3 0, Done 1 0, Done 2 0, Idle 1, closed, on-hook"),
-    Row("NoCarrierAfterTheAudio", "conexant", {},
+    Row("NoCarrierAfterTheAudio", "conexant",
         "ready; call; 1000; from \x10\x03\r\nNO CARRIER\r\n; 6000; asked +VLS=1",
         "Connected 1, The call is over: the modem has hung up, Disconnected 1, Idle 1, asked 1"),
-    Row("AlwaysEchoesAndGoesOffHookLate", "v253", {},
+    Row("AlwaysEchoesAndGoesOffHookLate", "v253",
         "echo; ready; 600000; asked +VCID=1; ring; 300; answer; offhook; delay 4000; 200; delay 0; 15000; "
         "hook",
         "asked 1, Offered 1, Ring 1 1, Done 1 failed, The modem did not answer the call, Idle 1, The modem "
         "at /dev/modem is: 560, GENERIC, V.253 VOICE MODEM, on-hook"),
-    Row("RefusesToAnswer", "softmodem", {.refuses_off_hook_in_ring = true},
+    Row("RefusesToAnswer", "softmodem",
         "ready; ring; 300; answer; 1600; ring; 1900; ring; 1900; ring; 1900; ring; 20000; hook",
         "Offered 1, Ring 1 1, Ring 1 2, Ring 1 3, Ring 1 4, Done 1 failed, The modem did not answer the "
-        "call, Ring 1 5, Idle 1, on-hook"),
+        "call, Ring 1 5, Idle 1, on-hook",
+        {.refuses_off_hook_in_ring = true}),
     // The line keeps ringing after the answer, and the modem refuses to answer again until the ring is over.
-    Row("AnswersAgain", "softmodem", {.refuses_off_hook_in_ring = true, .answer_does_not_take = true},
-        "ready; ring; 2500; answer; 150; ring; 8000; hook; asked +VLS=1",
-        "Offered 1, Ring 1 1, Done 1 0, Connected 1, off-hook, asked 5"),
+    Row("AnswersAgain", "softmodem", "ready; ring; 2500; answer; 150; ring; 8000; hook; asked +VLS=1",
+        "Offered 1, Ring 1 1, Done 1 0, Connected 1, off-hook, asked 5",
+        {.refuses_off_hook_in_ring = true, .answer_does_not_take = true}),
 };
 
 class ModemLine : public testing::TestWithParam<Case> {};

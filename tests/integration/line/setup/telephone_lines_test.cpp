@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The configured telephone lines, with a real file, a real registrar and a pseudo-terminal.
 #include <gmock/gmock.h>
-#include <pty.h>
 #include <qtestsupport_core.h>
 
 #include "adapters/desktop/qt_clock.h"
@@ -13,6 +12,8 @@
 #include "adapters/line/setup/sip_probe.h"
 #include "base/runtime_error.h"
 #include "integration/line/sip/sip_line_test.h"
+#include "modem_emulator/modem_emulator.h"
+#include "modem_emulator/program/pseudo_terminal.h"
 #include "support/scratch_folder.h"
 #include "telephony/telephony_control.h"
 
@@ -38,7 +39,7 @@ class TelephoneLinesTest : public testing::Test {
     Tapi1.LineClose(0);
     std::vector<std::string> problems;
     EXPECT_TRUE(Tapi1.Replace(MakeTelephoneLines(
-        path, loop, QtClock(), problems, [](auto&) {}, states)));
+        path, loop, clock, problems, [](auto&) {}, states)));
     Tapi1.LineOpen(0, 4, 8);
     return first;
   }
@@ -58,6 +59,7 @@ class TelephoneLinesTest : public testing::Test {
   ScratchFolder folder;
   const std::string path = folder / "lines.ini";
   QtEventLoop loop;
+  const QtClock clock;
   LineStates states;
   TelephonyControl Tapi1{loop, {}};
   FileTelephoneLines lines{
@@ -129,6 +131,8 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
        "cannot listen on 192."},
       {"tls_trust = trust.pem", "Calls can come in at " + own, "Waiting for calls"},
       {"tls_listen = " + Free(), "Calls can come in at " + own + ", with TLS", "Waiting for calls"},
+      {login("100") + "\ntransport = tls\ntls_listen = " + Free(), "cannot be used together",
+       "cannot be used together"},
       {"tls_certificate = gone.pem\ntls_listen = " + Free(), "gone.pem cannot be used",
        "gone.pem cannot be used"},
   };
@@ -177,50 +181,71 @@ TEST_F(TelephoneLinesTest, ASilentServerIsReportedAndItsTestCanBeCancelled) {
 }
 
 TEST_F(TelephoneLinesTest, TheListSaysWhichLineIsOpenAndWhatIsWrongWithIt) {
+  for (const auto& [port, problem] : {std::pair(folder / "none", "There is no port"),
+                                      {folder / "", "cannot be opened: Is a directory"},
+                                      {"/dev/null", "/dev/null is not a serial port"}}) {
+    const auto line = Use("[USB]\ntype = modem\nport = " + port);
+    ExpectState(line, problem);
+    EXPECT_THAT(Result(line).text, testing::AllOf(HasSubstr("The line is open: "), HasSubstr(problem)));
+  }
   PutFile(folder / "calls.sim", "0 offer\n");
-  Use("[USB]\ntype = modem\nport = /dev/ttyACM99\n[Sim]\ntype = sim\nscript = calls.sim\n");
-  const auto all = lines.Read().lines;
-  ExpectState(all.at(0), "no port /dev/ttyACM99");
-  EXPECT_THAT(Result(all[0]).text, HasSubstr("The line is open: There is no port"));
-  ExpectState(all.at(1), "Another line is chosen");
+  const auto other =
+      Use("[SIP]\ntype = sip\nlisten = " + Free() + "\n[Sim]\ntype = sim\nscript = calls.sim\n");
+  const auto sim = lines.Read().lines.at(1);
+  ExpectState(other, "Waiting for calls");
+  ExpectState(sim, "Another line is chosen");
   Tapi1.LineClose(0);
-  ExpectState(all.at(1), "Off");
+  ExpectState(sim, "Off");
   Tapi1.LineOpen(1, 4, 8);
-  ExpectState(all.at(1), "Waiting for calls");
+  ExpectState(sim, "Waiting for calls");
   EXPECT_TRUE(QTest::qWaitFor([&] { return Tapi1.HasCall(); }, 20'000)) << "the script is not played";
-  EXPECT_THAT(Result(all[1]).text, HasSubstr("it has 1 steps."));
+  EXPECT_THAT(Result(sim).text, HasSubstr("it has 1 steps."));
   PutFile(folder / "calls.sim", "1 offer\n2 sing\n");
-  EXPECT_THAT(Result(all[1]).text, HasSubstr("calls.sim:2:"));
+  EXPECT_THAT(Result(sim).text, HasSubstr("calls.sim:2:"));
 }
 
-/// Returns the answer to a command; "unplugged" closes the connection.
-using Modem = std::function<std::string(const std::string& command)>;
-
-std::string Probed(const Modem& modem, const std::atomic<bool>& cancelled = false) {
-  int own = -1, port = -1;
-  std::array<char, 128> path{};
-  termios raw{};
-  ::cfmakeraw(&raw);
-  EXPECT_EQ(::openpty(&own, &port, path.data(), &raw, nullptr), 0);
-  std::thread thread([&] {
-    std::string command;
-    for (char letter = 0; ::read(own, &letter, 1) == 1;) {
-      command += letter;
-      if (letter != '\r') continue;
-      const auto text = modem(std::exchange(command, ""));
-      if (text == "unplugged") break;
-      (void)!::write(own, text.data(), text.size());
-    }
-    ::close(own);
+TEST_F(TelephoneLinesTest, AModemTakesCallsAlsoAfterItWasUnplugged) {
+  std::optional<emulator::PseudoTerminal> port;
+  ModemEmulator modem(*FindModemProfile("lucent"), {}, loop, clock, [&port](auto bytes) {
+    if (port) port->Write(bytes);
   });
-  const auto result = ProbeModem(path.data(), cancelled);
-  ::close(port);  // ends the thread's read
-  thread.join();
-  EXPECT_EQ(result.passed, result.text.find("its sound has") != std::string::npos) << result.text;
-  return result.text;
+  const auto plug = [&] {
+    port.emplace(
+        folder / "modem", [&] { return modem.Room(); }, [&](auto bytes) { modem.FromHost(bytes); });
+  };
+  std::string told;
+  Tapi1.SetEvents([&told](const LineEvent& event) { told += ToText(event) + "|"; });
+  const auto expect = [&told](const std::string& end) {
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.ends_with(end); }, 20'000)) << end << " / " << told;
+  };
+  plug();
+  const auto line = Use("[USB]\ntype = modem\nport = " + (folder / "modem"));
+  ExpectState(line, kModemReady);
+  EXPECT_GT(port->Rate(), modem.NeededPortRate());
+  modem.Ring();
+  expect("Ring 1 1|");
+  Tapi1.LineAnswer(0);
+  expect("Connected 1|");
+  Tapi1.MonitorDigits(0, true);
+  modem.Press('5');
+  expect("Digit 5|");
+  Tapi1.LineDrop(0);
+  expect("Idle 1|");
+  port.reset();
+  ExpectState(line, " was unplugged; it is used again");
+  modem.PowerCycle();
+  plug();
+  ExpectState(line, kModemReady);
+  modem.Ring();
+  expect("Ring 2 1|");
+  Tapi1.LineClose(0);
+  expect("Idle 2|");
+  Tapi1.LineOpen(0, 4, 8);
+  ExpectState(line, kModemReady);
 }
 
-TEST(ModemProbe, TellsVoiceModemsFromOtherDevices) {
+TEST_F(TelephoneLinesTest, TheTestTellsVoiceModemsFromOtherDevices) {
+  using Modem = std::function<std::string(const std::string& command)>;  // "unplugged" closes the connection
   int commands = 0;
   const auto with = [&](const std::string& classes, const std::string& formats = "") {
     return [&commands, classes, formats](const std::string& command) {
@@ -230,28 +255,47 @@ TEST(ModemProbe, TellsVoiceModemsFromOtherDevices) {
   };
   const std::pair<Modem, const char*> rows[] = {
       {with("+FCLASS: (0,1,8)"), "(its sound has 8 bits)"},
-      {with("8", "4,\"ULAW\",8,0,8000"), "8 bits, mu-law"},
-      {with("8", "131,\"16 BIT LINEAR\",16,0,8000"), "16 bits"},
+      {with("8", "4,\"ULAW\",8,0,8000"), "(its sound has 8 bits, mu-law)"},
+      {with("8", "131,\"16 BIT LINEAR\",16,0,8000"), "(its sound has 16 bits)"},
       {[](const auto& text) { return text.starts_with("AT+VSM") ? "ERROR\r\n" : "8\r\nOK\r\n"; },
        "supported"},
       {[](const auto&) { return "unplugged"; }, "is gone."},
       {with("0,1,1.0,80,18"), "not a voice modem"},
-      {[](const std::string&) { return ""; }, "Nothing answers"},
-      {[](const std::string&) { return "ERROR\r\n"; }, "not as a modem"},
-      {[](const std::string&) { return std::string(100'000, 'x'); }, "Nothing"}};
-  for (const auto& [modem, words] : rows) EXPECT_THAT(Probed(modem), testing::HasSubstr(words));
-  std::atomic<bool> cancelled = false;
+      {[](const auto&) { return ""; }, "Nothing answers"},
+      {[](const auto&) { return "ERROR\r\n"; }, "not as a modem"},
+      {[](const auto&) { return std::string(100'000, 'x'); }, "Nothing"}};
+  Modem modem;
+  std::string command;
+  std::optional<emulator::PseudoTerminal> port;
+  const auto read = [&](auto bytes) {
+    command.append(bytes.begin(), bytes.end());
+    if (!command.ends_with('\r')) return;
+    const auto text = modem(std::exchange(command, ""));
+    if (text == "unplugged") return loop.Post([&port] { port.reset(); });
+    port->Write(std::vector<std::uint8_t>(text.begin(), text.end()));
+  };
+  const auto line = LineOf({"USB", 0, "modem", {{"port", folder / "modem"}}});
+  for (const auto& [kind, words] : rows) {
+    modem = kind;
+    port.emplace(
+        folder / "modem", [] { return 4096; }, read);
+    const auto result = Result(line);
+    EXPECT_THAT(result.text, HasSubstr(words));
+    EXPECT_EQ(result.passed, *words == '(') << words;
+  }
   commands = 0;
-  Probed([&](const std::string&) { return ++commands, cancelled = true, ""; }, cancelled);
+  modem = [&](const auto&) { return ++commands, ""; };
+  {
+    FileTelephoneLines others(path, loop, {}, states);
+    others.Test(line, [](auto&) {});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return commands == 1; }, 20'000));
+  }  // it cancels its test and waits for the end
+  port->Read();
   EXPECT_EQ(commands, 1) << "a cancelled test sends no more commands";
 }
 
-TEST(SerialPorts, AreFoundUnderTheirStableNameAndOtherFilesAreRefused) {
-  const ScratchFolder folder;
-  PutFile(folder / "port", "");
-  const std::atomic<bool> never = false;
-  EXPECT_THAT(ProbeModem(folder / "port", never).text, testing::HasSubstr("not a serial port"));
-  EXPECT_EQ(ProbeModem(kAnyPort, never).text == "No modem is plugged in.", FindSerialPorts().empty());
+TEST_F(TelephoneLinesTest, SerialPortsAreFoundUnderTheirStableName) {
+  EXPECT_EQ(ProbeModem(kAnyPort, false).text == "No modem is plugged in.", FindSerialPorts().empty());
   std::filesystem::create_directories(folder / "serial/by-id");
   for (const char* name : {"ttyACM0", "ttyUSB1", "tty0"}) PutFile(folder / name, "");
   std::filesystem::create_symlink("../../ttyACM0", folder / "serial/by-id/usb-Modem-if00");

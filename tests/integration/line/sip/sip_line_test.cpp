@@ -31,11 +31,10 @@ std::string Connected(const std::string& n) {
 
 TEST_F(SipLineTest, ReportsTheEventsOfACallInOrder) {
   Play("> INVITE,< 180,Ring 1 1,Ring 1 2,answer 7,< 200,> ACK,Connected 1,> BYE,< 200,Idle 1");
-  EXPECT_EQ(events.All(), (Texts{"Offered 1", "CallerId 1 Ann Smith/5551234", "Ring 1 1", "Ring 1 2",
-                                 "Done 7 0", "Connected 1", "Disconnected 1", "Idle 1"}));
-  events.Clear();
   Play("caller 2,> INVITE,Ring 2 1,> CANCEL,< 487,Idle 2");
-  EXPECT_EQ(events.All(), (Texts{"Offered 2", "CallerId 2 Ann Smith/5551234", "Ring 2 1", "Idle 2"}));
+  EXPECT_EQ(events.All(), (Texts{"Offered 1", "CallerId 1 Ann Smith/5551234", "Ring 1 1", "Ring 1 2",
+                                 "Done 7 0", "Connected 1", "Disconnected 1", "Idle 1", "Offered 2",
+                                 "CallerId 2 Ann Smith/5551234", "Ring 2 1", "Idle 2"}));
   Play("answer 3,drop 4,Done 3 " + std::to_string(kTelephonyNoCall) + ",Done 4 0");
 }
 
@@ -163,50 +162,19 @@ Bytes Tones(const std::string& keys) {
   return bytes;
 }
 
-/// A call that is being recorded.
-class SipAudioTest : public SipLineTest {
- protected:
-  void SetUp() override {
-    Play("> INVITE,Ring 1 1,answer 1,< 200,> ACK,Connected 1");
-    ASSERT_EQ(line->Audio().StartRecord(recorded), 0);
-  }
-
-  /// Sends a key as a telephone does: three packets while it is down, three after its release. The first
-  /// `lost` packets are not sent.
-  void PressAsEvent(char key, int lost = 0) {
-    const auto code = static_cast<std::uint8_t>(std::string("0123456789*#A").find(key));
-    timestamp_ += 8000;
-    for (int i = lost; i < 6; ++i) {
-      const auto flags = static_cast<std::uint8_t>(i < 3 ? 0x0A : 0x8A);
-      const auto duration = static_cast<std::uint8_t>(std::min(i, 3) * 40);
-      caller->SendRtp(
-          RtpPacketBytes(i == 0 ? 0x80 | 101 : 101, ++sequence_, timestamp_, {code, flags, 0, duration}));
-    }
-  }
-  void PressAsInfo(const std::string& type, const std::string& body, const std::string& status = "200") {
-    caller->Send(caller->Text("INFO", body, "application/" + type));
-    EXPECT_NE(caller->Take(status), "") << body;
-  }
-
-  KeptAudio recorded;
-
- private:
-  std::uint32_t sequence_ = 100;
-  std::uint32_t timestamp_ = 0;
-};
-
-TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
-  const Bytes greeting = NoiseBytes(9, 7);
-  KeptAudio played;
+TEST_F(SipLineTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
+  const Bytes greeting = NoiseBytes(9, 7), spoken = NoiseBytes(40, 3), shouted = NoiseBytes(30, 4);
+  KeptAudio played, recorded;
   played.all = Decode(Codec::kMuLaw, greeting);
+  Play(Connected("1"));
+  ASSERT_EQ(line->Audio().StartRecord(recorded), kWaveOk);
   ASSERT_EQ(line->Audio().StartPlay(played), kWaveOk);
   EXPECT_EQ(line->Audio().StartPlay(played), kWaveBusy);
   EXPECT_EQ(line->Audio().StartRecord(recorded), kWaveBusy);
   const Socket stranger = Socket::Udp();
   stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not negotiated
-  stranger.SendTo(caller->line_rtp_port, std::string("not RTP"));
+  stranger.SendTo(caller->line_rtp_port, "not RTP"s);
   Play("hears 10");
-  const auto spoken = NoiseBytes(40, 3), shouted = NoiseBytes(30, 4);
   std::jthread talker = Talk(caller->rtp, caller->line_rtp_port, spoken);
   Play("hears 10");
   std::jthread shouter = Talk(stranger, caller->line_rtp_port, shouted, 2);
@@ -223,22 +191,40 @@ TEST_F(SipAudioTest, RecordsOnlyTheCallerWhoHearsTheGreeting) {
   EXPECT_NE(caller->heard.find(std::string(greeting.begin(), greeting.end())), std::string::npos);
 }
 
-TEST_F(SipAudioTest, ReportsEachMonitoredKeyOnceHoweverItIsSent) {
-  PressAsInfo("dtmf", "8");
+TEST_F(SipLineTest, ReportsEachMonitoredKeyOnceHoweverItIsSent) {
+  // Sends a key as a telephone does: three packets while it is down, three after its release. The first
+  // `lost` packets are not sent.
+  auto press = [&, sequence = 100U, at = 0U](char key, int lost = 0) mutable {
+    const auto code = static_cast<std::uint8_t>("0123456789*#A"s.find(key));
+    at += 8000;
+    for (int i = lost; i < 6; ++i) {
+      const auto flags = static_cast<std::uint8_t>(i < 3 ? 0x0A : 0x8A);
+      const auto duration = static_cast<std::uint8_t>(std::min(i, 3) * 40);
+      caller->SendRtp(RtpPacketBytes(i == 0 ? 0x80 | 101 : 101, ++sequence, at, {code, flags, 0, duration}));
+    }
+  };
+  const auto info = [&](const std::string& type, const std::string& body, const std::string& status = "200") {
+    caller->Send(caller->Text("INFO", body, "application/" + type));
+    EXPECT_NE(caller->Take(status), "") << body;
+  };
+  KeptAudio recorded;
+  Play(Connected("1"));
+  ASSERT_EQ(line->Audio().StartRecord(recorded), kWaveOk);
+  info("dtmf", "8");
   line->MonitorDigits(1, true);
-  for (const char key : {'1', '1', '?', '*', '#'}) PressAsEvent(key);  // '?' is no key
-  PressAsEvent('A', 4);
+  for (const char key : {'1', '1', '?', '*', '#'}) press(key);  // '?' is no key
+  press('A', 4);
   ASSERT_TRUE(events.Wait("Digit A"));
-  PressAsInfo("dtmf-relay", "Signal=7\r\nDuration=160\r\n");
-  PressAsInfo("dtmf-relay", "Signal:7", "400");
-  PressAsInfo("text", "5", "415");
-  PressAsInfo("dtmf", "15");
+  info("dtmf-relay", "Signal=7\r\nDuration=160\r\n");
+  info("dtmf-relay", "Signal:7", "400");
+  info("text", "5", "415");
+  info("dtmf", "15");
   const auto tones = Tones("429B");
   std::jthread talker = Talk(caller->rtp, caller->line_rtp_port, tones);
-  PressAsEvent('4');
-  PressAsInfo("dtmf-relay", "Signal=4\r\n");
+  press('4');
+  info("dtmf-relay", "Signal=4\r\n");
   ASSERT_TRUE(events.Wait("Digit 2"));
-  PressAsInfo("dtmf-relay", "Signal=2\r\n");
+  info("dtmf-relay", "Signal=2\r\n");
   talker.join();
   ASSERT_TRUE(events.Wait("Digit B"));
   Play("> BYE,< 200,Idle 1");
@@ -251,13 +237,16 @@ TEST_F(SipAudioTest, ReportsEachMonitoredKeyOnceHoweverItIsSent) {
 TEST_F(SipLineTest, AnEncryptedCallStaysEncryptedThroughHoldsAndNewKeys) {
   const std::string key = "1 AES_CM_128_HMAC_SHA1_80 inline:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
   const std::string new_key = std::regex_replace(key, std::regex("AAEC"), "BQEC");
+  const auto send = [&](SrtpSender& sender, const Bytes& plain) {
+    const auto packet = sender.Protect(plain);
+    caller->SendRtp({packet.begin(), packet.end()});
+  };
   Bytes spoken;
   auto speak = [&, sequence = 1U](const std::string& by) mutable {
     SrtpSender sender(SrtpSuite::kTag80, ReadCryptoAttribute(by)->key);
     for (const std::uint32_t end = sequence + 10; sequence < end; ++sequence) {
       const Bytes block = NoiseBytes(1, sequence);
-      const auto packet = sender.Protect(RtpPacketBytes(0, sequence, sequence * 160, block));
-      caller->SendRtp({packet.begin(), packet.end()});
+      send(sender, RtpPacketBytes(0, sequence, sequence * 160, block));
       spoken.insert(spoken.end(), block.begin(), block.end());
     }
   };
@@ -275,15 +264,13 @@ TEST_F(SipLineTest, AnEncryptedCallStaysEncryptedThroughHoldsAndNewKeys) {
   const SrtpKey own = offer(key, "sendrecv");
   const auto hears = [&] {
     const std::string packet = caller->NextPacket();
-    return packet.size() == 12 + 160 + 80 / 8U &&
-           SrtpReceiver(SrtpReceiver::Kind::kRtp, SrtpSuite::kTag80, own)
-               .Unprotect(Bytes(packet.begin(), packet.end()));
+    SrtpReceiver receiver(SrtpReceiver::Kind::kRtp, SrtpSuite::kTag80, own);
+    return packet.size() == 12 + 160 + 80 / 8U && receiver.Unprotect(Bytes(packet.begin(), packet.end()));
   };
   SrtpSender stranger(SrtpSuite::kTag80, NewSrtpKey());
   const Bytes plain = NoiseBytes(1, 99);
   for (std::uint32_t i = 0; i < 100; ++i) {
-    const auto packet = stranger.Protect(RtpPacketBytes(0, 60'000 + i, 0, plain, i));
-    caller->SendRtp({packet.begin(), packet.end()});
+    send(stranger, RtpPacketBytes(0, 60'000 + i, 0, plain, i));
     caller->SendRtp(RtpPacketBytes(0, i, i * 160, plain));
   }
   Play("hears 10");

@@ -240,21 +240,17 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     OpenLine();
     for (const Socket* server : {&heavy, &light}) server->SendTo(port, Answer(Next(*server), "503"));
     last.SendTo(port, Answer(Next(last), "200"));
-    caller = &callers.try_emplace("there", port).first->second;
-    for (const auto& [server, script] :
-         {std::pair(&heavy, "> OPTIONS,< 200"), {&light, "Ring 1 1,answer 1,< 200,> ACK,Connected 1"}}) {
-      Open(server->Port());
-      server->SendTo(port, Answer(Next(*server), "200"));
-      const std::string invite = caller->Text("INVITE", caller->Sdp());
-      if (*script == 'R') caller->Send(std::regex_replace(invite, std::regex("ann@[^:]*"), "ann@phone.test"));
-      Play(script);
-      shell("ip addr delete 127.0.0.1/8 dev lo");
-      EXPECT_TRUE(events.Wait("no route from 0.0.0.0 to 127.0.0.1")) << script;
-      events.Clear();
-      shell("ip addr add 127.0.0.1/8 dev lo");
-      server->SendTo(port, Answer(Next(*server), "200"));
-      EXPECT_TRUE(events.Wait("works again.")) << script;
-    }
+    Open(light.Port());
+    light.SendTo(port, Answer(Next(light), "200"));
+    Play("caller in the other network");
+    const std::string invite = caller->Text("INVITE", caller->Sdp());
+    caller->Send(std::regex_replace(invite, std::regex("ann@[^:]*"), "ann@phone.test"));
+    Play("Ring 1 1,answer 1,< 200,> ACK,Connected 1");
+    shell("ip addr delete 127.0.0.1/8 dev lo");
+    EXPECT_TRUE(events.Wait("no route from 0.0.0.0 to 127.0.0.1"));
+    shell("ip addr add 127.0.0.1/8 dev lo");
+    light.SendTo(port, Answer(Next(light), "200"));
+    EXPECT_TRUE(events.Wait("works again."));
     Play("hears 1,drop 2,< BYE");
   })
       .join();
@@ -316,15 +312,8 @@ TEST_F(SipRegistrationTest, CreatesACertificateOnceAndReportsAnUnusableOne) {
   EXPECT_EQ(telephone.Read(), "SIP/2.0 180");
   line->Close();
   PutFile(folder / "certificate.pem", made.substr(0, made.find("-----BEGIN PRIVATE")));
-  PutFile(folder / "noise.pem", "no certificate");
-  for (const char* name : {"certificate.pem", "noise.pem"}) {
-    settings.tls_certificate = folder / name;
-    OpenLine(kTelephonyDeviceFailed, settings.tls_certificate);
-  }
-  settings.tls_certificate.clear();
-  settings.account = "sip:100@127.0.0.1";
-  settings.transport = "tls";
-  OpenLine(kTelephonyDeviceFailed, "tls_listen cannot be used together");
+  settings.tls_certificate = folder / "certificate.pem";
+  OpenLine(kTelephonyDeviceFailed, "expected a PEM file with a private key");
 }
 
 }  // namespace
