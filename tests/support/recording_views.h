@@ -282,10 +282,8 @@ class ScriptedDialogs : public Dialogs {
   }
   bool yes = false;
   std::vector<std::string> questions;
-  QuestionIcon question_icon = QuestionIcon::Question;  ///< icon of the latest question
-  bool Confirm(const std::string& text, QuestionIcon icon) override {
+  bool Confirm(const std::string& text, QuestionIcon /*icon*/) override {
     questions.push_back(text);
-    question_icon = icon;
     while_open();
     return yes;
   }
@@ -347,14 +345,13 @@ class ScriptedExchange : public DataExchange {
 class ScriptedSystem : public OperatingSystem {
  public:
   SystemVersion version;
-  bool instance_free = true;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> common_controls;
   SystemVersion Version() const override { return version; }
   bool InitCommonControls(std::uint32_t size, std::uint32_t classes) override {
     common_controls.emplace_back(size, classes);
     return false;
   }
-  bool ClaimInstance() override { return instance_free; }
+  bool ClaimInstance() override { return true; }
 };
 
 }  // namespace orven::test

@@ -35,11 +35,12 @@ void Talk(SilentCard& card, std::chrono::milliseconds length) {
     const double loud = unit(random) < 0.2 ? 0 : 4000 + 16000 * unit(random);
     for (int i = 0; i < blocks; ++i, said += kBlock) {
       const double shape = std::sin(M_PI * (i + 0.5) / blocks) * (0.4 + 0.6 * unit(random));
-      card.Speak(static_cast<std::int16_t>(loud * shape));
+      card.Capture(TestDevice::Samples(kBlockSamples, static_cast<std::int16_t>(loud * shape)));
       QTest::qWait(int(std::max<qint64>(said.count() - clock.elapsed(), 0)));
     }
   }
-  for (int i = 0; i < 5; ++i, QTest::qWait(int(kBlock.count()))) card.Speak(12000);
+  for (int i = 0; i < 5; ++i, QTest::qWait(int(kBlock.count())))
+    card.Capture(TestDevice::Samples(kBlockSamples, 12000));
 }
 
 QPixmap Recording(Desk& desk, frmGreetC& window) {

@@ -65,19 +65,12 @@ TEST_F(Window, EachCommandOpensItsDialogOrPage) {
   }
 }
 
-TEST(AboutBox, NamesTheVersionTheLibrariesAndTheLicence) {
+TEST(AboutBox, NamesTheVersionAndTheLibraries) {
   frmAbout box("1.2", {{"libre", "3.4", "BSD", "the line"}}, nullptr);
   box.show();
-  for (const bool licence : {false, true}) {
-    box.findChild<QTabWidget*>()->setCurrentIndex(licence);
-    ExpectTidy(box);
-  }
+  ExpectTidy(box);
   EXPECT_EQ(box.findChild<QLabel*>("lblVersion")->text(), "Version 1.2");
   EXPECT_EQ(box.findChild<QAbstractItemView*>()->model()->index(0, 2).data(), "BSD");
-  EXPECT_TRUE(box.findChild<QWidget*>("txtLicence")
-                  ->property("plainText")
-                  .toString()
-                  .contains("GENERAL PUBLIC LICENSE"));
 }
 
 TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
@@ -165,11 +158,8 @@ TEST_F(Window, IsPlacedWhereItWasAndAlwaysOnAScreen) {
 
 TEST_F(Window, ClosingHidesOrMinimisesItAndAPersonRestoresIt) {
   auto& tray = desk.Machine().tray;
-  window.close();
-  EXPECT_FALSE(window.isVisible());
-  desk.Do("mnuOpen");
-  EXPECT_TRUE(window.isVisible());
   desk.Do("mnuHide");
+  EXPECT_FALSE(window.isVisible());
   desk.Do("mnuOpen");
   EXPECT_TRUE(window.isVisible() && !window.isMinimized());
   desk.engine->TrayMouseMove(517 * 15, 15);

@@ -8,9 +8,9 @@
 #include <map>
 #include <optional>
 #include <random>
-#include <sndfile.hh>
 
 #include "adapters/audio/file_wave_control.h"
+#include "support/desk/test_device.h"
 #include "support/scratch_folder.h"
 #include "support/test_loop.h"
 
@@ -19,7 +19,9 @@ namespace orven::testing {
 using namespace std::chrono_literals;
 using test::ContentOf;
 using test::PutFile;
-using Samples = std::vector<std::int16_t>;
+using test::PutWave;
+using test::TestDevice;
+using Samples = TestDevice::Samples;
 
 inline constexpr std::int32_t kLine = kFirstLineWaveDevice, kCard = 0;
 inline constexpr WaveFormat kPcm{kWaveFormatPcm, 1, 16, 8000}, kMuLaw{kWaveFormatMuLaw, 1, 8, 8000};
@@ -31,14 +33,6 @@ inline Samples Noise(std::size_t count) {
   Samples samples(count);
   for (auto& sample : samples) sample = static_cast<std::int16_t>(random());
   return samples;
-}
-
-/// Writes `samples`, interleaved, to a WAV file; `encoding` is libsndfile's constant.
-template <class Number>
-void WriteWav(const std::string& path, int encoding, const std::vector<Number>& samples,
-              int rate = kSampleRate, int channels = 1) {
-  SndfileHandle(path, SFM_WRITE, SF_FORMAT_WAV | encoding, channels, rate)
-      .write(samples.data(), static_cast<sf_count_t>(samples.size()));
 }
 
 /// Returns the file as telephone audio, converted by sox; empty if sox does not accept it as audio.
@@ -62,50 +56,6 @@ struct FaultyDisk {
   void Mend();
 };
 inline FaultyDisk disk;
-
-/// An audio device that moves blocks when the test asks for them, as fast as possible.
-class TestDevice : public AudioDevice {
- public:
-  std::int32_t refuse = kWaveOk;  ///< result of starting
-  std::atomic<int> ready = 0;     ///< how often a source became ready
-  AudioSource* source = nullptr;
-  AudioSink* sink = nullptr;
-
-  std::int32_t StartPlay(AudioSource& from) override {
-    if (refuse == kWaveOk) source = &from;
-    return refuse;
-  }
-  void StopPlay() override { source = nullptr; }
-  void SourceReady() override { ++ready; }
-  std::int32_t StartRecord(AudioSink& to) override {
-    if (refuse == kWaveOk) sink = &to;
-    return refuse;
-  }
-  void StopRecord() override { sink = nullptr; }
-
-  /// Returns one block from the source; nothing if it has ended or none is playing.
-  std::optional<Samples> Pull() {
-    Samples block(kBlockSamples, 1);
-    if (source != nullptr && source->Read(block)) return block;
-    source = nullptr;
-    return std::nullopt;
-  }
-
-  /// Plays to the end, or for `blocks` blocks, and returns the audio without silent blocks, because the test
-  /// may pull faster than the decoder delivers.
-  Samples Play(int blocks = 1'000'000) {
-    Samples played;
-    for (auto block = Pull(); block; block = --blocks > 0 ? Pull() : std::nullopt)
-      if (*block != kSilence) played.insert(played.end(), block->begin(), block->end());
-    return played;
-  }
-
-  /// Delivers `samples`, in whole blocks, to the recording.
-  void Capture(const Samples& samples) {
-    for (std::size_t at = 0; sink != nullptr && at < samples.size(); at += kBlockSamples)
-      sink->Write(std::span(samples).subspan(at, kBlockSamples));
-  }
-};
 
 /// A wave control with a line, a sound card and scratch folders; the record folder is on the faulty disk.
 class AudioTest : public ::testing::Test, public WaveEvents, public AudioDevices {

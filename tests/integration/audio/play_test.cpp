@@ -16,7 +16,7 @@ constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 class Play : public AudioTest {
  protected:
   Play() {
-    WriteWav(greeting, SF_FORMAT_PCM_16, whole);
+    PutWave(greeting, whole);
     whole.resize(3 * kSampleRate);  // the last block is padded with silence
   }
 
@@ -52,7 +52,7 @@ TEST_F(Play, EveryRateAndEncodingSoundsAsInSoxFromAnyPosition) {
 TEST_F(Play, ChannelsAreMixedLoudSoundIsClippedAndNaNIsSilence) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   const std::vector frames{0.5F, 0.0F, -0.5F, 1.0F, kNan, 1.0F, 1.0F, kInfinity, 4.0F, 0.0F, 0.0F, -4.0F};
-  WriteWav(other, SF_FORMAT_FLOAT, frames, 8000, 2);
+  PutWave(other, frames, SF_FORMAT_FLOAT, 8000, 2);
   Samples mixed{8192, 8192, 0, 0, 32767, -32768};
   mixed.resize(kBlockSamples);
   EXPECT_EQ(mixed, Played(other));
@@ -62,8 +62,8 @@ TEST_F(Play, AFileWithoutAudioIsRefusedAtOnce) {
   PutFile(messages / "empty.wav", "");
   PutFile(messages / "text.wav", std::string(10000, 'x'));
   PutFile(messages / "riff.wav", "RIFF\xff\xff\xff\xffWAVEfmt ");
-  WriteWav(messages / "slow.wav", SF_FORMAT_PCM_16, Noise(31), 31);
-  WriteWav(messages / "no samples.wav", SF_FORMAT_PCM_16, Samples());
+  PutWave(messages / "slow.wav", Noise(31), SF_FORMAT_PCM_16, 31);
+  PutWave(messages / "no samples.wav", Samples());
   ASSERT_EQ(0, mkfifo((messages / "pipe.wav").c_str(), 0600));
   const std::map<std::string, int> results{
       {"missing.wav", kWaveFileNotFound}, {"text.wav/below.wav", kWaveFileNotFound},
@@ -150,9 +150,9 @@ TEST_F(Play, TheWaveformHasThePeakOfEachSectionAndOnlyTheLatestRequestIsAnswered
   std::fill(steps.begin() + 44100 * 3, steps.end(), -0.5F);
   std::fill(expected.begin() + 250, expected.begin() + 500, 0.25F);
   std::fill(expected.begin() + 750, expected.end(), 0.5F);
-  WriteWav(messages / "steps.wav", SF_FORMAT_FLOAT, steps, 22050, 2);
-  WriteWav(messages / "odd.wav", SF_FORMAT_FLOAT, std::vector{0.5F, kNan, -7.0F});
-  WriteWav(messages / "empty.wav", SF_FORMAT_PCM_16, Samples());
+  PutWave(messages / "steps.wav", steps, SF_FORMAT_FLOAT, 22050, 2);
+  PutWave(messages / "odd.wav", std::vector{0.5F, kNan, -7.0F}, SF_FORMAT_FLOAT);
+  PutWave(messages / "empty.wav", Samples());
   FileWaveformReader reader(loop);
   std::string told;
   Waveform picture;

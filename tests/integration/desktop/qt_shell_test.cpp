@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the program uses the desktop: the tray icon, files and web addresses, other programs, dialogs.
+// How the program uses the desktop: files and web addresses, other programs, dialogs.
 #include "adapters/desktop/qt_shell.h"
 
 #include <gtest/gtest.h>
@@ -47,23 +47,6 @@ struct QtShellTest : testing::Test {
   ScratchFolder folder;
   QtShell shell{QIcon()};
 };
-
-TEST_F(QtShellTest, TheIconIsAddedOnceAndItsClicksAreMouseMessages) {
-  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Modify, {})) << "there is no icon to change";
-  EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Add, {}));
-  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Add, {}));
-  NotifyIconData data;
-  data.tip = std::string("ORVEN - Calls:4  New:2").append(9, '\0');
-  EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Modify, data));
-  EXPECT_EQ(shell.Icon()->toolTip(), "ORVEN - Calls:4  New:2");
-  EXPECT_FALSE(shell.HasNotificationArea()) << "there is no visible tray";
-  std::vector<double> messages;
-  emit shell.Icon()->activated(QSystemTrayIcon::Trigger);  // no handler is set yet
-  shell.SetMouseHandler([&](double x, double twips_per_pixel) { messages.push_back(x / twips_per_pixel); });
-  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Context})
-    emit shell.Icon()->activated(reason);
-  EXPECT_EQ(messages, (std::vector<double>{514, 517}));
-}
 
 TEST_F(QtShellTest, OpensExistingFilesAndWebAddressesOnly) {
   const auto page = folder / "index #1.htm";

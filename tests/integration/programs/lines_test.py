@@ -91,14 +91,6 @@ class Scenarios:
         self.assertGreaterEqual(len(message), SILENCE_SECONDS * sound.RATE)
         self.assert_same(said("New"), message)
 
-    def test_a_caller_who_gives_up(self):
-        self.orven.change_settings(dict(NumOfRing=4))
-        self.start_and_call("CallerID[").hang_up()
-        self.end("Ring[LineIndex:0]->1")
-        self.assertEqual(self.orven.count("LineAnswer["), 0)
-        self.assertEqual(self.record()["Type"], "-1")
-        self.assertEqual(os.listdir(self.orven.path("Messages")), [])
-
     def test_messages_heard_by_telephone(self):
         for name in ("Old", "New"):
             # messages end in silence, because the last moment before the program hangs up may be cut off

@@ -80,27 +80,6 @@ TEST_F(RegistryFileTest, AChangeTouchesOnlyItsLineAndWritesUtf8) {
   EXPECT_EQ(Stored(), text + "\"New\"=\"1\"\n");
 }
 
-TEST_F(RegistryFileTest, AnyValueSurvivesTheRoundTrip) {
-  std::vector<NamedRegistryValue> values{{"unterminated", {1, "abc"}},
-                                         {"lines", Text("a\r\nb\n[HKEY_LOCAL_MACHINE\\X]\n")},
-                                         {"zero inside", {1, std::string("a\0b\0", 4)}},
-                                         {"not UTF-8", Text("/home/\xE9/\xED\xA0\x80\xFF")},
-                                         {"quote\"back\\slash;=[x]", Text("\\\" ; [x] =\t")},
-                                         {"own type", {0x80000001, std::string(90, '\xA5')}},
-                                         {"short number", {4, "\x01\x02"}},
-                                         {"number", {4, "\x01\x02\xF3\x04"}},
-                                         {"", Text("default")}};
-  ASSERT_TRUE(registry_.Write(RegistryRoot::CurrentUser, "K", values));
-  RegistryFile fresh(path_, report_);
-  for (const auto& [name, value] : values)
-    EXPECT_EQ(fresh.Query(RegistryRoot::CurrentUser, "K", name), value) << name;
-  EXPECT_THAT(reports_, IsEmpty());
-  const std::string before = Stored();
-  EXPECT_FALSE(Write("line\nend", "2")) << "a name that the format cannot hold";
-  EXPECT_FALSE(registry_.Write(kRoot, "K]\n[X", {}));
-  EXPECT_EQ(Stored(), before);
-}
-
 TEST_F(RegistryFileTest, DamageIsReportedWithItsLineAndTheRestIsUsed) {
   for (const auto& [line, expected] : std::map<std::string, std::string>{
            {"\"A\"=\"C:\\Temp\"", "6: a backslash in the text is not followed by \\ or \""},

@@ -37,11 +37,9 @@ TEST(Microphone, IsTheConnectedOneOfTheCardThenTheDefaultThenAny) {
   SoundServer server;
   server.default_input = "webcam";
   server.outputs = {{"speakers", "card 0"}, {"headset", "card 1"}, {"virtual", ""}};
-  server.inputs = {{"line in", "card 0", false}, {"boom", "card 1"}, {"webcam", "card 3"}, {"network", ""}};
-  EXPECT_EQ("boom", MicrophoneOf(server, "headset"));
-  for (const char* output : {"speakers", "virtual", ""}) EXPECT_EQ("webcam", MicrophoneOf(server, output));
-  server.inputs[2].card = "card 1";
-  EXPECT_EQ("webcam", MicrophoneOf(server, "headset"));
+  server.inputs = {{"line in", "card 0", false}, {"boom", "card 1"}, {"webcam", "card 1"}, {"network", ""}};
+  for (const char* output : {"headset", "speakers", "virtual", ""})
+    EXPECT_EQ("webcam", MicrophoneOf(server, output));
   server.default_input = "speakers.monitor";
   EXPECT_EQ("boom", MicrophoneOf(server, "speakers"));
   server.inputs.resize(1);

@@ -19,7 +19,7 @@
 #include "base/paths.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
-#include "support/desk/silent_card.h"
+#include "support/desk/test_device.h"
 #include "support/recording_views.h"
 #include "support/scratch_folder.h"
 #include "support/test_line.h"
