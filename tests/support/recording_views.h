@@ -354,4 +354,16 @@ class ScriptedSystem : public OperatingSystem {
   bool ClaimInstance() override { return true; }
 };
 
+/// What both the simulated world and the real windows of the tests get instead of a desktop.
+struct ScriptedPorts {
+  ScriptedDialogs dialogs;
+  ScriptedSystem system;
+  ScriptedShell shell;
+  ScriptedMouse mouse;
+  ScriptedMail Mail1;
+  ScriptedExchange uDat;
+  ScriptedCards cards;
+  RecordingDialogFactory dialog_factory;
+};
+
 }  // namespace orven::test

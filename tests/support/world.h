@@ -25,7 +25,7 @@ using std::chrono_literals::operator""s;
 /// A complete answering machine on virtual time with one simulated line, "Sim". The settings are those of a
 /// working installation: 2 rings, recording on, silence detection on, password 4711. Time starts on
 /// 31 December 2003 at 14:05:07.
-class World {
+class World : public ScriptedPorts {
  public:
   /// Without `records`, those in memory are used.
   explicit World(DatabaseControl* records = nullptr);
@@ -77,15 +77,7 @@ class World {
   FailingDisk& disk = files.disk;  ///< holds the files, the records and the registry
   MemoryRegistry registry;
   MemoryDatabase database;
-  ScriptedDialogs dialogs;
-  ScriptedSystem system;
-  ScriptedShell shell;
-  ScriptedMouse mouse;
-  ScriptedMail Mail1;
   ScriptedWaveforms waveforms, take_waveforms;
-  ScriptedExchange uDat;
-  ScriptedCards cards;
-  RecordingDialogFactory dialog_factory;
   PostedBackground background{time};
   RecordingViews views;
   TimedWave Wave1, WavePlay;

@@ -87,7 +87,6 @@ TEST_F(Play, FinishedIsReportedOnceWhenTheDeviceHasTakenEverything) {
   EXPECT_EQ(whole, line.Play());
   EXPECT_EQ(1, line.ready);
   EXPECT_TRUE(control->IsPlaying());
-  EXPECT_EQ(2999ms, control->Position());
   EXPECT_EQ(0, finished);
   EXPECT_EQ(1, Finished());
   EXPECT_FALSE(control->IsPlaying());
@@ -97,7 +96,6 @@ TEST_F(Play, FinishedIsReportedOnceWhenTheDeviceHasTakenEverything) {
   control->StopPlay();
   Start(greeting);
   EXPECT_EQ(1, Finished()) << "a stopped playback sends no event";
-  EXPECT_EQ(whole, line.Play());
 }
 
 TEST_F(Play, ASlowDiskCausesSilenceButLosesNothing) {

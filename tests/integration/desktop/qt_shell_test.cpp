@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the program uses the desktop: files and web addresses, other programs, dialogs.
+// How the program uses the desktop: files, other programs, dialogs.
 #include "adapters/desktop/qt_shell.h"
 
 #include <gtest/gtest.h>
@@ -48,21 +48,16 @@ struct QtShellTest : testing::Test {
   QtShell shell{QIcon()};
 };
 
-TEST_F(QtShellTest, OpensExistingFilesAndWebAddressesOnly) {
+TEST_F(QtShellTest, OpensExistingFilesOnly) {
   const auto page = folder / "index #1.htm";
   PutFile(page, "");
   Opener opener;
-  const QStringList schemes{"file", "http", "https", "ftp", "mailto"};
-  for (const auto& scheme : schemes) QDesktopServices::setUrlHandler(scheme, &opener, "Take");
-  EXPECT_TRUE(shell.Open(page) && shell.Open("https://example.org/greetings?a=1"));
-  for (const auto& target :
-       {folder / "missing.htm", folder / "", std::string("index.htm"), "file://" + page,
-        std::string("ftp://example.org/"), std::string("mailto:a@example.org"), std::string("https://"),
-        std::string("http:example"), std::string("https://exa mple.org/"), std::string("javascript:1")})
+  QDesktopServices::setUrlHandler("file", &opener, "Take");
+  EXPECT_TRUE(shell.Open(page));
+  for (const auto& target : {folder / "missing.htm", folder / "", std::string("index.htm"), "file://" + page})
     EXPECT_FALSE(shell.Open(target)) << target;
-  EXPECT_EQ(opener.addresses, (QStringList{QUrl::fromLocalFile(QString::fromStdString(page)).toString(),
-                                           "https://example.org/greetings?a=1"}));
-  for (const auto& scheme : schemes) QDesktopServices::unsetUrlHandler(scheme);
+  EXPECT_EQ(opener.addresses, QStringList{QUrl::fromLocalFile(QString::fromStdString(page)).toString()});
+  QDesktopServices::unsetUrlHandler("file");
 }
 
 TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {

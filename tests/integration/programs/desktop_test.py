@@ -25,7 +25,6 @@ class BusIcon:
         trays = self._interface(WATCHER, "/StatusNotifierWatcher", dbus.PROPERTIES_IFACE)
         icons = processes.wait_for("The icon", lambda: trays.Get(WATCHER, "RegisteredStatusNotifierItems"), LIMIT)
         self._name = icons[0]
-        self._menu = self._interface(self._name, self.property("Menu"), "com.canonical.dbusmenu")
 
     def _interface(self, name, path, interface):
         return dbus.Interface(self._bus.get_object(name, path, introspect=False), interface)
@@ -35,14 +34,6 @@ class BusIcon:
 
     def activate(self):
         self._interface(self._name, "/StatusNotifierItem", ITEM).Activate(0, 0)
-
-    def menu(self):
-        """Returns the menu's items by caption, without separators."""
-        _, root = self._menu.GetLayout(0, -1, dbus.Array(signature="s"))
-        return {str(item[1]["label"]).replace("_", ""): item[0] for item in root[2] if "label" in item[1]}
-
-    def press(self, caption):
-        self._menu.Event(self.menu()[caption], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
 
 
 class DesktopTest(harness.ProgramCase):
@@ -145,11 +136,6 @@ class DesktopTest(harness.ProgramCase):
         self.main_window("Normal").close()
         self.main_window("")
         self.assert_line_is_open()
-        icon.press("Open")
-        self.main_window("Normal")
-        self.assertEqual(list(icon.menu()), ["Exit", "Off", "On", "Open"])
-        icon.press("Exit")
-        self.assert_ended_by_exit()
 
     def test_dialogs_return_the_focus_and_closing_without_a_tray_minimises(self):
         self.orven.start_and_wait()

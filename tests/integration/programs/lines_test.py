@@ -120,19 +120,5 @@ class SipEncrypted(Scenarios, LineCase):
         self.orven.encrypt()
 
 
-class ModemUnplugged(LineCase):
-    profile = "silabs"
-
-    def test_unplugged_during_a_message_and_plugged_in_again(self):
-        self.orven.change_settings(dict(SecSilence=30))  # silence must not end the call
-        self.say("Old")
-        self.modem.do("unplug")
-        self.orven.wait_for(f"The modem at {self.modem.port} was unplugged", LIMIT)
-        self.modem.do("replug")
-        self.orven.wait_for(f"The modem at {self.modem.port} works again", LIMIT)
-        self.end(*STEPS_TO_A_MESSAGE, "Disconnected[LineIndex:0]", "Record Message ")
-        self.assert_same(said("Old"), sound.read(self.orven.message(self.record())))
-
-
 if __name__ == "__main__":
     harness.main(program_arguments=2, at_a_time=5)

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 
 #include "adapters/sound/card_format.h"
 #include "adapters/sound/card_list.h"

@@ -261,27 +261,5 @@ TEST_F(SpeechTest, TextsAreSpokenInOrderUntilTheyAreStoppedAndASoundServerMayBeM
   Ended(next);
 }
 
-TEST_F(SpeechTest, SpeaksOneTextIntoAFileOrReportsWhyNot) {
-  const QString path = QString::fromStdString(folder / "greeting.wav");
-  const auto run = [&](const QStringList& words, const std::string& text, int code,
-                       const std::string& complaint) {
-    QProcess process;
-    process.setProcessEnvironment(QProcessEnvironment());
-    process.start(TTS_PROGRAM, words);
-    process.write(QByteArray::fromStdString(text));
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished());
-    EXPECT_EQ(process.exitCode(), code);
-    EXPECT_EQ(process.readAllStandardError().left(5).toStdString(), complaint);
-  };
-  run({"-w", path}, "Please leave a message after the tone.\n", 0, "");
-  const auto greeting = ContentOf(folder / "greeting.wav");
-  EXPECT_GT(greeting.size(), 22050U * 2);
-  for (const char* text : {"", "...", "\xff not UTF-8"}) run({"-w", path}, text, 1, "TTS: ");
-  EXPECT_TRUE(ContentOf(folder / "greeting.wav") == greeting);
-  for (const QStringList& wrong : {QStringList(), QStringList{"-w"}, QStringList{"-gc", "x"}})
-    run(wrong, "", 2, "usage");
-}
-
 }  // namespace
 }  // namespace orven::test

@@ -2,12 +2,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <QAbstractItemView>
-#include <QAction>
-#include <QApplication>
-#include <QLabel>
-#include <QMenu>
 #include <QTest>
+#include <QtWidgets>
 
 #include "adapters/audio/file_wave_control.h"
 #include "adapters/audio/waveform_reader.h"
@@ -35,7 +31,7 @@ struct FiledCall {
 
 /// The main window with its engine, as in the running program. Settings, records and audio are files in a
 /// temporary folder. The line, the sound card, and the desktop's dialogs, tray and mouse are simulated.
-class Desk {
+class Desk : public ScriptedPorts {
  public:
   explicit Desk(const std::string& settings = "");
 
@@ -78,14 +74,6 @@ class Desk {
   FileWaveControl WavePlay;
   std::unique_ptr<FileWaveControl> Wave1;
   FileWaveformReader waveforms{loop}, take_waveforms{loop};
-  ScriptedExchange uDat;
-  ScriptedCards cards;
-  ScriptedDialogs dialogs;
-  ScriptedShell shell;
-  ScriptedMouse mouse;
-  ScriptedMail Mail1;
-  ScriptedSystem system;
-  RecordingDialogFactory dialog_factory;
   RecordingViews other_views;
   frmMain window;
   int ends = 0;  ///< how often the program ended
