@@ -52,6 +52,7 @@ bool IsPlain(unsigned char byte) {
 
 OpenCall RowOf(const Call& call) {
   OpenCall row{call.key, call.record, {}};
+  row.fields.reserve(kOpenCallFields.size());
   for (const auto text : kTexts) row.fields.push_back(call.*text);
   row.fields.emplace_back(call.message_left ? "1" : "0");
   row.fields.emplace_back(call.mail_due ? "1" : "0");

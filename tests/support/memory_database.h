@@ -35,8 +35,7 @@ class MemoryDatabase : public DatabaseControl {
   void LoseFile() {
     records_.clear();
     identities_.clear();
-    open.clear();
-    lost_ = true;
+    known_ = std::exchange(open, {});
   }
   /// Puts a record there without the program. Fields that are not given are empty.
   void Put(const std::vector<FieldValue>& values) { Set(records_.emplace_back(kCallFields.size()), values); }
@@ -106,12 +105,12 @@ class MemoryDatabase : public DatabaseControl {
   std::vector<OpenCall> OpenCalls() override {
     Table();
     std::vector<OpenCall> calls;
-    for (const auto& [key, call] : known_ = open) calls.push_back(call);
+    for (const auto& [key, call] : open) calls.push_back(call);
     return calls;
   }
   void Keep(const OpenCall& call) override {
     Table();
-    if (const auto known = known_.find(call.key); known != known_.end() && known->second == call) return;
+    if (const auto kept = open.find(call.key); kept != open.end() && kept->second == call) return;
     BeforeWrite();
     Settle(call, call.record);
   }
@@ -137,7 +136,8 @@ class MemoryDatabase : public DatabaseControl {
   /// Every operation notices that the file was replaced, and brings the open calls along.
   const std::vector<Fields>& Table() {
     Require(!gone);
-    if (std::exchange(lost_, false)) open = known_;
+    open.merge(known_);
+    known_.clear();
     return records_;
   }
   void BeforeWrite() {
@@ -147,10 +147,11 @@ class MemoryDatabase : public DatabaseControl {
   }
   void Settle(const OpenCall& call, std::int64_t record) {
     if (call.key == 0) return;
-    open[call.key] = known_[call.key] = {call.key, record, call.fields};
-    if (!call.fields.empty()) return;
-    open.erase(call.key);
-    known_.erase(call.key);
+    if (call.fields.empty()) {
+      open.erase(call.key);
+    } else {
+      open[call.key] = {call.key, record, call.fields};
+    }
   }
   std::size_t Index(std::int32_t number) {
     if (number < 1 || static_cast<std::size_t>(number) > Table().size())
@@ -176,8 +177,7 @@ class MemoryDatabase : public DatabaseControl {
   std::vector<Fields> records_;
   std::vector<std::int64_t> identities_;
   std::int64_t last_identity_ = 0;
-  std::map<std::int64_t, OpenCall> known_;  ///< the open calls that the running program has stored or read
-  bool lost_ = false;                       ///< the file was replaced, which the program has not noticed
+  std::map<std::int64_t, OpenCall> known_;  ///< the open calls of a lost file, until the program notices
 };
 
 }  // namespace orven::test
