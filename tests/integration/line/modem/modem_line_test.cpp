@@ -167,6 +167,7 @@ struct Story final : ModemLink, AudioSource, AudioSink {
        [this](auto& blocks) {
          std::ranges::copy(Noise(blocks), std::back_inserter(given));
          EXPECT_EQ(audio.StartPlay(*this), 0);
+         EXPECT_NE(audio.StartPlay(*this), 0);
        }},
       {"played", [this](auto&) { Until([this] { return !audio.Plays(); }); }},
       {"stop",
@@ -188,9 +189,7 @@ struct Story final : ModemLink, AudioSource, AudioSink {
       {"unplug", [this](auto&) { Unplug(); }},
       {"plug", [this](auto&) { problem.reset(); }},
       {"refuse",
-       [this](auto& kind) {
-         problem = {LinkProblem::Kind(kind[0] - '0'), "Refused " + kind};
-       }},
+       [this](auto& kind) { problem.emplace(LinkProblem::Kind(std::stoi(kind)), "Refused " + kind); }},
       {"ports", [this](auto& count) { ports = std::stoul(count); }},
       {"slow", [this](auto&) { most_rate = kUsualRate; }},
       {"lose", [this](auto& bytes) { lose = std::stoul(bytes); }},
@@ -295,6 +294,12 @@ const Case kCases[] = {
     Row("CallersGiveUp", "conexant",
         "ready; id NMBR = 5550000; 30000; id NMBR = P; 300; ring; 5000; ring; 60000; ring; 20000",
         "Offered 1, CallerId 1 /, Ring 1 1, Ring 1 2, Idle 1, Offered 2, Ring 2 1, Idle 2"),
+    // A double ring, slow rings, and a ring without a pause.
+    Row("OddRings", "v253",
+        "ready; from RING\r; 650; from RING\r; 2350; from RING\r; 6000; from RING\r; 8900; from RING\r; 900; "
+        "from RING\r; "
+        "900; from RING\r; 900; from RING\r; 900; from RING\r; 900; from RING\r; 20000",
+        "Offered 1, Ring 1 1, Ring 1 2, Ring 1 3, Ring 1 4, Ring 1 5, Idle 1"),
     Row("StopsPlayingAtOnce", "lucent",
         "ready; call; play 500; 2000; stop; play 60; played; drop; 2000; heard",
         "Connected 1, Done 2 0, Idle 1, heard"),

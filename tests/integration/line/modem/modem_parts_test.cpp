@@ -106,20 +106,6 @@ TEST(CallerIdTest, ReadsEveryFormat) {
     EXPECT_FALSE(CallerIdLines().Take(line)) << line;
 }
 
-TEST(RingPatternTest, CountsRingsAndKnowsWhenTheCallerHasGivenUp) {
-  RingPattern rings;
-  std::string told;
-  for (const int at : {50, 700, 3050, 9050}) {
-    const auto count = rings.Ring(milliseconds(at));
-    told += std::to_string(count.value_or(0)) + ":" + std::to_string(rings.Patience().count()) + " ";
-  }
-  EXPECT_EQ(told, "1:8000 0:8000 2:8000 3:9000 ");
-  // A ring that is reported without a pause still counts as more than one.
-  int count = 3;
-  for (int at = 12'100; at < 23'700; at += 400) count = rings.Ring(milliseconds(at)).value_or(count);
-  EXPECT_EQ(count, 6);
-}
-
 TEST(KeyPressesTest, ReportsEachKeyPressOnceHoweverTheModemReportsIt) {
   const std::tuple<std::string, int, std::string> rows[] = {
       // the events, the ms between them, the key presses
@@ -204,28 +190,6 @@ TEST(SampleCodecTest, EveryByteSurvivesDecodingAndSamplesAreRoundedAndClipped) {
   EXPECT_THAT(shielded, ElementsAre(1, kDle, kDle, 2, kDle, kDle, kDle, kDle, kEtx, kDle, kDle));
 }
 
-TEST(SampleCodecTest, AToneStaysAToneAtOtherRates) {
-  constexpr double kStep = std::numbers::pi / 4;  // 1000 Hz
-  std::vector<std::int16_t> tone(16000);
-  for (std::size_t i = 0; i < tone.size(); ++i) tone[i] = std::int16_t(8000 * std::sin(kStep * double(i)));
-  for (const int rate : {7200, 11025}) {
-    SampleEncoder encoder({Linear16, rate, ""});
-    SampleDecoder decoder({Linear16, rate, ""});
-    std::vector<std::int16_t> back;
-    for (std::size_t at = 0; at < tone.size(); at += 160) {
-      std::vector<std::uint8_t> bytes;
-      encoder.Encode(std::span(tone).subspan(at, 160), bytes);
-      const auto half = bytes.size() / 3;  // in the middle of a sample
-      decoder.Decode(std::span(bytes).first(half), back);
-      decoder.Decode(std::span(bytes).subspan(half), back);
-    }
-    EXPECT_NEAR(double(back.size()), 16000, 400);
-    // In a sine, the two neighbours of a sample add up to 2 cos(kStep) times the sample.
-    for (std::size_t i = 4000; i < 12000; ++i)
-      EXPECT_NEAR(back[i - 1] + back[i + 1], 2 * std::cos(kStep) * back[i], 40) << "amplitude 8000";
-  }
-}
-
 /// Returns the audio of a cadence, repeated for `seconds` but at least once, over noise at -50 dBm0. A part
 /// of it is its milliseconds, then its tones: "500/480/620 300" is half a second of two tones, then a pause
 /// of 300 ms.
@@ -250,8 +214,9 @@ Samples Audio(const std::string& cadence, int seconds, double level) {
   return samples;
 }
 
-struct HangUpDetectorTest : testing::TestWithParam<SampleKind> {
-  /// Returns what is heard in `samples` through a modem of this kind, and after how many seconds.
+struct HangUpDetectorTest : testing::TestWithParam<std::pair<SampleKind, int>> {
+  /// Returns what is heard in `samples` through a modem with this kind and rate of samples, and after how
+  /// many seconds.
   static std::pair<std::string, double> Heard(const Samples& samples) {
     std::pair<std::string, double> result;
     std::size_t at = 0;
@@ -259,8 +224,9 @@ struct HangUpDetectorTest : testing::TestWithParam<SampleKind> {
       EXPECT_EQ(result.first, "");
       result = {what, static_cast<double>(at) / 8000};
     });
-    SampleEncoder encoder({GetParam(), 8000, ""});
-    SampleDecoder decoder({GetParam(), 8000, ""});
+    const VoiceFormat format{GetParam().first, GetParam().second, ""};
+    SampleEncoder encoder(format);
+    SampleDecoder decoder(format);
     for (std::size_t size = 0; at < samples.size(); at += size) {
       size = std::min<std::size_t>(171, samples.size() - at);
       std::vector<std::uint8_t> bytes;
@@ -327,7 +293,9 @@ TEST_P(HangUpDetectorTest, OtherTonesAndVoicesAreIgnored) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HangUpDetectorTest, testing::Values(Linear16, MuLaw, Unsigned8));
+INSTANTIATE_TEST_SUITE_P(Formats, HangUpDetectorTest,
+                         testing::Values(std::pair(Linear16, 7200), std::pair(MuLaw, 8000),
+                                         std::pair(Unsigned8, 11025)));
 
 }  // namespace
 }  // namespace orven

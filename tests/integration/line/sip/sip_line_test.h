@@ -168,17 +168,13 @@ class SipCaller {
   }
 
   void SendRtp(const Bytes& packet) const { rtp.SendTo(line_rtp_port, packet); }
-  /// Reads all packets that have already come, then waits for another one and returns it.
-  std::string NextPacket(milliseconds limit = milliseconds(2000)) {
-    std::string packet;
-    while (!(packet = rtp.Receive(milliseconds(0))).empty()) heard += packet.substr(12);
-    packet = rtp.Receive(limit);
-    if (!packet.empty()) heard += packet.substr(12);
-    return packet;
+  /// Skips all packets that have already come, then waits for another one and returns it.
+  std::string NextPacket(milliseconds limit = milliseconds(2000)) const {
+    while (!rtp.Receive(milliseconds(0)).empty()) continue;
+    return rtp.Receive(limit);
   }
 
   Socket rtp = Socket::Udp();
-  std::string heard;   ///< the payloads that NextPacket has read
   std::string answer;  ///< the latest 200 response to an INVITE
   std::uint16_t line_rtp_port = 0;
 
@@ -251,16 +247,10 @@ class RecordedEvents {
   std::vector<std::string> all_;
 };
 
-/// Keeps recorded audio for the test to read after the call, or plays the audio that it holds.
-struct KeptAudio : AudioSink, AudioSource {
+/// Keeps recorded audio for the test to read after the call.
+struct KeptAudio : AudioSink {
   void Write(std::span<const std::int16_t> block) override {
     all.insert(all.end(), block.begin(), block.end());
-  }
-  bool Read(std::span<std::int16_t> block) override {
-    if (all.empty()) return false;
-    std::copy_n(all.begin(), block.size(), block.begin());
-    all.erase(all.begin(), all.begin() + kBlockSamples);
-    return true;
   }
   /// Returns how many whole blocks of `sent`, in mu-law, have arrived.
   std::size_t BlocksOf(const Bytes& sent) const {
