@@ -180,6 +180,13 @@ struct Story final : ModemLink, AudioSource, AudioSink {
       {"say", [this](auto& blocks) { modem.Say(spoken = Noise(blocks)); }},
       {"press", [this](auto& key) { modem.Press(key[0]); }},
       {"event", [this](auto& code) { modem.Event(code[0]); }},
+      {"keys",  // as some modem reports them; a dot is a pause
+       [this](auto& codes) {
+         for (const char code : codes) {
+           if (code != '.') FromModem(std::vector<std::uint8_t>{kDle, static_cast<std::uint8_t>(code)});
+           time.RunFor(milliseconds(70));
+         }
+       }},
       {"busy", [this](auto&) { modem.HangUp(); }},
       {"dialtone", [this](auto&) { modem.HangUpToDialTone(); }},
       {"silence", [this](auto&) { modem.HangUpToSilence(); }},
@@ -300,6 +307,14 @@ const Case kCases[] = {
         "from RING\r; "
         "900; from RING\r; 900; from RING\r; 900; from RING\r; 900; from RING\r; 20000",
         "Offered 1, Ring 1 1, Ring 1 2, Ring 1 3, Ring 1 4, Ring 1 5, Idle 1"),
+    // A key in brackets, held, without brackets, reported again behind its bracket; brackets without an end.
+    Row("KeysOfAnyModem", "v253",
+        "ready; call; monitor; keys /5~; 2000; keys /666666666666~; 2000; keys 777; 2000; keys /9~9; 2000; "
+        "keys /1~/1~; "
+        "2000; keys 2..2..2; 2000; keys 1*#AD9; 2000; keys /5555.1111...............1111; 2000; keys /5/5/6",
+        "Connected 1, Digit 5, Digit 6, Digit 7, Digit 9, Digit 1, Digit 1, Digit 2, Digit 2, Digit 2, Digit "
+        "1, Digit *, Digit #, Digit A, Digit D, Digit 9, Digit 5, Digit 1, Digit 1, Digit 5, Digit 5, Digit "
+        "6"),
     Row("StopsPlayingAtOnce", "lucent",
         "ready; call; play 500; 2000; stop; play 60; played; drop; 2000; heard",
         "Connected 1, Done 2 0, Idle 1, heard"),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the modem's output is parsed: answers, caller IDs, rings, keys, formats, samples, and the tones of a
+// How the modem's output is parsed: answers, caller IDs, formats, samples, and the tones of a
 // line.
 #include <gmock/gmock.h>
 
@@ -12,7 +12,6 @@
 
 #include "adapters/line/modem/caller_id.h"
 #include "adapters/line/modem/hang_up_detector.h"
-#include "adapters/line/modem/modem_call.h"
 #include "adapters/line/modem/modem_preparation.h"
 #include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
@@ -22,7 +21,6 @@ namespace orven {
 namespace {
 
 using namespace std::string_literals;
-using std::chrono::milliseconds;
 using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 using Samples = std::vector<std::int16_t>;
@@ -104,27 +102,6 @@ TEST(CallerIdTest, ReadsEveryFormat) {
   }
   for (const char* line : {"OK", "RING", "=", "NMBR", "DRON=20", "+VCID=1"})
     EXPECT_FALSE(CallerIdLines().Take(line)) << line;
-}
-
-TEST(KeyPressesTest, ReportsEachKeyPressOnceHoweverTheModemReportsIt) {
-  const std::tuple<std::string, int, std::string> rows[] = {
-      // the events, the ms between them, the key presses
-      {"/5~", 70, "5"},       {"/55555555555~", 70, "5"},
-      {"555", 30, "5"},       {"5555555", 70, "5"},
-      {"/5~5", 70, "5"},      {"/5~/5~", 30, "55"},
-      {"5  5  5", 70, "555"}, {"1*#AD9", 10, "1*#AD9"},
-      {"RsbEa/~", 70, ""},    {"/5555 1111               1111", 70, "511"},
-      {"/5/5/6", 70, "556"}};
-  for (const auto& [events, pace, presses] : rows) {
-    KeyPresses keys;
-    std::string pressed;
-    milliseconds now(0);
-    for (const char event : events) {
-      now += milliseconds(pace);
-      if (const auto key = keys.Event(event, now)) pressed += *key;
-    }
-    EXPECT_EQ(pressed, presses) << events;
-  }
 }
 
 TEST(FirmwareTest, RecognizesTheFaultyOne) {
