@@ -309,7 +309,7 @@ const Case kCases[] = {
         "Offered 1, Ring 1 1, Ring 1 2, Ring 1 3, Ring 1 4, Ring 1 5, Idle 1"),
     // A key in brackets, held, without brackets, reported again behind its bracket; brackets without an end.
     Row("KeysOfAnyModem", "v253",
-        "ready; call; monitor; keys /5~; 2000; keys /666666666666~; 2000; keys 777; 2000; keys /9~9; 2000; "
+        "ready; call; monitor; keys /5~; 2000; keys /666666666666~; 2000; keys 777; 2000; keys /9~.9; 2000; "
         "keys /1~/1~; "
         "2000; keys 2..2..2; 2000; keys 1*#AD9; 2000; keys /5555.1111...............1111; 2000; keys /5/5/6",
         "Connected 1, Digit 5, Digit 6, Digit 7, Digit 9, Digit 1, Digit 1, Digit 2, Digit 2, Digit 2, Digit "
