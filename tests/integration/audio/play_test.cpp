@@ -127,10 +127,6 @@ TEST_F(Play, SeekContinuesAtThePositionAndFinishesOnce) {
   EXPECT_EQ(1, Finished());
 
   Start(greeting);
-  std::filesystem::rename(greeting, other);
-  control->Seek(1s);  // fails: the file is missing
-  EXPECT_EQ(0ms, control->Position());
-  std::filesystem::rename(other, greeting);
   control->Seek(1h);
   EXPECT_EQ(2999ms, control->Position());
   EXPECT_EQ(Samples(), line.Play());

@@ -136,11 +136,6 @@ TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
     });
     EXPECT_EQ(QtDialogs(true).Confirm("Delete <b>a</b> ?", QuestionIcon::None), button == QMessageBox::Yes);
   }
-  WhenOpen<QMessageBox>([](auto& box) {
-    EXPECT_TRUE(box.windowFlags() & Qt::WindowStaysOnTopHint);
-    box.close();
-  });
-  QtDialogs(true).Message("Parameters:");
 }
 
 TEST(QtDialogs, FilesAreFilteredAndTheLastFolderIsOpenedAgain) {

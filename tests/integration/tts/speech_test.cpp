@@ -136,7 +136,6 @@ TEST_F(SpeechTest, VoiceAndRateChangeWhatIsSpokenInTheOrderOfTheMessages) {
   };
   constexpr double kSame = 0.03;  // the engine's timing varies with what it spoke before
   const auto normal = seconds({});
-  EXPECT_NEAR(normal, 4, 1.5);
   const auto slow = seconds({"SRT:-5"});
   const auto slowest = seconds({"SRT:-10"});
   EXPECT_TRUE(slow > normal * 1.2 && slowest > slow * 1.1);
@@ -214,9 +213,6 @@ TEST_F(SpeechTest, TheEndOfTheLinkOrASignalEndsTheHelper) {
 TEST_F(SpeechTest, ANewFileReplacesTheOlderOne) {
   auto& helper = Start();
   PutFile(folder / "ttstmp.wav", "older");
-  Send("SFS:" + (folder / "ttstmp.wav"));
-  Voices();
-  EXPECT_EQ(folder.Count(""), 0U);
   // One text is being written and one is waiting: both are given up, but not the text for another file.
   Write("ttstmp.wav", LongText(kLong));
   Send("STW:" + LongText(1000));
