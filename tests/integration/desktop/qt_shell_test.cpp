@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the program uses the desktop: files, other programs, dialogs.
+// How the program uses the desktop: the tray icon, files, other programs, dialogs.
 #include "adapters/desktop/qt_shell.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +47,16 @@ struct QtShellTest : testing::Test {
   ScratchFolder folder;
   QtShell shell{QIcon()};
 };
+
+TEST_F(QtShellTest, TheIconIsAddedOnceAndItsTipFollows) {
+  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Modify, {})) << "there is no icon to change";
+  EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Add, {}));
+  EXPECT_FALSE(shell.NotifyIcon(NotifyRequest::Add, {}));
+  NotifyIconData data;
+  data.tip = std::string("ORVEN - Calls:4  New:2").append(9, '\0');
+  EXPECT_TRUE(shell.NotifyIcon(NotifyRequest::Modify, data));
+  EXPECT_EQ(shell.Icon()->toolTip(), "ORVEN - Calls:4  New:2");
+}
 
 TEST_F(QtShellTest, OpensExistingFilesOnly) {
   const auto page = folder / "index #1.htm";
