@@ -44,8 +44,8 @@ void AtChannel::Ask(std::string command, Done done, std::chrono::milliseconds pa
   Add({std::move(command), false, false, patience, std::move(done)});
 }
 
-void AtChannel::AskForAudio(std::string command, Direction direction, Done done) {
-  Add({std::move(command), true, direction == Direction::Receive, kPatience, std::move(done)});
+void AtChannel::AskForAudio(std::string command, bool receive, Done done) {
+  Add({std::move(command), true, receive, kPatience, std::move(done)});
 }
 
 void AtChannel::AwaitOk(Done done, std::chrono::milliseconds patience) {

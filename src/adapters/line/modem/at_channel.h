@@ -85,9 +85,9 @@ class AtChannel : private ModemOutput {
       std::string command, Done done = [](const ModemReply&) {},
       std::chrono::milliseconds patience = kPatience);
 
-  /// The same for a command that starts a stream of audio: its result is Connect or Error.
-  enum class Direction : std::uint8_t { Transmit, Receive };
-  void AskForAudio(std::string command, Direction direction, Done done);
+  /// The same for a command that starts a stream of audio, to us if `receive`: its result is Connect or
+  /// Error.
+  void AskForAudio(std::string command, bool receive, Done done);
 
   /// Waits for an OK that the modem sends without being given a command.
   void AwaitOk(Done done, std::chrono::milliseconds patience);

@@ -3,9 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <cstdio>
 #include <optional>
+#include <regex>
 #include <sstream>
 #include <tuple>
 #include <utility>
@@ -48,18 +47,10 @@ constexpr Version kMended{1, 2, 23};
 
 /// The first number with three parts.
 std::optional<Version> VersionIn(const std::string& text) {
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto is_digit = [&text](std::size_t i) {
-      return std::isdigit(static_cast<unsigned char>(text[i])) != 0;
-    };
-    if (!is_digit(at) || (at > 0 && is_digit(at - 1))) continue;
-    int major = 0;
-    int minor = 0;
-    int patch = 0;
-    if (std::sscanf(text.c_str() + at, "%3d.%3d.%3d", &major, &minor, &patch) == 3)
-      return Version(major, minor, patch);
-  }
-  return std::nullopt;
+  static const std::regex three_parts(R"((?:^|\D)(\d{1,3})\.(\d{1,3})\.(\d{1,3}))");
+  std::smatch found;
+  if (!std::regex_search(text, found, three_parts)) return std::nullopt;
+  return Version(std::stoi(found[1]), std::stoi(found[2]), std::stoi(found[3]));
 }
 
 }  // namespace

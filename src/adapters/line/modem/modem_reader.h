@@ -18,23 +18,23 @@ inline constexpr std::uint8_t kEsc = 0x1B;  ///< ends receiving
 /// Appends `audio` to `out`, with each <DLE> doubled.
 void AppendShielded(std::span<const std::uint8_t> audio, std::vector<std::uint8_t>& out);
 
-/// Receives a voice modem's output, in its order.
+/// Receives a voice modem's output, in its order; ignores what it has no function for.
 class ModemOutput {
  public:
   virtual ~ModemOutput() = default;
 
   /// A line of text without its end and without blanks around it; never empty, no control characters.
-  virtual void Line(const std::string& text) = 0;
+  virtual void Line(const std::string& /*text*/) {}
   /// <DLE>x: an event on the line, for example 'R' a ring, '5' a key, 'b' the busy tone. `code` is any
   /// visible ASCII character, also one without a meaning.
-  virtual void Event(char code) = 0;
+  virtual void Event(char /*code*/) {}
   /// <DLE>X … <DLE>.: a packet, for example a caller id. Its lines keep their ends; no other control
   /// characters.
-  virtual void Packet(const std::string& text) = 0;
+  virtual void Packet(const std::string& /*text*/) {}
   /// Received audio, unshielded, in the modem's sample format. Valid during the call only.
-  virtual void Audio(std::span<const std::uint8_t> bytes) = 0;
+  virtual void Audio(std::span<const std::uint8_t> /*bytes*/) {}
   /// The received audio is over (<DLE><ETX>, <DLE><ESC>); lines follow.
-  virtual void AudioEnded() = 0;
+  virtual void AudioEnded() {}
 };
 
 /// Parses a voice modem's output (ITU-T V.253; Hayes commands, ITU-T V.250), in pieces of any size. Garbage

@@ -4,9 +4,7 @@
 #include <spandsp.h>
 
 #include <algorithm>
-#include <optional>
 
-#include "adapters/audio/resampler.h"
 #include "platform/audio_device.h"
 
 namespace orven {
@@ -28,99 +26,57 @@ std::int16_t FromBytes(std::uint8_t low, std::uint8_t high) {
   return static_cast<std::int16_t>(low | (high << 8));
 }
 
-/// Converts between the line's rate and the modem's; equal rates pass unchanged.
-class RateConverter {
- public:
-  RateConverter(int from, int to) {
-    if (from != to) resampler_.emplace(from, to);
-  }
-
-  /// The result is valid until the next call or until `samples` change.
-  std::span<const std::int16_t> Convert(std::span<const std::int16_t> samples) {
-    if (!resampler_ || samples.empty()) return samples;
-    input_.resize(samples.size());
-    src_short_to_float_array(samples.data(), input_.data(), static_cast<int>(samples.size()));
-    const auto converted = resampler_->Process(input_, false);
-    output_.resize(converted.size());
-    src_float_to_short_array(converted.data(), output_.data(), static_cast<int>(converted.size()));
-    return output_;
-  }
-
- private:
-  std::optional<Resampler> resampler_;
-  std::vector<float> input_;
-  std::vector<std::int16_t> output_;
-};
-
 }  // namespace
 
-class SampleEncoder::Impl {
- public:
-  explicit Impl(const VoiceFormat& format) : kind_(format.kind), rate_(kSampleRate, format.rate) {}
+RateConverter::RateConverter(int from, int to) {
+  if (from != to) resampler_.emplace(from, to);
+}
 
-  void Encode(std::span<const std::int16_t> line, std::vector<std::uint8_t>& bytes) {
-    const auto samples = rate_.Convert(line);
-    bytes.reserve(bytes.size() + samples.size_bytes());
-    for (const std::int16_t sample : samples) Append(sample, bytes);
-  }
+std::span<const std::int16_t> RateConverter::Convert(std::span<const std::int16_t> samples) {
+  if (!resampler_ || samples.empty()) return samples;
+  input_.resize(samples.size());
+  src_short_to_float_array(samples.data(), input_.data(), static_cast<int>(samples.size()));
+  const auto converted = resampler_->Process(input_, false);
+  output_.resize(converted.size());
+  src_float_to_short_array(converted.data(), output_.data(), static_cast<int>(converted.size()));
+  return output_;
+}
 
- private:
-  void Append(std::int16_t sample, std::vector<std::uint8_t>& bytes) const {
+SampleEncoder::SampleEncoder(const VoiceFormat& format)
+    : kind_(format.kind), rate_(kSampleRate, format.rate) {}
+
+void SampleEncoder::Encode(std::span<const std::int16_t> samples, std::vector<std::uint8_t>& bytes) {
+  const auto converted = rate_.Convert(samples);
+  bytes.reserve(bytes.size() + converted.size_bytes());
+  for (const std::int16_t sample : converted) {
     switch (kind_) {
       case SampleKind::Linear16:
         bytes.push_back(static_cast<std::uint8_t>(sample & 0xFF));
         bytes.push_back(static_cast<std::uint8_t>((sample >> 8) & 0xFF));
-        return;
-      case SampleKind::MuLaw: bytes.push_back(linear_to_ulaw(sample)); return;
-      case SampleKind::Unsigned8: bytes.push_back(ToUnsigned8(sample)); return;
+        break;
+      case SampleKind::MuLaw: bytes.push_back(linear_to_ulaw(sample)); break;
+      case SampleKind::Unsigned8: bytes.push_back(ToUnsigned8(sample)); break;
     }
   }
+}
 
-  SampleKind kind_;
-  RateConverter rate_;
-};
+SampleDecoder::SampleDecoder(const VoiceFormat& format)
+    : kind_(format.kind), rate_(format.rate, kSampleRate) {}
 
-class SampleDecoder::Impl {
- public:
-  explicit Impl(const VoiceFormat& format) : kind_(format.kind), rate_(format.rate, kSampleRate) {}
-
-  void Decode(std::span<const std::uint8_t> bytes, std::vector<std::int16_t>& samples) {
-    modem_.clear();
-    for (const std::uint8_t byte : bytes) Take(byte);
-    const auto line = rate_.Convert(modem_);
-    samples.insert(samples.end(), line.begin(), line.end());
-  }
-
- private:
-  void Take(std::uint8_t byte) {
+void SampleDecoder::Decode(std::span<const std::uint8_t> bytes, std::vector<std::int16_t>& samples) {
+  modem_.clear();
+  for (const std::uint8_t byte : bytes) {
     switch (kind_) {
       case SampleKind::Linear16:
         if (low_) modem_.push_back(FromBytes(*low_, byte));
         low_ = low_ ? std::nullopt : std::optional(byte);
-        return;
-      case SampleKind::MuLaw: modem_.push_back(ulaw_to_linear(byte)); return;
-      case SampleKind::Unsigned8: modem_.push_back(FromUnsigned8(byte)); return;
+        break;
+      case SampleKind::MuLaw: modem_.push_back(ulaw_to_linear(byte)); break;
+      case SampleKind::Unsigned8: modem_.push_back(FromUnsigned8(byte)); break;
     }
   }
-
-  SampleKind kind_;
-  RateConverter rate_;
-  std::optional<std::uint8_t> low_;  ///< of a sample whose high byte has not come yet
-  std::vector<std::int16_t> modem_;  ///< at the modem's rate
-};
-
-SampleEncoder::SampleEncoder(const VoiceFormat& format) : impl_(std::make_unique<Impl>(format)) {}
-SampleEncoder::~SampleEncoder() = default;
-
-void SampleEncoder::Encode(std::span<const std::int16_t> samples, std::vector<std::uint8_t>& bytes) {
-  impl_->Encode(samples, bytes);
-}
-
-SampleDecoder::SampleDecoder(const VoiceFormat& format) : impl_(std::make_unique<Impl>(format)) {}
-SampleDecoder::~SampleDecoder() = default;
-
-void SampleDecoder::Decode(std::span<const std::uint8_t> bytes, std::vector<std::int16_t>& samples) {
-  impl_->Decode(bytes, samples);
+  const auto line = rate_.Convert(modem_);
+  samples.insert(samples.end(), line.begin(), line.end());
 }
 
 }  // namespace orven

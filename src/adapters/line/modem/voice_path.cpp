@@ -6,16 +6,9 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
-#include <span>
 #include <utility>
-#include <vector>
 
-#include "adapters/line/driver/line_audio.h"
-#include "adapters/line/modem/hang_up_detector.h"
 #include "adapters/line/modem/modem_reader.h"
-#include "adapters/line/modem/sample_codec.h"
 
 namespace orven {
 namespace {
@@ -68,38 +61,6 @@ const std::array<std::vector<std::uint8_t>, kTries> kStops{
     std::vector<std::uint8_t>{kDle, '!'}, {kDle, kEsc}, {kDle, '!', kDle, '!', kDle, '!'}};
 
 }  // namespace
-
-/// The caller's audio, from the modem's bytes to the blocks that are recorded. Not thread-safe.
-class VoicePath::Receiver {
- public:
-  /// `hung_up` is called at most once, inside Audio, with the sign of the hang-up that was heard.
-  Receiver(VoiceFormat format, LineAudio& audio, std::function<void(const char*)> hung_up)
-      : format_(std::move(format)), audio_(audio), hang_up_(std::move(hung_up)) {}
-
-  /// A new stream of audio starts.
-  void Begin() { decoder_.emplace(format_); }
-
-  void Audio(std::span<const std::uint8_t> bytes);
-
- private:
-  const VoiceFormat format_;
-  LineAudio& audio_;
-  HangUpDetector hang_up_;
-  std::optional<SampleDecoder> decoder_;
-  std::vector<std::int16_t> samples_;  ///< less than a block
-};
-
-void VoicePath::Receiver::Audio(std::span<const std::uint8_t> bytes) {
-  if (!decoder_) Begin();
-  decoder_->Decode(bytes, samples_);
-  std::span<const std::int16_t> left(samples_);
-  for (; left.size() >= kBlockSamples; left = left.subspan(kBlockSamples)) {
-    const auto block = left.first(kBlockSamples);
-    audio_.Deliver(block);
-    hang_up_.Listen(block);
-  }
-  samples_.erase(samples_.begin(), samples_.end() - static_cast<std::ptrdiff_t>(left.size()));
-}
 
 /// Playback to the caller, paced by the clock: a modem's buffer holds a second or less, and cannot be taken
 /// back quickly. Keeps the first seconds of the call, to repeat them for a caller who has not heard them. Not
@@ -197,10 +158,10 @@ VoicePath::VoicePath(AtChannel& channel, ModemLink& link, EventLoop& loop, const
       loop_(loop),
       clock_(clock),
       audio_(audio),
+      format_(format),
       listener_(std::move(listener)),
       transmitter_(std::make_unique<Transmitter>(format, audio)),
-      receiver_(
-          std::make_unique<Receiver>(format, audio, [this](const char* what) { listener_.hung_up(what); })),
+      hang_up_([this](const char* what) { listener_.hung_up(what); }),
       tick_(loop.MakeTimer([this] { Tick(); })) {}
 
 VoicePath::~VoicePath() = default;
@@ -222,27 +183,26 @@ void VoicePath::End(std::function<void()> done) {
   switch (state_) {
     case State::Off: return GoOn();
     // Audio that was fetched completely is played to its end.
-    case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge(0) : Drain();
-    case State::Draining: return audio_.TakeCut() ? Purge(0) : void();
-    case State::Receiving: return StopReceiving(0);
+    case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge() : Drain();
+    case State::Draining: return audio_.TakeCut() ? Purge() : void();
+    case State::Receiving: return StopReceiving();
     default: return;  // it ends by itself
   }
 }
 
 void VoicePath::Choose() {
-  Ask(transmitter_->Wanted() ? AtChannel::Direction::Transmit : AtChannel::Direction::Receive, kTries);
+  Ask(transmitter_->Wanted(), kTries);
 }
 
-void VoicePath::Ask(AtChannel::Direction direction, int tries_left) {
+void VoicePath::Ask(bool transmit, int tries_left) {
   state_ = State::Beginning;
-  const bool transmit = direction == AtChannel::Direction::Transmit;
-  channel_.AskForAudio(transmit ? "AT+VTX" : "AT+VRX", direction,
-                       [this, direction, transmit, tries_left](const ModemReply& reply) {
+  channel_.AskForAudio(transmit ? "AT+VTX" : "AT+VRX", !transmit,
+                       [this, transmit, tries_left](const ModemReply& reply) {
                          if (reply.kind == ModemReply::Kind::Connect)
                            return transmit ? Transmit() : Receive();
                          if (ended_) return GoOn();
                          if (reply.kind == ModemReply::Kind::Error) return Refused();
-                         if (tries_left > 1) return Ask(direction, tries_left - 1);
+                         if (tries_left > 1) return Ask(transmit, tries_left - 1);
                          Fail();
                        });
 }
@@ -250,22 +210,22 @@ void VoicePath::Ask(AtChannel::Direction direction, int tries_left) {
 void VoicePath::Transmit() {
   state_ = State::Transmitting;
   transmitter_->Begin(clock_.Uptime());
-  if (ended_) return Purge(0);
+  if (ended_) return Purge();
   TickTransmitting();
 }
 
 void VoicePath::Receive() {
   state_ = State::Receiving;
-  receiver_->Begin();
+  decoder_.emplace(format_);
   latest_audio_ = clock_.Uptime();
   heard_ = false;
-  if (ended_) StopReceiving(0);
+  if (ended_) StopReceiving();
 }
 
 void VoicePath::Tick() {
   if (state_ == State::Transmitting) return TickTransmitting();
   if (state_ == State::Receiving) return TickReceiving();
-  if (state_ == State::Draining && audio_.TakeCut()) return Purge(0);
+  if (state_ == State::Draining && audio_.TakeCut()) return Purge();
   KeepTimeForRecorder();
 }
 
@@ -273,7 +233,7 @@ void VoicePath::TickTransmitting() {
   KeepTimeForRecorder();
   if (audio_.TakeCut()) {
     transmitter_->Cut();
-    return Purge(0);
+    return Purge();
   }
   std::vector<std::uint8_t> bytes;
   const bool more = transmitter_->Due(clock_.Uptime(), bytes);
@@ -286,7 +246,7 @@ void VoicePath::TickReceiving() {
   silent_since_ = clock_.Uptime();
   (void)audio_.TakeCut();
   if (clock_.Uptime() - latest_audio_ > kLongestStall) return Fail();
-  if (transmitter_->Wanted()) StopReceiving(0);
+  if (transmitter_->Wanted()) StopReceiving();
 }
 
 /// A recording continues, with silence, while the modem cannot receive.
@@ -303,32 +263,30 @@ void VoicePath::Drain() {
   channel_.AwaitOk(
       [this](const ModemReply& reply) {
         if (reply.Ok() || state_ != State::Draining) return Rest();
-        Purge(0);
+        Purge();
       },
       transmitter_->Ahead(clock_.Uptime()) + kDrainPatience);
 }
 
-void VoicePath::Purge(int tries) {
-  state_ = State::Purging;
-  link_.DiscardUnsent();
-  channel_.Forget();
-  channel_.Write(kPurges[static_cast<std::size_t>(tries)]);
-  channel_.AwaitOk(
-      [this, tries](const ModemReply& reply) {
-        if (reply.kind != ModemReply::Kind::Nothing) return Rest();
-        if (tries + 1 < kTries) return Purge(tries + 1);
-        Fail();
-      },
-      kStopPatience);
+void VoicePath::Purge() {
+  Stop(State::Purging, kPurges);
 }
 
-void VoicePath::StopReceiving(int tries) {
-  state_ = State::EndOfReceive;
-  channel_.Write(kStops[static_cast<std::size_t>(tries)]);
+void VoicePath::StopReceiving() {
+  Stop(State::EndOfReceive, kStops);
+}
+
+void VoicePath::Stop(State state, std::span<const std::vector<std::uint8_t>> ways) {
+  state_ = state;
+  if (state == State::Purging) {
+    link_.DiscardUnsent();
+    channel_.Forget();
+  }
+  channel_.Write(ways.front());
   channel_.AwaitOk(
-      [this, tries](const ModemReply& reply) {
+      [this, state, ways](const ModemReply& reply) {
         if (reply.kind != ModemReply::Kind::Nothing) return Rest();
-        if (tries + 1 < kTries) return StopReceiving(tries + 1);
+        if (ways.size() > 1) return Stop(state, ways.subspan(1));
         channel_.ExpectLines();
         Fail();
       },
@@ -366,7 +324,14 @@ void VoicePath::Audio(std::span<const std::uint8_t> bytes) {
   const bool paused = heard_ && clock_.Uptime() - latest_audio_ > kPauseInAudio;
   heard_ = true;
   latest_audio_ = clock_.Uptime();
-  receiver_->Audio(bytes);
+  decoder_->Decode(bytes, received_);
+  std::span<const std::int16_t> left(received_);
+  for (; left.size() >= kBlockSamples; left = left.subspan(kBlockSamples)) {
+    const auto block = left.first(kBlockSamples);
+    audio_.Deliver(block);
+    hang_up_.Listen(block);
+  }
+  received_.erase(received_.begin(), received_.end() - static_cast<std::ptrdiff_t>(left.size()));
   if (paused) Overrun();
 }
 
@@ -375,7 +340,7 @@ void VoicePath::Underrun() {
 }
 
 void VoicePath::Overrun() {
-  if (state_ == State::Receiving) StopReceiving(0);
+  if (state_ == State::Receiving) StopReceiving();
 }
 
 void VoicePath::AudioEnded() {

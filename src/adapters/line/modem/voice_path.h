@@ -5,11 +5,15 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "adapters/line/driver/line_audio.h"
 #include "adapters/line/modem/at_channel.h"
+#include "adapters/line/modem/hang_up_detector.h"
+#include "adapters/line/modem/sample_codec.h"
 #include "adapters/line/modem/voice_format.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
@@ -55,7 +59,6 @@ class VoicePath {
 
  private:
   class Transmitter;
-  class Receiver;
   enum class State : std::uint8_t {
     Off,
     Beginning,  ///< the modem has been asked to transmit or to receive
@@ -70,13 +73,15 @@ class VoicePath {
   void Choose();
   void Transmit();
   void Receive();
-  void Ask(AtChannel::Direction direction, int tries_left);
+  void Ask(bool transmit, int tries_left);
   void Tick();
   void TickTransmitting();
   void TickReceiving();
   void Drain();
-  void Purge(int tries);
-  void StopReceiving(int tries);
+  void Purge();
+  void StopReceiving();
+  /// Tries the `ways` one after the other until the modem answers.
+  void Stop(State state, std::span<const std::vector<std::uint8_t>> ways);
   void Rest();
   void GoOn();
   void Refused();
@@ -88,9 +93,12 @@ class VoicePath {
   EventLoop& loop_;
   const Clock& clock_;
   LineAudio& audio_;
+  const VoiceFormat format_;
   Listener listener_;
   std::unique_ptr<Transmitter> transmitter_;
-  std::unique_ptr<Receiver> receiver_;
+  std::optional<SampleDecoder> decoder_;
+  std::vector<std::int16_t> received_;  ///< less than a block
+  HangUpDetector hang_up_;
   State state_ = State::Off;
   std::function<void()> ended_;                ///< called when the modem rests; empty: the path goes on
   std::chrono::milliseconds latest_audio_{0};  ///< when audio was last received

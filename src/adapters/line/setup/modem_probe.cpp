@@ -106,13 +106,6 @@ class Probe : private ModemLinkEvents, private ModemOutput {
     waiting_.quit();
   }
 
-  // Nothing that a modem reports by itself matters here.
-  void Line(const std::string& /*text*/) override {}
-  void Event(char /*code*/) override {}
-  void Packet(const std::string& /*text*/) override {}
-  void Audio(std::span<const std::uint8_t> /*bytes*/) override {}
-  void AudioEnded() override {}
-
   QtEventLoop loop_;
   QEventLoop waiting_;
   std::unique_ptr<ModemLink> link_ = MakeSerialLink();
