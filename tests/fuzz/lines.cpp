@@ -34,12 +34,12 @@ LinesFile Read(const std::string& text) {
   return file;
 }
 
-bool Same(const LineSection& section, const LineEdit& edit) {
+bool Same(const LineSection& section, const LineSection& edit) {
   return section.name == edit.name && section.type == edit.type && section.values == edit.values;
 }
 
 /// Returns whether the dialog would store this edit: its section reads back unchanged.
-bool CanBeStored(const LineEdit& edit) {
+bool CanBeStored(const LineSection& edit) {
   const LinesFile alone = ParseLines(SectionText(edit), "lines.ini");
   return alone.sections.size() == 1 && alone.complaints.empty() && Same(alone.sections[0], edit);
 }
@@ -49,19 +49,18 @@ bool CanBeStored(const LineEdit& edit) {
 void Lines(Bytes input) {
   auto [text, choices] = ContentAndChoices(input, std::string_view("\0", 1));
   const LinesFile before = Read(text);
-  std::vector<LineEdit> edits;
+  std::vector<LineSection> edits;
   for (const LineSection& section : before.sections) {
-    const LineEdit same{section.line_number, section.name, section.type, section.values};
-    LineEdit edit = same;
+    LineSection edit = section;
     const std::size_t what = choices.Below(5);
     const auto keys = Named(LineTypes(), section.type).keys;
     const std::string key(keys[choices.Below(keys.size())].name);
     if (what == 2) edit.name = choices.Text();
     if (what == 3) edit.values[key] = choices.Text();
     if (what == 4) edit.values.erase(key);
-    if (what != 1) edits.push_back(CanBeStored(edit) ? edit : same);
+    if (what != 1) edits.push_back(CanBeStored(edit) ? edit : section);
   }
-  LineEdit added{0, choices.Text(), "sim", {{"script", choices.Text()}}};
+  LineSection added{choices.Text(), 0, "sim", {{"script", choices.Text()}}};
   if (CanBeStored(added)) edits.push_back(added);
   const LinesFile after = Read(EditLines(text, before.sections, edits));
   Require(after.sections.size() == edits.size());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/config/line_keys.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -35,15 +37,8 @@ bool IsPort(std::string_view text) {
 
 /// Four decimal numbers of 0 to 255. No leading zeros: some programs read them as octal.
 bool IsIpv4(std::string_view text) {
-  for (int part = 0; part < 4; ++part) {
-    const std::size_t dot = part < 3 ? text.find('.') : text.size();
-    if (dot == text.npos) return false;
-    const std::string_view digits = text.substr(0, dot);
-    const auto number = Number(digits);
-    if (!number || *number > 255 || (digits.size() > 1 && digits[0] == '0')) return false;
-    text.remove_prefix(std::min(dot + 1, text.size()));
-  }
-  return true;
+  in_addr address{};
+  return ::inet_pton(AF_INET, std::string(text).c_str(), &address) == 1;
 }
 
 bool IsListen(std::string_view value) {

@@ -113,8 +113,8 @@ TelephoneLine LineOf(const LineSection& section) {
   return line;
 }
 
-LineEdit EditOf(const TelephoneLine& line, const LineSection* before) {
-  LineEdit edit{line.origin, line.name, std::string(TypeOf(line.kind).name), {}};
+LineSection EditOf(const TelephoneLine& line, const LineSection* before) {
+  LineSection edit{line.name, line.origin, std::string(TypeOf(line.kind).name), {}};
   if (before != nullptr) edit.values = before->values;
   const auto set = [&](const std::string& key, const std::string& value) {
     edit.values.erase(key);

@@ -18,7 +18,7 @@ TelephoneLine LineOf(const LineSection& section);
 /// The section to write for `line`. `before` is the section that it replaces, or nullptr for a new line. A
 /// value that equals the default is written only if `before` has that key. Keys that the dialog does not show
 /// stay.
-LineEdit EditOf(const TelephoneLine& line, const LineSection* before);
+LineSection EditOf(const TelephoneLine& line, const LineSection* before);
 
 /// Why `line` cannot be stored or used. What is stored must be read back unchanged.
 std::optional<LineFault> FaultOf(const TelephoneLine& line);

@@ -145,10 +145,8 @@ class LinesReader {
       return nullptr;
     }
     if (std::count_if(entries.begin(), entries.end(), is_type) > 1) ComplainTwice(*entry);
-    const std::string name = Lower(entry->value);
     const auto types = LineTypes();
-    const auto type =
-        std::find_if(types.begin(), types.end(), [&](const LineType& one) { return one.name == name; });
+    const auto type = std::ranges::find(types, Lower(entry->value), &LineType::name);
     if (type != types.end()) return &*type;
     Complain(entry->line_number, "the line \"" + section.name + "\" is left out because type is \"" +
                                      entry->value + "\": expected " + names);
@@ -161,8 +159,7 @@ class LinesReader {
 
   /// False when the entry makes the whole section unusable.
   bool TakeEntry(LineSection& section, const LineType& type, const Entry& entry) {
-    const auto key = std::find_if(type.keys.begin(), type.keys.end(),
-                                  [&](const LineKey& one) { return one.name == entry.key; });
+    const auto key = std::ranges::find(type.keys, entry.key, &LineKey::name);
     if (key == type.keys.end()) {
       Complain(entry.line_number, "\"" + entry.key + "\" is unknown for a " + section.type +
                                       " line: expected " + NamesOf(type.keys));
@@ -200,7 +197,7 @@ LinesFile ReadLines(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   if (status.type() == std::filesystem::file_type::not_found) {
-    return {{{"SIP 127.0.0.1:5060", 0, "sip", {{"listen", "127.0.0.1:5060"}}}}, {}};
+    return {{{"SIP 127.0.0.1:5060", 0, "sip", {{"listen", "127.0.0.1:5060"}}}}, {}, "", false};
   }
   if (error)
     return {{}, {file_name + ": cannot be read (" + error.message() + "): expected a readable text file"}};
@@ -208,12 +205,14 @@ LinesFile ReadLines(const std::string& path) {
     return {{}, {file_name + ": cannot be read: expected a text file, but it is a folder or a device"}};
   }
   std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (!file.is_open() || file.bad()) {
     const std::string reason = std::generic_category().message(errno);
     return {{}, {file_name + ": cannot be read (" + reason + "): expected a readable text file"}};
   }
-  return ParseLines(text, file_name);
+  auto lines = ParseLines(text, file_name);
+  lines.text = std::move(text);
+  return lines;
 }
 
 namespace {
@@ -318,7 +317,7 @@ class Lines {
   bool crlf_ = false;
 };
 
-void Change(Lines& lines, const LineSection& before, const LineEdit& after) {
+void Change(Lines& lines, const LineSection& before, const LineSection& after) {
   const auto head = static_cast<std::size_t>(before.line_number - 1);
   for (const auto& [key, value] : before.values) {
     if (!after.values.contains(key)) lines.Unset(head, key);
@@ -332,19 +331,18 @@ void Change(Lines& lines, const LineSection& before, const LineEdit& after) {
 
 }  // namespace
 
-std::string SectionText(const LineEdit& line) {
+std::string SectionText(const LineSection& line) {
   std::string text = '[' + line.name + "]\ntype = " + line.type + '\n';
   for (const auto& [key, value] : line.values) text.append(key).append(" = ").append(value) += '\n';
   return text;
 }
 
 std::string EditLines(std::string_view text, const std::vector<LineSection>& before,
-                      const std::vector<LineEdit>& after) {
+                      const std::vector<LineSection>& after) {
   Lines lines(text);
   for (auto section = before.rbegin(); section != before.rend(); ++section) {
     if (section->line_number == 0) continue;  // not in the file
-    const auto edit = std::find_if(after.begin(), after.end(),
-                                   [&](const LineEdit& one) { return one.head == section->line_number; });
+    const auto edit = std::ranges::find(after, section->line_number, &LineSection::line_number);
     if (edit == after.end()) {
       lines.RemoveSection(static_cast<std::size_t>(section->line_number - 1));
     } else {
@@ -352,7 +350,7 @@ std::string EditLines(std::string_view text, const std::vector<LineSection>& bef
     }
   }
   for (const auto& line : after) {
-    if (line.head == 0) lines.Append(SectionText(line));
+    if (line.line_number == 0) lines.Append(SectionText(line));
   }
   return lines.Text();
 }

@@ -39,6 +39,8 @@ struct LineSection {
 struct LinesFile {
   std::vector<LineSection> sections;
   std::vector<std::string> complaints;
+  std::string text{};  ///< as ReadLines found it; empty when it could not be read
+  bool exists = true;
 };
 
 /// Reads the text of a `lines.ini` (UTF-8; a byte order mark and CR LF are allowed). Never fails: a key that
@@ -51,21 +53,14 @@ LinesFile ParseLines(std::string_view text, const std::string& file_name);
 /// computer; a file that cannot be read gives no lines and a complaint. Any thread.
 LinesFile ReadLines(const std::string& path);
 
-/// A change to a section of `lines.ini`.
-struct LineEdit {
-  int head = 0;      ///< LineSection::line_number of the section to change; 0 for a new one
-  std::string name;  ///< the device name
-  std::string type;  ///< sip, modem or sim
-  std::map<std::string, std::string> values;  ///< all keys
-};
-
 /// The text of a section that is appended to the file.
-std::string SectionText(const LineEdit& line);
+std::string SectionText(const LineSection& line);
 
 /// The text of a `lines.ini` whose sections `before` (as ParseLines found them in `text`) become `after`:
-/// sections that are not in `after` are removed, new ones are appended, and of the others only the lines
-/// with changed values change. Comments, order, line ends and everything that ParseLines left out stay.
+/// sections whose line number is not in `after` are removed, new ones (line number 0) are appended, and of
+/// the others only the lines with changed values change. Comments, order, line ends and everything that
+/// ParseLines left out stay.
 std::string EditLines(std::string_view text, const std::vector<LineSection>& before,
-                      const std::vector<LineEdit>& after);
+                      const std::vector<LineSection>& after);
 
 }  // namespace orven

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -107,50 +108,34 @@ LineTestResult ReadScript(const std::string& path) {
 
 TelephoneLines::Configured FileTelephoneLines::Read() {
   file_ = ReadLines(path_);
-  exists_ = FileExists(path_);
-  text_.clear();
-  try {
-    text_ = ContentOf(path_);
-  } catch (const RuntimeError&) {
-    // ReadLines has reported it, and nothing can be stored.
-  }
   Configured configured{{}, file_.complaints};
   for (const auto& section : file_.sections) configured.lines.push_back(LineOf(section));
   return configured;
 }
 
-const LineSection* FileTelephoneLines::SectionAt(int head) const {
-  for (const auto& section : file_.sections) {
-    if (head != 0 && section.line_number == head) return &section;
-  }
-  return nullptr;
-}
-
 void FileTelephoneLines::Store(const std::vector<TelephoneLine>& lines) {
-  if (FileExists(path_) != exists_ || ContentOf(path_) != text_) {
+  if (FileExists(path_) != file_.exists || ContentOf(path_) != file_.text) {
     throw RuntimeError(ErrorNumber::PathAccessError,
                        path_ + " was changed meanwhile, and nothing was stored; open the window again");
   }
-  std::vector<LineEdit> edits;
-  const bool is_text = IsUtf8(text_);
-  for (const auto& line : lines) {
-    edits.push_back(EditOf(line, SectionAt(line.origin)));
-    if (!is_text) edits.back().head = 0;
+  std::vector<LineSection> sections;
+  for (const auto& line : lines) sections.push_back(SectionOf(line));
+  std::string text = file_.text;
+  std::vector<LineSection> before = file_.sections;
+  if (!IsUtf8(text)) {  // invalid parts of a text file stay in it
+    CreateFile(NameToSetAside(path_, "damaged"), text, kOwnerOnly);
+    for (auto& section : sections) section.line_number = 0;
+    before.clear();
+    text.clear();
   }
-  if (!is_text) SetAside();  // invalid parts of a text file stay in it
-  const std::string begin = text_.empty() || !is_text ? kNewFile : text_;
-  const auto text = EditLines(begin, is_text ? file_.sections : std::vector<LineSection>(), edits);
-  ReplaceFile(path_, text, kOwnerOnly);
+  ReplaceFile(path_, EditLines(text.empty() ? kNewFile : text, before, sections), kOwnerOnly);
 }
 
 /// The section for `line`, with the keys that no window shows.
 LineSection FileTelephoneLines::SectionOf(const TelephoneLine& line) const {
-  const auto edit = EditOf(line, SectionAt(line.origin));
-  return {edit.name, edit.head, edit.type, edit.values};
-}
-
-void FileTelephoneLines::SetAside() const {
-  CreateFile(NameToSetAside(path_, "damaged"), text_, kOwnerOnly);
+  const auto before = std::ranges::find(file_.sections, line.origin, &LineSection::line_number);
+  const bool has_one = line.origin != 0 && before != file_.sections.end();
+  return EditOf(line, has_one ? &*before : nullptr);
 }
 
 std::optional<LineFault> FileTelephoneLines::Check(const TelephoneLine& line) const {

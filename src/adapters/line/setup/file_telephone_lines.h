@@ -74,21 +74,17 @@ class FileTelephoneLines final : public TelephoneLines {
   void CancelTest() override { tests_.Cancel(); }
 
  private:
-  const LineSection* SectionAt(int head) const;
   LineSection SectionOf(const TelephoneLine& line) const;
   std::int32_t DeviceOf(const TelephoneLine& line) const;
   bool IsOpen(std::size_t index) const { return use_(static_cast<std::int32_t>(index)).open; }
   bool AnyOpen() const;
   std::vector<std::string> OpenAddresses() const;
   bool IsRegistered(const TelephoneLine& line) const;
-  void SetAside() const;
 
   const std::string path_;
   const std::function<Use(std::int32_t index)> use_;
   const LineStates& states_;
-  bool exists_ = false;  ///< as Read found it
-  std::string text_;     ///< as Read found it
-  LinesFile file_;       ///< as Read found it
+  LinesFile file_;  ///< as Read found it
   LineTestRun tests_;
 };
 
