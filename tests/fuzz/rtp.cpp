@@ -23,18 +23,18 @@ struct Receiver {
     const auto packet = ReadRtpPacket(datagram);
     if (!packet) return;
     const auto& [header, payload] = *packet;
-    std::array<std::uint8_t, kRtpHeaderBytes> again;
+    std::array<std::uint8_t, RTP_HEADER_SIZE> again;
     WriteRtpHeader(header, again.data());
     Require(LooksLikeRtp(datagram) && std::equal(again.begin() + 1, again.end(), datagram.begin() + 1));
-    Require(payload.size() <= datagram.size() - kRtpHeaderBytes);
-    if (header.payload_type == kEventType) {
+    Require(payload.size() <= datagram.size() - RTP_HEADER_SIZE);
+    if (header.pt == kEventType) {
       const auto event = events.Take(*packet, now);
       return event.kind == TelephoneEvents::Kind::kPressed ? Press(event.digit) : void();
     }
-    const auto samples = Decode(header.payload_type == 8 ? Codec::kALaw : Codec::kMuLaw, payload);
+    const auto samples = Decode(header.pt == 8 ? Codec::kALaw : Codec::kMuLaw, payload);
     Require(samples.size() == payload.size());
-    jitter_buffer.Push(header.ssrc, header.timestamp, samples);
-    order.Push(header.ssrc, header.timestamp, samples);
+    jitter_buffer.Push(header.ssrc, header.ts, samples);
+    order.Push(header.ssrc, header.ts, samples);
     Require(order.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
   }
 
@@ -89,9 +89,9 @@ void Rtp(Bytes input) {
       receiver.Take(datagram);
       continue;
     }
-    std::vector<std::uint8_t> plain(kRtpHeaderBytes);
-    WriteRtpHeader({static_cast<std::uint8_t>(pause % 128), false, sequence, 160U * sequence, 7},
-                   plain.data());
+    std::vector<std::uint8_t> plain(RTP_HEADER_SIZE);
+    const auto type = static_cast<std::uint8_t>(pause % 128);
+    WriteRtpHeader({0, false, false, 0, false, type, sequence, 160U * sequence, 7, {}, {}}, plain.data());
     plain.insert(plain.end(), datagram.begin(), datagram.end());
     const Bytes sealed = pause % 4 == 0 ? datagram : sender.Protect(plain);
     std::vector<std::uint8_t> sent(sealed.begin(), sealed.end());

@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
+#include <future>
 #include <optional>
+#include <utility>
 
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/sip_line.h"
@@ -27,29 +27,25 @@ constexpr const char* kTlsPort = " The port for TLS is often 5061.";
 /// Calls that come in during the test are not answered.
 void Ignore(const LineEvent& /*event*/) {}
 
-/// Waits for the first result of the registration, reported by the SIP thread.
+/// The first result of a registration, which the SIP thread reports.
 class Outcome {
  public:
   void Take(const RegistrationNews& news) {
-    const std::lock_guard lock(mutex_);
-    if (news.state == State::Trying || news_) return;
-    news_ = news;
-    changed_.notify_all();
+    if (news.state != State::Trying && !std::exchange(taken_, true)) first_.set_value(news);
   }
 
   std::optional<RegistrationNews> Wait(milliseconds patience, const std::atomic<bool>& cancelled) {
     const auto end = std::chrono::steady_clock::now() + patience;
-    std::unique_lock lock(mutex_);
-    while (!news_ && !cancelled && std::chrono::steady_clock::now() < end) {
-      changed_.wait_for(lock, kLookForCancel);
+    auto news = first_.get_future();
+    while (news.wait_for(kLookForCancel) != std::future_status::ready) {
+      if (cancelled || std::chrono::steady_clock::now() >= end) return std::nullopt;
     }
-    return news_;
+    return news.get();
   }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::optional<RegistrationNews> news_;
+  std::promise<RegistrationNews> first_;
+  bool taken_ = false;  ///< SIP thread only
 };
 
 /// A port of `address` that is free for UDP and TCP at this moment; 0 when there is none.

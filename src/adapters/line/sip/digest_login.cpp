@@ -63,30 +63,28 @@ bool Offers(std::string_view list, std::string_view wanted) {
 
 }  // namespace
 
-bool DigestLogin::Understand(const sip_hdr& header, Challenge& challenge) {
+std::optional<DigestLogin::Challenge> DigestLogin::Understand(const sip_hdr& header) {
   httpauth_digest_chall read{};
-  if (httpauth_digest_challenge_decode(&read, &header.val) != 0) return false;
-  if (!AlgorithmOf(View(read.algorithm)) || (pl_isset(&read.qop) && !Offers(View(read.qop), "auth"))) {
-    return false;
+  if (httpauth_digest_challenge_decode(&read, &header.val) != 0 || !AlgorithmOf(View(read.algorithm)) ||
+      (pl_isset(&read.qop) && !Offers(View(read.qop), "auth"))) {
+    return std::nullopt;
   }
   const auto text = [](const pl& value) { return std::string(View(value)); };
-  challenge = {header.id,
-               text(read.realm),
-               text(read.nonce),
-               text(read.opaque),
-               text(read.algorithm),
-               pl_isset(&read.qop),
-               pl_strcasecmp(&read.stale, "true") == 0,
-               0,
-               0};
-  return true;
+  return Challenge{header.id,
+                   text(read.realm),
+                   text(read.nonce),
+                   text(read.opaque),
+                   text(read.algorithm),
+                   pl_isset(&read.qop),
+                   pl_strcasecmp(&read.stale, "true") == 0,
+                   0,
+                   0};
 }
 
-DigestLogin::Challenge* DigestLogin::Find(const Challenge& like) {
-  const auto found = std::ranges::find_if(challenges_, [&like](const Challenge& one) {
-    return one.header == like.header && one.realm == like.realm;
-  });
-  return found != challenges_.end() ? &*found : nullptr;
+DigestLogin::Challenge* DigestLogin::Find(std::vector<Challenge>& among, const Challenge& like) {
+  const auto found = std::ranges::find_if(
+      among, [&like](const Challenge& one) { return one.header == like.header && one.realm == like.realm; });
+  return found != among.end() ? &*found : nullptr;
 }
 
 DigestLogin::Verdict DigestLogin::Take(const sip_msg& response) {
@@ -96,13 +94,8 @@ DigestLogin::Verdict DigestLogin::Take(const sip_msg& response) {
         &response, true, id,
         [](const sip_hdr* header, const sip_msg*, void* list) {
           auto& challenges = *static_cast<std::vector<Challenge>*>(list);
-          Challenge challenge{};
-          const auto same = [&challenge](const Challenge& one) {
-            return one.header == challenge.header && one.realm == challenge.realm;
-          };
-          if (Understand(*header, challenge) && std::ranges::none_of(challenges, same)) {
-            challenges.push_back(std::move(challenge));
-          }
+          const auto challenge = Understand(*header);
+          if (challenge && Find(challenges, *challenge) == nullptr) challenges.push_back(*challenge);
           return false;
         },
         &asked);
@@ -116,7 +109,7 @@ DigestLogin::Verdict DigestLogin::Take(const sip_msg& response) {
 }
 
 DigestLogin::Verdict DigestLogin::Take(const Challenge& asked) {
-  Challenge* const known = Find(asked);
+  Challenge* const known = Find(challenges_, asked);
   if (known == nullptr) {
     challenges_.push_back(asked);
     return Verdict::kAnswer;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,8 +46,8 @@ class DigestLogin {
     int unproven;         ///< answers since the latest accepted one, with any nonce
   };
 
-  static bool Understand(const sip_hdr& header, Challenge& challenge);
-  Challenge* Find(const Challenge& like);
+  static std::optional<Challenge> Understand(const sip_hdr& header);
+  static Challenge* Find(std::vector<Challenge>& among, const Challenge& like);
   Verdict Take(const Challenge& asked);
   std::string Header(Challenge& challenge, std::string_view method, std::string_view uri) const;
 

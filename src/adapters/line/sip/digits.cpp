@@ -65,12 +65,12 @@ TelephoneEvents::Result TelephoneEvents::Take(const RtpPacket& packet, Time now)
   if (payload.size() < kPayloadBytes || payload[0] >= kKeys.size()) return {};
   const Event next{.ssrc = packet.header.ssrc,
                    .code = payload[0],
-                   .timestamp = packet.header.timestamp,
+                   .timestamp = packet.header.ts,
                    .duration = static_cast<std::uint16_t>(payload[2] << 8 | payload[3]),
                    .ended = (payload[1] & kEndBit) != 0,
                    .last = now};
   const char digit = kKeys[next.code];
-  if (!current_ || !Continues(next, packet.header.marker)) {
+  if (!current_ || !Continues(next, packet.header.m)) {
     current_ = next;
     return {Kind::kPressed, digit};
   }
@@ -95,11 +95,7 @@ std::optional<char> DigitOfInfo(std::string_view body) {
 }
 
 DtmfDetector::DtmfDetector(std::function<void(char)> heard)
-    : heard_(std::move(heard)), state_(dtmf_rx_init(nullptr, nullptr, nullptr)) {}
-
-void DtmfDetector::Release::operator()(dtmf_rx_state_s* state) const {
-  dtmf_rx_free(state);
-}
+    : heard_(std::move(heard)), state_(dtmf_rx_init(nullptr, nullptr, nullptr), dtmf_rx_free) {}
 
 void DtmfDetector::Listen(std::span<const std::int16_t> block) {
   dtmf_rx(state_.get(), block.data(), static_cast<int>(block.size()));

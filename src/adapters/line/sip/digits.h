@@ -61,12 +61,8 @@ class DtmfDetector {
   void Listen(std::span<const std::int16_t> block);
 
  private:
-  struct Release {
-    void operator()(dtmf_rx_state_s* state) const;
-  };
-
   std::function<void(char)> heard_;
-  std::unique_ptr<dtmf_rx_state_s, Release> state_;
+  std::unique_ptr<dtmf_rx_state_s, int (*)(dtmf_rx_state_s*)> state_;
 };
 
 /// How a key press reaches us.

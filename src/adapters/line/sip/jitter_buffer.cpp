@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/jitter_buffer.h"
 
-#include <spandsp.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -77,18 +75,6 @@ AudioFrame ReorderBuffer::Pop() {
   return frame;
 }
 
-struct JitterBuffer::Concealer {
-  plc_state_t state{};
-};
-
-JitterBuffer::JitterBuffer() : concealer_(std::make_unique<Concealer>()) {
-  plc_init(&concealer_->state);
-}
-
-JitterBuffer::~JitterBuffer() {
-  plc_release(&concealer_->state);
-}
-
 void JitterBuffer::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
   reorder_.Push(ssrc, timestamp, std::move(samples));
 }
@@ -116,7 +102,7 @@ bool JitterBuffer::StillFilling() {
   filling_blocks_ = 0;
   position_ = reorder_.Front()->start;
   concealed_ = 0;
-  plc_init(&concealer_->state);  // audio before the pause must not affect what follows
+  plc_init(&concealer_);  // audio before the pause must not affect what follows
   return false;
 }
 
@@ -127,7 +113,7 @@ void JitterBuffer::PlayFront() {
     return;
   }
   AudioFrame frame = reorder_.Pop();
-  plc_rx(&concealer_->state, frame.samples.data(), static_cast<int>(frame.samples.size()));
+  plc_rx(&concealer_, frame.samples.data(), static_cast<int>(frame.samples.size()));
   ready_.insert(ready_.end(), frame.samples.begin(), frame.samples.end());
   position_ = frame.start + static_cast<std::int64_t>(frame.samples.size());
   concealed_ = 0;
@@ -136,7 +122,7 @@ void JitterBuffer::PlayFront() {
 void JitterBuffer::Conceal(std::size_t samples) {
   samples = std::min(samples, kBlock);
   // The library would rotate its history itself, by a memcpy between ranges that may overlap.
-  plc_state_t& state = concealer_->state;
+  plc_state_t& state = concealer_;
   std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
   state.buf_ptr = 0;
   // It always writes the whole overlap with the earlier audio (up to 30 samples), even if fewer are

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <spandsp.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -59,8 +60,7 @@ class ReorderBuffer {
 /// with the machine, so a longer delay is better than lost audio.
 class JitterBuffer {
  public:
-  JitterBuffer();
-  ~JitterBuffer();
+  JitterBuffer() { plc_init(&concealer_); }
 
   /// Takes a packet's decoded samples, as ReorderBuffer::Push.
   void Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples);
@@ -77,8 +77,7 @@ class JitterBuffer {
   void Conceal(std::size_t samples);
   void LimitDelay();
 
-  struct Concealer;
-  std::unique_ptr<Concealer> concealer_;
+  plc_state_t concealer_{};
   ReorderBuffer reorder_;
   std::vector<std::int16_t> ready_;  ///< decoded and in order, not yet pulled
   std::int64_t position_ = 0;        ///< where the next frame should begin

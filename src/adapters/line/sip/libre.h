@@ -17,6 +17,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +32,14 @@ struct LibreRelease {
 /// thread.
 template <typename T>
 using LibrePtr = std::unique_ptr<T, LibreRelease>;
+
+/// The object that `make` returns through its first argument. Throws std::bad_alloc when there is none.
+template <typename T, typename... Types, typename... Values>
+LibrePtr<T> Made(int (*make)(T**, Types...), Values... values) {
+  T* made = nullptr;
+  if (make(&made, values...) != 0) throw std::bad_alloc();
+  return LibrePtr<T>(made);
+}
 
 inline std::string_view View(const pl& text) {
   return {text.p != nullptr ? text.p : "", text.l};

@@ -44,12 +44,10 @@ bool DemandsEncryption(const sdp_media* media) {
 
 }  // namespace
 
-MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp) : srtp_(srtp) {
-  sdp_session* session = nullptr;
-  Check(sdp_session_alloc(&session, &local));
-  session_.reset(session);
+MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp)
+    : session_(Made(sdp_session_alloc, &local)), srtp_(srtp) {
   const bool demand = srtp == SrtpUse::kRequired;
-  Check(sdp_media_add(&audio_, session, "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
+  Check(sdp_media_add(&audio_, session_.get(), "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
   // A peer that describes the same audio twice, plain and encrypted, gets the first listed here.
   if (srtp == SrtpUse::kNever) {
     Check(sdp_media_set_alt_protos(audio_, 2, "RTP/AVP", "RTP/AVPF"));

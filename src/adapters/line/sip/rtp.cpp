@@ -13,12 +13,6 @@
 namespace orven {
 namespace {
 
-constexpr unsigned kVersion = 2;
-
-void Write32(std::uint32_t value, std::uint8_t* bytes) {
-  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
-}
-
 /// Below the range of ephemeral ports.
 constexpr std::uint16_t kFirstPort = 16'384;
 constexpr std::uint16_t kLastPort = 32'766;
@@ -41,13 +35,13 @@ void AskForRefusals(int fd, int family) {
 
 }  // namespace
 
-void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes) {
-  bytes[0] = kVersion << 6;
-  bytes[1] = static_cast<std::uint8_t>((header.marker ? 0x80 : 0) | header.payload_type);
-  bytes[2] = static_cast<std::uint8_t>(header.sequence >> 8);
-  bytes[3] = static_cast<std::uint8_t>(header.sequence);
-  Write32(header.timestamp, bytes + 4);
-  Write32(header.ssrc, bytes + 8);
+void WriteRtpHeader(const rtp_header& header, std::uint8_t* bytes) {
+  rtp_header plain = header;
+  plain.ver = RTP_VERSION;
+  plain.pad = plain.ext = false;
+  plain.cc = 0;
+  mbuf view{bytes, RTP_HEADER_SIZE, 0, 0};
+  (void)rtp_hdr_encode(&view, &plain);
 }
 
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
@@ -57,20 +51,15 @@ std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram) {
   if (!LooksLikeRtp(datagram) || rtp_hdr_decode(&header, &view) != 0) return std::nullopt;
   const std::size_t padding = header.pad ? datagram.back() : 0;
   if (mbuf_get_left(&view) < padding || (header.pad && padding == 0)) return std::nullopt;
-  return RtpPacket{.header = {.payload_type = header.pt,
-                              .marker = header.m,
-                              .sequence = header.seq,
-                              .timestamp = header.ts,
-                              .ssrc = header.ssrc},
-                   .payload = datagram.subspan(view.pos, mbuf_get_left(&view) - padding)};
+  return RtpPacket{header, datagram.subspan(view.pos, mbuf_get_left(&view) - padding)};
 }
 
 bool LooksLikeRtp(std::span<const std::uint8_t> datagram) {
-  return datagram.size() >= kRtpHeaderBytes && datagram[0] >> 6 == kVersion;
+  return datagram.size() >= RTP_HEADER_SIZE && datagram[0] >> 6 == RTP_VERSION;
 }
 
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram) {
-  return datagram.size() >= 8 && datagram[0] >> 6 == kVersion && datagram[1] >= 192 && datagram[1] <= 223;
+  return datagram.size() >= 8 && datagram[0] >> 6 == RTP_VERSION && datagram[1] >= 192 && datagram[1] <= 223;
 }
 
 std::vector<std::int16_t> Decode(Codec codec, std::span<const std::uint8_t> bytes) {
@@ -99,14 +88,11 @@ std::unique_ptr<DatagramSocket> DatagramSocket::Bind(const sa& local, Handlers h
 DatagramSocket::DatagramSocket(LibrePtr<udp_sock> socket, int fd, Handlers handlers)
     : socket_(std::move(socket)), fd_(fd), handlers_(std::move(handlers)) {
   // The library's own reader takes one datagram at a time and does not read ICMP errors.
-  (void)fd_listen(fd_, FD_READ, &DatagramSocket::Ready, this);
+  const auto ready = [](int, void* self) { static_cast<DatagramSocket*>(self)->Drain(); };
+  (void)fd_listen(fd_, FD_READ, ready, this);
 }
 
 DatagramSocket::~DatagramSocket() = default;
-
-void DatagramSocket::Ready(int /*flags*/, void* self) {
-  static_cast<DatagramSocket*>(self)->Drain();
-}
 
 void DatagramSocket::LeaveToDrain() {
   fd_close(fd_);

@@ -14,28 +14,17 @@
 
 namespace orven {
 
-/// The fields of an RTP header that telephone audio uses (RFC 3550, section 5.1).
-struct RtpHeader {
-  std::uint8_t payload_type = 0;  ///< 0 to 127
-  bool marker = false;
-  std::uint16_t sequence = 0;
-  std::uint32_t timestamp = 0;
-  std::uint32_t ssrc = 0;
-};
-
 /// A received packet; the payload lies within the datagram.
 struct RtpPacket {
-  RtpHeader header;
+  rtp_header header;
   std::span<const std::uint8_t> payload;
 };
-
-inline constexpr std::size_t kRtpHeaderBytes = 12;
 
 /// Comfort noise (RFC 3389): the peer is silent.
 inline constexpr std::uint8_t kComfortNoiseType = 13;
 
-/// Writes kRtpHeaderBytes bytes.
-void WriteRtpHeader(const RtpHeader& header, std::uint8_t* bytes);
+/// Writes RTP_HEADER_SIZE bytes: the fields that telephone audio uses.
+void WriteRtpHeader(const rtp_header& header, std::uint8_t* bytes);
 
 /// Nothing unless the datagram is a well-formed packet of version 2.
 std::optional<RtpPacket> ReadRtpPacket(std::span<const std::uint8_t> datagram);
@@ -82,7 +71,6 @@ class DatagramSocket {
  private:
   DatagramSocket(LibrePtr<udp_sock> socket, int fd, Handlers handlers);
   void DrainRefusals();
-  static void Ready(int flags, void* self);
 
   LibrePtr<udp_sock> socket_;
   int fd_;

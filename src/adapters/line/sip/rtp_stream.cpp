@@ -124,14 +124,15 @@ void RtpStream::SendBlock() {
   silent_ = silent_ && std::ranges::all_of(block, [](auto sample) { return sample == 0; });
   const bool send = agreement_ && agreement_->send;
   if (send) {
-    const RtpHeader header{.payload_type = agreement_->send_payload_type,
-                           .marker = !talking_,
-                           .sequence = ++sequence_,
-                           .timestamp = timestamp_,
-                           .ssrc = ssrc_};
-    std::array<std::uint8_t, kRtpHeaderBytes + kBlockSamples> packet;
+    rtp_header header{};
+    header.m = !talking_;
+    header.pt = agreement_->send_payload_type;
+    header.seq = ++sequence_;
+    header.ts = timestamp_;
+    header.ssrc = ssrc_;
+    std::array<std::uint8_t, RTP_HEADER_SIZE + kBlockSamples> packet;
     WriteRtpHeader(header, packet.data());
-    Encode(agreement_->send_codec, block, packet.data() + kRtpHeaderBytes);
+    Encode(agreement_->send_codec, block, packet.data() + RTP_HEADER_SIZE);
     Send(packet);
   }
   talking_ = send;
@@ -181,14 +182,13 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   const auto opened = Opened(rtp_receiver_, datagram);
   const auto packet = opened ? ReadRtpPacket(*opened) : std::nullopt;
   if (!packet) return;
-  const auto codec = agreement_->codecs[packet->header.payload_type];
-  const bool is_event = agreement_->event_payload_type == packet->header.payload_type;
-  const bool is_noise = packet->header.payload_type == kComfortNoiseType;
+  const auto codec = agreement_->codecs[packet->header.pt];
+  const bool is_event = agreement_->event_payload_type == packet->header.pt;
+  const bool is_noise = packet->header.pt == kComfortNoiseType;
   if ((!codec && !is_event && !is_noise) || !IsPeer(source)) return;
   alive_ = Clock::now();
   refused_since_.reset();
-  if (codec)
-    jitter_buffer_.Push(packet->header.ssrc, packet->header.timestamp, Decode(*codec, packet->payload));
+  if (codec) jitter_buffer_.Push(packet->header.ssrc, packet->header.ts, Decode(*codec, packet->payload));
   if (!heard_) {
     heard_ = true;
     ports_.rtp->LeaveToDrain();  // from now on reading every 20 ms is enough

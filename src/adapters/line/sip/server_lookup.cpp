@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
-#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -30,8 +29,7 @@ struct Host {
 
 /// Orders hosts by priority, and those of one priority at random by their weight (RFC 2782).
 void SortByWeight(std::vector<Host>& hosts) {
-  std::sort(hosts.begin(), hosts.end(),
-            [](const Host& one, const Host& other) { return one.priority < other.priority; });
+  std::ranges::sort(hosts, {}, &Host::priority);
   for (auto next = hosts.begin(); next != hosts.end(); ++next) {
     const auto end =
         std::find_if(next, hosts.end(), [&](const Host& h) { return h.priority != next->priority; });
@@ -113,11 +111,9 @@ struct ServerLookup::Shared {
   std::vector<sa> addresses;  ///< guarded; found by the latest search
 };
 
-ServerLookup::ServerLookup() : shared_(std::make_shared<Shared>()) {
-  mqueue* queue = nullptr;
-  if (mqueue_alloc(&queue, &ServerLookup::Answered, this) != 0) throw std::bad_alloc();
-  queue_.reset(queue);
-  shared_->queue = queue;
+ServerLookup::ServerLookup()
+    : shared_(std::make_shared<Shared>()), queue_(Made(mqueue_alloc, &ServerLookup::Answered, this)) {
+  shared_->queue = queue_.get();
 }
 
 ServerLookup::~ServerLookup() {

@@ -34,7 +34,7 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink e
 SipAgent::~SipAgent() {
   done_ = nullptr;
   network_.Stop();
-  if (call_ != nullptr) call_->HangUp();
+  if (call_ != nullptr) call_->End(false);
   call_.reset();
 }
 
@@ -134,7 +134,7 @@ void SipAgent::Shutdown(std::function<void()> done) {
   closing_ = true;
   done_ = std::move(done);
   network_.Stop();
-  if (call_ != nullptr) call_->HangUp();
+  if (call_ != nullptr) call_->End(false);
   if (registration_ != nullptr) registration_->End();
   close_timer_.StartOnce(kLongestFarewell);
   transports_.Close();

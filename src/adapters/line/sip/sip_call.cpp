@@ -18,6 +18,20 @@ using std::chrono::steady_clock;
 
 constexpr const char* kSessionType = "application/sdp";
 
+/// The caller, from the headers of an INVITE.
+CallerIdentity CallerOf(const sip_msg& invite) {
+  const sip_hdr* const privacy = sip_msg_hdr(&invite, SIP_HDR_PRIVACY);
+  IdentityHeaders headers{{}, View(invite.from.val), privacy != nullptr ? View(privacy->val) : ""};
+  sip_msg_hdr_apply(
+      &invite, true, SIP_HDR_P_ASSERTED_IDENTITY,
+      [](const sip_hdr* header, const sip_msg*, void* list) {
+        static_cast<std::vector<std::string_view>*>(list)->push_back(View(header->val));
+        return false;
+      },
+      &headers.asserted);
+  return Identify(headers);
+}
+
 SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
 }
@@ -45,9 +59,9 @@ SipCall::SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& in
                           {.heard = [this] { Connect(); },
                            .digit = [this](DigitSource source, char digit) { DigitHeard(source, digit); },
                            .held = [this](DigitSource source) { digits_.Held(source, steady_clock::now()); },
-                           .lost = [this] { LosePeer(); }})),
+                           .lost = [this] { End(true); }})),
       ring_timer_([this] { Ring(); }),
-      ack_timer_([this] { LosePeer(); }) {}
+      ack_timer_([this] { End(true); }) {}
 
 SipCall::~SipCall() = default;
 
@@ -152,14 +166,6 @@ void SipCall::Drop(std::int32_t request) {
   End(false);
 }
 
-void SipCall::HangUp() {
-  End(false);
-}
-
-void SipCall::LosePeer() {
-  End(true);
-}
-
 void SipCall::End(bool by_peer) {
   if (state_ == State::kGone) return;
   const bool was_answered = state_ != State::kRinging;
@@ -179,17 +185,20 @@ void SipCall::EndSession() {
   session_.reset();
 }
 
+bool SipCall::TakeDescription(const sip_msg& message, bool is_offer) {
+  const auto text = DescriptionIn(message);
+  const auto agreement = text ? negotiation_->Read(*text, is_offer, message.src) : std::nullopt;
+  if (!agreement) return false;
+  agreement_ = agreement;
+  stream_->Update(*agreement);
+  return true;
+}
+
 /// A re-INVITE. Without an agreement it is refused (488) and the call goes on as before. No exception may
 /// reach the library.
 int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   const bool has_offer = mbuf_get_left(request.mb) > 0;
-  if (has_offer) {
-    const auto offer = DescriptionIn(request);
-    const auto agreement = offer ? negotiation_->Read(*offer, true, request.src) : std::nullopt;
-    if (!agreement) return ENOTSUP;
-    agreement_ = agreement;
-    stream_->Update(*agreement);
-  }
+  if (has_offer && !TakeDescription(request, true)) return ENOTSUP;
   *answer = negotiation_->Write(!has_offer).release();
   return *answer != nullptr ? 0 : ENOMEM;
 } catch (const std::exception&) {
@@ -198,12 +207,7 @@ int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
 
 /// The answer to our offer comes with the ACK.
 int SipCall::TakeAnswer(const sip_msg& ack) try {
-  const auto answer = DescriptionIn(ack);
-  const auto agreement = answer ? negotiation_->Read(*answer, false, ack.src) : std::nullopt;
-  if (!agreement) return EPROTO;
-  agreement_ = agreement;
-  stream_->Update(*agreement);
-  return 0;
+  return TakeDescription(ack, false) ? 0 : EPROTO;
 } catch (const std::exception&) {
   return ENOMEM;
 }

@@ -51,8 +51,8 @@ class SipCall {
 
   void Answer(std::int32_t request);
   void Drop(std::int32_t request);
-  /// Ends the call because the line closes.
-  void HangUp();
+  /// Ends the call; `by_peer`: not because of us.
+  void End(bool by_peer);
   void MonitorDigits(bool on) { monitoring_ = on; }
   /// The playing source has its first audio.
   void SourceReady() { stream_->SourceReady(); }
@@ -69,10 +69,9 @@ class SipCall {
   void Ring();
   bool SendAnswer();
   void Connect();
-  void LosePeer();
-  void End(bool by_peer);
   void EndSession();
 
+  bool TakeDescription(const sip_msg& message, bool is_offer);
   int TakeOffer(mbuf** answer, const sip_msg& request);
   int TakeAnswer(const sip_msg& ack);
   void TakeInfo(const sip_msg& request);

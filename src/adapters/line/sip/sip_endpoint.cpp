@@ -2,7 +2,6 @@
 #include "adapters/line/sip/sip_endpoint.h"
 
 #include <charconv>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -14,11 +13,6 @@ constexpr std::uint32_t kBuckets = 32;
 
 SipEndpoint& Self(void* endpoint) {
   return *static_cast<SipEndpoint*>(endpoint);
-}
-
-std::string_view HeaderValue(const sip_msg& message, sip_hdrid id) {
-  const sip_hdr* header = sip_msg_hdr(&message, id);
-  return header != nullptr ? View(header->val) : std::string_view();
 }
 
 /// The values of a list header, for the answer that refuses them.
@@ -33,11 +27,6 @@ std::string Joined(const sip_msg& message, sip_hdrid id) {
       },
       &joined);
   return joined;
-}
-
-bool Refuse(sip& stack, const sip_msg& request, std::uint16_t code, const char* reason) {
-  (void)sip_reply(&stack, &request, code, reason);
-  return false;
 }
 
 /// The value of Content-Length, or -1 when it is not a number.
@@ -63,17 +52,75 @@ constexpr const char* kProbe = "WIDEN";
 /// The largest datagram (RFC 768: 16 bits of length).
 constexpr std::size_t kLargestDatagram = 65'536;
 
+/// Makes the UDP socket of `stack` at `address` read requests of more than the library's 8 KB whole. The
+/// library gives access to the socket only with a message that came through it, so this sends a probe for
+/// TakeProbe. If it gets lost, the limit stays.
+void ProbeSocket(sip& stack, const sa& address) {
+  const LibrePtr<mbuf> probe(mbuf_alloc(256));
+  if (probe == nullptr ||
+      mbuf_printf(probe.get(), "%s sip:%J SIP/2.0\r\nVia: SIP/2.0/UDP %J;branch=z9hG4bK%s\r\n\r\n", kProbe,
+                  &address, &address, kProbe) != 0) {
+    return;
+  }
+  mbuf_set_pos(probe.get(), 0);
+  (void)sip_send(&stack, nullptr, SIP_TRANSP_UDP, &address, probe.get());
+}
+
+/// True when `request` was a probe.
+bool TakeProbe(const sip_msg& request) {
+  if (request.tp != SIP_TRANSP_UDP || pl_strcmp(&request.met, kProbe) != 0) return false;
+  udp_rxsz_set(static_cast<udp_sock*>(request.sock), kLargestDatagram);
+  return true;
+}
+
+/// What a request lacks that every request must have (RFC 3261, section 8.1.1); nullptr: nothing.
+const char* FaultOf(const sip_msg& request) {
+  if (!pl_isset(&request.callid) || !pl_isset(&request.cseq.met)) return "Missing Call-ID Or CSeq";
+  if (pl_cmp(&request.cseq.met, &request.met) != 0) return "CSeq Method Mismatch";
+  if (!pl_isset(&request.from.auri) || !pl_isset(&request.to.auri)) return "Missing From Or To";
+  if (!pl_isset(&request.from.tag)) return "Missing From Tag";
+  if (!FitToContentLength(request)) return "Bad Content-Length";
+  const bool is_invite = pl_strcmp(&request.met, "INVITE") == 0;
+  if (is_invite && sip_msg_hdr(&request, SIP_HDR_CONTACT) == nullptr) return "Missing Contact";
+  return nullptr;
+}
+
+/// False when the request has been answered with a 4xx, or dropped because no answer is possible.
+bool IsValidRequest(sip& stack, const sip_msg& request) {
+  // Without these no answer is possible.
+  if (!pl_isset(&request.via.sentby) || request.via.sentby.l == 0) return false;
+  if (const char* const fault = FaultOf(request)) {
+    (void)sip_reply(&stack, &request, 400, fault);
+    return false;
+  }
+  if (pl_strcmp(&request.met, "INVITE") != 0 || sip_msg_hdr(&request, SIP_HDR_REQUIRE) == nullptr)
+    return true;
+  (void)sip_replyf(&stack, &request, 420, "Bad Extension", "Unsupported: %s\r\nContent-Length: 0\r\n\r\n",
+                   Joined(request, SIP_HDR_REQUIRE).c_str());
+  return false;
+}
+
+/// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, others with
+/// 405.
+void AnswerOtherRequest(sip& stack, const sip_msg& request) {
+  if (pl_strcmp(&request.met, "OPTIONS") == 0) {
+    (void)sip_replyf(&stack, &request, 200, "OK", "%sAccept: application/sdp\r\nContent-Length: 0\r\n\r\n",
+                     kAllowHeader);
+  } else if (pl_strcmp(&request.met, "CANCEL") == 0) {
+    (void)sip_reply(&stack, &request, 481, "Transaction Does Not Exist");
+  } else {
+    (void)sip_replyf(&stack, &request, 405, "Method Not Allowed", "%sContent-Length: 0\r\n\r\n",
+                     kAllowHeader);
+  }
+}
+
 }  // namespace
 
 SipEndpoint::SipEndpoint(dnsc& names, Events events) : events_(std::move(events)) {
-  sip* stack = nullptr;
   const auto closed = [](void* self) {
     if (auto& told = Self(self).events_.closed) told();
   };
-  if (sip_alloc(&stack, &names, kBuckets, kBuckets, kBuckets, kSoftware, closed, this) != 0) {
-    throw std::bad_alloc();
-  }
-  stack_.reset(stack);
+  stack_ = Made(sip_alloc, &names, kBuckets, kBuckets, kBuckets, kSoftware, closed, this);
 }
 
 SipEndpoint::~SipEndpoint() {
@@ -129,74 +176,6 @@ int SipEndpoint::ListenSecurely(const sa& address, tls& context) {
 
 void SipEndpoint::Close() {
   sip_close(stack_.get(), false);
-}
-
-void ProbeSocket(sip& stack, const sa& address) {
-  const LibrePtr<mbuf> probe(mbuf_alloc(256));
-  if (probe == nullptr ||
-      mbuf_printf(probe.get(), "%s sip:%J SIP/2.0\r\nVia: SIP/2.0/UDP %J;branch=z9hG4bK%s\r\n\r\n", kProbe,
-                  &address, &address, kProbe) != 0) {
-    return;
-  }
-  mbuf_set_pos(probe.get(), 0);
-  (void)sip_send(&stack, nullptr, SIP_TRANSP_UDP, &address, probe.get());
-}
-
-bool TakeProbe(const sip_msg& request) {
-  if (request.tp != SIP_TRANSP_UDP || pl_strcmp(&request.met, kProbe) != 0) return false;
-  udp_rxsz_set(static_cast<udp_sock*>(request.sock), kLargestDatagram);
-  return true;
-}
-
-CallerIdentity CallerOf(const sip_msg& invite) {
-  IdentityHeaders headers;
-  headers.from = View(invite.from.val);
-  headers.privacy = HeaderValue(invite, SIP_HDR_PRIVACY);
-  sip_msg_hdr_apply(
-      &invite, true, SIP_HDR_P_ASSERTED_IDENTITY,
-      [](const sip_hdr* header, const sip_msg*, void* list) {
-        static_cast<std::vector<std::string_view>*>(list)->push_back(View(header->val));
-        return false;
-      },
-      &headers.asserted);
-  return Identify(headers);
-}
-
-bool IsValidRequest(sip& stack, const sip_msg& request) {
-  // Without these no answer is possible.
-  if (!pl_isset(&request.via.sentby) || request.via.sentby.l == 0) return false;
-  if (!pl_isset(&request.callid) || !pl_isset(&request.cseq.met)) {
-    return Refuse(stack, request, 400, "Missing Call-ID Or CSeq");
-  }
-  if (pl_cmp(&request.cseq.met, &request.met) != 0)
-    return Refuse(stack, request, 400, "CSeq Method Mismatch");
-  if (!pl_isset(&request.from.auri) || !pl_isset(&request.to.auri)) {
-    return Refuse(stack, request, 400, "Missing From Or To");
-  }
-  if (!pl_isset(&request.from.tag)) return Refuse(stack, request, 400, "Missing From Tag");
-  if (!FitToContentLength(request)) return Refuse(stack, request, 400, "Bad Content-Length");
-  const bool is_invite = pl_strcmp(&request.met, "INVITE") == 0;
-  if (is_invite && sip_msg_hdr(&request, SIP_HDR_CONTACT) == nullptr) {
-    return Refuse(stack, request, 400, "Missing Contact");
-  }
-  if (is_invite && sip_msg_hdr(&request, SIP_HDR_REQUIRE) != nullptr) {
-    (void)sip_replyf(&stack, &request, 420, "Bad Extension", "Unsupported: %s\r\nContent-Length: 0\r\n\r\n",
-                     Joined(request, SIP_HDR_REQUIRE).c_str());
-    return false;
-  }
-  return true;
-}
-
-void AnswerOtherRequest(sip& stack, const sip_msg& request) {
-  if (pl_strcmp(&request.met, "OPTIONS") == 0) {
-    (void)sip_replyf(&stack, &request, 200, "OK", "%sAccept: application/sdp\r\nContent-Length: 0\r\n\r\n",
-                     kAllowHeader);
-  } else if (pl_strcmp(&request.met, "CANCEL") == 0) {
-    (void)sip_reply(&stack, &request, 481, "Transaction Does Not Exist");
-  } else {
-    (void)sip_replyf(&stack, &request, 405, "Method Not Allowed", "%sContent-Length: 0\r\n\r\n",
-                     kAllowHeader);
-  }
 }
 
 }  // namespace orven

@@ -3,7 +3,6 @@
 
 #include <functional>
 
-#include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/libre.h"
 
 namespace orven {
@@ -52,24 +51,5 @@ class SipEndpoint {
 
 /// The header line with the methods that we support (RFC 3261, section 20.5).
 inline constexpr const char* kAllowHeader = "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO\r\n";
-
-/// The caller, from the headers of an INVITE.
-CallerIdentity CallerOf(const sip_msg& invite);
-
-/// Checks that a request has what every request must have (RFC 3261, section 8.1.1). False when it has been
-/// answered with a 4xx, or dropped because no answer is possible.
-bool IsValidRequest(sip& stack, const sip_msg& request);
-
-/// Makes the UDP socket of `stack` at `address` read requests of more than the library's 8 KB whole. The
-/// library gives access to the socket only with a message that came through it, so this sends a probe for
-/// TakeProbe. If it gets lost, the limit stays.
-void ProbeSocket(sip& stack, const sa& address);
-
-/// True when `request` was a probe.
-bool TakeProbe(const sip_msg& request);
-
-/// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, others with
-/// 405.
-void AnswerOtherRequest(sip& stack, const sip_msg& request);
 
 }  // namespace orven

@@ -67,7 +67,6 @@ class SipThread {
   std::string Prepare();
   void Loop(const Task& at_end);
   void RunTasks();
-  static void Wake(int id, void* data, void* self);
 
   std::thread thread_;
   std::mutex mutex_;
@@ -96,7 +95,8 @@ std::string SipThread::Prepare() {
   if (error == 0) error = re_thread_init();
   if (error == 0) error = fd_setsize(kMostDescriptors);
   mqueue* queue = nullptr;
-  if (error == 0) error = mqueue_alloc(&queue, &SipThread::Wake, this);
+  const auto wake = [](int, void*, void* self) { static_cast<SipThread*>(self)->RunTasks(); };
+  if (error == 0) error = mqueue_alloc(&queue, wake, this);
   const std::lock_guard lock(mutex_);
   wake_ = queue;
   return error == 0 ? std::string() : "the SIP thread cannot start: " + ErrorText(error);
@@ -120,10 +120,6 @@ void SipThread::Post(Task task) {
   if (wake_ == nullptr) return;
   tasks_.push_back(std::move(task));
   if (!woken_) woken_ = mqueue_push(wake_, 0, nullptr) == 0;
-}
-
-void SipThread::Wake(int /*id*/, void* /*data*/, void* self) {
-  static_cast<SipThread*>(self)->RunTasks();
 }
 
 void SipThread::RunTasks() {

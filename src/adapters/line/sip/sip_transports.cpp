@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -54,11 +53,8 @@ std::vector<sa> ExpandListenAddress(const sa& listen) {
 SipTransports::SipTransports(const SipLineSettings& settings, Events events)
     : settings_(settings),
       events_(std::move(events)),
-      guard_([this](const sa& local) { return IsOurs(local); }) {
-  dnsc* names = nullptr;
-  if (dnsc_alloc(&names, nullptr, nullptr, 0) != 0) throw std::bad_alloc();
-  names_.reset(names);
-}
+      names_(Made(dnsc_alloc, nullptr, nullptr, 0U)),
+      guard_([this](const sa& local) { return IsOurs(local); }) {}
 
 std::optional<OpenFailure> SipTransports::Start() {
   ReadNameServers();
@@ -127,8 +123,8 @@ void SipTransports::Expand() {
 }
 
 SipEndpoint* SipTransports::EndpointAt(const sa& address) {
-  const auto found = std::find_if(endpoints_.begin(), endpoints_.end(),
-                                  [&address](const auto& endpoint) { return endpoint->Is(address); });
+  const auto found =
+      std::ranges::find_if(endpoints_, [&address](const auto& endpoint) { return endpoint->Is(address); });
   return found != endpoints_.end() ? found->get() : nullptr;
 }
 

@@ -78,10 +78,8 @@ constexpr std::size_t kRtpSsrcAt = 8;
 constexpr std::size_t kRtcpSsrcAt = 4;
 
 LibrePtr<srtp> NewContext(SrtpSuite suite, const SrtpKey& key) {
-  srtp* context = nullptr;
   const auto name = suite == SrtpSuite::kTag80 ? SRTP_AES_CM_128_HMAC_SHA1_80 : SRTP_AES_CM_128_HMAC_SHA1_32;
-  if (srtp_alloc(&context, name, key.data(), key.size(), 0) != 0) throw std::bad_alloc();
-  return LibrePtr<srtp>(context);
+  return Made(srtp_alloc, name, key.data(), key.size(), 0);
 }
 
 /// Replaces the buffer's content and points at its beginning.

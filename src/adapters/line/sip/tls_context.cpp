@@ -108,11 +108,9 @@ std::string PemOf(X509& certificate, EVP_PKEY& key) {
 
 }  // namespace
 
-TlsContext::TlsContext() : rules_(std::make_unique<Rules>()) {
-  tls* context = nullptr;
-  if (tls_alloc(&context, TLS_METHOD_SSLV23, nullptr, nullptr) != 0) throw std::bad_alloc();
-  context_.reset(context);
-  SSL_CTX_set_ex_data(tls_openssl_context(context), RulesIndex(), rules_.get());
+TlsContext::TlsContext()
+    : rules_(std::make_unique<Rules>()), context_(Made(tls_alloc, TLS_METHOD_SSLV23, nullptr, nullptr)) {
+  SSL_CTX_set_ex_data(tls_openssl_context(context_.get()), RulesIndex(), rules_.get());
   ERR_clear_error();
 }
 
