@@ -46,8 +46,8 @@ void LineManager::TellToSelectDevice() {
 }
 
 void LineManager::ChooseFirstUsable() {
-  settings_.ModemName.clear();
-  settings_.Modem = FindUsable(settings_.ModemName);
+  settings_.Modem = FindUsable();
+  settings_.ModemName = DeviceName(settings_.Modem);
   store_.Set("Modem", std::to_string(settings_.Modem));
   store_.Set("ModemName", settings_.ModemName);
   ports_.log.WriteSystem("SelectDevice->LineIndex: " + std::to_string(settings_.Modem) +
@@ -61,15 +61,12 @@ std::int32_t LineManager::FindByName(const std::string& name) const {
   return kNoneSelected;
 }
 
-std::int32_t LineManager::FindUsable(std::string& name) const {
+std::int32_t LineManager::FindUsable() const {
   for (std::int32_t index = 0; index < ports_.Tapi1.GetNumDevs(); ++index) {
     DeviceCapabilities capabilities;
     ports_.Tapi1.GetDevCaps(index, capabilities);
     // An answering machine has to play and record by itself and to hear the owner's password.
-    if (capabilities.automated_voice && capabilities.monitor_digits) {
-      name = capabilities.device_name;
-      return index;
-    }
+    if (capabilities.automated_voice && capabilities.monitor_digits) return index;
   }
   return kNoneUsable;
 }

@@ -73,7 +73,7 @@ class LineManager {
   std::int32_t FindByName(const std::string& name) const;
 
  private:
-  std::int32_t FindUsable(std::string& name) const;
+  std::int32_t FindUsable() const;
   void ChooseFirstUsable();
   void TryToOpen(std::int32_t index);
   void Open(std::int32_t index);

@@ -34,12 +34,18 @@ std::string AccountOf(const std::string& user, const std::string& server) {
   return user.empty() && server.empty() ? "" : std::string(kScheme) + user + '@' + server;
 }
 
+/// The section's value, or `otherwise` if it has none.
+std::string Value(const LineSection& section, const std::string& key, const std::string& otherwise = "") {
+  const auto value = section.values.find(key);
+  return value == section.values.end() ? otherwise : value->second;
+}
+
 void PutAccount(TelephoneLine& line, const LineSection& section) {
-  const auto account = section.values.find("account");
-  if (account == section.values.end()) return;
-  const auto at = account->second.find('@');
-  line.user = account->second.substr(kScheme.size(), at - kScheme.size());
-  line.server = account->second.substr(at + 1);
+  const auto account = Value(section, "account");
+  if (account.empty()) return;
+  const auto at = account.find('@');
+  line.user = account.substr(kScheme.size(), at - kScheme.size());
+  line.server = account.substr(at + 1);
 }
 
 std::optional<LineFault> AccountFault(const TelephoneLine& line) {
@@ -103,13 +109,11 @@ TelephoneLine LineOf(const LineSection& section) {
   line.kind = std::ranges::find(LineTypes(), section.type, &LineType::name)->kind;
   line.origin = section.line_number;
   for (const auto& key : ShownKeys(line.kind)) {
-    const auto value = section.values.find(std::string(key.name));
-    if (value != section.values.end()) line.*key.value = value->second;
+    line.*key.value = Value(section, std::string(key.name), line.*key.value);
   }
   if (line.kind != LineKind::Sip) return line;
   PutAccount(line, section);
-  const auto ring = section.values.find("ring_seconds");
-  if (ring != section.values.end()) line.ring_seconds = RingSeconds(ring->second, line.ring_seconds);
+  line.ring_seconds = RingSeconds(Value(section, "ring_seconds"), line.ring_seconds);
   return line;
 }
 
@@ -145,12 +149,6 @@ std::optional<LineFault> FaultOf(const TelephoneLine& line) {
 }
 
 namespace {
-
-/// The section's value, or `otherwise` if it has none.
-std::string Value(const LineSection& section, const std::string& key, const std::string& otherwise = "") {
-  const auto value = section.values.find(key);
-  return value == section.values.end() ? otherwise : value->second;
-}
 
 std::string PathValue(const LineSection& section, const std::string& key,
                       const std::filesystem::path& folder) {

@@ -20,13 +20,6 @@
 namespace orven {
 namespace {
 
-/// The contents of a caller id message, as sent; nothing for a missing parameter. A reason for its absence
-/// ("P" withheld, "O" unknown) takes the place of a number or name.
-struct CallerIdMessage {
-  std::optional<std::string> number;
-  std::optional<std::string> name;
-};
-
 // Message types, GR-30; parameters of the multiple data message format, GR-31 and GR-1188.
 constexpr unsigned char kSingle = 0x04;
 constexpr unsigned char kMultiple = 0x80;
@@ -69,32 +62,6 @@ bool IsWhole(std::string_view bytes) {
   return std::accumulate(bytes.begin(), bytes.end(), 0U, add) % 256 == 0;
 }
 
-CallerIdMessage ReadMultiple(std::string_view parameters) {
-  CallerIdMessage message;
-  while (parameters.size() >= 2) {
-    const auto type = ByteAt(parameters, 0);
-    const std::size_t length = ByteAt(parameters, 1);
-    if (parameters.size() < length + 2) break;
-    const auto value = parameters.substr(2, length);
-    if (type == kNumber || type == kNoNumber) message.number = value;
-    if (type == kName || type == kNoName) message.name = value;
-    parameters.remove_prefix(length + 2);
-  }
-  return message;
-}
-
-/// Reads a caller id message in hexadecimal digits, with or without blanks: single (type 04) or multiple
-/// (type 80) data message format, Telcordia GR-30 and GR-31. Nothing when it is of another type, cut short,
-/// or its checksum is wrong.
-std::optional<CallerIdMessage> ReadCallerIdMessage(std::string_view hexadecimal) {
-  const auto bytes = FromHexadecimal(hexadecimal);
-  if (!IsWhole(bytes)) return std::nullopt;
-  const auto data = std::string_view(bytes).substr(2, bytes.size() - kFrame);
-  if (ByteAt(bytes, 0) == kMultiple) return ReadMultiple(data);
-  if (ByteAt(bytes, 0) != kSingle || data.size() < kDateAndTime) return std::nullopt;
-  return CallerIdMessage{std::string(data.substr(kDateAndTime)), std::nullopt};
-}
-
 std::string_view Unquoted(std::string_view text) {
   const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return quoted ? Trimmed(text.substr(1, text.size() - 2)) : text;
@@ -131,9 +98,7 @@ bool CallerIdLines::Take(const std::string& line) {
   } else if (tag == "NAME") {
     Tell(name_, value);
   } else if (tag == "MESG") {
-    const auto message = ReadCallerIdMessage(value);
-    if (message && message->number) Tell(number_, *message->number);
-    if (message && message->name) Tell(name_, *message->name);
+    TakeMessage(value);
   } else if (tag != "DATE" && tag != "TIME") {
     return false;
   }
@@ -152,6 +117,29 @@ std::optional<ModemCaller> CallerIdLines::Finish() {
   const auto lines = std::exchange(*this, CallerIdLines());
   if (!lines.number_ && !lines.name_) return std::nullopt;
   return ModemCaller{lines.name_.value_or(""), lines.number_.value_or("")};
+}
+
+/// Reads a caller id message in hexadecimal digits, with or without blanks: single (type 04) or multiple
+/// (type 80) data message format, Telcordia GR-30 and GR-31. Nothing when it is of another type, cut short,
+/// or its checksum is wrong. A reason for its absence ("P" withheld, "O" unknown) may take the place of a
+/// number or name.
+void CallerIdLines::TakeMessage(std::string_view hexadecimal) {
+  const auto bytes = FromHexadecimal(hexadecimal);
+  if (!IsWhole(bytes)) return;
+  auto data = std::string_view(bytes).substr(2, bytes.size() - kFrame);
+  std::optional<std::string_view> number, name;
+  if (ByteAt(bytes, 0) == kSingle && data.size() >= kDateAndTime) number = data.substr(kDateAndTime);
+  while (ByteAt(bytes, 0) == kMultiple && data.size() >= 2) {
+    const auto type = ByteAt(data, 0);
+    const std::size_t length = ByteAt(data, 1);
+    if (data.size() < length + 2) break;
+    const auto value = data.substr(2, length);
+    if (type == kNumber || type == kNoNumber) number = value;
+    if (type == kName || type == kNoName) name = value;
+    data.remove_prefix(length + 2);
+  }
+  if (number) Tell(number_, *number);
+  if (name) Tell(name_, *name);
 }
 
 /// A later line that withholds a value does not erase it.

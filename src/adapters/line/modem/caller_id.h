@@ -33,6 +33,7 @@ class CallerIdLines {
   std::optional<ModemCaller> Finish();
 
  private:
+  void TakeMessage(std::string_view hexadecimal);
   static void Tell(std::optional<std::string>& what, std::string_view value);
 
   bool any_ = false;

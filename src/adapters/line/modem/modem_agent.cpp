@@ -213,8 +213,7 @@ void ModemAgent::Lost() {
 ModemCall& ModemAgent::CallInProgress() {
   if (!call_) {
     call_ = std::make_unique<ModemCall>(
-        calls_ + 1, modem_,
-        ModemCallPorts{channel_, ports_.link, ports_.loop, ports_.clock, ports_.audio, ports_.events},
+        calls_ + 1, modem_, channel_, ports_,
         ModemCall::Listener{[this] { ports_.loop.Post(lifeline_.Bind([this] { CallOver(); })); },
                             [this] { ports_.loop.Post(lifeline_.Bind([this] { ModemFailed(); })); },
                             settings_.report});

@@ -27,14 +27,7 @@ struct LineTrouble {
 /// disappears or stops answering is looked for until it works. One thread, that of `loop`.
 class ModemAgent : private ModemLinkEvents, private ModemOutput {
  public:
-  /// The references outlive the agent.
-  struct Ports {
-    ModemLink& link;
-    EventLoop& loop;
-    const Clock& clock;
-    LineAudio& audio;
-    LineSink events;
-  };
+  using Ports = ModemPorts;
 
   ModemAgent(ModemLineSettings settings, Ports ports);
   ~ModemAgent() override;
@@ -78,7 +71,7 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   void AudioEnded() override;
 
   const ModemLineSettings settings_;
-  Ports ports_;
+  const Ports ports_;
   AtChannel channel_;
   State state_ = State::Closed;
   std::vector<std::string> candidates_;  ///< ports still to be tried

@@ -100,8 +100,9 @@ milliseconds RingPattern::Patience() const {
   return std::max(kShortestPatience, interval_ * 3 / 2);
 }
 
-ModemCall::ModemCall(CallNumber number, const PreparedModem& modem, ModemCallPorts ports, Listener listener)
-    : number_(number), modem_(modem), ports_(ports), listener_(std::move(listener)) {
+ModemCall::ModemCall(CallNumber number, const PreparedModem& modem, AtChannel& channel,
+                     const ModemPorts& ports, Listener listener)
+    : number_(number), modem_(modem), channel_(channel), ports_(ports), listener_(std::move(listener)) {
   WaitForNextRing(kFirstRingPatience);
 }
 
@@ -166,9 +167,9 @@ void ModemCall::Answer(std::int32_t request) {
 }
 
 void ModemCall::TryToAnswer(int tries_left) {
-  ports_.channel.Ask("AT+FCLASS=8");
+  channel_.Ask("AT+FCLASS=8");
   off_hook_asked_ = true;
-  ports_.channel.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+  channel_.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Answering) return;
     if (reply.Ok()) return Connect();
     if (reply.kind == ModemReply::Kind::Nothing) return GiveUpAnswer();
@@ -204,7 +205,7 @@ void ModemCall::Connect() {
   if (rejected) return After(kShortestOffHook, [this] { OnHook(); });
   Tell({.kind = Kind::Connected});
   voice_ = std::make_unique<VoicePath>(
-      ports_.channel, ports_.link, ports_.loop, ports_.clock, ports_.audio, modem_.format,
+      channel_, ports_, modem_.format,
       VoicePath::Listener{
           [this](const char* what) { After(milliseconds(0), [this, what] { CallerGone(what); }); },
           [this] { RefusesAudio(); }, [this] { VoiceFailed(); }});
@@ -215,11 +216,11 @@ void ModemCall::Connect() {
 
 /// Some modems forget these when they leave voice mode.
 void ModemCall::SetUpVoice(AtChannel::Done done) {
-  if (modem_.detects_silence) ports_.channel.Ask("AT+VSD=128,0");  // our own detection decides
+  if (modem_.detects_silence) channel_.Ask("AT+VSD=128,0");  // our own detection decides
   if (modem_.has_gains) {
-    for (const char* nominal : {"AT+VGR=128", "AT+VGT=128"}) ports_.channel.Ask(nominal);
+    for (const char* nominal : {"AT+VGR=128", "AT+VGT=128"}) channel_.Ask(nominal);
   }
-  ports_.channel.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
+  channel_.Ask("AT+VSM=" + modem_.format.setting, std::move(done));
 }
 
 /// The answer did not take effect: the caller has not heard anything yet.
@@ -239,7 +240,7 @@ void ModemCall::RefusesAudio() {
 
 void ModemCall::AnswerAgain(int tries_left) {
   if (state_ != State::Connected) return;
-  ports_.channel.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
+  channel_.Ask("AT+VLS=1", [this, tries_left](const ModemReply& reply) {
     if (state_ != State::Connected) return;
     if (reply.kind == ModemReply::Kind::Nothing) return VoiceFailed();
     if (!reply.Ok() && tries_left > 1) return After(kAnswerPause, [=, this] { AnswerAgain(tries_left - 1); });
@@ -313,11 +314,11 @@ void ModemCall::HangUp() {
 }
 
 void ModemCall::OnHook() {
-  ports_.channel.Ask(
+  channel_.Ask(
       "AT+VLS=0", [](const ModemReply&) {}, kHangUpPatience);
-  ports_.channel.Ask(
+  channel_.Ask(
       "ATH", [](const ModemReply&) {}, kHangUpPatience);
-  ports_.channel.Ask(
+  channel_.Ask(
       "AT+FCLASS=0",
       [this](const ModemReply& reply) {
         if (state_ == State::Over) return;

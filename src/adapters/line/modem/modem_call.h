@@ -57,16 +57,6 @@ class RingPattern {
   Time interval_{0};  ///< between rings; 0: not known yet
 };
 
-/// What a call on a modem works with. All of these outlive the call.
-struct ModemCallPorts {
-  AtChannel& channel;
-  ModemLink& link;
-  EventLoop& loop;
-  const Clock& clock;
-  LineAudio& audio;
-  const LineSink& events;
-};
-
 /// One call on a modem's line, from its first ring until the line is on-hook again. One thread.
 class ModemCall {
  public:
@@ -79,7 +69,9 @@ class ModemCall {
     std::function<void(const std::string&)> report;
   };
 
-  ModemCall(CallNumber number, const PreparedModem& modem, ModemCallPorts ports, Listener listener);
+  /// `channel` and `ports` outlive the call.
+  ModemCall(CallNumber number, const PreparedModem& modem, AtChannel& channel, const ModemPorts& ports,
+            Listener listener);
 
   /// From the modem.
   void Ring();
@@ -136,7 +128,8 @@ class ModemCall {
 
   const CallNumber number_;
   const PreparedModem modem_;
-  ModemCallPorts ports_;
+  AtChannel& channel_;
+  const ModemPorts& ports_;
   Listener listener_;
   State state_ = State::Ringing;
   RingPattern rings_;

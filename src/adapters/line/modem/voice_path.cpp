@@ -151,24 +151,21 @@ bool VoicePath::Transmitter::NextBlock(std::span<std::int16_t> block) {
   return true;
 }
 
-VoicePath::VoicePath(AtChannel& channel, ModemLink& link, EventLoop& loop, const Clock& clock,
-                     LineAudio& audio, const VoiceFormat& format, Listener listener)
+VoicePath::VoicePath(AtChannel& channel, const ModemPorts& ports, const VoiceFormat& format,
+                     Listener listener)
     : channel_(channel),
-      link_(link),
-      loop_(loop),
-      clock_(clock),
-      audio_(audio),
+      ports_(ports),
       format_(format),
       listener_(std::move(listener)),
-      transmitter_(std::make_unique<Transmitter>(format, audio)),
+      transmitter_(std::make_unique<Transmitter>(format, ports.audio)),
       hang_up_([this](const char* what) { listener_.hung_up(what); }),
-      tick_(loop.MakeTimer([this] { Tick(); })) {}
+      tick_(ports.loop.MakeTimer([this] { Tick(); })) {}
 
 VoicePath::~VoicePath() = default;
 
 void VoicePath::Begin() {
-  silent_since_ = clock_.Uptime();
-  (void)audio_.TakeCut();
+  silent_since_ = ports_.clock.Uptime();
+  (void)ports_.audio.TakeCut();
   tick_->Start(kTick);
   Choose();
 }
@@ -183,8 +180,8 @@ void VoicePath::End(std::function<void()> done) {
   switch (state_) {
     case State::Off: return GoOn();
     // Audio that was fetched completely is played to its end.
-    case State::Transmitting: return audio_.TakeCut() || audio_.Plays() ? Purge() : Drain();
-    case State::Draining: return audio_.TakeCut() ? Purge() : void();
+    case State::Transmitting: return ports_.audio.TakeCut() || ports_.audio.Plays() ? Purge() : Drain();
+    case State::Draining: return ports_.audio.TakeCut() ? Purge() : void();
     case State::Receiving: return StopReceiving();
     default: return;  // it ends by itself
   }
@@ -209,7 +206,7 @@ void VoicePath::Ask(bool transmit, int tries_left) {
 
 void VoicePath::Transmit() {
   state_ = State::Transmitting;
-  transmitter_->Begin(clock_.Uptime());
+  transmitter_->Begin(ports_.clock.Uptime());
   if (ended_) return Purge();
   TickTransmitting();
 }
@@ -217,7 +214,7 @@ void VoicePath::Transmit() {
 void VoicePath::Receive() {
   state_ = State::Receiving;
   decoder_.emplace(format_);
-  latest_audio_ = clock_.Uptime();
+  latest_audio_ = ports_.clock.Uptime();
   heard_ = false;
   if (ended_) StopReceiving();
 }
@@ -225,35 +222,35 @@ void VoicePath::Receive() {
 void VoicePath::Tick() {
   if (state_ == State::Transmitting) return TickTransmitting();
   if (state_ == State::Receiving) return TickReceiving();
-  if (state_ == State::Draining && audio_.TakeCut()) return Purge();
+  if (state_ == State::Draining && ports_.audio.TakeCut()) return Purge();
   KeepTimeForRecorder();
 }
 
 void VoicePath::TickTransmitting() {
   KeepTimeForRecorder();
-  if (audio_.TakeCut()) {
+  if (ports_.audio.TakeCut()) {
     transmitter_->Cut();
     return Purge();
   }
   std::vector<std::uint8_t> bytes;
-  const bool more = transmitter_->Due(clock_.Uptime(), bytes);
+  const bool more = transmitter_->Due(ports_.clock.Uptime(), bytes);
   if (!bytes.empty()) channel_.Write(bytes);
-  if (link_.Unsent() > kMostUnsent) return Fail();
+  if (ports_.link.Unsent() > kMostUnsent) return Fail();
   if (!more) Drain();
 }
 
 void VoicePath::TickReceiving() {
-  silent_since_ = clock_.Uptime();
-  (void)audio_.TakeCut();
-  if (clock_.Uptime() - latest_audio_ > kLongestStall) return Fail();
+  silent_since_ = ports_.clock.Uptime();
+  (void)ports_.audio.TakeCut();
+  if (ports_.clock.Uptime() - latest_audio_ > kLongestStall) return Fail();
   if (transmitter_->Wanted()) StopReceiving();
 }
 
 /// A recording continues, with silence, while the modem cannot receive.
 void VoicePath::KeepTimeForRecorder() {
   constexpr std::array<std::int16_t, kBlockSamples> kSilence{};
-  for (; silent_since_ + kTick <= clock_.Uptime(); silent_since_ += kTick) {
-    if (audio_.Records()) audio_.Deliver(kSilence);
+  for (; silent_since_ + kTick <= ports_.clock.Uptime(); silent_since_ += kTick) {
+    if (ports_.audio.Records()) ports_.audio.Deliver(kSilence);
   }
 }
 
@@ -265,7 +262,7 @@ void VoicePath::Drain() {
         if (reply.Ok() || state_ != State::Draining) return Rest();
         Purge();
       },
-      transmitter_->Ahead(clock_.Uptime()) + kDrainPatience);
+      transmitter_->Ahead(ports_.clock.Uptime()) + kDrainPatience);
 }
 
 void VoicePath::Purge() {
@@ -279,7 +276,7 @@ void VoicePath::StopReceiving() {
 void VoicePath::Stop(State state, std::span<const std::vector<std::uint8_t>> ways) {
   state_ = state;
   if (state == State::Purging) {
-    link_.DiscardUnsent();
+    ports_.link.DiscardUnsent();
     channel_.Forget();
   }
   channel_.Write(ways.front());
@@ -296,7 +293,7 @@ void VoicePath::Stop(State state, std::span<const std::vector<std::uint8_t>> way
 void VoicePath::Rest() {
   if (!channel_.StraysSeen()) return GoOn();
   state_ = State::Settling;
-  loop_.After(kStrayTime, lifeline_.Bind([this] { GoOn(); }));
+  ports_.loop.After(kStrayTime, lifeline_.Bind([this] { GoOn(); }));
 }
 
 void VoicePath::GoOn() {
@@ -321,14 +318,14 @@ void VoicePath::Fail() {
 
 void VoicePath::Audio(std::span<const std::uint8_t> bytes) {
   if (state_ != State::Receiving && state_ != State::EndOfReceive) return;
-  const bool paused = heard_ && clock_.Uptime() - latest_audio_ > kPauseInAudio;
+  const bool paused = heard_ && ports_.clock.Uptime() - latest_audio_ > kPauseInAudio;
   heard_ = true;
-  latest_audio_ = clock_.Uptime();
+  latest_audio_ = ports_.clock.Uptime();
   decoder_->Decode(bytes, received_);
   std::span<const std::int16_t> left(received_);
   for (; left.size() >= kBlockSamples; left = left.subspan(kBlockSamples)) {
     const auto block = left.first(kBlockSamples);
-    audio_.Deliver(block);
+    ports_.audio.Deliver(block);
     hang_up_.Listen(block);
   }
   received_.erase(received_.begin(), received_.end() - static_cast<std::ptrdiff_t>(left.size()));
@@ -336,7 +333,7 @@ void VoicePath::Audio(std::span<const std::uint8_t> bytes) {
 }
 
 void VoicePath::Underrun() {
-  transmitter_->Underrun(clock_.Uptime());
+  transmitter_->Underrun(ports_.clock.Uptime());
 }
 
 void VoicePath::Overrun() {

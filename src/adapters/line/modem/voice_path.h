@@ -17,8 +17,18 @@
 #include "adapters/line/modem/voice_format.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
+#include "platform/line_driver.h"
 
 namespace orven {
+
+/// What a modem's line works with. All of these outlive the line.
+struct ModemPorts {
+  ModemLink& link;
+  EventLoop& loop;
+  const Clock& clock;
+  LineAudio& audio;
+  LineSink events;
+};
 
 /// The audio of an answered call on a half-duplex modem: it transmits while there is something to play and
 /// receives the rest of the time, to hear when the caller hangs up. During playback a recording gets silence.
@@ -34,8 +44,7 @@ class VoicePath {
     std::function<void()> failed;
   };
 
-  VoicePath(AtChannel& channel, ModemLink& link, EventLoop& loop, const Clock& clock, LineAudio& audio,
-            const VoiceFormat& format, Listener listener);
+  VoicePath(AtChannel& channel, const ModemPorts& ports, const VoiceFormat& format, Listener listener);
   ~VoicePath();
 
   /// The modem is off-hook and has its sample format.
@@ -89,10 +98,7 @@ class VoicePath {
   void KeepTimeForRecorder();
 
   AtChannel& channel_;
-  ModemLink& link_;
-  EventLoop& loop_;
-  const Clock& clock_;
-  LineAudio& audio_;
+  const ModemPorts& ports_;
   const VoiceFormat format_;
   Listener listener_;
   std::unique_ptr<Transmitter> transmitter_;

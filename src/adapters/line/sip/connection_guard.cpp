@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace orven {
@@ -228,17 +229,10 @@ void ConnectionGuard::Spare(const sip_msg& invite) {
   spared_ = DescriptorOf(invite);
 }
 
-void DescriptorReserve::Fill() {
-  for (int& descriptor : held_) {
-    if (descriptor == kNone) descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-  }
-}
-
-void DescriptorReserve::Release() {
-  for (int& descriptor : held_) {
-    if (descriptor != kNone) ::close(descriptor);
-    descriptor = kNone;
-  }
+void DescriptorReserve::Fill() try {
+  while (held_.size() < kCount) held_.emplace_back("/dev/null", O_RDONLY);
+} catch (const std::exception&) {
+  // There are none left: a call may still get those that others release.
 }
 
 }  // namespace orven

@@ -5,11 +5,13 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "adapters/line/sip/libre.h"
+#include "base/durable_file.h"
 
 namespace orven {
 
@@ -79,23 +81,17 @@ class ConnectionGuard {
 /// calls: released descriptors are the next ones assigned.
 class DescriptorReserve {
  public:
-  DescriptorReserve() {
-    held_.fill(kNone);
-    Fill();
-  }
-  ~DescriptorReserve() { Release(); }
-  DescriptorReserve(const DescriptorReserve&) = delete;
-  DescriptorReserve& operator=(const DescriptorReserve&) = delete;
+  DescriptorReserve() { Fill(); }
 
   /// Opens what is missing. Idempotent.
   void Fill();
 
   /// Releases them for what is opened next. Idempotent.
-  void Release();
+  void Release() { held_.clear(); }
 
  private:
-  static constexpr int kNone = -1;
-  std::array<int, 8> held_;  ///< a call takes two ports and three timers, and one more for a moment
+  static constexpr std::size_t kCount = 8;  ///< a call takes two ports and three timers, and one for a moment
+  std::list<Descriptor> held_;
 };
 
 }  // namespace orven

@@ -140,10 +140,8 @@ std::string DigestLogin::Header(Challenge& challenge, std::string_view method, s
   const Algorithm algorithm = *AlgorithmOf(challenge.algorithm);
   const auto digest = [&algorithm](const std::string& text) { return Digest(algorithm.digest, text); };
   std::array<char, 32> count{};
-  std::array<char, 32> nonce{};
   (void)re_snprintf(count.data(), count.size(), "%08x", challenge.count);
-  (void)re_snprintf(nonce.data(), nonce.size(), "%016llx", rand_u64());
-  const std::string own = nonce.data();
+  const std::string own = RandomName();
   std::string secret = digest(user_ + ':' + challenge.realm + ':' + password_);
   if (algorithm.session) secret = digest(secret + ':' + challenge.nonce + ':' + own);
   const std::string once =

@@ -32,6 +32,12 @@ std::string AddressText(const sa& address) {
   return text.data();
 }
 
+std::string RandomName() {
+  std::array<char, 24> text{};
+  (void)re_snprintf(text.data(), text.size(), "%016llx", rand_u64());
+  return text.data();
+}
+
 std::optional<sa> ParseListenAddress(const std::string& text) {
   const auto colon = text.rfind(':');
   if (colon == std::string::npos) return std::nullopt;
@@ -76,17 +82,16 @@ MonotonicTimer::~MonotonicTimer() {
 }
 
 void MonotonicTimer::StartOnce(std::chrono::milliseconds delay) {
-  periodic_ = false;
   Arm(delay, std::chrono::milliseconds(0));
 }
 
 void MonotonicTimer::StartPeriodic(std::chrono::milliseconds interval) {
-  periodic_ = true;
   Arm(interval, interval);
 }
 
 void MonotonicTimer::Arm(std::chrono::milliseconds first, std::chrono::milliseconds interval) {
   running_ = true;
+  periodic_ = interval > std::chrono::milliseconds(0);
   itimerspec spec{};
   spec.it_value = Spec(std::max(first, std::chrono::milliseconds(1)));
   spec.it_interval = Spec(interval);

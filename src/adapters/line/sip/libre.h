@@ -51,6 +51,9 @@ std::string ErrorText(int error);
 /// "192.0.2.1:5060", "[2001:db8::1]:5060".
 std::string AddressText(const sa& address);
 
+/// 16 hexadecimal digits.
+std::string RandomName();
+
 /// Reads "127.0.0.1:5060" or "[::1]:5060"; nothing unless it is an address with a port from 1 to 65535.
 std::optional<sa> ParseListenAddress(const std::string& text);
 

@@ -55,12 +55,6 @@ std::string HostText(const sa& address) {
   return text.data();
 }
 
-std::string RandomName() {
-  std::array<char, 24> text{};
-  (void)re_snprintf(text.data(), text.size(), "%016llx", rand_u64());
-  return text.data();
-}
-
 /// The seconds at the beginning of `text`, as many as 32 bits hold (RFC 3261, section 20.19); nothing when
 /// it does not begin with digits.
 std::optional<seconds> SecondsOf(std::string_view text) {
