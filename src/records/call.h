@@ -96,7 +96,7 @@ inline constexpr std::array kCallFields{kCallName,        kCallNumber, kCallTime
 /// Names of what is kept of an open call, in this order.
 inline constexpr std::array kOpenCallFields{kCallName, kCallNumber, kCallTime,   kCallDate, kCallMassageName,
                                             "Ring",    "Folder",    "Recording", "Place",   "Path",
-                                            "Left",    "Mail",      "Step"};
+                                            "Left",    "Mail",      "Step",      "Home"};
 
 /// Query for all records with all fields.
 inline constexpr const char* kGetAll = "Get *";

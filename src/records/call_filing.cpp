@@ -32,7 +32,9 @@ void CallFiling::Start() {
 /// Takes over the calls of earlier runs. Throws while the records are not open: it is unknown what was filed.
 void CallFiling::Load() {
   if (loaded_) return;
-  TakeOverJournal({ports_.files, ports_.DataBase1, ports_.system_log}, ports_.home.Path("\\"));
+  recovery_.Trap()([&] {
+    TakeOverJournal({ports_.files, ports_.DataBase1, ports_.system_log, ports_.open}, ports_.home.Path("\\"));
+  });
   for (auto& call : ports_.open.Load()) entries_[call.key] = {call, true};
   recovery_.FindStrays();
   loaded_ = true;

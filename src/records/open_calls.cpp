@@ -21,7 +21,7 @@ constexpr std::chrono::seconds kLook{1};
 constexpr std::string_view kComplete = "\t.";
 
 /// The texts that are kept of a call, as the first fields. After them: a message was left, a mail is due, and
-/// how often the call was kept.
+/// how often the call was kept, and the application folder.
 constexpr std::array kTexts{
     &Call::caller_name,     &Call::caller_number,    &Call::time,      &Call::date,  &Call::message_file_name,
     &Call::ring_count_text, &Call::recording_folder, &Call::recording, &Call::place, &Call::message_path};
@@ -44,19 +44,24 @@ Call CallOf(const OpenCall& row) {
   return call;
 }
 
+std::int64_t KeyOf(std::string_view note) {
+  return ToNumber(note.substr(kNoteStart.size()));
+}
+
 bool IsPlain(unsigned char byte) {
   return byte >= 0x20 && byte != 0x7F && byte != '%';
 }
 
 }  // namespace
 
-OpenCall RowOf(const Call& call) {
+OpenCall OpenCalls::RowOf(const Call& call) const {
   OpenCall row{call.key, call.record, {}};
   row.fields.reserve(kOpenCallFields.size());
   for (const auto text : kTexts) row.fields.push_back(call.*text);
   row.fields.emplace_back(call.message_left ? "1" : "0");
   row.fields.emplace_back(call.mail_due ? "1" : "0");
   row.fields.push_back(std::to_string(call.step));
+  row.fields.push_back(folder_);
   return row;
 }
 
@@ -90,8 +95,9 @@ bool OpenCalls::Note(Call& call) {
     return !failing_;
   }
   failing_ = false;
-  if (noted_.contains(call.key) && ErrorTrap::Silent()([&] { files_.Delete(NotePath(call.key)); }))
-    noted_.erase(call.key);
+  if (!noted_.contains(call.key)) return true;
+  ErrorTrap::Silent()([&] { files_.Delete(NotePath(call.key)); });
+  if (!files_.Exists(NotePath(call.key))) noted_.erase(call.key);
   return true;
 }
 
@@ -168,7 +174,7 @@ std::optional<Call> OpenCalls::ReadNote(const std::string& path) const {
 }
 
 void OpenCalls::LoadNote(const std::string& name, std::map<std::int64_t, Call>& calls) {
-  const auto key = ToNumber(std::string_view(name).substr(kNoteStart.size()));
+  const auto key = KeyOf(name);
   if (open_.contains(key)) return;  // a call of this run
   auto note = ReadNote(folder_ + name);
   if (!note || NotePath(key) != folder_ + name) {
@@ -186,12 +192,15 @@ void OpenCalls::LoadNote(const std::string& name, std::map<std::int64_t, Call>& 
 std::vector<Call> OpenCalls::Load() {
   std::map<std::int64_t, Call> calls;
   for (const auto& row : database_.OpenCalls()) {
-    if (!open_.contains(row.key)) calls[row.key] = CallOf(row);
+    const auto& home = row.fields.back();
+    const bool is_ours = home.empty() || home == folder_ || !files_.Exists(home);
+    if (is_ours && !open_.contains(row.key)) calls[row.key] = CallOf(row);
   }
   const ErrorTrap trap(log_, "ErrRecoverCall ");
-  std::vector<std::string> notes;
-  trap([&] { notes = files_.List(folder_, std::string(kNoteStart) + "*"); });
-  for (const auto& name : notes) trap([&] { LoadNote(name, calls); });
+  for (const auto& name : files_.List(folder_, std::string(kNoteStart) + "*")) {
+    // Without its note a call may be filed twice: then it waits for the next start.
+    if (!trap([&] { LoadNote(name, calls); })) calls.erase(KeyOf(name));
+  }
   std::vector<Call> loaded;
   for (auto& [key, call] : calls) {
     open_[key] = {call.recording, call.place};

@@ -19,9 +19,6 @@
 
 namespace orven {
 
-/// What is kept of an open call, as kOpenCallFields names it.
-OpenCall RowOf(const Call& call);
-
 /// Keeps every call on disk from its first ring until nothing is left to do for it, so that a crash loses
 /// none: as a row beside the records. While the records cannot be written, the call is kept in a file of its
 /// own, its note: ".call-<key>" in the application folder, one line for each step. Neither is synced: both
@@ -46,11 +43,15 @@ class OpenCalls {
   /// The call gets no record.
   void LeaveOut(Call& call);
 
+  /// What is kept of a call, as kOpenCallFields names it.
+  OpenCall RowOf(const Call& call) const;
+
   /// The call as its record is to be stored with: closed at once, or kept.
   OpenCall RowFor(const Call& call, bool finished);
 
   /// The open calls of earlier runs, the oldest first; from now on they belong to this run. Throws while the
-  /// records cannot be read. A note that cannot be read is set aside.
+  /// records cannot be read. A damaged note is set aside. The calls of another application folder that uses
+  /// the same records are left to it.
   std::vector<Call> Load();
 
   /// Whether the recording belongs to an open call.

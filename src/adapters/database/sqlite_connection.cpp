@@ -13,6 +13,9 @@ namespace {
 /// Long enough for another program's single statement, too short for the user to notice.
 constexpr std::chrono::duration<int, std::milli> kLockPatience{200};
 
+/// The largest number that SQLite keeps as a file's user version.
+constexpr std::int64_t kMostMerges = 0x7FFFFFFF;
+
 /// Far more than a record needs; a damaged file must not exhaust the memory.
 constexpr int kLongestRecord = 16 * 1024 * 1024;
 
@@ -117,7 +120,10 @@ void SqliteConnection::MergeLog() try {
     if (merged != SQLITE_OK) return;
     std::error_code error;
     merged_size_ = std::filesystem::file_size(path_, error);
-    Execute("PRAGMA user_version = " + Ask("PRAGMA user_version"));
+    SqliteStatement merges(*this, "PRAGMA user_version");
+    const auto count = merges.Step() ? merges.Integer(0) : 0;
+    merges.Reset();
+    Execute("PRAGMA user_version = " + std::to_string(count == kMostMerges ? 0 : count + 1));
   });
 } catch (const SqliteError&) {
   return;  // The next change waits for the disk.

@@ -51,8 +51,8 @@ class SqliteConnection {
   void Borrow(std::string& image);
 
   /// Merges the write-ahead log into the main file and empties it, unless another program is reading or
-  /// writing; then the next call does it. SQLite syncs the log before its first page, so a copy of the main
-  /// file's first page is written at once: no later change has to wait for the disk.
+  /// writing; then the next call does it. SQLite syncs the log before its first page, so that is
+  /// written at once, with the number of merges in it: no later change has to wait for the disk.
   void MergeLog();
 
   /// Runs `change` in one transaction, durable on return, and merges the log. If anything fails, nothing is

@@ -2,6 +2,7 @@
 #include "adapters/database/stray_log.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -15,31 +16,34 @@ namespace {
 
 // https://www.sqlite.org/fileformat2.html
 constexpr std::size_t kPageSizeAt = 8, kLogHeader = 32, kFrameHeader = 24;
-constexpr std::string_view kFirstPage("\0\0\0\1", 4), kFileHeader = "SQLite format 3";
+constexpr std::size_t kFileHeader = 100;
+constexpr std::string_view kFirstPage("\0\0\0\1", 4), kMagic = "SQLite format 3";
 
 std::string LogBeside(const std::string& path) {
   std::error_code error;
   return std::filesystem::exists(path + "-wal", error) ? DiskFiles().Read(path + "-wal") : std::string();
 }
 
-/// All versions of the file's first page in a log that MergeLog began: the first one is the file's own.
+/// The number that MergeLog counts up in the first page, once for each merge.
+std::uint32_t MergesIn(std::string_view page) {
+  constexpr std::size_t kUserVersionAt = 60;
+  std::uint32_t number = 0;
+  for (const char byte : page.substr(std::min(page.size(), kUserVersionAt), 4))
+    number = number << 8U | static_cast<unsigned char>(byte);
+  return number;
+}
+
+/// All versions of the file's first page in a log.
 std::vector<std::string> FirstPages(std::string_view log) {
   std::size_t size = 0;
   for (const char byte : log.substr(std::min(log.size(), kPageSizeAt), 4))
     size = size << 8U | static_cast<unsigned char>(byte);
   std::vector<std::string> pages;
-  for (auto at = kLogHeader; at + kFrameHeader + size <= log.size(); at += kFrameHeader + size) {
+  for (auto at = kLogHeader; size > 0 && at + kFrameHeader + size <= log.size(); at += kFrameHeader + size) {
     if (log.substr(at, kFirstPage.size()) == kFirstPage)
       pages.emplace_back(log.substr(at + kFrameHeader, size));
-    if (pages.empty()) break;
   }
   return pages;
-}
-
-/// The first page without its counters of changes and SQLite's version.
-std::string Comparable(std::string page) {
-  for (const std::size_t counter : {96, 92, 24}) page.replace(std::min(counter, page.size()), 4, "");
-  return page;
 }
 
 }  // namespace
@@ -48,13 +52,12 @@ bool HasStrayLog(const std::string& path) {
   std::error_code error;
   const auto size = std::filesystem::file_size(path, error);
   if (error || size == 0) return true;
+  const std::string page = DiskFiles().ReadPart(path, 0, kFileHeader);
+  // MergeLog counts in the log first, and the next merge brings that into the file. Other programs do not
+  // count.
+  const auto belongs = [&](const std::string& logged) { return MergesIn(logged) - MergesIn(page) <= 1; };
   const auto pages = FirstPages(LogBeside(path));
-  if (pages.empty()) return false;
-  const std::string page = DiskFiles().ReadPart(path, 0, pages.front().size());
-  // A damaged file still belongs to its log. A merge that was interrupted has stored a later version.
-  return page.starts_with(kFileHeader) && std::ranges::none_of(pages, [&](const std::string& logged) {
-           return Comparable(logged) == Comparable(page);
-         });
+  return !pages.empty() && page.starts_with(kMagic) && std::ranges::none_of(pages, belongs);
 }
 
 bool LogIsEmpty(const std::string& path) {
