@@ -173,14 +173,6 @@ void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) noexcept
   Frame2_->AddVoices(descriptions);
 }
 
-std::int32_t frmGreetC::SelectedVoice() const noexcept {
-  return Frame2_->SelectedVoice();
-}
-
-std::int32_t frmGreetC::Rate() const noexcept {
-  return Frame2_->Rate();
-}
-
 std::string frmGreetC::Text() const noexcept {
   return Frame2_->Text().toStdString();
 }

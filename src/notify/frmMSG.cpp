@@ -279,18 +279,12 @@ void frmMSG::ShowRing(const std::string& text) noexcept {
   ring_->setText(QString::fromStdString(text));
 }
 
-void frmMSG::ShowCaller(const std::string& name, const std::string& number) noexcept {
-  caller_->setText(QString::fromStdString(name));
-  number_->setText(QString::fromStdString(number));
-}
-
-void frmMSG::ShowTime(const std::string& date, const std::string& time) noexcept {
-  date_->setText(QString::fromStdString(date));
-  time_->setText(QString::fromStdString(time));
-}
-
-void frmMSG::ShowMessagePath(const std::string& path) noexcept {
-  message_->setText(QString::fromStdString(path));
+void frmMSG::ShowCall(const Call& call) noexcept {
+  caller_->setText(QString::fromStdString(call.caller_name));
+  number_->setText(QString::fromStdString(call.caller_number));
+  date_->setText(QString::fromStdString(call.date));
+  time_->setText(QString::fromStdString(call.time));
+  message_->setText(QString::fromStdString(call.message_path));
 }
 
 /// The desktop asks the window to close: the view slides out as after a click.

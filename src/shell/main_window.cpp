@@ -239,7 +239,7 @@ void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
 void MainWindow::CameBack() {
   machine_.window_hidden = false;
   machine_.tray.StopBlinking();
-  machine_.tray.MakeSysTryBaloon(machine_.ListView1.Total(), machine_.ListView1.NewCalls());
+  machine_.tray.MakeSysTryBaloon(machine_.ListView1.Count(), machine_.ListView1.NewCalls());
 }
 
 void MainWindow::ActivationChanged() {

@@ -45,11 +45,11 @@ class RecordingCallerView : public CallerViewWindow {
   }
   void ShowStatus(const std::string& text) noexcept override { effect_("view:" + text); }
   void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
-  void ShowCaller(const std::string& caller, const std::string& /*number*/) noexcept override {
-    name = caller;
+  void ShowCall(const Call& call) noexcept override {
+    name = call.caller_name;
+    when = call.date + call.time;
+    path = call.message_path;
   }
-  void ShowTime(const std::string& date, const std::string& time) noexcept override { when = date + time; }
-  void ShowMessagePath(const std::string& message) noexcept override { path = message; }
 
  private:
   std::function<void(const std::string&)> effect_;
