@@ -12,19 +12,14 @@ namespace {
 
 constexpr int kFieldWidth = 380;  // pixels; wide enough for most addresses and commands
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
 }  // namespace
 
 frmActions::frmActions(ActionsDialog& engine, int tab, QWidget* parent)
     : QDialog(parent),
       engine_(engine),
       form_(*this, RowsOf(Group::Actions)),
-      TabStrip1_(MakeChild<QTabWidget>(this)) {
+      TabStrip1_(MakeNamed<QTabWidget>("TabStrip1", this)) {
   SetUpDialog(*this, "frmActions", tr("Actions"));
-  TabStrip1_->setObjectName(Name("TabStrip1"));
   TabStrip1_->addTab(MakeMail(), tr("E-Mail"));
   TabStrip1_->addTab(MakeApplication(), tr("Application"));
   for (auto* field : findChildren<QLineEdit*>()) field->setMinimumWidth(kFieldWidth);
@@ -54,19 +49,16 @@ QWidget* frmActions::MakeApplication() {
   for (const char* name : {"pAppTo", "AppTo"}) form_.Add(*form, name);
   form->addRow(QString(), form_.Make("pAppToBG"));
   form_.AddRest(*form, 1);
-  auto* parameters = MakeButton("cmdParm", tr("Parameters"), nullptr, page);
-  parameters->setToolTip(tr("The details of a call that the program can get"));
-  auto* test = MakeButton("frmTest", tr("Test"), nullptr, page);
-  test->setToolTip(tr("Start the program now, with made-up call details"));
+  auto* parameters =
+      MakeButton("cmdParm", tr("Parameters"), tr("The details of a call that the program can get"), page);
+  auto* test =
+      MakeButton("frmTest", tr("Test"), tr("Start the program now, with made-up call details"), page);
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(parameters);
   row->addWidget(test);
   row->addStretch();
   form->addRow(QString(), row);
-  test_result_ = MakeChild<QLabel>(page);
-  test_result_->setObjectName(Name("lblTestResult"));
-  test_result_->setTextFormat(Qt::PlainText);
-  test_result_->setWordWrap(true);
+  test_result_ = MakeText("lblTestResult", page);
   form->addRow(test_result_);
   connect(parameters, &QPushButton::clicked, this, [this] { engine_.ShowParameters(); });
   connect(test, &QPushButton::clicked, this, &frmActions::Test);

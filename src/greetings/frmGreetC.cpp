@@ -28,12 +28,12 @@ QString OneLine(QString text) {
 
 frmGreetC::frmGreetC(QWidget* parent)
     : QDialog(parent),
-      TabStrip1_(MakeChild<QTabWidget>(this)),
+      TabStrip1_(MakeNamed<QTabWidget>("TabStrip1", this)),
       Frame1_(MakeChild<SpeakerFrame>(TabStrip1_)),
       Frame2_(MakeChild<SpeechFrame>(TabStrip1_)),
       picture_(MakeChild<WaveformWidget>(this)),
-      lblState_(MakeChild<ElidedLabel>(Qt::ElideRight, this)),
-      txtGreetingName_(MakeChild<QLineEdit>(this)),
+      lblState_(MakeNamed<ElidedLabel>("lblState", Qt::ElideRight, this)),
+      txtGreetingName_(MakeNamed<QLineEdit>("txtGreetingName", this)),
       closing_(MakeClosingButtons(*this)) {
   SetUpDialog(*this, "frmGreetC", tr("Greeting Creator"));
   SetUpTabs();
@@ -51,7 +51,6 @@ frmGreetC::frmGreetC(QWidget* parent)
 }
 
 void frmGreetC::SetUpTabs() {
-  TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
   TabStrip1_->setIconSize({kTabIcon, kTabIcon});
   TabStrip1_->addTab(Frame1_, ThemeIcon("audio-input-microphone"), tr("&Speaker"));
   TabStrip1_->addTab(Frame2_, ThemeIcon("text-speak"), tr("&Text To Speech"));
@@ -60,15 +59,11 @@ void frmGreetC::SetUpTabs() {
 void frmGreetC::SetUpTake() {
   picture_->setAccessibleName(tr("Waveform of the recording"));
   picture_->setAttribute(Qt::WA_TransparentForMouseEvents);  // the position cannot be changed here
-  lblState_->setObjectName(QStringLiteral("lblState"));
 }
 
 QLayout* frmGreetC::MakeName() {
-  txtGreetingName_->setObjectName(QStringLiteral("txtGreetingName"));
-  auto* label = MakeChild<QLabel>(tr("Greeting &Name"), this);
-  label->setBuddy(txtGreetingName_);
   auto* row = MakeChild<QHBoxLayout>();
-  row->addWidget(label);
+  row->addWidget(MakeCaption(tr("Greeting &Name"), txtGreetingName_));
   row->addWidget(txtGreetingName_, 1);
   return row;
 }
@@ -176,14 +171,6 @@ void frmGreetC::ShowState(const std::string& text) noexcept {
 
 void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) noexcept {
   Frame2_->AddVoices(descriptions);
-}
-
-std::int32_t frmGreetC::SelectedVoice() const noexcept {
-  return Frame2_->SelectedVoice();
-}
-
-std::int32_t frmGreetC::Rate() const noexcept {
-  return Frame2_->Rate();
 }
 
 std::string frmGreetC::Text() const noexcept {

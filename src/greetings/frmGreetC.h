@@ -42,8 +42,7 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   void ShowWaveform(const Waveform& waveform) noexcept override;
   void ShowState(const std::string& text) noexcept override;
   void AddVoices(const std::vector<std::string>& descriptions) noexcept override;
-  std::int32_t SelectedVoice() const noexcept override;
-  std::int32_t Rate() const noexcept override;
+  SpeechLink::Manner Manner() const noexcept override { return Frame2_->Manner(); }
   std::string Text() const noexcept override;
   void ClearText() noexcept override;
   std::string GreetingName() const noexcept override;

@@ -126,15 +126,19 @@ void LevelMeter::paintEvent(QPaintEvent* /*event*/) {
 
 SpeakerFrame::SpeakerFrame(QWidget* parent)
     : QWidget(parent),
-      cmdRec_(MakeButton("cmdRec", tr("&Record"), "media-record", this)),
-      cmdStopRec_(MakeButton("cmdStopRec", tr("St&op"), "media-playback-stop", this)),
-      lblRec_(MakeChild<QLabel>(this)),
-      ProgressBarRec_(MakeChild<QProgressBar>(this)),
-      prgLevel_(MakeChild<LevelMeter>(this)),
-      cmdPlay_(MakeButton("cmdPlay", tr("Start &Play"), "media-playback-start", this)),
-      cmdStopPlay_(MakeButton("cmdStopPlay", tr("Stop Pla&y"), "media-playback-stop", this)),
-      lblPlay_(MakeChild<QLabel>(this)),
-      ProgressBar1_(MakeChild<QProgressBar>(this)) {
+      cmdRec_(MakeButton("cmdRec", tr("&Record"), tr("Record a greeting with the microphone"), this,
+                         "media-record")),
+      cmdStopRec_(
+          MakeButton("cmdStopRec", tr("St&op"), tr("End the recording"), this, "media-playback-stop")),
+      lblRec_(MakeNamed<QLabel>("lblRec", this)),
+      ProgressBarRec_(MakeNamed<QProgressBar>("ProgressBarRec", this)),
+      prgLevel_(MakeNamed<LevelMeter>("prgLevel", this)),
+      cmdPlay_(MakeButton("cmdPlay", tr("Start &Play"), tr("Listen to the recording"), this,
+                          "media-playback-start")),
+      cmdStopPlay_(
+          MakeButton("cmdStopPlay", tr("Stop Pla&y"), tr("Stop listening"), this, "media-playback-stop")),
+      lblPlay_(MakeNamed<QLabel>("lblPlay", this)),
+      ProgressBar1_(MakeNamed<QProgressBar>("ProgressBar1", this)) {
   setObjectName(QStringLiteral("Frame1"));
   auto* column = MakeChild<QVBoxLayout>(this);
   AddRecording(*MakeGroup(tr("Record with the microphone"), *column));
@@ -158,9 +162,6 @@ QGridLayout* SpeakerFrame::MakeGroup(const QString& title, QBoxLayout& column) {
 }
 
 void SpeakerFrame::AddRecording(QGridLayout& grid) {
-  cmdRec_->setToolTip(tr("Record a greeting with the microphone"));
-  cmdStopRec_->setToolTip(tr("End the recording"));
-  lblRec_->setObjectName(QStringLiteral("lblRec"));
   lblRec_->setTextFormat(Qt::RichText);
   lblRec_->setText(QStringLiteral("<span style='color:#d64541'>●</span> ") + tr("Recording"));
   lblRec_->setAccessibleName(tr("Recording"));
@@ -168,9 +169,7 @@ void SpeakerFrame::AddRecording(QGridLayout& grid) {
   auto policy = lblRec_->sizePolicy();
   policy.setRetainSizeWhenHidden(true);  // it blinks
   lblRec_->setSizePolicy(policy);
-  ProgressBarRec_->setObjectName(QStringLiteral("ProgressBarRec"));
   ProgressBarRec_->setAccessibleName(tr("Time recorded"));
-  prgLevel_->setObjectName(QStringLiteral("prgLevel"));
   prgLevel_->setAccessibleName(tr("Level of the microphone"));
   prgLevel_->setToolTip(tr("Level of the microphone: it should hardly ever turn red"));
   grid.addWidget(cmdRec_, 0, 0);
@@ -181,12 +180,8 @@ void SpeakerFrame::AddRecording(QGridLayout& grid) {
 }
 
 void SpeakerFrame::AddPlaying(QGridLayout& grid) {
-  cmdPlay_->setToolTip(tr("Listen to the recording"));
-  cmdStopPlay_->setToolTip(tr("Stop listening"));
-  lblPlay_->setObjectName(QStringLiteral("lblPlay"));
   lblPlay_->setAccessibleName(tr("Time played and length of the recording"));
   lblPlay_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
   ProgressBar1_->setAccessibleName(tr("Position in the recording"));
   ProgressBar1_->setTextVisible(false);
   ProgressBar1_->setFixedHeight(prgLevel_->sizeHint().height());  // it shows no text

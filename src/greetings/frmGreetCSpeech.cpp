@@ -78,18 +78,19 @@ void VoiceBox::keyPressEvent(QKeyEvent* event) {
 
 SpeechFrame::SpeechFrame(QWidget* parent)
     : QWidget(parent),
-      txtTTS_(MakeChild<QPlainTextEdit>(this)),
-      VoiceCB_(MakeChild<VoiceBox>(this)),
-      RateSldr_(MakeChild<QSlider>(Qt::Horizontal, this)),
-      SpeakBtn_(MakeButton("SpeakBtn", tr("Spea&k"), "media-playback-start", this)),
-      StopBtn_(MakeButton("StopBtn", tr("Stop Speakin&g"), "media-playback-stop", this)),
-      cmdCreateGreeting_(MakeButton("cmdCreateGreeting", tr("&Create Greeting"), "document-new", this)) {
+      txtTTS_(MakeNamed<QPlainTextEdit>("txtTTS", this)),
+      VoiceCB_(MakeNamed<VoiceBox>("VoiceCB", this)),
+      RateSldr_(MakeNamed<QSlider>("RateSldr", Qt::Horizontal, this)),
+      SpeakBtn_(MakeButton("SpeakBtn", tr("Spea&k"), tr("Listen to the text"), this, "media-playback-start")),
+      StopBtn_(MakeButton("StopBtn", tr("Stop Speakin&g"), tr("Stop speaking at once"), this,
+                          "media-playback-stop")),
+      cmdCreateGreeting_(MakeButton("cmdCreateGreeting", tr("&Create Greeting"),
+                                    tr("Make a greeting from the text with this voice and rate"), this,
+                                    "document-new")) {
   setObjectName(QStringLiteral("Frame2"));
   SetUpText();
   auto* column = MakeChild<QVBoxLayout>(this);
-  auto* text = MakeChild<QLabel>(tr("Te&xt:"), this);
-  text->setBuddy(txtTTS_);
-  column->addWidget(text);
+  column->addWidget(MakeCaption(tr("Te&xt:"), txtTTS_));
   column->addWidget(txtTTS_, 1);
   column->addLayout(MakeVoice());
   column->addLayout(MakeButtons());
@@ -97,7 +98,6 @@ SpeechFrame::SpeechFrame(QWidget* parent)
 }
 
 void SpeechFrame::SetUpText() {
-  txtTTS_->setObjectName(QStringLiteral("txtTTS"));
   txtTTS_->setAccessibleName(tr("Text of the greeting"));
   txtTTS_->setPlaceholderText(tr("What callers will hear"));
   txtTTS_->setTabChangesFocus(true);
@@ -108,17 +108,13 @@ void SpeechFrame::SetUpText() {
 
 QLayout* SpeechFrame::MakeVoice() {
   SetUpVoice();
-  auto* voice = MakeChild<QLabel>(tr("&Voice:"), this);
-  voice->setBuddy(VoiceCB_);
-  auto* rate = MakeChild<QLabel>(tr("Rat&e:"), this);
-  rate->setBuddy(RateSldr_);
   auto* grid = MakeChild<QGridLayout>();
   grid->setColumnStretch(2, 1);
   grid->setVerticalSpacing(0);  // keeps the number close to its tick
   grid->setRowMinimumHeight(1, style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
-  grid->addWidget(voice, 0, 0);
+  grid->addWidget(MakeCaption(tr("&Voice:"), VoiceCB_), 0, 0);
   grid->addWidget(VoiceCB_, 0, 1, 1, 3);
-  grid->addWidget(rate, 2, 0);
+  grid->addWidget(MakeCaption(tr("Rat&e:"), RateSldr_), 2, 0);
   grid->addWidget(MakeChild<QLabel>(tr("Slow"), this), 2, 1);
   grid->addWidget(RateSldr_, 2, 2);
   grid->addWidget(MakeChild<QLabel>(QString::number(0), this), 3, 2, Qt::AlignHCenter);
@@ -127,10 +123,8 @@ QLayout* SpeechFrame::MakeVoice() {
 }
 
 void SpeechFrame::SetUpVoice() {
-  VoiceCB_->setObjectName(QStringLiteral("VoiceCB"));
   VoiceCB_->setAccessibleName(tr("Voice"));
   VoiceCB_->setToolTip(tr("Type part of a voice's name to find it"));
-  RateSldr_->setObjectName(QStringLiteral("RateSldr"));
   RateSldr_->setAccessibleName(tr("Rate"));
   RateSldr_->setToolTip(tr("How fast the text is spoken"));
   RateSldr_->setRange(-kFastest, kFastest);
@@ -141,9 +135,6 @@ void SpeechFrame::SetUpVoice() {
 }
 
 QLayout* SpeechFrame::MakeButtons() {
-  SpeakBtn_->setToolTip(tr("Listen to the text"));
-  StopBtn_->setToolTip(tr("Stop speaking at once"));
-  cmdCreateGreeting_->setToolTip(tr("Make a greeting from the text with this voice and rate"));
   auto* row = MakeChild<QHBoxLayout>();
   row->addWidget(SpeakBtn_);
   row->addWidget(StopBtn_);

@@ -43,8 +43,7 @@ class SpeechFrame : public QWidget {
 
   void ShowButtons(const CreatorButtons& buttons);
   void AddVoices(const std::vector<std::string>& descriptions) { VoiceCB_->AddVoices(descriptions); }
-  int SelectedVoice() const { return VoiceCB_->currentIndex(); }
-  int Rate() const { return RateSldr_->value(); }
+  SpeechLink::Manner Manner() const { return {VoiceCB_->currentIndex(), RateSldr_->value()}; }
   QString Text() const { return txtTTS_->toPlainText(); }
   void ClearText() { txtTTS_->clear(); }
 

@@ -181,7 +181,7 @@ void GreetingCreator::EndPlaying() {
 }
 
 void GreetingCreator::Speak() {
-  link_.Speak(view_.Text(), Manner());
+  link_.Speak(view_.Text(), view_.Manner());
 }
 
 void GreetingCreator::StopSpeaking() {
@@ -199,7 +199,7 @@ void GreetingCreator::CreateGreeting() {
   parts_.waveforms.Cancel();
   view_.ShowWaveform({});
   speaker_take_ = false;
-  speech_take_ = recorded_ = speech_.Make(text, Manner(), [this](bool there) { SpeechDone(there); });
+  speech_take_ = recorded_ = speech_.Make(text, view_.Manner(), [this](bool there) { SpeechDone(there); });
   view_.ShowState(speech_take_ ? "The greeting is being made from the text" : "");
   ShowButtons();
 }

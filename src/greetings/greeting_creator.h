@@ -65,10 +65,8 @@ class GreetingCreatorView {
 
   /// `VoiceCB`: appends the voices and selects the first entry.
   virtual void AddVoices(const std::vector<std::string>& descriptions) noexcept = 0;
-  /// 0-based; -1 for none.
-  virtual std::int32_t SelectedVoice() const noexcept = 0;
-  /// `RateSldr`: -10 (slow) to 10 (fast).
-  virtual std::int32_t Rate() const noexcept = 0;
+  /// The voice (0-based; -1 for none) and `RateSldr`: -10 (slow) to 10 (fast).
+  virtual SpeechLink::Manner Manner() const noexcept = 0;
 
   /// `txtTTS`, with "\n" between lines.
   virtual std::string Text() const noexcept = 0;
@@ -133,7 +131,6 @@ class GreetingCreator : private SpeechLinkListener {
   void VoicesArrived(const std::vector<std::string>& descriptions) override;
   void HelperLost() override;
 
-  SpeechLink::Manner Manner() const { return {view_.SelectedVoice(), view_.Rate()}; }
   void ShowButtons();
   void ShowTake(const std::string& path, const char* kind);
   bool MayReplace(bool other_take, const char* question);

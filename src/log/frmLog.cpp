@@ -16,16 +16,6 @@ namespace {
 
 constexpr QSize kSize(860, 520);  // pixels; shows eighty characters a line and a month of files
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
-QLabel* Caption(const QString& text, QWidget* buddy, QWidget* parent) {
-  auto* label = MakeChild<QLabel>(text, parent);
-  label->setBuddy(buddy);
-  return label;
-}
-
 }  // namespace
 
 frmLog::frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)> open_properties,
@@ -51,19 +41,16 @@ frmLog::frmLog(LogViewer::Parts parts, std::function<void(LogViewer&, QWidget&)>
 
 QWidget* frmLog::MakeFiles() {
   auto* page = MakeChild<QWidget>(this);
-  cmbWhatToShow_ = MakeChild<QComboBox>(page);
-  cmbWhatToShow_->setObjectName(Name("cmbWhatToShow"));
+  cmbWhatToShow_ = MakeNamed<QComboBox>("cmbWhatToShow", page);
   cmbWhatToShow_->setAccessibleName(tr("Logs to show"));
   // The engine's names, which are not translated.
-  cmbWhatToShow_->addItem(tr("All"), Name("All"));
-  cmbWhatToShow_->addItem(tr("Calls"), Name("Calls"));
-  cmbWhatToShow_->addItem(tr("System"), Name("System"));
+  cmbWhatToShow_->addItem(tr("All"), QStringLiteral("All"));
+  cmbWhatToShow_->addItem(tr("Calls"), QStringLiteral("Calls"));
+  cmbWhatToShow_->addItem(tr("System"), QStringLiteral("System"));
   IgnoreStrayWheel(*cmbWhatToShow_);
-  List1_ = MakeChild<QListWidget>(page);
-  List1_->setObjectName(Name("List1"));
+  List1_ = MakeNamed<QListWidget>("List1", page);
   List1_->setAccessibleName(tr("Log files"));
-  auto* column = MakeChild<QVBoxLayout>(page);
-  column->setContentsMargins(0, 0, 0, 0);
+  auto* column = MakeFlat<QVBoxLayout>(page);
   column->addWidget(cmbWhatToShow_);
   column->addWidget(List1_, 1);
   return page;
@@ -71,18 +58,13 @@ QWidget* frmLog::MakeFiles() {
 
 QWidget* frmLog::MakeDetails() {
   auto* page = MakeChild<QWidget>(this);
-  List2_ = MakeChild<LogLineList>(page);
-  List2_->setObjectName(Name("List2"));
+  List2_ = MakeNamed<LogLineList>("List2", page);
   List2_->setAccessibleName(tr("Lines of the log"));
   lines_ = MakeChild<LogLineModel>(engine_.Lines(), List2_);
   List2_->setModel(lines_);
-  lblState_ = MakeChild<QLabel>(page);
-  lblState_->setObjectName(Name("lblState"));
-  lblState_->setTextFormat(Qt::PlainText);
-  lblState_->setWordWrap(true);
-  auto* column = MakeChild<QVBoxLayout>(page);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->addWidget(Caption(tr("Details:"), List2_, page));
+  lblState_ = MakeText("lblState", page);
+  auto* column = MakeFlat<QVBoxLayout>(page);
+  column->addWidget(MakeCaption(tr("Details:"), List2_));
   column->addWidget(List2_, 1);
   column->addWidget(lblState_);
   return page;
@@ -90,16 +72,14 @@ QWidget* frmLog::MakeDetails() {
 
 QWidget* frmLog::MakeButtons() {
   auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(cmdDelete_ = MakeButton("cmdDelete", tr("Delete"), nullptr, row));
-  layout->addWidget(cmdSaveAs_ = MakeButton("cmdSaveAs", tr("Save As"), nullptr, row));
+  auto* layout = MakeFlat<QHBoxLayout>(row);
+  layout->addWidget(cmdDelete_ = MakeButton("cmdDelete", tr("Delete"), tr("Delete the selected log"), row));
+  layout->addWidget(cmdSaveAs_ =
+                        MakeButton("cmdSaveAs", tr("Save As"), tr("Save a copy of the selected log"), row));
   layout->addStretch();
-  layout->addWidget(cmdProp_ = MakeButton("cmdProp", tr("Properties"), nullptr, row));
+  layout->addWidget(cmdProp_ = MakeButton("cmdProp", tr("Properties"),
+                                          tr("Which logs are written and how long they are kept"), row));
   for (auto* button : {cmdDelete_, cmdSaveAs_, cmdProp_}) button->setAutoDefault(false);
-  cmdDelete_->setToolTip(tr("Delete the selected log"));
-  cmdSaveAs_->setToolTip(tr("Save a copy of the selected log"));
-  cmdProp_->setToolTip(tr("Which logs are written and how long they are kept"));
   return row;
 }
 

@@ -114,12 +114,6 @@ void CallerView::MoveTo(std::int32_t top) {
   window_.MoveTo(top);
 }
 
-void CallerView::ShowCall(const Call& call) {
-  window_.ShowCaller(call.caller_name, call.caller_number);
-  window_.ShowTime(call.date, call.time);
-  window_.ShowMessagePath(call.message_path);
-}
-
 void CallerView::ActAndClose(const std::function<void()>& command) {
   ErrorTrap::Silent()(command);
   Close();

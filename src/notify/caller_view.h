@@ -34,9 +34,8 @@ class CallerViewWindow {
 
   virtual void ShowStatus(const std::string& text) noexcept = 0;  ///< lblStatus
   virtual void ShowRing(const std::string& text) noexcept = 0;    ///< lblMsgRingNum
-  virtual void ShowCaller(const std::string& name, const std::string& number) noexcept = 0;
-  virtual void ShowTime(const std::string& date, const std::string& time) noexcept = 0;
-  virtual void ShowMessagePath(const std::string& path) noexcept = 0;  ///< empty for none
+  /// Its names, time and message path; any of them may be empty.
+  virtual void ShowCall(const Call& call) noexcept = 0;
 };
 
 /// The clicks that the caller view reports.
@@ -81,7 +80,7 @@ class CallerView : public CallerViewClicks {
   /// The number of rings: "Ring : 3".
   void ShowRing(const std::string& text) { window_.ShowRing(text); }
   /// Name, number, date, time and message of the call.
-  void ShowCall(const Call& call);
+  void ShowCall(const Call& call) { window_.ShowCall(call); }
 
   // Clicks.
   void AnswerNow() override { ActAndClose(commands_.answer); }

@@ -15,19 +15,14 @@ namespace {
 
 constexpr int kTickEvery = 10;
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
 }  // namespace
 
 frmEvents::frmEvents(EventsDialog& engine, int tab, QWidget* parent)
     : QDialog(parent),
       engine_(engine),
       form_(*this, RowsOf(Group::Events)),
-      tabs_(MakeChild<QTabWidget>(this)) {
+      tabs_(MakeNamed<QTabWidget>("TabStrip1", this)) {
   SetUpDialog(*this, "frmEvents", tr("Events"));
-  tabs_->setObjectName(Name("TabStrip1"));
   AddGeneral();
   when_call_ = AddSounds(1, tr("In Coming Call"), tr("Set events when accepting call"), "cPlayInRing",
                          "CmbPlayWhenCall", "tlbrPlayWhenCall");
@@ -62,8 +57,7 @@ void frmEvents::AddGeneral() {
   form->addRow(MakeSpeed());
   form->addRow(MakeClosing());
   form_.AddRest(*form, 0);
-  auto* test = MakeButton("cmdTestViewer", tr("Test"), nullptr, page);
-  test->setToolTip(tr("Show the caller view with these options"));
+  auto* test = MakeButton("cmdTestViewer", tr("Test"), tr("Show the caller view with these options"), page);
   connect(test, &QPushButton::clicked, this, [this] { engine_.TestViewer(Taken()); });
   column->addWidget(test, 0, Qt::AlignLeft);
   column->addStretch();
@@ -72,15 +66,12 @@ void frmEvents::AddGeneral() {
 
 QWidget* frmEvents::MakeSpeed() {
   auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
+  auto* layout = MakeFlat<QHBoxLayout>(row);
   form_.Make("AnimationFast");
   auto& slider = form_.Get<QSlider>("AnimationFast");
   slider.setTickInterval(kTickEvery);
   slider.setTickPosition(QSlider::TicksBelow);
-  auto* label = MakeChild<QLabel>(tr("Speed:"), row);
-  label->setBuddy(&slider);
-  layout->addWidget(label);
+  layout->addWidget(MakeCaption(tr("Speed:"), &slider));
   layout->addWidget(MakeChild<QLabel>(QString::number(slider.minimum()), row));
   layout->addWidget(&slider, 1);
   layout->addWidget(MakeChild<QLabel>(QString::number(slider.maximum()), row));
@@ -89,8 +80,7 @@ QWidget* frmEvents::MakeSpeed() {
 
 QWidget* frmEvents::MakeClosing() {
   auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
+  auto* layout = MakeFlat<QHBoxLayout>(row);
   layout->addWidget(form_.Make("cCloseCallerView"));
   layout->addWidget(form_.Make("CloseCallerView"), 1);
   return row;

@@ -40,8 +40,7 @@ QFont Letters(int pixels, bool bold = false) {
 }
 
 QLabel* Label(const char* name, const QString& text, const QFont& font, QWidget& parent) {
-  auto* label = MakeChild<QLabel>(text, &parent);
-  label->setObjectName(QString::fromLatin1(name));
+  auto* label = MakeNamed<QLabel>(name, text, &parent);
   label->setTextFormat(Qt::PlainText);
   label->setFont(font);
   return label;
@@ -71,14 +70,12 @@ CommandTile::CommandTile(const Look& look, QWidget* parent)
   if (framed_) row->addStretch();
   if (look.picture != nullptr) {
     icon_ = ThemeIcon(look.icon);
-    picture_ = MakeChild<QLabel>(this);
-    picture_->setObjectName(QString::fromLatin1(look.picture));
+    picture_ = MakeNamed<QLabel>(look.picture, this);
     ShowPicture();
     row->addWidget(picture_);
   }
   if (look.label != nullptr) {
-    auto* label = MakeChild<QLabel>(look.caption, this);
-    label->setObjectName(QString::fromLatin1(look.label));
+    auto* label = MakeNamed<QLabel>(look.label, look.caption, this);
     label->setTextFormat(Qt::PlainText);
     row->addWidget(label);
   }
@@ -151,8 +148,7 @@ frmMSG::frmMSG(const QWidget& main_window)
 
 QWidget* frmMSG::MakeHeading() {
   auto* heading = MakeChild<QWidget>(this);
-  auto* row = MakeChild<QHBoxLayout>(heading);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(heading);
   auto* from =
       MakeChild<CommandTile>(CommandTile::Look{"lblMsgFrom", tr("ORVEN"), nullptr, nullptr}, heading);
   from->setFont(Letters(kPlain, true));
@@ -175,8 +171,7 @@ QWidget* frmMSG::MakeHeading() {
 
 QWidget* frmMSG::MakeDetails() {
   auto* details = MakeChild<QWidget>(this);
-  auto* grid = MakeChild<QGridLayout>(details);
-  grid->setContentsMargins(0, 0, 0, 0);
+  auto* grid = MakeFlat<QGridLayout>(details);
   grid->setVerticalSpacing(2);
   grid->setColumnStretch(1, 1);
   caller_ = MakeDetail("lblCallerName", Letters(kCaller, true), Qt::ElideRight, *details);
@@ -202,16 +197,14 @@ QWidget* frmMSG::MakeDetails() {
 
 ElidedLabel* frmMSG::MakeDetail(const char* name, const QFont& font, Qt::TextElideMode mode,
                                 QWidget& parent) {
-  auto* label = MakeChild<ElidedLabel>(mode, &parent);
-  label->setObjectName(QString::fromLatin1(name));
+  auto* label = MakeNamed<ElidedLabel>(name, mode, &parent);
   label->setFont(font);
   return label;
 }
 
 QWidget* frmMSG::MakeCommands() {
   auto* commands = MakeChild<QWidget>(this);
-  auto* row = MakeChild<QHBoxLayout>(commands);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(commands);
   AddCommand(*row, {"lblAmswerMode", tr("Answer Now"), "Picture3", "call-start"},
              &CallerViewClicks::AnswerNow);
   AddCommand(*row, {"lblDrop", tr("Drop Call"), "Picture4", "call-stop"}, &CallerViewClicks::Drop);
@@ -286,18 +279,12 @@ void frmMSG::ShowRing(const std::string& text) noexcept {
   ring_->setText(QString::fromStdString(text));
 }
 
-void frmMSG::ShowCaller(const std::string& name, const std::string& number) noexcept {
-  caller_->setText(QString::fromStdString(name));
-  number_->setText(QString::fromStdString(number));
-}
-
-void frmMSG::ShowTime(const std::string& date, const std::string& time) noexcept {
-  date_->setText(QString::fromStdString(date));
-  time_->setText(QString::fromStdString(time));
-}
-
-void frmMSG::ShowMessagePath(const std::string& path) noexcept {
-  message_->setText(QString::fromStdString(path));
+void frmMSG::ShowCall(const Call& call) noexcept {
+  caller_->setText(QString::fromStdString(call.caller_name));
+  number_->setText(QString::fromStdString(call.caller_number));
+  date_->setText(QString::fromStdString(call.date));
+  time_->setText(QString::fromStdString(call.time));
+  message_->setText(QString::fromStdString(call.message_path));
 }
 
 /// The desktop asks the window to close: the view slides out as after a click.

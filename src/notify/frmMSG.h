@@ -72,9 +72,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
   void ShowCommands(CallerCommands shown) noexcept override;
   void ShowStatus(const std::string& text) noexcept override;
   void ShowRing(const std::string& text) noexcept override;
-  void ShowCaller(const std::string& name, const std::string& number) noexcept override;
-  void ShowTime(const std::string& date, const std::string& time) noexcept override;
-  void ShowMessagePath(const std::string& path) noexcept override;
+  void ShowCall(const Call& call) noexcept override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -71,10 +71,11 @@ void TrayIcon::Send(NotifyIconPicture picture) {
   }
 }
 
-void TrayIcon::MouseMove(double x, double twips_per_pixel, TrayOwner& owner) const {
+void TrayIcon::MouseMove(double x, double twips_per_pixel, const std::function<void()>& restore,
+                         const std::function<void()>& pop_up_menu) const {
   const auto message = std::lround(x / twips_per_pixel);
-  if (message == kLeftButtonUp) owner.RestoreFromTray();
-  if (message == kRightButtonUp) owner.PopUpTrayMenu();
+  if (message == kLeftButtonUp) restore();
+  if (message == kRightButtonUp) pop_up_menu();
 }
 
 }  // namespace orven

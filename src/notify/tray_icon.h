@@ -13,16 +13,6 @@
 
 namespace orven {
 
-/// What a click on the tray icon does.
-class TrayOwner {
- public:
-  virtual ~TrayOwner() = default;
-  /// The left button: shows the main window.
-  virtual void RestoreFromTray() = 0;
-  /// The right button: opens the menu `mnuSystry`.
-  virtual void PopUpTrayMenu() = 0;
-};
-
 /// The program's icon in the notification area: its tip shows the counts, and it blinks after a call that was
 /// missed. Every change is an add request followed by a modify request, so that the icon returns after a
 /// restart of the shell. User-interface thread.
@@ -42,8 +32,10 @@ class TrayIcon : public CallCountsView {
   /// Shows the empty picture, because the program ends.
   void ShowNothing();
 
-  /// A mouse message of the shell, which arrives as the X coordinate (twips) of a mouse move.
-  void MouseMove(double x, double twips_per_pixel, TrayOwner& owner) const;
+  /// A mouse message of the shell, which arrives as the X coordinate (twips) of a mouse move: the left button
+  /// restores the main window, the right one pops up the menu `mnuSystry`.
+  void MouseMove(double x, double twips_per_pixel, const std::function<void()>& restore,
+                 const std::function<void()>& pop_up_menu) const;
 
  private:
   void Blink();

@@ -34,10 +34,6 @@ int TransportIndex(const TelephoneLine& line) {
   return 0;
 }
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
 }  // namespace
 
 frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, QWidget* parent)
@@ -104,8 +100,7 @@ void frmLineEdit::MakeSipFields() {
   AddText(&TelephoneLine::listen, "txtListen", tr("&Address for calls:"),
           tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
              "network, 127.0.0.1 this computer only"));
-  spnRing_ = MakeChild<QSpinBox>(this);
-  spnRing_->setObjectName(Name("spnRing"));
+  spnRing_ = MakeNamed<QSpinBox>("spnRing", this);
   spnRing_->setRange(1, 60);
   spnRing_->setSuffix(tr(" s"));
   spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
@@ -117,7 +112,7 @@ void frmLineEdit::MakePassword() {
   auto* row = MakeRow();
   auto* field = AddText(&TelephoneLine::password, "txtPassword", tr("&Password:"), {}, row);
   field->setEchoMode(QLineEdit::Password);
-  auto* shows = MakeCheckBox("chkShowPassword", tr("S&how"), row);
+  auto* shows = MakeNamed<QCheckBox>("chkShowPassword", tr("S&how"), row);
   shows->setToolTip(tr("Show the password"));
   row->layout()->addWidget(shows);
   connect(shows, &QCheckBox::toggled, this,
@@ -129,8 +124,8 @@ void frmLineEdit::MakeModemFields() {
   cmbPort_ = AddList("cmbPort", tr("P&ort:"), row);
   cmbPort_->setEditable(true);
   cmbPort_->setToolTip(tr("The serial port of the modem"));
-  auto* find = MakeButton("cmdFindPorts", tr("&Find"), nullptr, row);
-  find->setToolTip(tr("Look for ports again, after a modem has been plugged in"));
+  auto* find = MakeButton("cmdFindPorts", tr("&Find"),
+                          tr("Look for ports again, after a modem has been plugged in"), row);
   row->layout()->addWidget(find);
   connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
   auto* hint = MakeChild<QLabel>(tr("auto: the first voice modem that is found, on any port."), this);
@@ -144,10 +139,7 @@ void frmLineEdit::MakeSimFields() {
 }
 
 void frmLineEdit::MakeFault() {
-  lblFault_ = MakeChild<QLabel>(this);
-  lblFault_->setObjectName(Name("lblFault"));
-  lblFault_->setTextFormat(Qt::PlainText);
-  lblFault_->setWordWrap(true);
+  lblFault_ = MakeText("lblFault", this);
   auto font = lblFault_->font();
   font.setBold(true);
   lblFault_->setFont(font);
@@ -163,8 +155,7 @@ QWidget* frmLineEdit::MakeRow() {
 
 QLineEdit* frmLineEdit::AddText(std::string TelephoneLine::*value, const char* name, const QString& label,
                                 const QString& tip, QWidget* row) {
-  auto* field = MakeChild<QLineEdit>(row != nullptr ? row : this);
-  field->setObjectName(Name(name));
+  auto* field = MakeNamed<QLineEdit>(name, row != nullptr ? row : this);
   field->setToolTip(tip);
   AddRow(label, field, row);
   texts_.emplace_back(field, value);
@@ -172,8 +163,7 @@ QLineEdit* frmLineEdit::AddText(std::string TelephoneLine::*value, const char* n
 }
 
 QComboBox* frmLineEdit::AddList(const char* name, const QString& label, QWidget* row) {
-  auto* list = MakeChild<QComboBox>(row != nullptr ? row : this);
-  list->setObjectName(Name(name));
+  auto* list = MakeNamed<QComboBox>(name, row != nullptr ? row : this);
   list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   AddRow(label, list, row);
   return list;
@@ -181,12 +171,10 @@ QComboBox* frmLineEdit::AddList(const char* name, const QString& label, QWidget*
 
 /// Without `row` the field is a row of its own.
 void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {
-  auto* caption = MakeChild<QLabel>(label, this);
-  caption->setBuddy(field);
   if (row != nullptr) static_cast<QHBoxLayout*>(row->layout())->addWidget(field, 1);
   auto* whole = row != nullptr ? row : field;
   whole->setMinimumWidth(kFieldWidth);
-  form_->addRow(caption, whole);
+  form_->addRow(MakeCaption(label, field), whole);
 }
 
 void frmLineEdit::Show(const TelephoneLine& line) {
@@ -202,7 +190,7 @@ void frmLineEdit::Show(const TelephoneLine& line) {
 void frmLineEdit::FillPorts() {
   const auto text = cmbPort_->currentText();
   cmbPort_->clear();
-  cmbPort_->addItem(Name("auto"));
+  cmbPort_->addItem(QStringLiteral("auto"));
   for (const auto& port : engine_.SerialPorts()) {
     cmbPort_->addItem(QString::fromStdString(port.path));
     cmbPort_->setItemData(cmbPort_->count() - 1, QString::fromStdString(port.label), Qt::ToolTipRole);

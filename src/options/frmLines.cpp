@@ -24,10 +24,6 @@ constexpr std::chrono::milliseconds kRefresh{500};
 constexpr QSize kListSize(740, 170);
 constexpr std::array kColumnWidths{140, 120, 250};
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
 }  // namespace
 
 frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<TelephoneLine>()> line,
@@ -35,20 +31,15 @@ frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<Teleph
     : QWidget(parent),
       engine_(engine),
       line_(std::move(line)),
-      cmdTest_(MakeChild<QPushButton>(this)),
+      cmdTest_(MakeNamed<QPushButton>("cmdTest", this)),
       icon_(MakeChild<QLabel>(this)),
-      lblTestResult_(MakeChild<QLabel>(this)) {
-  cmdTest_->setObjectName(QStringLiteral("cmdTest"));
+      lblTestResult_(MakeText("lblTestResult", this)) {
   cmdTest_->setToolTip(tr("Register at the server, or query the modem, and report any problem"));
-  lblTestResult_->setObjectName(QStringLiteral("lblTestResult"));
   lblTestResult_->setAccessibleName(tr("Result of the test"));
-  lblTestResult_->setTextFormat(Qt::PlainText);
   lblTestResult_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  lblTestResult_->setWordWrap(true);
   lblTestResult_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   lblTestResult_->setMinimumHeight(kResultLines * lblTestResult_->fontMetrics().lineSpacing());
-  auto* row = MakeChild<QHBoxLayout>(this);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(this);
   row->addWidget(cmdTest_, 0, Qt::AlignTop);
   row->addWidget(icon_, 0, Qt::AlignTop);
   row->addWidget(lblTestResult_, 1);
@@ -122,27 +113,21 @@ frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engi
 QWidget* frmLines::MakeComplaints() {
   QStringList texts;
   for (const auto& complaint : engine_.Complaints()) texts << QString::fromStdString(complaint);
-  auto* label = MakeChild<QLabel>(texts.join(u'\n'), this);
-  label->setObjectName(Name("lblComplaints"));
-  label->setTextFormat(Qt::PlainText);
+  auto* label = MakeText("lblComplaints", this, texts.join(u'\n'));
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  label->setWordWrap(true);
   return label;
 }
 
 QPushButton* frmLines::Button(const char* name, const QString& caption, const QString& tip, QWidget* parent) {
-  auto* button = MakeButton(name, caption, nullptr, parent);
+  auto* button = MakeButton(name, caption, tip, parent);
   button->setAutoDefault(false);
-  button->setToolTip(tip);
   return button;
 }
 
 QWidget* frmLines::MakeListRow() {
   auto* row = MakeChild<QWidget>(this);
-  auto* layout = MakeChild<QHBoxLayout>(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  lvwLines_ = MakeChild<QTreeWidget>(row);
-  lvwLines_->setObjectName(Name("lvwLines"));
+  auto* layout = MakeFlat<QHBoxLayout>(row);
+  lvwLines_ = MakeNamed<QTreeWidget>("lvwLines", row);
   lvwLines_->setAccessibleName(tr("Telephone lines"));
   lvwLines_->setRootIsDecorated(false);
   lvwLines_->setMinimumSize(kListSize);

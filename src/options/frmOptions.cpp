@@ -25,9 +25,8 @@ frmOptions::frmOptions(Parts parts, int tab, QWidget* parent)
     : QDialog(parent),
       parts_(std::move(parts)),
       form_(*this, RowsOf(Group::Options)),
-      TabStrip1_(MakeChild<QTabWidget>(this)) {
+      TabStrip1_(MakeNamed<QTabWidget>("TabStrip1", this)) {
   SetUpDialog(*this, "frmOptions", tr("Options"));
-  TabStrip1_->setObjectName(QStringLiteral("TabStrip1"));
   AddPage("Frame1", tr("General"), &frmOptions::FillGeneral);
   AddPage("Frame2", tr("Devices"), &frmOptions::FillDevices);
   AddPage("Frame3", tr("Answer Mode"), &frmOptions::FillAnswerMode);

@@ -25,11 +25,8 @@ frmOptionsGreetings::frmOptionsGreetings(GreetingPlayer& engine, QWidget* parent
                           tr("Play the greeting"), tr("Make a greeting"), tr("Delete the greeting")},
           this)) {
   setObjectName(QStringLiteral("frmOptionsGreetings"));
-  auto* label = MakeChild<QLabel>(tr("&Greeting:"), this);
-  label->setBuddy(&sounds_->List());
-  auto* row = MakeChild<QHBoxLayout>(this);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->addWidget(label);
+  auto* row = MakeFlat<QHBoxLayout>(this);
+  row->addWidget(MakeCaption(tr("&Greeting:"), &sounds_->List()));
   row->addWidget(sounds_, 1);
   connect(sounds_, &SoundBox::ButtonClick, this, [this](const QString& key) {
     auto list = sounds_->Sounds();

@@ -31,8 +31,8 @@ class Files {
   virtual std::string ReadPart(const std::string& path, std::uint64_t offset, std::size_t size) const = 0;
 
   /// Names (no folder) of the regular files in `folder` whose name matches `pattern`, in order: numbers in
-  /// them by value, without regard to case. In the pattern "*" matches any run of characters, "?" one
-  /// character, case does not matter, and "*.*" matches every name.
+  /// them by value, without regard to case. The pattern may have one "*", which matches any run of
+  /// characters; case does not matter, and "*.*" matches every name.
   virtual std::vector<std::string> List(const std::string& folder, std::string_view pattern) const = 0;
 
   virtual std::chrono::system_clock::time_point LastModified(const std::string& path) const = 0;

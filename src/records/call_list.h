@@ -109,7 +109,6 @@ class CallList {
   bool SelectionStands();
 
   std::int32_t Count() const { return total_; }
-  std::int32_t Total() const { return total_; }
   std::int32_t NewCalls() const { return new_calls_; }
 
   /// The record behind a row.

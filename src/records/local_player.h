@@ -22,8 +22,8 @@ class PlayerView {
  public:
   virtual ~PlayerView() = default;
 
-  /// The slider `Slider1`. Setting it causes no callback, and has no effect while the user drags it.
-  virtual void SetSliderRange(std::int32_t first, std::int32_t last) = 0;
+  /// The slider `Slider1`, from 0 to LocalPlayer::kSliderLast. Setting it causes no callback, and has no
+  /// effect while the user drags it.
   virtual void EnableSlider(bool on) = 0;
   virtual void ShowSlider(std::int32_t value) = 0;
 

@@ -23,16 +23,9 @@ namespace {
 constexpr int kIconSize = 72;
 constexpr QSize kSize(640, 480);  // wide enough for the 80 columns of the licence
 
-QString Name(const char* name) {
-  return QString::fromLatin1(name);
-}
-
 QLabel* Text(const char* name, const QString& text, QWidget* parent) {
-  auto* label = MakeChild<QLabel>(text, parent);
-  label->setObjectName(Name(name));
-  label->setTextFormat(Qt::PlainText);
+  auto* label = MakeText(name, parent, text);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  label->setWordWrap(true);
   return label;
 }
 
@@ -47,13 +40,12 @@ QString LicenceText() {
 frmAbout::frmAbout(const std::string& version, const std::vector<Component>& components, QWidget* parent)
     : QDialog(parent) {
   SetUpDialog(*this, "frmAbout", tr("About ORVEN"));
-  auto* tabs = MakeChild<QTabWidget>(this);
-  tabs->setObjectName(Name("TabStrip1"));
+  auto* tabs = MakeNamed<QTabWidget>("TabStrip1", this);
   tabs->addTab(MakeComponents(components), tr("Made with"));
   tabs->addTab(MakeLicence(), tr("Licence"));
   auto* buttons = MakeChild<QDialogButtonBox>(this);
   auto* ok = buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole);
-  ok->setObjectName(Name("cmdOK"));
+  ok->setObjectName(QStringLiteral("cmdOK"));
   ok->setDefault(true);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   auto* column = MakeChild<QVBoxLayout>(this);
@@ -83,16 +75,14 @@ QWidget* frmAbout::MakeHead(const std::string& version) {
                         tr("Free software under the GNU General Public License, version 3 or later "
                            "(GPL-3.0-or-later). It comes without any warranty."),
                         head));
-  auto* row = MakeChild<QHBoxLayout>(head);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(head);
   row->addWidget(picture, 0, Qt::AlignTop);
   row->addLayout(texts, 1);
   return head;
 }
 
 QWidget* frmAbout::MakeComponents(const std::vector<Component>& components) {
-  auto* list = MakeChild<QTreeWidget>(this);
-  list->setObjectName(Name("lstComponents"));
+  auto* list = MakeNamed<QTreeWidget>("lstComponents", this);
   list->setAccessibleName(tr("Libraries"));
   list->setRootIsDecorated(false);
   list->setHeaderLabels({tr("Library"), tr("Version"), tr("Licence"), tr("For")});
@@ -106,8 +96,7 @@ QWidget* frmAbout::MakeComponents(const std::vector<Component>& components) {
 }
 
 QWidget* frmAbout::MakeLicence() {
-  auto* text = MakeChild<QPlainTextEdit>(LicenceText(), this);
-  text->setObjectName(Name("txtLicence"));
+  auto* text = MakeNamed<QPlainTextEdit>("txtLicence", LicenceText(), this);
   text->setAccessibleName(tr("Licence"));
   text->setReadOnly(true);
   text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

@@ -132,6 +132,8 @@ void frmMain::AttachList() {
           [&commands](const QModelIndex& index) { commands.ListView1_Click(index.row() + 1); });
   connect(ListView1_, &CallListWidget::DoubleClicked, this, [&commands] { commands.ListView1_DblClick(); });
   connect(ListView1_, &CallListWidget::MenuWanted, this, [&commands] { commands.PopUpMenu(); });
+  connect(ListView1_, &CallListWidget::MenuOpens, this,
+          [this](bool message) { menus_->RightClick(message).popup(ListView1_->MenuPosition()); });
 }
 
 void frmMain::AttachPlayer() {

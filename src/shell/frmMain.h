@@ -16,7 +16,7 @@ namespace orven {
 /// The main window. It shows what the engine tells it and passes on the user's input; it decides nothing.
 /// Each control's object name is its member name ("Toolbar1", "ListView1"); toolbar buttons are named
 /// "<toolbar>.<key>". User-interface thread.
-class frmMain : public QMainWindow, public WholeMainWindow {
+class frmMain : public QMainWindow, public LineView, public WindowFrame {
   Q_OBJECT
 
  public:
@@ -29,19 +29,12 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   /// The menu `mnuSystry`.
   QMenu& TrayMenu() { return menus_->Systry(); }
 
-  /// This window as each of the engine's views, except the caller view.
+  /// This window and its parts as the engine's views, with `caller_view` for the other window.
   MainWindowViews Views(CallerViewWindow& caller_view);
 
   // LineView
   void ShowStatus(const std::string& text) override;
   void ShowLine(bool on, bool trying) override;
-
-  // QuickOptionBoxes
-  void FillRings(const std::vector<std::string>& texts) noexcept override;
-  void ShowRings(std::int16_t count) noexcept override;
-  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept override;
-  std::string SelectedGreeting() const noexcept override;
-  void ShowRecordMessage(bool on) noexcept override;
 
   // WindowFrame
   WindowGeometry Geometry() const override;
@@ -59,27 +52,6 @@ class frmMain : public QMainWindow, public WholeMainWindow {
   void Restore() noexcept override;
   void PopUpTrayMenu() noexcept override;
   void CloseOtherWindows() noexcept override;
-
-  // CallListView
-  void ShowColumns(const std::vector<CallColumn>& columns) override;
-  void ShowRowCount(std::int32_t count) override;
-  void ShowRowsInserted(std::int32_t count) override;
-  void ShowRowRemoved(std::int32_t index) override;
-  void ShowRowsChanged() override;
-  void ShowIcon(std::int32_t index, CallIcon icon) override;
-  CallRow ShownCall(std::int32_t index) const override;
-  void ShowSelection(std::int32_t index) override;
-  void EnsureVisible(std::int32_t index) override;
-  void PopUpMenu(bool message) override;
-
-  // PlayerView
-  void SetSliderRange(std::int32_t first, std::int32_t last) override;
-  void EnableSlider(bool on) override;
-  void ShowSlider(std::int32_t value) override;
-  void ShowWaveform(const Waveform& waveform) override;
-  void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
-
-  // ClockPanels
   void ShowClock(const std::string& time, const std::string& date) noexcept override;
 
  protected:

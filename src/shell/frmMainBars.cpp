@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <algorithm>
 
+#include "core/settings.h"
 #include "widgets/controls.h"
 
 namespace orven {
@@ -20,11 +21,6 @@ QLabel* Label(const QString& text, QWidget* parent) {
   constexpr int kGap = 4;
   label->setContentsMargins(kGap, 0, kGap, 0);
   return label;
-}
-
-void Fill(QComboBox& box, const std::vector<std::string>& texts) {
-  box.clear();
-  for (const auto& text : texts) box.addItem(QString::fromStdString(text));
 }
 
 /// The clock changes every second; a label of fixed size repaints only itself.
@@ -46,8 +42,7 @@ QuickOptionBar::QuickOptionBar(QWidget* parent)
   addSeparator();
   AddRings();
   addSeparator();
-  record_ = MakeChild<QCheckBox>(tr("Record messages"), this);
-  record_->setObjectName(QStringLiteral("chkRecMessage"));
+  record_ = MakeNamed<QCheckBox>("chkRecMessage", tr("Record messages"), this);
   record_->setToolTip(tr("Record a message after the greeting"));
   connect(record_, &QCheckBox::clicked, this, &QuickOptionBar::RecordMessageChosen);
   addWidget(record_);
@@ -55,12 +50,10 @@ QuickOptionBar::QuickOptionBar(QWidget* parent)
 
 QComboBox* QuickOptionBar::AddBox(const char* name, const QString& label, const QString& purpose) {
   auto* text = Label(label, this);
-  auto* box = MakeChild<QComboBox>(this);
-  box->setObjectName(QString::fromLatin1(name));
+  auto* box = MakeNamed<QComboBox>(name, this);
   box->setAccessibleName(purpose);
   box->setToolTip(purpose);
-  box->setFocusPolicy(Qt::StrongFocus);
-  box->installEventFilter(this);
+  IgnoreStrayWheel(*box);
   text->setBuddy(box);
   addWidget(text);
   addWidget(box);
@@ -82,28 +75,18 @@ void QuickOptionBar::AddGreetings() {
 
 void QuickOptionBar::AddRings() {
   rings_ = AddBox("cmbRings", tr("Answer after"), tr("Number of rings before a call is answered"));
+  for (const char* count : RowOf("NumOfRing").items) rings_->addItem(QString::fromLatin1(count));
   connect(rings_, &QComboBox::activated, this, [this] { emit RingsChosen(rings_->currentText()); });
   addWidget(Label(tr("rings"), this));
 }
 
-bool QuickOptionBar::eventFilter(QObject* box, QEvent* event) {
-  // Scrolling over a box that does not have the focus must not change what callers hear.
-  const auto* widget = qobject_cast<QWidget*>(box);
-  const bool stray = event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus();
-  if (stray) event->ignore();
-  return stray || ButtonBar::eventFilter(box, event);
-}
-
-void QuickOptionBar::FillRings(const std::vector<std::string>& texts) {
-  Fill(*rings_, texts);
-}
-
-void QuickOptionBar::ShowRings(std::int16_t count) {
+void QuickOptionBar::ShowRings(std::int16_t count) noexcept {
   rings_->setCurrentIndex(rings_->findText(QString::number(count)));
 }
 
-void QuickOptionBar::FillGreetings(const std::vector<std::string>& names, const std::string& selected) {
-  Fill(*greetings_, names);
+void QuickOptionBar::FillGreetings(const std::vector<std::string>& names,
+                                   const std::string& selected) noexcept {
+  FillList(*greetings_, names);
   if (names.empty()) return;
   const auto place = std::find(names.begin(), names.end(), selected);
   greetings_->setCurrentIndex(place == names.end() ? 0 : static_cast<int>(place - names.begin()));
@@ -116,8 +99,7 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
 
-  check_ = MakeChild<QCheckBox>(tr("Grid lines"), this);
-  check_->setObjectName(QStringLiteral("Check1"));
+  check_ = MakeNamed<QCheckBox>("Check1", tr("Grid lines"), this);
   check_->setToolTip(tr("Grid lines and whole-row selection in the calls list"));
   check_->setChecked(true);
   addPermanentWidget(check_);

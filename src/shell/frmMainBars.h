@@ -9,31 +9,28 @@
 #include <string>
 #include <vector>
 
+#include "shell/main_window_view.h"
 #include "widgets/button_bar.h"
 
 namespace orven {
 
 /// The quick-option toolbar `TBQuickOption`: the greeting with its buttons, the number of rings, and whether
 /// messages are recorded. Only the user's choices emit its signals.
-class QuickOptionBar : public ButtonBar {
+class QuickOptionBar : public ButtonBar, public QuickOptionBoxes {
   Q_OBJECT
 
  public:
   explicit QuickOptionBar(QWidget* parent);
 
-  void FillRings(const std::vector<std::string>& texts);
-  void ShowRings(std::int16_t count);
-  void FillGreetings(const std::vector<std::string>& names, const std::string& selected);
-  QString SelectedGreeting() const { return greetings_->currentText(); }
-  void ShowRecordMessage(bool on) { record_->setChecked(on); }
+  void ShowRings(std::int16_t count) noexcept override;
+  void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept override;
+  std::string SelectedGreeting() const noexcept override { return greetings_->currentText().toStdString(); }
+  void ShowRecordMessage(bool on) noexcept override { record_->setChecked(on); }
 
  signals:
   void GreetingChosen(const QString& name);
   void RingsChosen(const QString& text);
   void RecordMessageChosen(bool on);
-
- protected:
-  bool eventFilter(QObject* box, QEvent* event) override;
 
  private:
   void AddGreetings();

@@ -9,9 +9,9 @@
 
 namespace orven {
 
-/// The call list `ListView1`. Only the user's actions emit its signals; the methods below emit none. Row
+/// The call list `ListView1`. Only the user's actions emit its signals, but for MenuOpens. Row
 /// indexes are 1-based.
-class CallListWidget : public QTableView {
+class CallListWidget : public QTableView, public CallListView {
   Q_OBJECT
 
  public:
@@ -19,15 +19,16 @@ class CallListWidget : public QTableView {
 
   void SetSource(CallModel::RowSource source) { model_->SetSource(std::move(source)); }
 
-  void ShowColumns(const std::vector<CallColumn>& columns);
-  void ShowRowCount(std::int32_t count);
-  void ShowRowsInserted(std::int32_t count);
-  void ShowRowRemoved(std::int32_t index);
-  void ShowRowsChanged() { model_->Refresh(); }
-  void ShowIcon(std::int32_t index, CallIcon icon) { model_->SetIcon(index, icon); }
-  CallRow ShownCall(std::int32_t index) const { return model_->ShownCall(index); }
-  void ShowSelection(std::int32_t index);
-  void EnsureVisible(std::int32_t index);
+  void ShowColumns(const std::vector<CallColumn>& columns) override;
+  void ShowRowCount(std::int32_t count) override;
+  void ShowRowsInserted(std::int32_t count) override;
+  void ShowRowRemoved(std::int32_t index) override;
+  void ShowRowsChanged() override { model_->Refresh(); }
+  void ShowIcon(std::int32_t index, CallIcon icon) override { model_->SetIcon(index, icon); }
+  CallRow ShownCall(std::int32_t index) const override { return model_->ShownCall(index); }
+  void ShowSelection(std::int32_t index) override;
+  void EnsureVisible(std::int32_t index) override;
+  void PopUpMenu(bool message) override { emit MenuOpens(message); }
 
   /// Extended list style bits: 0x1 grid lines, 0x20 full-row select.
   void SetStyleBits(std::uint32_t mask, std::uint32_t style);
@@ -43,6 +44,8 @@ class CallListWidget : public QTableView {
   void MouseDown();
   void DoubleClicked();
   void MenuWanted();
+  /// The engine's answer: the menu of a call with or without a message is to open.
+  void MenuOpens(bool message);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

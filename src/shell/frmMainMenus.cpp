@@ -116,15 +116,13 @@ void MainMenus::AddContextMenus() {
 }
 
 QMenu* MainMenus::AddMenu(const char* name, const char* caption, std::initializer_list<Item> items) {
-  auto* menu = MakeChild<QMenu>(tr(caption), &window_);
-  menu->setObjectName(QString::fromLatin1(name));
+  auto* menu = MakeNamed<QMenu>(name, tr(caption), &window_);
   for (const auto& item : items) {
     if (item.name == nullptr) {
       menu->addSeparator();
       continue;
     }
-    auto* action = MakeChild<QAction>(tr(item.caption), &window_);
-    action->setObjectName(QString::fromLatin1(item.name));
+    auto* action = MakeNamed<QAction>(item.name, tr(item.caption), &window_);
     if (item.icon != nullptr) action->setIcon(ThemeIcon(item.icon));
     menu->addAction(action);
   }

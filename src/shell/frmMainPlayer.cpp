@@ -68,16 +68,15 @@ PlayerPanel::PlayerPanel(QWidget* parent)
     : QWidget(parent),
       bar_(MakeChild<ButtonBar>(QStringLiteral("ToolBarPlayer"), tr("Player"), this)),
       picture_(MakeChild<WaveformWidget>(this)),
-      slider_(MakeChild<SeekSlider>(this)),
-      times_(MakeChild<QLabel>(this)) {
+      slider_(MakeNamed<SeekSlider>("Slider1", this)),
+      times_(MakeNamed<QLabel>("lblTimes", this)) {
   bar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   bar_->AddButton({"Play", tr("Play"), tr("Play the selected message"), "media-playback-start"});
   bar_->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
 
-  slider_->setObjectName(QStringLiteral("Slider1"));
   slider_->setAccessibleName(tr("Position in the message"));
+  slider_->setRange(0, LocalPlayer::kSliderLast);
   slider_->setEnabled(false);
-  times_->setObjectName(QStringLiteral("lblTimes"));
   times_->setAccessibleName(tr("Time played and length of the message"));
   times_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
@@ -85,8 +84,7 @@ PlayerPanel::PlayerPanel(QWidget* parent)
   message->setSpacing(0);
   message->addWidget(picture_);
   message->addWidget(slider_);
-  auto* row = MakeChild<QHBoxLayout>(this);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(this);
   row->addWidget(bar_);
   row->addLayout(message, 1);
   row->addWidget(times_);

@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <chrono>
 
-#include "platform/wave.h"
+#include "records/local_player.h"
 #include "widgets/button_bar.h"
 #include "widgets/waveform_widget.h"
 
@@ -37,7 +37,7 @@ class SeekSlider : public QSlider {
 };
 
 /// The message player: `ToolBarPlayer`, the waveform above `Slider1`, and the times next to them.
-class PlayerPanel : public QWidget {
+class PlayerPanel : public QWidget, public PlayerView {
   Q_OBJECT
 
  public:
@@ -47,8 +47,10 @@ class PlayerPanel : public QWidget {
   SeekSlider& Slider1() { return *slider_; }
   WaveformWidget& Picture() { return *picture_; }
 
-  void ShowWaveform(const Waveform& waveform);
-  void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length);
+  void EnableSlider(bool on) override { slider_->Enable(on); }
+  void ShowSlider(std::int32_t value) override { slider_->ShowValue(value); }
+  void ShowWaveform(const Waveform& waveform) override;
+  void ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) override;
 
  protected:
   void changeEvent(QEvent* event) override;

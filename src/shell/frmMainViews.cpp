@@ -9,7 +9,7 @@
 
 namespace orven {
 MainWindowViews frmMain::Views(CallerViewWindow& caller_view) {
-  return {*this, *this, *this, *this, *this, *this, caller_view};
+  return {*this, *TBQuickOption_, *this, *ListView1_, *player_, caller_view};
 }
 
 void frmMain::ShowStatus(const std::string& text) {
@@ -23,26 +23,6 @@ void frmMain::ShowLine(bool on, bool trying) {
   action.setText(on ? tr("On") : tr("Off"));
   action.setIcon(ThemeIcon(on ? "call-start" : "call-stop"));
   menus_->ShowLine(on, trying);
-}
-
-void frmMain::FillRings(const std::vector<std::string>& texts) noexcept {
-  TBQuickOption_->FillRings(texts);
-}
-
-void frmMain::ShowRings(std::int16_t count) noexcept {
-  TBQuickOption_->ShowRings(count);
-}
-
-void frmMain::FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept {
-  TBQuickOption_->FillGreetings(names, selected);
-}
-
-std::string frmMain::SelectedGreeting() const noexcept {
-  return TBQuickOption_->SelectedGreeting().toStdString();
-}
-
-void frmMain::ShowRecordMessage(bool on) noexcept {
-  TBQuickOption_->ShowRecordMessage(on);
 }
 
 WindowGeometry frmMain::Geometry() const {
@@ -136,66 +116,6 @@ void frmMain::CloseOtherWindows() noexcept {
   for (auto* window : windows) {
     if (window->objectName() == u"frmMSG" || window->objectName() == u"frmLog") window->close();
   }
-}
-
-void frmMain::ShowColumns(const std::vector<CallColumn>& columns) {
-  ListView1_->ShowColumns(columns);
-}
-
-void frmMain::ShowRowCount(std::int32_t count) {
-  ListView1_->ShowRowCount(count);
-}
-
-void frmMain::ShowRowsInserted(std::int32_t count) {
-  ListView1_->ShowRowsInserted(count);
-}
-
-void frmMain::ShowRowRemoved(std::int32_t index) {
-  ListView1_->ShowRowRemoved(index);
-}
-
-void frmMain::ShowRowsChanged() {
-  ListView1_->ShowRowsChanged();
-}
-
-void frmMain::ShowIcon(std::int32_t index, CallIcon icon) {
-  ListView1_->ShowIcon(index, icon);
-}
-
-CallRow frmMain::ShownCall(std::int32_t index) const {
-  return ListView1_->ShownCall(index);
-}
-
-void frmMain::ShowSelection(std::int32_t index) {
-  ListView1_->ShowSelection(index);
-}
-
-void frmMain::EnsureVisible(std::int32_t index) {
-  ListView1_->EnsureVisible(index);
-}
-
-void frmMain::PopUpMenu(bool message) {
-  menus_->RightClick(message).popup(ListView1_->MenuPosition());
-}
-
-void frmMain::SetSliderRange(std::int32_t first, std::int32_t last) {
-  player_->Slider1().setRange(first, last);
-}
-
-void frmMain::EnableSlider(bool on) {
-  player_->Slider1().Enable(on);
-}
-
-void frmMain::ShowSlider(std::int32_t value) {
-  player_->Slider1().ShowValue(value);
-}
-
-void frmMain::ShowWaveform(const Waveform& waveform) {
-  player_->ShowWaveform(waveform);
-}
-
-void frmMain::ShowProgress(std::chrono::milliseconds position, std::chrono::milliseconds length) {
-  player_->ShowProgress(position, length);
 }
 
 void frmMain::ShowClock(const std::string& time, const std::string& date) noexcept {

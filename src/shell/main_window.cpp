@@ -9,8 +9,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kMostRings = 20;
-
 // Extended styles of a list view: LVS_EX_FULLROWSELECT and LVS_EX_GRIDLINES.
 constexpr std::uint32_t kRowSelectAndGrid = 0x21;
 
@@ -55,9 +53,6 @@ void MainWindow::Show() {
 
 void MainWindow::Load() {
   loaded_ = true;
-  std::vector<std::string> rings;
-  for (int count = 1; count <= kMostRings; ++count) rings.push_back(std::to_string(count));
-  views_.boxes.FillRings(rings);
   machine_.line.ShowMonitoring();
   ReadSettings();
   views_.frame.ShowQuickToolbar(machine_.settings.pQuickToolbar != 0);
@@ -69,7 +64,6 @@ void MainWindow::Load() {
   trap([&] { machine_.greetings.Fill(machine_.settings.Greeting); });
   views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0);
   ports_.Wave1.SetRecordToDisk(true);
-  views_.player.SetSliderRange(0, LocalPlayer::kSliderLast);
   ShowClock();
   TimerPannel->Start(kClockInterval);
   machine_.log.WriteSystem("Load ORVEN");
@@ -99,7 +93,7 @@ void MainWindow::ChangeGridLines() {
 
 void MainWindow::ShowClock() {
   const auto now = ports_.clock.Now();
-  views_.clock.ShowClock(ports_.clock.TimeText(now), ports_.clock.DateText(now));
+  views_.frame.ShowClock(ports_.clock.TimeText(now), ports_.clock.DateText(now));
 }
 
 void MainWindow::StartUp() {
@@ -235,27 +229,22 @@ void MainWindow::Open() {
 }
 
 void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
-  machine_.tray.MouseMove(x, twips_per_pixel, *this);
-}
-
-void MainWindow::RestoreFromTray() {
-  views_.frame.Restore();
-  CameBack();
+  const auto restore = [this] {
+    views_.frame.Restore();
+    CameBack();
+  };
+  machine_.tray.MouseMove(x, twips_per_pixel, restore, [this] { views_.frame.PopUpTrayMenu(); });
 }
 
 void MainWindow::CameBack() {
   machine_.window_hidden = false;
   machine_.tray.StopBlinking();
-  machine_.tray.MakeSysTryBaloon(machine_.ListView1.Total(), machine_.ListView1.NewCalls());
+  machine_.tray.MakeSysTryBaloon(machine_.ListView1.Count(), machine_.ListView1.NewCalls());
 }
 
 void MainWindow::ActivationChanged() {
   auto& list = machine_.ListView1;
   if (loaded_ && !ended_ && machine_.filing.RecordsAreOpen() && list.Count() == 0) list.FollowRecords();
-}
-
-void MainWindow::PopUpTrayMenu() {
-  views_.frame.PopUpTrayMenu();
 }
 
 }  // namespace orven

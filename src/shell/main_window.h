@@ -14,7 +14,7 @@ namespace orven {
 
 /// The engine half of the main window `frmMain`: its Load handler, start-up step, Unload handler, exit
 /// commands, and its reactions to the tray. User-interface thread.
-class MainWindow : public MainWindowStart, private TrayOwner {
+class MainWindow : public MainWindowStart {
  public:
   /// `end_process` ends the program; it is called once, after everything has been closed.
   MainWindow(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home,
@@ -76,8 +76,6 @@ class MainWindow : public MainWindowStart, private TrayOwner {
   void StopSounds();
   void PutAway();
   void WatchTray();
-  void RestoreFromTray() override;
-  void PopUpTrayMenu() override;
 
   EnginePorts ports_;
   MainWindowViews views_;

@@ -17,8 +17,7 @@ namespace orven {
 class QuickOptionBoxes {
  public:
   virtual ~QuickOptionBoxes() = default;
-  /// Fills `cmbRings`.
-  virtual void FillRings(const std::vector<std::string>& texts) noexcept = 0;
+  /// Selects the number in `cmbRings`.
   virtual void ShowRings(std::int16_t count) noexcept = 0;
   /// Fills `cmbDefGreet` and selects `selected` when it is among the names, else the first one.
   virtual void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept = 0;
@@ -60,12 +59,7 @@ class WindowFrame : public PlacedWindow {
 
   /// Closes the caller view and the log viewer if they are loaded.
   virtual void CloseOtherWindows() noexcept = 0;
-};
 
-/// The clock in the status bar.
-class ClockPanels {
- public:
-  virtual ~ClockPanels() = default;
   /// Second and third panel of `StatusBar1`.
   virtual void ShowClock(const std::string& time, const std::string& date) noexcept = 0;
 };
@@ -77,16 +71,7 @@ struct MainWindowViews {
   WindowFrame& frame;
   CallListView& list;
   PlayerView& player;
-  ClockPanels& clock;
   CallerViewWindow& caller_view;
 };
-
-/// A main window in one object.
-class WholeMainWindow : public LineView,
-                        public QuickOptionBoxes,
-                        public WindowFrame,
-                        public CallListView,
-                        public PlayerView,
-                        public ClockPanels {};
 
 }  // namespace orven

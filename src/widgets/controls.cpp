@@ -26,6 +26,19 @@ class StrayWheel : public QObject {
 
 }  // namespace
 
+QLabel* MakeText(const char* name, QWidget* parent, const QString& text) {
+  auto* label = MakeNamed<QLabel>(name, text, parent);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  return label;
+}
+
+QLabel* MakeCaption(const QString& text, QWidget* buddy) {
+  auto* label = MakeChild<QLabel>(text, buddy->parentWidget());
+  label->setBuddy(buddy);
+  return label;
+}
+
 void IgnoreStrayWheel(QWidget& control) {
   // By default the wheel would give it the focus.
   control.setFocusPolicy(Qt::StrongFocus);

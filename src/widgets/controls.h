@@ -16,6 +16,28 @@ Object* MakeChild(Arguments&&... arguments) {
   return new Object(std::forward<Arguments>(arguments)...);  // NOLINT(cppcoreguidelines-owning-memory)
 }
 
+/// A layout without margins.
+template <class Layout>
+Layout* MakeFlat(QWidget* parent) {
+  auto* layout = MakeChild<Layout>(parent);
+  layout->setContentsMargins(0, 0, 0, 0);
+  return layout;
+}
+
+/// A child that is found by its object name.
+template <class Object, class... Arguments>
+Object* MakeNamed(const char* name, Arguments&&... arguments) {
+  auto* object = MakeChild<Object>(std::forward<Arguments>(arguments)...);
+  object->setObjectName(QString::fromLatin1(name));
+  return object;
+}
+
+/// A label that wraps, for a text that is never markup.
+QLabel* MakeText(const char* name, QWidget* parent, const QString& text = {});
+
+/// A label beside `buddy`, to which its mnemonic gives the focus.
+QLabel* MakeCaption(const QString& text, QWidget* buddy);
+
 /// Keeps the mouse wheel from changing a list or a slider that does not have the focus, so that scrolling
 /// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);

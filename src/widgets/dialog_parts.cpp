@@ -13,23 +13,17 @@ void SetUpDialog(QDialog& dialog, const char* name, const QString& title) {
   dialog.setWindowModality(Qt::WindowModal);
 }
 
-QPushButton* MakeButton(const char* name, const QString& caption, const char* icon, QWidget* parent) {
-  auto* button = MakeChild<QPushButton>(caption, parent);
-  button->setObjectName(QString::fromLatin1(name));
+QPushButton* MakeButton(const char* name, const QString& caption, const QString& tip, QWidget* parent,
+                        const char* icon) {
+  auto* button = MakeNamed<QPushButton>(name, caption, parent);
+  button->setToolTip(tip);
   if (icon != nullptr) button->setIcon(ThemeIcon(icon));
   return button;
 }
 
-QCheckBox* MakeCheckBox(const char* name, const QString& caption, QWidget* parent) {
-  auto* check = MakeChild<QCheckBox>(caption, parent);
-  check->setObjectName(QString::fromLatin1(name));
-  return check;
-}
-
 ClosingButtons MakeClosingButtons(QDialog& dialog) {
-  const ClosingButtons buttons{MakeChild<QHBoxLayout>(),
-                               MakeButton("cmdOK", QObject::tr("OK"), nullptr, &dialog),
-                               MakeButton("cmdCancel", QObject::tr("Cancel"), nullptr, &dialog)};
+  const ClosingButtons buttons{MakeChild<QHBoxLayout>(), MakeButton("cmdOK", QObject::tr("OK"), {}, &dialog),
+                               MakeButton("cmdCancel", QObject::tr("Cancel"), {}, &dialog)};
   buttons.cmdOK->setDefault(true);
   buttons.row->addStretch();
   buttons.row->addWidget(buttons.cmdOK);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QBoxLayout>
-#include <QCheckBox>
 #include <QDialog>
 #include <QPushButton>
 
@@ -13,10 +12,8 @@ namespace orven {
 void SetUpDialog(QDialog& dialog, const char* name, const QString& title);
 
 /// A push button; `name` is its object name, `icon` a Freedesktop icon name, null for none.
-QPushButton* MakeButton(const char* name, const QString& caption, const char* icon, QWidget* parent);
-
-/// A check box with this object name.
-QCheckBox* MakeCheckBox(const char* name, const QString& caption, QWidget* parent);
+QPushButton* MakeButton(const char* name, const QString& caption, const QString& tip, QWidget* parent,
+                        const char* icon = nullptr);
 
 /// The row of buttons that closes a dialog.
 struct ClosingButtons {

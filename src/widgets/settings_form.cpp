@@ -130,8 +130,7 @@ QWidget* SettingsForm::MakeList(const Row& row) {
 
 QWidget* SettingsForm::WithUnit(QWidget* control, const char* unit) {
   auto* page = MakeChild<QWidget>(&window_);
-  auto* row = MakeChild<QHBoxLayout>(page);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(page);
   row->addWidget(control);
   row->addWidget(MakeChild<QLabel>(Translated(unit), page));
   row->addStretch();

@@ -15,9 +15,8 @@ constexpr int kCharacters = 24;  // width of the list; longer names are cut
 
 SoundBox::SoundBox(const Texts& texts, QWidget* parent)
     : QWidget(parent),
-      list_(MakeChild<QComboBox>(this)),
+      list_(MakeNamed<QComboBox>(texts.list, this)),
       bar_(MakeChild<ButtonBar>(QString::fromLatin1(texts.bar), texts.title, this)) {
-  list_->setObjectName(QString::fromLatin1(texts.list));
   list_->setAccessibleName(texts.purpose);
   list_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   list_->setMinimumContentsLength(kCharacters);
@@ -27,8 +26,7 @@ SoundBox::SoundBox(const Texts& texts, QWidget* parent)
   bar_->AddButton({"Stop", tr("Stop"), tr("Stop playing"), "media-playback-stop"});
   bar_->AddButton({"Add", tr("Add"), texts.add, "list-add"});
   bar_->AddButton({"Delete", tr("Delete"), texts.remove, "edit-delete"});
-  auto* row = MakeChild<QHBoxLayout>(this);
-  row->setContentsMargins(0, 0, 0, 0);
+  auto* row = MakeFlat<QHBoxLayout>(this);
   row->addWidget(list_, 1);
   row->addWidget(bar_);
   connect(bar_, &ButtonBar::ButtonClick, this, &SoundBox::ButtonClick);

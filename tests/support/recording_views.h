@@ -45,11 +45,11 @@ class RecordingCallerView : public CallerViewWindow {
   }
   void ShowStatus(const std::string& text) noexcept override { effect_("view:" + text); }
   void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
-  void ShowCaller(const std::string& caller, const std::string& /*number*/) noexcept override {
-    name = caller;
+  void ShowCall(const Call& call) noexcept override {
+    name = call.caller_name;
+    when = call.date + call.time;
+    path = call.message_path;
   }
-  void ShowTime(const std::string& date, const std::string& time) noexcept override { when = date + time; }
-  void ShowMessagePath(const std::string& message) noexcept override { path = message; }
 
  private:
   std::function<void(const std::string&)> effect_;
@@ -75,9 +75,13 @@ class ScriptedMail : public MailControl {
 };
 
 /// All views of the main window in one. Shows nothing and records everything.
-class RecordingViews : public WholeMainWindow {
+class RecordingViews : public LineView,
+                       public QuickOptionBoxes,
+                       public WindowFrame,
+                       public CallListView,
+                       public PlayerView {
  public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, caller_view}; }
+  MainWindowViews All() { return {*this, *this, *this, *this, *this, caller_view}; }
 
   // The line.
   bool line_on = false;
@@ -86,11 +90,10 @@ class RecordingViews : public WholeMainWindow {
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
 
   // The quick options.
-  std::vector<std::string> rings, greetings;
+  std::vector<std::string> greetings;
   std::string selected_greeting;
   std::int16_t shown_rings = -1;
   bool shown_record = false;
-  void FillRings(const std::vector<std::string>& texts) noexcept override { rings = texts; }
   void ShowRings(std::int16_t count) noexcept override { shown_rings = count; }
   void FillGreetings(const std::vector<std::string>& names, const std::string& selected) noexcept override {
     greetings = names;
@@ -162,7 +165,6 @@ class RecordingViews : public WholeMainWindow {
   std::int32_t slider = -1;
   Waveform waveform;
   std::string clock;
-  void SetSliderRange(std::int32_t /*first*/, std::int32_t /*last*/) override {}
   void EnableSlider(bool on) override { slider_enabled = on; }
   void ShowSlider(std::int32_t value) override { slider = value; }
   void ShowWaveform(const Waveform& picture) override { waveform = picture; }

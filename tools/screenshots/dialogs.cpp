@@ -38,14 +38,18 @@ QList<QPixmap> CallerViews(Desk& desk) {
   view.Load();
   view.ShowStatus("New Call");
   view.ShowRing("Ring : 3");
-  view.ShowCaller("Anna Lindqvist", "+46 8 555 0134");
-  view.ShowTime("11/21/2026", "09:10:11");
+  auto call = Call::Offered(1, "11/21/2026", "09:10:11", "");
+  call.caller_name = "Anna Lindqvist";
+  call.caller_number = "+46 8 555 0134";
+  view.ShowCall(call);
   QList<QPixmap> pictures{Shown(view)};
   view.ShowCommands(CallerCommands::None);
   view.ShowStatus("Call ended");
   view.ShowRing("");
-  view.ShowCaller("The association of the owners of houses at the harbour", "UNKNOWN");
-  view.ShowMessagePath("/home/anna/.local/share/orven/Messages/11-21-2026_09-10-11.wav");
+  call.caller_name = "The association of the owners of houses at the harbour";
+  call.caller_number = "UNKNOWN";
+  call.message_path = "/home/anna/.local/share/orven/Messages/11-21-2026_09-10-11.wav";
+  view.ShowCall(call);
   return pictures << Shown(view);
 }
 

@@ -25,73 +25,6 @@ QStringList WavNames(const QString& folder) {
   return QDir(folder).entryList({QStringLiteral("*.wav")}, QDir::Files | QDir::Hidden, QDir::Name);
 }
 
-void AddProblem(SeedReport& report, const QString& path, const QString& reason) {
-  report.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
-}
-
-/// Copies a file from `assets` to the same place in `folder`; the copy appears complete or not at all.
-void CopyWhole(const QString& folder, const QString& assets, const QString& name, SeedReport& report) {
-  const QString target = folder + u'/' + name;
-  QFile source(assets + u'/' + name);
-  if (!source.open(QIODevice::ReadOnly)) return AddProblem(report, source.fileName(), source.errorString());
-  const QByteArray content = source.readAll();
-  if (source.error() != QFile::NoError) return AddProblem(report, source.fileName(), source.errorString());
-  QSaveFile copy(target);  // a temporary file, then fsync and rename
-  if (!copy.open(QIODevice::WriteOnly)) return AddProblem(report, target, copy.errorString());
-  copy.write(content);  // commit reports a failure
-  if (!copy.commit()) return AddProblem(report, target, copy.errorString());
-  report.copied.push_back(name.toStdString());
-}
-
-/// Fills an application folder.
-class Seeding {
- public:
-  Seeding(const QString& folder, const QString& assets, bool first_start)
-      : folder_(folder), assets_(assets), first_start_(first_start) {}
-
-  SeedReport Run() {
-    const QStringList wanted = WantedFiles();
-    MakeFolders();
-    for (const QString& name : wanted) CopyMissing(name);
-    if (assets_.isEmpty()) {
-      Problem(folder_,
-              QStringLiteral("there is nothing to copy into it: the installed assets were not found"));
-    }
-    return report_;
-  }
-
- private:
-  /// The files to have, present or not. To be called before the folders are made.
-  QStringList WantedFiles() const {
-    if (assets_.isEmpty()) return {};
-    QStringList names = {QStringLiteral("beep.wav")};
-    for (const char* name : kSoundFolders) {
-      const QString sounds = u'/' + QString::fromLatin1(name);
-      if (!first_start_ && QFile::exists(folder_ + sounds)) continue;
-      for (const QString& wav : WavNames(assets_ + sounds)) names << QString::fromLatin1(name) + u'/' + wav;
-    }
-    return names;
-  }
-
-  void MakeFolders() {
-    for (const char* name : kFolders) {
-      const QString path = folder_ + u'/' + QString::fromLatin1(name);
-      if (!QDir().mkpath(path)) Problem(path, QStringLiteral("cannot make this folder"));
-    }
-  }
-
-  void CopyMissing(const QString& name) {
-    if (!QFile::exists(folder_ + u'/' + name)) CopyWhole(folder_, assets_, name, report_);
-  }
-
-  void Problem(const QString& path, const QString& reason) { AddProblem(report_, path, reason); }
-
-  QString folder_;
-  QString assets_;
-  bool first_start_;
-  SeedReport report_;
-};
-
 bool SameContent(const QString& one, const QString& other) {
   QFile first(one);
   QFile second(other);
@@ -99,34 +32,82 @@ bool SameContent(const QString& one, const QString& other) {
          first.size() == second.size() && first.readAll() == second.readAll();
 }
 
-/// Updates the help, folder by folder.
-class HelpRefresh {
+/// Copies assets into an application folder. Names are relative to both.
+class Installer {
  public:
-  HelpRefresh(const QString& folder, const QString& assets) : folder_(folder), assets_(assets) {}
+  Installer(const std::string& folder, const std::string& assets)
+      : folder_(QString::fromStdString(folder)), assets_(QString::fromStdString(assets)) {}
 
-  SeedReport Run() {
+  SeedReport Seed(bool first_start) {
+    const QStringList wanted = WantedFiles(first_start);
+    for (const char* name : kFolders) MakeFolder(QString::fromLatin1(name));
+    for (const QString& name : wanted) {
+      if (!QFile::exists(folder_ + u'/' + name)) Copy(name);
+    }
+    if (assets_.isEmpty()) {
+      Problem(folder_,
+              QStringLiteral("there is nothing to copy into it: the installed assets were not found"));
+    }
+    return report_;
+  }
+
+  SeedReport RefreshHelp() {
     const QString help = QStringLiteral("Help");
     if (!assets_.isEmpty() && QDir(assets_ + u'/' + help).exists()) Refresh(help);
     return report_;
   }
 
  private:
+  /// The files to have, present or not. To be called before the folders are made.
+  QStringList WantedFiles(bool first_start) const {
+    if (assets_.isEmpty()) return {};
+    QStringList names = {QStringLiteral("beep.wav")};
+    for (const char* name : kSoundFolders) {
+      const QString sounds = u'/' + QString::fromLatin1(name);
+      if (!first_start && QFile::exists(folder_ + sounds)) continue;
+      for (const QString& wav : WavNames(assets_ + sounds)) names << QString::fromLatin1(name) + u'/' + wav;
+    }
+    return names;
+  }
+
+  /// Makes a folder equal to its asset, with those below it.
   void Refresh(const QString& name) {
+    if (!MakeFolder(name)) return;
     const QDir there(assets_ + u'/' + name);
     const QDir here(folder_ + u'/' + name);
-    if (!QDir().mkpath(here.path()))
-      return AddProblem(report_, here.path(), QStringLiteral("cannot make this folder"));
     const auto wanted = there.entryList(QDir::Files);
     for (const QString& file : wanted) {
-      const QString path = name + u'/' + file;
-      if (!SameContent(there.filePath(file), here.filePath(file))) CopyWhole(folder_, assets_, path, report_);
+      if (!SameContent(there.filePath(file), here.filePath(file))) Copy(name + u'/' + file);
     }
-    const auto present = here.entryList(QDir::Files);
-    for (const QString& file : present) {
+    for (const QString& file : here.entryList(QDir::Files)) {
       if (!wanted.contains(file)) QFile::remove(here.filePath(file));
     }
     const auto folders = there.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& below : folders) Refresh(name + u'/' + below);
+  }
+
+  bool MakeFolder(const QString& name) {
+    const QString path = folder_ + u'/' + name;
+    if (QDir().mkpath(path)) return true;
+    Problem(path, QStringLiteral("cannot make this folder"));
+    return false;
+  }
+
+  /// The copy appears complete or not at all.
+  void Copy(const QString& name) {
+    QFile source(assets_ + u'/' + name);
+    if (!source.open(QIODevice::ReadOnly)) return Problem(source.fileName(), source.errorString());
+    const QByteArray content = source.readAll();
+    if (source.error() != QFile::NoError) return Problem(source.fileName(), source.errorString());
+    QSaveFile copy(folder_ + u'/' + name);  // a temporary file, then fsync and rename
+    if (!copy.open(QIODevice::WriteOnly)) return Problem(copy.fileName(), copy.errorString());
+    copy.write(content);  // commit reports a failure
+    if (!copy.commit()) return Problem(copy.fileName(), copy.errorString());
+    report_.copied.push_back(name.toStdString());
+  }
+
+  void Problem(const QString& path, const QString& reason) {
+    report_.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
   }
 
   QString folder_;
@@ -165,7 +146,7 @@ std::string FindAssets(const std::string& executable_folder) {
 }
 
 SeedReport RefreshHelp(const std::string& folder, const std::string& assets) {
-  return HelpRefresh(QString::fromStdString(folder), QString::fromStdString(assets)).Run();
+  return Installer(folder, assets).RefreshHelp();
 }
 
 std::string MakeApplicationFolder(const std::string& folder) {
@@ -177,7 +158,7 @@ std::string MakeApplicationFolder(const std::string& folder) {
 }
 
 SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start) {
-  return Seeding(QString::fromStdString(folder), QString::fromStdString(assets), first_start).Run();
+  return Installer(folder, assets).Seed(first_start);
 }
 
 namespace {

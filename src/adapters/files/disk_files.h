@@ -24,13 +24,6 @@ class DiskFiles final : public Files {
   void MakeFolder(const std::string& path) override;
 };
 
-/// Whether a file name matches a pattern, by the rules of Files::List.
-bool MatchesPattern(std::string_view name, std::string_view pattern);
-
-/// Whether a file name comes before another one in Files::List; names that differ in case or in leading zeros
-/// only are ordered by their bytes.
-bool ComesBefore(std::string_view name, std::string_view other);
-
 /// `path`, or, if nothing exists there, the path of a file that differs from it only in the case of its
 /// extension.
 std::string PathInAnyCase(const std::string& path);

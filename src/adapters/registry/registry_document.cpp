@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
@@ -24,14 +25,6 @@ std::string HeadOf(const std::string& key) {
 bool IsKeyName(const std::string& key) {
   const RegistryLine line = ParseRegistryLine(HeadOf(key), 0);
   return line.kind == Kind::Key && line.name == key && line.raw == HeadOf(key);
-}
-
-std::string Folded(std::string_view text) {
-  std::string folded(text);
-  for (char& letter : folded) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return folded;
 }
 
 bool IsBelow(std::string_view key, std::string_view parent) {
@@ -110,7 +103,7 @@ void RegistryDocument::Interpret() {
   Key* current = nullptr;
   for (std::size_t at = 0; at < lines_.size(); ++at) {
     const RegistryLine& line = lines_[at];
-    const std::string name = Folded(line.name);
+    const std::string name = Lower(line.name);
     if (line.kind == Kind::Key) {
       current = &keys_[name];
     } else if (line.kind == Kind::DeletedKey) {
@@ -128,23 +121,23 @@ void RegistryDocument::Interpret() {
 }
 
 bool RegistryDocument::HasKey(const std::string& key) const {
-  const std::string folded = Folded(key);
+  const std::string folded = Lower(key);
   return std::any_of(keys_.begin(), keys_.end(), [&](const auto& entry) {
     return entry.first == folded || IsBelow(entry.first, folded);
   });
 }
 
 const RegistryValue* RegistryDocument::Find(const std::string& key, const std::string& name) const {
-  const auto found = keys_.find(Folded(key));
+  const auto found = keys_.find(Lower(key));
   if (found == keys_.end()) return nullptr;
-  const auto value = found->second.values.find(Folded(name));
+  const auto value = found->second.values.find(Lower(name));
   return value == found->second.values.end() ? nullptr : &lines_[value->second].value;
 }
 
 bool RegistryDocument::Set(const std::string& key, std::span<const NamedRegistryValue> values) {
   const auto can_be_written = [](const NamedRegistryValue& value) { return IsRegistryName(value.name); };
   if (!IsKeyName(key) || !std::all_of(values.begin(), values.end(), can_be_written)) return false;
-  if (!keys_.contains(Folded(key))) AddKey(key);
+  if (!keys_.contains(Lower(key))) AddKey(key);
   for (const NamedRegistryValue& value : values) SetValue(key, value);
   return true;
 }
@@ -163,8 +156,8 @@ std::size_t RegistryDocument::FillFrom(const RegistryDocument& other) {
 }
 
 void RegistryDocument::SetValue(const std::string& key, const NamedRegistryValue& value) {
-  const Key& section = keys_.at(Folded(key));
-  const auto existing = section.values.find(Folded(value.name));
+  const Key& section = keys_.at(Lower(key));
+  const auto existing = section.values.find(Lower(value.name));
   if (existing == section.values.end()) {
     const std::string start = NotationOfName(value.name) + "=";
     Insert(section.last_line + 1, start + NotationOfValue(value.value, start.size(), line_end_) + line_end_);
@@ -194,9 +187,9 @@ bool RegistryDocument::Remove(const std::string& key, const std::string& name) {
   if (Find(key, name) == nullptr) return false;
   // Removes all lines that set it, or an earlier one would become effective.
   std::string current;
-  std::erase_if(lines_, [&, folded = Folded(key), value = Folded(name)](const RegistryLine& line) {
-    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) current = Folded(line.name);
-    return line.kind == Kind::Value && current == folded && Folded(line.name) == value;
+  std::erase_if(lines_, [&, folded = Lower(key), value = Lower(name)](const RegistryLine& line) {
+    if (line.kind == Kind::Key || line.kind == Kind::DeletedKey) current = Lower(line.name);
+    return line.kind == Kind::Value && current == folded && Lower(line.name) == value;
   });
   Interpret();
   return true;

@@ -29,12 +29,9 @@ constexpr qint64 kBlockMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
 /// Limit for an output to play the rest of its buffer.
 constexpr auto kDrainLimit = 2s;
 
-constexpr const char* kOutput = "sound output";
-
-constexpr const char* kMicrophone = "microphone";
-
-/// The input's period: one block, so that the level follows the voice and little is lost at a stop.
-constexpr qint64 kPeriodMicroseconds = 1'000'000LL * kBlockSamples / kSampleRate;
+/// The end of the report about a device that is connected but cannot be opened.
+constexpr const char* kNotOpened =
+    "could not be opened. If the sound server was restarted, restart ORVEN too.";
 
 }  // namespace
 
@@ -46,34 +43,35 @@ QAudioDevice InputOf(const std::string& id) {
   return Among(QMediaDevices::audioInputs(), id);
 }
 
-std::string Told(const char* kind, const QAudioDevice& device, const char* what) {
-  return std::string("The ") + kind + " \"" + device.description().toStdString() + "\" " + what;
+void CardStream::Break(const std::string& what) {
+  problem_ = std::string("The ") + kind_ + " \"" + device_.description().toStdString() + "\" " + what;
+}
+
+bool CardStream::Works(const QAudioDevice& now, QAudio::State state, const std::string& doing) {
+  if (!problem_.empty()) return false;
+  // The server may move a stream to another device when its own was unplugged; the user did not choose that
+  // one.
+  if (now.isNull()) {
+    Break("was disconnected while it was " + doing + ".");
+  } else if (state == QAudio::StoppedState) {
+    Break("stopped while it was " + doing + "; perhaps the sound server ended.");
+  }
+  return problem_.empty();
 }
 
 CardPlayer::CardPlayer(const QAudioDevice& device, std::shared_ptr<CardPlay> play)
-    : device_(device),
+    : CardStream("sound output", device),
       play_(std::move(play)),
       converter_(CardFormatOf(device)),
       sink_(device, CardFormatOf(device)),
       block_bytes_(sink_.format().bytesForDuration(kBlockMicroseconds)) {
   if (converter_.Valid()) stream_ = sink_.start();
-  if (stream_ == nullptr || sink_.error() != QAudio::NoError) problem_ = Told(kOutput, device_, kNotOpened);
+  if (stream_ == nullptr || sink_.error() != QAudio::NoError) Break(kNotOpened);
 }
 
 bool CardPlayer::Tick() {
-  if (problem_.empty()) Check();
-  if (!problem_.empty()) return false;
+  if (!Works(OutputOf(DeviceId()), sink_.state(), "playing")) return false;
   return ended_ ? Draining() : Feed();
-}
-
-void CardPlayer::Check() {
-  // The server may move a stream to another output when its own was unplugged; the user did not choose that
-  // one for messages.
-  if (OutputOf(device_.id().toStdString()).isNull()) {
-    problem_ = Told(kOutput, device_, "was disconnected while it was playing.");
-  } else if (sink_.state() == QAudio::StoppedState) {
-    problem_ = Told(kOutput, device_, "stopped while it was playing; perhaps the sound server ended.");
-  }
 }
 
 bool CardPlayer::Feed() {
@@ -110,28 +108,18 @@ bool CardPlayer::Draining() {
 }
 
 CardRecorder::CardRecorder(const QAudioDevice& device, std::shared_ptr<CardTake> take)
-    : device_(device),
+    : CardStream("microphone", device),
       take_(std::move(take)),
       converter_(CardFormatOf(device)),
       source_(device, CardFormatOf(device)) {
-  source_.setBufferSize(source_.format().bytesForDuration(kPeriodMicroseconds));
+  // The input's period is one block, so that the level follows the voice and little is lost at a stop.
+  source_.setBufferSize(source_.format().bytesForDuration(kBlockMicroseconds));
   if (converter_.Valid()) stream_ = source_.start();
-  if (stream_ == nullptr || source_.error() != QAudio::NoError)
-    problem_ = Told(kMicrophone, device_, kNotOpened);
+  if (stream_ == nullptr || source_.error() != QAudio::NoError) Break(kNotOpened);
 }
 
 bool CardRecorder::Tick() {
-  if (problem_.empty()) Check();
-  return problem_.empty() && take_->Active() && HandOver();
-}
-
-void CardRecorder::Check() {
-  // The server may move the stream to another input; the user did not choose that one.
-  if (InputOf(device_.id().toStdString()).isNull()) {
-    problem_ = Told(kMicrophone, device_, "was disconnected while it was recording.");
-  } else if (source_.state() == QAudio::StoppedState) {
-    problem_ = Told(kMicrophone, device_, "stopped while it was recording; perhaps the sound server ended.");
-  }
+  return Works(InputOf(DeviceId()), source_.state(), "recording") && take_->Active() && HandOver();
 }
 
 bool CardRecorder::HandOver() {

@@ -24,13 +24,6 @@ QAudioDevice OutputOf(const std::string& id);
 /// The same for inputs.
 QAudioDevice InputOf(const std::string& id);
 
-/// The end of the report about a device that is connected but cannot be opened.
-inline constexpr const char* kNotOpened =
-    "could not be opened. If the sound server was restarted, restart ORVEN too.";
-
-/// A report about a device: "The KIND "DESCRIPTION" WHAT".
-std::string Told(const char* kind, const QAudioDevice& device, const char* what);
-
 /// A stream to or from one sound device, open until Close. The destructor lets the thread's events run. Sound
 /// thread; every call may wait for the sound server.
 class CardStream {
@@ -44,10 +37,28 @@ class CardStream {
   virtual void Close() = 0;
 
   /// Why the stream failed, as a sentence; empty while it works.
-  virtual const std::string& Problem() const = 0;
+  const std::string& Problem() const { return problem_; }
 
   /// Ends the play or take, because of the Problem. False when it was over already.
   virtual bool Fail() = 0;
+
+ protected:
+  /// `kind` is what the device is, in a sentence.
+  CardStream(const char* kind, const QAudioDevice& device) : kind_(kind), device_(device) {}
+
+  std::string DeviceId() const { return device_.id().toStdString(); }
+
+  /// The Problem is that the device `what`.
+  void Break(const std::string& what);
+
+  /// False when there is a Problem, perhaps a new one: the device, `now` in the list, is not there any more,
+  /// or the stream has stopped. `doing` is what it does, in a sentence.
+  bool Works(const QAudioDevice& now, QAudio::State state, const std::string& doing);
+
+ private:
+  const char* kind_;
+  QAudioDevice device_;
+  std::string problem_;
 };
 
 /// Plays one CardPlay on one output.
@@ -66,17 +77,14 @@ class CardPlayer : public CardStream {
   /// Discards audio that was not heard yet.
   void Close() override { sink_.reset(); }
 
-  const std::string& Problem() const override { return problem_; }
   bool Fail() override { return play_->Fail(); }
 
  private:
-  void Check();
   bool Feed();
   bool HasRoom();
   void Write();
   bool Draining();
 
-  QAudioDevice device_;
   std::shared_ptr<CardPlay> play_;
   CardConverter converter_;
   QAudioSink sink_;
@@ -86,7 +94,6 @@ class CardPlayer : public CardStream {
   std::array<std::int16_t, kBlockSamples> block_{};
   bool ended_ = false;
   CardPlay::Clock::time_point ended_at_;
-  std::string problem_;
 };
 
 /// Records one CardTake from one input.
@@ -104,20 +111,16 @@ class CardRecorder : public CardStream {
   /// Passes on what was captured. Nothing is left to do when the take was stopped.
   bool Tick() override;
   void Close() override { source_.reset(); }
-  const std::string& Problem() const override { return problem_; }
   bool Fail() override { return take_->Fail(); }
 
  private:
-  void Check();
   bool HandOver();
 
-  QAudioDevice device_;
   std::shared_ptr<CardTake> take_;
   CaptureConverter converter_;
   QAudioSource source_;
   QIODevice* stream_ = nullptr;        ///< the source's own
   std::vector<std::int16_t> pending_;  ///< captured, less than a block
-  std::string problem_;
 };
 
 }  // namespace orven

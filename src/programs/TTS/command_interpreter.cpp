@@ -78,7 +78,6 @@ void CommandInterpreter::Say(std::string_view text) {
 void CommandInterpreter::Stop(std::string_view /*nothing*/) {
   parts_.card.StopPlay();
   parts_.audio.CutOff();
-  parts_.jobs.ForgetSpeech();
 }
 
 void CommandInterpreter::SetFile(std::string_view path) {

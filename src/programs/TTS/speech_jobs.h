@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <condition_variable>
-#include <deque>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
-#include <variant>
+#include <vector>
 
+#include "base/worker.h"
 #include "programs/TTS/speech_engine.h"
 #include "programs/TTS/spoken_audio.h"
 
@@ -29,11 +28,9 @@ class SpeechJobs {
   SpeechJobs(const SpeechJobs&) = delete;
   SpeechJobs& operator=(const SpeechJobs&) = delete;
 
-  /// Speaks into the SpokenAudio that issued `ticket`, after the files that are queued.
+  /// Speaks into the SpokenAudio that issued `ticket`, after the files that are queued; not at all when the
+  /// audio is cut off before that.
   void Say(Utterance utterance, SpokenAudio::Ticket ticket);
-
-  /// Drops all queued texts; the one being spoken ends when the audio is cut off.
-  void ForgetSpeech();
 
   /// Speaks into the file at `path`.
   void Write(Utterance utterance, std::string path);
@@ -41,46 +38,25 @@ class SpeechJobs {
   /// Abandons the files at `path` that are being written or queued: none of them appears after this.
   void AbandonFile(const std::string& path);
 
-  /// Calls `done` once on the thread, when all files are written; at once when there are none.
-  void WhenFilesAreMade(std::function<void()> done);
+  /// Calls `done` once on the thread, when all files are written; nothing is added after this.
+  void WhenFilesAreMade(const std::function<void()>& done);
 
  private:
-  struct Speech {
-    Utterance utterance;
-    SpokenAudio::Ticket ticket;
-  };
+  /// A file that is queued or being written.
   struct File {
-    Utterance utterance;
     std::string path;
     std::mutex mutex;  ///< held while the file gets its name
-    bool abandoned = false;
-
-    bool Abandoned() {
-      const std::lock_guard lock(mutex);
-      return abandoned;
-    }
-    void Abandon() {
-      const std::lock_guard lock(mutex);
-      abandoned = true;
-    }
+    std::atomic<bool> abandoned{false};
   };
-  using Job = std::variant<Speech, std::shared_ptr<File>>;
 
-  void Add(Job job);
-  void Run();
-  void Do(const Job& job);
-  void Make(const Speech& speech);
-  void Make(File& file);
+  void Add(Worker::Task job);
+  void Make(const Utterance& utterance, File& file);
   void AbandonFiles(const std::function<bool(const File&)>& which);
 
   SpeechEngine& engine_;
   SpokenAudio& audio_;
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  std::deque<Job> jobs_;  ///< the first is in progress
-  bool ending_ = false;
-  std::function<void()> when_made_;
-  std::thread thread_;
+  std::vector<std::weak_ptr<File>> files_;
+  Worker worker_{Worker::AtStop::Drop};
 };
 
 }  // namespace orven

@@ -236,7 +236,7 @@ TEST_F(CreatorWindow, AVoiceIsFoundByAnyPartOfItsDescription) {
   type("fr");
   EXPECT_EQ(found.model()->rowCount(), 2);
   for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}) QTest::keyClick(&found, key);
-  EXPECT_TRUE(!found.isVisible() && window->SelectedVoice() == 2);
+  EXPECT_TRUE(!found.isVisible() && window->Manner().voice == 2);
   Set({{"txtTTS", "Hi"}});
   type("belg");
   Do("SpeakBtn");

@@ -140,11 +140,13 @@ TEST_F(CallerViewWindowTest, StaysOnTopWithoutFocusAtTheTopCentreInRoundedPixels
 
 TEST_F(CallerViewWindowTest, ShowsTheCallAndIsEmptyForTheNext) {
   const std::string hostile = "<b>Anna</b> &amp; " + std::string(300, 'x');
-  view.ShowCaller(hostile, "555-0134");
-  view.ShowTime("11/21/2026", "09:10:11");
+  auto call = Call::Offered(1, "11/21/2026", "09:10:11", "");
+  call.caller_name = hostile;
+  call.caller_number = "555-0134";
+  call.message_path = "/home/orven/Messages/a.wav";
+  view.ShowCall(call);
   view.ShowStatus("New Call");
   view.ShowRing("Ring : 3");
-  view.ShowMessagePath("/home/orven/Messages/a.wav");
   EXPECT_EQ(Get<QLabel>("lblCallerName").textFormat(), Qt::PlainText);
   const Values texts = {{"lblCallerName", hostile},
                         {"lblCallerNumber", "555-0134"},

@@ -180,7 +180,7 @@ TEST_F(List, SliderAndPictureFollowAndSeekAndAHeldSliderStays) {
   EXPECT_NEAR(Position(), 500, 60);
   const QPoint at(slider.width() * 3 / 4, slider.height() / 2);
   QTest::mousePress(&slider, Qt::LeftButton, {}, at);
-  desk.window.ShowSlider(3);
+  desk.window.findChild<PlayerPanel*>()->ShowSlider(3);
   EXPECT_NEAR(slider.value(), 75, 2);
   QTest::mouseRelease(&slider, Qt::LeftButton, {}, at);
   EXPECT_NEAR(Position(), 1500, 60);

@@ -96,7 +96,7 @@ TEST_F(Window, AQuickOptionIsStoredOnlyWhenAPersonChangesIt) {
   EXPECT_EQ(greetings.currentText() + rings.currentText(), "Holiday4");
   desk.Machine().greetings.Fill("Default");
   EXPECT_EQ(greetings.currentText(), "Default");
-  for (const bool on : {false, true}) window.ShowRecordMessage(on);
+  for (const bool on : {false, true}) desk.Get<QuickOptionBar>("TBQuickOption").ShowRecordMessage(on);
   EXPECT_EQ(ContentOf(desk.home / "registry.reg"), stored);
   for (const auto& [box, text] : {std::pair(&greetings, "Office"), std::pair(&rings, "7")}) {
     box->setFocus();

@@ -47,7 +47,7 @@ TEST_F(DiskFilesTest, FailuresHaveTheirErrorNumberAndNameThePath) {
   EXPECT_FALSE(files_.Exists(to_)) << "a file that cannot be moved is not left in both places";
 }
 
-TEST_F(DiskFilesTest, ListsRegularFilesThatMatchAPatternWithAnyNumberOfStars) {
+TEST_F(DiskFilesTest, ListsRegularFilesThatMatchAPattern) {
   const Names ordered{"1.txt", "2-9.txt", "02-10.txt", "10.TXT", "a.txt", "B.txt", "b01.txt", "b1.txt"};
   for (const auto& name : ordered) PutFile(folder_ / name, "");
   for (const auto& name : {std::string("B.WAV"), std::string("c.wave"), std::string(255, 'a')})
@@ -55,8 +55,8 @@ TEST_F(DiskFilesTest, ListsRegularFilesThatMatchAPatternWithAnyNumberOfStars) {
   files_.MakeFolder(folder_ / "folder.wav");
   EXPECT_EQ(files_.List(folder_ / "", "*.txt"), ordered);
   EXPECT_EQ(files_.List(folder_ / "", "*.wav"), Names{"B.WAV"});
-  EXPECT_EQ(files_.List(folder_ / "", "?.wav*").size(), 2U);
-  EXPECT_EQ(files_.List(folder_ / "", "*a*a*a*a*a*a*a*a*a*a*a*a*b"), Names{});
+  EXPECT_EQ(files_.List(folder_ / "", "C.w*e"), Names{"c.wave"});
+  EXPECT_EQ(files_.List(folder_ / "", "b.wa*av"), Names{}) << "no character matches twice";
 }
 
 TEST_F(DiskFilesTest, AFullDiskKeepsTheOldContentAndLeavesNoPartialFile) {
