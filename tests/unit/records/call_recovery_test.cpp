@@ -143,6 +143,18 @@ TEST_F(Recovery, CallsAreFiledOnceTheRecordsOpenEvenOneWithATornNote) {
   EXPECT_TRUE(files.Exists(kFolder + "call-7.damaged") && database.open.empty());
 }
 
+TEST_F(Recovery, AnOpenCallOfAnotherApplicationFolderIsLeftToItWhileThatExists) {
+  std::vector<std::string> fields(kOpenCallFields.size());
+  fields.back() = "/home/other/";
+  database.open[7] = {7, 0, fields};
+  for (const std::size_t filed : {0U, 1U}) {
+    Start();
+    EXPECT_EQ(filed, Filed().size());
+    Crash();
+    files.missing_folders.insert("/home/other/");
+  }
+}
+
 TEST_F(Recovery, TwoIdenticalCallsInOneSecondGetARecordEach) {
   Start();
   Call();
