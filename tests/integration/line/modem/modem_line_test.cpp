@@ -400,7 +400,6 @@ const Case kCases[] = {
         "3000; answer",
         "Offered 1, Ring 1 1, CallerId 1 EVE/555, Done 2 -5, Done 1 0, Connected 1, Done 3 0, Idle 1, Done 4 "
         "-4"),
-    Row("ClosedInACall", "v253", "ready; call; close; hook", "Connected 1, Idle 1, closed, on-hook"),
     Row("ClosedWhileStuck", "v253", "ready; call; wedge; close; hook",
         "Connected 1, Idle 1, closed, off-hook"),
     Row("ClosedWhileAnswering", "v253", "ready; ring; 300; delay 300; answer; drop; drop; close; hook",
