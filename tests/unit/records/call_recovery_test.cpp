@@ -219,6 +219,26 @@ TEST_P(MessageOutOfReach, IsFiledWithItsCallOrCompletesTheRecordLater) {
 
 INSTANTIATE_TEST_SUITE_P(ListedOrNot, MessageOutOfReach, testing::Combine(testing::Bool(), testing::Bool()));
 
+TEST_F(Recovery, AStoredMessageFollowsTheChangedFolderOnceThatCanBeWritten) {
+  Start();
+  CallAndRecord(2s);
+  database_full = true;
+  HangUp();
+  Crash();
+  database_full = false;
+  registry.Set("MassagesPath", "/mnt/new/");
+  files.before_write = [](const std::string& path) {
+    if (path.starts_with("/mnt/new/")) throw RuntimeError(ErrorNumber::PermissionDenied, path);
+  };
+  Start();
+  RunFor(60s);
+  EXPECT_THAT(Filed(), ElementsAre(kAnna + "-1"));
+  files.before_write = [](const std::string&) {};
+  RunFor(6s);
+  EXPECT_THAT(Filed(), ElementsAre(kAnna + "2"));
+  EXPECT_EQ(TimedWave::Sound(2s), files.Content("/mnt/new/" + MessageName()));
+}
+
 TEST_F(Recovery, RecordingsOfOneNameAreSeparateCallsUnlessOneIsThePrefixOfAnotherOrGrows) {
   const std::string header = " data4711";
   Start();
@@ -237,6 +257,7 @@ TEST_F(Recovery, RecordingsOfOneNameAreSeparateCallsUnlessOneIsThePrefixOfAnothe
   EXPECT_EQ("sound 3000" + header + "abcdef", files.Content(messages + "a.wav"));
   EXPECT_EQ(2U, Grown().size());
   for (int second = 0; second < 60; ++second, RunFor(1s)) PutGrown("c-2-1", "sound 2000");
+  RunFor(60s);
   EXPECT_EQ(5U, Filed().size()) << "one has not grown since the start";
   EXPECT_THAT(Grown(), ElementsAre(".recording-c-2-1.wav.part")) << "it belongs to another program";
 }

@@ -90,6 +90,13 @@ TEST_F(TelephonyTest, AnnouncesTheCallInOrderAndFilesItBeforeTheActions) {
   EXPECT_FALSE(views.Had("sound:/home/orven/Sound/idle.wav") || views.Had("sound:/home/orven/Sound/"));
 }
 
+TEST_F(TelephonyTest, AfterAFailedAnswerTheNextRingAnswers) {
+  Start();
+  line->failing_answers = 1;
+  CallAndWaitForAnswer();
+  EXPECT_TRUE(line->IsAnswered());
+}
+
 TEST_F(TelephonyTest, TheDropCommandEndsAConnectedCall) {
   Start();
   const auto drop = [&] { Machine().control.DropInComeCall(); };
