@@ -22,7 +22,6 @@ class MemoryDatabase : public DatabaseControl {
   std::function<void()> before_write = [] {};
   std::string open_note;
   std::string opened_path;
-  int writes = 0;     ///< number of changes, those of open calls included
   int added = 0;      ///< number of records added
   int refused = 0;    ///< number of records that could not be added
   bool gone = false;  ///< the file is lost and cannot be created again
@@ -143,7 +142,6 @@ class MemoryDatabase : public DatabaseControl {
   void BeforeWrite() {
     Table();
     before_write();
-    ++writes;
   }
   void Settle(const OpenCall& call, std::int64_t record) {
     if (call.key == 0) return;

@@ -163,11 +163,10 @@ class RecordingViews : public LineView,
   // The player and the clock.
   bool slider_enabled = true;
   std::int32_t slider = -1;
-  Waveform waveform;
   std::string clock;
   void EnableSlider(bool on) override { slider_enabled = on; }
   void ShowSlider(std::int32_t value) override { slider = value; }
-  void ShowWaveform(const Waveform& picture) override { waveform = picture; }
+  void ShowWaveform(const Waveform& /*picture*/) override {}
   void ShowProgress(std::chrono::milliseconds /*position*/, std::chrono::milliseconds /*length*/) override {}
   void ShowClock(const std::string& time, const std::string& date) noexcept override {
     clock = time + ' ' + date;

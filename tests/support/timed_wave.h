@@ -42,8 +42,7 @@ class TimedWave : public WaveControl {
   std::vector<Played> played;           ///< every file that was played, with its device
   std::vector<WaveFormat> recorded;     ///< the format of every recording that was started
   std::vector<std::int32_t> monitored;  ///< the device of every live monitoring
-  int written = 0;                      ///< number of messages stored as files
-  int takes = 0;                        ///< number of sound card recordings stored as files
+  int written = 0;                      ///< number of messages from a line stored as files
   std::vector<std::string> unsaved;     ///< paths of recordings that could not be stored under their names
   std::string last_recorded_path;
   milliseconds last_recorded_length{0};
@@ -146,7 +145,7 @@ class TimedWave : public WaveControl {
       return kWaveDiskFull;
     }
     files_.Put(path, Sound(length));
-    from_line_ ? ++written : ++takes;
+    if (from_line_) ++written;
     return kWaveOk;
   }
   std::optional<milliseconds> LengthOf(const std::string& path) const {

@@ -15,17 +15,12 @@ using std::chrono_literals::operator""min;
 
 constexpr Clock::WallTime kBegin = std::chrono::sys_days(std::chrono::year(2003) / 12 / 31) + 14h + 5min + 7s;
 
-/// The settings, each as "Name=value;".
+/// The settings that differ from those of a first start, each as "Name=value;".
 constexpr std::string_view kWorkingSettings =
-    "MeTop=100; MeLeft=200; MeWinState=0; MeWidth=9000; MeHeight=6000; Modem=-1; ModemName=; "
-    "MassagesPath=/home/orven/Messages/; SecSilence=3; cDropSilence=1; ValSilence=20; "
-    "RecordMessage=1; NumOfRing=2; MaxRec=1; Pass=4711; WornDelete=1; WornClear=1; "
-    "ListMessageOnly=0; Sound=0; Greeting=Hello; AllowRemoteAccess=1; CompressMessages=0; "
-    "pQuickToolbar=1; PreScreen=0; pMailTo=0; MailTo=; SMTPServer=; MailFrom=; "
-    "ActionsMailAllCalls=0; pAppTo=0; AppTo=; pAppToBG=0; ActionsAppAllCalls=0; "
-    "PlayInRing=ring.wav; cPlayInRing=0; cOnlyIfGotMessage=0; PlayInIdle=idle.wav; cPlayInIdle=0; "
-    "WhenMsgViewMsg=0; ViewDetails=0; cAnimation=0; AnimationFast=0; cCloseCallerView=0; "
-    "CloseCallerView=10; cLogCalls=1; cLogSys=1; LogFor=; cWornBeforeDelete=1;";
+    "MeTop=100; MeLeft=200; MeWidth=9000; MeHeight=6000; MassagesPath=/home/orven/Messages/; SecSilence=3; "
+    "NumOfRing=2; MaxRec=1; Pass=4711; Greeting=Hello; PlayInRing=ring.wav; cOnlyIfGotMessage=0; "
+    "PlayInIdle=idle.wav; cPlayInIdle=0; WhenMsgViewMsg=0; ViewDetails=0; AnimationFast=0; "
+    "cCloseCallerView=0; CloseCallerView=10; LogFor=;";
 
 }  // namespace
 
@@ -35,6 +30,10 @@ World::World(DatabaseControl* records)
       Wave1(time, files),
       WavePlay(time, files),
       records_(records == nullptr ? database : *records) {
+  for (const auto group : {Group::Options, Group::Actions, Group::Events, Group::Log, Group::Window}) {
+    for (const auto* row : RowsOf(group))
+      if (row->first != nullptr) registry.Set(std::string(row->name), row->first);
+  }
   std::istringstream settings{std::string(kWorkingSettings)};
   for (std::string name, value; std::getline(settings >> std::ws, name, '=');) {
     std::getline(settings, value, ';');

@@ -25,8 +25,8 @@ class ActionsWindow : public WindowTest {
   }
 
   int saved = 0;
-  ActionsDialog dialog{
-      {world.Machine().store, world.Machine().log, world.dialogs, world.shell, world.time, [this] { ++saved; }}};
+  ActionsDialog dialog{{world.Machine().store, world.Machine().log, world.dialogs, world.shell, world.time,
+                        [this] { ++saved; }}};
   std::unique_ptr<frmActions> window;
 };
 
@@ -51,11 +51,8 @@ TEST_F(ActionsWindow, OkGoesToTheFirstWrongFieldAndStoresNothing) {
   EXPECT_EQ(world.dialogs.informations.back(), "'Application Path' Is Too Long, 2047 Bytes At Most");
   EXPECT_TRUE(window->isVisible());
   ExpectStored({{"AppTo", "say <NAME>"}});
-}
-
-TEST_F(ActionsWindow, FieldsOfADisabledActionAreNotChecked) {
-  Do("chkSendToMail=false chkApp=false txtSendToMail= txtAppTo= cmdOK");
-  EXPECT_TRUE(saved == 1 && !window->isVisible());
+  Do("chkSendToMail=false txtSendToMail= txtAppTo= cmdOK");
+  EXPECT_TRUE(saved == 1 && !window->isVisible()) << "fields of a disabled action are not checked";
 }
 
 TEST_F(ActionsWindow, TestRunsTheProgramWithMadeUpDetailsAndCancelStoresNothing) {

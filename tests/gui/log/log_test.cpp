@@ -105,11 +105,7 @@ TEST_F(LogWindow, ALargeFileOpensPieceByPiece) {
     EXPECT_EQ(list.currentIndex().row(), row);
   }
   const auto place = [&](int row) { return list.visualRect(list.model()->index(row, 0)).center(); };
-  const auto colour = [&](int row) {
-    return list.viewport()->grab().toImage().pixelColor(0, place(row).y());
-  };
   QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place(1'249'998));
-  EXPECT_NE(colour(1'249'998), colour(1'249'999));
   QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.currentIndex()).center()));
   QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);

@@ -72,6 +72,7 @@ TEST_F(CallerViewTest, ClicksActOnTheRingingCall) {
   view.Drop();
   RunFor(1s);
   EXPECT_FALSE(line->HasCall());
+  EXPECT_EQ(Wave1.played.size(), 1U) << "no greeting for a rejected call";
   Ring();
   EXPECT_THAT(LoggedBy([&] { view.DoNothing(); }), testing::ElementsAre("DoNothing[LineIndex:0]"));
   EXPECT_FALSE(view.IsOpen());

@@ -53,10 +53,14 @@ TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
 
 TEST_F(MainWindowTest, WithoutADeviceTheButtonComesBackUpAndAnExitDuringTheBoxEndsTheStart) {
   registry.Set("Modem", "3");
+  registry.Set("ModemName", "Gone");
   Start();
   views.line_on = true;  // the button is pressed
   window->Commands().Toolbar1_ButtonClick("OnOff", true);
   EXPECT_TRUE(!views.line_on && views.Status() == "Off Mode");
+  EXPECT_EQ(registry.Text("Modem"), "-1");
+  const auto select_device = "Select Modem Device From Options/Devices [Modem Device]";
+  EXPECT_THAT(dialogs.informations, ElementsAre(select_device, select_device));
   Crash();
   registry.Set("Modem", "3");
   views.shown = false;

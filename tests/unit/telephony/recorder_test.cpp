@@ -54,25 +54,17 @@ TEST_F(RecorderTest, AZeroLimitEndsAtTheFirstTick) {
   EXPECT_EQ(Wave1.last_recorded_length, 1s);
 }
 
-TEST_F(RecorderTest, AFailedStartIsLoggedTwiceAndSilenceStillHangsUp) {
-  Wave1.start_result = kWaveNoDevice;
+TEST_F(RecorderTest, AFailedStartIsLoggedTwiceAndACallThatCannotBeRecordedEnds) {
+  const std::string format = "[LineIndex:1000] Format:, 1, 1, 16, 8000->wave error ";
   Start();
-  CallAndWaitForAnswer();
-  RunFor(3s);
-  EXPECT_THAT(SystemLog(),
-              testing::Contains("Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->wave error 1")
-                  .Times(2));
-  RunFor(3s);
-  EXPECT_FALSE(line->HasCall());
-}
-
-TEST_F(RecorderTest, ADeviceWithoutTheFormatDropsTheCall) {
-  Wave1.query_result = kWaveBadFormat;
-  Start();
-  CallAndWaitForAnswer();
-  RunFor(4s);
-  EXPECT_TRUE(Logged("Cap Error Rec Message[LineIndex:1000] Format:, 1, 1, 16, 8000->wave error 3"));
-  EXPECT_FALSE(line->HasCall() || Machine().recorder.TimersRunning());
+  for (const bool starts : {false, true}) {
+    (starts ? Wave1.query_result : Wave1.start_result) = kWaveBadFormat;
+    CallAndWaitForAnswer();
+    RunFor(6s);
+    EXPECT_FALSE(line->HasCall() || Machine().recorder.TimersRunning());
+  }
+  EXPECT_THAT(SystemLog(), testing::Contains("Start Record Message" + format + "3").Times(2));
+  EXPECT_TRUE(Logged("Cap Error Rec Message" + format + "3"));
 }
 
 TEST_F(RecorderTest, CompressedMessagesAndPreScreen) {

@@ -5,6 +5,7 @@
 
 #include "adapters/line/sim/virtual_time.h"
 #include "base/text.h"
+#include "support/line_events.h"
 #include "support/scratch_folder.h"
 #include "support/test_line.h"
 
@@ -12,8 +13,6 @@ namespace orven {
 namespace {
 
 using namespace std::chrono_literals;
-using std::to_string;
-using Kind = LineEvent::Kind;
 
 /// The second of two lines, its caller, and a program that hangs up when the caller does. All events of the
 /// control are collected in one text.
@@ -33,21 +32,8 @@ struct Scene {
   }
 
   void Handle(const LineEvent& event) {
-    const auto number = to_string(event.number);
-    switch (event.kind) {
-      case Kind::InCommingCall: return Tell(event.line, "call " + to_string(event.call));
-      case Kind::Ring: return Tell(event.line, "ring " + number);
-      case Kind::CallerID: return Tell(event.line, event.name + '/' + event.text);
-      case Kind::Proc: {
-        const bool done = event.result == event.number;
-        return Tell(event.line, "done " + number + (done ? "" : " as " + to_string(event.result)));
-      }
-      case Kind::Connected: return Tell(event.line, "up");
-      case Kind::MonitorDigit: return Tell(event.line, std::string("digit ") + event.digit);
-      case Kind::Disconnected: Tell(event.line, "gone"), Play("?DD"); return;
-      case Kind::Idle: return Tell(event.line, "idle");
-      case Kind::Trouble: return Tell(event.line, event.text);
-    }
+    Tell(event.line, test::ToText(event));
+    if (event.kind == LineEvent::Kind::Disconnected) Play("?DD");
   }
 
   /// Plays `steps`, one letter each, and returns all events so far.
@@ -84,7 +70,7 @@ struct Scene {
     told += (told.empty() ? "" : ", ") + (line == 1 ? event : "of another line: " + event);
   }
   void TellRefusal(std::int32_t result) {
-    if (result < 0) Tell(1, "refused " + to_string(result));
+    if (result < 0) Tell(1, "refused " + std::to_string(result));
   }
   VirtualTime time{std::chrono::sys_days{}};
   test::TestLine* sim = nullptr;
@@ -96,18 +82,19 @@ struct Scene {
 TEST(TelephonyControl, ReportsACallToTheProgram) {
   const std::pair<const char*, const char*> rows[] = {
       {"o.rnxr.A_r?h_?",
-       "call 1, ring 1, 'Bob'/UNKNOWN, ring 2, done 1, up, connected, gone, connected, refused -4, done 2, "
-       "idle, not connected"},
+       "Offered 1, Ring 1 1, CallerId 1 'Bob'/UNKNOWN, Ring 1 2, Done 1 1, Connected 1, connected, "
+       "Disconnected 1, connected, refused -4, Done 2 2, Idle 1, not connected"},
       // Our own hang-up is not reported as the caller's; a digit that is still queued is dropped.
-      {"o.A_MD?1_", "call 1, done 1, up, not connected, done 2, idle"},
-      {"ADo.AAD_", "refused -4, refused -4, call 1, refused -5, done 3, done 5, idle"},
+      {"o.A_MD?1_", "Offered 1, Done 1 1, Connected 1, not connected, Done 2 2, Idle 1"},
+      {"ADo.AAD_", "refused -4, refused -4, Offered 1, refused -5, Done 3 3, Done 5 5, Idle 1"},
       // An answer that is requested as its call ends does not affect the next call.
-      {"o.Aho_?", "call 1, idle, call 2, done 1 as -4, not connected"},
-      {"o.A_MCAC", "call 1, done 1, up, idle, refused -2, refused -2"},
+      {"o.Aho_?", "Offered 1, Idle 1, Offered 2, Done 1 -4, not connected"},
+      {"o.A_MCAC", "Offered 1, Done 1 1, Connected 1, Idle 1, refused -2, refused -2"},
       // A call may ring without limit, and lasts while something plays. Then it ends two minutes after the
       // last key.
       {"ommmmmmmmA_mPmmmmPMmm1mms?ss",
-       "call 1, done 1, up, digit 1, connected, idle call, gone, connected, refused -4, done 2, idle"},
+       "Offered 1, Done 1 1, Connected 1, Digit 1, connected, idle call, Disconnected 1, connected, "
+       "refused -4, Done 2 2, Idle 1"},
   };
   for (const auto& [steps, told] : rows) EXPECT_EQ(Scene().Play(steps), told) << steps;
   const Scene scene;
@@ -124,9 +111,10 @@ TEST(SimScript, StartsWheneverTheLineIsOpenedAndReportsInvalidLines) {
                 "; a call\r\n0 offer\n0.1 callerid 555 Anna Smith\n\n1.25 press 12\n2 dance\n3 press\n"
                 "-1 ring\n9 hangup\n");
   std::vector<std::string> complaints;
-  EXPECT_EQ(Scene(ReadSimScript(path, complaints)).Play(".CO.AM_sssss"),
-            "call 1, idle, call 2, done 1, up, Anna Smith/555, digit 1, digit 2, gone, connected, "
-            "refused -4, done 2, idle");
+  EXPECT_EQ(
+      Scene(ReadSimScript(path, complaints)).Play(".CO.AM_sssss"),
+      "Offered 1, Idle 1, Offered 2, Done 1 1, Connected 2, CallerId 2 Anna Smith/555, Digit 1, Digit 2, "
+      "Disconnected 2, connected, refused -4, Done 2 2, Idle 2");
   ReadSimScript(path + ".none", complaints);
   ASSERT_EQ(complaints.size(), 4U);
   EXPECT_THAT(complaints[0], testing::StartsWith("script.sim:6: \"2 dance\": expected "));

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the modem's output is parsed: answers, caller IDs, formats, samples, and the tones of a
-// line.
+// How a modem's caller IDs, formats and samples are read, and the tones of a line.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -13,7 +12,6 @@
 #include "adapters/line/modem/caller_id.h"
 #include "adapters/line/modem/hang_up_detector.h"
 #include "adapters/line/modem/modem_preparation.h"
-#include "adapters/line/modem/modem_reader.h"
 #include "adapters/line/modem/sample_codec.h"
 #include "adapters/line/modem/voice_format.h"
 
@@ -25,53 +23,6 @@ using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 using Samples = std::vector<std::int16_t>;
 using enum SampleKind;
-
-/// Records the modem's output: lines as "text|", events as <x>, packets as {text}, audio unchanged, the end
-/// of audio as #. Audio is expected after the line "ATA".
-struct Transcript : ModemOutput {
-  std::string Read(std::string_view text, std::size_t piece) {
-    for (; !text.empty(); text.remove_prefix(std::min(piece, text.size()))) {
-      const auto part = text.substr(0, piece);
-      reader.Read({reinterpret_cast<const std::uint8_t*>(part.data()), part.size()});
-    }
-    return said;
-  }
-  void Line(const std::string& text) override {
-    said += text + '|';
-    if (text == "ATA") reader.ExpectAudio();
-  }
-  void Event(char code) override { said += {'<', code, '>'}; }
-  void Packet(const std::string& text) override { said += '{' + text + '}'; }
-  void Audio(std::span<const std::uint8_t> bytes) override { said.append(bytes.begin(), bytes.end()); }
-  void AudioEnded() override { said += '#'; }
-
-  std::string said;
-  ModemReader reader{*this};
-};
-
-TEST(ModemReaderTest, ReadsTheSameHoweverTheBytesAreSplit) {
-  const std::string longest(ModemReader::kLongestLine, 'x');
-  const std::pair<std::string, std::string> rows[] = {
-      // Events within lines, packets, audio that looks like events or answers, doubled <DLE>.
-      {"\r\nRING\r\n\x10R\r\nDATE = 0102\r\nNM\x10RBR = 555\r\n", "RING|<R>DATE = 0102|<R>NMBR = 555|"},
-      {"\x10XNAME=Eve\r\nNMBR=1\r\n\x10.\r\nCONNECT\r\nOK\r\n", "{NAME=Eve\r\nNMBR=1\r\n}CONNECT|OK|"},
-      {"ATA\rCONNECT\r\nab\r\nOK\r\n\x10\x10R\x10#\x10\x1Az\x10s",
-       "ATA|CONNECT|ab\r\nOK\r\n\x10R<#>\x10\x10z<s>"},
-      {"ATA\rCONNECT\n\x80\x10\x10\x03z\x10\x03\r\nVCON\r\n\x10y", "ATA|CONNECT|\x80\x10\x03z#VCON|<y>"},
-      {"ATA\rCONNECT 115200\ra\x10\x1B", "ATA|CONNECT 115200|a#"},
-      // Garbage affects only its own line or packet.
-      {"\0\x7F\x01 AT\0 OK \r\n\t\r \n"s, "AT OK|"},
-      {"O\x10\rK\n\x10\x80Z\r", "O|K|\x80Z|"},
-      {longest + "x\r\nOK\r\n" + longest + "\n", "OK|" + longest + "|"},
-      {"\x10X" + longest + "xOK\r\n", "OK|"},
-      {"ATA\rCONNECT\r\na\x10Xb\x10\x10z\x10\x03OK\r\n", "ATA|CONNECT|a#OK|"},
-  };
-  for (const auto& [bytes, said] : rows) {
-    for (std::size_t piece : {1U, 2U, 3U, 5U, 7U, 100'000U}) {
-      EXPECT_EQ(Transcript().Read(bytes, piece), said) << piece;
-    }
-  }
-}
 
 TEST(CallerIdTest, ReadsEveryFormat) {
   const std::pair<Lines, std::string> rows[] = {
@@ -143,28 +94,10 @@ TEST(ModemFormatsTest, RanksFormatsByNameAndBits) {
   EXPECT_EQ(present, "U8000=128,8000; M8000=4,8000,0,0; ; ; ");
 }
 
-std::vector<std::uint8_t> Encoded(SampleKind kind, const std::vector<std::int16_t>& samples) {
+TEST(SampleEncoderTest, RoundsAndClipsToEightBits) {
   std::vector<std::uint8_t> bytes;
-  SampleEncoder({kind, 8000, ""}).Encode(samples, bytes);
-  return bytes;
-}
-
-TEST(SampleCodecTest, EveryByteSurvivesDecodingAndSamplesAreRoundedAndClipped) {
-  for (const auto kind : {Linear16, MuLaw, Unsigned8}) {
-    std::vector<std::uint8_t> bytes;
-    for (int i = 0; i < 512; ++i) bytes.push_back(static_cast<std::uint8_t>(i + i / 256));
-    if (kind == MuLaw) std::erase(bytes, 0x7F);  // mu-law has two codes for zero
-    std::vector<std::int16_t> samples;
-    SampleDecoder decoder({kind, 8000, ""});
-    for (const auto byte : bytes) decoder.Decode({&byte, 1}, samples);
-    EXPECT_EQ(Encoded(kind, samples), bytes);
-  }
-  EXPECT_THAT(Encoded(Unsigned8, {0, 127, 128, -128, -129, 32767, -32768}),
-              ElementsAre(0x80, 0x80, 0x81, 0x80, 0x7F, 0xFF, 0x00));
-  EXPECT_THAT(Encoded(Linear16, {0x1234, -2}), ElementsAre(0x34, 0x12, 0xFE, 0xFF));
-  std::vector<std::uint8_t> shielded{1};
-  AppendShielded(std::vector<std::uint8_t>{kDle, 2, kDle, kDle, kEtx, kDle}, shielded);
-  EXPECT_THAT(shielded, ElementsAre(1, kDle, kDle, 2, kDle, kDle, kDle, kDle, kEtx, kDle, kDle));
+  SampleEncoder({Unsigned8, 8000, ""}).Encode(Samples{0, 127, 128, -128, -129, 32767, -32768}, bytes);
+  EXPECT_THAT(bytes, ElementsAre(0x80, 0x80, 0x81, 0x80, 0x7F, 0xFF, 0x00));
 }
 
 /// Returns the audio of a cadence, repeated for `seconds` but at least once, over noise at -50 dBm0. A part
