@@ -124,16 +124,18 @@ CallFiling::Progress CallFiling::Settle(Entry& entry) {
   return finished ? Progress::kFinished : Progress::kLater;
 }
 
+/// A message whose record was deleted is still brought to its place: else the next start would take its
+/// recording for another call.
 MessageState CallFiling::Find(Entry& entry) {
   const auto& call = entry.call;
-  if (call.record != 0 && !LacksMessage(call)) return MessageState::kNone;
+  const auto number = call.record > 0 ? ports_.DataBase1.Locate(call.record) : 0;
+  const bool complete = number > 0 && !LacksMessage(number);
+  const bool deleted = call.record > 0 && number == 0;
+  if (call.record == kNoRecord || complete || (deleted && !entry.interrupted)) return MessageState::kNone;
   return entry.interrupted ? recovery_.Find(entry.call) : FindOwn(entry.call);
 }
 
-/// Whether the call has a record that lacks its message; a record that was deleted does not.
-bool CallFiling::LacksMessage(const Call& call) const {
-  const auto number = call.record == kNoRecord ? 0 : ports_.DataBase1.Locate(call.record);
-  if (number == 0) return false;
+bool CallFiling::LacksMessage(std::int32_t number) const {
   const auto type = static_cast<std::size_t>(ports_.DataBase1.FieldIndex(kType));
   return ports_.DataBase1.Record(number).at(type) == kNoMessageType;
 }
@@ -212,11 +214,11 @@ void CallFiling::AddRecord(Entry& entry, MessageState message) {
                                      ports_.open.RowFor(call, !later && !call.mail_due));
 }
 
-/// The message that the call's record lacked is there.
+/// The message that the call's record lacked is there. The record may have been deleted.
 void CallFiling::AddMessage(Entry& entry) {
   auto& call = entry.call;
   if (entry.interrupted) call.type_text = TypeText(call);
-  if (call.type_text == kNoMessageType) return;
+  if (call.type_text == kNoMessageType || ports_.DataBase1.Locate(call.record) == 0) return;
   ports_.DataBase1.Change(call.record, {{kCallMassageName, call.message_file_name}, {kType, call.type_text}},
                           ports_.open.RowFor(call, !call.mail_due));
   changed_ = true;

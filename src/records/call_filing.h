@@ -103,7 +103,7 @@ class CallFiling {
   Progress PutOnRecord(Entry& entry, MessageState message);
   void AddRecord(Entry& entry, MessageState message);
   void AddMessage(Entry& entry);
-  bool LacksMessage(const Call& call) const;
+  bool LacksMessage(std::int32_t number) const;
   std::string TypeText(const Call& call) const;
   void WriteCallsLog(const Call& call);
   void Tell(Entry& entry, const std::string& what);

@@ -253,6 +253,7 @@ void Promises::Handle(const LineEvent& event) {
   if (event.kind == Kind::Disconnected) cut_short_ = true;
   if (event.kind == Kind::InCommingCall) {
     ++offered;
+    silent_ = 0;
     written_before_ = world_.Wave1.written;
     date_ = world_.time.DateText(world_.time.Now());
     time_ = world_.time.TimeText(world_.time.Now());
