@@ -190,6 +190,7 @@ CallFiling::Progress CallFiling::PutOnRecord(Entry& entry, MessageState message)
   const ErrorTrap loud(ports_.system_log, "ErrPutCallDetailsInDB ");
   refused_ = refused_ ? !ErrorTrap::Silent()(add) : !loud(add);
   if (refused_) return Progress::kRefused;
+  ports_.open.DropNote(call);
   changed_ = true;
   if (entry.interrupted) {
     WriteCallsLog(call);

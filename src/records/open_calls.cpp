@@ -95,10 +95,14 @@ bool OpenCalls::Note(Call& call) {
     return !failing_;
   }
   failing_ = false;
-  if (!noted_.contains(call.key)) return true;
+  DropNote(call);
+  return true;
+}
+
+void OpenCalls::DropNote(const Call& call) {
+  if (!noted_.contains(call.key)) return;
   ErrorTrap::Silent()([&] { files_.Delete(NotePath(call.key)); });
   if (!files_.Exists(NotePath(call.key))) noted_.erase(call.key);
-  return true;
 }
 
 void OpenCalls::KeepRow(const Call& call) {

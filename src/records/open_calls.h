@@ -37,6 +37,9 @@ class OpenCalls {
   /// is not on disk now.
   bool Note(Call& call);
 
+  /// The call's row names its record: its note is out of date.
+  void DropNote(const Call& call);
+
   /// Nothing is left to do for the call, whose record is set. False when the disk cannot say so yet.
   bool Close(Call& call);
 

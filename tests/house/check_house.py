@@ -30,7 +30,7 @@ CHECKED_FOLDERS = ("src", "tests", "tools", "bench", "cmake", "assets", "demo", 
 # A longer file contains more than one idea.
 LONGEST_FILE = 450
 # Tests should be a quarter to a third of the code; a larger share is an error.
-LARGEST_TEST_SHARE = 0.36
+LARGEST_TEST_SHARE = 0.34
 COUNTED = re.compile(r"\.(h|cpp|py|sh)$")
 NO_CODE = re.compile(r"\s*(//.*|#( .*|!.*)?|/?\*.*)?")  # a blank line or a comment
 
