@@ -77,8 +77,8 @@ void CallFiling::WriteCallsLog(const Call& call) {
 
 void CallFiling::LeaveOut(Call& call) {
   call.record = kNoRecord;
-  ports_.open.Note(call);
   if (!call.mail_due && ports_.open.Close(call)) return;
+  ports_.open.Note(call);
   entries_[call.key] = {call};
   RunTimer();
 }

@@ -5,14 +5,13 @@
 #include <array>
 #include <bit>
 #include <charconv>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 
 #include "adapters/database/sqlite_connection.h"
+#include "adapters/database/stray_log.h"
 #include "adapters/files/disk_files.h"
 
 namespace orven {
@@ -274,11 +273,6 @@ std::vector<std::string> Lowered(std::vector<std::string> names) {
     }
   }
   return names;
-}
-
-std::string LogBeside(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::exists(path + "-wal", error) ? DiskFiles().Read(path + "-wal") : std::string();
 }
 
 }  // namespace

@@ -19,11 +19,6 @@ constexpr std::size_t kPageSizeAt = 8, kLogHeader = 32, kFrameHeader = 24;
 constexpr std::size_t kFileHeader = 100;
 constexpr std::string_view kFirstPage("\0\0\0\1", 4), kMagic = "SQLite format 3";
 
-std::string LogBeside(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::exists(path + "-wal", error) ? DiskFiles().Read(path + "-wal") : std::string();
-}
-
 /// The number that MergeLog counts up in the first page, once for each merge.
 std::uint32_t MergesIn(std::string_view page) {
   constexpr std::size_t kUserVersionAt = 60;
@@ -47,6 +42,11 @@ std::vector<std::string> FirstPages(std::string_view log) {
 }
 
 }  // namespace
+
+std::string LogBeside(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(path + "-wal", error) ? DiskFiles().Read(path + "-wal") : std::string();
+}
 
 bool HasStrayLog(const std::string& path) {
   std::error_code error;
