@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -31,13 +32,19 @@ class AudioSource {
   virtual void Gone() {}
 };
 
-/// Where a recording device puts its samples.
+/// Where a recording device puts its samples. The device's own thread calls; the rules of AudioSource::Read.
 class AudioSink {
  public:
   virtual ~AudioSink() = default;
 
-  /// Takes one block (kBlockSamples samples). Same thread rules as AudioSource::Read.
-  virtual void Write(std::span<const std::int16_t> block) = 0;
+  /// What is heard now, for levels and for listening along: one block (kBlockSamples samples) for each 20 ms.
+  /// `at` is the moment from which it counts, in the order of the blocks; a device that wakes up less often
+  /// delivers blocks up to 100 ms ahead of it.
+  virtual void Hear(std::span<const std::int16_t> /*block*/, std::chrono::steady_clock::time_point /*at*/) {}
+
+  /// What is kept: the samples that follow those before, any number of them. A device that waits for late
+  /// audio passes it on later than it was heard.
+  virtual void Write(std::span<const std::int16_t> samples) = 0;
 };
 
 /// One numbered wave device of a telephone line or a sound card. It plays from one source and

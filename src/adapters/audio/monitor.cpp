@@ -22,11 +22,11 @@ constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 
 }  // namespace
 
-void PeakMeter::Write(std::span<const std::int16_t> block) {
+void PeakMeter::Hear(std::span<const std::int16_t> block, SteadyClock::time_point at) {
   std::int32_t peak = 0;
   for (const std::int16_t sample : block) peak = std::max(peak, std::abs(std::int32_t{sample}));
   level_ = peak * 1000 / kFullScale;
-  level_at_ = SteadyClock::now().time_since_epoch().count();
+  level_at_ = at.time_since_epoch().count();
 }
 
 std::int32_t PeakMeter::Level() const {

@@ -15,7 +15,8 @@ namespace orven {
 /// Measures the level of a device's audio.
 class PeakMeter : public AudioSink {
  public:
-  void Write(std::span<const std::int16_t> block) override;
+  void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at) override;
+  void Write(std::span<const std::int16_t> /*samples*/) override {}
 
   /// Peak of the last block in thousandths of full scale; 0 when none has arrived for a second: a caller who
   /// sends nothing is silent. Any thread.

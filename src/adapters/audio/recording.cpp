@@ -58,11 +58,14 @@ Recording::~Recording() {
   thread_.join();
 }
 
-void Recording::Write(std::span<const std::int16_t> block) {
-  level_.Write(block);
+void Recording::Hear(std::span<const std::int16_t> block, SteadyClock::time_point at) {
+  level_.Hear(block, at);
   monitor_.Push(block);
+}
+
+void Recording::Write(std::span<const std::int16_t> samples) {
   const std::lock_guard lock(queue_mutex_);
-  queue_.insert(queue_.end(), block.begin(), block.end());
+  queue_.insert(queue_.end(), samples.begin(), samples.end());
 }
 
 Recording::Saved Recording::SaveAs(const std::string& path) {

@@ -46,7 +46,8 @@ class Recording : public AudioSink {
   /// unless Finished(). The device must have released the sink.
   ~Recording() override;
 
-  void Write(std::span<const std::int16_t> block) override;
+  void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at) override;
+  void Write(std::span<const std::int16_t> samples) override;
 
   /// As PeakMeter's.
   std::int32_t Level() const { return level_.Level(); }

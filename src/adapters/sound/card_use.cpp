@@ -25,6 +25,7 @@ bool CardTake::Write(std::span<const std::int16_t> block) {
   const std::lock_guard lock(mutex_);
   if (client_ == nullptr) return false;
   last_block_ = Clock::now();
+  client_->Hear(block, last_block_);
   client_->Write(block);
   return true;
 }

@@ -62,8 +62,11 @@ class TestDevice : public AudioDevice {
 
   /// Delivers `samples`, in whole blocks, to the recording.
   void Capture(const Samples& samples) {
-    for (std::size_t at = 0; sink != nullptr && at < samples.size(); at += kBlockSamples)
-      sink->Write(std::span(samples).subspan(at, kBlockSamples));
+    for (std::size_t at = 0; sink != nullptr && at < samples.size(); at += kBlockSamples) {
+      const auto block = std::span(samples).subspan(at, kBlockSamples);
+      sink->Hear(block, std::chrono::steady_clock::now());
+      sink->Write(block);
+    }
   }
 };
 

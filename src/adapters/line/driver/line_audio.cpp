@@ -47,9 +47,19 @@ bool LineAudio::Fetch(std::span<std::int16_t> block) {
   return false;
 }
 
-void LineAudio::Deliver(std::span<const std::int16_t> block) {
+void LineAudio::Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at) {
   const std::lock_guard lock(record_mutex_);
-  if (sink_ != nullptr) sink_->Write(block);
+  if (sink_ != nullptr) sink_->Hear(block, at);
+}
+
+void LineAudio::Keep(std::span<const std::int16_t> samples) {
+  const std::lock_guard lock(record_mutex_);
+  if (sink_ != nullptr) sink_->Write(samples);
+}
+
+void LineAudio::Deliver(std::span<const std::int16_t> block) {
+  Hear(block, std::chrono::steady_clock::now());
+  Keep(block);
 }
 
 bool LineAudio::Plays() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -32,7 +33,11 @@ class LineAudio : public AudioDevice {
   /// Fills `block` with what to send now; silence and false when nothing plays. The call's thread.
   bool Fetch(std::span<std::int16_t> block);
 
-  /// Takes a received block. The call's thread.
+  /// AudioSink::Hear and AudioSink::Write of what records. The call's thread.
+  void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at);
+  void Keep(std::span<const std::int16_t> samples);
+
+  /// Takes a block that is heard and kept at once. The call's thread.
   void Deliver(std::span<const std::int16_t> block);
 
   /// Whether something is played or recorded. Any thread.
