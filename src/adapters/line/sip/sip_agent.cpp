@@ -25,7 +25,8 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink e
       audio_(audio),
       events_(std::move(events)),
       transports_(settings,
-                  {[this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
+                  {[this](SipEndpoint& at, const sip_msg& request) { return TakeWithin(at, request); },
+                   [this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
                    [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); }}),
       network_([this](bool changed) { LookAtNetwork(changed); }),
       close_timer_([this] { Finish(); }),
@@ -74,6 +75,10 @@ bool SipAgent::Leave(SipEndpoint& endpoint) {
   }
   if (registration_ != nullptr) registration_->Leave(endpoint.Stack());
   return true;
+}
+
+bool SipAgent::TakeWithin(SipEndpoint& at, const sip_msg& request) {
+  return call_ != nullptr && call_ports_->stack == &at.Stack() && call_->Take(request);
 }
 
 void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {

@@ -39,6 +39,7 @@ class SipAgent {
   void Shutdown(std::function<void()> done);
 
  private:
+  bool TakeWithin(SipEndpoint& at, const sip_msg& request);
   void TakeInvite(SipEndpoint& at, const sip_msg& invite);
   void LookAtNetwork(bool changed);
   bool Leave(SipEndpoint& endpoint);

@@ -86,6 +86,12 @@ bool SipCall::Prepare(const sip_msg& invite) {
 }
 
 bool SipCall::Begin(const sip_msg& invite) {
+  if (ReliableRinging::IsRequiredBy(invite)) {
+    reliable_.emplace(
+        invite, ports_.settings.timers.no_ack,
+        ReliableRinging::Events{.repeat = [this] { RepeatRinging(); }, .unheard = [this] { EndUnheard(); }});
+  }
+  const std::string headers = RingingHeaders();
   sipsess* session = nullptr;
   const int error = sipsess_accept(
       &session, ports_.sessions, &invite, 180, "Ringing", ports_.contact.c_str(), kSessionType, nullptr,
@@ -96,7 +102,7 @@ bool SipCall::Begin(const sip_msg& invite) {
       [](const sip_msg* ack, void* self) { return Self(self).TakeAnswer(*ack); },
       [](const sip_msg*, void* self) { Self(self).Connect(); },
       [](struct sip*, const sip_msg* request, void* self) { Self(self).TakeInfo(*request); }, nullptr,
-      [](int, const sip_msg*, void* self) { Self(self).End(true); }, this, "%s", kAllowHeader);
+      [](int, const sip_msg*, void* self) { Self(self).End(true); }, this, "%s", headers.c_str());
   session_.reset(error == 0 ? session : nullptr);
   if (error != 0) {
     // The library has sent no answer. EBADMSG and EINVAL mean an unusable Contact.
@@ -128,11 +134,28 @@ void SipCall::Ring() {
   Tell({.kind = Kind::Ring, .number = ++rings_});
 }
 
+std::string SipCall::RingingHeaders() const {
+  return kAbilities + (reliable_ ? reliable_->Headers() : "");
+}
+
+void SipCall::RepeatRinging() {
+  (void)sipsess_progress(session_.get(), 180, "Ringing", nullptr, "%s", RingingHeaders().c_str());
+}
+
+/// RFC 3262, section 3: a caller who does not confirm the 180 gets a 5xx.
+void SipCall::EndUnheard() {
+  (void)sipsess_reject(session_.get(), 504, "Server Time-out", nullptr);
+  End(true);
+}
+
 /// The only place where the state changes; it never goes back.
 void SipCall::Enter(State next) {
   if (next <= state_) return;
   state_ = next;
-  if (next != State::kRinging) ring_timer_.Stop();
+  if (next != State::kRinging) {
+    ring_timer_.Stop();
+    if (reliable_) reliable_->Stop();
+  }
   if (next != State::kAnswered) ack_timer_.Stop();
 }
 
@@ -151,7 +174,7 @@ void SipCall::Answer(std::int32_t request) {
 
 bool SipCall::SendAnswer() {
   const LibrePtr<mbuf> body = negotiation_->Write(!agreement_.has_value());
-  return body != nullptr && sipsess_answer(session_.get(), 200, "OK", body.get(), "%s", kAllowHeader) == 0;
+  return body != nullptr && sipsess_answer(session_.get(), 200, "OK", body.get(), "%s", kAbilities) == 0;
 }
 
 /// On the ACK, or on audio from the caller, which proves as well that our answer has arrived.
@@ -210,6 +233,24 @@ int SipCall::TakeAnswer(const sip_msg& ack) try {
   return TakeDescription(ack, false) ? 0 : EPROTO;
 } catch (const std::exception&) {
   return ENOMEM;
+}
+
+bool SipCall::Take(const sip_msg& request) {
+  if (session_ == nullptr || pl_strcmp(&request.met, "PRACK") != 0) return false;
+  sip_dialog* const dialog = sipsess_dialog(session_.get());
+  if (!sip_dialog_cmp(dialog, &request)) return false;
+  if (sip_dialog_rseq_valid(dialog, &request)) {
+    TakePrack(request);
+  } else {
+    (void)sip_treply(nullptr, ports_.stack, &request, 500, "Server Internal Error");
+  }
+  return true;
+}
+
+void SipCall::TakePrack(const sip_msg& request) {
+  const bool confirms = reliable_ && reliable_->Confirm(request);
+  (void)sip_treply(nullptr, ports_.stack, &request, confirms ? 200 : 481,
+                   confirms ? "OK" : "Call/Transaction Does Not Exist");
 }
 
 void SipCall::TakeInfo(const sip_msg& request) {

@@ -10,6 +10,7 @@
 #include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/reliable_ringing.h"
 #include "adapters/line/sip/rtp_stream.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "platform/line_driver.h"
@@ -53,6 +54,8 @@ class SipCall {
   void Drop(std::int32_t request);
   /// Ends the call; `by_peer`: not because of us.
   void End(bool by_peer);
+  /// Any request. False unless it is the call's and one that the library does not know.
+  bool Take(const sip_msg& request);
   void MonitorDigits(bool on) { monitoring_ = on; }
   /// The playing source has its first audio.
   void SourceReady() { stream_->SourceReady(); }
@@ -67,6 +70,9 @@ class SipCall {
   void Tell(LineEvent event);
   void Done(std::int32_t request, std::int32_t result);
   void Ring();
+  std::string RingingHeaders() const;
+  void RepeatRinging();
+  void EndUnheard();
   bool SendAnswer();
   void Connect();
   void EndSession();
@@ -75,6 +81,7 @@ class SipCall {
   int TakeOffer(mbuf** answer, const sip_msg& request);
   int TakeAnswer(const sip_msg& ack);
   void TakeInfo(const sip_msg& request);
+  void TakePrack(const sip_msg& request);
 
   void DigitHeard(DigitSource source, char digit);
 
@@ -87,6 +94,7 @@ class SipCall {
   std::optional<MediaAgreement> agreement_;  ///< absent until the peer has offered or answered
   DigitMerger digits_;
   KeyRateLimit key_rate_;
+  std::optional<ReliableRinging> reliable_;  ///< where the caller requires it
   MonotonicTimer ring_timer_;
   MonotonicTimer ack_timer_;
   std::int32_t rings_ = 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_endpoint.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <string>
 #include <utility>
@@ -15,18 +17,24 @@ SipEndpoint& Self(void* endpoint) {
   return *static_cast<SipEndpoint*>(endpoint);
 }
 
-/// The values of a list header, for the answer that refuses them.
-std::string Joined(const sip_msg& message, sip_hdrid id) {
-  std::string joined;
+/// The extensions that a caller may require.
+constexpr std::array kExtensions{"100rel"};
+
+/// What `request` requires and we do not support; empty: nothing.
+std::string UnsupportedIn(const sip_msg& request) {
+  std::string unsupported;
   sip_msg_hdr_apply(
-      &message, true, id,
+      &request, true, SIP_HDR_REQUIRE,
       [](const sip_hdr* header, const sip_msg*, void* text) {
         auto& list = *static_cast<std::string*>(text);
-        list += (list.empty() ? "" : ", ") + std::string(View(header->val));
+        const auto is_it = [header](const char* one) { return pl_strcasecmp(&header->val, one) == 0; };
+        if (std::ranges::none_of(kExtensions, is_it)) {
+          list += (list.empty() ? "" : ", ") + std::string(View(header->val));
+        }
         return false;
       },
-      &joined);
-  return joined;
+      &unsupported);
+  return unsupported;
 }
 
 /// The value of Content-Length, or -1 when it is not a number.
@@ -93,24 +101,23 @@ bool IsValidRequest(sip& stack, const sip_msg& request) {
     (void)sip_reply(&stack, &request, 400, fault);
     return false;
   }
-  if (pl_strcmp(&request.met, "INVITE") != 0 || sip_msg_hdr(&request, SIP_HDR_REQUIRE) == nullptr)
-    return true;
+  const auto unsupported = pl_strcmp(&request.met, "INVITE") == 0 ? UnsupportedIn(request) : "";
+  if (unsupported.empty()) return true;
   (void)sip_replyf(&stack, &request, 420, "Bad Extension", "Unsupported: %s\r\nContent-Length: 0\r\n\r\n",
-                   Joined(request, SIP_HDR_REQUIRE).c_str());
+                   unsupported.c_str());
   return false;
 }
 
-/// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, others with
-/// 405.
+/// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, one that
+/// belongs to a call which is over with 481, others with 405.
 void AnswerOtherRequest(sip& stack, const sip_msg& request) {
   if (pl_strcmp(&request.met, "OPTIONS") == 0) {
     (void)sip_replyf(&stack, &request, 200, "OK", "%sAccept: application/sdp\r\nContent-Length: 0\r\n\r\n",
-                     kAllowHeader);
-  } else if (pl_strcmp(&request.met, "CANCEL") == 0) {
-    (void)sip_reply(&stack, &request, 481, "Transaction Does Not Exist");
+                     kAbilities);
+  } else if (pl_strcmp(&request.met, "CANCEL") == 0 || pl_strcmp(&request.met, "PRACK") == 0) {
+    (void)sip_reply(&stack, &request, 481, "Call/Transaction Does Not Exist");
   } else {
-    (void)sip_replyf(&stack, &request, 405, "Method Not Allowed", "%sContent-Length: 0\r\n\r\n",
-                     kAllowHeader);
+    (void)sip_replyf(&stack, &request, 405, "Method Not Allowed", "%sContent-Length: 0\r\n\r\n", kAbilities);
   }
 }
 
@@ -137,7 +144,9 @@ int SipEndpoint::Begin() {
       nullptr, stack_.get(), true,
       [](const sip_msg* request, void* self) {
         if (auto& heard = Self(self).events_.heard) heard(*request);
-        return TakeProbe(*request) || !IsValidRequest(Self(self).Stack(), *request);
+        if (TakeProbe(*request) || !IsValidRequest(Self(self).Stack(), *request)) return true;
+        auto& within = Self(self).events_.within;
+        return within && within(Self(self), *request);
       },
       this);
   sipsess_sock* sessions = nullptr;

@@ -14,6 +14,9 @@ class SipEndpoint {
   struct Events {
     /// Any request.
     std::function<void(const sip_msg&)> heard;
+    /// Any valid request. True when it has been taken: it belongs to a call, in a way that the library does
+    /// not know.
+    std::function<bool(SipEndpoint&, const sip_msg&)> within;
     /// A valid INVITE that begins a call.
     std::function<void(SipEndpoint&, const sip_msg&)> invite;
     /// After Close: all transactions are over.
@@ -49,7 +52,8 @@ class SipEndpoint {
   LibrePtr<sipsess_sock> sessions_;
 };
 
-/// The header line with the methods that we support (RFC 3261, section 20.5).
-inline constexpr const char* kAllowHeader = "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO\r\n";
+/// The header lines with the methods and the extensions that we support (RFC 3261, sections 20.5 and 20.37).
+inline constexpr const char* kAbilities =
+    "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO, PRACK\r\nSupported: 100rel\r\n";
 
 }  // namespace orven

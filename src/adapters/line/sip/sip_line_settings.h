@@ -15,8 +15,9 @@ struct SipLineTimers {
   std::chrono::milliseconds lost_media{30'000};
   /// The same for a call on hold, where silence is normal.
   std::chrono::milliseconds lost_held{300'000};
-  /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4). A longer value has no
-  /// effect: the SIP library gives up then.
+  /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4), and so must a 180 that the
+  /// caller requires to be reliable (RFC 3262, section 3). A longer value has no effect on the answer: the SIP
+  /// library gives up then.
   std::chrono::milliseconds no_ack{32'000};
   /// A call ends when the peer's computer has refused our packets (ICMP port unreachable) and sent none for
   /// this time. One refusal is not enough: a peer may open its port a moment late.

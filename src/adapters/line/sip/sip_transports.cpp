@@ -134,7 +134,8 @@ int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
   const auto closed = [this] {
     if (--closing_ == 0) events_.closed();
   };
-  auto endpoint = std::make_unique<SipEndpoint>(*names_, SipEndpoint::Events{heard, events_.invite, closed});
+  auto endpoint = std::make_unique<SipEndpoint>(
+      *names_, SipEndpoint::Events{heard, events_.within, events_.invite, closed});
   if (const int error = endpoint->Begin(); error != 0) return error;
   for (const Listener& listener : listeners_) {
     for (const sa& here : listener.expanded) {

@@ -21,6 +21,7 @@ namespace orven {
 class SipTransports {
  public:
   struct Events {
+    std::function<bool(SipEndpoint&, const sip_msg&)> within;  ///< as of SipEndpoint
     std::function<void(SipEndpoint&, const sip_msg&)> invite;  ///< as of SipEndpoint
     std::function<void()> closed;                              ///< after Close: all transactions are over
     /// An endpoint's address was removed. False: its call has to end first, ask again later; true: it is not

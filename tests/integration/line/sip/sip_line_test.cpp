@@ -70,6 +70,29 @@ TEST_F(SipLineTest, ACallEndsIfThePeerIsUnreachableSilentOnHoldOrSendsNoAck) {
   Play("caller 3,> INVITE,Ring 3 1,answer 2,Disconnected 3,Idle 3,< 200,> ACK,< BYE");
 }
 
+TEST_F(SipLineTest, ARingingThatMustArriveIsRepeatedUntilItIsConfirmedOrTheCallEnds) {
+  settings.timers.no_ack = milliseconds(700);
+  OpenLine();
+  const auto with = [&](const std::string& method, const std::string& header, const std::string& to) {
+    const auto text = std::regex_replace(caller->Text(method), std::regex("To: .*>"), "To: " + to);
+    caller->Send(std::regex_replace(text, std::regex("Contact"), header + "\r\nContact"));
+  };
+  with("INVITE", "Require: 100rel", "<sip:line@127.0.0.1>");
+  const std::string ringing = caller->Take("180"), number = Header(ringing, "RSeq"),
+                    to = Header(ringing, "To");
+  EXPECT_EQ(Header(caller->Take("180"), "RSeq"), number) << "repeated";
+  with("PRACK", "RAck: " + number + " 2 INVITE", to);
+  Play("< 481");
+  with("PRACK", "RAck: " + number + " 1 INVITE", to);
+  Play("< 200,Ring 1 1");
+  with("PRACK", "RAck: " + number + " 1 INVITE", to);
+  Play("< 481");
+  EXPECT_EQ(caller->Take("504", milliseconds(900)), "") << "the call goes on";
+  Play("drop 1,Idle 1,caller 2");
+  with("INVITE", "Require: 100rel", "<sip:line@127.0.0.1>");
+  Play("Ring 2 1,< 504,Idle 2");
+}
+
 TEST_F(SipLineTest, ASecondCallerIsBusyAndClosingHangsUp) {
   Play(Connected("1"));
   const Texts before = events.All();
@@ -107,7 +130,7 @@ TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineStaysInUse) {
       {"Length: ", "Length: 9", "400"},
       {"Length: ", "Length: -", "400"},
       {"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
-      {"Contact:", "Require: 100rel\r\nContact:", "420"},
+      {"Contact:", "Require: 100rel, path\r\nContact:", "420"},
       {"application/sdp", "text/plain", "415"},
       {"Content-Type: application/sdp\r\nContent-Length", "X", "180"},
       {"application/sdp\r\nContent-Length:", multipart + "content-type:\r\n application/sdp\r\nX:", "180"},
