@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -41,7 +42,9 @@ class MicrophoneTake {
   bool Recording() const { return recording_ && parts_.Wave1.IsRecording(); }
 
   /// In thousandths of full scale; 0 when no take is being recorded.
-  std::int32_t Level() const { return Recording() ? parts_.Wave1.InputLevel() : 0; }
+  std::int32_t Level() const {
+    return Recording() ? parts_.Wave1.InputLevel(std::chrono::milliseconds(0)) : 0;
+  }
 
   /// The line needs the recorder: stops a take and calls `interrupted`.
   void MakeWay();

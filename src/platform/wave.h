@@ -84,9 +84,9 @@ class WaveControl {
 
   virtual bool IsRecording() const = 0;
 
-  /// Peak of the last 20 ms of input, in thousandths of full scale (0..1000), while recording,
-  /// and on a line also from the first file played there until StopPlay; else 0.
-  virtual std::int32_t InputLevel() const = 0;
+  /// Peak of the 20 ms of input that were heard `ago` before now (0 to 200 ms), in thousandths of full scale
+  /// (0..1000), while recording, and on a line also from the first file played there until StopPlay; else 0.
+  virtual std::int32_t InputLevel(std::chrono::milliseconds ago) const = 0;
 
   /// Starts to play the captured audio live on wave device `device`.
   virtual std::int32_t StartMonitor(std::int32_t device, const WaveFormat& format) = 0;

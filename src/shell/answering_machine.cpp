@@ -115,7 +115,7 @@ std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
   const bool heard =
       state == CallState::Greeting || state == CallState::Beep || state == CallState::Recording;
   if (!heard) return std::nullopt;
-  return ports_.Wave1.InputLevel();
+  return ports_.Wave1.InputLevel(std::chrono::milliseconds(0));
 }
 
 /// While the owner listens by telephone, the selection shows which message is playing.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/recorder.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cmath>
 
 #include "base/paths.h"
@@ -14,7 +14,11 @@ namespace {
 
 using std::chrono_literals::operator""ms;
 
-constexpr auto kSilenceInterval = 10ms;
+constexpr auto kSilenceTick = 10ms;
+
+/// A tenth of a second is counted at once: a wake-up costs far more than the ticks.
+constexpr std::int64_t kMostTicks = 10;
+
 constexpr auto kRecordInterval = 1000ms;
 
 /// Pause between the beep and the recording, so that the beep's own echo is not recorded.
@@ -40,7 +44,7 @@ std::chrono::milliseconds TenthsWait(std::chrono::milliseconds now, int tenths) 
 Recorder::Recorder(Ports ports, CallControl& control)
     : ports_(ports),
       control_(control),
-      tmrSilence(ports.loop.MakeTimer([this] { SilenceTick(); })),
+      tmrSilence(ports.loop.MakeTimer([this] { CountTicks(); })),
       TimerRecord(ports.loop.MakeTimer([this] { RecordTick(); })) {}
 
 std::int32_t Recorder::WaveIn() const {
@@ -79,7 +83,7 @@ void Recorder::StartAfterWait() {
   });
   if (refused) return;
   TimerRecord->Start(kRecordInterval);
-  if (control_.settings.cDropSilence != 0) tmrSilence->Start(kSilenceInterval);
+  if (control_.settings.cDropSilence != 0) WaitForTicks();
   control_.Enter(CallState::Recording, "ErrRecMessage ");
 }
 
@@ -163,19 +167,38 @@ void Recorder::StopTimers() {
   tmrSilence->Stop();
 }
 
-void Recorder::SilenceTick() {
-  auto& call = control_.call;
-  if (control_.Wave1.InputLevel() > control_.settings.ValSilence) {
-    call.silence_milliseconds = 0;
-    return;
+/// Waits for a tenth of a second, but never beyond the first tick that can reach the limit.
+void Recorder::WaitForTicks() {
+  const auto missing = std::int64_t{control_.settings.SecSilence} * 1000 - control_.call.silence_milliseconds;
+  const auto to_limit = (missing + kSilenceTick.count() - 1) / kSilenceTick.count();
+  const auto ticks = static_cast<std::int32_t>(std::clamp<std::int64_t>(to_limit, 1, kMostTicks));
+  if (tmrSilence->Enabled() && ticks == ticks_) return;
+  ticks_ = ticks;
+  tmrSilence->Start(ticks * kSilenceTick);
+}
+
+/// Counts the ticks that the timer was set for, regardless of the time that has really passed.
+void Recorder::CountTicks() {
+  for (auto ago = (ticks_ - 1) * kSilenceTick; ago >= 0ms; ago -= kSilenceTick) {
+    if (!SilenceTick(ago)) continue;
+    if (Recording()) StopRecMessage();
+    if (control_.Connected()) control_.DropCall();
+    return tmrSilence->Stop();
   }
-  // Counts ticks, regardless of the real time between them.
-  call.silence_milliseconds += static_cast<std::int32_t>(kSilenceInterval.count());
-  if (call.silence_milliseconds < std::int64_t{control_.settings.SecSilence} * 1000) return;
-  call.silence_milliseconds = 0;
-  if (Recording()) StopRecMessage();
-  if (control_.Connected()) control_.DropCall();
-  tmrSilence->Stop();
+  WaitForTicks();
+}
+
+/// Counts the tick of `ago` before now; true when the limit is reached.
+bool Recorder::SilenceTick(std::chrono::milliseconds ago) {
+  auto& count = control_.call.silence_milliseconds;
+  if (control_.Wave1.InputLevel(ago) > control_.settings.ValSilence) {
+    count = 0;
+    return false;
+  }
+  count += static_cast<std::int32_t>(kSilenceTick.count());
+  if (count < std::int64_t{control_.settings.SecSilence} * 1000) return false;
+  count = 0;
+  return true;
 }
 
 void Recorder::RecordTick() {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,7 +16,9 @@
 namespace orven {
 
 /// Records the caller's message: waits a moment after the beep, records, and ends on silence, on the
-/// longest length, or when the call ends. User-interface thread.
+/// longest length, or when the call ends. Silence is counted in ticks of 10 ms, each with the level of its
+/// own moment, ten of them in one wake-up; options that are changed meanwhile count from the next one.
+/// User-interface thread.
 class Recorder {
  public:
   struct Ports {
@@ -57,13 +61,16 @@ class Recorder {
   void StartPreScreen(const WaveFormat& format);
   std::string FormatLine(const std::string& step, const WaveFormat& format, std::int32_t result) const;
   std::int32_t Store(std::string& path);
-  void SilenceTick();
+  void WaitForTicks();
+  void CountTicks();
+  bool SilenceTick(std::chrono::milliseconds ago);
   void RecordTick();
   std::int32_t WaveIn() const;
 
   Ports ports_;
   CallControl& control_;
   std::unique_ptr<Timer> tmrSilence;
+  std::int32_t ticks_ = 0;  ///< how many ticks the running tmrSilence counts each time
   std::unique_ptr<Timer> TimerRecord;
   Lifeline lifeline_;
 };

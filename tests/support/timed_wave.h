@@ -35,8 +35,11 @@ class TimedWave : public WaveControl {
   /// Called before a file is played.
   std::function<void(const std::string&)> on_play = [](const std::string&) {};
 
-  /// Returns the current input level of the line, in thousandths.
-  std::function<std::int32_t()> level = [] { return 0; };
+  /// Sets the input level of the line, in thousandths, from now on.
+  void SetLevel(std::int32_t level) {
+    level_ = level;
+    NoteLevel();
+  }
 
   using Played = std::pair<std::string, std::int32_t>;
   std::vector<Played> played;           ///< every file that was played, with its device
@@ -58,6 +61,7 @@ class TimedWave : public WaveControl {
   void Crash() {
     if (const auto growing = GrowingFile()) files_.Put(growing->first, growing->second);
     recording_since_.reset();
+    NoteLevel();
     StopPlay();
   }
 
@@ -77,16 +81,24 @@ class TimedWave : public WaveControl {
     recorded.push_back(format);
     from_line_ = device >= kFirstLineWaveDevice;
     recording_since_ = time_.Uptime();
+    NoteLevel();
     return kWaveOk;
   }
   std::int32_t StopRecordToFile(const std::string& path) override {
     if (!IsRecording()) return kWaveNotRecording;
     const auto result = Store(path, Recorded());
     recording_since_.reset();
+    NoteLevel();
     return result;
   }
   bool IsRecording() const override { return recording_since_.has_value(); }
-  std::int32_t InputLevel() const override { return IsRecording() || IsPlaying() ? level() : 0; }
+  std::int32_t InputLevel(milliseconds ago) const override {
+    if (ago == milliseconds(0)) return IsRecording() || IsPlaying() ? level_ : 0;
+    // Whoever looked at the moment of a change saw the level before it.
+    const auto earlier = [&](const auto& change) { return change.first < time_.Uptime() - ago; };
+    const auto change = std::find_if(recorded_levels_.rbegin(), recorded_levels_.rend(), earlier);
+    return change == recorded_levels_.rend() ? 0 : change->second;
+  }
   std::int32_t StartMonitor(std::int32_t device, const WaveFormat& /*format*/) override {
     monitored.push_back(device);
     return monitor_result;
@@ -154,10 +166,14 @@ class TimedWave : public WaveControl {
     return milliseconds(std::stoll(content.substr(kMark.size())));
   }
   milliseconds Recorded() const { return time_.Uptime() - *recording_since_; }
+  void NoteLevel() { recorded_levels_.emplace_back(time_.Uptime(), IsRecording() ? level_ : 0); }
 
   VirtualTime& time_;
   MemoryFiles& files_;
   WaveEvents* events_ = nullptr;
+  std::int32_t level_ = 0;
+  std::vector<std::pair<milliseconds, std::int32_t>>
+      recorded_levels_;  ///< each with the moment of its change
   std::optional<milliseconds> recording_since_;
   std::string record_name_;
   bool from_line_ = false;  ///< the recording comes from a line, not from a sound card

@@ -46,7 +46,6 @@ World::World(DatabaseControl* records)
   Mail1.on_send = [this](const ScriptedMail::Mail&) { views.Effect("action:Mail"); };
   shell.before_start = [this] { views.Effect("action:App"); };
   WavePlay.on_play = [this](const std::string& path) { views.Effect("sound:" + path); };
-  Wave1.level = [this] { return loud; };
   database.before_write = [this] {
     if (database_full) throw RuntimeError(ErrorNumber::DiskFull);
     disk.Write(database.opened_path);

@@ -57,8 +57,8 @@ class World : public ScriptedPorts {
   /// Does the same and waits until the machine records.
   void CallAndWaitForRecording();
   void Press(const std::string& digits);
-  void Talk() { loud = 1000; }
-  void FallSilent() { loud = 0; }
+  void Talk() { Wave1.SetLevel(1000); }
+  void FallSilent() { Wave1.SetLevel(0); }
   void HangUp();
   void RunFor(std::chrono::milliseconds duration) { time.RunFor(duration); }
   void AddMessage(const std::string& name, std::chrono::milliseconds length);
@@ -85,7 +85,6 @@ class World : public ScriptedPorts {
   TestLine* line = nullptr;
   std::unique_ptr<TelephonyControl> Tapi1;
   const ApplicationFolder home{kHome};
-  std::int32_t loud = 0;
   bool database_full = false;  ///< every change of a record fails
   bool ended = false;
   std::unique_ptr<MainWindow> window;

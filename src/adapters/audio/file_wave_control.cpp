@@ -141,9 +141,9 @@ void FileWaveControl::StopListening() {
   if (metered_line_ != nullptr) std::exchange(metered_line_, nullptr)->StopRecord();
 }
 
-std::int32_t FileWaveControl::InputLevel() const {
-  if (recording_) return recording_->Level();
-  return metered_line_ != nullptr ? meter_.Level() : 0;
+std::int32_t FileWaveControl::InputLevel(std::chrono::milliseconds ago) const {
+  if (recording_) return recording_->Level(ago);
+  return metered_line_ != nullptr ? meter_.Level(ago) : 0;
 }
 
 std::int32_t FileWaveControl::StartSource(std::unique_ptr<TelephoneDecoder> decoder,

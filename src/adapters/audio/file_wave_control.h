@@ -73,7 +73,7 @@ class FileWaveControl : public WaveControl {
   std::int32_t StartRecord(std::int32_t device, const WaveFormat& format) override;
   std::int32_t StopRecordToFile(const std::string& path) override;
   bool IsRecording() const override { return recording_ != nullptr; }
-  std::int32_t InputLevel() const override;
+  std::int32_t InputLevel(std::chrono::milliseconds ago) const override;
 
   /// kWaveNotRecording when nothing is being captured, kWaveBusy while another monitor runs. When the
   /// recording ends, it continues silently until StopMonitor.

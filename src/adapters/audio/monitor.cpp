@@ -15,6 +15,14 @@ constexpr auto kLevelHolds = 1s;
 
 constexpr std::int32_t kFullScale = 32768;
 
+/// Bits of a remembered level (0 to 1000); the microseconds of the steady clock have the rest.
+constexpr int kLevelBits = 10;
+constexpr std::uint64_t kLevelMask = (1U << kLevelBits) - 1;
+
+std::chrono::microseconds Microseconds(SteadyClock::time_point at) {
+  return std::chrono::floor<std::chrono::microseconds>(at.time_since_epoch());
+}
+
 /// Two buffered blocks absorb the usual jitter; beyond four (80 ms, and up to 20 more in the block being
 /// captured) a listener begins to notice the delay.
 constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
@@ -25,13 +33,22 @@ constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 void PeakMeter::Hear(std::span<const std::int16_t> block, SteadyClock::time_point at) {
   std::int32_t peak = 0;
   for (const std::int16_t sample : block) peak = std::max(peak, std::abs(std::int32_t{sample}));
-  level_ = peak * 1000 / kFullScale;
-  level_at_ = at.time_since_epoch().count();
+  const auto level = static_cast<Heard>(peak * 1000 / kFullScale);
+  const auto count = count_.load(std::memory_order_relaxed);
+  heard_[count % kRemembered] = static_cast<Heard>(Microseconds(at).count()) << kLevelBits | level;
+  count_ = count + 1;
 }
 
-std::int32_t PeakMeter::Level() const {
-  const SteadyClock::time_point at{SteadyClock::duration(level_at_)};
-  return SteadyClock::now() - at < kLevelHolds ? level_.load() : 0;
+std::int32_t PeakMeter::Level(std::chrono::milliseconds ago) const {
+  const auto moment = Microseconds(SteadyClock::now()) - ago;
+  const auto count = count_.load();
+  for (std::size_t back = 1; back <= std::min(count, kRemembered); ++back) {
+    const Heard heard = heard_[(count - back) % kRemembered];
+    const std::chrono::microseconds at(heard >> kLevelBits);
+    if (at > moment) continue;
+    return moment - at < kLevelHolds ? static_cast<std::int32_t>(heard & kLevelMask) : 0;
+  }
+  return 0;
 }
 
 void LiveMonitor::Push(std::span<const std::int16_t> block) {

@@ -12,19 +12,26 @@
 
 namespace orven {
 
-/// Measures the level of a device's audio.
+/// Measures the level of a device's audio and remembers it for a moment: whoever wakes up less often than
+/// blocks come still gets the level of each.
 class PeakMeter : public AudioSink {
  public:
   void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at) override;
   void Write(std::span<const std::int16_t> /*samples*/) override {}
 
-  /// Peak of the last block in thousandths of full scale; 0 when none has arrived for a second: a caller who
-  /// sends nothing is silent. Any thread.
-  std::int32_t Level() const;
+  /// Peak of the block that was heard `ago` before now (0 to 200 ms), in thousandths of full scale; 0 when
+  /// none had come for a second then: a caller who sends nothing is silent. Any thread.
+  std::int32_t Level(std::chrono::milliseconds ago) const;
 
  private:
-  std::atomic<std::int32_t> level_{0};
-  std::atomic<std::chrono::steady_clock::rep> level_at_{0};
+  /// A level and the moment from which it counts, in one word: neither thread ever waits for the other.
+  using Heard = std::uint64_t;
+
+  /// 320 ms: 200 ms back, 100 ms ahead, and a block that is being replaced.
+  static constexpr std::size_t kRemembered = 16;
+
+  std::array<std::atomic<Heard>, kRemembered> heard_{};
+  std::atomic<std::size_t> count_{0};  ///< blocks ever heard
 };
 
 /// Passes audio from a recording device to a playing one while it is captured. The two have different clocks:

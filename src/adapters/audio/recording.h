@@ -50,7 +50,7 @@ class Recording : public AudioSink {
   void Write(std::span<const std::int16_t> samples) override;
 
   /// As PeakMeter's.
-  std::int32_t Level() const { return level_.Level(); }
+  std::int32_t Level(std::chrono::milliseconds ago) const { return level_.Level(ago); }
 
   /// Ends the recording and stores it at `path`, replacing an older file atomically. The file is complete on
   /// return; if it grew on the same file system, it is synced afterwards on the recording's thread. When that

@@ -68,7 +68,7 @@ class CreatorWindow : public WindowTest {
 TEST_F(CreatorWindow, ATakeIsRecordedPlayedAndSavedByReturn) {
   world.Machine().settings.Sound = 4;
   Open();
-  world.loud = 250;
+  world.Wave1.SetLevel(250);
   EXPECT_THAT(Do("@cmdRec txtTTS=typed cmdRec @cmdStopRec"),
               ElementsAre("Start RecMessage[Device:4 1, 1, 16, 8000]->OK"));
   EXPECT_EQ(window->Text(), "");

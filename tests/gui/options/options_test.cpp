@@ -107,7 +107,7 @@ TEST_F(OptionsWindow, TheLevelOfTheCallerIsShownWhileTheDialogIsOpen) {
   const auto& meter = Get<SilenceMeter>("prgSilence");
   EXPECT_EQ(meter.Level(), std::nullopt);
   world.CallAndWaitForAnswer();
-  world.loud = 320;
+  world.Wave1.SetLevel(320);
   for (const auto* heard : {"the greeting", "the beep", "the recording"}) {
     world.RunFor(1s);
     EXPECT_EQ(meter.Level(), 320) << heard;

@@ -99,19 +99,26 @@ TEST_F(Record, LevelIsThePeakOfTheLastBlockInThousandths) {
     Samples block = kSilence;
     block[77] = static_cast<std::int16_t>(sample);
     line.Capture(block);
-    EXPECT_EQ(level, control->InputLevel());
+    EXPECT_EQ(level, control->InputLevel(0ms));
   }
-  EXPECT_TRUE(Eventually([&] { return control->InputLevel() == 0; })) << "the device delivers no more audio";
+  const auto now = std::chrono::steady_clock::now();
+  for (const auto& [from, sample] :
+       std::map<std::chrono::milliseconds, int>{{-900ms, 6554}, {-400ms, 9831}, {60s, 1}})
+    line.sink->Hear(Block(sample), now + from);
+  EXPECT_EQ(200, control->InputLevel(800ms)) << "each moment has the level of its own block";
+  EXPECT_EQ(300, control->InputLevel(0ms));
+  EXPECT_TRUE(Eventually([&] { return control->InputLevel(0ms) == 0; }))
+      << "the device delivers no more audio";
   line.Capture(Block(20000));
   ASSERT_EQ(kWaveOk, control->StopRecordToFile(message));
-  EXPECT_EQ(0, control->InputLevel());
+  EXPECT_EQ(0, control->InputLevel(0ms));
   for (const auto& [device, level] : std::map<int, int>{{kCard, 0}, {kLine, 500}}) {
     ASSERT_EQ(kWaveOk, control->PlayFile(message, device)) << "during a greeting";
     line.Capture(Block(16384));
-    EXPECT_EQ(level, control->InputLevel());
+    EXPECT_EQ(level, control->InputLevel(0ms));
     control->StopPlay();
   }
-  EXPECT_EQ(0, control->InputLevel());
+  EXPECT_EQ(0, control->InputLevel(0ms));
 }
 
 TEST_F(Record, TheMonitorPlaysTheCallerInOrderAndWithAShortDelay) {

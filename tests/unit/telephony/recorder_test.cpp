@@ -22,11 +22,11 @@ class RecorderTest : public testing::Test, public World {
 };
 
 TEST_F(RecorderTest, SilenceEndsTheCallAndOneLoudTickResetsTheCount) {
-  loud = 20;  // exactly the threshold, which counts as silence
+  Wave1.SetLevel(20);  // exactly the threshold, which counts as silence
   RecordWith("SecSilence", "3", 2900ms);
-  loud = 21;
+  Wave1.SetLevel(21);
   RunFor(10ms);
-  loud = 20;
+  Wave1.SetLevel(20);
   RunFor(2990ms);
   EXPECT_TRUE(Wave1.IsRecording());
   RunFor(10ms);
