@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A telephone for measurements: SIP and RTP over plain UDP sockets on 127.0.0.1, PCMU in packets of 20 ms.
+"""A telephone for measurements: SIP and RTP over plain UDP sockets, PCMU in packets of 20 ms.
 Received packets have the kernel's time stamp; sent ones have the time just before the system call."""
 
 import collections
@@ -14,6 +14,7 @@ import time
 
 SO_TIMESTAMPNS = 35  # socket(7); Python has no name for it
 HOST = "127.0.0.1"
+RATE = 8000  # samples a second
 BLOCK = 160  # bytes in a packet of 20 ms
 BLOCK_SECONDS = 0.020
 HEADER_BYTES = 12  # RFC 3550, section 5.1
@@ -30,12 +31,12 @@ def now():
     return time.clock_gettime(time.CLOCK_REALTIME)
 
 
-def stamped_socket():
-    """A datagram socket on a free port whose datagrams come with their arrival time."""
+def stamped_socket(host):
+    """A datagram socket on a free port of `host` whose datagrams come with their arrival time."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     udp.setsockopt(socket.SOL_SOCKET, SO_TIMESTAMPNS, 1)
     udp.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)
-    udp.bind((HOST, 0))
+    udp.bind((host, 0))
     return udp
 
 
@@ -49,6 +50,13 @@ def receive(udp, limit):
             seconds, nanoseconds = struct.unpack("@ll", value[:16])
             return data, seconds + nanoseconds * 1e-9
     raise NoCall("The kernel gave no arrival time")
+
+
+def noise_blocks(seconds):
+    """Mu-law noise without the second code of zero, which recorders cannot distinguish from the first."""
+    codes = bytes(code for code in range(256) if code not in (0x7F, 0xFF))
+    chosen = bytes(random.Random(4).choices(codes, k=int(seconds * RATE)))
+    return [chosen[i : i + BLOCK] for i in range(0, len(chosen), BLOCK)]
 
 
 class Message:
@@ -69,13 +77,14 @@ class Message:
 
 
 class Call:
-    """One call to the telephone at `port`. Use it in a with statement, which hangs up."""
+    """One call from an address of `own` to the telephone at `port` of `host`. Use it in a with statement, which hangs
+    up."""
 
-    def __init__(self, port, user="machine"):
-        self.peer, self.user = (HOST, port), user
-        self.sip, self.sound = stamped_socket(), stamped_socket()
+    def __init__(self, port, user="machine", host=HOST, own=HOST):
+        self.peer, self.user = (host, port), user
+        self.sip, self.sound = stamped_socket(own), stamped_socket(own)
         self.id = os.urandom(8).hex()
-        self._sequence, self._branch, self._remote = 1, "", f"<sip:{user}@{HOST}:{port}>"
+        self._sequence, self._branch, self._remote = 1, "", f"<sip:{user}@{host}:{port}>"
         self._up, self._thread, self._ended = False, None, threading.Event()
         self.to_send = collections.deque()  # blocks, one every 20 ms; silence when there is none
 
@@ -113,7 +122,7 @@ class Call:
             self._send("ACK")
             raise NoCall(f"The call was answered with {answer.status}")
         self.answered, self._up = answer.arrived, True
-        self.sound_peer = (HOST, answer.sound_port())
+        self.sound_peer = (self.peer[0], answer.sound_port())
 
     def acknowledge(self):
         self.acknowledged = self._send("ACK")

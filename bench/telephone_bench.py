@@ -9,9 +9,7 @@ A test telephone calls ORVEN and baresip in turn; all times are the kernel's.
 
 import contextlib
 import os
-import random
 import statistics
-import subprocess
 import sys
 import tempfile
 import time
@@ -155,38 +153,12 @@ def report_spacing(table, answering, what):
               "deviation 0.3  worst 22 ms")
 
 
-@contextlib.contextmanager
-def busy():
-    """Processes that use all the CPU time they get."""
-    loops = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(BUSY_PROCESSES)]
-    try:
-        yield
-    finally:
-        for loop in loops:
-            loop.kill()
-            loop.wait()
-
-
-def noise_blocks(seconds):
-    """Mu-law noise without the second code of zero, which recorders cannot distinguish from the first."""
-    codes = bytes(code for code in range(256) if code not in (0x7F, 0xFF))
-    chosen = bytes(random.Random(4).choices(codes, k=int(seconds * sound.RATE)))
-    return [chosen[i : i + sip_telephone.BLOCK] for i in range(0, len(chosen), sip_telephone.BLOCK)]
-
-
 def talk_through(call, blocks, process):
     """Sends one block every 20 ms; returns the CPU time that the answering program used meanwhile."""
     before = process.cpu_seconds()
     call.to_send.extend(blocks)
     processes.wait_for("The end of the minute", lambda: not call.to_send, 2 * RECORDED_SECONDS)
     return process.cpu_seconds() - before
-
-
-def data_of(path):
-    """The raw audio of a WAV file: the content of its data chunk."""
-    with open(path, "rb") as file:
-        content = file.read()
-    return content[content.index(b"data") + 8 :]
 
 
 def compared(sent, recorded):
@@ -200,7 +172,7 @@ def compared(sent, recorded):
 
 
 def report_recording(table, program, folder):
-    blocks = noise_blocks(RECORDED_SECONDS)
+    blocks = sip_telephone.noise_blocks(RECORDED_SECONDS)
     cpu = ["", ""]
     found = ""
     with answerers.Orven(program, os.path.join(folder, "recorder"), sound.silence(0.3), {"CompressMessages": "1"}) as ours:
@@ -214,7 +186,7 @@ def report_recording(table, program, folder):
                 time.sleep(0.5)
             processes.wait_for("The record of the call", ours.machine.records, 10, ours.machine.look)
             message = ours.machine.message(ours.machine.records()[-1])
-            found = compared(b"".join(blocks), data_of(message))
+            found = compared(b"".join(blocks), sound.data(message))
     with table.failing("recorded call to baresip"), \
          answerers.Peer(os.path.join(folder, "peer_recorder"), sound.noise(2 * RECORDED_SECONDS, seed=1), records=True) as peer:  # fmt: skip
         with sip_telephone.Call(peer.port, peer.user) as call:
@@ -283,7 +255,7 @@ def main(program):
             report_answers(table, both)
             report_second_rings(table, ours)
             report_spacing(table, both, "machine idle")
-            with busy():
+            with processes.busy(BUSY_PROCESSES):
                 report_spacing(table, both, f"{BUSY_PROCESSES} busy processes")
         report_recording(table, program, folder)
         with table.failing("X display"), display.Display(folder) as screen, \

@@ -17,15 +17,15 @@ LINE = "Demo"  # the name of the telephone line
 
 class Machine:
     """ORVEN in the application folder `folder`/home, which is new or a copy of `template`, an earlier machine's.
-    Its only telephone line is on 127.0.0.1, or at the modem_telephone.Modem `modem`. Its windows are on the Display
-    `display`, if any. Every new log line is passed to `show`. Every start passes `arguments` to the program. Use it
-    in a with statement, which stops the program."""
+    Its only telephone line is on the address `host`, or at the modem_telephone.Modem `modem`. Its windows are on the
+    Display `display`, if any. Every new log line is passed to `show`. Every start passes `arguments` to the program.
+    Use it in a with statement, which stops the program."""
 
     def __init__(self, program, folder, show=lambda *_: None, display=None, modem=None, arguments=(), template=None,
-                 variables=None):  # fmt: skip
-        self._follow(os.path.join(folder, "home"), folder, show, processes.free_port(), modem)
+                 variables=None, host="127.0.0.1"):  # fmt: skip
+        self._follow(os.path.join(folder, "home"), folder, show, processes.free_port(), modem, host)
         self.program, self.arguments = os.path.abspath(program), arguments
-        sip = f"type = sip\nlisten = 127.0.0.1:{self.port}\nring_seconds = 1"
+        sip = f"type = sip\nlisten = {host}:{self.port}\nring_seconds = 1"
         self.line = f"type = modem\nport = {modem.port}" if modem else sip
         self.config = os.path.join(folder, "config")  # the first start adds ORVEN to the programs started at login
         self._display, self.variables = display, dict(variables or {}, ORVEN_HOME=self.home, XDG_CONFIG_HOME=self.config)
@@ -37,10 +37,10 @@ class Machine:
             os.makedirs(self.home)
         self.write_line(self.line)
 
-    def _follow(self, home, folder, show, port, modem=None):
+    def _follow(self, home, folder, show, port, modem=None, host="127.0.0.1"):
         """What calling and watching the machine in `home` takes, however it was made."""
         self.home, self.port, self.modem, self.process, self.encrypted = home, port, modem, None, False
-        self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@127.0.0.1:{port}"
+        self.address = f"the line of the modem at {modem.port}" if modem else f"sip:machine@{host}:{port}"
         self.ready = f"The modem at {modem.port} is: " if modem else "LineOpen["
         self._folder, self._output, self._show, self._read_so_far = folder, os.path.join(folder, "orven.out"), show, {}
         self._logs, self._start = {"Sys": [], "Calls": []}, 0

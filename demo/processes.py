@@ -39,6 +39,24 @@ def hurry(process):
         os.sched_setscheduler(process.pid, os.SCHED_RR, os.sched_param(1))
 
 
+def keep_time():
+    """Gives this thread, but not what it starts, a real-time priority if that is allowed."""
+    with contextlib.suppress(PermissionError):
+        os.sched_setscheduler(0, os.SCHED_RR | os.SCHED_RESET_ON_FORK, os.sched_param(1))
+
+
+@contextlib.contextmanager
+def busy(count):
+    """Processes that use all the processor time they get."""
+    loops = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(count)]
+    try:
+        yield
+    finally:
+        for loop in loops:
+            loop.kill()
+            loop.wait()
+
+
 def stop(process, limit):
     """Asks the process to end (SIGTERM) and returns its exit code; None when it had to be killed. If it was started
     with start_new_session, its children are killed with it."""

@@ -50,6 +50,13 @@ def read_growing(path):
     return array.array("h", data[: len(data) // 2 * 2])
 
 
+def data(path):
+    """The bytes of a WAV file's samples, as they are encoded."""
+    with open(path, "rb") as file:
+        content = file.read()
+    return content[content.index(b"data") + 8 :]
+
+
 def write(path, samples):
     with wave.open(path, "wb") as file:
         file.setparams((1, 2, RATE, len(samples), "NONE", ""))
