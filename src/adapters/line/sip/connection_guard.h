@@ -90,7 +90,7 @@ class DescriptorReserve {
   void Release() { held_.clear(); }
 
  private:
-  static constexpr std::size_t kCount = 9;  ///< a call takes two ports and four timers, and one for a moment
+  static constexpr std::size_t kCount = 10;  ///< a call takes two ports and five timers, and one for a moment
   std::list<Descriptor> held_;
 };
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "adapters/line/sip/rtp.h"
 
@@ -67,8 +68,10 @@ void RtpStream::SourceReady() {
 }
 
 void RtpStream::Update(const MediaAgreement& agreement) {
+  // A refresh says nothing new: the peer hears on where it is, even behind a router that hides its address.
+  if (!agreement_ || !sa_cmp(&agreement.peer, &agreement_->peer, SA_ALL)) source_.reset();
   Agree(agreement);
-  source_.reset();
+  source_open_ = true;
   refused_since_.reset();
   alive_ = Clock::now();
 }
@@ -163,11 +166,8 @@ void RtpStream::CheckPeer(Time now) {
 /// The negotiated address may always send. Another one may if it is the first to send (a router gave the peer
 /// another address), and only until the negotiated one sends.
 bool RtpStream::IsPeer(const sa& source) {
-  if (sa_cmp(&source, &agreement_->peer, SA_ALL)) {
-    source_ = source;
-    return true;
-  }
-  if (!source_) source_ = source;
+  const bool negotiated = sa_cmp(&source, &agreement_->peer, SA_ALL);
+  if (std::exchange(source_open_, false) || negotiated) source_ = source;
   return sa_cmp(&source, &*source_, SA_ALL);
 }
 

@@ -80,6 +80,7 @@ class RtpStream {
   std::optional<SrtpReceiver> rtp_receiver_;
   std::optional<SrtpReceiver> rtcp_receiver_;
   std::optional<sa> source_;  ///< where the peer's packets come from
+  bool source_open_ = true;   ///< the next packet may come from anywhere and becomes the peer's
 
   JitterBuffer jitter_buffer_;
   DtmfDetector dtmf_detector_;

@@ -16,8 +16,6 @@ namespace {
 using Kind = LineEvent::Kind;
 using std::chrono::steady_clock;
 
-constexpr const char* kSessionType = "application/sdp";
-
 /// The caller, from the headers of an INVITE.
 CallerIdentity CallerOf(const sip_msg& invite) {
   const sip_hdr* const privacy = sip_msg_hdr(&invite, SIP_HDR_PRIVACY);
@@ -60,12 +58,15 @@ SipCall::SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& in
                            .digit = [this](DigitSource source, char digit) { DigitHeard(source, digit); },
                            .held = [this](DigitSource source) { digits_.Held(source, steady_clock::now()); },
                            .lost = [this] { End(true); }})),
+      session_timer_(invite, ports.settings.timers.shortest_session,
+                     {.refresh = [this] { Refresh(); }, .expired = [this] { End(true); }}),
       ring_timer_([this] { Ring(); }),
       ack_timer_([this] { End(true); }) {}
 
 SipCall::~SipCall() = default;
 
 bool SipCall::Prepare(const sip_msg& invite) {
+  if (RefuseBriefSession(invite)) return false;
   if (stream_ == nullptr) {
     (void)sip_reply(ports_.stack, &invite, 500, "No Port For Sound");
     return false;
@@ -93,8 +94,9 @@ bool SipCall::Begin(const sip_msg& invite) {
   }
   const std::string headers = RingingHeaders();
   sipsess* session = nullptr;
+  const std::string type = SessionType();
   const int error = sipsess_accept(
-      &session, ports_.sessions, &invite, 180, "Ringing", ports_.contact.c_str(), kSessionType, nullptr,
+      &session, ports_.sessions, &invite, 180, "Ringing", ports_.contact.c_str(), type.c_str(), nullptr,
       nullptr, nullptr, false,
       [](mbuf** answer, const sip_msg* request, void* self) {
         return Self(self).TakeOffer(answer, *request);
@@ -134,6 +136,13 @@ void SipCall::Ring() {
   Tell({.kind = Kind::Ring, .number = ++rings_});
 }
 
+/// The type of our descriptions and, as the library has no other place for header lines in its answers to a
+/// re-INVITE and in our own, those of the session timer.
+std::string SipCall::SessionType() const {
+  const std::string timer = session_timer_.Headers();
+  return "application/sdp" + (timer.empty() ? "" : "\r\n" + timer.substr(0, timer.size() - 2));
+}
+
 std::string SipCall::RingingHeaders() const {
   return kAbilities + (reliable_ ? reliable_->Headers() : "");
 }
@@ -157,6 +166,7 @@ void SipCall::Enter(State next) {
     if (reliable_) reliable_->Stop();
   }
   if (next != State::kAnswered) ack_timer_.Stop();
+  if (next == State::kGone) session_timer_.Stop();
 }
 
 void SipCall::Answer(std::int32_t request) {
@@ -169,6 +179,7 @@ void SipCall::Answer(std::int32_t request) {
   Enter(State::kAnswered);
   Done(request, kTelephonyOk);
   ack_timer_.StartOnce(ports_.settings.timers.no_ack);
+  session_timer_.Restart();
   stream_->Start(agreement_);
 }
 
@@ -217,40 +228,87 @@ bool SipCall::TakeDescription(const sip_msg& message, bool is_offer) {
   return true;
 }
 
+/// A re-INVITE that offers what is agreed. The header lines in its type say that the caller may confirm next;
+/// both sides doing so does no harm.
+void SipCall::Refresh() {
+  const LibrePtr<mbuf> offer = negotiation_->Write(true);
+  if (offer != nullptr) (void)sipsess_modify(session_.get(), offer.get());
+}
+
 /// A re-INVITE. Without an agreement it is refused (488) and the call goes on as before. No exception may
 /// reach the library.
 int SipCall::TakeOffer(mbuf** answer, const sip_msg& request) try {
   const bool has_offer = mbuf_get_left(request.mb) > 0;
   if (has_offer && !TakeDescription(request, true)) return ENOTSUP;
+  session_timer_.Restart();
   *answer = negotiation_->Write(!has_offer).release();
   return *answer != nullptr ? 0 : ENOMEM;
 } catch (const std::exception&) {
   return ENOMEM;
 }
 
-/// The answer to our offer comes with the ACK.
-int SipCall::TakeAnswer(const sip_msg& ack) try {
-  return TakeDescription(ack, false) ? 0 : EPROTO;
+/// The answer to our offer comes with the ACK, or with the answer to our re-INVITE.
+int SipCall::TakeAnswer(const sip_msg& message) try {
+  if (!message.req) session_timer_.Restart();
+  return TakeDescription(message, false) ? 0 : EPROTO;
 } catch (const std::exception&) {
   return ENOMEM;
 }
 
-bool SipCall::Take(const sip_msg& request) {
-  if (session_ == nullptr || pl_strcmp(&request.met, "PRACK") != 0) return false;
+bool SipCall::Take(const sip_msg& request) try {
+  const bool is_prack = pl_strcmp(&request.met, "PRACK") == 0;
+  if (session_ == nullptr || (!is_prack && pl_strcmp(&request.met, "UPDATE") != 0)) return false;
   sip_dialog* const dialog = sipsess_dialog(session_.get());
   if (!sip_dialog_cmp(dialog, &request)) return false;
-  if (sip_dialog_rseq_valid(dialog, &request)) {
-    TakePrack(request);
-  } else {
+  if (!sip_dialog_rseq_valid(dialog, &request)) {
     (void)sip_treply(nullptr, ports_.stack, &request, 500, "Server Internal Error");
+  } else {
+    is_prack ? TakePrack(request) : TakeUpdate(request);
   }
   return true;
+} catch (const std::exception&) {
+  return true;  // without memory: the caller will repeat it
 }
 
 void SipCall::TakePrack(const sip_msg& request) {
   const bool confirms = reliable_ && reliable_->Confirm(request);
   (void)sip_treply(nullptr, ports_.stack, &request, confirms ? 200 : 481,
                    confirms ? "OK" : "Call/Transaction Does Not Exist");
+}
+
+/// RFC 3311. An offer is read like that of a re-INVITE, but must not overtake the offers of the INVITE.
+void SipCall::TakeUpdate(const sip_msg& request) {
+  if (RefuseBriefSession(request)) return;
+  mbuf* written = nullptr;
+  if (mbuf_get_left(request.mb) > 0) {
+    if (state_ == State::kRinging || !agreement_) {
+      (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 500, "Server Internal Error",
+                        "Retry-After: 5\r\nContent-Length: 0\r\n\r\n");
+      return;
+    }
+    if (TakeOffer(&written, request) != 0) {
+      (void)sip_treply(nullptr, ports_.stack, &request, 488, "Not Acceptable Here");
+      return;
+    }
+  }
+  const LibrePtr<mbuf> answer(written);
+  if (state_ != State::kRinging) session_timer_.Restart();
+  (void)sip_dialog_update(sipsess_dialog(session_.get()), &request);
+  sip_contact contact{};
+  sip_contact_set(&contact, ports_.contact.c_str(), &request.dst, request.tp);
+  (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 200, "OK",
+                    "%H%s%sContent-Length: %zu\r\n\r\n%b", sip_contact_print, &contact,
+                    session_timer_.Headers().c_str(), answer ? "Content-Type: application/sdp\r\n" : "",
+                    answer ? mbuf_get_left(answer.get()) : 0, answer ? mbuf_buf(answer.get()) : nullptr,
+                    answer ? mbuf_get_left(answer.get()) : 0);
+}
+
+bool SipCall::RefuseBriefSession(const sip_msg& request) {
+  const auto shortest = ports_.settings.timers.shortest_session;
+  if (!SessionTimer::IsTooBrief(request, shortest)) return false;
+  (void)sip_replyf(ports_.stack, &request, 422, "Session Interval Too Small",
+                   "Min-SE: %u\r\nContent-Length: 0\r\n\r\n", static_cast<unsigned>(shortest.count()));
+  return true;
 }
 
 void SipCall::TakeInfo(const sip_msg& request) {

@@ -12,6 +12,7 @@
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/reliable_ringing.h"
 #include "adapters/line/sip/rtp_stream.h"
+#include "adapters/line/sip/session_timer.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "platform/line_driver.h"
 
@@ -70,18 +71,22 @@ class SipCall {
   void Tell(LineEvent event);
   void Done(std::int32_t request, std::int32_t result);
   void Ring();
+  std::string SessionType() const;
+  bool RefuseBriefSession(const sip_msg& request);
   std::string RingingHeaders() const;
   void RepeatRinging();
   void EndUnheard();
   bool SendAnswer();
   void Connect();
   void EndSession();
+  void Refresh();
 
   bool TakeDescription(const sip_msg& message, bool is_offer);
   int TakeOffer(mbuf** answer, const sip_msg& request);
-  int TakeAnswer(const sip_msg& ack);
+  int TakeAnswer(const sip_msg& message);
   void TakeInfo(const sip_msg& request);
   void TakePrack(const sip_msg& request);
+  void TakeUpdate(const sip_msg& request);
 
   void DigitHeard(DigitSource source, char digit);
 
@@ -95,6 +100,7 @@ class SipCall {
   DigitMerger digits_;
   KeyRateLimit key_rate_;
   std::optional<ReliableRinging> reliable_;  ///< where the caller requires it
+  SessionTimer session_timer_;
   MonotonicTimer ring_timer_;
   MonotonicTimer ack_timer_;
   std::int32_t rings_ = 0;

@@ -18,7 +18,7 @@ SipEndpoint& Self(void* endpoint) {
 }
 
 /// The extensions that a caller may require.
-constexpr std::array kExtensions{"100rel"};
+constexpr std::array kExtensions{"100rel", "timer"};
 
 /// What `request` requires and we do not support; empty: nothing.
 std::string UnsupportedIn(const sip_msg& request) {
@@ -111,10 +111,11 @@ bool IsValidRequest(sip& stack, const sip_msg& request) {
 /// Answers a request that neither belongs to a call nor begins one: OPTIONS with what we support, one that
 /// belongs to a call which is over with 481, others with 405.
 void AnswerOtherRequest(sip& stack, const sip_msg& request) {
-  if (pl_strcmp(&request.met, "OPTIONS") == 0) {
+  const auto is = [&request](const char* method) { return pl_strcmp(&request.met, method) == 0; };
+  if (is("OPTIONS")) {
     (void)sip_replyf(&stack, &request, 200, "OK", "%sAccept: application/sdp\r\nContent-Length: 0\r\n\r\n",
                      kAbilities);
-  } else if (pl_strcmp(&request.met, "CANCEL") == 0 || pl_strcmp(&request.met, "PRACK") == 0) {
+  } else if (is("CANCEL") || is("PRACK") || is("UPDATE")) {
     (void)sip_reply(&stack, &request, 481, "Call/Transaction Does Not Exist");
   } else {
     (void)sip_replyf(&stack, &request, 405, "Method Not Allowed", "%sContent-Length: 0\r\n\r\n", kAbilities);

@@ -54,6 +54,6 @@ class SipEndpoint {
 
 /// The header lines with the methods and the extensions that we support (RFC 3261, sections 20.5 and 20.37).
 inline constexpr const char* kAbilities =
-    "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO, PRACK\r\nSupported: 100rel\r\n";
+    "Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, INFO, PRACK, UPDATE\r\nSupported: 100rel, timer\r\n";
 
 }  // namespace orven

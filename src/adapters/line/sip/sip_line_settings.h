@@ -19,6 +19,8 @@ struct SipLineTimers {
   /// caller requires to be reliable (RFC 3262, section 3). A longer value has no effect on the answer: the SIP
   /// library gives up then.
   std::chrono::milliseconds no_ack{32'000};
+  /// The shortest interval of a session timer: nobody need accept a shorter one (RFC 4028, section 4).
+  std::chrono::seconds shortest_session{90};
   /// A call ends when the peer's computer has refused our packets (ICMP port unreachable) and sent none for
   /// this time. One refusal is not enough: a peer may open its port a moment late.
   std::chrono::milliseconds unreachable{2'000};

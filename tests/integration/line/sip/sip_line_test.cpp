@@ -93,6 +93,46 @@ TEST_F(SipLineTest, ARingingThatMustArriveIsRepeatedUntilItIsConfirmedOrTheCallE
   Play("Ring 2 1,< 504,Idle 2");
 }
 
+TEST_F(SipLineTest, ASessionTimerEndsACallThatNobodyConfirms) {
+  settings.timers.shortest_session = std::chrono::seconds(2);
+  OpenLine();
+  const auto send = [&](const std::string& method, const std::string& headers, const std::string& body = "") {
+    caller->Send(
+        std::regex_replace(caller->Text(method, body), std::regex("Contact"), headers + "\r\nContact"));
+  };
+  send("INVITE", "Supported: timer\r\nSession-Expires: 1", caller->Sdp());
+  EXPECT_EQ(Header(caller->Take("422"), "Min-SE"), "2");
+  send("INVITE", "Supported: timer\r\nSession-Expires: 2", caller->Sdp());
+  Play("Ring 1 1,answer 1,< 200,> ACK");
+  EXPECT_EQ(Header(caller->answer, "Session-Expires"), "2;refresher=uac");
+  send("UPDATE", "Subject: x", caller->Sdp("0", "sendonly"));
+  Play("< 200,deaf 800");
+  send("UPDATE", "Supported: timer", caller->Sdp("18"));
+  Play("< 488");
+  send("UPDATE", "Supported: timer");
+  EXPECT_EQ(Header(caller->Take("200"), "Session-Expires"), "2;refresher=uac");
+  send("UPDATE", "Subject: x", caller->Sdp());
+  Play("< 200,hears 40");
+  EXPECT_EQ(events.All().back(), "Connected 1") << "the call has been confirmed";
+  Play("Disconnected 1,Idle 1,< BYE,> UPDATE,< 481,caller 2");
+  // The second caller wants us to confirm, and is behind a router.
+  send("INVITE", "Session-Expires: 2",
+       std::regex_replace(caller->Sdp(), std::regex("audio .* RTP"), "audio 9 RTP"));
+  Play("Ring 2 1,answer 1,< 200,> ACK");
+  caller->SendRtp(RtpPacketBytes(0, 1, 160, NoiseBytes(1, 1)));
+  std::string ours = caller->Take("INVITE");
+  EXPECT_EQ(Header(ours, "Session-Expires"), "2;refresher=uas");
+  EXPECT_EQ(ours.substr(ours.find("m=")), caller->answer.substr(caller->answer.find("m=")))
+      << "another offer";
+  const auto sdp = std::regex_replace(caller->Sdp("0 101"), std::regex("audio .* RTP"), "audio 9 RTP");
+  ours = ReplyTo(ours, "200 OK", "Contact: " + Header(caller->Text("UPDATE"), "Contact") + "\r\n");
+  caller->Send(std::regex_replace(ours, std::regex("Length: 0\r\n\r\n"),
+                                  "Length: " + std::to_string(sdp.size()) + "\r\n\r\n" + sdp));
+  Play("< ACK,hears 40");
+  EXPECT_EQ(events.All().back(), "Connected 2") << "the confirmation was accepted";
+  Play("Disconnected 2,Idle 2");
+}
+
 TEST_F(SipLineTest, ASecondCallerIsBusyAndClosingHangsUp) {
   Play(Connected("1"));
   const Texts before = events.All();
