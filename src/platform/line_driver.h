@@ -26,6 +26,9 @@ struct LineEvent {
     /// `name` and `text` (the number): from a driver as the network sent them, decoded to UTF-8, empty if not
     /// sent; after the control clean and never empty.
     CallerID,
+    /// The call was for `name` first and came here for the reason `text`, in a few words. From a driver as
+    /// the network told it, decoded to UTF-8, empty if not told; after the control clean, `name` never empty.
+    Diverted,
     /// The result of the request `number`, exactly one for each Answer or Drop. From a driver kTelephonyOk or
     /// a negative TelephonyResult; after the control equal to the request on success.
     Proc,
@@ -46,8 +49,8 @@ struct LineEvent {
   std::int32_t number = 0;  ///< Ring, Proc
   std::int32_t result = 0;  ///< Proc
   char digit = 0;           ///< MonitorDigit
-  std::string name{};       ///< CallerID
-  std::string text{};       ///< CallerID, Trouble
+  std::string name{};       ///< CallerID, Diverted
+  std::string text{};       ///< CallerID, Diverted, Trouble
 };
 
 /// Where a driver pushes its events: on any thread, one at a time, in the order in which things happen. It

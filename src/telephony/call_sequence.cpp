@@ -12,6 +12,7 @@ void CallSequence::Handle(const LineEvent& event) {
     case Kind::InCommingCall: return InCommingCall(line);
     case Kind::Ring: return Ring(line, event.number);
     case Kind::CallerID: return CallerID(line, event.name, event.text);
+    case Kind::Diverted: return Diverted(line, event.name, event.text);
     case Kind::Proc: return Proc(line, event.number, event.result);
     case Kind::Connected:
       if (control_.call.InProgress()) Connected(line);
@@ -61,6 +62,10 @@ void CallSequence::CallerID(std::int32_t line, const std::string& name, const st
   control_.call.caller_number = number;
   control_.open_calls.Note(control_.call);
   if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowCall(control_.call);
+}
+
+void CallSequence::Diverted(std::int32_t line, const std::string& from, const std::string& reason) {
+  control_.log.WriteSystem("Diverted" + LineTag(line) + "->" + from + (reason.empty() ? "" : " " + reason));
 }
 
 /// An answer or a hang-up completed; `result` equals `request` on success.

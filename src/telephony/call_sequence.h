@@ -38,6 +38,7 @@ class CallSequence : public WaveEvents {
   void InCommingCall(std::int32_t line);
   void Ring(std::int32_t line, std::int32_t count);
   void CallerID(std::int32_t line, const std::string& name, const std::string& number);
+  void Diverted(std::int32_t line, const std::string& from, const std::string& reason);
   void Proc(std::int32_t line, std::int32_t request, std::int32_t result);
   void Connected(std::int32_t line);
   void Disconnected(std::int32_t line);

@@ -33,10 +33,14 @@ const char* TextOf(std::int32_t result) {
   }
 }
 
-/// Cleans the caller's texts and names what the network did not send. False when it sent nothing.
-bool CleanCaller(LineEvent& event) {
+void Clean(LineEvent& event) {
   event.name = CleanCallerText(event.name);
   event.text = CleanCallerText(event.text);
+}
+
+/// Cleans the caller's texts and names what the network did not send. False when it sent nothing.
+bool CleanCaller(LineEvent& event) {
+  Clean(event);
   if (event.name.empty() && event.text.empty()) return false;
   for (auto* text : {&event.name, &event.text}) {
     if (text->empty()) *text = kUnknownCaller;
@@ -198,6 +202,11 @@ void TelephonyControl::Take(Line& line, LineEvent event) {
       break;
     case Kind::CallerID:
       if (!current || !CleanCaller(event)) return;
+      break;
+    case Kind::Diverted:
+      if (!current) return;
+      Clean(event);
+      if (event.name.empty()) event.name = kUnknownCaller;
       break;
     case Kind::Proc:
       if (event.number == kOwnRequest) return;

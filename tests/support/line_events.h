@@ -10,8 +10,8 @@ namespace orven::test {
 /// A driver's event in a few words.
 inline std::string ToText(const LineEvent& event) {
   using Kind = LineEvent::Kind;
-  constexpr const char* kWords[] = {"Offered ", "Ring ",         "CallerId ", "Done ",   "Connected ",
-                                    "Digit ",   "Disconnected ", "Idle ",     "Trouble "};
+  constexpr const char* kWords[] = {"Offered ",   "Ring ",  "CallerId ",     "Diverted ", "Done ",
+                                    "Connected ", "Digit ", "Disconnected ", "Idle ",     "Trouble "};
   const std::string word = kWords[static_cast<int>(event.kind)], number = std::to_string(event.number);
   const bool failed = event.result == kTelephonyDeviceFailed;
   if (event.kind == Kind::Proc)
@@ -19,7 +19,8 @@ inline std::string ToText(const LineEvent& event) {
   if (event.kind == Kind::MonitorDigit) return word + event.digit;
   if (event.kind == Kind::Trouble) return word + event.text;
   const auto call = word + std::to_string(event.call);
-  if (event.kind == Kind::CallerID) return call + ' ' + event.name + '/' + event.text;
+  if (event.kind == Kind::CallerID || event.kind == Kind::Diverted)
+    return call + ' ' + event.name + '/' + event.text;
   return event.kind == Kind::Ring ? call + ' ' + number : call;
 }
 

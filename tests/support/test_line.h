@@ -21,6 +21,9 @@ class TestLine : public LineDriver {
   void CallerId(const std::string& name, const std::string& number) {
     sim_.Do({.kind = SimStep::Kind::CallerId, .name = name, .number = number});
   }
+  void Divert(const std::string& from, const std::string& reason) {
+    events_({.kind = LineEvent::Kind::Diverted, .call = call_, .name = from, .text = reason});
+  }
   void Press(char digit) { sim_.Do({.kind = SimStep::Kind::Press, .number = {digit}}); }
   void HangUp() { sim_.Do({.kind = SimStep::Kind::HangUp}); }
 

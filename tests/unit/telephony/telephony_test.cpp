@@ -39,20 +39,22 @@ TEST_F(TelephonyTest, LogsEveryStepOfACallWithAMessage) {
   const auto lines = LoggedBy([&] {
     line->Offer();
     line->CallerId("Anna", "5551234");
+    line->Divert("555\t9999", "no answer");
     for (int ring = 0; ring < 2; ++ring, RunFor(1s)) line->Ring();
     time.RunUntil([&] { return Wave1.IsRecording(); }, 60s);
     Talk();
     RunFor(5s);
     HangUp();
   });
-  EXPECT_THAT(lines, ElementsAre("InCommingCall[LineIndex:0]", "CallerID[LineIndex:0]->Anna-5551234",
-                                 "Ring[LineIndex:0]->1", "Ring[LineIndex:0]->2",
-                                 "LineAnswer[LineIndex:0]->Proc Num: 1", "Proc[LineIndex:0]->1 1",
-                                 "Proc[LineIndex:0]->1 Success.", "Connected[LineIndex:0]", "Play Beep OK",
-                                 "Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->OK",
-                                 "Disconnected[LineIndex:0]", "Record Message OK", "Close PreScreenOK",
-                                 "LineDrop[LineIndex:0]->Proc Num: Success", "Proc[LineIndex:0]->2 2",
-                                 "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
+  EXPECT_THAT(lines,
+              ElementsAre("InCommingCall[LineIndex:0]", "CallerID[LineIndex:0]->Anna-5551234",
+                          "Diverted[LineIndex:0]->555 9999 no answer", "Ring[LineIndex:0]->1",
+                          "Ring[LineIndex:0]->2", "LineAnswer[LineIndex:0]->Proc Num: 1",
+                          "Proc[LineIndex:0]->1 1", "Proc[LineIndex:0]->1 Success.", "Connected[LineIndex:0]",
+                          "Play Beep OK", "Start Record Message[LineIndex:1000] Format:, 1, 1, 16, 8000->OK",
+                          "Disconnected[LineIndex:0]", "Record Message OK", "Close PreScreenOK",
+                          "LineDrop[LineIndex:0]->Proc Num: Success", "Proc[LineIndex:0]->2 2",
+                          "Proc[LineIndex:0]->2 Success.", "Idle[LineIndex:0]"));
   EXPECT_THAT(database.Records(), ElementsAre(ElementsAre("Anna", "5551234", "14:05:07", "12/31/2003",
                                                           "12-31-2003_14-05-07.wav", "5", "0")));
 }

@@ -2,116 +2,68 @@
 #include "adapters/line/sip/caller_identity.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstddef>
-#include <cstdint>
+#include <initializer_list>
 
+#include "adapters/line/sip/name_address.h"
 #include "base/text.h"
-#include "base/unicode.h"
 
 namespace orven {
 namespace {
 
-/// A name-addr or addr-spec (RFC 3261, section 25.1), parsed here because it accepts malformed names, as
-/// telephones send them, which the library's parser refuses.
-struct Address {
-  std::string name;
-  std::string scheme;  ///< in lower case
-  std::string user;
-  std::string host;
-};
-
-std::string DecodePercent(std::string_view text) {
-  std::string decoded;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    std::uint8_t value = 0;
-    const char* hex = text.data() + i + 1;
-    if (text[i] == '%' && i + 2 < text.size() && std::from_chars(hex, hex + 2, value, 16).ptr == hex + 2) {
-      decoded += static_cast<char>(value);
-      i += 2;
-    } else {
-      decoded += text[i];
-    }
-  }
-  return decoded;
-}
-
-/// Removes a quoted string from the beginning of `rest`; `rest` begins with the quote.
-std::string TakeQuoted(std::string_view& rest) {
-  std::string text;
-  std::size_t i = 1;
-  while (i < rest.size() && rest[i] != '"') {
-    if (rest[i] == '\\' && i + 1 < rest.size()) ++i;
-    text += rest[i++];
-  }
-  rest.remove_prefix(std::min(i + 1, rest.size()));
-  return text;
-}
-
-void ParseUri(std::string_view uri, Address& address) {
-  const auto colon = uri.find(':');
-  if (colon == std::string_view::npos) return;
-  address.scheme = Lower(uri.substr(0, colon));
-  std::string_view rest = uri.substr(colon + 1);
-  if (address.scheme == "tel") {
-    // The separators have no meaning (RFC 3966, section 3).
-    for (const char c : rest.substr(0, rest.find(';'))) {
-      if (std::string_view("-.() ").find(c) == std::string_view::npos) address.user += c;
-    }
-    return;
-  }
-  if (const auto at = rest.rfind('@'); at != std::string_view::npos) {
-    // What follows ":" or ";" is a password or parameters.
-    const std::string_view user = rest.substr(0, at);
-    address.user = DecodePercent(user.substr(0, user.find_first_of(":;")));
-    rest = rest.substr(at + 1);
-  }
-  address.host = Lower(rest.substr(0, rest.find_first_of(":;?>")));
-}
-
-Address Parse(std::string_view value) {
-  Address address;
-  std::string_view rest = Trimmed(value);
-  if (!rest.empty() && rest.front() == '"') {
-    address.name = TakeQuoted(rest);
-  } else if (const auto bracket = rest.find('<'); bracket != std::string_view::npos) {
-    address.name = std::string(Trimmed(rest.substr(0, bracket)));
-  }
-  if (const auto bracket = rest.find('<'); bracket != std::string_view::npos) {
-    rest = rest.substr(bracket + 1);
-    rest = rest.substr(0, rest.find('>'));
-  } else {
-    rest = rest.substr(0, rest.find(';'));
-  }
-  ParseUri(Trimmed(rest), address);
-  address.name = Utf8FromUnknown(Trimmed(address.name));
-  address.user = Utf8FromUnknown(address.user);
-  return address;
-}
-
-bool IsAnonymous(const Address& address) {
+bool IsAnonymous(const NameAddress& address) {
   return Lower(address.user) == "anonymous" || address.host == "anonymous.invalid" ||
          Lower(address.name) == "anonymous";
 }
 
-/// "id" withholds the asserted identity (RFC 3325, section 9.3), "user" what the telephone sends.
+/// "id" withholds the asserted identity (RFC 3325, section 9.3), "user" and "header" what the telephone sends
+/// (RFC 3323, section 4.2).
 bool IsWithheld(std::string_view privacy) {
   std::string values = ";" + Lower(privacy) + ";";
   std::erase(values, ' ');
-  return values.find(";id;") != std::string::npos || values.find(";user;") != std::string::npos;
+  return std::ranges::any_of(std::initializer_list<const char*>{";id;", ";user;", ";header;"},
+                             [&values](const char* one) { return values.find(one) != std::string::npos; });
+}
+
+/// Nothing unless `address`, of a Remote-Party-ID, is the caller's. Removes what he withholds.
+void Censor(NameAddress& address) {
+  const std::string party = ParameterIn(address.parameters, "party");
+  const std::string privacy = ParameterIn(address.parameters, "privacy");
+  if (!party.empty() && party != "calling") address = {};
+  if (privacy == "full" || privacy == "name") address.name.clear();
+  if (privacy == "full" || privacy == "uri") address.user.clear();
+}
+
+/// The addresses among `values`.
+std::vector<NameAddress> AddressesOf(const std::vector<std::string_view>& values,
+                                     void (*censor)(NameAddress&)) {
+  std::vector<NameAddress> addresses;
+  for (const std::string_view value : values) {
+    addresses.push_back(ReadNameAddress(value));
+    if (censor != nullptr) censor(addresses.back());
+  }
+  std::erase_if(addresses, [](const NameAddress& address) { return address.scheme.empty(); });
+  return addresses;
 }
 
 }  // namespace
 
+IdentityHeaders IdentityIn(const sip_msg& invite, bool from_server) {
+  const sip_hdr* const privacy = sip_msg_hdr(&invite, SIP_HDR_PRIVACY);
+  IdentityHeaders headers{{}, {}, View(invite.from.val), privacy != nullptr ? View(privacy->val) : ""};
+  if (!from_server) return headers;
+  headers.asserted = AddressesIn(invite, "P-Asserted-Identity");
+  headers.remote_party = AddressesIn(invite, "Remote-Party-ID");
+  return headers;
+}
+
 CallerIdentity Identify(const IdentityHeaders& headers) {
   if (IsWithheld(headers.privacy)) return {};
-  std::vector<Address> addresses;
-  for (const std::string_view value : headers.asserted) addresses.push_back(Parse(value));
-  std::erase_if(addresses, [](const Address& address) { return address.scheme.empty(); });
-  if (addresses.empty()) addresses.push_back(Parse(headers.from));
+  auto addresses = AddressesOf(headers.asserted, nullptr);
+  if (addresses.empty()) addresses = AddressesOf(headers.remote_party, Censor);
+  if (addresses.empty()) addresses.push_back(ReadNameAddress(headers.from));
   if (std::any_of(addresses.begin(), addresses.end(), IsAnonymous)) return {};
   CallerIdentity caller;
-  for (const Address& address : addresses) {
+  for (const NameAddress& address : addresses) {
     if (caller.number.empty()) caller.number = address.user;
     if (caller.name.empty()) caller.name = address.name;
   }

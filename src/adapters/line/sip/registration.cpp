@@ -235,6 +235,10 @@ int Registration::WriteContact(sip_transp transport, const sa& source, mbuf& req
                      static_cast<unsigned>(asked_.count()), old.c_str());
 }
 
+bool Registration::IsServer(const sa& source) const {
+  return std::ranges::any_of(servers_, [&source](const sa& one) { return sa_cmp(&one, &source, SA_ADDR); });
+}
+
 std::string Registration::PublicContact(const sip_msg& invite) const {
   if (!sa_isset(&seen_, SA_ALL) || servers_.empty() || !sa_cmp(&invite.src, &servers_.front(), SA_ADDR))
     return {};

@@ -40,6 +40,9 @@ class Registration {
   /// Removes the registration without waiting for the server's answer. Nothing is sent afterwards.
   void End();
 
+  /// Whether `source` is an address of the account's server.
+  bool IsServer(const sa& source) const;
+
   /// The SIP URI at which the account's server reaches us through a router. Empty when `invite` came from
   /// elsewhere or there is no router.
   std::string PublicContact(const sip_msg& invite) const;

@@ -93,6 +93,7 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     reserve_.Release();
     const auto contact = registration_ != nullptr ? registration_->PublicContact(invite) : "";
     call_ports_.emplace(SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
+                                     registration_ != nullptr && registration_->IsServer(invite.src),
                                      contact.empty() ? ContactUser(settings_) : contact});
     call_ = SipCall::Accept(*call_ports_, calls_ + 1, invite);
     if (call_ != nullptr) {

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <utility>
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digits.h"
+#include "adapters/line/sip/diversion.h"
 #include "adapters/line/sip/session_description.h"
 #include "adapters/line/sip/sip_endpoint.h"
 
@@ -15,20 +17,6 @@ namespace {
 
 using Kind = LineEvent::Kind;
 using std::chrono::steady_clock;
-
-/// The caller, from the headers of an INVITE.
-CallerIdentity CallerOf(const sip_msg& invite) {
-  const sip_hdr* const privacy = sip_msg_hdr(&invite, SIP_HDR_PRIVACY);
-  IdentityHeaders headers{{}, View(invite.from.val), privacy != nullptr ? View(privacy->val) : ""};
-  sip_msg_hdr_apply(
-      &invite, true, SIP_HDR_P_ASSERTED_IDENTITY,
-      [](const sip_hdr* header, const sip_msg*, void* list) {
-        static_cast<std::vector<std::string_view>*>(list)->push_back(View(header->val));
-        return false;
-      },
-      &headers.asserted);
-  return Identify(headers);
-}
 
 SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
@@ -116,9 +104,12 @@ bool SipCall::Begin(const sip_msg& invite) {
 }
 
 void SipCall::Announce(const sip_msg& invite) {
-  const CallerIdentity caller = CallerOf(invite);
+  const CallerIdentity caller = Identify(IdentityIn(invite, ports_.from_server));
   Tell({.kind = Kind::InCommingCall});
   Tell({.kind = Kind::CallerID, .name = caller.name, .text = caller.number});
+  if (auto diversion = DiversionIn(invite)) {
+    Tell({.kind = Kind::Diverted, .name = std::move(diversion->from), .text = std::move(diversion->reason)});
+  }
   Ring();
   ring_timer_.StartPeriodic(std::chrono::seconds(std::max(1, ports_.settings.ring_seconds)));
 }

@@ -25,6 +25,7 @@ struct SipCallPorts {
   const SipLineSettings& settings;
   LineAudio& audio;
   const LineSink& events;
+  bool from_server;     ///< the call comes from the account's server, which may assert who calls
   std::string contact;  ///< of our answers: the user at the called address, or a whole SIP URI
 };
 

@@ -171,6 +171,8 @@ TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineStaysInUse) {
       {"Length: ", "Length: -", "400"},
       {"Contact:", "X-Long: " + std::string(9'000, 'x') + "\r\nContact:", "180"},
       {"Contact:", "Require: 100rel, path\r\nContact:", "420"},
+      {"Contact:",
+       "P-Asserted-Identity: <sip:7@h>\r\nDiversion: <sip:8@h,i>;reason=away,<sip:9@h>\r\nContact:", "180"},
       {"application/sdp", "text/plain", "415"},
       {"Content-Type: application/sdp\r\nContent-Length", "X", "180"},
       {"application/sdp\r\nContent-Length:", multipart + "content-type:\r\n application/sdp\r\nX:", "180"},
@@ -185,6 +187,7 @@ TEST_F(SipLineTest, InvalidRequestsAreRefusedAndTheLineStaysInUse) {
     const std::string next = std::to_string(call + 1);
     if (status == "180") Play("Ring " + next + " 1,drop 1,Idle " + next);
   }
+  Play("CallerId 2 Ann Smith/5551234,Diverted 2 8/away");
   Play(Connected(std::to_string(call + 1)) + "hears 1,> BYE,< 200");
 }
 

@@ -5,6 +5,7 @@
 
 #include "adapters/line/sip/caller_identity.h"
 #include "adapters/line/sip/digits.h"
+#include "adapters/line/sip/diversion.h"
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/media_agreement.h"
 #include "adapters/line/sip/srtp.h"
@@ -194,8 +195,42 @@ TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
       {{}, "\"\xED\xA0\x80\" <sip:%G1%4@h>", "", "\xC3\xAD\xC2\xA0\xC2\x80|%G1%4"},
   };
   for (const auto& [asserted, sender, privacy, result] : kRows) {
-    const auto [name, number] = Identify({asserted, sender, privacy});
+    const auto [name, number] = Identify({asserted, {}, sender, privacy});
     EXPECT_EQ(name + "|" + number, result) << sender;
+  }
+  // Remote-Party-ID instead of P-Asserted-Identity.
+  const std::pair<Text, Text> kParties[] = {
+      {"\"Ann\" <sip:5@h>;party=calling;screen=yes;privacy=off", "Ann|5"},
+      {"\"Ann\" <sip:5@h>;privacy=FULL", "|"},
+      {"\"Ann\" <sip:5@h>;privacy=name", "|5"},
+      {"\"Ann\" <sip:5@h>;privacy=\"uri\"", "Ann|"},
+      {"\"Ann\" <sip:5@h>;party=called", "From|1"},
+  };
+  for (const auto& [party, result] : kParties) {
+    const auto [name, number] = Identify({{}, {party}, from, ""});
+    EXPECT_EQ(name + "|" + number, result) << party;
+  }
+}
+
+TEST(DiversionTest, TellsWhoDivertedACallAndWhy) {
+  using Texts = std::vector<std::string_view>;
+  // Diversion, History-Info, and what they tell.
+  const std::tuple<Texts, Texts, const char*> kRows[] = {
+      {{"garbage", "\"Office\" <sip:888@h>;reason=no-answer;counter=1", "<sip:999@h>"}, {}, "888|no answer"},
+      {{"<tel:+1-5>;reason=\"user-busy\";privacy=full"}, {}, "|busy"},
+      {{"<sip:888@h>;reason=unknown"}, {}, "888|"},
+      {{},
+       {"<sip:888@h>;index=1", "<sip:1@h;cause=486?x=y>;index=1.1", "<sip:1@p>;index=1.1.1;rc=1.1"},
+       "888|busy"},
+      {{},
+       {"<sip:888@h?Privacy=history&Reason=SIP%3Bcause%3D302%3Btext%3D%22M%22>;index=1", "<sip:1@h>"},
+       "|always"},
+      {{}, {"<sip:888@h>;index=1", "<sip:1@h>;index=1.1;mp=1"}, "888|"},
+      {{}, {"<sip:888@h>;index=1", "<sip:888@p>;index=1.1;rc=1"}, "none"},
+  };
+  for (const auto& [diversions, history, result] : kRows) {
+    const auto found = DiversionIn(diversions, history);
+    EXPECT_EQ(found ? found->from + "|" + found->reason : "none", result);
   }
 }
 
