@@ -30,6 +30,10 @@ class AudioSource {
   /// Called at most once, never after StopPlay or after Read returned false, on a thread of the device or on
   /// the user-interface thread, with the same rules as Read.
   virtual void Gone() {}
+
+  /// Its audio arises while it is played: the device plays it with as little delay as it can. Others may be
+  /// read up to 100 ms ahead. The same for the life of the source.
+  virtual bool Live() const { return false; }
 };
 
 /// Where a recording device puts its samples. The device's own thread calls; the rules of AudioSource::Read.

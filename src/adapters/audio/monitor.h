@@ -44,6 +44,7 @@ class LiveMonitor : public AudioSource {
 
   /// One thread (the playing device's); always true.
   bool Read(std::span<std::int16_t> block) override;
+  bool Live() const override { return true; }
 
   /// Drops what is buffered. Only while no device reads.
   void Restart();

@@ -7,13 +7,13 @@
 
 namespace orven {
 
-void CardList::Update(const std::vector<Output>& outputs) {
+void CardList::Update(const std::vector<SoundDevice>& outputs) {
   const std::lock_guard lock(mutex_);
   looked_ = true;
   for (Known& known : known_) known.present = false;
-  for (const Output& output : outputs) {
-    const auto old = std::find_if(known_.begin(), known_.end(),
-                                  [&](const Known& known) { return known.output.id == output.id; });
+  for (const SoundDevice& output : outputs) {
+    const auto old =
+        std::ranges::find_if(known_, [&](const Known& known) { return known.output.id == output.id; });
     if (old != known_.end()) {
       *old = {output, true};
     } else if (known_.size() + 1 < kFirstLineWaveDevice) {
@@ -38,10 +38,10 @@ bool CardList::MayBe(std::int32_t number) const {
   return !looked_ || static_cast<std::size_t>(number) <= known_.size();
 }
 
-std::optional<std::string> CardList::IdOf(std::int32_t number) const {
+std::string CardList::IdOf(std::int32_t number) const {
   const std::lock_guard lock(mutex_);
   const Known* const known = Find(number);
-  return known == nullptr ? std::nullopt : std::optional(known->output.id);
+  return known == nullptr ? std::string() : known->output.id;
 }
 
 std::vector<SoundCard> CardList::Present() const {

@@ -3,9 +3,10 @@
 
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "adapters/sound/sound_devices.h"
 
 namespace orven {
 
@@ -20,14 +21,8 @@ struct SoundCard {
 /// An output keeps its number for the life of the list, also while it is unplugged. Any thread.
 class CardList {
  public:
-  /// A connected output: `id` is the same each time it is connected.
-  struct Output {
-    std::string id;
-    std::string description;
-  };
-
   /// Sets the connected outputs. Outputs beyond the last number of a sound card are left out.
-  void Update(const std::vector<Output>& outputs);
+  void Update(const std::vector<SoundDevice>& outputs);
 
   /// Whether there is an input now.
   void SetRecords(bool records);
@@ -38,15 +33,15 @@ class CardList {
   /// False while it is known that there is no input; true before.
   bool MayRecord() const;
 
-  /// The id of card `number`, 1 or more; nothing when it is not connected.
-  std::optional<std::string> IdOf(std::int32_t number) const;
+  /// The id of card `number`, 1 or more; empty when it is not connected.
+  std::string IdOf(std::int32_t number) const;
 
   /// The connected cards in the order of their numbers; 0 always is.
   std::vector<SoundCard> Present() const;
 
  private:
   struct Known {
-    Output output;
+    SoundDevice output;
     bool present;
   };
   const Known* Find(std::int32_t number) const;

@@ -2,10 +2,9 @@
 #include "adapters/sound/sound_cards.h"
 
 #include <chrono>
-#include <mutex>
 #include <utility>
 
-#include "adapters/sound/sound_streams.h"
+#include "adapters/sound/sound_server.h"
 #include "platform/wave.h"
 
 namespace orven {
@@ -19,73 +18,53 @@ constexpr auto kWatchInterval = 500ms;
 
 }  // namespace
 
-struct SoundCards::Shared {
-  Shared(std::shared_ptr<CardList> list, Report to) : cards(std::move(list)), report(std::move(to)) {}
-
-  void Tell(const std::string& text) {
-    const std::lock_guard lock(mutex);
-    if (report) report(text);
-  }
-
-  /// Removes the report function: nothing is reported afterwards.
-  Report TakeReport() {
-    const std::lock_guard lock(mutex);
-    return std::exchange(report, nullptr);
-  }
-
-  const std::shared_ptr<CardList> cards;
-  std::unique_ptr<SoundStreams> streams;  ///< sound thread only
-  std::mutex mutex;
-  Report report;
-};
-
 class SoundCards::Card : public AudioDevice {
  public:
   Card(SoundCards& owner, std::int32_t number) : owner_(owner), number_(number) {}
 
   std::int32_t StartPlay(AudioSource& source) override {
     if (play_ && play_->Active()) return kWaveBusy;
-    play_ = std::make_shared<CardPlay>(source);
+    play_ = std::make_shared<CardPlay>(source, owner_.report_);
     owner_.Start(number_, play_);
     return kWaveOk;
   }
 
   void StopPlay() override {
-    if (play_) play_->Stop();
+    if (play_ && play_->Stop()) owner_.Close(play_);
   }
 
   std::int32_t StartRecord(AudioSink& sink) override {
     if (take_ && take_->Active()) return kWaveBusy;
-    if (!owner_.shared_->cards->MayRecord()) {
+    if (!owner_.list_->MayRecord()) {
       owner_.Look();
       return kWaveNoDevice;
     }
-    take_ = std::make_shared<CardTake>(sink);
+    take_ = std::make_shared<CardTake>(sink, owner_.report_);
     owner_.Start(number_, take_);
     return kWaveOk;
   }
 
   void StopRecord() override {
-    if (take_) take_->Stop();
+    if (take_ && take_->Stop()) owner_.Close(take_);
   }
 
   /// Ends plays and takes that the server has not served for too long. True while something plays or records.
   bool Watch() const {
     const std::string card = "sound card " + std::to_string(number_);
-    const bool plays =
-        Goes(play_.get(), "The sound server does not answer; playing on " + card + " was stopped.");
-    const bool records = Goes(take_.get(), "No sound comes from the microphone of " + card +
-                                               ": perhaps the sound server does not answer; the recording "
-                                               "was stopped.");
+    const bool plays = Goes(play_, "The sound server does not answer; playing on " + card + " was stopped.");
+    const bool records =
+        Goes(take_, "No sound comes from the microphone of " + card +
+                        ": perhaps the sound server does not answer; the recording was stopped.");
     return plays || records;
   }
 
  private:
-  template <class Use>
-  bool Goes(Use* use, const std::string& problem) const {
-    if (use == nullptr || !use->Active()) return false;
-    if (use->SinceLastBlock() > kPatience && use->Fail()) owner_.GaveUp(problem);
-    return true;
+  bool Goes(const std::shared_ptr<CardUse>& use, const std::string& problem) const {
+    if (!use || !use->Active()) return false;
+    if (use->SinceLastBlock() <= kPatience) return true;
+    use->Fail(problem);
+    owner_.Close(use);
+    return false;
   }
 
   SoundCards& owner_;
@@ -95,7 +74,7 @@ class SoundCards::Card : public AudioDevice {
 };
 
 SoundCards::SoundCards(EventLoop& loop, Report report)
-    : loop_(loop), shared_(std::make_shared<Shared>(std::make_shared<CardList>(), std::move(report))) {}
+    : loop_(loop), report_(std::move(report)), list_(std::make_shared<CardList>()) {}
 
 SoundCards::~SoundCards() {
   for (const Cards* cards : {&cards_, &more_cards_}) {
@@ -104,28 +83,24 @@ SoundCards::~SoundCards() {
       card->StopRecord();
     }
   }
-  shared_->TakeReport();
 }
 
 void SoundCards::Prepare() {
-  if (thread_) return;
-  thread_ = std::make_unique<SoundThread>([shared = shared_] { shared->streams.reset(); });
-  thread_->Post([shared = shared_] {
-    shared->streams = std::make_unique<SoundStreams>(
-        shared->cards, [to = shared.get()](const std::string& text) { to->Tell(text); });
-    shared->streams->Look();
-  });
+  if (!thread_) Look();
 }
 
 std::vector<SoundCard> SoundCards::Present() {
   Look();
-  return shared_->cards->Present();
+  return list_->Present();
 }
 
 void SoundCards::Look() {
-  LeaveHangingThread();
-  if (thread_) thread_->Post([shared = shared_] { shared->streams->Look(); });
-  Prepare();
+  Thread().Post([](SoundServer& server) { server.Look(); });
+}
+
+SoundThread& SoundCards::Thread() {
+  if (!thread_) thread_.emplace(list_);
+  return *thread_;
 }
 
 std::vector<std::string> SoundCards::Names() {
@@ -139,7 +114,7 @@ std::vector<std::string> SoundCards::Names() {
 }
 
 AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
-  if (!shared_->cards->MayBe(number)) return nullptr;
+  if (!list_->MayBe(number)) return nullptr;
   auto& card = cards[number];
   if (!card) card = std::make_unique<Card>(*this, number);
   return card.get();
@@ -147,25 +122,13 @@ AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
 
 template <class Use>
 void SoundCards::Start(std::int32_t number, const std::shared_ptr<Use>& use) {
-  LeaveHangingThread();
-  Prepare();
-  thread_->Post([shared = shared_, number, use] { shared->streams->Begin(number, use); });
+  Thread().Post([number, use](SoundServer& server) { server.Begin(number, use); });
   if (!watch_) watch_ = loop_.MakeTimer([this] { Watch(); });
   if (!watch_->Enabled()) watch_->Start(kWatchInterval);
 }
 
-void SoundCards::GaveUp(const std::string& problem) {
-  shared_->Tell(problem);
-  alive_ = std::make_shared<std::atomic<bool>>(false);
-  thread_->Post([alive = alive_] { *alive = true; });
-}
-
-/// Qt 6.4 waits forever for a stream that the server refuses; what starts later needs another thread.
-void SoundCards::LeaveHangingThread() {
-  const auto alive = std::exchange(alive_, nullptr);
-  if (!alive || *alive) return;
-  SoundThread::Abandon(std::move(thread_));
-  shared_ = std::make_shared<Shared>(shared_->cards, shared_->TakeReport());
+void SoundCards::Close(const std::shared_ptr<CardUse>& use) {
+  Thread().Post([use](SoundServer&) { use->Close(); });
 }
 
 /// On the user-interface thread, because the sound thread may hang with the server.

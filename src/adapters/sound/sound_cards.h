@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,32 +16,30 @@
 
 namespace orven {
 
-class SoundStreams;
-
-/// The sound cards as numbered audio devices, over Qt Multimedia. Number 0 is the desktop's default
-/// output and input at the moment a play or take starts; the others are numbered as CardList says and
-/// record from the input that MicrophoneOf gives.
+/// The sound cards as numbered audio devices, over libpulse. Number 0 is the desktop's default output and
+/// input at the moment a play or take starts; the others are numbered as CardList says and record from the
+/// input that MicrophoneOf gives.
 ///
-/// Qt Multimedia runs in one thread, which starts with Prepare or the first play or take; no operation waits
-/// for it. A play that the sound server refuses or stops ends by itself (AudioSource::Gone), a take gets no
-/// more blocks; one sentence about it is reported. StartRecord returns kWaveNoDevice when the latest look
-/// found no input, and looks again. One object per process. User-interface thread.
+/// libpulse runs in one thread, which starts with Prepare or the first play or take; no operation waits for
+/// it. A play that the sound server refuses or stops ends by itself (AudioSource::Gone), a take gets no more
+/// blocks; one sentence about it is reported. So is a play or take for which nothing has moved for 5 s.
+/// StartRecord returns kWaveNoDevice when the latest look found no input, and looks again. User-interface
+/// thread.
 class SoundCards : public AudioDevices, public SoundCardNames {
  public:
-  using Report = std::function<void(const std::string&)>;
+  using Report = CardUse::Report;
 
   /// `loop` outlives the cards. `report` is called on any thread, never after the destructor.
   SoundCards(EventLoop& loop, Report report);
 
-  /// Ends all plays and takes. Waits for the sound thread, but at most a second; a thread that hangs in the
-  /// sound server is left behind and ends with the process.
+  /// Ends all plays and takes. Waits for the sound thread, but at most a second.
   ~SoundCards() override;
 
   /// Starts to look which cards are connected, unless that was done.
   void Prepare();
 
   /// The cards that were connected at the latest look, only number 0 before the first one. Starts another
-  /// look, because not every sound system reports devices that come and go.
+  /// look.
   std::vector<SoundCard> Present();
 
   /// The names of Present, each at its number.
@@ -57,7 +54,6 @@ class SoundCards : public AudioDevices, public SoundCardNames {
 
  private:
   class Card;
-  struct Shared;
   using Cards = std::map<std::int32_t, std::unique_ptr<Card>>;
 
   class BesideCards : public AudioDevices {
@@ -70,19 +66,17 @@ class SoundCards : public AudioDevices, public SoundCardNames {
   };
 
   AudioDevice* FindIn(Cards& cards, std::int32_t number);
+  SoundThread& Thread();
   void Look();
-  void GaveUp(const std::string& problem);
-  void LeaveHangingThread();
   template <class Use>
   void Start(std::int32_t number, const std::shared_ptr<Use>& use);
+  void Close(const std::shared_ptr<CardUse>& use);
   void Watch();
 
   EventLoop& loop_;
-  std::shared_ptr<Shared> shared_;  ///< also the sound thread's, which may outlive this object
-  std::unique_ptr<SoundThread> thread_;
-
-  /// Set by the sound thread when it responds again after a play or take was abandoned; nullptr: none was.
-  std::shared_ptr<std::atomic<bool>> alive_;
+  const Report report_;
+  const std::shared_ptr<CardList> list_;  ///< also the sound thread's
+  std::optional<SoundThread> thread_;
   Cards cards_;
   Cards more_cards_;  ///< returned by Beside
   BesideCards beside_{*this};

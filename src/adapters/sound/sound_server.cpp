@@ -1,29 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/sound/sound_server.h"
 
-#include <pulse/context.h>
-#include <pulse/introspect.h>
-#include <pulse/mainloop.h>
+#include <pulse/operation.h>
 #include <pulse/proplist.h>
 
-#include <cstdint>
-#include <memory>
+#include <string>
+#include <utility>
 
 namespace orven {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-struct FreeLoop {
-  void operator()(pa_mainloop* loop) const { pa_mainloop_free(loop); }
-};
-
-struct FreeContext {
-  void operator()(pa_context* context) const {
-    pa_context_disconnect(context);
-    pa_context_unref(context);
-  }
-};
+std::string Text(const char* text) {
+  return text == nullptr ? std::string() : std::string(text);
+}
 
 /// Drivers that do not group their devices into cards still report the bus.
 std::string CardName(std::uint32_t card, const pa_proplist* properties) {
@@ -32,124 +21,108 @@ std::string CardName(std::uint32_t card, const pa_proplist* properties) {
   return bus == nullptr ? std::string() : std::string("bus ") + bus;
 }
 
-std::string Text(const char* text) {
-  return text == nullptr ? std::string() : std::string(text);
+/// An output or an input.
+template <class Info>
+SoundDevice DeviceOf(const Info& info) {
+  const bool connected = info.active_port == nullptr || info.active_port->available != PA_PORT_AVAILABLE_NO;
+  return {Text(info.name), Text(info.description), CardName(info.card, info.proplist), connected};
 }
 
-/// One short connection to the server.
-class Conversation {
- public:
-  explicit Conversation(std::chrono::milliseconds limit)
-      : deadline_(Clock::now() + limit),
-        loop_(pa_mainloop_new()),
-        context_(pa_context_new(pa_mainloop_get_api(loop_.get()), "ORVEN")) {}
-
-  SoundServer Ask() {
-    if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0) return {};
-    while (State() != PA_CONTEXT_READY) {
-      if (!PA_CONTEXT_IS_GOOD(State())) return {};
-      if (!Step()) return Silent();
-    }
-    Put(pa_context_get_server_info(context_.get(), &Conversation::TakeDefaults, this));
-    Put(pa_context_get_sink_info_list(context_.get(), &Conversation::TakeOutput, this));
-    Put(pa_context_get_source_info_list(context_.get(), &Conversation::TakeInput, this));
-    while (unanswered_ > 0) {
-      if (!PA_CONTEXT_IS_GOOD(State())) return {};
-      if (!Step()) return Silent();
-    }
-    answer_.state = SoundServer::State::Ready;
-    return answer_;
-  }
-
- private:
-  static SoundServer Silent() {
-    SoundServer server;
-    server.state = SoundServer::State::Silent;
-    return server;
-  }
-
-  /// A request that cannot be sent is never answered; the connection has failed then.
-  void Put(pa_operation* question) {
-    ++unanswered_;
-    if (question != nullptr) pa_operation_unref(question);
-  }
-
-  static void TakeDefaults(pa_context* /*context*/, const pa_server_info* info, void* self) {
-    auto& conversation = *static_cast<Conversation*>(self);
-    --conversation.unanswered_;
-    if (info == nullptr) return;
-    conversation.answer_.default_output = Text(info->default_sink_name);
-    conversation.answer_.default_input = Text(info->default_source_name);
-  }
-
-  static void TakeOutput(pa_context* /*context*/, const pa_sink_info* info, int end, void* self) {
-    auto& conversation = *static_cast<Conversation*>(self);
-    if (end != 0) {
-      --conversation.unanswered_;
-    } else {
-      conversation.answer_.outputs.push_back({Text(info->name), CardName(info->card, info->proplist)});
-    }
-  }
-
-  static void TakeInput(pa_context* /*context*/, const pa_source_info* info, int end, void* self) {
-    auto& conversation = *static_cast<Conversation*>(self);
-    if (end != 0) {
-      --conversation.unanswered_;
-      return;
-    }
-    if (info->monitor_of_sink != PA_INVALID_INDEX) return;
-    const pa_source_port_info* const port = info->active_port;
-    const bool connected = port == nullptr || port->available != PA_PORT_AVAILABLE_NO;
-    conversation.answer_.inputs.push_back(
-        {Text(info->name), CardName(info->card, info->proplist), connected});
-  }
-
-  pa_context_state_t State() const { return pa_context_get_state(context_.get()); }
-
-  /// Waits for the next event; false when the time is up.
-  bool Step() {
-    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline_ - Clock::now());
-    if (left.count() <= 0) return false;
-    return pa_mainloop_prepare(loop_.get(), static_cast<int>(left.count())) >= 0 &&
-           pa_mainloop_poll(loop_.get()) >= 0 && pa_mainloop_dispatch(loop_.get()) >= 0;
-  }
-
-  const Clock::time_point deadline_;
-  std::unique_ptr<pa_mainloop, FreeLoop> loop_;
-  std::unique_ptr<pa_context, FreeContext> context_;
-  SoundServer answer_;
-  int unanswered_ = 0;
-};
-
-std::string CardOf(const SoundServer& server, const std::string& output) {
-  for (const SoundServer::Output& candidate : server.outputs)
-    if (candidate.id == output) return candidate.card;
-  return {};
-}
-
-std::string DefaultMicrophone(const SoundServer& server) {
-  const SoundServer::Input* found = nullptr;
-  for (const SoundServer::Input& input : server.inputs) {
-    if (input.id == server.default_input) return input.id;
-    if (found == nullptr && input.connected) found = &input;
-  }
-  return found == nullptr ? std::string() : found->id;
+/// A request that cannot be sent is not answered; the connection has failed then.
+void Release(pa_operation* request) {
+  if (request != nullptr) pa_operation_unref(request);
 }
 
 }  // namespace
 
-SoundServer AskSoundServer(std::chrono::milliseconds limit) {
-  return Conversation(limit).Ask();
+void SoundServer::EndContext::operator()(pa_context* context) const {
+  pa_context_set_state_callback(context, nullptr, nullptr);
+  pa_context_disconnect(context);
+  pa_context_unref(context);
 }
 
-std::string MicrophoneOf(const SoundServer& server, const std::string& output) {
-  const std::string card = CardOf(server, output);
-  const SoundServer::Input* found = nullptr;
-  for (const SoundServer::Input& input : server.inputs) {
-    if (card.empty() || input.card != card || !input.connected) continue;
-    if (found == nullptr || input.id == server.default_input) found = &input;
-  }
-  return found == nullptr ? DefaultMicrophone(server) : found->id;
+void SoundServer::Look() {
+  Ask([](const SoundDevices&) {});
+}
+
+void SoundServer::Begin(std::int32_t number, const std::shared_ptr<CardPlay>& play) {
+  Ask([this, number, play](const SoundDevices& devices) {
+    const bool any = number == 0;
+    Open(*play, OutputOf(devices, any ? devices.default_output : cards_->IdOf(number)),
+         any ? "There is no sound output to play on."
+             : "There is no sound output number " + std::to_string(number) + " now.");
+  });
+}
+
+void SoundServer::Begin(std::int32_t number, const std::shared_ptr<CardTake>& take) {
+  Ask([this, number, take](const SoundDevices& devices) {
+    Open(*take, MicrophoneOf(devices, cards_->IdOf(number)), "There is no microphone to record from.");
+  });
+}
+
+void SoundServer::Open(CardUse& use, const SoundDevice* device, const std::string& none) {
+  if (context_ == nullptr) return use.Fail("There is no sound server.");
+  if (device == nullptr) return use.Fail(none);
+  use.Open(context_.get(), *device);
+}
+
+void SoundServer::Ask(Then then) {
+  questions_.push_back({std::move(then)});
+  if (context_ == nullptr) return Connect();
+  if (pa_context_get_state(context_.get()) == PA_CONTEXT_READY) Put();
+}
+
+void SoundServer::Connect() {
+  context_.reset(pa_context_new(&api_, "ORVEN"));
+  if (context_ == nullptr) return Lost();
+  pa_context_set_state_callback(
+      context_.get(), [](pa_context*, void* self) { static_cast<SoundServer*>(self)->StateChanged(); }, this);
+  if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0) Lost();
+}
+
+void SoundServer::StateChanged() {
+  const pa_context_state_t state = pa_context_get_state(context_.get());
+  if (!PA_CONTEXT_IS_GOOD(state)) return Lost();
+  if (state != PA_CONTEXT_READY) return;
+  for (std::size_t unanswered = questions_.size(); unanswered > 0; --unanswered) Put();
+}
+
+/// Asks one question.
+void SoundServer::Put() {
+  static const auto devices_of = [](void* self) -> SoundDevices& {
+    return static_cast<SoundServer*>(self)->questions_.front().devices;
+  };
+  const auto output = [](pa_context*, const pa_sink_info* info, int end, void* self) {
+    if (end == 0) devices_of(self).outputs.push_back(DeviceOf(*info));
+  };
+  const auto input = [](pa_context*, const pa_source_info* info, int end, void* self) {
+    if (end == 0 && info->monitor_of_sink == PA_INVALID_INDEX)
+      devices_of(self).inputs.push_back(DeviceOf(*info));
+  };
+  const auto server = [](pa_context*, const pa_server_info* info, void* self) {
+    static_cast<SoundServer*>(self)->Answer(info);
+  };
+  Release(pa_context_get_sink_info_list(context_.get(), output, this));
+  Release(pa_context_get_source_info_list(context_.get(), input, this));
+  Release(pa_context_get_server_info(context_.get(), server, this));
+}
+
+/// The last part of an answer. There is no `info` when libpulse has waited too long for it.
+void SoundServer::Answer(const pa_server_info* info) {
+  if (info == nullptr) return Lost();
+  Question question = std::move(questions_.front());
+  questions_.pop_front();
+  question.devices.default_output = Text(info->default_sink_name);
+  question.devices.default_input = Text(info->default_source_name);
+  cards_->Update(question.devices.outputs);
+  cards_->SetRecords(MicrophoneOf(question.devices, "") != nullptr);
+  question.then(question.devices);
+}
+
+void SoundServer::Lost() {
+  context_.reset();
+  cards_->SetRecords(false);
+  for (const Question& question : std::exchange(questions_, {})) question.then(SoundDevices());
 }
 
 }  // namespace orven

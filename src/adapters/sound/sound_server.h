@@ -1,51 +1,71 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <chrono>
+#include <pulse/context.h>
+#include <pulse/introspect.h>
+#include <pulse/mainloop-api.h>
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
 #include <string>
-#include <vector>
+#include <utility>
+
+#include "adapters/sound/card_list.h"
+#include "adapters/sound/card_use.h"
+#include "adapters/sound/sound_devices.h"
 
 namespace orven {
 
-/// The sound server, its outputs and inputs.
-struct SoundServer {
-  enum class State {
-    None,    ///< no server runs, or it refuses connections
-    Silent,  ///< it does not answer in time
-    Ready,
+/// The connection to the sound server, over PulseAudio's protocol, which PipeWire speaks too. It is made when
+/// it is needed, starts the server if the desktop is configured so, and is kept; when the server ends, the
+/// next look, play or take makes another. Nothing wakes the thread up while nothing plays or records. Sound
+/// thread; no call waits for an answer.
+class SoundServer {
+ public:
+  /// `cards` learns from each answer of the server.
+  SoundServer(pa_mainloop_api& api, std::shared_ptr<CardList> cards) : api_(api), cards_(std::move(cards)) {}
+
+  /// Closes all streams.
+  ~SoundServer() { context_.reset(); }
+  SoundServer(const SoundServer&) = delete;
+  SoundServer& operator=(const SoundServer&) = delete;
+
+  /// Updates the list of cards.
+  void Look();
+
+  /// Starts `play` on card `number`, or lets it fail.
+  void Begin(std::int32_t number, const std::shared_ptr<CardPlay>& play);
+
+  /// Starts `take` from the microphone of card `number`, or lets it fail.
+  void Begin(std::int32_t number, const std::shared_ptr<CardTake>& take);
+
+ private:
+  /// Gets the devices; none, and context_ is nullptr, when there is no server.
+  using Then = std::function<void(const SoundDevices&)>;
+
+  struct Question {
+    Then then;
+    SoundDevices devices = {};  ///< as far as they are known
   };
 
-  struct Output {
-    std::string id;
-    std::string card;  ///< identifies its physical card; empty: none
+  struct EndContext {
+    void operator()(pa_context* context) const;
   };
 
-  /// A microphone or another real input. The monitor of an output is not one, even if the server makes it the
-  /// default for lack of another: Qt cannot record it.
-  struct Input {
-    std::string id;
-    std::string card;
-    bool connected = true;  ///< false when it is known that nothing is plugged in
-  };
+  void Ask(Then then);
+  void Connect();
+  void StateChanged();
+  void Put();
+  void Answer(const pa_server_info* info);
+  void Lost();
+  void Open(CardUse& use, const SoundDevice* device, const std::string& none);
 
-  State state = State::None;
-  std::string default_output;  ///< its id; this and the rest only when Ready
-  std::string default_input;
-  std::vector<Output> outputs;
-  std::vector<Input> inputs;
+  pa_mainloop_api& api_;
+  const std::shared_ptr<CardList> cards_;
+  std::unique_ptr<pa_context, EndContext> context_;
+  std::deque<Question> questions_;  ///< the server answers them in order
 };
-
-/// Asks the sound server for its devices, over PulseAudio's protocol, which PipeWire speaks too. Starts the
-/// server if the desktop is configured so. Returns within `limit`, usually after 1 to 3 ms. Any thread.
-///
-/// Needed in addition to Qt Multimedia, because Qt 6.4 waits for a hanging server without limit, never asks
-/// again after it found none, does not notice when the desktop's default output or input changes, and does
-/// not report which of them belong to one card.
-SoundServer AskSoundServer(std::chrono::milliseconds limit);
-
-/// The id of the input to use with `output`: a connected one of the same physical card (of several, the
-/// desktop's default). Without one, and for an empty `output`, the desktop's default input, or the first
-/// connected one if the default is not an input. Empty when there is none.
-std::string MicrophoneOf(const SoundServer& server, const std::string& output);
 
 }  // namespace orven

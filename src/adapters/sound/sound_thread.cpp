@@ -1,82 +1,84 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/sound/sound_thread.h"
 
+#include <pulse/mainloop.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <QDeadlineTimer>
-#include <QThread>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <iostream>
+#include <cstdint>
 #include <utility>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
+#include "adapters/sound/sound_server.h"
+#include "base/mailbox.h"
 
 namespace orven {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kEndLimit = 1s;
+constexpr std::chrono::milliseconds kEndLimit = 1s;
 
-/// The global destructors of Qt 6.4's sound library are not safe: they destroy the connection to the server
-/// while a thread may be reading from it (a crash in about 2 of 100 exits during a play), and they wait for a
-/// thread that was left behind, or abort because it holds a lock. The program's own objects are destroyed by
-/// then, so the process ends here, before them.
-void EndBeforeGlobals(int status, void* /*unused*/) {
-  std::cout.flush();
-  std::fflush(nullptr);
-#if defined(__SANITIZE_ADDRESS__)
-  __lsan_do_leak_check();  // otherwise it would run after them
-#endif
-  _exit(status);
-}
+struct FreeLoop {
+  void operator()(pa_mainloop* loop) const { pa_mainloop_free(loop); }
+};
 
 }  // namespace
 
-class SoundThread::Thread : public QThread {
+/// The tasks, and the event that wakes the loop for them. Without one, and without a loop, the tasks are
+/// never run, which the user-interface thread notices as it does a server that hangs.
+class SoundThread::Inbox {
  public:
-  explicit Thread(std::function<void()> at_end) : at_end_(std::move(at_end)) {}
+  Inbox() = default;
+  ~Inbox() { ::close(event_); }
+  Inbox(const Inbox&) = delete;
+  Inbox& operator=(const Inbox&) = delete;
 
- private:
-  void run() override {
-    exec();
-    at_end_();
+  void Put(Task task) {
+    tasks_.Put(std::move(task));
+    const std::uint64_t one = 1;
+    static_cast<void>(::write(event_, &one, sizeof one));
   }
 
-  std::function<void()> at_end_;
+  /// Runs the tasks until one is empty.
+  void Serve(const std::shared_ptr<CardList>& cards) {
+    const std::unique_ptr<pa_mainloop, FreeLoop> loop(pa_mainloop_new());
+    if (loop == nullptr) return;
+    pa_mainloop_api& api = *pa_mainloop_get_api(loop.get());
+    SoundServer server(api, cards);
+    server_ = &server;
+    api.io_new(&api, event_, PA_IO_EVENT_INPUT, &Inbox::Woken, this);
+    pa_mainloop_run(loop.get(), nullptr);
+  }
+
+ private:
+  static void Woken(pa_mainloop_api* api, pa_io_event*, int event, pa_io_event_flags_t, void* self) {
+    std::uint64_t count = 0;
+    static_cast<void>(::read(event, &count, sizeof count));
+    auto& inbox = *static_cast<Inbox*>(self);
+    while (const auto task = inbox.tasks_.Take()) {
+      if (!*task) return api->quit(api, 0);
+      (*task)(*inbox.server_);
+    }
+  }
+
+  Mailbox<Task> tasks_;
+  const int event_ = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  SoundServer* server_ = nullptr;
 };
 
-SoundThread::SoundThread(std::function<void()> at_end)
-    : thread_(std::make_unique<Thread>(std::move(at_end))), context_(std::make_unique<QObject>()) {
-  thread_->setObjectName("sound");
-  context_->moveToThread(thread_.get());
-  thread_->start();
+SoundThread::SoundThread(std::shared_ptr<CardList> cards)
+    : inbox_(std::make_shared<Inbox>()), worker_(Worker::AtStop::Drop, kEndLimit) {
+  worker_.Post([inbox = inbox_, cards = std::move(cards)] { inbox->Serve(cards); });
 }
 
 SoundThread::~SoundThread() {
-  if (!thread_) return;
-  on_exit(EndBeforeGlobals, nullptr);
-  Post([thread = thread_.get()] { thread->quit(); });
-  if (!thread_->wait(QDeadlineTimer(kEndLimit))) Leave();
+  inbox_->Put(nullptr);
+  worker_.Stop();
 }
 
-void SoundThread::Abandon(std::unique_ptr<SoundThread> thread) {
-  on_exit(EndBeforeGlobals, nullptr);
-  thread->Leave();
-}
-
-/// Deleting these under the running thread would crash the program, so they leak on purpose.
-void SoundThread::Leave() {
-  static_cast<void>(context_.release());
-  static_cast<void>(thread_.release());
-}
-
-void SoundThread::Post(std::function<void()> task) {
-  QMetaObject::invokeMethod(context_.get(), std::move(task), Qt::QueuedConnection);
+void SoundThread::Post(Task task) {
+  inbox_->Put(std::move(task));
 }
 
 }  // namespace orven

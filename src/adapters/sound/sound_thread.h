@@ -1,40 +1,38 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QObject>
 #include <functional>
 #include <memory>
 
+#include "adapters/sound/card_list.h"
+#include "base/worker.h"
+
 namespace orven {
 
-/// A thread with Qt's event loop for everything that may wait for the sound server. No other thread waits for
-/// it, except for a second at the end. Needs a QCoreApplication. User-interface thread; Post from any thread.
+class SoundServer;
+
+/// The sound thread: it runs libpulse's event loop, in which the connection to the sound server and all
+/// streams live. The loop waits for events only; what may block is looking up a server in the network and
+/// starting one. User-interface thread; no call but the destructor waits for the thread.
 class SoundThread {
  public:
-  /// `at_end` runs in the thread after its last task, outside the event loop.
-  explicit SoundThread(std::function<void()> at_end);
+  using Task = std::function<void(SoundServer&)>;  ///< owns what it uses
 
-  /// Ends the thread after the posted tasks. A thread that does not end within a second hangs in the sound
-  /// server: it is left behind until the process ends, with everything that its tasks own. From now on the
-  /// process ends without the destructors of globals.
+  explicit SoundThread(std::shared_ptr<CardList> cards);
+
+  /// Closes all streams. Waits for the thread, but at most a second; a thread that hangs longer is left
+  /// behind.
   ~SoundThread();
-
-  /// Leaves a hanging thread behind for good, without waiting. If it wakes up, it runs the posted tasks and
-  /// then idles: Qt Multimedia keeps objects in it that all threads need.
-  static void Abandon(std::unique_ptr<SoundThread> thread);
-
   SoundThread(const SoundThread&) = delete;
   SoundThread& operator=(const SoundThread&) = delete;
 
-  /// Runs `task` in the thread, after those posted before. Like `at_end`, it must own what it uses.
-  void Post(std::function<void()> task);
+  /// Runs `task` in the thread, after those posted before.
+  void Post(Task task);
 
  private:
-  class Thread;
-  void Leave();
-
-  std::unique_ptr<Thread> thread_;
-  std::unique_ptr<QObject> context_;  ///< lives in the thread and receives the tasks
+  class Inbox;
+  std::shared_ptr<Inbox> inbox_;  ///< also the thread's
+  Worker worker_;
 };
 
 }  // namespace orven

@@ -37,7 +37,7 @@ std::string NumberIn(const std::string& text) {
 /// The libraries of this program, with the versions that are loaded, if a library tells its version.
 std::vector<Component> ProgramComponents() {
   return {
-      {"Qt", qVersion(), "LGPL-3.0-only", "windows, sound cards"},
+      {"Qt", qVersion(), "LGPL-3.0-only", "windows"},
       {"libre", sys_libre_version_get(), "BSD-3-Clause", "the telephone line (SIP)"},
       {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", "encrypted calls and mail"},
       {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones"},
@@ -45,7 +45,7 @@ std::vector<Component> ProgramComponents() {
       {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sample rate conversion"},
       {"SQLite", sqlite3_libversion(), "public domain", "the records of calls"},
       {"libcurl", LIBCURL_VERSION, "curl", "mail"},
-      {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "the default sound card"},
+      {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "sound cards"},
       {"eSpeak NG", ORVEN_ESPEAK_VERSION, "GPL-3.0-or-later", "typed greetings (helper TTS)"},
       {"GLib", ORVEN_GLIB_VERSION, "LGPL-2.1-or-later", "the start at login"},
       {"Breeze icons", "", "LGPL-3.0-or-later", "pictures of the commands"},

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The sound cards over a real sound server that works, hangs, dies or is missing.
 #include <atomic>
-#include <iostream>
 #include <mutex>
 
 #include "adapters/desktop/qt_event_loop.h"
@@ -112,110 +111,89 @@ struct Desk {
                    [this](const std::string& text) { loop.Post([this, text] { told += text + '|'; }); }};
 };
 
-/// Runs `story` in a separate process, because Qt's audio keeps its state until the process ends. No report
-/// may be left.
-void Alone(void (*story)(Desk&)) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const auto play = [&] {
-    {
-      Desk desk;
-      story(desk);
-      EXPECT_EQ(desk.told, "");
-    }
-    const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
-    for (int i = 0; i < result.total_part_count(); ++i) std::cerr << result.GetTestPartResult(i).message();
-    std::exit(result.Failed() ? 1 : 0);
-  };
-  EXPECT_EXIT(play(), testing::ExitedWithCode(0), "");
-}
-
 TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
-  Alone([](Desk& desk) {
-    desk.WaitForCards({"Default output", "desk"});
-    desk.server.PlugIn("headset", "usb-3");
-    desk.WaitForCards({"Default output", "desk", "headset"});
-    desk.server.Unplug("desk");
-    desk.WaitForCards({"Default output", "1 (not connected)", "headset"});
-    Tape none(100), first(100), second(100);
-    EXPECT_EQ(desk.Card(1).StartPlay(none), kWaveOk);
-    desk.GivesUp({"There is no sound output number 1 now."});
-    EXPECT_EQ(desk.cards.Find(3), nullptr);
-    desk.server.PlugIn("desk");
-    desk.WaitForCards({"Default output", "desk", "headset"});
-    for (const char* output : {"headset", "desk"}) {  // card 0 follows the desktop's choice
-      desk.server.Ask({"set-default-sink", output});
-      desk.Plays(0, output);
-    }
-    desk.server.PlugIn("studio");
-    desk.server.Ask({"set-default-source", "mic_studio"});
-    desk.Takes(2, "headset");
-    for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone
-    desk.StartPlay(2, first);
-    EXPECT_EQ(desk.cards.Beside().Find(2)->StartPlay(second), kWaveOk);
-    desk.Card(2).StopPlay();
-    EXPECT_TRUE(Eventually([&] { return desk.server.Listed("sink-inputs").count('\n') == 1; }));
-    desk.server.Unplug("headset");
-    desk.GivesUp({"\"headset\" was disconnected while it was playing."});
-    EXPECT_TRUE(none.gone && second.gone && !first.gone);
-  });
+  Desk desk;
+  desk.WaitForCards({"Default output", "desk"});
+  desk.server.PlugIn("headset", "usb-3");
+  desk.WaitForCards({"Default output", "desk", "headset"});
+  desk.server.Unplug("desk");
+  desk.WaitForCards({"Default output", "1 (not connected)", "headset"});
+  Tape none(100), first(100), second(100);
+  EXPECT_EQ(desk.Card(1).StartPlay(none), kWaveOk);
+  desk.GivesUp({"There is no sound output number 1 now."});
+  EXPECT_EQ(desk.cards.Find(3), nullptr);
+  desk.server.PlugIn("desk");
+  desk.WaitForCards({"Default output", "desk", "headset"});
+  for (const char* output : {"headset", "desk"}) {  // card 0 follows the desktop's choice
+    desk.server.Ask({"set-default-sink", output});
+    desk.Plays(0, output);
+  }
+  desk.server.PlugIn("studio");
+  desk.server.Ask({"set-default-source", "mic_studio"});
+  desk.Takes(2, "headset");
+  for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone
+  desk.StartPlay(2, first);
+  EXPECT_EQ(desk.cards.Beside().Find(2)->StartPlay(second), kWaveOk);
+  desk.Card(2).StopPlay();
+  EXPECT_TRUE(Eventually([&] { return desk.server.Listed("sink-inputs").count('\n') == 1; }));
+  desk.server.Unplug("headset");
+  desk.GivesUp({"\"headset\" was disconnected while it was playing."});
+  EXPECT_TRUE(none.gone && second.gone && !first.gone);
 }
 
 TEST(SoundServerTest, AMicrophoneThatIsUnpluggedOrRefusedEndsOnlyTheRecording) {
-  Alone([](Desk& desk) {
-    std::vector<QByteArray> listeners;
-    do {  // until the microphone accepts no more: then Qt waits forever
-      listeners.push_back(desk.server.Ask({"load-module", "module-remap-source", "master=mic_desk",
-                                           QString("source_name=listener%1").arg(listeners.size())}));
-    } while (!listeners.back().isEmpty());
-    desk.server.Ask({"set-default-source", "mic_desk"});
-    Tape refused, cut, none;
-    EXPECT_EQ(desk.Card(0).StartRecord(refused), kWaveOk);
-    desk.GivesUp({"No sound comes from the microphone of sound card 0"});
-    for (const auto& listener : listeners) desk.server.Ask({"unload-module", listener.trimmed()});
+  Desk desk;
+  std::vector<QByteArray> listeners;
+  do {  // until the microphone accepts no more
+    listeners.push_back(desk.server.Ask({"load-module", "module-remap-source", "master=mic_desk",
+                                         QString("source_name=listener%1").arg(listeners.size())}));
+  } while (!listeners.back().isEmpty());
+  desk.server.Ask({"set-default-source", "mic_desk"});
+  Tape refused, cut, none;
+  EXPECT_EQ(desk.Card(0).StartRecord(refused), kWaveOk);
+  desk.GivesUp({"microphone \"mic_desk\" could not be opened."});
+  for (const auto& listener : listeners) desk.server.Ask({"unload-module", listener.trimmed()});
 
-    desk.server.PlugIn("room");
-    desk.server.Ask({"set-default-source", "mic_room"});
-    desk.StartTake(0, cut);
-    desk.Say("room");
-    desk.server.Unplug("mic_room");
-    desk.GivesUp({"microphone \"mic_room\" was disconnected"});
-    EXPECT_TRUE(cut.Heard(kNoise.first(kSecond / 2)));
-    desk.server.Unplug("mic_desk");
-    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveOk);  // finds no microphone; the next start is refused
-    desk.GivesUp({"There is no microphone to record from."});
-    EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveNoDevice);
-    desk.server.PlugIn("room");
-    EXPECT_TRUE(Eventually([&] { return desk.Card(0).StartRecord(none) == kWaveOk; }));
-    desk.server.Hang();
-  });
+  desk.server.PlugIn("room");
+  desk.server.Ask({"set-default-source", "mic_room"});
+  desk.StartTake(0, cut);
+  desk.Say("room");
+  desk.server.Unplug("mic_room");
+  desk.GivesUp({"microphone \"mic_room\" was disconnected"});
+  EXPECT_TRUE(cut.Heard(kNoise.first(kSecond / 2)));
+  desk.server.Unplug("mic_desk");
+  EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveOk);  // finds no microphone; the next start is refused
+  desk.GivesUp({"There is no microphone to record from."});
+  EXPECT_EQ(desk.Card(0).StartRecord(none), kWaveNoDevice);
+  desk.server.PlugIn("room");
+  EXPECT_TRUE(Eventually([&] { return desk.Card(0).StartRecord(none) == kWaveOk; }));
+  desk.server.Hang();
 }
 
 TEST(SoundServerTest, AServerThatHangsOrDiesEndsAllSoundAndMayReturn) {
-  Alone([](Desk& desk) {
-    desk.WaitForCards({"Default output", "desk"});
-    Tape plays[4]{Tape(100), Tape(100), Tape(100), Tape(100)}, takes[2];
-    desk.StartTake(0, takes[0]);
-    desk.Say("desk");
-    for (const int card : {0, 1}) desk.StartPlay(card, plays[card]);
-    desk.server.Hang();
-    desk.Card(0).StopPlay();
-    EXPECT_EQ(desk.Card(0).StartPlay(plays[2]), kWaveOk);
-    desk.GivesUp({"does not answer.", "playing on sound card 1 was stopped", "the recording was stopped"});
-    EXPECT_TRUE(!plays[0].gone && plays[1].gone && plays[2].gone &&
-                takes[0].Heard(kNoise.first(kSecond / 2)));
-    desk.server.Hang(false);
-    desk.Takes(0);
-    desk.StartPlay(0, plays[3]);
-    desk.StartTake(0, takes[1]);
-    desk.server.End();
-    desk.GivesUp({"\"desk\"", "\"mic_desk\""});
-    EXPECT_TRUE(plays[3].gone);
-    EXPECT_EQ(desk.Card(0).StartPlay(plays[0]), kWaveOk);
-    desk.GivesUp({"There is no sound server."});
-    desk.server.Start();  // Qt connects again after three seconds
-    EXPECT_TRUE(Eventually([&] { return desk.server.Listed("clients").contains("orven_sound"); }));
-    desk.Plays(0);
-  });
+  Desk desk;
+  desk.WaitForCards({"Default output", "desk"});
+  Tape plays[4]{Tape(100), Tape(100), Tape(100), Tape(100)}, takes[2];
+  desk.StartTake(0, takes[0]);
+  desk.Say("desk");
+  for (const int card : {0, 1}) desk.StartPlay(card, plays[card]);
+  desk.server.Hang();
+  desk.Card(0).StopPlay();
+  EXPECT_EQ(desk.Card(0).StartPlay(plays[2]), kWaveOk);
+  desk.GivesUp({"playing on sound card 0 was stopped", "playing on sound card 1 was stopped",
+                "the recording was stopped"});
+  EXPECT_TRUE(!plays[0].gone && plays[1].gone && plays[2].gone && takes[0].Heard(kNoise.first(kSecond / 2)));
+  desk.server.Hang(false);
+  desk.Takes(0);
+  desk.StartTake(0, takes[1]);
+  desk.StartPlay(0, plays[3]);
+  desk.server.End();
+  desk.GivesUp({"\"desk\"", "\"mic_desk\""});
+  EXPECT_TRUE(plays[3].gone);
+  EXPECT_EQ(desk.Card(0).StartPlay(plays[0]), kWaveOk);
+  desk.GivesUp({"There is no sound server."});
+  desk.server.Start();
+  desk.Plays(0);
 }
 
 }  // namespace
