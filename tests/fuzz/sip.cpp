@@ -114,7 +114,7 @@ class Telephone {
   std::uint16_t rtp_port_ = 0;
 };
 
-/// Records each event as a letter.
+/// Records each event as a letter; a diversion like the caller.
 struct Listener {
   void Take(const LineEvent& event) {
     using Kind = LineEvent::Kind;
@@ -125,7 +125,7 @@ struct Listener {
       Require(std::string_view("0123456789*#ABCD").find(event.digit) != std::string_view::npos);
     Require(event.kind == Kind::Proc || event.call == call);
     Require(IsUtf8(event.name) && IsUtf8(event.text) && IsUtf8(CleanCallerText(event.name)));
-    events += "ornxckdi-"[static_cast<int>(event.kind)];
+    events += "ornnxckdi-"[static_cast<int>(event.kind)];
   }
 
   CallNumber call = 0;
