@@ -9,6 +9,7 @@
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/srtp.h"
+#include "adapters/line/sip/timeline.h"
 #include "fuzz/fuzz.h"
 #include "platform/audio_device.h"
 
@@ -31,11 +32,16 @@ struct Receiver {
       const auto event = events.Take(*packet, now);
       return event.kind == TelephoneEvents::Kind::kPressed ? Press(event.digit) : void();
     }
-    const auto samples = Decode(header.pt == 8 ? Codec::kALaw : Codec::kMuLaw, payload);
-    Require(samples.size() == payload.size());
-    jitter_buffer.Push(header.ssrc, header.ts, samples);
-    order.Push(header.ssrc, header.ts, samples);
-    Require(order.BufferedSamples() <= std::max(ReorderBuffer::kMostSamples, datagram.size()));
+    const auto codec =
+        header.pt == 13 ? std::nullopt : std::optional(header.pt == 8 ? Codec::kALaw : Codec::kMuLaw);
+    const auto placed = placement.Place(header, codec, payload, now);
+    if (!placed) return;
+    Require(placed->payload.size() == payload.size() && placed->place <= placement.End());
+    if (placed->samples > 0) jitter_buffer.Push(*placed);
+    Require(jitter_buffer.BufferedSamples() <= std::max(JitterBuffer::kMostSamples, std::ssize(datagram)));
+    if (!kept.Begun()) kept.Begin(placement, now);
+    kept.Take(*placed);
+    kept.PassOn(written);
   }
 
   void Wait(std::size_t blocks) {
@@ -44,29 +50,33 @@ struct Receiver {
       std::array<std::int16_t, kBlockSamples> block;
       jitter_buffer.Pull(block);
       dtmf_detector.Listen(block);
-      PopUntil(kBlockSamples);
     }
   }
 
-  /// Takes frames out of the reorder buffer. They may overlap, but must start in order.
-  void PopUntil(std::size_t samples) {
-    while (order.BufferedSamples() > samples) {
-      const AudioFrame frame = order.Pop();
-      Require(!frame.samples.empty() && frame.start >= popped);
-      popped = frame.start + 1;
-    }
+  /// A recording is never longer than its time and what packets that were held back can add.
+  void End() {
+    if (kept.Begun()) kept.Finish(now, written);
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - start).count();
+    Require(written.samples <= (2 * seconds + 8) * kSampleRate);
   }
 
   static void Press(char key) {
     Require(std::string_view("0123456789*#ABCD").find(key) != std::string_view::npos);
   }
 
+  struct Counter : AudioSink {
+    void Write(std::span<const std::int16_t> more) override { samples += std::ssize(more); }
+    std::int64_t samples = 0;
+  };
+
   JitterBuffer jitter_buffer;
-  ReorderBuffer order;
-  std::int64_t popped = 0;
   TelephoneEvents events;
   DtmfDetector dtmf_detector{Press};
-  std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
+  const std::chrono::steady_clock::time_point start{std::chrono::hours(1)};
+  std::chrono::steady_clock::time_point now = start;
+  Placement placement{start};
+  TimeLine kept;
+  Counter written;
 };
 
 }  // namespace
@@ -102,8 +112,7 @@ void Rtp(Bytes input) {
     Require(std::ranges::equal(*opened, plain) && !srtp_receiver.Unprotect(sent));
     receiver.Take(plain);
   }
-  receiver.PopUntil(0);
-  Require(receiver.order.Front() == nullptr);
+  receiver.End();
 }
 
 }  // namespace orven::fuzz

@@ -36,6 +36,7 @@ std::int32_t LineAudio::StartRecord(AudioSink& sink) {
 
 void LineAudio::StopRecord() {
   const std::lock_guard lock(record_mutex_);
+  if (sink_ != nullptr && rest_) rest_(*sink_);
   sink_ = nullptr;
 }
 
@@ -52,14 +53,19 @@ void LineAudio::Hear(std::span<const std::int16_t> block, std::chrono::steady_cl
   if (sink_ != nullptr) sink_->Hear(block, at);
 }
 
-void LineAudio::Keep(std::span<const std::int16_t> samples) {
+void LineAudio::Keep(const std::function<void(AudioSink&)>& keep) {
   const std::lock_guard lock(record_mutex_);
-  if (sink_ != nullptr) sink_->Write(samples);
+  if (sink_ != nullptr) keep(*sink_);
+}
+
+void LineAudio::OnStopRecord(std::function<void(AudioSink&)> rest) {
+  const std::lock_guard lock(record_mutex_);
+  rest_ = std::move(rest);
 }
 
 void LineAudio::Deliver(std::span<const std::int16_t> block) {
   Hear(block, std::chrono::steady_clock::now());
-  Keep(block);
+  Keep([block](AudioSink& sink) { sink.Write(block); });
 }
 
 bool LineAudio::Plays() const {

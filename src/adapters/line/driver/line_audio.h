@@ -33,9 +33,15 @@ class LineAudio : public AudioDevice {
   /// Fills `block` with what to send now; silence and false when nothing plays. The call's thread.
   bool Fetch(std::span<std::int16_t> block);
 
-  /// AudioSink::Hear and AudioSink::Write of what records. The call's thread.
+  /// AudioSink::Hear of what records. The call's thread.
   void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at);
-  void Keep(std::span<const std::int16_t> samples);
+
+  /// Calls `keep` with what records, which stays until it returns; not when nothing does. The call's thread.
+  void Keep(const std::function<void(AudioSink&)>& keep);
+
+  /// `rest` writes what is still held back of a recording that is stopped. On the thread that stops it, never
+  /// while Keep runs. An empty one: nothing is held back. The call's thread.
+  void OnStopRecord(std::function<void(AudioSink&)> rest);
 
   /// Takes a block that is heard and kept at once. The call's thread.
   void Deliver(std::span<const std::int16_t> block);
@@ -55,7 +61,8 @@ class LineAudio : public AudioDevice {
   AudioSource* source_ = nullptr;  ///< guarded by play_mutex_
   bool cut_ = false;               ///< guarded by play_mutex_
   mutable std::mutex record_mutex_;
-  AudioSink* sink_ = nullptr;  ///< guarded by record_mutex_
+  AudioSink* sink_ = nullptr;             ///< guarded by record_mutex_
+  std::function<void(AudioSink&)> rest_;  ///< guarded by record_mutex_
 };
 
 }  // namespace orven

@@ -2,8 +2,6 @@
 #include "adapters/line/sip/jitter_buffer.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
 #include <iterator>
 #include <utility>
 
@@ -12,82 +10,49 @@
 namespace orven {
 namespace {
 
-/// No network delays a packet for so long; a larger step is a stream that started over.
-constexpr std::int32_t kLongestStep = 10 * 8000;
-
-/// After this many late packets in a row the sender's clock was set back.
-constexpr int kMostLate = 25;
-
-constexpr std::size_t kBlock = kBlockSamples;
+constexpr std::int64_t kBlock = kBlockSamples;
 
 /// Delay before audio is played, so that packets may arrive out of order. 60 ms is enough for home networks
 /// and busy computers.
-constexpr std::size_t kDelay = 3 * kBlock;
+constexpr std::int64_t kDelay = 3 * kBlock;
 constexpr int kDelayBlocks = 3;
 
 /// After this much silence the stream is paused, and the next audio is delayed again.
-constexpr std::int64_t kPause = 10 * std::int64_t{kBlockSamples};
+constexpr std::int64_t kPause = 10 * kBlock;
 
-/// A longer gap in the timestamps is a pause of the sender, not loss.
-constexpr std::int64_t kLongestLoss = 50 * std::int64_t{kBlockSamples};
+/// A longer gap is a pause of the sender, not loss.
+constexpr std::int64_t kLongestLoss = 50 * kBlock;
 
 /// If the delay never fell below this in 2 s, one block is dropped.
 constexpr int kObservationBlocks = 100;
-constexpr std::size_t kTooMuchWaiting = 6 * kBlock;
+constexpr std::int64_t kTooMuchWaiting = 6 * kBlock;
 
 }  // namespace
 
-std::int64_t ReorderBuffer::Place(std::uint32_t ssrc, std::uint32_t timestamp) {
-  if (reference_) {
-    const auto step = static_cast<std::int32_t>(timestamp - reference_->timestamp);
-    if (ssrc == reference_->ssrc && std::abs(std::int64_t{step}) <= kLongestStep) {
-      return reference_->place + step;
-    }
-  }
-  return end_;
+void JitterBuffer::Push(const PlacedPacket& packet) {
+  if (packet.place < played_) return;
+  Frame frame{packet.codec, packet.samples, {packet.payload.begin(), packet.payload.end()}};
+  if (!frames_.try_emplace(packet.place, std::move(frame)).second) return;
+  buffered_ += packet.samples;
+  while (buffered_ > kMostSamples && frames_.size() > 1) DropFront();
 }
 
-void ReorderBuffer::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
-  if (samples.empty()) return;
-  std::int64_t place = Place(ssrc, timestamp);
-  if (place < played_) {
-    if (++late_ < kMostLate) return;
-    place = end_;
-  }
-  late_ = 0;
-  reference_ = Reference{ssrc, timestamp, place};
-  const std::size_t size = samples.size();
-  if (!frames_.try_emplace(place, AudioFrame{place, std::move(samples)}).second) return;
-  buffered_ += size;
-  end_ = std::max(end_, place + static_cast<std::int64_t>(size));
-  while (buffered_ > kMostSamples && frames_.size() > 1) (void)Pop();
-}
-
-const AudioFrame* ReorderBuffer::Front() const {
-  return frames_.empty() ? nullptr : &frames_.begin()->second;
-}
-
-AudioFrame ReorderBuffer::Pop() {
-  AudioFrame frame = std::move(frames_.begin()->second);
+void JitterBuffer::DropFront() {
+  const auto& [place, frame] = *frames_.begin();
+  buffered_ -= frame.samples;
+  played_ = std::max(played_, place + frame.samples);
   frames_.erase(frames_.begin());
-  buffered_ -= frame.samples.size();
-  played_ = std::max(played_, frame.start + static_cast<std::int64_t>(frame.samples.size()));
-  return frame;
-}
-
-void JitterBuffer::Push(std::uint32_t ssrc, std::uint32_t timestamp, std::vector<std::int16_t> samples) {
-  reorder_.Push(ssrc, timestamp, std::move(samples));
 }
 
 void JitterBuffer::Pull(std::span<std::int16_t> block) {
   LimitDelay();
-  while (ready_.size() < kBlock) {
+  while (std::ssize(ready_) < kBlock) {
     if (filling_ && StillFilling()) {
       ready_.resize(kBlock, 0);
-    } else if (reorder_.Front() != nullptr) {
+    } else if (!frames_.empty()) {
       PlayFront();
     } else {
-      Conceal(kBlock - ready_.size());
+      Conceal(kBlock - std::ssize(ready_));
     }
   }
   std::copy_n(ready_.begin(), kBlock, block.begin());
@@ -95,53 +60,43 @@ void JitterBuffer::Pull(std::span<std::int16_t> block) {
 }
 
 bool JitterBuffer::StillFilling() {
-  if (reorder_.Front() == nullptr) return true;
+  if (frames_.empty()) return true;
   // The wait is bounded, for a sender that stops after a word.
-  if (reorder_.BufferedSamples() < kDelay && filling_blocks_++ < kDelayBlocks) return true;
+  if (buffered_ < kDelay && filling_blocks_++ < kDelayBlocks) return true;
   filling_ = false;
   filling_blocks_ = 0;
-  position_ = reorder_.Front()->start;
+  position_ = frames_.begin()->first;
   concealed_ = 0;
-  plc_init(&concealer_);  // audio before the pause must not affect what follows
+  concealer_.Restart();
   return false;
 }
 
 void JitterBuffer::PlayFront() {
-  const std::int64_t hole = reorder_.Front()->start - position_;
-  if (hole > concealed_ && hole <= kLongestLoss) {
-    Conceal(static_cast<std::size_t>(std::min<std::int64_t>(hole - concealed_, kBlockSamples)));
-    return;
-  }
-  AudioFrame frame = reorder_.Pop();
-  plc_rx(&concealer_, frame.samples.data(), static_cast<int>(frame.samples.size()));
-  ready_.insert(ready_.end(), frame.samples.begin(), frame.samples.end());
-  position_ = frame.start + static_cast<std::int64_t>(frame.samples.size());
+  const auto& [place, frame] = *frames_.begin();
+  const std::int64_t hole = place - position_;
+  if (hole > concealed_ && hole <= kLongestLoss) return Conceal(std::min(hole - concealed_, kBlock));
+  const std::size_t begin = ready_.size();
+  decoder_.Decode(frame.codec, frame.payload, ready_);
+  concealer_.Follow(std::span(ready_).subspan(begin));
+  position_ = place + frame.samples;
   concealed_ = 0;
+  DropFront();
 }
 
-void JitterBuffer::Conceal(std::size_t samples) {
-  samples = std::min(samples, kBlock);
-  // The library would rotate its history itself, by a memcpy between ranges that may overlap.
-  plc_state_t& state = concealer_;
-  std::rotate(std::begin(state.history), std::begin(state.history) + state.buf_ptr, std::end(state.history));
-  state.buf_ptr = 0;
-  // It always writes the whole overlap with the earlier audio (up to 30 samples), even if fewer are
-  // requested.
-  std::array<std::int16_t, kBlock> made_up{};
-  plc_fillin(&state, made_up.data(), static_cast<int>(samples));
-  ready_.insert(ready_.end(), made_up.begin(), made_up.begin() + static_cast<std::ptrdiff_t>(samples));
-  concealed_ += static_cast<std::int64_t>(samples);
-  if (concealed_ >= kPause && reorder_.Front() == nullptr) filling_ = true;
+void JitterBuffer::Conceal(std::int64_t samples) {
+  concealer_.Conceal(static_cast<std::size_t>(samples), ready_);
+  concealed_ += samples;
+  if (concealed_ >= kPause && frames_.empty()) filling_ = true;
 }
 
 void JitterBuffer::LimitDelay() {
-  const std::size_t waiting = reorder_.BufferedSamples() + ready_.size();
+  const std::int64_t waiting = buffered_ + std::ssize(ready_);
   least_waiting_ = observed_blocks_ == 0 ? waiting : std::min(least_waiting_, waiting);
   if (++observed_blocks_ < kObservationBlocks) return;
   observed_blocks_ = 0;
   if (least_waiting_ <= kTooMuchWaiting || filling_) return;
-  while (ready_.size() < kBlock && reorder_.Front() != nullptr) PlayFront();
-  ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(std::min(ready_.size(), kBlock)));
+  while (std::ssize(ready_) < kBlock && !frames_.empty()) PlayFront();
+  ready_.erase(ready_.begin(), ready_.begin() + std::min<std::ptrdiff_t>(std::ssize(ready_), kBlock));
 }
 
 }  // namespace orven

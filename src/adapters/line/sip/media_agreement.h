@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/libre.h"
-#include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/srtp.h"
 

@@ -3,10 +3,8 @@
 
 #include <linux/errqueue.h>
 #include <netinet/in.h>
-#include <spandsp.h>
 #include <sys/socket.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -60,20 +58,6 @@ bool LooksLikeRtp(std::span<const std::uint8_t> datagram) {
 
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram) {
   return datagram.size() >= 8 && datagram[0] >> 6 == RTP_VERSION && datagram[1] >= 192 && datagram[1] <= 223;
-}
-
-std::vector<std::int16_t> Decode(Codec codec, std::span<const std::uint8_t> bytes) {
-  std::vector<std::int16_t> samples(bytes.size());
-  std::transform(bytes.begin(), bytes.end(), samples.begin(), [codec](std::uint8_t byte) {
-    return codec == Codec::kMuLaw ? ulaw_to_linear(byte) : alaw_to_linear(byte);
-  });
-  return samples;
-}
-
-void Encode(Codec codec, std::span<const std::int16_t> samples, std::uint8_t* bytes) {
-  std::transform(samples.begin(), samples.end(), bytes, [codec](std::int16_t sample) {
-    return codec == Codec::kMuLaw ? linear_to_ulaw(sample) : linear_to_alaw(sample);
-  });
 }
 
 std::unique_ptr<DatagramSocket> DatagramSocket::Bind(const sa& local, Handlers handlers) {

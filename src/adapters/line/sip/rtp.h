@@ -35,14 +35,6 @@ bool LooksLikeRtp(std::span<const std::uint8_t> datagram);
 /// Version 2 and a packet type of RTCP (RFC 3550, section 6); the rest may be encrypted.
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram);
 
-/// The telephone's two codecs (ITU-T G.711), one byte a sample.
-enum class Codec : std::uint8_t { kMuLaw, kALaw };
-
-std::vector<std::int16_t> Decode(Codec codec, std::span<const std::uint8_t> bytes);
-
-/// Writes one byte for each sample.
-void Encode(Codec codec, std::span<const std::int16_t> samples, std::uint8_t* bytes);
-
 /// A datagram socket that also reports when its datagrams are refused (ICMP port unreachable). Made, used and
 /// destroyed on the SIP thread.
 class DatagramSocket {

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/rtp.h"
 
 namespace orven {
@@ -21,9 +22,6 @@ constexpr std::int64_t kMostLateBlocks = 100;
 /// The peer counts the wraps of the sequence numbers to decrypt (RFC 3711, section 3.3.1). Beginning in the
 /// first half leaves it 11 minutes to receive a packet before the first wrap.
 constexpr std::uint16_t kFirstSequenceMask = 0x7FFF;
-
-/// More than any delay that JitterBuffer builds up.
-constexpr int kMostTailBlocks = 150;
 
 }  // namespace
 
@@ -56,6 +54,8 @@ void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
   if (agreement) Agree(*agreement);
   started_ = true;
   start_ = alive_ = Clock::now();
+  placement_.emplace(start_);
+  audio_.OnStopRecord([this](AudioSink& sink) { kept_.Finish(Clock::now(), sink); });
   blocks_ = 0;
   ticker_.StartPeriodic(kBlockTime);
 }
@@ -98,15 +98,14 @@ void RtpStream::Stop() {
   ports_.rtp->Drain();
   started_ = false;
   ticker_.Stop();
-  for (int i = 0; i < kMostTailBlocks && !jitter_buffer_.Empty(); ++i) {
-    std::array<std::int16_t, kBlockSamples> block;
-    jitter_buffer_.Pull(block);
-    audio_.Deliver(block);
-  }
+  Keep();
+  audio_.Keep([this](AudioSink& sink) { kept_.Finish(Clock::now(), sink); });
+  audio_.OnStopRecord({});
 }
 
 void RtpStream::Tick() {
   ports_.rtp->Drain();
+  Keep();
   const Time now = Clock::now();
   std::int64_t due = (now - start_) / kBlockTime;
   if (due - blocks_ > kMostLateBlocks) {
@@ -115,7 +114,7 @@ void RtpStream::Tick() {
   }
   for (; started_ && blocks_ < due; ++blocks_) {
     SendBlock();
-    DeliverBlock();
+    HearBlock(now);
   }
   if (started_) CheckPeer(now);
 }
@@ -147,10 +146,18 @@ void RtpStream::Send(std::span<const std::uint8_t> packet) {
   if (!sealed.empty()) ports_.rtp->Send(source_ ? *source_ : agreement_->peer, sealed);
 }
 
-void RtpStream::DeliverBlock() {
+/// A recording begins with what comes after it was asked for.
+void RtpStream::Keep() {
+  audio_.Keep([this](AudioSink& sink) {
+    if (!kept_.Begun()) kept_.Begin(*placement_, Clock::now());
+    kept_.PassOn(sink);
+  });
+}
+
+void RtpStream::HearBlock(Time at) {
   std::array<std::int16_t, kBlockSamples> block;
-  jitter_buffer_.Pull(block);
-  audio_.Deliver(block);
+  heard_now_.Pull(block);
+  audio_.Hear(block, at);
   dtmf_detector_.Listen(block);
 }
 
@@ -188,13 +195,22 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   if ((!codec && !is_event && !is_noise) || !IsPeer(source)) return;
   alive_ = Clock::now();
   refused_since_.reset();
-  if (codec) jitter_buffer_.Push(packet->header.ssrc, packet->header.ts, Decode(*codec, packet->payload));
+  Place(*packet, codec);
   if (!heard_) {
     heard_ = true;
     ports_.rtp->LeaveToDrain();  // from now on reading every 20 ms is enough
     events_.heard();
   }
   if (is_event) TakeEvent(*packet);
+}
+
+void RtpStream::Place(const RtpPacket& packet, std::optional<Codec> codec) {
+  const auto placed = placement_->Place(packet.header, codec, packet.payload, alive_);
+  if (!placed) return;
+  if (placed->samples > 0) heard_now_.Push(*placed);
+  audio_.Keep([&](AudioSink&) {
+    if (kept_.Begun()) kept_.Take(*placed);
+  });
 }
 
 void RtpStream::TakeEvent(const RtpPacket& packet) {

@@ -12,14 +12,16 @@
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/placement.h"
 #include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/srtp.h"
+#include "adapters/line/sip/timeline.h"
 
 namespace orven {
 
-/// One call's audio: every 20 ms it sends a block of the played audio and passes a received block to the
-/// recording. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
+/// One call's audio: every 20 ms it sends a block of the played audio, passes on what is heard now, and what
+/// has come for the recording. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
 class RtpStream {
  public:
   /// What happens in a call's audio. SIP thread, never inside RtpStream's operations.
@@ -35,6 +37,10 @@ class RtpStream {
   static std::unique_ptr<RtpStream> Bind(const sa& address, LineAudio& audio, const SipLineTimers& timers,
                                          Events events);
 
+  RtpStream(const RtpStream&) = delete;
+  RtpStream& operator=(const RtpStream&) = delete;
+  ~RtpStream() { Stop(); }
+
   std::uint16_t Port() const { return ports_.port; }
 
   /// Begins. Until the peer's address is known (`agreement` absent) it sends nothing and records silence.
@@ -47,7 +53,7 @@ class RtpStream {
   /// A re-INVITE has changed the agreement: the peer may also send from another address now.
   void Update(const MediaAgreement& agreement);
 
-  /// Ends. First passes the buffered audio to the recording. Idempotent.
+  /// Ends. First passes all that has come to the recording. Idempotent.
   void Stop();
 
  private:
@@ -59,7 +65,8 @@ class RtpStream {
   void Tick();
   void SendBlock();
   void Send(std::span<const std::uint8_t> packet);
-  void DeliverBlock();
+  void Keep();
+  void HearBlock(Time at);
   void CheckPeer(Time now);
 
   static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SrtpReceiver>& receiver,
@@ -68,6 +75,7 @@ class RtpStream {
   void TakeRtcp(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeRefusal(const sa& destination);
   bool IsPeer(const sa& source);
+  void Place(const RtpPacket& packet, std::optional<Codec> codec);
   void TakeEvent(const RtpPacket& packet);
 
   LineAudio& audio_;
@@ -82,7 +90,9 @@ class RtpStream {
   std::optional<sa> source_;  ///< where the peer's packets come from
   bool source_open_ = true;   ///< the next packet may come from anywhere and becomes the peer's
 
-  JitterBuffer jitter_buffer_;
+  std::optional<Placement> placement_;  ///< since Start
+  TimeLine kept_;                       ///< within LineAudio's Keep and OnStopRecord
+  JitterBuffer heard_now_;
   DtmfDetector dtmf_detector_;
   TelephoneEvents telephone_events_;
 

@@ -21,6 +21,7 @@
 #include <thread>
 #include <utility>
 
+#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/rtp.h"
 #include "adapters/line/sip/sip_line.h"
 #include "support/line_events.h"
@@ -247,6 +248,13 @@ class RecordedEvents {
   std::vector<std::string> all_;
 };
 
+/// Returns the samples of mu-law bytes.
+inline std::vector<std::int16_t> Decoded(const Bytes& bytes) {
+  std::vector<std::int16_t> samples;
+  Decoder().Decode(Codec::kMuLaw, bytes, samples);
+  return samples;
+}
+
 /// Keeps recorded audio for the test to read after the call.
 struct KeptAudio : AudioSink {
   void Write(std::span<const std::int16_t> block) override {
@@ -254,7 +262,7 @@ struct KeptAudio : AudioSink {
   }
   /// Returns how many whole blocks of `sent`, in mu-law, have arrived.
   std::size_t BlocksOf(const Bytes& sent) const {
-    const auto samples = Decode(Codec::kMuLaw, sent);
+    const auto samples = Decoded(sent);
     std::size_t found = 0;
     for (auto block = samples.begin(); block != samples.end(); block += kBlockSamples)
       found += std::search(all.begin(), all.end(), block, block + kBlockSamples) != all.end() ? 1 : 0;
