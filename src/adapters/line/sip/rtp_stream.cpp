@@ -19,6 +19,12 @@ constexpr milliseconds kBlockTime{20};
 /// After a longer stall (a suspended computer) the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
 
+/// The newest packet of a sender that talks ends at most this much (40 ms, in samples) before the clock.
+constexpr std::int64_t kOnTime = 2 * std::int64_t{kBlockSamples};
+
+/// Without a packet for longer (1 s) the sender was silent, and none is under way.
+constexpr std::int64_t kLate = kSampleRate;
+
 /// The peer counts the wraps of the sequence numbers to decrypt (RFC 3711, section 3.3.1). Beginning in the
 /// first half leaves it 11 minutes to receive a packet before the first wrap.
 constexpr std::uint16_t kFirstSequenceMask = 0x7FFF;
@@ -93,6 +99,27 @@ void RtpStream::Agree(const MediaAgreement& agreement) {
   rtcp_receiver_.emplace(SrtpReceiver::Kind::kRtcp, keys->suite, keys->receive);
 }
 
+bool RtpStream::AwaitsMore() {
+  if (!started_ || !agreement_ || hung_up_) return false;
+  ports_.rtp->Drain();
+  Keep();
+  hung_up_ = Clock::now();
+  agreement_->send = false;
+  return IsUnderWay(*hung_up_);
+}
+
+/// Packets before the newest one have not come, or the newest one is not the last that was sent: the packets
+/// came in time until now, and the clock is further on.
+bool RtpStream::IsUnderWay(Time now) {
+  if (now - *hung_up_ >= timers_.last_audio) return false;
+  bool waits = false;
+  audio_.Keep([&](AudioSink&) {
+    const std::int64_t behind = placement_->Clock(*hung_up_) - placement_->End();
+    waits = kept_.Waits() || (behind > kOnTime && behind < kLate);
+  });
+  return waits;
+}
+
 void RtpStream::Stop() {
   if (!started_) return;
   ports_.rtp->Drain();
@@ -163,11 +190,12 @@ void RtpStream::HearBlock(Time at) {
 
 void RtpStream::CheckPeer(Time now) {
   if (!agreement_) return;
+  if (hung_up_) return IsUnderWay(now) ? void() : events_.over();
   // On hold many telephones send nothing, regardless of the agreement, and do not receive either.
   const bool held = !agreement_->receive || !agreement_->send;
   const bool silent = now - alive_ >= (held ? timers_.lost_held : timers_.lost_media);
   const bool refused = !held && refused_since_ && now - *refused_since_ >= timers_.unreachable;
-  if (silent || refused) events_.lost();
+  if (silent || refused) events_.over();
 }
 
 /// The negotiated address may always send. Another one may if it is the first to send (a router gave the peer

@@ -29,8 +29,9 @@ class RtpStream {
     std::function<void()> heard;  ///< the peer's first audio has arrived
     std::function<void(DigitSource source, char digit)> digit;
     std::function<void(DigitSource source)> held;
-    /// The peer has sent nothing for too long, or its computer refuses our packets.
-    std::function<void()> lost;
+    /// The peer has sent nothing for too long, its computer refuses our packets, or AwaitsMore no longer
+    /// holds.
+    std::function<void()> over;
   };
 
   /// Binds a port pair at `address`; nullptr when there is none.
@@ -53,6 +54,10 @@ class RtpStream {
   /// A re-INVITE has changed the agreement: the peer may also send from another address now.
   void Update(const MediaAgreement& agreement);
 
+  /// The peer has hung up: sends no more. Whether audio for the recording is still under way; then it is
+  /// taken until `over` is raised, SipLineTimers::last_audio from now at the latest.
+  bool AwaitsMore();
+
   /// Ends. First passes all that has come to the recording. Idempotent.
   void Stop();
 
@@ -68,6 +73,7 @@ class RtpStream {
   void Keep();
   void HearBlock(Time at);
   void CheckPeer(Time now);
+  bool IsUnderWay(Time now);
 
   static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SrtpReceiver>& receiver,
                                                              std::span<const std::uint8_t> datagram);
@@ -102,6 +108,7 @@ class RtpStream {
   std::int64_t blocks_ = 0;  ///< blocks handled since start_
   Time alive_;               ///< when the peer last sent something
   std::optional<Time> refused_since_;
+  std::optional<Time> hung_up_;
 
   std::uint32_t ssrc_;
   std::uint32_t timestamp_;

@@ -83,6 +83,8 @@ bool SipAgent::TakeWithin(SipEndpoint& at, const sip_msg& request) {
 
 void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
   tidy_timer_.StartOnce(kTransactionsGone);
+  if (call_ != nullptr && call_->Ending())
+    call_->End(true);  // its last audio must not cost a caller the line
   if (closing_ || (call_ != nullptr && !call_->Gone())) {
     (void)sip_reply(&at.Stack(), &invite, 486, "Busy Here");
     return;

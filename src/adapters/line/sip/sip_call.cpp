@@ -45,7 +45,7 @@ SipCall::SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& in
                           {.heard = [this] { Connect(); },
                            .digit = [this](DigitSource source, char digit) { DigitHeard(source, digit); },
                            .held = [this](DigitSource source) { digits_.Held(source, steady_clock::now()); },
-                           .lost = [this] { End(true); }})),
+                           .over = [this] { End(true); }})),
       session_timer_(invite, ports.settings.timers.shortest_session,
                      {.refresh = [this] { Refresh(); }, .expired = [this] { End(true); }}),
       ring_timer_([this] { Ring(); }),
@@ -92,7 +92,7 @@ bool SipCall::Begin(const sip_msg& invite) {
       [](const sip_msg* ack, void* self) { return Self(self).TakeAnswer(*ack); },
       [](const sip_msg*, void* self) { Self(self).Connect(); },
       [](struct sip*, const sip_msg* request, void* self) { Self(self).TakeInfo(*request); }, nullptr,
-      [](int, const sip_msg*, void* self) { Self(self).End(true); }, this, "%s", headers.c_str());
+      [](int, const sip_msg*, void* self) { Self(self).SessionClosed(); }, this, "%s", headers.c_str());
   session_.reset(error == 0 ? session : nullptr);
   if (error != 0) {
     // The library has sent no answer. EBADMSG and EINVAL mean an unusable Contact.
@@ -157,7 +157,7 @@ void SipCall::Enter(State next) {
     if (reliable_) reliable_->Stop();
   }
   if (next != State::kAnswered) ack_timer_.Stop();
-  if (next == State::kGone) session_timer_.Stop();
+  if (next >= State::kEnding) session_timer_.Stop();
 }
 
 void SipCall::Answer(std::int32_t request) {
@@ -189,6 +189,13 @@ void SipCall::Connect() {
 void SipCall::Drop(std::int32_t request) {
   Done(request, kTelephonyOk);
   End(false);
+}
+
+/// The library has confirmed a BYE or CANCEL.
+void SipCall::SessionClosed() {
+  if (!stream_->AwaitsMore()) return End(true);
+  session_.reset();
+  Enter(State::kEnding);
 }
 
 void SipCall::End(bool by_peer) {

@@ -35,11 +35,14 @@ struct SipCallPorts {
 ///
 ///     Ringing ──Answer──► Answered ──ACK or audio──► Connected
 ///        │                   │                           │
-///        └───────────────────┴── CANCEL, BYE, Drop, ─────┴──► Gone
-///                                peer lost
+///        ├───────────────────┴─── CANCEL, Drop, lost ────┤
+///        │                        BYE ──► Ending ────────┤
+///        └───────────────────────────────────────────────┴──► Gone
+///
+/// An ending call has no session any more, but some of its audio is under way.
 class SipCall {
  public:
-  enum class State : std::uint8_t { kRinging, kAnswered, kConnected, kGone };
+  enum class State : std::uint8_t { kRinging, kAnswered, kConnected, kEnding, kGone };
 
   /// Takes the call of a valid INVITE: it rings, and its first events are raised. Refuses a call that cannot
   /// be taken and returns nullptr.
@@ -50,11 +53,12 @@ class SipCall {
   ~SipCall();
 
   CallNumber Number() const { return number_; }
+  bool Ending() const { return state_ == State::kEnding; }
   bool Gone() const { return state_ == State::kGone; }
 
   void Answer(std::int32_t request);
   void Drop(std::int32_t request);
-  /// Ends the call; `by_peer`: not because of us.
+  /// Ends the call at once; `by_peer`: not because of us.
   void End(bool by_peer);
   /// Any request. False unless it is the call's and one that the library does not know.
   bool Take(const sip_msg& request);
@@ -79,6 +83,7 @@ class SipCall {
   void EndUnheard();
   bool SendAnswer();
   void Connect();
+  void SessionClosed();
   void EndSession();
   void Refresh();
 

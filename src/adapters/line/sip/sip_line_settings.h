@@ -24,6 +24,8 @@ struct SipLineTimers {
   /// A call ends when the peer's computer has refused our packets (ICMP port unreachable) and sent none for
   /// this time. One refusal is not enough: a peer may open its port a moment late.
   std::chrono::milliseconds unreachable{2'000};
+  /// What the caller said last may be under way when the call ends: for at most this time.
+  std::chrono::milliseconds last_audio{200};
   /// The first pause after a failed registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
   std::chrono::milliseconds registration_retry_longest{300'000};

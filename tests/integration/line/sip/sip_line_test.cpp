@@ -230,6 +230,7 @@ Bytes Tones(const std::string& keys) {
 
 TEST_F(SipLineTest, RecordsOnlyTheCallerWhomItAnswered) {
   const Bytes spoken = NoiseBytes(40, 3), shouted = NoiseBytes(30, 4);
+  settings.timers.last_audio = milliseconds(8000);
   KeptAudio recorded;
   Play(Connected("1"));
   ASSERT_EQ(line->Audio().StartRecord(recorded), kWaveOk);
@@ -243,13 +244,25 @@ TEST_F(SipLineTest, RecordsOnlyTheCallerWhomItAnswered) {
   std::jthread shouter = Talk(stranger, caller->line_rtp_port, shouted, 2);
   talker.join();
   shouter.join();
-  Play("> BYE,< 200,Idle 1");
+  const Bytes last = NoiseBytes(2, 5);
+  const auto say = [&](std::uint32_t number, auto begin) {
+    caller->SendRtp(RtpPacketBytes(0, number, number * 160, {begin, begin + 160}));
+  };
+  say(41, last.begin() + 160);
+  Play("> BYE,< 200");
+  say(40, last.begin());
+  Play("Idle 1");
+  EXPECT_EQ(recorded.BlocksOf(last), 2U) << "what was under way at the end is lost";
   EXPECT_GE(recorded.all.size(), spoken.size() + 1400) << "a silent caller is recorded too";
   // A busy machine may insert a pause into the stream, but no audio is lost or changed permanently.
   EXPECT_GE(recorded.BlocksOf(spoken), 37U);
   EXPECT_EQ(recorded.BlocksOf({spoken.end() - kBlockSamples, spoken.end()}), 1U) << "the last word is lost";
   EXPECT_EQ(recorded.BlocksOf(shouted), 0U);
   EXPECT_EQ(stranger.Receive(milliseconds(1)), "") << "a stranger hears the call";
+  Play(Connected("2"));
+  say(1, last.begin());
+  say(3, last.begin());
+  Play("> BYE,< 200,caller 3,> INVITE,Idle 2,Ring 3 1");
 }
 
 TEST_F(SipLineTest, ReportsEachMonitoredKeyOnceHoweverItIsSent) {
