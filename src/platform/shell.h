@@ -37,7 +37,8 @@ class Shell {
   /// icon cannot be added again, a missing one cannot be changed.
   virtual bool NotifyIcon(NotifyRequest request, const NotifyIconData& data) = 0;
 
-  /// Whether this desktop has a notification area now. That may change at any time.
+  /// Whether this desktop has a notification area now. That may change at any time. True without a display:
+  /// nothing could bring back a minimised window either.
   virtual bool HasNotificationArea() const = 0;
 
   /// Opens a document (native path) or a web address with the desktop's program for it, like the

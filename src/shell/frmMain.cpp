@@ -161,11 +161,26 @@ void frmMain::closeEvent(QCloseEvent* event) {
   event->setAccepted(engine_ == nullptr || engine_->Ended() || engine_->Unload());
 }
 
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  TellSight();
+}
+
+void frmMain::hideEvent(QHideEvent* event) {
+  QMainWindow::hideEvent(event);
+  TellSight();
+}
+
+void frmMain::TellSight() {
+  if (engine_ != nullptr) engine_->SightChanged(isVisible() && !isMinimized());
+}
+
 void frmMain::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) UseIconTheme(palette());
   if (event->type() == QEvent::ActivationChange && engine_ != nullptr) engine_->ActivationChanged();
   if (event->type() != QEvent::WindowStateChange) return;
+  TellSight();
   const bool came_back = minimised_ && !isMinimized();
   minimised_ = isMinimized();
   if (came_back && engine_ != nullptr) engine_->CameBack();

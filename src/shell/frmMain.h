@@ -57,9 +57,12 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   QMenu* createPopupMenu() override { return nullptr; }
 
  private:
+  void TellSight();
   void AddToolbar1();
   void LayOut();
   void SetTabOrder();

@@ -64,8 +64,6 @@ void MainWindow::Load() {
   trap([&] { machine_.greetings.Fill(machine_.settings.Greeting); });
   views_.boxes.ShowRecordMessage(machine_.settings.RecordMessage != 0);
   ports_.Wave1.SetRecordToDisk(true);
-  ShowClock();
-  TimerPannel->Start(kClockInterval);
   machine_.log.WriteSystem("Load ORVEN");
   machine_.log.WriteCalls("Load ORVEN");
   machine_.log.WriteSystem("LineInitialize->" + ports_.Tapi1.ErrorText(ports_.Tapi1.LineInitialize()));
@@ -89,6 +87,13 @@ void MainWindow::ShowListStyle() {
 void MainWindow::ChangeGridLines() {
   ShowListStyle();
   machine_.store.SetGridLines(views_.frame.GridLines());
+}
+
+void MainWindow::SightChanged(bool seen) {
+  if (!seen) return TimerPannel->Stop();
+  if (TimerPannel->Enabled()) return;
+  ShowClock();
+  TimerPannel->Start(kClockInterval);
 }
 
 void MainWindow::ShowClock() {

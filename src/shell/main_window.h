@@ -47,6 +47,10 @@ class MainWindow : public MainWindowStart {
   /// The user has restored the window without the tray, because it was only minimised.
   void CameBack();
 
+  /// The window came into sight, or went out of it (hidden, minimised): its clock stands while nobody sees
+  /// it.
+  void SightChanged(bool seen);
+
   /// The window became active or inactive. An empty list is read again, because another program may have
   /// added calls; other lists stay as they are, so that no row moves under the mouse.
   void ActivationChanged();

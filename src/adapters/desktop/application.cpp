@@ -8,11 +8,25 @@
 namespace orven {
 namespace {
 
-constexpr const char* kPlatformVariable = "QT_QPA_PLATFORM";
+/// Sets an environment variable while it exists, unless the user has set it.
+class Choice {
+ public:
+  Choice(const char* name, const QByteArray& value) : name_(name), mine_(qEnvironmentVariableIsEmpty(name)) {
+    if (mine_) qputenv(name_, value);
+  }
+  ~Choice() {
+    if (mine_) qunsetenv(name_);
+  }
+  Choice(const Choice&) = delete;
+  Choice& operator=(const Choice&) = delete;
 
-/// The Qt platforms to try, in the notation of kPlatformVariable; empty if the user has chosen.
-QByteArray ChoosePlatform() {
-  if (!qEnvironmentVariableIsEmpty(kPlatformVariable)) return {};
+ private:
+  const char* const name_;
+  const bool mine_;
+};
+
+/// The Qt platforms to try.
+QByteArray Platforms() {
   QByteArray platforms;
   if (!qEnvironmentVariableIsEmpty("DISPLAY")) platforms += "xcb;";
   if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) platforms += "wayland;";
@@ -22,10 +36,11 @@ QByteArray ChoosePlatform() {
 }  // namespace
 
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
-  const QByteArray platform = ChoosePlatform();
-  if (!platform.isEmpty()) qputenv(kPlatformVariable, platform);
+  const Choice platform("QT_QPA_PLATFORM", Platforms());
+  // With memory that it shares with the display, Qt waits for an answer before it paints a place again: two
+  // more wake-ups for each second of the clock. A window of this size is sent in a millisecond.
+  const Choice no_shared_memory("QT_XCB_NO_MITSHM", "1");
   auto application = std::make_unique<QApplication>(argc, argv);
-  if (!platform.isEmpty()) qunsetenv(kPlatformVariable);
   QApplication::setApplicationName(QStringLiteral("ORVEN"));
   QApplication::setQuitOnLastWindowClosed(false);
   return application;

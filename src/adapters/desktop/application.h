@@ -9,8 +9,8 @@ namespace orven {
 /// Makes the program's QApplication, named "ORVEN", which runs on without a visible window. Without a
 /// QT_QPA_PLATFORM of the user's it tries X, then Wayland, then offscreen: Wayland lets no program place a
 /// window or keep it on top, and a display that cannot be reached must not end the program. Child processes
-/// do not inherit the choice. `argc` and `argv` must outlive the application; Qt removes its own options from
-/// them.
+/// do not inherit what it chooses for Qt. `argc` and `argv` must outlive the application; Qt removes its own
+/// options from them.
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv);
 
 /// Raises this process's limit of open files as far as the system allows, so that strangers who hold many

@@ -148,7 +148,8 @@ void QtShell::ShowPicture() {
 }
 
 bool QtShell::HasNotificationArea() const {
-  if (!icon_ || !host_) return false;
+  if (!host_) return true;  // there is no display
+  if (!icon_) return false;
   return on_bus_ ? host_->Current() == TrayHost::Answer::Present : QSystemTrayIcon::isSystemTrayAvailable();
 }
 

@@ -148,8 +148,11 @@ TEST_F(Window, ClosingHidesOrMinimisesItAndAPersonRestoresIt) {
   auto& tray = desk.Machine().tray;
   desk.Do("mnuHide");
   EXPECT_FALSE(window.isVisible());
+  window.ShowClock("hidden", "");
   desk.Do("mnuOpen");
   EXPECT_TRUE(window.isVisible() && !window.isMinimized());
+  const auto& clock = desk.Get<QLabel>("StatusBar1.Panel2");
+  EXPECT_NE(clock.text(), "hidden") << "right at once";
   desk.engine->TrayMouseMove(517 * 15, 15);
   EXPECT_TRUE(window.TrayMenu().isVisible());
   window.TrayMenu().hide();
@@ -158,7 +161,9 @@ TEST_F(Window, ClosingHidesOrMinimisesItAndAPersonRestoresIt) {
   window.close();
   EXPECT_TRUE(window.isVisible() && window.isMinimized() && desk.Machine().window_hidden);
   tray.StartBlinking();
+  window.ShowClock("minimised", "");
   window.showNormal();
+  EXPECT_NE(clock.text(), "minimised");
   EXPECT_FALSE(desk.Machine().window_hidden || tray.Blinking());
   window.resize(800, 480);
   desk.Do("mnuExitSys");

@@ -35,8 +35,11 @@ TEST_F(MainWindowTest, LoadsThenStarts) {
   window->ChangeGridLines();
   EXPECT_EQ(views.list_style, 0U);
   EXPECT_EQ(registry.Text("GridLines"), "0");
-  RunFor(2s);
-  EXPECT_EQ(views.clock, "14:05:09 12/31/2003");
+  for (const auto& [seen, clock] : {std::pair(true, "14:05:09"), {false, "14:05:09"}, {true, "14:05:13"}}) {
+    window->SightChanged(seen);
+    RunFor(2s);
+    EXPECT_EQ(views.clock, clock + std::string(" 12/31/2003"));
+  }
 }
 
 TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
