@@ -5,7 +5,9 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
@@ -17,21 +19,25 @@ constexpr int kFieldWidth = 360;  // pixels; shows most server and port names in
 
 struct Transport {
   const char* text;
-  const char* transport;
+  std::string_view transport;
   const char* srtp;  ///< as stored
 };
 
 constexpr std::array kTransports{
+    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "Automatic (as the server's name says, else UDP)"), "auto",
+              ""},
     Transport{QT_TRANSLATE_NOOP("frmLineEdit", "UDP"), "udp", ""},
     Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TCP"), "tcp", ""},
     Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TLS with SRTP (encrypted)"), "tls", ""},
     Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TLS (sound not encrypted)"), "tls", "no"},
 };
 
+/// Encryption that was written by hand in the file belongs to the first entry with its transport, except that
+/// TLS has an entry without it.
 int TransportIndex(const TelephoneLine& line) {
-  if (line.transport == "tcp") return 1;
-  if (line.transport == "tls") return line.srtp == "no" ? 3 : 2;
-  return 0;
+  const bool plain_tls = line.transport == "tls" && line.srtp == "no";
+  const auto found = std::ranges::find(kTransports, line.transport, &Transport::transport);
+  return static_cast<int>(found - kTransports.begin()) + (plain_tls ? 1 : 0);
 }
 
 }  // namespace
@@ -97,6 +103,10 @@ void frmLineEdit::MakeSipFields() {
   cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
   cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
   for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
+  AddText(&TelephoneLine::proxy, "txtProxy", tr("Outbound pro&xy:"),
+          tr("A server, perhaps with \":\" and a port, to which everything is sent instead of the account's "
+             "server"))
+      ->setPlaceholderText(tr("only if the provider names one"));
   AddText(&TelephoneLine::listen, "txtListen", tr("&Address for calls:"),
           tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
              "network, 127.0.0.1 this computer only"));

@@ -52,6 +52,7 @@ bool LinesDialog::HasName(const std::string& name) const {
 
 TelephoneLine LinesDialog::NewLine() const {
   TelephoneLine line;
+  line.transport = "auto";  // most providers' names say how they are reached
   line.name = kFirstName;
   for (int number = 2; HasName(line.name); ++number) {
     line.name = std::string(kFirstName) + ' ' + std::to_string(number);

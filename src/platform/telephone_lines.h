@@ -22,7 +22,8 @@ struct TelephoneLine {
   std::string user;       ///< of the account
   std::string auth_user;  ///< login name, where it is not `user`; else empty
   std::string password;
-  std::string transport = "udp";  ///< towards the server: udp, tcp or tls
+  std::string proxy;              ///< server to which all requests go, perhaps with ":" and port; or empty
+  std::string transport = "udp";  ///< towards the server: udp, tcp, tls or auto
   std::string srtp;               ///< yes, no, or empty: yes with tls
   std::string tls_trust;          ///< PEM file of certificates the server may show; empty: the system's
   int ring_seconds = 6;           ///< 1 to 60, between Ring events

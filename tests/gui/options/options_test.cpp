@@ -242,7 +242,7 @@ TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
     Click("chkShowPassword");
     EXPECT_EQ(Get<QLineEdit>("txtPassword").echoMode(), QLineEdit::Normal);
     Set({{"txtPassword", "x y"}});
-    Get<QComboBox>("cmbTransport").setCurrentIndex(3);
+    Get<QComboBox>("cmbTransport").setCurrentIndex(4);
     Do("spnRing=61 cmdOK");
   });
   EXPECT_EQ(Row(2), "Büro|SIP account|7@pbx.example.org|Off");

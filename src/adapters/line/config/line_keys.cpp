@@ -41,6 +41,11 @@ bool IsIpv4(std::string_view text) {
   return ::inet_pton(AF_INET, std::string(text).c_str(), &address) == 1;
 }
 
+bool IsIpv6(std::string_view text) {
+  in6_addr address{};
+  return ::inet_pton(AF_INET6, std::string(text).c_str(), &address) == 1;
+}
+
 bool IsListen(std::string_view value) {
   const std::size_t colon = value.rfind(':');
   return colon != value.npos && IsIpv4(value.substr(0, colon)) && IsPort(value.substr(colon + 1));
@@ -53,18 +58,25 @@ bool IsHost(std::string_view text) {
   });
 }
 
+/// A name or an address, IPv6 in brackets, perhaps with a port.
+bool IsServer(std::string_view text) {
+  const std::size_t bracket = text.starts_with('[') ? text.find(']') : text.npos;
+  const bool is_ipv6 = bracket != text.npos && IsIpv6(text.substr(1, bracket - 1));
+  const std::size_t end = is_ipv6 ? bracket + 1 : std::min(text.find(':'), text.size());
+  if (!is_ipv6 && !IsHost(text.substr(0, end))) return false;
+  return end == text.size() || (text[end] == ':' && IsPort(text.substr(end + 1)));
+}
+
 bool IsAccount(std::string_view value) {
   if (!value.starts_with("sip:")) return false;
   value.remove_prefix(value.find(':') + 1);
   const std::size_t at = value.find('@');
   if (at == value.npos || at == 0 || value.find_first_of(" \t<>\"") < at) return false;
-  const std::string_view host = value.substr(at + 1);
-  const std::size_t colon = host.find(':');
-  return IsHost(host.substr(0, colon)) && (colon == host.npos || IsPort(host.substr(colon + 1)));
+  return IsServer(value.substr(at + 1));
 }
 
 bool IsTransport(std::string_view value) {
-  return value == "udp" || value == "tcp" || value == "tls";
+  return value == "udp" || value == "tcp" || value == "tls" || value == "auto";
 }
 
 bool IsYesOrNo(std::string_view value) {
@@ -91,6 +103,7 @@ using L = TelephoneLine;
 
 constexpr bool kRequired = true;
 constexpr bool kSecret = true;
+constexpr bool kPerAccount = true;
 
 constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
                                "a whole number of seconds up to 86400, 0 for never"};
@@ -98,11 +111,23 @@ constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
 constexpr std::array kSipKeys{
     LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", &L::listen,
             "txtListen", "The address for calls", kRequired},
-    LineKey{"account", IsAccount, "an address like sip:100@example.org"},
-    LineKey{"auth_user", IsText, "a user name", &L::auth_user, "txtAuthUser", "The login name"},
+    LineKey{"account",
+            IsAccount,
+            "an address like sip:100@example.org",
+            nullptr,
+            {},
+            "",
+            !kRequired,
+            !kSecret,
+            kPerAccount},
+    LineKey{"auth_user", IsText, "a user name", &L::auth_user, "txtAuthUser", "The login name", !kRequired,
+            !kSecret, kPerAccount},
     LineKey{"password", IsText, "a password", &L::password, "txtPassword", "The password", !kRequired,
-            kSecret},
-    LineKey{"transport", IsTransport, "udp, tcp or tls", &L::transport, "cmbTransport", "The transport"},
+            kSecret, kPerAccount},
+    LineKey{"proxy", IsServer, "a server's name or address, perhaps with \":\" and a port", &L::proxy,
+            "txtProxy", "The outbound proxy", !kRequired, !kSecret, kPerAccount},
+    LineKey{"transport", IsTransport, "udp, tcp, tls or auto", &L::transport, "cmbTransport", "The transport",
+            !kRequired, !kSecret, kPerAccount},
     LineKey{"srtp", IsYesOrNo, "yes or no", &L::srtp, "cmbTransport", "The encryption of the sound"},
     LineKey{"tls_trust", IsText, "the path of a PEM file with certificates", &L::tls_trust, "cmbTransport",
             "The trusted certificates' path"},
@@ -134,6 +159,16 @@ std::span<const LineType> LineTypes() {
 
 const LineType& TypeOf(LineKind kind) {
   return *std::ranges::find(kTypes, kind, &LineType::kind);
+}
+
+const LineKey* FindKey(const LineType& type, std::string_view name) {
+  for (const LineKey& key : type.keys) {
+    if (!name.starts_with(key.name)) continue;
+    const auto number = std::ranges::find(kAccountNumbers, name.substr(key.name.size()));
+    if (number == kAccountNumbers.begin() || (key.per_account && number != kAccountNumbers.end()))
+      return &key;
+  }
+  return nullptr;
 }
 
 }  // namespace orven

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <ranges>
+#include <utility>
 
 #include "adapters/line/config/line_keys.h"
 
@@ -156,6 +157,19 @@ std::string PathValue(const LineSection& section, const std::string& key,
   return path.empty() ? "" : (folder / path).string();
 }
 
+std::vector<SipAccount> AccountsOf(const LineSection& section) {
+  std::vector<SipAccount> accounts;
+  for (const auto number : kAccountNumbers) {
+    const auto value = [&](const std::string& key) { return Value(section, key + std::string(number)); };
+    if (value("account").empty()) continue;
+    accounts.push_back({value("account"), value("auth_user"), value("password")});
+    accounts.back().proxy = value("proxy");
+    if (auto transport = value("transport"); !transport.empty())
+      accounts.back().transport = std::move(transport);
+  }
+  return accounts;
+}
+
 /// Callers hang up long before that.
 constexpr int kIdleSeconds = 120;
 
@@ -164,10 +178,8 @@ constexpr int kIdleSeconds = 120;
 SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem::path& folder) {
   SipLineSettings settings;
   settings.listen = Value(section, "listen", settings.listen);
-  settings.account = Value(section, "account");
-  settings.auth_user = Value(section, "auth_user");
-  settings.password = Value(section, "password");
-  settings.transport = Value(section, "transport", settings.transport);
+  settings.accounts = AccountsOf(section);
+  settings.installation = folder.string();
   if (const auto srtp = Value(section, "srtp"); !srtp.empty()) {
     settings.srtp = srtp == "yes" ? SrtpUse::kRequired : SrtpUse::kNever;
   }

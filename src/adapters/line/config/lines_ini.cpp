@@ -159,8 +159,8 @@ class LinesReader {
 
   /// False when the entry makes the whole section unusable.
   bool TakeEntry(LineSection& section, const LineType& type, const Entry& entry) {
-    const auto key = std::ranges::find(type.keys, entry.key, &LineKey::name);
-    if (key == type.keys.end()) {
+    const LineKey* const key = FindKey(type, entry.key);
+    if (key == nullptr) {
       Complain(entry.line_number, "\"" + entry.key + "\" is unknown for a " + section.type +
                                       " line: expected " + NamesOf(type.keys));
       return true;

@@ -16,7 +16,9 @@ namespace orven {
 ///                  account       "sip:", user, "@", host, optionally ":" and a port
 ///                  auth_user     the name for the registrar
 ///                  password
-///                  transport     udp, tcp or tls
+///                  proxy         the host to which requests go, optionally ":" and a port
+///                  transport     udp, tcp, tls or auto
+///                  account2 to account9, with their auth_user2 and so on: further accounts
 ///                  srtp          yes or no
 ///                  tls_trust     path of a PEM file
 ///                  tls_listen    as listen

@@ -139,12 +139,14 @@ LineTestResult ProbeSipLine(const TelephoneLine& line, SipLineSettings settings,
     return std::ranges::any_of(options.open_addresses,
                                [&](const auto& open) { return PortOf(open) == PortOf(address); });
   };
+  // The window shows the first account only.
+  if (settings.accounts.size() > 1) settings.accounts.resize(1);
   for (auto* address : {&settings.listen, &settings.tls_listen}) {
-    if (address->empty() || (settings.account.empty() && !is_open(*address))) continue;
+    if (address->empty() || (settings.accounts.empty() && !is_open(*address))) continue;
     if (!TakeFreePort(*address))
       return {false, "The address for calls, " + *address + ", is not an address of this computer."};
   }
-  if (settings.account.empty()) return TestListening(settings, where);
+  if (settings.accounts.empty()) return TestListening(settings, where);
   Outcome outcome;
   settings.register_nothing = options.registered_now;
   settings.registration_news = [&outcome](const RegistrationNews& news) { outcome.Take(news); };

@@ -88,14 +88,13 @@ sa AddressBy(Ask ask, int descriptor) {
   return ask(descriptor, &address.u.sa, &address.len) == 0 ? address : sa{};
 }
 
-/// The library notices at once and frees the connection's memory.
+}  // namespace
+
 void CloseConnection(int descriptor) {
   const linger at_once{1, 0};
   (void)::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
   (void)::shutdown(descriptor, SHUT_RDWR);
 }
-
-}  // namespace
 
 ConnectionGuard::ConnectionGuard(std::function<bool(const sa&)> is_ours)
     : is_ours_(std::move(is_ours)),

@@ -19,6 +19,9 @@ namespace orven {
 /// descriptors to the rest of the program.
 inline constexpr int kMostDescriptors = 512;
 
+/// Closes a connection of the library, which notices at once and frees the connection's memory.
+void CloseConnection(int descriptor);
+
 /// Limits the connections that others open to a line. It closes a connection whose peer does not read what we
 /// send or sends much without a message in it, and connections beyond its limits. The library has no such
 /// limits: it answers each empty line, keeps up to 180 MB of answers for a peer that does not read them, and

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <ctime>
 #include <utility>
 
 #include "adapters/line/sip/libre.h"
@@ -21,6 +22,9 @@ constexpr std::chrono::milliseconds kSettling{300};
 /// How soon a change is noticed if the kernel does not report it.
 constexpr std::chrono::seconds kTick{5};
 
+/// The two clocks are not read at the same moment.
+constexpr std::chrono::seconds kShortestSleep{1};
+
 /// Whether a message of the kernel is a change. Wireless events of a link are not.
 bool IsChange(const nlmsghdr& message) {
   if (message.nlmsg_type != RTM_NEWLINK) return true;
@@ -30,6 +34,12 @@ bool IsChange(const nlmsghdr& message) {
     if (fact->rta_type == IFLA_WIRELESS) return false;
   }
   return true;
+}
+
+std::chrono::nanoseconds TimeOf(clockid_t clock) {
+  timespec now{};
+  (void)::clock_gettime(clock, &now);
+  return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
 }
 
 int ListenToKernel() {
@@ -46,11 +56,17 @@ int ListenToKernel() {
 
 }  // namespace
 
-NetworkWatch::NetworkWatch(std::function<void(bool)> look)
-    : look_(std::move(look)), settle_([this] { look_(true); }), tick_([this] { look_(NamesChanged()); }) {}
+NetworkWatch::NetworkWatch(std::function<void(NetworkChange)> look)
+    : look_(std::move(look)), settle_([this] { look_(NetworkChange::kRoutes); }), tick_([this] {
+        const bool renamed = NamesChanged();
+        look_(WasSuspended() ? NetworkChange::kResumed
+              : renamed      ? NetworkChange::kRoutes
+                             : NetworkChange::kNone);
+      }) {}
 
 void NetworkWatch::Start() {
   (void)NamesChanged();
+  (void)WasSuspended();
   tick_.StartPeriodic(kTick);
   kernel_ = ListenToKernel();
   if (kernel_ < 0) return;
@@ -78,6 +94,12 @@ void NetworkWatch::TakeNews() {
     change = change || IsChange(*message);
   }
   if (change && !settle_.Running()) settle_.StartOnce(kSettling);
+}
+
+/// Whether the computer was suspended since the last call: only one of the two clocks counts that time.
+bool NetworkWatch::WasSuspended() {
+  const auto suspended = TimeOf(CLOCK_BOOTTIME) - TimeOf(CLOCK_MONOTONIC);
+  return suspended - std::exchange(suspended_, suspended) > kShortestSleep;
 }
 
 /// Whether they changed since the last call.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -8,13 +10,17 @@
 
 namespace orven {
 
+/// What has changed; the greater one counts.
+enum class NetworkChange : std::uint8_t { kNone, kRoutes, kAddresses, kResumed };
+
 /// Notices changes of this computer's network: the kernel reports addresses, routes and links (rtnetlink),
-/// and the files that name the name servers are checked every few seconds. SIP thread.
+/// and every few seconds the files that name the name servers are checked, and whether the computer was
+/// suspended. SIP thread.
 class NetworkWatch {
  public:
-  /// `look` is called every few seconds, with true when something has changed: then soon, and once for all
-  /// changes within 0.3 s.
-  explicit NetworkWatch(std::function<void(bool changed)> look);
+  /// `look` is called every few seconds, and soon after a change, once for all changes within 0.3 s. Which
+  /// one the kernel has reported is not told apart: it is kRoutes.
+  explicit NetworkWatch(std::function<void(NetworkChange change)> look);
   NetworkWatch(const NetworkWatch&) = delete;
   NetworkWatch& operator=(const NetworkWatch&) = delete;
   ~NetworkWatch() { Stop(); }
@@ -25,10 +31,12 @@ class NetworkWatch {
  private:
   void TakeNews();
   bool NamesChanged();
+  bool WasSuspended();
 
-  const std::function<void(bool)> look_;
-  int kernel_ = -1;    ///< rtnetlink(7); -1: not available
-  std::string names_;  ///< the files' state at the last check
+  const std::function<void(NetworkChange)> look_;
+  int kernel_ = -1;                        ///< rtnetlink(7); -1: not available
+  std::string names_;                      ///< the files' state at the last check
+  std::chrono::nanoseconds suspended_{0};  ///< until the last check
   MonotonicTimer settle_;
   MonotonicTimer tick_;
 };

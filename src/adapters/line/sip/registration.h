@@ -9,7 +9,9 @@
 
 #include "adapters/line/sip/digest_login.h"
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/network_watch.h"
 #include "adapters/line/sip/server_lookup.h"
+#include "adapters/line/sip/server_path.h"
 #include "adapters/line/sip/sip_line_settings.h"
 
 namespace orven {
@@ -18,12 +20,17 @@ namespace orven {
 /// well before it ends, and retries after a failure with growing pauses. SIP thread.
 class Registration {
  public:
-  /// The stack from which requests to a server are sent; nullptr: there is no route.
-  using Towards = std::function<sip*(const sa& server)>;
+  struct Ports {
+    /// The stack from which requests to a server are sent; nullptr: there is no route.
+    std::function<sip*(const ServerAddress& server)> towards;
+    /// Why the certificate of the latest server was not accepted; empty when it was, or there is none.
+    std::function<std::string()> refusal;
+    /// Each change of the registration's state.
+    std::function<void(const RegistrationNews&)> news;
+  };
 
-  /// `settings.account` must be a usable SIP address; see AccountProblem. `refusal` tells why the certificate
-  /// of the latest server was not accepted; empty when it was, or there is none.
-  Registration(const SipLineSettings& settings, Towards towards, std::function<std::string()> refusal);
+  /// `account` is one of the line's `settings` and usable; see ProblemOf.
+  Registration(const SipLineSettings& settings, const SipAccount& account, Ports ports);
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
   ~Registration();
@@ -31,8 +38,8 @@ class Registration {
   /// Looks up the server and registers there.
   void Start();
 
-  /// The computer's network has changed; `moved`: its addresses have. Registers at once if that helps.
-  void NetworkChanged(bool moved);
+  /// The computer's network has changed. Registers at once if that helps.
+  void NetworkChanged(NetworkChange change);
 
   /// Stops using `stack`, which is about to be destroyed.
   void Leave(const sip& stack);
@@ -40,7 +47,10 @@ class Registration {
   /// Removes the registration without waiting for the server's answer. Nothing is sent afterwards.
   void End();
 
-  /// Whether `source` is an address of the account's server.
+  /// The user of the account's address.
+  const std::string& User() const { return address_.user; }
+
+  /// Whether `source` is an address of the account's servers.
   bool IsServer(const sa& source) const;
 
   /// The SIP URI at which the account's server reaches us through a router. Empty when `invite` came from
@@ -48,21 +58,24 @@ class Registration {
   std::string PublicContact(const sip_msg& invite) const;
 
  private:
-  /// Sends a request to the first server that can be reached; after a failure retries later.
+  /// Sends a request to the server of the list whose turn it is, or to the next that can be reached; after a
+  /// failure retries later.
   void Ask(std::chrono::seconds life);
+  void Again();
+  void CancelRequest();
   /// An errno value, or 0.
   int Send(std::chrono::seconds life);
-  void Prefer(std::vector<sa> servers);
+  void Prefer(std::vector<ServerAddress> servers);
   bool NextServer();
+  void GiveUpServer();
+  void PathBroke();
+  std::string FailureText(int error) const;
   int WriteContact(sip_transp transport, const sa& source, mbuf& request);
 
   void TakeResponse(int error, const sip_msg* response);
   void TakeChallenge(const sip_msg& response);
   void TakeTooBrief(const sip_msg& response);
-  void TakePublicAddress(const sip_msg& response);
   void Registered(const sip_msg& response);
-  void KeepReachable(const sip_msg& response);
-  void SendKeepAlive();
   /// Reports the failure and waits: for `pause` or, without one, longer after each failure.
   void RetryLater(const RegistrationNews& failure, std::chrono::milliseconds pause = {});
   /// The same for an answer of the server, which may ask for another pause.
@@ -70,19 +83,21 @@ class Registration {
                    std::chrono::milliseconds pause = {});
 
   const SipLineSettings& settings_;
-  const SipAccount account_;
-  const Towards towards_;
-  const std::function<std::string()> refusal_;
-  const std::string call_id_;  ///< the same for all requests (RFC 3261, section 10.2), and our tag
+  const SipAccount& account_;
+  const SipAddress address_;
+  const Ports ports_;
+  const std::string call_id_;   ///< the same for all requests (RFC 3261, section 10.2), and our tag
+  const std::string instance_;  ///< as of InstanceOf
   DigestLogin login_;
   ServerLookup lookup_;
-  std::vector<sa> servers_;  ///< not yet tried, after the first, which is in use
-  sip* stack_ = nullptr;     ///< of the latest request
+  ServerPath path_;
+  std::vector<ServerAddress> servers_;  ///< in the order of the tries
+  std::size_t server_ = 0;              ///< of `servers_`: in use, or of the latest try
+  sip* stack_ = nullptr;                ///< of the latest request
   std::uint32_t sequence_ = 0;
-  sip_keepalive* connection_ = nullptr;    ///< watched; the library clears it when it is closed
   struct sip_request* request_ = nullptr;  ///< pending; the library clears it when answered
   MonotonicTimer timer_;
-  MonotonicTimer keep_alive_timer_;
+  MonotonicTimer patience_;        ///< with a server while there are others
   std::chrono::seconds life_;      ///< the lifetime that we ask for
   std::chrono::seconds asked_{0};  ///< in the latest request
   std::chrono::milliseconds retry_;

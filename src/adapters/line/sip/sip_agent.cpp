@@ -5,6 +5,7 @@
 #include <malloc.h>
 #endif
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -28,7 +29,7 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink e
                   {[this](SipEndpoint& at, const sip_msg& request) { return TakeWithin(at, request); },
                    [this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
                    [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); }}),
-      network_([this](bool changed) { LookAtNetwork(changed); }),
+      network_([this](NetworkChange change) { LookAtNetwork(change); }),
       close_timer_([this] { Finish(); }),
       tidy_timer_([this] { TidyMemory(); }) {}
 
@@ -40,28 +41,47 @@ SipAgent::~SipAgent() {
 }
 
 std::optional<OpenFailure> SipAgent::Start() {
-  if (const std::string problem = AccountProblem(settings_); !problem.empty()) {
-    return OpenFailure{kTelephonyDeviceFailed, problem};
+  for (const SipAccount& account : settings_.accounts) {
+    if (std::string problem = ProblemOf(account); !problem.empty()) {
+      return OpenFailure{kTelephonyDeviceFailed, std::move(problem)};
+    }
   }
   if (auto failure = transports_.Start()) return failure;
-  if (!settings_.account.empty()) {
-    const auto towards = [this](const sa& server) {
-      SipEndpoint* const endpoint = transports_.Towards(server);
+  news_.resize(settings_.accounts.size());
+  for (std::size_t at = 0; at < settings_.accounts.size(); ++at) {
+    const SipAccount& account = settings_.accounts[at];
+    const auto towards = [this, &account](const ServerAddress& server) {
+      SipEndpoint* const endpoint = transports_.Towards(account, server);
       return endpoint != nullptr ? &endpoint->Stack() : nullptr;
     };
-    registration_ =
-        std::make_unique<Registration>(settings_, towards, [this] { return transports_.ServerRefusal(); });
-    registration_->Start();
+    registrations_.emplace_back(
+        settings_, account,
+        Registration::Ports{towards, [this, &account] { return transports_.RefusalOf(account); },
+                            [this, at](const RegistrationNews& news) { TakeNews(at, news); }});
   }
+  for (Registration& one : registrations_) one.Start();
   network_.Start();
   return std::nullopt;
 }
 
-void SipAgent::LookAtNetwork(bool changed) {
-  const bool moved = transports_.Follow();
-  if (!moved && !changed) return;
+/// The line is as well as the worst of its accounts.
+void SipAgent::TakeNews(std::size_t account, const RegistrationNews& news) {
+  news_[account] = news;
+  if (news_.size() > 1 && !news.reason.empty()) {
+    news_[account].reason = settings_.accounts[account].address + ": " + news.reason;
+  }
+  const auto rank = [](const RegistrationNews& one) {
+    using State = RegistrationNews::State;
+    return one.state == State::Failed ? 0 : one.state == State::Trying ? 1 : 2;
+  };
+  settings_.registration_news(*std::ranges::min_element(news_, {}, rank));
+}
+
+void SipAgent::LookAtNetwork(NetworkChange change) {
+  if (transports_.Follow()) change = std::max(change, NetworkChange::kAddresses);
+  if (change == NetworkChange::kNone) return;
   transports_.ReadNameServers();
-  if (registration_ != nullptr) registration_->NetworkChanged(moved);
+  for (Registration& one : registrations_) one.NetworkChanged(change);
 }
 
 /// A call whose address was removed may continue: its audio may have another route, and the address may
@@ -73,7 +93,7 @@ bool SipAgent::Leave(SipEndpoint& endpoint) {
     reserve_.Fill();
     call_ports_.reset();
   }
-  if (registration_ != nullptr) registration_->Leave(endpoint.Stack());
+  for (Registration& one : registrations_) one.Leave(endpoint.Stack());
   return true;
 }
 
@@ -93,10 +113,10 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
   try {
     call_.reset();
     reserve_.Release();
-    const auto contact = registration_ != nullptr ? registration_->PublicContact(invite) : "";
-    call_ports_.emplace(SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_,
-                                     registration_ != nullptr && registration_->IsServer(invite.src),
-                                     contact.empty() ? ContactUser(settings_) : contact});
+    const bool by_server = std::ranges::any_of(
+        registrations_, [&invite](const Registration& one) { return one.IsServer(invite.src); });
+    call_ports_.emplace(SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_, by_server,
+                                     ContactOf(invite)});
     call_ = SipCall::Accept(*call_ports_, calls_ + 1, invite);
     if (call_ != nullptr) {
       ++calls_;
@@ -106,6 +126,18 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     (void)sip_reply(&at.Stack(), &invite, 500, "Server Internal Error");
   }
   if (call_ == nullptr) reserve_.Fill();
+}
+
+/// Where the caller reaches us: through a router if `invite` came through one, else at our own address, for
+/// which a user is enough.
+std::string SipAgent::ContactOf(const sip_msg& invite) const {
+  std::string best = registrations_.empty() ? "orven" : registrations_.front().User();
+  for (const Registration& one : registrations_) {
+    const auto contact = one.PublicContact(invite);
+    if (!contact.empty()) best = contact;
+    if (!contact.empty() && View(invite.uri.user) == one.User()) break;
+  }
+  return best;
 }
 
 /// Returns memory to the system after many calls, which leave it fragmented.
@@ -143,7 +175,7 @@ void SipAgent::Shutdown(std::function<void()> done) {
   done_ = std::move(done);
   network_.Stop();
   if (call_ != nullptr) call_->End(false);
-  if (registration_ != nullptr) registration_->End();
+  for (Registration& one : registrations_) one.End();
   close_timer_.StartOnce(kLongestFarewell);
   transports_.Close();
 }

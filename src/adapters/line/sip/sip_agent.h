@@ -3,8 +3,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
@@ -41,9 +43,11 @@ class SipAgent {
  private:
   bool TakeWithin(SipEndpoint& at, const sip_msg& request);
   void TakeInvite(SipEndpoint& at, const sip_msg& invite);
-  void LookAtNetwork(bool changed);
+  void LookAtNetwork(NetworkChange change);
   bool Leave(SipEndpoint& endpoint);
+  std::string ContactOf(const sip_msg& invite) const;
   SipCall* Find(CallNumber number) const;
+  void TakeNews(std::size_t account, const RegistrationNews& news);
   void Finish();
   void TidyMemory();
 
@@ -51,8 +55,9 @@ class SipAgent {
   LineAudio& audio_;
   const LineSink events_;
   SipTransports transports_;
+  std::vector<RegistrationNews> news_;      ///< the latest of each account
   std::optional<SipCallPorts> call_ports_;  ///< of `call_`
-  std::unique_ptr<Registration> registration_;
+  std::list<Registration> registrations_;   ///< one for each account
   std::unique_ptr<SipCall> call_;  ///< the call, or the latest one, which still holds its descriptors
   DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;

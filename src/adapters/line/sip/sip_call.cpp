@@ -24,7 +24,10 @@ SipCall& Self(void* call) {
 
 /// Keys in a plain description protect nothing: by default only a line over TLS demands encryption.
 SrtpUse SrtpOf(const SipLineSettings& settings) {
-  return settings.srtp.value_or(settings.transport == "tls" ? SrtpUse::kRequired : SrtpUse::kIfOffered);
+  const bool over_tls =
+      !settings.accounts.empty() &&
+      std::ranges::all_of(settings.accounts, [](const auto& one) { return one.transport == "tls"; });
+  return settings.srtp.value_or(over_tls ? SrtpUse::kRequired : SrtpUse::kIfOffered);
 }
 
 }  // namespace

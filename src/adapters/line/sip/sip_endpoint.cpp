@@ -175,7 +175,7 @@ int SipEndpoint::Begin() {
 int SipEndpoint::Listen(const sa& address) {
   address_ = address;
   const int error = sip_transp_add(stack_.get(), SIP_TRANSP_UDP, &address);
-  if (error == 0) ProbeSocket(*stack_, address);
+  if (error == 0 && sa_port(&address) != 0) ProbeSocket(*stack_, address);
   return error != 0 ? error : sip_transp_add(stack_.get(), SIP_TRANSP_TCP, &address);
 }
 

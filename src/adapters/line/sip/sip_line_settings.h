@@ -6,6 +6,9 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "adapters/line/sip/sip_account.h"
 
 namespace orven {
 
@@ -29,6 +32,11 @@ struct SipLineTimers {
   /// The first pause after a failed registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
   std::chrono::milliseconds registration_retry_longest{300'000};
+  /// The same for a server that is silent or out of reach, and may be back at any moment.
+  std::chrono::milliseconds registration_retry_silent{60'000};
+  /// How long one server is waited for while others could be asked: five requests by UDP, after 0,
+  /// 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section 17.1.2.2).
+  std::chrono::milliseconds server_patience{8'000};
   /// The lifetime of a registration that we ask for; it is refreshed well before it ends.
   std::chrono::seconds registration_life{300};
   /// Between two keep-alive datagrams to the account's server: routers forget a UDP flow after 30 s at the
@@ -56,14 +64,12 @@ enum class SrtpUse : std::uint8_t {
 /// One SIP telephone line.
 struct SipLineSettings {
   std::string listen = "127.0.0.1:5060";  ///< address and port for UDP and TCP; 0.0.0.0 is every address
-  std::string account;                    ///< "sip:user@domain" to register, or empty
-  std::string auth_user;                  ///< empty: the account's user
-  std::string password;
-  std::string transport = "udp";  ///< towards the account's server: udp, tcp or tls
-  std::optional<SrtpUse> srtp;    ///< absent: required where `transport` is tls, else if offered
-  std::string tls_trust;          ///< PEM file of certificates trusted for the server; empty: the system's
-  std::string tls_listen;         ///< address and port for calls over TLS, or empty; not with transport tls
-  std::string tls_certificate;    ///< PEM file with certificate and private key for tls_listen, or empty:
+  std::vector<SipAccount> accounts;       ///< at which it registers; all calls ring the same line
+  std::string installation;          ///< tells this program's lines from those of others on the same computer
+  std::optional<SrtpUse> srtp;       ///< absent: required if all accounts are over TLS, else if offered
+  std::string tls_trust;             ///< PEM file of certificates trusted for the server; empty: the system's
+  std::string tls_listen;            ///< address and port for calls over TLS, or empty
+  std::string tls_certificate;       ///< PEM file with certificate and private key for tls_listen, or empty:
   std::string tls_made_certificate;  ///< another such file, which is made if missing
   int ring_seconds = 6;              ///< 1 or more; seconds between Ring events
   /// Gets a sentence for the log when the registration fails and when it works again. SIP thread; must not
@@ -76,26 +82,5 @@ struct SipLineSettings {
   bool register_nothing = false;
   SipLineTimers timers;
 };
-
-/// The parts of an account like "sip:100@example.org:5060".
-struct SipAccount {
-  std::string user;
-  std::string host;        ///< a name or an address
-  std::uint16_t port = 0;  ///< 0: none given
-};
-
-/// The account of `settings`, or nothing when it has none or one that is not a usable SIP address.
-std::optional<SipAccount> AccountOf(const SipLineSettings& settings);
-
-/// What is wrong with the account of `settings`, for the log; empty when it is usable or there is none.
-std::string AccountProblem(const SipLineSettings& settings);
-
-/// The user part of the account, or "orven" without one.
-std::string ContactUser(const SipLineSettings& settings);
-
-/// Why the server of the account of `line` cannot be reached, beginning in lower case and without a full
-/// stop: for the log, the list of lines and their test. `error` is the errno value of the failure; `refusal`
-/// tells why the server's certificate was not accepted, or is empty. Any thread.
-std::string ServerFailureText(const SipLineSettings& line, int error, const std::string& refusal);
 
 }  // namespace orven

@@ -68,7 +68,7 @@ std::optional<OpenFailure> SipTransports::Start() {
     const Listener* failed = &listener;
     int error = listener.expanded.empty() ? EADDRNOTAVAIL : 0;
     for (const sa& address : listener.expanded) {
-      if (error == 0 && EndpointAt(address) == nullptr) error = AddEndpoint(address, failed);
+      if (error == 0) (void)AddPlaces(address, failed, error);
     }
     if (error == 0) continue;
     return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
@@ -79,26 +79,22 @@ std::optional<OpenFailure> SipTransports::Start() {
 }
 
 std::optional<OpenFailure> SipTransports::PrepareTls() {
-  const bool to_server = !settings_.account.empty() && settings_.transport == "tls";
   try {
-    if (!settings_.tls_listen.empty()) {
-      // The library has one TLS context for all connections that we open. We may have to open one to a caller
-      // over TLS, who could not show the server's certificate.
-      if (to_server) {
-        throw std::runtime_error(
-            "tls_listen cannot be used together with an account over TLS; "
-            "calls over TLS then come in through the account");
-      }
-      own_tls_ = OwnTls(settings_);
-    }
-    if (to_server) {
-      const std::string host = AccountOf(settings_).value_or(SipAccount{}).host;
-      server_tls_ = TlsContext::Checking(host, settings_.tls_trust);
+    if (!settings_.tls_listen.empty()) own_tls_ = OwnTls(settings_);
+    for (const SipAccount& account : settings_.accounts) {
+      if (account.transport != "tls" && account.transport != "auto") continue;
+      auto& context = servers_tls_[ServerOf(account).host];
+      if (context == nullptr) context = TlsContext::Checking(ServerOf(account).host, settings_.tls_trust);
     }
   } catch (const std::runtime_error& error) {
     return OpenFailure{kTelephonyDeviceFailed, error.what()};
   }
   return std::nullopt;
+}
+
+std::string SipTransports::RefusalOf(const SipAccount& account) const {
+  const auto context = servers_tls_.find(ServerOf(account).host);
+  return context != servers_tls_.end() ? context->second->Refusal() : "";
 }
 
 std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, bool secure) {
@@ -122,37 +118,53 @@ void SipTransports::Expand() {
   for (Listener& listener : listeners_) listener.expanded = ExpandListenAddress(listener.address);
 }
 
-SipEndpoint* SipTransports::EndpointAt(const sa& address) {
-  const auto found =
-      std::ranges::find_if(endpoints_, [&address](const auto& endpoint) { return endpoint->Is(address); });
-  return found != endpoints_.end() ? found->get() : nullptr;
+SipEndpoint* SipTransports::EndpointAt(const sa& address, const TlsContext* server) {
+  const auto found = std::ranges::find_if(
+      places_, [&](const Place& place) { return place.server == server && place.endpoint->Is(address); });
+  return found != places_.end() ? found->endpoint.get() : nullptr;
 }
 
-/// An errno value, or 0; `failed` becomes the listener that failed.
-int SipTransports::AddEndpoint(const sa& address, const Listener*& failed) {
+/// Whether any has been added. `error` is an errno value, or 0; `failed` becomes the listener that failed.
+bool SipTransports::AddPlaces(const sa& address, const Listener*& failed, int& error) {
+  const std::size_t before = places_.size();
+  if (EndpointAt(address) == nullptr) error = AddPlace(address, nullptr, failed);
+  for (const auto& [name, server] : servers_tls_) {
+    if (error == 0 && EndpointAt(address, server.get()) == nullptr)
+      error = AddPlace(address, server.get(), failed);
+  }
+  return places_.size() != before;
+}
+
+int SipTransports::AddPlace(const sa& address, const TlsContext* server, const Listener*& failed) {
   const auto heard = [this](const sip_msg& request) { guard_.Heard(request); };
   const auto closed = [this] {
     if (--closing_ == 0) events_.closed();
   };
   auto endpoint = std::make_unique<SipEndpoint>(
       *names_, SipEndpoint::Events{heard, events_.within, events_.invite, closed});
-  if (const int error = endpoint->Begin(); error != 0) return error;
+  int error = endpoint->Begin();
+  if (error == 0 && server == nullptr) error = ListenAt(address, *endpoint, failed);
+  if (error == 0 && server != nullptr) {
+    // Any free ports, which are not published: UDP and TCP only lead out, to those whom a call names.
+    sa local = address;
+    sa_set_port(&local, 0);
+    error = endpoint->Listen(local);
+    if (error == 0) error = endpoint->ListenSecurely(local, *server->Get());
+  }
+  if (error == 0) places_.push_back({std::move(endpoint), server});
+  return error;
+}
+
+int SipTransports::ListenAt(const sa& address, SipEndpoint& endpoint, const Listener*& failed) {
   for (const Listener& listener : listeners_) {
     for (const sa& here : listener.expanded) {
       if (!sa_cmp(&here, &address, SA_ADDR)) continue;
       failed = &listener;
       const int error =
-          listener.secure ? endpoint->ListenSecurely(here, *own_tls_->Get()) : endpoint->Listen(here);
+          listener.secure ? endpoint.ListenSecurely(here, *own_tls_->Get()) : endpoint.Listen(here);
       if (error != 0) return error;
     }
   }
-  if (server_tls_ != nullptr) {
-    // Only for requests to the account's server: any free port, which is not published.
-    sa local = address;
-    sa_set_port(&local, 0);
-    if (const int error = endpoint->ListenSecurely(local, *server_tls_->Get()); error != 0) return error;
-  }
-  endpoints_.push_back(std::move(endpoint));
   return 0;
 }
 
@@ -169,8 +181,9 @@ bool SipTransports::Follow() {
   for (const Listener& listener : listeners_) {
     for (const sa& address : listener.expanded) {
       const Listener* failed = nullptr;
+      int error = 0;
       // An address that is not ready yet is tried again at the next call.
-      if (EndpointAt(address) == nullptr && AddEndpoint(address, failed) == 0) changed = true;
+      if (AddPlaces(address, failed, error)) changed = true;
     }
   }
   if (changed) guard_.Look();
@@ -178,28 +191,30 @@ bool SipTransports::Follow() {
 }
 
 bool SipTransports::IsOurs(const sa& local) const {
-  return std::any_of(endpoints_.begin(), endpoints_.end(), [&local](const auto& endpoint) {
-    return sip_transp_isladdr(&endpoint->Stack(), SIP_TRANSP_NONE, &local);
+  return std::ranges::any_of(places_, [&local](const Place& place) {
+    return sip_transp_isladdr(&place.endpoint->Stack(), SIP_TRANSP_NONE, &local);
   });
 }
 
 bool SipTransports::LeaveGone() {
-  return std::erase_if(endpoints_, [this](const auto& endpoint) {
-           return !IsThere(*endpoint) && events_.leaving(*endpoint);
+  return std::erase_if(places_, [this](const Place& place) {
+           return !IsThere(*place.endpoint) && events_.leaving(*place.endpoint);
          }) != 0;
 }
 
-SipEndpoint* SipTransports::Towards(const sa& server) {
-  if (!sa_is_any(&listeners_.front().address)) return EndpointAt(listeners_.front().address);
-  const sa local = LocalAddressTowards(server);
-  return sa_isset(&local, SA_ADDR) ? EndpointAt(local) : nullptr;
+SipEndpoint* SipTransports::Towards(const SipAccount& account, const ServerAddress& server) {
+  const TlsContext* const context =
+      server.transport == "tls" ? servers_tls_.at(ServerOf(account).host).get() : nullptr;
+  if (!sa_is_any(&listeners_.front().address)) return EndpointAt(listeners_.front().address, context);
+  const sa local = LocalAddressTowards(server.address);
+  return sa_isset(&local, SA_ADDR) ? EndpointAt(local, context) : nullptr;
 }
 
 void SipTransports::Close() {
   guard_.Stop();
-  closing_ = endpoints_.size();
+  closing_ = places_.size();
   if (closing_ == 0) return events_.closed();
-  for (const auto& endpoint : endpoints_) endpoint->Close();
+  for (const Place& place : places_) place.endpoint->Close();
 }
 
 }  // namespace orven

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +18,7 @@
 
 namespace orven {
 
-/// The addresses at which a line listens, and its route to the account's server. SIP thread.
+/// The addresses at which a line listens, and its routes to the servers of its accounts. SIP thread.
 class SipTransports {
  public:
   struct Events {
@@ -40,8 +41,8 @@ class SipTransports {
   /// Uses the computer's present name servers for the names within calls.
   void ReadNameServers();
 
-  /// The endpoint from which requests to `server` are sent; nullptr: there is no route.
-  SipEndpoint* Towards(const sa& server);
+  /// The endpoint from which requests to `server` of `account` are sent; nullptr: there is no route.
+  SipEndpoint* Towards(const SipAccount& account, const ServerAddress& server);
 
   /// Protects the connection of the call of `invite` from strangers' connections.
   void Spare(const sip_msg& invite) { guard_.Spare(invite); }
@@ -49,8 +50,8 @@ class SipTransports {
   /// Ends all transactions, then raises `closed`, perhaps at once.
   void Close();
 
-  /// Why the certificate of the account's server was not accepted; empty when it was, or there is none.
-  std::string ServerRefusal() const { return server_tls_ != nullptr ? server_tls_->Refusal() : ""; }
+  /// Why the certificate of the server of `account` was not accepted; empty when it was, or there is none.
+  std::string RefusalOf(const SipAccount& account) const;
 
  private:
   /// One configured address, and the addresses that it currently resolves to.
@@ -61,22 +62,32 @@ class SipTransports {
     std::vector<sa> expanded{};
   };
 
+  /// A stack at one address. The library has one TLS context for all connections that a stack opens, hence
+  /// one stack for calls that come directly, and one for the connections to each server over TLS.
+  struct Place {
+    std::unique_ptr<SipEndpoint> endpoint;
+    const TlsContext* server;  ///< nullptr: for calls that come directly
+  };
+
   std::optional<OpenFailure> PrepareTls();
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
   void Expand();
   bool IsThere(const SipEndpoint& endpoint) const;
-  SipEndpoint* EndpointAt(const sa& address);
-  int AddEndpoint(const sa& address, const Listener*& failed);
+  SipEndpoint* EndpointAt(const sa& address, const TlsContext* server = nullptr);
+  bool AddPlaces(const sa& address, const Listener*& failed, int& error);
+  int AddPlace(const sa& address, const TlsContext* server, const Listener*& failed);
+  int ListenAt(const sa& address, SipEndpoint& endpoint, const Listener*& failed);
   bool LeaveGone();
   bool IsOurs(const sa& local) const;
 
   const SipLineSettings& settings_;
   const Events events_;
   LibrePtr<dnsc> names_;
-  std::unique_ptr<TlsContext> own_tls_;     ///< of `tls_listen`
-  std::unique_ptr<TlsContext> server_tls_;  ///< of the account
+  std::unique_ptr<TlsContext> own_tls_;  ///< of `tls_listen`
+  std::map<std::string, std::unique_ptr<TlsContext>>
+      servers_tls_;  ///< of the accounts' servers, by their names
   std::vector<Listener> listeners_;
-  std::vector<std::unique_ptr<SipEndpoint>> endpoints_;
+  std::vector<Place> places_;
   ConnectionGuard guard_;
   std::size_t closing_ = 0;  ///< endpoints with open transactions
 };

@@ -66,10 +66,12 @@ TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
   // The values of a key, each followed by a comma; those that are accepted begin with "+".
   const std::pair<std::string, const char*> keys[] = {
       {"tls_listen", "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,+0.0.0.0:65535,"},
-      {"account", "100@x,sip:1,sip:@x,sip:a b@x,sip:1@,sip:1@a_b,sip:1@x:0,+sip:1@X-1.org:65535,"},
+      {"account",
+       "100@x,sip:1,sip:@x,sip:a b@x,sip:1@,sip:1@a_b,sip:1@x:0,+sip:1@X-1.org:65535,+sip:1@[::1],"},
       {"auth_user", ",+me,"},
       {"password", ",+#;=,"},
-      {"transport", "sctp,+udp,+tcp,"},
+      {"transport9", "sctp,+udp,+auto,"},
+      {"proxy", "[::1]x,::1,a b,+[::1]:5060,+proxy.x,"},
       {"srtp", "maybe,+yes,+no,"},
       {"ring_seconds", "nan,0.9,61,5s,+1,+60,"},
       {"idle_seconds", "-1,86401,1.5,+86400,"}};
@@ -99,6 +101,7 @@ TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndInvalidEntriesAreReported) {
       {"[ ]\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"just text", "3: expected [section], key = value or ; comment"},
       {"= text", "3: expected [section], key = value or ; comment"},
+      {"script2 = x", "3: \"script2\" is unknown for a sim line: expected script or idle_seconds"},
       {"port = x", "3: \"port\" is unknown for a sim line: expected script or idle_seconds"},
       {"script = a\x1B[0m", "3: the line holds control characters or is not UTF-8: expected plain UTF-8"},
       {"script = \xFF", "3: the line holds control characters or is not UTF-8: expected plain UTF-8 text"},

@@ -130,8 +130,6 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
        "cannot listen on 192."},
       {"tls_trust = trust.pem", "Calls can come in at " + own, "Waiting for calls"},
       {"tls_listen = " + Free(), "Calls can come in at " + own + ", with TLS", "Waiting for calls"},
-      {login("100") + "\ntransport = tls\ntls_listen = " + Free(), "cannot be used together",
-       "cannot be used together"},
       {"tls_certificate = gone.pem\ntls_listen = " + Free(), "gone.pem cannot be used",
        "gone.pem cannot be used"},
   };

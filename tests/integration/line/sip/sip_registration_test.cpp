@@ -7,6 +7,7 @@
 #include <array>
 #include <map>
 #include <regex>
+#include <set>
 
 #include "adapters/line/sip/libre.h"
 #include "integration/line/sip/sip_line_test.h"
@@ -49,7 +50,7 @@ constexpr const char* kPublic = "198.51.100.7:4000";
 class SipRegistrationTest : public SipLineTest {
  protected:
   SipRegistrationTest() {
-    settings.password = "secret";
+    account.password = "secret";
     settings.tls_made_certificate = folder / "made.pem";
     settings.report = [this](const std::string& text) { events.Add(text); };
     settings.registration_news = [this](const RegistrationNews& news) {
@@ -58,8 +59,10 @@ class SipRegistrationTest : public SipLineTest {
                  std::to_string(news.pause / seconds(1)) + " s");
     };
   }
-  void Open(std::uint16_t server) {
-    settings.account = "sip:100@127.0.0.1:" + std::to_string(server);
+  void Open(std::uint16_t server) { OpenAt("127.0.0.1:" + std::to_string(server)); }
+  void OpenAt(const std::string& server) {
+    account.address = "sip:100@" + server;
+    settings.accounts = {account};
     OpenLine();
   }
 
@@ -67,8 +70,8 @@ class SipRegistrationTest : public SipLineTest {
   std::string Next(const Socket& server, milliseconds limit = milliseconds(8000)) {
     std::string request;
     do request = server.Receive(limit);
-    while (!request.empty() && (!request.starts_with("REGISTER ") || Header(request, "CSeq") == latest_));
-    latest_ = Header(request, "CSeq");
+    while (!request.empty() && (!request.starts_with("REGISTER ") ||
+                                !seen_.insert(Header(request, "Call-ID") + Header(request, "CSeq")).second));
     return request;
   }
 
@@ -93,7 +96,7 @@ class SipRegistrationTest : public SipLineTest {
   /// Returns each Contact with its lifetime, and the proof of the password: "here=300 MD5".
   std::string Summary(const std::string& request) const {
     std::string summary;
-    const std::regex fact("uthorization: (.*)|Contact: <sip:100@(.*)>;expires=(.*)");
+    const std::regex fact("uthorization: (.*)|Contact: <sip:100@(.*)>;expires=([0-9]*)");
     for (std::sregex_iterator one(request.begin(), request.end(), fact), end; one != end; ++one) {
       const std::string address = one->str(2) == settings.listen ? "here" : one->str(2);
       summary += " " + (address.empty() ? Proof(one->str(1)) : address + "=" + one->str(3));
@@ -102,9 +105,10 @@ class SipRegistrationTest : public SipLineTest {
   }
 
   const ScratchFolder folder;
+  SipAccount account;
 
  private:
-  std::string latest_;
+  std::set<std::string> seen_;
 };
 
 TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
@@ -173,11 +177,20 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
 }
 
 TEST_F(SipRegistrationTest, CallsThroughARouterReachTheLine) {
-  const Socket server = Socket::Udp();
+  const Socket server = Socket::Udp(), proxy = Socket::Udp();
   settings.timers.keep_alive = milliseconds(50);
-  Open(server.Port());
+  settings.accounts = {{"sip:200@home.test"}};
+  settings.accounts[0].proxy = "127.0.0.1:" + std::to_string(proxy.Port());
+  settings.accounts.push_back({"sip:100@127.0.0.1:" + std::to_string(server.Port())});
+  OpenLine();
+  const std::string first = proxy.Receive();
+  EXPECT_TRUE(first.starts_with("REGISTER sip:home.test SIP/2.0")) << first;
+  EXPECT_EQ(Header(first, "Route"), "<sip:" + settings.accounts[0].proxy + ";lr>");
   for (int i = 0; i < 2; ++i) server.SendTo(port, Answer(Next(server), "200|Seen: 4000"));
   EXPECT_EQ(server.Receive(), "\r\n\r\n") << "a router would forget the mapping";
+  proxy.SendTo(port, Answer(first, "200|Seen: 4000|Require: outbound"));
+  EXPECT_TRUE(proxy.Receive().starts_with("\0\1"s))
+      << "a server that knows the path is asked whether it works";
   // The server may say who calls, under any of its ports.
   caller->Send(std::regex_replace(caller->Text("INVITE"), std::regex("Contact"),
                                   "P-Asserted-Identity: \"Bo\" <sip:7@h>\r\nContact"));
@@ -192,7 +205,7 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   setrlimit(RLIMIT_NOFILE, &limit);
   const Socket server = Socket::TcpListening();
   settings.timers.registration_retry_first = milliseconds(200);
-  settings.transport = "tcp";
+  account.transport = "tcp";
   Open(server.Port());
   std::optional<Socket> connection(server.Accept());
   connection->Send(Answer(Next(*connection), "200"));
@@ -229,20 +242,24 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     std::string names =
         "dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
         "--bind-interfaces --listen-address=127.0.0.1 --address=/a.test/phone.test/none.test/127.0.0.1 "
-        "--srv-host=_sip._udp.none.test";
+        "--srv-host=_sip._udp.none.test --naptr-record=home.test,2,1,s,SIP+D2U,,_sip._udp.home.test "
+        "--naptr-record=home.test,1,1,s,SIPS+D2T,,_sips._tcp.home.test";
     for (const auto& [server, rank] : {std::pair(&last, ",2,0"), {&light, ",1,0"}, {&heavy, ",1,65535"}})
       names += " --srv-host=_sip._udp.home.test,a.test," + std::to_string(server->Port()) + rank;
     const std::unique_ptr<FILE, int (*)(FILE*)> name_server(
         ::popen((names + " & read end; kill $!").c_str(), "w"), ::pclose);
     shell("timeout 9 sh -c 'until getent hosts a.test; do :; done' >/dev/null");
     settings.listen = "0.0.0.0:" + std::to_string(port);
-    settings.account = "sip:100@none.test";
-    OpenLine();
+    OpenAt("none.test");
     EXPECT_TRUE(events.Wait("no server named none.test"));
-    settings.account = "sip:100@home.test";
-    OpenLine();
-    for (const Socket* server : {&heavy, &light}) server->SendTo(port, Answer(Next(*server), "503"));
-    last.SendTo(port, Answer(Next(last), "200"));
+    account.transport = "auto";
+    settings.timers.server_patience = milliseconds(300);
+    OpenAt("home.test");
+    EXPECT_NE(Next(heavy), "");  // which never answers
+    light.SendTo(port, Answer(Next(light), "503"));
+    last.SendTo(port, Answer(Next(last), "200|Expires: 1"));
+    last.SendTo(port, Answer(Next(last), "503"));
+    heavy.SendTo(port, Answer(Next(heavy), "200"));  // the one that worked was kept; now the first one
     Open(light.Port());
     light.SendTo(port, Answer(Next(light), "200"));
     Play("caller in the other network");
@@ -273,7 +290,7 @@ struct OpenSsl {
 };
 
 TEST_F(SipRegistrationTest, RegistersOnlyAtAServerWithATrustedCertificateForItsAddress) {
-  settings.transport = "tls";
+  account.transport = "tls";
   settings.timers.registration_retry_first = milliseconds(200);
   // The trusted certificate, the presented certificate, and the expected result.
   const std::tuple<std::string, std::string, std::string> kRows[] = {

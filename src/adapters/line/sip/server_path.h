@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "adapters/line/sip/libre.h"
+
+namespace orven {
+
+/// Keeps open the path that an account's calls take from its server to us, through any routers between, and
+/// notices when it fails. SIP thread.
+class ServerPath {
+ public:
+  /// `keep_alive`: between two datagrams. `broken`: calls do not come through any more; watching has ended.
+  ServerPath(std::chrono::milliseconds keep_alive, std::function<void()> broken);
+  ServerPath(const ServerPath&) = delete;
+  ServerPath& operator=(const ServerPath&) = delete;
+  ~ServerPath() { Leave(); }
+
+  /// Watches the path from `server` over which `stack` got `response`, the answer to a registration.
+  void Keep(sip& stack, const sa& server, const sip_msg& response);
+
+  void Leave();
+
+  /// Closes the connection; `broken` follows soon. False when there is none to close.
+  bool Drop();
+
+  /// Makes the system close the connection of `response` when the other end is gone without a word, which
+  /// otherwise takes a quarter of an hour.
+  static void NoticeSilence(const sip_msg& response);
+
+ private:
+  bool StartProbes(sip& stack, const sip_msg& response);
+  void SendDatagram();
+  void Failed();
+
+  const std::chrono::milliseconds keep_alive_;
+  const std::function<void()> broken_;
+  sip_keepalive* kept_ = nullptr;  ///< the library clears it when the path fails
+  int connection_ = -1;            ///< its descriptor, while `kept_`
+  sip* stack_ = nullptr;           ///< of the datagrams
+  sa server_{};
+  bool probes_datagrams_ = true;  ///< until a server does not answer the first probe
+  std::chrono::steady_clock::time_point since_;
+  MonotonicTimer timer_;
+};
+
+}  // namespace orven

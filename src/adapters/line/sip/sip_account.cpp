@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "adapters/line/sip/sip_account.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fstream>
+
+#include "adapters/line/sip/libre.h"
+
+namespace orven {
+namespace {
+
+std::optional<SipAddress> Parsed(const std::string& address) {
+  pl text{};
+  uri parsed{};
+  pl_set_str(&text, address.c_str());
+  if (uri_decode(&parsed, &text) != 0 || pl_strcasecmp(&parsed.scheme, "sip") != 0 || parsed.user.l == 0 ||
+      parsed.host.l == 0) {
+    return std::nullopt;
+  }
+  return SipAddress{std::string(View(parsed.user)), std::string(View(parsed.host)), parsed.port};
+}
+
+/// As written in the account, perhaps with a port.
+std::string WrittenServer(const SipAccount& account) {
+  return account.proxy.empty() ? account.address.substr(account.address.find('@') + 1) : account.proxy;
+}
+
+bool IsNamed(const SipAccount& account) {
+  return ServersAt(ServerOf(account)).empty();
+}
+
+std::string NoRouteText(const SipAccount& account, const std::string& listen, int error) {
+  const auto address = ParseListenAddress(listen);
+  const bool everywhere = address && sa_is_any(&*address);
+  return "there is no route from " + listen.substr(0, listen.rfind(':')) + " to " + WrittenServer(account) +
+         " (" + ErrorText(error) + ")" +
+         (everywhere ? "" : ": 0.0.0.0 as address for calls uses every network");
+}
+
+std::string TlsFailureText(const std::string& server, int error, const std::string& refusal) {
+  const std::string words = "no encrypted connection to " + server + " can be opened (";
+  if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
+  // RFC 3261, section 19.1.2: TLS has a different default port, which is easily forgotten.
+  return words + ErrorText(error) + "): the port for TLS is often 5061";
+}
+
+}  // namespace
+
+std::optional<SipAddress> AddressOf(const SipAccount& account) {
+  return Parsed(account.address);
+}
+
+std::string ProblemOf(const SipAccount& account) {
+  if (!AddressOf(account)) {
+    return "account \"" + account.address + "\" is not a SIP address like sip:100@example.org";
+  }
+  if (!account.proxy.empty() && !Parsed("sip:proxy@" + account.proxy)) {
+    return "proxy \"" + account.proxy + "\" is not a server like sip.example.org or 192.0.2.1:5060";
+  }
+  constexpr std::array kTransports{"udp", "tcp", "tls", "auto"};
+  if (std::ranges::find(kTransports, account.transport) == kTransports.end()) {
+    return "transport \"" + account.transport + "\" is not udp, tcp, tls or auto";
+  }
+  return {};
+}
+
+ServerName ServerOf(const SipAccount& account) {
+  const auto address = account.proxy.empty() ? AddressOf(account) : Parsed("sip:proxy@" + account.proxy);
+  return {address ? address->host : "", address ? address->port : std::uint16_t{0}, account.transport};
+}
+
+std::string HostInUri(const std::string& host) {
+  return host.find(':') == std::string::npos ? host : '[' + host + ']';
+}
+
+std::string InstanceOf(const SipAccount& account, const std::string& installation) {
+  std::string computer;
+  std::getline(std::ifstream("/etc/machine-id"), computer);
+  const std::string name = computer + '\n' + installation + '\n' + account.address;
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  (void)EVP_Digest(name.data(), name.size(), digest.data(), nullptr, EVP_sha256(), nullptr);
+  // The version for any other way to make one, and the variant (RFC 9562, section 5.8).
+  digest[6] = static_cast<unsigned char>((digest[6] & 0x0F) | 0x80);
+  digest[8] = static_cast<unsigned char>((digest[8] & 0x3F) | 0x80);
+  std::array<char, 64> text{};
+  const unsigned char* const id = digest.data();
+  (void)re_snprintf(text.data(), text.size(), "urn:uuid:%w-%w-%w-%w-%w", id, std::size_t{4}, id + 4,
+                    std::size_t{2}, id + 6, std::size_t{2}, id + 8, std::size_t{2}, id + 10, std::size_t{6});
+  return text.data();
+}
+
+std::string ServerFailureText(const SipAccount& account, const std::string& listen,
+                              const std::string& transport, int error, const std::string& refusal) {
+  const auto server = WrittenServer(account);
+  switch (error) {
+    // Results of the library and the resolver for an unknown name.
+    case ENOENT:
+    case EDESTADDRREQ:
+    case EADDRNOTAVAIL:
+      if (!IsNamed(account)) return NoRouteText(account, listen, error);
+      return "there is no server named " + server + ": its address cannot be found";
+    case ETIMEDOUT: return "there is no answer from " + server;
+    case ECONNREFUSED:
+      return "the connection to " + server + " is refused: nothing listens there for " + transport +
+             " at this port";
+    // EINVAL and EACCES: the socket is bound to this computer or one network, and the server is in another.
+    case ENETUNREACH:
+    case EHOSTUNREACH:
+    case EINVAL:
+    case EACCES: return NoRouteText(account, listen, error);
+    default: break;
+  }
+  if (transport == "tls") return TlsFailureText(server, error, refusal);
+  return server + " cannot be reached (" + ErrorText(error) + ")";
+}
+
+}  // namespace orven

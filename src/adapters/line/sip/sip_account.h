@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "adapters/line/sip/server_records.h"
+
+namespace orven {
+
+/// An account at which a line registers.
+struct SipAccount {
+  std::string address;      ///< "sip:user@domain", perhaps with ":" and a port
+  std::string auth_user{};  ///< empty: the address's user
+  std::string password{};
+  std::string transport = "udp";  ///< towards its server: udp, tcp or tls; auto: as the server's name says
+  std::string proxy{};            ///< a server, perhaps with a port, to which everything is sent; or empty
+};
+
+/// The parts of an account's address.
+struct SipAddress {
+  std::string user;
+  std::string host;        ///< a name or an address, without brackets
+  std::uint16_t port = 0;  ///< 0: none given
+};
+
+/// Nothing unless the account's address is usable.
+std::optional<SipAddress> AddressOf(const SipAccount& account);
+
+/// What is wrong with `account`, for the log; empty when it is usable.
+std::string ProblemOf(const SipAccount& account);
+
+/// The server to which requests of a usable account are sent: its proxy, or that of its address.
+ServerName ServerOf(const SipAccount& account);
+
+/// A host as it is written in a URI: IPv6 addresses in brackets.
+std::string HostInUri(const std::string& host);
+
+/// The URN that names this line to the servers of `account` as long as the program is installed (RFC 5626,
+/// section 4.1). It is made from the computer's identity (machine-id(5)), which it does not reveal, and
+/// `installation`.
+std::string InstanceOf(const SipAccount& account, const std::string& installation);
+
+/// Why the server of `account` cannot be reached, beginning in lower case and without a full stop: for the
+/// log, the list of lines and their test. `server` is the one that was tried, `error` the errno value of the
+/// failure; `refusal` tells why the server's certificate was not accepted, or is empty; `listen` is the
+/// line's address. Any thread.
+std::string ServerFailureText(const SipAccount& account, const std::string& listen,
+                              const std::string& transport, int error, const std::string& refusal);
+
+}  // namespace orven
