@@ -11,30 +11,59 @@
 namespace orven {
 namespace {
 
-/// Static payload types (RFC 3551, section 6) and the customary one for key presses.
-constexpr std::string_view kMuLawId = "0";
-constexpr std::string_view kALawId = "8";
-constexpr std::string_view kEventId = "101";
-constexpr int kMuLawType = 0;
-constexpr int kALawType = 8;
+/// A codec in descriptions (RFC 3551, section 6; RFC 7587).
+struct Format {
+  Codec codec;
+  int type;  ///< the payload type, which for a dynamic one the peer may change
+  const char* name;
+  std::uint8_t channels = 1;
+  const char* parameters = nullptr;
+};
+
+/// Opus is named with two channels whatever it carries. We want and send its narrowest band only.
+constexpr std::array kFormats{
+    Format{Codec::kMuLaw, 0, "PCMU"},
+    Format{Codec::kALaw, 8, "PCMA"},
+    Format{Codec::kG722, 9, "G722"},
+    Format{Codec::kOpus, 107, "opus", 2, "maxplaybackrate=8000;sprop-maxcapturerate=8000;useinbandfec=1"},
+};
+constexpr int kFirstDynamicType = 96;
+
+/// Key presses (RFC 4733) by the clock of the audio beside them, with the customary payload type.
+constexpr std::array kEvents{std::pair{8000, 101}, std::pair{48000, 102}};
 
 void Check(int error) {
   if (error != 0) throw std::bad_alloc();
 }
 
-void AddFormat(sdp_media* media, std::string_view id, const char* name, const char* parameters) {
-  Check(sdp_format_add(nullptr, media, false, id.data(), name, 8000, 1, nullptr, nullptr, nullptr, false,
+void AddFormat(sdp_media* media, int type, const char* name, int clock, std::uint8_t channels,
+               const char* parameters) {
+  Check(sdp_format_add(nullptr, media, false, std::to_string(type).c_str(), name,
+                       static_cast<std::uint32_t>(clock), channels, nullptr, nullptr, nullptr, false,
                        parameters != nullptr ? "%s" : nullptr, parameters));
 }
 
 /// The library gives no name to static types that the peer offered without a=rtpmap.
 std::optional<Codec> CodecOf(const sdp_format& format) {
-  if (format.pt == kMuLawType) return Codec::kMuLaw;
-  if (format.pt == kALawType) return Codec::kALaw;
-  if (format.name == nullptr) return std::nullopt;
-  if (str_casecmp(format.name, "PCMU") == 0) return Codec::kMuLaw;
-  if (str_casecmp(format.name, "PCMA") == 0) return Codec::kALaw;
-  return std::nullopt;
+  const auto found = std::ranges::find_if(kFormats, [&format](const Format& one) {
+    return (format.pt == one.type && one.type < kFirstDynamicType) ||
+           (format.name != nullptr && str_casecmp(format.name, one.name) == 0);
+  });
+  return found != kFormats.end() ? std::optional(found->codec) : std::nullopt;
+}
+
+bool IsG711(Codec codec) {
+  return codec == Codec::kMuLaw || codec == Codec::kALaw;
+}
+
+/// The formats of our side or of the peer's that both sides support.
+std::vector<sdp_format*> CommonFormats(const sdp_media* media, bool own) {
+  std::vector<sdp_format*> formats;
+  for (const le* one = list_head(sdp_media_format_lst(media, own)); one != nullptr; one = one->next) {
+    auto* const format = static_cast<sdp_format*>(one->data);
+    if (format->sup && format->pt >= 0 && format->pt <= 127) formats.push_back(format);
+  }
+  return formats;
 }
 
 /// "RTP/SAVP" and "RTP/SAVPF" demand encryption, "RTP/AVP" and "RTP/AVPF" do not.
@@ -44,8 +73,8 @@ bool DemandsEncryption(const sdp_media* media) {
 
 }  // namespace
 
-MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp)
-    : session_(Made(sdp_session_alloc, &local)), srtp_(srtp) {
+MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp, const std::vector<Codec>& codecs)
+    : session_(Made(sdp_session_alloc, &local)), ranking_(codecs), srtp_(srtp) {
   const bool demand = srtp == SrtpUse::kRequired;
   Check(sdp_media_add(&audio_, session_.get(), "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
   // A peer that describes the same audio twice, plain and encrypted, gets the first listed here.
@@ -54,11 +83,21 @@ MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp)
   } else {
     Check(sdp_media_set_alt_protos(audio_, 4, "RTP/AVP", "RTP/AVPF", "RTP/SAVP", "RTP/SAVPF"));
   }
-  AddFormat(audio_, kMuLawId, "PCMU", nullptr);
-  AddFormat(audio_, kALawId, "PCMA", nullptr);
-  AddFormat(audio_, kEventId, "telephone-event", "0-15");
+  AddFormats();
   Check(sdp_media_set_lattr(audio_, true, "ptime", "%u", 20U));
   if (demand) TellKeys({{1, SrtpSuite::kTag80, NewSrtpKey()}, {2, SrtpSuite::kTag32, NewSrtpKey()}});
+}
+
+void MediaNegotiation::AddFormats() {
+  const auto& codecs = ranking_.empty() ? kAllCodecs : ranking_;
+  for (const Codec codec : codecs) {
+    const Format& format = *std::ranges::find(kFormats, codec, &Format::codec);
+    AddFormat(audio_, format.type, format.name, ClockRate(codec), format.channels, format.parameters);
+  }
+  for (const auto& [clock, type] : kEvents) {
+    if (std::ranges::find(codecs, clock, ClockRate) == codecs.end()) continue;
+    AddFormat(audio_, type, "telephone-event", clock, 1, "0-15");
+  }
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool is_offer, const sa& sender) {
@@ -85,6 +124,7 @@ int MediaNegotiation::Decode(const std::string& text, bool is_offer) {
 std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& text, bool is_offer,
                                                            const sa& sender) {
   if (Decode(text, is_offer) != 0) return std::nullopt;
+  if (is_offer) Choose();
   auto agreement = Agreed();
   if (!agreement) return std::nullopt;
   const bool told = sa_isset(&agreement->peer, SA_ADDR);
@@ -104,17 +144,50 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
   return demands && !agreement->keys ? std::nullopt : agreement;
 }
 
+/// Key presses come last.
+int MediaNegotiation::Rank(const sdp_format& format) const {
+  const auto codec = CodecOf(format);
+  if (!codec) return static_cast<int>(kFormats.size());
+  if (ranking_.empty()) return IsG711(*codec) ? 0 : static_cast<int>(*codec);
+  return static_cast<int>(std::ranges::find(ranking_, *codec) - ranking_.begin());
+}
+
+/// Of what is offered, leaves what our answer is to name, the best first.
+void MediaNegotiation::Choose() {
+  const auto in_order = [](le* one, le* next, void* self) {
+    const auto rank = [self](const le* element) {
+      return static_cast<MediaNegotiation*>(self)->Rank(*static_cast<const sdp_format*>(element->data));
+    };
+    return rank(one) <= rank(next);
+  };
+  for (const bool own : {true, false}) {
+    list_sort(const_cast<list*>(sdp_media_format_lst(audio_, own)), in_order, this);
+  }
+  const auto offered = CommonFormats(audio_, false);
+  const auto best = offered.empty() ? std::nullopt : CodecOf(*offered.front());
+  if (!best) return;
+  const auto fits = [best](const sdp_format* format) {
+    const auto codec = CodecOf(*format);
+    if (codec) return *codec == *best || (IsG711(*codec) && IsG711(*best));
+    return format->srate == static_cast<std::uint32_t>(ClockRate(*best));
+  };
+  const bool odd_clock = std::ranges::none_of(
+      offered, [&](const sdp_format* format) { return !CodecOf(*format) && fits(format); });
+  for (const bool own : {true, false}) {
+    for (sdp_format* format : CommonFormats(audio_, own)) {
+      format->sup = fits(format) || (odd_clock && !CodecOf(*format));
+    }
+  }
+}
+
 std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
   MediaAgreement agreement;
   agreement.peer = *sdp_media_raddr(audio_);
   if (sa_port(&agreement.peer) == 0) return std::nullopt;
   bool any_codec = false;
-  for (const le* element = list_head(sdp_media_format_lst(audio_, true)); element != nullptr;
-       element = element->next) {
-    const auto& format = *static_cast<const sdp_format*>(element->data);
-    if (!format.sup || format.pt < 0 || format.pt > 127) continue;
-    const auto type = static_cast<std::uint8_t>(format.pt);
-    if (const auto codec = CodecOf(format)) {
+  for (const sdp_format* format : CommonFormats(audio_, false)) {
+    const auto type = static_cast<std::uint8_t>(format->pt);
+    if (const auto codec = CodecOf(*format)) {
       if (!any_codec) {
         agreement.send_codec = *codec;
         agreement.send_payload_type = type;

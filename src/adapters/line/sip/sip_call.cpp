@@ -64,7 +64,7 @@ bool SipCall::Prepare(const sip_msg& invite) {
   }
   sa local = invite.dst;
   sa_set_port(&local, stream_->Port());
-  negotiation_.emplace(local, SrtpOf(ports_.settings));
+  negotiation_.emplace(local, SrtpOf(ports_.settings), ports_.settings.codecs);
   if (mbuf_get_left(invite.mb) == 0) return true;
   const auto offer = DescriptionIn(invite);
   if (!offer) {
