@@ -8,6 +8,8 @@
 #include <charconv>
 #include <optional>
 
+#include "adapters/line/config/codec_list.h"
+
 namespace orven {
 namespace {
 
@@ -83,6 +85,10 @@ bool IsYesOrNo(std::string_view value) {
   return value == "yes" || value == "no";
 }
 
+bool IsCodecs(std::string_view value) {
+  return !ReadCodecs(value).empty();
+}
+
 bool IsRingTime(std::string_view value) {
   double seconds = 0;
   const char* end = value.data() + value.size();
@@ -129,6 +135,7 @@ constexpr std::array kSipKeys{
     LineKey{"transport", IsTransport, "udp, tcp, tls or auto", &L::transport, "cmbTransport", "The transport",
             !kRequired, !kSecret, kPerAccount},
     LineKey{"srtp", IsYesOrNo, "yes or no", &L::srtp, "cmbTransport", "The encryption of the sound"},
+    LineKey{"codecs", IsCodecs, "a list of pcmu, pcma, g722 and opus, each at most once, with commas"},
     LineKey{"tls_trust", IsText, "the path of a PEM file with certificates", &L::tls_trust, "cmbTransport",
             "The trusted certificates' path"},
     LineKey{"tls_listen", IsListen, "an IPv4 address and a port, for example 0.0.0.0:5061"},

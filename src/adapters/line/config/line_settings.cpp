@@ -7,6 +7,7 @@
 #include <ranges>
 #include <utility>
 
+#include "adapters/line/config/codec_list.h"
 #include "adapters/line/config/line_keys.h"
 
 namespace orven {
@@ -183,6 +184,7 @@ SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem:
   if (const auto srtp = Value(section, "srtp"); !srtp.empty()) {
     settings.srtp = srtp == "yes" ? SrtpUse::kRequired : SrtpUse::kNever;
   }
+  settings.codecs = ReadCodecs(Value(section, "codecs"));
   settings.tls_trust = PathValue(section, "tls_trust", folder);
   settings.tls_listen = Value(section, "tls_listen");
   settings.tls_certificate = PathValue(section, "tls_certificate", folder);

@@ -20,6 +20,7 @@ namespace orven {
 ///                  transport     udp, tcp, tls or auto
 ///                  account2 to account9, with their auth_user2 and so on: further accounts
 ///                  srtp          yes or no
+///                  codecs        a list of pcmu, pcma, g722 and opus
 ///                  tls_trust     path of a PEM file
 ///                  tls_listen    as listen
 ///                  tls_certificate  path of a PEM file

@@ -2,7 +2,10 @@
 #include "adapters/line/sip/media_agreement.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <new>
+#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -11,26 +14,26 @@
 namespace orven {
 namespace {
 
-/// A codec in descriptions (RFC 3551, section 6; RFC 7587).
+/// A codec in descriptions (RFC 3551, section 6; RFC 7587), in the order of kCodecs.
 struct Format {
-  Codec codec;
   int type;  ///< the payload type, which for a dynamic one the peer may change
-  const char* name;
   std::uint8_t channels = 1;
   const char* parameters = nullptr;
 };
 
 /// Opus is named with two channels whatever it carries. We want and send its narrowest band only.
 constexpr std::array kFormats{
-    Format{Codec::kMuLaw, 0, "PCMU"},
-    Format{Codec::kALaw, 8, "PCMA"},
-    Format{Codec::kG722, 9, "G722"},
-    Format{Codec::kOpus, 107, "opus", 2, "maxplaybackrate=8000;sprop-maxcapturerate=8000;useinbandfec=1"},
-};
+    Format{0}, Format{8}, Format{9},
+    Format{107, 2, "maxplaybackrate=8000;sprop-maxcapturerate=8000;useinbandfec=1"}};
+static_assert(kFormats.size() == kCodecs.size());
 constexpr int kFirstDynamicType = 96;
 
-/// Key presses (RFC 4733) by the clock of the audio beside them, with the customary payload type.
-constexpr std::array kEvents{std::pair{8000, 101}, std::pair{48000, 102}};
+/// Key presses (RFC 4733) with the customary payload type, and with the clock of Opus. Many telephones know
+/// only the first, whatever the codec.
+constexpr const char* kEvents = "telephone-event";
+constexpr const char* kKeys = "0-15";
+constexpr int kEventType = 101;
+constexpr int kOpusEventType = 102;
 
 void Check(int error) {
   if (error != 0) throw std::bad_alloc();
@@ -45,11 +48,12 @@ void AddFormat(sdp_media* media, int type, const char* name, int clock, std::uin
 
 /// The library gives no name to static types that the peer offered without a=rtpmap.
 std::optional<Codec> CodecOf(const sdp_format& format) {
-  const auto found = std::ranges::find_if(kFormats, [&format](const Format& one) {
-    return (format.pt == one.type && one.type < kFirstDynamicType) ||
-           (format.name != nullptr && str_casecmp(format.name, one.name) == 0);
-  });
-  return found != kFormats.end() ? std::optional(found->codec) : std::nullopt;
+  for (const auto& [codec, name] : kCodecs) {
+    const int type = kFormats[static_cast<std::size_t>(codec)].type;
+    const bool is_static = format.pt == type && type < kFirstDynamicType;
+    if (is_static || (format.name != nullptr && str_casecmp(format.name, name) == 0)) return codec;
+  }
+  return std::nullopt;
 }
 
 bool IsG711(Codec codec) {
@@ -74,7 +78,8 @@ bool DemandsEncryption(const sdp_media* media) {
 }  // namespace
 
 MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp, const std::vector<Codec>& codecs)
-    : session_(Made(sdp_session_alloc, &local)), ranking_(codecs), srtp_(srtp) {
+    : session_(Made(sdp_session_alloc, &local)), customary_(codecs.empty()), ranking_(codecs), srtp_(srtp) {
+  if (customary_) std::ranges::copy(kCodecs | std::views::keys, std::back_inserter(ranking_));
   const bool demand = srtp == SrtpUse::kRequired;
   Check(sdp_media_add(&audio_, session_.get(), "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
   // A peer that describes the same audio twice, plain and encrypted, gets the first listed here.
@@ -89,15 +94,14 @@ MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp, const std::vec
 }
 
 void MediaNegotiation::AddFormats() {
-  const auto& codecs = ranking_.empty() ? kAllCodecs : ranking_;
-  for (const Codec codec : codecs) {
-    const Format& format = *std::ranges::find(kFormats, codec, &Format::codec);
-    AddFormat(audio_, format.type, format.name, ClockRate(codec), format.channels, format.parameters);
+  for (const Codec codec : ranking_) {
+    const auto& [type, channels, parameters] = kFormats[static_cast<std::size_t>(codec)];
+    const char* const name = kCodecs[static_cast<std::size_t>(codec)].second;
+    AddFormat(audio_, type, name, ClockRate(codec), channels, parameters);
   }
-  for (const auto& [clock, type] : kEvents) {
-    if (std::ranges::find(codecs, clock, ClockRate) == codecs.end()) continue;
-    AddFormat(audio_, type, "telephone-event", clock, 1, "0-15");
-  }
+  AddFormat(audio_, kEventType, kEvents, ClockRate(Codec::kMuLaw), 1, kKeys);
+  if (std::ranges::find(ranking_, Codec::kOpus) != ranking_.end())
+    AddFormat(audio_, kOpusEventType, kEvents, ClockRate(Codec::kOpus), 1, kKeys);
 }
 
 std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool is_offer, const sa& sender) {
@@ -108,7 +112,7 @@ std::optional<MediaAgreement> MediaNegotiation::Read(std::string_view text, bool
   } else if (!agreed_.empty()) {
     // A refused description changes nothing; without this our next offer would have no audio. An answer is
     // read as an offer here, because only that restores the profile.
-    (void)Decode(agreed_, true);
+    if (Decode(agreed_, true) == 0) Choose();
   }
   return agreement;
 }
@@ -144,11 +148,11 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
   return demands && !agreement->keys ? std::nullopt : agreement;
 }
 
-/// Key presses come last.
+/// Key presses come last. Without a ranking of the line's own, G.711 is all the same.
 int MediaNegotiation::Rank(const sdp_format& format) const {
   const auto codec = CodecOf(format);
   if (!codec) return static_cast<int>(kFormats.size());
-  if (ranking_.empty()) return IsG711(*codec) ? 0 : static_cast<int>(*codec);
+  if (customary_ && IsG711(*codec)) return 0;
   return static_cast<int>(std::ranges::find(ranking_, *codec) - ranking_.begin());
 }
 
@@ -194,7 +198,8 @@ std::optional<MediaAgreement> MediaNegotiation::Agreed() const {
       }
       any_codec = true;
       agreement.codecs[type] = codec;
-    } else {
+    } else if (!agreement.event_payload_type ||
+               format->srate == static_cast<std::uint32_t>(ClockRate(agreement.send_codec))) {
       agreement.event_payload_type = type;
     }
   }

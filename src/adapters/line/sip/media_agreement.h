@@ -29,9 +29,9 @@ struct MediaAgreement {
 
 /// The call's half of the offer/answer exchange (RFC 3264), again for each re-INVITE. SIP thread.
 ///
-/// Our answer names only what we want to get: the best codec that is offered, and beside one of G.711 the other.
-/// Best is what comes first in the line's settings; without those G.711, in the order of the offer so that
-/// nobody has to convert it, then G.722, then Opus.
+/// Our answer names only what we want to get: the best codec that is offered, and beside one of G.711 the
+/// other. Best is what comes first in the line's settings; without those G.711, in the order of the offer so
+/// that nobody has to convert it, then G.722, then Opus.
 ///
 /// It carries the SRTP keys (RFC 4568): RTP/SAVP demands encryption, RTP/AVP with "a=crypto" offers it. An
 /// encrypted call never becomes plain again. Our key stays as long as the suite does.
@@ -40,7 +40,7 @@ class MediaNegotiation {
   /// `local` is our address and port in the descriptions. What we offer ourselves is encrypted when `srtp`
   /// demands it. `codecs` are those that we use, the best first; empty: all. Throws std::bad_alloc, and
   /// std::runtime_error when no key can be made.
-  MediaNegotiation(const sa& local, SrtpUse srtp, const std::vector<Codec>& codecs);
+  MediaNegotiation(const sa& local, SrtpUse srtp, const std::vector<Codec>& codecs = {});
 
   /// Reads the offer or the answer `text` from `sender`, whose address counts when the description has none
   /// that we can reach (a name, or one of another family). Nothing when it is malformed, has no codec of
@@ -63,7 +63,8 @@ class MediaNegotiation {
 
   LibrePtr<sdp_session> session_;
   sdp_media* audio_ = nullptr;  ///< belongs to session_
-  const std::vector<Codec> ranking_;  ///< the best first; empty: the customary one
+  const bool customary_;        ///< the line has no ranking of its own
+  std::vector<Codec> ranking_;  ///< our codecs, the best first
   SrtpUse srtp_;
   std::vector<CryptoAttribute> own_;  ///< in our next description
   std::string agreed_;                ///< the latest description that was agreed to

@@ -5,7 +5,6 @@
 #include <array>
 #include <utility>
 
-#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/rtp.h"
 
 namespace orven {
@@ -15,6 +14,7 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kBlockTime{20};
+constexpr int kBlocksPerSecond = 50;
 
 /// After a longer stall (a suspended computer) the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
@@ -149,9 +149,10 @@ void RtpStream::Tick() {
 void RtpStream::SendBlock() {
   std::array<std::int16_t, kBlockSamples> block;
   audio_.Fetch(block);
-  timestamp_ += kBlockSamples;
   silent_ = silent_ && std::ranges::all_of(block, [](auto sample) { return sample == 0; });
   const bool send = agreement_ && agreement_->send;
+  const Codec codec = agreement_ ? agreement_->send_codec : Codec::kMuLaw;
+  timestamp_ += static_cast<std::uint32_t>(ClockRate(codec) / kBlocksPerSecond);
   if (send) {
     rtp_header header{};
     header.m = !talking_;
@@ -159,10 +160,11 @@ void RtpStream::SendBlock() {
     header.seq = ++sequence_;
     header.ts = timestamp_;
     header.ssrc = ssrc_;
-    std::array<std::uint8_t, RTP_HEADER_SIZE + kBlockSamples> packet;
-    WriteRtpHeader(header, packet.data());
-    Encode(agreement_->send_codec, block, packet.data() + RTP_HEADER_SIZE);
-    Send(packet);
+    const auto payload = encoder_.Encode(codec, block);
+    packet_.resize(RTP_HEADER_SIZE + payload.size());
+    WriteRtpHeader(header, packet_.data());
+    std::ranges::copy(payload, packet_.begin() + RTP_HEADER_SIZE);
+    Send(packet_);
   }
   talking_ = send;
 }

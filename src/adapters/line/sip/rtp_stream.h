@@ -6,8 +6,10 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "adapters/line/driver/line_audio.h"
+#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/digits.h"
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/libre.h"
@@ -110,6 +112,8 @@ class RtpStream {
   std::optional<Time> refused_since_;
   std::optional<Time> hung_up_;
 
+  Encoder encoder_;
+  std::vector<std::uint8_t> packet_;  ///< the latest one sent, for its memory
   std::uint32_t ssrc_;
   std::uint32_t timestamp_;
   std::uint16_t sequence_;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/sip_account.h"
 
 namespace orven {
@@ -19,8 +20,8 @@ struct SipLineTimers {
   /// The same for a call on hold, where silence is normal.
   std::chrono::milliseconds lost_held{300'000};
   /// The answer must be acknowledged within 64 x T1 (RFC 3261, section 13.3.1.4), and so must a 180 that the
-  /// caller requires to be reliable (RFC 3262, section 3). A longer value has no effect on the answer: the SIP
-  /// library gives up then.
+  /// caller requires to be reliable (RFC 3262, section 3). A longer value has no effect on the answer: the
+  /// SIP library gives up then.
   std::chrono::milliseconds no_ack{32'000};
   /// The shortest interval of a session timer: nobody need accept a shorter one (RFC 4028, section 4).
   std::chrono::seconds shortest_session{90};
@@ -67,6 +68,7 @@ struct SipLineSettings {
   std::vector<SipAccount> accounts;       ///< at which it registers; all calls ring the same line
   std::string installation;          ///< tells this program's lines from those of others on the same computer
   std::optional<SrtpUse> srtp;       ///< absent: required if all accounts are over TLS, else if offered
+  std::vector<Codec> codecs;         ///< that calls may use, the best first; empty: all, G.711 first
   std::string tls_trust;             ///< PEM file of certificates trusted for the server; empty: the system's
   std::string tls_listen;            ///< address and port for calls over TLS, or empty
   std::string tls_certificate;       ///< PEM file with certificate and private key for tls_listen, or empty:

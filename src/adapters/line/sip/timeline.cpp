@@ -64,12 +64,20 @@ void TimeLine::Leave(AudioSink& sink, Time::duration patience) {
     const std::int64_t gap = packet.place - position_;
     const bool is_lost = packet.number != number_ + 1;
     if (gap > 0 && is_lost && listened_ - taken < patience) break;
-    if (packet.samples > 0) Fill(gap, is_lost, sink);
+    if (packet.samples > 0 && !(is_lost && Recover(packet.codec, payload, gap))) Fill(gap, is_lost, sink);
     packet.payload = payload;
     Append(packet);
     waiting_.erase(waiting_.begin());
   }
   Write(sink);
+}
+
+/// Closes a gap where packets were lost with what the next one repeats of them, if its codec does so.
+bool TimeLine::Recover(Codec codec, std::span<const std::uint8_t> next, std::int64_t gap) {
+  const std::size_t begin = complete_.size();
+  if (gap <= 0 || !decoder_.Recover(codec, next, static_cast<std::size_t>(gap), complete_)) return false;
+  concealer_.Follow(std::span(complete_).subspan(begin));
+  return true;
 }
 
 /// Closes a gap with silence or, where packets were lost, with what may have been said.

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <span>
 #include <vector>
 
 #include "adapters/line/sip/codec.h"
@@ -45,6 +46,7 @@ class TimeLine {
   };
 
   void Leave(AudioSink& sink, Time::duration patience);
+  bool Recover(Codec codec, std::span<const std::uint8_t> next, std::int64_t gap);
   void Fill(std::int64_t gap, bool is_lost, AudioSink& sink);
   void Append(const PlacedPacket& packet);
   void Write(AudioSink& sink);

@@ -73,6 +73,7 @@ TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
       {"transport9", "sctp,+udp,+auto,"},
       {"proxy", "[::1]x,::1,a b,+[::1]:5060,+proxy.x,"},
       {"srtp", "maybe,+yes,+no,"},
+      {"codecs", "g729,+pcmu,+G722,"},
       {"ring_seconds", "nan,0.9,61,5s,+1,+60,"},
       {"idle_seconds", "-1,86401,1.5,+86400,"}};
   for (const auto& [key, all] : keys) {

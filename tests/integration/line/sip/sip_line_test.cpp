@@ -223,9 +223,8 @@ Bytes Tones(const std::string& keys) {
   std::vector<std::int16_t> samples((20 + 7 * keys.size()) * 160);
   dtmf_tx(generator, samples.data() + 1600, static_cast<int>(samples.size() - 1600));
   dtmf_tx_free(generator);
-  Bytes bytes(samples.size());
-  Encode(Codec::kMuLaw, samples, bytes.data());
-  return bytes;
+  const auto bytes = Encoder().Encode(Codec::kMuLaw, samples);
+  return {bytes.begin(), bytes.end()};
 }
 
 TEST_F(SipLineTest, RecordsOnlyTheCallerWhomItAnswered) {

@@ -127,6 +127,26 @@ TEST(MediaNegotiationTest, AgreesOnCodecsAddressesDirectionsAndKeysOrChangesNoth
     MediaNegotiation negotiation(Address(4000), use);
     EXPECT_EQ(Read(negotiation, offer), result) << offer;
   }
+  // Wide codecs, by the line's ranking.
+  const std::string all =
+                        "m=audio 9 RTP/AVP 111 9 8 0 101 100|a=rtpmap:111 opus/48000/2|a=rtpmap:100 "
+                        "telephone-event/48000" +
+                        keys,
+                    wide = "m=audio 9 RTP/AVP 9 111 101|a=rtpmap:111 opus/48000/2" + keys;
+  using enum Codec;
+  const std::tuple<std::vector<Codec>, std::string, std::string> kRanked[] = {
+      {{}, all, "8+101 sends receives: 4000 RTP/AVP 8 0 101"},
+      {{}, wide, "9+101 sends receives: 4000 RTP/AVP 9 101"},
+      {{kMuLaw, kALaw, kG722}, all, "0+101 sends receives: 4000 RTP/AVP 0 8 101"},
+      {{kG722, kMuLaw}, all, "9+101 sends receives: 4000 RTP/AVP 9 101"},
+      {{kOpus, kG722}, all, "111+100 sends receives: 4000 RTP/AVP 111 100"},
+      {{kOpus}, wide, "111+101 sends receives: 4000 RTP/AVP 111 101"},
+      {{kOpus}, "m=audio 9 RTP/AVP 0 8", "refused"},
+  };
+  for (const auto& [codecs, offer, result] : kRanked) {
+    MediaNegotiation negotiation(Address(4000), kNever, codecs);
+    EXPECT_EQ(Read(negotiation, offer), result == "refused" ? result : "127.0.0.1:9 " + result) << offer;
+  }
   // A refused description changes nothing.
   MediaNegotiation negotiation(Address(4000), SrtpUse::kIfOffered);
   EXPECT_NE(Read(negotiation, "m=audio 0 RTP/AVP 0|m=audio 9 RTP/AVP 0"), "refused");
@@ -161,6 +181,35 @@ TEST(DigitsTest, APersonsPaceIsAllowedAndAMachinesIsNot) {
     EXPECT_TRUE(key >= 28 || allowed == key + 1) << key;
   }
   EXPECT_LE(allowed, 138);
+}
+
+TEST(CodecTest, KeysAreHeardThroughEachCodecAndOpusRepeatsWhatWasLost) {
+  const std::string keys = "159D*0#";
+  dtmf_tx_state_t* generator = dtmf_tx_init(nullptr);
+  dtmf_tx_put(generator, keys.c_str(), -1);
+  std::vector<std::int16_t> played(100 * kBlockSamples);
+  dtmf_tx(generator, played.data(), static_cast<int>(played.size()));
+  dtmf_tx_free(generator);
+  for (const auto& [codec, name] : kCodecs) {
+    Encoder encoder;
+    Decoder decoder;
+    std::vector<std::int16_t> decoded;
+    std::string heard;
+    DtmfDetector detector([&heard](char key) { heard += key; });
+    for (std::size_t at = 0; at < played.size(); at += kBlockSamples) {
+      const auto payload = encoder.Encode(codec, std::span(played).subspan(at, kBlockSamples));
+      EXPECT_EQ(SamplesIn(codec, payload), kBlockSamples) << name;
+      if (codec == Codec::kOpus && at % (7 * kBlockSamples) == 0 && at > 0) continue;
+      const std::size_t lost = at - decoded.size();
+      EXPECT_TRUE(lost == 0 || decoder.Recover(codec, payload, lost, decoded));
+      decoder.Decode(codec, payload, decoded);
+    }
+    EXPECT_EQ(decoded.size(), played.size()) << name;
+    detector.Listen(decoded);
+    EXPECT_EQ(heard, keys) << name;
+  }
+  const std::uint8_t damaged[] = {0xFF, 0xFF, 0x01};
+  EXPECT_EQ(SamplesIn(Codec::kOpus, damaged), 0U);
 }
 
 TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
