@@ -31,8 +31,8 @@ class AudioSource {
   /// the user-interface thread, with the same rules as Read.
   virtual void Gone() {}
 
-  /// Its audio arises while it is played: the device plays it with as little delay as it can. Others may be
-  /// read up to 100 ms ahead. The same for the life of the source.
+  /// Its audio arises while it is played: the device plays it with as little delay as it can. Others are
+  /// read up to 200 ms ahead, at most 100 ms at once. The same for the life of the source.
   virtual bool Live() const { return false; }
 };
 

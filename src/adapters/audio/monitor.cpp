@@ -28,6 +28,8 @@ std::chrono::microseconds Microseconds(SteadyClock::time_point at) {
 constexpr std::uint64_t kWantedStock = std::uint64_t{2} * kBlockSamples;
 constexpr std::uint64_t kMostStock = std::uint64_t{4} * kBlockSamples;
 
+constexpr int kObservedReads = 50;
+
 }  // namespace
 
 void PeakMeter::Hear(std::span<const std::int16_t> block, SteadyClock::time_point at) {
@@ -59,7 +61,7 @@ void LiveMonitor::Push(std::span<const std::int16_t> block) {
 
 bool LiveMonitor::Read(std::span<std::int16_t> block) {
   const std::uint64_t written = written_.load(std::memory_order_acquire);
-  if (written - read_ > kMostStock) read_ = written - kWantedStock;
+  Trim(written);
   const std::uint64_t stock = written - read_;
   gathering_ = stock < (gathering_ ? kWantedStock : block.size());
   if (gathering_) {
@@ -68,6 +70,15 @@ bool LiveMonitor::Read(std::span<std::int16_t> block) {
   }
   for (std::int16_t& sample : block) sample = samples_[read_++ % kCapacity].load(std::memory_order_relaxed);
   return true;
+}
+
+/// Stock that no read of the latest second needed is only delay.
+void LiveMonitor::Trim(std::uint64_t written) {
+  const std::uint64_t stock = written - read_;
+  if (stock > kMostStock) read_ = written - kWantedStock;
+  least_stock_ = observed_reads_ == 0 ? stock : std::min(least_stock_, stock);
+  observed_reads_ = (observed_reads_ + 1) % kObservedReads;
+  if (observed_reads_ == 0 && least_stock_ > kWantedStock) read_ += least_stock_ - kWantedStock;
 }
 
 void LiveMonitor::Restart() {

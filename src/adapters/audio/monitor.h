@@ -35,8 +35,8 @@ class PeakMeter : public AudioSink {
 };
 
 /// Passes audio from a recording device to a playing one while it is captured. The two have different clocks:
-/// when the player falls behind, the oldest audio is dropped so that the delay stays below 100 ms; when it
-/// runs dry, it plays silence until two blocks are buffered again. Never ends.
+/// when the player runs dry, it plays silence until two blocks are buffered again; more than that is dropped
+/// when it was not needed for a second, and at once beyond 80 ms. Never ends.
 class LiveMonitor : public AudioSource {
  public:
   /// Adds a captured block. One thread (the recording device's); never waits.
@@ -50,6 +50,8 @@ class LiveMonitor : public AudioSource {
   void Restart();
 
  private:
+  void Trim(std::uint64_t written);
+
   static constexpr std::size_t kCapacity =
       1024;  ///< 128 ms: the most that is buffered and two blocks to spare
 
@@ -58,6 +60,8 @@ class LiveMonitor : public AudioSource {
   std::array<std::atomic<std::int16_t>, kCapacity> samples_{};
   std::atomic<std::uint64_t> written_{0};  ///< samples ever pushed
   std::uint64_t read_ = 0;                 ///< of these, samples read or dropped
+  std::uint64_t least_stock_ = 0;          ///< at any of the latest reads
+  int observed_reads_ = 0;
   bool gathering_ = true;
 };
 

@@ -21,9 +21,12 @@ constexpr auto kFlags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY 
 
 constexpr std::uint32_t kServerDecides = static_cast<std::uint32_t>(-1);
 
-/// From the source to the ear. A source has its first tenth of a second ready when a play begins.
-constexpr std::uint32_t kDelay = 5 * kBlockBytes;
+/// From the source to the ear: a busy computer may be late by that much.
+constexpr std::uint32_t kDelay = 10 * kBlockBytes;
 constexpr std::uint32_t kLiveDelay = 2 * kBlockBytes;
+
+/// Blocks read at once: what a source has ready when a play begins.
+constexpr std::size_t kMostBlocks = 5;
 
 }  // namespace
 
@@ -96,16 +99,16 @@ int CardPlay::Connect(const char* device) {
       this);
   const pa_buffer_attr sizes{.maxlength = kServerDecides,
                              .tlength = live_ ? kLiveDelay : kDelay,
-                             .prebuf = kServerDecides,
+                             .prebuf = kBlockBytes,
                              .minreq = kBlockBytes / 2,
                              .fragsize = kServerDecides};
   return pa_stream_connect_playback(Stream(), device, &sizes, kFlags, nullptr, nullptr);
 }
 
-/// What does not fill a block remains requested.
+/// What is not written remains requested.
 void CardPlay::Feed(std::size_t room) {
   std::array<std::int16_t, kBlockSamples> block;
-  for (; room >= kBlockBytes; room -= kBlockBytes) {
+  for (std::size_t blocks = std::min(room / kBlockBytes, kMostBlocks); blocks > 0; --blocks) {
     bool ended = false;
     const auto read = [&](auto) { return !(ended = !source_.Read(block)); };
     if (!Move(read)) return ended ? Drain() : void();

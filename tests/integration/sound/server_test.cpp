@@ -34,6 +34,7 @@ struct Tape final : AudioSource, AudioSink {
     return true;
   }
   void Gone() override { gone = ended = true; }
+  bool Live() const override { return live; }
   void Write(std::span<const std::int16_t> block) override {
     const std::lock_guard lock(mutex);
     heard.append(reinterpret_cast<const char*>(block.data()), qsizetype(block.size_bytes()));
@@ -46,6 +47,7 @@ struct Tape final : AudioSource, AudioSink {
   const QByteArray given;
   std::atomic<qsizetype> played = 0;
   std::atomic<bool> ended = false, gone = false;
+  bool live = false;
   std::mutex mutex;
   QByteArray heard;
 };
@@ -68,6 +70,8 @@ struct Desk {
     EXPECT_TRUE(Eventually([&] { return tape.ended && !server.Plays(); }));
     server.HearMore(*other);
     EXPECT_TRUE(other->readAll().contains(kNoise)) << output.toStdString() << told;
+    other->kill();
+    other->waitForFinished();
   }
   /// Checks that the microphone of `output` is recorded from `card`.
   void Takes(int card, const QString& output = "desk") {
@@ -132,6 +136,10 @@ TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
   desk.server.Ask({"set-default-source", "mic_studio"});
   desk.Takes(2, "headset");
   for (const int card : {0, 1}) desk.Takes(card, "studio");  // they have no microphone
+  Tape live;
+  live.live = true;
+  desk.StartPlay(0, live);
+  EXPECT_TRUE(Eventually([&] { return live.ended && !live.gone; }));
   desk.StartPlay(2, first);
   EXPECT_EQ(desk.cards.Beside().Find(2)->StartPlay(second), kWaveOk);
   desk.Card(2).StopPlay();
