@@ -46,6 +46,9 @@ class AudioSink {
   /// delivers blocks up to 100 ms ahead of it.
   virtual void Hear(std::span<const std::int16_t> /*block*/, std::chrono::steady_clock::time_point /*at*/) {}
 
+  /// Somebody listens along: what is heard should come as soon as it can, not in groups. Any thread.
+  virtual bool Live() const { return false; }
+
   /// What is kept: the samples that follow those before, any number of them. A device that waits for late
   /// audio passes it on later than it was heard.
   virtual void Write(std::span<const std::int16_t> samples) = 0;

@@ -97,14 +97,17 @@ std::int32_t FileWaveControl::StartMonitor(std::int32_t device, const WaveFormat
   if (monitor_device_ != nullptr) return kWaveBusy;
   AudioDevice* const to = devices_.Find(device);
   if (to == nullptr) return kWaveNoDevice;
-  monitor_.Restart();
+  monitor_.SetOpen(true);
   const std::int32_t result = to->StartPlay(monitor_);
   if (result == kWaveOk) monitor_device_ = to;
+  if (result != kWaveOk) monitor_.SetOpen(false);
   return result;
 }
 
 std::int32_t FileWaveControl::StopMonitor() {
-  if (monitor_device_ != nullptr) std::exchange(monitor_device_, nullptr)->StopPlay();
+  if (monitor_device_ == nullptr) return kWaveOk;
+  std::exchange(monitor_device_, nullptr)->StopPlay();
+  monitor_.SetOpen(false);
   return kWaveOk;
 }
 

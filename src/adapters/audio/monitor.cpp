@@ -54,6 +54,7 @@ std::int32_t PeakMeter::Level(std::chrono::milliseconds ago) const {
 }
 
 void LiveMonitor::Push(std::span<const std::int16_t> block) {
+  if (!open_) return;
   std::uint64_t at = written_.load(std::memory_order_relaxed);
   for (const std::int16_t sample : block) samples_[at++ % kCapacity].store(sample, std::memory_order_relaxed);
   written_.store(at, std::memory_order_release);
@@ -81,7 +82,8 @@ void LiveMonitor::Trim(std::uint64_t written) {
   if (observed_reads_ == 0 && least_stock_ > kWantedStock) read_ += least_stock_ - kWantedStock;
 }
 
-void LiveMonitor::Restart() {
+void LiveMonitor::SetOpen(bool open) {
+  open_ = open;
   read_ = written_.load(std::memory_order_acquire);
   gathering_ = true;
 }

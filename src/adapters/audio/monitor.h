@@ -46,8 +46,9 @@ class LiveMonitor : public AudioSource {
   bool Read(std::span<std::int16_t> block) override;
   bool Live() const override { return true; }
 
-  /// Drops what is buffered. Only while no device reads.
-  void Restart();
+  /// Begins and ends to take what is pushed, with nothing buffered. Only while no device reads.
+  void SetOpen(bool open);
+  bool Open() const { return open_; }  ///< any thread
 
  private:
   void Trim(std::uint64_t written);
@@ -59,8 +60,9 @@ class LiveMonitor : public AudioSource {
   /// wrong sample.
   std::array<std::atomic<std::int16_t>, kCapacity> samples_{};
   std::atomic<std::uint64_t> written_{0};  ///< samples ever pushed
-  std::uint64_t read_ = 0;                 ///< of these, samples read or dropped
-  std::uint64_t least_stock_ = 0;          ///< at any of the latest reads
+  std::atomic<bool> open_{false};
+  std::uint64_t read_ = 0;         ///< of `written_`, samples read or dropped
+  std::uint64_t least_stock_ = 0;  ///< at any of the latest reads
   int observed_reads_ = 0;
   bool gathering_ = true;
 };

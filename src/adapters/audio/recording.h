@@ -48,6 +48,7 @@ class Recording : public AudioSink {
 
   void Hear(std::span<const std::int16_t> block, std::chrono::steady_clock::time_point at) override;
   void Write(std::span<const std::int16_t> samples) override;
+  bool Live() const override { return monitor_.Open(); }
 
   /// As PeakMeter's.
   std::int32_t Level(std::chrono::milliseconds ago) const { return level_.Level(ago); }

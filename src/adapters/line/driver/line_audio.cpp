@@ -78,6 +78,11 @@ bool LineAudio::Records() const {
   return sink_ != nullptr;
 }
 
+bool LineAudio::IsListenedTo() const {
+  const std::lock_guard lock(record_mutex_);
+  return sink_ != nullptr && sink_->Live();
+}
+
 bool LineAudio::TakeCut() {
   const std::lock_guard lock(play_mutex_);
   return std::exchange(cut_, false);

@@ -50,6 +50,9 @@ class LineAudio : public AudioDevice {
   bool Plays() const;
   bool Records() const;
 
+  /// AudioSink::Live of what records. Any thread.
+  bool IsListenedTo() const;
+
   /// Whether playing was stopped before its end since the last query: a device must then drop what it has
   /// buffered. The call's thread.
   bool TakeCut();

@@ -39,8 +39,9 @@ std::optional<char> Key(std::string_view text) {
 /// release and one retransmission (0.5 s).
 constexpr std::chrono::milliseconds kSamePress{1000};
 
-/// Events repeat every 20 to 50 ms while a key is down (RFC 4733, section 2.5.1.2).
-constexpr std::chrono::milliseconds kStillDown{120};
+/// Events repeat every 20 to 50 ms while a key is down (RFC 4733, section 2.5.1.2); a tone is heard up to
+/// 0.16 s after it came.
+constexpr std::chrono::milliseconds kStillDown{220};
 
 /// More than a person can press within a second; bounds the work when a caller floods us.
 constexpr std::size_t kMostPresses = 64;

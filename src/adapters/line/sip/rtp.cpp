@@ -5,7 +5,11 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstring>
+#include <ctime>
 #include <utility>
 
 namespace orven {
@@ -20,15 +24,25 @@ constexpr int kAttempts = 64;
 constexpr std::size_t kLargestDatagram = 2'048;
 
 /// Datagrams read at a time: a flood must not keep the loop from the call's other work.
-constexpr int kMostPerTurn = 256;
+constexpr std::size_t kMostPerTurn = 256;
+
+void SwitchOn(int fd, int level, int option) {
+  const int on = 1;
+  (void)::setsockopt(fd, level, option, &on, sizeof(on));
+}
 
 void AskForRefusals(int fd, int family) {
-  const int on = 1;
-  if (family == AF_INET6) {
-    (void)::setsockopt(fd, IPPROTO_IPV6, IPV6_RECVERR, &on, sizeof(on));
-  } else {
-    (void)::setsockopt(fd, IPPROTO_IP, IP_RECVERR, &on, sizeof(on));
-  }
+  family == AF_INET6 ? SwitchOn(fd, IPPROTO_IPV6, IPV6_RECVERR) : SwitchOn(fd, IPPROTO_IP, IP_RECVERR);
+}
+
+/// How long ago a datagram arrived, by the system's clock `now`; zero when the system does not say.
+std::chrono::nanoseconds AgeOf(msghdr& header, const timespec& now) {
+  const cmsghdr* const control = CMSG_FIRSTHDR(&header);
+  if (control == nullptr || control->cmsg_type != SCM_TIMESTAMPNS) return {};
+  timespec arrived{};
+  std::memcpy(&arrived, CMSG_DATA(control), sizeof(arrived));
+  return std::chrono::seconds(now.tv_sec - arrived.tv_sec) +
+         std::chrono::nanoseconds(now.tv_nsec - arrived.tv_nsec);
 }
 
 }  // namespace
@@ -60,19 +74,52 @@ bool LooksLikeRtcp(std::span<const std::uint8_t> datagram) {
   return datagram.size() >= 8 && datagram[0] >> 6 == RTP_VERSION && datagram[1] >= 192 && datagram[1] <= 223;
 }
 
+/// Room for datagrams, their senders and the times of their arrival.
+struct DatagramSocket::Batch {
+  struct Slot {
+    sa source{};
+    iovec part{};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(timespec))> control{};
+    std::array<std::uint8_t, kLargestDatagram> data;
+  };
+
+  std::array<Slot, kBatch> slots;
+  std::array<mmsghdr, kBatch> headers{};
+
+  /// How many datagrams were read; less than none: an error.
+  int Receive(int fd) {
+    for (std::size_t i = 0; i < kBatch; ++i) {
+      Slot& slot = slots[i];
+      slot.part = {slot.data.data(), slot.data.size()};
+      msghdr& header = headers[i].msg_hdr;
+      header.msg_name = &slot.source.u;
+      header.msg_namelen = sizeof(slot.source.u);
+      header.msg_iov = &slot.part;
+      header.msg_iovlen = 1;
+      header.msg_control = slot.control.data();
+      header.msg_controllen = slot.control.size();
+    }
+    return ::recvmmsg(fd, headers.data(), kBatch, MSG_DONTWAIT, nullptr);
+  }
+};
+
 std::unique_ptr<DatagramSocket> DatagramSocket::Bind(const sa& local, Handlers handlers) {
   udp_sock* raw = nullptr;
   if (udp_listen(&raw, &local, nullptr, nullptr) != 0) return nullptr;
   LibrePtr<udp_sock> socket(raw);
   const int fd = udp_sock_fd(raw, sa_af(&local));
   AskForRefusals(fd, sa_af(&local));
+  SwitchOn(fd, SOL_SOCKET, SO_TIMESTAMPNS);
   return std::unique_ptr<DatagramSocket>(new DatagramSocket(std::move(socket), fd, std::move(handlers)));
 }
 
 DatagramSocket::DatagramSocket(LibrePtr<udp_sock> socket, int fd, Handlers handlers)
     : socket_(std::move(socket)), fd_(fd), handlers_(std::move(handlers)) {
   // The library's own reader takes one datagram at a time and does not read ICMP errors.
-  const auto ready = [](int, void* self) { static_cast<DatagramSocket*>(self)->Drain(); };
+  const auto ready = [](int, void* self) {
+    static_cast<DatagramSocket*>(self)->refused_ = true;
+    static_cast<DatagramSocket*>(self)->Drain();
+  };
   (void)fd_listen(fd_, FD_READ, ready, this);
 }
 
@@ -83,23 +130,31 @@ void DatagramSocket::LeaveToDrain() {
 }
 
 void DatagramSocket::Drain() {
-  DrainRefusals();
-  std::uint8_t buffer[kLargestDatagram];
-  for (int i = 0; i < kMostPerTurn; ++i) {
-    sa source{};
-    source.len = sizeof(source.u);
-    const ssize_t size = ::recvfrom(fd_, buffer, sizeof(buffer), MSG_DONTWAIT, &source.u.sa, &source.len);
-    if (size >= 0) {
-      handlers_.received(source, {buffer, static_cast<std::size_t>(size)});
-    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-      return;
+  timespec clock{};
+  (void)::clock_gettime(CLOCK_REALTIME, &clock);
+  const Time now = std::chrono::steady_clock::now();
+  Batch batch;
+  for (std::size_t read = 0; read < kMostPerTurn; read += kBatch) {
+    if (std::exchange(refused_, false)) DrainRefusals();
+    const int count = batch.Receive(fd_);
+    // Any other error is the report of a refusal; the next datagram may be fine.
+    refused_ = count < 0 && errno != EAGAIN && errno != EWOULDBLOCK;
+    if (refused_) continue;
+    for (int i = 0; i < count; ++i) {
+      auto& slot = batch.slots[static_cast<std::size_t>(i)];
+      auto& [header, size] = batch.headers[static_cast<std::size_t>(i)];
+      slot.source.len = header.msg_namelen;
+      // The system's clock may have been set meanwhile.
+      const Time arrived = std::clamp(now - AgeOf(header, clock), std::min(drained_, now), now);
+      handlers_.received(slot.source, {slot.data.data(), size}, arrived);
     }
-    // Any other error is another report of a refusal; the next datagram may be fine.
+    if (count < static_cast<int>(kBatch)) break;
   }
+  drained_ = now;
 }
 
 void DatagramSocket::DrainRefusals() {
-  for (int i = 0; i < kMostPerTurn; ++i) {
+  for (std::size_t i = 0; i < kMostPerTurn; ++i) {
     sa destination{};
     std::uint8_t data[64];
     alignas(cmsghdr) char control[512];
@@ -121,9 +176,32 @@ void DatagramSocket::DrainRefusals() {
   }
 }
 
-void DatagramSocket::Send(const sa& destination, std::span<const std::uint8_t> datagram) {
-  // A datagram that cannot be sent counts as lost in the network.
-  (void)::sendto(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT, &destination.u.sa, destination.len);
+void DatagramSocket::Queue(const sa& destination, std::span<const std::uint8_t> datagram) {
+  if (queued_ == kBatch) Flush();
+  Outgoing& next = queue_[queued_++];
+  next.destination = destination;
+  next.datagram.assign(datagram.begin(), datagram.end());
+}
+
+void DatagramSocket::Flush() {
+  std::array<iovec, kBatch> parts;
+  std::array<mmsghdr, kBatch> headers{};
+  for (std::size_t i = 0; i < queued_; ++i) {
+    auto& [destination, datagram] = queue_[i];
+    parts[i] = {datagram.data(), datagram.size()};
+    msghdr& header = headers[i].msg_hdr;
+    header.msg_name = &destination.u;
+    header.msg_namelen = destination.len;
+    header.msg_iov = &parts[i];
+    header.msg_iovlen = 1;
+  }
+  for (std::size_t begin = 0; begin < queued_;) {
+    const int sent = ::sendmmsg(fd_, &headers[begin], static_cast<unsigned>(queued_ - begin), MSG_DONTWAIT);
+    // A datagram that cannot be sent counts as lost in the network; the error may be the report of a refusal.
+    refused_ = refused_ || sent < 0;
+    begin += static_cast<std::size_t>(std::max(sent, 1));
+  }
+  queued_ = 0;
 }
 
 std::optional<RtpPorts> BindRtpPorts(const sa& address, const DatagramSocket::Handlers& rtp,

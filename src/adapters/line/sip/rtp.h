@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,12 +37,15 @@ bool LooksLikeRtp(std::span<const std::uint8_t> datagram);
 /// Version 2 and a packet type of RTCP (RFC 3550, section 6); the rest may be encrypted.
 bool LooksLikeRtcp(std::span<const std::uint8_t> datagram);
 
-/// A datagram socket that also reports when its datagrams are refused (ICMP port unreachable). Made, used and
-/// destroyed on the SIP thread.
+/// A datagram socket that also reports when its datagrams are refused (ICMP port unreachable). Many datagrams
+/// cost one call of the system. Made, used and destroyed on the SIP thread.
 class DatagramSocket {
  public:
+  using Time = std::chrono::steady_clock::time_point;
+
   struct Handlers {
-    std::function<void(const sa& source, std::span<const std::uint8_t> datagram)> received;
+    /// `arrived` is the system's time, however long the datagram has waited.
+    std::function<void(const sa& source, std::span<const std::uint8_t> datagram, Time arrived)> received;
     std::function<void(const sa& destination)> refused;
   };
 
@@ -54,19 +59,34 @@ class DatagramSocket {
   /// Delivers all datagrams that have arrived; the event loop does so too, until LeaveToDrain.
   void Drain();
 
-  /// From now on only Drain reads. For a caller that drains every 20 ms, being woken for each datagram as
-  /// well would only cost time.
+  /// From now on only Drain reads. For a caller that drains regularly, being woken for each datagram as well
+  /// would only cost time.
   void LeaveToDrain();
 
-  void Send(const sa& destination, std::span<const std::uint8_t> datagram);
+  /// Keeps a datagram for Flush, or until there are many.
+  void Queue(const sa& destination, std::span<const std::uint8_t> datagram);
+  void Flush();
 
  private:
+  /// Datagrams read or sent by one call of the system.
+  static constexpr std::size_t kBatch = 16;
+
+  struct Batch;
+  struct Outgoing {
+    sa destination;
+    std::vector<std::uint8_t> datagram;
+  };
+
   DatagramSocket(LibrePtr<udp_sock> socket, int fd, Handlers handlers);
   void DrainRefusals();
 
   LibrePtr<udp_sock> socket_;
   int fd_;
   Handlers handlers_;
+  Time drained_;  ///< what is read now has arrived after that
+  std::array<Outgoing, kBatch> queue_;
+  std::size_t queued_ = 0;
+  bool refused_ = false;  ///< reports of refusals may wait
 };
 
 /// A call's pair of ports: an even one for RTP, the next one for RTCP (RFC 3550, section 11).

@@ -16,6 +16,10 @@ using Clock = std::chrono::steady_clock;
 constexpr milliseconds kBlockTime{20};
 constexpr int kBlocksPerSecond = 50;
 
+/// Blocks that are sent and heard together when no person could tell: the caller gets silence, and whoever
+/// measures what is heard reads it by its moments.
+constexpr std::int64_t kGroup = 5;
+
 /// After a longer stall (a suspended computer) the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
 
@@ -37,9 +41,10 @@ std::unique_ptr<RtpStream> RtpStream::Bind(const sa& address, LineAudio& audio, 
   RtpStream* self = stream.get();
   auto ports = BindRtpPorts(
       address,
-      {.received = [self](const sa& source, auto datagram) { self->TakePacket(source, datagram); },
+      {.received = [self](const sa& source, auto datagram,
+                          Time arrived) { self->TakePacket(source, datagram, arrived); },
        .refused = [self](const sa& destination) { self->TakeRefusal(destination); }},
-      {.received = [self](const sa& source, auto datagram) { self->TakeRtcp(source, datagram); },
+      {.received = [self](const sa& source, auto datagram, Time) { self->TakeRtcp(source, datagram); },
        .refused = [](const sa&) {}});
   if (!ports) return nullptr;
   stream->ports_ = std::move(*ports);
@@ -51,7 +56,7 @@ RtpStream::RtpStream(LineAudio& audio, const SipLineTimers& timers, Events event
       timers_(timers),
       events_(std::move(events)),
       ticker_([this] { Tick(); }),
-      dtmf_detector_([this](char digit) { events_.digit(DigitSource::kInBand, digit); }),
+      dtmf_detector_([this](char digit) { events_.digit(DigitSource::kInBand, digit, Clock::now()); }),
       ssrc_(rand_u32()),
       timestamp_(rand_u32()),
       sequence_(rand_u16() & kFirstSequenceMask) {}
@@ -63,13 +68,13 @@ void RtpStream::Start(const std::optional<MediaAgreement>& agreement) {
   placement_.emplace(start_);
   audio_.OnStopRecord([this](AudioSink& sink) { kept_.Finish(Clock::now(), sink); });
   blocks_ = 0;
-  ticker_.StartPeriodic(kBlockTime);
+  ticker_.StartPeriodic(pace_ = kBlockTime);
 }
 
 void RtpStream::SourceReady() {
   if (!started_ || !silent_) return;
   start_ = Clock::now() - (blocks_ + 1) * kBlockTime;
-  ticker_.StartPeriodic(kBlockTime);
+  ticker_.StartPeriodic(pace_ = kBlockTime);
   Tick();
 }
 
@@ -105,6 +110,7 @@ bool RtpStream::AwaitsMore() {
   Keep();
   hung_up_ = Clock::now();
   agreement_->send = false;
+  KeepPace();
   return IsUnderWay(*hung_up_);
 }
 
@@ -139,11 +145,19 @@ void RtpStream::Tick() {
     start_ += (due - blocks_ - 1) * kBlockTime;
     due = blocks_ + 1;
   }
-  for (; started_ && blocks_ < due; ++blocks_) {
+  for (std::int64_t group = std::max(blocks_, due - kGroup); blocks_ < due; ++blocks_) {
     SendBlock();
-    HearBlock(now);
+    HearBlock(now + std::max<std::int64_t>(blocks_ - group, 0) * kBlockTime);
   }
-  if (started_) CheckPeer(now);
+  ports_.rtp->Flush();
+  KeepPace();
+  CheckPeer(now);
+}
+
+void RtpStream::KeepPace() {
+  const bool alone = !audio_.Plays() && !audio_.IsListenedTo() && !hung_up_;
+  const milliseconds pace = alone ? kGroup * kBlockTime : kBlockTime;
+  if (pace != pace_) ticker_.StartPeriodic(pace_ = pace);
 }
 
 void RtpStream::SendBlock() {
@@ -172,7 +186,7 @@ void RtpStream::SendBlock() {
 /// A packet that cannot be encrypted is not sent.
 void RtpStream::Send(std::span<const std::uint8_t> packet) {
   const auto sealed = srtp_sender_ ? srtp_sender_->Protect(packet) : packet;
-  if (!sealed.empty()) ports_.rtp->Send(source_ ? *source_ : agreement_->peer, sealed);
+  if (!sealed.empty()) ports_.rtp->Queue(source_ ? *source_ : agreement_->peer, sealed);
 }
 
 /// A recording begins with what comes after it was asked for.
@@ -214,7 +228,7 @@ std::optional<std::span<const std::uint8_t>> RtpStream::Opened(std::optional<Srt
   return receiver ? receiver->Unprotect(datagram) : datagram;
 }
 
-void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datagram) {
+void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datagram, Time arrived) {
   if (!started_ || !agreement_) return;
   const auto opened = Opened(rtp_receiver_, datagram);
   const auto packet = opened ? ReadRtpPacket(*opened) : std::nullopt;
@@ -223,19 +237,19 @@ void RtpStream::TakePacket(const sa& source, std::span<const std::uint8_t> datag
   const bool is_event = agreement_->event_payload_type == packet->header.pt;
   const bool is_noise = packet->header.pt == kComfortNoiseType;
   if ((!codec && !is_event && !is_noise) || !IsPeer(source)) return;
-  alive_ = Clock::now();
+  alive_ = std::max(alive_, arrived);
   refused_since_.reset();
-  Place(*packet, codec);
+  Place(*packet, codec, arrived);
   if (!heard_) {
     heard_ = true;
-    ports_.rtp->LeaveToDrain();  // from now on reading every 20 ms is enough
+    ports_.rtp->LeaveToDrain();  // from now on reading in each turn is enough
     events_.heard();
   }
-  if (is_event) TakeEvent(*packet);
+  if (is_event) TakeEvent(*packet, arrived);
 }
 
-void RtpStream::Place(const RtpPacket& packet, std::optional<Codec> codec) {
-  const auto placed = placement_->Place(packet.header, codec, packet.payload, alive_);
+void RtpStream::Place(const RtpPacket& packet, std::optional<Codec> codec, Time arrived) {
+  const auto placed = placement_->Place(packet.header, codec, packet.payload, arrived);
   if (!placed) return;
   if (placed->samples > 0) heard_now_.Push(*placed);
   audio_.Keep([&](AudioSink&) {
@@ -243,12 +257,12 @@ void RtpStream::Place(const RtpPacket& packet, std::optional<Codec> codec) {
   });
 }
 
-void RtpStream::TakeEvent(const RtpPacket& packet) {
-  const auto event = telephone_events_.Take(packet, alive_);
+void RtpStream::TakeEvent(const RtpPacket& packet, Time arrived) {
+  const auto event = telephone_events_.Take(packet, arrived);
   if (event.kind == TelephoneEvents::Kind::kPressed) {
-    events_.digit(DigitSource::kTelephoneEvent, event.digit);
+    events_.digit(DigitSource::kTelephoneEvent, event.digit, arrived);
   } else if (event.kind == TelephoneEvents::Kind::kHeld) {
-    events_.held(DigitSource::kTelephoneEvent);
+    events_.held(DigitSource::kTelephoneEvent, arrived);
   }
 }
 

@@ -23,14 +23,15 @@
 namespace orven {
 
 /// One call's audio: every 20 ms it sends a block of the played audio, passes on what is heard now, and what
-/// has come for the recording. Sends at start + n x 20 ms and catches up after a stall. SIP thread.
+/// has come for the recording. Sends at start + n x 20 ms and catches up after a stall. While nothing is
+/// played and nobody listens along, it does the work of 100 ms at once. SIP thread.
 class RtpStream {
  public:
   /// What happens in a call's audio. SIP thread, never inside RtpStream's operations.
   struct Events {
     std::function<void()> heard;  ///< the peer's first audio has arrived
-    std::function<void(DigitSource source, char digit)> digit;
-    std::function<void(DigitSource source)> held;
+    std::function<void(DigitSource source, char digit, DigitMerger::Time at)> digit;
+    std::function<void(DigitSource source, DigitMerger::Time at)> held;
     /// The peer has sent nothing for too long, its computer refuses our packets, or AwaitsMore no longer
     /// holds.
     std::function<void()> over;
@@ -53,6 +54,11 @@ class RtpStream {
   /// now, and the 20 ms are counted from now.
   void SourceReady();
 
+  /// Playing or recording has begun.
+  void AudioBegun() {
+    if (started_) Tick();
+  }
+
   /// A re-INVITE has changed the agreement: the peer may also send from another address now.
   void Update(const MediaAgreement& agreement);
 
@@ -74,17 +80,18 @@ class RtpStream {
   void Send(std::span<const std::uint8_t> packet);
   void Keep();
   void HearBlock(Time at);
+  void KeepPace();
   void CheckPeer(Time now);
   bool IsUnderWay(Time now);
 
   static std::optional<std::span<const std::uint8_t>> Opened(std::optional<SrtpReceiver>& receiver,
                                                              std::span<const std::uint8_t> datagram);
-  void TakePacket(const sa& source, std::span<const std::uint8_t> datagram);
+  void TakePacket(const sa& source, std::span<const std::uint8_t> datagram, Time arrived);
   void TakeRtcp(const sa& source, std::span<const std::uint8_t> datagram);
   void TakeRefusal(const sa& destination);
   bool IsPeer(const sa& source);
-  void Place(const RtpPacket& packet, std::optional<Codec> codec);
-  void TakeEvent(const RtpPacket& packet);
+  void Place(const RtpPacket& packet, std::optional<Codec> codec, Time arrived);
+  void TakeEvent(const RtpPacket& packet, Time arrived);
 
   LineAudio& audio_;
   const SipLineTimers& timers_;
@@ -107,8 +114,9 @@ class RtpStream {
   bool started_ = false;
   bool heard_ = false;
   Time start_;
-  std::int64_t blocks_ = 0;  ///< blocks handled since start_
-  Time alive_;               ///< when the peer last sent something
+  std::int64_t blocks_ = 0;           ///< blocks handled since start_
+  std::chrono::milliseconds pace_{};  ///< between two turns
+  Time alive_;                        ///< when the peer last sent something
   std::optional<Time> refused_since_;
   std::optional<Time> hung_up_;
 

@@ -170,6 +170,10 @@ void SipAgent::SourceReady() {
   if (call_ != nullptr) call_->SourceReady();
 }
 
+void SipAgent::AudioBegun() {
+  if (call_ != nullptr) call_->AudioBegun();
+}
+
 void SipAgent::Shutdown(std::function<void()> done) {
   closing_ = true;
   done_ = std::move(done);

@@ -35,6 +35,8 @@ class SipAgent {
 
   /// The playing source has its first audio.
   void SourceReady();
+  /// Playing or recording has begun.
+  void AudioBegun();
 
   /// Hangs up, removes the registration and calls `done` when the peer has confirmed, or after 1.5 s. Then
   /// the agent is to be destroyed, not from within `done`.

@@ -43,12 +43,12 @@ std::unique_ptr<SipCall> SipCall::Accept(const SipCallPorts& ports, CallNumber n
 SipCall::SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& invite)
     : ports_(ports),
       number_(number),
-      stream_(
-          RtpStream::Bind(invite.dst, ports.audio, ports.settings.timers,
-                          {.heard = [this] { Connect(); },
-                           .digit = [this](DigitSource source, char digit) { DigitHeard(source, digit); },
-                           .held = [this](DigitSource source) { digits_.Held(source, steady_clock::now()); },
-                           .over = [this] { End(true); }})),
+      stream_(RtpStream::Bind(
+          invite.dst, ports.audio, ports.settings.timers,
+          {.heard = [this] { Connect(); },
+           .digit = [this](DigitSource source, char digit, auto at) { DigitHeard(source, digit, at); },
+           .held = [this](DigitSource source, auto at) { digits_.Held(source, at); },
+           .over = [this] { End(true); }})),
       session_timer_(invite, ports.settings.timers.shortest_session,
                      {.refresh = [this] { Refresh(); }, .expired = [this] { End(true); }}),
       ring_timer_([this] { Ring(); }),
@@ -324,13 +324,12 @@ void SipCall::TakeInfo(const sip_msg& request) {
                       "Accept: application/dtmf-relay, application/dtmf\r\nContent-Length: 0\r\n\r\n");
   } else {
     (void)sip_treply(nullptr, ports_.stack, &request, 200, "OK");
-    if (digit) DigitHeard(DigitSource::kInfo, *digit);
+    if (digit) DigitHeard(DigitSource::kInfo, *digit, steady_clock::now());
   }
 }
 
-void SipCall::DigitHeard(DigitSource source, char digit) {
-  const auto now = steady_clock::now();
-  if (!digits_.Report(source, digit, now) || !key_rate_.Allows(now)) return;
+void SipCall::DigitHeard(DigitSource source, char digit, DigitMerger::Time at) {
+  if (!digits_.Report(source, digit, at) || !key_rate_.Allows(at)) return;
   if (monitoring_ && state_ == State::kConnected) Tell({.kind = Kind::MonitorDigit, .digit = digit});
 }
 

@@ -65,6 +65,8 @@ class SipCall {
   void MonitorDigits(bool on) { monitoring_ = on; }
   /// The playing source has its first audio.
   void SourceReady() { stream_->SourceReady(); }
+  /// Playing or recording has begun.
+  void AudioBegun() { stream_->AudioBegun(); }
 
  private:
   SipCall(const SipCallPorts& ports, CallNumber number, const sip_msg& invite);
@@ -94,7 +96,7 @@ class SipCall {
   void TakePrack(const sip_msg& request);
   void TakeUpdate(const sip_msg& request);
 
-  void DigitHeard(DigitSource source, char digit);
+  void DigitHeard(DigitSource source, char digit, DigitMerger::Time at);
 
   const SipCallPorts& ports_;
   const CallNumber number_;

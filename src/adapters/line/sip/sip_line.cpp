@@ -147,11 +147,8 @@ constexpr std::chrono::milliseconds kLongestClose{1'800};
 class SipLine final : public LineDriver {
  public:
   explicit SipLine(const SipLineSettings& settings) : settings_(settings) {
-    audio_.OnSourceReady([this] {
-      thread_.Post([this] {
-        if (agent_ != nullptr) agent_->SourceReady();
-      });
-    });
+    audio_.OnSourceReady([this] { Tell(&SipAgent::SourceReady); });
+    audio_.OnStart([this] { Tell(&SipAgent::AudioBegun); });
   }
   ~SipLine() override { SipLine::Close(); }
 
@@ -170,6 +167,11 @@ class SipLine final : public LineDriver {
 
  private:
   std::optional<OpenFailure> StartAgent(LineSink events);
+  void Tell(void (SipAgent::*news)()) {
+    thread_.Post([this, news] {
+      if (agent_ != nullptr) ((*agent_).*news)();
+    });
+  }
 
   const SipLineSettings settings_;
   LineAudio audio_;

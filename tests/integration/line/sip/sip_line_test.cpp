@@ -237,7 +237,7 @@ TEST_F(SipLineTest, RecordsOnlyTheCallerWhomItAnswered) {
   const Socket stranger = Socket::Udp();
   stranger.SendTo(caller->line_rtp_port, RtpPacketBytes(77, 1, 160, NoiseBytes(1, 1)));  // not negotiated
   stranger.SendTo(caller->line_rtp_port, "not RTP"s);
-  Play("hears 10");
+  Play("hears 15");
   std::jthread talker = Talk(caller->rtp, caller->line_rtp_port, spoken);
   Play("hears 10");
   std::jthread shouter = Talk(stranger, caller->line_rtp_port, shouted, 2);
