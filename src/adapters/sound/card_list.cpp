@@ -40,22 +40,16 @@ bool CardList::MayBe(std::int32_t number) const {
 
 std::string CardList::IdOf(std::int32_t number) const {
   const std::lock_guard lock(mutex_);
-  const Known* const known = Find(number);
-  return known == nullptr ? std::string() : known->output.id;
+  const std::size_t index = static_cast<std::size_t>(number) - 1;  // beyond all for 0 and less
+  return index < known_.size() && known_[index].present ? known_[index].output.id : std::string();
 }
 
-std::vector<SoundCard> CardList::Present() const {
+std::vector<std::string> CardList::Names() const {
   const std::lock_guard lock(mutex_);
-  std::vector<SoundCard> cards{{0, "Default output"}};
-  for (std::int32_t number = 1; number <= static_cast<std::int32_t>(known_.size()); ++number)
-    if (const Known* const known = Find(number)) cards.push_back({number, known->output.description});
-  return cards;
-}
-
-const CardList::Known* CardList::Find(std::int32_t number) const {
-  if (number < 1 || static_cast<std::size_t>(number) > known_.size()) return nullptr;
-  const Known& known = known_[static_cast<std::size_t>(number) - 1];
-  return known.present ? &known : nullptr;
+  std::vector<std::string> names{"Default output"};
+  for (const auto& [output, present] : known_)
+    names.push_back(present ? output.description : std::to_string(names.size()) + " (not connected)");
+  return names;
 }
 
 }  // namespace orven

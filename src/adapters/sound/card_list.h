@@ -10,13 +10,6 @@
 
 namespace orven {
 
-/// A sound card as the user selects it.
-struct SoundCard {
-  std::int32_t number = 0;
-  std::string description;
-  bool operator==(const SoundCard&) const = default;
-};
-
 /// Numbers the sound cards: 0 is the desktop's current default output, the single outputs follow from 1 on.
 /// An output keeps its number for the life of the list, also while it is unplugged. Any thread.
 class CardList {
@@ -36,16 +29,14 @@ class CardList {
   /// The id of card `number`, 1 or more; empty when it is not connected.
   std::string IdOf(std::int32_t number) const;
 
-  /// The connected cards in the order of their numbers; 0 always is.
-  std::vector<SoundCard> Present() const;
+  /// The names of the cards, each at its number. That of an unplugged card says so.
+  std::vector<std::string> Names() const;
 
  private:
   struct Known {
     SoundDevice output;
     bool present;
   };
-  const Known* Find(std::int32_t number) const;
-
   mutable std::mutex mutex_;
   bool looked_ = false;
   bool may_record_ = true;

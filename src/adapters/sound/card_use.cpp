@@ -78,8 +78,6 @@ void CardUse::Ended() {
                 : server ? "was disconnected" + doing + "."
                          : "stopped" + doing + "; perhaps the sound server ended."));
   pa_stream_set_state_callback(stream_, nullptr, nullptr);
-  pa_stream_set_write_callback(stream_, nullptr, nullptr);
-  pa_stream_set_read_callback(stream_, nullptr, nullptr);
   pa_stream_unref(std::exchange(stream_, nullptr));
   const auto last = std::move(self_);
 }
@@ -109,9 +107,9 @@ int CardPlay::Connect(const char* device) {
 void CardPlay::Feed(std::size_t room) {
   std::array<std::int16_t, kBlockSamples> block;
   for (std::size_t blocks = std::min(room / kBlockBytes, kMostBlocks); blocks > 0; --blocks) {
-    bool ended = false;
-    const auto read = [&](auto) { return !(ended = !source_.Read(block)); };
-    if (!Move(read)) return ended ? Drain() : void();
+    const auto more = Move([&](auto) { return source_.Read(block); });
+    if (!more) return;
+    if (!*more) return Drain();
     pa_stream_write(Stream(), block.data(), kBlockBytes, nullptr, 0, PA_SEEK_RELATIVE);
   }
 }

@@ -10,8 +10,10 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "adapters/sound/sound_devices.h"
 #include "platform/audio_device.h"
@@ -56,14 +58,14 @@ class CardUse : public std::enable_shared_from_this<CardUse> {
   };
   CardUse(Words words, Report report) : words_(words), report_(std::move(report)) {}
 
-  /// Calls `client`, because a block is there, unless the use has ended; ends it when `client` returns false.
+  /// Moves a block: calls `client` with the time, unless the use has ended. Returns what it does, whether the
+  /// use goes on.
   template <class Client>
-  bool Move(Client client) {
+  std::optional<bool> Move(Client client) {
     const std::lock_guard lock(mutex_);
-    if (!active_) return false;
+    if (!active_) return std::nullopt;
     last_block_ = Clock::now();
-    active_ = client(last_block_);
-    return active_;
+    return active_ = client(last_block_);
   }
 
   pa_stream* Stream() const { return stream_; }

@@ -85,15 +85,6 @@ SoundCards::~SoundCards() {
   }
 }
 
-void SoundCards::Prepare() {
-  if (!thread_) Look();
-}
-
-std::vector<SoundCard> SoundCards::Present() {
-  Look();
-  return list_->Present();
-}
-
 void SoundCards::Look() {
   Thread().Post([](SoundServer& server) { server.Look(); });
 }
@@ -104,13 +95,8 @@ SoundThread& SoundCards::Thread() {
 }
 
 std::vector<std::string> SoundCards::Names() {
-  std::vector<std::string> names;
-  for (const auto& card : Present()) {
-    const auto number = static_cast<std::size_t>(card.number);
-    while (names.size() < number) names.push_back(std::to_string(names.size()) + " (not connected)");
-    names.push_back(card.description);
-  }
-  return names;
+  Look();
+  return list_->Names();
 }
 
 AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {

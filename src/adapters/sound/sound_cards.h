@@ -20,7 +20,7 @@ namespace orven {
 /// input at the moment a play or take starts; the others are numbered as CardList says and record from the
 /// input that MicrophoneOf gives.
 ///
-/// libpulse runs in one thread, which starts with Prepare or the first play or take; no operation waits for
+/// libpulse runs in one thread, which starts with the first look, play or take; no operation waits for
 /// it. A play that the sound server refuses or stops ends by itself (AudioSource::Gone), a take gets no more
 /// blocks; one sentence about it is reported. So is a play or take for which nothing has moved for 5 s.
 /// StartRecord returns kWaveNoDevice when the latest look found no input, and looks again. User-interface
@@ -35,14 +35,10 @@ class SoundCards : public AudioDevices, public SoundCardNames {
   /// Ends all plays and takes. Waits for the sound thread, but at most a second.
   ~SoundCards() override;
 
-  /// Starts to look which cards are connected, unless that was done.
-  void Prepare();
+  /// Starts to look which cards are connected.
+  void Look();
 
-  /// The cards that were connected at the latest look, only number 0 before the first one. Starts another
-  /// look.
-  std::vector<SoundCard> Present();
-
-  /// The names of Present, each at its number.
+  /// The cards of the latest look, only number 0 before the first one. Starts another look.
   std::vector<std::string> Names() override;
 
   /// nullptr for a number that no card has had; before the first look is done every number may have one.
@@ -67,7 +63,6 @@ class SoundCards : public AudioDevices, public SoundCardNames {
 
   AudioDevice* FindIn(Cards& cards, std::int32_t number);
   SoundThread& Thread();
-  void Look();
   template <class Use>
   void Start(std::int32_t number, const std::shared_ptr<Use>& use);
   void Close(const std::shared_ptr<CardUse>& use);

@@ -78,7 +78,7 @@ Program::Program(Folders folders)
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
-      program_dialogs_(Ports(), [this] { cards_.Present(); }),
+      program_dialogs_(Ports(), [this] { cards_.Look(); }),
       window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
   program_dialogs_.Attach(window_.Machine(), frame_);

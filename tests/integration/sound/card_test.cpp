@@ -10,14 +10,14 @@ namespace orven::testing {
 namespace {
 
 using Devices = std::vector<SoundDevice>;
-using Cards = std::vector<SoundCard>;
+using Names = std::vector<std::string>;
 
 TEST(CardList, ACardKeepsItsNumberWhileUnplugged) {
   CardList cards;
   EXPECT_TRUE(cards.MayBe(7));  // no card is known yet
   cards.Update(Devices{{"a", "Speakers"}, {"b", "Headset"}});
   cards.Update(Devices{{"c", "Television"}, {"b", "Phones"}});
-  EXPECT_EQ((Cards{{0, "Default output"}, {2, "Phones"}, {3, "Television"}}), cards.Present());
+  EXPECT_EQ((Names{"Default output", "1 (not connected)", "Phones", "Television"}), cards.Names());
   EXPECT_EQ("", cards.IdOf(1));
   EXPECT_EQ("c", cards.IdOf(3));
   EXPECT_TRUE(cards.MayBe(1));
