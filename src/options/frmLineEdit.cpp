@@ -108,8 +108,13 @@ void frmLineEdit::MakeSipFields() {
              "server"))
       ->setPlaceholderText(tr("only if the provider names one"));
   AddText(&TelephoneLine::listen, "txtListen", tr("&Address for calls:"),
-          tr("Where this computer waits for calls: one of its addresses and a port. 0.0.0.0 is every "
-             "network, 127.0.0.1 this computer only"));
+          tr("Where this computer waits for calls: a host and a port, such as 192.168.1.5:5060, "
+             "[2001:db8::5]:5060 or "
+             "pc.example.org:5060"));
+  AddHint(
+      tr("0.0.0.0:5060 is every network, *:5060 with IPv6, too, and 127.0.0.1:5060 this computer only. Or "
+         "one of its "
+         "addresses or names."));
   spnRing_ = MakeNamed<QSpinBox>("spnRing", this);
   spnRing_->setRange(1, 60);
   spnRing_->setSuffix(tr(" s"));
@@ -138,8 +143,15 @@ void frmLineEdit::MakeModemFields() {
                           tr("Look for ports again, after a modem has been plugged in"), row);
   row->layout()->addWidget(find);
   connect(find, &QPushButton::clicked, this, &frmLineEdit::FillPorts);
-  auto* hint = MakeChild<QLabel>(tr("auto: the first voice modem that is found, on any port."), this);
+  AddHint(tr("auto: the first voice modem that is found, on any port."));
+}
+
+/// Below the field that was added last.
+void frmLineEdit::AddHint(const QString& text) {
+  auto* hint = MakeChild<QLabel>(text, this);
   hint->setWordWrap(true);
+  // A form layout ignores the height of wrapped text. Fields are never narrower than kFieldWidth.
+  hint->setMinimumHeight(hint->heightForWidth(kFieldWidth));
   form_->addRow(QString(), hint);
 }
 
@@ -260,7 +272,6 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   form_->getWidgetPosition(row, &at, &role);
   form_->insertRow(at + 1, QString(), lblFault_);
   lblFault_->setText(QString::fromStdString(fault.text));
-  // A form layout ignores the height of wrapped text. Fields are never narrower than kFieldWidth.
   lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();

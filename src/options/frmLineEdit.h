@@ -35,6 +35,7 @@ class frmLineEdit : public QDialog {
   QLineEdit* AddText(std::string TelephoneLine::*value, const char* name, const QString& label,
                      const QString& tip, QWidget* row = nullptr);
   QComboBox* AddList(const char* name, const QString& label, QWidget* row = nullptr);
+  void AddHint(const QString& text);
   void AddRow(const QString& label, QWidget* field, QWidget* row = nullptr);
   void Show(const TelephoneLine& line);
   void ShowKind();

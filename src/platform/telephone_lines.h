@@ -17,7 +17,7 @@ struct TelephoneLine {
   LineKind kind = LineKind::Sip;
 
   // kind Sip
-  std::string listen = "0.0.0.0:5060";  ///< IPv4 address and port for calls
+  std::string listen = "0.0.0.0:5060";  ///< address or name, ":" and port for calls
   std::string server;     ///< registrar: host, perhaps ":" and port; empty as `user`: no account
   std::string user;       ///< of the account
   std::string auth_user;  ///< login name, where it is not `user`; else empty

@@ -59,9 +59,10 @@ void RunLoop() {
 class Telephone {
  public:
   Telephone() {
-    const auto own = ParseListenAddress("127.0.0.1:4000");
+    sa own{};
+    (void)sa_set_str(&own, "127.0.0.1", 4000);
     udp_sock* made = nullptr;
-    Require(udp_listen(&made, &*own, Take, this) == 0);
+    Require(udp_listen(&made, &own, Take, this) == 0);
     udp_rxsz_set(made, 65536);
     socket_.reset(made);
   }

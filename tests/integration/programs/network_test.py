@@ -14,6 +14,7 @@ from harness import processes
 
 LIMIT = 10  # seconds from the return of the network to a call, as promised
 HOST, SERVER, FIRST, SECOND = "registrar.test", "10.77.0.1", "10.77.0.2", "10.77.0.3"
+SERVER6, FIRST6 = "fd77::1", "fd77::2"
 FAILED = "Error LineOpen[LineIndex:0 "
 MODULES = "".join(f'loadmodule "{name}.so"\n' for name in "sl tm pv xlog usrloc registrar".split())
 ROUTES = r"""
@@ -66,41 +67,60 @@ class NetworkTest(harness.ProgramCase):
         desk("ip link set lo up")
         self.serve(f"dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
                    f"--bind-interfaces --listen-address={SERVER} --address=/{HOST}/{SERVER} "
-                   f"--srv-host=_sip._tcp.{HOST},{HOST},5070")
+                   f"--srv-host=_sip._tcp.{HOST},{HOST},5070,1 --srv-host=_sip._tcp.{HOST},{HOST},5071,2")
         write(self.folder + "/routes", SETTINGS + MODULES + ROUTES)
-        self.serve(f"kamailio -f {self.folder}/routes -DD -E -m 64 -M 8 -w {self.folder} -Y {self.folder} "
-                   f"-P {self.folder}/pid -l udp:{SERVER}:5060 -l tcp:{SERVER}:5070")
+        self.registrar = self.serve_calls(5060, 5070)
+
+    def serve_calls(self, udp, tcp):
+        home = os.path.join(self.folder, str(tcp))
+        os.mkdir(home)
+        return self.serve(f"kamailio -f {self.folder}/routes -DD -E -m 64 -M 8 -w {home} -Y {home} -P {home}/pid "
+                          f"-l udp:{SERVER}:{udp} -l tcp:{SERVER}:{tcp}")
 
     def plug_in(self):
         run("ip link add outside type veth peer name inside netns desk")
         self.addCleanup(run, "ip link delete outside")
         run("ip addr add 10.77.0.254/24 dev outside")
         run("ip link set outside up")
+        run(f"ip addr add {SERVER6}/64 dev outside nodad")
         desk(f"ip addr add {FIRST}/24 dev inside")
+        desk(f"ip addr add {FIRST6}/64 dev inside nodad")
         desk("ip link set inside up")
         show = "ip netns exec desk cat /sys/class/net/inside/operstate".split()
         processes.wait_for("The link", lambda: subprocess.check_output(show) == b"up\n", LIMIT)
 
-    def start(self, ready="LineOpen[", transport="udp"):
+    def start(self, ready="LineOpen[", transport="udp", host=HOST, keys=""):
         """Starts the program and waits until its log contains `ready`."""
-        self.orven.write_line(f"type = sip\nlisten = 0.0.0.0:5060\naccount = sip:100@{HOST}\n"
-                              f"transport = {transport}\nring_seconds = 1")
+        self.orven.write_line(f"type = sip\nlisten = *:5060\naccount = sip:100@{host}\n"
+                              f"transport = {transport}\nring_seconds = 1\n{keys}")
         self.orven.ready, self.calls = ready, 0
         self.orven.start_and_wait()
 
-    def assert_calls_come_through(self, address=FIRST, count=1):
-        """Waits for registration number `count` of `address` and checks that a call comes through."""
+    def assert_calls_come_through(self, address=FIRST, count=1, port=5060):
+        """Waits for registration number `count` of `address` and checks that a call by the server comes through."""
         contact = f"Registered: <sip:100@{address}:"
         processes.wait_for("A registration", lambda: self.said().count(contact) >= count, LIMIT)
+        self.assert_line_answers(f"{SERVER}:{port}", SERVER)
+
+    def assert_line_answers(self, target, caller):
         self.calls += 1
-        caller = f"sipp -sn uac -s 100 {SERVER}:5060 -i {SERVER} -p 5099 -m 1 -nostdin -timeout {LIMIT}"
-        subprocess.run(caller.split(), check=True, capture_output=True)
+        command = f"sipp -sn uac -s 100 {target} -i {caller} -p 5099 -m 1 -nostdin -timeout {LIMIT}"
+        subprocess.run(command.split(), check=True, capture_output=True)
         self.orven.wait_for("Idle[", LIMIT, self.calls)
 
     def test_the_network_comes_after_the_start(self):
         self.start("there is no server named", "tcp")
         self.plug_in()
         self.assert_calls_come_through()
+        self.assert_line_answers(f"[{FIRST6}]:5060", SERVER6)
+
+    def test_the_first_server_dies(self):
+        self.serve_calls(5061, 5071)
+        self.plug_in()
+        self.start(transport="tcp")
+        self.assert_calls_come_through()
+        processes.stop(self.registrar, 5)
+        self.assert_calls_come_through(count=2, port=5061)
 
     def test_the_address_changes(self):
         self.plug_in()
@@ -112,7 +132,7 @@ class NetworkTest(harness.ProgramCase):
 
     def test_the_cable_is_unplugged_and_plugged_in_again(self):
         self.plug_in()
-        self.start()
+        self.start(transport="tcp")
         self.assert_calls_come_through()
         desk("ip link set inside down")
         self.orven.wait_for("no calls can come in through it")
@@ -130,7 +150,7 @@ class NetworkTest(harness.ProgramCase):
         self.plug_in()
         holder = self.serve("ip netns exec desk python3 -um http.server 5060")
         processes.wait_for("A server at the port", lambda: "Serving" in self.said(), LIMIT)
-        self.start(FAILED)
+        self.start(FAILED, host="nowhere.test", keys=f"proxy = {SERVER}:5060")
         processes.stop(holder, 5)
         self.assert_calls_come_through()
         self.assertEqual(self.orven.count(FAILED), 1)

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "adapters/line/config/codec_list.h"
+#include "adapters/line/sip/listen_address.h"
 
 namespace orven {
 namespace {
@@ -37,20 +38,13 @@ bool IsPort(std::string_view text) {
   return number && *number >= 1 && *number <= 65535;
 }
 
-/// Four decimal numbers of 0 to 255. No leading zeros: some programs read them as octal.
-bool IsIpv4(std::string_view text) {
-  in_addr address{};
-  return ::inet_pton(AF_INET, std::string(text).c_str(), &address) == 1;
-}
-
 bool IsIpv6(std::string_view text) {
   in6_addr address{};
   return ::inet_pton(AF_INET6, std::string(text).c_str(), &address) == 1;
 }
 
 bool IsListen(std::string_view value) {
-  const std::size_t colon = value.rfind(':');
-  return colon != value.npos && IsIpv4(value.substr(0, colon)) && IsPort(value.substr(colon + 1));
+  return ParseListen(value).has_value();
 }
 
 bool IsHost(std::string_view text) {
@@ -115,8 +109,10 @@ constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
                                "a whole number of seconds up to 86400, 0 for never"};
 
 constexpr std::array kSipKeys{
-    LineKey{"listen", IsListen, "an IPv4 address and a port, for example 127.0.0.1:5060", &L::listen,
-            "txtListen", "The address for calls", kRequired},
+    LineKey{
+        "listen", IsListen,
+        "an address or a name and a port, like 192.168.1.5:5060, [::1]:5060, pc.example.org:5060 or *:5060",
+        &L::listen, "txtListen", "The address for calls", kRequired},
     LineKey{"account",
             IsAccount,
             "an address like sip:100@example.org",
@@ -138,7 +134,8 @@ constexpr std::array kSipKeys{
     LineKey{"codecs", IsCodecs, "a list of pcmu, pcma, g722 and opus, each at most once, with commas"},
     LineKey{"tls_trust", IsText, "the path of a PEM file with certificates", &L::tls_trust, "cmbTransport",
             "The trusted certificates' path"},
-    LineKey{"tls_listen", IsListen, "an IPv4 address and a port, for example 0.0.0.0:5061"},
+    LineKey{"tls_listen", IsListen,
+            "an address or a name and a port, like 0.0.0.0:5061, [::1]:5061, pc.example.org:5061 or *:5061"},
     LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
     LineKey{"ring_seconds", IsRingTime, "a number of seconds from 1 to 60"},
     kIdleSeconds,

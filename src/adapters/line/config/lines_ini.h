@@ -12,7 +12,7 @@ namespace orven {
 ///
 /// `values` holds each valid key as the file has it:
 ///
-///   type = sip     listen        IPv4 address, ":", port 1 to 65535; required
+///   type = sip     listen        host, ":", port; as ParseListen reads it; required
 ///                  account       "sip:", user, "@", host, optionally ":" and a port
 ///                  auth_user     the name for the registrar
 ///                  password

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/setup/sip_probe.h"
 
-#include <arpa/inet.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/listen_address.h"
 #include "adapters/line/sip/sip_line.h"
 
 namespace orven {
@@ -48,24 +48,31 @@ class Outcome {
   bool taken_ = false;  ///< SIP thread only
 };
 
+/// The addresses of which one that can be bound stands for `listen`.
+std::vector<sa> Samples(const ListenAddress& listen) {
+  if (listen.hosts == ListenAddress::Hosts::kAddress) return PresentAddresses(listen, {});
+  sa ipv4{}, ipv6{};
+  sa_init(&ipv4, AF_INET);
+  sa_init(&ipv6, AF_INET6);
+  // "::" is IPv4, too.
+  return listen.hosts == ListenAddress::Hosts::kEveryIpv4 ? std::vector{ipv4} : std::vector{ipv6, ipv4};
+}
+
 /// A port of `address` that is free for UDP and TCP at this moment; 0 when there is none.
-std::uint16_t FreePortAt(const std::string& address) {
+std::uint16_t FreePortAt(sa address) {
   constexpr int kTries = 20;
-  sockaddr_in wanted{};
-  wanted.sin_family = AF_INET;
-  if (::inet_pton(AF_INET, address.c_str(), &wanted.sin_addr) != 1) return 0;
-  const auto bind_to = [&wanted](int type) {
-    const int socket = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
-    const bool bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&wanted), sizeof wanted) == 0;
-    socklen_t size = sizeof wanted;
-    if (bound) (void)::getsockname(socket, reinterpret_cast<sockaddr*>(&wanted), &size);
+  const auto bind_to = [&address](int type) {
+    const int socket = ::socket(sa_af(&address), type | SOCK_CLOEXEC, 0);
+    const bool bound = ::bind(socket, &address.u.sa, address.len) == 0;
+    address.len = sizeof address.u;
+    if (bound) (void)::getsockname(socket, &address.u.sa, &address.len);
     ::close(socket);
     return bound;
   };
   for (int i = 0; i < kTries; ++i) {
-    wanted.sin_port = 0;
+    sa_set_port(&address, 0);
     if (!bind_to(SOCK_DGRAM)) return 0;
-    if (bind_to(SOCK_STREAM)) return ntohs(wanted.sin_port);
+    if (bind_to(SOCK_STREAM)) return sa_port(&address);
   }
   return 0;
 }
@@ -115,9 +122,12 @@ std::string PortOf(const std::string& address) {
 
 /// Replaces the port of `address` by a free one. False when it is not an address of this computer.
 bool TakeFreePort(std::string& address) {
-  const auto host = address.substr(0, address.rfind(':'));
-  const auto port = FreePortAt(host);
-  if (port != 0) address = host + ':' + std::to_string(port);
+  const auto listen = ParseListen(address);
+  std::uint16_t port = 0;
+  for (const sa& one : listen ? Samples(*listen) : std::vector<sa>{}) {
+    if (port == 0) port = FreePortAt(one);
+  }
+  if (port != 0) address = address.substr(0, address.rfind(':') + 1) + std::to_string(port);
   return port != 0;
 }
 

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdint>
 #include <system_error>
 
@@ -36,20 +35,6 @@ std::string RandomName() {
   std::array<char, 24> text{};
   (void)re_snprintf(text.data(), text.size(), "%016llx", rand_u64());
   return text.data();
-}
-
-std::optional<sa> ParseListenAddress(const std::string& text) {
-  const auto colon = text.rfind(':');
-  if (colon == std::string::npos) return std::nullopt;
-  std::uint16_t port = 0;
-  const char* const end = text.data() + text.size();
-  const auto [last, error] = std::from_chars(text.data() + colon + 1, end, port);
-  sa address{};
-  if (error != std::errc() || last != end || port == 0 ||
-      sa_decode(&address, text.data(), text.size()) != 0) {
-    return std::nullopt;
-  }
-  return address;
 }
 
 sa LocalAddressTowards(const sa& peer) {

@@ -54,9 +54,6 @@ std::string AddressText(const sa& address);
 /// 16 hexadecimal digits.
 std::string RandomName();
 
-/// Reads "127.0.0.1:5060" or "[::1]:5060"; nothing unless it is an address with a port from 1 to 65535.
-std::optional<sa> ParseListenAddress(const std::string& text);
-
 /// This machine's address from which datagrams to `peer` would leave, with port 0. Nothing is sent. An unset
 /// address when there is no route to `peer`.
 sa LocalAddressTowards(const sa& peer);

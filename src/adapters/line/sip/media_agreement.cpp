@@ -137,6 +137,9 @@ std::optional<MediaAgreement> MediaNegotiation::Understand(const std::string& te
   if (!told && std::ranges::any_of(none, [&](const char* one) { return text.find(one) != text.npos; })) {
     agreement->send = agreement->receive = false;
   }
+  // A description cannot say of which network a link-local address is.
+  const bool local = told && sa_af(&agreement->peer) == AF_INET6 && sa_is_linklocal(&agreement->peer);
+  if (local && sa_af(&sender) == AF_INET6) agreement->peer.u.in6.sin6_scope_id = sender.u.in6.sin6_scope_id;
   if (!told || sa_af(&agreement->peer) != sa_af(&sender)) {
     const std::uint16_t port = sa_port(&agreement->peer);
     agreement->peer = sender;

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/listen_address.h"
 
 namespace orven {
 namespace {
@@ -34,11 +35,10 @@ bool IsNamed(const SipAccount& account) {
 }
 
 std::string NoRouteText(const SipAccount& account, const std::string& listen, int error) {
-  const auto address = ParseListenAddress(listen);
-  const bool everywhere = address && sa_is_any(&*address);
+  const auto address = ParseListen(listen);
+  const bool everywhere = address && address->IsEverywhere();
   return "there is no route from " + listen.substr(0, listen.rfind(':')) + " to " + WrittenServer(account) +
-         " (" + ErrorText(error) + ")" +
-         (everywhere ? "" : ": 0.0.0.0 as address for calls uses every network");
+         " (" + ErrorText(error) + ")" + (everywhere ? "" : ": * as address for calls uses every network");
 }
 
 std::string TlsFailureText(const std::string& server, int error, const std::string& refusal) {

@@ -28,7 +28,8 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink e
       transports_(settings,
                   {[this](SipEndpoint& at, const sip_msg& request) { return TakeWithin(at, request); },
                    [this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
-                   [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); }}),
+                   [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); },
+                   [this] { LookAtNetwork(NetworkChange::kNone); }}),
       network_([this](NetworkChange change) { LookAtNetwork(change); }),
       close_timer_([this] { Finish(); }),
       tidy_timer_([this] { TidyMemory(); }) {}
@@ -80,7 +81,7 @@ void SipAgent::TakeNews(std::size_t account, const RegistrationNews& news) {
 void SipAgent::LookAtNetwork(NetworkChange change) {
   if (transports_.Follow()) change = std::max(change, NetworkChange::kAddresses);
   if (change == NetworkChange::kNone) return;
-  transports_.ReadNameServers();
+  transports_.NamesChanged();
   for (Registration& one : registrations_) one.NetworkChanged(change);
 }
 
@@ -115,8 +116,8 @@ void SipAgent::TakeInvite(SipEndpoint& at, const sip_msg& invite) {
     reserve_.Release();
     const bool by_server = std::ranges::any_of(
         registrations_, [&invite](const Registration& one) { return one.IsServer(invite.src); });
-    call_ports_.emplace(SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_, by_server,
-                                     ContactOf(invite)});
+    call_ports_.emplace(
+        SipCallPorts{&at.Stack(), &at.Sessions(), settings_, audio_, events_, by_server, ContactOf(invite)});
     call_ = SipCall::Accept(*call_ports_, calls_ + 1, invite);
     if (call_ != nullptr) {
       ++calls_;

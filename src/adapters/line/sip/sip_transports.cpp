@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/sip_transports.h"
 
-#include <ifaddrs.h>
-#include <net/if.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -23,30 +20,8 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
   return TlsContext::Showing(settings.tls_made_certificate);
 }
 
-/// The addresses that `listen` currently means: itself, or for 0.0.0.0 and [::] all addresses of this machine
-/// whose network is connected, externally reachable ones first. The SIP library needs a specific address
-/// because it sends it to peers.
-std::vector<sa> ExpandListenAddress(const sa& listen) {
-  if (!sa_is_any(&listen)) return {listen};
-  ifaddrs* first = nullptr;
-  if (::getifaddrs(&first) != 0) return {};
-  std::vector<sa> found;
-  for (const ifaddrs* one = first; one != nullptr; one = one->ifa_next) {
-    constexpr unsigned kUsable = IFF_UP | IFF_RUNNING;
-    sa address{};
-    if (one->ifa_addr == nullptr || (one->ifa_flags & kUsable) != kUsable ||
-        sa_set_sa(&address, one->ifa_addr) != 0 || sa_af(&address) != sa_af(&listen) ||
-        sa_is_linklocal(&address)) {
-      continue;
-    }
-    sa_set_port(&address, sa_port(&listen));
-    found.push_back(address);
-  }
-  ::freeifaddrs(first);
-  std::stable_partition(found.begin(), found.end(),
-                        [](const sa& address) { return !sa_is_loopback(&address); });
-  return found;
-}
+/// How often the names in the settings are looked up when nothing else says that they have changed.
+constexpr std::chrono::minutes kLookUpAgain{1};
 
 }  // namespace
 
@@ -63,19 +38,31 @@ std::optional<OpenFailure> SipTransports::Start() {
   if (own_tls_ != nullptr) {
     if (auto failure = AddListener(settings_.tls_listen, true)) return failure;
   }
+  for (Listener& listener : listeners_) {
+    if (listener.lookup != nullptr) listener.named = LookUpSoon(listener.listen);
+  }
+  looked_up_ = std::chrono::steady_clock::now();
   Expand();
   for (const Listener& listener : listeners_) {
-    const Listener* failed = &listener;
-    int error = listener.expanded.empty() ? EADDRNOTAVAIL : 0;
-    for (const sa& address : listener.expanded) {
-      if (error == 0) (void)AddPlaces(address, failed, error);
-    }
-    if (error == 0) continue;
-    return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                       "cannot listen on " + failed->text + ": " + ErrorText(error)};
+    if (auto failure = Open(listener)) return failure;
   }
   guard_.Start();
   return std::nullopt;
+}
+
+std::optional<OpenFailure> SipTransports::Open(const Listener& listener) {
+  const Listener* failed = &listener;
+  int error = EADDRNOTAVAIL;
+  for (const sa& address : listener.expanded) {
+    int result = 0;
+    (void)AddPlaces(address, failed, result);
+    // An IPv6 address of a network that has just come up is not ready yet; Follow tries it again.
+    const bool later = result == EADDRNOTAVAIL && listener.listen.IsEverywhere();
+    if (!later && (error = result) != 0) break;
+  }
+  if (error == 0) return std::nullopt;
+  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
+                     "cannot listen on " + failed->text + ": " + ErrorText(error)};
 }
 
 std::optional<OpenFailure> SipTransports::PrepareTls() {
@@ -98,8 +85,10 @@ std::string SipTransports::RefusalOf(const SipAccount& account) const {
 }
 
 std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, bool secure) {
-  if (const auto address = ParseListenAddress(text)) {
-    listeners_.push_back({text, *address, secure});
+  if (const auto listen = ParseListen(text)) {
+    listeners_.push_back({text, *listen, secure});
+    if (listen->hosts == ListenAddress::Hosts::kName)
+      listeners_.back().lookup = std::make_unique<ServerLookup>();
     return std::nullopt;
   }
   return OpenFailure{kTelephonyDeviceFailed,
@@ -114,8 +103,30 @@ void SipTransports::ReadNameServers() {
   (void)dnsc_srv_set(names_.get(), servers.data(), count);
 }
 
+void SipTransports::NamesChanged() {
+  ReadNameServers();
+  LookUpNames();
+}
+
+/// A name that is not found keeps its addresses: the name servers may be out of reach for a while.
+void SipTransports::LookUpNames() {
+  looked_up_ = std::chrono::steady_clock::now();
+  for (Listener& listener : listeners_) {
+    if (listener.lookup == nullptr) continue;
+    const auto take = [this, &listener](const std::vector<ServerAddress>& found) {
+      if (found.empty()) return;
+      listener.named.clear();
+      for (const ServerAddress& one : found) listener.named.push_back(one.address);
+      events_.renamed();
+    };
+    listener.lookup->Find({listener.listen.host, listener.listen.port, "udp"}, take);
+  }
+}
+
 void SipTransports::Expand() {
-  for (Listener& listener : listeners_) listener.expanded = ExpandListenAddress(listener.address);
+  for (Listener& listener : listeners_) {
+    listener.expanded = PresentAddresses(listener.listen, listener.named);
+  }
 }
 
 SipEndpoint* SipTransports::EndpointAt(const sa& address, const TlsContext* server) {
@@ -176,6 +187,7 @@ bool SipTransports::IsThere(const SipEndpoint& endpoint) const {
 }
 
 bool SipTransports::Follow() {
+  if (std::chrono::steady_clock::now() - looked_up_ >= kLookUpAgain) LookUpNames();
   Expand();
   bool changed = LeaveGone();
   for (const Listener& listener : listeners_) {
@@ -205,9 +217,16 @@ bool SipTransports::LeaveGone() {
 SipEndpoint* SipTransports::Towards(const SipAccount& account, const ServerAddress& server) {
   const TlsContext* const context =
       server.transport == "tls" ? servers_tls_.at(ServerOf(account).host).get() : nullptr;
-  if (!sa_is_any(&listeners_.front().address)) return EndpointAt(listeners_.front().address, context);
+  const Listener& own = listeners_.front();
+  const auto from = [&](const auto& is_it) {
+    const auto found = std::ranges::find_if(own.expanded, is_it);
+    return found != own.expanded.end() ? EndpointAt(*found, context) : nullptr;
+  };
   const sa local = LocalAddressTowards(server.address);
-  return sa_isset(&local, SA_ADDR) ? EndpointAt(local, context) : nullptr;
+  auto* const routed = from([&local](const sa& one) { return sa_cmp(&one, &local, SA_ADDR); });
+  if (routed != nullptr || own.listen.IsEverywhere()) return routed;
+  // Where there is no route, the error of sending says why.
+  return from([&server](const sa& one) { return sa_af(&one) == sa_af(&server.address); });
 }
 
 void SipTransports::Close() {

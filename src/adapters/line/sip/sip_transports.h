@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -11,6 +12,8 @@
 
 #include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/libre.h"
+#include "adapters/line/sip/listen_address.h"
+#include "adapters/line/sip/server_lookup.h"
 #include "adapters/line/sip/sip_endpoint.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "adapters/line/sip/tls_context.h"
@@ -28,6 +31,8 @@ class SipTransports {
     /// An endpoint's address was removed. False: its call has to end first, ask again later; true: it is not
     /// in use.
     std::function<bool(SipEndpoint&)> leaving;
+    /// A name in the settings may have other addresses now: Follow should be called.
+    std::function<void()> renamed;
   };
 
   SipTransports(const SipLineSettings& settings, Events events);
@@ -38,8 +43,8 @@ class SipTransports {
   /// Listens at the computer's new addresses and stops at removed ones. Whether there were any.
   bool Follow();
 
-  /// Uses the computer's present name servers for the names within calls.
-  void ReadNameServers();
+  /// Uses the computer's present name servers for the names within calls, and for the names in `settings`.
+  void NamesChanged();
 
   /// The endpoint from which requests to `server` of `account` are sent; nullptr: there is no route.
   SipEndpoint* Towards(const SipAccount& account, const ServerAddress& server);
@@ -54,12 +59,14 @@ class SipTransports {
   std::string RefusalOf(const SipAccount& account) const;
 
  private:
-  /// One configured address, and the addresses that it currently resolves to.
+  /// One configured address, and the addresses that it currently means.
   struct Listener {
     std::string text;
-    sa address{};  ///< as configured
+    ListenAddress listen;
     bool secure = false;
+    std::vector<sa> named{};  ///< found by its name
     std::vector<sa> expanded{};
+    std::unique_ptr<ServerLookup> lookup{};  ///< of its name
   };
 
   /// A stack at one address. The library has one TLS context for all connections that a stack opens, hence
@@ -71,7 +78,10 @@ class SipTransports {
 
   std::optional<OpenFailure> PrepareTls();
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
+  std::optional<OpenFailure> Open(const Listener& listener);
   void Expand();
+  void LookUpNames();
+  void ReadNameServers();
   bool IsThere(const SipEndpoint& endpoint) const;
   SipEndpoint* EndpointAt(const sa& address, const TlsContext* server = nullptr);
   bool AddPlaces(const sa& address, const Listener*& failed, int& error);
@@ -89,7 +99,8 @@ class SipTransports {
   std::vector<Listener> listeners_;
   std::vector<Place> places_;
   ConnectionGuard guard_;
-  std::size_t closing_ = 0;  ///< endpoints with open transactions
+  std::chrono::steady_clock::time_point looked_up_;  ///< the names in the settings
+  std::size_t closing_ = 0;                          ///< endpoints with open transactions
 };
 
 }  // namespace orven

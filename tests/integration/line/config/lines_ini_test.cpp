@@ -65,7 +65,9 @@ LinesFile ParseBetween(const std::string& text) {
 TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
   // The values of a key, each followed by a comma; those that are accepted begin with "+".
   const std::pair<std::string, const char*> keys[] = {
-      {"tls_listen", "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,+0.0.0.0:65535,"},
+      {"tls_listen",
+       "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,a_b:1,::1:1,[::1]1,[x]:1,[::1%]:1,"
+       "+0.0.0.0:65535,+:1,+*:1,+[::]:1,+[fe80::1%eth0]:1,+pc-1.x:1,"},
       {"account",
        "100@x,sip:1,sip:@x,sip:a b@x,sip:1@,sip:1@a_b,sip:1@x:0,+sip:1@X-1.org:65535,+sip:1@[::1],"},
       {"auth_user", ",+me,"},
@@ -97,7 +99,7 @@ TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndInvalidEntriesAreReported) {
       {"[Bad]\nlisten = 1.1.1.1:1", "3: the line \"Bad\" is left out because type is missing: expected "},
       {"[Bad]\ntype = isdn", "4: the line \"Bad\" is left out because type is \"isdn\": expected sip"},
       {"[Bad]\ntype = modem", "3: the line \"Bad\" is left out because port is missing: expected"},
-      {"[Bad]\ntype = sip\nlisten = x:1", "5: the line \"Bad\" is left out because listen is \"x:1\""},
+      {"[Bad]\ntype = sip\nlisten = x_:1", "5: the line \"Bad\" is left out because listen is \"x_:1\""},
       {"[Bad\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"[ ]\ntype = sip", "3: the section is left out: expected its name in brackets, like [Home]"},
       {"just text", "3: expected [section], key = value or ; comment"},
@@ -135,7 +137,7 @@ TEST(LineSettings, AnInvalidEntryIsReportedAtItsField) {
   const std::tuple<const char*, std::string TelephoneLine::*, const char*> rows[] = {
       {"txtName", &TelephoneLine::name, ""},
       {"txtName", &TelephoneLine::name, "a ;b"},
-      {"txtListen", &TelephoneLine::listen, "x:5060"},
+      {"txtListen", &TelephoneLine::listen, "x_:5060"},
       {"txtServer", &TelephoneLine::server, "a b"},
       {"txtServer", &TelephoneLine::server, ""},
       {"txtUser", &TelephoneLine::user, ""},
