@@ -12,6 +12,8 @@ import struct
 import threading
 import time
 
+import processes
+
 SO_TIMESTAMPNS = 35  # socket(7); Python has no name for it
 HOST = "127.0.0.1"
 RATE = 8000  # samples a second
@@ -157,6 +159,7 @@ class Call:
         return (data[HEADER_BYTES:] if data else None), arrived
 
     def _talk(self):
+        processes.keep_time()
         source, stamp, number = random.getrandbits(32), 0, 0
         begin = time.monotonic()
         while not self._ended.is_set():

@@ -73,10 +73,11 @@ bool LiveMonitor::Read(std::span<std::int16_t> block) {
   return true;
 }
 
-/// Stock that no read of the latest second needed is only delay.
+/// Stock that no read of the latest second needed is only delay, and so is more than the wanted stock where
+/// the player begins.
 void LiveMonitor::Trim(std::uint64_t written) {
+  if (written - read_ > (gathering_ ? kWantedStock : kMostStock)) read_ = written - kWantedStock;
   const std::uint64_t stock = written - read_;
-  if (stock > kMostStock) read_ = written - kWantedStock;
   least_stock_ = observed_reads_ == 0 ? stock : std::min(least_stock_, stock);
   observed_reads_ = (observed_reads_ + 1) % kObservedReads;
   if (observed_reads_ == 0 && least_stock_ > kWantedStock) read_ += least_stock_ - kWantedStock;
