@@ -151,9 +151,9 @@ const Placement::Known* Placement::AudioBeside(std::int64_t number, int directio
 
 /// How many packets between the newest audio and the packet `before` have not come.
 std::int64_t Placement::Missing(std::int64_t before) const {
-  std::int64_t missing = 0;
-  for (std::int64_t number = newest_.number + 1; number < before; ++number)
-    missing += Find(number) == nullptr ? 1 : 0;
+  std::int64_t missing = before - newest_.number - 1;
+  for (std::int64_t number = std::max(newest_.number + 1, before - kMemory); number < before; ++number)
+    missing -= Find(number) != nullptr ? 1 : 0;
   return missing;
 }
 
