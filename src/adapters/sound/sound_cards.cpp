@@ -77,11 +77,9 @@ SoundCards::SoundCards(EventLoop& loop, Report report)
     : loop_(loop), report_(std::move(report)), list_(std::make_shared<CardList>()) {}
 
 SoundCards::~SoundCards() {
-  for (const Cards* cards : {&cards_, &more_cards_}) {
-    for (const auto& [number, card] : *cards) {
-      card->StopPlay();
-      card->StopRecord();
-    }
+  for (const auto& [place, card] : cards_) {
+    card->StopPlay();
+    card->StopRecord();
   }
 }
 
@@ -99,9 +97,9 @@ std::vector<std::string> SoundCards::Names() {
   return list_->Names();
 }
 
-AudioDevice* SoundCards::FindIn(Cards& cards, std::int32_t number) {
+AudioDevice* SoundCards::FindIn(bool beside, std::int32_t number) {
   if (!list_->MayBe(number)) return nullptr;
-  auto& card = cards[number];
+  auto& card = cards_[{beside, number}];
   if (!card) card = std::make_unique<Card>(*this, number);
   return card.get();
 }
@@ -120,8 +118,7 @@ void SoundCards::Close(const std::shared_ptr<CardUse>& use) {
 /// On the user-interface thread, because the sound thread may hang with the server.
 void SoundCards::Watch() {
   bool active = false;
-  for (const Cards* cards : {&cards_, &more_cards_})
-    for (const auto& [number, card] : *cards) active |= card->Watch();
+  for (const auto& [place, card] : cards_) active |= card->Watch();
   if (!active) watch_->Stop();
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "adapters/sound/card_list.h"
@@ -43,25 +44,24 @@ class SoundCards : public AudioDevices, public SoundCardNames {
 
   /// nullptr for a number that no card has had; before the first look is done every number may have one.
   /// When the card is not connected, a play on it ends by itself.
-  AudioDevice* Find(std::int32_t number) override { return FindIn(cards_, number); }
+  AudioDevice* Find(std::int32_t number) override { return FindIn(false, number); }
 
   /// The same cards as a second set of devices: both sets can play at once, and record at once.
   AudioDevices& Beside() { return beside_; }
 
  private:
   class Card;
-  using Cards = std::map<std::int32_t, std::unique_ptr<Card>>;
 
   class BesideCards : public AudioDevices {
    public:
     explicit BesideCards(SoundCards& owner) : owner_(owner) {}
-    AudioDevice* Find(std::int32_t number) override { return owner_.FindIn(owner_.more_cards_, number); }
+    AudioDevice* Find(std::int32_t number) override { return owner_.FindIn(true, number); }
 
    private:
     SoundCards& owner_;
   };
 
-  AudioDevice* FindIn(Cards& cards, std::int32_t number);
+  AudioDevice* FindIn(bool beside, std::int32_t number);
   SoundThread& Thread();
   template <class Use>
   void Start(std::int32_t number, const std::shared_ptr<Use>& use);
@@ -72,8 +72,7 @@ class SoundCards : public AudioDevices, public SoundCardNames {
   const Report report_;
   const std::shared_ptr<CardList> list_;  ///< also the sound thread's
   std::optional<SoundThread> thread_;
-  Cards cards_;
-  Cards more_cards_;  ///< returned by Beside
+  std::map<std::pair<bool, std::int32_t>, std::unique_ptr<Card>> cards_;  ///< by set (Beside) and number
   BesideCards beside_{*this};
   std::unique_ptr<Timer> watch_;  ///< runs while something plays or records
 };

@@ -119,10 +119,13 @@ void SoundServer::Answer(const pa_server_info* info) {
   question.then(question.devices);
 }
 
+/// Nothing can be recorded if there was no server to answer; about the next one nothing is known.
 void SoundServer::Lost() {
   context_.reset();
-  cards_->SetRecords(false);
-  for (const Question& question : std::exchange(questions_, {})) question.then(SoundDevices());
+  for (const Question& question : std::exchange(questions_, {})) {
+    cards_->SetRecords(false);
+    question.then(SoundDevices());
+  }
 }
 
 }  // namespace orven

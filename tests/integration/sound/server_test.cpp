@@ -202,6 +202,9 @@ TEST(SoundServerTest, AServerThatHangsOrDiesEndsAllSoundAndMayReturn) {
   desk.GivesUp({"There is no sound server."});
   desk.server.Start();
   desk.Plays(0);
+  desk.server.End();  // while nothing plays or records
+  desk.server.Start();
+  desk.Takes(0);
 }
 
 }  // namespace
