@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <ranges>
 #include <utility>
+#include <vector>
 
 #include "adapters/line/config/codec_list.h"
 #include "adapters/line/config/line_keys.h"
@@ -16,8 +16,12 @@ namespace {
 constexpr std::string_view kScheme = "sip:";
 
 /// The keys whose values are shown unchanged.
-auto ShownKeys(LineKind kind) {
-  return std::views::filter(TypeOf(kind).keys, [](const LineKey& key) { return key.value != nullptr; });
+std::vector<LineKey> ShownKeys(LineKind kind) {
+  std::vector<LineKey> shown;
+  for (const LineKey& key : TypeOf(kind).keys) {
+    if (key.value != nullptr) shown.push_back(key);
+  }
+  return shown;
 }
 
 /// Whether a value that is not shown unchanged would be read.

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <new>
-#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -79,7 +77,9 @@ bool DemandsEncryption(const sdp_media* media) {
 
 MediaNegotiation::MediaNegotiation(const sa& local, SrtpUse srtp, const std::vector<Codec>& codecs)
     : session_(Made(sdp_session_alloc, &local)), customary_(codecs.empty()), ranking_(codecs), srtp_(srtp) {
-  if (customary_) std::ranges::copy(kCodecs | std::views::keys, std::back_inserter(ranking_));
+  for (const auto& [codec, name] : kCodecs) {
+    if (customary_) ranking_.push_back(codec);
+  }
   const bool demand = srtp == SrtpUse::kRequired;
   Check(sdp_media_add(&audio_, session_.get(), "audio", sa_port(&local), demand ? "RTP/SAVP" : "RTP/AVP"));
   // A peer that describes the same audio twice, plain and encrypted, gets the first listed here.
