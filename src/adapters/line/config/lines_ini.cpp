@@ -122,6 +122,7 @@ class LinesReader {
     for (const Entry& entry : entries) {
       if (entry.key != "type") usable = TakeEntry(*section, *type, entry) && usable;
     }
+    ReportKeysWithoutAccount(*section);
     for (const LineKey& key : type->keys) {
       if (!key.required || section->values.contains(std::string(key.name))) continue;
       // An invalid value was reported at its own line.
@@ -129,6 +130,16 @@ class LinesReader {
       usable = false;
     }
     if (usable) result_.sections.push_back(std::move(*section));
+  }
+
+  /// Such a key means nothing: its number may be wrong.
+  void ReportKeysWithoutAccount(const LineSection& section) {
+    for (const auto& [key, value] : section.values) {
+      const std::string account = "account" + key.substr(key.find_last_not_of("0123456789") + 1);
+      if (account == "account" || section.values.contains(account)) continue;
+      Complain(section.line_number, "the line \"" + section.name + "\" has " + key + " but no " + account +
+                                        ": expected both or none");
+    }
   }
 
   void LeaveOut(const LineSection& section, const std::string& what, std::string_view expected) {

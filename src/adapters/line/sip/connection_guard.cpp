@@ -45,6 +45,18 @@ constexpr std::uint32_t kFirstMessageMs = 5'000;
 constexpr std::chrono::milliseconds kSoon{10};
 constexpr std::chrono::seconds kTick{10};
 
+/// After the first try, a second, two and four pass between the further ones, and it is given up after 15 s.
+constexpr int kConnectingTries = 3;
+
+/// The system's own probes of a silent connection, which also keep routers from forgetting it, and the time
+/// without an answer to them or to data after which it is closed.
+constexpr int kProbeAfterSeconds = 25;
+constexpr int kProbeEverySeconds = 5;
+constexpr int kGoneMs = 20'000;
+
+/// TCP_SYN_SENT of netinet/tcp.h, which cannot be included together with linux/tcp.h.
+constexpr int kConnecting = 2;
+
 int OptionOf(int descriptor, int option) {
   int value = 0;
   socklen_t size = sizeof(value);
@@ -94,6 +106,22 @@ void CloseConnection(int descriptor) {
   const linger at_once{1, 0};
   (void)::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
   (void)::shutdown(descriptor, SHUT_RDWR);
+}
+
+ImpatientConnection::ImpatientConnection() : next_(::open("/dev/null", O_RDONLY | O_CLOEXEC)) {
+  if (next_ >= 0) ::close(next_);
+}
+
+ImpatientConnection::~ImpatientConnection() {
+  if (OptionOf(next_, SO_TYPE) != SOCK_STREAM || InfoOf(next_).tcpi_state != kConnecting) return;
+  const auto set = [this](int level, int option, int value) {
+    (void)::setsockopt(next_, level, option, &value, sizeof(value));
+  };
+  set(IPPROTO_TCP, TCP_SYNCNT, kConnectingTries);
+  set(IPPROTO_TCP, TCP_USER_TIMEOUT, kGoneMs);
+  set(IPPROTO_TCP, TCP_KEEPIDLE, kProbeAfterSeconds);
+  set(IPPROTO_TCP, TCP_KEEPINTVL, kProbeEverySeconds);
+  set(SOL_SOCKET, SO_KEEPALIVE, 1);
 }
 
 ConnectionGuard::ConnectionGuard(std::function<bool(const sa&)> is_ours)

@@ -22,6 +22,20 @@ inline constexpr int kMostDescriptors = 512;
 /// Closes a connection of the library, which notices at once and frees the connection's memory.
 void CloseConnection(int descriptor);
 
+/// Limits the time that the connection which the library opens meanwhile takes to notice that the other end
+/// is gone: the system tries for two minutes to connect, with growing pauses, and a quarter of an hour to
+/// deliver. The library does not expose it; it gets the lowest free descriptor.
+class ImpatientConnection {
+ public:
+  ImpatientConnection();
+  ImpatientConnection(const ImpatientConnection&) = delete;
+  ImpatientConnection& operator=(const ImpatientConnection&) = delete;
+  ~ImpatientConnection();
+
+ private:
+  int next_;  ///< the lowest free descriptor
+};
+
 /// Limits the connections that others open to a line. It closes a connection whose peer does not read what we
 /// send or sends much without a message in it, and connections beyond its limits. The library has no such
 /// limits: it answers each empty line, keeps up to 180 MB of answers for a peer that does not read them, and

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "adapters/line/sip/connection_guard.h"
 #include "adapters/line/sip/register_answer.h"
 
 namespace orven {
@@ -191,6 +192,7 @@ int Registration::Send(seconds life) {
   pl_set_str(&route.host, address.c_str());
   pl_set_str(&route.params, transport.c_str());
   route.port = sa_port(&server.address);
+  const ImpatientConnection connection;
   return sip_requestf(&request_, stack_, true, "REGISTER", registrar.c_str(), &route, nullptr, contact,
                       response, this,
                       "%sTo: <%s>\r\nFrom: <%s>;tag=%s\r\nCall-ID: %s\r\nCSeq: %u REGISTER\r\n"
@@ -232,7 +234,6 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
   // Another server of the list may work (RFC 3263, section 4.3).
   if (no_service && NextServer()) return Ask(asked_);
   if (error != 0) return RetryLater({.error = error, .reason = FailureText(error)});
-  ServerPath::NoticeSilence(*response);
   if (const auto seen = SeenAddress(*response, own_)) seen_ = *seen;
   if (response->scode == 401 || response->scode == 407) return TakeChallenge(*response);
   login_.Accepted();

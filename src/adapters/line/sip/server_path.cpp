@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/server_path.h"
 
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -24,12 +20,6 @@ constexpr std::uint32_t kUsualProbe = 120;
 /// The longest time after its start in which the first probe of a datagram path fails: the interval, and a
 /// STUN transaction (RFC 5389, section 7.2.1: 39.5 s).
 constexpr seconds kFirstProbe{40};
-
-/// The system's own probes of a silent connection, and the time after which unanswered data or probes close
-/// it. They also keep routers from forgetting it.
-constexpr int kProbeAfterSeconds = 25;
-constexpr int kProbeEverySeconds = 5;
-constexpr unsigned kGoneMs = 20'000;
 
 /// How often the server wants probes, in seconds (RFC 5626, section 5.4); 0: it does not support them.
 std::uint32_t ProbeInterval(const sip_msg& response, std::uint32_t usual) {
@@ -60,7 +50,6 @@ bool ServerPath::StartProbes(sip& stack, const sip_msg& response) {
   std::uint32_t interval =
       ProbeInterval(response, connected ? kUsualProbe : static_cast<std::uint32_t>(between));
   if (connected) {
-    NoticeSilence(response);
     connection_ = tcp_conn_fd(sip_msg_tcpconn(&response));
     if (interval == 0) interval = kWatchOnly;
   }
@@ -96,17 +85,6 @@ void ServerPath::SendDatagram() {
   if (stack_ == nullptr || empty == nullptr || mbuf_write_str(empty.get(), "\r\n\r\n") != 0) return;
   mbuf_set_pos(empty.get(), 0);
   (void)sip_send(stack_, nullptr, SIP_TRANSP_UDP, &server_, empty.get());
-}
-
-void ServerPath::NoticeSilence(const sip_msg& response) {
-  const tcp_conn* const connection = sip_msg_tcpconn(&response);
-  if (connection == nullptr) return;
-  const int fd = tcp_conn_fd(connection);
-  const int on = 1;
-  (void)::setsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-  (void)::setsockopt(fd, IPPROTO_TCP, TCP_KEEPIDLE, &kProbeAfterSeconds, sizeof kProbeAfterSeconds);
-  (void)::setsockopt(fd, IPPROTO_TCP, TCP_KEEPINTVL, &kProbeEverySeconds, sizeof kProbeEverySeconds);
-  (void)::setsockopt(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, &kGoneMs, sizeof kGoneMs);
 }
 
 }  // namespace orven

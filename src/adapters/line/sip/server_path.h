@@ -26,10 +26,6 @@ class ServerPath {
   /// Closes the connection; `broken` follows soon. False when there is none to close.
   bool Drop();
 
-  /// Makes the system close the connection of `response` when the other end is gone without a word, which
-  /// otherwise takes a quarter of an hour.
-  static void NoticeSilence(const sip_msg& response);
-
  private:
   bool StartProbes(sip& stack, const sip_msg& response);
   void SendDatagram();

@@ -119,10 +119,11 @@ struct Service {
 
 /// Takes the next text of a record: its length and its letters.
 std::string_view TakeText(const unsigned char*& data, std::size_t& size) {
-  const std::size_t length = size > 0 ? std::min<std::size_t>(*data, size - 1) : 0;
+  if (size == 0) return {};
+  const std::size_t length = std::min<std::size_t>(*data, size - 1);
   const std::string_view text(reinterpret_cast<const char*>(data + 1), length);
-  data += std::min(size, length + 1);
-  size -= std::min(size, length + 1);
+  data += length + 1;
+  size -= length + 1;
   return text;
 }
 

@@ -68,11 +68,11 @@ TEST(LinesIni, OnlyAWrongValueIsLeftOutAndItIsReported) {
       {"tls_listen",
        "5061,1.2.3:1,1.2.3.4.5:1,1.2.3.256:1,01.2.3.4:1,1.2.3.4:0,1:65536,a_b:1,::1:1,[::1]1,[x]:1,[::1%]:1,"
        "+0.0.0.0:65535,+:1,+*:1,+[::]:1,+[fe80::1%eth0]:1,+pc-1.x:1,"},
-      {"account",
+      {"account9",
        "100@x,sip:1,sip:@x,sip:a b@x,sip:1@,sip:1@a_b,sip:1@x:0,+sip:1@X-1.org:65535,+sip:1@[::1],"},
       {"auth_user", ",+me,"},
       {"password", ",+#;=,"},
-      {"transport9", "sctp,+udp,+auto,"},
+      {"transport", "sctp,+udp,+auto,"},
       {"proxy", "[::1]x,::1,a b,+[::1]:5060,+proxy.x,"},
       {"srtp", "maybe,+yes,+no,"},
       {"codecs", "g729,+pcmu,+G722,"},
@@ -116,6 +116,8 @@ TEST(LinesIni, ALineThatCannotWorkIsLeftOutAndInvalidEntriesAreReported) {
     EXPECT_EQ(file.sections.size(), 2U) << text;
   }
   EXPECT_THAT(ParseLines("a = b", "x").complaints.at(0), StartsWith("x:1: \"a\" comes before "));
+  EXPECT_THAT(ParseLines("[a]\ntype = sip\nlisten = :1\nproxy2 = x", "x").complaints,
+              ElementsAre("x:1: the line \"a\" has proxy2 but no account2: expected both or none"));
 }
 
 TEST(LinesIni, ABadFileMeansNoLine) {

@@ -291,6 +291,7 @@ struct OpenSsl {
 
 TEST_F(SipRegistrationTest, RegistersOnlyAtAServerWithATrustedCertificateForItsAddress) {
   account.transport = "tls";
+  settings.tls_listen = "127.0.0.1:" + std::to_string(FreePort());  // has rules of its own
   settings.timers.registration_retry_first = milliseconds(200);
   // The trusted certificate, the presented certificate, and the expected result.
   const std::tuple<std::string, std::string, std::string> kRows[] = {
