@@ -54,9 +54,6 @@ constexpr int kProbeAfterSeconds = 25;
 constexpr int kProbeEverySeconds = 5;
 constexpr int kGoneMs = 20'000;
 
-/// TCP_SYN_SENT of netinet/tcp.h, which cannot be included together with linux/tcp.h.
-constexpr int kConnecting = 2;
-
 int OptionOf(int descriptor, int option) {
   int value = 0;
   socklen_t size = sizeof(value);
@@ -113,7 +110,7 @@ ImpatientConnection::ImpatientConnection() : next_(::open("/dev/null", O_RDONLY 
 }
 
 ImpatientConnection::~ImpatientConnection() {
-  if (OptionOf(next_, SO_TYPE) != SOCK_STREAM || InfoOf(next_).tcpi_state != kConnecting) return;
+  if (OptionOf(next_, SO_TYPE) != SOCK_STREAM) return;
   const auto set = [this](int level, int option, int value) {
     (void)::setsockopt(next_, level, option, &value, sizeof(value));
   };
