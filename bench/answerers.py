@@ -1,6 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The answering programs of the benchmark: ORVEN and, for comparison, baresip with automatic answering."""
+"""The answering programs of the benchmark: ORVEN and, for comparison, baresip with automatic answering and the floor
+below any answering program."""
 
+import contextlib
+import glob
 import os
 import time
 
@@ -40,6 +43,14 @@ class Process:
         """CPU time of all threads, including finished ones: the clock of clock_getcpuclockid(3)."""
         return time.clock_gettime(~self.number << 3 | 2)
 
+    def wake_ups(self):
+        """Voluntary context switches so far of the threads that run now."""
+        count = 0
+        for path in glob.glob(f"/proc/{self.number}/task/*/status"):
+            with contextlib.suppress(FileNotFoundError, ProcessLookupError), open(path, encoding="ascii") as status:
+                count += next(int(line.split()[1]) for line in status if line.startswith("voluntary_ctxt_switches"))
+        return count
+
     def megabytes(self, *names):
         """These lines of /proc/PID/smaps_rollup, for example "Rss"."""
         with open(f"/proc/{self.number}/smaps_rollup", encoding="ascii") as rollup:
@@ -48,12 +59,12 @@ class Process:
 
 
 class Orven:
-    """ORVEN without a window, with the given greeting and settings; it answers at the first ring."""
+    """ORVEN with the given greeting and settings; it answers at the first ring."""
 
     name, user = "ORVEN", "machine"
 
-    def __init__(self, program, folder, greeting, settings=None, display=None):
-        self.machine = machine.Machine(program, folder, display=display, arguments=["-st"])
+    def __init__(self, program, folder, greeting, settings=None, display=None, hidden=True):
+        self.machine = machine.Machine(program, folder, display=display, arguments=["-st"] if hidden else [])
         try:
             self.port = self.machine.port
             self.machine.start_and_wait()
@@ -113,6 +124,29 @@ class Peer:
     def _start(self):
         self._child = processes.start(["baresip", "-f", self._folder], self._folder + "/output", cwd=self._folder)
         self.process = Process(self._child.pid)
+
+
+class Floor:
+    """`program` speaks no SIP: it takes packets of audio at its port, sends as many, and does nothing with them."""
+
+    name, user = "floor", None
+
+    def __init__(self, program, folder):
+        output = os.path.join(folder, "floor.out")
+        self._child = processes.start([program], output)
+        self.process = Process(self._child.pid)
+
+        def port():
+            with open(output, encoding="ascii") as file:
+                return int(file.read() or 0)
+
+        self.port = processes.wait_for("The port of the floor", port, START_LIMIT)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        processes.stop(self._child, 3)
 
 
 def first_answer(port, start):

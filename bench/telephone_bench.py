@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Measures SIP calls: latency, packet timing, audio quality, CPU and memory use.
+"""Measures SIP calls: latency, packet timing, audio quality and memory use.
 
     telephone_bench.py PROGRAM
 
@@ -153,14 +153,6 @@ def report_spacing(table, answering, what):
               "deviation 0.3  worst 22 ms")
 
 
-def talk_through(call, blocks, process):
-    """Sends one block every 20 ms; returns the CPU time that the answering program used meanwhile."""
-    before = process.cpu_seconds()
-    call.to_send.extend(blocks)
-    processes.wait_for("The end of the minute", lambda: not call.to_send, 2 * RECORDED_SECONDS)
-    return process.cpu_seconds() - before
-
-
 def compared(sent, recorded):
     if sent in recorded:
         return "identical, in one run"
@@ -173,7 +165,6 @@ def compared(sent, recorded):
 
 def report_recording(table, program, folder):
     blocks = sip_telephone.noise_blocks(RECORDED_SECONDS)
-    cpu = ["", ""]
     found = ""
     with answerers.Orven(program, os.path.join(folder, "recorder"), sound.silence(0.3), {"CompressMessages": "1"}) as ours:
         with table.failing("recorded call"):
@@ -182,20 +173,13 @@ def report_recording(table, program, folder):
                 call.acknowledge()
                 call.talk()
                 ours.machine.wait_for("Start Record Message[", 10)
-                cpu[0] = f"{talk_through(call, blocks, ours.process) * 60 / RECORDED_SECONDS:.3f} s"
+                call.to_send.extend(blocks)
+                processes.wait_for("The end of the minute", lambda: not call.to_send, 2 * RECORDED_SECONDS)
                 time.sleep(0.5)
             processes.wait_for("The record of the call", ours.machine.records, 10, ours.machine.look)
             message = ours.machine.message(ours.machine.records()[-1])
             found = compared(b"".join(blocks), sound.data(message))
-    with table.failing("recorded call to baresip"), \
-         answerers.Peer(os.path.join(folder, "peer_recorder"), sound.noise(2 * RECORDED_SECONDS, seed=1), records=True) as peer:  # fmt: skip
-        with sip_telephone.Call(peer.port, peer.user) as call:
-            call.invite()
-            call.acknowledge()
-            call.talk()
-            cpu[1] = f"{talk_through(call, blocks, peer.process) * 60 / RECORDED_SECONDS:.3f} s (16 bits)"
     table.row(f"{RECORDED_SECONDS} s of PCMU recorded as mu-law", found, "", "identical, in one run")
-    table.row("CPU for a recorded minute", *cpu, "0.12 s")
 
 
 def short_calls(table, who, count):
