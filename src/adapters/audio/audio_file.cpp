@@ -17,8 +17,6 @@
 namespace orven {
 namespace {
 
-using namespace std::chrono_literals;
-
 /// Frames decoded at once: few enough that stopping a play never waits long for them.
 constexpr double kMostFrames = 2048;
 
@@ -26,10 +24,6 @@ constexpr std::size_t kAhead = kSampleRate;            ///< decoded ahead at mos
 constexpr std::size_t kRefillBelow = kSampleRate / 2;  ///< decode again below half a second
 constexpr std::size_t kDecodeChunk = kSampleRate / 10;
 static_assert(kDecodeChunk % kBlockSamples == 0, "so that only the end of a file gives a partial block");
-
-/// The device's thread wakes the decoder without taking its lock, so a wake-up can get lost between the
-/// decoder's check and its sleep. It then checks again this much later, with half a second in stock.
-constexpr auto kCheckAgain = 50ms;
 
 constexpr float kFullScale = 32768.0F;
 
@@ -155,7 +149,19 @@ void FileSource::Cancel() {
     cancelled_ = true;
     on_ready_ = nullptr;
   }
-  wake_.notify_one();
+  WakeDecoder();
+}
+
+void FileSource::Gone() {
+  cancelled_ = true;
+  WakeDecoder();
+  on_ended_();
+}
+
+/// Neither waits nor takes a lock.
+void FileSource::WakeDecoder() {
+  refill_ = 1;
+  refill_.notify_one();
 }
 
 bool FileSource::Read(std::span<std::int16_t> block) {
@@ -169,7 +175,7 @@ bool FileSource::Read(std::span<std::int16_t> block) {
   ring_.Pop(block.first(count));
   std::fill(block.begin() + static_cast<std::ptrdiff_t>(count), block.end(), std::int16_t{0});
   samples_played_ += static_cast<std::int64_t>(count);
-  if (!all && ring_.Size() < kRefillBelow) wake_.notify_one();
+  if (!all && ring_.Size() < kRefillBelow) WakeDecoder();
   return true;
 }
 
@@ -196,9 +202,12 @@ bool FileSource::DecodeChunk() {
 /// True when a chunk fits, false when the play was cancelled.
 bool FileSource::WaitForRoom() {
   if (ring_.Room() >= kDecodeChunk) return !cancelled_;
-  std::unique_lock lock(mutex_);
-  while (!cancelled_ && ring_.Size() >= kRefillBelow) wake_.wait_for(lock, kCheckAgain);
-  return !cancelled_;
+  for (;;) {
+    refill_ = 0;  // before the checks: what changes after them ends the wait
+    if (cancelled_) return false;
+    if (ring_.Size() < kRefillBelow) return true;
+    refill_.wait(0);
+  }
 }
 
 }  // namespace orven

@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -128,7 +127,7 @@ class FileSource : public AudioSource {
   /// Device's thread. When the disk is late, the block is silence and nothing is skipped. The last block of
   /// the file is filled up with silence.
   bool Read(std::span<std::int16_t> block) override;
-  void Gone() override { on_ended_(); }
+  void Gone() override;
 
   /// Ends the decoding thread without waiting for it. The device must have released the source.
   void Cancel();
@@ -144,6 +143,7 @@ class FileSource : public AudioSource {
   bool DecodeChunk();
   bool WaitForRoom();
   void TellReady();
+  void WakeDecoder();
 
   std::unique_ptr<TelephoneDecoder> decoder_;
   const std::chrono::milliseconds start_;
@@ -153,11 +153,11 @@ class FileSource : public AudioSource {
   std::atomic<std::int64_t> samples_played_{0};
   std::atomic<bool> decoded_all_{false};
   std::atomic<bool> cancelled_{false};
+  std::atomic<int> refill_{0};      ///< 1: the decoding thread, which waits for it, has something to do
   std::mutex mutex_;                ///< the device's thread never takes it
   bool ready_ = false;              ///< guarded by mutex_; something has been decoded
   std::function<void()> on_ready_;  ///< guarded by mutex_
-  std::condition_variable wake_;
-  std::thread thread_;  ///< last: it uses all of the above
+  std::thread thread_;              ///< last: it uses all of the above
 };
 
 }  // namespace orven

@@ -14,12 +14,9 @@ namespace {
 using namespace std::chrono_literals;
 using SteadyClock = std::chrono::steady_clock;
 
-/// The most that a killed program loses.
-constexpr std::chrono::milliseconds kWriteEvery = 250ms;
-
-/// A power failure loses at most this, the interval above and the time of a sync: together less than a
-/// second on a healthy disk.
-constexpr auto kSyncEvery = 600ms;
+/// A killed program loses at most this and what the line still holds; a power failure also the time of a
+/// sync: less than a second on a healthy disk. Each write is synced at once: one wake-up does both.
+constexpr std::chrono::milliseconds kWriteEvery = 500ms;
 
 /// Between attempts while no disk accepts the file; each attempt writes the whole file.
 constexpr std::chrono::milliseconds kTryAgain = 2s;
@@ -45,6 +42,7 @@ Recording::Recording(Settings settings, LiveMonitor& monitor)
       image_(std::in_place, settings_.format),
       growing_(settings_.folders, settings_.name) {
   queue_.reserve(kQueueReserve);
+  drained_.reserve(kQueueReserve);
   thread_ = std::thread([this] { Run(); });
 }
 
@@ -131,29 +129,25 @@ void Recording::Run() {
 }
 
 void Recording::DrainQueue() {
-  std::vector<std::int16_t> news;
-  news.reserve(kQueueReserve);
   {
     const std::lock_guard lock(queue_mutex_);
-    news.swap(queue_);
+    drained_.swap(queue_);
   }
-  image_->Append(news);
+  image_->Append(drained_);
+  drained_.clear();
 }
 
 /// Updates the file until the recording ends.
 void Recording::Grow(Lock& lock) {
-  auto synced_at = SteadyClock::now() - kSyncEvery;  // so that the file is durable at once
-  std::shared_ptr<DiskFile> named;                   // the file whose name is durable
+  std::shared_ptr<DiskFile> named;  // the file whose name is durable
   while (!ended_) {
+    const auto begin = SteadyClock::now();
     DrainQueue();
     const bool written = !image_->HasSound() || growing_.Update(*image_) == kWaveOk;
-    if (SteadyClock::now() - synced_at >= kSyncEvery) {
-      synced_at = SteadyClock::now();
-      Sync(lock, growing_.File(), growing_.File() != named);
-      named = growing_.File();
-      if (!ended_ && std::exchange(sync_failed_, false)) growing_.Distrust();
-    }
-    wake_.wait_for(lock, written ? kWriteEvery : kTryAgain, [this] { return ended_; });
+    Sync(lock, growing_.File(), growing_.File() != named);
+    named = growing_.File();
+    if (!ended_ && std::exchange(sync_failed_, false)) growing_.Distrust();
+    wake_.wait_until(lock, begin + (written ? kWriteEvery : kTryAgain), [this] { return ended_; });
   }
 }
 

@@ -21,8 +21,8 @@
 namespace orven {
 
 /// One recording, from its first block to its place on disk. The device's thread only queues. A thread of the
-/// recording moves the queue into a WaveImage and, when recording to disk, writes that image four times a
-/// second and syncs it about every second.
+/// recording moves the queue into a WaveImage and, when recording to disk, writes that image and syncs it
+/// twice a second.
 class Recording : public AudioSink {
  public:
   struct Settings {
@@ -82,6 +82,7 @@ class Recording : public AudioSink {
 
   std::mutex queue_mutex_;  ///< held briefly, never during file access
   std::vector<std::int16_t> queue_;
+  std::vector<std::int16_t> drained_;  ///< guarded by mutex_; empty, its room is the queue's next
 
   std::mutex mutex_;  ///< all below; not held during a sync
   std::condition_variable wake_;
