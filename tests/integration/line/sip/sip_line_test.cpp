@@ -223,7 +223,8 @@ Bytes Tones(const std::string& keys) {
   std::vector<std::int16_t> samples((20 + 7 * keys.size()) * 160);
   dtmf_tx(generator, samples.data() + 1600, static_cast<int>(samples.size() - 1600));
   dtmf_tx_free(generator);
-  const auto bytes = Encoder().Encode(Codec::kMuLaw, samples);
+  Encoder encoder;
+  const auto bytes = encoder.Encode(Codec::kMuLaw, samples);
   return {bytes.begin(), bytes.end()};
 }
 
