@@ -2,6 +2,7 @@
 #include "programs/orven/program_dialogs.h"
 
 #include <curl/curlver.h>
+#include <opus.h>
 #include <pulse/version.h>
 #include <samplerate.h>
 #include <sndfile.h>
@@ -28,7 +29,7 @@
 namespace orven {
 namespace {
 
-/// The number in "libsndfile-1.2.0" and "libsamplerate-0.2.2 (c) …".
+/// The number in "libopus 1.3.1", "libsndfile-1.2.0" and "libsamplerate-0.2.2 (c) …".
 std::string NumberIn(const std::string& text) {
   const auto begin = std::min(text.find_first_of("0123456789"), text.size());
   return text.substr(begin, text.find(' ', begin) - begin);
@@ -40,7 +41,8 @@ std::vector<Component> ProgramComponents() {
       {"Qt", qVersion(), "LGPL-3.0-only", "windows"},
       {"libre", sys_libre_version_get(), "BSD-3-Clause", "the telephone line (SIP)"},
       {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", "encrypted calls and mail"},
-      {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones"},
+      {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones, G.711 and G.722"},
+      {"Opus", NumberIn(opus_get_version_string()), "BSD-3-Clause", "calls in Opus"},
       {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", "sound files"},
       {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sample rate conversion"},
       {"SQLite", sqlite3_libversion(), "public domain", "the records of calls"},
