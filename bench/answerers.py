@@ -130,6 +130,7 @@ class Floor:
     """`program` speaks no SIP: it takes packets of audio at its port, sends as many, and does nothing with them."""
 
     name, user = "floor", None
+    BETWEEN_CALLS = 1.1  # seconds until it takes the next one
 
     def __init__(self, program, folder):
         output = os.path.join(folder, "floor.out")

@@ -2,9 +2,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Measures SIP calls: latency, packet timing, audio quality and memory use.
 
-    telephone_bench.py PROGRAM
+    telephone_bench.py PROGRAM FLOOR
 
-A test telephone calls ORVEN and baresip in turn; all times are the kernel's.
+A test telephone calls ORVEN and baresip in turn; all times are the kernel's. The program FLOOR (floor.cpp) does the
+least that each needs, which shows what this machine allows.
 """
 
 import contextlib
@@ -25,6 +26,7 @@ import sound  # noqa: E402
 
 CALLS = 200  # of each kind, to each program
 LONG_CALLS, LONG_SECONDS = 4, 16.0
+FLOOR_CALLS = 50
 RECORDED_SECONDS = 60
 STARTS = 9
 FEW_CALLS, MANY_CALLS = 100, 1000
@@ -102,6 +104,19 @@ def report_answers(table, answering):
                 table.row(f"  {name}: {early[name, talks]} of {CALLS} greetings had begun before the ACK was sent")
 
 
+def report_floor(table, floor):
+    """One packet, two changes of threads, one packet back."""
+    answered = []
+    for number in range(FLOOR_CALLS):
+        with table.failing(f"call {number + 1} to the floor"), sip_telephone.Call(floor.port) as call:
+            call.sound_peer = call.peer
+            begin = sip_telephone.now()
+            call.talk()
+            answered.append(call.heard(sip_telephone.LIMIT)[1] - begin)
+        time.sleep(floor.BETWEEN_CALLS)
+    table.row(f"floor: a packet to the first packet back, {FLOOR_CALLS} calls", milliseconds(answered))
+
+
 def report_second_rings(table, program):
     """The second ring is raised one second after the 180: any further delay is the time to answer, plus a few
     microseconds between the 180 and the start of that second."""
@@ -117,9 +132,9 @@ def report_second_rings(table, program):
     table.row(f"ring threshold reached to 200, {CALLS} calls", milliseconds(took), "", "p50 0.7  p99 2 ms")
 
 
-def spacing(call, seconds):
-    """The seconds between the packets of the greeting. The kernel buffers and time-stamps them, so this process
-    need not wake up for each one. A gap in which the system clock was set back is left out."""
+def spacing(call, seconds, silence=sip_telephone.SILENCE):
+    """The seconds between the packets of the greeting, those that are not `silence`. The kernel buffers and time-stamps
+    them, so this process need not wake up for each one. A gap in which the system clock was set back is left out."""
     arrivals = []
     end = time.monotonic() + seconds
     while time.monotonic() < end:
@@ -128,12 +143,12 @@ def spacing(call, seconds):
             payload, arrived = call.heard(0)
             if payload is None:
                 break
-            if payload != sip_telephone.SILENCE:
+            if payload != silence:
                 arrivals.append(arrived)
     return [after - before for before, after in zip(arrivals, arrivals[1:]) if after >= before]
 
 
-def report_spacing(table, answering, what):
+def report_spacing(table, answering, floor, what):
     gaps = {who.name: [] for who in answering}
     for number in range(LONG_CALLS):
         for who in answering:
@@ -151,6 +166,11 @@ def report_spacing(table, answering, what):
 
     table.row(f"greeting, packet to packet, {what}", *(words(gaps[who.name]) for who in answering),
               "deviation 0.3  worst 22 ms")
+    with table.failing("floor"), sip_telephone.Call(floor.port) as call:
+        call.sound_peer = call.peer
+        call.talk()
+        table.row(f"  floor, {what}", words(spacing(call, LONG_CALLS * LONG_SECONDS, silence=None)))
+    time.sleep(floor.BETWEEN_CALLS)
 
 
 def compared(sent, recorded):
@@ -223,24 +243,26 @@ def report_starts(table, answering, what):
               *([""] if len(answering) == 1 else []), "100 ms")
 
 
-def main(program):
+def main(program, floor_program):
     print(f"load of the machine before: {' '.join(f'{load:.2f}' for load in os.getloadavg())}")
     table = Table()
     with tempfile.TemporaryDirectory() as folder:
         greeting = sound.noise(LONG_SECONDS + 4, seed=1)
         with table.failing("calls in turn"), \
              answerers.Orven(program, os.path.join(folder, "ours"), greeting) as ours, \
-             answerers.Peer(os.path.join(folder, "peer"), greeting) as peer:  # fmt: skip
+             answerers.Peer(os.path.join(folder, "peer"), greeting) as peer, \
+             answerers.Floor(floor_program, folder) as floor:  # fmt: skip
             both = (ours, peer)
             report_starts(table, both, "without a display")
             time.sleep(2)
             report_memory(table, both, "without a display")
             report_growth(table, both)
             report_answers(table, both)
+            report_floor(table, floor)
             report_second_rings(table, ours)
-            report_spacing(table, both, "machine idle")
+            report_spacing(table, both, floor, "machine idle")
             with processes.busy(BUSY_PROCESSES):
-                report_spacing(table, both, f"{BUSY_PROCESSES} busy processes")
+                report_spacing(table, both, floor, f"{BUSY_PROCESSES} busy processes")
         report_recording(table, program, folder)
         with table.failing("X display"), display.Display(folder) as screen, \
              answerers.Orven(program, os.path.join(folder, "shown"), greeting, display=screen) as ours:  # fmt: skip
@@ -253,6 +275,6 @@ def main(program):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) != 3:
         sys.exit(__doc__)
-    main(os.path.abspath(sys.argv[1]))
+    main(*map(os.path.abspath, sys.argv[1:]))
