@@ -18,6 +18,8 @@ namespace {
 using Kind = LineEvent::Kind;
 using std::chrono::steady_clock;
 
+constexpr const char* kDescriptionHeader = "Content-Type: application/sdp\r\n";
+
 SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
 }
@@ -280,28 +282,31 @@ void SipCall::TakePrack(const sip_msg& request) {
 /// RFC 3311. An offer is read like that of a re-INVITE, but must not overtake the offers of the INVITE.
 void SipCall::TakeUpdate(const sip_msg& request) {
   if (RefuseBriefSession(request)) return;
+  const bool has_offer = mbuf_get_left(request.mb) > 0;
+  if (has_offer && (state_ == State::kRinging || !agreement_)) {
+    (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 500, "Server Internal Error",
+                      "Retry-After: 5\r\nContent-Length: 0\r\n\r\n");
+    return;
+  }
   mbuf* written = nullptr;
-  if (mbuf_get_left(request.mb) > 0) {
-    if (state_ == State::kRinging || !agreement_) {
-      (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 500, "Server Internal Error",
-                        "Retry-After: 5\r\nContent-Length: 0\r\n\r\n");
-      return;
-    }
-    if (TakeOffer(&written, request) != 0) {
-      (void)sip_treply(nullptr, ports_.stack, &request, 488, "Not Acceptable Here");
-      return;
-    }
+  if (has_offer && TakeOffer(&written, request) != 0) {
+    (void)sip_treply(nullptr, ports_.stack, &request, 488, "Not Acceptable Here");
+    return;
   }
   const LibrePtr<mbuf> answer(written);
   if (state_ != State::kRinging) session_timer_.Restart();
   (void)sip_dialog_update(sipsess_dialog(session_.get()), &request);
+  ConfirmUpdate(request, answer.get());
+}
+
+void SipCall::ConfirmUpdate(const sip_msg& request, mbuf* answer) {
   sip_contact contact{};
   sip_contact_set(&contact, ports_.contact.c_str(), &request.dst, request.tp);
+  const std::string headers = session_timer_.Headers() + (answer != nullptr ? kDescriptionHeader : "");
+  const std::size_t size = answer != nullptr ? mbuf_get_left(answer) : 0;
   (void)sip_treplyf(nullptr, nullptr, ports_.stack, &request, false, 200, "OK",
-                    "%H%s%sContent-Length: %zu\r\n\r\n%b", sip_contact_print, &contact,
-                    session_timer_.Headers().c_str(), answer ? "Content-Type: application/sdp\r\n" : "",
-                    answer ? mbuf_get_left(answer.get()) : 0, answer ? mbuf_buf(answer.get()) : nullptr,
-                    answer ? mbuf_get_left(answer.get()) : 0);
+                    "%H%sContent-Length: %zu\r\n\r\n%b", sip_contact_print, &contact, headers.c_str(), size,
+                    answer != nullptr ? mbuf_buf(answer) : nullptr, size);
 }
 
 bool SipCall::RefuseBriefSession(const sip_msg& request) {

@@ -95,6 +95,7 @@ class SipCall {
   void TakeInfo(const sip_msg& request);
   void TakePrack(const sip_msg& request);
   void TakeUpdate(const sip_msg& request);
+  void ConfirmUpdate(const sip_msg& request, mbuf* answer);
 
   void DigitHeard(DigitSource source, char digit, DigitMerger::Time at);
 

@@ -47,9 +47,17 @@ TEST_F(SipLineTest, DroppingEndsTheCallOnBothSidesAtAnyTime) {
 
 TEST_F(SipLineTest, AnswersAnInviteWithoutAnOffer) {
   Play("> INVITE none,Ring 1 1,answer 1,< 200");
-  caller->Send(caller->Text("ACK", caller->Sdp("8")));
+  EXPECT_NE(caller->answer.find(" RTP/AVP 0 8 9 107 101 102\r\n"), std::string::npos) << caller->answer;
+  caller->Send(caller->Text("ACK", caller->Sdp("107") + "a=rtpmap:107 opus/48000/2\r\n"));
   Play("Connected 1");
-  EXPECT_EQ(caller->NextPacket().at(1) & 0x7F, 8);
+  const std::string packets[] = {caller->NextPacket(), caller->rtp.Receive()};
+  EXPECT_EQ(packets[0].at(1) & 0x7F, 107);
+  // Numbers of the lowest 16 bits: the sequence and the clock.
+  const auto number = [&](int packet, std::size_t at) {
+    return static_cast<std::uint8_t>(packets[packet].at(at)) * 256 +
+           static_cast<std::uint8_t>(packets[packet].at(at + 1));
+  };
+  EXPECT_EQ((number(1, 6) - number(0, 6)) & 0xFFFF, (number(1, 2) - number(0, 2)) * 48'000 / 50);
   Play("> BYE,< 200");
 }
 
