@@ -69,7 +69,7 @@ std::optional<sa> SeenAddress(const sip_msg& response, const sa& own) {
   if (pl_isset(&port)) sa_set_port(&seen, static_cast<std::uint16_t>(pl_u32(&port)));
   const bool told = pl_isset(&host) || pl_isset(&port);
   if (!told || !sa_isset(&seen, SA_ALL) || !sa_isset(&own, SA_ALL)) return std::nullopt;
-  const int what = response.tp == SIP_TRANSP_UDP ? SA_ALL : SA_ADDR;
+  const int what = response.tp == SIP_TRANSP_TCP ? SA_ADDR : SA_ALL;
   return sa_cmp(&seen, &own, what) ? sa{} : seen;
 }
 

@@ -19,8 +19,9 @@ std::chrono::seconds GrantedLife(const sip_msg& response, const std::string& con
                                  std::chrono::seconds asked);
 
 /// The address from which the server got our request (RFC 3261, section 18.2.1; RFC 3581), if it says so and
-/// that is not `own`; unset if it is. Each connection has its own port, so over TCP and TLS only another
-/// address indicates a router. Nothing when the server does not say.
+/// that is not `own`, where we listen; unset if it is. Each connection has its own port, so over TCP only
+/// another address counts. Over TLS the port does, too: without a certificate of our own, calls come only
+/// through the connection. Nothing when the server does not say.
 std::optional<sa> SeenAddress(const sip_msg& response, const sa& own);
 
 }  // namespace orven
