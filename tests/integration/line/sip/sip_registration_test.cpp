@@ -249,7 +249,7 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     const std::unique_ptr<FILE, int (*)(FILE*)> name_server(
         ::popen((names + " & read end; kill $!").c_str(), "w"), ::pclose);
     shell("timeout 9 sh -c 'until getent hosts a.test; do :; done' >/dev/null");
-    settings.listen = "0.0.0.0:" + std::to_string(port);
+    settings.listen = "phone.test:" + std::to_string(port);
     OpenAt("none.test");
     EXPECT_TRUE(events.Wait("no server named none.test"));
     account.transport = "auto";
@@ -267,7 +267,7 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     caller->Send(std::regex_replace(invite, std::regex("ann@[^:]*"), "ann@phone.test"));
     Play("Ring 1 1,answer 1,< 200,> ACK,Connected 1");
     shell("ip addr delete 127.0.0.1/8 dev lo");
-    EXPECT_TRUE(events.Wait("no route from 0.0.0.0 to 127.0.0.1"));
+    EXPECT_TRUE(events.Wait("no route from phone.test to 127.0.0.1"));
     shell("ip addr add 127.0.0.1/8 dev lo");
     light.SendTo(port, Answer(Next(light), "200"));
     EXPECT_TRUE(events.Wait("works again."));
