@@ -39,7 +39,12 @@ def run(command):
 
 def desk(command):
     """Runs a command in the program's namespace."""
-    run("ip netns exec desk " + command)
+    inside("desk", command)
+
+
+def inside(namespace, *commands):
+    for command in commands:
+        run(f"ip netns exec {namespace} {command}")
 
 
 def write(path, text):
@@ -77,17 +82,28 @@ class NetworkTest(harness.ProgramCase):
         return self.serve(f"kamailio -f {self.folder}/routes -DD -E -m 64 -M 8 -w {home} -Y {home} -P {home}/pid "
                           f"-l udp:{SERVER}:{udp} -l tcp:{SERVER}:{tcp}")
 
-    def plug_in(self):
-        run("ip link add outside type veth peer name inside netns desk")
+    def plug_in(self, where="desk"):
+        run(f"ip link add outside type veth peer name inside netns {where}")
         self.addCleanup(run, "ip link delete outside")
         run("ip addr add 10.77.0.254/24 dev outside")
         run("ip link set outside up")
         run(f"ip addr add {SERVER6}/64 dev outside nodad")
-        desk(f"ip addr add {FIRST}/24 dev inside")
-        desk(f"ip addr add {FIRST6}/64 dev inside nodad")
-        desk("ip link set inside up")
-        show = "ip netns exec desk cat /sys/class/net/inside/operstate".split()
+        inside(where, f"ip addr add {FIRST}/24 dev inside", f"ip addr add {FIRST6}/64 dev inside nodad",
+               "ip link set inside up")
+        show = f"ip netns exec {where} cat /sys/class/net/inside/operstate".split()
         processes.wait_for("The link", lambda: subprocess.check_output(show) == b"up\n", LIMIT)
+
+    def plug_in_behind_a_router(self):
+        """The router has the address FIRST, and another port for each flow."""
+        run("ip netns add router")
+        self.addCleanup(run, "ip netns delete router")
+        self.plug_in("router")
+        inside("router", "ip link add lan type veth peer name inside netns desk", "ip addr add 10.78.0.1/24 dev lan",
+               "ip link set lan up", "ip route add default via 10.77.0.254", "sysctl -q net.ipv4.ip_forward=1",
+               "nft add table nat", "nft add chain nat out { type nat hook postrouting priority 100 ; }",
+               "nft add rule nat out oifname inside masquerade random")
+        inside("desk", "ip addr add 10.78.0.2/24 dev inside", "ip link set inside up",
+               "ip route add default via 10.78.0.1")
 
     def start(self, ready="LineOpen[", transport="udp", host=HOST, keys=""):
         """Starts the program and waits until its log contains `ready`."""
@@ -113,6 +129,11 @@ class NetworkTest(harness.ProgramCase):
         self.plug_in()
         self.assert_calls_come_through()
         self.assert_line_answers(f"[{FIRST6}]:5060", SERVER6)
+
+    def test_a_router_hides_the_line(self):
+        self.plug_in_behind_a_router()
+        self.start()
+        self.assert_calls_come_through()
 
     def test_the_first_server_dies(self):
         self.serve_calls(5061, 5071)

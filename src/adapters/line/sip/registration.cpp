@@ -124,6 +124,7 @@ void Registration::PathBroke() {
   if (!std::exchange(registered_, false)) return;
   if (std::chrono::steady_clock::now() - started_ >= kRest) return Again();
   CancelRequest();
+  if (NextServer()) return Ask(life_);
   RetryLater({.reason = "the connection broke"});
 }
 
