@@ -8,6 +8,7 @@
 
 #include "adapters/line/sip/name_address.h"
 #include "base/text.h"
+#include "base/unicode.h"
 
 namespace orven {
 namespace {
@@ -35,7 +36,7 @@ std::string WhoOf(const NameAddress& address) {
 
 Diversion ReadDiversion(const NameAddress& by) {
   const std::string privacy = ParameterIn(by.parameters, "privacy");
-  const std::string reason = ParameterIn(by.parameters, "reason");
+  const std::string reason = Utf8FromUnknown(ParameterIn(by.parameters, "reason"));
   std::string plain = reason;
   std::ranges::replace(plain, '-', ' ');
   const bool withheld = privacy == "full" || privacy == "uri";

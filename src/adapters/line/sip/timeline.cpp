@@ -2,6 +2,7 @@
 #include "adapters/line/sip/timeline.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace orven {
@@ -59,23 +60,39 @@ void TimeLine::Finish(Time now, AudioSink& sink) {
 
 void TimeLine::Leave(AudioSink& sink, Time::duration patience) {
   while (!waiting_.empty()) {
-    auto& [packet, payload, taken] = waiting_.begin()->second;
-    if (is_first_ && packet.samples > 0) position_ = std::min(position_, packet.place);
+    const auto [next, is_lost] = NextAudio();
+    auto& [packet, payload, taken] = next->second;
+    const bool is_audio = packet.samples > 0;
+    if (is_first_ && is_audio) position_ = std::min(position_, packet.place);
     const std::int64_t gap = packet.place - position_;
-    const bool is_lost = packet.number != number_ + 1;
-    if (gap > 0 && is_lost && listened_ - taken < patience) break;
-    if (packet.samples > 0 && !(is_lost && Recover(packet.codec, payload, gap))) Fill(gap, is_lost, sink);
+    // Audio tells whether anything is missing before it; a key press may come before audio that is late.
+    const bool has_gap = is_lost && (gap > 0 || !is_audio);
+    if (has_gap && listened_ - waiting_.begin()->second.taken < patience) break;
     packet.payload = payload;
+    if (is_audio && !(is_lost && Recover(packet, gap))) Fill(gap, is_lost, sink);
     Append(packet);
-    waiting_.erase(waiting_.begin());
+    waiting_.erase(waiting_.begin(), std::next(next));
   }
   Write(sink);
 }
 
+/// The first packet that waits and has audio, or the last one when none has, and whether packets are missing
+/// before it. There is one that waits.
+std::pair<TimeLine::Packets::iterator, bool> TimeLine::NextAudio() {
+  auto next = waiting_.begin();
+  bool is_lost = next->first != number_ + 1;
+  while (next->second.packet.samples == 0 && std::next(next) != waiting_.end()) {
+    const std::int64_t before = next->first;
+    is_lost = (++next)->first != before + 1 || is_lost;
+  }
+  return {next, is_lost};
+}
+
 /// Closes a gap where packets were lost with what the next one repeats of them, if its codec does so.
-bool TimeLine::Recover(Codec codec, std::span<const std::uint8_t> next, std::int64_t gap) {
+bool TimeLine::Recover(const PlacedPacket& next, std::int64_t gap) {
   const std::size_t begin = complete_.size();
-  if (gap <= 0 || !decoder_.Recover(codec, next, static_cast<std::size_t>(gap), complete_)) return false;
+  if (gap <= 0 || !decoder_.Recover(next.codec, next.payload, static_cast<std::size_t>(gap), complete_))
+    return false;
   concealer_.Follow(std::span(complete_).subspan(begin));
   return true;
 }

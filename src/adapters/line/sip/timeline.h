@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "adapters/line/sip/codec.h"
@@ -45,20 +46,23 @@ class TimeLine {
     Time::duration taken{};  ///< when, by `listened_`
   };
 
+  using Packets = std::map<std::int64_t, Waiting>;
+
   void Leave(AudioSink& sink, Time::duration patience);
-  bool Recover(Codec codec, std::span<const std::uint8_t> next, std::int64_t gap);
+  std::pair<Packets::iterator, bool> NextAudio();
+  bool Recover(const PlacedPacket& next, std::int64_t gap);
   void Fill(std::int64_t gap, bool is_lost, AudioSink& sink);
   void Append(const PlacedPacket& packet);
   void Write(AudioSink& sink);
 
   bool begun_ = false;
-  std::map<std::int64_t, Waiting> waiting_;  ///< by number
-  std::int64_t number_ = 0;                  ///< the latest packet passed on
-  std::int64_t position_ = 0;                ///< the place up to which audio was passed on
-  bool is_first_ = true;                     ///< no audio was passed on
-  Time arrived_;                             ///< when the latest packet came
-  Time spoken_;                              ///< when audio came last, at first the beginning
-  Time::duration listened_{};                ///< grows only while packets come
+  Packets waiting_;            ///< by number
+  std::int64_t number_ = 0;    ///< the latest packet passed on
+  std::int64_t position_ = 0;  ///< the place up to which audio was passed on
+  bool is_first_ = true;       ///< no audio was passed on
+  Time arrived_;               ///< when the latest packet came
+  Time spoken_;                ///< when audio came last, at first the beginning
+  Time::duration listened_{};  ///< grows only while packets come
   Decoder decoder_;
   Concealer concealer_;
   std::vector<std::int16_t> complete_;  ///< not yet written

@@ -158,6 +158,7 @@ TEST(TimeLineTest, EveryPacketThatComesIsAtItsPlaceAndNothingIsAddedOrLost) {
       {"the sender pauses", Pause, 2150, 600},
       {"the sender pauses, packets late by up to 300 ms", Both(Pause, Jitter), 2500, 600},
       {"a key is pressed", Press, 400, 600},
+      {"a key is pressed, packets late by up to 300 ms", Both(Press, Jitter), 700, 600},
       {"the sender's clock is slow", drift(300), 400, 30'000},
       {"the sender's clock is fast", drift(-300), 150, 30'000},
       {"a stall of 1 s, caught up", stall(1000, true), 1150, 600},
