@@ -29,7 +29,9 @@ SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink e
                   {[this](SipEndpoint& at, const sip_msg& request) { return TakeWithin(at, request); },
                    [this](SipEndpoint& at, const sip_msg& invite) { TakeInvite(at, invite); },
                    [this] { Finish(); }, [this](SipEndpoint& endpoint) { return Leave(endpoint); },
-                   [this] { LookAtNetwork(NetworkChange::kNone); }}),
+                   [this] {
+                     if (!closing_) LookAtNetwork(NetworkChange::kNone);
+                   }}),
       network_([this](NetworkChange change) { LookAtNetwork(change); }),
       close_timer_([this] { Finish(); }),
       tidy_timer_([this] { TidyMemory(); }) {}

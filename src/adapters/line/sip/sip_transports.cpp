@@ -61,8 +61,12 @@ std::optional<OpenFailure> SipTransports::Open(const Listener& listener) {
     if (!later && (error = result) != 0) break;
   }
   if (error == 0) return std::nullopt;
+  std::string reason = ErrorText(error);
+  if (listener.lookup != nullptr && listener.expanded.empty()) {
+    reason = listener.named.empty() ? "its address cannot be found" : "it has no address of this computer";
+  }
   return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                     "cannot listen on " + failed->text + ": " + ErrorText(error)};
+                     "cannot listen on " + failed->text + ": " + reason};
 }
 
 std::optional<OpenFailure> SipTransports::PrepareTls() {

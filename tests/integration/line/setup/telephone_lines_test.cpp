@@ -128,6 +128,7 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
       {"account = sip:1@" + Free() + "\ntransport = tcp", "is refused", "is refused"},
       {login("100") + "\nlisten = 192.0.2.1:5060", "not an address of this computer",
        "cannot listen on 192."},
+      {"listen = x.invalid:5060", "x.invalid:5060: its address cannot be found", "its address cannot be found"},
       {"tls_trust = trust.pem", "Calls can come in at " + own, "Waiting for calls"},
       {"tls_listen = " + Free(), "Calls can come in at " + own + ", with TLS", "Waiting for calls"},
       {"tls_certificate = gone.pem\ntls_listen = " + Free(), "gone.pem cannot be used",
