@@ -132,7 +132,8 @@ void RtpStream::Stop() {
   started_ = false;
   ticker_.Stop();
   Keep();
-  audio_.Keep([this](AudioSink& sink) { kept_.Finish(Clock::now(), sink); });
+  const Time end = hung_up_.value_or(Clock::now());  // waiting for late audio is no pause of the caller
+  audio_.Keep([this, end](AudioSink& sink) { kept_.Finish(end, sink); });
   audio_.OnStopRecord({});
 }
 
