@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdint>
 #include <utility>
 
 #include "adapters/sound/sound_server.h"
@@ -36,8 +35,7 @@ class SoundThread::Inbox {
 
   void Put(Task task) {
     tasks_.Put(std::move(task));
-    const std::uint64_t one = 1;
-    static_cast<void>(::write(event_, &one, sizeof one));
+    ::eventfd_write(event_, 1);
   }
 
   /// Runs the tasks until one is empty.
@@ -53,8 +51,8 @@ class SoundThread::Inbox {
 
  private:
   static void Woken(pa_mainloop_api* api, pa_io_event*, int event, pa_io_event_flags_t, void* self) {
-    std::uint64_t count = 0;
-    static_cast<void>(::read(event, &count, sizeof count));
+    eventfd_t count = 0;
+    ::eventfd_read(event, &count);
     auto& inbox = *static_cast<Inbox*>(self);
     while (const auto task = inbox.tasks_.Take()) {
       if (!*task) return api->quit(api, 0);
