@@ -245,6 +245,7 @@ TEST(CallerIdentityTest, ReadsWhatNetworksSend) {
       {{"garbage"}, from, "", "From|1"},
       {{ann}, anonymous, "none", "Ann|1"},
       {{ann}, "<sip:1@h>", "critical; id", "|"},
+      {{}, from, "header", "|"},
       {{}, anonymous, "", "|"},
       {{}, "<sip:x@anonymous.invalid:5060>", "", "|"},
       {{}, "Anonymous <sip:123@h>", "", "|"},
