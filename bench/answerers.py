@@ -44,12 +44,13 @@ class Process:
         return time.clock_gettime(~self.number << 3 | 2)
 
     def wake_ups(self):
-        """Voluntary context switches so far of the threads that run now."""
-        count = 0
+        """Voluntary context switches so far of each thread that runs now."""
+        counts = {}
         for path in glob.glob(f"/proc/{self.number}/task/*/status"):
             with contextlib.suppress(FileNotFoundError, ProcessLookupError), open(path, encoding="ascii") as status:
-                count += next(int(line.split()[1]) for line in status if line.startswith("voluntary_ctxt_switches"))
-        return count
+                fields = dict(line.split(":", 1) for line in status)
+                counts[path] = int(fields["voluntary_ctxt_switches"])
+        return counts
 
     def megabytes(self, *names):
         """These lines of /proc/PID/smaps_rollup, for example "Rss"."""

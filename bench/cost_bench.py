@@ -4,7 +4,7 @@
 
     cost_bench.py PROGRAM FLOOR [--before PROGRAM] [--quick]
 
-All programs run side by side and are measured in turn, so that a slow moment of the computer meets each of them: ORVEN
+All programs run side by side and record in turn, so that a slow moment of the computer meets each of them: ORVEN
 hidden and with its window shown, another build of it (--before), baresip recording the same call, and the program
 FLOOR, which only wakes up for a timer of 10 ms and for each packet (floor.cpp). Processor time of a recorded minute is
 net of the same program's waiting; a wake-up is a voluntary context switch of any of its threads.
@@ -42,6 +42,20 @@ class Cost:
     wake_ups: float
 
 
+class Meter:
+    """Measures a process from now on."""
+
+    def __init__(self, process):
+        self._process = process
+        self._processor, self._wake_ups, self._begin = process.cpu_seconds(), process.wake_ups(), time.monotonic()
+
+    def cost(self):
+        """Without the wake-ups of threads that have ended meanwhile."""
+        passed = time.monotonic() - self._begin
+        wake_ups = sum(count - self._wake_ups.get(thread, 0) for thread, count in self._process.wake_ups().items())
+        return Cost((self._process.cpu_seconds() - self._processor) / passed, wake_ups / passed)
+
+
 @dataclasses.dataclass
 class Measured:
     """One program, and what it used in each round."""
@@ -55,16 +69,13 @@ class Measured:
     recording_memory: tuple = ()
 
 
-def cost_of(process, seconds):
-    processor, wake_ups, begin = process.cpu_seconds(), process.wake_ups(), time.monotonic()
+def wait(running, seconds):
+    """All at once: none of them disturbs another."""
+    meters = [Meter(program.who.process) for program in running]
     time.sleep(seconds)
-    passed = time.monotonic() - begin
-    return Cost((process.cpu_seconds() - processor) / passed, (process.wake_ups() - wake_ups) / passed)
-
-
-def wait(program, seconds):
-    program.waiting_memory = program.who.process.megabytes("Rss", "Pss", "Anonymous")
-    program.waiting.append(cost_of(program.who.process, seconds))
+    for program, meter in zip(running, meters):
+        program.waiting.append(meter.cost())
+        program.waiting_memory = memory(program)
 
 
 def record(program, seconds):
@@ -77,8 +88,14 @@ def record(program, seconds):
         call.to_send.extend(sip_telephone.noise_blocks(BEGIN_SECONDS + seconds + 1))
         call.talk()
         time.sleep(BEGIN_SECONDS)
-        program.recording.append(cost_of(program.who.process, seconds))
-        program.recording_memory = program.who.process.megabytes("Rss", "Pss", "Anonymous")
+        meter = Meter(program.who.process)
+        time.sleep(seconds)
+        program.recording.append(meter.cost())
+        program.recording_memory = memory(program)
+
+
+def memory(program):
+    return program.who.process.megabytes("Rss", "Pss", "Anonymous")
 
 
 def report(program):
@@ -121,12 +138,13 @@ def main(path, floor, before, rounds, seconds):
     with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as stack:
         running = list(programs(stack, folder, path, floor, before))
         time.sleep(SETTLING_SECONDS)
-        for work, number in [(work, number) for work in (wait, record) for number in range(rounds)]:
-            for program in running:
-                try:
-                    work(program, seconds)
-                except (sip_telephone.NoCall, processes.Failed, OSError) as failure:
-                    print(f"FAILED: {work.__name__}, round {number + 1}, {program.name}: {failure}")
+        for _ in range(rounds):
+            wait(running, seconds)
+        for program in running * rounds:
+            try:
+                record(program, seconds)
+            except (sip_telephone.NoCall, processes.Failed, OSError) as failure:
+                print(f"FAILED: {program.name}: {failure}")
         print(f"{rounds} rounds of {seconds:g} s; memory is resident/proportional/own, in MB\n"
               f"{'':18} {'a recorded minute':28}wake-ups/s  a waited minute  wake-ups/s  "
               f"{'memory, waiting':20} {'memory, recording':20} aim")
@@ -142,4 +160,4 @@ if __name__ == "__main__":
     arguments.add_argument("--before")
     arguments.add_argument("--quick", action="store_true")
     chosen = arguments.parse_args()
-    main(chosen.program, chosen.floor, chosen.before, *((2, 20.0) if chosen.quick else (3, 60.0)))
+    main(chosen.program, chosen.floor, chosen.before, *((2, 20.0) if chosen.quick else (2, 60.0)))
