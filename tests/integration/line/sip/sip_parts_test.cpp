@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The parts of the SIP line that need no network: jitter buffer, SDP, keys, digits, caller names.
+// The parts of the SIP line that need no network: jitter buffer, SDP, keys, digits, names, answers.
 #include <opus.h>
 
 #include <regex>
@@ -9,6 +9,7 @@
 #include "adapters/line/sip/diversion.h"
 #include "adapters/line/sip/jitter_buffer.h"
 #include "adapters/line/sip/media_agreement.h"
+#include "adapters/line/sip/register_answer.h"
 #include "adapters/line/sip/srtp.h"
 #include "integration/line/sip/sip_line_test.h"
 
@@ -290,6 +291,35 @@ TEST(DiversionTest, TellsWhoDivertedACallAndWhy) {
   for (const auto& [diversions, history, result] : kRows) {
     const auto found = DiversionIn(diversions, history);
     EXPECT_EQ(found ? found->from + "|" + found->reason : "none", result);
+  }
+}
+
+TEST(RegisterAnswerTest, TellsWhereTheServerSeesUs) {
+  // The transport, the parameters of the answer's Via, and where we are. Over TLS a connection is the only
+  // way to us.
+  const std::tuple<sip_transp, const char*, const char*> kRows[] = {
+      {SIP_TRANSP_UDP, "rport=4000", "192.0.2.1:4000"},
+      {SIP_TRANSP_TCP, "rport=4000", "here"},
+      {SIP_TRANSP_TLS, "rport=4000", "192.0.2.1:4000"},
+      {SIP_TRANSP_TCP, "rport=4000;received=198.51.100.7", "198.51.100.7:4000"},
+      {SIP_TRANSP_UDP, "rport=5070;received=192.0.2.1", "here"},
+      {SIP_TRANSP_UDP, "x=y", "unknown"},
+  };
+  sa own{};
+  ASSERT_EQ(sa_set_str(&own, "192.0.2.1", 5070), 0);
+  for (const auto& [transport, parameters, where] : kRows) {
+    const LibrePtr<mbuf> text(mbuf_alloc(512));
+    ASSERT_EQ(mbuf_printf(text.get(), "SIP/2.0 200 OK\r\nVia: SIP/2.0/UDP 192.0.2.1:5070;branch=z;%s\r\n\r\n",
+                          parameters),
+              0);
+    text->pos = 0;
+    sip_msg* message = nullptr;
+    ASSERT_EQ(sip_msg_decode(&message, text.get()), 0);
+    const LibrePtr<sip_msg> answer(message);
+    answer->tp = transport;
+    const auto seen = SeenAddress(*answer, own);
+    const std::string told = !seen ? "unknown" : sa_isset(&*seen, SA_ALL) ? AddressText(*seen) : "here";
+    EXPECT_EQ(told, where) << parameters;
   }
 }
 
