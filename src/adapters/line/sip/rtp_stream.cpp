@@ -23,9 +23,6 @@ constexpr std::int64_t kGroup = 5;
 /// After a longer stall (a suspended computer) the missed blocks are skipped.
 constexpr std::int64_t kMostLateBlocks = 100;
 
-/// The newest packet of a sender that talks ends at most this much (40 ms, in samples) before the clock.
-constexpr std::int64_t kOnTime = 2 * std::int64_t{kBlockSamples};
-
 /// Without a packet for longer (1 s) the sender was silent, and none is under way.
 constexpr std::int64_t kLate = kSampleRate;
 
@@ -114,14 +111,14 @@ bool RtpStream::AwaitsMore() {
   return IsUnderWay(*hung_up_);
 }
 
-/// Packets before the newest one have not come, or the newest one is not the last that was sent: the packets
-/// came in time until now, and the clock is further on.
+/// Packets before the newest one have not come, or the one after it is due: packets came in time until now,
+/// and the clock is beyond the newest one's end.
 bool RtpStream::IsUnderWay(Time now) {
   if (now - *hung_up_ >= timers_.last_audio) return false;
   bool waits = false;
   audio_.Keep([&](AudioSink&) {
     const std::int64_t behind = placement_->Clock(*hung_up_) - placement_->End();
-    waits = kept_.Waits() || (behind > kOnTime && behind < kLate);
+    waits = kept_.Waits() || (behind > 0 && behind < kLate);
   });
   return waits;
 }
