@@ -68,6 +68,8 @@ Registration::~Registration() {
 }
 
 void Registration::Start() {
+  // Not as soon as it works: a server that closes each connection must not be pressed.
+  if (registered_) retry_ = settings_.timers.registration_retry_first;
   if (!registered_) ports_.news({});
   moved_ = false;
   started_ = std::chrono::steady_clock::now();
@@ -79,9 +81,12 @@ void Registration::Start() {
 }
 
 /// The server with which we are registered comes first if it is still listed; without a result the known
-/// servers stay.
+/// servers stay. Those without a route, often all of one family, are left out while others have one: they
+/// would only shorten the patience with these and hide why they fail.
 void Registration::Prefer(std::vector<ServerAddress> servers) {
   if (servers.empty()) servers = servers_;
+  const auto no_route = [this](const ServerAddress& one) { return ports_.towards(one) == nullptr; };
+  if (!std::ranges::all_of(servers, no_route)) std::erase_if(servers, no_route);
   if (registered_) {
     const auto same = std::ranges::find(servers, servers_[server_]);
     if (same != servers.end()) std::rotate(servers.begin(), same, same + 1);
@@ -170,6 +175,7 @@ void Registration::End() {
 }
 
 int Registration::Send(seconds life) {
+  CancelRequest();  // a short lifetime may end before the answer to an earlier one
   asked_ = life;
   if (servers_.empty()) return ENOENT;
   const ServerAddress& server = servers_[server_];
@@ -274,7 +280,6 @@ void Registration::Registered(const sip_msg& response) {
   registered_ = true;
   bound_ = contact_;
   too_brief_ = 0;
-  retry_ = settings_.timers.registration_retry_first;
   const milliseconds pause = milliseconds(granted) * kRefreshPercent / 100;
   timer_.StartOnce(pause);
   path_.Keep(*stack_, servers_[server_].address, response);

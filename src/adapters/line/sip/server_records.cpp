@@ -88,7 +88,8 @@ class Records {
     }
   }
 
-  /// The hosts of the SRV records of `name`.
+  /// The hosts of the SRV records of `name`. One without a name says that this transport is not offered (RFC
+  /// 2782).
   std::vector<Host> Hosts(const std::string& name, std::string_view transport) {
     std::vector<Host> hosts;
     Each(name, ns_t_srv, [&](const ns_msg& message, const unsigned char* data, std::size_t size) {
@@ -160,9 +161,11 @@ std::vector<Host> HostsOf(const ServerName& server) {
   for (const Service& one : services) {
     std::ranges::move(records.Hosts(one.name, one.transport), std::back_inserter(hosts));
   }
+  const auto is_offer = [](const Host& one) { return !one.name.empty(); };
   for (const Transport& one : kTransports) {
-    if (hosts.empty() && (open || &one == &transport)) {
-      hosts = records.Hosts(std::string(one.prefix) + server.host, one.name);
+    if (std::ranges::none_of(hosts, is_offer) && (open || &one == &transport)) {
+      std::ranges::move(records.Hosts(std::string(one.prefix) + server.host, one.name),
+                        std::back_inserter(hosts));
     }
   }
   if (hosts.empty()) hosts.push_back({server.host, transport.port, transport.name});

@@ -238,12 +238,15 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     PutFile(folder / "resolv.conf", "nameserver 127.0.0.1\n");
     shell("ip link set lo up && mount --make-rprivate / && mount --bind " + (folder / "resolv.conf") +
           " /etc/resolv.conf");
-    const Socket heavy = Socket::Udp(), light = Socket::Udp(), last = Socket::Udp();
+    const Socket heavy = Socket::Udp(), light = Socket::Udp(), last = Socket::Udp(),
+                 by_tcp = Socket::TcpListening();
     std::string names =
         "dnsmasq --keep-in-foreground --conf-file=/dev/null --no-hosts --no-resolv --user=root --pid-file= "
         "--bind-interfaces --listen-address=127.0.0.1 --address=/a.test/phone.test/none.test/127.0.0.1 "
         "--srv-host=_sip._udp.none.test --naptr-record=home.test,2,1,s,SIP+D2U,,_sip._udp.home.test "
-        "--naptr-record=home.test,1,1,s,SIPS+D2T,,_sips._tcp.home.test";
+        "--naptr-record=home.test,1,1,s,SIPS+D2T,,_sips._tcp.home.test "
+        "--srv-host=_sip._tcp.none.test,a.test," +
+        std::to_string(by_tcp.Port());
     for (const auto& [server, rank] : {std::pair(&last, ",2,0"), {&light, ",1,0"}, {&heavy, ",1,65535"}})
       names += " --srv-host=_sip._udp.home.test,a.test," + std::to_string(server->Port()) + rank;
     const std::unique_ptr<FILE, int (*)(FILE*)> name_server(
@@ -253,6 +256,8 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     OpenAt("none.test");
     EXPECT_TRUE(events.Wait("no server named none.test"));
     account.transport = "auto";
+    OpenAt("none.test");
+    EXPECT_NE(Next(by_tcp.Accept()), "") << "the other transport, which is offered";
     settings.timers.server_patience = milliseconds(300);
     OpenAt("home.test");
     EXPECT_NE(Next(heavy), "");  // which never answers
