@@ -129,12 +129,13 @@ void DatagramSocket::LeaveToDrain() {
   fd_close(fd_);
 }
 
-void DatagramSocket::Drain() {
+std::size_t DatagramSocket::Drain() {
   timespec clock{};
   (void)::clock_gettime(CLOCK_REALTIME, &clock);
   const Time now = std::chrono::steady_clock::now();
   Batch batch;
-  for (std::size_t read = 0; read < kMostPerTurn; read += kBatch) {
+  std::size_t read = 0;
+  for (std::size_t turn = 0; turn < kMostPerTurn; turn += kBatch) {
     if (std::exchange(refused_, false)) DrainRefusals();
     const int count = batch.Receive(fd_);
     // Any other error is the report of a refusal; the next datagram may be fine.
@@ -143,14 +144,17 @@ void DatagramSocket::Drain() {
     for (int i = 0; i < count; ++i) {
       auto& slot = batch.slots[static_cast<std::size_t>(i)];
       auto& [header, size] = batch.headers[static_cast<std::size_t>(i)];
+      if ((header.msg_flags & MSG_TRUNC) != 0) continue;
       slot.source.len = header.msg_namelen;
       // The system's clock may have been set meanwhile.
       const Time arrived = std::clamp(now - AgeOf(header, clock), std::min(drained_, now), now);
       handlers_.received(slot.source, {slot.data.data(), size}, arrived);
     }
+    read += static_cast<std::size_t>(std::max(count, 0));
     if (count < static_cast<int>(kBatch)) break;
   }
   drained_ = now;
+  return read;
 }
 
 void DatagramSocket::DrainRefusals() {

@@ -56,8 +56,9 @@ class DatagramSocket {
   DatagramSocket& operator=(const DatagramSocket&) = delete;
   ~DatagramSocket();
 
-  /// Delivers all datagrams that have arrived; the event loop does so too, until LeaveToDrain.
-  void Drain();
+  /// Delivers the datagrams that have arrived, up to 256, and returns how many; the event loop does so too,
+  /// until LeaveToDrain.
+  std::size_t Drain();
 
   /// From now on only Drain reads. For a caller that drains regularly, being woken for each datagram as well
   /// would only cost time.

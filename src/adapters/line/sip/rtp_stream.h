@@ -27,7 +27,7 @@ namespace orven {
 /// played and nobody listens along, it does the work of 100 ms at once. SIP thread.
 class RtpStream {
  public:
-  /// What happens in a call's audio. SIP thread, never inside RtpStream's operations.
+  /// What happens in a call's audio. SIP thread, also within RtpStream's operations.
   struct Events {
     std::function<void()> heard;  ///< the peer's first audio has arrived
     std::function<void(DigitSource source, char digit, DigitMerger::Time at)> digit;
@@ -76,7 +76,7 @@ class RtpStream {
 
   void Agree(const MediaAgreement& agreement);
   void Tick();
-  void SendBlock();
+  void SendBlock(bool may_play);
   void Send(std::span<const std::uint8_t> packet);
   void Keep();
   void HearBlock(Time at);
@@ -116,6 +116,7 @@ class RtpStream {
   Time start_;
   std::int64_t blocks_ = 0;           ///< blocks handled since start_
   std::chrono::milliseconds pace_{};  ///< between two turns
+  bool flooded_ = false;              ///< the latest turn read more than a peer sends
   Time alive_;                        ///< when the peer last sent something
   std::optional<Time> refused_since_;
   std::optional<Time> hung_up_;

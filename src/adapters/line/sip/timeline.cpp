@@ -51,6 +51,7 @@ void TimeLine::PassOn(AudioSink& sink) {
 }
 
 void TimeLine::Finish(Time now, AudioSink& sink) {
+  if (!begun_) return;
   Leave(sink, 0s);
   if (now - spoken_ > kStall) Fill(SamplesIn(now - spoken_), false, sink);
   Write(sink);

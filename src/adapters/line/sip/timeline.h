@@ -33,7 +33,8 @@ class TimeLine {
   /// Writes what has no gap before it. Begun only.
   void PassOn(AudioSink& sink);
 
-  /// Writes all that has come, and silence up to `now` if the sender pauses. The recording is over.
+  /// Writes all that has come, and silence up to `now` if the sender pauses. The recording is over. Nothing
+  /// happens if it has not begun.
   void Finish(Time now, AudioSink& sink);
 
   /// Packets beyond a gap wait.

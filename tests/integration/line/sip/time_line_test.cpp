@@ -183,6 +183,9 @@ TEST(TimeLineTest, EveryPacketThatComesIsAtItsPlaceAndNothingIsAddedOrLost) {
     EXPECT_NEAR(static_cast<double>(message.all.size()) / 8, spoken - kFirst * 20.0, 20) << name;
     EXPECT_LE(behind, limit) << name;
   }
+  Message none;
+  TimeLine().Finish(Placement::Time(std::chrono::hours(1)), none);
+  EXPECT_TRUE(none.all.empty()) << "it ends before it begins";
 }
 
 }  // namespace
