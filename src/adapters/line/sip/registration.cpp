@@ -155,6 +155,7 @@ std::string Registration::FailureText(int error) const {
 bool Registration::NextServer() {
   if (server_ + 1 >= servers_.size()) return false;
   ++server_;
+  moved_ = false;  // it may see us elsewhere
   login_.Reset();  // what one server asks is nothing to the next
   return true;
 }

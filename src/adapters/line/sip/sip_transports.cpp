@@ -62,6 +62,7 @@ std::optional<OpenFailure> SipTransports::Open(const Listener& listener) {
   }
   if (error == 0) return std::nullopt;
   std::string reason = ErrorText(error);
+  if (error == EINVAL) reason = "a link-local address needs its network, as in [fe80::5%eth0]:5060";
   if (listener.lookup != nullptr && listener.expanded.empty()) {
     reason = listener.named.empty() ? "its address cannot be found" : "it has no address of this computer";
   }

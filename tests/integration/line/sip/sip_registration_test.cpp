@@ -261,7 +261,9 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     settings.timers.server_patience = milliseconds(300);
     OpenAt("home.test");
     EXPECT_NE(Next(heavy), "");  // which never answers
+    light.SendTo(port, Answer(Next(light), "200|Seen: 4000"));
     light.SendTo(port, Answer(Next(light), "503"));
+    last.SendTo(port, Answer(Next(last), "200|Seen: 4001"));
     last.SendTo(port, Answer(Next(last), "200|Expires: 1"));
     last.SendTo(port, Answer(Next(last), "503"));
     heavy.SendTo(port, Answer(Next(heavy), "200"));  // the one that worked was kept; now the first one
