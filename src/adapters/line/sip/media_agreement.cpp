@@ -161,14 +161,17 @@ int MediaNegotiation::Rank(const sdp_format& format) const {
 
 /// Of what is offered, leaves what our answer is to name, the best first.
 void MediaNegotiation::Choose() {
-  const auto in_order = [](le* one, le* next, void* self) {
-    const auto rank = [self](const le* element) {
-      return static_cast<MediaNegotiation*>(self)->Rank(*static_cast<const sdp_format*>(element->data));
-    };
-    return rank(one) <= rank(next);
-  };
+  // The library's own sort takes seconds for the thousands of formats that a hostile offer may have.
   for (const bool own : {true, false}) {
-    list_sort(const_cast<list*>(sdp_media_format_lst(audio_, own)), in_order, this);
+    auto* const all = const_cast<list*>(sdp_media_format_lst(audio_, own));
+    std::vector<sdp_format*> sorted;
+    for (const le* one = list_head(all); one != nullptr; one = one->next)
+      sorted.push_back(static_cast<sdp_format*>(one->data));
+    std::ranges::stable_sort(sorted, {}, [this](const sdp_format* format) { return Rank(*format); });
+    for (sdp_format* format : sorted) {
+      list_unlink(&format->le);
+      list_append(all, &format->le, format);
+    }
   }
   const auto offered = CommonFormats(audio_, false);
   const auto best = offered.empty() ? std::nullopt : CodecOf(*offered.front());
