@@ -2,7 +2,6 @@
 #include "adapters/audio/recording.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <utility>
 

@@ -2,8 +2,6 @@
 #include "adapters/line/sip/placement.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <initializer_list>
 
 #include "platform/audio_device.h"
 

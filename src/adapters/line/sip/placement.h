@@ -3,7 +3,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -28,9 +27,8 @@ struct PlacedPacket {
 /// - A step that the sequence numbers do not explain is a pause of the sender, unless the packet would then
 ///   have come before it was sent: then the sender's clock has jumped, and the packet follows those before.
 /// - Timestamps that stand still or go back while the sequence goes on: each packet follows the one before.
-/// - A new source, or a sequence that starts over, goes on at the end, plus the pause by our clock if no
-/// audio
-///   came for longer than 200 ms.
+/// - A new source, or a sequence that starts over, goes on at the end, plus the pause by our clock if it
+///   was longer than 200 ms.
 /// Packets with growing numbers have growing places and do not overlap. For one thread.
 class Placement {
  public:

@@ -3,9 +3,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "adapters/line/driver/line_audio.h"

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <span>
 #include <utility>
 #include <vector>
 
