@@ -53,11 +53,12 @@ SessionTimer::SessionTimer(const sip_msg& invite, seconds shortest, Events event
   ours_ = !KnowsTimers(invite) || WantsUsToConfirm(invite);
 }
 
-/// "Require" so that the caller knows that it is to confirm (RFC 4028, section 9).
+/// "Require" so that the caller knows that it is to confirm (RFC 4028, section 9); "Supported" because it is
+/// to be in the requests with which we do (section 7.4).
 std::string SessionTimer::Headers() const {
   if (interval_ == seconds(0)) return {};
   return "Session-Expires: " + std::to_string(interval_.count()) +
-         (ours_ ? ";refresher=uas\r\n" : ";refresher=uac\r\nRequire: timer\r\n");
+         (ours_ ? ";refresher=uas\r\nSupported: timer\r\n" : ";refresher=uac\r\nRequire: timer\r\n");
 }
 
 void SessionTimer::Restart() {

@@ -26,7 +26,8 @@ class SessionTimer {
   /// confirms if it can and does not ask us to.
   SessionTimer(const sip_msg& invite, std::chrono::seconds shortest, Events events);
 
-  /// The header lines of our answers to the caller's INVITE and UPDATE; empty without a timer.
+  /// The header lines of our answers to the caller's INVITE and UPDATE, and of our re-INVITE; empty without a
+  /// timer.
   std::string Headers() const;
 
   /// Begins to count: the call has been answered, or confirmed by an INVITE or UPDATE of either side.

@@ -37,8 +37,9 @@ bool IsNamed(const SipAccount& account) {
 std::string NoRouteText(const SipAccount& account, const std::string& listen, int error) {
   const auto address = ParseListen(listen);
   const bool everywhere = address && address->IsEverywhere();
-  return "there is no route from " + listen.substr(0, listen.rfind(':')) + " to " + WrittenServer(account) +
-         " (" + ErrorText(error) + ")" + (everywhere ? "" : ": * as address for calls uses every network");
+  const auto from = listen.starts_with(':') ? "*" : listen.substr(0, listen.rfind(':'));
+  return "there is no route from " + from + " to " + WrittenServer(account) + " (" + ErrorText(error) + ")" +
+         (everywhere ? "" : ": * as address for calls uses every network");
 }
 
 std::string TlsFailureText(const std::string& server, int error, const std::string& refusal) {

@@ -129,7 +129,7 @@ TEST_F(SipLineTest, ASessionTimerEndsACallThatNobodyConfirms) {
   Play("Ring 2 1,answer 1,< 200,> ACK");
   caller->SendRtp(RtpPacketBytes(0, 1, 160, NoiseBytes(1, 1)));
   std::string ours = caller->Take("INVITE");
-  EXPECT_EQ(Header(ours, "Session-Expires"), "2;refresher=uas");
+  EXPECT_EQ(Header(ours, "Session-Expires") + Header(ours, "Supported"), "2;refresher=uastimer");
   EXPECT_EQ(ours.substr(ours.find("m=")), caller->answer.substr(caller->answer.find("m=")))
       << "another offer";
   const auto sdp = std::regex_replace(caller->Sdp("0 101"), std::regex("audio .* RTP"), "audio 9 RTP");
