@@ -24,9 +24,6 @@ constexpr int kRefreshPercent = 80;
 /// The longest pause that a server can ask for.
 constexpr seconds kLongestPause = std::chrono::hours(24);
 
-/// Retries that only other routes or a path that breaks again and again cause are at least this far apart.
-constexpr seconds kRest(5);
-
 /// The longest random delay of a retry.
 constexpr seconds kLongestSpread(60);
 
@@ -104,7 +101,7 @@ void Registration::NetworkChanged(NetworkChange change) {
     // A registration that works is left alone, a pending request will be answered, and a refusal would be
     // repeated. Routes may change all the time, so the pause is not cut short each time.
     if (registered_ || refused_ || request_ != nullptr) return;
-    const auto rest = started_ + kRest - std::chrono::steady_clock::now();
+    const auto rest = started_ + settings_.timers.registration_rest - std::chrono::steady_clock::now();
     return timer_.StartOnce(std::max(milliseconds(0), std::chrono::ceil<milliseconds>(rest)));
   }
   Again();
@@ -127,7 +124,7 @@ void Registration::CancelRequest() {
 /// Calls came over this path: without it the registration is useless.
 void Registration::PathBroke() {
   if (!std::exchange(registered_, false)) return;
-  if (std::chrono::steady_clock::now() - started_ >= kRest) return Again();
+  if (std::chrono::steady_clock::now() - started_ >= settings_.timers.registration_rest) return Again();
   CancelRequest();
   if (NextServer()) return Ask(life_);
   RetryLater({.reason = "the connection broke"});

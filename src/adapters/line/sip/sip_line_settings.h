@@ -33,9 +33,11 @@ struct SipLineTimers {
   /// The first pause after a failed registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
   std::chrono::milliseconds registration_retry_longest{300'000};
-  /// The same for a server that is silent or out of reach, and may be back at any moment: with the random delay a
-  /// minute.
+  /// The same for a server that is silent or out of reach, and may be back at any moment: with the random
+  /// delay a minute.
   std::chrono::milliseconds registration_retry_silent{48'000};
+  /// Retries that only other routes or a path that breaks again and again cause are at least this far apart.
+  std::chrono::milliseconds registration_rest{5'000};
   /// How long one server is waited for while others could be asked: five requests by UDP, after 0,
   /// 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section 17.1.2.2).
   std::chrono::milliseconds server_patience{8'000};

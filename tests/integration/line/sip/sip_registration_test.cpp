@@ -205,6 +205,7 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   setrlimit(RLIMIT_NOFILE, &limit);
   const Socket server = Socket::TcpListening();
   settings.timers.registration_retry_first = milliseconds(200);
+  settings.timers.registration_rest = std::chrono::hours(1);  // however slow this machine is
   account.transport = "tcp";
   Open(server.Port());
   std::optional<Socket> connection(server.Accept());
