@@ -14,6 +14,10 @@ namespace {
 /// How many times in a row a server may call an answer too old.
 constexpr int kMostAnswers = 3;
 
+/// The server's and those of three proxies: one that names a new realm each time must not be answered for
+/// ever.
+constexpr std::size_t kMostRealms = 4;
+
 struct Algorithm {
   const EVP_MD* digest;
   bool session;  ///< the password's digest holds for one nonce only
@@ -111,6 +115,7 @@ DigestLogin::Verdict DigestLogin::Take(const sip_msg& response) {
 DigestLogin::Verdict DigestLogin::Take(const Challenge& asked) {
   Challenge* const known = Find(challenges_, asked);
   if (known == nullptr) {
+    if (challenges_.size() == kMostRealms) return Verdict::kRefused;
     challenges_.push_back(asked);
     return Verdict::kAnswer;
   }

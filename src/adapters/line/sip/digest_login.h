@@ -17,7 +17,7 @@ class DigestLogin {
  public:
   enum class Verdict : std::uint8_t {
     kAnswer,      ///< send the request again, with Headers
-    kRefused,     ///< user or password is wrong
+    kRefused,     ///< user or password is wrong, or there are too many realms
     kNoWayKnown,  ///< no algorithm that we support is offered
   };
 

@@ -116,6 +116,7 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
   settings.timers.registration_retry_longest = seconds(900);
   const std::string ask = "401|WWW:a:qop=\"auth-int,auth\"", again = " / 401|WWW:b:stale=true",
                     hash = "401|WWW:a:algorithm=";
+  const std::string realm = "401|WWW-Authenticate: Digest nonce=\"a\", realm=";
   const std::string md5 = "|here=300 MD5", seen = kPublic + "=300"s,
                     brief = "423|Min-Expires: ", soon = ", next after 10 s";
   const std::string registered = "registered, next after 240 s", sha = "|here=300 SHA-256";
@@ -150,6 +151,8 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
       {ask + " / 401|WWW:b:qop=auth", md5, "401, next after 900 s"},
       {ask + " / 200|Expires: 2 / 401|WWW:b:qop=auth / 200", md5 + md5 + md5, registered},
       {ask + again + " / 200", md5 + md5, registered},
+      {realm + "1 / " + realm + "2 / " + realm + "3 / " + realm + "4 / " + realm + "5",
+       md5 + md5 + " MD5" + md5 + " MD5 MD5" + md5 + " MD5 MD5 MD5", "401, next after 900 s"},
       {ask + again + again + again, md5 + md5 + md5, "401, next after 900 s"},
       {"200|Seen: 4000|Expires: 100 / 200", "|" + seen + " here=0", registered},
       {ask + "|Seen: 4000 / 200|Seen: 4000", "|" + seen + " MD5", registered},
