@@ -48,7 +48,7 @@ QPixmap Properties(Desk& desk) {
 
 QPixmap About() {
   frmAbout window("1.0.0.22",
-                  {{"Qt", "6.4.2", "LGPL-3.0-only", "windows, sound cards"},
+                  {{"Qt", "6.4.2", "LGPL-3.0-only", "windows"},
                    {"libre", "1.1.0", "BSD-3-Clause", "the telephone line (SIP)"},
                    {"SQLite", "3.40.1", "public domain", "the records of calls"}},
                   nullptr);
