@@ -24,8 +24,10 @@ LinesFile Read(const std::string& text) {
   for (const LineSection& section : file.sections) {
     const LineType& type = Named(LineTypes(), section.type);
     Require(!section.name.empty() && IsUtf8(section.name) && section.line_number > 0);
-    for (const auto& [key, value] : section.values)
-      Require(Named(type.keys, key).valid(value) && IsUtf8(value));
+    for (const auto& [name, value] : section.values) {
+      const LineKey* const key = FindKey(type, name);  // the numbered ones of further accounts, too
+      Require(key != nullptr && key->valid(value) && IsUtf8(value));
+    }
     for (const LineKey& key : type.keys)
       Require(!key.required || section.values.contains(std::string(key.name)));
   }
