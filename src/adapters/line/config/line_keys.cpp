@@ -10,6 +10,7 @@
 
 #include "adapters/line/config/codec_list.h"
 #include "adapters/line/sip/listen_address.h"
+#include "adapters/line/sip/sip_account.h"
 
 namespace orven {
 namespace {
@@ -69,10 +70,6 @@ bool IsAccount(std::string_view value) {
   const std::size_t at = value.find('@');
   if (at == value.npos || at == 0 || value.find_first_of(" \t<>\"") < at) return false;
   return IsServer(value.substr(at + 1));
-}
-
-bool IsTransport(std::string_view value) {
-  return value == "udp" || value == "tcp" || value == "tls" || value == "auto";
 }
 
 bool IsYesOrNo(std::string_view value) {

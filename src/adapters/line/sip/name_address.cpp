@@ -2,30 +2,13 @@
 #include "adapters/line/sip/name_address.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
-#include <cstdint>
 
 #include "base/text.h"
 #include "base/unicode.h"
 
 namespace orven {
 namespace {
-
-std::string DecodePercent(std::string_view text) {
-  std::string decoded;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    std::uint8_t value = 0;
-    const char* hex = text.data() + i + 1;
-    if (text[i] == '%' && i + 2 < text.size() && std::from_chars(hex, hex + 2, value, 16).ptr == hex + 2) {
-      decoded += static_cast<char>(value);
-      i += 2;
-    } else {
-      decoded += text[i];
-    }
-  }
-  return decoded;
-}
 
 /// Removes a quoted string from the beginning of `rest`; `rest` begins with the quote.
 std::string TakeQuoted(std::string_view& rest) {
@@ -62,7 +45,8 @@ void ReadUri(std::string_view uri, NameAddress& address) {
   if (const auto at = rest.rfind('@'); at != std::string_view::npos) {
     // What follows ":" or ";" is a password or parameters.
     const std::string_view user = rest.substr(0, at);
-    address.user = DecodePercent(user.substr(0, user.find_first_of(":;")));
+    const std::string_view name = user.substr(0, user.find_first_of(":;"));
+    address.user = PercentDecoded(name).value_or(std::string(name));
     rest = rest.substr(at + 1);
   }
   const auto headers = TakeFrom(rest, "?");

@@ -55,6 +55,11 @@ std::optional<SipAddress> AddressOf(const SipAccount& account) {
   return Parsed(account.address);
 }
 
+bool IsTransport(std::string_view transport) {
+  constexpr std::array<std::string_view, 4> kTransports{"udp", "tcp", "tls", "auto"};
+  return std::ranges::find(kTransports, transport) != kTransports.end();
+}
+
 std::string ProblemOf(const SipAccount& account) {
   if (!AddressOf(account)) {
     return "account \"" + account.address + "\" is not a SIP address like sip:100@example.org";
@@ -62,8 +67,7 @@ std::string ProblemOf(const SipAccount& account) {
   if (!account.proxy.empty() && !Parsed("sip:proxy@" + account.proxy)) {
     return "proxy \"" + account.proxy + "\" is not a server like sip.example.org or 192.0.2.1:5060";
   }
-  constexpr std::array kTransports{"udp", "tcp", "tls", "auto"};
-  if (std::ranges::find(kTransports, account.transport) == kTransports.end()) {
+  if (!IsTransport(account.transport)) {
     return "transport \"" + account.transport + "\" is not udp, tcp, tls or auto";
   }
   return {};

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "adapters/line/sip/server_records.h"
 
@@ -27,6 +28,9 @@ struct SipAddress {
 
 /// Nothing unless the account's address is usable.
 std::optional<SipAddress> AddressOf(const SipAccount& account);
+
+/// Whether `transport` may be an account's.
+bool IsTransport(std::string_view transport);
 
 /// What is wrong with `account`, for the log; empty when it is usable.
 std::string ProblemOf(const SipAccount& account);
