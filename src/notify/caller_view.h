@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "base/words.h"
 #include "platform/event_loop.h"
 #include "records/call.h"
 
@@ -32,8 +33,8 @@ class CallerViewWindow {
 
   virtual void ShowCommands(CallerCommands shown) noexcept = 0;
 
-  virtual void ShowStatus(const std::string& text) noexcept = 0;  ///< lblStatus
-  virtual void ShowRing(const std::string& text) noexcept = 0;    ///< lblMsgRingNum
+  virtual void ShowStatus(const Words& text) noexcept = 0;      ///< lblStatus
+  virtual void ShowRing(const std::string& text) noexcept = 0;  ///< lblMsgRingNum
   /// Its names, time and message path; any of them may be empty.
   virtual void ShowCall(const Call& call) noexcept = 0;
 };
@@ -76,7 +77,7 @@ class CallerView : public CallerViewClicks {
   /// Hides all commands: the call is over.
   void HideControl() { window_.ShowCommands(CallerCommands::None); }
   /// The call's state in a few words: "New Call".
-  void ShowMessage(const std::string& text) { window_.ShowStatus(text); }
+  void ShowMessage(const Words& text) { window_.ShowStatus(text); }
   /// The number of rings: "Ring : 3".
   void ShowRing(const std::string& text) { window_.ShowRing(text); }
   /// Name, number, date, time and message of the call.

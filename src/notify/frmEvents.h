@@ -10,8 +10,8 @@
 
 namespace orven {
 
-/// The events dialog: sounds, and when the caller view opens. The engine decides; the controls are made of the
-/// settings' rows. User-interface thread.
+/// The events dialog: sounds, and when the caller view opens. The engine decides; the controls are made of
+/// the settings' rows. User-interface thread.
 class frmEvents : public QDialog {
   Q_OBJECT
 

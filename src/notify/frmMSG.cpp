@@ -13,6 +13,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/icons.h"
+#include "widgets/translation.h"
 #include "widgets/window_placement.h"
 
 namespace orven {
@@ -271,8 +272,8 @@ void frmMSG::ShowCommands(CallerCommands shown) noexcept {
   if (shown == CallerCommands::WithoutAnswer) commands_.first()->hide();
 }
 
-void frmMSG::ShowStatus(const std::string& text) noexcept {
-  status_->setText(QString::fromStdString(text));
+void frmMSG::ShowStatus(const Words& text) noexcept {
+  status_->setText(Shown(text));
 }
 
 void frmMSG::ShowRing(const std::string& text) noexcept {

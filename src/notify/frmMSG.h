@@ -70,7 +70,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
   void Load() noexcept override;
   void Unload() noexcept override;
   void ShowCommands(CallerCommands shown) noexcept override;
-  void ShowStatus(const std::string& text) noexcept override;
+  void ShowStatus(const Words& text) noexcept override;
   void ShowRing(const std::string& text) noexcept override;
   void ShowCall(const Call& call) noexcept override;
 

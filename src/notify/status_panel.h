@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+
+#include "base/words.h"
 
 namespace orven {
 
@@ -11,7 +12,7 @@ class LineView {
  public:
   virtual ~LineView() = default;
   /// First panel of the status bar.
-  virtual void ShowStatus(const std::string& text) = 0;
+  virtual void ShowStatus(const Words& text) = 0;
   /// Shows the on/off button, and enables `mnuOn` or `mnuOff` to match. `trying`: the line is off and is
   /// opened as soon as possible; both are enabled then.
   virtual void ShowLine(bool on, bool trying) = 0;
@@ -23,7 +24,7 @@ class StatusPanel : public LineView {
  public:
   explicit StatusPanel(LineView& view) : view_(view) {}
 
-  void ShowStatus(const std::string& text) override {
+  void ShowStatus(const Words& text) override {
     ++writings_;
     view_.ShowStatus(text);
   }

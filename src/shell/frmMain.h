@@ -33,7 +33,7 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
   MainWindowViews Views(CallerViewWindow& caller_view);
 
   // LineView
-  void ShowStatus(const std::string& text) override;
+  void ShowStatus(const Words& text) override;
   void ShowLine(bool on, bool trying) override;
 
   // WindowFrame

@@ -5,6 +5,7 @@
 
 #include "shell/frmMain.h"
 #include "widgets/icons.h"
+#include "widgets/translation.h"
 #include "widgets/window_placement.h"
 
 namespace orven {
@@ -12,8 +13,8 @@ MainWindowViews frmMain::Views(CallerViewWindow& caller_view) {
   return {*this, *TBQuickOption_, *this, *ListView1_, *player_, caller_view};
 }
 
-void frmMain::ShowStatus(const std::string& text) {
-  StatusBar1_->ShowStatus(QString::fromStdString(text));
+void frmMain::ShowStatus(const Words& text) {
+  StatusBar1_->ShowStatus(Shown(text));
 }
 
 void frmMain::ShowLine(bool on, bool trying) {

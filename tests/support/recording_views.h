@@ -43,7 +43,7 @@ class RecordingCallerView : public CallerViewWindow {
     if (commands != shown && shown == CallerCommands::None) effect_("view:no commands");
     commands = shown;
   }
-  void ShowStatus(const std::string& text) noexcept override { effect_("view:" + text); }
+  void ShowStatus(const Words& text) noexcept override { effect_("view:" + text.English()); }
   void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
   void ShowCall(const Call& call) noexcept override {
     name = call.caller_name;
@@ -86,7 +86,7 @@ class RecordingViews : public LineView,
   // The line.
   bool line_on = false;
   const std::string& Status() const { return status_; }
-  void ShowStatus(const std::string& text) override { status_ = text; }
+  void ShowStatus(const Words& text) override { status_ = text.English(); }
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
 
   // The quick options.
@@ -275,30 +275,30 @@ class ScriptedDialogs : public Dialogs {
   std::vector<std::string> messages, informations;
   std::optional<std::string> chosen;  ///< the file or folder chosen in the next dialogs
   std::vector<std::string> chooser;   ///< title, filter and name of the latest file dialog
-  void Message(const std::string& text) override { messages.push_back(text); }
+  void Message(const Words& text) override { messages.push_back(text.English()); }
   std::function<void()> while_open = [] {};
-  void Information(const std::string& text) override {
-    informations.push_back(text);
+  void Information(const Words& text) override {
+    informations.push_back(text.English());
     while_open();
   }
   bool yes = false;
   std::vector<std::string> questions;
-  bool Confirm(const std::string& text, QuestionIcon /*icon*/) override {
-    questions.push_back(text);
+  bool Confirm(const Words& text, QuestionIcon /*icon*/) override {
+    questions.push_back(text.English());
     while_open();
     return yes;
   }
-  std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
+  std::optional<std::string> SaveAs(const Words& title, const std::string& filter,
                                     const std::string& name) override {
-    chooser = {title, filter, name};
+    chooser = {title.English(), filter, name};
     return chosen;
   }
-  std::string BrowseFolder(const std::string& title, const std::string& /*present*/) override {
-    chooser = {title};
+  std::string BrowseFolder(const Words& title, const std::string& /*present*/) override {
+    chooser = {title.English()};
     return chosen.value_or("");
   }
-  std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override {
-    chooser = {title, filter};
+  std::optional<std::string> OpenFile(const Words& title, const std::string& filter) override {
+    chooser = {title.English(), filter};
     return chosen;
   }
 };

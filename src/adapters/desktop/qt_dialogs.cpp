@@ -8,12 +8,12 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMainWindow>
-#include <QMessageBox>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QTimer>
 #include <QWindow>
 #include <iostream>
+#include <utility>
 
 namespace orven {
 namespace {
@@ -46,18 +46,6 @@ QWidget* Owner() {
   };
   while (owner != nullptr && open_over(owner) != nullptr) owner = open_over(owner);
   return owner;
-}
-
-/// Shows a box and returns the button that closed it.
-int Ask(QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
-        QMessageBox::StandardButton safe, Qt::WindowFlags flags = {}) {
-  QMessageBox box(icon, QString::fromUtf8(kTitle), QString::fromStdString(text), buttons, Owner());
-  box.setWindowModality(Qt::WindowModal);  // before the flags: it resets them
-  box.setWindowFlags(box.windowFlags() | flags);
-  box.setTextFormat(Qt::PlainText);  // names of greetings and callers are not markup
-  box.setDefaultButton(safe);
-  box.setEscapeButton(safe);
-  return box.exec();
 }
 
 /// Not every account has a folder for music; without one a dialog would open in the current folder.
@@ -95,63 +83,81 @@ bool HasDisplay() {
          platform != QLatin1String("minimal");
 }
 
-QtDialogs::QtDialogs(bool has_display) : QtDialogs(has_display, std::cerr) {}
+QtDialogs::QtDialogs(Translation shown, bool has_display)
+    : QtDialogs(std::move(shown), has_display, std::cerr) {}
 
-QtDialogs::QtDialogs(bool has_display, std::ostream& text_output)
-    : has_display_(has_display),
+QtDialogs::QtDialogs(Translation shown, bool has_display, std::ostream& text_output)
+    : shown_(std::move(shown)),
+      has_display_(has_display),
       text_output_(text_output),
       save_folder_(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
       open_folder_(QStandardPaths::writableLocation(QStandardPaths::MusicLocation)) {}
 
-void QtDialogs::Message(const std::string& text) {
-  if (!has_display_) return Tell(text);
+/// Shows a box and returns the button that closed it.
+int QtDialogs::Ask(QMessageBox::Icon icon, const Words& text, QMessageBox::StandardButtons buttons,
+                   QMessageBox::StandardButton safe, Qt::WindowFlags flags) const {
+  QMessageBox box(icon, QString::fromUtf8(kTitle), Text(text), buttons, Owner());
+  box.setWindowModality(Qt::WindowModal);  // before the flags: it resets them
+  box.setWindowFlags(box.windowFlags() | flags);
+  box.setTextFormat(Qt::PlainText);  // names of greetings and callers are not markup
+  box.setDefaultButton(safe);
+  box.setEscapeButton(safe);
+  return box.exec();
+}
+
+QString QtDialogs::Text(const Words& words) const {
+  return QString::fromStdString(shown_(words));
+}
+
+void QtDialogs::Message(const Words& text) {
+  if (!has_display_) return Tell(text.English());
   Ask(QMessageBox::NoIcon, text, QMessageBox::Ok, QMessageBox::Ok, Qt::WindowStaysOnTopHint);
 }
 
-void QtDialogs::Information(const std::string& text) {
-  if (!has_display_) return Tell(text);
+void QtDialogs::Information(const Words& text) {
+  if (!has_display_) return Tell(text.English());
   Ask(QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok);
 }
 
-bool QtDialogs::Confirm(const std::string& text, QuestionIcon icon) {
+bool QtDialogs::Confirm(const Words& text, QuestionIcon icon) {
   if (!has_display_) {
-    Tell(text + " (answered No: there is no display)");
+    Tell(text.English() + " (answered No: there is no display)");
     return false;
   }
   return Ask(IconOf(icon), text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
-std::optional<std::string> QtDialogs::SaveAs(const std::string& title, const std::string& filter,
+std::optional<std::string> QtDialogs::SaveAs(const Words& title, const std::string& filter,
                                              const std::string& suggested_name) {
   if (!has_display_) {
-    Tell(title + ": " + suggested_name + " (cancelled: there is no display)");
+    Tell(title.English() + ": " + suggested_name + " (cancelled: there is no display)");
     return std::nullopt;
   }
   const QString name = QString::fromStdString(suggested_name);
-  QFileDialog dialog(Owner(), QString::fromStdString(title), Existing(save_folder_), QtFileFilter(filter));
+  QFileDialog dialog(Owner(), Text(title), Existing(save_folder_), QtFileFilter(filter));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QFileInfo(name).suffix());
   dialog.selectFile(name);
   return Chosen(dialog, save_folder_);
 }
 
-std::optional<std::string> QtDialogs::OpenFile(const std::string& title, const std::string& filter) {
+std::optional<std::string> QtDialogs::OpenFile(const Words& title, const std::string& filter) {
   if (!has_display_) {
-    Tell(title + " (cancelled: there is no display)");
+    Tell(title.English() + " (cancelled: there is no display)");
     return std::nullopt;
   }
-  QFileDialog dialog(Owner(), QString::fromStdString(title), Existing(open_folder_), QtFileFilter(filter));
+  QFileDialog dialog(Owner(), Text(title), Existing(open_folder_), QtFileFilter(filter));
   dialog.setFileMode(QFileDialog::ExistingFile);
   return Chosen(dialog, open_folder_);
 }
 
-std::string QtDialogs::BrowseFolder(const std::string& title, const std::string& present) {
+std::string QtDialogs::BrowseFolder(const Words& title, const std::string& present) {
   if (!has_display_) {
-    Tell(title + " (cancelled: there is no display)");
+    Tell(title.English() + " (cancelled: there is no display)");
     return {};
   }
   auto folder = QString::fromStdString(present);
-  QFileDialog dialog(Owner(), QString::fromStdString(title), folder);
+  QFileDialog dialog(Owner(), Text(title), folder);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
   return Chosen(dialog, folder).value_or("");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QMessageBox>
 #include <QObject>
 #include <QString>
 #include <iosfwd>
@@ -17,20 +18,25 @@ bool HasDisplay();
 /// work.
 class QtDialogs final : public Dialogs {
  public:
-  explicit QtDialogs(bool has_display = HasDisplay());
-  QtDialogs(bool has_display, std::ostream& text_output);
+  /// `shown` translates what is shown on a display.
+  explicit QtDialogs(Translation shown, bool has_display = HasDisplay());
+  QtDialogs(Translation shown, bool has_display, std::ostream& text_output);
 
-  void Message(const std::string& text) override;
-  void Information(const std::string& text) override;
-  bool Confirm(const std::string& text, QuestionIcon icon) override;
-  std::optional<std::string> SaveAs(const std::string& title, const std::string& filter,
+  void Message(const Words& text) override;
+  void Information(const Words& text) override;
+  bool Confirm(const Words& text, QuestionIcon icon) override;
+  std::optional<std::string> SaveAs(const Words& title, const std::string& filter,
                                     const std::string& suggested_name) override;
-  std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override;
-  std::string BrowseFolder(const std::string& title, const std::string& present) override;
+  std::optional<std::string> OpenFile(const Words& title, const std::string& filter) override;
+  std::string BrowseFolder(const Words& title, const std::string& present) override;
 
  private:
+  int Ask(QMessageBox::Icon icon, const Words& text, QMessageBox::StandardButtons buttons,
+          QMessageBox::StandardButton safe, Qt::WindowFlags flags = {}) const;
+  QString Text(const Words& words) const;
   void Tell(const std::string& text);
 
+  const Translation shown_;
   bool has_display_;
   std::ostream& text_output_;
   QString save_folder_;  ///< where the last file was saved

@@ -13,6 +13,7 @@
 #include "core/mdlReg.h"
 #include "records/call.h"
 #include "records/message_recovery.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -44,6 +45,7 @@ Program::Program(Folders folders)
       folders_(std::move(folders)),
       system_(folders_.application),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
+      dialogs_([](const Words& words) { return Shown(words).toStdString(); }),
       background_(loop_),
       registry_file_(home_.Path("\\registry.reg"), [this](const std::string& text) { Report(text); }),
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),

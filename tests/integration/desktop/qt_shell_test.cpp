@@ -118,7 +118,7 @@ TEST_F(QtShellTest, AHelperIsStartedUnderItsAliasAndAFailedStartNamesTheProgram)
 
 TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   std::ostringstream output;
-  QtDialogs dialogs(HasDisplay(), output);
+  QtDialogs dialogs(&Words::English, HasDisplay(), output);
   EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question) ||
                dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
   EXPECT_EQ(output.str(),
@@ -144,13 +144,14 @@ TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
       EXPECT_EQ(box.parentWidget(), &dialog);
       box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
-    EXPECT_EQ(QtDialogs(true).Confirm("Delete <b>a</b> ?", QuestionIcon::None), button == QMessageBox::Yes);
+    EXPECT_EQ(QtDialogs(&Words::English, true).Confirm("Delete <b>a</b> ?", QuestionIcon::None),
+              button == QMessageBox::Yes);
   }
 }
 
 TEST(QtDialogs, FilesAreFilteredAndTheLastFolderIsOpenedAgain) {
   const ScratchFolder folder;
-  QtDialogs dialogs(true);
+  QtDialogs dialogs(&Words::English, true);
   QString seen;
   const auto choose = [&](const char* name) {
     WhenOpen<QFileDialog>([&, name](auto& box) {
