@@ -2,8 +2,8 @@
 #include "base/text.h"
 
 #include <algorithm>
-#include <charconv>
 
+#include "base/conversions.h"
 #include "base/unicode.h"
 
 namespace orven {
@@ -53,11 +53,9 @@ std::optional<std::string> PercentDecoded(std::string_view text) {
       continue;
     }
     if (text.size() - at < 3) return std::nullopt;
-    unsigned char byte = 0;
-    const char* const digits = text.data() + at + 1;
-    const auto [end, error] = std::from_chars(digits, digits + 2, byte, 16);
-    if (error != std::errc() || end != digits + 2) return std::nullopt;
-    decoded += static_cast<char>(byte);
+    const auto byte = WholeNumber<unsigned char>(text.substr(at + 1, 2), 16);
+    if (!byte) return std::nullopt;
+    decoded += static_cast<char>(*byte);
     at += 2;
   }
   return decoded;

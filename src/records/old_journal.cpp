@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <map>
 #include <optional>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/conversions.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "records/call.h"
@@ -37,15 +37,6 @@ struct OldCall {
   std::optional<std::int64_t> filed_after;  ///< identity of the newest record before it
 };
 
-template <class Number>
-std::optional<Number> ToNumber(std::string_view text) {
-  Number number{};
-  const auto* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return number;
-}
-
 OldCall CallOf(const std::vector<std::string>& fields) {
   OldCall old;
   auto field = fields.begin() + 2;
@@ -54,15 +45,15 @@ OldCall CallOf(const std::vector<std::string>& fields) {
     ++field;
   }
   old.call.message_left = *field++ == "1";
-  old.filed_after = ToNumber<std::int64_t>(*field++);
-  old.call.record = ToNumber<std::int64_t>(*field).value_or(0);
+  old.filed_after = WholeNumber<std::int64_t>(*field++);
+  old.call.record = WholeNumber<std::int64_t>(*field).value_or(0);
   return old;
 }
 
 /// Applies one line; false when it is invalid.
 bool TakeIn(std::string_view line, std::map<std::uint32_t, OldCall>& calls, std::set<std::uint32_t>& mails) {
   const auto fields = Split(line, '\t');
-  const auto entry = fields.size() < 2 ? std::nullopt : ToNumber<std::uint32_t>(fields[1]);
+  const auto entry = fields.size() < 2 ? std::nullopt : WholeNumber<std::uint32_t>(fields[1]);
   if (!entry) return false;
   const auto& word = fields.front();
   if (fields.size() == kFields && word == "call") return calls[*entry] = CallOf(fields), true;

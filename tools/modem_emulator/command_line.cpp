@@ -3,7 +3,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
+
+#include "base/conversions.h"
 
 namespace orven::emulator {
 namespace {
@@ -116,10 +117,8 @@ std::vector<std::string> SplitValues(std::string_view text) {
 }
 
 std::optional<int> Number(std::string_view text) {
-  int value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || value < 0) return std::nullopt;
-  return value;
+  const auto number = WholeNumber<int>(text);
+  return number && *number >= 0 ? number : std::nullopt;
 }
 
 bool InGroup(std::string_view group, int value) {

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
@@ -14,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/conversions.h"
 #include "base/text.h"
 #include "base/unicode.h"
 
@@ -47,10 +47,9 @@ std::string FromHexadecimal(std::string_view text) {
   if (digits.size() % 2 != 0) return {};
   std::string bytes;
   for (std::size_t i = 0; i < digits.size(); i += 2) {
-    std::uint8_t byte = 0;
-    const char* pair = digits.data() + i;
-    if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2) return {};
-    bytes += static_cast<char>(byte);
+    const auto byte = WholeNumber<std::uint8_t>(std::string_view(digits).substr(i, 2), 16);
+    if (!byte) return {};
+    bytes += static_cast<char>(*byte);
   }
   return bytes;
 }

@@ -4,10 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cstddef>
 #include <optional>
 #include <string_view>
+
+#include "base/conversions.h"
 
 namespace orven {
 namespace {
@@ -47,21 +48,14 @@ std::string_view WithoutPrefix(std::string_view line) {
   return colon == std::string_view::npos ? line : line.substr(colon + 1);
 }
 
-std::optional<int> Number(std::string_view text) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 /// Whether `list`, "8000", "(7200,8000)" or "(7200-11025)", has `value`.
 bool Has(std::string_view list, int value) {
   while (!list.empty()) {
     const auto end = std::min(list.find_first_of("(),"), list.size());
     const auto item = list.substr(0, end);
     const auto dash = item.find('-');
-    const auto low = Number(item.substr(0, dash));
-    const auto high = dash == std::string_view::npos ? low : Number(item.substr(dash + 1));
+    const auto low = WholeNumber<int>(item.substr(0, dash));
+    const auto high = dash == std::string_view::npos ? low : WholeNumber<int>(item.substr(dash + 1));
     if (low && high && *low <= value && value <= *high) return true;
     list.remove_prefix(std::min(end + 1, list.size()));
   }
@@ -85,7 +79,7 @@ std::string Plain(const std::string& name) {
 
 /// The bits of a sample, from their own field or else from the name; 0: not given.
 int BitsOf(const Fields& fields, std::size_t rates, const std::string& name) {
-  if (rates > 2) return Number(fields[2]).value_or(0);
+  if (rates > 2) return WholeNumber<int>(fields[2]).value_or(0);
   return name.find("16BIT") != std::string::npos ? 16 : name.find("8BIT") != std::string::npos ? 8 : 0;
 }
 
@@ -104,7 +98,7 @@ std::optional<SampleKind> KindOf(const std::string& name, int bits) {
 /// The formats in one line of the answer.
 std::vector<VoiceFormat> FormatsIn(const std::string& line) {
   const auto fields = FieldsOf(WithoutPrefix(line));
-  if (fields.size() < 3 || !Number(fields[0])) return {};
+  if (fields.size() < 3 || !WholeNumber<int>(fields[0])) return {};
   const auto rates = std::find_if(fields.begin() + 2, fields.end(), IsRates);
   if (rates == fields.end()) return {};
   const auto name = Plain(fields[1]);
@@ -134,8 +128,8 @@ std::optional<SampleKind> KindOfNumber(int number) {
 std::optional<VoiceFormat> FormatOfNumbers(const std::string& line) {
   const auto fields = FieldsOf(WithoutPrefix(line));
   if (fields.size() < 2) return std::nullopt;
-  const auto kind = KindOfNumber(Number(fields[0]).value_or(-1));
-  const int rate = Number(fields[1]).value_or(0);
+  const auto kind = KindOfNumber(WholeNumber<int>(fields[0]).value_or(-1));
+  const int rate = WholeNumber<int>(fields[1]).value_or(0);
   if (!kind || std::ranges::find(kRates, rate) == kRates.end()) return std::nullopt;
   std::string setting = fields[0];
   for (std::size_t i = 1; i < fields.size(); ++i) setting += ',' + fields[i];

@@ -3,9 +3,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string>
 #include <utility>
+
+#include "base/conversions.h"
 
 namespace orven {
 namespace {
@@ -37,18 +38,10 @@ std::string UnsupportedIn(const sip_msg& request) {
   return unsupported;
 }
 
-/// The value of Content-Length, or -1 when it is not a number.
-long ToldLength(const sip_msg& request) {
-  const std::string_view text = View(request.clen);
-  long length = -1;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
-  return error == std::errc() && end == text.data() + text.size() ? length : -1;
-}
-
 /// A datagram may be longer than its body, not shorter (RFC 3261, section 18.3).
 bool FitToContentLength(const sip_msg& request) {
   if (request.clen.p == nullptr) return true;
-  const long length = ToldLength(request);
+  const auto length = WholeNumber<std::int64_t>(View(request.clen)).value_or(-1);
   if (length < 0 || static_cast<std::size_t>(length) > mbuf_get_left(request.mb)) return false;
   request.mb->end = request.mb->pos + static_cast<std::size_t>(length);
   return true;

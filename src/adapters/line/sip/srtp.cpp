@@ -4,13 +4,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "adapters/line/sip/libre.h"
 #include "adapters/line/sip/rtp.h"
+#include "base/conversions.h"
 
 namespace orven {
 namespace {
@@ -32,11 +32,7 @@ std::string_view NextWord(std::string_view& text) {
 }
 
 std::optional<std::uint32_t> TagOf(std::string_view word) {
-  std::uint32_t tag = 0;
-  const char* const end = word.data() + word.size();
-  const auto [last, error] = std::from_chars(word.data(), end, tag);
-  if (error != std::errc() || last != end || word.size() > 9) return std::nullopt;
-  return tag;
+  return word.size() > 9 ? std::nullopt : WholeNumber<std::uint32_t>(word);
 }
 
 std::optional<SrtpSuite> SuiteOf(std::string_view word) {
