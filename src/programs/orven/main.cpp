@@ -8,6 +8,7 @@
 #include "adapters/desktop/exit_requests.h"
 #include "adapters/desktop/installation.h"
 #include "programs/orven/program.h"
+#include "programs/orven/requests.h"
 
 namespace {
 
@@ -18,12 +19,11 @@ std::string CommandLine(int count, char** arguments) {
   return line;
 }
 
-}  // namespace
+int Print(const std::string& answer) {
+  return std::cout << answer << std::flush ? EXIT_SUCCESS : EXIT_FAILURE;
+}
 
-int main(int count, char** arguments) {
-  const auto command_line = CommandLine(count, arguments);
-  orven::RaiseFileLimit();
-  const auto application = orven::MakeApplication(count, arguments);
+int RunMachine(const std::string& command_line) {
   const auto hints = orven::ProcessFolderHints();
   const auto folder = orven::FindApplicationFolder(hints);
   if (const auto problem = orven::MakeApplicationFolder(folder); !problem.empty()) {
@@ -39,4 +39,17 @@ int main(int count, char** arguments) {
   });
   if (!program.Start(command_line) || program.Ended()) return EXIT_SUCCESS;
   return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (const auto answer = orven::AnswerTo(CommandLine(count, arguments))) return Print(*answer);
+  orven::RaiseFileLimit();
+  const auto application = orven::MakeApplication(count, arguments);
+  const auto line = CommandLine(count, arguments);  // without Qt's own options
+  if (const auto answer = orven::AnswerTo(line)) return Print(*answer);
+  if (orven::IsStart(line)) return RunMachine(line);
+  std::cerr << "ORVEN: there is no option \"" << line << "\"; orven --help lists all" << std::endl;
+  return orven::kUsageError;
 }

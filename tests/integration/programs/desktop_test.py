@@ -6,6 +6,7 @@ import os
 import shutil
 import signal
 import socket
+import subprocess
 import sys
 
 import dbus
@@ -199,6 +200,20 @@ class StartTest(harness.ProgramCase):
         self.orven.start()
         self.orven.wait_for_exit(1)
         self.assertIn(home, self.orven.output())
+
+    def test_what_is_no_start_is_answered_without_a_display_or_a_folder(self):
+        variables = {"PATH": os.environ["PATH"], "ORVEN_HOME": os.path.join(self.folder, "none")}
+        for words, platform, code, answer in (
+            (["--version"], "xcb", 0, "ORVEN 1.0.0.22\n"),
+            (["--help"], "xcb", 0, "usage: orven "),
+            (["-platform", "offscreen", "--version"], "", 0, "ORVEN 1.0.0.22\n"),
+            (["-st", "-h"], "", 2, 'ORVEN: there is no option "-st -h"'),
+        ):
+            ended = subprocess.run([self.orven.program, *words], env={**variables, "QT_QPA_PLATFORM": platform},
+                                   capture_output=True, text=True, timeout=LIMIT, check=False)  # fmt: skip
+            said = ended.stderr if code else ended.stdout
+            self.assertEqual((ended.returncode, answer in said), (code, True), (words, ended))
+        self.assertFalse(os.path.exists(variables["ORVEN_HOME"]))
 
 
 if __name__ == "__main__":
