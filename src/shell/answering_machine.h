@@ -3,6 +3,7 @@
 
 #include "actions/actions_engine.h"
 #include "base/paths.h"
+#include "checkup/own_call.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_creator.h"
 #include "greetings/greeting_library.h"
@@ -108,6 +109,9 @@ class AnsweringMachine {
 
   /// The parts of the options dialog.
   OptionsDialog::Parts ForOptionsDialog();
+
+  /// The parts of a call that the machine makes to itself.
+  OwnCall::Parts ForOwnCall(OwnCaller& caller);
 
  private:
   std::optional<std::int32_t> LineLevel() const;

@@ -16,8 +16,8 @@ import sys
 # they may include base, the ports and each other, and only programs may include them. widgets/ has what several
 # windows share; the engine must not include it.
 FLOORS = (
-    "base", "platform", "core", "widgets", "records greetings", "notify log", "telephony actions", "options", "shell",
-    "programs",
+    "base", "platform", "core", "widgets", "records greetings", "notify log", "telephony actions", "options",
+    "setup checkup", "shell", "programs",
 )
 FLOOR_OF = {folder: floor for floor, folders in enumerate(FLOORS, 1) for folder in folders.split()}
 
