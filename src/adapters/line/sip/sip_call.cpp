@@ -24,14 +24,6 @@ SipCall& Self(void* call) {
   return *static_cast<SipCall*>(call);
 }
 
-/// Keys in a plain description protect nothing: by default only a line over TLS demands encryption.
-SrtpUse SrtpOf(const SipLineSettings& settings) {
-  const bool over_tls =
-      !settings.accounts.empty() &&
-      std::ranges::all_of(settings.accounts, [](const auto& one) { return one.transport == "tls"; });
-  return settings.srtp.value_or(over_tls ? SrtpUse::kRequired : SrtpUse::kIfOffered);
-}
-
 }  // namespace
 
 std::unique_ptr<SipCall> SipCall::Accept(const SipCallPorts& ports, CallNumber number,
@@ -66,7 +58,7 @@ bool SipCall::Prepare(const sip_msg& invite) {
   }
   sa local = invite.dst;
   sa_set_port(&local, stream_->Port());
-  negotiation_.emplace(local, SrtpOf(ports_.settings), ports_.settings.codecs);
+  negotiation_.emplace(local, ports_.settings.Srtp(), ports_.settings.codecs);
   if (mbuf_get_left(invite.mb) == 0) return true;
   const auto offer = DescriptionIn(invite);
   if (!offer) {

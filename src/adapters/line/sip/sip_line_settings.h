@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -86,6 +87,15 @@ struct SipLineSettings {
   /// nothing. For a test of a line that is registered.
   bool register_nothing = false;
   SipLineTimers timers;
+
+  /// What `srtp` means. Keys in a plain description protect nothing: by default only a line over TLS demands
+  /// encryption.
+  SrtpUse Srtp() const {
+    const bool over_tls = !accounts.empty() && std::ranges::all_of(accounts, [](const auto& one) {
+      return one.transport == "tls";
+    });
+    return srtp.value_or(over_tls ? SrtpUse::kRequired : SrtpUse::kIfOffered);
+  }
 };
 
 }  // namespace orven
