@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "shell/frmGuideKey.h"
 #include "widgets/controls.h"
 #include "widgets/icons.h"
 #include "widgets/window_placement.h"
@@ -99,6 +100,7 @@ void frmMain::Attach(MainWindow& engine) {
   AttachPlayer();
   AttachQuickOptions();
   menus_->Attach(engine, *Toolbar1_, player_->ToolBarPlayer());
+  MakeChild<GuideKey>(engine.Commands(), this);
   connect(&StatusBar1_->Check1(), &QCheckBox::clicked, this, [this] { engine_->ChangeGridLines(); });
 }
 

@@ -6,6 +6,7 @@
 #include "gui/window_test.h"
 #include "shell/frmAbout.h"
 #include "support/desk/desk.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/window_placement.h"
 
 namespace orven::test {
@@ -31,6 +32,25 @@ TEST_F(Window, EachMenuItemHasItsOwnKey) {
     EXPECT_EQ(keys.size(), std::ranges::count(actions, false, &QAction::isSeparator));
   }
   EXPECT_FALSE(desk.Get<QToolButton>("Toolbar1.Save").accessibleDescription().isEmpty());
+}
+
+TEST_F(Window, F1OpensThePageAboutTheDialogInFrontOrItsTab) {
+  const std::tuple<const char*, const char*, const char*> pages[] = {
+      {"frmMain", "", "index"},
+      {"frmOptions", "Frame4", "remote_access"},
+      {"frmLineEdit", "", "sip"},
+      {"frmLineEdit", "cmbPort", "modem"},
+      {"frmActions", "", "actions"}};
+  for (const auto& [name, part, page] : pages) {
+    QDialog dialog(&window);
+    SetUpDialog(dialog, name, "Dialog");
+    QWidget field(&dialog);
+    field.setObjectName(part);
+    dialog.show();
+    QMessageBox question(&dialog);
+    QTest::keyClick(&question, Qt::Key_F1);
+    EXPECT_EQ(desk.shell.opened.back(), desk.folder.Path("\\Help\\" + std::string(page) + ".htm")) << name;
+  }
 }
 
 TEST_F(Window, EachCommandOpensItsDialogOrPage) {
