@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -125,7 +126,7 @@ class Transfer {
       Curl().easy_setopt(curl_.get(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((24h / 1ms)));
     }
     dialogue_.Sent(sent);
-    Tell(total, sent);
+    Tell(total, std::min(sent, total));  // some versions count the line that ends the mail, too
     stalled_ = dialogue_.Stalled();
     return !stalled_ && !cancellation_.Cancelled();
   }

@@ -106,6 +106,13 @@ std::string PemOf(X509& certificate, EVP_PKEY& key) {
   return {text, static_cast<std::size_t>(size)};
 }
 
+/// Keeps the library from checking the servers that this context's connections reach. Version 2 checks them
+/// unless it is told not to; version 1 has no such function and checks what its context says.
+template <class Context>
+void CheckNoServer(Context* context) {
+  if constexpr (requires { tls_disable_verify_server(context); }) tls_disable_verify_server(context);
+}
+
 }  // namespace
 
 TlsContext::TlsContext()
@@ -123,6 +130,7 @@ TlsContext::~TlsContext() {
 
 std::unique_ptr<TlsContext> TlsContext::Showing(const std::string& path) {
   std::unique_ptr<TlsContext> made(new TlsContext);
+  CheckNoServer(made->Get());
   SSL_CTX* const context = tls_openssl_context(made->Get());
   SSL_CTX_set_default_passwd_cb(context, NoPassphrase);
   const char* what = "certificate";
@@ -155,20 +163,18 @@ std::unique_ptr<TlsContext> TlsContext::Checking(const std::string& host, const 
   const int set = made->rules_->is_address ? X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str())
                                            : X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size());
   if (set != 1) throw std::bad_alloc();
-  SSL_CTX_set_verify(context, SSL_VERIFY_PEER, [](int good, X509_STORE_CTX* store) {
-    const auto* connection =
-        static_cast<const SSL*>(X509_STORE_CTX_get_ex_data(store, SSL_get_ex_data_X509_STORE_CTX_idx()));
-    if (auto* seen = static_cast<Rules*>(RulesOf(connection)); seen != nullptr && good == 0) {
-      seen->refusal = X509_verify_cert_error_string(X509_STORE_CTX_get_error(store));
-    }
-    return good;
-  });
-  // Servers of several domains need its name (RFC 6066, section 3).
+  SSL_CTX_set_verify(context, SSL_VERIFY_PEER, nullptr);
   SSL_CTX_set_info_callback(context, [](const SSL* connection, int where, int /*result*/) {
     auto* seen = static_cast<Rules*>(RulesOf(connection));
-    if (seen == nullptr || (where & SSL_CB_HANDSHAKE_START) == 0) return;
-    seen->refusal.clear();
-    if (!seen->is_address) (void)SSL_set_tlsext_host_name(const_cast<SSL*>(connection), seen->host.c_str());
+    if (seen == nullptr) return;
+    if ((where & SSL_CB_HANDSHAKE_START) != 0) {
+      seen->refusal.clear();
+      // Servers of several domains need its name (RFC 6066, section 3).
+      if (!seen->is_address) (void)SSL_set_tlsext_host_name(const_cast<SSL*>(connection), seen->host.c_str());
+    }
+    const long verdict = SSL_get_verify_result(connection);
+    if ((where & SSL_CB_WRITE_ALERT) == SSL_CB_WRITE_ALERT && verdict != X509_V_OK)
+      seen->refusal = X509_verify_cert_error_string(verdict);
   });
   return made;
 }
