@@ -2,9 +2,23 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 
+#include "base/words.h"
+
 namespace orven {
+
+/// A mail server and the login there.
+struct MailAccount {
+  std::string server{};  ///< "name", "name:port", "smtp://…" or "smtps://…"
+  std::string user{};    ///< empty: no login
+  std::string password{};
+  /// Whether a mail fails rather than being sent without encryption. Otherwise STARTTLS is used when the
+  /// server offers it (an attacker on the network can remove that offer).
+  bool require_encryption = false;
+};
 
 /// Events of the mail control, one mail after the other.
 class MailEvents {
@@ -30,14 +44,38 @@ class MailControl {
   /// The receiver of the events; it outlives the control's last event. nullptr: no receiver.
   virtual void SetEvents(MailEvents* events) = 0;
 
-  /// Sends one mail with the file at `attachment` attached through the SMTP server `server` ("name",
-  /// "name:port", "smtp://…" or "smtps://…"), after the mails before it. A file that does not exist
-  /// (a call without a message) is not attached. A mail that cannot be sent raises Error. An accepted mail is
-  /// kept on disk until it is sent or has failed: a later run of the program sends it, at least
-  /// once, always with the same Message-ID.
+  /// Sends one mail with the file at `attachment` attached through the SMTP server `server` (as in
+  /// MailAccount), after the mails before it. A file that does not exist (a call without a message) is not
+  /// attached. A mail that cannot be sent raises Error. An accepted mail is kept on disk until it is sent or
+  /// has failed: a later run of the program sends it, at least once, always with the same Message-ID.
   virtual void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
                     const std::string& recipient, const std::string& subject,
                     const std::string& attachment) = 0;
+};
+
+/// The result of a test, in whole sentences.
+struct MailTestResult {
+  bool passed = false;
+  Words text;  ///< who has accepted it, or what is wrong and what can be done about it
+};
+
+/// Tests the settings for mail, stored or not, apart from the calls' mails: nothing of a test is kept or
+/// repeated. User-interface thread; never waits for the network.
+class MailTests {
+ public:
+  using Done = std::function<void(const MailTestResult&)>;
+  /// A test in progress. Destroying it ends the test, and `done` is not called any more.
+  using Test = std::shared_ptr<void>;
+
+  virtual ~MailTests() = default;
+
+  /// Sends a small mail at once. `done` is called once, later.
+  [[nodiscard]] virtual Test SendTestMail(const MailAccount& account, const std::string& sender,
+                                          const std::string& recipient, Done done) = 0;
+
+  /// Connects to the server, with the encryption and the login that a mail would have, but sends none.
+  /// `done` is called once, later.
+  [[nodiscard]] virtual Test TryServer(const MailAccount& account, Done done) = 0;
 };
 
 }  // namespace orven

@@ -49,6 +49,7 @@ struct EnginePorts {
   Shell& shell;
   Mouse& mouse;
   MailControl& Mail1;
+  MailTests& mail_tests;
   DatabaseControl& DataBase1;
   TelephonyControl& Tapi1;
   WaveControl& Wave1;     ///< the line

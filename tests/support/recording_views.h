@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -71,6 +72,26 @@ class ScriptedMail : public MailControl {
             const std::string& attachment) override {
     mails.push_back({server, sender, sender_name, recipient, subject, attachment});
     on_send(mails.back());
+  }
+};
+
+/// Keeps what is to be tested; the test answers through `done` while `running` is set.
+class ScriptedMailTests : public MailTests {
+ public:
+  MailAccount account;
+  std::string sender, recipient;
+  std::weak_ptr<void> running;
+  Done done;
+  Test SendTestMail(const MailAccount& at, const std::string& from, const std::string& to,
+                    Done when_done) override {
+    sender = from, recipient = to;
+    return TryServer(at, std::move(when_done));
+  }
+  Test TryServer(const MailAccount& at, Done when_done) override {
+    account = at, done = std::move(when_done);
+    auto test = std::make_shared<int>(0);
+    running = test;
+    return test;
   }
 };
 
@@ -362,6 +383,7 @@ struct ScriptedPorts {
   ScriptedShell shell;
   ScriptedMouse mouse;
   ScriptedMail Mail1;
+  ScriptedMailTests mail_tests;
   ScriptedExchange uDat;
   ScriptedCards cards;
   RecordingDialogFactory dialog_factory;

@@ -8,15 +8,6 @@
 
 namespace orven {
 
-/// The login at the mail server.
-struct MailAccount {
-  std::string user;  ///< empty: no login
-  std::string password;
-  /// Whether a mail fails rather than being sent without encryption. Otherwise STARTTLS is used when the
-  /// server offers it (an attacker on the network can remove that offer).
-  bool require_encryption = false;
-};
-
 /// Time limits and trust of a transfer.
 struct MailLimits {
   std::chrono::milliseconds connect{std::chrono::seconds(10)};     ///< resolving, connecting, TLS of smtps://

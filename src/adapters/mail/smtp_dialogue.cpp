@@ -2,11 +2,8 @@
 #include "adapters/mail/smtp_dialogue.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <string_view>
-#include <system_error>
 
-#include "adapters/mail/curl_library.h"
 #include "adapters/mail/mail_text.h"
 
 namespace orven {
@@ -22,55 +19,6 @@ constexpr std::chrono::milliseconds kFarewell = 1s;
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-void Hide(std::string& text, const std::string& secret) {
-  if (secret.empty()) return;
-  constexpr std::string_view kMask = "***";
-  // Continue after the mask: it may contain the secret.
-  for (std::size_t at = text.find(secret); at != text.npos; at = text.find(secret, at + kMask.size())) {
-    text.replace(at, secret.size(), kMask);
-  }
-}
-
-/// Masks the password, both as plain text and as the login encodes it.
-std::string WithoutPassword(std::string text, const MailAccount& account) {
-  if (account.password.empty()) return text;
-  using namespace std::string_literals;
-  Hide(text, Base64("\0"s + account.user + "\0"s + account.password));
-  Hide(text, Base64(account.password));
-  Hide(text, account.password);
-  return text;
-}
-
-std::string Unconnected(const CurlFailure& failure, const std::string& server) {
-  if (failure.os_error == ECONNREFUSED) return server + " refuses connections";
-  if (failure.os_error == 0) return server + " cannot be reached";
-  return server + " cannot be reached: " + std::generic_category().message(failure.os_error);
-}
-
-std::string Described(const CurlFailure& failure, const std::string& server, const SmtpDialogue& dialogue) {
-  const std::string said = dialogue.Reply().empty() ? "" : ": " + dialogue.Reply();
-  const std::string words =
-      OneLine(*failure.text != '\0' ? failure.text : Curl().easy_strerror(failure.code));
-  if (failure.stalled) return server + " stopped answering (timed out)";
-  switch (failure.code) {
-    case CURLE_COULDNT_RESOLVE_HOST: return "the server's name " + server + " is not known";
-    case CURLE_COULDNT_CONNECT: return Unconnected(failure, server);
-    case CURLE_OPERATION_TIMEDOUT: return "connecting to " + server + " timed out";
-    case CURLE_PEER_FAILED_VERIFICATION:
-    case CURLE_SSL_CACERT_BADFILE: return "the certificate of " + server + " is not trusted: " + words;
-    case CURLE_SSL_CONNECT_ERROR: return "no encrypted connection to " + server + ": " + words;
-    case CURLE_USE_SSL_FAILED: return server + " offers no encryption" + said;
-    case CURLE_LOGIN_DENIED:
-      if (dialogue.ReplyCode() < 400) return server + " offers no login with a password";
-      return server + " refused the login" + said;
-    default: break;
-  }
-  if (dialogue.ReplyCode() >= 400) return server + " refused the mail" + said + " (" + words + ")";
-  if (failure.code == CURLE_WEIRD_SERVER_REPLY) return server + " does not answer as a mail server" + said;
-  if (failure.code == CURLE_WRITE_ERROR) return server + " does not answer as a mail server";
-  return "the connection to " + server + " was lost: " + words;
 }
 
 }  // namespace
@@ -113,11 +61,6 @@ void SmtpDialogue::Connected() {
 bool SmtpDialogue::Stalled(Clock::time_point now) const {
   return connected_ &&
          now - active_ > (accepted_ ? std::min(kFarewell, limits_.inactivity) : limits_.inactivity);
-}
-
-std::string DescribeFailure(const CurlFailure& failure, const std::string& server, const MailAccount& account,
-                            const SmtpDialogue& dialogue) {
-  return WithoutPassword(Described(failure, server, dialogue), account);
 }
 
 }  // namespace orven

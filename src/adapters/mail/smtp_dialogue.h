@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <curl/curl.h>
-
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -47,18 +45,5 @@ class SmtpDialogue {
   std::int64_t sent_ = 0;
   std::string reply_;
 };
-
-/// How libcurl's transfer failed.
-struct CurlFailure {
-  CURLcode code;
-  int os_error;      ///< errno of the connection, 0 for none
-  const char* text;  ///< libcurl's message; may be empty
-  bool stalled;      ///< ended by the limit on inactivity
-};
-
-/// Describes for the user what failed at the server `server`, with the server's reply. The account's password
-/// is masked, even if the reply repeats it.
-std::string DescribeFailure(const CurlFailure& failure, const std::string& server, const MailAccount& account,
-                            const SmtpDialogue& dialogue);
 
 }  // namespace orven

@@ -76,7 +76,7 @@ class SmtpMail::Sender {
     // The disk before the event: a mail that was reported must not be sent again.
     if (!mail.file.empty()) Forget(mail.file);
     if (outcome.state != MailOutcome::State::Accepted)
-      return TellError(envelope.recipient, outcome.description);
+      return TellError(envelope.recipient, outcome.failure.what.English());
     Tell([recipient = envelope.recipient](MailEvents& events) { events.Done(recipient); });
   }
 

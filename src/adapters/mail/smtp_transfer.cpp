@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "adapters/mail/curl_library.h"
 #include "adapters/mail/mail_settings.h"
@@ -25,8 +26,8 @@ constexpr auto kProgressPause = 100ms;
 /// One libcurl transfer. Its callbacks are C functions that get this object.
 class Transfer {
  public:
-  Transfer(const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress)
-      : limits_(limits), cancellation_(cancellation), progress_(progress), dialogue_(limits) {
+  Transfer(const MailLimits& limits, Cancellation& cancellation, MailProgress progress)
+      : limits_(limits), cancellation_(cancellation), progress_(std::move(progress)), dialogue_(limits) {
     if (!curl_) throw std::bad_alloc();
   }
 
@@ -35,19 +36,24 @@ class Transfer {
     if (!envelope.attachment.empty()) attachment_.emplace(envelope.attachment, source);
     const Message message(curl_.get(), envelope, attachment_ ? &*attachment_ : nullptr);
     message.Use(envelope);
-    UseServer(server, account);
-    UseCallbacks();
-    const CURLcode code = Curl().easy_perform(curl_.get());
-    long os_error = 0;
-    Curl().easy_getinfo(curl_.get(), CURLINFO_OS_ERRNO, &os_error);
+    const CURLcode code = Perform(server, account);
     if (dialogue_.Accepted()) return {};
     if (cancellation_.Cancelled()) return {MailOutcome::State::Cancelled, {}};
-    if (attachment_ && !attachment_->Failure().empty()) {
-      return {MailOutcome::State::Failed, attachment_->Failure()};
-    }
-    return {MailOutcome::State::Failed,
-            DescribeFailure({code, static_cast<int>(os_error), error_.data(), stalled_}, server.name, account,
-                            dialogue_)};
+    if (attachment_ && !attachment_->Failure().empty()) return Failed(attachment_->Failure());
+    return Failed(code, server, account);
+  }
+
+  MailOutcome Try(const MailAccount& account, const MailServer& server) {
+    Set(CURLOPT_CUSTOMREQUEST, "NOOP");
+    const CURLcode code = Perform(server, account);
+    if (code == CURLE_OK) return {};
+    if (cancellation_.Cancelled()) return {MailOutcome::State::Cancelled, {}};
+    return Failed(code, server, account);
+  }
+
+  /// What cannot pass.
+  static MailOutcome Failed(Words what, Words remedy = {}) {
+    return {MailOutcome::State::Failed, {std::move(what), std::move(remedy), false}};
   }
 
  private:
@@ -56,6 +62,20 @@ class Transfer {
     if (const CURLcode code = Curl().easy_setopt(curl_.get(), option, value); code != CURLE_OK) {
       throw std::runtime_error(Curl().easy_strerror(code));
     }
+  }
+
+  CURLcode Perform(const MailServer& server, const MailAccount& account) {
+    UseServer(server, account);
+    UseCallbacks();
+    return Curl().easy_perform(curl_.get());
+  }
+
+  MailOutcome Failed(CURLcode code, const MailServer& server, const MailAccount& account) {
+    long os_error = 0;
+    Curl().easy_getinfo(curl_.get(), CURLINFO_OS_ERRNO, &os_error);
+    return {MailOutcome::State::Failed,
+            DescribeFailure({code, static_cast<int>(os_error), error_.data(), stalled_}, server.name, account,
+                            dialogue_)};
   }
 
   void UseServer(const MailServer& server, const MailAccount& account) {
@@ -136,12 +156,12 @@ class Transfer {
     if (sent == told_ || (sent != total && now - told_at_ < kProgressPause)) return;
     told_ = sent;
     told_at_ = now;
-    progress_(total, sent);
+    if (progress_) progress_(total, sent);
   }
 
   const MailLimits& limits_;
   Cancellation& cancellation_;
-  const MailProgress& progress_;
+  const MailProgress progress_;
   SmtpDialogue dialogue_;
   std::optional<Attachment> attachment_;
   std::array<char, CURL_ERROR_SIZE> error_{};
@@ -153,15 +173,33 @@ class Transfer {
   std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl_{Curl().easy_init(), Curl().easy_cleanup};
 };
 
-/// The fault of a mail's addresses; empty when they are valid.
-std::string Refusal(const Envelope& envelope) {
-  const auto address = [](const char* whose, const std::string& text) {
-    if (text.empty()) return std::string("there is no ") + whose + " address";
-    return std::string("the ") + whose + " address \"" + OneLine(text) + "\" is not a single mail address";
-  };
-  if (!IsMailAddress(envelope.recipient)) return address("recipient", envelope.recipient);
-  if (!IsMailAddress(envelope.sender)) return address("sender", envelope.sender);
+/// The fault of a mail's addresses; nothing when they are valid.
+std::optional<MailOutcome> Refusal(const Envelope& envelope) {
+  const auto remedy = [] { return Words("Enter one address, like anna@example.org."); };
+  if (envelope.recipient.empty()) return Transfer::Failed(Words("there is no recipient address"), remedy());
+  if (envelope.sender.empty()) return Transfer::Failed(Words("there is no sender address"), remedy());
+  if (!IsMailAddress(envelope.recipient)) {
+    return Transfer::Failed(
+        Words("the recipient address \"%1\" is not a single mail address").Arg(OneLine(envelope.recipient)),
+        remedy());
+  }
+  if (!IsMailAddress(envelope.sender)) {
+    return Transfer::Failed(
+        Words("the sender address \"%1\" is not a single mail address").Arg(OneLine(envelope.sender)),
+        remedy());
+  }
   return {};
+}
+
+/// Runs `work` with the parsed address of a server.
+template <class Work>
+MailOutcome WithServer(const std::string& text, const Work& work) try {
+  if (const auto server = ParseMailServer(text)) return work(*server);
+  return Transfer::Failed(
+      Words("\"%1\" is not a mail server: name, name:port, smtp://name or smtps://name is expected")
+          .Arg(OneLine(text)));
+} catch (const std::exception& failure) {
+  return Transfer::Failed(std::string(failure.what()));
 }
 
 }  // namespace
@@ -193,18 +231,16 @@ void Cancellation::Close(int socket) {
 
 MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
                      const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress) {
-  const auto failed = [](std::string why) { return MailOutcome{MailOutcome::State::Failed, std::move(why)}; };
-  const auto server = ParseMailServer(envelope.server);
-  if (!server) {
-    return failed("\"" + OneLine(envelope.server) +
-                  "\" is not a mail server: name, name:port, smtp://name or smtps://name is expected");
-  }
-  if (std::string refusal = Refusal(envelope); !refusal.empty()) return failed(std::move(refusal));
-  try {
-    return Transfer(limits, cancellation, progress).Send(envelope, source, account, *server);
-  } catch (const std::exception& failure) {
-    return failed(failure.what());
-  }
+  return WithServer(envelope.server, [&](const MailServer& server) {
+    if (auto refusal = Refusal(envelope)) return *std::move(refusal);
+    return Transfer(limits, cancellation, progress).Send(envelope, source, account, server);
+  });
+}
+
+MailOutcome TryMailServer(const MailAccount& account, const MailLimits& limits, Cancellation& cancellation) {
+  return WithServer(account.server, [&](const MailServer& server) {
+    return Transfer(limits, cancellation, {}).Try(account, server);
+  });
 }
 
 }  // namespace orven

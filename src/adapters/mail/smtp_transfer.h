@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "adapters/mail/mail_failure.h"
 #include "adapters/mail/mail_settings.h"
 #include "adapters/mail/outbox.h"
 
@@ -30,7 +31,7 @@ class Cancellation {
   std::set<int> sockets_;
 };
 
-/// The result of sending one mail.
+/// The result of sending one mail, or of a try.
 struct MailOutcome {
   enum class State {
     Accepted,
@@ -38,15 +39,19 @@ struct MailOutcome {
     Cancelled,  ///< before the server accepted it
   };
   State state = State::Accepted;
-  std::string description;  ///< why it failed; the password is not in it
+  MailFailure failure;  ///< why it failed
 };
 
 /// `total` and `sent` bytes of the mail, at most about ten times a second; total is 0 while unknown.
 using MailProgress = std::function<void(std::int64_t total, std::int64_t sent)>;
 
-/// Sends one mail and returns when it is sent or has failed. The attachment, if any, is read from `source`
-/// and has its name from the envelope. Call it on a thread that blocks SIGPIPE; `progress` is called on it.
+/// Sends one mail to the server `envelope.server` with the login of `account`, and returns when it is sent or
+/// has failed. The attachment, if any, is read from `source` and has its name from the envelope. Call it on a
+/// thread that blocks SIGPIPE; `progress` is called on it.
 MailOutcome SendMail(const Envelope& envelope, const std::string& source, const MailAccount& account,
-                     const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress);
+                     const MailLimits& limits, Cancellation& cancellation, const MailProgress& progress = {});
+
+/// Only connects to the server of `account` and logs in. Same thread rules.
+MailOutcome TryMailServer(const MailAccount& account, const MailLimits& limits, Cancellation& cancellation);
 
 }  // namespace orven

@@ -80,6 +80,7 @@ Program::Program(Folders folders)
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
+      mail_tests_(loop_, [](const Words& words) { return Shown(words).toStdString(); }),
       program_dialogs_(Ports(), [this] { cards_.Look(); }),
       window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops) {
   QApplication::setWindowIcon(frame_.windowIcon());
@@ -98,8 +99,9 @@ Program::Program(Folders folders)
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_,    loop_,  files_,     background_, registry_,  dialogs_,        shell_, mouse_, mail_,
-          database_, lines_, line_wave_, desk_wave_,  waveforms_, take_waveforms_, uDat_,  cards_};
+  return {clock_,     loop_,      files_,     background_,     registry_, dialogs_,
+          shell_,     mouse_,     mail_,      mail_tests_,     database_, lines_,
+          line_wave_, desk_wave_, waveforms_, take_waveforms_, uDat_,     cards_};
 }
 
 std::string Program::HelperPath() const {

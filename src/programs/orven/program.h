@@ -19,6 +19,7 @@
 #include "adapters/files/disk_files.h"
 #include "adapters/line/setup/file_telephone_lines.h"
 #include "adapters/mail/smtp_mail.h"
+#include "adapters/mail/smtp_tests.h"
 #include "adapters/registry/installed_classes.h"
 #include "adapters/registry/registry_file.h"
 #include "adapters/sound/sound_cards.h"
@@ -105,6 +106,7 @@ class Program {
   QtShell shell_;
   QtMouse mouse_;
   SmtpMail mail_;
+  SmtpTests mail_tests_;
   ProgramDialogs program_dialogs_;
   MainWindow window_;
 };

@@ -11,6 +11,7 @@
 #include <random>
 
 #include "adapters/mail/mail_settings.h"
+#include "adapters/mail/smtp_tests.h"
 #include "support/scratch_folder.h"
 #include "support/test_loop.h"
 
@@ -162,7 +163,7 @@ TEST_F(MailTest, IsEncryptedAndSentOnlyWithTheRightCertificateAndPassword) {
   for (const std::string kind : {"starttls", "smtps"}) {
     const TestServer server(kind);
     const std::string address = (kind == "smtps" ? "smtps://" : "") + server.Address();
-    account_ = {"desk", "s3cret+\u00FC", true};
+    account_ = {"", "desk", "s3cret+\u00FC", true};
     limits_.ca_file.clear();
     Start();
     EXPECT_THAT(Sent(address), HasSubstr("the certificate of " + server.Address() + " is not trusted"));
@@ -178,7 +179,7 @@ TEST_F(MailTest, IsEncryptedAndSentOnlyWithTheRightCertificateAndPassword) {
 
 TEST_F(MailTest, AMailToAFaultyServerIsGivenUpWithTheCauseAndTheNextOneIsSent) {
   limits_.inactivity = std::chrono::milliseconds(800);
-  account_ = {"desk", "**"};
+  account_ = {.user = "desk", .password = "**"};
   Start();
   PutFile(folder_ / "a.wav", Recording());
   const std::map<std::string, std::string> faults{
@@ -249,7 +250,7 @@ TEST_F(MailTest, AnAttachmentThatShrinksOrDisappearsIsReported) {
 
 TEST_F(MailTest, AfterAStalledExitTheNextStartSendsWithTheSameIdAndSetsDamagedMailsAside) {
   const TestServer server("BODY stall");
-  account_ = {"desk", "s3cret"};
+  account_ = {.user = "desk", .password = "s3cret"};
   const auto message = folder_ / "a%.wav", first = outbox_ + "/000000001.mail",
              second = outbox_ + "/000000002.mail";
   PutFile(message, Recording());
@@ -275,6 +276,45 @@ TEST_F(MailTest, AfterAStalledExitTheNextStartSendsWithTheSameIdAndSetsDamagedMa
   EXPECT_EQ(mail["Subject"] + mail["File"], "one  100 %a%.wav");
   EXPECT_TRUE(mail["Content"] == Recording());
   EXPECT_THAT(kept, HasSubstr("message-id=" + mail["Message-ID"]));
+}
+
+TEST_F(MailTest, ATestSaysWhatWorksOrWhatIsWrongAndTheRemedy) {
+  MailLimits limits = limits_;
+  MailTestResult result;
+  const auto tested = [&](bool mail, const MailAccount& account) {
+    result = {};
+    const auto done = [&](const MailTestResult& told) { result = told; };
+    SmtpTests tests(
+        loop_, [](const Words& words) { return words.English(); }, limits);
+    const auto running = mail ? tests.SendTestMail(account, "desk@example.org", "me@example.org", done)
+                              : tests.TryServer(account, done);
+    EXPECT_TRUE(loop_.RunUntil([&] { return !result.text.Empty(); }));
+    return (result.passed ? "+" : "-") + result.text.English();
+  };
+  const TestServer refusing("RCPT '550 not to you'"), silent("EHLO stall"), server("starttls");
+  const MailAccount trusted{server.Address(), "desk", "s3cret+\u00FC", true};
+  EXPECT_EQ(tested(true, {.server = "mail:x"}).find("-That does not work: \"mail:x\" is not a mail server"),
+            0U);
+  EXPECT_THAT(tested(true, {.server = refusing.Address()}),
+              HasSubstr("550 not to you (RCPT failed: 550). Check the rec"));
+  EXPECT_EQ(tested(true, {.server = refusing.Address()}),
+            "+" + refusing.Address() +
+                " has accepted the mail to me@example.org. If it does not arrive within some "
+                "minutes, look among the unwanted mails.");
+  EXPECT_EQ(refusing.Mail(1)["Subject"], "Test mail from ORVEN");
+  EXPECT_EQ(tested(false, {.server = refusing.Address()}), "+" + refusing.Address() + " answers.");
+  EXPECT_THAT(tested(false, trusted), HasSubstr("is not trusted"));
+  limits.ca_file = server.folder_ / "cert.pem";
+  EXPECT_THAT(tested(false, trusted), HasSubstr("+" + server.Address() + " answers and accepts the login."));
+  EXPECT_THAT(tested(false, {server.Address(), "desk", "wrong", true}),
+              HasSubstr(". Check user and password."));
+
+  auto running = SmtpTests(loop_, {}).TryServer({.server = silent.Address()},
+                                                [](const auto&) { FAIL() << "it was cancelled"; });
+  ASSERT_TRUE(Eventually([&] { return silent.Has("stalled"); }));
+  running.reset();
+  loop_.Run();
+  EXPECT_FALSE(refusing.Has("2.fields"));
 }
 
 TEST_F(MailTest, IsSentEvenWhenTheOutboxCannotBeWritten) {
