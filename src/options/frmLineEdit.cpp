@@ -11,6 +11,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -271,7 +272,7 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   QFormLayout::ItemRole role{};
   form_->getWidgetPosition(row, &at, &role);
   form_->insertRow(at + 1, QString(), lblFault_);
-  lblFault_->setText(QString::fromStdString(fault.text));
+  lblFault_->setText(Shown(fault.text));
   lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
   field->setFocus();

@@ -14,6 +14,7 @@
 #include "options/frmLineEdit.h"
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -82,7 +83,7 @@ void frmLineTest::Click() {
   Show(tr("Testing…"), std::nullopt);
   engine_.Test(*line, [this](const LineTestResult& result) {
     SetRunning(false);
-    Show(QString::fromStdString(result.text), result.passed);
+    Show(Shown(result.text), result.passed);
   });
 }
 
@@ -174,8 +175,8 @@ void frmLines::ShowRows() {
     auto* item = lvwLines_->topLevelItem(i);
     const auto row = engine_.RowAt(static_cast<std::size_t>(i));
     int column = 0;
-    for (const auto& text : {row.name, row.kind, row.address, row.state}) {
-      const auto shown = QString::fromStdString(text);
+    for (const auto& text : {Words(row.name), row.kind, Words(row.address), row.state}) {
+      const auto shown = Shown(text);
       if (item->text(column) != shown) {
         item->setText(column, shown);
         item->setToolTip(column, shown);

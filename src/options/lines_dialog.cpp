@@ -11,12 +11,13 @@ namespace {
 
 constexpr const char* kFirstName = "Telephone";
 
-std::string KindOf(const TelephoneLine& line) {
+Words KindOf(const TelephoneLine& line) {
   switch (line.kind) {
-    case LineKind::Sip: return line.server.empty() ? "SIP, direct calls" : "SIP account";
+    case LineKind::Sip: return line.server.empty() ? Tr("SIP, direct calls") : Tr("SIP account");
     case LineKind::Modem: return "Modem";
-    default: return "Simulation";
+    case LineKind::Sim: return "Simulation";
   }
+  return {};
 }
 
 std::string AddressOf(const TelephoneLine& line) {

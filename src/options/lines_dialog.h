@@ -31,7 +31,10 @@ class LinesDialog {
 
   /// The texts of one row of the list.
   struct Row {
-    std::string name, kind, address, state;
+    std::string name;
+    Words kind;
+    std::string address;
+    Words state;
     bool operator==(const Row&) const = default;
   };
 

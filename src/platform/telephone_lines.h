@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/words.h"
+
 namespace orven {
 
 enum class LineKind { Sip, Modem, Sim };
@@ -38,7 +40,7 @@ struct TelephoneLine {
 
 struct LineFault {
   std::string_view control;  ///< of the dialog: where the fault is, a literal
-  std::string text;          ///< one sentence; never quotes a password
+  Words text;                ///< one sentence; never quotes a password
 };
 
 /// A serial port of this machine.
@@ -47,10 +49,11 @@ struct SerialPortFound {
   std::string label;  ///< for the user
 };
 
-/// The result of a test, in one or two sentences.
+/// The result of a test.
 struct LineTestResult {
   bool passed = false;
-  std::string text;
+  Words text;                  ///< what was found and what to do about it, in one or two sentences
+  std::string_view control{};  ///< of the dialog: what to change, a literal; empty: nothing in particular
 };
 
 /// The configured telephone lines and their states. User-interface thread; never waits
@@ -79,11 +82,22 @@ class TelephoneLines {
   /// The current serial ports.
   virtual std::vector<SerialPortFound> SerialPorts() const = 0;
 
-  /// The current state of `line`, in a few words: "Registered", "Registering", "Registration failed: …".
-  virtual std::string State(const TelephoneLine& line) const = 0;
+  /// `listen` if a line could wait for calls there, else the same with the next port that is free, or
+  /// `listen` if there is none. What a line of this program holds counts as free, because only one line is
+  /// open.
+  virtual std::string FreeAddress(const std::string& listen) const = 0;
 
-  /// Tries `line` in the background: registers at its server, or asks its modem. `done` is called once,
-  /// later, unless CancelTest comes first. Cancels a test in progress.
+  /// The address of the router that leads to the Internet, a guess for a home router's server; empty without
+  /// one.
+  virtual std::string Router() const = 0;
+
+  /// The current state of `line`, in a few words: "Registered", "Registering", "Registration failed: …".
+  virtual Words State(const TelephoneLine& line) const = 0;
+
+  /// Tries `line` in the background as it is: waits at its address for calls and registers its accounts, or
+  /// asks its modem. What an open line of this program does is left alone: its port counts as usable, and the
+  /// server is only asked about its accounts. `done` is called once, later, unless CancelTest comes first.
+  /// Cancels a test in progress.
   virtual void Test(const TelephoneLine& line, TestDone done) = 0;
   virtual void CancelTest() = 0;
 };

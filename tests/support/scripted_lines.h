@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -17,6 +18,7 @@ class ScriptedLines : public TelephoneLines {
   std::function<void()> before_store = [] {};
   std::string fault = "The server is missing.";
   std::map<std::string, std::string> states;  ///< by line name
+  std::set<std::string> taken;                ///< addresses where another program listens
   std::vector<SerialPortFound> ports;
   std::vector<TelephoneLine> tested;
   TestDone done;  ///< callback of the running line test
@@ -32,7 +34,11 @@ class ScriptedLines : public TelephoneLines {
     return std::nullopt;
   }
   std::vector<SerialPortFound> SerialPorts() const override { return ports; }
-  std::string State(const TelephoneLine& line) const override {
+  std::string FreeAddress(const std::string& listen) const override {
+    return taken.contains(listen) ? listen + "2" : listen;
+  }
+  std::string Router() const override { return "192.168.1.1"; }
+  Words State(const TelephoneLine& line) const override {
     const auto state = states.find(line.name);
     return state == states.end() ? "Off" : state->second;
   }

@@ -48,12 +48,14 @@ bool MakeLines(const QString& folder, const QByteArray& name) {
   if (name == "lines_modem") {
     frmLineEdit modem(engine, 2, nullptr);
     modem.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
-    lines.done({true, "A voice modem answers at " + lines.ports[0].path + " (its sound has 16 bits)."});
+    lines.done(
+        {true, Words("A voice modem answers at %1 (its sound has 16 bits).").Arg(lines.ports[0].path)});
     return Save({Shown(modem)}, folder + QStringLiteral("/lines_modem.png"));
   }
   frmLines list(engine, nullptr);
   list.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();
-  lines.done({true, "The server 192.168.178.1 accepts the account 620."});
+  lines.done(
+      {true, "Calls can come in at 0.0.0.0:5060, and the server 192.168.178.1 accepts the account 620."});
   QList<QPixmap> pictures{Shown(list)};
   frmLineEdit account(engine, 1, nullptr);
   account.findChild<QAbstractButton*>(QStringLiteral("cmdTest"))->click();

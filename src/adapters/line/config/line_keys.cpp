@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/config/line_keys.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <optional>
 
 #include "adapters/line/config/codec_list.h"
 #include "adapters/line/sip/listen_address.h"
 #include "adapters/line/sip/sip_account.h"
+#include "base/conversions.h"
 
 namespace orven {
 namespace {
@@ -20,56 +18,18 @@ constexpr double kShortestRing = 1;
 constexpr double kLongestRing = 60;
 
 /// A day.
-constexpr int kLongestIdle = 86400;
-
-bool IsDigit(char letter) {
-  return letter >= '0' && letter <= '9';
-}
-
-/// A whole number of one to five digits.
-std::optional<int> Number(std::string_view text) {
-  if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), IsDigit)) return std::nullopt;
-  int number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
-}
-
-bool IsPort(std::string_view text) {
-  const auto number = Number(text);
-  return number && *number >= 1 && *number <= 65535;
-}
-
-bool IsIpv6(std::string_view text) {
-  in6_addr address{};
-  return ::inet_pton(AF_INET6, std::string(text).c_str(), &address) == 1;
-}
+constexpr unsigned kLongestIdle = 86400;
 
 bool IsListen(std::string_view value) {
   return ParseListen(value).has_value();
 }
 
-bool IsHost(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char letter) {
-    const bool is_letter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-    return is_letter || IsDigit(letter) || letter == '.' || letter == '-';
-  });
-}
-
-/// A name or an address, IPv6 in brackets, perhaps with a port.
-bool IsServer(std::string_view text) {
-  const std::size_t bracket = text.starts_with('[') ? text.find(']') : text.npos;
-  const bool is_ipv6 = bracket != text.npos && IsIpv6(text.substr(1, bracket - 1));
-  const std::size_t end = is_ipv6 ? bracket + 1 : std::min(text.find(':'), text.size());
-  if (!is_ipv6 && !IsHost(text.substr(0, end))) return false;
-  return end == text.size() || (text[end] == ':' && IsPort(text.substr(end + 1)));
+bool IsServer(std::string_view value) {
+  return ParseServer(value).has_value();
 }
 
 bool IsAccount(std::string_view value) {
-  if (!value.starts_with("sip:")) return false;
-  value.remove_prefix(value.find(':') + 1);
-  const std::size_t at = value.find('@');
-  if (at == value.npos || at == 0 || value.find_first_of(" \t<>\"") < at) return false;
-  return IsServer(value.substr(at + 1));
+  return AddressOf({.address = std::string(value)}).has_value();
 }
 
 bool IsYesOrNo(std::string_view value) {
@@ -88,8 +48,7 @@ bool IsRingTime(std::string_view value) {
 }
 
 bool IsIdleTime(std::string_view value) {
-  const auto seconds = Number(value);
-  return seconds && *seconds <= kLongestIdle;
+  return WholeNumber<unsigned>(value).value_or(kLongestIdle + 1) <= kLongestIdle;
 }
 
 bool IsText(std::string_view value) {
@@ -106,10 +65,10 @@ constexpr LineKey kIdleSeconds{"idle_seconds", IsIdleTime,
                                "a whole number of seconds up to 86400, 0 for never"};
 
 constexpr std::array kSipKeys{
-    LineKey{
-        "listen", IsListen,
-        "an address or a name and a port, like 192.168.1.5:5060, [::1]:5060, pc.example.org:5060 or *:5060",
-        &L::listen, "txtListen", "The address for calls", kRequired},
+    LineKey{"listen", IsListen,
+            Tr("an address or a name and a port, like 192.168.1.5:5060, [::1]:5060, pc.example.org:5060 or "
+               "*:5060"),
+            &L::listen, "txtListen", Tr("The address for calls"), kRequired},
     LineKey{"account",
             IsAccount,
             "an address like sip:100@example.org",
@@ -119,18 +78,18 @@ constexpr std::array kSipKeys{
             !kRequired,
             !kSecret,
             kPerAccount},
-    LineKey{"auth_user", IsText, "a user name", &L::auth_user, "txtAuthUser", "The login name", !kRequired,
-            !kSecret, kPerAccount},
-    LineKey{"password", IsText, "a password", &L::password, "txtPassword", "The password", !kRequired,
-            kSecret, kPerAccount},
-    LineKey{"proxy", IsServer, "a server's name or address, perhaps with \":\" and a port", &L::proxy,
-            "txtProxy", "The outbound proxy", !kRequired, !kSecret, kPerAccount},
-    LineKey{"transport", IsTransport, "udp, tcp, tls or auto", &L::transport, "cmbTransport", "The transport",
+    LineKey{"auth_user", IsText, Tr("a user name"), &L::auth_user, "txtAuthUser", Tr("The login name"),
             !kRequired, !kSecret, kPerAccount},
-    LineKey{"srtp", IsYesOrNo, "yes or no", &L::srtp, "cmbTransport", "The encryption of the sound"},
+    LineKey{"password", IsText, Tr("a password"), &L::password, "txtPassword", Tr("The password"), !kRequired,
+            kSecret, kPerAccount},
+    LineKey{"proxy", IsServer, Tr("a server's name or address, perhaps with \":\" and a port"), &L::proxy,
+            "txtProxy", Tr("The outbound proxy"), !kRequired, !kSecret, kPerAccount},
+    LineKey{"transport", IsTransport, Tr("udp, tcp, tls or auto"), &L::transport, "cmbTransport",
+            Tr("The transport"), !kRequired, !kSecret, kPerAccount},
+    LineKey{"srtp", IsYesOrNo, Tr("yes or no"), &L::srtp, "cmbTransport", Tr("The encryption of the sound")},
     LineKey{"codecs", IsCodecs, "a list of pcmu, pcma, g722 and opus, each at most once, with commas"},
-    LineKey{"tls_trust", IsText, "the path of a PEM file with certificates", &L::tls_trust, "cmbTransport",
-            "The trusted certificates' path"},
+    LineKey{"tls_trust", IsText, Tr("the path of a PEM file with certificates"), &L::tls_trust,
+            "cmbTransport", Tr("The trusted certificates' path")},
     LineKey{"tls_listen", IsListen,
             "an address or a name and a port, like 0.0.0.0:5061, [::1]:5061, pc.example.org:5061 or *:5061"},
     LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
@@ -138,12 +97,12 @@ constexpr std::array kSipKeys{
     kIdleSeconds,
 };
 constexpr std::array kModemKeys{
-    LineKey{"port", IsText, "the serial device of the modem, for example /dev/ttyACM0, or auto", &L::port,
-            "cmbPort", "The port", kRequired},
+    LineKey{"port", IsText, Tr("the serial device of the modem, for example /dev/ttyACM0, or auto"), &L::port,
+            "cmbPort", Tr("The port"), kRequired},
     kIdleSeconds,
 };
 constexpr std::array kSimKeys{
-    LineKey{"script", IsText, "the path of a script", &L::script, "txtScript", "The script"},
+    LineKey{"script", IsText, Tr("the path of a script"), &L::script, "txtScript", Tr("The script")},
     kIdleSeconds,
 };
 constexpr std::array kTypes{

@@ -14,7 +14,7 @@ namespace orven {
 struct LineKey {
   std::string_view name;
   bool (*valid)(std::string_view value);
-  std::string_view expected;                    ///< completes "expected …"
+  const char* expected;                         ///< completes "expected …"
   std::string TelephoneLine::*value = nullptr;  ///< where the dialog has the value unchanged; null: nowhere
   std::string_view control = {};                ///< which shows it
   const char* label = "";                       ///< begins a sentence about the value

@@ -73,8 +73,8 @@ std::optional<LineFault> ValueFault(const TelephoneLine& line) {
   for (const auto& key : ShownKeys(line.kind)) {
     const auto& value = line.*key.value;
     if ((value.empty() && !key.required) || key.valid(value)) continue;
-    return LineFault{key.control, std::string(key.label) + (value.empty() ? " is missing" : " is wrong") +
-                                      ": expected " + std::string(key.expected) + '.'};
+    const char* fault = value.empty() ? Tr("%1 is missing: expected %2.") : Tr("%1 is wrong: expected %2.");
+    return LineFault{key.control, Words(fault).Arg(key.label).Arg(key.expected)};
   }
   if (line.kind == LineKind::Sip && !IsValid("ring_seconds", std::to_string(line.ring_seconds))) {
     return LineFault{"spnRing",
@@ -92,10 +92,9 @@ bool CanBeWritten(const std::string& value) {
 /// The file format has no quoting, so some texts cannot be stored.
 std::optional<LineFault> NotationFault(const TelephoneLine& line) {
   const auto fault = [](std::string_view control, const char* label) {
-    return LineFault{control,
-                     std::string(label) +
-                         " cannot be stored: expected no blank at its ends, no \";\" at its beginning or "
-                         "after a blank, and no control characters."};
+    return LineFault{control, Words("%1 cannot be stored: expected no blank at its ends, no \";\" at its "
+                                    "beginning or after a blank, and no control characters.")
+                                  .Arg(label)};
   };
   for (const auto& key : ShownKeys(line.kind)) {
     const auto& value = line.*key.value;
@@ -104,7 +103,7 @@ std::optional<LineFault> NotationFault(const TelephoneLine& line) {
   const auto edit = EditOf(line, nullptr);
   const auto read = ParseLines(SectionText(edit), "").sections;
   const bool same = read.size() == 1 && read.front().name == edit.name && read.front().values == edit.values;
-  return same ? std::nullopt : std::optional(fault("txtName", "The name"));
+  return same ? std::nullopt : std::optional(fault("txtName", Tr("The name")));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -12,9 +13,11 @@
 #include "adapters/line/config/line_settings.h"
 #include "adapters/line/config/lines_ini.h"
 #include "adapters/line/modem/modem_line.h"
+#include "adapters/line/setup/free_address.h"
 #include "adapters/line/setup/modem_probe.h"
 #include "adapters/line/setup/sip_probe.h"
 #include "adapters/line/sim/sim_script.h"
+#include "base/conversions.h"
 #include "base/durable_file.h"
 #include "base/runtime_error.h"
 #include "base/unicode.h"
@@ -26,7 +29,7 @@ LineTestResult Outcome(const LineTestRun::Work& work, const std::atomic<bool>& c
   try {
     return work(cancelled);
   } catch (const std::exception& error) {
-    return {false, std::string("The test failed: ") + error.what()};
+    return {false, Words("The test failed: %1").Arg(std::string(error.what()))};
   }
 }
 
@@ -86,22 +89,25 @@ std::string ContentOf(const std::string& path) {
   return content;
 }
 
-std::string RegistrationWords(const RegistrationNews& news) {
+/// `several`: the line has more than one account.
+Words RegistrationWords(const RegistrationNews& news, bool several) {
   switch (news.state) {
     case RegistrationNews::State::Trying: return "Registering";
     case RegistrationNews::State::Registered: return "Registered";
-    default: return "Registration failed: " + news.reason;
+    default: break;
   }
+  if (several) return Words("Registration failed: %1: %2").Arg(news.account).Arg(news.reason);
+  return Words("Registration failed: %1").Arg(news.reason);
 }
 
 LineTestResult ReadScript(const std::string& path) {
   if (path.empty()) return {true, "The simulated line has no script: nobody calls."};
   std::vector<std::string> complaints;
-  const auto steps = ReadSimScript(path, complaints).size();
-  if (complaints.empty())
-    return {true, "The script can be played; it has " + std::to_string(steps) + " steps."};
-  const auto more = complaints.size() - 1;
-  return {false, complaints.front() + (more > 0 ? " (and " + std::to_string(more) + " more)" : "") + '.'};
+  const auto steps = ToCount(ReadSimScript(path, complaints).size());
+  if (complaints.empty()) return {true, Words("The script can be played; it has %1 steps.").Arg(steps)};
+  const auto more = ToCount(complaints.size()) - 1;
+  if (more == 0) return {false, complaints.front() + '.'};
+  return {false, Words("%1 (and %2 more).").Arg(complaints.front()).Arg(more)};
 }
 
 }  // namespace
@@ -164,24 +170,25 @@ bool FileTelephoneLines::AnyOpen() const {
   return false;
 }
 
-std::string FileTelephoneLines::State(const TelephoneLine& line) const {
+Words FileTelephoneLines::State(const TelephoneLine& line) const {
   const auto device = DeviceOf(line);
   if (device < 0) return "Not in use yet";
   const auto use = use_(device);
-  if (!use.failure.empty()) return "Could not be opened: " + use.failure;
-  if (!use.open) return AnyOpen() ? "Another line is chosen" : "Off";
+  if (!use.failure.empty()) return Words("Could not be opened: %1").Arg(use.failure);
+  if (!use.open) return AnyOpen() ? Tr("Another line is chosen") : Tr("Off");
   const auto& states = states_[static_cast<std::size_t>(device)];
   if (line.kind == LineKind::Modem) return states.modem->Get();
-  if (line.server.empty()) return "Waiting for calls";
-  return RegistrationWords(states.registration->Get());
+  const auto accounts = SipSettingsOf(states.section, {}).accounts.size();
+  return accounts == 0 ? "Waiting for calls" : RegistrationWords(states.registration->Get(), accounts > 1);
 }
 
-/// Whether an open line has registered this account, perhaps with other settings.
-bool FileTelephoneLines::IsRegistered(const TelephoneLine& line) const {
+/// Whether an open line has one of the accounts, perhaps with other settings.
+bool FileTelephoneLines::HasOpenAccount(const SipLineSettings& settings) const {
   for (std::size_t index = 0; index < states_.size(); ++index) {
-    const auto device = LineOf(states_[index].section);
-    if (device.user == line.user && device.server == line.server && IsOpen(index) &&
-        states_[index].registration->Get().state == RegistrationNews::State::Registered) {
+    if (!IsOpen(index)) continue;
+    const auto open = SipSettingsOf(states_[index].section, {}).accounts;
+    if (std::ranges::find_first_of(open, settings.accounts, {}, &SipAccount::address, &SipAccount::address) !=
+        open.end()) {
       return true;
     }
   }
@@ -201,24 +208,47 @@ std::vector<std::string> FileTelephoneLines::OpenAddresses() const {
   return addresses;
 }
 
-void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
+std::string FileTelephoneLines::FreeAddress(const std::string& listen) const {
+  return NextFree(listen, OpenAddresses()).value_or(listen);
+}
+
+std::string FileTelephoneLines::Router() const {
+  sa router{};
+  std::array<char, 64> text{};
+  const bool found = net_default_gateway_get(AF_INET, &router) == 0 &&
+                     sa_ntop(&router, text.data(), static_cast<int>(text.size())) == 0;
+  return found ? text.data() : "";
+}
+
+LineTestRun::Work FileTelephoneLines::SipTest(const TelephoneLine& line) const {
+  const auto settings = SipSettingsOf(SectionOf(line), std::filesystem::path(path_).parent_path());
+  const SipProbeOptions options{.only_asks = HasOpenAccount(settings), .open_addresses = OpenAddresses()};
+  return [settings, options](const std::atomic<bool>& cancelled) {
+    return ProbeSipLine(settings, options, cancelled);
+  };
+}
+
+LineTestRun::Work FileTelephoneLines::TestOf(const TelephoneLine& line) const {
+  const auto found = [](const LineTestResult& result) { return [result](auto&) { return result; }; };
   const auto device = DeviceOf(line);
   const bool open = device >= 0 && use_(device).open;
-  const SipProbeOptions options{.registered_now = IsRegistered(line), .open_addresses = OpenAddresses()};
-  const auto state = open ? State(line) : "";
-  tests_.Start(
-      [line, open, state, options, section = SectionOf(line),
-       folder =
-           std::filesystem::path(path_).parent_path()](const std::atomic<bool>& cancelled) -> LineTestResult {
-        if (line.kind == LineKind::Modem && open)
-          return {state == kModemReady, "The line is open: " + state + '.'};
-        if (line.kind == LineKind::Modem) return ProbeModem(line.port, cancelled);
-        if (line.kind == LineKind::Sim) return ReadScript(ScriptOf(section, folder));
-        if (open && line.server.empty())
-          return {true, "The line is open: calls can come in at " + line.listen + '.'};
-        return ProbeSipLine(line, SipSettingsOf(section, folder), options, cancelled);
-      },
-      std::move(done));
+  switch (line.kind) {
+    case LineKind::Modem:
+      if (!open) return [line](auto& cancelled) { return ProbeModem(line.port, cancelled); };
+      return found(
+          {State(line) == Words(std::string(kModemReady)), Words("The line is open: %1.").Arg(State(line))});
+    case LineKind::Sim:
+      return [script = ScriptOf(SectionOf(line), std::filesystem::path(path_).parent_path())](auto&) {
+        return ReadScript(script);
+      };
+    default: break;
+  }
+  if (!open || !line.server.empty()) return SipTest(line);
+  return found({true, Words("The line is open: calls can come in at %1.").Arg(line.listen)});
+}
+
+void FileTelephoneLines::Test(const TelephoneLine& line, TestDone done) {
+  tests_.Start(TestOf(line), std::move(done));
 }
 
 }  // namespace orven

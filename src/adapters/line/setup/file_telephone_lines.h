@@ -69,7 +69,9 @@ class FileTelephoneLines final : public TelephoneLines {
   void Store(const std::vector<TelephoneLine>& lines) override;
   std::optional<LineFault> Check(const TelephoneLine& line) const override;
   std::vector<SerialPortFound> SerialPorts() const override;
-  std::string State(const TelephoneLine& line) const override;
+  std::string FreeAddress(const std::string& listen) const override;
+  std::string Router() const override;
+  Words State(const TelephoneLine& line) const override;
   void Test(const TelephoneLine& line, TestDone done) override;
   void CancelTest() override { tests_.Cancel(); }
 
@@ -79,7 +81,9 @@ class FileTelephoneLines final : public TelephoneLines {
   bool IsOpen(std::size_t index) const { return use_(static_cast<std::int32_t>(index)).open; }
   bool AnyOpen() const;
   std::vector<std::string> OpenAddresses() const;
-  bool IsRegistered(const TelephoneLine& line) const;
+  LineTestRun::Work TestOf(const TelephoneLine& line) const;
+  LineTestRun::Work SipTest(const TelephoneLine& line) const;
+  bool HasOpenAccount(const SipLineSettings& settings) const;
 
   const std::string path_;
   const std::function<Use(std::int32_t index)> use_;

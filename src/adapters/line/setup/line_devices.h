@@ -3,36 +3,17 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "adapters/line/config/lines_ini.h"
+#include "adapters/line/setup/latest.h"
 #include "adapters/line/sip/sip_line_settings.h"
 #include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/line_driver.h"
 
 namespace orven {
-
-/// The latest value that one thread has set; any thread may read it.
-template <class Value>
-class Latest {
- public:
-  void Take(Value value) {
-    const std::lock_guard lock(mutex_);
-    value_ = std::move(value);
-  }
-  Value Get() const {
-    const std::lock_guard lock(mutex_);
-    return value_;
-  }
-
- private:
-  mutable std::mutex mutex_;
-  Value value_;
-};
 
 /// One line that the program has a device for, and the state that its driver reported last. The driver's
 /// threads report it, so it outlives the driver.

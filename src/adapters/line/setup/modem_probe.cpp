@@ -52,31 +52,27 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookForCancel{50};
 
-std::string SamplesOf(SampleKind kind) {
+const char* ReadyWords(SampleKind kind) {
   switch (kind) {
-    case SampleKind::Linear16: return "16 bits";
-    case SampleKind::MuLaw: return "8 bits, mu-law";
-    case SampleKind::Unsigned8: return "8 bits";
+    case SampleKind::Linear16: return Tr("A voice modem answers at %1 (its sound has 16 bits).");
+    case SampleKind::MuLaw: return Tr("A voice modem answers at %1 (its sound has 8 bits, mu-law).");
+    default: return Tr("A voice modem answers at %1 (its sound has 8 bits).");
   }
-  return "";
 }
 
-LineTestResult ResultOf(const PreparedModem& modem, const std::string& port) {
+const char* WordsFor(const PreparedModem& modem) {
   switch (modem.state) {
     case PreparedModem::State::Silent:
-      return {false, "Nothing answers at " + port + ": there is no modem, or it is switched off."};
-    case PreparedModem::State::NoModem:
-      return {false, "The device at " + port + " answers, but not as a modem does."};
+      return Tr("Nothing answers at %1: there is no modem, or it is switched off.");
+    case PreparedModem::State::NoModem: return Tr("The device at %1 answers, but not as a modem does.");
     case PreparedModem::State::NoVoice:
-      return {false,
-              "A modem answers at " + port +
-                  ", but it is not a voice modem (it does not offer +FCLASS=8): it cannot speak or record."};
+      return Tr(
+          "A modem answers at %1, but it is not a voice modem (it does not offer +FCLASS=8): it cannot "
+          "speak or record.");
     case PreparedModem::State::NoFormat:
-      return {false, "A voice modem answers at " + port + ", but it offers no supported audio format."};
-    case PreparedModem::State::Ready: break;
+      return Tr("A voice modem answers at %1, but it offers no supported audio format.");
+    default: return ReadyWords(modem.format.kind);
   }
-  return {true,
-          "A voice modem answers at " + port + " (its sound has " + SamplesOf(modem.format.kind) + ")."};
 }
 
 /// The modem at one port, on this thread's event loop.
@@ -95,8 +91,8 @@ class Probe : private ModemLinkEvents, private ModemOutput {
     preparation.Start();
     waiting_.exec();
     link_->Close();
-    if (lost_) return {false, "The modem at " + port + " is gone."};
-    return ResultOf(modem_, port);
+    if (lost_) return {false, Words("The modem at %1 is gone.").Arg(port)};
+    return {modem_.state == PreparedModem::State::Ready, Words(WordsFor(modem_)).Arg(port)};
   }
 
  private:

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "adapters/line/sip/listen_address.h"
 
-#include <arpa/inet.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netdb.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <charconv>
 #include <chrono>
 #include <future>
 #include <memory>
@@ -17,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "adapters/line/sip/host_and_port.h"
 #include "adapters/line/sip/server_records.h"
 
 namespace orven {
@@ -25,32 +22,6 @@ namespace {
 using Hosts = ListenAddress::Hosts;
 
 constexpr std::chrono::milliseconds kSoon{500};
-
-bool IsNumeric(int family, std::string_view text) {
-  std::array<unsigned char, sizeof(in6_addr)> address{};
-  return ::inet_pton(family, std::string(text).c_str(), address.data()) == 1;
-}
-
-/// Letters, digits, "-" and "."; the last part is not a number, so that a mistyped address is not a name.
-bool IsName(std::string_view text) {
-  const auto is_part = [](unsigned char letter) {
-    return std::isalnum(letter) != 0 || letter == '-' || letter == '.';
-  };
-  const std::string_view last = text.substr(text.rfind('.') + 1);
-  return std::ranges::all_of(text, is_part) && last.find_first_not_of("0123456789") != last.npos;
-}
-
-std::optional<Hosts> HostsOf(std::string_view host, bool bracketed) {
-  if (bracketed) {
-    if (host == "::") return Hosts::kEveryIpv6;
-    const bool valid = IsNumeric(AF_INET6, host.substr(0, host.find('%'))) && !host.ends_with('%');
-    return valid ? std::optional(Hosts::kAddress) : std::nullopt;
-  }
-  if (host.empty() || host == "*") return Hosts::kEvery;
-  if (host == "0.0.0.0") return Hosts::kEveryIpv4;
-  if (IsNumeric(AF_INET, host)) return Hosts::kAddress;
-  return IsName(host) ? std::optional(Hosts::kName) : std::nullopt;
-}
 
 /// The system's parser, because only it knows the networks of link-local addresses; they come and go.
 std::vector<sa> Numeric(const ListenAddress& listen) {
@@ -79,17 +50,15 @@ bool IsWanted(const ListenAddress& listen, const std::vector<sa>& named, const s
 }  // namespace
 
 std::optional<ListenAddress> ParseListen(std::string_view text) {
-  const auto colon = text.rfind(':');
-  if (colon == text.npos) return std::nullopt;
-  std::string_view host = text.substr(0, colon);
-  const bool bracketed = host.size() > 2 && host.starts_with('[') && host.ends_with(']');
-  if (bracketed) host = host.substr(1, host.size() - 2);
-  const auto hosts = HostsOf(host, bracketed);
-  std::uint16_t port = 0;
-  const char* const end = text.data() + text.size();
-  const auto [last, error] = std::from_chars(text.data() + colon + 1, end, port);
-  if (!hosts || error != std::errc() || last != end || port == 0) return std::nullopt;
-  return ListenAddress{*hosts, std::string(host), port};
+  const auto port_at = text.starts_with('*') ? 1 : 0;
+  const bool every = text.substr(port_at).starts_with(':');
+  const auto given =
+      every ? ParseHostAndPort("0.0.0.0" + std::string(text.substr(port_at))) : ParseHostAndPort(text);
+  if (!given || given->port == 0) return std::nullopt;
+  auto hosts = given->kind == HostAndPort::Kind::kName ? Hosts::kName : Hosts::kAddress;
+  if (given->host == "0.0.0.0") hosts = every ? Hosts::kEvery : Hosts::kEveryIpv4;
+  if (given->host == "::") hosts = Hosts::kEveryIpv6;
+  return ListenAddress{hosts, given->host, given->port};
 }
 
 std::vector<sa> PresentAddresses(const ListenAddress& listen, const std::vector<sa>& named) {

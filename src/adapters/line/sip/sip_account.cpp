@@ -14,17 +14,6 @@
 namespace orven {
 namespace {
 
-std::optional<SipAddress> Parsed(const std::string& address) {
-  pl text{};
-  uri parsed{};
-  pl_set_str(&text, address.c_str());
-  if (uri_decode(&parsed, &text) != 0 || pl_strcasecmp(&parsed.scheme, "sip") != 0 || parsed.user.l == 0 ||
-      parsed.host.l == 0) {
-    return std::nullopt;
-  }
-  return SipAddress{std::string(View(parsed.user)), std::string(View(parsed.host)), parsed.port};
-}
-
 /// As written in the account, perhaps with a port.
 std::string WrittenServer(const SipAccount& account) {
   return account.proxy.empty() ? account.address.substr(account.address.find('@') + 1) : account.proxy;
@@ -51,8 +40,21 @@ std::string TlsFailureText(const std::string& server, int error, const std::stri
 
 }  // namespace
 
+std::optional<HostAndPort> ParseServer(std::string_view text) {
+  auto server = ParseHostAndPort(text);
+  const bool on_one_network = server && server->host.find('%') != std::string::npos;
+  return on_one_network ? std::nullopt : server;
+}
+
 std::optional<SipAddress> AddressOf(const SipAccount& account) {
-  return Parsed(account.address);
+  constexpr std::string_view kScheme = "sip:";
+  const std::string_view text = account.address;
+  const auto at = std::min(text.find('@'), text.size());
+  if (!text.starts_with(kScheme) || at <= kScheme.size() || at == text.size()) return std::nullopt;
+  const auto user = text.substr(kScheme.size(), at - kScheme.size());
+  const auto server = ParseServer(text.substr(at + 1));
+  if (!server || user.find_first_of(" \t<>\"") != user.npos) return std::nullopt;
+  return SipAddress{std::string(user), server->host, server->port};
 }
 
 bool IsTransport(std::string_view transport) {
@@ -64,7 +66,7 @@ std::string ProblemOf(const SipAccount& account) {
   if (!AddressOf(account)) {
     return "account \"" + account.address + "\" is not a SIP address like sip:100@example.org";
   }
-  if (!account.proxy.empty() && !Parsed("sip:proxy@" + account.proxy)) {
+  if (!account.proxy.empty() && !ParseServer(account.proxy)) {
     return "proxy \"" + account.proxy + "\" is not a server like sip.example.org or 192.0.2.1:5060";
   }
   if (!IsTransport(account.transport)) {
@@ -74,8 +76,8 @@ std::string ProblemOf(const SipAccount& account) {
 }
 
 ServerName ServerOf(const SipAccount& account) {
-  const auto address = account.proxy.empty() ? AddressOf(account) : Parsed("sip:proxy@" + account.proxy);
-  return {address ? address->host : "", address ? address->port : std::uint16_t{0}, account.transport};
+  const auto server = ParseServer(WrittenServer(account)).value_or(HostAndPort{});
+  return {server.host, server.port, account.transport};
 }
 
 std::string HostInUri(const std::string& host) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/line/sip/host_and_port.h"
 #include "adapters/line/sip/server_records.h"
 
 namespace orven {
@@ -26,7 +27,10 @@ struct SipAddress {
   std::uint16_t port = 0;  ///< 0: none given
 };
 
-/// Nothing unless the account's address is usable.
+/// Reads a server's name or address, IPv6 in brackets, perhaps with ":" and a port.
+std::optional<HostAndPort> ParseServer(std::string_view text);
+
+/// Nothing unless the account's address is usable: its user has no blanks, "<", ">" and quotes.
 std::optional<SipAddress> AddressOf(const SipAccount& account);
 
 /// Whether `transport` may be an account's.

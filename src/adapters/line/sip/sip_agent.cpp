@@ -50,7 +50,7 @@ std::optional<OpenFailure> SipAgent::Start() {
     }
   }
   if (auto failure = transports_.Start()) return failure;
-  news_.resize(settings_.accounts.size());
+  for (const SipAccount& account : settings_.accounts) news_.push_back({.account = account.address});
   for (std::size_t at = 0; at < settings_.accounts.size(); ++at) {
     const SipAccount& account = settings_.accounts[at];
     const auto towards = [this, &account](const ServerAddress& server) {
@@ -70,9 +70,7 @@ std::optional<OpenFailure> SipAgent::Start() {
 /// The line is as well as the worst of its accounts.
 void SipAgent::TakeNews(std::size_t account, const RegistrationNews& news) {
   news_[account] = news;
-  if (news_.size() > 1 && !news.reason.empty()) {
-    news_[account].reason = settings_.accounts[account].address + ": " + news.reason;
-  }
+  news_[account].account = settings_.accounts[account].address;
   const auto rank = [](const RegistrationNews& one) {
     using State = RegistrationNews::State;
     return one.state == State::Failed ? 0 : one.state == State::Trying ? 1 : 2;

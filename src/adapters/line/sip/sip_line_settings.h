@@ -53,6 +53,7 @@ struct SipLineTimers {
 struct RegistrationNews {
   enum class State { Trying, Registered, Failed };
   State state = State::Trying;
+  std::string account{};               ///< its address
   int status = 0;                      ///< of the server's answer (RFC 3261, section 21); 0 without one
   int error = 0;                       ///< errno value of a failed connection or request; else 0
   std::string reason{};                ///< why it failed, in a few words for the user

@@ -151,8 +151,8 @@ TEST(LineSettings, AnInvalidEntryIsReportedAtItsField) {
     auto line = good;
     line.*text = value;
     const auto fault = FaultOf(line).value();
-    EXPECT_EQ(fault.control, control) << fault.text;
-    EXPECT_EQ(fault.text.find("hidden"), std::string::npos) << "no message quotes a password";
+    EXPECT_EQ(fault.control, control) << fault.text.English();
+    EXPECT_EQ(fault.text.English().find("hidden"), std::string::npos) << "no message quotes a password";
   }
   auto line = good;
   line.ring_seconds = 61;

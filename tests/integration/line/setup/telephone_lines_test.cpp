@@ -42,17 +42,21 @@ class TelephoneLinesTest : public testing::Test {
     Tapi1.LineOpen(0, 4, 8);
     return first;
   }
-  LineTestResult Result(const TelephoneLine& line) {
+  struct Told {
+    bool passed;
+    std::string text;
+  };
+  Told Result(const TelephoneLine& line) {
     std::optional<LineTestResult> result;
     lines.Test(line, [&](const LineTestResult& told) { result = told; });
     EXPECT_TRUE(QTest::qWaitFor([&] { return result.has_value(); }, 20'000));
-    return result.value_or(LineTestResult{});
+    return result ? Told{result->passed, result->text.English()} : Told{};
   }
 
   /// Waits until the state of `line` contains `words`.
   void ExpectState(const TelephoneLine& line, const std::string& words) {
-    const auto said = [&] { return lines.State(line).find(words) != std::string::npos; };
-    EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << words << ": " << lines.State(line);
+    const auto said = [&] { return lines.State(line).English().find(words) != std::string::npos; };
+    EXPECT_TRUE(QTest::qWaitFor(said, 20'000)) << words << ": " << lines.State(line).English();
   }
 
   ScratchFolder folder;
@@ -112,6 +116,8 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   const auto waiting = "timeout 20 bash -c 'until : </dev/tcp/127.0.0.1/" + std::to_string(port);
   ASSERT_EQ(std::system((waiting + "; do sleep 0.05; done' 2>/dev/null").c_str()), 0);
   const auto login = [&](const std::string& user) { return "account = sip:" + user + '@' + server; };
+  const auto other = Socket::TcpListening();
+  const auto taken = "127.0.0.1:" + std::to_string(other.Port());
   const auto wrong = "or the password is wrong."s, far = "* as address for calls uses every network"s;
   // The keys of a SIP line, and parts of its test result and of its state.
   const std::tuple<std::string, std::string, std::string> rows[] = {
@@ -128,7 +134,14 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
       {"account = sip:1@" + Free() + "\ntransport = tcp", "is refused", "is refused"},
       {login("100") + "\nlisten = 192.0.2.1:5060", "not an address of this computer",
        "cannot listen on 192."},
-      {"listen = x.invalid:5060", "x.invalid:5060: its address cannot be found", "its address cannot be found"},
+      {login("100") + "\npassword = secret\naccount2 = sip:406@" + server,
+       " does not accept it (406 As Asked).", "Registration failed: sip:406@" + server + ": 406 As Asked"},
+      {login("100") + "\npassword = secret\naccount2 = sip:100@" + server + "\npassword2 = secret",
+       "accepted: 100@" + server + ", 100@" + server + '.', "Registered"},
+      {"listen = x.invalid" + own.substr(own.find(':')), "its address cannot be found",
+       "address cannot be found"},
+      {"listen = " + taken, "Port " + std::to_string(other.Port()) + " is taken by another program",
+       "already in use"},
       {"tls_trust = trust.pem", "Calls can come in at " + own, "Waiting for calls"},
       {"tls_listen = " + Free(), "Calls can come in at " + own + ", with TLS", "Waiting for calls"},
       {"tls_certificate = gone.pem\ntls_listen = " + Free(), "gone.pem cannot be used",
@@ -151,10 +164,13 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
   ExpectState(line, "Registered");
   EXPECT_FALSE(Tapi1.Replace({})) << "an open line was taken away";
   EXPECT_TRUE(Result(line).passed);
-  EXPECT_EQ(lines.State(line), "Registered") << "the test left the registration alone";
+  EXPECT_EQ(lines.State(line), Words("Registered")) << "the test left the registration alone";
   line.password = "wrong";
   EXPECT_FALSE(Result(line).passed) << "the entered password is tested, not the stored one";
-  EXPECT_EQ(lines.State(line), "Not in use yet");
+  EXPECT_EQ(lines.State(line), Words("Not in use yet"));
+  EXPECT_EQ(lines.FreeAddress(own), own) << "the line's own port can be used again";
+  EXPECT_EQ(lines.FreeAddress(taken), "127.0.0.1:" + std::to_string(other.Port() + 2));
+  EXPECT_EQ(lines.FreeAddress("192.0.2.1:5060"), "192.0.2.1:5060");
 }
 
 TEST_F(TelephoneLinesTest, ASilentServerIsReportedAndItsTestCanBeCancelled) {
@@ -163,8 +179,7 @@ TEST_F(TelephoneLinesTest, ASilentServerIsReportedAndItsTestCanBeCancelled) {
   const auto probe = [&section](const Socket& server, const char* transport) {
     section.values["account"] = "sip:1@127.0.0.1:" + std::to_string(server.Port());
     section.values["transport"] = transport;
-    return ProbeSipLine(LineOf(section), SipSettingsOf(section, ""), {.patience = milliseconds(300)}, false)
-        .text;
+    return ProbeSipLine(SipSettingsOf(section, ""), {.patience = milliseconds(300)}, false).text.English();
   };
   EXPECT_THAT(probe(listening, "tls"), HasSubstr("often 5061"));
   EXPECT_THAT(probe(silent, "udp"), HasSubstr("no answer"));
@@ -245,7 +260,7 @@ TEST_F(TelephoneLinesTest, TheTestTellsVoiceModemsFromOtherDevices) {
 }
 
 TEST_F(TelephoneLinesTest, SerialPortsAreFoundUnderTheirStableName) {
-  EXPECT_EQ(ProbeModem(kAnyPort, false).text == "No modem is plugged in.", FindSerialPorts().empty());
+  EXPECT_EQ(ProbeModem(kAnyPort, false).text == Words("No modem is plugged in."), FindSerialPorts().empty());
   std::filesystem::create_directories(folder / "serial/by-id");
   for (const char* name : {"ttyACM0", "ttyUSB1", "tty0"}) PutFile(folder / name, "");
   std::filesystem::create_symlink("../../ttyACM0", folder / "serial/by-id/usb-Modem-if00");
