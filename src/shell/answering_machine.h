@@ -20,6 +20,7 @@
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
+#include "platform/notifications.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
 #include "platform/telephony.h"
@@ -58,6 +59,7 @@ struct EnginePorts {
   WaveformReader& take_waveforms;  ///< the greeting creator's
   DataExchange& uDat;              ///< the speech helper
   SoundCardNames& cards;
+  Notifications& notifications;
 };
 
 /// The composed engine: all run-time state of the main window and the classes that work on it, in the

@@ -234,11 +234,14 @@ void MainWindow::Open() {
 }
 
 void MainWindow::TrayMouseMove(double x, double twips_per_pixel) {
-  const auto restore = [this] {
-    views_.frame.Restore();
-    CameBack();
-  };
-  machine_.tray.MouseMove(x, twips_per_pixel, restore, [this] { views_.frame.PopUpTrayMenu(); });
+  machine_.tray.MouseMove(
+      x, twips_per_pixel, [this] { BringToFront(); }, [this] { views_.frame.PopUpTrayMenu(); });
+}
+
+void MainWindow::BringToFront() {
+  if (!loaded_ || ended_) return;
+  views_.frame.Restore();
+  CameBack();
 }
 
 void MainWindow::CameBack() {

@@ -40,6 +40,9 @@ class MainWindow : public MainWindowStart {
   /// `mnuOpen`: shows the window again. A blinking icon goes on blinking.
   void Open();
 
+  /// Shows the window in front of the others, as a click on the tray's icon does.
+  void BringToFront();
+
   /// A mouse event over the tray icon: its message number (514 left button up, 517 right button up) arrives
   /// as the X coordinate of a mouse move, in twips.
   void TrayMouseMove(double x, double twips_per_pixel);

@@ -13,6 +13,7 @@
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/mail.h"
+#include "platform/notifications.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
 #include "platform/wave.h"
@@ -238,6 +239,35 @@ class ScriptedShell : public Shell {
   }
 };
 
+/// A desktop that shows every notification until it is withdrawn or a test presses a button.
+class RecordingNotifications : public Notifications {
+ public:
+  std::map<Id, Notification> shown;
+  std::vector<std::string> history;  ///< every one that was shown, as "title|text|button|…"
+  std::int32_t unread = 0;
+  Id Show(Notification notification, Id replaces) override {
+    auto line = notification.title.English() + '|' + notification.text.English();
+    for (const auto& button : notification.buttons) line += '|' + button.caption.English();
+    history.push_back(line);
+    const Id id = shown.contains(replaces) ? replaces : ++last_;
+    shown[id] = std::move(notification);
+    return id;
+  }
+  void Withdraw(Id id) override { shown.erase(id); }
+  void ShowUnread(std::int32_t count) override { unread = count; }
+
+  /// Presses a button of the newest notification.
+  void Press(std::size_t button) {
+    const auto newest = std::prev(shown.end());
+    const auto press = newest->second.buttons.at(button).press;
+    shown.erase(newest);
+    press();
+  }
+
+ private:
+  Id last_ = 0;
+};
+
 /// Sound cards with the names that the test sets.
 class ScriptedCards : public SoundCardNames {
  public:
@@ -386,6 +416,7 @@ struct ScriptedPorts {
   ScriptedMailTests mail_tests;
   ScriptedExchange uDat;
   ScriptedCards cards;
+  RecordingNotifications notifications;
   RecordingDialogFactory dialog_factory;
 };
 

@@ -46,6 +46,13 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
   return application;
 }
 
+void UseActivationToken(const QString& token) {
+  // Qt takes it from the environment when it activates a window, and removes it there.
+  if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+  }
+}
+
 namespace {
 
 /// Several times the connections that the line allows. Not more, because some programs loop over all possible

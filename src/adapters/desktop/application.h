@@ -13,6 +13,10 @@ namespace orven {
 /// options from them.
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv);
 
+/// Wayland: `token` (xdg-activation) lets the next window that is activated take the focus. Elsewhere it does
+/// nothing.
+void UseActivationToken(const QString& token);
+
 /// Raises this process's limit of open files as far as the system allows, so that strangers who hold many
 /// connections to the telephone line leave room for recordings and logs. Child processes inherit the limit.
 void RaiseFileLimit();

@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/desktop/application.h"
 #include "adapters/desktop/installation.h"
 #include "adapters/line/setup/line_devices.h"
 #include "core/mdlReg.h"
@@ -30,12 +31,22 @@ constexpr const char* kOutbox = "\\Outbox";
 /// Each start makes this file, so a folder without it is new.
 constexpr const char* kRecords = "\\Calls";
 
+/// How long a second start waits for the first, which may be busy.
+constexpr std::chrono::seconds kRaiseLimit{5};
+
+/// What a second start asks the first: to show its window, perhaps with the desktop's token for that.
+constexpr const char* kRaise = "raise";
+
 /// Interval at which we check whether the call is over, while changed lines wait to be opened.
 constexpr std::chrono::milliseconds kLookForIdleLine{500};
 
 /// Ends the application's event loop, even before that has started, and those of open dialogs.
 void EndEventLoops() {
   QCoreApplication::exit();
+}
+
+std::string InUsersLanguage(const Words& words) {
+  return Shown(words).toStdString();
 }
 
 }  // namespace
@@ -45,7 +56,7 @@ Program::Program(Folders folders)
       folders_(std::move(folders)),
       system_(folders_.application),
       loop_([this](const std::string& fault) { Report("A task failed: " + fault); }),
-      dialogs_([](const Words& words) { return Shown(words).toStdString(); }),
+      dialogs_(&InUsersLanguage),
       background_(loop_),
       registry_file_(home_.Path("\\registry.reg"), [this](const std::string& text) { Report(text); }),
       autostart_(registry_file_, Autostart(), [this](const std::string& text) { Report(text); }),
@@ -77,12 +88,14 @@ Program::Program(Folders folders)
       uDat_(loop_),
       caller_view_(frame_),
       shell_(frame_.windowIcon()),
+      notifications_(&InUsersLanguage, HasDisplay()),
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
-      mail_tests_(loop_, [](const Words& words) { return Shown(words).toStdString(); }),
+      mail_tests_(loop_, &InUsersLanguage),
       program_dialogs_(Ports(), [this] { cards_.Look(); }),
-      window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops) {
+      window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops),
+      link_(folders_.application) {
   QApplication::setWindowIcon(frame_.windowIcon());
   program_dialogs_.Attach(window_.Machine(), frame_);
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
@@ -94,14 +107,23 @@ Program::Program(Folders folders)
   });
   shell_.SetMouseHandler(
       [this](double x, double twips_per_pixel) { window_.TrayMouseMove(x, twips_per_pixel); });
+  AnswerOtherStarts();
 }
 
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_,     loop_,      files_,     background_,     registry_, dialogs_,
-          shell_,     mouse_,     mail_,      mail_tests_,     database_, lines_,
-          line_wave_, desk_wave_, waveforms_, take_waveforms_, uDat_,     cards_};
+  return {clock_,     loop_,           files_,      background_, registry_,     dialogs_,   shell_,
+          mouse_,     mail_,           mail_tests_, database_,   lines_,        line_wave_, desk_wave_,
+          waveforms_, take_waveforms_, uDat_,       cards_,      notifications_};
+}
+
+void Program::AnswerOtherStarts() {
+  link_.On(kRaise, [this](const std::string& token, const InstanceLink::Answer& answer) {
+    UseActivationToken(QString::fromStdString(token));
+    window_.BringToFront();
+    answer({});
+  });
 }
 
 std::string Program::HelperPath() const {
@@ -170,7 +192,12 @@ void Program::WaitForLines() {
 bool Program::Start(const std::string& command_line) {
   FirstStart first_start(registry_, system_, home_, FirstStartSources());
   EntryRoutine entry(system_, dialogs_, first_start, [this](bool first) { PrepareFolder(first); });
-  if (!entry.Run(command_line, window_)) return false;
+  // The box about the other program takes it from the environment.
+  const auto token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN").toStdString();
+  if (!entry.Run(command_line, window_)) {
+    if (HasDisplay()) (void)AskRunningProgram(home_.Path(), kRaise + (' ' + token), kRaiseLimit);
+    return false;
+  }
   if (!Ended()) mail_.Resume();
   return true;
 }
@@ -180,7 +207,9 @@ void Program::PrepareFolder(bool first_start) {
   const auto seeded = SeedApplicationFolder(home_.Path(), folders_.assets, first_start);
   for (const auto& problem : early_problems_) Report(problem);
   for (const auto& problem : seeded.problems) Report(problem);
-  if (!system_.ClaimProblem().empty()) Report(system_.ClaimProblem());
+  // Without the claim the link may be another program's.
+  const auto claim = system_.ClaimProblem().empty() ? link_.Open() : system_.ClaimProblem();
+  if (!claim.empty()) Report(claim);
   // The help's pictures would delay the start on a slow disk.
   auto help = std::make_shared<SeedReport>();
   background_.Run(

@@ -10,7 +10,9 @@
 #include "adapters/channel/local_exchange.h"
 #include "adapters/database/sqlite_database.h"
 #include "adapters/desktop/autostart.h"
+#include "adapters/desktop/desktop_notifications.h"
 #include "adapters/desktop/desktop_system.h"
+#include "adapters/desktop/instance_link.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_dialogs.h"
 #include "adapters/desktop/qt_event_loop.h"
@@ -61,6 +63,7 @@ class Program {
   FirstStart::Sources FirstStartSources();
   void TellOfLostSettings();
   EnginePorts Ports();
+  void AnswerOtherStarts();
   std::string HelperPath() const;
   AutostartSource Autostart() const;
   MailAccount Account();
@@ -105,10 +108,12 @@ class Program {
   frmMSG caller_view_;
   QtShell shell_;
   QtMouse mouse_;
+  DesktopNotifications notifications_;
   SmtpMail mail_;
   SmtpTests mail_tests_;
   ProgramDialogs program_dialogs_;
   MainWindow window_;
+  InstanceLink link_;
 };
 
 }  // namespace orven

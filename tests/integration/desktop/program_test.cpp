@@ -9,8 +9,10 @@
 
 #include "adapters/desktop/application.h"
 #include "adapters/desktop/exit_requests.h"
+#include "adapters/desktop/instance_link.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_event_loop.h"
+#include "support/scratch_folder.h"
 
 namespace orven {
 namespace {
@@ -71,6 +73,43 @@ TEST(QuitRequests, TheProgramHandlesTheEndOfTheSessionInsteadOfQt) {
   const QuitRequests requests([&] { return asked = true; });
   QEvent quit(QEvent::Quit);
   EXPECT_TRUE(QCoreApplication::sendEvent(QCoreApplication::instance(), &quit) && asked);
+}
+
+TEST(InstanceLink, AnswersAlsoLateAndInALongFolderWhereAKilledProgramLeftItsSocket) {
+  const test::ScratchFolder scratch;
+  const auto folder = scratch / std::string(200, 'a');
+  std::filesystem::create_directory(folder);
+  test::PutFile(folder + "/.link", "left by a killed program");
+  QtEventLoop loop;
+  const auto ask = [&](const std::string& request) {
+    std::optional<std::string> text;
+    bool done = false;
+    std::thread asking([&] {
+      const auto answer = AskRunningProgram(folder, request, 10s);
+      if (answer) text = std::to_string(answer->code) + answer->text;
+      loop.Post([&] { done = true; });
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done; }, 15'000)) << request;
+    asking.join();
+    return text;
+  };
+  {
+    InstanceLink link(folder);
+    link.On("raise", [](const std::string& token, const InstanceLink::Answer& answer) {
+      answer({0, token});
+    });
+    link.On("check", [&](const std::string&, const InstanceLink::Answer& answer) {
+      loop.After(50ms, [answer] { answer({1, "two\nlines"}); });
+    });
+    EXPECT_EQ(link.Open(), "");
+    EXPECT_EQ(std::filesystem::status(folder + "/.link").permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(ask("raise a token"), "0a token");
+    EXPECT_EQ(ask("check"), "1two\nlines");
+    EXPECT_EQ(ask("nonsense"), std::nullopt);
+    EXPECT_EQ(ask(std::string(10'000, 'x')), std::nullopt);
+  }
+  EXPECT_EQ(ask("raise"), std::nullopt) << "the program has ended";
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 /// Sets the time zone, in POSIX notation, so that no zone database is needed.
