@@ -2,6 +2,7 @@
 #include "notify/tray_icon.h"
 
 #include <cmath>
+#include <utility>
 
 #include "base/runtime_error.h"
 
@@ -35,7 +36,13 @@ TrayIcon::TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<
 
 void TrayIcon::MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) {
   record_.tip = TipField("ORVEN - Calls:" + std::to_string(total) + "  New:" + std::to_string(new_calls));
-  Send(NotifyIconPicture::MainWindow);
+  Send(line_);
+}
+
+void TrayIcon::ShowLine(const LineHealth& line) {
+  using enum NotifyIconPicture;
+  const auto picture = !line.trouble.Empty() ? LineTrouble : line.on ? MainWindow : LineOff;
+  if (std::exchange(line_, picture) != picture && !Blinking()) Send(picture);
 }
 
 void TrayIcon::StartBlinking() {
@@ -51,7 +58,7 @@ bool TrayIcon::Blinking() const {
 }
 
 void TrayIcon::Blink() {
-  Send(blink_phase_ ? NotifyIconPicture::MainWindow : NotifyIconPicture::PicSysTryNothing);
+  Send(blink_phase_ ? line_ : NotifyIconPicture::PicSysTryNothing);
   blink_phase_ = !blink_phase_;
 }
 

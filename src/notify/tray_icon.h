@@ -7,14 +7,15 @@
 #include <string>
 
 #include "core/activity_log.h"
+#include "notify/line_health.h"
 #include "platform/event_loop.h"
 #include "platform/shell.h"
 #include "records/call_list.h"
 
 namespace orven {
 
-/// The program's icon in the notification area: its tip shows the counts, and it blinks after a call that was
-/// missed. Every change is an add request followed by a modify request, so that the icon returns after a
+/// The program's icon in the notification area: its picture shows how the line is, its tip the counts, and it
+/// blinks after a call that was missed. Every change is an add request followed by a modify request, so that the icon returns after a
 /// restart of the shell. User-interface thread.
 class TrayIcon : public CallCountsView {
  public:
@@ -22,6 +23,9 @@ class TrayIcon : public CallCountsView {
   TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<std::uintptr_t()> window);
 
   void MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) override;
+
+  /// Shows how the line is from now on.
+  void ShowLine(const LineHealth& line);
 
   /// Enables `tmrSysTryBlink`.
   void StartBlinking();
@@ -45,6 +49,7 @@ class TrayIcon : public CallCountsView {
   SystemLog& log_;
   std::function<std::uintptr_t()> window_;
   NotifyIconData record_;
+  NotifyIconPicture line_ = NotifyIconPicture::LineOff;
   bool blink_phase_ = false;
   std::unique_ptr<Timer> tmrSysTryBlink_;
 };

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "base/words.h"
 #include "platform/audio_device.h"
 #include "platform/telephony.h"
 
@@ -40,7 +41,9 @@ struct LineEvent {
     /// The call is over. Exactly once for each InCommingCall, as the call's last event; the driver then
     /// accepts the next call.
     Idle,
-    Trouble,  ///< a fault of the device itself, as one sentence for the user in `text`; empty: it works again
+    /// Calls cannot come in, or not all of them: `trouble` tells the line's owner the cause and the remedy, in one
+    /// sentence. Empty: it works again. May come again with another sentence.
+    Trouble,
   };
 
   Kind kind;
@@ -50,7 +53,8 @@ struct LineEvent {
   std::int32_t result = 0;  ///< Proc
   char digit = 0;           ///< MonitorDigit
   std::string name{};       ///< CallerID, Diverted
-  std::string text{};       ///< CallerID, Diverted, Trouble
+  std::string text{};       ///< CallerID, Diverted
+  Words trouble{};          ///< Trouble
 };
 
 /// Where a driver pushes its events: on any thread, one at a time, in the order in which things happen. It
@@ -59,8 +63,9 @@ using LineSink = std::function<void(LineEvent)>;
 
 /// Why a line could not be opened.
 struct OpenFailure {
-  std::int32_t result;  ///< a negative TelephonyResult
-  std::string reason;   ///< one sentence for the log
+  std::int32_t result = kTelephonyOk;  ///< a negative TelephonyResult
+  std::string reason{};   ///< one sentence for the log
+  Words trouble{};      ///< cause and remedy for the line's owner, as of LineEvent::Kind::Trouble
 };
 
 /// One telephone device. Operations are called on the user-interface thread and return at once; their

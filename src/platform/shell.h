@@ -6,9 +6,11 @@
 
 namespace orven {
 
-/// The icons that the notification area can show for the program.
+/// The pictures that the notification area can show for the program.
 enum class NotifyIconPicture {
-  MainWindow,       ///< the main window's icon
+  MainWindow,       ///< the main window's icon: the line is open
+  LineOff,
+  LineTrouble,      ///< calls cannot come in
   PicSysTryNothing  ///< blank
 };
 

@@ -56,6 +56,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       views_(views) {
   ports_.Tapi1.SetEvents([this](const LineEvent& event) { sequence.Handle(event); });
   ports_.Wave1.SetEvents(&sequence);
+  line.Listen([this](const LineHealth& health) { tray.ShowLine(health); });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
 

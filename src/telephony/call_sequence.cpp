@@ -24,7 +24,7 @@ void CallSequence::Handle(const LineEvent& event) {
     case Kind::Idle:
       if (control_.call.InProgress()) Idle(line);
       return;
-    case Kind::Trouble: return control_.line.Trouble(line, event.text);
+    case Kind::Trouble: return control_.line.Trouble(line, event.trouble);
   }
 }
 

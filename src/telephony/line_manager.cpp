@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "telephony/line_manager.h"
 
-#include <chrono>
+#include <algorithm>
 #include <utility>
 
 #include "core/error_trap.h"
@@ -15,8 +15,8 @@ constexpr std::int32_t kNoneUsable = -2;
 constexpr std::int32_t kOwnerPrivilege = 4;
 constexpr std::int32_t kAutomatedVoice = 8;
 
-/// A laptop can be called this soon after it has found its network.
-constexpr std::chrono::seconds kTryAgain{5};
+/// A port is often taken for a moment only; what lasts must not keep the computer busy. Doubles with each failure.
+constexpr std::chrono::seconds kFirstPause{1}, kLongestPause{60};
 
 std::string Device(std::int32_t index, const std::string& name) {
   return "[LineIndex:" + std::to_string(index) + " Device Name:" + name + "]";
@@ -79,6 +79,7 @@ std::string LineManager::DeviceName(std::int32_t index) const {
 
 void LineManager::OpenLine(std::int32_t index) {
   failure_.clear();
+  pause_ = kFirstPause;
   TryToOpen(index);
 }
 
@@ -93,18 +94,30 @@ void LineManager::Open(std::int32_t index) {
   const auto result = ports_.Tapi1.LineOpen(index, kOwnerPrivilege, kAutomatedVoice);
   const auto name = DeviceName(index);
   const auto line = "LineOpen" + Device(index, name) + "->" + ports_.Tapi1.ErrorText(result);
-  if (result != kTelephonyOk) {
-    tmrOpenLine_->Start(kTryAgain);
-    if (std::exchange(failure_, line) != line) ports_.log.WriteSystem("Error " + line);
-    ShowLine();
-    return;
-  }
+  if (result != kTelephonyOk) return OpenFailed(index, "Error " + line);
   open_index_ = index;
-  line_on_ = true;
-  trouble_.clear();
-  ports_.view.ShowStatus("Monitoring " + name);
+  ever_open_ = true;
   ports_.log.WriteSystem(line);
+  Become({.on = true});
+}
+
+void LineManager::OpenFailed(std::int32_t index, const std::string& line_of_log) {
+  tmrOpenLine_->Start(pause_);
+  pause_ = std::min(2 * pause_, kLongestPause);
+  ever_open_ = ever_open_.value_or(false);
+  if (std::exchange(failure_, line_of_log) == line_of_log) return;
+  ports_.log.WriteSystem(line_of_log);
+  Become({.trying = true, .trouble = ports_.Tapi1.OpenTroubleOf(index)});
+}
+
+/// Shows the line's state everywhere.
+void LineManager::Become(LineHealth health) {
+  const bool news = health != health_;
+  health_ = std::move(health);
   ShowLine();
+  ShowMonitoring();
+  if (!news) return;
+  for (const auto& listener : listeners_) listener(health_);
 }
 
 void LineManager::CloseLine(std::int32_t index) {
@@ -118,14 +131,12 @@ void LineManager::CloseLine(std::int32_t index) {
                            ports_.Tapi1.ErrorText(result));
   });
   open_index_ = -1;
-  line_on_ = false;
-  ShowLine();
-  ports_.view.ShowStatus("Off Mode");
+  Become({});
 }
 
 void LineManager::ReplaceDevices(const std::function<void()>& replace) {
   const ErrorTrap trap(ports_.log, "ErrReplaceDevices ");
-  const bool on = line_on_ || tmrOpenLine_->Enabled();
+  const bool on = health_.on || health_.trying;
   const bool take_again = on || settings_.Modem < 0;
   if (on) CloseLine(CurrentIndex());
   trap(replace);
@@ -134,14 +145,12 @@ void LineManager::ReplaceDevices(const std::function<void()>& replace) {
 }
 
 void LineManager::ShowMonitoring() {
-  if (line_on_ && !trouble_.empty()) return ports_.view.ShowStatus(trouble_);
-  ports_.view.ShowStatus(line_on_ ? "Monitoring " + DeviceName(open_index_) : "Off Mode");
+  if (!health_.trouble.Empty()) return ports_.view.ShowStatus(health_.trouble);
+  ports_.view.ShowStatus(health_.on ? Words("Monitoring %1").Arg(DeviceName(open_index_)) : Words("Off Mode"));
 }
 
-void LineManager::Trouble(std::int32_t index, const std::string& text) {
-  if (index != open_index_) return;
-  trouble_ = text;
-  ShowMonitoring();
+void LineManager::Trouble(std::int32_t index, const Words& trouble) {
+  if (index == open_index_ && trouble != health_.trouble) Become({.on = true, .trouble = trouble});
 }
 
 }  // namespace orven

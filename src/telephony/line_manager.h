@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/activity_log.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "notify/line_health.h"
 #include "notify/status_panel.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -41,7 +45,7 @@ class LineManager {
   void TellToSelectDevice();
 
   /// Opens the line of a device; does nothing for a negative index or while a line is open. A failure (a port
-  /// in use, no network yet) is tried again every few seconds until it succeeds or CloseLine is called; each
+  /// in use, no network yet) is tried again with growing pauses until it succeeds or CloseLine is called; each
   /// reason is logged once.
   void OpenLine(std::int32_t index);
 
@@ -53,21 +57,29 @@ class LineManager {
   /// if there was no device. Only while there is no call.
   void ReplaceDevices(const std::function<void()>& replace);
 
-  bool LineOn() const { return line_on_; }
+  bool LineOn() const { return health_.on; }
+
+  const LineHealth& Health() const { return health_; }
+
+  /// `listener` gets each change of the line's health, for as long as this object lives.
+  void Listen(std::function<void(const LineHealth&)> listener) { listeners_.push_back(std::move(listener)); }
+
+  /// Opening was tried, and no line has ever been open since the program started.
+  bool NeverOpened() const { return ever_open_ == false; }
 
   /// Updates the on/off button.
-  void ShowLine() { ports_.view.ShowLine(line_on_, tmrOpenLine_->Enabled()); }
+  void ShowLine() { ports_.view.ShowLine(health_.on, health_.trying); }
 
   /// Index of the open line, or of the chosen device while none is open: choosing another device in the
   /// options must not take a call in progress off its line.
   std::int32_t CurrentIndex() const { return open_index_ >= 0 ? open_index_ : settings_.Modem; }
 
-  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; while its device has a
-  /// fault, that instead.
+  /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; instead the trouble of a
+  /// line that is open or is to be opened.
   void ShowMonitoring();
 
-  /// The fault of the device of line `index`; empty: it works again.
-  void Trouble(std::int32_t index, const std::string& text);
+  /// What the device of line `index` reports, as of LineEvent::Kind::Trouble.
+  void Trouble(std::int32_t index, const Words& trouble);
 
   /// Index of the first device with exactly this name; -1 when there is none.
   std::int32_t FindByName(const std::string& name) const;
@@ -77,16 +89,20 @@ class LineManager {
   void ChooseFirstUsable();
   void TryToOpen(std::int32_t index);
   void Open(std::int32_t index);
+  void OpenFailed(std::int32_t index, const std::string& line_of_log);
+  void Become(LineHealth health);
   std::string DeviceName(std::int32_t index) const;
 
   Ports ports_;
   SettingsStore& store_;
   Settings& settings_;
-  bool line_on_ = false;
+  LineHealth health_;
+  std::optional<bool> ever_open_;  ///< whether any opening has succeeded; nothing before the first one
+  std::vector<std::function<void(const LineHealth&)>> listeners_;
   bool telling_ = false;  ///< the box about choosing a device is open
   std::int32_t open_index_ = -1;
-  std::string trouble_;  ///< of the open line
-  std::string failure_;  ///< to open it, as the log has it
+  std::string failure_;  ///< of the latest opening, as the log has it
+  std::chrono::seconds pause_{0};  ///< after the next failed opening
   std::unique_ptr<Timer> tmrOpenLine_;
 };
 

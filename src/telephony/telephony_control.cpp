@@ -95,7 +95,14 @@ TelephonyControl::Line* TelephonyControl::OpenAt(std::int32_t index) const {
 
 std::string TelephonyControl::OpenFailureOf(std::int32_t index) const {
   const auto* line = At(index);
-  return line != nullptr ? line->failure : "";
+  return line != nullptr ? line->failure.reason : "";
+}
+
+Words TelephonyControl::OpenTroubleOf(std::int32_t index) const {
+  const auto* line = At(index);
+  if (line == nullptr || line->failure.result == kTelephonyOk) return {};
+  if (!line->failure.trouble.Empty()) return line->failure.trouble;
+  return Words("The line cannot be opened: %1").Arg(ErrorText(line->failure.result));
 }
 
 std::string TelephonyControl::ErrorText(std::int32_t result) const {
@@ -118,8 +125,9 @@ std::int32_t TelephonyControl::LineOpen(std::int32_t index, std::int32_t /*privi
   const auto failure =
       line->device.driver->Open([this, line](LineEvent event) { Push(*line, std::move(event)); });
   line->open = !failure;
-  line->failure = open_failure_ = failure ? failure->reason : "";
-  return failure ? failure->result : kTelephonyOk;
+  line->failure = failure.value_or(OpenFailure{});
+  open_failure_ = line->failure.reason;
+  return line->failure.result;
 }
 
 std::int32_t TelephonyControl::LineClose(std::int32_t index) {

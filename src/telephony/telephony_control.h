@@ -56,6 +56,9 @@ class TelephonyControl : public AudioDevices {
   /// Why the latest LineOpen of this line failed, in the driver's words; empty when it did not.
   std::string OpenFailureOf(std::int32_t index) const;
 
+  /// The same for the line's owner: the cause and the remedy.
+  Words OpenTroubleOf(std::int32_t index) const;
+
   /// Empty: events are dropped.
   void SetEvents(Receiver receiver) { receiver_ = std::move(receiver); }
 
@@ -113,7 +116,7 @@ class TelephonyControl : public AudioDevices {
     std::int32_t index;
     TelephoneDevice device;
     bool open = false;
-    std::string failure{};  ///< why the latest opening failed
+    OpenFailure failure{};  ///< of the latest opening; without texts when it succeeded
     CallMirror call{};
     std::chrono::seconds idle_for{0};  ///< how long the connected call has been idle
     std::unique_ptr<Timer> tmrIdle{};  ///< runs while a call is connected; null if no call is ever ended

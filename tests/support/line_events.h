@@ -7,6 +7,12 @@
 
 namespace orven::test {
 
+/// The cause of a trouble; its remedy, which is another sentence for each, must only be there.
+inline std::string CauseOf(const std::string& trouble) {
+  const auto end = trouble.find(": ");
+  return trouble.substr(0, end) + (trouble.empty() || end < trouble.size() ? "" : " without a remedy");
+}
+
 /// A driver's event in a few words.
 inline std::string ToText(const LineEvent& event) {
   using Kind = LineEvent::Kind;
@@ -17,7 +23,7 @@ inline std::string ToText(const LineEvent& event) {
   if (event.kind == Kind::Proc)
     return word + number + ' ' + (failed ? "failed" : std::to_string(event.result));
   if (event.kind == Kind::MonitorDigit) return word + event.digit;
-  if (event.kind == Kind::Trouble) return word + event.text;
+  if (event.kind == Kind::Trouble) return word + CauseOf(event.trouble.English());
   const auto call = word + std::to_string(event.call);
   if (event.kind == Kind::CallerID || event.kind == Kind::Diverted)
     return call + ' ' + event.name + '/' + event.text;

@@ -100,7 +100,7 @@ QUrl Openable(const QString& target) {
 
 }  // namespace
 
-QtShell::QtShell(QIcon main_window) : main_window_(std::move(main_window)), nothing_(BlankPicture()) {
+QtShell::QtShell(TrayPictures pictures) : pictures_(std::move(pictures)), nothing_(BlankPicture()) {
   if (!HasDisplay()) {
     MakeIcon();
     return;
@@ -143,8 +143,17 @@ bool QtShell::NotifyIcon(NotifyRequest request, const NotifyIconData& data) {
 }
 
 void QtShell::ShowPicture() {
-  icon_->setIcon(picture_ == NotifyIconPicture::MainWindow ? main_window_ : nothing_);
+  icon_->setIcon(Picture());
   if (HasDisplay()) icon_->show();  // Qt warns about platforms without a tray
+}
+
+const QIcon& QtShell::Picture() const {
+  switch (picture_) {
+    case NotifyIconPicture::MainWindow: return pictures_.main_window;
+    case NotifyIconPicture::LineOff: return pictures_.line_off;
+    case NotifyIconPicture::LineTrouble: return pictures_.line_trouble;
+    default: return nothing_;
+  }
 }
 
 bool QtShell::HasNotificationArea() const {

@@ -49,6 +49,13 @@ struct HelperStart {
   Environment environment;  ///< variables in addition to ours
 };
 
+/// The pictures of NotifyIconPicture; the blank one is made here.
+struct TrayPictures {
+  QIcon main_window{};
+  QIcon line_off{};
+  QIcon line_trouble{};
+};
+
 /// The desktop's tray (StatusNotifierItem over D-Bus if the desktop has a host for it, else the XEmbed tray
 /// of X11) and its programs for documents. Needs a QApplication; user-interface thread.
 ///
@@ -61,8 +68,7 @@ class QtShell final : public Shell {
   /// `twips_per_pixel`.
   using MouseHandler = std::function<void(double x, double twips_per_pixel)>;
 
-  /// `main_window` is the main window's icon.
-  explicit QtShell(QIcon main_window);
+  explicit QtShell(TrayPictures pictures);
 
   /// `on_mouse` receives the icon's clicks: WM_LBUTTONUP (514) for the one that activates it, WM_RBUTTONUP
   /// (517) for the one that opens its menu, nothing else.
@@ -96,13 +102,14 @@ class QtShell final : public Shell {
   void HearOfHost();
   void MakeIcon();
   void ShowPicture();
+  const QIcon& Picture() const;
   void Activated(QSystemTrayIcon::ActivationReason reason) const;
 
   bool IsHelper(const std::string& program) const;
 
   std::string helper_name_;
   std::function<HelperStart()> start_helper_;
-  QIcon main_window_;
+  const TrayPictures pictures_;
   QIcon nothing_;
   MouseHandler on_mouse_;
   QPointer<QMenu> menu_;

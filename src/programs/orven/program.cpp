@@ -14,6 +14,7 @@
 #include "core/mdlReg.h"
 #include "records/call.h"
 #include "records/message_recovery.h"
+#include "widgets/icons.h"
 #include "widgets/translation.h"
 
 namespace orven {
@@ -87,7 +88,7 @@ Program::Program(Folders folders)
       take_waveforms_(loop_),
       uDat_(loop_),
       caller_view_(frame_),
-      shell_(frame_.windowIcon()),
+      shell_({ProgramIcon(), OwnPicture(QStringLiteral("orven-off")), OwnPicture(QStringLiteral("orven-trouble"))}),
       notifications_(&InUsersLanguage, HasDisplay()),
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },

@@ -45,7 +45,7 @@ struct QtShellTest : testing::Test {
   }
 
   ScratchFolder folder;
-  QtShell shell{QIcon()};
+  QtShell shell{{}};
 };
 
 TEST_F(QtShellTest, TheIconIsAddedOnceAndItsTipFollows) {

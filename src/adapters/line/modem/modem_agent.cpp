@@ -29,15 +29,17 @@ constexpr milliseconds kLastWord{100};
 LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
   switch (state) {
     case PreparedModem::State::Silent:
-      return {"The modem does not answer: switch it off and on",
+      return {Words("The modem does not answer: switch it off and on, or unplug it and plug it in again"),
               "The modem at " + port +
                   " does not answer: switch it off and on, or unplug it and plug it in again"};
     case PreparedModem::State::NoModem:
-      return {"There is no modem at the line's port", "The device at " + port + " is not a modem"};
+      return {Words("There is no modem at the line's port: choose the modem's port in Options, Devices, Lines"),
+              "The device at " + port + " is not a modem"};
     case PreparedModem::State::NoVoice:
-      return {"The modem is not a voice modem", "The modem at " + port + " is not a voice modem"};
+      return {Words("The modem is not a voice modem: ORVEN needs one that can play and record"),
+              "The modem at " + port + " is not a voice modem"};
     case PreparedModem::State::NoFormat:
-      return {"The modem's audio format is not supported",
+      return {Words("The modem's audio format is not supported: use another modem"),
               "The voice modem at " + port + " offers no supported audio format"};
     case PreparedModem::State::Ready: break;
   }
@@ -52,12 +54,20 @@ std::string Joined(const std::vector<std::string>& ports) {
 
 LineTrouble TroubleOf(const LinkProblem& problem) {
   switch (problem.kind) {
-    case LinkProblem::Kind::Absent: return {"The modem is not plugged in", problem.text};
-    case LinkProblem::Kind::Taken: return {"Another program uses the modem", problem.text};
-    case LinkProblem::Kind::Forbidden: return {"You may not use the modem's port", problem.text};
+    case LinkProblem::Kind::Absent:
+      return {Words("The modem is not plugged in: plug it in, and ORVEN uses it"), problem.text};
+    case LinkProblem::Kind::Taken:
+      return {Words("Another program uses the modem: end that program, and ORVEN uses the modem"), problem.text};
+    case LinkProblem::Kind::Forbidden:
+      return {Words("You may not use the modem's port: join the group \"dialout\" and log in again"),
+              problem.text};
     case LinkProblem::Kind::Failed: break;
   }
-  return {"The modem's port cannot be used", problem.text};
+  return {Words("The modem's port cannot be used: unplug the modem and plug it in again"), problem.text};
+}
+
+LineTrouble NoModem() {
+  return {Words("No modem is plugged in: plug one in, and ORVEN uses it"), "No modem is plugged in"};
 }
 
 milliseconds RetryAfter(PreparedModem::State state) {
@@ -78,7 +88,7 @@ ModemAgent::~ModemAgent() {
   ports_.link.Close();
 }
 
-std::optional<std::string> ModemAgent::Start() {
+std::optional<LineTrouble> ModemAgent::Start() {
   state_ = State::Away;
   health_->Start(kHealthInterval);
   retry_ = kLookForOther;
@@ -87,7 +97,7 @@ std::optional<std::string> ModemAgent::Start() {
     const auto problem = OpenNextPort();
     if (problem && problem->kind == LinkProblem::Kind::Forbidden) {
       state_ = State::Closed;
-      return problem->text;
+      return TroubleOf(*problem);
     }
     if (problem) LetGo(TroubleOf(*problem), kLookForPort);
   } else {
@@ -100,7 +110,7 @@ void ModemAgent::LookForModem() {
   if (state_ != State::Away) return;
   const bool any = settings_.port == kAnyPort;
   const auto ports = any ? settings_.find_ports() : std::vector{settings_.port};
-  if (ports.empty()) return LetGo({"No modem is plugged in", "No modem is plugged in"}, kLookForPort);
+  if (ports.empty()) return LetGo(NoModem(), kLookForPort);
   if (any && ports == asked_ && Now() < ask_again_) return LetGo(trouble_, kLookForPort);
   if (ports != asked_) asked_since_ = Now();
   candidates_ = asked_ = ports;
@@ -119,7 +129,8 @@ void ModemAgent::Try() {
     if (problem->kind == LinkProblem::Kind::Absent && gone_) failure_ = trouble_;
   }
   if (asked_.size() > 1)
-    failure_ = {"No voice modem is found", "No voice modem answers at " + Joined(asked_)};
+    failure_ = {Words("No voice modem is found: plug one in, or choose another line in Options, Devices"),
+                "No voice modem answers at " + Joined(asked_)};
   // A device that has been silent for a minute is perhaps not a modem.
   if (retry_ == kLookForAnswer && settings_.port == kAnyPort && Now() - asked_since_ > kLookForOther)
     retry_ = kLookForOther;
@@ -183,7 +194,7 @@ void ModemAgent::Trouble(const LineTrouble& trouble) {
   if (trouble.log == trouble_.log) return;
   trouble_ = trouble;
   settings_.report(trouble.log.empty() ? "The modem at " + port_ + " works again" : trouble.log);
-  ports_.events({.kind = LineEvent::Kind::Trouble, .text = trouble.status});
+  ports_.events({.kind = LineEvent::Kind::Trouble, .trouble = trouble.owner});
 }
 
 void ModemAgent::CheckHealth(int tries_left) {
@@ -205,7 +216,7 @@ void ModemAgent::Lost() {
   channel_.Forget();
   if (call_) call_->Lost();
   gone_ = true;
-  LetGo({"The modem was unplugged",
+  LetGo({Words("The modem was unplugged: plug it in again, and ORVEN uses it"),
          "The modem at " + port_ + " was unplugged; it is used again when it is plugged in"},
         kLookForPort);
 }

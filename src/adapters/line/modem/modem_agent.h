@@ -16,11 +16,11 @@
 
 namespace orven {
 
-/// What is wrong with a line: a few words for the status bar, one sentence for the log; both empty when all
-/// is well.
+/// What is wrong with a line: cause and remedy for its owner, one sentence for the log; both empty when all is
+/// well.
 struct LineTrouble {
-  std::string status;
-  std::string log;
+  Words owner{};
+  std::string log{};
 };
 
 /// A line at a voice modem: finds the modem, keeps it ready and handles its calls. A modem that is missing,
@@ -32,8 +32,8 @@ class ModemAgent : private ModemLinkEvents, private ModemOutput {
   ModemAgent(ModemLineSettings settings, Ports ports);
   ~ModemAgent() override;
 
-  /// Starts. Returns the reason when the user has no permission for the port, so that waiting is useless.
-  std::optional<std::string> Start();
+  /// Starts. Returns the fault when the user has no permission for the port, so that waiting is useless.
+  std::optional<LineTrouble> Start();
 
   /// Hangs up, releases the modem and calls `done`, within 1.5 seconds. Nothing else may be called
   /// afterwards.

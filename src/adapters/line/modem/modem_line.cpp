@@ -42,7 +42,7 @@ class ModemLine final : public LineDriver {
   AudioDevice& Audio() override { return audio_; }
 
  private:
-  using Opened = std::promise<std::optional<std::string>>;
+  using Opened = std::promise<std::optional<LineTrouble>>;
 
   void Run(const LineSink& events, Opened& opened);
   void Stop();
@@ -62,14 +62,14 @@ class ModemLine final : public LineDriver {
 };
 
 std::optional<OpenFailure> ModemLine::Open(LineSink events) {
-  if (thread_) return OpenFailure{kTelephonyLineInUse, ""};
+  if (thread_) return OpenFailure{kTelephonyLineInUse};
   Opened opened;
   thread_.reset(QThread::create([this, &events, &opened] { Run(events, opened); }));
   thread_->start();
   const auto failure = opened.get_future().get();
   if (!failure) return std::nullopt;
   Stop();
-  return OpenFailure{kTelephonyDeviceFailed, *failure};
+  return OpenFailure{kTelephonyDeviceFailed, failure->log, failure->owner};
 }
 
 void ModemLine::Run(const LineSink& events, Opened& opened) {

@@ -285,7 +285,7 @@ Case WholeCalls(const char* name, const char* profile, const std::string& end, M
 
 const std::string kSilent =
     "does not answer: switch it off and on, or unplug it and plug it in again, Trouble The modem does not "
-    "answer: switch it off and on, ";
+    "answer, ";
 const std::string kWorks = "The modem at /dev/modem works again, Trouble ";
 
 const std::string kEndless(100'000, 'x');
