@@ -9,7 +9,7 @@ namespace orven {
 struct LineHealth {
   bool on = false;      ///< the line is open
   bool trying = false;  ///< it is off and is opened as soon as possible
-  Words trouble{};      ///< why calls cannot come in, and what helps, in one sentence; empty: nothing is wrong
+  Words trouble{};  ///< why calls cannot come in, and what helps, in one sentence; empty: nothing is wrong
 
   bool operator==(const LineHealth& other) const = default;
 };

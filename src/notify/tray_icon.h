@@ -15,8 +15,8 @@
 namespace orven {
 
 /// The program's icon in the notification area: its picture shows how the line is, its tip the counts, and it
-/// blinks after a call that was missed. Every change is an add request followed by a modify request, so that the icon returns after a
-/// restart of the shell. User-interface thread.
+/// blinks after a call that was missed. Every change is an add request followed by a modify request, so that
+/// the icon returns after a restart of the shell. User-interface thread.
 class TrayIcon : public CallCountsView {
  public:
   /// `window` returns the handle of the main window.

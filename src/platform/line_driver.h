@@ -41,8 +41,8 @@ struct LineEvent {
     /// The call is over. Exactly once for each InCommingCall, as the call's last event; the driver then
     /// accepts the next call.
     Idle,
-    /// Calls cannot come in, or not all of them: `trouble` tells the line's owner the cause and the remedy, in one
-    /// sentence. Empty: it works again. May come again with another sentence.
+    /// Calls cannot come in, or not all of them: `trouble` tells the line's owner the cause and the remedy,
+    /// in one sentence. Empty: it works again. May come again with another sentence.
     Trouble,
   };
 
@@ -64,8 +64,8 @@ using LineSink = std::function<void(LineEvent)>;
 /// Why a line could not be opened.
 struct OpenFailure {
   std::int32_t result = kTelephonyOk;  ///< a negative TelephonyResult
-  std::string reason{};   ///< one sentence for the log
-  Words trouble{};      ///< cause and remedy for the line's owner, as of LineEvent::Kind::Trouble
+  std::string reason{};                ///< one sentence for the log
+  Words trouble{};  ///< cause and remedy for the line's owner, as of LineEvent::Kind::Trouble
 };
 
 /// One telephone device. Operations are called on the user-interface thread and return at once; their

@@ -8,7 +8,7 @@ namespace orven {
 
 /// The pictures that the notification area can show for the program.
 enum class NotifyIconPicture {
-  MainWindow,       ///< the main window's icon: the line is open
+  MainWindow,  ///< the main window's icon: the line is open
   LineOff,
   LineTrouble,      ///< calls cannot come in
   PicSysTryNothing  ///< blank

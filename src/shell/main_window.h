@@ -69,6 +69,7 @@ class MainWindow : public MainWindowStart {
   bool Ended() const { return ended_; }
 
   AnsweringMachine& Machine() { return machine_; }
+  const AnsweringMachine& Machine() const { return machine_; }
   MainCommands& Commands() { return commands_; }
 
  private:

@@ -15,7 +15,8 @@ constexpr std::int32_t kNoneUsable = -2;
 constexpr std::int32_t kOwnerPrivilege = 4;
 constexpr std::int32_t kAutomatedVoice = 8;
 
-/// A port is often taken for a moment only; what lasts must not keep the computer busy. Doubles with each failure.
+/// A port is often taken for a moment only; what lasts must not keep the computer busy. Doubles with each
+/// failure.
 constexpr std::chrono::seconds kFirstPause{1}, kLongestPause{60};
 
 std::string Device(std::int32_t index, const std::string& name) {
@@ -146,7 +147,8 @@ void LineManager::ReplaceDevices(const std::function<void()>& replace) {
 
 void LineManager::ShowMonitoring() {
   if (!health_.trouble.Empty()) return ports_.view.ShowStatus(health_.trouble);
-  ports_.view.ShowStatus(health_.on ? Words("Monitoring %1").Arg(DeviceName(open_index_)) : Words("Off Mode"));
+  ports_.view.ShowStatus(health_.on ? Words("Monitoring %1").Arg(DeviceName(open_index_))
+                                    : Words("Off Mode"));
 }
 
 void LineManager::Trouble(std::int32_t index, const Words& trouble) {

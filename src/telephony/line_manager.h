@@ -45,8 +45,8 @@ class LineManager {
   void TellToSelectDevice();
 
   /// Opens the line of a device; does nothing for a negative index or while a line is open. A failure (a port
-  /// in use, no network yet) is tried again with growing pauses until it succeeds or CloseLine is called; each
-  /// reason is logged once.
+  /// in use, no network yet) is tried again with growing pauses until it succeeds or CloseLine is called;
+  /// each reason is logged once.
   void OpenLine(std::int32_t index);
 
   /// Releases the open line, even if another device was chosen meanwhile; `index` when none is open.
@@ -101,7 +101,7 @@ class LineManager {
   std::vector<std::function<void(const LineHealth&)>> listeners_;
   bool telling_ = false;  ///< the box about choosing a device is open
   std::int32_t open_index_ = -1;
-  std::string failure_;  ///< of the latest opening, as the log has it
+  std::string failure_;            ///< of the latest opening, as the log has it
   std::chrono::seconds pause_{0};  ///< after the next failed opening
   std::unique_ptr<Timer> tmrOpenLine_;
 };

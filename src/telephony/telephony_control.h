@@ -29,8 +29,8 @@ struct IdleCalls {
 class TelephonyControl : public AudioDevices {
  public:
   /// Gets one event at a time, for each call in this order: InCommingCall first; Ring, CallerID and Diverted
-  /// in any number until the call is answered or over (a late CallerID may follow); Proc for each request (for a
-  /// late answer it may follow the end of its call); Connected once when answered; MonitorDigit while
+  /// in any number until the call is answered or over (a late CallerID may follow); Proc for each request
+  /// (for a late answer it may follow the end of its call); Connected once when answered; MonitorDigit while
   /// connected and monitored; Disconnected when the remote party hung up an answered call; Idle exactly once,
   /// last.
   ///

@@ -12,7 +12,8 @@ void UseIconTheme(const QPalette& palette);
 /// The theme's icon with this Freedesktop name; null when the theme lacks it.
 QIcon ThemeIcon(const char* name);
 
-/// One of the pictures in the program's resources: "orven", "orven-off", "orven-trouble", "call-1" to "call-4".
+/// One of the pictures in the program's resources: "orven", "orven-off", "orven-trouble", "call-1" to
+/// "call-4".
 QIcon OwnPicture(const QString& name);
 
 /// The program's icon.

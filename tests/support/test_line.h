@@ -33,11 +33,14 @@ class TestLine : public LineDriver {
   std::chrono::milliseconds connect_delay{0};
   int failing_answers = 0;             ///< number of the next answers that fail
   std::optional<OpenFailure> failure;  ///< of the next openings
+  int openings = 0;
+  void Trouble(const Words& trouble) { events_({.kind = LineEvent::Kind::Trouble, .trouble = trouble}); }
 
   bool HasCall() const { return call_ != 0; }
   bool IsAnswered() const { return connected_; }
 
   std::optional<OpenFailure> Open(LineSink events) override {
+    ++openings;
     if (failure) return failure;
     events_ = std::move(events);
     return sim_.Open([this](const LineEvent& event) { Take(event); });

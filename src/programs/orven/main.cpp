@@ -37,8 +37,8 @@ int RunMachine(const std::string& command_line) {
     if (!ending) program.Exit();
     return !ending;
   });
-  if (!program.Start(command_line) || program.Ended()) return EXIT_SUCCESS;
-  return QApplication::exec();
+  if (program.Start(command_line) && !program.Ended()) (void)QApplication::exec();
+  return program.ExitCode();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "programs/orven/program.h"
 
 #include <QApplication>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <random>
@@ -88,7 +89,8 @@ Program::Program(Folders folders)
       take_waveforms_(loop_),
       uDat_(loop_),
       caller_view_(frame_),
-      shell_({ProgramIcon(), OwnPicture(QStringLiteral("orven-off")), OwnPicture(QStringLiteral("orven-trouble"))}),
+      shell_({ProgramIcon(), OwnPicture(QStringLiteral("orven-off")),
+              OwnPicture(QStringLiteral("orven-trouble"))}),
       notifications_(&InUsersLanguage, HasDisplay()),
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },
@@ -98,6 +100,7 @@ Program::Program(Folders folders)
       window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops),
       link_(folders_.application) {
   QApplication::setWindowIcon(frame_.windowIcon());
+  window_.Machine().line.Listen([this](const LineHealth& line) { TellOfTrouble(line); });
   program_dialogs_.Attach(window_.Machine(), frame_);
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
@@ -244,6 +247,16 @@ void Program::TellOfLostSettings() {
                     ": the installation's settings and a new password are used";
   Report(loss);
   window_.TellOfLoss(loss);
+}
+
+void Program::TellOfTrouble(const LineHealth& line) {
+  if (!line.trouble.Empty()) std::cerr << "ORVEN: " << line.trouble.English() << std::endl;
+  const bool told = std::exchange(trouble_told_, !line.trouble.Empty());
+  if (told && !trouble_told_ && line.on) std::cerr << "ORVEN: Calls can come in again" << std::endl;
+}
+
+int Program::ExitCode() const {
+  return window_.Machine().line.NeverOpened() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
 void Program::Report(const std::string& problem) {

@@ -55,6 +55,9 @@ class Program {
   /// Runs the exit command; then the event loop ends.
   void Exit() { window_.Exit(); }
 
+  /// Of the process, once the program has ended: failure if the line was to be opened and never was.
+  int ExitCode() const;
+
   /// Whether the program has ended, perhaps during its start.
   bool Ended() const { return window_.Ended(); }
 
@@ -62,6 +65,7 @@ class Program {
   void PrepareFolder(bool first_start);
   FirstStart::Sources FirstStartSources();
   void TellOfLostSettings();
+  void TellOfTrouble(const LineHealth& line);
   EnginePorts Ports();
   void AnswerOtherStarts();
   std::string HelperPath() const;
@@ -95,7 +99,8 @@ class Program {
   LineStates line_states_;
   TelephonyControl lines_;
   FileTelephoneLines configured_lines_;
-  bool lines_wait_ = false;  ///< changed lines are opened after the current call
+  bool trouble_told_ = false;  ///< on standard error
+  bool lines_wait_ = false;    ///< changed lines are opened after the current call
   SoundCards cards_;
   AllAudioDevices line_devices_;  ///< for call screening while a message plays
   AllAudioDevices desk_devices_;

@@ -199,21 +199,27 @@ TEST_F(TelephonyTest, ADeviceThatCannotHearDigitsIsNotUsable) {
 TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTurnedOff) {
   const std::string opens = "LineOpen[LineIndex:0 Device Name:Sim]->";
   const std::string taken = "Error " + opens + "The line is in use by another program. Port 5060 is taken.";
-  line->failure = {kTelephonyLineInUse, "Port 5060 is taken.", Words("Port %1 is taken: choose another one").Arg(5060)};
-  std::vector<LineHealth> told;
-  Machine().line.Listen([&](const LineHealth& health) { told.push_back(health); });
+  line->failure = {kTelephonyLineInUse, "Port 5060 is taken.",
+                   Words("Port %1 is taken: choose another one").Arg(5060)};
   Start();
   EXPECT_TRUE(Logged(taken));
-  EXPECT_THAT(LoggedBy([&] { RunFor(62s); }), IsEmpty()) << "the same reason is logged once";
-  EXPECT_THAT(line->openings, 7) << "after 1, 3, 7, 15, 31 and 63 s, less than a minute apart";
+  EXPECT_THAT(LoggedBy([&] { RunFor(64s); }), IsEmpty()) << "the same reason is logged once";
+  EXPECT_EQ(line->openings, 7) << "again after 1, 3, 7, 15, 31 and 63 s";
+  RunFor(600s);
+  EXPECT_EQ(line->openings, 17) << "then each minute";
+  EXPECT_EQ(views.Status(), "Port 5060 is taken: choose another one");
+  EXPECT_TRUE(shell.icon.icon == NotifyIconPicture::LineTrouble && Machine().line.NeverOpened());
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), ElementsAre(taken)) << "a person turned the line on";
   window->TurnOff();
   line->failure.reset();
   EXPECT_THAT(LoggedBy([&] { RunFor(60s); }), IsEmpty()) << "it was turned off";
+  EXPECT_EQ(views.Status(), "Off Mode");
+  EXPECT_EQ(shell.icon.icon, NotifyIconPicture::LineOff);
   line->failure = {kTelephonyDeviceFailed, "No network."};
   window->TurnOn();
   line->failure.reset();
-  EXPECT_THAT(LoggedBy([&] { RunFor(5s); }), ElementsAre(opens + "Success"));
+  EXPECT_THAT(LoggedBy([&] { RunFor(1s); }), ElementsAre(opens + "Success"));
+  EXPECT_FALSE(Machine().line.NeverOpened());
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
 }
 
@@ -225,8 +231,9 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
   EXPECT_FALSE(line->HasCall()) << "silence hangs up the line that has the call";
   EXPECT_EQ(views.Status(), "Monitoring Sim");
   for (const std::int32_t of_line : {0, 1})
-    Machine().sequence.Handle(
-        {.kind = LineEvent::Kind::Trouble, .line = of_line, .trouble = "No network " + std::to_string(of_line)});
+    Machine().sequence.Handle({.kind = LineEvent::Kind::Trouble,
+                               .line = of_line,
+                               .trouble = "No network " + std::to_string(of_line)});
   EXPECT_EQ(views.Status(), "No network 0") << "the other line's trouble is not shown";
   EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);

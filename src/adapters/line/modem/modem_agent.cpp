@@ -33,8 +33,9 @@ LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
               "The modem at " + port +
                   " does not answer: switch it off and on, or unplug it and plug it in again"};
     case PreparedModem::State::NoModem:
-      return {Words("There is no modem at the line's port: choose the modem's port in Options, Devices, Lines"),
-              "The device at " + port + " is not a modem"};
+      return {
+          Words("There is no modem at the line's port: choose the modem's port in Options, Devices, Lines"),
+          "The device at " + port + " is not a modem"};
     case PreparedModem::State::NoVoice:
       return {Words("The modem is not a voice modem: ORVEN needs one that can play and record"),
               "The modem at " + port + " is not a voice modem"};
@@ -57,7 +58,8 @@ LineTrouble TroubleOf(const LinkProblem& problem) {
     case LinkProblem::Kind::Absent:
       return {Words("The modem is not plugged in: plug it in, and ORVEN uses it"), problem.text};
     case LinkProblem::Kind::Taken:
-      return {Words("Another program uses the modem: end that program, and ORVEN uses the modem"), problem.text};
+      return {Words("Another program uses the modem: end that program, and ORVEN uses the modem"),
+              problem.text};
     case LinkProblem::Kind::Forbidden:
       return {Words("You may not use the modem's port: join the group \"dialout\" and log in again"),
               problem.text};

@@ -16,8 +16,8 @@
 
 namespace orven {
 
-/// What is wrong with a line: cause and remedy for its owner, one sentence for the log; both empty when all is
-/// well.
+/// What is wrong with a line: cause and remedy for its owner, one sentence for the log; both empty when all
+/// is well.
 struct LineTrouble {
   Words owner{};
   std::string log{};
