@@ -126,7 +126,7 @@ struct Story final : ModemLink, AudioSource, AudioSink {
       Tell(ToText(event));
     };
     agent = std::make_unique<ModemAgent>(settings, ModemAgent::Ports{*this, time, time, audio, sink});
-    if (const auto refused = agent->Start()) Tell(*refused);
+    if (const auto refused = agent->Start()) Tell(refused->log);
   }
   /// Plays a script such as "ring; 300; answer"; a number waits that many milliseconds.
   void Play(const std::string& script) {
