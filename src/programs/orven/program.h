@@ -19,6 +19,7 @@
 #include "adapters/desktop/qt_shell.h"
 #include "adapters/files/background_thread.h"
 #include "adapters/files/disk_files.h"
+#include "adapters/line/own_caller/sip_own_caller.h"
 #include "adapters/line/setup/file_telephone_lines.h"
 #include "adapters/mail/smtp_mail.h"
 #include "adapters/mail/smtp_tests.h"
@@ -99,6 +100,7 @@ class Program {
   LineStates line_states_;
   TelephonyControl lines_;
   FileTelephoneLines configured_lines_;
+  SipOwnCaller own_caller_;
   bool trouble_told_ = false;  ///< on standard error
   bool lines_wait_ = false;    ///< changed lines are opened after the current call
   SoundCards cards_;
