@@ -23,6 +23,9 @@ constexpr milliseconds kPatience = 10s;
 
 constexpr milliseconds kLongestGreeting = 5min;
 
+/// Among so many of the latest calls ours is looked for.
+constexpr std::int32_t kLatest = 20;
+
 /// What each step is for.
 constexpr std::array kWaiting{
     Tr("The line rings and is answered"), Tr("The caller hears the greeting"),
@@ -135,22 +138,27 @@ void OwnCall::CompareMessage() {
 }
 
 void OwnCall::CheckRecord() {
-  bool filed = false;
-  auto& records = parts_.DataBase1;
-  ErrorTrap::Silent()([&] {
-    const auto number = call_.record > 0 ? records.Locate(call_.record) : 0;
-    const auto column = static_cast<std::size_t>(records.FieldIndex(kCallMassageName));
-    filed = number > 0 && records.Record(number).at(column) == call_.message_file_name;
-  });
-  if (!filed)
+  const auto row = FindRow();
+  if (row == 0)
     return Fail(
         "The records cannot be written now; the call is filed later. See the system log for the reason.");
   Finish(OwnCallStep::Filed, Words("The call is in the list, from %1.").Arg(call_.caller_name), {});
-  Play();
+  Play(row);
 }
 
-void OwnCall::Play() {
-  ErrorTrap::Silent()([&] { parts_.list.Select(parts_.list.RowOf(call_.record)); });
+/// The row of our call, 0 when there is none. Other calls may have come since.
+std::int32_t OwnCall::FindRow() const {
+  std::int32_t found = 0;
+  const auto& list = parts_.list;
+  ErrorTrap::Silent()([&] {
+    for (std::int32_t row = std::min(list.Count(), kLatest); row > 0; --row)
+      if (list.Row(row).key == call_.message_file_name) found = row;
+  });
+  return found;
+}
+
+void OwnCall::Play(std::int32_t row) {
+  ErrorTrap::Silent()([&] { parts_.list.Select(row); });
   length_ = milliseconds(std::llround(1000 * parts_.WavePlay.FileLength(call_.message_path)));
   left_ += length_;
   played_ = 0ms;

@@ -11,7 +11,6 @@
 #include "base/paths.h"
 #include "base/words.h"
 #include "core/settings.h"
-#include "platform/database.h"
 #include "platform/event_loop.h"
 #include "platform/own_caller.h"
 #include "platform/wave.h"
@@ -54,7 +53,6 @@ class OwnCall {
     const Call& call;  ///< the current call, or the latest
     const LineManager& line;
     const TelephonyControl& Tapi1;
-    DatabaseControl& DataBase1;
     WaveControl& WavePlay;
     CallList& list;
     LocalPlayer& player;
@@ -97,7 +95,8 @@ class OwnCall {
   void LookAtCall();
   void CompareMessage();
   void CheckRecord();
-  void Play();
+  std::int32_t FindRow() const;
+  void Play(std::int32_t row);
   void LookAtPlayer();
   void Begin(OwnCallStep step);
   void Finish(OwnCallStep step, const Words& found, const Words& fault);

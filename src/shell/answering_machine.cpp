@@ -112,8 +112,8 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
 }
 
 OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
-  return {ports_.loop,      ports_.background, caller,    call,   line,     ports_.Tapi1,
-          ports_.DataBase1, ports_.WavePlay,   ListView1, player, settings, home};
+  return {ports_.loop,     ports_.background, caller, call,     line, ports_.Tapi1,
+          ports_.WavePlay, ListView1,         player, settings, home};
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {

@@ -17,7 +17,7 @@ constexpr std::pair<const char*, const char*> kSettings[] = {
 
 }  // namespace
 
-Desk::Desk(const std::string& settings)
+Desk::Desk(const std::string& settings, std::unique_ptr<LineDriver> driver)
     : registry(home / "registry.reg", [](const std::string& problem) { ADD_FAILURE() << problem; }),
       database({{"Calls", {kCallFields.begin(), kCallFields.end()}},
                 kRead,
@@ -30,8 +30,7 @@ Desk::Desk(const std::string& settings)
   PutFile(home / "registry.reg", stored + "\"MassagesPath\"=\"" + home / "Messages/\"\n" + settings);
   for (const std::string name : {"Default", "Holiday", "Office"})
     PutWave(home / ("Greets/" + name + ".wav"), std::vector<std::int16_t>(4000, 77));
-  auto driver = std::make_unique<TestLine>(loop);
-  line = driver.get();
+  if (driver == nullptr) driver.reset(line = new TestLine(loop));
   std::vector<TelephoneDevice> devices;
   devices.push_back({VoiceDevice("Home"), std::move(driver)});
   Tapi1 = std::make_unique<TelephonyControl>(loop, std::move(devices));

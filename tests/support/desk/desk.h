@@ -33,7 +33,8 @@ struct FiledCall {
 /// temporary folder. The line, the sound card, and the desktop's dialogs, tray and mouse are simulated.
 class Desk : public ScriptedPorts {
  public:
-  explicit Desk(const std::string& settings = "");
+  /// Without `driver` the line is `line`.
+  explicit Desk(const std::string& settings = "", std::unique_ptr<LineDriver> driver = nullptr);
 
   /// Files calls, oldest first. Call it before Start, or call makeList afterwards.
   void File(const std::vector<FiledCall>& calls);
