@@ -17,12 +17,13 @@ PEER_NUMBER = "100"
 PEER_CONFIGURATION = """\
 sip_listen 127.0.0.1:{port}
 net_interface 127.0.0.1
-audio_player aufile,{folder}/player.wav
+audio_player aubridge,nowhere
 audio_source aufile,{folder}/greeting.wav
 ausrc_srate 8000
 auplay_srate 8000
 module_path /usr/lib/baresip/modules
 module g711.so
+module aubridge.so
 module aufile.so
 {recorder}
 module_tmp account.so

@@ -12,7 +12,7 @@ import sound
 CONFIGURATION = """\
 sip_listen 127.0.0.1:{sip_port}
 net_interface 127.0.0.1
-audio_player aufile,{folder}/player.wav
+audio_player aubridge,nowhere
 audio_source aufile,{folder}/silence.wav
 audio_alert aufile,{folder}/alert.wav
 ausrc_srate 8000
@@ -20,6 +20,7 @@ auplay_srate 8000
 module_path /usr/lib/baresip/modules
 module g711.so
 module srtp.so
+module aubridge.so
 module aufile.so
 module sndfile.so
 module_tmp account.so

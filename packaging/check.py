@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Tests the Debian package as a user would: installs it on a clean system, starts the program, opens its
-help, calls it, listens to the message, upgrades the package and removes it.
+help, calls it, listens to the message, upgrades the package, runs it as a service and removes it.
 
     check.py PACKAGE
 
@@ -9,6 +9,7 @@ Needs root for the clean system, a chroot. Its processes run in a network namesp
 the telephone. Exits with 0 only when every step worked; after a failure its folder is kept.
 """
 
+import configparser
 import contextlib
 import ctypes
 import hashlib
@@ -37,7 +38,10 @@ AUTOSTART_ENTRY = f"{HOME}/.config/autostart/orven.desktop"
 OPENED = f"{HOME}/opened"  # by the clean system's xdg-open
 SOUND_SERVER = "/tmp/sound"
 DEFAULT_PORT = 5060  # of the telephone line without a lines.ini
-PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop")
+UNIT, MANUAL = "/usr/lib/systemd/user/orven.service", "/usr/share/man/man1/orven.1.gz"
+METAINFO = "/usr/share/metainfo/org.orven.orven.metainfo.xml"
+PLACES = ("/usr/bin/orven", "/usr/lib/orven", "/usr/share/orven", "/usr/share/applications/orven.desktop", UNIT, MANUAL,
+          METAINFO)  # fmt: skip
 HELP_CHECK = os.path.join(HERE, "..", "tests", "house", "check_help.py")
 SCREENSHOT = os.path.join(HERE, "..", "build", "package", "installed.png")
 
@@ -64,7 +68,7 @@ class CleanSystem:
                        if line.startswith("VERSION_CODENAME="))
         if not sources:
             raise Failed("apt knows no Debian archive; run apt-get update")
-        run("mmdebstrap", "--variant=apt", "--mode=root", release, self.root, *dict.fromkeys(sources))
+        run("mmdebstrap", "--variant=apt", "--mode=root", "--include=passwd", release, self.root, *dict.fromkeys(sources))
         # Keeps services of the clean system from starting on this machine.
         policy = self.path("/usr/sbin/policy-rc.d")
         with open(policy, "w", encoding="utf-8") as file:
@@ -97,16 +101,16 @@ class CleanSystem:
 
 
 class Installed(machine.Machine):
-    """The installed program of the clean system, started by its owner on the Display `display`."""
+    """The installed program of the clean system, started by its owner with these environment variables."""
 
-    def __init__(self, system, folder, show, display):
+    def __init__(self, system, folder, show, variables, command=("orven",)):
         # The application folder is made by the program's first start.
         self._follow(system.path(APPLICATION_FOLDER), folder, show, DEFAULT_PORT)
         variables = {"HOME": HOME, "PATH": "/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
-                     "PULSE_SERVER": "unix:" + SOUND_SERVER, **display.variables}
+                     "PULSE_SERVER": "unix:" + SOUND_SERVER, **variables}
         self.program, self._display, self.variables = "chroot", None, {}
         self.arguments = (f"--userspec={OWNER}:{OWNER}", system.root, "/usr/bin/env", "-i", f"--chdir={HOME}",
-                          *(f"{name}={value}" for name, value in variables.items()), "orven")
+                          *(f"{name}={value}" for name, value in variables.items()), *command)
 
     def settings(self):
         with open(os.path.join(self.home, "registry.reg"), encoding="utf-8") as file:
@@ -126,14 +130,18 @@ def check_texts(package, folder):
     files = os.path.join(folder, "files")
     run("dpkg-deb", "-x", package, files)
     run("desktop-file-validate", files + "/usr/share/applications/orven.desktop")
-    run("appstreamcli", "validate", "--no-net", "--pedantic", files + "/usr/share/metainfo/org.orven.orven.metainfo.xml")
+    run("appstreamcli", "validate", "--no-net", "--pedantic", files + METAINFO)
     run("appstreamcli", "validate-tree", "--no-net", files)
-    demo.step("Its desktop entry and its AppStream data are valid")
+    unit = os.path.join(folder, "orven.service")
+    with open(files + UNIT, encoding="utf-8") as installed, open(unit, "w", encoding="utf-8") as copied:
+        copied.write(installed.read().replace("=/usr/bin/", f"={files}/usr/bin/"))  # which must exist
+    run("env", "XDG_RUNTIME_DIR=" + folder, "systemd-analyze", "--user", "--man=no", "verify", unit)
+    demo.step("Its desktop entry, its AppStream data and its service are valid")
 
 
 def check_package(package):
     # Warnings are failures, so that a new one is noticed.
-    run("lintian", "--allow-root", "--no-tag-display-limit", "--fail-on", "error,warning", package)
+    run("lintian", "--allow-root", "--tag-display-limit", "0", "--fail-on", "error,warning", package)
     demo.step("lintian has no complaints")
 
 
@@ -236,6 +244,20 @@ def check_upgrade(installed, system, package, folder):
     demo.step(f"The package is upgraded to {version}; settings and call are as they were")
 
 
+def check_service(system, folder):
+    """Starts the program as its service does, without a display, and ends it as the service manager does."""
+    unit = configparser.ConfigParser()
+    unit.optionxform = str
+    unit.read(system.path(UNIT), encoding="utf-8")
+    service = unit["Service"]
+    variables = dict([service["Environment"].split("=", 1)])
+    with Installed(system, folder, demo.show_log_line, variables, service["ExecStart"].split()) as installed:
+        installed.start_and_wait()
+        installed.end()
+        demo.check("Unload ORVEN" in installed.log()[-1], "The service was not ended by its exit command")
+    demo.step("It runs as a service, without a display")
+
+
 @contextlib.contextmanager
 def own_sound_server(folder, system):
     """A sound server for the clean system, with a card whose output is recorded."""
@@ -274,7 +296,7 @@ def check(package, folder):
         with (
             Display(folder) as screen,
             own_sound_server(folder, system) as server,
-            Installed(system, folder, demo.show_log_line, screen) as installed,
+            Installed(system, folder, demo.show_log_line, screen.variables) as installed,
         ):
             installed.start()
             check_first_start(installed, system)
@@ -283,6 +305,7 @@ def check(package, folder):
             check_window(installed, screen)
             check_upgrade(installed, system, package, folder)
             installed.end()
+        check_service(system, folder)
         check_removal(system)
     finally:
         run("umount", "--lazy", system.path("/proc"))

@@ -57,7 +57,8 @@ class WindowTest : public testing::Test {
   void Show(QWidget& window) {
     window_ = &window;
     window.show();
-    QApplication::setActiveWindow(&window);
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     ExpectTidy(window);
   }
   template <class Control = QWidget>

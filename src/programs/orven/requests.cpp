@@ -24,7 +24,7 @@ Environment:
 
 Exit status:
   0  the program was ended, or another instance runs in the application folder
-  1  the application folder cannot be made
+  1  the application folder cannot be made, or the line could never be opened
   2  the command line asks for something else
 
 The manual page orven(1) says more.

@@ -38,7 +38,7 @@ struct SpeechTest : testing::Test, DataExchangeEvents {
   void LinkLost() override { ++lost; }
 
   /// Starts a helper that cannot make a file larger than `most_bytes`.
-  QProcess& Start(const char* locale = "C", rlim_t most_bytes = RLIM_INFINITY) {
+  QProcess& Start(const char* locale = "C.UTF-8", rlim_t most_bytes = RLIM_INFINITY) {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert("ORVEN_CHANNEL", QString::fromStdString(exchange.Listen()));
     environment.insert("LC_ALL", locale);
@@ -152,7 +152,7 @@ TEST_F(SpeechTest, VoiceAndRateChangeWhatIsSpokenInTheOrderOfTheMessages) {
 }
 
 TEST_F(SpeechTest, NoTextHarmsTheHelperAndAFailedWriteLeavesNoFile) {
-  auto& helper = Start("C", 2'000'000);
+  auto& helper = Start("C.UTF-8", 2'000'000);
   Send("STW:Hello");
   std::filesystem::create_directory(folder / "folder");
   for (const auto& name : {"nowhere/x.wav", "folder"}) Write(name, "Hello");
