@@ -29,6 +29,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return SelectionTaken(); }}),
       status(views.line),
+      line_alarm(ports.loop, ports.notifications),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
       control({ports.Tapi1, ports.Wave1, log, settings, home, call, line, open_calls}),
       caller_view(ports.loop, views.caller_view,
@@ -56,7 +57,10 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       views_(views) {
   ports_.Tapi1.SetEvents([this](const LineEvent& event) { sequence.Handle(event); });
   ports_.Wave1.SetEvents(&sequence);
-  line.Listen([this](const LineHealth& health) { tray.ShowLine(health); });
+  line.Listen([this](const LineHealth& health) {
+    tray.ShowLine(health);
+    line_alarm.Take(health);
+  });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
 

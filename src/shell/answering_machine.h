@@ -11,6 +11,7 @@
 #include "log/mdlLog.h"
 #include "notify/caller_view.h"
 #include "notify/events_dialog.h"
+#include "notify/line_alarm.h"
 #include "notify/tray_icon.h"
 #include "options/options_dialog.h"
 #include "platform/audio_device.h"
@@ -93,6 +94,7 @@ class AnsweringMachine {
   GreetingCommands greetings;
   ListCommands list_commands;
   StatusPanel status;
+  LineAlarm line_alarm;
   LineManager line;
   CallControl control;
   CallerView caller_view;

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 #include "platform/line_driver.h"
 
 namespace orven::test {
 
-/// The cause of a trouble; its remedy, which is another sentence for each, must only be there.
+/// The cause of a trouble, which must have a remedy, too.
 inline std::string CauseOf(const std::string& trouble) {
   const auto end = trouble.find(": ");
-  return trouble.substr(0, end) + (trouble.empty() || end < trouble.size() ? "" : " without a remedy");
+  EXPECT_TRUE(trouble.empty() || end != trouble.npos) << trouble;
+  return trouble.substr(0, end);
 }
 
 /// A driver's event in a few words.

@@ -9,6 +9,7 @@
 namespace orven::test {
 namespace {
 
+using std::string_literals::operator""s;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -221,6 +222,30 @@ TEST_F(TelephonyTest, AFailedOpenIsLoggedOnceAndTriedAgainUntilItSucceedsOrIsTur
   EXPECT_THAT(LoggedBy([&] { RunFor(1s); }), ElementsAre(opens + "Success"));
   EXPECT_FALSE(Machine().line.NeverOpened());
   EXPECT_THAT(LoggedBy([&] { window->TurnOn(); }), IsEmpty()) << "the line is open already";
+}
+
+TEST_F(TelephonyTest, LastingTroubleIsNotifiedOnceAndItsEndToo) {
+  Start();
+  const auto& told = notifications.history;
+  const auto has = [&](const char* trouble, std::chrono::milliseconds time) {
+    line->Trouble(trouble), RunFor(time);
+  };
+  has("Silent: a", 29s);
+  EXPECT_EQ(std::pair(views.Status(), shell.icon.icon),
+            std::pair("Silent: a"s, NotifyIconPicture::LineTrouble));
+  has("", 1s);
+  EXPECT_EQ(std::pair(views.Status(), shell.icon.icon),
+            std::pair("Monitoring Sim"s, NotifyIconPicture::MainWindow));
+  EXPECT_THAT(told, IsEmpty()) << "it was soon over";
+  has("Silent: b", 20s);
+  has("Refused: c", 600s);
+  EXPECT_THAT(told, ElementsAre("Trouble with the telephone line|Refused: c"));
+  has("", 1s);
+  EXPECT_EQ(told.back(), "The telephone line works again|Calls can come in.");
+  EXPECT_EQ(notifications.shown.size(), 1U) << "one takes the other's place";
+  has("Silent: d", 31s);
+  window->TurnOff();
+  EXPECT_EQ(std::pair(told.size(), notifications.shown.size()), std::pair(3UL, 1UL)) << "off is no trouble";
 }
 
 TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {

@@ -9,19 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "adapters/line/driver/line_trouble.h"
 #include "adapters/line/modem/at_channel.h"
 #include "adapters/line/modem/modem_call.h"
 #include "adapters/line/modem/modem_line.h"
 #include "adapters/line/modem/modem_preparation.h"
 
 namespace orven {
-
-/// What is wrong with a line: cause and remedy for its owner, one sentence for the log; both empty when all
-/// is well.
-struct LineTrouble {
-  Words owner{};
-  std::string log{};
-};
 
 /// A line at a voice modem: finds the modem, keeps it ready and handles its calls. A modem that is missing,
 /// disappears or stops answering is looked for until it works. One thread, that of `loop`.

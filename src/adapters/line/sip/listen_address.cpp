@@ -82,6 +82,16 @@ std::vector<sa> PresentAddresses(const ListenAddress& listen, const std::vector<
   return found;
 }
 
+/// All of 127.0.0.0/8 is this computer.
+bool HasAddress(const sa& address) {
+  return sa_is_loopback(&address) || !PresentAddresses({.hosts = Hosts::kName}, {address}).empty();
+}
+
+bool HasNetwork() {
+  const auto addresses = PresentAddresses({.hosts = Hosts::kEvery}, {});
+  return !addresses.empty() && !sa_is_loopback(&addresses.front());
+}
+
 std::vector<sa> LookUpSoon(const ListenAddress& listen) try {
   const auto answer = std::make_shared<std::promise<std::vector<sa>>>();
   std::thread([answer, name = listen.host, port = listen.port] {

@@ -36,6 +36,12 @@ std::optional<ListenAddress> ParseListen(std::string_view text);
 /// `named` that are this computer's. The SIP library needs them one by one because it sends them to peers.
 std::vector<sa> PresentAddresses(const ListenAddress& listen, const std::vector<sa>& named);
 
+/// Whether `address` is one of this computer now.
+bool HasAddress(const sa& address);
+
+/// Whether this computer has an address now at which others could reach it.
+bool HasNetwork();
+
 /// The addresses of the name in `listen`, from the computer's resolver, waited for no longer than half a
 /// second: the names in /etc/hosts and of a local network need less. Empty when there is no answer by then.
 std::vector<sa> LookUpSoon(const ListenAddress& listen);

@@ -51,14 +51,14 @@ Registration::Registration(const SipLineSettings& settings, const SipAccount& ac
       account_(account),
       address_(AddressOf(account).value_or(SipAddress{})),
       ports_(std::move(ports)),
+      trouble_(account_, settings_.listen),
       call_id_(RandomName()),
       instance_(InstanceOf(account, settings.installation)),
       login_(account.auth_user.empty() ? address_.user : account.auth_user, account.password),
       path_(settings.timers.keep_alive, [this] { PathBroke(); }),
       timer_([this] { Start(); }),
       patience_([this] { GiveUpServer(); }),
-      life_(settings.timers.registration_life),
-      retry_(settings.timers.registration_retry_first) {}
+      life_(settings.timers.registration_life) {}
 
 Registration::~Registration() {
   mem_deref(request_);
@@ -66,7 +66,7 @@ Registration::~Registration() {
 
 void Registration::Start() {
   // Not as soon as it works: a server that closes each connection must not be pressed.
-  if (registered_) retry_ = settings_.timers.registration_retry_first;
+  if (registered_) retry_ = {};
   if (!registered_) ports_.news({});
   moved_ = false;
   started_ = std::chrono::steady_clock::now();
@@ -112,7 +112,7 @@ void Registration::Again() {
   timer_.Stop();
   CancelRequest();
   login_.Reset();  // an unconfirmed login attempt does not count against the password
-  retry_ = settings_.timers.registration_retry_first;
+  retry_ = {};
   Start();
 }
 
@@ -127,7 +127,7 @@ void Registration::PathBroke() {
   if (std::chrono::steady_clock::now() - started_ >= settings_.timers.registration_rest) return Again();
   CancelRequest();
   if (NextServer()) return Ask(life_);
-  RetryLater({.reason = "the connection broke"});
+  RetryLater(trouble_.ConnectionBroke(), 0, 0);
 }
 
 void Registration::Leave(const sip& stack) {
@@ -140,12 +140,12 @@ void Registration::Leave(const sip& stack) {
 void Registration::Ask(seconds life) {
   int error = Send(life);
   while (error != 0 && NextServer()) error = Send(life);
-  if (error != 0) RetryLater({.error = error, .reason = FailureText(error)});
+  if (error != 0) RetryLater(Unreachable(error), 0, error);
 }
 
-std::string Registration::FailureText(int error) const {
+LineTrouble Registration::Unreachable(int error) const {
   const auto& transport = servers_.empty() ? account_.transport : servers_[server_].transport;
-  return ServerFailureText(account_, settings_.listen, transport, error, ports_.refusal());
+  return trouble_.Unreachable(transport, error, ports_.refusal());
 }
 
 /// False after the last one of the list.
@@ -157,7 +157,9 @@ bool Registration::NextServer() {
   return true;
 }
 
+/// The last one has as long as a transaction lasts, but is not known to work.
 void Registration::GiveUpServer() {
+  if (server_ + 1 >= servers_.size()) return ports_.news({.trouble = trouble_.Silent()});
   CancelRequest();
   if (NextServer()) Ask(asked_);
 }
@@ -179,8 +181,7 @@ int Registration::Send(seconds life) {
   const ServerAddress& server = servers_[server_];
   stack_ = ports_.towards(server);
   if (stack_ == nullptr) return ENETUNREACH;
-  // The last one has as long as a transaction lasts.
-  if (server_ + 1 < servers_.size()) patience_.StartOnce(settings_.timers.server_patience);
+  patience_.StartOnce(settings_.timers.server_patience);
   const auto contact = [](sip_transp transport, const sa* source, const sa*, mbuf* request, void* self) {
     return static_cast<Registration*>(self)->WriteContact(transport, *source, *request);
   };
@@ -238,7 +239,7 @@ void Registration::TakeResponse(int error, const sip_msg* response) {
   if (no_service && asked_ == seconds(0)) return;
   // Another server of the list may work (RFC 3263, section 4.3).
   if (no_service && NextServer()) return Ask(asked_);
-  if (error != 0) return RetryLater({.error = error, .reason = FailureText(error)});
+  if (error != 0) return RetryLater(Unreachable(error), 0, error);
   if (const auto seen = SeenAddress(*response, own_)) seen_ = *seen;
   if (response->scode == 401 || response->scode == 407) return TakeChallenge(*response);
   login_.Accepted();
@@ -295,15 +296,23 @@ void Registration::TakeRefusal(const sip_msg& refusal, const std::string& more, 
     pause =
         std::max<milliseconds>(std::min(*demanded, kLongestPause), settings_.timers.registration_retry_first);
   }
-  RetryLater({.status = refusal.scode,
-              .reason = std::to_string(refusal.scode) + ' ' + std::string(View(refusal.reason)) + more},
+  RetryLater(trouble_.Refused(refusal.scode, std::string(View(refusal.reason)), more), refusal.scode, 0,
              pause);
 }
 
-void Registration::RetryLater(const RegistrationNews& failure, milliseconds pause) {
-  RegistrationNews news = failure;
-  news.state = RegistrationNews::State::Failed;
-  news.pause = pause != milliseconds(0) ? pause : retry_;
+void Registration::RetryLater(const LineTrouble& trouble, int status, int error, milliseconds pause) {
+  refused_ = status != 0;
+  // A server that answers must not be pressed; one that is silent or out of reach may be back at any moment.
+  const auto& timers = settings_.timers;
+  retry_ = refused_
+               ? std::clamp(2 * retry_, timers.registration_retry_first, timers.registration_retry_longest)
+               : std::clamp(2 * retry_, timers.silent_retry_first, timers.silent_retry_longest);
+  const RegistrationNews news{.state = RegistrationNews::State::Failed,
+                              .status = status,
+                              .error = error,
+                              .reason = trouble.log,
+                              .trouble = trouble.owner,
+                              .pause = pause != milliseconds(0) ? pause : retry_};
   ports_.news(news);
   if (std::exchange(told_, news.reason) != news.reason) {
     const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(news.pause).count();
@@ -312,7 +321,6 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
         "); no calls can come in through it. ORVEN " +
         (minutes < 2 ? "keeps trying." : "tries again in " + std::to_string(minutes) + " minutes."));
   }
-  refused_ = failure.status != 0;
   registered_ = false;
   too_brief_ = 0;
   life_ = settings_.timers.registration_life;
@@ -322,10 +330,6 @@ void Registration::RetryLater(const RegistrationNews& failure, milliseconds paus
   const auto most = std::min<milliseconds>(news.pause / 4, kLongestSpread);
   const milliseconds spread(rand_u32() % static_cast<std::uint32_t>(most.count() + 1));
   timer_.StartOnce(news.pause + spread);
-  // A server that answers must not be pressed; one that is silent or out of reach may be back at any moment.
-  const auto& timers = settings_.timers;
-  retry_ =
-      std::min(retry_ * 2, refused_ ? timers.registration_retry_longest : timers.registration_retry_silent);
 }
 
 }  // namespace orven

@@ -12,6 +12,7 @@
 #include "adapters/line/sip/network_watch.h"
 #include "adapters/line/sip/server_lookup.h"
 #include "adapters/line/sip/server_path.h"
+#include "adapters/line/sip/server_trouble.h"
 #include "adapters/line/sip/sip_line_settings.h"
 
 namespace orven {
@@ -69,15 +70,16 @@ class Registration {
   bool NextServer();
   void GiveUpServer();
   void PathBroke();
-  std::string FailureText(int error) const;
+  LineTrouble Unreachable(int error) const;
   int WriteContact(sip_transp transport, const sa& source, mbuf& request);
 
   void TakeResponse(int error, const sip_msg* response);
   void TakeChallenge(const sip_msg& response);
   void TakeTooBrief(const sip_msg& response);
   void Registered(const sip_msg& response);
-  /// Reports the failure and waits: for `pause` or, without one, longer after each failure.
-  void RetryLater(const RegistrationNews& failure, std::chrono::milliseconds pause = {});
+  /// Reports the failure and waits: for `pause` or, without one, longer after each failure. `status` is that
+  /// of the server's answer and `error` an errno value, or 0.
+  void RetryLater(const LineTrouble& trouble, int status, int error, std::chrono::milliseconds pause = {});
   /// The same for an answer of the server, which may ask for another pause.
   void TakeRefusal(const sip_msg& refusal, const std::string& more = "",
                    std::chrono::milliseconds pause = {});
@@ -86,6 +88,7 @@ class Registration {
   const SipAccount& account_;
   const SipAddress address_;
   const Ports ports_;
+  const ServerTrouble trouble_;
   const std::string call_id_;   ///< the same for all requests (RFC 3261, section 10.2), and our tag
   const std::string instance_;  ///< as of InstanceOf
   DigestLogin login_;
@@ -97,10 +100,10 @@ class Registration {
   std::uint32_t sequence_ = 0;
   struct sip_request* request_ = nullptr;  ///< pending; the library clears it when answered
   MonotonicTimer timer_;
-  MonotonicTimer patience_;        ///< with a server while there are others
-  std::chrono::seconds life_;      ///< the lifetime that we ask for
-  std::chrono::seconds asked_{0};  ///< in the latest request
-  std::chrono::milliseconds retry_;
+  MonotonicTimer patience_;             ///< with the server that is asked
+  std::chrono::seconds life_;           ///< the lifetime that we ask for
+  std::chrono::seconds asked_{0};       ///< in the latest request
+  std::chrono::milliseconds retry_{0};  ///< the latest pause that was not asked for; 0: no failure yet
 
   sa own_{};             ///< from where the latest request left
   sa seen_{};            ///< as the server sees us, when there is a router; else unset

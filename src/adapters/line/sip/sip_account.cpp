@@ -5,40 +5,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <fstream>
 
 #include "adapters/line/sip/libre.h"
-#include "adapters/line/sip/listen_address.h"
 
 namespace orven {
-namespace {
-
-/// As written in the account, perhaps with a port.
-std::string WrittenServer(const SipAccount& account) {
-  return account.proxy.empty() ? account.address.substr(account.address.find('@') + 1) : account.proxy;
-}
-
-bool IsNamed(const SipAccount& account) {
-  return ServersAt(ServerOf(account)).empty();
-}
-
-std::string NoRouteText(const SipAccount& account, const std::string& listen, int error) {
-  const auto address = ParseListen(listen);
-  const bool everywhere = address && address->IsEverywhere();
-  const auto from = listen.starts_with(':') ? "*" : listen.substr(0, listen.rfind(':'));
-  return "there is no route from " + from + " to " + WrittenServer(account) + " (" + ErrorText(error) + ")" +
-         (everywhere ? "" : ": * as address for calls uses every network");
-}
-
-std::string TlsFailureText(const std::string& server, int error, const std::string& refusal) {
-  const std::string words = "no encrypted connection to " + server + " can be opened (";
-  if (!refusal.empty()) return words + "its certificate is not accepted: " + refusal + ")";
-  // RFC 3261, section 19.1.2: TLS has a different default port, which is easily forgotten.
-  return words + ErrorText(error) + "): the port for TLS is often 5061";
-}
-
-}  // namespace
 
 std::optional<HostAndPort> ParseServer(std::string_view text) {
   auto server = ParseHostAndPort(text);
@@ -75,6 +46,10 @@ std::string ProblemOf(const SipAccount& account) {
   return {};
 }
 
+std::string WrittenServer(const SipAccount& account) {
+  return account.proxy.empty() ? account.address.substr(account.address.find('@') + 1) : account.proxy;
+}
+
 ServerName ServerOf(const SipAccount& account) {
   const auto server = ParseServer(WrittenServer(account)).value_or(HostAndPort{});
   return {server.host, server.port, account.transport};
@@ -98,31 +73,6 @@ std::string InstanceOf(const SipAccount& account, const std::string& installatio
   (void)re_snprintf(text.data(), text.size(), "urn:uuid:%w-%w-%w-%w-%w", id, std::size_t{4}, id + 4,
                     std::size_t{2}, id + 6, std::size_t{2}, id + 8, std::size_t{2}, id + 10, std::size_t{6});
   return text.data();
-}
-
-std::string ServerFailureText(const SipAccount& account, const std::string& listen,
-                              const std::string& transport, int error, const std::string& refusal) {
-  const auto server = WrittenServer(account);
-  switch (error) {
-    // Results of the library and the resolver for an unknown name.
-    case ENOENT:
-    case EDESTADDRREQ:
-    case EADDRNOTAVAIL:
-      if (!IsNamed(account)) return NoRouteText(account, listen, error);
-      return "there is no server named " + server + ": its address cannot be found";
-    case ETIMEDOUT: return "there is no answer from " + server;
-    case ECONNREFUSED:
-      return "the connection to " + server + " is refused: nothing listens there for " + transport +
-             " at this port";
-    // EINVAL and EACCES: the socket is bound to this computer or one network, and the server is in another.
-    case ENETUNREACH:
-    case EHOSTUNREACH:
-    case EINVAL:
-    case EACCES: return NoRouteText(account, listen, error);
-    default: break;
-  }
-  if (transport == "tls") return TlsFailureText(server, error, refusal);
-  return server + " cannot be reached (" + ErrorText(error) + ")";
 }
 
 }  // namespace orven

@@ -39,6 +39,9 @@ bool IsTransport(std::string_view transport);
 /// What is wrong with `account`, for the log; empty when it is usable.
 std::string ProblemOf(const SipAccount& account);
 
+/// The server to which requests are sent, as written in the account, perhaps with a port.
+std::string WrittenServer(const SipAccount& account);
+
 /// The server to which requests of a usable account are sent: its proxy, or that of its address.
 ServerName ServerOf(const SipAccount& account);
 
@@ -49,12 +52,5 @@ std::string HostInUri(const std::string& host);
 /// section 4.1). It is made from the computer's identity (machine-id(5)), which it does not reveal, and
 /// `installation`.
 std::string InstanceOf(const SipAccount& account, const std::string& installation);
-
-/// Why the server of `account` cannot be reached, beginning in lower case and without a full stop: for the
-/// log, the list of lines and their test. `server` is the one that was tried, `error` the errno value of the
-/// failure; `refusal` tells why the server's certificate was not accepted, or is empty; `listen` is the
-/// line's address. Any thread.
-std::string ServerFailureText(const SipAccount& account, const std::string& listen,
-                              const std::string& transport, int error, const std::string& refusal);
 
 }  // namespace orven

@@ -46,7 +46,9 @@ SipAgent::~SipAgent() {
 std::optional<OpenFailure> SipAgent::Start() {
   for (const SipAccount& account : settings_.accounts) {
     if (std::string problem = ProblemOf(account); !problem.empty()) {
-      return OpenFailure{kTelephonyDeviceFailed, std::move(problem)};
+      const auto trouble =
+          Words("A setting of the line is wrong, %1: correct it in Options, Devices, Lines").Arg(problem);
+      return OpenFailure{kTelephonyDeviceFailed, problem, trouble};
     }
   }
   if (auto failure = transports_.Start()) return failure;
@@ -64,22 +66,43 @@ std::optional<OpenFailure> SipAgent::Start() {
   }
   for (Registration& one : registrations_) one.Start();
   network_.Start();
+  TellTrouble();
   return std::nullopt;
 }
 
 /// The line is as well as the worst of its accounts.
 void SipAgent::TakeNews(std::size_t account, const RegistrationNews& news) {
+  // A try does not end the trouble, only its success does.
+  const auto before = news_[account].trouble;
   news_[account] = news;
   news_[account].account = settings_.accounts[account].address;
+  if (news.state == RegistrationNews::State::Trying && news.trouble.Empty()) news_[account].trouble = before;
   const auto rank = [](const RegistrationNews& one) {
     using State = RegistrationNews::State;
     return one.state == State::Failed ? 0 : one.state == State::Trying ? 1 : 2;
   };
   settings_.registration_news(*std::ranges::min_element(news_, {}, rank));
+  TellTrouble();
+}
+
+Words SipAgent::AccountTrouble() const {
+  const auto works = [](const RegistrationNews& one) { return one.trouble.Empty(); };
+  const auto faulty = std::ranges::find_if_not(news_, works);
+  if (faulty == news_.end()) return {};
+  const auto working = std::ranges::count_if(news_, works);
+  if (working == 0) return faulty->trouble;
+  return Words("%1 (%2 of %3 accounts work)").Arg(faulty->trouble).Arg(working).Arg(std::ssize(news_));
+}
+
+void SipAgent::TellTrouble() {
+  auto now = transports_.Trouble();
+  if (now.Empty()) now = AccountTrouble();
+  if (std::exchange(trouble_, now) != now) events_({.kind = LineEvent::Kind::Trouble, .trouble = now});
 }
 
 void SipAgent::LookAtNetwork(NetworkChange change) {
   if (transports_.Follow()) change = std::max(change, NetworkChange::kAddresses);
+  TellTrouble();
   if (change == NetworkChange::kNone) return;
   transports_.NamesChanged();
   for (Registration& one : registrations_) one.NetworkChanged(change);

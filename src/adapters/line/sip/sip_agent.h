@@ -50,6 +50,8 @@ class SipAgent {
   std::string ContactOf(const sip_msg& invite) const;
   SipCall* Find(CallNumber number) const;
   void TakeNews(std::size_t account, const RegistrationNews& news);
+  Words AccountTrouble() const;
+  void TellTrouble();
   void Finish();
   void TidyMemory();
 
@@ -59,6 +61,7 @@ class SipAgent {
   SipTransports transports_;
   std::vector<RegistrationNews> news_;      ///< the latest of each account
   std::optional<SipCallPorts> call_ports_;  ///< of `call_`
+  Words trouble_;                           ///< as told
   std::list<Registration> registrations_;   ///< one for each account
   std::unique_ptr<SipCall> call_;  ///< the call, or the latest one, which still holds its descriptors
   DescriptorReserve reserve_;      ///< for a call while there is none

@@ -11,6 +11,7 @@
 
 #include "adapters/line/sip/codec.h"
 #include "adapters/line/sip/sip_account.h"
+#include "base/words.h"
 
 namespace orven {
 
@@ -31,16 +32,17 @@ struct SipLineTimers {
   std::chrono::milliseconds unreachable{2'000};
   /// What the caller said last may be under way when the call ends: for at most this time.
   std::chrono::milliseconds last_audio{200};
-  /// The first pause after a failed registration; it doubles with each failure up to the second value.
+  /// The first pause after a refused registration; it doubles with each failure up to the second value.
   std::chrono::milliseconds registration_retry_first{5'000};
   std::chrono::milliseconds registration_retry_longest{300'000};
   /// The same for a server that is silent or out of reach, and may be back at any moment: with the random
-  /// delay a minute.
-  std::chrono::milliseconds registration_retry_silent{48'000};
+  /// delay a minute at most.
+  std::chrono::milliseconds silent_retry_first{1'000};
+  std::chrono::milliseconds silent_retry_longest{48'000};
   /// Retries that only other routes or a path that breaks again and again cause are at least this far apart.
   std::chrono::milliseconds registration_rest{5'000};
-  /// How long one server is waited for while others could be asked: five requests by UDP, after 0,
-  /// 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section 17.1.2.2).
+  /// How long one server is waited for while others could be asked; after that time the last one counts as
+  /// silent. Five requests by UDP, after 0, 0.5, 1.5, 3.5 and 7.5 s (RFC 3261, section 17.1.2.2).
   std::chrono::milliseconds server_patience{8'000};
   /// The lifetime of a registration that we ask for; it is refreshed well before it ends.
   std::chrono::seconds registration_life{300};
@@ -57,6 +59,7 @@ struct RegistrationNews {
   int status = 0;                      ///< of the server's answer (RFC 3261, section 21); 0 without one
   int error = 0;                       ///< errno value of a failed connection or request; else 0
   std::string reason{};                ///< why it failed, in a few words for the user
+  Words trouble{};                     ///< the same with a remedy; while trying: the server is silent
   std::chrono::milliseconds pause{0};  ///< before the next request, at the earliest; 0 while trying
 };
 

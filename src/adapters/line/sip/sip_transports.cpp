@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "adapters/line/sip/listen_trouble.h"
 #include "adapters/line/sip/tls_context.h"
 #include "platform/line_driver.h"
 
@@ -43,16 +44,16 @@ std::optional<OpenFailure> SipTransports::Start() {
   }
   looked_up_ = std::chrono::steady_clock::now();
   Expand();
-  for (const Listener& listener : listeners_) {
+  for (Listener& listener : listeners_) {
     if (auto failure = Open(listener)) return failure;
   }
   guard_.Start();
   return std::nullopt;
 }
 
-std::optional<OpenFailure> SipTransports::Open(const Listener& listener) {
+std::optional<OpenFailure> SipTransports::Open(Listener& listener) {
   const Listener* failed = &listener;
-  int error = EADDRNOTAVAIL;
+  int error = listener.lookup != nullptr && listener.named.empty() ? ENOENT : EADDRNOTAVAIL;
   for (const sa& address : listener.expanded) {
     int result = 0;
     (void)AddPlaces(address, failed, result);
@@ -61,13 +62,9 @@ std::optional<OpenFailure> SipTransports::Open(const Listener& listener) {
     if (!later && (error = result) != 0) break;
   }
   if (error == 0) return std::nullopt;
-  std::string reason = ErrorText(error);
-  if (error == EINVAL) reason = "a link-local address needs its network, as in [fe80::5%eth0]:5060";
-  if (listener.lookup != nullptr && listener.expanded.empty()) {
-    reason = listener.named.empty() ? "its address cannot be found" : "it has no address of this computer";
-  }
-  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed,
-                     "cannot listen on " + failed->text + ": " + reason};
+  const auto trouble = CannotListen(failed->text, failed->listen, error);
+  return OpenFailure{error == EADDRINUSE ? kTelephonyLineInUse : kTelephonyDeviceFailed, trouble.log,
+                     trouble.owner};
 }
 
 std::optional<OpenFailure> SipTransports::PrepareTls() {
@@ -79,7 +76,9 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
       if (context == nullptr) context = TlsContext::Checking(ServerOf(account).host, settings_.tls_trust);
     }
   } catch (const std::runtime_error& error) {
-    return OpenFailure{kTelephonyDeviceFailed, error.what()};
+    return OpenFailure{kTelephonyDeviceFailed, error.what(),
+                       Words("Encrypted calls are not possible, %1: correct the certificates in lines.ini")
+                           .Arg(error.what())};
   }
   return std::nullopt;
 }
@@ -96,8 +95,11 @@ std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, b
       listeners_.back().lookup = std::make_unique<ServerLookup>();
     return std::nullopt;
   }
-  return OpenFailure{kTelephonyDeviceFailed,
-                     "listen address \"" + text + "\" is not an address and port like 127.0.0.1:5060"};
+  return OpenFailure{
+      kTelephonyDeviceFailed,
+      "listen address \"" + text + "\" is not an address and port like 127.0.0.1:5060",
+      Words("The address for calls \"%1\" is not an address and port: correct it in Options, Devices, Lines")
+          .Arg(text)};
 }
 
 /// Without name servers only numeric addresses work.
@@ -134,7 +136,7 @@ void SipTransports::Expand() {
   }
 }
 
-SipEndpoint* SipTransports::EndpointAt(const sa& address, const TlsContext* server) {
+SipEndpoint* SipTransports::EndpointAt(const sa& address, const TlsContext* server) const {
   const auto found = std::ranges::find_if(
       places_, [&](const Place& place) { return place.server == server && place.endpoint->Is(address); });
   return found != places_.end() ? found->endpoint.get() : nullptr;
@@ -195,16 +197,32 @@ bool SipTransports::Follow() {
   if (std::chrono::steady_clock::now() - looked_up_ >= kLookUpAgain) LookUpNames();
   Expand();
   bool changed = LeaveGone();
-  for (const Listener& listener : listeners_) {
+  for (Listener& listener : listeners_) {
     for (const sa& address : listener.expanded) {
       const Listener* failed = nullptr;
-      int error = 0;
+      listener.error = 0;
       // An address that is not ready yet is tried again at the next call.
-      if (AddPlaces(address, failed, error)) changed = true;
+      if (AddPlaces(address, failed, listener.error)) changed = true;
     }
   }
   if (changed) guard_.Look();
   return changed;
+}
+
+Words SipTransports::Trouble() const {
+  for (const Listener& listener : listeners_) {
+    const auto has_place = [this](const sa& one) { return EndpointAt(one) != nullptr; };
+    const auto& addresses = listener.expanded;
+    const bool everywhere = listener.listen.IsEverywhere();
+    // What an account's calls need, its registration tells.
+    if (everywhere && settings_.accounts.empty() && !HasNetwork()) return NoNetwork();
+    // One address is listened at even while this computer does not have it.
+    if (!everywhere && (addresses.empty() || !HasAddress(addresses.front())))
+      return CannotListen(listener.text, listener.listen, EADDRNOTAVAIL).owner;
+    if (!addresses.empty() && std::ranges::none_of(addresses, has_place))
+      return CannotListen(listener.text, listener.listen, listener.error).owner;
+  }
+  return {};
 }
 
 bool SipTransports::IsOurs(const sa& local) const {

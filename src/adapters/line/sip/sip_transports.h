@@ -54,6 +54,10 @@ class SipTransports {
   /// Ends all transactions, then raises `closed`, perhaps at once.
   void Close();
 
+  /// Why calls cannot come in at an address in `settings` now, as of LineEvent::Kind::Trouble; empty when
+  /// they can.
+  Words Trouble() const;
+
   /// Why the certificate of the server of `account` was not accepted; empty when it was, or there is none.
   std::string RefusalOf(const SipAccount& account) const;
 
@@ -65,6 +69,7 @@ class SipTransports {
     bool secure = false;
     std::vector<sa> named{};  ///< found by its name
     std::vector<sa> expanded{};
+    int error = 0;                           ///< errno value of the latest failure to listen there
     std::unique_ptr<ServerLookup> lookup{};  ///< of its name
   };
 
@@ -77,12 +82,12 @@ class SipTransports {
 
   std::optional<OpenFailure> PrepareTls();
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
-  std::optional<OpenFailure> Open(const Listener& listener);
+  std::optional<OpenFailure> Open(Listener& listener);
   void Expand();
   void LookUpNames();
   void ReadNameServers();
   bool IsThere(const SipEndpoint& endpoint) const;
-  SipEndpoint* EndpointAt(const sa& address, const TlsContext* server = nullptr);
+  SipEndpoint* EndpointAt(const sa& address, const TlsContext* server = nullptr) const;
   bool AddPlaces(const sa& address, const Listener*& failed, int& error);
   int AddPlace(const sa& address, const TlsContext* server, const Listener*& failed);
   int ListenAt(const sa& address, SipEndpoint& endpoint, const Listener*& failed);

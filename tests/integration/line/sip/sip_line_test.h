@@ -287,6 +287,7 @@ class SipLineTest : public ::testing::Test {
     const auto failure = line->Open(sink).value_or(OpenFailure{kTelephonyOk, ""});
     ASSERT_EQ(failure.result, result) << failure.reason;
     EXPECT_NE(failure.reason.find(reason), std::string::npos) << failure.reason;
+    EXPECT_EQ(CauseOf(failure.trouble.English()).empty(), failure.result == kTelephonyOk);
   }
 
   /// Plays comma-separated steps on the open line. "> INVITE" is what the caller sends ("> INVITE 8 sendonly"

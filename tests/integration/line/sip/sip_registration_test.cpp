@@ -56,7 +56,7 @@ class SipRegistrationTest : public SipLineTest {
     settings.registration_news = [this](const RegistrationNews& news) {
       const bool registered = news.state == RegistrationNews::State::Registered;
       events.Add((registered ? "registered" : std::to_string(news.status)) + ", next after " +
-                 std::to_string(news.pause / seconds(1)) + " s");
+                 std::to_string(news.pause / seconds(1)) + " s, " + CauseOf(news.trouble.Text()));
     };
   }
   void Open(std::uint16_t server) { OpenAt("127.0.0.1:" + std::to_string(server)); }
@@ -135,10 +135,12 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
       {brief + "400 / " + brief + "500 / " + brief + "600 / " + brief + "700", "|here=400|here=500|here=600",
        "423" + soon},
       {brief + "300", "", "423" + soon},
-      {"503|Retry-After: 120 (later);duration=60", "", "503, next after 120 s"},
+      {"503|Retry-After: 120 (later);duration=60", "",
+       "503, next after 120 s, The server %1 cannot register"},
       {"480|Retry-After: 1", "", "480" + soon},
       {"600|Retry-After: 4294967296", "", "600, next after 86400 s"},
-      {"403", "", "403, next after 900 s"},
+      {"403", "", "403, next after 900 s, The server %1 does not allow"},
+      {"404", "", "404" + soon + ", The server %1 does not know"},
       {ask + " / 200", md5, registered},
       {hash + "MD5-sess / 200", "|here=300 MD5-sess", registered},
       {hash + "SHA-256 / 200", sha, registered},
@@ -146,9 +148,9 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
       {"401|WWW-Authenticate: Basic realm=\"home\"|WWW:a:algorithm=NEW|WWW:a:qop=\"auth-int\"|"
        "WWW:a:algorithm=SHA-256,qop=auth|WWW:a:qop=auth / 200",
        sha, registered},
-      {hash + "NEW", "", "401" + soon},
+      {hash + "NEW", "", "401" + soon + ", The server %1 asks for a login"},
       {"407|Proxy:a:qop=auth / " + ask + " / 200", md5 + md5 + " MD5", registered},
-      {ask + " / 401|WWW:b:qop=auth", md5, "401, next after 900 s"},
+      {ask + " / 401|WWW:b:qop=auth", md5, "401, next after 900 s, The server %1 refuses the password"},
       {ask + " / 200|Expires: 2 / 401|WWW:b:qop=auth / 200", md5 + md5 + md5, registered},
       {ask + again + " / 200", md5 + md5, registered},
       {realm + "1 / " + realm + "2 / " + realm + "3 / " + realm + "4 / " + realm + "5",
@@ -207,7 +209,7 @@ TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
   limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 4096);
   setrlimit(RLIMIT_NOFILE, &limit);
   const Socket server = Socket::TcpListening();
-  settings.timers.registration_retry_first = milliseconds(200);
+  settings.timers.registration_retry_first = settings.timers.silent_retry_first = milliseconds(200);
   settings.timers.registration_rest = std::chrono::hours(1);  // however slow this machine is
   account.transport = "tcp";
   Open(server.Port());
@@ -278,7 +280,8 @@ TEST_F(SipRegistrationTest, ResolvesNamesAndFollowsNetworkChangesWithoutLosingAC
     caller->Send(std::regex_replace(invite, std::regex("ann@[^:]*"), "ann@phone.test"));
     Play("Ring 1 1,answer 1,< 200,> ACK,Connected 1");
     shell("ip addr delete 127.0.0.1/8 dev lo");
-    EXPECT_TRUE(events.Wait("no route from phone.test to 127.0.0.1"));
+    EXPECT_TRUE(events.Wait("no route from phone.test to 127.0.0.1") &&
+                events.Wait("Trouble The address for calls phone.test:"));
     shell("ip addr add 127.0.0.1/8 dev lo");
     light.SendTo(port, Answer(Next(light), "200"));
     EXPECT_TRUE(events.Wait("works again."));
@@ -303,7 +306,7 @@ struct OpenSsl {
 TEST_F(SipRegistrationTest, RegistersOnlyAtAServerWithATrustedCertificateForItsAddress) {
   account.transport = "tls";
   settings.tls_listen = "127.0.0.1:" + std::to_string(FreePort());  // has rules of its own
-  settings.timers.registration_retry_first = milliseconds(200);
+  settings.timers.silent_retry_first = milliseconds(200);
   // The trusted certificate, the presented certificate, and the expected result.
   const std::tuple<std::string, std::string, std::string> kRows[] = {
       {"127.0.0.1", "127.0.0.1", "REGISTER"},
