@@ -35,6 +35,7 @@ class FloodTest(harness.ProgramCase):
     def flood(self, seconds):
         calls, hold = CALLS_A_SECOND * seconds, (seconds + MARGIN) * 1000
         options = ["-r", CALLS_A_SECOND, "-m", calls, "-l", calls, "-recv_timeout", LIMIT * 1000]
+        options += ["-rtp_echo"]  # keeps the port of the answered call's audio open
         options += ["-trace_stat", "-stf", self.counts, "-fd", 1]
         flood = harness.sipp(self.folder, self.orven.port, "flood_scenario.xml", {"HOLD": hold}, *options)
         self.addCleanup(processes.stop, flood, 5)
