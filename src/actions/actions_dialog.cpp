@@ -15,34 +15,35 @@ constexpr std::size_t kShortest = 6;
 constexpr std::string_view kRefused = "!#$%^&*()=+{}[]|\\;:'/?>,< \"";
 
 constexpr const char* kParameters =
-    "Parameters:\r\n"
-    "Caller Name=<NAME>\r\n"
-    "Caller Number=<NUMBER>\r\n"
-    "Date=<DATE>\r\n"
-    "Time=<TIME>\r\n"
-    "Message Path=<MESSAGE_PATH>\r\n"
-    "\r\n"
-    "For more information look at the help";
+    Tr("Parameters:\r\n"
+       "Caller Name=<NAME>\r\n"
+       "Caller Number=<NUMBER>\r\n"
+       "Date=<DATE>\r\n"
+       "Time=<TIME>\r\n"
+       "Message Path=<MESSAGE_PATH>\r\n"
+       "\r\n"
+       "For more information look at the help");
 
 constexpr std::int32_t kNormalWindow = 1;  // shown, with the focus
 
 struct Fault {
   const char* setting;
-  std::string text;
+  Words text;
 };
 
 /// The first wrong value, from top to bottom.
 std::optional<Fault> FindFault(const Choices& choices) {
   if (choices.On("pMailTo")) {
-    if (!IsMailAddress(choices.Text("MailTo"))) return Fault{"MailTo", "'E-Mail To' Is Invalid"};
-    if (choices.Text("SMTPServer").empty()) return Fault{"SMTPServer", "'SMTP' Is Invalid"};
-    if (!IsMailAddress(choices.Text("MailFrom"))) return Fault{"MailFrom", "'From(Replay To)' Is Invalid"};
+    if (!IsMailAddress(choices.Text("MailTo"))) return Fault{"MailTo", Words("'E-Mail To' Is Invalid")};
+    if (choices.Text("SMTPServer").empty()) return Fault{"SMTPServer", Words("'SMTP' Is Invalid")};
+    if (!IsMailAddress(choices.Text("MailFrom")))
+      return Fault{"MailFrom", Words("'From(Replay To)' Is Invalid")};
   }
   const auto command = choices.Text("AppTo");
-  if (choices.On("pAppTo") && command.empty()) return Fault{"AppTo", "'Application Path' Field Is Empty"};
+  if (choices.On("pAppTo") && command.empty())
+    return Fault{"AppTo", Words("'Application Path' Field Is Empty")};
   if (command.size() > kLongestText)
-    return Fault{"AppTo",
-                 "'Application Path' Is Too Long, " + std::to_string(kLongestText) + " Bytes At Most"};
+    return Fault{"AppTo", Words("'Application Path' Is Too Long, %1 Bytes At Most").Arg(kLongestText)};
   return std::nullopt;
 }
 
@@ -63,7 +64,7 @@ void ActionsDialog::Load(const std::function<void(const Choices&)>& show) {
 }
 
 void ActionsDialog::ShowParameters() {
-  parts_.dialogs.Message(kParameters);
+  parts_.dialogs.Message(Words(kParameters));
 }
 
 std::string ActionsDialog::Test(std::string command) {

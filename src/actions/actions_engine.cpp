@@ -84,12 +84,12 @@ void ActionsEngine::Progress(std::int32_t total, std::int32_t sent) {
   if (total == 0) return;
   // Halves are rounded to even.
   const auto percent = std::lrint(static_cast<double>(sent) / total * 100);
-  ports_.status.ShowStatus("Send Mail : " + std::to_string(percent) + " %");
+  ports_.status.ShowStatus(Words("Send Mail : %1 %").Arg(percent));
   shown_ = ports_.status.Writings();
 }
 
 void ActionsEngine::Done(const std::string& recipient) {
-  ports_.status.ShowStatus("Mail Was Sent");
+  ports_.status.ShowStatus(Words("Mail Was Sent"));
   ports_.loop.After(kSentShown, lifeline_.Bind([this, mine = ports_.status.Writings()] {
     if (ports_.status.Writings() == mine) show_line_state_();
   }));

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/words.h"
+
 namespace orven {
 
 /// The classic run-time error numbers that users know from the log files.
@@ -28,22 +30,22 @@ enum class ErrorNumber : std::int32_t {
 /// The description that belongs to a number, for example "Type mismatch" for 13.
 constexpr const char* DescriptionOf(ErrorNumber number) {
   switch (number) {
-    case ErrorNumber::InvalidProcedureCall: return "Invalid procedure call or argument";
-    case ErrorNumber::Overflow: return "Overflow";
-    case ErrorNumber::OutOfMemory: return "Out of memory";
-    case ErrorNumber::SubscriptOutOfRange: return "Subscript out of range";
-    case ErrorNumber::DivisionByZero: return "Division by zero";
-    case ErrorNumber::TypeMismatch: return "Type mismatch";
-    case ErrorNumber::InternalError: return "Internal error";
-    case ErrorNumber::FileNotFound: return "File not found";
-    case ErrorNumber::DeviceIoError: return "Device I/O error";
-    case ErrorNumber::FileAlreadyExists: return "File already exists";
-    case ErrorNumber::DiskFull: return "Disk full";
-    case ErrorNumber::PermissionDenied: return "Permission denied";
-    case ErrorNumber::PathAccessError: return "Path/File access error";
-    case ErrorNumber::PathNotFound: return "Path not found";
+    case ErrorNumber::InvalidProcedureCall: return Tr("Invalid procedure call or argument");
+    case ErrorNumber::Overflow: return Tr("Overflow");
+    case ErrorNumber::OutOfMemory: return Tr("Out of memory");
+    case ErrorNumber::SubscriptOutOfRange: return Tr("Subscript out of range");
+    case ErrorNumber::DivisionByZero: return Tr("Division by zero");
+    case ErrorNumber::TypeMismatch: return Tr("Type mismatch");
+    case ErrorNumber::InternalError: return Tr("Internal error");
+    case ErrorNumber::FileNotFound: return Tr("File not found");
+    case ErrorNumber::DeviceIoError: return Tr("Device I/O error");
+    case ErrorNumber::FileAlreadyExists: return Tr("File already exists");
+    case ErrorNumber::DiskFull: return Tr("Disk full");
+    case ErrorNumber::PermissionDenied: return Tr("Permission denied");
+    case ErrorNumber::PathAccessError: return Tr("Path/File access error");
+    case ErrorNumber::PathNotFound: return Tr("Path not found");
   }
-  return "Internal error";
+  return Tr("Internal error");
 }
 
 /// A failed statement: a number and the text for the log. Ports throw it where their contract says so; the

@@ -51,7 +51,7 @@ void FirstStart::Run() {
 bool EntryRoutine::Run(const std::string& command_line, MainWindowStart& window) {
   system_.InitCommonControls(kInitRecordSize, kExtendedComboBoxClasses);
   if (!system_.ClaimInstance()) {
-    dialogs_.Message("ORVEN is still running");
+    dialogs_.Message(Words("ORVEN is still running"));
     return false;
   }
   const bool first = first_start_.IsDue();

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "base/words.h"
+
 namespace orven {
 namespace {
 
@@ -14,9 +16,10 @@ constexpr const char* kRings[] = {"1",  "2",  "3",  "4",  "5",  "6",  "7",  "8",
                                   "11", "12", "13", "14", "15", "16", "17", "18", "19", "20"};
 constexpr const char* kMinutes[] = {"1", "2", "5"};
 constexpr const char* kSilences[] = {"2", "3", "4", "5", "6", "8", "10", "15", "20", "30"};
-constexpr const char* kActWith[] = {"Act with all calls", "Act with messages only!"};
+constexpr const char* kActWith[] = {Tr("Act with all calls"), Tr("Act with messages only!")};
 constexpr const char* kCloseSeconds[] = {"10", "20", "30", "60"};
-constexpr const char* kLogFor[] = {"1 Last Month", "2 Last Month", "3 Last Month", "For Ever"};
+constexpr const char* kLogFor[] = {Tr("1 Last Month"), Tr("2 Last Month"), Tr("3 Last Month"),
+                                   Tr("For Ever")};
 
 /// Stored values are limited to 2048 bytes; a character takes up to four.
 constexpr int kLongestPassword = 500;
@@ -66,104 +69,107 @@ constexpr SettingRow kWindow[] = {
 constexpr SettingRow kOptions[] = {
     // At first any line that can do voice.
     Setting("Modem", &S::Modem, "-1", Kind::None, {.store = 7}),
-    Setting(
-        "ModemName", &S::ModemName, "", Kind::Entry, {.page = 1, .store = 9}, "cmbModemDev", "&Modem device:",
-        "The telephone line to answer; a change takes effect when the line is next opened", {"Modem device"}),
+    Setting("ModemName", &S::ModemName, "", Kind::Entry, {.page = 1, .store = 9}, "cmbModemDev",
+            Tr("&Modem device:"),
+            Tr("The telephone line to answer; a change takes effect when the line is next opened"),
+            {Tr("Modem device")}),
     Setting("MassagesPath", &S::MassagesPath, nullptr),
     Setting("SecSilence", &S::SecSilence, "8", Kind::Number, {.page = 3, .store = 1}, "cmbSilenceSec", "", "",
-            {"Seconds of silence that end a message", "seconds", 1, 600, kSilences}),
+            {Tr("Seconds of silence that end a message"), Tr("seconds"), 1, 600, kSilences}),
     Setting("cDropSilence", &S::cDropSilence, "1", Kind::Check, {.page = 3, .store = 2}, "chkDropIfSilnce",
-            "Hang up when the caller is silent for",
-            "Otherwise a message ends when the caller hangs up, or when it is too long"),
+            Tr("Hang up when the caller is silent for"),
+            Tr("Otherwise a message ends when the caller hangs up, or when it is too long")),
     // 20 thousandths are above a telephone line's noise and below quiet speech.
     Setting("ValSilence", &S::ValSilence, "20", Kind::Slider, {.page = 3, .store = 3}, "sldSilence",
-            "Sil&ence is up to:", "Choose a level above the noise of the line and below speech",
-            {"Level up to which a caller is silent, in percent of full level", "", 0, 100, {}, 10}),
+            Tr("Sil&ence is up to:"), Tr("Choose a level above the noise of the line and below speech"),
+            {Tr("Level up to which a caller is silent, in percent of full level"), "", 0, 100, {}, 10}),
     Setting("RecordMessage", &S::RecordMessage, "1", Kind::Check, {.page = 2, .store = 11},
-            "cmdRecordMessage", "Record a message after the greeting",
-            "Otherwise the call ends after the greeting"),
+            "cmdRecordMessage", Tr("Record a message after the greeting"),
+            Tr("Otherwise the call ends after the greeting")),
     Setting("NumOfRing", &S::NumOfRing, "4", Kind::Number, {.page = 2, .store = 13}, "txtNumOfRing",
-            "&Answer after:", "", {"Rings before a call is answered", "rings", 1, 20, kRings}),
+            Tr("&Answer after:"), "", {Tr("Rings before a call is answered"), Tr("rings"), 1, 20, kRings}),
     Setting("MaxRec", &S::MaxRec, "2", Kind::Number, {.page = 2, .store = 14}, "txtRecLong",
-            "Longest &message:", "",
-            {"Minutes of the longest message", "minutes", 1, kLongestMessage, kMinutes}),
-    Setting("Pass", &S::Pass, nullptr, Kind::Secret, {.page = 3, .store = 16}, "txtPass",
-            "&Password:", "Digits that a telephone can key", {.most = kLongestPassword}),
+            Tr("Longest &message:"), "",
+            {Tr("Minutes of the longest message"), Tr("minutes"), 1, kLongestMessage, kMinutes}),
+    Setting("Pass", &S::Pass, nullptr, Kind::Secret, {.page = 3, .store = 16}, "txtPass", Tr("&Password:"),
+            Tr("Digits that a telephone can key"), {.most = kLongestPassword}),
     Setting("WornDelete", &S::WornDelete, "1", Kind::Check, {.store = 4}, "chkWornDelete",
-            "Ask before deleting a call", "A deleted call's message is deleted with it"),
+            Tr("Ask before deleting a call"), Tr("A deleted call's message is deleted with it")),
     Setting("WornClear", &S::WornClear, "1", Kind::Check, {.store = 5}, "chkWornClear",
-            "Ask before clearing the calls list", "Clearing leaves the message files where they are"),
+            Tr("Ask before clearing the calls list"), Tr("Clearing leaves the message files where they are")),
     Setting("ListMessageOnly", &S::ListMessageOnly, "0", Kind::Check, {.store = 6}, "chkListMessagesOnly",
-            "List only calls that left a message", "Calls without a message are not added to the calls list"),
+            Tr("List only calls that left a message"),
+            Tr("Calls without a message are not added to the calls list")),
     Setting("Sound", &S::Sound, "0", Kind::Choice, {.page = 1, .load = 1, .store = 10}, "cmbSoundDev",
-            "&Sound card:", "Where messages and greetings are heard and greetings are recorded",
-            {"Sound card"}),
+            Tr("&Sound card:"), Tr("Where messages and greetings are heard and greetings are recorded"),
+            {Tr("Sound card")}),
     Setting("Greeting", &S::Greeting, "Default", Kind::ByHand, {.page = 2, .load = 1, .store = 12}),
     Setting("AllowRemoteAccess", &S::AllowRemoteAccess, "1", Kind::Check, {.page = 3, .load = 1, .store = 15},
-            "chkAllowRemoteAccess", "Hear my messages from another telephone",
-            "Call this machine, key the password while the greeting plays, then the star key. "
-            "The password works whether this is checked or not"),
+            "chkAllowRemoteAccess", Tr("Hear my messages from another telephone"),
+            Tr("Call this machine, key the password while the greeting plays, then the star key. "
+               "The password works whether this is checked or not")),
     Setting("CompressMessages", &S::CompressMessages, "0", Kind::Check, {.page = 3, .load = 1, .store = 17},
-            "chkCompress", "Store messages compressed", "Half the size, in the quality of the telephone"),
+            "chkCompress", Tr("Store messages compressed"),
+            Tr("Half the size, in the quality of the telephone")),
     Setting("pQuickToolbar", &S::pQuickToolbar, "1", Kind::Check, {.load = 1, .store = 18}, "chkQuickToolBar",
-            "Show the quick options toolbar", "Greeting, rings and recording in the main window"),
+            Tr("Show the quick options toolbar"), Tr("Greeting, rings and recording in the main window")),
     Setting("PreScreen", &S::PreScreen, "0", Kind::Check, {.page = 2, .store = 8}, "chkPreScreen",
-            "Listen in while a message is recorded", "The caller is heard on the sound card"),
+            Tr("Listen in while a message is recorded"), Tr("The caller is heard on the sound card")),
 };
 
 constexpr SettingRow kActions[] = {
-    Setting("pMailTo", &S::pMailTo, "0", Kind::Check, {}, "chkSendToMail", "Send Calls To E- Mail"),
-    Setting("MailTo", &S::MailTo, "", Kind::Text, {}, "txtSendToMail", "E-Mail To:"),
-    Setting("SMTPServer", &S::SMTPServer, "", Kind::Text, {}, "txtSMTP",
-            "SMTP :", "The mail server: its name, name:port, smtp://… or smtps://…"),
-    Setting("MailFrom", &S::MailFrom, "", Kind::Text, {}, "txtFromMail", "From(Replay To):"),
+    Setting("pMailTo", &S::pMailTo, "0", Kind::Check, {}, "chkSendToMail", Tr("Send Calls To E- Mail")),
+    Setting("MailTo", &S::MailTo, "", Kind::Text, {}, "txtSendToMail", Tr("E-Mail To:")),
+    Setting("SMTPServer", &S::SMTPServer, "", Kind::Text, {}, "txtSMTP", Tr("SMTP :"),
+            Tr("The mail server: its name, name:port, smtp://… or smtps://…")),
+    Setting("MailFrom", &S::MailFrom, "", Kind::Text, {}, "txtFromMail", Tr("From(Replay To):")),
     Setting("ActionsMailAllCalls", &S::ActionsMailAllCalls, "0", Kind::Choice, {}, "cmbActMail", "", "",
-            {.purpose = "Calls that this applies to", .items = kActWith}),
-    Setting("pAppTo", &S::pAppTo, "0", Kind::Check, {.page = 1}, "chkApp", "Send Calls To Application"),
-    Setting("AppTo", &S::AppTo, "", Kind::Text, {.page = 1}, "txtAppTo",
-            "Application Path:", "The program and its arguments; put arguments with blanks in double quotes"),
-    Setting("pAppToBG", &S::pAppToBG, "0", Kind::Check, {.page = 1}, "chkBGAPP", "Background"),
+            {.purpose = Tr("Calls that this applies to"), .items = kActWith}),
+    Setting("pAppTo", &S::pAppTo, "0", Kind::Check, {.page = 1}, "chkApp", Tr("Send Calls To Application")),
+    Setting("AppTo", &S::AppTo, "", Kind::Text, {.page = 1}, "txtAppTo", Tr("Application Path:"),
+            Tr("The program and its arguments; put arguments with blanks in double quotes")),
+    Setting("pAppToBG", &S::pAppToBG, "0", Kind::Check, {.page = 1}, "chkBGAPP", Tr("Background")),
     Setting("ActionsAppAllCalls", &S::ActionsAppAllCalls, "0", Kind::Choice, {.page = 1}, "cmbActApp", "", "",
-            {.purpose = "Calls that this applies to", .items = kActWith}),
-    Setting("SMTPUser", {}, nullptr, Kind::Text, {}, "txtSMTPUser",
-            "User:", "Leave empty if the mail server needs no login"),
-    Setting("SMTPPass", {}, nullptr, Kind::Secret, {}, "txtSMTPPass", "Password:"),
+            {.purpose = Tr("Calls that this applies to"), .items = kActWith}),
+    Setting("SMTPUser", {}, nullptr, Kind::Text, {}, "txtSMTPUser", Tr("User:"),
+            Tr("Leave empty if the mail server needs no login")),
+    Setting("SMTPPass", {}, nullptr, Kind::Secret, {}, "txtSMTPPass", Tr("Password:")),
     Setting("SMTPSecure", {}, nullptr, Kind::Check, {}, "chkSMTPSecure",
-            "Log in over an encrypted connection only"),
+            Tr("Log in over an encrypted connection only")),
 };
 
 constexpr SettingRow kEvents[] = {
     Setting("PlayInRing", &S::PlayInRing, "Ring.wav", Kind::ByHand, {.page = 1, .store = 5}),
     Setting("cPlayInRing", &S::cPlayInRing, "0", Kind::Check, {.page = 1, .store = 6}, "chkPlayInCall",
-            "Play Sound:"),
+            Tr("Play Sound:")),
     Setting("cOnlyIfGotMessage", &S::cOnlyIfGotMessage, "1", Kind::Check, {.page = 2, .store = 11},
-            "chkOnlyIfGotMessage", "Only If Got Message"),
+            "chkOnlyIfGotMessage", Tr("Only If Got Message")),
     Setting("PlayInIdle", &S::PlayInIdle, "Message.wav", Kind::ByHand, {.page = 2, .store = 2}),
     Setting("cPlayInIdle", &S::cPlayInIdle, "1", Kind::Check, {.page = 2, .store = 1}, "chkPlayInMessage",
-            "Play Sound:"),
+            Tr("Play Sound:")),
     Setting("WhenMsgViewMsg", &S::WhenMsgViewMsg, "1", Kind::Check, {.page = 2, .store = 4}, "chkMsgInMsg",
-            "Display Caller View"),
+            Tr("Display Caller View")),
     Setting("ViewDetails", &S::ViewDetails, "1", Kind::Check, {.page = 1, .store = 3}, "chkViewDet",
-            "Display Caller View"),
+            Tr("Display Caller View")),
     Setting("cAnimation", &S::cAnimation, "0", Kind::Check, {.store = 7}, "chkAnimation",
-            "Animate Caller View"),
+            Tr("Animate Caller View")),
     Setting("AnimationFast", &S::AnimationFast, "50", Kind::Slider, {.store = 8}, "sldAnimationFast",
-            "Speed:", "", {.purpose = "Speed of the caller view", .most = 100}),
+            Tr("Speed:"), "", {.purpose = Tr("Speed of the caller view"), .most = 100}),
     Setting("cCloseCallerView", &S::cCloseCallerView, "1", Kind::Check, {.store = 9}, "chkCloseCVAfter",
-            "Close Caller View after"),
+            Tr("Close Caller View after")),
     Setting("CloseCallerView", &S::CloseCallerView, "30", Kind::List, {.store = 10}, "cmbCloseCVAfter", "",
-            "", {"Seconds after which the caller view closes", "Sec'", 0, 0, kCloseSeconds}),
+            "", {Tr("Seconds after which the caller view closes"), Tr("Sec'"), 0, 0, kCloseSeconds}),
 };
 
 constexpr SettingRow kLog[] = {
-    Setting("cLogCalls", &S::cLogCalls, "1", Kind::Check, {}, "chkLogCalls", "Log Calls",
-            "Write a line for each call"),
-    Setting("cLogSys", &S::cLogSys, "1", Kind::Check, {}, "chkLogSys", "Log System",
-            "Write each step of the line and each failure"),
-    Setting("LogFor", &S::LogFor, "3 Last Month", Kind::List, {.store = 100}, "cmbLogFor",
-            "Log For:", "Older files in the log folder are deleted", {.items = kLogFor}),
+    Setting("cLogCalls", &S::cLogCalls, "1", Kind::Check, {}, "chkLogCalls", Tr("Log Calls"),
+            Tr("Write a line for each call")),
+    Setting("cLogSys", &S::cLogSys, "1", Kind::Check, {}, "chkLogSys", Tr("Log System"),
+            Tr("Write each step of the line and each failure")),
+    Setting("LogFor", &S::LogFor, "3 Last Month", Kind::List, {.store = 100}, "cmbLogFor", Tr("Log For:"),
+            Tr("Older files in the log folder are deleted"), {.items = kLogFor}),
     Setting("cWornBeforeDelete", &S::cWornBeforeDelete, "1", Kind::Check, {}, "chkWornBeforeDelete",
-            "Worn before delete", "Ask before the log viewer deletes a log"),
+            Tr("Worn before delete"), Tr("Ask before the log viewer deletes a log")),
 };
 
 /// By their groups.

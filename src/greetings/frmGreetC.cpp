@@ -8,6 +8,7 @@
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -165,8 +166,8 @@ void frmGreetC::ShowWaveform(const Waveform& waveform) noexcept {
   Frame1_->ShowLength(waveform.length);
 }
 
-void frmGreetC::ShowState(const std::string& text) noexcept {
-  lblState_->setText(QString::fromStdString(text));
+void frmGreetC::ShowState(const Words& text) noexcept {
+  lblState_->setText(Shown(text));
 }
 
 void frmGreetC::AddVoices(const std::vector<std::string>& descriptions) noexcept {

@@ -40,7 +40,7 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   void ShowPlayProgress(std::chrono::milliseconds position,
                         std::chrono::milliseconds length) noexcept override;
   void ShowWaveform(const Waveform& waveform) noexcept override;
-  void ShowState(const std::string& text) noexcept override;
+  void ShowState(const Words& text) noexcept override;
   void AddVoices(const std::vector<std::string>& descriptions) noexcept override;
   SpeechLink::Manner Manner() const noexcept override { return Frame2_->Manner(); }
   std::string Text() const noexcept override;

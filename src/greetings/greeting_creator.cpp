@@ -17,9 +17,9 @@ constexpr auto kTimerRecInterval = 1000ms;
 constexpr auto kTimerPlayInterval = 100ms;
 constexpr auto kLevelInterval = 50ms;  // smooth to the eye
 
-constexpr const char* kNoEngine = "Please Install SAPI 5.1 From Microsoft";
-constexpr const char* kDeleteSpeech = "This Will Delete 'Text To Speech' Recorded. \r\n Continue ?";
-constexpr const char* kDeleteSpeaker = "This Will Delete Speaker Recorded. \r\n Continue ?";
+constexpr const char* kNoEngine = Tr("Please Install SAPI 5.1 From Microsoft");
+constexpr const char* kDeleteSpeech = Tr("This Will Delete 'Text To Speech' Recorded. \r\n Continue ?");
+constexpr const char* kDeleteSpeaker = Tr("This Will Delete Speaker Recorded. \r\n Continue ?");
 
 /// Only for the log line, which names the greetings folder although the take is elsewhere.
 constexpr const char* kPlayedFile = "\\Greets\\spktmp.wav";
@@ -30,7 +30,7 @@ std::string MinutesAndSeconds(milliseconds length) {
   return std::to_string(seconds / 60) + ":" + (rest.size() < 2 ? "0" : "") + rest;
 }
 
-constexpr const char* kBadName = "Greeting name with ? \\ / | * < > : \" is not legal";
+constexpr const char* kBadName = Tr("Greeting name with ? \\ / | * < > : \" is not legal");
 
 }  // namespace
 
@@ -62,7 +62,7 @@ void GreetingCreator::Load() {
 void GreetingCreator::TabClick(CreatorTab tab) {
   if (loading_) return;
   if (tab == CreatorTab::TextToSpeech && !link_.Available()) {
-    parts_.dialogs.Information(kNoEngine);
+    parts_.dialogs.Information(Words(kNoEngine));
     tab = CreatorTab::Speaker;
   }
   view_.SelectTab(tab);
@@ -89,7 +89,7 @@ void GreetingCreator::ShowButtons() {
 
 /// True when there is no other take that would be lost, or the user agrees to lose it.
 bool GreetingCreator::MayReplace(bool other_take, const char* question) {
-  return !other_take || parts_.dialogs.Confirm(question, QuestionIcon::Information);
+  return !other_take || parts_.dialogs.Confirm(Words(question), QuestionIcon::Information);
 }
 
 void GreetingCreator::Record() {
@@ -99,7 +99,7 @@ void GreetingCreator::Record() {
   if (unloaded_ || parts_.microphone.Busy()) return;
   view_.ClearText();
   if (parts_.microphone.Start(sound_device_) != kWaveOk)
-    return view_.ShowState("Recording failed; see the system log");
+    return view_.ShowState(Words("Recording failed; see the system log"));
   speech_.Forget();
   speech_take_ = false;
   speaker_take_ = recorded_ = true;
@@ -110,7 +110,7 @@ void GreetingCreator::Record() {
   view_.ShowRecLabel(rec_label_ = true);
   parts_.waveforms.Cancel();
   view_.ShowWaveform({});
-  view_.ShowState("Recording from the microphone");
+  view_.ShowState(Words("Recording from the microphone"));
   ShowButtons();
 }
 
@@ -128,22 +128,23 @@ void GreetingCreator::RecordingEnded(bool kept) {
   TimerLevel->Stop();
   view_.ShowLevel(0);
   view_.ShowRecLabel(rec_label_ = false);
-  if (kept) ShowTake(parts_.microphone.Path(), "From the microphone");
+  if (kept) ShowTake(parts_.microphone.Path(), Words("From the microphone, %1"));
   // A microphone that was unplugged or muted leaves an empty file.
   speaker_take_ = recorded_ = kept && take_length_ > 0ms;
-  if (!kept) view_.ShowState("The recording could not be stored; see the system log");
-  if (kept && !recorded_) view_.ShowState("Nothing came from the microphone; see the system log");
+  if (!kept) view_.ShowState(Words("The recording could not be stored; see the system log"));
+  if (kept && !recorded_) view_.ShowState(Words("Nothing came from the microphone; see the system log"));
   ShowButtons();
 }
 
 void GreetingCreator::LineTookOver(bool kept) {
   RecordingEnded(kept);
-  if (recorded_) view_.ShowState("A call was answered and ended the recording. The part before it is kept.");
+  if (recorded_)
+    view_.ShowState(Words("A call was answered and ended the recording. The part before it is kept."));
 }
 
-void GreetingCreator::ShowTake(const std::string& path, const char* kind) {
+void GreetingCreator::ShowTake(const std::string& path, Words state) {
   take_length_ = milliseconds(std::llround(std::max(0.0, parts_.WavePlay.FileLength(path)) * 1000));
-  view_.ShowState(std::string(kind) + ", " + MinutesAndSeconds(take_length_));
+  view_.ShowState(std::move(state).Arg(MinutesAndSeconds(take_length_)));
   parts_.waveforms.Request(path, [this](const Waveform& waveform) { view_.ShowWaveform(waveform); });
 }
 
@@ -200,17 +201,17 @@ void GreetingCreator::CreateGreeting() {
   view_.ShowWaveform({});
   speaker_take_ = false;
   speech_take_ = recorded_ = speech_.Make(text, view_.Manner(), [this](bool there) { SpeechDone(there); });
-  view_.ShowState(speech_take_ ? "The greeting is being made from the text" : "");
+  view_.ShowState(speech_take_ ? Words("The greeting is being made from the text") : Words());
   ShowButtons();
 }
 
 void GreetingCreator::SpeechDone(bool there) {
   speech_take_ = recorded_ = there;
   if (there) {
-    ShowTake(speech_.Path(), "From the text");
+    ShowTake(speech_.Path(), Words("From the text, %1"));
   } else {
     view_.ShowState(
-        "No greeting could be made from the text. Does it have words, and is there room on the disk?");
+        Words("No greeting could be made from the text. Does it have words, and is there room on the disk?"));
   }
   if (!saving_) return;
   if (there) return Copy();
@@ -221,20 +222,20 @@ void GreetingCreator::SpeechDone(bool there) {
 void GreetingCreator::Save() {
   if (saving_ || unloaded_) return;
   const auto name = view_.GreetingName();
-  if (!recorded_) return parts_.dialogs.Information("Empty Message");
-  if (name.empty()) return parts_.dialogs.Information("Enter Greeting Name");
-  if (!IsLegalGreetingName(name)) return parts_.dialogs.Information(kBadName);
+  if (!recorded_) return parts_.dialogs.Information(Words("Empty Message"));
+  if (name.empty()) return parts_.dialogs.Information(Words("Enter Greeting Name"));
+  if (!IsLegalGreetingName(name)) return parts_.dialogs.Information(Words(kBadName));
   StopRecord();
   if (!recorded_) return;
   name_ = std::string(Trimmed(name, " "));
   saving_ = true;
   ShowButtons();
   if (speech_.Pending())
-    return view_.ShowState("The greeting will be saved as soon as it is made from the text");
+    return view_.ShowState(Words("The greeting will be saved as soon as it is made from the text"));
   if (!speech_take_ || speech_.Unchanged()) return Copy();
   // The helper of an earlier window was slow and has just written its file over this one.
   recorded_ = speech_take_ = saving_ = false;
-  view_.ShowState("The take was replaced; please create the greeting again");
+  view_.ShowState(Words("The take was replaced; please create the greeting again"));
   ShowButtons();
 }
 
@@ -267,7 +268,7 @@ void GreetingCreator::Copy() {
 void GreetingCreator::Copied(bool done) {
   saving_ = false;
   if (done) return view_.Close();
-  view_.ShowState("The greeting could not be saved; see the system log");
+  view_.ShowState(Words("The greeting could not be saved; see the system log"));
   ShowButtons();
 }
 

@@ -61,7 +61,7 @@ class GreetingCreatorView {
   virtual void ShowWaveform(const Waveform& waveform) noexcept = 0;
 
   /// One line about the take; may be empty.
-  virtual void ShowState(const std::string& text) noexcept = 0;
+  virtual void ShowState(const Words& text) noexcept = 0;
 
   /// `VoiceCB`: appends the voices and selects the first entry.
   virtual void AddVoices(const std::vector<std::string>& descriptions) noexcept = 0;
@@ -132,7 +132,7 @@ class GreetingCreator : private SpeechLinkListener {
   void HelperLost() override;
 
   void ShowButtons();
-  void ShowTake(const std::string& path, const char* kind);
+  void ShowTake(const std::string& path, Words state);
   bool MayReplace(bool other_take, const char* question);
   void RecordingEnded(bool kept);
   void LineTookOver(bool kept);

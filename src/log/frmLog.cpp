@@ -10,6 +10,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -131,8 +132,8 @@ void frmLog::ShowExtent(std::int32_t pixels) noexcept {
   List2_->ShowExtent(pixels);
 }
 
-void frmLog::ShowState(const std::string& text) noexcept {
-  lblState_->setText(QString::fromStdString(text));
+void frmLog::ShowState(const Words& text) noexcept {
+  lblState_->setText(Shown(text));
 }
 
 frmLogProp::frmLogProp(LogProperties& engine, QWidget* parent)

@@ -27,7 +27,7 @@ class frmLog : public QDialog, private LogViewerWindow {
   void ShowLineCount(std::size_t count) noexcept override;
   std::int32_t Widest(std::string_view line, std::int32_t widest) noexcept override;
   void ShowExtent(std::int32_t pixels) noexcept override;
-  void ShowState(const std::string& text) noexcept override;
+  void ShowState(const Words& text) noexcept override;
 
   QWidget* MakeFiles();
   QWidget* MakeDetails();

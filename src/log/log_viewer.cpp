@@ -18,21 +18,21 @@ bool Continues(char byte) {
 
 constexpr std::int32_t kBesideWidest = 50;  // pixels of margin after the widest line
 
-std::string CountText(std::size_t count) {
+Words CountText(std::size_t count) {
   auto digits = std::to_string(count);
   for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > 0; at -= 3) {
     digits.insert(static_cast<std::size_t>(at), ",");
   }
-  return digits + (count == 1 ? " line" : " lines");
+  return (count == 1 ? Words("%1 line") : Words("%1 lines")).Arg(digits);
 }
 
-std::string ReasonOf(const std::exception_ptr& failure) {
+Words ReasonOf(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const std::exception& reason) {
-    return reason.what();
+    return Words(reason.what());
   } catch (...) {
-    return "it cannot be read";
+    return Words("it cannot be read");
   }
 }
 
@@ -129,7 +129,7 @@ void LogViewer::Refresh() {
   const bool still_there = std::find(names.begin(), names.end(), selected_) != names.end();
   window_.ShowFiles(names, still_there ? selected_ : "");
   if (!still_there) Select("");
-  if (names.empty()) window_.ShowState("There are no such logs.");
+  if (names.empty()) window_.ShowState(Words("There are no such logs."));
 }
 
 void LogViewer::Select(const std::string& file_name) {
@@ -139,7 +139,7 @@ void LogViewer::Select(const std::string& file_name) {
   lines_.Clear();
   widest_ = 0;
   window_.ShowExtent(0);
-  window_.ShowState("");
+  window_.ShowState({});
   if (selected_.empty()) return;
   reading_ = std::make_shared<Reading>(Reading{{parts_.files, parts_.log.PathOf(selected_)}, {}, {}});
   ReadNext();
@@ -163,12 +163,14 @@ void LogViewer::Show(Reading& reading) {
   if (count > first) {
     window_.ShowLineCount(count);
     Measure(first);
-    window_.ShowState("Reading\xE2\x80\xA6 " + CountText(count));
+    window_.ShowState(Words("Reading… %1").Arg(CountText(count)));
     ReadNext();
     return;
   }
-  const char* const left_out = reading.file.LeftOut() ? ", the rest of this large file is left out" : "";
-  window_.ShowState(reading.failure ? ReasonOf(reading.failure) : CountText(count) + left_out);
+  const bool left_out = reading.file.LeftOut();
+  window_.ShowState(reading.failure ? ReasonOf(reading.failure)
+                    : left_out ? Words("%1, the rest of this large file is left out").Arg(CountText(count))
+                               : CountText(count));
   reading_.reset();
 }
 
@@ -185,7 +187,7 @@ void LogViewer::Delete() {
   if (name.empty()) return;
   parts_.store.GetLogProperties();
   const bool ask = parts_.settings.cWornBeforeDelete == 1;
-  if (ask && !parts_.dialogs.Confirm("Delete " + name + " ?", QuestionIcon::None)) return;
+  if (ask && !parts_.dialogs.Confirm(Words("Delete %1 ?").Arg(name), QuestionIcon::None)) return;
   parts_.log.Delete(name);
   Select("");
   Refresh();

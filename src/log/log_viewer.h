@@ -91,7 +91,7 @@ class LogViewerWindow {
   virtual void ShowExtent(std::int32_t pixels) noexcept = 0;
 
   /// A sentence about the shown file.
-  virtual void ShowState(const std::string& text) noexcept = 0;
+  virtual void ShowState(const Words& text) noexcept = 0;
 };
 
 /// The rules of the log viewer: lists the log files, shows the lines of one, deletes it or saves a copy. A

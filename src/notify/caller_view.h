@@ -33,8 +33,8 @@ class CallerViewWindow {
 
   virtual void ShowCommands(CallerCommands shown) noexcept = 0;
 
-  virtual void ShowStatus(const Words& text) noexcept = 0;      ///< lblStatus
-  virtual void ShowRing(const std::string& text) noexcept = 0;  ///< lblMsgRingNum
+  virtual void ShowStatus(const Words& text) noexcept = 0;  ///< lblStatus
+  virtual void ShowRing(const Words& text) noexcept = 0;    ///< lblMsgRingNum
   /// Its names, time and message path; any of them may be empty.
   virtual void ShowCall(const Call& call) noexcept = 0;
 };
@@ -79,7 +79,7 @@ class CallerView : public CallerViewClicks {
   /// The call's state in a few words: "New Call".
   void ShowMessage(const Words& text) { window_.ShowStatus(text); }
   /// The number of rings: "Ring : 3".
-  void ShowRing(const std::string& text) { window_.ShowRing(text); }
+  void ShowRing(const Words& text) { window_.ShowRing(text); }
   /// Name, number, date, time and message of the call.
   void ShowCall(const Call& call) { window_.ShowCall(call); }
 

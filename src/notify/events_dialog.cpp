@@ -10,7 +10,6 @@
 namespace orven {
 namespace {
 
-constexpr const char* kAddTitle = "Add Sound";
 const std::string kSoundFilter("wav (*.wav)\0*.wav\0", 18);
 
 }  // namespace
@@ -42,7 +41,7 @@ void EventsDialog::Add(SoundList& list, SoundList& other) {
 }
 
 std::optional<std::string> EventsDialog::AddSound() {
-  const auto path = parts_.dialogs.OpenFile(kAddTitle, kSoundFilter);
+  const auto path = parts_.dialogs.OpenFile(Words("Add Sound"), kSoundFilter);
   if (!path) return std::nullopt;
   const auto name = FileNamePart(*path);
   const auto trap = ErrorTrap::Silent();

@@ -276,8 +276,8 @@ void frmMSG::ShowStatus(const Words& text) noexcept {
   status_->setText(Shown(text));
 }
 
-void frmMSG::ShowRing(const std::string& text) noexcept {
-  ring_->setText(QString::fromStdString(text));
+void frmMSG::ShowRing(const Words& text) noexcept {
+  ring_->setText(Shown(text));
 }
 
 void frmMSG::ShowCall(const Call& call) noexcept {

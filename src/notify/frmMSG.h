@@ -71,7 +71,7 @@ class frmMSG : public QWidget, public CallerViewWindow {
   void Unload() noexcept override;
   void ShowCommands(CallerCommands shown) noexcept override;
   void ShowStatus(const Words& text) noexcept override;
-  void ShowRing(const std::string& text) noexcept override;
+  void ShowRing(const Words& text) noexcept override;
   void ShowCall(const Call& call) noexcept override;
 
  protected:

@@ -80,7 +80,7 @@ void LinesDialog::Put(const TelephoneLine& line, std::optional<std::size_t> inde
 }
 
 bool LinesDialog::Remove(std::size_t index) {
-  if (!parts_.dialogs.Confirm("Remove the line \"" + At(index).name + "\" ?")) return false;
+  if (!parts_.dialogs.Confirm(Words("Remove the line \"%1\" ?").Arg(At(index).name))) return false;
   lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(index));
   return true;
 }
@@ -104,7 +104,7 @@ bool LinesDialog::Ok() {
     }
   });
   if (!stored) {
-    parts_.dialogs.Information("The telephone lines could not be stored.\r\n" + problem);
+    parts_.dialogs.Information(Words("The telephone lines could not be stored.\r\n%1").Arg(problem));
     return false;
   }
   parts_.log.WriteSystem("Telephone lines changed");
@@ -125,9 +125,9 @@ void LinesDialog::KeepChosen() {
 
 void LinesDialog::UseChanged() {
   if (!parts_.use_changed) {
-    parts_.dialogs.Information("The changed lines are used from the next start on.");
+    parts_.dialogs.Information(Words("The changed lines are used from the next start on."));
   } else if (!parts_.use_changed()) {
-    parts_.dialogs.Information("A call is in progress. The changed lines are used when it is over.");
+    parts_.dialogs.Information(Words("A call is in progress. The changed lines are used when it is over."));
   }
 }
 

@@ -49,9 +49,9 @@ void GreetingPlayer::Add(SoundList& list) {
 }
 
 void GreetingPlayer::Delete(SoundList& list) {
-  if (list.names.size() == 1) return parts_.dialogs.Information("Can't Delete Last Greeting.");
+  if (list.names.size() == 1) return parts_.dialogs.Information(Words("Can't Delete Last Greeting."));
   const auto name = list.selected;
-  if (!parts_.dialogs.Confirm("Delete " + name + " ?")) return;
+  if (!parts_.dialogs.Confirm(Words("Delete %1 ?").Arg(name))) return;
   const auto trap = ErrorTrap::Silent();
   trap([&] {
     if (!name.empty()) parts_.library.Delete(name);
@@ -130,7 +130,7 @@ void OptionsDialog::LookAgain() {
 }
 
 void OptionsDialog::BrowsMessagesPath() {
-  auto path = parts_.dialogs.BrowseFolder("Save Messages To", MessagesPath());
+  auto path = parts_.dialogs.BrowseFolder(Words("Save Messages To"), MessagesPath());
   if (path.empty()) return;
   const auto separator = NativePath("\\");
   if (!path.ends_with(separator)) path += separator;
@@ -169,11 +169,14 @@ void OptionsDialog::Save(Choices choices, bool autostart) {
 void OptionsDialog::TellOfFailures(bool stored, bool autostart) {
   if (!stored) {
     parts_.dialogs.Information(
-        "The options could not be stored. They apply until the program ends; see the system log.");
+        Words("The options could not be stored. They apply until the program ends; see the system log."));
   }
   if (Autostarts() == autostart) return;
-  parts_.dialogs.Information(std::string("The program ") + (autostart ? "does not start" : "still starts") +
-                             " with the desktop: this could not be changed. The system log has the details.");
+  parts_.dialogs.Information(
+      autostart ? Words("The program does not start with the desktop: this could not be changed. "
+                        "The system log has the details.")
+                : Words("The program still starts with the desktop: this could not be changed. "
+                        "The system log has the details."));
 }
 
 bool OptionsDialog::Autostarts() {

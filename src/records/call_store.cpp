@@ -98,7 +98,7 @@ std::optional<std::string> CallStore::AskForTarget(const std::string& path) {
   const auto extension = path.size() < 3 ? path : path.substr(path.size() - 3);
   const auto filter =
       extension + " (*." + extension + ")" + std::string(1, '\0') + "*." + extension + std::string(1, '\0');
-  return ports_.dialogs.SaveAs("Save", filter, FileNamePart(path));
+  return ports_.dialogs.SaveAs(Words("Save"), filter, FileNamePart(path));
 }
 
 void CallStore::CopyInBackground(const std::vector<std::string>& places, const std::string& target) {

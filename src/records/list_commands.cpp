@@ -14,8 +14,7 @@ void ListCommands::Delete() {
     if (!list.SelectionStands()) return;
     const auto call = list.Row(list.Selected());
     if (parts_.settings.WornDelete != 0) {
-      const auto question = "Delete Call " + std::to_string(list.Selected()) + " Information ?";
-      if (!parts_.dialogs.Confirm(question)) return;
+      if (!parts_.dialogs.Confirm(Words("Delete Call %1 Information ?").Arg(list.Selected()))) return;
     }
     // While the question was open a new call may have moved the others down.
     const auto row = list.RowOf(call);
@@ -33,7 +32,7 @@ void ListCommands::Clear() {
     if (list.Count() == 0) return;
     // A call that comes in while the question is open stays.
     const auto newest = list.Row(1);
-    if (parts_.settings.WornClear != 0 && !parts_.dialogs.Confirm("Clear Calls List ?")) return;
+    if (parts_.settings.WornClear != 0 && !parts_.dialogs.Confirm(Words("Clear Calls List ?"))) return;
     if (list.RowOf(newest) == 0) return list.FollowRecords();
     parts_.calls.ClearUpTo(newest.call);
   });

@@ -22,33 +22,39 @@ constexpr const char* kLabel = "ErrcmdBrowsMessagesPath ";
 /// The maximum number of messages that the box names when some stayed behind; the log names them all.
 constexpr std::size_t kNamedInBox = 10;
 
-std::string RefusalText(const std::string& folder, const std::string& reason) {
-  return "The messages cannot be moved to " + folder + "\n\n" + reason + "\n\nNothing was changed.";
+Words RefusalText(const std::string& folder, Words reason) {
+  return Words("The messages cannot be moved to %1\n\n%2\n\nNothing was changed.")
+      .Arg(folder)
+      .Arg(std::move(reason));
 }
 
-std::string BrokenOffText(const std::string& from, const std::string& to, const std::string& reason) {
-  return "The move of the messages to " + to + " was interrupted and cannot continue.\n\n" + reason +
-         "\n\nMessages that were moved are in " + to + "\nThe others are in " + from +
-         "\n\nThe move continues when the program starts and both folders exist, or when you choose " + to +
-         " in the options again.";
+Words BrokenOffText(const std::string& from, const std::string& to, Words reason) {
+  return Words(
+             "The move of the messages to %1 was interrupted and cannot continue.\n\n%2\n\n"
+             "Messages that were moved are in %1\nThe others are in %3\n\n"
+             "The move continues when the program starts and both folders exist, or when you choose %1 in "
+             "the options again.")
+      .Arg(to)
+      .Arg(std::move(reason))
+      .Arg(from);
 }
 
-std::string StayedText(const std::string& folder, const std::vector<std::string>& names) {
-  auto text = "These messages could not be moved. They are still in " + folder + "\n";
-  for (std::size_t i = 0; i < std::min(names.size(), kNamedInBox); ++i) text += "\n" + names[i];
-  if (names.size() > kNamedInBox) {
-    text += "\nand " + std::to_string(names.size() - kNamedInBox) + " more, which the system log names";
-  }
-  return text;
+Words StayedText(const std::string& folder, const std::vector<std::string>& names) {
+  std::string named;
+  for (std::size_t i = 0; i < std::min(names.size(), kNamedInBox); ++i) named += "\n" + names[i];
+  auto text = Words("These messages could not be moved. They are still in %1\n%2").Arg(folder).Arg(named);
+  if (names.size() <= kNamedInBox) return text;
+  const auto rest = static_cast<std::int64_t>(names.size() - kNamedInBox);
+  return Words("%1\nand %2 more, which the system log names").Arg(std::move(text)).Arg(rest);
 }
 
-std::string Reason(const std::exception_ptr& failure) {
+Words Reason(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const std::exception& error) {
-    return error.what();
+    return std::string(error.what());
   } catch (...) {
-    return "unknown";
+    return Words("unknown");
   }
 }
 
@@ -117,11 +123,12 @@ std::optional<RelocationProgress> MessageMove::Relocating() const {
 bool MessageMove::MayLeave(const std::string& folder) {
   const auto next = parts_.folders.Next();
   if (next.empty() || next == folder) return true;
-  const bool left =
-      parts_.dialogs.Confirm("The move of the messages to " + next +
-                             " was interrupted. Messages that are there already stay there " +
-                             "and cannot be played any more. To take them along, choose " + next +
-                             " first.\n\nLeave them there, and store the messages in " + folder + " ?");
+  const bool left = parts_.dialogs.Confirm(
+      Words("The move of the messages to %1 was interrupted. Messages that are there already stay there and "
+            "cannot be played any more. To take them along, choose %1 first.\n\n"
+            "Leave them there, and store the messages in %2 ?")
+          .Arg(next)
+          .Arg(folder));
   if (left) parts_.log.WriteSystem("Messages were left in " + next);
   return left;
 }
@@ -146,16 +153,16 @@ void MessageMove::Tried(bool same_folder, const std::exception_ptr& failure) {
     return Refuse(Reason(failure));
   }
   if (same_folder) return End();
-  if (const auto reason = ReasonAgainst(); !reason.empty()) return Refuse(reason);
+  if (const auto reason = ReasonAgainst(); !reason.Empty()) return Refuse(reason);
   parts_.folders.SetNext(move_->to);
   MoveNext();
 }
 
 /// Why the first message must not move; empty when it may.
-std::string MessageMove::ReasonAgainst() {
-  if (!CollectNames()) return "The calls cannot be read";
+Words MessageMove::ReasonAgainst() {
+  if (!CollectNames()) return Words("The calls cannot be read");
   if (Store(kMoveUnderWay, move_->to)) return {};
-  return "The settings cannot be stored; the system log has the details.";
+  return Words("The settings cannot be stored; the system log has the details.");
 }
 
 bool MessageMove::CollectNames() {
@@ -190,7 +197,7 @@ void MessageMove::Moved(bool gone, const std::exception_ptr& failure) {
   MoveNext();
 }
 
-void MessageMove::Refuse(const std::string& reason) {
+void MessageMove::Refuse(const Words& reason) {
   const auto move = std::exchange(move_, nullptr);
   const bool broken_off = move->to == parts_.folders.Next();
   parts_.dialogs.Information(broken_off ? BrokenOffText(move->from, move->to, reason)
@@ -214,9 +221,9 @@ void MessageMove::StoreEnd() {
   if (Store("MassagesPath", folder))
     return DeleteRegValue(parts_.registry, kRoot, kSettingsKey, kMoveUnderWay);
   parts_.dialogs.Information(
-      "The messages are in " + folder +
-      "\n\nThis could not be stored; the system log has the details. It will be stored "
-      "at the next start if the settings can be written then.");
+      Words("The messages are in %1\n\nThis could not be stored; the system log has the details. "
+            "It will be stored at the next start if the settings can be written then.")
+          .Arg(folder));
 }
 
 /// `done`, which runs only while this object lives.

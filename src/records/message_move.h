@@ -75,11 +75,11 @@ class MessageMove {
   bool MayLeave(const std::string& folder);
   void Try(const std::string& folder, bool old_needed);
   void Tried(bool same_folder, const std::exception_ptr& failure);
-  std::string ReasonAgainst();
+  Words ReasonAgainst();
   bool CollectNames();
   void MoveNext();
   void Moved(bool gone, const std::exception_ptr& failure);
-  void Refuse(const std::string& reason);
+  void Refuse(const Words& reason);
   void End();
   bool Store(const std::string& name, const std::string& folder);
   void StoreEnd();

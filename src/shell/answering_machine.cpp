@@ -131,7 +131,7 @@ std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
 /// While the owner listens by telephone, the selection shows which message is playing.
 bool AnsweringMachine::SelectionTaken() {
   if (!call.InProgress() || !call.remote_playback) return false;
-  status.ShowStatus("Messages are played to the telephone: the selection stays on them");
+  status.ShowStatus(Words("Messages are played to the telephone: the selection stays on them"));
   return true;
 }
 

@@ -56,8 +56,8 @@ void GreetingCommands::Delete() {
 }
 
 void GreetingCommands::ShowNoFile() {
-  status_.ShowStatus("No file is called \"" + boxes_.SelectedGreeting() +
-                     "\". To play or delete greetings, use Options, Answer Mode");
+  status_.ShowStatus(Words("No file is called \"%1\". To play or delete greetings, use Options, Answer Mode")
+                         .Arg(boxes_.SelectedGreeting()));
 }
 
 void MainCommands::Toolbar1_ButtonClick(const std::string& key, bool down) {
@@ -99,7 +99,7 @@ void MainCommands::ShowPage(const std::string& page) {
   const auto target = parts_.home.Path("\\Help\\" + page + ".htm");
   if (parts_.shell.Open(target)) return;
   parts_.log.WriteSystem("Cannot open " + target);
-  parts_.messages.Information("No program on this computer opens " + target);
+  parts_.messages.Information(Words("No program on this computer opens %1").Arg(target));
 }
 
 }  // namespace orven

@@ -9,8 +9,8 @@ void AfterCall::Announce(const Call& call) {
   OpenCallerView();
   // A caller view that is still open from the previous call gets its commands back.
   effects_.caller_view.ShowControl();
-  effects_.caller_view.ShowMessage("New Call");
-  effects_.caller_view.ShowRing("");
+  effects_.caller_view.ShowMessage(Words("New Call"));
+  effects_.caller_view.ShowRing(Words());
   effects_.caller_view.ShowCall(call);
 }
 
@@ -40,7 +40,7 @@ void AfterCall::ShowFinished(const Call& call) {
   if (!effects_.caller_view.IsOpen()) return;
   effects_.caller_view.HideControl();
   effects_.caller_view.ShowCall(call);
-  effects_.caller_view.ShowMessage(call.message_left ? "New Message" : "Call ended");
+  effects_.caller_view.ShowMessage(call.message_left ? Words("New Message") : Words("Call ended"));
 }
 
 bool AfterCall::WantsMail(const Call& call) const {

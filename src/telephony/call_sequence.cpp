@@ -30,7 +30,7 @@ void CallSequence::Handle(const LineEvent& event) {
 
 void CallSequence::InCommingCall(std::int32_t line) {
   control_.log.WriteSystem("InCommingCall" + LineTag(line));
-  parts_.view.ShowStatus("InComing Call");
+  parts_.view.ShowStatus(Words("InComing Call"));
   const ErrorTrap trap(control_.log, "ErrTapiInComeCall ");
   trap([&] {
     const auto now = parts_.clock.Now();
@@ -47,17 +47,17 @@ void CallSequence::InCommingCall(std::int32_t line) {
 
 void CallSequence::Ring(std::int32_t line, std::int32_t count) {
   control_.log.WriteSystem("Ring" + LineTag(line) + "->" + std::to_string(count));
-  parts_.view.ShowStatus("Ring :" + std::to_string(count));
+  parts_.view.ShowStatus(Words("Ring :%1").Arg(count));
   control_.AnswerToCall(line, count, false);
   const ErrorTrap trap(control_.log, "ErrTapiRing ");
   trap([&] {
-    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing("Ring : " + std::to_string(count));
+    if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowRing(Words("Ring : %1").Arg(count));
   });
 }
 
 void CallSequence::CallerID(std::int32_t line, const std::string& name, const std::string& number) {
   control_.log.WriteSystem("CallerID" + LineTag(line) + "->" + name + "-" + number);
-  parts_.view.ShowStatus("Caller ID Information");
+  parts_.view.ShowStatus(Words("Caller ID Information"));
   control_.call.caller_name = name;
   control_.call.caller_number = number;
   control_.open_calls.Note(control_.call);
@@ -78,7 +78,7 @@ void CallSequence::Proc(std::int32_t line, std::int32_t request, std::int32_t re
 
 void CallSequence::Connected(std::int32_t line) {
   const ErrorTrap trap(control_.log, "ErrTapiConnected ");
-  parts_.view.ShowStatus("Line Connected");
+  parts_.view.ShowStatus(Words("Line Connected"));
   trap([&] {
     if (!control_.Tapi1.IsCallConnected(line)) return;
     control_.Tapi1.MonitorDigits(line, true);
@@ -87,12 +87,12 @@ void CallSequence::Connected(std::int32_t line) {
     PlayGreeting();
   });
   control_.open_calls.Note(control_.call);  // it now has the ring at which the call was answered
-  UpdateCallerView("Line Connected");
+  UpdateCallerView(Words("Line Connected"));
   if (parts_.caller_view.IsOpen()) parts_.caller_view.HideAnswer();
 }
 
 void CallSequence::Disconnected(std::int32_t line) {
-  parts_.view.ShowStatus("Line Disconnected");
+  parts_.view.ShowStatus(Words("Line Disconnected"));
   control_.log.WriteSystem("Disconnected" + LineTag(line));
   control_.Enter(CallState::Disconnected, "ErrTapiDisConnected ");
   const ErrorTrap trap(control_.log, "ErrTapiDisConnected ");
@@ -102,7 +102,7 @@ void CallSequence::Disconnected(std::int32_t line) {
   trap([&] {
     if (control_.Tapi1.IsCallConnected(line)) control_.DropCall();
   });
-  UpdateCallerView("Line Disconnected");
+  UpdateCallerView(Words("Line Disconnected"));
 }
 
 void CallSequence::Idle(std::int32_t line) {
@@ -120,7 +120,7 @@ void CallSequence::Idle(std::int32_t line) {
   control_.line.ShowMonitoring();
 }
 
-void CallSequence::UpdateCallerView(const std::string& status) {
+void CallSequence::UpdateCallerView(const Words& status) {
   if (parts_.caller_view.IsOpen()) parts_.caller_view.ShowMessage(status);
 }
 

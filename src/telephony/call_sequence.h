@@ -46,7 +46,7 @@ class CallSequence : public WaveEvents {
   void PlayGreeting();
   void PlayBeep();
   std::int32_t PlayOnLine(const std::string& path);
-  void UpdateCallerView(const std::string& status);
+  void UpdateCallerView(const Words& status);
 
   CallControl& control_;
   Parts parts_;

@@ -42,7 +42,7 @@ bool LineManager::SelectModemDevice() {
 
 void LineManager::TellToSelectDevice() {
   if (std::exchange(telling_, true)) return;
-  ports_.dialogs.Information("Select Modem Device From Options/Devices [Modem Device]");
+  ports_.dialogs.Information(Words("Select Modem Device From Options/Devices [Modem Device]"));
   telling_ = false;
 }
 

@@ -17,7 +17,7 @@ void RemoteAccess::MonitorDigit(std::int32_t line, char digit) {
     call.digit_buffer += digit;
   }
   control_.Tapi1.MonitorDigits(line, true);
-  view_.ShowStatus("Monitoring Digits: " + call.digit_buffer);
+  view_.ShowStatus(Words("Monitoring Digits: %1").Arg(call.digit_buffer));
 }
 
 void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
@@ -28,7 +28,7 @@ void RemoteAccess::EnterAdministratorMode(std::int32_t line) {
   // A recording that failed to start has left its timers running; they must not end the owner's call.
   recorder_.StopTimers();
   control_.log.WriteSystem("Remote Control " + LineTag(line));
-  view_.ShowStatus("Administrator Mode");
+  view_.ShowStatus(Words("Administrator Mode"));
   control_.Enter(CallState::Administrator, "ErrTapiMonitorDigit ");
   place_ = CallList::kTop;
   PlayForAdmin();

@@ -3,7 +3,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QIntValidator>
 #include <QLabel>
@@ -14,6 +13,7 @@
 #include <optional>
 
 #include "widgets/controls.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -37,12 +37,12 @@ class WholeNumber : public QIntValidator {
 };
 
 QString Translated(const char* text) {
-  return QCoreApplication::translate("Settings", text);
+  return Shown(Words(text));
 }
 
 QString TipOf(const Row& row) {
   if (row.kind != Row::Kind::Number) return Translated(row.tip);
-  return Translated("%1, %2 to %3").arg(Translated(row.purpose)).arg(row.least).arg(row.most);
+  return Shown(Words("%1, %2 to %3").Arg(Words(row.purpose)).Arg(row.least).Arg(row.most));
 }
 
 void ShowValue(const Row& row, QWidget& control, const QString& text) {

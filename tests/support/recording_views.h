@@ -46,7 +46,7 @@ class RecordingCallerView : public CallerViewWindow {
     commands = shown;
   }
   void ShowStatus(const Words& text) noexcept override { effect_("view:" + text.English()); }
-  void ShowRing(const std::string& text) noexcept override { effect_("view:" + text); }
+  void ShowRing(const Words& text) noexcept override { effect_("view:" + text.English()); }
   void ShowCall(const Call& call) noexcept override {
     name = call.caller_name;
     when = call.date + call.time;

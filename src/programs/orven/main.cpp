@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QApplication>
+#include <QLocale>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -9,6 +10,7 @@
 #include "adapters/desktop/installation.h"
 #include "programs/orven/program.h"
 #include "programs/orven/requests.h"
+#include "widgets/translation.h"
 
 namespace {
 
@@ -24,6 +26,7 @@ int Print(const std::string& answer) {
 }
 
 int RunMachine(const std::string& command_line) {
+  orven::ShowIn(QLocale::system().uiLanguages());
   const auto hints = orven::ProcessFolderHints();
   const auto folder = orven::FindApplicationFolder(hints);
   if (const auto problem = orven::MakeApplicationFolder(folder); !problem.empty()) {

@@ -135,8 +135,8 @@ TEST_F(CallerViewWindowTest, ShowsTheCallAndIsEmptyForTheNext) {
   call.caller_number = "555-0134";
   call.message_path = "/home/orven/Messages/a.wav";
   view.ShowCall(call);
-  view.ShowStatus("New Call");
-  view.ShowRing("Ring : 3");
+  view.ShowStatus(Words("New Call"));
+  view.ShowRing(Words("Ring : 3"));
   EXPECT_EQ(Get<QLabel>("lblCallerName").textFormat(), Qt::PlainText);
   const Values texts = {{"lblCallerName", hostile},
                         {"lblCallerNumber", "555-0134"},

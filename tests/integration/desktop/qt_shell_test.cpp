@@ -119,8 +119,8 @@ TEST_F(QtShellTest, AHelperIsStartedUnderItsAliasAndAFailedStartNamesTheProgram)
 TEST(QtDialogs, WithoutADisplayTextsGoToTheOutputAndAnswersAreSafe) {
   std::ostringstream output;
   QtDialogs dialogs(&Words::English, HasDisplay(), output);
-  EXPECT_FALSE(dialogs.Confirm("Delete Call ?", QuestionIcon::Question) ||
-               dialogs.SaveAs("Save", "", "a.wav") || dialogs.OpenFile("Add Sound", ""));
+  EXPECT_FALSE(dialogs.Confirm(Words("Delete Call ?"), QuestionIcon::Question) ||
+               dialogs.SaveAs(Words("Save"), "", "a.wav") || dialogs.OpenFile(Words("Add Sound"), ""));
   EXPECT_EQ(output.str(),
             "ORVEN: Delete Call ? (answered No: there is no display)\n"
             "ORVEN: Save: a.wav (cancelled: there is no display)\n"
@@ -144,7 +144,7 @@ TEST(QtDialogs, AConfirmationOpensOverTheTopmostDialogAndIsYesOnlyForYes) {
       EXPECT_EQ(box.parentWidget(), &dialog);
       box.button(button) == nullptr ? void(box.close()) : box.button(button)->click();
     });
-    EXPECT_EQ(QtDialogs(&Words::English, true).Confirm("Delete <b>a</b> ?", QuestionIcon::None),
+    EXPECT_EQ(QtDialogs(&Words::English, true).Confirm(Words("Delete <b>a</b> ?"), QuestionIcon::None),
               button == QMessageBox::Yes);
   }
 }
@@ -164,13 +164,13 @@ TEST(QtDialogs, FilesAreFilteredAndTheLastFolderIsOpenedAgain) {
   for (const char* name : {"sub/a", "b"}) {
     choose(name);
     std::filesystem::create_directory(folder / "sub");
-    EXPECT_EQ(dialogs.SaveAs("Save As", filter, "c.wav"), folder / name + ".wav");
+    EXPECT_EQ(dialogs.SaveAs(Words("Save As"), filter, "c.wav"), folder / name + ".wav");
   }
   EXPECT_EQ(seen.toStdString(), "Save As|" + folder / "sub/c.wav" + "|wav (*.wav)|Sounds (*.wav *.mp3)");
   choose("sub");
-  EXPECT_EQ(dialogs.BrowseFolder("Messages", folder / ""), folder / "sub");
+  EXPECT_EQ(dialogs.BrowseFolder(Words("Messages"), folder / ""), folder / "sub");
   choose("");
-  EXPECT_EQ(dialogs.OpenFile("Add Sound", filter), std::nullopt);
+  EXPECT_EQ(dialogs.OpenFile(Words("Add Sound"), filter), std::nullopt);
 }
 
 }  // namespace

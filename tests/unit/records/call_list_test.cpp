@@ -239,7 +239,7 @@ TEST_F(CallListTest, TheWindowDoesNotDisturbAnOwnerWhoListensByTelephone) {
   Press("4711*");
   list.Select(2);  // as if something had moved the selection
   for (const char* move : {"click 3", "first", "last", "next", "play"}) {
-    Machine().status.ShowStatus("");
+    Machine().status.ShowStatus({});
     Do(move);
     EXPECT_EQ(Shown().substr(0, 5), "1*121");
     EXPECT_EQ(views.Status(), "Messages are played to the telephone: the selection stays on them");
