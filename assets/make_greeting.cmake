@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Has the speech helper TTS speak the file TEXT into the sound file GREETING.
+# Has the speech helper TTS speak the file TEXT into the sound file GREETING, in LANGUAGE.
 get_filename_component(folder ${GREETING} DIRECTORY)
 file(MAKE_DIRECTORY ${folder})
 
@@ -12,7 +12,7 @@ if(NOT refused EQUAL 0)
   set(fixed_layout)
 endif()
 
-execute_process(COMMAND ${fixed_layout} ${TTS} -w ${GREETING} INPUT_FILE ${TEXT} RESULT_VARIABLE failed)
+execute_process(COMMAND ${fixed_layout} ${TTS} -w ${GREETING} ${LANGUAGE} INPUT_FILE ${TEXT} RESULT_VARIABLE failed)
 if(NOT failed EQUAL 0)
   message(FATAL_ERROR "The greeting ${GREETING} could not be made (${failed}).")
 endif()

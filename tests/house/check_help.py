@@ -2,7 +2,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Checks the help pages: every link has a target, and every picture exists and has an alternative text.
 
-    check_help.py FOLDER
+    check_help.py FOLDER [TRANSLATED]
+
+TRANSLATED has pages that take the places of those in FOLDER.
 """
 
 import os
@@ -23,13 +25,14 @@ class Page(HTMLParser):
             self.faults.append(f"the picture {values.get('src')} says nothing to those who cannot see it")
 
 
-def faults_of(folder):
+def faults_of(folder, *translated):
     pages = {}
-    for name in os.listdir(folder):
-        if name.endswith(".htm"):
-            pages[name] = Page()
-            with open(os.path.join(folder, name), encoding="utf-8") as file:
-                pages[name].feed(file.read())
+    for place in (folder, *translated):
+        for name in os.listdir(place):
+            if name.endswith(".htm"):
+                pages[name] = Page()
+                with open(os.path.join(place, name), encoding="utf-8") as file:
+                    pages[name].feed(file.read())
     if "index.htm" not in pages:
         yield "there is no index.htm"
     reached = set()
@@ -50,8 +53,8 @@ def faults_of(folder):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) not in (2, 3):
         sys.exit(__doc__)
-    found = list(faults_of(sys.argv[1]))
+    found = list(faults_of(*sys.argv[1:]))
     print("\n".join(found) if found else "Every link leads somewhere.")
     sys.exit(1 if found else 0)

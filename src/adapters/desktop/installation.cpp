@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace orven {
 namespace {
@@ -35,8 +36,10 @@ bool SameContent(const QString& one, const QString& other) {
 /// Copies assets into an application folder. Names are relative to both.
 class Installer {
  public:
-  Installer(const std::string& folder, const std::string& assets)
-      : folder_(QString::fromStdString(folder)), assets_(QString::fromStdString(assets)) {}
+  Installer(const std::string& folder, Assets assets)
+      : folder_(QString::fromStdString(folder)),
+        installed_(std::move(assets)),
+        assets_(QString::fromStdString(installed_.folder)) {}
 
   SeedReport Seed(bool first_start) {
     const QStringList wanted = WantedFiles(first_start);
@@ -77,7 +80,7 @@ class Installer {
     const QDir here(folder_ + u'/' + name);
     const auto wanted = there.entryList(QDir::Files);
     for (const QString& file : wanted) {
-      if (!SameContent(there.filePath(file), here.filePath(file))) Copy(name + u'/' + file);
+      if (!SameContent(Asset(name + u'/' + file), here.filePath(file))) Copy(name + u'/' + file);
     }
     for (const QString& file : here.entryList(QDir::Files)) {
       if (!wanted.contains(file)) QFile::remove(here.filePath(file));
@@ -95,7 +98,7 @@ class Installer {
 
   /// The copy appears complete or not at all.
   void Copy(const QString& name) {
-    QFile source(assets_ + u'/' + name);
+    QFile source(Asset(name));
     if (!source.open(QIODevice::ReadOnly)) return Problem(source.fileName(), source.errorString());
     const QByteArray content = source.readAll();
     if (source.error() != QFile::NoError) return Problem(source.fileName(), source.errorString());
@@ -110,7 +113,12 @@ class Installer {
     report_.problems.push_back(QStringLiteral("\"%1\": %2").arg(path, reason).toStdString());
   }
 
+  QString Asset(const QString& name) const {
+    return QString::fromStdString(installed_.PathOf(name.toStdString()));
+  }
+
   QString folder_;
+  Assets installed_;
   QString assets_;
   SeedReport report_;
 };
@@ -145,7 +153,12 @@ std::string FindAssets(const std::string& executable_folder) {
   return {};
 }
 
-SeedReport RefreshHelp(const std::string& folder, const std::string& assets) {
+std::string Assets::PathOf(const std::string& name) const {
+  const auto own = folder + '/' + language + '/' + name;
+  return QFile::exists(QString::fromStdString(own)) ? own : folder + '/' + name;
+}
+
+SeedReport RefreshHelp(const std::string& folder, const Assets& assets) {
   return Installer(folder, assets).RefreshHelp();
 }
 
@@ -157,7 +170,7 @@ std::string MakeApplicationFolder(const std::string& folder) {
   return {};
 }
 
-SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start) {
+SeedReport SeedApplicationFolder(const std::string& folder, const Assets& assets, bool first_start) {
   return Installer(folder, assets).Seed(first_start);
 }
 

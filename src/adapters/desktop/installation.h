@@ -27,6 +27,15 @@ std::string FindApplicationFolder(const FolderHints& hints);
 /// ../share/orven in a build (bin), ../../share/orven in an installation (lib/orven). Empty if there is none.
 std::string FindAssets(const std::string& executable_folder);
 
+/// The installed assets, as a person with this language ("de") gets them.
+struct Assets {
+  std::string folder;  ///< empty if there are none
+  std::string language = "en";
+
+  /// The file of this name; the one in the language's own folder if it is there: de/Greets/Default.wav.
+  std::string PathOf(const std::string& name) const;
+};
+
 /// What was copied, by names relative to the folder, and what failed: a file or folder and the reason.
 struct SeedReport {
   std::vector<std::string> copied;
@@ -40,11 +49,11 @@ std::string MakeApplicationFolder(const std::string& folder);
 /// Makes the folders Greets, Sound, Log and Messages and copies missing files from `assets`: beep.wav always,
 /// greetings and sounds on the `first_start` or if their whole folder is missing, so that a sound that the
 /// user has deleted does not come back. Never replaces a file. A copy appears complete or not at all.
-SeedReport SeedApplicationFolder(const std::string& folder, const std::string& assets, bool first_start);
+SeedReport SeedApplicationFolder(const std::string& folder, const Assets& assets, bool first_start);
 
 /// Makes the Help folder equal to that of `assets`: files that are missing or differ are copied, others are
 /// removed. Any thread; slow on a slow disk.
-SeedReport RefreshHelp(const std::string& folder, const std::string& assets);
+SeedReport RefreshHelp(const std::string& folder, const Assets& assets);
 
 /// Whether texts can be spoken: the speech helper is executable, and the data of its engine, espeak-ng, is
 /// where the engine looks for it or where systems install it. Nothing is started.

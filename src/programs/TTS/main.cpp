@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QMetaObject>
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <exception>
@@ -33,25 +32,22 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kUsage =
-    "usage: TTS -gc        the speech helper; started by the answering machine\n"
-    "       TTS -w FILE    speaks the text on standard input into a sound file\n";
+    "usage: TTS -gc                 the speech helper; started by the answering machine\n"
+    "       TTS -w FILE LANGUAGE    speaks the text on standard input, in en_US or de, into a sound file\n";
 constexpr int kUsageError = 2;
 
-constexpr std::string_view kVoice = "English (America";
-
-void Speak(const std::string& text, const std::string& path) {
+void Speak(const std::string& text, const std::string& path, const std::string& language) {
   if (!IsUtf8(text)) throw std::runtime_error("the text on standard input is not UTF-8");
   SpeechEngine engine;
-  const auto voices = engine.Voices();
-  const auto voice = std::find_if(voices.begin(), voices.end(),
-                                  [](const Voice& one) { return one.description.starts_with(kVoice); });
-  if (voice == voices.end()) throw std::runtime_error("the speech engine has no American English voice");
+  const auto voices = VoicesFor(language, engine.Voices());
+  if (voices.empty()) throw std::runtime_error("the speech engine has no voices");
   RemoveLeftovers(path);
   SpeechFile file(path, engine.SampleRate());
-  engine.Speak({text, voice->identifier, WordsPerMinute(0)}, [&](std::span<const std::int16_t> samples) {
-    file.Write(samples);
-    return true;
-  });
+  engine.Speak({text, voices.front().identifier, WordsPerMinute(0)},
+               [&](std::span<const std::int16_t> samples) {
+                 file.Write(samples);
+                 return true;
+               });
   file.Finish();
   file.Appear();
 }
@@ -98,12 +94,12 @@ class Helper {
   ExchangeClient client_{{[this](const std::string& text) { interpreter_->Obey(text); }, [this] { Lost(); }}};
 };
 
-/// Speaks the UTF-8 text of standard input into the file at `path`, with the American English voice at
+/// Speaks the UTF-8 text of standard input into the file at `path`, with the first voice for the language at
 /// its normal rate. 0, or 1 with one line on standard error; then an older file stays as it is.
-int SpeakIntoFile(const char* path) {
+int SpeakIntoFile(const char* path, const char* language) {
   const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
   try {
-    Speak(text, path);
+    Speak(text, path, language);
     return 0;
   } catch (const std::exception& failure) {
     Report(failure.what());
@@ -143,7 +139,8 @@ int main(int count, char** arguments) {
   std::signal(SIGXFSZ, SIG_IGN);
   const std::span<char*> words(arguments, static_cast<std::size_t>(count));
   if (words.size() == 2 && std::string_view(words[1]) == "-gc") return orven::RunHelper(count, arguments);
-  if (words.size() == 3 && std::string_view(words[1]) == "-w") return orven::SpeakIntoFile(words[2]);
+  if (words.size() == 4 && std::string_view(words[1]) == "-w")
+    return orven::SpeakIntoFile(words[2], words[3]);
   std::cerr << orven::kUsage;
   return orven::kUsageError;
 }

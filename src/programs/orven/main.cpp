@@ -26,14 +26,15 @@ int Print(const std::string& answer) {
 }
 
 int RunMachine(const std::string& command_line) {
-  orven::ShowIn(QLocale::system().uiLanguages());
+  const auto language = orven::ShowIn(QLocale::system().uiLanguages());
   const auto hints = orven::ProcessFolderHints();
   const auto folder = orven::FindApplicationFolder(hints);
   if (const auto problem = orven::MakeApplicationFolder(folder); !problem.empty()) {
     std::cerr << "ORVEN: " << problem << std::endl;
     return EXIT_FAILURE;
   }
-  orven::Program program({folder, hints.executable_folder, orven::FindAssets(hints.executable_folder)});
+  orven::Program program(
+      {folder, hints.executable_folder, {orven::FindAssets(hints.executable_folder), language}});
   const orven::ExitSignals exit_signals([&] { program.Exit(); });
   const orven::QuitRequests quit_requests([&] {
     const bool ending = program.Ended();

@@ -31,7 +31,7 @@ constexpr const char* kChannelVariable = "ORVEN_CHANNEL";
 constexpr const char* kOutbox = "\\Outbox";
 
 /// What a test call says, among the assets.
-constexpr const char* kSentence = "/TestCall/Sentence.wav";
+constexpr const char* kSentence = "TestCall/Sentence.wav";
 
 /// Each start makes this file, so a folder without it is new.
 constexpr const char* kRecords = "\\Calls";
@@ -83,7 +83,7 @@ Program::Program(Folders folders)
             return FileTelephoneLines::Use{lines_.IsLineOpen(index), lines_.OpenFailureOf(index)};
           },
           line_states_),
-      own_caller_(loop_, line_states_, folders_.application, folders_.assets + kSentence),
+      own_caller_(loop_, line_states_, folders_.application, folders_.assets.PathOf(kSentence)),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
       desk_devices_(lines_, cards_),

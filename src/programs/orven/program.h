@@ -12,6 +12,7 @@
 #include "adapters/desktop/autostart.h"
 #include "adapters/desktop/desktop_notifications.h"
 #include "adapters/desktop/desktop_system.h"
+#include "adapters/desktop/installation.h"
 #include "adapters/desktop/instance_link.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_dialogs.h"
@@ -40,11 +41,11 @@ namespace orven {
 /// Needs a QApplication; user-interface thread.
 class Program {
  public:
-  /// Absolute folders. The application folder exists; `assets` is empty if none are installed.
+  /// Absolute folders. The application folder exists.
   struct Folders {
     std::string application;
     std::string executable;
-    std::string assets;
+    Assets assets;
   };
 
   explicit Program(Folders folders);

@@ -28,8 +28,10 @@ struct InstallationTest : testing::Test {
          {"beep.wav", "Greets/Default.wav", "Sound/Ring.wav", "Help/index.htm", "Help/pictures/a.png"})
       PutFile(root / "assets/" + name, name);
   }
-  SeedReport Seed(bool first_start) const { return SeedApplicationFolder(app, assets, first_start); }
-  SeedReport Refresh() const { return RefreshHelp(app, assets); }
+  SeedReport Seed(bool first_start) const {
+    return SeedApplicationFolder(app, {assets, language}, first_start);
+  }
+  SeedReport Refresh() const { return RefreshHelp(app, {assets, language}); }
 
   AutostartRegistry Installed(const std::string& program, bool by_environment) {
     return {
@@ -50,7 +52,7 @@ struct InstallationTest : testing::Test {
 
   ScratchFolder root;
   std::string app = root / "app", assets = root / "assets", entry = root / "config/autostart/orven.desktop",
-              problem;
+              problem, language = "en";
   MemoryRegistry stored;
   AutostartRegistry registry = Installed("/opt/my programs\\orven", false);
 };
@@ -98,6 +100,11 @@ TEST_F(InstallationTest, TheHelpIsReplacedByTheInstalledOneWheneverTheyDiffer) {
   EXPECT_THAT(Refresh().copied, ElementsAre("Help/index.htm", "Help/pictures/a.png"));
   EXPECT_FALSE(fs::exists(app + "/Help/gone.htm"));
   EXPECT_THAT(Refresh().copied, IsEmpty()) << "nothing differs";
+  fs::create_directories(root / "assets/de/Help");
+  PutFile(root / "assets/de/Help/index.htm", "Hilfe");
+  language = "de";
+  EXPECT_THAT(Refresh().copied, ElementsAre("Help/index.htm"));
+  EXPECT_EQ(ContentOf(app + "/Help/index.htm"), "Hilfe");
   fs::remove_all(app + "/Help");
   PutFile(app + "/Help", "a file where a folder belongs");
   EXPECT_THAT(Refresh().problems, ElementsAre(HasSubstr(app + "/Help")));
