@@ -20,6 +20,7 @@ in_root() {
   # shellcheck disable=SC2016,SC2086  # the inner shell expands it; several options
   unshare --mount --pid --fork --kill-child $options bash -euc '
     root=$1 tree=$2 build=$3 ccache=$4
+    mount --bind "$root" "$root"
     mount --bind "$tree" "$root/orven"
     mount --bind "$build" "$root/orven/build"
     mount --bind "$ccache" "$root/var/cache/ccache"
@@ -28,7 +29,10 @@ in_root() {
     mount -t tmpfs tmpfs "$root/dev/shm"
     mount -t tmpfs tmpfs "$root/run"
     ip link set lo up
-    exec chroot "$root" env -i HOME=/root "TERM=${TERM:-dumb}" PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+    cd "$root"
+    pivot_root . . # tests mount, too: for that the root must be a mount
+    umount --lazy .
+    exec env -i HOME=/root "TERM=${TERM:-dumb}" PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
       LC_ALL=C.UTF-8 CCACHE_DIR=/var/cache/ccache /orven/run "${@:5}"
   ' in_root "$root" "$tree" "$cache/$release-build" "$cache/$release-ccache" "$@"
 }
