@@ -47,6 +47,9 @@ class Files {
 
   /// Creates the folder and its parents; an existing folder is success.
   virtual void MakeFolder(const std::string& path) = 0;
+
+  /// Bytes that this user can still write into the folder's file system. May wait for a network.
+  virtual std::uint64_t Room(const std::string& folder) const = 0;
 };
 
 }  // namespace orven

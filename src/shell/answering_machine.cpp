@@ -120,6 +120,13 @@ OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
           ports_.WavePlay, ListView1,         player, settings, home};
 }
 
+CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& sounds,
+                                            std::function<MailAccount()> account) {
+  return {
+      ports_.loop,       ports_.background,  ports_.clock,     ports_.files, lines,   sounds,   ports_.cards,
+      ports_.mail_tests, std::move(account), ports_.DataBase1, line,         folders, settings, home};
+}
+
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {
   const auto state = call.state;
   const bool heard =

@@ -3,6 +3,7 @@
 
 #include "actions/actions_engine.h"
 #include "base/paths.h"
+#include "checkup/check_up.h"
 #include "checkup/own_call.h"
 #include "core/settings_store.h"
 #include "greetings/greeting_creator.h"
@@ -117,6 +118,10 @@ class AnsweringMachine {
 
   /// The parts of a call that the machine makes to itself.
   OwnCall::Parts ForOwnCall(OwnCaller& caller);
+
+  /// The parts of a check-up with its own `lines` and `sounds`; `account` is that of the settings.
+  CheckUp::Parts ForCheckUp(TelephoneLines& lines, WaveformReader& sounds,
+                            std::function<MailAccount()> account);
 
  private:
   std::optional<std::int32_t> LineLevel() const;

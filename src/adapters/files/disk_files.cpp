@@ -170,6 +170,13 @@ void DiskFiles::MakeFolder(const std::string& path) {
     throw RuntimeError(ErrorNumber::PathAccessError, path + " (not a folder)");
 }
 
+std::uint64_t DiskFiles::Room(const std::string& folder) const {
+  std::error_code error;
+  const auto room = fs::space(folder, error);
+  if (error) throw FolderFailure(error, folder);
+  return room.available;
+}
+
 namespace {
 
 bool IsThere(const std::string& path) {

@@ -22,6 +22,7 @@ class DiskFiles final : public Files {
   void Copy(const std::string& from, const std::string& to) override;
   void Rename(const std::string& from, const std::string& to) override;
   void MakeFolder(const std::string& path) override;
+  std::uint64_t Room(const std::string& folder) const override;
 };
 
 /// `path`, or, if nothing exists there, the path of a file that differs from it only in the case of its

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checkup/check_up.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "base/runtime_error.h"
+#include "core/error_trap.h"
+
+namespace orven {
+namespace {
+
+using namespace std::chrono_literals;
+using State = CheckResult::State;
+
+/// A server is waited for up to 20 s.
+constexpr auto kLimit = 30s;
+
+/// A file system may note times that are a moment ahead of the clock.
+constexpr auto kAhead = 1h;
+
+/// Makes sure that there is room, too.
+constexpr std::size_t kProbeSize = 4096;
+
+void TryToWrite(Files& files, const std::string& folder) {
+  const auto path = folder + ".check-up";
+  files.Append(path, std::string(kProbeSize, ' '));
+  files.Delete(path);
+}
+
+/// What `work` throws, as a sentence; nothing when it succeeds.
+template <class Work>
+std::optional<std::string> FailureOf(const Work& work) {
+  try {
+    work();
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+}  // namespace
+
+CheckUp::CheckUp(Parts parts, std::function<void()> changed)
+    : parts_(std::move(parts)), changed_(std::move(changed)) {}
+
+CheckUp::~CheckUp() {
+  parts_.lines.CancelTest();
+  parts_.sounds.Cancel();
+}
+
+EventLoop::Task CheckUp::Bind(EventLoop::Task task) const {
+  return lifeline_.Bind([this, round = round_, task = std::move(task)] {
+    if (round == round_) task();
+  });
+}
+
+void CheckUp::Start() {
+  ++round_;
+  results_ = {};
+  parts_.loop.After(kLimit, Bind([this] { Expire(); }));
+  Set(CheckLink::Machine, Good("The program is running."));
+  CheckLine();
+  CheckSounds();
+  CheckDisk();
+  CheckCard();
+  CheckMail();
+}
+
+void CheckUp::Set(CheckLink link, CheckResult result) {
+  results_.At(link) = std::move(result);
+  changed_();
+}
+
+void CheckUp::CheckLine() {
+  const auto& health = parts_.line.Health();
+  if (!health.trouble.Empty()) {
+    Set(CheckLink::Line, Bad(health.trouble));
+  } else if (health.on) {
+    Set(CheckLink::Line, Good(Words("\"%1\" is open.").Arg(parts_.settings.ModemName)));
+  } else {
+    Set(CheckLink::Line, Bad(health.trying ? "It is not open yet, and is tried again by itself."
+                                           : "It is off, so nobody answers: press On in the toolbar."));
+  }
+  TestLine();
+}
+
+void CheckUp::TestLine() {
+  std::optional<TelephoneLine> line;
+  ErrorTrap::Silent()([&] {
+    for (auto& one : parts_.lines.Read().lines)
+      if (one.name == parts_.settings.ModemName && !line) line = std::move(one);
+  });
+  if (!line) {
+    Set(CheckLink::Port, Bad("No telephone line is chosen: choose one in Options, Devices."));
+    return Set(CheckLink::Registration, Note("There is no line to register."));
+  }
+  parts_.lines.Test(*line, [this, line = *line, round = round_](const LineTestResult& result) {
+    if (round == round_) TakeLineTest(line, result);
+  });
+}
+
+void CheckUp::TakeLineTest(const TelephoneLine& line, const LineTestResult& result) {
+  const auto outcome = result.passed ? Good(result.text) : Bad(result.text);
+  if (line.kind != LineKind::Sip) {
+    Set(CheckLink::Port, outcome);
+    return Set(CheckLink::Registration, Note("This kind of line has no server."));
+  }
+  if (!result.passed && result.control == "txtListen") {
+    Set(CheckLink::Port, outcome);
+    return Set(CheckLink::Registration, Note("It was not checked, because the port comes first."));
+  }
+  Set(CheckLink::Port, Good(Words("Calls can come in at %1.").Arg(line.listen)));
+  Set(CheckLink::Registration, line.server.empty() && result.passed
+                                   ? Note("The line has no account: it is called at its address.")
+                                   : outcome);
+}
+
+void CheckUp::CheckSounds() {
+  const auto& name = parts_.settings.Greeting;
+  const auto take_beep = [this, round = round_](const Waveform& sound) {
+    if (round == round_) Set(CheckLink::Beep, BeepResult(sound));
+  };
+  parts_.sounds.Request(parts_.home.Path("\\Greets\\") + name + ".wav",
+                        [this, name, take_beep, round = round_](const Waveform& sound) {
+                          if (round != round_) return;
+                          Set(CheckLink::Greeting, GreetingResult(name, sound));
+                          parts_.sounds.Request(parts_.home.Path("\\beep.wav"), take_beep);
+                        });
+}
+
+/// A disk may hang, so all but the records themselves is done in the background.
+void CheckUp::CheckDisk() {
+  struct Found {
+    std::uint64_t room = 0;
+    std::optional<std::string> no_room, failure;
+    Clock::WallTime written{};
+  };
+  const auto found = std::make_shared<Found>();
+  const auto locked = FailureOf([this] {
+    (void)parts_.DataBase1.RecordCount();
+    parts_.DataBase1.Close(0);  // no call has this key, but the records must be writable
+  });
+  const auto look = [found, &files = parts_.files, messages = parts_.folders.Serving(),
+                     home = parts_.home.Path("\\")] {
+    ErrorTrap::Silent()([&] { found->written = files.LastModified(home + "Calls"); });
+    found->no_room = FailureOf([&] { found->room = files.Room(messages); });
+    found->failure = FailureOf([&] {
+      TryToWrite(files, home);
+      TryToWrite(files, messages);
+    });
+  };
+  const auto tell = Bind([this, found, locked] {
+    Set(CheckLink::Room, found->no_room
+                             ? Bad(Words("The messages folder cannot be reached: %1.").Arg(*found->no_room))
+                             : RoomResult(found->room, parts_.settings.CompressMessages != 0));
+    const auto& failure = locked ? locked : found->failure;
+    Set(CheckLink::Records,
+        failure ? Bad(Words("Calls and messages cannot be stored: %1. Make room or change the permissions.")
+                          .Arg(*failure))
+                : Good("Calls and messages can be stored."));
+    CheckClock(found->written);
+  });
+  parts_.background.Run(look, [tell](const std::exception_ptr&) { tell(); });
+}
+
+void CheckUp::CheckCard() {
+  const auto names = parts_.cards.Names();
+  const auto number = static_cast<std::size_t>(std::max<int>(0, parts_.settings.Sound));
+  if (names.size() <= 1 && number == 0)
+    return Set(CheckLink::Sound, Note("No sound card is found: messages can be heard by telephone only."));
+  if (number >= names.size() || names[number].ends_with("(not connected)"))
+    return Set(CheckLink::Sound,
+               Bad("The chosen sound card is not there: connect it, or choose another one in "
+                   "Options, Devices."));
+  Set(CheckLink::Sound, Good(Words("Messages are played on \"%1\".").Arg(names[number])));
+}
+
+void CheckUp::CheckMail() {
+  if (parts_.settings.pMailTo == 0) return Set(CheckLink::Mail, Note("Mail is switched off."));
+  mail_test_ = parts_.mail.TryServer(parts_.account(), [this, round = round_](const MailTestResult& result) {
+    if (round == round_) Set(CheckLink::Mail, result.passed ? Good(result.text) : Bad(result.text));
+  });
+}
+
+/// The records were written at `written`.
+void CheckUp::CheckClock(Clock::WallTime written) {
+  const auto now = parts_.clock.Now();
+  const auto date = parts_.clock.DateText(now), time = parts_.clock.TimeText(now);
+  Set(CheckLink::Clock,
+      written > now + kAhead
+          ? Bad(Words("It shows %1 %2, but the latest call was later: set the date and the time.")
+                    .Arg(date)
+                    .Arg(time))
+          : Good(Words("It shows %1 %2.").Arg(date).Arg(time)));
+}
+
+void CheckUp::Expire() {
+  for (auto& result : results_)
+    if (result.state == State::Checking)
+      result = Bad(Words("There was no answer within %1 s: a disk or a server hangs.").Arg(kLimit / 1s));
+  changed_();
+}
+
+}  // namespace orven
