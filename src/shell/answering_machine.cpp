@@ -120,10 +120,10 @@ OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
           ports_.WavePlay, ListView1,         player, settings, home};
 }
 
-CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& sounds,
+CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& reader,
                                             std::function<MailAccount()> account) {
   return {
-      ports_.loop,       ports_.background,  ports_.clock,     ports_.files, lines,   sounds,   ports_.cards,
+      ports_.loop,       ports_.background,  ports_.clock,     ports_.files, lines,   reader,   ports_.cards,
       ports_.mail_tests, std::move(account), ports_.DataBase1, line,         folders, settings, home};
 }
 

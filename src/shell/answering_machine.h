@@ -119,8 +119,8 @@ class AnsweringMachine {
   /// The parts of a call that the machine makes to itself.
   OwnCall::Parts ForOwnCall(OwnCaller& caller);
 
-  /// The parts of a check-up with its own `lines` and `sounds`; `account` is that of the settings.
-  CheckUp::Parts ForCheckUp(TelephoneLines& lines, WaveformReader& sounds,
+  /// The parts of a check-up with its own `lines` and `reader`; `account` is that of the settings.
+  CheckUp::Parts ForCheckUp(TelephoneLines& lines, WaveformReader& reader,
                             std::function<MailAccount()> account);
 
  private:

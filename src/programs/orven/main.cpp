@@ -8,6 +8,7 @@
 #include "adapters/desktop/application.h"
 #include "adapters/desktop/exit_requests.h"
 #include "adapters/desktop/installation.h"
+#include "programs/orven/check_up_ports.h"
 #include "programs/orven/program.h"
 #include "programs/orven/requests.h"
 #include "widgets/translation.h"
@@ -23,6 +24,12 @@ std::string CommandLine(int count, char** arguments) {
 
 int Print(const std::string& answer) {
   return std::cout << answer << std::flush ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Needs no display.
+int Check(int count, char** arguments) {
+  const QCoreApplication application(count, arguments);
+  return orven::RunCheck(orven::FindApplicationFolder(orven::ProcessFolderHints()));
 }
 
 int RunMachine(const std::string& command_line) {
@@ -49,6 +56,7 @@ int RunMachine(const std::string& command_line) {
 
 int main(int count, char** arguments) {
   if (const auto answer = orven::AnswerTo(CommandLine(count, arguments))) return Print(*answer);
+  if (CommandLine(count, arguments) == "--check") return Check(count, arguments);
   orven::RaiseFileLimit();
   const auto application = orven::MakeApplication(count, arguments);
   const auto line = CommandLine(count, arguments);  // without Qt's own options

@@ -78,11 +78,7 @@ Program::Program(Folders folders)
       lines_(loop_, MakeLines(),
              {[this] { return LineHasSound(); }, [this](const std::string& text) { Report(text); }}),
       configured_lines_(
-          LinesPath(), loop_,
-          [this](std::int32_t index) {
-            return FileTelephoneLines::Use{lines_.IsLineOpen(index), lines_.OpenFailureOf(index)};
-          },
-          line_states_),
+          LinesPath(), loop_, [this](std::int32_t index) { return UseOf(index); }, line_states_),
       own_caller_(loop_, line_states_, folders_.application, folders_.assets.PathOf(kSentence)),
       cards_(loop_, ReportFromAnyThread()),
       line_devices_(lines_, cards_.Beside()),
@@ -106,6 +102,8 @@ Program::Program(Folders folders)
   QApplication::setWindowIcon(frame_.windowIcon());
   window_.Machine().line.Listen([this](const LineHealth& line) { TellOfTrouble(line); });
   program_dialogs_.Attach(window_.Machine(), frame_);
+  program_dialogs_.AttachCheckUp(
+      own_caller_, [this] { return PortsForCheckUp(); }, [this] { return MailAccountNow(); });
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
@@ -132,6 +130,35 @@ void Program::AnswerOtherStarts() {
     window_.BringToFront();
     answer({});
   });
+  link_.On(kCheck, [this](const std::string&, const InstanceLink::Answer& answer) { CheckForOther(answer); });
+}
+
+std::unique_ptr<CheckUpPorts> Program::PortsForCheckUp() {
+  return std::make_unique<CheckUpPorts>(
+      LinesPath(), loop_, [this](std::int32_t index) { return UseOf(index); }, line_states_);
+}
+
+void Program::CheckForOther(const InstanceLink::Answer& answer) {
+  auto& check = checks_.emplace_back();
+  check.ports = PortsForCheckUp();
+  const auto changed = [this, &check, answer] {
+    const auto& results = check.check_up->Results();
+    if (!results.Finished() || std::exchange(check.answered, true)) return;
+    answer({results.AnyBad() ? EXIT_FAILURE : EXIT_SUCCESS, results.Text()});
+    loop_.Post(lifeline_.Bind([this] { checks_.remove_if([](const auto& one) { return one.answered; }); }));
+  };
+  check.check_up =
+      std::make_unique<CheckUp>(window_.Machine().ForCheckUp(check.ports->lines, check.ports->reader,
+                                                             [this] { return MailAccountNow(); }),
+                                changed);
+  check.check_up->Start();
+}
+
+/// The mail server of the settings, with its login.
+MailAccount Program::MailAccountNow() {
+  auto account = Account();
+  account.server = window_.Machine().settings.SMTPServer;
+  return account;
 }
 
 std::string Program::HelperPath() const {
@@ -164,6 +191,10 @@ std::vector<TelephoneDevice> Program::MakeLines() {
 
 std::string Program::LinesPath() const {
   return home_.Path("\\lines.ini");
+}
+
+FileTelephoneLines::Use Program::UseOf(std::int32_t line) const {
+  return {lines_.IsLineOpen(line), lines_.OpenFailureOf(line)};
 }
 
 bool Program::LineInUse() const {

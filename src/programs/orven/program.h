@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@
 #include "base/paths.h"
 #include "core/mMain.h"
 #include "notify/frmMSG.h"
+#include "programs/orven/check_up_ports.h"
 #include "programs/orven/program_dialogs.h"
 #include "shell/frmMain.h"
 #include "shell/main_window.h"
@@ -70,13 +72,17 @@ class Program {
   void TellOfTrouble(const LineHealth& line);
   EnginePorts Ports();
   void AnswerOtherStarts();
+  std::unique_ptr<CheckUpPorts> PortsForCheckUp();
+  void CheckForOther(const InstanceLink::Answer& answer);
   std::string HelperPath() const;
   AutostartSource Autostart() const;
   MailAccount Account();
+  MailAccount MailAccountNow();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<TelephoneDevice> MakeLines();
   std::string LinesPath() const;
+  FileTelephoneLines::Use UseOf(std::int32_t line) const;
   bool LineInUse() const;
   bool LineHasSound() const;
   bool UseChangedLines();
@@ -122,6 +128,7 @@ class Program {
   ProgramDialogs program_dialogs_;
   MainWindow window_;
   InstanceLink link_;
+  std::list<CheckUpForOther> checks_;  ///< that are not answered yet
 };
 
 }  // namespace orven

@@ -16,6 +16,7 @@
 #include "actions/actions_dialog.h"
 #include "actions/frmActions.h"
 #include "adapters/line/sip/libre.h"
+#include "checkup/frmCheckUp.h"
 #include "core/mMain.h"
 #include "greetings/frmGreetC.h"
 #include "log/frmLog.h"
@@ -67,6 +68,7 @@ void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmGreetC) OpenGreetingCreator();
   if (dialog == Dialog::frmLog) OpenLog();
   if (dialog == Dialog::frmOptions) OpenOptions(tab);
+  if (dialog == Dialog::frmCheckUp) OpenCheckUp();
   if (dialog == Dialog::frmAbout) frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
 }
 
@@ -87,6 +89,21 @@ void ProgramDialogs::OpenLines(QWidget* parent) {
   LinesDialog engine(
       {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_});
   frmLines(engine, parent).exec();
+}
+
+void ProgramDialogs::AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports,
+                                   std::function<MailAccount()> account) {
+  own_caller_ = &caller;
+  check_up_ports_ = std::move(ports);
+  mail_account_ = std::move(account);
+}
+
+void ProgramDialogs::OpenCheckUp() {
+  look_for_cards_();
+  const auto ports = check_up_ports_();
+  frmCheckUp(machine_->ForCheckUp(ports->lines, ports->reader, mail_account_),
+             machine_->ForOwnCall(*own_caller_), window_)
+      .exec();
 }
 
 void ProgramDialogs::OpenGreetingCreator() {

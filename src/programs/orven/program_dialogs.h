@@ -7,7 +7,9 @@
 #include <string>
 
 #include "adapters/desktop/qt_dialogs.h"
+#include "platform/own_caller.h"
 #include "platform/telephone_lines.h"
+#include "programs/orven/check_up_ports.h"
 #include "shell/answering_machine.h"
 #include "shell/main_commands.h"
 
@@ -30,6 +32,11 @@ class ProgramDialogs : public DialogFactory {
   /// Opens the dialog of the telephone lines, on top of the options dialog `parent`.
   void OpenLines(QWidget* parent);
 
+  /// What Tools, Check-up works with: who calls the machine's own line, the ports of one check-up, and the
+  /// mail account of the settings.
+  void AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports,
+                     std::function<MailAccount()> account);
+
   void Open(Dialog dialog, int tab) override;
 
  private:
@@ -39,6 +46,7 @@ class ProgramDialogs : public DialogFactory {
   void OpenOptions(int tab);
   std::optional<std::string> MakeGreeting(QWidget* parent);
   void OpenLog();
+  void OpenCheckUp();
 
   DialogFocus focus_;
   EnginePorts ports_;
@@ -46,6 +54,9 @@ class ProgramDialogs : public DialogFactory {
   AnsweringMachine* machine_ = nullptr;
   QWidget* window_ = nullptr;
   TelephoneLines* lines_ = nullptr;
+  OwnCaller* own_caller_ = nullptr;
+  std::function<std::unique_ptr<CheckUpPorts>()> check_up_ports_;
+  std::function<MailAccount()> mail_account_;
   std::function<bool()> use_changed_lines_;
 };
 

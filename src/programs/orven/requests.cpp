@@ -11,6 +11,7 @@ constexpr const char* kHelp = R"(usage: orven [OPTION]
 A telephone answering machine: opens its window and watches the telephone line.
 
   -st        start hidden in the notification area, as at login
+  --check    check the machine that runs, or what can be checked without it
   --help     print this and end
   --version  print the version and end
 
@@ -24,7 +25,7 @@ Environment:
 
 Exit status:
   0  the program was ended, or another instance runs in the application folder
-  1  the application folder cannot be made, or the line could never be opened
+  1  the application folder cannot be made, the line could never be opened, or --check found a fault
   2  the command line asks for something else
 
 The manual page orven(1) says more.
