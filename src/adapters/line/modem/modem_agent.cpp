@@ -33,9 +33,8 @@ LineTrouble TroubleOf(PreparedModem::State state, const std::string& port) {
               "The modem at " + port +
                   " does not answer: switch it off and on, or unplug it and plug it in again"};
     case PreparedModem::State::NoModem:
-      return {
-          Words("There is no modem at the line's port: choose the modem's port in Options, Devices, Lines"),
-          "The device at " + port + " is not a modem"};
+      return {Words("There is no modem at the line's port: choose the modem's port in Options, Devices"),
+              "The device at " + port + " is not a modem"};
     case PreparedModem::State::NoVoice:
       return {Words("The modem is not a voice modem: ORVEN needs one that can play and record"),
               "The modem at " + port + " is not a voice modem"};

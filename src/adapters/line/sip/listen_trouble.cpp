@@ -19,26 +19,12 @@ std::string Reason(const ListenAddress& listen, int error) {
 const char* Sentence(int error) {
   switch (error) {
     case EADDRINUSE:
-      return Tr(
-          "Port %1 is taken by another program: end that program, or choose another address for calls in "
-          "Options, Devices, Lines");
+      return Tr("Another program uses port %1: end it, or choose another port in Options, Devices");
     case EADDRNOTAVAIL:
-      return Tr(
-          "The address for calls %2 is not an address of this computer now: connect its network, or choose "
-          "* as address in Options, Devices, Lines");
-    case ENOENT:
-      return Tr(
-          "The name in the address for calls %2 is not found: choose another address in Options, Devices, "
-          "Lines");
-    case EACCES:
-      return Tr(
-          "ORVEN may not use port %1: choose an address for calls with a port above 1023 in Options, "
-          "Devices, "
-          "Lines");
-    default:
-      return Tr(
-          "ORVEN cannot wait for calls at %2 (%3): choose another address for calls in Options, Devices, "
-          "Lines");
+      return Tr("The address for calls %2 is not there: connect its network, or use * in Options, Devices");
+    case ENOENT: return Tr("The address for calls %2 is not found: choose another one in Options, Devices");
+    case EACCES: return Tr("ORVEN may not use port %1: choose a port above 1023 in Options, Devices");
+    default: return Tr("ORVEN cannot wait for calls at %2 (%3): choose another address in Options, Devices");
   }
 }
 
@@ -51,7 +37,7 @@ LineTrouble CannotListen(const std::string& text, const ListenAddress& listen, i
 }
 
 Words NoNetwork() {
-  return Words("This computer has no network: connect its cable or its Wi-Fi, and calls can come in again");
+  return Words("This computer has no network: connect its cable or Wi-Fi");
 }
 
 }  // namespace orven

@@ -14,6 +14,24 @@ bool IsNamed(const SipAccount& account) {
   return ServersAt(ServerOf(account)).empty();
 }
 
+/// With the places of server, user and answer. `unusual`: it does not refuse the password, but how it is
+/// proved.
+const char* RefusalSentence(int status, bool unusual) {
+  switch (status) {
+    case 401:
+    case 407:
+      if (unusual) return Tr("The server %1 asks for a login that ORVEN does not know: ask its operator");
+      return Tr("The server %1 refuses the password of %2: correct it in Options, Devices");
+    case 403:
+      return Tr("The server %1 does not allow %2 here: correct user and password in Options, Devices");
+    case 404:
+    case 604: return Tr("The server %1 does not know the user %2: correct it in Options, Devices");
+    default: break;
+  }
+  if (status >= 500) return Tr("The server %1 cannot register %2 now (%3): ORVEN tries again");
+  return Tr("The server %1 does not accept %2 (%3): check the account in Options, Devices");
+}
+
 }  // namespace
 
 LineTrouble ServerTrouble::Unreachable(const std::string& transport, int error,
@@ -24,20 +42,21 @@ LineTrouble ServerTrouble::Unreachable(const std::string& transport, int error,
     case EDESTADDRREQ:
     case EADDRNOTAVAIL:
       if (!IsNamed(account_)) return NoRoute(error);
-      return {!HasNetwork()
-                  ? NoNetwork()
-                  : Words("The server %1 is not found: correct its name in Options, Devices, Lines, "
-                          "or check the network")
-                        .Arg(WrittenServer(account_)),
-              "there is no server named " + WrittenServer(account_) + ": its address cannot be found"};
+      return {
+          !HasNetwork()
+              ? NoNetwork()
+              : Words(
+                    "The server %1 is not found: correct its name in Options, Devices, or check the network")
+                    .Arg(WrittenServer(account_)),
+          "there is no server named " + WrittenServer(account_) + ": its address cannot be found"};
     case ETIMEDOUT: return {Silent(), "there is no answer from " + WrittenServer(account_)};
     case ECONNREFUSED:
-      return {Words("Nothing listens at the server %1 for %2: start it there, or correct port and transport "
-                    "in Options, Devices, Lines")
-                  .Arg(WrittenServer(account_))
-                  .Arg(transport),
-              "the connection to " + WrittenServer(account_) + " is refused: nothing listens there for " +
-                  transport + " at this port"};
+      return {
+          Words("Nothing listens at the server %1 for %2: start it, or correct its port in Options, Devices")
+              .Arg(WrittenServer(account_))
+              .Arg(transport),
+          "the connection to " + WrittenServer(account_) + " is refused: nothing listens there for " +
+              transport + " at this port"};
     // EINVAL and EACCES: the socket is bound to this computer or one network, and the server is in another.
     case ENETUNREACH:
     case EHOSTUNREACH:
@@ -54,9 +73,7 @@ LineTrouble ServerTrouble::Unreachable(const std::string& transport, int error,
 
 Words ServerTrouble::Silent() const {
   if (!HasNetwork() && IsNamed(account_)) return NoNetwork();
-  return Words(
-             "The server %1 does not answer: check that it is switched on, and its name and port in Options, "
-             "Devices, Lines")
+  return Words("The server %1 does not answer: switch it on, or correct its name in Options, Devices")
       .Arg(WrittenServer(account_));
 }
 
@@ -79,11 +96,10 @@ LineTrouble ServerTrouble::NoRoute(int error) const {
     trouble.owner = Words("No network leads to the server %1: check this computer's network")
                         .Arg(WrittenServer(account_));
   } else {
-    trouble.owner = Words(
-                        "No network leads from %1 to the server %2: use * instead of %1 as address for calls "
-                        "in Options, Devices, Lines")
-                        .Arg(from)
-                        .Arg(WrittenServer(account_));
+    trouble.owner =
+        Words("No network leads from %1 to the server %2: use * as address for calls in Options, Devices")
+            .Arg(from)
+            .Arg(WrittenServer(account_));
   }
   return trouble;
 }
@@ -92,59 +108,23 @@ LineTrouble ServerTrouble::NoEncryption(int error, const std::string& refusal) c
   const std::string words = "no encrypted connection to " + WrittenServer(account_) + " can be opened (";
   if (!refusal.empty()) {
     return {
-        Words("The certificate of the server %1 is not accepted (%2): correct the server's name in Options, "
-              "Devices, Lines, or ask its operator")
+        Words("The certificate of the server %1 is not accepted (%2): correct its name in Options, Devices")
             .Arg(WrittenServer(account_))
             .Arg(refusal),
         words + "its certificate is not accepted: " + refusal + ")"};
   }
   // RFC 3261, section 19.1.2: TLS has a different default port, which is easily forgotten.
-  return {
-      Words("No encrypted connection to the server %1 is possible (%2): check its port, which is often 5061")
-          .Arg(WrittenServer(account_))
-          .Arg(ErrorText(error)),
-      words + ErrorText(error) + "): the port for TLS is often 5061"};
+  return {Words("The server %1 opens no encrypted connection (%2): check its port, which is often 5061")
+              .Arg(WrittenServer(account_))
+              .Arg(ErrorText(error)),
+          words + ErrorText(error) + "): the port for TLS is often 5061"};
 }
 
 LineTrouble ServerTrouble::Refused(int status, const std::string& reason, const std::string& more) const {
-  const auto address = AddressOf(account_).value_or(SipAddress{});
-  LineTrouble trouble;
-  trouble.log = std::to_string(status) + ' ' + reason + more;
-  const auto about = [&](const char* sentence) {
-    return Words(sentence)
-        .Arg(WrittenServer(account_))
-        .Arg(address.user)
-        .Arg(std::to_string(status) + ' ' + reason);
-  };
-  switch (status) {
-    case 401:
-    case 407:
-      if (!more.empty()) {
-        trouble.owner =
-            about(Tr("The server %1 asks for a login that ORVEN does not know: ask its operator"));
-      } else {
-        trouble.owner =
-            about(Tr("The server %1 refuses the password of %2: correct password and user in "
-                     "Options, Devices, Lines"));
-      }
-      break;
-    case 403:
-      trouble.owner =
-          about(Tr("The server %1 does not allow the account %2 here: correct user and password in "
-                   "Options, Devices, Lines, or allow the account there"));
-      break;
-    case 404:
-    case 604:
-      trouble.owner =
-          about(Tr("The server %1 does not know the user %2: correct it in Options, Devices, Lines"));
-      break;
-    default:
-      trouble.owner = status >= 500
-                          ? about(Tr("The server %1 cannot register %2 now (%3): ORVEN tries again"))
-                          : about(Tr("The server %1 does not accept the account %2 (%3): check it in "
-                                     "Options, Devices, Lines, or ask the operator"));
-  }
-  return trouble;
+  const auto answer = std::to_string(status) + ' ' + reason;
+  const auto user = AddressOf(account_).value_or(SipAddress{}).user;
+  return {Words(RefusalSentence(status, !more.empty())).Arg(WrittenServer(account_)).Arg(user).Arg(answer),
+          answer + more};
 }
 
 }  // namespace orven

@@ -47,7 +47,7 @@ std::optional<OpenFailure> SipAgent::Start() {
   for (const SipAccount& account : settings_.accounts) {
     if (std::string problem = ProblemOf(account); !problem.empty()) {
       const auto trouble =
-          Words("A setting of the line is wrong, %1: correct it in Options, Devices, Lines").Arg(problem);
+          Words("A setting of the line is wrong, %1: correct it in Options, Devices").Arg(problem);
       return OpenFailure{kTelephonyDeviceFailed, problem, trouble};
     }
   }

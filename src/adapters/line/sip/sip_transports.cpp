@@ -98,7 +98,7 @@ std::optional<OpenFailure> SipTransports::AddListener(const std::string& text, b
   return OpenFailure{
       kTelephonyDeviceFailed,
       "listen address \"" + text + "\" is not an address and port like 127.0.0.1:5060",
-      Words("The address for calls \"%1\" is not an address and port: correct it in Options, Devices, Lines")
+      Words("The address for calls \"%1\" is not an address and port: correct it in Options, Devices")
           .Arg(text)};
 }
 
