@@ -55,7 +55,7 @@ Registration::Registration(const SipLineSettings& settings, const SipAccount& ac
       call_id_(RandomName()),
       instance_(InstanceOf(account, settings.installation)),
       login_(account.auth_user.empty() ? address_.user : account.auth_user, account.password),
-      path_(settings.timers.keep_alive, [this] { PathBroke(); }),
+      path_({settings.timers.keep_alive, settings.timers.server_patience}, [this] { PathBroke(); }),
       timer_([this] { Start(); }),
       patience_([this] { GiveUpServer(); }),
       life_(settings.timers.registration_life) {}

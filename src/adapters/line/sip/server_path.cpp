@@ -31,22 +31,26 @@ std::uint32_t ProbeInterval(const sip_msg& response, std::uint32_t usual) {
 
 }  // namespace
 
-ServerPath::ServerPath(std::chrono::milliseconds keep_alive, std::function<void()> broken)
-    : keep_alive_(keep_alive), broken_(std::move(broken)), timer_([this] { SendDatagram(); }) {}
+ServerPath::ServerPath(Limits limits, std::function<void()> broken)
+    : limits_(limits),
+      broken_(std::move(broken)),
+      timer_([this] { SendDatagram(); }),
+      patience_([this] { Answered(false); }) {}
 
 void ServerPath::Keep(sip& stack, const sa& server, const sip_msg& response) {
   Leave();
   since_ = std::chrono::steady_clock::now();
   if (StartProbes(stack, response)) return;
+  if (!sa_cmp(&server, &server_, SA_ALL)) answers_.reset();
   stack_ = &stack;
   server_ = server;
-  timer_.StartPeriodic(keep_alive_);
+  timer_.StartPeriodic(limits_.keep_alive);
 }
 
-/// False when the path has to be kept open by datagrams without an answer.
+/// False when the path has to be kept open by datagrams.
 bool ServerPath::StartProbes(sip& stack, const sip_msg& response) {
   const bool connected = response.tp != SIP_TRANSP_UDP;
-  const auto between = std::chrono::ceil<seconds>(keep_alive_).count();
+  const auto between = std::chrono::ceil<seconds>(limits_.keep_alive).count();
   std::uint32_t interval =
       ProbeInterval(response, connected ? kUsualProbe : static_cast<std::uint32_t>(between));
   if (connected) {
@@ -61,16 +65,18 @@ bool ServerPath::StartProbes(sip& stack, const sip_msg& response) {
 
 void ServerPath::Failed() {
   const bool datagrams = std::exchange(connection_, -1) < 0;
-  if (datagrams && std::chrono::steady_clock::now() < since_ + keep_alive_ + kFirstProbe)
+  if (datagrams && std::chrono::steady_clock::now() < since_ + limits_.keep_alive + kFirstProbe)
     probes_datagrams_ = false;
   broken_();
 }
 
 void ServerPath::Leave() {
   kept_ = static_cast<sip_keepalive*>(mem_deref(kept_));
+  question_ = static_cast<struct sip_request*>(mem_deref(question_));
   connection_ = -1;
   stack_ = nullptr;
   timer_.Stop();
+  patience_.Stop();
 }
 
 bool ServerPath::Drop() {
@@ -79,12 +85,41 @@ bool ServerPath::Drop() {
   return true;
 }
 
-/// An empty message (RFC 5626, section 4.4.1), so that routers between the server and us keep the path open.
+/// So that routers between the server and us keep the path open: a question, which tells whether the server
+/// is still there, or for one that does not answer questions an empty message (RFC 5626, section 4.4.1).
 void ServerPath::SendDatagram() {
+  if (answers_.value_or(true)) return Ask();
   const LibrePtr<mbuf> empty(mbuf_alloc(4));
   if (stack_ == nullptr || empty == nullptr || mbuf_write_str(empty.get(), "\r\n\r\n") != 0) return;
   mbuf_set_pos(empty.get(), 0);
   (void)sip_send(stack_, nullptr, SIP_TRANSP_UDP, &server_, empty.get());
+}
+
+/// Any answer will do (RFC 3261, section 11), and nobody is named who would have to prove it.
+void ServerPath::Ask() {
+  if (stack_ == nullptr || question_ != nullptr) return;
+  const std::string server = "sip:" + AddressText(server_) + ";transport=udp";
+  const std::string name = RandomName();
+  const auto answered = [](int error, const sip_msg* response, void* self) {
+    if (error != 0 || response->scode >= 200) static_cast<ServerPath*>(self)->Answered(error == 0);
+  };
+  patience_.StartOnce(limits_.patience);
+  (void)sip_requestf(&question_, stack_, true, "OPTIONS", server.c_str(), nullptr, nullptr, nullptr, answered,
+                     this,
+                     "To: <%s>\r\nFrom: <sip:anonymous@anonymous.invalid>;tag=%s\r\nCall-ID: %s\r\n"
+                     "CSeq: 1 OPTIONS\r\nUser-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
+                     server.c_str(), name.c_str(), name.c_str());
+}
+
+void ServerPath::Answered(bool answered) {
+  patience_.Stop();
+  question_ = static_cast<struct sip_request*>(mem_deref(question_));
+  if (answered || answers_ != true) {
+    answers_ = answered;
+    return;
+  }
+  Leave();
+  broken_();
 }
 
 }  // namespace orven

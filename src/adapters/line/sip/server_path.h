@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 #include "adapters/line/sip/libre.h"
 
@@ -12,8 +13,13 @@ namespace orven {
 /// notices when it fails. SIP thread.
 class ServerPath {
  public:
-  /// `keep_alive`: between two datagrams. `broken`: calls do not come through any more; watching has ended.
-  ServerPath(std::chrono::milliseconds keep_alive, std::function<void()> broken);
+  struct Limits {
+    std::chrono::milliseconds keep_alive;  ///< between two datagrams
+    std::chrono::milliseconds patience;    ///< with a server that has answered questions before
+  };
+
+  /// `broken`: calls do not come through any more; watching has ended.
+  ServerPath(Limits limits, std::function<void()> broken);
   ServerPath(const ServerPath&) = delete;
   ServerPath& operator=(const ServerPath&) = delete;
   ~ServerPath() { Leave(); }
@@ -29,17 +35,22 @@ class ServerPath {
  private:
   bool StartProbes(sip& stack, const sip_msg& response);
   void SendDatagram();
+  void Ask();
+  void Answered(bool answered);
   void Failed();
 
-  const std::chrono::milliseconds keep_alive_;
+  const Limits limits_;
   const std::function<void()> broken_;
   sip_keepalive* kept_ = nullptr;  ///< the library clears it when the path fails
   int connection_ = -1;            ///< its descriptor, while `kept_`
   sip* stack_ = nullptr;           ///< of the datagrams
   sa server_{};
-  bool probes_datagrams_ = true;  ///< until a server does not answer the first probe
+  struct sip_request* question_ = nullptr;  ///< pending; the library clears it when answered
+  std::optional<bool> answers_;             ///< whether `server_` answers questions; nothing: not known yet
+  bool probes_datagrams_ = true;            ///< until a server does not answer the first probe
   std::chrono::steady_clock::time_point since_;
   MonotonicTimer timer_;
+  MonotonicTimer patience_;
 };
 
 }  // namespace orven

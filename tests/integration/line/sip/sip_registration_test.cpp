@@ -184,6 +184,7 @@ TEST_F(SipRegistrationTest, FollowsEachAnswerOfTheServer) {
 TEST_F(SipRegistrationTest, CallsThroughARouterReachTheLine) {
   const Socket server = Socket::Udp(), proxy = Socket::Udp();
   settings.timers.keep_alive = milliseconds(50);
+  settings.timers.server_patience = milliseconds(300);
   settings.accounts = {{"sip:200@home.test"}};
   settings.accounts[0].proxy = "127.0.0.1:" + std::to_string(proxy.Port());
   settings.accounts.push_back({"sip:100@127.0.0.1:" + std::to_string(server.Port())});
@@ -192,6 +193,7 @@ TEST_F(SipRegistrationTest, CallsThroughARouterReachTheLine) {
   EXPECT_TRUE(first.starts_with("REGISTER sip:home.test SIP/2.0")) << first;
   EXPECT_EQ(Header(first, "Route"), "<sip:" + settings.accounts[0].proxy + ";lr>");
   for (int i = 0; i < 2; ++i) server.SendTo(port, Answer(Next(server), "200|Seen: 4000"));
+  EXPECT_TRUE(server.Receive().starts_with("OPTIONS "));
   EXPECT_EQ(server.Receive(), "\r\n\r\n") << "a router would forget the mapping";
   proxy.SendTo(port, Answer(first, "200|Seen: 4000|Require: outbound"));
   EXPECT_TRUE(proxy.Receive().starts_with("\0\1"s))
@@ -201,6 +203,22 @@ TEST_F(SipRegistrationTest, CallsThroughARouterReachTheLine) {
                                   "P-Asserted-Identity: \"Bo\" <sip:7@h>\r\nContact"));
   Play("CallerId 1 Bo/7,Ring 1 1");
   EXPECT_EQ(Header(caller->Take("180"), "Contact"), "<sip:100@"s + kPublic + ">");
+}
+
+TEST_F(SipRegistrationTest, AServerThatFallsSilentIsTroubleUntilItRegistersAgain) {
+  const Socket server = Socket::Udp();
+  settings.timers.keep_alive = milliseconds(50);
+  settings.timers.server_patience = milliseconds(300);
+  settings.timers.registration_rest = milliseconds(1);
+  Open(server.Port());
+  server.SendTo(port, Answer(Next(server), "200"));
+  server.SendTo(port, Answer(server.Receive(), "405"));
+  const std::string again = Next(server);  // and no answer to the next question
+  EXPECT_TRUE(
+      events.Wait("Trouble The server 127.0.0.1:" + std::to_string(server.Port()) + " does not answer"));
+  events.Clear();
+  server.SendTo(port, Answer(again, "200"));
+  EXPECT_TRUE(events.Wait("Trouble ")) << "its end";
 }
 
 TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
