@@ -26,7 +26,12 @@ constexpr std::size_t kProbeSize = 4096;
 
 void TryToWrite(Files& files, const std::string& folder) {
   const auto path = folder + ".check-up";
-  files.Append(path, std::string(kProbeSize, ' '));
+  try {
+    files.Append(path, std::string(kProbeSize, ' '));
+  } catch (const RuntimeError&) {
+    ErrorTrap::Silent()([&] { files.Delete(path); });  // a full disk has room for an empty file
+    throw;
+  }
   files.Delete(path);
 }
 
@@ -90,8 +95,12 @@ void CheckUp::CheckLine() {
 void CheckUp::TestLine() {
   std::optional<TelephoneLine> line;
   ErrorTrap::Silent()([&] {
-    for (auto& one : parts_.lines.Read().lines)
-      if (one.name == parts_.settings.ModemName && !line) line = std::move(one);
+    const auto configured = parts_.lines.Read();
+    for (const auto& one : configured.lines)
+      if (one.name == parts_.settings.ModemName && !line) line = one;
+    // What is wrong in the file is left out, and the line may be another one than its owner wants.
+    if (!configured.complaints.empty() && results_.At(CheckLink::Line).state == State::Good)
+      Set(CheckLink::Line, Bad(configured.complaints.front()));
   });
   if (!line) {
     Set(CheckLink::Port, Bad("No telephone line is chosen: choose one in Options, Devices."));

@@ -56,7 +56,7 @@ CheckResult GreetingsOf(const DiskFiles& files, const ApplicationFolder& home) {
     const auto result = GreetingResult(name, SoundAt(folder + name));
     if (result.state != CheckResult::State::Good) return result;
   }
-  return Good(Words("%1 can be played.").Arg(names.front()));
+  return Good(Words("%1 greetings can be played.").Arg(static_cast<std::int64_t>(names.size())));
 }
 
 CheckResult RecordsOf(const DiskFiles& files, const ApplicationFolder& home) {

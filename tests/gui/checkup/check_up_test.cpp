@@ -19,6 +19,7 @@ class CheckUpWindow : public WindowTest {
     Mend();
   }
   void Mend() {
+    lines.configured.complaints.clear();
     lines.configured.lines.resize(1);
     lines.configured.lines[0].name = "Sim";
     lines.configured.lines[0].server = "box";
@@ -64,6 +65,7 @@ TEST_F(CheckUpWindow, ShowsEachBrokenLinkWithItsRemedyAndOnlyThat) {
       {"", [] {}},
       {"Line: It is off, so nobody answers", [&] { world.window->TurnOff(); }},
       {"Line: Unplugged: plug it in.", [&] { world.Machine().line.Trouble(0, "Unplugged: plug it in."); }},
+      {"Line: lines.ini:7: ", [&] { lines.configured.complaints = {"lines.ini:7: what is this?"}; }},
       {"Port: Port 5060 is taken",
        [&] {
          line = {false, "Port 5060 is taken: end it.", "txtListen"};
