@@ -13,7 +13,8 @@
 namespace orven {
 namespace {
 
-constexpr int kWidth = 640;  // pixels; most sentences take one or two rows
+constexpr int kWidth = 640;     // pixels; most sentences take one or two rows
+constexpr int kRowMargin = 11;  // pixels, around the text of a row
 
 /// The picture of a link's state.
 std::optional<QStyle::StandardPixmap> PictureOf(CheckResult::State state) {
@@ -68,9 +69,9 @@ frmCheckUp::frmCheckUp(CheckUp::Parts check_up, OwnCall::Parts own_call, QWidget
   buttons->addWidget(cmdClose);
   auto* column = MakeChild<QVBoxLayout>(this);
   column->addWidget(lblResult_);
-  column->addWidget(lstLinks_, 3);
+  column->addWidget(lstLinks_, 1);
   column->addLayout(call);
-  column->addWidget(lstSteps_, 2);
+  column->addWidget(lstSteps_);
   column->addLayout(buttons);
   resize(kWidth, sizeHint().height());
   connect(cmdCall_, &QPushButton::clicked, this,
@@ -85,7 +86,7 @@ QListWidget* frmCheckUp::MakeList(const char* name, const QString& spoken, std::
   auto* list = MakeNamed<QListWidget>(name, this);
   list->setAccessibleName(spoken);
   list->setWordWrap(true);
-  list->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
+  list->setMinimumHeight(static_cast<int>(rows) * (fontMetrics().height() + kRowMargin));
   for (std::size_t i = 0; i < rows; ++i) list->addItem(QString());
   return list;
 }
@@ -112,10 +113,14 @@ void frmCheckUp::ShowCall() {
   // A disabled button would lose the focus: a running call keeps it.
   cmdCall_->setEnabled(obstacle.Empty());
   cmdCall_->setText(running ? tr("&Hang up") : tr("Call &me now"));
-  lblCall_->setText(obstacle.Empty()
-                        ? tr("A test call proves the whole chain. It stays in the list until you delete it.")
-                        : Shown(obstacle));
   if (running) lstSteps_->show();
+  lblCall_->setText(!obstacle.Empty() ? Shown(obstacle)
+                    : running         ? tr("ORVEN is calling itself…")
+                    : lstSteps_->isHidden()
+                        ? tr("A test call proves the whole chain. It stays in the list until you delete it.")
+                    : own_call_.Passed()
+                        ? tr("The test call went through from the first ring to the played message.")
+                        : tr("The test call has found a fault."));
   int row = 0;
   for (const auto& [state, words] : own_call_.Progress())
     ShowRow(*lstSteps_->item(row++), Shown(words), PictureOf(state));
