@@ -95,10 +95,11 @@ CheckResult GreetingResult(const std::string& name, const Waveform& sound) {
 
 CheckResult BeepResult(const Waveform& sound) {
   switch (KindOf(sound)) {
-    case Sound::kFine: return Good("It can be played.");
-    case Sound::kSilent: return Bad("It is silent: delete beep.wav and start the program again.");
+    case Sound::kFine: return Good(Tr("It can be played."));
+    case Sound::kSilent: return Bad(Tr("It is silent: delete beep.wav and start the program again."));
     default:
-      return Bad("beep.wav cannot be played, so callers do not know when to speak: start the program again.");
+      return Bad(
+          Tr("beep.wav cannot be played, so callers do not know when to speak: start the program again."));
   }
 }
 

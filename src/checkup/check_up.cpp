@@ -66,7 +66,7 @@ void CheckUp::Start() {
   ++round_;
   results_ = {};
   parts_.loop.After(kLimit, Bind([this] { Expire(); }));
-  Set(CheckLink::Machine, Good("The program is running."));
+  Set(CheckLink::Machine, Good(Tr("The program is running.")));
   CheckLine();
   CheckSounds();
   CheckDisk();
@@ -86,8 +86,8 @@ void CheckUp::CheckLine() {
   } else if (health.on) {
     Set(CheckLink::Line, Good(Words("\"%1\" is open.").Arg(parts_.settings.ModemName)));
   } else {
-    Set(CheckLink::Line, Bad(health.trying ? "It is not open yet, and is tried again by itself."
-                                           : "It is off, so nobody answers: press On in the toolbar."));
+    Set(CheckLink::Line, Bad(health.trying ? Tr("It is not open yet, and is tried again by itself.")
+                                           : Tr("It is off, so nobody answers: press On in the toolbar.")));
   }
   TestLine();
 }
@@ -103,8 +103,8 @@ void CheckUp::TestLine() {
       Set(CheckLink::Line, Bad(configured.complaints.front()));
   });
   if (!line) {
-    Set(CheckLink::Port, Bad("No telephone line is chosen: choose one in Options, Devices."));
-    return Set(CheckLink::Registration, Note("There is no line to register."));
+    Set(CheckLink::Port, Bad(Tr("No telephone line is chosen: choose one in Options, Devices.")));
+    return Set(CheckLink::Registration, Note(Tr("There is no line to register.")));
   }
   parts_.lines.Test(*line, [this, line = *line, round = round_](const LineTestResult& result) {
     if (round == round_) TakeLineTest(line, result);
@@ -115,15 +115,15 @@ void CheckUp::TakeLineTest(const TelephoneLine& line, const LineTestResult& resu
   const auto outcome = result.passed ? Good(result.text) : Bad(result.text);
   if (line.kind != LineKind::Sip) {
     Set(CheckLink::Port, outcome);
-    return Set(CheckLink::Registration, Note("This kind of line has no server."));
+    return Set(CheckLink::Registration, Note(Tr("This kind of line has no server.")));
   }
   if (!result.passed && result.control == "txtListen") {
     Set(CheckLink::Port, outcome);
-    return Set(CheckLink::Registration, Note("It was not checked, because the port comes first."));
+    return Set(CheckLink::Registration, Note(Tr("It was not checked, because the port comes first.")));
   }
   Set(CheckLink::Port, Good(Words("Calls can come in at %1.").Arg(line.listen)));
   Set(CheckLink::Registration, line.server.empty() && result.passed
-                                   ? Note("The line has no account: it is called at its address.")
+                                   ? Note(Tr("The line has no account: it is called at its address."))
                                    : outcome);
 }
 
@@ -169,7 +169,7 @@ void CheckUp::CheckDisk() {
     Set(CheckLink::Records,
         failure ? Bad(Words("Calls and messages cannot be stored: %1. Make room or change the permissions.")
                           .Arg(*failure))
-                : Good("Calls and messages can be stored."));
+                : Good(Tr("Calls and messages can be stored.")));
     CheckClock(found->written);
   });
   parts_.background.Run(look, [tell](const std::exception_ptr&) { tell(); });
@@ -179,11 +179,12 @@ void CheckUp::CheckCard() {
   const auto names = parts_.cards.Names();
   const auto number = static_cast<std::size_t>(std::max<int>(0, parts_.settings.Sound));
   if (names.size() <= 1 && number == 0)
-    return Set(CheckLink::Sound, Note("No sound card is found: messages can be heard by telephone only."));
+    return Set(CheckLink::Sound,
+               Note(Tr("No sound card is found: messages can be heard by telephone only.")));
   if (number >= names.size() || names[number].ends_with("(not connected)"))
     return Set(CheckLink::Sound,
-               Bad("The chosen sound card is not there: connect it, or choose another one in "
-                   "Options, Devices."));
+               Bad(Tr("The chosen sound card is not there: connect it, or choose another one in "
+                      "Options, Devices.")));
   Set(CheckLink::Sound, Good(Words("Messages are played on \"%1\".").Arg(names[number])));
 }
 

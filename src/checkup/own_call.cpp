@@ -50,8 +50,8 @@ OwnCall::OwnCall(Parts parts, std::function<void()> changed)
 }
 
 Words OwnCall::Obstacle() const {
-  if (!parts_.line.LineOn()) return "The line is off: switch it on first.";
-  if (parts_.Tapi1.HasCall()) return "The line has a call: try again when it is over.";
+  if (!parts_.line.LineOn()) return Tr("The line is off: switch it on first.");
+  if (parts_.Tapi1.HasCall()) return Tr("The line has a call: try again when it is over.");
   return parts_.caller.Obstacle(parts_.line.CurrentIndex());
 }
 
@@ -68,7 +68,7 @@ void OwnCall::Start() {
 }
 
 void OwnCall::Cancel() {
-  if (running_) Fail("It was cancelled.");
+  if (running_) Fail(Tr("It was cancelled."));
 }
 
 bool OwnCall::Passed() const {
@@ -84,8 +84,8 @@ void OwnCall::Take(const OwnCallerNews& news) {
     case Kind::Greeting:
       return Finish(OwnCallStep::Greeting,
                     Words("The caller heard the greeting \"%1\".").Arg(parts_.settings.Greeting), news.fault);
-    case Kind::Beep: return Finish(OwnCallStep::Beep, "The caller heard the beep.", news.fault);
-    case Kind::Spoken: return Finish(OwnCallStep::Spoken, "The caller said a sentence.", news.fault);
+    case Kind::Beep: return Finish(OwnCallStep::Beep, Tr("The caller heard the beep."), news.fault);
+    case Kind::Spoken: return Finish(OwnCallStep::Spoken, Tr("The caller said a sentence."), news.fault);
     case Kind::Over:
       if (!news.fault.Empty()) Fail(step_ == OwnCallStep::Spoken && !Records() ? kNotRecording : news.fault);
       return;
@@ -108,12 +108,12 @@ void OwnCall::Look() {
   if (step_ == OwnCallStep::Recorded && !comparing_) LookAtCall();
   if (running_ && step_ == OwnCallStep::Played) LookAtPlayer();
   left_ -= kLook;
-  if (running_ && left_ <= 0ms) Fail("It took too long.");
+  if (running_ && left_ <= 0ms) Fail(Tr("It took too long."));
 }
 
 void OwnCall::LookAtCall() {
   if (parts_.call.serial == serial_ && parts_.call.InProgress()) return;
-  if (parts_.call.serial != serial_) return Fail("Another call came in: try again when it is over.");
+  if (parts_.call.serial != serial_) return Fail(Tr("Another call came in: try again when it is over."));
   call_ = parts_.call;
   if (call_.message_left && !call_.message_path.empty()) return CompareMessage();
   if (!Records()) return Fail(kNotRecording);
@@ -141,7 +141,7 @@ void OwnCall::CheckRecord() {
   const auto row = FindRow();
   if (row == 0)
     return Fail(
-        "The records cannot be written now; the call is filed later. See the system log for the reason.");
+        Tr("The records cannot be written now; the call is filed later. See the system log for the reason."));
   Finish(OwnCallStep::Filed, Words("The call is in the list, from %1.").Arg(call_.caller_name), {});
   Play(row);
 }
@@ -163,14 +163,15 @@ void OwnCall::Play(std::int32_t row) {
   left_ += length_;
   played_ = 0ms;
   parts_.player.Play();
-  if (!parts_.player.Playing()) Fail("The message cannot be played: choose another sound card in Options.");
+  if (!parts_.player.Playing())
+    Fail(Tr("The message cannot be played: choose another sound card in Options."));
 }
 
 /// A sound card that is unplugged ends it early, and so does a person.
 void OwnCall::LookAtPlayer() {
   played_ += kLook;
   if (parts_.player.Playing()) return;
-  Finish(OwnCallStep::Played, "The message was played.",
+  Finish(OwnCallStep::Played, Tr("The message was played."),
          2 * played_ >= length_ ? Words() : Words("The message stopped before its end."));
 }
 

@@ -83,7 +83,7 @@ int OwnCallSession::Connect(const sa& line) {
                             {.heard = [] {},
                              .digit = [](DigitSource, char, auto) {},
                              .held = [](DigitSource, auto) {},
-                             .over = [this] { End("The caller hears nothing more from the line."); }});
+                             .over = [this] { End(Tr("The caller hears nothing more from the line.")); }});
   if (error != 0 || stream_ == nullptr) return error != 0 ? error : EADDRINUSE;
   sa sound = local;
   sa_set_port(&sound, stream_->Port());
@@ -132,10 +132,10 @@ int OwnCallSession::TakeAnswer(const sip_msg& answer) try {
 }
 
 void OwnCallSession::Closed(int error, const sip_msg* answer) {
-  if (phase_ != Phase::Ringing) return End("The machine hung up before the caller had finished.");
+  if (phase_ != Phase::Ringing) return End(Tr("The machine hung up before the caller had finished."));
   if (answer == nullptr)
     return End(Words("The line does not answer at %1: %2.").Arg(plan_.line.listen).Arg(ErrorText(error)));
-  if (answer->scode == 486) return End("The line is busy: somebody else has called.");
+  if (answer->scode == 486) return End(Tr("The line is busy: somebody else has called."));
   End(Words("The line refuses the call: %1 %2.").Arg(answer->scode).Arg(std::string(View(answer->reason))));
 }
 

@@ -7,9 +7,9 @@ namespace orven {
 
 Words SipOwnCaller::Obstacle(std::int32_t line) const {
   const auto index = static_cast<std::size_t>(line);
-  if (line < 0 || index >= states_.size()) return "No line is chosen: choose one in Options.";
+  if (line < 0 || index >= states_.size()) return Tr("No line is chosen: choose one in Options.");
   if (states_[index].section.type == "sip") return {};
-  return "The program can only call a line over SIP: call this one from another telephone.";
+  return Tr("The program can only call a line over SIP: call this one from another telephone.");
 }
 
 void SipOwnCaller::Call(std::int32_t line, const std::string& greeting, const std::string& beep, News news) {
