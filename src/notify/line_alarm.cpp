@@ -11,8 +11,10 @@ constexpr std::chrono::seconds kPatience{30};
 
 }  // namespace
 
-LineAlarm::LineAlarm(EventLoop& loop, Notifications& notifications)
-    : notifications_(notifications), tmrPatience_(loop.MakeTimer([this] { Raise(); })) {}
+LineAlarm::LineAlarm(EventLoop& loop, Notifications& notifications, std::function<void()> open_window)
+    : notifications_(notifications),
+      open_window_(std::move(open_window)),
+      tmrPatience_(loop.MakeTimer([this] { Raise(); })) {}
 
 void LineAlarm::Take(const LineHealth& line) {
   const bool before = !trouble_.Empty();
@@ -30,8 +32,10 @@ void LineAlarm::Take(const LineHealth& line) {
 
 void LineAlarm::Raise() {
   tmrPatience_->Stop();
-  shown_ = notifications_.Show(
-      {.title = Words("Trouble with the telephone line"), .text = trouble_, .urgent = true});
+  shown_ = notifications_.Show({.title = Words("Trouble with the telephone line"),
+                                .text = trouble_,
+                                .urgent = true,
+                                .click = open_window_});
 }
 
 }  // namespace orven

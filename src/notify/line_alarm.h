@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "notify/line_health.h"
@@ -13,7 +14,8 @@ namespace orven {
 /// takes its place, that the trouble is over. User-interface thread.
 class LineAlarm {
  public:
-  LineAlarm(EventLoop& loop, Notifications& notifications);
+  /// `open_window`: a notification was clicked.
+  LineAlarm(EventLoop& loop, Notifications& notifications, std::function<void()> open_window);
 
   /// The line is like this from now on.
   void Take(const LineHealth& line);
@@ -22,6 +24,7 @@ class LineAlarm {
   void Raise();
 
   Notifications& notifications_;
+  const std::function<void()> open_window_;
   Words trouble_;                ///< empty while there is none
   Notifications::Id shown_ = 0;  ///< of the trouble; 0: none
   std::unique_ptr<Timer> tmrPatience_;

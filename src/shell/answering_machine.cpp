@@ -29,7 +29,11 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return SelectionTaken(); }}),
       status(views.line),
-      line_alarm(ports.loop, ports.notifications),
+      line_alarm(ports.loop, ports.notifications,
+                 [this] {
+                   window_hidden = false;
+                   views_.frame.Restore();
+                 }),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
       control({ports.Tapi1, ports.Wave1, log, settings, home, call, line, open_calls}),
       caller_view(ports.loop, views.caller_view,

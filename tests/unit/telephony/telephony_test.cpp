@@ -239,6 +239,9 @@ TEST_F(TelephonyTest, LastingTroubleIsNotifiedOnceAndItsEndToo) {
   has("Silent: b", 20s);
   has("Refused: c", 600s);
   EXPECT_THAT(told, ElementsAre("Trouble with the telephone line|Refused: c"));
+  window->Unload();
+  notifications.shown.rbegin()->second.click();
+  EXPECT_TRUE(views.shown && !Machine().window_hidden);
   has("", 1s);
   EXPECT_EQ(told.back(), "The telephone line works again|Calls can come in.");
   EXPECT_EQ(notifications.shown.size(), 1U) << "one takes the other's place";
