@@ -115,6 +115,8 @@ constexpr SettingRow kOptions[] = {
             Tr("Show the quick options toolbar"), Tr("Greeting, rings and recording in the main window")),
     Setting("PreScreen", &S::PreScreen, "0", Kind::Check, {.page = 2, .store = 8}, "chkPreScreen",
             Tr("Listen in while a message is recorded"), Tr("The caller is heard on the sound card")),
+    Setting("KeepAwake", {}, "0", Kind::Check, {.store = 19}, "chkKeepAwake",
+            Tr("Keep the computer awake while the line is on"), Tr("A computer that sleeps takes no calls")),
 };
 
 constexpr SettingRow kActions[] = {
@@ -159,6 +161,12 @@ constexpr SettingRow kEvents[] = {
             Tr("Close Caller View after")),
     Setting("CloseCallerView", &S::CloseCallerView, "30", Kind::List, {.store = 10}, "cmbCloseCVAfter", "",
             "", {Tr("Seconds after which the caller view closes"), Tr("Sec'"), 0, 0, kCloseSeconds}),
+    Setting("NotifyMessage", {}, nullptr, Kind::Check, {}, "chkNotifyMessage",
+            Tr("Notify me of a new message"),
+            Tr("The desktop shows who called, unless this window is in front")),
+    Setting("NotifyMissed", {}, nullptr, Kind::Check, {}, "chkNotifyMissed",
+            Tr("Notify me of a call without a message"),
+            Tr("The desktop shows who called, unless this window is in front")),
 };
 
 constexpr SettingRow kLog[] = {

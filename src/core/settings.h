@@ -76,7 +76,8 @@ struct Order {
 };
 
 /// One setting. The type of its field says how the stored text is converted. Without a field it is read only
-/// when it is used: a check is then on unless "0" is stored, and a text that is missing is empty.
+/// when it is used: a check that is missing is then as in a new installation, and one that this stores
+/// nothing for is on unless "0" is stored; a text that is missing is empty.
 struct SettingRow : Row {
   using Field = std::variant<std::monostate, std::int16_t Settings::*, std::int32_t Settings::*,
                              std::string Settings::*>;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/settings_store.h"
 
+#include <variant>
+
 #include "base/conversions.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
@@ -14,6 +16,10 @@ constexpr const char* kGridLines = "GridLines";
 
 std::string SettingsStore::Value(std::string_view name) {
   return GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, std::string(name));
+}
+
+bool SettingsStore::IsOn(std::string_view name) {
+  return ToShown(RowOf(name), Value(name)) == "1";
 }
 
 void SettingsStore::Set(std::string_view name, const std::string& text) {
@@ -53,10 +59,12 @@ Choices SettingsStore::StoredChoices(Group group, const ErrorTrap& trap) {
   return choices;
 }
 
-Choices SettingsStore::UsedChoices(Group group) const {
+Choices SettingsStore::UsedChoices(Group group) {
   Choices choices;
   for (const auto* row : RowsOf(group)) {
-    choices[std::string(row->name)] = ToShown(*row, FieldText(settings_, *row));
+    const bool read_when_used = std::holds_alternative<std::monostate>(row->field);
+    const auto used = read_when_used ? Value(row->name) : FieldText(settings_, *row);
+    choices[std::string(row->name)] = ToShown(*row, used);
   }
   return choices;
 }

@@ -66,10 +66,13 @@ class SettingsStore {
   Choices StoredChoices(Group group, const ErrorTrap& trap);
 
   /// What a dialog shows of the settings as they are used now.
-  Choices UsedChoices(Group group) const;
+  Choices UsedChoices(Group group);
 
   /// One stored setting as text; kNotFound when it is missing.
   std::string Value(std::string_view name);
+
+  /// Whether a check without a field is on.
+  bool IsOn(std::string_view name);
 
   /// Writes one setting as text.
   void Set(std::string_view name, const std::string& text);

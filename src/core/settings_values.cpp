@@ -19,6 +19,11 @@ bool HasNoField(const SettingRow& row) {
   return std::holds_alternative<std::monostate>(row.field);
 }
 
+bool IsOn(const SettingRow& row, const std::string& stored) {
+  if (!HasNoField(row)) return ToInt16(stored) != 0;
+  return (stored == kNotFound && row.first != nullptr ? row.first : stored) != "0";
+}
+
 }  // namespace
 
 void Assign(Settings& settings, const SettingRow& row, const std::string& text) {
@@ -50,7 +55,7 @@ bool IsFlag(const SettingRow& row) {
 }
 
 std::string ToShown(const SettingRow& row, const std::string& stored) {
-  if (IsFlag(row)) return Flag(HasNoField(row) ? stored != "0" : ToInt16(stored) != 0);
+  if (IsFlag(row)) return Flag(IsOn(row, stored));
   if (row.kind == Row::Kind::Choice) return std::to_string(ToInt32(stored));
   if (row.kind == Row::Kind::Slider) {
     const auto steps = static_cast<int>(std::nearbyint(double(ToInt16(stored)) / row.scale));

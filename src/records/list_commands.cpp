@@ -81,6 +81,23 @@ void ListCommands::SelectRow(std::int32_t row) {
   parts_.ListView1.Select(row);
 }
 
+/// False when the call was deleted or the selection must not move.
+bool ListCommands::Selects(const CallRow& call) {
+  const auto trap = ErrorTrap::Silent();
+  bool selected = false;
+  trap([&] {
+    parts_.ListView1.FollowRecords();
+    const auto row = parts_.ListView1.RowOf(call);
+    if (row > 0) SelectRow(row);
+    selected = row > 0 && row == parts_.ListView1.Selected();
+  });
+  return selected;
+}
+
+void ListCommands::Play(const CallRow& call) {
+  if (Selects(call)) parts_.player.Play();
+}
+
 void ListCommands::Back() {
   Step(-1);
 }

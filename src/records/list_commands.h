@@ -51,6 +51,10 @@ class ListCommands {
   void First();
   void Last();
 
+  /// Selects this call and, with Play, plays its message. Nothing happens when the call was deleted.
+  void Show(const CallRow& call) { (void)Selects(call); }
+  void Play(const CallRow& call);
+
   /// Stops a playing message and goes one row up or down, marking it read. At the end of the list, or when
   /// the selected call was removed, it only stops. Without a selection Next leads to the first row.
   void Back();
@@ -75,6 +79,7 @@ class ListCommands {
  private:
   void Step(std::int32_t rows);
   void SelectRow(std::int32_t row);
+  bool Selects(const CallRow& call);
   void Mark(bool read);
   bool Follow(std::int32_t row);
 

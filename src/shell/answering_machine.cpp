@@ -3,13 +3,21 @@
 
 namespace orven {
 AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
-                                   const ApplicationFolder& application_folder)
+                                   const ApplicationFolder& application_folder,
+                                   std::function<void()> bring_to_front)
     : home(application_folder),
       log(ports.clock, ports.files, ports.loop, settings, home),
       store(ports.registry, log, settings, home),
       quick_options(store, log, settings),
       tray(ports.loop, ports.shell, log, [&frame = views.frame] { return frame.Handle(); }),
-      ListView1(ports.DataBase1, log, views.list, tray),
+      notices({ports.notifications, tray, store, ListView1,
+               [&frame = views.frame] { return frame.InFront(); },
+               [this](const CallRow& shown) { list_commands.Play(shown); },
+               [this, bring_to_front](const CallRow& shown) {
+                 bring_to_front();
+                 list_commands.Show(shown);
+               }}),
+      ListView1(ports.DataBase1, log, views.list, notices),
       folders(ports.files, log, home),
       open_calls(ports.DataBase1, ports.files, ports.clock, ports.loop, log, home.Path("\\")),
       filing({ports.files, ports.clock, ports.loop, ports.Wave1, ports.DataBase1, log, log, open_calls,
@@ -54,7 +62,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       microphone({ports.Wave1, log, home, [this] { return call.InProgress() && control.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, folders, microphone}, control),
       remote(control, recorder, ListView1, folders, status),
-      after_call({caller_view, sounds, tray, actions}, filing, ListView1, log, settings, home,
+      after_call({caller_view, sounds, tray, notices, actions}, filing, ListView1, log, settings, home,
                  [this] { return window_hidden; }),
       sequence(control, {recorder, remote, after_call, status, caller_view, ports.clock}),
       ports_(ports),

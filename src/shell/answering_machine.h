@@ -10,6 +10,7 @@
 #include "greetings/greeting_library.h"
 #include "greetings/microphone_take.h"
 #include "log/mdlLog.h"
+#include "notify/call_notices.h"
 #include "notify/caller_view.h"
 #include "notify/events_dialog.h"
 #include "notify/line_alarm.h"
@@ -68,7 +69,9 @@ struct EnginePorts {
 /// order of their dependencies. Ports and views must outlive it. User-interface thread.
 class AnsweringMachine {
  public:
-  AnsweringMachine(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home);
+  /// `bring_to_front` shows the main window.
+  AnsweringMachine(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home,
+                   std::function<void()> bring_to_front);
   ~AnsweringMachine();
 
   AnsweringMachine(const AnsweringMachine&) = delete;
@@ -83,6 +86,7 @@ class AnsweringMachine {
   SettingsStore store;
   QuickOptions quick_options;
   TrayIcon tray;
+  CallNotices notices;
   CallList ListView1;
   MessageFolders folders;
   OpenCalls open_calls;

@@ -46,6 +46,7 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
   void SetGridLines(bool on) noexcept override;
   void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept override;
   std::uintptr_t Handle() const noexcept override;
+  bool InFront() const noexcept override { return isActiveWindow() && !isMinimized(); }
   void Show() noexcept override;
   void Hide() noexcept override;
   void Minimise() noexcept override;

@@ -29,7 +29,7 @@ MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, const Applicati
       views_(views),
       system_(system),
       end_process_(std::move(end_process)),
-      machine_(ports, views, home),
+      machine_(ports, views, home, [this] { BringToFront(); }),
       commands_({machine_.list_commands, machine_.player, machine_.greetings, dialogs, ports.dialogs,
                  ports.shell, home, machine_.log, [this](bool on) { on ? TurnOn() : TurnOff(); }}),
       TimerPannel(ports.loop.MakeTimer([this] { ShowClock(); })),

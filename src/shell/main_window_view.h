@@ -48,6 +48,8 @@ class WindowFrame : public PlacedWindow {
 
   virtual std::uintptr_t Handle() const noexcept = 0;
 
+  /// It is the window that the user works in, and in sight.
+  virtual bool InFront() const noexcept = 0;
   virtual void Show() noexcept = 0;
   virtual void Hide() noexcept = 0;
   virtual void Minimise() noexcept = 0;

@@ -18,6 +18,7 @@ void AfterCall::Finish(Call& call) {
   if (window_hidden_()) effects_.tray.StartBlinking();
   call.mail_due = WantsMail(call);
   File(call);
+  effects_.notices.Tell(call);
   const bool wanted = settings_.cOnlyIfGotMessage == 0 || call.message_left;
   if (settings_.cPlayInIdle != 0 && wanted) PlaySound(settings_.PlayInIdle);
   ShowFinished(call);

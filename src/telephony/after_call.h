@@ -6,6 +6,7 @@
 #include "actions/actions_engine.h"
 #include "base/paths.h"
 #include "core/settings.h"
+#include "notify/call_notices.h"
 #include "notify/caller_view.h"
 #include "notify/desk_sounds.h"
 #include "notify/tray_icon.h"
@@ -19,6 +20,7 @@ struct CallEffects {
   CallerView& caller_view;
   DeskSounds& sounds;
   TrayIcon& tray;
+  CallNotices& notices;
   ActionsEngine& actions;
 };
 
@@ -38,7 +40,7 @@ class AfterCall {
   /// A call is offered: ring sound and caller view.
   void Announce(const Call& call);
 
-  /// A call from anyone but the owner is over: tray, record, sound, caller view, actions.
+  /// A call from anyone but the owner is over: tray, record, notification, sound, caller view, actions.
   void Finish(Call& call);
 
   /// Whether the settings want a record of the call.

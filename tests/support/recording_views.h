@@ -126,7 +126,7 @@ class RecordingViews : public LineView,
 
   // The window.
   WindowGeometry geometry{100, 200, 9000, 6000, 0};
-  bool grid_lines = false, shown = false, minimised = false, others_closed = false;
+  bool grid_lines = false, shown = false, in_front = false, minimised = false, others_closed = false;
   bool quick_toolbar = false;
   int tray_menus = 0;
   std::uint32_t list_style = 0;
@@ -144,6 +144,7 @@ class RecordingViews : public LineView,
     list_style = (list_style & ~mask) | (style & mask);
   }
   std::uintptr_t Handle() const noexcept override { return 4711; }
+  bool InFront() const noexcept override { return in_front; }
   void Show() noexcept override { shown = true; }
   void Hide() noexcept override { shown = false; }
   void Minimise() noexcept override { minimised = true; }

@@ -34,7 +34,8 @@ constexpr Control kOptions[] = {{"SecSilence", "3", "cmbSilenceSec", "3", "12", 
                                 {"AllowRemoteAccess", "1", "chkAllowRemoteAccess", "true", "false", "0"},
                                 {"Pass", "4711", "txtPass", "4711", " #12 ", " #12 "},
                                 {"CompressMessages", "0", "chkCompress", "false", "true", "1"},
-                                {"pQuickToolbar", "1", "chkQuickToolBar", "true", "false", "0"}};
+                                {"pQuickToolbar", "1", "chkQuickToolBar", "true", "false", "0"},
+                                {"KeepAwake", nullptr, "chkKeepAwake", "false", "true", "1"}};
 constexpr Control kActions[] = {
     {"pMailTo", "0", "chkSendToMail", "false", "true", "1"},
     {"MailTo", nullptr, "txtSendToMail", "Not Found", "anna@example.org", "anna@example.org"},
@@ -58,7 +59,9 @@ constexpr Control kEvents[] = {{"cPlayInIdle", "1", "chkPlayInMessage", "true", 
                                {"AnimationFast", "400", "sldAnimationFast", "100", "70", "70"},
                                {"cCloseCallerView", "1", "chkCloseCVAfter", "true", "false", "0"},
                                {"CloseCallerView", "45", "cmbCloseCVAfter", "", "20", "20"},
-                               {"cOnlyIfGotMessage", "0", "chkOnlyIfGotMessage", "false", "true", "1"}};
+                               {"cOnlyIfGotMessage", "0", "chkOnlyIfGotMessage", "false", "true", "1"},
+                               {"NotifyMessage", "0", "chkNotifyMessage", "false", "true", "1"},
+                               {"NotifyMissed", nullptr, "chkNotifyMissed", "true", "false", "0"}};
 constexpr Control kLog[] = {{"cLogCalls", "0", "chkLogCalls", "false", "true", "1"},
                             {"cLogSys", "1", "chkLogSys", "true", "false", "0"},
                             {"cWornBeforeDelete", "2", "chkWornBeforeDelete", "true", "false", "0"},
