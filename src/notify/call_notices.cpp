@@ -12,7 +12,7 @@ bool IsKnown(const std::string& text) {
 
 Words Title(const Call& call) {
   const auto& who = IsKnown(call.caller_name) ? call.caller_name : call.caller_number;
-  if (!IsKnown(who)) return call.message_left ? "New message" : "Missed call";
+  if (!IsKnown(who)) return call.message_left ? Tr("New message") : Tr("Missed call");
   return Words(call.message_left ? Tr("New message from %1") : Tr("Missed call from %1")).Arg(who);
 }
 
@@ -53,8 +53,8 @@ CallRow CallNotices::RowOf(const Call& call) const {
 Notification CallNotices::Describe(const Call& call, const CallRow& row) {
   Notification notice{Title(call), Text(call)};
   notice.click = Press(row, parts_.open);
-  if (!row.key.empty()) notice.buttons.push_back({"Play", Press(row, parts_.play)});
-  notice.buttons.push_back({"Open", notice.click});
+  if (!row.key.empty()) notice.buttons.push_back({Tr("Play"), Press(row, parts_.play)});
+  notice.buttons.push_back({Tr("Open"), notice.click});
   return notice;
 }
 

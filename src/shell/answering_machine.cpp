@@ -72,6 +72,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
   line.Listen([this](const LineHealth& health) {
     tray.ShowLine(health);
     line_alarm.Take(health);
+    KeepAwake();
   });
   ListView1.SetSelectionListener([this] { player.ShowSelected(); });
 }
@@ -154,7 +155,12 @@ bool AnsweringMachine::SelectionTaken() {
   return true;
 }
 
+void AnsweringMachine::KeepAwake() {
+  ports_.sleep.Hold(line.LineOn() && store.IsOn("KeepAwake"));
+}
+
 void AnsweringMachine::ShowOptions() {
+  KeepAwake();
   views_.boxes.ShowRings(settings.NumOfRing);
   views_.boxes.ShowRecordMessage(settings.RecordMessage != 0);
   views_.frame.ShowQuickToolbar(settings.pQuickToolbar != 0);

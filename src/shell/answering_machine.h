@@ -26,6 +26,7 @@
 #include "platform/notifications.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
+#include "platform/sleep_guard.h"
 #include "platform/telephony.h"
 #include "platform/wave.h"
 #include "records/call_filing.h"
@@ -63,6 +64,7 @@ struct EnginePorts {
   DataExchange& uDat;              ///< the speech helper
   SoundCardNames& cards;
   Notifications& notifications;
+  SleepGuard& sleep;
 };
 
 /// The composed engine: all run-time state of the main window and the classes that work on it, in the
@@ -116,6 +118,10 @@ class AnsweringMachine {
 
   /// The parts of the options dialog's greeting toolbar; `add` opens a greeting creator.
   GreetingPlayer::Parts ForGreetingPlayer(std::function<std::optional<std::string>()> add);
+
+  /// Keeps the computer awake while the line is on, if the setting `KeepAwake` says so. To be called when
+  /// that was changed.
+  void KeepAwake();
 
   /// The parts of the options dialog.
   OptionsDialog::Parts ForOptionsDialog();

@@ -16,6 +16,7 @@
 #include "platform/notifications.h"
 #include "platform/operating_system.h"
 #include "platform/shell.h"
+#include "platform/sleep_guard.h"
 #include "platform/wave.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"
@@ -269,6 +270,12 @@ class RecordingNotifications : public Notifications {
   Id last_ = 0;
 };
 
+class RecordingSleepGuard : public SleepGuard {
+ public:
+  bool held = false;
+  void Hold(bool awake) override { held = awake; }
+};
+
 /// Sound cards with the names that the test sets.
 class ScriptedCards : public SoundCardNames {
  public:
@@ -418,6 +425,7 @@ struct ScriptedPorts {
   ScriptedExchange uDat;
   ScriptedCards cards;
   RecordingNotifications notifications;
+  RecordingSleepGuard sleep;
   RecordingDialogFactory dialog_factory;
 };
 

@@ -64,8 +64,9 @@ void World::Build() {
       IdleCalls{[this] { return Wave1.IsPlaying() || Wave1.IsRecording(); },
                 [this](const std::string& text) { Machine().log.WriteSystem(text); }});
   window = std::make_unique<MainWindow>(
-      EnginePorts{time, time, files, background, registry, dialogs, shell, mouse, Mail1, mail_tests, records_,
-                  *Tapi1, Wave1, WavePlay, waveforms, take_waveforms, uDat, cards, notifications},
+      EnginePorts{time,      time,           files,      background, registry,      dialogs, shell,
+                  mouse,     Mail1,          mail_tests, records_,   *Tapi1,        Wave1,   WavePlay,
+                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep},
       views.All(), home, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

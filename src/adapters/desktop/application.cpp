@@ -46,11 +46,13 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
   return application;
 }
 
+bool OnWayland() {
+  return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
 void UseActivationToken(const QString& token) {
   // Qt takes it from the environment when it activates a window, and removes it there.
-  if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
-    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-  }
+  if (!token.isEmpty() && OnWayland()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }
 
 namespace {

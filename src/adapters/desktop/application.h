@@ -13,6 +13,9 @@ namespace orven {
 /// options from them.
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv);
 
+/// Whether the windows are shown on Wayland.
+bool OnWayland();
+
 /// Wayland: `token` (xdg-activation) lets the next window that is activated take the focus. Elsewhere it does
 /// nothing.
 void UseActivationToken(const QString& token);

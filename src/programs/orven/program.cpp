@@ -92,12 +92,15 @@ Program::Program(Folders folders)
       shell_({ProgramIcon(), OwnPicture(QStringLiteral("orven-off")),
               OwnPicture(QStringLiteral("orven-trouble"))}),
       notifications_(&InUsersLanguage, HasDisplay()),
+      caller_notice_(notifications_),
+      colours_(HasDisplay()),
+      sleep_([this](const std::string& text) { Report(text); }),
       mail_(
           loop_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
       mail_tests_(loop_, &InUsersLanguage),
       program_dialogs_(Ports(), [this] { cards_.Look(); }),
-      window_(Ports(), frame_.Views(caller_view_), home_, system_, program_dialogs_, EndEventLoops),
+      window_(Ports(), frame_.Views(CallerWindow()), home_, system_, program_dialogs_, EndEventLoops),
       link_(folders_.application) {
   QApplication::setWindowIcon(frame_.windowIcon());
   window_.Machine().line.Listen([this](const LineHealth& line) { TellOfTrouble(line); });
@@ -107,6 +110,7 @@ Program::Program(Folders folders)
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
+  caller_notice_.SetClicks(&window_.Machine().caller_view);
   shell_.SetMenu(&frame_.TrayMenu());
   shell_.SetHelper(kSpeechHelper, [this] {
     return HelperStart{HelperPath(), {{kChannelVariable, uDat_.Listen()}}};
@@ -119,9 +123,15 @@ Program::Program(Folders folders)
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_,     loop_,           files_,      background_, registry_,     dialogs_,   shell_,
-          mouse_,     mail_,           mail_tests_, database_,   lines_,        line_wave_, desk_wave_,
-          waveforms_, take_waveforms_, uDat_,       cards_,      notifications_};
+  return {clock_,     loop_,           files_,      background_, registry_,      dialogs_,   shell_,
+          mouse_,     mail_,           mail_tests_, database_,   lines_,         line_wave_, desk_wave_,
+          waveforms_, take_waveforms_, uDat_,       cards_,      notifications_, sleep_};
+}
+
+/// No program can place a window on Wayland, or keep it on top without the focus.
+CallerViewWindow& Program::CallerWindow() {
+  if (OnWayland()) return caller_notice_;
+  return caller_view_;
 }
 
 void Program::AnswerOtherStarts() {

@@ -11,10 +11,12 @@
 #include "adapters/channel/local_exchange.h"
 #include "adapters/database/sqlite_database.h"
 #include "adapters/desktop/autostart.h"
+#include "adapters/desktop/colour_scheme.h"
 #include "adapters/desktop/desktop_notifications.h"
 #include "adapters/desktop/desktop_system.h"
 #include "adapters/desktop/installation.h"
 #include "adapters/desktop/instance_link.h"
+#include "adapters/desktop/logind_sleep_guard.h"
 #include "adapters/desktop/qt_clock.h"
 #include "adapters/desktop/qt_dialogs.h"
 #include "adapters/desktop/qt_event_loop.h"
@@ -30,6 +32,7 @@
 #include "adapters/sound/sound_cards.h"
 #include "base/paths.h"
 #include "core/mMain.h"
+#include "notify/caller_notice.h"
 #include "notify/frmMSG.h"
 #include "programs/orven/check_up_ports.h"
 #include "programs/orven/program_dialogs.h"
@@ -71,6 +74,7 @@ class Program {
   void TellOfLostSettings();
   void TellOfTrouble(const LineHealth& line);
   EnginePorts Ports();
+  CallerViewWindow& CallerWindow();
   void AnswerOtherStarts();
   std::unique_ptr<CheckUpPorts> PortsForCheckUp();
   void CheckForOther(const InstanceLink::Answer& answer);
@@ -123,6 +127,9 @@ class Program {
   QtShell shell_;
   QtMouse mouse_;
   DesktopNotifications notifications_;
+  CallerNotice caller_notice_;  ///< on Wayland, instead of `caller_view_`
+  ColourScheme colours_;
+  LogindSleepGuard sleep_;
   SmtpMail mail_;
   SmtpTests mail_tests_;
   ProgramDialogs program_dialogs_;

@@ -16,6 +16,7 @@ from harness import LIMIT, processes, sound
 
 WATCHER, ITEM = "org.kde.StatusNotifierWatcher", "org.kde.StatusNotifierItem"
 TRAY_HOST = os.path.join(harness.HERE, "tray_host.py")
+DESKTOP, DESKTOP_HOST = "org.orven.Desktop", os.path.join(harness.HERE, "desktop_host.py")
 
 
 class BusIcon:
@@ -49,6 +50,22 @@ class DesktopTest(harness.ProgramCase):
     def x11_tray(self):
         command = ["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request"]
         return self.display.start(command, "trayer")
+
+    def bus(self):
+        """Starts a message bus for the program and returns its address."""
+        address = f"unix:path={self.folder}/bus"
+        self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
+        processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
+        self.display.variables.update(DBUS_SESSION_BUS_ADDRESS=address, DBUS_SYSTEM_BUS_ADDRESS=address)
+        return address
+
+    def desktop(self, address):
+        """Starts the desktop's services and returns their process and what tests see of them."""
+        host = self.display.start([sys.executable, "-B", DESKTOP_HOST], "desktop_host")
+        connection = dbus.bus.BusConnection(address)
+        processes.wait_for("The desktop", lambda: connection.name_has_owner(DESKTOP), LIMIT)
+        peer = connection.get_object(DESKTOP, "/org/orven/Desktop", introspect=False)
+        return host, dbus.Interface(peer, DESKTOP)
 
     def bus_tray(self, address):
         host = self.display.start([sys.executable, "-B", TRAY_HOST], "tray_host")
@@ -113,10 +130,7 @@ class DesktopTest(harness.ProgramCase):
         self.display.run("xdotool", "key", key, "Return")
 
     def test_a_tray_on_the_bus_that_hangs_blocks_nothing_and_the_next_one_shows_the_icon(self):
-        address = f"unix:path={self.folder}/bus"
-        self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
-        processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
-        self.display.variables["DBUS_SESSION_BUS_ADDRESS"] = address
+        address = self.bus()
         host = self.bus_tray(address)
         host.send_signal(signal.SIGSTOP)
         self.orven.start_and_wait()
@@ -131,6 +145,63 @@ class DesktopTest(harness.ProgramCase):
         icon.activate()
         self.main_window("Normal").close()
         self.main_window("")
+
+    def test_the_desktop_shows_calls_sets_the_colours_and_stays_awake_and_a_second_start_raises_the_window(self):
+        address = self.bus()
+        host, desktop = self.desktop(address)
+
+        def shown(name):
+            """Waits for the notification of this caller and returns its number."""
+            numbers = lambda: [number for number, texts in desktop.Shown().items() if name in texts[0]]  # noqa: E731
+            return processes.wait_for(f"{name}'s notification", numbers, LIMIT)[0]
+
+        self.orven.change_settings({"KeepAwake": "1", "WhenMsgViewMsg": "0", "ViewDetails": "0"})
+        self.orven.start_and_wait()
+        processes.wait_for("The lock", lambda: desktop.Locks() == ["sleep ORVEN block"], LIMIT)
+        self.main_window("Normal")
+        processes.wait_for("Dark windows", lambda: 0.02 < self.brightness() < 0.15, LIMIT)
+        desktop.TurnLight()
+        processes.wait_for("Light windows", lambda: self.brightness() > 0.25, LIMIT)
+        self.main_window("Normal").close()
+        self.main_window("Iconic")
+
+        self.leave_message("A <b>&", sound.noise(1, seed=1))
+        number = shown("A <b>&")
+        title, text, *captions = desktop.Shown()[number]
+        self.assertEqual((title, captions), ("New message from A <b>&", ["", "Play", "Open"]))
+        self.assertRegex(text, r"^5551234, at .* seconds$")
+        self.assertEqual(desktop.Unread(), 1)
+        desktop.Press(number, "0")  # Play
+        processes.wait_for("The message to be read", lambda: not desktop.Unread() and not desktop.Shown(), LIMIT)
+        self.main_window("Iconic")
+
+        host.send_signal(signal.SIGSTOP)
+        self.hang_up(self.dial("Ben"))
+        host.kill()  # before it has shown anything: the next one does
+        host.wait(LIMIT)
+        desktop = self.desktop(address)[1]
+        desktop.Press(shown("Ben"), "default")
+        self.main_window("Normal").close()
+        self.main_window("Iconic")
+
+        first = self.orven.process
+        self.addCleanup(processes.stop, first, 5)
+        self.orven.start()
+        self.display.wait_for_keyboard("ORVEN", LIMIT)
+        self.display.run("xdotool", "key", "Return")
+        self.orven.wait_for_exit()
+        self.orven.process = first
+        self.main_window("Normal")
+        self.hang_up(self.dial("Carl"))
+        self.main_window("Normal").close()
+        self.hang_up(self.dial("Dora"))
+        shown("Dora")
+        self.orven.end()
+        processes.wait_for("The end", lambda: not (desktop.Shown() or desktop.Unread()), LIMIT)
+
+    def brightness(self):
+        """Of the screen, from 0 to 1."""
+        return float(self.display.ask("sh", "-c", "import -window root png:- | convert - -format '%[fx:mean]' info:"))
 
     def test_dialogs_return_the_focus_and_closing_without_a_tray_minimises(self):
         self.orven.start_and_wait()

@@ -37,8 +37,9 @@ Desk::Desk(const std::string& settings, std::unique_ptr<LineDriver> driver)
   line_devices = std::make_unique<AllAudioDevices>(*Tapi1, card);
   Wave1 = std::make_unique<FileWaveControl>(loop, *line_devices, home / "Rescued");
   engine = std::make_unique<MainWindow>(
-      EnginePorts{clock, loop, files, background, registry, dialogs, shell, mouse, Mail1, mail_tests,
-                  database, *Tapi1, *Wave1, WavePlay, waveforms, take_waveforms, uDat, cards, notifications},
+      EnginePorts{clock,     loop,           files,      background, registry,      dialogs, shell,
+                  mouse,     Mail1,          mail_tests, database,   *Tapi1,        *Wave1,  WavePlay,
+                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep},
       window.Views(other_views.caller_view), folder, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gmock/gmock.h>
 
+#include "notify/caller_notice.h"
 #include "support/world.h"
 
 namespace orven::test {
@@ -84,6 +85,34 @@ TEST_F(CallNoticesTest, DeletedCallsAndAFloodLeaveFewAndACallThatCannotBeFiledIs
   EXPECT_THAT(ShownBy([this] { Call("Ben", "2", true); }), testing::SizeIs(1));
   notifications.Press(0);
   EXPECT_TRUE(views.shown);
+}
+
+TEST_F(CallNoticesTest, ACallerNoticeStandsInForTheWindowAndGoesWithTheCall) {
+  struct Clicks : CallerViewClicks {
+    std::string done;
+    void AnswerNow() override { done += "answer "; }
+    void Drop() override { done += "drop "; }
+    void DoNothing() override {}
+    void Close() override {}
+  } clicks;
+  CallerNotice notice(notifications);
+  notice.SetClicks(&clicks);
+  orven::Call call;
+  EXPECT_THAT(ShownBy([&] { notice.Load(), notice.ShowCall(call); }),
+              testing::Each("Incoming call||Answer Now|Drop Call"));
+  call.caller_name = "Anna", call.caller_number = "555";
+  EXPECT_THAT(ShownBy([&] { notice.ShowCall(call); }),
+              ElementsAre("Call from Anna|555|Answer Now|Drop Call"));
+  notifications.Press(0);
+  EXPECT_THAT(ShownBy([&] { notice.ShowCommands(CallerCommands::WithoutAnswer); }),
+              ElementsAre("Call from Anna|555|Drop Call"));
+  EXPECT_EQ(notifications.shown.size(), 1U);
+  notifications.Press(0);
+  notice.ShowCall(call);
+  notice.ShowCommands(CallerCommands::None);
+  EXPECT_THAT(ShownBy([&] { notice.ShowCall(call); }), ElementsAre());
+  EXPECT_EQ(std::pair(notifications.shown.size(), clicks.done),
+            std::pair(std::size_t(0), std::string("answer drop ")));
 }
 
 }  // namespace

@@ -46,10 +46,15 @@ TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
   Start();
   EXPECT_FALSE(window->Unload());
   EXPECT_TRUE(!views.shown && !ended && Tapi1->IsLineOpen(0));
+  registry.Set("KeepAwake", "1");
+  for (const bool on : {false, true}) {
+    on ? window->TurnOn() : window->TurnOff();
+    EXPECT_EQ(sleep.held, on);
+  }
   Machine().tray.StartBlinking();
   for (int signal = 0; signal < 2; ++signal) window->Exit();
   RunFor(5s);
-  EXPECT_TRUE(ended && views.others_closed && !Tapi1->IsLineOpen(0));
+  EXPECT_TRUE(ended && views.others_closed && !Tapi1->IsLineOpen(0) && !sleep.held);
   EXPECT_EQ(std::ranges::count(SystemLog(), "Unload ORVEN"), 1);
   EXPECT_EQ(shell.icon.icon, NotifyIconPicture::PicSysTryNothing);
 }
