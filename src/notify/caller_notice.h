@@ -25,7 +25,7 @@ class CallerNotice : public CallerViewWindow {
   void Unload() noexcept override;
   void ShowCommands(CallerCommands shown) noexcept override;
   void ShowStatus(const Words& /*text*/) noexcept override {}
-  void ShowRing(const std::string& /*text*/) noexcept override {}
+  void ShowRing(const Words& /*text*/) noexcept override {}
   void ShowCall(const Call& call) noexcept override;
 
  private:

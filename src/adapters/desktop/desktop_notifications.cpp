@@ -108,8 +108,7 @@ void DesktopNotifications::AskAbilities() {
   Call(Request("GetCapabilities"), [this](const QDBusPendingCall& call) {
     asking_abilities_ = false;
     const QDBusReply<QStringList> reply = call;
-    if (reply.error().type() == QDBusError::NoReply) return;  // it has exited
-    if (!reply.isValid()) return entries_.clear();            // there is none
+    if (!reply.isValid()) return;  // there is none, or it has exited: the next one is asked
     server_ = call.reply().service();
     abilities_ = reply.value();
     BringAll();
@@ -161,14 +160,9 @@ void DesktopNotifications::Answered(Id id, const QDBusPendingCall& call) {
   auto& entry = found->second;
   entry.asked = false;
   const QDBusReply<quint32> reply = call;
-  if (reply.error().type() == QDBusError::NoReply && !entry.withdrawn) {
-    entry.sent = false;  // it has exited; the next one shows it
-  } else if (!reply.isValid()) {
-    entries_.erase(found);
-  } else {
-    entry.number = reply.value();
-    Bring(id);
-  }
+  if (reply.isValid()) entry.number = reply.value();
+  if (reply.isValid() || entry.withdrawn) return Bring(id);
+  entry.sent = false;  // it has exited: the next one shows it
 }
 
 /// Another server, or none, has the service's name: it knows nothing of what the former one shows.

@@ -15,9 +15,9 @@
 namespace orven {
 
 /// The session bus's notifications (org.freedesktop.Notifications 1.2) and the count on the icon
-/// (com.canonical.Unity.LauncherEntry). A server that hangs or restarts blocks nothing: what it has not
-/// answered is shown by the next one, and so is what is urgent. Takes its notifications and the count away at
-/// its end. Needs a QCoreApplication; user-interface thread.
+/// (com.canonical.Unity.LauncherEntry). A server that is missing, hangs or restarts blocks nothing: what it
+/// has not answered is shown by the next one, and so is what is urgent. Takes its notifications and the count
+/// away at its end. Needs a QCoreApplication; user-interface thread.
 class DesktopNotifications final : public QObject, public Notifications {
   Q_OBJECT
 

@@ -18,6 +18,10 @@ WATCHER, ITEM = "org.kde.StatusNotifierWatcher", "org.kde.StatusNotifierItem"
 TRAY_HOST = os.path.join(harness.HERE, "tray_host.py")
 DESKTOP, DESKTOP_HOST = "org.orven.Desktop", os.path.join(harness.HERE, "desktop_host.py")
 
+# A bus that starts no services of this computer.
+BUS = """<busconfig><type>session</type><listen>{}</listen><policy context="default">
+  <allow own="*"/><allow send_destination="*"/><allow receive_sender="*"/></policy></busconfig>"""
+
 
 class BusIcon:
     """The program's icon in a tray on the message bus, as the desktop sees it."""
@@ -54,8 +58,11 @@ class DesktopTest(harness.ProgramCase):
     def bus(self):
         """Starts a message bus for the program and returns its address."""
         address = f"unix:path={self.folder}/bus"
-        self.display.start(["dbus-daemon", "--session", "--nofork", "--address=" + address], "dbus")
-        processes.wait_for("The message bus", lambda: os.path.exists(f"{self.folder}/bus"), LIMIT)
+        with open(f"{self.folder}/bus.conf", "w", encoding="utf-8") as file:
+            file.write(BUS.format(address))
+        command = ["dbus-daemon", "--nofork", "--print-address", f"--config-file={self.folder}/bus.conf"]
+        self.display.start(command, "dbus")  # prints when it listens
+        processes.wait_for("The message bus", lambda: os.path.getsize(f"{self.folder}/dbus.out"), LIMIT)
         self.display.variables.update(DBUS_SESSION_BUS_ADDRESS=address, DBUS_SYSTEM_BUS_ADDRESS=address)
         return address
 
