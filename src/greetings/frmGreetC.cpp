@@ -80,10 +80,10 @@ void frmGreetC::SetTabOrder() {
   order[1]->setFocus();
 }
 
-void frmGreetC::Attach(GreetingCreator& engine) {
+void frmGreetC::Attach(GreetingCreator& engine, CreatorTab first) {
   engine_ = &engine;
-  const auto load = [this] {
-    if (!unloaded_) engine_->Load();
+  const auto load = [this, first] {
+    if (!unloaded_) engine_->Load(first);
   };
   connect(this, &frmGreetC::FirstShown, this, load, Qt::QueuedConnection);
   connect(TabStrip1_, &QTabWidget::currentChanged, this, &frmGreetC::TabChosen);

@@ -25,8 +25,8 @@ class frmGreetC : public QDialog, public GreetingCreatorView {
   explicit frmGreetC(QWidget* parent);
 
   /// Sets the engine; once, before the window is shown. The engine outlives the visible window. Load is
-  /// called when the window is first shown, and Unload once when it closes.
-  void Attach(GreetingCreator& engine);
+  /// called when the window is first shown, with the tab `first`, and Unload once when it closes.
+  void Attach(GreetingCreator& engine, CreatorTab first = CreatorTab::Speaker);
 
   /// Shows the window until it is closed. On return the engine is unloaded and any running Load has returned.
   int exec() override;

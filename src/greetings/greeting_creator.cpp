@@ -50,13 +50,14 @@ GreetingCreator::~GreetingCreator() {
   parts_.microphone.SetInterrupted(nullptr);
 }
 
-void GreetingCreator::Load() {
+void GreetingCreator::Load(CreatorTab first) {
   if (unloaded_) return;
   view_.SelectTab(CreatorTab::Speaker);
   ShowButtons();
   loading_ = false;
   sound_device_ = parts_.settings.Sound;
   link_.Load();
+  if (first != CreatorTab::Speaker && !unloaded_) TabClick(first);
 }
 
 void GreetingCreator::TabClick(CreatorTab tab) {

@@ -108,8 +108,8 @@ class GreetingCreator : private SpeechLinkListener {
   GreetingCreator& operator=(const GreetingCreator&) = delete;
 
   /// The window is shown: reads the sound device and starts the speech helper. Runs the event loop while it
-  /// waits for the helper; the object must live until this returns.
-  void Load();
+  /// waits for the helper, then shows the tab `first`; the object must live until this returns.
+  void Load(CreatorTab first = CreatorTab::Speaker);
 
   /// A tab was chosen.
   void TabClick(CreatorTab tab);

@@ -1,23 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "options/frmOptions.h"
 
-#include <QAction>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
-#include "widgets/icons.h"
 
 namespace orven {
 namespace {
 
 constexpr std::uint32_t kFlat = 0x800;  // toolbar style TBSTYLE_FLAT
 constexpr int kThousandthsPerPercent = 10;
-
-bool CanBeKeyed(const QString& password) {
-  return std::ranges::all_of(password, [](QChar key) { return key == u'#' || (key >= u'0' && key <= u'9'); });
-}
 
 }  // namespace
 
@@ -58,11 +51,6 @@ void frmOptions::Connect() {
     silence_->setText(tr("%1 %").arg(value));
     ShowLevel(meter_->Level());
   });
-  connect(show_password_, &QAction::toggled, this, [this](bool on) {
-    txtPass_->setEchoMode(on ? QLineEdit::Normal : QLineEdit::Password);
-    show_password_->setIcon(ThemeIcon(on ? "password-show-off" : "password-show-on"));
-  });
-  connect(txtPass_, &QLineEdit::textChanged, this, &frmOptions::ShowPasswordHint);
 }
 
 void frmOptions::Fill() {
@@ -79,7 +67,6 @@ void frmOptions::Show() {
   ShowMessagesPath(parts_.engine.MessagesPath(), std::nullopt);
   greetings_->Fill(choices.Text("Greeting"));
   ShowCapabilities();
-  ShowPasswordHint();
 }
 
 Choices frmOptions::Taken() const {
@@ -102,17 +89,6 @@ void frmOptions::ShowCapabilities() {
                       : there            ? QString()
                       : device.isEmpty() ? tr("No device is chosen.")
                                          : tr("There is no device of this name now."));
-}
-
-void frmOptions::ShowPasswordHint() {
-  const auto password = txtPass_->text();
-  if (password.isEmpty()) {
-    password_hint_->setText(tr("Without a password anyone who keys * hears the messages."));
-  } else if (!CanBeKeyed(password)) {
-    password_hint_->setText(tr("A telephone can key the digits 0 to 9 and # only."));
-  } else {
-    password_hint_->setText(tr("Enter it while the greeting plays, then press *"));
-  }
 }
 
 void frmOptions::OpenLines() {

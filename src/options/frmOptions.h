@@ -18,9 +18,9 @@
 
 namespace orven {
 
-/// The options dialog. It shows what the engine loads and passes on the user's input. Most of its controls are
-/// made of the settings' rows; the object name of another is its member name. Modal to the main window only, so
-/// that calls continue. It cannot be closed while messages are being moved. User-interface thread.
+/// The options dialog. It shows what the engine loads and passes on the user's input. Most of its controls
+/// are made of the settings' rows; the object name of another is its member name. Modal to the main window
+/// only, so that calls continue. It cannot be closed while messages are being moved. User-interface thread.
 class frmOptions : public QDialog, private OptionsView {
   Q_OBJECT
 
@@ -58,7 +58,6 @@ class frmOptions : public QDialog, private OptionsView {
   void Show();
   Choices Taken() const;
   void ShowCapabilities();
-  void ShowPasswordHint();
   void OpenLines();
   void Ok();
 
@@ -86,9 +85,6 @@ class frmOptions : public QDialog, private OptionsView {
   QLabel* silence_ = nullptr;
   SilenceMeter* meter_ = nullptr;
   QLabel* meter_text_ = nullptr;
-  QLineEdit* txtPass_ = nullptr;
-  QAction* show_password_ = nullptr;
-  QLabel* password_hint_ = nullptr;
 
   QPushButton* cmdOK_ = nullptr;
   QPushButton* cmdCancel_ = nullptr;

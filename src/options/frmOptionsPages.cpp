@@ -9,7 +9,7 @@
 #include "options/frmOptions.h"
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
-#include "widgets/icons.h"
+#include "widgets/password_field.h"
 
 namespace orven {
 void frmOptions::AddPage(const char* name, const QString& title, void (frmOptions::*fill)(QFormLayout&)) {
@@ -129,14 +129,9 @@ QWidget* frmOptions::MakeRemoteAccess() {
   auto* frame = MakeChild<QGroupBox>(tr("Remote access"), this);
   auto* form = MakeChild<QFormLayout>(frame);
   for (const char* name : {"AllowRemoteAccess", "Pass"}) form_.Add(*form, name);
-  txtPass_ = &form_.Get<QLineEdit>("Pass");
-  show_password_ = txtPass_->addAction(ThemeIcon("password-show-on"), QLineEdit::TrailingPosition);
-  show_password_->setObjectName(QStringLiteral("actShowPass"));
-  show_password_->setText(tr("Show the password"));
-  show_password_->setToolTip(tr("Show the password"));
-  show_password_->setCheckable(true);
-  password_hint_ = MakeText("lblPassHint", frame);
-  form->addRow(QString(), password_hint_);
+  auto& password = form_.Get<QLineEdit>("Pass");
+  HidePassword(password);
+  form->addRow(QString(), MakePasswordHint(password, frame));
   return frame;
 }
 

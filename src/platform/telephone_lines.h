@@ -13,6 +13,9 @@ namespace orven {
 
 enum class LineKind { Sip, Modem, Sim };
 
+/// The name of the only line while none is stored. It takes calls from programs on this computer.
+inline constexpr const char* kFirstLine = "SIP 127.0.0.1:5060";
+
 /// One configured telephone line, as the user sees it. Texts are UTF-8.
 struct TelephoneLine {
   std::string name;  ///< the device name; two lines may share one

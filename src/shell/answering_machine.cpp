@@ -43,6 +43,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
                    views_.frame.Restore();
                  }),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
+      steps(store, settings, ports.Tapi1),
       control({ports.Tapi1, ports.Wave1, log, settings, home, call, line, open_calls}),
       caller_view(ports.loop, views.caller_view,
                   {.answer =

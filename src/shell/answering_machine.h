@@ -37,6 +37,7 @@
 #include "records/message_files.h"
 #include "records/message_move.h"
 #include "records/open_calls.h"
+#include "setup/setup_steps.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"
 #include "telephony/call_sequence.h"
@@ -103,6 +104,7 @@ class AnsweringMachine {
   StatusPanel status;
   LineAlarm line_alarm;
   LineManager line;
+  SetupSteps steps;
   CallControl control;
   CallerView caller_view;
   ActionsEngine actions;

@@ -80,8 +80,10 @@ void frmMain::LayOut() {
 }
 
 void frmMain::SetTabOrder() {
-  QList<QWidget*> order{ListView1_, player_->ToolBarPlayer().Find("Play"),
-                        player_->ToolBarPlayer().Find("Stop"), &player_->Slider1()};
+  QList<QWidget*> order{ListView1_};
+  order << ListView1_->Empty().findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+  order << QList<QWidget*>{player_->ToolBarPlayer().Find("Play"), player_->ToolBarPlayer().Find("Stop"),
+                           &player_->Slider1()};
   for (const char* name : {"cmbDefGreet", "TBQuickOption.Play", "TBQuickOption.Stop", "TBQuickOption.Add",
                            "TBQuickOption.Delete", "cmbRings", "chkRecMessage"}) {
     order << TBQuickOption_->findChild<QWidget*>(QString::fromLatin1(name));
@@ -133,6 +135,9 @@ void frmMain::AttachList() {
   connect(ListView1_, &CallListWidget::clicked, this,
           [&commands](const QModelIndex& index) { commands.ListView1_Click(index.row() + 1); });
   connect(ListView1_, &CallListWidget::DoubleClicked, this, [&commands] { commands.ListView1_DblClick(); });
+  connect(&ListView1_->Empty(), &EmptyCallList::SetupWanted, this, [this](SetupPage page) {
+    engine_->Commands().OpenDialog(Dialog::frmSetup, static_cast<int>(page));
+  });
   connect(ListView1_, &CallListWidget::MenuWanted, this, [&commands] { commands.PopUpMenu(); });
   connect(ListView1_, &CallListWidget::MenuOpens, this,
           [this](bool message) { menus_->RightClick(message).popup(ListView1_->MenuPosition()); });

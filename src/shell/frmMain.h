@@ -42,6 +42,7 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
   std::uint32_t ToolbarStyle(Toolbar toolbar) const noexcept override;
   void SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept override;
   void ShowQuickToolbar(bool on) noexcept override;
+  void ShowSetupOffers(const SetupOffers& offers) noexcept override;
   bool GridLines() const noexcept override;
   void SetGridLines(bool on) noexcept override;
   void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept override;

@@ -101,7 +101,8 @@ class CallDelegate : public QStyledItemDelegate {
 
 }  // namespace
 
-CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(MakeChild<CallModel>(this)) {
+CallListWidget::CallListWidget(QWidget* parent)
+    : QTableView(parent), model_(MakeChild<CallModel>(this)), empty_(MakeChild<EmptyCallList>(this)) {
   setObjectName(QStringLiteral("ListView1"));
   setAccessibleName(tr("Calls"));
   setItemDelegate(MakeChild<CallDelegate>(this, style_));
@@ -124,6 +125,9 @@ CallListWidget::CallListWidget(QWidget* parent) : QTableView(parent), model_(Mak
   horizontalHeader()->setStretchLastSection(true);
   horizontalHeader()->setDefaultSectionSize(kLeastColumn);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  for (const auto changed : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+    connect(model_, changed, this, &CallListWidget::PlaceEmpty);
+  connect(model_, &QAbstractItemModel::modelReset, this, &CallListWidget::PlaceEmpty);
   SetMetrics();
 }
 
@@ -267,12 +271,21 @@ void CallListWidget::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetMetrics();
 }
 
-void CallListWidget::paintEvent(QPaintEvent* event) {
-  QTableView::paintEvent(event);
-  if (model_->rowCount() > 0) return;
-  QPainter painter(viewport());
-  painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, tr("No calls yet."));
+void CallListWidget::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  PlaceEmpty();
+}
+
+void CallListWidget::ShowSetupOffers(const SetupOffers& offers) {
+  empty_->Show(offers);
+  PlaceEmpty();
+}
+
+void CallListWidget::PlaceEmpty() {
+  const auto room = viewport()->geometry();
+  empty_->setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignCenter,
+                                          empty_->sizeHint().boundedTo(room.size()), room));
+  empty_->setVisible(model_->rowCount() == 0);
 }
 
 }  // namespace orven

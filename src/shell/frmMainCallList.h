@@ -6,6 +6,7 @@
 
 #include "records/call_list.h"
 #include "shell/frmMainCallModel.h"
+#include "shell/frmMainEmpty.h"
 
 namespace orven {
 
@@ -30,6 +31,10 @@ class CallListWidget : public QTableView, public CallListView {
   void EnsureVisible(std::int32_t index) override;
   void PopUpMenu(bool message) override { emit MenuOpens(message); }
 
+  /// What is shown in place of the rows while there are none.
+  EmptyCallList& Empty() { return *empty_; }
+  void ShowSetupOffers(const SetupOffers& offers);
+
   /// Extended list style bits: 0x1 grid lines, 0x20 full-row select.
   void SetStyleBits(std::uint32_t mask, std::uint32_t style);
   std::uint32_t StyleBits() const { return style_; }
@@ -48,7 +53,7 @@ class CallListWidget : public QTableView, public CallListView {
   void MenuOpens(bool message);
 
  protected:
-  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -63,9 +68,11 @@ class CallListWidget : public QTableView, public CallListView {
   int SelectedRow() const;
   CallRow CallAt(const QMouseEvent& event) const;
   void SetMetrics();
+  void PlaceEmpty();
   void ScrollBy(int rows);
 
   CallModel* model_;
+  EmptyCallList* empty_;
   CallRow pressed_;  ///< the call on which the mouse was pressed last
   std::vector<CallColumn> columns_;
   std::uint32_t style_ = 0;

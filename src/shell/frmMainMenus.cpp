@@ -83,6 +83,7 @@ void MainMenus::AddBar() {
                        {"mnuGreetingsPage", QT_TR_NOOP("Web Page on Greetings"), "internet-services"},
                        {"mnuSoundsPage", QT_TR_NOOP("Web Page on Sounds"), "internet-services"},
                        {},
+                       {"mnuSetup", QT_TR_NOOP("Set-up Assistant…")},
                        {"mnuCheckUp", QT_TR_NOOP("Check-up…")}}));
   bar.addMenu(AddMenu("mnuHelp", QT_TR_NOOP("Help"),
                       {{"mnuContents", QT_TR_NOOP("Contents"), "help-contents"},
@@ -204,7 +205,8 @@ void MainMenus::AttachDialogs(MainCommands& commands) {
                {"mnuIdelCall", Dialog::frmEvents, 2},      {"mnuMail", Dialog::frmActions, 0},
                {"mnuAplication", Dialog::frmActions, 1},   {"mnuGeneral", Dialog::frmOptions, 0},
                {"mnuDevices", Dialog::frmOptions, 1},      {"mnuAnswerMode", Dialog::frmOptions, 2},
-               {"mnuAdvance", Dialog::frmOptions, 3},      {"mnuCheckUp", Dialog::frmCheckUp, 0},
+               {"mnuAdvance", Dialog::frmOptions, 3},      {"mnuSetup", Dialog::frmSetup, 0},
+               {"mnuCheckUp", Dialog::frmCheckUp, 0},
                {"mnuAbout", Dialog::frmAbout, 0}};
   for (const auto& item : kTabs)
     On(item.name, [&commands, item] { commands.OpenDialog(item.dialog, item.tab); });

@@ -69,6 +69,10 @@ void frmMain::SetToolbarStyle(Toolbar toolbar, std::uint32_t style) noexcept {
   Bar(toolbar).SetStyle(style);
 }
 
+void frmMain::ShowSetupOffers(const SetupOffers& offers) noexcept {
+  ListView1_->ShowSetupOffers(offers);
+}
+
 void frmMain::ShowQuickToolbar(bool on) noexcept {
   TBQuickOption_->setVisible(on);
 }

@@ -19,7 +19,7 @@
 namespace orven {
 
 /// The dialogs that the main window opens.
-enum class Dialog { frmLog, frmEvents, frmActions, frmOptions, frmGreetC, frmAbout, frmCheckUp };
+enum class Dialog { frmLog, frmEvents, frmActions, frmOptions, frmGreetC, frmAbout, frmSetup, frmCheckUp };
 
 /// Opens the main window's dialogs, modally. User-interface thread.
 class DialogFactory {

@@ -20,6 +20,9 @@ constexpr auto kClockInterval = 1s;
 /// A desktop or panel that is starting shows its notification area within twice this time.
 constexpr auto kTrayPatience = 10s;
 
+/// The setting that the first close of the window leaves.
+constexpr const char* kClosedBefore = "ClosedBefore";
+
 }  // namespace
 
 MainWindow::MainWindow(EnginePorts ports, MainWindowViews views, const ApplicationFolder& home,
@@ -114,6 +117,7 @@ void MainWindow::StartUp() {
     machine_.sounds.PlayWave(machine_.home.Path("\\beep.wav"));
   }
   views_.player.EnableSlider(false);
+  views_.frame.ShowSetupOffers(machine_.steps.Offers());
   const auto& note = machine_.folders.Note();
   if (!note.empty()) machine_.status.ShowStatus(note);
 }
@@ -151,6 +155,7 @@ bool MainWindow::Unload() {
     machine_.window_hidden = true;
     machine_.store.SetView(views_.frame, machine_.window_hidden);
     trap([&] { PutAway(); });
+    trap([&] { TellThatItGoesOn(); });
     return false;
   }
   trap([&] { CloseOtherWindows(); });
@@ -219,6 +224,22 @@ void MainWindow::PutAway() {
   machine_.log.WriteSystem("No notification area: the window is minimised, not hidden");
 }
 
+/// Once, at the first close: who closes a window may think that the program has ended.
+void MainWindow::TellThatItGoesOn() {
+  if (machine_.store.Value(kClosedBefore) == "1") return;
+  machine_.store.Set(kClosedBefore, "1");
+  const Words hidden =
+      "ORVEN goes on answering calls. Its icon in the notification area opens this window again. To end it, "
+      "choose Exit in the menu of the icon, or File, Exit in the window.";
+  const Words minimised =
+      "ORVEN goes on answering calls: its window is only minimised, because this desktop has no notification "
+      "area. To end it, choose File, Exit in the window.";
+  const auto& text = ports_.shell.HasNotificationArea() ? hidden : minimised;
+  ports_.loop.Post(lifeline_.Bind([this, text] {
+    if (!ended_) ports_.dialogs.Information(text);
+  }));
+}
+
 /// Minimises a hidden window whose icon has disappeared, because nothing else could bring it back.
 void MainWindow::WatchTray() {
   if (!machine_.window_hidden || ended_) return TrayWatch_->Stop();
@@ -252,7 +273,9 @@ void MainWindow::CameBack() {
 
 void MainWindow::ActivationChanged() {
   auto& list = machine_.ListView1;
-  if (loaded_ && !ended_ && machine_.filing.RecordsAreOpen() && list.Count() == 0) list.FollowRecords();
+  if (!loaded_ || ended_ || list.Count() > 0) return;
+  if (machine_.filing.RecordsAreOpen()) list.FollowRecords();
+  views_.frame.ShowSetupOffers(machine_.steps.Offers());
 }
 
 }  // namespace orven

@@ -55,7 +55,8 @@ class MainWindow : public MainWindowStart {
   void SightChanged(bool seen);
 
   /// The window became active or inactive. An empty list is read again, because another program may have
-  /// added calls; other lists stay as they are, so that no row moves under the mouse.
+  /// added calls, and offers what is still to be set up; other lists stay as they are, so that no row moves
+  /// under the mouse.
   void ActivationChanged();
 
   /// Runs as a posted task: shows the remaining records, and a message box about what happened to records or
@@ -83,6 +84,7 @@ class MainWindow : public MainWindowStart {
   void CloseOtherWindows();
   void StopSounds();
   void PutAway();
+  void TellThatItGoesOn();
   void WatchTray();
 
   EnginePorts ports_;

@@ -10,6 +10,7 @@
 #include "notify/status_panel.h"
 #include "records/call_list.h"
 #include "records/local_player.h"
+#include "setup/setup_steps.h"
 
 namespace orven {
 
@@ -61,6 +62,9 @@ class WindowFrame : public PlacedWindow {
 
   /// Closes the caller view and the log viewer if they are loaded.
   virtual void CloseOtherWindows() noexcept = 0;
+
+  /// What an empty call list offers to set up.
+  virtual void ShowSetupOffers(const SetupOffers& offers) noexcept = 0;
 
   /// Second and third panel of `StatusBar1`.
   virtual void ShowClock(const std::string& time, const std::string& date) noexcept = 0;

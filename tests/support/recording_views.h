@@ -129,6 +129,7 @@ class RecordingViews : public LineView,
   WindowGeometry geometry{100, 200, 9000, 6000, 0};
   bool grid_lines = false, shown = false, in_front = false, minimised = false, others_closed = false;
   bool quick_toolbar = false;
+  SetupOffers offers;
   int tray_menus = 0;
   std::uint32_t list_style = 0;
   mutable std::map<Toolbar, std::uint32_t> toolbar_styles;
@@ -139,6 +140,7 @@ class RecordingViews : public LineView,
     toolbar_styles[toolbar] = style;
   }
   void ShowQuickToolbar(bool on) noexcept override { quick_toolbar = on; }
+  void ShowSetupOffers(const SetupOffers& shown_offers) noexcept override { offers = shown_offers; }
   bool GridLines() const noexcept override { return grid_lines; }
   void SetGridLines(bool on) noexcept override { grid_lines = on; }
   void SetListStyle(std::uint32_t mask, std::uint32_t style) noexcept override {

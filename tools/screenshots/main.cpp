@@ -94,6 +94,7 @@ int Make(const Scene& scene, const QString& folder) {
   FileCalls(desk, scene.calls);
   desk.Start();
   desk.window.resize(scene.size);
+  if (scene.calls == 0) desk.window.ShowSetupOffers({.telephone = true, .greeting = true, .password = true});
   if (scene.calls > 0) desk.ClickRow(3);
   if (scene.playing) {
     desk.Do("ToolBarPlayer.Play");
@@ -118,7 +119,8 @@ constexpr struct {
                 {"creator", MakeCreator},
                 {"options", MakeOptions},
                 {"logs", MakeLogs},
-                {"lines", MakeLines}};
+                {"lines", MakeLines},
+                {"setup", MakeSetup}};
 
 /// The picture named by the second argument: a dialog, or the main window by its number.
 int MakeOne(int argc, char** argv, const QString& folder) {
@@ -145,7 +147,7 @@ int main(int argc, char** argv) {
   if (argc > 2) return orven::test::MakeOne(argc, argv, folder);
   if (!QDir().mkpath(folder)) return 1;
   QStringList pictures{QStringLiteral("dialogs"), QStringLiteral("lines_modem")};
-  for (const char* name : {"creator", "options", "logs", "lines"}) {
+  for (const char* name : {"creator", "options", "logs", "lines", "setup"}) {
     for (const char* variant : {"", "_dark", "_scaled"})
       pictures << QLatin1String(name) + QLatin1String(variant);
   }

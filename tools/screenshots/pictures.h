@@ -30,6 +30,8 @@ bool MakeOptions(const QString& folder, const QByteArray& name);
 bool MakeCreator(const QString& folder, const QByteArray& name);
 /// The log viewer, the log properties and the about box: "logs…".
 bool MakeLogs(const QString& folder, const QByteArray& name);
+/// The pages of the set-up assistant: "setup…", four files.
+bool MakeSetup(const QString& folder, const QByteArray& name);
 /// The telephone lines and the dialog of one line: "lines…"; "lines_modem" is for a modem.
 bool MakeLines(const QString& folder, const QByteArray& name);
 

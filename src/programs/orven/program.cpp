@@ -240,15 +240,28 @@ void Program::WaitForLines() {
 
 bool Program::Start(const std::string& command_line) {
   FirstStart first_start(registry_, system_, home_, FirstStartSources());
-  EntryRoutine entry(system_, dialogs_, first_start, [this](bool first) { PrepareFolder(first); });
+  bool fresh = false;
+  EntryRoutine entry(system_, dialogs_, first_start, [&](bool first) {
+    fresh = first && IsNewFolder();
+    PrepareFolder(first);
+  });
   // The box about the other program takes it from the environment.
   const auto token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN").toStdString();
   if (!entry.Run(command_line, window_)) {
     if (HasDisplay()) (void)AskRunningProgram(home_.Path(), kRaise + (' ' + token), kRaiseLimit);
     return false;
   }
-  if (!Ended()) mail_.Resume();
+  if (Ended()) return true;
+  mail_.Resume();
+  if (fresh && frame_.isVisible() && HasDisplay())
+    loop_.Post(lifeline_.Bind([this] { window_.Commands().OpenDialog(Dialog::frmSetup); }));
   return true;
+}
+
+/// Nobody has set anything up here before.
+bool Program::IsNewFolder() const {
+  std::error_code none;
+  return !std::filesystem::exists(home_.Path(kRecords), none) && !std::filesystem::exists(LinesPath(), none);
 }
 
 void Program::PrepareFolder(bool first_start) {

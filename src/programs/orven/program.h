@@ -70,6 +70,7 @@ class Program {
 
  private:
   void PrepareFolder(bool first_start);
+  bool IsNewFolder() const;
   FirstStart::Sources FirstStartSources();
   void TellOfLostSettings();
   void TellOfTrouble(const LineHealth& line);

@@ -25,6 +25,7 @@
 #include "options/frmLines.h"
 #include "options/frmOptions.h"
 #include "options/lines_dialog.h"
+#include "setup/frmSetup.h"
 #include "shell/frmAbout.h"
 
 namespace orven {
@@ -69,6 +70,7 @@ void ProgramDialogs::Open(Dialog dialog, int tab) {
   if (dialog == Dialog::frmLog) OpenLog();
   if (dialog == Dialog::frmOptions) OpenOptions(tab);
   if (dialog == Dialog::frmCheckUp) OpenCheckUp();
+  if (dialog == Dialog::frmSetup) OpenSetup(tab);
   if (dialog == Dialog::frmAbout) frmAbout(kApplicationVersion, ProgramComponents(), window_).exec();
 }
 
@@ -84,10 +86,13 @@ void ProgramDialogs::AttachLines(TelephoneLines& lines, std::function<bool()> us
   use_changed_lines_ = std::move(use_changed);
 }
 
-void ProgramDialogs::OpenLines(QWidget* parent) {
+LinesDialog::Parts ProgramDialogs::ForLines() {
   auto& machine = *machine_;
-  LinesDialog engine(
-      {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_});
+  return {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_};
+}
+
+void ProgramDialogs::OpenLines(QWidget* parent) {
+  LinesDialog engine(ForLines());
   frmLines(engine, parent).exec();
 }
 
@@ -106,18 +111,31 @@ void ProgramDialogs::OpenCheckUp() {
       .exec();
 }
 
+void ProgramDialogs::OpenSetup(int page) {
+  auto& machine = *machine_;
+  frmSetup window(window_);
+  SetupAssistant engine(
+      {ports_.loop, ForLines(), ForActions(), machine.store, machine.settings, machine.steps, machine.line,
+       machine.library, machine.sounds, machine.player, [&](CreatorTab tab) { MakeGreeting(&window, tab); },
+       machine.ForOwnCall(*own_caller_)},
+      window);
+  window.Attach(engine);
+  engine.Open(static_cast<SetupPage>(page));
+  window.exec();
+}
+
 void ProgramDialogs::OpenGreetingCreator() {
   MakeGreeting(window_);
 }
 
-std::optional<std::string> ProgramDialogs::MakeGreeting(QWidget* parent) {
+std::optional<std::string> ProgramDialogs::MakeGreeting(QWidget* parent, CreatorTab first) {
   look_for_cards_();  // a microphone may have been plugged in
   // A greeting may be saved shortly after its window was closed.
   const auto saved = std::make_shared<std::optional<std::string>>();
   frmGreetC window(parent);
   GreetingCreator engine(machine_->ForGreetingCreator([saved](const std::string& name) { *saved = name; }),
                          window);
-  window.Attach(engine);
+  window.Attach(engine, first);
   window.exec();
   return *saved;
 }
@@ -146,10 +164,14 @@ void ProgramDialogs::OpenLog() {
       .exec();
 }
 
-void ProgramDialogs::OpenActions(int tab) {
+ActionsDialog::Parts ProgramDialogs::ForActions() {
   auto& machine = *machine_;
-  ActionsDialog engine({machine.store, machine.log, ports_.dialogs, ports_.shell, ports_.clock,
-                        [&machine] { machine.store.GetMainAction(); }});
+  return {machine.store, machine.log,  ports_.dialogs,
+          ports_.shell,  ports_.clock, [&machine] { machine.store.GetMainAction(); }};
+}
+
+void ProgramDialogs::OpenActions(int tab) {
+  ActionsDialog engine(ForActions());
   frmActions(engine, tab, window_).exec();
 }
 

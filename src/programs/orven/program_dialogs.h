@@ -6,7 +6,9 @@
 #include <optional>
 #include <string>
 
+#include "actions/actions_dialog.h"
 #include "adapters/desktop/qt_dialogs.h"
+#include "options/lines_dialog.h"
 #include "platform/own_caller.h"
 #include "platform/telephone_lines.h"
 #include "programs/orven/check_up_ports.h"
@@ -40,11 +42,14 @@ class ProgramDialogs : public DialogFactory {
   void Open(Dialog dialog, int tab) override;
 
  private:
+  LinesDialog::Parts ForLines();
+  ActionsDialog::Parts ForActions();
   void OpenEvents(int tab);
   void OpenActions(int tab);
   void OpenGreetingCreator();
   void OpenOptions(int tab);
-  std::optional<std::string> MakeGreeting(QWidget* parent);
+  void OpenSetup(int page);
+  std::optional<std::string> MakeGreeting(QWidget* parent, CreatorTab first = CreatorTab::Speaker);
   void OpenLog();
   void OpenCheckUp();
 

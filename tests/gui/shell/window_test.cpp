@@ -58,6 +58,7 @@ TEST_F(Window, EachCommandOpensItsDialogOrPage) {
   const std::tuple<const char*, Dialog, int> dialogs[] = {{"mnuAdvance", frmOptions, 3},
                                                           {"mnuGreetingCreator", frmGreetC, 0},
                                                           {"mnuLog", frmLog, 0},
+                                                          {"mnuSetup", frmSetup, 0},
                                                           {"Toolbar1.Log", frmLog, 0},
                                                           {"Toolbar1.Events", frmEvents, 0},
                                                           {"Toolbar1.Actions", frmActions, 0},
@@ -76,6 +77,25 @@ TEST_F(Window, EachCommandOpensItsDialogOrPage) {
     EXPECT_EQ(desk.dialogs.informations.back(),
               "No program on this computer opens " + desk.shell.opened.back());
   }
+}
+
+TEST_F(Window, AnEmptyListLeadsToWhatIsStillToBeSetUp) {
+  desk.window.ShowSetupOffers({.telephone = true, .greeting = true, .password = true});
+  int page = 0;
+  for (const char* link : {"lnkTelephone", "lnkGreeting", "lnkPassword"}) {
+    QTest::keyClick(&desk.Get<QPushButton>(link), Qt::Key_Space);
+    EXPECT_EQ(desk.dialog_factory.opened.back(), std::pair(Dialog::frmSetup, page++));
+  }
+  ExpectTidy(window);
+  desk.Machine().quick_options.SetGreeting("Default");
+  desk.engine->ActivationChanged();
+  EXPECT_FALSE(desk.Get<QPushButton>("lnkTelephone").isVisible())
+      << "the line \"Home\" is not the first start's";
+  EXPECT_TRUE(desk.Get<QPushButton>("lnkGreeting").isVisible());
+  desk.File({{"Anna"}});
+  desk.Machine().ListView1.makeList();
+  EXPECT_FALSE(desk.Get<QPushButton>("lnkGreeting").isVisible() ||
+               desk.Get<QLabel>("lblNoCalls").isVisible());
 }
 
 TEST(AboutBox, NamesTheVersionAndTheLibraries) {

@@ -42,9 +42,15 @@ TEST_F(MainWindowTest, LoadsThenStarts) {
   }
 }
 
-TEST_F(MainWindowTest, ClosingOnlyHidesAndExitEnds) {
+TEST_F(MainWindowTest, ClosingOnlyHidesSaysSoOnceAndExitEnds) {
   Start();
-  EXPECT_FALSE(window->Unload());
+  shell.notification_area = false;
+  for (int close = 0; close < 2; ++close) {
+    EXPECT_FALSE(window->Unload());
+    RunFor(1s);
+    EXPECT_THAT(dialogs.informations, ElementsAre(testing::HasSubstr("only minimised")));
+    shell.notification_area = true;
+  }
   EXPECT_TRUE(!views.shown && !ended && Tapi1->IsLineOpen(0));
   registry.Set("KeepAwake", "1");
   for (const bool on : {false, true}) {

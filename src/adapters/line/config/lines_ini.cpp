@@ -208,7 +208,7 @@ LinesFile ReadLines(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   if (status.type() == std::filesystem::file_type::not_found) {
-    return {{{"SIP 127.0.0.1:5060", 0, "sip", {{"listen", "127.0.0.1:5060"}}}}, {}, "", false};
+    return {{{kFirstLine, 0, "sip", {{"listen", "127.0.0.1:5060"}}}}, {}, "", false};
   }
   if (error)
     return {{}, {file_name + ": cannot be read (" + error.message() + "): expected a readable text file"}};

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QWidget>
+
+#include "core/settings.h"
+#include "widgets/settings_form.h"
+
+namespace orven {
+
+/// The set-up assistant's page about hearing the messages elsewhere, made of the settings' rows.
+/// User-interface thread.
+class frmSetupAway : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit frmSetupAway(QWidget* parent);
+
+  /// As SetupView has them.
+  void Show(const Choices& choices);
+  Choices Taken() const { return form_.Taken(); }
+  void ShowWrong(const SettingRow& row) { form_.Get(row.name).setFocus(); }
+
+ private:
+  void AddMail();
+  void ShowMail(bool on);
+
+  SettingsForm form_;
+  QFormLayout* fields_;
+};
+
+}  // namespace orven
