@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Checks the structure of the source: what each floor includes, the length of each file, the share of tests,
-and the licence line of each file.
+the licence line of each file, and the guide's pages for the dialogs.
 
     check_house.py ROOT
 
@@ -26,6 +26,10 @@ STANDARD_HEADER = re.compile(r"[a-z_]+")  # standard headers have no extension, 
 LICENSED = re.compile(r"(\.(cpp|h|py|sh|cmake)|/CMakeLists\.txt|/run)$")
 LICENCE_LINE = "SPDX-License-Identifier: GPL-3.0-or-later"
 CHECKED_FOLDERS = ("src", "tests", "tools", "bench", "cmake", "assets", "demo", "packaging", ".ci")
+
+# The dialogs' pages of the guide: {"frmName", "part", "page"}.
+GUIDE_TABLE = "src/shell/frmGuideKey.cpp"
+GUIDE_PAGE = re.compile(r'\{"frm\w+", "\w*", "(\w+)"\}')
 
 # A longer file contains more than one idea.
 LONGEST_FILE = 450
@@ -111,6 +115,13 @@ def share_faults(texts):
                "restate the code, a library or another test?")
 
 
+def guide_faults(texts, root):
+    """F1 in a dialog must not lead to a page that does not exist."""
+    for page in sorted(set(GUIDE_PAGE.findall(texts.get(GUIDE_TABLE, "")))):
+        if not os.path.exists(os.path.join(root, "docs", "guide", page + ".md")):
+            yield f"{GUIDE_TABLE}: the guide has no page {page}.md"
+
+
 def faults_of(root):
     texts = {}
     for path in files_below(root):
@@ -119,7 +130,8 @@ def faults_of(root):
                 texts[path] = file.read()
     if not any(path.startswith("src/") for path in texts):
         return ["src: no source files found"]
-    return [fault for path, text in texts.items() for fault in faults_in(path, text)] + list(share_faults(texts))
+    faults = [fault for path, text in texts.items() for fault in faults_in(path, text)]
+    return [*faults, *share_faults(texts), *guide_faults(texts, root)]
 
 
 if __name__ == "__main__":
