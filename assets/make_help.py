@@ -100,7 +100,7 @@ def main(guide, style, folder, language="en"):
         shutil.copyfile(style, os.path.join(folder, "help.css"))
     else:
         translated = texts_in(os.path.join(guide, language))
-    contents_word, next_word = WORDS[language]
+    contents_word, next_word = WORDS.get(language, WORDS["en"])
     order, texts = pages_of(guide, translated)
     for name in order:
         body = markdown.markdown(texts[name], extensions=["tables", "toc", "fenced_code", "sane_lists"])

@@ -281,8 +281,8 @@ void frmMSG::ShowRing(const Words& text) noexcept {
 }
 
 void frmMSG::ShowCall(const Call& call) noexcept {
-  caller_->setText(QString::fromStdString(call.caller_name));
-  number_->setText(QString::fromStdString(call.caller_number));
+  caller_->setText(Shown(CallerWords(call.caller_name)));
+  number_->setText(Shown(CallerWords(call.caller_number)));
   date_->setText(QString::fromStdString(call.date));
   time_->setText(QString::fromStdString(call.time));
   message_->setText(QString::fromStdString(call.message_path));

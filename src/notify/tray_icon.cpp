@@ -35,7 +35,8 @@ TrayIcon::TrayIcon(EventLoop& loop, Shell& shell, SystemLog& log, std::function<
 }
 
 void TrayIcon::MakeSysTryBaloon(std::int32_t total, std::int32_t new_calls) {
-  record_.tip = TipField("ORVEN - Calls:" + std::to_string(total) + "  New:" + std::to_string(new_calls));
+  record_.text = Words("ORVEN - Calls:%1  New:%2").Arg(total).Arg(new_calls);
+  record_.tip = TipField(record_.text.English());
   Send(line_);
 }
 

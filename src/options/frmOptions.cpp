@@ -5,6 +5,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -56,7 +57,7 @@ void frmOptions::Connect() {
 void frmOptions::Fill() {
   const auto lists = parts_.engine.Lists();
   FillList(*cmbModemDev_, lists.devices);
-  FillList(form_.Get<QComboBox>("Sound"), lists.cards);
+  ShowSoundCards(lists.cards);
 }
 
 void frmOptions::Show() {
@@ -80,8 +81,8 @@ void frmOptions::ShowCapabilities() {
   const auto values = parts_.engine.Capabilities(cmbModemDev_->currentText().toStdString());
   bool there = false;
   for (std::size_t i = 0; i < capabilities_.size(); ++i) {
-    capabilities_[i]->setText(QString::fromStdString(values[i].second));
-    there = there || !values[i].second.empty();
+    capabilities_[i]->setText(Shown(values[i].second));
+    there = there || !values[i].second.Empty();
   }
   const auto device = cmbModemDev_->currentText();
   const bool waits = there && parts_.engine.AnotherLineIsOpen(device.toStdString());
@@ -112,10 +113,10 @@ void frmOptions::ShowLevel(std::optional<std::int32_t> level) noexcept {
                            : tr("The caller's level now: %1 % (silent)").arg(percent));
 }
 
-void frmOptions::ShowSoundCards(const std::vector<std::string>& names) noexcept {
+void frmOptions::ShowSoundCards(const std::vector<Words>& names) noexcept {
   auto& list = form_.Get<QComboBox>("Sound");
   for (int i = 0; i < int(names.size()); ++i) {
-    const auto name = QString::fromStdString(names[std::size_t(i)]);
+    const auto name = Shown(names[std::size_t(i)]);
     if (i == list.count()) list.addItem(name);
     if (list.itemText(i) != name) list.setItemText(i, name);
   }

@@ -62,7 +62,7 @@ class frmOptions : public QDialog, private OptionsView {
   void Ok();
 
   void ShowLevel(std::optional<std::int32_t> level) noexcept override;
-  void ShowSoundCards(const std::vector<std::string>& names) noexcept override;
+  void ShowSoundCards(const std::vector<Words>& names) noexcept override;
   void ShowMessagesPath(const std::string& path,
                         const std::optional<RelocationProgress>& moving) noexcept override;
 

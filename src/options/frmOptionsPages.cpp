@@ -10,6 +10,7 @@
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
 #include "widgets/password_field.h"
+#include "widgets/translation.h"
 
 namespace orven {
 void frmOptions::AddPage(const char* name, const QString& title, void (frmOptions::*fill)(QFormLayout&)) {
@@ -71,7 +72,7 @@ QWidget* frmOptions::MakeCapabilities() {
   const auto labels = parts_.engine.Capabilities({});
   for (std::size_t i = 0; i < std::min(labels.size(), std::size(names)); ++i) {
     auto* value = MakeText(names[i], frame);
-    form->addRow(tr(labels[i].first.c_str()), value);
+    form->addRow(Shown(labels[i].first), value);
     capabilities_.push_back(value);
   }
   no_device_ = MakeText("lblNoDevice", frame);

@@ -24,6 +24,10 @@ constexpr std::int32_t kMostMissingCards = 64;
 
 constexpr const char* kAutostartName = "ORVEN";
 
+Words MissingCard(std::int32_t number) {
+  return Words("Sound card %1 (not connected)").Arg(number);
+}
+
 }  // namespace
 
 SoundList GreetingPlayer::Fill(const std::string& selected) const {
@@ -83,34 +87,36 @@ std::vector<std::string> OptionsDialog::Devices() const {
 }
 
 /// A card's place in the list is its number, so missing cards keep their places.
-std::vector<std::string> OptionsDialog::SoundCards() {
-  auto names = parts_.cards.Names();
-  const auto chosen = parts_.settings.Sound;
-  while (chosen < kMostMissingCards && ToCount(names.size()) <= chosen) {
-    names.push_back("Sound card " + std::to_string(names.size()) + " (not connected)");
+std::vector<Words> OptionsDialog::SoundCards() {
+  std::vector<Words> cards;
+  for (const auto& name : parts_.cards.Names()) {
+    const auto number = ToCount(cards.size());
+    cards.push_back(number == 0 ? Words("Default output") : name.empty() ? MissingCard(number) : Words(name));
   }
-  return names;
+  const auto chosen = parts_.settings.Sound;
+  while (chosen < kMostMissingCards && ToCount(cards.size()) <= chosen)
+    cards.push_back(MissingCard(ToCount(cards.size())));
+  return cards;
 }
 
 Choices OptionsDialog::Load() {
   return parts_.store.StoredChoices(Group::Options, ErrorTrap(parts_.log, "ErrGetOptions->"));
 }
 
-std::vector<std::pair<std::string, std::string>> OptionsDialog::Capabilities(
-    const std::string& device) const {
+std::vector<std::pair<Words, Words>> OptionsDialog::Capabilities(const std::string& device) const {
   const auto index = parts_.line.FindByName(device);
   const bool there = index >= 0;
   DeviceCapabilities capabilities;
   if (there) parts_.Tapi1.GetDevCaps(index, capabilities);
-  const auto flag = [there](bool on) { return std::string(!there ? "" : on ? "Yes" : "No"); };
-  return {{"Device Name:", capabilities.device_name},
-          {"Max Rate: ", there ? std::to_string(capabilities.max_rate) + " bit/s" : ""},
-          {"Support CallerID: ", flag(capabilities.caller_id)},
-          {"Support Monitor Digits: ", flag(capabilities.monitor_digits)},
-          {"Support Generate Digits: ", flag(capabilities.generate_digits)},
-          {"Data Mode:", flag(capabilities.data_mode)},
-          {"Interactivevoice:", flag(capabilities.interactive_voice)},
-          {"Auto Voice:", flag(capabilities.automated_voice)}};
+  const auto flag = [there](bool on) { return !there ? Words() : on ? Words("Yes") : Words("No"); };
+  return {{Words("Device Name:"), capabilities.device_name},
+          {Words("Max Rate: "), there ? Words("%1 bit/s").Arg(capabilities.max_rate) : Words()},
+          {Words("Support CallerID: "), flag(capabilities.caller_id)},
+          {Words("Support Monitor Digits: "), flag(capabilities.monitor_digits)},
+          {Words("Support Generate Digits: "), flag(capabilities.generate_digits)},
+          {Words("Data Mode:"), flag(capabilities.data_mode)},
+          {Words("Interactivevoice:"), flag(capabilities.interactive_voice)},
+          {Words("Auto Voice:"), flag(capabilities.automated_voice)}};
 }
 
 bool OptionsDialog::AnotherLineIsOpen(const std::string& device) const {

@@ -58,7 +58,7 @@ class GreetingPlayer {
 /// What the lists of the dialog offer.
 struct OptionLists {
   std::vector<std::string> devices;  ///< in device-index order
-  std::vector<std::string> cards;    ///< in the order of the cards' numbers
+  std::vector<Words> cards;          ///< in the order of the cards' numbers
 };
 
 /// What changes in the open dialog without the user's action.
@@ -69,7 +69,7 @@ class OptionsView {
   /// recorded.
   virtual void ShowLevel(std::optional<std::int32_t> level) noexcept = 0;
   /// The list `cmbSoundDev`. Cards keep their places; new ones are added at the end.
-  virtual void ShowSoundCards(const std::vector<std::string>& names) noexcept = 0;
+  virtual void ShowSoundCards(const std::vector<Words>& names) noexcept = 0;
   /// The messages folder, and the progress while messages are being moved to it.
   virtual void ShowMessagesPath(const std::string& path,
                                 const std::optional<RelocationProgress>& moving) noexcept = 0;
@@ -120,7 +120,7 @@ class OptionsDialog {
   std::string StoredDevice() const { return parts_.settings.ModemName; }
 
   /// A device's capabilities, as labels with their values; the values are empty for an unknown device.
-  std::vector<std::pair<std::string, std::string>> Capabilities(const std::string& device) const;
+  std::vector<std::pair<Words, Words>> Capabilities(const std::string& device) const;
 
   /// Whether the line is open on another device. It stays open until it is turned off.
   bool AnotherLineIsOpen(const std::string& device) const;
@@ -136,7 +136,7 @@ class OptionsDialog {
   void Save(Choices choices, bool autostart);
 
  private:
-  std::vector<std::string> SoundCards();
+  std::vector<Words> SoundCards();
   void LookAgain();
   std::vector<NamedRegistryValue> Take(const Choices& choices, const ErrorTrap& trap);
   void StoreAutostart(bool on);

@@ -101,8 +101,8 @@ class SoundCardNames {
   virtual ~SoundCardNames() = default;
 
   /// The names of the sound cards' outputs, as far as known; the index is the card's number,
-  /// the setting `Sound`. An unplugged card keeps its number, and its name says so. Also starts a new
-  /// search: a card that was just plugged in appears in a later answer.
+  /// the setting `Sound`; 0 is the desktop's default. An unplugged card keeps its number and has no name.
+  /// Also starts a new search: a card that was just plugged in appears in a later answer.
   virtual std::vector<std::string> Names() = 0;
 };
 

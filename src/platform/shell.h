@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "base/words.h"
+
 namespace orven {
 
 /// The pictures that the notification area can show for the program.
@@ -25,6 +27,7 @@ struct NotifyIconData {
   std::uint32_t callback_message = 512;  ///< WM_MOUSEMOVE
   NotifyIconPicture icon = NotifyIconPicture::MainWindow;
   std::string tip;  ///< kTipCharacters bytes, filled up with NUL
+  Words text;       ///< what the tip says, for a desktop that shows it in the user's language
 };
 
 /// Requests of Shell_NotifyIcon.

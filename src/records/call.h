@@ -5,13 +5,20 @@
 #include <cstdint>
 #include <string>
 
+#include "base/words.h"
+
 namespace orven {
 
 /// "Type" of a call that left no message.
 inline constexpr const char* kNoMessageType = "-1";
 
 /// Caller name and number when the network has not sent them.
-inline constexpr const char* kUnknownCaller = "UNKNOWN";
+inline constexpr const char* kUnknownCaller = Tr("UNKNOWN");
+
+/// A caller's name or number, to be shown.
+inline Words CallerWords(const std::string& text) {
+  return text == kUnknownCaller ? Words(kUnknownCaller) : Words(text);
+}
 
 /// `Call::record` of a call that gets no record.
 inline constexpr std::int64_t kNoRecord = -1;

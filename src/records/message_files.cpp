@@ -38,15 +38,20 @@ void DeleteEverywhere(Files& files, const std::vector<std::string>& paths) {
 
 void MessageFolders::Serve(const std::string& stored, bool moving) {
   serving_ = stored;
-  note_.clear();
+  note_ = {};
   const bool full = std::filesystem::path(stored).is_absolute();
   if (full && (moving || files_.Exists(FolderPart(stored)) || !files_.Exists(Own()))) return;
-  const auto fault = full                  ? "names a folder that does not exist (" + stored + ")"
-                     : stored == kNotFound ? "is missing"
-                                           : "is not a full path (\"" + stored + "\")";
   serving_ = Own();
-  note_ = "The setting MassagesPath " + fault + ": messages are stored in " + serving_;
-  log_.WriteSystem(note_);
+  if (full) {
+    note_ =
+        Words("The setting MassagesPath names a folder that does not exist (%2): messages are stored in %1");
+  } else if (stored == kNotFound) {
+    note_ = Words("The setting MassagesPath is missing: messages are stored in %1");
+  } else {
+    note_ = Words("The setting MassagesPath is not a full path (\"%2\"): messages are stored in %1");
+  }
+  note_ = std::move(note_).Arg(serving_).Arg(stored);
+  log_.WriteSystem(note_.English());
 }
 
 void MessageFolders::Moved(const std::string& folder) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/paths.h"
+#include "base/words.h"
 #include "core/activity_log.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -39,7 +40,7 @@ class MessageFolders {
   const std::string& Serving() const { return serving_; }
 
   /// For the status bar: why it was not the stored one at the start; empty when it was.
-  const std::string& Note() const { return note_; }
+  const Words& Note() const { return note_; }
 
   /// The folder that messages move to, ending in a separator; empty while none do.
   const std::string& Next() const { return next_; }
@@ -60,7 +61,8 @@ class MessageFolders {
   const Files& files_;
   SystemLog& log_;
   const ApplicationFolder& home_;
-  std::string serving_, next_, note_;
+  std::string serving_, next_;
+  Words note_;
 };
 
 /// An unused path in the folder of the message file `path`: its name, ".kept_" and the time now, as in

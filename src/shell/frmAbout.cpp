@@ -16,6 +16,7 @@
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
 #include "widgets/icons.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -89,7 +90,7 @@ QWidget* frmAbout::MakeComponents(const std::vector<Component>& components) {
   for (const auto& component : components) {
     list->addTopLevelItem(MakeChild<QTreeWidgetItem>(
         QStringList{QString::fromStdString(component.name), QString::fromStdString(component.version),
-                    QString::fromStdString(component.licence), QString::fromStdString(component.purpose)}));
+                    QString::fromStdString(component.licence), Shown(component.purpose)}));
   }
   list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   return list;

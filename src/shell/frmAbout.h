@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/words.h"
+
 namespace orven {
 
 /// A library that the program uses.
@@ -12,7 +14,7 @@ struct Component {
   std::string name;
   std::string version;
   std::string licence;  ///< an SPDX identifier, or words where there is none
-  std::string purpose;
+  Words purpose;
 };
 
 /// The about box: the program's purpose, version and licence, and the libraries it uses. Modal to the main

@@ -8,7 +8,9 @@
 #include <array>
 #include <exception>
 
+#include "records/call.h"
 #include "widgets/icons.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -107,8 +109,8 @@ QString CallModel::Text(const CallRow& row, int column) {
     case kLengthColumn: return QString::fromStdString(row.length);
     case kDateColumn: return QString::fromStdString(row.date);
     case kTimeColumn: return QString::fromStdString(row.time);
-    case kNumberColumn: return QString::fromStdString(row.number);
-    case kNameColumn: return QString::fromStdString(row.name);
+    case kNumberColumn: return Shown(CallerWords(row.number));
+    case kNameColumn: return Shown(CallerWords(row.name));
     default: return {};
   }
 }

@@ -119,7 +119,7 @@ void MainWindow::StartUp() {
   views_.player.EnableSlider(false);
   views_.frame.ShowSetupOffers(machine_.steps.Offers());
   const auto& note = machine_.folders.Note();
-  if (!note.empty()) machine_.status.ShowStatus(note);
+  if (!note.Empty()) machine_.status.ShowStatus(note);
 }
 
 void MainWindow::OpenRecords() {
@@ -129,7 +129,7 @@ void MainWindow::OpenRecords() {
   TellOfLoss(note);
 }
 
-void MainWindow::TellOfLoss(const std::string& text) {
+void MainWindow::TellOfLoss(const Words& text) {
   ports_.loop.Post(lifeline_.Bind([this, text] {
     if (ended_) return;
     machine_.ListView1.makeList();

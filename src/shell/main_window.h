@@ -61,7 +61,7 @@ class MainWindow : public MainWindowStart {
 
   /// Runs as a posted task: shows the remaining records, and a message box about what happened to records or
   /// settings.
-  void TellOfLoss(const std::string& text);
+  void TellOfLoss(const Words& text);
 
   /// `Check1` was clicked.
   void ChangeGridLines();

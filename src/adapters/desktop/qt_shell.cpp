@@ -100,7 +100,8 @@ QUrl Openable(const QString& target) {
 
 }  // namespace
 
-QtShell::QtShell(TrayPictures pictures) : pictures_(std::move(pictures)), nothing_(BlankPicture()) {
+QtShell::QtShell(TrayPictures pictures, Translation shown)
+    : pictures_(std::move(pictures)), shown_(std::move(shown)), nothing_(BlankPicture()) {
   if (!HasDisplay()) {
     MakeIcon();
     return;
@@ -135,7 +136,7 @@ bool QtShell::NotifyIcon(NotifyRequest request, const NotifyIconData& data) {
   // Every call sends the desktop a message, so only real changes are passed on.
   const bool new_picture = !std::exchange(added_, true) || data.icon != picture_;
   picture_ = data.icon;
-  const QString tip = TipText(data.tip);
+  const QString tip = data.text.Empty() ? TipText(data.tip) : QString::fromStdString(shown_(data.text));
   const bool new_tip = tip != std::exchange(tip_, tip);
   if (icon_ && new_picture) ShowPicture();
   if (icon_ && new_tip) icon_->setToolTip(tip_);

@@ -68,7 +68,7 @@ class QtShell final : public Shell {
   /// `twips_per_pixel`.
   using MouseHandler = std::function<void(double x, double twips_per_pixel)>;
 
-  explicit QtShell(TrayPictures pictures);
+  explicit QtShell(TrayPictures pictures, Translation shown = &Words::English);
 
   /// `on_mouse` receives the icon's clicks: WM_LBUTTONUP (514) for the one that activates it, WM_RBUTTONUP
   /// (517) for the one that opens its menu, nothing else.
@@ -110,6 +110,7 @@ class QtShell final : public Shell {
   std::string helper_name_;
   std::function<HelperStart()> start_helper_;
   const TrayPictures pictures_;
+  const Translation shown_;
   QIcon nothing_;
   MouseHandler on_mouse_;
   QPointer<QMenu> menu_;

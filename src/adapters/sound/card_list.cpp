@@ -47,8 +47,7 @@ std::string CardList::IdOf(std::int32_t number) const {
 std::vector<std::string> CardList::Names() const {
   const std::lock_guard lock(mutex_);
   std::vector<std::string> names{"Default output"};
-  for (const auto& [output, present] : known_)
-    names.push_back(present ? output.description : std::to_string(names.size()) + " (not connected)");
+  for (const auto& [output, present] : known_) names.push_back(present ? output.description : "");
   return names;
 }
 

@@ -90,7 +90,8 @@ Program::Program(Folders folders)
       uDat_(loop_),
       caller_view_(frame_),
       shell_({ProgramIcon(), OwnPicture(QStringLiteral("orven-off")),
-              OwnPicture(QStringLiteral("orven-trouble"))}),
+              OwnPicture(QStringLiteral("orven-trouble"))},
+             &InUsersLanguage),
       notifications_(&InUsersLanguage, HasDisplay()),
       caller_notice_(notifications_),
       colours_(HasDisplay()),
@@ -300,10 +301,14 @@ void Program::TellOfLostSettings() {
   const auto& damaged = registry_file_.DamagedFile();
   std::error_code none;
   if (damaged.empty() && !std::filesystem::exists(home_.Path(kRecords), none)) return;
-  const auto loss = (damaged.empty() ? std::string("The settings are missing")
-                                     : "The settings could not be read and are kept as " + damaged) +
-                    ": the installation's settings and a new password are used";
-  Report(loss);
+  const auto loss =
+      damaged.empty()
+          ? Words("The settings are missing: the installation's settings and a new password are used")
+          : Words(
+                "The settings could not be read and are kept as %1: the installation's settings and a new "
+                "password are used")
+                .Arg(damaged);
+  Report(loss.English());
   window_.TellOfLoss(loss);
 }
 

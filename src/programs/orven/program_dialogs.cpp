@@ -40,19 +40,19 @@ std::string NumberIn(const std::string& text) {
 /// The libraries of this program, with the versions that are loaded, if a library tells its version.
 std::vector<Component> ProgramComponents() {
   return {
-      {"Qt", qVersion(), "LGPL-3.0-only", "windows"},
-      {"libre", sys_libre_version_get(), "BSD-3-Clause", "the telephone line (SIP)"},
-      {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", "encrypted calls and mail"},
-      {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", "touch tones, G.711 and G.722"},
-      {"Opus", NumberIn(opus_get_version_string()), "BSD-3-Clause", "calls in Opus"},
-      {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", "sound files"},
-      {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", "sample rate conversion"},
-      {"SQLite", sqlite3_libversion(), "public domain", "the records of calls"},
-      {"libcurl", LIBCURL_VERSION, "curl", "mail"},
-      {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", "sound cards"},
-      {"eSpeak NG", ORVEN_ESPEAK_VERSION, "GPL-3.0-or-later", "typed greetings (helper TTS)"},
-      {"GLib", ORVEN_GLIB_VERSION, "LGPL-2.1-or-later", "the start at login"},
-      {"Breeze icons", "", "LGPL-3.0-or-later", "pictures of the commands"},
+      {"Qt", qVersion(), "LGPL-3.0-only", Words("windows")},
+      {"libre", sys_libre_version_get(), "BSD-3-Clause", Words("the telephone line (SIP)")},
+      {"OpenSSL", ORVEN_OPENSSL_VERSION, "Apache-2.0", Words("encrypted calls and mail")},
+      {"spandsp", ORVEN_SPANDSP_VERSION, "LGPL-2.1-only", Words("touch tones, G.711 and G.722")},
+      {"Opus", NumberIn(opus_get_version_string()), "BSD-3-Clause", Words("calls in Opus")},
+      {"libsndfile", NumberIn(sf_version_string()), "LGPL-2.1-or-later", Words("sound files")},
+      {"libsamplerate", NumberIn(src_get_version()), "BSD-2-Clause", Words("sample rate conversion")},
+      {"SQLite", sqlite3_libversion(), "public domain", Words("the records of calls")},
+      {"libcurl", LIBCURL_VERSION, "curl", Words("mail")},
+      {"PulseAudio client", pa_get_library_version(), "LGPL-2.1-or-later", Words("sound cards")},
+      {"eSpeak NG", ORVEN_ESPEAK_VERSION, "GPL-3.0-or-later", Words("typed greetings (helper TTS)")},
+      {"GLib", ORVEN_GLIB_VERSION, "LGPL-2.1-or-later", Words("the start at login")},
+      {"Breeze icons", "", "LGPL-3.0-or-later", Words("pictures of the commands")},
   };
 }
 

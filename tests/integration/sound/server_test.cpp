@@ -121,7 +121,7 @@ TEST(SoundServerTest, CardsThatComeAndGoKeepTheirNumbersAndTheirMicrophones) {
   desk.server.PlugIn("headset", "usb-3");
   desk.WaitForCards({"Default output", "desk", "headset"});
   desk.server.Unplug("desk");
-  desk.WaitForCards({"Default output", "1 (not connected)", "headset"});
+  desk.WaitForCards({"Default output", "", "headset"});
   Tape none(100), first(100), second(100);
   EXPECT_EQ(desk.Card(1).StartPlay(none), kWaveOk);
   desk.GivesUp({"There is no sound output number 1 now."});
