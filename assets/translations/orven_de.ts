@@ -2,6 +2,83 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>FileTelephoneLines</name>
+    <message>
+        <source>Could not be opened: %1</source>
+        <translation>Konnte nicht geöffnet werden: %1</translation>
+    </message>
+    <message>
+        <source>Another line is chosen</source>
+        <translation>Eine andere Leitung ist gewählt</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>The line is open: %1.</source>
+        <translation>Die Leitung ist offen: %1.</translation>
+    </message>
+    <message>
+        <source>The line is open: calls can come in at %1.</source>
+        <translation>Die Leitung ist offen: Anrufe können bei %1 ankommen.</translation>
+    </message>
+</context>
+<context>
+    <name>ModemAgent</name>
+    <message>
+        <source>No voice modem is found: plug one in, or choose another line in Options, Devices</source>
+        <translation>Kein Sprachmodem gefunden: eines anschließen oder unter Einstellungen, Geräte eine andere Leitung wählen</translation>
+    </message>
+    <message>
+        <source>The modem was unplugged: plug it in again, and ORVEN uses it</source>
+        <translation>Das Modem wurde abgezogen: wieder anschließen, dann verwendet ORVEN es</translation>
+    </message>
+</context>
+<context>
+    <name>OwnCallSession</name>
+    <message>
+        <source>%1 cannot be read: install the program again.</source>
+        <translation>%1 lässt sich nicht lesen: das Programm neu installieren.</translation>
+    </message>
+    <message>
+        <source>The line&apos;s address %1 is not one of this computer at the moment.</source>
+        <translation>Die Adresse der Leitung, %1, gehört zurzeit nicht zu diesem Computer.</translation>
+    </message>
+    <message>
+        <source>The line cannot be called at %1: %2.</source>
+        <translation>Die Leitung lässt sich bei %1 nicht anrufen: %2.</translation>
+    </message>
+    <message>
+        <source>The line does not answer at %1: %2.</source>
+        <translation>Die Leitung nimmt bei %1 nicht an: %2.</translation>
+    </message>
+    <message>
+        <source>The line refuses the call: %1 %2.</source>
+        <translation>Die Leitung lehnt den Anruf ab: %1 %2.</translation>
+    </message>
+    <message>
+        <source>The greeting cannot be read: choose another one.</source>
+        <translation>Die Ansage lässt sich nicht lesen: eine andere wählen.</translation>
+    </message>
+    <message>
+        <source>The caller hears nothing.</source>
+        <translation>Der Anrufer hört nichts.</translation>
+    </message>
+    <message>
+        <source>The caller hears another sound than the greeting.</source>
+        <translation>Der Anrufer hört etwas anderes als die Ansage.</translation>
+    </message>
+    <message>
+        <source>The caller hears no beep: is there a file beep.wav?</source>
+        <translation>Der Anrufer hört keinen Signalton: ist die Datei beep.wav vorhanden?</translation>
+    </message>
+    <message>
+        <source>The line does not ring at %1.</source>
+        <translation>Die Leitung klingelt bei %1 nicht.</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>OK</source>
@@ -10,6 +87,81 @@
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>ServerTrouble</name>
+    <message>
+        <source>The server %1 is not found: correct its name in Options, Devices, or check the network</source>
+        <translation>Server %1 nicht gefunden: seinen Namen unter Einstellungen, Geräte berichtigen oder das Netz prüfen</translation>
+    </message>
+    <message>
+        <source>Nothing listens at the server %1 for %2: start it, or correct its port in Options, Devices</source>
+        <translation>Am Server %1 nimmt nichts %2 an: ihn starten oder seinen Port unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The server %1 cannot be reached (%2): check the network</source>
+        <translation>Server %1 nicht erreichbar (%2): das Netz prüfen</translation>
+    </message>
+    <message>
+        <source>The server %1 does not answer: switch it on, or correct its name in Options, Devices</source>
+        <translation>Server %1 antwortet nicht: ihn einschalten oder seinen Namen unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The connection to the server %1 breaks again and again: check the network</source>
+        <translation>Die Verbindung zum Server %1 bricht immer wieder ab: das Netz prüfen</translation>
+    </message>
+    <message>
+        <source>No network leads to the server %1: check this computer&apos;s network</source>
+        <translation>Kein Netz führt zum Server %1: das Netz dieses Computers prüfen</translation>
+    </message>
+    <message>
+        <source>No network leads from %1 to the server %2: use * as address for calls in Options, Devices</source>
+        <translation>Kein Netz führt von %1 zum Server %2: unter Einstellungen, Geräte * als Adresse für Anrufe eintragen</translation>
+    </message>
+    <message>
+        <source>The certificate of the server %1 is not accepted (%2): correct its name in Options, Devices</source>
+        <translation>Das Zertifikat des Servers %1 wird nicht anerkannt (%2): seinen Namen unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The server %1 opens no encrypted connection (%2): check its port, which is often 5061</source>
+        <translation>Server %1 öffnet keine verschlüsselte Verbindung (%2): seinen Port prüfen, oft ist es 5061</translation>
+    </message>
+</context>
+<context>
+    <name>SipAgent</name>
+    <message>
+        <source>A setting of the line is wrong, %1: correct it in Options, Devices</source>
+        <translation>Eine Angabe der Leitung ist falsch, %1: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>%1 (%2 of %3 accounts work)</source>
+        <translation>%1 (%2 von %3 Konten arbeiten)</translation>
+    </message>
+</context>
+<context>
+    <name>SipOwnCaller</name>
+    <message>
+        <source>The test call failed: %1.</source>
+        <translation>Der Testanruf ist fehlgeschlagen: %1.</translation>
+    </message>
+</context>
+<context>
+    <name>SipTransports</name>
+    <message>
+        <source>Encrypted calls are not possible, %1: correct the certificates in lines.ini</source>
+        <translation>Verschlüsselte Anrufe sind nicht möglich, %1: die Zertifikate in lines.ini berichtigen</translation>
+    </message>
+    <message>
+        <source>The address for calls &quot;%1&quot; is not an address and port: correct it in Options, Devices</source>
+        <translation>„%1“ ist keine Adresse für Anrufe mit Port: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+</context>
+<context>
+    <name>Transfer</name>
+    <message>
+        <source>&quot;%1&quot; is not a mail server: name, name:port, smtp://name or smtps://name is expected</source>
+        <translation>„%1“ ist kein Mailserver: erwartet wird Name, Name:Port, smtp://Name oder smtps://Name</translation>
     </message>
 </context>
 <context>
@@ -471,6 +623,458 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>%1, %2 to %3</source>
         <translation>%1, %2 bis %3</translation>
     </message>
+    <message>
+        <source>%1 is missing: expected %2.</source>
+        <translation>%1 fehlt: erwartet wird %2.</translation>
+    </message>
+    <message>
+        <source>%1 is wrong: expected %2.</source>
+        <translation>%1 ist falsch: erwartet wird %2.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be stored: expected no blank at its ends, no &quot;;&quot; at its beginning or after a blank, and no control characters.</source>
+        <translation>%1 lässt sich nicht speichern: keine Leerzeichen am Anfang oder Ende, kein „;“ am Anfang oder nach einem Leerzeichen, keine Steuerzeichen.</translation>
+    </message>
+    <message>
+        <source>The name</source>
+        <translation>Der Name</translation>
+    </message>
+    <message>
+        <source>The modem does not answer: switch it off and on, or unplug it and plug it in again</source>
+        <translation>Das Modem antwortet nicht: aus- und einschalten oder abziehen und wieder anschließen</translation>
+    </message>
+    <message>
+        <source>There is no modem at the line&apos;s port: choose the modem&apos;s port in Options, Devices</source>
+        <translation>Am Port der Leitung ist kein Modem: unter Einstellungen, Geräte den Port des Modems wählen</translation>
+    </message>
+    <message>
+        <source>The modem is not a voice modem: ORVEN needs one that can play and record</source>
+        <translation>Das Modem ist kein Sprachmodem: ORVEN braucht eines, das wiedergeben und aufnehmen kann</translation>
+    </message>
+    <message>
+        <source>The modem&apos;s audio format is not supported: use another modem</source>
+        <translation>Das Tonformat des Modems wird nicht unterstützt: ein anderes Modem verwenden</translation>
+    </message>
+    <message>
+        <source>The modem is not plugged in: plug it in, and ORVEN uses it</source>
+        <translation>Das Modem ist nicht angeschlossen: anschließen, dann verwendet ORVEN es</translation>
+    </message>
+    <message>
+        <source>Another program uses the modem: end that program, and ORVEN uses the modem</source>
+        <translation>Ein anderes Programm verwendet das Modem: dieses beenden, dann verwendet ORVEN das Modem</translation>
+    </message>
+    <message>
+        <source>You may not use the modem&apos;s port: join the group &quot;dialout&quot; and log in again</source>
+        <translation>Keine Rechte für den Port des Modems: der Gruppe „dialout“ beitreten und neu anmelden</translation>
+    </message>
+    <message>
+        <source>The modem&apos;s port cannot be used: unplug the modem and plug it in again</source>
+        <translation>Der Port des Modems ist nicht benutzbar: das Modem abziehen und wieder anschließen</translation>
+    </message>
+    <message>
+        <source>No modem is plugged in: plug one in, and ORVEN uses it</source>
+        <translation>Kein Modem angeschlossen: eines anschließen, dann verwendet ORVEN es</translation>
+    </message>
+    <message>
+        <source>The test call failed: %1.</source>
+        <translation>Der Testanruf ist fehlgeschlagen: %1.</translation>
+    </message>
+    <message>
+        <source>The test failed: %1</source>
+        <translation>Der Test ist fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>Registration failed: %1: %2</source>
+        <translation>Anmeldung fehlgeschlagen: %1: %2</translation>
+    </message>
+    <message>
+        <source>Registration failed: %1</source>
+        <translation>Anmeldung fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>The script can be played; it has %1 steps.</source>
+        <translation>Das Skript lässt sich abspielen; es hat %1 Schritte.</translation>
+    </message>
+    <message>
+        <source>%1 (and %2 more).</source>
+        <translation>%1 (und %2 weitere).</translation>
+    </message>
+    <message>
+        <source>A voice modem answers at %1 (its sound has 16 bits).</source>
+        <translation>An %1 antwortet ein Sprachmodem (Ton mit 16 Bit).</translation>
+    </message>
+    <message>
+        <source>A voice modem answers at %1 (its sound has 8 bits, mu-law).</source>
+        <translation>An %1 antwortet ein Sprachmodem (Ton mit 8 Bit, µ-law).</translation>
+    </message>
+    <message>
+        <source>A voice modem answers at %1 (its sound has 8 bits).</source>
+        <translation>An %1 antwortet ein Sprachmodem (Ton mit 8 Bit).</translation>
+    </message>
+    <message>
+        <source>Nothing answers at %1: there is no modem, or it is switched off.</source>
+        <translation>An %1 antwortet nichts: dort ist kein Modem, oder es ist ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>The device at %1 answers, but not as a modem does.</source>
+        <translation>Das Gerät an %1 antwortet, aber nicht wie ein Modem.</translation>
+    </message>
+    <message>
+        <source>A modem answers at %1, but it is not a voice modem (it does not offer +FCLASS=8): it cannot speak or record.</source>
+        <translation>An %1 antwortet ein Modem, aber kein Sprachmodem (es bietet +FCLASS=8 nicht an): es kann nicht sprechen und aufnehmen.</translation>
+    </message>
+    <message>
+        <source>A voice modem answers at %1, but it offers no supported audio format.</source>
+        <translation>An %1 antwortet ein Sprachmodem, aber ohne ein unterstütztes Tonformat.</translation>
+    </message>
+    <message>
+        <source>The server %1 refuses the login (%2): the user &quot;%3&quot; or the password is wrong, or the account may not be used from here.</source>
+        <translation>Server %1 lehnt die Anmeldung ab (%2): Benutzer „%3“ oder Passwort ist falsch, oder das Konto darf von hier nicht benutzt werden.</translation>
+    </message>
+    <message>
+        <source>The server %1 refuses the login (%2): the user &quot;%3&quot; or the password is wrong.</source>
+        <translation>Server %1 lehnt die Anmeldung ab (%2): Benutzer „%3“ oder Passwort ist falsch.</translation>
+    </message>
+    <message>
+        <source>The server %1 knows no user &quot;%2&quot; (%3).</source>
+        <translation>Server %1 kennt keinen Benutzer „%2“ (%3).</translation>
+    </message>
+    <message>
+        <source>The server %1 is there, but cannot do it now (%2).</source>
+        <translation>Server %1 ist da, kann es aber gerade nicht (%2).</translation>
+    </message>
+    <message>
+        <source>The server %1 does not accept it (%2).</source>
+        <translation>Server %1 nimmt es nicht an (%2).</translation>
+    </message>
+    <message>
+        <source>There is no answer from %1 within %2 s: the server&apos;s name, its port, the transport or the network may be wrong. The port for TLS is often 5061.</source>
+        <translation>Von %1 kam innerhalb von %2 s keine Antwort: Name, Port oder Transport des Servers oder das Netz könnten falsch sein. Der Port für TLS ist oft 5061.</translation>
+    </message>
+    <message>
+        <source>There is no answer from %1 within %2 s: the server&apos;s name, its port, the transport or the network may be wrong.</source>
+        <translation>Von %1 kam innerhalb von %2 s keine Antwort: Name, Port oder Transport des Servers oder das Netz könnten falsch sein.</translation>
+    </message>
+    <message>
+        <source>Calls can come in at %1; there is no account to register.</source>
+        <translation>Anrufe können bei %1 ankommen; es gibt kein Konto anzumelden.</translation>
+    </message>
+    <message>
+        <source>Calls can come in at %1, and the server %2 accepts the account %3.</source>
+        <translation>Anrufe können bei %1 ankommen, und Server %2 nimmt das Konto %3 an.</translation>
+    </message>
+    <message>
+        <source>Calls can come in at %1, and all accounts are accepted: %2.</source>
+        <translation>Anrufe können bei %1 ankommen, und alle Konten werden angenommen: %2.</translation>
+    </message>
+    <message>
+        <source>The address for calls, %1, is not an address of this computer.</source>
+        <translation>Die Adresse für Anrufe, %1, gehört nicht zu diesem Computer.</translation>
+    </message>
+    <message>
+        <source>Port %1 is taken by another program: end that program, or use another address for calls, such as %2.</source>
+        <translation>Port %1 ist von einem anderen Programm belegt: dieses beenden oder eine andere Adresse für Anrufe verwenden, etwa %2.</translation>
+    </message>
+    <message>
+        <source>%1, with TLS at %2</source>
+        <translation>%1, mit TLS bei %2</translation>
+    </message>
+    <message>
+        <source>Calls cannot come in: %1.</source>
+        <translation>Anrufe können nicht ankommen: %1.</translation>
+    </message>
+    <message>
+        <source>Another program uses port %1: end it, or choose another port in Options, Devices</source>
+        <translation>Ein anderes Programm belegt Port %1: es beenden oder unter Einstellungen, Geräte einen anderen Port wählen</translation>
+    </message>
+    <message>
+        <source>The address for calls %2 is not there: connect its network, or use * in Options, Devices</source>
+        <translation>Die Adresse für Anrufe %2 ist nicht da: ihr Netz verbinden oder unter Einstellungen, Geräte * verwenden</translation>
+    </message>
+    <message>
+        <source>The address for calls %2 is not found: choose another one in Options, Devices</source>
+        <translation>Die Adresse für Anrufe %2 wird nicht gefunden: unter Einstellungen, Geräte eine andere wählen</translation>
+    </message>
+    <message>
+        <source>ORVEN may not use port %1: choose a port above 1023 in Options, Devices</source>
+        <translation>ORVEN darf Port %1 nicht verwenden: unter Einstellungen, Geräte einen Port über 1023 wählen</translation>
+    </message>
+    <message>
+        <source>ORVEN cannot wait for calls at %2 (%3): choose another address in Options, Devices</source>
+        <translation>ORVEN kann bei %2 nicht auf Anrufe warten (%3): unter Einstellungen, Geräte eine andere Adresse wählen</translation>
+    </message>
+    <message>
+        <source>This computer has no network: connect its cable or Wi-Fi</source>
+        <translation>Dieser Computer hat kein Netz: Kabel oder WLAN verbinden</translation>
+    </message>
+    <message>
+        <source>The server %1 asks for a login that ORVEN does not know: ask its operator</source>
+        <translation>Server %1 verlangt eine Anmeldung, die ORVEN nicht kennt: den Betreiber fragen</translation>
+    </message>
+    <message>
+        <source>The server %1 refuses the password of %2: correct it in Options, Devices</source>
+        <translation>Server %1 lehnt das Passwort von %2 ab: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The server %1 does not allow %2 here: correct user and password in Options, Devices</source>
+        <translation>Server %1 erlaubt %2 hier nicht: Benutzer und Passwort unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The server %1 does not know the user %2: correct it in Options, Devices</source>
+        <translation>Server %1 kennt den Benutzer %2 nicht: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The server %1 cannot register %2 now (%3): ORVEN tries again</source>
+        <translation>Server %1 kann %2 gerade nicht anmelden (%3): ORVEN versucht es wieder</translation>
+    </message>
+    <message>
+        <source>The server %1 does not accept %2 (%3): check the account in Options, Devices</source>
+        <translation>Server %1 nimmt %2 nicht an (%3): das Konto unter Einstellungen, Geräte prüfen</translation>
+    </message>
+    <message>
+        <source>Check the server&apos;s name, and whether this computer is online.</source>
+        <translation>Den Namen des Servers prüfen, und ob dieser Computer online ist.</translation>
+    </message>
+    <message>
+        <source>Check the server&apos;s name and port. Many networks block port 25: providers take mail at port 587, or at port 465 with smtps:// before the name.</source>
+        <translation>Name und Port des Servers prüfen. Viele Netze sperren Port 25: Anbieter nehmen E-Mail an Port 587 an, oder an Port 465 mit smtps:// vor dem Namen.</translation>
+    </message>
+    <message>
+        <source>Check the port: port 465 needs smtps:// before the server&apos;s name, ports 587 and 25 do not.</source>
+        <translation>Den Port prüfen: Port 465 braucht smtps:// vor dem Namen des Servers, die Ports 587 und 25 nicht.</translation>
+    </message>
+    <message>
+        <source>%1 refuses connections</source>
+        <translation>%1 lehnt Verbindungen ab</translation>
+    </message>
+    <message>
+        <source>%1 cannot be reached</source>
+        <translation>%1 ist nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>%1 cannot be reached: %2</source>
+        <translation>%1 ist nicht erreichbar: %2</translation>
+    </message>
+    <message>
+        <source>%1 offers no login with a password</source>
+        <translation>%1 bietet keine Anmeldung mit Passwort an</translation>
+    </message>
+    <message>
+        <source>Check the port, or leave user and password empty if the server needs no login.</source>
+        <translation>Den Port prüfen, oder Benutzer und Passwort leer lassen, wenn der Server keine Anmeldung verlangt.</translation>
+    </message>
+    <message>
+        <source>%1 refused the login: %2</source>
+        <translation>%1 hat die Anmeldung abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>Check user and password. Some providers want a password of its own for each program.</source>
+        <translation>Benutzer und Passwort prüfen. Manche Anbieter verlangen für jedes Programm ein eigenes Passwort.</translation>
+    </message>
+    <message>
+        <source>The server may accept it later.</source>
+        <translation>Vielleicht nimmt der Server sie später an.</translation>
+    </message>
+    <message>
+        <source>Check the recipient&apos;s address. Many servers pass mails on only after a login with user and password.</source>
+        <translation>Die Adresse des Empfängers prüfen. Viele Server leiten E-Mails nur nach einer Anmeldung mit Benutzer und Passwort weiter.</translation>
+    </message>
+    <message>
+        <source>Check the sender&apos;s address, which often has to be the account&apos;s own, and user and password.</source>
+        <translation>Die Adresse des Absenders prüfen, die oft die des Kontos sein muss, sowie Benutzer und Passwort.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s provider can explain its reply.</source>
+        <translation>Der Anbieter des Servers kann die Antwort erklären.</translation>
+    </message>
+    <message>
+        <source>%1 does not answer as a mail server</source>
+        <translation>%1 antwortet nicht wie ein Mailserver</translation>
+    </message>
+    <message>
+        <source>%1 does not answer as a mail server: %2</source>
+        <translation>%1 antwortet nicht wie ein Mailserver: %2</translation>
+    </message>
+    <message>
+        <source>Try smtps:// before the server&apos;s name. If the server is in your own home, the login can be allowed without encryption.</source>
+        <translation>smtps:// vor dem Namen des Servers versuchen. Steht der Server im eigenen Haus, kann die Anmeldung auch ohne Verschlüsselung erlaubt werden.</translation>
+    </message>
+    <message>
+        <source>%1 offers no encryption</source>
+        <translation>%1 bietet keine Verschlüsselung an</translation>
+    </message>
+    <message>
+        <source>%1 offers no encryption: %2</source>
+        <translation>%1 bietet keine Verschlüsselung an: %2</translation>
+    </message>
+    <message>
+        <source>%1 stopped answering (timed out)</source>
+        <translation>%1 antwortet nicht mehr (Zeit abgelaufen)</translation>
+    </message>
+    <message>
+        <source>the server&apos;s name %1 is not known</source>
+        <translation>der Servername %1 ist nicht bekannt</translation>
+    </message>
+    <message>
+        <source>connecting to %1 timed out</source>
+        <translation>die Verbindung zu %1 kam nicht rechtzeitig zustande</translation>
+    </message>
+    <message>
+        <source>the certificate of %1 is not trusted: %2</source>
+        <translation>dem Zertifikat von %1 wird nicht vertraut: %2</translation>
+    </message>
+    <message>
+        <source>Write the server&apos;s name as its provider does, and check this computer&apos;s clock.</source>
+        <translation>Den Namen des Servers so schreiben wie der Anbieter und die Uhr dieses Computers prüfen.</translation>
+    </message>
+    <message>
+        <source>no encrypted connection to %1: %2</source>
+        <translation>keine verschlüsselte Verbindung zu %1: %2</translation>
+    </message>
+    <message>
+        <source>%1 refused the mail: %2 (%3)</source>
+        <translation>%1 hat die E-Mail abgelehnt: %2 (%3)</translation>
+    </message>
+    <message>
+        <source>the connection to %1 was lost: %2</source>
+        <translation>die Verbindung zu %1 ist abgebrochen: %2</translation>
+    </message>
+    <message>
+        <source>That does not work: %1.</source>
+        <translation>Das geht nicht: %1.</translation>
+    </message>
+    <message>
+        <source>That does not work: %1. %2</source>
+        <translation>Das geht nicht: %1. %2</translation>
+    </message>
+    <message>
+        <source>Enter one address, like anna@example.org.</source>
+        <translation>Eine Adresse eingeben, etwa anna@example.org.</translation>
+    </message>
+    <message>
+        <source>there is no recipient address</source>
+        <translation>die Adresse des Empfängers fehlt</translation>
+    </message>
+    <message>
+        <source>there is no sender address</source>
+        <translation>die Adresse des Absenders fehlt</translation>
+    </message>
+    <message>
+        <source>the recipient address &quot;%1&quot; is not a single mail address</source>
+        <translation>die Adresse des Empfängers „%1“ ist keine einzelne E-Mail-Adresse</translation>
+    </message>
+    <message>
+        <source>the sender address &quot;%1&quot; is not a single mail address</source>
+        <translation>die Adresse des Absenders „%1“ ist keine einzelne E-Mail-Adresse</translation>
+    </message>
+    <message>
+        <source>There is room for only %1 minutes of messages: delete files, or choose another folder for messages in Options.</source>
+        <translation>Es ist nur noch Platz für %1 Minuten Nachrichten: Dateien löschen oder in den Einstellungen einen anderen Ordner für Nachrichten wählen.</translation>
+    </message>
+    <message>
+        <source>There is room for %1 hours of messages.</source>
+        <translation>Es ist Platz für %1 Stunden Nachrichten.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; can be played.</source>
+        <translation>„%1“ lässt sich abspielen.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is silent: record another greeting with Tools, Greeting Creator.</source>
+        <translation>„%1“ ist stumm: mit Extras, Ansage erstellen eine andere aufnehmen.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be played, so callers hear only the beep: choose another greeting in Options, Answer Mode.</source>
+        <translation>„%1“ lässt sich nicht abspielen, Anrufer hören nur den Signalton: unter Einstellungen, Rufannahme eine andere Ansage wählen.</translation>
+    </message>
+    <message>
+        <source>Messages are not recorded: switch on &quot;Record Message&quot; in the toolbar.</source>
+        <translation>Nachrichten werden nicht aufgenommen: „Nachrichten aufnehmen“ in der Werkzeugleiste einschalten.</translation>
+    </message>
+    <message>
+        <source>SIP, direct calls</source>
+        <translation>SIP, direkte Anrufe</translation>
+    </message>
+    <message>
+        <source>SIP account</source>
+        <translation>SIP-Konto</translation>
+    </message>
+    <message>
+        <source>%1 is free.</source>
+        <translation>%1 ist frei.</translation>
+    </message>
+    <message>
+        <source>%1 is taken by another program: end that program, or use another address for calls, such as %2.</source>
+        <translation>%1 ist von einem anderen Programm belegt: dieses beenden oder eine andere Adresse für Anrufe verwenden, etwa %2.</translation>
+    </message>
+    <message>
+        <source>%1 greetings can be played.</source>
+        <translation>%1 Ansagen lassen sich abspielen.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read or is damaged: start the program, which saves what can be saved.</source>
+        <translation>%1 lässt sich nicht lesen oder ist beschädigt: das Programm starten, es rettet, was zu retten ist.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is set up.</source>
+        <translation>„%1“ ist eingerichtet.</translation>
+    </message>
+    <message>
+        <source>windows</source>
+        <translation>Fenster</translation>
+    </message>
+    <message>
+        <source>the telephone line (SIP)</source>
+        <translation>die Telefonleitung (SIP)</translation>
+    </message>
+    <message>
+        <source>encrypted calls and mail</source>
+        <translation>verschlüsselte Anrufe und E-Mail</translation>
+    </message>
+    <message>
+        <source>touch tones, G.711 and G.722</source>
+        <translation>Tonwahl, G.711 und G.722</translation>
+    </message>
+    <message>
+        <source>calls in Opus</source>
+        <translation>Anrufe in Opus</translation>
+    </message>
+    <message>
+        <source>sound files</source>
+        <translation>Tondateien</translation>
+    </message>
+    <message>
+        <source>sample rate conversion</source>
+        <translation>Umrechnung der Abtastrate</translation>
+    </message>
+    <message>
+        <source>the records of calls</source>
+        <translation>die Aufzeichnungen der Anrufe</translation>
+    </message>
+    <message>
+        <source>mail</source>
+        <translation>E-Mail</translation>
+    </message>
+    <message>
+        <source>sound cards</source>
+        <translation>Soundkarten</translation>
+    </message>
+    <message>
+        <source>typed greetings (helper TTS)</source>
+        <translation>getippte Ansagen (Hilfsprogramm TTS)</translation>
+    </message>
+    <message>
+        <source>the start at login</source>
+        <translation>den Start beim Anmelden</translation>
+    </message>
+    <message>
+        <source>pictures of the commands</source>
+        <translation>Symbole der Befehle</translation>
+    </message>
+    <message>
+        <source>UNKNOWN</source>
+        <translation>Unbekannt</translation>
+    </message>
 </context>
 <context>
     <name>orven::ActionsEngine</name>
@@ -594,6 +1198,41 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
 </context>
 <context>
+    <name>orven::CheckUp</name>
+    <message>
+        <source>&quot;%1&quot; is open.</source>
+        <translation>„%1“ ist offen.</translation>
+    </message>
+    <message>
+        <source>Calls can come in at %1.</source>
+        <translation>Anrufe können bei %1 ankommen.</translation>
+    </message>
+    <message>
+        <source>The messages folder cannot be reached: %1.</source>
+        <translation>Der Ordner der Nachrichten ist nicht erreichbar: %1.</translation>
+    </message>
+    <message>
+        <source>Calls and messages cannot be stored: %1. Make room or change the permissions.</source>
+        <translation>Anrufe und Nachrichten lassen sich nicht speichern: %1. Platz schaffen oder die Rechte ändern.</translation>
+    </message>
+    <message>
+        <source>Messages are played on &quot;%1&quot;.</source>
+        <translation>Nachrichten werden auf „%1“ abgespielt.</translation>
+    </message>
+    <message>
+        <source>It shows %1 %2, but the latest call was later: set the date and the time.</source>
+        <translation>Sie zeigt %1 %2, aber der letzte Anruf war später: Datum und Uhrzeit stellen.</translation>
+    </message>
+    <message>
+        <source>It shows %1 %2.</source>
+        <translation>Sie zeigt %1 %2.</translation>
+    </message>
+    <message>
+        <source>There was no answer within %1 s: a disk or a server hangs.</source>
+        <translation>Innerhalb von %1 s kam keine Antwort: ein Datenträger oder ein Server hängt.</translation>
+    </message>
+</context>
+<context>
     <name>orven::EntryRoutine</name>
     <message>
         <source>ORVEN is still running</source>
@@ -682,6 +1321,21 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Delete %1 ?</source>
         <translation>%1 löschen?</translation>
+    </message>
+</context>
+<context>
+    <name>orven::LineAlarm</name>
+    <message>
+        <source>The telephone line works again</source>
+        <translation>Die Telefonleitung funktioniert wieder</translation>
+    </message>
+    <message>
+        <source>Calls can come in.</source>
+        <translation>Anrufe können ankommen.</translation>
+    </message>
+    <message>
+        <source>Trouble with the telephone line</source>
+        <translation>Störung der Telefonleitung</translation>
     </message>
 </context>
 <context>
@@ -931,6 +1585,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Open</source>
         <translation>Öffnen</translation>
     </message>
+    <message>
+        <source>Check-up…</source>
+        <translation>Überprüfung…</translation>
+    </message>
 </context>
 <context>
     <name>orven::MainStatusBar</name>
@@ -953,6 +1611,21 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Date</source>
         <translation>Datum</translation>
+    </message>
+</context>
+<context>
+    <name>orven::MessageFolders</name>
+    <message>
+        <source>The setting MassagesPath names a folder that does not exist (%2): messages are stored in %1</source>
+        <translation>Die Einstellung MassagesPath nennt einen Ordner, den es nicht gibt (%2): Nachrichten werden in %1 gespeichert</translation>
+    </message>
+    <message>
+        <source>The setting MassagesPath is missing: messages are stored in %1</source>
+        <translation>Die Einstellung MassagesPath fehlt: Nachrichten werden in %1 gespeichert</translation>
+    </message>
+    <message>
+        <source>The setting MassagesPath is not a full path (&quot;%2&quot;): messages are stored in %1</source>
+        <translation>Die Einstellung MassagesPath ist kein vollständiger Pfad („%2“): Nachrichten werden in %1 gespeichert</translation>
     </message>
 </context>
 <context>
@@ -1000,6 +1673,93 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <source>The program still starts with the desktop: this could not be changed. The system log has the details.</source>
         <translation>Das Programm startet weiterhin mit dem Desktop: das ließ sich nicht ändern. Näheres im Systemprotokoll.</translation>
     </message>
+    <message>
+        <source>Default output</source>
+        <translation>Standardausgabe</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>Device Name:</source>
+        <translation>Gerätename:</translation>
+    </message>
+    <message>
+        <source>Max Rate: </source>
+        <translation>Höchste Datenrate: </translation>
+    </message>
+    <message>
+        <source>%1 bit/s</source>
+        <translation>%1 bit/s</translation>
+    </message>
+    <message>
+        <source>Support CallerID: </source>
+        <translation>Rufnummernanzeige: </translation>
+    </message>
+    <message>
+        <source>Support Monitor Digits: </source>
+        <translation>Erkennt Tonwahl: </translation>
+    </message>
+    <message>
+        <source>Support Generate Digits: </source>
+        <translation>Erzeugt Tonwahl: </translation>
+    </message>
+    <message>
+        <source>Data Mode:</source>
+        <translation>Datenmodus:</translation>
+    </message>
+    <message>
+        <source>Interactivevoice:</source>
+        <translation>Interaktive Sprache:</translation>
+    </message>
+    <message>
+        <source>Auto Voice:</source>
+        <translation>Automatische Sprache:</translation>
+    </message>
+</context>
+<context>
+    <name>orven::OwnCall</name>
+    <message>
+        <source>The caller heard the greeting &quot;%1&quot;.</source>
+        <translation>Der Anrufer hat die Ansage „%1“ gehört.</translation>
+    </message>
+    <message>
+        <source>Answered at ring %1.</source>
+        <translation>Angenommen beim Klingelzeichen %1.</translation>
+    </message>
+    <message>
+        <source>It was answered at ring %1, not at ring %2: somebody answered by hand.</source>
+        <translation>Angenommen beim Klingelzeichen %1, nicht %2: jemand hat von Hand angenommen.</translation>
+    </message>
+    <message>
+        <source>The message could not be stored: see the system log for the reason.</source>
+        <translation>Die Nachricht konnte nicht gespeichert werden: der Grund steht im Systemprotokoll.</translation>
+    </message>
+    <message>
+        <source>No message was recorded: see the system log for the reason.</source>
+        <translation>Es wurde keine Nachricht aufgenommen: der Grund steht im Systemprotokoll.</translation>
+    </message>
+    <message>
+        <source>The message %1 holds the sentence.</source>
+        <translation>Die Nachricht %1 enthält den Satz.</translation>
+    </message>
+    <message>
+        <source>The message %1 does not hold the sentence.</source>
+        <translation>Die Nachricht %1 enthält den Satz nicht.</translation>
+    </message>
+    <message>
+        <source>The call is in the list, from %1.</source>
+        <translation>Der Anruf steht in der Liste, von %1.</translation>
+    </message>
+    <message>
+        <source>The message stopped before its end.</source>
+        <translation>Die Nachricht brach vor ihrem Ende ab.</translation>
+    </message>
 </context>
 <context>
     <name>orven::PlayerPanel</name>
@@ -1030,6 +1790,24 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Time played and length of the message</source>
         <translation>Gespielte Zeit und Länge der Nachricht</translation>
+    </message>
+</context>
+<context>
+    <name>orven::Probe</name>
+    <message>
+        <source>The modem at %1 is gone.</source>
+        <translation>Das Modem an %1 ist weg.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::Program</name>
+    <message>
+        <source>The settings are missing: the installation&apos;s settings and a new password are used</source>
+        <translation>Die Einstellungen fehlen: es gelten die einer neuen Installation und ein neues Passwort</translation>
+    </message>
+    <message>
+        <source>The settings could not be read and are kept as %1: the installation&apos;s settings and a new password are used</source>
+        <translation>Die Einstellungen ließen sich nicht lesen und sind als %1 aufbewahrt: es gelten die einer neuen Installation und ein neues Passwort</translation>
     </message>
 </context>
 <context>
@@ -1108,6 +1886,32 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Administrator Mode</source>
         <translation>Fernabfrage</translation>
+    </message>
+</context>
+<context>
+    <name>orven::RunningTest</name>
+    <message>
+        <source>The test cannot run: no thread can be started.</source>
+        <translation>Der Test kann nicht laufen: kein Thread lässt sich starten.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::SmtpTests</name>
+    <message>
+        <source>Test mail from ORVEN</source>
+        <translation>Testmail von ORVEN</translation>
+    </message>
+    <message>
+        <source>%1 has accepted the mail to %2. If it does not arrive within some minutes, look among the unwanted mails.</source>
+        <translation>%1 hat die E-Mail an %2 angenommen. Kommt sie nicht in einigen Minuten an, lohnt ein Blick in den Spam-Ordner.</translation>
+    </message>
+    <message>
+        <source>%1 answers.</source>
+        <translation>%1 antwortet.</translation>
+    </message>
+    <message>
+        <source>%1 answers and accepts the login.</source>
+        <translation>%1 antwortet und nimmt die Anmeldung an.</translation>
     </message>
 </context>
 <context>
@@ -1272,6 +2076,20 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     </message>
 </context>
 <context>
+    <name>orven::TelephonyControl</name>
+    <message>
+        <source>The line cannot be opened: %1</source>
+        <translation>Die Leitung lässt sich nicht öffnen: %1</translation>
+    </message>
+</context>
+<context>
+    <name>orven::TrayIcon</name>
+    <message>
+        <source>ORVEN - Calls:%1  New:%2</source>
+        <translation>ORVEN – Anrufe: %1  Neu: %2</translation>
+    </message>
+</context>
+<context>
     <name>orven::WaveformWidget</name>
     <message>
         <source>Waveform of the message</source>
@@ -1362,6 +2180,65 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Started.</source>
         <translation>Gestartet.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmCheckUp</name>
+    <message>
+        <source>What was checked</source>
+        <translation>Was geprüft wurde</translation>
+    </message>
+    <message>
+        <source>Call &amp;me now</source>
+        <translation>Jetzt &amp;anrufen</translation>
+    </message>
+    <message>
+        <source>ORVEN calls its own line, says a sentence and plays the message</source>
+        <translation>ORVEN ruft die eigene Leitung an, sagt einen Satz und spielt die Nachricht ab</translation>
+    </message>
+    <message>
+        <source>Steps of the call</source>
+        <translation>Schritte des Anrufs</translation>
+    </message>
+    <message>
+        <source>Check &amp;again</source>
+        <translation>&amp;Noch einmal prüfen</translation>
+    </message>
+    <message>
+        <source>Check-up</source>
+        <translation>Überprüfung</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>being checked…</source>
+        <translation>wird geprüft …</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>The machine is being checked…</source>
+        <translation>Der Anrufbeantworter wird geprüft …</translation>
+    </message>
+    <message>
+        <source>Something needs your attention.</source>
+        <translation>Etwas muss in Ordnung gebracht werden.</translation>
+    </message>
+    <message>
+        <source>Everything that was checked is in order.</source>
+        <translation>Alles, was geprüft wurde, ist in Ordnung.</translation>
+    </message>
+    <message>
+        <source>&amp;Hang up</source>
+        <translation>Auf&amp;legen</translation>
+    </message>
+    <message>
+        <source>A test call proves the whole chain. It stays in the list until you delete it.</source>
+        <translation>Ein Testanruf prüft die ganze Kette. Er bleibt in der Liste, bis er gelöscht wird.</translation>
     </message>
 </context>
 <context>
@@ -2072,6 +2949,154 @@ Nothing was changed.</source>
 %2
 
 Es wurde nichts geändert.</translation>
+    </message>
+    <message>
+        <source>an address or a name and a port, like 192.168.1.5:5060, [::1]:5060, pc.example.org:5060 or *:5060</source>
+        <translation>eine Adresse oder ein Name mit Port, etwa 192.168.1.5:5060, [::1]:5060, pc.example.org:5060 oder *:5060</translation>
+    </message>
+    <message>
+        <source>The address for calls</source>
+        <translation>Die Adresse für Anrufe</translation>
+    </message>
+    <message>
+        <source>a user name</source>
+        <translation>ein Benutzername</translation>
+    </message>
+    <message>
+        <source>The login name</source>
+        <translation>Der Anmeldename</translation>
+    </message>
+    <message>
+        <source>a password</source>
+        <translation>ein Passwort</translation>
+    </message>
+    <message>
+        <source>The password</source>
+        <translation>Das Passwort</translation>
+    </message>
+    <message>
+        <source>a server&apos;s name or address, perhaps with &quot;:&quot; and a port</source>
+        <translation>Name oder Adresse eines Servers, wenn nötig mit „:“ und Port</translation>
+    </message>
+    <message>
+        <source>The outbound proxy</source>
+        <translation>Der ausgehende Proxy</translation>
+    </message>
+    <message>
+        <source>udp, tcp, tls or auto</source>
+        <translation>udp, tcp, tls oder auto</translation>
+    </message>
+    <message>
+        <source>The transport</source>
+        <translation>Der Transport</translation>
+    </message>
+    <message>
+        <source>yes or no</source>
+        <translation>yes oder no</translation>
+    </message>
+    <message>
+        <source>The encryption of the sound</source>
+        <translation>Die Verschlüsselung des Tons</translation>
+    </message>
+    <message>
+        <source>the path of a PEM file with certificates</source>
+        <translation>der Pfad einer PEM-Datei mit Zertifikaten</translation>
+    </message>
+    <message>
+        <source>The trusted certificates&apos; path</source>
+        <translation>Der Pfad der vertrauten Zertifikate</translation>
+    </message>
+    <message>
+        <source>the serial device of the modem, for example /dev/ttyACM0, or auto</source>
+        <translation>das serielle Gerät des Modems, etwa /dev/ttyACM0, oder auto</translation>
+    </message>
+    <message>
+        <source>The port</source>
+        <translation>Der Port</translation>
+    </message>
+    <message>
+        <source>the path of a script</source>
+        <translation>der Pfad eines Skripts</translation>
+    </message>
+    <message>
+        <source>The script</source>
+        <translation>Das Skript</translation>
+    </message>
+    <message>
+        <source>Machine</source>
+        <translation>Computer</translation>
+    </message>
+    <message>
+        <source>Line</source>
+        <translation>Leitung</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>Registration</source>
+        <translation>Anmeldung</translation>
+    </message>
+    <message>
+        <source>Greeting</source>
+        <translation>Ansage</translation>
+    </message>
+    <message>
+        <source>Beep</source>
+        <translation>Signalton</translation>
+    </message>
+    <message>
+        <source>Room</source>
+        <translation>Platz</translation>
+    </message>
+    <message>
+        <source>Records</source>
+        <translation>Anrufliste</translation>
+    </message>
+    <message>
+        <source>Sound card</source>
+        <translation>Soundkarte</translation>
+    </message>
+    <message>
+        <source>Mail</source>
+        <translation>E-Mail</translation>
+    </message>
+    <message>
+        <source>Clock</source>
+        <translation>Uhr</translation>
+    </message>
+    <message>
+        <source>The line rings and is answered</source>
+        <translation>Die Leitung klingelt und wird angenommen</translation>
+    </message>
+    <message>
+        <source>The caller hears the greeting</source>
+        <translation>Der Anrufer hört die Ansage</translation>
+    </message>
+    <message>
+        <source>The caller hears the beep</source>
+        <translation>Der Anrufer hört den Signalton</translation>
+    </message>
+    <message>
+        <source>The caller says a sentence</source>
+        <translation>Der Anrufer sagt einen Satz</translation>
+    </message>
+    <message>
+        <source>The sentence is recorded</source>
+        <translation>Der Satz wird aufgenommen</translation>
+    </message>
+    <message>
+        <source>The call is in the list</source>
+        <translation>Der Anruf steht in der Liste</translation>
+    </message>
+    <message>
+        <source>The message is played</source>
+        <translation>Die Nachricht wird abgespielt</translation>
+    </message>
+    <message>
+        <source>Sound card %1 (not connected)</source>
+        <translation>Soundkarte %1 (nicht angeschlossen)</translation>
     </message>
 </context>
 </TS>
