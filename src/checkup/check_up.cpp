@@ -181,11 +181,12 @@ void CheckUp::CheckCard() {
   if (names.size() <= 1 && number == 0)
     return Set(CheckLink::Sound,
                Note(Tr("No sound card is found: messages can be heard by telephone only.")));
-  if (number >= names.size() || names[number].ends_with("(not connected)"))
+  if (number >= names.size() || names[number].empty())
     return Set(CheckLink::Sound,
                Bad(Tr("The chosen sound card is not there: connect it, or choose another one in "
                       "Options, Devices.")));
-  Set(CheckLink::Sound, Good(Words("Messages are played on \"%1\".").Arg(names[number])));
+  const auto name = number == 0 ? Words("Default output") : Words(names[number]);
+  Set(CheckLink::Sound, Good(Words("Messages are played on \"%1\".").Arg(name)));
 }
 
 void CheckUp::CheckMail() {

@@ -3,6 +3,7 @@
 #include "gui/window_test.h"
 #include "log/frmLog.h"
 #include "shell/frmMain.h"
+#include "widgets/translation.h"
 
 namespace orven::test {
 namespace {
@@ -154,6 +155,21 @@ TEST_F(LogWindow, PropertiesApplyAtOnceAndCancelStoresNothing) {
   EXPECT_EQ(Files(), "0_Sys.txt 1_Sys.txt 2_Calls.txt ");
   world.RunFor(1ms);
   EXPECT_EQ(Files(), "12-31-2003_Calls.txt 1_Sys.txt 2_Calls.txt ") << "lists the files left after the purge";
+}
+
+TEST_F(LogWindow, SpeaksTheDesktopsLanguageAndStoresEnglish) {
+  EXPECT_EQ(ShowIn({"en-GB", "de"}), "en");
+  EXPECT_EQ(ShowIn({"fr", "de-AT", "en"}), "de");
+  Open();
+  ClickFile("1_Sys.txt");
+  EXPECT_EQ(State(), "2: 2 Zeilen");
+  use_properties = [&] {
+    EXPECT_EQ(Shown("cmbLogFor"), "Letzter Monat");
+    Do("cmbLogFor=Unbegrenzt cmdOK");
+  };
+  Click("cmdProp");
+  ExpectStored({{"LogFor", "For Ever"}});
+  for (auto* translator : qApp->findChildren<QTranslator*>()) QCoreApplication::removeTranslator(translator);
 }
 
 }  // namespace
