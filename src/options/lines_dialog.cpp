@@ -14,8 +14,8 @@ constexpr const char* kFirstName = "Telephone";
 Words KindOf(const TelephoneLine& line) {
   switch (line.kind) {
     case LineKind::Sip: return line.server.empty() ? Tr("SIP, direct calls") : Tr("SIP account");
-    case LineKind::Modem: return "Modem";
-    case LineKind::Sim: return "Simulation";
+    case LineKind::Modem: return Tr("Modem");
+    case LineKind::Sim: return Tr("Simulation");
   }
   return {};
 }
@@ -66,7 +66,7 @@ std::optional<LineFault> LinesDialog::Check(const TelephoneLine& line,
   const bool renamed = !index || At(*index).name != line.name;
   // Names must be unique, because the chosen line is stored by its name.
   if (renamed && HasName(line.name)) {
-    return LineFault{"txtName", "Another line has this name: expected a unique name."};
+    return LineFault{"txtName", Words("Another line has this name: expected a unique name.")};
   }
   return parts_.lines.Check(line);
 }

@@ -56,15 +56,17 @@ void PutAccount(TelephoneLine& line, const LineSection& section) {
 
 std::optional<LineFault> AccountFault(const TelephoneLine& line) {
   if (line.user.empty() && line.server.empty()) return std::nullopt;
-  if (line.server.empty()) return LineFault{"txtServer", "The server of the account is missing."};
-  if (line.user.empty()) return LineFault{"txtUser", "The user of the account is missing."};
+  if (line.server.empty()) return LineFault{"txtServer", Words("The server of the account is missing.")};
+  if (line.user.empty()) return LineFault{"txtUser", Words("The user of the account is missing.")};
   if (!IsValid("account", AccountOf("user", line.server))) {
-    return LineFault{"txtServer",
-                     "The server is wrong: expected its name or address, perhaps with \":\" and a port, for "
-                     "example sip.example.org or 192.168.1.1:5060."};
+    return LineFault{
+        "txtServer",
+        Words("The server is wrong: expected its name or address, perhaps with \":\" and a port, "
+              "for example sip.example.org or 192.168.1.1:5060.")};
   }
   if (!IsValid("account", AccountOf(line.user, line.server))) {
-    return LineFault{"txtUser", "The user is wrong: expected a name or number without blanks, @ and <>."};
+    return LineFault{"txtUser",
+                     Words("The user is wrong: expected a name or number without blanks, @ and <>.")};
   }
   return std::nullopt;
 }
@@ -78,7 +80,7 @@ std::optional<LineFault> ValueFault(const TelephoneLine& line) {
   }
   if (line.kind == LineKind::Sip && !IsValid("ring_seconds", std::to_string(line.ring_seconds))) {
     return LineFault{"spnRing",
-                     "The time between rings is wrong: expected a number of seconds from 1 to 60."};
+                     Words("The time between rings is wrong: expected a number of seconds from 1 to 60.")};
   }
   return std::nullopt;
 }
@@ -145,7 +147,7 @@ LineSection EditOf(const TelephoneLine& line, const LineSection* before) {
 }
 
 std::optional<LineFault> FaultOf(const TelephoneLine& line) {
-  if (line.name.empty()) return LineFault{"txtName", "The line's name is missing."};
+  if (line.name.empty()) return LineFault{"txtName", Words("The line's name is missing.")};
   if (auto fault = ValueFault(line)) return fault;
   if (line.kind == LineKind::Sip) {
     if (auto fault = AccountFault(line)) return fault;
