@@ -77,6 +77,18 @@
         <source>The line does not ring at %1.</source>
         <translation>Die Leitung klingelt bei %1 nicht.</translation>
     </message>
+    <message>
+        <source>The caller hears nothing more from the line.</source>
+        <translation>Der Anrufer hört nichts mehr von der Leitung.</translation>
+    </message>
+    <message>
+        <source>The machine hung up before the caller had finished.</source>
+        <translation>Der Anrufbeantworter hat aufgelegt, bevor der Anrufer fertig war.</translation>
+    </message>
+    <message>
+        <source>The line is busy: somebody else has called.</source>
+        <translation>Die Leitung ist besetzt: jemand anders hat angerufen.</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -144,6 +156,14 @@
     <message>
         <source>The test call failed: %1.</source>
         <translation>Der Testanruf ist fehlgeschlagen: %1.</translation>
+    </message>
+    <message>
+        <source>No line is chosen: choose one in Options.</source>
+        <translation>Es ist keine Leitung gewählt: in den Einstellungen eine wählen.</translation>
+    </message>
+    <message>
+        <source>The program can only call a line over SIP: call this one from another telephone.</source>
+        <translation>Das Programm kann nur eine SIP-Leitung anrufen: diese von einem anderen Telefon anrufen.</translation>
     </message>
 </context>
 <context>
@@ -1075,6 +1095,102 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>UNKNOWN</source>
         <translation>Unbekannt</translation>
     </message>
+    <message>
+        <source>The server of the account is missing.</source>
+        <translation>Der Server des Kontos fehlt.</translation>
+    </message>
+    <message>
+        <source>The user of the account is missing.</source>
+        <translation>Der Benutzer des Kontos fehlt.</translation>
+    </message>
+    <message>
+        <source>The server is wrong: expected its name or address, perhaps with &quot;:&quot; and a port, for example sip.example.org or 192.168.1.1:5060.</source>
+        <translation>Der Server ist falsch: erwartet wird Name oder Adresse, wenn nötig mit „:“ und Port, etwa sip.example.org oder 192.168.1.1:5060.</translation>
+    </message>
+    <message>
+        <source>The user is wrong: expected a name or number without blanks, @ and &lt;&gt;.</source>
+        <translation>Der Benutzer ist falsch: erwartet wird ein Name oder eine Nummer ohne Leerzeichen, @ und &lt;&gt;.</translation>
+    </message>
+    <message>
+        <source>The time between rings is wrong: expected a number of seconds from 1 to 60.</source>
+        <translation>Der Klingelabstand ist falsch: erwartet wird eine Zahl von 1 bis 60 Sekunden.</translation>
+    </message>
+    <message>
+        <source>The line&apos;s name is missing.</source>
+        <translation>Der Name der Leitung fehlt.</translation>
+    </message>
+    <message>
+        <source>It can be played.</source>
+        <translation>Er lässt sich abspielen.</translation>
+    </message>
+    <message>
+        <source>It is silent: delete beep.wav and start the program again.</source>
+        <translation>Er ist stumm: beep.wav löschen und das Programm neu starten.</translation>
+    </message>
+    <message>
+        <source>beep.wav cannot be played, so callers do not know when to speak: start the program again.</source>
+        <translation>beep.wav lässt sich nicht abspielen, Anrufer wissen nicht, wann sie sprechen können: das Programm neu starten.</translation>
+    </message>
+    <message>
+        <source>Keep the computer awake while the line is on</source>
+        <translation>Den Computer wach halten, solange die Leitung an ist</translation>
+    </message>
+    <message>
+        <source>A computer that sleeps takes no calls</source>
+        <translation>Ein Computer im Ruhezustand nimmt keine Anrufe an</translation>
+    </message>
+    <message>
+        <source>Notify me of a new message</source>
+        <translation>Eine neue Nachricht melden</translation>
+    </message>
+    <message>
+        <source>The desktop shows who called, unless this window is in front</source>
+        <translation>Der Desktop zeigt, wer angerufen hat, wenn dieses Fenster nicht vorn ist</translation>
+    </message>
+    <message>
+        <source>Notify me of a call without a message</source>
+        <translation>Einen Anruf ohne Nachricht melden</translation>
+    </message>
+    <message>
+        <source>New message</source>
+        <translation>Neue Nachricht</translation>
+    </message>
+    <message>
+        <source>Missed call</source>
+        <translation>Verpasster Anruf</translation>
+    </message>
+    <message>
+        <source>New message from %1</source>
+        <translation>Neue Nachricht von %1</translation>
+    </message>
+    <message>
+        <source>Missed call from %1</source>
+        <translation>Verpasster Anruf von %1</translation>
+    </message>
+    <message>
+        <source>%1, at %2</source>
+        <translation>%1, um %2</translation>
+    </message>
+    <message>
+        <source>At %1</source>
+        <translation>Um %1</translation>
+    </message>
+    <message>
+        <source>%1, at %2, %3 seconds</source>
+        <translation>%1, um %2, %3 Sekunden</translation>
+    </message>
+    <message>
+        <source>At %1, %2 seconds</source>
+        <translation>Um %1, %2 Sekunden</translation>
+    </message>
+    <message>
+        <source>Modem</source>
+        <translation>Modem</translation>
+    </message>
+    <message>
+        <source>Simulation</source>
+        <translation>Simulation</translation>
+    </message>
 </context>
 <context>
     <name>orven::ActionsEngine</name>
@@ -1164,6 +1280,17 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
 </context>
 <context>
+    <name>orven::CallNotices</name>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
     <name>orven::CallSequence</name>
     <message>
         <source>InComing Call</source>
@@ -1195,6 +1322,25 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Save</source>
         <translation>Speichern</translation>
+    </message>
+</context>
+<context>
+    <name>orven::CallerNotice</name>
+    <message>
+        <source>Incoming call</source>
+        <translation>Ankommender Anruf</translation>
+    </message>
+    <message>
+        <source>Call from %1</source>
+        <translation>Anruf von %1</translation>
+    </message>
+    <message>
+        <source>Answer Now</source>
+        <translation>Annehmen</translation>
+    </message>
+    <message>
+        <source>Drop Call</source>
+        <translation>Auflegen</translation>
     </message>
 </context>
 <context>
@@ -1230,6 +1376,54 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>There was no answer within %1 s: a disk or a server hangs.</source>
         <translation>Innerhalb von %1 s kam keine Antwort: ein Datenträger oder ein Server hängt.</translation>
+    </message>
+    <message>
+        <source>The program is running.</source>
+        <translation>Das Programm läuft.</translation>
+    </message>
+    <message>
+        <source>It is not open yet, and is tried again by itself.</source>
+        <translation>Sie ist noch nicht offen; es wird von selbst weiter versucht.</translation>
+    </message>
+    <message>
+        <source>It is off, so nobody answers: press On in the toolbar.</source>
+        <translation>Sie ist aus, niemand nimmt an: in der Werkzeugleiste einschalten.</translation>
+    </message>
+    <message>
+        <source>No telephone line is chosen: choose one in Options, Devices.</source>
+        <translation>Es ist keine Telefonleitung gewählt: unter Einstellungen, Geräte eine wählen.</translation>
+    </message>
+    <message>
+        <source>There is no line to register.</source>
+        <translation>Es gibt keine Leitung anzumelden.</translation>
+    </message>
+    <message>
+        <source>This kind of line has no server.</source>
+        <translation>Diese Art Leitung hat keinen Server.</translation>
+    </message>
+    <message>
+        <source>It was not checked, because the port comes first.</source>
+        <translation>Nicht geprüft, weil der Port zuerst kommt.</translation>
+    </message>
+    <message>
+        <source>The line has no account: it is called at its address.</source>
+        <translation>Die Leitung hat kein Konto: sie wird unter ihrer Adresse angerufen.</translation>
+    </message>
+    <message>
+        <source>Calls and messages can be stored.</source>
+        <translation>Anrufe und Nachrichten lassen sich speichern.</translation>
+    </message>
+    <message>
+        <source>No sound card is found: messages can be heard by telephone only.</source>
+        <translation>Keine Soundkarte gefunden: Nachrichten sind nur per Telefon zu hören.</translation>
+    </message>
+    <message>
+        <source>The chosen sound card is not there: connect it, or choose another one in Options, Devices.</source>
+        <translation>Die gewählte Soundkarte ist nicht da: anschließen oder unter Einstellungen, Geräte eine andere wählen.</translation>
+    </message>
+    <message>
+        <source>Default output</source>
+        <translation>Standardausgabe</translation>
     </message>
 </context>
 <context>
@@ -1372,6 +1566,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>A call is in progress. The changed lines are used when it is over.</source>
         <translation>Gerade läuft ein Anruf. Die geänderten Leitungen gelten, sobald er zu Ende ist.</translation>
+    </message>
+    <message>
+        <source>Another line has this name: expected a unique name.</source>
+        <translation>Eine andere Leitung heißt schon so: der Name muss eindeutig sein.</translation>
     </message>
 </context>
 <context>
@@ -1759,6 +1957,46 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>The message stopped before its end.</source>
         <translation>Die Nachricht brach vor ihrem Ende ab.</translation>
+    </message>
+    <message>
+        <source>The line is off: switch it on first.</source>
+        <translation>Die Leitung ist aus: zuerst einschalten.</translation>
+    </message>
+    <message>
+        <source>The line has a call: try again when it is over.</source>
+        <translation>Auf der Leitung ist ein Anruf: nach seinem Ende noch einmal versuchen.</translation>
+    </message>
+    <message>
+        <source>It was cancelled.</source>
+        <translation>Abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The caller heard the beep.</source>
+        <translation>Der Anrufer hat den Signalton gehört.</translation>
+    </message>
+    <message>
+        <source>The caller said a sentence.</source>
+        <translation>Der Anrufer hat einen Satz gesagt.</translation>
+    </message>
+    <message>
+        <source>It took too long.</source>
+        <translation>Es hat zu lange gedauert.</translation>
+    </message>
+    <message>
+        <source>Another call came in: try again when it is over.</source>
+        <translation>Ein anderer Anruf kam an: nach seinem Ende noch einmal versuchen.</translation>
+    </message>
+    <message>
+        <source>The records cannot be written now; the call is filed later. See the system log for the reason.</source>
+        <translation>Die Anrufliste lässt sich gerade nicht schreiben; der Anruf wird später eingetragen. Der Grund steht im Systemprotokoll.</translation>
+    </message>
+    <message>
+        <source>The message cannot be played: choose another sound card in Options.</source>
+        <translation>Die Nachricht lässt sich nicht abspielen: in den Einstellungen eine andere Soundkarte wählen.</translation>
+    </message>
+    <message>
+        <source>The message was played.</source>
+        <translation>Die Nachricht wurde abgespielt.</translation>
     </message>
 </context>
 <context>
@@ -2239,6 +2477,18 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>A test call proves the whole chain. It stays in the list until you delete it.</source>
         <translation>Ein Testanruf prüft die ganze Kette. Er bleibt in der Liste, bis er gelöscht wird.</translation>
+    </message>
+    <message>
+        <source>ORVEN is calling itself…</source>
+        <translation>ORVEN ruft sich selbst an …</translation>
+    </message>
+    <message>
+        <source>The test call went through from the first ring to the played message.</source>
+        <translation>Der Testanruf kam durch, vom ersten Klingelzeichen bis zur abgespielten Nachricht.</translation>
+    </message>
+    <message>
+        <source>The test call has found a fault.</source>
+        <translation>Der Testanruf hat einen Fehler gefunden.</translation>
     </message>
 </context>
 <context>
@@ -3024,7 +3274,7 @@ Es wurde nichts geändert.</translation>
     </message>
     <message>
         <source>Machine</source>
-        <translation>Computer</translation>
+        <translation>Anrufbeantworter</translation>
     </message>
     <message>
         <source>Line</source>
