@@ -91,6 +91,25 @@
     </message>
 </context>
 <context>
+    <name>PasswordField</name>
+    <message>
+        <source>Without a password anyone who keys * hears the messages.</source>
+        <translation>Ohne Passwort hört jeder, der * wählt, die Nachrichten.</translation>
+    </message>
+    <message>
+        <source>A telephone can key the digits 0 to 9 and # only.</source>
+        <translation>Ein Telefon kann nur die Ziffern 0 bis 9 und # wählen.</translation>
+    </message>
+    <message>
+        <source>Enter it while the greeting plays, then press *</source>
+        <translation>Während der Ansage wählen, danach *</translation>
+    </message>
+    <message>
+        <source>Show the password</source>
+        <translation>Das Passwort anzeigen</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>OK</source>
@@ -1231,10 +1250,6 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Calls</source>
         <translation>Anrufe</translation>
     </message>
-    <message>
-        <source>No calls yet.</source>
-        <translation>Noch keine Anrufe.</translation>
-    </message>
 </context>
 <context>
     <name>orven::CallModel</name>
@@ -1424,6 +1439,25 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Default output</source>
         <translation>Standardausgabe</translation>
+    </message>
+</context>
+<context>
+    <name>orven::EmptyCallList</name>
+    <message>
+        <source>No calls yet.</source>
+        <translation>Noch keine Anrufe.</translation>
+    </message>
+    <message>
+        <source>Set up your telephone</source>
+        <translation>Telefon einrichten</translation>
+    </message>
+    <message>
+        <source>Choose your greeting</source>
+        <translation>Ansage wählen</translation>
+    </message>
+    <message>
+        <source>See the password for listening from outside</source>
+        <translation>Passwort für die Fernabfrage ansehen</translation>
     </message>
 </context>
 <context>
@@ -1787,6 +1821,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Check-up…</source>
         <translation>Überprüfung…</translation>
     </message>
+    <message>
+        <source>Set-up Assistant…</source>
+        <translation>Einrichtungsassistent…</translation>
+    </message>
 </context>
 <context>
     <name>orven::MainStatusBar</name>
@@ -2131,6 +2169,33 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>The test cannot run: no thread can be started.</source>
         <translation>Der Test kann nicht laufen: kein Thread lässt sich starten.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::SetupAssistant</name>
+    <message>
+        <source>Another program uses %1: calls will come in at %2.</source>
+        <translation>Ein anderes Programm verwendet %1: Anrufe kommen bei %2 an.</translation>
+    </message>
+    <message>
+        <source>To try it from another telephone at the router, dial %1.</source>
+        <translation>Zum Ausprobieren von einem anderen Telefon am Router %1 wählen.</translation>
+    </message>
+    <message>
+        <source>To try it from another telephone, dial the number of the account %1.</source>
+        <translation>Zum Ausprobieren von einem anderen Telefon die Nummer des Kontos %1 wählen.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>The server is missing: its name or address.</source>
+        <translation>Der Server fehlt: sein Name oder seine Adresse.</translation>
+    </message>
+    <message>
+        <source>No telephone line is chosen.</source>
+        <translation>Es ist keine Telefonleitung gewählt.</translation>
     </message>
 </context>
 <context>
@@ -3049,18 +3114,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>Zurzeit gibt es keine Leitung mit diesem Namen.</translation>
     </message>
     <message>
-        <source>Without a password anyone who keys * hears the messages.</source>
-        <translation>Ohne Passwort hört jeder, der * wählt, die Nachrichten.</translation>
-    </message>
-    <message>
-        <source>A telephone can key the digits 0 to 9 and # only.</source>
-        <translation>Ein Telefon kann nur die Ziffern 0 bis 9 und # wählen.</translation>
-    </message>
-    <message>
-        <source>Enter it while the greeting plays, then press *</source>
-        <translation>Während der Ansage wählen, danach *</translation>
-    </message>
-    <message>
         <source>While a caller is greeted or speaks, the level is shown here.</source>
         <translation>Während ein Anrufer die Ansage hört oder spricht, ist hier der Pegel zu sehen.</translation>
     </message>
@@ -3128,10 +3181,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <source>Remote access</source>
         <translation>Fernabfrage</translation>
     </message>
-    <message>
-        <source>Show the password</source>
-        <translation>Das Passwort anzeigen</translation>
-    </message>
 </context>
 <context>
     <name>orven::frmOptionsGreetings</name>
@@ -3158,6 +3207,193 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>&amp;Greeting:</source>
         <translation>&amp;Ansage:</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmSetup</name>
+    <message>
+        <source>Set-up Assistant</source>
+        <translation>Einrichtungsassistent</translation>
+    </message>
+    <message>
+        <source>Result of the test</source>
+        <translation>Ergebnis des Tests</translation>
+    </message>
+    <message>
+        <source>Use it any&amp;way</source>
+        <translation>&amp;Trotzdem verwenden</translation>
+    </message>
+    <message>
+        <source>Store the line; ORVEN keeps trying to reach its server</source>
+        <translation>Die Leitung speichern; ORVEN versucht weiter, den Server zu erreichen</translation>
+    </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>&amp;Zurück</translation>
+    </message>
+    <message>
+        <source>The page before this one</source>
+        <translation>Die Seite davor</translation>
+    </message>
+    <message>
+        <source>S&amp;kip</source>
+        <translation>Über&amp;springen</translation>
+    </message>
+    <message>
+        <source>Leave this page as it is</source>
+        <translation>Diese Seite lassen, wie sie ist</translation>
+    </message>
+    <message>
+        <source>&amp;Next</source>
+        <translation>&amp;Weiter</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>Tools, Set-up Assistant opens this window again</source>
+        <translation>Extras, Einrichtungsassistent öffnet dieses Fenster wieder</translation>
+    </message>
+    <message>
+        <source>1 of 4: Your telephone</source>
+        <translation>1 von 4: Das Telefon</translation>
+    </message>
+    <message>
+        <source>2 of 4: Your greeting</source>
+        <translation>2 von 4: Die Ansage</translation>
+    </message>
+    <message>
+        <source>3 of 4: When you are away</source>
+        <translation>3 von 4: Unterwegs</translation>
+    </message>
+    <message>
+        <source>4 of 4: Ready</source>
+        <translation>4 von 4: Bereit</translation>
+    </message>
+    <message>
+        <source>Testing…</source>
+        <translation>Wird getestet …</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmSetupAway</name>
+    <message>
+        <source>To hear your messages from any telephone, call this machine, key the password while the greeting plays, then the star key.</source>
+        <translation>Um Nachrichten von jedem Telefon abzuhören: hier anrufen, während der Ansage das Passwort wählen, danach die Sterntaste.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmSetupGreeting</name>
+    <message>
+        <source>&amp;Hear it</source>
+        <translation>An&amp;hören</translation>
+    </message>
+    <message>
+        <source>Play it on the sound card</source>
+        <translation>Auf der Soundkarte abspielen</translation>
+    </message>
+    <message>
+        <source>&amp;Type a greeting…</source>
+        <translation>Ansage &amp;tippen…</translation>
+    </message>
+    <message>
+        <source>A voice of this computer speaks it</source>
+        <translation>Eine Stimme dieses Computers spricht sie</translation>
+    </message>
+    <message>
+        <source>Sp&amp;eak a greeting…</source>
+        <translation>Ansage auf&amp;sprechen…</translation>
+    </message>
+    <message>
+        <source>Record it with the microphone</source>
+        <translation>Mit dem Mikrofon aufnehmen</translation>
+    </message>
+    <message>
+        <source>Callers hear a greeting and a beep, then leave their message.</source>
+        <translation>Anrufer hören eine Ansage und einen Signalton und hinterlassen dann ihre Nachricht.</translation>
+    </message>
+    <message>
+        <source>Make a greeting of your own, or keep this one.</source>
+        <translation>Eine eigene Ansage erstellen oder diese behalten.</translation>
+    </message>
+    <message>
+        <source>Callers hear the greeting &quot;%1&quot;.</source>
+        <translation>Anrufer hören die Ansage „%1“.</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmSetupReady</name>
+    <message>
+        <source>Call &amp;me now</source>
+        <translation>Jetzt &amp;anrufen</translation>
+    </message>
+    <message>
+        <source>ORVEN calls its own line, says a sentence and plays the message</source>
+        <translation>ORVEN ruft die eigene Leitung an, sagt einen Satz und spielt die Nachricht ab</translation>
+    </message>
+    <message>
+        <source>Steps of the call</source>
+        <translation>Schritte des Anrufs</translation>
+    </message>
+</context>
+<context>
+    <name>orven::frmSetupTelephone</name>
+    <message>
+        <source>What takes the calls that this machine answers?</source>
+        <translation>Woher kommen die Anrufe für diesen Anrufbeantworter?</translation>
+    </message>
+    <message>
+        <source>A home &amp;router with a telephone line</source>
+        <translation>Ein &amp;Router mit Telefonanschluss</translation>
+    </message>
+    <message>
+        <source>A SIP &amp;account of a telephone provider or an office</source>
+        <translation>Ein SIP-&amp;Konto eines Anbieters oder Büros</translation>
+    </message>
+    <message>
+        <source>A &amp;voice modem on a telephone socket</source>
+        <translation>Ein Sprach&amp;modem an einer Telefondose</translation>
+    </message>
+    <message>
+        <source>&amp;Just try it: programs on this computer</source>
+        <translation>Nur aus&amp;probieren: Programme auf diesem Computer</translation>
+    </message>
+    <message>
+        <source>&amp;More…</source>
+        <translation>M&amp;ehr…</translation>
+    </message>
+    <message>
+        <source>All fields of the line: transport, login name, address for calls</source>
+        <translation>Alle Felder der Leitung: Transport, Anmeldename, Adresse für Anrufe</translation>
+    </message>
+    <message>
+        <source>&amp;Server:</source>
+        <translation>&amp;Server:</translation>
+    </message>
+    <message>
+        <source>N&amp;umber or user name:</source>
+        <translation>N&amp;ummer oder Benutzername:</translation>
+    </message>
+    <message>
+        <source>&amp;Password:</source>
+        <translation>&amp;Passwort:</translation>
+    </message>
+    <message>
+        <source>Add a telephone for this computer in the router&apos;s own pages, and type its name and password here.</source>
+        <translation>Auf den Seiten des Routers ein Telefon für diesen Computer anlegen und dessen Namen und Passwort hier eintragen.</translation>
+    </message>
+    <message>
+        <source>The provider&apos;s letter or web page names these three.</source>
+        <translation>Diese drei Angaben stehen im Brief oder auf der Webseite des Anbieters.</translation>
+    </message>
+    <message>
+        <source>Plug the modem into the computer and the telephone socket. ORVEN finds its port by itself.</source>
+        <translation>Das Modem mit Computer und Telefondose verbinden. ORVEN findet seinen Port von selbst.</translation>
+    </message>
+    <message>
+        <source>Nothing is needed: a softphone on this computer can call ORVEN. Set up your line later.</source>
+        <translation>Es ist nichts nötig: ein Softphone auf diesem Computer kann ORVEN anrufen. Die Leitung lässt sich später einrichten.</translation>
     </message>
 </context>
 <context>

@@ -190,7 +190,7 @@ void CheckUp::CheckCard() {
 }
 
 void CheckUp::CheckMail() {
-  if (parts_.settings.pMailTo == 0) return Set(CheckLink::Mail, Note("Mail is switched off."));
+  if (parts_.settings.pMailTo == 0) return Set(CheckLink::Mail, Note(Tr("Mail is switched off.")));
   mail_test_ = parts_.mail.TryServer(parts_.account(), [this, round = round_](const MailTestResult& result) {
     if (round == round_) Set(CheckLink::Mail, result.passed ? Good(result.text) : Bad(result.text));
   });

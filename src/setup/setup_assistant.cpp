@@ -185,7 +185,7 @@ void SetupAssistant::Test() {
   TakeTyped();
   const auto line = lines_->At(index_);
   if (HasServer(kind_) && line.server.empty())
-    return view_.ShowFound({false, "The server is missing: its name or address.", "txtServer"}, false);
+    return view_.ShowFound({false, Words("The server is missing: its name or address."), "txtServer"}, false);
   if (const auto same = SameAccount(line)) {
     auto other = lines_->At(*same);
     other.password = line.password;
@@ -281,7 +281,7 @@ void SetupAssistant::ShowReady() {
       dial = Words("To try it from another telephone, dial the number of the account %1.").Arg(line.user);
     view_.ShowLine(Words("%1: %2").Arg(line.name).Arg(row.state), dial);
   } else {
-    view_.ShowLine("No telephone line is chosen.", {});
+    view_.ShowLine(Words("No telephone line is chosen."), {});
   }
   view_.ShowOwnCall(own_call_, own_call_.Obstacle());
 }

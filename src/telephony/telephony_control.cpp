@@ -22,13 +22,13 @@ const char* TextOf(std::int32_t result) {
   if (result > 0) return "Success";
   switch (result) {
     case kTelephonyOk: return "Success";
-    case kTelephonyBadDevice: return "There is no telephony device with this index.";
-    case kTelephonyLineNotOpen: return "The line is not open.";
-    case kTelephonyLineInUse: return "The line is in use by another program.";
-    case kTelephonyNoCall: return "There is no call on the line.";
-    case kTelephonyAlreadyAnswered: return "The call is being answered already.";
-    case kTelephonyDeviceFailed: return "The telephony device failed.";
-    case kTelephonyNoDevices: return "There are no telephony devices.";
+    case kTelephonyBadDevice: return Tr("There is no telephony device with this index.");
+    case kTelephonyLineNotOpen: return Tr("The line is not open.");
+    case kTelephonyLineInUse: return Tr("The line is in use by another program.");
+    case kTelephonyNoCall: return Tr("There is no call on the line.");
+    case kTelephonyAlreadyAnswered: return Tr("The call is being answered already.");
+    case kTelephonyDeviceFailed: return Tr("The telephony device failed.");
+    case kTelephonyNoDevices: return Tr("There are no telephony devices.");
     default: return nullptr;
   }
 }
@@ -102,7 +102,7 @@ Words TelephonyControl::OpenTroubleOf(std::int32_t index) const {
   const auto* line = At(index);
   if (line == nullptr || line->failure.result == kTelephonyOk) return {};
   if (!line->failure.trouble.Empty()) return line->failure.trouble;
-  return Words("The line cannot be opened: %1").Arg(ErrorText(line->failure.result));
+  return Words("The line cannot be opened: %1").Arg(Words(ErrorText(line->failure.result).c_str()));
 }
 
 std::string TelephonyControl::ErrorText(std::int32_t result) const {

@@ -92,8 +92,8 @@ std::string ContentOf(const std::string& path) {
 /// `several`: the line has more than one account.
 Words RegistrationWords(const RegistrationNews& news, bool several) {
   switch (news.state) {
-    case RegistrationNews::State::Trying: return "Registering";
-    case RegistrationNews::State::Registered: return "Registered";
+    case RegistrationNews::State::Trying: return Words("Registering");
+    case RegistrationNews::State::Registered: return Words("Registered");
     default: break;
   }
   if (several) return Words("Registration failed: %1: %2").Arg(news.account).Arg(news.reason);
@@ -101,7 +101,7 @@ Words RegistrationWords(const RegistrationNews& news, bool several) {
 }
 
 LineTestResult ReadScript(const std::string& path) {
-  if (path.empty()) return {true, "The simulated line has no script: nobody calls."};
+  if (path.empty()) return {true, Words("The simulated line has no script: nobody calls.")};
   std::vector<std::string> complaints;
   const auto steps = ToCount(ReadSimScript(path, complaints).size());
   if (complaints.empty()) return {true, Words("The script can be played; it has %1 steps.").Arg(steps)};
@@ -172,14 +172,15 @@ bool FileTelephoneLines::AnyOpen() const {
 
 Words FileTelephoneLines::State(const TelephoneLine& line) const {
   const auto device = DeviceOf(line);
-  if (device < 0) return "Not in use yet";
+  if (device < 0) return Words("Not in use yet");
   const auto use = use_(device);
   if (!use.failure.empty()) return Words("Could not be opened: %1").Arg(use.failure);
   if (!use.open) return AnyOpen() ? Tr("Another line is chosen") : Tr("Off");
   const auto& states = states_[static_cast<std::size_t>(device)];
   if (line.kind == LineKind::Modem) return states.modem->Get();
   const auto accounts = SipSettingsOf(states.section, {}).accounts.size();
-  return accounts == 0 ? "Waiting for calls" : RegistrationWords(states.registration->Get(), accounts > 1);
+  return accounts == 0 ? Words("Waiting for calls")
+                       : RegistrationWords(states.registration->Get(), accounts > 1);
 }
 
 /// Whether an open line has one of the accounts, perhaps with other settings.

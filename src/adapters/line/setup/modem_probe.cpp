@@ -114,7 +114,7 @@ class Probe : private ModemLinkEvents, private ModemOutput {
 
 LineTestResult ProbeModem(const std::string& port, const std::atomic<bool>& cancelled) {
   if (port != kAnyPort) return Probe().Run(port, cancelled);
-  LineTestResult result{false, "No modem is plugged in."};
+  LineTestResult result{false, Words("No modem is plugged in.")};
   for (const auto& found : FindSerialPorts()) {
     result = Probe().Run(found.path, cancelled);
     if (result.passed || cancelled) break;
