@@ -23,6 +23,14 @@
         <source>The line is open: calls can come in at %1.</source>
         <translation>Die Leitung ist offen: Anrufe können bei %1 ankommen.</translation>
     </message>
+    <message>
+        <source>Not in use yet</source>
+        <translation>Noch nicht in Gebrauch</translation>
+    </message>
+    <message>
+        <source>Waiting for calls</source>
+        <translation>Wartet auf Anrufe</translation>
+    </message>
 </context>
 <context>
     <name>ModemAgent</name>
@@ -1210,6 +1218,22 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Simulation</source>
         <translation>Simulation</translation>
     </message>
+    <message>
+        <source>Registering</source>
+        <translation>Wird angemeldet</translation>
+    </message>
+    <message>
+        <source>Registered</source>
+        <translation>Angemeldet</translation>
+    </message>
+    <message>
+        <source>The simulated line has no script: nobody calls.</source>
+        <translation>Die simulierte Leitung hat kein Skript: niemand ruft an.</translation>
+    </message>
+    <message>
+        <source>No modem is plugged in.</source>
+        <translation>Kein Modem angeschlossen.</translation>
+    </message>
 </context>
 <context>
     <name>orven::ActionsEngine</name>
@@ -1439,6 +1463,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Default output</source>
         <translation>Standardausgabe</translation>
+    </message>
+    <message>
+        <source>Mail is switched off.</source>
+        <translation>E-Mail ist ausgeschaltet.</translation>
     </message>
 </context>
 <context>
@@ -3583,6 +3611,34 @@ Es wurde nichts geändert.</translation>
     <message>
         <source>Sound card %1 (not connected)</source>
         <translation>Soundkarte %1 (nicht angeschlossen)</translation>
+    </message>
+    <message>
+        <source>There is no telephony device with this index.</source>
+        <translation>Es gibt kein Telefoniegerät mit dieser Nummer.</translation>
+    </message>
+    <message>
+        <source>The line is not open.</source>
+        <translation>Die Leitung ist nicht offen.</translation>
+    </message>
+    <message>
+        <source>The line is in use by another program.</source>
+        <translation>Ein anderes Programm verwendet die Leitung.</translation>
+    </message>
+    <message>
+        <source>There is no call on the line.</source>
+        <translation>Auf der Leitung ist kein Anruf.</translation>
+    </message>
+    <message>
+        <source>The call is being answered already.</source>
+        <translation>Der Anruf wird schon angenommen.</translation>
+    </message>
+    <message>
+        <source>The telephony device failed.</source>
+        <translation>Das Telefoniegerät ist ausgefallen.</translation>
+    </message>
+    <message>
+        <source>There are no telephony devices.</source>
+        <translation>Es gibt keine Telefoniegeräte.</translation>
     </message>
 </context>
 </TS>
