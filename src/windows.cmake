@@ -8,7 +8,7 @@ add_library(orven_windows STATIC ${window_sources} ${PROJECT_SOURCE_DIR}/assets/
 set_target_properties(orven_windows PROPERTIES AUTOMOC ON AUTORCC ON)
 
 # The translations: assets/translations has a file for each language. Qt finds texts of windows by their class. Those of
-# the engine (base/words.h) are found without one, in a file of their own.
+# the engine (base/words.h) are found without one, in a file of their own; lrelease complains that texts are in it twice.
 find_program(LRELEASE lrelease HINTS ${QT6_INSTALL_PREFIX}/${QT6_INSTALL_BINS} REQUIRED)
 file(GLOB translations CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/assets/translations/orven_*.ts)
 set(released ${CMAKE_CURRENT_BINARY_DIR}/translations)
@@ -19,7 +19,7 @@ foreach(translation ${translations})
   add_custom_command(OUTPUT ${made}
     COMMAND ${LRELEASE} -silent ${translation} -qm ${released}/orven_${language}.qm
     COMMAND sed "s,<name>.*</name>,<name>Words</name>," ${translation} > ${released}/words_${language}.ts
-    COMMAND ${LRELEASE} -silent ${released}/words_${language}.ts -qm ${released}/words_${language}.qm
+    COMMAND ${LRELEASE} -silent ${released}/words_${language}.ts -qm ${released}/words_${language}.qm 2> /dev/null
     DEPENDS ${translation} VERBATIM)
   target_sources(orven_windows PRIVATE ${made})
   string(APPEND listed "<file>orven_${language}.qm</file><file>words_${language}.qm</file>")

@@ -21,21 +21,28 @@ import xml.etree.ElementTree as xml
 UPDATE = ("-silent", "-no-obsolete", "-locations", "none", "-tr-function-alias", "QT_TR_NOOP+=Words,QT_TR_NOOP+=Tr")
 
 
+# It warns of each class that is not Qt's: those of the engine, whose texts are found without their class.
+ENGINE = re.compile(r"Class '(.+)' lacks Q_OBJECT macro|unknown namespace/class ::(\w+)")
+
+
 def update(root, lupdate, files):
+    """Returns the contexts that do not matter: which class of the engine a text is in."""
     done = subprocess.run([lupdate, *UPDATE, os.path.join(root, "src"), "-ts", *files], capture_output=True, text=True)
-    if done.returncode != 0:  # it also warns of each class of the engine, which are none of Qt's
+    if done.returncode != 0:
         sys.exit(done.stderr)
+    return {name for names in ENGINE.findall(done.stderr) for name in names if name}
 
 
-def texts_of(file):
+def texts_of(file, engine):
     """Each text with its translation; None where it is unfinished."""
     texts = {}
     for context in xml.parse(file).getroot().iter("context"):
+        name = context.findtext("name")
         for message in context.iter("message"):
             english = "".join(message.find("source").itertext())
             translation = message.find("translation")
             done = translation.get("type") is None
-            texts[context.findtext("name"), english] = "".join(translation.itertext()) if done else None
+            texts["" if name in engine else name, english] = "".join(translation.itertext()) if done else None
     return texts
 
 
@@ -59,8 +66,9 @@ def check(root, lupdate, files):
     with tempfile.TemporaryDirectory() as folder:
         for file in files:
             copy = shutil.copy(file, folder)
-            update(root, lupdate, [copy])
-            yield from (f"{os.path.basename(file)}: {fault}" for fault in faults_in(texts_of(file), texts_of(copy).keys()))
+            engine = update(root, lupdate, [copy])
+            found = faults_in(texts_of(file, engine), texts_of(copy, engine).keys())
+            yield from (f"{os.path.basename(file)}: {fault}" for fault in found)
 
 
 if __name__ == "__main__":
