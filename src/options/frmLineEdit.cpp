@@ -41,21 +41,34 @@ int TransportIndex(const TelephoneLine& line) {
   return static_cast<int>(found - kTransports.begin()) + (plain_tls ? 1 : 0);
 }
 
+/// Nothing below cmdMore needs a look.
+bool IsUsual(const TelephoneLine& line) {
+  const TelephoneLine usual;
+  return line.auth_user.empty() && line.proxy.empty() && line.tls_trust.empty() && line.srtp.empty() &&
+         line.transport != "tcp" && line.transport != "tls" && line.listen == usual.listen &&
+         line.ring_seconds == usual.ring_seconds;
+}
+
 }  // namespace
 
 frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, QWidget* parent)
     : QDialog(parent), engine_(engine), index_(index), line_(index ? engine.At(*index) : engine.NewLine()) {
   SetUpDialog(*this, "frmLineEdit", index ? tr("Telephone Line") : tr("New Telephone Line"));
-  auto* column = MakeChild<QVBoxLayout>(this);
+  auto* content = MakeChild<QWidget>();
+  auto* rows = MakeFlat<QVBoxLayout>(content);
   form_ = MakeChild<QFormLayout>();
-  column->addLayout(form_);
+  rows->addLayout(form_);
   MakeFields(!index);
   test_ = MakeChild<frmLineTest>(
       engine_, [this] { return CheckedLine(); }, this);
-  column->addWidget(test_);
-  column->addStretch();
+  connect(test_, &frmLineTest::Tested, this, &frmLineEdit::ShowTested);
+  rows->addWidget(test_);
+  rows->addStretch();
+  page_ = MakeChild<GrowingPage>(content, this);
   const auto buttons = MakeClosingButtons(*this);
   connect(buttons.cmdOK, &QPushButton::clicked, this, &frmLineEdit::Ok);
+  auto* column = MakeChild<QVBoxLayout>(this);
+  column->addWidget(page_);
   column->addLayout(buttons.row);
   Show(line_);
   for (auto* field : findChildren<QLineEdit*>()) {
@@ -65,29 +78,34 @@ frmLineEdit::frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, 
     IgnoreStrayWheel(*list);
     connect(list, &QComboBox::currentIndexChanged, this, &frmLineEdit::Changed);
   }
-  texts_.front().first->setFocus();
-  texts_.front().first->selectAll();
+  texts_.front().field->setFocus();
+  texts_.front().field->selectAll();
 }
 
 void frmLineEdit::MakeFields(bool fresh) {
   AddText(&TelephoneLine::name, "txtName", tr("&Name:"), tr("The line's name in this program"));
   cmbKind_ = AddList("cmbKind", tr("&Kind:"));
-  cmbKind_->addItem(tr("SIP (Internet telephony)"));
-  cmbKind_->addItem(tr("Modem"));
-  if (line_.kind == LineKind::Sim) cmbKind_->addItem(tr("Simulation"));
+  const auto add = [this](LineKind kind, const QString& text) {
+    cmbKind_->addItem(text, static_cast<int>(kind));
+  };
+  add(LineKind::Sip, tr("SIP (Internet telephony)"));
+  add(LineKind::Modem, tr("Modem"));
+  if (line_.kind == LineKind::Sim) add(LineKind::Sim, tr("Simulation"));
   cmbKind_->setEnabled(fresh);
-  MakeSection(LineKind::Sip, &frmLineEdit::MakeSipFields);
-  MakeSection(LineKind::Modem, &frmLineEdit::MakeModemFields);
-  MakeSection(LineKind::Sim, &frmLineEdit::MakeSimFields);
+  MakeSection(LineKind::Sip, false, &frmLineEdit::MakeSipFields);
+  MakeSection(LineKind::Sip, true, &frmLineEdit::MakeExpertFields);
+  MakeSection(LineKind::Modem, false, &frmLineEdit::MakeModemFields);
+  MakeSection(LineKind::Sim, false, &frmLineEdit::MakeSimFields);
   MakeFault();
-  connect(cmbKind_, &QComboBox::currentIndexChanged, this, &frmLineEdit::ShowKind);
+  connect(cmbKind_, &QComboBox::currentIndexChanged, this, &frmLineEdit::ShowRows);
 }
 
-void frmLineEdit::MakeSection(LineKind kind, void (frmLineEdit::*make)()) {
+void frmLineEdit::MakeSection(LineKind kind, bool expert, void (frmLineEdit::*make)()) {
   const int first = form_->rowCount();
+  section_ = kind;
   (this->*make)();
   for (int row = first; row < form_->rowCount(); ++row) {
-    rows_.emplace_back(kind, form_->itemAt(row, QFormLayout::FieldRole)->widget());
+    rows_.push_back({kind, expert, form_->itemAt(row, QFormLayout::FieldRole)->widget()});
   }
 }
 
@@ -97,17 +115,51 @@ void frmLineEdit::MakeSipFields() {
              "that come directly to this computer"))
       ->setPlaceholderText(tr("sip.example.org, or the home router"));
   AddText(&TelephoneLine::user, "txtUser", tr("&User:"), tr("The account's name or telephone number"));
+  MakePassword();
+  MakeMore();
+}
+
+void frmLineEdit::MakeMore() {
+  cmdMore_ = MakeNamed<QToolButton>("cmdMore", this);
+  cmdMore_->setText(tr("&More"));
+  cmdMore_->setToolTip(tr("What only some providers and networks need"));
+  cmdMore_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  cmdMore_->setArrowType(Qt::RightArrow);
+  cmdMore_->setAutoRaise(true);
+  cmdMore_->setCheckable(true);
+  form_->addRow(QString(), cmdMore_);
+  connect(cmdMore_, &QToolButton::toggled, this, [this](bool open) {
+    cmdMore_->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
+    ShowRows();
+    if (!open) page_->Fit();
+  });
+}
+
+void frmLineEdit::MakeExpertFields() {
   AddText(&TelephoneLine::auth_user, "txtAuthUser", tr("&Login name:"),
           tr("Only if the server expects a login name other than the user"))
       ->setPlaceholderText(tr("the same as the user"));
-  MakePassword();
   cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
   cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
   for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
+  AddText(&TelephoneLine::tls_trust, "txtTrust", tr("Trus&ted certificates:"),
+          tr("A PEM file of the certificates that the server may show with TLS; it is looked for in ORVEN's "
+             "folder"))
+      ->setPlaceholderText(tr("those that this computer trusts"));
   AddText(&TelephoneLine::proxy, "txtProxy", tr("Outbound pro&xy:"),
           tr("A server, perhaps with \":\" and a port, to which everything is sent instead of the account's "
              "server"))
       ->setPlaceholderText(tr("only if the provider names one"));
+  MakeAddressForCalls();
+  spnRing_ = MakeNamed<QSpinBox>("spnRing", this);
+  spnRing_->setRange(1, 60);
+  spnRing_->setSuffix(tr(" s"));
+  spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
+  IgnoreStrayWheel(*spnRing_);
+  AddRow(tr("Time &between rings:"), spnRing_);
+}
+
+void frmLineEdit::MakeAddressForCalls() {
   AddText(&TelephoneLine::listen, "txtListen", tr("&Address for calls:"),
           tr("Where this computer waits for calls: a host and a port, such as 192.168.1.5:5060, "
              "[2001:db8::5]:5060 or "
@@ -116,12 +168,6 @@ void frmLineEdit::MakeSipFields() {
       tr("0.0.0.0:5060 is every network, *:5060 with IPv6, too, and 127.0.0.1:5060 this computer only. Or "
          "one of its "
          "addresses or names."));
-  spnRing_ = MakeNamed<QSpinBox>("spnRing", this);
-  spnRing_->setRange(1, 60);
-  spnRing_->setSuffix(tr(" s"));
-  spnRing_->setToolTip(tr("The time from ring to ring; the answering machine counts the rings"));
-  IgnoreStrayWheel(*spnRing_);
-  AddRow(tr("Time &between rings:"), spnRing_);
 }
 
 void frmLineEdit::MakePassword() {
@@ -149,10 +195,8 @@ void frmLineEdit::MakeModemFields() {
 
 /// Below the field that was added last.
 void frmLineEdit::AddHint(const QString& text) {
-  auto* hint = MakeChild<QLabel>(text, this);
-  hint->setWordWrap(true);
-  // A form layout ignores the height of wrapped text. Fields are never narrower than kFieldWidth.
-  hint->setMinimumHeight(hint->heightForWidth(kFieldWidth));
+  auto* hint = MakeChild<WholeText>("", this, kFieldWidth);
+  hint->setText(text);
   form_->addRow(QString(), hint);
 }
 
@@ -162,7 +206,7 @@ void frmLineEdit::MakeSimFields() {
 }
 
 void frmLineEdit::MakeFault() {
-  lblFault_ = MakeText("lblFault", this);
+  lblFault_ = MakeChild<WholeText>("lblFault", this, kFieldWidth);
   auto font = lblFault_->font();
   font.setBold(true);
   lblFault_->setFont(font);
@@ -181,7 +225,7 @@ QLineEdit* frmLineEdit::AddText(std::string TelephoneLine::*value, const char* n
   auto* field = MakeNamed<QLineEdit>(name, row != nullptr ? row : this);
   field->setToolTip(tip);
   AddRow(label, field, row);
-  texts_.emplace_back(field, value);
+  texts_.push_back({field, value, section_});
   return field;
 }
 
@@ -192,22 +236,25 @@ QComboBox* frmLineEdit::AddList(const char* name, const QString& label, QWidget*
   return list;
 }
 
-/// Without `row` the field is a row of its own.
+/// Without `row` the field is a row of its own. Below either there is a place for a fault.
 void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {
   if (row != nullptr) static_cast<QHBoxLayout*>(row->layout())->addWidget(field, 1);
-  auto* whole = row != nullptr ? row : field;
-  whole->setMinimumWidth(kFieldWidth);
-  form_->addRow(MakeCaption(label, field), whole);
+  auto* caption = MakeCaption(label, field);
+  auto* place = MakeChild<QWidget>(this);
+  place->setMinimumWidth(kFieldWidth);
+  MakeFlat<QVBoxLayout>(place)->addWidget(row != nullptr ? row : field);
+  form_->addRow(caption, place);
 }
 
 void frmLineEdit::Show(const TelephoneLine& line) {
-  for (const auto& [field, value] : texts_) field->setText(QString::fromStdString(line.*value));
-  cmbKind_->setCurrentIndex(static_cast<int>(line.kind));
+  for (const auto& text : texts_) text.field->setText(QString::fromStdString(line.*text.value));
+  cmbKind_->setCurrentIndex(cmbKind_->findData(static_cast<int>(line.kind)));
   cmbTransport_->setCurrentIndex(TransportIndex(line));
   spnRing_->setValue(line.ring_seconds);
   cmbPort_->setEditText(QString::fromStdString(line.port));
   FillPorts();
-  ShowKind();
+  cmdMore_->setChecked(!IsUsual(line));
+  ShowRows();
 }
 
 void frmLineEdit::FillPorts() {
@@ -221,26 +268,26 @@ void frmLineEdit::FillPorts() {
   if (!text.isEmpty() || cmbPort_->count() == 0) cmbPort_->setEditText(text);
 }
 
-void frmLineEdit::ShowKind() {
-  for (const auto& [kind, row] : rows_) form_->setRowVisible(row, kind == Kind());
+void frmLineEdit::ShowRows() {
+  for (const auto& row : rows_) {
+    form_->setRowVisible(row.widget, row.kind == Kind() && (!row.expert || cmdMore_->isChecked()));
+  }
 }
 
 void frmLineEdit::Changed() {
   test_->Clear();
-  if (lblFault_->isHidden()) return;
   lblFault_->hide();
-  form_->removeWidget(lblFault_);
 }
 
 LineKind frmLineEdit::Kind() const {
-  return static_cast<LineKind>(cmbKind_->currentIndex());
+  return static_cast<LineKind>(cmbKind_->currentData().toInt());
 }
 
 TelephoneLine frmLineEdit::Line() const {
   auto line = line_;
   line.kind = Kind();
-  for (const auto& [field, value] : texts_) {
-    if (!field->isVisibleTo(this)) continue;
+  for (const auto& [field, value, kind] : texts_) {
+    if (kind && *kind != line.kind) continue;
     const bool exact = value == &TelephoneLine::password;
     line.*value = (exact ? field->text() : field->text().trimmed()).toStdString();
   }
@@ -265,17 +312,30 @@ std::optional<TelephoneLine> frmLineEdit::CheckedLine() {
   return std::nullopt;
 }
 
+/// The place of this control, which is made visible.
+QWidget* frmLineEdit::PlaceOf(QWidget* control) const {
+  auto* place = control;
+  while (form_->indexOf(place) < 0) place = place->parentWidget();
+  if (!form_->isRowVisible(place)) cmdMore_->setChecked(true);
+  return place;
+}
+
+QWidget* frmLineEdit::Named(std::string_view control) const {
+  return findChild<QWidget*>(QLatin1String(control.data(), static_cast<qsizetype>(control.size())));
+}
+
 void frmLineEdit::ShowFault(const LineFault& fault) {
-  auto* field = findChild<QWidget*>(QString::fromLatin1(fault.control.data()));
-  auto* row = field->parentWidget() == this ? field : field->parentWidget();
-  int at = 0;
-  QFormLayout::ItemRole role{};
-  form_->getWidgetPosition(row, &at, &role);
-  form_->insertRow(at + 1, QString(), lblFault_);
+  auto* control = Named(fault.control);
+  PlaceOf(control)->layout()->addWidget(lblFault_);
   lblFault_->setText(Shown(fault.text));
-  lblFault_->setMinimumHeight(lblFault_->heightForWidth(kFieldWidth));
   lblFault_->show();
-  field->setFocus();
+  control->setFocus();
+  page_->Reveal(*lblFault_);
+}
+
+void frmLineEdit::ShowTested(const LineTestResult& result) {
+  if (!result.control.empty()) (void)PlaceOf(Named(result.control));
+  page_->Reveal(*test_);
 }
 
 void frmLineEdit::Ok() {

@@ -7,15 +7,19 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
-#include <utility>
+#include <QToolButton>
+#include <optional>
 #include <vector>
 
 #include "options/frmLines.h"
 #include "options/lines_dialog.h"
+#include "widgets/growing_page.h"
 
 namespace orven {
 
-/// Edits a telephone line, new or existing. Bad input is explained below its field. User-interface thread.
+/// Edits a telephone line, new or existing. Bad input is explained below its field. What few lines need is
+/// below the button `cmdMore`, which is open from the beginning when one of these values is unusual.
+/// User-interface thread.
 class frmLineEdit : public QDialog {
   Q_OBJECT
 
@@ -24,9 +28,25 @@ class frmLineEdit : public QDialog {
   frmLineEdit(LinesDialog& engine, std::optional<std::size_t> index, QWidget* parent);
 
  private:
+  /// A text, and where the line has it.
+  struct Text {
+    QLineEdit* field;
+    std::string TelephoneLine::*value;
+    std::optional<LineKind> kind;  ///< that has it; nothing: every kind
+  };
+  /// A row of the form that only one kind of line has.
+  struct Row {
+    LineKind kind;
+    bool expert;  ///< below cmdMore
+    QWidget* widget;
+  };
+
   void MakeFields(bool fresh);
-  void MakeSection(LineKind kind, void (frmLineEdit::*make)());
+  void MakeSection(LineKind kind, bool expert, void (frmLineEdit::*make)());
   void MakeSipFields();
+  void MakeMore();
+  void MakeExpertFields();
+  void MakeAddressForCalls();
   void MakePassword();
   void MakeModemFields();
   void MakeSimFields();
@@ -38,26 +58,32 @@ class frmLineEdit : public QDialog {
   void AddHint(const QString& text);
   void AddRow(const QString& label, QWidget* field, QWidget* row = nullptr);
   void Show(const TelephoneLine& line);
-  void ShowKind();
+  void ShowRows();
   void FillPorts();
   void Changed();
   TelephoneLine Line() const;
   LineKind Kind() const;
   std::optional<TelephoneLine> CheckedLine();
+  QWidget* PlaceOf(QWidget* control) const;
+  QWidget* Named(std::string_view control) const;
   void ShowFault(const LineFault& fault);
+  void ShowTested(const LineTestResult& result);
   void Ok();
 
   LinesDialog& engine_;
   const std::optional<std::size_t> index_;
   TelephoneLine line_;  ///< as it was when the dialog opened
+  GrowingPage* page_ = nullptr;
   QFormLayout* form_ = nullptr;
-  std::vector<std::pair<LineKind, QWidget*>> rows_;  ///< those of only one kind of line
-  std::vector<std::pair<QLineEdit*, std::string TelephoneLine::*>> texts_;
+  std::optional<LineKind> section_;  ///< that is being made
+  std::vector<Row> rows_;
+  std::vector<Text> texts_;
   QComboBox* cmbKind_ = nullptr;
+  QToolButton* cmdMore_ = nullptr;
   QComboBox* cmbTransport_ = nullptr;
   QSpinBox* spnRing_ = nullptr;
   QComboBox* cmbPort_ = nullptr;
-  QLabel* lblFault_ = nullptr;
+  WholeText* lblFault_ = nullptr;
   frmLineTest* test_ = nullptr;
 };
 

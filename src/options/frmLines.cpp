@@ -19,7 +19,9 @@
 namespace orven {
 namespace {
 
-constexpr int kResultLines = 3;  // room for the longest result, so that nothing moves
+// Room for most results, so that nothing moves.
+constexpr int kResultWidth = 300;  // pixels
+constexpr int kResultLines = 3;
 
 constexpr std::chrono::milliseconds kRefresh{500};
 constexpr QSize kListSize(740, 170);
@@ -34,12 +36,11 @@ frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<Teleph
       line_(std::move(line)),
       cmdTest_(MakeNamed<QPushButton>("cmdTest", this)),
       icon_(MakeChild<QLabel>(this)),
-      lblTestResult_(MakeText("lblTestResult", this)) {
+      lblTestResult_(MakeChild<WholeText>("lblTestResult", this, kResultWidth, kResultLines)) {
   cmdTest_->setToolTip(tr("Register at the server, or query the modem, and report any problem"));
   lblTestResult_->setAccessibleName(tr("Result of the test"));
   lblTestResult_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   lblTestResult_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  lblTestResult_->setMinimumHeight(kResultLines * lblTestResult_->fontMetrics().lineSpacing());
   auto* row = MakeFlat<QHBoxLayout>(this);
   row->addWidget(cmdTest_, 0, Qt::AlignTop);
   row->addWidget(icon_, 0, Qt::AlignTop);
@@ -84,6 +85,7 @@ void frmLineTest::Click() {
   engine_.Test(*line, [this](const LineTestResult& result) {
     SetRunning(false);
     Show(Shown(result.text), result.passed);
+    emit Tested(result);
   });
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QLabel>
 #include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
@@ -11,6 +10,7 @@
 #include <optional>
 
 #include "options/lines_dialog.h"
+#include "widgets/growing_page.h"
 
 namespace orven {
 
@@ -32,6 +32,9 @@ class frmLineTest : public QWidget {
 
   void SetUsable(bool usable) { cmdTest_->setEnabled(usable || running_); }
 
+ signals:
+  void Tested(const LineTestResult& result);
+
  private:
   void Click();
   void Show(const QString& text, std::optional<bool> passed);
@@ -41,7 +44,7 @@ class frmLineTest : public QWidget {
   std::function<std::optional<TelephoneLine>()> line_;
   QPushButton* cmdTest_;
   QLabel* icon_;
-  QLabel* lblTestResult_;
+  WholeText* lblTestResult_;
   bool running_ = false;
 };
 

@@ -235,14 +235,25 @@ TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
     Do("cmdOK @txtServer");
     ExpectShown({{"lblFault", lines.fault}});
     ExpectTidy(*fault.window());
-    EXPECT_TRUE(fault.y() > Get("txtServer").y() && fault.y() < Get("txtUser").y());
+    EXPECT_FALSE(Visible("txtListen")) << "few people need it";
+    const auto y = [&](const QWidget& control) { return control.mapTo(control.window(), QPoint()).y(); };
+    EXPECT_TRUE(y(fault) > y(Get("txtServer")) && y(fault) < y(Get("txtUser")));
     Set({{"txtServer", " pbx.example.org "}, {"txtPassword", " x"}});
     Do("cmdOK @txtPassword");
+    Set({{"txtPassword", "y"}});
+    Click("cmdTest");
+    lines.done({false, lines.fault, "txtListen"});
+    EXPECT_TRUE(Visible("txtListen")) << "it has to be changed";
+    ExpectTidy(*fault.window());
+    Do("txtUser=8 cmdMore txtUser=7");
+    EXPECT_FALSE(Visible("txtListen"));
     EXPECT_EQ(Get<QLineEdit>("txtPassword").echoMode(), QLineEdit::Password);
     Click("chkShowPassword");
     EXPECT_EQ(Get<QLineEdit>("txtPassword").echoMode(), QLineEdit::Normal);
     Set({{"txtPassword", "x y"}});
+    Click("cmdMore");
     Get<QComboBox>("cmbTransport").setCurrentIndex(4);
+    Do("txtListen=1.1.1.1:9 cmdMore");
     Do("spnRing=61 cmdOK");
   });
   EXPECT_EQ(Row(2), "Büro|SIP account|7@pbx.example.org|Off");
@@ -251,6 +262,7 @@ TEST_F(LinesWindow, ALineIsAddedAndBadInputIsNamedBelowItsField) {
   Click("cmdOK");
   const auto& added = lines.configured.lines.at(2);
   EXPECT_EQ(added.password + "|" + added.transport + "|" + added.srtp, "x y|tls|no");
+  EXPECT_EQ(added.listen, "1.1.1.1:9") << "hidden again, but not forgotten";
   EXPECT_TRUE(added.ring_seconds == 60 && used == 1 && !window->isVisible());
 }
 
@@ -258,6 +270,7 @@ TEST_F(LinesWindow, TheChosenLineStaysChosenUnderAnotherName) {
   world.Machine().settings.ModemName = "Home";
   InEditor("cmdEdit", [&] {
     EXPECT_TRUE(!Enabled("cmbKind") && Shown("txtPassword") == "secret");
+    EXPECT_TRUE(Visible("txtListen")) << "this line has an unusual value";
     Do("txtName=House cmdOK");
   });
   call_up = true;

@@ -89,7 +89,7 @@ constexpr std::array kSipKeys{
     LineKey{"srtp", IsYesOrNo, Tr("yes or no"), &L::srtp, "cmbTransport", Tr("The encryption of the sound")},
     LineKey{"codecs", IsCodecs, "a list of pcmu, pcma, g722 and opus, each at most once, with commas"},
     LineKey{"tls_trust", IsText, Tr("the path of a PEM file with certificates"), &L::tls_trust,
-            "cmbTransport", Tr("The trusted certificates' path")},
+            "txtTrust", Tr("The trusted certificates' path")},
     LineKey{"tls_listen", IsListen,
             "an address or a name and a port, like 0.0.0.0:5061, [::1]:5061, pc.example.org:5061 or *:5061"},
     LineKey{"tls_certificate", IsText, "the path of a PEM file with a certificate and its private key"},
