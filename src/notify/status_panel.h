@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "base/words.h"
 
@@ -16,6 +17,9 @@ class LineView {
   /// Shows the on/off button, and enables `mnuOn` or `mnuOff` to match. `trying`: the line is off and is
   /// opened as soon as possible; both are enabled then.
   virtual void ShowLine(bool on, bool trying) = 0;
+  /// Offers to use the line `name`, which is chosen while another one is open; empty: offers nothing.
+  /// `waits`: it is used when the call is over.
+  virtual void OfferChosen(const std::string& name, bool waits) = 0;
 };
 
 /// The first panel of the status bar. It counts the texts, so that a writer can check that its text is still
@@ -29,6 +33,7 @@ class StatusPanel : public LineView {
     view_.ShowStatus(text);
   }
   void ShowLine(bool on, bool trying) override { view_.ShowLine(on, trying); }
+  void OfferChosen(const std::string& name, bool waits) override { view_.OfferChosen(name, waits); }
 
   std::uint64_t Writings() const { return writings_; }
 

@@ -86,7 +86,7 @@ void frmOptions::ShowCapabilities() {
   }
   const auto device = cmbModemDev_->currentText();
   const bool waits = there && parts_.engine.AnotherLineIsOpen(device.toStdString());
-  no_device_->setText(waits              ? tr("It is used once the line has been turned off and on again.")
+  no_device_->setText(waits              ? tr("After OK, \"Use it now\" in the status bar changes to it.")
                       : there            ? QString()
                       : device.isEmpty() ? tr("No device is chosen.")
                                          : tr("There is no device of this name now."));
@@ -94,9 +94,9 @@ void frmOptions::ShowCapabilities() {
 
 void frmOptions::OpenLines() {
   const auto before = parts_.engine.StoredDevice();
-  parts_.open_lines();
-  // A chosen line that was renamed stays chosen, under its new name.
-  auto chosen = cmbModemDev_->currentText().toStdString();
+  const auto added = parts_.open_lines();
+  // Who adds a line wants to use it. A chosen line that was renamed stays chosen, under its new name.
+  auto chosen = added.empty() ? cmbModemDev_->currentText().toStdString() : added;
   if (chosen == before) chosen = parts_.engine.StoredDevice();
   FillList(*cmbModemDev_, parts_.engine.Devices());
   form_.Show({{{"ModemName", chosen}}});

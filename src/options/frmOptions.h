@@ -26,9 +26,10 @@ class frmOptions : public QDialog, private OptionsView {
 
  public:
   struct Parts {
-    OptionsDialog& engine;             ///< outlives the dialog
-    GreetingPlayer& greetings;         ///< outlives the dialog
-    std::function<void()> open_lines;  ///< opens the telephone lines; may be empty
+    OptionsDialog& engine;      ///< outlives the dialog
+    GreetingPlayer& greetings;  ///< outlives the dialog
+    /// Opens the telephone lines and returns the name of a line that was added, or nothing; may be empty.
+    std::function<std::string()> open_lines;
   };
 
   /// Opens on the tab with this 0-based index: General, Devices, Answer Mode, Advanced.

@@ -108,6 +108,9 @@ bool LinesDialog::Ok() {
     return false;
   }
   parts_.log.WriteSystem("Telephone lines changed");
+  for (const auto& entry : lines_) {
+    if (entry.known_as.empty()) added_ = entry.line.name;
+  }
   KeepChosen();
   trap([&] { UseChanged(); });
   return true;

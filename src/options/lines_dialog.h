@@ -73,6 +73,9 @@ class LinesDialog {
   /// Stores the changes and uses them. False when storing failed; a box has shown the reason.
   bool Ok();
 
+  /// The name of the line that Ok has added, of several the last one; empty: none.
+  const std::string& Added() const { return added_; }
+
  private:
   struct Entry {
     TelephoneLine line;
@@ -88,6 +91,7 @@ class LinesDialog {
   std::vector<std::string> complaints_;
   std::vector<Entry> lines_;
   std::vector<Entry> stored_;  ///< as they were read
+  std::string added_;
 };
 
 }  // namespace orven

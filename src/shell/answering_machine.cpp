@@ -165,6 +165,7 @@ void AnsweringMachine::ShowOptions() {
   views_.boxes.ShowRings(settings.NumOfRing);
   views_.boxes.ShowRecordMessage(settings.RecordMessage != 0);
   views_.frame.ShowQuickToolbar(settings.pQuickToolbar != 0);
+  line.ShowLine();
 }
 
 AnsweringMachine::~AnsweringMachine() {

@@ -88,7 +88,7 @@ void frmMain::SetTabOrder() {
                            "TBQuickOption.Delete", "cmbRings", "chkRecMessage"}) {
     order << TBQuickOption_->findChild<QWidget*>(QString::fromLatin1(name));
   }
-  order << &StatusBar1_->Check1();
+  order << &StatusBar1_->UseLine() << &StatusBar1_->Check1();
   for (auto* action : Toolbar1_->actions()) {
     if (!action->isSeparator()) order << Toolbar1_->widgetForAction(action);
   }
@@ -103,6 +103,8 @@ void frmMain::Attach(MainWindow& engine) {
   AttachQuickOptions();
   menus_->Attach(engine, *Toolbar1_, player_->ToolBarPlayer());
   MakeChild<GuideKey>(engine.Commands(), this);
+  connect(&StatusBar1_->UseLine(), &QPushButton::clicked, this,
+          [this] { engine_->Machine().line.UseChosen(); });
   connect(&StatusBar1_->Check1(), &QCheckBox::clicked, this, [this] { engine_->ChangeGridLines(); });
 }
 

@@ -35,6 +35,7 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
   // LineView
   void ShowStatus(const Words& text) override;
   void ShowLine(bool on, bool trying) override;
+  void OfferChosen(const std::string& name, bool waits) override;
 
   // WindowFrame
   WindowGeometry Geometry() const override;

@@ -16,6 +16,8 @@ constexpr int kGreetingCharacters = 12;
 constexpr int kLeastGreetingWidth = 70;  // pixels; the rest of the toolbar needs its room first
 constexpr int kButtonIcon = 16;
 
+constexpr int kLongestName = 160;  // pixels, of a line in the status bar
+
 QLabel* Label(const QString& text, QWidget* parent) {
   auto* label = MakeChild<QLabel>(text, parent);
   constexpr int kGap = 4;
@@ -98,6 +100,7 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   // A long device name must not push the clock out of sight.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
+  AddOffer();
 
   check_ = MakeNamed<QCheckBox>("Check1", tr("Grid lines"), this);
   check_->setToolTip(tr("Grid lines and whole-row selection in the calls list"));
@@ -110,6 +113,25 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   date_->setAccessibleName(tr("Date"));
   addPermanentWidget(time_);
   addPermanentWidget(date_);
+}
+
+void MainStatusBar::AddOffer() {
+  offer_ = MakeNamed<QLabel>("lblChosenLine", this);
+  offer_->setTextFormat(Qt::PlainText);
+  cmdUseLine_ = MakeNamed<QPushButton>("cmdUseLine", tr("Use it now"), this);
+  addPermanentWidget(offer_);
+  addPermanentWidget(cmdUseLine_);
+  OfferLine({}, false);
+}
+
+void MainStatusBar::OfferLine(const QString& name, bool waits) {
+  offer_->setVisible(!name.isEmpty());
+  cmdUseLine_->setVisible(!name.isEmpty() && !waits);
+  const auto shown = fontMetrics().elidedText(name, Qt::ElideRight, kLongestName);
+  offer_->setText(waits ? tr("%1 is used after the call.").arg(shown) : tr("%1 is chosen.").arg(shown));
+  offer_->setToolTip(name.toHtmlEscaped());
+  cmdUseLine_->setToolTip(tr("Use %1 now, in place of the line that is open").arg(name).toHtmlEscaped());
+  cmdUseLine_->setAccessibleDescription(tr("Use %1 now, in place of the line that is open").arg(name));
 }
 
 QLabel* MainStatusBar::AddPanel(int number) {

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QStatusBar>
 #include <cstdint>
 #include <string>
@@ -42,7 +43,8 @@ class QuickOptionBar : public ButtonBar, public QuickOptionBoxes {
   QCheckBox* record_ = nullptr;
 };
 
-/// The status bar `StatusBar1`: the line's status, `Check1`, the time and the date.
+/// The status bar `StatusBar1`: the line's status, the offer to use another line, `Check1`, the time and the
+/// date.
 class MainStatusBar : public QStatusBar {
   Q_OBJECT
 
@@ -50,14 +52,21 @@ class MainStatusBar : public QStatusBar {
   explicit MainStatusBar(QWidget* parent);
 
   void ShowStatus(const QString& text);
+  /// As LineView::OfferChosen.
+  void OfferLine(const QString& name, bool waits);
   void ShowClock(const QString& time, const QString& date);
 
+  QPushButton& UseLine() { return *cmdUseLine_; }
   QCheckBox& Check1() { return *check_; }
 
  private:
   QLabel* AddPanel(int number);
 
+  void AddOffer();
+
   QLabel* status_;
+  QLabel* offer_ = nullptr;
+  QPushButton* cmdUseLine_ = nullptr;
   QCheckBox* check_;
   QLabel* time_;
   QLabel* date_;

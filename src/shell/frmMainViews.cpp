@@ -17,6 +17,10 @@ void frmMain::ShowStatus(const Words& text) {
   StatusBar1_->ShowStatus(Shown(text));
 }
 
+void frmMain::OfferChosen(const std::string& name, bool waits) {
+  StatusBar1_->OfferLine(QString::fromStdString(name), waits);
+}
+
 void frmMain::ShowLine(bool on, bool trying) {
   line_on_ = on;
   auto& action = *Toolbar1_->Find("OnOff")->defaultAction();

@@ -19,6 +19,9 @@ constexpr std::int32_t kAutomatedVoice = 8;
 /// failure.
 constexpr std::chrono::seconds kFirstPause{1}, kLongestPause{60};
 
+/// Between two looks whether the call is over.
+constexpr std::chrono::milliseconds kLookForCall{500};
+
 std::string Device(std::int32_t index, const std::string& name) {
   return "[LineIndex:" + std::to_string(index) + " Device Name:" + name + "]";
 }
@@ -141,8 +144,27 @@ void LineManager::ReplaceDevices(const std::function<void()>& replace) {
   const bool take_again = on || settings_.Modem < 0;
   if (on) CloseLine(CurrentIndex());
   trap(replace);
-  if (FindByName(settings_.ModemName) == kNoneSelected) settings_.Modem = kNoneSelected;
+  const auto index = FindByName(settings_.ModemName);
+  // It may have been chosen before there was a device for it.
+  if (std::exchange(settings_.Modem, index) < 0 && index >= 0) store_.Set("Modem", std::to_string(index));
   if (SelectModemDevice() && take_again) OpenLine(settings_.Modem);
+}
+
+void LineManager::UseChosen() {
+  tmrUseChosen_->Stop();
+  if (AnotherIsOpen() && ports_.Tapi1.HasCall()) {
+    tmrUseChosen_->Start(kLookForCall);
+  } else {
+    if (AnotherIsOpen()) CloseLine(open_index_);
+    OpenLine(settings_.Modem);
+  }
+  ShowLine();
+}
+
+void LineManager::ShowLine() {
+  ports_.view.ShowLine(health_.on, health_.trying);
+  if (!AnotherIsOpen()) tmrUseChosen_->Stop();
+  ports_.view.OfferChosen(AnotherIsOpen() ? settings_.ModemName : "", tmrUseChosen_->Enabled());
 }
 
 void LineManager::ShowMonitoring() {

@@ -35,7 +35,8 @@ class LineManager {
       : ports_(ports),
         store_(store),
         settings_(settings),
-        tmrOpenLine_(ports.loop.MakeTimer([this] { TryToOpen(settings_.Modem); })) {}
+        tmrOpenLine_(ports.loop.MakeTimer([this] { TryToOpen(settings_.Modem); })),
+        tmrUseChosen_(ports.loop.MakeTimer([this] { UseChosen(); })) {}
 
   /// Finds the stored device again by its name, or chooses the first usable one when none was chosen
   /// yet. False when there is none; then the line stays off.
@@ -57,6 +58,9 @@ class LineManager {
   /// if there was no device. Only while there is no call.
   void ReplaceDevices(const std::function<void()>& replace);
 
+  /// Opens the chosen line in place of the open one; while there is a call, as soon as it is over.
+  void UseChosen();
+
   bool LineOn() const { return health_.on; }
 
   const LineHealth& Health() const { return health_; }
@@ -67,8 +71,8 @@ class LineManager {
   /// Opening was tried, and no line has ever been open since the program started.
   bool NeverOpened() const { return ever_open_ == false; }
 
-  /// Updates the on/off button.
-  void ShowLine() { ports_.view.ShowLine(health_.on, health_.trying); }
+  /// Updates the on/off button, and the offer to use the chosen line while another one is open.
+  void ShowLine();
 
   /// Index of the open line, or of the chosen device while none is open: choosing another device in the
   /// options must not take a call in progress off its line.
@@ -91,6 +95,9 @@ class LineManager {
   void Open(std::int32_t index);
   void OpenFailed(std::int32_t index, const std::string& line_of_log);
   void Become(LineHealth health);
+  bool AnotherIsOpen() const {
+    return open_index_ >= 0 && settings_.Modem >= 0 && open_index_ != settings_.Modem;
+  }
   std::string DeviceName(std::int32_t index) const;
 
   Ports ports_;
@@ -104,6 +111,7 @@ class LineManager {
   std::string failure_;            ///< of the latest opening, as the log has it
   std::chrono::seconds pause_{0};  ///< after the next failed opening
   std::unique_ptr<Timer> tmrOpenLine_;
+  std::unique_ptr<Timer> tmrUseChosen_;  ///< runs while the chosen line waits for the end of a call
 };
 
 }  // namespace orven

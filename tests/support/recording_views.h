@@ -111,6 +111,8 @@ class RecordingViews : public LineView,
   const std::string& Status() const { return status_; }
   void ShowStatus(const Words& text) override { status_ = text.English(); }
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
+  std::string offer;  ///< the line that can be used instead
+  void OfferChosen(const std::string& name, bool waits) override { offer = name + (waits ? " waits" : ""); }
 
   // The quick options.
   std::vector<std::string> greetings;

@@ -91,9 +91,10 @@ LinesDialog::Parts ProgramDialogs::ForLines() {
   return {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_};
 }
 
-void ProgramDialogs::OpenLines(QWidget* parent) {
+std::string ProgramDialogs::OpenLines(QWidget* parent) {
   LinesDialog engine(ForLines());
   frmLines(engine, parent).exec();
+  return engine.Added();
 }
 
 void ProgramDialogs::AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports,
@@ -144,8 +145,8 @@ void ProgramDialogs::OpenOptions(int tab) {
   QWidget* parent = window_;
   OptionsDialog engine(machine_->ForOptionsDialog());
   GreetingPlayer greetings(machine_->ForGreetingPlayer([&] { return MakeGreeting(parent); }));
-  std::function<void()> open_lines;
-  if (lines_ != nullptr) open_lines = [&] { OpenLines(parent); };
+  std::function<std::string()> open_lines;
+  if (lines_ != nullptr) open_lines = [&] { return OpenLines(parent); };
   frmOptions window({engine, greetings, open_lines}, tab, window_);
   parent = &window;
   window.exec();

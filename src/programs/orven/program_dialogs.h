@@ -32,7 +32,7 @@ class ProgramDialogs : public DialogFactory {
   void AttachLines(TelephoneLines& lines, std::function<bool()> use_changed);
 
   /// Opens the dialog of the telephone lines, on top of the options dialog `parent`.
-  void OpenLines(QWidget* parent);
+  std::string OpenLines(QWidget* parent);
 
   /// What Tools, Check-up works with: who calls the machine's own line, the ports of one check-up, and the
   /// mail account of the settings.

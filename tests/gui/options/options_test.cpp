@@ -38,7 +38,7 @@ class OptionsWindow : public WindowTest {
   std::optional<std::string> made;  ///< the name of the greeting that the greeting creator saves
   OptionsDialog engine{machine.ForOptionsDialog()};
   GreetingPlayer greetings{machine.ForGreetingPlayer([this] { return made; })};
-  std::function<void()> open_lines;
+  std::function<std::string()> open_lines;
   std::unique_ptr<frmOptions> window;
 };
 
@@ -88,7 +88,8 @@ TEST_F(OptionsWindow, UnusualInputIsTakenAsItIsAndCancelStoresNothing) {
 TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
   world.registry.Set("Sound", "2");
   machine.settings.Sound = 2;
-  open_lines = [this] { machine.settings.ModemName += "!"; };
+  std::string added;
+  open_lines = [&] { return machine.settings.ModemName += "!", added; };
   Open(1);
   EXPECT_EQ(Items("cmbSoundDev").at(1), "Sound card 1 (not connected)");
   ExpectShown({{"cmbSoundDev", "Sound card 2 (not connected)"}});
@@ -101,6 +102,8 @@ TEST_F(OptionsWindow, AVanishedCardAndChangedLinesKeepWhatIsChosen) {
     ExpectShown({{"cmbModemDev", chosen == "Home" ? chosen : machine.settings.ModemName}});
     EXPECT_EQ(Items("cmbModemDev").at(0), "Sim");
   }
+  added = "New";
+  Do("cmdLines cmbModemDev:New");
 }
 
 TEST_F(OptionsWindow, TheLevelOfTheCallerIsShownWhileTheDialogIsOpen) {

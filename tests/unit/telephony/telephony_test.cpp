@@ -26,6 +26,7 @@ class TelephonyTest : public testing::Test, public World {
     Machine().line.ReplaceDevices([&] {
       std::vector<TelephoneDevice> devices;
       for (const auto& name : names) devices.push_back({VoiceDevice(name), std::make_unique<TestLine>(time)});
+      if (!devices.empty()) line = static_cast<TestLine*>(devices.front().driver.get());
       EXPECT_TRUE(Tapi1->Replace(std::move(devices))) << "a line is still open";
     });
     auto open = Tapi1->GetNumDevs() - 1;
@@ -265,6 +266,26 @@ TEST_F(TelephonyTest, ACallAndItsLineStayTogetherWhenAnotherDeviceIsChosen) {
   EXPECT_THAT(LoggedBy([&] { window->TurnOff(); }), ElementsAre("LineClose[LineIndex=0]->Success"));
   EXPECT_FALSE(Tapi1->IsLineOpen(0) || views.line_on);
   EXPECT_EQ(views.Status(), "Off Mode");
+}
+
+TEST_F(TelephonyTest, TheChosenLineIsUsedInPlaceOfTheOpenOneWhenTheCallIsOver) {
+  Start();
+  Replace({"Sim", "New"});
+  auto& settings = Machine().settings;
+  const auto choose = [&](std::int32_t index, const std::string& name) {
+    settings.Modem = index;
+    settings.ModemName = name;
+    Machine().line.ShowLine();
+    return views.offer;
+  };
+  EXPECT_EQ(choose(1, "New") + choose(0, "Sim") + choose(-1, "Gone") + choose(1, "New"), "NewNew");
+  CallAndWaitForRecording();
+  Machine().line.UseChosen();
+  EXPECT_TRUE(Tapi1->IsLineOpen(0)) << "the call keeps its line";
+  EXPECT_EQ(views.offer, "New waits");
+  RunFor(4s);
+  EXPECT_TRUE(Tapi1->IsLineOpen(1) && !Tapi1->IsLineOpen(0));
+  EXPECT_EQ(views.Status() + views.offer, "Monitoring New");
 }
 
 TEST_F(TelephonyTest, AfterReplacingDevicesTheChosenOneOrTheFirstUsableIsOpened) {

@@ -19,6 +19,10 @@ constexpr std::chrono::milliseconds kLongestFarewell{1'500};
 /// a call all are freed.
 constexpr std::chrono::seconds kTransactionsGone{34};
 
+Words WrongSetting(const std::string& problem) {
+  return Words("A setting of the line is wrong, %1: correct it in Options, Devices").Arg(problem);
+}
+
 }  // namespace
 
 SipAgent::SipAgent(const SipLineSettings& settings, LineAudio& audio, LineSink events)
@@ -44,30 +48,41 @@ SipAgent::~SipAgent() {
 }
 
 std::optional<OpenFailure> SipAgent::Start() {
-  for (const SipAccount& account : settings_.accounts) {
-    if (std::string problem = ProblemOf(account); !problem.empty()) {
-      const auto trouble =
-          Words("A setting of the line is wrong, %1: correct it in Options, Devices").Arg(problem);
-      return OpenFailure{kTelephonyDeviceFailed, problem, trouble};
-    }
-  }
   if (auto failure = transports_.Start()) return failure;
-  for (const SipAccount& account : settings_.accounts) news_.push_back({.account = account.address});
-  for (std::size_t at = 0; at < settings_.accounts.size(); ++at) {
-    const SipAccount& account = settings_.accounts[at];
-    const auto towards = [this, &account](const ServerAddress& server) {
-      SipEndpoint* const endpoint = transports_.Towards(account, server);
-      return endpoint != nullptr ? &endpoint->Stack() : nullptr;
-    };
-    registrations_.emplace_back(
-        settings_, account,
-        Registration::Ports{towards, [this, &account] { return transports_.RefusalOf(account); },
-                            [this, at](const RegistrationNews& news) { TakeNews(at, news); }});
+  std::vector<std::string> problems;
+  for (const SipAccount& account : settings_.accounts) {
+    news_.push_back({.account = account.address});
+    problems.push_back(transports_.ProblemWith(account));
+  }
+  // One that cannot be used does not keep the others from working.
+  if (!problems.empty() && std::ranges::none_of(problems, &std::string::empty))
+    return OpenFailure{kTelephonyDeviceFailed, problems.front(), WrongSetting(problems.front())};
+  for (std::size_t at = 0; at < problems.size(); ++at) {
+    if (problems[at].empty()) AddRegistration(at);
   }
   for (Registration& one : registrations_) one.Start();
+  for (std::size_t at = 0; at < problems.size(); ++at) {
+    if (problems[at].empty()) continue;
+    settings_.report("The account " + settings_.accounts[at].address + " cannot be used: " + problems[at]);
+    TakeNews(at, {.state = RegistrationNews::State::Failed,
+                  .reason = problems[at],
+                  .trouble = WrongSetting(problems[at])});
+  }
   network_.Start();
   TellTrouble();
   return std::nullopt;
+}
+
+void SipAgent::AddRegistration(std::size_t at) {
+  const SipAccount& account = settings_.accounts[at];
+  const auto towards = [this, &account](const ServerAddress& server) {
+    SipEndpoint* const endpoint = transports_.Towards(account, server);
+    return endpoint != nullptr ? &endpoint->Stack() : nullptr;
+  };
+  registrations_.emplace_back(
+      settings_, account,
+      Registration::Ports{towards, [this, &account] { return transports_.RefusalOf(account); },
+                          [this, at](const RegistrationNews& news) { TakeNews(at, news); }});
 }
 
 /// The line is as well as the worst of its accounts.

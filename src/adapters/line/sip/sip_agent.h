@@ -49,6 +49,7 @@ class SipAgent {
   bool Leave(SipEndpoint& endpoint);
   std::string ContactOf(const sip_msg& invite) const;
   SipCall* Find(CallNumber number) const;
+  void AddRegistration(std::size_t at);
   void TakeNews(std::size_t account, const RegistrationNews& news);
   Words AccountTrouble() const;
   void TellTrouble();
@@ -62,7 +63,7 @@ class SipAgent {
   std::vector<RegistrationNews> news_;      ///< the latest of each account
   std::optional<SipCallPorts> call_ports_;  ///< of `call_`
   Words trouble_;                           ///< as told
-  std::list<Registration> registrations_;   ///< one for each account
+  std::list<Registration> registrations_;   ///< one for each usable account
   std::unique_ptr<SipCall> call_;  ///< the call, or the latest one, which still holds its descriptors
   DescriptorReserve reserve_;      ///< for a call while there is none
   CallNumber calls_ = 0;

@@ -21,6 +21,10 @@ std::unique_ptr<TlsContext> OwnTls(const SipLineSettings& settings) {
   return TlsContext::Showing(settings.tls_made_certificate);
 }
 
+bool MayEncrypt(const SipAccount& account) {
+  return account.transport == "tls" || account.transport == "auto";
+}
+
 /// How often the names in the settings are looked up when nothing else says that they have changed.
 constexpr std::chrono::minutes kLookUpAgain{1};
 
@@ -68,19 +72,31 @@ std::optional<OpenFailure> SipTransports::Open(Listener& listener) {
 }
 
 std::optional<OpenFailure> SipTransports::PrepareTls() {
+  for (const SipAccount& account : settings_.accounts) {
+    if (MayEncrypt(account) && ProblemOf(account).empty()) PrepareTlsTo(ServerOf(account).host);
+  }
   try {
     if (!settings_.tls_listen.empty()) own_tls_ = OwnTls(settings_);
-    for (const SipAccount& account : settings_.accounts) {
-      if (account.transport != "tls" && account.transport != "auto") continue;
-      auto& context = servers_tls_[ServerOf(account).host];
-      if (context == nullptr) context = TlsContext::Checking(ServerOf(account).host, settings_.tls_trust);
-    }
   } catch (const std::runtime_error& error) {
     return OpenFailure{kTelephonyDeviceFailed, error.what(),
                        Words("Encrypted calls are not possible, %1: correct the certificates in lines.ini")
                            .Arg(error.what())};
   }
   return std::nullopt;
+}
+
+void SipTransports::PrepareTlsTo(const std::string& host) {
+  try {
+    servers_tls_.try_emplace(host, TlsContext::Checking(host, settings_.tls_trust));
+  } catch (const std::runtime_error& error) {
+    tls_problems_[host] = error.what();
+  }
+}
+
+std::string SipTransports::ProblemWith(const SipAccount& account) const {
+  if (auto problem = ProblemOf(account); !problem.empty()) return problem;
+  const auto problem = tls_problems_.find(ServerOf(account).host);
+  return MayEncrypt(account) && problem != tls_problems_.end() ? problem->second : "";
 }
 
 std::string SipTransports::RefusalOf(const SipAccount& account) const {

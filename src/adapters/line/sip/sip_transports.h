@@ -58,6 +58,9 @@ class SipTransports {
   /// they can.
   Words Trouble() const;
 
+  /// Why `account` cannot be used, for the log; empty when it can.
+  std::string ProblemWith(const SipAccount& account) const;
+
   /// Why the certificate of the server of `account` was not accepted; empty when it was, or there is none.
   std::string RefusalOf(const SipAccount& account) const;
 
@@ -81,6 +84,7 @@ class SipTransports {
   };
 
   std::optional<OpenFailure> PrepareTls();
+  void PrepareTlsTo(const std::string& host);
   std::optional<OpenFailure> AddListener(const std::string& text, bool secure);
   std::optional<OpenFailure> Open(Listener& listener);
   void Expand();
@@ -99,7 +103,8 @@ class SipTransports {
   LibrePtr<dnsc> names_;
   std::unique_ptr<TlsContext> own_tls_;  ///< of `tls_listen`
   std::map<std::string, std::unique_ptr<TlsContext>>
-      servers_tls_;  ///< of the accounts' servers, by their names
+      servers_tls_;                                  ///< of the accounts' servers, by their names
+  std::map<std::string, std::string> tls_problems_;  ///< of those without a context, likewise
   std::vector<Listener> listeners_;
   std::vector<Place> places_;
   ConnectionGuard guard_;

@@ -138,6 +138,9 @@ TEST_F(TelephoneLinesTest, TheTestAndTheListSayWhetherALineWorks) {
        " does not accept it (406 As Asked).", "Registration failed: sip:406@" + server + ": 406 As Asked"},
       {login("100") + "\npassword = secret\naccount2 = sip:100@" + server + "\npassword2 = secret",
        "accepted: 100@" + server + ", 100@" + server + '.', "Registered"},
+      {login("100") +
+           "\npassword = secret\naccount2 = sip:1@home.test\ntransport2 = tls\ntls_trust = gone.pem",
+       "expected a PEM file with certificates.", "Registration failed: sip:1@home.test: the file"},
       {"listen = x.invalid" + own.substr(own.find(':')), "its address cannot be found",
        "address cannot be found"},
       {"listen = " + taken, "Port " + std::to_string(other.Port()) + " is taken by another program",
