@@ -142,7 +142,7 @@ void frmLineEdit::MakeExpertFields() {
   cmbTransport_ = AddList("cmbTransport", tr("T&ransport:"));
   cmbTransport_->setToolTip(tr("How the server is reached; the provider says which ones it supports"));
   for (const auto& transport : kTransports) cmbTransport_->addItem(tr(transport.text));
-  AddText(&TelephoneLine::tls_trust, "txtTrust", tr("Trusted Trus&ted certificates:certificates:"),
+  AddText(&TelephoneLine::tls_trust, "txtTrust", tr("Trusted &certificates:"),
           tr("A PEM file of the certificates that the server may show with TLS; it is looked for in ORVEN's "
              "folder"))
       ->setPlaceholderText(tr("those that this computer trusts"));
