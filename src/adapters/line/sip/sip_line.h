@@ -13,7 +13,8 @@ namespace orven {
 ///
 /// While open it owns one thread, on which it raises all events and calls the audio device's source and sink.
 /// Open fails with kTelephonyLineInUse when the address is in use, with kTelephonyDeviceFailed for a wrong
-/// address or account; the reason names it.
+/// address, or when it has accounts and none can be used; the reason names it. One account that cannot be
+/// used is news of its registration, and trouble.
 ///
 /// Connected is raised when the caller's ACK or first audio arrives, whichever is first: from then on the
 /// caller hears us, so a greeting is heard from its beginning, and a lost ACK costs no message.
