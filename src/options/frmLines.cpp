@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScreen>
 #include <QStyle>
 #include <QVBoxLayout>
 #include <array>
@@ -15,6 +16,7 @@
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
 #include "widgets/translation.h"
+#include "widgets/window_placement.h"
 
 namespace orven {
 namespace {
@@ -24,7 +26,7 @@ constexpr int kResultWidth = 300;  // pixels
 constexpr int kResultLines = 3;
 
 constexpr std::chrono::milliseconds kRefresh{500};
-constexpr QSize kListSize(740, 170);
+constexpr QSize kLeastList(400, 120), kUsualSize(860, 300);
 constexpr std::array kColumnWidths{140, 120, 250};
 
 }  // namespace
@@ -107,6 +109,7 @@ frmLines::frmLines(LinesDialog& engine, QWidget* parent) : QDialog(parent), engi
   connect(lvwLines_, &QTreeWidget::itemSelectionChanged, this, &frmLines::SelectionChanged);
   connect(lvwLines_, &QTreeWidget::itemActivated, this, [this] { Edit(Selected()); });
   connect(&refresh_, &QTimer::timeout, this, &frmLines::ShowRows);
+  resize(kUsualSize.boundedTo(screen()->availableGeometry().size() - kWindowFrame));
   ShowRows();
   Select(0);
   SelectionChanged();
@@ -133,7 +136,7 @@ QWidget* frmLines::MakeListRow() {
   lvwLines_ = MakeNamed<QTreeWidget>("lvwLines", row);
   lvwLines_->setAccessibleName(tr("Telephone lines"));
   lvwLines_->setRootIsDecorated(false);
-  lvwLines_->setMinimumSize(kListSize);
+  lvwLines_->setMinimumSize(kLeastList);
   lvwLines_->setHeaderLabels({tr("Name"), tr("Kind"), tr("Account or address"), tr("State")});
   for (int i = 0; i < static_cast<int>(kColumnWidths.size()); ++i) {
     lvwLines_->setColumnWidth(i, kColumnWidths.at(static_cast<std::size_t>(i)));

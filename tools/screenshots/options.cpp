@@ -41,7 +41,7 @@ bool MakeOptions(const QString& folder, const QByteArray& name) {
   GreetingPlayer greetings(desk.Machine().ForGreetingPlayer([] { return std::nullopt; }));
   QList<QPixmap> pictures;
   for (int tab = 0; tab < 4; ++tab) {
-    frmOptions window({engine, greetings, [] {}}, tab, nullptr);
+    frmOptions window({engine, greetings, [] { return std::string(); }}, tab, nullptr);
     level = 320;
     pictures << Shown(window);
   }
