@@ -4,7 +4,6 @@
 #include <optional>
 #include <string_view>
 
-#include "actions/actions_engine.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
@@ -25,6 +24,9 @@ constexpr const char* kParameters =
        "For more information look at the help");
 
 constexpr std::int32_t kNormalWindow = 1;  // shown, with the focus
+
+/// Length of the message in a test.
+constexpr std::int32_t kTestSeconds = 10;
 
 struct Fault {
   const char* setting;
@@ -57,6 +59,12 @@ bool IsMailAddress(const std::string& text) {
          text.find_first_of(kRefused) == std::string::npos && text.find("..") == std::string::npos;
 }
 
+MailAccount AccountOf(const Choices& choices) {
+  MailAccount account{choices.Text("SMTPServer"), choices.Text("SMTPUser"), choices.Text("SMTPPass")};
+  account.require_encryption = !account.user.empty() && choices.On("SMTPSecure");
+  return account;
+}
+
 void ActionsDialog::Load(const std::function<void(const Choices&)>& show) {
   const auto choices =
       parts_.store.StoredChoices(Group::Actions, ErrorTrap(parts_.log, "ErrActionGetOptions->"));
@@ -72,19 +80,26 @@ std::string ActionsDialog::Test(std::string command) {
   const ErrorTrap trap(parts_.log, "Error Send To APP ->");
   trap([&] {
     const auto now = parts_.clock.Now();
-    SubstituteParameters(command, {.name = "Name Test",
-                                   .number = "Number Test",
-                                   .time = parts_.clock.TimeText(now),
-                                   .date = parts_.clock.DateText(now),
-                                   .message_path = parts_.store.Value("MassagesPath") + "Test.wav"});
+    const CallParameters details{.name = "Name Test",
+                                 .number = "Number Test",
+                                 .time = parts_.clock.TimeText(now),
+                                 .date = parts_.clock.DateText(now),
+                                 .message_path = parts_.store.Value("MassagesPath") + "Test.wav"};
+    SubstituteParameters(command, details);
     try {
-      parts_.shell.Run(command, kNormalWindow);
+      parts_.shell.Run(command, kNormalWindow, CallEnvironment(details, details.message_path, kTestSeconds));
     } catch (const std::exception& error) {
       problem = error.what();
       throw;
     }
   });
   return problem;
+}
+
+void ActionsDialog::TestMail(const Choices& choices, MailTests::Done show) {
+  test_.reset();
+  test_ = parts_.mail_tests.SendTestMail(AccountOf(choices), choices.Text("MailFrom"), choices.Text("MailTo"),
+                                         std::move(show));
 }
 
 const SettingRow* ActionsDialog::Ok(const Choices& choices) {
@@ -97,6 +112,7 @@ const SettingRow* ActionsDialog::Ok(const Choices& choices) {
     trap([&] { parts_.store.Set(row->name, choices.Text(row->name)); });
   }
   if (parts_.saved) parts_.saved();
+  parts_.Mail1.TryNow();
   return nullptr;
 }
 

@@ -4,10 +4,12 @@
 #include <functional>
 #include <string>
 
+#include "actions/actions_engine.h"
 #include "core/activity_log.h"
 #include "core/settings_store.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
+#include "platform/mail.h"
 #include "platform/shell.h"
 
 namespace orven {
@@ -15,6 +17,9 @@ namespace orven {
 /// Whether `text` can be a mail address: at least six characters, one "@" with a "." somewhere after it, no
 /// two dots in a row and none of the characters !#$%^&*()=+{}[]|\;:'"/?>,< and blank.
 bool IsMailAddress(const std::string& text);
+
+/// The mail account among the chosen or stored settings of the actions.
+MailAccount AccountOf(const Choices& choices);
 
 /// The rules of the actions dialog: the mail and the program that follow a call. Failures are logged.
 /// User-interface thread.
@@ -26,6 +31,8 @@ class ActionsDialog {
     Dialogs& dialogs;
     Shell& shell;
     const Clock& clock;
+    MailControl& Mail1;
+    MailTests& mail_tests;
     std::function<void()> saved;  ///< the main window reads the action settings again
   };
 
@@ -41,12 +48,20 @@ class ActionsDialog {
   /// user; empty on success.
   std::string Test(std::string command);
 
+  /// What the window says about mails that wait or have failed; empty when there are none.
+  Words MailProblem() const { return DescribeMails(parts_.Mail1.State()); }
+
+  /// `cmdTestMail`: sends a mail with what is chosen, stored or not; `show` gets the result, unless the
+  /// dialog is closed or tests again before.
+  void TestMail(const Choices& choices, MailTests::Done show);
+
   /// `cmdOK`: checks and stores everything. On a wrong value it shows a message box, stores nothing and
   /// returns its setting's row; otherwise returns null, and the dialog closes.
   const SettingRow* Ok(const Choices& choices);
 
  private:
   Parts parts_;
+  MailTests::Test test_;
 };
 
 }  // namespace orven

@@ -6,6 +6,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/translation.h"
 
 namespace orven {
 namespace {
@@ -40,7 +41,29 @@ QWidget* frmActions::MakeMail() {
   }
   form->addRow(QString(), form_.Make("SMTPSecure"));
   form_.AddRest(*form, 0);
+  AddMailTest(*form, page);
   return page;
+}
+
+void frmActions::AddMailTest(QFormLayout& form, QWidget* page) {
+  cmdTestMail_ = MakeButton("cmdTestMail", tr("Send a test mail"),
+                            tr("Send a mail now with what is in the fields, stored or not"), page);
+  auto* row = MakeChild<QHBoxLayout>();
+  row->addWidget(cmdTestMail_);
+  row->addStretch();
+  form.addRow(QString(), row);
+  mail_result_ = MakeText("lblMailResult", page, Shown(engine_.MailProblem()));
+  form.addRow(mail_result_);
+  connect(cmdTestMail_, &QPushButton::clicked, this, &frmActions::TestMail);
+}
+
+void frmActions::TestMail() {
+  cmdTestMail_->setEnabled(false);
+  mail_result_->setText(tr("Sending a test mail…"));
+  engine_.TestMail(form_.Taken(), [this](const MailTestResult& result) {
+    mail_result_->setText(Shown(result.text));
+    cmdTestMail_->setEnabled(true);
+  });
 }
 
 QWidget* frmActions::MakeApplication() {

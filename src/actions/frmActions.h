@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QFormLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QTabWidget>
 
 #include "actions/actions_dialog.h"
@@ -22,6 +24,8 @@ class frmActions : public QDialog {
  private:
   QWidget* MakeMail();
   QWidget* MakeApplication();
+  void AddMailTest(QFormLayout& form, QWidget* page);
+  void TestMail();
   void Test();
   void Ok();
   void Show(const Choices& choices);
@@ -29,6 +33,8 @@ class frmActions : public QDialog {
   ActionsDialog& engine_;
   SettingsForm form_;
   QTabWidget* TabStrip1_;
+  QPushButton* cmdTestMail_ = nullptr;
+  QLabel* mail_result_ = nullptr;
   QLabel* test_result_ = nullptr;
 };
 

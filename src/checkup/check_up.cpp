@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "actions/actions_engine.h"
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
 
@@ -192,7 +193,11 @@ void CheckUp::CheckCard() {
 void CheckUp::CheckMail() {
   if (parts_.settings.pMailTo == 0) return Set(CheckLink::Mail, Note(Tr("Mail is switched off.")));
   mail_test_ = parts_.mail.TryServer(parts_.account(), [this, round = round_](const MailTestResult& result) {
-    if (round == round_) Set(CheckLink::Mail, result.passed ? Good(result.text) : Bad(result.text));
+    if (round != round_) return;
+    if (!result.passed) return Set(CheckLink::Mail, Bad(result.text));
+    const Words kept = DescribeMails(parts_.Mail1.State());
+    if (kept.Empty()) return Set(CheckLink::Mail, Good(result.text));
+    Set(CheckLink::Mail, Bad(Words("%1 %2.").Arg(result.text).Arg(kept)));
   });
 }
 

@@ -35,6 +35,7 @@ class CheckUp {
     WaveformReader& sounds;  ///< likewise
     SoundCardNames& cards;
     MailTests& mail;
+    const MailControl& Mail1;
     std::function<MailAccount()> account;  ///< of the settings
     DatabaseControl& DataBase1;
     const LineManager& line;

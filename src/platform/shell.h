@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/words.h"
 
@@ -33,6 +35,9 @@ struct NotifyIconData {
 /// Requests of Shell_NotifyIcon.
 enum class NotifyRequest : std::uint32_t { Add = 0, Modify = 1 };  // NIM_ADD, NIM_MODIFY
 
+/// Names and values of environment variables.
+using Environment = std::vector<std::pair<std::string, std::string>>;
+
 /// The desktop's shell. User-interface thread; nothing waits.
 class Shell {
  public:
@@ -52,10 +57,11 @@ class Shell {
 
   /// Starts `command` (a program and its arguments in one line; double quotes keep an argument
   /// together, also an empty one) as a separate process, without a shell, and does not wait for it.
+  /// The process has this one's environment and the variables of `added`.
   /// `window_style` is 0 for a hidden window, 1 for a normal one and 2 for a minimised one, both with the
   /// focus, where the platform supports that. Throws RuntimeError when it cannot be started: 5 for an empty
   /// command, 53 for a missing program, 70 for one that may not be executed; the text names it.
-  virtual void Run(const std::string& command, std::int32_t window_style) = 0;
+  virtual void Run(const std::string& command, std::int32_t window_style, const Environment& added = {}) = 0;
 };
 
 /// Virtual keys of the mouse's physical buttons.

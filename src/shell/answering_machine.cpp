@@ -58,8 +58,8 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
                        [this] {
                          if (call.InProgress()) log.WriteSystem("DoNothing" + LineTag(control.Line()));
                        }}),
-      actions({ports.loop, ports.Mail1, ports.shell, log, status, folders}, settings,
-              [this] { line.ShowMonitoring(); }),
+      actions({ports.loop, ports.Mail1, ports.shell, log, status, views.mail, folders, ports.translation},
+              settings, [this] { line.ShowMonitoring(); }),
       microphone({ports.Wave1, log, home, [this] { return call.InProgress() && control.Connected(); }}),
       recorder({ports.clock, ports.loop, ports.files, folders, microphone}, control),
       remote(control, recorder, ListView1, folders, status),
@@ -136,9 +136,21 @@ OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
 
 CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& reader,
                                             std::function<MailAccount()> account) {
-  return {
-      ports_.loop,       ports_.background,  ports_.clock,     ports_.files, lines,   reader,   ports_.cards,
-      ports_.mail_tests, std::move(account), ports_.DataBase1, line,         folders, settings, home};
+  return {ports_.loop,
+          ports_.background,
+          ports_.clock,
+          ports_.files,
+          lines,
+          reader,
+          ports_.cards,
+          ports_.mail_tests,
+          ports_.Mail1,
+          std::move(account),
+          ports_.DataBase1,
+          line,
+          folders,
+          settings,
+          home};
 }
 
 std::optional<std::int32_t> AnsweringMachine::LineLevel() const {

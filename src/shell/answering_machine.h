@@ -66,6 +66,7 @@ struct EnginePorts {
   SoundCardNames& cards;
   Notifications& notifications;
   SleepGuard& sleep;
+  Translation translation;  ///< for what leaves the program as text: mails
 };
 
 /// The composed engine: all run-time state of the main window and the classes that work on it, in the

@@ -88,7 +88,7 @@ void frmMain::SetTabOrder() {
                            "TBQuickOption.Delete", "cmbRings", "chkRecMessage"}) {
     order << TBQuickOption_->findChild<QWidget*>(QString::fromLatin1(name));
   }
-  order << &StatusBar1_->UseLine() << &StatusBar1_->Check1();
+  order << &StatusBar1_->UseLine() << &StatusBar1_->Mail() << &StatusBar1_->Check1();
   for (auto* action : Toolbar1_->actions()) {
     if (!action->isSeparator()) order << Toolbar1_->widgetForAction(action);
   }
@@ -105,6 +105,8 @@ void frmMain::Attach(MainWindow& engine) {
   MakeChild<GuideKey>(engine.Commands(), this);
   connect(&StatusBar1_->UseLine(), &QPushButton::clicked, this,
           [this] { engine_->Machine().line.UseChosen(); });
+  connect(&StatusBar1_->Mail(), &QToolButton::clicked, this,
+          [this] { engine_->Commands().OpenDialog(Dialog::frmActions); });
   connect(&StatusBar1_->Check1(), &QCheckBox::clicked, this, [this] { engine_->ChangeGridLines(); });
 }
 

@@ -16,7 +16,7 @@ namespace orven {
 /// The main window. It shows what the engine tells it and passes on the user's input; it decides nothing.
 /// Each control's object name is its member name ("Toolbar1", "ListView1"); toolbar buttons are named
 /// "<toolbar>.<key>". User-interface thread.
-class frmMain : public QMainWindow, public LineView, public WindowFrame {
+class frmMain : public QMainWindow, public LineView, public MailView, public WindowFrame {
   Q_OBJECT
 
  public:
@@ -36,6 +36,9 @@ class frmMain : public QMainWindow, public LineView, public WindowFrame {
   void ShowStatus(const Words& text) override;
   void ShowLine(bool on, bool trying) override;
   void OfferChosen(const std::string& name, bool waits) override;
+
+  // MailView
+  void ShowMail(const Words& text) noexcept override;
 
   // WindowFrame
   WindowGeometry Geometry() const override;

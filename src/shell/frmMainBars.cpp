@@ -102,6 +102,13 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   addWidget(status_, 1);
   AddOffer();
 
+  mail_ = MakeChild<QToolButton>(this);
+  mail_->setObjectName(QStringLiteral("cmdMail"));
+  mail_->setAutoRaise(true);
+  mail_->setFocusPolicy(Qt::TabFocus);
+  mail_->hide();
+  addPermanentWidget(mail_);
+
   check_ = MakeNamed<QCheckBox>("Check1", tr("Grid lines"), this);
   check_->setToolTip(tr("Grid lines and whole-row selection in the calls list"));
   check_->setChecked(true);
@@ -146,6 +153,15 @@ QLabel* MainStatusBar::AddPanel(int number) {
 void MainStatusBar::ShowStatus(const QString& text) {
   status_->setText(text);
   status_->setToolTip(text.toHtmlEscaped());
+}
+
+void MainStatusBar::ShowMail(const QString& text) {
+  constexpr int kWidth = 220;  // pixels; the line's status needs the rest
+  const QString shown = mail_->fontMetrics().elidedText(text, Qt::ElideRight, kWidth);
+  mail_->setText(QString(shown).replace('&', QStringLiteral("&&")));
+  mail_->setToolTip(text.toHtmlEscaped());
+  mail_->setAccessibleName(text);
+  mail_->setVisible(!text.isEmpty());
 }
 
 void MainStatusBar::ShowClock(const QString& time, const QString& date) {

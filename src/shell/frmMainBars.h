@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QToolButton>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -43,8 +44,8 @@ class QuickOptionBar : public ButtonBar, public QuickOptionBoxes {
   QCheckBox* record_ = nullptr;
 };
 
-/// The status bar `StatusBar1`: the line's status, the offer to use another line, `Check1`, the time and the
-/// date.
+/// The status bar `StatusBar1`: the line's status, the offer to use another line, mails that are not sent (if
+/// any), `Check1`, the time and the date.
 class MainStatusBar : public QStatusBar {
   Q_OBJECT
 
@@ -55,8 +56,11 @@ class MainStatusBar : public QStatusBar {
   /// As LineView::OfferChosen.
   void OfferLine(const QString& name, bool waits);
   void ShowClock(const QString& time, const QString& date);
+  /// Shortened on the bar, in full in the tip; an empty text hides it.
+  void ShowMail(const QString& text);
 
   QPushButton& UseLine() { return *cmdUseLine_; }
+  QToolButton& Mail() { return *mail_; }
   QCheckBox& Check1() { return *check_; }
 
  private:
@@ -67,6 +71,7 @@ class MainStatusBar : public QStatusBar {
   QLabel* status_;
   QLabel* offer_ = nullptr;
   QPushButton* cmdUseLine_ = nullptr;
+  QToolButton* mail_;
   QCheckBox* check_;
   QLabel* time_;
   QLabel* date_;

@@ -10,7 +10,7 @@
 
 namespace orven {
 MainWindowViews frmMain::Views(CallerViewWindow& caller_view) {
-  return {*this, *TBQuickOption_, *this, *ListView1_, *player_, caller_view};
+  return {*this, *this, *TBQuickOption_, *this, *ListView1_, *player_, caller_view};
 }
 
 void frmMain::ShowStatus(const Words& text) {
@@ -28,6 +28,10 @@ void frmMain::ShowLine(bool on, bool trying) {
   action.setText(on ? tr("On") : tr("Off"));
   action.setIcon(ThemeIcon(on ? "call-start" : "call-stop"));
   menus_->ShowLine(on, trying);
+}
+
+void frmMain::ShowMail(const Words& text) noexcept {
+  StatusBar1_->ShowMail(Shown(text));
 }
 
 WindowGeometry frmMain::Geometry() const {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "actions/actions_engine.h"
 #include "core/settings_store.h"
 #include "notify/caller_view.h"
 #include "notify/status_panel.h"
@@ -73,6 +74,7 @@ class WindowFrame : public PlacedWindow {
 /// All views of the main window.
 struct MainWindowViews {
   LineView& line;
+  MailView& mail;
   QuickOptionBoxes& boxes;
   WindowFrame& frame;
   CallListView& list;

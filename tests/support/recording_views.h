@@ -62,17 +62,22 @@ class RecordingCallerView : public CallerViewWindow {
 class ScriptedMail : public MailControl {
  public:
   struct Mail {
-    std::string server, sender, sender_name, recipient, subject, attachment;
+    std::string server, sender, sender_name, recipient, subject, attachment, text;
     bool operator==(const Mail&) const = default;
   };
   std::vector<Mail> mails;
   MailEvents* events = nullptr;
   std::function<void(const Mail&)> on_send = [](const Mail&) {};
+  MailState state;
+  int tries_now = 0;
+  MailState State() const override { return state; }
+  void TryNow() override { ++tries_now; }
+  void Acknowledge() override { state.failed = 0; }
   void SetEvents(MailEvents* owner) override { events = owner; }
   void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
-            const std::string& recipient, const std::string& subject,
-            const std::string& attachment) override {
-    mails.push_back({server, sender, sender_name, recipient, subject, attachment});
+            const std::string& recipient, const std::string& subject, const std::string& attachment,
+            const std::string& text) override {
+    mails.push_back({server, sender, sender_name, recipient, subject, attachment, text});
     on_send(mails.back());
   }
 };
@@ -99,12 +104,13 @@ class ScriptedMailTests : public MailTests {
 
 /// All views of the main window in one. Shows nothing and records everything.
 class RecordingViews : public LineView,
+                       public MailView,
                        public QuickOptionBoxes,
                        public WindowFrame,
                        public CallListView,
                        public PlayerView {
  public:
-  MainWindowViews All() { return {*this, *this, *this, *this, *this, caller_view}; }
+  MainWindowViews All() { return {*this, *this, *this, *this, *this, *this, caller_view}; }
 
   // The line.
   bool line_on = false;
@@ -113,6 +119,10 @@ class RecordingViews : public LineView,
   void ShowLine(bool on, bool /*trying*/) override { line_on = on; }
   std::string offer;  ///< the line that can be used instead
   void OfferChosen(const std::string& name, bool waits) override { offer = name + (waits ? " waits" : ""); }
+
+  // The mails.
+  std::string mails;
+  void ShowMail(const Words& text) noexcept override { mails = text.English(); }
 
   // The quick options.
   std::vector<std::string> greetings;
@@ -238,10 +248,12 @@ class ScriptedShell : public Shell {
   std::vector<std::pair<std::string, std::int32_t>> started;
   std::function<void()> before_start = [] {};
   std::size_t attempts = 0;  ///< attempts to start a command
-  void Run(const std::string& command, std::int32_t window_style) override {
+  Environment environment;   ///< of the latest command
+  void Run(const std::string& command, std::int32_t window_style, const Environment& added) override {
     ++attempts;
     before_start();
     started.emplace_back(command, window_style);
+    environment = added;
   }
 };
 

@@ -66,7 +66,7 @@ void World::Build() {
   window = std::make_unique<MainWindow>(
       EnginePorts{time,      time,           files,      background, registry,      dialogs, shell,
                   mouse,     Mail1,          mail_tests, records_,   *Tapi1,        Wave1,   WavePlay,
-                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep},
+                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep,   &Words::English},
       views.All(), home, system, dialog_factory, [this] { ended = true; });
   views.list = &Machine().ListView1;
 }

@@ -66,8 +66,8 @@ QList<QPixmap> Events(Desk& desk) {
 }
 
 QList<QPixmap> Actions(Desk& desk) {
-  ActionsDialog dialog(
-      {desk.Machine().store, desk.Machine().log, desk.dialogs, desk.shell, desk.clock, [] {}});
+  ActionsDialog dialog({desk.Machine().store, desk.Machine().log, desk.dialogs, desk.shell, desk.clock,
+                        desk.Mail1, desk.mail_tests, [] {}});
   QList<QPixmap> pictures;
   for (int tab = 0; tab < 2; ++tab) {
     frmActions window(dialog, tab, nullptr);

@@ -3,8 +3,9 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
+
+#include "platform/shell.h"
 
 namespace orven {
 
@@ -12,9 +13,6 @@ namespace orven {
 /// removed, so that "" is an empty argument; a quote that is not closed reaches to the end. No other
 /// character has a meaning.
 std::vector<std::string> SplitCommandLine(std::string_view line);
-
-/// Names and values of environment variables.
-using Environment = std::vector<std::pair<std::string, std::string>>;
 
 /// Programs started from now on inherit standard input, output and error only. Otherwise the sockets that
 /// libraries open would keep the line's address in use if such a program outlives this one.

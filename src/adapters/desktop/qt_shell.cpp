@@ -176,9 +176,9 @@ void QtShell::Activated(QSystemTrayIcon::ActivationReason reason) const {
   if (reason == QSystemTrayIcon::Context) on_mouse_(kRightButtonUp * kTwipsPerPixel, kTwipsPerPixel);
 }
 
-void QtShell::Run(const std::string& command, std::int32_t /*window_style*/) {
+void QtShell::Run(const std::string& command, std::int32_t /*window_style*/, const Environment& added) {
   auto parts = SplitCommandLine(command);
-  if (parts.empty() || !IsHelper(parts.front())) return StartProgram(parts, {});
+  if (parts.empty() || !IsHelper(parts.front())) return StartProgram(parts, added);
   const HelperStart start = start_helper_();
   parts.front() = start.path;
   StartProgram(parts, start.environment);

@@ -93,7 +93,7 @@ class QtShell final : public Shell {
   /// and may throw as Run does. An error names the file that `start` returned.
   void SetHelper(std::string file_name, std::function<HelperStart()> start);
 
-  void Run(const std::string& command, std::int32_t window_style) override;
+  void Run(const std::string& command, std::int32_t window_style, const Environment& added) override;
 
   /// The icon in the tray; nullptr until the kind of tray is decided.
   QSystemTrayIcon* Icon() { return icon_.get(); }

@@ -32,6 +32,17 @@ void Append(List& list, const std::string& line) {
   list.reset(longer);
 }
 
+/// `text` with the line ends of a mail; every line ends with one.
+std::string Lines(std::string_view text) {
+  std::string lines;
+  while (!text.empty()) {
+    const std::size_t length = std::min(text.find('\n'), text.size());
+    lines += OneLine(text.substr(0, length)) + "\r\n";
+    text.remove_prefix(std::min(length + 1, text.size()));
+  }
+  return lines;
+}
+
 std::size_t ReadAttachment(char* buffer, std::size_t size, std::size_t count, void* attachment) {
   return static_cast<Attachment*>(attachment)->Read({buffer, size * count}).value_or(CURL_READFUNC_ABORT);
 }
@@ -89,7 +100,7 @@ Message::Message(CURL* curl, const Envelope& envelope, Attachment* attachment)
   Append(fields_, "Date: " + OneLine(envelope.date));
   Append(fields_, "Message-ID: " + OneLine(envelope.message_id));
   Append(fields_, "MIME-Version: 1.0");
-  AddText(OneLine(envelope.subject) + "\r\n");
+  AddText(Lines(envelope.text.empty() ? envelope.subject : envelope.text));
   if (attachment != nullptr) AddAttachment(envelope.attachment, attachment);
 }
 

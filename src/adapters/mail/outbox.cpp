@@ -8,12 +8,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <random>
+#include <span>
+#include <variant>
 
+#include "base/conversions.h"
 #include "base/durable_file.h"
 #include "base/text.h"
 
@@ -23,15 +25,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kFirstLine = "ORVEN mail 1\n";
+constexpr std::string_view kFirstLine = "ORVEN mail 2\n";
+/// Written before mails had a text and were tried again: without these lines.
+constexpr std::string_view kOlderFirstLine = "ORVEN mail 1\n";
+constexpr std::size_t kOlderLines = 8;
 constexpr std::string_view kLastLine = "end\n";
 
 struct Line {
   std::string_view label;
-  std::string Envelope::*value;
+  std::variant<std::string Envelope::*, std::int64_t Envelope::*> field;
 };
 
-constexpr std::array<Line, 8> kLines{{
+constexpr std::array<Line, 12> kLines{{
     {"message-id=", &Envelope::message_id},
     {"date=", &Envelope::date},
     {"server=", &Envelope::server},
@@ -40,6 +45,10 @@ constexpr std::array<Line, 8> kLines{{
     {"recipient=", &Envelope::recipient},
     {"subject=", &Envelope::subject},
     {"attachment=", &Envelope::attachment},
+    {"text=", &Envelope::text},
+    {"tries=", &Envelope::tries},
+    {"first-try=", &Envelope::first_try},
+    {"problem=", &Envelope::problem},
 }};
 
 /// Values keep their bytes, except those that could end a line and the escape itself.
@@ -59,22 +68,43 @@ bool IsDomain(std::string_view text) {
   });
 }
 
-constexpr std::string_view kEnding = ".mail";
+std::string ValueText(const Envelope& envelope, const Line& line) {
+  if (const auto* text = std::get_if<0>(&line.field)) return envelope.**text;
+  return std::to_string(envelope.*std::get<1>(line.field));
+}
+
+/// False when the field cannot hold the value.
+bool Store(Envelope& envelope, const Line& line, std::string value) {
+  if (const auto* text = std::get_if<0>(&line.field)) {
+    envelope.** text = std::move(value);
+    return true;
+  }
+  const auto number = WholeNumber<std::int64_t>(value);
+  envelope.*std::get<1>(line.field) = number.value_or(0);
+  return number.has_value();
+}
+
+constexpr std::string_view kWaiting = ".mail";
+constexpr std::string_view kFailed = ".failed";
 constexpr std::size_t kDigits = 9;
+/// Readable by this user alone.
+constexpr unsigned kMode = 0600;
 /// A larger file is not an envelope.
 constexpr std::size_t kLargest = 1 << 20;
 
-/// The number in a mail file's name, for example 7 in "000000007.mail"; 0 for other files.
-unsigned NumberOf(const std::string& name) {
-  if (name.size() != kDigits + kEnding.size() || !name.ends_with(kEnding)) return 0;
-  unsigned number = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + kDigits, number);
-  return error == std::errc() && end == name.data() + kDigits ? number : 0;
+/// The number in a file's name with this ending, for example 7 in "000000007.mail"; 0 for other files.
+unsigned NumberOf(const std::string& name, std::string_view ending) {
+  if (name.size() != kDigits + ending.size() || !name.ends_with(ending)) return 0;
+  return WholeNumber<unsigned>(std::string_view(name).substr(0, kDigits)).value_or(0);
+}
+
+unsigned Newest(const std::vector<std::string>& paths, std::string_view ending) {
+  return paths.empty() ? 0 : NumberOf(fs::path(paths.back()).filename().string(), ending);
 }
 
 std::string NameOf(unsigned number) {
   std::array<char, 32> name{};
-  std::snprintf(name.data(), name.size(), "%09u%s", number, kEnding.data());
+  std::snprintf(name.data(), name.size(), "%09u%s", number, kWaiting.data());
   return name.data();
 }
 
@@ -106,21 +136,21 @@ std::string NewMessageId(std::string_view sender) {
 std::string EnvelopeText(const Envelope& envelope) {
   std::string text(kFirstLine);
   for (const Line& line : kLines) {
-    text.append(line.label).append(PercentEncoded(envelope.*line.value, IsKept)).append("\n");
+    text.append(line.label).append(PercentEncoded(ValueText(envelope, line), IsKept)).append("\n");
   }
   return text + std::string(kLastLine);
 }
 
 std::optional<Envelope> ParseEnvelope(std::string_view text) {
   Envelope envelope;
-  if (!Take(text, kFirstLine)) return {};
-  for (const Line& line : kLines) {
+  const bool older = Take(text, kOlderFirstLine);
+  if (!older && !Take(text, kFirstLine)) return {};
+  for (const Line& line : std::span(kLines).first(older ? kOlderLines : kLines.size())) {
     if (!Take(text, line.label)) return {};
     const std::size_t end = text.find('\n');
     if (end == text.npos) return {};
     auto value = PercentDecoded(text.substr(0, end));
-    if (!value) return {};
-    envelope.*line.value = *std::move(value);
+    if (!value || !Store(envelope, line, *std::move(value))) return {};
     text.remove_prefix(end + 1);
   }
   if (text != kLastLine) return {};
@@ -129,13 +159,11 @@ std::optional<Envelope> ParseEnvelope(std::string_view text) {
 
 std::string Outbox::Keep(const Envelope& envelope) {
   if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST) throw FileFailure(errno, folder_);
-  const auto waiting = Waiting();
-  const unsigned newest = waiting.empty() ? 0 : NumberOf(fs::path(waiting.back()).filename().string());
-  last_ = std::max(last_, newest) + 1;
+  last_ = std::max({last_, Newest(Waiting(), kWaiting), Newest(Failed(), kFailed)}) + 1;
   std::string path = (fs::path(folder_) / NameOf(last_)).string();
   LinkAttachment(envelope.attachment, path);
   try {
-    CreateFile(path, EnvelopeText(envelope), 0600);
+    CreateFile(path, EnvelopeText(envelope), kMode);
   } catch (...) {
     ::unlink(LinkOf(path).c_str());
     throw;
@@ -151,10 +179,18 @@ std::string Outbox::SourceOf(const std::string& attachment, const std::string& p
 }
 
 std::vector<std::string> Outbox::Waiting() const {
+  return Mails(kWaiting);
+}
+
+std::vector<std::string> Outbox::Failed() const {
+  return Mails(kFailed);
+}
+
+std::vector<std::string> Outbox::Mails(std::string_view ending) const {
   std::vector<std::string> paths;
   std::error_code error;
   for (fs::directory_iterator entry(folder_, error), end; !error && entry != end; entry.increment(error)) {
-    if (NumberOf(entry->path().filename().string()) != 0) paths.push_back(entry->path().string());
+    if (NumberOf(entry->path().filename().string(), ending) != 0) paths.push_back(entry->path().string());
   }
   if (error && error != std::errc::no_such_file_or_directory) throw FileFailure(error.value(), folder_);
   std::sort(paths.begin(), paths.end());
@@ -168,6 +204,21 @@ std::optional<Envelope> Outbox::Read(const std::string& path) {
     text += block;
   }
   return ParseEnvelope(text);
+}
+
+void Outbox::Update(const std::string& path, const Envelope& envelope) {
+  ReplaceFile(path, EnvelopeText(envelope), kMode);
+}
+
+std::string Outbox::Fail(const std::string& path) {
+  std::string failed = fs::path(path).replace_extension(kFailed).string();
+  if (!RenameKeeping(path, failed)) throw FileFailure(EXDEV, path);
+  return failed;
+}
+
+void Outbox::Acknowledge(const std::string& path) {
+  if (!RenameKeeping(path, NameToSetAside(path, "seen"))) throw FileFailure(EXDEV, path);
+  ::unlink(LinkOf(path).c_str());
 }
 
 std::string Outbox::SetAside(const std::string& path) {

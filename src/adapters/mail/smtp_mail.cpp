@@ -9,7 +9,6 @@
 
 #include "adapters/mail/mail_text.h"
 #include "adapters/mail/message.h"
-#include "adapters/mail/smtp_transfer.h"
 
 namespace orven {
 namespace {
@@ -19,7 +18,11 @@ using namespace std::chrono_literals;
 /// The program's exit waits at most a second.
 constexpr auto kPatience = 800ms;
 
-using Event = std::function<void(MailEvents&)>;
+/// How often we look for due mails while mails wait: the computer may have slept through a pause.
+constexpr auto kLook = 20s;
+
+/// An occasion (a new mail, a mail that was sent) does not repeat a try that failed just now.
+constexpr auto kLeastPause = 1min;
 
 std::string Absolute(const std::string& path) {
   std::error_code error;
@@ -27,126 +30,58 @@ std::string Absolute(const std::string& path) {
   return error ? path : absolute.string();
 }
 
+std::int64_t Seconds(Clock::WallTime time) {
+  return std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
+}
+
 }  // namespace
 
-/// Sends mails on the worker's thread. It may outlive the mail control, in a thread that hangs.
-class SmtpMail::Sender {
- public:
-  struct Mail {
-    std::string file;                  ///< in the outbox; empty when it could not be written
-    std::optional<Envelope> envelope;  ///< nothing: it is in the file
-    MailAccount account;
-  };
-
-  /// `tell` and `warn` pass an event or a warning to the user-interface thread.
-  Sender(MailLimits limits, Worker::Reporter report, std::function<void(Event)> tell,
-         std::function<void(std::string)> warn)
-      : limits_(std::move(limits)),
-        report_(std::move(report)),
-        tell_(std::move(tell)),
-        warn_(std::move(warn)) {}
-
-  /// The mail being sent, and those that wait, stay in the outbox. Any thread.
-  void Cancel() { cancellation_.Cancel(); }
-
-  void Send(const Mail& mail) {
-    if (cancellation_.Cancelled()) return;
-    const auto envelope = mail.envelope ? mail.envelope : Load(mail.file);
-    if (envelope) Transmit(*envelope, mail);
-  }
-
- private:
-  std::optional<Envelope> Load(const std::string& file) {
-    try {
-      auto envelope = Outbox::Read(file);
-      if (envelope) return envelope;
-      TellError("",
-                "the waiting mail " + file + " is damaged and was set aside as " + Outbox::SetAside(file));
-    } catch (const std::exception& failure) {
-      TellError("", failure.what());
-    }
-    return {};
-  }
-
-  void Transmit(const Envelope& envelope, const Mail& mail) {
-    const std::string source = Outbox::SourceOf(envelope.attachment, mail.file);
-    const auto progress = [this](std::int64_t total, std::int64_t sent) { TellProgress(total, sent); };
-    const MailOutcome outcome = SendMail(envelope, source, mail.account, limits_, cancellation_, progress);
-    if (outcome.state == MailOutcome::State::Cancelled) return;
-    // The disk before the event: a mail that was reported must not be sent again.
-    if (!mail.file.empty()) Forget(mail.file);
-    if (outcome.state != MailOutcome::State::Accepted)
-      return TellError(envelope.recipient, outcome.failure.what.English());
-    Tell([recipient = envelope.recipient](MailEvents& events) { events.Done(recipient); });
-  }
-
-  void Forget(const std::string& file) {
-    try {
-      Outbox::Remove(file);
-    } catch (const std::exception& failure) {
-      report_([&] { warn_(std::string("a finished mail stays in the outbox: ") + failure.what()); });
-    }
-  }
-
-  void TellProgress(std::int64_t total, std::int64_t sent) {
-    while (total > std::numeric_limits<std::int32_t>::max()) {
-      total /= 2;
-      sent /= 2;
-    }
-    Tell([total, sent](MailEvents& events) {
-      events.Progress(static_cast<std::int32_t>(total), static_cast<std::int32_t>(sent));
-    });
-  }
-
-  void TellError(const std::string& recipient, const std::string& description) {
-    Tell([recipient, description](MailEvents& events) { events.Error(recipient, description); });
-  }
-
-  void Tell(const Event& event) {
-    report_([&] { tell_(event); });
-  }
-
-  const MailLimits limits_;
-  const Worker::Reporter report_;
-  const std::function<void(Event)> tell_;
-  const std::function<void(std::string)> warn_;
-  Cancellation cancellation_;
-};
-
-SmtpMail::SmtpMail(EventLoop& loop, std::string outbox_folder, Account account, Warning warning,
-                   MailLimits limits)
-    : account_(account ? std::move(account) : [] { return MailAccount{}; }),
+SmtpMail::SmtpMail(EventLoop& loop, const Clock& clock, std::string outbox_folder, Account account,
+                   Warning warning, MailLimits limits)
+    : loop_(loop),
+      clock_(clock),
+      account_(account ? std::move(account) : [] { return MailAccount{}; }),
       warning_(warning ? std::move(warning) : [](const std::string&) {}),
-      outbox_(std::move(outbox_folder)),
-      worker_(Worker::AtStop::Drop, kPatience) {
-  const auto tell = [this, &loop](Event event) {
-    loop.Post(lifeline_.Bind([this, event = std::move(event)] {
-      if (events_ != nullptr) event(*events_);
-    }));
-  };
-  const auto warn = [this, &loop](std::string text) {
-    loop.Post(lifeline_.Bind([this, text = std::move(text)] { warning_(text); }));
-  };
-  sender_ = std::make_shared<Sender>(std::move(limits), worker_.Reports(), tell, warn);
-}
+      outbox_(outbox_folder),
+      worker_(Worker::AtStop::Drop, kPatience),
+      sender_(std::make_shared<MailSender>(std::move(limits), std::move(outbox_folder), Reports())) {}
 
 SmtpMail::~SmtpMail() {
   sender_->Cancel();
   worker_.Stop();
 }
 
+/// Each report goes to the user-interface thread.
+MailSender::Reports SmtpMail::Reports() {
+  const auto post = [this, report = worker_.Reports()](EventLoop::Task task) {
+    report([&] { loop_.Post(lifeline_.Bind(std::move(task))); });
+  };
+  return {[this, post](std::int64_t total, std::int64_t sent) {
+            post([this, total, sent] { ShowProgress(total, sent); });
+          },
+          [this, post](const TriedMail& tried) { post([this, tried] { Tried(tried); }); },
+          [this, post](const FoundMails& found) { post([this, found] { Found(found); }); },
+          [this, post](const std::string& text) { post([this, text] { warning_(text); }); }};
+}
+
 void SmtpMail::Send(const std::string& server, const std::string& sender, const std::string& sender_name,
-                    const std::string& recipient, const std::string& subject, const std::string& attachment) {
-  Envelope envelope{NewMessageId(sender),
-                    MailDate(std::time(nullptr)),
-                    server,
-                    sender,
-                    sender_name,
-                    recipient,
-                    subject,
-                    IsAttachable(attachment) ? Absolute(attachment) : ""};
+                    const std::string& recipient, const std::string& subject, const std::string& attachment,
+                    const std::string& text) {
+  Envelope envelope;
+  envelope.message_id = NewMessageId(sender);
+  envelope.date = MailDate(std::time(nullptr));
+  envelope.server = server;
+  envelope.sender = sender;
+  envelope.sender_name = sender_name;
+  envelope.recipient = recipient;
+  envelope.subject = subject;
+  envelope.attachment = IsAttachable(attachment) ? Absolute(attachment) : "";
+  envelope.text = text;
   std::string file = Keep(envelope);
-  Queue(std::move(file), std::move(envelope));
+  queue_.Hurry(clock_.Now(), kLeastPause);
+  queue_.Add({std::move(file), std::move(envelope)});
+  SendNext();
+  if (queue_.Waiting() > 0) ShowState();
 }
 
 std::string SmtpMail::Keep(const Envelope& envelope) {
@@ -158,18 +93,102 @@ std::string SmtpMail::Keep(const Envelope& envelope) {
   }
 }
 
-void SmtpMail::Queue(std::string file, std::optional<Envelope> envelope) {
-  Sender::Mail mail{std::move(file), std::move(envelope), account_()};
-  const bool posted = worker_.Post([sender = sender_, mail = std::move(mail)] { sender->Send(mail); });
-  if (!posted) warning_("a mail waits for the next start: no thread can be started");
+bool SmtpMail::Start(std::function<void(MailSender&)> task) {
+  const bool started = worker_.Post([sender = sender_, task = std::move(task)] { task(*sender); });
+  if (!started) warning_("mails wait: no thread can be started");
+  return started;
 }
 
 void SmtpMail::Resume() {
-  try {
-    for (std::string& file : outbox_.Waiting()) Queue(std::move(file), {});
-  } catch (const std::exception& failure) {
-    warning_(std::string("the outbox cannot be read: ") + failure.what());
+  loading_ = Start([](MailSender& sender) { sender.Load(); });
+}
+
+void SmtpMail::Found(FoundMails found) {
+  loading_ = false;
+  for (const auto& problem : found.damaged) {
+    if (events_ != nullptr) events_->Error("", problem);
   }
+  queue_.AddOlder(std::move(found.waiting));
+  failed_ = std::move(found.failed);
+  reason_ = std::move(found.problem);
+  SendNext();
+  ShowState();
+}
+
+void SmtpMail::SendNext() {
+  if (loading_ || current_ != nullptr) return;
+  MailAccount account = account_();
+  if (!account.server.empty()) queue_.Redirect(account.server);
+  const auto now = clock_.Now();
+  QueuedMail* const mail = queue_.Due(now);
+  if (mail == nullptr) return LookAgain();
+  const bool last = MailQueue::IsGivenUp(mail->envelope, now);
+  QueuedMail counted = *mail;
+  if (++counted.envelope.tries == 1) counted.envelope.first_try = Seconds(now);
+  const bool started = Start([mail = std::move(counted), account = std::move(account),
+                              last](MailSender& sender) { sender.Send(mail, account, last); });
+  if (started) current_ = mail;
+  LookAgain();
+}
+
+/// Lets the timer run while mails wait for their time.
+void SmtpMail::LookAgain() {
+  const bool wait = current_ == nullptr && !queue_.Empty();
+  if (wait && !look_) look_ = loop_.MakeTimer([this] { SendNext(); });
+  if (look_ && wait != look_->Enabled()) wait ? look_->Start(kLook) : look_->Stop();
+}
+
+void SmtpMail::ShowProgress(std::int64_t total, std::int64_t sent) {
+  while (total > std::numeric_limits<std::int32_t>::max()) {
+    total /= 2;
+    sent /= 2;
+  }
+  if (events_ != nullptr)
+    events_->Progress(static_cast<std::int32_t>(total), static_cast<std::int32_t>(sent));
+}
+
+void SmtpMail::Tried(const TriedMail& tried) {
+  QueuedMail& mail = *std::exchange(current_, nullptr);
+  const std::string recipient = mail.envelope.recipient;
+  const auto now = clock_.Now();
+  if (tried.state == TriedMail::State::Waits) {
+    mail.envelope = tried.envelope;
+    mail.tried = now;
+  } else {
+    queue_.Remove(mail);
+  }
+  if (tried.state == TriedMail::State::Sent) {
+    queue_.Hurry(now, kLeastPause);
+    if (events_ != nullptr) events_->Done(recipient);
+  } else {
+    reason_ = tried.problem;
+    if (tried.state == TriedMail::State::Failed) failed_.push_back(tried.file);
+    if (events_ != nullptr) events_->Error(recipient, tried.problem);
+  }
+  SendNext();
+  ShowState();
+}
+
+MailState SmtpMail::State() const {
+  MailState state{queue_.Waiting(), failed_.size(), current_ != nullptr};
+  if (state.waiting + state.failed > 0) state.reason = reason_;
+  return state;
+}
+
+void SmtpMail::TryNow() {
+  queue_.Hurry(clock_.Now(), 0min);
+  SendNext();
+}
+
+void SmtpMail::Acknowledge() {
+  std::vector<std::string> files = std::exchange(failed_, {});
+  std::erase(files, "");
+  if (!files.empty()) Start([files = std::move(files)](MailSender& sender) { sender.Acknowledge(files); });
+  ShowState();
+}
+
+void SmtpMail::ShowState() {
+  if (events_ != nullptr) events_->StateChanged();
 }
 
 }  // namespace orven

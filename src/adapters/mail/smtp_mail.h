@@ -3,31 +3,34 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
+#include "adapters/mail/mail_queue.h"
+#include "adapters/mail/mail_sender.h"
 #include "adapters/mail/mail_settings.h"
 #include "adapters/mail/outbox.h"
 #include "base/worker.h"
+#include "platform/clock.h"
 #include "platform/event_loop.h"
 #include "platform/mail.h"
 
 namespace orven {
 
-/// The mail control over SMTP (RFC 5321): on its own thread, one mail at a time, first in first out. STARTTLS
-/// is used when the server offers it; certificates are verified. A mail that fails is not retried, whatever
-/// the reason.
+/// The mail control over SMTP (RFC 5321): on its own thread, one mail at a time, as MailQueue orders them.
+/// STARTTLS is used when the server offers it; certificates are verified.
 class SmtpMail final : public MailControl {
  public:
-  /// Called on the user-interface thread by Send and Resume.
+  /// The login, and the server where all mails go; an empty server: each to the one it was handed over with.
+  /// Called on the user-interface thread before each try: what is corrected there helps mails that wait.
   using Account = std::function<MailAccount()>;
-  /// Called on the user-interface thread, also inside Send and Resume, when the outbox fails; the mail
-  /// itself may still be sent.
+  /// Called on the user-interface thread, also inside this object's functions, when the outbox fails; the
+  /// mail itself may still be sent.
   using Warning = std::function<void(const std::string& text)>;
 
-  /// `outbox_folder` is created when it is needed; `loop` outlives this object.
-  SmtpMail(EventLoop& loop, std::string outbox_folder, Account account, Warning warning = {},
-           MailLimits limits = {});
+  /// `outbox_folder` is created when it is needed; `loop` and `clock` outlive this object.
+  SmtpMail(EventLoop& loop, const Clock& clock, std::string outbox_folder, Account account,
+           Warning warning = {}, MailLimits limits = {});
 
   /// Returns within a second, whatever the server does. Mails that are not sent yet stay in the outbox.
   ~SmtpMail() override;
@@ -39,24 +42,43 @@ class SmtpMail final : public MailControl {
   /// Writes the mail's details (not the attachment) to the outbox before it returns. When that fails
   /// (a full disk), `warning` is called and the mail is sent all the same.
   void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
-            const std::string& recipient, const std::string& subject, const std::string& attachment) override;
+            const std::string& recipient, const std::string& subject, const std::string& attachment,
+            const std::string& text) override;
 
-  /// Sends what earlier runs left in the outbox: once, after start, before the first Send. A damaged
-  /// file is set aside and raises Error without a recipient.
+  MailState State() const override;
+  void TryNow() override;
+  void Acknowledge() override;
+
+  /// Sends what earlier runs left in the outbox, at once and before all other mails: once, after start,
+  /// before the first Send. A damaged file is set aside and raises Error without a recipient.
   void Resume();
 
  private:
-  class Sender;
+  MailSender::Reports Reports();
   std::string Keep(const Envelope& envelope);
-  void Queue(std::string file, std::optional<Envelope> envelope);
+  bool Start(std::function<void(MailSender&)> task);
+  void Found(FoundMails found);
+  void SendNext();
+  void LookAgain();
+  void ShowProgress(std::int64_t total, std::int64_t sent);
+  void Tried(const TriedMail& tried);
+  void ShowState();
 
+  EventLoop& loop_;
+  const Clock& clock_;
   Account account_;
   Warning warning_;
   Outbox outbox_;
   MailEvents* events_ = nullptr;
+  MailQueue queue_;
+  bool loading_ = false;             ///< older mails come first
+  QueuedMail* current_ = nullptr;    ///< the mail being sent; it stays in the queue
+  std::vector<std::string> failed_;  ///< files of failed mails that are not acknowledged; empty: without one
+  Words reason_;                     ///< why the latest try failed
+  std::unique_ptr<Timer> look_;      ///< runs while mails wait
   Lifeline lifeline_;
   Worker worker_;
-  std::shared_ptr<Sender> sender_;  ///< shared with the worker's tasks
+  std::shared_ptr<MailSender> sender_;  ///< shared with the worker's tasks
 };
 
 }  // namespace orven

@@ -59,14 +59,15 @@ std::string NameForPeople(const std::string& server) {
 
 MailTests::Test SmtpTests::SendTestMail(const MailAccount& account, const std::string& sender,
                                         const std::string& recipient, Done done) {
-  Envelope envelope{.message_id = NewMessageId(sender),
-                    .date = MailDate(std::time(nullptr)),
-                    .server = account.server,
-                    .sender = sender,
-                    .sender_name = "ORVEN",
-                    .recipient = recipient,
-                    .subject = translation_(Words("Test mail from ORVEN")),
-                    .attachment = {}};
+  Envelope envelope;
+  envelope.message_id = NewMessageId(sender);
+  envelope.date = MailDate(std::time(nullptr));
+  envelope.server = account.server;
+  envelope.sender = sender;
+  envelope.sender_name = "ORVEN";
+  envelope.recipient = recipient;
+  envelope.subject = translation_(Words("Test mail from ORVEN"));
+  envelope.text = translation_(Words("The mail settings work: calls can be mailed to this address.")) + "\n";
   auto work = [envelope = std::move(envelope), account, limits = limits_](Cancellation& cancellation) {
     const auto outcome = SendMail(envelope, {}, account, limits, cancellation);
     if (outcome.state != MailOutcome::State::Accepted) return Failed(outcome.failure);

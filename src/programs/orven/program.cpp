@@ -97,7 +97,7 @@ Program::Program(Folders folders)
       colours_(HasDisplay()),
       sleep_([this](const std::string& text) { Report(text); }),
       mail_(
-          loop_, home_.Path(kOutbox), [this] { return Account(); },
+          loop_, clock_, home_.Path(kOutbox), [this] { return Account(); },
           [this](const std::string& text) { Report(text); }),
       mail_tests_(loop_, &InUsersLanguage),
       program_dialogs_(Ports(), [this] { cards_.Look(); }),
@@ -107,7 +107,7 @@ Program::Program(Folders folders)
   window_.Machine().line.Listen([this](const LineHealth& line) { TellOfTrouble(line); });
   program_dialogs_.Attach(window_.Machine(), frame_);
   program_dialogs_.AttachCheckUp(
-      own_caller_, [this] { return PortsForCheckUp(); }, [this] { return MailAccountNow(); });
+      own_caller_, [this] { return PortsForCheckUp(); }, [this] { return Account(); });
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
@@ -124,9 +124,10 @@ Program::Program(Folders folders)
 Program::~Program() = default;
 
 EnginePorts Program::Ports() {
-  return {clock_,     loop_,           files_,      background_, registry_,      dialogs_,   shell_,
-          mouse_,     mail_,           mail_tests_, database_,   lines_,         line_wave_, desk_wave_,
-          waveforms_, take_waveforms_, uDat_,       cards_,      notifications_, sleep_};
+  return {clock_,         loop_,      files_,          background_,     registry_, dialogs_,
+          shell_,         mouse_,     mail_,           mail_tests_,     database_, lines_,
+          line_wave_,     desk_wave_, waveforms_,      take_waveforms_, uDat_,     cards_,
+          notifications_, sleep_,     &InUsersLanguage};
 }
 
 /// No program can place a window on Wayland, or keep it on top without the focus.
@@ -158,18 +159,10 @@ void Program::CheckForOther(const InstanceLink::Answer& answer) {
     answer({results.AnyBad() ? EXIT_FAILURE : EXIT_SUCCESS, results.Text()});
     loop_.Post(lifeline_.Bind([this] { checks_.remove_if([](const auto& one) { return one.answered; }); }));
   };
-  check.check_up =
-      std::make_unique<CheckUp>(window_.Machine().ForCheckUp(check.ports->lines, check.ports->reader,
-                                                             [this] { return MailAccountNow(); }),
-                                changed);
+  check.check_up = std::make_unique<CheckUp>(
+      window_.Machine().ForCheckUp(check.ports->lines, check.ports->reader, [this] { return Account(); }),
+      changed);
   check.check_up->Start();
-}
-
-/// The mail server of the settings, with its login.
-MailAccount Program::MailAccountNow() {
-  auto account = Account();
-  account.server = window_.Machine().settings.SMTPServer;
-  return account;
 }
 
 std::string Program::HelperPath() const {
@@ -183,12 +176,13 @@ AutostartSource Program::Autostart() const {
           .folder_by_environment = !qEnvironmentVariableIsEmpty("ORVEN_HOME")};
 }
 
+/// The mail server of the settings, with its login.
 MailAccount Program::Account() {
   const auto stored = [this](const char* name) {
     auto text = GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, name);
     return text == kNotFound ? std::string() : text;
   };
-  MailAccount account{.user = stored("SMTPUser"), .password = stored("SMTPPass")};
+  MailAccount account{stored("SMTPServer"), stored("SMTPUser"), stored("SMTPPass")};
   account.require_encryption = !account.user.empty() && stored("SMTPSecure") != "0";
   return account;
 }

@@ -82,7 +82,6 @@ class Program {
   std::string HelperPath() const;
   AutostartSource Autostart() const;
   MailAccount Account();
-  MailAccount MailAccountNow();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<TelephoneDevice> MakeLines();

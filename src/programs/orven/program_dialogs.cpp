@@ -167,13 +167,14 @@ void ProgramDialogs::OpenLog() {
 
 ActionsDialog::Parts ProgramDialogs::ForActions() {
   auto& machine = *machine_;
-  return {machine.store, machine.log,  ports_.dialogs,
-          ports_.shell,  ports_.clock, [&machine] { machine.store.GetMainAction(); }};
+  return {machine.store, machine.log, ports_.dialogs, ports_.shell, ports_.clock, ports_.Mail1,
+          ports_.mail_tests, [&machine] { machine.store.GetMainAction(); }};
 }
 
 void ProgramDialogs::OpenActions(int tab) {
   ActionsDialog engine(ForActions());
   frmActions(engine, tab, window_).exec();
+  ports_.Mail1.Acknowledge();  // the dialog has shown it
 }
 
 }  // namespace orven

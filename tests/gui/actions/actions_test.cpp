@@ -26,7 +26,7 @@ class ActionsWindow : public WindowTest {
 
   int saved = 0;
   ActionsDialog dialog{{world.Machine().store, world.Machine().log, world.dialogs, world.shell, world.time,
-                        [this] { ++saved; }}};
+                        world.Mail1, world.mail_tests, [this] { ++saved; }}};
   std::unique_ptr<frmActions> window;
 };
 
@@ -53,6 +53,24 @@ TEST_F(ActionsWindow, OkGoesToTheFirstWrongFieldAndStoresNothing) {
   ExpectStored({{"AppTo", "say <NAME>"}});
   Do("chkSendToMail=false txtSendToMail= txtAppTo= cmdOK");
   EXPECT_TRUE(saved == 1 && !window->isVisible()) << "fields of a disabled action are not checked";
+  EXPECT_EQ(world.Mail1.tries_now, 1) << "what has waited for the right settings";
+}
+
+TEST_F(ActionsWindow, ATestMailIsSentWithWhatIsInTheFieldsAndItsResultIsShown) {
+  world.Mail1.state = {.waiting = 2, .reason = "mail refuses connections"};
+  Open(0);
+  ExpectShown({{"lblMailResult", "2 mails wait: mail refuses connections"}});
+  Fill();
+  Do("txtSMTPUser=anna txtSMTPPass=s3cret cmdTestMail");
+  EXPECT_FALSE(Get<QPushButton>("cmdTestMail").isEnabled());
+  const auto& [server, user, password, encrypted] = world.mail_tests.account;
+  EXPECT_EQ(server + user + password + world.mail_tests.sender + world.mail_tests.recipient,
+            "mailannas3cretorven@example.organna@example.org");
+  EXPECT_EQ(encrypted, Get<QCheckBox>("chkSMTPSecure").isChecked());
+  world.mail_tests.done({false, Words("mail refuses %1.").Arg("connections")});
+  ExpectShown({{"lblMailResult", "mail refuses connections."}});
+  EXPECT_TRUE(Get<QPushButton>("cmdTestMail").isEnabled());
+  ExpectStored({{"AppTo", "say <NAME>"}});
 }
 
 TEST_F(ActionsWindow, TestRunsTheProgramWithMadeUpDetailsAndCancelStoresNothing) {

@@ -89,8 +89,8 @@ class SettingsRows : public WindowTest {
   AnsweringMachine& machine = world.Machine();
   OptionsDialog options{machine.ForOptionsDialog()};
   GreetingPlayer greetings{machine.ForGreetingPlayer([] { return std::nullopt; })};
-  ActionsDialog actions{{machine.store, machine.log, world.dialogs, world.shell, world.time,
-                         [this] { machine.store.GetMainAction(); }}};
+  ActionsDialog actions{{machine.store, machine.log, world.dialogs, world.shell, world.time, world.Mail1,
+                         world.mail_tests, [this] { machine.store.GetMainAction(); }}};
   EventsDialog events{{machine.settings, machine.store, machine.home, world.files, machine.sounds,
                        machine.player, world.dialogs, machine.caller_view}};
   LogProperties log{machine.settings, machine.store, machine.log, [] {}};

@@ -165,6 +165,16 @@ TEST_F(Window, IconsFollowADarkOrLightDesktopAndTheClockIsShown) {
   window.ShowClock("23:59:59", "12/31/2026");
   const auto panel = [&](const char* name) { return desk.Get<QLabel>(name).text(); };
   EXPECT_EQ(panel("StatusBar1.Panel2") + panel("StatusBar1.Panel3"), "23:59:5912/31/2026");
+  auto& mail = desk.Get<QToolButton>("cmdMail");
+  EXPECT_FALSE(mail.isVisible());
+  const auto text = "2 mails wait: smtp.example.org & " + std::string(300, 'x');
+  window.ShowMail(text);
+  EXPECT_TRUE(mail.isVisible() && mail.width() < 300 && mail.text().startsWith("2 mails wait: smtp"));
+  EXPECT_EQ(mail.accessibleName().toStdString(), text);
+  mail.click();
+  EXPECT_EQ(desk.dialog_factory.opened.back(), std::pair(Dialog::frmActions, 0));
+  window.ShowMail("");
+  EXPECT_FALSE(mail.isVisible());
 }
 
 TEST_F(Window, IsPlacedWhereItWasAndAlwaysOnAScreen) {

@@ -36,8 +36,8 @@ struct QtShellTest : testing::Test {
     std::filesystem::permissions(folder / name, std::filesystem::perms::owner_all);
     return folder / name;
   }
-  std::string OutputOf(const std::string& command) {
-    shell.Run(command, 2);
+  std::string OutputOf(const std::string& command, const Environment& added = {}) {
+    shell.Run(command, 2, added);
     EXPECT_TRUE(QTest::qWaitFor([&] { return folder.Count("out") == 1; }, 20'000)) << command;
     const auto output = ContentOf(folder / "out");
     std::filesystem::remove(folder / "out");
@@ -81,13 +81,14 @@ TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
 
 TEST_F(QtShellTest, NoCallerNameBreaksOutOfItsQuotesAndNoSocketIsInherited) {
   const int line = ::socket(AF_INET, SOCK_DGRAM, 0);  // without close-on-exec, as libraries open them
-  const auto program = Program("tell", "printf '%s\\n' \"$@\"; ls -l /proc/$$/fd | grep -c socket:");
+  const auto program = Program("tell", "printf '%s\\n' \"$@\" \"$ORVEN_NAME\"; ls -l /proc/$$/fd | grep -c socket:");
   for (const char* name :
        {"Anna Garden", "", "$(touch evil)", "`touch evil`", "a & touch evil", "x\" \"--evil",
         "'; touch evil; '", "\\", "--help", "a\nb", "> evil", "*", "%s%n", "Zoë 😀", "<NUMBER>"}) {
     const auto clean = CleanCallerText(name);
     auto command = "\"" + program + "\" \"<NAME>\" last";
-    EXPECT_EQ(OutputOf(SubstituteParameters(command, {clean, "555", "", "", ""})), clean + "\nlast\n0\n");
+    EXPECT_EQ(OutputOf(SubstituteParameters(command, {clean, "555", "", "", ""}), {{"ORVEN_NAME", clean}}),
+              clean + "\nlast\n" + clean + "\n0\n");
     EXPECT_EQ(folder.Count("evil"), 0U) << name;
   }
   ::close(line);
@@ -103,7 +104,7 @@ TEST_F(QtShellTest, AHelperIsStartedUnderItsAliasAndAFailedStartNamesTheProgram)
                                                             {folder / "TTS.exe", 53, folder / "helper"}};
   for (const auto& [command, number, named] : rows) {
     try {
-      shell.Run(command, 2);
+      shell.Run(command, 2, {});
       ADD_FAILURE() << command;
     } catch (const RuntimeError& error) {
       EXPECT_TRUE(error.Number() == number && std::string(error.what()).find(named) != std::string::npos)

@@ -4,7 +4,8 @@
 
 mail_server.py FOLDER starttls|smtps       encrypted; requires the user "desk" and the password "s3cret+ü"
 mail_server.py FOLDER [STEP ACTION]        fails once, at CONNECT, EHLO, MAIL, RCPT, DATA, BODY or QUIT: ACTION is
-                                           a reply, "stall", "close", "garbage" or "pause"
+                                           a reply, "stall", "close", "garbage" or "pause"; or "away", which
+                                           closes each connection while there is a file FOLDER/away
 
 Writes its port to FOLDER/port and its certificate to FOLDER/cert.pem, and creates FOLDER/stalled when it fails. The
 n-th mail, parsed by Python's email package, is written to FOLDER/n.fields and its attached file to FOLDER/n.wav.
@@ -40,7 +41,7 @@ class Handler:
         fields = {name: message[name] for name in ("From", "To", "Subject", "Message-ID", "MIME-Version", "Bcc")}
         fields["Seconds"] = int(email.utils.parsedate_to_datetime(message["Date"]).timestamp())
         fields["Parts"] = " ".join(part.get_content_type() for part in parts)
-        fields["Body"] = parts[0].get_content_charset() + " " + parts[0].get_content().strip("\r\n")
+        fields["Body"] = parts[0].get_content_charset() + " " + "|".join(parts[0].get_content().splitlines())
         fields["File"] = files[0].get_filename() if files else ""
         fields["Longest"] = max(len(line) for line in envelope.content.split(b"\r\n"))
         fields["Defects"] = sum(len(part.defects) for part in message.walk())
@@ -63,7 +64,7 @@ class Faulty(SMTP):
         await getattr(self, "smtp_" + name)(argument)
 
     async def push(self, status):
-        if self.step == KIND and not count["failed"]:
+        if self.step == KIND and (os.path.exists(FOLDER + "/away") if ACTION == "away" else not count["failed"]):
             count["failed"] = 1
             await self.fail()
         if not self.silent:
@@ -76,7 +77,7 @@ class Faulty(SMTP):
             await asyncio.sleep(1.5)
         elif ACTION == "stall":
             await asyncio.Event().wait()
-        elif ACTION == "close":
+        elif ACTION in ("close", "away"):
             self.transport.abort()
         elif ACTION == "garbage":
             self._writer.write(b"\x00\xff garbage \r\n" * 1000)

@@ -39,7 +39,7 @@ Desk::Desk(const std::string& settings, std::unique_ptr<LineDriver> driver)
   engine = std::make_unique<MainWindow>(
       EnginePorts{clock,     loop,           files,      background, registry,      dialogs, shell,
                   mouse,     Mail1,          mail_tests, database,   *Tapi1,        *Wave1,  WavePlay,
-                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep},
+                  waveforms, take_waveforms, uDat,       cards,      notifications, sleep,   &Words::English},
       window.Views(other_views.caller_view), folder, system, dialog_factory, [this] { ++ends; });
   window.Attach(*engine);
 }

@@ -57,7 +57,9 @@ TEST_F(ActionsTest, MailAndProgramFollowACallOnce) {
   LeaveAMessage("Anna");
   EXPECT_THAT(Mail1.mails,
               ElementsAre(ScriptedMail::Mail{"mail.example.org", "box@example.org", "ORVEN", "me@example.org",
-                                             "New Call From Anna - 555", CurrentCall().message_path}));
+                                             "New Call From Anna - 555", CurrentCall().message_path,
+                                             "Caller: Anna\nNumber: 555\nDate: 12/31/2003\nTime: " +
+                                                 CurrentCall().time + "\nMessage: 2 seconds, attached\n"}));
   EXPECT_THAT(shell.started, ElementsAre(std::pair("/bin/notify \"Anna\" 555", 0)));
   Machine().actions.DoActions("App", Machine().call);
   EXPECT_EQ(shell.started.size(), 1U);
@@ -66,12 +68,24 @@ TEST_F(ActionsTest, MailAndProgramFollowACallOnce) {
   LeaveAMessage("Ben");
   EXPECT_THAT(shell.started.back(), testing::Pair("/bin/notify \"Anna\" 555", 1))
       << "the template stays filled until the settings are read again";
+  EXPECT_EQ(shell.environment, (Environment{{"ORVEN_NAME", "Ben"},
+                                            {"ORVEN_NUMBER", "555"},
+                                            {"ORVEN_DATE", CurrentCall().date},
+                                            {"ORVEN_TIME", CurrentCall().time},
+                                            {"ORVEN_MESSAGE", CurrentCall().message_path},
+                                            {"ORVEN_LENGTH", "2"}}));
   Machine().store.GetMainAction();
   LeaveAMessage("Ben");
   EXPECT_EQ(shell.started.back().first, "/bin/notify \"Ben\" 555");
   shell.before_start = [] { throw RuntimeError(ErrorNumber::FileNotFound, "/bin/notify"); };
   LeaveAMessage("Anna");
   EXPECT_THAT(SystemLog(), testing::Contains("Error Send To APP ->53 File not found: /bin/notify"));
+  shell.before_start = [] {};
+  Machine().settings.ActionsMailAllCalls = 1;
+  CallAndWaitForAnswer();
+  HangUp();
+  EXPECT_THAT(Mail1.mails.back().text, testing::HasSubstr("\nNo message was left.\n"));
+  EXPECT_THAT(shell.environment, testing::Contains(testing::Pair("ORVEN_MESSAGE", "")));
 }
 
 TEST_F(ActionsTest, ShowsTheProgressOfAMail) {
@@ -96,6 +110,19 @@ TEST_F(ActionsTest, ShowsTheProgressOfAMail) {
   mail.Error("me@example.org", "the server said no");
   EXPECT_NE(views.Status(), "Send Mail : 100 %");
   EXPECT_TRUE(Logged("Error Sending To Mail To : me@example.org Becouse:the server said no"));
+
+  const std::tuple<std::size_t, std::size_t, const char*> states[] = {
+      {1, 0, "A mail waits: no answer"},
+      {2, 0, "2 mails wait: no answer"},
+      {0, 1, "A mail failed: no answer"},
+      {0, 3, "3 mails failed: no answer"},
+      {2, 1, "Mails: 1 failed, 2 not sent yet: no answer"},
+      {0, 0, ""}};
+  for (const auto& [waiting, failed, shown] : states) {
+    Mail1.state = {waiting, failed, false, "no answer"};
+    mail.StateChanged();
+    EXPECT_EQ(views.mails, shown);
+  }
 }
 
 /// The state that a kill at one moment leaves: files, records, and the number of mails sent.
@@ -122,7 +149,9 @@ TEST_P(DueMail, IsSentOnceAndTheProgramIsNotStartedAgain) {
   RunFor(2s);
   database_full = GetParam();
   std::vector<Moment> moments;
-  const auto take = [&] { moments.push_back({files, database.Records(), database.open, Mail1.mails.size()}); };
+  const auto take = [&] {
+    moments.push_back({files, database.Records(), database.open, Mail1.mails.size()});
+  };
   files.before_write = [&](const std::string&) { take(); };
   database.before_write = [&, write = database.before_write] { take(), write(); };
   HangUp();
@@ -150,7 +179,8 @@ TEST_P(DueMail, IsSentOnceAndTheProgramIsNotStartedAgain) {
   }
   EXPECT_EQ(0U, sent.front()) << "an interrupted call triggers no action";
   EXPECT_EQ(1U, sent.back());
-  EXPECT_LE(std::ranges::count(sent, 2U), GetParam() ? 2 : 1) << "only a kill between sending and noting it may send it twice";
+  EXPECT_LE(std::ranges::count(sent, 2U), GetParam() ? 2 : 1)
+      << "only a kill between sending and noting it may send it twice";
   for (auto& mails : sent) mails = std::min<std::size_t>(mails, 1);
   EXPECT_TRUE(std::ranges::is_sorted(sent)) << "a mail that is due stays due";
 }
