@@ -128,7 +128,7 @@ class MailTest : public ::testing::Test, public MailEvents {
   const std::string outbox_ = folder_ / "Outbox";
   MailLoop loop_;
   MailAccount account_;
-  MailLimits limits_{std::chrono::milliseconds(700), std::chrono::seconds(20), ""};
+  MailLimits limits_{std::chrono::seconds(2), std::chrono::seconds(20), ""};
   std::pair<int, int> progress_;
   std::vector<std::string> told_;
   std::size_t heard_ = 0;
