@@ -37,11 +37,7 @@ AnsweringMachine::AnsweringMachine(EnginePorts ports, MainWindowViews views,
       list_commands({ListView1, calls, player, ports.dialogs, ports.mouse, views.list, settings,
                      [this] { return SelectionTaken(); }}),
       status(views.line),
-      line_alarm(ports.loop, ports.notifications,
-                 [this] {
-                   window_hidden = false;
-                   views_.frame.Restore();
-                 }),
+      line_alarm(ports.loop, ports.notifications, bring_to_front),
       line({ports.loop, ports.Tapi1, ports.dialogs, log, status}, store, settings),
       steps(store, settings, ports.Tapi1),
       control({ports.Tapi1, ports.Wave1, log, settings, home, call, line, open_calls}),
