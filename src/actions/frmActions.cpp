@@ -6,6 +6,7 @@
 
 #include "widgets/controls.h"
 #include "widgets/dialog_parts.h"
+#include "widgets/growing_page.h"
 #include "widgets/translation.h"
 
 namespace orven {
@@ -52,7 +53,8 @@ void frmActions::AddMailTest(QFormLayout& form, QWidget* page) {
   row->addWidget(cmdTestMail_);
   row->addStretch();
   form.addRow(QString(), row);
-  mail_result_ = MakeText("lblMailResult", page, Shown(engine_.MailProblem()));
+  mail_result_ = MakeChild<WholeText>("lblMailResult", page, kFieldWidth);
+  mail_result_->setText(Shown(engine_.MailProblem()));
   form.addRow(mail_result_);
   connect(cmdTestMail_, &QPushButton::clicked, this, &frmActions::TestMail);
 }

@@ -67,8 +67,12 @@ TEST_F(ActionsWindow, ATestMailIsSentWithWhatIsInTheFieldsAndItsResultIsShown) {
   EXPECT_EQ(server + user + password + world.mail_tests.sender + world.mail_tests.recipient,
             "mailannas3cretorven@example.organna@example.org");
   EXPECT_EQ(encrypted, Get<QCheckBox>("chkSMTPSecure").isChecked());
-  world.mail_tests.done({false, Words("mail refuses %1.").Arg("connections")});
-  ExpectShown({{"lblMailResult", "mail refuses connections."}});
+  std::string reason = "mail refuses";
+  for (int i = 0; i < 50; ++i) reason += " your connections";
+  world.mail_tests.done({false, Words("%1.").Arg(reason)});
+  ExpectShown({{"lblMailResult", reason + "."}});
+  const auto& result = Get<QLabel>("lblMailResult");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return result.height() >= result.heightForWidth(result.width()); }));
   EXPECT_TRUE(Get<QPushButton>("cmdTestMail").isEnabled());
   ExpectStored({{"AppTo", "say <NAME>"}});
 }
