@@ -40,7 +40,7 @@ bool MakeSetup(const QString& folder, const QByteArray& name) {
   SetupAssistant engine(
       {desk.loop,
        {lines, desk.dialogs, machine.log, machine.store, machine.settings, [] { return true; }},
-       {machine.store, machine.log, desk.dialogs, desk.shell, desk.clock, [] {}},
+       {machine.store, machine.log, desk.dialogs, desk.shell, desk.clock, desk.Mail1, desk.mail_tests, [] {}},
        machine.store,
        machine.settings,
        machine.steps,
