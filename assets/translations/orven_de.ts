@@ -212,29 +212,6 @@
     </message>
 </context>
 <context>
-    <name>frmLineEdit</name>
-    <message>
-        <source>Automatic (as the server&apos;s name says, else UDP)</source>
-        <translation>Automatisch (wie beim Servernamen hinterlegt, sonst UDP)</translation>
-    </message>
-    <message>
-        <source>UDP</source>
-        <translation>UDP</translation>
-    </message>
-    <message>
-        <source>TCP</source>
-        <translation>TCP</translation>
-    </message>
-    <message>
-        <source>TLS with SRTP (encrypted)</source>
-        <translation>TLS mit SRTP (verschlüsselt)</translation>
-    </message>
-    <message>
-        <source>TLS (sound not encrypted)</source>
-        <translation>TLS (Ton unverschlüsselt)</translation>
-    </message>
-</context>
-<context>
     <name>orven</name>
     <message>
         <source>&apos;E-Mail To&apos; Is Invalid</source>
@@ -454,7 +431,7 @@
     </message>
     <message>
         <source>Hear my messages from another telephone</source>
-        <translation>Fernabfrage: Nachrichten von einem anderen Telefon hören</translation>
+        <translation>Nachrichten von einem anderen Telefon abhören</translation>
     </message>
     <message>
         <source>Call this machine, key the password while the greeting plays, then the star key. The password works whether this is checked or not</source>
@@ -2819,6 +2796,26 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>A file that describes the calls to simulate</source>
         <translation>Eine Datei, die die simulierten Anrufe beschreibt</translation>
+    </message>
+    <message>
+        <source>Automatic (as the server&apos;s name says, else UDP)</source>
+        <translation>Automatisch (wie beim Servernamen hinterlegt, sonst UDP)</translation>
+    </message>
+    <message>
+        <source>UDP</source>
+        <translation>UDP</translation>
+    </message>
+    <message>
+        <source>TCP</source>
+        <translation>TCP</translation>
+    </message>
+    <message>
+        <source>TLS with SRTP (encrypted)</source>
+        <translation>TLS mit SRTP (verschlüsselt)</translation>
+    </message>
+    <message>
+        <source>TLS (sound not encrypted)</source>
+        <translation>TLS (Ton unverschlüsselt)</translation>
     </message>
 </context>
 <context>

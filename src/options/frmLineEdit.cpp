@@ -25,12 +25,12 @@ struct Transport {
 };
 
 constexpr std::array kTransports{
-    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "Automatic (as the server's name says, else UDP)"), "auto",
-              ""},
-    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "UDP"), "udp", ""},
-    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TCP"), "tcp", ""},
-    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TLS with SRTP (encrypted)"), "tls", ""},
-    Transport{QT_TRANSLATE_NOOP("frmLineEdit", "TLS (sound not encrypted)"), "tls", "no"},
+    Transport{QT_TRANSLATE_NOOP("orven::frmLineEdit", "Automatic (as the server's name says, else UDP)"),
+              "auto", ""},
+    Transport{QT_TRANSLATE_NOOP("orven::frmLineEdit", "UDP"), "udp", ""},
+    Transport{QT_TRANSLATE_NOOP("orven::frmLineEdit", "TCP"), "tcp", ""},
+    Transport{QT_TRANSLATE_NOOP("orven::frmLineEdit", "TLS with SRTP (encrypted)"), "tls", ""},
+    Transport{QT_TRANSLATE_NOOP("orven::frmLineEdit", "TLS (sound not encrypted)"), "tls", "no"},
 };
 
 /// Encryption that was written by hand in the file belongs to the first entry with its transport, except that

@@ -21,7 +21,10 @@ class frmSetupAway : public QWidget {
   /// As SetupView has them.
   void Show(const Choices& choices);
   Choices Taken() const { return form_.Taken(); }
-  void ShowWrong(const SettingRow& row) { form_.Get(row.name).setFocus(); }
+  /// A box has said what is wrong, perhaps of a value that only the actions dialog shows.
+  void ShowWrong(const SettingRow& row) {
+    if (Taken().contains(row.name)) form_.Get(row.name).setFocus();
+  }
 
  private:
   void AddMail();

@@ -260,7 +260,8 @@ bool SetupAssistant::StoreAway() {
   }
   choices.erase(kPassword);
   choices.insert(away_.begin(), away_.end());  // what the page does not show
-  if (choices.On("pMailTo") && choices.Text("MailFrom").empty()) choices["MailFrom"] = choices.Text("MailTo");
+  if (choices.On("pMailTo") && !IsMailAddress(choices.Text("MailFrom")))
+    choices["MailFrom"] = choices.Text("MailTo");
   away_.erase(kPassword);
   if (choices == away_) return true;
   const auto* wrong = actions_.Ok(choices);

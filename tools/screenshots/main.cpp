@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // orven_screenshots FOLDER: writes screenshots of the windows as
-// PNG files, each from a separate process, because Qt sets the scale factor when a program starts.
+// PNG files, in the language of the desktop (LANGUAGE=de), each from a separate process, because Qt sets the scale
+// factor when a program starts.
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
+#include <QLocale>
 #include <QProcess>
 #include <QStyleFactory>
 #include <cmath>
@@ -14,6 +16,7 @@
 #include "records/call.h"
 #include "screenshots/pictures.h"
 #include "support/desk/desk.h"
+#include "widgets/translation.h"
 
 namespace orven::test {
 namespace {
@@ -129,11 +132,13 @@ int MakeOne(int argc, char** argv, const QString& folder) {
     if (!name.startsWith(dialog.begins)) continue;
     if (name.endsWith("scaled")) qputenv("QT_SCALE_FACTOR", "2");
     const QApplication application(argc, argv);
+    ShowIn(QLocale::system().uiLanguages());
     return dialog.make(folder, name) ? 0 : 1;
   }
   const auto& scene = kScenes[name.toUInt()];
   qputenv("QT_SCALE_FACTOR", scene.scale);
   const QApplication application(argc, argv);
+  ShowIn(QLocale::system().uiLanguages());
   return Make(scene, folder);
 }
 
