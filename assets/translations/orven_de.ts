@@ -170,10 +170,6 @@
 <context>
     <name>SipAgent</name>
     <message>
-        <source>A setting of the line is wrong, %1: correct it in Options, Devices</source>
-        <translation>Eine Angabe der Leitung ist falsch, %1: unter Einstellungen, Geräte berichtigen</translation>
-    </message>
-    <message>
         <source>%1 (%2 of %3 accounts work)</source>
         <translation>%1 (%2 von %3 Konten arbeiten)</translation>
     </message>
@@ -1211,6 +1207,30 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>No modem is plugged in.</source>
         <translation>Kein Modem angeschlossen.</translation>
     </message>
+    <message>
+        <source>Mails: %1 failed, %2 not sent yet: %3</source>
+        <translation>E-Mails: %1 fehlgeschlagen, %2 noch nicht gesendet: %3</translation>
+    </message>
+    <message>
+        <source>A mail failed: %1</source>
+        <translation>Eine E-Mail ist fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>%1 mails failed: %2</source>
+        <translation>%1 E-Mails sind fehlgeschlagen: %2</translation>
+    </message>
+    <message>
+        <source>A mail waits: %1</source>
+        <translation>Eine E-Mail wartet: %1</translation>
+    </message>
+    <message>
+        <source>%1 mails wait: %2</source>
+        <translation>%1 E-Mails warten: %2</translation>
+    </message>
+    <message>
+        <source>A setting of the line is wrong, %1: correct it in Options, Devices</source>
+        <translation>Eine Angabe der Leitung ist falsch, %1: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
 </context>
 <context>
     <name>orven::ActionsEngine</name>
@@ -1221,6 +1241,34 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Mail Was Sent</source>
         <translation>E-Mail wurde gesendet</translation>
+    </message>
+    <message>
+        <source>Message: %1 seconds, attached</source>
+        <translation>Nachricht: %1 Sekunden, im Anhang</translation>
+    </message>
+    <message>
+        <source>A message was left, but it could not be stored.</source>
+        <translation>Eine Nachricht wurde hinterlassen, konnte aber nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>No message was left.</source>
+        <translation>Es wurde keine Nachricht hinterlassen.</translation>
+    </message>
+    <message>
+        <source>Caller: %1</source>
+        <translation>Anrufer: %1</translation>
+    </message>
+    <message>
+        <source>Number: %1</source>
+        <translation>Rufnummer: %1</translation>
+    </message>
+    <message>
+        <source>Date: %1</source>
+        <translation>Datum: %1</translation>
+    </message>
+    <message>
+        <source>Time: %1</source>
+        <translation>Zeit: %1</translation>
     </message>
 </context>
 <context>
@@ -1445,6 +1493,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Mail is switched off.</source>
         <translation>E-Mail ist ausgeschaltet.</translation>
     </message>
+    <message>
+        <source>%1 %2.</source>
+        <translation>%1 %2.</translation>
+    </message>
 </context>
 <context>
     <name>orven::EmptyCallList</name>
@@ -1639,6 +1691,13 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Delete %1 ?</source>
         <translation>%1 löschen?</translation>
+    </message>
+</context>
+<context>
+    <name>orven::MailSender</name>
+    <message>
+        <source>%1; after three days it is not tried again but kept as %2</source>
+        <translation>%1; nach drei Tagen wird sie nicht mehr versucht, sondern als %2 aufbewahrt</translation>
     </message>
 </context>
 <context>
@@ -1852,6 +1911,22 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>Date</source>
         <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Use it now</source>
+        <translation>Jetzt verwenden</translation>
+    </message>
+    <message>
+        <source>%1 is used after the call.</source>
+        <translation>%1 wird nach dem Anruf verwendet.</translation>
+    </message>
+    <message>
+        <source>%1 is chosen.</source>
+        <translation>%1 ist gewählt.</translation>
+    </message>
+    <message>
+        <source>Use %1 now, in place of the line that is open</source>
+        <translation>%1 jetzt anstelle der offenen Leitung verwenden</translation>
     </message>
 </context>
 <context>
@@ -2221,6 +2296,10 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <source>%1 answers and accepts the login.</source>
         <translation>%1 antwortet und nimmt die Anmeldung an.</translation>
     </message>
+    <message>
+        <source>The mail settings work: calls can be mailed to this address.</source>
+        <translation>Die E-Mail-Einstellungen funktionieren: Anrufe können an diese Adresse gesendet werden.</translation>
+    </message>
 </context>
 <context>
     <name>orven::SoundBox</name>
@@ -2488,6 +2567,18 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Started.</source>
         <translation>Gestartet.</translation>
+    </message>
+    <message>
+        <source>Send a test mail</source>
+        <translation>Testmail senden</translation>
+    </message>
+    <message>
+        <source>Send a mail now with what is in the fields, stored or not</source>
+        <translation>Jetzt eine E-Mail mit den Angaben in den Feldern senden, gespeichert oder nicht</translation>
+    </message>
+    <message>
+        <source>Sending a test mail…</source>
+        <translation>Testmail wird gesendet …</translation>
     </message>
 </context>
 <context>
@@ -2817,6 +2908,26 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <source>TLS (sound not encrypted)</source>
         <translation>TLS (Ton unverschlüsselt)</translation>
     </message>
+    <message>
+        <source>&amp;More</source>
+        <translation>Me&amp;hr</translation>
+    </message>
+    <message>
+        <source>What only some providers and networks need</source>
+        <translation>Was nur manche Anbieter und Netze brauchen</translation>
+    </message>
+    <message>
+        <source>Trusted &amp;certificates:</source>
+        <translation>Vertraute &amp;Zertifikate:</translation>
+    </message>
+    <message>
+        <source>A PEM file of the certificates that the server may show with TLS; it is looked for in ORVEN&apos;s folder</source>
+        <translation>Eine PEM-Datei mit den Zertifikaten, die der Server bei TLS zeigen darf; sie wird im Ordner von ORVEN gesucht</translation>
+    </message>
+    <message>
+        <source>those that this computer trusts</source>
+        <translation>die, denen dieser Computer vertraut</translation>
+    </message>
 </context>
 <context>
     <name>orven::frmLineTest</name>
@@ -3127,10 +3238,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>%1 %</translation>
     </message>
     <message>
-        <source>It is used once the line has been turned off and on again.</source>
-        <translation>Sie wird verwendet, sobald die Leitung aus- und wieder eingeschaltet wurde.</translation>
-    </message>
-    <message>
         <source>No device is chosen.</source>
         <translation>Es ist keine Leitung gewählt.</translation>
     </message>
@@ -3205,6 +3312,10 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Remote access</source>
         <translation>Fernabfrage</translation>
+    </message>
+    <message>
+        <source>After OK, &quot;Use it now&quot; in the status bar changes to it.</source>
+        <translation>Nach OK wechselt „Jetzt verwenden“ in der Statusleiste zu ihr.</translation>
     </message>
 </context>
 <context>
