@@ -42,15 +42,16 @@ void MessageFolders::Serve(const std::string& stored, bool moving) {
   const bool full = std::filesystem::path(stored).is_absolute();
   if (full && (moving || files_.Exists(FolderPart(stored)) || !files_.Exists(Own()))) return;
   serving_ = Own();
+  Words note;
   if (full) {
-    note_ =
+    note =
         Words("The setting MassagesPath names a folder that does not exist (%2): messages are stored in %1");
   } else if (stored == kNotFound) {
-    note_ = Words("The setting MassagesPath is missing: messages are stored in %1");
+    note = Words("The setting MassagesPath is missing: messages are stored in %1");
   } else {
-    note_ = Words("The setting MassagesPath is not a full path (\"%2\"): messages are stored in %1");
+    note = Words("The setting MassagesPath is not a full path (\"%2\"): messages are stored in %1");
   }
-  note_ = std::move(note_).Arg(serving_).Arg(stored);
+  note_ = std::move(note).Arg(serving_).Arg(stored);
   log_.WriteSystem(note_.English());
 }
 
