@@ -240,6 +240,8 @@ QComboBox* frmLineEdit::AddList(const char* name, const QString& label, QWidget*
 void frmLineEdit::AddRow(const QString& label, QWidget* field, QWidget* row) {
   if (row != nullptr) static_cast<QHBoxLayout*>(row->layout())->addWidget(field, 1);
   auto* caption = MakeCaption(label, field);
+  // A screen reader looks for the caption beside the field only.
+  field->setAccessibleName(QString(label).remove(u'&').remove(u':'));
   auto* place = MakeChild<QWidget>(this);
   place->setMinimumWidth(kFieldWidth);
   MakeFlat<QVBoxLayout>(place)->addWidget(row != nullptr ? row : field);
