@@ -60,7 +60,6 @@ QWidget* frmSetup::MakeFound() {
   auto* row = MakeChild<QWidget>(this);
   icon_ = MakeChild<QLabel>(row);
   lblFound_ = MakeText("lblFound", row);
-  lblFound_->setAccessibleName(tr("Result of the test"));
   lblFound_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   lblFound_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   lblFound_->setMinimumHeight(kFoundLines * lblFound_->fontMetrics().lineSpacing());

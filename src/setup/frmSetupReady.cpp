@@ -11,16 +11,19 @@
 namespace orven {
 namespace {
 
-/// The picture of a step; a waiting one has none.
+/// The picture of a step; that of a waiting one is blank, so that all rows are alike.
 QIcon PictureOf(OwnCallProgress::State state, const QStyle& style) {
   using enum OwnCallProgress::State;
   switch (state) {
-    case Waiting: return {};
+    case Waiting: break;
     case Running: return style.standardIcon(QStyle::SP_ArrowRight);
     case Done: return style.standardIcon(QStyle::SP_DialogApplyButton);
     case Failed: return style.standardIcon(QStyle::SP_MessageBoxWarning);
   }
-  return {};
+  QPixmap blank(style.pixelMetric(QStyle::PM_ListViewIconSize),
+                style.pixelMetric(QStyle::PM_ListViewIconSize));
+  blank.fill(Qt::transparent);
+  return blank;
 }
 
 }  // namespace
