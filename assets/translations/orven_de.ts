@@ -3352,10 +3352,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>Einrichtungsassistent</translation>
     </message>
     <message>
-        <source>Result of the test</source>
-        <translation>Ergebnis des Tests</translation>
-    </message>
-    <message>
         <source>Use it any&amp;way</source>
         <translation>&amp;Trotzdem verwenden</translation>
     </message>
