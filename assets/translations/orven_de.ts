@@ -2277,6 +2277,10 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <source>No telephone line is chosen.</source>
         <translation>Es ist keine Telefonleitung gewählt.</translation>
     </message>
+    <message>
+        <source>Sending a test mail…</source>
+        <translation>Testmail wird gesendet …</translation>
+    </message>
 </context>
 <context>
     <name>orven::SmtpTests</name>
@@ -3413,6 +3417,18 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>To hear your messages from any telephone, call this machine, key the password while the greeting plays, then the star key.</source>
         <translation>Um Nachrichten von jedem Telefon abzuhören: hier anrufen, während der Ansage das Passwort wählen, danach die Sterntaste.</translation>
+    </message>
+    <message>
+        <source>While it sleeps, nobody answers.</source>
+        <translation>Im Ruhezustand nimmt niemand ab.</translation>
+    </message>
+    <message>
+        <source>Send a test mail</source>
+        <translation>Testmail senden</translation>
+    </message>
+    <message>
+        <source>Send a mail now with what is in the fields, stored or not</source>
+        <translation>Jetzt eine E-Mail mit den Angaben in den Feldern senden, gespeichert oder nicht</translation>
     </message>
 </context>
 <context>

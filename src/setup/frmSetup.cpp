@@ -101,6 +101,7 @@ void frmSetup::Attach(SetupAssistant& engine) {
   connect(greeting_, &frmSetupGreeting::PlayWanted, this, [this] { engine_->PlayGreeting(); });
   connect(greeting_, &frmSetupGreeting::MakeWanted, this,
           [this](CreatorTab tab) { engine_->MakeGreeting(tab); });
+  connect(away_, &frmSetupAway::TestWanted, this, [this] { engine_->TestMail(); });
   connect(ready_, &frmSetupReady::CallWanted, this, [this] { engine_->CallMeNow(); });
 }
 

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 
 #include "widgets/controls.h"
+#include "widgets/dialog_parts.h"
 #include "widgets/password_field.h"
 
 namespace orven {
@@ -14,7 +15,7 @@ constexpr const char* kMail[] = {"MailTo", "SMTPServer", "SMTPUser", "SMTPPass"}
 
 std::vector<const SettingRow*> Rows() {
   auto rows = RowsOf(Group::Actions);
-  rows.push_back(&RowOf("Pass"));
+  for (const char* name : {"Pass", "KeepAwake"}) rows.push_back(&RowOf(name));
   return rows;
 }
 
@@ -35,11 +36,23 @@ frmSetupAway::frmSetupAway(QWidget* parent)
   for (const char* name : kMail) form_.Add(*fields_, name);
   auto& mail = form_.Get<QCheckBox>("pMailTo");
   connect(&mail, &QCheckBox::toggled, this, &frmSetupAway::ShowMail);
+  AddMailTest();
+  form_.Add(*fields_, "KeepAwake");
+  fields_->addRow(MakeText("lblKeepAwake", this, tr("While it sleeps, nobody answers.")));
   ShowMail(false);
+}
+
+void frmSetupAway::AddMailTest() {
+  cmdTestMail_ = MakeButton("cmdTestMail", tr("Send a test mail"),
+                            tr("Send a mail now with what is in the fields, stored or not"), this);
+  cmdTestMail_->setAutoDefault(false);
+  fields_->addRow(QString(), cmdTestMail_);
+  connect(cmdTestMail_, &QPushButton::clicked, this, &frmSetupAway::TestWanted);
 }
 
 void frmSetupAway::ShowMail(bool on) {
   for (const char* name : kMail) fields_->setRowVisible(&form_.Get(name), on);
+  fields_->setRowVisible(cmdTestMail_, on);
 }
 
 void frmSetupAway::Show(const Choices& choices) {

@@ -3,6 +3,7 @@
 
 #include <QFormLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QWidget>
 
 #include "core/settings.h"
@@ -26,12 +27,16 @@ class frmSetupAway : public QWidget {
     if (Taken().contains(row.name)) form_.Get(row.name).setFocus();
   }
 
+ signals:
+  void TestWanted();
+
  private:
-  void AddMail();
+  void AddMailTest();
   void ShowMail(bool on);
 
   SettingsForm form_;
   QFormLayout* fields_;
+  QPushButton* cmdTestMail_ = nullptr;
 };
 
 }  // namespace orven

@@ -20,6 +20,7 @@ constexpr const char* kThisComputer = "127.0.0.1:5060";
 
 /// The settings on page Away, beside those of the mail.
 constexpr const char* kPassword = "Pass";
+constexpr const char* kKeepAwake = "KeepAwake";
 
 bool HasServer(TelephoneKind kind) {
   return kind == TelephoneKind::Router || kind == TelephoneKind::Account;
@@ -48,8 +49,10 @@ void SetupAssistant::Open(SetupPage page) {
   if (page == SetupPage::Greeting) view_.ShowGreeting(parts_.settings.Greeting);
   if (page == SetupPage::Away) {
     actions_.Load([this](const Choices& choices) { away_ = choices; });
-    away_[kPassword] = parts_.settings.Pass;
-    view_.ShowAway(away_);
+    auto shown = away_;
+    shown[kPassword] = parts_.settings.Pass;
+    shown[kKeepAwake] = parts_.store.IsOn(kKeepAwake) ? "1" : "0";
+    view_.ShowAway(shown);
   }
   view_.ShowPage(page);
   if (page != SetupPage::Ready) return;
@@ -253,20 +256,39 @@ void SetupAssistant::MakeGreeting(CreatorTab tab) {
 
 /// False when a mail setting is wrong; a box has told which.
 bool SetupAssistant::StoreAway() {
-  auto choices = view_.Away();
-  if (choices.Text(kPassword) != parts_.settings.Pass) {
-    parts_.settings.Pass = choices.Text(kPassword);
-    parts_.store.Set(kPassword, parts_.settings.Pass);
-  }
-  choices.erase(kPassword);
-  choices.insert(away_.begin(), away_.end());  // what the page does not show
-  if (choices.On("pMailTo") && !IsMailAddress(choices.Text("MailFrom")))
-    choices["MailFrom"] = choices.Text("MailTo");
-  away_.erase(kPassword);
+  const auto shown = view_.Away();
+  parts_.settings.Pass = shown.Text(kPassword);
+  StoreAlone(kPassword, shown);
+  if (StoreAlone(kKeepAwake, shown)) parts_.keep_awake();
+  const auto choices = MailChoices(shown);
   if (choices == away_) return true;
   const auto* wrong = actions_.Ok(choices);
   if (wrong != nullptr) view_.ShowWrong(*wrong);
   return wrong == nullptr;
+}
+
+/// Stores one setting, if it has changed.
+bool SetupAssistant::StoreAlone(const char* setting, const Choices& choices) {
+  const auto value = choices.Text(setting);
+  if (parts_.store.Value(setting) == value) return false;
+  parts_.store.Set(setting, value);
+  return true;
+}
+
+/// The mail's settings with what the page does not show; the owner sends his mails to himself.
+Choices SetupAssistant::MailChoices(Choices choices) const {
+  for (const char* other : {kPassword, kKeepAwake}) choices.erase(other);
+  choices.insert(away_.begin(), away_.end());
+  if (choices.On("pMailTo") && !IsMailAddress(choices.Text("MailFrom")))
+    choices["MailFrom"] = choices.Text("MailTo");
+  return choices;
+}
+
+void SetupAssistant::TestMail() {
+  view_.ShowFound({true, Words("Sending a test mail…")}, false);
+  actions_.TestMail(MailChoices(view_.Away()), [this](const MailTestResult& result) {
+    if (page_ == SetupPage::Away) view_.ShowFound({result.passed, result.text}, false);
+  });
 }
 
 void SetupAssistant::ShowReady() {
@@ -280,7 +302,8 @@ void SetupAssistant::ShowReady() {
       dial = Words("To try it from another telephone at the router, dial %1.").Arg(line.user);
     if (kind == TelephoneKind::Account)
       dial = Words("To try it from another telephone, dial the number of the account %1.").Arg(line.user);
-    view_.ShowLine(Words("%1: %2").Arg(line.name).Arg(row.state), dial);
+    const auto& trouble = parts_.line.Health().trouble;
+    view_.ShowLine(Words("%1: %2").Arg(line.name).Arg(trouble.Empty() ? row.state : trouble), dial);
   } else {
     view_.ShowLine(Words("No telephone line is chosen."), {});
   }

@@ -77,6 +77,7 @@ class SetupAssistant {
     /// Opens the greeting creator on a tab until it is closed.
     std::function<void(CreatorTab tab)> make_greeting;
     OwnCall::Parts own_call;
+    std::function<void()> keep_awake;  ///< the setting `KeepAwake` has changed
   };
 
   SetupAssistant(Parts parts, SetupView& view);
@@ -112,6 +113,9 @@ class SetupAssistant {
   void StopGreeting();
   void MakeGreeting(CreatorTab tab);
 
+  /// Page Away: sends a mail with what is typed.
+  void TestMail();
+
   /// Page Ready.
   void CallMeNow();
 
@@ -130,6 +134,8 @@ class SetupAssistant {
   void Use();
   void OpenChosen();
   bool StoreAway();
+  bool StoreAlone(const char* setting, const Choices& choices);
+  Choices MailChoices(Choices choices) const;
   void ShowReady();
 
   Parts parts_;

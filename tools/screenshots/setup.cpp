@@ -49,7 +49,8 @@ bool MakeSetup(const QString& folder, const QByteArray& name) {
        machine.sounds,
        machine.player,
        [](CreatorTab) {},
-       machine.ForOwnCall(caller)},
+       machine.ForOwnCall(caller),
+       [] {}},
       window);
   window.Attach(engine);
   engine.Open(SetupPage::Telephone);

@@ -118,7 +118,7 @@ void ProgramDialogs::OpenSetup(int page) {
   SetupAssistant engine(
       {ports_.loop, ForLines(), ForActions(), machine.store, machine.settings, machine.steps, machine.line,
        machine.library, machine.sounds, machine.player, [&](CreatorTab tab) { MakeGreeting(&window, tab); },
-       machine.ForOwnCall(*own_caller_)},
+       machine.ForOwnCall(*own_caller_), [&machine] { machine.KeepAwake(); }},
       window);
   window.Attach(engine);
   engine.Open(static_cast<SetupPage>(page));
@@ -167,8 +167,8 @@ void ProgramDialogs::OpenLog() {
 
 ActionsDialog::Parts ProgramDialogs::ForActions() {
   auto& machine = *machine_;
-  return {machine.store, machine.log, ports_.dialogs, ports_.shell, ports_.clock, ports_.Mail1,
-          ports_.mail_tests, [&machine] { machine.store.GetMainAction(); }};
+  return {machine.store, machine.log,  ports_.dialogs,    ports_.shell,
+          ports_.clock,  ports_.Mail1, ports_.mail_tests, [&machine] { machine.store.GetMainAction(); }};
 }
 
 void ProgramDialogs::OpenActions(int tab) {

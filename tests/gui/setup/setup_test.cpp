@@ -49,7 +49,8 @@ class SetupWindow : public WindowTest {
               tabs.push_back(tab);
               world.Machine().settings.Greeting = "Mine";
             },
-            machine.ForOwnCall(caller)},
+            machine.ForOwnCall(caller),
+            [&machine] { machine.KeepAwake(); }},
         *window);
     window->Attach(*engine);
     engine->Open(page);
@@ -204,13 +205,19 @@ TEST_F(SetupWindow, ThePasswordAndTheMailAreStoredAndAWrongAddressKeepsThePage) 
   ExpectShown({{"txtPass", "4711"}});
   Do("txtPass=123456 chkSendToMail=true txtSendToMail=anna cmdNext @txtSendToMail");
   EXPECT_THAT(world.dialogs.informations, SizeIs(1));
-  Do("txtSendToMail=anna@example.org txtSMTP=mail.example.org cmdNext");
+  Do("txtSendToMail=anna@example.org txtSMTP=mail.example.org txtPass=654321 chkKeepAwake=true cmdTestMail");
+  EXPECT_EQ(world.mail_tests.recipient + world.mail_tests.sender + world.mail_tests.account.server,
+            "anna@example.organna@example.orgmail.example.org");
+  world.mail_tests.done({false, "No such server."});
+  ExpectShown({{"lblFound", "No such server."}});
+  Do("cmdNext");
   EXPECT_EQ(Page(), 3);
-  ExpectStored({{"Pass", "123456"},
+  ExpectStored({{"Pass", "654321"},
+                {"KeepAwake", "1"},
                 {"pMailTo", "1"},
                 {"MailTo", "anna@example.org"},
                 {"MailFrom", "anna@example.org"}});
-  EXPECT_EQ(world.Machine().settings.Pass + world.Machine().settings.SMTPServer, "123456mail.example.org");
+  EXPECT_EQ(world.Machine().settings.Pass + world.Machine().settings.SMTPServer, "654321mail.example.org");
 }
 
 TEST_F(SetupWindow, ReadyShowsTheLineAndTicksOffTheStepsOfTheCall) {
