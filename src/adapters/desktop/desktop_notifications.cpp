@@ -35,6 +35,12 @@ QDBusMessage Request(const char* member) {
   return QDBusMessage::createMethodCall(kService, kPath, kService, member);
 }
 
+QDBusMessage OwnerRequest() {
+  return QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                        "org.freedesktop.DBus", "GetNameOwner")
+         << QString(kService);
+}
+
 void SendUnread(std::int32_t count) {
   auto update = QDBusMessage::createSignal("/com/canonical/unity/launcherentry/orven",
                                            "com.canonical.Unity.LauncherEntry", "Update");
@@ -102,16 +108,23 @@ void DesktopNotifications::Call(const QDBusMessage& message,
           });
 }
 
-/// What a server does with markup and buttons is asked before the first text is sent to it.
+/// What a server does with markup and buttons is asked before the first text is sent to it. The question
+/// starts it if need be, so its own name is asked afterwards: not every version of Qt tells who has answered.
 void DesktopNotifications::AskAbilities() {
   if (std::exchange(asking_abilities_, true)) return;
   Call(Request("GetCapabilities"), [this](const QDBusPendingCall& call) {
     asking_abilities_ = false;
     const QDBusReply<QStringList> reply = call;
     if (!reply.isValid()) return;  // there is none, or it has exited: the next one is asked
-    server_ = call.reply().service();
-    abilities_ = reply.value();
-    BringAll();
+    asking_abilities_ = true;
+    Call(OwnerRequest(), [this, abilities = reply.value()](const QDBusPendingCall& owner_call) {
+      asking_abilities_ = false;
+      const QDBusReply<QString> owner = owner_call;
+      if (!owner.isValid()) return;
+      server_ = owner.value();
+      abilities_ = abilities;
+      BringAll();
+    });
   });
 }
 
