@@ -30,14 +30,19 @@ def update(root, lupdate, files):
     done = subprocess.run([lupdate, *UPDATE, os.path.join(root, "src"), "-ts", *files], capture_output=True, text=True)
     if done.returncode != 0:
         sys.exit(done.stderr)
-    return {name for names in ENGINE.findall(done.stderr) for name in names if name}
+    return {class_of(name) for names in ENGINE.findall(done.stderr) for name in names if name}
+
+
+def class_of(context):
+    """Some versions of lupdate name a class with its namespace, some without it."""
+    return context.split("::")[-1]
 
 
 def texts_of(file, engine):
     """Each text with its translation; None where it is unfinished."""
     texts = {}
     for context in xml.parse(file).getroot().iter("context"):
-        name = context.findtext("name")
+        name = class_of(context.findtext("name"))
         for message in context.iter("message"):
             english = "".join(message.find("source").itertext())
             translation = message.find("translation")
