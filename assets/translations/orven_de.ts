@@ -1930,6 +1930,17 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
 </context>
 <context>
+    <name>orven::MainWindow</name>
+    <message>
+        <source>ORVEN goes on answering calls. Its icon in the notification area opens this window again. To end it, choose Exit in the menu of the icon, or File, Exit in the window.</source>
+        <translation>ORVEN nimmt weiter Anrufe an. Sein Symbol im Benachrichtigungsfeld öffnet dieses Fenster wieder. Zum Beenden dient Beenden im Menü des Symbols oder Datei, Beenden im Fenster.</translation>
+    </message>
+    <message>
+        <source>ORVEN goes on answering calls: its window is only minimised, because this desktop has no notification area. To end it, choose File, Exit in the window.</source>
+        <translation>ORVEN nimmt weiter Anrufe an: das Fenster ist nur minimiert, denn dieser Desktop hat kein Benachrichtigungsfeld. Zum Beenden dient Datei, Beenden im Fenster.</translation>
+    </message>
+</context>
+<context>
     <name>orven::MessageFolders</name>
     <message>
         <source>The setting MassagesPath names a folder that does not exist (%2): messages are stored in %1</source>

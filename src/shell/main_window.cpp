@@ -228,10 +228,10 @@ void MainWindow::PutAway() {
 void MainWindow::TellThatItGoesOn() {
   if (machine_.store.Value(kClosedBefore) == "1") return;
   machine_.store.Set(kClosedBefore, "1");
-  const Words hidden(
+  const auto hidden = Words(
       "ORVEN goes on answering calls. Its icon in the notification area opens this window again. To end it, "
       "choose Exit in the menu of the icon, or File, Exit in the window.");
-  const Words minimised(
+  const auto minimised = Words(
       "ORVEN goes on answering calls: its window is only minimised, because this desktop has no notification "
       "area. To end it, choose File, Exit in the window.");
   const auto& text = ports_.shell.HasNotificationArea() ? hidden : minimised;

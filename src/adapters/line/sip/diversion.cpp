@@ -13,20 +13,20 @@
 namespace orven {
 namespace {
 
-using Words = std::pair<std::string_view, std::string_view>;
+using Phrase = std::pair<std::string_view, std::string_view>;
 
 /// The reasons of RFC 5806, section 4, that are not plain words when their hyphens are blanks.
-constexpr std::array kReasons{Words{"unknown", ""}, Words{"user-busy", "busy"},
-                              Words{"unconditional", "always"}, Words{"deflection", "deflected"}};
+constexpr std::array kReasons{Phrase{"unknown", ""}, Phrase{"user-busy", "busy"},
+                              Phrase{"unconditional", "always"}, Phrase{"deflection", "deflected"}};
 
 /// The causes of RFC 4458, section 2, which are the status codes of the first destination.
-constexpr std::array kCauses{Words{"302", "always"},      Words{"404", "unavailable"},
-                             Words{"408", "no answer"},   Words{"480", "deflected"},
-                             Words{"486", "busy"},        Words{"487", "deflected"},
-                             Words{"503", "unavailable"}, Words{"600", "busy"}};
+constexpr std::array kCauses{Phrase{"302", "always"},      Phrase{"404", "unavailable"},
+                             Phrase{"408", "no answer"},   Phrase{"480", "deflected"},
+                             Phrase{"486", "busy"},        Phrase{"487", "deflected"},
+                             Phrase{"503", "unavailable"}, Phrase{"600", "busy"}};
 
-std::string_view WordsFor(std::string_view code, std::span<const Words> known, std::string_view otherwise) {
-  const auto found = std::ranges::find(known, code, &Words::first);
+std::string_view WordsFor(std::string_view code, std::span<const Phrase> known, std::string_view otherwise) {
+  const auto found = std::ranges::find(known, code, &Phrase::first);
   return found != known.end() ? found->second : otherwise;
 }
 
