@@ -9,6 +9,7 @@
 #include "actions/actions_engine.h"
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
+#include "greetings/greeting_library.h"
 
 namespace orven {
 namespace {
@@ -133,7 +134,7 @@ void CheckUp::CheckSounds() {
   const auto take_beep = [this, round = round_](const Waveform& sound) {
     if (round == round_) Set(CheckLink::Beep, BeepResult(sound));
   };
-  parts_.sounds.Request(parts_.home.Path("\\Greets\\") + name + ".wav",
+  parts_.sounds.Request(GreetingPath(parts_.home, name),
                         [this, name, take_beep, round = round_](const Waveform& sound) {
                           if (round != round_) return;
                           Set(CheckLink::Greeting, GreetingResult(name, sound));

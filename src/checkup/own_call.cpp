@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/error_trap.h"
+#include "greetings/greeting_library.h"
 
 namespace orven {
 namespace {
@@ -62,8 +63,7 @@ void OwnCall::Start() {
   serial_ = 0;
   tmrLook_->Start(kLook);
   Begin(OwnCallStep::Ring);
-  parts_.caller.Call(parts_.line.CurrentIndex(),
-                     parts_.home.Path("\\Greets\\") + parts_.settings.Greeting + ".wav",
+  parts_.caller.Call(parts_.line.CurrentIndex(), GreetingPath(parts_.home, parts_.settings.Greeting),
                      parts_.home.Path("\\beep.wav"), [this](const OwnCallerNews& news) { Take(news); });
 }
 

@@ -10,6 +10,11 @@
 
 namespace orven {
 
+/// The file of the greeting `name` in an application folder.
+inline std::string GreetingPath(const ApplicationFolder& home, const std::string& name) {
+  return home.Path("\\Greets\\") + name + ".wav";
+}
+
 /// The greetings: WAV files in the folder "Greets" of the application folder. A greeting's name is its file's
 /// name without ".wav" (in any letter case). All operations but Folder and PathOf throw as Files does.
 /// User-interface thread.
@@ -21,7 +26,7 @@ class GreetingLibrary {
   std::string Folder() const { return home_.Path("\\Greets\\"); }
 
   /// The file of the greeting `name`.
-  std::string PathOf(const std::string& name) const { return Folder() + name + ".wav"; }
+  std::string PathOf(const std::string& name) const { return GreetingPath(home_, name); }
 
   /// The sorted names of the greetings.
   std::vector<std::string> Names() const;

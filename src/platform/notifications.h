@@ -24,7 +24,7 @@ struct Notification {
   std::vector<Button> buttons{};  ///< a desktop may show none of them
 };
 
-/// The desktop's notifications (Desktop Notifications Specification). Never waits for the desktop; without a
+/// The desktop's notifications (org.freedesktop.Notifications). Never waits for the desktop; without a
 /// desktop that shows notifications nothing happens. User-interface thread.
 class Notifications {
  public:

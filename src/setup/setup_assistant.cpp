@@ -229,15 +229,13 @@ void SetupAssistant::Use() {
   Turn(1);
 }
 
-/// A call in progress keeps its line.
+/// During a call, a line that is new has no device yet; it is opened when its device is made.
 void SetupAssistant::OpenChosen() {
-  auto& line = parts_.line;
-  const auto index = line.FindByName(parts_.settings.ModemName);
-  if (index < 0 || parts_.own_call.Tapi1.HasCall()) return;
-  if (line.LineOn() && line.CurrentIndex() != index) line.CloseLine(line.CurrentIndex());
+  const auto index = parts_.line.FindByName(parts_.settings.ModemName);
+  if (index < 0) return;
   parts_.settings.Modem = index;
   parts_.store.Set("Modem", std::to_string(index));
-  line.OpenLine(index);
+  parts_.line.UseChosen();
 }
 
 void SetupAssistant::PlayGreeting() {

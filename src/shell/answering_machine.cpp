@@ -125,6 +125,30 @@ OptionsDialog::Parts AnsweringMachine::ForOptionsDialog() {
           [this] { ShowOptions(); }};
 }
 
+ActionsDialog::Parts AnsweringMachine::ForActionsDialog() {
+  return {store,        log,          ports_.dialogs,    ports_.shell,
+          ports_.clock, ports_.Mail1, ports_.mail_tests, [this] { store.GetMainAction(); }};
+}
+
+SetupAssistant::Parts AnsweringMachine::ForSetupAssistant(TelephoneLines& lines,
+                                                          std::function<bool()> use_changed,
+                                                          std::function<void(CreatorTab)> make_greeting,
+                                                          OwnCaller& caller) {
+  return {ports_.loop,
+          {lines, ports_.dialogs, log, store, settings, std::move(use_changed)},
+          ForActionsDialog(),
+          store,
+          settings,
+          steps,
+          line,
+          library,
+          sounds,
+          player,
+          std::move(make_greeting),
+          ForOwnCall(caller),
+          [this] { KeepAwake(); }};
+}
+
 OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
   return {ports_.loop,     ports_.background, caller, call,     line, ports_.Tapi1,
           ports_.WavePlay, ListView1,         player, settings, home};

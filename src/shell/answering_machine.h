@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "actions/actions_dialog.h"
 #include "actions/actions_engine.h"
 #include "base/paths.h"
 #include "checkup/check_up.h"
@@ -37,6 +38,7 @@
 #include "records/message_files.h"
 #include "records/message_move.h"
 #include "records/open_calls.h"
+#include "setup/setup_assistant.h"
 #include "setup/setup_steps.h"
 #include "shell/main_commands.h"
 #include "shell/main_window_view.h"
@@ -128,6 +130,14 @@ class AnsweringMachine {
 
   /// The parts of the options dialog.
   OptionsDialog::Parts ForOptionsDialog();
+
+  /// The parts of the actions dialog.
+  ActionsDialog::Parts ForActionsDialog();
+
+  /// The parts of the set-up assistant; `use_changed` opens changed lines (LinesDialog), `make_greeting`
+  /// opens the greeting creator until it is closed.
+  SetupAssistant::Parts ForSetupAssistant(TelephoneLines& lines, std::function<bool()> use_changed,
+                                          std::function<void(CreatorTab)> make_greeting, OwnCaller& caller);
 
   /// The parts of a call that the machine makes to itself.
   OwnCall::Parts ForOwnCall(OwnCaller& caller);

@@ -2,6 +2,7 @@
 #include "telephony/call_sequence.h"
 
 #include "core/error_trap.h"
+#include "greetings/greeting_library.h"
 
 namespace orven {
 
@@ -130,7 +131,7 @@ std::int32_t CallSequence::PlayOnLine(const std::string& path) {
 
 void CallSequence::PlayGreeting() {
   control_.Enter(CallState::Greeting, "ErrTapiConnected ");
-  const auto result = PlayOnLine(control_.home.Path("\\Greets\\") + control_.settings.Greeting + ".wav");
+  const auto result = PlayOnLine(GreetingPath(control_.home, control_.settings.Greeting));
   if (result == kWaveOk) return;
   control_.log.WriteSystem("Play Greeting " + control_.Wave1.PlayErrorText(result));
   PlayFinished();

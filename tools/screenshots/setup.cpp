@@ -37,21 +37,9 @@ bool MakeSetup(const QString& folder, const QByteArray& name) {
   ScriptedLines lines;
   ScriptedOwnCaller caller;
   frmSetup window(nullptr);
-  SetupAssistant engine(
-      {desk.loop,
-       {lines, desk.dialogs, machine.log, machine.store, machine.settings, [] { return true; }},
-       {machine.store, machine.log, desk.dialogs, desk.shell, desk.clock, desk.Mail1, desk.mail_tests, [] {}},
-       machine.store,
-       machine.settings,
-       machine.steps,
-       machine.line,
-       machine.library,
-       machine.sounds,
-       machine.player,
-       [](CreatorTab) {},
-       machine.ForOwnCall(caller),
-       [] {}},
-      window);
+  SetupAssistant engine(machine.ForSetupAssistant(
+                            lines, [] { return true; }, [](CreatorTab) {}, caller),
+                        window);
   window.Attach(engine);
   engine.Open(SetupPage::Telephone);
   Type(window, "txtUser", QStringLiteral("620"));

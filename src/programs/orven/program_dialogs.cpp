@@ -86,13 +86,10 @@ void ProgramDialogs::AttachLines(TelephoneLines& lines, std::function<bool()> us
   use_changed_lines_ = std::move(use_changed);
 }
 
-LinesDialog::Parts ProgramDialogs::ForLines() {
-  auto& machine = *machine_;
-  return {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_};
-}
-
 std::string ProgramDialogs::OpenLines(QWidget* parent) {
-  LinesDialog engine(ForLines());
+  auto& machine = *machine_;
+  LinesDialog engine(
+      {*lines_, ports_.dialogs, machine.log, machine.store, machine.settings, use_changed_lines_});
   frmLines(engine, parent).exec();
   return engine.Added();
 }
@@ -113,12 +110,10 @@ void ProgramDialogs::OpenCheckUp() {
 }
 
 void ProgramDialogs::OpenSetup(int page) {
-  auto& machine = *machine_;
   frmSetup window(window_);
   SetupAssistant engine(
-      {ports_.loop, ForLines(), ForActions(), machine.store, machine.settings, machine.steps, machine.line,
-       machine.library, machine.sounds, machine.player, [&](CreatorTab tab) { MakeGreeting(&window, tab); },
-       machine.ForOwnCall(*own_caller_), [&machine] { machine.KeepAwake(); }},
+      machine_->ForSetupAssistant(
+          *lines_, use_changed_lines_, [&](CreatorTab tab) { MakeGreeting(&window, tab); }, *own_caller_),
       window);
   window.Attach(engine);
   engine.Open(static_cast<SetupPage>(page));
@@ -165,14 +160,8 @@ void ProgramDialogs::OpenLog() {
       .exec();
 }
 
-ActionsDialog::Parts ProgramDialogs::ForActions() {
-  auto& machine = *machine_;
-  return {machine.store, machine.log,  ports_.dialogs,    ports_.shell,
-          ports_.clock,  ports_.Mail1, ports_.mail_tests, [&machine] { machine.store.GetMainAction(); }};
-}
-
 void ProgramDialogs::OpenActions(int tab) {
-  ActionsDialog engine(ForActions());
+  ActionsDialog engine(machine_->ForActionsDialog());
   frmActions(engine, tab, window_).exec();
   ports_.Mail1.Acknowledge();  // the dialog has shown it
 }

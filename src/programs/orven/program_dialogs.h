@@ -42,8 +42,6 @@ class ProgramDialogs : public DialogFactory {
   void Open(Dialog dialog, int tab) override;
 
  private:
-  LinesDialog::Parts ForLines();
-  ActionsDialog::Parts ForActions();
   void OpenEvents(int tab);
   void OpenActions(int tab);
   void OpenGreetingCreator();

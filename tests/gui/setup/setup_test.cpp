@@ -31,27 +31,14 @@ class SetupWindow : public WindowTest {
   void Open(SetupPage page) {
     engine.reset();
     window = std::make_unique<frmSetup>(nullptr);
-    auto& machine = world.Machine();
-    engine.emplace(
-        SetupAssistant::Parts{
-            world.time,
-            {lines, world.dialogs, machine.log, machine.store, machine.settings, [this] { return Use(); }},
-            {machine.store, machine.log, world.dialogs, world.shell, world.time, world.Mail1,
-             world.mail_tests, [&machine] { machine.store.GetMainAction(); }},
-            machine.store,
-            machine.settings,
-            machine.steps,
-            machine.line,
-            machine.library,
-            machine.sounds,
-            machine.player,
-            [this](CreatorTab tab) {
-              tabs.push_back(tab);
-              world.Machine().settings.Greeting = "Mine";
-            },
-            machine.ForOwnCall(caller),
-            [&machine] { machine.KeepAwake(); }},
-        *window);
+    engine.emplace(world.Machine().ForSetupAssistant(
+                       lines, [this] { return Use(); },
+                       [this](CreatorTab tab) {
+                         tabs.push_back(tab);
+                         world.Machine().settings.Greeting = "Mine";
+                       },
+                       caller),
+                   *window);
     window->Attach(*engine);
     engine->Open(page);
     Show(*window);
