@@ -249,7 +249,9 @@ std::string CallFiling::Description(const Call& call) const {
 std::vector<Call> CallFiling::DueMails() const {
   std::vector<Call> calls;
   for (const auto& [key, entry] : entries_) {
-    if (entry.interrupted && entry.call.mail_due && entry.call.record != 0) calls.push_back(entry.call);
+    if (!entry.interrupted || !entry.call.mail_due || entry.call.record == 0) continue;
+    auto& call = calls.emplace_back(entry.call);
+    call.type_text = TypeText(call);  // is not kept with the call
   }
   return calls;
 }

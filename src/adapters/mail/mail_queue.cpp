@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <map>
-#include <ranges>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -37,8 +36,9 @@ bool MailQueue::IsGivenUp(const Envelope& envelope, WallTime now) {
   return envelope.tries + 1 >= kFewestTries && now - first >= kGivenUpAfter;
 }
 
-void MailQueue::AddOlder(std::vector<QueuedMail> mails) {
-  for (auto& mail : std::views::reverse(mails)) mails_.push_front(std::move(mail));
+bool MailQueue::HasOlder(const std::string& text) const {
+  return std::ranges::any_of(mails_,
+                             [&](const auto& mail) { return mail.older && mail.envelope.text == text; });
 }
 
 void MailQueue::Redirect(const std::string& server) {

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <deque>
 #include <string>
-#include <vector>
 
 #include "adapters/mail/outbox.h"
 #include "platform/clock.h"
@@ -15,6 +14,7 @@ namespace orven {
 struct QueuedMail {
   std::string file;  ///< in the outbox; empty when it could not be written
   Envelope envelope;
+  bool older = false;       ///< an earlier run left it
   Clock::WallTime tried{};  ///< the latest try of this run that failed
 };
 
@@ -31,10 +31,10 @@ class MailQueue {
   /// because the computer may have been off meanwhile, or its clock wrong.
   static bool IsGivenUp(const Envelope& envelope, WallTime now);
 
-  /// A new mail.
   void Add(QueuedMail mail) { mails_.push_back(std::move(mail)); }
-  /// Mails of earlier runs, which go before all others.
-  void AddOlder(std::vector<QueuedMail> mails);
+
+  /// Whether an earlier run left a mail with this text, which says who called and when.
+  bool HasOlder(const std::string& text) const;
 
   /// All mails go to this server from now on.
   void Redirect(const std::string& server);

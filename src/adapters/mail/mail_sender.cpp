@@ -6,31 +6,6 @@
 
 namespace orven {
 
-void MailSender::Load() {
-  FoundMails found;
-  OnDisk("the outbox cannot be read", [&] {
-    for (const auto& file : outbox_.Waiting()) Load(file, found);
-    if (!found.waiting.empty()) found.problem = found.waiting.front().envelope.problem;
-    found.failed = outbox_.Failed();
-    if (found.failed.empty()) return;
-    if (const auto newest = Outbox::Read(found.failed.back())) found.problem = newest->problem;
-  });
-  reports_.found(found);
-}
-
-void MailSender::Load(const std::string& file, FoundMails& found) {
-  try {
-    if (auto envelope = Outbox::Read(file)) {
-      found.waiting.push_back({file, *std::move(envelope)});
-    } else {
-      found.damaged.push_back("the waiting mail " + file + " is damaged and was set aside as " +
-                              Outbox::SetAside(file));
-    }
-  } catch (const std::exception& failure) {
-    found.damaged.emplace_back(failure.what());
-  }
-}
-
 void MailSender::Send(QueuedMail mail, const MailAccount& account, bool last) {
   const std::string source = Outbox::SourceOf(mail.envelope.attachment, mail.file);
   const MailOutcome outcome =

@@ -8,20 +8,11 @@
 
 #include "adapters/mail/mail_queue.h"
 #include "adapters/mail/mail_settings.h"
-#include "adapters/mail/outbox.h"
 #include "adapters/mail/smtp_transfer.h"
 #include "base/words.h"
 #include "platform/mail.h"
 
 namespace orven {
-
-/// What an earlier run left in the outbox.
-struct FoundMails {
-  std::vector<QueuedMail> waiting;   ///< the oldest first
-  std::vector<std::string> damaged;  ///< what is wrong with the others
-  std::vector<std::string> failed;   ///< files of mails that are not acknowledged
-  std::string problem;  ///< why the newest failed mail, or else the oldest that waits, was not sent
-};
 
 /// What became of one try.
 struct TriedMail {
@@ -40,15 +31,10 @@ class MailSender {
   struct Reports {
     std::function<void(std::int64_t total, std::int64_t sent)> progress;
     std::function<void(const TriedMail&)> tried;
-    std::function<void(const FoundMails&)> found;
     std::function<void(const std::string& text)> warn;  ///< about the disk
   };
 
-  MailSender(MailLimits limits, std::string outbox_folder, Reports reports)
-      : limits_(std::move(limits)), outbox_(std::move(outbox_folder)), reports_(std::move(reports)) {}
-
-  /// Reads the outbox. Damaged files are set aside.
-  void Load();
+  MailSender(MailLimits limits, Reports reports) : limits_(std::move(limits)), reports_(std::move(reports)) {}
 
   /// Sends `mail`, which counts this try already; after its `last` try it is given up whatever the reason.
   /// Nothing is reported after Cancel.
@@ -60,13 +46,11 @@ class MailSender {
   void Cancel() { cancellation_.Cancel(); }
 
  private:
-  void Load(const std::string& file, FoundMails& found);
   void Accepted(const QueuedMail& mail);
   TriedMail Refused(QueuedMail mail, const MailFailure& failure, bool last);
   void OnDisk(const char* what, const std::function<void()>& work);
 
   const MailLimits limits_;
-  const Outbox outbox_;
   const Reports reports_;
   Cancellation cancellation_;
 };

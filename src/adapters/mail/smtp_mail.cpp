@@ -42,9 +42,9 @@ SmtpMail::SmtpMail(EventLoop& loop, const Clock& clock, std::string outbox_folde
       clock_(clock),
       account_(account ? std::move(account) : [] { return MailAccount{}; }),
       warning_(warning ? std::move(warning) : [](const std::string&) {}),
-      outbox_(outbox_folder),
+      outbox_(std::move(outbox_folder)),
       worker_(Worker::AtStop::Drop, kPatience),
-      sender_(std::make_shared<MailSender>(std::move(limits), std::move(outbox_folder), Reports())) {}
+      sender_(std::make_shared<MailSender>(std::move(limits), Reports())) {}
 
 SmtpMail::~SmtpMail() {
   sender_->Cancel();
@@ -60,13 +60,13 @@ MailSender::Reports SmtpMail::Reports() {
             post([this, total, sent] { ShowProgress(total, sent); });
           },
           [this, post](const TriedMail& tried) { post([this, tried] { Tried(tried); }); },
-          [this, post](const FoundMails& found) { post([this, found] { Found(found); }); },
           [this, post](const std::string& text) { post([this, text] { warning_(text); }); }};
 }
 
 void SmtpMail::Send(const std::string& server, const std::string& sender, const std::string& sender_name,
                     const std::string& recipient, const std::string& subject, const std::string& attachment,
                     const std::string& text) {
+  if (queue_.HasOlder(text)) return;
   Envelope envelope;
   envelope.message_id = NewMessageId(sender);
   envelope.date = MailDate(std::time(nullptr));
@@ -100,23 +100,34 @@ bool SmtpMail::Start(std::function<void(MailSender&)> task) {
 }
 
 void SmtpMail::Resume() {
-  loading_ = Start([](MailSender& sender) { sender.Load(); });
-}
-
-void SmtpMail::Found(FoundMails found) {
-  loading_ = false;
-  for (const auto& problem : found.damaged) {
-    if (events_ != nullptr) events_->Error("", problem);
+  try {
+    for (const auto& file : outbox_.Waiting()) Load(file);
+    failed_ = outbox_.Failed();
+    const auto newest = failed_.empty() ? std::nullopt : Outbox::Read(failed_.back());
+    if (newest) reason_ = newest->problem;
+  } catch (const std::exception& failure) {
+    warning_(std::string("the outbox cannot be read: ") + failure.what());
   }
-  queue_.AddOlder(std::move(found.waiting));
-  failed_ = std::move(found.failed);
-  reason_ = std::move(found.problem);
   SendNext();
   ShowState();
 }
 
+void SmtpMail::Load(const std::string& file) {
+  std::string problem;
+  try {
+    if (auto envelope = Outbox::Read(file)) {
+      if (queue_.Empty()) reason_ = envelope->problem;
+      return queue_.Add({file, *std::move(envelope), true});
+    }
+    problem = "the waiting mail " + file + " is damaged and was set aside as " + Outbox::SetAside(file);
+  } catch (const std::exception& failure) {
+    problem = failure.what();
+  }
+  if (events_ != nullptr) events_->Error("", problem);
+}
+
 void SmtpMail::SendNext() {
-  if (loading_ || current_ != nullptr) return;
+  if (current_ != nullptr) return;
   MailAccount account = account_();
   if (!account.server.empty()) queue_.Redirect(account.server);
   const auto now = clock_.Now();

@@ -40,7 +40,8 @@ class SmtpMail final : public MailControl {
   void SetEvents(MailEvents* events) override { events_ = events; }
 
   /// Writes the mail's details (not the attachment) to the outbox before it returns. When that fails
-  /// (a full disk), `warning` is called and the mail is sent all the same.
+  /// (a full disk), `warning` is called and the mail is sent all the same. A mail that an earlier run left is
+  /// not sent again: that run was killed before it could note that it had handed the mail over.
   void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
             const std::string& recipient, const std::string& subject, const std::string& attachment,
             const std::string& text) override;
@@ -49,15 +50,16 @@ class SmtpMail final : public MailControl {
   void TryNow() override;
   void Acknowledge() override;
 
-  /// Sends what earlier runs left in the outbox, at once and before all other mails: once, after start,
-  /// before the first Send. A damaged file is set aside and raises Error without a recipient.
+  /// Reads what earlier runs left in the outbox and sends it before all other mails: once, after start,
+  /// before the first Send. A damaged file is set aside and raises Error without a recipient, inside this
+  /// call.
   void Resume();
 
  private:
   MailSender::Reports Reports();
   std::string Keep(const Envelope& envelope);
   bool Start(std::function<void(MailSender&)> task);
-  void Found(FoundMails found);
+  void Load(const std::string& file);
   void SendNext();
   void LookAgain();
   void ShowProgress(std::int64_t total, std::int64_t sent);
@@ -71,7 +73,6 @@ class SmtpMail final : public MailControl {
   Outbox outbox_;
   MailEvents* events_ = nullptr;
   MailQueue queue_;
-  bool loading_ = false;             ///< older mails come first
   QueuedMail* current_ = nullptr;    ///< the mail being sent; it stays in the queue
   std::vector<std::string> failed_;  ///< files of failed mails that are not acknowledged; empty: without one
   Words reason_;                     ///< why the latest try failed

@@ -162,8 +162,9 @@ void ProgramDialogs::OpenLog() {
 
 void ProgramDialogs::OpenActions(int tab) {
   ActionsDialog engine(machine_->ForActionsDialog());
-  frmActions(engine, tab, window_).exec();
-  ports_.Mail1.Acknowledge();  // the dialog has shown it
+  frmActions window(engine, tab, window_);
+  ports_.Mail1.Acknowledge();  // the window shows it, but not what fails from now on
+  window.exec();
 }
 
 }  // namespace orven

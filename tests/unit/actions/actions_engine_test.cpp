@@ -172,7 +172,10 @@ TEST_P(DueMail, IsSentOnceAndTheProgramIsNotStartedAgain) {
     next.RunFor(60s);
     sent.push_back(killed.mails + next.Mail1.mails.size());
     EXPECT_TRUE(sent.back() > 0 || killed.records.empty()) << "the call was filed, but its mail was lost";
-    for (const auto& mail : next.Mail1.mails) EXPECT_TRUE(next.files.Exists(mail.attachment));
+    for (const auto& mail : next.Mail1.mails) {
+      EXPECT_TRUE(next.files.Exists(mail.attachment));
+      EXPECT_THAT(mail.text, testing::HasSubstr("attached"));
+    }
     EXPECT_EQ(0U, next.shell.attempts);
     EXPECT_EQ(1U, next.database.Records().size());
     EXPECT_TRUE(next.database.open.empty() && next.files.List("/home/orven/", ".call-*").empty());
