@@ -30,6 +30,8 @@ Words Text(const Call& call) {
 }  // namespace
 
 void CallNotices::Tell(const Call& call) {
+  // The user's own call, and one that he has dropped, are not news to him.
+  if (!call.message_left && (call.admin_mode || call.dropped)) return;
   const char* setting = call.message_left ? "NotifyMessage" : "NotifyMissed";
   if (call.record == kNoRecord || !parts_.store.IsOn(setting) || parts_.in_front()) return;
   const auto row = RowOf(call);

@@ -60,6 +60,7 @@ struct Call {
   bool message_left = false;          ///< a recording was made, even if it could not be stored
   bool remote_playback = false;       ///< messages are being played to the caller
   bool sent_to_application = false;
+  bool dropped = false;  ///< by the user at the desk
 
   std::string caller_name = kUnknownCaller;
   std::string caller_number = kUnknownCaller;

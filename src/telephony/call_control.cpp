@@ -65,6 +65,7 @@ void CallControl::DropInComeCall() {
     const auto result = RequestAnswer();
     log.WriteSystem("LineAnswer" + LineTag(index) + "->" + Tapi1.ErrorText(result));
   });
+  call.dropped = true;
   trap([&] { HangUp(); });
 }
 

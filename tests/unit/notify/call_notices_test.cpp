@@ -38,6 +38,8 @@ TEST_F(CallNoticesTest, SayWhoCalledUnlessSwitchedOffOrSeen) {
   EXPECT_THAT(ShownBy([this] { Call(kUnknownCaller, "555", false); }),
               ElementsAre("Missed call from 555|At 14:05:12|Open"));
   EXPECT_EQ(std::pair(notifications.shown.size(), notifications.unread), std::pair(std::size_t(3), 3));
+  EXPECT_THAT(ShownBy([this] { line->Offer(), Machine().control.DropInComeCall(), RunFor(5s); }),
+              ElementsAre());
   registry.Set("NotifyMessage", "0");
   EXPECT_THAT(ShownBy(anna), ElementsAre());
   EXPECT_THAT(ShownBy(nobody), testing::SizeIs(1));
