@@ -2084,10 +2084,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>Der Anruf steht in der Liste, von %1.</translation>
     </message>
     <message>
-        <source>The message stopped before its end.</source>
-        <translation>Die Nachricht brach vor ihrem Ende ab.</translation>
-    </message>
-    <message>
         <source>The line is off: switch it on first.</source>
         <translation>Die Leitung ist aus: zuerst einschalten.</translation>
     </message>
@@ -2126,6 +2122,10 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>The message was played.</source>
         <translation>Die Nachricht wurde abgespielt.</translation>
+    </message>
+    <message>
+        <source>The message stopped before its end: if nobody stopped it, choose another sound card in Options.</source>
+        <translation>Die Nachricht brach vor ihrem Ende ab: Wenn niemand sie angehalten hat, in den Einstellungen eine andere Soundkarte wählen.</translation>
     </message>
 </context>
 <context>
@@ -3371,10 +3371,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>&amp;Trotzdem verwenden</translation>
     </message>
     <message>
-        <source>Store the line; ORVEN keeps trying to reach its server</source>
-        <translation>Die Leitung speichern; ORVEN versucht weiter, den Server zu erreichen</translation>
-    </message>
-    <message>
         <source>&amp;Back</source>
         <translation>&amp;Zurück</translation>
     </message>
@@ -3421,6 +3417,10 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     <message>
         <source>Testing…</source>
         <translation>Wird getestet …</translation>
+    </message>
+    <message>
+        <source>Store the line; ORVEN keeps trying to open it</source>
+        <translation>Die Leitung speichern; ORVEN versucht weiter, sie zu öffnen</translation>
     </message>
 </context>
 <context>

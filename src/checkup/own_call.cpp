@@ -172,7 +172,9 @@ void OwnCall::LookAtPlayer() {
   played_ += kLook;
   if (parts_.player.Playing()) return;
   Finish(OwnCallStep::Played, Tr("The message was played."),
-         2 * played_ >= length_ ? Words() : Words("The message stopped before its end."));
+         2 * played_ >= length_ ? Words()
+                                : Words("The message stopped before its end: if nobody stopped it, choose "
+                                        "another sound card in Options."));
 }
 
 void OwnCall::Begin(OwnCallStep step) {

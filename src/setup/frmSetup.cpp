@@ -64,7 +64,7 @@ QWidget* frmSetup::MakeFound() {
   lblFound_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   lblFound_->setMinimumHeight(kFoundLines * lblFound_->fontMetrics().lineSpacing());
   cmdUseAnyway_ = MakeButton("cmdUseAnyway", tr("Use it any&way"),
-                             tr("Store the line; ORVEN keeps trying to reach its server"), row);
+                             tr("Store the line; ORVEN keeps trying to open it"), row);
   cmdUseAnyway_->setAutoDefault(false);
   auto* layout = MakeFlat<QHBoxLayout>(row);
   layout->addWidget(icon_, 0, Qt::AlignTop);
@@ -122,8 +122,9 @@ void frmSetup::ShowPage(SetupPage page) noexcept {
   cmdSkip_->setVisible(!last);
   cmdNext_->setVisible(!last);
   (last ? ready_->CallButton() : cmdNext_)->setDefault(true);
-  auto* page_shown = pages_->currentWidget();
-  (page_shown->focusProxy() != nullptr ? page_shown : last ? cmdClose_ : cmdNext_)->setFocus();
+  QWidget* const first[] = {telephone_->FirstControl(), cmdNext_, away_->FirstControl(),
+                            ready_->CallButton()};
+  first[index]->setFocus();
 }
 
 void frmSetup::ShowTelephone(TelephoneKind kind, const TelephoneLine& line, const Words& note) noexcept {
@@ -135,7 +136,10 @@ TelephoneLine frmSetup::Typed(TelephoneLine line) const noexcept {
 }
 
 void frmSetup::ShowTesting(bool testing) noexcept {
+  // A disabled button would lose the focus to the one that closes the window.
+  if (testing && cmdNext_->hasFocus()) cmdSkip_->setFocus();
   cmdNext_->setEnabled(!testing);
+  if (!testing && cmdSkip_->hasFocus()) cmdNext_->setFocus();
   if (testing) lblFound_->setText(tr("Testing…"));
 }
 
@@ -148,10 +152,9 @@ void frmSetup::ShowFound(const LineTestResult& found, bool usable) noexcept {
   icon_->setPixmap(text.isEmpty() ? QPixmap() : style()->standardIcon(picture).pixmap(size));
   cmdUseAnyway_->setVisible(usable);
   if (text.isEmpty()) return;
-  if (auto* field =
-          telephone_->findChild<QWidget*>(QString::fromUtf8(found.control.data(), int(found.control.size())));
-      failed && field != nullptr && field->isVisible())
-    field->setFocus();
+  const auto name = QString::fromUtf8(found.control.data(), int(found.control.size()));
+  auto* field = name.isEmpty() ? nullptr : telephone_->findChild<QWidget*>(name);
+  if (failed && field != nullptr && field->isVisible()) field->setFocus();
   QAccessibleEvent told(lblFound_, QAccessible::Alert);
   QAccessible::updateAccessibility(&told);
 }

@@ -29,7 +29,6 @@ frmSetupAway::frmSetupAway(QWidget* parent)
                   "the greeting plays, then the star key.")));
   form_.Add(*fields_, "Pass");
   auto& password = form_.Get<QLineEdit>("Pass");
-  setFocusProxy(&password);
   password.setEchoMode(QLineEdit::Normal);  // whoever sets it up has to know it
   fields_->addRow(QString(), MakePasswordHint(password, this));
   form_.Add(*fields_, "pMailTo");

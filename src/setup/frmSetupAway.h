@@ -22,6 +22,7 @@ class frmSetupAway : public QWidget {
   /// As SetupView has them.
   void Show(const Choices& choices);
   Choices Taken() const { return form_.Taken(); }
+  QWidget* FirstControl() const { return &form_.Get("Pass"); }
   /// A box has said what is wrong, perhaps of a value that only the actions dialog shows.
   void ShowWrong(const SettingRow& row) {
     if (Taken().contains(row.name)) form_.Get(row.name).setFocus();

@@ -43,13 +43,11 @@ frmSetupReady::frmSetupReady(QWidget* parent)
   lstSteps_->setAccessibleName(tr("Steps of the call"));
   lstSteps_->setWordWrap(true);
   lstSteps_->setSelectionMode(QAbstractItemView::NoSelection);
-  for (std::size_t i = 0; i < kOwnCallSteps; ++i) lstSteps_->addItem(QString());
   auto* column = MakeFlat<QVBoxLayout>(this);
   for (auto* label : {lblLine_, lblDial_}) column->addWidget(label);
   column->addWidget(cmdCall_, 0, Qt::AlignLeft);
   column->addWidget(lblObstacle_);
   column->addWidget(lstSteps_, 1);
-  setFocusProxy(cmdCall_);
   connect(cmdCall_, &QPushButton::clicked, this, &frmSetupReady::CallWanted);
 }
 
@@ -67,6 +65,7 @@ void frmSetupReady::ShowOwnCall(const OwnCall& call, const Words& obstacle) {
   lblObstacle_->setVisible(!possible);
   int row = 0;
   for (const auto& step : call.Progress()) {
+    if (row == lstSteps_->count()) lstSteps_->addItem(QString());
     auto* item = lstSteps_->item(row++);
     item->setText(Shown(step.words));
     item->setIcon(PictureOf(step.state, *style()));

@@ -16,10 +16,6 @@ namespace orven {
 frmSetupTelephone::frmSetupTelephone(QWidget* parent)
     : QWidget(parent),
       kinds_(MakeChild<QButtonGroup>(this)),
-      account_(MakeChild<QWidget>(this)),
-      txtServer_(MakeNamed<QLineEdit>("txtServer", account_)),
-      txtUser_(MakeNamed<QLineEdit>("txtUser", account_)),
-      txtPassword_(MakeNamed<QLineEdit>("txtPassword", account_)),
       lblAbout_(MakeText("lblAbout", this)),
       lblNote_(MakeText("lblNote", this)) {
   auto* column = MakeFlat<QVBoxLayout>(this);
@@ -37,8 +33,9 @@ frmSetupTelephone::frmSetupTelephone(QWidget* parent)
   more->setAutoDefault(false);
   column->addWidget(more, 0, Qt::AlignLeft);
   connect(more, &QPushButton::clicked, this, &frmSetupTelephone::MoreWanted);
-  connect(kinds_, &QButtonGroup::idClicked, this,
-          [this](int id) { emit Chosen(static_cast<TelephoneKind>(id)); });
+  connect(kinds_, &QButtonGroup::idClicked, this, [this](int id) {
+    if (id != shown_) emit Chosen(static_cast<TelephoneKind>(id));
+  });
 }
 
 void frmSetupTelephone::AddKind(TelephoneKind kind, const char* name, const QString& text) {
@@ -49,6 +46,10 @@ void frmSetupTelephone::AddKind(TelephoneKind kind, const char* name, const QStr
 }
 
 void frmSetupTelephone::AddAccount() {
+  account_ = MakeChild<QWidget>(this);
+  txtServer_ = MakeNamed<QLineEdit>("txtServer", account_);
+  txtUser_ = MakeNamed<QLineEdit>("txtUser", account_);
+  txtPassword_ = MakeNamed<QLineEdit>("txtPassword", account_);
   auto* form = MakeFlat<QFormLayout>(account_);
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   form->addRow(MakeCaption(tr("&Server:"), txtServer_), txtServer_);
@@ -60,9 +61,8 @@ void frmSetupTelephone::AddAccount() {
 }
 
 void frmSetupTelephone::Show(TelephoneKind kind, const TelephoneLine& line, const Words& note) {
-  auto* button = kinds_->button(static_cast<int>(kind));
-  button->setChecked(true);
-  setFocusProxy(button);
+  shown_ = static_cast<int>(kind);
+  kinds_->button(shown_)->setChecked(true);
   const bool account = kind == TelephoneKind::Router || kind == TelephoneKind::Account;
   account_->setVisible(account);
   txtServer_->setText(QString::fromStdString(line.server));
@@ -73,7 +73,7 @@ void frmSetupTelephone::Show(TelephoneKind kind, const TelephoneLine& line, cons
       tr("The provider's letter or web page names these three."),
       tr("Plug the modem into the computer and the telephone socket. ORVEN finds its port by itself."),
       tr("Nothing is needed: a softphone on this computer can call ORVEN. Set up your line later.")};
-  lblAbout_->setText(about[static_cast<int>(kind)]);
+  lblAbout_->setText(about[shown_]);
   lblNote_->setText(Shown(note));
   lblNote_->setVisible(!note.Empty());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QFormLayout>
 #include <QLabel>
@@ -22,6 +23,7 @@ class frmSetupTelephone : public QWidget {
   /// As SetupView has them.
   void Show(TelephoneKind kind, const TelephoneLine& line, const Words& note);
   TelephoneLine Typed(TelephoneLine line) const;
+  QAbstractButton* FirstControl() const { return kinds_->checkedButton(); }
 
  signals:
   void Chosen(TelephoneKind kind);
@@ -37,10 +39,11 @@ class frmSetupTelephone : public QWidget {
   void GoToFirstEmpty();
 
   QButtonGroup* kinds_;
-  QWidget* account_;
-  QLineEdit* txtServer_;
-  QLineEdit* txtUser_;
-  QLineEdit* txtPassword_;
+  int shown_ = -1;  ///< the kind; a click on it again drops nothing
+  QWidget* account_ = nullptr;  ///< after the kinds, in the order of the Tab key
+  QLineEdit* txtServer_ = nullptr;
+  QLineEdit* txtUser_ = nullptr;
+  QLineEdit* txtPassword_ = nullptr;
   QLabel* lblAbout_;
   QLabel* lblNote_;
 };

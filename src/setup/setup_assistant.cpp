@@ -43,8 +43,9 @@ void SetupAssistant::Open(SetupPage page) {
   ReadLines();
   if (page == SetupPage::Telephone) {
     const auto chosen = Chosen();
-    const bool own = chosen && lines_->At(*chosen).name != kFirstLine;
-    Choose(own ? KindOf(lines_->At(*chosen)) : TelephoneKind::Router);
+    const bool fresh =
+        !chosen || (lines_->At(*chosen).name == kFirstLine && parts_.store.Value(kOwnLine) != kFirstLine);
+    Choose(fresh ? TelephoneKind::Router : KindOf(lines_->At(*chosen)));
   }
   if (page == SetupPage::Greeting) view_.ShowGreeting(parts_.settings.Greeting);
   if (page == SetupPage::Away) {
