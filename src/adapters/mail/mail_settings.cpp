@@ -2,8 +2,9 @@
 #include "adapters/mail/mail_settings.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cstdint>
 
+#include "base/conversions.h"
 #include "base/text.h"
 #include "base/unicode.h"
 
@@ -23,10 +24,8 @@ bool IsHost(std::string_view host) {
 }
 
 std::optional<int> PortOf(std::string_view digits) {
-  int port = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
-  if (error != std::errc() || end != digits.data() + digits.size() || port < 1 || port > 65535) return {};
-  return port;
+  const auto port = WholeNumber<std::uint16_t>(digits);
+  return port && *port > 0 ? std::optional<int>(*port) : std::nullopt;
 }
 
 }  // namespace

@@ -26,9 +26,7 @@ int Print(const std::string& answer) {
   return std::cout << answer << std::flush ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Needs no display.
-int Check(int count, char** arguments) {
-  const QCoreApplication application(count, arguments);
+int Check() {
   return orven::RunCheck(orven::FindApplicationFolder(orven::ProcessFolderHints()));
 }
 
@@ -56,11 +54,15 @@ int RunMachine(const std::string& command_line) {
 
 int main(int count, char** arguments) {
   if (const auto answer = orven::AnswerTo(CommandLine(count, arguments))) return Print(*answer);
-  if (CommandLine(count, arguments) == "--check") return Check(count, arguments);
+  if (CommandLine(count, arguments) == "--check") {
+    const QCoreApplication application(count, arguments);  // needs no display
+    return Check();
+  }
   orven::RaiseFileLimit();
   const auto application = orven::MakeApplication(count, arguments);
   const auto line = CommandLine(count, arguments);  // without Qt's own options
   if (const auto answer = orven::AnswerTo(line)) return Print(*answer);
+  if (line == "--check") return Check();
   if (orven::IsStart(line)) return RunMachine(line);
   std::cerr << "ORVEN: there is no option \"" << line << "\"; orven --help lists all" << std::endl;
   return orven::kUsageError;

@@ -9,6 +9,7 @@
 
 #include "adapters/line/config/codec_list.h"
 #include "adapters/line/config/line_keys.h"
+#include "base/conversions.h"
 
 namespace orven {
 namespace {
@@ -199,10 +200,7 @@ SipLineSettings SipSettingsOf(const LineSection& section, const std::filesystem:
 }
 
 std::chrono::seconds IdleLimitOf(const LineSection& section) {
-  const auto text = Value(section, "idle_seconds");
-  int seconds = kIdleSeconds;
-  std::from_chars(text.data(), text.data() + text.size(), seconds);
-  return std::chrono::seconds(seconds);
+  return std::chrono::seconds(WholeNumber<int>(Value(section, "idle_seconds")).value_or(kIdleSeconds));
 }
 
 std::string ScriptOf(const LineSection& section, const std::filesystem::path& folder) {
