@@ -602,10 +602,6 @@
         <translation>Der Name einer Ansage darf ? \ / | * &lt; &gt; : &quot; nicht enthalten</translation>
     </message>
     <message>
-        <source>it cannot be read</source>
-        <translation>Lesen nicht möglich</translation>
-    </message>
-    <message>
         <source>The move of the messages to %1 was interrupted and cannot continue.
 
 %2
@@ -698,10 +694,6 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>The test call failed: %1.</source>
         <translation>Der Testanruf ist fehlgeschlagen: %1.</translation>
-    </message>
-    <message>
-        <source>The test failed: %1</source>
-        <translation>Der Test ist fehlgeschlagen: %1</translation>
     </message>
     <message>
         <source>Registration failed: %1: %2</source>
@@ -800,12 +792,8 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <translation>%1, mit TLS bei %2</translation>
     </message>
     <message>
-        <source>Calls cannot come in: %1.</source>
-        <translation>Anrufe können nicht ankommen: %1.</translation>
-    </message>
-    <message>
         <source>Another program uses port %1: end it, or choose another port in Options, Devices</source>
-        <translation>Ein anderes Programm belegt Port %1: es beenden oder unter Einstellungen, Geräte einen anderen Port wählen</translation>
+        <translation>Port %1 ist belegt: das Programm dort beenden oder unter Einstellungen, Geräte ändern</translation>
     </message>
     <message>
         <source>The address for calls %2 is not there: connect its network, or use * in Options, Devices</source>
@@ -1069,7 +1057,7 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
     <message>
         <source>the records of calls</source>
-        <translation>die Aufzeichnungen der Anrufe</translation>
+        <translation>die Anrufliste</translation>
     </message>
     <message>
         <source>mail</source>
@@ -1209,15 +1197,15 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
     <message>
         <source>Mails: %1 failed, %2 not sent yet: %3</source>
-        <translation>E-Mails: %1 fehlgeschlagen, %2 noch nicht gesendet: %3</translation>
+        <translation>E-Mails: %1 nicht zu senden, %2 noch nicht gesendet: %3</translation>
     </message>
     <message>
         <source>A mail failed: %1</source>
-        <translation>Eine E-Mail ist fehlgeschlagen: %1</translation>
+        <translation>Eine E-Mail ließ sich nicht senden: %1</translation>
     </message>
     <message>
         <source>%1 mails failed: %2</source>
-        <translation>%1 E-Mails sind fehlgeschlagen: %2</translation>
+        <translation>%1 E-Mails ließen sich nicht senden: %2</translation>
     </message>
     <message>
         <source>A mail waits: %1</source>
@@ -1230,6 +1218,18 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <message>
         <source>A setting of the line is wrong, %1: correct it in Options, Devices</source>
         <translation>Eine Angabe der Leitung ist falsch, %1: unter Einstellungen, Geräte berichtigen</translation>
+    </message>
+    <message>
+        <source>The test failed: %1.</source>
+        <translation>Der Test ist fehlgeschlagen: %1.</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>
@@ -1320,7 +1320,7 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
     <message>
         <source>Number</source>
-        <translation>Nummer</translation>
+        <translation>Rufnummer</translation>
     </message>
     <message>
         <source>Name</source>
@@ -1497,6 +1497,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>%1 %2.</source>
         <translation>%1 %2.</translation>
     </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
 </context>
 <context>
     <name>orven::EmptyCallList</name>
@@ -1622,6 +1626,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>Trouble with the telephone line</source>
         <translation>Störung der Telefonleitung</translation>
     </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
 </context>
 <context>
     <name>orven::LineManager</name>
@@ -1697,7 +1705,7 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     <name>orven::MailSender</name>
     <message>
         <source>%1; after three days it is not tried again but kept as %2</source>
-        <translation>%1; nach drei Tagen wird sie nicht mehr versucht, sondern als %2 aufbewahrt</translation>
+        <translation>%1; nach drei Tagen wird sie nicht mehr gesendet, sondern als %2 aufbewahrt</translation>
     </message>
 </context>
 <context>
@@ -2480,8 +2488,8 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
 <context>
     <name>orven::TelephonyControl</name>
     <message>
-        <source>The line cannot be opened: %1</source>
-        <translation>Die Leitung lässt sich nicht öffnen: %1</translation>
+        <source>The line cannot be opened (%1)</source>
+        <translation>Die Leitung lässt sich nicht öffnen (%1)</translation>
     </message>
 </context>
 <context>
@@ -2905,7 +2913,7 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
     </message>
     <message>
         <source>Automatic (as the server&apos;s name says, else UDP)</source>
-        <translation>Automatisch (wie beim Servernamen hinterlegt, sonst UDP)</translation>
+        <translation>Automatisch (nach dem Servernamen, sonst UDP)</translation>
     </message>
     <message>
         <source>UDP</source>

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/runtime_error.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
@@ -49,6 +50,12 @@ std::optional<Fault> FindFault(const Choices& choices) {
   return std::nullopt;
 }
 
+MailAccount AccountOf(const Choices& choices) {
+  MailAccount account{choices.Text("SMTPServer"), choices.Text("SMTPUser"), choices.Text("SMTPPass")};
+  account.require_encryption = !account.user.empty() && choices.On("SMTPSecure");
+  return account;
+}
+
 }  // namespace
 
 bool IsMailAddress(const std::string& text) {
@@ -59,10 +66,8 @@ bool IsMailAddress(const std::string& text) {
          text.find_first_of(kRefused) == std::string::npos && text.find("..") == std::string::npos;
 }
 
-MailAccount AccountOf(const Choices& choices) {
-  MailAccount account{choices.Text("SMTPServer"), choices.Text("SMTPUser"), choices.Text("SMTPPass")};
-  account.require_encryption = !account.user.empty() && choices.On("SMTPSecure");
-  return account;
+MailAccount StoredAccount(SettingsStore& store) {
+  return AccountOf(store.StoredChoices(Group::Actions, ErrorTrap::Silent()));
 }
 
 void ActionsDialog::Load(const std::function<void(const Choices&)>& show) {
@@ -75,8 +80,8 @@ void ActionsDialog::ShowParameters() {
   parts_.dialogs.Message(Words(kParameters));
 }
 
-std::string ActionsDialog::Test(std::string command) {
-  std::string problem;
+Words ActionsDialog::Test(std::string command) {
+  Words problem;
   const ErrorTrap trap(parts_.log, "Error Send To APP ->");
   trap([&] {
     const auto now = parts_.clock.Now();
@@ -89,7 +94,7 @@ std::string ActionsDialog::Test(std::string command) {
     try {
       parts_.shell.Run(command, kNormalWindow, CallEnvironment(details, details.message_path, kTestSeconds));
     } catch (const std::exception& error) {
-      problem = error.what();
+      problem = ReasonOf(error);
       throw;
     }
   });

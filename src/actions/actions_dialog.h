@@ -18,8 +18,8 @@ namespace orven {
 /// two dots in a row and none of the characters !#$%^&*()=+{}[]|\;:'"/?>,< and blank.
 bool IsMailAddress(const std::string& text);
 
-/// The mail account among the chosen or stored settings of the actions.
-MailAccount AccountOf(const Choices& choices);
+/// The mail account that is stored among the settings of the actions.
+MailAccount StoredAccount(SettingsStore& store);
 
 /// The rules of the actions dialog: the mail and the program that follow a call. Failures are logged.
 /// User-interface thread.
@@ -44,9 +44,9 @@ class ActionsDialog {
   /// `cmdParm`: lists the placeholders.
   void ShowParameters();
 
-  /// `frmTest`: starts the program of `command` with made-up call details. Returns an error text for the
-  /// user; empty on success.
-  std::string Test(std::string command);
+  /// `frmTest`: starts the program of `command` with made-up call details. Returns what failed;
+  /// empty on success.
+  Words Test(std::string command);
 
   /// What the window says about mails that wait or have failed; empty when there are none.
   Words MailProblem() const { return DescribeMails(parts_.Mail1.State()); }

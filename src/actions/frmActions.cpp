@@ -93,7 +93,7 @@ QWidget* frmActions::MakeApplication() {
 
 void frmActions::Test() {
   const auto problem = engine_.Test(form_.Taken().Text("AppTo"));
-  test_result_->setText(problem.empty() ? tr("Started.") : QString::fromStdString(problem));
+  test_result_->setText(problem.Empty() ? tr("Started.") : Shown(problem));
 }
 
 void frmActions::Ok() {

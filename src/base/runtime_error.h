@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "base/words.h"
 
@@ -48,6 +50,9 @@ constexpr const char* DescriptionOf(ErrorNumber number) {
   return Tr("Internal error");
 }
 
+/// Between the description and the detail of a failed statement.
+inline constexpr std::string_view kBeforeDetail = ": ";
+
 /// A failed statement: a number and the text for the log. Ports throw it where their contract says so; the
 /// error trap of the running routine turns it into one log line.
 class RuntimeError : public std::runtime_error {
@@ -56,12 +61,17 @@ class RuntimeError : public std::runtime_error {
 
   /// `detail` names what is wrong and where; it follows the description after ": ".
   RuntimeError(ErrorNumber number, const std::string& detail)
-      : std::runtime_error(std::string(DescriptionOf(number)) + ": " + detail), number_(number) {}
+      : std::runtime_error(std::string(DescriptionOf(number)).append(kBeforeDetail) + detail),
+        number_(number) {}
 
   std::int32_t Number() const { return static_cast<std::int32_t>(number_); }
 
  private:
   ErrorNumber number_;
 };
+
+/// What failed, for people: in English it is what().
+Words ReasonOf(const std::exception& failure);
+Words ReasonOf(const std::exception_ptr& failure);
 
 }  // namespace orven

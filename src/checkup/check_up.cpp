@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-#include "actions/actions_engine.h"
+#include "actions/actions_dialog.h"
 #include "base/runtime_error.h"
 #include "core/error_trap.h"
 #include "greetings/greeting_library.h"
@@ -37,14 +37,14 @@ void TryToWrite(Files& files, const std::string& folder) {
   files.Delete(path);
 }
 
-/// What `work` throws, as a sentence; nothing when it succeeds.
+/// Why `work` fails; nothing when it succeeds.
 template <class Work>
-std::optional<std::string> FailureOf(const Work& work) {
+std::optional<Words> FailureOf(const Work& work) {
   try {
     work();
     return std::nullopt;
   } catch (const std::exception& error) {
-    return error.what();
+    return ReasonOf(error);
   }
 }
 
@@ -84,7 +84,7 @@ void CheckUp::Set(CheckLink link, CheckResult result) {
 void CheckUp::CheckLine() {
   const auto& health = parts_.line.Health();
   if (!health.trouble.Empty()) {
-    Set(CheckLink::Line, Bad(health.trouble));
+    Set(CheckLink::Line, Bad(Words("%1.").Arg(health.trouble)));
   } else if (health.on) {
     Set(CheckLink::Line, Good(Words("\"%1\" is open.").Arg(parts_.settings.ModemName)));
   } else {
@@ -146,7 +146,7 @@ void CheckUp::CheckSounds() {
 void CheckUp::CheckDisk() {
   struct Found {
     std::uint64_t room = 0;
-    std::optional<std::string> no_room, failure;
+    std::optional<Words> no_room, failure;
     Clock::WallTime written{};
   };
   const auto found = std::make_shared<Found>();
@@ -193,7 +193,8 @@ void CheckUp::CheckCard() {
 
 void CheckUp::CheckMail() {
   if (parts_.settings.pMailTo == 0) return Set(CheckLink::Mail, Note(Tr("Mail is switched off.")));
-  mail_test_ = parts_.mail.TryServer(parts_.account(), [this, round = round_](const MailTestResult& result) {
+  const auto account = StoredAccount(parts_.store);
+  mail_test_ = parts_.mail.TryServer(account, [this, round = round_](const MailTestResult& result) {
     if (round != round_) return;
     if (!result.passed) return Set(CheckLink::Mail, Bad(result.text));
     const Words kept = DescribeMails(parts_.Mail1.State());

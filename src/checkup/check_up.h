@@ -36,7 +36,7 @@ class CheckUp {
     SoundCardNames& cards;
     MailTests& mail;
     const MailControl& Mail1;
-    std::function<MailAccount()> account;  ///< of the settings
+    SettingsStore& store;
     DatabaseControl& DataBase1;
     const LineManager& line;
     const MessageFolders& folders;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/runtime_error.h"
+
 namespace orven {
 namespace {
 
@@ -24,16 +26,6 @@ Words CountText(std::size_t count) {
     digits.insert(static_cast<std::size_t>(at), ",");
   }
   return (count == 1 ? Words("%1 line") : Words("%1 lines")).Arg(digits);
-}
-
-Words ReasonOf(const std::exception_ptr& failure) {
-  try {
-    std::rethrow_exception(failure);
-  } catch (const std::exception& reason) {
-    return Words(reason.what());
-  } catch (...) {
-    return Words("it cannot be read");
-  }
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ void LineAlarm::Take(const LineHealth& line) {
 void LineAlarm::Raise() {
   tmrPatience_->Stop();
   shown_ = notifications_.Show({.title = Words("Trouble with the telephone line"),
-                                .text = trouble_,
+                                .text = Words("%1.").Arg(trouble_),
                                 .urgent = true,
                                 .click = open_window_});
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/runtime_error.h"
 #include "core/error_trap.h"
 
 namespace orven {
@@ -94,12 +95,12 @@ bool LinesDialog::Ok() {
   std::vector<TelephoneLine> lines;
   for (const auto& entry : lines_) lines.push_back(entry.line);
   const ErrorTrap trap(parts_.log, "ErrSaveLines->");
-  std::string problem;
+  Words problem;
   const bool stored = trap([&] {
     try {
       parts_.lines.Store(lines);
     } catch (const std::exception& error) {
-      problem = error.what();
+      problem = ReasonOf(error);
       throw;
     }
   });

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "base/runtime_error.h"
 #include "core/error_trap.h"
 #include "core/mdlReg.h"
 
@@ -46,16 +47,6 @@ Words StayedText(const std::string& folder, const std::vector<std::string>& name
   if (names.size() <= kNamedInBox) return text;
   const auto rest = static_cast<std::int64_t>(names.size() - kNamedInBox);
   return Words("%1\nand %2 more, which the system log names").Arg(std::move(text)).Arg(rest);
-}
-
-Words Reason(const std::exception_ptr& failure) {
-  try {
-    std::rethrow_exception(failure);
-  } catch (const std::exception& error) {
-    return std::string(error.what());
-  } catch (...) {
-    return Words("unknown");
-  }
 }
 
 void Log(SystemLog& log, const std::exception_ptr& failure) {
@@ -150,7 +141,7 @@ void MessageMove::Try(const std::string& folder, bool old_needed) {
 void MessageMove::Tried(bool same_folder, const std::exception_ptr& failure) {
   if (failure) {
     Log(parts_.log, failure);
-    return Refuse(Reason(failure));
+    return Refuse(ReasonOf(failure));
   }
   if (same_folder) return End();
   if (const auto reason = ReasonAgainst(); !reason.Empty()) return Refuse(reason);

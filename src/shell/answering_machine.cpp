@@ -154,8 +154,7 @@ OwnCall::Parts AnsweringMachine::ForOwnCall(OwnCaller& caller) {
           ports_.WavePlay, ListView1,         player, settings, home};
 }
 
-CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& reader,
-                                            std::function<MailAccount()> account) {
+CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReader& reader) {
   return {ports_.loop,
           ports_.background,
           ports_.clock,
@@ -165,7 +164,7 @@ CheckUp::Parts AnsweringMachine::ForCheckUp(TelephoneLines& lines, WaveformReade
           ports_.cards,
           ports_.mail_tests,
           ports_.Mail1,
-          std::move(account),
+          store,
           ports_.DataBase1,
           line,
           folders,

@@ -142,9 +142,8 @@ class AnsweringMachine {
   /// The parts of a call that the machine makes to itself.
   OwnCall::Parts ForOwnCall(OwnCaller& caller);
 
-  /// The parts of a check-up with its own `lines` and `reader`; `account` is that of the settings.
-  CheckUp::Parts ForCheckUp(TelephoneLines& lines, WaveformReader& reader,
-                            std::function<MailAccount()> account);
+  /// The parts of a check-up with its own `lines` and `reader`.
+  CheckUp::Parts ForCheckUp(TelephoneLines& lines, WaveformReader& reader);
 
  private:
   std::optional<std::int32_t> LineLevel() const;

@@ -102,7 +102,7 @@ Words TelephonyControl::OpenTroubleOf(std::int32_t index) const {
   const auto* line = At(index);
   if (line == nullptr || line->failure.result == kTelephonyOk) return {};
   if (!line->failure.trouble.Empty()) return line->failure.trouble;
-  return Words("The line cannot be opened: %1").Arg(Words(ErrorText(line->failure.result).c_str()));
+  return Words("The line cannot be opened (%1)").Arg(Words(ErrorText(line->failure.result).c_str()));
 }
 
 std::string TelephonyControl::ErrorText(std::int32_t result) const {

@@ -15,6 +15,7 @@
 #include "adapters/mail/mail_text.h"
 #include "adapters/mail/message.h"
 #include "adapters/mail/smtp_dialogue.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {
@@ -199,7 +200,7 @@ MailOutcome WithServer(const std::string& text, const Work& work) try {
       Words("\"%1\" is not a mail server: name, name:port, smtp://name or smtps://name is expected")
           .Arg(OneLine(text)));
 } catch (const std::exception& failure) {
-  return Transfer::Failed(std::string(failure.what()));
+  return Transfer::Failed(ReasonOf(failure));
 }
 
 }  // namespace

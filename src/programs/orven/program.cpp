@@ -9,10 +9,10 @@
 #include <system_error>
 #include <utility>
 
+#include "actions/actions_dialog.h"
 #include "adapters/desktop/application.h"
 #include "adapters/desktop/installation.h"
 #include "adapters/line/setup/line_devices.h"
-#include "core/mdlReg.h"
 #include "records/call.h"
 #include "records/message_recovery.h"
 #include "widgets/icons.h"
@@ -97,7 +97,7 @@ Program::Program(Folders folders)
       colours_(HasDisplay()),
       sleep_([this](const std::string& text) { Report(text); }),
       mail_(
-          loop_, clock_, home_.Path(kOutbox), [this] { return Account(); },
+          loop_, clock_, home_.Path(kOutbox), [this] { return StoredAccount(window_.Machine().store); },
           [this](const std::string& text) { Report(text); }),
       mail_tests_(loop_, &InUsersLanguage),
       program_dialogs_(Ports(), [this] { cards_.Look(); }),
@@ -106,8 +106,7 @@ Program::Program(Folders folders)
   QApplication::setWindowIcon(frame_.windowIcon());
   window_.Machine().line.Listen([this](const LineHealth& line) { TellOfTrouble(line); });
   program_dialogs_.Attach(window_.Machine(), frame_);
-  program_dialogs_.AttachCheckUp(
-      own_caller_, [this] { return PortsForCheckUp(); }, [this] { return Account(); });
+  program_dialogs_.AttachCheckUp(own_caller_, [this] { return PortsForCheckUp(); });
   program_dialogs_.AttachLines(configured_lines_, [this] { return UseChangedLines(); });
   frame_.Attach(window_);
   caller_view_.SetClicks(&window_.Machine().caller_view);
@@ -160,8 +159,7 @@ void Program::CheckForOther(const InstanceLink::Answer& answer) {
     loop_.Post(lifeline_.Bind([this] { checks_.remove_if([](const auto& one) { return one.answered; }); }));
   };
   check.check_up = std::make_unique<CheckUp>(
-      window_.Machine().ForCheckUp(check.ports->lines, check.ports->reader, [this] { return Account(); }),
-      changed);
+      window_.Machine().ForCheckUp(check.ports->lines, check.ports->reader), changed);
   check.check_up->Start();
 }
 
@@ -174,17 +172,6 @@ AutostartSource Program::Autostart() const {
           .program = QApplication::applicationFilePath().toStdString(),
           .application_folder = folders_.application,
           .folder_by_environment = !qEnvironmentVariableIsEmpty("ORVEN_HOME")};
-}
-
-/// The mail server of the settings, with its login.
-MailAccount Program::Account() {
-  const auto stored = [this](const char* name) {
-    auto text = GetRegValue(registry_, RegistryRoot::LocalMachine, kSettingsKey, name);
-    return text == kNotFound ? std::string() : text;
-  };
-  MailAccount account{stored("SMTPServer"), stored("SMTPUser"), stored("SMTPPass")};
-  account.require_encryption = !account.user.empty() && stored("SMTPSecure") != "0";
-  return account;
 }
 
 std::vector<TelephoneDevice> Program::MakeLines() {

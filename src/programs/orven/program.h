@@ -81,7 +81,6 @@ class Program {
   void CheckForOther(const InstanceLink::Answer& answer);
   std::string HelperPath() const;
   AutostartSource Autostart() const;
-  MailAccount Account();
   void Report(const std::string& problem);
   std::function<void(const std::string&)> ReportFromAnyThread();
   std::vector<TelephoneDevice> MakeLines();

@@ -94,18 +94,15 @@ std::string ProgramDialogs::OpenLines(QWidget* parent) {
   return engine.Added();
 }
 
-void ProgramDialogs::AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports,
-                                   std::function<MailAccount()> account) {
+void ProgramDialogs::AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports) {
   own_caller_ = &caller;
   check_up_ports_ = std::move(ports);
-  mail_account_ = std::move(account);
 }
 
 void ProgramDialogs::OpenCheckUp() {
   look_for_cards_();
   const auto ports = check_up_ports_();
-  frmCheckUp(machine_->ForCheckUp(ports->lines, ports->reader, mail_account_),
-             machine_->ForOwnCall(*own_caller_), window_)
+  frmCheckUp(machine_->ForCheckUp(ports->lines, ports->reader), machine_->ForOwnCall(*own_caller_), window_)
       .exec();
 }
 

@@ -34,10 +34,8 @@ class ProgramDialogs : public DialogFactory {
   /// Opens the dialog of the telephone lines, on top of the options dialog `parent`.
   std::string OpenLines(QWidget* parent);
 
-  /// What Tools, Check-up works with: who calls the machine's own line, the ports of one check-up, and the
-  /// mail account of the settings.
-  void AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports,
-                     std::function<MailAccount()> account);
+  /// What Tools, Check-up works with: who calls the machine's own line, and the ports of one check-up.
+  void AttachCheckUp(OwnCaller& caller, std::function<std::unique_ptr<CheckUpPorts>()> ports);
 
   void Open(Dialog dialog, int tab) override;
 
@@ -59,7 +57,6 @@ class ProgramDialogs : public DialogFactory {
   TelephoneLines* lines_ = nullptr;
   OwnCaller* own_caller_ = nullptr;
   std::function<std::unique_ptr<CheckUpPorts>()> check_up_ports_;
-  std::function<MailAccount()> mail_account_;
   std::function<bool()> use_changed_lines_;
 };
 

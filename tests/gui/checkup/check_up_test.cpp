@@ -34,8 +34,8 @@ class CheckUpWindow : public WindowTest {
   }
   /// Opens the window, lets every check but those of `hangs` end, and returns what the rows show.
   std::string Check(const std::string& hangs = "") {
-    window.emplace(world.Machine().ForCheckUp(lines, world.waveforms, [] { return MailAccount{"mail"}; }),
-                   world.Machine().ForOwnCall(caller), nullptr);
+    window.emplace(world.Machine().ForCheckUp(lines, world.waveforms), world.Machine().ForOwnCall(caller),
+                   nullptr);
     Show(*window);
     if (hangs != "line" && lines.done) lines.done(line);
     for (const auto& peaks : {greeting, beep}) world.waveforms.done({peaks, 1s});

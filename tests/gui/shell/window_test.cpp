@@ -124,7 +124,7 @@ TEST_F(Window, TheLineIsSwitchedByButtonAndTrayMenuAndTheyShowItsState) {
   desk.Do("mnuOff");
   desk.line->failure = {kTelephonyLineInUse, "the port is taken"};
   desk.Do("Toolbar1.OnOff");
-  EXPECT_TRUE(state().startsWith("Off|On|Off|The line cannot be opened: ")) << "tried again until turned off";
+  EXPECT_TRUE(state().startsWith("Off|On|Off|The line cannot be opened (")) << "tried again until turned off";
 }
 
 TEST_F(Window, AQuickOptionIsStoredOnlyWhenAPersonChangesIt) {

@@ -239,7 +239,7 @@ TEST_F(TelephonyTest, LastingTroubleIsNotifiedOnceAndItsEndToo) {
   EXPECT_THAT(told, IsEmpty()) << "it was soon over";
   has("Silent: b", 20s);
   has("Refused: c", 600s);
-  EXPECT_THAT(told, ElementsAre("Trouble with the telephone line|Refused: c"));
+  EXPECT_THAT(told, ElementsAre("Trouble with the telephone line|Refused: c."));
   window->Unload();
   notifications.shown.rbegin()->second.click();
   EXPECT_TRUE(views.shown && !Machine().window_hidden);

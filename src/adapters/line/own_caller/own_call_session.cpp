@@ -8,6 +8,7 @@
 
 #include "adapters/line/sip/listen_address.h"
 #include "adapters/line/sip/session_description.h"
+#include "base/runtime_error.h"
 
 namespace orven {
 namespace {
@@ -55,7 +56,7 @@ OwnCallSession::~OwnCallSession() {
 void OwnCallSession::Begin() try {
   if (auto fault = Call(); !fault.Empty()) End(std::move(fault));
 } catch (const std::exception& error) {
-  End(Words("The test call failed: %1.").Arg(std::string(error.what())));
+  End(Words("The test call failed: %1.").Arg(ReasonOf(error)));
 }
 
 Words OwnCallSession::Call() {

@@ -29,7 +29,7 @@ LineTestResult Outcome(const LineTestRun::Work& work, const std::atomic<bool>& c
   try {
     return work(cancelled);
   } catch (const std::exception& error) {
-    return {false, Words("The test failed: %1").Arg(std::string(error.what()))};
+    return {false, Words("The test failed: %1.").Arg(ReasonOf(error))};
   }
 }
 

@@ -76,12 +76,6 @@ Words NoAnswer(const SipAccount& account, milliseconds patience) {
   return Words(words).Arg(NamesOf(account.address).server).Arg(seconds);
 }
 
-std::string Sentence(std::string words) {
-  if (!words.empty() && words[0] >= 'a' && words[0] <= 'z')
-    words[0] = static_cast<char>(words[0] - 'a' + 'A');
-  return words + '.';
-}
-
 /// All accounts are registered.
 Words Success(const std::vector<SipAccount>& accounts, const Words& where) {
   if (accounts.empty()) return Words("Calls can come in at %1; there is no account to register.").Arg(where);
@@ -104,7 +98,7 @@ LineTestResult ResultOf(const SipLineSettings& settings, const RegistrationNews&
   const auto about = std::ranges::find(settings.accounts, news.account, &SipAccount::address);
   const auto& account = about != settings.accounts.end() ? *about : settings.accounts.front();
   if (news.state == State::Trying) return {false, NoAnswer(account, patience)};
-  return {false, news.status != 0 ? AnswerWords(account, news) : Sentence(news.reason)};
+  return {false, news.status != 0 ? AnswerWords(account, news) : Words("%1.").Arg(news.trouble)};
 }
 
 /// Makes `address` usable for a test; otherwise says why it cannot be.
@@ -149,7 +143,8 @@ LineTestResult ProbeSipLine(SipLineSettings settings, const SipProbeOptions& opt
   settings.timers.registration_life = std::chrono::seconds(60);
   const auto driver = MakeSipLine(settings);
   if (const auto failure = driver->Open(Ignore))
-    return {false, Words("Calls cannot come in: %1.").Arg(failure->reason), "txtListen"};
+    return {false, Words("%1.").Arg(failure->trouble.Empty() ? Words(failure->reason) : failure->trouble),
+            "txtListen"};
   const auto end = std::chrono::steady_clock::now() + options.patience;
   const auto waits = [&] { return !cancelled && std::chrono::steady_clock::now() < end; };
   while (!settings.accounts.empty() && latest->Get().state == State::Trying && waits())
