@@ -1374,11 +1374,11 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
     <message>
         <source>Line Connected</source>
-        <translation>Leitung verbunden</translation>
+        <translation>Verbunden</translation>
     </message>
     <message>
         <source>Line Disconnected</source>
-        <translation>Leitung getrennt</translation>
+        <translation>Getrennt</translation>
     </message>
 </context>
 <context>

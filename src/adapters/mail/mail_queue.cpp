@@ -65,6 +65,11 @@ void MailQueue::Remove(const QueuedMail& mail) {
   std::erase_if(mails_, [&](const QueuedMail& each) { return &each == &mail; });
 }
 
+QueuedMail* MailQueue::Unkept() {
+  const auto found = std::ranges::find(mails_, "", &QueuedMail::file);
+  return found != mails_.end() ? &*found : nullptr;
+}
+
 std::size_t MailQueue::Waiting() const {
   std::map<std::string_view, bool> failed;
   for (const auto& mail : mails_) failed.try_emplace(mail.envelope.server, mail.envelope.tries > 0);

@@ -48,6 +48,9 @@ class MailQueue {
   /// Removes a mail that Due returned, perhaps some time ago. No other mail may have been removed meanwhile.
   void Remove(const QueuedMail& mail);
 
+  /// The oldest mail without a file; nullptr when there is none.
+  QueuedMail* Unkept();
+
   bool Empty() const { return mails_.empty(); }
 
   /// The number of mails to servers whose oldest mail has failed.

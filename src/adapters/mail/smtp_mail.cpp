@@ -93,6 +93,14 @@ std::string SmtpMail::Keep(const Envelope& envelope) {
   }
 }
 
+/// Mails that could not be kept when they came.
+void SmtpMail::KeepOthers() {
+  for (auto* mail = queue_.Unkept(); mail != nullptr; mail = queue_.Unkept()) {
+    mail->file = Keep(mail->envelope);
+    if (mail->file.empty()) return;
+  }
+}
+
 bool SmtpMail::Start(std::function<void(MailSender&)> task) {
   const bool started = worker_.Post([sender = sender_, task = std::move(task)] { task(*sender); });
   if (!started) warning_("mails wait: no thread can be started");
@@ -165,6 +173,7 @@ void SmtpMail::Tried(const TriedMail& tried) {
   if (tried.state == TriedMail::State::Waits) {
     mail.envelope = tried.envelope;
     mail.tried = now;
+    KeepOthers();
   } else {
     queue_.Remove(mail);
   }

@@ -40,8 +40,9 @@ class SmtpMail final : public MailControl {
   void SetEvents(MailEvents* events) override { events_ = events; }
 
   /// Writes the mail's details (not the attachment) to the outbox before it returns. When that fails
-  /// (a full disk), `warning` is called and the mail is sent all the same. A mail that an earlier run left is
-  /// not sent again: that run was killed before it could note that it had handed the mail over.
+  /// (a full disk), `warning` is called and the mail is sent all the same; while it waits, writing is tried
+  /// again. A mail that an earlier run left is not sent again: that run was killed before it could note that
+  /// it had handed the mail over.
   void Send(const std::string& server, const std::string& sender, const std::string& sender_name,
             const std::string& recipient, const std::string& subject, const std::string& attachment,
             const std::string& text) override;
@@ -58,6 +59,7 @@ class SmtpMail final : public MailControl {
  private:
   MailSender::Reports Reports();
   std::string Keep(const Envelope& envelope);
+  void KeepOthers();
   bool Start(std::function<void(MailSender&)> task);
   void Load(const std::string& file);
   void SendNext();

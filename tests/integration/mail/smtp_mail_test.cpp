@@ -210,6 +210,10 @@ TEST_F(MailTest, IsSentEvenWhenTheOutboxCannotBeWritten) {
   PutFile(outbox_, "a file where the folder belongs");
   EXPECT_THAT(Sent(server.Address()), StartsWith("warning: a mail is not kept for the next start: "));
   EXPECT_EQ(Told(), "done me@example.org");
+  Send("127.0.0.1:1");
+  std::filesystem::remove(outbox_);
+  Pass(std::chrono::minutes(1));
+  EXPECT_EQ(Files(".mail"), 1) << "it is kept as soon as possible";
 }
 
 }  // namespace
