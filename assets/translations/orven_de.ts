@@ -206,6 +206,10 @@
         <source>&quot;%1&quot; is not a mail server: name, name:port, smtp://name or smtps://name is expected</source>
         <translation>„%1“ ist kein Mailserver: erwartet wird Name, Name:Port, smtp://Name oder smtps://Name</translation>
     </message>
+    <message>
+        <source>there is no mail server</source>
+        <translation>der Mailserver fehlt</translation>
+    </message>
 </context>
 <context>
     <name>orven</name>
@@ -793,7 +797,7 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
     </message>
     <message>
         <source>Another program uses port %1: end it, or choose another port in Options, Devices</source>
-        <translation>Port %1 ist belegt: das Programm dort beenden oder unter Einstellungen, Geräte ändern</translation>
+        <translation>Port %1 ist belegt: Programm dort beenden oder unter Einstellungen, Geräte ändern</translation>
     </message>
     <message>
         <source>The address for calls %2 is not there: connect its network, or use * in Options, Devices</source>

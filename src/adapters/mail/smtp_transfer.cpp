@@ -195,6 +195,7 @@ std::optional<MailOutcome> Refusal(const Envelope& envelope) {
 /// Runs `work` with the parsed address of a server.
 template <class Work>
 MailOutcome WithServer(const std::string& text, const Work& work) try {
+  if (text.empty()) return Transfer::Failed(Words("there is no mail server"));
   if (const auto server = ParseMailServer(text)) return work(*server);
   return Transfer::Failed(
       Words("\"%1\" is not a mail server: name, name:port, smtp://name or smtps://name is expected")
