@@ -112,7 +112,7 @@ std::optional<std::size_t> SetupAssistant::MadeBefore(TelephoneKind kind) const 
     const auto& line = lines_->At(i);
     const auto its = KindOf(line);
     if ((line.name == own || kind == TelephoneKind::Try) &&
-        (its == kind || HasServer(its) == HasServer(kind)))
+        (its == kind || (HasServer(its) && HasServer(kind))))
       return i;
   }
   return std::nullopt;

@@ -106,8 +106,8 @@ TEST_F(SetupWindow, EachKindOfTelephoneAsksForWhatItNeedsAndIsStoredOnce) {
   } kinds[] = {
       {"optRouter", "txtUser=620", "192.168.1.1 620 0.0.0.0:50602 ", 1},
       {"optAccount", "txtServer=sip.example.org txtUser=4711", "sip.example.org 4711 0.0.0.0:50602 ", 1},
-      {"optModem", "", "  0.0.0.0:5060 auto", 1},
       {"optTry", "", "  127.0.0.1:50602 ", 0},
+      {"optModem", "", "  0.0.0.0:5060 auto", 1},
   };
   lines.taken = {"0.0.0.0:5060", "127.0.0.1:5060"};
   const auto fresh = lines.configured;
