@@ -2963,10 +2963,6 @@ Das konnte nicht gespeichert werden; Näheres im Systemprotokoll. Es wird beim n
         <translation>Am Server anmelden oder das Modem abfragen und Fehler melden</translation>
     </message>
     <message>
-        <source>Result of the test</source>
-        <translation>Ergebnis des Tests</translation>
-    </message>
-    <message>
         <source>S&amp;top</source>
         <translation>Abbr&amp;echen</translation>
     </message>

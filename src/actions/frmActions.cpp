@@ -64,6 +64,7 @@ void frmActions::TestMail() {
   mail_result_->setText(tr("Sending a test mail…"));
   engine_.TestMail(form_.Taken(), [this](const MailTestResult& result) {
     mail_result_->setText(Shown(result.text));
+    Announce(*mail_result_);
     cmdTestMail_->setEnabled(true);
   });
 }
@@ -94,6 +95,7 @@ QWidget* frmActions::MakeApplication() {
 void frmActions::Test() {
   const auto problem = engine_.Test(form_.Taken().Text("AppTo"));
   test_result_->setText(problem.Empty() ? tr("Started.") : Shown(problem));
+  Announce(*test_result_);
 }
 
 void frmActions::Ok() {

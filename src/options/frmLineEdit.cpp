@@ -332,6 +332,7 @@ void frmLineEdit::ShowFault(const LineFault& fault) {
   lblFault_->setText(Shown(fault.text));
   lblFault_->show();
   control->setFocus();
+  Announce(*lblFault_);
   page_->Reveal(*lblFault_);
 }
 

@@ -40,7 +40,6 @@ frmLineTest::frmLineTest(LinesDialog& engine, std::function<std::optional<Teleph
       icon_(MakeChild<QLabel>(this)),
       lblTestResult_(MakeChild<WholeText>("lblTestResult", this, kResultWidth, kResultLines)) {
   cmdTest_->setToolTip(tr("Register at the server, or query the modem, and report any problem"));
-  lblTestResult_->setAccessibleName(tr("Result of the test"));
   lblTestResult_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   lblTestResult_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   auto* row = MakeFlat<QHBoxLayout>(this);
@@ -74,6 +73,7 @@ void frmLineTest::Show(const QString& text, std::optional<bool> passed) {
                    ->standardIcon(*passed ? QStyle::SP_DialogApplyButton : QStyle::SP_MessageBoxWarning)
                    .pixmap(size)
              : QPixmap());
+  if (!text.isEmpty()) Announce(*lblTestResult_);
 }
 
 void frmLineTest::Click() {

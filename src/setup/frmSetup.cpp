@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "setup/frmSetup.h"
 
-#include <QAccessible>
 #include <QScreen>
 #include <QScrollArea>
 #include <QStyle>
@@ -155,8 +154,7 @@ void frmSetup::ShowFound(const LineTestResult& found, bool usable) noexcept {
   const auto name = QString::fromUtf8(found.control.data(), int(found.control.size()));
   auto* field = name.isEmpty() ? nullptr : telephone_->findChild<QWidget*>(name);
   if (failed && field != nullptr && field->isVisible()) field->setFocus();
-  QAccessibleEvent told(lblFound_, QAccessible::Alert);
-  QAccessible::updateAccessibility(&told);
+  Announce(*lblFound_);
 }
 
 void frmSetup::ShowGreeting(const std::string& name) noexcept {

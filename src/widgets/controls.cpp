@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/controls.h"
 
+#include <QAccessible>
 #include <QEvent>
 #include <QHelpEvent>
 #include <QPainter>
@@ -37,6 +38,11 @@ QLabel* MakeCaption(const QString& text, QWidget* buddy) {
   auto* label = MakeChild<QLabel>(text, buddy->parentWidget());
   label->setBuddy(buddy);
   return label;
+}
+
+void Announce(QLabel& label) {
+  QAccessibleEvent told(&label, QAccessible::Alert);
+  QAccessible::updateAccessibility(&told);
 }
 
 void IgnoreStrayWheel(QWidget& control) {

@@ -38,6 +38,9 @@ QLabel* MakeText(const char* name, QWidget* parent, const QString& text = {});
 /// A label beside `buddy`, to which its mnemonic gives the focus.
 QLabel* MakeCaption(const QString& text, QWidget* buddy);
 
+/// Lets a screen reader say the text that the label has got.
+void Announce(QLabel& label);
+
 /// Keeps the mouse wheel from changing a list or a slider that does not have the focus, so that scrolling
 /// over it changes no setting.
 void IgnoreStrayWheel(QWidget& control);
