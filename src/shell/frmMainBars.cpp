@@ -94,7 +94,8 @@ void QuickOptionBar::FillGreetings(const std::vector<std::string>& names,
   greetings_->setCurrentIndex(place == names.end() ? 0 : static_cast<int>(place - names.begin()));
 }
 
-MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddPanel(1)) {
+MainStatusBar::MainStatusBar(QWidget* parent)
+    : QStatusBar(parent), status_(AddPanel(MakeChild<ElidedLabel>(Qt::ElideRight, this), 1)) {
   setObjectName(QStringLiteral("StatusBar1"));
   status_->setAccessibleName(tr("Line status"));
   // A long device name must not push the clock out of sight.
@@ -114,9 +115,9 @@ MainStatusBar::MainStatusBar(QWidget* parent) : QStatusBar(parent), status_(AddP
   check_->setChecked(true);
   addPermanentWidget(check_);
 
-  time_ = AddPanel(2);
+  time_ = AddPanel(MakeChild<QLabel>(this), 2);
   time_->setAccessibleName(tr("Time"));
-  date_ = AddPanel(3);
+  date_ = AddPanel(MakeChild<QLabel>(this), 3);
   date_->setAccessibleName(tr("Date"));
   addPermanentWidget(time_);
   addPermanentWidget(date_);
@@ -141,8 +142,7 @@ void MainStatusBar::OfferLine(const QString& name, bool waits) {
   cmdUseLine_->setAccessibleDescription(tr("Use %1 now, in place of the line that is open").arg(name));
 }
 
-QLabel* MainStatusBar::AddPanel(int number) {
-  auto* panel = MakeChild<QLabel>(this);
+QLabel* MainStatusBar::AddPanel(QLabel* panel, int number) {
   panel->setObjectName(QStringLiteral("StatusBar1.Panel%1").arg(number));
   panel->setTextFormat(Qt::PlainText);  // a device's name is never markup
   constexpr int kMargin = 4;
@@ -152,7 +152,6 @@ QLabel* MainStatusBar::AddPanel(int number) {
 
 void MainStatusBar::ShowStatus(const QString& text) {
   status_->setText(text);
-  status_->setToolTip(text.toHtmlEscaped());
 }
 
 void MainStatusBar::ShowMail(const QString& text) {

@@ -64,8 +64,7 @@ class MainStatusBar : public QStatusBar {
   QCheckBox& Check1() { return *check_; }
 
  private:
-  QLabel* AddPanel(int number);
-
+  QLabel* AddPanel(QLabel* panel, int number);
   void AddOffer();
 
   QLabel* status_;
