@@ -18,6 +18,22 @@ constexpr QSize kLeastSize{560, 360};
 constexpr QSize kFirstSize{900, 560};
 constexpr int kToolbarIcon = 24;
 
+/// Holds the list, and what is shown while it is empty: beside it, because a screen reader finds only rows in
+/// a list.
+class ListPlace : public QWidget {
+ public:
+  ListPlace(CallListWidget& list, QWidget* parent) : QWidget(parent), list_(list) {
+    list_.setParent(this);
+    list_.Empty().setParent(this);
+  }
+
+ protected:
+  void resizeEvent(QResizeEvent* /*event*/) override { list_.resize(size()); }
+
+ private:
+  CallListWidget& list_;
+};
+
 }  // namespace
 
 frmMain::frmMain()
@@ -64,7 +80,7 @@ void frmMain::LayOut() {
   addToolBar(TBQuickOption_);
   auto* middle = MakeChild<QWidget>(this);
   auto* column = MakeChild<QVBoxLayout>(middle);
-  column->addWidget(ListView1_, 1);
+  column->addWidget(MakeChild<ListPlace>(*ListView1_, middle), 1);
   column->addWidget(player_);
   setCentralWidget(middle);
   setStatusBar(StatusBar1_);
