@@ -86,7 +86,7 @@ void CheckUp::CheckLine() {
   if (!health.trouble.Empty()) {
     Set(CheckLink::Line, Bad(Words("%1.").Arg(health.trouble)));
   } else if (health.on) {
-    Set(CheckLink::Line, Good(Words("\"%1\" is open.").Arg(parts_.settings.ModemName)));
+    Set(CheckLink::Line, Good(Words("\"%1\" is open.").Arg(parts_.line.CurrentName())));
   } else {
     Set(CheckLink::Line, Bad(health.trying ? Tr("It is not open yet, and is tried again by itself.")
                                            : Tr("It is off, so nobody answers: press On in the toolbar.")));
@@ -99,7 +99,7 @@ void CheckUp::TestLine() {
   ErrorTrap::Silent()([&] {
     const auto configured = parts_.lines.Read();
     for (const auto& one : configured.lines)
-      if (one.name == parts_.settings.ModemName && !line) line = one;
+      if (one.name == parts_.line.CurrentName() && !line) line = one;
     // What is wrong in the file is left out, and the line may be another one than its owner wants.
     if (!configured.complaints.empty() && results_.At(CheckLink::Line).state == State::Good)
       Set(CheckLink::Line, Bad(configured.complaints.front()));

@@ -78,6 +78,9 @@ class LineManager {
   /// options must not take a call in progress off its line.
   std::int32_t CurrentIndex() const { return open_index_ >= 0 ? open_index_ : settings_.Modem; }
 
+  /// Name of that line.
+  std::string CurrentName() const { return open_index_ >= 0 ? DeviceName(open_index_) : settings_.ModemName; }
+
   /// Status texts "Monitoring " + device name, or "Off Mode" while the line is off; instead the trouble of a
   /// line that is open or is to be opened.
   void ShowMonitoring();

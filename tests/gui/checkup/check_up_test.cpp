@@ -29,6 +29,7 @@ class CheckUpWindow : public WindowTest {
     world.disk.Mend();
     world.files.room = 1'000'000'000;
     world.Machine().settings.Sound = 0;
+    world.Machine().settings.ModemName = "Sim";
     world.Machine().line.Trouble(0, {});
     world.window->TurnOn();
   }
@@ -62,7 +63,7 @@ TEST_F(CheckUpWindow, ShowsEachBrokenLinkWithItsRemedyAndOnlyThat) {
     const char* hangs = "";
   };
   const Case cases[] = {
-      {"", [] {}},
+      {"", [&] { world.Machine().settings.ModemName = "Another, which is not open yet"; }},
       {"Line: It is off, so nobody answers", [&] { world.window->TurnOff(); }},
       {"Line: Unplugged: plug it in.", [&] { world.Machine().line.Trouble(0, "Unplugged: plug it in."); }},
       {"Line: lines.ini:7: ", [&] { lines.configured.complaints = {"lines.ini:7: what is this?"}; }},
