@@ -19,6 +19,9 @@ using State = RegistrationNews::State;
 
 constexpr milliseconds kLookForResult{50};
 
+/// Several tests may run at once, and each needs a port.
+constexpr int kMostOpenings = 10;
+
 /// Calls that come in during the test are not answered.
 void Ignore(const LineEvent& /*event*/) {}
 
@@ -127,30 +130,49 @@ Words WhereOf(const SipLineSettings& settings) {
              : Words("%1, with TLS at %2").Arg(settings.listen).Arg(settings.tls_listen);
 }
 
+/// The line as it is, but at free ports in place of `open_addresses`. Nothing after a failure, which `result`
+/// then tells.
+std::unique_ptr<LineDriver> OpenLine(const SipLineSettings& settings,
+                                     const std::vector<std::string>& open_addresses, LineTestResult& result) {
+  for (int openings = kMostOpenings;; --openings) {
+    auto here = settings;
+    for (auto* address : {&here.listen, &here.tls_listen}) {
+      if (const auto problem = Prepare(*address, open_addresses)) {
+        result = {false, *problem, address == &here.listen ? "txtListen" : ""};
+        return nullptr;
+      }
+    }
+    auto driver = MakeSipLine(here);
+    const auto failure = driver->Open(Ignore);
+    if (!failure) return driver;
+    const bool elsewhere = here.listen != settings.listen || here.tls_listen != settings.tls_listen;
+    // Another test has taken the free port meanwhile.
+    if (failure->result == kTelephonyLineInUse && elsewhere && openings > 1) continue;
+    result = {false, Words("%1.").Arg(failure->trouble.Empty() ? Words(failure->reason) : failure->trouble),
+              "txtListen"};
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 LineTestResult ProbeSipLine(SipLineSettings settings, const SipProbeOptions& options,
                             const std::atomic<bool>& cancelled) {
-  const auto where = WhereOf(settings);
-  if (const auto problem = Prepare(settings.listen, options.open_addresses))
-    return {false, *problem, "txtListen"};
-  if (const auto problem = Prepare(settings.tls_listen, options.open_addresses)) return {false, *problem};
   const auto latest = std::make_shared<Latest<RegistrationNews>>();
   settings.register_nothing = options.only_asks;
   settings.registration_news = [latest](const RegistrationNews& news) {
     if (latest->Get().state == State::Trying) latest->Take(news);
   };
   settings.timers.registration_life = std::chrono::seconds(60);
-  const auto driver = MakeSipLine(settings);
-  if (const auto failure = driver->Open(Ignore))
-    return {false, Words("%1.").Arg(failure->trouble.Empty() ? Words(failure->reason) : failure->trouble),
-            "txtListen"};
+  LineTestResult fault;
+  const auto driver = OpenLine(settings, options.open_addresses, fault);
+  if (driver == nullptr) return fault;
   const auto end = std::chrono::steady_clock::now() + options.patience;
   const auto waits = [&] { return !cancelled && std::chrono::steady_clock::now() < end; };
   while (!settings.accounts.empty() && latest->Get().state == State::Trying && waits())
     std::this_thread::sleep_for(kLookForResult);
   driver->Close();
-  return ResultOf(settings, latest->Get(), where, options.patience);
+  return ResultOf(settings, latest->Get(), WhereOf(settings), options.patience);
 }
 
 }  // namespace orven
