@@ -159,8 +159,8 @@
         <translation>Kein Netz führt von %1 zum Server %2: unter Einstellungen, Geräte * als Adresse für Anrufe eintragen</translation>
     </message>
     <message>
-        <source>The certificate of the server %1 is not accepted (%2): correct its name in Options, Devices</source>
-        <translation>Das Zertifikat des Servers %1 wird nicht anerkannt (%2): seinen Namen unter Einstellungen, Geräte berichtigen</translation>
+        <source>The certificate of the server %1 is not accepted (%2): correct its name or the trusted certificates in Options, Devices</source>
+        <translation>Das Zertifikat des Servers %1 wird nicht anerkannt (%2): seinen Namen oder die vertrauten Zertifikate unter Einstellungen, Geräte berichtigen</translation>
     </message>
     <message>
         <source>The server %1 opens no encrypted connection (%2): check its port, which is often 5061</source>

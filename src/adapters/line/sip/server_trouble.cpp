@@ -107,11 +107,11 @@ LineTrouble ServerTrouble::NoRoute(int error) const {
 LineTrouble ServerTrouble::NoEncryption(int error, const std::string& refusal) const {
   const std::string words = "no encrypted connection to " + WrittenServer(account_) + " can be opened (";
   if (!refusal.empty()) {
-    return {
-        Words("The certificate of the server %1 is not accepted (%2): correct its name in Options, Devices")
-            .Arg(WrittenServer(account_))
-            .Arg(refusal),
-        words + "its certificate is not accepted: " + refusal + ")"};
+    return {Words("The certificate of the server %1 is not accepted (%2): correct its name or the trusted "
+                  "certificates in Options, Devices")
+                .Arg(WrittenServer(account_))
+                .Arg(refusal),
+            words + "its certificate is not accepted: " + refusal + ")"};
   }
   // RFC 3261, section 19.1.2: TLS has a different default port, which is easily forgotten.
   return {Words("The server %1 opens no encrypted connection (%2): check its port, which is often 5061")
