@@ -36,8 +36,11 @@ TriedMail MailSender::Refused(QueuedMail mail, const MailFailure& failure, bool 
     });
   }
   if (failure.passing && last) {
-    tried.problem =
-        Words("%1; after three days it is not tried again but kept as %2").Arg(failure.what).Arg(tried.file);
+    tried.problem = tried.file.empty()
+                        ? Words("%1; after three days it is not tried again").Arg(failure.what)
+                        : Words("%1; after three days it is not tried again but kept as %2")
+                              .Arg(failure.what)
+                              .Arg(tried.file);
   }
   return tried;
 }
