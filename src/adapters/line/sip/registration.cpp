@@ -50,12 +50,13 @@ Registration::Registration(const SipLineSettings& settings, const SipAccount& ac
     : settings_(settings),
       account_(account),
       address_(AddressOf(account).value_or(SipAddress{})),
+      user_("sip:" + address_.user + '@' + HostInUri(address_.host)),
       ports_(std::move(ports)),
       trouble_(account_, settings_.listen),
       call_id_(RandomName()),
       instance_(InstanceOf(account, settings.installation)),
       login_(account.auth_user.empty() ? address_.user : account.auth_user, account.password),
-      path_({settings.timers.keep_alive, settings.timers.server_patience}, [this] { PathBroke(); }),
+      path_(user_, {settings.timers.keep_alive, settings.timers.server_patience}, [this] { PathBroke(); }),
       timer_([this] { Start(); }),
       patience_([this] { GiveUpServer(); }),
       life_(settings.timers.registration_life) {}
@@ -188,7 +189,6 @@ int Registration::Send(seconds life) {
   const auto response = [](int error, const sip_msg* message, void* self) {
     static_cast<Registration*>(self)->TakeResponse(error, message);
   };
-  const std::string own = "sip:" + address_.user + '@' + HostInUri(address_.host);
   const std::string registrar = RegistrarUri(account_, address_, server.transport);
   const std::string proxy = account_.proxy.empty() ? "" : "Route: <sip:" + account_.proxy + ";lr>\r\n";
   // The request names the server as the account does, and is sent to the address that was found.
@@ -203,7 +203,7 @@ int Registration::Send(seconds life) {
                       response, this,
                       "%sTo: <%s>\r\nFrom: <%s>;tag=%s\r\nCall-ID: %s\r\nCSeq: %u REGISTER\r\n"
                       "%sSupported: outbound, path\r\nUser-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
-                      proxy.c_str(), own.c_str(), own.c_str(), call_id_.c_str(), call_id_.c_str(),
+                      proxy.c_str(), user_.c_str(), user_.c_str(), call_id_.c_str(), call_id_.c_str(),
                       ++sequence_, login_.Headers("REGISTER", registrar).c_str());
 }
 

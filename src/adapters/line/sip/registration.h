@@ -87,6 +87,7 @@ class Registration {
   const SipLineSettings& settings_;
   const SipAccount& account_;
   const SipAddress address_;
+  const std::string user_;  ///< the URI of the address
   const Ports ports_;
   const ServerTrouble trouble_;
   const std::string call_id_;   ///< the same for all requests (RFC 3261, section 10.2), and our tag

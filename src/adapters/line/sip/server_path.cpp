@@ -11,6 +11,9 @@ namespace {
 
 using std::chrono::seconds;
 
+/// Answers of a server that has no registration of a user (RFC 3261, sections 21.4.5 and 21.4.18).
+constexpr int kNotFound = 404, kUnavailable = 480;
+
 /// A server without RFC 5626 need not answer probes: the connection is watched, not probed.
 constexpr std::uint32_t kWatchOnly = 24 * 3600;
 
@@ -31,20 +34,26 @@ std::uint32_t ProbeInterval(const sip_msg& response, std::uint32_t usual) {
 
 }  // namespace
 
-ServerPath::ServerPath(Limits limits, std::function<void()> broken)
-    : limits_(limits),
+ServerPath::ServerPath(std::string user, Limits limits, std::function<void()> broken)
+    : user_(std::move(user)),
+      limits_(limits),
       broken_(std::move(broken)),
       timer_([this] { SendDatagram(); }),
-      patience_([this] { Answered(false); }) {}
+      patience_([this] { Answered(0); }) {}
 
 void ServerPath::Keep(sip& stack, const sa& server, const sip_msg& response) {
   Leave();
   since_ = std::chrono::steady_clock::now();
   if (StartProbes(stack, response)) return;
-  if (!sa_cmp(&server, &server_, SA_ALL)) answers_.reset();
+  if (!sa_cmp(&server, &server_, SA_ALL)) {
+    answers_.reset();
+    about_us_ = true;
+  }
   stack_ = &stack;
   server_ = server;
+  knows_us_ = false;
   timer_.StartPeriodic(limits_.keep_alive);
+  SendDatagram();
 }
 
 /// False when the path has to be kept open by datagrams.
@@ -95,27 +104,40 @@ void ServerPath::SendDatagram() {
   (void)sip_send(stack_, nullptr, SIP_TRANSP_UDP, &server_, empty.get());
 }
 
-/// Any answer will do (RFC 3261, section 11), and nobody is named who would have to prove it.
+/// Asks about us: a server that has restarted may have forgotten its registrations, and nobody else would
+/// tell. Any other answer will do (RFC 3261, section 11), and nobody is named who would have to prove it.
 void ServerPath::Ask() {
   if (stack_ == nullptr || question_ != nullptr) return;
   const std::string server = "sip:" + AddressText(server_) + ";transport=udp";
+  const std::string& about = about_us_ ? user_ : server;
   const std::string name = RandomName();
+  const pl text{server.data(), server.size()};
+  uri route{};
+  if (uri_decode(&route, &text) != 0) return;
   const auto answered = [](int error, const sip_msg* response, void* self) {
-    if (error != 0 || response->scode >= 200) static_cast<ServerPath*>(self)->Answered(error == 0);
+    if (error != 0) return static_cast<ServerPath*>(self)->Answered(0);
+    if (response->scode >= 200) static_cast<ServerPath*>(self)->Answered(response->scode);
   };
   patience_.StartOnce(limits_.patience);
-  (void)sip_requestf(&question_, stack_, true, "OPTIONS", server.c_str(), nullptr, nullptr, nullptr, answered,
+  (void)sip_requestf(&question_, stack_, true, "OPTIONS", about.c_str(), &route, nullptr, nullptr, answered,
                      this,
                      "To: <%s>\r\nFrom: <sip:anonymous@anonymous.invalid>;tag=%s\r\nCall-ID: %s\r\n"
                      "CSeq: 1 OPTIONS\r\nUser-Agent: ORVEN\r\nContent-Length: 0\r\n\r\n",
-                     server.c_str(), name.c_str(), name.c_str());
+                     about.c_str(), name.c_str(), name.c_str());
 }
 
-void ServerPath::Answered(bool answered) {
+/// `status` is 0 without an answer.
+void ServerPath::Answered(int status) {
   patience_.Stop();
   question_ = static_cast<struct sip_request*>(mem_deref(question_));
-  if (answered || answers_ != true) {
-    answers_ = answered;
+  if (status == 0 && answers_ != true) {
+    if (!std::exchange(about_us_, false)) answers_ = false;
+    return;
+  }
+  const bool forgotten = status == kNotFound || status == kUnavailable;
+  if (status != 0 && (!forgotten || !knows_us_)) {
+    answers_ = true;
+    knows_us_ = !forgotten;
     return;
   }
   Leave();

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "adapters/line/sip/libre.h"
 
@@ -18,8 +19,9 @@ class ServerPath {
     std::chrono::milliseconds patience;    ///< with a server that has answered questions before
   };
 
-  /// `broken`: calls do not come through any more; watching has ended.
-  ServerPath(Limits limits, std::function<void()> broken);
+  /// `user` is the URI under which the server knows us. `broken`: calls do not come through any more, or the
+  /// server has forgotten us; watching has ended.
+  ServerPath(std::string user, Limits limits, std::function<void()> broken);
   ServerPath(const ServerPath&) = delete;
   ServerPath& operator=(const ServerPath&) = delete;
   ~ServerPath() { Leave(); }
@@ -36,9 +38,10 @@ class ServerPath {
   bool StartProbes(sip& stack, const sip_msg& response);
   void SendDatagram();
   void Ask();
-  void Answered(bool answered);
+  void Answered(int status);
   void Failed();
 
+  const std::string user_;
   const Limits limits_;
   const std::function<void()> broken_;
   sip_keepalive* kept_ = nullptr;  ///< the library clears it when the path fails
@@ -47,7 +50,9 @@ class ServerPath {
   sa server_{};
   struct sip_request* question_ = nullptr;  ///< pending; the library clears it when answered
   std::optional<bool> answers_;             ///< whether `server_` answers questions; nothing: not known yet
-  bool probes_datagrams_ = true;            ///< until a server does not answer the first probe
+  bool about_us_ = true;   ///< it is asked about `user_`; else, because it did not answer, about itself
+  bool knows_us_ = false;  ///< since the latest registration it has said so
+  bool probes_datagrams_ = true;  ///< until a server does not answer the first probe
   std::chrono::steady_clock::time_point since_;
   MonotonicTimer timer_;
   MonotonicTimer patience_;
