@@ -7,6 +7,7 @@
 
 #include "core/settings.h"
 #include "widgets/controls.h"
+#include "widgets/growing_page.h"
 
 namespace orven {
 namespace {
@@ -17,6 +18,7 @@ constexpr int kLeastGreetingWidth = 70;  // pixels; the rest of the toolbar need
 constexpr int kButtonIcon = 16;
 
 constexpr int kLongestName = 160;  // pixels, of a line in the status bar
+constexpr int kPanelMargin = 4;
 
 QLabel* Label(const QString& text, QWidget* parent) {
   auto* label = MakeChild<QLabel>(text, parent);
@@ -95,11 +97,14 @@ void QuickOptionBar::FillGreetings(const std::vector<std::string>& names,
 }
 
 MainStatusBar::MainStatusBar(QWidget* parent)
-    : QStatusBar(parent), status_(AddPanel(MakeChild<ElidedLabel>(Qt::ElideRight, this), 1)) {
+    : QStatusBar(parent), status_(MakeChild<WholeText>("StatusBar1.Panel1", this, 0)) {
   setObjectName(QStringLiteral("StatusBar1"));
   status_->setAccessibleName(tr("Line status"));
-  // A long device name must not push the clock out of sight.
+  // A long device name must not push the clock out of sight, or the list.
+  constexpr int kMostLines = 2;
+  status_->setMaximumHeight(kMostLines * fontMetrics().lineSpacing());
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  status_->setContentsMargins(kPanelMargin, 0, kPanelMargin, 0);
   addWidget(status_, 1);
   AddOffer();
 
@@ -115,9 +120,9 @@ MainStatusBar::MainStatusBar(QWidget* parent)
   check_->setChecked(true);
   addPermanentWidget(check_);
 
-  time_ = AddPanel(MakeChild<QLabel>(this), 2);
+  time_ = AddPanel(2);
   time_->setAccessibleName(tr("Time"));
-  date_ = AddPanel(MakeChild<QLabel>(this), 3);
+  date_ = AddPanel(3);
   date_->setAccessibleName(tr("Date"));
   addPermanentWidget(time_);
   addPermanentWidget(date_);
@@ -142,16 +147,18 @@ void MainStatusBar::OfferLine(const QString& name, bool waits) {
   cmdUseLine_->setAccessibleDescription(tr("Use %1 now, in place of the line that is open").arg(name));
 }
 
-QLabel* MainStatusBar::AddPanel(QLabel* panel, int number) {
+QLabel* MainStatusBar::AddPanel(int number) {
+  auto* panel = MakeChild<QLabel>(this);
   panel->setObjectName(QStringLiteral("StatusBar1.Panel%1").arg(number));
   panel->setTextFormat(Qt::PlainText);  // a device's name is never markup
-  constexpr int kMargin = 4;
-  panel->setContentsMargins(kMargin, 0, kMargin, 0);
+  panel->setContentsMargins(kPanelMargin, 0, kPanelMargin, 0);
   return panel;
 }
 
 void MainStatusBar::ShowStatus(const QString& text) {
   status_->setText(text);
+  status_->setToolTip(text.toHtmlEscaped());
+  status_->setAccessibleDescription(text);
 }
 
 void MainStatusBar::ShowMail(const QString& text) {

@@ -64,7 +64,8 @@ class MainStatusBar : public QStatusBar {
   QCheckBox& Check1() { return *check_; }
 
  private:
-  QLabel* AddPanel(QLabel* panel, int number);
+  QLabel* AddPanel(int number);
+
   void AddOffer();
 
   QLabel* status_;

@@ -2,6 +2,7 @@
 #include "widgets/growing_page.h"
 
 #include <QEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
 #include <algorithm>
@@ -26,6 +27,11 @@ QSize WholeText::minimumSizeHint() const {
 void WholeText::resizeEvent(QResizeEvent* event) {
   QLabel::resizeEvent(event);
   updateGeometry();
+}
+
+void WholeText::paintEvent(QPaintEvent* event) {
+  if (heightForWidth(width()) <= height()) return QLabel::paintEvent(event);
+  QPainter(this).drawText(contentsRect(), Qt::AlignTop | Qt::AlignLeft | Qt::TextWordWrap, text());
 }
 
 GrowingPage::GrowingPage(QWidget* content, QWidget* parent) : QScrollArea(parent) {

@@ -6,7 +6,8 @@
 
 namespace orven {
 
-/// A label that wraps and is as high as its text, which is never markup.
+/// A label that wraps and is as high as its text, which is never markup. Where it cannot be that high, it
+/// shows the beginning.
 class WholeText : public QLabel {
   Q_OBJECT
 
@@ -18,6 +19,7 @@ class WholeText : public QLabel {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   const int least_lines_;

@@ -15,6 +15,9 @@ namespace {
 constexpr int kFirstErrorReply = 400;
 constexpr int kFirstFinalReply = 500;
 
+/// To MAIL: a login is wanted first (RFC 4954, section 6), or encryption (RFC 3207, section 4).
+constexpr int kLoginWanted = 530;
+
 constexpr const char* kOnline = Tr("Check the server's name, and whether this computer is online.");
 constexpr const char* kPort = Tr(
     "Check the server's name and port. Many networks block port 25: providers take mail at port 587, or at "
@@ -113,6 +116,7 @@ MailFailure DescribeFailure(const CurlFailure& failure, const std::string& serve
     case CURLE_LOGIN_DENIED: return LoginFailed(server, reply, code);
     default: break;
   }
+  if (code == kLoginWanted) return LoginFailed(server, reply, code);
   if (code >= kFirstErrorReply) {
     return {Words("%1 refused the mail: %2 (%3)").Arg(server).Arg(reply).Arg(words),
             RemedyOfRefusal(code, words), code < kFirstFinalReply};
