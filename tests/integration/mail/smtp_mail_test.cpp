@@ -73,7 +73,7 @@ TEST_F(MailTest, IsEncryptedAndSentOnlyWithTheRightCertificateAndPassword) {
     EXPECT_THAT(Sent(address), AllOf(HasSubstr("refused the login: 535"), Not(HasSubstr("wr0ng-one"))));
     account_ = {};
     Start();
-    EXPECT_THAT(Sent(address), HasSubstr("refused the mail: 530"));
+    EXPECT_THAT(Sent(address), HasSubstr("refused the login: 530"));
   }
 }
 
