@@ -1711,6 +1711,10 @@ und %2 weitere, die im Systemprotokoll stehen</translation>
         <source>%1; after three days it is not tried again but kept as %2</source>
         <translation>%1; nach drei Tagen wird sie nicht mehr gesendet, sondern als %2 aufbewahrt</translation>
     </message>
+    <message>
+        <source>%1; after three days it is not tried again</source>
+        <translation>%1; nach drei Tagen wird sie nicht mehr gesendet</translation>
+    </message>
 </context>
 <context>
     <name>orven::MainCommands</name>
