@@ -140,6 +140,7 @@ void ServerPath::Answered(int status) {
     knows_us_ = !forgotten;
     return;
   }
+  answers_.reset();  // it may be tired of questions only: then it must not be registered at again and again
   Leave();
   broken_();
 }

@@ -86,8 +86,9 @@ std::optional<OpenFailure> SipTransports::PrepareTls() {
 }
 
 void SipTransports::PrepareTlsTo(const std::string& host) {
+  if (servers_tls_.contains(host)) return;
   try {
-    servers_tls_.try_emplace(host, TlsContext::Checking(host, settings_.tls_trust));
+    servers_tls_.emplace(host, TlsContext::Checking(host, settings_.tls_trust));
   } catch (const std::runtime_error& error) {
     tls_problems_[host] = error.what();
   }

@@ -230,6 +230,10 @@ TEST_F(SipRegistrationTest, AServerThatForgetsIsToldAgainAndOneThatFallsSilentIs
   events.Clear();
   server.SendTo(port, Answer(again, "200"));
   EXPECT_TRUE(events.Wait("Trouble ")) << "its end";
+  std::string text;
+  do text = server.Receive();
+  while (text.starts_with("OPTIONS ") || text == again);
+  EXPECT_EQ(text, "\r\n\r\n") << "it is tired of questions only, and not registered at again and again";
 }
 
 TEST_F(SipRegistrationTest, IdleConnectionsLeaveRoomForCallsAndTheServer) {
